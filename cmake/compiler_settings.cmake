@@ -1,0 +1,48 @@
+# What every target of the project is compiled with. Link kit_compiler_settings privately.
+add_library(kit_compiler_settings INTERFACE)
+target_compile_features(kit_compiler_settings INTERFACE cxx_std_20)
+
+if(MSVC)
+    target_compile_options(kit_compiler_settings INTERFACE /W4 /WX /permissive- /utf-8 /EHsc /fp:precise /Zc:__cplusplus)
+    target_compile_definitions(kit_compiler_settings INTERFACE _CRT_SECURE_NO_WARNINGS)
+else()
+    # No contraction: numeric results are part of the behaviour and must not depend on the processor.
+    target_compile_options(kit_compiler_settings INTERFACE
+        -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror -ffp-contract=off)
+    if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+        # GCC's -Wconversion leaves these two out for C++; one set of rules for both compilers.
+        target_compile_options(kit_compiler_settings INTERFACE -Wno-sign-conversion -Wno-implicit-int-float-conversion)
+    endif()
+    # DWARF 4: Wine's back traces read no later one.
+    target_compile_options(kit_compiler_settings INTERFACE
+        "$<$<CONFIG:Debug>:-gdwarf-4;-fstack-protector-strong>"
+        "$<$<CONFIG:Release>:-ffunction-sections;-fdata-sections>")
+    target_compile_definitions(kit_compiler_settings INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+endif()
+
+if(WIN32)
+    target_compile_definitions(kit_compiler_settings INTERFACE NOMINMAX WINVER=0x0A00 _WIN32_WINNT=0x0A00)
+    if(MINGW)
+        target_link_options(kit_compiler_settings INTERFACE "$<$<CONFIG:Release>:-s;-Wl,--gc-sections>")
+        target_compile_options(kit_compiler_settings INTERFACE $<$<CONFIG:Debug>:-Wa,-mbig-obj>)
+        target_link_options(kit_compiler_settings INTERFACE $<$<CONFIG:Debug>:-fstack-protector-strong>)
+    endif()
+endif()
+
+if(KIT_SANITIZE)
+    set(kit_sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_compile_options(kit_compiler_settings INTERFACE ${kit_sanitizers})
+    target_link_options(kit_compiler_settings INTERFACE ${kit_sanitizers})
+endif()
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+    # Paths relative to the project: all build folders, and all clones, share what was compiled once.
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=1
+        "${CCACHE_PROGRAM}")
+endif()
+
+# A program and all the DLLs that it loads stand in one folder, which can be copied and started as it is.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
