@@ -1,0 +1,17 @@
+/** Pieces of the sentences that tell a user what is wrong with a file. */
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+/** "7,109,137": a count with its thousands set apart. */
+std::string Count_Text(std::uint64_t count);
+/** "2.0 GiB", "512 bytes": an amount of data. */
+std::string Size_Text(std::uint64_t bytes);
+/** The file's own name without its folders, in UTF-8. A name that cannot be expressed gives "The file". */
+std::string File_Name_Text(const std::filesystem::path& path);
+/** A path from UTF-8 text, on every system. Text that is not valid UTF-8 gives an empty path on systems with wide file
+ * names. */
+std::filesystem::path Path_From_Utf8(std::string_view text);
