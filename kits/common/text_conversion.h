@@ -1,0 +1,22 @@
+/** Conversion between the system's code page and wide text, one character at a time. For the kit's own use. */
+#pragma once
+
+/** Most wide characters that one character of a code page becomes. */
+inline constexpr int WIDE_PER_CHARACTER = 2;
+/** Most bytes that one character takes in any code page. */
+inline constexpr int BYTES_PER_CHARACTER = 8;
+
+/** Bytes of the character that begins at `text`. 0 at the end of the text, and for a character that the end of the text
+ * cuts off. A byte that begins no character counts as a character of its own. */
+int Character_Bytes(const char* text);
+/** Converts one character. @param out room for WIDE_PER_CHARACTER. @return how many were written, 0 when it cannot be
+ * expressed */
+int Wide_Of_Character(const char* text, int bytes, wchar_t* out);
+/** Wide characters of the character that begins at `text`, 1 or 2; 0 at the end. */
+int Wide_Character_Units(const wchar_t* text);
+/** Converts one wide character to the code page, '?' when it has no such character.
+ *  @param out room for BYTES_PER_CHARACTER. @return bytes written, at least 1 */
+int Bytes_Of_Wide_Character(const wchar_t* text, int units, char* out);
+
+/** Character_Bytes for UTF-8. */
+int Utf8_Character_Bytes(const char* text);

@@ -1,0 +1,38 @@
+#include <windows.h>
+
+#include "kits/common/text_conversion.h"
+
+int Character_Bytes(const char* text) {
+    const auto lead = static_cast<unsigned char>(text[0]);
+    if (lead < 0x80) {
+        return lead == 0 ? 0 : 1;
+    }
+    if (::GetACP() == CP_UTF8) {
+        return Utf8_Character_Bytes(text);
+    }
+    if (::IsDBCSLeadByteEx(CP_ACP, lead) == FALSE) {
+        return 1;
+    }
+    return text[1] == 0 ? 0 : 2;
+}
+
+int Wide_Of_Character(const char* text, int bytes, wchar_t* out) {
+    if (static_cast<unsigned char>(text[0]) < 0x80) {
+        out[0] = static_cast<wchar_t>(text[0]);
+        return 1;
+    }
+    return ::MultiByteToWideChar(CP_ACP, 0, text, bytes, out, WIDE_PER_CHARACTER);
+}
+
+int Bytes_Of_Wide_Character(const wchar_t* text, int units, char* out) {
+    if (text[0] < 0x80) {
+        out[0] = static_cast<char>(text[0]);
+        return 1;
+    }
+    const int bytes = ::WideCharToMultiByte(CP_ACP, 0, text, units, out, BYTES_PER_CHARACTER, nullptr, nullptr);
+    if (bytes > 0) {
+        return bytes;
+    }
+    out[0] = '?';
+    return 1;
+}

@@ -1,0 +1,143 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "kits/common/messages.h"
+#include "tests/kits/common/failing_memory.h"
+
+namespace {
+
+char received[256];
+int received_nb = 0;
+
+/** Takes no memory itself. */
+void Receive(void*, HWND, int, const char* text) {
+    std::size_t i = 0;
+    for (; text[i] != 0 && i + 1 < sizeof(received); ++i) {
+        received[i] = text[i];
+    }
+    received[i] = 0;
+    ++received_nb;
+}
+
+void Receive_Too(void*, HWND, int, const char*) {}
+
+Matrix_NxM Filled(unsigned int columns, unsigned int rows) {
+    Matrix_NxM matrix(columns, rows, 8);
+    for (unsigned int i = 0; i < rows && matrix.Rows() == rows; ++i) {
+        for (unsigned int j = 0; j < columns; ++j) {
+            matrix[static_cast<int>(i)][j] = i == j ? 4.0 : 1.0 / (1 + i + 2 * j);
+        }
+    }
+    return matrix;
+}
+
+}  // namespace
+
+TEST(Without_Memory, A_Vector_Is_Empty_And_Survives_Every_Operation) {
+    Vector_N other(100, 8);
+    const int failed = Fail_Each_Allocation([&] {
+        Vector_N vector(100, 8);
+        EXPECT_EQ(vector.Size() == 0, Failing_Allocation::Happened());
+        vector[5] = 1.0;
+        vector += other;
+        const Vector_N copy(vector);
+        vector = other;
+        other += copy;
+    });
+    EXPECT_GE(failed, 4);
+    EXPECT_EQ(other.Size(), 100U);
+}
+
+TEST(Without_Memory, A_Matrix_Is_Marked_Invalid) {
+    const int failed = Fail_Each_Allocation([] {
+        Matrix_NxM matrix(30, 30, 8);
+        EXPECT_EQ(matrix.Invalid(0) != 0, Failing_Allocation::Happened());
+        EXPECT_EQ(matrix.Rows() == 0, Failing_Allocation::Happened());
+    });
+    EXPECT_EQ(failed, 2);
+}
+
+TEST(Without_Memory, A_Copied_Matrix_Is_Marked_Invalid) {
+    const Matrix_NxM original = Filled(30, 30);
+    EXPECT_EQ(Fail_Each_Allocation([&] {
+                  Matrix_NxM copy(original);
+                  EXPECT_EQ(copy.Invalid(0) != 0, Failing_Allocation::Happened());
+              }),
+              2);
+}
+
+TEST(Without_Memory, Results_Of_Matrix_Operations_Are_Marked_Invalid) {
+    const Matrix_NxM square = Filled(200, 200);
+    const Matrix_NxM tall = Filled(60, 900);
+    const Matrix_NxM wide = ~tall;
+    // Work memory of a product comes from the stack while it is small, so only the result must be there.
+    EXPECT_GE(Fail_Each_Allocation([&] {
+                  Matrix_NxM inverse = !square;
+                  EXPECT_EQ(inverse.Invalid(0) != 0, Failing_Allocation::Happened());
+              }),
+              3);
+    EXPECT_GE(Fail_Each_Allocation([&] {
+                  Matrix_NxM product = wide * tall;
+                  EXPECT_EQ(product.Invalid(0) != 0, Failing_Allocation::Happened());
+              }),
+              2);
+    EXPECT_GE(Fail_Each_Allocation([&] {
+                  Matrix_NxM product = square * square;
+                  EXPECT_EQ(product.Invalid(0) != 0, Failing_Allocation::Happened());
+              }),
+              2);
+    EXPECT_EQ(Fail_Each_Allocation([&] {
+                  Matrix_NxM transposed = ~tall;
+                  EXPECT_EQ(transposed.Invalid(0) != 0, Failing_Allocation::Happened());
+              }),
+              2);
+    Vector_N ones(60, 8);
+    EXPECT_EQ(Fail_Each_Allocation([&] {
+                  const Vector_N product = tall * ones;
+                  EXPECT_EQ(product.Size() == 0, Failing_Allocation::Happened());
+              }),
+              2);
+}
+
+TEST(Without_Memory, Short_Messages_Need_None) {
+    ASSERT_EQ(Message_Receiver_Add(Receive, nullptr), 1);
+    received_nb = 0;
+    EXPECT_EQ(Fail_Each_Allocation([] {
+                  Error_Fct(nullptr, 1, "line %-4d of %s \nmemory error in %ls (%.2f)", 244, "panels/tool_tag.cpp",
+                            L"strdup", 0.5);
+                  EXPECT_STREQ(received, "line 244  of panels/tool_tag.cpp \nmemory error in strdup (0.50)");
+              }),
+              0);
+    EXPECT_EQ(received_nb, 1);
+    Message_Receiver_Remove(Receive, nullptr);
+}
+
+TEST(Without_Memory, Long_Messages_Are_Cut_And_Still_Arrive) {
+    ASSERT_EQ(Message_Receiver_Add(Receive, nullptr), 1);
+    const std::string text(5000, 'x');
+    const std::string front = text.substr(0, sizeof(received) - 1);
+    received_nb = 0;
+    const int failed = Fail_Each_Allocation([&] {
+        Error_Fct(nullptr, 1, "%s|%ls|%5000d|%2000s", text.c_str(), L"wide", 5, "");
+        EXPECT_EQ(received, front);
+    });
+    EXPECT_GE(failed, 1);
+    EXPECT_EQ(received_nb, failed + 1);
+    Message_Receiver_Remove(Receive, nullptr);
+}
+
+TEST(Without_Memory, A_Receiver_Is_Refused) {
+    constexpr int RECEIVER_NB = 40;
+    const int failed = Fail_Each_Allocation([] {
+        int refused = 0;
+        for (int i = 0; i < RECEIVER_NB; ++i) {
+            refused += Message_Receiver_Add(Receive_Too, &received[i]) == 0 ? 1 : 0;
+        }
+        EXPECT_EQ(refused, Failing_Allocation::Happened() ? 1 : 0);
+        for (int i = 0; i < RECEIVER_NB; ++i) {
+            Message_Receiver_Remove(Receive_Too, &received[i]);
+        }
+    });
+    EXPECT_GE(failed, 1);
+}

@@ -1,0 +1,302 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+
+#include "host/kit_common.h"
+
+namespace {
+
+std::mt19937 Generator(unsigned int seed) {
+    return std::mt19937(seed);
+}
+
+Matrix_NxM Random_Matrix(unsigned int columns, unsigned int rows, unsigned int seed) {
+    auto generator = Generator(seed);
+    std::uniform_real_distribution<double> values(-1.0, 1.0);
+    Matrix_NxM matrix(columns, rows, 8);
+    for (unsigned int row = 0; row < rows; ++row) {
+        for (unsigned int column = 0; column < columns; ++column) {
+            matrix[static_cast<int>(row)][column] = values(generator);
+        }
+    }
+    return matrix;
+}
+
+/** A matrix whose rows are filled between moving limits only, as derivatives of narrow peaks are. */
+Matrix_NxM Banded_Matrix(unsigned int columns, unsigned int rows, unsigned int half_width, unsigned int seed) {
+    Matrix_NxM matrix = Random_Matrix(columns, rows, seed);
+    for (unsigned int row = 0; row < rows; ++row) {
+        for (unsigned int column = 0; column < columns; ++column) {
+            const double centre = static_cast<double>(row) * columns / rows;
+            if (std::abs(centre - column) > half_width) {
+                matrix[static_cast<int>(row)][column] = 0.0;
+            }
+        }
+    }
+    return matrix;
+}
+
+/** The sums of the definition, in extended precision. */
+Matrix_NxM Plain_Product(const Matrix_NxM& left, const Matrix_NxM& right) {
+    Matrix_NxM product(right.Columns(), left.Rows(), 8);
+    for (unsigned int row = 0; row < left.Rows(); ++row) {
+        for (unsigned int column = 0; column < right.Columns(); ++column) {
+            long double sum = 0.0L;
+            for (unsigned int i = 0; i < left.Columns(); ++i) {
+                sum += static_cast<long double>(left[static_cast<int>(row)][i]) * right[static_cast<int>(i)][column];
+            }
+            product[static_cast<int>(row)][column] = static_cast<double>(sum);
+        }
+    }
+    return product;
+}
+
+double Largest_Difference(const Matrix_NxM& a, const Matrix_NxM& b) {
+    double largest = 0.0;
+    for (unsigned int row = 0; row < a.Rows(); ++row) {
+        for (unsigned int column = 0; column < a.Columns(); ++column) {
+            const double difference = std::abs(a[static_cast<int>(row)][column] - b[static_cast<int>(row)][column]);
+            largest = std::isnan(difference) ? difference : std::max(largest, difference);
+        }
+    }
+    return largest;
+}
+
+double Distance_From_Identity(const Matrix_NxM& matrix) {
+    Matrix_NxM identity(matrix.Columns(), matrix.Rows(), 8);
+    for (unsigned int i = 0; i < matrix.Rows(); ++i) {
+        identity[static_cast<int>(i)][i] = 1.0;
+    }
+    return Largest_Difference(matrix, identity);
+}
+
+}  // namespace
+
+TEST(Matrix, Takes_Columns_First_And_Stores_Contiguous_Rows) {
+    Matrix_NxM matrix(3, 2, 8);
+    EXPECT_EQ(matrix.Columns(), 3U);
+    EXPECT_EQ(matrix.Rows(), 2U);
+    EXPECT_EQ(matrix[1] - matrix[0], 3);
+    EXPECT_EQ(matrix.Invalid(0), 0);
+    for (int i = 0; i < 6; ++i) {
+        EXPECT_EQ(matrix[0][i], 0.0);
+    }
+}
+
+TEST(Matrix, Copies_Are_Deep_And_Keep_The_Mark) {
+    Matrix_NxM singular(2, 2, 8);
+    Matrix_NxM invalid = !singular;
+    Matrix_NxM copy = invalid;
+    EXPECT_NE(copy.Invalid(0), 0);
+    Matrix_NxM original = Random_Matrix(4, 4, 1);
+    copy = original;
+    EXPECT_EQ(copy.Invalid(0), 0);
+    const double before = copy[2][3];
+    original[2][3] = 99.0;
+    EXPECT_EQ(copy[2][3], before);
+    const Matrix_NxM& same = copy;
+    copy = same;
+    EXPECT_EQ(copy[2][3], before);
+}
+
+TEST(Matrix, Transposes_Every_Shape) {
+    for (const auto& [columns, rows] : {std::pair{1U, 1U}, {3U, 5U}, {17U, 33U}, {64U, 1U}, {1U, 100U}, {130U, 47U}}) {
+        const Matrix_NxM matrix = Random_Matrix(columns, rows, 7);
+        const Matrix_NxM transposed = ~matrix;
+        ASSERT_EQ(transposed.Columns(), rows);
+        ASSERT_EQ(transposed.Rows(), columns);
+        for (unsigned int row = 0; row < rows; ++row) {
+            for (unsigned int column = 0; column < columns; ++column) {
+                ASSERT_EQ(transposed[static_cast<int>(column)][row], matrix[static_cast<int>(row)][column]);
+            }
+        }
+    }
+}
+
+TEST(Matrix, Products_Agree_With_The_Plain_Sums) {
+    for (const auto& [rows, inner, columns] :
+         {std::tuple{1U, 1U, 1U}, {3U, 4U, 5U}, {48U, 48U, 48U}, {25U, 700U, 31U}, {100U, 3U, 90U}}) {
+        const Matrix_NxM left = Random_Matrix(inner, rows, 11);
+        const Matrix_NxM right = Random_Matrix(columns, inner, 12);
+        Matrix_NxM product = left * right;
+        EXPECT_EQ(product.Invalid(0), 0);
+        ASSERT_EQ(product.Rows(), rows);
+        ASSERT_EQ(product.Columns(), columns);
+        EXPECT_LT(Largest_Difference(product, Plain_Product(left, right)), 1e-14 * inner);
+    }
+}
+
+TEST(Matrix, Products_With_Blocks_Of_Zeros_Agree_With_The_Plain_Sums) {
+    for (const unsigned int half_width : {0U, 1U, 6U, 20U}) {
+        const Matrix_NxM banded = Banded_Matrix(90, 500, half_width, 21);
+        EXPECT_LT(Largest_Difference(~banded * banded, Plain_Product(~banded, banded)), 1e-12);
+        const Matrix_NxM dense = Random_Matrix(90, 90, 22);
+        EXPECT_LT(Largest_Difference(dense * ~banded, Plain_Product(dense, ~banded)), 1e-12);
+        EXPECT_LT(Largest_Difference(banded * dense, Plain_Product(banded, dense)), 1e-12);
+    }
+    const Matrix_NxM zero(60, 60, 8);
+    EXPECT_EQ(Largest_Difference(zero * Random_Matrix(60, 60, 23), zero), 0.0);
+}
+
+TEST(Matrix, A_Single_Value_Among_Zeros_Is_Not_Lost) {
+    for (unsigned int at = 0; at < 100; at += 7) {
+        Matrix_NxM left(100, 100, 8);
+        Matrix_NxM right(100, 100, 8);
+        left[static_cast<int>(99 - at)][at] = 2.0;
+        right[static_cast<int>(at)][(at * 3) % 100] = 3.0;
+        const Matrix_NxM product = left * right;
+        EXPECT_EQ(product[static_cast<int>(99 - at)][(at * 3) % 100], 6.0);
+    }
+}
+
+TEST(Matrix, Zero_Times_Infinity_Is_Not_Skipped) {
+    Matrix_NxM left(60, 60, 8);
+    Matrix_NxM right(60, 60, 8);
+    right[50][50] = std::numeric_limits<double>::infinity();
+    EXPECT_TRUE(std::isnan((left * right)[0][50]));
+    EXPECT_EQ((left * right)[0][0], 0.0);
+}
+
+TEST(Matrix, A_Product_Of_Shapes_That_Do_Not_Fit_Is_Invalid) {
+    const Matrix_NxM left(3, 2, 8);
+    const Matrix_NxM right(3, 2, 8);
+    EXPECT_NE((left * right).Invalid(0), 0);
+    EXPECT_EQ((left * Vector_N(2, 8)).Size(), 0U);
+}
+
+TEST(Matrix, Times_Vector_Gives_One_Element_Per_Row) {
+    const Matrix_NxM matrix = Random_Matrix(7, 13, 31);
+    Vector_N vector(7, 8);
+    for (int i = 0; i < 7; ++i) {
+        vector[i] = i - 2.5;
+    }
+    const Vector_N product = matrix * vector;
+    ASSERT_EQ(product.Size(), 13U);
+    for (int row = 0; row < 13; ++row) {
+        double sum = 0.0;
+        for (int column = 0; column < 7; ++column) {
+            sum += matrix[row][column] * vector[column];
+        }
+        EXPECT_NEAR(product[row], sum, 1e-14);
+    }
+}
+
+TEST(Matrix, Inverses_Of_Random_Systems_Are_Inverses) {
+    for (const unsigned int order : {1U, 2U, 3U, 6U, 24U, 75U, 300U}) {
+        for (unsigned int seed = 0; seed < 5; ++seed) {
+            const Matrix_NxM matrix = Random_Matrix(order, order, 100 * order + seed);
+            Matrix_NxM inverse = !matrix;
+            ASSERT_EQ(inverse.Invalid(0), 0);
+            EXPECT_LT(Distance_From_Identity(inverse * matrix), 1e-7) << order;
+            EXPECT_LT(Distance_From_Identity(matrix * inverse), 1e-7) << order;
+        }
+    }
+}
+
+TEST(Matrix, Pivots_Where_The_Diagonal_Is_Zero) {
+    Matrix_NxM swap(2, 2, 8);
+    swap[0][1] = 2.0;
+    swap[1][0] = 4.0;
+    Matrix_NxM inverse = !swap;
+    ASSERT_EQ(inverse.Invalid(0), 0);
+    EXPECT_EQ(inverse[0][1], 0.25);
+    EXPECT_EQ(inverse[1][0], 0.5);
+    EXPECT_EQ(inverse[0][0], 0.0);
+}
+
+TEST(Matrix, An_All_Zero_Column_Or_Row_Makes_The_Inverse_Invalid) {
+    for (const unsigned int order : {1U, 2U, 3U, 30U, 150U}) {
+        for (unsigned int at = 0; at < order; at += order / 3 + 1) {
+            Matrix_NxM column_zero = Random_Matrix(order, order, order + at);
+            for (unsigned int row = 0; row < order; ++row) {
+                column_zero[static_cast<int>(row)][at] = 0.0;
+            }
+            EXPECT_NE((!column_zero).Invalid(0), 0) << order << ' ' << at;
+            // The normal equations of a derivative that is zero everywhere.
+            EXPECT_NE((!(~column_zero * column_zero)).Invalid(0), 0) << order << ' ' << at;
+        }
+    }
+}
+
+TEST(Matrix, There_Is_No_Tolerance_For_Nearly_Singular_Systems) {
+    Matrix_NxM tiny(2, 2, 8);
+    tiny[0][0] = 1e-150;
+    tiny[1][1] = 1e-150;
+    Matrix_NxM inverse = !tiny;
+    EXPECT_EQ(inverse.Invalid(0), 0);
+    EXPECT_DOUBLE_EQ(inverse[0][0], 1e150);
+}
+
+TEST(Matrix, An_Inverse_That_Is_Not_Finite_Is_Invalid) {
+    Matrix_NxM denormal(1, 1, 8);
+    denormal[0][0] = 1e-310;
+    EXPECT_NE((!denormal).Invalid(0), 0);
+    Matrix_NxM not_a_number = Random_Matrix(4, 4, 41);
+    not_a_number[2][1] = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_NE((!not_a_number).Invalid(0), 0);
+    Matrix_NxM infinite = Random_Matrix(4, 4, 42);
+    infinite[0][0] = std::numeric_limits<double>::infinity();
+    EXPECT_NE((!infinite).Invalid(0), 0);
+}
+
+TEST(Matrix, Only_Square_Matrices_Have_An_Inverse) {
+    EXPECT_NE((!Random_Matrix(3, 2, 51)).Invalid(0), 0);
+}
+
+TEST(Matrix, The_Mark_Is_Kept_Until_It_Is_Cleared) {
+    Matrix_NxM invalid = !Matrix_NxM(2, 2, 8);
+    EXPECT_NE(invalid.Invalid(0), 0);
+    EXPECT_NE(invalid.Invalid(0), 0);
+    EXPECT_NE(invalid.Invalid(1), 0);
+    EXPECT_EQ(invalid.Invalid(0), 0);
+}
+
+TEST(Matrix, The_Mark_Is_Handed_On) {
+    const Matrix_NxM invalid = !Matrix_NxM(2, 2, 8);
+    EXPECT_NE((invalid * Matrix_NxM(2, 2, 8)).Invalid(0), 0);
+    EXPECT_NE((Matrix_NxM(2, 2, 8) * invalid).Invalid(0), 0);
+    EXPECT_NE((~invalid).Invalid(0), 0);
+    EXPECT_NE((!invalid).Invalid(0), 0);
+}
+
+TEST(Matrix, The_Empty_System_Is_Valid) {
+    const Matrix_NxM empty(0, 0, 8);
+    EXPECT_EQ((!empty).Invalid(0), 0);
+    EXPECT_EQ((~empty).Invalid(0), 0);
+    EXPECT_EQ((empty * empty).Invalid(0), 0);
+    EXPECT_EQ((empty * Vector_N(0, 8)).Size(), 0U);
+    const Matrix_NxM no_columns(0, 5, 8);
+    EXPECT_EQ((~no_columns * no_columns).Invalid(0), 0);
+    EXPECT_EQ((no_columns * ~no_columns).Rows(), 5U);
+    EXPECT_EQ((no_columns * ~no_columns)[4][4], 0.0);
+    const Vector_N zero = no_columns * Vector_N(0, 8);
+    ASSERT_EQ(zero.Size(), 5U);
+    EXPECT_EQ(zero[4], 0.0);
+}
+
+TEST(Matrix, One_That_Is_Too_Large_For_Memory_Is_Invalid_And_Usable) {
+    Matrix_NxM huge(0xFFFFFFFFU, 0xFFFFFFFFU, 8);
+    EXPECT_NE(huge.Invalid(0), 0);
+    EXPECT_EQ(huge.Columns(), 0U);
+    EXPECT_NE((!huge).Invalid(0), 0);
+    EXPECT_NE((huge * huge).Invalid(0), 0);
+    EXPECT_EQ((huge * Vector_N(0, 8)).Size(), 0U);
+}
+
+TEST(Matrix, Solves_Least_Squares_Like_A_Peak_Fit_Does) {
+    // y = 3 + 2 x, through the normal equations.
+    Matrix_NxM design(2, 50, 8);
+    Vector_N data(50, 8);
+    for (int i = 0; i < 50; ++i) {
+        design[i][0] = 1.0;
+        design[i][1] = i;
+        data[i] = 3.0 + 2.0 * i;
+    }
+    const Matrix_NxM transposed = ~design;
+    const Vector_N solution = !(transposed * design) * transposed * data;
+    EXPECT_NEAR(solution[0], 3.0, 1e-10);
+    EXPECT_NEAR(solution[1], 2.0, 1e-11);
+}

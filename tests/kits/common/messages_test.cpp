@@ -1,0 +1,143 @@
+#include "kits/common/messages.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "tests/kits/common/message_sink.h"
+
+namespace {
+
+HWND Some_Window() {
+    return reinterpret_cast<HWND>(std::uintptr_t{0x1234});
+}
+
+std::vector<std::string> order;
+
+void Note_Name(void* context, HWND, int, const char* text) {
+    order.push_back(std::string(static_cast<const char*>(context)) + text);
+}
+
+void Remove_Itself(void* context, HWND, int, const char*) {
+    order.emplace_back("once");
+    EXPECT_EQ(Message_Receiver_Remove(Remove_Itself, context), 1);
+}
+
+char late_name[] = "late:";
+
+void Add_Another(void*, HWND, int, const char*) {
+    Message_Receiver_Add(Note_Name, late_name);
+}
+
+void Answer(void*, HWND, int, const char* text) {
+    order.emplace_back(text);
+    Error_Fct(nullptr, 16, "answer to %s", text);
+}
+
+void Fail(void*, HWND, int, const char*) {
+    throw std::runtime_error("no disk");
+}
+
+class Messages : public testing::Test {
+  protected:
+    void SetUp() override { order.clear(); }
+};
+
+}  // namespace
+
+TEST_F(Messages, Reach_A_Receiver_With_Window_And_Level) {
+    Message_Sink sink;
+    EXPECT_EQ(Error_Fct(Some_Window(), 2, "%d of %s", 3, "four"), 1);
+    ASSERT_EQ(sink.messages.size(), 1U);
+    EXPECT_EQ(sink.messages[0].window, Some_Window());
+    EXPECT_EQ(sink.messages[0].level, 2);
+    EXPECT_EQ(sink.messages[0].text, "3 of four");
+}
+
+TEST_F(Messages, Reach_Receivers_In_The_Order_Of_Their_Registration) {
+    char first[] = "a:";
+    char second[] = "b:";
+    EXPECT_EQ(Message_Receiver_Add(Note_Name, first), 1);
+    EXPECT_EQ(Message_Receiver_Add(Note_Name, second), 1);
+    EXPECT_EQ(Message_Receiver_Add(Note_Name, first), 0) << "registered already";
+    Error_Fct(nullptr, 4, "x");
+    EXPECT_EQ(order, (std::vector<std::string>{"a:x", "b:x"}));
+    EXPECT_EQ(Message_Receiver_Remove(Note_Name, first), 1);
+    EXPECT_EQ(Message_Receiver_Remove(Note_Name, first), 0);
+    Error_Fct(nullptr, 4, "y");
+    EXPECT_EQ(order.back(), "b:y");
+    EXPECT_EQ(order.size(), 3U);
+    EXPECT_EQ(Message_Receiver_Remove(Note_Name, second), 1);
+}
+
+TEST_F(Messages, Nobody_Listening_And_No_Format_Are_Harmless) {
+    EXPECT_EQ(Error_Fct(nullptr, 1, "to nobody %d", 1), 1);
+    Message_Sink sink;
+    int (*report)(HWND, int, const char*, ...) = Error_Fct;
+    EXPECT_EQ(report(nullptr, 1, nullptr), 1);
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(Message_Receiver_Add(nullptr, nullptr), 0);
+    EXPECT_EQ(Message_Receiver_Remove(nullptr, nullptr), 0);
+}
+
+TEST_F(Messages, A_Receiver_May_Leave_While_It_Is_Called) {
+    char after[] = "after:";
+    Message_Receiver_Add(Remove_Itself, nullptr);
+    Message_Receiver_Add(Note_Name, after);
+    Error_Fct(nullptr, 4, "1");
+    Error_Fct(nullptr, 4, "2");
+    EXPECT_EQ(order, (std::vector<std::string>{"once", "after:1", "after:2"}));
+    Message_Receiver_Remove(Note_Name, after);
+}
+
+TEST_F(Messages, A_Receiver_That_Comes_During_A_Delivery_Gets_The_Next_Message) {
+    Message_Receiver_Add(Add_Another, nullptr);
+    Error_Fct(nullptr, 4, "1");
+    EXPECT_TRUE(order.empty());
+    Error_Fct(nullptr, 4, "2");
+    EXPECT_EQ(order, (std::vector<std::string>{"late:2"}));
+    Message_Receiver_Remove(Add_Another, nullptr);
+    // The late one has registered a static name; registering a second receiver of that name shows it, then it is
+    // removed.
+    Error_Fct(nullptr, 4, "3");
+    EXPECT_EQ(order.back(), "late:3");
+}
+
+TEST_F(Messages, A_Receiver_That_Answers_Every_Message_Comes_To_An_End) {
+    Message_Receiver_Add(Answer, nullptr);
+    Error_Fct(nullptr, 4, "q");
+    Message_Receiver_Remove(Answer, nullptr);
+    EXPECT_GE(order.size(), 2U);
+    EXPECT_LE(order.size(), 16U);
+    order.clear();
+    Message_Sink sink;
+    Error_Fct(nullptr, 4, "again");
+    EXPECT_EQ(sink.Last(), "again") << "later messages are delivered as ever";
+}
+
+TEST_F(Messages, A_Receiver_That_Throws_Harms_Nobody) {
+    Message_Receiver_Add(Fail, nullptr);
+    Message_Sink sink;
+    EXPECT_EQ(Error_Fct(nullptr, 4, "on"), 1);
+    EXPECT_EQ(sink.Last(), "on");
+    Message_Receiver_Remove(Fail, nullptr);
+}
+
+TEST_F(Messages, A_Window_Message_Names_Its_Procedure_And_Number) {
+    Message_Sink sink;
+    char name[] = "WndProc_Histo_Blow";
+    EXPECT_EQ(System_Message(8, name, Some_Window(), 0x200), 1);
+    ASSERT_EQ(sink.messages.size(), 1U);
+    EXPECT_EQ(sink.messages[0].level, 8);
+    EXPECT_EQ(sink.messages[0].window, Some_Window());
+    EXPECT_NE(sink.Last().find("WndProc_Histo_Blow"), std::string::npos);
+    EXPECT_NE(sink.Last().find("0x0200"), std::string::npos);
+    EXPECT_EQ(System_Message(8, nullptr, nullptr, 1), 1);
+}
+
+TEST_F(Messages, Globals_Have_Safe_Defaults) {
+    EXPECT_EQ(hwnd, nullptr);
+    EXPECT_EQ(Flag_Trace, 0);
+    ASSERT_NE(Prog_Name, nullptr);
+    EXPECT_STRNE(Prog_Name, "");
+}

@@ -1,0 +1,73 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "host/kit_common.h"
+
+namespace {
+
+// One letter beyond ASCII in the code page of the system under test.
+#if defined(_WIN32)
+constexpr const char* LETTER = "\xE9";
+#else
+constexpr const char* LETTER = "\xC3\xA9";
+#endif
+constexpr wchar_t WIDE_LETTER = 0xE9;
+
+}  // namespace
+
+TEST(Wide_Text, Has_The_Characters_Of_The_Code_Page) {
+    wchar_t out[16];
+    std::fill(std::begin(out), std::end(out), L'#');
+    EXPECT_EQ(Char_2_Wchar((std::string("a") + LETTER + "b").c_str(), out, 16), 3);
+    EXPECT_EQ(std::wstring(out), (std::wstring{L'a', WIDE_LETTER, L'b'}));
+    EXPECT_EQ(out[4], L'#') << "nothing is written behind the end";
+}
+
+TEST(Wide_Text, Is_Cut_To_The_Room_With_Its_Zero) {
+    wchar_t out[5];
+    std::fill(std::begin(out), std::end(out), L'#');
+    EXPECT_EQ(Char_2_Wchar("abcdef", out, 4), 3);
+    EXPECT_EQ(std::wstring(out), L"abc");
+    EXPECT_EQ(out[4], L'#');
+    EXPECT_EQ(Char_2_Wchar("abc", out, 4), 3);
+    EXPECT_EQ(Char_2_Wchar("abc", out, 1), 0);
+    EXPECT_EQ(out[0], 0);
+}
+
+TEST(Wide_Text, Of_Nothing_Is_Empty) {
+    wchar_t out[4] = {L'#', L'#', L'#', 0};
+    EXPECT_EQ(Char_2_Wchar(nullptr, out, 4), 0);
+    EXPECT_EQ(out[0], 0);
+    EXPECT_EQ(Char_2_Wchar("", out, 4), 0);
+    EXPECT_EQ(Char_2_Wchar("a", nullptr, 4), 0);
+    out[0] = L'#';
+    EXPECT_EQ(Char_2_Wchar("a", out, 0), 0);
+    EXPECT_EQ(Char_2_Wchar("a", out, -1), 0);
+    EXPECT_EQ(out[0], L'#');
+}
+
+#if !defined(_WIN32)
+TEST(Wide_Text, Drops_A_Character_That_The_End_Cuts_Off) {
+    wchar_t out[16];
+    for (const char* broken : {"ab\xC3", "ab\xE2\x82", "ab\xF0\x9F\x98"}) {
+        EXPECT_EQ(Char_2_Wchar(broken, out, 16), 2);
+        EXPECT_EQ(std::wstring(out), L"ab");
+    }
+}
+
+TEST(Wide_Text, Shows_Bytes_That_Are_No_Character) {
+    wchar_t out[16];
+    EXPECT_EQ(Char_2_Wchar("a\xFF\x80z", out, 16), 4);
+    EXPECT_EQ(std::wstring(out), L"a\xFFFD\xFFFDz");
+    EXPECT_EQ(Char_2_Wchar("\xC3z", out, 16), 2);
+    EXPECT_EQ(out[1], L'z');
+}
+
+TEST(Wide_Text, Takes_Characters_Of_Every_Length) {
+    wchar_t out[16];
+    EXPECT_EQ(Char_2_Wchar("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", out, 16), 4);
+    EXPECT_EQ(std::wstring(out), (std::wstring{L'a', 0xE9, 0x20AC, 0x1F600}));
+}
+#endif
