@@ -1,0 +1,141 @@
+#include "histogram/peak_smoothing.h"
+
+#include <emmintrin.h>
+
+#include <algorithm>
+#include <array>
+
+#include "histogram/peak_smoothing_kernel.h"
+#include "histogram/peak_smoothing_wide.h"
+#include "host/platform.h"
+
+namespace {
+
+/** SSE2: part of every x86-64 processor. */
+struct Sse2 {
+    using Double = __m128d;
+    using Float = __m128;
+    using Integer = __m128i;
+    static constexpr int WIDTH = 2;
+    static constexpr int LANES = 8;
+    static constexpr int DOUBLES = LANES / WIDTH;
+    static constexpr int FLOATS = DOUBLES / 2;
+
+    static Double Load(const double* from) { return _mm_loadu_pd(from); }
+    static Float Load(const float* from) { return _mm_loadu_ps(from); }
+    static Float Load_Mask(const int* from) { return _mm_castsi128_ps(Load_Counts(from)); }
+    static Integer Load_Counts(const int* from) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from)); }
+    static void Store(double* to, Double value) { _mm_storeu_pd(to, value); }
+    static void Store(float* to, Float value) { _mm_storeu_ps(to, value); }
+    static void Store_Mask(int* to, Float value) { Store_Counts(to, _mm_castps_si128(value)); }
+    static void Store_Counts(int* to, Integer value) { _mm_storeu_si128(reinterpret_cast<__m128i*>(to), value); }
+    static Double All(double value) { return _mm_set1_pd(value); }
+    static Float All(float value) { return _mm_set1_ps(value); }
+    static Double Add(Double a, Double b) { return _mm_add_pd(a, b); }
+    static Double Multiply(Double a, Double b) { return _mm_mul_pd(a, b); }
+    static Float Subtract(Float a, Float b) { return _mm_sub_ps(a, b); }
+    static Float Positive(Float a) { return _mm_max_ps(a, _mm_setzero_ps()); }
+    static Float Is_Less(Float a, Float b) { return _mm_cmplt_ps(a, b); }
+    static Integer Count(Integer count, Float fell, Float falls) { return _mm_sub_epi32(count, _mm_castps_si128(_mm_andnot_ps(fell, falls))); }
+    static Float Narrow(const Double* two) { return _mm_movelh_ps(_mm_cvtpd_ps(two[0]), _mm_cvtpd_ps(two[1])); }
+    static Double Shift(Double before, Double here) { return _mm_shuffle_pd(before, here, 1); }
+    static Double Shift_In(double first, Double here) { return _mm_shuffle_pd(_mm_set1_pd(first), here, 0); }
+    static double Last(Double value) { return _mm_cvtsd_f64(_mm_unpackhi_pd(value, value)); }
+};
+
+constexpr int LANES_MAX = SMOOTHING_WIDE_LANES;
+
+int Plain_Pass(std::span<double> curve, float threshold) {
+    const auto n = static_cast<int>(curve.size());
+    double* f = curve.data();
+    for (int i = 1; i <= n - 1; ++i) {
+        double sum = 2.0 * f[i];
+        double weight = 2.0;
+        if (i > 1) {
+            sum += f[i - 1];
+            weight = 3.0;
+        }
+        if (i < n - 1) {
+            sum += f[i + 1];
+            weight += 1.0;
+        }
+        f[i] = sum / weight;
+    }
+    f[0] = f[1];
+    const auto level = [&](int i) {
+        const float above = static_cast<float>(f[i]) - threshold;
+        return above > 0.0F ? above : 0.0F;
+    };
+    // The last bin repeats the derivative before it, so no maximum can end there.
+    int maxima = 0;
+    bool fell = false;
+    for (int i = 1; i <= n - 2; ++i) {
+        const bool falls = level(i + 1) - level(i - 1) < 0.0F;
+        maxima += falls && !fell ? 1 : 0;
+        fell = falls;
+    }
+    return maxima;
+}
+
+int Lanes_Of(Smoothing_Path path, std::size_t n, std::size_t scratch) {
+    const int lanes = path == Smoothing_Path::Wide ? SMOOTHING_WIDE_LANES : (path == Smoothing_Path::Baseline ? Sse2::LANES : 1);
+    return lanes > 1 && scratch == n && n >= static_cast<std::size_t>(4 * lanes) ? lanes : 1;
+}
+
+}  // namespace
+
+Smoothing_Path Smoothing_Path_Best() { return Processor_Has_Avx2() ? Smoothing_Path::Wide : Smoothing_Path::Baseline; }
+
+Smoothing_Result Smooth_To_Maxima(std::span<double> curve, std::span<double> scratch, const Smoothing_Options& options, Smoothing_Path path,
+                                  Smoothing_Pass_Sink sink, void* context) {
+    Smoothing_Result result;
+    const auto n = static_cast<int>(curve.size());
+    const int lanes = Lanes_Of(path, curve.size(), scratch.size());
+    bool more = n >= 2;
+    const auto note = [&](int maxima) {
+        if (sink != nullptr) {
+            sink(context, result.passes, maxima);
+        }
+        result.maxima = maxima;
+        ++result.passes;
+        more = maxima > options.max_maxima && result.passes < options.max_passes;
+    };
+    while (more && lanes > 1 && result.passes + lanes <= options.max_passes) {
+        std::array<int, LANES_MAX> maxima{};
+        std::copy(curve.begin(), curve.end(), scratch.begin());
+        if (lanes == SMOOTHING_WIDE_LANES) {
+            Smoothing_Group_Wide(curve.data(), n, options.threshold, maxima.data());
+        } else {
+            Smoothing_Group<Sse2>(curve.data(), n, options.threshold, maxima.data());
+        }
+        int made = 0;
+        while (made < lanes && more) {
+            note(maxima[static_cast<std::size_t>(made)]);
+            ++made;
+        }
+        if (made < lanes) {
+            // The limit was met inside the group: its first passes once more, plainly, from the group's input.
+            std::copy(scratch.begin(), scratch.end(), curve.begin());
+            for (int pass = 0; pass < made; ++pass) {
+                Plain_Pass(curve, options.threshold);
+            }
+        }
+    }
+    while (more) {
+        note(Plain_Pass(curve, options.threshold));
+    }
+    return result;
+}
+
+void Thresholded_Derivative(std::span<const double> curve, float threshold, std::span<float> derivative) {
+    const std::size_t n = curve.size();
+    const auto level = [&](std::size_t i) {
+        const float above = static_cast<float>(curve[i]) - threshold;
+        return above > 0.0F ? above : 0.0F;
+    };
+    derivative[0] = 0.0F;
+    for (std::size_t i = 1; i + 1 < n; ++i) {
+        derivative[i] = level(i + 1) - level(i - 1);
+    }
+    derivative[n - 1] = derivative[n - 2];
+}

@@ -1,0 +1,45 @@
+/** Repeated smoothing of a curve until it has few enough maxima: the numeric core of the derivative peak finder. Pure code over spans.
+ *
+ *  One pass smooths in place, ascending: every bin becomes the weighted mean of itself (2), its already smoothed left neighbour (1; not for bin 1: bin 0
+ *  never enters, on purpose) and its right neighbour (1). Then bin 0 takes bin 1's value. Passes accumulate.
+ *
+ *  After every pass the maxima of the thresholded curve are counted: the bins i with d[i] >= 0 and d[i + 1] < 0 of the derivative below.
+ */
+#pragma once
+
+#include <span>
+
+/** Receives the number of maxima after each pass, in order of the passes. */
+using Smoothing_Pass_Sink = void (*)(void* context, int pass, int maxima);
+
+struct Smoothing_Options {
+    float threshold = 0.0F;  ///< counts below it are taken as it; infinite or not a number: no maxima at all
+    int max_maxima = 0;      ///< smoothing stops after the first pass that leaves at most this many
+    int max_passes = 1;      ///< and after this many passes in any case; at least 1
+};
+
+struct Smoothing_Result {
+    int passes = 0;  ///< passes made
+    int maxima = 0;  ///< maxima after the last one
+};
+
+/** Instruction sets of the smoothing loop. All give the same bits. */
+enum class Smoothing_Path {
+    Plain,    ///< one pass at a time
+    Baseline, ///< several passes in flight, two bins apart, SSE2
+    Wide,     ///< the same with AVX2; only where the processor has it
+};
+
+/** The fastest path that this processor runs. */
+Smoothing_Path Smoothing_Path_Best();
+
+/** Smooths `curve` (2 bins or more) in place. Allocates nothing inside the loop.
+ *  @param scratch as many bins as the curve; without it (another size) the plain path is taken
+ *  @param sink    may be null
+ */
+Smoothing_Result Smooth_To_Maxima(std::span<double> curve, std::span<double> scratch, const Smoothing_Options& options, Smoothing_Path path,
+                                  Smoothing_Pass_Sink sink, void* context);
+
+/** The derivative of the thresholded curve, in single precision: d[i] = max(0, f[i + 1] - T) - max(0, f[i - 1] - T) for i = 1 .. n - 2, d[0] = 0,
+ *  d[n - 1] = d[n - 2]. Each f is rounded to single precision before T is subtracted. Both spans have n >= 2 bins. */
+void Thresholded_Derivative(std::span<const double> curve, float threshold, std::span<float> derivative);

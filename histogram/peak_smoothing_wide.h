@@ -1,0 +1,7 @@
+/** The AVX2 form of the smoothing loop; call it only where Processor_Has_Avx2() holds. */
+#pragma once
+
+inline constexpr int SMOOTHING_WIDE_LANES = 16;
+
+/** SMOOTHING_WIDE_LANES passes over a curve of n >= 4 x SMOOTHING_WIDE_LANES bins. @param maxima receives one count per pass */
+void Smoothing_Group_Wide(double* curve, int n, float threshold, int* maxima);

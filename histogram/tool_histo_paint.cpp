@@ -1,0 +1,226 @@
+// Drawing of the histogram panel: GDI, no decisions about data.
+#include "win32/gdi_handles.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <vector>
+
+#include "histogram/histo_colors.h"
+#include "histogram/plot_scale.h"
+#include "histogram/tool_histo.h"
+#include "histogram/tool_histo_cursor.h"
+#include "histogram/tool_histo_geometry.h"
+#include "host/kit_common.h"
+#include "host/kit_dataset.h"
+#include "panels/host_variables.h"
+
+namespace {
+
+constexpr int BINS_PER_POLYGON = 16;
+constexpr int CURSOR_WIDTH = 2;  // pixels
+constexpr COLORREF WHITE = 0xFFFFFF;
+
+/** The panel's device context, in device units whatever the window's axis: polygons land on the same pixels in both. */
+class Panel_DC {
+   public:
+    Panel_DC(const Tool_Histo& panel, const char* label) : window(panel.window), dc(Y_setup(panel.window, label)) {
+        if (dc == nullptr) {
+            return;
+        }
+        std::array<POINT, 2> corners = {POINT{panel.x, panel.y}, POINT{panel.x + panel.width - 1, panel.y + panel.height - 1}};
+        ::LPtoDP(dc, corners.data(), static_cast<int>(corners.size()));
+        box = {std::min<int>(corners[0].x, corners[1].x), std::min<int>(corners[0].y, corners[1].y), panel.width, panel.height};
+        saved = ::SaveDC(dc);
+        ::SetMapMode(dc, MM_TEXT);
+        ::SetWindowOrgEx(dc, 0, 0, nullptr);
+        ::SetViewportOrgEx(dc, 0, 0, nullptr);
+    }
+    ~Panel_DC() {
+        if (dc != nullptr) {
+            ::RestoreDC(dc, saved);
+            Y_release(window, dc);
+        }
+    }
+    Panel_DC(const Panel_DC&) = delete;
+    Panel_DC& operator=(const Panel_DC&) = delete;
+
+    HDC Get() const { return dc; }
+    const Histo_Rectangle& Box() const { return box; }
+
+   private:
+    HWND window;
+    HDC dc;
+    int saved = 0;
+    Histo_Rectangle box;
+};
+
+Plot_Scale Scale_Of(const Tool_Histo& panel, const Histo_Rectangle& inner) {
+    const Histo_Record& record = *panel.data->record;
+    return {{inner.x, inner.width, inner.height}, {record.nb_bins, record.origin, record.bin_width}, static_cast<float>(record.max_count) * panel.scale};
+}
+
+/** Solid bars of the bins first .. last, standing on the row `base`, as stepped polygons. */
+void Draw_Bars(HDC dc, const Plot_Scale& scale, int base, const std::uint32_t* counts, int first, int last, COLORREF color) {
+    const Gdi_Brush brush(::CreateSolidBrush(color));
+    const Selected_Object brush_selected(dc, brush.Get());
+    const Selected_Object pen_selected(dc, ::GetStockObject(NULL_PEN));
+    std::array<POINT, 2 * BINS_PER_POLYGON + 2> points;
+    for (int from = first; from <= last; from += BINS_PER_POLYGON) {
+        const int to = std::min(from + BINS_PER_POLYGON - 1, last);
+        int nb = 0;
+        const auto add = [&](int x, int y) { points[static_cast<std::size_t>(nb++)] = {x, y}; };
+        add(scale.Bin_To_Column(from), base);
+        for (int bin = from; bin <= to; ++bin) {
+            const int top = base - scale.Count_To_Height(counts[bin]);
+            add(scale.Bin_To_Column(bin), top);
+            add(scale.Bin_To_Column(bin + 1), top);
+        }
+        add(scale.Bin_To_Column(to + 1), base);
+        ::Polygon(dc, points.data(), nb);
+    }
+}
+
+/** A brush of 2 x 2 pixels: two in the colour, two black. */
+Gdi_Brush Checker_Brush(COLORREF color) {
+    struct {
+        BITMAPINFOHEADER header;
+        std::array<std::uint32_t, 4> pixels;
+    } dib = {};
+    dib.header.biSize = sizeof dib.header;
+    dib.header.biWidth = 2;
+    dib.header.biHeight = 2;
+    dib.header.biPlanes = 1;
+    dib.header.biBitCount = 32;
+    const std::uint32_t pixel = static_cast<std::uint32_t>(GetRValue(color)) << 16 | static_cast<std::uint32_t>(GetGValue(color)) << 8 | GetBValue(color);
+    dib.pixels = {pixel, 0, 0, pixel};
+    return Gdi_Brush(::CreateDIBPatternBrushPt(&dib, DIB_RGB_COLORS));
+}
+
+struct Tag_Colors {
+    const std::uint16_t* red = nullptr;
+    const std::uint16_t* green = nullptr;
+    const std::uint16_t* blue = nullptr;
+    int nb = 0;
+
+    void Look_Up() {
+        static Cached_Variable<std::uint16_t*> reds("$TAG_RED");
+        static Cached_Variable<std::uint16_t*> greens("$TAG_GRN");
+        static Cached_Variable<std::uint16_t*> blues("$TAG_BLU");
+        red = reds.Value_Or(nullptr);
+        green = greens.Value_Or(nullptr);
+        blue = blues.Value_Or(nullptr);
+        nb = Host_Count("$TAG_NB");
+    }
+    COLORREF Of(int tag) const {
+        if (tag >= nb || red == nullptr || green == nullptr || blue == nullptr) {
+            return HISTO_COLOR_GREY;
+        }
+        return Histo_Tag_Color(red[tag], green[tag], blue[tag]);
+    }
+};
+
+/** The band of a TAG range: checkered over the full height, with the bars of the range solid. Range ends are truncated here; the enlarged window rounds. */
+void Draw_Band(HDC dc, const Tool_Histo& panel, const Plot_Scale& scale, const Histo_Rectangle& inner, int range, COLORREF color) {
+    const int first = scale.Level_To_Bin(std::trunc(panel.range_min[range]));
+    const int last = scale.Level_To_Bin(std::trunc(panel.range_max[range]));
+    const RECT band = {scale.Bin_To_Column(first), inner.y, scale.Bin_To_Column(last + 1), inner.y + inner.height};
+    if (last < first) {
+        return;
+    }
+    if (const Gdi_Brush checker = Checker_Brush(color)) {
+        ::FillRect(dc, &band, checker.Get());
+    }
+    Draw_Bars(dc, scale, inner.y + inner.height, Histo_Band_Counts(*panel.data->record, panel.color_component), first, last, color);
+}
+
+void Draw_Outline(HDC dc, const Plot_Scale& scale, int base, const Histo_Curve& curve) {
+    const int nb_bins = scale.Bins().nb_bins;
+    std::vector<POINT> points;
+    points.reserve(2 * static_cast<std::size_t>(nb_bins));
+    for (int bin = 0; bin < nb_bins; ++bin) {
+        const int y = base - scale.Count_To_Height(curve.counts[bin]);
+        const POINT from = {scale.Bin_To_Column(bin), y};
+        const POINT to = {scale.Bin_To_Column(bin + 1), y};
+        // Several bins may fall on one column: points that repeat the last one add nothing.
+        for (const POINT& point : {from, to}) {
+            if (points.empty() || points.back().x != point.x || points.back().y != point.y) {
+                points.push_back(point);
+            }
+        }
+    }
+    const Gdi_Pen pen(::CreatePen(PS_SOLID, 1, curve.color));
+    const Selected_Object pen_selected(dc, pen.Get());
+    ::Polyline(dc, points.data(), static_cast<int>(points.size()));
+}
+
+void Draw_Plot(HDC dc, const Tool_Histo& panel, const Histo_Rectangle& box) {
+    const RECT interior = {box.x + panel.border, box.y + panel.border, box.x + box.width - panel.border, box.y + box.height - panel.border};
+    ::FillRect(dc, &interior, static_cast<HBRUSH>(::GetStockObject(BLACK_BRUSH)));
+    const Histo_Rectangle inner = Histo_Plot_Inner(box, panel.border);
+    const Plot_Scale scale = Scale_Of(panel, inner);
+    if (scale.Is_Empty()) {
+        return;
+    }
+    const Saved_DC saved(dc);
+    ::IntersectClipRect(dc, interior.left, interior.top, interior.right, interior.bottom);
+    Tag_Colors colors;
+    colors.Look_Up();
+    for (int range = 0; range < panel.range_nb; ++range) {
+        Draw_Band(dc, panel, scale, inner, range, colors.Of(panel.range_tag[range]));
+    }
+    const Histo_Curves curves = Histo_Curves_Of(*panel.data->record, panel.color_component);
+    for (int k = 0; k < curves.nb; ++k) {
+        Draw_Outline(dc, scale, inner.y + inner.height, curves.curve[static_cast<std::size_t>(k)]);
+    }
+}
+
+/** Draws the cursor line in XOR mode: twice at one column leaves no trace. */
+void Invert_Line(const Panel_DC& panel_dc, int column, const Histo_Rectangle& inner) {
+    HDC dc = panel_dc.Get();
+    const Gdi_Pen pen(::CreatePen(PS_SOLID, CURSOR_WIDTH, WHITE));
+    const Selected_Object pen_selected(dc, pen.Get());
+    const Rop_Guard rop(dc, R2_XORPEN);
+    ::MoveToEx(dc, column, inner.y, nullptr);
+    ::LineTo(dc, column, inner.y + inner.height);
+}
+
+}  // namespace
+
+int Histo_Paint(Tool_Histo& panel) {
+    if (panel.data == nullptr || !panel.data->Has_Counts()) {
+        return 0;
+    }
+    Error_Fct(hwnd, TRACE_LEVEL, "in Histo_Paint()");
+    const Panel_DC dc(panel, "tool_histo: Histo_Paint");
+    if (dc.Get() == nullptr) {
+        return 1;
+    }
+    // The line is gone with the repaint; the next cursor update inverts once at -1, outside the window, which leaves nothing.
+    panel.cursor_position = -1;
+    Draw_Plot(dc.Get(), panel, dc.Box());
+    return 1;
+}
+
+int Histo_Cursor(Tool_Histo& panel) {
+    if (panel.data == nullptr || !panel.data->Has_Counts() || panel.data->record->nb_bins == 0) {
+        return 0;
+    }
+    Error_Fct(hwnd, TRACE_LEVEL, "in Histo_Cursor()");
+    const Panel_DC dc(panel, "tool_histo: Histo_Cursor");
+    if (dc.Get() == nullptr) {
+        return 1;
+    }
+    const Histo_Rectangle inner = Histo_Plot_Inner(dc.Box(), panel.border);
+    if (panel.cursor_position != 0) {
+        Invert_Line(dc, panel.cursor_position, inner);
+        panel.cursor_position = 0;
+    }
+    const Histo_Cursor_Bin marked = Histo_Cursor_Bin_Find(panel);
+    if (marked.result != Histo_Cursor_Result::On_Bin) {
+        return marked.result == Histo_Cursor_Result::No_Frame ? 0 : 1;
+    }
+    panel.cursor_position = Scale_Of(panel, inner).Bin_To_Column(marked.bin);
+    Invert_Line(dc, panel.cursor_position, inner);
+    return 1;
+}

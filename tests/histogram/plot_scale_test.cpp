@@ -1,0 +1,53 @@
+#include "histogram/plot_scale.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace {
+
+TEST(Plot_Scale, Columns_And_Bins_Agree_In_Both_Directions) {
+    for (const int nb_bins : {1, 2, 7, 100, 257, 4096, 65535}) {
+        for (const int width : {1, 3, 99, 256, 1000}) {
+            const Plot_Scale scale({17, width, 50}, {nb_bins, 0.0F, 1.0F}, 10.0F);
+            for (int column = 17; column < 17 + width; ++column) {
+                const int bin = scale.Column_To_Bin(column);
+                ASSERT_LE(scale.Bin_To_Column(bin), column);
+                ASSERT_TRUE(bin == nb_bins - 1 || scale.Bin_To_Column(bin + 1) > column) << nb_bins << " bins on " << width << ", column " << column;
+            }
+            ASSERT_LE(scale.Bin_To_Column(nb_bins), 17 + width);
+        }
+    }
+}
+
+TEST(Plot_Scale, A_Bin_Of_The_Full_Count_Reaches_The_Top_And_Higher_Ones_Are_Cut) {
+    const Plot_Scale scale({0, 100, 80}, {10, 0.0F, 1.0F}, 200.0F * 0.5F);
+    EXPECT_EQ(scale.Count_To_Height(100), 80);
+    EXPECT_EQ(scale.Count_To_Height(200), 80);
+    EXPECT_EQ(scale.Count_To_Height(50), 40);
+    EXPECT_EQ(scale.Count_To_Height(1), 0) << "truncated";
+    EXPECT_EQ(scale.Count_To_Height(0), 0);
+    EXPECT_FLOAT_EQ(scale.Height_To_Count(40), 50.0F);
+}
+
+TEST(Plot_Scale, Draws_Nothing_Without_Counts_Or_Area) {
+    EXPECT_EQ(Plot_Scale({0, 10, 10}, {10, 0.0F, 1.0F}, 0.0F).Count_To_Height(5), 0);
+    EXPECT_EQ(Plot_Scale({0, 10, -3}, {10, 0.0F, 1.0F}, 5.0F).Count_To_Height(5), 0);
+    EXPECT_TRUE(Plot_Scale({0, 0, 10}, {10, 0.0F, 1.0F}, 5.0F).Is_Empty());
+    EXPECT_TRUE(Plot_Scale({0, 10, 10}, {0, 0.0F, 1.0F}, 5.0F).Is_Empty());
+}
+
+TEST(Plot_Scale, Grey_Levels_Are_Limited_To_The_Grid) {
+    const Plot_Scale scale({0, 100, 80}, {10, -20.0F, 2.0F}, 1.0F);
+    EXPECT_EQ(scale.Level_To_Bin(-1000.0F), 0);
+    EXPECT_EQ(scale.Level_To_Bin(-20.0F), 0);
+    EXPECT_EQ(scale.Level_To_Bin(-18.1F), 0);
+    EXPECT_EQ(scale.Level_To_Bin(-18.0F), 1);
+    EXPECT_EQ(scale.Level_To_Bin(0.0F), 9);
+    EXPECT_EQ(scale.Level_To_Bin(1e30F), 9);
+    EXPECT_EQ(scale.Level_To_Bin(std::numeric_limits<float>::infinity()), 9);
+    EXPECT_EQ(scale.Level_To_Bin(std::numeric_limits<float>::quiet_NaN()), 0);
+    EXPECT_EQ(scale.Bin_To_Level(0), -19.0F);
+}
+
+}  // namespace

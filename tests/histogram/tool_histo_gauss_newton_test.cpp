@@ -1,0 +1,390 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+
+#include "tests/histogram/analysis_panel.h"
+
+namespace {
+
+struct Hill {
+    double centre;
+    double amplitude;
+    double width;  // half width at half height
+};
+
+double Height_At(const std::vector<Hill>& hills, double x) {
+    double sum = 0.0;
+    for (const Hill& hill : hills) {
+        sum += hill.amplitude * std::exp(-std::log(2.0) * std::pow((x - hill.centre) / hill.width, 2));
+    }
+    return sum;
+}
+
+std::vector<std::uint32_t> Counts_Of(const std::vector<Hill>& hills, int n, unsigned seed = 0) {
+    std::mt19937 random(seed);
+    std::vector<std::uint32_t> counts(static_cast<std::size_t>(n));
+    for (int i = 0; i < n; ++i) {
+        const double height = Height_At(hills, i);
+        if (seed == 0) {
+            counts[static_cast<std::size_t>(i)] = static_cast<std::uint32_t>(std::lround(height));
+        } else {
+            std::poisson_distribution<std::uint32_t> noise(std::max(height, 1e-9));
+            counts[static_cast<std::size_t>(i)] = noise(random);
+        }
+    }
+    return counts;
+}
+
+/** The fit as it is said: plain matrices, one call per value. Works on copies of the start parameters. */
+class Plain_Fit {
+   public:
+    struct Peak {
+        double p[3];
+        double low[3];
+        double high[3];
+    };
+    explicit Plain_Fit(const std::vector<double>& data_values) : data(data_values) {}
+
+    void Run(std::vector<Peak>& peaks, double width_max) {
+        const std::size_t n = data.size();
+        double previous = 0.0;
+        for (int iteration = 0; iteration < 10; ++iteration) {
+            const std::size_t count = 3 * peaks.size();
+            std::vector<std::vector<double>> j(n, std::vector<double>(count));
+            std::vector<double> r(n);
+            double squares = 0.0;
+            for (std::size_t i = 0; i < n; ++i) {
+                for (std::size_t k = 0; k < peaks.size(); ++k) {
+                    Vector_N param(3, 8);
+                    for (int m = 0; m < 3; ++m) {
+                        param[m] = peaks[k].p[m];
+                    }
+                    r[i] -= Peak_Value(PEAK_GAUSS, static_cast<double>(i), param);
+                    for (std::uint8_t m = 0; m < 3; ++m) {
+                        j[i][3 * k + m] = Peak_Deriv(PEAK_GAUSS, m, static_cast<double>(i), param);
+                    }
+                }
+                r[i] += data[i];
+                squares += r[i] * r[i];
+            }
+            if (std::abs(squares - previous) < 0.1) {
+                return;
+            }
+            previous = squares;
+            std::vector<std::vector<double>> a(count, std::vector<double>(count + 1));
+            for (std::size_t row = 0; row < count; ++row) {
+                for (std::size_t i = 0; i < n; ++i) {
+                    for (std::size_t column = 0; column < count; ++column) {
+                        a[row][column] += j[i][row] * j[i][column];
+                    }
+                    a[row][count] += j[i][row] * r[i];
+                }
+            }
+            if (!Eliminate(a)) {
+                return;
+            }
+            for (std::size_t k = 0; k < count; ++k) {
+                Peak& peak = peaks[k / 3];
+                if (std::abs(a[k][count]) > 1000.0 * std::max(std::abs(peak.low[k % 3]), std::abs(peak.high[k % 3]))) {
+                    return;
+                }
+            }
+            for (std::size_t k = 0; k < count; ++k) {
+                Peak& peak = peaks[k / 3];
+                peak.p[k % 3] = std::min(std::max(peak.low[k % 3], peak.p[k % 3] + a[k][count]), peak.high[k % 3]);
+            }
+            Prune(peaks, width_max);
+        }
+    }
+
+   private:
+    static bool Eliminate(std::vector<std::vector<double>>& a) {
+        const std::size_t n = a.size();
+        for (std::size_t c = 0; c < n; ++c) {
+            std::size_t pivot = c;
+            for (std::size_t row = c + 1; row < n; ++row) {
+                if (std::abs(a[row][c]) > std::abs(a[pivot][c])) {
+                    pivot = row;
+                }
+            }
+            if (a[pivot][c] == 0.0) {
+                return false;
+            }
+            std::swap(a[pivot], a[c]);
+            for (std::size_t row = 0; row < n; ++row) {
+                if (row != c) {
+                    const double factor = a[row][c] / a[c][c];
+                    for (std::size_t k = c; k <= n; ++k) {
+                        a[row][k] -= factor * a[c][k];
+                    }
+                }
+            }
+        }
+        for (std::size_t c = 0; c < n; ++c) {
+            a[c][n] /= a[c][c];
+        }
+        return true;
+    }
+
+    static void Prune(std::vector<Peak>& peaks, double width_max) {
+        std::erase_if(peaks, [](const Peak& peak) { return peak.p[1] <= peak.low[1] || peak.p[2] <= peak.low[2]; });
+        std::erase_if(peaks, [&](const Peak& peak) { return peak.p[2] >= width_max; });
+        for (std::size_t k = 0; k + 1 < peaks.size();) {
+            const auto step = static_cast<std::ptrdiff_t>(k);
+            if (std::abs(static_cast<float>(peaks[k].p[0]) - static_cast<float>(peaks[k + 1].p[0])) >= 10.0F) {
+                ++k;
+            } else if (static_cast<float>(peaks[k + 1].p[1]) > static_cast<float>(peaks[k].p[1])) {
+                peaks.erase(peaks.begin() + step);
+            } else {
+                peaks.erase(peaks.begin() + step + 1);
+                ++k;
+            }
+        }
+    }
+
+    const std::vector<double>& data;
+};
+
+/** Candidates of a curve, as the panel finds them: read from its traces. */
+std::vector<Plain_Fit::Peak> Start_Of(Analysis_Panel& test, int n) {
+    std::vector<Plain_Fit::Peak> peaks;
+    const Histo_Data& data = test.Data();
+    for (const std::string& text : test.Texts(11)) {
+        int x = 0;
+        const bool zero = std::sscanf(text.c_str(), "Locate a peak with zero at x = %d", &x) == 1;
+        if (zero || std::sscanf(text.c_str(), "Locate a peak with data at x = %d", &x) == 1) {
+            const double height = data.filtered[x];
+            peaks.push_back({{static_cast<double>(x), (zero ? 1.0 : 0.25) * height, zero ? 5.0 : 10.0},
+                             {x - 1.25, 0.0, 1.0},
+                             {x + 1.25, 2.0 * height, static_cast<double>(static_cast<float>(n) / 5.0F)}});
+        }
+    }
+    return peaks;
+}
+
+class Fit_Gaussian : public ::testing::Test {
+   protected:
+    void SetUp() override { last_zero = -1000; }
+};
+
+TEST_F(Fit_Gaussian, Recovers_Known_Peaks_From_Their_Filtered_Sum) {
+    const std::vector<Hill> hills = {{150, 4000, 22}, {420, 2500, 30}, {700, 3300, 25}};
+    Analysis_Panel test(Counts_Of(hills, 900));
+    EXPECT_EQ(test.panel.Fit_Gaussian(), 1);
+    const auto peaks = test.Peaks();
+    ASSERT_EQ(peaks.size(), 3U);
+    for (std::size_t k = 0; k < hills.size(); ++k) {
+        // The moving mean over 21 bins widens a Gaussian: variances add, (21^2 - 1) / 12 bins^2.
+        const double two_ln_2 = 2.0 * std::log(2.0);
+        const double variance = hills[k].width * hills[k].width / two_ln_2;
+        const double widened = std::sqrt((variance + 440.0 / 12.0) * two_ln_2);
+        EXPECT_NEAR((*peaks[k]->param)[PEAK_CENTRE], hills[k].centre, 0.2);
+        EXPECT_NEAR((*peaks[k]->param)[PEAK_WIDTH], widened, 0.02 * widened);
+        EXPECT_NEAR((*peaks[k]->param)[PEAK_AMPLITUDE], hills[k].amplitude * hills[k].width / widened, 0.02 * hills[k].amplitude);
+    }
+}
+
+TEST_F(Fit_Gaussian, Recovers_Known_Peaks_Under_Poisson_Noise) {
+    const std::vector<Hill> hills = {{200, 4000, 25}, {560, 6000, 40}};
+    for (unsigned seed = 1; seed <= 10; ++seed) {
+        last_zero = -1000;
+        Analysis_Panel test(Counts_Of(hills, 900, seed));
+        test.panel.Fit_Gaussian();
+        bool found[2] = {};
+        for (const Histo_Peak* peak : test.Peaks()) {
+            for (std::size_t k = 0; k < 2; ++k) {
+                found[k] = found[k] || (std::abs((*peak->param)[PEAK_CENTRE] - hills[k].centre) < 6.0 && (*peak->param)[PEAK_AMPLITUDE] > 0.8 * hills[k].amplitude);
+            }
+        }
+        EXPECT_TRUE(found[0] && found[1]) << "seed " << seed;
+    }
+}
+
+TEST_F(Fit_Gaussian, Agrees_With_Plain_Matrices_And_One_Call_Per_Value) {
+    std::mt19937 random(9);
+    int compared = 0;
+    for (int round = 0; round < 25; ++round) {
+        std::vector<Hill> hills;
+        for (double centre = 60.0; centre < 560.0; centre += 60.0 + static_cast<double>(random() % 60)) {
+            hills.push_back({centre, 500.0 + static_cast<double>(random() % 4000), 10.0 + static_cast<double>(random() % 15)});
+        }
+        last_zero = -1000;
+        Analysis_Panel test(Counts_Of(hills, 600));
+        test.panel.Fit_Gaussian();
+        std::vector<Plain_Fit::Peak> plain = Start_Of(test, 600);
+        const std::vector<double> filtered(test.Data().filtered, test.Data().filtered + 600);
+        Plain_Fit(filtered).Run(plain, static_cast<double>(600.0F / 5.0F));
+        const auto peaks = test.Peaks();
+        ASSERT_EQ(peaks.size(), plain.size()) << "round " << round;
+        for (std::size_t k = 0; k < peaks.size(); ++k) {
+            for (int m = 0; m < 3; ++m) {
+                ASSERT_NEAR((*peaks[k]->param)[m], plain[k].p[m], 1e-6 * std::abs(plain[k].p[m])) << "round " << round << " peak " << k;
+                ++compared;
+            }
+        }
+    }
+    EXPECT_GT(compared, 100);
+}
+
+TEST_F(Fit_Gaussian, Without_A_Candidate_It_Reports_None_And_Samples_Nothing) {
+    Analysis_Panel test(std::vector<std::uint32_t>(300, 5));
+    EXPECT_EQ(test.panel.Fit_Gaussian(), 1);
+    EXPECT_EQ(test.Texts(MESSAGE_STATUS), std::vector<std::string>{"Computing Peak Fit: \x01" "0\x02 peaks ..."});
+    EXPECT_TRUE(test.Texts(MESSAGE_WARNING).empty());
+    EXPECT_EQ(test.Texts(11).back(), "  -> Stop after \x01" "2\x02 iterations");
+    EXPECT_EQ(test.Texts(11).front(), "nb pts:300 max val: 5.000000");
+    EXPECT_EQ(test.Data().peak_first, nullptr);
+}
+
+TEST_F(Fit_Gaussian, An_Empty_Curve_Stops_At_Once_Because_Its_Error_Is_Below_The_Threshold) {
+    Analysis_Panel test(std::vector<std::uint32_t>(300, 0));
+    test.panel.Fit_Gaussian();
+    EXPECT_EQ(test.Texts(11).back(), "  -> Stop after \x01" "1\x02 iterations");
+}
+
+TEST_F(Fit_Gaussian, A_Second_Fit_On_The_Same_Curve_Rejects_Its_First_Crossing) {
+    Analysis_Panel test(Counts_Of({{150, 4000, 22}}, 400));
+    test.panel.Fit_Gaussian();
+    const auto zeros = [&] {
+        const auto texts = test.Texts(11);
+        return std::count_if(texts.begin(), texts.end(), [](const std::string& text) { return text.find("with zero") != std::string::npos; });
+    };
+    EXPECT_EQ(zeros(), 1);
+    EXPECT_EQ(test.Peaks().size(), 1U);
+    test.reported.clear();
+    test.panel.Fit_Gaussian();
+    EXPECT_EQ(zeros(), 0) << "the crossing is measured against itself: distance 0";
+}
+
+TEST_F(Fit_Gaussian, Traces_Every_Step_With_Its_Numbers) {
+    Analysis_Panel test(Counts_Of({{150, 4000, 22}}, 400));
+    test.panel.Fit_Gaussian();
+    EXPECT_TRUE(test.Has_Part(11, "Locate a peak with zero at x = 15"));
+    EXPECT_TRUE(test.Has_Part(11, "before[0]: C="));
+    EXPECT_TRUE(test.Has_Part(11, "++ mse: "));
+    EXPECT_TRUE(test.Has_Part(11, "Iteration[0] peak[0]: C="));
+    EXPECT_TRUE(test.Has_Part(11, "last peak[0]: C="));
+    EXPECT_TRUE(test.Has_Part(11, "  -> Stop after \x01"));
+    EXPECT_EQ(test.Texts(MESSAGE_STATUS), std::vector<std::string>{"Computing Peak Fit: \x01" "1\x02 peaks ..."});
+}
+
+TEST_F(Fit_Gaussian, Each_Peak_Keeps_Its_Own_Curve) {
+    Analysis_Panel test(Counts_Of({{150, 4000, 22}}, 400));
+    test.panel.Fit_Gaussian();
+    const auto peaks = test.Peaks();
+    ASSERT_EQ(peaks.size(), 1U);
+    ASSERT_EQ(peaks[0]->nb_pts, 400);
+    for (int i = 0; i < 400; ++i) {
+        ASSERT_EQ(peaks[0]->curve[i], static_cast<float>(Peak_Value(PEAK_GAUSS, i, *peaks[0]->param)));
+    }
+    EXPECT_NE(test.Data().fit_sum, nullptr);
+}
+
+/** A panel whose filtered curve and candidates the test makes itself. */
+class Gauss_Newton_Steps : public ::testing::Test {
+   protected:
+    Gauss_Newton_Steps() : test(std::vector<std::uint32_t>(200, 0)) {
+        test.Data().filtered = new double[200]();
+        test.Data().curve_nb = 200;
+        peak_width_max = 40.0F;
+        peak_centre_tol = 1.25F;
+    }
+    void Curve_Set(const std::vector<Hill>& hills) {
+        for (int i = 0; i < 200; ++i) {
+            test.Data().filtered[i] = Height_At(hills, i);
+        }
+    }
+    void Run() { Gauss_Newton(test.panel, 200, test.Data().filtered, 0.1); }
+    Histo_Peak* Add(int x, float factor, float width) { return Peak_Gauss_Add(test.panel, tail, x, factor, width); }
+
+    Analysis_Panel test;
+    Histo_Peak* tail = nullptr;
+};
+
+TEST_F(Gauss_Newton_Steps, A_Candidate_Where_The_Curve_Is_0_Ends_The_Fit_With_An_Invalid_Matrix) {
+    Curve_Set({{100, 500, 8}});
+    Add(20, 1.0F, 1.0F);
+    test.Data().filtered[20] = 0.0;
+    Add(100, 1.0F, 5.0F);
+    test.Data().peak_first->param->operator[](PEAK_AMPLITUDE) = 0.0;
+    Run();
+    EXPECT_EQ(test.Texts(MESSAGE_WARNING), std::vector<std::string>{"\xF1\x05WARNING:\x02 Gauss_Newton invalid matrix"});
+    EXPECT_EQ(test.Data().peak_nb, 2) << "the peak stays";
+    EXPECT_FALSE(test.Has_Part(11, "Stop after"));
+}
+
+TEST_F(Gauss_Newton_Steps, A_Runaway_Step_Ends_The_Fit_Unchanged) {
+    Curve_Set({{100, 500, 8}});
+    Histo_Peak* peak = Add(100, 1.0F, 5.0F);
+    (*peak->param_max)[PEAK_AMPLITUDE] = 1e-6;
+    (*peak->param)[PEAK_AMPLITUDE] = 1e-7;
+    Run();
+    EXPECT_EQ(test.Texts(MESSAGE_WARNING), std::vector<std::string>{"\xF1\x05WARNING:\x02 Gauss_Newton failed!"});
+    EXPECT_EQ((*peak->param)[PEAK_AMPLITUDE], 1e-7);
+    EXPECT_FALSE(test.Has_Part(11, "Stop after"));
+}
+
+TEST_F(Gauss_Newton_Steps, A_Fit_That_Starts_At_Its_Solution_Stops_Before_Any_Step) {
+    Curve_Set({});
+    Run();
+    EXPECT_TRUE(test.Has(11, "  -> Stop after \x01" "1\x02 iterations"));
+}
+
+TEST_F(Gauss_Newton_Steps, Of_Two_Close_Candidates_The_Lower_One_Goes) {
+    Curve_Set({{100, 500, 8}});
+    Add(96, 0.2F, 5.0F);
+    Add(103, 1.0F, 8.0F);
+    Run();
+    EXPECT_EQ(test.Data().peak_nb, 1);
+    EXPECT_TRUE(test.Has_Part(11, "Peak to close a (") || test.Has_Part(11, "Peak to close b (") || test.Has_Part(11, "Peak to small ("));
+}
+
+TEST_F(Gauss_Newton_Steps, A_Wide_Peak_Is_Deleted) {
+    Curve_Set({{100, 500, 70}});
+    Add(100, 1.0F, 30.0F);
+    Run();
+    EXPECT_EQ(test.Data().peak_nb, 0);
+    EXPECT_TRUE(test.Has_Part(11, ": Peak to wide (amp="));
+}
+
+TEST_F(Gauss_Newton_Steps, Deleting_Keeps_The_List_Whole) {
+    Curve_Set({});
+    Histo_Peak* a = Add(10, 1.0F, 5.0F);
+    Histo_Peak* b = Add(50, 1.0F, 5.0F);
+    Histo_Peak* c = Add(90, 1.0F, 5.0F);
+    Peak_Delete(test.panel, a, "reason %d", 7);
+    EXPECT_EQ(test.Texts(11).back(), "******* Delete peak at 10.00: reason 7");
+    EXPECT_EQ(test.Data().peak_first, b);
+    EXPECT_EQ(b->prev, nullptr);
+    Peak_Delete(test.panel, c, "%s", std::string(3000, 'x').c_str());
+    EXPECT_EQ(b->next, nullptr);
+    EXPECT_EQ(test.Data().peak_nb, 1);
+    EXPECT_EQ(test.Texts(11).back().size(), std::strlen("******* Delete peak at 90.00: ") + 1023);
+}
+
+TEST_F(Gauss_Newton_Steps, Bounds_Stand_Around_The_Candidate) {
+    Curve_Set({{100, 500, 8}});
+    const Histo_Peak* peak = Add(100, 0.25F, 10.0F);
+    EXPECT_EQ((*peak->param)[PEAK_AMPLITUDE], 0.25 * test.Data().filtered[100]);
+    EXPECT_EQ((*peak->param_min)[PEAK_CENTRE], 98.75);
+    EXPECT_EQ((*peak->param_max)[PEAK_CENTRE], 101.25);
+    EXPECT_EQ((*peak->param_min)[PEAK_WIDTH], 1.0);
+    EXPECT_EQ((*peak->param_max)[PEAK_WIDTH], 40.0);
+    EXPECT_EQ((*peak->param_max)[PEAK_AMPLITUDE], 2.0 * test.Data().filtered[100]);
+}
+
+TEST(Peak_Curve, Has_None_For_A_Centre_Of_0) {
+    Vector_N param(3, 8);
+    param[PEAK_AMPLITUDE] = 5.0;
+    param[PEAK_WIDTH] = 2.0;
+    EXPECT_EQ(Peak_Curve(PEAK_GAUSS, 10, param), nullptr);
+    param[PEAK_CENTRE] = 4.0;
+    double* curve = Peak_Curve(PEAK_GAUSS, 10, param);
+    ASSERT_NE(curve, nullptr);
+    EXPECT_EQ(curve[4], 5.0);
+    delete[] curve;
+}
+
+}  // namespace
