@@ -1,0 +1,146 @@
+#include "kits/graph/axis_layout.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "kits/graph/ticks.h"
+
+namespace {
+
+constexpr int tick_length = 4;  // pixels, outwards from the axis line
+constexpr int label_gap = 2;    // between a tick and its number
+constexpr int apart_x = 8;      // between numbers side by side
+constexpr int apart_y = 4;      // between numbers one above the other
+constexpr int tick_apart = 5;   // between ticks at least
+
+/** The axis line stands just outside the area. */
+constexpr int outside = 1;
+
+double Pixel_Of(double value, double from, double to, int pixels) {
+    return (value - from) / (to - from) * pixels;
+}
+
+int Widest(const Axis_Request& request, const Tick_Scale& scale, const Tick_Format& format) {
+    // The longest numbers stand at the ends; the one after the first has its decimals when the first is 0.
+    int widest = 0;
+    for (const std::int64_t index : {scale.first, std::min(scale.first + 1, scale.last), scale.last}) {
+        widest = std::max(widest, request.width(Tick_Text(scale, format, index)));
+    }
+    return widest;
+}
+
+/** A scale and format of numbers. */
+struct Numbers {
+    Tick_Scale scale;
+    Tick_Format format;
+};
+
+Numbers Numbers_Of(const Tick_Scale& scale, bool compact) {
+    return {scale, Tick_Format_Make(scale, compact)};
+}
+
+void Line_Add(Axis_Layout& layout, const Plot_Rect& rect, const Plot_Rect& box) {
+    const Plot_Rect cut = {std::max(rect.left, box.left), std::max(rect.top, box.top), std::min(rect.right, box.right),
+                           std::min(rect.bottom, box.bottom)};
+    if (cut.Width() > 0 && cut.Height() > 0) {
+        layout.lines.push_back(cut);
+    }
+}
+
+bool Overlap(const Plot_Rect& a, const Plot_Rect& b) {
+    return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
+}
+
+bool Inside(const Plot_Rect& inner, const Plot_Rect& outer) {
+    return inner.left >= outer.left && inner.right <= outer.right && inner.top >= outer.top &&
+           inner.bottom <= outer.bottom;
+}
+
+/** Adds a text unless it would be cut or stand on another one. */
+void Label_Add(Axis_Layout& layout, Plot_Label label, const Plot_Rect& room) {
+    const bool free = std::none_of(layout.labels.begin(), layout.labels.end(),
+                                   [&](const Plot_Label& other) { return Overlap(label.rect, other.rect); });
+    if (label.rect.Width() > 0 && free && Inside(label.rect, room)) {
+        layout.labels.push_back(std::move(label));
+    }
+}
+
+}  // namespace
+
+Axis_Layout Axis_Layout_X(const Axis_Request& request) {
+    Axis_Layout layout;
+    const Plot_Rect& area = request.area;
+    const Plot_Rect& box = request.box;
+    const double per_pixel = (static_cast<double>(request.to) - request.from) / area.Width();
+    Numbers numbers = Numbers_Of(Tick_Scale_Make(request.from, request.to, per_pixel * tick_apart), false);
+    while (numbers.scale.Count() > 1 &&
+           Widest(request, numbers.scale, numbers.format) + apart_x > numbers.scale.step / per_pixel) {
+        numbers = Numbers_Of(Tick_Scale_Coarser(request.from, request.to, numbers.scale), false);
+    }
+
+    Line_Add(layout, {area.left - outside, area.bottom, area.right, area.bottom + outside}, box);
+    const int ticks_end = area.bottom + outside + tick_length;
+    const int label_top = ticks_end + label_gap;
+    if (!request.title.empty()) {
+        const int width = request.width(request.title);
+        const int middle = (area.left + area.right) / 2;
+        const int left = std::clamp(middle - width / 2, box.left, std::max(box.left, box.right - width));
+        const int top = box.bottom - request.line_height;
+        if (top >= label_top + request.line_height) {
+            const int free_rows = top - (label_top + request.line_height);  // half of them stay below the title
+            Label_Add(layout, {request.title, {left, top - free_rows / 2, left + width, box.bottom - free_rows / 2}},
+                      box);
+        }
+    }
+    for (std::int64_t i = numbers.scale.first; i <= numbers.scale.last; i++) {
+        const double at = Pixel_Of(numbers.scale.Value(i), request.from, request.to, area.Width());
+        const int x = area.left + std::clamp(static_cast<int>(std::floor(at + 0.5)), 0, area.Width() - 1);
+        layout.tick_at.push_back(x);
+        Line_Add(layout, {x, area.bottom + outside, x + 1, ticks_end}, box);
+        const std::string text = Tick_Text(numbers.scale, numbers.format, i);
+        const int width = request.width(text);
+        const int left = std::clamp(x - width / 2, box.left, std::max(box.left, box.right - width));
+        Label_Add(layout, {text, {left, label_top, left + width, label_top + request.line_height}}, box);
+    }
+    return layout;
+}
+
+Axis_Layout Axis_Layout_Y(const Axis_Request& request) {
+    Axis_Layout layout;
+    const Plot_Rect& area = request.area;
+    const Plot_Rect& box = request.box;
+    const int ticks_end = area.left - outside - tick_length;
+    const int numbers_right = ticks_end - label_gap;
+    Plot_Rect room = {box.left, box.top, numbers_right, std::min(box.bottom, area.bottom + tick_length)};
+    if (!request.title.empty()) {
+        const int length = request.width(request.title);
+        const int middle = (area.top + area.bottom) / 2;
+        const int top = std::clamp(middle - length / 2, box.top, std::max(box.top, box.bottom - length));
+        Label_Add(layout, {request.title, {box.left, top, box.left + request.line_height, top + length}, true}, box);
+        room.left += request.line_height + label_gap;
+    }
+    const double per_pixel = (static_cast<double>(request.to) - request.from) / area.Height();
+    const double least = per_pixel * (request.line_height + apart_y);
+    Numbers numbers = Numbers_Of(Tick_Scale_Make(request.from, request.to, least), false);
+    for (bool compact = false;
+         numbers.scale.Count() > 1 && Widest(request, numbers.scale, numbers.format) > room.Width();) {
+        // First shorter numbers, then fewer of them: a coarser step needs fewer decimals.
+        const Tick_Scale next = compact ? Tick_Scale_Coarser(request.from, request.to, numbers.scale) : numbers.scale;
+        compact = true;
+        numbers = Numbers_Of(next, compact);
+    }
+
+    Line_Add(layout, {area.left - outside, area.top, area.left, area.bottom + outside}, box);
+    for (std::int64_t i = numbers.scale.first; i <= numbers.scale.last; i++) {
+        const double at = Pixel_Of(numbers.scale.Value(i), request.from, request.to, area.Height());
+        const int y = area.bottom - 1 - std::clamp(static_cast<int>(std::floor(at + 0.5)), 0, area.Height() - 1);
+        layout.tick_at.push_back(y);
+        Line_Add(layout, {ticks_end, y, area.left - outside, y + 1}, box);
+        const std::string text = Tick_Text(numbers.scale, numbers.format, i);
+        const int top =
+            std::clamp(y - request.line_height / 2, room.top, std::max(room.top, room.bottom - request.line_height));
+        Label_Add(layout, {text, {numbers_right - request.width(text), top, numbers_right, top + request.line_height}},
+                  room);
+    }
+    return layout;
+}

@@ -1,0 +1,110 @@
+#include <algorithm>
+#include <string_view>
+
+#include "host/kit_dataset.h"
+#include "host/kit_widgets.h"
+#include "kits/widgets/painter.h"
+
+namespace {
+
+constexpr unsigned int style_bordered = 0x2;
+constexpr unsigned int style_filled = 0x40;
+constexpr int title_band_default = 18;  // pixels, when the host names no height
+constexpr int title_margin = 4;         // pixels left of the title
+constexpr int band_shade = 10;          // percent
+constexpr int line_shade = 45;          // percent
+
+/** Height of the title band; 0 without a title. */
+int Title_Band(const Boxs& box) {
+    if (box.name[0] == 0) {
+        return 0;
+    }
+    const auto value =
+        reinterpret_cast<std::uintptr_t>(Fct_Variable_Value("$INTERFACE_TITLE_DIM_SML", nullptr, nullptr, nullptr));
+    const int named = static_cast<std::int16_t>(value & 0xFFFFU);
+    return std::min<int>(named > 0 ? named : title_band_default, box.height);
+}
+
+Rgb Box_Line(const Boxs& box) {
+    return Mix(Rgb_Of(box.color), Contrast_Color(Rgb_Of(box.color)), line_shade);
+}
+
+void Draw_Title(Painter& painter, const Boxs& box, const Rect& inner) {
+    const Rect band = {inner.left, inner.top, inner.width, std::min(Title_Band(box), inner.height)};
+    if (band.Empty()) {
+        return;
+    }
+    const Rgb ground = Shade(Rgb_Of(box.color), band_shade);
+    painter.Picture().Fill(band, ground);
+    Draw_Caption(painter.Picture(), {band.left + title_margin, band.top, band.width - 2 * title_margin, band.height},
+                 box, box.name, Contrast_Color(ground), Align::Left);
+}
+
+/** The border and the title, over what the picture holds. @return whether there is a part of the box to show */
+void Draw_Marks(Painter& painter, const Boxs& box) {
+    const int border = (box.style & style_bordered) != 0 ? Widget_Border(box) : 0;
+    painter.Picture().Frame(painter.Area(), border, Box_Line(box));
+    Draw_Title(painter, box, painter.Area().Inner(border));
+}
+
+/** Shows the border and the title band alone. */
+void Show_Marks(Painter& painter, const Boxs& box) {
+    const int border = (box.style & style_bordered) != 0 ? Widget_Border(box) : 0;
+    const int band = Title_Band(box);
+    if (border == 0 && band == 0) {
+        painter.Show_Nothing();
+        return;
+    }
+    for (const Rect& side : Frame_Sides(painter.Area(), border)) {
+        painter.Show_Only(side);
+    }
+    const Rect inner = painter.Area().Inner(border);
+    painter.Show_Only({inner.left, inner.top, inner.width, std::min(band, inner.height)});
+}
+
+}  // namespace
+
+int Boxs::Init(HWND init_window) {
+    if (init_window != nullptr) {
+        window = init_window;
+    }
+    Count_Init();
+    return 1;
+}
+
+void Boxs::Draw() {
+    if (Widget_Hidden(*this)) {
+        return;
+    }
+    Painter painter(*this);
+    if (!painter) {
+        return;
+    }
+    Count_Draw();
+    if ((style & style_filled) != 0) {
+        painter.Picture().Fill(painter.Area(), Rgb_Of(color));
+    } else {
+        Show_Marks(painter, *this);
+    }
+    Draw_Marks(painter, *this);
+}
+
+void Boxs::Adjust() {
+    if (Widget_Hidden(*this)) {
+        return;
+    }
+    Painter painter(*this);
+    if (!painter) {
+        return;
+    }
+    Count_Adjust();
+    Draw_Marks(painter, *this);
+    Show_Marks(painter, *this);
+}
+
+int Boxs::Select(int) {
+    Point point;
+    return Widget_Pointer(*this, &point) ? 1 : 0;
+}
+
+void Boxs::Deselect() {}

@@ -1,0 +1,338 @@
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "host/kit_widgets.h"
+#include "kits/widgets/painter.h"
+
+// The four images lie in one block behind a record of the library's own, which the button reaches through image[0].
+namespace {
+
+constexpr int image_nb = 4;
+enum Image : int { image_plain, image_hover, image_pressed, image_current };
+constexpr unsigned short look_plain = 0;
+constexpr unsigned short look_hover = 1;
+constexpr unsigned short look_pressed = 2;
+
+constexpr std::size_t image_area_max = std::size_t{1} << 24U;  // pixels; larger buttons have no images
+constexpr int mark_thickness = 2;                              // pixels of the current mark's frame
+constexpr int inactive_mix = 50;                               // percent of the panel's colour
+constexpr int hover_shade = 25;                                // percent
+constexpr int pressed_shade = 48;                              // percent
+constexpr int border_mix = 75;                                 // percent of the line's colour in the border
+constexpr int caption_margin = 2;                              // pixels on either side of a caption
+
+struct Image_Block {
+    int width;
+    int height;
+    std::uint64_t painted_sum;  // of the images when the button was last painted; 0: not painted since Init
+    unsigned short painted_look;
+};
+constexpr std::size_t block_head = (sizeof(Image_Block) + 15U) & ~std::size_t{15U};
+
+Image_Block* Block_Of(const Buttons& button) {
+    return button.image[0] == nullptr
+               ? nullptr
+               : reinterpret_cast<Image_Block*>(reinterpret_cast<unsigned char*>(button.image[0]) - block_head);
+}
+
+std::size_t Pixel_Nb(const Buttons& button) {
+    return static_cast<std::size_t>(button.width) * static_cast<std::size_t>(button.height);
+}
+
+bool Images_Fit(const Buttons& button) {
+    const Image_Block* block = Block_Of(button);
+    return block != nullptr && block->width == button.width && block->height == button.height;
+}
+
+/** The backgrounds of the four images: distinct, and none of them 0, which stands for an outline painted by a panel. */
+void Background_Colors(Rgb face, Rgb out[image_nb]) {
+    out[image_plain] = face != 0 ? face : 0x010101U;
+    out[image_hover] = Shade(face, hover_shade);
+    out[image_pressed] = Shade(face, pressed_shade);
+    out[image_current] = Contrast_Color(face);
+    for (int i = 1; i < image_nb; i++) {
+        while (out[i] == 0 || std::find(out, out + i, out[i]) != out + i) {
+            out[i] = out[i] >= 0xFFFFFFU ? 0x010101U : out[i] + 1U;
+        }
+    }
+}
+
+/** A sum over all images that tells whether a panel painted into them. Never 0. Runs over every visible button with
+ *  every move of the pointer: several sums side by side, so that none waits for the multiplication of another. */
+std::uint64_t Images_Sum(const Buttons& button) {
+    constexpr std::size_t lane_nb = 4;
+    std::uint64_t lanes[lane_nb] = {1, 2, 3, 4};
+    const std::size_t nb = Pixel_Nb(button) * image_nb;  // a multiple of four, as there are four images
+    const unsigned int* pixel = button.image[0];
+    for (std::size_t i = 0; i < nb; i += lane_nb) {
+        for (std::size_t lane = 0; lane < lane_nb; lane++) {
+            lanes[lane] = (lanes[lane] ^ pixel[i + lane]) * 0x9E3779B97F4A7C15ULL;
+            lanes[lane] ^= lanes[lane] >> 32U;
+        }
+    }
+    return (lanes[0] ^ (lanes[1] << 1U) ^ (lanes[2] << 2U) ^ (lanes[3] << 3U)) | 1U;
+}
+
+// ------------------------------------------------------------------------------------------------------------ drawing
+
+/** Where the parts of a button stand, in its picture. */
+struct Button_Layout {
+    Rect area;
+    Rect mark;   // outer rectangle of the current mark's frame
+    Rect check;  // the left quarter
+    Rect caption;
+};
+
+Button_Layout Layout_Of(const Buttons& button) {
+    Button_Layout layout;
+    layout.area = {0, 0, button.width, button.height};
+    layout.mark = layout.area.Inner(Widget_Border(button));
+    const Rect inner = layout.mark.Inner(mark_thickness);
+    layout.caption = inner;
+    if ((button.style & STYLE_SHOW_CHECK) != 0) {
+        layout.check = Rect_Common({inner.left, inner.top, button.width / 4, inner.height}, inner);
+        layout.caption.left += layout.check.width;
+        layout.caption.width -= layout.check.width;
+    }
+    layout.caption.left += caption_margin;
+    layout.caption.width -= 2 * caption_margin;
+    return layout;
+}
+
+/** What a button's look depends on besides its images. */
+struct Button_Look {
+    int face = image_plain;
+    bool inactive = false;
+    Rgb backgrounds[image_nb] = {};
+    Rgb ground = 0;  // the face's background as it is shown
+    Rgb ink = 0;     // text and check mark on it
+};
+
+Button_Look Look_Of(const Buttons& button) {
+    Button_Look look;
+    Background_Colors(Rgb_Of(button.color), look.backgrounds);
+    look.inactive = Widget_Inactive(button);
+    look.face = look.inactive ? image_plain : std::clamp<int>(button.state, image_plain, image_pressed);
+    look.ground = look.backgrounds[look.face];
+    if (look.inactive) {
+        look.ground = Mix(look.ground, Theme_Now().panel, inactive_mix);
+    }
+    look.ink = Contrast_Color(look.ground);
+    if (look.inactive) {
+        look.ink = Mix(look.ink, look.ground, inactive_mix);
+    }
+    return look;
+}
+
+void Draw_Image(Surface& picture, const Buttons& button, const Button_Look& look, int image) {
+    const Rect area = {0, 0, button.width, button.height};
+    if (Images_Fit(button)) {
+        picture.Blit(area, button.image[image], button.width);
+    } else {
+        picture.Fill(area, look.backgrounds[image]);
+    }
+    if (look.inactive) {
+        picture.Tint(area, Theme_Now().panel, inactive_mix);
+    }
+}
+
+/** The marks over a face: the current mark's frame shows the fourth image, whose background contrasts with the face. */
+void Draw_Marks(Surface& picture, const Buttons& button, const Button_Look& look, const Button_Layout& layout) {
+    if (button.current != 0) {
+        for (const Rect& side : Frame_Sides(layout.mark, mark_thickness)) {
+            const Rect before = picture.Clip_Set(side);
+            Draw_Image(picture, button, look, image_current);
+            picture.Clip_Set(before);
+        }
+    }
+    if (button.checked != 0) {
+        Draw_Check(picture, layout.check, look.ink);
+    }
+}
+
+void Draw_Border(Surface& picture, const Buttons& button, const Button_Look& look, const Rect& area) {
+    const bool plain = look.inactive || button.state == look_plain;
+    const Rgb line = plain ? Theme_Now().line : Contrast_Color(look.ground);
+    picture.Frame(area, Widget_Border(button), Mix(look.ground, line, border_mix));
+}
+
+/** In the middle of the button, or right of the check mark's place when it would reach into it: a check mark never
+ * moves a caption. */
+void Draw_Button_Caption(Surface& picture, const Buttons& button, const Button_Look& look,
+                         const Button_Layout& layout) {
+    if (button.name[0] == 0) {
+        return;
+    }
+    Rect place = layout.caption;
+    const int middle = layout.area.width / 2;
+    const int half = (Text_Width(button.name, Widget_Font(button)) + 1) / 2;
+    if (middle - half >= place.left) {
+        place.left = middle - half;
+        place.width = std::min(2 * half, layout.caption.Right() - place.left);
+    }
+    Draw_Caption(picture, place, button, button.name, look.ink, Align::Center);
+}
+
+void Paint(Buttons& button) {
+    if (Widget_Hidden(button)) {
+        return;
+    }
+    Painter painter(button);
+    if (!painter) {
+        return;
+    }
+    Count_Draw();
+    Surface& picture = painter.Picture();
+    const Button_Look look = Look_Of(button);
+    const Button_Layout layout = Layout_Of(button);
+    Draw_Image(picture, button, look, look.face);
+    Draw_Border(picture, button, look, layout.area);
+    Draw_Marks(picture, button, look, layout);
+    Draw_Button_Caption(picture, button, look, layout);
+    if (Images_Fit(button)) {
+        Image_Block* block = Block_Of(button);
+        block->painted_sum = Images_Sum(button);
+        block->painted_look = button.state;
+    }
+}
+
+/** Takes a transient look; paints only when it differs from the present one. */
+void Look_Set(Buttons& button, unsigned short look) {
+    if (button.state != look) {
+        button.state = look;
+        Paint(button);
+    }
+}
+
+/** True when a panel changed the images or the look itself, so that what is shown is out of date. */
+bool Out_Of_Date(const Buttons& button) {
+    if (!Images_Fit(button)) {
+        return false;
+    }
+    const Image_Block* block = Block_Of(button);
+    return block->painted_look != button.state || block->painted_sum != Images_Sum(button);
+}
+
+}  // namespace
+
+// ------------------------------------------------------------------------------------------------------------- images
+
+void Buttons::Images_Free() {
+    std::free(Block_Of(*this));
+    std::fill_n(image, image_nb, nullptr);
+}
+
+int Buttons::Images_Make() {
+    if (!Images_Fit(*this)) {
+        Images_Free();
+        if (width <= 0 || height <= 0 || Pixel_Nb(*this) > image_area_max) {
+            return 0;
+        }
+        auto* bytes =
+            static_cast<unsigned char*>(std::calloc(1, block_head + Pixel_Nb(*this) * image_nb * sizeof(unsigned int)));
+        if (bytes == nullptr) {
+            return 0;
+        }
+        for (std::size_t i = 0; i < image_nb; i++) {
+            image[i] = reinterpret_cast<unsigned int*>(bytes + block_head) + i * Pixel_Nb(*this);
+        }
+        Block_Of(*this)->width = width;
+        Block_Of(*this)->height = height;
+    }
+    Rgb backgrounds[image_nb];
+    Background_Colors(Rgb_Of(color), backgrounds);
+    for (int i = 0; i < image_nb; i++) {
+        std::fill_n(image[i], Pixel_Nb(*this), backgrounds[i]);
+    }
+    Block_Of(*this)->painted_sum = 0;
+    return 1;
+}
+
+Buttons::Buttons() {
+    name_max = BUTTON_CAPTION_MAX;
+}
+
+Buttons::~Buttons() {
+    Images_Free();
+}
+
+Buttons::Buttons(const Buttons& other)
+    : Tools(other), current(other.current), checked(other.checked), state(other.state) {
+    if (Images_Fit(other) && Images_Make() != 0) {
+        std::memcpy(image[0], other.image[0], Pixel_Nb(other) * image_nb * sizeof(unsigned int));
+    }
+}
+
+Buttons& Buttons::operator=(const Buttons& other) {
+    if (this == &other) {
+        return *this;
+    }
+    Tools::operator=(other);
+    current = other.current;
+    checked = other.checked;
+    state = other.state;
+    if (!Images_Fit(other)) {
+        Images_Free();
+    } else if (Images_Make() != 0) {
+        std::memcpy(image[0], other.image[0], Pixel_Nb(other) * image_nb * sizeof(unsigned int));
+    }
+    return *this;
+}
+
+// --------------------------------------------------------------------------------------------------------- operations
+
+int Buttons::Init(HWND init_window) {
+    if (init_window != nullptr) {
+        window = init_window;
+    }
+    Images_Make();
+    Count_Init();
+    return 1;
+}
+
+void Buttons::Draw() {
+    Paint(*this);
+}
+
+void Buttons::Adjust() {
+    if (Widget_Hidden(*this)) {
+        return;
+    }
+    Painter painter(*this);
+    if (!painter) {
+        return;
+    }
+    Count_Adjust();
+    const Button_Look look = Look_Of(*this);
+    const Button_Layout layout = Layout_Of(*this);
+    Draw_Image(painter.Picture(), *this, look, look.face);
+    Draw_Marks(painter.Picture(), *this, look, layout);
+    for (const Rect& side : Frame_Sides(layout.mark, mark_thickness)) {
+        painter.Show_Only(side);
+    }
+    painter.Show_Only(layout.check);
+}
+
+int Buttons::Select(int up_down) {
+    Point point;
+    const bool inside = Widget_Pointer(*this, &point);
+    if (Widget_Inactive(*this)) {
+        return 0;
+    }
+    if (up_down == MOUSE_ASK) {
+        return inside ? 1 : 0;
+    }
+    // A mere motion has the code 0 too: it refreshes only what a panel changed, and shows the pointer otherwise.
+    if (up_down == 0 && Out_Of_Date(*this)) {
+        Paint(*this);
+        return inside ? 1 : 0;
+    }
+    const unsigned short pointed = (up_down & MOUSE_PRESS) != 0 ? look_pressed : look_hover;
+    Look_Set(*this, inside ? pointed : look_plain);
+    return inside ? 1 : 0;
+}
+
+void Buttons::Deselect() {
+    Look_Set(*this, look_plain);
+}

@@ -1,0 +1,50 @@
+// Key messages to key codes. The numbers of the messages and keys are those of Windows, named here so that the
+// translation needs no window system.
+#include "host/kit_widgets.h"
+#include "kits/widgets/device.h"
+
+namespace {
+
+constexpr unsigned int message_key_down = 0x0100;
+constexpr unsigned int message_character = 0x0102;
+constexpr unsigned int message_system_key_down = 0x0104;
+
+constexpr int key_page_up = 0x21;  // Page Up, Page Down, End, Home and the arrows follow one another
+constexpr int key_down = 0x28;
+constexpr int key_insert = 0x2D;
+constexpr int key_delete = 0x2E;
+constexpr int key_f1 = 0x70;
+constexpr int key_f24 = 0x87;
+constexpr std::uintptr_t control_backspace = 0x7F;  // the character that Ctrl+Backspace makes
+
+bool Has_No_Character(int key) {
+    return (key >= key_page_up && key <= key_down) || key == key_insert || key == key_delete ||
+           (key >= key_f1 && key <= key_f24);
+}
+
+int Special_Key(unsigned int message, std::uintptr_t wparam) {
+    if (message != message_key_down && message != message_system_key_down) {
+        return 0;
+    }
+    return wparam <= 0xFF && Has_No_Character(static_cast<int>(wparam)) ? KEY_SPECIAL + static_cast<int>(wparam) : 0;
+}
+
+int Character(std::uintptr_t code) {
+    return code == control_backspace ? KEY_BACKSPACE : code <= 0xFF ? static_cast<int>(code) : 0;
+}
+
+}  // namespace
+
+int Parse_Keyboard(HWND, unsigned int message, std::uintptr_t wparam, std::intptr_t) {
+    return message == message_character ? Character(wparam) : Special_Key(message, wparam);
+}
+
+int Parse_Dialog(HWND, unsigned int message, std::uintptr_t wparam, std::intptr_t lparam) {
+    if (message != message_key_down || wparam > 0xFF) {
+        return Special_Key(message, wparam);
+    }
+    const int special = Special_Key(message, wparam);
+    return special != 0
+               ? special
+               : Character(static_cast<std::uintptr_t>(System_Key_Character(static_cast<int>(wparam), lparam)));
+}

@@ -1,0 +1,47 @@
+#include "host/kit_widgets.h"
+#include "kits/widgets/painter.h"
+
+namespace {
+constexpr int text_margin = 3;    // pixels left of the text
+constexpr int grey_percent = 50;  // of the panel's colour in an inactive label
+}  // namespace
+
+int Labels::Init(HWND init_window) {
+    if (init_window != nullptr) {
+        window = init_window;
+    }
+    Count_Init();
+    return 1;
+}
+
+void Labels::Draw() {
+    if (Widget_Hidden(*this)) {
+        return;
+    }
+    Painter painter(*this);
+    if (!painter) {
+        return;
+    }
+    Count_Draw();
+    const bool inactive = Widget_Inactive(*this);
+    const Rgb ground = inactive ? Mix(Rgb_Of(color), Theme_Now().panel, grey_percent) : Rgb_Of(color);
+    const Rgb text = inactive ? Mix(Contrast_Color(ground), ground, grey_percent) : Contrast_Color(ground);
+    painter.Picture().Fill(painter.Area(), ground);
+    Rect room = painter.Area();
+    room.left += text_margin;
+    room.width -= 2 * text_margin;
+    Draw_Caption(painter.Picture(), room, *this, name, text, Align::Left);
+}
+
+// A label has no state marks, takes no input and has no value.
+void Labels::Adjust() {}
+float Labels::Read() {
+    return 0.0F;
+}
+int Labels::Select(int) {
+    return 0;
+}
+void Labels::Deselect() {}
+float Labels::Scroll(int) {
+    return 0.0F;
+}

@@ -1,0 +1,112 @@
+#include "kits/widgets/theme.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "kits/widgets/device.h"
+#include "kits/widgets/widgets_host.h"
+
+namespace {
+
+constexpr Theme dark_theme = {
+    .panel = 0x383A40,
+    .field = 0x26282C,
+    .field_text = 0xE6E8EB,
+    .face = 0x565A63,
+    .face_hover = 0x6B707B,
+    .face_pressed = 0x858B98,
+    .line = 0x1B1C20,
+    .line_strong = 0x9AA3B2,
+    .text = 0xE6E8EB,
+    .text_grey = 0x8A8F99,
+    .accent = 0x3D8BEA,
+    .accent_text = 0xFFFFFF,
+};
+
+constexpr Theme light_theme = {
+    .panel = 0xECEDF0,
+    .field = 0xFFFFFF,
+    .field_text = 0x1D1F24,
+    .face = 0xD0D4DB,
+    .face_hover = 0xBCC2CC,
+    .face_pressed = 0xA2AAB7,
+    .line = 0xA6ABB5,
+    .line_strong = 0x4A515E,
+    .text = 0x1D1F24,
+    .text_grey = 0x83888F,
+    .accent = 0x1F6FD0,
+    .accent_text = 0xFFFFFF,
+};
+
+constexpr int own_font_height = 13;  // pixels at scale 1
+constexpr short own_border = 1;
+constexpr short own_space = 3;
+constexpr float scale_min = 0.5F;
+constexpr float scale_max = 8.0F;
+
+Library_Theme theme_now = Library_Theme::Dark;
+float library_scale = 1.0F;
+
+short Scaled(short pixels) {
+    return static_cast<short>(std::max(1L, std::lround(static_cast<float>(pixels) * library_scale)));
+}
+
+}  // namespace
+
+short BORDER = own_border;
+short SPACE = own_space;
+
+const Theme& Theme_Now() {
+    return theme_now == Library_Theme::Dark ? dark_theme : light_theme;
+}
+
+void Library_Theme_Set(Library_Theme theme) {
+    theme_now = theme;
+}
+
+void Library_Scale_Set(float scale) {
+    library_scale = scale >= scale_min ? std::min(scale, scale_max) : scale_min;  // also for a scale that is no number
+    BORDER = Scaled(own_border);
+    SPACE = Scaled(own_space);
+    System_Fonts_Forget();
+}
+
+int Library_Font_Height() {
+    return Scaled(own_font_height);
+}
+
+Rgb Rgb_Make(int red, int green, int blue) {
+    const auto component = [](int value) { return static_cast<Rgb>(std::clamp(value, 0, 255)); };
+    return (component(red) << 16U) | (component(green) << 8U) | component(blue);
+}
+
+Rgb Rgb_Of(const Colors& color) {
+    return Rgb_Make(color.red, color.green, color.blue);
+}
+
+Rgb Mix(Rgb a, Rgb b, int percent) {
+    const int weight = std::clamp(percent, 0, 100);
+    const auto part = [&](unsigned int shift) {
+        const int of_a = static_cast<int>((a >> shift) & 0xFFU);
+        const int of_b = static_cast<int>((b >> shift) & 0xFFU);
+        return (of_a * (100 - weight) + of_b * weight + 50) / 100;
+    };
+    return Rgb_Make(part(16), part(8), part(0));
+}
+
+int Brightness(Rgb color) {
+    const auto part = [&](unsigned int shift) { return static_cast<int>((color >> shift) & 0xFFU); };
+    return (part(16) * 299 + part(8) * 587 + part(0) * 114 + 500) / 1000;
+}
+
+Rgb Contrast_Color(Rgb ground) {
+    constexpr int middle = 132;
+    constexpr Rgb near_black = 0x101010;
+    constexpr Rgb near_white = 0xFAFAFA;
+    return Brightness(ground) > middle ? near_black : near_white;
+}
+
+Rgb Shade(Rgb ground, int percent) {
+    constexpr int bright = 200;  // lighter than this there is no room upwards
+    return Brightness(ground) > bright ? Mix(ground, 0x000000, percent) : Mix(ground, 0xFFFFFF, percent);
+}

@@ -1,0 +1,184 @@
+#include "kits/widgets/window_state.h"
+
+#include <algorithm>
+#include <new>
+#include <unordered_map>
+#include <vector>
+
+namespace {
+
+struct Window_State {
+    Window_Axis axis = Window_Axis::Up;
+    int buffer_depth = 0;
+    bool buffer_ready = false;  // there is memory and it holds what the window shows
+    bool changed_all = false;
+    Size buffer_size;
+    Memory_Picture buffer;
+    std::vector<Rect> changed;
+};
+
+constexpr std::size_t changed_max = 512;  // more parts than this are shown as one
+
+std::unordered_map<HWND, Window_State>& States() {
+    static std::unordered_map<HWND, Window_State> states;
+    return states;
+}
+
+Window_State* State_Find(HWND window) {
+    const auto found = States().find(window);
+    return found == States().end() ? nullptr : &found->second;
+}
+
+Window_State* State_Make(HWND window) {
+    if (window == nullptr) {
+        return nullptr;
+    }
+    try {
+        return &States()[window];
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+Window_State* Buffered(HWND window) {
+    Window_State* state = State_Find(window);
+    return state != nullptr && state->buffer_depth > 0 && state->buffer_ready ? state : nullptr;
+}
+
+void Changed_Add(Window_State& state, const Rect& rect) {
+    if (state.changed_all || rect.Empty()) {
+        return;
+    }
+    try {
+        if (state.changed.size() < changed_max) {
+            state.changed.push_back(rect);
+            return;
+        }
+    } catch (const std::bad_alloc&) {
+    }
+    state.changed_all = true;
+}
+
+}  // namespace
+
+// ------------------------------------------------------------------------------------------------------------------
+// axis
+
+void Window_Axis_Set(HWND window, Window_Axis axis) {
+    if (Window_State* state = State_Make(window)) {
+        state->axis = axis;
+    }
+}
+
+Window_Axis Window_Axis_Get(HWND window) {
+    const Window_State* state = State_Find(window);
+    return state != nullptr ? state->axis : Window_Axis::Up;
+}
+
+void Window_Forget(HWND window) {
+    States().erase(window);
+}
+
+// ----------------------------------------------------------------------------------------------------------- back
+// buffer
+
+void Window_Buffer_Begin(HWND window) {
+    Window_State* state = State_Make(window);
+    if (state == nullptr || state->buffer_depth++ > 0) {
+        return;
+    }
+    state->changed.clear();
+    state->changed_all = false;
+    Size size;
+    state->buffer_ready = Window_Client_Size(window, &size) && size.width > 0 && size.height > 0 &&
+                          state->buffer.Reserve(size.width, size.height);
+    if (state->buffer_ready) {
+        state->buffer_size = size;
+        Surface view = state->buffer.View(size.width, size.height);
+        Screen_Read(window, view.Area(), view);
+    }
+}
+
+void Window_Buffer_End(HWND window) {
+    Window_State* state = State_Find(window);
+    if (state == nullptr || state->buffer_depth == 0 || --state->buffer_depth > 0 || !state->buffer_ready) {
+        return;
+    }
+    state->buffer_ready = false;
+    Surface view = state->buffer.View(state->buffer_size.width, state->buffer_size.height);
+    if (state->changed_all) {
+        const Rect all = view.Area();
+        Screen_Show(window, {0, 0}, view, {&all, 1});
+    } else if (!state->changed.empty()) {
+        Screen_Show(window, {0, 0}, view, state->changed);
+    }
+}
+
+HDC Window_Buffer_DC(HWND window) {
+    Window_State* state = Buffered(window);
+    if (state == nullptr) {
+        return nullptr;
+    }
+    state->changed_all = true;
+    return state->buffer.Get_DC();
+}
+
+void Window_Show(HWND window, const Rect& target, Surface& picture, std::span<const Rect> parts) {
+    Window_State* state = Buffered(window);
+    if (state == nullptr) {
+        Screen_Show(window, {target.left, target.top}, picture, parts);
+        return;
+    }
+    Device_Flush();
+    Surface view = state->buffer.View(state->buffer_size.width, state->buffer_size.height);
+    for (const Rect& part : parts) {
+        const Rect inside = Rect_Common(part, picture.Area());
+        const Rect there = {target.left + inside.left, target.top + inside.top, inside.width, inside.height};
+        view.Blit(there, picture.Pixels() + static_cast<std::ptrdiff_t>(inside.top) * picture.Stride() + inside.left,
+                  picture.Stride());
+        Changed_Add(*state, Rect_Common(there, view.Area()));
+    }
+}
+
+bool Window_Read(HWND window, const Rect& target, std::uint32_t* pixels) {
+    if (target.Empty() || pixels == nullptr) {
+        return false;
+    }
+    Surface out(pixels, target.width, target.height, target.width, nullptr);
+    if (Window_State* state = Buffered(window)) {
+        Device_Flush();
+        Surface view = state->buffer.View(state->buffer_size.width, state->buffer_size.height);
+        const Rect inside = Rect_Common(target, view.Area());
+        out.Blit({inside.left - target.left, inside.top - target.top, inside.width, inside.height},
+                 view.Pixels() + static_cast<std::ptrdiff_t>(inside.top) * view.Stride() + inside.left, view.Stride());
+        return !inside.Empty();
+    }
+    Scratch_Picture scratch(target.width, target.height);
+    if (!scratch.Has_Pixels() || !Screen_Read(window, target, scratch.View())) {
+        return false;
+    }
+    out.Blit(out.Area(), scratch.View().Pixels(), scratch.View().Stride());
+    return true;
+}
+
+// --------------------------------------------------------------------------------------------------------------
+// scratch
+
+namespace {
+constexpr int scratch_depth_max = 4;
+Memory_Picture scratch_pictures[scratch_depth_max];
+int scratch_depth = 0;
+}  // namespace
+
+Scratch_Picture::Scratch_Picture(int width, int height) {
+    if (scratch_depth < scratch_depth_max && width > 0 && height > 0 &&
+        scratch_pictures[scratch_depth].Reserve(width, height)) {
+        view = scratch_pictures[scratch_depth].View(width, height);
+        has_pixels = true;
+    }
+    scratch_depth++;
+}
+
+Scratch_Picture::~Scratch_Picture() {
+    scratch_depth--;
+}

@@ -1,0 +1,116 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "host/kit_graph.h"
+#include "tests/kits/widgets/test_window.h"
+
+namespace {
+
+constexpr int width = 420;
+constexpr int height = 300;
+constexpr std::uint32_t ground = 0x383A40;  // the box's colour
+
+/** A plot in a window of one axis, drawn by SetUp. */
+class Axes_Test : public testing::TestWithParam<Window_Axis> {
+  protected:
+    Test_Window window{width, height, GetParam()};
+    Boxs box;
+    Plot_Area area;
+    void SetUp() override {
+        box.style = STYLE_FRAMED_BOX;
+        box.x = 4;
+        box.y = 3;
+        box.width = width - 12;
+        box.height = height - 14;
+        box.Set_Color(0x38, 0x3A, 0x40);
+        box.Init(window.Get());
+        box.Draw();
+        area = Plot_Window_Area(box, "Grey level", "Pixels");
+    }
+    int Draw(float from, float to) {
+        HDC dc = Y_setup(window.Get(), "axes test");
+        const int done = Plot_Window_Axes_X(dc, box, area, "Grey level", from, to) &
+                         Plot_Window_Axes_Y(dc, box, area, "Pixels", 0, 12000);
+        Y_release(window.Get(), dc);
+        return done;
+    }
+    Rect Device(int x, int y, int of_width, int of_height) const {
+        return {x, GetParam() == Window_Axis::Up ? height - y - of_height : y, of_width, of_height};
+    }
+};
+
+}  // namespace
+
+TEST_P(Axes_Test, DrawIntoTheMarginsOnly) {
+    ASSERT_EQ(Draw(-1024, 3071), 1);
+    const Window_Picture picture = window.Read();
+    const Rect inner = Device(area.left, area.bottom, area.width, area.height);
+    const Rect outer = Device(box.x, box.y, box.width, box.height);
+    int ink = 0;
+    for (int y = 0; y < height; y++) {
+        for (int x = 0; x < width; x++) {
+            if (!outer.Contains({x, y})) {
+                ASSERT_EQ(picture.At(x, y), Test_Window::marker);
+            } else if (inner.Contains({x, y})) {
+                ASSERT_EQ(picture.At(x, y), ground) << x << "," << y;
+            } else {
+                ink += picture.At(x, y) != ground ? 1 : 0;
+            }
+        }
+    }
+#if defined(_WIN32)
+    EXPECT_GT(ink, area.width + area.height + 200);
+#else
+    EXPECT_EQ(ink, 0);  // without a window system layouts are made and nothing is shown
+#endif
+    Write_Png(GetParam() == Window_Axis::Up ? "axes_up.png" : "axes_down.png", picture);
+}
+
+TEST_P(Axes_Test, AxisLinesRunAlongTheAreasLeftAndLowerEdge) {
+#if !defined(_WIN32)
+    GTEST_SKIP() << "nothing is shown without a window system";
+#endif
+    Draw(0, 255);
+    const Window_Picture picture = window.Read();
+    const Rect inner = Device(area.left, area.bottom, area.width, area.height);
+    const std::uint32_t line = picture.At(inner.left - 1, inner.top + 1);
+    EXPECT_NE(line, ground);
+    for (int y = inner.top; y <= inner.Bottom(); y++) {
+        EXPECT_EQ(picture.At(inner.left - 1, y), line);
+    }
+    for (int x = inner.left - 1; x < inner.Right(); x++) {
+        EXPECT_EQ(picture.At(x, inner.Bottom()), line);
+    }
+}
+
+TEST_P(Axes_Test, NothingIsDrawnWithoutARangeAnAreaOrADeviceContext) {
+    const Window_Picture before = window.Read();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    HDC dc = Y_setup(window.Get(), "axes test");
+    for (const auto& [from, to] : {std::pair{1.0F, 1.0F}, {2.0F, 1.0F}, {nan, 1.0F}, {0.0F, nan}}) {
+        EXPECT_EQ(Plot_Window_Axes_X(dc, box, area, "x", from, to), 0);
+        EXPECT_EQ(Plot_Window_Axes_Y(dc, box, area, "y", from, to), 0);
+    }
+    EXPECT_EQ(Plot_Window_Axes_X(nullptr, box, area, "x", 0, 1), 0);
+    Plot_Area empty = area;
+    empty.width = 0;
+    EXPECT_EQ(Plot_Window_Axes_X(dc, box, empty, "x", 0, 1), 0);
+    empty = area;
+    empty.height = -3;
+    EXPECT_EQ(Plot_Window_Axes_Y(dc, box, empty, "y", 0, 1), 0);
+    Y_release(window.Get(), dc);
+    EXPECT_EQ(window.Read(), before);
+}
+
+TEST_P(Axes_Test, MissingTitlesAreAllowed) {
+    HDC dc = Y_setup(window.Get(), "axes test");
+    EXPECT_EQ(Plot_Window_Axes_X(dc, box, area, nullptr, 0, 1), 1);
+    EXPECT_EQ(Plot_Window_Axes_Y(dc, box, area, "", 0, 1), 1);
+    Y_release(window.Get(), dc);
+}
+
+INSTANTIATE_TEST_SUITE_P(BothAxes, Axes_Test, testing::Values(Window_Axis::Up, Window_Axis::Down),
+                         [](const auto& axis) { return axis.param == Window_Axis::Up ? "Up" : "Down"; });

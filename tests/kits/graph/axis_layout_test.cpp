@@ -1,0 +1,110 @@
+#include "kits/graph/axis_layout.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace {
+
+constexpr int line_height = 15;
+
+Axis_Request Request(int width, int height, float from, float to, const char* title) {
+    Axis_Request request;
+    const int m = std::min(width / 50, height / 50);
+    request.box = {5, 7, 5 + width, 7 + height};
+    request.area = {5 + 2 * m + 40, 7 + 2 * m, 5 + width - 2 * m - 10, 7 + height - 3 * m - 35};
+    request.title = title;
+    request.from = from;
+    request.to = to;
+    request.line_height = line_height;
+    request.width = [](const std::string& text) { return static_cast<int>(text.size()) * 7; };
+    return request;
+}
+
+bool Overlap(const Plot_Rect& a, const Plot_Rect& b) {
+    return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
+}
+
+bool Inside(const Plot_Rect& inner, const Plot_Rect& outer) {
+    return inner.left >= outer.left && inner.right <= outer.right && inner.top >= outer.top &&
+           inner.bottom <= outer.bottom;
+}
+
+/** Nothing outside the box, nothing in the data's rectangle, no text on another. */
+void Expect_Clean(const Axis_Layout& layout, const Axis_Request& request) {
+    for (const Plot_Rect& line : layout.lines) {
+        EXPECT_TRUE(Inside(line, request.box));
+        EXPECT_FALSE(Overlap(line, request.area));
+    }
+    for (std::size_t i = 0; i < layout.labels.size(); i++) {
+        const Plot_Rect& rect = layout.labels[i].rect;
+        EXPECT_TRUE(Inside(rect, request.box)) << layout.labels[i].text;
+        EXPECT_FALSE(Overlap(rect, request.area)) << layout.labels[i].text;
+        for (std::size_t j = 0; j < i; j++) {
+            EXPECT_FALSE(Overlap(rect, layout.labels[j].rect)) << layout.labels[i].text << layout.labels[j].text;
+        }
+    }
+}
+
+}  // namespace
+
+TEST(AxisLayout, TextsNeverOverlapNorLeaveTheBoxNorCoverTheData) {
+    constexpr float ranges[][2] = {{0, 255},      {-1024, 3071}, {0, 1},          {0.001F, 0.0012F},
+                                   {-1e9F, 2e9F}, {0, 123456},   {99999, 100001}, {-3e-7F, 3e38F}};
+    for (int width = 60; width <= 1600; width += 77) {
+        for (int height = 50; height <= 900; height += 83) {
+            for (const auto& range : ranges) {
+                for (const char* title : {"", "Grey level", "A rather long title of a small plot"}) {
+                    const Axis_Request request = Request(width, height, range[0], range[1], title);
+                    if (request.area.Width() <= 0 || request.area.Height() <= 0) {
+                        continue;
+                    }
+                    Expect_Clean(Axis_Layout_X(request), request);
+                    Expect_Clean(Axis_Layout_Y(request), request);
+                }
+            }
+        }
+    }
+}
+
+TEST(AxisLayout, UsualPlotsHaveNumbersAndTitles) {
+    const Axis_Request request = Request(600, 400, 0, 255, "GLI");
+    const Axis_Layout x = Axis_Layout_X(request);
+    const Axis_Layout y = Axis_Layout_Y(request);
+    EXPECT_GE(x.labels.size(), 6U);
+    EXPECT_GE(y.labels.size(), 6U);
+    EXPECT_EQ(x.labels[0].text, "GLI");
+    EXPECT_FALSE(x.labels[0].upwards);
+    EXPECT_EQ(y.labels[0].text, "GLI");
+    EXPECT_TRUE(y.labels[0].upwards);
+    EXPECT_EQ(x.tick_at.size(), x.labels.size() - 1);
+    EXPECT_EQ(y.tick_at.size(), y.labels.size() - 1);
+}
+
+TEST(AxisLayout, TicksStandAtTheirValues) {
+    Axis_Request request = Request(600, 400, 0, 100, "");
+    request.area = {60, 20, 560, 320};
+    const Axis_Layout x = Axis_Layout_X(request);
+    const double pixels_per_tick = 500.0 / static_cast<double>(x.tick_at.size() - 1);
+    for (std::size_t i = 0; i < x.tick_at.size(); i++) {
+        EXPECT_NEAR(x.tick_at[i], 60 + pixels_per_tick * static_cast<double>(i), 1.0);
+    }
+    const Axis_Layout y = Axis_Layout_Y(request);
+    EXPECT_NEAR(y.tick_at.front(), 319, 1);  // the lowest value stands at the bottom
+    EXPECT_NEAR(y.tick_at.back(), 20, 1);
+}
+
+TEST(AxisLayout, WideNumbersAreShortenedRatherThanLost) {
+    const Axis_Request request = Request(300, 200, 0, 90000, "Pixels");
+    const Axis_Layout y = Axis_Layout_Y(request);
+    ASSERT_GE(y.labels.size(), 2U);
+    EXPECT_EQ(y.labels.back().text.back(), 'k');
+}
+
+TEST(AxisLayout, NumbersAreCentredUnderTheirTicks) {
+    const Axis_Request request = Request(600, 400, 0, 100, "");
+    const Axis_Layout x = Axis_Layout_X(request);
+    for (std::size_t i = 1; i + 1 < x.labels.size(); i++) {
+        EXPECT_LE(std::abs((x.labels[i].rect.left + x.labels[i].rect.right) / 2 - x.tick_at[i]), 1);
+    }
+}

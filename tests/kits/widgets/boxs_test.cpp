@@ -1,0 +1,159 @@
+#include <gtest/gtest.h>
+
+#include "kits/dataset/dataset_host.h"
+#include "kits/widgets/theme.h"
+#include "tests/kits/widgets/test_window.h"
+
+namespace {
+
+constexpr int window_width = 90;
+constexpr int window_height = 70;
+
+Boxs Framed_Box(HWND window) {
+    Boxs box;
+    box.style = STYLE_FRAMED_BOX;
+    box.x = 12;
+    box.y = 9;
+    box.width = 40;
+    box.height = 30;
+    box.border = 2;
+    box.Set_Color(60, 62, 70);
+    box.Init(window);
+    return box;
+}
+
+/** The box's device rectangle in a window of the axis. */
+Rect Device(const Boxs& box, Window_Axis axis) {
+    return {box.x, axis == Window_Axis::Up ? window_height - box.y - box.height : box.y, box.width, box.height};
+}
+
+class Boxs_Test : public testing::TestWithParam<Window_Axis> {
+  protected:
+    Test_Window window{window_width, window_height, GetParam()};
+};
+
+}  // namespace
+
+TEST_P(Boxs_Test, DrawPaintsBorderAndInsideAndNothingElse) {
+    Boxs box = Framed_Box(window.Get());
+    box.Draw();
+    const Window_Picture picture = window.Read();
+    const Rect outer = Device(box, GetParam());
+    const std::uint32_t line = picture.At(outer.left, outer.top);
+    EXPECT_NE(line, Rgb_Of(box.color));
+    for (int y = 0; y < window_height; y++) {
+        for (int x = 0; x < window_width; x++) {
+            const std::uint32_t expected = outer.Inner(2).Contains({x, y}) ? Rgb_Of(box.color)
+                                           : outer.Contains({x, y})        ? line
+                                                                           : Test_Window::marker;
+            ASSERT_EQ(picture.At(x, y), expected) << x << "," << y;
+        }
+    }
+}
+
+TEST_P(Boxs_Test, DrawTwiceShowsTheSame) {
+    Boxs box = Framed_Box(window.Get());
+    box.Set_Name("Title");
+    box.Draw();
+    const Window_Picture once = window.Read();
+    box.Draw();
+    EXPECT_EQ(window.Read(), once);
+    box.Adjust();
+    EXPECT_EQ(window.Read(), once);
+}
+
+TEST_P(Boxs_Test, TitleBandStandsAtTheVisualTop) {
+    Variable_Define_Scalar("$INTERFACE_TITLE_DIM_SML", VARIABLE_SIGNED_16, 11);
+    Boxs box = Framed_Box(window.Get());
+    box.Set_Name(" ");  // a title without ink, so that the band alone is seen
+    box.Draw();
+    Variable_Undefine("$INTERFACE_TITLE_DIM_SML");
+    const Window_Picture picture = window.Read();
+    const Rect inner = Device(box, GetParam()).Inner(2);
+    for (int y = inner.top; y < inner.Bottom(); y++) {
+        EXPECT_EQ(picture.At(inner.left + 1, y) != Rgb_Of(box.color), y < inner.top + 11) << y;
+    }
+}
+
+TEST_P(Boxs_Test, UnfilledBoxLeavesItsInsideAlone) {
+    Boxs box = Framed_Box(window.Get());
+    box.style = 0x2;
+    box.Draw();
+    const Window_Picture picture = window.Read();
+    const Rect outer = Device(box, GetParam());
+    EXPECT_EQ(picture.At(outer.left + 5, outer.top + 5), Test_Window::marker);
+    EXPECT_NE(picture.At(outer.left, outer.top + 5), Test_Window::marker);
+}
+
+TEST_P(Boxs_Test, SelectHitsExactlyThePaintedPixels) {
+    Boxs box = Framed_Box(window.Get());
+    box.Draw();
+    const Window_Picture picture = window.Read();
+    for (int y = 0; y < window_height; y++) {
+        for (int x = 0; x < window_width; x++) {
+            window.Point_At(x, y);
+            ASSERT_EQ(box.Select(MOUSE_ASK) != 0, picture.At(x, y) != Test_Window::marker) << x << "," << y;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(BothAxes, Boxs_Test, testing::Values(Window_Axis::Up, Window_Axis::Down),
+                         [](const auto& axis) { return axis.param == Window_Axis::Up ? "Up" : "Down"; });
+
+TEST(Boxs, LooksTheSameInBothAxes) {
+    const Test_Window up(window_width, window_height, Window_Axis::Up);
+    const Test_Window down(window_width, window_height, Window_Axis::Down);
+    Boxs box = Framed_Box(up.Get());
+    box.Set_Name("Title");
+    box.Draw();
+    box.Init(down.Get());
+    box.y = static_cast<short>(window_height - box.y - box.height);
+    box.Draw();
+    EXPECT_EQ(up.Read(), down.Read());
+}
+
+TEST(Boxs, WithoutAreaOrWindowNothingIsDrawnOrHit) {
+    const Test_Window window(window_width, window_height, Window_Axis::Up);
+    Widget_Counters_Reset();
+    Boxs box = Framed_Box(window.Get());
+    box.width = 0;
+    box.Draw();
+    box.width = -5;
+    box.Draw();
+    box.Clear();
+    EXPECT_EQ(box.Select(MOUSE_ASK), 0);
+    Boxs nowhere = Framed_Box(nullptr);
+    nowhere.Draw();
+    EXPECT_EQ(nowhere.Select(MOUSE_ASK), 0);
+    EXPECT_EQ(Widget_Counters_Get().draws, 0U);
+    EXPECT_EQ(Widget_Counters_Get().clears, 0U);
+    for (const std::uint32_t pixel : window.Read().pixels) {
+        ASSERT_EQ(pixel, Test_Window::marker);
+    }
+}
+
+TEST(Boxs, HiddenBoxIsNotDrawnGreyedOneIs) {
+    const Test_Window window(window_width, window_height, Window_Axis::Up);
+    Boxs box = Framed_Box(window.Get());
+    Widget_Counters_Reset();
+    box.style |= STYLE_EDITED;
+    box.Draw();
+    EXPECT_EQ(Widget_Counters_Get().draws, 0U);
+    box.style |= STYLE_GREYED;
+    box.Draw();
+    EXPECT_EQ(Widget_Counters_Get().draws, 1U);
+}
+
+TEST(Boxs, ReachingBeyondTheWindowIsCut) {
+    const Test_Window window(window_width, window_height, Window_Axis::Up);
+    Boxs box = Framed_Box(window.Get());
+    box.x = -20;
+    box.y = 50;
+    box.width = 32000;
+    box.height = 60;
+    box.Draw();
+    const Window_Picture picture = window.Read();
+    EXPECT_EQ(picture.At(0, 0), Rgb_Of(box.color));
+    EXPECT_EQ(picture.At(window_width - 1, 0), Rgb_Of(box.color));
+    EXPECT_EQ(picture.At(0, 20), Test_Window::marker);
+}

@@ -1,0 +1,429 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "host/kit_widgets.h"
+#include "kits/widgets/theme.h"
+#include "tests/kits/widgets/test_window.h"
+
+namespace {
+
+constexpr int window_width = 100;
+constexpr int window_height = 60;
+constexpr int release = MOUSE_LEFT;  // a release with another button still held
+constexpr int press = MOUSE_PRESS | MOUSE_LEFT;
+
+Buttons Grid_Button(HWND window) {
+    Buttons button;
+    button.style = STYLE_GRID_BUTTON;
+    button.x = 11;
+    button.y = 8;
+    button.width = 60;
+    button.height = 24;
+    button.border = 1;
+    button.Set_Color(180, 60, 60);
+    button.Init(window);
+    return button;
+}
+
+Rect Device(const Buttons& button) {
+    return {button.x, window_height - button.y - button.height, button.width, button.height};
+}
+
+class Buttons_Test : public testing::Test {
+  protected:
+    Test_Window window{window_width, window_height, Window_Axis::Up};
+    Buttons button = Grid_Button(window.Get());
+
+    void Point_Inside() const { window.Point_At_Logical(button.x + 5, button.y + 5); }
+    void Point_Outside() const { window.Point_At_Logical(button.x - 1, button.y + 5); }
+    static unsigned int Draws() { return Widget_Counters_Get().draws; }
+    void SetUp() override {
+        button.Draw();
+        Widget_Counters_Reset();
+    }
+};
+
+}  // namespace
+
+// ------------------------------------------------------------------------------------------------------------- images
+
+TEST(ButtonImages, BackgroundsAreFourDistinctColoursAndNeverBlack) {
+    for (int red = 0; red <= 255; red += 15) {
+        for (int green = 0; green <= 255; green += 15) {
+            for (int blue = 0; blue <= 255; blue += 15) {
+                Buttons button;
+                button.width = 2;
+                button.height = 1;
+                button.Set_Color(static_cast<unsigned char>(red), static_cast<unsigned char>(green),
+                                 static_cast<unsigned char>(blue));
+                button.Init(nullptr);
+                std::set<unsigned int> colors;
+                for (const unsigned int* image : button.image) {
+                    ASSERT_NE(image, nullptr);
+                    EXPECT_EQ(image[0], image[1]);
+                    EXPECT_LE(image[0], 0xFFFFFFU);
+                    colors.insert(image[0]);
+                }
+                EXPECT_EQ(colors.size(), 4U) << red << " " << green << " " << blue;
+                EXPECT_FALSE(colors.contains(0U)) << red << " " << green << " " << blue;
+            }
+        }
+    }
+}
+
+TEST(ButtonImages, InitRefillsWithoutANewAllocationWhileTheSizeStays) {
+    Buttons button = Grid_Button(nullptr);
+    unsigned int* const before = button.image[0];
+    const unsigned int plain = before[0];
+    std::fill_n(before, 60 * 24, 0U);
+    button.Init(nullptr);
+    EXPECT_EQ(button.image[0], before);
+    EXPECT_EQ(before[60 * 24 - 1], plain);
+    button.Set_Color(1, 2, 200);
+    button.Init(nullptr);
+    EXPECT_EQ(button.image[0], before);
+    EXPECT_EQ(before[0], 0x0102C8U);
+}
+
+TEST(ButtonImages, InitMakesRoomForANewSize) {
+    Buttons button = Grid_Button(nullptr);
+    button.width = 200;
+    button.height = 3;
+    button.Init(nullptr);
+    for (unsigned int* image : button.image) {
+        image[200 * 3 - 1] = 5;  // the sanitizer watches
+    }
+    button.height = 0;
+    button.Init(nullptr);
+    for (const unsigned int* image : button.image) {
+        EXPECT_EQ(image, nullptr);
+    }
+    button.height = -4;
+    EXPECT_EQ(button.Init(nullptr), 1);
+    EXPECT_EQ(button.image[0], nullptr);
+}
+
+TEST(ButtonImages, HugeButtonsHaveNoneAndAreStillUsable) {
+    const Test_Window window(window_width, window_height, Window_Axis::Down);
+    Buttons button = Grid_Button(nullptr);
+    button.width = 32767;
+    button.height = 32767;
+    EXPECT_EQ(button.Init(nullptr), 1);
+    EXPECT_EQ(button.image[0], nullptr);
+    button.Deselect();
+    EXPECT_EQ(button.Select(0), 0);
+}
+
+TEST(ButtonImages, CopiesOwnTheirImages) {
+    Buttons original = Grid_Button(nullptr);
+    original.image[2][7] = 0xABCDEF;
+    Buttons copy(original);
+    EXPECT_NE(copy.image[0], original.image[0]);
+    EXPECT_EQ(copy.image[2][7], 0xABCDEFU);
+    Buttons assigned;
+    assigned = original;
+    EXPECT_EQ(assigned.image[2][7], 0xABCDEFU);
+    original.image[2][7] = 1;
+    EXPECT_EQ(copy.image[2][7], 0xABCDEFU);
+    const Buttons& self = copy;
+    copy = self;
+    EXPECT_EQ(copy.image[2][7], 0xABCDEFU);
+    assigned = Buttons();
+    EXPECT_EQ(assigned.image[0], nullptr);
+}
+
+TEST(ButtonLayout, StateFollowsTheCheckedMarkDirectly) {
+    const Buttons button;
+    EXPECT_EQ(reinterpret_cast<const char*>(&button.state) - reinterpret_cast<const char*>(&button.checked), 2);
+}
+
+// ------------------------------------------------------------------------------------------------------------ caption
+
+TEST(ButtonCaption, IsCutAt39Characters) {
+    Buttons button;
+    button.Set_Name("%s", std::string(50, 'x').c_str());
+    EXPECT_EQ(std::string(button.name), std::string(39, 'x'));
+    button.Set_Name("%s", std::string(39, 'y').c_str());
+    EXPECT_EQ(std::string(button.name), std::string(39, 'y'));
+}
+
+TEST(ButtonCaption, CutNeverSplitsACharacter) {
+    Buttons button;
+    button.Set_Name("%s\xC3\xA9", std::string(38, 'x').c_str());
+    EXPECT_EQ(std::string(button.name), std::string(38, 'x'));
+    button.Set_Name("%s\xC3\xA9", std::string(37, 'x').c_str());
+    EXPECT_EQ(std::string(button.name), std::string(37, 'x') + "\xC3\xA9");
+}
+
+TEST(ButtonCaption, StaysCutInCopies) {
+    Buttons original;
+    Buttons copy(original);
+    copy.Set_Name("%s", std::string(60, 'x').c_str());
+    EXPECT_EQ(std::string(copy.name).size(), 39U);
+}
+
+// ------------------------------------------------------------------------------------------------------------ drawing
+
+TEST_F(Buttons_Test, PaintsItsRectangleAndNothingElse) {
+    const Window_Picture picture = window.Read();
+    const Rect outer = Device(button);
+    for (int y = 0; y < window_height; y++) {
+        for (int x = 0; x < window_width; x++) {
+            if (outer.Inner(1).Contains({x, y})) {
+                ASSERT_EQ(picture.At(x, y), button.image[0][0]);
+            } else if (outer.Contains({x, y})) {
+                ASSERT_NE(picture.At(x, y), button.image[0][0]);
+                ASSERT_NE(picture.At(x, y), Test_Window::marker);
+            } else {
+                ASSERT_EQ(picture.At(x, y), Test_Window::marker);
+            }
+        }
+    }
+}
+
+TEST_F(Buttons_Test, ShowsTheImageOfItsStateRowByRow) {
+    for (unsigned short state = 0; state < 3; state++) {
+        for (int y = 0; y < button.height; y++) {
+            for (int x = 0; x < button.width; x++) {
+                button.image[state][y * button.width + x] = static_cast<unsigned int>((state << 16) + (y << 8) + x);
+            }
+        }
+        button.state = state;
+        button.Draw();
+        const Window_Picture picture = window.Read();
+        const Rect outer = Device(button);
+        for (int y = 1; y < button.height - 1; y++) {
+            for (int x = 1; x < button.width - 1; x++) {
+                ASSERT_EQ(picture.At(outer.left + x, outer.top + y),
+                          static_cast<unsigned int>((state << 16) + (y << 8) + x));
+            }
+        }
+    }
+}
+
+TEST_F(Buttons_Test, CurrentMarkIsATwoPixelFrameInsideTheBorderFromTheFourthImage) {
+    button.current = 1;
+    button.Draw();
+    const Window_Picture picture = window.Read();
+    const Rect mark = Device(button).Inner(1);
+    for (int y = mark.top; y < mark.Bottom(); y++) {
+        for (int x = mark.left; x < mark.Right(); x++) {
+            const bool inside = mark.Inner(2).Contains({x, y});
+            ASSERT_EQ(picture.At(x, y), inside ? button.image[0][0] : button.image[3][0]);
+        }
+    }
+    const int contrast = Brightness(button.image[0][0]) - Brightness(button.image[3][0]);
+    EXPECT_GT(std::abs(contrast), 80);
+}
+
+TEST_F(Buttons_Test, CheckMarkStandsInTheLeftQuarterOnlyWithItsStyle) {
+    const Window_Picture plain = window.Read();
+    button.checked = 1;
+    button.Draw();
+    EXPECT_EQ(window.Read(), plain);
+    button.style |= STYLE_SHOW_CHECK;
+    button.Draw();
+    const Window_Picture shown = window.Read();
+    EXPECT_NE(shown, plain);
+    const Rect outer = Device(button);
+    for (int y = 0; y < window_height; y++) {
+        for (int x = 0; x < window_width; x++) {
+            if (shown.At(x, y) != plain.At(x, y)) {
+                ASSERT_TRUE((Rect{outer.left, outer.top, button.width / 4 + 3, outer.height}.Contains({x, y})));
+            }
+        }
+    }
+}
+
+TEST_F(Buttons_Test, AdjustLeavesThePictureThatDrawWouldPaint) {
+    button.style |= STYLE_SHOW_CHECK;
+    button.Set_Name("Liver");
+    for (const unsigned int style : {STYLE_GRID_BUTTON, STYLE_GRID_BUTTON | STYLE_INACTIVE}) {
+        button.style = style | STYLE_SHOW_CHECK;
+        for (unsigned short from = 0; from < 4; from++) {
+            for (unsigned short to = 0; to < 4; to++) {
+                button.current = from & 1U;
+                button.checked = from >> 1U;
+                button.Draw();
+                button.current = to & 1U;
+                button.checked = to >> 1U;
+                button.Adjust();
+                const Window_Picture adjusted = window.Read();
+                button.Draw();
+                ASSERT_EQ(window.Read(), adjusted) << from << " to " << to;
+            }
+        }
+    }
+}
+
+TEST_F(Buttons_Test, DrawTwiceShowsTheSame) {
+    button.Set_Name("Kidney");
+    button.current = 1;
+    button.Draw();
+    const Window_Picture once = window.Read();
+    button.Draw();
+    EXPECT_EQ(window.Read(), once);
+}
+
+TEST_F(Buttons_Test, LooksTheSameInBothAxes) {
+    button.Set_Name("Kidney");
+    button.current = button.checked = 1;
+    button.style |= STYLE_SHOW_CHECK;
+    button.Draw();
+    const Test_Window down(window_width, window_height, Window_Axis::Down);
+    button.y = static_cast<short>(window_height - button.y - button.height);
+    button.Init(down.Get());
+    button.Draw();
+    EXPECT_EQ(window.Read(), down.Read());
+}
+
+TEST_F(Buttons_Test, EveryLookIsDifferent) {
+    button.style |= STYLE_SHOW_CHECK;
+    std::vector<Window_Picture> looks;
+    for (const unsigned int extra : {0U, STYLE_INACTIVE}) {
+        for (unsigned short current = 0; current < 2; current++) {
+            for (unsigned short checked = 0; checked < 2; checked++) {
+                for (unsigned short state = 0; state < (extra == 0 ? 3 : 1); state++) {
+                    button.style = STYLE_GRID_BUTTON | STYLE_SHOW_CHECK | extra;
+                    button.current = current;
+                    button.checked = checked;
+                    button.state = state;
+                    button.Draw();
+                    looks.push_back(window.Read());
+                }
+            }
+        }
+    }
+    for (std::size_t i = 0; i < looks.size(); i++) {
+        EXPECT_EQ(std::count(looks.begin(), looks.end(), looks[i]), 1) << i;
+    }
+}
+
+TEST_F(Buttons_Test, InactiveFaceIsHalfMixedWithThePanel) {
+    button.style |= STYLE_INACTIVE;
+    button.Draw();
+    const Rect outer = Device(button);
+    const Rgb expected = Mix(button.image[0][0], Theme_Now().panel, 50);
+    const Rgb seen = window.Read().At(outer.left + 30, outer.top + 12);
+    for (const unsigned int shift : {0U, 8U, 16U}) {
+        EXPECT_NEAR(static_cast<int>((seen >> shift) & 0xFFU), static_cast<int>((expected >> shift) & 0xFFU), 1);
+    }
+}
+
+TEST_F(Buttons_Test, EditedButtonIsNotDrawn) {
+    button.style |= STYLE_EDITED;
+    window.Wipe();
+    button.Draw();
+    button.Adjust();
+    button.Deselect();
+    EXPECT_EQ(Draws(), 0U);
+    EXPECT_EQ(Widget_Counters_Get().adjusts, 0U);
+    for (const std::uint32_t pixel : window.Read().pixels) {
+        ASSERT_EQ(pixel, Test_Window::marker);
+    }
+}
+
+TEST_F(Buttons_Test, SmallestButtonsDrawWithoutHarm) {
+    for (short width = 1; width < 12; width++) {
+        for (short height = 1; height < 12; height++) {
+            button.width = width;
+            button.height = height;
+            button.border = 3;
+            button.style |= STYLE_SHOW_CHECK;
+            button.current = button.checked = 1;
+            button.Set_Name("name");
+            button.Init(nullptr);
+            button.Draw();
+            button.Adjust();
+        }
+    }
+    EXPECT_EQ(Draws(), 121U);
+}
+
+// ------------------------------------------------------------------------------------------------------------- events
+
+TEST_F(Buttons_Test, HitTestCoversExactlyThePaintedPixels) {
+    const Window_Picture picture = window.Read();
+    for (int y = 0; y < window_height; y++) {
+        for (int x = 0; x < window_width; x++) {
+            window.Point_At(x, y);
+            ASSERT_EQ(button.Select(MOUSE_ASK) != 0, picture.At(x, y) != Test_Window::marker) << x << "," << y;
+        }
+    }
+    EXPECT_EQ(Draws(), 0U);
+    EXPECT_EQ(button.state, 0);
+}
+
+TEST_F(Buttons_Test, HoverAndPressAndLeaveDrawOnceEach) {
+    Point_Inside();
+    EXPECT_NE(button.Select(0), 0);
+    EXPECT_EQ(button.state, 1);
+    EXPECT_EQ(Draws(), 1U);
+    EXPECT_NE(button.Select(0), 0);
+    EXPECT_EQ(Draws(), 1U);
+    EXPECT_NE(button.Select(press), 0);
+    EXPECT_EQ(button.state, 2);
+    EXPECT_EQ(Draws(), 2U);
+    EXPECT_NE(button.Select(release), 0);
+    EXPECT_EQ(button.state, 1);
+    EXPECT_EQ(Draws(), 3U);
+    Point_Outside();
+    EXPECT_EQ(button.Select(0), 0);
+    EXPECT_EQ(button.state, 0);
+    EXPECT_EQ(Draws(), 4U);
+    button.Deselect();
+    EXPECT_EQ(Draws(), 4U);
+}
+
+TEST_F(Buttons_Test, DeselectDrawsOnlyWhenTheLookChanges) {
+    Point_Inside();
+    button.Select(press);
+    button.Deselect();
+    EXPECT_EQ(button.state, 0);
+    EXPECT_EQ(Draws(), 2U);
+    button.Deselect();
+    EXPECT_EQ(Draws(), 2U);
+}
+
+TEST_F(Buttons_Test, SelectOfZeroRefreshesWhatAPanelPaintedIntoTheImages) {
+    button.image[0][button.width * 5 + 20] = 0x00FF00;
+    Point_Outside();
+    EXPECT_EQ(button.Select(0), 0);
+    EXPECT_EQ(Draws(), 1U);
+    const Rect outer = Device(button);
+    EXPECT_EQ(window.Read().At(outer.left + 20, outer.top + 5), 0x00FF00U);
+    EXPECT_EQ(button.Select(0), 0);
+    EXPECT_EQ(Draws(), 1U);
+}
+
+TEST_F(Buttons_Test, SelectOfZeroRefreshesAStateThatAPanelReset) {
+    Point_Inside();
+    button.Select(press);
+    button.state = 0;
+    EXPECT_NE(button.Select(0), 0);
+    EXPECT_EQ(button.state, 0);
+    EXPECT_EQ(Draws(), 2U);
+    EXPECT_EQ(window.Read().At(Device(button).left + 20, Device(button).top + 5), button.image[0][0]);
+}
+
+TEST_F(Buttons_Test, InactiveOrEditedButtonsAreNeverHit) {
+    Point_Inside();
+    for (const unsigned int bits : {STYLE_INACTIVE, STYLE_EDITED}) {
+        button.style = STYLE_GRID_BUTTON | bits;
+        for (const int code : {0, MOUSE_ASK, press, release, 66}) {
+            EXPECT_EQ(button.Select(code), 0);
+        }
+    }
+    EXPECT_EQ(Draws(), 0U);
+    EXPECT_EQ(button.state, 0);
+}
+
+TEST_F(Buttons_Test, FrameBitAloneDoesNotDisable) {
+    button.style = STYLE_FRAMED_BOX;
+    Point_Inside();
+    EXPECT_NE(button.Select(press), 0);
+}

@@ -1,0 +1,43 @@
+#include <gtest/gtest.h>
+
+#include "host/kit_widgets.h"
+
+namespace {
+constexpr unsigned int key_down = 0x100;
+constexpr unsigned int key_up = 0x101;
+constexpr unsigned int character = 0x102;
+constexpr unsigned int system_key_down = 0x104;
+}  // namespace
+
+TEST(ParseKeyboard, CharactersComeFromCharacterMessages) {
+    EXPECT_EQ(Parse_Keyboard(nullptr, character, 'a', 0), 'a');
+    EXPECT_EQ(Parse_Keyboard(nullptr, character, 27, 0), KEY_ESCAPE);
+    EXPECT_EQ(Parse_Keyboard(nullptr, character, 13, 0), KEY_ENTER);
+    EXPECT_EQ(Parse_Keyboard(nullptr, character, 0xE9, 0), 0xE9);
+    EXPECT_EQ(Parse_Keyboard(nullptr, character, 0x7F, 0), KEY_BACKSPACE);
+    EXPECT_EQ(Parse_Keyboard(nullptr, character, 0x821, 0), 0);  // would be taken for Page Up
+}
+
+TEST(ParseKeyboard, KeysWithoutACharacterComeFromKeyDown) {
+    EXPECT_EQ(Parse_Keyboard(nullptr, key_down, 0x21, 0), KEY_PAGE_UP);
+    EXPECT_EQ(Parse_Keyboard(nullptr, key_down, 0x28, 0), KEY_DOWN);
+    EXPECT_EQ(Parse_Keyboard(nullptr, key_down, 0x2D, 0), KEY_INSERT);
+    EXPECT_EQ(Parse_Keyboard(nullptr, key_down, 0x2E, 0), KEY_DELETE);
+    EXPECT_EQ(Parse_Keyboard(nullptr, system_key_down, 0x79, 0), KEY_SPECIAL + 0x79);
+}
+
+TEST(ParseKeyboard, NoKeyIsReportedTwiceAndReleasesAreNothing) {
+    EXPECT_EQ(Parse_Keyboard(nullptr, key_down, 'A', 0), 0);
+    EXPECT_EQ(Parse_Keyboard(nullptr, key_down, 13, 0), 0);
+    EXPECT_EQ(Parse_Keyboard(nullptr, key_down, 0x10, 0), 0);  // Shift alone
+    EXPECT_EQ(Parse_Keyboard(nullptr, key_up, 0x21, 0), 0);
+    EXPECT_EQ(Parse_Keyboard(nullptr, 0x200, 0x21, 0), 0);  // a mouse message
+}
+
+TEST(ParseDialog, TranslatesTheKeyItself) {
+    EXPECT_EQ(Parse_Dialog(nullptr, key_down, 0x2E, 0), KEY_DELETE);
+    EXPECT_EQ(Parse_Dialog(nullptr, key_down, '5', 0x60001), '5');
+    EXPECT_EQ(Parse_Dialog(nullptr, character, 'a', 0), 0);
+    EXPECT_EQ(Parse_Dialog(nullptr, key_up, '5', 0), 0);
+    EXPECT_EQ(Parse_Dialog(nullptr, key_down, 0x10, 0), 0);
+}

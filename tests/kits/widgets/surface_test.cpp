@@ -1,0 +1,157 @@
+#include "kits/widgets/surface.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr Rgb ground = 0x101010;
+constexpr Rgb ink = 0x00FF00;
+
+/** A picture of 20 x 12 inside a larger memory, so that writing beside it is seen. */
+class Surface_Test : public testing::Test {
+  protected:
+    static constexpr int width = 20;
+    static constexpr int height = 12;
+    static constexpr int stride = 24;
+    std::vector<std::uint32_t> memory = std::vector<std::uint32_t>(stride * (height + 4), ground);
+    Surface picture{memory.data() + 2 * stride + 2, width, height, stride, nullptr};
+
+    int Ink_Inside() const {
+        int nb = 0;
+        for (int y = 0; y < height; y++) {
+            for (int x = 0; x < width; x++) {
+                nb += picture.Pixel(x, y) == ink ? 1 : 0;
+            }
+        }
+        return nb;
+    }
+    int Ink_All() const { return static_cast<int>(std::count(memory.begin(), memory.end(), ink)); }
+};
+
+}  // namespace
+
+TEST_F(Surface_Test, FillIsCutAtThePicture) {
+    picture.Fill({-5, -5, 100, 100}, ink);
+    EXPECT_EQ(Ink_Inside(), width * height);
+    EXPECT_EQ(Ink_All(), width * height);
+}
+
+TEST_F(Surface_Test, FillIsCutAtTheClipRectangleUntilItIsRestored) {
+    const Rect before = picture.Clip_Set({3, 4, 5, 2});
+    picture.Fill(picture.Area(), ink);
+    EXPECT_EQ(Ink_All(), 10);
+    EXPECT_EQ(picture.Pixel(3, 4), ink);
+    EXPECT_EQ(picture.Pixel(7, 5), ink);
+    picture.Clip_Set(before);
+    picture.Fill(picture.Area(), ink);
+    EXPECT_EQ(Ink_All(), width * height);
+}
+
+TEST_F(Surface_Test, FrameCoversExactlyItsBorder) {
+    picture.Frame({2, 3, 10, 6}, 2, ink);
+    for (int y = 0; y < height; y++) {
+        for (int x = 0; x < width; x++) {
+            const bool in_outer = Rect{2, 3, 10, 6}.Contains({x, y});
+            const bool in_inner = Rect{4, 5, 6, 2}.Contains({x, y});
+            EXPECT_EQ(picture.Pixel(x, y) == ink, in_outer && !in_inner) << x << "," << y;
+        }
+    }
+}
+
+TEST_F(Surface_Test, FrameThickerThanItsRectangleFillsIt) {
+    picture.Frame({2, 3, 3, 5}, 9, ink);
+    EXPECT_EQ(Ink_All(), 15);
+}
+
+TEST_F(Surface_Test, LineIncludesBothEnds) {
+    picture.Line({2, 2}, {9, 5}, ink);
+    EXPECT_EQ(picture.Pixel(2, 2), ink);
+    EXPECT_EQ(picture.Pixel(9, 5), ink);
+    EXPECT_EQ(Ink_All(), 8);
+    picture.Line({-50, 30}, {70, -20}, ink);  // from outside to outside
+    EXPECT_EQ(Ink_All(), Ink_Inside());
+}
+
+TEST_F(Surface_Test, PolygonOfARectangleFillsThatRectangle) {
+    const std::array<Point, 4> corners = {{{2, 3}, {8, 3}, {8, 7}, {2, 7}}};
+    picture.Polygon(corners, ink);
+    EXPECT_EQ(Ink_All(), 24);
+    EXPECT_EQ(picture.Pixel(2, 3), ink);
+    EXPECT_EQ(picture.Pixel(7, 6), ink);
+    EXPECT_NE(picture.Pixel(8, 7), ink);
+}
+
+TEST_F(Surface_Test, InvertTwiceRestores) {
+    const std::vector<std::uint32_t> before = memory;
+    picture.Invert({1, 1, 30, 4});
+    EXPECT_NE(memory, before);
+    picture.Invert({1, 1, 30, 4});
+    EXPECT_EQ(memory, before);
+}
+
+TEST_F(Surface_Test, BlitCutsTheSourceWithTheTarget) {
+    std::vector<std::uint32_t> source(6 * 4);
+    for (std::size_t i = 0; i < source.size(); i++) {
+        source[i] = static_cast<std::uint32_t>(i + 1);
+    }
+    picture.Blit({-2, -1, 6, 4}, source.data(), 6);
+    EXPECT_EQ(picture.Pixel(0, 0), 9U);  // row 1, column 2
+    EXPECT_EQ(picture.Pixel(3, 2), 24U);
+    EXPECT_EQ(picture.Pixel(4, 0), ground);
+    EXPECT_EQ(memory[static_cast<std::size_t>(2 * stride + 1)], ground);
+}
+
+TEST_F(Surface_Test, AlphaMixesByOpacity) {
+    const std::array<std::uint32_t, 3> source = {0x00FFFFFFU, 0xFF00FF00U, 0x80FFFFFFU};
+    picture.Blit_Alpha({0, 0, 3, 1}, source.data(), 3);
+    EXPECT_EQ(picture.Pixel(0, 0), ground);
+    EXPECT_EQ(picture.Pixel(1, 0), ink);
+    EXPECT_NEAR(static_cast<int>(picture.Pixel(2, 0) & 0xFFU), (0x10 + 0xFF) / 2, 2);
+}
+
+TEST_F(Surface_Test, TintOf100PercentIsTheColour) {
+    picture.Tint({0, 0, 2, 2}, ink, 100);
+    EXPECT_EQ(Ink_All(), 4);
+    picture.Tint({0, 0, 2, 2}, 0xFFFFFF, 0);
+    EXPECT_EQ(Ink_All(), 4);
+}
+
+TEST(RectTest, CommonAndAround) {
+    EXPECT_EQ(Rect_Common({0, 0, 10, 10}, {5, 6, 10, 10}), (Rect{5, 6, 5, 4}));
+    EXPECT_TRUE(Rect_Common({0, 0, 5, 5}, {5, 0, 5, 5}).Empty());
+    EXPECT_EQ(Rect_Around({0, 0, 2, 2}, {5, 6, 1, 1}), (Rect{0, 0, 6, 7}));
+    EXPECT_EQ(Rect_Around({}, {5, 6, 1, 1}), (Rect{5, 6, 1, 1}));
+}
+
+TEST(TextTest, CharactersOfUtf8AndOfOtherBytes) {
+    const std::string text = "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80z";
+    EXPECT_EQ(Character_Length(text, 0), 1U);
+    EXPECT_EQ(Character_Length(text, 1), 2U);
+    EXPECT_EQ(Character_Length(text, 3), 3U);
+    EXPECT_EQ(Character_Length(text, 6), 4U);
+    EXPECT_EQ(Character_Length(text, text.size()), 0U);
+    EXPECT_EQ(Character_Length("\xE9t\xE9", 0), 1U);  // not UTF-8
+    EXPECT_EQ(Character_Length("\xE2\x82", 0), 1U);   // cut short
+    EXPECT_EQ(Character_Before(text, 10), 6U);
+    EXPECT_EQ(Character_Before(text, 6), 3U);
+    EXPECT_EQ(Character_Before(text, 3), 1U);
+    EXPECT_EQ(Character_Before(text, 1), 0U);
+    EXPECT_EQ(Character_Before(text, 0), 0U);
+}
+
+TEST(TextTest, FitKeepsWholeCharactersWithinTheRoom) {
+    const Font_Choice font;
+    const std::string text = "\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9";
+    for (int room = 0; room < Text_Width(text, font) + 3; room++) {
+        const std::size_t kept = Text_Fit(text, font, room);
+        EXPECT_EQ(kept % 2, 0U);
+        EXPECT_LE(Text_Width(text.substr(0, kept), font), room);
+        if (kept < text.size()) {
+            EXPECT_GT(Text_Width(text.substr(0, kept + 2), font), room);
+        }
+    }
+}

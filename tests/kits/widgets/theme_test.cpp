@@ -1,0 +1,74 @@
+#include "kits/widgets/theme.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <limits>
+
+#include "kits/widgets/widgets_host.h"
+
+namespace {
+
+/** How far apart two colours are in brightness. */
+int Apart(Rgb a, Rgb b) {
+    return std::abs(Brightness(a) - Brightness(b));
+}
+
+void Expect_Readable(const Theme& theme) {
+    EXPECT_GE(Apart(theme.text, theme.panel), 110);
+    EXPECT_GE(Apart(theme.text, theme.face), 90);
+    EXPECT_GE(Apart(theme.field_text, theme.field), 130);
+    EXPECT_GE(Apart(theme.accent_text, theme.accent), 90);
+    EXPECT_GE(Apart(theme.text_grey, theme.panel), 60);
+    EXPECT_GE(Apart(theme.face, theme.face_hover), 14);
+    EXPECT_GE(Apart(theme.face_hover, theme.face_pressed), 14);
+    EXPECT_GE(Apart(theme.face, theme.field), 30);
+    EXPECT_GE(Apart(theme.line_strong, theme.panel), 70);
+}
+
+}  // namespace
+
+TEST(Theme, BothThemesAreReadable) {
+    Library_Theme_Set(Library_Theme::Light);
+    Expect_Readable(Theme_Now());
+    const Rgb light_panel = Theme_Now().panel;
+    Library_Theme_Set(Library_Theme::Dark);
+    Expect_Readable(Theme_Now());
+    EXPECT_NE(Theme_Now().panel, light_panel);
+}
+
+TEST(Theme, ContrastIsReadableOnEveryColourAndNeverBlack) {
+    for (int red = 0; red <= 255; red += 17) {
+        for (int green = 0; green <= 255; green += 17) {
+            for (int blue = 0; blue <= 255; blue += 17) {
+                const Rgb ground = Rgb_Make(red, green, blue);
+                EXPECT_GE(Apart(Contrast_Color(ground), ground), 110);
+                EXPECT_NE(Contrast_Color(ground), 0U);
+            }
+        }
+    }
+}
+
+TEST(Theme, MixAndComponents) {
+    EXPECT_EQ(Rgb_Make(300, -5, 16), 0xFF0010U);
+    EXPECT_EQ(Rgb_Of(Colors{1, 2, 3, 99}), 0x010203U);
+    EXPECT_EQ(Mix(0x000000, 0xFFFFFF, 0), 0x000000U);
+    EXPECT_EQ(Mix(0x000000, 0xFFFFFF, 100), 0xFFFFFFU);
+    EXPECT_EQ(Mix(0x204060, 0x406080, 50), 0x305070U);
+}
+
+TEST(Theme, ScaleActsOnTheLibrarysOwnMeasures) {
+    const int height = Library_Font_Height();
+    Library_Scale_Set(2.0F);
+    EXPECT_EQ(BORDER, 2);
+    EXPECT_EQ(SPACE, 6);
+    EXPECT_EQ(Library_Font_Height(), 2 * height);
+    Library_Scale_Set(std::numeric_limits<float>::quiet_NaN());
+    EXPECT_GE(BORDER, 1);
+    Library_Scale_Set(0.0F);
+    EXPECT_GE(SPACE, 1);
+    Library_Scale_Set(1.0F);
+    EXPECT_EQ(BORDER, 1);
+    EXPECT_EQ(SPACE, 3);
+    EXPECT_EQ(Library_Font_Height(), height);
+}

@@ -1,0 +1,128 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "host/kit_widgets.h"
+#include "kits/widgets/theme.h"
+#include "tests/kits/widgets/test_window.h"
+
+TEST(Tools, SetNameFormatsAndCutsAtTheField) {
+    Tools tool;
+    tool.Set_Name("%s %d of %d", "Frame", 3, 12);
+    EXPECT_EQ(std::string(tool.name), "Frame 3 of 12");
+    tool.Set_Name("%s", std::string(500, 'x').c_str());
+    EXPECT_EQ(std::string(tool.name), std::string(TOOLS_NAME_SIZE - 1, 'x'));
+    tool.Set_Name("%s%s", std::string(TOOLS_NAME_SIZE - 2, 'x').c_str(), "\xE2\x82\xAC");
+    EXPECT_EQ(std::string(tool.name), std::string(TOOLS_NAME_SIZE - 2, 'x'));
+}
+
+TEST(Tools, SetNameMayReadTheCaptionThatItReplaces) {
+    Tools tool;
+    tool.Set_Name("abc");
+    tool.Set_Name("%s-%s", tool.name, tool.name);
+    EXPECT_EQ(std::string(tool.name), "abc-abc");
+}
+
+TEST(Tools, SetColorKeepsTheFourthComponent) {
+    Tools tool;
+    tool.color.fourth = 77;
+    tool.Set_Color(1, 2, 3);
+    EXPECT_EQ(tool.color.fourth, 77);
+    EXPECT_EQ(tool.color.get(), 0x030201UL);
+}
+
+TEST(Tools, ColorsUseTheLowByteOfEachComponent) {
+    const Colors color{0x1FF, 0x200, 0x1AB, 9};
+    EXPECT_EQ(color.get(), 0xAB00FFUL);
+}
+
+TEST(Tools, ClearFillsExactlyTheRectangle) {
+    const Test_Window window(60, 50, Window_Axis::Up);
+    Tools tool;
+    tool.x = 10;
+    tool.y = 5;
+    tool.width = 20;
+    tool.height = 8;
+    tool.window = window.Get();
+    tool.Set_Color(10, 20, 30);
+    Widget_Counters_Reset();
+    tool.Clear();
+    Window_Picture picture = window.Read();
+    const Rect device = {10, 37, 20, 8};
+    for (int y = 0; y < 50; y++) {
+        for (int x = 0; x < 60; x++) {
+            ASSERT_EQ(picture.At(x, y), device.Contains({x, y}) ? 0x0A141EU : Test_Window::marker);
+        }
+    }
+    tool.Clear(Colors{255, 0, 0, 0});
+    picture = window.Read();
+    EXPECT_EQ(picture.At(10, 37), 0xFF0000U);
+    EXPECT_EQ(Widget_Counters_Get().clears, 2U);
+}
+
+TEST(Tools, CadreDrawsLinesOnly) {
+    const Test_Window window(60, 50, Window_Axis::Down);
+    Tools tool;
+    tool.x = 10;
+    tool.y = 5;
+    tool.width = 20;
+    tool.height = 8;
+    tool.window = window.Get();
+    tool.Cadre();
+    const Window_Picture picture = window.Read();
+    EXPECT_EQ(picture.At(11, 6), Test_Window::marker);
+    EXPECT_NE(picture.At(10, 5), Test_Window::marker);
+    EXPECT_NE(picture.At(29, 12), Test_Window::marker);
+    EXPECT_EQ(picture.At(30, 13), Test_Window::marker);
+}
+
+TEST(Tools, FillSelectFillsWithTheAccent) {
+    const Test_Window window(60, 50, Window_Axis::Down);
+    Tools tool;
+    tool.width = 20;
+    tool.height = 8;
+    tool.window = window.Get();
+    tool.Fill_Select();
+    EXPECT_EQ(window.Read().At(19, 7), Theme_Now().accent);
+    EXPECT_EQ(window.Read().At(20, 7), Test_Window::marker);
+    tool.Text(nullptr);
+    EXPECT_EQ(window.Read().At(19, 7), Theme_Now().accent);
+    tool.Set_Color(5, 5, 5);
+    tool.Text("");
+    EXPECT_EQ(window.Read().At(19, 7), 0x050505U);
+}
+
+TEST(Tools, FreeForgetsTheWindowAndInitGivesItBack) {
+    const Test_Window window(60, 50, Window_Axis::Down);
+    Boxs box;
+    box.width = box.height = 5;
+    box.Init(window.Get());
+    box.Free();
+    EXPECT_EQ(box.window, nullptr);
+    box.Draw();
+    EXPECT_EQ(box.Init(window.Get()), 1);
+    EXPECT_EQ(box.Init(nullptr), 1);
+    EXPECT_EQ(box.window, window.Get());
+}
+
+TEST(Tools, TakeLookCopiesWhatPanelsHandOn) {
+    Boxs host;
+    host.font_name = "Arial";
+    host.font_weight = "bold";
+    host.font_scale = 15;
+    host.border = 3;
+    host.style = 77;
+    host.x = 9;
+    host.color = {1, 2, 3, 4};
+    host.window = reinterpret_cast<HWND>(std::uintptr_t{16});
+    Buttons button;
+    button.Take_Look(host);
+    EXPECT_STREQ(button.font_name, "Arial");
+    EXPECT_STREQ(button.font_weight, "bold");
+    EXPECT_EQ(button.font_scale, 15);
+    EXPECT_EQ(button.border, 3);
+    EXPECT_EQ(button.color.fourth, 4);
+    EXPECT_EQ(button.window, host.window);
+    EXPECT_EQ(button.style, 0U);
+    EXPECT_EQ(button.x, 0);
+}

@@ -1,0 +1,118 @@
+#include "kits/widgets/window_state.h"
+
+#include <gtest/gtest.h>
+
+#include "host/kit_widgets.h"
+#include "tests/kits/widgets/test_window.h"
+
+namespace {
+
+Boxs Red_Box(HWND window) {
+    Boxs box;
+    box.style = STYLE_FRAMED_BOX;
+    box.x = 10;
+    box.y = 10;
+    box.width = 20;
+    box.height = 20;
+    box.Set_Color(255, 0, 0);
+    box.Init(window);
+    return box;
+}
+
+}  // namespace
+
+TEST(WindowBuffer, ShowsEverythingAtTheOuterEndOnly) {
+    const Test_Window window(60, 50, Window_Axis::Down);
+    Boxs box = Red_Box(window.Get());
+    Window_Buffer_Begin(window.Get());
+    Window_Buffer_Begin(window.Get());
+    box.Draw();
+    EXPECT_EQ(window.Read().At(15, 15), Test_Window::marker);
+    Window_Buffer_End(window.Get());
+    EXPECT_EQ(window.Read().At(15, 15), Test_Window::marker);
+    Window_Buffer_End(window.Get());
+    const Window_Picture shown = window.Read();
+    EXPECT_EQ(shown.At(15, 15), 0xFF0000U);
+    EXPECT_EQ(shown.At(5, 5), Test_Window::marker);
+    window.Wipe();
+    box.Draw();
+    EXPECT_EQ(window.Read(), shown);
+}
+
+TEST(WindowBuffer, UnevenEndsAreHarmless) {
+    const Test_Window window(60, 50, Window_Axis::Down);
+    Boxs box = Red_Box(window.Get());
+    Window_Buffer_End(window.Get());
+    Window_Buffer_End(nullptr);
+    Window_Buffer_Begin(nullptr);
+    box.Draw();
+    EXPECT_EQ(window.Read().At(15, 15), 0xFF0000U);
+}
+
+TEST(WindowBuffer, CollectsAgainAfterTheWindowGrew) {
+    Test_Window window(60, 50, Window_Axis::Down);
+    Boxs box = Red_Box(window.Get());
+    Window_Buffer_Begin(window.Get());
+    Window_Buffer_End(window.Get());
+    window.Resize(120, 90);
+    box.x = 95;
+    box.y = 65;
+    Window_Buffer_Begin(window.Get());
+    box.Draw();
+    Window_Buffer_End(window.Get());
+    EXPECT_EQ(window.Read().At(100, 70), 0xFF0000U);
+}
+
+TEST(WindowBuffer, ManyPartsAreAllShown) {
+    const Test_Window window(60, 50, Window_Axis::Down);
+    Boxs box = Red_Box(window.Get());
+    box.width = box.height = 1;
+    Window_Buffer_Begin(window.Get());
+    for (short y = 0; y < 50; y++) {
+        for (short x = 0; x < 60; x++) {
+            box.x = x;
+            box.y = y;
+            box.Draw();
+        }
+    }
+    Window_Buffer_End(window.Get());
+    for (const std::uint32_t pixel : window.Read().pixels) {
+        ASSERT_EQ(pixel, 0xFF0000U);
+    }
+}
+
+TEST(WindowRead, ReadsTheBufferWhileThereIsOneAndTheScreenOtherwise) {
+    const Test_Window window(60, 50, Window_Axis::Down);
+    Boxs box = Red_Box(window.Get());
+    std::uint32_t pixels[4] = {};
+    ASSERT_TRUE(Window_Read(window.Get(), {9, 15, 2, 2}, pixels));
+    EXPECT_EQ(pixels[1] & 0xFFFFFFU, Test_Window::marker);
+    Window_Buffer_Begin(window.Get());
+    box.Draw();
+    ASSERT_TRUE(Window_Read(window.Get(), {9, 15, 2, 2}, pixels));
+    EXPECT_EQ(pixels[0] & 0xFFFFFFU, Test_Window::marker);
+    EXPECT_EQ(pixels[1] & 0xFFFFFFU, 0xFF0000U);
+    Window_Buffer_End(window.Get());
+    EXPECT_FALSE(Window_Read(window.Get(), {9, 15, 0, 2}, pixels));
+    EXPECT_FALSE(Window_Read(nullptr, {9, 15, 2, 2}, pixels));
+}
+
+TEST(ScratchPicture, NestedOnesDoNotShareTheirPixels) {
+    Scratch_Picture outer(8, 8);
+    outer.View().Fill(outer.View().Area(), 0x111111);
+    {
+        Scratch_Picture inner(16, 16);
+        inner.View().Fill(inner.View().Area(), 0x222222);
+    }
+    EXPECT_EQ(outer.View().Pixel(7, 7), 0x111111U);
+}
+
+TEST(ScratchPicture, EmptyOrTooDeepHasNoPixels) {
+    EXPECT_FALSE(Scratch_Picture(0, 5).Has_Pixels());
+    const Scratch_Picture a(1, 1);
+    const Scratch_Picture b(1, 1);
+    const Scratch_Picture c(1, 1);
+    const Scratch_Picture d(1, 1);
+    EXPECT_TRUE(d.Has_Pixels());
+    EXPECT_FALSE(Scratch_Picture(1, 1).Has_Pixels());
+}
