@@ -95,7 +95,8 @@ std::vector<std::string> Fit_Log::Lines() const {
         if (candidate.dropped.empty()) {
             std::snprintf(line, sizeof line, "Candidate at bin %d (%s): kept", candidate.bin, source);
         } else {
-            std::snprintf(line, sizeof line, "Candidate at bin %d (%s): dropped at %.2f, %s", candidate.bin, source, candidate.dropped_at, candidate.dropped.c_str());
+            std::snprintf(line, sizeof line, "Candidate at bin %d (%s): dropped at %.2f, %s", candidate.bin, source,
+                          candidate.dropped_at, candidate.dropped.c_str());
         }
         lines.emplace_back(line);
     }

@@ -7,10 +7,10 @@
 
 /** What became of one candidate. */
 struct Fit_Candidate {
-    int bin = 0;             ///< where it was found
-    bool by_zero = false;    ///< true: a zero crossing of the derivative; false: a maximum of the data
-    std::string dropped;     ///< why it was deleted, the module's own words; empty: it stayed
-    double dropped_at = 0.0; ///< its centre then, bins
+    int bin = 0;              ///< where it was found
+    bool by_zero = false;     ///< true: a zero crossing of the derivative; false: a maximum of the data
+    std::string dropped;      ///< why it was deleted, the module's own words; empty: it stayed
+    double dropped_at = 0.0;  ///< its centre then, bins
 };
 
 /** Collects the traces of one analysis. Feed it every message between start and end. */

@@ -10,7 +10,8 @@ struct Numbers_Grid {
     double bin_width = 1.0;  ///< GLI units
 };
 
-/** All in grey levels but `pixels`. Every pixel of a bin counts with the level at the bin's lower edge plus `level_offset`. */
+/** All in grey levels but `pixels`. Every pixel of a bin counts with the level at the bin's lower edge plus
+ * `level_offset`. */
 struct Histogram_Numbers {
     std::uint64_t pixels = 0;  ///< 0: nothing else means anything
     double mean = 0.0;
@@ -23,5 +24,7 @@ struct Histogram_Numbers {
     double percentile_99 = 0.0;
 };
 
-/** @param level_offset where in a bin its level stands, in bins: 0 for histograms of one bin per stored level, 0.5 for wider bins */
-Histogram_Numbers Histogram_Numbers_Of(std::span<const std::uint32_t> counts, const Numbers_Grid& grid, double level_offset);
+/** @param level_offset where in a bin its level stands, in bins: 0 for histograms of one bin per stored level, 0.5 for
+ * wider bins */
+Histogram_Numbers Histogram_Numbers_Of(std::span<const std::uint32_t> counts, const Numbers_Grid& grid,
+                                       double level_offset);

@@ -86,8 +86,8 @@ double R_Squared(std::span<const Value> values, std::span<const Found_Peak> peak
     return variance > 0.0 ? 1.0 - residual / variance : 0.0;
 }
 
-/** Standard errors of all parameters: the root of s^2 times the diagonal of the inverse normal matrix, s^2 = squared residuals per degree of freedom of the filtered curve. @return
- *  false when the matrix is singular */
+/** Standard errors of all parameters: the root of s^2 times the diagonal of the inverse normal matrix, s^2 = squared
+ * residuals per degree of freedom of the filtered curve. @return false when the matrix is singular */
 bool Errors_Find(std::span<const Found_Peak> peaks, std::span<const double> filtered, std::vector<double>& errors) {
     const auto columns = static_cast<unsigned int>(PARAMETERS * peaks.size());
     const auto n = static_cast<unsigned int>(filtered.size());
@@ -169,16 +169,19 @@ Peak_Table Peak_Table_Make(std::span<const Found_Peak> peaks, const Analysed_Cur
 }
 
 std::string Peak_Table_Text(const Peak_Table& table) {
-    std::string text = "Peak\tCentre\tHeight\tFull width\tArea\tShare\tFrom\tTo\tCentre error\tHeight error\tWidth error\n";
+    std::string text =
+        "Peak\tCentre\tHeight\tFull width\tArea\tShare\tFrom\tTo\tCentre error\tHeight error\tWidth error\n";
     char line[512];
     for (const Peak_Row& row : table.rows) {
-        std::snprintf(line, sizeof line, "%d\t%.2f\t%.1f\t%.2f\t%.0f\t%.4f\t%.2f\t%.2f\t%.3f\t%.2f\t%.3f\n", row.number, row.centre, row.height, row.full_width,
-                      row.area, row.share, row.from, row.to, row.centre_error, row.height_error, row.full_width_error);
+        std::snprintf(line, sizeof line, "%d\t%.2f\t%.1f\t%.2f\t%.0f\t%.4f\t%.2f\t%.2f\t%.3f\t%.2f\t%.3f\n", row.number,
+                      row.centre, row.height, row.full_width, row.area, row.share, row.from, row.to, row.centre_error,
+                      row.height_error, row.full_width_error);
         text += line;
     }
     if (table.quality.is_known) {
-        std::snprintf(line, sizeof line, "R2 (filtered curve)\t%.5f\nR2 (counts)\t%.5f\nReduced chi-square\t%.3f\n", table.quality.r_squared_filtered,
-                      table.quality.r_squared_counts, table.quality.reduced_chi_square);
+        std::snprintf(line, sizeof line, "R2 (filtered curve)\t%.5f\nR2 (counts)\t%.5f\nReduced chi-square\t%.3f\n",
+                      table.quality.r_squared_filtered, table.quality.r_squared_counts,
+                      table.quality.reduced_chi_square);
         text += line;
     }
     return text;

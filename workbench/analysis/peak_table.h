@@ -38,10 +38,11 @@ struct Peak_Row {
 };
 
 struct Fit_Quality {
-    bool is_known = false;              ///< false for segments, without peaks, and when the normal matrix is singular
-    double r_squared_filtered = 0.0;    ///< share of the filtered curve's variance that the peaks explain
-    double r_squared_counts = 0.0;      ///< the same of the counts
-    double reduced_chi_square = 0.0;    ///< counts against the sum of the peaks, variance of a count = the count, at least 1; per degree of freedom
+    bool is_known = false;            ///< false for segments, without peaks, and when the normal matrix is singular
+    double r_squared_filtered = 0.0;  ///< share of the filtered curve's variance that the peaks explain
+    double r_squared_counts = 0.0;    ///< the same of the counts
+    double reduced_chi_square = 0.0;  ///< counts against the sum of the peaks, variance of a count = the count, at
+                                      ///< least 1; per degree of freedom
 };
 
 struct Peak_Table {
@@ -49,7 +50,8 @@ struct Peak_Table {
     Fit_Quality quality;
 };
 
-/** Rows in the order of the peaks. A Gaussian claims its centre plus and minus its half width, but not beyond the middle to its neighbours. */
+/** Rows in the order of the peaks. A Gaussian claims its centre plus and minus its half width, but not beyond the
+ * middle to its neighbours. */
 Peak_Table Peak_Table_Make(std::span<const Found_Peak> peaks, const Analysed_Curve& curve);
 
 /** The table as text, columns separated by tabs, for the clipboard. */

@@ -5,7 +5,8 @@
 namespace {
 
 constexpr int PRIMER_BINS = 64;
-// The moving mean over 21 bins first sees this bin from bin 1 on and then spreads it: the derivative crosses zero at bin 2 and nowhere else.
+// The moving mean over 21 bins first sees this bin from bin 1 on and then spreads it: the derivative crosses zero at
+// bin 2 and nowhere else.
 constexpr int PRIMER_BIN = 11;
 constexpr std::uint32_t PRIMER_COUNT = 1000;
 
@@ -29,7 +30,11 @@ Repeatable_Fit::Repeatable_Fit() {
     primer.data->record = record;
 }
 
-int Repeatable_Fit::Run(Tool_Histo& panel) {
+void Repeatable_Fit::Prime() {
     primer.Fit_Gaussian();
+}
+
+int Repeatable_Fit::Run(Tool_Histo& panel) {
+    Prime();
     return panel.Fit_Gaussian();
 }

@@ -1,0 +1,407 @@
+#include "workbench/analysis/analysis_window.h"
+
+#include <windowsx.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstring>
+
+#include "histogram/tool_histo.h"
+#include "histogram/tool_histo_peak.h"
+#include "kits/common/messages.h"
+#include "kits/widgets/widgets_host.h"
+#include "workbench/wide_text.h"
+
+namespace {
+
+constexpr const wchar_t* CLASS_NAME = L"Kit_Analysis";
+constexpr const wchar_t* TITLE = L"Peak analysis";
+constexpr int FIRST_WIDTH = 900;  // pixels at 96 dots per inch
+constexpr int FIRST_HEIGHT = 560;
+constexpr int MARGIN = 10;
+constexpr int ROW = 24;
+constexpr int BUTTON_HEIGHT = 28;
+constexpr int PEAKS_MAX = 30;  // peaks that can be asked for
+constexpr int PEAKS_FIRST = 8;
+constexpr int TABLE_ROWS_MIN = 6;
+
+struct Column {
+    const wchar_t* title;
+    int weight;
+};
+constexpr std::array<Column, 8> COLUMNS = {{{L"Peak", 5},
+                                            {L"Centre (GLI)", 15},
+                                            {L"Height", 13},
+                                            {L"Full width (GLI)", 15},
+                                            {L"Area (pixels)", 13},
+                                            {L"Share", 8},
+                                            {L"From", 9},
+                                            {L"To", 9}}};
+
+std::array<std::string, COLUMNS.size()> Cells(const Peak_Row& row) {
+    const auto text = [](const char* format, double value) {
+        char cell[64];
+        std::snprintf(cell, sizeof cell, format, value);
+        return std::string(cell);
+    };
+    const auto with_error = [&](const char* format, double value, double error) {
+        return error > 0.0 ? text(format, value) + " \xC2\xB1 " + text("%.2g", error) : text(format, value);
+    };
+    return {std::to_string(row.number),
+            with_error("%.2f", row.centre, row.centre_error),
+            with_error("%.0f", row.height, row.height_error),
+            with_error("%.2f", row.full_width, row.full_width_error),
+            text("%.0f", row.area),
+            text("%.1f %%", 100.0 * row.share),
+            text("%.1f", row.from),
+            text("%.1f", row.to)};
+}
+
+std::wstring Quality_Text(const Peak_Table& table) {
+    if (table.rows.empty()) {
+        return L"No peaks. Start a fit above.";
+    }
+    if (!table.quality.is_known) {
+        return L"Segments have no fit quality: each covers the grey levels between two valleys.";
+    }
+    char text[200];
+    std::snprintf(text, sizeof text,
+                  "R\xC2\xB2 of the filtered curve %.4f    R\xC2\xB2 of the counts %.4f    reduced chi-square %.2f",
+                  table.quality.r_squared_filtered, table.quality.r_squared_counts, table.quality.reduced_chi_square);
+    return Wide_Of_Utf8(text);
+}
+
+}  // namespace
+
+Analysis_Window::Analysis_Window(Look& application_look, Analysis_Host application)
+    : look(application_look), host(std::move(application)) {
+    peaks_list.Grow(PEAKS_MAX, 0);
+    for (int k = 0; k < peaks_list.item_nb; ++k) {
+        std::snprintf(peaks_list.item[k].text, sizeof peaks_list.item[k].text, "%d", k + 1);
+    }
+    peaks_list.current = PEAKS_FIRST - 1;
+}
+
+Analysis_Window::~Analysis_Window() {
+    Close();
+}
+
+void Analysis_Window::Open(HWND owner) {
+    if (window != nullptr) {
+        ::SetForegroundWindow(window);
+        return;
+    }
+    WNDCLASSW window_class = {};
+    window_class.lpfnWndProc = Procedure;
+    window_class.hInstance = ::GetModuleHandleW(nullptr);
+    window_class.hCursor = ::LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));
+    window_class.lpszClassName = CLASS_NAME;
+    ::RegisterClassW(&window_class);  // a second registration fails, which is fine
+    window =
+        ::CreateWindowExW(0, CLASS_NAME, TITLE, WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT, look.Px(FIRST_WIDTH),
+                          look.Px(FIRST_HEIGHT), owner, nullptr, window_class.hInstance, this);
+    if (window == nullptr) {
+        return;
+    }
+    Window_Axis_Set(window, Window_Axis::Down);
+    Lay_Out();
+    ::ShowWindow(window, SW_SHOW);
+}
+
+void Analysis_Window::Close() {
+    if (window != nullptr) {
+        ::DestroyWindow(window);
+    }
+}
+
+void Analysis_Window::Receive(void* context, HWND /*of_window*/, int level, const char* text) {
+    static_cast<Analysis_Window*>(context)->log.Add(level, text);
+}
+
+template <class Fit>
+void Analysis_Window::Analyse(Fit fit) {
+    Tool_Histo* panel = host.panel();
+    if (panel == nullptr) {
+        return;
+    }
+    log.Clear();
+    Message_Receiver_Add(Receive, this);
+    fit(*panel);
+    Message_Receiver_Remove(Receive, this);
+    log_lines = log.Lines();
+    log_first = 0;
+    Table_Make();
+    host.peaks_changed();
+    if (window != nullptr) {
+        ::InvalidateRect(window, nullptr, FALSE);
+    }
+}
+
+void Analysis_Window::Fit_Gaussian() {
+    // Only the user's fit is told: the priming fit before it is nobody's business.
+    Analyse([this](Tool_Histo& panel) {
+        Message_Receiver_Remove(Receive, this);
+        repeatable_fit.Prime();
+        Message_Receiver_Add(Receive, this);
+        panel.Fit_Gaussian();
+    });
+}
+
+void Analysis_Window::Fit_Derivative(int peaks) {
+    Analyse(
+        [peaks](Tool_Histo& panel) { panel.Fit_Derivative(static_cast<unsigned char>(std::clamp(peaks, 0, 255))); });
+}
+
+void Analysis_Window::Table_Make() {
+    table = {};
+    const Tool_Histo* panel = host.panel();
+    if (panel == nullptr || panel->data == nullptr || !panel->data->Has_Counts()) {
+        return;
+    }
+    const Histo_Data& data = *panel->data;
+    std::vector<Found_Peak> peaks;
+    for (const Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next) {
+        peaks.push_back({peak->type == PEAK_SEGMENT, (*peak->param)[PEAK_CENTRE], (*peak->param)[PEAK_AMPLITUDE],
+                         (*peak->param)[PEAK_WIDTH]});
+    }
+    const Histo_Record& record = *data.record;
+    const std::size_t filtered_nb =
+        data.filtered != nullptr ? static_cast<std::size_t>(std::min<int>(data.curve_nb, record.nb_bins)) : 0;
+    table = Peak_Table_Make(peaks, {{record.counts, record.nb_bins},
+                                    {data.filtered, filtered_nb},
+                                    static_cast<double>(record.origin),
+                                    static_cast<double>(record.bin_width)});
+}
+
+void Analysis_Window::Bands_Hand_On() {
+    std::vector<Peak_Band> bands;
+    for (const Peak_Row& row : table.rows) {
+        bands.push_back({row.from, row.to});
+    }
+    if (!bands.empty()) {
+        host.bands_take(bands);
+    }
+}
+
+bool Analysis_Window::Copy() {
+    const std::wstring text = Wide_Of_Utf8(Peak_Table_Text(table));
+    if (::OpenClipboard(window) == 0) {
+        return false;
+    }
+    ::EmptyClipboard();
+    bool done = false;
+    const std::size_t bytes = (text.size() + 1) * sizeof(wchar_t);
+    if (HGLOBAL block = ::GlobalAlloc(GMEM_MOVEABLE, bytes)) {
+        if (void* memory = ::GlobalLock(block)) {
+            std::memcpy(memory, text.c_str(), bytes);
+            ::GlobalUnlock(block);
+            done = ::SetClipboardData(CF_UNICODETEXT, block) != nullptr;
+        }
+        if (!done) {
+            ::GlobalFree(block);
+        }
+    }
+    ::CloseClipboard();
+    return done;
+}
+
+void Analysis_Window::Lay_Out() {
+    RECT client = {};
+    ::GetClientRect(window, &client);
+    const int margin = look.Px(MARGIN);
+    const int height = look.Px(BUTTON_HEIGHT);
+    int x = margin;
+    const auto place = [&](Tools& widget, int width, const char* caption, unsigned int style) {
+        widget.style = style;
+        widget.x = static_cast<short>(x);
+        widget.y = static_cast<short>(margin);
+        widget.width = static_cast<short>(look.Px(width));
+        widget.height = static_cast<short>(height);
+        widget.Set_Color(static_cast<unsigned char>(look.panel[0]), static_cast<unsigned char>(look.panel[1]),
+                         static_cast<unsigned char>(look.panel[2]));
+        widget.border = 1;
+        widget.Set_Name("%s", caption);
+        x += look.Px(width) + margin;
+    };
+    place(gauss_button, 120, "Fit Gaussians", STYLE_BUTTON);
+    gauss_button.Init(window);
+    place(derivative_button, 150, "Derivative method", STYLE_BUTTON);
+    derivative_button.Init(window);
+    place(peaks_list, 210, " Peaks wanted: ", STYLE_FLAT);
+    peaks_list.arrow = static_cast<short>(look.Px(18));
+    peaks_list.Init(window);
+    place(bands_button, 150, "Peaks to TAG bands", STYLE_BUTTON);
+    bands_button.Init(window);
+    place(copy_button, 100, "Copy table", STYLE_BUTTON);
+    copy_button.Init(window);
+}
+
+void Analysis_Window::Paint_Table(HDC dc, RECT area) const {
+    int weights = 0;
+    for (const Column& column : COLUMNS) {
+        weights += column.weight;
+    }
+    const int width = area.right - area.left;
+    const int row_height = look.Px(ROW);
+    const auto draw_row = [&](int row, const std::array<std::wstring, COLUMNS.size()>& cells, HFONT font,
+                              COLORREF color) {
+        int x = area.left;
+        for (std::size_t c = 0; c < COLUMNS.size(); ++c) {
+            const int column_width = width * COLUMNS[c].weight / weights;
+            const RECT cell = {x, area.top + row * row_height, x + column_width - look.Px(6),
+                               area.top + (row + 1) * row_height};
+            Draw_Line(dc, cell, cells[c], font, color, DT_RIGHT);
+            x += column_width;
+        }
+    };
+    const RECT head = {area.left, area.top, area.right, area.top + row_height};
+    Fill(dc, head, look.heading);
+    std::array<std::wstring, COLUMNS.size()> titles;
+    for (std::size_t c = 0; c < COLUMNS.size(); ++c) {
+        titles[c] = COLUMNS[c].title;
+    }
+    draw_row(0, titles, look.Bold(), look.text);
+    int row = 1;
+    for (const Peak_Row& peak : table.rows) {
+        if (area.top + (row + 1) * row_height > area.bottom) {
+            break;
+        }
+        std::array<std::wstring, COLUMNS.size()> cells;
+        const auto texts = Cells(peak);
+        for (std::size_t c = 0; c < COLUMNS.size(); ++c) {
+            cells[c] = Wide_Of_Utf8(texts[c]);
+        }
+        draw_row(row++, cells, look.Font(), look.text);
+    }
+}
+
+void Analysis_Window::Paint_Log(HDC dc, RECT area) const {
+    const int row_height = look.Px(ROW) * 4 / 5;
+    RECT line = area;
+    for (std::size_t k = static_cast<std::size_t>(log_first);
+         k < log_lines.size() && line.top + row_height <= area.bottom; ++k) {
+        line.bottom = line.top + row_height;
+        Draw_Line(dc, line, Wide_Of_Panel(log_lines[k].c_str()), look.Fixed(), look.text_grey, DT_LEFT);
+        line.top = line.bottom;
+    }
+}
+
+void Analysis_Window::Paint() {
+    {
+        const Buffered_Paint paint(window);
+        HDC dc = paint.Dc();
+        const RECT client = paint.Client();
+        Fill(dc, client, look.ground);
+        const int margin = look.Px(MARGIN);
+        const int row_height = look.Px(ROW);
+        const int rows = std::max<int>(static_cast<int>(table.rows.size()), TABLE_ROWS_MIN) + 1;
+        RECT area = {margin, 2 * margin + look.Px(BUTTON_HEIGHT), client.right - margin, 0};
+        area.bottom = std::min<LONG>(area.top + rows * row_height,
+                                     std::max<LONG>(client.bottom - 6 * row_height, area.top + 2 * row_height));
+        Paint_Table(dc, area);
+        const RECT quality = {area.left, area.bottom, area.right, area.bottom + row_height};
+        Draw_Line(dc, quality, Quality_Text(table), look.Font(), look.accent, DT_LEFT);
+        const RECT title = {area.left, quality.bottom, area.right, quality.bottom + row_height};
+        Fill(dc, title, look.heading);
+        Draw_Line(dc, title, L" Fit log", look.Bold(), look.text, DT_LEFT);
+        Paint_Log(dc, {area.left, title.bottom, area.right, client.bottom - margin});
+    }
+    Window_Buffer_Begin(window);
+    gauss_button.Draw();
+    derivative_button.Draw();
+    peaks_list.Draw();
+    bands_button.Draw();
+    copy_button.Draw();
+    Window_Buffer_End(window);
+}
+
+void Analysis_Window::Pointer_Take(LPARAM lparam, bool on_screen) const {
+    POINT pointer = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
+    if (!on_screen) {
+        ::ClientToScreen(window, &pointer);
+    }
+    YCursor_X = pointer.x;
+    YCursor_Y = pointer.y;
+}
+
+void Analysis_Window::Press(int up_down) {
+    if (gauss_button.Select(up_down) != 0) {
+        Fit_Gaussian();
+    } else if (derivative_button.Select(up_down) != 0) {
+        Fit_Derivative(peaks_list.current + 1);
+    } else if (bands_button.Select(up_down) != 0) {
+        Bands_Hand_On();
+    } else if (copy_button.Select(up_down) != 0) {
+        Copy();
+    } else if (peaks_list.Select(up_down) != 0 && peaks_list.Read() >= 0) {
+        peaks_list.current = static_cast<short>(peaks_list.Read());
+        peaks_list.Adjust();
+    }
+}
+
+LRESULT Analysis_Window::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
+        case WM_SIZE:
+            Lay_Out();
+            ::InvalidateRect(window, nullptr, FALSE);
+            return 0;
+        case WM_PAINT:
+            Paint();
+            return 0;
+        case WM_ERASEBKGND:
+            return 1;
+        case WM_LBUTTONDOWN:
+            Pointer_Take(lparam, false);
+            Press(MOUSE_PRESS | MOUSE_LEFT);
+            return 0;
+        case WM_LBUTTONUP:
+        case WM_MOUSEMOVE: {
+            Pointer_Take(lparam, false);
+            const int held = (wparam & MK_LBUTTON) != 0 ? MOUSE_DRAG | MOUSE_LEFT : 0;
+            for (Buttons* button : {&gauss_button, &derivative_button, &bands_button, &copy_button}) {
+                button->Select(held);
+            }
+            peaks_list.Select(held);
+            TRACKMOUSEEVENT leave = {sizeof leave, TME_LEAVE, window, 0};
+            ::TrackMouseEvent(&leave);
+            return 0;
+        }
+        case WM_MOUSELEAVE:
+            for (Buttons* button : {&gauss_button, &derivative_button, &bands_button, &copy_button}) {
+                button->Deselect();
+            }
+            peaks_list.Deselect();
+            return 0;
+        case WM_MOUSEWHEEL: {
+            const int lines = GET_WHEEL_DELTA_WPARAM(wparam) / WHEEL_DELTA * 3;
+            log_first = std::clamp(log_first - lines, 0, std::max(static_cast<int>(log_lines.size()) - 1, 0));
+            ::InvalidateRect(window, nullptr, FALSE);
+            return 0;
+        }
+        case WM_KEYDOWN:
+            if (wparam == VK_ESCAPE) {
+                Close();
+            } else if (wparam == 'C' && ::GetKeyState(VK_CONTROL) < 0) {
+                Copy();
+            }
+            return 0;
+        case WM_DESTROY:
+            Window_Forget(window);
+            window = nullptr;
+            return 0;
+        default:
+            return ::DefWindowProcW(window, message, wparam, lparam);
+    }
+}
+
+LRESULT CALLBACK Analysis_Window::Procedure(HWND of_window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_NCCREATE) {
+        auto* self = static_cast<Analysis_Window*>(reinterpret_cast<CREATESTRUCTW*>(lparam)->lpCreateParams);
+        self->window = of_window;
+        ::SetWindowLongPtrW(of_window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(self));
+    }
+    auto* self = reinterpret_cast<Analysis_Window*>(::GetWindowLongPtrW(of_window, GWLP_USERDATA));
+    return self != nullptr && self->window != nullptr ? self->Handle(message, wparam, lparam)
+                                                      : ::DefWindowProcW(of_window, message, wparam, lparam);
+}
