@@ -1,4 +1,5 @@
-// Merging 1,000 frame histograms of 4,096 bins: the rule bin by bin against Histogram_Merger, and against merely summing the arrays.
+// Merging 1,000 frame histograms of 4,096 bins: the rule bin by bin against Histogram_Merger, and against merely
+// summing the arrays.
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -56,7 +57,8 @@ struct Merged {
 void Merge_Plainly(Histo_Record& record, const Frames& frames) {
     for (const Histo_Record& frame : frames.records) {
         for (int i = 0; i < frame.nb_bins; ++i) {
-            const int target = static_cast<int>(((static_cast<float>(i) + 0.5F) * frame.bin_width + frame.origin - record.origin) / record.bin_width);
+            const int target = static_cast<int>(
+                ((static_cast<float>(i) + 0.5F) * frame.bin_width + frame.origin - record.origin) / record.bin_width);
             if (target < 0 || target >= frame.nb_bins || target >= record.nb_bins) {
                 continue;
             }
@@ -90,8 +92,10 @@ void Bench_Merge(benchmark::State& state, bool one_grid) {
     Paired_Times merge;
     Paired_Times sum;
     for (auto _ : state) {
-        merge = Pair_Time(ROUNDS, [&] { Merge_Plainly(plain.record, frames); }, [&] { Merge_Ours(ours.record, frames); });
-        sum = Pair_Time(ROUNDS, [&] { Merge_Ours(ours.record, frames); }, [&] { Sum_Only(sums, frames); });
+        merge = Pair_Time(
+            ROUNDS, [&] { Merge_Plainly(plain.record, frames); }, [&] { Merge_Ours(ours.record, frames); });
+        sum = Pair_Time(
+            ROUNDS, [&] { Merge_Ours(ours.record, frames); }, [&] { Sum_Only(sums, frames); });
     }
     // Both were merged into more than once, ours twice as often.
     bool same = true;

@@ -1,4 +1,5 @@
-// The derivative method's smoothing: the loop as it is said, one bin and one pass at a time, against the passes in flight.
+// The derivative method's smoothing: the loop as it is said, one bin and one pass at a time, against the passes in
+// flight.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -59,8 +60,11 @@ void Bench_Smoothing(benchmark::State& state, Smoothing_Path path) {
     std::mt19937 random(1);
     std::vector<double> curve(n);
     for (std::size_t i = 0; i < n; ++i) {
-        curve[i] = std::floor(3000.0 * std::exp(-std::pow((static_cast<double>(i) - static_cast<double>(n) / 3) / (static_cast<double>(n) / 9), 2))) +
-                   static_cast<double>(random() % 50);
+        curve[i] =
+            std::floor(3000.0 *
+                       std::exp(-std::pow(
+                           (static_cast<double>(i) - static_cast<double>(n) / 3) / (static_cast<double>(n) / 9), 2))) +
+            static_cast<double>(random() % 50);
     }
     std::vector<double> plain;
     std::vector<double> ours;

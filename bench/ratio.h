@@ -1,4 +1,5 @@
-/** Ratios of two ways of doing one thing, measured alternately in one process: times drift on shared machines, ratios much less. */
+/** Ratios of two ways of doing one thing, measured alternately in one process: times drift on shared machines, ratios
+ * much less. */
 #pragma once
 
 #include <algorithm>

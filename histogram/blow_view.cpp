@@ -35,7 +35,9 @@ Blow_Range Visible(const Blow_Range& full, bool zoomed, float origin, int pixels
     return {start, std::min(full.end, start + static_cast<float>(pixels) * scale)};
 }
 
-bool Is_Usable(float scale) { return std::isnormal(scale) && scale > 0.0F; }
+bool Is_Usable(float scale) {
+    return std::isnormal(scale) && scale > 0.0F;
+}
 
 }  // namespace
 
@@ -62,7 +64,8 @@ void Blow_View::Reset() {
 }
 
 bool Blow_View::Zoom_Rectangle(const Blow_Drag& drag) {
-    if (area.Is_Empty() || std::abs(drag.x_end - drag.x_start) < BLOW_DRAG_MIN || std::abs(drag.y_end - drag.y_start) < BLOW_DRAG_MIN) {
+    if (area.Is_Empty() || std::abs(drag.x_end - drag.x_start) < BLOW_DRAG_MIN ||
+        std::abs(drag.y_end - drag.y_start) < BLOW_DRAG_MIN) {
         return false;
     }
     const auto in_x = [this](int x) { return std::clamp(x, area.left, area.left + area.width); };
@@ -123,9 +126,13 @@ void Blow_View::Origin_Clamp() {
     origin_y = Clamped(origin_y, full_y, area.height, scale_y);
 }
 
-Blow_Range Blow_View::Visible_X() const { return Visible(full_x, zoomed, origin_x, area.width, scale_x); }
+Blow_Range Blow_View::Visible_X() const {
+    return Visible(full_x, zoomed, origin_x, area.width, scale_x);
+}
 
-Blow_Range Blow_View::Visible_Y() const { return Visible(full_y, zoomed, origin_y, area.height, scale_y); }
+Blow_Range Blow_View::Visible_Y() const {
+    return Visible(full_y, zoomed, origin_y, area.height, scale_y);
+}
 
 int Wheel_Accumulator::Add(int delta) {
     remainder += delta;

@@ -1,7 +1,7 @@
 /** Zoom and pan of the enlarged histogram window: pure numbers, single precision.
  *
- *  Pixels are those of the plot area (inside the margins), y counted upward from its bottom edge's window coordinate. Data: grey levels (GLI) in x, pixel counts
- *  in y.
+ *  Pixels are those of the plot area (inside the margins), y counted upward from its bottom edge's window coordinate.
+ * Data: grey levels (GLI) in x, pixel counts in y.
  */
 #pragma once
 
@@ -35,15 +35,19 @@ inline constexpr int BLOW_DRAG_MIN = 10;
 
 /** The part of the data that the window shows. */
 class Blow_View {
-   public:
-    /** Takes the unzoomed view of a record: all bins, widened by 5 % in x and 10 % in y at each end. The view itself follows unless it is zoomed. */
+  public:
+    /** Takes the unzoomed view of a record: all bins, widened by 5 % in x and 10 % in y at each end. The view itself
+     * follows unless it is zoomed. */
     void Full_View_Set(const Histo_Record& record, const Blow_Area& plot_area);
     /** Back to the full view. */
     void Reset();
-    /** Zooms to a dragged rectangle, its corners clamped into the plot area. No origin clamp and no scale limit, unlike the wheel.
-     *  @return false: nothing changed, because the drag is shorter than BLOW_DRAG_MIN in one direction or the scale would vanish */
+    /** Zooms to a dragged rectangle, its corners clamped into the plot area. No origin clamp and no scale limit, unlike
+     * the wheel.
+     *  @return false: nothing changed, because the drag is shorter than BLOW_DRAG_MIN in one direction or the scale
+     * would vanish */
     bool Zoom_Rectangle(const Blow_Drag& drag);
-    /** Zooms by wheel notches, forward widens; the data under the pointer stays where it is as far as the limits allow. */
+    /** Zooms by wheel notches, forward widens; the data under the pointer stays where it is as far as the limits allow.
+     */
     void Zoom_Wheel(int notches, int x, int y);
     /** Zooms and pans by a two-finger gesture. @return false: a factor outside [0.09, 1.1], ignored */
     bool Zoom_Pinch(const Gesture_Record& gesture);
@@ -61,7 +65,7 @@ class Blow_View {
     float Scale_X_Max() const { return scale_x_max; }
     float Scale_Y_Max() const { return scale_y_max; }
 
-   private:
+  private:
     void Origin_Clamp();
 
     Blow_Area area;
@@ -78,11 +82,11 @@ class Blow_View {
 
 /** Wheel deltas that have not made a whole notch yet. */
 class Wheel_Accumulator {
-   public:
+  public:
     /** Adds a delta. @return whole notches (toward zero); the remainder is kept */
     int Add(int delta);
     int Remainder() const { return remainder; }
 
-   private:
+  private:
     int remainder = 0;
 };

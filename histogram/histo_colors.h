@@ -1,4 +1,5 @@
-/** Colours and arrays of a histogram plot: the rules that the panel and the enlarged window share. Pure numbers; colours are 0x00BBGGRR. */
+/** Colours and arrays of a histogram plot: the rules that the panel and the enlarged window share. Pure numbers;
+ * colours are 0x00BBGGRR. */
 #pragma once
 
 #include <array>
@@ -6,11 +7,11 @@
 
 #include "host/kit_dataset.h"
 
-inline constexpr std::uint32_t HISTO_COLOR_ALL = 0x00FFFF;    ///< yellow: all components together
+inline constexpr std::uint32_t HISTO_COLOR_ALL = 0x00FFFF;  ///< yellow: all components together
 inline constexpr std::uint32_t HISTO_COLOR_RED = 0x0000FF;
 inline constexpr std::uint32_t HISTO_COLOR_GREEN = 0x00FF00;
 inline constexpr std::uint32_t HISTO_COLOR_BLUE = 0xFF0000;
-inline constexpr std::uint32_t HISTO_COLOR_GREY = 0x808080;   ///< bands of TAGs without a colour
+inline constexpr std::uint32_t HISTO_COLOR_GREY = 0x808080;  ///< bands of TAGs without a colour
 
 /** One curve of the plot. */
 struct Histo_Curve {
@@ -22,7 +23,8 @@ struct Histo_Curves {
     int nb = 0;
 };
 
-/** The curves of a record: a grey record shows `counts`; a colour record by component: 0 the fourth array, 1 to 3 all three colours, else `counts`. */
+/** The curves of a record: a grey record shows `counts`; a colour record by component: 0 the fourth array, 1 to 3 all
+ * three colours, else `counts`. */
 inline Histo_Curves Histo_Curves_Of(const Histo_Record& record, int component) {
     Histo_Curves curves;
     const bool color = (record.flags & HISTO_COLOR) != 0;
@@ -43,21 +45,25 @@ inline Histo_Curves Histo_Curves_Of(const Histo_Record& record, int component) {
     return curves;
 }
 
-/** The array of a TAG band: unlike the outline one array by component, and `counts` for component 4, for any other value and for an absent array. */
+/** The array of a TAG band: unlike the outline one array by component, and `counts` for component 4, for any other
+ * value and for an absent array. */
 inline const std::uint32_t* Histo_Band_Counts(const Histo_Record& record, int component) {
-    const std::array<const std::uint32_t*, 4> arrays = {record.counts_component0, record.counts_red, record.counts_green, record.counts_blue};
-    const std::uint32_t* chosen = component >= 0 && component <= 3 ? arrays[static_cast<std::size_t>(component)] : nullptr;
+    const std::array<const std::uint32_t*, 4> arrays = {record.counts_component0, record.counts_red,
+                                                        record.counts_green, record.counts_blue};
+    const std::uint32_t* chosen =
+        component >= 0 && component <= 3 ? arrays[static_cast<std::size_t>(component)] : nullptr;
     return chosen != nullptr ? chosen : record.counts;
 }
 
 /** Colour of a TAG from the high bytes of its three entries; grey when all three are 0. */
 inline std::uint32_t Histo_Tag_Color(std::uint16_t red, std::uint16_t green, std::uint16_t blue) {
-    const std::uint32_t color = static_cast<std::uint32_t>(red >> 8) | static_cast<std::uint32_t>(green >> 8) << 8 | static_cast<std::uint32_t>(blue >> 8) << 16;
+    const std::uint32_t color = static_cast<std::uint32_t>(red >> 8) | static_cast<std::uint32_t>(green >> 8) << 8 |
+                                static_cast<std::uint32_t>(blue >> 8) << 16;
     return color != 0 ? color : HISTO_COLOR_GREY;
 }
 
-/** Raw level of a packed colour sample (red in the low byte, green, blue) for a component: 0 the largest of the three, 1 red, 2 green, 3 blue, 4 the weighted
- *  mean, each term divided as an integer of its own; any other value as 0. */
+/** Raw level of a packed colour sample (red in the low byte, green, blue) for a component: 0 the largest of the three,
+ * 1 red, 2 green, 3 blue, 4 the weighted mean, each term divided as an integer of its own; any other value as 0. */
 inline int Histo_Sample_Level(int sample, int component) {
     const int red = sample & 0xFF;
     const int green = (sample >> 8) & 0xFF;

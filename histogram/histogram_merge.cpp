@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr int BINS_MAX = 65535;    // nb_bins is 16 bits wide
-constexpr int TARGETS_NB = 256;    // targets computed at a time: stays in the first-level cache
+constexpr int BINS_MAX = 65535;  // nb_bins is 16 bits wide
+constexpr int TARGETS_NB = 256;  // targets computed at a time: stays in the first-level cache
 constexpr int ARRAYS_NB = 5;
 
 using Count_Array = std::array<std::uint32_t, BINS_MAX + 1>;
@@ -24,7 +24,8 @@ struct Array_List {
 Array_List Arrays_Of(const Histo_Record& frame) {
     Array_List list;
     list.array = {frame.counts, frame.counts_red, frame.counts_green, frame.counts_blue, frame.counts_component0};
-    const bool complete = std::all_of(list.array.begin(), list.array.end(), [](const std::uint32_t* array) { return array != nullptr; });
+    const bool complete =
+        std::all_of(list.array.begin(), list.array.end(), [](const std::uint32_t* array) { return array != nullptr; });
     list.nb = frame.counts == nullptr ? 0 : ((frame.flags & HISTO_COLOR) != 0 && complete ? ARRAYS_NB : 1);
     return list;
 }
@@ -33,7 +34,8 @@ float Position(int bin, float width, float offset, const Histo_Record& record) {
     return ((static_cast<float>(bin) + 0.5F) * width + offset - record.origin) / record.bin_width;
 }
 
-/** Half-open range of frame bins that are not dropped. Positions rise with the bin, so both ends are found by halving. */
+/** Half-open range of frame bins that are not dropped. Positions rise with the bin, so both ends are found by halving.
+ */
 struct Bin_Range {
     int first = 0;
     int end = 0;
@@ -58,8 +60,10 @@ Bin_Range Kept_Bins(const Histo_Record& frame, const Histo_Record& record) {
     const auto bound = static_cast<float>(std::min(frame.nb_bins, record.nb_bins));
     Bin_Range range;
     // Truncation toward zero: everything above -1 lands on bin 0 or higher.
-    range.first = First_Bin(frame.nb_bins, [&](int bin) { return Position(bin, frame.bin_width, frame.origin, record) > -1.0F; });
-    range.end = First_Bin(frame.nb_bins, [&](int bin) { return Position(bin, frame.bin_width, frame.origin, record) >= bound; });
+    range.first =
+        First_Bin(frame.nb_bins, [&](int bin) { return Position(bin, frame.bin_width, frame.origin, record) > -1.0F; });
+    range.end = First_Bin(frame.nb_bins,
+                          [&](int bin) { return Position(bin, frame.bin_width, frame.origin, record) >= bound; });
     return range;
 }
 
@@ -76,7 +80,8 @@ void Add_By_Target(std::uint32_t* target, const std::uint32_t* source, const std
         }
         return;
     }
-    // Runs of bins with one target are summed in a register: adding bin by bin would wait for the store of the last one.
+    // Runs of bins with one target are summed in a register: adding bin by bin would wait for the store of the last
+    // one.
     for (int k = 0; k < nb;) {
         const std::int32_t at = index[k];
         std::uint32_t sum = source[k];
@@ -97,15 +102,16 @@ bool Is_Consecutive(const std::int32_t* index, int nb) {
 
 /** True when the positions of the frame's bins are finite and rise with the bin. */
 bool Is_Monotone(const Histo_Record& frame, const Histo_Record& record) {
-    return frame.bin_width > 0.0F && record.bin_width > 0.0F && std::isfinite(frame.bin_width) && std::isfinite(frame.origin) &&
-           std::isfinite(record.origin) && std::isfinite(record.bin_width);
+    return frame.bin_width > 0.0F && record.bin_width > 0.0F && std::isfinite(frame.bin_width) &&
+           std::isfinite(frame.origin) && std::isfinite(record.origin) && std::isfinite(record.bin_width);
 }
 
 struct Target_Arrays {
     std::array<std::uint32_t*, ARRAYS_NB> array{};
 };
 
-void Map_Any(const Array_List& source, int source_nb, const Histo_Record& frame, const Histo_Record& record, const Target_Arrays& target) {
+void Map_Any(const Array_List& source, int source_nb, const Histo_Record& frame, const Histo_Record& record,
+             const Target_Arrays& target) {
     const auto bound = static_cast<float>(std::min(frame.nb_bins, record.nb_bins));
     for (int bin = 0; bin < frame.nb_bins; ++bin) {
         const float position = Position(bin, frame.bin_width, frame.origin, record);
@@ -118,7 +124,8 @@ void Map_Any(const Array_List& source, int source_nb, const Histo_Record& frame,
     }
 }
 
-void Map_Monotone(const Array_List& source, int source_nb, const Histo_Record& frame, const Histo_Record& record, const Target_Arrays& target) {
+void Map_Monotone(const Array_List& source, int source_nb, const Histo_Record& frame, const Histo_Record& record,
+                  const Target_Arrays& target) {
     const Bin_Range kept = Kept_Bins(frame, record);
     const float width = frame.bin_width;
     const float offset = frame.origin;
@@ -133,12 +140,14 @@ void Map_Monotone(const Array_List& source, int source_nb, const Histo_Record& f
         const int nb = std::min(TARGETS_NB, kept.end - first);
         if (exact_inverse) {
             for (int k = 0; k < nb; ++k) {
-                const float position = ((static_cast<float>(first + k) + 0.5F) * width + offset - record_origin) * inverse;
+                const float position =
+                    ((static_cast<float>(first + k) + 0.5F) * width + offset - record_origin) * inverse;
                 index[static_cast<std::size_t>(k)] = static_cast<std::int32_t>(position);
             }
         } else {
             for (int k = 0; k < nb; ++k) {
-                const float position = ((static_cast<float>(first + k) + 0.5F) * width + offset - record_origin) / record_width;
+                const float position =
+                    ((static_cast<float>(first + k) + 0.5F) * width + offset - record_origin) / record_width;
                 index[static_cast<std::size_t>(k)] = static_cast<std::int32_t>(position);
             }
         }
@@ -160,7 +169,8 @@ void Map(const Array_List& source, const Histo_Record& frame, Histo_Record& reco
     if (source.nb == 0 || record.counts == nullptr || record.nb_bins == 0) {
         return;
     }
-    const Target_Arrays target{{record.counts, record.counts_red, record.counts_green, record.counts_blue, record.counts_component0}};
+    const Target_Arrays target{
+        {record.counts, record.counts_red, record.counts_green, record.counts_blue, record.counts_component0}};
     const int source_nb = (record.flags & HISTO_COLOR) != 0 ? source.nb : 1;
     if (Is_Monotone(frame, record)) {
         Map_Monotone(source, source_nb, frame, record, target);
@@ -187,8 +197,11 @@ Histogram_Grid Histogram_Grid_Choose(const Histogram_Extent& extent, std::uint16
     if (!(extent.finest_width > 0.0F) || !(span > 0.0F) || !std::isfinite(span)) {
         return grid;
     }
-    // The bin count falls as the factor grows: the smallest factor that fits is found by halving instead of counting up one by one.
-    const auto fits = [&](int factor) { return std::trunc(span / static_cast<float>(factor)) <= static_cast<float>(limit); };
+    // The bin count falls as the factor grows: the smallest factor that fits is found by halving instead of counting up
+    // one by one.
+    const auto fits = [&](int factor) {
+        return std::trunc(span / static_cast<float>(factor)) <= static_cast<float>(limit);
+    };
     int factor = 1;
     if (!fits(factor)) {
         int too_small = factor;
@@ -210,11 +223,13 @@ Histogram_Grid Histogram_Grid_Choose(const Histogram_Extent& extent, std::uint16
 
 Histogram_Merger::Histogram_Merger(Histo_Record& target_record) : record(target_record) {}
 
-Histogram_Merger::~Histogram_Merger() { Finish(); }
+Histogram_Merger::~Histogram_Merger() {
+    Finish();
+}
 
 bool Histogram_Merger::Same_Grid(const Histo_Record& frame) const {
-    return frame.nb_bins == pending->nb_bins && frame.origin == pending->origin && frame.bin_width == pending->bin_width &&
-           (frame.flags & HISTO_COLOR) == (pending->flags & HISTO_COLOR);
+    return frame.nb_bins == pending->nb_bins && frame.origin == pending->origin &&
+           frame.bin_width == pending->bin_width && (frame.flags & HISTO_COLOR) == (pending->flags & HISTO_COLOR);
 }
 
 void Histogram_Merger::Sum(const Histo_Record& frame) {
@@ -235,7 +250,8 @@ void Histogram_Merger::Sum(const Histo_Record& frame) {
         return;
     }
     for (int a = 0; a < next.nb; ++a) {
-        Add_Consecutive(run_sums[static_cast<std::size_t>(a)].data(), next.array[static_cast<std::size_t>(a)], frame.nb_bins);
+        Add_Consecutive(run_sums[static_cast<std::size_t>(a)].data(), next.array[static_cast<std::size_t>(a)],
+                        frame.nb_bins);
     }
 }
 

@@ -1,7 +1,8 @@
-/** Merging of per-frame histograms onto one common grid: pure numeric code over the records, no panel, no host variable.
+/** Merging of per-frame histograms onto one common grid: pure numeric code over the records, no panel, no host
+ * variable.
  *
- *  All grid arithmetic is in single precision, in the order written here; targets are truncated toward zero. Counts are unsigned and wrap, so that
- *  sums may be regrouped without changing a bit of the result.
+ *  All grid arithmetic is in single precision, in the order written here; targets are truncated toward zero. Counts are
+ * unsigned and wrap, so that sums may be regrouped without changing a bit of the result.
  */
 #pragma once
 
@@ -11,9 +12,9 @@
 
 /** Extent of the frames that take part, before the grid is chosen. */
 struct Histogram_Extent {
-    float lowest_origin = 1000000.0F;   ///< GLI
-    float highest_edge = -1000000.0F;   ///< GLI
-    float finest_width = 1000000.0F;    ///< GLI units per bin
+    float lowest_origin = 1000000.0F;  ///< GLI
+    float highest_edge = -1000000.0F;  ///< GLI
+    float finest_width = 1000000.0F;   ///< GLI units per bin
 
     /** Widens the extent by one frame's histogram; its upper edge counts with its own bin width. */
     void Add(const Histo_Record& frame);
@@ -23,8 +24,8 @@ struct Histogram_Extent {
 
 /** The common grid. */
 struct Histogram_Grid {
-    float origin = 0.0F;         ///< GLI value of the lower edge of bin 0
-    float bin_width = 1.0F;      ///< GLI units; a whole multiple of the finest frame width
+    float origin = 0.0F;     ///< GLI value of the lower edge of bin 0
+    float bin_width = 1.0F;  ///< GLI units; a whole multiple of the finest frame width
     std::uint16_t nb_bins = 1;
 };
 
@@ -35,25 +36,27 @@ Histogram_Grid Histogram_Grid_Choose(const Histogram_Extent& extent, std::uint16
 
 /** Adds frames to a merged record, frame after frame.
  *
- *  Frame bin i goes whole to record bin trunc(((i + 0.5) * frame width + frame origin - record origin) / record width). A bin is dropped when that
- *  target is negative, at or beyond the frame's own bin count (on purpose: not the record's), or beyond the record.
- *  Successive frames of one grid are summed first and mapped once.
+ *  Frame bin i goes whole to record bin trunc(((i + 0.5) * frame width + frame origin - record origin) / record width).
+ * A bin is dropped when that target is negative, at or beyond the frame's own bin count (on purpose: not the record's),
+ * or beyond the record. Successive frames of one grid are summed first and mapped once.
  */
 class Histogram_Merger {
-   public:
-    /** @param target_record grid and zeroed arrays; the component arrays may be added later, before the first colour frame is. Not owned. */
+  public:
+    /** @param target_record grid and zeroed arrays; the component arrays may be added later, before the first colour
+     * frame is. Not owned. */
     explicit Histogram_Merger(Histo_Record& target_record);
     Histogram_Merger(const Histogram_Merger&) = delete;
     Histogram_Merger& operator=(const Histogram_Merger&) = delete;
     /** Finishes what is pending. */
     ~Histogram_Merger();
 
-    /** Adds one frame. Components are added when the frame has HISTO_COLOR and the record has its arrays. The frame must live until Finish. */
+    /** Adds one frame. Components are added when the frame has HISTO_COLOR and the record has its arrays. The frame
+     * must live until Finish. */
     void Add(const Histo_Record& frame);
     /** Maps what is still summed up. The record is complete afterwards. */
     void Finish();
 
-   private:
+  private:
     static constexpr int ARRAY_NB = 5;
 
     bool Same_Grid(const Histo_Record& frame) const;

@@ -4,7 +4,8 @@
 #include <span>
 
 /** Downward zero crossing of the derivative with clear slopes on both sides.
- *  @param derivative the derivative curve; @param x a bin, 1 .. n - 1; @param gap bins on each side that must rise and fall strictly
+ *  @param derivative the derivative curve; @param x a bin, 1 .. n - 1; @param gap bins on each side that must rise and
+ * fall strictly
  *  @param slope      steepness that at least one bin on each side must exceed
  *  @param last_zero  the last crossing seen; moves to x at every crossing, also when the test fails afterwards
  *  @return 0: no candidate; otherwise how many bins may be skipped: 1 + the length of the falling side */
@@ -12,8 +13,9 @@ int Zero_Peak_Test(std::span<const float> derivative, int x, int gap, float slop
 
 /** Outcome of the data test. */
 struct Data_Peak {
-    bool is_maximum = false;  ///< the bin before x is not below data_min and no neighbour within the half width is higher
-    int drop = 0;             ///< largest fall to a neighbour, truncated to an integer
+    bool is_maximum =
+        false;     ///< the bin before x is not below data_min and no neighbour within the half width is higher
+    int drop = 0;  ///< largest fall to a neighbour, truncated to an integer
 };
 
 /** Local maximum of the filtered curve at bin x - 1 (one before x: kept on purpose). @param x 1 .. n - 1 */

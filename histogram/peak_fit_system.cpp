@@ -53,7 +53,8 @@ void Add_Shape(const Histo_Peak& peak, int column, int nb_bins, Fit_System& syst
 Fit_System Fit_System_Make(const Histo_Peak* first, std::span<const double> data) {
     const unsigned int count = Parameter_Count(first);
     const auto rows = static_cast<unsigned int>(data.size());
-    Fit_System system{Vector_N(count, ELEMENT_SIZE), Matrix_NxM(count, rows, ELEMENT_SIZE), Vector_N(rows, ELEMENT_SIZE)};
+    Fit_System system{Vector_N(count, ELEMENT_SIZE), Matrix_NxM(count, rows, ELEMENT_SIZE),
+                      Vector_N(rows, ELEMENT_SIZE)};
     std::vector<double> unit;
     try {
         unit.resize(data.size());
@@ -68,7 +69,8 @@ Fit_System Fit_System_Make(const Histo_Peak* first, std::span<const double> data
         for (int k = 0; k < peak->nb_param; ++k) {
             system.parameters[column + k] = (*peak->param)[k];
         }
-        const Peak_Parameters parameters{(*peak->param)[PEAK_CENTRE], (*peak->param)[PEAK_AMPLITUDE], (*peak->param)[PEAK_WIDTH]};
+        const Peak_Parameters parameters{(*peak->param)[PEAK_CENTRE], (*peak->param)[PEAK_AMPLITUDE],
+                                         (*peak->param)[PEAK_WIDTH]};
         if (peak->type == PEAK_GAUSS && parameters.width > 0.0) {
             Add_Gauss(parameters, column, system, unit);
         } else {

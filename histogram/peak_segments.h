@@ -18,6 +18,7 @@ struct Segment_List {
     int nb = 0;
 };
 
-/** Finds the maxima of a curve by its derivative (n >= 2 values) and shares the bins among them without gap or overlap: each valley is split at its middle,
- *  the lower half goes to the left. At most SEGMENT_MAX maxima, those of the lowest bins. */
+/** Finds the maxima of a curve by its derivative (n >= 2 values) and shares the bins among them without gap or overlap:
+ * each valley is split at its middle, the lower half goes to the left. At most SEGMENT_MAX maxima, those of the lowest
+ * bins. */
 Segment_List Segments_Find(std::span<const float> derivative);

@@ -13,7 +13,9 @@ constexpr double TWO_LN_2 = 1.386294;
 constexpr double GAUSS_CUT_OFF = 10.0;    // widths
 constexpr double LORENTZ_CUT_OFF = 50.0;  // widths
 
-double Gauss_Unit(double distance, double width) { return std::exp(-(LN_2 / (width * width)) * (distance * distance)); }
+double Gauss_Unit(double distance, double width) {
+    return std::exp(-(LN_2 / (width * width)) * (distance * distance));
+}
 
 double Lorentz_Value(double position, const Peak_Parameters& p) {
     const double distance = position - p.centre;
@@ -87,20 +89,23 @@ double Shape_Value(std::uint8_t type, double position, const Peak_Parameters& pa
         case PEAK_GAUSS:
             return Gauss_Value(position, parameters);
         case PEAK_MIXED:
-            return mix_ratio * Lorentz_Value(position, parameters) + (1.0 - mix_ratio) * Gauss_Value(position, parameters);
+            return mix_ratio * Lorentz_Value(position, parameters) +
+                   (1.0 - mix_ratio) * Gauss_Value(position, parameters);
         default:
             return 0.0;
     }
 }
 
-double Shape_Derivative(std::uint8_t type, std::uint8_t index, double position, const Peak_Parameters& parameters, double mix_ratio) {
+double Shape_Derivative(std::uint8_t type, std::uint8_t index, double position, const Peak_Parameters& parameters,
+                        double mix_ratio) {
     switch (type) {
         case PEAK_LORENTZ:
             return Lorentz_Derivative(index, position, parameters);
         case PEAK_GAUSS:
             return Gauss_Derivative(index, position, parameters);
         case PEAK_MIXED:
-            return mix_ratio * Lorentz_Derivative(index, position, parameters) + (1.0 - mix_ratio) * Gauss_Derivative(index, position, parameters);
+            return mix_ratio * Lorentz_Derivative(index, position, parameters) +
+                   (1.0 - mix_ratio) * Gauss_Derivative(index, position, parameters);
         default:
             return 0.0;
     }
@@ -113,7 +118,8 @@ Bin_Span Gauss_Support(const Peak_Parameters& parameters, int nb_bins) {
     if (!(first <= last) || nb_bins <= 0 || last < 0.0 || first > static_cast<double>(nb_bins - 1)) {
         return {};
     }
-    Bin_Span support{static_cast<int>(std::max(first, 0.0)), static_cast<int>(std::min(last, static_cast<double>(nb_bins - 1)))};
+    Bin_Span support{static_cast<int>(std::max(first, 0.0)),
+                     static_cast<int>(std::min(last, static_cast<double>(nb_bins - 1)))};
     // The cut-off is tested on the rounded distance: settle the two ends by that very test.
     const auto inside = [&](int bin) { return !(std::abs(static_cast<double>(bin) - parameters.centre) > reach); };
     while (support.first > 0 && inside(support.first - 1)) {
@@ -140,7 +146,8 @@ void Gauss_Unit_Values(const Peak_Parameters& parameters, const Bin_Span& suppor
         return;
     }
     const double sharpness = LN_2 / (parameters.width * parameters.width);
-    const int start = static_cast<int>(std::clamp(std::round(parameters.centre), static_cast<double>(support.first), static_cast<double>(support.last)));
+    const int start = static_cast<int>(std::clamp(std::round(parameters.centre), static_cast<double>(support.first),
+                                                  static_cast<double>(support.last)));
     const double distance = static_cast<double>(start) - parameters.centre;
     const double second = std::exp(-2.0 * sharpness);
     const double at_start = std::exp(-sharpness * (distance * distance));

@@ -11,13 +11,15 @@ struct Peak_Parameters {
     double width = 0.0;      ///< bins
 };
 
-/** Shape value at a position; 0 beyond the cut-off (10 widths for the Gaussian, 50 for the Lorentzian) and for an unknown shape. A width of 0 gives the
- *  amplitude at the centre and 0 elsewhere. @param mix_ratio weight of the Lorentzian in the mixed shape */
+/** Shape value at a position; 0 beyond the cut-off (10 widths for the Gaussian, 50 for the Lorentzian) and for an
+ * unknown shape. A width of 0 gives the amplitude at the centre and 0 elsewhere. @param mix_ratio weight of the
+ * Lorentzian in the mixed shape */
 double Shape_Value(std::uint8_t type, double position, const Peak_Parameters& parameters, double mix_ratio);
 
-/** Partial derivative by parameter 0 centre, 1 amplitude, 2 width; 0 beyond the cut-off, for an unknown shape or index, and for a width of 0 (but 1 by the
- *  amplitude at the centre). */
-double Shape_Derivative(std::uint8_t type, std::uint8_t index, double position, const Peak_Parameters& parameters, double mix_ratio);
+/** Partial derivative by parameter 0 centre, 1 amplitude, 2 width; 0 beyond the cut-off, for an unknown shape or index,
+ * and for a width of 0 (but 1 by the amplitude at the centre). */
+double Shape_Derivative(std::uint8_t type, std::uint8_t index, double position, const Peak_Parameters& parameters,
+                        double mix_ratio);
 
 /** Bins first .. last (both included) in which a shape may differ from 0; first > last: none. */
 struct Bin_Span {
@@ -29,8 +31,8 @@ struct Bin_Span {
 Bin_Span Gauss_Support(const Peak_Parameters& parameters, int nb_bins);
 
 /** Values of a Gaussian of amplitude 1 at the bins of its support, one element per bin from `support.first` on.
- *  Forward differencing of the exponent from the centre outwards: two multiplications per bin instead of an exponential; relative error below 1e-8 over any
- *  support. @param unit support.last - support.first + 1 values */
+ *  Forward differencing of the exponent from the centre outwards: two multiplications per bin instead of an
+ * exponential; relative error below 1e-8 over any support. @param unit support.last - support.first + 1 values */
 void Gauss_Unit_Values(const Peak_Parameters& parameters, const Bin_Span& support, std::span<double> unit);
 
 /** Derivatives of a Gaussian at a bin, from its unit value there. */

@@ -36,7 +36,9 @@ struct Sse2 {
     static Float Subtract(Float a, Float b) { return _mm_sub_ps(a, b); }
     static Float Positive(Float a) { return _mm_max_ps(a, _mm_setzero_ps()); }
     static Float Is_Less(Float a, Float b) { return _mm_cmplt_ps(a, b); }
-    static Integer Count(Integer count, Float fell, Float falls) { return _mm_sub_epi32(count, _mm_castps_si128(_mm_andnot_ps(fell, falls))); }
+    static Integer Count(Integer count, Float fell, Float falls) {
+        return _mm_sub_epi32(count, _mm_castps_si128(_mm_andnot_ps(fell, falls)));
+    }
     static Float Narrow(const Double* two) { return _mm_movelh_ps(_mm_cvtpd_ps(two[0]), _mm_cvtpd_ps(two[1])); }
     static Double Shift(Double before, Double here) { return _mm_shuffle_pd(before, here, 1); }
     static Double Shift_In(double first, Double here) { return _mm_shuffle_pd(_mm_set1_pd(first), here, 0); }
@@ -78,16 +80,19 @@ int Plain_Pass(std::span<double> curve, float threshold) {
 }
 
 int Lanes_Of(Smoothing_Path path, std::size_t n, std::size_t scratch) {
-    const int lanes = path == Smoothing_Path::Wide ? SMOOTHING_WIDE_LANES : (path == Smoothing_Path::Baseline ? Sse2::LANES : 1);
+    const int lanes =
+        path == Smoothing_Path::Wide ? SMOOTHING_WIDE_LANES : (path == Smoothing_Path::Baseline ? Sse2::LANES : 1);
     return lanes > 1 && scratch == n && n >= static_cast<std::size_t>(4 * lanes) ? lanes : 1;
 }
 
 }  // namespace
 
-Smoothing_Path Smoothing_Path_Best() { return Processor_Has_Avx2() ? Smoothing_Path::Wide : Smoothing_Path::Baseline; }
+Smoothing_Path Smoothing_Path_Best() {
+    return Processor_Has_Avx2() ? Smoothing_Path::Wide : Smoothing_Path::Baseline;
+}
 
-Smoothing_Result Smooth_To_Maxima(std::span<double> curve, std::span<double> scratch, const Smoothing_Options& options, Smoothing_Path path,
-                                  Smoothing_Pass_Sink sink, void* context) {
+Smoothing_Result Smooth_To_Maxima(std::span<double> curve, std::span<double> scratch, const Smoothing_Options& options,
+                                  Smoothing_Path path, Smoothing_Pass_Sink sink, void* context) {
     Smoothing_Result result;
     const auto n = static_cast<int>(curve.size());
     const int lanes = Lanes_Of(path, curve.size(), scratch.size());

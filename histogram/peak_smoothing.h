@@ -1,9 +1,12 @@
-/** Repeated smoothing of a curve until it has few enough maxima: the numeric core of the derivative peak finder. Pure code over spans.
+/** Repeated smoothing of a curve until it has few enough maxima: the numeric core of the derivative peak finder. Pure
+ * code over spans.
  *
- *  One pass smooths in place, ascending: every bin becomes the weighted mean of itself (2), its already smoothed left neighbour (1; not for bin 1: bin 0
- *  never enters, on purpose) and its right neighbour (1). Then bin 0 takes bin 1's value. Passes accumulate.
+ *  One pass smooths in place, ascending: every bin becomes the weighted mean of itself (2), its already smoothed left
+ * neighbour (1; not for bin 1: bin 0 never enters, on purpose) and its right neighbour (1). Then bin 0 takes bin 1's
+ * value. Passes accumulate.
  *
- *  After every pass the maxima of the thresholded curve are counted: the bins i with d[i] >= 0 and d[i + 1] < 0 of the derivative below.
+ *  After every pass the maxima of the thresholded curve are counted: the bins i with d[i] >= 0 and d[i + 1] < 0 of the
+ * derivative below.
  */
 #pragma once
 
@@ -25,9 +28,9 @@ struct Smoothing_Result {
 
 /** Instruction sets of the smoothing loop. All give the same bits. */
 enum class Smoothing_Path {
-    Plain,    ///< one pass at a time
-    Baseline, ///< several passes in flight, two bins apart, SSE2
-    Wide,     ///< the same with AVX2; only where the processor has it
+    Plain,     ///< one pass at a time
+    Baseline,  ///< several passes in flight, two bins apart, SSE2
+    Wide,      ///< the same with AVX2; only where the processor has it
 };
 
 /** The fastest path that this processor runs. */
@@ -37,9 +40,10 @@ Smoothing_Path Smoothing_Path_Best();
  *  @param scratch as many bins as the curve; without it (another size) the plain path is taken
  *  @param sink    may be null
  */
-Smoothing_Result Smooth_To_Maxima(std::span<double> curve, std::span<double> scratch, const Smoothing_Options& options, Smoothing_Path path,
-                                  Smoothing_Pass_Sink sink, void* context);
+Smoothing_Result Smooth_To_Maxima(std::span<double> curve, std::span<double> scratch, const Smoothing_Options& options,
+                                  Smoothing_Path path, Smoothing_Pass_Sink sink, void* context);
 
-/** The derivative of the thresholded curve, in single precision: d[i] = max(0, f[i + 1] - T) - max(0, f[i - 1] - T) for i = 1 .. n - 2, d[0] = 0,
- *  d[n - 1] = d[n - 2]. Each f is rounded to single precision before T is subtracted. Both spans have n >= 2 bins. */
+/** The derivative of the thresholded curve, in single precision: d[i] = max(0, f[i + 1] - T) - max(0, f[i - 1] - T) for
+ * i = 1 .. n - 2, d[0] = 0, d[n - 1] = d[n - 2]. Each f is rounded to single precision before T is subtracted. Both
+ * spans have n >= 2 bins. */
 void Thresholded_Derivative(std::span<const double> curve, float threshold, std::span<float> derivative);

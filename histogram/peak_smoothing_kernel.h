@@ -1,28 +1,31 @@
 /** The loop of peak_smoothing.cpp for one instruction set: LANES passes in flight, two bins apart.
  *
- *  Pass p + 1 may treat a bin once pass p has treated the next one. So lane k works on bin s - 2k in step s: its right neighbour is what lane k - 1 made in
- *  the step before, its own old value what lane k - 1 made two steps before. One step costs the latency of two additions and one multiplication, whatever
- *  the number of lanes. x 0.25 equals / 4 exactly.
+ *  Pass p + 1 may treat a bin once pass p has treated the next one. So lane k works on bin s - 2k in step s: its right
+ * neighbour is what lane k - 1 made in the step before, its own old value what lane k - 1 made two steps before. One
+ * step costs the latency of two additions and one multiplication, whatever the number of lanes. x 0.25 equals / 4
+ * exactly.
  *
- *  Included once per instruction set. Calls nothing of the standard library: an inline function compiled here for a newer processor could be the copy that
- *  the linker keeps for everybody.
+ *  Included once per instruction set. Calls nothing of the standard library: an inline function compiled here for a
+ * newer processor could be the copy that the linker keeps for everybody.
  */
 #pragma once
 
 /** State of all lanes between the scalar ends of the curve and the vector middle. */
 template <int LANES>
 struct Smoothing_Lanes {
-    alignas(32) double made[LANES];      ///< what each lane made in the last step
-    alignas(32) double waiting[LANES];   ///< the value of the pass before at the bin that each lane treats next
-    alignas(32) float level_1[LANES];    ///< thresholded value one bin back
-    alignas(32) float level_2[LANES];    ///< two bins back
-    alignas(32) int fell[LANES];         ///< -1: the derivative one bin back was negative, else 0
+    alignas(32) double made[LANES];     ///< what each lane made in the last step
+    alignas(32) double waiting[LANES];  ///< the value of the pass before at the bin that each lane treats next
+    alignas(32) float level_1[LANES];   ///< thresholded value one bin back
+    alignas(32) float level_2[LANES];   ///< two bins back
+    alignas(32) int fell[LANES];        ///< -1: the derivative one bin back was negative, else 0
     alignas(32) int maxima[LANES];
 };
 
-/** One lane, one bin, with the rules of both ends of the curve. `right` is the pass before at bin + 1 (not used at the last bin). */
+/** One lane, one bin, with the rules of both ends of the curve. `right` is the pass before at bin + 1 (not used at the
+ * last bin). */
 template <int LANES>
-inline void Smoothing_Lane_Step(Smoothing_Lanes<LANES>& lanes, int lane, int bin, int n, double right, float threshold) {
+inline void Smoothing_Lane_Step(Smoothing_Lanes<LANES>& lanes, int lane, int bin, int n, double right,
+                                float threshold) {
     const double own = lanes.waiting[lane];
     double sum = 2.0 * own;
     double weight = 2.0;
@@ -130,7 +133,8 @@ inline void Smoothing_Middle(Smoothing_Lanes<Set::LANES>& lanes, double* curve, 
     }
 }
 
-/** Set::LANES passes over a curve of n >= 4 x LANES bins. @param maxima receives LANES counts, in order of the passes */
+/** Set::LANES passes over a curve of n >= 4 x LANES bins. @param maxima receives LANES counts, in order of the passes
+ */
 template <class Set>
 inline void Smoothing_Group(double* curve, int n, float threshold, int* maxima) {
     Smoothing_Lanes<Set::LANES> lanes = {};

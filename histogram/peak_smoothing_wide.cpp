@@ -44,9 +44,13 @@ struct Avx2 {
     static Double Shift_In(double first, Double here) {
         return _mm256_shuffle_pd(_mm256_permute2f128_pd(_mm256_set1_pd(first), here, 0x20), here, 0x4);
     }
-    static double Last(Double value) { return _mm_cvtsd_f64(_mm_unpackhi_pd(_mm256_extractf128_pd(value, 1), _mm256_extractf128_pd(value, 1))); }
+    static double Last(Double value) {
+        return _mm_cvtsd_f64(_mm_unpackhi_pd(_mm256_extractf128_pd(value, 1), _mm256_extractf128_pd(value, 1)));
+    }
 };
 
 }  // namespace
 
-void Smoothing_Group_Wide(double* curve, int n, float threshold, int* maxima) { Smoothing_Group<Avx2>(curve, n, threshold, maxima); }
+void Smoothing_Group_Wide(double* curve, int n, float threshold, int* maxima) {
+    Smoothing_Group<Avx2>(curve, n, threshold, maxima);
+}

@@ -6,9 +6,13 @@ Plot_Scale::Plot_Scale(const Plot_Rectangle& plot_rectangle, const Plot_Bins& pl
     : rectangle(plot_rectangle),
       bins(plot_bins),
       count_full(full_count),
-      column_step(plot_bins.nb_bins > 0 ? static_cast<float>(plot_rectangle.width) / static_cast<float>(plot_bins.nb_bins) : 0.0F) {}
+      column_step(plot_bins.nb_bins > 0
+                      ? static_cast<float>(plot_rectangle.width) / static_cast<float>(plot_bins.nb_bins)
+                      : 0.0F) {}
 
-int Plot_Scale::Bin_To_Column(int bin) const { return rectangle.left + static_cast<int>(static_cast<float>(bin) * column_step); }
+int Plot_Scale::Bin_To_Column(int bin) const {
+    return rectangle.left + static_cast<int>(static_cast<float>(bin) * column_step);
+}
 
 int Plot_Scale::Column_To_Bin(int column) const {
     if (Is_Empty() || column < rectangle.left) {
@@ -46,4 +50,6 @@ int Plot_Scale::Level_To_Bin(float level) const {
     return bin >= static_cast<float>(bins.nb_bins - 1) ? bins.nb_bins - 1 : static_cast<int>(bin);
 }
 
-float Plot_Scale::Bin_To_Level(int bin) const { return (static_cast<float>(bin) + 0.5F) * bins.bin_width + bins.origin; }
+float Plot_Scale::Bin_To_Level(int bin) const {
+    return (static_cast<float>(bin) + 0.5F) * bins.bin_width + bins.origin;
+}

@@ -1,9 +1,11 @@
-/** How data becomes pixels and back: one definition for the panel, its cursor, the TAG bands and the enlarged window. Pure numbers. */
+/** How data becomes pixels and back: one definition for the panel, its cursor, the TAG bands and the enlarged window.
+ * Pure numbers. */
 #pragma once
 
 #include <cstdint>
 
-/** A plot rectangle in pixels: columns left .. left + width - 1; heights are measured up from the base line, 0 .. height. */
+/** A plot rectangle in pixels: columns left .. left + width - 1; heights are measured up from the base line, 0 ..
+ * height. */
 struct Plot_Rectangle {
     int left = 0;
     int width = 0;   ///< 0 or less: nothing can be drawn
@@ -18,9 +20,10 @@ struct Plot_Bins {
     float bin_width = 1.0F;  ///< GLI units
 };
 
-/** Maps bins, grey levels and counts of the panel's small plot. All products are single precision, truncated toward zero. */
+/** Maps bins, grey levels and counts of the panel's small plot. All products are single precision, truncated toward
+ * zero. */
 class Plot_Scale {
-   public:
+  public:
     /** @param full_count the count that reaches the top of the plot: the largest count times the magnification */
     Plot_Scale(const Plot_Rectangle& plot_rectangle, const Plot_Bins& plot_bins, float full_count);
 
@@ -41,7 +44,7 @@ class Plot_Scale {
     const Plot_Rectangle& Rectangle() const { return rectangle; }
     const Plot_Bins& Bins() const { return bins; }
 
-   private:
+  private:
     Plot_Rectangle rectangle;
     Plot_Bins bins;
     float count_full;

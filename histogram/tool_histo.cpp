@@ -17,7 +17,8 @@ namespace {
 constexpr float VALUATOR_STEP = 0.05F;
 
 short To_Short(int value) {
-    return static_cast<short>(std::clamp<int>(value, std::numeric_limits<short>::min(), std::numeric_limits<short>::max()));
+    return static_cast<short>(
+        std::clamp<int>(value, std::numeric_limits<short>::min(), std::numeric_limits<short>::max()));
 }
 
 void Place(Tools& widget, const Histo_Rectangle& rectangle) {
@@ -92,7 +93,10 @@ Tool_Histo::Tool_Histo() : data(Data_Make()) {
     Histo_Window_Panel_Born();
 }
 
-Tool_Histo::Tool_Histo(const Tool_Histo& other) = default;
+// A copy is one more living panel for the enlarged window's class.
+Tool_Histo::Tool_Histo(const Tool_Histo& other) : Tool_Histo() {
+    *this = other;
+}
 Tool_Histo& Tool_Histo::operator=(const Tool_Histo& other) = default;
 
 Tool_Histo::~Tool_Histo() {
@@ -196,7 +200,8 @@ void Tool_Histo::Leave() {
 
 void Tool_Histo::Update(unsigned __int64 flags) {
     Error_Fct(hwnd, TRACE_LEVEL, "in Tool_Histo::Update()");
-    // The rows run in this order and a recomputation does not paint by itself: a host that wants the picture at once sends UPDATE_HISTO_PAINT too.
+    // The rows run in this order and a recomputation does not paint by itself: a host that wants the picture at once
+    // sends UPDATE_HISTO_PAINT too.
     if (Has_All(flags, UPDATE_SELECTION | UPDATE_LEVEL_2D)) {
         Histo_Compute(*this);
         Histo_Window_Notify(HISTO_WINDOW_DATA);

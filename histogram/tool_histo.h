@@ -1,7 +1,8 @@
-/** The histogram panel: the grey-level histogram of the selected frames of the current window, with TAG bands, a cursor at the grey level under the
- *  image mouse, an enlarged window, automatic peak analysis and export to a text file.
+/** The histogram panel: the grey-level histogram of the selected frames of the current window, with TAG bands, a cursor
+ * at the grey level under the image mouse, an enlarged window, automatic peak analysis and export to a text file.
  *
- *  The host constructs the panel, gives it a rectangle by Resize, and then forwards events and change flags. Everything runs on the user-interface thread.
+ *  The host constructs the panel, gives it a rectangle by Resize, and then forwards events and change flags. Everything
+ * runs on the user-interface thread.
  */
 #pragma once
 
@@ -14,26 +15,28 @@
 
 struct Histo_Peak;
 
-inline constexpr int HISTO_LABEL_SIZE = 80;   ///< bytes of an axis label, its zero included
-inline constexpr int HISTO_RANGE_MAX = 32;    ///< TAG ranges that can be shaded
+inline constexpr int HISTO_LABEL_SIZE = 80;  ///< bytes of an axis label, its zero included
+inline constexpr int HISTO_RANGE_MAX = 32;   ///< TAG ranges that can be shaded
 inline constexpr float HISTO_SCALE_MIN = 0.001F;
 inline constexpr float HISTO_SCALE_MAX = 1.0F;
 
-/** What a panel computed. Shared by the copies of a panel: recomputing in one is seen by the other; the last one frees it. */
+/** What a panel computed. Shared by the copies of a panel: recomputing in one is seen by the other; the last one frees
+ * it. */
 struct KIT_PANELS_API Histo_Data {
     Histo_Data() = default;
     ~Histo_Data();
     Histo_Data(const Histo_Data&) = delete;
     Histo_Data& operator=(const Histo_Data&) = delete;
 
-    Histo_Record* record = nullptr;  ///< null until the first computation; test `counts` too: an emptied record has none
-    double* filtered = nullptr;      ///< smoothed curve of the last analysis, `curve_nb` values, or null
-    float* derivative = nullptr;     ///< derivative curve, `curve_nb` values, or null
-    float* fit_sum = nullptr;        ///< sum of the starting curves of the Gaussian fit, `curve_nb` values, or null
-    float* fit_spare = nullptr;      ///< released by the derivative method, filled by nothing
-    int curve_nb = 0;                ///< bins of the curves above: the grid of the last analysis, which may be older than the record
-    int peak_nb = 0;                 ///< length of the list
-    Histo_Peak* peak_first = nullptr;///< peaks by ascending centre
+    Histo_Record* record =
+        nullptr;                  ///< null until the first computation; test `counts` too: an emptied record has none
+    double* filtered = nullptr;   ///< smoothed curve of the last analysis, `curve_nb` values, or null
+    float* derivative = nullptr;  ///< derivative curve, `curve_nb` values, or null
+    float* fit_sum = nullptr;     ///< sum of the starting curves of the Gaussian fit, `curve_nb` values, or null
+    float* fit_spare = nullptr;   ///< released by the derivative method, filled by nothing
+    int curve_nb = 0;  ///< bins of the curves above: the grid of the last analysis, which may be older than the record
+    int peak_nb = 0;   ///< length of the list
+    Histo_Peak* peak_first = nullptr;  ///< peaks by ascending centre
 
     /** True when there is a record with counts. */
     bool Has_Counts() const { return record != nullptr && record->counts != nullptr; }
@@ -48,7 +51,7 @@ struct KIT_PANELS_API Histo_Data {
 };
 
 class KIT_PANELS_API Tool_Histo : public Boxs {
-   public:
+  public:
     Tool_Histo();
     ~Tool_Histo();
     Tool_Histo(const Tool_Histo& other);
@@ -56,7 +59,8 @@ class KIT_PANELS_API Tool_Histo : public Boxs {
 
     /** Any height will do. @return the height wanted, as given */
     int Height(unsigned short wanted);
-    /** Lays the panel out in the host's box: plot, magnification valuator, "Blow" button. Resets the magnification. @return 1 */
+    /** Lays the panel out in the host's box: plot, magnification valuator, "Blow" button. Resets the magnification.
+     * @return 1 */
     int Resize(Boxs* box);
     void Draw();
     /** @return 1 when the press fell on the button or the valuator, else 0 */
@@ -68,32 +72,35 @@ class KIT_PANELS_API Tool_Histo : public Boxs {
     int Keyboard(int key);
     void Leave();
     void Update(unsigned __int64 flags);
-    /** Sets the TAG ranges to shade: n (0 .. 32, read as a signed 16-bit number) groups of TAG number (int), minimum and maximum (double, GLI). Repaints
-     *  nothing. @return 1; 0 when n is out of range (the old ranges stay) */
+    /** Sets the TAG ranges to shade: n (0 .. 32, read as a signed 16-bit number) groups of TAG number (int), minimum
+     * and maximum (double, GLI). Repaints nothing. @return 1; 0 when n is out of range (the old ranges stay) */
     int Set(int n, ...);
-    /** Writes histogram, TAG membership and peaks to a text file. @param path file to create or replace. @return 1; 0 on failure, reported */
+    /** Writes histogram, TAG membership and peaks to a text file. @param path file to create or replace. @return 1; 0
+     * on failure, reported */
     int Write(const char* path);
-    /** Cuts the curve into segments around its maxima. @param max_peak largest number of peaks wanted. @return 0 without counts, else 1 */
+    /** Cuts the curve into segments around its maxima. @param max_peak largest number of peaks wanted. @return 0
+     * without counts, else 1 */
     int Fit_Derivative(unsigned char max_peak);
     /** Fits Gaussian peaks to the filtered curve. @return 0 without counts, else 1 */
     int Fit_Gaussian();
 
     Buttons blow_button;
     Valuators scale_valuator;
-    float scale = HISTO_SCALE_MAX;             ///< fraction of the largest count that reaches the top of the plot
+    float scale = HISTO_SCALE_MAX;  ///< fraction of the largest count that reaches the top of the plot
     char x_label[HISTO_LABEL_SIZE] = {};
     char y_label[HISTO_LABEL_SIZE] = {};
     char source_label[HISTO_LABEL_SIZE] = {};  ///< the frames' common descriptor, or "mix"
     std::shared_ptr<Histo_Data> data;          ///< never null but after a failed allocation
-    int cursor_position = -1;                  ///< column of the cursor line; -1 after a repaint, 0 when no line is shown
-    unsigned char color_component = 0;         ///< value of "$GLI_COLOR_COMPONENT"
+    int cursor_position = -1;           ///< column of the cursor line; -1 after a repaint, 0 when no line is shown
+    unsigned char color_component = 0;  ///< value of "$GLI_COLOR_COMPONENT"
     std::uint16_t range_nb = 0;
     std::uint16_t range_tag[HISTO_RANGE_MAX] = {};
-    float range_min[HISTO_RANGE_MAX] = {};     ///< GLI
-    float range_max[HISTO_RANGE_MAX] = {};     ///< GLI
+    float range_min[HISTO_RANGE_MAX] = {};  ///< GLI
+    float range_max[HISTO_RANGE_MAX] = {};  ///< GLI
 };
 
-/** Merges the stored histograms of the selected frames of the current window into the panel's record. @return 1 when a histogram was built */
+/** Merges the stored histograms of the selected frames of the current window into the panel's record. @return 1 when a
+ * histogram was built */
 int Histo_Compute(Tool_Histo& panel);
 /** Paints the plot. @return 0 without counts, else 1 */
 int Histo_Paint(Tool_Histo& panel);

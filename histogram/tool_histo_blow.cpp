@@ -6,7 +6,8 @@
 
 Histo_Blow_State histo_blow;
 
-std::intptr_t __stdcall WndProc_Histo_Blow(HWND window, unsigned int message, std::uintptr_t wparam, std::intptr_t lparam) {
+std::intptr_t __stdcall WndProc_Histo_Blow(HWND window, unsigned int message, std::uintptr_t wparam,
+                                           std::intptr_t lparam) {
     switch (message) {
         case WM_CREATE:
             histo_blow.window = window;
@@ -33,7 +34,8 @@ void Histo_Blow_Touch_Register(HWND window) {
     // Looked up at run time: not every system that runs the module has it.
     using Register_Fct = BOOL(WINAPI*)(HWND, ULONG);
     const HMODULE user = ::GetModuleHandleA("user32.dll");
-    const auto address = reinterpret_cast<void (*)()>(user != nullptr ? ::GetProcAddress(user, "RegisterTouchWindow") : nullptr);
+    const auto address =
+        reinterpret_cast<void (*)()>(user != nullptr ? ::GetProcAddress(user, "RegisterTouchWindow") : nullptr);
     if (address != nullptr) {
         reinterpret_cast<Register_Fct>(address)(window, 0);
     }

@@ -16,7 +16,8 @@ extern Histo_Blow_State histo_blow;
 
 /** Window procedure of the class "Histogram". */
 #if defined(_WIN32)
-std::intptr_t __stdcall WndProc_Histo_Blow(HWND window, unsigned int message, std::uintptr_t wparam, std::intptr_t lparam);
+std::intptr_t __stdcall WndProc_Histo_Blow(HWND window, unsigned int message, std::uintptr_t wparam,
+                                           std::intptr_t lparam);
 #endif
 
 /** Registers the window for touch input where the system has it. */

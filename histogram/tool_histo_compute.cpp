@@ -47,8 +47,9 @@ struct Compute_Settings {
 
 /** One pass over the selected frames of a window; closed by its destructor. */
 class Selected_Frames {
-   public:
-    explicit Selected_Frames(Quorel_Window* frames_window) : window(frames_window), handle(Iterator_Init(ITERATOR_NAME, nullptr)) {}
+  public:
+    explicit Selected_Frames(Quorel_Window* frames_window)
+        : window(frames_window), handle(Iterator_Init(ITERATOR_NAME, nullptr)) {}
     ~Selected_Frames() {
         if (handle != 0) {
             Iterator_End(handle);
@@ -60,7 +61,7 @@ class Selected_Frames {
     bool Is_Open() const { return handle != 0; }
     Quorel_2D* Next() { return handle != 0 ? Iterator_Class_2D(handle, CLASS_MASK_2D, window, 1) : nullptr; }
 
-   private:
+  private:
     Quorel_Window* window;
     unsigned short handle;
 };
@@ -86,7 +87,8 @@ std::uint32_t* Counts_Allocate(int nb_bins, int line) {
     return counts;
 }
 
-/** Adds the component arrays to the record at its first colour frame. Arrays made before a failure stay with the record. */
+/** Adds the component arrays to the record at its first colour frame. Arrays made before a failure stay with the
+ * record. */
 bool Components_Allocate(Histo_Record& record) {
     record.flags |= HISTO_COLOR;
     record.counts_red = Counts_Allocate(record.nb_bins, LINE_RED);
@@ -151,7 +153,8 @@ bool Record_Prepare(Histo_Data& data) {
     }
     data.record = new (std::nothrow) Histo_Record();
     if (data.record == nullptr) {
-        Error_Fct(hwnd, MESSAGE_MEMORY, HISTO_MESSAGE_CALLOC, LINE_RECORD, TOOL_HISTO_SOURCE, "histo", static_cast<int>(sizeof(Histo_Record)), 1);
+        Error_Fct(hwnd, MESSAGE_MEMORY, HISTO_MESSAGE_CALLOC, LINE_RECORD, TOOL_HISTO_SOURCE, "histo",
+                  static_cast<int>(sizeof(Histo_Record)), 1);
     }
     return data.record != nullptr;
 }

@@ -19,7 +19,9 @@ constexpr int LINE_RECORD = 48;  // hosts match these two
 constexpr int LINE_CURVE = 280;
 constexpr int TRACE_STEP = 11;
 
-void Trace_Pass(void* /*context*/, int pass, int maxima) { Error_Fct(hwnd, TRACE_STEP, "loop:%03d nb peak:%d", pass, maxima); }
+void Trace_Pass(void* /*context*/, int pass, int maxima) {
+    Error_Fct(hwnd, TRACE_STEP, "loop:%03d nb peak:%d", pass, maxima);
+}
 
 /** T = S / (2000 x m x m), everything in single precision; infinite or not a number for m = 0. */
 float Threshold_Of(std::span<const double> curve, std::uint8_t max_peak) {
@@ -31,7 +33,9 @@ float Threshold_Of(std::span<const double> curve, std::uint8_t max_peak) {
     return sum / (2000.0F * m * m);
 }
 
-void Report_Memory(int line) { Error_Fct(hwnd, MESSAGE_MEMORY, HISTO_MESSAGE_NEW, line, TOOL_HISTO_DERIVATIVE_SOURCE); }
+void Report_Memory(int line) {
+    Error_Fct(hwnd, MESSAGE_MEMORY, HISTO_MESSAGE_NEW, line, TOOL_HISTO_DERIVATIVE_SOURCE);
+}
 
 void Curves_Make(Histo_Data& data) {
     for (Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next) {
@@ -55,7 +59,8 @@ std::unique_ptr<double[]> Source_Curve_Make(const Tool_Histo& panel) {
 
 }  // namespace
 
-Histo_Peak* Peak_Segment_Add(Tool_Histo& panel, Histo_Peak*& tail, std::int32_t centre, std::int32_t first, std::int32_t last) {
+Histo_Peak* Peak_Segment_Add(Tool_Histo& panel, Histo_Peak*& tail, std::int32_t centre, std::int32_t first,
+                             std::int32_t last) {
     Histo_Peak* peak = Peak_Make(PEAK_SEGMENT, false);
     if (peak == nullptr) {
         Report_Memory(LINE_RECORD);
@@ -93,8 +98,8 @@ void Peak_Find_Segments(Tool_Histo& panel, int n, const double* curve, std::uint
     const std::unique_ptr<double[]> scratch(new (std::nothrow) double[source.size()]);
     const std::span<double> filtered(data.filtered, source.size());
     const std::span<float> derivative(data.derivative, source.size());
-    Smooth_To_Maxima(filtered, {scratch.get(), scratch != nullptr ? source.size() : 0}, {threshold, max_peak, MAX_PASSES}, Smoothing_Path_Best(), Trace_Pass,
-                     nullptr);
+    Smooth_To_Maxima(filtered, {scratch.get(), scratch != nullptr ? source.size() : 0},
+                     {threshold, max_peak, MAX_PASSES}, Smoothing_Path_Best(), Trace_Pass, nullptr);
     Thresholded_Derivative(filtered, threshold, derivative);
 
     const Segment_List segments = Segments_Find(derivative);
@@ -112,7 +117,8 @@ void Peak_Find_Segments(Tool_Histo& panel, int n, const double* curve, std::uint
 
 void Peak_Source_Curve(const Tool_Histo& panel, double* curve) {
     const Histo_Record& record = *panel.data->record;
-    const std::array<const std::uint32_t*, 5> by_component = {record.counts_component0, record.counts_red, record.counts_green, record.counts_blue, record.counts};
+    const std::array<const std::uint32_t*, 5> by_component = {record.counts_component0, record.counts_red,
+                                                              record.counts_green, record.counts_blue, record.counts};
     const std::uint32_t* counts = record.counts;
     if ((record.flags & HISTO_COLOR) != 0) {
         counts = panel.color_component < by_component.size() ? by_component[panel.color_component] : nullptr;

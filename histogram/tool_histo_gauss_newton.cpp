@@ -1,5 +1,5 @@
-// The Gaussian fit: filters the curve, places a candidate at every clear maximum, and refines all of them together by Gauss-Newton least squares
-// (linearised normal equations, undamped, with bounded parameters and pruning).
+// The Gaussian fit: filters the curve, places a candidate at every clear maximum, and refines all of them together by
+// Gauss-Newton least squares (linearised normal equations, undamped, with bounded parameters and pruning).
 #include <algorithm>
 #include <cmath>
 #include <memory>
@@ -30,12 +30,16 @@ constexpr float DATA_WIDTH = 10.0F;      // bins
 constexpr int DATA_SKIP = 5;             // bins
 constexpr double STOP_CHANGE = 0.1;      // change of the squared error that ends the fit
 constexpr int ITERATION_MAX = 10;
-constexpr double RUNAWAY = 1000.0;       // times the larger bound
-constexpr float NEIGHBOUR_MIN = 10.0F;   // bins between two centres
+constexpr double RUNAWAY = 1000.0;      // times the larger bound
+constexpr float NEIGHBOUR_MIN = 10.0F;  // bins between two centres
 
-void Report_Memory(int line) { Error_Fct(hwnd, MESSAGE_MEMORY, HISTO_MESSAGE_NEW, line, TOOL_HISTO_GAUSS_NEWTON_SOURCE); }
+void Report_Memory(int line) {
+    Error_Fct(hwnd, MESSAGE_MEMORY, HISTO_MESSAGE_NEW, line, TOOL_HISTO_GAUSS_NEWTON_SOURCE);
+}
 
-double Param(const Histo_Peak& peak, int index) { return (*peak.param)[index]; }
+double Param(const Histo_Peak& peak, int index) {
+    return (*peak.param)[index];
+}
 
 void Moving_Mean(std::span<const double> curve, double* filtered) {
     const auto n = static_cast<int>(curve.size());
@@ -198,7 +202,8 @@ void Gauss_Newton(Tool_Histo& panel, std::uint16_t n, const double* data, double
     for (; iteration < ITERATION_MAX; ++iteration) {
         Fit_System system = Fit_System_Make(panel.data->peak_first, {data, n});
         const double change = system.squared_error - previous;
-        Error_Fct(hwnd, TRACE_STEP, "++ mse: %.4f%% delta mse = %10.2g", system.squared_error * 100.0 / n, std::abs(change));
+        Error_Fct(hwnd, TRACE_STEP, "++ mse: %.4f%% delta mse = %10.2g", system.squared_error * 100.0 / n,
+                  std::abs(change));
         if (system.is_complete && std::abs(change) < threshold) {
             break;
         }
@@ -218,8 +223,8 @@ void Gauss_Newton(Tool_Histo& panel, std::uint16_t n, const double* data, double
         Prune_Neighbours(panel);
         int index = 0;
         for (const Histo_Peak* peak = panel.data->peak_first; peak != nullptr; peak = peak->next, ++index) {
-            Error_Fct(hwnd, TRACE_STEP, "Iteration[%d] peak[%d]: C=%10.2f  A=%10.2f W=%10.2f", iteration, index, Param(*peak, PEAK_CENTRE),
-                      Param(*peak, PEAK_AMPLITUDE), Param(*peak, PEAK_WIDTH));
+            Error_Fct(hwnd, TRACE_STEP, "Iteration[%d] peak[%d]: C=%10.2f  A=%10.2f W=%10.2f", iteration, index,
+                      Param(*peak, PEAK_CENTRE), Param(*peak, PEAK_AMPLITUDE), Param(*peak, PEAK_WIDTH));
         }
     }
     // After a full run of ten iterations the line reads 11: kept on purpose.
@@ -251,14 +256,14 @@ void Peak_Fit_Prepare(Tool_Histo& panel, int n, const double* curve) {
     Error_Fct(hwnd, MESSAGE_STATUS, "Computing Peak Fit: \x01%d\x02 peaks ...", data.peak_nb);
     int index = 0;
     for (const Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next, ++index) {
-        Error_Fct(hwnd, TRACE_STEP, "before[%d]: C=%10.2f  A=%10.2f W=%10.2f", index, Param(*peak, PEAK_CENTRE), Param(*peak, PEAK_AMPLITUDE),
-                  Param(*peak, PEAK_WIDTH));
+        Error_Fct(hwnd, TRACE_STEP, "before[%d]: C=%10.2f  A=%10.2f W=%10.2f", index, Param(*peak, PEAK_CENTRE),
+                  Param(*peak, PEAK_AMPLITUDE), Param(*peak, PEAK_WIDTH));
     }
     Gauss_Newton(panel, static_cast<std::uint16_t>(n), data.filtered, STOP_CHANGE);
     index = 0;
     for (const Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next, ++index) {
-        Error_Fct(hwnd, TRACE_STEP, "last peak[%d]: C=%10.2f  A=%10.2f W=%10.2f", index, Param(*peak, PEAK_CENTRE), Param(*peak, PEAK_AMPLITUDE),
-                  Param(*peak, PEAK_WIDTH));
+        Error_Fct(hwnd, TRACE_STEP, "last peak[%d]: C=%10.2f  A=%10.2f W=%10.2f", index, Param(*peak, PEAK_CENTRE),
+                  Param(*peak, PEAK_AMPLITUDE), Param(*peak, PEAK_WIDTH));
     }
     if (data.peak_nb != 0) {
         Curves_Make(data);

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <vector>
 
 #include "histogram/histo_colors.h"
 #include "histogram/plot_scale.h"
@@ -23,14 +22,16 @@ constexpr COLORREF WHITE = 0xFFFFFF;
 
 /** The panel's device context, in device units whatever the window's axis: polygons land on the same pixels in both. */
 class Panel_DC {
-   public:
+  public:
     Panel_DC(const Tool_Histo& panel, const char* label) : window(panel.window), dc(Y_setup(panel.window, label)) {
         if (dc == nullptr) {
             return;
         }
-        std::array<POINT, 2> corners = {POINT{panel.x, panel.y}, POINT{panel.x + panel.width - 1, panel.y + panel.height - 1}};
+        std::array<POINT, 2> corners = {POINT{panel.x, panel.y},
+                                        POINT{panel.x + panel.width - 1, panel.y + panel.height - 1}};
         ::LPtoDP(dc, corners.data(), static_cast<int>(corners.size()));
-        box = {std::min<int>(corners[0].x, corners[1].x), std::min<int>(corners[0].y, corners[1].y), panel.width, panel.height};
+        box = {std::min<int>(corners[0].x, corners[1].x), std::min<int>(corners[0].y, corners[1].y), panel.width,
+               panel.height};
         saved = ::SaveDC(dc);
         ::SetMapMode(dc, MM_TEXT);
         ::SetWindowOrgEx(dc, 0, 0, nullptr);
@@ -48,7 +49,7 @@ class Panel_DC {
     HDC Get() const { return dc; }
     const Histo_Rectangle& Box() const { return box; }
 
-   private:
+  private:
     HWND window;
     HDC dc;
     int saved = 0;
@@ -57,26 +58,37 @@ class Panel_DC {
 
 Plot_Scale Scale_Of(const Tool_Histo& panel, const Histo_Rectangle& inner) {
     const Histo_Record& record = *panel.data->record;
-    return {{inner.x, inner.width, inner.height}, {record.nb_bins, record.origin, record.bin_width}, static_cast<float>(record.max_count) * panel.scale};
+    return {{inner.x, inner.width, inner.height},
+            {record.nb_bins, record.origin, record.bin_width},
+            static_cast<float>(record.max_count) * panel.scale};
 }
 
 /** Solid bars of the bins first .. last, standing on the row `base`, as stepped polygons. */
-void Draw_Bars(HDC dc, const Plot_Scale& scale, int base, const std::uint32_t* counts, int first, int last, COLORREF color) {
+void Draw_Bars(HDC dc, const Plot_Scale& scale, int base, const std::uint32_t* counts, int first, int last,
+               COLORREF color) {
     const Gdi_Brush brush(::CreateSolidBrush(color));
     const Selected_Object brush_selected(dc, brush.Get());
     const Selected_Object pen_selected(dc, ::GetStockObject(NULL_PEN));
     std::array<POINT, 2 * BINS_PER_POLYGON + 2> points;
     for (int from = first; from <= last; from += BINS_PER_POLYGON) {
         const int to = std::min(from + BINS_PER_POLYGON - 1, last);
+        const int right = scale.Bin_To_Column(to + 1);
+        if (scale.Bin_To_Column(from) == right) {
+            continue;  // more bins than columns: these have none of their own
+        }
         int nb = 0;
         const auto add = [&](int x, int y) { points[static_cast<std::size_t>(nb++)] = {x, y}; };
         add(scale.Bin_To_Column(from), base);
         for (int bin = from; bin <= to; ++bin) {
-            const int top = base - scale.Count_To_Height(counts[bin]);
-            add(scale.Bin_To_Column(bin), top);
-            add(scale.Bin_To_Column(bin + 1), top);
+            const int begin = scale.Bin_To_Column(bin);
+            const int end = scale.Bin_To_Column(bin + 1);
+            if (begin != end) {
+                const int top = base - scale.Count_To_Height(counts[bin]);
+                add(begin, top);
+                add(end, top);
+            }
         }
-        add(scale.Bin_To_Column(to + 1), base);
+        add(right, base);
         ::Polygon(dc, points.data(), nb);
     }
 }
@@ -92,7 +104,8 @@ Gdi_Brush Checker_Brush(COLORREF color) {
     dib.header.biHeight = 2;
     dib.header.biPlanes = 1;
     dib.header.biBitCount = 32;
-    const std::uint32_t pixel = static_cast<std::uint32_t>(GetRValue(color)) << 16 | static_cast<std::uint32_t>(GetGValue(color)) << 8 | GetBValue(color);
+    const std::uint32_t pixel = static_cast<std::uint32_t>(GetRValue(color)) << 16 |
+                                static_cast<std::uint32_t>(GetGValue(color)) << 8 | GetBValue(color);
     dib.pixels = {pixel, 0, 0, pixel};
     return Gdi_Brush(::CreateDIBPatternBrushPt(&dib, DIB_RGB_COLORS));
 }
@@ -120,8 +133,10 @@ struct Tag_Colors {
     }
 };
 
-/** The band of a TAG range: checkered over the full height, with the bars of the range solid. Range ends are truncated here; the enlarged window rounds. */
-void Draw_Band(HDC dc, const Tool_Histo& panel, const Plot_Scale& scale, const Histo_Rectangle& inner, int range, COLORREF color) {
+/** The band of a TAG range: checkered over the full height, with the bars of the range solid. Range ends are truncated
+ * here; the enlarged window rounds. */
+void Draw_Band(HDC dc, const Tool_Histo& panel, const Plot_Scale& scale, const Histo_Rectangle& inner, int range,
+               COLORREF color) {
     const int first = scale.Level_To_Bin(std::trunc(panel.range_min[range]));
     const int last = scale.Level_To_Bin(std::trunc(panel.range_max[range]));
     const RECT band = {scale.Bin_To_Column(first), inner.y, scale.Bin_To_Column(last + 1), inner.y + inner.height};
@@ -131,31 +146,61 @@ void Draw_Band(HDC dc, const Tool_Histo& panel, const Plot_Scale& scale, const H
     if (const Gdi_Brush checker = Checker_Brush(color)) {
         ::FillRect(dc, &band, checker.Get());
     }
-    Draw_Bars(dc, scale, inner.y + inner.height, Histo_Band_Counts(*panel.data->record, panel.color_component), first, last, color);
+    Draw_Bars(dc, scale, inner.y + inner.height, Histo_Band_Counts(*panel.data->record, panel.color_component), first,
+              last, color);
 }
 
-void Draw_Outline(HDC dc, const Plot_Scale& scale, int base, const Histo_Curve& curve) {
-    const int nb_bins = scale.Bins().nb_bins;
-    std::vector<POINT> points;
-    points.reserve(2 * static_cast<std::size_t>(nb_bins));
-    for (int bin = 0; bin < nb_bins; ++bin) {
-        const int y = base - scale.Count_To_Height(curve.counts[bin]);
-        const POINT from = {scale.Bin_To_Column(bin), y};
-        const POINT to = {scale.Bin_To_Column(bin + 1), y};
-        // Several bins may fall on one column: points that repeat the last one add nothing.
-        for (const POINT& point : {from, to}) {
-            if (points.empty() || points.back().x != point.x || points.back().y != point.y) {
-                points.push_back(point);
-            }
+/** Draws connected lines through any number of points, a part at a time: nothing to allocate. */
+class Line_Drawer {
+  public:
+    explicit Line_Drawer(HDC line_dc) : dc(line_dc) {}
+    ~Line_Drawer() { Draw(); }
+    Line_Drawer(const Line_Drawer&) = delete;
+    Line_Drawer& operator=(const Line_Drawer&) = delete;
+
+    /** A point that repeats the last one adds nothing: several bins may fall on one column. */
+    void Add(int x, int y) {
+        if (nb > 0 && Last().x == x && Last().y == y) {
+            return;
+        }
+        if (nb == POINTS_NB) {
+            // A line leaves its last pixel to the next one, which begins there.
+            Draw();
+            points[0] = Last();
+            nb = 1;
+        }
+        points[static_cast<std::size_t>(nb++)] = {x, y};
+    }
+
+  private:
+    static constexpr int POINTS_NB = 1024;
+
+    const POINT& Last() const { return points[static_cast<std::size_t>(nb - 1)]; }
+    void Draw() const {
+        if (nb > 1) {
+            ::Polyline(dc, points.data(), nb);
         }
     }
+
+    HDC dc;
+    std::array<POINT, POINTS_NB> points;
+    int nb = 0;
+};
+
+void Draw_Outline(HDC dc, const Plot_Scale& scale, int base, const Histo_Curve& curve) {
     const Gdi_Pen pen(::CreatePen(PS_SOLID, 1, curve.color));
     const Selected_Object pen_selected(dc, pen.Get());
-    ::Polyline(dc, points.data(), static_cast<int>(points.size()));
+    Line_Drawer line(dc);
+    for (int bin = 0; bin < scale.Bins().nb_bins; ++bin) {
+        const int y = base - scale.Count_To_Height(curve.counts[bin]);
+        line.Add(scale.Bin_To_Column(bin), y);
+        line.Add(scale.Bin_To_Column(bin + 1), y);
+    }
 }
 
 void Draw_Plot(HDC dc, const Tool_Histo& panel, const Histo_Rectangle& box) {
-    const RECT interior = {box.x + panel.border, box.y + panel.border, box.x + box.width - panel.border, box.y + box.height - panel.border};
+    const RECT interior = {box.x + panel.border, box.y + panel.border, box.x + box.width - panel.border,
+                           box.y + box.height - panel.border};
     ::FillRect(dc, &interior, static_cast<HBRUSH>(::GetStockObject(BLACK_BRUSH)));
     const Histo_Rectangle inner = Histo_Plot_Inner(box, panel.border);
     const Plot_Scale scale = Scale_Of(panel, inner);
@@ -196,7 +241,8 @@ int Histo_Paint(Tool_Histo& panel) {
     if (dc.Get() == nullptr) {
         return 1;
     }
-    // The line is gone with the repaint; the next cursor update inverts once at -1, outside the window, which leaves nothing.
+    // The line is gone with the repaint; the next cursor update inverts once at -1, outside the window, which leaves
+    // nothing.
     panel.cursor_position = -1;
     Draw_Plot(dc.Get(), panel, dc.Box());
     return 1;

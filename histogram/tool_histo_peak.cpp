@@ -16,7 +16,8 @@ float peak_width_max = 0.0F;
 float peak_centre_tol = 1.25F;
 float peak_data_min = 10.0F;
 float peak_mix_ratio = 0.5F;
-// Never reset, neither between fits nor between panels: the first crossing of a fit is measured against the last one of the fit before. Kept on purpose.
+// Never reset, neither between fits nor between panels: the first crossing of a fit is measured against the last one of
+// the fit before. Kept on purpose.
 std::int32_t last_zero = 0;
 
 namespace {
@@ -27,7 +28,9 @@ constexpr int REASON_SIZE = 1024;
 constexpr int TRACE_DELETE = 11;
 constexpr int TRACE_DATA_PEAK = 12;
 
-Peak_Parameters Parameters_Of(Vector_N& param) { return {param[PEAK_CENTRE], param[PEAK_AMPLITUDE], param[PEAK_WIDTH]}; }
+Peak_Parameters Parameters_Of(Vector_N& param) {
+    return {param[PEAK_CENTRE], param[PEAK_AMPLITUDE], param[PEAK_WIDTH]};
+}
 
 Vector_N* Parameters_Make() {
     auto* vector = new (std::nothrow) Vector_N(PEAK_PARAM_NB, ELEMENT_SIZE);

@@ -23,14 +23,16 @@ HINSTANCE class_instance = nullptr;
 
 HINSTANCE Own_Instance() {
     HMODULE module = nullptr;
-    ::GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, reinterpret_cast<LPCSTR>(&Own_Instance), &module);
+    ::GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                         reinterpret_cast<LPCSTR>(&Own_Instance), &module);
     return module;
 }
 
 /** The instance of the active window's module; without an active window this module's own. */
 HINSTANCE Host_Instance() {
     HWND active = ::GetActiveWindow();
-    auto* instance = active != nullptr ? reinterpret_cast<HINSTANCE>(::GetWindowLongPtrA(active, GWLP_HINSTANCE)) : nullptr;
+    auto* instance =
+        active != nullptr ? reinterpret_cast<HINSTANCE>(::GetWindowLongPtrA(active, GWLP_HINSTANCE)) : nullptr;
     return instance != nullptr ? instance : Own_Instance();
 }
 
@@ -68,7 +70,9 @@ void Histo_Window_Panel_Gone(const Tool_Histo* panel) {
     background.Reset();
 }
 
-bool Histo_Window_Exists() { return histo_blow.window != nullptr; }
+bool Histo_Window_Exists() {
+    return histo_blow.window != nullptr;
+}
 
 void Histo_Window_Open(Tool_Histo& panel) {
     if (histo_blow.window != nullptr) {
@@ -79,8 +83,9 @@ void Histo_Window_Open(Tool_Histo& panel) {
     }
     histo_blow.panel = &panel;
     // Messages arrive before the creating call returns, so the window procedure stores the handle itself.
-    HWND window = ::CreateWindowExA(EXTENDED_STYLE, CLASS_NAME, WINDOW_TITLE, WS_VISIBLE | WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT, FIRST_WIDTH,
-                                    FIRST_HEIGHT, nullptr, nullptr, class_instance, nullptr);
+    HWND window =
+        ::CreateWindowExA(EXTENDED_STYLE, CLASS_NAME, WINDOW_TITLE, WS_VISIBLE | WS_OVERLAPPEDWINDOW, CW_USEDEFAULT,
+                          CW_USEDEFAULT, FIRST_WIDTH, FIRST_HEIGHT, nullptr, nullptr, class_instance, nullptr);
     histo_blow.window = window;
     if (window == nullptr) {
         histo_blow.panel = nullptr;

@@ -1,4 +1,5 @@
-/** The enlarged histogram window as the panel sees it. At most one exists in the process; it shows the panel that opened it. */
+/** The enlarged histogram window as the panel sees it. At most one exists in the process; it shows the panel that
+ * opened it. */
 #pragma once
 
 class Tool_Histo;
@@ -10,8 +11,8 @@ inline constexpr unsigned int HISTO_WINDOW_CURSOR = 0x401;
 
 /** Registers the window class when this is the first living panel. */
 void Histo_Window_Panel_Born();
-/** Closes the window (it belongs to all panels, so whichever it shows); after the last living panel the class is unregistered and its background brush
- *  deleted. The window never touches `panel` again. */
+/** Closes the window (it belongs to all panels, so whichever it shows); after the last living panel the class is
+ * unregistered and its background brush deleted. The window never touches `panel` again. */
 void Histo_Window_Panel_Gone(const Tool_Histo* panel);
 
 /** True while the window exists. */

@@ -64,7 +64,8 @@ bool Frames_Count(Quorel_Window* window, Frame_Counts& counts) {
     bool done = true;
     while (Quorel_2D* frame = Iterator_Class_2D(handle, CLASS_MASK_2D, window, 1)) {
         const int nb = counts.selected + 1;
-        auto** grown = static_cast<Quorel_2D**>(std::realloc(frame_pt.get(), static_cast<std::size_t>(nb) * sizeof(Quorel_2D*)));
+        auto** grown =
+            static_cast<Quorel_2D**>(std::realloc(frame_pt.get(), static_cast<std::size_t>(nb) * sizeof(Quorel_2D*)));
         if (grown == nullptr) {
             Error_Fct(hwnd, MESSAGE_MEMORY, HISTO_MESSAGE_REALLOC, LINE_FRAME_LIST, TOOL_HISTO_SOURCE, "frame_pt", nb,
                       static_cast<int>(sizeof(Quorel_2D*)));
@@ -165,12 +166,15 @@ void Write_Peaks(std::FILE* file, char separator, const Histo_Data& data) {
     std::fputc('\n', file);
     int number = 1;
     for (const Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next, ++number) {
-        // No half-bin shift and a width in bins, unlike the bin lines: readers of these files expect it.
-        const auto centre = static_cast<float>((*peak->param)[PEAK_CENTRE]) * record.bin_width + record.origin;
+        // No half-bin shift and a width in bins, unlike the bin lines: readers of these files expect it. All three pass
+        // through single precision.
+        const double level =
+            (*peak->param)[PEAK_CENTRE] * static_cast<double>(record.bin_width) + static_cast<double>(record.origin);
+        const auto centre = static_cast<float>(level);
         const auto height = static_cast<float>((*peak->param)[PEAK_AMPLITUDE]);
         const auto half_width = static_cast<float>((*peak->param)[PEAK_WIDTH]);
-        std::fprintf(file, "%d%c%.2f%c%.2f%c%.2f\n", number, separator, static_cast<double>(centre), separator, static_cast<double>(height), separator,
-                     static_cast<double>(half_width));
+        std::fprintf(file, "%d%c%.2f%c%.2f%c%.2f\n", number, separator, static_cast<double>(centre), separator,
+                     static_cast<double>(height), separator, static_cast<double>(half_width));
     }
     std::fputc('\n', file);
 }
@@ -178,7 +182,8 @@ void Write_Peaks(std::FILE* file, char separator, const Histo_Data& data) {
 }  // namespace
 
 int Tool_Histo::Write(const char* path) {
-    const auto code = reinterpret_cast<std::uintptr_t>(Fct_Variable_Value("$REGIONAL_SEPARATOR", nullptr, nullptr, nullptr)) & 0xFF;
+    const auto code =
+        reinterpret_cast<std::uintptr_t>(Fct_Variable_Value("$REGIONAL_SEPARATOR", nullptr, nullptr, nullptr)) & 0xFF;
     const char separator = code == 0 ? '\t' : static_cast<char>(code);
     if (data == nullptr || !data->Has_Counts()) {
         Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 No histogram to export!");
@@ -204,9 +209,15 @@ int Tool_Histo::Write(const char* path) {
     if (data->peak_nb != 0) {
         Write_Peaks(file.get(), separator, *data);
     }
-    const bool failed = std::ferror(file.get()) != 0;
-    if (std::fclose(file.release()) != 0 || failed) {
-        Report_File("Unable to write the file", path, errno);
+    // A full disk shows when the last buffer is written, at the latest when the file is closed.
+    bool written = std::fflush(file.get()) == 0 && std::ferror(file.get()) == 0;
+    int error = errno;
+    if (std::fclose(file.release()) != 0 && written) {
+        written = false;
+        error = errno;
+    }
+    if (!written) {
+        Report_File("Unable to write the file", path, error);
         return 0;
     }
     return 1;

@@ -164,9 +164,15 @@ void Draw_Button_Caption(Surface& picture, const Buttons& button, const Button_L
     if (button.name[0] == 0) {
         return;
     }
+    const int text_width = Text_Width(button.name, Widget_Font(button));
+    if (text_width > layout.caption.width && text_width <= layout.area.height) {
+        // A tall narrow button has room in the other direction.
+        picture.Text_Upwards(layout.area, button.name, Widget_Font(button), look.ink);
+        return;
+    }
     Rect place = layout.caption;
     const int middle = layout.area.width / 2;
-    const int half = (Text_Width(button.name, Widget_Font(button)) + 1) / 2;
+    const int half = (text_width + 1) / 2;
     if (middle - half >= place.left) {
         place.left = middle - half;
         place.width = std::min(2 * half, layout.caption.Right() - place.left);

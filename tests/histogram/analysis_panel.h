@@ -15,7 +15,7 @@ struct Reported {
 };
 
 class Analysis_Panel {
-   public:
+  public:
     explicit Analysis_Panel(const std::vector<std::uint32_t>& counts) {
         Counts_Set(counts);
         Message_Receiver_Add(&Analysis_Panel::Receive, this);
@@ -71,7 +71,7 @@ class Analysis_Panel {
     Tool_Histo panel;
     std::vector<Reported> reported;
 
-   private:
+  private:
     static void Receive(void* context, HWND /*window*/, int level, const char* text) {
         static_cast<Analysis_Panel*>(context)->reported.push_back({level, text});
     }

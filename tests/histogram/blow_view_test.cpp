@@ -115,7 +115,8 @@ TEST(Blow_View, A_Pinch_Outside_Its_Limits_Is_Ignored) {
     Blow_View view = Zoomed_View();
     const float scale = view.Scale_X();
     const float nan = std::numeric_limits<float>::quiet_NaN();
-    for (const Gesture_Record& gesture : {Gesture_Record{0.05F, 1.0F, 9.0F, 9.0F}, Gesture_Record{1.0F, 1.2F, 0, 0}, Gesture_Record{nan, 1.0F, 0, 0}}) {
+    for (const Gesture_Record& gesture :
+         {Gesture_Record{0.05F, 1.0F, 9.0F, 9.0F}, Gesture_Record{1.0F, 1.2F, 0, 0}, Gesture_Record{nan, 1.0F, 0, 0}}) {
         EXPECT_FALSE(view.Zoom_Pinch(gesture));
         EXPECT_EQ(view.Scale_X(), scale);
     }
@@ -169,7 +170,8 @@ TEST(Blow_View, Keeps_Its_Limits_Through_A_Long_Random_Session) {
                 clamped = true;
                 break;
             case 3:
-                clamped = view.Zoom_Pinch({0.05F + static_cast<float>(number(120)) * 0.01F, 1.0F, static_cast<float>(number(60) - 30), 4.0F});
+                clamped = view.Zoom_Pinch(
+                    {0.05F + static_cast<float>(number(120)) * 0.01F, 1.0F, static_cast<float>(number(60) - 30), 4.0F});
                 break;
             case 4:
                 if (number(20) == 0) {
@@ -181,7 +183,9 @@ TEST(Blow_View, Keeps_Its_Limits_Through_A_Long_Random_Session) {
                     area.width = 50 + number(1500);
                     area.height = 50 + number(800);
                     view.Reset();
-                    view.Full_View_Set(Record_Of(2 + number(5000), static_cast<float>(number(100)), 1.0F, static_cast<std::uint32_t>(1 + number(100000))), area);
+                    view.Full_View_Set(Record_Of(2 + number(5000), static_cast<float>(number(100)), 1.0F,
+                                                 static_cast<std::uint32_t>(1 + number(100000))),
+                                       area);
                 }
                 break;
         }

@@ -12,7 +12,7 @@ namespace {
 
 /** A record over vectors; grey, or colour with all five arrays. */
 class Record {
-   public:
+  public:
     Record(float origin, float bin_width, std::vector<std::uint32_t> values, bool color = false) {
         arrays[0] = std::move(values);
         record.nb_bins = static_cast<std::uint16_t>(arrays[0].size());
@@ -55,7 +55,8 @@ Record_Ptr Empty_On(const Histogram_Grid& grid) {
 /** The rule as it is said: frame by frame, bin by bin. */
 void Merge_Plainly(Histo_Record& record, const Histo_Record& frame) {
     for (int i = 0; i < frame.nb_bins; ++i) {
-        const float position = ((static_cast<float>(i) + 0.5F) * frame.bin_width + frame.origin - record.origin) / record.bin_width;
+        const float position =
+            ((static_cast<float>(i) + 0.5F) * frame.bin_width + frame.origin - record.origin) / record.bin_width;
         if (!(position > -2147483520.0F && position < 2147483520.0F)) {
             continue;
         }
@@ -203,13 +204,15 @@ TEST(Histogram_Merger, Is_Identical_To_The_Plain_Rule_On_Random_Grids) {
                 for (auto& value : values) {
                     value = static_cast<std::uint32_t>(random());
                 }
-                frames.push_back(std::make_unique<Record>(last.origin, last.bin_width, std::move(values), random() % 3 == 0));
+                frames.push_back(
+                    std::make_unique<Record>(last.origin, last.bin_width, std::move(values), random() % 3 == 0));
             } else {
                 std::vector<std::uint32_t> values(random() % 700);
                 for (auto& value : values) {
                     value = static_cast<std::uint32_t>(random());
                 }
-                const float origin = static_cast<float>(static_cast<int>(random() % 4000) - 2000) * (random() % 2 == 0 ? 0.1F : 1.0F);
+                const float origin =
+                    static_cast<float>(static_cast<int>(random() % 4000) - 2000) * (random() % 2 == 0 ? 0.1F : 1.0F);
                 const float width = random() % 3 == 0 ? 1.0F : 0.001F + static_cast<float>(random() % 3000) * 0.0017F;
                 frames.push_back(std::make_unique<Record>(origin, width, std::move(values), random() % 3 == 0));
             }
@@ -236,7 +239,8 @@ TEST(Histogram_Merger, Is_Identical_To_The_Plain_Rule_On_Random_Grids) {
 }
 
 TEST(Histogram_Merger, Survives_Frames_With_Impossible_Numbers) {
-    const float bad[] = {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(), -1.0F, 0.0F, 1e38F, -1e38F};
+    const float bad[] = {
+        std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(), -1.0F, 0.0F, 1e38F, -1e38F};
     for (const float origin : bad) {
         for (const float width : bad) {
             const Record frame(origin, width, Ramp(50));

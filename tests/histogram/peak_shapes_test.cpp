@@ -63,9 +63,11 @@ TEST(Shape_Derivative, Agrees_With_Central_Differences) {
                 Peak_Parameters high = p;
                 (index == 0 ? low.centre : (index == 1 ? low.amplitude : low.width)) -= h;
                 (index == 0 ? high.centre : (index == 1 ? high.amplitude : high.width)) += h;
-                const double difference = (Shape_Value(type, x, high, MIX) - Shape_Value(type, x, low, MIX)) / (2.0 * h);
+                const double difference =
+                    (Shape_Value(type, x, high, MIX) - Shape_Value(type, x, low, MIX)) / (2.0 * h);
                 const double scale = p.amplitude / p.width + 1.0;
-                ASSERT_NEAR(Shape_Derivative(type, index, x, p, MIX), difference, 2e-6 * scale) << "type " << int{type} << " index " << int{index};
+                ASSERT_NEAR(Shape_Derivative(type, index, x, p, MIX), difference, 2e-6 * scale)
+                    << "type " << int{type} << " index " << int{index};
             }
         }
     }
@@ -83,11 +85,13 @@ TEST(Gauss_Support, Holds_Exactly_The_Bins_Where_The_Shape_Is_Not_Cut_Off) {
     std::uniform_real_distribution<double> unit(0.0, 1.0);
     for (int round = 0; round < 3000; ++round) {
         const int n = 1 + static_cast<int>(random() % 300);
-        const Peak_Parameters p{-50.0 + 400.0 * unit(random), 1.0, random() % 4 == 0 ? static_cast<double>(random() % 9) : 12.0 * unit(random)};
+        const Peak_Parameters p{-50.0 + 400.0 * unit(random), 1.0,
+                                random() % 4 == 0 ? static_cast<double>(random() % 9) : 12.0 * unit(random)};
         const Bin_Span support = Gauss_Support(p, n);
         for (int bin = 0; bin < n; ++bin) {
             const bool inside = !(std::abs(bin - p.centre) > 10.0 * p.width);
-            ASSERT_EQ(bin >= support.first && bin <= support.last, inside) << "bin " << bin << " C " << p.centre << " W " << p.width;
+            ASSERT_EQ(bin >= support.first && bin <= support.last, inside)
+                << "bin " << bin << " C " << p.centre << " W " << p.width;
         }
     }
 }

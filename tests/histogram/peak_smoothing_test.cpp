@@ -59,7 +59,8 @@ Outcome Smooth_Plainly(std::vector<double> f, float threshold, int max_maxima, i
     return outcome;
 }
 
-Outcome Smooth(std::vector<double> f, float threshold, int max_maxima, int max_passes, Smoothing_Path path, bool scratch = true) {
+Outcome Smooth(std::vector<double> f, float threshold, int max_maxima, int max_passes, Smoothing_Path path,
+               bool scratch = true) {
     Outcome outcome;
     std::vector<double> room(scratch ? f.size() : 0);
     outcome.derivative.resize(f.size());
@@ -68,7 +69,8 @@ Outcome Smooth(std::vector<double> f, float threshold, int max_maxima, int max_p
         EXPECT_EQ(static_cast<std::size_t>(pass), list.size());
         list.push_back(maxima);
     };
-    const Smoothing_Result result = Smooth_To_Maxima(f, room, {threshold, max_maxima, max_passes}, path, sink, &outcome.maxima);
+    const Smoothing_Result result =
+        Smooth_To_Maxima(f, room, {threshold, max_maxima, max_passes}, path, sink, &outcome.maxima);
     EXPECT_EQ(static_cast<std::size_t>(result.passes), outcome.maxima.size());
     EXPECT_EQ(result.maxima, outcome.maxima.back());
     Thresholded_Derivative(f, threshold, outcome.derivative);

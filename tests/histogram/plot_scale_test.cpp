@@ -13,7 +13,8 @@ TEST(Plot_Scale, Columns_And_Bins_Agree_In_Both_Directions) {
             for (int column = 17; column < 17 + width; ++column) {
                 const int bin = scale.Column_To_Bin(column);
                 ASSERT_LE(scale.Bin_To_Column(bin), column);
-                ASSERT_TRUE(bin == nb_bins - 1 || scale.Bin_To_Column(bin + 1) > column) << nb_bins << " bins on " << width << ", column " << column;
+                ASSERT_TRUE(bin == nb_bins - 1 || scale.Bin_To_Column(bin + 1) > column)
+                    << nb_bins << " bins on " << width << ", column " << column;
             }
             ASSERT_LE(scale.Bin_To_Column(nb_bins), 17 + width);
         }

@@ -88,7 +88,9 @@ TEST(Fit_Derivative, Too_Many_Hills_Warn_With_Their_Number_And_Stay) {
     Analysis_Panel test(Hills(60000, centres, 100000.0, 40.0));
     EXPECT_EQ(test.panel.Fit_Derivative(10), 1);
     EXPECT_EQ(test.Data().peak_nb, 20);
-    EXPECT_TRUE(test.Has(MESSAGE_WARNING, "\xF1\x05WARNING:\x02 Unable to find less than \x01" "20\x02 peaks"));
+    EXPECT_TRUE(test.Has(MESSAGE_WARNING,
+                         "\xF1\x05WARNING:\x02 Unable to find less than \x01"
+                         "20\x02 peaks"));
     EXPECT_EQ(test.Texts(11).front(), "loop:000 nb peak:20");
 }
 

@@ -39,7 +39,7 @@ std::vector<std::uint32_t> Counts_Of(const std::vector<Hill>& hills, int n, unsi
 
 /** The fit as it is said: plain matrices, one call per value. Works on copies of the start parameters. */
 class Plain_Fit {
-   public:
+  public:
     struct Peak {
         double p[3];
         double low[3];
@@ -99,7 +99,7 @@ class Plain_Fit {
         }
     }
 
-   private:
+  private:
     static bool Eliminate(std::vector<std::vector<double>>& a) {
         const std::size_t n = a.size();
         for (std::size_t c = 0; c < n; ++c) {
@@ -165,7 +165,7 @@ std::vector<Plain_Fit::Peak> Start_Of(Analysis_Panel& test, int n) {
 }
 
 class Fit_Gaussian : public ::testing::Test {
-   protected:
+  protected:
     void SetUp() override { last_zero = -1000; }
 };
 
@@ -182,7 +182,8 @@ TEST_F(Fit_Gaussian, Recovers_Known_Peaks_From_Their_Filtered_Sum) {
         const double widened = std::sqrt((variance + 440.0 / 12.0) * two_ln_2);
         EXPECT_NEAR((*peaks[k]->param)[PEAK_CENTRE], hills[k].centre, 0.2);
         EXPECT_NEAR((*peaks[k]->param)[PEAK_WIDTH], widened, 0.02 * widened);
-        EXPECT_NEAR((*peaks[k]->param)[PEAK_AMPLITUDE], hills[k].amplitude * hills[k].width / widened, 0.02 * hills[k].amplitude);
+        EXPECT_NEAR((*peaks[k]->param)[PEAK_AMPLITUDE], hills[k].amplitude * hills[k].width / widened,
+                    0.02 * hills[k].amplitude);
     }
 }
 
@@ -195,7 +196,8 @@ TEST_F(Fit_Gaussian, Recovers_Known_Peaks_Under_Poisson_Noise) {
         bool found[2] = {};
         for (const Histo_Peak* peak : test.Peaks()) {
             for (std::size_t k = 0; k < 2; ++k) {
-                found[k] = found[k] || (std::abs((*peak->param)[PEAK_CENTRE] - hills[k].centre) < 6.0 && (*peak->param)[PEAK_AMPLITUDE] > 0.8 * hills[k].amplitude);
+                found[k] = found[k] || (std::abs((*peak->param)[PEAK_CENTRE] - hills[k].centre) < 6.0 &&
+                                        (*peak->param)[PEAK_AMPLITUDE] > 0.8 * hills[k].amplitude);
             }
         }
         EXPECT_TRUE(found[0] && found[1]) << "seed " << seed;
@@ -208,7 +210,8 @@ TEST_F(Fit_Gaussian, Agrees_With_Plain_Matrices_And_One_Call_Per_Value) {
     for (int round = 0; round < 25; ++round) {
         std::vector<Hill> hills;
         for (double centre = 60.0; centre < 560.0; centre += 60.0 + static_cast<double>(random() % 60)) {
-            hills.push_back({centre, 500.0 + static_cast<double>(random() % 4000), 10.0 + static_cast<double>(random() % 15)});
+            hills.push_back(
+                {centre, 500.0 + static_cast<double>(random() % 4000), 10.0 + static_cast<double>(random() % 15)});
         }
         last_zero = -1000;
         Analysis_Panel test(Counts_Of(hills, 600));
@@ -220,7 +223,8 @@ TEST_F(Fit_Gaussian, Agrees_With_Plain_Matrices_And_One_Call_Per_Value) {
         ASSERT_EQ(peaks.size(), plain.size()) << "round " << round;
         for (std::size_t k = 0; k < peaks.size(); ++k) {
             for (int m = 0; m < 3; ++m) {
-                ASSERT_NEAR((*peaks[k]->param)[m], plain[k].p[m], 1e-6 * std::abs(plain[k].p[m])) << "round " << round << " peak " << k;
+                ASSERT_NEAR((*peaks[k]->param)[m], plain[k].p[m], 1e-6 * std::abs(plain[k].p[m]))
+                    << "round " << round << " peak " << k;
                 ++compared;
             }
         }
@@ -231,9 +235,12 @@ TEST_F(Fit_Gaussian, Agrees_With_Plain_Matrices_And_One_Call_Per_Value) {
 TEST_F(Fit_Gaussian, Without_A_Candidate_It_Reports_None_And_Samples_Nothing) {
     Analysis_Panel test(std::vector<std::uint32_t>(300, 5));
     EXPECT_EQ(test.panel.Fit_Gaussian(), 1);
-    EXPECT_EQ(test.Texts(MESSAGE_STATUS), std::vector<std::string>{"Computing Peak Fit: \x01" "0\x02 peaks ..."});
+    EXPECT_EQ(test.Texts(MESSAGE_STATUS), std::vector<std::string>{"Computing Peak Fit: \x01"
+                                                                   "0\x02 peaks ..."});
     EXPECT_TRUE(test.Texts(MESSAGE_WARNING).empty());
-    EXPECT_EQ(test.Texts(11).back(), "  -> Stop after \x01" "2\x02 iterations");
+    EXPECT_EQ(test.Texts(11).back(),
+              "  -> Stop after \x01"
+              "2\x02 iterations");
     EXPECT_EQ(test.Texts(11).front(), "nb pts:300 max val: 5.000000");
     EXPECT_EQ(test.Data().peak_first, nullptr);
 }
@@ -241,7 +248,9 @@ TEST_F(Fit_Gaussian, Without_A_Candidate_It_Reports_None_And_Samples_Nothing) {
 TEST_F(Fit_Gaussian, An_Empty_Curve_Stops_At_Once_Because_Its_Error_Is_Below_The_Threshold) {
     Analysis_Panel test(std::vector<std::uint32_t>(300, 0));
     test.panel.Fit_Gaussian();
-    EXPECT_EQ(test.Texts(11).back(), "  -> Stop after \x01" "1\x02 iterations");
+    EXPECT_EQ(test.Texts(11).back(),
+              "  -> Stop after \x01"
+              "1\x02 iterations");
 }
 
 TEST_F(Fit_Gaussian, A_Second_Fit_On_The_Same_Curve_Rejects_Its_First_Crossing) {
@@ -249,7 +258,8 @@ TEST_F(Fit_Gaussian, A_Second_Fit_On_The_Same_Curve_Rejects_Its_First_Crossing) 
     test.panel.Fit_Gaussian();
     const auto zeros = [&] {
         const auto texts = test.Texts(11);
-        return std::count_if(texts.begin(), texts.end(), [](const std::string& text) { return text.find("with zero") != std::string::npos; });
+        return std::count_if(texts.begin(), texts.end(),
+                             [](const std::string& text) { return text.find("with zero") != std::string::npos; });
     };
     EXPECT_EQ(zeros(), 1);
     EXPECT_EQ(test.Peaks().size(), 1U);
@@ -267,7 +277,8 @@ TEST_F(Fit_Gaussian, Traces_Every_Step_With_Its_Numbers) {
     EXPECT_TRUE(test.Has_Part(11, "Iteration[0] peak[0]: C="));
     EXPECT_TRUE(test.Has_Part(11, "last peak[0]: C="));
     EXPECT_TRUE(test.Has_Part(11, "  -> Stop after \x01"));
-    EXPECT_EQ(test.Texts(MESSAGE_STATUS), std::vector<std::string>{"Computing Peak Fit: \x01" "1\x02 peaks ..."});
+    EXPECT_EQ(test.Texts(MESSAGE_STATUS), std::vector<std::string>{"Computing Peak Fit: \x01"
+                                                                   "1\x02 peaks ..."});
 }
 
 TEST_F(Fit_Gaussian, Each_Peak_Keeps_Its_Own_Curve) {
@@ -284,7 +295,7 @@ TEST_F(Fit_Gaussian, Each_Peak_Keeps_Its_Own_Curve) {
 
 /** A panel whose filtered curve and candidates the test makes itself. */
 class Gauss_Newton_Steps : public ::testing::Test {
-   protected:
+  protected:
     Gauss_Newton_Steps() : test(std::vector<std::uint32_t>(200, 0)) {
         test.Data().filtered = new double[200]();
         test.Data().curve_nb = 200;
@@ -310,7 +321,8 @@ TEST_F(Gauss_Newton_Steps, A_Candidate_Where_The_Curve_Is_0_Ends_The_Fit_With_An
     Add(100, 1.0F, 5.0F);
     test.Data().peak_first->param->operator[](PEAK_AMPLITUDE) = 0.0;
     Run();
-    EXPECT_EQ(test.Texts(MESSAGE_WARNING), std::vector<std::string>{"\xF1\x05WARNING:\x02 Gauss_Newton invalid matrix"});
+    EXPECT_EQ(test.Texts(MESSAGE_WARNING),
+              std::vector<std::string>{"\xF1\x05WARNING:\x02 Gauss_Newton invalid matrix"});
     EXPECT_EQ(test.Data().peak_nb, 2) << "the peak stays";
     EXPECT_FALSE(test.Has_Part(11, "Stop after"));
 }
@@ -329,7 +341,9 @@ TEST_F(Gauss_Newton_Steps, A_Runaway_Step_Ends_The_Fit_Unchanged) {
 TEST_F(Gauss_Newton_Steps, A_Fit_That_Starts_At_Its_Solution_Stops_Before_Any_Step) {
     Curve_Set({});
     Run();
-    EXPECT_TRUE(test.Has(11, "  -> Stop after \x01" "1\x02 iterations"));
+    EXPECT_TRUE(test.Has(11,
+                         "  -> Stop after \x01"
+                         "1\x02 iterations"));
 }
 
 TEST_F(Gauss_Newton_Steps, Of_Two_Close_Candidates_The_Lower_One_Goes) {
@@ -338,7 +352,8 @@ TEST_F(Gauss_Newton_Steps, Of_Two_Close_Candidates_The_Lower_One_Goes) {
     Add(103, 1.0F, 8.0F);
     Run();
     EXPECT_EQ(test.Data().peak_nb, 1);
-    EXPECT_TRUE(test.Has_Part(11, "Peak to close a (") || test.Has_Part(11, "Peak to close b (") || test.Has_Part(11, "Peak to small ("));
+    EXPECT_TRUE(test.Has_Part(11, "Peak to close a (") || test.Has_Part(11, "Peak to close b (") ||
+                test.Has_Part(11, "Peak to small ("));
 }
 
 TEST_F(Gauss_Newton_Steps, A_Wide_Peak_Is_Deleted) {

@@ -152,6 +152,21 @@ TEST(Matrix, A_Single_Value_Among_Zeros_Is_Not_Lost) {
     }
 }
 
+TEST(Matrix, Rows_And_Columns_Of_Different_Filling_Share_A_Group) {
+    // Filled from the left up to an end that falls from row to row, and the same from the top.
+    Matrix_NxM left = Random_Matrix(200, 200, 61);
+    Matrix_NxM right = Random_Matrix(200, 200, 62);
+    for (int row = 0; row < 200; ++row) {
+        for (int column = 0; column < 200; ++column) {
+            if (column > (200 - row) / 2 || column < 20 - row) {
+                left[row][column] = 0.0;
+                right[column][row] = 0.0;
+            }
+        }
+    }
+    EXPECT_LT(Largest_Difference(left * right, Plain_Product(left, right)), 1e-12);
+}
+
 TEST(Matrix, Zero_Times_Infinity_Is_Not_Skipped) {
     Matrix_NxM left(60, 60, 8);
     Matrix_NxM right(60, 60, 8);

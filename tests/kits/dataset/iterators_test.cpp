@@ -96,6 +96,8 @@ TEST_F(Iterators, Yield_Only_Objects_With_An_Image_Of_The_Class) {
     EXPECT_EQ(Pass(&window, 0), (List{&objects[2], &objects[3], &objects[4]}));
     EXPECT_EQ(Pass(&window, 0, 0x2001), (List{&objects[2]}));
     EXPECT_EQ(Pass(&window, 0, 0), List{});
+    objects[3].class_a = 0x0001;
+    EXPECT_EQ(Pass(&window, 0), (List{&objects[2], &objects[4]})) << "a code of no dimension";
 }
 
 TEST_F(Iterators, Nest_And_Keep_Their_Own_Places) {

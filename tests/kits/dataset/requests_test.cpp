@@ -172,9 +172,13 @@ TEST_F(Requests, Frames_Of_Windows_Stand_Side_By_Side) {
 }
 
 TEST_F(Requests, A_Window_Number_Beyond_The_Table_Is_Ignored) {
-    window.class_b = WINDOW_NUMBER_MAX;
-    Fct_Change_Child(&window, &first, nullptr);
-    EXPECT_EQ(Window_Frame(&window), nullptr);
+    Quorel_Window other;
+    for (const bool table_exists : {false, true}) {
+        window.class_b = WINDOW_NUMBER_MAX;
+        Fct_Change_Child(&window, &first, nullptr);
+        EXPECT_EQ(Window_Frame(&window), nullptr) << table_exists;
+        Window_Frame_Set(&other, &second);
+    }
     window.class_b = 65535;
     Window_Frame_Set(&window, &first);
     EXPECT_EQ(Window_Frame(&window), nullptr);

@@ -427,3 +427,32 @@ TEST_F(Buttons_Test, FrameBitAloneDoesNotDisable) {
     Point_Inside();
     EXPECT_NE(button.Select(press), 0);
 }
+
+#if defined(_WIN32)
+TEST(ButtonCaption, ATallNarrowButtonsCaptionReadsUpwards) {
+    const Test_Window window{40, 120, Window_Axis::Down};
+    Buttons button;
+    button.style = STYLE_BUTTON;
+    button.width = 16;
+    button.height = 120;
+    button.Set_Color(60, 60, 60);
+    button.Init(window.Get());
+    button.Draw();
+    const Window_Picture bare = window.Read();
+    button.Set_Name("Blow");
+    button.Draw();
+    const Window_Picture captioned = window.Read();
+    int first_row = 120;
+    int last_row = -1;
+    for (int y = 0; y < 120; ++y) {
+        for (int x = 0; x < 16; ++x) {
+            if (bare.At(x, y) != captioned.At(x, y)) {
+                first_row = std::min(first_row, y);
+                last_row = std::max(last_row, y);
+            }
+        }
+    }
+    EXPECT_GT(last_row - first_row, 20) << "four letters side by side, turned";
+    EXPECT_LT(last_row - first_row, 80);
+}
+#endif

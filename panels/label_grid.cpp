@@ -1,0 +1,278 @@
+#include "panels/label_grid.h"
+
+#include <algorithm>
+#include <new>
+#include <string>
+
+#include "panels/host_variables.h"
+#include "panels/label_panel.h"
+
+namespace {
+
+constexpr int KEY_CODE_MASK = 0xFFFF;
+
+void Place(Tools& widget, const Label_Rectangle& rectangle) {
+    widget.x = rectangle.x;
+    widget.y = rectangle.y;
+    widget.width = rectangle.width;
+    widget.height = rectangle.height;
+}
+
+Label_Rectangle Rectangle_Of(const Tools& widget) {
+    return {widget.x, widget.y, widget.width, widget.height};
+}
+
+std::shared_ptr<Buttons[]> Buttons_Make(int nb) {
+    try {
+        return std::make_shared<Buttons[]>(static_cast<std::size_t>(nb));
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+}  // namespace
+
+Label_Grid::Label_Grid(int button_nb) : buttons(Buttons_Make(button_nb)), capacity(button_nb) {
+    slider.style = STYLE_SLIDER_HIDDEN;
+    editor.style = STYLE_EDIT_IDLE;
+    Rest_Hide(0);
+}
+
+int Label_Grid::Fitting(int count) const {
+    return std::min(count, capacity);
+}
+
+// -------------------------------------------------------------------------------------------------------------- layout
+
+void Label_Grid::Slider_Set(const Label_Slider& scroll) {
+    slider.style = scroll.needed ? STYLE_SLIDER_VERTICAL : STYLE_SLIDER_HIDDEN;
+    slider.maximum = scroll.maximum;
+    slider.value = scroll.value;
+    if (scroll.needed) {
+        slider.step = static_cast<float>(row_height);
+        slider.Larg_Adjust(static_cast<float>(slider.height), scroll.content);
+    }
+}
+
+void Label_Grid::Resize(const Boxs& host, int count) {
+    frame.style = STYLE_FRAMED_BOX;
+    frame.Take_Look(host);
+    Place(frame, Rectangle_Of(host));
+    frame.Init(host.window);
+
+    const Label_Dimensions dimensions = Label_Dimensions_Read();
+    const Label_Layout layout =
+        Label_Layout_Make(dimensions, {host.x, host.y, host.width, host.height, host.border}, Fitting(count));
+    row_height = dimensions.Row_Height();
+
+    Place(slider, layout.slider);
+    slider.color = host.color;
+    slider.minimum = 0.0F;
+    Slider_Set(layout.scroll);
+    slider.Init(host.window);
+
+    grid_box.style = STYLE_FRAMED_BOX | (host.style & STYLE_SHOW_CHECK);
+    grid_box.color = host.color;
+    Place(grid_box, layout.grid);
+    grid_box.Init(host.window);
+    visible_top = layout.visible_top;
+    visible_bottom = layout.visible_bottom;
+}
+
+void Label_Grid::Button_Dress(Buttons& button, const Boxs& host) {
+    button.font_name = host.font_name;
+    button.font_weight = host.font_weight;
+    button.font = host.font;
+    button.font_scale = host.font_scale;
+    button.border = host.border;
+}
+
+bool Label_Grid::Button_Place(int index, int count) {
+    const Label_Cell cell = Label_Cell_Of(index, Fitting(count));
+    if (!cell.is_laid_out) {
+        buttons[index].y = LABEL_NOWHERE;
+        return false;
+    }
+    Place(buttons[index], Label_Button(Rectangle_Of(grid_box), cell, row_height, slider.value));
+    return true;
+}
+
+void Label_Grid::Rest_Hide(int count) {
+    for (int index = Button_Nb(count); index < Button_Nb(capacity); index++) {
+        buttons[index].y = LABEL_NOWHERE;
+    }
+}
+
+void Label_Grid::Editor_Resize(const Boxs& host) {
+    editor.style = STYLE_EDIT_IDLE;
+    editor.Take_Look(host);
+    editor.x = 0;
+    editor.y = 0;
+    editor.position = 0;
+    editor.width = Label_To_Short(grid_box.width / LABEL_COLUMN_NB);
+    editor.height = Label_To_Short(row_height);
+    editor.Init(host.window);
+}
+
+void Label_Grid::Relayout(int count) {
+    const Label_Dimensions dimensions = Label_Dimensions_Read();
+    row_height = dimensions.Row_Height();
+    Slider_Set(Label_Slider_Make(dimensions, frame.height, slider.height, Fitting(count)));
+    slider.Init(nullptr);
+    for (int index = 0; index < Button_Nb(count); index++) {
+        if (Button_Place(index, count)) {
+            buttons[index].Init(nullptr);
+        }
+    }
+    Rest_Hide(count);
+}
+
+// ------------------------------------------------------------------------------------------------------------ painting
+
+void Label_Grid::Draw(int count) {
+    frame.Draw();
+    slider.Draw();
+    for (int index = 0; index < Button_Nb(count); index++) {
+        if (Is_Visible(buttons[index])) {
+            buttons[index].Draw();
+        }
+    }
+}
+
+void Label_Grid::Paint(int count, const Label_Change& change) {
+    if (change.mask == 0) {
+        return;
+    }
+    if (change.Has(Label_Change::SLIDER)) {
+        slider.Draw();
+    }
+    for (int index = 0; index < Button_Nb(count); index++) {
+        Buttons& button = buttons[index];
+        if (!Is_Visible(button)) {
+            continue;
+        }
+        if (change.Has(Label_Change::INIT)) {
+            button.Init(nullptr);
+        }
+        if (change.Has(Label_Change::BACKGROUND)) {
+            button.Clear(frame.color);
+        }
+        if (change.Has(Label_Change::REDRAW)) {
+            button.Draw();
+        } else if (change.Is_Mark_Only()) {
+            button.Adjust();
+        }
+    }
+}
+
+// -------------------------------------------------------------------------------------------------------------- events
+
+void Label_Grid::Scroll_Apply(int count) {
+    if (Fitting(count) < LABEL_COLUMN_NB) {
+        return;
+    }
+    for (int index = 0; index < Button_Nb(count); index++) {
+        const Label_Cell cell = Label_Cell_Of(index, Fitting(count));
+        if (cell.is_laid_out) {
+            buttons[index].y = Label_Button_Y(slider.y, cell, row_height, slider.value);
+            buttons[index].Init(nullptr);
+        } else {
+            buttons[index].y = LABEL_NOWHERE;
+        }
+    }
+}
+
+bool Label_Grid::Slider_Take(int up_down) {
+    if (slider.Select(up_down) == 0) {
+        return false;
+    }
+    slider.value = slider.Read();
+    return true;
+}
+
+int Label_Grid::Button_Hit(int first, int count, int up_down) {
+    for (int index = first; index < Button_Nb(count); index++) {
+        if (Is_Visible(buttons[index]) && buttons[index].Select(up_down) != 0) {
+            return index;
+        }
+    }
+    return NONE;
+}
+
+void Label_Grid::Hover(int count, int up_down) {
+    for (int index = 0; index < Button_Nb(count); index++) {
+        if (Is_Visible(buttons[index])) {
+            buttons[index].Select(up_down);
+        }
+    }
+    editor.Select(up_down, 0, 0);
+}
+
+void Label_Grid::Leave(int count) {
+    for (int index = 0; index < Button_Nb(count); index++) {
+        if (Is_Visible(buttons[index])) {
+            buttons[index].Deselect();
+        }
+    }
+    slider.Deselect();
+}
+
+// ------------------------------------------------------------------------------------------------------------- editing
+
+Buttons* Label_Grid::Edited_Button(int count) {
+    return edited < Button_Nb(count) ? &buttons[edited] : nullptr;
+}
+
+void Label_Grid::Edit_Open(int index, int count, HWND window) {
+    Edit_Cancel(count, true);
+    Buttons& button = buttons[index];
+    editor.x = button.x;
+    editor.y = button.y;
+    editor.style = STYLE_EDIT_OPEN;
+    editor.Init(window);
+    editor.Set_Name("%s", button.name);
+    editor.Read("%s", editor.name);
+    editor.Draw();
+    edited = static_cast<std::uint16_t>(index);
+    button.style |= STYLE_EDITED;
+}
+
+void Label_Grid::Edit_Cancel(int count, bool redraw) {
+    if (!Is_Editing()) {
+        return;
+    }
+    editor.Input(KEY_ESCAPE);
+    editor.style = STYLE_EDIT_IDLE;
+    if (Buttons* button = Edited_Button(count)) {
+        button->style &= ~STYLE_EDITED;
+        if (redraw && Is_Visible(*button)) {
+            button->Draw();
+        }
+    }
+}
+
+char* Label_Grid::Edit_Key(int key) {
+    editor.Input(key & KEY_CODE_MASK);
+    char* text = editor.Update();
+    if (text != nullptr) {
+        editor.style = STYLE_EDIT_IDLE;
+    }
+    return text;
+}
+
+void Label_Grid::Edit_Close(int count, char* text) {
+    Buttons* button = Edited_Button(count);
+    if (button == nullptr) {
+        return;
+    }
+    if (text != nullptr) {
+        if (std::char_traits<char>::length(text) > BUTTON_CAPTION_MAX) {
+            text[BUTTON_CAPTION_MAX] = 0;
+        }
+        button->Set_Name("%s", text);
+    }
+    button->style &= ~STYLE_EDITED;
+    if (Is_Visible(*button)) {
+        button->Draw();
+    }
+}

@@ -1,0 +1,122 @@
+/** A grid of label buttons with slider and in-place editor: what the TAG and the marker panel share.
+ *
+ *  The panels say how many labels there are, what a button looks like and what a finished edit means; the grid does the
+ *  rest. It reads no label variable itself. Counts are numbers of labels in the host's tables, cut at the capacity by
+ *  Fitting; without memory for buttons there are none, and everything else works all the same. Copies share the
+ * buttons; each copy has its own frame, slider and editor.
+ */
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "host/kit_widgets.h"
+#include "panels/label_grid_geometry.h"
+
+/** What an Update changed, collected so that only what differs is painted. */
+struct Label_Change {
+    static constexpr unsigned int MARK = 1;        ///< current or checked mark
+    static constexpr unsigned int REDRAW = 2;      ///< caption, colour or activity
+    static constexpr unsigned int BACKGROUND = 4;  ///< the panel colour shows through
+    static constexpr unsigned int INIT = 8;        ///< the button's pictures
+    static constexpr unsigned int SLIDER = 16;
+
+    unsigned int mask = 0;
+
+    void Add(unsigned int bits) { mask |= bits; }
+    bool Has(unsigned int bits) const { return (mask & bits) != 0; }
+    /** Nothing but marks changed. */
+    bool Is_Mark_Only() const { return mask == MARK; }
+};
+
+class Label_Grid {
+  public:
+    static constexpr int NONE = -1;
+
+    explicit Label_Grid(int button_nb);
+
+    /** A table's count, cut at the capacity. */
+    int Fitting(int count) const;
+    /** How many of these labels have a button: all, or none without memory. */
+    int Button_Nb(int count) const { return buttons != nullptr ? Fitting(count) : 0; }
+    Buttons& Button(int index) { return buttons[index]; }
+    bool Is_Visible(const Buttons& button) const {
+        return button.y >= visible_top && button.y <= visible_bottom && button.y != LABEL_NOWHERE;
+    }
+
+    // ------------------------------------------------------------------------------------------------------ layout
+
+    /** Places frame, slider and grid box in the host's box and makes them. The buttons follow by Button_Dress and
+     *  Button_Place, then Rest_Hide and Editor_Resize. */
+    void Resize(const Boxs& host, int count);
+    /** Gives a button the host's fonts and border. */
+    static void Button_Dress(Buttons& button, const Boxs& host);
+    /** Places a button by the slider's value. @return false: this label is not laid out; its button is out of sight */
+    bool Button_Place(int index, int count);
+    /** Takes the buttons of no label out of sight. */
+    void Rest_Hide(int count);
+    /** Closes and places the editor. */
+    void Editor_Resize(const Boxs& host);
+    /** Fits the slider to the number of labels, back at its bottom end, and lays the buttons out again. The grid box
+     *  stays as Resize left it, even if the slider came or went: kept on purpose. Paints nothing. */
+    void Relayout(int count);
+
+    // ------------------------------------------------------------------------------------------------------ painting
+
+    /** Frame, slider and visible buttons. */
+    void Draw(int count);
+    /** Paints what changed. One mask for all: a difference in one button repaints every visible one. Kept on purpose.
+     */
+    void Paint(int count, const Label_Change& change);
+
+    // ------------------------------------------------------------------------------------------------------ events
+
+    /** Puts the buttons where the slider's value says; the panel draws afterwards. Less than one row stays as it is. */
+    void Scroll_Apply(int count);
+    /** Moves the slider by notches. */
+    void Scroll(int notches) { slider.Scroll(notches); }
+    /** Feeds an event to the slider. @return true when it took the event; its value is taken over then */
+    bool Slider_Take(int up_down);
+    /** The first visible button from `first` on that the event falls on, or NONE. */
+    int Button_Hit(int first, int count, int up_down);
+    /** Hover feedback of all visible buttons and the editor. */
+    void Hover(int count, int up_down);
+    /** Takes every visible button and the slider out of hover and pressed looks. */
+    void Leave(int count);
+
+    // ------------------------------------------------------------------------------------------------------ editing
+
+    /** The label whose editor is or was open. */
+    int Edited() const { return edited; }
+    /** True while an edit is open. The editor's style is the only record of it. */
+    bool Is_Editing() const { return editor.style == STYLE_EDIT_OPEN; }
+    bool Editor_Has_Keyboard() { return editor.Select(1, 0, 0) != 0; }
+    HWND Editor_Window() const { return editor.window; }
+    /** Opens the editor over a button, loaded with its caption. An edit that is still open is cancelled.
+     *  @param window handed to the editor; null keeps its own */
+    void Edit_Open(int index, int count, HWND window);
+    /** Cancels an open edit. @param redraw also draws its button */
+    void Edit_Cancel(int count, bool redraw);
+    /** Feeds a key. @return the finished text (the editor's own buffer, writable, closed by then); null while editing
+     *  goes on */
+    char* Edit_Key(int key);
+    /** Shows the edited button again. @param text its new caption, cut here at what a button holds; null: it keeps its
+     *  own */
+    void Edit_Close(int count, char* text);
+
+  private:
+    void Slider_Set(const Label_Slider& scroll);
+    /** The button behind the editor, null when the table has shrunk below it. */
+    Buttons* Edited_Button(int count);
+
+    Boxs frame;
+    Boxs grid_box;                       // not drawn: geometry only
+    std::shared_ptr<Buttons[]> buttons;  // capacity buttons, or null
+    Sliders slider;
+    Texts editor;
+    std::uint16_t edited = 0;
+    int visible_top = 0;
+    int visible_bottom = -1;
+    int row_height = 0;  // pixels
+    int capacity;
+};

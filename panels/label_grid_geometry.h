@@ -1,0 +1,83 @@
+/** Where a grid of label buttons stands: pure numbers, no widget.
+ *
+ *  Pixels of a window whose y grows downwards; rectangles are half-open (x .. x + width - 1). The grid has four
+ * columns; the top row holds the four highest labels, the bottom row labels 0 to 3. Only complete rows are laid out:
+ * with a count that is not a multiple of four the lowest labels have no button. Kept on purpose.
+ */
+#pragma once
+
+#include <cstdint>
+
+inline constexpr int LABEL_COLUMN_NB = 4;
+/** y of a button that is not laid out. No button that is laid out has it. */
+inline constexpr std::int16_t LABEL_NOWHERE = -32768;
+
+/** Interface dimensions, pixels. */
+struct Label_Dimensions {
+    int border = 0;         ///< "$INTERFACE_BORDER_DIM"
+    int button = 0;         ///< "$INTERFACE_BUTTON_DIM_SML"
+    int cursor = 0;         ///< "$INTERFACE_CURSOR_DIM"
+    int space = 0;          ///< "$INTERFACE_SPACE_DIM"
+    int library_space = 0;  ///< the widget library's own spacing
+
+    int Row_Height() const { return border + button; }
+};
+
+struct Label_Rectangle {
+    std::int16_t x = 0;
+    std::int16_t y = 0;
+    std::int16_t width = 0;
+    std::int16_t height = 0;
+    friend bool operator==(const Label_Rectangle&, const Label_Rectangle&) = default;
+};
+
+/** The host's box. */
+struct Label_Host_Box {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    int border = 0;  ///< border thickness
+};
+
+/** State that the slider takes from the number of labels. */
+struct Label_Slider {
+    bool needed = false;
+    float maximum = 1.0F;  ///< pixels; below 0 when the content is only just too high
+    float value = 0.0F;    ///< pixels; the maximum, so that the lowest labels are in view
+    float content = 0.0F;  ///< height of all rows, pixels
+};
+
+/** Everything that a resize places, but for the buttons. */
+struct Label_Layout {
+    Label_Rectangle slider;
+    Label_Rectangle grid;
+    Label_Slider scroll;
+    int visible_top = 0;     ///< smallest y of a visible button
+    int visible_bottom = 0;  ///< largest y of a visible button
+};
+
+/** A number as 16 bits; beyond their range the nearest one that is not LABEL_NOWHERE. */
+std::int16_t Label_To_Short(int value);
+
+/** The slider for `count` labels in a frame. The margin in the comparison is twice the library's spacing, not the
+ * margin of the slider itself: the two differ on purpose. */
+Label_Slider Label_Slider_Make(const Label_Dimensions& dimensions, int frame_height, int slider_height, int count);
+
+Label_Layout Label_Layout_Make(const Label_Dimensions& dimensions, const Label_Host_Box& host, int count);
+
+/** Place of a label in the grid. */
+struct Label_Cell {
+    bool is_laid_out = false;
+    int row = 0;     ///< from the top
+    int column = 0;  ///< from the left
+};
+Label_Cell Label_Cell_Of(int index, int count);
+
+/** A button's rectangle. @param scroll the slider's value */
+Label_Rectangle Label_Button(const Label_Rectangle& grid, const Label_Cell& cell, int row_height, float scroll);
+/** A button's y alone. @param top the grid's y */
+std::int16_t Label_Button_Y(int top, const Label_Cell& cell, int row_height, float scroll);
+
+/** Height of a panel with `rows` rows of buttons: 2 x border + 5 + rows x row height. */
+int Label_Panel_Height(const Label_Dimensions& dimensions, int rows);

@@ -1,0 +1,93 @@
+/** Operations that the TAG and the marker panel have in common, over their grid. Internal to the two panels. */
+#pragma once
+
+#include <limits>
+
+#include "panels/label_grid.h"
+
+/** The interface dimensions now. */
+Label_Dimensions Label_Dimensions_Read();
+
+/** @param current receives the picked label
+ *  @param editor_window handed to the editor when a right press opens it; null keeps the editor's own
+ *  @return the picked label, -1 for none */
+template <class Panel>
+int Label_Click(Panel& panel, Label_Grid& grid, int& current, int count, int up_down, HWND editor_window) {
+    constexpr int RIGHT_PRESS_CODE = MOUSE_PRESS | MOUSE_RIGHT;
+    constexpr int FIRST_EDITABLE = 1;  // label 0 can never be edited in place, a right press picks it: kept on purpose
+    constexpr int CURRENT_MASK = 0xFF;
+    if (up_down == 0) {
+        return Label_Grid::NONE;
+    }
+    if (up_down == RIGHT_PRESS_CODE && count > FIRST_EDITABLE) {
+        if (const int index = grid.Button_Hit(FIRST_EDITABLE, count, up_down); index != Label_Grid::NONE) {
+            grid.Edit_Open(index, count, editor_window);
+            return Label_Grid::NONE;
+        }
+    }
+    grid.Edit_Cancel(count, true);
+    if (grid.Slider_Take(up_down)) {
+        grid.Scroll_Apply(count);
+        panel.Draw();
+        return Label_Grid::NONE;
+    }
+    const int picked = grid.Button_Hit(0, count, up_down);
+    if (picked != Label_Grid::NONE) {
+        current = picked & CURRENT_MASK;
+    }
+    return picked;
+}
+
+/** @return 1 when the slider moved, else 0 */
+template <class Panel>
+int Label_Motion(Panel& panel, Label_Grid& grid, int count, int up_down) {
+    grid.Hover(count, up_down);
+    if (!grid.Slider_Take(up_down)) {
+        return 0;
+    }
+    grid.Edit_Cancel(count, false);
+    grid.Scroll_Apply(count);
+    panel.Draw();
+    return 1;
+}
+
+/** The pointer's position is not tested: kept on purpose. @return 1 */
+template <class Panel>
+int Label_Scroll(Panel& panel, Label_Grid& grid, int count, int val) {
+    grid.Edit_Cancel(count, false);
+    grid.Scroll(val == std::numeric_limits<int>::min() ? std::numeric_limits<int>::max() : -val);
+    grid.Scroll_Apply(count);
+    panel.Draw();
+    return 1;
+}
+
+inline void Label_Leave(Label_Grid& grid, int count) {
+    grid.Edit_Cancel(count, true);
+    grid.Leave(count);
+}
+
+// ---------------------------------------------------------------------------------------------------- captions,
+// colours
+
+/** A caption as panels build it, before a button cuts it. */
+struct Label_Caption {
+    char text[80] = {};
+};
+/** The label, or the number where the label is null. */
+Label_Caption Label_Caption_Of(const char* label, int index);
+/** Gives a button another caption; an equal one is left alone. */
+void Label_Caption_Show(Buttons& button, const Label_Caption& caption, Label_Change& change);
+
+/** @param color 0x00BBGGRR; the high byte does not count */
+void Label_Color_Set(Buttons& button, std::uint32_t color);
+/** Gives a button another colour; an equal one is left alone. */
+void Label_Color_Show(Buttons& button, std::uint32_t color, Label_Change& change);
+
+/** Marks one button as current among the first `button_nb`. */
+void Label_Current_Show(Label_Grid& grid, int button_nb, int current, Label_Change& change);
+
+// ------------------------------------------------------------------------------------------------------ host's labels
+
+/** Replaces a label by a copy of the text on the C runtime's heap; the old one is freed.
+ *  @return false without memory: the label is null then */
+bool Label_Replace(char** label, const char* text);

@@ -1,0 +1,11 @@
+/** The module's version. */
+#pragma once
+
+#include "panels/kit_panels.h"
+
+/** Checks that the module fits the host, and describes it.
+ *  @param version the version that the host was built for; null: no check
+ *  @return one line such as "Kit_Panels.dll 5.0 (rev-16b)", made with the name that the module's file has now, in a
+ *  buffer that the next call overwrites; null when `version` is another one than the module's. Each call that is not
+ *  refused leaves one block of 260 bytes allocated: kept on purpose. User-interface thread only. */
+extern "C" KIT_PANELS_API char* Get_Version_Quorel_Tools(char* version);

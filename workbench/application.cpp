@@ -1,0 +1,354 @@
+#include "workbench/application.h"
+
+#include <algorithm>
+
+#include "kits/common/messages.h"
+#include "volumes/message_text.h"
+#include "workbench/wide_text.h"
+
+namespace {
+
+constexpr int tool_width = 452;        // pixels at 96 dots per inch
+constexpr int window_width = 1320;
+constexpr int window_height = 860;
+constexpr int histogram_height = 150;
+constexpr int histogram_height_most = 320;
+constexpr unsigned short tag_rows = 4;
+constexpr unsigned short marker_rows = 2;
+constexpr int message_trace = 10;  // this level and higher ones are traces
+constexpr unsigned __int64 flags_tag_state = UPDATE_TAG_ENABLE | UPDATE_TAG_SELECT | UPDATE_TAG_LOCK | UPDATE_TAG_CUR;
+
+Application* the_application = nullptr;
+
+}  // namespace
+
+Application::Application(const Command_Line& command_line)
+    : options(command_line),
+      tag_panel(static_cast<unsigned short>(TAG_CHECK_ENABLE | TAG_GREY_SELECTION)),
+      tag_base(tag_panel, [](Tool_Tag& panel) { return panel.Height(tag_rows); }),
+      marker_base(marker_panel, [](Tool_Marker& panel) { return panel.Height(marker_rows); }),
+      brush_base(brush_panel, [](Tool_Brush& panel) { return panel.Height(); }),
+      propagate_base(propagate_panel, [](Tool_Propagate& panel) { return panel.Height(); }),
+      histogram_base(histogram_panel,
+                     [this](Tool_Histo& panel) {
+                         return panel.Height(static_cast<unsigned short>(look.Px(histogram_height)));
+                     }),
+      window(*this),
+      tool_area(look),
+      image(look, *this),
+      status_line(look),
+      banner(look, [this] { Lay_Out(); }),
+      trace(look) {
+    the_application = this;
+    Prog_Name = "workbench";
+    variables.Define();
+    Adopt_Names();
+    propagate_panel.Set(&Application::Propagation_Function);
+    Message_Receiver_Add(
+        [](void* context, HWND, int level, const char* text) {
+            static_cast<Application*>(context)->On_Message(level, text);
+        },
+        this);
+    Request_Listener listener;
+    listener.context = this;
+    listener.update = [](void* context, unsigned __int64 flags, void*, void*) {
+        static_cast<Application*>(context)->On_Panel_Request(flags);
+    };
+    listener.redraw = [](void* context, unsigned __int64, void*, void*) {
+        static_cast<Application*>(context)->image.Refresh();
+    };
+    listener.change_child = [](void* context, Quorel_Window*, Quorel_2D* new_frame, Quorel_2D*) {
+        static_cast<Application*>(context)->On_Change_Child(new_frame);
+    };
+    Request_Listener_Set(listener);
+}
+
+Application::~Application() {
+    Request_Listener_Set({});
+    hwnd = nullptr;
+    objects.Clear();
+    the_application = nullptr;
+}
+
+int Application::Propagation_Function(void* from, void* to) {
+    if (the_application == nullptr) {
+        return 0;
+    }
+    const Volume_Objects& objects = the_application->objects;
+    return the_application->Propagate(objects.Slice_Of(static_cast<Quorel_2D*>(from)),
+                                      objects.Slice_Of(static_cast<Quorel_2D*>(to)));
+}
+
+bool Application::Start(int show) {
+    if (!window.Make() || !tool_area.Make(window.Handle()) || !image.Make(window.Handle()) ||
+        !status_line.Make(window.Handle()) || !banner.Make(window.Handle()) || !trace.Make(window.Handle())) {
+        return false;
+    }
+    hwnd = window.Handle();
+    look.Dpi_Set(Window_Dpi(window.Handle()));
+    variables.Scale_Set(look.Scale());
+    Add_Panels();
+    if (!options.report.empty() && !report.Open(options.report)) {
+        Warn("The report file " + options.report + " cannot be written.");
+    }
+    trace.Show(options.trace);
+    ::SetWindowPos(window.Handle(), nullptr, 0, 0, look.Px(window_width), look.Px(window_height), SWP_NOZORDER | SWP_NOMOVE);
+    Title_Refresh();
+    Notes_Refresh();
+    ::ShowWindow(window.Handle(), show);
+    ::UpdateWindow(window.Handle());
+    image.Brush_Set(variables.Brush());
+    Status(L"F1 shows keys and mouse");
+    if (!options.files.empty()) {
+        Open_Volume(Path_From_Utf8(options.files.front()));
+    }
+    if (options.files.size() > 1) {
+        Status(L"Only the first of " + std::to_wstring(options.files.size()) + L" volumes is shown");
+    }
+    report.Line("ready");
+    return true;
+}
+
+void Application::Add_Panels() {
+    tag_host = tool_area.Add(L"TAG", tag_base, Window_Axis::Down, [this](int picked, int) {
+        if (picked >= 0) {
+            Tag_Set(picked, false);
+        }
+    });
+    brush_host = tool_area.Add(L"Brush", brush_base, Window_Axis::Up, [this](int is_picked, int) {
+        if (is_picked != 0) {
+            Brush_Set(brush_panel.Read());
+        }
+    });
+    propagate_host = tool_area.Add(L"Frames", propagate_base, Window_Axis::Up, [](int, int) {});
+    marker_host = tool_area.Add(L"Markers", marker_base, Window_Axis::Down, [this](int picked, int) {
+        if (picked >= 0) {
+            Marker_Set(picked);
+        }
+    });
+    histogram_host = tool_area.Add(L"Histogram", histogram_base, Window_Axis::Down, [](int, int) {});
+    tool_area.Stretch(histogram_host, look.Px(histogram_height_most));
+}
+
+int Application::Run() {
+    MSG message = {};
+    while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
+        ::TranslateMessage(&message);
+        ::DispatchMessageW(&message);
+    }
+    return static_cast<int>(message.wParam);
+}
+
+void Application::Lay_Out() {
+    const RECT client = window.Client();
+    const int width = std::min<int>(look.Px(tool_width), client.right);
+    int bottom = client.bottom - status_line.Wanted_Height();
+    status_line.Place({0, bottom, client.right, client.bottom});
+    if (trace.Is_Shown()) {
+        const int top = std::max(bottom - trace.Wanted_Height(), 0);
+        trace.Place({0, top, client.right, bottom});
+        bottom = top;
+    }
+    tool_area.Place({0, 0, width, bottom});
+    const int banner_height = banner.Wanted_Height();
+    banner.Place({width, 0, client.right, banner_height});
+    banner.Show(banner_height > 0);
+    image.Place({width, banner_height, client.right, bottom});
+}
+
+void Application::Announce(unsigned __int64 flags) {
+    delivery.Announce(flags, [this](unsigned long long delivered) {
+        tool_area.Update(delivered);
+        After_Update(delivered);
+    });
+}
+
+void Application::After_Update(unsigned __int64 flags) {
+    if (Has_Any(flags, UPDATE_TAG_ENABLE | UPDATE_TAG_TABLE | UPDATE_FRAME_CUR | UPDATE_TAG_LABEL | UPDATE_ALL) ||
+        (is_threshold_mode && Has_Any(flags, UPDATE_TAG_CUR))) {
+        image.Refresh();
+    }
+    if (Has_Any(flags, UPDATE_BRUSH | UPDATE_ALL)) {
+        image.Brush_Set(variables.Brush());
+    }
+    if (!Has_Any(flags, UPDATE_MOUSE_FRAME)) {
+        Notes_Refresh();
+    }
+}
+
+void Application::On_Panel_Request(unsigned __int64 flags) {
+    if (Has_Any(flags, UPDATE_TAG_LABEL)) {
+        // A panel has written a name or a threshold: that is a step of the user's work.
+        int steps = session.Note_Labels(Text_Table::TAG_LABELS, variables.Tag_Labels());
+        steps += session.Note_Labels(Text_Table::MARKER_LABELS, variables.Marker_Labels());
+        steps += session.Note_Thresholds(variables.Threshold_Min());
+        Histogram_Ranges_Refresh();
+        flags |= steps != 0 ? UPDATE_HISTO_PAINT : 0;
+        Title_Refresh();
+    }
+    Announce(flags);
+}
+
+void Application::On_Change_Child(Quorel_2D* new_frame) {
+    const int wanted = objects.Slice_Of(new_frame);
+    if (wanted >= 0) {
+        Slice_Show(wanted, true);
+    }
+}
+
+void Application::On_Message(int level, const char* text) {
+    if (level >= message_trace) {
+        trace.Add(level, Message_Plain(text));
+        return;
+    }
+    report.Line("message " + std::to_string(level) + " " + Message_Plain(text));
+    if (level == MESSAGE_STATUS) {
+        Status(Wide_Of_Panel(Message_Plain(text).c_str()));
+    } else {
+        banner.Add(Message_Runs(text));
+    }
+}
+
+void Application::Status(const std::wstring& text) {
+    status_line.Message_Set(text);
+    report.Line("status " + Utf8_Of_Wide(text));
+}
+
+void Application::Warn(std::string_view utf8) {
+    report.Line("warning " + std::string(utf8));
+    banner.Add_Text(Wide_Of_Utf8(utf8));
+}
+
+void Application::Notes_Refresh() {
+    const int tag = variables.Tag_Cur();
+    const auto at = static_cast<std::size_t>(tag);
+    std::wstring note = Wide_Of_Panel(variables.Tag_Name(tag).c_str());
+    note += variables.Tag_Enable()[at] == 0 ? L", hidden" : L"";
+    note += variables.Tag_Lock()[at] != 0 ? L", locked" : L"";
+    note += variables.Tag_Select()[at] == 0 ? L", not selected" : L"";
+    tool_area.Note_Set(tag_host, note);
+    tool_area.Note_Set(brush_host, std::to_wstring(variables.Brush().Pixel_Nb()) + L" pixels");
+    tool_area.Note_Set(propagate_host, propagation_kind == Propagation_Kind::COPY ? L"copy" : L"grow");
+    const int marker = variables.Marker_Cur();
+    tool_area.Note_Set(marker_host, Wide_Of_Panel(variables.Marker_Name(marker).c_str()) +
+                                        (is_marker_mode ? L", placing" : L""));
+    tool_area.Note_Set(histogram_host, is_histogram_of_all ? L"all frames" : L"shown frame");
+}
+
+void Application::Title_Refresh() {
+    std::wstring title = L"Workbench";
+    if (session.Has_Volume()) {
+        title = Wide_Of_Utf8(File_Name_Text(session.Path())) + (session.Is_Unsaved() ? L"* - " : L" - ") + title;
+    }
+    ::SetWindowTextW(window.Handle(), title.c_str());
+}
+
+void Application::Look_Changed() {
+    variables.Scale_Set(look.Scale());
+    tool_area.Lay_Out();
+    for (Panel_Host* host : {tag_host, marker_host, brush_host, propagate_host, histogram_host}) {
+        host->Lay_Out();
+    }
+    Lay_Out();
+    ::RedrawWindow(window.Handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
+}
+
+void Application::Dpi_Changed(int dpi) {
+    look.Dpi_Set(dpi);
+    Look_Changed();
+}
+
+void Application::Files_Dropped(const std::wstring& path) {
+    Open_Volume(std::filesystem::path(path));
+}
+
+void Application::Key(int key) {
+    POINT pointer = {};
+    ::GetCursorPos(&pointer);
+    if (Panel_Host* host = tool_area.Panel_At(pointer); host != nullptr && host->Key(key)) {
+        return;
+    }
+    Execute(Command_Of_Key(key));
+}
+
+void Application::Wheel(POINT screen, int delta, bool is_control) {
+    const HWND under = ::WindowFromPoint(screen);
+    if (Panel_Host* host = tool_area.Panel_At(screen)) {
+        YCursor_X = screen.x;
+        YCursor_Y = screen.y;
+        host->Wheel(delta);
+    } else if (under == tool_area.Handle()) {
+        tool_area.Wheel(delta);
+    } else if (under == image.Handle()) {
+        image.Wheel(delta, is_control, screen);
+    } else if (under == trace.Handle()) {
+        trace.Wheel(delta);
+    }
+}
+
+void Application::Report_Place(const char* name, HWND of_window) {
+    RECT place = {};
+    ::GetWindowRect(of_window, &place);
+    const bool is_shown = ::IsWindowVisible(of_window) != 0;
+    report.Line("place " + std::string(name) + " " + std::to_string(place.left) + " " + std::to_string(place.top) + " " +
+                std::to_string(place.right - place.left) + " " + std::to_string(place.bottom - place.top) +
+                (is_shown ? " shown" : " hidden"));
+}
+
+void Application::Report_State() {
+    const auto line = [this](const std::string& name, long long value) { report.Line(name + " " + std::to_string(value)); };
+    report.Line("state_begin " + std::to_string(++report_nb));
+    Report_Place("window", window.Handle());
+    Report_Place("image", image.Handle());
+    Report_Place("tag", tag_host->Handle());
+    Report_Place("brush", brush_host->Handle());
+    Report_Place("frames", propagate_host->Handle());
+    Report_Place("marker", marker_host->Handle());
+    Report_Place("histogram", histogram_host->Handle());
+    Report_Place("banner", banner.Handle());
+    Report_Place("trace", trace.Handle());
+    const View_Layout view = image.Layout();
+    const RECT slider = image.Slider_Box();
+    const Panel_Dimensions sizes = variables.Dimensions();
+    report.Line("slice_place " + std::to_string(view.To_Screen_X(0)) + " " + std::to_string(view.To_Screen_Y(0)) + " " +
+                std::to_string(view.scale_x) + " " + std::to_string(view.scale_y));
+    line("slider_left", slider.left);
+    line("row_height", sizes.border + sizes.button);
+    line("space", sizes.space);
+    line("tag_nb", variables.Tag_Nb());
+    line("tag_cur", variables.Tag_Cur());
+    const auto cur = static_cast<std::size_t>(variables.Tag_Cur());
+    line("tag_enable", variables.Tag_Enable()[cur]);
+    line("tag_select", variables.Tag_Select()[cur]);
+    line("tag_lock", variables.Tag_Lock()[cur]);
+    line("threshold_mode", is_threshold_mode ? 1 : 0);
+    line("threshold_min", std::lround(variables.Threshold_Min()[cur]));
+    report.Line("tag_label " + variables.Tag_Name(variables.Tag_Cur()));
+    line("brush_cur", variables.Brush_Cur());
+    line("brush_pixels", static_cast<long long>(variables.Brush().Pixel_Nb()));
+    line("slice", slice);
+    line("slice_nb", session.Slice_Nb());
+    line("window_low_x100", std::lround(grey_window.low * 100.0F));
+    line("window_high_x100", std::lround(grey_window.high * 100.0F));
+    line("undo_nb", static_cast<long long>(session.Journal().Undo_Nb()));
+    line("redo_nb", static_cast<long long>(session.Journal().Redo_Nb()));
+    line("unsaved", session.Is_Unsaved() ? 1 : 0);
+    line("marker_cur", variables.Marker_Cur());
+    report.Line("marker_label " + variables.Marker_Name(variables.Marker_Cur()));
+    for (int marker = 0; marker < MARKER_NB; ++marker) {
+        const Marker place = session.Markers().Get(marker);
+        if (place.is_placed) {
+            report.Line("marker " + std::to_string(marker) + " " + std::to_string(place.x) + " " +
+                        std::to_string(place.y) + " " + std::to_string(place.slice));
+        }
+    }
+    const auto counts = session.Labels().Counts();
+    for (std::size_t tag = 1; tag < counts.size(); ++tag) {
+        if (counts[tag] != 0) {
+            line("count " + std::to_string(tag), static_cast<long long>(counts[tag]));
+        }
+    }
+    line("slice_pixels", static_cast<long long>(std::ranges::count_if(session.Labels().Slice(slice),
+                                                                      [](std::uint8_t tag) { return tag != 0; })));
+    report.Line("state_end " + std::to_string(report_nb));
+}

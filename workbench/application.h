@@ -1,0 +1,172 @@
+/** The application: one volume, its panels and views, and everything that can be done with them. */
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "histogram/tool_histo.h"
+#include "panels/tool_brush.h"
+#include "panels/tool_marker.h"
+#include "panels/tool_propagate.h"
+#include "panels/tool_tag.h"
+#include "volumes/volume_statistics.h"
+#include "workbench/commands.h"
+#include "workbench/host_variables.h"
+#include "workbench/image_view.h"
+#include "workbench/main_window.h"
+#include "workbench/model/command_line.h"
+#include "workbench/model/session.h"
+#include "workbench/model/update_delivery.h"
+#include "workbench/report.h"
+#include "workbench/status_line.h"
+#include "workbench/tool_area.h"
+#include "workbench/trace_view.h"
+#include "workbench/volume_objects.h"
+#include "workbench/warning_banner.h"
+
+/** Lives from start to end of the program; there is one. */
+class Application : public Image_User, public Main_Window_User {
+  public:
+    explicit Application(const Command_Line& command_line);
+    ~Application() override;
+    Application(const Application&) = delete;
+    Application& operator=(const Application&) = delete;
+
+    /** Makes the windows. @return false when the system refuses */
+    bool Start(int show);
+    /** Handles messages until the window is closed. @return the program's status */
+    int Run();
+
+    // What the main window tells (Main_Window_User).
+    void Lay_Out() override;
+    void Execute(Command command) override;
+    void Key(int key) override;
+    void Wheel(POINT screen, int delta, bool is_control) override;
+    void Menu_Refresh(HMENU menu) override;
+    bool May_Close() override;
+    void Dpi_Changed(int dpi) override;
+    void Files_Dropped(const std::wstring& path) override;
+
+    // What the image view tells (Image_User).
+    Image_Content Content() const override;
+    void Slice_Go(int slice) override;
+    Pixel_Rect Stroke_Begin(int x, int y, bool erase) override;
+    Pixel_Rect Stroke_Move(int x, int y) override;
+    void Stroke_End() override;
+    void Pick(int x, int y) override;
+    void Marker_Press(int x, int y) override;
+    void Marker_Move(int x, int y) override;
+    void Marker_Release() override;
+    void Hover(int x, int y) override;
+    void Hover_End() override;
+    void Window_Drag(float dx, float dy) override;
+
+  private:
+    // application.cpp
+    void Add_Panels();
+    /** Tells every panel and the views what changed, at once. */
+    void Announce(unsigned __int64 flags);
+    void After_Update(unsigned __int64 flags);
+    void On_Panel_Request(unsigned __int64 flags);
+    void On_Change_Child(Quorel_2D* new_frame);
+    void On_Message(int level, const char* text);
+    void Status(const std::wstring& text);
+    void Warn(std::string_view utf8);
+    void Notes_Refresh();
+    void Title_Refresh();
+    void Look_Changed();
+    void Report_State();
+    void Report_Place(const char* name, HWND of_window);
+
+    // application_commands.cpp
+    void Execute_Edit(Command command);
+    void Execute_View(Command command);
+
+    // application_files.cpp
+    void Execute_File(Command command);
+    void Open_Volume(const std::filesystem::path& path);
+    std::optional<Load_Result> Load_With_Progress(const std::filesystem::path& path, Volume_Statistics* statistics);
+    void Show_Volume(Volume&& volume, const std::filesystem::path& path);
+    void Load_Labels(const std::filesystem::path& path);
+    bool Save_Labels(bool ask_for_name);
+    /** @return false: the user wants to go on working */
+    bool Ask_Unsaved();
+    void Adopt_Names();
+
+    // application_tags.cpp
+    void Tag_Set(int tag, bool scroll_to_it);
+    void Tag_Scroll_To(int tag);
+    void Tag_Go_To();
+    void Tag_Toggle(Command command);
+    void Tag_Nb_Grow(int highest);
+    void Threshold_Mode_Set(bool on);
+    void Threshold_Max_Ask();
+    void Check_Mark_Set(unsigned short option);
+    void Brush_Set(int brush);
+    void Marker_Set(int marker);
+    void Marker_Mode_Set(bool on);
+    void Marker_Place(int marker, const Marker& place);
+    void Markers_Enable_Refresh();
+    void Undo_Or_Redo(bool redo);
+    void Histogram_Ranges_Refresh();
+
+    // application_image.cpp
+    void Slice_Show(int wanted, bool tell_panels);
+    void Window_Reset();
+    void Histogram_Select();
+    Tag_Overlay Overlay_Now() const;
+    Paint_Ink Ink(bool erase);
+    void Voxel_Text(int x, int y);
+
+    // application_propagation.cpp
+    static int Propagation_Function(void* from, void* to);
+    int Propagate(int from, int to);
+    void Propagation_Kind_Set(Propagation_Kind kind);
+    void Propagate_Repeat(int direction);
+
+    Command_Line options;
+    Look look;
+    Report report;
+    mutable Host_Variables variables;
+    Session session;
+    Volume_Objects objects;
+    Update_Delivery delivery;
+
+    Tool_Tag tag_panel;
+    Tool_Marker marker_panel;
+    Tool_Brush brush_panel;
+    Tool_Propagate propagate_panel;
+    Tool_Histo histogram_panel;
+    Panel_Of<Tool_Tag> tag_base;
+    Panel_Of<Tool_Marker> marker_base;
+    Panel_Of<Tool_Brush> brush_base;
+    Panel_Of<Tool_Propagate> propagate_base;
+    Panel_Of<Tool_Histo> histogram_base;
+
+    Main_Window window;
+    Tool_Area tool_area;
+    Image_View image;
+    Status_Line status_line;
+    Warning_Banner banner;
+    Trace_View trace;
+    Panel_Host* tag_host = nullptr;  // owned by the tool area
+    Panel_Host* marker_host = nullptr;
+    Panel_Host* brush_host = nullptr;
+    Panel_Host* propagate_host = nullptr;
+    Panel_Host* histogram_host = nullptr;
+
+    Volume_Statistics statistics;
+    Grey_Window grey_window;
+    int slice = 0;
+    bool is_overlay_shown = true;
+    bool is_marker_mode = false;
+    bool is_threshold_mode = false;
+    bool is_histogram_of_all = true;
+    unsigned short check_option = TAG_CHECK_ENABLE;
+    Propagation_Kind propagation_kind = Propagation_Kind::GROW;
+    int dragged_marker = -1;
+    Marker marker_before;
+    int report_nb = 0;
+};

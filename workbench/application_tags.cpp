@@ -1,0 +1,236 @@
+// TAGs, brushes, markers and the history.
+#include <algorithm>
+#include <array>
+#include <cwctype>
+#include <utility>
+
+#include "workbench/application.h"
+#include "workbench/model/tag_table.h"
+#include "workbench/prompt_dialog.h"
+#include "workbench/wide_text.h"
+
+namespace {
+
+std::wstring Lower(std::wstring text) {
+    std::ranges::transform(text, text.begin(), [](wchar_t unit) { return static_cast<wchar_t>(std::towlower(unit)); });
+    return text;
+}
+
+struct Range {
+    int tag = 0;
+    double min = 0.0;
+    double max = 0.0;
+};
+using Ranges = std::array<Range, HISTO_RANGE_MAX>;
+
+/** Hands all ranges to the panel, whose argument list has no array form; it reads the first `count` groups only. */
+template <std::size_t... Index>
+void Ranges_Set(Tool_Histo& panel, int count, const Ranges& range, std::index_sequence<Index...>) {
+    const auto call = [&](auto... values) { panel.Set(count, values...); };
+    std::apply(call, std::tuple_cat(std::make_tuple(range[Index].tag, range[Index].min, range[Index].max)...));
+}
+
+}  // namespace
+
+void Application::Tag_Set(int tag, bool scroll_to_it) {
+    if (tag < 0 || tag >= variables.Tag_Nb()) {
+        return;
+    }
+    variables.Tag_Cur_Set(tag);
+    Announce(UPDATE_TAG_CUR);
+    if (scroll_to_it) {
+        Tag_Scroll_To(tag);
+    }
+    report.Line("tag_cur " + std::to_string(tag));
+}
+
+void Application::Tag_Scroll_To(int tag) {
+    const int rows = variables.Tag_Nb() / 4;
+    const int row = (variables.Tag_Nb() - 1 - tag) / 4;
+    const Panel_Dimensions sizes = variables.Dimensions();
+    const int rows_in_view = std::max(static_cast<int>(tag_host->Client().bottom) / (sizes.border + sizes.button), 1);
+    if (rows <= rows_in_view) {
+        return;
+    }
+    // The panel does not tell where it stands, so it is sent to its top first.
+    tag_host->Buffered([&] {
+        tag_panel.Scroll(rows);
+        tag_panel.Scroll(-std::clamp(row - rows_in_view / 2, 0, rows));
+    });
+}
+
+void Application::Tag_Go_To() {
+    const auto answer = Prompt(window.Handle(), L"Go to TAG", L"Number of the TAG, or a part of its name:", L"");
+    if (!answer || answer->empty()) {
+        return;
+    }
+    if (std::ranges::all_of(*answer, [](wchar_t unit) { return std::iswdigit(unit) != 0; })) {
+        const int tag = answer->size() > 3 ? TAG_MAX : std::stoi(*answer);
+        if (tag < variables.Tag_Nb()) {
+            Tag_Set(tag, true);
+        } else {
+            Warn("There is no TAG " + Utf8_Of_Wide(*answer) + "; there are TAGs 0 to " +
+                 std::to_string(variables.Tag_Nb() - 1) + ".");
+        }
+        return;
+    }
+    // The next match after the current TAG, so that asking again goes on.
+    for (int step = 1; step <= variables.Tag_Nb(); ++step) {
+        const int tag = Tag_Step(variables.Tag_Cur(), step, variables.Tag_Nb());
+        if (Lower(Wide_Of_Panel(variables.Tag_Name(tag).c_str())).find(Lower(*answer)) != std::wstring::npos) {
+            Tag_Set(tag, true);
+            return;
+        }
+    }
+    Warn("No TAG has \"" + Utf8_Of_Wide(*answer) + "\" in its name.");
+}
+
+void Application::Tag_Toggle(Command command) {
+    const auto tag = static_cast<std::size_t>(variables.Tag_Cur());
+    const auto toggle = [&](std::span<std::uint8_t> flags, unsigned __int64 flag) {
+        flags[tag] = flags[tag] == 0 ? 1 : 0;
+        // Select and lock grey the same buttons, so both are told.
+        Announce(flag | (flag == UPDATE_TAG_ENABLE ? 0 : UPDATE_TAG_SELECT | UPDATE_TAG_LOCK));
+    };
+    if (command == Command::TAG_ENABLE) {
+        toggle(variables.Tag_Enable(), UPDATE_TAG_ENABLE);
+    } else if (command == Command::TAG_SELECT) {
+        toggle(variables.Tag_Select(), UPDATE_TAG_SELECT);
+    } else {
+        toggle(variables.Tag_Lock(), UPDATE_TAG_LOCK);
+    }
+}
+
+void Application::Tag_Nb_Grow(int highest) {
+    const int wanted = Tag_Count_For(highest);
+    if (wanted <= variables.Tag_Nb()) {
+        return;
+    }
+    variables.Tag_Nb_Set(wanted);
+    tag_host->Lay_Out();
+    Announce(UPDATE_TAG_TABLE);
+    Tag_Scroll_To(variables.Tag_Cur());
+}
+
+void Application::Threshold_Mode_Set(bool on) {
+    is_threshold_mode = on;
+    Check_Mark_Set(check_option);
+    Histogram_Ranges_Refresh();
+    Announce(UPDATE_TAG_LABEL | UPDATE_HISTO_PAINT);
+    Status(on ? L"Threshold mode: a right press on a TAG edits its lower threshold" : L"Threshold mode is off");
+}
+
+void Application::Check_Mark_Set(unsigned short option) {
+    check_option = option;
+    tag_panel.Flag(static_cast<unsigned short>(option | TAG_GREY_SELECTION | (is_threshold_mode ? TAG_THRESHOLD_MODE : 0)));
+    tag_host->Lay_Out();  // the marks of the former option go with the layout
+    Tag_Scroll_To(variables.Tag_Cur());
+}
+
+void Application::Threshold_Max_Ask() {
+    const auto tag = static_cast<std::size_t>(variables.Tag_Cur());
+    const float now = variables.Threshold_Max()[tag];
+    const auto answer = Prompt(window.Handle(), L"Upper threshold",
+                               L"Largest grey value of " + Wide_Of_Panel(variables.Tag_Name(variables.Tag_Cur()).c_str()) +
+                                   L" (empty: no limit):",
+                               now < TAG_THRESHOLD_MAX_UNSET ? std::to_wstring(std::lround(now)) : L"");
+    if (!answer) {
+        return;
+    }
+    wchar_t* end = nullptr;
+    const float value = std::wcstof(answer->c_str(), &end);
+    if (!answer->empty() && *end != 0) {
+        Warn("\"" + Utf8_Of_Wide(*answer) + "\" is no number.");
+        return;
+    }
+    variables.Threshold_Max()[tag] = answer->empty() ? TAG_THRESHOLD_MAX_UNSET : value;
+    Histogram_Ranges_Refresh();
+    Announce(UPDATE_TAG_LABEL | UPDATE_HISTO_PAINT);
+}
+
+void Application::Histogram_Ranges_Refresh() {
+    Ranges ranges = {};
+    int count = 0;
+    for (int tag = 0; tag < variables.Tag_Nb() && count < HISTO_RANGE_MAX; ++tag) {
+        const float low = variables.Threshold_Min()[static_cast<std::size_t>(tag)];
+        const float high = variables.Threshold_Max()[static_cast<std::size_t>(tag)];
+        if (low > TAG_THRESHOLD_MIN_UNSET || high < TAG_THRESHOLD_MAX_UNSET) {
+            ranges[static_cast<std::size_t>(count++)] = {tag, std::max<double>(low, statistics.min),
+                                                         std::min<double>(high, statistics.max)};
+        }
+    }
+    Ranges_Set(histogram_panel, count, ranges, std::make_index_sequence<HISTO_RANGE_MAX>());
+}
+
+void Application::Brush_Set(int brush) {
+    variables.Brush_Cur_Set(brush);
+    Announce(UPDATE_BRUSH);
+    report.Line("brush_cur " + std::to_string(variables.Brush_Cur()));
+}
+
+void Application::Marker_Set(int marker) {
+    variables.Marker_Cur_Set(((marker % MARKER_NB) + MARKER_NB) % MARKER_NB);
+    // Marker and TAG share the flag.
+    Announce(UPDATE_TAG_CUR);
+    const Marker place = session.Markers().Get(variables.Marker_Cur());
+    if (place.is_placed) {
+        Slice_Show(place.slice, true);
+    }
+    image.Refresh();
+}
+
+void Application::Marker_Mode_Set(bool on) {
+    is_marker_mode = on;
+    image.Marker_Mode_Set(on);
+    Notes_Refresh();
+    Status(on ? L"The left button places the current marker, or moves the one it hits" : L"The left button paints");
+}
+
+void Application::Markers_Enable_Refresh() {
+    for (int marker = 0; marker < MARKER_NB; ++marker) {
+        variables.Marker_Enable()[static_cast<std::size_t>(marker)] =
+            session.Markers().Get(marker).is_placed ? std::uint8_t{1} : std::uint8_t{0};
+    }
+}
+
+void Application::Marker_Place(int marker, const Marker& place) {
+    session.Marker_Set(marker, place);
+    Markers_Enable_Refresh();
+    Announce(UPDATE_TAG_ENABLE);
+    Title_Refresh();
+}
+
+void Application::Undo_Or_Redo(bool redo) {
+    const Undo_Step* step = redo ? session.Redo() : session.Undo();
+    if (step == nullptr) {
+        Status(redo ? L"There is nothing to redo" : L"There is nothing to undo");
+        return;
+    }
+    const Undo_Step done = *step;
+    unsigned __int64 flags = 0;
+    if (const auto* pixels = std::get_if<Slice_Change>(&done.change)) {
+        Slice_Show(pixels->slice, true);
+    } else if (const auto* text = std::get_if<Text_Change>(&done.change)) {
+        const std::optional<std::string>& value = redo ? text->after : text->before;
+        const char* label = value ? value->c_str() : nullptr;
+        if (text->table == Text_Table::TAG_LABELS) {
+            variables.Tag_Label_Set(text->index, label);
+        } else {
+            variables.Marker_Label_Set(text->index, label);
+        }
+        flags = UPDATE_TAG_LABEL;
+    } else if (const auto* threshold = std::get_if<Threshold_Change>(&done.change)) {
+        variables.Threshold_Min()[static_cast<std::size_t>(threshold->tag)] = redo ? threshold->after : threshold->before;
+        Histogram_Ranges_Refresh();
+        flags = UPDATE_TAG_LABEL | UPDATE_HISTO_PAINT;
+    } else if (const auto* marker = std::get_if<Marker_Change>(&done.change)) {
+        Markers_Enable_Refresh();
+        const Marker& place = redo ? marker->after : marker->before;
+        Slice_Show(place.is_placed ? place.slice : slice, true);
+        flags = UPDATE_TAG_ENABLE;
+    }
+    Announce(flags);
+    image.Refresh();
+    Title_Refresh();
+    Status((redo ? L"Redone: " : L"Undone: ") + Wide_Of_Utf8(done.title));
+}

@@ -1,0 +1,274 @@
+#include "workbench/image_view.h"
+
+#include <windowsx.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int slider_width = 16;  // pixels at 96 dots per inch
+
+}  // namespace
+
+bool Image_View::Make(HWND parent) {
+    return Create(parent, WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, L"");
+}
+
+RECT Image_View::Slider_Box() const {
+    RECT box = Client();
+    box.left = std::max<LONG>(box.right - look.Px(slider_width), 0);
+    return box;
+}
+
+void Image_View::Lay_Out() {
+    const RECT client = Client();
+    state.view_width = std::max<int>(Slider_Box().left, 1);
+    state.view_height = std::max<int>(client.bottom, 1);
+    state.slice_width = std::max(content.source.width, 1);
+    state.slice_height = std::max(content.source.height, 1);
+    state.pixel_aspect = content.pixel_aspect;
+    layout = View_Layout_Make(state);
+    const std::size_t size = static_cast<std::size_t>(state.view_width) * static_cast<std::size_t>(state.view_height);
+    if (screen.size() != size) {
+        screen.assign(size, 0);
+    }
+}
+
+void Image_View::Render(const Pixel_Rect& part) {
+    picture.resize(static_cast<std::size_t>(content.source.width) * static_cast<std::size_t>(content.source.height));
+    if (!content.source.levels.empty()) {
+        Slice_Render(content.source, content.window, content.overlay, content.range, part, picture);
+    }
+}
+
+void Image_View::Refresh() {
+    const int slices_before = content.slice_nb;
+    content = user.Content();
+    if (slices_before != content.slice_nb) {
+        state.center_x = state.center_y = 0.5;
+    }
+    Lay_Out();
+    Render({0, 0, content.source.width, content.source.height});
+    Invalidate();
+}
+
+void Image_View::Brush_Set(const Brush_Footprint& wanted) {
+    brush = wanted;
+    outline = Brush_Outline(brush);
+    brush_box = {};
+    for (const Brush_Footprint::Row& row : brush.Rows()) {
+        brush_box = Rect_Union(brush_box, {row.first, row.y, row.last + 1, row.y + 1});
+    }
+    Invalidate();
+}
+
+void Image_View::Marker_Mode_Set(bool on) {
+    is_marker_mode = on;
+    Invalidate();
+}
+
+void Image_View::Zoom_Set(double zoom) {
+    state.zoom = zoom;
+    Lay_Out();
+    Invalidate();
+}
+
+void Image_View::Wheel(int delta, bool is_zoom, POINT screen_point) {
+    wheel_rest += delta;
+    const int notches = wheel_rest / WHEEL_DELTA;
+    wheel_rest -= notches * WHEEL_DELTA;
+    if (notches == 0 || content.source.levels.empty()) {
+        return;
+    }
+    if (!is_zoom) {
+        user.Slice_Go(content.slice + notches);
+        return;
+    }
+    // The pixel under the pointer stays under it.
+    ::ScreenToClient(Handle(), &screen_point);
+    const Slice_Point fixed = layout.To_Slice(screen_point.x, screen_point.y);
+    Zoom_Set(Zoom_Step(layout, notches));
+    const Slice_Point now = layout.To_Slice(screen_point.x, screen_point.y);
+    View_Pan(state, static_cast<int>(std::lround((now.x - fixed.x) * layout.scale_x)),
+             static_cast<int>(std::lround((now.y - fixed.y) * layout.scale_y)));
+    Lay_Out();
+    Invalidate();
+}
+
+RECT Image_View::Screen_Of(const Pixel_Rect& pixels, int margin) const {
+    return {layout.To_Screen_X(pixels.left) - margin, layout.To_Screen_Y(pixels.top) - margin,
+            layout.To_Screen_X(pixels.right) + margin, layout.To_Screen_Y(pixels.bottom) + margin};
+}
+
+RECT Image_View::Outline_Box() const {
+    return Screen_Of({over_x + brush_box.left, over_y + brush_box.top, over_x + brush_box.right, over_y + brush_box.bottom},
+                     2);
+}
+
+void Image_View::Point_Pixel(POINT point, int* x, int* y) const {
+    const Slice_Point at = layout.To_Slice(point.x, point.y);
+    *x = static_cast<int>(std::floor(at.x));
+    *y = static_cast<int>(std::floor(at.y));
+}
+
+void Image_View::Pointer_Over(POINT point) {
+    const RECT before = Outline_Box();
+    const bool was_over = is_over;
+    int x = 0;
+    int y = 0;
+    Point_Pixel(point, &x, &y);
+    if (is_over && x == over_x && y == over_y) {
+        return;
+    }
+    over_x = x;
+    over_y = y;
+    is_over = !content.source.levels.empty() && point.x < Slider_Box().left;
+    if (was_over) {
+        Invalidate(&before);
+    }
+    if (is_over) {
+        const RECT now = Outline_Box();
+        Invalidate(&now);
+        user.Hover(x, y);
+    }
+}
+
+void Image_View::Pointer_Gone() {
+    if (is_over) {
+        const RECT before = Outline_Box();
+        is_over = false;
+        Invalidate(&before);
+        user.Hover_End();
+    }
+}
+
+void Image_View::Slider_Drag(int y) {
+    const RECT box = Slider_Box();
+    const int most = content.slice_nb - 1;
+    if (most < 1 || box.bottom <= box.top) {
+        return;
+    }
+    // The last slice is at the top: the patient's head, when the slices rise.
+    const double share = (box.bottom - 0.5 - y) / static_cast<double>(box.bottom - box.top);
+    user.Slice_Go(std::clamp(static_cast<int>(share * content.slice_nb), 0, most));
+}
+
+void Image_View::Press(UINT message, WPARAM keys, POINT point) {
+    if (content.source.levels.empty() || drag != Drag::NONE) {
+        return;
+    }
+    const bool is_shift = (keys & MK_SHIFT) != 0;
+    const bool is_left = message == WM_LBUTTONDOWN;
+    ::SetCapture(Handle());
+    drag_at = point;
+    int x = 0;
+    int y = 0;
+    Point_Pixel(point, &x, &y);
+    if (is_left && point.x >= Slider_Box().left) {
+        drag = Drag::SLIDER;
+        Slider_Drag(point.y);
+    } else if (message == WM_MBUTTONDOWN || (message == WM_RBUTTONDOWN && is_shift)) {
+        drag = Drag::WINDOW;
+    } else if (is_left && is_shift) {
+        drag = Drag::PAN;
+    } else if (is_left && (keys & MK_CONTROL) != 0) {
+        user.Pick(x, y);
+    } else if (is_left && is_marker_mode) {
+        drag = Drag::MARKER;
+        user.Marker_Press(x, y);
+    } else {
+        drag = Drag::STROKE;
+        const Pixel_Rect changed = user.Stroke_Begin(x, y, !is_left);
+        Render(changed);
+        const RECT area = Screen_Of(changed, 0);
+        Invalidate(&area);
+    }
+}
+
+void Image_View::Release() {
+    const Drag ended = drag;
+    drag = Drag::NONE;
+    if (::GetCapture() == Handle()) {
+        ::ReleaseCapture();
+    }
+    if (ended == Drag::STROKE) {
+        user.Stroke_End();
+    } else if (ended == Drag::MARKER) {
+        user.Marker_Release();
+    }
+}
+
+void Image_View::Move(WPARAM keys, POINT point) {
+    if (drag != Drag::NONE && (keys & (MK_LBUTTON | MK_MBUTTON | MK_RBUTTON)) == 0) {
+        Release();
+    }
+    int x = 0;
+    int y = 0;
+    Point_Pixel(point, &x, &y);
+    const int dx = point.x - drag_at.x;
+    const int dy = point.y - drag_at.y;
+    drag_at = point;
+    switch (drag) {
+        case Drag::STROKE: {
+            const Pixel_Rect changed = user.Stroke_Move(x, y);
+            Render(changed);
+            const RECT area = Screen_Of(changed, 0);
+            Invalidate(&area);
+            break;
+        }
+        case Drag::WINDOW:
+            user.Window_Drag(static_cast<float>(dx) / static_cast<float>(state.view_width),
+                             static_cast<float>(dy) / static_cast<float>(state.view_height));
+            break;
+        case Drag::PAN:
+            View_Pan(state, dx, dy);
+            Lay_Out();
+            Invalidate();
+            break;
+        case Drag::MARKER:
+            user.Marker_Move(x, y);
+            break;
+        case Drag::SLIDER:
+            Slider_Drag(point.y);
+            break;
+        default:
+            break;
+    }
+    Pointer_Over(point);
+}
+
+LRESULT Image_View::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
+    const POINT point = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
+    switch (message) {
+        case WM_SIZE:
+            Lay_Out();
+            Invalidate();
+            return 0;
+        case WM_PAINT:
+            Paint();
+            return 0;
+        case WM_ERASEBKGND:
+            return 1;
+        case WM_LBUTTONDOWN:
+        case WM_MBUTTONDOWN:
+        case WM_RBUTTONDOWN:
+            Press(message, wparam, point);
+            return 0;
+        case WM_LBUTTONUP:
+        case WM_MBUTTONUP:
+        case WM_RBUTTONUP:
+        case WM_CAPTURECHANGED:
+            Release();
+            return 0;
+        case WM_MOUSEMOVE:
+            Watch_Leave(Handle());
+            Move(wparam, point);
+            return 0;
+        case WM_MOUSELEAVE:
+            Pointer_Gone();
+            return 0;
+        default:
+            return Window_Base::On_Message(message, wparam, lparam);
+    }
+}

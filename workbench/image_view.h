@@ -1,0 +1,114 @@
+/** The image: a slice with TAG colours over it, markers, the brush under the pointer, and a slider through the slices. */
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "workbench/look.h"
+#include "workbench/model/display_order.h"
+#include "workbench/model/painting.h"
+#include "workbench/model/slice_render.h"
+#include "workbench/model/view_geometry.h"
+#include "workbench/window_base.h"
+
+struct Shown_Marker {
+    int x = 0;  ///< pixel of the slice
+    int y = 0;
+    std::uint32_t color = 0;  ///< 0x00BBGGRR
+    std::wstring name;
+    bool is_current = false;
+};
+
+/** What the view shows. */
+struct Image_Content {
+    Slice_Source source;  ///< no levels: nothing is loaded
+    Grey_Window window;
+    Tag_Overlay overlay;
+    std::optional<Range_Overlay> range;
+    Display_Order order;
+    std::vector<Shown_Marker> markers;
+    int slice = 0;
+    int slice_nb = 0;
+    double pixel_aspect = 1.0;  ///< height of a pixel by its width
+    std::wstring caption;       ///< at the upper left, lines separated by \n
+};
+
+/** What the view tells the application. Positions are pixels of the slice and may lie outside it while a button is
+ *  held. */
+class Image_User {
+  public:
+    virtual ~Image_User() = default;
+    virtual Image_Content Content() const = 0;
+    virtual void Slice_Go(int slice) = 0;
+    /** @param erase the right button. The view repaints the answer */
+    virtual Pixel_Rect Stroke_Begin(int x, int y, bool erase) = 0;
+    virtual Pixel_Rect Stroke_Move(int x, int y) = 0;
+    virtual void Stroke_End() = 0;
+    virtual void Pick(int x, int y) = 0;
+    virtual void Marker_Press(int x, int y) = 0;
+    virtual void Marker_Move(int x, int y) = 0;
+    virtual void Marker_Release() = 0;
+    virtual void Hover(int x, int y) = 0;
+    virtual void Hover_End() = 0;
+    /** Shares of the view that the pointer moved. */
+    virtual void Window_Drag(float dx, float dy) = 0;
+};
+
+class Image_View : public Window_Base {
+  public:
+    Image_View(const Look& shared_look, Image_User& image_user) : look(shared_look), user(image_user) {}
+    bool Make(HWND parent);
+    /** Another slice, window or TAG: draws the picture anew. */
+    void Refresh();
+    /** The brush whose outline follows the pointer. */
+    void Brush_Set(const Brush_Footprint& brush);
+    void Marker_Mode_Set(bool on);
+    /** @param zoom screen pixels per slice pixel, or ZOOM_FIT */
+    void Zoom_Set(double zoom);
+    void Wheel(int delta, bool is_zoom, POINT screen);
+    /** Where the slice stands, for the report. */
+    View_Layout Layout() const { return layout; }
+    RECT Slider_Box() const;
+
+  protected:
+    LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override;
+
+  private:
+    enum class Drag { NONE, STROKE, WINDOW, PAN, MARKER, SLIDER };
+    void Lay_Out();
+    void Render(const Pixel_Rect& part);
+    void Paint();
+    void Draw_Slice(HDC dc, const RECT& dirty);
+    void Draw_Outline(HDC dc) const;
+    void Draw_Markers(HDC dc) const;
+    void Draw_Texts(HDC dc) const;
+    void Draw_Slider(HDC dc) const;
+    void Press(UINT message, WPARAM keys, POINT point);
+    void Release();
+    void Move(WPARAM keys, POINT point);
+    void Slider_Drag(int y);
+    void Point_Pixel(POINT point, int* x, int* y) const;
+    RECT Screen_Of(const Pixel_Rect& pixels, int margin) const;
+    RECT Outline_Box() const;
+    void Pointer_Over(POINT point);
+    void Pointer_Gone();
+
+    const Look& look;
+    Image_User& user;
+    Image_Content content;
+    View_State state;
+    View_Layout layout;
+    std::vector<std::uint32_t> picture;  ///< the slice, 0x00RRGGBB
+    std::vector<std::uint32_t> screen;   ///< the view
+    Brush_Footprint brush;
+    std::vector<Outline_Edge> outline;
+    Pixel_Rect brush_box;  ///< of the footprint, relative to its centre
+    bool is_marker_mode = false;
+    bool is_over = false;
+    int over_x = 0;
+    int over_y = 0;
+    Drag drag = Drag::NONE;
+    POINT drag_at = {};
+    int wheel_rest = 0;
+};

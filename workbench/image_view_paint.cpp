@@ -1,0 +1,158 @@
+#include <algorithm>
+#include <cmath>
+
+#include "workbench/image_view.h"
+
+namespace {
+
+constexpr COLORREF slice_text = RGB(236, 238, 242);
+constexpr COLORREF slice_text_shadow = RGB(0, 0, 0);
+constexpr COLORREF outline_color = RGB(255, 255, 255);
+
+/** 0x00RRGGBB of a colour of the window system. */
+std::uint32_t Pixel_Of(COLORREF color) {
+    return (static_cast<std::uint32_t>(GetRValue(color)) << 16U) | (static_cast<std::uint32_t>(GetGValue(color)) << 8U) |
+           GetBValue(color);
+}
+
+void Draw_Shadowed(HDC dc, RECT area, const std::wstring& text, HFONT font, UINT format) {
+    ::OffsetRect(&area, 1, 1);
+    Draw_Line(dc, area, text, font, slice_text_shadow, format);
+    ::OffsetRect(&area, -1, -1);
+    Draw_Line(dc, area, text, font, slice_text, format);
+}
+
+std::wstring Side(char name) {
+    return std::wstring(1, static_cast<wchar_t>(name));
+}
+
+}  // namespace
+
+void Image_View::Paint() {
+    Paint_DC paint(Handle());
+    RECT dirty = paint.Dirty();
+    const RECT client = Client();
+    const int width = dirty.right - dirty.left;
+    const int height = dirty.bottom - dirty.top;
+    if (width <= 0 || height <= 0) {
+        return;
+    }
+    // Only the part that is asked for is drawn, in a bitmap of its size.
+    const Memory_DC memory(paint.Get());
+    const Gdi_Bitmap bitmap(::CreateCompatibleBitmap(paint.Get(), width, height));
+    if (!memory || !bitmap) {
+        return;
+    }
+    const Selected_Object selected(memory.Get(), bitmap.Get());
+    ::SetViewportOrgEx(memory.Get(), -dirty.left, -dirty.top, nullptr);
+    if (content.source.levels.empty()) {
+        Fill(memory.Get(), client, look.image_ground);
+        Draw_Line(memory.Get(), client, L"Open an image volume with Ctrl+O", look.Font(), look.text_grey, DT_CENTER);
+    } else {
+        Draw_Slice(memory.Get(), dirty);
+        Draw_Markers(memory.Get());
+        if (is_over && !is_marker_mode && drag != Drag::WINDOW && drag != Drag::SLIDER) {
+            Draw_Outline(memory.Get());
+        }
+        Draw_Texts(memory.Get());
+    }
+    Draw_Slider(memory.Get());
+    ::BitBlt(paint.Get(), dirty.left, dirty.top, width, height, memory.Get(), dirty.left, dirty.top, SRCCOPY);
+}
+
+void Image_View::Draw_Slice(HDC dc, const RECT& dirty) {
+    const Pixel_Rect part = Rect_Common({dirty.left, dirty.top, dirty.right, dirty.bottom},
+                                        {0, 0, state.view_width, state.view_height});
+    if (part.Is_Empty()) {
+        return;
+    }
+    Slice_Scale(picture, layout, part, state.view_width, state.view_height, Pixel_Of(look.image_ground), screen);
+    BITMAPINFO info = {};
+    info.bmiHeader.biSize = sizeof info.bmiHeader;
+    info.bmiHeader.biWidth = state.view_width;
+    info.bmiHeader.biHeight = -(part.bottom - part.top);  // rows from the top, only those of the part
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    info.bmiHeader.biCompression = BI_RGB;
+    const std::uint32_t* rows = screen.data() + static_cast<std::ptrdiff_t>(part.top) * state.view_width;
+    ::SetDIBitsToDevice(dc, part.left, part.top, static_cast<DWORD>(part.right - part.left),
+                        static_cast<DWORD>(part.bottom - part.top), part.left, 0, 0,
+                        static_cast<UINT>(part.bottom - part.top), rows, &info, DIB_RGB_COLORS);
+}
+
+void Image_View::Draw_Outline(HDC dc) const {
+    const Gdi_Brush white(::CreateSolidBrush(outline_color));
+    // On the covered side of every edge: what the line encloses, itself included, is what will be painted.
+    for (const Outline_Edge& edge : outline) {
+        RECT line = {layout.To_Screen_X(over_x + edge.x0), layout.To_Screen_Y(over_y + edge.y0),
+                     layout.To_Screen_X(over_x + edge.x1), layout.To_Screen_Y(over_y + edge.y1)};
+        const int inwards = edge.is_first ? 0 : -1;
+        if (edge.x0 == edge.x1) {
+            line.left += inwards;
+            line.right = line.left + 1;
+        } else {
+            line.top += inwards;
+            line.bottom = line.top + 1;
+        }
+        if (line.left < state.view_width) {
+            ::FillRect(dc, &line, white.Get());
+        }
+    }
+}
+
+void Image_View::Draw_Markers(HDC dc) const {
+    const int arm = look.Px(7);
+    for (const Shown_Marker& marker : content.markers) {
+        const int x = layout.To_Screen_X(marker.x + 0.5);
+        const int y = layout.To_Screen_Y(marker.y + 0.5);
+        const int thick = marker.is_current ? look.Px(3) : look.Px(1);
+        const RECT across = {x - arm, y - thick / 2, x + arm + 1, y - thick / 2 + thick};
+        const RECT down = {x - thick / 2, y - arm, x - thick / 2 + thick, y + arm + 1};
+        for (RECT shadow : {across, down}) {
+            ::InflateRect(&shadow, 1, 1);
+            Fill(dc, shadow, slice_text_shadow);
+        }
+        Fill(dc, across, marker.color);
+        Fill(dc, down, marker.color);
+        Draw_Shadowed(dc, {x + arm + look.Px(3), y - look.Px(10), x + look.Px(160), y + look.Px(10)}, marker.name,
+                      look.Font(), DT_LEFT);
+    }
+}
+
+void Image_View::Draw_Texts(HDC dc) const {
+    const int margin = look.Px(8);
+    const int height = look.Px(18);
+    RECT area = {margin, margin, state.view_width - margin, margin + height};
+    for (std::size_t from = 0; from <= content.caption.size();) {
+        const std::size_t end = std::min(content.caption.find(L'\n', from), content.caption.size());
+        Draw_Shadowed(dc, area, content.caption.substr(from, end - from), look.Font(), DT_LEFT);
+        ::OffsetRect(&area, 0, height);
+        from = end + 1;
+    }
+    const Pixel_Rect slice = layout.Slice_On_Screen();
+    const int left = std::max(slice.left, 0);
+    const int right = std::min(slice.right, state.view_width);
+    const int top = std::max(slice.top, 0);
+    const int bottom = std::min(slice.bottom, state.view_height);
+    const int middle_x = (left + right) / 2;
+    const int middle_y = (top + bottom) / 2;
+    const int half = look.Px(12);
+    const HFONT font = look.Bold();
+    Draw_Shadowed(dc, {left + margin / 2, middle_y - half, left + 2 * half, middle_y + half}, Side(content.order.left), font, DT_LEFT);
+    Draw_Shadowed(dc, {right - 2 * half, middle_y - half, right - margin / 2, middle_y + half}, Side(content.order.right), font, DT_RIGHT);
+    Draw_Shadowed(dc, {middle_x - half, top + margin / 2, middle_x + half, top + 2 * half}, Side(content.order.top), font, DT_CENTER);
+    Draw_Shadowed(dc, {middle_x - half, bottom - 2 * half, middle_x + half, bottom - margin / 2}, Side(content.order.bottom), font, DT_CENTER);
+}
+
+void Image_View::Draw_Slider(HDC dc) const {
+    const RECT box = Slider_Box();
+    Fill(dc, box, look.ground);
+    if (content.slice_nb < 2) {
+        return;
+    }
+    const int length = box.bottom - box.top;
+    const int thumb = std::max(length / content.slice_nb, look.Px(24));
+    const int y = box.top + (length - thumb) * (content.slice_nb - 1 - content.slice) / (content.slice_nb - 1);
+    RECT place = {box.left + look.Px(3), y, box.right - look.Px(3), y + thumb};
+    Fill(dc, place, drag == Drag::SLIDER ? look.accent : look.heading_hover);
+}

@@ -1,0 +1,70 @@
+// Start of the program: command line, window, message loop.
+#include <windows.h>
+
+#include <shellapi.h>
+
+#include <exception>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "workbench/application.h"
+#include "workbench/wide_text.h"
+
+namespace {
+
+constexpr int status_wrong_use = 2;
+constexpr int status_failure = 1;
+
+std::vector<std::string> Arguments() {
+    int count = 0;
+    wchar_t** values = ::CommandLineToArgvW(::GetCommandLineW(), &count);
+    std::vector<std::string> arguments;
+    for (int at = 1; values != nullptr && at < count; ++at) {
+        arguments.push_back(Utf8_Of_Wide(values[at]));
+    }
+    ::LocalFree(static_cast<HLOCAL>(values));
+    return arguments;
+}
+
+/** Says something without a window of the application: to the caller's console, or in a box where there is none. */
+void Say(const std::string& text, DWORD stream, UINT icon) {
+    HANDLE out = ::GetStdHandle(stream);
+    if ((out == nullptr || out == INVALID_HANDLE_VALUE) && ::AttachConsole(ATTACH_PARENT_PROCESS) != 0) {
+        out = ::CreateFileW(L"CONOUT$", GENERIC_WRITE, FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+    }
+    DWORD written = 0;
+    if (out == nullptr || out == INVALID_HANDLE_VALUE ||
+        ::WriteFile(out, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) == 0) {
+        ::MessageBoxW(nullptr, Wide_Of_Utf8(text).c_str(), L"Workbench", MB_OK | icon);
+    }
+}
+
+int Run(int show) {
+    const Command_Line line = Command_Line_Parse(Arguments());
+    if (!line.error.empty()) {
+        Say("workbench: " + line.error + "\n", STD_ERROR_HANDLE, MB_ICONERROR);
+        return status_wrong_use;
+    }
+    if (line.help) {
+        Say(Command_Line_Help(), STD_OUTPUT_HANDLE, MB_ICONINFORMATION);
+        return 0;
+    }
+    const auto application = std::make_unique<Application>(line);
+    if (!application->Start(show)) {
+        Say("workbench: the system refuses to make a window; is there a display?\n", STD_ERROR_HANDLE, MB_ICONERROR);
+        return status_failure;
+    }
+    return application->Run();
+}
+
+}  // namespace
+
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int show) {
+    try {
+        return Run(show);
+    } catch (const std::exception& failure) {
+        Say(std::string("workbench: ") + failure.what() + "\n", STD_ERROR_HANDLE, MB_ICONERROR);
+        return status_failure;
+    }
+}

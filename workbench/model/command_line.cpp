@@ -1,0 +1,43 @@
+#include "workbench/model/command_line.h"
+
+Command_Line Command_Line_Parse(std::span<const std::string> arguments) {
+    Command_Line line;
+    bool only_files = false;
+    for (std::size_t at = 0; at < arguments.size() && line.error.empty(); ++at) {
+        const std::string& argument = arguments[at];
+        const auto take_value = [&](std::string& value) {
+            if (at + 1 < arguments.size() && !arguments[at + 1].empty()) {
+                value = arguments[++at];
+            } else {
+                line.error = "The option " + argument + " needs a file name.";
+            }
+        };
+        if (only_files || argument.size() < 2 || argument[0] != '-') {
+            line.files.push_back(argument);
+        } else if (argument == "--") {
+            only_files = true;
+        } else if (argument == "--help" || argument == "-h") {
+            line.help = true;
+        } else if (argument == "--trace") {
+            line.trace = true;
+        } else if (argument == "--labels") {
+            take_value(line.labels);
+        } else if (argument == "--report") {
+            take_value(line.report);
+        } else {
+            line.error = "There is no option \"" + argument + "\"; --help lists them.";
+        }
+    }
+    return line;
+}
+
+std::string Command_Line_Help() {
+    return "workbench [OPTION ...] [FILE ...]\n"
+           "\n"
+           "Shows an image volume (NIfTI .nii or .nii.gz, Analyze .hdr/.img) and edits its TAGs.\n"
+           "\n"
+           "  --labels FILE   label volume: loaded if it is there, and where the labels are saved\n"
+           "  --trace         open the trace view from the start\n"
+           "  --report FILE   append machine-readable lines about what happens to FILE\n"
+           "  --help          show this text\n";
+}

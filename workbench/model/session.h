@@ -1,0 +1,122 @@
+/** The work on one volume: its TAGs, markers and names, what was done to them, and whether it is saved.
+ *
+ *  Everything is kept in the order of display (see Display_Order); files are written in the order of the volume's file.
+ */
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "volumes/nifti_reader.h"
+#include "volumes/volume.h"
+#include "workbench/model/display_order.h"
+#include "workbench/model/label_map.h"
+#include "workbench/model/marker_table.h"
+#include "workbench/model/painting.h"
+#include "workbench/model/propagation.h"
+#include "workbench/model/undo_journal.h"
+
+enum class Propagation_Kind { COPY, GROW };
+
+/** A voxel by the indices of the volume's file. */
+struct File_Voxel {
+    int x = 0;
+    int y = 0;
+    int z = 0;
+};
+
+class Session {
+  public:
+    /** No volume. */
+    Session() = default;
+
+    bool Has_Volume() const { return volume.has_value(); }
+    /** The volume, levels in the order of display. Only with a volume. */
+    const Volume& Image() const { return *volume; }
+    const Display_Order& Order() const { return order; }
+    const std::filesystem::path& Path() const { return path; }
+    int Width() const { return volume ? volume->nx : 0; }
+    int Height() const { return volume ? volume->ny : 0; }
+    /** Slices of the first time point. */
+    int Slice_Nb() const { return volume ? volume->nz : 0; }
+    /** Levels of a slice of the first time point; nothing outside. */
+    std::span<const std::int32_t> Levels(int slice) const;
+    /** Grey value at a pixel of a slice; 0 outside. */
+    float Grey(int x, int y, int slice) const;
+    File_Voxel To_File(int x, int y, int slice) const;
+
+    /** Takes over a loaded volume; all TAGs become background, markers and history go. Names stay.
+     *  @throw std::bad_alloc: there is no volume then */
+    void Take(Volume&& loaded, const std::filesystem::path& loaded_from);
+
+    const Label_Map& Labels() const { return labels; }
+    /** Writes a label volume that lies on the image. @return empty, or one sentence for the user */
+    std::string Save_Labels(const std::filesystem::path& file);
+    /** Replaces all TAGs by those of a loaded label volume. History goes. @return empty, or one sentence */
+    std::string Take_Labels(const Volume& loaded, const std::filesystem::path& file);
+    const std::filesystem::path& Label_Path() const { return label_path; }
+    void Label_Path_Set(const std::filesystem::path& file) { label_path = file; }
+    bool Is_Unsaved() const { return journal.Is_Unsaved(); }
+
+    // A stroke: begin, any number of moves, end. Undo takes back the whole stroke.
+    /** @param brush kept for the stroke */
+    Pixel_Rect Stroke_Begin(int slice, const Brush_Footprint& brush, int x, int y, const Paint_Ink& ink);
+    Pixel_Rect Stroke_Move(int x, int y);
+    /** @return true when the stroke changed a pixel */
+    bool Stroke_End();
+    bool Is_Stroking() const { return stroke.has_value(); }
+
+    /** Carries TAGs from one slice to another; one step. @return pixels carried; 0 also for slices outside */
+    std::size_t Propagate(Propagation_Kind kind, int from, int to, const Propagation_Tags& tags);
+
+    const Marker_Table& Markers() const { return markers; }
+    /** Places, moves or takes away a marker; one step when anything changed. */
+    void Marker_Set(int index, const Marker& marker);
+    /** Puts a marker somewhere without a step, while it is being dragged. */
+    void Marker_Preview(int index, const Marker& marker) { markers.Set(index, marker); }
+
+    /** Compares the names and thresholds that the panels may have written with those known, and makes a step of every
+     *  difference. @param label null entries: no name @return number of steps made */
+    int Note_Labels(Text_Table table, std::span<const char* const> label);
+    int Note_Thresholds(std::span<const float> threshold);
+    /** Takes names and thresholds as they are, without a step. */
+    void Adopt_Labels(Text_Table table, std::span<const char* const> label);
+    void Adopt_Thresholds(std::span<const float> threshold);
+
+    /** Takes the last step back, or does it again. Pixels and markers are changed here; for a name or threshold the
+     *  caller writes the value it finds in the step. @return the step, null when there is none */
+    const Undo_Step* Undo();
+    const Undo_Step* Redo();
+    const Undo_Journal& Journal() const { return journal; }
+
+  private:
+    struct Stroke {
+        int slice = 0;
+        Brush_Footprint brush;
+        Paint_Ink ink;
+        int x = 0;
+        int y = 0;
+        std::vector<std::uint8_t> before;
+    };
+    Paint_Target Target(int slice);
+    std::vector<std::optional<std::string>>& Names(Text_Table table);
+    void Apply(const Undo_Step& step, bool redo);
+    /** Makes a step of what a slice differs from `before`. @return true when it differs */
+    bool Push_Slice(const char* title, int slice, std::span<const std::uint8_t> before);
+
+    std::optional<Volume> volume;
+    Display_Order order;
+    std::filesystem::path path;
+    std::filesystem::path label_path;
+    Label_Map labels;
+    Marker_Table markers;
+    Undo_Journal journal;
+    std::optional<Stroke> stroke;
+    std::vector<std::optional<std::string>> tag_names;
+    std::vector<std::optional<std::string>> marker_names;
+    std::vector<float> thresholds;
+};

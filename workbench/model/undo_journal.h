@@ -1,0 +1,103 @@
+/** What the user did, step by step, so that it can be taken back and done again. */
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <span>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "workbench/model/marker_table.h"
+
+/** Neighbouring pixels of a slice that changed from one TAG to another. */
+struct Voxel_Run {
+    std::uint32_t offset = 0;  ///< first pixel, counted through the slice
+    std::uint32_t length = 0;
+    std::uint8_t before = 0;
+    std::uint8_t after = 0;
+};
+/** A stroke or a propagation: pixels of one slice. */
+struct Slice_Change {
+    int slice = 0;
+    std::vector<Voxel_Run> runs;  ///< by ascending offset
+};
+enum class Text_Table { TAG_LABELS, MARKER_LABELS };
+/** A renaming. No text: the label is shown by its number. */
+struct Text_Change {
+    Text_Table table = Text_Table::TAG_LABELS;
+    int index = 0;
+    std::optional<std::string> before;
+    std::optional<std::string> after;
+};
+/** A TAG's lower threshold. */
+struct Threshold_Change {
+    int tag = 0;
+    float before = 0.0F;
+    float after = 0.0F;
+};
+/** A marker placed, moved or taken away. */
+struct Marker_Change {
+    int index = 0;
+    Marker before;
+    Marker after;
+};
+using Undo_Change = std::variant<Slice_Change, Text_Change, Threshold_Change, Marker_Change>;
+
+struct Undo_Step {
+    std::string title;  ///< for the menu, for example "Stroke"
+    Undo_Change change;
+    /** Memory that the step holds, bytes. */
+    std::size_t Bytes() const;
+};
+
+/** The runs in which two states of a slice differ; no value when they are equal. Both have one size. */
+std::optional<Slice_Change> Slice_Difference(int slice, std::span<const std::uint8_t> before,
+                                             std::span<const std::uint8_t> after);
+/** Writes a change into its slice. @param redo true: the state after the change, false: before it */
+void Slice_Change_Apply(const Slice_Change& change, bool redo, std::span<std::uint8_t> pixels);
+
+inline constexpr std::size_t JOURNAL_STEPS_KEPT = 100;    ///< steps that are kept whatever they weigh
+inline constexpr std::size_t JOURNAL_STEPS_MAX = 1000;    ///< more are never kept
+inline constexpr std::size_t JOURNAL_BYTES = 64U << 20U;  ///< beyond the kept steps, the oldest go until this holds
+
+/** Undo and redo. Memory is bounded: a step touches one slice at most, and heavy steps beyond the last
+ *  JOURNAL_STEPS_KEPT are forgotten, the oldest first. */
+class Undo_Journal {
+  public:
+    /** Adds a step that has been done already; what was undone before is forgotten. */
+    void Push(Undo_Step step);
+    /** The step to take back now, null when there is none. Valid until the next Push or Clear. */
+    const Undo_Step* Undo();
+    /** The step to do again now, null when there is none. */
+    const Undo_Step* Redo();
+    /** The step that Undo or Redo would give, without moving. */
+    const Undo_Step* Next_Undo() const { return done == 0 ? nullptr : &steps[done - 1]; }
+    const Undo_Step* Next_Redo() const { return done == steps.size() ? nullptr : &steps[done]; }
+
+    std::size_t Undo_Nb() const { return done; }
+    std::size_t Redo_Nb() const { return steps.size() - done; }
+    std::size_t Bytes() const { return bytes; }
+    /** Forgets all steps; the state now counts as saved. */
+    void Clear();
+
+    /** The state now is the one in the file. */
+    void Mark_Saved() { saved = State(); }
+    /** True when the state now is another than the one that was marked last. */
+    bool Is_Unsaved() const { return State() != saved; }
+
+  private:
+    /** A number that is equal only for equal states of the work. */
+    std::uint64_t State() const { return done == 0 ? oldest : ids[done - 1]; }
+    void Drop_Oldest();
+
+    std::deque<Undo_Step> steps;
+    std::deque<std::uint64_t> ids;  ///< one per step, never used twice
+    std::size_t done = 0;           ///< steps that are in force; the rest can be redone
+    std::size_t bytes = 0;
+    std::uint64_t last_id = 0;
+    std::uint64_t oldest = 0;  ///< state before the oldest kept step
+    std::uint64_t saved = 0;
+};

@@ -1,0 +1,79 @@
+#include "workbench/model/view_geometry.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+/** Screen position of the slice's first side. @param center share of the slice in the middle of the view */
+double Place(double view, double slice, double center) {
+    if (slice <= view) {
+        return std::floor((view - slice) / 2.0);
+    }
+    return std::floor(std::clamp(view / 2.0 - slice * center, view - slice, 0.0));
+}
+
+double Aspect(const View_State& state) {
+    return state.pixel_aspect > 0.0 && std::isfinite(state.pixel_aspect) ? state.pixel_aspect : 1.0;
+}
+
+}  // namespace
+
+Slice_Point View_Layout::To_Slice(int screen_x, int screen_y) const {
+    // The middle of the screen pixel, so that every screen pixel belongs to exactly one slice pixel.
+    return {(screen_x + 0.5 - left) / scale_x, (screen_y + 0.5 - top) / scale_y};
+}
+
+int View_Layout::To_Screen_X(double slice_x) const {
+    return static_cast<int>(std::ceil(left + slice_x * scale_x - 0.5));
+}
+
+int View_Layout::To_Screen_Y(double slice_y) const {
+    return static_cast<int>(std::ceil(top + slice_y * scale_y - 0.5));
+}
+
+Pixel_Rect View_Layout::Slice_On_Screen() const {
+    return {To_Screen_X(0), To_Screen_Y(0), To_Screen_X(slice_width), To_Screen_Y(slice_height)};
+}
+
+View_Layout View_Layout_Make(const View_State& state) {
+    View_Layout layout;
+    layout.slice_width = state.slice_width;
+    layout.slice_height = state.slice_height;
+    const double aspect = Aspect(state);
+    double zoom = state.zoom;
+    if (zoom == ZOOM_FIT) {
+        zoom = std::min(state.view_width / static_cast<double>(std::max(state.slice_width, 1)),
+                        state.view_height / (std::max(state.slice_height, 1) * aspect));
+        zoom = std::clamp(zoom, ZOOM_MIN / 4.0, ZOOM_MAX);
+    }
+    layout.scale_x = zoom;
+    layout.scale_y = zoom * aspect;
+    layout.left = Place(state.view_width, state.slice_width * layout.scale_x, state.center_x);
+    layout.top = Place(state.view_height, state.slice_height * layout.scale_y, state.center_y);
+    return layout;
+}
+
+double Zoom_Step(const View_Layout& layout, int steps) {
+    constexpr double root_of_two = 1.4142135623730951;
+    const double wanted = layout.scale_x * std::pow(root_of_two, steps);
+    const double nearest_whole = std::round(wanted);
+    // Whole factors draw every pixel alike: take one that is close.
+    const bool is_close = nearest_whole >= 1.0 && std::abs(wanted / nearest_whole - 1.0) < 0.1;
+    return std::clamp(is_close ? nearest_whole : wanted, ZOOM_MIN, ZOOM_MAX);
+}
+
+void View_Pan(View_State& state, int dx, int dy) {
+    const View_Layout layout = View_Layout_Make(state);
+    const double width = state.slice_width * layout.scale_x;
+    const double height = state.slice_height * layout.scale_y;
+    const auto moved = [](double center, int delta, double view, double slice) {
+        if (slice <= view) {
+            return 0.5;
+        }
+        const double margin = view / 2.0 / slice;
+        return std::clamp(center - delta / slice, margin, 1.0 - margin);
+    };
+    state.center_x = moved(state.center_x, dx, state.view_width, width);
+    state.center_y = moved(state.center_y, dy, state.view_height, height);
+}

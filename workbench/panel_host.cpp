@@ -1,0 +1,132 @@
+#include "workbench/panel_host.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int box_size_max = 32767;  // rectangles of panels are 16 bits wide
+
+}  // namespace
+
+Panel_Host::Panel_Host(Panel_Base& hosted, const Look& shared_look, std::function<void(int, int)> on_click)
+    : panel(hosted), look(shared_look), clicked(std::move(on_click)) {}
+
+Panel_Host::~Panel_Host() {
+    Window_Forget(Handle());
+}
+
+bool Panel_Host::Make(HWND parent, Window_Axis axis) {
+    if (!Create(parent, WS_CHILD | WS_CLIPSIBLINGS, L"")) {
+        return false;
+    }
+    Window_Axis_Set(Handle(), axis);
+    return true;
+}
+
+void Panel_Host::Lay_Out() {
+    const RECT client = Client();
+    if (client.right <= 0 || client.bottom <= 0) {
+        return;
+    }
+    Boxs box;
+    box.style = STYLE_FRAMED_BOX | STYLE_SHOW_CHECK;
+    box.width = static_cast<short>(std::min<LONG>(client.right, box_size_max));
+    box.height = static_cast<short>(std::min<LONG>(client.bottom, box_size_max));
+    box.color.red = look.panel[0];
+    box.color.green = look.panel[1];
+    box.color.blue = look.panel[2];
+    box.border = 1;
+    box.window = Handle();
+    Buffered([&] {
+        panel.Resize(&box);
+        is_laid_out = true;
+        // What Resize does not read: marks, greying, frames, masks.
+        panel.Update(UPDATE_ALL | UPDATE_TAG_ENABLE | UPDATE_TAG_SELECT | UPDATE_TAG_LOCK | UPDATE_TAG_CUR |
+                     UPDATE_BRUSH | UPDATE_FRAME_CUR);
+        panel.Draw();
+    });
+    Invalidate();
+}
+
+void Panel_Host::Update(unsigned __int64 flags) {
+    if (is_laid_out) {
+        Buffered([&] { panel.Update(flags); });
+    }
+}
+
+void Panel_Host::Wheel(int delta) {
+    wheel_rest += delta;
+    const int notches = wheel_rest / WHEEL_DELTA;
+    wheel_rest -= notches * WHEEL_DELTA;
+    if (notches != 0 && is_laid_out) {
+        Buffered([&] { return panel.Scroll(notches); });
+    }
+}
+
+bool Panel_Host::Key(int key) {
+    if (!is_laid_out) {
+        return false;
+    }
+    POINT pointer = {};
+    ::GetCursorPos(&pointer);
+    YCursor_X = pointer.x;
+    YCursor_Y = pointer.y;
+    Key_In_Hand_Set(key);
+    const bool used = Buffered([&] { return panel.Keyboard(key); }) != 0;
+    Key_In_Hand_Set(0);
+    return used;
+}
+
+void Panel_Host::Click(LPARAM position, int up_down) {
+    Pointer_Take(Handle(), position);
+    const int result = Buffered([&] { return panel.Click(up_down); });
+    clicked(result, up_down);
+}
+
+void Panel_Host::Paint() {
+    if (is_laid_out) {
+        Buffered([&] { panel.Draw(); });
+    }
+    ::ValidateRect(Handle(), nullptr);
+}
+
+LRESULT Panel_Host::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
+        case WM_SIZE:
+            Lay_Out();
+            return 0;
+        case WM_PAINT:
+            Paint();
+            return 0;
+        case WM_ERASEBKGND:
+            return 1;
+        case WM_LBUTTONDOWN:
+        case WM_MBUTTONDOWN:
+        case WM_RBUTTONDOWN:
+        case WM_LBUTTONDBLCLK:
+        case WM_RBUTTONDBLCLK:
+            ::SetCapture(Handle());  // a slider follows the pointer also outside
+            Click(lparam, MOUSE_PRESS | Held_Buttons(wparam));
+            return 0;
+        case WM_LBUTTONUP:
+        case WM_MBUTTONUP:
+        case WM_RBUTTONUP:
+            if (Held_Buttons(wparam) == 0 && ::GetCapture() == Handle()) {
+                ::ReleaseCapture();
+            }
+            Click(lparam, Held_Buttons(wparam));
+            return 0;
+        case WM_MOUSEMOVE: {
+            Watch_Leave(Handle());
+            Pointer_Take(Handle(), lparam);
+            const int held = Held_Buttons(wparam);
+            Buffered([&] { return panel.Motion(held != 0 ? held | MOUSE_DRAG : 0); });
+            return 0;
+        }
+        case WM_MOUSELEAVE:
+            Buffered([&] { panel.Leave(); });
+            return 0;
+        default:
+            return Window_Base::On_Message(message, wparam, lparam);
+    }
+}

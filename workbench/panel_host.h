@@ -1,0 +1,97 @@
+/** A panel in a window of its own: events go in, drawing comes out at once. */
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "host/kit_dataset.h"
+#include "kits/widgets/widgets_host.h"
+#include "workbench/look.h"
+#include "workbench/window_base.h"
+
+/** What all panel classes have in common. */
+class Panel_Base {
+  public:
+    Panel_Base() = default;
+    virtual ~Panel_Base() = default;
+    Panel_Base(const Panel_Base&) = delete;
+    Panel_Base& operator=(const Panel_Base&) = delete;
+    virtual void Resize(Boxs* box) = 0;
+    virtual int Height() = 0;
+    virtual void Draw() = 0;
+    virtual int Click(int up_down) = 0;
+    virtual int Motion(int up_down) = 0;
+    virtual int Scroll(int notches) = 0;
+    virtual int Keyboard(int key) = 0;
+    virtual void Leave() = 0;
+    virtual void Update(unsigned __int64 flags) = 0;
+};
+
+/** @tparam Panel one of the module's panel classes */
+template <class Panel>
+class Panel_Of : public Panel_Base {
+  public:
+    /** @param wanted the height that the panel wants, pixels */
+    Panel_Of(Panel& hosted, std::function<int(Panel&)> wanted) : panel(hosted), height(std::move(wanted)) {}
+    void Resize(Boxs* box) override { panel.Resize(box); }
+    int Height() override { return height(panel); }
+    void Draw() override { panel.Draw(); }
+    int Click(int up_down) override { return panel.Click(up_down); }
+    int Motion(int up_down) override { return panel.Motion(up_down); }
+    int Scroll(int notches) override { return panel.Scroll(notches); }
+    int Keyboard(int key) override { return panel.Keyboard(key); }
+    void Leave() override { panel.Leave(); }
+    void Update(unsigned __int64 flags) override { panel.Update(flags); }
+
+  private:
+    Panel& panel;
+    std::function<int(Panel&)> height;
+};
+
+/** The window of one panel. Sets the pointer globals before every event, forwards it, and shows what the panel drew in
+ *  one piece. */
+class Panel_Host : public Window_Base {
+  public:
+    /** @param hosted outlives the window
+     *  @param on_click called with what Click returned and the event code, after every click */
+    Panel_Host(Panel_Base& hosted, const Look& shared_look, std::function<void(int, int)> on_click);
+    ~Panel_Host() override;
+    /** Creates the window, hidden. @return false when the system refuses */
+    bool Make(HWND parent, Window_Axis axis);
+
+    /** Gives the panel the whole window as its box. To be called again after a change of the look. */
+    void Lay_Out();
+    int Wanted_Height() { return panel.Height(); }
+    void Update(unsigned __int64 flags);
+    /** The wheel over this window. @param delta of the message; parts of a notch are kept */
+    void Wheel(int delta);
+    /** @return true when the panel used the key */
+    bool Key(int key);
+    /** Runs a call of the panel and shows everything that it draws at once. */
+    template <class Call>
+    auto Buffered(Call call) {
+        const Buffer buffer(Handle());
+        return call();
+    }
+    bool Is_Ready() const { return is_laid_out; }
+
+  protected:
+    LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override;
+
+  private:
+    struct Buffer {
+        explicit Buffer(HWND of_window) : window(of_window) { Window_Buffer_Begin(window); }
+        ~Buffer() { Window_Buffer_End(window); }
+        Buffer(const Buffer&) = delete;
+        Buffer& operator=(const Buffer&) = delete;
+        HWND window;
+    };
+    void Click(LPARAM position, int up_down);
+    void Paint();
+
+    Panel_Base& panel;
+    const Look& look;
+    std::function<void(int, int)> clicked;
+    int wheel_rest = 0;
+    bool is_laid_out = false;
+};

@@ -1,0 +1,24 @@
+/** The line at the foot of the window: what happened, and what is under the mouse. */
+#pragma once
+
+#include <string>
+
+#include "workbench/look.h"
+#include "workbench/window_base.h"
+
+class Status_Line : public Window_Base {
+  public:
+    explicit Status_Line(const Look& shared_look) : look(shared_look) {}
+    bool Make(HWND parent);
+    int Wanted_Height() const { return look.Px(26); }
+    void Message_Set(const std::wstring& text);
+    void Voxel_Set(const std::wstring& text);
+
+  protected:
+    LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override;
+
+  private:
+    const Look& look;
+    std::wstring message_text;
+    std::wstring voxel;
+};

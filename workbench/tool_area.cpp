@@ -1,0 +1,220 @@
+#include "workbench/tool_area.h"
+
+#include <windowsx.h>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int heading_height = 24;  // pixels at 96 dots per inch
+constexpr int gap = 6;
+constexpr int margin = 6;
+constexpr int scroll_step = 40;
+
+}  // namespace
+
+bool Tool_Area::Make(HWND parent) {
+    return Create(parent, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, L"");
+}
+
+Panel_Host* Tool_Area::Add(const wchar_t* title, Panel_Base& panel, Window_Axis axis,
+                           std::function<void(int, int)> on_click) {
+    Section section;
+    section.title = title;
+    section.host = std::make_unique<Panel_Host>(panel, look, std::move(on_click));
+    if (!section.host->Make(Handle(), axis)) {
+        return nullptr;
+    }
+    sections.push_back(std::move(section));
+    return sections.back().host.get();
+}
+
+void Tool_Area::Stretch(const Panel_Host* panel, int most) {
+    for (Section& section : sections) {
+        if (section.host.get() == panel) {
+            section.stretch_most = most;
+        }
+    }
+}
+
+void Tool_Area::Note_Set(const Panel_Host* panel, const std::wstring& note) {
+    for (Section& section : sections) {
+        if (section.host.get() == panel && section.note != note) {
+            section.note = note;
+            Invalidate(&section.heading);
+        }
+    }
+}
+
+int Tool_Area::Content_Height() const {
+    int height = look.Px(margin);
+    for (const Section& section : sections) {
+        height += look.Px(heading_height) + look.Px(gap);
+        height += section.is_folded ? 0 : section.host->Wanted_Height();
+    }
+    return height;
+}
+
+void Tool_Area::Lay_Out() {
+    const int content = Content_Height();
+    RECT client = Client();
+    const bool has_bar = content > client.bottom;
+    offset = std::clamp<int>(offset, 0, std::max<int>(content - client.bottom, 0));
+    SCROLLINFO bar = {};
+    bar.cbSize = sizeof bar;
+    bar.fMask = SIF_RANGE | SIF_PAGE | SIF_POS;
+    bar.nMax = has_bar ? content - 1 : 0;
+    bar.nPage = static_cast<UINT>(std::max<LONG>(client.bottom, 0));
+    bar.nPos = offset;
+    ::SetScrollInfo(Handle(), SB_VERT, &bar, TRUE);
+    ::ShowScrollBar(Handle(), SB_VERT, has_bar ? TRUE : FALSE);
+    client = Client();
+    const int left = look.Px(margin);
+    const int right = std::max<int>(client.right - look.Px(margin), left + 1);
+    int y = look.Px(margin) - offset;
+    for (Section& section : sections) {
+        section.heading = {left, y, right, y + look.Px(heading_height)};
+        y = section.heading.bottom;
+        int height = section.is_folded ? 0 : section.host->Wanted_Height();
+        if (!section.is_folded && section.stretch_most > height) {
+            height = std::min(section.stretch_most, height + std::max<int>(client.bottom - content, 0));
+        }
+        section.host->Show(!section.is_folded);
+        if (!section.is_folded) {
+            section.host->Place({left, y, right, y + height});
+            if (!section.host->Is_Ready()) {
+                section.host->Lay_Out();
+            }
+        }
+        y += height + look.Px(gap);
+    }
+    Invalidate();
+}
+
+void Tool_Area::Update(unsigned __int64 flags) {
+    for (const Section& section : sections) {
+        section.host->Update(flags);
+    }
+}
+
+Panel_Host* Tool_Area::Panel_At(POINT screen) const {
+    const HWND under = ::WindowFromPoint(screen);
+    for (const Section& section : sections) {
+        if (section.host->Handle() == under) {
+            return section.host.get();
+        }
+    }
+    return nullptr;
+}
+
+void Tool_Area::Scroll_To(int wanted) {
+    offset = wanted;
+    Lay_Out();
+}
+
+void Tool_Area::Wheel(int delta) {
+    Scroll_To(offset - delta * look.Px(scroll_step) / WHEEL_DELTA);
+}
+
+void Tool_Area::On_Scroll_Bar(int code) {
+    SCROLLINFO bar = {};
+    bar.cbSize = sizeof bar;
+    bar.fMask = SIF_ALL;
+    ::GetScrollInfo(Handle(), SB_VERT, &bar);
+    switch (code) {
+        case SB_LINEUP:
+            return Scroll_To(offset - look.Px(scroll_step));
+        case SB_LINEDOWN:
+            return Scroll_To(offset + look.Px(scroll_step));
+        case SB_PAGEUP:
+            return Scroll_To(offset - static_cast<int>(bar.nPage));
+        case SB_PAGEDOWN:
+            return Scroll_To(offset + static_cast<int>(bar.nPage));
+        case SB_THUMBTRACK:
+            return Scroll_To(bar.nTrackPos);
+        default:
+            return;
+    }
+}
+
+void Tool_Area::Draw_Heading(HDC dc, const Section& section, bool is_hovered) const {
+    Fill(dc, section.heading, is_hovered ? look.heading_hover : look.heading);
+    // A triangle that points down when open and right when folded.
+    const int size = look.Px(4);
+    const int x = section.heading.left + look.Px(12);
+    const int y = (section.heading.top + section.heading.bottom) / 2;
+    const POINT open[3] = {{x - size, y - size / 2}, {x + size, y - size / 2}, {x, y + size - size / 2}};
+    const POINT folded[3] = {{x - size / 2, y - size}, {x - size / 2, y + size}, {x + size - size / 2, y}};
+    {
+        const Gdi_Brush brush(::CreateSolidBrush(look.text_grey));
+        const Gdi_Pen pen(::CreatePen(PS_SOLID, 1, look.text_grey));
+        const Selected_Object selected_brush(dc, brush.Get());
+        const Selected_Object selected_pen(dc, pen.Get());
+        ::Polygon(dc, section.is_folded ? folded : open, 3);
+    }
+    RECT text = section.heading;
+    text.left += look.Px(24);
+    text.right -= look.Px(8);
+    const int width = Draw_Line(dc, text, section.title, look.Bold(), look.text, DT_LEFT);
+    text.left += width + look.Px(12);
+    Draw_Line(dc, text, section.note, look.Font(), look.text_grey, DT_RIGHT);
+}
+
+void Tool_Area::Paint() {
+    const Buffered_Paint paint(Handle());
+    Fill(paint.Dc(), paint.Client(), look.ground);
+    for (std::size_t at = 0; at < sections.size(); ++at) {
+        Draw_Heading(paint.Dc(), sections[at], static_cast<int>(at) == hovered);
+    }
+}
+
+void Tool_Area::Hover(int section) {
+    if (section != hovered) {
+        hovered = section;
+        Invalidate();
+    }
+}
+
+void Tool_Area::Press(POINT point) {
+    for (Section& section : sections) {
+        if (::PtInRect(&section.heading, point) != 0) {
+            section.is_folded = !section.is_folded;
+            Lay_Out();
+            return;
+        }
+    }
+}
+
+LRESULT Tool_Area::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
+    const POINT point = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
+    switch (message) {
+        case WM_SIZE:
+            Lay_Out();
+            return 0;
+        case WM_PAINT:
+            Paint();
+            return 0;
+        case WM_ERASEBKGND:
+            return 1;
+        case WM_VSCROLL:
+            On_Scroll_Bar(LOWORD(wparam));
+            return 0;
+        case WM_LBUTTONDOWN:
+            Press(point);
+            return 0;
+        case WM_MOUSEMOVE: {
+            Watch_Leave(Handle());
+            int over = -1;
+            for (std::size_t at = 0; at < sections.size(); ++at) {
+                over = ::PtInRect(&sections[at].heading, point) != 0 ? static_cast<int>(at) : over;
+            }
+            Hover(over);
+            return 0;
+        }
+        case WM_MOUSELEAVE:
+            Hover(-1);
+            return 0;
+        default:
+            return Window_Base::On_Message(message, wparam, lparam);
+    }
+}

@@ -1,0 +1,53 @@
+/** The column of panels at the left: a heading per panel, which folds it away. */
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "workbench/panel_host.h"
+
+class Tool_Area : public Window_Base {
+  public:
+    explicit Tool_Area(const Look& shared_look) : look(shared_look) {}
+    bool Make(HWND parent);
+    /** Adds a panel below the others. @return its window, owned by the area */
+    Panel_Host* Add(const wchar_t* title, Panel_Base& panel, Window_Axis axis, std::function<void(int, int)> on_click);
+    /** Lets a panel take the room that is left, up to so many pixels. */
+    void Stretch(const Panel_Host* panel, int most);
+    /** The text at the right of a panel's heading. */
+    void Note_Set(const Panel_Host* panel, const std::wstring& note);
+    /** Places all panels anew, for example after a change of the look. */
+    void Lay_Out();
+    void Update(unsigned __int64 flags);
+    /** The panel under a point of the screen; null: none. */
+    Panel_Host* Panel_At(POINT screen) const;
+    /** The wheel over the area but over no panel: scrolls the area itself. */
+    void Wheel(int delta);
+
+  protected:
+    LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override;
+
+  private:
+    struct Section {
+        std::wstring title;
+        std::wstring note;
+        std::unique_ptr<Panel_Host> host;
+        bool is_folded = false;
+        int stretch_most = 0;  ///< 0: keeps the height that it wants
+        RECT heading = {};
+    };
+    void Paint();
+    void Draw_Heading(HDC dc, const Section& section, bool is_hovered) const;
+    void Press(POINT point);
+    void Hover(int section);
+    int Content_Height() const;
+    void Scroll_To(int offset);
+    void On_Scroll_Bar(int code);
+
+    const Look& look;
+    std::vector<Section> sections;
+    int hovered = -1;
+    int offset = 0;  ///< pixels scrolled away at the top
+};

@@ -1,0 +1,113 @@
+#include "workbench/warning_banner.h"
+
+#include <windowsx.h>
+
+#include "workbench/wide_text.h"
+
+namespace {
+
+constexpr DWORD together = 400;  // milliseconds within which messages belong together
+constexpr std::size_t lines_max = 6;
+constexpr int line_height = 20;  // pixels at 96 dots per inch
+
+}  // namespace
+
+bool Warning_Banner::Make(HWND parent) {
+    return Create(parent, WS_CHILD | WS_CLIPSIBLINGS, L"");
+}
+
+void Warning_Banner::Add(const std::vector<Message_Run>& runs) {
+    std::vector<Run> wide;
+    for (const Message_Run& run : runs) {
+        wide.push_back({run.style, Wide_Of_Panel(run.text.c_str())});
+    }
+    Add_Lines(wide);
+}
+
+void Warning_Banner::Add_Text(const std::wstring& text) {
+    Add_Lines({{Message_Style::Warning, L"WARNING:"}, {Message_Style::Plain, L" " + text}});
+}
+
+void Warning_Banner::Add_Lines(const std::vector<Run>& runs) {
+    const DWORD now = ::GetTickCount();
+    if (now - last_time > together || lines.size() >= lines_max) {
+        lines.clear();
+    }
+    last_time = now;
+    Line line;
+    for (Run run : runs) {
+        for (std::size_t end = run.text.find(L'\n'); end != std::wstring::npos; end = run.text.find(L'\n')) {
+            line.push_back({run.style, run.text.substr(0, end)});
+            lines.push_back(std::move(line));
+            line.clear();
+            run.text.erase(0, end + 1);
+        }
+        line.push_back(std::move(run));
+    }
+    lines.push_back(std::move(line));
+    changed();
+    Invalidate();
+}
+
+void Warning_Banner::Close() {
+    lines.clear();
+    changed();
+}
+
+int Warning_Banner::Wanted_Height() const {
+    return lines.empty() ? 0 : static_cast<int>(lines.size()) * look.Px(line_height) + look.Px(14);
+}
+
+RECT Warning_Banner::Close_Box() const {
+    const RECT client = Client();
+    const int size = look.Px(20);
+    return {client.right - size - look.Px(6), look.Px(6), client.right - look.Px(6), look.Px(6) + size};
+}
+
+void Warning_Banner::Draw_Lines(HDC dc) const {
+    RECT area = Client();
+    area.top += look.Px(7);
+    area.right = Close_Box().left - look.Px(6);
+    for (const Line& line : lines) {
+        RECT place = {look.Px(16), area.top, area.right, area.top + look.Px(line_height)};
+        for (const Run& run : line) {
+            const bool is_strong = run.style == Message_Style::Warning || run.style == Message_Style::Strong;
+            place.left += run.style == Message_Style::Indented ? look.Px(24) : 0;
+            if (place.left < place.right) {
+                place.left += Draw_Line(dc, place, run.text, is_strong ? look.Bold() : look.Font(),
+                                        run.style == Message_Style::Warning ? look.warning_text : look.text, DT_LEFT);
+            }
+        }
+        area.top = place.bottom;
+    }
+}
+
+void Warning_Banner::Paint() {
+    const Buffered_Paint paint(Handle());
+    Fill(paint.Dc(), paint.Client(), look.warning);
+    RECT edge = paint.Client();
+    edge.right = look.Px(4);
+    Fill(paint.Dc(), edge, look.warning_text);
+    Draw_Lines(paint.Dc());
+    Draw_Line(paint.Dc(), Close_Box(), L"\u00D7", look.Bold(), look.warning_text, DT_CENTER);
+}
+
+LRESULT Warning_Banner::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
+        case WM_PAINT:
+            Paint();
+            return 0;
+        case WM_ERASEBKGND:
+            return 1;
+        case WM_LBUTTONDOWN: {
+            const POINT point = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
+            const RECT close = Close_Box();
+            if (::PtInRect(&close, point) != 0) {
+                Close();
+            }
+            return 0;
+        }
+        default:
+            return Window_Base::On_Message(message, wparam, lparam);
+    }
+}
