@@ -1,6 +1,8 @@
-// The smallest host that shows a TAG panel: one window, the variables that the panel reads, and the events that it needs.
+// The smallest host that shows a TAG panel: one window, the variables that the panel reads, and the events that it
+// needs.
 //
-// Left click picks a TAG, right click renames one, the wheel scrolls. With --once the window is painted and the program ends: that is how it is tested.
+// Left click picks a TAG, right click renames one, the wheel scrolls. With --once the window is painted and the program
+// ends: that is how it is tested.
 #include <windows.h>
 #include <windowsx.h>
 
@@ -11,6 +13,7 @@
 #include "kits/dataset/dataset_host.h"
 #include "kits/widgets/widgets_host.h"
 #include "panels/tool_tag.h"
+#include "win32/gdi_handles.h"
 
 namespace {
 
@@ -44,7 +47,9 @@ void Define_Variables() {
 }
 
 // 2. A panel's own notice of a change comes back to it by Update, as every change of shared state does.
-void On_Update(void* /*context*/, unsigned __int64 flags, void* /*a*/, void* /*b*/) { panel->Update(flags); }
+void On_Update(void* /*context*/, unsigned __int64 flags, void* /*a*/, void* /*b*/) {
+    panel->Update(flags);
+}
 
 void Place(HWND window) {
     RECT client = {};
@@ -69,7 +74,8 @@ void Take_Pointer() {
 }
 
 int Held_Buttons(WPARAM keys) {
-    return ((keys & MK_LBUTTON) != 0 ? MOUSE_LEFT : 0) | ((keys & MK_MBUTTON) != 0 ? MOUSE_MIDDLE : 0) | ((keys & MK_RBUTTON) != 0 ? MOUSE_RIGHT : 0);
+    return ((keys & MK_LBUTTON) != 0 ? MOUSE_LEFT : 0) | ((keys & MK_MBUTTON) != 0 ? MOUSE_MIDDLE : 0) |
+           ((keys & MK_RBUTTON) != 0 ? MOUSE_RIGHT : 0);
 }
 
 void Click(int up_down) {
@@ -141,8 +147,22 @@ HWND Make_Window() {
     window_class.hCursor = ::LoadCursorA(nullptr, MAKEINTRESOURCEA(32512));
     window_class.lpszClassName = "Minimal_Host";
     ::RegisterClassA(&window_class);
-    return ::CreateWindowExA(0, "Minimal_Host", "TAGs", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT, 420, 160, nullptr, nullptr, window_class.hInstance,
-                             nullptr);
+    return ::CreateWindowExA(0, "Minimal_Host", "TAGs", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT, 420, 160,
+                             nullptr, nullptr, window_class.hInstance, nullptr);
+}
+
+/** True when the window has a pixel in TAG 1's colour. */
+bool Shows_Tag_Colors(HWND window) {
+    const Window_DC dc(window);
+    RECT client = {};
+    ::GetClientRect(window, &client);
+    bool found = false;
+    for (int y = 0; y < client.bottom && !found; y += 2) {
+        for (int x = 0; x < client.right && !found; x += 2) {
+            found = ::GetPixel(dc.Get(), x, y) == RGB(0xE0, 0x40, 0x50);
+        }
+    }
+    return found;
 }
 
 }  // namespace
@@ -150,7 +170,8 @@ HWND Make_Window() {
 int main(int argc, char** argv) {
     Define_Variables();
     HWND window = Make_Window();
-    Window_Axis_Set(window, Window_Axis::Down);  // 5. TAG, marker and histogram panels live in windows whose y grows downwards
+    Window_Axis_Set(window,
+                    Window_Axis::Down);  // 5. TAG, marker and histogram panels live in windows whose y grows downwards
     Tool_Tag tag_panel;
     panel = &tag_panel;
     Request_Listener listener;
@@ -159,8 +180,9 @@ int main(int argc, char** argv) {
     Place(window);
     ::ShowWindow(window, SW_SHOW);
     ::UpdateWindow(window);
-    const bool once = argc > 1 && std::strcmp(argv[1], "--once") == 0;
-    if (once) {
+    bool shown = true;
+    if (argc > 1 && std::strcmp(argv[1], "--once") == 0) {
+        shown = Shows_Tag_Colors(window);
         ::DestroyWindow(window);
     }
     MSG message = {};
@@ -169,5 +191,5 @@ int main(int argc, char** argv) {
         ::DispatchMessageA(&message);
     }
     panel = nullptr;
-    return 0;
+    return shown ? 0 : 1;
 }
