@@ -3,7 +3,7 @@ add_library(kit_compiler_settings INTERFACE)
 target_compile_features(kit_compiler_settings INTERFACE cxx_std_20)
 
 if(MSVC)
-    target_compile_options(kit_compiler_settings INTERFACE /W4 /WX /permissive- /utf-8 /EHsc /fp:precise /Zc:__cplusplus)
+    target_compile_options(kit_compiler_settings INTERFACE /W4 /wd4251 /WX /permissive- /utf-8 /EHsc /fp:precise /Zc:__cplusplus)
     target_compile_definitions(kit_compiler_settings INTERFACE _CRT_SECURE_NO_WARNINGS)
 else()
     # No contraction: numeric results are part of the behaviour and must not depend on the processor.

@@ -141,6 +141,9 @@ void Sliders::Deselect() {
 }
 
 float Sliders::Scroll(int notches) {
+    if ((style & STYLE_EDITED) == STYLE_EDITED) {
+        return value;  // not needed or inactive: it does not react
+    }
     const Slider_Range range{minimum, maximum};
     value = range.Empty() ? value : range.Clamp(value + static_cast<float>(notches) * step);
     return value;

@@ -272,6 +272,14 @@ TEST_F(Tag_Edit, cancelling_by_click_or_leaving_draws_the_button_and_no_other) {
     EXPECT_EQ(Wrong_Pixels(model), 0);
 }
 
+TEST_F(Tag_Edit, cancelling_by_the_wheel_draws_the_button_with_all_others_only) {
+    Lay_Out(SCROLLED);
+    Open_Editor(panel, model, 6);
+    Take_Counters();
+    panel.Scroll(0);
+    EXPECT_EQ(Take_Counters().draws, static_cast<unsigned int>(2 + model.Visible_Nb())) << "frame, slider, buttons";
+}
+
 TEST_F(Tag_Edit, a_click_on_the_edited_button_cancels_and_picks_it) {
     Lay_Out();
     Open_Editor(panel, model, 6);

@@ -166,6 +166,15 @@ TEST_P(Sliders_Test, press_beside_the_thumb_pages_by_the_visible_amount) {
     EXPECT_EQ(0, slider.Select(left_drag));  // a page is no drag
 }
 
+TEST_P(Sliders_Test, a_slider_that_does_not_react_ignores_the_wheel_too) {
+    slider.value = 20.0F;
+    for (const unsigned int inactive : {STYLE_SLIDER_HIDDEN, STYLE_SLIDER_VERTICAL | STYLE_INACTIVE}) {
+        slider.style = inactive;
+        EXPECT_EQ(20.0F, slider.Scroll(1));
+        EXPECT_EQ(20.0F, slider.value);
+    }
+}
+
 TEST_P(Sliders_Test, wheel_steps_are_clamped_and_kept_without_painting) {
     Widget_Counters_Reset();
     EXPECT_EQ(60.0F, slider.Scroll(3));

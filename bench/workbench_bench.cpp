@@ -1,0 +1,124 @@
+// Painting and propagation on slices of 512 x 512: one stroke event must take less than a 60th of a second, "grow" of one
+// frame less than 50 ms.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "workbench/model/painting.h"
+#include "workbench/model/propagation.h"
+#include "workbench/model/slice_render.h"
+
+namespace {
+
+constexpr int side = 512;
+constexpr std::size_t pixel_nb = static_cast<std::size_t>(side) * side;
+
+/** Discs of several tissues with some texture. @param shift moves them */
+std::vector<std::int32_t> Levels(int shift) {
+    std::vector<std::int32_t> levels(pixel_nb);
+    for (int y = 0; y < side; ++y) {
+        for (int x = 0; x < side; ++x) {
+            const int dx = x - side / 2 - shift;
+            const int dy = y - side / 2;
+            const int ring = static_cast<int>(std::sqrt(static_cast<double>(dx * dx + dy * dy))) / 40;
+            levels[static_cast<std::size_t>(y * side + x)] = 200 * (ring % 4) + (x * 7 + y * 13) % 21;
+        }
+    }
+    return levels;
+}
+
+std::vector<std::uint8_t> Tags() {
+    std::vector<std::uint8_t> tags(pixel_nb);
+    for (int y = 0; y < side; ++y) {
+        for (int x = 0; x < side; ++x) {
+            const int dx = x - side / 2;
+            const int dy = y - side / 2;
+            tags[static_cast<std::size_t>(y * side + x)] =
+                static_cast<std::uint8_t>(static_cast<int>(std::sqrt(static_cast<double>(dx * dx + dy * dy))) / 40 % 4);
+        }
+    }
+    return tags;
+}
+
+/** A brush of 24 pixels' reach, the largest of the workbench. */
+Brush_Footprint Large_Brush() {
+    constexpr int radius = 25;
+    constexpr int mask_side = 2 * radius + 1;
+    static unsigned char bytes[mask_side * mask_side] = {};
+    static const unsigned char* rows[mask_side] = {};
+    for (int y = 0; y < mask_side; ++y) {
+        rows[y] = bytes + y * mask_side;
+        for (int x = 0; x < mask_side; ++x) {
+            const int dx = x - radius;
+            const int dy = y - radius;
+            bytes[y * mask_side + x] = dx * dx + dy * dy < radius * radius ? 1 : 0;
+        }
+    }
+    return {rows, radius};
+}
+
+void Stroke_Event(benchmark::State& state) {
+    const std::vector<std::int32_t> levels = Levels(0);
+    std::vector<std::uint8_t> tags = Tags();
+    std::vector<std::uint32_t> picture(pixel_nb);
+    std::vector<std::uint32_t> screen(4 * pixel_nb);
+    const Brush_Footprint brush = Large_Brush();
+    Tag_Overlay overlay;
+    overlay.shown.fill(1);
+    View_State view;
+    view.view_width = view.view_height = 2 * side;
+    view.slice_width = view.slice_height = side;
+    view.zoom = 2.0;
+    const View_Layout layout = View_Layout_Make(view);
+    const Paint_Target target = {tags, side, side};
+    Paint_Ink ink;
+    int x = 100;
+    int y = 100;
+    for (auto _ : state) {
+        // A fast hand: 40 pixels between two events.
+        const int x1 = (x + 37) % side;
+        const int y1 = (y + 15) % side;
+        ink.tag = static_cast<std::uint8_t>(1 + x1 % 3);
+        const Pixel_Rect changed = Paint_Line(target, brush, x, y, x1, y1, ink);
+        x = x1;
+        y = y1;
+        Slice_Render({side, side, levels, false, 1.0F, 0.0F, tags}, {0.0F, 800.0F}, overlay, std::nullopt, changed, picture);
+        const Pixel_Rect part = {layout.To_Screen_X(changed.left), layout.To_Screen_Y(changed.top),
+                                 layout.To_Screen_X(changed.right), layout.To_Screen_Y(changed.bottom)};
+        Slice_Scale(picture, layout, part, 2 * side, 2 * side, 0, screen);
+        benchmark::DoNotOptimize(screen.data());
+    }
+    state.counters["events_per_second"] = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+}
+BENCHMARK(Stroke_Event)->Unit(benchmark::kMillisecond);
+
+void Grow_Frame(benchmark::State& state) {
+    const std::vector<std::int32_t> from = Levels(0);
+    const std::vector<std::int32_t> to = Levels(2);
+    const std::vector<std::uint8_t> tags = Tags();
+    Propagation_Tags taking_part;
+    taking_part.carried.fill(1);
+    std::vector<std::uint8_t> result(pixel_nb);
+    for (auto _ : state) {
+        std::fill(result.begin(), result.end(), std::uint8_t{0});
+        benchmark::DoNotOptimize(Propagate_Grow({side, side, from, tags, to, result}, taking_part));
+    }
+}
+BENCHMARK(Grow_Frame)->Unit(benchmark::kMillisecond);
+
+void Render_Slice(benchmark::State& state) {
+    const std::vector<std::int32_t> levels = Levels(0);
+    const std::vector<std::uint8_t> tags = Tags();
+    std::vector<std::uint32_t> picture(pixel_nb);
+    Tag_Overlay overlay;
+    overlay.shown.fill(1);
+    for (auto _ : state) {
+        Slice_Render({side, side, levels, false, 1.0F, 0.0F, tags}, {0.0F, 800.0F}, overlay, std::nullopt, {0, 0, side, side}, picture);
+        benchmark::DoNotOptimize(picture.data());
+    }
+}
+BENCHMARK(Render_Slice)->Unit(benchmark::kMillisecond);
+
+}  // namespace
