@@ -1,6 +1,7 @@
 // Merging 1,000 frame histograms of 4,096 bins: the rule bin by bin against Histogram_Merger, and against merely
 // summing the arrays.
 #include <benchmark/benchmark.h>
+#include <emmintrin.h>
 
 #include <memory>
 #include <random>
@@ -74,10 +75,13 @@ void Merge_Ours(Histo_Record& record, const Frames& frames) {
     }
 }
 
+/** The least that must be done: four counts at a time, whatever the compiler makes of loops. */
 void Sum_Only(std::vector<std::uint32_t>& sums, const Frames& frames) {
     for (const Histo_Record& frame : frames.records) {
-        for (int i = 0; i < BIN_NB; ++i) {
-            sums[static_cast<std::size_t>(i)] += frame.counts[i];
+        for (std::size_t i = 0; i < BIN_NB; i += 4) {
+            auto* sum = reinterpret_cast<__m128i*>(sums.data() + i);
+            const __m128i more = _mm_loadu_si128(reinterpret_cast<const __m128i*>(frame.counts + i));
+            _mm_storeu_si128(sum, _mm_add_epi32(_mm_loadu_si128(sum), more));
         }
         benchmark::DoNotOptimize(sums.data());
         benchmark::ClobberMemory();

@@ -1,5 +1,5 @@
-// Painting and propagation on slices of 512 x 512: one stroke event must take less than a 60th of a second, "grow" of one
-// frame less than 50 ms.
+// Painting and propagation on slices of 512 x 512: one stroke event must take less than a 60th of a second, "grow" of
+// one frame less than 50 ms.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -84,13 +84,15 @@ void Stroke_Event(benchmark::State& state) {
         const Pixel_Rect changed = Paint_Line(target, brush, x, y, x1, y1, ink);
         x = x1;
         y = y1;
-        Slice_Render({side, side, levels, false, 1.0F, 0.0F, tags}, {0.0F, 800.0F}, overlay, std::nullopt, changed, picture);
+        Slice_Render({side, side, levels, false, 1.0F, 0.0F, tags}, {0.0F, 800.0F}, overlay, std::nullopt, changed,
+                     picture);
         const Pixel_Rect part = {layout.To_Screen_X(changed.left), layout.To_Screen_Y(changed.top),
                                  layout.To_Screen_X(changed.right), layout.To_Screen_Y(changed.bottom)};
         Slice_Scale(picture, layout, part, 2 * side, 2 * side, 0, screen);
         benchmark::DoNotOptimize(screen.data());
     }
-    state.counters["events_per_second"] = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+    state.counters["events_per_second"] =
+        benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
 }
 BENCHMARK(Stroke_Event)->Unit(benchmark::kMillisecond);
 
@@ -115,7 +117,8 @@ void Render_Slice(benchmark::State& state) {
     Tag_Overlay overlay;
     overlay.shown.fill(1);
     for (auto _ : state) {
-        Slice_Render({side, side, levels, false, 1.0F, 0.0F, tags}, {0.0F, 800.0F}, overlay, std::nullopt, {0, 0, side, side}, picture);
+        Slice_Render({side, side, levels, false, 1.0F, 0.0F, tags}, {0.0F, 800.0F}, overlay, std::nullopt,
+                     {0, 0, side, side}, picture);
         benchmark::DoNotOptimize(picture.data());
     }
 }

@@ -1,5 +1,7 @@
 #include "histogram/histogram_merge.h"
 
+#include <emmintrin.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -124,6 +126,63 @@ void Map_Any(const Array_List& source, int source_nb, const Histo_Record& frame,
     }
 }
 
+/** What the positions of a frame's bins depend on, four times each. */
+struct Position_Terms {
+    __m128 width;
+    __m128 offset;
+    __m128 origin;
+    __m128 scale;  ///< the record's width, or its inverse
+};
+
+/** Adds the bins first .. end - 1 of a frame whose bins are wider than the record's: no two neighbours meet in one
+ * target, so none waits for the store of the last one. The positions are those of Position, four at a time. */
+template <bool INVERSE>
+void Add_Spread(std::uint32_t* target, const std::uint32_t* source, Bin_Range kept, const Position_Terms& terms) {
+    const float start = static_cast<float>(kept.first) + 0.5F;  // halves up to 65,535.5 are exact in single precision
+    __m128 centre = _mm_add_ps(_mm_set1_ps(start), _mm_setr_ps(0.0F, 1.0F, 2.0F, 3.0F));
+    const auto next_targets = [&] {
+        const __m128 level = _mm_sub_ps(_mm_add_ps(_mm_mul_ps(centre, terms.width), terms.offset), terms.origin);
+        centre = _mm_add_ps(centre, _mm_set1_ps(4.0F));
+        return _mm_cvttps_epi32(INVERSE ? _mm_mul_ps(level, terms.scale) : _mm_div_ps(level, terms.scale));
+    };
+    int bin = kept.first;
+    for (; bin + 4 <= kept.end; bin += 4) {
+        const __m128i at = next_targets();
+        const auto low = static_cast<std::uint64_t>(_mm_cvtsi128_si64(at));
+        const auto high = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(at, at)));
+        target[low & 0xFFFFFFFFU] += source[bin];
+        target[low >> 32U] += source[bin + 1];
+        target[high & 0xFFFFFFFFU] += source[bin + 2];
+        target[high >> 32U] += source[bin + 3];
+    }
+    alignas(16) std::array<std::int32_t, 4> rest;
+    _mm_store_si128(reinterpret_cast<__m128i*>(rest.data()), next_targets());
+    for (std::size_t k = 0; bin < kept.end; ++bin, ++k) {
+        target[rest[k]] += source[bin];
+    }
+}
+
+/** Dividing by a power of two and multiplying by its inverse give the same bits; the multiplication is faster. */
+bool Has_Exact_Inverse(float width) {
+    int exponent = 0;
+    return std::frexp(width, &exponent) == 0.5F && std::isnormal(1.0F / width);
+}
+
+void Map_Wide(const Array_List& source, int source_nb, const Histo_Record& frame, const Histo_Record& record,
+              const Target_Arrays& target) {
+    const Bin_Range kept = Kept_Bins(frame, record);
+    const bool inverse = Has_Exact_Inverse(record.bin_width);
+    const Position_Terms terms{_mm_set1_ps(frame.bin_width), _mm_set1_ps(frame.origin), _mm_set1_ps(record.origin),
+                               _mm_set1_ps(inverse ? 1.0F / record.bin_width : record.bin_width)};
+    for (std::size_t a = 0; a < static_cast<std::size_t>(source_nb); ++a) {
+        if (inverse) {
+            Add_Spread<true>(target.array[a], source.array[a], kept, terms);
+        } else {
+            Add_Spread<false>(target.array[a], source.array[a], kept, terms);
+        }
+    }
+}
+
 void Map_Monotone(const Array_List& source, int source_nb, const Histo_Record& frame, const Histo_Record& record,
                   const Target_Arrays& target) {
     const Bin_Range kept = Kept_Bins(frame, record);
@@ -131,9 +190,7 @@ void Map_Monotone(const Array_List& source, int source_nb, const Histo_Record& f
     const float offset = frame.origin;
     const float record_origin = record.origin;
     const float record_width = record.bin_width;
-    // Dividing by a power of two and multiplying by its inverse give the same bits; the multiplication is faster.
-    int exponent = 0;
-    const bool exact_inverse = std::frexp(record_width, &exponent) == 0.5F && std::isnormal(1.0F / record_width);
+    const bool exact_inverse = Has_Exact_Inverse(record_width);
     const float inverse = 1.0F / record_width;
     alignas(64) std::array<std::int32_t, TARGETS_NB> index;
     for (int first = kept.first; first < kept.end; first += TARGETS_NB) {
@@ -172,7 +229,9 @@ void Map(const Array_List& source, const Histo_Record& frame, Histo_Record& reco
     const Target_Arrays target{
         {record.counts, record.counts_red, record.counts_green, record.counts_blue, record.counts_component0}};
     const int source_nb = (record.flags & HISTO_COLOR) != 0 ? source.nb : 1;
-    if (Is_Monotone(frame, record)) {
+    if (Is_Monotone(frame, record) && frame.bin_width > record.bin_width) {
+        Map_Wide(source, source_nb, frame, record, target);
+    } else if (Is_Monotone(frame, record)) {
         Map_Monotone(source, source_nb, frame, record, target);
     } else {
         Map_Any(source, source_nb, frame, record, target);

@@ -135,8 +135,6 @@ bool Frames_Merge(Quorel_Window* window, Histo_Record& record, const char*& desc
             continue;
         }
         if ((histogram->flags & HISTO_COLOR) != 0 && (record.flags & HISTO_COLOR) == 0) {
-            // What is summed up so far is grey and goes to `counts` alone.
-            merger.Finish();
             if (!Components_Allocate(record)) {
                 return false;
             }

@@ -23,7 +23,8 @@ constexpr COLORREF WHITE = 0xFFFFFF;
 /** The panel's device context, in device units whatever the window's axis: polygons land on the same pixels in both. */
 class Panel_DC {
   public:
-    Panel_DC(const Tool_Histo& panel, const char* label) : window(panel.window), dc(Y_setup(panel.window, label)) {
+    Panel_DC(const Tool_Histo& panel, const char* label)
+        : window(panel.window), dc(Y_setup(panel.window, label)), saved(dc) {
         if (dc == nullptr) {
             return;
         }
@@ -32,14 +33,13 @@ class Panel_DC {
         ::LPtoDP(dc, corners.data(), static_cast<int>(corners.size()));
         box = {std::min<int>(corners[0].x, corners[1].x), std::min<int>(corners[0].y, corners[1].y), panel.width,
                panel.height};
-        saved = ::SaveDC(dc);
         ::SetMapMode(dc, MM_TEXT);
         ::SetWindowOrgEx(dc, 0, 0, nullptr);
         ::SetViewportOrgEx(dc, 0, 0, nullptr);
     }
     ~Panel_DC() {
         if (dc != nullptr) {
-            ::RestoreDC(dc, saved);
+            saved.Restore();
             Y_release(window, dc);
         }
     }
@@ -52,7 +52,7 @@ class Panel_DC {
   private:
     HWND window;
     HDC dc;
-    int saved = 0;
+    Saved_DC saved;
     Histo_Rectangle box;
 };
 
@@ -133,33 +133,110 @@ struct Tag_Colors {
     }
 };
 
-/** The band of a TAG range: checkered over the full height, with the bars of the range solid. Range ends are truncated
- * here; the enlarged window rounds. */
-void Draw_Band(HDC dc, const Tool_Histo& panel, const Plot_Scale& scale, const Histo_Rectangle& inner, int range,
-               COLORREF color) {
-    const int first = scale.Level_To_Bin(std::trunc(panel.range_min[range]));
-    const int last = scale.Level_To_Bin(std::trunc(panel.range_max[range]));
-    const RECT band = {scale.Bin_To_Column(first), inner.y, scale.Bin_To_Column(last + 1), inner.y + inner.height};
-    if (last < first) {
-        return;
+/** Bins first .. last; first > last: none. */
+struct Bin_Band {
+    int first = 0;
+    int last = -1;
+    bool Holds(int bin) const { return bin >= first && bin <= last; }
+};
+using Bin_Bands = std::array<Bin_Band, HISTO_RANGE_MAX>;
+
+/** Range ends are truncated here; the enlarged window rounds. */
+Bin_Bands Bands_Of(const Tool_Histo& panel, const Plot_Scale& scale) {
+    Bin_Bands bands;
+    for (std::size_t range = 0; range < panel.range_nb; ++range) {
+        bands[range] = {scale.Level_To_Bin(std::trunc(panel.range_min[range])),
+                        scale.Level_To_Bin(std::trunc(panel.range_max[range]))};
     }
+    return bands;
+}
+
+/** The first bins of a band, from `bin` on, that no later band covers. Bands are opaque: only these will be seen. */
+Bin_Band Next_Visible(const Bin_Bands& bands, std::size_t range, std::size_t range_nb, int bin) {
+    Bin_Band visible{bin, bands[range].last};
+    for (bool moved = true; moved && visible.first <= visible.last;) {
+        moved = false;
+        for (std::size_t later = range + 1; later < range_nb; ++later) {
+            if (bands[later].Holds(visible.first)) {
+                visible.first = bands[later].last + 1;
+                moved = true;
+            }
+        }
+    }
+    for (std::size_t later = range + 1; later < range_nb; ++later) {
+        if (bands[later].first > visible.first && bands[later].first <= bands[later].last) {
+            visible.last = std::min(visible.last, bands[later].first - 1);
+        }
+    }
+    return visible;
+}
+
+/** A part of a TAG band: checkered over the full height, with the bars solid. */
+void Draw_Band(HDC dc, const Tool_Histo& panel, const Plot_Scale& scale, const Histo_Rectangle& inner,
+               const Bin_Band& bins, COLORREF color) {
+    const RECT band = {scale.Bin_To_Column(bins.first), inner.y, scale.Bin_To_Column(bins.last + 1),
+                       inner.y + inner.height};
     if (const Gdi_Brush checker = Checker_Brush(color)) {
         ::FillRect(dc, &band, checker.Get());
     }
-    Draw_Bars(dc, scale, inner.y + inner.height, Histo_Band_Counts(*panel.data->record, panel.color_component), first,
-              last, color);
+    Draw_Bars(dc, scale, inner.y + inner.height, Histo_Band_Counts(*panel.data->record, panel.color_component),
+              bins.first, bins.last, color);
 }
 
-/** Draws connected lines through any number of points, a part at a time: nothing to allocate. */
+void Draw_Bands(HDC dc, const Tool_Histo& panel, const Plot_Scale& scale, const Histo_Rectangle& inner) {
+    Tag_Colors colors;
+    colors.Look_Up();
+    const Bin_Bands bands = Bands_Of(panel, scale);
+    for (std::size_t range = 0; range < panel.range_nb; ++range) {
+        const COLORREF color = colors.Of(panel.range_tag[range]);
+        for (int bin = bands[range].first; bin <= bands[range].last;) {
+            const Bin_Band visible = Next_Visible(bands, range, panel.range_nb, bin);
+            if (visible.first <= visible.last) {
+                Draw_Band(dc, panel, scale, inner, visible, color);
+            }
+            bin = visible.last + 1;
+        }
+    }
+}
+
+/** Draws connected lines through any number of points, a part at a time: nothing to allocate. Strokes up and down one
+ *  column become one, with the same pixels. */
 class Line_Drawer {
   public:
     explicit Line_Drawer(HDC line_dc) : dc(line_dc) {}
-    ~Line_Drawer() { Draw(); }
+    ~Line_Drawer() {
+        // The last pixel of a line stays undrawn: what only the last point reaches must not count before it.
+        Push(column, lowest);
+        Push(column, highest);
+        Push(column, latest);
+        Draw();
+    }
     Line_Drawer(const Line_Drawer&) = delete;
     Line_Drawer& operator=(const Line_Drawer&) = delete;
 
-    /** A point that repeats the last one adds nothing: several bins may fall on one column. */
     void Add(int x, int y) {
+        if (nb > 0) {
+            lowest = std::min(lowest, latest);
+            highest = std::max(highest, latest);
+        }
+        if (nb == 0 || x != column) {
+            if (nb > 0) {
+                Push(column, lowest);
+                Push(column, highest);
+                Push(column, latest);
+            }
+            Push(x, y);
+            column = x;
+            lowest = highest = y;
+        }
+        latest = y;
+    }
+
+  private:
+    static constexpr int POINTS_NB = 1024;
+
+    const POINT& Last() const { return points[static_cast<std::size_t>(nb - 1)]; }
+    void Push(int x, int y) {
         if (nb > 0 && Last().x == x && Last().y == y) {
             return;
         }
@@ -171,11 +248,6 @@ class Line_Drawer {
         }
         points[static_cast<std::size_t>(nb++)] = {x, y};
     }
-
-  private:
-    static constexpr int POINTS_NB = 1024;
-
-    const POINT& Last() const { return points[static_cast<std::size_t>(nb - 1)]; }
     void Draw() const {
         if (nb > 1) {
             ::Polyline(dc, points.data(), nb);
@@ -185,6 +257,10 @@ class Line_Drawer {
     HDC dc;
     std::array<POINT, POINTS_NB> points;
     int nb = 0;
+    int column = 0;  // of the newest point
+    int lowest = 0;  // rows of this column's points but the newest
+    int highest = 0;
+    int latest = 0;  // row of the newest point
 };
 
 void Draw_Outline(HDC dc, const Plot_Scale& scale, int base, const Histo_Curve& curve) {
@@ -201,19 +277,16 @@ void Draw_Outline(HDC dc, const Plot_Scale& scale, int base, const Histo_Curve& 
 void Draw_Plot(HDC dc, const Tool_Histo& panel, const Histo_Rectangle& box) {
     const RECT interior = {box.x + panel.border, box.y + panel.border, box.x + box.width - panel.border,
                            box.y + box.height - panel.border};
+    if (interior.right <= interior.left || interior.bottom <= interior.top) {
+        return;  // a rectangle turned inside out would be filled all the same
+    }
     ::FillRect(dc, &interior, static_cast<HBRUSH>(::GetStockObject(BLACK_BRUSH)));
     const Histo_Rectangle inner = Histo_Plot_Inner(box, panel.border);
     const Plot_Scale scale = Scale_Of(panel, inner);
     if (scale.Is_Empty()) {
         return;
     }
-    const Saved_DC saved(dc);
-    ::IntersectClipRect(dc, interior.left, interior.top, interior.right, interior.bottom);
-    Tag_Colors colors;
-    colors.Look_Up();
-    for (int range = 0; range < panel.range_nb; ++range) {
-        Draw_Band(dc, panel, scale, inner, range, colors.Of(panel.range_tag[range]));
-    }
+    Draw_Bands(dc, panel, scale, inner);
     const Histo_Curves curves = Histo_Curves_Of(*panel.data->record, panel.color_component);
     for (int k = 0; k < curves.nb; ++k) {
         Draw_Outline(dc, scale, inner.y + inner.height, curves.curve[static_cast<std::size_t>(k)]);

@@ -65,8 +65,11 @@ void Histo_Window_Panel_Gone(const Tool_Histo* panel) {
     if (--panel_nb > 0) {
         return;
     }
-    // While the class lives it paints with the brush, so the two go together.
-    ::UnregisterClassA(CLASS_NAME, class_instance);
+    // While the class lives it paints with the brush, so the two go together: the system deletes a class's brush with
+    // it.
+    if (::UnregisterClassA(CLASS_NAME, class_instance) != 0) {
+        static_cast<void>(background.Give_Away());
+    }
     background.Reset();
 }
 

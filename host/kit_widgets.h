@@ -1,12 +1,13 @@
 /** Kit_Widgets: the widget library that panels are built from.
  *
- *  Coordinates. Every window has one vertical axis, up (the default: y counts from the bottom row) or down (y counts from the top row); the
- *  host declares it, panels never ask. A widget at (x, y, width, height) covers the pixels x .. x + width - 1 and y .. y + height - 1 of its
- *  window's axis. Sliders, titles and texts are visual: slider value 0 is at the visual top (or left), titles stand at the visual top, text is
- *  upright, whichever the axis.
+ *  Coordinates. Every window has one vertical axis, up (the default: y counts from the bottom row) or down (y counts
+ * from the top row); the host declares it, panels never ask. A widget at (x, y, width, height) covers the pixels x .. x
+ * + width - 1 and y .. y + height - 1 of its window's axis. Sliders, titles and texts are visual: slider value 0 is at
+ * the visual top (or left), titles stand at the visual top, text is upright, whichever the axis.
  *
- *  Life of a widget: set the fields, Init(window) computes the inner geometry (draws nothing), Draw() paints everything, Adjust() repaints the
- *  state marks only. A widget without a window, or with a width or height of 0 or less, draws nothing and is never hit.
+ *  Life of a widget: set the fields, Init(window) computes the inner geometry (draws nothing), Draw() paints
+ * everything, Adjust() repaints the state marks only. A widget without a window, or with a width or height of 0 or
+ * less, draws nothing and is never hit.
  *
  *  Events carry no position: the host sets YCursor_X and YCursor_Y (screen coordinates) before every event.
  */
@@ -20,31 +21,34 @@
 #define KIT_WIDGETS_API KIT_IMPORT
 #endif
 
-// ------------------------------------------------------------------------------------------------------------------ style words
+// ------------------------------------------------------------------------------------------------------------------
+// style words
 
-inline constexpr unsigned int STYLE_FRAMED_BOX = 66;              ///< bordered (0x2) and filled (0x40) box
-inline constexpr unsigned int STYLE_GRID_BUTTON = 0x400000;       ///< plain button of a grid
-inline constexpr unsigned int STYLE_SHOW_CHECK = 0x100000;        ///< the check mark is shown
-inline constexpr unsigned int STYLE_BUTTON = 0;                   ///< plain button
-inline constexpr unsigned int STYLE_EDITED = 0x3;                 ///< both bits: does not react and, without STYLE_GREYED, is not drawn
+inline constexpr unsigned int STYLE_FRAMED_BOX = 66;         ///< bordered (0x2) and filled (0x40) box
+inline constexpr unsigned int STYLE_GRID_BUTTON = 0x400000;  ///< plain button of a grid
+inline constexpr unsigned int STYLE_SHOW_CHECK = 0x100000;   ///< the check mark is shown
+inline constexpr unsigned int STYLE_BUTTON = 0;              ///< plain button
+inline constexpr unsigned int STYLE_EDITED =
+    0x3;  ///< both bits: does not react and, without STYLE_GREYED, is not drawn
 inline constexpr unsigned int STYLE_GREYED = 0x20;                ///< drawn greyed (with STYLE_EDITED)
 inline constexpr unsigned int STYLE_INACTIVE = 0x23;              ///< does not react, drawn greyed
 inline constexpr unsigned int STYLE_SCROLL_BAR = 0x4;             ///< slider
 inline constexpr unsigned int STYLE_VERTICAL = 0x8000000;         ///< the slider is vertical
 inline constexpr unsigned int STYLE_SLIDER_VERTICAL = 0x8000004;  ///< vertical scroll bar
-inline constexpr unsigned int STYLE_SLIDER_HIDDEN = 7;            ///< scroll bar that is not needed: not drawn, does not react
-inline constexpr unsigned int STYLE_FLAT = 0x2100;                ///< flat field, caption at the left
-inline constexpr unsigned int STYLE_FLAT_INACTIVE = 0x2123;       ///< the same, inactive
-inline constexpr unsigned int STYLE_EDIT_OPEN = 0x80000000U;      ///< text field that has the keyboard
-inline constexpr unsigned int STYLE_EDIT_IDLE = 0x80000003U;      ///< text field without the keyboard, not drawn
-inline constexpr unsigned int STYLE_EDIT_LIVE = 0xC0000000U;      ///< text field that yields its text after every key
+inline constexpr unsigned int STYLE_SLIDER_HIDDEN = 7;  ///< scroll bar that is not needed: not drawn, does not react
+inline constexpr unsigned int STYLE_FLAT = 0x2100;      ///< flat field, caption at the left
+inline constexpr unsigned int STYLE_FLAT_INACTIVE = 0x2123;   ///< the same, inactive
+inline constexpr unsigned int STYLE_EDIT_OPEN = 0x80000000U;  ///< text field that has the keyboard
+inline constexpr unsigned int STYLE_EDIT_IDLE = 0x80000003U;  ///< text field without the keyboard, not drawn
+inline constexpr unsigned int STYLE_EDIT_LIVE = 0xC0000000U;  ///< text field that yields its text after every key
 
-// ----------------------------------------------------------------------------------------------------------------- event codes
+// -----------------------------------------------------------------------------------------------------------------
+// event codes
 
-inline constexpr int MOUSE_DRAG = 0x01;    ///< in Motion: some button is held
-inline constexpr int MOUSE_PRESS = 0x02;   ///< in Click: a button went down
-inline constexpr int MOUSE_ASK = 4;        ///< never an event: asks a widget's Select only whether the pointer is over it
-inline constexpr int MOUSE_LEFT = 0x10;    ///< left button held after the event
+inline constexpr int MOUSE_DRAG = 0x01;   ///< in Motion: some button is held
+inline constexpr int MOUSE_PRESS = 0x02;  ///< in Click: a button went down
+inline constexpr int MOUSE_ASK = 4;      ///< never an event: asks a widget's Select only whether the pointer is over it
+inline constexpr int MOUSE_LEFT = 0x10;  ///< left button held after the event
 inline constexpr int MOUSE_MIDDLE = 0x20;  ///< middle button held
 inline constexpr int MOUSE_RIGHT = 0x40;   ///< right button held
 
@@ -64,14 +68,15 @@ inline constexpr int KEY_DOWN = 0x828;
 inline constexpr int KEY_INSERT = 0x82D;
 inline constexpr int KEY_DELETE = 0x82E;
 
-// --------------------------------------------------------------------------------------------------------------------- globals
+// ---------------------------------------------------------------------------------------------------------------------
+// globals
 
-extern KIT_WIDGETS_API short BORDER;      ///< the library's own border, pixels
-extern KIT_WIDGETS_API short SPACE;       ///< the library's own spacing, pixels; not "$INTERFACE_SPACE_DIM"
-extern KIT_WIDGETS_API int YCursor_X;     ///< pointer, screen coordinates, set by the host before every event
-extern KIT_WIDGETS_API int YCursor_Y;     ///< pointer, screen coordinates (y down)
-extern KIT_WIDGETS_API HWND Y_Window;     ///< window of the innermost Y_setup, null outside
-extern KIT_WIDGETS_API HDC Y_DC;          ///< device context of the innermost Y_setup, null outside
+extern KIT_WIDGETS_API short BORDER;   ///< the library's own border, pixels
+extern KIT_WIDGETS_API short SPACE;    ///< the library's own spacing, pixels; not "$INTERFACE_SPACE_DIM"
+extern KIT_WIDGETS_API int YCursor_X;  ///< pointer, screen coordinates, set by the host before every event
+extern KIT_WIDGETS_API int YCursor_Y;  ///< pointer, screen coordinates (y down)
+extern KIT_WIDGETS_API HWND Y_Window;  ///< window of the innermost Y_setup, null outside
+extern KIT_WIDGETS_API HDC Y_DC;       ///< device context of the innermost Y_setup, null outside
 
 /** Colour components 0 to 255; the fourth is free for the host. */
 struct KIT_WIDGETS_API Colors {
@@ -83,31 +88,33 @@ struct KIT_WIDGETS_API Colors {
     unsigned long get() const;
 };
 
-// ----------------------------------------------------------------------------------------------------------------- base class
+// -----------------------------------------------------------------------------------------------------------------
+// base class
 
-inline constexpr int TOOLS_NAME_SIZE = 128;   ///< bytes of a caption field, the terminating zero included
-inline constexpr int BUTTON_CAPTION_MAX = 39; ///< longest caption of a button, characters
+inline constexpr int TOOLS_NAME_SIZE = 128;    ///< bytes of a caption field, the terminating zero included
+inline constexpr int BUTTON_CAPTION_MAX = 39;  ///< longest caption of a button, characters
 
 /** What all widgets share. Plain fields, set by the panel before Init. */
 class KIT_WIDGETS_API Tools {
-   public:
-    unsigned int style = 0;             ///< see STYLE_*
-    short x = 0;                        ///< pixels of the window's axis
+  public:
+    unsigned int style = 0;  ///< see STYLE_*
+    short x = 0;             ///< pixels of the window's axis
     short y = 0;
     short width = 0;
     short height = 0;
     const char* font_name = nullptr;    ///< face name, owned by the host; null: the library's own
     const char* font_weight = nullptr;  ///< "bold" or "", owned by the host
-    HFONT font = nullptr;               ///< created font, owned by the host; null: made by the library from name, weight and scale
-    short font_scale = 0;               ///< drawing parameter: font height in pixels; 0: the library's own
-    Colors color;                       ///< face colour
-    unsigned short border = 0;          ///< border thickness, pixels
-    HWND window = nullptr;              ///< set by Init
-    char name[TOOLS_NAME_SIZE] = {};    ///< caption or title, see Set_Name
+    HFONT font = nullptr;  ///< created font, owned by the host; null: made by the library from name, weight and scale
+    short font_scale = 0;  ///< drawing parameter: font height in pixels; 0: the library's own
+    Colors color;          ///< face colour
+    unsigned short border = 0;        ///< border thickness, pixels
+    HWND window = nullptr;            ///< set by Init
+    char name[TOOLS_NAME_SIZE] = {};  ///< caption or title, see Set_Name
 
     Tools() = default;
 
-    /** Makes the caption by printf rules; copied and cut at the field's length (39 characters for Buttons). Draws nothing. */
+    /** Makes the caption by printf rules; copied and cut at the field's length (39 characters for Buttons). Draws
+     * nothing. */
     void Set_Name(const char* format, ...) KIT_PRINTF_FORMAT(2, 3);
     /** Sets red, green and blue; the fourth component is kept. */
     void Set_Color(unsigned char red, unsigned char green, unsigned char blue);
@@ -115,7 +122,8 @@ class KIT_WIDGETS_API Tools {
     void Clear();
     /** Fills the widget's rectangle with the colour. */
     void Clear(Colors fill);
-    /** Draws an icon file of the icon folders, tinted by the colour, its left edge at x and its middle line at y. Unknown file: nothing. */
+    /** Draws an icon file of the icon folders, tinted by the colour, its left edge at x and its middle line at y.
+     * Unknown file: nothing. */
     void Icon(const char* file, unsigned char red, unsigned char green, unsigned char blue, short icon_x, short icon_y);
     /** Draws the border lines. */
     void Cadre();
@@ -126,17 +134,18 @@ class KIT_WIDGETS_API Tools {
     /** Gives back what Init made. The widget can be Init'ed again. */
     void Free();
 
-    /** Copies fonts, font scale, colour, border and window handle of a host box: what panels hand on to their widgets. */
+    /** Copies fonts, font scale, colour, border and window handle of a host box: what panels hand on to their widgets.
+     */
     void Take_Look(const Tools& host);
 
-   protected:
+  protected:
     unsigned short name_max = TOOLS_NAME_SIZE - 1;  ///< longest caption that Set_Name keeps
     unsigned short state_base = 0;                  ///< the library's own
 };
 
 /** A framed rectangle with an optional title (the caption). */
 class KIT_WIDGETS_API Boxs : public Tools {
-   public:
+  public:
     /** @param init_window the window; null keeps the stored one. @return 1 */
     int Init(HWND init_window);
     void Draw();
@@ -148,13 +157,13 @@ class KIT_WIDGETS_API Boxs : public Tools {
 
 /** A push button with a current mark, a checked mark and four pixel images. */
 class KIT_WIDGETS_API Buttons : public Tools {
-   public:
-    unsigned short current = 0;                            ///< current mark, drawn by Draw and Adjust
-    unsigned short checked = 0;                            ///< checked mark, shown with STYLE_SHOW_CHECK
-    unsigned short state = 0;                              ///< transient look: 0 plain, 1 hover, 2 pressed; directly after `checked`
-    unsigned int* image[4] = {};                           ///< width x height pixels 0x00RRGGBB each, rows from the visual top; owned by the
-                                                           ///< button; null without area or memory. [0] plain, [1] hover, [2] pressed, [3] current.
-                                                           ///< Init makes their backgrounds: four distinct colours, none of them 0.
+  public:
+    unsigned short current = 0;   ///< current mark, drawn by Draw and Adjust
+    unsigned short checked = 0;   ///< checked mark, shown with STYLE_SHOW_CHECK
+    unsigned short state = 0;     ///< transient look: 0 plain, 1 hover, 2 pressed; directly after `checked`
+    unsigned int* image[4] = {};  ///< width x height pixels 0x00RRGGBB each, rows from the visual top; owned by the
+                                  ///< button; null without area or memory. [0] plain, [1] hover, [2] pressed, [3]
+                                  ///< current. Init makes their backgrounds: four distinct colours, none of them 0.
     Buttons();
     ~Buttons();
     Buttons(const Buttons& other);             ///< the images are copied
@@ -164,43 +173,47 @@ class KIT_WIDGETS_API Buttons : public Tools {
     void Draw();
     /** Repaints the current and checked marks only. */
     void Adjust();
-    /** Feeds an event. Shows hover and press feedback. @return non-zero when the event falls on the button; 0 while inactive or being edited.
-     *  MOUSE_ASK only asks; 0 only refreshes the button from its images. */
+    /** Feeds an event. Shows hover and press feedback. @return non-zero when the event falls on the button; 0 while
+     * inactive or being edited. MOUSE_ASK only asks; 0 only refreshes the button from its images. */
     int Select(int up_down);
     /** Leaves the hover or pressed look; draws only when the look changes. */
     void Deselect();
 
-   private:
+  private:
     void Images_Free();
     int Images_Make();
 };
 
-/** A scroll bar, vertical (STYLE_SLIDER_VERTICAL) or horizontal (STYLE_SCROLL_BAR alone). Its value is a pixel offset. */
+/** A scroll bar, vertical (STYLE_SLIDER_VERTICAL) or horizontal (STYLE_SCROLL_BAR alone). Its value is a pixel offset.
+ */
 class KIT_WIDGETS_API Sliders : public Tools {
-   public:
+  public:
     float value = 0.0F;
     float minimum = 0.0F;
     float maximum = 1.0F;
     float step = 1.0F;
 
     Sliders();
-    /** As for every widget; also brings a value from outside minimum .. maximum back (unless the maximum lies below the minimum). So does Adjust. */
+    /** As for every widget; also brings a value from outside minimum .. maximum back (unless the maximum lies below the
+     * minimum). So does Adjust. */
     int Init(HWND init_window);
     void Draw();
     /** Repaints the thumb. */
     void Adjust();
     /** The value after an event. */
     float Read();
-    /** Feeds an event. A press: non-zero when it falls on the slider (starts a drag on the thumb, pages beside it). A motion: non-zero only while
-     *  the thumb is dragged; a drag ends by itself with the first motion without MOUSE_DRAG. */
+    /** Feeds an event. A press: non-zero when it falls on the slider (starts a drag on the thumb, pages beside it). A
+     * motion: non-zero only while the thumb is dragged; a drag ends by itself with the first motion without MOUSE_DRAG.
+     */
     int Select(int up_down);
     void Deselect();
-    /** Adds notches x step, clamped to minimum .. maximum, and keeps the value. @return the new value. Draws nothing. */
+    /** Adds notches x step, clamped to minimum .. maximum, and keeps the value. @return the new value. Draws nothing.
+     */
     float Scroll(int notches);
     /** Sets the thumb's length: visible of total, in any one unit. A total of 0 or less gives a full thumb. */
     void Larg_Adjust(float visible, float total);
 
-   private:
+  private:
     float visible_part = 1.0F;  ///< thumb length as a fraction of the track
     short grab = 0;             ///< pointer offset inside the thumb while it is dragged
     bool dragged = false;
@@ -209,7 +222,7 @@ class KIT_WIDGETS_API Sliders : public Tools {
 
 /** A vertical valuator: a slider that shows its value by a filled bar. */
 class KIT_WIDGETS_API Valuators : public Tools {
-   public:
+  public:
     float value = 1.0F;
     float minimum = 0.0F;
     float maximum = 1.0F;
@@ -225,7 +238,7 @@ class KIT_WIDGETS_API Valuators : public Tools {
     /** Adds notches x step, clamped, and keeps the value. @return the new value. */
     float Scroll(int notches);
 
-   private:
+  private:
     bool dragged = false;
     bool hovered = false;
 };
@@ -237,7 +250,7 @@ struct Select_Item {
 
 /** A one-of-N list: caption, a field with the current item, arrows to the previous and next item, and a drop list. */
 class KIT_WIDGETS_API Selects : public Tools {
-   public:
+  public:
     short current = 0;            ///< current item; outside 0 .. item_nb - 1: drawn empty
     short arrow = 0;              ///< width of an arrow, pixels
     int item_nb = 0;              ///< set by Grow
@@ -254,17 +267,20 @@ class KIT_WIDGETS_API Selects : public Tools {
     void Adjust();
     /** The item picked by the last event, or a negative number when it picked none. */
     int Read();
-    /** Feeds an event. @return non-zero when a press falls on the list (an arrow picks at once; the field opens the drop list,
-     *  and the operation returns when that is closed: by a pick, or without). MOUSE_ASK only asks whether the pointer is over the list. */
+    /** Feeds an event. @return non-zero when a press falls on the list (an arrow picks at once; the field opens the
+     * drop list, and the operation returns when that is closed: by a pick, or without). MOUSE_ASK only asks whether the
+     * pointer is over the list. */
     int Select(int up_down);
     void Deselect();
-    /** Makes room for `nb` items and forgets the captions unless `keep` is non-zero. @return 1; 0 without memory (no items then) */
+    /** Makes room for `nb` items and forgets the captions unless `keep` is non-zero. @return 1; 0 without memory (no
+     * items then) */
     int Grow(int nb, int keep);
-    /** Moves the current item by n, clamped to 0 .. item_nb - 1, and repaints it. n = 0 applies the navigation key now down: Home, End, Page Up and
-     *  Page Down by ten, Left and Insert back by one, Right and Delete forward by one. @return the current item */
+    /** Moves the current item by n, clamped to 0 .. item_nb - 1, and repaints it. n = 0 applies the navigation key now
+     * down: Home, End, Page Up and Page Down by ten, Left and Insert back by one, Right and Delete forward by one.
+     * @return the current item */
     int Scroll(int n);
 
-   private:
+  private:
     short picked = -1;
     short hovered_part = 0;
     short pressed_part = 0;
@@ -274,30 +290,32 @@ inline constexpr int TEXTS_SIZE = 1024;  ///< bytes of an edited text, the termi
 
 /** An editable one-line text field with caret, selection and clipboard. */
 class KIT_WIDGETS_API Texts : public Tools {
-   public:
+  public:
     unsigned short position = 0;  ///< first character shown
 
     int Init(HWND init_window);
     void Draw();
     void Adjust();
-    /** Loads the text by printf rules, puts the caret at its end, selects all and forgets a finished edit. A live field that is handed its own
-     *  text back (all of it or its start) keeps caret and selection. Draws nothing. */
+    /** Loads the text by printf rules, puts the caret at its end, selects all and forgets a finished edit. A live field
+     * that is handed its own text back (all of it or its start) keeps caret and selection. Draws nothing. */
     void Read(const char* format, ...) KIT_PRINTF_FORMAT(2, 3);
     /** Prints a fixed text (a prompt) into the field and draws it. A leading byte 2 ends a styled run: plain. */
     void Write(const char* format, ...) KIT_PRINTF_FORMAT(2, 3);
-    /** (1, 0, 0): non-zero while the field has the keyboard. (up_down, 0, 0): hover feedback and caret by press or drag. */
+    /** (1, 0, 0): non-zero while the field has the keyboard. (up_down, 0, 0): hover feedback and caret by press or
+     * drag. */
     int Select(int up_down, short pointer_x, short pointer_y);
     void Deselect();
-    /** Feeds one key code: characters, Backspace, Delete, Home, End, Left, Right (with Shift they select), Ctrl+A, C, X, V as characters 1, 3, 24, 22.
-     *  Enter and Tab finish with the text, Escape with an empty text. Repaints the field. */
+    /** Feeds one key code: characters, Backspace, Delete, Home, End, Left, Right (with Shift they select), Ctrl+A, C,
+     * X, V as characters 1, 3, 24, 22. Enter and Tab finish with the text, Escape with an empty text. Repaints the
+     * field. */
     void Input(int key);
-    /** The finished text, or null while editing goes on; with STYLE_EDIT_LIVE the current text after every key. The buffer is the field's own and
-     *  may be written. */
+    /** The finished text, or null while editing goes on; with STYLE_EDIT_LIVE the current text after every key. The
+     * buffer is the field's own and may be written. */
     char* Update();
     /** Clears the field's area before drawing. */
     void Cleanup();
 
-   private:
+  private:
     char text[TEXTS_SIZE] = {};
     short caret = 0;   ///< byte offset, on a character
     short anchor = 0;  ///< other end of the selection
@@ -308,7 +326,7 @@ class KIT_WIDGETS_API Texts : public Tools {
 
 /** A static label. */
 class KIT_WIDGETS_API Labels : public Tools {
-   public:
+  public:
     int Init(HWND init_window);
     void Draw();
     void Adjust();
@@ -318,7 +336,8 @@ class KIT_WIDGETS_API Labels : public Tools {
     float Scroll(int notches);
 };
 
-// --------------------------------------------------------------------------------------------------------------- free functions
+// --------------------------------------------------------------------------------------------------------------- free
+// functions
 
 /** Shows the wait cursor over a window (null: the host's) until the matching Reset_Curs_Wait. Nests. */
 KIT_WIDGETS_API void Set_Curs_Wait(HWND window);
@@ -329,7 +348,8 @@ KIT_WIDGETS_API int getbutton(int button);
 /** Non-zero while a key is held. @param virtual_key for example VK_SHIFT or VK_CONTROL */
 KIT_WIDGETS_API int getkey(int virtual_key);
 
-/** Turns a key message into a key code; 0: none. Characters come from WM_CHAR, keys without a character from key-down messages. */
+/** Turns a key message into a key code; 0: none. Characters come from WM_CHAR, keys without a character from key-down
+ * messages. */
 KIT_WIDGETS_API int Parse_Keyboard(HWND window, unsigned int message, std::uintptr_t wparam, std::intptr_t lparam);
 /** The same for a dialog, whose characters are translated from key-down messages. */
 KIT_WIDGETS_API int Parse_Dialog(HWND window, unsigned int message, std::uintptr_t wparam, std::intptr_t lparam);
@@ -337,7 +357,8 @@ KIT_WIDGETS_API int Parse_Dialog(HWND window, unsigned int message, std::uintptr
 /** Creates a font; null on failure. The caller owns it. @param style "bold" or ""; @param size height in pixels */
 KIT_WIDGETS_API HFONT Y_Create_Font(HWND window, const char* font_name, const char* style, int size);
 
-/** Begins drawing: a device context of the window in the window's own axis, with default text alignment. Nests; sets Y_Window and Y_DC.
+/** Begins drawing: a device context of the window in the window's own axis, with default text alignment. Nests; sets
+ * Y_Window and Y_DC.
  *  @param label names the operation in "Y_setup(%s) GetDC failed"
  *  @return null on failure: draw nothing, and call no Y_release
  */
@@ -345,11 +366,11 @@ KIT_WIDGETS_API HDC Y_setup(HWND window, const char* label);
 /** Ends drawing. @return 1; 0 after "Y_release() Failed!" */
 KIT_WIDGETS_API int Y_release(HWND window, HDC dc);
 
-/** Draws an icon file of "$DEFAULT_ICON_PATH" (second place: the program's folder named by prog_name) at the device context of the innermost Y_setup:
- *  left edge x, middle line y. Unknown file: nothing, without a message. */
+/** Draws an icon file of "$DEFAULT_ICON_PATH" (second place: the program's folder named by prog_name) at the device
+ * context of the innermost Y_setup: left edge x, middle line y. Unknown file: nothing, without a message. */
 KIT_WIDGETS_API void Icon_Draw_Image(const Boxs& box, int x, int y, const char* prog_name, const char* file);
-/** Lead cells of a tree row, 20 pixels wide, x0 < x1 and y0 < y1 in the window's axis. `flag`: leaf and no access: 1 = the line goes on to the next
- *  sibling; expand and collapse: the row number (0: no line upwards). */
+/** Lead cells of a tree row, 20 pixels wide, x0 < x1 and y0 < y1 in the window's axis. `flag`: leaf and no access: 1 =
+ * the line goes on to the next sibling; expand and collapse: the row number (0: no line upwards). */
 KIT_WIDGETS_API void Icon_Lead_Expand(const Boxs& box, int flag, int x0, int x1, int y0, int y1);
 KIT_WIDGETS_API void Icon_Lead_Collapse(const Boxs& box, int flag, int x0, int x1, int y0, int y1);
 KIT_WIDGETS_API void Icon_Lead_Leaf(const Boxs& box, int flag, int x0, int x1, int y0, int y1);

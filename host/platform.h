@@ -1,8 +1,8 @@
 /** What differs between compilers and systems, in one place.
  *
- *  Everything else in the repository is standard C++20 plus the Windows API. This header declares the few Windows handle types that the host
- *  contract mentions without pulling in <windows.h>, so that geometry, state and numeric code compile everywhere. The declarations agree with
- *  those of <windows.h>; both may be included, in either order.
+ *  Everything else in the repository is standard C++20 plus the Windows API. This header declares the few Windows
+ * handle types that the host contract mentions without pulling in <windows.h>, so that geometry, state and numeric code
+ * compile everywhere. The declarations agree with those of <windows.h>; both may be included, in either order.
  */
 #pragma once
 
@@ -21,7 +21,8 @@
 #endif
 
 #if defined(__MINGW32__)
-#define KIT_PRINTF_FORMAT(format_index, first_argument) __attribute__((format(gnu_printf, format_index, first_argument)))
+#define KIT_PRINTF_FORMAT(format_index, first_argument) \
+    __attribute__((format(gnu_printf, format_index, first_argument)))
 #elif defined(__GNUC__)
 #define KIT_PRINTF_FORMAT(format_index, first_argument) __attribute__((format(printf, format_index, first_argument)))
 #else
@@ -47,5 +48,7 @@ inline bool Processor_Has_Avx2() {
 }
 #else
 /** True when the processor and the system offer AVX2. */
-inline bool Processor_Has_Avx2() { return __builtin_cpu_supports("avx2") != 0; }
+inline bool Processor_Has_Avx2() {
+    return __builtin_cpu_supports("avx2") != 0;
+}
 #endif

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int tool_width = 452;        // pixels at 96 dots per inch
+constexpr int tool_width = 452;  // pixels at 96 dots per inch
 constexpr int window_width = 1320;
 constexpr int window_height = 860;
 constexpr int histogram_height = 150;
@@ -22,6 +22,16 @@ Application* the_application = nullptr;
 
 }  // namespace
 
+void Histogram_Base::Resize(Boxs* box) {
+    const float scale = histogram.scale;
+    Panel_Of<Tool_Histo>::Resize(box);
+    Scale_Set(scale);
+}
+
+void Histogram_Base::Scale_Set(float scale) {
+    histogram.scale = histogram.scale_valuator.value = std::clamp(scale, HISTO_SCALE_MIN, HISTO_SCALE_MAX);
+}
+
 Application::Application(const Command_Line& command_line)
     : options(command_line),
       tag_panel(static_cast<unsigned short>(TAG_CHECK_ENABLE | TAG_GREY_SELECTION)),
@@ -29,26 +39,25 @@ Application::Application(const Command_Line& command_line)
       marker_base(marker_panel, [](Tool_Marker& panel) { return panel.Height(marker_rows); }),
       brush_base(brush_panel, [](Tool_Brush& panel) { return panel.Height(); }),
       propagate_base(propagate_panel, [](Tool_Propagate& panel) { return panel.Height(); }),
-      histogram_base(histogram_panel,
-                     [this](Tool_Histo& panel) {
-                         return panel.Height(static_cast<unsigned short>(look.Px(histogram_height)));
-                     }),
+      histogram_base(
+          histogram_panel,
+          [this](Tool_Histo& panel) { return panel.Height(static_cast<unsigned short>(look.Px(histogram_height))); }),
       window(*this),
       tool_area(look),
       image(look, *this),
       status_line(look),
       banner(look, [this] { Lay_Out(); }),
-      trace(look) {
+      trace(look),
+      analysis(look, {[this] { return &histogram_panel; }, [this] { Peaks_Changed(); },
+                      [this](const std::vector<Peak_Band>& peaks) { Bands_Take(peaks); }}) {
     the_application = this;
     Prog_Name = "workbench";
     variables.Define();
     Adopt_Names();
     propagate_panel.Set(&Application::Propagation_Function);
-    Message_Receiver_Add(
-        [](void* context, HWND, int level, const char* text) {
-            static_cast<Application*>(context)->On_Message(level, text);
-        },
-        this);
+    Message_Receiver_Add([](void* context, HWND, int level,
+                            const char* text) { static_cast<Application*>(context)->On_Message(level, text); },
+                         this);
     Request_Listener listener;
     listener.context = this;
     listener.update = [](void* context, unsigned __int64 flags, void*, void*) {
@@ -92,7 +101,10 @@ bool Application::Start(int show) {
         Warn("The report file " + options.report + " cannot be written.");
     }
     trace.Show(options.trace);
-    ::SetWindowPos(window.Handle(), nullptr, 0, 0, look.Px(window_width), look.Px(window_height), SWP_NOZORDER | SWP_NOMOVE);
+    RECT work = {};
+    ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    ::SetWindowPos(window.Handle(), nullptr, 0, 0, std::min<int>(look.Px(window_width), work.right - work.left),
+                   std::min<int>(look.Px(window_height), work.bottom - work.top), SWP_NOZORDER | SWP_NOMOVE);
     Title_Refresh();
     Notes_Refresh();
     ::ShowWindow(window.Handle(), show);
@@ -126,7 +138,12 @@ void Application::Add_Panels() {
             Marker_Set(picked);
         }
     });
-    histogram_host = tool_area.Add(L"Histogram", histogram_base, Window_Axis::Down, [](int, int) {});
+    histogram_host = tool_area.Add(L"Histogram", histogram_base, Window_Axis::Down, [this](int is_used, int) {
+        // A press beside the magnification's thumb changes it without painting the plot.
+        if (is_used != 0) {
+            Announce(UPDATE_HISTO_PAINT);
+        }
+    });
     tool_area.Stretch(histogram_host, look.Px(histogram_height_most));
 }
 
@@ -165,7 +182,7 @@ void Application::Announce(unsigned __int64 flags) {
 
 void Application::After_Update(unsigned __int64 flags) {
     if (Has_Any(flags, UPDATE_TAG_ENABLE | UPDATE_TAG_TABLE | UPDATE_FRAME_CUR | UPDATE_TAG_LABEL | UPDATE_ALL) ||
-        (is_threshold_mode && Has_Any(flags, UPDATE_TAG_CUR))) {
+        ((is_threshold_mode || is_range_shown) && Has_Any(flags, UPDATE_TAG_CUR))) {
         image.Refresh();
     }
     if (Has_Any(flags, UPDATE_BRUSH | UPDATE_ALL)) {
@@ -181,7 +198,7 @@ void Application::On_Panel_Request(unsigned __int64 flags) {
         // A panel has written a name or a threshold: that is a step of the user's work.
         int steps = session.Note_Labels(Text_Table::TAG_LABELS, variables.Tag_Labels());
         steps += session.Note_Labels(Text_Table::MARKER_LABELS, variables.Marker_Labels());
-        steps += session.Note_Thresholds(variables.Threshold_Min());
+        steps += session.Note_Thresholds(variables.Threshold_Min(), variables.Threshold_Max());
         Histogram_Ranges_Refresh();
         flags |= steps != 0 ? UPDATE_HISTO_PAINT : 0;
         Title_Refresh();
@@ -230,9 +247,15 @@ void Application::Notes_Refresh() {
     tool_area.Note_Set(brush_host, std::to_wstring(variables.Brush().Pixel_Nb()) + L" pixels");
     tool_area.Note_Set(propagate_host, propagation_kind == Propagation_Kind::COPY ? L"copy" : L"grow");
     const int marker = variables.Marker_Cur();
-    tool_area.Note_Set(marker_host, Wide_Of_Panel(variables.Marker_Name(marker).c_str()) +
-                                        (is_marker_mode ? L", placing" : L""));
-    tool_area.Note_Set(histogram_host, is_histogram_of_all ? L"all frames" : L"shown frame");
+    tool_area.Note_Set(marker_host,
+                       Wide_Of_Panel(variables.Marker_Name(marker).c_str()) + (is_marker_mode ? L", placing" : L""));
+    std::wstring frames = histogram_first < histogram_last ? L"frames " + std::to_wstring(histogram_first + 1) +
+                                                                 L" to " + std::to_wstring(histogram_last + 1)
+                                                           : L"frame " + std::to_wstring(histogram_first + 1);
+    if (is_histogram_of_tag) {
+        frames += L", TAG " + std::to_wstring(tag) + L" only";
+    }
+    tool_area.Note_Set(histogram_host, session.Has_Volume() ? frames : L"");
 }
 
 void Application::Title_Refresh() {
@@ -290,13 +313,15 @@ void Application::Report_Place(const char* name, HWND of_window) {
     RECT place = {};
     ::GetWindowRect(of_window, &place);
     const bool is_shown = ::IsWindowVisible(of_window) != 0;
-    report.Line("place " + std::string(name) + " " + std::to_string(place.left) + " " + std::to_string(place.top) + " " +
-                std::to_string(place.right - place.left) + " " + std::to_string(place.bottom - place.top) +
+    report.Line("place " + std::string(name) + " " + std::to_string(place.left) + " " + std::to_string(place.top) +
+                " " + std::to_string(place.right - place.left) + " " + std::to_string(place.bottom - place.top) +
                 (is_shown ? " shown" : " hidden"));
 }
 
 void Application::Report_State() {
-    const auto line = [this](const std::string& name, long long value) { report.Line(name + " " + std::to_string(value)); };
+    const auto line = [this](const std::string& name, long long value) {
+        report.Line(name + " " + std::to_string(value));
+    };
     report.Line("state_begin " + std::to_string(++report_nb));
     Report_Place("window", window.Handle());
     Report_Place("image", image.Handle());

@@ -12,6 +12,7 @@
 #include "panels/tool_propagate.h"
 #include "panels/tool_tag.h"
 #include "volumes/volume_statistics.h"
+#include "workbench/analysis/analysis_window.h"
 #include "workbench/commands.h"
 #include "workbench/host_variables.h"
 #include "workbench/image_view.h"
@@ -25,6 +26,19 @@
 #include "workbench/trace_view.h"
 #include "workbench/volume_objects.h"
 #include "workbench/warning_banner.h"
+
+/** The histogram panel, whose magnification outlives a change of the layout. */
+class Histogram_Base : public Panel_Of<Tool_Histo> {
+  public:
+    Histogram_Base(Tool_Histo& hosted, std::function<int(Tool_Histo&)> wanted)
+        : Panel_Of<Tool_Histo>(hosted, std::move(wanted)), histogram(hosted) {}
+    void Resize(Boxs* box) override;
+    /** Share of the largest count that reaches the top of the plot. Paints nothing. */
+    void Scale_Set(float scale);
+
+  private:
+    Tool_Histo& histogram;
+};
 
 /** Lives from start to end of the program; there is one. */
 class Application : public Image_User, public Main_Window_User {
@@ -110,12 +124,24 @@ class Application : public Image_User, public Main_Window_User {
     void Marker_Place(int marker, const Marker& place);
     void Markers_Enable_Refresh();
     void Undo_Or_Redo(bool redo);
+
+    // application_histogram.cpp
+    void Execute_Histogram(Command command);
     void Histogram_Ranges_Refresh();
+    void Histogram_Select();
+    void Histogram_Selection_Set(int first, int last, bool follows_slice);
+    void Histogram_Range_Ask();
+    void Histogram_Bins_Ask();
+    void Histogram_Tag_Refresh();
+    std::wstring Histogram_Text() const;
+    /** Magnifies so that one overfull bin, as the air around a head makes, does not flatten the rest. */
+    void Histogram_Scale_Suggest();
+    void Peaks_Changed();
+    void Bands_Take(const std::vector<Peak_Band>& peaks);
 
     // application_image.cpp
     void Slice_Show(int wanted, bool tell_panels);
     void Window_Reset();
-    void Histogram_Select();
     Tag_Overlay Overlay_Now() const;
     Paint_Ink Ink(bool erase);
     void Voxel_Text(int x, int y);
@@ -143,7 +169,7 @@ class Application : public Image_User, public Main_Window_User {
     Panel_Of<Tool_Marker> marker_base;
     Panel_Of<Tool_Brush> brush_base;
     Panel_Of<Tool_Propagate> propagate_base;
-    Panel_Of<Tool_Histo> histogram_base;
+    Histogram_Base histogram_base;
 
     Main_Window window;
     Tool_Area tool_area;
@@ -151,6 +177,7 @@ class Application : public Image_User, public Main_Window_User {
     Status_Line status_line;
     Warning_Banner banner;
     Trace_View trace;
+    Analysis_Window analysis;
     Panel_Host* tag_host = nullptr;  // owned by the tool area
     Panel_Host* marker_host = nullptr;
     Panel_Host* brush_host = nullptr;
@@ -163,7 +190,11 @@ class Application : public Image_User, public Main_Window_User {
     bool is_overlay_shown = true;
     bool is_marker_mode = false;
     bool is_threshold_mode = false;
-    bool is_histogram_of_all = true;
+    bool is_range_shown = false;
+    bool is_histogram_of_shown = false;  // follows the shown slice
+    bool is_histogram_of_tag = false;    // counts the current TAG's pixels only
+    int histogram_first = 0;             // slices
+    int histogram_last = 0;
     unsigned short check_option = TAG_CHECK_ENABLE;
     Propagation_Kind propagation_kind = Propagation_Kind::GROW;
     int dragged_marker = -1;

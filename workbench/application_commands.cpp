@@ -8,12 +8,14 @@
 namespace {
 
 void Check(HMENU menu, Command command, bool is_checked) {
-    ::CheckMenuItem(menu, static_cast<UINT>(command), static_cast<UINT>(MF_BYCOMMAND | (is_checked ? MF_CHECKED : MF_UNCHECKED)));
+    ::CheckMenuItem(menu, static_cast<UINT>(command),
+                    static_cast<UINT>(MF_BYCOMMAND | (is_checked ? MF_CHECKED : MF_UNCHECKED)));
 }
 
 void Name(HMENU menu, Command command, const std::wstring& text, bool is_enabled) {
     const auto id = static_cast<UINT>(command);
-    ::ModifyMenuW(menu, id, static_cast<UINT>(MF_BYCOMMAND | MF_STRING | (is_enabled ? MF_ENABLED : MF_GRAYED)), id, text.c_str());
+    ::ModifyMenuW(menu, id, static_cast<UINT>(MF_BYCOMMAND | MF_STRING | (is_enabled ? MF_ENABLED : MF_GRAYED)), id,
+                  text.c_str());
 }
 
 bool Has_Entry(HMENU menu, Command command) {
@@ -33,7 +35,12 @@ void Application::Menu_Refresh(HMENU menu) {
     Check(menu, Command::CHECK_SHOWS_LOCK, check_option == TAG_CHECK_LOCK);
     Check(menu, Command::MARKER_MODE, is_marker_mode);
     Check(menu, Command::OVERLAY, is_overlay_shown);
-    Check(menu, Command::HISTOGRAM_ALL, is_histogram_of_all);
+    const bool is_all = histogram_first == 0 && histogram_last == session.Slice_Nb() - 1;
+    Check(menu, Command::HISTOGRAM_ALL, is_all && !is_histogram_of_shown);
+    Check(menu, Command::HISTOGRAM_SHOWN, is_histogram_of_shown);
+    Check(menu, Command::HISTOGRAM_RANGE, !is_all && !is_histogram_of_shown);
+    Check(menu, Command::HISTOGRAM_OF_TAG, is_histogram_of_tag);
+    Check(menu, Command::RANGE_OVERLAY, is_range_shown);
     Check(menu, Command::TRACE_VIEW, trace.Is_Shown());
     Check(menu, Command::THEME, look.Theme() == Library_Theme::Light);
     Check(menu, Command::FUNCTION_COPY, propagation_kind == Propagation_Kind::COPY);
@@ -41,8 +48,10 @@ void Application::Menu_Refresh(HMENU menu) {
     if (Has_Entry(menu, Command::UNDO)) {
         const Undo_Step* undo = session.Journal().Next_Undo();
         const Undo_Step* redo = session.Journal().Next_Redo();
-        Name(menu, Command::UNDO, L"&Undo" + (undo != nullptr ? L": " + Wide_Of_Utf8(undo->title) : L"") + L"\tCtrl+Z", undo != nullptr);
-        Name(menu, Command::REDO, L"&Redo" + (redo != nullptr ? L": " + Wide_Of_Utf8(redo->title) : L"") + L"\tCtrl+Y", redo != nullptr);
+        Name(menu, Command::UNDO, L"&Undo" + (undo != nullptr ? L": " + Wide_Of_Utf8(undo->title) : L"") + L"\tCtrl+Z",
+             undo != nullptr);
+        Name(menu, Command::REDO, L"&Redo" + (redo != nullptr ? L": " + Wide_Of_Utf8(redo->title) : L"") + L"\tCtrl+Y",
+             redo != nullptr);
     }
 }
 
@@ -56,6 +65,8 @@ void Application::Execute(Command command) {
         Execute_File(command);
     } else if (command >= Command::UNDO && command <= Command::MARKER_PREVIOUS) {
         Execute_Edit(command);
+    } else if (command >= Command::HISTOGRAM_ALL && command <= Command::PEAKS_TO_BANDS) {
+        Execute_Histogram(command);
     } else {
         Execute_View(command);
     }
@@ -70,7 +81,8 @@ void Application::Execute_Edit(Command command) {
             return Marker_Place(variables.Marker_Cur(), Marker{});
         case Command::TAG_NEXT:
         case Command::TAG_PREVIOUS:
-            return Tag_Set(Tag_Step(variables.Tag_Cur(), command == Command::TAG_NEXT ? 1 : -1, variables.Tag_Nb()), true);
+            return Tag_Set(Tag_Step(variables.Tag_Cur(), command == Command::TAG_NEXT ? 1 : -1, variables.Tag_Nb()),
+                           true);
         case Command::TAG_GO_TO:
             return Tag_Go_To();
         case Command::TAG_ENABLE:
@@ -129,10 +141,6 @@ void Application::Execute_View(Command command) {
         case Command::THEME:
             look.Theme_Set(look.Theme() == Library_Theme::Dark ? Library_Theme::Light : Library_Theme::Dark);
             return Look_Changed();
-        case Command::HISTOGRAM_ALL:
-            is_histogram_of_all = !is_histogram_of_all;
-            Histogram_Select();
-            return Announce(UPDATE_SELECTION | UPDATE_LEVEL_2D | UPDATE_HISTO_PAINT);
         case Command::PROPAGATE_NEXT:
         case Command::PROPAGATE_PREVIOUS:
             propagate_host->Buffered([&] { propagate_panel.Propagate(command == Command::PROPAGATE_NEXT ? 1 : -1); });
@@ -142,12 +150,14 @@ void Application::Execute_View(Command command) {
             return Propagate_Repeat(command == Command::PROPAGATE_REPEAT ? 1 : -1);
         case Command::FUNCTION_COPY:
         case Command::FUNCTION_GROW:
-            return Propagation_Kind_Set(command == Command::FUNCTION_COPY ? Propagation_Kind::COPY : Propagation_Kind::GROW);
+            return Propagation_Kind_Set(command == Command::FUNCTION_COPY ? Propagation_Kind::COPY
+                                                                          : Propagation_Kind::GROW);
         case Command::KEYS_HELP:
             ::MessageBoxW(window.Handle(), Keys_Text(), L"Keys and mouse", MB_OK);
             return;
         case Command::ABOUT:
-            ::MessageBoxW(window.Handle(), L"Workbench\n\nShows image volumes and edits their TAGs with the panels of Kit_Panels.dll.",
+            ::MessageBoxW(window.Handle(),
+                          L"Workbench\n\nShows image volumes and edits their TAGs with the panels of Kit_Panels.dll.",
                           L"About", MB_OK);
             return;
         case Command::CLOSE_BANNER:

@@ -56,7 +56,8 @@ std::optional<std::filesystem::path> Ask_Save(HWND owner, const std::wstring& st
 
 }  // namespace
 
-std::optional<Load_Result> Application::Load_With_Progress(const std::filesystem::path& path, Volume_Statistics* numbers) {
+std::optional<Load_Result> Application::Load_With_Progress(const std::filesystem::path& path,
+                                                           Volume_Statistics* numbers) {
     std::atomic<double> share = 0.0;
     std::atomic<bool> is_given_up = false;
     std::atomic<bool> is_done = false;
@@ -102,12 +103,10 @@ void Application::Open_Volume(const std::filesystem::path& path) {
         Warn("The name of the file cannot be used on this system.");
         return;
     }
-    if (!Ask_Unsaved()) {
-        return;
-    }
     Volume_Statistics numbers;
     std::optional<Load_Result> loaded = Load_With_Progress(path, &numbers);
-    if (!loaded) {
+    // Asked only now: a file that cannot be loaded costs no work.
+    if (!loaded || !Ask_Unsaved()) {
         return;
     }
     statistics = numbers;
@@ -132,9 +131,14 @@ void Application::Show_Volume(Volume&& volume, const std::filesystem::path& path
     slice = session.Slice_Nb() / 2;
     objects.Show(slice);
     Markers_Enable_Refresh();
+    is_histogram_of_tag = false;
+    is_histogram_of_shown = false;
+    histogram_first = 0;
+    histogram_last = session.Slice_Nb() - 1;
     Histogram_Select();
     Announce(UPDATE_ALL | UPDATE_WINDOW_CUR | UPDATE_FRAME_CUR | UPDATE_STRUCTURE | UPDATE_SELECTION | UPDATE_LEVEL_2D |
              UPDATE_HISTO_PAINT);
+    Histogram_Scale_Suggest();
     Title_Refresh();
     const Volume& image_now = session.Image();
     std::wstring text = Wide_Of_Utf8(File_Name_Text(path)) + L": " + std::to_wstring(image_now.nx) + L" \u00D7 " +
@@ -142,7 +146,7 @@ void Application::Show_Volume(Volume&& volume, const std::filesystem::path& path
     if (image_now.nt > 1) {
         text += L", the first of " + std::to_wstring(image_now.nt) + L" time points";
     }
-    Status(text);
+    Status(text + L"   " + Histogram_Text());
     report.Line("volume " + std::to_string(image_now.nx) + " " + std::to_string(image_now.ny) + " " +
                 std::to_string(image_now.nz));
 }
@@ -150,7 +154,7 @@ void Application::Show_Volume(Volume&& volume, const std::filesystem::path& path
 void Application::Adopt_Names() {
     session.Adopt_Labels(Text_Table::TAG_LABELS, variables.Tag_Labels());
     session.Adopt_Labels(Text_Table::MARKER_LABELS, variables.Marker_Labels());
-    session.Adopt_Thresholds(variables.Threshold_Min());
+    session.Adopt_Thresholds(variables.Threshold_Min(), variables.Threshold_Max());
 }
 
 void Application::Load_Labels(const std::filesystem::path& path) {
@@ -233,7 +237,8 @@ void Application::Execute_File(Command command) {
             return;
         case Command::EXPORT_HISTOGRAM: {
             std::string path(FILE_NAME_SIZE, '\0');
-            const char* filter = Fct_Create_szFilter(2, "CSV files", "$FILE_EXTENSION_EXCEL", "All files", "$FILE_EXTENSION_ALL");
+            const char* filter =
+                Fct_Create_szFilter(2, "CSV files", "$FILE_EXTENSION_EXCEL", "All files", "$FILE_EXTENSION_ALL");
             if (Fct_Save_FileName("Export histogram", filter, "histogram", "csv", path.data(), 0) != 0 &&
                 histogram_panel.Write(path.c_str()) != 0) {
                 Status(L"Histogram exported");

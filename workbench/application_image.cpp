@@ -47,7 +47,7 @@ Image_Content Application::Content() const {
     const auto tag = static_cast<std::size_t>(variables.Tag_Cur());
     const float low = variables.Threshold_Min()[tag];
     const float high = variables.Threshold_Max()[tag];
-    if (is_threshold_mode && (low > TAG_THRESHOLD_MIN_UNSET || high < TAG_THRESHOLD_MAX_UNSET)) {
+    if ((is_threshold_mode || is_range_shown) && (low > TAG_THRESHOLD_MIN_UNSET || high < TAG_THRESHOLD_MAX_UNSET)) {
         content.range = Range_Overlay{low, high, variables.Tag_Color(variables.Tag_Cur())};
     }
     content.order = session.Order();
@@ -76,7 +76,7 @@ void Application::Slice_Show(int wanted, bool tell_panels) {
     slice = std::clamp(wanted, 0, session.Slice_Nb() - 1);
     objects.Show(slice);
     unsigned __int64 flags = UPDATE_FRAME_CUR;
-    if (!is_histogram_of_all) {
+    if (is_histogram_of_shown) {
         Histogram_Select();
         flags |= UPDATE_SELECTION | UPDATE_LEVEL_2D | UPDATE_HISTO_PAINT;
     }
@@ -102,14 +102,6 @@ void Application::Window_Drag(float dx, float dy) {
     image.Refresh();
 }
 
-void Application::Histogram_Select() {
-    if (is_histogram_of_all) {
-        objects.Select_All();
-    } else {
-        objects.Select_Only(slice);
-    }
-}
-
 Paint_Ink Application::Ink(bool erase) {
     Paint_Ink ink;
     ink.tag = erase ? std::uint8_t{0} : static_cast<std::uint8_t>(variables.Tag_Cur());
@@ -133,6 +125,7 @@ Pixel_Rect Application::Stroke_Move(int x, int y) {
 void Application::Stroke_End() {
     if (session.Stroke_End()) {
         Title_Refresh();
+        Histogram_Tag_Refresh();
         report.Line("stroke");
     }
 }
@@ -193,11 +186,12 @@ void Application::Hover_End() {
 void Application::Voxel_Text(int x, int y) {
     const Volume& volume = session.Image();
     const File_Voxel voxel = session.To_File(x, y, slice);
-    std::wstring text = L"(" + std::to_wstring(voxel.x) + L", " + std::to_wstring(voxel.y) + L", " +
-                        std::to_wstring(voxel.z) + L")   ";
+    std::wstring text =
+        L"(" + std::to_wstring(voxel.x) + L", " + std::to_wstring(voxel.y) + L", " + std::to_wstring(voxel.z) + L")   ";
     for (std::size_t axis = 0; axis < 3; ++axis) {
         const auto& row = volume.affine[axis];
-        text += Number_Text(row[0] * voxel.x + row[1] * voxel.y + row[2] * voxel.z + row[3], 1) + (axis < 2 ? L", " : L" mm");
+        text += Number_Text(row[0] * voxel.x + row[1] * voxel.y + row[2] * voxel.z + row[3], 1) +
+                (axis < 2 ? L", " : L" mm");
     }
     text += L"   grey " + Number_Text(session.Grey(x, y, slice), volume.slope == 1.0 ? 0 : 2);
     const int tag = session.Labels().At(x, y, slice);

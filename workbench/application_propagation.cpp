@@ -21,8 +21,8 @@ int Application::Propagate(int from, int to) {
     }
     const double score = Overlap(session.Labels().Slice(from), session.Labels().Slice(to), tags.carried);
     wchar_t text[160] = {};
-    std::swprintf(text, 160, L"Propagated by %ls from frame %d to %d: %llu pixels, overlap %.2f", name, from + 1, to + 1,
-                  static_cast<unsigned long long>(carried), score);
+    std::swprintf(text, 160, L"Propagated by %ls from frame %d to %d: %llu pixels, overlap %.2f", name, from + 1,
+                  to + 1, static_cast<unsigned long long>(carried), score);
     Status(text);
     image.Refresh();
     Title_Refresh();
@@ -42,8 +42,9 @@ void Application::Propagate_Repeat(int direction) {
         Status(L"There is no frame to propagate to");
         return;
     }
-    const auto answer = Prompt(window.Handle(), L"Repeat propagation",
-                               L"Number of frames (at most " + std::to_wstring(room) + L"):", std::to_wstring(std::min(room, 5)));
+    const auto answer =
+        Prompt(window.Handle(), L"Repeat propagation", L"Number of frames (at most " + std::to_wstring(room) + L"):",
+               std::to_wstring(std::min(room, 5)));
     const long wanted = answer ? std::wcstol(answer->c_str(), nullptr, 10) : 0;
     if (wanted <= 0) {
         return;
@@ -54,7 +55,8 @@ void Application::Propagate_Repeat(int direction) {
         Progress_Window progress(look, window.Handle(), L"Propagating");
         // Every frame is written whole, so giving up between two frames leaves nothing half done.
         while (done < count &&
-               progress.Step(static_cast<double>(done) / count, L"Frame " + std::to_wstring(done + 1) + L" of " + std::to_wstring(count)) &&
+               progress.Step(static_cast<double>(done) / count,
+                             L"Frame " + std::to_wstring(done + 1) + L" of " + std::to_wstring(count)) &&
                propagate_host->Buffered([&] { return propagate_panel.Propagate(direction); }) != 0) {
             ++done;
             ::UpdateWindow(image.Handle());

@@ -1,6 +1,5 @@
 // TAGs, brushes, markers and the history.
 #include <algorithm>
-#include <array>
 #include <cwctype>
 #include <utility>
 
@@ -16,20 +15,6 @@ std::wstring Lower(std::wstring text) {
     return text;
 }
 
-struct Range {
-    int tag = 0;
-    double min = 0.0;
-    double max = 0.0;
-};
-using Ranges = std::array<Range, HISTO_RANGE_MAX>;
-
-/** Hands all ranges to the panel, whose argument list has no array form; it reads the first `count` groups only. */
-template <std::size_t... Index>
-void Ranges_Set(Tool_Histo& panel, int count, const Ranges& range, std::index_sequence<Index...>) {
-    const auto call = [&](auto... values) { panel.Set(count, values...); };
-    std::apply(call, std::tuple_cat(std::make_tuple(range[Index].tag, range[Index].min, range[Index].max)...));
-}
-
 }  // namespace
 
 void Application::Tag_Set(int tag, bool scroll_to_it) {
@@ -38,6 +23,7 @@ void Application::Tag_Set(int tag, bool scroll_to_it) {
     }
     variables.Tag_Cur_Set(tag);
     Announce(UPDATE_TAG_CUR);
+    Histogram_Tag_Refresh();
     if (scroll_to_it) {
         Tag_Scroll_To(tag);
     }
@@ -122,7 +108,8 @@ void Application::Threshold_Mode_Set(bool on) {
 
 void Application::Check_Mark_Set(unsigned short option) {
     check_option = option;
-    tag_panel.Flag(static_cast<unsigned short>(option | TAG_GREY_SELECTION | (is_threshold_mode ? TAG_THRESHOLD_MODE : 0)));
+    tag_panel.Flag(
+        static_cast<unsigned short>(option | TAG_GREY_SELECTION | (is_threshold_mode ? TAG_THRESHOLD_MODE : 0)));
     tag_host->Lay_Out();  // the marks of the former option go with the layout
     Tag_Scroll_To(variables.Tag_Cur());
 }
@@ -130,10 +117,11 @@ void Application::Check_Mark_Set(unsigned short option) {
 void Application::Threshold_Max_Ask() {
     const auto tag = static_cast<std::size_t>(variables.Tag_Cur());
     const float now = variables.Threshold_Max()[tag];
-    const auto answer = Prompt(window.Handle(), L"Upper threshold",
-                               L"Largest grey value of " + Wide_Of_Panel(variables.Tag_Name(variables.Tag_Cur()).c_str()) +
-                                   L" (empty: no limit):",
-                               now < TAG_THRESHOLD_MAX_UNSET ? std::to_wstring(std::lround(now)) : L"");
+    const auto answer =
+        Prompt(window.Handle(), L"Upper threshold",
+               L"Largest grey value of " + Wide_Of_Panel(variables.Tag_Name(variables.Tag_Cur()).c_str()) +
+                   L" (empty: no limit):",
+               now < TAG_THRESHOLD_MAX_UNSET ? std::to_wstring(std::lround(now)) : L"");
     if (!answer) {
         return;
     }
@@ -144,22 +132,7 @@ void Application::Threshold_Max_Ask() {
         return;
     }
     variables.Threshold_Max()[tag] = answer->empty() ? TAG_THRESHOLD_MAX_UNSET : value;
-    Histogram_Ranges_Refresh();
-    Announce(UPDATE_TAG_LABEL | UPDATE_HISTO_PAINT);
-}
-
-void Application::Histogram_Ranges_Refresh() {
-    Ranges ranges = {};
-    int count = 0;
-    for (int tag = 0; tag < variables.Tag_Nb() && count < HISTO_RANGE_MAX; ++tag) {
-        const float low = variables.Threshold_Min()[static_cast<std::size_t>(tag)];
-        const float high = variables.Threshold_Max()[static_cast<std::size_t>(tag)];
-        if (low > TAG_THRESHOLD_MIN_UNSET || high < TAG_THRESHOLD_MAX_UNSET) {
-            ranges[static_cast<std::size_t>(count++)] = {tag, std::max<double>(low, statistics.min),
-                                                         std::min<double>(high, statistics.max)};
-        }
-    }
-    Ranges_Set(histogram_panel, count, ranges, std::make_index_sequence<HISTO_RANGE_MAX>());
+    On_Panel_Request(UPDATE_TAG_LABEL);
 }
 
 void Application::Brush_Set(int brush) {
@@ -219,8 +192,12 @@ void Application::Undo_Or_Redo(bool redo) {
             variables.Marker_Label_Set(text->index, label);
         }
         flags = UPDATE_TAG_LABEL;
-    } else if (const auto* threshold = std::get_if<Threshold_Change>(&done.change)) {
-        variables.Threshold_Min()[static_cast<std::size_t>(threshold->tag)] = redo ? threshold->after : threshold->before;
+    } else if (const auto* thresholds = std::get_if<Threshold_Change>(&done.change)) {
+        for (const Threshold_Change::Entry& entry : thresholds->entries) {
+            const Tag_Band& band = redo ? entry.after : entry.before;
+            variables.Threshold_Min()[static_cast<std::size_t>(entry.tag)] = band.low;
+            variables.Threshold_Max()[static_cast<std::size_t>(entry.tag)] = band.high;
+        }
         Histogram_Ranges_Refresh();
         flags = UPDATE_TAG_LABEL | UPDATE_HISTO_PAINT;
     } else if (const auto* marker = std::get_if<Marker_Change>(&done.change)) {

@@ -76,9 +76,22 @@ constexpr Entry view_entries[] = {
     {Command::WINDOW_RESET, L"&Reset window and level", L"R", 'r'},
     {Command::OVERLAY, L"Show TAG &colours", L"O", 'o'},
     separator,
-    {Command::HISTOGRAM_ALL, L"&Histogram of all frames", L"H", 'h'},
+    {Command::RANGE_OVERLAY, L"Threshold o&verlay", L"V", 'v'},
+    separator,
     {Command::TRACE_VIEW, L"&Trace view", L"F9", Function_Key(9)},
     {Command::THEME, L"&Light theme", L"F8", Function_Key(8)},
+};
+constexpr Entry analyze_entries[] = {
+    {Command::HISTOGRAM_ALL, L"Histogram of &all frames", nullptr, 0},
+    {Command::HISTOGRAM_SHOWN, L"Histogram of the &shown frame", L"H", 'h'},
+    {Command::HISTOGRAM_RANGE, L"Histogram of a &range of frames...", nullptr, 0},
+    {Command::HISTOGRAM_OF_TAG, L"Only pixels of the current &TAG", L"B", 'b'},
+    {Command::HISTOGRAM_BINS, L"Most &bins...", nullptr, 0},
+    separator,
+    {Command::ANALYSIS_WINDOW, L"&Peak analysis...", L"F4", Function_Key(4)},
+    {Command::FIT_GAUSSIAN, L"Fit &Gaussians", nullptr, 0},
+    {Command::FIT_DERIVATIVE, L"&Derivative method...", nullptr, 0},
+    {Command::PEAKS_TO_BANDS, L"Peaks to TAG ba&nds", nullptr, 0},
 };
 constexpr Entry propagate_entries[] = {
     {Command::PROPAGATE_NEXT, L"To the &next frame", L"U", 'u'},
@@ -105,6 +118,7 @@ constexpr Menu menus[] = {
     {L"&TAG", tag_entries, std::size(tag_entries)},
     {L"&View", view_entries, std::size(view_entries)},
     {L"&Propagate", propagate_entries, std::size(propagate_entries)},
+    {L"&Analyze", analyze_entries, std::size(analyze_entries)},
     {L"&Help", help_entries, std::size(help_entries)},
 };
 
@@ -114,15 +128,16 @@ struct Further_Key {
     Command command;
 };
 constexpr Further_Key further_keys[] = {
-    {'+', Command::BRUSH_LARGER},         {'-', Command::BRUSH_SMALLER},         {KEY_UP, Command::SLICE_NEXT},
-    {KEY_DOWN, Command::SLICE_PREVIOUS},  {KEY_RIGHT, Command::SLICE_NEXT},      {KEY_LEFT, Command::SLICE_PREVIOUS},
-    {KEY_ESCAPE, Command::CLOSE_BANNER},  {Function_Key(12), Command::REPORT_STATE},
+    {'+', Command::BRUSH_LARGER},        {'-', Command::BRUSH_SMALLER},
+    {KEY_UP, Command::SLICE_NEXT},       {KEY_DOWN, Command::SLICE_PREVIOUS},
+    {KEY_RIGHT, Command::SLICE_NEXT},    {KEY_LEFT, Command::SLICE_PREVIOUS},
+    {KEY_ESCAPE, Command::CLOSE_BANNER}, {Function_Key(12), Command::REPORT_STATE},
 };
 
 }  // namespace
 
 Command Command_Of_Key(int key) {
-    const int plain = key < 0x80 && std::isalpha(key) != 0 ? std::tolower(key) : key;
+    const int plain = key > 0 && key < 0x80 && std::isalpha(key) != 0 ? std::tolower(key) : key;
     if (plain >= '0' && plain <= '9') {
         return static_cast<Command>(static_cast<int>(Command::TAG_DIGIT_0) + plain - '0');
     }

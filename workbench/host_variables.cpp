@@ -18,10 +18,10 @@ struct Dimension {
     int pixels;  // at 96 dots per inch
 };
 constexpr Dimension dimensions[] = {
-    {"$INTERFACE_SPACE_DIM", 4},       {"$INTERFACE_BORDER_DIM", 2},       {"$INTERFACE_CURSOR_DIM", 14},
-    {"$INTERFACE_BUTTON_DIM_SML", 24}, {"$INTERFACE_BUTTON_DIM_BIG", 30},  {"$INTERFACE_LIST_DIM_SML", 26},
-    {"$INTERFACE_LIST_DIM_ARROW", 20}, {"$INTERFACE_TITLE_DIM_SML", 22},   {"$INTERFACE_VAL_DIM_SML", 22},
-    {"$INTERFACE_VAL_DIM_MID", 26},    {"$INTERFACE_NUM_BIG", 30},         {"$INTERFACE_TOOL_FONT_SCALE", 13},
+    {"$INTERFACE_SPACE_DIM", 4},         {"$INTERFACE_BORDER_DIM", 2},      {"$INTERFACE_CURSOR_DIM", 14},
+    {"$INTERFACE_BUTTON_DIM_SML", 24},   {"$INTERFACE_BUTTON_DIM_BIG", 30}, {"$INTERFACE_LIST_DIM_SML", 26},
+    {"$INTERFACE_LIST_DIM_ARROW", 20},   {"$INTERFACE_TITLE_DIM_SML", 22},  {"$INTERFACE_VAL_DIM_SML", 22},
+    {"$INTERFACE_VAL_DIM_MID", 26},      {"$INTERFACE_NUM_BIG", 30},        {"$INTERFACE_TOOL_FONT_SCALE", 13},
     {"$INTERFACE_TITLE_FONT_SCALE", 15},
 };
 
@@ -41,8 +41,8 @@ int Number(const char* name) {
 }
 
 std::string Name_Of(std::span<const char* const> labels, int index) {
-    const bool has_label =
-        index >= 0 && static_cast<std::size_t>(index) < labels.size() && labels[static_cast<std::size_t>(index)] != nullptr;
+    const bool has_label = index >= 0 && static_cast<std::size_t>(index) < labels.size() &&
+                           labels[static_cast<std::size_t>(index)] != nullptr;
     return has_label ? labels[static_cast<std::size_t>(index)] : std::to_string(index);
 }
 
@@ -206,7 +206,9 @@ std::uint32_t Host_Variables::Tag_Color(int tag) const {
         return 0xAAAAAA;
     }
     const auto byte = [&](const char* name) {
-        return static_cast<std::uint32_t>(Array_Of<std::uint16_t>(name, VARIABLE_UNSIGNED_16)[static_cast<std::size_t>(tag)]) >> 8U;
+        return static_cast<std::uint32_t>(
+                   Array_Of<std::uint16_t>(name, VARIABLE_UNSIGNED_16)[static_cast<std::size_t>(tag)]) >>
+               8U;
     };
     return (byte("$TAG_RED") << 16U) | (byte("$TAG_GRN") << 8U) | byte("$TAG_BLU");
 }

@@ -102,8 +102,8 @@ RECT Image_View::Screen_Of(const Pixel_Rect& pixels, int margin) const {
 }
 
 RECT Image_View::Outline_Box() const {
-    return Screen_Of({over_x + brush_box.left, over_y + brush_box.top, over_x + brush_box.right, over_y + brush_box.bottom},
-                     2);
+    return Screen_Of(
+        {over_x + brush_box.left, over_y + brush_box.top, over_x + brush_box.right, over_y + brush_box.bottom}, 2);
 }
 
 void Image_View::Point_Pixel(POINT point, int* x, int* y) const {

@@ -1,4 +1,5 @@
-/** The image: a slice with TAG colours over it, markers, the brush under the pointer, and a slider through the slices. */
+/** The image: a slice with TAG colours over it, markers, the brush under the pointer, and a slider through the slices.
+ */
 #pragma once
 
 #include <optional>

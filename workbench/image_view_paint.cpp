@@ -11,8 +11,8 @@ constexpr COLORREF outline_color = RGB(255, 255, 255);
 
 /** 0x00RRGGBB of a colour of the window system. */
 std::uint32_t Pixel_Of(COLORREF color) {
-    return (static_cast<std::uint32_t>(GetRValue(color)) << 16U) | (static_cast<std::uint32_t>(GetGValue(color)) << 8U) |
-           GetBValue(color);
+    return (static_cast<std::uint32_t>(GetRValue(color)) << 16U) |
+           (static_cast<std::uint32_t>(GetGValue(color)) << 8U) | GetBValue(color);
 }
 
 void Draw_Shadowed(HDC dc, RECT area, const std::wstring& text, HFONT font, UINT format) {
@@ -61,8 +61,8 @@ void Image_View::Paint() {
 }
 
 void Image_View::Draw_Slice(HDC dc, const RECT& dirty) {
-    const Pixel_Rect part = Rect_Common({dirty.left, dirty.top, dirty.right, dirty.bottom},
-                                        {0, 0, state.view_width, state.view_height});
+    const Pixel_Rect part =
+        Rect_Common({dirty.left, dirty.top, dirty.right, dirty.bottom}, {0, 0, state.view_width, state.view_height});
     if (part.Is_Empty()) {
         return;
     }
@@ -138,10 +138,14 @@ void Image_View::Draw_Texts(HDC dc) const {
     const int middle_y = (top + bottom) / 2;
     const int half = look.Px(12);
     const HFONT font = look.Bold();
-    Draw_Shadowed(dc, {left + margin / 2, middle_y - half, left + 2 * half, middle_y + half}, Side(content.order.left), font, DT_LEFT);
-    Draw_Shadowed(dc, {right - 2 * half, middle_y - half, right - margin / 2, middle_y + half}, Side(content.order.right), font, DT_RIGHT);
-    Draw_Shadowed(dc, {middle_x - half, top + margin / 2, middle_x + half, top + 2 * half}, Side(content.order.top), font, DT_CENTER);
-    Draw_Shadowed(dc, {middle_x - half, bottom - 2 * half, middle_x + half, bottom - margin / 2}, Side(content.order.bottom), font, DT_CENTER);
+    Draw_Shadowed(dc, {left + margin / 2, middle_y - half, left + 2 * half, middle_y + half}, Side(content.order.left),
+                  font, DT_LEFT);
+    Draw_Shadowed(dc, {right - 2 * half, middle_y - half, right - margin / 2, middle_y + half},
+                  Side(content.order.right), font, DT_RIGHT);
+    Draw_Shadowed(dc, {middle_x - half, top + margin / 2, middle_x + half, top + 2 * half}, Side(content.order.top),
+                  font, DT_CENTER);
+    Draw_Shadowed(dc, {middle_x - half, bottom - 2 * half, middle_x + half, bottom - margin / 2},
+                  Side(content.order.bottom), font, DT_CENTER);
 }
 
 void Image_View::Draw_Slider(HDC dc) const {

@@ -80,14 +80,16 @@ int Window_Dpi(HWND window) {
     // Only Windows 10 and later export it.
     using Dpi_Of_Window = UINT(WINAPI*)(HWND);
     const HMODULE library = ::GetModuleHandleW(L"user32.dll");
-    void* const address = library == nullptr ? nullptr : reinterpret_cast<void*>(::GetProcAddress(library, "GetDpiForWindow"));
+    void* const address =
+        library == nullptr ? nullptr : reinterpret_cast<void*>(::GetProcAddress(library, "GetDpiForWindow"));
     const UINT dpi = address == nullptr ? 0 : reinterpret_cast<Dpi_Of_Window>(address)(window);
     return dpi == 0 ? dpi_normal : static_cast<int>(dpi);
 }
 
 Buffered_Paint::Buffered_Paint(HWND of_window) : paint(of_window), memory(paint.Get()) {
     ::GetClientRect(of_window, &client);
-    bitmap = Gdi_Bitmap(::CreateCompatibleBitmap(paint.Get(), std::max<LONG>(client.right, 1), std::max<LONG>(client.bottom, 1)));
+    bitmap = Gdi_Bitmap(
+        ::CreateCompatibleBitmap(paint.Get(), std::max<LONG>(client.right, 1), std::max<LONG>(client.bottom, 1)));
     if (!memory || !bitmap) {
         memory = Memory_DC();
         return;

@@ -10,15 +10,15 @@
 
 class Look {
   public:
-    COLORREF ground = 0;         ///< tool area and status line
-    COLORREF heading = 0;        ///< headings of the tool area
+    COLORREF ground = 0;   ///< tool area and status line
+    COLORREF heading = 0;  ///< headings of the tool area
     COLORREF heading_hover = 0;
-    COLORREF image_ground = 0;   ///< around the slice
+    COLORREF image_ground = 0;  ///< around the slice
     COLORREF text = 0;
     COLORREF text_grey = 0;
     COLORREF line = 0;
     COLORREF accent = 0;
-    COLORREF warning = 0;        ///< banner
+    COLORREF warning = 0;  ///< banner
     COLORREF warning_text = 0;
     unsigned short panel[3] = {};  ///< face of the panels: red, green, blue
 

@@ -38,6 +38,7 @@ void Panel_Host::Lay_Out() {
     box.border = 1;
     box.window = Handle();
     Buffered([&] {
+        Clear();
         panel.Resize(&box);
         is_laid_out = true;
         // What Resize does not read: marks, greying, frames, masks.
@@ -46,6 +47,20 @@ void Panel_Host::Lay_Out() {
         panel.Draw();
     });
     Invalidate();
+}
+
+void Panel_Host::Clear() {
+    // Panels do not paint between their parts.
+    const RECT client = Client();
+    Boxs ground;
+    ground.width = static_cast<short>(std::min<LONG>(client.right, box_size_max));
+    ground.height = static_cast<short>(std::min<LONG>(client.bottom, box_size_max));
+    ground.Init(Handle());
+    Colors color;
+    color.red = GetRValue(look.ground);
+    color.green = GetGValue(look.ground);
+    color.blue = GetBValue(look.ground);
+    ground.Clear(color);
 }
 
 void Panel_Host::Update(unsigned __int64 flags) {
@@ -85,7 +100,10 @@ void Panel_Host::Click(LPARAM position, int up_down) {
 
 void Panel_Host::Paint() {
     if (is_laid_out) {
-        Buffered([&] { panel.Draw(); });
+        Buffered([&] {
+            Clear();
+            panel.Draw();
+        });
     }
     ::ValidateRect(Handle(), nullptr);
 }

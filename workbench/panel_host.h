@@ -87,6 +87,7 @@ class Panel_Host : public Window_Base {
         HWND window;
     };
     void Click(LPARAM position, int up_down);
+    void Clear();
     void Paint();
 
     Panel_Base& panel;

@@ -8,6 +8,7 @@ namespace {
 
 constexpr int width = 420;  // pixels at 96 dots per inch
 constexpr int height = 130;
+constexpr DWORD patience = 300;  // milliseconds without a window: short actions show none
 
 }  // namespace
 
@@ -23,18 +24,28 @@ Progress_Window::Progress_Window(const Look& shared_look, HWND owner_window, con
     ::AdjustWindowRect(&size, style, FALSE);
     const int x = (frame.left + frame.right - (size.right - size.left)) / 2;
     const int y = (frame.top + frame.bottom - (size.bottom - size.top)) / 2;
-    ::EnableWindow(owner, FALSE);
-    ::SetWindowPos(Handle(), nullptr, x, y, size.right - size.left, size.bottom - size.top, SWP_NOZORDER | SWP_SHOWWINDOW);
+    start = ::GetTickCount();
+    ::SetWindowPos(Handle(), nullptr, x, y, size.right - size.left, size.bottom - size.top, SWP_NOZORDER);
 }
 
 Progress_Window::~Progress_Window() {
-    ::EnableWindow(owner, TRUE);  // before this window goes, or another program's window would come to the front
-    ::SetActiveWindow(owner);
+    if (Handle() != nullptr && Is_Shown()) {
+        ::EnableWindow(owner, TRUE);  // before this window goes, or another program's window would come to the front
+        ::SetForegroundWindow(owner);
+        ::SetFocus(owner);
+    }
 }
 
 bool Progress_Window::Step(double done, const std::wstring& text) {
     share = std::clamp(done, 0.0, 1.0);
     detail = text;
+    if (!Is_Shown()) {
+        if (::GetTickCount() - start < patience) {
+            return true;  // nobody is answered yet, so nothing can happen beside the action
+        }
+        ::EnableWindow(owner, FALSE);
+        ::ShowWindow(Handle(), SW_SHOW);
+    }
     Invalidate();
     MSG message = {};
     while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
@@ -71,7 +82,8 @@ void Progress_Window::Paint() {
     bar.right = bar.left + static_cast<LONG>((bar.right - bar.left) * share);
     Fill(dc, bar, look.accent);
     const RECT button = Button_Box();
-    Draw_Line(dc, {left, button.top, button.left - look.Px(8), button.bottom}, detail, look.Font(), look.text_grey, DT_LEFT);
+    Draw_Line(dc, {left, button.top, button.left - look.Px(8), button.bottom}, detail, look.Font(), look.text_grey,
+              DT_LEFT);
     Fill(dc, button, look.heading_hover);
     Draw_Line(dc, button, L"Cancel", look.Font(), look.text, DT_CENTER);
 }

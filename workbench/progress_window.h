@@ -6,7 +6,8 @@
 #include "workbench/look.h"
 #include "workbench/window_base.h"
 
-/** While it lives its owner takes no input. */
+/** Appears only when the action takes a while; from then on its owner takes no input. Until then the program answers
+ *  nothing. */
 class Progress_Window : public Window_Base {
   public:
     Progress_Window(const Look& shared_look, HWND owner, const std::wstring& what);
@@ -27,5 +28,6 @@ class Progress_Window : public Window_Base {
     std::wstring what;
     std::wstring detail;
     double share = 0.0;
+    DWORD start = 0;
     bool is_cancelled = false;
 };

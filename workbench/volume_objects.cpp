@@ -1,5 +1,7 @@
 #include "workbench/volume_objects.h"
 
+#include <algorithm>
+
 #include "volumes/message_text.h"
 
 namespace {
@@ -36,8 +38,6 @@ void Volume_Objects::Build(const Session& session) {
     const Volume& image = session.Image();
     const auto slope = static_cast<float>(image.slope);
     const auto intercept = static_cast<float>(image.intercept);
-    const Histo_Grid grid =
-        Histo_Grid_Of_Levels(image.level_min, image.level_max, slope, intercept, grid_bins_max);
     title = File_Name_Text(session.Path());
     descriptor = image.color ? "Colour image" : "Grey image, " + image.scalar_type;
     root = std::make_unique<Quorel_2D>();
@@ -51,7 +51,6 @@ void Volume_Objects::Build(const Session& session) {
         auto pixels = std::make_unique<Level_Frame>(session.Levels(slice).data(), image.nx, image.ny, 1, 1, slope,
                                                     intercept, image.color);
         pixels->modality = image.color ? modality_other : modality_magnetic_resonance;
-        Frame_Histogram_Build(pixels.get(), grid, nullptr);
         auto frame = std::make_unique<Quorel_2D>();
         frame->Title_Set("Frame");
         frame->Name_Set(std::to_string(slice + 1).c_str());
@@ -62,13 +61,14 @@ void Volume_Objects::Build(const Session& session) {
         data.push_back(std::move(pixels));
         frames.push_back(std::move(frame));
     }
+    Histograms_Build(session, -1);
     Variable_Define_Pointer("$WINDOW_CUR", &window);
     Variable_Define_Pointer("$DB_2D_ROOT_PT", root.get());
 }
 
 Quorel_2D* Volume_Objects::Frame(int slice) const {
     return slice >= 0 && static_cast<std::size_t>(slice) < frames.size() ? frames[static_cast<std::size_t>(slice)].get()
-                                                                        : nullptr;
+                                                                         : nullptr;
 }
 
 int Volume_Objects::Slice_Of(const Quorel_2D* frame) const {
@@ -79,17 +79,28 @@ void Volume_Objects::Show(int slice) {
     Window_Frame_Set(&window, Frame(slice));
 }
 
-void Volume_Objects::Select_Only(int slice) {
-    for (const auto& frame : frames) {
-        frame->Flag_Set_Off(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
-    }
-    if (Quorel_2D* frame = Frame(slice)) {
-        frame->Flag_Set_On(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
+void Volume_Objects::Select(int first, int last) {
+    for (int slice = 0; static_cast<std::size_t>(slice) < frames.size(); ++slice) {
+        Quorel_2D* frame = Frame(slice);
+        if (slice >= first && slice <= last) {
+            frame->Flag_Set_On(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
+        } else {
+            frame->Flag_Set_Off(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
+        }
     }
 }
 
-void Volume_Objects::Select_All() {
-    for (const auto& frame : frames) {
-        frame->Flag_Set_On(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
+void Volume_Objects::Histograms_Build(const Session& session, int tag) {
+    const Volume& image = session.Image();
+    const Histo_Grid grid = Histo_Grid_Of_Levels(image.level_min, image.level_max, static_cast<float>(image.slope),
+                                                 static_cast<float>(image.intercept), grid_bins_max);
+    std::vector<unsigned char> mask;
+    for (std::size_t slice = 0; slice < data.size(); ++slice) {
+        if (tag >= 0) {
+            const std::span<const std::uint8_t> tags = session.Labels().Slice(static_cast<int>(slice));
+            mask.resize(tags.size());
+            std::ranges::transform(tags, mask.begin(), [tag](std::uint8_t at) { return at == tag ? 1 : 0; });
+        }
+        Frame_Histogram_Build(data[slice].get(), grid, tag >= 0 ? mask.data() : nullptr);
     }
 }

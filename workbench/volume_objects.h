@@ -15,8 +15,8 @@ class Volume_Objects {
     Volume_Objects(const Volume_Objects&) = delete;
     Volume_Objects& operator=(const Volume_Objects&) = delete;
 
-    /** Makes the objects of a session's volume, histograms included, and names them in the host variables. The session's
-     *  levels must outlive them. */
+    /** Makes the objects of a session's volume, histograms included, and names them in the host variables. The
+     * session's levels must outlive them. */
     void Build(const Session& session);
     /** Takes the objects away; nothing is shown. */
     void Clear();
@@ -28,9 +28,10 @@ class Volume_Objects {
     int Slice_Of(const Quorel_2D* frame) const;
     /** Makes a slice the one that the window shows; tells nobody. */
     void Show(int slice);
-    /** Selects one slice's frame, or every frame: what the histogram is made of. */
-    void Select_Only(int slice);
-    void Select_All();
+    /** Selects the frames of slices first .. last and no other: what the histogram is made of. */
+    void Select(int first, int last);
+    /** Builds the frames' histograms anew. @param tag only pixels of this TAG count; -1: all */
+    void Histograms_Build(const Session& session, int tag);
 
   private:
     Quorel_Window window;

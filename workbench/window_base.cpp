@@ -37,8 +37,8 @@ Window_Base::~Window_Base() {
 
 bool Window_Base::Create(HWND parent, DWORD style, const wchar_t* title, HMENU menu) {
     Register_Class();
-    own_handle = ::CreateWindowExW(0, class_name, title, style, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT,
-                               parent, menu, ::GetModuleHandleW(nullptr), nullptr);
+    own_handle = ::CreateWindowExW(0, class_name, title, style, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT,
+                                   CW_USEDEFAULT, parent, menu, ::GetModuleHandleW(nullptr), nullptr);
     if (own_handle == nullptr) {
         return false;
     }

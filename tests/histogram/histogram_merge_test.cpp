@@ -238,6 +238,33 @@ TEST(Histogram_Merger, Is_Identical_To_The_Plain_Rule_On_Random_Grids) {
     }
 }
 
+TEST(Histogram_Merger, Spreads_Wide_Bins_Like_The_Plain_Rule_Whatever_Their_Number) {
+    std::mt19937 random(9);
+    for (const int nb_bins : {1, 2, 3, 4, 5, 7, 8, 9, 1000, 65535}) {
+        for (const float record_width : {1.0F, 0.5F, 0.25F, 0.3F, 3.0F}) {
+            std::vector<std::uint32_t> values(static_cast<std::size_t>(nb_bins));
+            for (auto& value : values) {
+                value = static_cast<std::uint32_t>(random());
+            }
+            const float width = record_width * (1.0F + static_cast<float>(random() % 100 + 1) * 0.013F);
+            const Record frame(static_cast<float>(random() % 50) * -0.7F, width, std::move(values), true);
+            Histogram_Grid grid;
+            grid.origin = -20.0F;
+            grid.bin_width = record_width;
+            grid.nb_bins = 50000;
+            const Record_Ptr fast = Empty_On(grid);
+            const Record_Ptr plain = Empty_On(grid);
+            fast->Color_Add();
+            plain->Color_Add();
+            Histogram_Merger(fast->record).Add(frame.record);
+            Merge_Plainly(plain->record, frame.record);
+            for (std::size_t a = 0; a < 5; ++a) {
+                ASSERT_EQ(fast->arrays[a], plain->arrays[a]) << nb_bins << " bins on a width of " << record_width;
+            }
+        }
+    }
+}
+
 TEST(Histogram_Merger, Survives_Frames_With_Impossible_Numbers) {
     const float bad[] = {
         std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(), -1.0F, 0.0F, 1e38F, -1e38F};

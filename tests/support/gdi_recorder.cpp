@@ -51,6 +51,9 @@ void Context_Gone(HDC dc, const char* call) {
 HBRUSH WINAPI Create_Brush(COLORREF color) {
     return Created(::CreateSolidBrush(color), "CreateSolidBrush");
 }
+HBRUSH WINAPI Create_Pattern_Brush(const void* packed_dib, UINT usage) {
+    return Created(::CreateDIBPatternBrushPt(packed_dib, usage), "CreateDIBPatternBrushPt");
+}
 HPEN WINAPI Create_Pen(int style, int width, COLORREF color) {
     return Created(::CreatePen(style, width, color), "CreatePen");
 }
@@ -137,6 +140,7 @@ Gdi_Recorder::Gdi_Recorder(const char* module) {
         void* replacement;
     } replacements[] = {
         {"gdi32.dll", "CreateSolidBrush", reinterpret_cast<void*>(&Create_Brush)},
+        {"gdi32.dll", "CreateDIBPatternBrushPt", reinterpret_cast<void*>(&Create_Pattern_Brush)},
         {"gdi32.dll", "CreatePen", reinterpret_cast<void*>(&Create_Pen)},
         {"gdi32.dll", "CreateFontIndirectA", reinterpret_cast<void*>(&Create_Font)},
         {"gdi32.dll", "CreateFontA", reinterpret_cast<void*>(&Create_Font_Of)},

@@ -228,7 +228,7 @@ void Analysis_Window::Lay_Out() {
     gauss_button.Init(window);
     place(derivative_button, 150, "Derivative method", STYLE_BUTTON);
     derivative_button.Init(window);
-    place(peaks_list, 210, " Peaks wanted: ", STYLE_FLAT);
+    place(peaks_list, 240, " Peaks wanted: ", STYLE_FLAT);
     peaks_list.arrow = static_cast<short>(look.Px(18));
     peaks_list.Init(window);
     place(bands_button, 150, "Peaks to TAG bands", STYLE_BUTTON);

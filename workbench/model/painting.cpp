@@ -66,11 +66,15 @@ std::vector<Outline_Edge> Brush_Outline(const Brush_Footprint& brush) {
     std::vector<Outline_Edge> edges;
     for (const auto& [line, places] : upright) {
         const auto [x, is_first] = line;
-        join(places, [&, x = x, is_first = is_first](int from, int to) { edges.push_back({x, from, x, to, is_first}); });
+        join(places, [&, x = x, is_first = is_first](int from, int to) {
+            edges.push_back({x, from, x, to, is_first});
+        });
     }
     for (const auto& [line, places] : level) {
         const auto [y, is_first] = line;
-        join(places, [&, y = y, is_first = is_first](int from, int to) { edges.push_back({from, y, to, y, is_first}); });
+        join(places, [&, y = y, is_first = is_first](int from, int to) {
+            edges.push_back({from, y, to, y, is_first});
+        });
     }
     return edges;
 }

@@ -148,28 +148,42 @@ std::size_t Propagate_Grow(const Propagation_Frames& frames, const Propagation_T
     const int band = std::clamp(options.band, 1, unreached - 1);
     const std::array<Tag_Levels, TAG_MAX> levels = Measure(frames, options);
     const auto& from = frames.from_tags;
-    const auto fits = [&](std::size_t at, std::uint8_t tag) {
-        return std::abs(static_cast<double>(frames.to_levels[at]) - levels[tag].mean) <= levels[tag].range;
+    const auto level_fits = [&](std::int32_t level, std::uint8_t tag) {
+        return std::abs(static_cast<double>(level) - levels[tag].mean) <= levels[tag].range;
     };
+    const auto fits = [&](std::size_t at, std::uint8_t tag) { return level_fits(frames.to_levels[at], tag); };
     Ring_Walk walk(frames.width, frames.height);
     walk.ring = Starts(frames, tags, Border_Distance(frames, tags, band), fits);
     std::vector<std::uint8_t> result(from.size());  // the carried TAG, 0: none
     for (const std::uint32_t at : walk.ring) {
         result[at] = from[at];
     }
-    std::vector<std::uint8_t> outside(from.size());  // steps beyond the old area
-    for (int step = 0; step < 2 * band && !walk.ring.empty(); ++step) {
+    const auto may_take = [&](std::uint32_t to, std::uint8_t tag) {
+        return result[to] == 0 && tags.locked[frames.to_tags[to]] == 0 && fits(to, tag);
+    };
+    // From the insides to the old borders.
+    while (!walk.ring.empty()) {
+        walk.Step([&](std::uint32_t at, std::uint32_t to) {
+            if (from[to] != result[at] || !may_take(to, result[at])) {
+                return false;
+            }
+            result[to] = result[at];
+            return true;
+        });
+    }
+    // From there outwards. What fitted before and was left out stays out: a border through even tissue does not creep.
+    for (std::size_t at = 0; at < result.size(); ++at) {
+        if (result[at] != 0) {
+            walk.ring.push_back(static_cast<std::uint32_t>(at));
+        }
+    }
+    for (int step = 0; step < band && !walk.ring.empty(); ++step) {
         walk.Step([&](std::uint32_t at, std::uint32_t to) {
             const std::uint8_t tag = result[at];
-            if (result[to] != 0 || tags.locked[frames.to_tags[to]] != 0 || !fits(to, tag)) {
-                return false;
-            }
-            const bool is_old = from[to] == tag;
             const bool is_free = Is_Carried(tags, from[to]) || frames.to_tags[to] == 0;
-            if (!is_old && (!is_free || outside[at] >= band)) {
+            if (!is_free || !may_take(to, tag) || level_fits(frames.from_levels[to], tag)) {
                 return false;
             }
-            outside[to] = static_cast<std::uint8_t>(is_old ? 0 : outside[at] + 1);
             result[to] = tag;
             return true;
         });

@@ -34,7 +34,8 @@ std::size_t Propagate_Copy(const Propagation_Frames& frames, const Propagation_T
 
 /** Carries the inside of every TAG as it is. In a band around the TAG's old border a pixel gets the TAG when its level
  *  in the receiving frame fits the mean and deviation that the TAG has in the shown frame and it is joined to the
- *  carried inside: so borders follow the image. Pixels that had no carried TAG in the shown frame are taken only where
+ *  carried inside: so borders follow the image. Outside the old border only pixels are taken that do not fit in the
+ *  shown frame, so that a border drawn through even tissue stays, and, unless they had a carried TAG there, only where
  *  the receiving frame shows background. Without an inside (a thin TAG) the fitting pixels of the old area are carried.
  *  @return the number of pixels carried; 0: nothing to carry */
 std::size_t Propagate_Grow(const Propagation_Frames& frames, const Propagation_Tags& tags,

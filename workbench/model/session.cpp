@@ -175,17 +175,21 @@ int Session::Note_Labels(Text_Table table, std::span<const char* const> label) {
     return steps;
 }
 
-int Session::Note_Thresholds(std::span<const float> threshold) {
-    thresholds.resize(std::max(thresholds.size(), threshold.size()));
-    int steps = 0;
-    for (std::size_t at = 0; at < threshold.size(); ++at) {
-        if (threshold[at] != thresholds[at]) {
-            journal.Push({"Threshold", Threshold_Change{static_cast<int>(at), thresholds[at], threshold[at]}});
-            thresholds[at] = threshold[at];
-            ++steps;
+int Session::Note_Thresholds(std::span<const float> low, std::span<const float> high) {
+    Threshold_Change change;
+    bands.resize(std::max(bands.size(), low.size()));
+    for (std::size_t at = 0; at < std::min(low.size(), high.size()); ++at) {
+        const Tag_Band now = {low[at], high[at]};
+        if (now != bands[at]) {
+            change.entries.push_back({static_cast<int>(at), bands[at], now});
+            bands[at] = now;
         }
     }
-    return steps;
+    if (change.entries.empty()) {
+        return 0;
+    }
+    journal.Push({change.entries.size() == 1 ? "Threshold" : "Thresholds", std::move(change)});
+    return 1;
 }
 
 void Session::Adopt_Labels(Text_Table table, std::span<const char* const> label) {
@@ -198,8 +202,11 @@ void Session::Adopt_Labels(Text_Table table, std::span<const char* const> label)
     }
 }
 
-void Session::Adopt_Thresholds(std::span<const float> threshold) {
-    thresholds.assign(threshold.begin(), threshold.end());
+void Session::Adopt_Thresholds(std::span<const float> low, std::span<const float> high) {
+    bands.clear();
+    for (std::size_t at = 0; at < std::min(low.size(), high.size()); ++at) {
+        bands.push_back({low[at], high[at]});
+    }
 }
 
 void Session::Apply(const Undo_Step& step, bool redo) {
@@ -209,8 +216,10 @@ void Session::Apply(const Undo_Step& step, bool redo) {
         markers.Set(marker->index, redo ? marker->after : marker->before);
     } else if (const auto* text = std::get_if<Text_Change>(&step.change)) {
         Names(text->table)[static_cast<std::size_t>(text->index)] = redo ? text->after : text->before;
-    } else if (const auto* threshold = std::get_if<Threshold_Change>(&step.change)) {
-        thresholds[static_cast<std::size_t>(threshold->tag)] = redo ? threshold->after : threshold->before;
+    } else if (const auto* thresholds = std::get_if<Threshold_Change>(&step.change)) {
+        for (const Threshold_Change::Entry& entry : thresholds->entries) {
+            bands[static_cast<std::size_t>(entry.tag)] = redo ? entry.after : entry.before;
+        }
     }
 }
 

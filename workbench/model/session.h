@@ -82,10 +82,11 @@ class Session {
     /** Compares the names and thresholds that the panels may have written with those known, and makes a step of every
      *  difference. @param label null entries: no name @return number of steps made */
     int Note_Labels(Text_Table table, std::span<const char* const> label);
-    int Note_Thresholds(std::span<const float> threshold);
+    /** All differences together are one step. Both have one size. */
+    int Note_Thresholds(std::span<const float> low, std::span<const float> high);
     /** Takes names and thresholds as they are, without a step. */
     void Adopt_Labels(Text_Table table, std::span<const char* const> label);
-    void Adopt_Thresholds(std::span<const float> threshold);
+    void Adopt_Thresholds(std::span<const float> low, std::span<const float> high);
 
     /** Takes the last step back, or does it again. Pixels and markers are changed here; for a name or threshold the
      *  caller writes the value it finds in the step. @return the step, null when there is none */
@@ -118,5 +119,5 @@ class Session {
     std::optional<Stroke> stroke;
     std::vector<std::optional<std::string>> tag_names;
     std::vector<std::optional<std::string>> marker_names;
-    std::vector<float> thresholds;
+    std::vector<Tag_Band> bands;
 };

@@ -87,7 +87,8 @@ void Slice_Scale(std::span<const std::uint32_t> slice, const View_Layout& layout
             continue;
         }
         row_before = row;
-        const std::uint32_t* from = row < 0 ? nullptr : slice.data() + static_cast<std::ptrdiff_t>(row) * layout.slice_width;
+        const std::uint32_t* from =
+            row < 0 ? nullptr : slice.data() + static_cast<std::ptrdiff_t>(row) * layout.slice_width;
         for (const int x : column) {
             *out++ = from != nullptr && x >= 0 ? from[x] : outside;
         }

@@ -8,6 +8,8 @@ std::size_t Undo_Step::Bytes() const {
         sum += slice->runs.size() * sizeof(Voxel_Run);
     } else if (const auto* text = std::get_if<Text_Change>(&change)) {
         sum += text->before.value_or("").size() + text->after.value_or("").size();
+    } else if (const auto* thresholds = std::get_if<Threshold_Change>(&change)) {
+        sum += thresholds->entries.size() * sizeof(Threshold_Change::Entry);
     }
     return sum;
 }

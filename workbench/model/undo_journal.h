@@ -32,11 +32,20 @@ struct Text_Change {
     std::optional<std::string> before;
     std::optional<std::string> after;
 };
-/** A TAG's lower threshold. */
+/** The grey levels that a TAG claims. */
+struct Tag_Band {
+    float low = 0.0F;
+    float high = 0.0F;
+    friend bool operator==(const Tag_Band&, const Tag_Band&) = default;
+};
+/** Thresholds of one or more TAGs. */
 struct Threshold_Change {
-    int tag = 0;
-    float before = 0.0F;
-    float after = 0.0F;
+    struct Entry {
+        int tag = 0;
+        Tag_Band before;
+        Tag_Band after;
+    };
+    std::vector<Entry> entries;
 };
 /** A marker placed, moved or taken away. */
 struct Marker_Change {

@@ -13,6 +13,24 @@ double Place(double view, double slice, double center) {
     return std::floor(std::clamp(view / 2.0 - slice * center, view - slice, 0.0));
 }
 
+/** The slice coordinate in the middle of a screen pixel. */
+double Middle(double first_side, double scale, int screen) {
+    return (screen + 0.5 - first_side) / scale;
+}
+
+/** The first screen pixel whose middle lies at or behind a slice coordinate, by the very arithmetic of Middle: rounding
+ *  must not part what is outlined from what is shown. */
+int First_Screen_Pixel(double first_side, double scale, double slice) {
+    int screen = static_cast<int>(std::ceil(first_side + slice * scale - 0.5));
+    while (Middle(first_side, scale, screen) < slice) {
+        ++screen;
+    }
+    while (Middle(first_side, scale, screen - 1) >= slice) {
+        --screen;
+    }
+    return screen;
+}
+
 double Aspect(const View_State& state) {
     return state.pixel_aspect > 0.0 && std::isfinite(state.pixel_aspect) ? state.pixel_aspect : 1.0;
 }
@@ -20,16 +38,15 @@ double Aspect(const View_State& state) {
 }  // namespace
 
 Slice_Point View_Layout::To_Slice(int screen_x, int screen_y) const {
-    // The middle of the screen pixel, so that every screen pixel belongs to exactly one slice pixel.
-    return {(screen_x + 0.5 - left) / scale_x, (screen_y + 0.5 - top) / scale_y};
+    return {Middle(left, scale_x, screen_x), Middle(top, scale_y, screen_y)};
 }
 
 int View_Layout::To_Screen_X(double slice_x) const {
-    return static_cast<int>(std::ceil(left + slice_x * scale_x - 0.5));
+    return First_Screen_Pixel(left, scale_x, slice_x);
 }
 
 int View_Layout::To_Screen_Y(double slice_y) const {
-    return static_cast<int>(std::ceil(top + slice_y * scale_y - 0.5));
+    return First_Screen_Pixel(top, scale_y, slice_y);
 }
 
 Pixel_Rect View_Layout::Slice_On_Screen() const {

@@ -11,7 +11,9 @@ TEST(Fit_Log, Tells_For_Every_Candidate_Where_It_Came_From_And_Why_It_Went) {
     log.Add(11, "Locate a peak with data at x = 90");
     log.Add(11, "++ mse: 12.5000% delta mse =    1.2e+03");
     log.Add(11, "******* Delete peak at 46.20: Peak to close b (40.1 /vs/ 46.2)");
-    log.Add(11, "  -> Stop after \x01" "4\x02 iterations");
+    log.Add(11,
+            "  -> Stop after \x01"
+            "4\x02 iterations");
     ASSERT_EQ(log.Candidates().size(), 3U);
     EXPECT_TRUE(log.Candidates()[0].by_zero);
     EXPECT_TRUE(log.Candidates()[0].dropped.empty());
@@ -19,7 +21,8 @@ TEST(Fit_Log, Tells_For_Every_Candidate_Where_It_Came_From_And_Why_It_Went) {
     EXPECT_TRUE(log.Candidates()[2].dropped.empty());
     const std::vector<std::string> lines = log.Lines();
     EXPECT_EQ(lines[0], "Candidate at bin 40 (zero crossing of the derivative): kept");
-    EXPECT_EQ(lines[1], "Candidate at bin 47 (maximum of the data): dropped at 46.20, Peak to close b (40.1 /vs/ 46.2)");
+    EXPECT_EQ(lines[1],
+              "Candidate at bin 47 (maximum of the data): dropped at 46.20, Peak to close b (40.1 /vs/ 46.2)");
     EXPECT_EQ(lines[3], "Iteration 0: mse: 12.5000% delta mse =    1.2e+03");
     EXPECT_EQ(lines.back(), "Stop after 4 iterations");
 }

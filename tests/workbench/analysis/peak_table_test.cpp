@@ -12,7 +12,8 @@ std::vector<double> Curve_Of(const std::vector<Found_Peak>& peaks, int n) {
     std::vector<double> curve(static_cast<std::size_t>(n));
     for (int i = 0; i < n; ++i) {
         for (const Found_Peak& peak : peaks) {
-            curve[static_cast<std::size_t>(i)] += peak.amplitude * std::pow(2.0, -std::pow((i - peak.centre) / peak.width, 2));
+            curve[static_cast<std::size_t>(i)] +=
+                peak.amplitude * std::pow(2.0, -std::pow((i - peak.centre) / peak.width, 2));
         }
     }
     return curve;
@@ -50,7 +51,8 @@ TEST(Peak_Table_Make, Gives_Grey_Levels_Areas_And_Shares) {
 }
 
 TEST(Peak_Table_Make, Standard_Errors_Cover_The_Scatter_Of_Repeated_Noise) {
-    // A model that is linear near its solution: the scatter of a one-parameter refit of the amplitude must agree with its standard error.
+    // A model that is linear near its solution: the scatter of a one-parameter refit of the amplitude must agree with
+    // its standard error.
     const std::vector<Found_Peak> peaks = {{false, 100.0, 1000.0, 12.0}};
     const std::vector<double> clean = Curve_Of(peaks, 200);
     std::mt19937 random(4);

@@ -1,0 +1,86 @@
+// What the histogram panel takes of the device is given back after every operation, also when a device context cannot
+// be had. The module is watched from outside, so the panel is used as a host uses it.
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "tests/histogram/histo_stage.h"
+#include "tests/support/gdi_recorder.h"
+
+namespace {
+
+constexpr int PRESS = MOUSE_PRESS | MOUSE_LEFT;
+constexpr int DRAG = MOUSE_DRAG | MOUSE_LEFT;
+
+void Expect_Balance(const char* module, const std::vector<std::function<void()>>& steps) {
+    constexpr int refusals = 6;  // device contexts that are refused in turn, one per pass
+    const Gdi_Recorder recorder(module);
+    int watched = 0;
+    for (int refused = 0; refused <= refusals; ++refused) {
+        for (std::size_t i = 0; i < steps.size(); ++i) {
+            Gdi_Recorder::Forget();
+            Gdi_Recorder::Get_DC_Fail(refused);
+            steps[i]();
+            Gdi_Recorder::Get_DC_Fail(0);
+            EXPECT_EQ(Gdi_Recorder::Unbalanced(), "") << module << ", step " << i << ", refused " << refused;
+            watched += Gdi_Recorder::Watched_Nb();
+        }
+    }
+    EXPECT_GT(watched, 0) << module;
+}
+
+}  // namespace
+
+TEST(Histo_Gdi, every_operation_gives_back_what_it_takes) {
+    for (const Window_Axis axis : {Window_Axis::Down, Window_Axis::Up}) {
+        Histo_Scene scene;
+        scene.Tags(3);
+        scene.Tag_Color(1, 255, 0, 0);
+        std::vector<std::uint32_t> counts;
+        for (std::uint32_t bin = 0; bin < 4000; ++bin) {
+            counts.push_back(bin * 7919U % 1000U);
+        }
+        scene.Add_Color({}, counts);
+        Scene_Object& grey = scene.Add_Frame();
+        Histo_Stage stage(axis);
+        Tool_Histo panel;
+        stage.Lay_Out(panel);
+        panel.Set(3, 1, 10.0, 2000.0, 2, 3000.0, 3500.0, 2, 5.0, 1.0);
+        panel.Draw();  // what the library keeps for the process is made here
+        int moves = 0;
+        const std::vector<std::function<void()>> steps = {
+            [&] { stage.Lay_Out(panel); },
+            [&] { panel.Update(UPDATE_SELECTION | UPDATE_LEVEL_2D); },
+            [&] { panel.Draw(); },
+            [&] {
+                scene.Mouse_Over(grey, 500 + 100 * ++moves);
+                panel.Update(UPDATE_MOUSE_FRAME);
+            },
+            [&] {
+                Variable_Set("$GLI_COLOR_COMPONENT", moves % 5);
+                panel.Update(UPDATE_COLOR_COMPONENT);
+            },
+            [&] {
+                stage.Point_Row(244, 70);
+                panel.Click(PRESS);
+                panel.Motion(DRAG);
+                panel.Motion(0);
+            },
+            [&] { panel.Scroll(1); },
+            [&] { panel.Leave(); },
+            [&] { panel.Update(UPDATE_ALL); },
+        };
+        Expect_Balance("Kit_Panels.dll", steps);
+        Expect_Balance("Kit_Widgets.dll", steps);
+    }
+}
+
+TEST(Histo_Gdi, nothing_is_deleted_twice_when_the_last_panel_goes) {
+    const Gdi_Recorder recorder("Kit_Panels.dll");
+    {
+        const Tool_Histo first;
+        const Tool_Histo copy(first);
+        Gdi_Recorder::Forget();
+    }
+    EXPECT_EQ(Gdi_Recorder::Unbalanced(), "") << "the system deletes the brush with the window's class";
+}
