@@ -132,6 +132,7 @@ class Application : public Image_User, public Main_Window_User {
     void Histogram_Selection_Set(int first, int last, bool follows_slice);
     void Histogram_Range_Ask();
     void Histogram_Bins_Ask();
+    void Histogram_Component_Next();
     void Histogram_Tag_Refresh();
     std::wstring Histogram_Text() const;
     /** Magnifies so that one overfull bin, as the air around a head makes, does not flatten the rest. */

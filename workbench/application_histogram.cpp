@@ -52,6 +52,8 @@ void Application::Execute_Histogram(Command command) {
             return Histogram_Tag_Refresh();
         case Command::HISTOGRAM_BINS:
             return Histogram_Bins_Ask();
+        case Command::HISTOGRAM_COMPONENT:
+            return Histogram_Component_Next();
         case Command::RANGE_OVERLAY:
             is_range_shown = !is_range_shown;
             return image.Refresh();
@@ -124,6 +126,16 @@ void Application::Histogram_Bins_Ask() {
     Variable_Set("$GLI_HISTO_BINS_MAX", static_cast<double>(std::clamp<long>(std::wcstol(answer->c_str(), nullptr, 10),
                                                                              bins_least, bins_most)));
     Announce(UPDATE_HISTO_DATA | UPDATE_HISTO_PAINT);
+}
+
+void Application::Histogram_Component_Next() {
+    constexpr const wchar_t* names[] = {
+        L"the largest component", L"the three components, cursor by red", L"the three components, cursor by green",
+        L"the three components, cursor by blue", L"all components, cursor by luminance"};
+    const int next = (static_cast<int>(Variable_Number("$GLI_COLOR_COMPONENT", 0)) + 1) % 5;
+    Variable_Set("$GLI_COLOR_COMPONENT", next);
+    Announce(UPDATE_COLOR_COMPONENT);
+    Status(std::wstring(L"The histogram of colour images shows ") + names[next]);
 }
 
 void Application::Histogram_Tag_Refresh() {

@@ -87,6 +87,7 @@ constexpr Entry analyze_entries[] = {
     {Command::HISTOGRAM_RANGE, L"Histogram of a &range of frames...", nullptr, 0},
     {Command::HISTOGRAM_OF_TAG, L"Only pixels of the current &TAG", L"B", 'b'},
     {Command::HISTOGRAM_BINS, L"Most &bins...", nullptr, 0},
+    {Command::HISTOGRAM_COMPONENT, L"Next colour &component", L"K", 'k'},
     separator,
     {Command::ANALYSIS_WINDOW, L"&Peak analysis...", L"F4", Function_Key(4)},
     {Command::FIT_GAUSSIAN, L"Fit &Gaussians", nullptr, 0},
