@@ -17,7 +17,7 @@ enum class Length { Int, Char, Short, Long, Long_Long, Max, Size, Difference, Lo
 
 }  // namespace
 
-/** One conversion specification. */
+/** One conversion of a format. */
 struct Message_Text::Conversion {
     char flags[6] = {};  // every flag once
     int width = 0;
@@ -262,7 +262,7 @@ void Message_Text::Print_Value(const Conversion& conversion, Arguments& argument
     }
 }
 
-/** Reads one specification behind its '%' and appends the value. @return what follows it */
+/** Reads one conversion behind its '%' and appends the value. @return what follows it */
 const char* Message_Text::Print_Conversion(const char* format, Arguments& arguments) {
     const char* begin = format;
     Conversion conversion;
