@@ -179,8 +179,8 @@ bool Application::Save_Labels(bool ask_for_name) {
     }
     std::filesystem::path path = session.Label_Path();
     if (ask_for_name || path.empty()) {
-        std::wstring start = Wide_Of_Utf8(File_Name_Text(session.Path()));
-        start = start.substr(0, start.find(L".nii")) + L"_labels.nii.gz";
+        const std::wstring name = Wide_Of_Utf8(File_Name_Text(session.Path()));
+        const std::wstring start = name.substr(0, name.find(L".nii")) + L"_labels.nii.gz";
         const std::optional<std::filesystem::path> answer = Ask_Save(window.Handle(), start);
         if (!answer) {
             return false;

@@ -33,6 +33,11 @@ bool Behind(std::string_view text, std::string_view begin, std::string& rest) {
     return true;
 }
 
+/** The number that a text begins with; 0 when it begins with none. */
+int Whole_Number(const char* text) {
+    return static_cast<int>(std::strtol(text, nullptr, 10));
+}
+
 }  // namespace
 
 void Fit_Log::Clear() {
@@ -66,12 +71,12 @@ void Fit_Log::Add(int level, std::string_view text) {
     }
     std::string rest;
     if (Behind(text, "Locate a peak with zero at x = ", rest)) {
-        candidates.push_back({std::atoi(rest.c_str()), true, {}, 0.0});
+        candidates.push_back({Whole_Number(rest.c_str()), true, {}, 0.0});
     } else if (Behind(text, "Locate a peak with data at x = ", rest)) {
-        candidates.push_back({std::atoi(rest.c_str()), false, {}, 0.0});
+        candidates.push_back({Whole_Number(rest.c_str()), false, {}, 0.0});
     } else if (Behind(text, "******* Delete peak at ", rest)) {
         const std::size_t colon = rest.find(": ");
-        Drop(std::atof(rest.c_str()), colon == std::string::npos ? "deleted" : rest.substr(colon + 2));
+        Drop(std::strtod(rest.c_str(), nullptr), colon == std::string::npos ? "deleted" : rest.substr(colon + 2));
     } else if (Behind(text, "++ ", rest)) {
         iterations.push_back(rest);
     } else if (Behind(text, "  -> Stop after ", rest)) {
@@ -79,7 +84,7 @@ void Fit_Log::Add(int level, std::string_view text) {
     } else if (Behind(text, "loop:", rest)) {
         ++passes;
         const std::size_t colon = rest.rfind(':');
-        last_maxima = colon == std::string::npos ? 0 : std::atoi(rest.c_str() + colon + 1);
+        last_maxima = colon == std::string::npos ? 0 : Whole_Number(rest.c_str() + colon + 1);
     }
 }
 
