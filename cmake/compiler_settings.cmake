@@ -35,6 +35,13 @@ if(KIT_SANITIZE)
     target_link_options(kit_compiler_settings INTERFACE ${kit_sanitizers})
 endif()
 
+if(KIT_FUZZ)
+    if(WIN32 OR NOT CMAKE_CXX_COMPILER_ID MATCHES Clang)
+        message(FATAL_ERROR "Fuzz programs need clang and no Windows target.")
+    endif()
+    target_compile_options(kit_compiler_settings INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
     # Paths relative to the project: all build folders, and all clones, share what was compiled once.

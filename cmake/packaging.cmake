@@ -1,0 +1,64 @@
+# What makers of hosts take away: `cmake --install BUILD --prefix FOLDER` gives headers, import libraries, DLLs, icons
+# and a CMake package; `cpack` in the build folder gives a zip with the workbench. Windows only: elsewhere the modules are
+# archives for the tests.
+if(NOT WIN32)
+    return()
+endif()
+include(CMakePackageConfigHelpers)
+
+set(kit_modules Kit_Common Kit_Widgets Kit_Dataset Kit_Graph Kit_Panels)
+set(kit_package_folder lib/cmake/Kit_Panels)
+install(TARGETS ${kit_modules} host_contract windows_headers EXPORT Kit_Panels_Targets
+    RUNTIME DESTINATION bin COMPONENT runtime
+    ARCHIVE DESTINATION lib COMPONENT development)
+install(EXPORT Kit_Panels_Targets NAMESPACE Kit_Panels:: DESTINATION ${kit_package_folder} COMPONENT development)
+
+# Every header that a host may include, with all that these include, in the folders that the sources have.
+set(kit_public_headers
+    database/db_list.h
+    database/tool_db_class.h
+    database/tool_db_file.h
+    database/tool_db_list.h
+    histogram/tool_histo.h
+    host/kit_common.h
+    host/kit_dataset.h
+    host/kit_graph.h
+    host/kit_widgets.h
+    host/platform.h
+    kits/common/contract.h
+    kits/common/messages.h
+    kits/dataset/dataset_host.h
+    kits/widgets/widgets_host.h
+    panels/brush_disc.h
+    panels/kit_panels.h
+    panels/label_grid.h
+    panels/label_grid_geometry.h
+    panels/tool_brush.h
+    panels/tool_marker.h
+    panels/tool_propagate.h
+    panels/tool_tag.h
+    panels/version_export.h
+    win32/gdi_handles.h)
+foreach(header IN LISTS kit_public_headers)
+    cmake_path(GET header PARENT_PATH folder)
+    install(FILES "${PROJECT_SOURCE_DIR}/${header}" DESTINATION include/kit_panels/${folder} COMPONENT development)
+endforeach()
+
+configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/Kit_PanelsConfig.cmake.in"
+    "${CMAKE_BINARY_DIR}/Kit_PanelsConfig.cmake" INSTALL_DESTINATION ${kit_package_folder})
+write_basic_package_version_file("${CMAKE_BINARY_DIR}/Kit_PanelsConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
+install(FILES "${CMAKE_BINARY_DIR}/Kit_PanelsConfig.cmake" "${CMAKE_BINARY_DIR}/Kit_PanelsConfigVersion.cmake"
+    DESTINATION ${kit_package_folder} COMPONENT development)
+
+install(TARGETS workbench RUNTIME DESTINATION bin COMPONENT runtime)
+install(DIRECTORY "${CMAKE_BINARY_DIR}/bin/icons" DESTINATION bin COMPONENT runtime OPTIONAL)
+install(FILES "${PROJECT_SOURCE_DIR}/README.md" DESTINATION . COMPONENT runtime)
+
+set(CPACK_GENERATOR ZIP)
+set(CPACK_PACKAGE_NAME Kit_Panels)
+set(CPACK_PACKAGE_FILE_NAME "Kit_Panels-${PROJECT_VERSION}-windows-x86_64")
+set(CPACK_COMPONENTS_ALL runtime)
+set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENT_INCLUDE_TOPLEVEL_DIRECTORY ON)
+set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
+include(CPack)
