@@ -155,3 +155,14 @@ struct Pointer_System {
 KIT_DATASET_API void Pointer_System_Set(const Pointer_System* system);
 inline constexpr float GESTURE_STEP =
     1.09F;  ///< largest zoom factor of one Gesture_Record, smallest is its reciprocal; the rest follows in the next one
+
+// -------------------------------------------------------------------------------------------------------------------
+// checks of the host, see kits/common/contract.h
+
+/** Compares every count with its arrays and with what panels show. @return mistakes found that were not reported yet */
+KIT_DATASET_API int Contract_Check_Variables();
+/** To be told of every set of change flags that the host sends to its panels: structure and selection need a level. */
+KIT_DATASET_API void Contract_Check_Update(unsigned __int64 flags);
+/** To be called when no panel operation is running: reports iterators that are still open, by the name of who opened
+ *  them. */
+KIT_DATASET_API void Contract_Check_Iterators();

@@ -1,7 +1,9 @@
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 
 #include "host/kit_common.h"
+#include "kits/common/contract.h"
 #include "kits/dataset/dataset_host.h"
 
 namespace {
@@ -16,6 +18,7 @@ struct Pass {
     int next = 0;
     bool open = false;
     unsigned short number = 0;
+    char who[64] = {};  // the beginning of who opened it
 };
 
 /** The registered objects in order. An object that leaves an open pass leaves a gap; gaps are closed when no pass is
@@ -136,6 +139,7 @@ unsigned short Iterator_Init(const char* who, Quorel* /*object*/) {
         pass.number = static_cast<unsigned short>(pass.number % NUMBER_MAX + 1);
         pass.open = true;
         pass.next = 0;
+        std::snprintf(pass.who, sizeof pass.who, "%s", who != nullptr ? who : "");
         return static_cast<unsigned short>(pass.number << HANDLE_BITS | place);
     }
     Error_Fct(hwnd, TRACE_LEVEL, "Iterator_Init(%s): no iterator left", who != nullptr ? who : "");
@@ -163,5 +167,13 @@ void Iterator_End(unsigned short handle) {
     if (Pass* pass = Pass_Of(handle)) {
         pass->open = false;
         Close_Gaps();
+    }
+}
+
+void Contract_Check_Iterators() {
+    for (const Pass& pass : passes) {
+        if (pass.open) {
+            Contract_Report(CONTRACT_ITERATOR, pass.who);
+        }
     }
 }

@@ -1,5 +1,7 @@
 #include "kits/dataset/requests.h"
 
+#include "kits/dataset/dataset_host.h"
+
 namespace {
 
 Request_Listener listener;
@@ -27,6 +29,7 @@ void Request_Listener_Set(const Request_Listener& new_listener) {
 // Each request works on a copy: the listener may be replaced while it is being called.
 
 void Fct_Update(unsigned __int64 flags, void* a, void* b, Region_2D* /*region*/) {
+    Contract_Check_Update(flags);
     const Request_Listener now = listener;
     if (now.update != nullptr) {
         now.update(now.context, flags, a, b);

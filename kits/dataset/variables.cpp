@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 
+#include "kits/common/contract.h"
 #include "kits/dataset/variable_table.h"
 
 namespace {
@@ -212,6 +213,7 @@ void* Fct_Variable_Value(const char* name, int* nb, unsigned short* type, int (*
     const Variable* variable = Look_Up(name);
     Describe(variable, nb, type, fct);
     if (variable == nullptr) {
+        Contract_Report(CONTRACT_VARIABLE_MISSING, name);
         return nullptr;
     }
     return variable->form == Form::Scalar ? Widened(*variable) : variable->storage.pointer;
@@ -220,7 +222,11 @@ void* Fct_Variable_Value(const char* name, int* nb, unsigned short* type, int (*
 void* Fct_Variable_Get(const char* name, int* nb, unsigned short* type, int (**fct)(void), char /*flag*/) {
     Variable* variable = Look_Up(name);
     Describe(variable, nb, type, fct);
-    return variable != nullptr ? &variable->storage : nullptr;
+    if (variable == nullptr) {
+        Contract_Report(CONTRACT_VARIABLE_MISSING, name);
+        return nullptr;
+    }
+    return &variable->storage;
 }
 
 int Variable_Define_Scalar(const char* name, Variable_Type type, double value) {

@@ -1,10 +1,13 @@
 // Device contexts that panels draw with: Y_setup, Y_release and fonts made for them.
+#include <cstdio>
 #include <new>
 #include <vector>
 
 #include "host/kit_common.h"
 #include "host/kit_widgets.h"
+#include "kits/common/contract.h"
 #include "kits/widgets/device.h"
+#include "kits/widgets/widgets_host.h"
 #include "kits/widgets/window_state.h"
 
 HWND Y_Window = nullptr;
@@ -15,6 +18,7 @@ namespace {
 /** One running set-up and what the globals were before it. */
 struct Running {
     HWND window = nullptr;
+    char label[48] = {};  // the beginning, kept only while the contract is checked
     Axis_DC dc;
     HWND window_before = nullptr;
     HDC dc_before = nullptr;
@@ -25,7 +29,7 @@ std::vector<Running>& Stack() {
     return stack;
 }
 
-bool Begin(HWND window) {
+bool Begin(HWND window, const char* label) {
     Size client;
     if (!Window_Client_Size(window, &client)) {
         return false;
@@ -34,6 +38,9 @@ bool Begin(HWND window) {
         Stack().reserve(Stack().size() + 1);
         Running running;
         running.window = window;
+        if (Contract_Checks()) {
+            std::snprintf(running.label, sizeof running.label, "%s", label != nullptr ? label : "");
+        }
         running.window_before = Y_Window;
         running.dc_before = Y_DC;
         const bool up = Window_Axis_Get(window) == Window_Axis::Up;
@@ -50,7 +57,7 @@ bool Begin(HWND window) {
 }  // namespace
 
 HDC Y_setup(HWND window, const char* label) {
-    if (!Begin(window)) {
+    if (!Begin(window, label)) {
         Error_Fct(window, TRACE_LEVEL, "Y_setup(%s) GetDC failed", label != nullptr ? label : "");
         return nullptr;
     }
@@ -87,4 +94,13 @@ HFONT Y_Create_Font(HWND window, const char* font_name, const char* style, int s
         letter = (*given | 0x20) == *letter ? letter + 1 : bold;
     }
     return System_Font_Create(window, font_name, *letter == 0, size);
+}
+
+void Contract_Check_Drawing() {
+    for (const Running& running : Stack()) {
+        Contract_Report(CONTRACT_DC, running.label);
+    }
+    if (Wait_Cursor_Depth() > 0) {
+        Contract_Report(CONTRACT_WAIT_CURSOR, "set and not reset");
+    }
 }

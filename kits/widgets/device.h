@@ -62,6 +62,8 @@ class Axis_DC {
 
 /** The device pixel of a point in the units of a device context. */
 Point Dc_To_Device(HDC dc, Point logical);
+/** What the clip of a device context leaves of a rectangle, as one rectangle; device pixels. */
+Rect Dc_Clip(HDC dc, const Rect& rect);
 /** Lays 0xAARRGGBB pixels (not premultiplied) over what a device context shows; `target` in device pixels. Its clip
  * counts. */
 void Dc_Blend(HDC dc, const Rect& target, const std::uint32_t* pixels);
@@ -73,5 +75,7 @@ HFONT System_Font_Create(HWND window, const char* name, bool bold, int height);
 void System_Fonts_Forget();
 /** Shows the wait cursor, or the arrow again. */
 void System_Wait_Cursor(HWND window, bool shown);
+/** Set_Curs_Wait calls that no Reset_Curs_Wait has answered yet. */
+int Wait_Cursor_Depth();
 /** The character that a key makes with the modifiers now held; 0 for none. */
 int System_Key_Character(int virtual_key, std::intptr_t lparam);

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "host/kit_common.h"
+#include "kits/common/contract.h"
 #include "kits/widgets/device.h"
 #include "kits/widgets/painter.h"
 #include "kits/widgets/widgets_host.h"
@@ -84,7 +85,13 @@ void Set_Curs_Wait(HWND window) {
 }
 
 void Reset_Curs_Wait(HWND window) {
-    if (wait_depth > 0 && --wait_depth == 0) {
+    if (wait_depth == 0) {
+        Contract_Report(CONTRACT_WAIT_CURSOR, "reset and not set");
+    } else if (--wait_depth == 0) {
         System_Wait_Cursor(window != nullptr ? window : hwnd, false);
     }
+}
+
+int Wait_Cursor_Depth() {
+    return wait_depth;
 }

@@ -50,3 +50,7 @@ KIT_WIDGETS_API void Widget_Counters_Reset();
 /** Look of the library: dark or light. Panels keep their own colours. */
 enum class Library_Theme { Dark, Light };
 KIT_WIDGETS_API void Library_Theme_Set(Library_Theme theme);
+
+/** To be called when no panel operation is running: reports device contexts that Y_setup gave and that Y_release did
+ * not take back, and wait cursors that are still shown. See kits/common/contract.h. */
+KIT_WIDGETS_API void Contract_Check_Drawing();

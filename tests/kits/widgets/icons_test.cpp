@@ -88,14 +88,14 @@ TEST_P(Icons_Test, LeafLineGoesUpAndRightAndOnOnlyToASibling) {
     const Window_Picture picture = window.Read();
     const int middle = Device_Row(20);
     const auto ink = [&](int x, int y) { return picture.At(x, y) != Test_Window::marker; };
-    EXPECT_TRUE(ink(20, middle));
+    EXPECT_TRUE(ink(17, middle));
     EXPECT_TRUE(ink(29, middle));
-    EXPECT_FALSE(ink(19, middle));
-    EXPECT_TRUE(ink(20, middle - 8));  // upwards, in the visual sense
-    EXPECT_FALSE(ink(20, middle + 1));
-    EXPECT_TRUE(ink(40, middle + 8));
-    EXPECT_FALSE(ink(20, middle + 10));
-    EXPECT_FALSE(ink(20, middle - 10));
+    EXPECT_FALSE(ink(16, middle));
+    EXPECT_TRUE(ink(17, middle - 8));  // upwards, in the visual sense
+    EXPECT_FALSE(ink(17, middle + 1));
+    EXPECT_TRUE(ink(37, middle + 8));
+    EXPECT_FALSE(ink(17, middle + 10));
+    EXPECT_FALSE(ink(17, middle - 10));
 }
 
 INSTANTIATE_TEST_SUITE_P(BothAxes, Icons_Test, testing::Values(Window_Axis::Up, Window_Axis::Down),
