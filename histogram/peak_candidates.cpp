@@ -58,7 +58,9 @@ Data_Peak Data_Peak_Test(std::span<const double> filtered, int x, int half, floa
         }
         // Truncated to an integer; a fall beyond the integers counts as the largest one.
         const double fall = std::min(value - neighbour, static_cast<double>(std::numeric_limits<int>::max()));
-        peak.drop = std::max(peak.drop, static_cast<int>(fall));
+        if (fall > 0.0) {  // not for what is not a number
+            peak.drop = std::max(peak.drop, static_cast<int>(fall));
+        }
     }
     peak.is_maximum = true;
     return peak;

@@ -107,4 +107,11 @@ TEST(Data_Peak_Test, Survives_Falls_Beyond_The_Integers) {
     EXPECT_EQ(Data_Peak_Test(filtered, 21, 15, 10.0F).drop, std::numeric_limits<int>::max());
 }
 
+TEST(Data_Peak_Test, Survives_Values_That_Are_Not_Numbers) {
+    std::vector<double> filtered(40, std::numeric_limits<double>::infinity());
+    EXPECT_EQ(Data_Peak_Test(filtered, 21, 15, 10.0F).drop, 0);
+    filtered[20] = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(Data_Peak_Test(filtered, 21, 15, 10.0F).drop, 0);
+}
+
 }  // namespace
