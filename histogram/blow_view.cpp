@@ -50,7 +50,8 @@ void Blow_View::Full_View_Set(const Histo_Record& record, const Blow_Area& plot_
     full_y = Widened(0.0F, static_cast<float>(record.max_count), WIDEN_Y);
     scale_x_max = (full_x.end - full_x.start) / static_cast<float>(area.width);
     scale_y_max = (full_y.end - full_y.start) / static_cast<float>(area.height);
-    if (!zoomed) {
+    // A zoom of data without extent has no scale to go on with.
+    if (!zoomed || !Is_Usable(scale_x) || !Is_Usable(scale_y)) {
         Reset();
     }
 }

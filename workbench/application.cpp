@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "kits/common/contract.h"
 #include "kits/common/messages.h"
 #include "volumes/message_text.h"
 #include "workbench/wide_text.h"
@@ -11,6 +12,8 @@ namespace {
 constexpr int tool_width = 452;  // pixels at 96 dots per inch
 constexpr int window_width = 1320;
 constexpr int window_height = 860;
+constexpr int database_width_first = 380;
+constexpr int image_width_least = 200;
 constexpr int histogram_height = 150;
 constexpr int histogram_height_most = 320;
 constexpr unsigned short tag_rows = 4;
@@ -49,10 +52,13 @@ Application::Application(const Command_Line& command_line)
       banner(look, [this] { Lay_Out(); }),
       trace(look),
       analysis(look, {[this] { return &histogram_panel; }, [this] { Peaks_Changed(); },
-                      [this](const std::vector<Peak_Band>& peaks) { Bands_Take(peaks); }}) {
+                      [this](const std::vector<Peak_Band>& peaks) { Bands_Take(peaks); }}),
+      database(look, Database_Services()) {
     the_application = this;
     Prog_Name = "workbench";
+    Contract_Checks_Set(options.check);
     variables.Define();
+    classes.emplace();
     Adopt_Names();
     propagate_panel.Set(&Application::Propagation_Function);
     Message_Receiver_Add([](void* context, HWND, int level,
@@ -64,7 +70,7 @@ Application::Application(const Command_Line& command_line)
         static_cast<Application*>(context)->On_Panel_Request(flags);
     };
     listener.redraw = [](void* context, unsigned __int64, void*, void*) {
-        static_cast<Application*>(context)->image.Refresh();
+        static_cast<Application*>(context)->On_Redraw();
     };
     listener.change_child = [](void* context, Quorel_Window*, Quorel_2D* new_frame, Quorel_2D*) {
         static_cast<Application*>(context)->On_Change_Child(new_frame);
@@ -90,7 +96,8 @@ int Application::Propagation_Function(void* from, void* to) {
 
 bool Application::Start(int show) {
     if (!window.Make() || !tool_area.Make(window.Handle()) || !image.Make(window.Handle()) ||
-        !status_line.Make(window.Handle()) || !banner.Make(window.Handle()) || !trace.Make(window.Handle())) {
+        !status_line.Make(window.Handle()) || !banner.Make(window.Handle()) || !trace.Make(window.Handle()) ||
+        !database.Make(window.Handle())) {
         return false;
     }
     hwnd = window.Handle();
@@ -150,6 +157,9 @@ void Application::Add_Panels() {
 int Application::Run() {
     MSG message = {};
     while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
+        if (database.Key_Message(message)) {
+            continue;
+        }
         ::TranslateMessage(&message);
         ::DispatchMessageW(&message);
     }
@@ -167,15 +177,25 @@ void Application::Lay_Out() {
         bottom = top;
     }
     tool_area.Place({0, 0, width, bottom});
+    int right = client.right;
+    if (database.Is_Shown()) {
+        // The editor's diagram needs the image's room.
+        const int room = client.right - width;
+        const int wanted = database_width > 0 ? database_width : look.Px(database_width_first);
+        right -= database.Is_Editor() ? room : std::clamp(wanted, 0, std::max(room - look.Px(image_width_least), 0));
+    }
     const int banner_height = banner.Wanted_Height();
     banner.Place({width, 0, client.right, banner_height});
     banner.Show(banner_height > 0);
-    image.Place({width, banner_height, client.right, bottom});
+    image.Place({width, banner_height, right, bottom});
+    database.Place({right, banner_height, client.right, bottom});
 }
 
 void Application::Announce(unsigned __int64 flags) {
+    Contract_Check_Update(flags);
     delivery.Announce(flags, [this](unsigned long long delivered) {
         tool_area.Update(delivered);
+        database.Update(delivered);
         After_Update(delivered);
     });
 }
@@ -194,6 +214,10 @@ void Application::After_Update(unsigned __int64 flags) {
 }
 
 void Application::On_Panel_Request(unsigned __int64 flags) {
+    if (database_events > 0) {
+        database_flags |= flags;
+        return;
+    }
     if (Has_Any(flags, UPDATE_TAG_LABEL)) {
         // A panel has written a name or a threshold: that is a step of the user's work.
         int steps = session.Note_Labels(Text_Table::TAG_LABELS, variables.Tag_Labels());
@@ -206,7 +230,18 @@ void Application::On_Panel_Request(unsigned __int64 flags) {
     Announce(flags);
 }
 
+void Application::On_Redraw() {
+    is_redraw_asked = true;
+    if (database_events == 0) {
+        image.Refresh();
+    }
+}
+
 void Application::On_Change_Child(Quorel_2D* new_frame) {
+    if (database_events > 0) {
+        database_frame = new_frame;
+        return;
+    }
     const int wanted = objects.Slice_Of(new_frame);
     if (wanted >= 0) {
         Slice_Show(wanted, true);
@@ -255,6 +290,9 @@ void Application::Notes_Refresh() {
     if (is_histogram_of_tag) {
         frames += L", TAG " + std::to_wstring(tag) + L" only";
     }
+    if (is_histogram_of_checked) {
+        frames = L"checked frames";
+    }
     tool_area.Note_Set(histogram_host, session.Has_Volume() ? frames : L"");
 }
 
@@ -272,6 +310,7 @@ void Application::Look_Changed() {
     for (Panel_Host* host : {tag_host, marker_host, brush_host, propagate_host, histogram_host}) {
         host->Lay_Out();
     }
+    database.Lay_Out();
     Lay_Out();
     ::RedrawWindow(window.Handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
 }
@@ -291,12 +330,17 @@ void Application::Key(int key) {
     if (Panel_Host* host = tool_area.Panel_At(pointer); host != nullptr && host->Key(key)) {
         return;
     }
+    if (Panel_Host* host = database.Panel_At(pointer); host != nullptr && host->Key(key)) {
+        return;
+    }
     Execute(Command_Of_Key(key));
 }
 
 void Application::Wheel(POINT screen, int delta, bool is_control) {
     const HWND under = ::WindowFromPoint(screen);
-    if (Panel_Host* host = tool_area.Panel_At(screen)) {
+    Panel_Host* host = tool_area.Panel_At(screen);
+    host = host != nullptr ? host : database.Panel_At(screen);
+    if (host != nullptr) {
         YCursor_X = screen.x;
         YCursor_Y = screen.y;
         host->Wheel(delta);
@@ -332,6 +376,8 @@ void Application::Report_State() {
     Report_Place("histogram", histogram_host->Handle());
     Report_Place("banner", banner.Handle());
     Report_Place("trace", trace.Handle());
+    Report_Place("database", database.Handle());
+    Report_Place("database_panel", database.Panel_Window());
     const View_Layout view = image.Layout();
     const RECT slider = image.Slider_Box();
     const Panel_Dimensions sizes = variables.Dimensions();
@@ -340,6 +386,10 @@ void Application::Report_State() {
     line("slider_left", slider.left);
     line("row_height", sizes.border + sizes.button);
     line("space", sizes.space);
+    Contract_Check_Variables();
+    Contract_Check_Iterators();
+    Contract_Check_Drawing();
+    line("contract_reports", Contract_Report_Nb());
     line("tag_nb", variables.Tag_Nb());
     line("tag_cur", variables.Tag_Cur());
     const auto cur = static_cast<std::size_t>(variables.Tag_Cur());
@@ -358,6 +408,7 @@ void Application::Report_State() {
     line("undo_nb", static_cast<long long>(session.Journal().Undo_Nb()));
     line("redo_nb", static_cast<long long>(session.Journal().Redo_Nb()));
     line("unsaved", session.Is_Unsaved() ? 1 : 0);
+    Report_Database();
     line("marker_cur", variables.Marker_Cur());
     report.Line("marker_label " + variables.Marker_Name(variables.Marker_Cur()));
     for (int marker = 0; marker < MARKER_NB; ++marker) {

@@ -14,6 +14,8 @@
 #include "volumes/volume_statistics.h"
 #include "workbench/analysis/analysis_window.h"
 #include "workbench/commands.h"
+#include "workbench/database/class_objects.h"
+#include "workbench/database/database_pane.h"
 #include "workbench/host_variables.h"
 #include "workbench/image_view.h"
 #include "workbench/main_window.h"
@@ -85,6 +87,7 @@ class Application : public Image_User, public Main_Window_User {
     void After_Update(unsigned __int64 flags);
     void On_Panel_Request(unsigned __int64 flags);
     void On_Change_Child(Quorel_2D* new_frame);
+    void On_Redraw();
     void On_Message(int level, const char* text);
     void Status(const std::wstring& text);
     void Warn(std::string_view utf8);
@@ -93,6 +96,7 @@ class Application : public Image_User, public Main_Window_User {
     void Look_Changed();
     void Report_State();
     void Report_Place(const char* name, HWND of_window);
+    void Report_Database();
 
     // application_commands.cpp
     void Execute_Edit(Command command);
@@ -140,6 +144,16 @@ class Application : public Image_User, public Main_Window_User {
     void Peaks_Changed();
     void Bands_Take(const std::vector<Peak_Band>& peaks);
 
+    // application_database.cpp
+    void Execute_Database(Command command);
+    Database_Host Database_Services();
+    void Database_Show(bool shown);
+    /** Runs an event of a database panel. A panel asks for one thing per checked row; all is done once, afterwards. */
+    void Database_Run(const std::function<void()>& event);
+    bool May_Remove_Class(const std::string& class_name);
+    /** The user has checked other frames: they make up the histogram. */
+    void Selection_Taken();
+
     // application_image.cpp
     void Slice_Show(int wanted, bool tell_panels);
     void Window_Reset();
@@ -159,6 +173,7 @@ class Application : public Image_User, public Main_Window_User {
     mutable Host_Variables variables;
     Session session;
     Volume_Objects objects;
+    std::optional<Class_Objects> classes;
     Update_Delivery delivery;
 
     Tool_Tag tag_panel;
@@ -179,6 +194,7 @@ class Application : public Image_User, public Main_Window_User {
     Warning_Banner banner;
     Trace_View trace;
     Analysis_Window analysis;
+    Database_Pane database;
     Panel_Host* tag_host = nullptr;  // owned by the tool area
     Panel_Host* marker_host = nullptr;
     Panel_Host* brush_host = nullptr;
@@ -192,13 +208,19 @@ class Application : public Image_User, public Main_Window_User {
     bool is_marker_mode = false;
     bool is_threshold_mode = false;
     bool is_range_shown = false;
-    bool is_histogram_of_shown = false;  // follows the shown slice
-    bool is_histogram_of_tag = false;    // counts the current TAG's pixels only
-    int histogram_first = 0;             // slices
+    bool is_histogram_of_shown = false;    // follows the shown slice
+    bool is_histogram_of_tag = false;      // counts the current TAG's pixels only
+    bool is_histogram_of_checked = false;  // of the frames checked in the database
+    int histogram_first = 0;               // slices
     int histogram_last = 0;
     unsigned short check_option = TAG_CHECK_ENABLE;
     Propagation_Kind propagation_kind = Propagation_Kind::GROW;
     int dragged_marker = -1;
     Marker marker_before;
     int report_nb = 0;
+    int database_width = 0;               // pixels; 0: not chosen yet
+    int database_events = 0;              // running events of database panels
+    unsigned __int64 database_flags = 0;  // what they have asked for
+    Quorel_2D* database_frame = nullptr;
+    bool is_redraw_asked = false;
 };

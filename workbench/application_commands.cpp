@@ -42,6 +42,8 @@ void Application::Menu_Refresh(HMENU menu) {
     Check(menu, Command::HISTOGRAM_OF_TAG, is_histogram_of_tag);
     Check(menu, Command::RANGE_OVERLAY, is_range_shown);
     Check(menu, Command::TRACE_VIEW, trace.Is_Shown());
+    Check(menu, Command::DATABASE, database.Is_Shown());
+    Check(menu, Command::DATABASE_EDIT, database.Is_Shown() && database.Is_Editor());
     Check(menu, Command::THEME, look.Theme() == Library_Theme::Light);
     Check(menu, Command::FUNCTION_COPY, propagation_kind == Propagation_Kind::COPY);
     Check(menu, Command::FUNCTION_GROW, propagation_kind == Propagation_Kind::GROW);
@@ -67,6 +69,8 @@ void Application::Execute(Command command) {
         Execute_Edit(command);
     } else if (command >= Command::HISTOGRAM_ALL && command <= Command::PEAKS_TO_BANDS) {
         Execute_Histogram(command);
+    } else if (command >= Command::DATABASE && command <= Command::DATABASE_EDIT) {
+        Execute_Database(command);
     } else {
         Execute_View(command);
     }

@@ -91,6 +91,7 @@ void Application::Histogram_Selection_Set(int first, int last, bool follows_slic
     histogram_first = first;
     histogram_last = last;
     is_histogram_of_shown = follows_slice;
+    is_histogram_of_checked = false;
     Histogram_Select();
     Announce(UPDATE_SELECTION | UPDATE_LEVEL_2D | UPDATE_HISTO_PAINT);
     Status(Histogram_Text());

@@ -103,6 +103,15 @@ constexpr Entry propagate_entries[] = {
     {Command::FUNCTION_COPY, L"Function: &copy", L"C", 'c'},
     {Command::FUNCTION_GROW, L"Function: &grow", L"W", 'w'},
 };
+constexpr Entry database_entries[] = {
+    {Command::DATABASE, L"&Show the database", L"F3", Function_Key(3)},
+    {Command::DATABASE_FIND, L"&Find...", L"Ctrl+F", Control('F')},
+    separator,
+    {Command::DATABASE_EXPAND, L"E&xpand all", nullptr, 0},
+    {Command::DATABASE_COLLAPSE, L"&Collapse all", nullptr, 0},
+    separator,
+    {Command::DATABASE_EDIT, L"&Edit the class tree", L"F11", Function_Key(11)},
+};
 constexpr Entry help_entries[] = {
     {Command::KEYS_HELP, L"&Keys and mouse", L"F1", Function_Key(1)},
     {Command::ABOUT, L"&About", nullptr, 0},
@@ -120,6 +129,7 @@ constexpr Menu menus[] = {
     {L"&View", view_entries, std::size(view_entries)},
     {L"&Propagate", propagate_entries, std::size(propagate_entries)},
     {L"&Analyze", analyze_entries, std::size(analyze_entries)},
+    {L"&Database", database_entries, std::size(database_entries)},
     {L"&Help", help_entries, std::size(help_entries)},
 };
 
@@ -190,6 +200,11 @@ const wchar_t* Keys_Text() {
            L"  Left: pick.  Right: rename (Enter ends, Escape gives up).  Wheel: scroll.\n"
            L"  In threshold mode (T) the right button edits the TAG's lower threshold.\n"
            L"  The arrows in the headings fold a panel away.\n"
+           L"\n"
+           L"Database\n"
+           L"  Check rows by click, or by a drag over several; Ctrl adds, Shift extends.\n"
+           L"  Arrows walk the tree, Space checks a row; Left and Right close and open a branch.\n"
+           L"  Editor: drag a handle to another parent; right button renames; Delete takes a class out.\n"
            L"\n"
            L"Keys\n"
            L"  0-9, N, P, G: pick a TAG.  E, S, L: enable, select, lock it.\n"

@@ -1,5 +1,7 @@
 #include "workbench/host_variables.h"
 
+#include <windows.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -44,6 +46,13 @@ std::string Name_Of(std::span<const char* const> labels, int index) {
     const bool has_label = index >= 0 && static_cast<std::size_t>(index) < labels.size() &&
                            labels[static_cast<std::size_t>(index)] != nullptr;
     return has_label ? labels[static_cast<std::size_t>(index)] : std::to_string(index);
+}
+
+/** The folder beside the program, wherever that was started from. Panels and kits open files by the code page. */
+std::string Icon_Folder() {
+    std::string path(MAX_PATH, '\0');
+    path.resize(::GetModuleFileNameA(nullptr, path.data(), MAX_PATH));
+    return path.substr(0, path.find_last_of("/\\") + 1) + "icons\\";
 }
 
 }  // namespace
@@ -147,7 +156,7 @@ void Host_Variables::Define_Data() {
     Variable_Define_Scalar("$DB_2D_FILE_NB", VARIABLE_SIGNED_32, 0);
     Variable_Define_Array("$DB_2D_FILE_PT", VARIABLE_POINTER, 0);
     Variable_Define_Text("$DEFAULT_FILE_PATH", "");
-    Variable_Define_Text("$DEFAULT_ICON_PATH", "icons\\");
+    Variable_Define_Text("$DEFAULT_ICON_PATH", Icon_Folder().c_str());
     Variable_Define_Text("$FILE_EXTENSION_EXCEL", "*.csv");
     Variable_Define_Text("$FILE_EXTENSION_ALL", "*.*");
     Variable_Define_Scalar("$REGIONAL_SEPARATOR", VARIABLE_UNSIGNED_8, ',');
@@ -205,12 +214,12 @@ std::uint32_t Host_Variables::Tag_Color(int tag) const {
     if (tag <= 0 || tag >= TAG_MAX) {
         return 0xAAAAAA;
     }
-    const auto byte = [&](const char* name) {
+    const auto high_byte = [&](const char* name) {
         return static_cast<std::uint32_t>(
                    Array_Of<std::uint16_t>(name, VARIABLE_UNSIGNED_16)[static_cast<std::size_t>(tag)]) >>
                8U;
     };
-    return (byte("$TAG_RED") << 16U) | (byte("$TAG_GRN") << 8U) | byte("$TAG_BLU");
+    return (high_byte("$TAG_RED") << 16U) | (high_byte("$TAG_GRN") << 8U) | high_byte("$TAG_BLU");
 }
 
 int Host_Variables::Marker_Cur() const {

@@ -35,6 +35,11 @@ void Panel_Host::Lay_Out() {
     box.color.red = look.panel[0];
     box.color.green = look.panel[1];
     box.color.blue = look.panel[2];
+    if (face_grey != 0) {
+        box.Set_Color(static_cast<unsigned char>(face_grey), static_cast<unsigned char>(face_grey),
+                      static_cast<unsigned char>(face_grey));
+        box.font_scale = static_cast<short>(look.Px(face_font));
+    }
     box.border = 1;
     box.window = Handle();
     Buffered([&] {

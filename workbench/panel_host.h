@@ -59,6 +59,12 @@ class Panel_Host : public Window_Base {
     /** Creates the window, hidden. @return false when the system refuses */
     bool Make(HWND parent, Window_Axis axis);
 
+    /** Another face than the look's, with texts of a fixed height: for panels whose colours are made for it.
+     *  @param grey of the face; @param font_height pixels at 96 dots per inch */
+    void Face_Set(unsigned short grey, int font_height) {
+        face_grey = grey;
+        face_font = font_height;
+    }
     /** Gives the panel the whole window as its box. To be called again after a change of the look. */
     void Lay_Out();
     int Wanted_Height() { return panel.Height(); }
@@ -93,6 +99,8 @@ class Panel_Host : public Window_Base {
     Panel_Base& panel;
     const Look& look;
     std::function<void(int, int)> clicked;
+    unsigned short face_grey = 0;  // 0: the look's
+    int face_font = 0;
     int wheel_rest = 0;
     bool is_laid_out = false;
 };

@@ -145,7 +145,8 @@ struct Lead_Cell {
     int height = 0;
     int middle_x = 0;
     int middle_y = 0;
-    std::uint32_t ink = 0;
+    std::uint32_t line = 0;  ///< of lines: the colour in which trees draw theirs
+    std::uint32_t ink = 0;   ///< of marks
     std::vector<std::uint32_t> pixels;
 
     void Fill(int left, int top, int right, int bottom, std::uint32_t color) {  // right and bottom included
@@ -162,6 +163,8 @@ struct Lead_Cell {
 template <typename Paint>
 void Lead_Draw(const Boxs& box, int x0, int x1, int y0, int y1, Paint paint) {
     constexpr int side_max = 1024;  // pixels
+    constexpr int line_x = 7;       // column of the vertical lines of trees
+    constexpr std::uint32_t line_color = 0xFF0000FFU;
     if (x1 <= x0 || y1 <= y0 || x1 - x0 > side_max || y1 - y0 > side_max) {
         return;
     }
@@ -177,7 +180,8 @@ void Lead_Draw(const Boxs& box, int x0, int x1, int y0, int y1, Paint paint) {
         Lead_Cell cell;
         cell.width = target.width;
         cell.height = target.height;
-        cell.middle_x = target.width / 2;
+        cell.middle_x = std::min(line_x, target.width / 2);
+        cell.line = line_color;
         cell.middle_y = middle.y - target.top;
         cell.pixels.resize(static_cast<std::size_t>(cell.width) * static_cast<std::size_t>(cell.height));
         constexpr int ink_percent = 55;
@@ -192,8 +196,8 @@ void Lead_Draw(const Boxs& box, int x0, int x1, int y0, int y1, Paint paint) {
 
 /** The line from the parent, on to the next sibling when there is one, and to the row's own icon. */
 void Leaf_Lines(Lead_Cell& cell, bool goes_on) {
-    cell.Fill(cell.middle_x, 0, cell.middle_x, goes_on ? cell.height - 1 : cell.middle_y, cell.ink);
-    cell.Fill(cell.middle_x, cell.middle_y, cell.width - 1, cell.middle_y, cell.ink);
+    cell.Fill(cell.middle_x, 0, cell.middle_x, goes_on ? cell.height - 1 : cell.middle_y, cell.line);
+    cell.Fill(cell.middle_x, cell.middle_y, cell.width - 1, cell.middle_y, cell.line);
 }
 
 /** The toggle of a branch: a box with a minus (its rows are shown) or a plus (they are hidden). */
@@ -204,12 +208,9 @@ void Branch_Toggle(Lead_Cell& cell, int row, bool plus) {
     const int x = cell.middle_x;
     const int y = cell.middle_y;
     if (row > 0) {
-        cell.Fill(x, 0, x, y, cell.ink);
+        cell.Fill(x, 0, x, y, cell.line);
     }
-    if (!plus) {
-        cell.Fill(x, y, x, cell.height - 1, cell.ink);
-    }
-    cell.Fill(x, y, cell.width - 1, y, cell.ink);
+    cell.Fill(x, y, cell.width - 1, y, cell.line);
     cell.Fill(x - half, y - half, x + half, y + half, cell.ink);
     cell.Fill(x - half + 1, y - half + 1, x + half - 1, y + half - 1, field | Theme_Now().field);
     const std::uint32_t mark = field | Theme_Now().field_text;

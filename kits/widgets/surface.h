@@ -145,7 +145,7 @@ bool Window_From_Screen(HWND window, Point screen, Point* client);
 bool Window_To_Screen(HWND window, Point client, Point* screen);
 
 /** Shows parts of a picture in the window (or in its back buffer). @param target where the whole picture stands; @param
- * parts in the picture */
+ * parts in the picture. Between Y_setup and Y_release for the same window the clip of that device context counts. */
 void Window_Show(HWND window, const Rect& target, Surface& picture, std::span<const Rect> parts);
 /** Reads what the window (or its back buffer) shows. @param pixels target.width x target.height. @return false when
  * that cannot be had */

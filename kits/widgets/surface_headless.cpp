@@ -279,6 +279,10 @@ Point Dc_To_Device(HDC dc, Point logical) {
     return {logical.x, headless->axis_up ? headless->client_height - 1 - logical.y : logical.y};
 }
 
+Rect Dc_Clip(HDC, const Rect& rect) {
+    return rect;  // there is nothing to set a clip with
+}
+
 void Dc_Blend(HDC dc, const Rect& target, const std::uint32_t* pixels) {
     reinterpret_cast<Headless_DC*>(dc)->picture.Blit_Alpha(target, pixels, target.width);
 }

@@ -422,6 +422,15 @@ Point Dc_To_Device(HDC dc, Point logical) {
     return {point.x, point.y};
 }
 
+Rect Dc_Clip(HDC dc, const Rect& rect) {
+    const Gdi_Region region(::CreateRectRgn(0, 0, 0, 0));
+    RECT hull = {};
+    if (!region || ::GetClipRgn(dc, region.Get()) != 1 || ::GetRgnBox(region.Get(), &hull) == ERROR) {
+        return rect;
+    }
+    return Rect_Common(rect, {hull.left, hull.top, hull.right - hull.left, hull.bottom - hull.top});
+}
+
 void Dc_Blend(HDC dc, const Rect& target, const std::uint32_t* pixels) {
     static Memory_Picture blend;
     if (target.Empty() || pixels == nullptr || !blend.Reserve(target.width, target.height)) {

@@ -5,6 +5,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "host/kit_widgets.h"
+
 namespace {
 
 struct Window_State {
@@ -123,7 +125,29 @@ HDC Window_Buffer_DC(HWND window) {
     return state->buffer.Get_DC();
 }
 
-void Window_Show(HWND window, const Rect& target, Surface& picture, std::span<const Rect> parts) {
+namespace {
+/** The parts of a picture that the clip of a running drawing in its window leaves; at most as many as there is room
+ * for. */
+std::span<const Rect> Parts_Clip(HWND window, const Rect& target, std::span<const Rect> parts,
+                                 std::span<Rect> clipped) {
+    if (Y_DC == nullptr || Y_Window != window) {
+        return parts;
+    }
+    const Rect seen = Dc_Clip(Y_DC, target);
+    if (seen == target || parts.size() > clipped.size()) {
+        return parts;
+    }
+    for (std::size_t i = 0; i < parts.size(); i++) {
+        clipped[i] = Rect_Common(parts[i], {seen.left - target.left, seen.top - target.top, seen.width, seen.height});
+    }
+    return clipped.first(parts.size());
+}
+}  // namespace
+
+void Window_Show(HWND window, const Rect& target, Surface& picture, std::span<const Rect> whole_parts) {
+    constexpr std::size_t parts_max = 8;  // more than a painter has
+    Rect clipped[parts_max];
+    const std::span<const Rect> parts = Parts_Clip(window, target, whole_parts, clipped);
     Window_State* state = Buffered(window);
     if (state == nullptr) {
         Screen_Show(window, {target.left, target.top}, picture, parts);

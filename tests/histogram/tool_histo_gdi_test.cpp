@@ -1,6 +1,7 @@
 // What the histogram panel takes of the device is given back after every operation, also when a device context cannot
 // be had. The module is watched from outside, so the panel is used as a host uses it.
 #include <gtest/gtest.h>
+#include <windows.h>
 
 #include <functional>
 
@@ -73,6 +74,71 @@ TEST(Histo_Gdi, every_operation_gives_back_what_it_takes) {
         Expect_Balance("Kit_Panels.dll", steps);
         Expect_Balance("Kit_Widgets.dll", steps);
     }
+}
+
+TEST(Histo_Gdi, the_enlarged_window_gives_back_what_it_takes) {
+    Histo_Scene scene;
+    Histo_Stage stage(Window_Axis::Down);
+    Variable_Define_Scalar("$INTERFACE_SPACE_DIM", VARIABLE_SIGNED_16, 4);
+    Variable_Define_Scalar("$INTERFACE_BUTTON_DIM_BIG", VARIABLE_SIGNED_16, 30);
+    scene.Tags(3);
+    scene.Tag_Color(1, 255, 0, 0);
+    std::vector<std::uint32_t> counts;
+    for (std::uint32_t bin = 0; bin < 3000; ++bin) {
+        counts.push_back(bin * 7919U % 1000U);
+    }
+    Scene_Object& grey = scene.Add_Grey({}, counts);
+    Tool_Histo panel;
+    stage.Lay_Out(panel);
+    panel.Update(UPDATE_SELECTION | UPDATE_LEVEL_2D);
+    panel.Fit_Derivative(5);
+    panel.Set(2, 1, 10.0, 2000.0, 2, 2500.0, 2800.0);
+    stage.Point_Row(262, 70);
+    panel.Click(PRESS);
+    HWND window = ::FindWindowA("Histogram", nullptr);
+    ASSERT_NE(window, nullptr);
+    const auto place = [](int column, int row) { return MAKELPARAM(column, row); };
+    const auto send = [&](UINT message, WPARAM wparam, LPARAM lparam) {
+        ::SendMessageA(window, message, wparam, lparam);
+    };
+    const auto wheel = [&](int delta, int column, int row) {
+        POINT point = {column, row};
+        ::ClientToScreen(window, &point);
+        send(WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(delta)), place(point.x, point.y));
+    };
+    int moves = 0;
+    const std::vector<std::function<void()>> steps = {
+        [&] {
+            ::InvalidateRect(window, nullptr, TRUE);
+            ::UpdateWindow(window);
+        },
+        [&] { send(0x400, 0, 0); },
+        [&] {  // every selector one on, by the wheel
+            for (int column = 20; column < 780; column += 100) {
+                wheel(-120, column, 50);
+            }
+        },
+        [&] {
+            scene.Mouse_Over(grey, 500 + 100 * ++moves);
+            send(0x401, 0, 0);
+        },
+        [&] {
+            send(WM_LBUTTONDOWN, MK_LBUTTON, place(200, 150));
+            send(WM_MOUSEMOVE, MK_LBUTTON, place(300, 200));
+            send(WM_MOUSEMOVE, MK_LBUTTON, place(400, 250));
+            send(WM_LBUTTONUP, 0, place(400, 250));
+        },
+        [&] { wheel(120, 300, 200); },
+        [&] { send(WM_SIZE, 0, place(700, 300)); },
+        [&] {  // reset
+            send(WM_LBUTTONDOWN, MK_LBUTTON, place(60, 15));
+            send(WM_LBUTTONUP, 0, place(60, 15));
+        },
+        [&] { send(WM_MOUSELEAVE, 0, 0); },
+    };
+    Expect_Balance("Kit_Panels.dll", steps);
+    Expect_Balance("Kit_Widgets.dll", steps);
+    Expect_Balance("Kit_Graph.dll", steps);
 }
 
 TEST(Histo_Gdi, nothing_is_deleted_twice_when_the_last_panel_goes) {

@@ -37,11 +37,13 @@ TEST(Command_Line, takes_names_that_begin_with_a_dash_after_two_dashes) {
     const Command_Line line = Parse({"--", "--trace", "-"});
     EXPECT_EQ(line.files, (std::vector<std::string>{"--trace", "-"}));
     EXPECT_FALSE(line.trace);
+    EXPECT_FALSE(line.check);
+    EXPECT_TRUE(Parse({"--check"}).check);
 }
 
 TEST(Command_Line, help_names_every_option) {
     const std::string help = Command_Line_Help();
-    for (const char* option : {"--labels", "--trace", "--report", "--help"}) {
+    for (const char* option : {"--labels", "--trace", "--check", "--report", "--help"}) {
         EXPECT_NE(help.find(option), std::string::npos) << option;
     }
     EXPECT_TRUE(Parse({"--help"}).help);

@@ -20,6 +20,8 @@ Command_Line Command_Line_Parse(std::span<const std::string> arguments) {
             line.help = true;
         } else if (argument == "--trace") {
             line.trace = true;
+        } else if (argument == "--check") {
+            line.check = true;
         } else if (argument == "--labels") {
             take_value(line.labels);
         } else if (argument == "--report") {
@@ -38,6 +40,7 @@ std::string Command_Line_Help() {
            "\n"
            "  --labels FILE   label volume: loaded if it is there, and where the labels are saved\n"
            "  --trace         open the trace view from the start\n"
+           "  --check         warn when the application breaks its contract with the panels\n"
            "  --report FILE   append machine-readable lines about what happens to FILE\n"
            "  --help          show this text\n";
 }

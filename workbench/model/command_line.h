@@ -8,6 +8,7 @@
 struct Command_Line {
     bool help = false;
     bool trace = false;              ///< --trace: the trace view is open from the start
+    bool check = false;              ///< --check: the kits watch what the application owes the panels
     std::string labels;              ///< --labels FILE: loaded if it is there, and where "Save labels" writes
     std::string report;              ///< --report FILE: machine-readable lines are appended to it
     std::vector<std::string> files;  ///< volumes; the first one is shown

@@ -1,0 +1,74 @@
+/** Drawing of tree rows with GDI, for tool_db_fct.cpp. Windows only. */
+#pragma once
+
+#include "win32/gdi_handles.h"
+
+#include "database/text_widths.h"
+#include "database/tree_rows.h"
+#include "host/kit_widgets.h"
+
+/** The device context of a box's window, cut at the box on demand. */
+class Tree_DC {
+  public:
+    /** @param label names the operation when there is none */
+    Tree_DC(const Boxs& box, const char* label) : window(box.window), dc(Y_setup(box.window, label)) {}
+    ~Tree_DC() {
+        if (dc != nullptr) {
+            Y_release(window, dc);
+        }
+    }
+    Tree_DC(const Tree_DC&) = delete;
+    Tree_DC& operator=(const Tree_DC&) = delete;
+    explicit operator bool() const { return dc != nullptr; }
+    HDC Get() const { return dc; }
+
+  private:
+    HWND window;
+    HDC dc;
+};
+
+/** The pixels of a box as a clip region: regions are in device units. */
+Gdi_Region Tree_Region(HDC dc, const Boxs& box);
+
+/** The two fonts of all trees. Created with the first box that draws, and kept; the system's font where that failed. */
+class Tree_Fonts {
+  public:
+    static Tree_Fonts For(const Boxs& box);
+    HFONT Get(Tree_Font font) const { return font == Tree_Font::Bold ? bold : regular; }
+
+  private:
+    HFONT regular = nullptr;
+    HFONT bold = nullptr;
+};
+
+/** Measures texts with a device context. A tab counts three average character widths more than the system says. */
+class Gdi_Text_Measurer final : public Text_Measurer {
+  public:
+    Gdi_Text_Measurer(HDC with_dc, const Tree_Fonts& with_fonts) : dc(with_dc), fonts(with_fonts) {}
+    int Width(Tree_Font font, const char* text) override;
+    Fonts Fonts_Get() const override { return {fonts.Get(Tree_Font::Regular), fonts.Get(Tree_Font::Bold)}; }
+
+  private:
+    HDC dc;
+    Tree_Fonts fonts;
+};
+
+/** What a drawing of the rows starts from. */
+struct Tree_View {
+    const Boxs* box = nullptr;
+    int horizontal = 0;  ///< scroll positions, pixels
+    int vertical = 0;
+    int space = 0;  ///< "$INTERFACE_SPACE_DIM"
+
+    int Left() const { return box->x - horizontal + space; }
+    int Top() const { return box->y + box->height + vertical; }  ///< of the tree, in the window's axis (upward)
+    int Row_Y(int row) const { return Top() - Tree_Row_Middle(row); }
+    int First_Row() const { return vertical / DB_ROW_HEIGHT; }
+    int Last_Row() const { return First_Row() + box->height / DB_ROW_HEIGHT + 1; }
+};
+
+/** Fills the box and draws the displayed rows that the view covers. */
+void Tree_Paint(HDC dc, const Tree_View& view, int nb, const DB_List* list_pt, Text_Widths& widths);
+/** Draws the outline of a rectangle (left, bottom, right, top; corners included) inverting: a second time erases it.
+ *  @return false when nothing was drawn */
+bool Tree_Band_Paint(HDC dc, const Boxs& box, const int (&erase)[4], bool erases, const int (&band)[4]);

@@ -1,0 +1,13 @@
+/** The file view: folders, loaded image files and their frames. */
+#pragma once
+
+#include "database/tool_db_list.h"
+
+class KIT_PANELS_API Tool_DB_File : public Tool_DB_List {
+  public:
+    explicit Tool_DB_File(int mode_word);
+    /** `level`, `parent` and `object` are not used: the whole table is listed. */
+    unsigned short List_Create_From_DB(int* nb, DB_List** list_pt, int level, int parent, void* object) override;
+    void List_Select_From_DB(int nb, DB_List* list_pt) override;
+    void List_Select_To_DB(int nb, DB_List* list_pt) override;
+};

@@ -1,0 +1,90 @@
+/** The database panel: a scrollable tree of check-box rows with "Select All" and "Select None", or, with DB_MODE_EDIT,
+ *  the editor of the class tree. */
+#pragma once
+
+#include <memory>
+
+#include "database/db_list.h"
+#include "host/kit_dataset.h"
+#include "host/kit_widgets.h"
+#include "panels/kit_panels.h"
+
+inline constexpr int DB_WARNING_LABELS = 2;  ///< the title " Warning!" and the alternating line
+
+/** The records of a panel. Copies of a panel share them. */
+struct DB_Rows {
+    int nb = 0;
+    DB_List* list_pt = nullptr;
+    DB_Rows() = default;
+    ~DB_Rows();
+    DB_Rows(const DB_Rows&) = delete;
+    DB_Rows& operator=(const DB_Rows&) = delete;
+};
+
+/** Abstract: a view implements the three virtual operations. There is no virtual destructor: panels are destroyed as
+ *  what they were made, and views add no members. */
+class KIT_PANELS_API Tool_DB_List {
+  public:
+    Tool_DB_List();
+    ~Tool_DB_List();
+    Tool_DB_List(const Tool_DB_List& other);             ///< shares the records
+    Tool_DB_List& operator=(const Tool_DB_List& other);  ///< shares the records
+
+    /** Appends the record of `object` (null: the view's root) and those of its subtree.
+     *  @param nb, list_pt the array, grown by one record at a time. @param level, parent of the first new record
+     *  @return class view: records appended; file view: 1; 0 after a memory error */
+    virtual unsigned short List_Create_From_DB(int* nb, DB_List** list_pt, int level, int parent, void* object) = 0;
+    /** The host's selection into `state` of the leaves. */
+    virtual void List_Select_From_DB(int nb, DB_List* list_pt) = 0;
+    /** The checked leaves into the host's objects; asks the host to update and redraw. */
+    virtual void List_Select_To_DB(int nb, DB_List* list_pt) = 0;
+
+    /** Lays the panel out in the host's box. @return 1 */
+    int Resize(Boxs* box);
+    /** @return the height wanted for a tree of `rows` rows, pixels */
+    int Height(unsigned short rows);
+    void Draw();
+    /** @return 1 when the event was taken, else 0 */
+    int Click(int up_down);
+    int Motion(int up_down);
+    int Scroll(int delta);
+    /** KEY_DELETE edits in edit mode. @return 0: the host goes on handling the key */
+    int Keyboard(int key);
+    void Leave();
+    /** UPDATE_STRUCTURE rebuilds; UPDATE_WINDOW_CUR and UPDATE_SELECTION (with a level bit) read the selection anew. */
+    void Update(unsigned __int64 flags);
+    /** Frees the records of a panel, and ends a drag that it owns. */
+    void List_Free(Tool_DB_List* list);
+
+    Boxs panel_box;
+    Boxs spare_box;  ///< never laid out
+    Boxs list_box;   ///< the tree
+    Boxs top_zone;   ///< auto-scroll zones
+    Boxs bottom_zone;
+    Boxs left_zone;
+    Boxs right_zone;
+    Labels warning[DB_WARNING_LABELS];
+    Sliders vertical;    ///< pixels from the top of the tree
+    Sliders horizontal;  ///< pixels from its left
+    Buttons select_all;
+    Buttons select_none;
+    std::shared_ptr<DB_Rows> rows;  ///< null only after a failed allocation
+    int mode = 0;                   ///< dimension and DB_MODE_* bits
+
+    int Nb() const { return rows != nullptr ? rows->nb : 0; }
+    DB_List* List_Pt() const { return rows != nullptr ? rows->list_pt : nullptr; }
+
+  private:
+    bool Is_Editor() const { return (mode & DB_MODE_EDIT) != 0; }
+    void Tree_Draw();
+    void Tree_Click(int up_down);
+    void Tree_Motion(int up_down);
+    void Sliders_Draw();
+    bool Slider_Takes(Sliders& slider, int up_down);
+    bool Drag_Scroll();
+    void Select_Every(Buttons& button, std::uint16_t check);
+    void Show_Changed();
+    void Rebuild();
+    void Take_Window();
+    void Take_Selection();
+};

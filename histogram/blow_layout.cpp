@@ -1,0 +1,87 @@
+#include "histogram/blow_layout.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int CLIENT_MARGIN = 1;        // pixels round the plot box
+constexpr int SELECT_EMS_TENTHS = 146;  // twice the longest caption, because the field has as much room
+constexpr int SELECT_PADDING = 16;      // pixels beside caption and field
+constexpr int SELECT_FONT_MIN = 10;     // pixels; smaller letters cannot be told apart
+constexpr int SELECT_ROW_PADDING = 8;   // pixels above and below the letters in the lowest row
+constexpr int CONTROLS_PERCENT = 40;    // of the plot box's height that the controls may cover
+
+/** Width at which a selector shows caption and choice. */
+int Select_Width(int font_height, int arrow) {
+    return font_height * SELECT_EMS_TENTHS / 10 + SELECT_PADDING + 2 * arrow;
+}
+
+int Slot_Width(const Blow_Metrics& metrics, int plot_width, int per_row) {
+    return std::max((plot_width - (per_row + 1) * metrics.space) / per_row, 0);
+}
+
+struct Select_Rows {
+    int per_row = 1;
+    int height = 0;
+};
+
+int Controls_Height(const Blow_Metrics& metrics, const Select_Rows& rows) {
+    const int row_nb = (metrics.select_nb + rows.per_row - 1) / rows.per_row;
+    return 2 * metrics.space + metrics.button_height + row_nb * (rows.height + metrics.space);
+}
+
+Select_Rows Select_Rows_Choose(const Blow_Metrics& metrics, const Histo_Rectangle& plot) {
+    const int arrow = metrics.button_height * 2 / 3;
+    Select_Rows rows{metrics.select_nb, metrics.button_height};
+    while (rows.per_row > 1 &&
+           Slot_Width(metrics, plot.width, rows.per_row) < Select_Width(metrics.font_height, arrow)) {
+        --rows.per_row;
+    }
+    const int height_max = plot.height * CONTROLS_PERCENT / 100;
+    const auto too_high = [&] { return Controls_Height(metrics, rows) > height_max; };
+    // A low window: first flatter rows, then more in each row while small letters can still be read.
+    if (too_high()) {
+        rows.height = std::min(metrics.button_height, metrics.font_height + SELECT_ROW_PADDING);
+    }
+    while (too_high() && rows.per_row < metrics.select_nb &&
+           Slot_Width(metrics, plot.width, rows.per_row + 1) * 10 >= Select_Width(SELECT_FONT_MIN, 0) * 8) {
+        ++rows.per_row;
+    }
+    return rows;
+}
+
+}  // namespace
+
+Blow_Layout Blow_Layout_Make(const Blow_Metrics& metrics) {
+    Blow_Layout layout;
+    Histo_Rectangle& plot = layout.plot;
+    plot = {CLIENT_MARGIN, CLIENT_MARGIN, std::max(metrics.client_width - 2 * CLIENT_MARGIN, 0),
+            std::max(metrics.client_height - 2 * CLIENT_MARGIN, 0)};
+    const int top = plot.y + plot.height;
+    const int button_width = std::max((plot.width - 3 * metrics.space) / 2, 0);
+    int y = top - metrics.space - metrics.button_height;
+    layout.reset_button = {plot.x + metrics.space, y, button_width, metrics.button_height};
+    layout.export_button = {layout.reset_button.x + button_width + metrics.space, y, button_width,
+                            metrics.button_height};
+    layout.select_font = metrics.font_height;
+    if (metrics.select_nb > 0) {
+        const Select_Rows rows = Select_Rows_Choose(metrics, plot);
+        const int slot = Slot_Width(metrics, plot.width, rows.per_row);
+        layout.select_arrow = rows.height * 2 / 3;
+        if (slot < Select_Width(metrics.font_height, layout.select_arrow)) {
+            layout.select_arrow = 0;
+            const int fitting = (slot - SELECT_PADDING) * 10 / SELECT_EMS_TENTHS;
+            layout.select_font = std::min(metrics.font_height, std::max(fitting, SELECT_FONT_MIN));
+        }
+        for (int i = 0; i < metrics.select_nb; ++i) {
+            const int column = i % rows.per_row;
+            if (column == 0) {
+                y -= metrics.space + rows.height;
+            }
+            layout.select[static_cast<std::size_t>(i)] = {plot.x + metrics.space + column * (slot + metrics.space), y,
+                                                          slot, rows.height};
+        }
+    }
+    layout.top_reserved = std::max(top - y + metrics.space, 0);
+    return layout;
+}

@@ -1,0 +1,46 @@
+#include "histogram/tool_histo_export.h"
+
+#include <cstdio>
+
+#include "histogram/tool_histo.h"
+#include "histogram/tool_histo_blow.h"
+#include "host/kit_dataset.h"
+#include "panels/host_variables.h"
+
+namespace {
+
+constexpr const char* DIALOG_TITLE = "Write histogram info to file";
+constexpr const char* DEFAULT_NAME = "histogram";
+constexpr const char* EXTENSION = "csv";
+
+/** The name that the dialog begins with. */
+void Default_Name(char (&name)[FILE_NAME_SIZE]) {
+    // The folder's text carries its own separator at the end.
+    const char* folder = Host_Pointer<const char>("$DEFAULT_FILE_PATH");
+    std::snprintf(name, sizeof name, "%s%s", folder != nullptr ? folder : "", DEFAULT_NAME);
+}
+
+}  // namespace
+
+int Histo_Export(Tool_Histo& panel, Buttons& button) {
+    // Paths are too long for the stack; the window lets no second export begin while the first one asks.
+    static char initial_name[FILE_NAME_SIZE];
+    static char path[FILE_NAME_SIZE];
+    const HWND window = histo_blow.window;
+    button.current = 1;
+    button.Adjust();
+    Default_Name(initial_name);
+    Host_Count("$REGIONAL_SEPARATOR");  // looked up and not used; writing reads it again
+    const char* filter =
+        Fct_Create_szFilter(2, "DB Files", "$FILE_EXTENSION_EXCEL", "All Files", "$FILE_EXTENSION_ALL");
+    path[0] = 0;
+    const bool confirmed = Fct_Save_FileName(DIALOG_TITLE, filter, initial_name, EXTENSION, path, 0) != 0;
+    const bool panel_lives = histo_blow.window == window && histo_blow.panel == &panel;
+    const int written = confirmed && panel_lives ? panel.Write(path) : 0;
+    button.current = 0;
+    if (histo_blow.window == window) {
+        button.Deselect();
+        button.Adjust();
+    }
+    return written;
+}

@@ -1,0 +1,123 @@
+// The database column: views, find, and the editor of the class trees.
+#include <functional>
+#include <numeric>
+#include <string>
+#include <utility>
+
+#include "workbench/application.h"
+#include "workbench/wide_text.h"
+
+Database_Host Application::Database_Services() {
+    Database_Host services;
+    services.run = [this](const std::function<void()>& event) { Database_Run(event); };
+    services.may_remove = [this](const std::string& name) { return May_Remove_Class(name); };
+    services.width_set = [this](int width) {
+        database_width = width;
+        Lay_Out();
+    };
+    services.changed = [this] { Lay_Out(); };
+    return services;
+}
+
+void Application::Execute_Database(Command command) {
+    switch (command) {
+        case Command::DATABASE:
+            return Database_Show(!database.Is_Shown());
+        case Command::DATABASE_FIND:
+            Database_Show(true);
+            return database.Find_Begin();
+        case Command::DATABASE_EXPAND:
+        case Command::DATABASE_COLLAPSE:
+            Database_Show(true);
+            return database.Expand_All(command == Command::DATABASE_EXPAND);
+        default: {
+            const bool is_on = database.Is_Shown() && database.Is_Editor();
+            Database_Show(true);
+            return database.Editor_Set(!is_on);
+        }
+    }
+}
+
+void Application::Database_Show(bool shown) {
+    if (database.Is_Shown() == shown) {
+        return;
+    }
+    database.Show(shown);
+    Lay_Out();
+    database.Lay_Out();
+}
+
+void Application::Database_Run(const std::function<void()>& event) {
+    ++database_events;
+    try {
+        event();
+    } catch (...) {
+        --database_events;
+        throw;
+    }
+    if (--database_events > 0) {
+        return;
+    }
+    Quorel_2D* const frame = std::exchange(database_frame, nullptr);
+    const unsigned __int64 flags = std::exchange(database_flags, 0);
+    if (Has_All(flags, UPDATE_SELECTION | UPDATE_LEVEL_2D)) {
+        Selection_Taken();
+    }
+    const int wanted = objects.Slice_Of(frame);
+    if (wanted >= 0 && wanted != slice) {
+        Slice_Show(wanted, false);
+    }
+    if (flags != 0) {
+        On_Panel_Request(flags);
+    }
+    if (std::exchange(is_redraw_asked, false)) {
+        image.Refresh();
+    }
+}
+
+void Application::Selection_Taken() {
+    is_histogram_of_checked = true;
+    is_histogram_of_shown = false;
+}
+
+bool Application::May_Remove_Class(const std::string& class_name) {
+    const std::wstring question = L"Take \"" + Wide_Of_Panel(class_name.c_str()) +
+                                  L"\" out of the class tree?\n\nIts children move up to its parent.";
+    return ::MessageBoxW(window.Handle(), question.c_str(), L"Class tree", MB_YESNO | MB_ICONQUESTION) == IDYES;
+}
+
+void Application::Report_Database() {
+    const Tool_DB_List& panel = database.Panel();
+    const DB_List* const rows = panel.List_Pt();
+    int leaves = 0;
+    int checked = 0;
+    int shown = 0;
+    for (int at = 0; rows != nullptr && at < panel.Nb(); ++at) {
+        const bool is_leaf = (rows[at].flag & DB_FLAG_LEAF) != 0;
+        leaves += is_leaf ? 1 : 0;
+        checked += is_leaf && (rows[at].state & DB_STATE_CHECKED) != 0 ? 1 : 0;
+        shown += rows[at].row != DB_ROW_NONE ? 1 : 0;
+        // Enough of the tree to click on: array index, level, display row, marks, and what stands there.
+        if (at < 100) {
+            report.Line("db_row " + std::to_string(at) + " " + std::to_string(rows[at].level) + " " +
+                        std::to_string(rows[at].row) + " " + std::to_string(rows[at].state) + " " +
+                        (rows[at].title != nullptr ? rows[at].title : "") + ": " +
+                        (rows[at].name != nullptr ? rows[at].name : ""));
+        }
+    }
+    report.Line("db_nb " + std::to_string(panel.Nb()));
+    report.Line("db_leaves " + std::to_string(leaves));
+    report.Line("db_checked " + std::to_string(checked));
+    report.Line("db_shown " + std::to_string(shown));
+    report.Line("db_scroll " + std::to_string(static_cast<int>(panel.vertical.value)));
+    report.Line(std::string("db_editor ") + (database.Is_Editor() ? "1" : "0"));
+    report.Line("histogram_bins " + std::to_string(histogram_panel.data != nullptr && histogram_panel.data->Has_Counts()
+                                                       ? histogram_panel.data->record->nb_bins
+                                                       : 0));
+    unsigned long long pixels = 0;
+    if (histogram_panel.data != nullptr && histogram_panel.data->Has_Counts()) {
+        const Histo_Record& record = *histogram_panel.data->record;
+        pixels = std::accumulate(record.counts, record.counts + record.nb_bins, 0ULL);
+    }
+    report.Line("histogram_pixels " + std::to_string(pixels));
+}

@@ -1,0 +1,334 @@
+#include "workbench/database/database_pane.h"
+
+#include <windowsx.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "kits/widgets/widgets_host.h"
+#include "win32/gdi_handles.h"
+
+namespace {
+
+constexpr int tab_height = 26;  // pixels at 96 dots per inch
+constexpr int find_height = 24;
+constexpr int gap = 6;
+constexpr int button_width = 26;
+constexpr int edit_width = 74;
+constexpr int edge = 5;                    // the left edge, by which the column is made wider
+constexpr unsigned short tree_grey = 140;  // yellow, blue, red and black texts can all be read on it
+constexpr int tree_font = 13;
+constexpr int width_least = 240;
+constexpr int find_field_id = 1;
+constexpr UINT find_cue_banner = 0x1501;  // EM_SETCUEBANNER
+constexpr int button_nb = 3;              // expand all, collapse all, edit
+
+constexpr const wchar_t* tab_text[DATABASE_VIEW_NB] = {L"Files", L"2D classes", L"3D classes", L"1D classes"};
+constexpr const wchar_t* button_text[button_nb] = {L"+", L"\u2212", L"Edit"};
+constexpr int view_mode[DATABASE_VIEW_NB] = {2, 2, 3, 1};
+
+}  // namespace
+
+/** Hands every event of a panel to the application, which does what the panel asked for when the event is over. */
+class Database_Pane::Relay : public Panel_Base {
+  public:
+    Relay(Tree_Base& hosted, const std::function<void(const std::function<void()>&)>& runner)
+        : base(hosted), run(runner) {}
+    void Resize(Boxs* box) override { base.Resize(box); }
+    int Height() override { return base.Height(); }
+    void Draw() override { base.Draw(); }
+    int Click(int up_down) override {
+        return Run([&] { return base.Click(up_down); });
+    }
+    int Motion(int up_down) override {
+        return Run([&] { return base.Motion(up_down); });
+    }
+    int Scroll(int notches) override { return base.Scroll(notches); }
+    int Keyboard(int key) override {
+        return Run([&] { return base.Keyboard(key); });
+    }
+    void Leave() override { base.Leave(); }
+    void Update(unsigned __int64 flags) override { base.Update(flags); }
+
+  private:
+    template <class Call>
+    int Run(Call call) {
+        int result = 0;
+        run([&] { result = call(); });
+        return result;
+    }
+    Tree_Base& base;
+    const std::function<void(const std::function<void()>&)>& run;
+};
+
+Database_Pane::Database_Pane(const Look& shared_look, Database_Host application)
+    : look(shared_look), host(std::move(application)) {
+    Panel_Make(static_cast<int>(Database_View::FILES), std::make_shared<Tool_DB_File>(view_mode[0]));
+    for (int at = 1; at < DATABASE_VIEW_NB; ++at) {
+        Panel_Make(at, std::make_shared<Tool_DB_Class>(view_mode[at]));
+        Panel_Make(EDITOR_FIRST + at - 1, std::make_shared<Tool_DB_Class>(view_mode[at] | DB_MODE_EDIT));
+    }
+}
+
+Database_Pane::~Database_Pane() = default;
+
+void Database_Pane::Panel_Make(int at, std::shared_ptr<Tool_DB_List> panel) {
+    Hosted& hosted = panels[static_cast<std::size_t>(at)];
+    hosted.panel = std::move(panel);
+    hosted.base = std::make_unique<Tree_Base>(*hosted.panel, look, host.may_remove);
+    hosted.relay = std::make_unique<Relay>(*hosted.base, host.run);
+    hosted.host = std::make_unique<Panel_Host>(*hosted.relay, look, [](int, int) {});
+    hosted.host->Face_Set(tree_grey, tree_font);
+}
+
+bool Database_Pane::Make(HWND parent) {
+    if (!Create(parent, WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, L"Database")) {
+        return false;
+    }
+    for (const Hosted& hosted : panels) {
+        if (hosted.host && !hosted.host->Make(Handle(), Window_Axis::Up)) {
+            return false;
+        }
+    }
+    find_field = ::CreateWindowExW(0, L"EDIT", L"", WS_CHILD | WS_VISIBLE | WS_BORDER | ES_AUTOHSCROLL, 0, 0, 10, 10,
+                                   Handle(), reinterpret_cast<HMENU>(static_cast<INT_PTR>(find_field_id)),
+                                   ::GetModuleHandleW(nullptr), nullptr);
+    if (find_field == nullptr) {
+        return false;
+    }
+    ::SendMessageW(find_field, find_cue_banner, TRUE, reinterpret_cast<LPARAM>(L"Find"));
+    return true;
+}
+
+int Database_Pane::Shown() const {
+    if (!find_text.empty() && panels[FIND].panel != nullptr) {
+        return FIND;
+    }
+    return is_editor && view != Database_View::FILES ? EDITOR_FIRST + static_cast<int>(view) - 1
+                                                     : static_cast<int>(view);
+}
+
+int Database_Pane::Top_Height() const {
+    return look.Px(tab_height) + look.Px(find_height) + 3 * look.Px(gap);
+}
+
+RECT Database_Pane::Tab(int at) const {
+    const int left = look.Px(edge) + look.Px(gap);
+    const int width = (Client().right - left - look.Px(gap)) / DATABASE_VIEW_NB;
+    const int top = look.Px(gap);
+    return {left + at * width, top, left + (at + 1) * width, top + look.Px(tab_height)};
+}
+
+RECT Database_Pane::Button(int at) const {
+    const int top = look.Px(tab_height) + 2 * look.Px(gap);
+    int right = Client().right - look.Px(gap);
+    for (int behind = button_nb - 1; behind > at; --behind) {
+        right -= look.Px(behind == button_nb - 1 ? edit_width : button_width) + look.Px(gap);
+    }
+    const int width = look.Px(at == button_nb - 1 ? edit_width : button_width);
+    return {right - width, top, right, top + look.Px(find_height)};
+}
+
+void Database_Pane::Lay_Out() {
+    const RECT client = Client();
+    if (client.right <= 0 || client.bottom <= 0) {
+        return;
+    }
+    const int left = look.Px(edge) + look.Px(gap);
+    const int top = look.Px(tab_height) + 2 * look.Px(gap);
+    ::SendMessageW(find_field, WM_SETFONT, reinterpret_cast<WPARAM>(look.Font()), TRUE);
+    ::SetWindowPos(find_field, nullptr, left, top, std::max<int>(Button(0).left - look.Px(gap) - left, 10),
+                   look.Px(find_height), SWP_NOZORDER | SWP_NOACTIVATE);
+    for (Hosted& hosted : panels) {
+        if (hosted.host) {
+            hosted.host->Place({left, Top_Height(), std::max<LONG>(client.right - look.Px(gap), left + 1),
+                                std::max<LONG>(client.bottom - look.Px(gap), Top_Height() + 1)});
+        }
+    }
+    Show_Panel();
+    Invalidate();
+}
+
+void Database_Pane::Show_Panel() {
+    const int shown = Shown();
+    for (int at = 0; at < PANEL_NB; ++at) {
+        Hosted& hosted = panels[static_cast<std::size_t>(at)];
+        if (!hosted.host) {
+            continue;
+        }
+        if (at == shown && Is_Shown()) {
+            hosted.host->Lay_Out();
+            hosted.host->Update(std::exchange(hosted.pending, 0));
+        }
+        hosted.host->Show(at == shown);
+    }
+}
+
+void Database_Pane::Update(unsigned __int64 flags) {
+    for (int at = 0; at < PANEL_NB; ++at) {
+        Hosted& hosted = panels[static_cast<std::size_t>(at)];
+        if (hosted.host && at == Shown() && Is_Shown()) {
+            hosted.host->Update(flags);
+        } else {
+            hosted.pending |= flags;  // nobody sees it: told when it is shown
+        }
+    }
+}
+
+void Database_Pane::View_Set(Database_View wanted) {
+    view = wanted;
+    ::SetWindowTextW(find_field, L"");
+    Show_Panel();
+    Invalidate();
+    host.changed();
+}
+
+void Database_Pane::Editor_Set(bool on) {
+    is_editor = on;
+    if (on && view == Database_View::FILES) {
+        view = Database_View::CLASSES_3D;
+    }
+    View_Set(view);
+}
+
+void Database_Pane::Expand_All(bool open) {
+    Hosted& hosted = panels[static_cast<std::size_t>(Shown())];
+    hosted.host->Buffered([&] { hosted.base->Expand_All(open); });
+}
+
+void Database_Pane::Find_Begin() {
+    ::SetFocus(find_field);
+    ::SendMessageW(find_field, EM_SETSEL, 0, -1);
+}
+
+void Database_Pane::Find_Changed() {
+    std::wstring text(static_cast<std::size_t>(::GetWindowTextLengthW(find_field)) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(::GetWindowTextW(find_field, text.data(), static_cast<int>(text.size()))));
+    if (text == find_text) {
+        return;
+    }
+    find_text = text;
+    Show_Panel();
+}
+
+HWND Database_Pane::Panel_Window() const {
+    return panels[static_cast<std::size_t>(Shown())].host->Handle();
+}
+
+Panel_Host* Database_Pane::Panel_At(POINT screen) const {
+    const HWND under = ::WindowFromPoint(screen);
+    for (const Hosted& hosted : panels) {
+        if (hosted.host && hosted.host->Handle() == under) {
+            return hosted.host.get();
+        }
+    }
+    return nullptr;
+}
+
+bool Database_Pane::Key_Message(const MSG& message) {
+    if (message.hwnd != find_field || message.message != WM_KEYDOWN) {
+        return false;
+    }
+    if (message.wParam != VK_ESCAPE && message.wParam != VK_RETURN) {
+        return false;
+    }
+    if (message.wParam == VK_ESCAPE) {
+        ::SetWindowTextW(find_field, L"");
+    }
+    ::SetFocus(::GetAncestor(Handle(), GA_ROOT));
+    return true;
+}
+
+void Database_Pane::Paint() {
+    const Buffered_Paint paint(Handle());
+    const HDC dc = paint.Dc();
+    Fill(dc, paint.Client(), look.ground);
+    Fill(dc, {0, 0, 1, paint.Client().bottom}, look.line);
+    for (int at = 0; at < DATABASE_VIEW_NB; ++at) {
+        const RECT tab = Tab(at);
+        const bool is_shown = static_cast<int>(view) == at;
+        Fill(dc, tab, is_shown ? look.heading_hover : look.heading);
+        if (is_shown) {
+            Fill(dc, {tab.left, tab.bottom - look.Px(2), tab.right, tab.bottom}, look.accent);
+        }
+        Draw_Line(dc, tab, tab_text[at], is_shown ? look.Bold() : look.Font(), is_shown ? look.text : look.text_grey,
+                  DT_CENTER);
+    }
+    for (int at = 0; at < button_nb; ++at) {
+        const bool is_on = at == button_nb - 1 && is_editor;
+        const RECT button = Button(at);
+        Fill(dc, button, is_on ? look.accent : look.heading);
+        Draw_Line(dc, button, button_text[at], look.Bold(), look.text, DT_CENTER);
+    }
+}
+
+void Database_Pane::Press(POINT point) {
+    if (point.x < look.Px(edge)) {
+        is_dragged = true;
+        ::SetCapture(Handle());
+        return;
+    }
+    for (int at = 0; at < DATABASE_VIEW_NB; ++at) {
+        const RECT tab = Tab(at);
+        if (::PtInRect(&tab, point) != 0) {
+            return View_Set(static_cast<Database_View>(at));
+        }
+    }
+    for (int at = 0; at < button_nb; ++at) {
+        const RECT button = Button(at);
+        if (::PtInRect(&button, point) != 0) {
+            return at == button_nb - 1 ? Editor_Set(!is_editor) : Expand_All(at == 0);
+        }
+    }
+}
+
+LRESULT Database_Pane::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
+    const POINT point = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
+    switch (message) {
+        case WM_SIZE:
+            Lay_Out();
+            return 0;
+        case WM_PAINT:
+            Paint();
+            return 0;
+        case WM_ERASEBKGND:
+            return 1;
+        case WM_COMMAND:
+            if (LOWORD(wparam) == find_field_id && HIWORD(wparam) == EN_CHANGE) {
+                Find_Changed();
+            }
+            return 0;
+        case WM_CTLCOLOREDIT:
+            ::SetTextColor(reinterpret_cast<HDC>(wparam), look.text);
+            ::SetBkColor(reinterpret_cast<HDC>(wparam), look.heading);
+            ::SetDCBrushColor(reinterpret_cast<HDC>(wparam), look.heading);
+            return reinterpret_cast<LRESULT>(::GetStockObject(DC_BRUSH));
+        case WM_SETCURSOR: {
+            POINT pointer = {};
+            ::GetCursorPos(&pointer);
+            ::ScreenToClient(Handle(), &pointer);
+            if (reinterpret_cast<HWND>(wparam) == Handle() && pointer.x < look.Px(edge)) {
+                ::SetCursor(::LoadCursorW(nullptr, MAKEINTRESOURCEW(32644)));  // sizing, left and right
+                return TRUE;
+            }
+            return Window_Base::On_Message(message, wparam, lparam);
+        }
+        case WM_LBUTTONDOWN:
+            Press(point);
+            return 0;
+        case WM_MOUSEMOVE:
+            if (is_dragged) {
+                host.width_set(std::max<int>(Client().right - point.x, look.Px(width_least)));
+            }
+            return 0;
+        case WM_LBUTTONUP:
+        case WM_CAPTURECHANGED:
+            is_dragged = false;
+            if (message == WM_LBUTTONUP) {
+                ::ReleaseCapture();
+            }
+            return 0;
+        default:
+            return Window_Base::On_Message(message, wparam, lparam);
+    }
+}

@@ -1,0 +1,91 @@
+/** The column at the right: the loaded files and the class trees as database panels, a find field, and the editor of
+ *  the class trees. */
+#pragma once
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "database/tool_db_class.h"
+#include "database/tool_db_file.h"
+#include "workbench/database/tree_base.h"
+
+/** What the column shows. */
+enum class Database_View { FILES, CLASSES_2D, CLASSES_3D, CLASSES_1D };
+inline constexpr int DATABASE_VIEW_NB = 4;
+
+/** What the column needs of the application. */
+struct Database_Host {
+    std::function<void(const std::function<void()>&)>
+        run;                                             ///< runs an event of a panel: what it asks for is done after
+    std::function<bool(const std::string&)> may_remove;  ///< asks before a class is taken out of its tree
+    std::function<void(int)> width_set;                  ///< the user drags the column's left edge
+    std::function<void()> changed;                       ///< view or editor was switched
+};
+
+class Database_Pane : public Window_Base {
+  public:
+    Database_Pane(const Look& shared_look, Database_Host application);
+    ~Database_Pane() override;
+    bool Make(HWND parent);
+
+    /** Places everything anew, for example after a change of the look. */
+    void Lay_Out();
+    /** To all panels, also to those that are hidden. */
+    void Update(unsigned __int64 flags);
+
+    void View_Set(Database_View wanted);
+    Database_View View() const { return view; }
+    /** The editor in place of the check-box tree; the files have none. */
+    void Editor_Set(bool on);
+    bool Is_Editor() const { return is_editor; }
+    void Expand_All(bool open);
+    /** Puts the keyboard into the find field. */
+    void Find_Begin();
+    const std::wstring& Find_Text() const { return find_text; }
+
+    /** The panel under a point of the screen; null: none. */
+    Panel_Host* Panel_At(POINT screen) const;
+    /** The panel shown. */
+    Tool_DB_List& Panel() { return *panels[static_cast<std::size_t>(Shown())].panel; }
+    HWND Panel_Window() const;
+    /** Keys of the find field. @return true: the message is used up */
+    bool Key_Message(const MSG& message);
+
+  protected:
+    LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override;
+
+  private:
+    /** Runs the panel's events through the application. */
+    class Relay;
+    struct Hosted {
+        std::shared_ptr<Tool_DB_List> panel;  // shared: it deletes the panel as what it was made
+        std::unique_ptr<Tree_Base> base;
+        std::unique_ptr<Panel_Base> relay;
+        std::unique_ptr<Panel_Host> host;
+        unsigned __int64 pending = UPDATE_STRUCTURE | UPDATE_WINDOW_CUR;  ///< what it has not been told yet
+    };
+    static constexpr int EDITOR_FIRST = DATABASE_VIEW_NB;  // editors of 2D, 3D, 1D
+    static constexpr int FIND = EDITOR_FIRST + 3;          // what the find field found
+    static constexpr int PANEL_NB = FIND + 1;
+
+    void Panel_Make(int at, std::shared_ptr<Tool_DB_List> panel);
+    int Shown() const;
+    void Show_Panel();
+    void Find_Changed();
+    void Paint();
+    void Press(POINT point);
+    RECT Tab(int at) const;
+    RECT Button(int at) const;
+    int Top_Height() const;
+
+    const Look& look;
+    Database_Host host;
+    std::array<Hosted, PANEL_NB> panels;
+    HWND find_field = nullptr;
+    std::wstring find_text;
+    Database_View view = Database_View::FILES;
+    bool is_editor = false;
+    bool is_dragged = false;
+};

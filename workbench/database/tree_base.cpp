@@ -1,0 +1,225 @@
+#include "workbench/database/tree_base.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "win32/gdi_handles.h"
+#include "workbench/database/tree_keys.h"
+
+namespace {
+
+constexpr int row_height = 18;   // of a row in browse mode, pixels
+constexpr int indentation = 20;  // per level
+constexpr int cell_width = 330;  // of a node in edit mode
+constexpr int cell_height = 50;
+constexpr int node_width = 250;
+
+/** Puts the pointer globals somewhere for as long as it lives. */
+class Pointer_At {
+  public:
+    Pointer_At(HWND window, int x, int y) : kept_x(YCursor_X), kept_y(YCursor_Y) {
+        RECT client = {};
+        ::GetClientRect(window, &client);
+        POINT point = {x, client.bottom - 1 - y};
+        ::ClientToScreen(window, &point);
+        YCursor_X = point.x;
+        YCursor_Y = point.y;
+    }
+    ~Pointer_At() {
+        YCursor_X = kept_x;
+        YCursor_Y = kept_y;
+    }
+    Pointer_At(const Pointer_At&) = delete;
+    Pointer_At& operator=(const Pointer_At&) = delete;
+
+  private:
+    int kept_x;
+    int kept_y;
+};
+
+}  // namespace
+
+Tree_Base::Tree_Base(Tool_DB_List& hosted, const Look& shared_look, std::function<bool(const std::string&)> may_remove)
+    : Panel_Of<Tool_DB_List>(hosted, [](Tool_DB_List& of) { return of.Height(1); }),
+      tree(hosted),
+      look(shared_look),
+      removal_allowed(std::move(may_remove)) {}
+
+void Tree_Base::Draw() {
+    Panel_Of<Tool_DB_List>::Draw();
+    Mark();
+}
+
+int Tree_Base::Click(int up_down) {
+    const int result = Panel_Of<Tool_DB_List>::Click(up_down);
+    is_marked = false;  // the mouse has taken over
+    return result;
+}
+
+int Tree_Base::Motion(int up_down) {
+    const int result = Panel_Of<Tool_DB_List>::Motion(up_down);
+    if (result != 0) {
+        Mark();
+    }
+    return result;
+}
+
+int Tree_Base::Scroll(int notches) {
+    const int result = Panel_Of<Tool_DB_List>::Scroll(notches);
+    Mark();
+    return result;
+}
+
+void Tree_Base::Update(unsigned __int64 flags) {
+    Panel_Of<Tool_DB_List>::Update(flags);
+    current = std::min(current, tree.Nb() - 1);
+    Mark();
+}
+
+int Tree_Base::Row_Of(int record) const {
+    const std::vector<int> shown = Tree_Shown(tree.Nb(), tree.List_Pt());
+    const auto found = std::ranges::lower_bound(shown, record);
+    return found != shown.end() && *found == record ? static_cast<int>(found - shown.begin()) : -1;
+}
+
+int Tree_Base::Row_Y(int row) const {
+    return static_cast<int>(tree.vertical.value) + tree.list_box.y + tree.list_box.height - Tree_Shown_Middle(row);
+}
+
+/** A frame around the current row. */
+void Tree_Base::Mark() {
+    const int row = is_marked && current >= 0 && !Is_Editor() ? Row_Of(current) : -1;
+    if (row < 0) {
+        return;
+    }
+    const Boxs& box = tree.list_box;
+    const HDC dc = Y_setup(box.window, "Tree_Base::Mark");
+    if (dc == nullptr) {
+        return;
+    }
+    {
+        const int middle = Row_Y(row);
+        const Saved_DC saved(dc);
+        ::IntersectClipRect(dc, box.x, box.y, box.x + box.width, box.y + box.height);
+        const Gdi_Pen pen(::CreatePen(PS_SOLID, 1, look.accent));
+        const Selected_Object selected(dc, pen.Get());
+        const int left = box.x;
+        const int right = box.x + box.width - 1;
+        const int low = middle - row_height / 2;
+        const int high = middle + row_height / 2 - 1;
+        const POINT frame[] = {{left, low}, {right, low}, {right, high}, {left, high}, {left, low}};
+        ::Polyline(dc, frame, 5);
+    }
+    Y_release(box.window, dc);
+}
+
+void Tree_Base::Show(int record) {
+    current = record;
+    const int row = Row_Of(record);
+    if (row >= 0) {
+        tree.vertical.value = Tree_Scroll_To(row, tree.vertical.value, tree.list_box.height);
+        tree.vertical.Adjust();
+    }
+    Draw();
+}
+
+void Tree_Base::Go_To(int record) {
+    is_marked = true;
+    Show(record);
+}
+
+void Tree_Base::Expand_All(bool open) {
+    Tree_Expand_All(tree.Nb(), tree.List_Pt(), open);
+    Draw();
+}
+
+/** Checks or unchecks a row as a click on it does, and keeps the other marks. */
+void Tree_Base::Check(int record) {
+    Show(record);
+    const int row = Row_Of(record);
+    if (row < 0) {
+        return;
+    }
+    // Beside the lead cell, which would open or close the branch.
+    const int level = tree.List_Pt()[record].level;
+    const int first = static_cast<int>(tree.horizontal.value) / indentation;
+    const int x = tree.list_box.x + indentation * (first + 1 == level ? 3 : 1) + indentation / 2;
+    const Pointer_At pointer(tree.list_box.window, x, Row_Y(row));
+    const int mode = std::exchange(tree.mode, tree.mode | DB_MODE_ADD);
+    Panel_Of<Tool_DB_List>::Click(MOUSE_PRESS | MOUSE_LEFT);
+    Panel_Of<Tool_DB_List>::Click(0);
+    tree.mode = mode;
+    Draw();
+}
+
+int Tree_Base::Remove() {
+    POINT point = {YCursor_X, YCursor_Y};
+    ::ScreenToClient(tree.list_box.window, &point);
+    RECT client = {};
+    ::GetClientRect(tree.list_box.window, &client);
+    const int y = client.bottom - 1 - point.y;
+    const std::string name = Class_At(tree, point.x, y);
+    if (name.empty()) {
+        return 0;
+    }
+    const bool is_allowed = !removal_allowed || removal_allowed(name);
+    if (is_allowed) {
+        // The question has moved the pointer.
+        const Pointer_At pointer(tree.list_box.window, point.x, y);
+        Panel_Of<Tool_DB_List>::Keyboard(KEY_DELETE);
+    }
+    return 1;
+}
+
+int Tree_Base::Keyboard(int key) {
+    if (Is_Editor()) {
+        return key == KEY_DELETE ? Remove() : Panel_Of<Tool_DB_List>::Keyboard(key);
+    }
+    if (tree.Nb() == 0) {
+        return 0;
+    }
+    if (key == ' ' && current >= 0) {
+        is_marked = true;
+        Check(current);
+        return 1;
+    }
+    switch (key) {
+        case KEY_UP:
+        case KEY_DOWN:
+        case KEY_PAGE_UP:
+        case KEY_PAGE_DOWN:
+        case KEY_HOME:
+        case KEY_END:
+        case KEY_LEFT:
+        case KEY_RIGHT:
+            break;
+        default:
+            return Panel_Of<Tool_DB_List>::Keyboard(key);
+    }
+    const int page = std::max(tree.list_box.height / row_height - 1, 1);
+    const Tree_Step step = Tree_Key_Step(tree.Nb(), tree.List_Pt(), current, key, page);
+    if (step.toggle) {
+        tree.List_Pt()[step.record].flag ^= DB_FLAG_EXPANDED;
+        Draw();  // numbers the rows and sizes the slider
+    }
+    Go_To(step.record);
+    return 1;
+}
+
+std::string Class_At(const Tool_DB_List& editor, int x, int y) {
+    const Boxs& box = editor.list_box;
+    const int tree_x = static_cast<int>(editor.horizontal.value) - box.x + x;
+    const int tree_y = static_cast<int>(editor.vertical.value) + box.y + box.height - y;
+    if (tree_x < 0 || tree_y < 0 || tree_x % cell_width > node_width) {
+        return {};
+    }
+    const DB_List* const list_pt = editor.List_Pt();
+    for (int at = 0; list_pt != nullptr && at < editor.Nb(); ++at) {
+        const DB_List& record = list_pt[at];
+        if (record.level == tree_x / cell_width && record.row == tree_y / cell_height) {
+            const char* text = record.name != nullptr ? record.name : record.title;
+            return text != nullptr ? text : "";
+        }
+    }
+    return {};
+}
