@@ -1,5 +1,7 @@
 // The tree of the database panel with 60,000 rows: redraw, scroll step, click and range selection. Times, not ratios,
 // because a redraw must fit into one picture of a screen; and the calls to GDI, which do not depend on the machine.
+#include "win32/gdi_handles.h"
+
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -27,13 +29,20 @@ struct Shown_Tree {
     Sliders horizontal;
 
     Shown_Tree() {
+        char path[MAX_PATH] = {};
+        ::GetModuleFileNameA(nullptr, path, MAX_PATH - 1);
+        const std::string program = path;
+        Variable_Define_Text("$DEFAULT_ICON_PATH",
+                             (program.substr(0, program.find_last_of("/\\") + 1) + "icons").c_str());
         for (int i = 0; i < RECORD_NB; ++i) {
             const bool branch = i % (LEAVES + 1) == 0;
             const std::string name = "text of record " + std::to_string(i);
             tree.Add(branch ? 0 : 1, branch ? "File" : "Frame", name.c_str());
         }
         tree.Finish();
-        Tree_Uncheck(tree.Nb(), tree.Pt());
+        for (DB_List& record : tree.rows) {
+            record.state = DB_STATE_CHECKED;  // each row with both its icons
+        }
         Place(vertical, WIDTH - 20, 24, 16, HEIGHT - 30, STYLE_SLIDER_VERTICAL);
         Place(horizontal, 4, 4, WIDTH - 28, 16, STYLE_SCROLL_BAR);
         Draw();

@@ -1,8 +1,8 @@
 /** The enlarged plot's pixels: how data becomes columns and rows, and a curve of any number of bins reduced to one span
  *  per pixel column. Pure numbers.
  *
- *  Columns count from the left edge of the plot area, rows from its bottom edge upward. A value stands on the pixel whose
- *  middle is nearest, as the ticks of the axes do.
+ *  Columns count from the left edge of the plot area, rows from its bottom edge upward. A value stands on the pixel
+ * whose middle is nearest, as the ticks of the axes do.
  */
 #pragma once
 

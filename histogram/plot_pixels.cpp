@@ -8,8 +8,8 @@ namespace {
 /** Columns that are worked on together: a cache line of pixels. */
 constexpr int BLOCK = 16;
 
-/** Calls paint(row, column, mask) for every block of columns and every row that a span of it covers; mask[i] is all ones
- *  where column + i is covered. */
+/** Calls paint(row, column, mask) for every block of columns and every row that a span of it covers; mask[i] is all
+ * ones where column + i is covered. */
 template <typename Paint>
 void Blocks_Walk(std::span<const Column_Span> spans, int width, int height, Paint paint) {
     const int nb = std::min(width, static_cast<int>(spans.size()));
@@ -99,6 +99,9 @@ void Plot_Pixels::Line_Draw(std::span<const Column_Span> spans, std::uint32_t pi
             for (std::size_t left = 0; left < static_cast<std::size_t>(thickness) && left <= column; ++left) {
                 const Column_Span& other = spans[column - left];
                 if (other.Is_Empty()) {
+                    if (left == 0) {
+                        continue;  // just right of the line's end
+                    }
                     break;
                 }
                 Column_Span& span = thick[column];

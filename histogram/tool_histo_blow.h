@@ -70,7 +70,8 @@ int Histo_Blow_Redraw();
 /** Moves the cursor line to the grey level under the image mouse, when it is displayed. */
 void Histo_Blow_Cursor();
 
-/** Lets the window take input or not; enabled again it comes to the front, as after a dialog of its own. */
+/** Lets the window take input or not, for the time of a dialog; enabled again it comes to the front, as after a dialog
+ * of its own. */
 void Histo_Blow_Enable(HWND window, bool enabled);
 
 /** Window procedure of the class "Histogram". */

@@ -296,9 +296,22 @@ std::intptr_t __stdcall WndProc_Histo_Blow(HWND window, unsigned int message, st
 }
 
 void Histo_Blow_Enable(HWND window, bool enabled) {
+    // A window on top of all others would hide a dialog that belongs to another one.
+    static bool was_topmost = false;
+    const auto place = [window](HWND behind) {
+        ::SetWindowPos(window, behind, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    };
     ::EnableWindow(window, enabled ? TRUE : FALSE);
     if (enabled) {
+        if (was_topmost) {
+            place(HWND_TOPMOST);
+        }
         ::SetForegroundWindow(window);
+        return;
+    }
+    was_topmost = (::GetWindowLongPtrA(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
+    if (was_topmost) {
+        place(HWND_NOTOPMOST);
     }
 }
 

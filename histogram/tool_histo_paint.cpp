@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "histogram/histo_colors.h"
+#include "histogram/histo_tag_colors.h"
 #include "histogram/plot_scale.h"
 #include "histogram/tool_histo.h"
 #include "histogram/tool_histo_cursor.h"
@@ -110,29 +111,6 @@ Gdi_Brush Checker_Brush(COLORREF color) {
     return Gdi_Brush(::CreateDIBPatternBrushPt(&dib, DIB_RGB_COLORS));
 }
 
-struct Tag_Colors {
-    const std::uint16_t* red = nullptr;
-    const std::uint16_t* green = nullptr;
-    const std::uint16_t* blue = nullptr;
-    int nb = 0;
-
-    void Look_Up() {
-        static Cached_Variable<std::uint16_t*> reds("$TAG_RED");
-        static Cached_Variable<std::uint16_t*> greens("$TAG_GRN");
-        static Cached_Variable<std::uint16_t*> blues("$TAG_BLU");
-        red = reds.Value_Or(nullptr);
-        green = greens.Value_Or(nullptr);
-        blue = blues.Value_Or(nullptr);
-        nb = Host_Count("$TAG_NB");
-    }
-    COLORREF Of(int tag) const {
-        if (tag >= nb || red == nullptr || green == nullptr || blue == nullptr) {
-            return HISTO_COLOR_GREY;
-        }
-        return Histo_Tag_Color(red[tag], green[tag], blue[tag]);
-    }
-};
-
 /** Bins first .. last; first > last: none. */
 struct Bin_Band {
     int first = 0;
@@ -184,7 +162,7 @@ void Draw_Band(HDC dc, const Tool_Histo& panel, const Plot_Scale& scale, const H
 }
 
 void Draw_Bands(HDC dc, const Tool_Histo& panel, const Plot_Scale& scale, const Histo_Rectangle& inner) {
-    Tag_Colors colors;
+    Histo_Tag_Colors colors;
     colors.Look_Up();
     const Bin_Bands bands = Bands_Of(panel, scale);
     for (std::size_t range = 0; range < panel.range_nb; ++range) {

@@ -1,11 +1,356 @@
+#include "win32/gdi_handles.h"
+
 #include "histogram/tool_histo_plot.h"
 
-int Histo_Plot_Draw(const Tool_Histo& /*panel*/, const Histo_Plot_Scene& /*scene*/) {
-    return 0;
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <new>
+
+#include "histogram/histo_colors.h"
+#include "histogram/histo_tag_colors.h"
+#include "histogram/plot_pixels.h"
+#include "histogram/plot_scale.h"
+#include "histogram/tool_histo.h"
+#include "histogram/tool_histo_cursor.h"
+#include "histogram/tool_histo_messages.h"
+#include "histogram/tool_histo_plot_peaks.h"
+#include "host/kit_common.h"
+#include "host/kit_graph.h"
+
+namespace {
+
+constexpr std::uint32_t COLOR_FILTERED = 0xFF00FF;
+constexpr std::uint32_t COLOR_FIT_SUM = 0xFFA000;
+constexpr std::uint32_t COLOR_DERIVATIVE = 0xD8D8D8;
+constexpr std::uint32_t SHADE_OPACITY = 84;    // of 256: a TAG's colour above the counts
+constexpr std::uint32_t COUNTS_OPACITY = 190;  // of 256: and below them
+constexpr int TRACED_CURVES = 1;               // trace level that shows the curves of the analysis
+constexpr int FONT_HEIGHT = 12;                // pixels, where the box has none
+constexpr int FONT_PER_PIXEL = 16;             // lines grow by a pixel with so many of the font's
+/** XOR of the marks: flips the top bit of each component, so that a mark stands out by half the range on any colour. */
+constexpr COLORREF MARK_COLOR = 0x808080;
+
+/** The device context of the plot's window in device units, y down, and the plot area in it. */
+class Plot_DC {
+  public:
+    Plot_DC(const Histo_Plot_Scene& scene, const char* label)
+        : window(scene.box.window), dc(Y_setup(scene.box.window, label)), saved(dc) {
+        if (dc == nullptr) {
+            return;
+        }
+        std::array<POINT, 2> corners = {
+            POINT{scene.area.left, scene.area.bottom},
+            POINT{scene.area.left + scene.area.width - 1, scene.area.bottom + scene.area.height - 1}};
+        ::LPtoDP(dc, corners.data(), static_cast<int>(corners.size()));
+        left = static_cast<int>(std::min(corners[0].x, corners[1].x));
+        top = static_cast<int>(std::min(corners[0].y, corners[1].y));
+    }
+    ~Plot_DC() {
+        if (dc != nullptr) {
+            saved.Restore();
+            Y_release(window, dc);
+        }
+    }
+    Plot_DC(const Plot_DC&) = delete;
+    Plot_DC& operator=(const Plot_DC&) = delete;
+
+    HDC Get() const { return dc; }
+    int Left() const { return left; }
+    int Top() const { return top; }
+    /** From here on pixels of the device; before, those of the window's axis. */
+    void Device_Units() const {
+        ::SetMapMode(dc, MM_TEXT);
+        ::SetWindowOrgEx(dc, 0, 0, nullptr);
+        ::SetViewportOrgEx(dc, 0, 0, nullptr);
+    }
+
+  private:
+    HWND window;
+    HDC dc;
+    Saved_DC saved;
+    int left = 0;
+    int top = 0;
+};
+
+Plot_Frame Frame_Of(const Histo_Plot_Scene& scene) {
+    return {scene.area.width,
+            scene.area.height,
+            static_cast<double>(scene.x.start),
+            static_cast<double>(scene.x.end),
+            static_cast<double>(scene.y.start),
+            static_cast<double>(scene.y.end)};
 }
-int Histo_Plot_Cursor(Tool_Histo& /*panel*/, const Histo_Plot_Scene& /*scene*/) {
-    return 0;
+
+Plot_Grid Grid_Of(const Histo_Record& record) {
+    return {record.nb_bins, static_cast<double>(record.origin), static_cast<double>(record.bin_width)};
 }
-void Histo_Plot_Marks_Forget() {}
-void Local_Drag_Draw(const Histo_Plot_Scene& /*scene*/, const Blow_Drag& /*drag*/) {}
-void Local_Drag_Clear(const Histo_Plot_Scene& /*scene*/) {}
+
+int Thickness(const Histo_Plot_Scene& scene) {
+    return std::max((scene.box.font_scale + FONT_PER_PIXEL / 2) / FONT_PER_PIXEL, 1);
+}
+
+std::uint32_t Ground_Pixel(const Boxs& box) {
+    return Pixel_Of_Color(static_cast<std::uint32_t>(box.color.get()));
+}
+
+/** Readable on the ground: white on dark, black on light. */
+std::uint32_t Text_Pixel(const Boxs& box) {
+    constexpr int middle = 132;
+    const int brightness = (box.color.red * 299 + box.color.green * 587 + box.color.blue * 114) / 1000;
+    return brightness > middle ? 0x202020 : 0xE8E8E8;
+}
+
+// ------------------------------------------------------------------------------------------------------------- curves
+
+void Draw_Curves(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Columns& columns, int thickness) {
+    const Histo_Data& data = *panel.data;
+    const auto draw = [&](const Column_Spans& spans, std::uint32_t color) {
+        picture.Line_Draw(spans, Pixel_Of_Color(color), thickness);
+    };
+    const Histo_Curves curves = Histo_Curves_Of(*data.record, panel.color_component);
+    for (int k = 0; k < curves.nb; ++k) {
+        const Histo_Curve& curve = curves.curve[static_cast<std::size_t>(k)];
+        draw(columns.Stepped(curve.counts, data.record->nb_bins), curve.color);
+    }
+    if (data.filtered != nullptr) {
+        draw(columns.Stepped(data.filtered, data.curve_nb), COLOR_FILTERED);
+    }
+    if (Flag_Trace >= TRACED_CURVES && data.fit_sum != nullptr) {
+        draw(columns.Stepped(data.fit_sum, data.curve_nb), COLOR_FIT_SUM);
+    }
+    if (Flag_Trace >= TRACED_CURVES && data.derivative != nullptr) {
+        draw(columns.Stepped(data.derivative, data.curve_nb), COLOR_DERIVATIVE);
+    }
+}
+
+// -------------------------------------------------------------------------------------------------------------- bands
+
+/** The bin of a range's end: rounded, unlike in the panel, which truncates. */
+int Rounded_Bin(const Plot_Scale& scale, float level) {
+    return scale.Level_To_Bin(std::trunc(level + 0.5F));
+}
+
+/** Ground and TAG bands: later bands hide earlier ones. Under the counts a band is stronger than above them. */
+void Draw_Ground(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Columns& columns,
+                 const Histo_Plot_Scene& scene) {
+    const std::uint32_t ground = Ground_Pixel(scene.box);
+    const auto width = static_cast<std::size_t>(picture.Width());
+    std::vector<std::uint32_t> shade(width, ground);
+    if (!scene.tag || panel.range_nb == 0) {
+        picture.Columns_Fill(shade);
+        return;
+    }
+    const Histo_Record& record = *panel.data->record;
+    const Plot_Scale scale({}, {record.nb_bins, record.origin, record.bin_width}, 0.0F);
+    std::vector<std::uint32_t> under(width, ground);
+    std::vector<bool> banded(width, false);
+    Histo_Tag_Colors colors;
+    colors.Look_Up();
+    for (std::size_t range = 0; range < panel.range_nb; ++range) {
+        const std::uint32_t pixel = Pixel_Of_Color(colors.Of(panel.range_tag[range]));
+        const int first = Rounded_Bin(scale, panel.range_min[range]);
+        const int last = Rounded_Bin(scale, panel.range_max[range]);
+        if (first > last) {
+            continue;
+        }
+        const int begin = std::max(columns.Bin_Column(first), 0);
+        // A band that is narrower than a column still shows.
+        const int end = std::min(std::max(columns.Bin_Column(last + 1), begin + 1), picture.Width());
+        for (auto column = static_cast<std::size_t>(begin); static_cast<int>(column) < end; ++column) {
+            shade[column] = Pixel_Blend(ground, pixel, SHADE_OPACITY);
+            under[column] = Pixel_Blend(ground, pixel, COUNTS_OPACITY);
+            banded[column] = true;
+        }
+    }
+    picture.Columns_Fill(shade);
+    Column_Spans bars = columns.Stepped(Histo_Band_Counts(record, panel.color_component), record.nb_bins);
+    const int base = columns.Frame().Row(0.0);
+    for (std::size_t column = 0; column < width; ++column) {
+        bars[column] =
+            banded[column] && !bars[column].Is_Empty() ? Column_Span{base, bars[column].high} : Column_Span{};
+    }
+    picture.Spans_Blend(bars, under, OPACITY_FULL);
+}
+
+// ------------------------------------------------------------------------------------------------------------ picture
+
+/** Everything inside the plot area, in memory, and then shown at once. */
+void Draw_Area(const Plot_DC& dc, const Tool_Histo& panel, const Histo_Plot_Scene& scene, const Plot_Frame& frame) {
+    const Dib_Picture dib(dc.Get(), frame.width, frame.height);
+    if (!dib) {
+        return;
+    }
+    Plot_Pixels picture(dib.Pixels(), frame.width, frame.height);
+    const Plot_Columns columns(frame, Grid_Of(*panel.data->record));
+    const int thickness = Thickness(scene);
+    Draw_Ground(picture, panel, columns, scene);
+    const Histo_Plot_Peaks peaks(panel, columns, scene.peak);
+    Histo_Plot_Window_Fill(picture, peaks, frame.Row(0.0));
+    Draw_Curves(picture, panel, columns, thickness);
+    Histo_Plot_Window_Curve(picture, peaks, thickness);
+    if (!peaks.Labels().empty()) {
+        const Gdi_Font made(scene.box.font == nullptr
+                                ? Y_Create_Font(scene.box.window, scene.box.font_name, scene.box.font_weight,
+                                                scene.box.font_scale > 0 ? scene.box.font_scale : FONT_HEIGHT)
+                                : nullptr);
+        const Selected_Object font(dib.Get_DC(), made ? made.Get() : scene.box.font);
+        Histo_Plot_Peak_Label(dib.Get_DC(), picture, peaks, Ground_Pixel(scene.box), Text_Pixel(scene.box));
+    }
+    ::BitBlt(dc.Get(), dc.Left(), dc.Top(), frame.width, frame.height, dib.Get_DC(), 0, 0, SRCCOPY);
+}
+
+// -------------------------------------------------------------------------------------------------------------- marks
+
+/** Pixels of the device, relative to the plot area's upper left corner; empty: not on screen. */
+struct Mark_Rectangle {
+    int left = 0;
+    int top = 0;
+    int width = 0;
+    int height = 0;
+    bool Is_Empty() const { return width <= 0 || height <= 0; }
+};
+
+/** What is on the screen now: drawing it once more takes it away. */
+struct Marks {
+    Mark_Rectangle cursor;
+    Mark_Rectangle zoom;
+    int zoom_thickness = 1;
+};
+Marks marks;
+
+void Invert(HDC dc, const Mark_Rectangle& mark) {
+    if (!mark.Is_Empty()) {
+        ::PatBlt(dc, mark.left, mark.top, mark.width, mark.height, PATINVERT);
+    }
+}
+
+/** Draws marks or takes them away. */
+class Mark_Pen {
+  public:
+    explicit Mark_Pen(const Plot_DC& dc)
+        : target(dc.Get()), brush(::CreateSolidBrush(MARK_COLOR)), selected(target, brush.Get()) {
+        dc.Device_Units();
+    }
+    void Line(const Mark_Rectangle& line) const { Invert(target, line); }
+    void Frame(const Mark_Rectangle& frame, int thickness) const {
+        if (frame.width <= 2 * thickness || frame.height <= 2 * thickness) {
+            Invert(target, frame);
+            return;
+        }
+        const int inner = frame.height - 2 * thickness;
+        Invert(target, {frame.left, frame.top, frame.width, thickness});
+        Invert(target, {frame.left, frame.top + thickness, thickness, inner});
+        Invert(target, {frame.left + frame.width - thickness, frame.top + thickness, thickness, inner});
+        Invert(target, {frame.left, frame.top + frame.height - thickness, frame.width, thickness});
+    }
+
+  private:
+    HDC target;
+    Gdi_Brush brush;
+    Selected_Object selected;
+};
+
+/** The dragged rectangle as far as it lies in the plot area. */
+Mark_Rectangle Zoom_Of(const Histo_Plot_Scene& scene, const Plot_DC& dc, const Blow_Drag& drag) {
+    const Blow_Area& area = scene.area;
+    const int left = std::max(std::min(drag.x_start, drag.x_end), area.left);
+    const int right = std::min(std::max(drag.x_start, drag.x_end), area.left + area.width - 1);
+    const int bottom = std::max(std::min(drag.y_start, drag.y_end), area.bottom);
+    const int top = std::min(std::max(drag.y_start, drag.y_end), area.bottom + area.height - 1);
+    if (left > right || bottom > top) {
+        return {};
+    }
+    return {dc.Left() + left - area.left, dc.Top() + area.bottom + area.height - 1 - top, right - left + 1,
+            top - bottom + 1};
+}
+
+void Zoom_Erase(const Mark_Pen& pen) {
+    pen.Frame(marks.zoom, marks.zoom_thickness);
+    marks.zoom = {};
+}
+
+bool Can_Mark(const Histo_Plot_Scene& scene) {
+    return scene.box.window != nullptr && !scene.area.Is_Empty();
+}
+
+}  // namespace
+
+int Histo_Plot_Draw(const Tool_Histo& panel, const Histo_Plot_Scene& scene) {
+    if (panel.data == nullptr || !panel.data->Has_Counts()) {
+        return 0;
+    }
+    const Plot_Frame frame = Frame_Of(scene);
+    const Plot_DC dc(scene, "tool_histo_blow: Histo_Plot_Draw");
+    if (dc.Get() == nullptr || frame.Is_Empty()) {
+        return 1;
+    }
+    const Plot_Area area{scene.area.left, scene.area.bottom, scene.area.width, scene.area.height};
+    Plot_Window_Axes_X(dc.Get(), scene.box, area, panel.x_label, scene.x.start, scene.x.end);
+    Plot_Window_Axes_Y(dc.Get(), scene.box, area, panel.y_label, scene.y.start, scene.y.end);
+    dc.Device_Units();
+    try {
+        Draw_Area(dc, panel, scene, frame);
+    } catch (const std::bad_alloc&) {
+        Error_Fct(hwnd, MESSAGE_MEMORY, HISTO_MESSAGE_NEW, __LINE__, TOOL_HISTO_SOURCE);
+    }
+    return 1;
+}
+
+int Histo_Plot_Cursor(Tool_Histo& panel, const Histo_Plot_Scene& scene) {
+    if (panel.data == nullptr || !panel.data->Has_Counts() || panel.data->record->nb_bins == 0 || !Can_Mark(scene)) {
+        return 0;
+    }
+    const Plot_DC dc(scene, "tool_histo_blow: Histo_Plot_Cursor");
+    if (dc.Get() == nullptr) {
+        return 0;
+    }
+    const Mark_Pen pen(dc);
+    pen.Line(marks.cursor);
+    marks.cursor = {};
+    const Histo_Cursor_Bin marked = Histo_Cursor_Bin_Find(panel);
+    const Plot_Frame frame = Frame_Of(scene);
+    if (marked.result != Histo_Cursor_Result::On_Bin || frame.Is_Empty()) {
+        return 0;
+    }
+    constexpr double half_bin = 0.5;
+    const Plot_Grid grid = Grid_Of(*panel.data->record);
+    const int column = frame.Column(grid.Edge(marked.bin) + half_bin * grid.bin_width);
+    if (column < 0 || column >= frame.width) {
+        return 0;
+    }
+    const int thickness = std::min(Thickness(scene), frame.width - column);
+    marks.cursor = {dc.Left() + column, dc.Top(), thickness, frame.height};
+    pen.Line(marks.cursor);
+    return 1;
+}
+
+void Histo_Plot_Marks_Forget() {
+    marks = {};
+}
+
+void Local_Drag_Draw(const Histo_Plot_Scene& scene, const Blow_Drag& drag) {
+    if (!Can_Mark(scene)) {
+        return;
+    }
+    const Plot_DC dc(scene, "tool_histo_blow: Local_Drag_Draw");
+    if (dc.Get() == nullptr) {
+        return;
+    }
+    const Mark_Rectangle zoom = Zoom_Of(scene, dc, drag);
+    const Mark_Pen pen(dc);
+    Zoom_Erase(pen);
+    marks.zoom = zoom;
+    marks.zoom_thickness = Thickness(scene) + 1;
+    pen.Frame(zoom, marks.zoom_thickness);
+}
+
+void Local_Drag_Clear(const Histo_Plot_Scene& scene) {
+    if (marks.zoom.Is_Empty() || !Can_Mark(scene)) {
+        return;
+    }
+    const Plot_DC dc(scene, "tool_histo_blow: Local_Drag_Clear");
+    if (dc.Get() != nullptr) {
+        Zoom_Erase(Mark_Pen(dc));
+    }
+}

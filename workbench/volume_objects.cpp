@@ -1,6 +1,7 @@
 #include "workbench/volume_objects.h"
 
 #include <algorithm>
+#include <cstdio>
 
 #include "volumes/message_text.h"
 
@@ -9,6 +10,10 @@ namespace {
 constexpr int grid_bins_max = 4096;
 constexpr unsigned short modality_magnetic_resonance = 'M' << 8 | 'R';
 constexpr unsigned short modality_other = 'O' << 8 | 'T';
+
+void Icon_Set(Quorel_2D& object, const char* file) {
+    std::snprintf(object.icon, sizeof object.icon, "%s", file);
+}
 
 }  // namespace
 
@@ -42,8 +47,10 @@ void Volume_Objects::Build(const Session& session) {
     descriptor = image.color ? "Colour image" : "Grey image, " + image.scalar_type;
     root = std::make_unique<Quorel_2D>();
     root->Title_Set("Images");
+    Icon_Set(*root, "class Images.tga");
     volume = std::make_unique<Quorel_2D>();
     volume->Title_Set("Volume");
+    Icon_Set(*volume, "icon volume.tga");
     volume->Name_Set(title.c_str());
     volume->descriptor = descriptor.c_str();
     root->Child_Add(volume.get());
@@ -53,6 +60,7 @@ void Volume_Objects::Build(const Session& session) {
         pixels->modality = image.color ? modality_other : modality_magnetic_resonance;
         auto frame = std::make_unique<Quorel_2D>();
         frame->Title_Set("Frame");
+        Icon_Set(*frame, "icon image.tga");
         frame->Name_Set(std::to_string(slice + 1).c_str());
         frame->frame = pixels.get();
         frame->descriptor = descriptor.c_str();

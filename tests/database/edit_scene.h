@@ -57,7 +57,7 @@ class Edit_Scene : public Panel_Fixture {
         Records_Free();
         DB_Edit_Ask_Name = ask_before;
         db_drag = {};
-        Variable_Remove(Dimension::ROOT);
+        Variable_Undefine(Dimension::ROOT);
     }
 
     /** A new object; appended to its parent. Its name is its title with an N before it. */
@@ -130,8 +130,7 @@ class Edit_Scene : public Panel_Fixture {
     void Point_At_Zone(const std::string& title, Edit_Zone zone) const {
         const DB_List& row = list_pt[Find(title)];
         ASSERT_NE(row.row, DB_ROW_NONE) << title;
-        const DB_Tree_Point at =
-            zone == Edit_Zone::Body ? Edit_Cell(row) : Edit_Zone_Point(row, zone);
+        const DB_Tree_Point at = zone == Edit_Zone::Body ? Edit_Cell(row) : Edit_Zone_Point(row, zone);
         const int inside = zone == Edit_Zone::Body ? 15 : 0;
         Point_At_Tree(at.x + inside, at.y + inside);
     }
@@ -163,7 +162,5 @@ class Edit_Scene : public Panel_Fixture {
     Boxs box;
     Sliders horizontal;
     Sliders vertical;
-
-  private:
-    int (*ask_before)(char*) = DB_Edit_Ask_Name;
+    int (*const ask_before)(char*) = DB_Edit_Ask_Name;
 };

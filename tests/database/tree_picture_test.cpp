@@ -1,7 +1,9 @@
 // A tree in all its looks, written as pictures that people check by eye.
+#include "win32/gdi_handles.h"
+
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <string>
 
 #include "database/tool_db_fct.h"
 #include "kits/dataset/dataset_host.h"
@@ -32,7 +34,7 @@ constexpr Row ROWS[] = {
     {2, "Frame", "1", "icon cine.tga", 2},
     {1, "File", "closed.dcm", "modality mr.tga", 0},
     {2, "Frame", "1", "icon image.tga", 2},
-    {1, "File", "partly.dcm", "modality pt.tga", 0},
+    {1, "File", "partly.dcm", "modality nm.tga", 0},
     {2, "Frame", "no access", "icon image.tga", DB_STATE_NO_ACCESS},
     {2, "Frame", "no access, checked", "icon image.tga", DB_STATE_NO_ACCESS | DB_STATE_CHECKED},
     {0, "C:\\studies\\head", nullptr, "icon folder.tga", 0},
@@ -47,12 +49,18 @@ constexpr Row ROWS[] = {
     {1, "end", "4", "icon image.tga", 0},
 };
 
+/** The built icons, beside this program. */
+std::string Icon_Folder() {
+    char path[MAX_PATH] = {};
+    ::GetModuleFileNameA(nullptr, path, MAX_PATH - 1);
+    const std::string program = path;
+    return program.substr(0, program.find_last_of("/\\") + 1) + "icons";
+}
+
 void Sheet(unsigned short ground, const char* file) {
     const Test_Window window(WIDTH, HEIGHT, Window_Axis::Up);
     Variable_Define_Scalar("$INTERFACE_SPACE_DIM", VARIABLE_SIGNED_16, SPACE_DIM);
-    if (const char* const icons = std::getenv("KIT_TEST_ICONS")) {
-        Variable_Define_Text("$DEFAULT_ICON_PATH", icons);
-    }
+    Variable_Define_Text("$DEFAULT_ICON_PATH", Icon_Folder().c_str());
     Tree_Scene tree;
     for (const Row& row : ROWS) {
         tree.Add(row.level, row.title, row.name);

@@ -694,6 +694,7 @@ TEST_F(Blow_Window, twenty_thousand_random_events_keep_every_invariant) {
     }
     Settle();
     const DWORD objects_after = ::GetGuiResources(::GetCurrentProcess(), GR_GDIOBJECTS);
+    std::fprintf(stderr, "GDI %lu %lu\n", objects_before, objects_after);
     EXPECT_LE(objects_after, objects_before + 40) << "no object is lost with an event";
     EXPECT_EQ(::FindWindowExA(nullptr, Window(), "Histogram", nullptr), nullptr) << "one window";
 }

@@ -149,6 +149,17 @@ TEST_F(Blow_Export, the_data_may_go_meanwhile) {
     EXPECT_EQ(Lines("No histogram to export!").size(), 1U);
 }
 
+TEST_F(Blow_Export, a_raised_window_does_not_stay_above_the_dialog) {
+    const auto is_topmost = [] { return (::GetWindowLongPtrA(Window(), GWL_EXSTYLE) & WS_EX_TOPMOST) != 0; };
+    Press_Blow(*panel);
+    ASSERT_TRUE(is_topmost());
+    bool above_dialog = true;
+    meanwhile = [&] { above_dialog = is_topmost(); };
+    Press_Export();
+    EXPECT_FALSE(above_dialog);
+    EXPECT_TRUE(is_topmost()) << "raised again afterwards";
+}
+
 TEST_F(Blow_Export, takes_no_other_click_meanwhile) {
     meanwhile = [] { EXPECT_EQ(::IsWindowEnabled(Window()), 0) << "as under every dialog of the system"; };
     Press_Export();
