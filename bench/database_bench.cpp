@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,7 @@ constexpr int MASK = FLAG_MASK_SELECTION;
 constexpr int FEW_ROWS = 6000;
 constexpr int MANY_ROWS = 60000;
 constexpr int FRAMES_PER_FILE = 100;
+constexpr int BUILD_ROUNDS = 25;
 
 struct Rows {
     int nb = 0;
@@ -163,57 +165,70 @@ void Bench_Selection(benchmark::State& state, int frame_nb, int rounds) {
     state.counters["write_ratio"] = write.Ratio();
 }
 
-/** Builds and frees the rows of a view. @return seconds, the median of some */
-double Build_Time(Tool_DB_List& view, int rounds) {
-    std::vector<double> times;
-    for (int round = 0; round < rounds; ++round) {
-        Rows rows;
+constexpr int TIMES_AS_MANY = MANY_ROWS / FEW_ROWS;
+
+/** Seconds that building one tree of MANY_ROWS takes, and TIMES_AS_MANY trees of FEW_ROWS: as long as each other when
+ *  building is linear, so that interruptions fall upon both alike.
+ *  @param publish shows the host's objects for so many rows to the view */
+template <class Publish>
+void Bench_Build(benchmark::State& state, Tool_DB_List& view, Publish publish) {
+    const auto build = [&view](int trees) {
+        std::vector<Rows> rows(static_cast<std::size_t>(trees));
         const auto start = std::chrono::steady_clock::now();
-        view.List_Create_From_DB(&rows.nb, &rows.list_pt, 0, 0, nullptr);
-        times.push_back(Seconds(start));
+        for (Rows& tree : rows) {
+            view.List_Create_From_DB(&tree.nb, &tree.list_pt, 0, 0, nullptr);
+        }
+        return Seconds(start);  // without freeing them
+    };
+    std::vector<double> few;
+    std::vector<double> many;
+    for (auto _ : state) {
+        for (int round = 0; round < BUILD_ROUNDS; ++round) {
+            publish(FEW_ROWS);
+            few.push_back(build(TIMES_AS_MANY) / TIMES_AS_MANY);
+            publish(MANY_ROWS);
+            many.push_back(build(1));
+        }
     }
-    return Median(times);
+    state.counters["ms_6000"] = Median(few) * 1e3;
+    state.counters["ms_60000"] = Median(many) * 1e3;
+    state.counters["growth"] = Median(many) / Median(few);
 }
 
 void Bench_Build_File(benchmark::State& state) {
-    double seconds[2] = {};
-    for (auto _ : state) {
-        for (int many = 0; many < 2; ++many) {
-            File_Scene scene;
-            for (int i = 0; i < (many != 0 ? MANY_ROWS : FEW_ROWS); i += FRAMES_PER_FILE) {
-                scene.Add_File("folder\\file" + std::to_string(i), FRAMES_PER_FILE - 1);
-            }
-            Tool_DB_File view(2);
-            seconds[many] = Build_Time(view, 15);
-        }
+    File_Scene scene;
+    for (int i = 0; i < MANY_ROWS; i += FRAMES_PER_FILE) {
+        scene.Add_File("folder\\file" + std::to_string(i), FRAMES_PER_FILE - 1);
     }
-    state.counters["ms_6000"] = seconds[0] * 1e3;
-    state.counters["ms_60000"] = seconds[1] * 1e3;
-    state.counters["growth"] = seconds[1] / seconds[0];
+    Tool_DB_File view(2);
+    Bench_Build(state, view, [](int row_nb) {
+        Variable_Define_Scalar("$DB_2D_FILE_NB", VARIABLE_SIGNED_32, row_nb / FRAMES_PER_FILE);
+    });
+}
+
+/** A tree of classes, twenty below each. */
+std::deque<Quorel_2D> Classes_Make(int nb) {
+    std::deque<Quorel_2D> objects(static_cast<std::size_t>(nb));
+    for (std::size_t i = 1; i < objects.size(); ++i) {
+        objects[i].Title_Set("a class");
+        objects[(i - 1) / 20].Child_Add(&objects[i]);
+    }
+    return objects;
 }
 
 void Bench_Build_Class(benchmark::State& state) {
-    double seconds[2] = {};
-    for (auto _ : state) {
-        for (int many = 0; many < 2; ++many) {
-            const int nb = many != 0 ? MANY_ROWS : FEW_ROWS;
-            std::deque<Quorel_2D> objects(static_cast<std::size_t>(nb));
-            for (std::size_t i = 1; i < objects.size(); ++i) {
-                objects[i].Title_Set("a class");
-                objects[(i - 1) / 20].Child_Add(&objects[i]);
-            }
-            Variable_Define_Pointer("$DB_2D_ROOT_PT", &objects[0]);
-            Tool_DB_Class view(2);
-            seconds[many] = Build_Time(view, 15);
-            Variable_Undefine("$DB_2D_ROOT_PT");
-            while (!objects.empty()) {
-                objects.pop_back();
-            }
+    std::deque<Quorel_2D> few = Classes_Make(FEW_ROWS);
+    std::deque<Quorel_2D> many = Classes_Make(MANY_ROWS);
+    Tool_DB_Class view(2);
+    Bench_Build(state, view, [&](int row_nb) {
+        Variable_Define_Pointer("$DB_2D_ROOT_PT", row_nb == FEW_ROWS ? &few[0] : &many[0]);
+    });
+    Variable_Undefine("$DB_2D_ROOT_PT");
+    for (auto* objects : {&few, &many}) {
+        while (!objects->empty()) {
+            objects->pop_back();
         }
     }
-    state.counters["ms_6000"] = seconds[0] * 1e3;
-    state.counters["ms_60000"] = seconds[1] * 1e3;
-    state.counters["growth"] = seconds[1] / seconds[0];
 }
 
 void Bench_Set_State(benchmark::State& state) {

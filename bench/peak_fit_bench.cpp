@@ -13,7 +13,7 @@ namespace {
 
 constexpr int PEAK_NB = 30;
 constexpr int BIN_NB = 2048;
-constexpr int ROUNDS = 5;
+constexpr int ROUNDS = 9;
 constexpr double THRESHOLD = 0.1;
 
 using Matrix = std::vector<std::vector<double>>;
@@ -141,22 +141,22 @@ class Fit_Bench {
         iterations = Fit_Plainly(plain, data);
     }
     void Ours() {
-        panel.data->Peaks_Free();
-        panel.data->Curves_Free();
-        panel.data->filtered = new double[BIN_NB];
-        std::copy(data.begin(), data.end(), panel.data->filtered);
-        panel.data->curve_nb = BIN_NB;
+        ours.Peaks_Free();
+        ours.Curves_Free();
+        ours.filtered = new double[BIN_NB];
+        std::copy(data.begin(), data.end(), ours.filtered);
+        ours.curve_nb = BIN_NB;
         Histo_Peak* tail = nullptr;
         for (int k = 0; k < PEAK_NB; ++k) {
-            Peak_Gauss_Add(panel, tail, static_cast<int>(std::round(Centre(k))), 1.0F, 5.0F);
+            Peak_Gauss_Add(ours, tail, static_cast<int>(std::round(Centre(k))), 1.0F, 5.0F);
         }
-        Gauss_Newton(panel, BIN_NB, data.data(), THRESHOLD);
+        Gauss_Newton(ours, BIN_NB, data.data(), THRESHOLD);
     }
     /** The largest relative difference of the two results; 1 when a peak was lost. */
     double Difference() const {
         double largest = 0.0;
         std::size_t k = 0;
-        for (const Histo_Peak* peak = panel.data->peak_first; peak != nullptr; peak = peak->next, ++k) {
+        for (const Histo_Peak* peak = ours.peak_first; peak != nullptr; peak = peak->next, ++k) {
             for (int m = 0; m < 3; ++m) {
                 const double other = plain[k].value[m];
                 largest = std::max(largest, std::abs((*peak->param)[m] - other) / std::abs(other));
@@ -171,7 +171,7 @@ class Fit_Bench {
 
     std::vector<double> data;
     std::vector<Start> plain;
-    Tool_Histo panel;
+    Histo_Data ours;
 };
 
 void Bench_Fit(benchmark::State& state) {

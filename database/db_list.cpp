@@ -159,10 +159,9 @@ void DB_List_Set_State(int nb, DB_List* list_pt) {
             record.flag |= DB_FLAG_LAST;  // never cleared here
             first_seen.Clear(level);
         }
-        if (level != LEVEL_LAST) {
-            first_seen.Set_Above(level);
-            all_checked.Set_From(level);
-            none_checked.Set_From(level);
-        }
+        // The earlier sibling begins anew; the levels above go on collecting, and so does the shared last one.
+        first_seen.Set_Above(level);
+        all_checked.Set_From(level);
+        none_checked.Set_From(level);
     }
 }

@@ -1,5 +1,323 @@
 #include "database/tool_db_dialog_rename.h"
 
-int Dialog_Rename(char*) {
-    return -1;
+#include <windows.h>
+#include <windowsx.h>
+
+#include <cstring>
+#include <string_view>
+
+#include "host/kit_common.h"
+#include "host/kit_widgets.h"
+#include "panels/host_variables.h"
+
+namespace {
+
+constexpr std::size_t TEMPLATE_SIZE = 1024;    // bytes
+constexpr DWORD TEMPLATE_STYLE = 0x80C80080U;  // pop-up, caption, system menu, modal frame
+constexpr int TEMPLATE_PLACE = 10;             // dialog units
+constexpr int TEMPLATE_WIDTH = 1920;           // base units, so that the size in pixels is the same on every screen
+constexpr int TEMPLATE_HEIGHT = 1200;
+constexpr int TITLE_MAX = 50;  // wide characters
+constexpr char TITLE[] = "Class Rename";
+constexpr char PROMPT[] = "\x02 Enter the new name for this instance.";
+constexpr int RESULT_SAVE = 1;
+constexpr int RESULT_CANCEL = 2;
+constexpr int RESULT_FAILED = -1;
+constexpr unsigned char GREY_BOX = 160;
+constexpr unsigned char GREY_ENTRY = 235;
+
+/** The one dialog. */
+struct Rename_Dialog {
+    char* buffer = nullptr;  // the caller's
+    HWND window = nullptr;
+    HWND owner = nullptr;
+    Boxs box;
+    Buttons save;
+    Buttons cancel;
+    Texts entry;
+    Texts prompt;
+    int wheel = 0;
+};
+Rename_Dialog* dialog = nullptr;  // while it is open
+
+void Place(Tools& widget, int x, int y, int width, int height) {
+    widget.x = static_cast<short>(x);
+    widget.y = static_cast<short>(y);
+    widget.width = static_cast<short>(width);
+    widget.height = static_cast<short>(height);
+    widget.border = static_cast<unsigned short>(Host_Dimension("$INTERFACE_BORDER_DIM"));
+}
+
+void Tool_Font(Tools& widget, int larger_by) {
+    widget.font_name = Host_Pointer<const char>("$INTERFACE_TOOL_FONT_NAME");
+    widget.font_weight = Host_Pointer<const char>("$INTERFACE_TOOL_FONT_WEIGHT");
+    widget.font_scale = static_cast<short>(Host_Dimension("$INTERFACE_TOOL_FONT_SCALE") + larger_by);
+}
+
+void Lay_Out(Rename_Dialog& rename, int width, int height) {
+    const int space = Host_Dimension("$INTERFACE_SPACE_DIM");
+    const int button = Host_Dimension("$INTERFACE_BUTTON_DIM_BIG");
+    for (const char* unused : {"$INTERFACE_CURSOR_DIM", "$INTERFACE_BUTTON_DIM_SML", "$INTERFACE_VAL_DIM_SML",
+                               "$INTERFACE_TITLE_DIM_SML", "$DEFAULT_ICON_PATH"}) {
+        Fct_Variable_Value(unused, nullptr, nullptr, nullptr);  // looked up and not used
+    }
+    const int inner = width - 1 - 2 * space;
+    const int half = (inner - space) / 2;
+
+    rename.box.style = STYLE_FRAMED_BOX;
+    Place(rename.box, 0, 0, width - 1, height - 1);
+    rename.box.font_name = Host_Pointer<const char>("$INTERFACE_TITLE_FONT_NAME");
+    rename.box.font_weight = Host_Pointer<const char>("$INTERFACE_TITLE_FONT_WEIGHT");
+    rename.box.font_scale = Host_Dimension("$INTERFACE_TITLE_FONT_SCALE");
+    rename.box.Set_Color(GREY_BOX, GREY_BOX, GREY_BOX);
+    rename.box.Init(rename.window);
+
+    Place(rename.save, space, space, half, button);
+    Tool_Font(rename.save, 1);
+    rename.save.Set_Color(GREY_BOX, GREY_BOX, GREY_BOX);
+    rename.save.Set_Name("Save");
+    rename.save.Init(rename.window);
+
+    // The library's own space comes on top of the host's; kept.
+    Place(rename.cancel, 2 * space + half + SPACE, space, half, button);
+    Tool_Font(rename.cancel, 1);
+    rename.cancel.Set_Color(200, 200, 100);
+    rename.cancel.Set_Name("Cancel");
+    rename.cancel.Init(rename.window);
+
+    rename.entry.style = STYLE_EDIT_LIVE;
+    Place(rename.entry, space, 2 * space + button, inner, button);
+    Tool_Font(rename.entry, 0);
+    rename.entry.Set_Color(GREY_ENTRY, GREY_ENTRY, GREY_ENTRY);
+    rename.entry.Init(rename.window);
+
+    const int above_entry = 3 * space + 2 * button;
+    Place(rename.prompt, space, above_entry, inner, height - 1 - above_entry - space);
+    Tool_Font(rename.prompt, 0);
+    rename.prompt.Set_Color(GREY_BOX, GREY_BOX, GREY_BOX);
+    rename.prompt.Init(rename.window);
+}
+
+void Lay_Out_Client(Rename_Dialog& rename) {
+    RECT client = {};
+    ::GetClientRect(rename.window, &client);
+    Lay_Out(rename, client.right, client.bottom);
+}
+
+void Paint(Rename_Dialog& rename) {
+    rename.box.Draw();
+    rename.prompt.Draw();
+    rename.prompt.Cleanup();
+    rename.prompt.Write("%s", PROMPT);
+    rename.entry.Cleanup();
+    rename.entry.Read("%s", rename.buffer);
+    rename.entry.Draw();
+    rename.save.Draw();
+    rename.cancel.Draw();
+}
+
+/** Copies what fits into the caller's buffer, without cutting a character of the code page. */
+void Buffer_Take(char* buffer, const char* text) {
+    const char* end = text;
+    while (*end != 0) {
+        const char* const next = ::CharNextA(end);
+        if (next == end || next - text >= DIALOG_RENAME_SIZE) {
+            break;
+        }
+        end = next;
+    }
+    const auto length = static_cast<std::size_t>(end - text);
+    std::memmove(buffer, text, length);
+    buffer[length] = 0;
+}
+
+void Key(Rename_Dialog& rename, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (rename.entry.Select(1, 0, 0) == 0) {
+        return;
+    }
+    const int key = Parse_Dialog(rename.window, message, wparam, lparam);
+    if (key == 0) {
+        return;
+    }
+    rename.entry.Input(key);
+    if (const char* const text = rename.entry.Update(); text != nullptr) {
+        const bool is_cut = std::strlen(text) >= DIALOG_RENAME_SIZE;
+        Buffer_Take(rename.buffer, text);
+        rename.entry.Read("%s", rename.buffer);
+        if (is_cut) {
+            rename.entry.Draw();  // what does not fit is not shown either
+        }
+    }
+}
+
+void Pointer_Take(HWND window, LPARAM lparam) {
+    POINT point = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
+    ::ClientToScreen(window, &point);
+    YCursor_X = point.x;
+    YCursor_Y = point.y;
+}
+
+int Button_Code(bool is_press) {
+    return (is_press ? MOUSE_PRESS : 0) | (getbutton(1) != 0 ? MOUSE_LEFT : 0) |
+           (getbutton(4) != 0 ? MOUSE_MIDDLE : 0) | (getbutton(2) != 0 ? MOUSE_RIGHT : 0);
+}
+
+/** A press shows the button pressed, a release over it ends the dialog: with or without a press on it before. */
+bool Button_Takes(Rename_Dialog& rename, Buttons& button, int code, int result) {
+    if (button.Select(MOUSE_ASK) == 0) {
+        return false;
+    }
+    if ((code & MOUSE_PRESS) != 0) {
+        button.Select(code);
+    } else {
+        button.Deselect();
+        ::EndDialog(rename.window, result);
+    }
+    return true;
+}
+
+bool Click(Rename_Dialog& rename, bool is_press) {
+    const int code = Button_Code(is_press);
+    if (Button_Takes(rename, rename.save, code, RESULT_SAVE) ||
+        Button_Takes(rename, rename.cancel, code, RESULT_CANCEL)) {
+        return true;
+    }
+    rename.save.Deselect();
+    rename.cancel.Deselect();
+    if (is_press) {
+        rename.entry.Select(code, 0, 0);
+    }
+    return false;
+}
+
+void Wheel(Rename_Dialog& rename, int delta) {
+    rename.wheel += delta;
+    if (rename.wheel > -WHEEL_DELTA && rename.wheel < WHEEL_DELTA) {
+        return;
+    }
+    Error_Fct(hwnd, TRACE_LEVEL, "tool_db_dialog_rename::Dialog_Proc(WM_MOUSEWHEEL)");
+    rename.wheel %= WHEEL_DELTA;  // whole notches are dropped: nothing scrolls
+}
+
+INT_PTR CALLBACK Dialog_Proc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (dialog == nullptr || (message != WM_INITDIALOG && dialog->window != window)) {
+        return 0;
+    }
+    Rename_Dialog& rename = *dialog;
+    switch (message) {
+        case WM_INITDIALOG:
+            rename.window = window;
+            Lay_Out_Client(rename);
+            ::SetWindowPos(window, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+            return 1;
+        case WM_SIZE:
+            Lay_Out(rename, LOWORD(lparam), HIWORD(lparam));
+            ::InvalidateRect(window, nullptr, FALSE);
+            return 1;
+        case WM_PAINT: {
+            PAINTSTRUCT paint = {};
+            ::BeginPaint(window, &paint);
+            Paint(rename);
+            ::EndPaint(window, &paint);
+            return 1;
+        }
+        case WM_KEYDOWN:
+            Key(rename, message, wparam, lparam);
+            return 1;
+        case WM_MOUSEMOVE:
+            Error_Fct(hwnd, TRACE_LEVEL, "tool_db_dialog_rename::Dialog_Proc(WM_MOUSEMOVE)");
+            Pointer_Take(window, lparam);
+            rename.entry.Deselect();
+            rename.prompt.Deselect();
+            rename.save.Deselect();
+            rename.cancel.Deselect();
+            return 1;
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONUP:
+            Error_Fct(hwnd, TRACE_LEVEL, "tool_db_dialog_rename::Dialog_Proc(WM_LBUTTONx)");
+            Pointer_Take(window, lparam);
+            return Click(rename, message == WM_LBUTTONDOWN) ? 1 : 0;
+        case WM_MOUSEWHEEL:
+            Wheel(rename, GET_WHEEL_DELTA_WPARAM(wparam));
+            return 1;
+        case WM_CLOSE:
+            // A modal dialog that is destroyed without being ended leaves its owner disabled.
+            if (rename.owner != nullptr) {
+                ::EnableWindow(rename.owner, TRUE);
+            }
+            ::DestroyWindow(window);
+            return 1;
+        case WM_DESTROY:
+            rename.window = nullptr;
+            return 1;
+        default:
+            return 0;
+    }
+}
+
+/** The instance of the owner's program; without an owner, the module that this code is in. */
+HINSTANCE Instance_Of(HWND owner) {
+    if (owner != nullptr) {
+        return reinterpret_cast<HINSTANCE>(::GetWindowLongPtrA(owner, GWLP_HINSTANCE));
+    }
+    HMODULE module = nullptr;
+    ::GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                         reinterpret_cast<const char*>(&Dialog_Proc), &module);
+    return module;
+}
+
+/** A dialog template in a block of its own: the header, no menu, the default class, the title. */
+class Dialog_Template {
+  public:
+    Dialog_Template() : block(::GlobalAlloc(GPTR, TEMPLATE_SIZE)) {
+        auto* const header = block != nullptr ? static_cast<DLGTEMPLATE*>(::GlobalLock(block)) : nullptr;
+        if (header == nullptr) {
+            return;
+        }
+        const LONG units = ::GetDialogBaseUnits();
+        header->style = TEMPLATE_STYLE;
+        header->x = TEMPLATE_PLACE;
+        header->y = TEMPLATE_PLACE;
+        header->cx = static_cast<short>(TEMPLATE_WIDTH / LOWORD(units));
+        header->cy = static_cast<short>(TEMPLATE_HEIGHT / HIWORD(units));
+        // Behind the header: menu and class, one zero each, then the title.
+        auto* const title = reinterpret_cast<wchar_t*>(header + 1) + 2;
+        ::MultiByteToWideChar(CP_ACP, 0, TITLE, -1, title, TITLE_MAX);
+        data = header;
+    }
+    ~Dialog_Template() {
+        if (data != nullptr) {
+            ::GlobalUnlock(block);
+        }
+        if (block != nullptr) {
+            ::GlobalFree(block);
+        }
+    }
+    Dialog_Template(const Dialog_Template&) = delete;
+    Dialog_Template& operator=(const Dialog_Template&) = delete;
+    const DLGTEMPLATE* Get() const { return data; }
+
+  private:
+    HGLOBAL block;
+    const DLGTEMPLATE* data = nullptr;
+};
+
+}  // namespace
+
+int Dialog_Rename(char* buffer) {
+    if (buffer == nullptr || dialog != nullptr) {
+        return RESULT_FAILED;
+    }
+    const Dialog_Template dialog_template;
+    if (dialog_template.Get() == nullptr) {
+        return RESULT_FAILED;
+    }
+    Rename_Dialog rename;
+    rename.buffer = buffer;
+    rename.owner = ::GetActiveWindow();
+    dialog = &rename;
+    const INT_PTR result =
+        ::DialogBoxIndirectParamA(Instance_Of(rename.owner), dialog_template.Get(), rename.owner, Dialog_Proc, 0);
+    dialog = nullptr;
+    return static_cast<int>(result);
 }

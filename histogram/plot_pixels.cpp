@@ -68,24 +68,37 @@ void Plot_Pixels::Rectangle_Blend(int left, int bottom, int rectangle_width, int
 }
 
 void Plot_Pixels::Spans_Blend(std::span<const Column_Span> spans, std::uint32_t pixel, std::uint32_t opacity) {
+    // By components: eight products of 16 bits at a time.
+    std::array<std::uint16_t, BLOCK * 4> over;
+    for (std::size_t i = 0; i < over.size(); ++i) {
+        over[i] = static_cast<std::uint16_t>((pixel >> 8 * (i % 4) & 0xFF) * opacity);
+    }
+    const auto rest = static_cast<std::uint16_t>(OPACITY_FULL - opacity);
     Blocks_Walk(spans, width, height, [&](int row, int begin, int count, const std::array<std::uint32_t, BLOCK>& mask) {
-        std::uint32_t* line = Row_Begin(row) + begin;
-        for (int i = 0; i < count; ++i) {
-            const std::uint32_t covered = mask[static_cast<std::size_t>(i)];
-            line[i] = (Pixel_Blend(line[i], pixel, opacity) & covered) | (line[i] & ~covered);
+        auto* line = reinterpret_cast<std::uint8_t*>(Row_Begin(row) + begin);
+        const auto* covered = reinterpret_cast<const std::uint8_t*>(mask.data());
+        const auto blend = [&](std::size_t nb) {
+            for (std::size_t i = 0; i < nb; ++i) {
+                const auto mixed = static_cast<std::uint8_t>(static_cast<std::uint16_t>(line[i] * rest + over[i]) >> 8);
+                line[i] = static_cast<std::uint8_t>((mixed & covered[i]) | (line[i] & ~covered[i]));
+            }
+        };
+        if (count == BLOCK) {
+            blend(BLOCK * 4);
+        } else {
+            blend(static_cast<std::size_t>(count) * 4);
         }
     });
 }
 
-void Plot_Pixels::Spans_Blend(std::span<const Column_Span> spans, std::span<const std::uint32_t> colors,
-                              std::uint32_t opacity) {
+void Plot_Pixels::Spans_Fill(std::span<const Column_Span> spans, std::span<const std::uint32_t> colors) {
     Blocks_Walk(spans.first(std::min(spans.size(), colors.size())), width, height,
                 [&](int row, int begin, int count, const std::array<std::uint32_t, BLOCK>& mask) {
                     std::uint32_t* line = Row_Begin(row) + begin;
                     const std::uint32_t* over = colors.data() + begin;
                     for (int i = 0; i < count; ++i) {
                         const std::uint32_t covered = mask[static_cast<std::size_t>(i)];
-                        line[i] = (Pixel_Blend(line[i], over[i], opacity) & covered) | (line[i] & ~covered);
+                        line[i] = (over[i] & covered) | (line[i] & ~covered);
                     }
                 });
 }

@@ -43,8 +43,8 @@ class Plot_Pixels {
                          std::uint32_t opacity);
     /** Lays a colour over spans. @param spans one per column */
     void Spans_Blend(std::span<const Column_Span> spans, std::uint32_t pixel, std::uint32_t opacity);
-    /** Lays one colour per column over spans. */
-    void Spans_Blend(std::span<const Column_Span> spans, std::span<const std::uint32_t> colors, std::uint32_t opacity);
+    /** Gives spans one colour per column. */
+    void Spans_Fill(std::span<const Column_Span> spans, std::span<const std::uint32_t> colors);
     /** Draws spans as a line this many pixels thick, which grows to the right and upward. */
     void Line_Draw(std::span<const Column_Span> spans, std::uint32_t pixel, int thickness);
 

@@ -389,8 +389,10 @@ int Histo_Blow_Redraw() {
     if (Peak_Select_Exists()) {
         histo_blow.peak_select.Draw();
     }
-    if (histo_blow.dragging) {
-        Local_Drag_Draw(scene, histo_blow.drag);
+    // A press on a control has begun a rectangle without extent, which is nothing to see.
+    const Blow_Drag& drag = histo_blow.drag;
+    if (histo_blow.dragging && (drag.x_start != drag.x_end || drag.y_start != drag.y_end)) {
+        Local_Drag_Draw(scene, drag);
     }
     Histo_Blow_Cursor();
     Window_Buffer_End(window);

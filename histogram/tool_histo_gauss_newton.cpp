@@ -62,17 +62,16 @@ float Largest(std::span<const double> curve) {
     return largest;
 }
 
-void Candidates_Find(Tool_Histo& panel, int n) {
-    const Histo_Data& data = *panel.data;
+void Candidates_Find(Histo_Data& data, int n) {
     Histo_Peak* tail = nullptr;
     for (int x = 1; x < n; ++x) {
         if (const int skip = Peak_Is_Zero_Peak(n, data.derivative, x, ZERO_GAP, ZERO_SLOPE); skip != 0) {
             Error_Fct(hwnd, TRACE_STEP, "Locate a peak with zero at x = %d", x);
-            Peak_Gauss_Add(panel, tail, x, ZERO_AMPLITUDE, ZERO_WIDTH);
+            Peak_Gauss_Add(data, tail, x, ZERO_AMPLITUDE, ZERO_WIDTH);
             x += skip;
         } else if (Peak_Is_Data_Peak(n, data.filtered, x, DATA_HALF, DATA_DROP) != 0) {
             Error_Fct(hwnd, TRACE_STEP, "Locate a peak with data at x = %d", x);
-            Peak_Gauss_Add(panel, tail, x, DATA_AMPLITUDE, DATA_WIDTH);
+            Peak_Gauss_Add(data, tail, x, DATA_AMPLITUDE, DATA_WIDTH);
             x += DATA_SKIP;
         }
     }
@@ -92,28 +91,28 @@ void Curves_Make(Histo_Data& data) {
     }
 }
 
-void Prune_Small_And_Wide(Tool_Histo& panel) {
+void Prune_Small_And_Wide(Histo_Data& data) {
     Histo_Peak* next = nullptr;
-    for (Histo_Peak* peak = panel.data->peak_first; peak != nullptr; peak = next) {
+    for (Histo_Peak* peak = data.peak_first; peak != nullptr; peak = next) {
         next = peak->next;
         const double amplitude = Param(*peak, PEAK_AMPLITUDE);
         const double width = Param(*peak, PEAK_WIDTH);
         if (amplitude <= (*peak->param_min)[PEAK_AMPLITUDE] || width <= (*peak->param_min)[PEAK_WIDTH]) {
-            Peak_Delete(panel, peak, "Peak to small (amp=%.1f, width=%.1f)", amplitude, width);
+            Peak_Delete(data, peak, "Peak to small (amp=%.1f, width=%.1f)", amplitude, width);
         }
     }
-    for (Histo_Peak* peak = panel.data->peak_first; peak != nullptr; peak = next) {
+    for (Histo_Peak* peak = data.peak_first; peak != nullptr; peak = next) {
         next = peak->next;
         const double width = Param(*peak, PEAK_WIDTH);
         if (width >= static_cast<double>(peak_width_max)) {
-            Peak_Delete(panel, peak, "Peak to wide (amp=%.1f, width=%.1f)", Param(*peak, PEAK_AMPLITUDE), width);
+            Peak_Delete(data, peak, "Peak to wide (amp=%.1f, width=%.1f)", Param(*peak, PEAK_AMPLITUDE), width);
         }
     }
 }
 
-void Prune_Neighbours(Tool_Histo& panel) {
+void Prune_Neighbours(Histo_Data& data) {
     Histo_Peak* after = nullptr;
-    for (Histo_Peak* peak = panel.data->peak_first; peak != nullptr && peak->next != nullptr; peak = after) {
+    for (Histo_Peak* peak = data.peak_first; peak != nullptr && peak->next != nullptr; peak = after) {
         Histo_Peak* neighbour = peak->next;
         after = neighbour;
         const auto centre = static_cast<float>(Param(*peak, PEAK_CENTRE));
@@ -125,11 +124,11 @@ void Prune_Neighbours(Tool_Histo& panel) {
         const auto first = static_cast<double>(centre);
         const auto second = static_cast<double>(next_centre);
         if (static_cast<float>(Param(*neighbour, PEAK_AMPLITUDE)) > static_cast<float>(Param(*peak, PEAK_AMPLITUDE))) {
-            Peak_Delete(panel, peak, "Peak to close a (%.1f /vs/ %.1f)", first, second);
+            Peak_Delete(data, peak, "Peak to close a (%.1f /vs/ %.1f)", first, second);
         } else {
             // The walk goes on behind the deleted one: this peak is not compared with its new neighbour in this pass.
             after = neighbour->next;
-            Peak_Delete(panel, neighbour, "Peak to close b (%.1f /vs/ %.1f)", first, second);
+            Peak_Delete(data, neighbour, "Peak to close b (%.1f /vs/ %.1f)", first, second);
         }
     }
 }
@@ -137,9 +136,9 @@ void Prune_Neighbours(Tool_Histo& panel) {
 enum class Step_Result { Taken, Invalid_Matrix, Runaway };
 
 /** Adds the step to the parameters, clamped to their bounds; nothing changes when one component runs away. */
-Step_Result Step_Take(Tool_Histo& panel, const Vector_N& step, Vector_N& parameters) {
+Step_Result Step_Take(Histo_Data& data, const Vector_N& step, Vector_N& parameters) {
     int index = 0;
-    for (const Histo_Peak* peak = panel.data->peak_first; peak != nullptr; peak = peak->next) {
+    for (const Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next) {
         for (int k = 0; k < peak->nb_param; ++k, ++index) {
             const double bound = std::max(std::abs((*peak->param_min)[k]), std::abs((*peak->param_max)[k]));
             if (std::abs(step[index]) > RUNAWAY * bound) {
@@ -149,7 +148,7 @@ Step_Result Step_Take(Tool_Histo& panel, const Vector_N& step, Vector_N& paramet
     }
     parameters += step;
     index = 0;
-    for (Histo_Peak* peak = panel.data->peak_first; peak != nullptr; peak = peak->next) {
+    for (Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next) {
         for (int k = 0; k < peak->nb_param; ++k, ++index) {
             parameters[index] = std::min(std::max((*peak->param_min)[k], parameters[index]), (*peak->param_max)[k]);
             (*peak->param)[k] = parameters[index];
@@ -174,12 +173,16 @@ void Start_Sum_Make(Histo_Data& data, std::uint16_t n) {
 }  // namespace
 
 Histo_Peak* Peak_Gauss_Add(Tool_Histo& panel, Histo_Peak*& tail, int x, float amplitude_factor, float width) {
+    return Peak_Gauss_Add(*panel.data, tail, x, amplitude_factor, width);
+}
+
+Histo_Peak* Peak_Gauss_Add(Histo_Data& data, Histo_Peak*& tail, int x, float amplitude_factor, float width) {
     Histo_Peak* peak = Peak_Make(PEAK_GAUSS, true);
     if (peak == nullptr) {
         Report_Memory(LINE_RECORD);
         return nullptr;
     }
-    const double height = panel.data->filtered[x];
+    const double height = data.filtered[x];
     (*peak->param)[PEAK_CENTRE] = x;
     (*peak->param)[PEAK_AMPLITUDE] = static_cast<double>(amplitude_factor) * height;
     (*peak->param)[PEAK_WIDTH] = static_cast<double>(width);
@@ -191,16 +194,20 @@ Histo_Peak* Peak_Gauss_Add(Tool_Histo& panel, Histo_Peak*& tail, int x, float am
     (*peak->param_max)[PEAK_WIDTH] = static_cast<double>(peak_width_max);
     peak->fct_value = Peak_Value;
     peak->fct_deriv = Peak_Deriv;
-    Peak_Append(panel, tail, peak);
+    Peak_Append(data, tail, peak);
     return peak;
 }
 
 void Gauss_Newton(Tool_Histo& panel, std::uint16_t n, const double* data, double threshold) {
-    Start_Sum_Make(*panel.data, n);
+    Gauss_Newton(*panel.data, n, data, threshold);
+}
+
+void Gauss_Newton(Histo_Data& peaks, std::uint16_t n, const double* data, double threshold) {
+    Start_Sum_Make(peaks, n);
     double previous = 0.0;
     int iteration = 0;
     for (; iteration < ITERATION_MAX; ++iteration) {
-        Fit_System system = Fit_System_Make(panel.data->peak_first, {data, n});
+        Fit_System system = Fit_System_Make(peaks.peak_first, {data, n});
         const double change = system.squared_error - previous;
         Error_Fct(hwnd, TRACE_STEP, "++ mse: %.4f%% delta mse = %10.2g", system.squared_error * 100.0 / n,
                   std::abs(change));
@@ -215,14 +222,14 @@ void Gauss_Newton(Tool_Histo& panel, std::uint16_t n, const double* data, double
             return;
         }
         const Vector_N step = inverse * (transposed * system.residual);
-        if (Step_Take(panel, step, system.parameters) == Step_Result::Runaway) {
+        if (Step_Take(peaks, step, system.parameters) == Step_Result::Runaway) {
             Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 Gauss_Newton failed!");
             return;
         }
-        Prune_Small_And_Wide(panel);
-        Prune_Neighbours(panel);
+        Prune_Small_And_Wide(peaks);
+        Prune_Neighbours(peaks);
         int index = 0;
-        for (const Histo_Peak* peak = panel.data->peak_first; peak != nullptr; peak = peak->next, ++index) {
+        for (const Histo_Peak* peak = peaks.peak_first; peak != nullptr; peak = peak->next, ++index) {
             Error_Fct(hwnd, TRACE_STEP, "Iteration[%d] peak[%d]: C=%10.2f  A=%10.2f W=%10.2f", iteration, index,
                       Param(*peak, PEAK_CENTRE), Param(*peak, PEAK_AMPLITUDE), Param(*peak, PEAK_WIDTH));
         }
@@ -252,14 +259,14 @@ void Peak_Fit_Prepare(Tool_Histo& panel, int n, const double* curve) {
     peak_centre_tol = 1.25F;
     peak_data_min = 10.0F;
     peak_width_max = static_cast<float>(n) / 5.0F;
-    Candidates_Find(panel, n);
+    Candidates_Find(data, n);
     Error_Fct(hwnd, MESSAGE_STATUS, "Computing Peak Fit: \x01%d\x02 peaks ...", data.peak_nb);
     int index = 0;
     for (const Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next, ++index) {
         Error_Fct(hwnd, TRACE_STEP, "before[%d]: C=%10.2f  A=%10.2f W=%10.2f", index, Param(*peak, PEAK_CENTRE),
                   Param(*peak, PEAK_AMPLITUDE), Param(*peak, PEAK_WIDTH));
     }
-    Gauss_Newton(panel, static_cast<std::uint16_t>(n), data.filtered, STOP_CHANGE);
+    Gauss_Newton(data, static_cast<std::uint16_t>(n), data.filtered, STOP_CHANGE);
     index = 0;
     for (const Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next, ++index) {
         Error_Fct(hwnd, TRACE_STEP, "last peak[%d]: C=%10.2f  A=%10.2f W=%10.2f", index, Param(*peak, PEAK_CENTRE),

@@ -41,6 +41,22 @@ Vector_N* Parameters_Make() {
     return vector;
 }
 
+void Delete_Because(Histo_Data& data, Histo_Peak* peak, const char* format, va_list arguments) {
+    char reason[REASON_SIZE] = {};
+    std::vsnprintf(reason, sizeof reason, format, arguments);
+    Error_Fct(hwnd, TRACE_DELETE, "******* Delete peak at %.2f: %s", (*peak->param)[PEAK_CENTRE], reason);
+    if (peak->prev == nullptr) {
+        data.peak_first = peak->next;
+    } else {
+        peak->prev->next = peak->next;
+    }
+    if (peak->next != nullptr) {
+        peak->next->prev = peak->prev;
+    }
+    Peak_Free(peak);
+    --data.peak_nb;
+}
+
 }  // namespace
 
 Histo_Peak* Peak_Make(std::uint8_t type, bool with_bounds) {
@@ -75,14 +91,18 @@ void Peak_Free(Histo_Peak* peak) {
 }
 
 void Peak_Append(Tool_Histo& panel, Histo_Peak*& tail, Histo_Peak* peak) {
+    Peak_Append(*panel.data, tail, peak);
+}
+
+void Peak_Append(Histo_Data& data, Histo_Peak*& tail, Histo_Peak* peak) {
     if (tail == nullptr) {
-        panel.data->peak_first = peak;
+        data.peak_first = peak;
     } else {
         peak->prev = tail;
         tail->next = peak;
     }
     tail = peak;
-    ++panel.data->peak_nb;
+    ++data.peak_nb;
 }
 
 double Peak_Value(std::uint8_t type, double position, Vector_N& param) {
@@ -123,20 +143,15 @@ int Peak_Is_Data_Peak(int n, const double* filtered, int x, int half, float min_
 }
 
 void Peak_Delete(Tool_Histo& panel, Histo_Peak* peak, const char* format, ...) {
-    char reason[REASON_SIZE] = {};
     va_list arguments;
     va_start(arguments, format);
-    std::vsnprintf(reason, sizeof reason, format, arguments);
+    Delete_Because(*panel.data, peak, format, arguments);
     va_end(arguments);
-    Error_Fct(hwnd, TRACE_DELETE, "******* Delete peak at %.2f: %s", (*peak->param)[PEAK_CENTRE], reason);
-    if (peak->prev == nullptr) {
-        panel.data->peak_first = peak->next;
-    } else {
-        peak->prev->next = peak->next;
-    }
-    if (peak->next != nullptr) {
-        peak->next->prev = peak->prev;
-    }
-    Peak_Free(peak);
-    --panel.data->peak_nb;
+}
+
+void Peak_Delete(Histo_Data& data, Histo_Peak* peak, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    Delete_Because(data, peak, format, arguments);
+    va_end(arguments);
 }

@@ -6,6 +6,7 @@
 #include "host/kit_common.h"
 #include "panels/kit_panels.h"
 
+struct Histo_Data;
 class Tool_Histo;
 struct Histo_Peak;
 
@@ -49,6 +50,7 @@ Histo_Peak* Peak_Make(std::uint8_t type, bool with_bounds);
 /** Frees a record with its vectors and its curve; it must be out of every list. */
 void Peak_Free(Histo_Peak* peak);
 /** Appends a record to the panel's list; an empty tail makes it the head. Moves the tail and counts the peak. */
+void Peak_Append(Histo_Data& data, Histo_Peak*& tail, Histo_Peak* peak);
 void Peak_Append(Tool_Histo& panel, Histo_Peak*& tail, Histo_Peak* peak);
 
 // Settings of the analysis, process-wide: one analysis at a time.
@@ -71,6 +73,7 @@ int Peak_Is_Zero_Peak(int n, const float* derivative, int x, int gap, float slop
 int Peak_Is_Data_Peak(int n, const double* filtered, int x, int half, float min_drop);
 /** Takes a peak out of the panel's list and frees it; the reason, made by printf rules (at most 1023 characters), is
  * traced. */
+void Peak_Delete(Histo_Data& data, Histo_Peak* peak, const char* format, ...) KIT_PRINTF_FORMAT(3, 4);
 void Peak_Delete(Tool_Histo& panel, Histo_Peak* peak, const char* format, ...) KIT_PRINTF_FORMAT(3, 4);
 
 /** Fills `curve` (nb_bins values) from the record's counts as chosen by the colour component: 0 the fourth array, 1 to
@@ -85,7 +88,9 @@ Histo_Peak* Peak_Segment_Add(Tool_Histo& panel, Histo_Peak*& tail, std::int32_t 
 void Peak_Fit_Prepare(Tool_Histo& panel, int n, const double* curve);
 /** A Gaussian candidate at the tail: amplitude factor x filtered value, bounds by the settings. @return null without
  * memory (reported) */
+Histo_Peak* Peak_Gauss_Add(Histo_Data& data, Histo_Peak*& tail, int x, float amplitude_factor, float width);
 Histo_Peak* Peak_Gauss_Add(Tool_Histo& panel, Histo_Peak*& tail, int x, float amplitude_factor, float width);
 /** Refines all peaks together by Gauss-Newton least squares with bounded parameters: at most ten undamped steps,
  * pruning after each. */
+void Gauss_Newton(Histo_Data& peaks, std::uint16_t n, const double* data, double threshold);
 void Gauss_Newton(Tool_Histo& panel, std::uint16_t n, const double* data, double threshold);

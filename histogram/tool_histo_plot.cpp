@@ -170,7 +170,7 @@ void Draw_Ground(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Colum
         bars[column] =
             banded[column] && !bars[column].Is_Empty() ? Column_Span{base, bars[column].high} : Column_Span{};
     }
-    picture.Spans_Blend(bars, under, OPACITY_FULL);
+    picture.Spans_Fill(bars, under);
 }
 
 // ------------------------------------------------------------------------------------------------------------ picture

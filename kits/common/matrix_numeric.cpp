@@ -42,7 +42,7 @@ Range Common(const Range& a, const Range& b) {
 }
 
 /** Rows of the left matrix and columns of the right one are taken in groups of this many. */
-constexpr std::size_t GROUP = 24;
+constexpr std::size_t GROUP = 12;
 
 std::size_t Groups(std::size_t count) {
     return (count + GROUP - 1) / GROUP;

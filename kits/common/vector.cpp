@@ -11,13 +11,31 @@ namespace {
 /** Where elements outside a vector are read and written. */
 thread_local double spare_element;
 
-}  // namespace
+enum class Fill { Zeros, Anything };
 
-Double_Array Doubles_Zeroed(std::size_t count) {
+Double_Array Doubles_Make(std::size_t count, Fill fill) {
     if (count == 0 || count > std::numeric_limits<std::ptrdiff_t>::max() / sizeof(double)) {
         return nullptr;
     }
-    return Double_Array(static_cast<double*>(std::calloc(count, sizeof(double))));
+    const std::size_t wanted = count * sizeof(double);
+    std::size_t size = wanted;
+    void* memory = Block_Cache_Take(size);
+    if (memory == nullptr) {
+        memory = fill == Fill::Zeros ? std::calloc(count, sizeof(double)) : std::malloc(wanted);
+    } else if (fill == Fill::Zeros) {
+        std::memset(memory, 0, wanted);
+    }
+    return Double_Array(static_cast<double*>(memory), Free_Memory{size});
+}
+
+}  // namespace
+
+Double_Array Doubles_Zeroed(std::size_t count) {
+    return Doubles_Make(count, Fill::Zeros);
+}
+
+Double_Array Doubles_Raw(std::size_t count) {
+    return Doubles_Make(count, Fill::Anything);
 }
 
 Vector_N::Vector_N(unsigned int count, unsigned char /*flag*/) : data(new (std::nothrow) Data) {

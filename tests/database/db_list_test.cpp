@@ -156,6 +156,15 @@ TEST(DB_List_Array_Free, without_an_array_only_the_count_is_reset) {
     EXPECT_EQ(list_pt, nullptr);
 }
 
+TEST(DB_List_Array_Free, with_a_count_of_0_the_array_stays) {
+    int nb = 0;
+    DB_List record{};
+    DB_List* list_pt = &record;
+    DB_List_Array_Free(&nb, &list_pt);
+    EXPECT_EQ(nb, 0);
+    EXPECT_EQ(list_pt, &record);
+}
+
 // --------------------------------------------------------------------------------------------------------------------
 // check marks and last children
 

@@ -127,9 +127,9 @@ TEST(Frame_Index_Memory, objects_of_several_frames_are_found_without_memory_too)
         Frame_Index index;
         ASSERT_TRUE(index.Make(100));
         for (int i = 0; i < 100; ++i) {
-            const Quorel_2D_Frame* const frame = &frames[static_cast<std::size_t>(i * i % 5)];
+            const Quorel_2D_Frame* const frame = i % 9 == 0 ? nullptr : &frames[static_cast<std::size_t>(i * i % 5)];
             index.Add({frame, i, i % 7 == 0});
-            if (n == 1) {
+            if (n == 1 && frame != nullptr) {
                 expected.insert(expected.end(), static_cast<std::size_t>(object.Count(frame)), i);
             }
         }

@@ -246,6 +246,9 @@ TEST_F(Tool_DB_File_Test, null_frames_and_missing_tables_get_plain_rows) {
     bare.record.frame = nullptr;
     auto& broken = scene.Add_File("z", 0);
     broken.record.frame_nb = -1;
+    auto& object = Add_Object(file.frames[1]);
+    object.frame_more_nb = 3;  // and no table of them
+    Select(object);
     Create();
     ASSERT_EQ(nb, 7);
     EXPECT_EQ(list_pt[1].modality, 0);
@@ -255,7 +258,9 @@ TEST_F(Tool_DB_File_Test, null_frames_and_missing_tables_get_plain_rows) {
     EXPECT_EQ(Row(5), "Frame|1 (0x0)");
     EXPECT_EQ(list_pt[6].child_nb, 0);
     Read();
-    EXPECT_FALSE(Write().empty());
+    EXPECT_EQ(list_pt[2].state, 0);
+    EXPECT_EQ(list_pt[3].state, 2);
+    EXPECT_EQ(Write(), (Calls{OPEN_WRITE, Next("o0"), "get(o0, 0x10, 4, 512) = 0x10", Next("-"), "close"}));
 }
 
 TEST_F(Tool_DB_File_Test, more_rows_than_can_be_numbered_are_all_made) {

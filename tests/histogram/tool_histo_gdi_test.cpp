@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <functional>
+#include <random>
 
 #include "tests/histogram/histo_stage.h"
 #include "tests/support/gdi_recorder.h"
@@ -142,6 +143,16 @@ TEST(Histo_Gdi, the_enlarged_window_gives_back_what_it_takes) {
     // The library makes fonts that its callers own and delete, so it is out of balance by itself.
     Expect_Balance("Kit_Panels.dll", steps);
     Expect_Balance("Kit_Graph.dll", steps);
+
+    // Many in any order.
+    constexpr int event_nb = 3000;
+    std::mt19937 random(20261121);
+    const Gdi_Recorder recorder("Kit_Panels.dll");
+    for (int event = 0; event < event_nb; ++event) {
+        steps[std::uniform_int_distribution<std::size_t>(0, steps.size() - 1)(random)]();
+    }
+    EXPECT_EQ(Gdi_Recorder::Unbalanced(), "");
+    EXPECT_GT(Gdi_Recorder::Watched_Nb(), event_nb);
 }
 
 TEST(Histo_Gdi, nothing_is_deleted_twice_when_the_last_panel_goes) {

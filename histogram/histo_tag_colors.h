@@ -1,0 +1,30 @@
+/** The host's TAG colours, as the panel and the enlarged window shade with them. */
+#pragma once
+
+#include "histogram/histo_colors.h"
+#include "panels/host_variables.h"
+
+/** Colours of all TAGs, looked up once per picture. */
+struct Histo_Tag_Colors {
+    const std::uint16_t* red = nullptr;
+    const std::uint16_t* green = nullptr;
+    const std::uint16_t* blue = nullptr;
+    int nb = 0;
+
+    void Look_Up() {
+        static Cached_Variable<std::uint16_t*> reds("$TAG_RED");
+        static Cached_Variable<std::uint16_t*> greens("$TAG_GRN");
+        static Cached_Variable<std::uint16_t*> blues("$TAG_BLU");
+        red = reds.Value_Or(nullptr);
+        green = greens.Value_Or(nullptr);
+        blue = blues.Value_Or(nullptr);
+        nb = Host_Count("$TAG_NB");
+    }
+    /** 0x00BBGGRR; grey for TAGs that the host does not have. */
+    std::uint32_t Of(int tag) const {
+        if (tag >= nb || red == nullptr || green == nullptr || blue == nullptr) {
+            return HISTO_COLOR_GREY;
+        }
+        return Histo_Tag_Color(red[tag], green[tag], blue[tag]);
+    }
+};

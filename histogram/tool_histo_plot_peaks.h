@@ -1,0 +1,44 @@
+/** Peaks in the enlarged plot: fills, outlines and labels. */
+#pragma once
+
+#include "histogram/plot_pixels.h"
+#include "histogram/tool_histo_plot.h"
+#include "win32/gdi_handles.h"
+
+/** The curves of a panel's peaks as columns of a picture; made once per redraw. */
+class Histo_Plot_Peaks {
+  public:
+    /** Fits: their sum as one curve (composite) or each its own (individual). Segments: the parts of the smoothed curve
+     * (or the counts), one each. Peaks without a curve are left out. */
+    Histo_Plot_Peaks(const Tool_Histo& panel, const Plot_Columns& columns, int display);
+
+    struct Curve {
+        Column_Spans spans;       ///< the outline, one span per column
+        std::uint32_t pixel = 0;  ///< colour
+    };
+    struct Label {
+        int column = 0;
+        int row = 0;          ///< of the peak's top, in the frame's rows
+        double centre = 0.0;  ///< GLI
+    };
+    const std::vector<Curve>& Curves() const { return curves; }
+    const std::vector<Label>& Labels() const { return labels; }
+
+  private:
+    void Segments_Add(const Tool_Histo& panel, const Plot_Columns& columns);
+    void Fits_Add(const Tool_Histo& panel, const Plot_Columns& columns);
+    void Curve_Add(Column_Spans spans, std::uint32_t pixel, int base);
+    void Sum_Add(const Tool_Histo& panel, const Plot_Columns& columns);
+
+    std::vector<Curve> curves;
+    std::vector<Label> labels;
+};
+
+/** Fills the area under the curves, half transparent. @param base row of the count 0, may be outside */
+void Histo_Plot_Window_Fill(Plot_Pixels& picture, const Histo_Plot_Peaks& peaks, int base);
+/** Draws the outlines. */
+void Histo_Plot_Window_Curve(Plot_Pixels& picture, const Histo_Plot_Peaks& peaks, int thickness);
+/** Writes the centres at the peaks' tops, each on a plate, those that collide apart or not at all.
+ *  @param dc device context of the picture, with the font selected */
+void Histo_Plot_Peak_Label(HDC dc, Plot_Pixels& picture, const Histo_Plot_Peaks& peaks, std::uint32_t ground,
+                           std::uint32_t text);

@@ -1,0 +1,126 @@
+#include "histogram/plot_pixels.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+constexpr int WIDTH = 37;  // not a multiple of the columns that are worked on together
+constexpr int HEIGHT = 9;
+
+struct Canvas {
+    std::vector<std::uint32_t> pixels = std::vector<std::uint32_t>(WIDTH * HEIGHT + 1, 0);
+    Plot_Pixels picture{pixels.data(), WIDTH, HEIGHT};
+    Canvas() { pixels.back() = 0xDEAD; }
+    ~Canvas() { EXPECT_EQ(pixels.back(), 0xDEADU) << "written beyond the picture"; }
+    Canvas(const Canvas&) = delete;
+    Canvas& operator=(const Canvas&) = delete;
+    int Count(std::uint32_t pixel) const {
+        int nb = 0;
+        for (int i = 0; i < WIDTH * HEIGHT; ++i) {
+            nb += pixels[static_cast<std::size_t>(i)] == pixel ? 1 : 0;
+        }
+        return nb;
+    }
+};
+
+}  // namespace
+
+TEST(Plot_Pixels_Test, ColorsTurnIntoPixels) {
+    EXPECT_EQ(Pixel_Of_Color(0x00FFFF), 0xFFFF00U);
+    EXPECT_EQ(Pixel_Of_Color(0x123456), 0x563412U);
+}
+
+TEST(Plot_Pixels_Test, BlendMixesEachComponentByItself) {
+    EXPECT_EQ(Pixel_Blend(0x102030, 0xFFFFFF, 0), 0x102030U);
+    EXPECT_EQ(Pixel_Blend(0x102030, 0xABCDEF, OPACITY_FULL), 0xABCDEFU);
+    EXPECT_EQ(Pixel_Blend(0x000000, 0xFF00FF, 128), 0x7F007FU);
+    EXPECT_EQ(Pixel_Blend(0xFFFFFF, 0x00FF00, 128), 0x7FFF7FU);
+}
+
+TEST(Plot_Pixels_Test, RowsCountFromTheBottom) {
+    Canvas canvas;
+    Column_Spans spans(WIDTH);
+    spans[5] = {2, 4};
+    canvas.picture.Line_Draw(spans, 0xFF, 1);
+    EXPECT_EQ(canvas.Count(0xFF), 3);
+    for (int row = 2; row <= 4; ++row) {
+        EXPECT_EQ(canvas.pixels[static_cast<std::size_t>((HEIGHT - 1 - row) * WIDTH + 5)], 0xFFU);
+        EXPECT_EQ(canvas.picture.At(5, row), 0xFFU);
+    }
+}
+
+TEST(Plot_Pixels_Test, SpansAreClippedToThePicture) {
+    Canvas canvas;
+    Column_Spans spans(WIDTH, {-5, HEIGHT + 7});
+    spans[0] = {-9, -1};
+    spans[1] = {HEIGHT, HEIGHT + 3};
+    spans[2] = {};
+    canvas.picture.Spans_Blend(spans, 0xFF, OPACITY_FULL);
+    EXPECT_EQ(canvas.Count(0xFF), (WIDTH - 3) * HEIGHT);
+    EXPECT_EQ(canvas.picture.At(0, 0) + canvas.picture.At(1, HEIGHT - 1) + canvas.picture.At(2, 3), 0U);
+}
+
+TEST(Plot_Pixels_Test, SpansMixAsSinglePixelsDo) {
+    Canvas canvas;
+    std::vector<std::uint32_t> before;
+    for (std::size_t i = 0; i + 1 < canvas.pixels.size(); ++i) {
+        canvas.pixels[i] = static_cast<std::uint32_t>(i * 0x9E3779B1U) & 0xFFFFFF;
+        before.push_back(canvas.pixels[i]);
+    }
+    for (const std::uint32_t opacity : {0U, 1U, 90U, 255U, OPACITY_FULL}) {
+        std::copy(before.begin(), before.end(), canvas.pixels.begin());
+        canvas.picture.Spans_Blend(Column_Spans(WIDTH, {0, HEIGHT - 1}), 0xFA8C01, opacity);
+        for (std::size_t i = 0; i < before.size(); ++i) {
+            ASSERT_EQ(canvas.pixels[i] & 0xFFFFFF, Pixel_Blend(before[i], 0xFA8C01, opacity)) << opacity;
+        }
+    }
+}
+
+TEST(Plot_Pixels_Test, EveryColumnHasItsOwnColorAndSpansMayBeFewer) {
+    Canvas canvas;
+    std::vector<std::uint32_t> colors;
+    for (int column = 0; column < WIDTH; ++column) {
+        colors.push_back(static_cast<std::uint32_t>(column + 1));
+    }
+    canvas.picture.Spans_Fill(Column_Spans(WIDTH - 1, {1, 1}), colors);
+    for (int column = 0; column < WIDTH - 1; ++column) {
+        EXPECT_EQ(canvas.picture.At(column, 1), static_cast<std::uint32_t>(column + 1));
+    }
+    EXPECT_EQ(canvas.picture.At(WIDTH - 1, 1), 0U);
+    EXPECT_EQ(canvas.picture.At(3, 0), 0U);
+    canvas.picture.Columns_Fill(colors);
+    EXPECT_EQ(canvas.picture.At(WIDTH - 1, HEIGHT - 1), static_cast<std::uint32_t>(WIDTH));
+    EXPECT_EQ(canvas.picture.At(0, 0), 1U);
+}
+
+TEST(Plot_Pixels_Test, RectanglesAreClipped) {
+    Canvas canvas;
+    canvas.picture.Rectangle_Blend(-3, -2, 5, 4, 0xFF, OPACITY_FULL);
+    EXPECT_EQ(canvas.Count(0xFF), 2 * 2);
+    canvas.picture.Rectangle_Blend(WIDTH - 1, HEIGHT - 1, 9, 9, 0xFF00, OPACITY_FULL);
+    EXPECT_EQ(canvas.Count(0xFF00), 1);
+    canvas.picture.Rectangle_Blend(WIDTH, 0, 9, 9, 0xAA, OPACITY_FULL);
+    EXPECT_EQ(canvas.Count(0xAA), 0);
+}
+
+TEST(Plot_Pixels_Test, AThickLineGrowsToTheRightAndUpward) {
+    Canvas canvas;
+    Column_Spans spans(WIDTH);
+    spans[10] = {2, 2};
+    spans[11] = {2, 5};
+    spans[12] = {5, 5};
+    canvas.picture.Line_Draw(spans, 0xFF, 2);
+    const Column_Spans wanted = {{2, 3}, {2, 6}, {2, 6}, {5, 6}};
+    int nb = 0;
+    for (int i = 0; i < 4; ++i) {
+        for (int row = 0; row < HEIGHT; ++row) {
+            const Column_Span& span = wanted[static_cast<std::size_t>(i)];
+            EXPECT_EQ(canvas.picture.At(10 + i, row) == 0xFF, row >= span.low && row <= span.high) << i << " " << row;
+            nb += row >= span.low && row <= span.high ? 1 : 0;
+        }
+    }
+    EXPECT_EQ(canvas.Count(0xFF), nb);
+}

@@ -1,0 +1,597 @@
+// The enlarged window's plot as it comes out on the screen.
+#include "win32/gdi_handles.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <set>
+
+#include "histogram/histo_colors.h"
+#include "histogram/plot_pixels.h"
+#include "tests/histogram/plot_stage.h"
+#include "tests/support/gdi_recorder.h"
+#include "tests/support/import_hook.h"
+
+namespace {
+
+constexpr std::uint32_t GROUND = 0x202226;
+constexpr std::uint32_t YELLOW = 0xFFFF00;
+constexpr std::uint32_t MAGENTA = 0xFF00FF;
+constexpr std::uint32_t FIT_SUM = 0x00A0FF;
+constexpr std::uint32_t DERIVATIVE = 0xD8D8D8;
+
+using Pixels = std::vector<std::uint32_t>;
+
+/** The plot area's pixels, rows from the bottom. */
+Pixels Area_Of(const Plot_Stage& plot) {
+    const Pixels all = plot.Read();
+    Pixels area;
+    for (int row = 0; row < plot.scene.area.height; ++row) {
+        for (int column = 0; column < plot.scene.area.width; ++column) {
+            area.push_back(all[plot.At(column, row)]);
+        }
+    }
+    return area;
+}
+
+std::set<std::uint32_t> Colors_Of(const Pixels& pixels) {
+    return {pixels.begin(), pixels.end()};
+}
+
+std::size_t Differences(const Pixels& a, const Pixels& b) {
+    EXPECT_EQ(a.size(), b.size());
+    std::size_t nb = 0;
+    for (std::size_t i = 0; i < a.size() && i < b.size(); ++i) {
+        nb += a[i] != b[i] ? 1U : 0U;
+    }
+    return nb;
+}
+
+std::vector<std::uint32_t> Noise(int nb, unsigned seed) {
+    std::mt19937 random(seed);
+    std::vector<std::uint32_t> counts(static_cast<std::size_t>(nb));
+    for (auto& count : counts) {
+        count = static_cast<std::uint32_t>(random() % 1000);
+    }
+    return counts;
+}
+
+std::vector<std::uint32_t> Flat(int nb, std::uint32_t value) {
+    return std::vector<std::uint32_t>(static_cast<std::size_t>(nb), value);
+}
+
+/** One grey level per column and one count per row: bin k lies on columns around k. */
+void Unit_View(Plot_Stage& plot) {
+    plot.scene.x = {0.0F, static_cast<float>(plot.scene.area.width)};
+    plot.scene.y = {-10.0F, static_cast<float>(plot.scene.area.height) - 10.0F};
+}
+
+/** The same curve by the window system: a line along every bin. */
+Pixels Drawn_By_Gdi(const Plot_Stage& plot) {
+    const Blow_Area& area = plot.scene.area;
+    const Histo_Record& record = *plot.panel.data->record;
+    const Plot_Frame frame{area.width,
+                           area.height,
+                           static_cast<double>(plot.scene.x.start),
+                           static_cast<double>(plot.scene.x.end),
+                           static_cast<double>(plot.scene.y.start),
+                           static_cast<double>(plot.scene.y.end)};
+    const Plot_Grid grid{record.nb_bins, static_cast<double>(record.origin), static_cast<double>(record.bin_width)};
+    const Dib_Picture picture(nullptr, area.width, area.height);
+    std::fill(picture.Pixels(), picture.Pixels() + area.width * area.height, GROUND);
+    const Gdi_Pen pen(::CreatePen(PS_SOLID, 1, HISTO_COLOR_ALL));
+    const Selected_Object selected(picture.Get_DC(), pen.Get());
+    const auto y_of = [&](double count) { return area.height - 1 - frame.Row(count); };
+    ::MoveToEx(picture.Get_DC(), frame.Column(grid.Edge(0)), y_of(0.0), nullptr);
+    for (int bin = 0; bin < record.nb_bins; ++bin) {
+        ::LineTo(picture.Get_DC(), frame.Column(grid.Edge(bin)), y_of(record.counts[bin]));
+        ::LineTo(picture.Get_DC(), frame.Column(grid.Edge(bin + 1)), y_of(record.counts[bin]));
+    }
+    // A line leaves its last pixel out.
+    ::LineTo(picture.Get_DC(), frame.Column(grid.Edge(record.nb_bins)), y_of(0.0) + 1);
+    Dib_Picture::Flush();
+    Pixels rows;
+    for (int row = 0; row < area.height; ++row) {
+        const std::uint32_t* line = picture.Pixels() + (area.height - 1 - row) * area.width;
+        for (int column = 0; column < area.width; ++column) {
+            rows.push_back(line[column] & 0xFFFFFF);
+        }
+    }
+    return rows;
+}
+
+/** Texts that go through TextOutA. */
+std::vector<std::string>* texts_seen = nullptr;
+BOOL(WINAPI* text_out)(HDC, int, int, LPCSTR, int) = nullptr;
+BOOL WINAPI Text_Out(HDC dc, int x, int y, LPCSTR text, int length) {
+    if (texts_seen != nullptr) {
+        texts_seen->emplace_back(text, static_cast<std::size_t>(length));
+    }
+    return text_out(dc, x, y, text, length);
+}
+
+std::vector<std::string> Labels_Drawn(Plot_Stage& plot) {
+    std::vector<std::string> texts;
+    const Import_Hook hook("", "gdi32.dll", "TextOutA", reinterpret_cast<void*>(&Text_Out));
+    EXPECT_TRUE(hook.Is_Set());
+    text_out = reinterpret_cast<decltype(text_out)>(hook.Original());
+    texts_seen = &texts;
+    plot.Draw();
+    texts_seen = nullptr;
+    return texts;
+}
+
+}  // namespace
+
+TEST(Tool_Histo_Plot_Test, WithoutCountsNothingIsPlotted) {
+    Plot_Stage plot;
+    plot.panel.data->Record_Free();
+    plot.stage.Wipe();
+    const Pixels before = plot.Read();
+    EXPECT_EQ(Histo_Plot_Draw(plot.panel, plot.scene), 0);
+    EXPECT_EQ(Histo_Plot_Cursor(plot.panel, plot.scene), 0);
+    plot.Counts_Give({}, Flat(5, 3));
+    plot.panel.data->Record_Empty();
+    EXPECT_EQ(Histo_Plot_Draw(plot.panel, plot.scene), 0);
+    EXPECT_EQ(Histo_Plot_Cursor(plot.panel, plot.scene), 0);
+    EXPECT_EQ(plot.Read(), before);
+}
+
+TEST(Tool_Histo_Plot_Test, SamePictureAsTheWindowSystemDrawingEveryBin) {
+    std::mt19937 random(11);
+    const auto real = [&](float least, float most) {
+        return std::uniform_real_distribution<float>(least, most)(random);
+    };
+    for (unsigned round = 0; round < 24; ++round) {
+        Plot_Stage plot({300 + static_cast<int>(random() % 500), 200 + static_cast<int>(random() % 300), 13, 0});
+        const int nb = round % 3 == 0 ? 5000 : round % 3 == 1 ? 256 : 7;
+        plot.Counts_Give({-20.0F, 0.7F}, Noise(nb, round));
+        if (round >= 3) {
+            const Blow_Range x = plot.scene.x;
+            const float middle = real(x.start, x.end);
+            const float reach = (x.end - x.start) * std::pow(10.0F, real(-2.0F, 0.0F));
+            plot.scene.x = {middle - reach, middle + reach};
+            plot.scene.y.start = real(-100.0F, 500.0F);
+            plot.scene.y.end = plot.scene.y.start + real(10.0F, 900.0F);
+        }
+        ASSERT_EQ(plot.Draw(), 1);
+        ASSERT_EQ(Differences(Area_Of(plot), Drawn_By_Gdi(plot)), 0U) << "round " << round;
+    }
+}
+
+TEST(Tool_Histo_Plot_Test, CurvesHaveTheColorsOfTheirComponents) {
+    Plot_Stage plot;
+    Scene_Object& colored = plot.host.Add_Color({0.0F, 1.0F}, Noise(50, 1));
+    plot.panel.data->Record_Free();
+    auto* record = new Histo_Record(colored.record);
+    for (auto member : {&Histo_Record::counts, &Histo_Record::counts_red, &Histo_Record::counts_green,
+                        &Histo_Record::counts_blue, &Histo_Record::counts_component0}) {
+        auto* copy = new std::uint32_t[50];
+        std::copy(record->*member, record->*member + 50, copy);
+        record->*member = copy;
+    }
+    record->max_count = 5000;
+    plot.panel.data->record = record;
+    plot.Full_View();
+    plot.scene.y = {-100.0F, 6000.0F};
+    Pixels by_component[5];
+    for (unsigned char component = 0; component <= 4; ++component) {
+        plot.panel.color_component = component;
+        plot.Draw();
+        by_component[component] = Area_Of(plot);
+        const auto colors = Colors_Of(by_component[component]);
+        const bool split = component >= 1 && component <= 3;
+        EXPECT_EQ(colors.count(YELLOW), split ? 0U : 1U) << int{component};
+        EXPECT_EQ(colors.count(0xFF0000), split ? 1U : 0U) << int{component};
+        EXPECT_EQ(colors.count(0x00FF00), split ? 1U : 0U) << int{component};
+        EXPECT_EQ(colors.count(0x0000FF), split ? 1U : 0U) << int{component};
+    }
+    EXPECT_EQ(by_component[1], by_component[3]);
+    // The fourth array is five times `counts`.
+    EXPECT_NE(by_component[0], by_component[4]);
+}
+
+TEST(Tool_Histo_Plot_Test, CurvesOfTheAnalysisAreShownByTheTraceLevel) {
+    Plot_Stage plot;
+    plot.Counts_Give({}, Flat(40, 100));
+    Histo_Data& data = *plot.panel.data;
+    data.curve_nb = 40;
+    data.fit_sum = new float[40];
+    data.derivative = new float[40];
+    for (int bin = 0; bin < 40; ++bin) {
+        data.fit_sum[bin] = 50.0F;
+        data.derivative[bin] = bin < 20 ? 5.0F : -5.0F;
+    }
+    plot.Draw();
+    EXPECT_EQ(Colors_Of(Area_Of(plot)), (std::set<std::uint32_t>{GROUND, YELLOW}));
+    data.filtered = new double[40];
+    std::fill(data.filtered, data.filtered + 40, 80.0);
+    plot.Draw();
+    EXPECT_EQ(Colors_Of(Area_Of(plot)), (std::set<std::uint32_t>{GROUND, YELLOW, MAGENTA}));
+    Flag_Trace = 1;
+    plot.Draw();
+    Flag_Trace = 0;
+    EXPECT_EQ(Colors_Of(Area_Of(plot)), (std::set<std::uint32_t>{GROUND, YELLOW, MAGENTA, FIT_SUM, DERIVATIVE}));
+}
+
+TEST(Tool_Histo_Plot_Test, RangeEndsAreRoundedUnlikeInThePanel) {
+    Plot_Stage plot;
+    plot.Counts_Give({}, Flat(200, 1));
+    Unit_View(plot);
+    plot.host.Tags(1);
+    plot.host.Tag_Color(0, 0, 200, 0);
+    plot.Range_Give(0, 10.5F, 20.4F);
+    plot.Range_Give(0, 49.6F, 60.6F);
+    plot.scene.tag = true;
+    plot.Draw();
+    const Pixels area = Area_Of(plot);
+    const int top = plot.scene.area.height - 1;
+    std::vector<int> shaded;
+    for (int column = 0; column < 100; ++column) {
+        const std::uint32_t pixel = area[static_cast<std::size_t>(top * plot.scene.area.width + column)];
+        if (pixel != GROUND) {
+            EXPECT_GT(pixel >> 8 & 0xFF, pixel & 0xFF) << "green";
+            shaded.push_back(column);
+        }
+    }
+    std::vector<int> wanted;
+    for (int column = 11; column <= 20; ++column) {
+        wanted.push_back(column);
+    }
+    for (int column = 50; column <= 61; ++column) {
+        wanted.push_back(column);
+    }
+    EXPECT_EQ(shaded, wanted);
+    plot.scene.tag = false;
+    plot.Draw();
+    EXPECT_EQ(Colors_Of(Area_Of(plot)), (std::set<std::uint32_t>{GROUND, YELLOW}));
+}
+
+TEST(Tool_Histo_Plot_Test, BandsAreClippedToThePlotAreaAndLaterOnesHideEarlierOnes) {
+    Plot_Stage plot;
+    plot.Counts_Give({}, Flat(2000, 1));
+    Unit_View(plot);
+    plot.scene.x = {500.5F, 900.5F};
+    plot.Draw();
+    const Pixels plain = plot.Read();
+    plot.host.Tags(2);
+    plot.host.Tag_Color(0, 200, 0, 0);
+    plot.host.Tag_Color(1, 0, 0, 200);
+    plot.Range_Give(0, -100000.0F, 100000.0F);
+    plot.Range_Give(1, 700.0F, 1e30F);
+    plot.Range_Give(1, 800.0F, 750.0F);  // turned inside out: nothing
+    plot.Range_Give(0, 20.0F, 30.0F);    // not in view
+    plot.scene.tag = true;
+    plot.Draw();
+    const Pixels banded = plot.Read();
+    std::set<std::size_t> inside;
+    for (int row = 0; row < plot.scene.area.height; ++row) {
+        for (int column = 0; column < plot.scene.area.width; ++column) {
+            inside.insert(plot.At(column, row));
+        }
+    }
+    for (std::size_t i = 0; i < plain.size(); ++i) {
+        ASSERT_TRUE(inside.count(i) != 0 || plain[i] == banded[i]) << "outside the plot area " << i;
+    }
+    const int top = plot.scene.area.height - 1;
+    const std::uint32_t left = banded[plot.At(0, top)];
+    const std::uint32_t right = banded[plot.At(plot.scene.area.width - 1, top)];
+    EXPECT_GT(left >> 16, left & 0xFF) << "red at the left";
+    EXPECT_GT(right & 0xFF, right >> 16) << "blue at the right";
+}
+
+TEST(Tool_Histo_Plot_Test, ATagWithoutColorIsGrey) {
+    Plot_Stage plot;
+    plot.Counts_Give({}, Flat(50, 1));
+    plot.host.Tags(1);
+    plot.Range_Give(0, 0.0F, 60.0F);
+    plot.scene.tag = true;
+    plot.Draw();
+    const std::uint32_t pixel = Area_Of(plot)[static_cast<std::size_t>(
+        plot.scene.area.width * (plot.scene.area.height - 2) + plot.scene.area.width / 2)];
+    EXPECT_GT(pixel & 0xFF, GROUND & 0xFF);
+    EXPECT_LE((pixel & 0xFF) - (pixel >> 16 & 0xFF), 6U);
+}
+
+TEST(Tool_Histo_Plot_Test, PeaksShowByTheirSelector) {
+    Plot_Stage plot;
+    plot.Counts_Give({}, Flat(200, 300));
+    plot.Peak_Give(50, 250, 10);
+    plot.Peak_Give(70, 200, 10);
+    plot.Draw();
+    const auto off = Colors_Of(Area_Of(plot));
+    EXPECT_EQ(off, (std::set<std::uint32_t>{GROUND, YELLOW}));
+    plot.scene.peak = HISTO_PEAK_COMPOSITE;
+    plot.Draw();
+    const Pixels composite = Area_Of(plot);
+    plot.scene.peak = HISTO_PEAK_INDIVIDUAL;
+    plot.Draw();
+    const Pixels individual = Area_Of(plot);
+    EXPECT_EQ(Colors_Of(composite).count(0x4FC3F7), 1U);
+    EXPECT_EQ(Colors_Of(composite).count(0xFF8A65), 0U) << "one color for the sum";
+    EXPECT_EQ(Colors_Of(individual).count(0x4FC3F7), 1U);
+    EXPECT_EQ(Colors_Of(individual).count(0xFF8A65), 1U);
+    // Between the peaks the sum stands higher than each of them.
+    const auto top_of = [&](const Pixels& area, int column) {
+        int top = 0;
+        for (int row = 0; row < plot.scene.area.height; ++row) {
+            const std::uint32_t pixel = area[static_cast<std::size_t>(row * plot.scene.area.width + column)];
+            top = pixel == 0x4FC3F7 || pixel == 0xFF8A65 ? row : top;
+        }
+        return top;
+    };
+    const Plot_Frame frame{plot.scene.area.width,
+                           plot.scene.area.height,
+                           static_cast<double>(plot.scene.x.start),
+                           static_cast<double>(plot.scene.x.end),
+                           static_cast<double>(plot.scene.y.start),
+                           static_cast<double>(plot.scene.y.end)};
+    const int middle = frame.Column(60.5);
+    EXPECT_NEAR(top_of(composite, middle), frame.Row(225.0), 3);
+    EXPECT_NEAR(top_of(individual, middle), frame.Row(125.0), 9) << "a steep flank";
+}
+
+TEST(Tool_Histo_Plot_Test, LabelsNameTheCentresInGreyLevels) {
+    Plot_Stage plot;
+    plot.Counts_Give({-100.0F, 2.0F}, Flat(200, 300));
+    plot.Peak_Give(20.2, 250, 3);
+    plot.Peak_Give(120.4, 200, 3);
+    EXPECT_TRUE(Labels_Drawn(plot).empty());
+    const std::vector<std::string> wanted = {"-60", "141"};
+    plot.scene.peak = HISTO_PEAK_COMPOSITE;
+    EXPECT_EQ(Labels_Drawn(plot), wanted);
+    plot.scene.peak = HISTO_PEAK_INDIVIDUAL;
+    EXPECT_EQ(Labels_Drawn(plot), wanted);
+    plot.scene.x = {0.0F, 300.0F};
+    EXPECT_EQ(Labels_Drawn(plot), std::vector<std::string>{"141"}) << "only what is in view";
+}
+
+TEST(Tool_Histo_Plot_Test, SegmentsAreFilledSideBySideUnderTheCurve) {
+    Plot_Stage plot;
+    plot.Counts_Give({}, Flat(100, 100));
+    plot.Segment_Give(20, 0, 49);
+    plot.Segment_Give(70, 50, 99);
+    plot.scene.peak = HISTO_PEAK_COMPOSITE;
+    EXPECT_EQ(Labels_Drawn(plot), (std::vector<std::string>{"20", "70"}));
+    const Pixels area = Area_Of(plot);
+    const Plot_Frame frame{plot.scene.area.width,
+                           plot.scene.area.height,
+                           static_cast<double>(plot.scene.x.start),
+                           static_cast<double>(plot.scene.x.end),
+                           static_cast<double>(plot.scene.y.start),
+                           static_cast<double>(plot.scene.y.end)};
+    const auto at = [&](double level, double count) {
+        return area[static_cast<std::size_t>(frame.Row(count) * frame.width + frame.Column(level))];
+    };
+    EXPECT_EQ(at(30.0, 50.0), at(49.0, 20.0));
+    EXPECT_EQ(at(51.0, 50.0), at(80.0, 20.0));
+    EXPECT_NE(at(30.0, 50.0), at(80.0, 50.0));
+    EXPECT_NE(at(30.0, 50.0), GROUND);
+    EXPECT_EQ(at(30.0, 105.0), GROUND);
+    EXPECT_EQ(at(30.0, -5.0), GROUND);
+}
+
+TEST(Tool_Histo_Plot_Test, PeaksOlderThanTheRecordAndWithoutCurvesDoNoHarm) {
+    Plot_Stage plot;
+    plot.Counts_Give({}, Flat(300, 100));
+    plot.Filtered_Give();
+    plot.Peak_Give(150, 90, 10);
+    plot.Peak_Give(290, 90, 10);
+    Histo_Peak& bare = plot.Peak_Give(295, 90, 1);
+    delete[] bare.curve;
+    bare.curve = nullptr;
+    const std::vector<std::uint32_t> fewer = Flat(20, 50);
+    Histo_Record_Give(plot.panel, {}, fewer);
+    plot.Full_View();
+    for (const int display : {HISTO_PEAK_COMPOSITE, HISTO_PEAK_INDIVIDUAL}) {
+        plot.scene.peak = display;
+        EXPECT_EQ(plot.Draw(), 1);
+        EXPECT_TRUE(Labels_Drawn(plot).empty());
+    }
+    Histo_Record_Give(plot.panel, {}, Flat(3000, 50));
+    plot.Full_View();
+    EXPECT_EQ(Labels_Drawn(plot), (std::vector<std::string>{"150", "290"}));
+}
+
+TEST(Tool_Histo_Plot_Test, TheCursorLineMovesAndLeavesNothing) {
+    Plot_Stage plot;
+    plot.Counts_Give({}, Noise(200, 4));
+    Scene_Object& frame = plot.host.Add_Frame();
+    plot.Draw();
+    const Pixels clean = plot.Read();
+    plot.host.Mouse_Over(frame, 60);
+    EXPECT_EQ(Histo_Plot_Cursor(plot.panel, plot.scene), 1);
+    const Pixels first = plot.Read();
+    EXPECT_EQ(Differences(clean, first), static_cast<std::size_t>(plot.scene.area.height));
+    plot.host.Mouse_Over(frame, 120);
+    EXPECT_EQ(Histo_Plot_Cursor(plot.panel, plot.scene), 1);
+    EXPECT_EQ(Differences(clean, plot.Read()), static_cast<std::size_t>(plot.scene.area.height));
+    EXPECT_NE(plot.Read(), first);
+    plot.host.Mouse_Away();
+    EXPECT_EQ(Histo_Plot_Cursor(plot.panel, plot.scene), 0);
+    EXPECT_EQ(plot.Read(), clean);
+}
+
+TEST(Tool_Histo_Plot_Test, TheCursorLineStandsOnTheMiddleOfItsBinAndStaysInsideThePlotArea) {
+    Plot_Stage plot;
+    plot.Counts_Give({}, Flat(200, 100));
+    Scene_Object& frame = plot.host.Add_Frame();
+    plot.scene.x = {50.0F, 60.0F};
+    plot.Draw();
+    const Pixels clean = plot.Read();
+    plot.host.Mouse_Over(frame, 54);
+    Histo_Plot_Cursor(plot.panel, plot.scene);
+    const int column = static_cast<int>(std::floor(4.5 / 10.0 * plot.scene.area.width + 0.5));
+    const Pixels marked = plot.Read();
+    for (const int row : {0, plot.scene.area.height / 3, plot.scene.area.height - 1}) {
+        EXPECT_NE(clean[plot.At(column, row)], marked[plot.At(column, row)]);
+    }
+    for (const int level : {3, 49, 61, 199}) {
+        plot.host.Mouse_Over(frame, level);
+        EXPECT_EQ(Histo_Plot_Cursor(plot.panel, plot.scene), 0) << level;
+        EXPECT_EQ(plot.Read(), clean) << level;
+    }
+}
+
+TEST(Tool_Histo_Plot_Test, TheCursorLineSurvivesARedraw) {
+    Plot_Stage plot;
+    plot.Counts_Give({}, Noise(200, 4));
+    Scene_Object& frame = plot.host.Add_Frame();
+    plot.Draw();
+    plot.host.Mouse_Over(frame, 60);
+    Histo_Plot_Cursor(plot.panel, plot.scene);
+    const Pixels marked = plot.Read();
+    plot.Draw();
+    Histo_Plot_Cursor(plot.panel, plot.scene);
+    EXPECT_EQ(plot.Read(), marked);
+    plot.host.Mouse_Away();
+    Histo_Plot_Cursor(plot.panel, plot.scene);
+    const Pixels clean = plot.Read();
+    plot.Draw();
+    EXPECT_EQ(plot.Read(), clean);
+}
+
+TEST(Tool_Histo_Plot_Test, TheZoomRectangleMovesInsideThePlotAreaAndLeavesNothing) {
+    Plot_Stage plot({500, 320, 13, 40});
+    plot.Counts_Give({}, Noise(200, 4));
+    plot.Draw();
+    const Pixels clean = plot.Read();
+    std::mt19937 random(8);
+    const auto pick = [&](int most) { return static_cast<int>(random() % static_cast<unsigned>(most)); };
+    Local_Drag_Clear(plot.scene);
+    EXPECT_EQ(plot.Read(), clean);
+    for (int move = 0; move < 40; ++move) {
+        Blow_Drag drag{pick(500), pick(500), pick(320), pick(320)};
+        if (move % 4 == 0) {
+            drag.x_end = drag.x_start + move % 3;
+        }
+        if (move % 5 == 0) {
+            drag.y_end = drag.y_start + move % 4;
+        }
+        Local_Drag_Draw(plot.scene, drag);
+        const Pixels marked = plot.Read();
+        std::size_t inside = 0;
+        for (int row = 0; row < plot.scene.area.height; ++row) {
+            for (int column = 0; column < plot.scene.area.width; ++column) {
+                const std::size_t at = plot.At(column, row);
+                inside += clean[at] != marked[at] ? 1U : 0U;
+            }
+        }
+        ASSERT_EQ(inside, Differences(clean, marked)) << "outside the plot area";
+        if (move % 7 == 6) {
+            Local_Drag_Clear(plot.scene);
+            ASSERT_EQ(plot.Read(), clean);
+        }
+    }
+    Local_Drag_Clear(plot.scene);
+    EXPECT_EQ(plot.Read(), clean);
+}
+
+TEST(Tool_Histo_Plot_Test, TheZoomRectangleIsAFrameThatStandsOutOnAnyColor) {
+    Plot_Stage plot;
+    plot.Counts_Give({}, Noise(200, 4));
+    plot.host.Tags(1);  // grey, which inverting alone would leave grey
+    plot.Range_Give(0, 0.0F, 200.0F);
+    plot.scene.tag = true;
+    plot.Draw();
+    const Pixels clean = plot.Read();
+    const Blow_Area& area = plot.scene.area;
+    Local_Drag_Draw(plot.scene, {area.left + 20, area.left + 119, area.bottom + 80, area.bottom + 31});
+    const Pixels marked = plot.Read();
+    for (int row = 0; row < area.height; ++row) {
+        for (int column = 0; column < area.width; ++column) {
+            const bool in = column >= 20 && column <= 119 && row >= 31 && row <= 80;
+            const bool core = column >= 22 && column <= 117 && row >= 33 && row <= 78;
+            const std::size_t at = plot.At(column, row);
+            ASSERT_EQ(clean[at] ^ marked[at], in && !core ? 0x808080U : 0U) << column << ", " << row;
+        }
+    }
+}
+
+TEST(Tool_Histo_Plot_Test, LinesGrowWithTheFont) {
+    std::vector<std::size_t> widths;
+    for (const short font : std::initializer_list<short>{12, 18, 24, 40}) {
+        Plot_Stage plot({640, 400, font, 0});
+        plot.Counts_Give({}, Flat(200, 100));
+        Scene_Object& frame = plot.host.Add_Frame();
+        plot.Draw();
+        const Pixels clean = plot.Read();
+        plot.host.Mouse_Over(frame, 60);
+        Histo_Plot_Cursor(plot.panel, plot.scene);
+        widths.push_back(Differences(clean, plot.Read()) / static_cast<std::size_t>(plot.scene.area.height));
+    }
+    EXPECT_EQ(widths, (std::vector<std::size_t>{1, 1, 2, 3}));
+}
+
+TEST(Tool_Histo_Plot_Test, NothingToPlotOnIsNoHarm) {
+    Plot_Stage plot;
+    plot.Counts_Give({}, Flat(200, 100));
+    Scene_Object& frame = plot.host.Add_Frame();
+    plot.host.Mouse_Over(frame, 60);
+    const auto all = [&] {
+        EXPECT_EQ(plot.Draw(), 1);
+        EXPECT_EQ(Histo_Plot_Cursor(plot.panel, plot.scene), 0);
+        Local_Drag_Draw(plot.scene, {10, 200, 10, 200});
+        Local_Drag_Clear(plot.scene);
+    };
+    const Histo_Plot_Scene good = plot.scene;
+    plot.scene.x = {5.0F, 5.0F};
+    all();
+    plot.scene.x = {NAN, 5.0F};
+    all();
+    plot.scene = good;
+    plot.scene.y = {0.0F, INFINITY};
+    all();
+    plot.scene = good;
+    plot.scene.area = {10, 10, 0, 50};
+    all();
+    plot.scene.area = {10, 10, -5, -5};
+    all();
+    plot.scene = good;
+    plot.panel.data->record->bin_width = 0.0F;
+    EXPECT_EQ(plot.Draw(), 1);
+    plot.panel.data->record->nb_bins = 0;
+    all();
+    plot.scene.box.window = nullptr;
+    EXPECT_EQ(Histo_Plot_Cursor(plot.panel, plot.scene), 0);
+    Local_Drag_Draw(plot.scene, {10, 200, 10, 200});
+    Local_Drag_Clear(plot.scene);
+}
+
+TEST(Tool_Histo_Plot_Test, EveryDeviceObjectIsGivenBack) {
+    Plot_Stage plot;
+    plot.Counts_Give({}, Noise(200, 4));
+    plot.Filtered_Give();
+    for (int peak = 0; peak < 9; ++peak) {
+        plot.Peak_Give(peak * 20 + 10, 500, 4);
+    }
+    plot.Range_Give(0, 20.0F, 60.0F);
+    plot.scene.tag = true;
+    plot.scene.peak = HISTO_PEAK_INDIVIDUAL;
+    Scene_Object& frame = plot.host.Add_Frame();
+    const Gdi_Recorder recorder("");
+    for (int level = 10; level < 150; level += 20) {
+        plot.host.Mouse_Over(frame, level);
+        plot.Draw();
+        Histo_Plot_Cursor(plot.panel, plot.scene);
+        Local_Drag_Draw(plot.scene, {100, 100 + level, 90, 200});
+        Local_Drag_Clear(plot.scene);
+    }
+    EXPECT_EQ(Gdi_Recorder::Unbalanced(), "");
+    EXPECT_GT(Gdi_Recorder::Watched_Nb(), 100);
+}
+
+TEST(Tool_Histo_Plot_Test, TheNumberOfCallsDoesNotGrowWithTheBins) {
+    std::vector<std::uint64_t> calls;
+    for (const int nb : {500, 50000}) {
+        Plot_Stage plot({900, 600, 13, 0});
+        plot.Counts_Give({}, Noise(nb, 4));
+        plot.Draw();
+        Import_Counter counter("", "gdi32.dll");
+        plot.Draw();
+        calls.push_back(counter.Calls());
+    }
+    EXPECT_EQ(calls[0], calls[1]);
+    EXPECT_GT(calls[0], 0U);
+    EXPECT_LT(calls[0], 60U);
+}

@@ -1,0 +1,33 @@
+/** Values of a DICOM data set, whatever form they are stored in. */
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+
+#include "dcmtk/config/osconfig.h"
+#include "dcmtk/dcmdata/dcitem.h"
+
+/** A text without blanks around it; empty when there is none. @param position of several values */
+std::string Field_Text(DcmItem& item, const DcmTagKey& tag, unsigned long position = 0);
+/** A number, finite; no value when there is none. Texts, integers and floating-point values alike. */
+std::optional<double> Field_Number(DcmItem& item, const DcmTagKey& tag, unsigned long position = 0);
+/** A whole number within 32 bits. */
+std::optional<std::int32_t> Field_Integer(DcmItem& item, const DcmTagKey& tag, unsigned long position = 0);
+/** Three or two numbers; no value when one is missing. */
+template <std::size_t Count>
+std::optional<std::array<double, Count>> Field_Numbers(DcmItem& item, const DcmTagKey& tag) {
+    std::array<double, Count> numbers{};
+    for (std::size_t at = 0; at < Count; ++at) {
+        const std::optional<double> number = Field_Number(item, tag, static_cast<unsigned long>(at));
+        if (!number) {
+            return std::nullopt;
+        }
+        numbers[at] = *number;
+    }
+    return numbers;
+}
+/** An item of a sequence; null when there is none. */
+DcmItem* Field_Item(DcmItem& item, const DcmTagKey& tag, unsigned long position = 0);
+/** Text of the data set's character set as UTF-8; characters that are not understood become question marks. */
+std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag);

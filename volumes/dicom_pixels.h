@@ -1,0 +1,39 @@
+/** From stored pixel bytes to levels. */
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+/** How the pixels of a frame are stored. */
+struct Pixel_Format {
+    enum class Kind { GREY, GREY_INVERTED, RGB, YBR_FULL, YBR_FULL_422, PALETTE };
+    Kind kind = Kind::GREY;
+    std::int32_t width = 0;           ///< 1 .. 65535
+    std::int32_t height = 0;          ///< 1 .. 65535
+    std::int32_t bits_allocated = 0;  ///< 8, 16 or 32
+    std::int32_t bits_stored = 0;     ///< 1 .. bits_allocated
+    std::int32_t high_bit = 0;        ///< bits_stored - 1 .. bits_allocated - 1
+    bool is_signed = false;
+    bool is_planar = false;  ///< colours: all red, then all green, then all blue
+
+    bool Is_Color() const { return kind != Kind::GREY && kind != Kind::GREY_INVERTED; }
+    int Sample_Nb() const { return Is_Color() && kind != Kind::PALETTE ? 3 : 1; }
+    /** Bytes of a frame as stored. */
+    std::uint64_t Frame_Size() const;
+};
+
+/** A colour palette: packed colours of the stored values first, first + 1 ...; values outside take the nearest. */
+struct Palette {
+    std::int32_t first = 0;
+    std::vector<std::int32_t> colors;
+};
+
+/** Decodes a frame.
+ *  @param bytes Frame_Size() bytes, samples of more than one byte in little-endian order
+ *  @param palette at least one colour when the kind is PALETTE
+ *  @param levels width * height values. 32-bit values may be beyond what a level holds: they are returned as stored,
+ *  sign included, and the caller brings them into range */
+void Frame_Decode(const Pixel_Format& format, std::span<const std::uint8_t> bytes, const Palette& palette,
+                  std::span<std::int64_t> levels);
