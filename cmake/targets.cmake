@@ -99,7 +99,7 @@ function(kit_test_properties NAME LABEL TIMEOUT DESKTOP)
 endfunction()
 
 # kit_panels_benchmark(NAME x SOURCES ... [LIBRARIES ...] [NATIVE])
-# A Google Benchmark program, and a CTest entry that only sees it run: figures come from scripts/bench.
+# A Google Benchmark program, and a CTest entry that only sees it run: figures come from ./bench.
 function(kit_panels_benchmark)
     cmake_parse_arguments(PARSE_ARGV 0 arg "NATIVE" "NAME" "SOURCES;LIBRARIES")
     if(NOT benchmark_FOUND OR NOT (WIN32 OR arg_NATIVE))

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "bench/ratio.h"
+#include "benchmarks/ratio.h"
 #include "database/tool_db_class.h"
 #include "database/tool_db_file.h"
 #include "tests/database/file_scene.h"

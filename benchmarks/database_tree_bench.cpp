@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "bench/ratio.h"
+#include "benchmarks/ratio.h"
 #include "database/tool_db_fct.h"
 #include "tests/database/tree_scene.h"
 #include "tests/panels/panel_stage.h"

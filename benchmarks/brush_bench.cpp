@@ -5,7 +5,7 @@
 #include <array>
 #include <vector>
 
-#include "bench/ratio.h"
+#include "benchmarks/ratio.h"
 #include "kits/dataset/dataset_host.h"
 #include "panels/brush_mask.h"
 #include "panels/tool_brush.h"

@@ -4,7 +4,7 @@
 
 #include <random>
 
-#include "bench/ratio.h"
+#include "benchmarks/ratio.h"
 #include "tests/histogram/histo_scene.h"
 #include "tests/panels/panel_stage.h"
 

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "bench/ratio.h"
+#include "benchmarks/ratio.h"
 #include "histogram/tool_histo.h"
 #include "histogram/tool_histo_peak.h"
 

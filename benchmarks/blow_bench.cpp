@@ -4,9 +4,11 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <chrono>
 #include <random>
 
-#include "bench/ratio.h"
+#include "benchmarks/ratio.h"
 #include "histogram/histo_colors.h"
 #include "histogram/plot_columns.h"
 #include "tests/histogram/plot_stage.h"
@@ -92,6 +94,16 @@ void Plain_Draw(const Busy_Plot& plot, HDC dc) {
     Every_Bin(dc, frame, data.filtered, 0xFF00FF);
 }
 
+using Clock = std::chrono::steady_clock;
+
+/** Seconds of one redraw. */
+double Redraw_Time(Busy_Plot& plot) {
+    const auto start = Clock::now();
+    plot.Draw();
+    ::GdiFlush();
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
 void Bench_Redraw(benchmark::State& state) {
     Busy_Plot plot;
     const Dib_Picture plain(nullptr, plot.scene.area.width, plot.scene.area.height);
@@ -108,6 +120,11 @@ void Bench_Redraw(benchmark::State& state) {
                 ::GdiFlush();
             });
     }
+    double best = times.ours;
+    for (int round = 0; round < ROUNDS; ++round) {
+        best = std::min(best, Redraw_Time(plot));
+    }
+    state.counters["best_ms"] = best * 1e3;
     state.counters["redraw_ms"] = times.ours * 1e3;
     state.counters["every_bin_ms"] = times.plain * 1e3;
     state.counters["ratio"] = times.Ratio();
@@ -116,7 +133,8 @@ void Bench_Redraw(benchmark::State& state) {
     state.counters["gdi_calls"] = static_cast<double>(counter.Calls());
 }
 
-/** The wheel: every redraw shows another part. */
+/** The wheel: every redraw shows another part. The best of three redraws of each view: what the machine does besides is
+ * not counted. */
 void Bench_Wheel(benchmark::State& state) {
     Busy_Plot plot;
     const Blow_Range full = plot.scene.x;
@@ -126,12 +144,9 @@ void Bench_Wheel(benchmark::State& state) {
     for (auto _ : state) {
         for (int notch = 0; notch < notches; ++notch) {
             const float reach = (full.end - full.start) * std::pow(0.9F, static_cast<float>(notch));
-            plot.scene.x = {full.start + (full.end - full.start - reach) * 0.4F,
-                            full.start + (full.end - full.start - reach) * 0.4F + reach};
-            const auto start = std::chrono::steady_clock::now();
-            plot.Draw();
-            ::GdiFlush();
-            const double time = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+            const float start = full.start + (full.end - full.start - reach) * 0.4F;
+            plot.scene.x = {start, start + reach};
+            const double time = std::min({Redraw_Time(plot), Redraw_Time(plot), Redraw_Time(plot)});
             worst = std::max(worst, time);
             sum += time;
         }
@@ -140,7 +155,21 @@ void Bench_Wheel(benchmark::State& state) {
     state.counters["worst_ms"] = worst * 1e3;
 }
 
+/** What the frame around the plot takes of a redraw: back buffer, box, showing it. */
+void Bench_Frame(benchmark::State& state) {
+    Busy_Plot plot;
+    plot.panel.data->Record_Free();
+    double best = 1.0;
+    for (auto _ : state) {
+        for (int round = 0; round < ROUNDS; ++round) {
+            best = std::min(best, Redraw_Time(plot));
+        }
+    }
+    state.counters["best_ms"] = best * 1e3;
+}
+
 }  // namespace
 
 BENCHMARK(Bench_Redraw)->Iterations(1);
+BENCHMARK(Bench_Frame)->Iterations(1);
 BENCHMARK(Bench_Wheel)->Iterations(1);

@@ -7,7 +7,7 @@
 #include <random>
 #include <vector>
 
-#include "bench/ratio.h"
+#include "benchmarks/ratio.h"
 #include "histogram/histogram_merge.h"
 
 namespace {
