@@ -9,6 +9,7 @@
 #include "host/kit_common.h"
 #include "host/kit_widgets.h"
 #include "panels/host_variables.h"
+#include "win32/gdi_handles.h"
 
 namespace {
 
@@ -215,10 +216,8 @@ INT_PTR CALLBACK Dialog_Proc(HWND window, UINT message, WPARAM wparam, LPARAM lp
             ::InvalidateRect(window, nullptr, FALSE);
             return 1;
         case WM_PAINT: {
-            PAINTSTRUCT paint = {};
-            ::BeginPaint(window, &paint);
+            const Paint_DC validating(window);
             Paint(rename);
-            ::EndPaint(window, &paint);
             return 1;
         }
         case WM_KEYDOWN:

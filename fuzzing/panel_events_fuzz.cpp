@@ -42,13 +42,17 @@ void Variables_Define() {
     Variable_Define_Array("$BRUSH_SIZE", VARIABLE_UNSIGNED_16, array_most);
     Variable_Define_Scalar("$BRUSH_RADIUS", VARIABLE_UNSIGNED_16, radius_most);
     Variable_Define_Scalar("$INTERFACE_LOCK_FOCUS", VARIABLE_UNSIGNED_8, 0);
-    static std::vector<unsigned char> bytes(static_cast<std::size_t>(array_most) * (2 * radius_most + 1) *
-                                            (2 * radius_most + 1));
-    static std::vector<unsigned char*> rows;
-    for (std::size_t row = 0; row < static_cast<std::size_t>(array_most) * (2 * radius_most + 1); ++row) {
-        rows.push_back(bytes.data() + row * (2 * radius_most + 1));
+    constexpr std::size_t row_nb = 2 * radius_most + 1;
+    static std::vector<unsigned char> bytes(array_most * row_nb * row_nb);
+    static std::vector<unsigned char*> rows;      // of every brush, one after the other
+    static std::vector<unsigned char**> brushes;  // the first row of each
+    for (std::size_t row = 0; row < array_most * row_nb; ++row) {
+        rows.push_back(bytes.data() + row * row_nb);
     }
-    Variable_Define_Array_At("$BRUSH_PT", VARIABLE_POINTER, static_cast<int>(rows.size()), rows.data());
+    for (std::size_t brush = 0; brush < array_most; ++brush) {
+        brushes.push_back(rows.data() + brush * row_nb);
+    }
+    Variable_Define_Array_At("$BRUSH_PT", VARIABLE_POINTER, array_most, brushes.data());
 }
 
 void Change_Variable(Input_Bytes& input) {

@@ -1,7 +1,6 @@
 #include "win32/gdi_handles.h"
 
 #include <gtest/gtest.h>
-#include <winternl.h>
 
 #include <chrono>
 #include <string>
@@ -19,10 +18,14 @@ int Gdi_Object_Nb() {
     constexpr std::size_t entry_size = 24;
     constexpr std::size_t type_offset = 14;
     constexpr std::size_t entry_nb = 0x10000;
-    if (::GetProcAddress(::GetModuleHandleA("ntdll.dll"), "wine_get_version") == nullptr) {
+    HMODULE system = ::GetModuleHandleA("ntdll.dll");
+    using Block_Of_Process = const unsigned char*(WINAPI*)();
+    const auto block_of_process =
+        reinterpret_cast<Block_Of_Process>(reinterpret_cast<void*>(::GetProcAddress(system, "RtlGetCurrentPeb")));
+    if (::GetProcAddress(system, "wine_get_version") == nullptr || block_of_process == nullptr) {
         return 0;
     }
-    const auto* block = reinterpret_cast<const unsigned char*>(NtCurrentTeb()->ProcessEnvironmentBlock);
+    const unsigned char* block = block_of_process();
     const unsigned char* table = *reinterpret_cast<const unsigned char* const*>(block + table_offset);
     int nb = 0;
     for (std::size_t i = 0; i < entry_nb; i++) {
