@@ -39,7 +39,8 @@ std::string Field_Text(DcmItem& item, const DcmTagKey& tag, unsigned long positi
         element->getOFString(value, position).bad()) {
         return {};
     }
-    std::string text(value.c_str());
+    const char* const letters = value.c_str();
+    std::string text(letters);
     const std::size_t first = text.find_first_not_of(" \t\r\n");
     const std::size_t last = text.find_last_not_of(" \t\r\n");
     return first == std::string::npos ? std::string() : text.substr(first, last - first + 1);
@@ -66,7 +67,7 @@ DcmItem* Field_Item(DcmItem& item, const DcmTagKey& tag, unsigned long position)
 }
 
 std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag) {
-    const std::string text = Field_Text(item, tag);
+    std::string text = Field_Text(item, tag);
     const std::string set = Field_Text(item, DCM_SpecificCharacterSet);
     if (set == "ISO_IR 192" && Is_Utf8(text)) {
         return text;

@@ -7,10 +7,10 @@
 
 #include "dcmtk/dcmdata/dcdeftag.h"
 #include "volumes/dicom_fields.h"
+#include "volumes/dicom_frame_order.h"
 
 namespace {
 
-constexpr double depth_same = 0.01;       // mm: slices nearer than this lie at one place
 constexpr double direction_least = 1e-3;  // length of a vector below which it has no direction
 constexpr std::uint16_t modality_ultrasound = 'U' << 8 | 'S';
 constexpr std::uint16_t modality_angiography = 'X' << 8 | 'A';
@@ -113,6 +113,7 @@ double Time_Step(DcmItem& data_set) {
 
 void Plain_Plan(DcmItem& data_set, std::uint16_t modality, std::int32_t frame_nb, Frame_Plan& plan) {
     const std::int32_t times = Field_Integer(data_set, DCM_NumberOfTemporalPositions).value_or(1);
+    plan.nt = 1;
     if (Is_Cine(data_set, modality)) {
         plan.nt = frame_nb;
         plan.time_step = Time_Step(data_set);
@@ -120,6 +121,12 @@ void Plain_Plan(DcmItem& data_set, std::uint16_t modality, std::int32_t frame_nb
         plan.nt = times;
     }
     plan.nz = frame_nb / plan.nt;
+    // Radiotherapy says where each frame lies by its distance from the first.
+    const auto first = Field_Number(data_set, DCM_GridFrameOffsetVector);
+    const auto second = Field_Number(data_set, DCM_GridFrameOffsetVector, 1);
+    if (plan.nz > 1 && first && second && Is_Length(std::abs(*second - *first))) {
+        plan.spacing[2] = std::abs(*second - *first);
+    }
     plan.order.resize(static_cast<std::size_t>(frame_nb));
     std::iota(plan.order.begin(), plan.order.end(), 0);
 }
@@ -133,7 +140,8 @@ void Frames_Read(DcmItem& data_set, Frame_Plan& plan) {
     for (std::size_t frame = 0; frame < plan.facts.size(); ++frame) {
         Frame_Facts& facts = plan.facts[frame];
         facts = common;
-        DcmItem* const own = Field_Item(data_set, DCM_PerFrameFunctionalGroupsSequence, static_cast<unsigned long>(frame));
+        DcmItem* const own =
+            Field_Item(data_set, DCM_PerFrameFunctionalGroupsSequence, static_cast<unsigned long>(frame));
         if (own == nullptr && shared == nullptr) {
             continue;
         }
@@ -182,60 +190,6 @@ bool Placed_Plan(Frame_Plan& plan) {
 }
 
 }  // namespace
-
-std::array<double, 3> Slice_Normal(const Slice_Place& place) {
-    const auto& row = place.along_row;
-    const auto& column = place.along_column;
-    return {row[1] * column[2] - row[2] * column[1], row[2] * column[0] - row[0] * column[2],
-            row[0] * column[1] - row[1] * column[0]};
-}
-
-double Slice_Depth(const Slice_Place& place) {
-    const std::array<double, 3> normal = Slice_Normal(place);
-    return normal[0] * place.corner[0] + normal[1] * place.corner[1] + normal[2] * place.corner[2];
-}
-
-Affine Affine_Of(const Slice_Place& first, const std::array<double, 3>& spacing, const std::array<double, 3>& step) {
-    Affine affine{};
-    for (std::size_t row = 0; row < 3; ++row) {
-        // To the left and back there, to the right and front here.
-        const double sign = row < 2 ? -1.0 : 1.0;
-        affine[row] = {sign * first.along_row[row] * spacing[0], sign * first.along_column[row] * spacing[1],
-                       sign * step[row], sign * first.corner[row]};
-    }
-    return affine;
-}
-
-std::vector<std::int32_t> Slices_In_Order(const std::vector<double>& depth, const std::vector<double>& later,
-                                          std::int32_t& nz, std::int32_t& nt) {
-    std::vector<std::int32_t> order(depth.size());
-    std::iota(order.begin(), order.end(), 0);
-    const auto at = [](std::int32_t number) { return static_cast<std::size_t>(number); };
-    std::ranges::stable_sort(order, {}, [&](std::int32_t slice) { return depth[at(slice)]; });
-    std::vector<std::vector<std::int32_t>> places;
-    for (const std::int32_t slice : order) {
-        if (places.empty() || depth[at(slice)] - depth[at(places.back().front())] > depth_same) {
-            places.emplace_back();
-        }
-        places.back().push_back(slice);
-    }
-    nz = static_cast<std::int32_t>(places.size());
-    nt = places.empty() ? 1 : static_cast<std::int32_t>(places.front().size());
-    std::vector<std::int32_t> result(order.size());
-    for (std::size_t z = 0; z < places.size(); ++z) {
-        if (places[z].size() != at(nt)) {
-            nz = static_cast<std::int32_t>(order.size());
-            nt = 1;
-            return {};
-        }
-        std::ranges::sort(places[z]);
-        std::ranges::stable_sort(places[z], {}, [&](std::int32_t slice) { return later[at(slice)]; });
-        for (std::size_t t = 0; t < at(nt); ++t) {
-            result[t * places.size() + z] = places[z][t];
-        }
-    }
-    return result;
-}
 
 Frame_Plan Frames_Plan(DcmItem& data_set, std::uint16_t modality, std::int32_t frame_nb) {
     Frame_Plan plan;

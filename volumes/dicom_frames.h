@@ -20,19 +20,12 @@ struct Frame_Facts {
 struct Frame_Plan {
     std::int32_t nz = 1;
     std::int32_t nt = 1;
-    std::vector<std::int32_t> order;  ///< the file's frame for slice 0 of time 0, slice 1 of time 0 ...; nz * nt of them
-    std::vector<Frame_Facts> facts;   ///< by the file's frame
+    std::vector<std::int32_t>
+        order;                       ///< the file's frame for slice 0 of time 0, slice 1 of time 0 ...; nz * nt of them
+    std::vector<Frame_Facts> facts;  ///< by the file's frame
     std::array<double, 3> spacing{1, 1, 1};
     double time_step = 0;  ///< seconds
 };
 
 /** @param modality two letters, the first in the high byte; @param frame_nb 1 or more */
 Frame_Plan Frames_Plan(DcmItem& data_set, std::uint16_t modality, std::int32_t frame_nb);
-
-/** Puts slices that have a place in order, and finds out how often every place occurs.
- *  @param depth of every slice, mm
- *  @param later a number that rises with time, of every slice
- *  @param nz, nt receive how many places there are and how often each occurs
- *  @return the slices' numbers, all places of the first time first; empty when places do not occur equally often */
-std::vector<std::int32_t> Slices_In_Order(const std::vector<double>& depth, const std::vector<double>& later,
-                                          std::int32_t& nz, std::int32_t& nt);

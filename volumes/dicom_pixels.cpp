@@ -58,8 +58,8 @@ void Decode_Color(const Pixel_Format& format, const Samples& samples, std::span<
         const std::int32_t first = samples.Byte(at * pixel);
         const std::int32_t second = samples.Byte(at * pixel + plane);
         const std::int32_t third = samples.Byte(at * pixel + 2 * plane);
-        levels[at] = format.kind == Pixel_Format::Kind::RGB ? Packed(first, second, third)
-                                                            : Packed_Of_Ybr(first, second, third);
+        levels[at] =
+            format.kind == Pixel_Format::Kind::RGB ? Packed(first, second, third) : Packed_Of_Ybr(first, second, third);
     }
 }
 
@@ -67,8 +67,7 @@ void Decode_Color(const Pixel_Format& format, const Samples& samples, std::span<
 void Decode_Halved(const Samples& samples, std::span<std::int64_t> levels) {
     for (std::size_t at = 0; at < levels.size(); ++at) {
         const std::size_t group = at / 2 * 4;
-        levels[at] =
-            Packed_Of_Ybr(samples.Byte(group + at % 2), samples.Byte(group + 2), samples.Byte(group + 3));
+        levels[at] = Packed_Of_Ybr(samples.Byte(group + at % 2), samples.Byte(group + 2), samples.Byte(group + 3));
     }
 }
 

@@ -33,11 +33,12 @@ Affine Affine_Of(const Slice_Place& first, const std::array<double, 3>& spacing,
  *  MONOCHROME1 is turned round so that a larger level is brighter. Colours (RGB, YBR_FULL, YBR_FULL_422, palettes) are
  *  packed 8-bit colours. Rows run from the top. */
 struct Dicom_Image {
-    Volume volume;  ///< nz slices at nt time points
-    Slice_Place place;  ///< of the first slice
+    Volume volume;         ///< nz slices at nt time points
+    Slice_Place place;     ///< of the first slice
+    std::string instance;  ///< unique identifier of the image itself; may be empty
     std::string study;
-    std::string series;             ///< unique identifiers; may be empty
-    std::string series_text;        ///< description, or the protocol's name; UTF-8, may be empty
+    std::string series;       ///< unique identifiers; may be empty
+    std::string series_text;  ///< description, or the protocol's name; UTF-8, may be empty
     std::int32_t series_number = 0;
     std::int32_t instance_number = 0;
     std::int32_t acquisition_number = 0;
