@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int ROUNDS = 5;
+constexpr int ROUNDS = 9;
 constexpr int PASSES_MAX = 10000;
 
 /** The loop bin by bin and pass by pass. @param counts receives the number of maxima after each pass */
@@ -132,7 +132,7 @@ void Bench_Sample(benchmark::State& state, Smoothing_Path path, const char* name
 BENCHMARK_CAPTURE(Bench_Smoothing, baseline, Smoothing_Path::Baseline)->Arg(1024)->Arg(4096)->Arg(65535)->Iterations(1);
 BENCHMARK_CAPTURE(Bench_Smoothing, wide, Smoothing_Path::Wide)->Arg(1024)->Arg(4096)->Arg(65535)->Iterations(1);
 // The number of peaks wanted.
-BENCHMARK_CAPTURE(Bench_Sample, ct_baseline, Smoothing_Path::Baseline, "ct")->Arg(2)->Arg(4)->Iterations(1);
-BENCHMARK_CAPTURE(Bench_Sample, ct_wide, Smoothing_Path::Wide, "ct")->Arg(2)->Arg(4)->Iterations(1);
-BENCHMARK_CAPTURE(Bench_Sample, brain_baseline, Smoothing_Path::Baseline, "brain")->Arg(1)->Arg(3)->Iterations(1);
-BENCHMARK_CAPTURE(Bench_Sample, brain_wide, Smoothing_Path::Wide, "brain")->Arg(1)->Arg(3)->Iterations(1);
+BENCHMARK_CAPTURE(Bench_Sample, ct_baseline, Smoothing_Path::Baseline, "ct")->Arg(4)->Iterations(1);
+BENCHMARK_CAPTURE(Bench_Sample, ct_wide, Smoothing_Path::Wide, "ct")->Arg(4)->Iterations(1);
+BENCHMARK_CAPTURE(Bench_Sample, brain_baseline, Smoothing_Path::Baseline, "brain_fine")->Arg(4)->Iterations(1);
+BENCHMARK_CAPTURE(Bench_Sample, brain_wide, Smoothing_Path::Wide, "brain_fine")->Arg(4)->Iterations(1);

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-/** Counts, one per level; empty when the file is not there. @param name brain, ct */
+/** Counts, one per level; empty when the file is not there. @param name brain, brain_fine, ct */
 inline std::vector<double> Sample_Curve(const std::string& name) {
     std::vector<double> counts;
     std::ifstream in("out/curves/" + name + ".txt");

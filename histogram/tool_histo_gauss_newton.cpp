@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "histogram/peak_fit_system.h"
+#include "histogram/peak_shapes.h"
 #include "histogram/tool_histo.h"
 #include "histogram/tool_histo_messages.h"
 #include "histogram/tool_histo_peak.h"
@@ -37,6 +38,10 @@ void Report_Memory(int line) {
     Error_Fct(hwnd, MESSAGE_MEMORY, HISTO_MESSAGE_NEW, line, TOOL_HISTO_GAUSS_NEWTON_SOURCE);
 }
 
+void Warn_Invalid_Matrix() {
+    Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 Gauss_Newton invalid matrix");
+}
+
 double Param(const Histo_Peak& peak, int index) {
     return (*peak.param)[index];
 }
@@ -52,6 +57,14 @@ void Moving_Mean(std::span<const double> curve, double* filtered) {
         }
         filtered[i] = sum / (last - first + 1);
     }
+}
+
+/** The bins in which a peak can differ from 0. */
+Bin_Span Peak_Support(const Histo_Peak& peak, int nb_bins) {
+    if (peak.type != PEAK_GAUSS) {
+        return {0, nb_bins - 1};
+    }
+    return Gauss_Support({Param(peak, PEAK_CENTRE), Param(peak, PEAK_AMPLITUDE), Param(peak, PEAK_WIDTH)}, nb_bins);
 }
 
 float Largest(std::span<const double> curve) {
@@ -79,13 +92,14 @@ void Candidates_Find(Histo_Data& data, int n) {
 
 void Curves_Make(Histo_Data& data) {
     for (Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next) {
-        peak->curve = new (std::nothrow) float[static_cast<std::size_t>(data.curve_nb)];
+        peak->curve = new (std::nothrow) float[static_cast<std::size_t>(data.curve_nb)]();
         if (peak->curve == nullptr) {
             Report_Memory(LINE_CURVE);
             return;
         }
         peak->nb_pts = data.curve_nb;
-        for (int i = 0; i < data.curve_nb; ++i) {
+        const Bin_Span support = Peak_Support(*peak, data.curve_nb);
+        for (int i = support.first; i <= support.last; ++i) {
             peak->curve[i] = static_cast<float>(peak->fct_value(peak->type, i, *peak->param));
         }
     }
@@ -133,7 +147,7 @@ void Prune_Neighbours(Histo_Data& data) {
     }
 }
 
-enum class Step_Result { Taken, Invalid_Matrix, Runaway };
+enum class Step_Result { Taken, Runaway };
 
 /** Adds the step to the parameters, clamped to their bounds; nothing changes when one component runs away. */
 Step_Result Step_Take(Histo_Data& data, const Vector_N& step, Vector_N& parameters) {
@@ -164,8 +178,10 @@ void Start_Sum_Make(Histo_Data& data, std::uint16_t n) {
         return;  // drawn only while tracing; the fit does not need it
     }
     for (Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next) {
-        for (int i = 0; i < n; ++i) {
-            data.fit_sum[i] += static_cast<float>(peak->fct_value(peak->type, i, *peak->param));
+        const Bin_Span support = Peak_Support(*peak, n);
+        for (int i = support.first; i <= support.last; ++i) {
+            data.fit_sum[i] =
+                static_cast<float>(static_cast<double>(data.fit_sum[i]) + peak->fct_value(peak->type, i, *peak->param));
         }
     }
 }
@@ -218,10 +234,14 @@ void Gauss_Newton(Histo_Data& peaks, std::uint16_t n, const double* data, double
         const Matrix_NxM transposed = ~system.jacobian;
         Matrix_NxM inverse = !(transposed * system.jacobian);
         if (!system.is_complete || inverse.Invalid(0) != 0) {
-            Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 Gauss_Newton invalid matrix");
+            Warn_Invalid_Matrix();
             return;
         }
         const Vector_N step = inverse * (transposed * system.residual);
+        if (step.Size() != system.parameters.Size()) {
+            Warn_Invalid_Matrix();  // no memory for the step
+            return;
+        }
         if (Step_Take(peaks, step, system.parameters) == Step_Result::Runaway) {
             Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 Gauss_Newton failed!");
             return;
@@ -239,7 +259,10 @@ void Gauss_Newton(Histo_Data& peaks, std::uint16_t n, const double* data, double
 }
 
 void Peak_Fit_Prepare(Tool_Histo& panel, int n, const double* curve) {
-    Histo_Data& data = *panel.data;
+    Peak_Fit_Prepare(*panel.data, n, curve);
+}
+
+void Peak_Fit_Prepare(Histo_Data& data, int n, const double* curve) {
     data.Peaks_Free();
     data.Curves_Free();
     const std::span<const double> source(curve, static_cast<std::size_t>(std::max(n, 0)));

@@ -85,6 +85,7 @@ void Peak_Find_Segments(Tool_Histo& panel, int n, const double* curve, std::uint
 Histo_Peak* Peak_Segment_Add(Tool_Histo& panel, Histo_Peak*& tail, std::int32_t centre, std::int32_t first,
                              std::int32_t last);
 /** Gaussian fit over a curve of n bins: filter, candidates, Gauss-Newton, curves. */
+void Peak_Fit_Prepare(Histo_Data& data, int n, const double* curve);
 void Peak_Fit_Prepare(Tool_Histo& panel, int n, const double* curve);
 /** A Gaussian candidate at the tail: amplitude factor x filtered value, bounds by the settings. @return null without
  * memory (reported) */

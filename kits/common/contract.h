@@ -1,20 +1,25 @@
-/** Checks of what a host owes its panels. Off by default; a host turns them on while it is being written.
+/** @file
+ *  Checks of what a host owes its panels. Off by default; a host turns them on while it is being written.
  *
- *  Every mistake is reported once per name as a warning of the form "Contract: NAME: what is wrong", and counted. */
+ *  Every mistake is reported once as a warning of the form "WARNING: Contract: MISTAKE: SUBJECT", for example
+ * "Contract: variable missing: $TAG_NB", and counted. */
 #pragma once
 
 #include "host/kit_common.h"
 
-/** Kinds of mistakes, the NAME of a report. */
+// Kinds of mistakes, the first part of a report.
 inline constexpr char CONTRACT_VARIABLE_MISSING[] = "variable missing";  ///< asked for and not defined
 inline constexpr char CONTRACT_COUNT_CAP[] = "count cap";  ///< more than panels show, or an array too short
-inline constexpr char CONTRACT_FLAG_LEVEL[] = "update flag without its level";
-inline constexpr char CONTRACT_ITERATOR[] = "iterator not ended";
-inline constexpr char CONTRACT_DC[] = "device context not released";
-inline constexpr char CONTRACT_WAIT_CURSOR[] = "wait cursor set and reset unevenly";
+inline constexpr char CONTRACT_FLAG_LEVEL[] =
+    "update flag without its level";                                  ///< structure or selection with no UPDATE_LEVEL_*
+inline constexpr char CONTRACT_ITERATOR[] = "iterator not ended";     ///< no Iterator_End after a pass
+inline constexpr char CONTRACT_DC[] = "device context not released";  ///< no Y_release after a Y_setup
+inline constexpr char CONTRACT_WAIT_CURSOR[] =
+    "wait cursor set and reset unevenly";  ///< Set_Curs_Wait, Reset_Curs_Wait
 
 /** Turns the checks on or off, and forgets what was reported. */
 KIT_COMMON_API void Contract_Checks_Set(bool on);
+/** True while the checks are on. */
 KIT_COMMON_API bool Contract_Checks();
 /** Reports a mistake when the checks are on. @param mistake one of CONTRACT_*; @param subject what it concerns; the
  * pair is reported once */

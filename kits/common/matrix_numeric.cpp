@@ -2,7 +2,8 @@
 
 #include <Eigen/Dense>
 #include <algorithm>
-#include <cmath>
+#include <bit>
+#include <cstdint>
 #include <vector>
 
 namespace {
@@ -16,12 +17,6 @@ Eigen::Index Signed(std::size_t count) {
 }
 Const_Map Mapped(const Matrix_View& view) {
     return {view.values, Signed(view.rows), Signed(view.columns)};
-}
-
-/** Faster than asking each element: zero times anything finite is zero, and one that is not makes the sum no number. */
-bool All_Finite(const Matrix_View& view) {
-    const Eigen::Map<const Eigen::ArrayXd> values(view.values, Signed(view.rows * view.columns));
-    return (values * 0.0).sum() == 0.0;
 }
 
 /** Half-open range of indices. */
@@ -41,87 +36,156 @@ Range Common(const Range& a, const Range& b) {
     return common.begin < common.end ? common : Range{};
 }
 
-/** Rows of the left matrix and columns of the right one are taken in groups of this many. */
-constexpr std::size_t GROUP = 12;
+/** Rows of the left matrix, and columns of the right one, that are multiplied together: as many sums as there are
+ * registers. */
+constexpr std::size_t ROW_GROUP = 4;
+constexpr std::size_t COLUMN_GROUP = 6;
 
-std::size_t Groups(std::size_t count) {
-    return (count + GROUP - 1) / GROUP;
+/** Where a matrix may differ from zero, group by group. */
+struct Filling {
+    std::vector<Range> ranges;
+    bool is_finite = true;
+};
+
+std::size_t Groups(std::size_t count, std::size_t group) {
+    return (count + group - 1) / group;
+}
+
+/** True when all are +0. Bits are compared because whole vectors of them are. */
+bool All_Zero(const double* values, std::size_t count) {
+    std::uint64_t bits = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        bits |= std::bit_cast<std::uint64_t>(values[i]);
+    }
+    return bits == 0;
+}
+
+/** Zero times anything finite is zero, and one that is not makes the sum no number: faster than asking each. */
+bool All_Finite(const double* values, std::size_t count) {
+    const Eigen::Map<const Eigen::ArrayXd> all(values, Signed(count));
+    return (all * 0.0).sum() == 0.0;
 }
 
 /** Per group of rows: the columns that hold anything but zeros. */
-std::vector<Range> Column_Ranges_Of_Rows(const Matrix_View& matrix) {
-    std::vector<Range> ranges(Groups(matrix.rows));
+Filling Columns_Filled(const Matrix_View& matrix) {
+    constexpr std::size_t STRIDE = 16;
+    Filling filling;
+    filling.ranges.resize(Groups(matrix.rows, ROW_GROUP));
     for (std::size_t row = 0; row < matrix.rows; ++row) {
         const double* values = matrix.values + row * matrix.columns;
         std::size_t begin = 0;
         std::size_t end = matrix.columns;
+        while (begin + STRIDE <= end && All_Zero(values + begin, STRIDE)) {
+            begin += STRIDE;
+        }
         while (begin < end && values[begin] == 0.0) {
             ++begin;
+        }
+        while (end >= begin + STRIDE && All_Zero(values + end - STRIDE, STRIDE)) {
+            end -= STRIDE;
         }
         while (end > begin && values[end - 1] == 0.0) {
             --end;
         }
         if (begin < end) {
-            ranges[row / GROUP].Include(begin, end);
+            filling.ranges[row / ROW_GROUP].Include(begin, end);
+            filling.is_finite = filling.is_finite && All_Finite(values + begin, end - begin);
         }
     }
-    return ranges;
+    return filling;
 }
 
 /** Per group of columns: the rows that hold anything but zeros. */
-std::vector<Range> Row_Ranges_Of_Columns(const Matrix_View& matrix) {
-    std::vector<Range> ranges(Groups(matrix.columns));
+Filling Rows_Filled(const Matrix_View& matrix) {
+    Filling filling;
+    filling.ranges.resize(Groups(matrix.columns, COLUMN_GROUP));
+    const std::size_t whole_nb = matrix.columns / COLUMN_GROUP;
     for (std::size_t row = 0; row < matrix.rows; ++row) {
         const double* values = matrix.values + row * matrix.columns;
-        for (std::size_t group = 0; group < ranges.size(); ++group) {
-            const std::size_t end = std::min((group + 1) * GROUP, matrix.columns);
-            double sum = 0.0;  // of absolute values, without a branch per element
-            for (std::size_t column = group * GROUP; column < end; ++column) {
-                sum += std::abs(values[column]);
-            }
-            if (sum != 0.0) {
-                ranges[group].Include(row, row + 1);
+        for (std::size_t group = 0; group < whole_nb; ++group) {
+            if (!All_Zero(values + group * COLUMN_GROUP, COLUMN_GROUP)) {
+                filling.ranges[group].Include(row, row + 1);
+                filling.is_finite = filling.is_finite && All_Finite(values + group * COLUMN_GROUP, COLUMN_GROUP);
             }
         }
+        const std::size_t rest = whole_nb * COLUMN_GROUP;
+        if (rest < matrix.columns && !All_Zero(values + rest, matrix.columns - rest)) {
+            filling.ranges[whole_nb].Include(row, row + 1);
+            filling.is_finite = filling.is_finite && All_Finite(values + rest, matrix.columns - rest);
+        }
     }
-    return ranges;
+    return filling;
 }
 
 /** Products that `left` * `right` takes when only the common ranges are multiplied. */
-double Work(const std::vector<Range>& left, const std::vector<Range>& right) {
+double Work(const Filling& left, const Filling& right) {
     double work = 0.0;
-    for (const Range& rows : left) {
-        for (const Range& columns : right) {
+    for (const Range& rows : left.ranges) {
+        for (const Range& columns : right.ranges) {
             const Range inner = Common(rows, columns);
             work += static_cast<double>(inner.end - inner.begin);
         }
     }
-    return work * static_cast<double>(GROUP * GROUP);
+    return work * static_cast<double>(ROW_GROUP * COLUMN_GROUP);
 }
 
-void Multiply_Ranges(const Const_Map& left, const Const_Map& right, const std::vector<Range>& left_ranges,
-                     const std::vector<Range>& right_ranges, Map& out) {
-    const auto rows = static_cast<std::size_t>(left.rows());
-    const auto columns = static_cast<std::size_t>(right.cols());
-    for (std::size_t i = 0; i < left_ranges.size(); ++i) {
-        const std::size_t row = i * GROUP;
-        const std::size_t row_nb = std::min(GROUP, rows - row);
-        for (std::size_t j = 0; j < right_ranges.size(); ++j) {
-            const Range inner = Common(left_ranges[i], right_ranges[j]);
+/** A whole group of rows times a whole group of columns, over the inner range. */
+void Multiply_Group(const Matrix_View& left, const Matrix_View& right, std::size_t row, std::size_t column,
+                    const Range& inner, double* out) {
+    using Sums = Eigen::Array<double, COLUMN_GROUP, 1>;
+    using Slice = Eigen::Map<const Sums>;
+    static_assert(ROW_GROUP == 4);
+    const double* row_0 = left.values + row * left.columns;
+    const double* row_1 = row_0 + left.columns;
+    const double* row_2 = row_1 + left.columns;
+    const double* row_3 = row_2 + left.columns;
+    Sums sum_0 = Sums::Zero();
+    Sums sum_1 = Sums::Zero();
+    Sums sum_2 = Sums::Zero();
+    Sums sum_3 = Sums::Zero();
+    for (std::size_t i = inner.begin; i < inner.end; ++i) {
+        const Slice slice(right.values + i * right.columns + column);
+        sum_0 += row_0[i] * slice;
+        sum_1 += row_1[i] * slice;
+        sum_2 += row_2[i] * slice;
+        sum_3 += row_3[i] * slice;
+    }
+    double* target = out + row * right.columns + column;
+    for (const Sums* sum : {&sum_0, &sum_1, &sum_2, &sum_3}) {
+        Eigen::Map<Sums>{target} = *sum;
+        target += right.columns;
+    }
+}
+
+/** The groups at the lower and right edges, which may be smaller. */
+void Multiply_Edge(const Matrix_View& left, const Matrix_View& right, std::size_t row, std::size_t column,
+                   const Range& inner, double* out) {
+    for (std::size_t i = row; i < std::min(row + ROW_GROUP, left.rows); ++i) {
+        for (std::size_t j = column; j < std::min(column + COLUMN_GROUP, right.columns); ++j) {
+            double sum = 0.0;
+            for (std::size_t k = inner.begin; k < inner.end; ++k) {
+                sum += left.values[i * left.columns + k] * right.values[k * right.columns + j];
+            }
+            out[i * right.columns + j] = sum;
+        }
+    }
+}
+
+void Multiply_Ranges(const Matrix_View& left, const Matrix_View& right, const Filling& left_filling,
+                     const Filling& right_filling, double* out) {
+    for (std::size_t i = 0; i < left_filling.ranges.size(); ++i) {
+        for (std::size_t j = 0; j < right_filling.ranges.size(); ++j) {
+            const Range inner = Common(left_filling.ranges[i], right_filling.ranges[j]);
+            const std::size_t row = i * ROW_GROUP;
+            const std::size_t column = j * COLUMN_GROUP;
             if (inner.begin == inner.end) {
                 continue;
             }
-            // Neighbours of the same range are multiplied together.
-            const std::size_t first = j;
-            while (j + 1 < right_ranges.size() && Common(left_ranges[i], right_ranges[j + 1]) == inner) {
-                ++j;
+            if (row + ROW_GROUP <= left.rows && column + COLUMN_GROUP <= right.columns) {
+                Multiply_Group(left, right, row, column, inner, out);
+            } else {
+                Multiply_Edge(left, right, row, column, inner, out);
             }
-            const std::size_t column = first * GROUP;
-            const std::size_t column_nb = std::min((j + 1) * GROUP, columns) - column;
-            const auto inner_nb = Signed(inner.end - inner.begin);
-            out.block(Signed(row), Signed(column), Signed(row_nb), Signed(column_nb)).noalias() =
-                left.block(Signed(row), Signed(inner.begin), Signed(row_nb), inner_nb) *
-                right.block(Signed(inner.begin), Signed(column), inner_nb, Signed(column_nb));
         }
     }
 }
@@ -129,11 +193,13 @@ void Multiply_Ranges(const Const_Map& left, const Const_Map& right, const std::v
 }  // namespace
 
 void Transpose(const double* values, std::size_t rows, std::size_t columns, double* out) {
-    constexpr std::size_t TILE = 16;  // both tiles stay in the first cache
-    for (std::size_t row_begin = 0; row_begin < rows; row_begin += TILE) {
-        const std::size_t row_end = std::min(row_begin + TILE, rows);
-        for (std::size_t column_begin = 0; column_begin < columns; column_begin += TILE) {
-            const std::size_t column_end = std::min(column_begin + TILE, columns);
+    // Rows that lie a power of two apart share a few places of the first cache: no more than eight at once.
+    constexpr std::size_t TILE_COLUMNS = 8;
+    constexpr std::size_t TILE_ROWS = 32;
+    for (std::size_t row_begin = 0; row_begin < rows; row_begin += TILE_ROWS) {
+        const std::size_t row_end = std::min(row_begin + TILE_ROWS, rows);
+        for (std::size_t column_begin = 0; column_begin < columns; column_begin += TILE_COLUMNS) {
+            const std::size_t column_end = std::min(column_begin + TILE_COLUMNS, columns);
             for (std::size_t column = column_begin; column < column_end; ++column) {
                 for (std::size_t row = row_begin; row < row_end; ++row) {
                     out[column * rows + row] = values[row * columns + column];
@@ -163,15 +229,15 @@ bool Multiply(const Matrix_View& left, const Matrix_View& right, double* out) tr
     const Const_Map left_map = Mapped(left);
     const Const_Map right_map = Mapped(right);
     Map product(out, Signed(left.rows), Signed(right.columns));
+    const Filling left_filling = Columns_Filled(left);
+    const Filling right_filling = Rows_Filled(right);
     // Zero times infinity is not zero, so nothing may be left out then.
-    if (All_Finite(left) && All_Finite(right)) {
-        const std::vector<Range> left_ranges = Column_Ranges_Of_Rows(left);
-        const std::vector<Range> right_ranges = Row_Ranges_Of_Columns(right);
-        constexpr double WORTH_SKIPPING = 0.6;  // many small products are slower than one large one
+    if (left_filling.is_finite && right_filling.is_finite) {
+        constexpr double WORTH_SKIPPING = 0.4;  // of all products; Eigen is faster at each
         const double full =
             static_cast<double>(left.rows) * static_cast<double>(left.columns) * static_cast<double>(right.columns);
-        if (Work(left_ranges, right_ranges) < WORTH_SKIPPING * full) {
-            Multiply_Ranges(left_map, right_map, left_ranges, right_ranges, product);
+        if (Work(left_filling, right_filling) < WORTH_SKIPPING * full) {
+            Multiply_Ranges(left, right, left_filling, right_filling, out);
             return true;
         }
     }

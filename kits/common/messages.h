@@ -1,4 +1,5 @@
-/** The application's side of Kit_Common's messages: who receives them, and how their inline styles are read. */
+/** @file
+ *  The application's side of Kit_Common's messages: who receives them, and how their inline styles are read. */
 #pragma once
 
 #include <string>
@@ -21,8 +22,8 @@ enum class Message_Style { Plain, Warning, Strong, Indented };
 
 /** A run of one style. */
 struct Message_Run {
-    Message_Style style = Message_Style::Plain;
-    std::string text;
+    Message_Style style = Message_Style::Plain;  ///< how to show it
+    std::string text;                            ///< without style bytes, in the code page of the message
 };
 
 /** Splits a message into its runs; style bytes are consumed, never part of a run's text. 0xF1 0x05 opens a warning run,

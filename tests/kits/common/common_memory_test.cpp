@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "kits/common/block_cache.h"
 #include "kits/common/messages.h"
 #include "tests/kits/common/failing_memory.h"
 
@@ -98,6 +99,26 @@ TEST(Without_Memory, Results_Of_Matrix_Operations_Are_Marked_Invalid) {
                   EXPECT_EQ(product.Size() == 0, Failing_Allocation::Happened());
               }),
               2);
+}
+
+TEST(Without_Memory, Large_Matrices_Are_Marked_Invalid_Or_Live_In_A_Kept_Block) {
+    Block_Cache_Empty();
+    const auto make = [] {
+        Matrix_NxM matrix(300, 300, 8);
+        EXPECT_EQ(matrix.Invalid(0) != 0, Failing_Allocation::Happened());
+    };
+    {
+        Failing_Allocation second(2);
+        make();  // nothing is kept: the block fails
+        EXPECT_TRUE(Failing_Allocation::Happened());
+    }
+    static_cast<void>(Matrix_NxM(300, 300, 8));
+    {
+        Failing_Allocation second(2);
+        make();  // the one before left its block
+        EXPECT_FALSE(Failing_Allocation::Happened());
+    }
+    Block_Cache_Empty();
 }
 
 TEST(Without_Memory, Short_Messages_Need_None) {

@@ -167,12 +167,24 @@ TEST(Matrix, Rows_And_Columns_Of_Different_Filling_Share_A_Group) {
     EXPECT_LT(Largest_Difference(left * right, Plain_Product(left, right)), 1e-12);
 }
 
+TEST(Matrix, Blocks_Of_Zeros_And_Sizes_That_Fill_No_Group) {
+    for (unsigned int columns = 1; columns < 30; columns += 1) {
+        const Matrix_NxM banded = Banded_Matrix(columns, 160 + columns, 1, 70 + columns);
+        EXPECT_LT(Largest_Difference(~banded * banded, Plain_Product(~banded, banded)), 1e-12) << columns;
+        const Matrix_NxM wide = Banded_Matrix(160 + columns, columns, 9, 170 + columns);
+        EXPECT_LT(Largest_Difference(wide * banded, Plain_Product(wide, banded)), 1e-12) << columns;
+    }
+}
+
 TEST(Matrix, Zero_Times_Infinity_Is_Not_Skipped) {
     Matrix_NxM left(60, 60, 8);
     Matrix_NxM right(60, 60, 8);
     right[50][50] = std::numeric_limits<double>::infinity();
     EXPECT_TRUE(std::isnan((left * right)[0][50]));
     EXPECT_EQ((left * right)[0][0], 0.0);
+    EXPECT_TRUE(std::isnan((right * left)[50][0]));
+    right[50][50] = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_TRUE(std::isnan((left * right)[0][50]));
 }
 
 TEST(Matrix, A_Product_Of_Shapes_That_Do_Not_Fit_Is_Invalid) {
