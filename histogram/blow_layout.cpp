@@ -20,6 +20,12 @@ int Slot_Width(const Blow_Metrics& metrics, int plot_width, int per_row) {
     return std::max((plot_width - (per_row + 1) * metrics.space) / per_row, 0);
 }
 
+/** Height of the letters with which a selector without arrows fits into a width. */
+int Select_Font(const Blow_Metrics& metrics, int width) {
+    const int fitting = (width - SELECT_PADDING) * 10 / SELECT_EMS_TENTHS;
+    return std::min(metrics.font_height, std::max(fitting, SELECT_FONT_MIN));
+}
+
 struct Select_Rows {
     int per_row = 1;
     int height = 0;
@@ -47,6 +53,11 @@ Select_Rows Select_Rows_Choose(const Blow_Metrics& metrics, const Histo_Rectangl
            Slot_Width(metrics, plot.width, rows.per_row + 1) * 10 >= Select_Width(SELECT_FONT_MIN, 0) * 8) {
         ++rows.per_row;
     }
+    // Letters that have become small need no more than a low row.
+    if (too_high()) {
+        const int letters = Select_Font(metrics, Slot_Width(metrics, plot.width, rows.per_row));
+        rows.height = std::min(rows.height, letters + SELECT_ROW_PADDING);
+    }
     return rows;
 }
 
@@ -70,8 +81,7 @@ Blow_Layout Blow_Layout_Make(const Blow_Metrics& metrics) {
         layout.select_arrow = rows.height * 2 / 3;
         if (slot < Select_Width(metrics.font_height, layout.select_arrow)) {
             layout.select_arrow = 0;
-            const int fitting = (slot - SELECT_PADDING) * 10 / SELECT_EMS_TENTHS;
-            layout.select_font = std::min(metrics.font_height, std::max(fitting, SELECT_FONT_MIN));
+            layout.select_font = Select_Font(metrics, slot);
         }
         for (int i = 0; i < metrics.select_nb; ++i) {
             const int column = i % rows.per_row;

@@ -39,6 +39,25 @@ bool Is_Usable(float scale) {
     return std::isnormal(scale) && scale > 0.0F;
 }
 
+/** True when a view shows something: single precision still tells its two ends apart. */
+bool Can_Show(float origin, int pixels, float scale) {
+    const float end = origin + static_cast<float>(pixels) * scale;
+    return Is_Usable(scale) && std::isfinite(end) && origin < end;
+}
+
+/** Takes the origin and the scale that are on show where the full view has cut the range off: a zoom goes on from what
+ * the user sees. */
+void Shown_Take(const Blow_Range& shown, int pixels, float& origin, float& scale) {
+    if (!(shown.start < shown.end)) {
+        return;
+    }
+    origin = shown.start;
+    constexpr float slack = 0.5F;  // of a pixel: less is rounding
+    if (origin + (static_cast<float>(pixels) - slack) * scale > shown.end) {
+        scale = (shown.end - shown.start) / static_cast<float>(pixels);
+    }
+}
+
 }  // namespace
 
 void Blow_View::Full_View_Set(const Histo_Record& record, const Blow_Area& plot_area) {
@@ -75,13 +94,16 @@ bool Blow_View::Zoom_Rectangle(const Blow_Drag& drag) {
     const int right = in_x(std::max(drag.x_start, drag.x_end));
     const int bottom = in_y(std::min(drag.y_start, drag.y_end));
     const int top = in_y(std::max(drag.y_start, drag.y_end));
+    Shown_Take();
     const float new_scale_x = scale_x * static_cast<float>(right - left) / static_cast<float>(area.width);
     const float new_scale_y = scale_y * static_cast<float>(top - bottom) / static_cast<float>(area.height);
-    if (!Is_Usable(new_scale_x) || !Is_Usable(new_scale_y)) {
+    const float new_origin_x = origin_x + static_cast<float>(left - area.left) * scale_x;
+    const float new_origin_y = origin_y + static_cast<float>(bottom - area.bottom) * scale_y;
+    if (!Can_Show(new_origin_x, area.width, new_scale_x) || !Can_Show(new_origin_y, area.height, new_scale_y)) {
         return false;
     }
-    origin_x += static_cast<float>(left - area.left) * scale_x;
-    origin_y += static_cast<float>(bottom - area.bottom) * scale_y;
+    origin_x = new_origin_x;
+    origin_y = new_origin_y;
     scale_x = new_scale_x;
     scale_y = new_scale_y;
     zoomed = true;
@@ -92,14 +114,17 @@ void Blow_View::Zoom_Wheel(int notches, int x, int y) {
     if (area.Is_Empty()) {
         return;
     }
+    Shown_Take();
     const float factor = static_cast<float>(std::max(notches, NOTCHES_BACK_MAX) + 10) / 10.0F;
     const float new_scale_x = std::min(scale_x * factor, scale_x_max);
     const float new_scale_y = std::min(scale_y * factor, scale_y_max);
-    if (Is_Usable(new_scale_x) && Is_Usable(new_scale_y)) {
-        const int pointer_x = std::clamp(x, area.left, area.left + area.width);
-        const int pointer_y = std::clamp(y, area.bottom, area.bottom + area.height);
-        origin_x -= (new_scale_x - scale_x) * static_cast<float>(pointer_x - area.left);
-        origin_y -= (new_scale_y - scale_y) * static_cast<float>(pointer_y - area.bottom);
+    const int pointer_x = std::clamp(x, area.left, area.left + area.width);
+    const int pointer_y = std::clamp(y, area.bottom, area.bottom + area.height);
+    const float new_origin_x = origin_x - (new_scale_x - scale_x) * static_cast<float>(pointer_x - area.left);
+    const float new_origin_y = origin_y - (new_scale_y - scale_y) * static_cast<float>(pointer_y - area.bottom);
+    if (Can_Show(new_origin_x, area.width, new_scale_x) && Can_Show(new_origin_y, area.height, new_scale_y)) {
+        origin_x = new_origin_x;
+        origin_y = new_origin_y;
         scale_x = new_scale_x;
         scale_y = new_scale_y;
     }
@@ -112,14 +137,29 @@ bool Blow_View::Zoom_Pinch(const Gesture_Record& gesture) {
     if (area.Is_Empty() || !inside(gesture.fx) || !inside(gesture.fy)) {
         return false;
     }
+    Shown_Take();
     // The fingers move in device pixels, whose y grows downwards.
     origin_x -= scale_x * gesture.dx;
     origin_y += scale_y * gesture.dy;
     Origin_Clamp();
-    scale_x = std::min(scale_x / gesture.fx, scale_x_max);
-    scale_y = std::min(scale_y / gesture.fy, scale_y_max);
+    const float new_scale_x = std::min(scale_x / gesture.fx, scale_x_max);
+    const float new_scale_y = std::min(scale_y / gesture.fy, scale_y_max);
+    if (Can_Show(origin_x, area.width, new_scale_x) && Can_Show(origin_y, area.height, new_scale_y)) {
+        scale_x = new_scale_x;
+        scale_y = new_scale_y;
+    }
     zoomed = true;
     return true;
+}
+
+void Blow_View::Shown_Take() {
+    if (zoomed) {
+        ::Shown_Take(Visible_X(), area.width, origin_x, scale_x);
+        ::Shown_Take(Visible_Y(), area.height, origin_y, scale_y);
+        // The data may have become less since they were zoomed.
+        scale_x = std::min(scale_x, scale_x_max);
+        scale_y = std::min(scale_y, scale_y_max);
+    }
 }
 
 void Blow_View::Origin_Clamp() {

@@ -43,8 +43,8 @@ class Blow_View {
     void Reset();
     /** Zooms to a dragged rectangle, its corners clamped into the plot area. No origin clamp and no scale limit, unlike
      * the wheel.
-     *  @return false: nothing changed, because the drag is shorter than BLOW_DRAG_MIN in one direction or the scale
-     * would vanish */
+     *  @return false: nothing changed, because the drag is shorter than BLOW_DRAG_MIN in one direction or single
+     * precision could not tell the new view's ends apart */
     bool Zoom_Rectangle(const Blow_Drag& drag);
     /** Zooms by wheel notches, forward widens; the data under the pointer stays where it is as far as the limits allow.
      */
@@ -57,7 +57,7 @@ class Blow_View {
     float Origin_Y() const { return origin_y; }
     float Scale_X() const { return scale_x; }
     float Scale_Y() const { return scale_y; }
-    /** What is visible now. */
+    /** What is visible now: from the origin as many pixels as the plot has, cut off at the full view. */
     Blow_Range Visible_X() const;
     Blow_Range Visible_Y() const;
     const Blow_Range& Full_X() const { return full_x; }
@@ -67,6 +67,7 @@ class Blow_View {
 
   private:
     void Origin_Clamp();
+    void Shown_Take();
 
     Blow_Area area;
     Blow_Range full_x;

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <numeric>
 
 namespace {
 
-constexpr int LEVELS_UP = 8;    // lines of text that a label may rise
-constexpr int LEVELS_DOWN = 3;  // or sink
+constexpr int LEVELS_UP = 8;       // lines of text that a label may rise
+constexpr int LEVELS_DOWN = 3;     // or sink
+constexpr int COVER_PERCENT = 25;  // of the plot area that labels may hide
 
 struct Label_Rectangle {
     int left;
@@ -28,6 +30,10 @@ class Label_Placer {
     Peak_Label_Place Place(const Peak_Label_Request& request) {
         const bool in_view = request.column >= 0 && request.column < width && request.row >= 0;
         if (!in_view || request.width <= 0 || request.height <= 0 || request.width > width || request.height > height) {
+            return {};
+        }
+        const auto pixels = static_cast<std::int64_t>(request.width) * request.height;
+        if ((covered + pixels) * 100 > static_cast<std::int64_t>(width) * height * COVER_PERCENT) {
             return {};
         }
         const int start = std::min(request.row + PEAK_LABEL_GAP, height - request.height);
@@ -58,6 +64,7 @@ class Label_Placer {
             const Label_Rectangle wanted = {left, bottom, left + request.width, bottom + request.height};
             if (std::none_of(taken.begin(), taken.end(), [&](const auto& other) { return Collide(wanted, other); })) {
                 taken.push_back(wanted);
+                covered += static_cast<std::int64_t>(request.width) * request.height;
                 return {true, left, bottom};
             }
         }
@@ -66,6 +73,7 @@ class Label_Placer {
 
     int width;
     int height;
+    std::int64_t covered = 0;  // pixels under labels
     std::vector<Label_Rectangle> taken;
 };
 

@@ -1,4 +1,5 @@
-/** The histogram panel: the grey-level histogram of the selected frames of the current window, with TAG bands, a cursor
+/** @file
+ *  The histogram panel: the grey-level histogram of the selected frames of the current window, with TAG bands, a cursor
  * at the grey level under the image mouse, an enlarged window, automatic peak analysis and export to a text file.
  *
  *  The host constructs the panel, gives it a rectangle by Resize, and then forwards events and change flags. Everything
@@ -15,10 +16,11 @@
 
 struct Histo_Peak;
 
-inline constexpr int HISTO_LABEL_SIZE = 80;  ///< bytes of an axis label, its zero included
-inline constexpr int HISTO_RANGE_MAX = 32;   ///< TAG ranges that can be shaded
-inline constexpr float HISTO_SCALE_MIN = 0.001F;
-inline constexpr float HISTO_SCALE_MAX = 1.0F;
+inline constexpr int HISTO_LABEL_SIZE = 80;       ///< bytes of an axis label, its zero included
+inline constexpr int HISTO_RANGE_MAX = 32;        ///< TAG ranges that can be shaded
+inline constexpr float HISTO_SCALE_MIN = 0.001F;  ///< largest magnification: a thousandth of the highest count fills
+                                                  ///< the plot
+inline constexpr float HISTO_SCALE_MAX = 1.0F;    ///< no magnification
 
 /** What a panel computed. Shared by the copies of a panel: recomputing in one is seen by the other; the last one frees
  * it. */
@@ -50,27 +52,41 @@ struct KIT_PANELS_API Histo_Data {
     void Curves_Free();
 };
 
+/** See the top of this file. The panel is its own plot box. A destroyed panel closes the enlarged window that shows it.
+ */
 class KIT_PANELS_API Tool_Histo : public Boxs {
   public:
     Tool_Histo();
     ~Tool_Histo();
+    ///@{
+    /** Shares the computed data with the original; widgets, labels and ranges are its own. */
     Tool_Histo(const Tool_Histo& other);
     Tool_Histo& operator=(const Tool_Histo& other);
+    ///@}
 
     /** Any height will do. @return the height wanted, as given */
     int Height(unsigned short wanted);
     /** Lays the panel out in the host's box: plot, magnification valuator, "Blow" button. Resets the magnification.
      * @return 1 */
     int Resize(Boxs* box);
+    /** Paints box, button, valuator and plot. */
     void Draw();
     /** @return 1 when the press fell on the button or the valuator, else 0 */
     int Click(int up_down);
     /** @return 1 when the valuator moved, else 0 */
     int Motion(int up_down);
+    /** Wherever the pointer is: moves the magnification by `delta` notches, forward to larger, and repaints the plot.
+     *  @return 1 */
     int Scroll(int delta);
     /** Takes no key. @return 0 */
     int Keyboard(int key);
+    /** Takes button and valuator out of hover and pressed looks. */
     void Leave();
+    /** UPDATE_SELECTION with UPDATE_LEVEL_2D, and UPDATE_HISTO_DATA: compute anew, and paint nothing of it: a host that
+     *  wants the picture at once sends UPDATE_HISTO_PAINT too. UPDATE_HISTO_PAINT, UPDATE_TAG_TABLE, UPDATE_TAG_CUR:
+     *  paint. UPDATE_MOUSE_FRAME: the cursor line follows. UPDATE_COLOR_COMPONENT: takes "$GLI_COLOR_COMPONENT" over
+     * and paints. UPDATE_ALL: only the mark of the "Blow" button. All but the last reach the enlarged window as well.
+     */
     void Update(unsigned __int64 flags);
     /** Sets the TAG ranges to shade: n (0 .. 32, read as a signed 16-bit number) groups of TAG number (int), minimum
      * and maximum (double, GLI). Repaints nothing. @return 1; 0 when n is out of range (the old ranges stay) */
@@ -84,19 +100,19 @@ class KIT_PANELS_API Tool_Histo : public Boxs {
     /** Fits Gaussian peaks to the filtered curve. @return 0 without counts, else 1 */
     int Fit_Gaussian();
 
-    Buttons blow_button;
-    Valuators scale_valuator;
-    float scale = HISTO_SCALE_MAX;  ///< fraction of the largest count that reaches the top of the plot
-    char x_label[HISTO_LABEL_SIZE] = {};
-    char y_label[HISTO_LABEL_SIZE] = {};
+    Buttons blow_button;                       ///< current while the enlarged window is open, whichever panel it shows
+    Valuators scale_valuator;                  ///< HISTO_SCALE_MIN .. HISTO_SCALE_MAX
+    float scale = HISTO_SCALE_MAX;             ///< fraction of the largest count that reaches the top of the plot
+    char x_label[HISTO_LABEL_SIZE] = {};       ///< title of the grey-level axis
+    char y_label[HISTO_LABEL_SIZE] = {};       ///< title of the count axis
     char source_label[HISTO_LABEL_SIZE] = {};  ///< the frames' common descriptor, or "mix"
     std::shared_ptr<Histo_Data> data;          ///< never null but after a failed allocation
     int cursor_position = -1;           ///< column of the cursor line; -1 after a repaint, 0 when no line is shown
     unsigned char color_component = 0;  ///< value of "$GLI_COLOR_COMPONENT"
-    std::uint16_t range_nb = 0;
-    std::uint16_t range_tag[HISTO_RANGE_MAX] = {};
-    float range_min[HISTO_RANGE_MAX] = {};  ///< GLI
-    float range_max[HISTO_RANGE_MAX] = {};  ///< GLI
+    std::uint16_t range_nb = 0;         ///< ranges in use, 0 .. HISTO_RANGE_MAX
+    std::uint16_t range_tag[HISTO_RANGE_MAX] = {};  ///< TAG number of each range
+    float range_min[HISTO_RANGE_MAX] = {};          ///< GLI
+    float range_max[HISTO_RANGE_MAX] = {};          ///< GLI
 };
 
 /** Merges the stored histograms of the selected frames of the current window into the panel's record. @return 1 when a

@@ -222,9 +222,8 @@ bool Any_Button_Held() {
 
 /** A drop list or a dialog may have taken the release: a rectangle that nobody holds any more is let go. */
 void Drag_Drop_Unheld() {
-    if (histo_blow.dragging && !Any_Button_Held()) {
-        histo_blow.dragging = false;
-        Local_Drag_Clear(Scene_Now());
+    if (!Any_Button_Held()) {
+        Histo_Blow_Drag_Drop();
     }
 }
 
@@ -335,7 +334,17 @@ void Histo_Blow_Begin(HWND window) {
     Histo_Plot_Marks_Forget();
 }
 
+void Histo_Blow_Controls_Leave() {
+    histo_blow.reset_button.Deselect();
+    histo_blow.export_button.Deselect();
+    histo_blow.tag_select.Deselect();
+    histo_blow.cursor_select.Deselect();
+    histo_blow.peak_select.Deselect();
+}
+
 void Histo_Blow_End() {
+    // The controls outlive the window: none may be lit up when it opens again.
+    Histo_Blow_Controls_Leave();
     // The handle goes first, so that the panel draws its button released.
     const HWND window = histo_blow.window;
     histo_blow.window = nullptr;
@@ -343,6 +352,7 @@ void Histo_Blow_End() {
     Tool_Histo* panel = histo_blow.panel;
     histo_blow.panel = nullptr;
     Histo_Plot_Marks_Forget();
+    Histo_Plot_Picture_Free();
     Window_Forget(window);
     if (panel != nullptr) {
         panel->Draw();
@@ -426,6 +436,13 @@ int Histo_Blow_Click(int up_down, int x, int y) {
         histo_blow.dragging = true;
     }
     return Control_Press(up_down) != 0 || inside ? 1 : 0;
+}
+
+void Histo_Blow_Drag_Drop() {
+    if (histo_blow.dragging) {
+        histo_blow.dragging = false;
+        Local_Drag_Clear(Scene_Now());
+    }
 }
 
 int Histo_Blow_Key(int /*key*/, int /*x*/, int /*y*/) {

@@ -49,6 +49,8 @@ extern Histo_Blow_State histo_blow;
 int Histo_Blow_Click(int up_down, int x, int y);
 /** Repaints the window. @return 1; 0 while it has no extent */
 int Histo_Blow_Draw();
+/** Lets the zoom rectangle go without a zoom. */
+void Histo_Blow_Drag_Drop();
 /** Takes no key. @return 0 */
 int Histo_Blow_Key(int key, int x, int y);
 /** Moves the zoom rectangle; the controls follow the pointer. @return 1 */
@@ -70,6 +72,8 @@ int Histo_Blow_Redraw();
 /** Moves the cursor line to the grey level under the image mouse, when it is displayed. */
 void Histo_Blow_Cursor();
 
+/** The pointer has left: no control is lit up any more. */
+void Histo_Blow_Controls_Leave();
 /** Lets the window take input or not, for the time of a dialog; enabled again it comes to the front, as after a dialog
  * of its own. */
 void Histo_Blow_Enable(HWND window, bool enabled);

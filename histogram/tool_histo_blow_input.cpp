@@ -139,20 +139,24 @@ void On_Button_Down(HWND window, LPARAM lparam) {
     }
 }
 
+/** True while the window gives the mouse back itself. */
+bool giving_back = false;
+
 void On_Button_Up(HWND window, LPARAM lparam) {
     if (::GetCapture() == window) {
+        giving_back = true;
         ::ReleaseCapture();
+        giving_back = false;
     }
     const Position at = Mouse_Position(window, lparam);
     Histo_Blow_Click(Held_Buttons(), at.x, at.y);
 }
 
-void On_Mouse_Leave() {
-    histo_blow.reset_button.Deselect();
-    histo_blow.export_button.Deselect();
-    histo_blow.tag_select.Deselect();
-    histo_blow.cursor_select.Deselect();
-    histo_blow.peak_select.Deselect();
+/** Somebody else has taken the mouse: the release will not come here. */
+void On_Capture_Lost() {
+    if (!giving_back) {
+        Histo_Blow_Drag_Drop();
+    }
 }
 
 void On_Wheel(HWND window, WPARAM wparam, LPARAM lparam) {
@@ -217,8 +221,11 @@ bool Pointer_Message(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_LBUTTONUP:
             On_Button_Up(window, lparam);
             return true;
+        case WM_CAPTURECHANGED:
+            On_Capture_Lost();
+            return false;
         case WM_MOUSELEAVE:
-            On_Mouse_Leave();
+            Histo_Blow_Controls_Leave();
             return true;
         case WM_MOUSEWHEEL:
             On_Wheel(window, wparam, lparam);

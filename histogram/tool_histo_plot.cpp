@@ -27,6 +27,12 @@ constexpr std::uint32_t SHADE_OPACITY = 84;    // of 256: a TAG's colour above t
 constexpr std::uint32_t COUNTS_OPACITY = 190;  // of 256: and below them
 constexpr int TRACED_CURVES = 1;               // trace level that shows the curves of the analysis
 constexpr int FONT_HEIGHT = 12;                // pixels, where the box has none
+constexpr int LABEL_HEIGHT_MIN = 10;           // pixels, of a peak's label in a small plot
+constexpr int AXIS_HEIGHT_MIN = 8;             // pixels, of an axis's numbers
+constexpr int AXIS_TICK_ROOM = 11;             // pixels of the left margin that ticks and gaps take
+constexpr int AXIS_EMS_TENTHS = 31;            // a line of the title and four characters beside each other
+constexpr int LABEL_LINES = 16;                // lines of labels that a plot is at least high
+constexpr int LABEL_COLUMNS = 40;              // and wide
 constexpr int FONT_PER_PIXEL = 16;             // lines grow by a pixel with so many of the font's
 /** XOR of the marks: flips the top bit of each component, so that a mark stands out by half the range on any colour. */
 constexpr COLORREF MARK_COLOR = 0x808080;
@@ -88,6 +94,27 @@ Plot_Grid Grid_Of(const Histo_Record& record) {
 
 int Thickness(const Histo_Plot_Scene& scene) {
     return std::max((scene.box.font_scale + FONT_PER_PIXEL / 2) / FONT_PER_PIXEL, 1);
+}
+
+/** Height of the peaks' labels: the box's font where the plot has room for it. */
+int Label_Height(const Histo_Plot_Scene& scene) {
+    const int wanted = scene.box.font_scale > 0 ? scene.box.font_scale : FONT_HEIGHT;
+    const int room = std::min(scene.area.height / LABEL_LINES, scene.area.width / LABEL_COLUMNS);
+    return std::min(wanted, std::max(room, LABEL_HEIGHT_MIN));
+}
+
+/** The plot box as far as the axes may use it: not under the controls, and with a font whose numbers fit beside the
+ * title in the left margin. */
+Boxs Axes_Box(const Histo_Plot_Scene& scene) {
+    Boxs box = scene.box;
+    const Plot_Area uncovered = Plot_Window_Area(scene.box, nullptr, nullptr);
+    const int margin = scene.box.y + scene.box.height - (uncovered.bottom + uncovered.height);
+    const int top = std::min(scene.area.bottom + scene.area.height + margin, scene.box.y + scene.box.height);
+    box.height = static_cast<short>(top - scene.box.y);
+    const int left = scene.area.left - scene.box.x - AXIS_TICK_ROOM;
+    const int wanted = scene.box.font_scale > 0 ? scene.box.font_scale : FONT_HEIGHT;
+    box.font_scale = static_cast<short>(std::min(wanted, std::max(left * 10 / AXIS_EMS_TENTHS, AXIS_HEIGHT_MIN)));
+    return box;
 }
 
 std::uint32_t Ground_Pixel(const Boxs& box) {
@@ -175,12 +202,25 @@ void Draw_Ground(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Colum
 
 // ------------------------------------------------------------------------------------------------------------ picture
 
+/** The plot area in memory. It is kept from one redraw to the next: a zoom by wheel draws many of one size, and new
+ * memory costs as much as the curves. */
+Dib_Picture kept_picture;
+
+Dib_Picture& Picture_Of(HDC like, int width, int height) {
+    if (kept_picture.Width() != width || kept_picture.Height() != height) {
+        kept_picture = Dib_Picture();  // not both at once
+        kept_picture = Dib_Picture(like, width, height);
+    }
+    return kept_picture;
+}
+
 /** Everything inside the plot area, in memory, and then shown at once. */
 void Draw_Area(const Plot_DC& dc, const Tool_Histo& panel, const Histo_Plot_Scene& scene, const Plot_Frame& frame) {
-    const Dib_Picture dib(dc.Get(), frame.width, frame.height);
+    const Dib_Picture& dib = Picture_Of(dc.Get(), frame.width, frame.height);
     if (!dib) {
         return;
     }
+    Dib_Picture::Flush();  // the last redraw's labels and its way to the screen
     Plot_Pixels picture(dib.Pixels(), frame.width, frame.height);
     const Plot_Columns columns(frame, Grid_Of(*panel.data->record));
     const int thickness = Thickness(scene);
@@ -190,10 +230,9 @@ void Draw_Area(const Plot_DC& dc, const Tool_Histo& panel, const Histo_Plot_Scen
     Draw_Curves(picture, panel, columns, thickness);
     Histo_Plot_Window_Curve(picture, peaks, thickness);
     if (!peaks.Labels().empty()) {
-        const Gdi_Font made(scene.box.font == nullptr
-                                ? Y_Create_Font(scene.box.window, scene.box.font_name, scene.box.font_weight,
-                                                scene.box.font_scale > 0 ? scene.box.font_scale : FONT_HEIGHT)
-                                : nullptr);
+        const Gdi_Font made(scene.box.font == nullptr ? Y_Create_Font(scene.box.window, scene.box.font_name,
+                                                                      scene.box.font_weight, Label_Height(scene))
+                                                      : nullptr);
         const Selected_Object font(dib.Get_DC(), made ? made.Get() : scene.box.font);
         Histo_Plot_Peak_Label(dib.Get_DC(), picture, peaks, Ground_Pixel(scene.box), Text_Pixel(scene.box));
     }
@@ -286,8 +325,9 @@ int Histo_Plot_Draw(const Tool_Histo& panel, const Histo_Plot_Scene& scene) {
         return 1;
     }
     const Plot_Area area{scene.area.left, scene.area.bottom, scene.area.width, scene.area.height};
-    Plot_Window_Axes_X(dc.Get(), scene.box, area, panel.x_label, scene.x.start, scene.x.end);
-    Plot_Window_Axes_Y(dc.Get(), scene.box, area, panel.y_label, scene.y.start, scene.y.end);
+    const Boxs box = Axes_Box(scene);
+    Plot_Window_Axes_X(dc.Get(), box, area, panel.x_label, scene.x.start, scene.x.end);
+    Plot_Window_Axes_Y(dc.Get(), box, area, panel.y_label, scene.y.start, scene.y.end);
     dc.Device_Units();
     try {
         Draw_Area(dc, panel, scene, frame);
@@ -295,6 +335,10 @@ int Histo_Plot_Draw(const Tool_Histo& panel, const Histo_Plot_Scene& scene) {
         Error_Fct(hwnd, MESSAGE_MEMORY, HISTO_MESSAGE_NEW, __LINE__, TOOL_HISTO_SOURCE);
     }
     return 1;
+}
+
+void Histo_Plot_Picture_Free() {
+    kept_picture = Dib_Picture();
 }
 
 int Histo_Plot_Cursor(Tool_Histo& panel, const Histo_Plot_Scene& scene) {

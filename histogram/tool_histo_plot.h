@@ -22,6 +22,8 @@ struct Histo_Plot_Scene {
 /** Paints everything but the controls and the cursor into the device context of the box's window (or its buffer).
  *  @return 0 without counts, else 1 */
 int Histo_Plot_Draw(const Tool_Histo& panel, const Histo_Plot_Scene& scene);
+/** Gives back the memory that redraws share: the window has closed. */
+void Histo_Plot_Picture_Free();
 /** Moves the cursor line (XOR) to the grey level under the image mouse. @return 0 when there is nothing to mark */
 int Histo_Plot_Cursor(Tool_Histo& panel, const Histo_Plot_Scene& scene);
 /** The picture was painted anew: no cursor line and no zoom rectangle is on it. */

@@ -77,6 +77,15 @@ TEST(Blow_Layout, a_narrow_window_has_more_rows) {
     EXPECT_EQ(layout.select[0].width, 298 - 8);
 }
 
+TEST(Blow_Layout, the_smallest_window_keeps_rows_for_data_at_every_scaling) {
+    for (const int percent : {100, 150, 200}) {
+        const Blow_Layout layout = Blow_Layout_Make(Metrics(300, 200, percent, 3));
+        EXPECT_GE(Data_Height(layout), 16) << percent;
+        EXPECT_GE(layout.select[0].height, layout.select_font + 4) << percent;
+        EXPECT_EQ(layout.reset_button.height, 30 * percent / 100);
+    }
+}
+
 TEST(Blow_Layout, a_client_area_without_extent_leaves_nothing_negative) {
     for (const int size : {0, 1, 2, 5, 20}) {
         const Blow_Layout layout = Blow_Layout_Make(Metrics(size, size, 200, 3));

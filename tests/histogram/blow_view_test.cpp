@@ -111,6 +111,50 @@ TEST(Blow_View, The_Wheel_Never_Widens_Beyond_The_Full_View) {
     EXPECT_FLOAT_EQ(view.Visible_X().end, view.Full_X().end);
 }
 
+TEST(Blow_View, A_Zoom_That_Single_Precision_Cannot_Tell_Apart_Is_Refused) {
+    Blow_View view = View_Of(Record_Of(1001, 5000.0F, 0.01F, 1000));
+    const auto shows = [&view] {
+        return view.Visible_X().start < view.Visible_X().end && view.Visible_Y().start < view.Visible_Y().end;
+    };
+    while (view.Zoom_Rectangle({300, 310, 100, 110})) {
+        ASSERT_TRUE(shows());
+    }
+    ASSERT_TRUE(shows());
+    for (int i = 0; i < 400; ++i) {
+        view.Zoom_Wheel(-5, 400, 200);
+        ASSERT_TRUE(shows());
+        view.Zoom_Pinch({1.1F, 1.1F, 1.0F, 1.0F});
+        ASSERT_TRUE(shows());
+    }
+    EXPECT_LT(view.Visible_X().end - view.Visible_X().start, 0.01F) << "as deep as there are numbers";
+}
+
+TEST(Blow_View, A_Zoom_Goes_On_From_What_Is_Shown_Where_The_Full_View_Cuts_It_Off) {
+    // Zoomed to the right half; then the area grows, and the view reaches past the full end.
+    for (const int how : {0, 1}) {
+        Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
+        ASSERT_TRUE(view.Zoom_Rectangle({AREA.left + 350, AREA.left + 700, AREA.bottom, AREA.bottom + 300}));
+        Blow_Area area = AREA;
+        area.width *= 2;
+        view.Full_View_Set(Record_Of(1001, 0.0F, 1.0F, 1000), area);
+        const Blow_Range shown = view.Visible_X();
+        ASSERT_FLOAT_EQ(shown.end, view.Full_X().end);
+        const float extent = shown.end - shown.start;
+        const float pointer = shown.start + extent * 0.25F;
+        const int x = area.left + area.width / 4;
+        if (how == 0) {
+            view.Zoom_Wheel(-1, x, 100);
+            const Blow_Range now = view.Visible_X();
+            EXPECT_NEAR(now.start + (now.end - now.start) * 0.25F, pointer, 0.01F);
+            EXPECT_NEAR(now.end - now.start, 0.9F * extent, 0.01F);
+        } else {
+            ASSERT_TRUE(view.Zoom_Rectangle({x, x + area.width / 2, 100, 200}));
+            EXPECT_NEAR(view.Visible_X().start, pointer, 0.01F);
+            EXPECT_NEAR(view.Visible_X().end, pointer + extent / 2, 0.01F);
+        }
+    }
+}
+
 TEST(Blow_View, A_Pinch_Outside_Its_Limits_Is_Ignored) {
     Blow_View view = Zoomed_View();
     const float scale = view.Scale_X();

@@ -1,8 +1,8 @@
-// The enlarged window by its messages: zoom, pan, selectors, life. Pens, fingers and export have their own files.
+// The enlarged window by its messages: zoom, pan, selectors, life. Pens, fingers, export and the long random session
+// have their own files.
 #include "histogram/tool_histo_blow.h"
 
 #include <cmath>
-#include <random>
 
 #include "tests/histogram/blow_stage.h"
 
@@ -257,6 +257,20 @@ TEST_F(Blow_Window, the_corners_follow_only_inside_the_plot_box) {
     EXPECT_EQ(::GetCapture(), nullptr);
 }
 
+TEST_F(Blow_Window, a_drag_that_loses_the_mouse_is_dropped) {
+    Open();
+    const auto picture = [] { return Stage_Window_Read(Window(), CLIENT_WIDTH, CLIENT_HEIGHT); };
+    const auto before = picture();
+    Press(200, 100);
+    Move(400, 200);
+    ::SetCapture(stage.Window());
+    EXPECT_FALSE(histo_blow.dragging);
+    EXPECT_EQ(picture(), before) << "erased";
+    ::ReleaseCapture();
+    Release(400, 200);
+    EXPECT_FALSE(histo_blow.view.Is_Zoomed());
+}
+
 TEST_F(Blow_Window, a_press_outside_the_plot_box_begins_no_drag) {
     Open();
     Press(0, 100);
@@ -449,8 +463,7 @@ TEST_F(Blow_Window, a_panel_without_data_leaves_an_empty_plot) {
     Send(WM_CLOSE);
 }
 
-// -------------------------------------------------------------------------------------------------------------
-// messages
+// ----------------------------------------------------------------------------------------------------------- messages
 
 TEST_F(Blow_Window, new_data_redraws_and_one_redraw_serves_all_that_wait) {
     Open();
@@ -543,6 +556,22 @@ TEST_F(Blow_Window, controls_light_up_under_the_pointer_and_go_out_when_it_leave
     EXPECT_EQ(reset.state, 0);
 }
 
+TEST_F(Blow_Window, no_control_is_still_lit_up_when_the_window_opens_again) {
+    Open();
+    const auto picture = [] { return Stage_Window_Read(Window(), CLIENT_WIDTH, CLIENT_HEIGHT); };
+    const auto fresh = picture();
+    const Selects& select = histo_blow.tag_select;
+    Move(select.x + select.width - 3, select.y + 3);
+    EXPECT_NE(picture(), fresh);
+    Send(WM_CLOSE);
+    Open();
+    EXPECT_EQ(picture(), fresh);
+    Move(histo_blow.reset_button.x + 3, histo_blow.reset_button.y + 3);
+    Send(WM_CLOSE);
+    Open();
+    EXPECT_EQ(picture(), fresh);
+}
+
 TEST_F(Blow_Window, a_minimised_window_keeps_its_layout) {
     Open();
     Zoom_Middle();
@@ -575,139 +604,4 @@ TEST_F(Blow_Window, every_pixel_is_painted_and_the_rim_keeps_the_class_colour) {
     EXPECT_EQ(unpainted, 0);
     EXPECT_EQ(pixels[0], 0xAAAAAAU);
     EXPECT_EQ(pixels[static_cast<std::size_t>(CLIENT_WIDTH) * CLIENT_HEIGHT - 1], 0xAAAAAAU);
-}
-
-// -------------------------------------------------------------------------------------------------------------- storm
-
-namespace {
-
-/** An origin is where the clamp leaves it: at or above the lowest, and not past the end unless the view is wider. */
-void Expect_Origin_In_Limits(float origin, const Blow_Range& full, float extent) {
-    const float slack = 1e-3F * (std::abs(full.end) + std::abs(full.start) + 1.0F);
-    EXPECT_GE(origin, std::min(full.start, full.end - extent) - slack);
-    EXPECT_LE(origin, std::max(full.start, full.end - extent) + slack);
-}
-
-void Expect_View_Sound() {
-    const Blow_View& view = histo_blow.view;
-    EXPECT_TRUE(std::isfinite(view.Origin_X()) && std::isfinite(view.Origin_Y()));
-    EXPECT_GT(view.Scale_X(), 0.0F);
-    EXPECT_GT(view.Scale_Y(), 0.0F);
-}
-
-}  // namespace
-
-TEST_F(Blow_Window, twenty_thousand_random_events_keep_every_invariant) {
-    constexpr int event_nb = 20000;
-    Open();
-    std::mt19937 random(20261121);
-    const auto pick = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); };
-    Send(DATA);
-    for (int event = 0; event < event_nb && !HasFailure(); ++event) {
-        const int action = pick(0, 11);
-        if (action < 2) {
-            Histo_Blow_Draw();  // news that wait would move the view between the two looks at it
-        }
-        const Blow_Area area = histo_blow.area;
-        const int x = pick(-5, histo_blow.width + 5);
-        const int y = pick(-5, histo_blow.height + 5);
-        // Presses stay below the controls: a selector's field would open its list and wait for somebody.
-        int press_y = y;
-        for (const Selects* select : {&histo_blow.tag_select, &histo_blow.cursor_select, &histo_blow.peak_select}) {
-            press_y = std::min(press_y, select->y - 1);
-        }
-        Blow_View& view = histo_blow.view;
-        switch (action) {
-            case 0:
-            case 1: {
-                const bool over = x >= 1 && y >= 1 && x < histo_blow.width - 1 && y < histo_blow.height - 1;
-                const float level = Level_At(x);
-                const float extent = static_cast<float>(area.width) * view.Scale_X();
-                const float origin = view.Origin_X();
-                const int delta = pick(0, 1) == 0 ? 120 : -120;
-                const bool turned = std::abs(histo_blow.wheel.Remainder() + delta) >= 120;
-                Wheel(delta, x, y);
-                if (turned && over && panel->data->Has_Counts() && !area.Is_Empty()) {
-                    const float now = static_cast<float>(area.width) * view.Scale_X();
-                    Expect_Origin_In_Limits(view.Origin_X(), view.Full_X(), now);
-                    Expect_Origin_In_Limits(view.Origin_Y(), view.Full_Y(),
-                                            static_cast<float>(area.height) * view.Scale_Y());
-                    EXPECT_LE(view.Scale_X(), std::max(view.Scale_X_Max(), extent / static_cast<float>(area.width)));
-                    // Where no clamp acted, the level under the pointer stays.
-                    const bool clamped = view.Origin_X() == view.Full_X().start ||
-                                         std::abs(view.Origin_X() - (view.Full_X().end - now)) < 1e-3F * now ||
-                                         origin < view.Full_X().start || origin > view.Full_X().end - extent;
-                    if (!clamped && x >= area.left && x <= area.left + area.width) {
-                        EXPECT_NEAR(Level_At(x), level, 1e-3F * extent + 1e-4F * std::abs(level));
-                    }
-                }
-                break;
-            }
-            case 2:
-                Wheel(pick(-500, 500), x, y);
-                break;
-            case 3:
-                Drag(x, press_y, pick(0, histo_blow.width), pick(0, histo_blow.height));
-                break;
-            case 4: {
-                const float f = static_cast<float>(pick(80, 115)) / 100.0F;
-                Histo_Blow_Pinch({f, f, static_cast<float>(pick(-50, 50)), static_cast<float>(pick(-50, 50))});
-                break;
-            }
-            case 5:
-                if (pick(0, 9) == 0) {
-                    Client_Size_Set(pick(120, 900), pick(60, 500));
-                }
-                break;
-            case 6: {
-                if (pick(0, 4) == 0) {
-                    std::vector<std::uint32_t> counts;
-                    const int nb = pick(2, 300);  // one bin has no extent in x
-
-                    for (int bin = 0; bin < nb; ++bin) {
-                        counts.push_back(static_cast<std::uint32_t>(pick(0, 5000)));
-                    }
-                    counts.back() = 17;  // some count: an empty direction has no scale
-                    Histo_Record_Give(*panel, {static_cast<float>(pick(-1000, 1000)), static_cast<float>(pick(1, 9))},
-                                      counts);
-                } else if (pick(0, 9) == 0) {
-                    panel->data->Record_Empty();
-                }
-                ::PostMessageA(Window(), DATA, 0, 0);
-                break;
-            }
-            case 7:
-                Peaks_Give(*panel, pick(0, 1) == 0 ? PEAK_GAUSS : PEAK_SEGMENT, pick(0, 3));
-                break;
-            case 8:
-                Click_On(histo_blow.reset_button);
-                EXPECT_FALSE(view.Is_Zoomed());
-                break;
-            case 9:
-                if (histo_blow.tag_select.arrow > 0) {
-                    Next_On(histo_blow.tag_select);
-                    Previous_On(histo_blow.cursor_select);
-                }
-                break;
-            case 10:
-                Press(x, press_y);
-                if (pick(0, 1) == 0) {
-                    held |= MOUSE_RIGHT;
-                }
-                Move(pick(0, histo_blow.width), pick(0, histo_blow.height));
-                held &= ~MOUSE_RIGHT;
-                Release(x, press_y);
-                break;
-            default:
-                Settle();
-                break;
-        }
-        ASSERT_NE(Window(), nullptr);
-        Expect_View_Sound();
-        EXPECT_FALSE(histo_blow.dragging) << "event " << event;
-        EXPECT_EQ(Y_DC, nullptr) << "every drawing has ended";
-        stage.Take_Messages();
-    }
-    Settle();
-    EXPECT_EQ(::FindWindowExA(nullptr, Window(), "Histogram", nullptr), nullptr) << "one window";
 }

@@ -100,6 +100,21 @@ TEST(Peak_Labels_Test, SixtyPeaksSideBySideAreAllNamed) {
     Expect_Legible(requests, places, 1800, 900);
 }
 
+TEST(Peak_Labels_Test, InASmallPlotTheHighestPeaksAreNamedAndTheCurvesStayVisible) {
+    constexpr int width = 240;
+    constexpr int height = 100;
+    Requests requests;
+    for (int peak = 0; peak < 60; ++peak) {
+        requests.push_back({4 * peak + 2, 10 + peak, 25, 11});
+    }
+    const auto places = Peak_Labels_Place(requests, width, height);
+    EXPECT_GT(Shown_Nb(places), 5);
+    EXPECT_LE(Shown_Nb(places) * 25 * 11, width * height / 4);
+    EXPECT_TRUE(places[59].shown);
+    EXPECT_FALSE(places[0].shown);
+    Expect_Legible(requests, places, width, height);
+}
+
 TEST(Peak_Labels_Test, RandomCrowdsStayLegible) {
     std::mt19937 random(3);
     const auto pick = [&](int least, int most) { return std::uniform_int_distribution<int>(least, most)(random); };

@@ -10,20 +10,24 @@ namespace {
 constexpr int WIDTH = 37;  // not a multiple of the columns that are worked on together
 constexpr int HEIGHT = 9;
 
+/** A picture between rows that nobody may touch. */
 struct Canvas {
-    std::vector<std::uint32_t> pixels = std::vector<std::uint32_t>(WIDTH * HEIGHT + 1, 0);
-    Plot_Pixels picture{pixels.data(), WIDTH, HEIGHT};
-    Canvas() { pixels.back() = 0xDEAD; }
-    ~Canvas() { EXPECT_EQ(pixels.back(), 0xDEADU) << "written beyond the picture"; }
+    static constexpr std::size_t PIXEL_NB = WIDTH * HEIGHT;
+    static constexpr std::size_t GUARD_NB = PIXEL_NB;
+    static constexpr std::uint32_t GUARD = 0xDEADBEEF;
+    std::vector<std::uint32_t> memory = std::vector<std::uint32_t>(PIXEL_NB + 2 * GUARD_NB, GUARD);
+    std::uint32_t* pixels = memory.data() + GUARD_NB;
+    Plot_Pixels picture{pixels, WIDTH, HEIGHT};
+    Canvas() { std::fill(pixels, pixels + PIXEL_NB, 0U); }
+    ~Canvas() {
+        for (std::size_t i = 0; i < GUARD_NB; ++i) {
+            EXPECT_EQ(memory[i], GUARD) << "written above the picture";
+            EXPECT_EQ(memory[GUARD_NB + PIXEL_NB + i], GUARD) << "written below the picture";
+        }
+    }
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
-    int Count(std::uint32_t pixel) const {
-        int nb = 0;
-        for (int i = 0; i < WIDTH * HEIGHT; ++i) {
-            nb += pixels[static_cast<std::size_t>(i)] == pixel ? 1 : 0;
-        }
-        return nb;
-    }
+    int Count(std::uint32_t pixel) const { return static_cast<int>(std::count(pixels, pixels + PIXEL_NB, pixel)); }
 };
 
 }  // namespace
@@ -47,7 +51,7 @@ TEST(Plot_Pixels_Test, RowsCountFromTheBottom) {
     canvas.picture.Line_Draw(spans, 0xFF, 1);
     EXPECT_EQ(canvas.Count(0xFF), 3);
     for (int row = 2; row <= 4; ++row) {
-        EXPECT_EQ(canvas.pixels[static_cast<std::size_t>((HEIGHT - 1 - row) * WIDTH + 5)], 0xFFU);
+        EXPECT_EQ(canvas.pixels[(HEIGHT - 1 - row) * WIDTH + 5], 0xFFU);
         EXPECT_EQ(canvas.picture.At(5, row), 0xFFU);
     }
 }
@@ -66,12 +70,12 @@ TEST(Plot_Pixels_Test, SpansAreClippedToThePicture) {
 TEST(Plot_Pixels_Test, SpansMixAsSinglePixelsDo) {
     Canvas canvas;
     std::vector<std::uint32_t> before;
-    for (std::size_t i = 0; i + 1 < canvas.pixels.size(); ++i) {
+    for (std::size_t i = 0; i < Canvas::PIXEL_NB; ++i) {
         canvas.pixels[i] = static_cast<std::uint32_t>(i * 0x9E3779B1U) & 0xFFFFFF;
         before.push_back(canvas.pixels[i]);
     }
     for (const std::uint32_t opacity : {0U, 1U, 90U, 255U, OPACITY_FULL}) {
-        std::copy(before.begin(), before.end(), canvas.pixels.begin());
+        std::copy(before.begin(), before.end(), canvas.pixels);
         canvas.picture.Spans_Blend(Column_Spans(WIDTH, {0, HEIGHT - 1}), 0xFA8C01, opacity);
         for (std::size_t i = 0; i < before.size(); ++i) {
             ASSERT_EQ(canvas.pixels[i] & 0xFFFFFF, Pixel_Blend(before[i], 0xFA8C01, opacity)) << opacity;

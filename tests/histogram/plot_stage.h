@@ -32,7 +32,10 @@ class Plot_Stage {
         const Plot_Area area = Plot_Window_Area(scene.box, panel.x_label, panel.y_label, look.top_reserved);
         scene.area = {area.left, area.bottom, area.width, area.height};
     }
-    ~Plot_Stage() { Histo_Plot_Marks_Forget(); }
+    ~Plot_Stage() {
+        Histo_Plot_Marks_Forget();
+        Histo_Plot_Picture_Free();
+    }
     Plot_Stage(const Plot_Stage&) = delete;
     Plot_Stage& operator=(const Plot_Stage&) = delete;
 

@@ -94,6 +94,28 @@ TEST(Fit_Derivative, Too_Many_Hills_Warn_With_Their_Number_And_Stay) {
     EXPECT_EQ(test.Texts(11).front(), "loop:000 nb peak:20");
 }
 
+TEST(Fit_Derivative, Of_More_Than_A_Hundred_Maxima_The_Lowest_Hundred_Become_Segments) {
+    std::vector<int> centres;
+    for (int k = 0; k < 130; ++k) {
+        centres.push_back(250 + 500 * k);
+    }
+    for (const std::uint8_t wanted : {std::uint8_t{60}, std::uint8_t{120}}) {
+        Analysis_Panel test(Hills(65400, centres, 100000.0, 5.0));
+        EXPECT_EQ(test.panel.Fit_Derivative(wanted), 1);
+        EXPECT_EQ(test.Texts(11).front(), "loop:000 nb peak:130");
+        const auto peaks = test.Peaks();
+        ASSERT_EQ(peaks.size(), 100U);
+        EXPECT_NEAR((*peaks.front()->param)[PEAK_CENTRE], 250.0, 2.0);
+        EXPECT_NEAR((*peaks.back()->param)[PEAK_CENTRE], 250.0 + 500.0 * 99, 2.0);
+        EXPECT_EQ((*peaks.back()->param)[SEGMENT_LAST], 65399.0);
+        // The warning compares the segments, of which there are never more than a hundred.
+        EXPECT_EQ(test.Has(MESSAGE_WARNING,
+                           "\xF1\x05WARNING:\x02 Unable to find less than \x01"
+                           "100\x02 peaks"),
+                  wanted < 100);
+    }
+}
+
 TEST(Fit_Derivative, Replaces_The_Result_Before_It) {
     Analysis_Panel test(Hills(400, {100, 290}, 3000.0, 22.0));
     test.panel.Fit_Derivative(2);

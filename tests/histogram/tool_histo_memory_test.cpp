@@ -11,6 +11,7 @@
 #include "kits/common/messages.h"
 #include "tests/histogram/histo_scene.h"
 #include "tests/kits/common/failing_memory.h"
+#include "tests/support/import_hook.h"
 
 namespace {
 
@@ -266,6 +267,43 @@ TEST_F(Histo_Memory, a_fit_goes_on_without_what_it_cannot_have) {
     EXPECT_EQ(record_reports, 8) << "record and three vectors of two candidates";
     EXPECT_EQ(curve_reports, 2);
     EXPECT_GE(warnings, 1);
+}
+
+TEST_F(Histo_Memory, a_fit_without_memory_for_its_matrices_warns_and_keeps_its_peaks) {
+    // 12,000 bins: matrices of the size whose blocks are kept from one step to the next.
+    for (const int bins : {200, 12000}) {
+        SCOPED_TRACE(bins);
+        int complete = 0;
+        int warned = 0;
+        int records_missing = 0;
+        const auto fit = [&] {
+            Tool_Histo panel;
+            Histo_Record_Give(panel, {}, Two_Hills(bins));
+            last_zero = 0;
+            reports.Take();
+            EXPECT_EQ(panel.Fit_Gaussian(), 1);
+            const std::vector<std::string> said = reports.Take();
+            Expect_List(panel);
+            ASSERT_LE(said.size(), 1U);
+            if (said.empty()) {
+                ++complete;
+                EXPECT_GT(panel.data->peak_nb, 0);
+            } else if (said[0] == "2 \xF1\x05WARNING:\x02 Gauss_Newton invalid matrix") {
+                ++warned;
+                EXPECT_GT(panel.data->peak_nb, 0);
+                EXPECT_NE(panel.data->peak_first->curve, nullptr) << "curves are sampled after the warning too";
+            } else {
+                ++records_missing;
+                EXPECT_THAT(said[0], Memory_Report(69, "tool_histo_gauss_newton.cpp", "new"));
+            }
+        };
+        const int failed = Fail_Each_Import_Allocation("Kit_Common.dll", fit);
+        EXPECT_GE(failed, 20);
+        EXPECT_GE(warned, 10) << complete << " complete, " << records_missing << " without a record";
+        EXPECT_GE(records_missing, 6);
+        EXPECT_GE(complete, 1);
+        EXPECT_EQ(complete + warned + records_missing, failed + 1);
+    }
 }
 
 TEST_F(Histo_Memory, a_curve_of_a_peak_that_cannot_be_made_is_reported) {

@@ -9,7 +9,6 @@
 #include "histogram/histo_colors.h"
 #include "histogram/plot_pixels.h"
 #include "tests/histogram/plot_stage.h"
-#include "tests/support/gdi_recorder.h"
 #include "tests/support/import_hook.h"
 
 namespace {
@@ -523,6 +522,37 @@ TEST(Tool_Histo_Plot_Test, LinesGrowWithTheFont) {
     EXPECT_EQ(widths, (std::vector<std::size_t>{1, 1, 2, 3}));
 }
 
+TEST(Tool_Histo_Plot_Test, AxesStayOutOfTheRowsOfTheControls) {
+    constexpr int reserved = 105;
+    Plot_Stage plot({300, 200, 20, reserved});
+    plot.Counts_Give({}, Noise(200, 4));
+    plot.Draw();
+    const std::vector<std::uint32_t> pixels = plot.Read();
+    const std::uint32_t ground = pixels[plot.stage.Index(10, 190)];
+    int drawn = 0;
+    for (int y = 200 - 1 - reserved; y < 200 - 4; ++y) {
+        for (int x = 4; x < 300 - 4; ++x) {
+            drawn += pixels[plot.stage.Index(x, y)] != ground ? 1 : 0;
+        }
+    }
+    EXPECT_EQ(drawn, 0);
+}
+
+TEST(Tool_Histo_Plot_Test, LargeFontsLeaveSeveralNumbersOnTheAxes) {
+    for (const short font : std::initializer_list<short>{13, 20, 26}) {
+        Plot_Stage plot({800, 400, font, 80});
+        plot.Counts_Give({}, std::vector<std::uint32_t>(500, 1000));
+        plot.Draw();
+        const std::vector<std::uint32_t> pixels = plot.Read();
+        constexpr int beside_the_axis = -3;
+        int ticks = 0;
+        for (int row = 0; row < plot.scene.area.height; ++row) {
+            ticks += pixels[plot.At(beside_the_axis, row)] != pixels[plot.At(beside_the_axis, -1)] ? 1 : 0;
+        }
+        EXPECT_GE(ticks, 4) << font;
+    }
+}
+
 TEST(Tool_Histo_Plot_Test, NothingToPlotOnIsNoHarm) {
     Plot_Stage plot;
     plot.Counts_Give({}, Flat(200, 100));
@@ -569,16 +599,25 @@ TEST(Tool_Histo_Plot_Test, EveryDeviceObjectIsGivenBack) {
     plot.scene.tag = true;
     plot.scene.peak = HISTO_PEAK_INDIVIDUAL;
     Scene_Object& frame = plot.host.Add_Frame();
-    const Gdi_Recorder recorder("");
+    Import_Counter counter("", "gdi32.dll");
+    std::uint64_t fonts = 0;  // made by Kit_Widgets, deleted here
     for (int level = 10; level < 150; level += 20) {
         plot.host.Mouse_Over(frame, level);
         plot.Draw();
+        ++fonts;
         Histo_Plot_Cursor(plot.panel, plot.scene);
         Local_Drag_Draw(plot.scene, {100, 100 + level, 90, 200});
         Local_Drag_Clear(plot.scene);
     }
-    EXPECT_EQ(Gdi_Recorder::Unbalanced(), "");
-    EXPECT_GT(Gdi_Recorder::Watched_Nb(), 100);
+    EXPECT_EQ(counter.Calls("CreateDIBSection"), 1U) << "redraws of one size share their memory";
+    Histo_Plot_Picture_Free();
+    const auto calls = [&](const char* function) { return counter.Calls(function); };
+    EXPECT_EQ(calls("CreateSolidBrush") + calls("CreateDIBSection") + calls("CreatePen") + fonts, calls("DeleteObject"))
+        << counter.Text();
+    EXPECT_EQ(calls("CreateCompatibleDC"), calls("DeleteDC"));
+    EXPECT_EQ(calls("SaveDC"), calls("RestoreDC"));
+    EXPECT_GT(calls("CreateSolidBrush"), 20U);
+    EXPECT_GT(calls("SaveDC"), 20U);
 }
 
 TEST(Tool_Histo_Plot_Test, TheNumberOfCallsDoesNotGrowWithTheBins) {

@@ -1,0 +1,119 @@
+#include "histogram/peak_fit_system.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+#include "histogram/tool_histo.h"
+#include "histogram/tool_histo_peak.h"
+
+namespace {
+
+constexpr int BIN_NB = 600;
+
+/** A list of Gaussians of several widths, two of them cut by the ends. */
+class Peak_List {
+  public:
+    Peak_List() {
+        histo.filtered = new double[BIN_NB];
+        histo.curve_nb = BIN_NB;
+        peak_width_max = BIN_NB / 5.0F;
+        peak_centre_tol = 1.25F;
+        for (int bin = 0; bin < BIN_NB; ++bin) {
+            histo.filtered[bin] = 1000.0 + 400.0 * std::sin(bin / 9.0);
+        }
+        Histo_Peak* tail = nullptr;
+        for (const auto& [bin, width] : {std::pair{3, 2.0F}, {40, 1.0F}, {200, 7.5F}, {330, 30.0F}, {595, 12.0F}}) {
+            Histo_Peak* peak = Peak_Gauss_Add(histo, tail, bin, 1.0F, width);
+            (*peak->param)[PEAK_CENTRE] += 0.37;
+        }
+    }
+
+    Histo_Data histo;
+};
+
+std::vector<double> Curve(int bins) {
+    std::vector<double> curve;
+    for (int bin = 0; bin < bins; ++bin) {
+        curve.push_back(700.0 + 300.0 * std::cos(bin / 11.0));
+    }
+    return curve;
+}
+
+}  // namespace
+
+TEST(Fit_System, Agrees_With_One_Call_Per_Value) {
+    const Peak_List list;
+    const std::vector<double> data = Curve(BIN_NB);
+    const Fit_System system = Fit_System_Make(list.histo.peak_first, data);
+    ASSERT_TRUE(system.is_complete);
+    double squares = 0.0;
+    for (int bin = 0; bin < BIN_NB; ++bin) {
+        double residual = data[static_cast<std::size_t>(bin)];
+        int column = 0;
+        for (const Histo_Peak* peak = list.histo.peak_first; peak != nullptr; peak = peak->next) {
+            residual -= Peak_Value(peak->type, bin, *peak->param);
+            for (std::uint8_t k = 0; k < 3; ++k, ++column) {
+                const double slope = Peak_Deriv(peak->type, k, bin, *peak->param);
+                const double ours = system.jacobian[bin][column];
+                ASSERT_NEAR(ours, slope, 1e-8 * std::abs(slope)) << bin << " " << column;
+                ASSERT_EQ(ours == 0.0, slope == 0.0) << bin << " " << column;  // the same cut-off
+                ASSERT_EQ(system.parameters[column], (*peak->param)[k]);
+            }
+        }
+        ASSERT_NEAR(system.residual[bin], residual, 1e-6);
+        squares += residual * residual;
+    }
+    EXPECT_NEAR(system.squared_error, squares, 1e-9 * squares);
+}
+
+TEST(Fit_System, Other_Shapes_Are_Asked_For_Every_Bin) {
+    Peak_List list;
+    const std::vector<double> data = Curve(BIN_NB);
+    for (const std::uint8_t type : {PEAK_LORENTZ, PEAK_MIXED}) {
+        Histo_Peak* peak = list.histo.peak_first->next->next;
+        peak->type = type;
+        const Fit_System system = Fit_System_Make(list.histo.peak_first, data);
+        for (int bin = 0; bin < BIN_NB; ++bin) {
+            for (std::uint8_t k = 0; k < 3; ++k) {
+                ASSERT_EQ(system.jacobian[bin][6 + k], Peak_Deriv(type, k, bin, *peak->param));
+            }
+        }
+    }
+}
+
+TEST(Fit_System, Without_Peaks_The_Error_Is_That_Of_The_Data) {
+    const std::vector<double> data = {3.0, -4.0, 12.0};
+    Fit_System system = Fit_System_Make(nullptr, data);
+    EXPECT_TRUE(system.is_complete);
+    EXPECT_EQ(system.squared_error, 169.0);
+    EXPECT_EQ(system.parameters.Size(), 0u);
+    EXPECT_EQ(system.jacobian.Columns(), 0u);
+}
+
+TEST(Fit_System, Without_Bins_It_Is_Empty) {
+    const Peak_List list;
+    const Fit_System system = Fit_System_Make(list.histo.peak_first, {});
+    EXPECT_EQ(system.squared_error, 0.0);
+    EXPECT_EQ(system.parameters.Size(), 15u);
+}
+
+TEST(Fit_System, Fits_Of_All_Sizes_End_And_Leave_Their_Curves) {
+    for (const int bins : {1, 2, 21, 64, 1000, 4096}) {
+        Histo_Data histo;
+        const std::vector<double> counts = Curve(bins);
+        for (int round = 0; round < 2; ++round) {
+            Peak_Fit_Prepare(histo, bins, counts.data());
+            EXPECT_EQ(histo.curve_nb, bins);
+            int nb = 0;
+            for (const Histo_Peak* peak = histo.peak_first; peak != nullptr; peak = peak->next, ++nb) {
+                ASSERT_EQ(peak->nb_pts, bins);
+                for (int bin = 0; bin < bins; ++bin) {
+                    ASSERT_EQ(peak->curve[bin], static_cast<float>(Peak_Value(peak->type, bin, *peak->param)));
+                }
+            }
+            EXPECT_EQ(histo.peak_nb, nb);
+        }
+    }
+}
