@@ -1,4 +1,5 @@
-/** The rows of a database tree: a flat array in depth-first order. Level, parent index and subtree size carry the
+/** @file
+ *  The rows of a database tree: a flat array in depth-first order. Level, parent index and subtree size carry the
  *  structure. The panel owns the array; views fill it, the drawing and editing operations walk it.
  */
 #pragma once
@@ -48,12 +49,12 @@ struct DB_List {
     char** column_value;          ///< owned with its texts
 };
 
-inline constexpr char DB_ICON_DEFAULT[] = "icon folder.tga";
+inline constexpr char DB_ICON_DEFAULT[] = "icon folder.tga";  ///< of rows whose object names no icon
 
 /** Where a memory error happened, for its message. */
 struct DB_Source {
-    const char* path;
-    int line;
+    const char* path;  ///< of the source file, static
+    int line;          ///< in it, from 1
 };
 
 /** Grows the array by one cleared record and counts it. The array moves at counts of 0 and of powers of two only, so
@@ -61,7 +62,8 @@ struct DB_Source {
  *  @return the new record; null after a failure: reported, all rows freed, `*list_pt` null and `*nb` as it was */
 KIT_PANELS_API DB_List* DB_List_Append(int* nb, DB_List** list_pt, const DB_Source& source);
 /** A copy of the host's text into `*field` (null for a null or empty text).
- *  @param field_name "title" or "name", for the message. @return false: no memory, reported; the records stay */
+ *  @param field not freed before; @param text copied as it is; @param field_name "title" or "name", for the message;
+ * @param source where the caller stands. @return false: no memory, reported; the records stay */
 KIT_PANELS_API bool DB_List_Text_Copy(char** field, const char* text, const char* field_name, const DB_Source& source);
 /** Frees what every record owns, then the array; both variables end empty. With a null array or a count of 0 only the
  *  count is reset. */

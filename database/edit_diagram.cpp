@@ -81,10 +81,10 @@ bool Edit_Walk::Is_First_Child(int of) const {
     return of > 0 && list[of].parent == static_cast<std::uint16_t>(of - 1) && list[of].level > list[of - 1].level;
 }
 
-/** The first record always is: it names itself as its parent, collapsed or not. */
+/** The walk begins with the first record without asking: that one names itself as its parent, collapsed or not. */
 bool Edit_Walk::Is_Shown(int of) const {
     const int parent = list[of].parent;
-    return of == 0 || Is_First_Child(of) || parent >= nb || (list[parent].flag & DB_FLAG_EXPANDED) != 0;
+    return Is_First_Child(of) || parent >= nb || (list[parent].flag & DB_FLAG_EXPANDED) != 0;
 }
 
 void Edit_Walk::Next() {
@@ -134,7 +134,7 @@ DB_Tree_Point Edit_Zone_Point(const DB_List& node, Edit_Zone zone) {
     return On_Middle(node.level, node.row, Zone_X(zone));
 }
 
-int Edit_Lines::Of(const Edit_Walk& walk, Edit_Line (&line)[LINE_MAX]) {
+int Edit_Lines::Of(const Edit_Walk& walk, Edit_Line (&line)[PER_NODE]) {
     const DB_List& node = walk.Node();
     const int level = node.level;
     const int row = walk.Row();

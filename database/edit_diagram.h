@@ -95,10 +95,10 @@ struct Edit_Line {
  *  part of the diagram needs the lines of its own nodes and of those just below it only. */
 class Edit_Lines {
   public:
-    static constexpr int LINE_MAX = 2;  ///< of one node
+    static constexpr int PER_NODE = 2;  ///< of one node
     /** The lines from the parent, or from the sibling above, to the node that a walk stands on; to be called for every
      *  node of the walk. @return how many */
-    int Of(const Edit_Walk& walk, Edit_Line (&line)[LINE_MAX]);
+    int Of(const Edit_Walk& walk, Edit_Line (&line)[PER_NODE]);
 
   private:
     static constexpr int LEVEL_MAX = 4096;   // the class view descends no further
@@ -114,7 +114,7 @@ struct Edit_Hit {
     int code = 0;
 };
 /** Uses the rows of the last Edit_Rows_Assign. */
-Edit_Hit Edit_Hit_At(int nb, const DB_List* list_pt, const DB_Tree_Point& at);
+KIT_PANELS_API Edit_Hit Edit_Hit_At(int nb, const DB_List* list_pt, const DB_Tree_Point& at);
 
 // -----------------------------------------------------------------------------------------------------------------
 // marks

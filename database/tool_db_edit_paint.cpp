@@ -99,7 +99,7 @@ class Line_Batch {
     Line_Batch(const Line_Batch&) = delete;
     Line_Batch& operator=(const Line_Batch&) = delete;
     void Add(const POINT& from, const POINT& to) {
-        if (nb == LINE_MAX) {
+        if (nb == BATCH_LINES) {
             Flush();
         }
         point[2 * nb] = from;
@@ -108,7 +108,7 @@ class Line_Batch {
     }
 
   private:
-    static constexpr DWORD LINE_MAX = 64;
+    static constexpr DWORD BATCH_LINES = 64;
     void Flush() {
         if (nb > 0) {
             ::PolyPolyline(dc, point, count, nb);
@@ -117,8 +117,8 @@ class Line_Batch {
     }
     HDC dc;
     DWORD nb = 0;
-    POINT point[2 * LINE_MAX];
-    DWORD count[LINE_MAX];
+    POINT point[2 * BATCH_LINES];
+    DWORD count[BATCH_LINES];
 };
 
 }  // namespace
@@ -196,7 +196,7 @@ void Edit_Painter::Lines(int nb, const DB_List* list_pt) const {
     const Selected_Object pen_selected(dc, pen.Get());
     Edit_Lines lines;
     for (Edit_Walk walk(nb, list_pt); !walk.At_End() && walk.Row() < DB_ROW_NONE; walk.Next()) {
-        Edit_Line line[Edit_Lines::LINE_MAX];
+        Edit_Line line[Edit_Lines::PER_NODE];
         const int line_nb = lines.Of(walk, line);
         for (int i = 0; i < line_nb; ++i) {
             if (Is_Seen(line[i].from, line[i].to)) {

@@ -1,4 +1,5 @@
-/** The database panel: a scrollable tree of check-box rows with "Select All" and "Select None", or, with DB_MODE_EDIT,
+/** @file
+ *  The database panel: a scrollable tree of check-box rows with "Select All" and "Select None", or, with DB_MODE_EDIT,
  *  the editor of the class tree. */
 #pragma once
 
@@ -11,10 +12,10 @@
 
 inline constexpr int DB_WARNING_LABELS = 2;  ///< the title " Warning!" and the alternating line
 
-/** The records of a panel. Copies of a panel share them. */
+/** The records of a panel. Copies of a panel share them until one of the panels builds them anew. */
 struct DB_Rows {
-    int nb = 0;
-    DB_List* list_pt = nullptr;
+    int nb = 0;                  ///< records
+    DB_List* list_pt = nullptr;  ///< of DB_List_Append; null without records
     DB_Rows() = default;
     ~DB_Rows();
     DB_Rows(const DB_Rows&) = delete;
@@ -31,7 +32,8 @@ class KIT_PANELS_API Tool_DB_List {
     Tool_DB_List& operator=(const Tool_DB_List& other);  ///< shares the records
 
     /** Appends the record of `object` (null: the view's root) and those of its subtree.
-     *  @param nb, list_pt the array, grown by one record at a time. @param level, parent of the first new record
+     *  @param nb, list_pt the array, grown by one record at a time. @param level, parent of the first new record;
+     *  @param object the class object to begin with
      *  @return class view: records appended; file view: 1; 0 after a memory error */
     virtual unsigned short List_Create_From_DB(int* nb, DB_List** list_pt, int level, int parent, void* object) = 0;
     /** The host's selection into `state` of the leaves. */
@@ -43,36 +45,49 @@ class KIT_PANELS_API Tool_DB_List {
     int Resize(Boxs* box);
     /** @return the height wanted for a tree of `rows` rows, pixels */
     int Height(unsigned short rows);
+    /** Paints everything; in the editor the warning's line is another one with every call. */
     void Draw();
     /** @return 1 when the event was taken, else 0 */
     int Click(int up_down);
+    /** Hover, the marking of a range, moving rows in the editor, and scrolling while a drag is held beside the tree.
+     *  @return 1 when the event was taken, else 0 */
     int Motion(int up_down);
+    /** Over the horizontal slider: that one; over the rest of the panel: the vertical one; forward goes up or left.
+     *  @return 1, or 0 when the pointer is elsewhere */
     int Scroll(int delta);
     /** KEY_DELETE edits in edit mode. @return 0: the host goes on handling the key */
     int Keyboard(int key);
+    /** Takes buttons and sliders out of hover and pressed looks, and ends their drags. */
     void Leave();
     /** UPDATE_STRUCTURE rebuilds; UPDATE_WINDOW_CUR and UPDATE_SELECTION (with a level bit) read the selection anew. */
     void Update(unsigned __int64 flags);
     /** Frees the records of a panel, and ends a drag that it owns. */
     void List_Free(Tool_DB_List* list);
 
-    Boxs panel_box;
+    Boxs panel_box;  ///< the whole panel
     Boxs spare_box;  ///< never laid out
     Boxs list_box;   ///< the tree
-    Boxs top_zone;   ///< auto-scroll zones
+    ///@{
+    Boxs top_zone;  ///< a drag held here scrolls the tree
     Boxs bottom_zone;
     Boxs left_zone;
     Boxs right_zone;
-    Labels warning[DB_WARNING_LABELS];
-    Sliders vertical;    ///< pixels from the top of the tree
-    Sliders horizontal;  ///< pixels from its left
-    Buttons select_all;
+    ///@}
+    Labels warning[DB_WARNING_LABELS];  ///< drawn in the editor only, in place of the buttons
+    Sliders vertical;                   ///< pixels from the top of the tree
+    Sliders horizontal;                 ///< pixels from its left
+    ///@{
+    Buttons select_all;  ///< sets or clears every check mark, of locked rows too: writing back skips those
     Buttons select_none;
+    ///@}
     std::shared_ptr<DB_Rows> rows;  ///< null only after a failed allocation
     int mode = 0;                   ///< dimension and DB_MODE_* bits
 
+    ///@{
+    /** The records, 0 and null without memory. */
     int Nb() const { return rows != nullptr ? rows->nb : 0; }
     DB_List* List_Pt() const { return rows != nullptr ? rows->list_pt : nullptr; }
+    ///@}
 
   private:
     bool Is_Editor() const { return (mode & DB_MODE_EDIT) != 0; }

@@ -57,7 +57,8 @@ class Plain_Diagram {
     int level_nb = 0;
 };
 
-void Make_Study(Tree_Scene& scene) {
+/** @param with_only_child the last node gets one child */
+void Make_Study(Tree_Scene& scene, bool with_only_child = false) {
     scene.Add(0);  // 0
     scene.Add(1);  // 1  row 0
     scene.Add(2);  // 2  row 0
@@ -66,6 +67,9 @@ void Make_Study(Tree_Scene& scene) {
     scene.Add(3);  // 5  row 2
     scene.Add(2);  // 6  row 3
     scene.Add(1);  // 7  row 4
+    if (with_only_child) {
+        scene.Add(2);
+    }
     scene.Finish();
 }
 
@@ -192,7 +196,7 @@ Edit_Hit Plain_Hit(Tree_Scene& scene, int x, int y) {
 
 TEST(Edit_Zones, every_point_of_the_diagram_has_the_zone_that_is_described) {
     Tree_Scene scene;
-    Make_Study(scene);
+    Make_Study(scene, true);
     for (const bool collapsed : {false, true}) {
         scene[1].flag = collapsed ? 0 : DB_FLAG_EXPANDED;
         Edit_Rows_Assign(scene.Nb(), scene.Pt());
@@ -303,7 +307,7 @@ TEST(Edit_Connectors, join_every_shown_child_to_its_parent_and_nothing_else) {
         std::vector<Edit_Line> drawn;
         Edit_Lines lines;
         for (Edit_Walk walk(scene.Nb(), scene.Pt()); !walk.At_End(); walk.Next()) {
-            Edit_Line line[Edit_Lines::LINE_MAX];
+            Edit_Line line[Edit_Lines::PER_NODE];
             const int nb = lines.Of(walk, line);
             drawn.insert(drawn.end(), line, line + nb);
         }
@@ -321,8 +325,8 @@ TEST(Edit_Connectors, pieces_of_a_long_branch_do_not_overlap) {
     Edit_Lines lines;
     long length = 0;
     for (Edit_Walk walk(scene.Nb(), scene.Pt()); !walk.At_End(); walk.Next()) {
-        Edit_Line line[Edit_Lines::LINE_MAX];
-        if (lines.Of(walk, line) == Edit_Lines::LINE_MAX) {
+        Edit_Line line[Edit_Lines::PER_NODE];
+        if (lines.Of(walk, line) == Edit_Lines::PER_NODE) {
             length += line[0].to.y - line[0].from.y;
         }
     }
@@ -339,7 +343,7 @@ TEST(Edit_Connectors, levels_beyond_those_that_are_remembered_stay_within_bounds
     Edit_Lines lines;
     int last = -1;
     for (Edit_Walk walk(scene.Nb(), scene.Pt()); !walk.At_End(); walk.Next()) {
-        Edit_Line line[Edit_Lines::LINE_MAX];
+        Edit_Line line[Edit_Lines::PER_NODE];
         last = lines.Of(walk, line);
     }
     EXPECT_EQ(last, 2);

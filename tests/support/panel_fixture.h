@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "tests/panels/panel_stage.h"
+#include "tests/support/window_picture.h"
 
 inline constexpr int LEFT_PRESS = MOUSE_PRESS | MOUSE_LEFT;
 inline constexpr int RIGHT_PRESS = MOUSE_PRESS | MOUSE_RIGHT;
@@ -92,17 +93,6 @@ class Request_Recorder {
     std::function<void(unsigned long long)> answer;
     bool queued = false;
     bool answering = false;
-};
-
-/** What a window shows, rows from the top, pixels 0x00RRGGBB. */
-struct Window_Picture {
-    int width = 0;
-    int height = 0;
-    std::vector<std::uint32_t> pixels;
-    std::uint32_t At(int x, int row) const {
-        return pixels[static_cast<std::size_t>(row) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)];
-    }
-    friend bool operator==(const Window_Picture&, const Window_Picture&) = default;
 };
 
 /** A window of its own, gone at the end. */

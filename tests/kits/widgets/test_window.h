@@ -7,17 +7,7 @@
 #include "host/kit_widgets.h"
 #include "kits/widgets/surface.h"
 #include "kits/widgets/widgets_host.h"
-
-/** What a window shows, rows from the top. */
-struct Window_Picture {
-    int width = 0;
-    int height = 0;
-    std::vector<std::uint32_t> pixels;
-    std::uint32_t At(int x, int y) const {
-        return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)];
-    }
-    friend bool operator==(const Window_Picture&, const Window_Picture&) = default;
-};
+#include "tests/support/window_picture.h"
 
 class Test_Window {
   public:

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "kits/widgets/widgets_host.h"
+#include "workbench/model/color_contrast.h"
 
 namespace {
 
@@ -15,11 +16,16 @@ int Apart(Rgb a, Rgb b) {
 }
 
 void Expect_Readable(const Theme& theme) {
-    EXPECT_GE(Apart(theme.text, theme.panel), 110);
-    EXPECT_GE(Apart(theme.text, theme.face), 90);
-    EXPECT_GE(Apart(theme.field_text, theme.field), 130);
-    EXPECT_GE(Apart(theme.accent_text, theme.accent), 90);
-    EXPECT_GE(Apart(theme.text_grey, theme.panel), 60);
+    EXPECT_GE(Contrast_Ratio(theme.text, theme.panel), CONTRAST_TEXT);
+    EXPECT_GE(Contrast_Ratio(theme.text, theme.face), CONTRAST_TEXT);
+    EXPECT_GE(Contrast_Ratio(theme.text, theme.face_hover), CONTRAST_GRAPHIC);  // arrows only
+    EXPECT_GE(Contrast_Ratio(theme.text, theme.face_pressed), CONTRAST_GRAPHIC);
+    EXPECT_GE(Contrast_Ratio(theme.field_text, theme.field), CONTRAST_TEXT);
+    EXPECT_GE(Contrast_Ratio(theme.accent_text, theme.accent), CONTRAST_TEXT);
+    EXPECT_GE(Contrast_Ratio(theme.accent, theme.field), CONTRAST_GRAPHIC);
+    EXPECT_GE(Contrast_Ratio(theme.text_grey, theme.panel), CONTRAST_GRAPHIC);  // inactive: need not reach that of text
+    EXPECT_GE(Contrast_Ratio(theme.text_grey, theme.field), CONTRAST_GRAPHIC);
+    EXPECT_GE(Contrast_Ratio(theme.line_strong, theme.panel), CONTRAST_GRAPHIC);
     EXPECT_GE(Apart(theme.face, theme.face_hover), 14);
     EXPECT_GE(Apart(theme.face_hover, theme.face_pressed), 14);
     EXPECT_GE(Apart(theme.face, theme.field), 30);
@@ -42,7 +48,7 @@ TEST(Theme, ContrastIsReadableOnEveryColourAndNeverBlack) {
         for (int green = 0; green <= 255; green += 17) {
             for (int blue = 0; blue <= 255; blue += 17) {
                 const Rgb ground = Rgb_Make(red, green, blue);
-                EXPECT_GE(Apart(Contrast_Color(ground), ground), 110);
+                EXPECT_GE(Contrast_Ratio(Contrast_Color(ground), ground), CONTRAST_TEXT) << std::hex << ground;
                 EXPECT_NE(Contrast_Color(ground), 0U);
             }
         }
