@@ -10,8 +10,8 @@
 namespace {
 
 constexpr int tool_width = 452;  // pixels at 96 dots per inch
-constexpr int window_width = 1320;
-constexpr int window_height = 860;
+constexpr int tool_width_least = 320;
+constexpr int tool_percent = 45;  // of the window, when that is less than tool_width
 constexpr int database_width_first = 380;
 constexpr int image_width_least = 200;
 constexpr int histogram_height = 150;
@@ -37,6 +37,8 @@ void Histogram_Base::Scale_Set(float scale) {
 
 Application::Application(const Command_Line& command_line)
     : options(command_line),
+      class_history({[](const char* text) { return Utf8_Of_Wide(Wide_Of_Panel(text)); },
+                     [](const std::string& text) { return Panel_Of_Wide(Wide_Of_Utf8(text)); }}),
       tag_panel(static_cast<unsigned short>(TAG_CHECK_ENABLE | TAG_GREY_SELECTION)),
       tag_base(tag_panel, [](Tool_Tag& panel) { return panel.Height(tag_rows); }),
       marker_base(marker_panel, [](Tool_Marker& panel) { return panel.Height(marker_rows); }),
@@ -53,12 +55,14 @@ Application::Application(const Command_Line& command_line)
       trace(look),
       analysis(look, {[this] { return &histogram_panel; }, [this] { Peaks_Changed(); },
                       [this](const std::vector<Peak_Band>& peaks) { Bands_Take(peaks); }}),
-      database(look, Database_Services()) {
+      database(look, Database_Services()),
+      not_opened_list(look) {
     the_application = this;
     Prog_Name = "workbench";
     Contract_Checks_Set(options.check);
     variables.Define();
     classes.emplace();
+    class_history.Begin(classes->Root_1D(), classes->Root_3D());
     Adopt_Names();
     propagate_panel.Set(&Application::Propagation_Function);
     Message_Receiver_Add([](void* context, HWND, int level,
@@ -103,26 +107,25 @@ bool Application::Start(int show) {
     hwnd = window.Handle();
     look.Dpi_Set(Window_Dpi(window.Handle()));
     variables.Scale_Set(look.Scale());
+    Settings_Open();
     Add_Panels();
     if (!options.report.empty() && !report.Open(options.report)) {
         Warn("The report file " + options.report + " cannot be written.");
     }
-    trace.Show(options.trace);
-    RECT work = {};
-    ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
-    ::SetWindowPos(window.Handle(), nullptr, 0, 0, std::min<int>(look.Px(window_width), work.right - work.left),
-                   std::min<int>(look.Px(window_height), work.bottom - work.top), SWP_NOZORDER | SWP_NOMOVE);
+    Settings_Apply();
+    Accessible_Names();
     Title_Refresh();
     Notes_Refresh();
-    ::ShowWindow(window.Handle(), show);
+    ::ShowWindow(window.Handle(), settings.window.is_maximized && show == SW_SHOWNORMAL ? SW_SHOWMAXIMIZED : show);
     ::UpdateWindow(window.Handle());
     image.Brush_Set(variables.Brush());
     Status(L"F1 shows keys and mouse");
     if (!options.files.empty()) {
-        Open_Volume(Path_From_Utf8(options.files.front()));
-    }
-    if (options.files.size() > 1) {
-        Status(L"Only the first of " + std::to_wstring(options.files.size()) + L" volumes is shown");
+        std::vector<std::filesystem::path> paths;
+        for (const std::string& file : options.files) {
+            paths.push_back(Path_From_Utf8(file));
+        }
+        Open_Paths(paths);
     }
     report.Line("ready");
     return true;
@@ -168,7 +171,9 @@ int Application::Run() {
 
 void Application::Lay_Out() {
     const RECT client = window.Client();
-    const int width = std::min<int>(look.Px(tool_width), client.right);
+    // On a screen with few pixels for its scale the panels leave room for the image.
+    const int share = std::max<int>(client.right * tool_percent / 100, look.Px(tool_width_least));
+    const int width = std::min<int>({look.Px(tool_width), share, static_cast<int>(client.right)});
     int bottom = client.bottom - status_line.Wanted_Height();
     status_line.Place({0, bottom, client.right, client.bottom});
     if (trace.Is_Shown()) {
@@ -182,7 +187,8 @@ void Application::Lay_Out() {
         // The editor's diagram needs the image's room.
         const int room = client.right - width;
         const int wanted = database_width > 0 ? database_width : look.Px(database_width_first);
-        right -= database.Is_Editor() ? room : std::clamp(wanted, 0, std::max(room - look.Px(image_width_least), 0));
+        const int most = std::max(room - look.Px(image_width_least), std::min(room, look.Px(DATABASE_WIDTH_LEAST)));
+        right -= database.Is_Editor() ? room : std::min(wanted, most);
     }
     const int banner_height = banner.Wanted_Height();
     banner.Place({width, 0, client.right, banner_height});
@@ -242,9 +248,10 @@ void Application::On_Change_Child(Quorel_2D* new_frame) {
         database_frame = new_frame;
         return;
     }
-    const int wanted = objects.Slice_Of(new_frame);
-    if (wanted >= 0) {
-        Slice_Show(wanted, true);
+    if (objects.Slice_Of(new_frame) >= 0) {
+        Slice_Show(objects.Slice_Of(new_frame), true);
+    } else if (const unsigned __int64 flags = Frame_Follow(new_frame); flags != 0) {
+        Announce(flags);
     }
 }
 
@@ -290,18 +297,24 @@ void Application::Notes_Refresh() {
     if (is_histogram_of_tag) {
         frames += L", TAG " + std::to_wstring(tag) + L" only";
     }
+    if (is_histogram_smoothed) {
+        frames += L", smoothed";
+    }
     if (is_histogram_of_checked) {
         frames = L"checked frames";
     }
     tool_area.Note_Set(histogram_host, session.Has_Volume() ? frames : L"");
+    Colors_Refresh();
 }
 
 void Application::Title_Refresh() {
     std::wstring title = L"Workbench";
     if (session.Has_Volume()) {
-        title = Wide_Of_Utf8(File_Name_Text(session.Path())) + (session.Is_Unsaved() ? L"* - " : L" - ") + title;
+        title =
+            Wide_Of_Utf8(volumes.Facts(volumes.Current()).title) + (session.Is_Unsaved() ? L"* - " : L" - ") + title;
     }
     ::SetWindowTextW(window.Handle(), title.c_str());
+    Colors_Refresh();
 }
 
 void Application::Look_Changed() {
@@ -321,7 +334,8 @@ void Application::Dpi_Changed(int dpi) {
 }
 
 void Application::Files_Dropped(const std::wstring& path) {
-    Open_Volume(std::filesystem::path(path));
+    const std::filesystem::path dropped(path);
+    Open_Paths(std::span(&dropped, 1));
 }
 
 void Application::Key(int key) {
@@ -330,10 +344,17 @@ void Application::Key(int key) {
     if (Panel_Host* host = tool_area.Panel_At(pointer); host != nullptr && host->Key(key)) {
         return;
     }
+    if (Pane_Key(key)) {
+        return;
+    }
     if (Panel_Host* host = database.Panel_At(pointer); host != nullptr && host->Key(key)) {
         return;
     }
-    Execute(Command_Of_Key(key));
+    Command command = Command_Of_Key(key);
+    if ((command == Command::UNDO || command == Command::REDO) && Is_Class_Undo(pointer)) {
+        command = command == Command::UNDO ? Command::CLASS_UNDO : Command::CLASS_REDO;
+    }
+    Execute(command);
 }
 
 void Application::Wheel(POINT screen, int delta, bool is_control) {
@@ -390,6 +411,15 @@ void Application::Report_State() {
     Contract_Check_Iterators();
     Contract_Check_Drawing();
     line("contract_reports", Contract_Report_Nb());
+    line("focus", focus_pane);
+    line("cursor_x", image.Is_Cursor() ? image.Cursor_X() : -1);
+    line("cursor_y", image.Is_Cursor() ? image.Cursor_Y() : -1);
+    line("alike", alike_nb);
+    line("light", look.Theme() == Library_Theme::Light ? 1 : 0);
+    line("scale_x100", std::lround(look.Scale() * 100.0F));
+    line("folded", tool_area.Folded());
+    line("histogram_scale_x1000", std::lround(histogram_panel.scale * 1000.0F));
+    line("recent_nb", static_cast<long long>(settings.recent.size()));
     line("tag_nb", variables.Tag_Nb());
     line("tag_cur", variables.Tag_Cur());
     const auto cur = static_cast<std::size_t>(variables.Tag_Cur());
@@ -401,6 +431,10 @@ void Application::Report_State() {
     report.Line("tag_label " + variables.Tag_Name(variables.Tag_Cur()));
     line("brush_cur", variables.Brush_Cur());
     line("brush_pixels", static_cast<long long>(variables.Brush().Pixel_Nb()));
+    line("volume_nb", volumes.Nb());
+    line("volume_cur", volumes.Current());
+    report.Line("volume_title " + (session.Has_Volume() ? volumes.Facts(volumes.Current()).title : ""));
+    line("not_opened", std::ranges::count(not_opened, '\n'));
     line("slice", slice);
     line("slice_nb", session.Slice_Nb());
     line("window_low_x100", std::lround(grey_window.low * 100.0F));
@@ -409,6 +443,7 @@ void Application::Report_State() {
     line("redo_nb", static_cast<long long>(session.Journal().Redo_Nb()));
     line("unsaved", session.Is_Unsaved() ? 1 : 0);
     Report_Database();
+    Report_Peaks();
     line("marker_cur", variables.Marker_Cur());
     report.Line("marker_label " + variables.Marker_Name(variables.Marker_Cur()));
     for (int marker = 0; marker < MARKER_NB; ++marker) {

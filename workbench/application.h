@@ -1,10 +1,13 @@
-/** The application: one volume, its panels and views, and everything that can be done with them. */
+/** The application: the open volumes, panels and views, and everything that can be done with them. */
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "histogram/tool_histo.h"
 #include "panels/tool_brush.h"
@@ -14,13 +17,18 @@
 #include "volumes/volume_statistics.h"
 #include "workbench/analysis/analysis_window.h"
 #include "workbench/commands.h"
+#include "workbench/database/class_history.h"
 #include "workbench/database/class_objects.h"
 #include "workbench/database/database_pane.h"
 #include "workbench/host_variables.h"
 #include "workbench/image_view.h"
+#include "workbench/list_window.h"
 #include "workbench/main_window.h"
+#include "workbench/model/color_sight.h"
 #include "workbench/model/command_line.h"
+#include "workbench/model/open_volumes.h"
 #include "workbench/model/session.h"
+#include "workbench/model/settings.h"
 #include "workbench/model/update_delivery.h"
 #include "workbench/report.h"
 #include "workbench/status_line.h"
@@ -102,16 +110,71 @@ class Application : public Image_User, public Main_Window_User {
     void Execute_Edit(Command command);
     void Execute_View(Command command);
 
+    // application_keyboard.cpp
+    void Execute_Keyboard(Command command);
+    void Execute_Cursor(Command command);
+    /** Marks what the keyboard acts on; -1: nothing in particular. */
+    void Focus_Set(int pane);
+    void Focus_Step(int direction);
+    /** @return true when the marked part used the key */
+    bool Pane_Key(int key);
+    bool Pane_Command(int key, Command of_space, Command of_enter);
+    bool Cursor_Key(int key);
+    void Accessible_Focus();
+    void Database_Tab(Command command);
+    void Label_Ask(Text_Table table);
+    void Histogram_Enlarge();
+
+    // application_accessible.cpp
+    /** Names of all parts of the window for those who hear the screen. */
+    void Accessible_Names();
+
+    // application_settings.cpp
+    /** Reads what was kept; before the windows are laid out. */
+    void Settings_Open();
+    void Settings_Apply();
+    void Settings_Keep();
+    void Recent_Opened(const std::filesystem::path& path);
+    /** Lists the files opened lately at the end of a menu. */
+    void Recent_Menu(HMENU menu);
+    void Recent_Open(int index);
+
+    // application_colors.cpp
+    std::vector<int> Colored_Tags() const;
+    std::vector<std::uint32_t> Colors_Of(const std::vector<int>& tags) const;
+    /** The mark of the status line, for the TAGs of the shown slice. */
+    void Colors_Refresh();
+    void Colors_Check();
+    void Colors_Spread(const std::vector<int>& tags);
+    std::wstring Colors_Text(const std::vector<int>& tags, const std::vector<Alike_Pair>& pairs) const;
+
     // application_files.cpp
     void Execute_File(Command command);
-    void Open_Volume(const std::filesystem::path& path);
-    std::optional<Load_Result> Load_With_Progress(const std::filesystem::path& path, Volume_Statistics* statistics);
-    void Show_Volume(Volume&& volume, const std::filesystem::path& path);
+    std::optional<Load_Result> Load_With_Progress(const std::filesystem::path& path);
     void Load_Labels(const std::filesystem::path& path);
     bool Save_Labels(bool ask_for_name);
-    /** @return false: the user wants to go on working */
+    /** About the work on all open volumes. @return false: the user wants to go on working */
     bool Ask_Unsaved();
     void Adopt_Names();
+
+    // application_volumes.cpp
+    /** Runs an action on a thread of its own while the window shows how far it is. Passes on what it throws. */
+    void Run_With_Progress(const std::wstring& what, const std::function<void(const Load_Progress&)>& action);
+    /** Opens files and folders, all together, in place of what is open. */
+    void Open_Paths(std::span<const std::filesystem::path> paths);
+    /** Tells which files were not opened, and why. */
+    void Problems_Tell(const Image_Folder& opened, const std::filesystem::path& first);
+    void Show_Volumes(Image_Folder&& opened, std::vector<Volume_Statistics>&& numbers);
+    /** Name and size of the volume in hand. */
+    std::wstring Volume_Text() const;
+    /** Takes over what belongs to the volume that came into hand; tells no panel. */
+    void Volume_Adopt();
+    /** Brings another volume into hand; tells no panel. @return false: it is in hand already, or there is none */
+    bool Volume_Set(int wanted);
+    /** Goes to another volume and makes the histogram of all its frames. */
+    void Volume_Go(int wanted);
+    /** Shows a frame of whatever volume. @return what the panels are to be told */
+    unsigned __int64 Frame_Follow(const Quorel_2D* frame);
 
     // application_tags.cpp
     void Tag_Set(int tag, bool scroll_to_it);
@@ -120,7 +183,7 @@ class Application : public Image_User, public Main_Window_User {
     void Tag_Toggle(Command command);
     void Tag_Nb_Grow(int highest);
     void Threshold_Mode_Set(bool on);
-    void Threshold_Max_Ask();
+    void Threshold_Ask(bool is_upper);
     void Check_Mark_Set(unsigned short option);
     void Brush_Set(int brush);
     void Marker_Set(int marker);
@@ -138,6 +201,8 @@ class Application : public Image_User, public Main_Window_User {
     void Histogram_Bins_Ask();
     void Histogram_Component_Next();
     void Histogram_Tag_Refresh();
+    void Histograms_Refresh();
+    void Report_Peaks();
     std::wstring Histogram_Text() const;
     /** Magnifies so that one overfull bin, as the air around a head makes, does not flatten the rest. */
     void Histogram_Scale_Suggest();
@@ -151,6 +216,17 @@ class Application : public Image_User, public Main_Window_User {
     /** Runs an event of a database panel. A panel asks for one thing per checked row; all is done once, afterwards. */
     void Database_Run(const std::function<void()>& event);
     bool May_Remove_Class(const std::string& class_name);
+    /** The class trees of data that were just opened. */
+    void Class_Changes_Open(const std::filesystem::path& data);
+    /** Makes a step of what the editor has changed, and saves it. */
+    void Class_Changes_Note();
+    void Class_Changes_Save();
+    void Class_Undo_Or_Redo(bool redo);
+    /** The keyboard's Ctrl+Z and Ctrl+Y are for the class trees. */
+    bool Is_Class_Undo(POINT pointer) const;
+    void Class_Menu_Refresh(HMENU menu);
+    /** @return false: changes of the class trees would be lost, and the user wants to go on working */
+    bool Ask_Class_Changes();
     /** The user has checked other frames: they make up the histogram. */
     void Selection_Taken();
 
@@ -171,9 +247,12 @@ class Application : public Image_User, public Main_Window_User {
     Look look;
     Report report;
     mutable Host_Variables variables;
-    Session session;
+    Session session;  // of the volume in hand
+    Open_Volumes volumes;
     Volume_Objects objects;
     std::optional<Class_Objects> classes;
+    Class_History class_history;
+    std::string class_problem;  // why the journal was not saved, as the user was told
     Update_Delivery delivery;
 
     Tool_Tag tag_panel;
@@ -195,12 +274,14 @@ class Application : public Image_User, public Main_Window_User {
     Trace_View trace;
     Analysis_Window analysis;
     Database_Pane database;
+    List_Window not_opened_list;
     Panel_Host* tag_host = nullptr;  // owned by the tool area
     Panel_Host* marker_host = nullptr;
     Panel_Host* brush_host = nullptr;
     Panel_Host* propagate_host = nullptr;
     Panel_Host* histogram_host = nullptr;
 
+    std::string not_opened;  // files, and why; UTF-8, one per line
     Volume_Statistics statistics;
     Grey_Window grey_window;
     int slice = 0;
@@ -210,6 +291,7 @@ class Application : public Image_User, public Main_Window_User {
     bool is_range_shown = false;
     bool is_histogram_of_shown = false;    // follows the shown slice
     bool is_histogram_of_tag = false;      // counts the current TAG's pixels only
+    bool is_histogram_smoothed = false;    // counts means of 3 x 3 pixels
     bool is_histogram_of_checked = false;  // of the frames checked in the database
     int histogram_first = 0;               // slices
     int histogram_last = 0;
@@ -218,9 +300,15 @@ class Application : public Image_User, public Main_Window_User {
     int dragged_marker = -1;
     Marker marker_before;
     int report_nb = 0;
-    int database_width = 0;               // pixels; 0: not chosen yet
-    int database_events = 0;              // running events of database panels
-    unsigned __int64 database_flags = 0;  // what they have asked for
+    Settings settings;
+    std::filesystem::path settings_file;       // empty: nothing is kept
+    int settings_ignored = 0;                  // lines of the file that were not understood
+    int focus_pane = -1;                       // what the keyboard acts on; -1: nothing in particular
+    int alike_nb = 0;                          // pairs of alike TAG colours in the shown slice
+    std::vector<std::uint32_t> colors_before;  // of all TAGs, when colours were changed
+    int database_width = 0;                    // pixels; 0: not chosen yet
+    int database_events = 0;                   // running events of database panels
+    unsigned __int64 database_flags = 0;       // what they have asked for
     Quorel_2D* database_frame = nullptr;
     bool is_redraw_asked = false;
 };

@@ -2,7 +2,9 @@
 #include <algorithm>
 
 #include "workbench/application.h"
+#include "workbench/keys_text.h"
 #include "workbench/model/tag_table.h"
+#include "workbench/text_dialog.h"
 #include "workbench/wide_text.h"
 
 namespace {
@@ -40,13 +42,20 @@ void Application::Menu_Refresh(HMENU menu) {
     Check(menu, Command::HISTOGRAM_SHOWN, is_histogram_of_shown);
     Check(menu, Command::HISTOGRAM_RANGE, !is_all && !is_histogram_of_shown);
     Check(menu, Command::HISTOGRAM_OF_TAG, is_histogram_of_tag);
+    Check(menu, Command::HISTOGRAM_SMOOTHED, is_histogram_smoothed);
     Check(menu, Command::RANGE_OVERLAY, is_range_shown);
     Check(menu, Command::TRACE_VIEW, trace.Is_Shown());
     Check(menu, Command::DATABASE, database.Is_Shown());
     Check(menu, Command::DATABASE_EDIT, database.Is_Shown() && database.Is_Editor());
+    Check(menu, Command::CURSOR_SHOW, image.Is_Cursor());
+    Check(menu, Command::CURSOR_PEN, image.Is_Pen_Down());
+    if (Has_Entry(menu, Command::OPEN) && !Has_Entry(menu, Command::UNDO)) {
+        Recent_Menu(menu);
+    }
     Check(menu, Command::THEME, look.Theme() == Library_Theme::Light);
     Check(menu, Command::FUNCTION_COPY, propagation_kind == Propagation_Kind::COPY);
     Check(menu, Command::FUNCTION_GROW, propagation_kind == Propagation_Kind::GROW);
+    Class_Menu_Refresh(menu);
     if (Has_Entry(menu, Command::UNDO)) {
         const Undo_Step* undo = session.Journal().Next_Undo();
         const Undo_Step* redo = session.Journal().Next_Redo();
@@ -67,9 +76,13 @@ void Application::Execute(Command command) {
         Execute_File(command);
     } else if (command >= Command::UNDO && command <= Command::MARKER_PREVIOUS) {
         Execute_Edit(command);
+    } else if (command >= Command::FOCUS_NEXT && command <= Command::DATABASE_NARROWER) {
+        Execute_Keyboard(command);
+    } else if (command >= Command::RECENT_0) {
+        Recent_Open(static_cast<int>(command) - static_cast<int>(Command::RECENT_0));
     } else if (command >= Command::HISTOGRAM_ALL && command <= Command::PEAKS_TO_BANDS) {
         Execute_Histogram(command);
-    } else if (command >= Command::DATABASE && command <= Command::DATABASE_EDIT) {
+    } else if (command >= Command::DATABASE && command <= Command::CLASS_REDO) {
         Execute_Database(command);
     } else {
         Execute_View(command);
@@ -96,7 +109,7 @@ void Application::Execute_Edit(Command command) {
         case Command::TAG_THRESHOLDS:
             return Threshold_Mode_Set(!is_threshold_mode);
         case Command::TAG_THRESHOLD_MAX:
-            return Threshold_Max_Ask();
+            return Threshold_Ask(true);
         case Command::TAG_MORE:
             return Tag_Nb_Grow(variables.Tag_Nb());
         case Command::CHECK_SHOWS_ENABLE:
@@ -128,6 +141,10 @@ void Application::Execute_View(Command command) {
             return Slice_Go(0);
         case Command::SLICE_LAST:
             return Slice_Go(session.Slice_Nb() - 1);
+        case Command::VOLUME_NEXT:
+            return Volume_Go(volumes.Current() + 1);
+        case Command::VOLUME_PREVIOUS:
+            return Volume_Go(volumes.Current() - 1);
         case Command::ZOOM_100:
             return image.Zoom_Set(1.0);
         case Command::ZOOM_200:
@@ -157,7 +174,7 @@ void Application::Execute_View(Command command) {
             return Propagation_Kind_Set(command == Command::FUNCTION_COPY ? Propagation_Kind::COPY
                                                                           : Propagation_Kind::GROW);
         case Command::KEYS_HELP:
-            ::MessageBoxW(window.Handle(), Keys_Text(), L"Keys and mouse", MB_OK);
+            Text_Show(window.Handle(), L"Keys and mouse", Keys_Text(), look.Fixed());
             return;
         case Command::ABOUT:
             ::MessageBoxW(window.Handle(),

@@ -30,6 +30,9 @@ void Application::Execute_Database(Command command) {
         case Command::DATABASE_COLLAPSE:
             Database_Show(true);
             return database.Expand_All(command == Command::DATABASE_EXPAND);
+        case Command::CLASS_UNDO:
+        case Command::CLASS_REDO:
+            return Class_Undo_Or_Redo(command == Command::CLASS_REDO);
         default: {
             const bool is_on = database.Is_Shown() && database.Is_Editor();
             Database_Show(true);
@@ -58,17 +61,22 @@ void Application::Database_Run(const std::function<void()>& event) {
     if (--database_events > 0) {
         return;
     }
-    Quorel_2D* const frame = std::exchange(database_frame, nullptr);
-    const unsigned __int64 flags = std::exchange(database_flags, 0);
+    Quorel_2D* frame = std::exchange(database_frame, nullptr);
+    unsigned __int64 flags = std::exchange(database_flags, 0);
+    if (Has_Any(flags, UPDATE_STRUCTURE)) {
+        Class_Changes_Note();
+    }
     if (Has_All(flags, UPDATE_SELECTION | UPDATE_LEVEL_2D)) {
         Selection_Taken();
+        frame = frame != nullptr ? frame : objects.Selected_Frame();  // the file view asks for no frame
     }
-    const int wanted = objects.Slice_Of(frame);
-    if (wanted >= 0 && wanted != slice) {
-        Slice_Show(wanted, false);
-    }
+    const int volume_before = volumes.Current();
+    flags |= Frame_Follow(frame);
     if (flags != 0) {
         On_Panel_Request(flags);
+    }
+    if (volume_before != volumes.Current()) {
+        Histogram_Scale_Suggest();
     }
     if (std::exchange(is_redraw_asked, false)) {
         image.Refresh();
@@ -84,6 +92,75 @@ bool Application::May_Remove_Class(const std::string& class_name) {
     const std::wstring question = L"Take \"" + Wide_Of_Panel(class_name.c_str()) +
                                   L"\" out of the class tree?\n\nIts children move up to its parent.";
     return ::MessageBoxW(window.Handle(), question.c_str(), L"Class tree", MB_YESNO | MB_ICONQUESTION) == IDYES;
+}
+
+void Application::Class_Changes_Open(const std::filesystem::path& data) {
+    if (const std::string problem = class_history.Open(objects.Root(), data); !problem.empty()) {
+        Warn(problem);
+    }
+    class_problem.clear();
+    // The trees were shown as they are built, or as other data had them.
+    Announce(UPDATE_STRUCTURE | UPDATE_LEVEL_1D | UPDATE_LEVEL_2D | UPDATE_LEVEL_3D);
+    report.Line("class_changes " + std::to_string(class_history.Journal().Done_Nb()));
+}
+
+void Application::Class_Changes_Note() {
+    if (class_history.Note()) {
+        Status(L"Class trees: " + Wide_Of_Utf8(class_history.Journal().Undo_Title()));
+        Class_Changes_Save();
+    }
+}
+
+void Application::Class_Changes_Save() {
+    const std::string problem = class_history.Save();
+    if (!problem.empty() && problem != class_problem) {
+        Warn(problem);  // once, not with every further step
+    }
+    class_problem = problem;
+}
+
+void Application::Class_Undo_Or_Redo(bool redo) {
+    const std::optional<Class_Step> step = redo ? class_history.Redo() : class_history.Undo();
+    if (!step) {
+        Status(redo ? L"There is nothing to redo in the class trees" : L"There is nothing to undo in the class trees");
+        return;
+    }
+    constexpr unsigned __int64 level[CLASS_KIND_NB] = {UPDATE_LEVEL_1D, UPDATE_LEVEL_2D, UPDATE_LEVEL_3D};
+    Announce(UPDATE_STRUCTURE | level[static_cast<std::size_t>(step->kind)]);
+    Status((redo ? L"Class trees, done again: " : L"Class trees, undone: ") + Wide_Of_Utf8(step->title));
+    Class_Changes_Save();
+}
+
+bool Application::Is_Class_Undo(POINT pointer) const {
+    return database.Is_Shown() && database.Is_Editor_Shown() && tool_area.Panel_At(pointer) == nullptr;
+}
+
+void Application::Class_Menu_Refresh(HMENU menu) {
+    const auto name = [menu](Command command, const wchar_t* text, const std::string& title) {
+        std::wstring shown = Wide_Of_Utf8(title);
+        for (std::size_t at = shown.find(L'&'); at != std::wstring::npos; at = shown.find(L'&', at + 2)) {
+            shown.insert(at, 1, L'&');  // a class's own "&" is to be seen
+        }
+        const auto id = static_cast<UINT>(command);
+        ::ModifyMenuW(menu, id, static_cast<UINT>(MF_BYCOMMAND | MF_STRING | (title.empty() ? MF_GRAYED : MF_ENABLED)),
+                      id, (text + (title.empty() ? L"" : L": " + shown)).c_str());
+    };
+    if (::GetMenuState(menu, static_cast<UINT>(Command::CLASS_UNDO), MF_BYCOMMAND) != static_cast<UINT>(-1)) {
+        name(Command::CLASS_UNDO, L"&Undo in the class trees", class_history.Journal().Undo_Title());
+        name(Command::CLASS_REDO, L"&Redo in the class trees", class_history.Journal().Redo_Title());
+    }
+}
+
+bool Application::Ask_Class_Changes() {
+    Class_Changes_Save();
+    if (!class_history.Is_Unsaved()) {
+        return true;
+    }
+    const std::wstring why = class_problem.empty()
+                                 ? L"The changes of the class trees are kept beside an image, and none is open."
+                                 : Wide_Of_Utf8(class_problem);
+    return ::MessageBoxW(window.Handle(), (why + L"\n\nGo on without them?").c_str(), L"Class tree",
+                         MB_YESNO | MB_ICONWARNING) == IDYES;
 }
 
 void Application::Report_Database() {
@@ -111,6 +188,9 @@ void Application::Report_Database() {
     report.Line("db_shown " + std::to_string(shown));
     report.Line("db_scroll " + std::to_string(static_cast<int>(panel.vertical.value)));
     report.Line(std::string("db_editor ") + (database.Is_Editor() ? "1" : "0"));
+    report.Line("class_undo " + class_history.Journal().Undo_Title());
+    report.Line("class_redo " + class_history.Journal().Redo_Title());
+    report.Line(std::string("class_unsaved ") + (class_history.Is_Unsaved() ? "1" : "0"));
     report.Line("histogram_bins " + std::to_string(histogram_panel.data != nullptr && histogram_panel.data->Has_Counts()
                                                        ? histogram_panel.data->record->nb_bins
                                                        : 0));

@@ -3,19 +3,18 @@
 
 #include <commdlg.h>
 
-#include <atomic>
+#include <algorithm>
 #include <system_error>
-#include <thread>
 
 #include "volumes/message_text.h"
 #include "workbench/application.h"
-#include "workbench/progress_window.h"
+#include "workbench/folder_dialog.h"
 #include "workbench/wide_text.h"
 
 namespace {
 
 constexpr const wchar_t* volume_filter =
-    L"Image volumes (*.nii, *.nii.gz, *.hdr)\0*.nii;*.nii.gz;*.gz;*.hdr;*.img\0All files\0*.*\0";
+    L"Images (*.nii, *.nii.gz, *.hdr, *.dcm)\0*.nii;*.nii.gz;*.gz;*.hdr;*.img;*.dcm;*.ima\0All files\0*.*\0";
 constexpr const wchar_t* label_filter = L"Label volumes (*.nii.gz, *.nii)\0*.nii.gz;*.nii;*.gz\0All files\0*.*\0";
 
 OPENFILENAMEW File_Question(HWND owner, const wchar_t* filter, const wchar_t* title, std::wstring& buffer) {
@@ -56,34 +55,10 @@ std::optional<std::filesystem::path> Ask_Save(HWND owner, const std::wstring& st
 
 }  // namespace
 
-std::optional<Load_Result> Application::Load_With_Progress(const std::filesystem::path& path,
-                                                           Volume_Statistics* numbers) {
-    std::atomic<double> share = 0.0;
-    std::atomic<bool> is_given_up = false;
-    std::atomic<bool> is_done = false;
+std::optional<Load_Result> Application::Load_With_Progress(const std::filesystem::path& path) {
     Load_Result result;
-    // Reading goes on beside this thread, so that the window answers; nothing of the window or the kits is used there.
-    std::thread reader([&] {
-        result = Volume_Load(path, [&](double done) {
-            share = done;
-            return !is_given_up;
-        });
-        if (result.volume && numbers != nullptr) {
-            *numbers = Volume_Statistics_Compute(*result.volume);
-        }
-        is_done = true;
-    });
-    {
-        Progress_Window progress(look, window.Handle(), L"Loading " + Wide_Of_Utf8(File_Name_Text(path)));
-        while (!is_done) {
-            const double done = share;
-            if (!progress.Step(done, std::to_wstring(static_cast<int>(done * 100.0)) + L" %")) {
-                is_given_up = true;
-            }
-            ::MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
-        }
-    }
-    reader.join();
+    Run_With_Progress(L"Loading " + Wide_Of_Utf8(File_Name_Text(path)),
+                      [&](const Load_Progress& progress) { result = Volume_Load(path, progress); });
     if (result.cancelled) {
         Status(L"Loading was given up");
         return std::nullopt;
@@ -98,59 +73,6 @@ std::optional<Load_Result> Application::Load_With_Progress(const std::filesystem
     return result;
 }
 
-void Application::Open_Volume(const std::filesystem::path& path) {
-    if (path.empty()) {
-        Warn("The name of the file cannot be used on this system.");
-        return;
-    }
-    Volume_Statistics numbers;
-    std::optional<Load_Result> loaded = Load_With_Progress(path, &numbers);
-    // Asked only now: a file that cannot be loaded costs no work.
-    if (!loaded || !Ask_Unsaved()) {
-        return;
-    }
-    statistics = numbers;
-    Show_Volume(std::move(*loaded->volume), path);
-    if (!options.labels.empty()) {
-        const std::filesystem::path labels = Path_From_Utf8(std::exchange(options.labels, {}));
-        std::error_code unknown;
-        if (std::filesystem::exists(labels, unknown)) {
-            Load_Labels(labels);
-        } else {
-            session.Label_Path_Set(labels);
-        }
-    }
-}
-
-void Application::Show_Volume(Volume&& volume, const std::filesystem::path& path) {
-    objects.Clear();
-    session.Take(std::move(volume), path);
-    objects.Build(session);
-    Adopt_Names();
-    grey_window = {static_cast<float>(statistics.window_low), static_cast<float>(statistics.window_high)};
-    slice = session.Slice_Nb() / 2;
-    objects.Show(slice);
-    Markers_Enable_Refresh();
-    is_histogram_of_tag = false;
-    is_histogram_of_shown = false;
-    histogram_first = 0;
-    histogram_last = session.Slice_Nb() - 1;
-    Histogram_Select();
-    Announce(UPDATE_ALL | UPDATE_WINDOW_CUR | UPDATE_FRAME_CUR | UPDATE_STRUCTURE | UPDATE_SELECTION | UPDATE_LEVEL_2D |
-             UPDATE_HISTO_PAINT);
-    Histogram_Scale_Suggest();
-    Title_Refresh();
-    const Volume& image_now = session.Image();
-    std::wstring text = Wide_Of_Utf8(File_Name_Text(path)) + L": " + std::to_wstring(image_now.nx) + L" \u00D7 " +
-                        std::to_wstring(image_now.ny) + L" \u00D7 " + std::to_wstring(image_now.nz);
-    if (image_now.nt > 1) {
-        text += L", the first of " + std::to_wstring(image_now.nt) + L" time points";
-    }
-    Status(text + L"   " + Histogram_Text());
-    report.Line("volume " + std::to_string(image_now.nx) + " " + std::to_string(image_now.ny) + " " +
-                std::to_string(image_now.nz));
-}
-
 void Application::Adopt_Names() {
     session.Adopt_Labels(Text_Table::TAG_LABELS, variables.Tag_Labels());
     session.Adopt_Labels(Text_Table::MARKER_LABELS, variables.Marker_Labels());
@@ -158,7 +80,7 @@ void Application::Adopt_Names() {
 }
 
 void Application::Load_Labels(const std::filesystem::path& path) {
-    const std::optional<Load_Result> loaded = Load_With_Progress(path, nullptr);
+    const std::optional<Load_Result> loaded = Load_With_Progress(path);
     if (!loaded) {
         return;
     }
@@ -180,7 +102,10 @@ bool Application::Save_Labels(bool ask_for_name) {
     std::filesystem::path path = session.Label_Path();
     if (ask_for_name || path.empty()) {
         const std::wstring name = Wide_Of_Utf8(File_Name_Text(session.Path()));
-        const std::wstring start = name.substr(0, name.find(L".nii")) + L"_labels.nii.gz";
+        const std::size_t nifti = name.find(L".nii");
+        const std::wstring stem =
+            nifti != std::wstring::npos ? name.substr(0, nifti) : std::filesystem::path(name).stem().wstring();
+        const std::wstring start = stem + L"_labels.nii.gz";
         const std::optional<std::filesystem::path> answer = Ask_Save(window.Handle(), start);
         if (!answer) {
             return false;
@@ -197,18 +122,36 @@ bool Application::Save_Labels(bool ask_for_name) {
 }
 
 bool Application::Ask_Unsaved() {
-    if (!session.Is_Unsaved()) {
+    const std::vector<int> unsaved = volumes.Unsaved(session);
+    if (unsaved.empty()) {
         return true;
     }
-    const int answer = ::MessageBoxW(window.Handle(), L"There is unsaved work. Save the labels first?", L"Unsaved work",
-                                     MB_YESNOCANCEL | MB_ICONQUESTION);
-    return answer == IDNO || (answer == IDYES && Save_Labels(false));
+    const std::wstring question = unsaved.size() == 1 && unsaved.front() == volumes.Current()
+                                      ? L"There is unsaved work. Save the labels first?"
+                                      : L"There is unsaved work on " + std::to_wstring(unsaved.size()) +
+                                            (unsaved.size() == 1 ? L" other volume." : L" volumes.") +
+                                            L" Save the labels first?";
+    const int answer =
+        ::MessageBoxW(window.Handle(), question.c_str(), L"Unsaved work", MB_YESNOCANCEL | MB_ICONQUESTION);
+    if (answer != IDYES) {
+        return answer == IDNO;
+    }
+    // Each in turn is in hand while it is saved; nothing of it is shown.
+    const int shown = volumes.Current();
+    const bool is_saved = std::ranges::all_of(unsaved, [this](int volume) {
+        volumes.Switch(volume, session);
+        return Save_Labels(false);
+    });
+    volumes.Switch(shown, session);
+    Title_Refresh();
+    return is_saved;
 }
 
 bool Application::May_Close() {
-    if (!Ask_Unsaved()) {
+    if (!Ask_Unsaved() || !Ask_Class_Changes()) {
         return false;
     }
+    Settings_Keep();
     report.Line("closed");
     return true;
 }
@@ -217,13 +160,22 @@ void Application::Execute_File(Command command) {
     switch (command) {
         case Command::OPEN:
             if (const auto path = Ask_Open(window.Handle(), volume_filter, L"Open volume")) {
-                Open_Volume(*path);
+                Open_Paths(std::span(&*path, 1));
             }
+            return;
+        case Command::OPEN_FOLDER:
+            if (const auto path = Ask_Folder(window.Handle(), L"Open folder")) {
+                Open_Paths(std::span(&*path, 1));
+            }
+            return;
+        case Command::NOT_OPENED:
+            not_opened_list.Open(window.Handle(), L"Files not opened",
+                                 not_opened.empty() ? L"All files were opened." : Wide_Of_Utf8(not_opened));
             return;
         case Command::LOAD_LABELS:
             if (!session.Has_Volume()) {
                 Warn("Open an image first; labels lie on an image.");
-            } else if (Ask_Unsaved()) {
+            } else if (!session.Is_Unsaved() || Ask_Unsaved()) {
                 if (const auto path = Ask_Open(window.Handle(), label_filter, L"Load labels")) {
                     Load_Labels(*path);
                 }

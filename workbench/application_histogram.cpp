@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <cwchar>
 #include <span>
@@ -45,11 +46,10 @@ void Application::Execute_Histogram(Command command) {
             return Histogram_Range_Ask();
         case Command::HISTOGRAM_OF_TAG:
             is_histogram_of_tag = !is_histogram_of_tag;
-            if (!is_histogram_of_tag && session.Has_Volume()) {
-                objects.Histograms_Build(session, -1);
-                Announce(UPDATE_HISTO_DATA | UPDATE_HISTO_PAINT);
-            }
-            return Histogram_Tag_Refresh();
+            return Histograms_Refresh();
+        case Command::HISTOGRAM_SMOOTHED:
+            is_histogram_smoothed = !is_histogram_smoothed;
+            return Histograms_Refresh();
         case Command::HISTOGRAM_BINS:
             return Histogram_Bins_Ask();
         case Command::HISTOGRAM_COMPONENT:
@@ -140,8 +140,15 @@ void Application::Histogram_Component_Next() {
 }
 
 void Application::Histogram_Tag_Refresh() {
-    if (is_histogram_of_tag && session.Has_Volume()) {
-        objects.Histograms_Build(session, variables.Tag_Cur());
+    if (is_histogram_of_tag) {
+        return Histograms_Refresh();
+    }
+    Notes_Refresh();
+}
+
+void Application::Histograms_Refresh() {
+    if (session.Has_Volume()) {
+        objects.Histograms_Build(session, is_histogram_of_tag ? variables.Tag_Cur() : -1, is_histogram_smoothed);
         Announce(UPDATE_HISTO_DATA | UPDATE_HISTO_PAINT);
     }
     Notes_Refresh();
@@ -211,4 +218,14 @@ void Application::Bands_Take(const std::vector<Peak_Band>& peaks) {
     }
     On_Panel_Request(UPDATE_TAG_LABEL);
     Status(std::to_wstring(count) + L" TAG bands were set from the peaks");
+}
+
+void Application::Report_Peaks() {
+    report.Line(std::string("histogram_smoothed ") + (is_histogram_smoothed ? "1" : "0"));
+    for (const Peak_Row& peak : analysis.Table().rows) {
+        char text[160];
+        std::snprintf(text, sizeof text, "peak %d %.2f %.1f %.2f %.0f %.4f", peak.number, peak.centre, peak.height,
+                      peak.full_width, peak.area, peak.share);
+        report.Line(text);
+    }
 }

@@ -114,14 +114,16 @@ void Application::Check_Mark_Set(unsigned short option) {
     Tag_Scroll_To(variables.Tag_Cur());
 }
 
-void Application::Threshold_Max_Ask() {
+void Application::Threshold_Ask(bool is_upper) {
     const auto tag = static_cast<std::size_t>(variables.Tag_Cur());
-    const float now = variables.Threshold_Max()[tag];
+    float& limit = (is_upper ? variables.Threshold_Max() : variables.Threshold_Min())[tag];
+    const float unset = is_upper ? TAG_THRESHOLD_MAX_UNSET : TAG_THRESHOLD_MIN_UNSET;
+    const bool is_set = is_upper ? limit < unset : limit > unset;
     const auto answer =
-        Prompt(window.Handle(), L"Upper threshold",
-               L"Largest grey value of " + Wide_Of_Panel(variables.Tag_Name(variables.Tag_Cur()).c_str()) +
-                   L" (empty: no limit):",
-               now < TAG_THRESHOLD_MAX_UNSET ? std::to_wstring(std::lround(now)) : L"");
+        Prompt(window.Handle(), is_upper ? L"Upper threshold" : L"Lower threshold",
+               (is_upper ? L"Largest grey value of " : L"Smallest grey value of ") +
+                   Wide_Of_Panel(variables.Tag_Name(variables.Tag_Cur()).c_str()) + L" (empty: no limit):",
+               is_set ? std::to_wstring(std::lround(limit)) : L"");
     if (!answer) {
         return;
     }
@@ -131,7 +133,7 @@ void Application::Threshold_Max_Ask() {
         Warn("\"" + Utf8_Of_Wide(*answer) + "\" is no number.");
         return;
     }
-    variables.Threshold_Max()[tag] = answer->empty() ? TAG_THRESHOLD_MAX_UNSET : value;
+    limit = answer->empty() ? unset : value;
     On_Panel_Request(UPDATE_TAG_LABEL);
 }
 

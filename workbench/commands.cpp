@@ -1,9 +1,9 @@
 #include "workbench/commands.h"
 
-#include <array>
 #include <cctype>
 #include <iterator>
 #include <string>
+#include <utility>
 
 #include "host/kit_widgets.h"
 
@@ -26,7 +26,10 @@ struct Entry {
 constexpr Entry separator = {Command::NONE, nullptr, nullptr, 0};
 
 constexpr Entry file_entries[] = {
-    {Command::OPEN, L"&Open volume...", L"Ctrl+O", Control('O')},
+    {Command::OPEN, L"&Open image...", L"Ctrl+O", Control('O')},
+    {Command::OPEN_FOLDER, L"Open &folder...", L"Ctrl+D", Control('D')},
+    {Command::NOT_OPENED, L"Files &not opened...", nullptr, 0},
+    separator,
     {Command::LOAD_LABELS, L"&Load labels...", L"Ctrl+L", Control('L')},
     {Command::SAVE_LABELS, L"&Save labels", L"Ctrl+S", Control('S')},
     {Command::SAVE_LABELS_AS, L"Save labels &as...", nullptr, 0},
@@ -39,36 +42,44 @@ constexpr Entry edit_entries[] = {
     {Command::UNDO, L"&Undo", L"Ctrl+Z", Control('Z')},
     {Command::REDO, L"&Redo", L"Ctrl+Y", Control('Y')},
     separator,
-    {Command::BRUSH_LARGER, L"&Larger brush", L"]", ']'},
+    {Command::BRUSH_LARGER, L"Lar&ger brush", L"]", ']'},
     {Command::BRUSH_SMALLER, L"&Smaller brush", L"[", '['},
     separator,
     {Command::MARKER_MODE, L"Place &markers", L"M", 'm'},
-    {Command::MARKER_NEXT, L"Next mar&ker", L".", '.'},
+    {Command::MARKER_NEXT, L"&Next marker", L".", '.'},
     {Command::MARKER_PREVIOUS, L"Pre&vious marker", L",", ','},
-    {Command::REMOVE_MARKER, L"Remo&ve current marker", L"Delete", KEY_DELETE},
+    {Command::MARKER_RENAME, L"Name o&f the marker...", nullptr, 0},
+    {Command::REMOVE_MARKER, L"Remove &current marker", L"Delete", KEY_DELETE},
 };
 constexpr Entry tag_entries[] = {
     {Command::TAG_NEXT, L"&Next TAG", L"N", 'n'},
     {Command::TAG_PREVIOUS, L"&Previous TAG", L"P", 'p'},
     {Command::TAG_GO_TO, L"&Go to TAG...", L"G", 'g'},
     separator,
+    {Command::TAG_RENAME, L"Na&me...", L"F2", Function_Key(2)},
+    {Command::TAG_COLORS, L"Check TAG &colours...", nullptr, 0},
+    separator,
     {Command::TAG_ENABLE, L"&Enabled (shown)", L"E", 'e'},
     {Command::TAG_SELECT, L"&Selected (propagated)", L"S", 's'},
     {Command::TAG_LOCK, L"&Locked (not overwritten)", L"L", 'l'},
     separator,
     {Command::TAG_THRESHOLDS, L"&Threshold mode", L"T", 't'},
+    {Command::TAG_THRESHOLD_MIN, L"Lo&wer threshold...", nullptr, 0},
     {Command::TAG_THRESHOLD_MAX, L"&Upper threshold...", nullptr, 0},
-    {Command::TAG_MORE, L"Four &more TAGs", nullptr, 0},
+    {Command::TAG_MORE, L"&Four more TAGs", nullptr, 0},
     separator,
-    {Command::CHECK_SHOWS_ENABLE, L"Check mark shows enabled", nullptr, 0},
-    {Command::CHECK_SHOWS_SELECT, L"Check mark shows selected", nullptr, 0},
-    {Command::CHECK_SHOWS_LOCK, L"Check mark shows locked", nullptr, 0},
+    {Command::CHECK_SHOWS_ENABLE, L"Check mark shows ena&bled", nullptr, 0},
+    {Command::CHECK_SHOWS_SELECT, L"Check mark shows selecte&d", nullptr, 0},
+    {Command::CHECK_SHOWS_LOCK, L"Chec&k mark shows locked", nullptr, 0},
 };
 constexpr Entry view_entries[] = {
     {Command::SLICE_NEXT, L"&Next slice", L"Page Up", KEY_PAGE_UP},
     {Command::SLICE_PREVIOUS, L"&Previous slice", L"Page Down", KEY_PAGE_DOWN},
-    {Command::SLICE_FIRST, L"First slice", L"Home", KEY_HOME},
-    {Command::SLICE_LAST, L"Last slice", L"End", KEY_END},
+    {Command::SLICE_FIRST, L"F&irst slice", L"Home", KEY_HOME},
+    {Command::SLICE_LAST, L"L&ast slice", L"End", KEY_END},
+    separator,
+    {Command::VOLUME_NEXT, L"Next vol&ume", L"Ctrl+N", Control('N')},
+    {Command::VOLUME_PREVIOUS, L"Previous volu&me", L"Ctrl+P", Control('P')},
     separator,
     {Command::ZOOM_100, L"&100 %", L"F5", Function_Key(5)},
     {Command::ZOOM_200, L"&200 %", L"F6", Function_Key(6)},
@@ -78,16 +89,39 @@ constexpr Entry view_entries[] = {
     separator,
     {Command::RANGE_OVERLAY, L"Threshold o&verlay", L"V", 'v'},
     separator,
+    {Command::FOCUS_NEXT, L"Ne&xt panel by keyboard", L"Tab", KEY_TAB},
+    {Command::FOCUS_PREVIOUS, L"Previous panel &by keyboard", L"Shift+Tab", 0},
+    {Command::PANEL_FOLD, L"Fol&d the panel", L"X", 'x'},
+    separator,
     {Command::TRACE_VIEW, L"&Trace view", L"F9", Function_Key(9)},
     {Command::THEME, L"&Light theme", L"F8", Function_Key(8)},
+};
+constexpr Entry image_entries[] = {
+    {Command::CURSOR_SHOW, L"&Keyboard cursor", L"I", 'i'},
+    {Command::CURSOR_PAINT, L"&Paint at the cursor", L"Space", ' '},
+    {Command::CURSOR_ERASE, L"&Erase at the cursor", L"Backspace", KEY_BACKSPACE},
+    {Command::CURSOR_PEN, L"Hold the pe&n down", L"Enter", KEY_ENTER},
+    {Command::CURSOR_PICK, L"Pick the &TAG at the cursor", L"A", 'a'},
+    separator,
+    {Command::ZOOM_IN, L"Zoom &in", L"*", '*'},
+    {Command::ZOOM_OUT, L"Zoom &out", L"/", '/'},
+    separator,
+    {Command::LEVEL_UP, L"&Darker (level up)", L")", ')'},
+    {Command::LEVEL_DOWN, L"&Brighter (level down)", L"(", '('},
+    {Command::WINDOW_WIDER, L"&Less contrast (wider window)", L"}", '}'},
+    {Command::WINDOW_NARROWER, L"&More contrast (narrower window)", L"{", '{'},
 };
 constexpr Entry analyze_entries[] = {
     {Command::HISTOGRAM_ALL, L"Histogram of &all frames", nullptr, 0},
     {Command::HISTOGRAM_SHOWN, L"Histogram of the &shown frame", L"H", 'h'},
     {Command::HISTOGRAM_RANGE, L"Histogram of a &range of frames...", nullptr, 0},
     {Command::HISTOGRAM_OF_TAG, L"Only pixels of the current &TAG", L"B", 'b'},
+    {Command::HISTOGRAM_SMOOTHED, L"S&moothed pixels (3 \u00D7 3)", nullptr, 0},
     {Command::HISTOGRAM_BINS, L"Most &bins...", nullptr, 0},
     {Command::HISTOGRAM_COMPONENT, L"Next colour &component", L"K", 'k'},
+    {Command::HISTOGRAM_HIGHER, L"Magnif&y the counts", L">", '>'},
+    {Command::HISTOGRAM_LOWER, L"Red&uce the counts", L"<", '<'},
+    {Command::HISTOGRAM_ENLARGE, L"&Enlarged histogram", L"Z", 'z'},
     separator,
     {Command::ANALYSIS_WINDOW, L"&Peak analysis...", L"F4", Function_Key(4)},
     {Command::FIT_GAUSSIAN, L"Fit &Gaussians", nullptr, 0},
@@ -107,10 +141,19 @@ constexpr Entry database_entries[] = {
     {Command::DATABASE, L"&Show the database", L"F3", Function_Key(3)},
     {Command::DATABASE_FIND, L"&Find...", L"Ctrl+F", Control('F')},
     separator,
+    {Command::DATABASE_FILES, L"F&iles", nullptr, 0},
+    {Command::DATABASE_2D, L"&2D classes", nullptr, 0},
+    {Command::DATABASE_3D, L"&3D classes", nullptr, 0},
+    {Command::DATABASE_1D, L"&1D classes", nullptr, 0},
+    {Command::DATABASE_WIDER, L"&Wider", nullptr, 0},
+    {Command::DATABASE_NARROWER, L"&Narrower", nullptr, 0},
+    separator,
     {Command::DATABASE_EXPAND, L"E&xpand all", nullptr, 0},
     {Command::DATABASE_COLLAPSE, L"&Collapse all", nullptr, 0},
     separator,
     {Command::DATABASE_EDIT, L"&Edit the class tree", L"F11", Function_Key(11)},
+    {Command::CLASS_UNDO, L"&Undo in the class trees", nullptr, 0},
+    {Command::CLASS_REDO, L"&Redo in the class trees", nullptr, 0},
 };
 constexpr Entry help_entries[] = {
     {Command::KEYS_HELP, L"&Keys and mouse", L"F1", Function_Key(1)},
@@ -127,6 +170,7 @@ constexpr Menu menus[] = {
     {L"&Edit", edit_entries, std::size(edit_entries)},
     {L"&TAG", tag_entries, std::size(tag_entries)},
     {L"&View", view_entries, std::size(view_entries)},
+    {L"&Image", image_entries, std::size(image_entries)},
     {L"&Propagate", propagate_entries, std::size(propagate_entries)},
     {L"&Analyze", analyze_entries, std::size(analyze_entries)},
     {L"&Database", database_entries, std::size(database_entries)},
@@ -137,13 +181,27 @@ constexpr Menu menus[] = {
 struct Further_Key {
     int key;
     Command command;
+    const wchar_t* text;
 };
 constexpr Further_Key further_keys[] = {
-    {'+', Command::BRUSH_LARGER},        {'-', Command::BRUSH_SMALLER},
-    {KEY_UP, Command::SLICE_NEXT},       {KEY_DOWN, Command::SLICE_PREVIOUS},
-    {KEY_RIGHT, Command::SLICE_NEXT},    {KEY_LEFT, Command::SLICE_PREVIOUS},
-    {KEY_ESCAPE, Command::CLOSE_BANNER}, {Function_Key(12), Command::REPORT_STATE},
+    {'+', Command::BRUSH_LARGER, L"+"},
+    {'-', Command::BRUSH_SMALLER, L"-"},
+    {KEY_UP, Command::SLICE_NEXT, L"Up"},
+    {KEY_RIGHT, Command::SLICE_NEXT, L"Right"},
+    {KEY_DOWN, Command::SLICE_PREVIOUS, L"Down"},
+    {KEY_LEFT, Command::SLICE_PREVIOUS, L"Left"},
+    {KEY_ESCAPE, Command::CLOSE_BANNER, L"Escape"},
+    {Function_Key(12), Command::REPORT_STATE, L"F12"},
 };
+
+/** A menu's text as it is read aloud: without the mark of its letter, and without the dots of a question. */
+std::wstring Spoken(std::wstring text) {
+    std::erase(text, L'&');
+    if (text.ends_with(L"...")) {
+        text.resize(text.size() - 3);
+    }
+    return text;
+}
 
 }  // namespace
 
@@ -188,28 +246,22 @@ HMENU Menu_Make() {
     return bar;
 }
 
-const wchar_t* Keys_Text() {
-    return L"Image\n"
-           L"  Left button: paint the current TAG.  Right button: erase.\n"
-           L"  Ctrl + left: pick the TAG under the pointer.\n"
-           L"  Wheel: other slice.  Ctrl + wheel: zoom.  Shift + left drag: move the image.\n"
-           L"  Middle drag, or Shift + right drag: window (sideways) and level (up and down).\n"
-           L"  M: place and move markers with the left button; Delete removes the current one.\n"
-           L"\n"
-           L"Panels\n"
-           L"  Left: pick.  Right: rename (Enter ends, Escape gives up).  Wheel: scroll.\n"
-           L"  In threshold mode (T) the right button edits the TAG's lower threshold.\n"
-           L"  The arrows in the headings fold a panel away.\n"
-           L"\n"
-           L"Database\n"
-           L"  Check rows by click, or by a drag over several; Ctrl adds, Shift extends.\n"
-           L"  Arrows walk the tree, Space checks a row; Left and Right close and open a branch.\n"
-           L"  Editor: drag a handle to another parent; right button renames; Delete takes a class out.\n"
-           L"\n"
-           L"Keys\n"
-           L"  0-9, N, P, G: pick a TAG.  E, S, L: enable, select, lock it.\n"
-           L"  [ ]  or  - +: brush size.  , .: marker.\n"
-           L"  Page Up, Page Down, Home, End, arrows: slices.\n"
-           L"  U, D: propagate to the next, previous frame.  Ctrl+R: repeat.  C, W: copy or grow.\n"
-           L"  Ctrl+Z, Ctrl+Y: undo, redo.  Ctrl+S: save labels.";
+std::vector<Key_Line> Key_Lines() {
+    std::vector<Key_Line> lines;
+    for (const Menu& menu : menus) {
+        for (std::size_t at = 0; at < menu.count; ++at) {
+            const Entry& entry = menu.first[at];
+            if (entry.text == nullptr) {
+                continue;
+            }
+            Key_Line line = {Spoken(menu.title), Spoken(entry.text), entry.key_text != nullptr ? entry.key_text : L""};
+            for (const Further_Key& further : further_keys) {
+                if (further.command == entry.command) {
+                    line.keys += (line.keys.empty() ? L"" : L", ") + std::wstring(further.text);
+                }
+            }
+            lines.push_back(std::move(line));
+        }
+    }
+    return lines;
 }

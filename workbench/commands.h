@@ -3,9 +3,14 @@
 
 #include "win32/gdi_handles.h"
 
+#include <string>
+#include <vector>
+
 enum class Command : WORD {
     NONE = 0,
     OPEN = 100,
+    OPEN_FOLDER,
+    NOT_OPENED,
     LOAD_LABELS,
     SAVE_LABELS,
     SAVE_LABELS_AS,
@@ -35,6 +40,8 @@ enum class Command : WORD {
     SLICE_PREVIOUS,
     SLICE_FIRST,
     SLICE_LAST,
+    VOLUME_NEXT,
+    VOLUME_PREVIOUS,
     ZOOM_100,
     ZOOM_200,
     ZOOM_TO_FIT,
@@ -46,6 +53,7 @@ enum class Command : WORD {
     HISTOGRAM_SHOWN,
     HISTOGRAM_RANGE,
     HISTOGRAM_OF_TAG,
+    HISTOGRAM_SMOOTHED,
     HISTOGRAM_BINS,
     HISTOGRAM_COMPONENT,
     RANGE_OVERLAY,
@@ -58,17 +66,47 @@ enum class Command : WORD {
     DATABASE_EXPAND,
     DATABASE_COLLAPSE,
     DATABASE_EDIT,
+    CLASS_UNDO,
+    CLASS_REDO,
     PROPAGATE_NEXT,
     PROPAGATE_PREVIOUS,
     PROPAGATE_REPEAT,
     PROPAGATE_REPEAT_BACK,
     FUNCTION_COPY,
     FUNCTION_GROW,
+    FOCUS_NEXT,
+    FOCUS_PREVIOUS,
+    PANEL_FOLD,
+    CURSOR_SHOW,
+    CURSOR_PAINT,
+    CURSOR_ERASE,
+    CURSOR_PEN,
+    CURSOR_PICK,
+    ZOOM_IN,
+    ZOOM_OUT,
+    LEVEL_UP,
+    LEVEL_DOWN,
+    WINDOW_WIDER,
+    WINDOW_NARROWER,
+    TAG_RENAME,
+    TAG_THRESHOLD_MIN,
+    TAG_COLORS,
+    MARKER_RENAME,
+    HISTOGRAM_HIGHER,
+    HISTOGRAM_LOWER,
+    HISTOGRAM_ENLARGE,
+    DATABASE_FILES,
+    DATABASE_2D,
+    DATABASE_3D,
+    DATABASE_1D,
+    DATABASE_WIDER,
+    DATABASE_NARROWER,
     KEYS_HELP,
     ABOUT,
     CLOSE_BANNER,
     REPORT_STATE,
     TAG_DIGIT_0 = 200,  ///< to TAG_DIGIT_0 + 9
+    RECENT_0 = 220,     ///< files opened lately, to RECENT_0 + RECENT_MAX - 1
 };
 
 /** The command of a key code of the panels (see KEY_*); NONE: the key means nothing. Letters of both cases count. */
@@ -77,5 +115,11 @@ Command Command_Of_Key(int key);
 /** The menu bar, owned by the window that it is given to. */
 HMENU Menu_Make();
 
-/** All keys and mouse gestures as text, for the help. */
-const wchar_t* Keys_Text();
+/** One line of the list of keys. */
+struct Key_Line {
+    std::wstring menu;  ///< title of the menu, without its mark
+    std::wstring what;  ///< the entry's text, without its mark and dots
+    std::wstring keys;  ///< all keys, parted by commas; empty: by the menu only
+};
+/** All commands in the order of the menus. */
+std::vector<Key_Line> Key_Lines();

@@ -222,6 +222,20 @@ std::uint32_t Host_Variables::Tag_Color(int tag) const {
     return (high_byte("$TAG_RED") << 16U) | (high_byte("$TAG_GRN") << 8U) | high_byte("$TAG_BLU");
 }
 
+void Host_Variables::Tag_Color_Set(int tag, std::uint32_t color) {
+    if (tag <= 0 || tag >= TAG_MAX) {
+        return;
+    }
+    const auto set = [&](const char* name, unsigned int shift) {
+        // Both bytes alike: the whole range of 16 bits.
+        Array_Of<std::uint16_t>(name, VARIABLE_UNSIGNED_16)[static_cast<std::size_t>(tag)] =
+            static_cast<std::uint16_t>(((color >> shift) & 0xFFU) * 257U);
+    };
+    set("$TAG_RED", 16);
+    set("$TAG_GRN", 8);
+    set("$TAG_BLU", 0);
+}
+
 int Host_Variables::Marker_Cur() const {
     return Number("$MARKER_CUR");
 }

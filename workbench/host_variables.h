@@ -45,6 +45,8 @@ class Host_Variables {
     void Tag_Label_Set(int tag, const char* label);
     /** 0x00RRGGBB, as the panels show it; the background is grey. */
     std::uint32_t Tag_Color(int tag) const;
+    /** @param tag 1 .. TAG_MAX - 1; @param color 0x00RRGGBB */
+    void Tag_Color_Set(int tag, std::uint32_t color);
     /** The label, or the number of a TAG without one. */
     std::string Tag_Name(int tag) const;
 

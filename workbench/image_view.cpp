@@ -44,7 +44,11 @@ void Image_View::Render(const Pixel_Rect& part) {
 
 void Image_View::Refresh() {
     const int slices_before = content.slice_nb;
+    const int slice_before = content.slice;
     content = user.Content();
+    if (slices_before != content.slice_nb || slice_before != content.slice) {
+        Pen_Set(false);  // a stroke belongs to one slice
+    }
     if (slices_before != content.slice_nb) {
         state.center_x = state.center_y = 0.5;
     }

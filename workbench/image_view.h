@@ -68,6 +68,26 @@ class Image_View : public Window_Base {
     /** @param zoom screen pixels per slice pixel, or ZOOM_FIT */
     void Zoom_Set(double zoom);
     void Wheel(int delta, bool is_zoom, POINT screen);
+
+    // Without a mouse (image_view_cursor.cpp).
+    /** Shows a cursor that keys move, in the middle or where the pointer is. Only with a volume. */
+    void Cursor_Set(bool on);
+    bool Is_Cursor() const { return is_cursor; }
+    /** By pixels of the slice; the slice moves along when it does not fit. With the pen down it paints. */
+    void Cursor_Move(int dx, int dy);
+    /** One touch of the brush, or of the marker in marker mode, at the cursor. */
+    void Cursor_Act(bool erase);
+    /** With the pen down the cursor draws a stroke; it ends when the pen is lifted. */
+    void Pen_Set(bool down);
+    bool Is_Pen_Down() const { return is_pen_down; }
+    void Cursor_Pick();
+    /** Notches of the wheel, about the middle of the view. */
+    void Zoom_By(int notches);
+    /** The mark of what the keyboard acts on. */
+    void Focus_Set(bool on);
+    const std::wstring& Caption() const { return content.caption; }
+    int Cursor_X() const { return over_x; }
+    int Cursor_Y() const { return over_y; }
     /** Where the slice stands, for the report. */
     View_Layout Layout() const { return layout; }
     RECT Slider_Box() const;
@@ -85,6 +105,7 @@ class Image_View : public Window_Base {
     void Draw_Markers(HDC dc) const;
     void Draw_Texts(HDC dc) const;
     void Draw_Slider(HDC dc) const;
+    void Draw_Keyboard_Marks(HDC dc) const;
     void Press(UINT message, WPARAM keys, POINT point);
     void Release();
     void Move(WPARAM keys, POINT point);
@@ -106,6 +127,9 @@ class Image_View : public Window_Base {
     std::vector<Outline_Edge> outline;
     Pixel_Rect brush_box;  ///< of the footprint, relative to its centre
     bool is_marker_mode = false;
+    bool is_cursor = false;  ///< keys move what the pointer moves
+    bool is_pen_down = false;
+    bool has_focus = false;
     bool is_over = false;
     int over_x = 0;
     int over_y = 0;

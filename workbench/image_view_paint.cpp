@@ -57,6 +57,7 @@ void Image_View::Paint() {
         Draw_Texts(memory.Get());
     }
     Draw_Slider(memory.Get());
+    Draw_Keyboard_Marks(memory.Get());
     ::BitBlt(paint.Get(), dirty.left, dirty.top, width, height, memory.Get(), dirty.left, dirty.top, SRCCOPY);
 }
 
@@ -158,5 +159,5 @@ void Image_View::Draw_Slider(HDC dc) const {
     const int thumb = std::max(length / content.slice_nb, look.Px(24));
     const int y = box.top + (length - thumb) * (content.slice_nb - 1 - content.slice) / (content.slice_nb - 1);
     RECT place = {box.left + look.Px(3), y, box.right - look.Px(3), y + thumb};
-    Fill(dc, place, drag == Drag::SLIDER ? look.accent : look.heading_hover);
+    Fill(dc, place, drag == Drag::SLIDER ? look.accent : look.thumb);
 }

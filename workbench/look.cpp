@@ -3,12 +3,18 @@
 #include <algorithm>
 #include <cmath>
 
+#include "workbench/model/theme_colors.h"
 #include "workbench/wide_text.h"
 
 namespace {
 
 constexpr int dpi_normal = 96;
 constexpr int font_height = 13;  // pixels at 96 dots per inch
+
+/** The system's order of the components. */
+COLORREF Colorref_Of(std::uint32_t color) {
+    return RGB((color >> 16U) & 0xFFU, (color >> 8U) & 0xFFU, color & 0xFFU);
+}
 
 Gdi_Font Font_Make(int height, int weight, const wchar_t* face, int pitch) {
     LOGFONTW description = {};
@@ -30,20 +36,22 @@ Look::Look() {
 
 void Look::Theme_Set(Library_Theme wanted) {
     theme = wanted;
-    const bool is_dark = theme == Library_Theme::Dark;
-    ground = is_dark ? RGB(43, 45, 50) : RGB(226, 228, 232);
-    heading = is_dark ? RGB(62, 66, 74) : RGB(205, 209, 216);
-    heading_hover = is_dark ? RGB(76, 81, 91) : RGB(191, 197, 206);
-    image_ground = is_dark ? RGB(18, 19, 21) : RGB(160, 164, 170);
-    text = is_dark ? RGB(230, 232, 235) : RGB(29, 31, 36);
-    text_grey = is_dark ? RGB(150, 156, 166) : RGB(96, 102, 112);
-    line = is_dark ? RGB(27, 28, 32) : RGB(166, 171, 181);
-    accent = is_dark ? RGB(61, 139, 234) : RGB(31, 111, 208);
-    warning = is_dark ? RGB(92, 66, 18) : RGB(255, 231, 170);
-    warning_text = is_dark ? RGB(255, 226, 158) : RGB(92, 58, 0);
-    const unsigned short dark_face[3] = {56, 58, 64};
-    const unsigned short light_face[3] = {236, 237, 240};
-    std::copy_n(is_dark ? dark_face : light_face, 3, panel);
+    const Theme_Colors& colors = Theme_Colors_Of(theme == Library_Theme::Dark);
+    ground = Colorref_Of(colors.ground);
+    heading = Colorref_Of(colors.heading);
+    heading_hover = Colorref_Of(colors.heading_hover);
+    image_ground = Colorref_Of(colors.image_ground);
+    text = Colorref_Of(colors.text);
+    text_grey = Colorref_Of(colors.text_grey);
+    line = Colorref_Of(colors.line);
+    accent = Colorref_Of(colors.accent);
+    accent_text = Colorref_Of(colors.accent_text);
+    thumb = Colorref_Of(colors.thumb);
+    warning = Colorref_Of(colors.warning);
+    warning_text = Colorref_Of(colors.warning_text);
+    panel[0] = GetRValue(Colorref_Of(colors.panel));
+    panel[1] = GetGValue(Colorref_Of(colors.panel));
+    panel[2] = GetBValue(Colorref_Of(colors.panel));
     Library_Theme_Set(theme);
 }
 
@@ -62,6 +70,13 @@ int Look::Px(int pixels) const {
 void Fill(HDC dc, const RECT& area, COLORREF color) {
     const Gdi_Brush brush(::CreateSolidBrush(color));
     ::FillRect(dc, &area, brush.Get());
+}
+
+void Frame(HDC dc, const RECT& area, int thickness, COLORREF color) {
+    Fill(dc, {area.left, area.top, area.right, area.top + thickness}, color);
+    Fill(dc, {area.left, area.bottom - thickness, area.right, area.bottom}, color);
+    Fill(dc, {area.left, area.top, area.left + thickness, area.bottom}, color);
+    Fill(dc, {area.right - thickness, area.top, area.right, area.bottom}, color);
 }
 
 int Draw_Line(HDC dc, const RECT& area, std::wstring_view text, HFONT font, COLORREF color, UINT format) {

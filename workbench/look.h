@@ -8,6 +8,7 @@
 
 #include "kits/widgets/widgets_host.h"
 
+/** The colours are those of model/theme_colors.h, where it is checked that they can be read. */
 class Look {
   public:
     COLORREF ground = 0;   ///< tool area and status line
@@ -18,6 +19,8 @@ class Look {
     COLORREF text_grey = 0;
     COLORREF line = 0;
     COLORREF accent = 0;
+    COLORREF accent_text = 0;
+    COLORREF thumb = 0;    ///< slice slider
     COLORREF warning = 0;  ///< banner
     COLORREF warning_text = 0;
     unsigned short panel[3] = {};  ///< face of the panels: red, green, blue
@@ -44,6 +47,8 @@ class Look {
 
 /** Fills a rectangle with one colour. */
 void Fill(HDC dc, const RECT& area, COLORREF color);
+/** The edges of a rectangle, to the inside. @param thickness pixels */
+void Frame(HDC dc, const RECT& area, int thickness, COLORREF color);
 /** Draws one line of text, centred in height, cut with an ellipsis. @param format DT_LEFT, DT_RIGHT or DT_CENTER
  *  @return its width */
 int Draw_Line(HDC dc, const RECT& area, std::wstring_view text, HFONT font, COLORREF color, UINT format);

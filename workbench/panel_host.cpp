@@ -1,9 +1,15 @@
 #include "workbench/panel_host.h"
 
+#include <oleacc.h>
+
 #include <algorithm>
+#include <iterator>
+
+#include "kits/widgets/shown_widgets.h"
 
 namespace {
 
+constexpr int face_font_most = 15;   // pixels; the rows of such panels are 18 pixels high on every screen
 constexpr int box_size_max = 32767;  // rectangles of panels are 16 bits wide
 
 }  // namespace
@@ -23,6 +29,26 @@ bool Panel_Host::Make(HWND parent, Window_Axis axis) {
     return true;
 }
 
+void Panel_Host::Accessible_Names(const std::wstring& name, std::function<std::wstring(int)> part_name,
+                                  std::function<std::vector<Accessible_Part>()> own_parts) {
+    Accessible_Source source;
+    source.role = ROLE_SYSTEM_GROUPING;
+    source.name = [name] { return name; };
+    source.parts = [this, part_name = std::move(part_name), own_parts = std::move(own_parts)] {
+        if (!is_watched) {
+            is_watched = true;
+            Window_Widgets_Watch(Handle(), true);
+            Paint();
+        }
+        std::vector<Accessible_Part> parts = Widget_Parts(Handle(), part_name);
+        if (own_parts) {
+            std::ranges::move(own_parts(), std::back_inserter(parts));
+        }
+        return parts;
+    };
+    Accessible_Set(std::move(source));
+}
+
 void Panel_Host::Lay_Out() {
     const RECT client = Client();
     if (client.right <= 0 || client.bottom <= 0) {
@@ -38,7 +64,7 @@ void Panel_Host::Lay_Out() {
     if (face_grey != 0) {
         box.Set_Color(static_cast<unsigned char>(face_grey), static_cast<unsigned char>(face_grey),
                       static_cast<unsigned char>(face_grey));
-        box.font_scale = static_cast<short>(look.Px(face_font));
+        box.font_scale = static_cast<short>(std::min(look.Px(face_font), face_font_most));
     }
     box.border = 1;
     box.window = Handle();

@@ -3,9 +3,11 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "host/kit_dataset.h"
 #include "kits/widgets/widgets_host.h"
+#include "workbench/accessible.h"
 #include "workbench/look.h"
 #include "workbench/window_base.h"
 
@@ -65,10 +67,17 @@ class Panel_Host : public Window_Base {
         face_grey = grey;
         face_font = font_height;
     }
+    /** What the panel is called for those who hear the screen.
+     *  @param part_name names parts without a caption, by their number among these; may be empty
+     *  @param own_parts for panels that draw more than the library's widgets; may be empty */
+    void Accessible_Names(const std::wstring& name, std::function<std::wstring(int)> part_name = {},
+                          std::function<std::vector<Accessible_Part>()> own_parts = {});
     /** Gives the panel the whole window as its box. To be called again after a change of the look. */
     void Lay_Out();
     int Wanted_Height() { return panel.Height(); }
     void Update(unsigned __int64 flags);
+    /** Draws the panel anew, at once. */
+    void Refresh() { Paint(); }
     /** The wheel over this window. @param delta of the message; parts of a notch are kept */
     void Wheel(int delta);
     /** @return true when the panel used the key */
@@ -103,4 +112,5 @@ class Panel_Host : public Window_Base {
     int face_font = 0;
     int wheel_rest = 0;
     bool is_laid_out = false;
+    bool is_watched = false;  // the library notes what it paints, from the first question on
 };

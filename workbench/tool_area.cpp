@@ -160,11 +160,62 @@ void Tool_Area::Draw_Heading(HDC dc, const Section& section, bool is_hovered) co
     Draw_Line(dc, text, section.note, look.Font(), look.text_grey, DT_RIGHT);
 }
 
+LONG Tool_Area::Section_Bottom(const Section& section) const {
+    RECT panel = section.heading;
+    if (!section.is_folded) {
+        ::GetWindowRect(section.host->Handle(), &panel);
+        ::MapWindowPoints(nullptr, Handle(), reinterpret_cast<POINT*>(&panel), 2);
+    }
+    return panel.bottom;
+}
+
+void Tool_Area::Focus_Set(int panel) {
+    focused = panel >= 0 && panel < Panel_Nb() ? panel : -1;
+    if (focused >= 0) {
+        const Section& section = sections[static_cast<std::size_t>(focused)];
+        const int below = static_cast<int>(Section_Bottom(section) - Client().bottom) + look.Px(margin);
+        const int above = static_cast<int>(section.heading.top) - look.Px(margin);
+        // The heading comes first when the panel is higher than the window.
+        const int step = above < 0 ? above : std::min(std::max(below, 0), above);
+        if (step != 0) {
+            Scroll_To(offset + step);
+        }
+    }
+    Invalidate();
+}
+
+unsigned int Tool_Area::Folded() const {
+    unsigned int bits = 0;
+    for (std::size_t at = 0; at < sections.size(); ++at) {
+        bits |= sections[at].is_folded ? 1U << at : 0U;
+    }
+    return bits;
+}
+
+void Tool_Area::Folded_Set(unsigned int bits) {
+    for (std::size_t at = 0; at < sections.size(); ++at) {
+        sections[at].is_folded = ((bits >> at) & 1U) != 0;
+    }
+    Lay_Out();
+}
+
+void Tool_Area::Fold_Toggle(int panel) {
+    if (panel >= 0 && panel < Panel_Nb()) {
+        Folded_Set(Folded() ^ (1U << static_cast<unsigned int>(panel)));
+    }
+}
+
 void Tool_Area::Paint() {
     const Buffered_Paint paint(Handle());
     Fill(paint.Dc(), paint.Client(), look.ground);
     for (std::size_t at = 0; at < sections.size(); ++at) {
         Draw_Heading(paint.Dc(), sections[at], static_cast<int>(at) == hovered);
+        if (static_cast<int>(at) == focused) {
+            RECT whole = sections[at].heading;
+            whole.bottom = Section_Bottom(sections[at]);
+            ::InflateRect(&whole, look.Px(3), look.Px(3));
+            Frame(paint.Dc(), whole, look.Px(3), look.accent);
+        }
     }
 }
 

@@ -21,6 +21,17 @@ class Tool_Area : public Window_Base {
     /** Places all panels anew, for example after a change of the look. */
     void Lay_Out();
     void Update(unsigned __int64 flags);
+
+    // The panels by their numbers, in the order in which they were added.
+    int Panel_Nb() const { return static_cast<int>(sections.size()); }
+    /** Marks the panel that the keyboard acts on and scrolls to it; -1: none. */
+    void Focus_Set(int panel);
+    /** Headings for those who hear the screen. */
+    void Accessible_Names();
+    /** Bit per panel, the first one lowest. */
+    unsigned int Folded() const;
+    void Folded_Set(unsigned int bits);
+    void Fold_Toggle(int panel);
     /** The panel under a point of the screen; null: none. */
     Panel_Host* Panel_At(POINT screen) const;
     /** The wheel over the area but over no panel: scrolls the area itself. */
@@ -39,6 +50,7 @@ class Tool_Area : public Window_Base {
         RECT heading = {};
     };
     void Paint();
+    LONG Section_Bottom(const Section& section) const;
     void Draw_Heading(HDC dc, const Section& section, bool is_hovered) const;
     void Press(POINT point);
     void Hover(int section);
@@ -49,5 +61,6 @@ class Tool_Area : public Window_Base {
     const Look& look;
     std::vector<Section> sections;
     int hovered = -1;
+    int focused = -1;
     int offset = 0;  ///< pixels scrolled away at the top
 };

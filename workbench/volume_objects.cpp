@@ -2,17 +2,67 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
-#include "volumes/message_text.h"
+#include "workbench/model/slice_smoothing.h"
+#include "workbench/wide_text.h"
 
 namespace {
 
 constexpr int grid_bins_max = 4096;
-constexpr unsigned short modality_magnetic_resonance = 'M' << 8 | 'R';
-constexpr unsigned short modality_other = 'O' << 8 | 'T';
 
 void Icon_Set(Quorel_2D& object, const char* file) {
     std::snprintf(object.icon, sizeof object.icon, "%s", file);
+}
+
+std::string Panel_Of_Utf8(const std::string& text) {
+    return Panel_Of_Wide(Wide_Of_Utf8(text));
+}
+
+/** The folder that all files lie below: their paths are shown from its name on. Empty: they have none. */
+std::filesystem::path Common_Folder(const std::vector<std::filesystem::path>& files) {
+    std::filesystem::path common = files.empty() ? std::filesystem::path() : files.front().parent_path();
+    for (const std::filesystem::path& file : files) {
+        while (common.has_relative_path() &&
+               std::mismatch(common.begin(), common.end(), file.begin(), file.end()).first != common.end()) {
+            common = common.parent_path();
+        }
+    }
+    return common;
+}
+
+/** The path as it is shown: long ways to the common folder would hide what differs. */
+std::string Shown_Path(const std::filesystem::path& file, const std::filesystem::path& common) {
+    const std::filesystem::path below = file.lexically_relative(common.parent_path());
+    return Panel_Of_Wide((below.empty() || !common.has_relative_path() ? file : below).wstring());
+}
+
+bool Is_Selected(const Quorel_2D& frame) {
+    return frame.Flag_Get_Bit(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION) != 0;
+}
+
+void Histogram_Build(Level_Frame& frame, const Volume& image, const unsigned char* mask) {
+    const Histo_Grid grid = Histo_Grid_Of_Levels(image.level_min, image.level_max, static_cast<float>(image.slope),
+                                                 static_cast<float>(image.intercept), grid_bins_max);
+    Frame_Histogram_Build(&frame, grid, mask);
+}
+
+/** Gives the frame the histogram of its 3 x 3 means. @param smooth room for them */
+void Smooth_Histogram_Build(Level_Frame& frame, const Volume& image, const unsigned char* mask,
+                            std::vector<std::int32_t>& smooth) {
+    const std::size_t plane = std::size_t{frame.width} * frame.height;
+    const std::int32_t steps = Smoothing_Steps(image.level_min, image.level_max);
+    const float slope = static_cast<float>(image.slope) / static_cast<float>(steps);
+    smooth.resize(plane);
+    Slice_Smooth({frame.levels, plane}, frame.width, frame.height, steps, smooth);
+    Level_Frame means(smooth.data(), frame.width, frame.height, 1, 1, slope, frame.intercept, false);
+    Frame_Histogram_Build(
+        &means,
+        Histo_Grid_Of_Levels(image.level_min * steps, image.level_max * steps, slope, frame.intercept, grid_bins_max),
+        mask);
+    Frame_Histogram_Free(&frame);
+    std::swap(frame.histogram, means.histogram);
+    std::swap(frame.histogram_built, means.histogram_built);
 }
 
 }  // namespace
@@ -29,58 +79,126 @@ void Volume_Objects::Clear() {
     Window_Frame_Set(&window, nullptr);
     Variable_Define_Pointer("$FRAME_OVR", nullptr);
     Variable_Define_Pointer("$DB_2D_ROOT_PT", nullptr);
-    frames.clear();
-    volume.reset();
+    Variable_Define_Scalar("$DB_2D_FILE_NB", VARIABLE_SIGNED_32, 0);
+    Variable_Define_Array("$DB_2D_FILE_PT", VARIABLE_POINTER, 0);
+    files.clear();
+    places.clear();
+    // Parents first: a frame that hangs nowhere need not be looked for among its neighbours.
     root.reset();
-    for (const auto& frame : data) {
-        Frame_Histogram_Free(frame.get());
+    for (const auto& one : shown) {
+        one->object.reset();
+        one->frames.clear();
     }
-    data.clear();
+    shown.clear();
+    current = -1;
 }
 
-void Volume_Objects::Build(const Session& session) {
+void Volume_Objects::Build(const Open_Volumes& volumes, const Session& in_hand) {
     Clear();
-    const Volume& image = session.Image();
-    const auto slope = static_cast<float>(image.slope);
-    const auto intercept = static_cast<float>(image.intercept);
-    title = File_Name_Text(session.Path());
-    descriptor = image.color ? "Colour image" : "Grey image, " + image.scalar_type;
     root = std::make_unique<Quorel_2D>();
     root->Title_Set("Images");
     Icon_Set(*root, "class Images.tga");
-    volume = std::make_unique<Quorel_2D>();
-    volume->Title_Set("Volume");
-    Icon_Set(*volume, "icon volume.tga");
-    volume->Name_Set(title.c_str());
-    volume->descriptor = descriptor.c_str();
-    root->Child_Add(volume.get());
-    for (int slice = 0; slice < session.Slice_Nb(); ++slice) {
-        auto pixels = std::make_unique<Level_Frame>(session.Levels(slice).data(), image.nx, image.ny, 1, 1, slope,
-                                                    intercept, image.color);
-        pixels->modality = image.color ? modality_other : modality_magnetic_resonance;
-        auto frame = std::make_unique<Quorel_2D>();
-        frame->Title_Set("Frame");
-        Icon_Set(*frame, "icon image.tga");
-        frame->Name_Set(std::to_string(slice + 1).c_str());
-        frame->frame = pixels.get();
-        frame->descriptor = descriptor.c_str();
-        volume->Child_Add(frame.get());
-        Object_Register_2D(frame.get());
-        data.push_back(std::move(pixels));
-        frames.push_back(std::move(frame));
+    for (int at = 0; at < volumes.Nb(); ++at) {
+        Volume_Build(at, volumes.Facts(at), volumes.Session_Of(at, in_hand));
     }
-    Histograms_Build(session, -1);
+    Files_Build(volumes);
+    current = volumes.Current();
     Variable_Define_Pointer("$WINDOW_CUR", &window);
     Variable_Define_Pointer("$DB_2D_ROOT_PT", root.get());
 }
 
+void Volume_Objects::Volume_Build(int at, const Volume_Facts& facts, const Session& session) {
+    const Volume& image = session.Image();
+    const auto slope = static_cast<float>(image.slope);
+    const auto intercept = static_cast<float>(image.intercept);
+    const auto frame_of = [&](int slice, int times) {
+        auto data = std::make_unique<Level_Frame>(session.Levels(slice).data(), image.nx, image.ny, 1, times, slope,
+                                                  intercept, image.color);
+        data->modality = facts.modality;
+        data->flags = facts.is_scout ? FRAME_FLAG_SCOUT : 0;
+        return data;
+    };
+    Shown_Volume& made = *shown.emplace_back(std::make_unique<Shown_Volume>());
+    made.name = Panel_Of_Utf8(facts.title);
+    made.descriptor = Panel_Of_Utf8(facts.descriptor);
+    made.object = std::make_unique<Quorel_2D>();
+    made.object->Title_Set(facts.is_scout ? "Scout" : (facts.is_cine ? "Cine" : "Volume"));
+    Icon_Set(*made.object, facts.is_scout ? "icon scout.tga" : (facts.is_cine ? "icon cine.tga" : "icon volume.tga"));
+    made.object->Name_Set(made.name.c_str());
+    made.object->descriptor = made.descriptor.c_str();
+    root->Child_Add(made.object.get());
+    if (facts.is_cine) {
+        made.cine = frame_of(0, session.Slice_Nb());
+        made.further[0] = made.cine.get();
+    }
+    for (int slice = 0; slice < session.Slice_Nb(); ++slice) {
+        auto data = frame_of(slice, 1);
+        Histogram_Build(*data, image, nullptr);
+        auto frame = std::make_unique<Quorel_2D>();
+        frame->Title_Set("Frame");
+        Icon_Set(*frame, facts.is_scout ? "icon scout.tga" : "icon image.tga");
+        frame->Name_Set(std::to_string(slice + 1).c_str());
+        frame->frame = data.get();
+        frame->frame_more_nb = facts.is_cine ? 1 : 0;
+        frame->frame_more = facts.is_cine ? made.further : nullptr;
+        frame->descriptor = made.descriptor.c_str();
+        made.object->Child_Add(frame.get());
+        Object_Register_2D(frame.get());
+        places[frame.get()] = {at, slice};
+        made.data.push_back(std::move(data));
+        made.frames.push_back(std::move(frame));
+    }
+}
+
+void Volume_Objects::Files_Build(const Open_Volumes& volumes) {
+    const std::filesystem::path common = Common_Folder(volumes.Files());
+    for (const std::filesystem::path& path : volumes.Files()) {
+        files.emplace_back(std::make_unique<File>())->path = Shown_Path(path, common);
+    }
+    for (int at = 0; at < volumes.Nb(); ++at) {
+        const Volume_Facts& facts = volumes.Facts(at);
+        const Shown_Volume& one = *shown[static_cast<std::size_t>(at)];
+        if (facts.is_cine) {
+            files[static_cast<std::size_t>(facts.file_of_slice.front())]->frames.push_back(one.cine.get());
+            continue;
+        }
+        for (std::size_t slice = 0; slice < one.data.size(); ++slice) {
+            files[static_cast<std::size_t>(facts.file_of_slice[slice])]->frames.push_back(one.data[slice].get());
+        }
+    }
+    std::erase_if(files, [](const std::unique_ptr<File>& file) { return file->frames.empty(); });
+    const int nb = static_cast<int>(files.size());
+    auto** const table = static_cast<void**>(Variable_Define_Array("$DB_2D_FILE_PT", VARIABLE_POINTER, nb));
+    for (std::size_t at = 0; table != nullptr && at < files.size(); ++at) {
+        File& file = *files[at];
+        file.flags.assign(file.frames.size(), 0);
+        file.record = {file.path.c_str(), static_cast<int>(file.frames.size()), file.frames.data(), file.flags.data()};
+        table[at] = &file.record;
+    }
+    Variable_Define_Scalar("$DB_2D_FILE_NB", VARIABLE_SIGNED_32, table != nullptr ? nb : 0);
+}
+
+const Volume_Objects::Shown_Volume* Volume_Objects::Current() const {
+    return current >= 0 && static_cast<std::size_t>(current) < shown.size()
+               ? shown[static_cast<std::size_t>(current)].get()
+               : nullptr;
+}
+
 Quorel_2D* Volume_Objects::Frame(int slice) const {
-    return slice >= 0 && static_cast<std::size_t>(slice) < frames.size() ? frames[static_cast<std::size_t>(slice)].get()
-                                                                         : nullptr;
+    const Shown_Volume* const one = Current();
+    return one != nullptr && slice >= 0 && static_cast<std::size_t>(slice) < one->frames.size()
+               ? one->frames[static_cast<std::size_t>(slice)].get()
+               : nullptr;
+}
+
+Frame_Place Volume_Objects::Place_Of(const Quorel_2D* frame) const {
+    const auto found = places.find(frame);
+    return found != places.end() ? found->second : Frame_Place{};
 }
 
 int Volume_Objects::Slice_Of(const Quorel_2D* frame) const {
-    return volume ? volume->Child_Get_Id(frame) : -1;
+    const Frame_Place place = Place_Of(frame);
+    return place.volume == current ? place.slice : -1;
 }
 
 void Volume_Objects::Show(int slice) {
@@ -88,27 +206,54 @@ void Volume_Objects::Show(int slice) {
 }
 
 void Volume_Objects::Select(int first, int last) {
-    for (int slice = 0; static_cast<std::size_t>(slice) < frames.size(); ++slice) {
-        Quorel_2D* frame = Frame(slice);
-        if (slice >= first && slice <= last) {
-            frame->Flag_Set_On(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
-        } else {
-            frame->Flag_Set_Off(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
+    for (std::size_t volume = 0; volume < shown.size(); ++volume) {
+        const bool is_current = static_cast<int>(volume) == current;
+        int slice = 0;
+        for (const auto& frame : shown[volume]->frames) {
+            if (is_current && slice >= first && slice <= last) {
+                frame->Flag_Set_On(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
+            } else {
+                frame->Flag_Set_Off(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
+            }
+            ++slice;
         }
     }
 }
 
-void Volume_Objects::Histograms_Build(const Session& session, int tag) {
-    const Volume& image = session.Image();
-    const Histo_Grid grid = Histo_Grid_Of_Levels(image.level_min, image.level_max, static_cast<float>(image.slope),
-                                                 static_cast<float>(image.intercept), grid_bins_max);
+Quorel_2D* Volume_Objects::Selected_Frame() const {
+    Quorel_2D* const now = Window_Frame(&window);
+    if (now != nullptr && Is_Selected(*now)) {
+        return now;
+    }
+    const auto first_of = [](const Shown_Volume& one) -> Quorel_2D* {
+        const auto found = std::ranges::find_if(one.frames, [](const auto& frame) { return Is_Selected(*frame); });
+        return found != one.frames.end() ? found->get() : nullptr;
+    };
+    Quorel_2D* found = Current() != nullptr ? first_of(*Current()) : nullptr;
+    for (std::size_t volume = 0; found == nullptr && volume < shown.size(); ++volume) {
+        found = first_of(*shown[volume]);
+    }
+    return found;
+}
+
+void Volume_Objects::Histograms_Build(const Session& session, int tag, bool is_smoothed) {
+    if (Current() == nullptr) {
+        return;
+    }
     std::vector<unsigned char> mask;
-    for (std::size_t slice = 0; slice < data.size(); ++slice) {
+    std::vector<std::int32_t> smooth;
+    for (std::size_t slice = 0; slice < Current()->data.size(); ++slice) {
         if (tag >= 0) {
             const std::span<const std::uint8_t> tags = session.Labels().Slice(static_cast<int>(slice));
             mask.resize(tags.size());
             std::ranges::transform(tags, mask.begin(), [tag](std::uint8_t at) { return at == tag ? 1 : 0; });
         }
-        Frame_Histogram_Build(data[slice].get(), grid, tag >= 0 ? mask.data() : nullptr);
+        Level_Frame& frame = *Current()->data[slice];
+        const unsigned char* const counted = tag >= 0 ? mask.data() : nullptr;
+        if (is_smoothed && !session.Image().color) {
+            Smooth_Histogram_Build(frame, session.Image(), counted, smooth);
+        } else {
+            Histogram_Build(frame, session.Image(), counted);
+        }
     }
 }

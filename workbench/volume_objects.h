@@ -1,12 +1,20 @@
-/** The data objects that the panels see: a volume, one frame per slice, the image window. */
+/** The data objects that the panels see: volumes, one frame per slice, the files that they came from, the image window.
+ */
 #pragma once
 
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "kits/dataset/dataset_host.h"
-#include "workbench/model/session.h"
+#include "workbench/model/open_volumes.h"
+
+/** Where a frame is: -1 for no frame. */
+struct Frame_Place {
+    int volume = -1;
+    int slice = -1;
+};
 
 class Volume_Objects {
   public:
@@ -15,30 +23,59 @@ class Volume_Objects {
     Volume_Objects(const Volume_Objects&) = delete;
     Volume_Objects& operator=(const Volume_Objects&) = delete;
 
-    /** Makes the objects of a session's volume, histograms included, and names them in the host variables. The
-     * session's levels must outlive them. */
-    void Build(const Session& session);
+    /** Makes the objects of all open volumes, histograms included, and names them and their files in the host
+     *  variables. The sessions' levels must outlive them; the volume in hand is the current one. */
+    void Build(const Open_Volumes& volumes, const Session& in_hand);
     /** Takes the objects away; nothing is shown. */
     void Clear();
 
     Quorel_Window* Window() { return &window; }
-    /** The frame of a slice; null outside. */
+    /** Makes another volume the one that Frame, Slice_Of, Select and Histograms_Build mean. */
+    void Current_Set(int wanted) { current = wanted; }
+    /** The root of the 2D class tree; null without a volume. */
+    Quorel_2D* Root() const { return root.get(); }
+    /** The frame of a slice of the current volume; null outside. */
     Quorel_2D* Frame(int slice) const;
-    /** The slice of a frame; -1 for any other object. */
+    /** The slice of a frame of the current volume; -1 for any other object. */
     int Slice_Of(const Quorel_2D* frame) const;
+    /** Of any volume's frame. */
+    Frame_Place Place_Of(const Quorel_2D* frame) const;
     /** Makes a slice the one that the window shows; tells nobody. */
     void Show(int slice);
     /** Selects the frames of slices first .. last and no other: what the histogram is made of. */
     void Select(int first, int last);
-    /** Builds the frames' histograms anew. @param tag only pixels of this TAG count; -1: all */
-    void Histograms_Build(const Session& session, int tag);
+    /** The frame to show when the selection has changed: the shown one if it is selected, else the first selected one
+     *  of the current volume, else of all; null when none is. */
+    Quorel_2D* Selected_Frame() const;
+    /** Builds the current volume's histograms anew. @param tag only pixels of this TAG count; -1: all
+     *  @param is_smoothed counts means of 3 x 3 pixels instead, in ninths of a level; not for colours */
+    void Histograms_Build(const Session& session, int tag, bool is_smoothed = false);
 
   private:
+    /** A file as the panels see it. */
+    struct File {
+        File_Record record;
+        std::string path;
+        std::vector<Quorel_2D_Frame*> frames;
+        std::vector<unsigned short> flags;
+    };
+    struct Shown_Volume {
+        std::string name;
+        std::string descriptor;
+        std::unique_ptr<Level_Frame> cine;               // all moments as one
+        std::vector<std::unique_ptr<Level_Frame>> data;  // outlive the frames
+        Quorel_2D_Frame* further[1] = {nullptr};
+        std::unique_ptr<Quorel_2D> object;
+        std::vector<std::unique_ptr<Quorel_2D>> frames;
+    };
+    void Volume_Build(int at, const Volume_Facts& facts, const Session& session);
+    void Files_Build(const Open_Volumes& volumes);
+    const Shown_Volume* Current() const;
+
     Quorel_Window window;
-    std::string title;
-    std::string descriptor;
-    std::vector<std::unique_ptr<Level_Frame>> data;  // outlive the frames
     std::unique_ptr<Quorel_2D> root;
-    std::unique_ptr<Quorel_2D> volume;
-    std::vector<std::unique_ptr<Quorel_2D>> frames;
+    std::vector<std::unique_ptr<Shown_Volume>> shown;
+    std::vector<std::unique_ptr<File>> files;
+    std::unordered_map<const Quorel_2D*, Frame_Place> places;
+    int current = -1;
 };

@@ -46,12 +46,24 @@ void Warning_Banner::Add_Lines(const std::vector<Run>& runs) {
     }
     lines.push_back(std::move(line));
     changed();
+    ::NotifyWinEvent(EVENT_SYSTEM_ALERT, Handle(), OBJID_CLIENT, CHILDID_SELF);
     Invalidate();
 }
 
 void Warning_Banner::Close() {
     lines.clear();
     changed();
+}
+
+std::wstring Warning_Banner::Text() const {
+    std::wstring text;
+    for (const Line& line : lines) {
+        text += text.empty() ? L"" : L"\n";
+        for (const Run& run : line) {
+            text += run.text;
+        }
+    }
+    return text;
 }
 
 int Warning_Banner::Wanted_Height() const {

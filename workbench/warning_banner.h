@@ -20,6 +20,8 @@ class Warning_Banner : public Window_Base {
     /** Shows the application's own warning. */
     void Add_Text(const std::wstring& text);
     void Close();
+    /** Everything that stands in the banner, line by line. */
+    std::wstring Text() const;
     /** 0 while there is nothing to say. */
     int Wanted_Height() const;
 

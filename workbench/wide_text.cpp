@@ -29,3 +29,13 @@ std::wstring Wide_Of_Panel(const char* text) {
     wide.resize(static_cast<std::size_t>(Char_2_Wchar(text, wide.data(), static_cast<int>(wide.size()))));
     return wide;
 }
+
+std::string Panel_Of_Wide(std::wstring_view text) {
+    const int size = static_cast<int>(text.size());
+    std::string bytes(text.size() * 4, '\0');
+    const int length = size == 0 ? 0
+                                 : ::WideCharToMultiByte(CP_ACP, 0, text.data(), size, bytes.data(),
+                                                         static_cast<int>(bytes.size()), "?", nullptr);
+    bytes.resize(static_cast<std::size_t>(length));
+    return bytes;
+}

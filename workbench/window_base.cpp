@@ -3,9 +3,11 @@
 #include <windowsx.h>
 
 #include <exception>
+#include <utility>
 
 #include "host/kit_common.h"
 #include "host/kit_widgets.h"
+#include "workbench/accessible.h"
 
 namespace {
 
@@ -58,6 +60,11 @@ LRESULT CALLBACK Window_Base::Procedure(HWND window, UINT message, WPARAM wparam
         return ::DefWindowProcW(window, message, wparam, lparam);
     }
     try {
+        if (message == WM_GETOBJECT) {
+            if (const LRESULT answer = Accessible_Answer(window, wparam, lparam, object->accessible); answer != 0) {
+                return answer;
+            }
+        }
         return object->On_Message(message, wparam, lparam);
     } catch (const std::exception& failure) {
         Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 The action was not finished: %s", failure.what());
@@ -67,6 +74,10 @@ LRESULT CALLBACK Window_Base::Procedure(HWND window, UINT message, WPARAM wparam
 
 LRESULT Window_Base::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
     return ::DefWindowProcW(own_handle, message, wparam, lparam);
+}
+
+void Window_Base::Accessible_Set(Accessible_Source source) {
+    accessible = std::make_shared<Accessible_Source>(std::move(source));
 }
 
 void Window_Base::Invalidate(const RECT* area) const {

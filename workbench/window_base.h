@@ -3,6 +3,10 @@
 
 #include "win32/gdi_handles.h"
 
+#include <memory>
+
+struct Accessible_Source;
+
 /** Derive, call Create, answer messages in On_Message. The window is destroyed with the object. No exception leaves a
  *  window procedure: it becomes a warning. */
 class Window_Base {
@@ -19,6 +23,8 @@ class Window_Base {
     void Show(bool shown) const;
     bool Is_Shown() const;
     RECT Client() const;
+    /** What programs that read the screen aloud are told about the window; without it, what the system says. */
+    void Accessible_Set(Accessible_Source source);
 
   protected:
     /** @param parent null: a window of its own @return false when the system refuses */
@@ -28,6 +34,7 @@ class Window_Base {
   private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
     HWND own_handle = nullptr;
+    std::shared_ptr<Accessible_Source> accessible;
 };
 
 /** Sets the pointer globals of the widgets to a position of a window. */

@@ -4,6 +4,7 @@
 
 #include "host/kit_widgets.h"
 #include "kits/widgets/painter.h"
+#include "kits/widgets/shown_widgets_note.h"
 
 // The four images lie in one block behind a record of the library's own, which the button reaches through image[0].
 namespace {
@@ -180,6 +181,10 @@ void Draw_Button_Caption(Surface& picture, const Buttons& button, const Button_L
     Draw_Caption(picture, place, button, button.name, look.ink, Align::Center);
 }
 
+void Note(const Buttons& button) {
+    Shown_Note(button, {Widget_Kind::BUTTON, button.name, {}, button.current != 0, button.checked != 0});
+}
+
 void Paint(Buttons& button) {
     if (Widget_Hidden(button)) {
         return;
@@ -189,6 +194,7 @@ void Paint(Buttons& button) {
         return;
     }
     Count_Draw();
+    Note(button);
     Surface& picture = painter.Picture();
     const Button_Look look = Look_Of(button);
     const Button_Layout layout = Layout_Of(button);
@@ -310,6 +316,7 @@ void Buttons::Adjust() {
         return;
     }
     Count_Adjust();
+    Note(*this);
     const Button_Look look = Look_Of(*this);
     const Button_Layout layout = Layout_Of(*this);
     Draw_Image(painter.Picture(), *this, look, look.face);

@@ -1,5 +1,6 @@
 #include "host/kit_widgets.h"
 #include "kits/widgets/painter.h"
+#include "kits/widgets/shown_widgets_note.h"
 
 namespace {
 constexpr int text_margin = 3;    // pixels left of the text
@@ -23,6 +24,7 @@ void Labels::Draw() {
         return;
     }
     Count_Draw();
+    Shown_Note(*this, {Widget_Kind::LABEL, name, {}});
     const bool inactive = Widget_Inactive(*this);
     const Rgb ground = inactive ? Mix(Rgb_Of(color), Theme_Now().panel, grey_percent) : Rgb_Of(color);
     const Rgb text = inactive ? Mix(Contrast_Color(ground), ground, grey_percent) : Contrast_Color(ground);

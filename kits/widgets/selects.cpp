@@ -10,6 +10,7 @@
 #include "kits/widgets/painter.h"
 #include "kits/widgets/select_drop_list.h"
 #include "kits/widgets/select_geometry.h"
+#include "kits/widgets/shown_widgets_note.h"
 
 namespace {
 
@@ -72,6 +73,8 @@ bool Paint(const Selects& list, const Parts_State& state, bool item_only) {
     if (!painter) {
         return false;
     }
+    const bool has_item = list.item != nullptr && list.current >= 0 && list.current < list.item_nb;
+    Shown_Note(list, {Widget_Kind::LIST, list.name, has_item ? list.item[list.current].text : ""});
     const Theme& theme = Theme_Now();
     const Select_Layout layout = Layout_Of(list);
     Surface& picture = painter.Picture();

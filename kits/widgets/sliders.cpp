@@ -2,6 +2,7 @@
 #include "host/kit_widgets.h"
 #include "kits/widgets/axis.h"
 #include "kits/widgets/painter.h"
+#include "kits/widgets/shown_widgets_note.h"
 #include "kits/widgets/slider_geometry.h"
 
 namespace {
@@ -43,6 +44,7 @@ bool Paint(const Sliders& slider, float visible_part, bool hovered, bool dragged
     if (!painter) {
         return false;
     }
+    Shown_Note(slider, {Widget_Kind::SLIDER, slider.name, Number_Text(slider.value).text});
     const Theme& theme = Theme_Now();
     const bool inactive = Widget_Inactive(slider);
     Rgb face = dragged ? theme.face_pressed : hovered ? theme.face_hover : theme.face;

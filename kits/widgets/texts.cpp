@@ -9,6 +9,7 @@
 #include "host/kit_widgets.h"
 #include "kits/widgets/axis.h"
 #include "kits/widgets/painter.h"
+#include "kits/widgets/shown_widgets_note.h"
 #include "kits/widgets/text_edit_core.h"
 
 namespace {
@@ -205,6 +206,7 @@ void Texts::Draw() {
         return;
     }
     const Text_Edit edit(text, TEXTS_SIZE, caret, anchor);
+    Shown_Note(*this, {Widget_Kind::TEXT, name, edit.Text()});
     if (Is_Editor(*this)) {
         const int room = Text_Area(*this).width - caret_width;
         const auto width_of = [this](std::string_view part) { return Width_Of(*this, part); };

@@ -1,6 +1,7 @@
 #include "kits/widgets/theme.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "kits/widgets/device.h"
@@ -14,12 +15,12 @@ constexpr Theme dark_theme = {
     .field_text = 0xE6E8EB,
     .face = 0x565A63,
     .face_hover = 0x6B707B,
-    .face_pressed = 0x858B98,
+    .face_pressed = 0x7F8591,
     .line = 0x1B1C20,
     .line_strong = 0x9AA3B2,
     .text = 0xE6E8EB,
-    .text_grey = 0x8A8F99,
-    .accent = 0x3D8BEA,
+    .text_grey = 0x9CA1AB,
+    .accent = 0x2B74D4,
     .accent_text = 0xFFFFFF,
 };
 
@@ -33,7 +34,7 @@ constexpr Theme light_theme = {
     .line = 0xA6ABB5,
     .line_strong = 0x4A515E,
     .text = 0x1D1F24,
-    .text_grey = 0x83888F,
+    .text_grey = 0x71767E,
     .accent = 0x1F6FD0,
     .accent_text = 0xFFFFFF,
 };
@@ -49,6 +50,23 @@ float library_scale = 1.0F;
 
 short Scaled(short pixels) {
     return static_cast<short>(std::max(1L, std::lround(static_cast<float>(pixels) * library_scale)));
+}
+
+/** The share of linear light of each value that a component can have. */
+std::array<float, 256> Linear_Table() {
+    std::array<float, 256> table = {};
+    for (std::size_t at = 0; at < table.size(); at++) {
+        const double share = static_cast<double>(at) / 255.0;
+        table[at] = static_cast<float>(share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4));
+    }
+    return table;
+}
+
+/** Relative luminance, 0 (black) to 1 (white). */
+float Luminance(Rgb color) {
+    static const std::array<float, 256> linear = Linear_Table();
+    return 0.2126F * linear[(color >> 16U) & 0xFFU] + 0.7152F * linear[(color >> 8U) & 0xFFU] +
+           0.0722F * linear[color & 0xFFU];
 }
 
 }  // namespace
@@ -100,10 +118,11 @@ int Brightness(Rgb color) {
 }
 
 Rgb Contrast_Color(Rgb ground) {
-    constexpr int middle = 132;
-    constexpr Rgb near_black = 0x101010;
-    constexpr Rgb near_white = 0xFAFAFA;
-    return Brightness(ground) > middle ? near_black : near_white;
+    // Where black and white contrast equally: both reach 4.58 to 1 there, and more everywhere else.
+    constexpr float middle = 0.1791F;
+    constexpr Rgb near_black = 0x010101;
+    constexpr Rgb white = 0xFFFFFF;
+    return Luminance(ground) > middle ? near_black : white;
 }
 
 Rgb Shade(Rgb ground, int percent) {

@@ -27,7 +27,7 @@ Rgb Rgb_Make(int red, int green, int blue);  ///< components are cut to 0 .. 255
 Rgb Mix(Rgb a, Rgb b, int percent);
 /** Perceived brightness, 0 (black) to 255 (white). */
 int Brightness(Rgb color);
-/** Nearly black or white, whichever reads better on `ground`; never 0. */
+/** Nearly black or white, whichever contrasts more with `ground`: at least 4.5 to 1 on every colour. Never 0. */
 Rgb Contrast_Color(Rgb ground);
 /** Lighter on dark grounds, darker on light ones: hover at about 14 percent, pressed at about 28. */
 Rgb Shade(Rgb ground, int percent);

@@ -6,6 +6,7 @@
 #include "host/kit_widgets.h"
 #include "kits/widgets/icons.h"
 #include "kits/widgets/painter.h"
+#include "kits/widgets/shown_widgets_note.h"
 
 unsigned long Colors::get() const {
     return static_cast<unsigned long>((red & 0xFFU) | ((green & 0xFFU) << 8U) | ((blue & 0xFFU) << 16U));
@@ -49,6 +50,7 @@ void Tools::Clear(Colors fill) {
     Painter painter(*this);
     if (painter) {
         painter.Picture().Fill(painter.Area(), Rgb_Of(fill));
+        Shown_Cleared(*this);
         Count_Clear();
     }
 }

@@ -2,6 +2,7 @@
 #include "host/kit_widgets.h"
 #include "kits/widgets/axis.h"
 #include "kits/widgets/painter.h"
+#include "kits/widgets/shown_widgets_note.h"
 #include "kits/widgets/slider_geometry.h"
 
 namespace {
@@ -26,6 +27,7 @@ bool Paint(const Valuators& valuator, bool hovered, bool dragged) {
     if (!painter) {
         return false;
     }
+    Shown_Note(valuator, {Widget_Kind::VALUE, valuator.name, Number_Text(valuator.value).text});
     const Theme& theme = Theme_Now();
     const bool lively = hovered || dragged;
     Rgb field = theme.field;

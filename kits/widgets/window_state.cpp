@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/kit_widgets.h"
+#include "kits/widgets/shown_widgets_note.h"
 
 namespace {
 
@@ -79,6 +80,7 @@ Window_Axis Window_Axis_Get(HWND window) {
 
 void Window_Forget(HWND window) {
     States().erase(window);
+    Shown_Forget(window);
 }
 
 // ----------------------------------------------------------------------------------------------------------- back

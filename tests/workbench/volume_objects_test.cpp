@@ -1,24 +1,65 @@
 #include "workbench/volume_objects.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
+
+#include "database/tool_db_file.h"
+
 namespace {
+
+using testing::ElementsAre;
+
+Volume Image(int nz) {
+    Volume volume;
+    volume.nx = 4;
+    volume.ny = 3;
+    volume.nz = nz;
+    volume.nt = 1;
+    volume.affine[0][0] = volume.affine[1][1] = volume.affine[2][2] = 1.0;
+    for (int at = 0; at < 12 * nz; ++at) {
+        volume.levels.push_back(at % 7);
+    }
+    volume.level_max = 6;
+    return volume;
+}
+
+Folder_Volume Opened(const char* title, int nz, const std::vector<std::int32_t>& file_of_slice) {
+    Folder_Volume made;
+    made.title = title;
+    made.path = title;
+    made.modality = 'C' << 8 | 'T';
+    made.volume = Image(nz);
+    made.file_of_slice = file_of_slice;
+    return made;
+}
 
 class Volume_Objects_Test : public ::testing::Test {
   protected:
     void SetUp() override {
-        Volume volume;
-        volume.nx = 4;
-        volume.ny = 3;
-        volume.nz = 5;
-        volume.nt = 1;
-        volume.affine[0][0] = volume.affine[1][1] = volume.affine[2][2] = 1.0;
-        for (int at = 0; at < 60; ++at) {
-            volume.levels.push_back(at % 7);
-        }
-        volume.level_max = 6;
-        session.Take(std::move(volume), "brain.nii");
-        objects.Build(session);
+        Image_Folder folder;
+        folder.files = {"brain.nii"};
+        folder.volumes.push_back(Opened("brain.nii", 5, {0, 0, 0, 0, 0}));
+        Build(std::move(folder));
+    }
+    void Build(Image_Folder&& folder) {
+        objects.Clear();
+        volumes.Take(std::move(folder), {}, session);
+        objects.Build(volumes, session);
+    }
+    /** A series of three slices in two files, a cine and a scout of a file each, and a file that gave nothing. */
+    void Build_Folder() {
+        Image_Folder folder;
+        const std::filesystem::path base = std::filesystem::path("disk") / "study";
+        folder.files = {base / "a.dcm", base / "b.dcm", base / "c.dcm", base / "d.dcm", base / "more" / "e.dcm"};
+        folder.volumes.push_back(Opened("CT 1", 3, {1, 0, 1}));
+        folder.volumes.push_back(Opened("CT 2", 2, {2, 2}));
+        folder.volumes.back().is_cine = true;
+        folder.volumes.push_back(Opened("CT 3", 1, {4}));
+        folder.volumes.back().is_scout = true;
+        Build(std::move(folder));
     }
     int Selected_Nb() {
         const unsigned short handle = Iterator_Init("test", nullptr);
@@ -30,7 +71,34 @@ class Volume_Objects_Test : public ::testing::Test {
         return count;
     }
     Session session;
+    Open_Volumes volumes;
     Volume_Objects objects;
+};
+
+/** The rows that the file view makes of the variables. */
+class Rows {
+  public:
+    Rows() { view.List_Create_From_DB(&nb, &list, 0, 0, nullptr); }
+    ~Rows() {
+        for (int at = 0; at < nb; ++at) {
+            std::free(list[at].title);
+            std::free(list[at].name);
+        }
+        std::free(list);
+    }
+    Rows(const Rows&) = delete;
+    Rows& operator=(const Rows&) = delete;
+    std::vector<std::string> Texts() const {
+        std::vector<std::string> texts;
+        for (int at = 0; at < nb; ++at) {
+            const char* const text = list[at].level == 0 ? list[at].title : list[at].name;
+            texts.push_back(std::string(list[at].level, ' ') + (text != nullptr ? text : "") + "|" + list[at].icon);
+        }
+        return texts;
+    }
+    Tool_DB_File view{2};
+    int nb = 0;
+    DB_List* list = nullptr;
 };
 
 TEST_F(Volume_Objects_Test, makes_one_frame_per_slice_of_one_volume) {
@@ -94,6 +162,42 @@ TEST_F(Volume_Objects_Test, histograms_of_one_tag_count_its_pixels_only) {
     }
 }
 
+TEST_F(Volume_Objects_Test, smoothed_histograms_count_every_pixel_in_ninths_of_a_level) {
+    const Histo_Record* plain = objects.Frame(0)->frame->Histogram_Get();
+    ASSERT_NE(plain, nullptr);
+    const float level = plain->bin_width;
+    objects.Histograms_Build(session, -1, true);
+    for (int slice = 0; slice < 5; ++slice) {
+        const Histo_Record* record = objects.Frame(slice)->frame->Histogram_Get();
+        ASSERT_NE(record, nullptr);
+        EXPECT_FLOAT_EQ(record->bin_width, level / 9.0F);
+        std::uint32_t pixels = 0;
+        double moment = 0.0;
+        for (int bin = 0; bin < record->nb_bins; ++bin) {
+            pixels += record->counts[bin];
+            moment += static_cast<double>(record->counts[bin]) * bin;
+        }
+        EXPECT_EQ(pixels, 12U);
+        // The sum over all 3 x 3 sums, by hand: edges count their nearest pixels again.
+        const auto levels = session.Levels(slice);
+        const int width = session.Image().nx;
+        const int height = session.Image().ny;
+        long long expected = 0;
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                for (int k = 0; k < 9; ++k) {
+                    const int at_y = std::clamp(y + k / 3 - 1, 0, height - 1);
+                    const int at_x = std::clamp(x + k % 3 - 1, 0, width - 1);
+                    expected += levels[static_cast<std::size_t>(at_y * width + at_x)] - session.Image().level_min;
+                }
+            }
+        }
+        EXPECT_EQ(static_cast<long long>(moment), expected);
+    }
+    objects.Histograms_Build(session, -1);
+    EXPECT_EQ(objects.Frame(0)->frame->Histogram_Get()->bin_width, level);
+}
+
 TEST_F(Volume_Objects_Test, selection_is_what_the_iterators_yield) {
     objects.Select(0, 4);
     EXPECT_EQ(Selected_Nb(), 5);
@@ -101,6 +205,81 @@ TEST_F(Volume_Objects_Test, selection_is_what_the_iterators_yield) {
     EXPECT_EQ(Selected_Nb(), 2);
     objects.Select(3, 3);
     EXPECT_EQ(Selected_Nb(), 1);
+}
+
+TEST_F(Volume_Objects_Test, the_file_view_lists_a_volume_and_its_slices) {
+    const Rows rows;
+    EXPECT_THAT(rows.Texts(), ElementsAre("|icon folder.tga", " brain.nii|modality ct.tga", "  1 (4x3)|icon image.tga",
+                                          "  2 (4x3)|icon image.tga", "  3 (4x3)|icon image.tga",
+                                          "  4 (4x3)|icon image.tga", "  5 (4x3)|icon image.tga"));
+}
+
+TEST_F(Volume_Objects_Test, the_file_view_lists_each_file_of_a_folder_with_its_own_frames) {
+    Build_Folder();
+    const Rows rows;
+    EXPECT_THAT(rows.Texts(),
+                ElementsAre("study|icon folder.tga", " a.dcm|modality ct.tga", "  1 (4x3)|icon image.tga",
+                            " b.dcm|modality ct.tga", "  1 (4x3)|icon image.tga", "  2 (4x3)|icon image.tga",
+                            " c.dcm|modality ct.tga", "  1 to 2|icon cine.tga", "study\\more|icon folder.tga",
+                            " e.dcm|modality ct.tga", "  1 (4x3)|icon scout.tga"));
+}
+
+TEST_F(Volume_Objects_Test, checked_rows_of_the_file_view_select_frames_of_any_volume) {
+    Build_Folder();
+    objects.Select(-1, -1);
+    Rows rows;
+    const auto check = [&](int row) {
+        for (int at = 0; at < rows.nb; ++at) {
+            rows.list[at].state = at == row ? DB_STATE_CHECKED : DB_STATE_NONE;
+        }
+        rows.view.List_Select_To_DB(rows.nb, rows.list);
+    };
+    check(2);  // a.dcm holds the middle slice of the first volume
+    EXPECT_EQ(Selected_Nb(), 1);
+    EXPECT_EQ(objects.Selected_Frame(), objects.Frame(1));
+    check(7);  // the cine means each of its moments
+    EXPECT_EQ(Selected_Nb(), 2);
+    const Frame_Place moment = objects.Place_Of(objects.Selected_Frame());
+    EXPECT_EQ(moment.volume, 1);
+    EXPECT_EQ(moment.slice, 0);
+    check(10);
+    EXPECT_EQ(objects.Place_Of(objects.Selected_Frame()).volume, 2);
+}
+
+TEST_F(Volume_Objects_Test, a_selected_frame_that_is_shown_stays) {
+    Build_Folder();
+    objects.Show(2);
+    objects.Select(0, 2);
+    EXPECT_EQ(objects.Selected_Frame(), objects.Frame(2));
+    objects.Select(0, 1);
+    EXPECT_EQ(objects.Selected_Frame(), objects.Frame(0));
+    objects.Select(-1, -1);
+    EXPECT_EQ(objects.Selected_Frame(), nullptr);
+}
+
+TEST_F(Volume_Objects_Test, another_volume_becomes_the_current_one) {
+    Build_Folder();
+    Quorel_2D* const first = objects.Frame(0);
+    volumes.Switch(1, session);
+    objects.Current_Set(1);
+    EXPECT_NE(objects.Frame(0), first);
+    EXPECT_EQ(objects.Slice_Of(first), -1);
+    EXPECT_EQ(objects.Place_Of(first).volume, 0);
+    objects.Show(1);
+    EXPECT_EQ(objects.Window()->volume, objects.Frame(0)->Parent_Get_Pt());
+    EXPECT_STREQ(objects.Window()->volume->Title_Get(), "Cine");
+    const int moment[] = {0, 1};
+    const float corner[] = {0.0F, 0.0F};
+    EXPECT_EQ(objects.Frame(0)->frame_more[0]->Sample(corner, moment), session.Levels(1)[0]);
+}
+
+TEST_F(Volume_Objects_Test, nothing_is_left_in_the_variables_when_all_is_closed) {
+    Build_Folder();
+    objects.Clear();
+    const Rows rows;
+    EXPECT_EQ(rows.nb, 0);
+    EXPECT_EQ(Object_Registered_2D_Nb(), 0);
+    EXPECT_EQ(Fct_Variable_Value("$DB_2D_ROOT_PT", nullptr, nullptr, nullptr), nullptr);
 }
 
 }  // namespace

@@ -2,11 +2,15 @@
 
 #include <windowsx.h>
 
+#include <oleacc.h>
+
 #include <algorithm>
 #include <utility>
 
 #include "kits/widgets/widgets_host.h"
 #include "win32/gdi_handles.h"
+#include "workbench/database/tree_parts.h"
+#include "workbench/wide_text.h"
 
 namespace {
 
@@ -15,17 +19,26 @@ constexpr int find_height = 24;
 constexpr int gap = 6;
 constexpr int button_width = 26;
 constexpr int edit_width = 74;
-constexpr int edge = 5;                    // the left edge, by which the column is made wider
-constexpr unsigned short tree_grey = 140;  // yellow, blue, red and black texts can all be read on it
+constexpr int edge = 5;                      // the left edge, by which the column is made wider
+constexpr unsigned short tree_grey = 140;    // yellow, blue, red and black texts can all be read on it
+constexpr unsigned short editor_grey = 200;  // the diagram's grey lines can be seen on it
 constexpr int tree_font = 13;
-constexpr int width_least = 240;
 constexpr int find_field_id = 1;
 constexpr UINT find_cue_banner = 0x1501;  // EM_SETCUEBANNER
 constexpr int button_nb = 3;              // expand all, collapse all, edit
 
 constexpr const wchar_t* tab_text[DATABASE_VIEW_NB] = {L"Files", L"2D classes", L"3D classes", L"1D classes"};
 constexpr const wchar_t* button_text[button_nb] = {L"+", L"\u2212", L"Edit"};
+constexpr const wchar_t* button_name[button_nb] = {L"Expand all", L"Collapse all", L"Edit the class tree"};
 constexpr int view_mode[DATABASE_VIEW_NB] = {2, 2, 3, 1};
+
+/** A tab's text; only its first word where there is no room for all. */
+std::wstring_view Tab_Text(HDC dc, HFONT font, std::wstring_view text, int room) {
+    const Selected_Object selected(dc, font);
+    SIZE size = {};
+    ::GetTextExtentPoint32W(dc, text.data(), static_cast<int>(text.size()), &size);
+    return size.cx < room ? text : text.substr(0, text.find(L' '));
+}
 
 }  // namespace
 
@@ -68,6 +81,9 @@ Database_Pane::Database_Pane(const Look& shared_look, Database_Host application)
         Panel_Make(at, std::make_shared<Tool_DB_Class>(view_mode[at]));
         Panel_Make(EDITOR_FIRST + at - 1, std::make_shared<Tool_DB_Class>(view_mode[at] | DB_MODE_EDIT));
     }
+    auto find = std::make_shared<Find_View>();
+    found = find.get();
+    Panel_Make(FIND, std::move(find));
 }
 
 Database_Pane::~Database_Pane() = default;
@@ -78,7 +94,7 @@ void Database_Pane::Panel_Make(int at, std::shared_ptr<Tool_DB_List> panel) {
     hosted.base = std::make_unique<Tree_Base>(*hosted.panel, look, host.may_remove);
     hosted.relay = std::make_unique<Relay>(*hosted.base, host.run);
     hosted.host = std::make_unique<Panel_Host>(*hosted.relay, look, [](int, int) {});
-    hosted.host->Face_Set(tree_grey, tree_font);
+    hosted.host->Face_Set(at >= EDITOR_FIRST && at < FIND ? editor_grey : tree_grey, tree_font);
 }
 
 bool Database_Pane::Make(HWND parent) {
@@ -101,7 +117,7 @@ bool Database_Pane::Make(HWND parent) {
 }
 
 int Database_Pane::Shown() const {
-    if (!find_text.empty() && panels[FIND].panel != nullptr) {
+    if (!find_text.empty()) {
         return FIND;
     }
     return is_editor && view != Database_View::FILES ? EDITOR_FIRST + static_cast<int>(view) - 1
@@ -157,6 +173,9 @@ void Database_Pane::Show_Panel() {
             continue;
         }
         if (at == shown && Is_Shown()) {
+            // First what the panel was not told: its records may name objects that are gone. Before its first layout it
+            // has none, and takes nothing.
+            hosted.host->Update(hosted.pending);
             hosted.host->Lay_Out();
             hosted.host->Update(std::exchange(hosted.pending, 0));
         }
@@ -208,6 +227,9 @@ void Database_Pane::Find_Changed() {
         return;
     }
     find_text = text;
+    found->Source_Set(panels[static_cast<std::size_t>(view)].panel.get());
+    found->Words_Set(Panel_Of_Wide(text));
+    panels[FIND].pending |= UPDATE_STRUCTURE;
     Show_Panel();
 }
 
@@ -225,11 +247,47 @@ Panel_Host* Database_Pane::Panel_At(POINT screen) const {
     return nullptr;
 }
 
+void Database_Pane::Accessible_Names() {
+    Accessible_Source source;
+    source.role = ROLE_SYSTEM_PANE;
+    source.name = [] { return std::wstring(L"Database"); };
+    source.parts = [this] {
+        std::vector<Accessible_Part> parts;
+        for (int at = 0; at < DATABASE_VIEW_NB; ++at) {
+            const LONG state = static_cast<int>(view) == at ? STATE_SYSTEM_SELECTED : 0;
+            parts.push_back({tab_text[at], L"", ROLE_SYSTEM_PAGETAB, state, Tab(at)});
+        }
+        for (int at = 0; at < button_nb; ++at) {
+            const LONG state = at == button_nb - 1 && is_editor ? STATE_SYSTEM_PRESSED : 0;
+            parts.push_back({button_name[at], L"", ROLE_SYSTEM_PUSHBUTTON, state, Button(at)});
+        }
+        return parts;
+    };
+    Accessible_Set(std::move(source));
+    for (Hosted& hosted : panels) {
+        if (hosted.host) {
+            Panel_Host* const of = hosted.host.get();
+            Tree_Base* const base = hosted.base.get();
+            of->Accessible_Names(L"Tree", {},
+                                 [of, base] { return Tree_Parts(base->Tree(), base->Current(), of->Handle()); });
+        }
+    }
+}
+
+bool Database_Pane::Key(int key) {
+    return panels[static_cast<std::size_t>(Shown())].host->Key(key);
+}
+
+void Database_Pane::Focus_Set(bool on) {
+    has_focus = on;
+    Invalidate();
+}
+
 bool Database_Pane::Key_Message(const MSG& message) {
     if (message.hwnd != find_field || message.message != WM_KEYDOWN) {
         return false;
     }
-    if (message.wParam != VK_ESCAPE && message.wParam != VK_RETURN) {
+    if (message.wParam != VK_ESCAPE && message.wParam != VK_RETURN && message.wParam != VK_TAB) {
         return false;
     }
     if (message.wParam == VK_ESCAPE) {
@@ -251,14 +309,17 @@ void Database_Pane::Paint() {
         if (is_shown) {
             Fill(dc, {tab.left, tab.bottom - look.Px(2), tab.right, tab.bottom}, look.accent);
         }
-        Draw_Line(dc, tab, tab_text[at], is_shown ? look.Bold() : look.Font(), is_shown ? look.text : look.text_grey,
-                  DT_CENTER);
+        Draw_Line(dc, tab, Tab_Text(dc, look.Bold(), tab_text[at], tab.right - tab.left),
+                  is_shown ? look.Bold() : look.Font(), is_shown ? look.text : look.text_grey, DT_CENTER);
     }
     for (int at = 0; at < button_nb; ++at) {
         const bool is_on = at == button_nb - 1 && is_editor;
         const RECT button = Button(at);
         Fill(dc, button, is_on ? look.accent : look.heading);
-        Draw_Line(dc, button, button_text[at], look.Bold(), look.text, DT_CENTER);
+        Draw_Line(dc, button, button_text[at], look.Bold(), is_on ? look.accent_text : look.text, DT_CENTER);
+    }
+    if (has_focus) {
+        Frame(dc, paint.Client(), look.Px(3), look.accent);
     }
 }
 
@@ -318,7 +379,7 @@ LRESULT Database_Pane::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             return 0;
         case WM_MOUSEMOVE:
             if (is_dragged) {
-                host.width_set(std::max<int>(Client().right - point.x, look.Px(width_least)));
+                host.width_set(std::max<int>(Client().right - point.x, look.Px(DATABASE_WIDTH_LEAST)));
             }
             return 0;
         case WM_LBUTTONUP:

@@ -9,11 +9,13 @@
 
 #include "database/tool_db_class.h"
 #include "database/tool_db_file.h"
+#include "workbench/database/find_view.h"
 #include "workbench/database/tree_base.h"
 
 /** What the column shows. */
 enum class Database_View { FILES, CLASSES_2D, CLASSES_3D, CLASSES_1D };
 inline constexpr int DATABASE_VIEW_NB = 4;
+inline constexpr int DATABASE_WIDTH_LEAST = 240;  ///< of the column, pixels at 96 dots per inch
 
 /** What the column needs of the application. */
 struct Database_Host {
@@ -40,6 +42,8 @@ class Database_Pane : public Window_Base {
     /** The editor in place of the check-box tree; the files have none. */
     void Editor_Set(bool on);
     bool Is_Editor() const { return is_editor; }
+    /** The editor itself is what the column shows, not files or what the find field found. */
+    bool Is_Editor_Shown() const { return Shown() >= EDITOR_FIRST && Shown() < FIND; }
     void Expand_All(bool open);
     /** Puts the keyboard into the find field. */
     void Find_Begin();
@@ -50,6 +54,12 @@ class Database_Pane : public Window_Base {
     /** The panel shown. */
     Tool_DB_List& Panel() { return *panels[static_cast<std::size_t>(Shown())].panel; }
     HWND Panel_Window() const;
+    /** A key for the panel shown, wherever the pointer is. @return true when it used the key */
+    bool Key(int key);
+    /** The mark of what the keyboard acts on. */
+    void Focus_Set(bool on);
+    /** Names for those who hear the screen. */
+    void Accessible_Names();
     /** Keys of the find field. @return true: the message is used up */
     bool Key_Message(const MSG& message);
 
@@ -83,9 +93,11 @@ class Database_Pane : public Window_Base {
     const Look& look;
     Database_Host host;
     std::array<Hosted, PANEL_NB> panels;
+    Find_View* found = nullptr;  // the last panel
     HWND find_field = nullptr;
     std::wstring find_text;
     Database_View view = Database_View::FILES;
     bool is_editor = false;
     bool is_dragged = false;
+    bool has_focus = false;
 };

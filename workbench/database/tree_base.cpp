@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "database/edit_diagram.h"
+#include "kits/dataset/dataset_host.h"
 #include "win32/gdi_handles.h"
 #include "workbench/database/tree_keys.h"
 
@@ -10,9 +12,6 @@ namespace {
 
 constexpr int row_height = 18;   // of a row in browse mode, pixels
 constexpr int indentation = 20;  // per level
-constexpr int cell_width = 330;  // of a node in edit mode
-constexpr int cell_height = 50;
-constexpr int node_width = 250;
 
 /** Puts the pointer globals somewhere for as long as it lives. */
 class Pointer_At {
@@ -160,7 +159,7 @@ int Tree_Base::Remove() {
     const int y = client.bottom - 1 - point.y;
     const std::string name = Class_At(tree, point.x, y);
     if (name.empty()) {
-        return 0;
+        return 1;  // in the editor the key is no one else's: it must not take a marker away
     }
     const bool is_allowed = !removal_allowed || removal_allowed(name);
     if (is_allowed) {
@@ -207,19 +206,17 @@ int Tree_Base::Keyboard(int key) {
 }
 
 std::string Class_At(const Tool_DB_List& editor, int x, int y) {
+    // As the editor itself reads the pointer, so that the question names what Delete takes out.
     const Boxs& box = editor.list_box;
-    const int tree_x = static_cast<int>(editor.horizontal.value) - box.x + x;
-    const int tree_y = static_cast<int>(editor.vertical.value) + box.y + box.height - y;
-    if (tree_x < 0 || tree_y < 0 || tree_x % cell_width > node_width) {
+    const int space = static_cast<int>(Variable_Number("$INTERFACE_SPACE_DIM", 0.0));
+    const DB_Tree_Point at = {static_cast<int>(editor.horizontal.value) - box.x - space + x,
+                              static_cast<int>(editor.vertical.value) + box.y + box.height - y};
+    const Edit_Hit hit = Edit_Hit_At(editor.Nb(), editor.List_Pt(), at);
+    const int record = Edit_Code_Record(hit.code);
+    if (!hit.on_node || record == 0 || Edit_Code_Zone(hit.code) != Edit_Zone::Body) {
         return {};
     }
-    const DB_List* const list_pt = editor.List_Pt();
-    for (int at = 0; list_pt != nullptr && at < editor.Nb(); ++at) {
-        const DB_List& record = list_pt[at];
-        if (record.level == tree_x / cell_width && record.row == tree_y / cell_height) {
-            const char* text = record.name != nullptr ? record.name : record.title;
-            return text != nullptr ? text : "";
-        }
-    }
-    return {};
+    const DB_List& node = editor.List_Pt()[record];
+    const char* text = node.name != nullptr ? node.name : node.title;
+    return text != nullptr ? text : "?";
 }

@@ -43,5 +43,6 @@ class Tree_Base : public Panel_Of<Tool_DB_List> {
     bool is_marked = false;  // from the first key on
 };
 
-/** Name or title of the class whose node lies at a position of the editor; empty: none. @param x, y of the window */
+/** Name or title of the class that Delete takes out of the tree with the pointer at a position of the editor; empty:
+ *  none. @param x, y of the window's axis */
 std::string Class_At(const Tool_DB_List& editor, int x, int y);

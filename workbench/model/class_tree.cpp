@@ -120,8 +120,9 @@ class Tree_Difference {
             }
         };
         collect(collect, now.Root());
-        for (auto id = leaving.rbegin(); id != leaving.rend(); ++id) {
-            Do(Class_Move{*id, now.Place(*id), {}});
+        std::reverse(leaving.begin(), leaving.end());
+        for (const std::string& id : leaving) {
+            Do(Class_Move{id, now.Place(id), {}});
         }
     }
 
@@ -226,7 +227,8 @@ std::string Class_Tree::Apply_Move(const Class_Move& move) {
         if (Is_Below(move.to.parent, move.id)) {
             return Quoted(move.id) + " cannot hang below itself";
         }
-        const int room = static_cast<int>(Children(move.to.parent).size()) - (move.from.parent == move.to.parent ? 1 : 0);
+        const int room =
+            static_cast<int>(Children(move.to.parent).size()) - (move.from.parent == move.to.parent ? 1 : 0);
         if (move.to.position < 0 || move.to.position > room) {
             return Quoted(move.to.parent) + " has no place " + std::to_string(move.to.position);
         }

@@ -26,6 +26,8 @@ Command_Line Command_Line_Parse(std::span<const std::string> arguments) {
             take_value(line.labels);
         } else if (argument == "--report") {
             take_value(line.report);
+        } else if (argument == "--settings") {
+            take_value(line.settings);
         } else {
             line.error = "There is no option \"" + argument + "\"; --help lists them.";
         }
@@ -34,13 +36,15 @@ Command_Line Command_Line_Parse(std::span<const std::string> arguments) {
 }
 
 std::string Command_Line_Help() {
-    return "workbench [OPTION ...] [FILE ...]\n"
+    return "workbench [OPTION ...] [FILE_OR_FOLDER ...]\n"
            "\n"
-           "Shows an image volume (NIfTI .nii or .nii.gz, Analyze .hdr/.img) and edits its TAGs.\n"
+           "Shows image volumes (DICOM, NIfTI .nii or .nii.gz, Analyze .hdr/.img) and edits their TAGs.\n"
+           "A folder is opened with everything below it.\n"
            "\n"
-           "  --labels FILE   label volume: loaded if it is there, and where the labels are saved\n"
+           "  --labels FILE   label volume of the first volume: loaded if it is there, and where the labels are saved\n"
            "  --trace         open the trace view from the start\n"
            "  --check         warn when the application breaks its contract with the panels\n"
            "  --report FILE   append machine-readable lines about what happens to FILE\n"
+           "  --settings FILE keep window, theme and recent files in FILE, not in the user's profile\n"
            "  --help          show this text\n";
 }

@@ -1,0 +1,115 @@
+#include "workbench/model/open_volumes.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <numeric>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+Folder_Volume Opened(const std::string& title, int nz, bool is_scout = false) {
+    Folder_Volume made;
+    made.title = title;
+    made.is_scout = is_scout;
+    made.path = title + ".dcm";
+    made.volume.nx = 3;
+    made.volume.ny = 2;
+    made.volume.nz = nz;
+    made.volume.nt = 1;
+    made.volume.affine[0][0] = made.volume.affine[1][1] = made.volume.affine[2][2] = 1.0;
+    made.volume.levels.resize(made.volume.Voxel_Nb_3D());
+    std::iota(made.volume.levels.begin(), made.volume.levels.end(), 100 * nz);
+    made.file_of_slice.assign(static_cast<std::size_t>(nz), 0);
+    return made;
+}
+
+class Open_Volumes_Test : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        Image_Folder folder;
+        folder.files = {"a.dcm"};
+        folder.volumes.push_back(Opened("scout", 1, true));
+        folder.volumes.push_back(Opened("first", 4));
+        folder.volumes.push_back(Opened("second", 5));
+        std::vector<Volume_Statistics> numbers(3);
+        numbers[1].window_high = 7;
+        volumes.Take(std::move(folder), std::move(numbers), session);
+    }
+    void Paint() {
+        static const unsigned char byte = 1;
+        static const unsigned char* const row = &byte;
+        Paint_Ink ink;
+        ink.tag = 3;
+        session.Stroke_Begin(0, {&row, 0}, 1, 1, ink);
+        session.Stroke_End();
+    }
+    Open_Volumes volumes;
+    Session session;
+};
+
+TEST_F(Open_Volumes_Test, the_first_volume_that_is_no_scout_is_in_hand) {
+    EXPECT_EQ(volumes.Nb(), 3);
+    EXPECT_EQ(volumes.Current(), 1);
+    EXPECT_EQ(session.Slice_Nb(), 4);
+    EXPECT_EQ(session.Path(), "first.dcm");
+    EXPECT_EQ(volumes.Facts(1).title, "first");
+    EXPECT_EQ(volumes.View(1).window.high, 7.0F);
+    EXPECT_EQ(volumes.View(1).slice, 2);
+    EXPECT_EQ(volumes.Session_Of(2, session).Slice_Nb(), 5);
+    EXPECT_EQ(&volumes.Session_Of(1, session), &session);
+}
+
+TEST_F(Open_Volumes_Test, a_scout_is_in_hand_when_there_is_nothing_else) {
+    Image_Folder folder;
+    folder.volumes.push_back(Opened("scout", 1, true));
+    volumes.Take(std::move(folder), {}, session);
+    EXPECT_EQ(volumes.Current(), 0);
+    EXPECT_EQ(session.Slice_Nb(), 1);
+}
+
+TEST_F(Open_Volumes_Test, levels_stay_where_they_are_when_volumes_change_hands) {
+    const std::int32_t* const first = session.Levels(0).data();
+    const std::int32_t* const second = volumes.Session_Of(2, session).Levels(0).data();
+    volumes.Switch(2, session);
+    EXPECT_EQ(session.Levels(0).data(), second);
+    EXPECT_EQ(volumes.Session_Of(1, session).Levels(0).data(), first);
+    volumes.Switch(1, session);
+    EXPECT_EQ(session.Levels(0).data(), first);
+}
+
+TEST_F(Open_Volumes_Test, every_volume_keeps_the_work_on_it) {
+    Paint();
+    volumes.Switch(2, session);
+    EXPECT_EQ(session.Journal().Undo_Nb(), 0U);
+    EXPECT_EQ(session.Labels().At(1, 1, 0), 0);
+    EXPECT_THAT(volumes.Unsaved(session), ElementsAre(1));
+    Paint();
+    EXPECT_THAT(volumes.Unsaved(session), ElementsAre(1, 2));
+    session.Undo();
+    volumes.Switch(0, session);
+    volumes.Switch(1, session);
+    EXPECT_EQ(session.Labels().At(1, 1, 0), 3);
+    EXPECT_NE(session.Undo(), nullptr);
+    EXPECT_THAT(volumes.Unsaved(session), IsEmpty());
+}
+
+TEST_F(Open_Volumes_Test, a_volume_that_is_not_there_does_not_come_into_hand) {
+    for (const int wanted : {-1, 3, 1}) {
+        volumes.Switch(wanted, session);
+        EXPECT_EQ(volumes.Current(), 1);
+        EXPECT_EQ(session.Slice_Nb(), 4);
+    }
+}
+
+TEST_F(Open_Volumes_Test, clearing_leaves_nothing_in_hand) {
+    volumes.Clear(session);
+    EXPECT_EQ(volumes.Nb(), 0);
+    EXPECT_EQ(volumes.Current(), -1);
+    EXPECT_FALSE(session.Has_Volume());
+    EXPECT_THAT(volumes.Unsaved(session), IsEmpty());
+}
+
+}  // namespace

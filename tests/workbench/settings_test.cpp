@@ -1,0 +1,158 @@
+#include "workbench/model/settings.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <random>
+
+namespace {
+
+Settings Example() {
+    Settings settings;
+    settings.window = {-7, 20, 1300, 800, true};
+    settings.is_light = true;
+    settings.is_overlay_shown = false;
+    settings.is_trace_shown = true;
+    settings.is_database_shown = true;
+    settings.database_view = 2;
+    settings.database_width = 444;
+    settings.folded = 0b10010;
+    settings.recent = {"C:\\data\\head one.nii.gz", "C:\\data\\K\xC3\xB6pfe\\zwei.nii"};
+    return settings;
+}
+
+void Expect_Same(const Settings& a, const Settings& b) {
+    EXPECT_EQ(Settings_Text(a), Settings_Text(b));
+}
+
+/** A folder of the test's own, gone with it. */
+class Settings_File : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        folder = std::filesystem::temp_directory_path() / ("settings_test_" + std::to_string(std::random_device{}()));
+        file = folder / "deeper" / "settings.txt";
+    }
+    void TearDown() override {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder, ignored);
+    }
+    std::filesystem::path folder;
+    std::filesystem::path file;
+};
+
+TEST(Settings, text_and_back_changes_nothing) {
+    int ignored = -1;
+    const Settings back = Settings_Parse(Settings_Text(Example()), &ignored);
+    EXPECT_EQ(ignored, 0);
+    Expect_Same(back, Example());
+    EXPECT_EQ(back.window.left, -7);
+    EXPECT_TRUE(back.window.is_maximized);
+    EXPECT_TRUE(back.is_light);
+    EXPECT_EQ(back.folded, 0b10010U);
+    EXPECT_EQ(back.recent.size(), 2U);
+}
+
+TEST(Settings, nothing_gives_the_defaults) {
+    Expect_Same(Settings_Parse(""), Settings{});
+    EXPECT_FALSE(Settings_Parse("").is_light);
+    EXPECT_TRUE(Settings_Parse("").is_overlay_shown);
+    EXPECT_EQ(Settings_Parse("").window.width, 0);
+}
+
+TEST(Settings, a_damaged_line_costs_only_itself) {
+    int ignored = 0;
+    const Settings settings = Settings_Parse(
+        "workbench settings\ntheme purple\nwindow 1 2 3\nwindow 1 2 300 x\nwindow 1 2 0 5\ndatabase_width 99999999999\n"
+        "database_view -1\nfolded_panels 256\ntag_colours yes\nnonsense\nrecent \n\r\ndatabase 1\r\ntheme light\n",
+        &ignored);
+    EXPECT_EQ(ignored, 10);
+    EXPECT_TRUE(settings.is_database_shown);
+    EXPECT_TRUE(settings.is_light);
+    EXPECT_EQ(settings.window.width, 0);
+    EXPECT_EQ(settings.database_width, 0);
+    EXPECT_EQ(settings.folded, 0U);
+    EXPECT_TRUE(settings.recent.empty());
+}
+
+TEST(Settings, any_bytes_are_survived_and_what_comes_out_is_in_range) {
+    std::mt19937 random(20);
+    const std::string good = Settings_Text(Example());
+    for (int run = 0; run < 3000; ++run) {
+        std::string text = good;
+        for (int hits = 1 + static_cast<int>(random() % 8); hits > 0 && !text.empty(); --hits) {
+            switch (random() % 3) {
+                case 0:
+                    text[random() % text.size()] = static_cast<char>(random() % 256);
+                    break;
+                case 1:
+                    text.resize(random() % text.size());
+                    break;
+                default:
+                    text.insert(random() % text.size(), 1 + random() % 5, static_cast<char>(random() % 256));
+            }
+        }
+        const Settings settings = Settings_Parse(text);
+        EXPECT_GE(settings.database_view, 0);
+        EXPECT_LE(settings.database_view, DATABASE_VIEW_MAX);
+        EXPECT_LE(settings.folded, FOLDED_MAX);
+        EXPECT_LE(settings.recent.size(), RECENT_MAX);
+        Expect_Same(Settings_Parse(Settings_Text(settings)), settings);
+    }
+}
+
+TEST(Settings, recent_files_stand_once_and_the_last_one_first) {
+    std::vector<std::string> recent;
+    for (int file = 0; file < 12; ++file) {
+        Recent_Add(recent, "file " + std::to_string(file));
+    }
+    EXPECT_EQ(recent.size(), RECENT_MAX);
+    EXPECT_EQ(recent.front(), "file 11");
+    Recent_Add(recent, "file 8");
+    EXPECT_EQ(recent.size(), RECENT_MAX);
+    EXPECT_EQ(recent.front(), "file 8");
+    EXPECT_EQ(std::count(recent.begin(), recent.end(), "file 8"), 1);
+    Recent_Add(recent, "two\nlines");
+    Recent_Add(recent, "");
+    EXPECT_EQ(recent.front(), "file 8");
+}
+
+TEST_F(Settings_File, a_file_is_written_with_its_folder_and_read_back) {
+    Expect_Same(Settings_Load(file), Settings{});
+    ASSERT_TRUE(Settings_Save(file, Example()));
+    Expect_Same(Settings_Load(file), Example());
+    ASSERT_TRUE(Settings_Save(file, Settings{}));
+    Expect_Same(Settings_Load(file), Settings{});
+    EXPECT_FALSE(std::filesystem::exists(file.parent_path() / "settings.txt.new"));
+}
+
+TEST_F(Settings_File, when_writing_fails_the_file_stays_as_it_was) {
+    ASSERT_TRUE(Settings_Save(file, Example()));
+    // In the place of the new file stands a folder that is not empty, so that it cannot be opened for writing.
+    std::filesystem::create_directories(file.parent_path() / "settings.txt.new" / "occupied");
+    EXPECT_FALSE(Settings_Save(file, Settings{}));
+    Expect_Same(Settings_Load(file), Example());
+}
+
+TEST_F(Settings_File, a_folder_in_the_files_place_and_a_huge_file_give_the_defaults) {
+    std::filesystem::create_directories(file);
+    Expect_Same(Settings_Load(file), Settings{});
+    EXPECT_FALSE(Settings_Save(file / "x" / ".." / ".." / "settings.txt", Example()));
+    const std::filesystem::path huge = folder / "huge.txt";
+    std::ofstream(huge) << "theme light\n" << std::string(2U << 20U, ' ');
+    Expect_Same(Settings_Load(huge), Settings{});
+}
+
+TEST(Settings, a_window_comes_back_onto_the_screen) {
+    const Window_Place screen = {0, 0, 1280, 720, false};
+    const Window_Place lost = Place_Inside({3000, -500, 800, 600, true}, screen);
+    EXPECT_EQ(lost.left, 480);
+    EXPECT_EQ(lost.top, 0);
+    EXPECT_EQ(lost.width, 800);
+    EXPECT_TRUE(lost.is_maximized);
+    const Window_Place large = Place_Inside({10, 10, 4000, 3000, false}, screen);
+    EXPECT_EQ(large.left, 0);
+    EXPECT_EQ(large.width, 1280);
+    EXPECT_EQ(large.height, 720);
+}
+
+}  // namespace

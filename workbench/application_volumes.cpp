@@ -1,0 +1,210 @@
+// The open volumes: opening files and folders, going from one volume to another.
+#include <windows.h>
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <new>
+#include <thread>
+#include <utility>
+
+#include "volumes/message_text.h"
+#include "workbench/application.h"
+#include "workbench/progress_window.h"
+#include "workbench/wide_text.h"
+
+namespace {
+
+constexpr unsigned __int64 volume_changed =
+    UPDATE_WINDOW_CUR | UPDATE_FRAME_CUR | UPDATE_SELECTION | UPDATE_LEVEL_2D | UPDATE_TAG_ENABLE | UPDATE_HISTO_PAINT;
+constexpr std::size_t problems_shown = 3;  // in the banner; more are only listed
+
+std::string Problem_Sentence(const Folder_Problem& problem) {
+    return File_Name_Text(problem.path) + ' ' + problem.reason + '.';
+}
+
+}  // namespace
+
+void Application::Run_With_Progress(const std::wstring& what, const std::function<void(const Load_Progress&)>& action) {
+    std::atomic<double> share = 0.0;
+    std::atomic<bool> is_given_up = false;
+    std::atomic<bool> is_done = false;
+    std::exception_ptr failure;
+    // The action goes on beside this thread, so that the window answers; nothing of the window or the kits is used
+    // there.
+    std::thread worker([&] {
+        try {
+            action([&](double done) {
+                share = done;
+                return !is_given_up;
+            });
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        is_done = true;
+    });
+    {
+        Progress_Window progress(look, window.Handle(), what);
+        while (!is_done) {
+            const double done = share;
+            if (!progress.Step(done, std::to_wstring(static_cast<int>(done * 100.0)) + L" %")) {
+                is_given_up = true;
+            }
+            ::MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
+        }
+    }
+    worker.join();
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+}
+
+void Application::Open_Paths(std::span<const std::filesystem::path> paths) {
+    if (paths.empty() || std::ranges::any_of(paths, &std::filesystem::path::empty)) {
+        Warn("The name of the file cannot be used on this system.");
+        return;
+    }
+    Image_Folder opened;
+    std::vector<Volume_Statistics> numbers;
+    Run_With_Progress(L"Loading " + Wide_Of_Utf8(File_Name_Text(paths.front())), [&](const Load_Progress& progress) {
+        opened = Image_Folder_Open(paths, progress);
+        for (const Folder_Volume& one : opened.volumes) {
+            numbers.push_back(Volume_Statistics_Compute(one.volume));
+        }
+    });
+    if (opened.is_cancelled) {
+        Status(L"Loading was given up");
+        return;
+    }
+    Problems_Tell(opened, paths.front());
+    // Asked only now: files that cannot be loaded cost no work.
+    if (opened.volumes.empty() || !Ask_Unsaved() || (volumes.Nb() > 0 && !Ask_Class_Changes())) {
+        return;
+    }
+    class_history.Images_Leave();
+    Show_Volumes(std::move(opened), std::move(numbers));
+    Class_Changes_Open(paths.front());
+    if (paths.size() == 1) {
+        Recent_Opened(paths.front());
+    }
+    if (!options.labels.empty()) {
+        const std::filesystem::path labels = Path_From_Utf8(std::exchange(options.labels, {}));
+        std::error_code unknown;
+        if (std::filesystem::exists(labels, unknown)) {
+            Load_Labels(labels);
+        } else {
+            session.Label_Path_Set(labels);
+        }
+    }
+}
+
+void Application::Problems_Tell(const Image_Folder& opened, const std::filesystem::path& first) {
+    std::error_code unknown;
+    const bool is_folder = std::filesystem::is_directory(first, unknown);
+    not_opened = Image_Folder_Problems_Text(opened, is_folder ? first : first.parent_path());
+    for (const Folder_Problem& problem : opened.problems) {
+        report.Line("problem " + Problem_Sentence(problem));
+    }
+    if (opened.problems.size() > problems_shown) {
+        Warn(Image_Folder_Text(opened) + ". File > Files not opened lists what was left out, and why.");
+        return;
+    }
+    for (const Folder_Problem& problem : opened.problems) {
+        Warn(Problem_Sentence(problem));
+    }
+    if (opened.problems.empty() && opened.volumes.empty()) {
+        Warn(File_Name_Text(first) + " holds no files.");
+    }
+}
+
+void Application::Show_Volumes(Image_Folder&& opened, std::vector<Volume_Statistics>&& numbers) {
+    const std::wstring found = Wide_Of_Utf8(Image_Folder_Text(opened));
+    objects.Clear();
+    try {
+        volumes.Take(std::move(opened), std::move(numbers), session);
+        objects.Build(volumes, session);
+    } catch (const std::bad_alloc&) {
+        objects.Clear();
+        volumes.Clear(session);
+        Announce(UPDATE_ALL | UPDATE_WINDOW_CUR | UPDATE_FRAME_CUR | UPDATE_STRUCTURE | UPDATE_LEVEL_2D);
+        Warn("There is not enough memory for these images.");
+        return;
+    }
+    Volume_Adopt();
+    is_histogram_of_tag = false;
+    is_histogram_smoothed = false;
+    is_histogram_of_checked = false;
+    Histogram_Select();
+    Announce(UPDATE_ALL | UPDATE_STRUCTURE | volume_changed);
+    Histogram_Scale_Suggest();
+    const std::wstring text = Volume_Text() + L"   " + Histogram_Text();
+    Status(volumes.Nb() > 1 ? found + L"   " + text : text);
+}
+
+std::wstring Application::Volume_Text() const {
+    const Volume& image_now = session.Image();
+    std::wstring text = Wide_Of_Utf8(volumes.Facts(volumes.Current()).title) + L": ";
+    if (volumes.Nb() > 1) {
+        text = std::to_wstring(volumes.Current() + 1) + L" of " + std::to_wstring(volumes.Nb()) + L", " + text;
+    }
+    return text + std::to_wstring(image_now.nx) + L" \u00D7 " + std::to_wstring(image_now.ny) + L" \u00D7 " +
+           std::to_wstring(image_now.nz);
+}
+
+void Application::Volume_Adopt() {
+    const Volume_View& view = volumes.View(volumes.Current());
+    statistics = view.statistics;
+    grey_window = view.window;
+    slice = view.slice;
+    objects.Current_Set(volumes.Current());
+    objects.Show(slice);
+    Adopt_Names();
+    Markers_Enable_Refresh();
+    Histogram_Ranges_Refresh();
+    is_histogram_of_shown = false;
+    histogram_first = 0;
+    histogram_last = session.Slice_Nb() - 1;
+    Title_Refresh();
+    const Volume& image_now = session.Image();
+    report.Line("volume " + std::to_string(image_now.nx) + " " + std::to_string(image_now.ny) + " " +
+                std::to_string(image_now.nz));
+}
+
+bool Application::Volume_Set(int wanted) {
+    if (wanted < 0 || wanted >= volumes.Nb() || wanted == volumes.Current()) {
+        return false;
+    }
+    session.Stroke_End();
+    const bool was_of_tag = std::exchange(is_histogram_of_tag, false);
+    if (std::exchange(is_histogram_smoothed, false) || was_of_tag) {
+        objects.Histograms_Build(session, -1);
+    }
+    volumes.View(volumes.Current()) = {statistics, grey_window, slice};
+    volumes.Switch(wanted, session);
+    Volume_Adopt();
+    Status(Volume_Text());
+    return true;
+}
+
+void Application::Volume_Go(int wanted) {
+    if (!Volume_Set(wanted)) {
+        return;
+    }
+    is_histogram_of_checked = false;
+    Histogram_Select();
+    Announce(volume_changed);
+    Histogram_Scale_Suggest();
+}
+
+unsigned __int64 Application::Frame_Follow(const Quorel_2D* frame) {
+    const Frame_Place place = objects.Place_Of(frame);
+    if (place.volume < 0) {
+        return 0;
+    }
+    unsigned __int64 flags = Volume_Set(place.volume) ? volume_changed : 0;
+    if (place.slice != slice) {
+        Slice_Show(place.slice, false);
+        flags |= UPDATE_FRAME_CUR;
+    }
+    return flags;
+}

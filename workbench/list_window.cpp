@@ -1,0 +1,50 @@
+#include "workbench/list_window.h"
+
+namespace {
+
+constexpr int first_width = 760;  // pixels at 96 dots per inch
+constexpr int first_height = 420;
+
+}  // namespace
+
+void List_Window::Open(HWND owner, const std::wstring& title, const std::wstring& text) {
+    if (Handle() == nullptr) {
+        if (!Create(owner, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, title.c_str())) {
+            return;
+        }
+        lines = ::CreateWindowExW(0, L"EDIT", L"",
+                                  WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_HSCROLL | ES_MULTILINE | ES_READONLY, 0, 0,
+                                  10, 10, Handle(), nullptr, ::GetModuleHandleW(nullptr), nullptr);
+        RECT beside = {};
+        ::GetWindowRect(owner, &beside);
+        ::SetWindowPos(Handle(), nullptr, beside.left + look.Px(60), beside.top + look.Px(80), look.Px(first_width),
+                       look.Px(first_height), SWP_NOZORDER);
+    }
+    std::wstring shown;
+    for (const wchar_t letter : text) {
+        shown += letter == L'\n' ? L"\r\n" : std::wstring(1, letter);
+    }
+    ::SetWindowTextW(Handle(), title.c_str());
+    ::SendMessageW(lines, EM_SETLIMITTEXT, 0, 0);
+    ::SendMessageW(lines, WM_SETFONT, reinterpret_cast<WPARAM>(look.Font()), TRUE);
+    ::SetWindowTextW(lines, shown.c_str());
+    ::ShowWindow(Handle(), SW_SHOWNORMAL);
+    ::SetForegroundWindow(Handle());
+}
+
+LRESULT List_Window::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
+        case WM_SIZE: {
+            const RECT client = Client();
+            ::SetWindowPos(lines, nullptr, 0, 0, client.right, client.bottom, SWP_NOZORDER | SWP_NOACTIVATE);
+            return 0;
+        }
+        case WM_CTLCOLORSTATIC:
+            ::SetTextColor(reinterpret_cast<HDC>(wparam), look.text);
+            ::SetBkColor(reinterpret_cast<HDC>(wparam), look.ground);
+            ::SetDCBrushColor(reinterpret_cast<HDC>(wparam), look.ground);
+            return reinterpret_cast<LRESULT>(::GetStockObject(DC_BRUSH));
+        default:
+            return Window_Base::On_Message(message, wparam, lparam);
+    }
+}

@@ -1,0 +1,21 @@
+/** A window with a text to read, to scroll and to copy from. */
+#pragma once
+
+#include <string>
+
+#include "workbench/look.h"
+#include "workbench/window_base.h"
+
+class List_Window : public Window_Base {
+  public:
+    explicit List_Window(const Look& shared_look) : look(shared_look) {}
+    /** Shows a text, or another one in the window that is there already. @param text lines end with '\n' */
+    void Open(HWND owner, const std::wstring& title, const std::wstring& text);
+
+  protected:
+    LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override;
+
+  private:
+    const Look& look;
+    HWND lines = nullptr;  // the child that shows the text
+};

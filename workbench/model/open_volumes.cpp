@@ -1,0 +1,60 @@
+#include "workbench/model/open_volumes.h"
+
+#include <algorithm>
+#include <utility>
+
+void Open_Volumes::Clear(Session& in_hand) {
+    volumes.clear();
+    files.clear();
+    current = -1;
+    in_hand = Session();
+}
+
+void Open_Volumes::Take(Image_Folder&& folder, std::vector<Volume_Statistics>&& statistics, Session& in_hand) {
+    Clear(in_hand);
+    try {
+        statistics.resize(folder.volumes.size());
+        volumes.reserve(folder.volumes.size());
+        for (std::size_t at = 0; at < folder.volumes.size(); ++at) {
+            Folder_Volume& opened = folder.volumes[at];
+            Entry& entry = volumes.emplace_back();
+            entry.facts = {std::move(opened.title), std::move(opened.descriptor),   opened.modality, opened.is_scout,
+                           opened.is_cine,          std::move(opened.file_of_slice)};
+            const Volume_Statistics& numbers = statistics[at];
+            const Grey_Window window = {static_cast<float>(numbers.window_low),
+                                        static_cast<float>(numbers.window_high)};
+            entry.view = {numbers, window, opened.volume.nz / 2};
+            entry.session.Take(std::move(opened.volume), opened.path);
+        }
+        files = std::move(folder.files);
+    } catch (...) {
+        Clear(in_hand);
+        throw;
+    }
+    const auto first = std::ranges::find_if(volumes, [](const Entry& entry) { return !entry.facts.is_scout; });
+    current = first != volumes.end() ? static_cast<int>(first - volumes.begin()) : 0;
+    std::swap(in_hand, volumes[static_cast<std::size_t>(current)].session);
+}
+
+const Session& Open_Volumes::Session_Of(int volume, const Session& in_hand) const {
+    return volume == current ? in_hand : volumes[static_cast<std::size_t>(volume)].session;
+}
+
+void Open_Volumes::Switch(int wanted, Session& in_hand) {
+    if (wanted < 0 || wanted >= Nb() || wanted == current) {
+        return;
+    }
+    std::swap(in_hand, volumes[static_cast<std::size_t>(current)].session);
+    current = wanted;
+    std::swap(in_hand, volumes[static_cast<std::size_t>(current)].session);
+}
+
+std::vector<int> Open_Volumes::Unsaved(const Session& in_hand) const {
+    std::vector<int> unsaved;
+    for (int volume = 0; volume < Nb(); ++volume) {
+        if (Session_Of(volume, in_hand).Is_Unsaved()) {
+            unsaved.push_back(volume);
+        }
+    }
+    return unsaved;
+}

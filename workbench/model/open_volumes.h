@@ -1,0 +1,64 @@
+/** All volumes that are open, each with the work on it; one of them is in hand. */
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "volumes/dicom_folder.h"
+#include "volumes/volume_statistics.h"
+#include "workbench/model/session.h"
+#include "workbench/model/slice_render.h"
+
+/** What a volume is called, and where its slices came from. */
+struct Volume_Facts {
+    std::string title;       ///< UTF-8
+    std::string descriptor;  ///< kind of image
+    std::uint16_t modality = 0;
+    bool is_scout = false;
+    bool is_cine = false;                     ///< the slices are moments of one place
+    std::vector<std::int32_t> file_of_slice;  ///< in the order of display; an index into Open_Volumes::Files
+};
+
+/** How the user looks at a volume. */
+struct Volume_View {
+    Volume_Statistics statistics;
+    Grey_Window window;
+    int slice = 0;
+};
+
+/** Owns the sessions of the volumes that are not in hand; the one in hand is passed to every operation that needs it.
+ */
+class Open_Volumes {
+  public:
+    /** Takes over what was opened, at least one volume. All former volumes go, and what was done to them. The first
+     *  one that is no scout comes into hand.
+     *  @param statistics of every volume @throw std::bad_alloc: no volume is open then */
+    void Take(Image_Folder&& folder, std::vector<Volume_Statistics>&& statistics, Session& in_hand);
+    void Clear(Session& in_hand);
+
+    int Nb() const { return static_cast<int>(volumes.size()); }
+    /** The volume in hand; -1 without volumes. */
+    int Current() const { return current; }
+    const Volume_Facts& Facts(int volume) const { return volumes[static_cast<std::size_t>(volume)].facts; }
+    Volume_View& View(int volume) { return volumes[static_cast<std::size_t>(volume)].view; }
+    const Session& Session_Of(int volume, const Session& in_hand) const;
+    /** Files that the volumes came from. */
+    const std::vector<std::filesystem::path>& Files() const { return files; }
+
+    /** Brings another volume into hand. Levels stay where they are in memory. */
+    void Switch(int wanted, Session& in_hand);
+    /** Volumes with work that is not saved. */
+    std::vector<int> Unsaved(const Session& in_hand) const;
+
+  private:
+    struct Entry {
+        Volume_Facts facts;
+        Volume_View view;
+        Session session;  // without volume for the one in hand
+    };
+    std::vector<Entry> volumes;
+    std::vector<std::filesystem::path> files;
+    int current = -1;
+};

@@ -1,0 +1,211 @@
+#include "workbench/model/settings.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <system_error>
+
+namespace {
+
+constexpr std::string_view first_line = "workbench settings";
+constexpr std::size_t file_size_max = 1U << 20U;  // bytes; a longer file is none of ours
+constexpr std::size_t path_size_max = 4096;
+constexpr int coordinate_max = 100000;
+
+std::optional<int> Number_Of(std::string_view text, int least, int most) {
+    int value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size() || value < least || value > most) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+bool Take_Number(std::string_view text, int least, int most, int& value) {
+    const std::optional<int> number = Number_Of(text, least, most);
+    value = number.value_or(value);
+    return number.has_value();
+}
+
+bool Take_Flag(std::string_view text, bool& value) {
+    int number = 0;
+    if (!Take_Number(text, 0, 1, number)) {
+        return false;
+    }
+    value = number != 0;
+    return true;
+}
+
+/** Left, top, width, height: all or none. */
+bool Take_Place(std::string_view text, Window_Place& place) {
+    std::array<int, 4> numbers = {};
+    for (std::size_t at = 0; at < numbers.size(); ++at) {
+        const std::size_t blank = at + 1 < numbers.size() ? text.find(' ') : text.size();
+        if (blank == std::string_view::npos) {
+            return false;
+        }
+        const int least = at < 2 ? -coordinate_max : 1;
+        if (!Take_Number(text.substr(0, blank), least, coordinate_max, numbers[at])) {
+            return false;
+        }
+        text.remove_prefix(std::min(blank + 1, text.size()));
+    }
+    place.left = numbers[0];
+    place.top = numbers[1];
+    place.width = numbers[2];
+    place.height = numbers[3];
+    return true;
+}
+
+bool Is_Path(std::string_view text) {
+    return !text.empty() && text.size() <= path_size_max &&
+           std::ranges::all_of(text, [](char unit) { return static_cast<unsigned char>(unit) >= 0x20; });
+}
+
+bool Take_Line(std::string_view name, std::string_view value, Settings& settings) {
+    if (name == "window") {
+        return Take_Place(value, settings.window);
+    }
+    if (name == "window_maximized") {
+        return Take_Flag(value, settings.window.is_maximized);
+    }
+    if (name == "theme") {
+        settings.is_light = value == "light" || (value != "dark" && settings.is_light);
+        return value == "light" || value == "dark";
+    }
+    if (name == "tag_colours") {
+        return Take_Flag(value, settings.is_overlay_shown);
+    }
+    if (name == "trace_view") {
+        return Take_Flag(value, settings.is_trace_shown);
+    }
+    if (name == "database") {
+        return Take_Flag(value, settings.is_database_shown);
+    }
+    if (name == "database_view") {
+        return Take_Number(value, 0, DATABASE_VIEW_MAX, settings.database_view);
+    }
+    if (name == "database_width") {
+        return Take_Number(value, 0, DATABASE_WIDTH_MAX, settings.database_width);
+    }
+    if (name == "folded_panels") {
+        int bits = 0;
+        const bool is_known = Take_Number(value, 0, static_cast<int>(FOLDED_MAX), bits);
+        settings.folded = is_known ? static_cast<unsigned int>(bits) : settings.folded;
+        return is_known;
+    }
+    if (name == "recent" && Is_Path(value) && settings.recent.size() < RECENT_MAX &&
+        std::ranges::find(settings.recent, value) == settings.recent.end()) {
+        settings.recent.emplace_back(value);
+        return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+void Recent_Add(std::vector<std::string>& recent, const std::string& path) {
+    if (!Is_Path(path)) {
+        return;
+    }
+    std::erase(recent, path);
+    recent.insert(recent.begin(), path);
+    recent.resize(std::min(recent.size(), RECENT_MAX));
+}
+
+Settings Settings_Parse(std::string_view text, int* ignored) {
+    Settings settings;
+    int unknown = 0;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        std::string_view line = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (line.ends_with('\r')) {
+            line.remove_suffix(1);
+        }
+        if (line.empty() || line == first_line) {
+            continue;
+        }
+        const std::size_t blank = line.find(' ');
+        const bool is_known =
+            blank != std::string_view::npos && Take_Line(line.substr(0, blank), line.substr(blank + 1), settings);
+        unknown += is_known ? 0 : 1;
+    }
+    if (ignored != nullptr) {
+        *ignored = unknown;
+    }
+    return settings;
+}
+
+std::string Settings_Text(const Settings& settings) {
+    std::string text = std::string(first_line) + "\n";
+    const auto line = [&](const char* name, const std::string& value) {
+        text += std::string(name) + " " + value + "\n";
+    };
+    const auto flag = [&](const char* name, bool value) { line(name, value ? "1" : "0"); };
+    const Window_Place& place = settings.window;
+    if (place.width > 0 && place.height > 0) {
+        line("window", std::to_string(place.left) + " " + std::to_string(place.top) + " " +
+                           std::to_string(place.width) + " " + std::to_string(place.height));
+    }
+    flag("window_maximized", place.is_maximized);
+    line("theme", settings.is_light ? "light" : "dark");
+    flag("tag_colours", settings.is_overlay_shown);
+    flag("trace_view", settings.is_trace_shown);
+    flag("database", settings.is_database_shown);
+    line("database_view", std::to_string(settings.database_view));
+    line("database_width", std::to_string(settings.database_width));
+    line("folded_panels", std::to_string(settings.folded));
+    for (const std::string& path : settings.recent) {
+        line("recent", path);
+    }
+    return text;
+}
+
+Settings Settings_Load(const std::filesystem::path& file, int* ignored) {
+    std::error_code unreadable;
+    std::string text;
+    if (std::filesystem::is_regular_file(file, unreadable) &&
+        std::filesystem::file_size(file, unreadable) <= file_size_max) {
+        std::ifstream in(file, std::ios::binary);
+        text.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    }
+    return Settings_Parse(text, ignored);
+}
+
+bool Settings_Save(const std::filesystem::path& file, const Settings& settings) {
+    std::error_code failure;
+    if (file.has_parent_path()) {
+        std::filesystem::create_directories(file.parent_path(), failure);
+    }
+    std::filesystem::path beside = file;
+    beside += ".new";
+    {
+        std::ofstream out(beside, std::ios::binary | std::ios::trunc);
+        out << Settings_Text(settings);
+        out.flush();
+        if (!out) {
+            out.close();
+            std::filesystem::remove(beside, failure);
+            return false;
+        }
+    }
+    std::filesystem::rename(beside, file, failure);
+    if (failure) {
+        std::error_code unremoved;
+        std::filesystem::remove(beside, unremoved);
+    }
+    return !failure;
+}
+
+Window_Place Place_Inside(const Window_Place& place, const Window_Place& area) {
+    Window_Place inside = place;
+    inside.width = std::min(place.width, area.width);
+    inside.height = std::min(place.height, area.height);
+    inside.left = std::clamp(place.left, area.left, area.left + area.width - inside.width);
+    inside.top = std::clamp(place.top, area.top, area.top + area.height - inside.height);
+    return inside;
+}

@@ -1,0 +1,13 @@
+/** Shows a long text that can be scrolled, read aloud and copied. */
+#pragma once
+
+#include "win32/gdi_handles.h"
+
+#include <string>
+#include <vector>
+
+/** @param lines separated by \n @param font outlives the call @param choices further buttons beside "Close", with marks
+ *  for their letters
+ *  @return index of the button that was pressed; -1: closed */
+int Text_Show(HWND owner, const std::wstring& title, const std::wstring& lines, HFONT font,
+              const std::vector<std::wstring>& choices = {});
