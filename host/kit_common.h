@@ -1,10 +1,12 @@
-/** Kit_Common: messages, paths, text conversion and dense linear algebra that the host offers to the panels. */
+/** @file
+ *  Kit_Common: messages, paths, text conversion and dense linear algebra that the host offers to the panels. */
 #pragma once
 
 #include <memory>
 
 #include "host/platform.h"
 
+/** Exported while the module itself is built, imported by everyone else. */
 #if defined(KIT_COMMON_BUILD)
 #define KIT_COMMON_API KIT_EXPORT
 #else
@@ -37,6 +39,7 @@ extern KIT_COMMON_API const char* Prog_Name;
  * registered. Never calls back into a panel.
  *  @param window the window that the message belongs to, may be null
  *  @param level  see the constants above
+ *  @param format printf format of the text; its arguments follow
  *  @return 1
  */
 KIT_COMMON_API int Error_Fct(HWND window, int level, const char* format, ...) KIT_PRINTF_FORMAT(3, 4);
@@ -66,6 +69,8 @@ inline constexpr int PATH_SIZE = 32768;
 KIT_COMMON_API void Get_Generic_Name(const char* path, char* directory, char* name, char* extension);
 
 /** Converts a text of the system's code page to wide characters.
+ *  @param text     zero-terminated, or null
+ *  @param out      receives the zero-terminated wide text
  *  @param out_size room in `out` in wide characters, the terminating zero included; longer texts are cut at a whole
  * character
  *  @return the number of wide characters written, the terminating zero not counted; 0 for a null text or no room
@@ -80,16 +85,21 @@ class KIT_COMMON_API Vector_N {
   public:
     /** @param count number of elements; @param flag bytes of an element, always 8 */
     Vector_N(unsigned int count, unsigned char flag);
+    ///@{
+    /** A copy without memory is empty; a moved-from vector is. */
     Vector_N(const Vector_N& other);
     Vector_N(Vector_N&& other) noexcept;
     Vector_N& operator=(const Vector_N& other);
     Vector_N& operator=(Vector_N&& other) noexcept;
+    ///@}
     ~Vector_N();
 
+    ///@{
     /** Element `index`, 0 .. Size() - 1. Any other index gives a spare double that reads as zero, so that a vector
      * without memory is harmless. */
     double& operator[](int index);
     const double& operator[](int index) const;
+    ///@}
     /** Adds element by element. Sizes must agree; elements beyond the shorter one are left alone. */
     Vector_N& operator+=(const Vector_N& other);
     /** Number of elements; 0 when the allocation failed. */
@@ -107,16 +117,21 @@ class KIT_COMMON_API Matrix_NxM {
   public:
     /** @param columns number of columns; @param rows number of rows; @param flag bytes of an element, always 8 */
     Matrix_NxM(unsigned int columns, unsigned int rows, unsigned char flag);
+    ///@{
+    /** A copy is invalid when its original is, and without memory; a moved-from matrix is 0 x 0 and invalid. */
     Matrix_NxM(const Matrix_NxM& other);
     Matrix_NxM(Matrix_NxM&& other) noexcept;
     Matrix_NxM& operator=(const Matrix_NxM& other);
     Matrix_NxM& operator=(Matrix_NxM&& other) noexcept;
+    ///@}
     ~Matrix_NxM();
 
+    ///@{
     /** The contiguous doubles of row `row`, 0 .. Rows() - 1; not checked. Null when the allocation failed (Invalid
      * tells). */
     double* operator[](int row);
     const double* operator[](int row) const;
+    ///@}
     /** The transposed matrix. */
     Matrix_NxM operator~() const;
     /** The inverse, by LU factorisation with partial pivoting. A matrix that is not square, has an exactly zero pivot
@@ -128,10 +143,14 @@ class KIT_COMMON_API Matrix_NxM {
     /** Matrix times column vector: an element per row. Empty when the vector has not an element per column, and without
      * memory. */
     Vector_N operator*(const Vector_N& right) const;
-    /** Non-zero when the matrix is marked invalid. @param clear non-zero: the mark is cleared afterwards */
+    /** Non-zero when the matrix is marked invalid. @param clear non-zero: the mark is cleared afterwards, but for a
+     * matrix that could not be made at all */
     int Invalid(int clear);
+    ///@{
+    /** 0 when the allocation failed. */
     unsigned int Columns() const;
     unsigned int Rows() const;
+    ///@}
 
   private:
     struct Data;

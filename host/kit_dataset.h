@@ -1,9 +1,11 @@
-/** Kit_Dataset: the host's shared state: named variables, update and redraw requests, data objects, iterators, frames.
+/** @file
+ *  Kit_Dataset: the host's shared state: named variables, update and redraw requests, data objects, iterators, frames.
  */
 #pragma once
 
 #include "host/platform.h"
 
+/** Exported while the module itself is built, imported by everyone else. */
 #if defined(KIT_DATASET_BUILD)
 #define KIT_DATASET_API KIT_EXPORT
 #else
@@ -58,6 +60,7 @@ struct Region_2D;  ///< opaque; panels pass null
 /** The pointer value that means "all windows" or "all objects" wherever a window or object is asked for. Never
  * dereferenced. */
 inline constexpr std::uintptr_t ALL_OBJECTS = 4;
+/** ALL_OBJECTS as a window. */
 inline Quorel_Window* All_Windows() {
     return reinterpret_cast<Quorel_Window*>(ALL_OBJECTS);
 }
@@ -82,15 +85,17 @@ enum Variable_Type : unsigned short {
  *  @return scalar: the number itself (keep the low 16 bits of a 16-bit variable; a float is cut to its whole part), so
  * a scalar 0 and a missing scalar both give null; array or text: the address of the first element; object pointer: the
  * pointer; null: no such variable, or no value
- *  @param nb, type, fct  receive the element count (1 for a scalar), the Variable_Type and the change function; each
- * may be null. A missing variable gives 0, VARIABLE_NONE and null
+ *  @param name           the variable's name with its "$"
+ *  @param nb, type, fct  receive the element count (1 for all but arrays), the Variable_Type and the change function
+ * (null in this kit); each may be null. A missing variable gives 0, VARIABLE_NONE and null
  */
 KIT_DATASET_API void* Fct_Variable_Value(const char* name, int* nb, unsigned short* type, int (**fct)(void));
 
 /** The address of a host variable's storage, null when there is no such variable.
  *  The address stays the same for the life of the process. Scalar: storage of the number; array: storage holds the
  * pointer to the first element; text: storage holds the text pointer; object: storage holds the pointer.
- *  @param flag 0
+ *  @param name, nb, type, fct  as for Fct_Variable_Value
+ *  @param flag  0
  */
 KIT_DATASET_API void* Fct_Variable_Get(const char* name, int* nb, unsigned short* type, int (**fct)(void), char flag);
 
@@ -103,8 +108,9 @@ KIT_DATASET_API void* Fct_Variable_Get(const char* name, int* nb, unsigned short
 KIT_DATASET_API void Fct_Update(unsigned __int64 flags, void* a, void* b, Region_2D* region);
 /** Asks the host to redraw its image windows. The mask is the host's. */
 KIT_DATASET_API void Fct_Redraw(unsigned __int64 flags, void* a, void* b, Region_2D* region);
-/** Makes another frame the one that an image window shows. @param new_frame null is ignored; @param old_frame may be
- * null */
+/** Makes another frame the one that an image window shows; then tells the host, which may call Update before this
+ * returns. @param window null or All_Windows() is ignored; @param new_frame so is null; @param old_frame the frame
+ * shown before, may be null */
 KIT_DATASET_API void Fct_Change_Child(Quorel_Window* window, Quorel_2D* new_frame, Quorel_2D* old_frame);
 
 // -------------------------------------------------------------------------------------------------------------------
@@ -112,12 +118,13 @@ KIT_DATASET_API void Fct_Change_Child(Quorel_Window* window, Quorel_2D* new_fram
 
 inline constexpr int CLASS_MASK_2D = 0x2FFF;  ///< class mask of the plain 2D class
 
-/** Opens an iterator over the data objects. @param who names the caller; @param object null. @return a handle, 0 when
- * none is available. Nests. */
+/** Opens an iterator over the data objects. @param who names the caller in reports, copied; @param object null.
+ * @return a handle; 0 when 16 are open already. */
 KIT_DATASET_API unsigned short Iterator_Init(const char* who, Quorel* object);
-/** The next 2D object of the class mask, null at the end.
- *  @param window the window whose frames are meant, or All_Windows(); @param selected_only 1: only objects with the
- * selection flag */
+/** The next object that has a frame, in the order in which the host registered them; null at the end and for a handle
+ * that is not open.
+ *  @param handle from Iterator_Init; @param mask CLASS_MASK_2D; @param window the window whose frames are meant, or
+ * All_Windows(); @param selected_only 1: only objects with the selection flag */
 KIT_DATASET_API Quorel_2D* Iterator_Class_2D(unsigned short handle, int mask, Quorel_Window* window, int selected_only);
 /** Closes an iterator; to be called after every pass. */
 KIT_DATASET_API void Iterator_End(unsigned short handle);
@@ -125,30 +132,33 @@ KIT_DATASET_API void Iterator_End(unsigned short handle);
 // ---------------------------------------------------------------------------------------------------------------
 // dialogs, input
 
-/** Stored value of a grey frame to its grey level. */
+/** Stored value of a frame to its grey level; the value itself for a colour frame and for one without slope and
+ * intercept. */
 KIT_DATASET_API float Fct_GLI_2_Float(Quorel_2D* frame, int value);
 /** A double-zero ended file filter from n pairs (label, name of the variable with the pattern). A static buffer, valid
- * until the next call. */
+ * until the next call. A pair that does not fit is left out. */
 KIT_DATASET_API const char* Fct_Create_szFilter(int n, ...);
 /** Longest path, with its zero, that Fct_Save_FileName can write. */
 inline constexpr int FILE_NAME_SIZE = 32768;
-/** Asks for the name of a file to write. @param buffer FILE_NAME_SIZE bytes. @return non-zero: confirmed, `buffer`
+/** Asks for the name of a file to write. @param title of the dialog; @param filter from Fct_Create_szFilter;
+ * @param initial_name name to begin with; @param extension added to a name without one, without its dot; @param buffer
+ * FILE_NAME_SIZE bytes, empty after a failure; @param flags 0. @return non-zero: confirmed, `buffer`
  * holds the path; 0: cancelled */
 KIT_DATASET_API int Fct_Save_FileName(const char* title, const char* filter, const char* initial_name,
                                       const char* extension, char* buffer, int flags);
 
 /** A pen's state: screen position and button bits in the coding of the mouse event codes. */
 struct Pointer_Record {
-    int x = 0;
-    int y = 0;
-    int buttons = 0;
+    int x = 0;        ///< screen pixels
+    int y = 0;        ///< screen pixels, y down
+    int buttons = 0;  ///< MOUSE_LEFT: tip; MOUSE_RIGHT: tip with the barrel button; MOUSE_MIDDLE: eraser; 0: hovering
 };
 /** A two-finger gesture since the last record: zoom factors (1: unchanged) and movement in device pixels (y down). */
 struct Gesture_Record {
-    float fx = 1.0F;
-    float fy = 1.0F;
-    float dx = 0.0F;
-    float dy = 0.0F;
+    float fx = 1.0F;  ///< change of the fingers' distance in x, within 1.09 and its reciprocal
+    float fy = 1.0F;  ///< the same in y
+    float dx = 0.0F;  ///< movement of the point between the fingers in x
+    float dy = 0.0F;  ///< movement of that point in y
 };
 /** The pen record of a pointer message, null when the message is not a pen's. Static, valid until the next call. */
 KIT_DATASET_API const Pointer_Record* Fct_Pointer_Pen(HWND window, unsigned int message, std::uintptr_t wparam,
@@ -166,9 +176,9 @@ inline constexpr int FLAG_SELECTED = 0x10;         ///< in that group: selected
 inline constexpr int FLAG_PARTLY_SELECTED = 0x20;  ///< in that group: partly selected
 inline constexpr int FLAG_CHANGED = 0x40;          ///< in that group: changed
 
-inline constexpr int CLASS_PLAIN_1D = 0x1FFF;
-inline constexpr int CLASS_PLAIN_2D = 0x2FFF;
-inline constexpr int CLASS_PLAIN_3D = 0x3FFF;
+inline constexpr int CLASS_PLAIN_1D = 0x1FFF;    ///< class code of a Quorel_1D; the highest four bits are the dimension
+inline constexpr int CLASS_PLAIN_2D = 0x2FFF;    ///< class code of a Quorel_2D
+inline constexpr int CLASS_PLAIN_3D = 0x3FFF;    ///< class code of a Quorel_3D
 inline constexpr int CLASS_WINDOW = 256;         ///< image window of the application
 inline constexpr int CLASS_WINDOW_LOCKED = 257;  ///< window in which the database selection cannot be changed
 
@@ -191,32 +201,39 @@ class KIT_DATASET_API Quorel {
 
     /** Bits of the flag word of (group, mask) that are set among `bits`. */
     int Flag_Get_Bit(int bits, int group, int mask) const;
+    /** Sets bits; without memory for a new flag word nothing is set, and that is reported. */
     void Flag_Set_On(int bits, int group, int mask);
+    /** Clears bits of a flag word; one that was never set reads as 0 and stays so. */
     void Flag_Set_Off(int bits, int group, int mask);
 
-    int class_a = 0;
-    unsigned short class_b = 0;
+    int class_a = 0;             ///< see Class_A_Get; set by the constructors, the host may set another one
+    unsigned short class_b = 0;  ///< see Class_B_Get; set by the host
 
   protected:
-    char* title = nullptr;
+    ///@{
+    char* title = nullptr;  ///< owned copy, may be null
     char* name = nullptr;
-    Quorel* parent = nullptr;
-    Quorel** child = nullptr;  // child_nb pointers, not owned
-    int child_nb = 0;
-    int child_room = 0;        // pointers that `child` has room for
-    Quorel* holder = nullptr;  // whose `child` names this object; unlike `parent` changed by the tree operations only
+    ///@}
+    Quorel* parent = nullptr;  ///< as Parent_Set_Pt left it; null for roots
+    Quorel** child = nullptr;  ///< child_nb pointers, not owned
+    int child_nb = 0;          ///< pointers in use
+    int child_room = 0;        ///< pointers that `child` has room for
+    Quorel* holder = nullptr;  ///< whose `child` names this object; unlike `parent` changed by the tree operations only
+    /** The bits kept under one (group, mask). */
     struct Flag_Word {
-        int group;
-        int mask;
-        int bits;
+        int group;  ///< for example FLAG_GROUP_SELECTION
+        int mask;   ///< for example FLAG_MASK_SELECTION
+        int bits;   ///< for example FLAG_SELECTED
     };
-    Flag_Word* flag_word = nullptr;
-    int flag_word_nb = 0;
+    Flag_Word* flag_word = nullptr;  ///< flag_word_nb words, owned
+    int flag_word_nb = 0;            ///< pairs (group, mask) that were ever set
 
+    ///@{
     /** Tree operations of all classes; see Quorel_Tree for their rules. */
     int Tree_Insert(int position, Quorel* object);
     int Tree_Remove(int position);
     int Tree_Position(const Quorel* object) const;
+    ///@}
 
   private:
     bool Tree_Room(int count);
@@ -231,7 +248,9 @@ template <class Class>
 class Quorel_Tree : public Quorel {
   public:
     Class* Parent_Get_Pt() const { return static_cast<Class*>(parent); }  ///< null for roots
+    /** Sets the parent link alone: the object does not become a child of `object`. Child_Add sets both. */
     void Parent_Set_Pt(Class* object) { parent = object; }
+    /** Direct children. */
     int Child_Get_Nb() const { return child_nb; }
     /** The child at `position`; null outside 0 .. Child_Get_Nb() - 1. */
     Class* Child_Get_Pt(int position) const {
@@ -249,9 +268,11 @@ class Quorel_Tree : public Quorel {
     /** Unlinks; the object lives on. Its parent link is cleared when it still names this object. @return 1, or 0 when
      * there is no such child */
     int Child_Remove(int position) { return Tree_Remove(position); }
+    /** The same by the child itself. */
     int Child_Remove(Class* object) { return Tree_Remove(Tree_Position(object)); }
 };
 
+/** A 1D class object: its children are the classes below it. */
 class KIT_DATASET_API Quorel_1D : public Quorel_Tree<Quorel_1D> {
   public:
     Quorel_1D() { class_a = CLASS_PLAIN_1D; }
@@ -260,12 +281,13 @@ class KIT_DATASET_API Quorel_1D : public Quorel_Tree<Quorel_1D> {
     char icon[64] = {};              ///< what Icon_Get answers; empty: null
 };
 
+/** A 3D class object: its children are the classes below it. */
 class KIT_DATASET_API Quorel_3D : public Quorel_Tree<Quorel_3D> {
   public:
     Quorel_3D() { class_a = CLASS_PLAIN_3D; }
     ~Quorel_3D() override;
     virtual const char* Icon_Get();  ///< icon file name or null
-    char icon[64] = {};
+    char icon[64] = {};              ///< what the icon operation answers; empty: null
 };
 
 /** A 2D class object: a volume (children are its frames) or a frame. */
@@ -282,8 +304,8 @@ class KIT_DATASET_API Quorel_2D : public Quorel_Tree<Quorel_2D> {
     Quorel_2D_Frame** frame_more = nullptr;  ///< frame_more_nb pointers; owned by the host application
     const char* descriptor = nullptr;        ///< series or modality text, may be null; owned by the host application
     int slice[2] = {0, 0};                   ///< slice and time index inside `frame`
-    char icon[64] = {};
-    int registered_at = -1;  ///< for the kit only: place among the objects that iterators yield
+    char icon[64] = {};                      ///< what the icon operation answers; empty: null
+    int registered_at = -1;                  ///< for the kit only: place among the objects that iterators yield
 };
 
 /** An image window. */
@@ -299,16 +321,18 @@ inline constexpr unsigned short HISTO_COLOR = 0x1;  ///< bit of Histo_Record::fl
 /** A grey-level histogram, of one frame or merged. Bin i covers origin + i * bin_width to origin + (i + 1) * bin_width.
  */
 struct Histo_Record {
-    std::uint16_t flags = 0;
-    std::uint16_t nb_bins = 0;
-    float origin = 0.0F;                  ///< GLI value of the lower edge of bin 0
-    float bin_width = 0.0F;               ///< GLI units
-    std::uint32_t max_count = 0;          ///< largest value of any array
-    std::uint32_t* counts = nullptr;      ///< nb_bins values, all components; null: an emptied record
+    std::uint16_t flags = 0;          ///< HISTO_COLOR or 0
+    std::uint16_t nb_bins = 0;        ///< length of every array
+    float origin = 0.0F;              ///< GLI value of the lower edge of bin 0
+    float bin_width = 0.0F;           ///< GLI units
+    std::uint32_t max_count = 0;      ///< largest value of any array
+    std::uint32_t* counts = nullptr;  ///< nb_bins values, all components; null: an emptied record
+    ///@{
     std::uint32_t* counts_red = nullptr;  ///< nb_bins values each, only with HISTO_COLOR
     std::uint32_t* counts_green = nullptr;
     std::uint32_t* counts_blue = nullptr;
     std::uint32_t* counts_component0 = nullptr;
+    ///@}
 };
 
 inline constexpr int SAMPLE_OUTSIDE = 0x7FFFFFFE;         ///< Sample: this and more mean outside the image
@@ -322,21 +346,22 @@ class KIT_DATASET_API Quorel_2D_Frame {
     Quorel_2D_Frame(const Quorel_2D_Frame&) = delete;
     Quorel_2D_Frame& operator=(const Quorel_2D_Frame&) = delete;
 
-    /** The stored histogram, null when there is none. The kit frees only histograms that it built itself. */
+    /** The stored histogram, null when there is none. Belongs to the frame's maker: the kit frees only
+     * the one that it built itself. */
     Histo_Record* Histogram_Get() { return histogram; }
     /** The stored value at a position: grey: the stored level; colour: red in the low byte, green, blue above.
      * SAMPLE_OUTSIDE or more: outside.
      *  @param position x, y in pixels of the frame; @param slice slice and time index */
     virtual int Sample(const float* position, const int* slice) const;
 
-    unsigned short modality = 0;  ///< two letters, the first in the high byte
-    unsigned short flags = 0;     ///< FRAME_FLAG_SCOUT
-    unsigned short width = 0;     ///< pixels
-    unsigned short height = 0;    ///< pixels
-    unsigned short slices = 1;
-    unsigned short times = 1;
-    bool color = false;  ///< samples are packed colours
-    Histo_Record* histogram = nullptr;
+    unsigned short modality = 0;              ///< two letters, the first in the high byte
+    unsigned short flags = 0;                 ///< FRAME_FLAG_SCOUT
+    unsigned short width = 0;                 ///< pixels
+    unsigned short height = 0;                ///< pixels
+    unsigned short slices = 1;                ///< planes of one time
+    unsigned short times = 1;                 ///< repetitions of all planes
+    bool color = false;                       ///< samples are packed colours
+    Histo_Record* histogram = nullptr;        ///< see Histogram_Get; the host may point it at a record of its own
     Histo_Record* histogram_built = nullptr;  ///< for the kit only: the record that it built and frees
 };
 
@@ -344,8 +369,8 @@ inline constexpr unsigned short FILE_FLAG_NO_ACCESS = 0x40;  ///< bit of a file'
 
 /** A loaded image file. Owned by the host application. */
 struct File_Record {
-    const char* path = nullptr;
-    int frame_nb = 0;
+    const char* path = nullptr;             ///< folders separated by either separator; code page of the system
+    int frame_nb = 0;                       ///< length of both arrays below
     Quorel_2D_Frame** frame = nullptr;      ///< frame_nb pointers, null entries allowed
-    unsigned short* frame_flags = nullptr;  ///< frame_nb entries
+    unsigned short* frame_flags = nullptr;  ///< frame_nb entries, FILE_FLAG_NO_ACCESS or 0
 };

@@ -1,4 +1,5 @@
-/** Kit_Widgets: the widget library that panels are built from.
+/** @file
+ *  Kit_Widgets: the widget library that panels are built from.
  *
  *  Coordinates. Every window has one vertical axis, up (the default: y counts from the bottom row) or down (y counts
  * from the top row); the host declares it, panels never ask. A widget at (x, y, width, height) covers the pixels x .. x
@@ -15,6 +16,7 @@
 
 #include "host/platform.h"
 
+/** Exported while the module itself is built, imported by everyone else. */
 #if defined(KIT_WIDGETS_BUILD)
 #define KIT_WIDGETS_API KIT_EXPORT
 #else
@@ -52,11 +54,16 @@ inline constexpr int MOUSE_LEFT = 0x10;  ///< left button held after the event
 inline constexpr int MOUSE_MIDDLE = 0x20;  ///< middle button held
 inline constexpr int MOUSE_RIGHT = 0x40;   ///< right button held
 
+///@{
+/** Key codes of characters are the characters themselves. */
 inline constexpr int KEY_ESCAPE = 27;
 inline constexpr int KEY_ENTER = 13;
 inline constexpr int KEY_TAB = 9;
 inline constexpr int KEY_BACKSPACE = 8;
+///@}
 inline constexpr int KEY_SPECIAL = 0x800;  ///< added to the virtual-key code of a key without a character
+///@{
+/** KEY_SPECIAL and the virtual-key code. */
 inline constexpr int KEY_PAGE_UP = 0x821;
 inline constexpr int KEY_PAGE_DOWN = 0x822;
 inline constexpr int KEY_END = 0x823;
@@ -67,6 +74,7 @@ inline constexpr int KEY_RIGHT = 0x827;
 inline constexpr int KEY_DOWN = 0x828;
 inline constexpr int KEY_INSERT = 0x82D;
 inline constexpr int KEY_DELETE = 0x82E;
+///@}
 
 // ---------------------------------------------------------------------------------------------------------------------
 // globals
@@ -80,11 +88,13 @@ extern KIT_WIDGETS_API HDC Y_DC;       ///< device context of the innermost Y_se
 
 /** Colour components 0 to 255; the fourth is free for the host. */
 struct KIT_WIDGETS_API Colors {
-    unsigned short red = 0;
+    ///@{
+    unsigned short red = 0;  ///< 0 .. 255
     unsigned short green = 0;
     unsigned short blue = 0;
-    unsigned short fourth = 0;
-    /** The colour packed as 0x00BBGGRR. */
+    ///@}
+    unsigned short fourth = 0;  ///< not looked at by the library
+    /** The colour packed as 0x00BBGGRR; of each component the low eight bits. */
     unsigned long get() const;
 };
 
@@ -98,10 +108,12 @@ inline constexpr int BUTTON_CAPTION_MAX = 39;  ///< longest caption of a button,
 class KIT_WIDGETS_API Tools {
   public:
     unsigned int style = 0;  ///< see STYLE_*
-    short x = 0;             ///< pixels of the window's axis
+    ///@{
+    short x = 0;  ///< pixels of the window's axis
     short y = 0;
     short width = 0;
     short height = 0;
+    ///@}
     const char* font_name = nullptr;    ///< face name, owned by the host; null: the library's own
     const char* font_weight = nullptr;  ///< "bold" or "", owned by the host
     HFONT font = nullptr;  ///< created font, owned by the host; null: made by the library from name, weight and scale
@@ -129,9 +141,10 @@ class KIT_WIDGETS_API Tools {
     void Cadre();
     /** Fills the rectangle with the highlight colour. */
     void Fill_Select();
-    /** Draws a text, left-aligned and centred in height. */
+    /** Fills the rectangle with the widget's own colour and draws a text on it, left-aligned and centred in height.
+     * Null: nothing. */
     void Text(const char* text);
-    /** Gives back what Init made. The widget can be Init'ed again. */
+    /** Takes the widget off its window: it draws nothing and is never hit until Init is called with a window again. */
     void Free();
 
     /** Copies fonts, font scale, colour, border and window handle of a host box: what panels hand on to their widgets.
@@ -148,10 +161,13 @@ class KIT_WIDGETS_API Boxs : public Tools {
   public:
     /** @param init_window the window; null keeps the stored one. @return 1 */
     int Init(HWND init_window);
+    /** The filling (0x40), the border (0x2) and, with a caption, the title band at the visual top. */
     void Draw();
+    /** Border and title band only: what is painted inside stays. */
     void Adjust();
     /** Non-zero when the pointer is inside. Never captures. @param up_down any code; MOUSE_ASK only asks */
     int Select(int up_down);
+    /** Does nothing: a box has no look of its own under the pointer. */
     void Deselect();
 };
 
@@ -169,7 +185,9 @@ class KIT_WIDGETS_API Buttons : public Tools {
     Buttons(const Buttons& other);             ///< the images are copied
     Buttons& operator=(const Buttons& other);  ///< the images are copied
 
+    /** Also makes the four images, or clears them to their backgrounds. @param init_window as for Boxs. @return 1 */
     int Init(HWND init_window);
+    /** The image of its look, border, marks and caption; nothing while STYLE_EDITED without STYLE_GREYED. */
     void Draw();
     /** Repaints the current and checked marks only. */
     void Adjust();
@@ -188,15 +206,18 @@ class KIT_WIDGETS_API Buttons : public Tools {
  */
 class KIT_WIDGETS_API Sliders : public Tools {
   public:
-    float value = 0.0F;
-    float minimum = 0.0F;
-    float maximum = 1.0F;
-    float step = 1.0F;
+    ///@{
+    float value = 0.0F;    ///< pixels between minimum and maximum; 0 is at the visual top or left
+    float minimum = 0.0F;  ///< pixels
+    float maximum = 1.0F;  ///< pixels; below the minimum the range is empty and the value stays as it is
+    float step = 1.0F;     ///< pixels of one notch of the wheel
+    ///@}
 
     Sliders();
     /** As for every widget; also brings a value from outside minimum .. maximum back (unless the maximum lies below the
      * minimum). So does Adjust. */
     int Init(HWND init_window);
+    /** Track and thumb; nothing with STYLE_SLIDER_HIDDEN. */
     void Draw();
     /** Repaints the thumb. */
     void Adjust();
@@ -206,9 +227,10 @@ class KIT_WIDGETS_API Sliders : public Tools {
      * motion: non-zero only while the thumb is dragged; a drag ends by itself with the first motion without MOUSE_DRAG.
      */
     int Select(int up_down);
+    /** Ends a drag and leaves the hover look; draws only when the look changes. */
     void Deselect();
-    /** Adds notches x step, clamped to minimum .. maximum, and keeps the value. @return the new value. Draws nothing.
-     */
+    /** Adds notches x step, clamped to minimum .. maximum, and keeps the value. A slider that does not react and one
+     * with an empty range stay as they are. @return the value. Draws nothing. */
     float Scroll(int notches);
     /** Sets the thumb's length: visible of total, in any one unit. A total of 0 or less gives a full thumb. */
     void Larg_Adjust(float visible, float total);
@@ -223,19 +245,25 @@ class KIT_WIDGETS_API Sliders : public Tools {
 /** A vertical valuator: a slider that shows its value by a filled bar. */
 class KIT_WIDGETS_API Valuators : public Tools {
   public:
-    float value = 1.0F;
-    float minimum = 0.0F;
-    float maximum = 1.0F;
-    float step = 0.05F;
+    float value = 1.0F;    ///< minimum (visual top) .. maximum
+    float minimum = 0.0F;  ///< in the panel's own unit, as all four
+    float maximum = 1.0F;  ///< below the minimum: the value stays as it is
+    float step = 0.05F;    ///< of one notch of the wheel
 
+    /** As for Sliders: a value from outside minimum .. maximum is brought back. @return 1 */
     int Init(HWND init_window);
+    ///@{
+    /** Track, bar and mark: the whole valuator. */
     void Draw();
     void Adjust();
+    ///@}
+    /** The value after an event. */
     float Read();
     /** As Sliders::Select: a press anywhere on the valuator takes the value there and starts a drag. */
     int Select(int up_down);
+    /** Ends a drag and leaves the hover look; draws only when the look changes. */
     void Deselect();
-    /** Adds notches x step, clamped, and keeps the value. @return the new value. */
+    /** Adds notches x step, clamped, and keeps the value. @return the new value. Draws nothing. */
     float Scroll(int notches);
 
   private:
@@ -245,7 +273,7 @@ class KIT_WIDGETS_API Valuators : public Tools {
 
 /** Caption of one item of a list, or an empty text. */
 struct Select_Item {
-    char text[40] = {};
+    char text[40] = {};  ///< in the system's code page, with its terminating zero
 };
 
 /** A one-of-N list: caption, a field with the current item, arrows to the previous and next item, and a drop list. */
@@ -258,19 +286,25 @@ class KIT_WIDGETS_API Selects : public Tools {
 
     Selects();
     ~Selects();
+    ///@{
+    /** The captions are copied; without memory the copy has no items. */
     Selects(const Selects& other);
     Selects& operator=(const Selects& other);
+    ///@}
 
+    /** As for Boxs; the items stay. @return 1 */
     int Init(HWND init_window);
+    /** Caption, field with the current item, and arrows. */
     void Draw();
-    /** Repaints the current item. */
+    /** Repaints field and arrows. */
     void Adjust();
     /** The item picked by the last event, or a negative number when it picked none. */
     int Read();
     /** Feeds an event. @return non-zero when a press falls on the list (an arrow picks at once; the field opens the
-     * drop list, and the operation returns when that is closed: by a pick, or without). MOUSE_ASK only asks whether the
-     * pointer is over the list. */
+     * drop list, and the operation returns when that is closed: by a pick, or without); 0 too when
+     * the list was destroyed while its drop list was open. MOUSE_ASK only asks whether the pointer is over the list. */
     int Select(int up_down);
+    /** Leaves hover and pressed looks; draws only when a look changes. */
     void Deselect();
     /** Makes room for `nb` items and forgets the captions unless `keep` is non-zero. @return 1; 0 without memory (no
      * items then) */
@@ -293,17 +327,23 @@ class KIT_WIDGETS_API Texts : public Tools {
   public:
     unsigned short position = 0;  ///< first character shown
 
+    /** As for Boxs; also forgets caret, selection and a finished edit. The text stays. @return 1 */
     int Init(HWND init_window);
+    ///@{
+    /** Both paint the whole field, scrolled so that the caret is in view. */
     void Draw();
     void Adjust();
+    ///@}
     /** Loads the text by printf rules, puts the caret at its end, selects all and forgets a finished edit. A live field
      * that is handed its own text back (all of it or its start) keeps caret and selection. Draws nothing. */
     void Read(const char* format, ...) KIT_PRINTF_FORMAT(2, 3);
     /** Prints a fixed text (a prompt) into the field and draws it. A leading byte 2 ends a styled run: plain. */
     void Write(const char* format, ...) KIT_PRINTF_FORMAT(2, 3);
-    /** (1, 0, 0): non-zero while the field has the keyboard. (up_down, 0, 0): hover feedback and caret by press or
-     * drag. */
+    /** (1, 0, 0): non-zero while the field has the keyboard. (up_down, 0, 0): places the caret by a press and selects
+     * by a drag, non-zero meanwhile. Another pair than (0, 0) is the pointer in the window's own axis, in place of the
+     * globals. */
     int Select(int up_down, short pointer_x, short pointer_y);
+    /** Ends selecting by a drag. */
     void Deselect();
     /** Feeds one key code: characters, Backspace, Delete, Home, End, Left, Right (with Shift they select), Ctrl+A, C,
      * X, V as characters 1, 3, 24, 22. Enter and Tab finish with the text, Escape with an empty text. Repaints the
@@ -327,21 +367,28 @@ class KIT_WIDGETS_API Texts : public Tools {
 /** A static label. */
 class KIT_WIDGETS_API Labels : public Tools {
   public:
+    /** As for Boxs. @return 1 */
     int Init(HWND init_window);
+    /** The caption at the left on the label's colour. */
     void Draw();
+    ///@{
+    /** A label has no marks, takes no event and has no value: these do nothing and give 0. */
     void Adjust();
     float Read();
     int Select(int up_down);
     void Deselect();
     float Scroll(int notches);
+    ///@}
 };
 
 // --------------------------------------------------------------------------------------------------------------- free
 // functions
 
+///@{
 /** Shows the wait cursor over a window (null: the host's) until the matching Reset_Curs_Wait. Nests. */
 KIT_WIDGETS_API void Set_Curs_Wait(HWND window);
 KIT_WIDGETS_API void Reset_Curs_Wait(HWND window);
+///@}
 
 /** Non-zero while a mouse button is held. @param button 1 left, 4 middle, 2 right (virtual-key numbers) */
 KIT_WIDGETS_API int getbutton(int button);
@@ -354,11 +401,13 @@ KIT_WIDGETS_API int Parse_Keyboard(HWND window, unsigned int message, std::uintp
 /** The same for a dialog, whose characters are translated from key-down messages. */
 KIT_WIDGETS_API int Parse_Dialog(HWND window, unsigned int message, std::uintptr_t wparam, std::intptr_t lparam);
 
-/** Creates a font; null on failure. The caller owns it. @param style "bold" or ""; @param size height in pixels */
+/** Creates a font; null on failure. The caller owns it. @param window null or one on the
+ * screen meant; @param font_name face name; @param style "bold" or ""; @param size height in pixels */
 KIT_WIDGETS_API HFONT Y_Create_Font(HWND window, const char* font_name, const char* style, int size);
 
 /** Begins drawing: a device context of the window in the window's own axis, with default text alignment. Nests; sets
  * Y_Window and Y_DC.
+ *  @param window a window that lives until Y_release
  *  @param label names the operation in "Y_setup(%s) GetDC failed"
  *  @return null on failure: draw nothing, and call no Y_release
  */
@@ -369,9 +418,11 @@ KIT_WIDGETS_API int Y_release(HWND window, HDC dc);
 /** Draws an icon file of "$DEFAULT_ICON_PATH" (second place: the program's folder named by prog_name) at the device
  * context of the innermost Y_setup: left edge x, middle line y. Unknown file: nothing, without a message. */
 KIT_WIDGETS_API void Icon_Draw_Image(const Boxs& box, int x, int y, const char* prog_name, const char* file);
+///@{
 /** Lead cells of a tree row, 20 pixels wide, x0 < x1 and y0 < y1 in the window's axis. `flag`: leaf and no access: 1 =
  * the line goes on to the next sibling; expand and collapse: the row number (0: no line upwards). */
 KIT_WIDGETS_API void Icon_Lead_Expand(const Boxs& box, int flag, int x0, int x1, int y0, int y1);
 KIT_WIDGETS_API void Icon_Lead_Collapse(const Boxs& box, int flag, int x0, int x1, int y0, int y1);
 KIT_WIDGETS_API void Icon_Lead_Leaf(const Boxs& box, int flag, int x0, int x1, int y0, int y1);
 KIT_WIDGETS_API void Icon_Lead_No_Access(const Boxs& box, int flag, int x0, int x1, int y0, int y1);
+///@}

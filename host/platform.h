@@ -1,4 +1,5 @@
-/** What differs between compilers and systems, in one place.
+/** @file
+ *  What differs between compilers and systems, in one place.
  *
  *  Everything else in the repository is standard C++20 plus the Windows API. This header declares the few Windows
  * handle types that the host contract mentions without pulling in <windows.h>, so that geometry, state and numeric code
@@ -10,17 +11,21 @@
 #include <cstdint>
 
 #if defined(_WIN32)
+/** Marks what a module offers, while it is built. */
 #define KIT_EXPORT __declspec(dllexport)
+/** Marks what another module offers. */
 #define KIT_IMPORT __declspec(dllimport)
 #else
 #define KIT_EXPORT
 #define KIT_IMPORT
 #ifndef __int64
-#define __int64 long long  // the contract's 64-bit integer type; a compiler keyword on Windows
+/** The contract's 64-bit integer type; a compiler keyword on Windows. */
+#define __int64 long long
 #endif
 #endif
 
 #if defined(__MINGW32__)
+/** Lets the compiler check calls of a printf-like operation; both numbers count from 1, a member's `this` included. */
 #define KIT_PRINTF_FORMAT(format_index, first_argument) \
     __attribute__((format(gnu_printf, format_index, first_argument)))
 #elif defined(__GNUC__)

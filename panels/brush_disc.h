@@ -1,4 +1,5 @@
-/** Pictures of brushes on buttons: filled discs to a common scale, and their outlines.
+/** @file
+ *  Pictures of brushes on buttons: filled discs to a common scale, and their outlines.
  *
  *  A button shows one of four pictures of its own size (plain, hover, pressed, current), pixels 0x00RRGGBB, rows from
  *  the top. Their grounds are four different colours, none of them 0; a disc has the same colour in all four, so a
@@ -11,9 +12,9 @@
 
 /** The four pictures of one button: width x height pixels each, owned by the button. */
 struct Button_Pictures {
-    std::array<unsigned int*, 4> image = {};
-    int width = 0;
-    int height = 0;
+    std::array<unsigned int*, 4> image = {};  ///< plain, hover, pressed, current
+    int width = 0;                            ///< pixels
+    int height = 0;                           ///< pixels
     /** False when the button has no area or no memory. */
     bool Complete() const;
 };
@@ -24,25 +25,29 @@ constexpr int Brush_Disc_Margin(int border) {
 }
 
 /** How many mask pixels one screen pixel shows, so that the largest brush fills the shorter side less the margin.
- *  @param width, height size of a button in screen pixels; @param largest size of the largest brush in mask pixels
+ *  @param width, height size of a button in screen pixels; @param margin from Brush_Disc_Margin; @param largest radius
+ *  of the largest brush in mask pixels
  *  @return 0 when a side has no room beyond the margin: nothing can be painted */
 float Brush_Disc_Scale(int width, int height, int margin, std::uint16_t largest);
 
 /** The squared radius of a brush's disc in screen pixels, cut to a whole number and kept in a signed 16-bit number: a
  *  disc of radius 182 and more is wrapped, like the mask's.
- *  @param scale from Brush_Disc_Scale, not 0 */
+ *  @param size radius of the brush in mask pixels; @param scale from Brush_Disc_Scale, not 0 */
 std::int16_t Brush_Disc_Square(std::uint16_t size, float scale);
 
 /** Paints the points around the middle (width / 2, height / 2) whose squared distance is at most `square` into all four
- *  pictures, at most half a side away. @param pictures complete */
+ *  pictures, at most half a side away. @param pictures complete; @param square from Brush_Disc_Square; @param color
+ *  0x00RRGGBB */
 void Brush_Disc_Paint(const Button_Pictures& pictures, std::int16_t square, std::uint32_t color);
 
 /** The pixels first_x .. last_x and first_y .. last_y, in which an outline is looked for. */
 struct Outline_Range {
-    int first_x = 0;
+    ///@{
+    int first_x = 0;  ///< picture pixels, y from the top; empty where the last lies before the first
     int last_x = -1;
     int first_y = 0;
     int last_y = -1;
+    ///@}
 };
 
 /** The inner square of a button and one pixel around it, never at the edge of the picture, so that every pixel has

@@ -1,4 +1,5 @@
-/** A grid of label buttons with slider and in-place editor: what the TAG and the marker panel share.
+/** @file
+ *  A grid of label buttons with slider and in-place editor: what the TAG and the marker panel share.
  *
  *  The panels say how many labels there are, what a button looks like and what a finished edit means; the grid does the
  *  rest. It reads no label variable itself. Counts are numbers of labels in the host's tables, cut at the capacity by
@@ -19,27 +20,33 @@ struct Label_Change {
     static constexpr unsigned int REDRAW = 2;      ///< caption, colour or activity
     static constexpr unsigned int BACKGROUND = 4;  ///< the panel colour shows through
     static constexpr unsigned int INIT = 8;        ///< the button's pictures
-    static constexpr unsigned int SLIDER = 16;
+    static constexpr unsigned int SLIDER = 16;     ///< range or position of the slider
 
-    unsigned int mask = 0;
+    unsigned int mask = 0;  ///< sum of the bits above; 0: nothing differs
 
+    /** Notes a difference. */
     void Add(unsigned int bits) { mask |= bits; }
+    /** Any of the bits. */
     bool Has(unsigned int bits) const { return (mask & bits) != 0; }
     /** Nothing but marks changed. */
     bool Is_Mark_Only() const { return mask == MARK; }
 };
 
+/** See the top of this file. */
 class Label_Grid {
   public:
-    static constexpr int NONE = -1;
+    static constexpr int NONE = -1;  ///< answer of Button_Hit: no button
 
+    /** @param button_nb the capacity: buttons made once, for good */
     explicit Label_Grid(int button_nb);
 
     /** A table's count, cut at the capacity. */
     int Fitting(int count) const;
     /** How many of these labels have a button: all, or none without memory. */
     int Button_Nb(int count) const { return buttons != nullptr ? Fitting(count) : 0; }
+    /** @param index 0 .. Button_Nb - 1, not checked */
     Buttons& Button(int index) { return buttons[index]; }
+    /** True for a whole button inside the grid box; half hidden ones are neither drawn nor hit. */
     bool Is_Visible(const Buttons& button) const {
         return button.y >= visible_top && button.y <= visible_bottom && button.y != LABEL_NOWHERE;
     }
@@ -90,18 +97,21 @@ class Label_Grid {
     int Edited() const { return edited; }
     /** True while an edit is open. The editor's style is the only record of it. */
     bool Is_Editing() const { return editor.style == STYLE_EDIT_OPEN; }
+    /** What the editor itself says of the keyboard: open and active. */
     bool Editor_Has_Keyboard() { return editor.Select(1, 0, 0) != 0; }
+    /** Where the editor was opened last; null before the first Resize. */
     HWND Editor_Window() const { return editor.window; }
     /** Opens the editor over a button, loaded with its caption. An edit that is still open is cancelled.
-     *  @param window handed to the editor; null keeps its own */
+     *  @param index of a button, 0 .. Button_Nb(count) - 1; @param count as everywhere; @param window handed to the
+     * editor; null keeps its own */
     void Edit_Open(int index, int count, HWND window);
-    /** Cancels an open edit. @param redraw also draws its button */
+    /** Cancels an open edit. @param count as everywhere; @param redraw also draws its button */
     void Edit_Cancel(int count, bool redraw);
     /** Feeds a key. @return the finished text (the editor's own buffer, writable, closed by then); null while editing
      *  goes on */
     char* Edit_Key(int key);
-    /** Shows the edited button again. @param text its new caption, cut here at what a button holds; null: it keeps its
-     *  own */
+    /** Shows the edited button again. @param count as everywhere; @param text its new caption, cut here at what a
+     * button holds; null: it keeps its own */
     void Edit_Close(int count, char* text);
 
   private:

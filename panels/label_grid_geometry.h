@@ -1,4 +1,5 @@
-/** Where a grid of label buttons stands: pure numbers, no widget.
+/** @file
+ *  Where a grid of label buttons stands: pure numbers, no widget.
  *
  *  Pixels of a window whose y grows downwards; rectangles are half-open (x .. x + width - 1). The grid has four
  * columns; the top row holds the four highest labels, the bottom row labels 0 to 3. Only complete rows are laid out:
@@ -8,7 +9,7 @@
 
 #include <cstdint>
 
-inline constexpr int LABEL_COLUMN_NB = 4;
+inline constexpr int LABEL_COLUMN_NB = 4;  ///< columns of every grid
 /** y of a button that is not laid out. No button that is laid out has it. */
 inline constexpr std::int16_t LABEL_NOWHERE = -32768;
 
@@ -20,29 +21,36 @@ struct Label_Dimensions {
     int space = 0;          ///< "$INTERFACE_SPACE_DIM"
     int library_space = 0;  ///< the widget library's own spacing
 
+    /** Pixels from one row of buttons to the next: border and button. */
     int Row_Height() const { return border + button; }
 };
 
+/** A half-open rectangle in the numbers that widgets have. */
 struct Label_Rectangle {
-    std::int16_t x = 0;
+    ///@{
+    std::int16_t x = 0;  ///< pixels
     std::int16_t y = 0;
     std::int16_t width = 0;
     std::int16_t height = 0;
+    ///@}
+    /** Same place and size. */
     friend bool operator==(const Label_Rectangle&, const Label_Rectangle&) = default;
 };
 
 /** The host's box. */
 struct Label_Host_Box {
-    int x = 0;
+    ///@{
+    int x = 0;  ///< pixels
     int y = 0;
     int width = 0;
     int height = 0;
-    int border = 0;  ///< border thickness
+    int border = 0;
+    ///@}
 };
 
 /** State that the slider takes from the number of labels. */
 struct Label_Slider {
-    bool needed = false;
+    bool needed = false;   ///< the rows are higher than the frame less twice the library's spacing
     float maximum = 1.0F;  ///< pixels; below 0 when the content is only just too high
     float value = 0.0F;    ///< pixels; the maximum, so that the lowest labels are in view
     float content = 0.0F;  ///< height of all rows, pixels
@@ -50,9 +58,9 @@ struct Label_Slider {
 
 /** Everything that a resize places, but for the buttons. */
 struct Label_Layout {
-    Label_Rectangle slider;
-    Label_Rectangle grid;
-    Label_Slider scroll;
+    Label_Rectangle slider;  ///< has its place whether it is needed or not
+    Label_Rectangle grid;    ///< right of the slider, or in its place when that is not needed
+    Label_Slider scroll;     ///< of that slider
     int visible_top = 0;     ///< smallest y of a visible button
     int visible_bottom = 0;  ///< largest y of a visible button
 };
@@ -64,19 +72,21 @@ std::int16_t Label_To_Short(int value);
  * margin of the slider itself: the two differ on purpose. */
 Label_Slider Label_Slider_Make(const Label_Dimensions& dimensions, int frame_height, int slider_height, int count);
 
+/** Lays out slider and grid in a host's box for `count` labels. */
 Label_Layout Label_Layout_Make(const Label_Dimensions& dimensions, const Label_Host_Box& host, int count);
 
 /** Place of a label in the grid. */
 struct Label_Cell {
-    bool is_laid_out = false;
-    int row = 0;     ///< from the top
-    int column = 0;  ///< from the left
+    bool is_laid_out = false;  ///< false: in an incomplete row, or no label at all; row and column say nothing then
+    int row = 0;               ///< from the top
+    int column = 0;            ///< from the left
 };
+/** @param index label, 0 at the bottom left; @param count labels of the grid */
 Label_Cell Label_Cell_Of(int index, int count);
 
-/** A button's rectangle. @param scroll the slider's value */
+/** A button's rectangle. @param grid, cell its place; @param row_height pixels; @param scroll the slider's value */
 Label_Rectangle Label_Button(const Label_Rectangle& grid, const Label_Cell& cell, int row_height, float scroll);
-/** A button's y alone. @param top the grid's y */
+/** A button's y alone. @param top the grid's y; @param cell, row_height, scroll as for Label_Button */
 std::int16_t Label_Button_Y(int top, const Label_Cell& cell, int row_height, float scroll);
 
 /** Height of a panel with `rows` rows of buttons: 2 x border + 5 + rows x row height. */

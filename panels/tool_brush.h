@@ -1,4 +1,5 @@
-/** The brush panel: one row of buttons, each showing a brush as a disc in the colour of the current TAG. */
+/** @file
+ *  The brush panel: one row of buttons, each showing a brush as a disc in the colour of the current TAG. */
 #pragma once
 
 #include <memory>
@@ -21,8 +22,11 @@ class KIT_PANELS_API Tool_Brush {
     /** Without memory the panel has no buttons; every operation then does the rest of its work. */
     Tool_Brush();
     ~Tool_Brush();
+    ///@{
+    /** Shares buttons and sizes with the original, and copies the current brush. */
     Tool_Brush(const Tool_Brush& other);
     Tool_Brush& operator=(const Tool_Brush& other);
+    ///@}
 
     /** Places frame and buttons in the host box, which may be the panel's own frame, and paints the buttons' pictures.
      *  Without a brush no button is placed. @return 1 */

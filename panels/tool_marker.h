@@ -1,4 +1,5 @@
-/** The marker panel: one button per marker in a grid of four columns. */
+/** @file
+ *  The marker panel: one button per marker in a grid of four columns. */
 #pragma once
 
 #include "host/kit_dataset.h"
@@ -20,8 +21,11 @@ class KIT_PANELS_API Tool_Marker {
     /** Without memory the panel has no buttons; all else works. */
     Tool_Marker();
     ~Tool_Marker();
+    ///@{
+    /** Shares the buttons with the original; frame, slider, editor and the current marker are its own. */
     Tool_Marker(const Tool_Marker& other);
     Tool_Marker& operator=(const Tool_Marker& other);
+    ///@}
 
     /** @return the marker last picked by a click or announced by the host */
     int Read();

@@ -1,4 +1,5 @@
-/** The propagate panel: steps through the frames of a volume and carries work from frame to frame. */
+/** @file
+ *  The propagate panel: steps through the frames of a volume and carries work from frame to frame. */
 #pragma once
 
 #include "host/kit_dataset.h"
@@ -20,8 +21,11 @@ class KIT_PANELS_API Tool_Propagate {
     /** No frames, no function. */
     Tool_Propagate();
     ~Tool_Propagate();
+    ///@{
+    /** Shows the same volume and runs the same function; nothing is shared. */
     Tool_Propagate(const Tool_Propagate& other);
     Tool_Propagate& operator=(const Tool_Propagate& other);
+    ///@}
 
     /** Stores the propagation function; null: none. Refreshes nothing: the host sends UPDATE_FRAME_CUR or UPDATE_ALL
      *  afterwards. Without a function Update shows a panel without frames.
@@ -39,6 +43,7 @@ class KIT_PANELS_API Tool_Propagate {
     /** @return the height that the panel wants, pixels: "$INTERFACE_LIST_DIM_SML" + "$INTERFACE_SPACE_DIM" +
      *  "$INTERFACE_TITLE_DIM_SML" */
     int Height();
+    /** Paints frame, list and both buttons. */
     void Draw();
     /** A pick in the list shows that frame; the buttons propagate. @return 1 when a widget took the event, else 0 */
     int Click(int up_down);

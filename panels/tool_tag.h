@@ -1,4 +1,5 @@
-/** The TAG panel: one button per TAG (segmentation label) in a grid of four columns. */
+/** @file
+ *  The TAG panel: one button per TAG (segmentation label) in a grid of four columns. */
 #pragma once
 
 #include "host/kit_dataset.h"
@@ -30,10 +31,14 @@ class KIT_PANELS_API Tool_Tag {
   public:
     /** With the option word TAG_GREY_SELECTION. Without memory the panel has no buttons; all else works. */
     Tool_Tag();
+    /** @param option_word the sum of TAG_CHECK_*, TAG_GREY_* and TAG_THRESHOLD_MODE bits wanted */
     explicit Tool_Tag(unsigned short option_word);
     ~Tool_Tag();
+    ///@{
+    /** Shares the buttons with the original; frame, slider, editor, option word and current TAG are its own. */
     Tool_Tag(const Tool_Tag& other);
     Tool_Tag& operator=(const Tool_Tag& other);
+    ///@}
 
     /** Replaces the option word; draws nothing. */
     void Flag(unsigned short option_word);

@@ -1,4 +1,5 @@
-/** The module's version. */
+/** @file
+ *  The module's version. */
 #pragma once
 
 #include "panels/kit_panels.h"
