@@ -52,7 +52,7 @@ struct KIT_PANELS_API Histo_Data {
     void Curves_Free();
 };
 
-/** See the top of this file. The panel is its own plot box. A destroyed panel closes the enlarged window that shows it.
+/** See the top of this file. The panel is its own plot box. The end of any histogram panel closes the enlarged window.
  */
 class KIT_PANELS_API Tool_Histo : public Boxs {
   public:

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "tests/histogram/blow_stage.h"
+#include "tests/support/import_hook.h"
 
 namespace {
 
@@ -39,6 +40,12 @@ class Blow_Pointer : public Blow_Stage {
 
 using Lines_Of = std::vector<std::string>;
 
+/** What another host's pen service yields. */
+Pointer_Record other_pen;
+const Pointer_Record* Other_Pen(HWND, unsigned int, std::uintptr_t, std::intptr_t) {
+    return &other_pen;
+}
+
 }  // namespace
 
 TEST_F(Blow_Pointer, a_pen_drags_a_zoom_rectangle) {
@@ -67,6 +74,26 @@ TEST_F(Blow_Pointer, pen_messages_carry_their_buttons) {
     pointers.pen.eraser = true;
     Pen_Down(200, 100);
     EXPECT_EQ(Lines("Histo_Blow_Click"), Lines_Of{"14 Mode Histo: Histo_Blow_Click(up_down=00000022)"});
+}
+
+TEST_F(Blow_Pointer, a_pen_that_goes_down_is_no_drag_whatever_its_host_says) {
+    Import_Hook hook;
+    for (const char* dll : {"Kit_Dataset.dll", "Kit_Widgets.dll", "Kit_Common.dll"}) {
+        for (const std::string& name : Import_Names("", dll)) {
+            if (name.find("Fct_Pointer_Pen") != std::string::npos) {
+                hook = Import_Hook("", dll, name.c_str(), reinterpret_cast<void*>(&Other_Pen));
+            }
+        }
+    }
+    ASSERT_TRUE(hook.Is_Set());
+    Flag_Trace = 4;
+    other_pen.buttons = MOUSE_DRAG | MOUSE_LEFT;
+    Send(WM_POINTERDOWN, 1);
+    EXPECT_EQ(Lines("Histo_Blow_Click"), Lines_Of{"14 Mode Histo: Histo_Blow_Click(up_down=00000012)"});
+    Send(WM_POINTERUP, 1);
+    EXPECT_EQ(Lines("Histo_Blow_Click"), Lines_Of{"14 Mode Histo: Histo_Blow_Click(up_down=00000011)"});
+    Send(WM_POINTERUPDATE, 1);
+    EXPECT_EQ(Lines("Histo_Blow_Motion").size(), 2U);
 }
 
 TEST_F(Blow_Pointer, pending_pen_updates_are_dropped_and_the_newest_state_counts) {

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "tests/histogram/blow_stage.h"
+#include "tests/support/import_hook.h"
 
 namespace {
 
@@ -486,6 +487,15 @@ TEST_F(Blow_Window, messages_are_traced_from_level_eight_on) {
             EXPECT_EQ(lines[0].substr(0, 2), "8 ");
         }
     }
+}
+
+TEST_F(Blow_Window, a_lost_focus_gets_no_default_handling) {
+    Open();
+    const Import_Counter user("", "user32.dll");
+    EXPECT_EQ(Send(WM_KILLFOCUS), 0);
+    EXPECT_EQ(user.Calls("DefWindowProcA"), 0U);
+    Send(WM_SETFOCUS);
+    EXPECT_EQ(user.Calls("DefWindowProcA"), 1U);
 }
 
 TEST_F(Blow_Window, handlers_are_traced_from_level_four_on_and_motion_always) {

@@ -34,9 +34,9 @@ class Peak_List {
 };
 
 std::vector<double> Curve(int bins) {
-    std::vector<double> curve;
+    std::vector<double> curve(static_cast<std::size_t>(bins));
     for (int bin = 0; bin < bins; ++bin) {
-        curve.push_back(700.0 + 300.0 * std::cos(bin / 11.0));
+        curve[static_cast<std::size_t>(bin)] = 700.0 + 300.0 * std::cos(bin / 11.0);
     }
     return curve;
 }

@@ -283,6 +283,22 @@ TEST_F(Fit_Gaussian, A_Candidate_By_Data_Is_Placed_Behind_Its_Bin_And_Told) {
     EXPECT_TRUE(test.Has_Part(11, "before[0]: C=      1.00"));
 }
 
+TEST_F(Fit_Gaussian, After_A_Candidate_By_Data_Five_Bins_Are_Left_Out) {
+    // The filtered plateau reaches from bin 110 to bin 150: each of its bins is a maximum if an edge is within 15 bins.
+    std::vector<std::uint32_t> counts(250);
+    std::fill(counts.begin() + 100, counts.begin() + 161, 1000U);
+    Analysis_Panel test(counts);
+    test.panel.Fit_Gaussian();
+    std::vector<int> found;
+    for (const std::string& text : test.Texts(11)) {
+        int x = 0;
+        if (std::sscanf(text.c_str(), "Locate a peak with data at x = %d", &x) == 1) {
+            found.push_back(x);
+        }
+    }
+    EXPECT_EQ(found, (std::vector<int>{111, 117, 123, 137, 143, 149}));
+}
+
 TEST_F(Fit_Gaussian, Traces_Every_Step_With_Its_Numbers) {
     Analysis_Panel test(Counts_Of({{150, 4000, 22}}, 400));
     test.panel.Fit_Gaussian();
@@ -351,6 +367,26 @@ TEST_F(Gauss_Newton_Steps, A_Runaway_Step_Ends_The_Fit_Unchanged) {
     EXPECT_EQ(test.Texts(MESSAGE_WARNING), std::vector<std::string>{"\xF1\x05WARNING:\x02 Gauss_Newton failed!"});
     EXPECT_EQ((*peak->param)[PEAK_AMPLITUDE], 1e-7);
     EXPECT_FALSE(test.Has_Part(11, "Stop after"));
+}
+
+TEST_F(Gauss_Newton_Steps, A_Step_Runs_Away_Beyond_A_Thousand_Bounds) {
+    for (const double bound : {0.49, 0.51}) {  // the step is 500
+        Curve_Set({{100, 500, 8}});
+        test.reported.clear();
+        test.Data().Peaks_Free();
+        tail = nullptr;
+        Histo_Peak* peak = Add(100, 1.0F, 8.0F);
+        (*peak->param)[PEAK_AMPLITUDE] = 0.1;
+        (*peak->param_max)[PEAK_AMPLITUDE] = bound;
+        Run();
+        const bool is_taken = test.Has_Part(11, "Iteration[0]") || test.Has_Part(11, "Delete peak");
+        EXPECT_EQ(is_taken, bound > 0.5);
+        if (!is_taken) {
+            EXPECT_EQ((*peak->param)[PEAK_AMPLITUDE], 0.1);
+            EXPECT_EQ(test.Texts(MESSAGE_WARNING),
+                      std::vector<std::string>{"\xF1\x05WARNING:\x02 Gauss_Newton failed!"});
+        }
+    }
 }
 
 TEST_F(Gauss_Newton_Steps, A_Fit_That_Starts_At_Its_Solution_Stops_Before_Any_Step) {
