@@ -28,6 +28,7 @@ set(kit_public_headers
     kits/common/contract.h
     kits/common/messages.h
     kits/dataset/dataset_host.h
+    kits/widgets/shown_widgets.h
     kits/widgets/widgets_host.h
     panels/brush_disc.h
     panels/kit_panels.h

@@ -46,7 +46,8 @@ class Label_Grid {
     int Button_Nb(int count) const { return buttons != nullptr ? Fitting(count) : 0; }
     /** @param index 0 .. Button_Nb - 1, not checked */
     Buttons& Button(int index) { return buttons[index]; }
-    /** True for a whole button inside the grid box; half hidden ones are neither drawn nor hit. */
+    /** True for a button that lies in the grid box as a whole, give or take a pixel; half hidden ones are neither drawn
+     * nor hit. */
     bool Is_Visible(const Buttons& button) const {
         return button.y >= visible_top && button.y <= visible_bottom && button.y != LABEL_NOWHERE;
     }

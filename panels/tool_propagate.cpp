@@ -286,7 +286,8 @@ void Tool_Propagate::Take_Frame() {
         return;
     }
     const int nb = volume->Child_Get_Nb();
-    if (nb != frame_nb) {
+    const bool items_missing = nb > 0 && list.item_nb == 0;  // there was no memory for them
+    if (nb != frame_nb || items_missing) {
         Take_Volume_Size(nb);
     }
     Refresh_Item(window);

@@ -41,7 +41,7 @@ class Gdi_Object {
     ///@}
     ~Gdi_Object() { Reset(); }
 
-    /** Null when empty; stays owned. Not to be used while selected into a device context that outlives the object. */
+    /** Null when empty; stays owned by this object. */
     Handle Get() const { return handle; }
     /** True when it owns a handle. */
     explicit operator bool() const { return handle != nullptr; }
@@ -193,6 +193,8 @@ class Saved_DC {
     Saved_DC(Saved_DC&& other) noexcept : dc(other.dc), level(std::exchange(other.level, 0)) {}
     Saved_DC& operator=(Saved_DC&&) = delete;
     ~Saved_DC() { Restore(); }
+    /** False when there is nothing to bring back: a device context that could not be saved must not be changed. */
+    bool Is_Saved() const { return level != 0; }
     /** Brings the state back now; the end of the scope does nothing any more. */
     void Restore() {
         if (level != 0) {

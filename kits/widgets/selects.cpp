@@ -74,7 +74,8 @@ bool Paint(const Selects& list, const Parts_State& state, bool item_only) {
         return false;
     }
     const bool has_item = list.item != nullptr && list.current >= 0 && list.current < list.item_nb;
-    Shown_Note(list, {Widget_Kind::LIST, list.name, has_item ? list.item[list.current].text : ""});
+    const char* const item = has_item ? list.item[list.current].text : "";
+    Shown_Note(list, {Widget_Kind::LIST, list.name, {item, ::strnlen(item, sizeof(Select_Item::text))}});
     const Theme& theme = Theme_Now();
     const Select_Layout layout = Layout_Of(list);
     Surface& picture = painter.Picture();

@@ -274,6 +274,9 @@ void Screen_Show(HWND window, Point target, Surface& picture, std::span<const Re
     }
     const Saved_DC saved(
         dc.Get());  // a window may keep one device context for ever, also one that a panel is drawing with
+    if (!saved.Is_Saved()) {
+        return;
+    }
     Device_Units(dc.Get());
     ::SelectClipRgn(dc.Get(), nullptr);
     for (const Rect& part : parts) {
@@ -291,6 +294,9 @@ bool Screen_Read(HWND window, const Rect& source, Surface& picture) {
         return false;
     }
     const Saved_DC saved(dc.Get());
+    if (!saved.Is_Saved()) {
+        return false;
+    }
     Device_Units(dc.Get());
     const Rect area = Rect_Common(picture.Area(), {0, 0, source.width, source.height});
     const bool done =
@@ -390,7 +396,7 @@ bool Axis_DC::Begin(HWND window, HDC buffer, int client_height, bool axis_up) {
         return false;  // GetDC would give the whole screen
     }
     data.reset(new (std::nothrow) Data(window, buffer));
-    if (data == nullptr || data->handle == nullptr) {
+    if (data == nullptr || data->handle == nullptr || !data->saved.Is_Saved()) {
         data.reset();
         return false;
     }
