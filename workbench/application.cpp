@@ -165,8 +165,18 @@ int Application::Run() {
         }
         ::TranslateMessage(&message);
         ::DispatchMessageW(&message);
+        Contract_Check();
     }
     return static_cast<int>(message.wParam);
+}
+
+/** Between two events no panel operation runs: nothing that one holds may be left. */
+void Application::Contract_Check() {
+    if (Contract_Checks()) {
+        Contract_Check_Variables();
+        Contract_Check_Iterators();
+        Contract_Check_Drawing();
+    }
 }
 
 void Application::Lay_Out() {
@@ -407,9 +417,6 @@ void Application::Report_State() {
     line("slider_left", slider.left);
     line("row_height", sizes.border + sizes.button);
     line("space", sizes.space);
-    Contract_Check_Variables();
-    Contract_Check_Iterators();
-    Contract_Check_Drawing();
     line("contract_reports", Contract_Report_Nb());
     line("focus", focus_pane);
     line("cursor_x", image.Is_Cursor() ? image.Cursor_X() : -1);

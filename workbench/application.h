@@ -90,6 +90,7 @@ class Application : public Image_User, public Main_Window_User {
   private:
     // application.cpp
     void Add_Panels();
+    void Contract_Check();
     /** Tells every panel and the views what changed, at once. */
     void Announce(unsigned __int64 flags);
     void After_Update(unsigned __int64 flags);
