@@ -41,7 +41,7 @@ Fit_Outcome Gsl_Fit(const Fit_Problem& problem);
 /** @param method fityk's name of it; @param final_error for a stop at the same change, which fityk wants relative */
 Fit_Outcome Fityk_Fit(const Fit_Problem& problem, const std::string& method, double final_error);
 
-inline constexpr int FIT_ROUNDS = 9;
+inline constexpr int FIT_ROUNDS = 7;
 
 /** The least time of several calls, in seconds: other work on the machine only adds. */
 template <class Call>

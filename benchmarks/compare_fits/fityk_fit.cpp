@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int FITYK_FITS = 20;
+constexpr int FITYK_FITS = 10;
 
 /** The Gaussians at the start, with their bounds. */
 void Model_Write(std::ofstream& out, const Fit_Problem& problem) {
@@ -87,8 +87,9 @@ Fit_Outcome Fityk_Fit(const Fit_Problem& problem, const std::string& method, dou
     outcome.seconds = (with - without) / FITYK_FITS;
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
+        std::istringstream numbers(line);
         double value[3];
-        if (std::sscanf(line.c_str(), "%lf %lf %lf", value, value + 1, value + 2) == 3) {  // not an echoed command
+        if (numbers >> value[0] >> value[1] >> value[2]) {  // not an echoed command
             outcome.parameters.insert(outcome.parameters.end(), value, value + 3);
         }
     }

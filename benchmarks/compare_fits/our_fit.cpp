@@ -1,5 +1,5 @@
 #include <cmath>
-#include <cstdio>
+#include <string>
 #include <string_view>
 
 #include "benchmarks/compare_fits/fit_problem.h"
@@ -25,11 +25,12 @@ struct Story {
 void Listen(void* context, HWND /*window*/, int level, const char* text) {
     auto& story = *static_cast<Story*>(context);
     const std::string plain = Message_Plain(text);
-    int bin = 0;
-    if (std::sscanf(plain.c_str(), "Locate a peak with zero at x = %d", &bin) == 1) {
-        story.candidates.push_back({bin, true});
-    } else if (std::sscanf(plain.c_str(), "Locate a peak with data at x = %d", &bin) == 1) {
-        story.candidates.push_back({bin, false});
+    constexpr std::string_view by_zero = "Locate a peak with zero at x = ";
+    constexpr std::string_view by_data = "Locate a peak with data at x = ";
+    if (plain.starts_with(by_zero)) {
+        story.candidates.push_back({std::stoi(plain.substr(by_zero.size())), true});
+    } else if (plain.starts_with(by_data)) {
+        story.candidates.push_back({std::stoi(plain.substr(by_data.size())), false});
     } else if (plain.starts_with("++ mse")) {
         ++story.iterations;
     } else if (level == LEVEL_WARNING) {
