@@ -40,8 +40,9 @@ struct Image_Folder {
 
 /** Files that a folder may hold; the rest is listed as left out. */
 inline constexpr std::size_t FOLDER_FILES_MOST = 65535;
-/** Slices of all volumes together; volumes beyond are listed as left out. */
-inline constexpr std::size_t FOLDER_SLICES_MOST = 32768;
+/** Slices of all volumes together; volumes beyond are listed as left out. A slice may take three rows of a list of
+ *  65,535: its folder's, its file's and its own. */
+inline constexpr std::size_t FOLDER_SLICES_MOST = 21000;
 
 /** All files below a folder, the files of each folder in a row, ordered by name; folders that may not be read become
  *  problems. Links to folders are not followed. A path that is no folder gives itself. */

@@ -13,6 +13,22 @@
 
 namespace {
 
+/** The system's library is loaded with the first question: most sessions are never asked. */
+struct System_Library {
+    HMODULE handle = ::LoadLibraryW(L"oleacc.dll");
+    template <class Function>
+    Function Find(const char* name) const {
+        void* const address = handle == nullptr ? nullptr : reinterpret_cast<void*>(::GetProcAddress(handle, name));
+        return reinterpret_cast<Function>(address);
+    }
+};
+const System_Library& Library() {
+    static const System_Library library;
+    return library;
+}
+using Object_To_Answer = LRESULT(WINAPI*)(REFIID, WPARAM, LPUNKNOWN);
+using Window_To_Object = HRESULT(WINAPI*)(HWND, DWORD, REFIID, void**);
+
 /** The system's object for a window. Its children are numbers, 1 and up: the parts. */
 class Accessible_Window final : public IAccessible {
   public:
@@ -55,8 +71,11 @@ class Accessible_Window final : public IAccessible {
 
     // IAccessible
     HRESULT STDMETHODCALLTYPE get_accParent(IDispatch** parent) override {
-        return ::AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_WINDOW), IID_IDispatch,
-                                            reinterpret_cast<void**>(parent));
+        *parent = nullptr;
+        const auto find = Library().Find<Window_To_Object>("AccessibleObjectFromWindow");
+        return find == nullptr
+                   ? S_FALSE
+                   : find(window, static_cast<DWORD>(OBJID_WINDOW), IID_IDispatch, reinterpret_cast<void**>(parent));
     }
     HRESULT STDMETHODCALLTYPE get_accChildCount(LONG* count) override {
         return Answer([&](const Accessible_Source& asked) {
@@ -284,11 +303,15 @@ LRESULT Accessible_Answer(HWND window, WPARAM wparam, LPARAM lparam, const std::
     if (static_cast<LONG>(lparam) != OBJID_CLIENT || source == nullptr) {
         return 0;
     }
+    const auto give = Library().Find<Object_To_Answer>("LresultFromObject");
+    if (give == nullptr) {
+        return 0;
+    }
     auto* object = new (std::nothrow) Accessible_Window(window, source);
     if (object == nullptr) {
         return 0;
     }
-    const LRESULT answer = ::LresultFromObject(IID_IAccessible, wparam, object);
+    const LRESULT answer = give(IID_IAccessible, wparam, object);
     object->Release();
     return answer;
 }

@@ -51,6 +51,10 @@ Image_Content Application::Content() const {
         content.range = Range_Overlay{low, high, variables.Tag_Color(variables.Tag_Cur())};
     }
     content.order = session.Order();
+    if (volume.affine_source == Affine_Source::SPACING && !volume.stored.present) {
+        // The file does not say how the patient lies.
+        content.order.left = content.order.right = content.order.top = content.order.bottom = ' ';
+    }
     for (int marker = 0; marker < MARKER_NB; ++marker) {
         const Marker place = session.Markers().Get(marker);
         if (place.is_placed && place.slice == slice) {

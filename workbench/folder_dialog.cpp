@@ -47,7 +47,7 @@ std::optional<std::filesystem::path> Ask_Folder(HWND owner, const wchar_t* title
     const Com_Use use;
     Com_Pointer<IFileOpenDialog> dialog;
     Com_Pointer<IShellItem> chosen;
-    if (FAILED(::CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_INPROC_SERVER, IID_IFileOpenDialog,
+    if (FAILED(::CoCreateInstance(__uuidof(FileOpenDialog), nullptr, CLSCTX_INPROC_SERVER, __uuidof(IFileOpenDialog),
                                   reinterpret_cast<void**>(dialog.Receive())))) {
         return std::nullopt;
     }

@@ -228,6 +228,21 @@ TEST_F(Dicom_Folder, LeavesOutVolumesThatDoNotFitBesideTheOthers) {
     EXPECT_THAT(Open(Load_Limits{13000}).volumes, SizeIs(2));
 }
 
+TEST_F(Dicom_Folder, LeavesOutVolumesWithMoreSlicesThanCanBeListed) {
+    const auto cine = [](std::size_t moments, const char* series) {
+        Dicom_Bytes bytes;
+        bytes.Pixels_8(std::vector<std::uint8_t>(moments, 5), 1, 1).Text(TAG_FRAME_TIME, "DS", "40");
+        bytes.Text(TAG_FRAMES, "IS", std::to_string(moments)).Text(TAG_SERIES, "UI", series).Remove(TAG_INSTANCE);
+        return bytes.File();
+    };
+    Write("1.dcm", cine(FOLDER_SLICES_MOST - 1, "1"));
+    Write("2.dcm", cine(2, "2"));
+    const Image_Folder opened = Open();
+    ASSERT_THAT(opened.volumes, SizeIs(1));
+    EXPECT_EQ(opened.volumes[0].volume.nz, static_cast<std::int32_t>(FOLDER_SLICES_MOST) - 1);
+    EXPECT_THAT(Problems(opened), ElementsAre(HasSubstr("2.dcm: was left out (MR 7)")));
+}
+
 TEST_F(Dicom_Folder, StopsWhenProgressSaysSo) {
     Write("1.dcm", Dicom_Bytes().Text(TAG_SERIES, "UI", "1").File());
     Write("2.dcm", Dicom_Bytes().Text(TAG_SERIES, "UI", "2").File());

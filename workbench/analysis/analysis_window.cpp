@@ -17,6 +17,7 @@ namespace {
 
 constexpr const wchar_t* CLASS_NAME = L"Kit_Analysis";
 constexpr const wchar_t* TITLE = L"Peak analysis";
+constexpr int LOG_PAGE = 10;      // lines
 constexpr int FIRST_WIDTH = 900;  // pixels at 96 dots per inch
 constexpr int FIRST_HEIGHT = 560;
 constexpr int MARGIN = 10;
@@ -212,17 +213,21 @@ void Analysis_Window::Lay_Out() {
     const int margin = look.Px(MARGIN);
     const int height = look.Px(BUTTON_HEIGHT);
     int x = margin;
-    const auto place = [&](Tools& widget, int width, const char* caption, unsigned int style) {
+    // All five stay in the window when the screen has no room for it at this scale.
+    constexpr int widths = 120 + 150 + 240 + 150 + 100;
+    const int room = std::clamp<int>(static_cast<int>(client.right) - 6 * margin, widths / 2, look.Px(widths));
+    const auto place = [&](Tools& widget, int own_width, const char* caption, unsigned int style) {
+        const int width = own_width * room / widths;
         widget.style = style;
         widget.x = static_cast<short>(x);
         widget.y = static_cast<short>(margin);
-        widget.width = static_cast<short>(look.Px(width));
+        widget.width = static_cast<short>(width);
         widget.height = static_cast<short>(height);
         widget.Set_Color(static_cast<unsigned char>(look.panel[0]), static_cast<unsigned char>(look.panel[1]),
                          static_cast<unsigned char>(look.panel[2]));
         widget.border = 1;
         widget.Set_Name("%s", caption);
-        x += look.Px(width) + margin;
+        x += width + margin;
     };
     place(gauss_button, 120, "Fit Gaussians", STYLE_BUTTON);
     gauss_button.Init(window);
@@ -235,6 +240,11 @@ void Analysis_Window::Lay_Out() {
     bands_button.Init(window);
     place(copy_button, 100, "Copy table", STYLE_BUTTON);
     copy_button.Init(window);
+}
+
+void Analysis_Window::Log_Scroll(int lines) {
+    log_first = std::clamp(log_first + lines, 0, std::max(static_cast<int>(log_lines.size()) - 1, 0));
+    ::InvalidateRect(window, nullptr, FALSE);
 }
 
 void Analysis_Window::Paint_Table(HDC dc, RECT area) const {
@@ -373,17 +383,18 @@ LRESULT Analysis_Window::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
             }
             peaks_list.Deselect();
             return 0;
-        case WM_MOUSEWHEEL: {
-            const int lines = GET_WHEEL_DELTA_WPARAM(wparam) / WHEEL_DELTA * 3;
-            log_first = std::clamp(log_first - lines, 0, std::max(static_cast<int>(log_lines.size()) - 1, 0));
-            ::InvalidateRect(window, nullptr, FALSE);
+        case WM_MOUSEWHEEL:
+            Log_Scroll(-GET_WHEEL_DELTA_WPARAM(wparam) / WHEEL_DELTA * 3);
             return 0;
-        }
         case WM_KEYDOWN:
             if (wparam == VK_ESCAPE) {
                 Close();
             } else if (wparam == 'C' && ::GetKeyState(VK_CONTROL) < 0) {
                 Copy();
+            } else if (wparam == VK_UP || wparam == VK_DOWN) {
+                Log_Scroll(wparam == VK_UP ? -1 : 1);
+            } else if (wparam == VK_PRIOR || wparam == VK_NEXT) {
+                Log_Scroll(wparam == VK_PRIOR ? -LOG_PAGE : LOG_PAGE);
             }
             return 0;
         case WM_DESTROY:

@@ -55,6 +55,7 @@ class Analysis_Window {
     void Lay_Out();
     void Paint();
     void Paint_Table(HDC dc, RECT area) const;
+    void Log_Scroll(int lines);
     void Paint_Log(HDC dc, RECT area) const;
     void Pointer_Take(LPARAM lparam, bool on_screen) const;
     void Press(int up_down);

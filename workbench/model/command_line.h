@@ -7,11 +7,11 @@
 
 struct Command_Line {
     bool help = false;
-    bool trace = false;              ///< --trace: the trace view is open from the start
-    bool check = false;              ///< --check: the kits watch what the application owes the panels
-    std::string labels;              ///< --labels FILE: loaded if it is there, and where "Save labels" writes
-    std::string report;              ///< --report FILE: machine-readable lines are appended to it
-    std::string settings;            ///< --settings FILE: where what is kept between starts stands; empty: the usual place
+    bool trace = false;    ///< --trace: the trace view is open from the start
+    bool check = false;    ///< --check: the kits watch what the application owes the panels
+    std::string labels;    ///< --labels FILE: loaded if it is there, and where "Save labels" writes
+    std::string report;    ///< --report FILE: machine-readable lines are appended to it
+    std::string settings;  ///< --settings FILE: where what is kept between starts stands; empty: the usual place
     std::vector<std::string> files;  ///< images and folders with images; all are opened
     std::string error;               ///< one sentence; empty: all is well
 };
