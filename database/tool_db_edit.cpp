@@ -152,31 +152,6 @@ bool Locate(const Edit_Stage& stage, Edit_Hit* hit) {
     return true;
 }
 
-/** Gives a slider the size of what it scrolls; also brings a position back that dragging pushed beyond the ends. */
-void Slider_Fit(Sliders& slider, const Tree_Extent& extent) {
-    const unsigned int kind = slider.style & STYLE_SLIDER_VERTICAL;
-    const bool disabled = (slider.style & STYLE_EDITED) == STYLE_EDITED;
-    const auto visible = static_cast<float>(extent.visible);
-    if (extent.fits) {
-        slider.value = slider.minimum;
-        slider.Larg_Adjust(visible, visible);
-        if (!disabled) {
-            slider.style = kind | STYLE_INACTIVE;
-            slider.Init(slider.window);
-        }
-        return;
-    }
-    const auto maximum = static_cast<float>(extent.Maximum());
-    slider.Larg_Adjust(visible, static_cast<float>(extent.total));
-    if (disabled || slider.minimum != 0.0F || slider.maximum != maximum ||
-        !(slider.value >= 0.0F && slider.value <= maximum)) {
-        slider.style = kind;
-        slider.minimum = 0.0F;
-        slider.maximum = maximum;
-        slider.Init(slider.window);
-    }
-}
-
 // --------------------------------------------------------------------------------------------------------------
 // drawing
 
@@ -471,9 +446,9 @@ int DB_Edit_Draw(int mode, Boxs* box, int nb, DB_List* list_pt, Sliders* horizon
     const int shown_nb = has_nodes ? nb : 0;
     const Edit_Extent extent = Edit_Rows_Assign(shown_nb, list_pt);
     // The sliders before the drawing: a diagram that has become small is drawn at its new position at once.
-    Slider_Fit(*vertical, Edit_Height_Extent(extent.row_nb, box->height));
+    DB_Slider_Fit(*vertical, Edit_Height_Extent(extent.row_nb, box->height));
     const int space = Edit_View_Of(*box, *horizontal, *vertical).space;
-    Slider_Fit(*horizontal, Edit_Width_Extent(extent.level_nb, space, box->width));
+    DB_Slider_Fit(*horizontal, Edit_Width_Extent(extent.level_nb, space, box->width));
     Edit_Painter(dc.Get(), Edit_View_Of(*box, *horizontal, *vertical))
         .Diagram(mode, shown_nb, list_pt, Marks_Of(list_pt));
     if (editor.owner == list_pt) {

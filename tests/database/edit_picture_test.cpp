@@ -57,9 +57,7 @@ class Edit_Picture : public Edit_Scene<Scene_3D> {
         Build();
         list_pt[Find("Series")].flag ^= DB_FLAG_EXPANDED;
     }
-    void Write(const char* file) const {
-        EXPECT_TRUE(Write_Png(file, Pixels()));
-    }
+    void Write(const char* file) const { EXPECT_TRUE(Write_Png(file, Pixels())); }
 };
 
 TEST_F(Edit_Picture, is_written_with_a_drag_on_grey) {

@@ -15,8 +15,12 @@ namespace {
 class Heard {
   public:
     explicit Heard(HWND window) {
-        result = ::AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible,
-                                              reinterpret_cast<void**>(&object));
+        ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);  // as a reader does; more than once does no harm
+        // Found by name: the import library has a jump in the place of the interface's number.
+        using Window_To_Object = HRESULT(WINAPI*)(HWND, DWORD, REFIID, void**);
+        const auto find = reinterpret_cast<Window_To_Object>(
+            reinterpret_cast<void*>(::GetProcAddress(::LoadLibraryW(L"oleacc.dll"), "AccessibleObjectFromWindow")));
+        result = find(window, static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible, reinterpret_cast<void**>(&object));
     }
     ~Heard() {
         if (object != nullptr) {

@@ -102,6 +102,15 @@ TEST_F(Class_Journal_Test, steps_are_named_by_what_was_done) {
     EXPECT_EQ(journal.Undo_Title(), "Move 2 classes");
 }
 
+TEST_F(Class_Journal_Test, a_branch_that_leaves_as_a_whole_gives_the_step_the_name_of_its_top) {
+    Class_Tree rest("root", "Root");
+    rest.Add("g", "G", "root");
+    EXPECT_TRUE(journal.Note(KIND, rest));
+    EXPECT_EQ(journal.Undo_Title(), "Delete A");
+    journal.Undo();
+    EXPECT_EQ(journal.Tree(KIND), Study());
+}
+
 TEST_F(Class_Journal_Test, undo_and_redo_go_through_all_states) {
     const Class_Tree first = Study();
     Edit();

@@ -74,6 +74,19 @@ TEST(Color_Sight, screen_colours_have_their_published_lab_values) {
     expect(0x0000FF, 32.30, 79.19, -107.86);
 }
 
+// Columns of the published matrices, brought back to sRGB: what is seen of a pure colour.
+TEST(Color_Sight, pure_colours_are_seen_as_published) {
+    EXPECT_EQ(Seen_Color(0xFF0000, Sight::PROTANOPIA), 0x6D5F00U);
+    EXPECT_EQ(Seen_Color(0x00FF00, Sight::PROTANOPIA), 0xFFE500U);
+    EXPECT_EQ(Seen_Color(0x0000FF, Sight::PROTANOPIA), 0x0059FFU);
+    EXPECT_EQ(Seen_Color(0xFF0000, Sight::DEUTERANOPIA), 0xA39000U);
+    EXPECT_EQ(Seen_Color(0x00FF00, Sight::DEUTERANOPIA), 0xEFD63AU);
+    EXPECT_EQ(Seen_Color(0x0000FF, Sight::DEUTERANOPIA), 0x003DFBU);
+    EXPECT_EQ(Seen_Color(0xFF0000, Sight::TRITANOPIA), 0xFF000FU);
+    EXPECT_EQ(Seen_Color(0x00FF00, Sight::TRITANOPIA), 0x00F7D9U);
+    EXPECT_EQ(Seen_Color(0x0000FF, Sight::TRITANOPIA), 0x006B96U);
+}
+
 TEST(Color_Sight, greys_stay_greys_for_every_sight) {
     for (const Sight sight : SIGHTS) {
         for (std::uint32_t level = 0; level < 256; level += 5) {

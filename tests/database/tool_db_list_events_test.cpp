@@ -1,0 +1,427 @@
+#include "database/tool_db_list.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "database/edit_diagram.h"
+#include "database/tool_db_class.h"
+#include "database/tool_db_edit.h"
+#include "database/tool_db_fct.h"
+#include "tests/support/panel_fixture.h"
+
+namespace {
+
+constexpr int WIDTH = 340;
+constexpr int HEIGHT = 300;
+constexpr int LEAVES = 40;
+
+using Calls = std::vector<std::string>;
+
+/** A branch with leaves, whose first text is wider than the panel; it writes down what is asked of it. */
+class Wide_View : public Tool_DB_List {
+  public:
+    explicit Wide_View(int mode_word = 2) { mode = mode_word; }
+    unsigned short List_Create_From_DB(int* nb, DB_List** list_pt, int, int, void*) override {
+        calls.emplace_back("create");
+        if (fails) {  // as after a growth without memory
+            *nb = 7;
+            *list_pt = nullptr;
+            return 0;
+        }
+        for (int i = 0; i <= LEAVES; ++i) {
+            DB_List* const record = DB_List_Append(nb, list_pt, {__FILE__, __LINE__});
+            record->flag = i == 0 ? DB_FLAG_EXPANDED : DB_FLAG_LEAF;
+            record->level = i == 0 ? 0 : 1;
+            record->icon = DB_ICON_DEFAULT;
+        }
+        (*list_pt)->child_nb = LEAVES;
+        (*list_pt)->desc_nb = LEAVES;
+        DB_List_Text_Copy(&(*list_pt)->title, std::string(200, 'W').c_str(), "title", {__FILE__, __LINE__});
+        return 1;
+    }
+    void List_Select_From_DB(int nb, DB_List* list_pt) override {
+        calls.emplace_back("from");
+        for (int i = 1; list_pt != nullptr && i < nb; ++i) {
+            list_pt[i].state = i == 3 ? DB_STATE_CHECKED : DB_STATE_NONE;
+        }
+    }
+    void List_Select_To_DB(int nb, DB_List* list_pt) override {
+        calls.emplace_back("to");
+        checked.clear();
+        for (int i = 0; list_pt != nullptr && i < nb; ++i) {
+            if ((list_pt[i].state & DB_STATE_CHECKED) != 0) {
+                checked.push_back(i);
+            }
+        }
+    }
+    bool fails = false;
+    Calls calls;
+    std::vector<int> checked;
+};
+
+class Panel_Events : public Panel_Fixture {
+  protected:
+    Panel_Events() : Panel_Fixture(Window_Axis::Up, WIDTH, HEIGHT) {
+        Define_Dimensions();
+        db_drag = {};
+    }
+    ~Panel_Events() override { db_drag = {}; }
+    void Show(Tool_DB_List& panel) {
+        Boxs host = Host_Box(10, 10, WIDTH - 20, HEIGHT - 20);
+        panel.Resize(&host);
+        panel.Update(UPDATE_STRUCTURE);
+        panel.Draw();
+        messages.Take();
+    }
+    void Point_At_Row(const Tool_DB_List& panel, int row) {
+        const Boxs& tree = panel.list_box;
+        Point_At(tree.x + 150, tree.y + tree.height + static_cast<int>(panel.vertical.value) - 19 - 18 * row);
+    }
+};
+
+TEST_F(Panel_Events, a_click_on_a_row_is_applied_and_written_at_the_release_only) {
+    Wide_View panel;
+    Show(panel);
+    panel.calls.clear();
+    Point_At_Row(panel, 4);
+    EXPECT_EQ(panel.Click(LEFT_PRESS), 1);
+    EXPECT_EQ(panel.calls, Calls{});
+    EXPECT_TRUE(db_drag.active);
+    Point_At_Row(panel, 6);
+    EXPECT_EQ(panel.Motion(LEFT_DRAG), 1);
+    EXPECT_TRUE(db_drag.band_shown);
+    EXPECT_EQ(panel.Click(RELEASE), 1);
+    EXPECT_EQ(panel.calls, (Calls{"to"}));
+    EXPECT_EQ(panel.checked, (std::vector<int>{4, 5, 6}));
+    EXPECT_EQ(panel.List_Pt()[0].state, DB_STATE_PARTIAL);
+    EXPECT_EQ(panel.Click(RELEASE), 1) << "the pointer is in the tree";
+    EXPECT_EQ(panel.calls, (Calls{"to"})) << "a second release applies nothing";
+}
+
+TEST_F(Panel_Events, a_release_outside_the_tree_applies_nothing) {
+    Wide_View panel;
+    Show(panel);
+    panel.calls.clear();
+    Point_At_Row(panel, 4);
+    panel.Click(LEFT_PRESS);
+    Point_At(1, 1);
+    EXPECT_EQ(panel.Click(RELEASE), 0);
+    EXPECT_TRUE(db_drag.active);
+    EXPECT_EQ(panel.Motion(HOVER), 0);
+    EXPECT_FALSE(db_drag.active);
+    EXPECT_EQ(panel.calls, Calls{});
+}
+
+TEST_F(Panel_Events, reading_the_selection_derives_the_marks_of_branches) {
+    Wide_View panel;
+    Show(panel);
+    EXPECT_EQ(panel.List_Pt()[0].state, DB_STATE_NONE);
+    panel.Update(UPDATE_SELECTION | UPDATE_LEVEL_1D);
+    EXPECT_EQ(panel.List_Pt()[0].state, DB_STATE_PARTIAL);
+    panel.Update(UPDATE_STRUCTURE);
+    EXPECT_EQ(panel.List_Pt()[0].state, DB_STATE_NONE);
+    Quorel_Window image;
+    Variable_Define_Pointer("$WINDOW_CUR", &image);
+    panel.Update(UPDATE_WINDOW_CUR);
+    EXPECT_EQ(panel.List_Pt()[0].state, DB_STATE_PARTIAL);
+    Variable_Undefine("$WINDOW_CUR");
+}
+
+TEST_F(Panel_Events, the_wheel_over_the_horizontal_slider_scrolls_that_one) {
+    Wide_View panel;
+    Show(panel);
+    const Sliders& slider = panel.horizontal;
+    Point_At(slider.x + slider.width / 2, slider.y + slider.height / 2);
+    EXPECT_EQ(panel.Scroll(-2), 1);
+    EXPECT_EQ(slider.value, 40.0F);
+    EXPECT_EQ(panel.Scroll(1), 1);
+    EXPECT_EQ(slider.value, 20.0F);
+    EXPECT_EQ(panel.vertical.value, 0.0F);
+}
+
+TEST_F(Panel_Events, a_held_thumb_scrolls_until_the_button_is_released) {
+    for (const int mode : {2, 2 | DB_MODE_EDIT}) {
+        Wide_View panel(mode);
+        Show(panel);
+        const Sliders& slider = panel.horizontal;
+        Point_At(slider.x + 4, slider.y + slider.height / 2);
+        EXPECT_EQ(panel.Motion(HOVER), 0) << "a pointer over the slider is not taken";
+        EXPECT_EQ(panel.Click(LEFT_PRESS), 1);
+        const float before = slider.value;
+        Point_At(slider.x + 60, slider.y + slider.height / 2);
+        EXPECT_EQ(panel.Motion(LEFT_DRAG), 1);
+        EXPECT_GT(slider.value, before);
+        const float after = slider.value;
+        panel.Leave();
+        Point_At(slider.x + 90, slider.y + slider.height / 2);
+        EXPECT_EQ(panel.Motion(LEFT_DRAG), 0) << "leaving ends the slider's drag";
+        EXPECT_EQ(slider.value, after);
+    }
+}
+
+TEST_F(Panel_Events, the_buttons_of_the_editor_have_no_hover_look) {
+    Wide_View panel(2 | DB_MODE_EDIT);
+    Show(panel);
+    Point_At(panel.select_all.x + 5, panel.select_all.y + 5);
+    const Window_Picture before = Pixels();
+    EXPECT_EQ(panel.Motion(HOVER), 0);
+    EXPECT_EQ(panel.select_all.state, 0);
+    EXPECT_EQ(Pixels(), before);
+}
+
+TEST_F(Panel_Events, a_drawing_paints_every_widget_of_its_mode_once) {
+    // frame, two sliders, and the two buttons or the two labels of the warning; the tree is painted without widgets
+    for (const int mode : {2, 2 | DB_MODE_EDIT}) {
+        Wide_View panel(mode);
+        Show(panel);
+        Take_Counters();
+        panel.Draw();
+        EXPECT_EQ(Take_Counters().draws, 5U);
+    }
+}
+
+TEST_F(Panel_Events, delete_paints_the_tree_s_box_and_both_sliders_after_the_rebuild) {
+    for (const int dimension : {1, 2, 3}) {
+        Wide_View panel(dimension | DB_MODE_EDIT);
+        Show(panel);
+        panel.calls.clear();
+        Take_Counters();
+        panel.Keyboard(KEY_DELETE);
+        EXPECT_EQ(panel.calls, (Calls{"create", "from"}));
+        EXPECT_EQ(Take_Counters().draws, 2U + 1U + 2U) << "the rebuild's sliders, the box, the sliders";
+    }
+}
+
+TEST_F(Panel_Events, a_new_place_keeps_the_scroll_position_and_puts_the_warning_in_place_of_the_buttons) {
+    Wide_View panel;
+    Show(panel);
+    panel.vertical.value = 150.0F;
+    panel.horizontal.value = 400.0F;
+    Boxs host = Host_Box(10, 10, WIDTH - 30, HEIGHT - 30);
+    panel.Resize(&host);
+    panel.Draw();
+    EXPECT_EQ(panel.vertical.value, 150.0F);
+    EXPECT_EQ(panel.horizontal.value, 400.0F);
+    EXPECT_EQ(panel.warning[0].x, panel.select_all.x);
+    EXPECT_EQ(panel.warning[0].width, 80);
+    EXPECT_EQ(panel.warning[1].x, panel.warning[0].x + 80);
+    EXPECT_EQ(panel.warning[1].width, (panel.select_all.width - 40) * 2);
+    EXPECT_EQ(panel.warning[1].y, panel.select_all.y);
+}
+
+TEST_F(Panel_Events, a_drag_in_the_side_zones_scrolls_sideways_by_the_mode_s_step) {
+    for (const int mode : {2, 2 | DB_MODE_EDIT}) {
+        Wide_View panel(mode);
+        Show(panel);
+        const float step = mode == 2 ? 3.0F : 12.0F;
+        panel.horizontal.value = 100.0F;
+        panel.vertical.value = 50.0F;
+        panel.Draw();
+        ASSERT_EQ(panel.horizontal.value, 100.0F) << "the tree is not wide enough";
+        db_drag.active = true;
+        db_drag.owner = panel.List_Pt();
+        const int middle = panel.list_box.y + panel.list_box.height / 2;
+        Point_At(panel.right_zone.x + panel.right_zone.width - 2, middle);
+        EXPECT_EQ(panel.Motion(LEFT_DRAG), 1);
+        EXPECT_EQ(panel.horizontal.value, 100.0F + step);
+        Point_At(panel.left_zone.x + 1, middle);
+        EXPECT_EQ(panel.Motion(LEFT_DRAG), 1);
+        EXPECT_EQ(panel.Motion(LEFT_DRAG), 1);
+        EXPECT_EQ(panel.horizontal.value, 100.0F - step);
+        EXPECT_EQ(panel.vertical.value, 50.0F);
+        panel.horizontal.value = 1.0F;
+        panel.Motion(LEFT_DRAG);
+        EXPECT_EQ(panel.horizontal.value, 0.0F) << "never beyond the start";
+    }
+}
+
+TEST_F(Panel_Events, every_operation_bears_a_failed_creation_and_the_next_one_succeeds) {
+    for (const int mode : {1, 2, 3, 2 | DB_MODE_ADD, 1 | DB_MODE_EDIT, 2 | DB_MODE_EDIT, 3 | DB_MODE_EDIT}) {
+        Wide_View panel(mode);
+        Show(panel);
+        panel.fails = true;
+        panel.Update(UPDATE_STRUCTURE | UPDATE_SELECTION | UPDATE_LEVEL_2D);
+        EXPECT_EQ(panel.Nb(), 7);
+        EXPECT_EQ(panel.List_Pt(), nullptr);
+        EXPECT_EQ(panel.vertical.value, 0.0F);
+        panel.Draw();
+        Point_At_Row(panel, 3);
+        for (const int code : {LEFT_PRESS, RELEASE, RIGHT_PRESS, RELEASE}) {
+            EXPECT_EQ(panel.Click(code), 1);
+            EXPECT_EQ(panel.Motion(LEFT_DRAG), 1);
+            EXPECT_EQ(panel.Motion(HOVER), 1);
+        }
+        EXPECT_FALSE(db_drag.active);
+        EXPECT_EQ(panel.Scroll(-1), 1);
+        EXPECT_EQ(panel.Keyboard(KEY_DELETE), 0);
+        panel.Update(UPDATE_SELECTION | UPDATE_LEVEL_3D);
+        for (Buttons* button : {&panel.select_all, &panel.select_none}) {
+            Point_At(button->x + 3, button->y + 3);
+            EXPECT_EQ(panel.Click(LEFT_PRESS), (mode & DB_MODE_EDIT) != 0 ? 0 : 1);
+        }
+        panel.Leave();
+        {
+            const Wide_View copy(panel);
+            EXPECT_EQ(copy.Nb(), 7);
+        }
+        panel.List_Free(&panel);
+        EXPECT_EQ(panel.Nb(), 0);
+        panel.fails = false;
+        panel.Update(UPDATE_STRUCTURE);
+        EXPECT_EQ(panel.Nb(), LEAVES + 1);
+        EXPECT_NE(panel.List_Pt(), nullptr);
+    }
+}
+
+// ------------------------------------------------------------------------------------- the editor, with a host's
+// answer
+
+enum class Answer { Never, At_Once, Queued };
+
+int Save_New_Name(char* buffer) {
+    std::strcpy(buffer, "new");
+    return 1;
+}
+
+/** root(a(b, c, d), e(f)) of 2D classes, shown by a panel in edit mode. */
+class Editor_Events : public Panel_Events, public testing::WithParamInterface<Answer> {
+  protected:
+    Editor_Events() : panel(2 | DB_MODE_EDIT) {
+        for (int i = 0; i < 7; ++i) {
+            objects[i].Title_Set(std::string(1, "rabcdef"[i]).c_str());
+        }
+        for (const auto& [parent, child] : {std::pair{0, 1}, {1, 2}, {1, 3}, {1, 4}, {0, 5}, {5, 6}}) {
+            objects[parent].Child_Add(&objects[child]);
+        }
+        Variable_Define_Pointer("$DB_2D_ROOT_PT", &objects[0]);
+        DB_Edit_Ask_Name = Save_New_Name;
+        Boxs host = Host_Box(0, 0, WIDTH, HEIGHT);
+        panel.Resize(&host);
+        panel.Update(UPDATE_STRUCTURE);
+        panel.Draw();
+        const auto update = [this](unsigned long long flags) { panel.Update(flags); };
+        if (GetParam() == Answer::At_Once) {
+            requests.Answer_At_Once(update);
+        } else if (GetParam() == Answer::Queued) {
+            requests.Answer_Queued(update);
+        }
+        requests.Take();
+    }
+    ~Editor_Events() override {
+        requests.Answer_Never();
+        DB_Edit_Ask_Name = ask_before;
+        Variable_Undefine("$DB_2D_ROOT_PT");
+    }
+    std::string Text(const Quorel_2D& object) const {
+        std::string text = object.Title_Get();
+        for (int i = 0; i < object.Child_Get_Nb(); ++i) {
+            text += (i == 0 ? "(" : ",") + Text(*object.Child_Get_Pt(i));
+        }
+        return object.Child_Get_Nb() > 0 ? text + ")" : text;
+    }
+    std::string Titles() const {
+        std::string titles;
+        for (int i = 0; i < panel.Nb(); ++i) {
+            titles += panel.List_Pt()[i].title;
+        }
+        return titles;
+    }
+    /** Scrolls a zone of a class into view and puts the pointer on it. */
+    void Point(char title, Edit_Zone zone) {
+        int i = 0;
+        while (i < panel.Nb() && panel.List_Pt()[i].title[0] != title) {
+            ++i;
+        }
+        ASSERT_LT(i, panel.Nb()) << title;
+        const DB_List& row = panel.List_Pt()[i];
+        DB_Tree_Point at = Edit_Zone_Point(row, zone);
+        if (zone == Edit_Zone::Body) {
+            at.x += 100;
+        }
+        panel.horizontal.value = static_cast<float>(std::max(at.x - 150, 0));
+        panel.vertical.value = static_cast<float>(std::max(at.y - 60, 0));
+        panel.Draw();
+        Point_At(panel.list_box.x + SPACE_DIM - static_cast<int>(panel.horizontal.value) + at.x,
+                 panel.list_box.y + panel.list_box.height + static_cast<int>(panel.vertical.value) - at.y);
+        ASSERT_EQ(panel.list_box.Select(MOUSE_ASK), 1) << title;
+    }
+    void Drop(char from, Edit_Zone zone, char onto) {
+        Point(from, zone);
+        EXPECT_EQ(panel.Click(LEFT_PRESS), 1);
+        EXPECT_TRUE(db_drag.active);
+        Point(onto, Edit_Zone::Children_Handle);
+        EXPECT_EQ(panel.Click(RELEASE), 1);
+        EXPECT_FALSE(db_drag.active);
+    }
+    /** The host's late answers change nothing more. */
+    void Settle() {
+        requests.Deliver();
+        EXPECT_EQ(panel.Motion(HOVER), 1);
+    }
+
+    Quorel_2D objects[7];
+    Tool_DB_Class panel;
+    int (*const ask_before)(char*) = DB_Edit_Ask_Name;
+};
+
+TEST_P(Editor_Events, a_drop_moves_the_class_and_the_panel_shows_it) {
+    Drop('c', Edit_Zone::Parent_Handle, 'e');
+    EXPECT_EQ(Text(objects[0]), "r(a(b,d),e(f,c))");
+    EXPECT_EQ(Titles(), "rabdefc");
+    EXPECT_EQ(requests.Take_Updates(), (std::vector<unsigned long long>{0x402}));
+    Settle();
+    EXPECT_EQ(Titles(), "rabdefc");
+}
+
+TEST_P(Editor_Events, dropped_children_move_all_and_the_host_hears_of_each) {
+    Drop('a', Edit_Zone::Children_Handle, 'e');
+    EXPECT_EQ(Text(objects[0]), "r(a,e(f,b,c,d))");
+    EXPECT_EQ(Titles(), "raefbcd");
+    EXPECT_EQ(requests.Take_Updates(), (std::vector<unsigned long long>{0x402, 0x402, 0x402}));
+    Settle();
+    EXPECT_EQ(Titles(), "raefbcd");
+}
+
+TEST_P(Editor_Events, delete_takes_the_class_out_and_the_panel_shows_it) {
+    Point('a', Edit_Zone::Body);
+    EXPECT_EQ(panel.Keyboard(KEY_DELETE), 0);
+    EXPECT_EQ(Text(objects[0]), "r(b,c,d,e(f))");
+    EXPECT_EQ(Titles(), "rbcdef");
+    EXPECT_EQ(requests.Take_Updates(), (std::vector<unsigned long long>{0x402}));
+    Settle();
+    EXPECT_EQ(Titles(), "rbcdef");
+}
+
+TEST_P(Editor_Events, a_new_name_is_shown_by_the_host_s_answer) {
+    Point('b', Edit_Zone::Body);
+    EXPECT_EQ(panel.Click(RIGHT_PRESS), 1);
+    EXPECT_STREQ(objects[2].Name_Get(), "new");
+    EXPECT_EQ(requests.Take_Updates(), (std::vector<unsigned long long>{0x402}));
+    Settle();
+    const char* const shown = panel.List_Pt()[2].name;
+    if (GetParam() == Answer::Never) {
+        EXPECT_EQ(shown, nullptr);
+    } else {
+        EXPECT_STREQ(shown, "new");
+    }
+}
+
+TEST_P(Editor_Events, a_drop_rebuilds_and_reads_the_selection_of_its_dimension) {
+    objects[6].Flag_Set_On(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
+    const DB_List* const before = panel.List_Pt();
+    panel.List_Pt()[1].flag = 0;  // a rebuild opens every branch again
+    Drop('c', Edit_Zone::Parent_Handle, 'e');
+    EXPECT_NE(panel.List_Pt()[1].flag & DB_FLAG_EXPANDED, 0);
+    EXPECT_EQ(panel.List_Pt()[5].state, DB_STATE_CHECKED);
+    EXPECT_EQ(panel.vertical.value, 0.0F);
+    EXPECT_EQ(panel.horizontal.value, 0.0F);
+    EXPECT_NE(panel.List_Pt(), nullptr);
+    EXPECT_NE(db_drag.owner, before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Hosts, Editor_Events, testing::Values(Answer::Never, Answer::At_Once, Answer::Queued));
+
+}  // namespace
