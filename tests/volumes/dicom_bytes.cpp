@@ -127,7 +127,9 @@ Dicom_Bytes& Dicom_Bytes::Fragments(const std::vector<Bytes>& fragments) {
     Put_Tag(bytes, tag_item);
     Put_32(bytes, 0);
     for (Bytes fragment : fragments) {
-        fragment.resize(fragment.size() + fragment.size() % 2);
+        if (fragment.size() % 2 != 0) {
+            fragment.push_back(0);
+        }
         Put_Tag(bytes, tag_item);
         Put_32(bytes, static_cast<std::uint32_t>(fragment.size()));
         bytes.insert(bytes.end(), fragment.begin(), fragment.end());
