@@ -120,12 +120,15 @@ void Bench_Redraw(benchmark::State& state) {
                 ::GdiFlush();
             });
     }
-    double best = times.ours;
+    // As a person sees it: redraw after redraw, nothing else drawn in between.
+    std::vector<double> redraws;
     for (int round = 0; round < ROUNDS; ++round) {
-        best = std::min(best, Redraw_Time(plot));
+        redraws.push_back(Redraw_Time(plot));
     }
-    state.counters["best_ms"] = best * 1e3;
-    state.counters["redraw_ms"] = times.ours * 1e3;
+    std::ranges::sort(redraws);
+    state.counters["best_ms"] = redraws.front() * 1e3;
+    state.counters["redraw_ms"] = redraws[redraws.size() / 2] * 1e3;
+    state.counters["redraw_in_turn_ms"] = times.ours * 1e3;
     state.counters["every_bin_ms"] = times.plain * 1e3;
     state.counters["ratio"] = times.Ratio();
     Import_Counter counter("", "gdi32.dll");
