@@ -51,7 +51,11 @@ inline bool Processor_Has_Avx2() {
     __cpuidex(registers, 7, 0);
     return state_saved && (registers[1] & (1 << 5)) != 0;
 }
+/** Where the caller's frame lies on the stack. */
+#define KIT_FRAME_ADDRESS() _AddressOfReturnAddress()
 #else
+/** Where the caller's frame lies on the stack: of locals, sanitizers may make copies elsewhere. */
+#define KIT_FRAME_ADDRESS() __builtin_frame_address(0)
 /** True when the processor and the system offer AVX2. */
 inline bool Processor_Has_Avx2() {
     return __builtin_cpu_supports("avx2") != 0;

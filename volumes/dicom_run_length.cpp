@@ -1,8 +1,8 @@
 #include "volumes/dicom_run_length.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
+#include <vector>
 
 #include "volumes/byte_order.h"
 
@@ -51,7 +51,7 @@ const char* Run_Length_Decode(const Pixel_Format& format, std::span<const std::u
     if (segments > segment_most || Value_Read<std::uint32_t>(packed.data(), Byte_Order::LITTLE) != segments) {
         return "a number of segments that does not fit the samples";
     }
-    std::array<std::size_t, segment_most + 1> begin{};
+    std::vector<std::size_t> begin(segments + 1);
     for (std::size_t segment = 0; segment < segments; ++segment) {
         begin[segment] =
             Value_Read<std::uint32_t>(packed.data() + (segment + 1) * sizeof(std::uint32_t), Byte_Order::LITTLE);

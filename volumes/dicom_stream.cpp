@@ -5,6 +5,8 @@
 
 #include "dcmtk/dcmdata/dcerror.h"
 
+#include "host/platform.h"
+
 namespace {
 
 // Bytes of stack that reading may take: a fraction of the smallest stack of a thread, and many times what real files
@@ -29,8 +31,7 @@ Memory_Producer::Memory_Producer(std::span<const std::uint8_t> memory, std::size
     : bytes(memory), position(std::min(begin, memory.size())), condition(EC_Normal) {}
 
 void Memory_Producer::Depth_Check() {
-    const volatile char here = 0;
-    const auto at = reinterpret_cast<std::uintptr_t>(&here);
+    const auto at = reinterpret_cast<std::uintptr_t>(KIT_FRAME_ADDRESS());
     if (stack_start == 0) {
         stack_start = at;
     }

@@ -91,6 +91,8 @@ class Line_Reader {
                 rest.remove_prefix(1);
                 return text;
             }
+            // Escape() may use up the rest.
+            // cppcheck-suppress containerOutOfBounds
             text += rest.front() == '\\' ? Escape() : rest.front();
             if (rest.empty()) {
                 break;

@@ -31,7 +31,7 @@ void Slice_Smooth(std::span<const std::int32_t> levels, int width, int height, s
         const std::int32_t* here = levels.data() + y * nx;
         const std::int32_t* below = levels.data() + std::min(y + 1, ny - 1) * nx;
         for (std::size_t x = 0; x < nx; ++x) {
-            column_sums[x] = std::int64_t{above[x]} + here[x] + below[x];
+            column_sums[x] = static_cast<std::int64_t>(above[x]) + here[x] + below[x];
         }
         for (std::size_t x = 0; x < nx; ++x) {
             const std::int64_t sum =
