@@ -26,6 +26,7 @@ if(MINGW AND CMAKE_BUILD_TYPE STREQUAL Debug)
     endif()
 
     kit_lint(raw_gdi_lifetime)
+    kit_lint(window_lookup)
     kit_lint(windows_in_pure)
     kit_lint(formatting)
     kit_lint(portable_text)

@@ -12,6 +12,7 @@
 #include "database/tool_db_file.h"
 #include "tests/faults/database_scene.h"
 #include "tests/faults/fault_run.h"
+#include "tests/support/own_window.h"
 #include "tests/support/panel_fixture.h"
 
 namespace {
@@ -137,7 +138,7 @@ class Edit_Faults : public Database_Faults<Tool_DB_Class> {
 
   private:
     static void CALLBACK User(HWND, UINT, UINT_PTR, DWORD) {
-        const HWND dialog = ::FindWindowA(nullptr, "Class Rename");
+        const HWND dialog = Own_Window({}, L"Class Rename");
         if (dialog == nullptr) {
             return;
         }

@@ -10,6 +10,7 @@
 
 #include "tests/faults/fault_run.h"
 #include "tests/histogram/histo_stage.h"
+#include "tests/support/own_window.h"
 
 namespace {
 
@@ -103,7 +104,7 @@ class Histo_Faults : public testing::Test {
     }
 
     // The enlarged window.
-    static HWND Window() { return ::FindWindowA("Histogram", nullptr); }
+    static HWND Window() { return Own_Window(L"Histogram"); }
     void Open() {
         stage.Point_Row(262, 70);
         panel->Click(PRESS);

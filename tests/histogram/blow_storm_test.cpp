@@ -5,6 +5,7 @@
 
 #include "tests/histogram/blow_stage.h"
 #include "tests/support/import_hook.h"
+#include "tests/support/own_window.h"
 
 namespace {
 
@@ -259,7 +260,7 @@ TEST_F(Blow_Storm, twenty_thousand_random_events_keep_every_invariant) {
         EXPECT_FALSE(histo_blow.dragging) << "event " << event;
         EXPECT_EQ(Y_DC, nullptr) << "every drawing has ended";
         if (event % 100 == 0) {
-            EXPECT_EQ(::FindWindowExA(nullptr, Window(), "Histogram", nullptr), nullptr) << "one window";
+            EXPECT_EQ(Find_Own_Windows(L"Histogram", {}).count, 1);
         }
         stage.Take_Messages();
     }

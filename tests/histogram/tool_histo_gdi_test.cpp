@@ -8,6 +8,7 @@
 
 #include "tests/histogram/histo_stage.h"
 #include "tests/support/gdi_recorder.h"
+#include "tests/support/own_window.h"
 
 namespace {
 
@@ -96,7 +97,7 @@ TEST(Histo_Gdi, the_enlarged_window_gives_back_what_it_takes) {
     panel.Set(2, 1, 10.0, 2000.0, 2, 2500.0, 2800.0);
     stage.Point_Row(262, 70);
     panel.Click(PRESS);
-    HWND window = ::FindWindowA("Histogram", nullptr);
+    HWND window = Own_Window(L"Histogram");
     ASSERT_NE(window, nullptr);
     const auto place = [](int column, int row) { return MAKELPARAM(column, row); };
     const auto send = [&](UINT message, WPARAM wparam, LPARAM lparam) {

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "kits/widgets/select_drop_list.h"
+#include "tests/support/own_window.h"
 
 namespace {
 
@@ -22,12 +23,12 @@ int wanted_item = 0;
 int dialog_ticks = 0;
 
 HWND Enlarged_Window() {
-    return ::FindWindowA("Histogram", nullptr);
+    return Own_Window(L"Histogram");
 }
 
 /** The user of the rename dialog: types, saves, and closes it when that did not end it. */
 void CALLBACK Dialog_User(HWND, UINT, UINT_PTR, DWORD) {
-    const HWND dialog = ::FindWindowA(nullptr, "Class Rename");
+    const HWND dialog = Own_Window({}, L"Class Rename");
     if (dialog == nullptr) {
         return;
     }

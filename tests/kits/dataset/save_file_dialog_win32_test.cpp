@@ -4,11 +4,13 @@
 
 #include <atomic>
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "kits/dataset/dataset_host.h"
+#include "tests/support/own_window.h"
 
 namespace {
 
@@ -20,7 +22,7 @@ constexpr int STEPS_MAX = 300;
 HWND Wait_For_Dialog(const char* title) {
     for (int i = 0; i < STEPS_MAX; ++i) {
         ::Sleep(STEP_MS);
-        const HWND dialog = ::FindWindowA("#32770", title);
+        const HWND dialog = Own_Window(L"#32770", std::wstring(title, title + std::strlen(title)));
         if (dialog != nullptr && ::IsWindowVisible(dialog) != FALSE) {
             ::Sleep(500);
             return dialog;

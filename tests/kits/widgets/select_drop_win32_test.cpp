@@ -9,6 +9,7 @@
 #include "kits/widgets/surface.h"
 #include "kits/widgets/theme.h"
 #include "tests/kits/widgets/shown_window.h"
+#include "tests/support/own_window.h"
 #include "win32/gdi_handles.h"
 
 namespace {
@@ -17,7 +18,7 @@ constexpr wchar_t pop_up_class[] = L"Kit_Widgets_Drop_List";
 constexpr UINT tick = 20;  // milliseconds
 
 HWND Pop_Up() {
-    return ::FindWindowW(pop_up_class, nullptr);
+    return Own_Window(pop_up_class);
 }
 
 using Act = void (*)(HWND pop_up);
