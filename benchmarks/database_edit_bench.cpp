@@ -11,7 +11,7 @@
 #include "database/tool_db_class.h"
 #include "database/tool_db_edit.h"
 #include "database/tool_db_fct.h"
-#include "tests/panels/panel_stage.h"
+#include "tests/support/panel_stage.h"
 
 namespace {
 

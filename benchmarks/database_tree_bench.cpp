@@ -10,8 +10,8 @@
 #include "benchmarks/ratio.h"
 #include "database/tool_db_fct.h"
 #include "tests/database/tree_scene.h"
-#include "tests/panels/panel_stage.h"
 #include "tests/support/import_hook.h"
+#include "tests/support/panel_stage.h"
 
 namespace {
 

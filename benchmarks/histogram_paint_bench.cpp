@@ -6,7 +6,7 @@
 
 #include "benchmarks/ratio.h"
 #include "tests/histogram/histo_scene.h"
-#include "tests/panels/panel_stage.h"
+#include "tests/support/panel_stage.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "panels/tool_marker.h"
 #include "panels/tool_propagate.h"
 #include "panels/tool_tag.h"
-#include "tests/panels/panel_stage.h"
+#include "tests/support/panel_stage.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "tests/histogram/histo_scene.h"
-#include "tests/panels/panel_stage.h"
+#include "tests/support/panel_stage.h"
 
 /** The panel's place: the same pixels of the window, whichever its axis. */
 class Histo_Stage : public Panel_Stage {
@@ -39,7 +39,7 @@ class Histo_Stage : public Panel_Stage {
     /** Texts since the last call, "level text". */
     std::vector<std::string> Take_Lines() {
         std::vector<std::string> lines;
-        for (const Stage_Message& one : Take_Messages()) {
+        for (const Panel_Message& one : Take_Messages()) {
             lines.push_back(std::to_string(one.level) + " " + one.text);
         }
         return lines;

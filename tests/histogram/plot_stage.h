@@ -8,7 +8,7 @@
 #include "histogram/tool_histo_plot.h"
 #include "host/kit_graph.h"
 #include "tests/histogram/histo_scene.h"
-#include "tests/panels/panel_stage.h"
+#include "tests/support/panel_stage.h"
 
 struct Plot_Stage_Look {
     int width = 640;

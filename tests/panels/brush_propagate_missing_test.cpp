@@ -35,7 +35,7 @@ TEST(A_Host_Without_Variables, brush_panel_draws_nothing_and_picks_nothing) {
     EXPECT_EQ(panel.Height(), 8);
     EXPECT_EQ(panel.Read(), 0);
     EXPECT_EQ(stage.Read(), before);
-    for (const Stage_Message& one : stage.Take_Messages()) {
+    for (const Panel_Message& one : stage.Take_Messages()) {
         EXPECT_GE(one.level, 16) << one.text;
     }
 }
@@ -49,7 +49,7 @@ TEST(A_Host_Without_Variables, propagate_panel_shows_no_frames) {
     EXPECT_EQ(panel.Propagate(1), 0);
     EXPECT_EQ(panel.Propagate(-1), 0);
     EXPECT_TRUE(stage.Take_Changes().empty());
-    for (const Stage_Message& one : stage.Take_Messages()) {
+    for (const Panel_Message& one : stage.Take_Messages()) {
         EXPECT_EQ(one.level, 16) << one.text;
     }
 }

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/panels/panel_stage.h"
+#include "tests/support/panel_stage.h"
 
 constexpr int BRUSH_SPACE = 3;
 constexpr int BRUSH_LIST_DIM = 18;

@@ -27,7 +27,7 @@ inline std::vector<Run> runs;
 inline std::function<int()> during;
 
 inline int Function(void* shown, void* target) {
-    runs.push_back({shown, target, Variable_Number("$INTERFACE_LOCK_FOCUS", -1), Stage_Wait_Cursor(true)});
+    runs.push_back({shown, target, Variable_Number("$INTERFACE_LOCK_FOCUS", -1), Wait_Cursor_Shown(true)});
     return during ? during() : RESULT;
 }
 
@@ -36,9 +36,9 @@ inline int Pick_Item(const Drop_List_Request&) {
     return picked_item;
 }
 
-inline std::vector<std::string> Lines_Of(const std::vector<Stage_Message>& messages) {
+inline std::vector<std::string> Lines_Of(const std::vector<Panel_Message>& messages) {
     std::vector<std::string> lines;
-    for (const Stage_Message& one : messages) {
+    for (const Panel_Message& one : messages) {
         lines.push_back(std::to_string(one.level) + " " + one.text);
     }
     return lines;

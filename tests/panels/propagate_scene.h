@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "tests/panels/panel_stage.h"
+#include "tests/support/panel_stage.h"
 
 constexpr int PROPAGATE_SPACE = 4;
 constexpr int PROPAGATE_LIST_DIM = 20;

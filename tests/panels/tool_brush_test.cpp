@@ -16,9 +16,9 @@ constexpr unsigned int COLOR_1 = 0xC08040;
 constexpr unsigned int COLOR_2 = 0x10E020;
 constexpr int NO_BRUSH = 99;  ///< an index without a button: no button carries the current mark
 
-std::vector<std::string> Lines_Of(const std::vector<Stage_Message>& messages) {
+std::vector<std::string> Lines_Of(const std::vector<Panel_Message>& messages) {
     std::vector<std::string> texts;
-    for (const Stage_Message& one : messages) {
+    for (const Panel_Message& one : messages) {
         texts.push_back(std::to_string(one.level) + " " + one.text);
     }
     return texts;
@@ -356,7 +356,7 @@ TEST_F(Brush_Panel, unchanged_brushes_rebuild_nothing_and_draw_nothing) {
     for (int i = 0; i < 5; i++) {
         panel.Update(UPDATE_BRUSH);
     }
-    EXPECT_EQ(stage.Take_Messages(), std::vector<Stage_Message>(5, {16, "in Tool_Brush::Update()"}));
+    EXPECT_EQ(stage.Take_Messages(), std::vector<Panel_Message>(5, {16, "in Tool_Brush::Update()"}));
     EXPECT_EQ(Painted(), 0U);
     EXPECT_EQ(Widget_Counters_Get().inits, 0U);
     for (int i = 0; i < 4; i++) {
@@ -509,7 +509,7 @@ TEST_F(Brush_Panel, drawing_sets_the_mark_of_the_current_brush_and_clears_no_oth
     EXPECT_TRUE(marked(3));
     EXPECT_FALSE(marked(0));
     EXPECT_EQ(panel.Read(), NO_BRUSH) << "drawing announces nothing";
-    EXPECT_EQ(stage.Take_Messages(), std::vector<Stage_Message>(2, {16, "in Tool_Brush::Draw()"}));
+    EXPECT_EQ(stage.Take_Messages(), std::vector<Panel_Message>(2, {16, "in Tool_Brush::Draw()"}));
     Widget_Counters_Reset();
     panel.Draw();
     EXPECT_EQ(Widget_Counters_Get().draws, 5U) << "frame and four buttons";
@@ -588,7 +588,7 @@ TEST_F(Brush_Panel, only_a_change_of_tag_is_remembered_as_one) {
         Quiet();
         panel.Update(flags);
         const auto messages = stage.Take_Messages();
-        return std::count(messages.begin(), messages.end(), Stage_Message{17, "in Tool_Brush::Set_Color()"});
+        return std::count(messages.begin(), messages.end(), Panel_Message{17, "in Tool_Brush::Set_Color()"});
     };
     EXPECT_EQ(recoloured(UPDATE_TAG_CUR), 1) << "laying out in that colour does not count";
     EXPECT_EQ(recoloured(UPDATE_TAG_CUR), 0);
@@ -655,7 +655,7 @@ TEST_F(Brush_Panel, a_copy_shares_the_buttons_and_outlives_its_original) {
     Quiet();
     other.Update(UPDATE_BRUSH);
     const auto messages = stage.Take_Messages();
-    EXPECT_EQ(std::count(messages.begin(), messages.end(), Stage_Message{17, "in Tool_Brush::Init()"}), 0)
+    EXPECT_EQ(std::count(messages.begin(), messages.end(), Panel_Message{17, "in Tool_Brush::Init()"}), 0)
         << "the copy remembers the sizes";
 }
 

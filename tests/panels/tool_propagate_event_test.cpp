@@ -47,11 +47,11 @@ TEST_F(Propagate_Panel, a_pick_in_the_list_shows_that_frame_and_propagates_nothi
     picked_item = 4;
     Point_At_Middle(Layout().list);
     EXPECT_EQ(panel.Click(PRESS), 1);
-    EXPECT_EQ(stage.Take_Changes(), (std::vector<Stage_Change>{{&host.window, volume.At(4), volume.At(2)}}));
+    EXPECT_EQ(stage.Take_Changes(), (std::vector<Frame_Change>{{&host.window, volume.At(4), volume.At(2)}}));
     EXPECT_TRUE(runs.empty());
     picked_item = 1;
     EXPECT_EQ(panel.Click(PRESS), 1);
-    EXPECT_EQ(stage.Take_Changes(), (std::vector<Stage_Change>{{&host.window, volume.At(1), volume.At(2)}}))
+    EXPECT_EQ(stage.Take_Changes(), (std::vector<Frame_Change>{{&host.window, volume.At(1), volume.At(2)}}))
         << "a jump does not refresh the frame that the panel takes for shown";
     panel.Draw();
     panel.Leave();
@@ -155,7 +155,7 @@ TEST_F(Propagate_Panel, the_wheel_over_the_list_goes_to_earlier_frames_when_turn
         Show(2);
         EXPECT_EQ(panel.Scroll(notches), 1);
         EXPECT_EQ(Shown_Item(), item) << notches;
-        EXPECT_EQ(stage.Take_Changes(), (std::vector<Stage_Change>{{&host.window, volume.At(item), volume.At(2)}}));
+        EXPECT_EQ(stage.Take_Changes(), (std::vector<Frame_Change>{{&host.window, volume.At(item), volume.At(2)}}));
     }
     EXPECT_TRUE(runs.empty());
     Show(2);

@@ -264,7 +264,7 @@ TEST_F(Propagate_Panel, a_step_moves_then_runs_the_function_on_the_former_and_th
             EXPECT_EQ(runs[0].shown, volume.At(2)) << "also when the host has told of the new frame meanwhile";
             EXPECT_EQ(runs[0].target, volume.At(2 + direction));
             EXPECT_EQ(stage.Take_Changes(),
-                      (std::vector<Stage_Change>{{&host.window, volume.At(2 + direction), volume.At(2)}}));
+                      (std::vector<Frame_Change>{{&host.window, volume.At(2 + direction), volume.At(2)}}));
             EXPECT_EQ(Shown_Item(), 2 + direction);
         }
     }
@@ -301,13 +301,13 @@ TEST_F(Propagate_Panel, the_first_and_the_last_frame_end_the_way_without_moving)
 
 TEST_F(Propagate_Panel, the_focus_is_locked_and_the_wait_cursor_shown_for_the_run_only) {
     Show(2);
-    EXPECT_FALSE(Stage_Wait_Cursor(false));
+    EXPECT_FALSE(Wait_Cursor_Shown(false));
     panel.Propagate(1);
     ASSERT_EQ(runs.size(), 1U);
     EXPECT_EQ(runs[0].lock, 1);
     EXPECT_TRUE(runs[0].wait_cursor);
     EXPECT_EQ(Variable_Number("$INTERFACE_LOCK_FOCUS", -1), 0);
-    EXPECT_FALSE(Stage_Wait_Cursor(false));
+    EXPECT_FALSE(Wait_Cursor_Shown(false));
 }
 
 TEST_F(Propagate_Panel, without_the_lock_variable_the_function_runs_all_the_same) {
@@ -325,7 +325,7 @@ TEST_F(Propagate_Panel, an_exception_of_the_function_ends_at_the_panel) {
         during = throwers[i];
         EXPECT_EQ(panel.Propagate(1), 0);
         EXPECT_EQ(Variable_Number("$INTERFACE_LOCK_FOCUS", -1), 0);
-        EXPECT_FALSE(Stage_Wait_Cursor(false));
+        EXPECT_FALSE(Wait_Cursor_Shown(false));
         EXPECT_EQ(Shown_Item(), 2 + static_cast<int>(i)) << "the frame has moved";
     }
     during = nullptr;
@@ -497,5 +497,5 @@ TEST_F(Propagate_Panel, a_function_may_take_itself_away_or_step_on) {
     during = [this, &depth] { return ++depth < 3 ? panel.Propagate(1) : 6; };
     EXPECT_EQ(panel.Propagate(1), 6);
     EXPECT_EQ(Variable_Number("$INTERFACE_LOCK_FOCUS", -1), 0);
-    EXPECT_FALSE(Stage_Wait_Cursor(false));
+    EXPECT_FALSE(Wait_Cursor_Shown(false));
 }

@@ -1,22 +1,22 @@
 #include "kits/widgets/device.h"
 #include "kits/widgets/headless_windows.h"
-#include "tests/panels/panel_stage.h"
+#include "tests/support/panel_window.h"
 
 namespace {
 constexpr Point SCREEN_PLACE = {40, 30};
 }
 
-HWND Stage_Window_Make(int width, int height) {
+HWND Test_Window_Make(int width, int height) {
     HWND window = Headless_Window_Create(width, height);
     Headless_Window_Move(window, SCREEN_PLACE);
     return window;
 }
 
-void Stage_Window_End(HWND window) {
+void Test_Window_End(HWND window) {
     Headless_Window_Destroy(window);
 }
 
-void Stage_Window_Fill(HWND window, int width, int height, std::uint32_t color) {
+void Test_Window_Fill(HWND window, int width, int height, std::uint32_t color) {
     Memory_Picture fill;
     fill.Reserve(width, height);
     Surface view = fill.View(width, height);
@@ -25,7 +25,7 @@ void Stage_Window_Fill(HWND window, int width, int height, std::uint32_t color) 
     Screen_Show(window, {0, 0}, view, {&all, 1});
 }
 
-std::vector<std::uint32_t> Stage_Window_Read(HWND window, int width, int height) {
+std::vector<std::uint32_t> Test_Window_Read(HWND window, int width, int height) {
     std::vector<std::uint32_t> pixels;
     for (int y = 0; y < height; y++) {
         for (int x = 0; x < width; x++) {
@@ -35,11 +35,11 @@ std::vector<std::uint32_t> Stage_Window_Read(HWND window, int width, int height)
     return pixels;
 }
 
-void Stage_Window_To_Screen(HWND, int* x, int* y) {
+void Test_Window_To_Screen(HWND, int* x, int* y) {
     *x += SCREEN_PLACE.x;
     *y += SCREEN_PLACE.y;
 }
 
-bool Stage_Wait_Cursor(bool otherwise) {
+bool Wait_Cursor_Shown(bool otherwise) {
     return otherwise;
 }
