@@ -1,110 +1,13 @@
-// The modal dialog itself, driven by messages from a timer that its own message loop serves.
-#include <windows.h>
-
+// The modal dialog itself, driven by messages: what it answers, and what becomes of the text.
 #include <cstring>
-#include <functional>
 #include <string>
 #include <vector>
 
-#include "database/tool_db_dialog_rename.h"
-#include "tests/support/panel_fixture.h"
+#include "tests/database/dialog_scene.h"
 
 namespace {
 
-std::vector<std::function<void(HWND)>> steps;
-std::size_t next_step = 0;
-HWND found = nullptr;
-
-BOOL CALLBACK Is_Dialog(HWND window, LPARAM) {
-    char title[40] = {};
-    DWORD process = 0;
-    ::GetWindowTextA(window, title, sizeof title);
-    ::GetWindowThreadProcessId(window, &process);
-    if (process == ::GetCurrentProcessId() && std::strcmp(title, "Class Rename") == 0) {
-        found = window;
-        return FALSE;
-    }
-    return TRUE;
-}
-
-HWND Dialog_Window() {
-    found = nullptr;
-    ::EnumWindows(Is_Dialog, 0);
-    return found;
-}
-
-void CALLBACK On_Timer(HWND, UINT, UINT_PTR, DWORD) {
-    const HWND dialog = Dialog_Window();
-    if (dialog == nullptr) {
-        return;
-    }
-    if (next_step < steps.size()) {
-        steps[next_step++](dialog);
-    } else {
-        ADD_FAILURE() << "the dialog stays open";
-        ::EndDialog(dialog, 99);
-    }
-}
-
-struct Size_Of_Client {
-    int width;
-    int height;
-};
-Size_Of_Client Client(HWND dialog) {
-    RECT client = {};
-    ::GetClientRect(dialog, &client);
-    return {client.right, client.bottom};
-}
-
-/** A point of the dialog's own axis (up) as a message has it. */
-LPARAM Point(HWND dialog, int x, int y) {
-    return MAKELPARAM(x, Client(dialog).height - 1 - y);
-}
-
-int Half(HWND dialog) {
-    return ((Client(dialog).width - 1 - 2 * SPACE_DIM) - SPACE_DIM) / 2;
-}
-LPARAM On_Save(HWND dialog) {
-    return Point(dialog, SPACE_DIM + Half(dialog) / 2, SPACE_DIM + BUTTON_DIM_BIG / 2);
-}
-LPARAM On_Cancel(HWND dialog) {
-    return Point(dialog, 2 * SPACE_DIM + Half(dialog) + SPACE + Half(dialog) / 2, SPACE_DIM + BUTTON_DIM_BIG / 2);
-}
-void Click(HWND dialog, LPARAM where) {
-    ::SendMessageA(dialog, WM_LBUTTONDOWN, MK_LBUTTON, where);
-    ::SendMessageA(dialog, WM_LBUTTONUP, 0, where);
-}
-void Save(HWND dialog) {
-    Click(dialog, On_Save(dialog));
-}
-void Type_Keys(HWND dialog, const char* keys) {
-    for (; *keys != 0; ++keys) {
-        ::SendMessageA(dialog, WM_KEYDOWN, static_cast<WPARAM>(::VkKeyScanA(*keys) & 0xFF), 1);
-    }
-}
-
-class Dialog_Rename_Test : public Panel_Fixture {
-  protected:
-    Dialog_Rename_Test() : Panel_Fixture(Window_Axis::Up, 200, 100) {
-        Define_Dimensions();
-        Variable_Define_Scalar("$INTERFACE_TITLE_FONT_SCALE", VARIABLE_SIGNED_16, 13);
-        Variable_Define_Scalar("$INTERFACE_TOOL_FONT_SCALE", VARIABLE_SIGNED_16, 12);
-    }
-    /** Runs the dialog; each step is one timer tick later than the one before. */
-    int Run(std::vector<std::function<void(HWND)>> wanted) {
-        steps = std::move(wanted);
-        next_step = 0;
-        const UINT_PTR timer = ::SetTimer(nullptr, 0, 15, On_Timer);
-        const int result = Dialog_Rename(buffer);
-        ::KillTimer(nullptr, timer);
-        EXPECT_EQ(next_step, steps.size()) << "the dialog ended early";
-        EXPECT_EQ(Dialog_Window(), nullptr);
-        return result;
-    }
-    void Put(const std::string& text) { std::memcpy(buffer, text.c_str(), text.size() + 1); }
-
-    char buffer[DIALOG_RENAME_SIZE + 8] = {};
-};
+using Dialog_Rename_Test = Dialog_Scene;
 
 TEST_F(Dialog_Rename_Test, save_returns_one_and_what_was_typed) {
     Put("Old");

@@ -273,6 +273,7 @@ TEST_F(Tree_Paint_Test, colors_tell_locked_checked_and_no_access_rows) {
     ASSERT_EQ(drawn_texts.size(), 3U * std::size(cases));
     for (std::size_t i = 0; i < std::size(cases); ++i) {
         EXPECT_EQ(drawn_texts[3 * i].color, i == 1 ? 0x123456U : 65535U) << i;
+        EXPECT_EQ(drawn_texts[3 * i + 1].color, drawn_texts[3 * i].color) << "the separator is the title's";
         EXPECT_EQ(drawn_texts[3 * i + 2].color, cases[i].name) << i;
     }
 }
@@ -284,8 +285,8 @@ TEST_F(Tree_Paint_Test, check_icons_need_the_bare_mark) {
         std::uint16_t flag, state;
         std::uint32_t shown;
     };
-    const Case cases[] = {{0, 0, 0},    {0, 1, 0xC0C000}, {0, 2, 0x00C000},
-                          {0x10, 2, 0}, {0, 0x12, 0},     {0x10, 1, 0xC0C000}};
+    const Case cases[] = {{0, 0, 0},    {0, 1, 0xC0C000},    {0, 2, 0x00C000}, {0x10, 2, 0},
+                          {0, 0x12, 0}, {0x10, 1, 0xC0C000}, {0, 0x11, 0},     {0x10, 0x11, 0}};
     for (const Case& each : cases) {
         tree.Add(0);
         static_cast<void>(each);
@@ -303,6 +304,32 @@ TEST_F(Tree_Paint_Test, check_icons_need_the_bare_mark) {
                   cases[i].shown != 0 ? cases[i].shown : Ground())
             << i;
     }
+}
+
+TEST_F(Tree_Paint_Test, an_item_s_icon_begins_where_its_lead_cell_ends) {
+    const Icon_File icon(DB_ICON_DEFAULT, 0x804020);
+    tree.Add(0);
+    tree.Add(1);
+    Tidy();
+    Draw();
+    for (int row = 0; row < 2; ++row) {
+        const int x = BOX_X + SPACE_DIM + 20 * row + 20;
+        const int y = BOX_Y + BOX_HEIGHT - Tree_Row_Middle(row) + 4;  // beside the lead's line
+        EXPECT_NE(Pixel(x - 1, y), 0x804020U);
+        EXPECT_EQ(Pixel(x, y), 0x804020U);
+        EXPECT_EQ(Pixel(x + ICON_SIZE - 1, y), 0x804020U);
+        EXPECT_NE(Pixel(x + ICON_SIZE, y), 0x804020U);
+    }
+}
+
+TEST_F(Tree_Paint_Test, lines_are_blue) {
+    for (const int level : {0, 1, 0}) {
+        tree.Add(level);
+    }
+    Tidy();
+    tree[0].flag = 0;  // collapsed: its lead cell leaves a gap to the next one, which the line bridges
+    Draw();
+    EXPECT_EQ(Pixel(BOX_X + SPACE_DIM + 7, BOX_Y + BOX_HEIGHT - Tree_Row_Middle(0) - 9), 0x0000FFU);
 }
 
 TEST_F(Tree_Paint_Test, the_anchor_stands_above_the_first_row) {

@@ -84,7 +84,9 @@ TEST_F(Tool_DB_Fct_Test, a_click_on_the_lead_cell_toggles_the_branch_and_no_mark
     Point_At_Row(0, 10);
     Take_Counters();
     EXPECT_EQ(Click(LEFT_PRESS), 0);
-    EXPECT_EQ(Take_Counters().draws, 2U);  // both sliders
+    const Widget_Counters counters = Take_Counters();
+    EXPECT_EQ(counters.draws, 2U);   // both sliders ...
+    EXPECT_EQ(counters.clears, 2U);  // ... each on a cleared ground
     EXPECT_EQ(tree[0].flag & DB_FLAG_EXPANDED, 0);
     EXPECT_EQ(tree[1].row, DB_ROW_NONE);
     EXPECT_EQ(vertical.style, STYLE_SLIDER_VERTICAL | STYLE_INACTIVE);

@@ -1,7 +1,10 @@
 #include "database/tool_db_list.h"
 
+#include <windows.h>
+
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,77 +13,13 @@
 #include "database/tool_db_class.h"
 #include "database/tool_db_edit.h"
 #include "database/tool_db_fct.h"
-#include "tests/support/panel_fixture.h"
+#include "tests/database/panel_scene.h"
+#include "tests/support/import_hook.h"
 
 namespace {
 
-constexpr int WIDTH = 340;
-constexpr int HEIGHT = 300;
-constexpr int LEAVES = 40;
-
+using Panel_Events = Panel_Scene;
 using Calls = std::vector<std::string>;
-
-/** A branch with leaves, whose first text is wider than the panel; it writes down what is asked of it. */
-class Wide_View : public Tool_DB_List {
-  public:
-    explicit Wide_View(int mode_word = 2) { mode = mode_word; }
-    unsigned short List_Create_From_DB(int* nb, DB_List** list_pt, int, int, void*) override {
-        calls.emplace_back("create");
-        if (fails) {  // as after a growth without memory
-            *nb = 7;
-            *list_pt = nullptr;
-            return 0;
-        }
-        for (int i = 0; i <= LEAVES; ++i) {
-            DB_List* const record = DB_List_Append(nb, list_pt, {__FILE__, __LINE__});
-            record->flag = i == 0 ? DB_FLAG_EXPANDED : DB_FLAG_LEAF;
-            record->level = i == 0 ? 0 : 1;
-            record->icon = DB_ICON_DEFAULT;
-        }
-        (*list_pt)->child_nb = LEAVES;
-        (*list_pt)->desc_nb = LEAVES;
-        DB_List_Text_Copy(&(*list_pt)->title, std::string(200, 'W').c_str(), "title", {__FILE__, __LINE__});
-        return 1;
-    }
-    void List_Select_From_DB(int nb, DB_List* list_pt) override {
-        calls.emplace_back("from");
-        for (int i = 1; list_pt != nullptr && i < nb; ++i) {
-            list_pt[i].state = i == 3 ? DB_STATE_CHECKED : DB_STATE_NONE;
-        }
-    }
-    void List_Select_To_DB(int nb, DB_List* list_pt) override {
-        calls.emplace_back("to");
-        checked.clear();
-        for (int i = 0; list_pt != nullptr && i < nb; ++i) {
-            if ((list_pt[i].state & DB_STATE_CHECKED) != 0) {
-                checked.push_back(i);
-            }
-        }
-    }
-    bool fails = false;
-    Calls calls;
-    std::vector<int> checked;
-};
-
-class Panel_Events : public Panel_Fixture {
-  protected:
-    Panel_Events() : Panel_Fixture(Window_Axis::Up, WIDTH, HEIGHT) {
-        Define_Dimensions();
-        db_drag = {};
-    }
-    ~Panel_Events() override { db_drag = {}; }
-    void Show(Tool_DB_List& panel) {
-        Boxs host = Host_Box(10, 10, WIDTH - 20, HEIGHT - 20);
-        panel.Resize(&host);
-        panel.Update(UPDATE_STRUCTURE);
-        panel.Draw();
-        messages.Take();
-    }
-    void Point_At_Row(const Tool_DB_List& panel, int row) {
-        const Boxs& tree = panel.list_box;
-        Point_At(tree.x + 150, tree.y + tree.height + static_cast<int>(panel.vertical.value) - 19 - 18 * row);
-    }
-};
 
 TEST_F(Panel_Events, a_click_on_a_row_is_applied_and_written_at_the_release_only) {
     Wide_View panel;
@@ -162,6 +101,94 @@ TEST_F(Panel_Events, a_held_thumb_scrolls_until_the_button_is_released) {
     }
 }
 
+TEST_F(Panel_Events, the_thumb_is_painted_where_a_press_or_a_held_pointer_takes_it) {
+    for (Sliders Tool_DB_List::*const member : {&Tool_DB_List::vertical, &Tool_DB_List::horizontal}) {
+        Wide_View panel;
+        Show(panel);
+        Sliders& slider = panel.*member;
+        const bool is_vertical = (slider.style & STYLE_VERTICAL) != 0;
+        const auto point_at = [&](int along) {  // pixels from the visual top or left
+            Point_At(slider.x + (is_vertical ? slider.width / 2 : along),
+                     slider.y + (is_vertical ? slider.height - 1 - along : slider.height / 2));
+        };
+        const auto painted = [&] {
+            const Window_Picture shown = Pixels();
+            slider.Draw();
+            return shown == Pixels();
+        };
+        point_at((is_vertical ? slider.height : slider.width) - 8);
+        panel.Motion(HOVER);
+        ASSERT_TRUE(painted());
+        EXPECT_EQ(panel.Click(LEFT_PRESS), 1);
+        EXPECT_GT(slider.value, 0.0F) << "a page on";
+        EXPECT_TRUE(painted()) << "after a press beside the thumb";
+        slider.value = 0.0F;
+        panel.Draw();
+        point_at(8);
+        EXPECT_EQ(panel.Click(LEFT_PRESS), 1);
+        for (const int along : {20, 32}) {
+            const float before = slider.value;
+            point_at(along);
+            EXPECT_EQ(panel.Motion(LEFT_DRAG), 1);
+            EXPECT_GT(slider.value, before);
+            EXPECT_TRUE(painted()) << "while it is held at " << along;
+        }
+        panel.Leave();
+    }
+}
+
+/** Two records of the editor, always in the same memory: a system that gives freed memory out again. */
+class Same_Memory_View : public Wide_View {
+  public:
+    Same_Memory_View() : Wide_View(2 | DB_MODE_EDIT) {}
+    unsigned short List_Create_From_DB(int* nb, DB_List** list_pt, int, int, void*) override {
+        for (DB_List& record : block) {
+            record = {};
+            record.object = &object;
+            record.flag = DB_FLAG_EXPANDED;
+        }
+        block[0].child_nb = block[0].desc_nb = 1;
+        block[1].level = 1;
+        *nb = 2;
+        *list_pt = block;
+        return 2;
+    }
+    static void Free(void* memory) {
+        if (memory != block) {
+            real_free(memory);
+        }
+    }
+    static inline void (*real_free)(void*) = nullptr;
+
+  private:
+    static inline Quorel_2D object;
+    static inline DB_List block[2];
+};
+
+TEST_F(Panel_Events, a_new_panel_in_an_earlier_ones_memory_begins_without_its_marks) {
+    Same_Memory_View::real_free = reinterpret_cast<void (*)(void*)>(
+        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleA("msvcrt.dll"), "free")));
+    const Import_Hook keeping("", "msvcrt.dll", "free", reinterpret_cast<void*>(&Same_Memory_View::Free));
+    ASSERT_TRUE(keeping.Is_Set());
+    auto first = std::make_unique<Same_Memory_View>();
+    Show(*first);
+    const Boxs& tree = first->list_box;
+    const int x = tree.x + SPACE_DIM + EDIT_NODE_WIDTH;  // the root's handle for children
+    const int y = tree.y + tree.height - EDIT_MIDDLE_Y;
+    const std::uint32_t plain = Pixel(x, y);
+    EXPECT_EQ(Move(*first, x, y), 1);
+    const std::uint32_t highlighted = Pixel(x, y);
+    ASSERT_NE(highlighted, plain);
+    const DB_List* const place = first->List_Pt();
+    first.reset();
+    Same_Memory_View second;
+    Show(second);
+    ASSERT_EQ(second.List_Pt(), place);
+    EXPECT_EQ(Pixel(x, y), plain);
+    EXPECT_EQ(Move(second, x, y), 1);
+    EXPECT_EQ(Pixel(x, y), highlighted) << "highlighted anew";
+}
+
 TEST_F(Panel_Events, the_buttons_of_the_editor_have_no_hover_look) {
     Wide_View panel(2 | DB_MODE_EDIT);
     Show(panel);
@@ -200,7 +227,7 @@ TEST_F(Panel_Events, a_new_place_keeps_the_scroll_position_and_puts_the_warning_
     Show(panel);
     panel.vertical.value = 150.0F;
     panel.horizontal.value = 400.0F;
-    Boxs host = Host_Box(10, 10, WIDTH - 30, HEIGHT - 30);
+    Boxs host = Host_Box(10, 10, PANEL_WIDTH - 30, PANEL_HEIGHT - 30);
     panel.Resize(&host);
     panel.Draw();
     EXPECT_EQ(panel.vertical.value, 150.0F);
@@ -298,7 +325,7 @@ class Editor_Events : public Panel_Events, public testing::WithParamInterface<An
         }
         Variable_Define_Pointer("$DB_2D_ROOT_PT", &objects[0]);
         DB_Edit_Ask_Name = Save_New_Name;
-        Boxs host = Host_Box(0, 0, WIDTH, HEIGHT);
+        Boxs host = Host_Box(0, 0, PANEL_WIDTH, PANEL_HEIGHT);
         panel.Resize(&host);
         panel.Update(UPDATE_STRUCTURE);
         panel.Draw();

@@ -175,6 +175,7 @@ TEST_F(Tool_DB_List_Test, a_window_whose_selection_is_fixed_greys_both_buttons) 
         EXPECT_EQ(panel.select_none.style, STYLE_BUTTON);
     }
     EXPECT_EQ(messages.Take().front(), (Panel_Message{TRACE_LEVEL, "in Tool_DB_List::Draw()"}));
+    Variable_Undefine("$WINDOW_CUR");
 }
 
 TEST_F(Tool_DB_List_Test, select_all_checks_every_record_and_keeps_the_other_state_bits) {

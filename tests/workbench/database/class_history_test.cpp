@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -310,6 +311,118 @@ TEST_F(Class_History_Test, a_folder_that_takes_no_file_is_told_and_loses_nothing
     std::filesystem::create_directories(folder / "gone");
     EXPECT_EQ(history.Save(), "");
     EXPECT_FALSE(history.Is_Unsaved());
+}
+
+// ------------------------------------------------------------------------------------------------------------------
+// journals that cannot be done
+
+TEST_F(Class_History_Test, a_change_that_the_objects_refuse_is_told_and_the_journal_tells_what_is_there) {
+    Put("class journal 1\ndone 2\n"
+        "step 1D \"Rename One\"\nname \"Curves/One\" from \"One\" to \"First\"\n"
+        "step 3D \"Move Head\"\nmove \"Body/Head\" from \"Body\" 0 to \"Body/Vessel\" 0\nend 2\n");
+    // Moved without anybody's notice: now Head cannot go below Vessel, which hangs below it.
+    trees.Structure("Skull")->Child_Add(trees.Structure("Vessel"));
+    EXPECT_EQ(history.Open(trees.images[0].get(), data), "Not every change of the class trees could be done again.");
+    EXPECT_EQ(trees.Text(), "Curves(First, Two) Images(head(1, 2, 3)) Body(Head(Brain, Skull(Vessel)))");
+    EXPECT_FALSE(history.Note()) << "what is there is known";
+    EXPECT_EQ(history.Journal().Steps().size(), 3U);
+    EXPECT_EQ(history.Journal().Done_Nb(), 3U);
+    EXPECT_TRUE(history.Is_Unsaved());
+    EXPECT_EQ(history.Save(), "");
+
+    // The file now leads from the trees as they are built to what was there.
+    Trees later;
+    Class_History next;
+    next.Begin(later.curves[0].get(), later.structures[0].get());
+    EXPECT_EQ(next.Open(later.images[0].get(), data), "");
+    EXPECT_EQ(later.Text(), trees.Text());
+    EXPECT_FALSE(next.Note());
+}
+
+TEST_F(Class_History_Test, steps_before_and_behind_a_refused_one_are_done) {
+    Put("class journal 1\ndone 3\n"
+        "step 3D \"\"\nname \"Body\" from \"Body\" to \"Whole\"\n"
+        "step 3D \"\"\nmove \"Body/Head\" from \"Body\" 0 to \"Body/Vessel\" 0\n"
+        "step 2D \"\"\nname \"Images/head/2\" from \"2\" to \"two\"\nend 3\n");
+    trees.Structure("Skull")->Child_Add(trees.Structure("Vessel"));
+    EXPECT_NE(history.Open(trees.images[0].get(), data), "");
+    EXPECT_STREQ(trees.structures[0]->Name_Get(), "Whole");
+    EXPECT_EQ(trees.Image("two"), trees.images[3].get());
+}
+
+TEST_F(Class_History_Test, changes_without_data_are_taken_back_also_when_the_datas_cannot_all_be_done) {
+    Put("class journal 1\ndone 1\nstep 3D \"\"\nmove \"Body/Head\" from \"Body\" 0 to \"Body/Vessel\" 0\nend 1\n");
+    trees.Curve("Two")->Name_Set("Second");
+    EXPECT_TRUE(history.Note());
+    trees.Structure("Skull")->Child_Add(trees.Structure("Vessel"));
+    EXPECT_EQ(history.Open(trees.images[0].get(), data), "Not every change of the class trees could be done again.");
+    EXPECT_STREQ(trees.curves[2]->Name_Get(), "Two");
+    EXPECT_FALSE(history.Note());
+}
+
+TEST_F(Class_History_Test, any_damaged_file_leaves_trees_and_journal_in_agreement) {
+    history.Open(trees.images[0].get(), data);
+    Edit();
+    ASSERT_EQ(history.Save(), "");
+    const std::string whole = Get(history.File());
+    std::mt19937 random(5);
+    int refused = 0;
+    int taken = 0;
+    for (std::size_t round = 0; round < whole.size() + 600; ++round) {
+        std::string text = whole.substr(0, std::min(round, whole.size()));
+        if (round >= whole.size()) {  // a byte or two are others
+            for (unsigned int times = 1 + random() % 2; times > 0; --times) {
+                text[random() % text.size()] = static_cast<char>(random());
+            }
+        }
+        Put(text);
+        Trees later;
+        Class_History next;
+        next.Begin(later.curves[0].get(), later.structures[0].get());
+        const std::string problem = next.Open(later.images[0].get(), data);
+        ASSERT_FALSE(next.Note()) << text;
+        if (!problem.empty()) {
+            ++refused;
+            ASSERT_EQ(later.Text(), BUILT) << text;
+            ASSERT_FALSE(next.Undo()) << text;
+            continue;
+        }
+        ++taken;
+        while (next.Undo()) {
+        }
+        ASSERT_EQ(later.Text(), BUILT) << text;
+    }
+    EXPECT_GT(refused, static_cast<int>(whole.size()) - 5);
+    EXPECT_GT(taken, 10) << "a changed name is no damage";
+}
+
+TEST_F(Class_History_Test, a_refused_file_stays_until_something_is_saved) {
+    Put("no journal\n");
+    EXPECT_NE(history.Open(trees.images[0].get(), data), "");
+    EXPECT_EQ(history.Save(), "") << "nothing happened";
+    EXPECT_EQ(Get(history.File()), "no journal\n");
+    EXPECT_FALSE(std::filesystem::exists(folder / "head.nii.classes.txt.damaged"));
+}
+
+TEST_F(Class_History_Test, changes_made_without_data_give_way_to_a_damaged_journal_with_its_own_words) {
+    Put("class journal 1\ndone 1\nstep 3D \"Rename");
+    trees.Curve("Two")->Name_Set("Second");
+    EXPECT_TRUE(history.Note());
+    EXPECT_EQ(history.Open(trees.images[0].get(), data),
+              "The class trees are as they were built, without earlier changes: head.nii.classes.txt is damaged, "
+              "line 3: a text is not closed.");
+    EXPECT_EQ(trees.Text(), BUILT);
+}
+
+TEST_F(Class_History_Test, images_that_leave_take_their_steps_along) {
+    history.Open(trees.images[0].get(), data);
+    Edit();
+    history.Images_Leave();
+    trees.images.clear();
+    EXPECT_FALSE(history.Note());
+    EXPECT_EQ(history.Undo()->kind, Class_Kind::CLASSES_3D);
+    EXPECT_EQ(history.Undo()->kind, Class_Kind::CLASSES_1D);
+    EXPECT_FALSE(history.Undo());
 }
 
 }  // namespace
