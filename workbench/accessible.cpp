@@ -9,6 +9,8 @@
 #include <utility>
 
 #include "kits/widgets/shown_widgets.h"
+#include "workbench/accessible_snapshot.h"
+#include "workbench/automation_provider.h"
 #include "workbench/wide_text.h"
 
 namespace {
@@ -130,7 +132,7 @@ class Accessible_Window final : public IAccessible {
     HRESULT STDMETHODCALLTYPE get_accDefaultAction(VARIANT child, BSTR* action) override {
         *action = nullptr;
         return Of_Part(child, [&](const Accessible_Part& part) {
-            if (!Is_Pressed_By_Click(part)) {
+            if (!Accessible_Is_Pressed(part)) {
                 return DISP_E_MEMBERNOTFOUND;
             }
             *action = ::SysAllocString(L"Press");
@@ -198,13 +200,11 @@ class Accessible_Window final : public IAccessible {
     }
     HRESULT STDMETHODCALLTYPE accDoDefaultAction(VARIANT child) override {
         return Of_Part(child, [&](const Accessible_Part& part) {
-            if (!Is_Pressed_By_Click(part)) {
+            if (!Accessible_Is_Pressed(part)) {
                 return DISP_E_MEMBERNOTFOUND;
             }
-            const LPARAM middle =
-                MAKELPARAM((part.place.left + part.place.right) / 2, (part.place.top + part.place.bottom) / 2);
-            ::PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, middle);
-            ::PostMessageW(window, WM_LBUTTONUP, 0, middle);
+            Accessible_Press(window,
+                             {(part.place.left + part.place.right) / 2, (part.place.top + part.place.bottom) / 2});
             return S_OK;
         });
     }
@@ -216,11 +216,6 @@ class Accessible_Window final : public IAccessible {
 
     static std::vector<Accessible_Part> Parts(const Accessible_Source& asked) {
         return asked.parts ? asked.parts() : std::vector<Accessible_Part>();
-    }
-    static bool Is_Pressed_By_Click(const Accessible_Part& part) {
-        return (part.state & STATE_SYSTEM_UNAVAILABLE) == 0 &&
-               (part.role == ROLE_SYSTEM_PUSHBUTTON || part.role == ROLE_SYSTEM_PAGETAB ||
-                part.role == ROLE_SYSTEM_OUTLINEITEM);
     }
     static HRESULT No_Text(BSTR* text) {
         *text = nullptr;
@@ -280,6 +275,12 @@ class Accessible_Window final : public IAccessible {
     std::atomic<ULONG> references = 1;
 };
 
+/** Blanks at the ends of a caption only place it. */
+std::wstring Without_Blanks(const std::wstring& text) {
+    const std::size_t first = text.find_first_not_of(L' ');
+    return first == std::wstring::npos ? L"" : text.substr(first, text.find_last_not_of(L' ') + 1 - first);
+}
+
 LONG Role_Of(Widget_Kind kind) {
     switch (kind) {
         case Widget_Kind::LABEL:
@@ -298,6 +299,32 @@ LONG Role_Of(Widget_Kind kind) {
 }
 
 }  // namespace
+
+bool Accessible_Is_Pressed(const Accessible_Part& part) {
+    return (part.state & STATE_SYSTEM_UNAVAILABLE) == 0 &&
+           (part.role == ROLE_SYSTEM_PUSHBUTTON || part.role == ROLE_SYSTEM_PAGETAB ||
+            part.role == ROLE_SYSTEM_OUTLINEITEM);
+}
+
+void Accessible_Press(HWND window, POINT point) {
+    const LPARAM place = MAKELPARAM(static_cast<WORD>(point.x), static_cast<WORD>(point.y));
+    ::PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, place);
+    ::PostMessageW(window, WM_LBUTTONUP, 0, place);
+}
+
+std::optional<LRESULT> Accessible_Message(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
+                                          const std::shared_ptr<Accessible_Source>& source) {
+    if (message == WM_DESTROY) {
+        Automation_Forget(window);
+        return std::nullopt;
+    }
+    if (source != nullptr && message == WM_GETOBJECT) {
+        LRESULT answer = Automation_Answer(window, wparam, lparam);
+        answer = answer != 0 ? answer : Accessible_Answer(window, wparam, lparam, source);
+        return answer != 0 ? std::optional<LRESULT>(answer) : std::nullopt;
+    }
+    return Accessible_Snapshot_Answer(window, message, wparam, source) ? std::optional<LRESULT>(0) : std::nullopt;
+}
 
 LRESULT Accessible_Answer(HWND window, WPARAM wparam, LPARAM lparam, const std::shared_ptr<Accessible_Source>& source) {
     if (static_cast<LONG>(lparam) != OBJID_CLIENT || source == nullptr) {
@@ -322,7 +349,7 @@ std::vector<Accessible_Part> Widget_Parts(HWND window, const std::function<std::
     Shown_Widget shown;
     for (int at = 0; Window_Widget_Get(window, at, &shown); ++at) {
         Accessible_Part part;
-        part.name = Wide_Of_Panel(shown.name);
+        part.name = Without_Blanks(Wide_Of_Panel(shown.name));
         part.value = Wide_Of_Panel(shown.value);
         if (part.name.empty() && name) {
             part.name = name(nameless++);

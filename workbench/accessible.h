@@ -1,11 +1,12 @@
-/** What a window tells programs that read the screen aloud (Microsoft Active Accessibility, which UI Automation takes
- *  over too): a name, and a part for everything in it that has one. */
+/** What a window tells programs that read the screen aloud, by Microsoft Active Accessibility and by UI Automation: a
+ *  name, and a part for everything in it that has one. */
 #pragma once
 
 #include "win32/gdi_handles.h"
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@ struct Accessible_Part {
     LONG role = 0;    ///< ROLE_SYSTEM_*
     LONG state = 0;   ///< STATE_SYSTEM_*
     RECT place = {};  ///< client pixels
+    int level = 0;    ///< in a tree, from 1; 0: in none
 };
 
 /** Asked anew with every question, so that nothing has to be kept up to date. */
@@ -26,10 +28,20 @@ struct Accessible_Source {
     std::function<std::vector<Accessible_Part>()> parts;  ///< may be empty; only those that can be seen
 };
 
-/** Answers WM_GETOBJECT. @param source may die before the answer: the answer then says that it is not connected
+/** Answers what such programs send to a window, whichever of the two ways they go.
+ *  @return what the window procedure returns; no value: the message is to be handled as if this had not been called */
+std::optional<LRESULT> Accessible_Message(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
+                                          const std::shared_ptr<Accessible_Source>& source);
+/** Active Accessibility's question alone, WM_GETOBJECT. @param source may die before the answer: the answer then says
+ * that it is not connected
  *  @return what the window procedure returns; 0 when something else than the client area is asked about */
 LRESULT Accessible_Answer(HWND window, WPARAM wparam, LPARAM lparam, const std::shared_ptr<Accessible_Source>& source);
 
 /** The parts of a window that the widgets' library has painted. See kits/widgets/shown_widgets.h.
  *  @param name gives a name to a part without one; may be empty. The index counts the parts without a name */
 std::vector<Accessible_Part> Widget_Parts(HWND window, const std::function<std::wstring(int index)>& name);
+
+/** A click presses the part. */
+bool Accessible_Is_Pressed(const Accessible_Part& part);
+/** Presses what stands at a point, client pixels: as a click, when the window comes to it. */
+void Accessible_Press(HWND window, POINT point);

@@ -5,6 +5,9 @@
 #include "kits/common/contract.h"
 #include "kits/common/messages.h"
 #include "volumes/message_text.h"
+#include "workbench/enlarged_icon.h"
+#include "workbench/enlarged_keyboard.h"
+#include "workbench/enlarged_wheel.h"
 #include "workbench/wide_text.h"
 
 namespace {
@@ -54,7 +57,8 @@ Application::Application(const Command_Line& command_line)
       banner(look, [this] { Lay_Out(); }),
       trace(look),
       analysis(look, {[this] { return &histogram_panel; }, [this] { Peaks_Changed(); },
-                      [this](const std::vector<Peak_Band>& peaks) { Bands_Take(peaks); }}),
+                      [this](const std::vector<Peak_Band>& peaks) { Bands_Take(peaks); },
+                      [this](const wchar_t* text) { Status(text); }}),
       database(look, Database_Services()),
       not_opened_list(look) {
     the_application = this;
@@ -152,6 +156,7 @@ void Application::Add_Panels() {
         // A press beside the magnification's thumb changes it without painting the plot.
         if (is_used != 0) {
             Announce(UPDATE_HISTO_PAINT);
+            Enlarged_Icon_Give();
         }
     });
     tool_area.Stretch(histogram_host, look.Px(histogram_height_most));
@@ -160,11 +165,13 @@ void Application::Add_Panels() {
 int Application::Run() {
     MSG message = {};
     while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
-        if (database.Key_Message(message)) {
+        if (database.Key_Message(message) || Enlarged_Key_Dispatch(message)) {
             continue;
         }
-        ::TranslateMessage(&message);
-        ::DispatchMessageW(&message);
+        if (!Enlarged_Wheel_Dispatch(message, settings.is_wheel_turned)) {
+            ::TranslateMessage(&message);
+            ::DispatchMessageW(&message);
+        }
         Contract_Check();
     }
     return static_cast<int>(message.wParam);
@@ -435,6 +442,9 @@ void Application::Report_State() {
     line("tag_lock", variables.Tag_Lock()[cur]);
     line("threshold_mode", is_threshold_mode ? 1 : 0);
     line("threshold_min", std::lround(variables.Threshold_Min()[cur]));
+    line("threshold_max", std::lround(variables.Threshold_Max()[cur]));
+    line("tag_color", variables.Tag_Color(variables.Tag_Cur()));
+    line("wheel_turned", settings.is_wheel_turned ? 1 : 0);
     report.Line("tag_label " + variables.Tag_Name(variables.Tag_Cur()));
     line("brush_cur", variables.Brush_Cur());
     line("brush_pixels", static_cast<long long>(variables.Brush().Pixel_Nb()));

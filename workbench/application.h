@@ -16,6 +16,7 @@
 #include "panels/tool_tag.h"
 #include "volumes/volume_statistics.h"
 #include "workbench/analysis/analysis_window.h"
+#include "workbench/analysis/export_check.h"
 #include "workbench/commands.h"
 #include "workbench/database/class_history.h"
 #include "workbench/database/class_objects.h"
@@ -152,11 +153,27 @@ class Application : public Image_User, public Main_Window_User {
     // application_files.cpp
     void Execute_File(Command command);
     std::optional<Load_Result> Load_With_Progress(const std::filesystem::path& path);
-    void Load_Labels(const std::filesystem::path& path);
     bool Save_Labels(bool ask_for_name);
     /** About the work on all open volumes. @return false: the user wants to go on working */
     bool Ask_Unsaved();
     void Adopt_Names();
+
+    // application_export.cpp
+    /** What the file of the histogram should tell; only with counts. */
+    Export_Expected Export_Wanted() const;
+    void Export_Histogram();
+    /** Reads a histogram's file back and tells what differs from the panel. @param is_new it was just written: then
+     *  only differences are worth a window */
+    void Export_Verify(const std::filesystem::path& path, bool is_new);
+
+    // application_labels.cpp
+    /** Names, colours, thresholds and state as they are now; markers without their places. */
+    Label_Description Labels_Describe() const;
+    /** Takes over what was loaded, without a step. */
+    void Labels_Adopt(const Label_Description& description);
+    void Load_Labels(const std::filesystem::path& path);
+    /** What a label file of the volume is called when the user has not said. */
+    std::filesystem::path Labels_Name() const;
 
     // application_volumes.cpp
     /** Runs an action on a thread of its own while the window shows how far it is. Passes on what it throws. */

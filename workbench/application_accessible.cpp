@@ -34,6 +34,8 @@ void Application::Accessible_Names() {
     status_line.Accessible_Set(Plain_Source(
         ROLE_SYSTEM_STATUSBAR, [] { return std::wstring(L"Status"); },
         [this] { return status_line.Message() + (status_line.Mark().empty() ? L"" : L"\n" + status_line.Mark()); }));
+    trace.Accessible_Set(Plain_Source(
+        ROLE_SYSTEM_TEXT, [] { return std::wstring(L"Trace"); }, [this] { return trace.Text(); }));
     banner.Accessible_Set(Plain_Source(ROLE_SYSTEM_ALERT, [this] { return banner.Text(); }));
 }
 

@@ -108,6 +108,8 @@ void Application::Colors_Check() {
         }
         colors_before.clear();
     }
+    session.Note_Colors(variables.Tag_Colors());
+    Title_Refresh();
     tag_host->Lay_Out();
     Announce(UPDATE_TAG_TABLE);
     Tag_Scroll_To(variables.Tag_Cur());
@@ -116,9 +118,7 @@ void Application::Colors_Check() {
 
 void Application::Colors_Spread(const std::vector<int>& tags) {
     if (colors_before.empty()) {
-        for (int tag = 0; tag < TAG_MAX; ++tag) {
-            colors_before.push_back(variables.Tag_Color(tag));
-        }
+        colors_before = variables.Tag_Colors();
     }
     std::vector<std::uint32_t> colors = Colors_Of(tags);
     int changed = 0;

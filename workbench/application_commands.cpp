@@ -44,6 +44,7 @@ void Application::Menu_Refresh(HMENU menu) {
     Check(menu, Command::HISTOGRAM_OF_TAG, is_histogram_of_tag);
     Check(menu, Command::HISTOGRAM_SMOOTHED, is_histogram_smoothed);
     Check(menu, Command::RANGE_OVERLAY, is_range_shown);
+    Check(menu, Command::WHEEL_TURNED, settings.is_wheel_turned);
     Check(menu, Command::TRACE_VIEW, trace.Is_Shown());
     Check(menu, Command::DATABASE, database.Is_Shown());
     Check(menu, Command::DATABASE_EDIT, database.Is_Shown() && database.Is_Editor());

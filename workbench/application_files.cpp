@@ -16,6 +16,7 @@ namespace {
 constexpr const wchar_t* volume_filter =
     L"Images (*.nii, *.nii.gz, *.hdr, *.dcm)\0*.nii;*.nii.gz;*.gz;*.hdr;*.img;*.dcm;*.ima\0All files\0*.*\0";
 constexpr const wchar_t* label_filter = L"Label volumes (*.nii.gz, *.nii)\0*.nii.gz;*.nii;*.gz\0All files\0*.*\0";
+constexpr const wchar_t* export_filter = L"Histograms (*.csv, *.txt)\0*.csv;*.txt\0All files\0*.*\0";
 
 OPENFILENAMEW File_Question(HWND owner, const wchar_t* filter, const wchar_t* title, std::wstring& buffer) {
     OPENFILENAMEW question = {};
@@ -77,21 +78,7 @@ void Application::Adopt_Names() {
     session.Adopt_Labels(Text_Table::TAG_LABELS, variables.Tag_Labels());
     session.Adopt_Labels(Text_Table::MARKER_LABELS, variables.Marker_Labels());
     session.Adopt_Thresholds(variables.Threshold_Min(), variables.Threshold_Max());
-}
-
-void Application::Load_Labels(const std::filesystem::path& path) {
-    const std::optional<Load_Result> loaded = Load_With_Progress(path);
-    if (!loaded) {
-        return;
-    }
-    if (const std::string error = session.Take_Labels(*loaded->volume, path); !error.empty()) {
-        Warn(error);
-        return;
-    }
-    Tag_Nb_Grow(session.Labels().Highest_Tag());
-    image.Refresh();
-    Title_Refresh();
-    Status(L"Labels loaded from " + Wide_Of_Utf8(File_Name_Text(path)));
+    session.Adopt_Colors(variables.Tag_Colors());
 }
 
 bool Application::Save_Labels(bool ask_for_name) {
@@ -101,22 +88,23 @@ bool Application::Save_Labels(bool ask_for_name) {
     }
     std::filesystem::path path = session.Label_Path();
     if (ask_for_name || path.empty()) {
-        const std::wstring name = Wide_Of_Utf8(File_Name_Text(session.Path()));
-        const std::size_t nifti = name.find(L".nii");
-        const std::wstring stem =
-            nifti != std::wstring::npos ? name.substr(0, nifti) : std::filesystem::path(name).stem().wstring();
-        const std::wstring start = stem + L"_labels.nii.gz";
-        const std::optional<std::filesystem::path> answer = Ask_Save(window.Handle(), start);
+        const std::optional<std::filesystem::path> answer = Ask_Save(window.Handle(), Labels_Name().wstring());
         if (!answer) {
             return false;
         }
         path = *answer;
     }
-    if (const std::string error = session.Save_Labels(path); !error.empty()) {
-        Warn(error);
-        return false;
+    std::string kept;
+    const std::string error = session.Save_Labels(path, Labels_Describe(), kept);
+    for (const std::string& sentence : {kept, error}) {
+        if (!sentence.empty()) {
+            Warn(sentence);
+        }
     }
     Title_Refresh();
+    if (!error.empty()) {
+        return false;
+    }
     Status(L"Labels saved to " + Wide_Of_Utf8(File_Name_Text(path)));
     return true;
 }
@@ -187,16 +175,13 @@ void Application::Execute_File(Command command) {
         case Command::SAVE_LABELS_AS:
             Save_Labels(true);
             return;
-        case Command::EXPORT_HISTOGRAM: {
-            std::string path(FILE_NAME_SIZE, '\0');
-            const char* filter =
-                Fct_Create_szFilter(2, "CSV files", "$FILE_EXTENSION_EXCEL", "All files", "$FILE_EXTENSION_ALL");
-            if (Fct_Save_FileName("Export histogram", filter, "histogram", "csv", path.data(), 0) != 0 &&
-                histogram_panel.Write(path.c_str()) != 0) {
-                Status(L"Histogram exported");
+        case Command::EXPORT_HISTOGRAM:
+            return Export_Histogram();
+        case Command::VERIFY_EXPORT:
+            if (const auto path = Ask_Open(window.Handle(), export_filter, L"Verify export")) {
+                Export_Verify(*path, false);
             }
             return;
-        }
         default:
             ::SendMessageW(window.Handle(), WM_CLOSE, 0, 0);
             return;

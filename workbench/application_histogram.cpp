@@ -57,6 +57,10 @@ void Application::Execute_Histogram(Command command) {
         case Command::RANGE_OVERLAY:
             is_range_shown = !is_range_shown;
             return image.Refresh();
+        case Command::WHEEL_TURNED:
+            settings.is_wheel_turned = !settings.is_wheel_turned;
+            return Status(settings.is_wheel_turned ? L"Enlarged histogram: the wheel forward zooms in"
+                                                   : L"Enlarged histogram: the wheel forward zooms out");
         case Command::ANALYSIS_WINDOW:
             return analysis.Open(window.Handle());
         case Command::FIT_GAUSSIAN:
@@ -207,6 +211,10 @@ void Application::Histogram_Ranges_Refresh() {
 
 void Application::Peaks_Changed() {
     Announce(UPDATE_HISTO_PAINT);
+    const std::size_t found = analysis.Table().rows.size();
+    Status(found == 0   ? L"No peaks were found"
+           : found == 1 ? L"One peak was found"
+                        : std::to_wstring(found) + L" peaks were found");
 }
 
 void Application::Bands_Take(const std::vector<Peak_Band>& peaks) {

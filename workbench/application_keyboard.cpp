@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "workbench/application.h"
+#include "workbench/enlarged_icon.h"
 #include "workbench/model/pane_keys.h"
 #include "workbench/prompt_dialog.h"
 #include "workbench/wide_text.h"
@@ -247,4 +248,5 @@ void Application::Histogram_Enlarge() {
         histogram_panel.Click(0);
         histogram_panel.Leave();
     });
+    Enlarged_Icon_Give();
 }

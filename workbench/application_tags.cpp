@@ -202,6 +202,12 @@ void Application::Undo_Or_Redo(bool redo) {
         }
         Histogram_Ranges_Refresh();
         flags = UPDATE_TAG_LABEL | UPDATE_HISTO_PAINT;
+    } else if (const auto* colors = std::get_if<Color_Change>(&done.change)) {
+        for (const Color_Change::Entry& entry : colors->entries) {
+            variables.Tag_Color_Set(entry.tag, redo ? entry.after : entry.before);
+        }
+        tag_host->Lay_Out();
+        flags = UPDATE_TAG_TABLE;
     } else if (const auto* marker = std::get_if<Marker_Change>(&done.change)) {
         Markers_Enable_Refresh();
         const Marker& place = redo ? marker->after : marker->before;
@@ -209,6 +215,9 @@ void Application::Undo_Or_Redo(bool redo) {
         flags = UPDATE_TAG_ENABLE;
     }
     Announce(flags);
+    if (Has_Any(flags, UPDATE_TAG_TABLE)) {
+        Tag_Scroll_To(variables.Tag_Cur());
+    }
     image.Refresh();
     Title_Refresh();
     Status((redo ? L"Redone: " : L"Undone: ") + Wide_Of_Utf8(done.title));

@@ -35,6 +35,7 @@ constexpr Entry file_entries[] = {
     {Command::SAVE_LABELS_AS, L"Save labels &as...", nullptr, 0},
     separator,
     {Command::EXPORT_HISTOGRAM, L"&Export histogram...", L"Ctrl+E", Control('E')},
+    {Command::VERIFY_EXPORT, L"&Verify export...", nullptr, 0},
     separator,
     {Command::QUIT, L"&Quit", L"Ctrl+Q", Control('Q')},
 };
@@ -122,6 +123,7 @@ constexpr Entry analyze_entries[] = {
     {Command::HISTOGRAM_HIGHER, L"Magnif&y the counts", L">", '>'},
     {Command::HISTOGRAM_LOWER, L"Red&uce the counts", L"<", '<'},
     {Command::HISTOGRAM_ENLARGE, L"&Enlarged histogram", L"Z", 'z'},
+    {Command::WHEEL_TURNED, L"Enlarged histogram: &wheel forward zooms in", nullptr, 0},
     separator,
     {Command::ANALYSIS_WINDOW, L"&Peak analysis...", L"F4", Function_Key(4)},
     {Command::FIT_GAUSSIAN, L"Fit &Gaussians", nullptr, 0},

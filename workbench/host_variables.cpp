@@ -236,6 +236,14 @@ void Host_Variables::Tag_Color_Set(int tag, std::uint32_t color) {
     set("$TAG_BLU", 0);
 }
 
+std::vector<std::uint32_t> Host_Variables::Tag_Colors() const {
+    std::vector<std::uint32_t> colors;
+    for (int tag = 0; tag < TAG_MAX; ++tag) {
+        colors.push_back(Tag_Color(tag));
+    }
+    return colors;
+}
+
 int Host_Variables::Marker_Cur() const {
     return Number("$MARKER_CUR");
 }
@@ -255,6 +263,12 @@ std::uint32_t Host_Variables::Marker_Color(int marker) const {
     const auto color = Array_Of<std::uint32_t>("$MARKER_COLOR", VARIABLE_UNSIGNED_32);
     return marker >= 0 && static_cast<std::size_t>(marker) < color.size() ? color[static_cast<std::size_t>(marker)] : 0;
 }
+void Host_Variables::Marker_Color_Set(int marker, std::uint32_t color) {
+    const auto colors = Array_Of<std::uint32_t>("$MARKER_COLOR", VARIABLE_UNSIGNED_32);
+    if (marker >= 0 && static_cast<std::size_t>(marker) < colors.size()) {
+        colors[static_cast<std::size_t>(marker)] = color;
+    }
+}
 std::string Host_Variables::Marker_Name(int marker) const {
     return Name_Of(Marker_Labels(), marker);
 }
@@ -272,6 +286,15 @@ Brush_Footprint Host_Variables::Brush() const {
         return {};
     }
     return {static_cast<const unsigned char* const*>(tables[brush]), brush_radius};
+}
+
+char Host_Variables::Separator() const {
+    const int code = Number("$REGIONAL_SEPARATOR") & 0xFF;
+    return code == 0 ? '\t' : static_cast<char>(code);
+}
+std::string Host_Variables::Filler() const {
+    const auto* text = static_cast<const char*>(Fct_Variable_Value("$REGIONAL_FILLER", nullptr, nullptr, nullptr));
+    return text != nullptr ? text : "0";
 }
 
 void Host_Variables::Mouse_Set(Quorel_2D* frame, float x, float y) {

@@ -47,6 +47,8 @@ class Host_Variables {
     std::uint32_t Tag_Color(int tag) const;
     /** @param tag 1 .. TAG_MAX - 1; @param color 0x00RRGGBB */
     void Tag_Color_Set(int tag, std::uint32_t color);
+    /** Of all TAGs, 0x00RRGGBB. */
+    std::vector<std::uint32_t> Tag_Colors() const;
     /** The label, or the number of a TAG without one. */
     std::string Tag_Name(int tag) const;
 
@@ -57,12 +59,18 @@ class Host_Variables {
     void Marker_Label_Set(int marker, const char* label);
     /** 0x00BBGGRR */
     std::uint32_t Marker_Color(int marker) const;
+    void Marker_Color_Set(int marker, std::uint32_t color);
     std::string Marker_Name(int marker) const;
 
     int Brush_Cur() const;
     void Brush_Cur_Set(int brush);
     /** The mask that the brush panel built for the current brush. */
     Brush_Footprint Brush() const;
+
+    /** What parts the columns of exported files. */
+    char Separator() const;
+    /** What stands in exported files where a TAG does not claim a bin. */
+    std::string Filler() const;
 
     /** The frame and pixel under the image mouse. @param frame null: none */
     void Mouse_Set(Quorel_2D* frame, float x, float y);

@@ -47,7 +47,8 @@ void Image_View::Paint() {
     ::SetViewportOrgEx(memory.Get(), -dirty.left, -dirty.top, nullptr);
     if (content.source.levels.empty()) {
         Fill(memory.Get(), client, look.image_ground);
-        Draw_Line(memory.Get(), client, L"Open an image volume with Ctrl+O", look.Font(), look.text_grey, DT_CENTER);
+        Draw_Line(memory.Get(), client, L"Open an image with Ctrl+O, a folder with Ctrl+D, or drop them here",
+                  look.Font(), look.text_grey, DT_CENTER);
     } else {
         Draw_Slice(memory.Get(), dirty);
         Draw_Markers(memory.Get());

@@ -26,6 +26,9 @@ constexpr Gesture panel_keys[] = {
      L"to the previous one"},
     {L"Markers", L"arrows, Home, End: other marker; Enter: name; Delete: remove"},
     {L"Histogram", L"Up, Down: magnify or reduce the counts; Enter: enlarged histogram"},
+    {L"Enlarged histogram",
+     L"+ and -: zoom; arrows: move the view; Home: reset the zoom; E: export; T, C, P: open the lists of "
+     L"TAGs, cursor and peaks, where arrows and Enter pick; Escape: close"},
     {L"Database",
      L"Up, Down, Page Up, Page Down, Home, End: other row; Left, Right: close or open a branch; Space: "
      L"check the row; Delete (editor): take the class out"},

@@ -12,6 +12,9 @@ void List_Window::Open(HWND owner, const std::wstring& title, const std::wstring
         if (!Create(owner, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, title.c_str())) {
             return;
         }
+        // A field is called by the label before it, also by one that is not shown.
+        label = ::CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 0, 0, Handle(), nullptr,
+                                  ::GetModuleHandleW(nullptr), nullptr);
         lines = ::CreateWindowExW(0, L"EDIT", L"",
                                   WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_HSCROLL | ES_MULTILINE | ES_READONLY, 0, 0,
                                   10, 10, Handle(), nullptr, ::GetModuleHandleW(nullptr), nullptr);
@@ -25,6 +28,7 @@ void List_Window::Open(HWND owner, const std::wstring& title, const std::wstring
         shown += letter == L'\n' ? L"\r\n" : std::wstring(1, letter);
     }
     ::SetWindowTextW(Handle(), title.c_str());
+    ::SetWindowTextW(label, title.c_str());
     ::SendMessageW(lines, EM_SETLIMITTEXT, 0, 0);
     ::SendMessageW(lines, WM_SETFONT, reinterpret_cast<WPARAM>(look.Font()), TRUE);
     ::SetWindowTextW(lines, shown.c_str());

@@ -17,5 +17,6 @@ class List_Window : public Window_Base {
 
   private:
     const Look& look;
+    HWND label = nullptr;  // of the text, for those who hear the screen
     HWND lines = nullptr;  // the child that shows the text
 };

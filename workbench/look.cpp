@@ -91,6 +91,14 @@ int Draw_Line(HDC dc, const RECT& area, std::wstring_view text, HFONT font, COLO
     return size.cx;
 }
 
+int Line_Height(HFONT font) {
+    const Memory_DC dc(nullptr);
+    const Selected_Object selected(dc.Get(), font);
+    TEXTMETRICW metrics = {};
+    ::GetTextMetricsW(dc.Get(), &metrics);
+    return std::max<int>(metrics.tmHeight, 1);
+}
+
 int Window_Dpi(HWND window) {
     // Only Windows 10 and later export it.
     using Dpi_Of_Window = UINT(WINAPI*)(HWND);

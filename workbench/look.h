@@ -52,6 +52,8 @@ void Frame(HDC dc, const RECT& area, int thickness, COLORREF color);
 /** Draws one line of text, centred in height, cut with an ellipsis. @param format DT_LEFT, DT_RIGHT or DT_CENTER
  *  @return its width */
 int Draw_Line(HDC dc, const RECT& area, std::wstring_view text, HFONT font, COLORREF color, UINT format);
+/** Pixels from one line of a font to the next. */
+int Line_Height(HFONT font);
 /** Dots per inch of a window's screen; 96 where the system does not tell. */
 int Window_Dpi(HWND window);
 

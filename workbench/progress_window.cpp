@@ -2,7 +2,11 @@
 
 #include <windowsx.h>
 
+#include <oleacc.h>
+
 #include <algorithm>
+
+#include "workbench/accessible.h"
 
 namespace {
 
@@ -25,6 +29,14 @@ Progress_Window::Progress_Window(const Look& shared_look, HWND owner_window, con
     const int x = (frame.left + frame.right - (size.right - size.left)) / 2;
     const int y = (frame.top + frame.bottom - (size.bottom - size.top)) / 2;
     start = ::GetTickCount();
+    Accessible_Source source;
+    source.role = ROLE_SYSTEM_DIALOG;
+    source.name = [this] { return what; };
+    source.value = [this] { return std::to_wstring(static_cast<int>(100.0 * share)) + L" %  " + detail; };
+    source.parts = [this] {
+        return std::vector<Accessible_Part>{{L"Cancel", L"", ROLE_SYSTEM_PUSHBUTTON, 0, Button_Box(), 0}};
+    };
+    Accessible_Set(std::move(source));
     ::SetWindowPos(Handle(), nullptr, x, y, size.right - size.left, size.bottom - size.top, SWP_NOZORDER);
 }
 

@@ -51,6 +51,8 @@ std::wstring Field_Text(const std::wstring& lines) {
 int Text_Show(HWND owner, const std::wstring& title, const std::wstring& lines, HFONT font,
               const std::vector<std::wstring>& choices) {
     Dialog_Template dialog(title, width, height);
+    // A field is called by the label before it, also by one without extent.
+    dialog.Add(DIALOG_STATIC, SS_LEFT, 0, 0, 0, 0, 0xFFFF, title);
     dialog.Add(DIALOG_EDIT, WS_BORDER | WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_READONLY, margin, margin,
                width - 2 * margin, height - 3 * margin - button_height, id_text, L"");
     short x = width - margin - button_width;

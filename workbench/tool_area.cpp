@@ -10,6 +10,8 @@ constexpr int heading_height = 24;  // pixels at 96 dots per inch
 constexpr int gap = 6;
 constexpr int margin = 6;
 constexpr int scroll_step = 40;
+constexpr int bar_width = 12;
+constexpr int thumb_least = 24;
 
 }  // namespace
 
@@ -57,21 +59,13 @@ int Tool_Area::Content_Height() const {
 
 void Tool_Area::Lay_Out() {
     const int content = Content_Height();
-    RECT client = Client();
-    const bool has_bar = content > client.bottom;
-    offset = std::clamp<int>(offset, 0, std::max<int>(content - client.bottom, 0));
-    SCROLLINFO bar = {};
-    bar.cbSize = sizeof bar;
-    bar.fMask = SIF_RANGE | SIF_PAGE | SIF_POS;
-    bar.nMax = has_bar ? content - 1 : 0;
-    bar.nPage = static_cast<UINT>(std::max<LONG>(client.bottom, 0));
-    bar.nPos = offset;
-    ::SetScrollInfo(Handle(), SB_VERT, &bar, TRUE);
-    ::ShowScrollBar(Handle(), SB_VERT, has_bar ? TRUE : FALSE);
-    client = Client();
+    const RECT client = Client();
+    scroll.content = content;
+    scroll.view = static_cast<int>(client.bottom);
+    scroll.offset = std::clamp(scroll.offset, 0, scroll.Offset_Max());
     const int left = look.Px(margin);
-    const int right = std::max<int>(client.right - look.Px(margin), left + 1);
-    int y = look.Px(margin) - offset;
+    const int right = std::max<int>(Bar().left - look.Px(margin), left + 1);
+    int y = look.Px(margin) - scroll.offset;
     for (Section& section : sections) {
         section.heading = {left, y, right, y + look.Px(heading_height)};
         y = section.heading.bottom;
@@ -107,33 +101,48 @@ Panel_Host* Tool_Area::Panel_At(POINT screen) const {
     return nullptr;
 }
 
+RECT Tool_Area::Bar() const {
+    RECT bar = Client();
+    bar.left = bar.right - (scroll.Is_Needed() ? look.Px(bar_width) : 0);
+    return bar;
+}
+
 void Tool_Area::Scroll_To(int wanted) {
-    offset = wanted;
+    scroll.offset = wanted;
     Lay_Out();
 }
 
 void Tool_Area::Wheel(int delta) {
-    Scroll_To(offset - delta * look.Px(scroll_step) / WHEEL_DELTA);
+    Scroll_To(scroll.offset - delta * look.Px(scroll_step) / WHEEL_DELTA);
 }
 
-void Tool_Area::On_Scroll_Bar(int code) {
-    SCROLLINFO bar = {};
-    bar.cbSize = sizeof bar;
-    bar.fMask = SIF_ALL;
-    ::GetScrollInfo(Handle(), SB_VERT, &bar);
-    switch (code) {
-        case SB_LINEUP:
-            return Scroll_To(offset - look.Px(scroll_step));
-        case SB_LINEDOWN:
-            return Scroll_To(offset + look.Px(scroll_step));
-        case SB_PAGEUP:
-            return Scroll_To(offset - static_cast<int>(bar.nPage));
-        case SB_PAGEDOWN:
-            return Scroll_To(offset + static_cast<int>(bar.nPage));
-        case SB_THUMBTRACK:
-            return Scroll_To(bar.nTrackPos);
-        default:
-            return;
+void Tool_Area::Draw_Bar(HDC dc) const {
+    if (!scroll.Is_Needed()) {
+        return;
+    }
+    const RECT bar = Bar();
+    const Scroll_Thumb thumb = Scroll_Thumb_Of(scroll, look.Px(thumb_least));
+    Fill(dc, bar, look.heading);
+    Fill(dc, {bar.left + look.Px(2), thumb.top, bar.right - look.Px(2), thumb.top + thumb.length},
+         grip >= 0 ? look.accent : look.thumb);
+}
+
+void Tool_Area::Bar_Press(int y) {
+    const Scroll_Thumb thumb = Scroll_Thumb_Of(scroll, look.Px(thumb_least));
+    if (y >= thumb.top && y < thumb.top + thumb.length) {
+        grip = y - thumb.top;
+        ::SetCapture(Handle());
+        Invalidate();
+    } else {
+        Scroll_To(scroll.offset + (y < thumb.top ? -scroll.view : scroll.view));
+    }
+}
+
+void Tool_Area::Bar_Release() {
+    if (grip >= 0) {
+        grip = -1;
+        ::ReleaseCapture();
+        Invalidate();
     }
 }
 
@@ -178,7 +187,7 @@ void Tool_Area::Focus_Set(int panel) {
         // The heading comes first when the panel is higher than the window.
         const int step = above < 0 ? above : std::min(std::max(below, 0), above);
         if (step != 0) {
-            Scroll_To(offset + step);
+            Scroll_To(scroll.offset + step);
         }
     }
     Invalidate();
@@ -208,6 +217,7 @@ void Tool_Area::Fold_Toggle(int panel) {
 void Tool_Area::Paint() {
     const Buffered_Paint paint(Handle());
     Fill(paint.Dc(), paint.Client(), look.ground);
+    Draw_Bar(paint.Dc());
     for (std::size_t at = 0; at < sections.size(); ++at) {
         Draw_Heading(paint.Dc(), sections[at], static_cast<int>(at) == hovered);
         if (static_cast<int>(at) == focused) {
@@ -227,6 +237,9 @@ void Tool_Area::Hover(int section) {
 }
 
 void Tool_Area::Press(POINT point) {
+    if (point.x >= Bar().left) {
+        return Bar_Press(point.y);
+    }
     for (Section& section : sections) {
         if (::PtInRect(&section.heading, point) != 0) {
             section.is_folded = !section.is_folded;
@@ -247,13 +260,18 @@ LRESULT Tool_Area::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             return 0;
         case WM_ERASEBKGND:
             return 1;
-        case WM_VSCROLL:
-            On_Scroll_Bar(LOWORD(wparam));
-            return 0;
         case WM_LBUTTONDOWN:
             Press(point);
             return 0;
+        case WM_LBUTTONUP:
+        case WM_CAPTURECHANGED:
+            Bar_Release();
+            return 0;
         case WM_MOUSEMOVE: {
+            if (grip >= 0) {
+                Scroll_To(Scroll_Offset_Of(scroll, look.Px(thumb_least), point.y - grip));
+                return 0;
+            }
             Watch_Leave(Handle());
             int over = -1;
             for (std::size_t at = 0; at < sections.size(); ++at) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "workbench/model/scroll_thumb.h"
 #include "workbench/panel_host.h"
 
 class Tool_Area : public Window_Base {
@@ -55,12 +56,17 @@ class Tool_Area : public Window_Base {
     void Press(POINT point);
     void Hover(int section);
     int Content_Height() const;
+    /** The scroll bar at the right; without width when everything has room. */
+    RECT Bar() const;
+    void Draw_Bar(HDC dc) const;
+    void Bar_Press(int y);
+    void Bar_Release();
     void Scroll_To(int offset);
-    void On_Scroll_Bar(int code);
 
     const Look& look;
     std::vector<Section> sections;
     int hovered = -1;
     int focused = -1;
-    int offset = 0;  ///< pixels scrolled away at the top
+    Scroll_Extent scroll;
+    int grip = -1;  ///< where the dragged thumb is held, pixels from its top; -1: it is not
 };

@@ -40,6 +40,27 @@ void Trace_View::Wheel(int delta) {
     Invalidate();
 }
 
+std::size_t Trace_View::First_In_View() const {
+    const int count = std::min(Lines_In_View(), static_cast<int>(entries.size()));
+    return static_cast<std::size_t>(std::max(static_cast<int>(entries.size()) - count - back, 0));
+}
+
+std::wstring Trace_View::Line_Text(const Entry& entry) {
+    std::wstring shown = Wide_Of_Panel(entry.text.c_str());
+    std::ranges::replace(shown, L'\n', L' ');
+    return entry.repeats > 1 ? shown + L"  \u00D7" + std::to_wstring(entry.repeats) : shown;
+}
+
+std::wstring Trace_View::Text() const {
+    std::wstring text;
+    const std::size_t first = First_In_View();
+    for (std::size_t at = first; at < std::min(entries.size(), first + static_cast<std::size_t>(Lines_In_View()));
+         ++at) {
+        text += (text.empty() ? L"" : L"\n") + std::to_wstring(entries[at].level) + L" " + Line_Text(entries[at]);
+    }
+    return text;
+}
+
 void Trace_View::Paint() {
     const Buffered_Paint paint(Handle());
     const HDC dc = paint.Dc();
@@ -49,9 +70,9 @@ void Trace_View::Paint() {
     Fill(dc, line, look.heading);
     line.left += look.Px(10);
     Draw_Line(dc, line, L"Trace", look.Bold(), look.text, DT_LEFT);
-    const int count = std::min(Lines_In_View(), static_cast<int>(entries.size()));
-    const auto first = static_cast<std::size_t>(std::max(static_cast<int>(entries.size()) - count - back, 0));
-    for (std::size_t at = first; at < std::min(entries.size(), first + static_cast<std::size_t>(count)); ++at) {
+    const std::size_t first = First_In_View();
+    for (std::size_t at = first; at < std::min(entries.size(), first + static_cast<std::size_t>(Lines_In_View()));
+         ++at) {
         const Entry& entry = entries[at];
         line.top = line.bottom;
         line.bottom += look.Px(line_height);
@@ -60,12 +81,7 @@ void Trace_View::Paint() {
         Draw_Line(dc, level, std::to_wstring(entry.level), look.Fixed(), look.text_grey, DT_LEFT);
         RECT text = line;
         text.left = level.right + look.Px(8);
-        std::wstring shown = Wide_Of_Panel(entry.text.c_str());
-        std::ranges::replace(shown, L'\n', L' ');
-        if (entry.repeats > 1) {
-            shown += L"  \u00D7" + std::to_wstring(entry.repeats);
-        }
-        Draw_Line(dc, text, shown, look.Fixed(), look.text, DT_LEFT);
+        Draw_Line(dc, text, Line_Text(entry), look.Fixed(), look.text, DT_LEFT);
     }
 }
 

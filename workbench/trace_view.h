@@ -15,6 +15,8 @@ class Trace_View : public Window_Base {
     int Wanted_Height() const { return look.Px(150); }
     void Add(int level, const std::string& text);
     void Wheel(int delta);
+    /** The lines in view, the newest last. */
+    std::wstring Text() const;
 
   protected:
     LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override;
@@ -26,6 +28,8 @@ class Trace_View : public Window_Base {
         unsigned int repeats = 1;  ///< how often it came in a row
     };
     void Paint();
+    std::size_t First_In_View() const;
+    static std::wstring Line_Text(const Entry& entry);
     int Lines_In_View() const;
 
     const Look& look;

@@ -8,6 +8,7 @@
 #include "host/kit_common.h"
 #include "host/kit_widgets.h"
 #include "workbench/accessible.h"
+#include "workbench/automation_provider.h"
 
 namespace {
 
@@ -32,6 +33,7 @@ void Register_Class() {
 
 Window_Base::~Window_Base() {
     if (own_handle != nullptr) {
+        Automation_Forget(own_handle);
         ::SetWindowLongPtrW(own_handle, GWLP_USERDATA, 0);
         ::DestroyWindow(own_handle);
     }
@@ -60,10 +62,8 @@ LRESULT CALLBACK Window_Base::Procedure(HWND window, UINT message, WPARAM wparam
         return ::DefWindowProcW(window, message, wparam, lparam);
     }
     try {
-        if (message == WM_GETOBJECT) {
-            if (const LRESULT answer = Accessible_Answer(window, wparam, lparam, object->accessible); answer != 0) {
-                return answer;
-            }
+        if (const auto answer = Accessible_Message(window, message, wparam, lparam, object->accessible)) {
+            return *answer;
         }
         return object->On_Message(message, wparam, lparam);
     } catch (const std::exception& failure) {

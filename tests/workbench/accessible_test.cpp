@@ -6,68 +6,11 @@
 #include <optional>
 
 #include "panels/tool_tag.h"
+#include "tests/workbench/heard_window.h"
 #include "workbench/host_variables.h"
 #include "workbench/panel_host.h"
 
 namespace {
-
-/** What a screen reader holds of a window. */
-class Heard {
-  public:
-    explicit Heard(HWND window) {
-        ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);  // as a reader does; more than once does no harm
-        // Found by name: the import library has a jump in the place of the interface's number.
-        using Window_To_Object = HRESULT(WINAPI*)(HWND, DWORD, REFIID, void**);
-        const auto find = reinterpret_cast<Window_To_Object>(
-            reinterpret_cast<void*>(::GetProcAddress(::LoadLibraryW(L"oleacc.dll"), "AccessibleObjectFromWindow")));
-        result = find(window, static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible, reinterpret_cast<void**>(&object));
-    }
-    ~Heard() {
-        if (object != nullptr) {
-            object->Release();
-        }
-    }
-    Heard(const Heard&) = delete;
-    Heard& operator=(const Heard&) = delete;
-
-    static VARIANT Child(LONG index) {
-        VARIANT child = {};
-        child.vt = VT_I4;
-        child.lVal = index;
-        return child;
-    }
-    std::wstring Name(LONG child) const { return Text(&IAccessible::get_accName, child); }
-    std::wstring Value(LONG child) const { return Text(&IAccessible::get_accValue, child); }
-    LONG Role(LONG child) const { return Number(&IAccessible::get_accRole, child); }
-    LONG State(LONG child) const { return Number(&IAccessible::get_accState, child); }
-    LONG Count() const {
-        LONG count = -1;
-        object->get_accChildCount(&count);
-        return count;
-    }
-    RECT Place(LONG child) const {
-        LONG left = 0, top = 0, width = 0, height = 0;
-        EXPECT_EQ(object->accLocation(&left, &top, &width, &height, Child(child)), S_OK);
-        return {left, top, left + width, top + height};
-    }
-
-    IAccessible* object = nullptr;
-    HRESULT result = E_FAIL;
-
-  private:
-    std::wstring Text(HRESULT (STDMETHODCALLTYPE IAccessible::*get)(VARIANT, BSTR*), LONG child) const {
-        BSTR text = nullptr;
-        (object->*get)(Child(child), &text);
-        const std::wstring copy = text != nullptr ? text : L"";
-        ::SysFreeString(text);
-        return copy;
-    }
-    LONG Number(HRESULT (STDMETHODCALLTYPE IAccessible::*get)(VARIANT, VARIANT*), LONG child) const {
-        VARIANT number = {};
-        (object->*get)(Child(child), &number);
-        return number.vt == VT_I4 ? number.lVal : -1;
-    }
-};
 
 class Told_Window : public Window_Base {
   public:
@@ -98,7 +41,7 @@ TEST(Accessible, a_window_tells_its_parts) {
     ASSERT_TRUE(window.Make());
     window.Place({100, 50, 300, 150});
     window.Accessible_Set(Example());
-    const Heard heard(window.Handle());
+    const Heard_Window heard(window.Handle());
     ASSERT_EQ(heard.result, S_OK);
     EXPECT_EQ(heard.Name(CHILDID_SELF), L"Group");
     EXPECT_EQ(heard.Role(CHILDID_SELF), ROLE_SYSTEM_GROUPING);
@@ -123,20 +66,20 @@ TEST(Accessible, a_window_tells_its_parts) {
     EXPECT_EQ(hit.lVal, CHILDID_SELF);
     EXPECT_EQ(heard.object->accHitTest(5, 5, &hit), S_FALSE);
     VARIANT next = {};
-    EXPECT_EQ(heard.object->accNavigate(NAVDIR_NEXT, Heard::Child(1), &next), S_OK);
+    EXPECT_EQ(heard.object->accNavigate(NAVDIR_NEXT, Heard_Window::Child(1), &next), S_OK);
     EXPECT_EQ(next.lVal, 2);
-    EXPECT_EQ(heard.object->accNavigate(NAVDIR_NEXT, Heard::Child(2), &next), S_FALSE);
+    EXPECT_EQ(heard.object->accNavigate(NAVDIR_NEXT, Heard_Window::Child(2), &next), S_FALSE);
 }
 
 TEST(Accessible, what_does_not_exist_is_refused) {
     Told_Window window;
     ASSERT_TRUE(window.Make());
     window.Accessible_Set(Example());
-    const Heard heard(window.Handle());
+    const Heard_Window heard(window.Handle());
     ASSERT_EQ(heard.result, S_OK);
     BSTR text = nullptr;
-    EXPECT_EQ(heard.object->get_accName(Heard::Child(3), &text), E_INVALIDARG);
-    EXPECT_EQ(heard.object->get_accName(Heard::Child(-1), &text), E_INVALIDARG);
+    EXPECT_EQ(heard.object->get_accName(Heard_Window::Child(3), &text), E_INVALIDARG);
+    EXPECT_EQ(heard.object->get_accName(Heard_Window::Child(-1), &text), E_INVALIDARG);
     EXPECT_EQ(text, nullptr);
     VARIANT none = {};
     EXPECT_EQ(heard.object->get_accRole(none, &none), E_INVALIDARG);
@@ -146,10 +89,10 @@ TEST(Accessible, the_default_action_presses_buttons_only) {
     Told_Window window;
     ASSERT_TRUE(window.Make());
     window.Accessible_Set(Example());
-    const Heard heard(window.Handle());
+    const Heard_Window heard(window.Handle());
     ASSERT_EQ(heard.result, S_OK);
-    EXPECT_EQ(heard.object->accDoDefaultAction(Heard::Child(1)), S_OK);
-    EXPECT_EQ(heard.object->accDoDefaultAction(Heard::Child(2)), DISP_E_MEMBERNOTFOUND);
+    EXPECT_EQ(heard.object->accDoDefaultAction(Heard_Window::Child(1)), S_OK);
+    EXPECT_EQ(heard.object->accDoDefaultAction(Heard_Window::Child(2)), DISP_E_MEMBERNOTFOUND);
     MSG message = {};
     while (::PeekMessageW(&message, window.Handle(), 0, 0, PM_REMOVE) != 0) {
         ::DispatchMessageW(&message);
@@ -161,12 +104,12 @@ TEST(Accessible, an_object_outlives_its_window) {
     std::optional<Told_Window> window(std::in_place);
     ASSERT_TRUE(window->Make());
     window->Accessible_Set(Example());
-    const Heard heard(window->Handle());
+    const Heard_Window heard(window->Handle());
     ASSERT_EQ(heard.result, S_OK);
     window.reset();
     LONG count = 0;
     EXPECT_EQ(heard.object->get_accChildCount(&count), CO_E_OBJNOTCONNECTED);
-    EXPECT_EQ(heard.object->accDoDefaultAction(Heard::Child(1)), CO_E_OBJNOTCONNECTED);
+    EXPECT_EQ(heard.object->accDoDefaultAction(Heard_Window::Child(1)), CO_E_OBJNOTCONNECTED);
 }
 
 TEST(Accessible, an_exception_becomes_a_result) {
@@ -175,7 +118,7 @@ TEST(Accessible, an_exception_becomes_a_result) {
     Accessible_Source source;
     source.parts = []() -> std::vector<Accessible_Part> { throw std::runtime_error("no parts"); };
     window.Accessible_Set(source);
-    const Heard heard(window.Handle());
+    const Heard_Window heard(window.Handle());
     ASSERT_EQ(heard.result, S_OK);
     LONG count = 0;
     EXPECT_EQ(heard.object->get_accChildCount(&count), E_FAIL);
@@ -198,7 +141,7 @@ TEST(Accessible, the_tag_panel_tells_every_tag_that_can_be_seen) {
     host.Show(true);
     host.Place({0, 0, 400, base.Height()});
     host.Lay_Out();
-    const Heard heard(host.Handle());
+    const Heard_Window heard(host.Handle());
     ASSERT_EQ(heard.result, S_OK);
     EXPECT_EQ(heard.Name(CHILDID_SELF), L"TAG");
     const LONG count = heard.Count();

@@ -103,6 +103,15 @@ TEST_F(Host_Variables_Test, colours_are_those_that_the_panels_show) {
     EXPECT_EQ(variables.Tag_Color(256), 0xAAAAAAU);
     EXPECT_EQ(variables.Marker_Color(0), Marker_Default_Color(0));
     EXPECT_EQ(variables.Marker_Color(MARKER_NB), 0U);
+    const std::vector<std::uint32_t> colors = variables.Tag_Colors();
+    ASSERT_EQ(colors.size(), static_cast<std::size_t>(TAG_MAX));
+    EXPECT_EQ(colors[0], 0xAAAAAAU);
+    EXPECT_EQ(colors[255], variables.Tag_Color(255));
+    variables.Marker_Color_Set(1, 0x123456);
+    variables.Marker_Color_Set(-1, 0x654321);
+    variables.Marker_Color_Set(MARKER_NB, 0x654321);
+    EXPECT_EQ(variables.Marker_Color(1), 0x123456U);
+    EXPECT_EQ(variables.Marker_Color(0), Marker_Default_Color(0));
 }
 
 TEST_F(Host_Variables_Test, brushes_stay_in_range_and_have_their_masks_in_the_hosts_memory) {

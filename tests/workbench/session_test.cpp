@@ -4,9 +4,12 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <numeric>
+#include <random>
 
 #include "volumes/nifti_reader.h"
+#include "workbench/model/label_description_file.h"
 
 namespace {
 
@@ -58,6 +61,7 @@ class Session_Test : public ::testing::Test {
         session.Stroke_End();
     }
     Session session;
+    std::string kept;
 };
 
 TEST_F(Session_Test, shows_the_image_turned_and_names_voxels_of_the_file) {
@@ -199,7 +203,7 @@ TEST_F(Session_Test, saved_labels_come_back_the_same_and_count_as_saved) {
     Paint(1, 2, 9, 4, 3);
     Paint(4, 0, 0, 0, 200);
     const std::filesystem::path path = std::filesystem::temp_directory_path() / "workbench_session_test_labels.nii.gz";
-    ASSERT_EQ(session.Save_Labels(path), "");
+    ASSERT_EQ(session.Save_Labels(path, {}, kept), "");
     EXPECT_FALSE(session.Is_Unsaved());
     EXPECT_EQ(session.Label_Path(), path);
     const std::vector<std::uint8_t> saved(session.Labels().All().begin(), session.Labels().All().end());
@@ -212,13 +216,130 @@ TEST_F(Session_Test, saved_labels_come_back_the_same_and_count_as_saved) {
     EXPECT_TRUE(std::ranges::equal(session.Labels().All(), saved));
     EXPECT_FALSE(session.Is_Unsaved());
     std::filesystem::remove(path);
+    std::filesystem::remove(Label_Description_Path(path));
 }
 
 TEST_F(Session_Test, a_file_that_cannot_be_written_leaves_the_work_unsaved) {
     Paint(1, 2, 9, 4, 3);
-    EXPECT_FALSE(session.Save_Labels("no_such_folder_anywhere/x.nii").empty());
+    EXPECT_FALSE(session.Save_Labels("no_such_folder_anywhere/x.nii", {}, kept).empty());
     EXPECT_TRUE(session.Is_Unsaved());
-    EXPECT_FALSE(Session().Save_Labels("x.nii").empty());
+    EXPECT_FALSE(Session().Save_Labels("x.nii", {}, kept).empty());
+}
+
+/** A label file of the test's own, gone with what stands beside it. */
+class Session_Files : public Session_Test {
+  protected:
+    void SetUp() override {
+        Session_Test::SetUp();
+        folder = std::filesystem::temp_directory_path() / ("session_test_" + std::to_string(std::random_device{}()));
+        std::filesystem::create_directories(folder);
+        labels = folder / "head.nii.gz";
+        described.tags = {{3, 0x010203, true, true, false, {}, 9.0F, "Three"}};
+        described.markers = {{0, 0x040506, {}, "M1"}, {5, 0x040506, Label_Voxel{1, 1, 1}, "M6"}};
+    }
+    void TearDown() override {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder, ignored);
+    }
+    Label_Description_Loading Load_Description() const { return Label_Description_Load(labels, {nz, nx, ny}); }
+
+    std::filesystem::path folder;
+    std::filesystem::path labels;
+    Label_Description described;
+};
+
+TEST_F(Session_Files, markers_are_saved_without_a_single_painted_voxel_and_come_back) {
+    session.Marker_Set(0, {true, 2, 3, 4});
+    EXPECT_TRUE(session.Is_Unsaved());
+    ASSERT_EQ(session.Save_Labels(labels, described, kept), "");
+    EXPECT_FALSE(session.Is_Unsaved());
+    const Label_Description_Loading loading = Load_Description();
+    ASSERT_TRUE(loading.is_there) << loading.warning;
+    EXPECT_EQ(loading.description.tags, described.tags);
+    // The upper left of the display is the last column and row of the file.
+    EXPECT_EQ(loading.description.markers.at(0).place, (Label_Voxel{4, nx - 1 - 2, ny - 1 - 3}));
+    EXPECT_EQ(loading.description.markers.at(1).place, std::nullopt) << "it is not placed now";
+
+    Session other;
+    other.Take(Image(), "image.nii");
+    other.Marker_Set(5, {true, 1, 1, 1});
+    other.Marker_Set(7, {true, 6, 6, 1});
+    const Load_Result loaded = Volume_Load(labels);
+    ASSERT_TRUE(loaded.volume.has_value()) << loaded.error;
+    ASSERT_EQ(other.Take_Labels(*loaded.volume, labels, &loading.description), "");
+    EXPECT_EQ(other.Markers().Get(0), (Marker{true, 2, 3, 4}));
+    EXPECT_FALSE(other.Markers().Get(5).is_placed) << "described as not placed";
+    EXPECT_TRUE(other.Markers().Get(7).is_placed) << "not described";
+    EXPECT_FALSE(other.Is_Unsaved());
+    EXPECT_EQ(other.Undo(), nullptr);
+}
+
+TEST_F(Session_Files, markers_of_a_file_in_the_other_direction_come_to_lie_on_the_same_place) {
+    described.markers[0].place = Label_Voxel{2, 0, 0};
+    ASSERT_EQ(session.Take_Labels(Labels_Of(std::vector<std::int32_t>(nx * ny * nz), -1.0), labels, &described), "");
+    EXPECT_EQ(session.Markers().Get(0), (Marker{true, 0, ny - 1, 2}));
+    ASSERT_EQ(session.Take_Labels(Labels_Of(std::vector<std::int32_t>(nx * ny * nz)), labels, &described), "");
+    EXPECT_EQ(session.Markers().Get(0), (Marker{true, nx - 1, ny - 1, 2}));
+}
+
+TEST_F(Session_Files, labels_that_are_refused_leave_the_markers) {
+    session.Marker_Set(0, {true, 2, 3, 4});
+    const Volume wrong = Labels_Of(std::vector<std::int32_t>(nx * ny * nz, -1));
+    EXPECT_FALSE(session.Take_Labels(wrong, labels, &described).empty());
+    EXPECT_TRUE(session.Markers().Get(0).is_placed);
+    EXPECT_FALSE(session.Markers().Get(5).is_placed);
+}
+
+TEST_F(Session_Files, a_description_that_cannot_be_written_leaves_the_voxels_saved_and_the_work_unsaved) {
+    Paint(1, 2, 9, 4, 3);
+    std::filesystem::create_directories(folder / "head.labels.txt" / "occupied");
+    const std::string error = session.Save_Labels(labels, described, kept);
+    EXPECT_EQ(
+        error,
+        "The labels are saved, but not their names, colours, thresholds and markers: head.labels.txt is a folder, "
+        "not a file.");
+    EXPECT_TRUE(session.Is_Unsaved());
+    EXPECT_EQ(session.Label_Path(), labels);
+    const Load_Result loaded = Volume_Load(labels);
+    ASSERT_TRUE(loaded.volume.has_value()) << loaded.error;
+    EXPECT_EQ(std::ranges::count(loaded.volume->levels, 3), 8);
+    std::filesystem::remove_all(folder / "head.labels.txt");
+    EXPECT_EQ(session.Save_Labels(labels, described, kept), "");
+    EXPECT_FALSE(session.Is_Unsaved());
+}
+
+TEST_F(Session_Files, a_description_kept_aside_is_told) {
+    std::ofstream(folder / "head.labels.txt") << "label description 2\n";
+    EXPECT_EQ(session.Save_Labels(labels, described, kept), "");
+    EXPECT_EQ(kept, "The former head.labels.txt is kept as head.labels.txt.newer.");
+    EXPECT_EQ(session.Save_Labels(labels, described, kept), "");
+    EXPECT_EQ(kept, "");
+}
+
+TEST_F(Session_Test, changed_colours_are_one_step_and_unsaved_work) {
+    std::vector<std::uint32_t> colors = {1, 2, 3, 4};
+    session.Adopt_Colors(colors);
+    EXPECT_EQ(session.Note_Colors(colors), 0);
+    EXPECT_FALSE(session.Is_Unsaved());
+    colors[1] = 20;
+    colors[3] = 40;
+    EXPECT_EQ(session.Note_Colors(colors), 1);
+    EXPECT_EQ(session.Note_Colors(colors), 0) << "known now";
+    EXPECT_TRUE(session.Is_Unsaved());
+    const Undo_Step* step = session.Undo();
+    ASSERT_NE(step, nullptr);
+    EXPECT_EQ(step->title, "TAG colours");
+    const auto* change = std::get_if<Color_Change>(&step->change);
+    ASSERT_NE(change, nullptr);
+    ASSERT_EQ(change->entries.size(), 2U);
+    EXPECT_EQ(change->entries[1].tag, 3);
+    EXPECT_EQ(change->entries[1].before, 4U);
+    EXPECT_EQ(change->entries[1].after, 40U);
+    EXPECT_FALSE(session.Is_Unsaved());
+    EXPECT_EQ(session.Note_Colors(std::vector<std::uint32_t>{1, 2, 3, 4}), 0) << "the former colours are known again";
+    ASSERT_NE(session.Undo(), step);
+    EXPECT_EQ(session.Note_Colors(std::vector<std::uint32_t>{1, 2, 3, 5}), 1);
+    EXPECT_EQ(session.Undo()->title, "TAG colour");
 }
 
 TEST_F(Session_Test, another_volume_starts_afresh) {

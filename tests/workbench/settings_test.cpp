@@ -2,8 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <fstream>
+#include <iterator>
 #include <random>
+
+#if !defined(_WIN32)
+#include <sys/resource.h>
+#endif
 
 namespace {
 
@@ -17,6 +23,7 @@ Settings Example() {
     settings.database_view = 2;
     settings.database_width = 444;
     settings.folded = 0b10010;
+    settings.is_wheel_turned = true;
     settings.recent = {"C:\\data\\head one.nii.gz", "C:\\data\\K\xC3\xB6pfe\\zwei.nii"};
     return settings;
 }
@@ -49,6 +56,7 @@ TEST(Settings, text_and_back_changes_nothing) {
     EXPECT_TRUE(back.window.is_maximized);
     EXPECT_TRUE(back.is_light);
     EXPECT_EQ(back.folded, 0b10010U);
+    EXPECT_TRUE(back.is_wheel_turned);
     EXPECT_EQ(back.recent.size(), 2U);
 }
 
@@ -56,6 +64,7 @@ TEST(Settings, nothing_gives_the_defaults) {
     Expect_Same(Settings_Parse(""), Settings{});
     EXPECT_FALSE(Settings_Parse("").is_light);
     EXPECT_TRUE(Settings_Parse("").is_overlay_shown);
+    EXPECT_FALSE(Settings_Parse("").is_wheel_turned);
     EXPECT_EQ(Settings_Parse("").window.width, 0);
 }
 
@@ -63,9 +72,11 @@ TEST(Settings, a_damaged_line_costs_only_itself) {
     int ignored = 0;
     const Settings settings = Settings_Parse(
         "workbench settings\ntheme purple\nwindow 1 2 3\nwindow 1 2 300 x\nwindow 1 2 0 5\ndatabase_width 99999999999\n"
-        "database_view -1\nfolded_panels 256\ntag_colours yes\nnonsense\nrecent \n\r\ndatabase 1\r\ntheme light\n",
+        "database_view -1\nfolded_panels 256\nenlarged_wheel_turned 2\ntag_colours yes\nnonsense\nrecent "
+        "\n\r\ndatabase 1\r\ntheme light\n",
         &ignored);
-    EXPECT_EQ(ignored, 10);
+    EXPECT_EQ(ignored, 11);
+    EXPECT_FALSE(settings.is_wheel_turned);
     EXPECT_TRUE(settings.is_database_shown);
     EXPECT_TRUE(settings.is_light);
     EXPECT_EQ(settings.window.width, 0);
@@ -122,16 +133,27 @@ TEST_F(Settings_File, a_file_is_written_with_its_folder_and_read_back) {
     Expect_Same(Settings_Load(file), Example());
     ASSERT_TRUE(Settings_Save(file, Settings{}));
     Expect_Same(Settings_Load(file), Settings{});
-    EXPECT_FALSE(std::filesystem::exists(file.parent_path() / "settings.txt.new"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(file.parent_path()), {}), 1);
 }
 
-TEST_F(Settings_File, when_writing_fails_the_file_stays_as_it_was) {
+#if !defined(_WIN32)
+// A limit on the size of files stands in for a full disk.
+TEST_F(Settings_File, when_writing_fails_the_file_stays_as_it_was_where_file_sizes_can_be_limited) {
     ASSERT_TRUE(Settings_Save(file, Example()));
-    // In the place of the new file stands a folder that is not empty, so that it cannot be opened for writing.
-    std::filesystem::create_directories(file.parent_path() / "settings.txt.new" / "occupied");
-    EXPECT_FALSE(Settings_Save(file, Settings{}));
+    Settings longer = Example();
+    longer.recent.emplace_back(600, 'x');
+    rlimit former{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &former), 0);
+    const auto former_handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{500, former.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    const bool is_saved = Settings_Save(file, longer);
+    ::setrlimit(RLIMIT_FSIZE, &former);
+    std::signal(SIGXFSZ, former_handler);
+    EXPECT_FALSE(is_saved);
     Expect_Same(Settings_Load(file), Example());
 }
+#endif
 
 TEST_F(Settings_File, a_folder_in_the_files_place_and_a_huge_file_give_the_defaults) {
     std::filesystem::create_directories(file);

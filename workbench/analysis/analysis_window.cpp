@@ -11,6 +11,7 @@
 #include "histogram/tool_histo_peak.h"
 #include "kits/common/messages.h"
 #include "kits/widgets/widgets_host.h"
+#include "workbench/accessible.h"
 #include "workbench/wide_text.h"
 
 namespace {
@@ -46,13 +47,10 @@ std::array<std::string, COLUMNS.size()> Cells(const Peak_Row& row) {
         std::snprintf(cell, sizeof cell, format, value);
         return std::string(cell);
     };
-    const auto with_error = [&](const char* format, double value, double error) {
-        return error > 0.0 ? text(format, value) + " \xC2\xB1 " + text("%.2g", error) : text(format, value);
-    };
     return {std::to_string(row.number),
-            with_error("%.2f", row.centre, row.centre_error),
-            with_error("%.0f", row.height, row.height_error),
-            with_error("%.2f", row.full_width, row.full_width_error),
+            With_Error(row.centre, row.centre_error, 2),
+            With_Error(row.height, row.height_error, 0),
+            With_Error(row.full_width, row.full_width_error, 2),
             text("%.0f", row.area),
             text("%.1f %%", 100.0 * row.share),
             text("%.1f", row.from),
@@ -68,7 +66,7 @@ std::wstring Quality_Text(const Peak_Table& table) {
     }
     char text[200];
     std::snprintf(text, sizeof text,
-                  "R\xC2\xB2 of the filtered curve %.4f    R\xC2\xB2 of the counts %.4f    reduced chi-square %.2f",
+                  "R\xC2\xB2 of the filtered curve %.4f    R\xC2\xB2 of the counts %.4f    reduced chi-square %.4g",
                   table.quality.r_squared_filtered, table.quality.r_squared_counts, table.quality.reduced_chi_square);
     return Wide_Of_Utf8(text);
 }
@@ -97,6 +95,7 @@ void Analysis_Window::Open(HWND owner) {
     window_class.lpfnWndProc = Procedure;
     window_class.hInstance = ::GetModuleHandleW(nullptr);
     window_class.hCursor = ::LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));
+    window_class.hIcon = ::LoadIconW(window_class.hInstance, L"MAINICON");
     window_class.lpszClassName = CLASS_NAME;
     ::RegisterClassW(&window_class);  // a second registration fails, which is fine
     window =
@@ -106,6 +105,7 @@ void Analysis_Window::Open(HWND owner) {
         return;
     }
     Window_Axis_Set(window, Window_Axis::Down);
+    accessible = Accessible_Make();
     Lay_Out();
     ::ShowWindow(window, SW_SHOW);
 }
@@ -132,6 +132,7 @@ void Analysis_Window::Analyse(Fit fit) {
     Message_Receiver_Remove(Receive, this);
     log_lines = log.Lines();
     log_first = 0;
+    table_first = 0;
     Table_Make();
     host.peaks_changed();
     if (window != nullptr) {
@@ -180,9 +181,10 @@ void Analysis_Window::Bands_Hand_On() {
     for (const Peak_Row& row : table.rows) {
         bands.push_back({row.from, row.to});
     }
-    if (!bands.empty()) {
-        host.bands_take(bands);
+    if (bands.empty()) {
+        return host.tell(L"There are no peaks to make TAG bands of: fit first");
     }
+    host.bands_take(bands);
 }
 
 bool Analysis_Window::Copy() {
@@ -205,6 +207,10 @@ bool Analysis_Window::Copy() {
     }
     ::CloseClipboard();
     return done;
+}
+
+void Analysis_Window::Copy_And_Tell() {
+    host.tell(Copy() ? L"The peak table is on the clipboard" : L"The clipboard is in use; nothing was copied");
 }
 
 void Analysis_Window::Lay_Out() {
@@ -273,7 +279,8 @@ void Analysis_Window::Paint_Table(HDC dc, RECT area) const {
     }
     draw_row(0, titles, look.Bold(), look.text);
     int row = 1;
-    for (const Peak_Row& peak : table.rows) {
+    for (std::size_t k = static_cast<std::size_t>(table_first); k < table.rows.size(); ++k) {
+        const Peak_Row& peak = table.rows[k];
         if (area.top + (row + 1) * row_height > area.bottom) {
             break;
         }
@@ -284,6 +291,40 @@ void Analysis_Window::Paint_Table(HDC dc, RECT area) const {
         }
         draw_row(row++, cells, look.Font(), look.text);
     }
+}
+
+RECT Analysis_Window::Table_Area() const {
+    RECT client = {};
+    ::GetClientRect(window, &client);
+    const int margin = look.Px(MARGIN);
+    const int row_height = look.Px(ROW);
+    const int rows = std::max<int>(static_cast<int>(table.rows.size()), TABLE_ROWS_MIN) + 1;
+    RECT area = {margin, 2 * margin + look.Px(BUTTON_HEIGHT), client.right - margin, 0};
+    area.bottom = std::min<LONG>(area.top + rows * row_height,
+                                 std::max<LONG>(client.bottom - 6 * row_height, area.top + 2 * row_height));
+    return area;
+}
+
+int Analysis_Window::Table_Rows_Shown() const {
+    const RECT area = Table_Area();
+    return std::max(static_cast<int>(area.bottom - area.top) / look.Px(ROW) - 1, 1);
+}
+
+void Analysis_Window::Table_Scroll(int rows) {
+    table_first =
+        std::clamp(table_first + rows, 0, std::max(static_cast<int>(table.rows.size()) - Table_Rows_Shown(), 0));
+    ::InvalidateRect(window, nullptr, FALSE);
+}
+
+std::wstring Analysis_Window::Rows_Text() const {
+    const int all = static_cast<int>(table.rows.size());
+    const int shown = Table_Rows_Shown();
+    if (all <= shown) {
+        return L"";
+    }
+    return L"Peaks " + std::to_wstring(table_first + 1) + L" to " +
+           std::to_wstring(std::min(table_first + shown, all)) + L" of " + std::to_wstring(all) +
+           L" (the wheel goes on).    ";
 }
 
 void Analysis_Window::Paint_Log(HDC dc, RECT area) const {
@@ -305,13 +346,10 @@ void Analysis_Window::Paint() {
         Fill(dc, client, look.ground);
         const int margin = look.Px(MARGIN);
         const int row_height = look.Px(ROW);
-        const int rows = std::max<int>(static_cast<int>(table.rows.size()), TABLE_ROWS_MIN) + 1;
-        RECT area = {margin, 2 * margin + look.Px(BUTTON_HEIGHT), client.right - margin, 0};
-        area.bottom = std::min<LONG>(area.top + rows * row_height,
-                                     std::max<LONG>(client.bottom - 6 * row_height, area.top + 2 * row_height));
+        const RECT area = Table_Area();
         Paint_Table(dc, area);
         const RECT quality = {area.left, area.bottom, area.right, area.bottom + row_height};
-        Draw_Line(dc, quality, Quality_Text(table), look.Font(), look.accent, DT_LEFT);
+        Draw_Line(dc, quality, Rows_Text() + Quality_Text(table), look.Font(), look.accent, DT_LEFT);
         const RECT title = {area.left, quality.bottom, area.right, quality.bottom + row_height};
         Fill(dc, title, look.heading);
         Draw_Line(dc, title, L" Fit log", look.Bold(), look.text, DT_LEFT);
@@ -343,17 +381,34 @@ void Analysis_Window::Press(int up_down) {
     } else if (bands_button.Select(up_down) != 0) {
         Bands_Hand_On();
     } else if (copy_button.Select(up_down) != 0) {
-        Copy();
+        Copy_And_Tell();
     } else if (peaks_list.Select(up_down) != 0 && peaks_list.Read() >= 0) {
         peaks_list.current = static_cast<short>(peaks_list.Read());
         peaks_list.Adjust();
     }
 }
 
+std::wstring Analysis_Window::Row_Text(const Peak_Row& row) {
+    const auto cells = Cells(row);
+    std::wstring text;
+    for (std::size_t c = 0; c < COLUMNS.size(); ++c) {
+        text += (c == 0 ? L"" : L", ") + std::wstring(COLUMNS[c].title) + L" " + Wide_Of_Utf8(cells[c]);
+    }
+    return text;
+}
+
+std::wstring Analysis_Window::Quality_Line() const {
+    return Quality_Text(table);
+}
+
 LRESULT Analysis_Window::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
+    if (const auto answer = Accessible_Message(window, message, wparam, lparam, accessible)) {
+        return *answer;
+    }
     switch (message) {
         case WM_SIZE:
             Lay_Out();
+            Table_Scroll(0);
             ::InvalidateRect(window, nullptr, FALSE);
             return 0;
         case WM_PAINT:
@@ -383,14 +438,22 @@ LRESULT Analysis_Window::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
             }
             peaks_list.Deselect();
             return 0;
-        case WM_MOUSEWHEEL:
-            Log_Scroll(-GET_WHEEL_DELTA_WPARAM(wparam) / WHEEL_DELTA * 3);
+        case WM_MOUSEWHEEL: {
+            POINT pointer = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
+            ::ScreenToClient(window, &pointer);
+            const int lines = -GET_WHEEL_DELTA_WPARAM(wparam) / WHEEL_DELTA * 3;
+            if (pointer.y < Table_Area().bottom) {
+                Table_Scroll(lines);
+            } else {
+                Log_Scroll(lines);
+            }
             return 0;
+        }
         case WM_KEYDOWN:
             if (wparam == VK_ESCAPE) {
                 Close();
             } else if (wparam == 'C' && ::GetKeyState(VK_CONTROL) < 0) {
-                Copy();
+                Copy_And_Tell();
             } else if (wparam == VK_UP || wparam == VK_DOWN) {
                 Log_Scroll(wparam == VK_UP ? -1 : 1);
             } else if (wparam == VK_PRIOR || wparam == VK_NEXT) {
@@ -399,6 +462,8 @@ LRESULT Analysis_Window::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
             return 0;
         case WM_DESTROY:
             Window_Forget(window);
+            accessible.reset();
+            is_watched = false;
             window = nullptr;
             return 0;
         default:

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,9 @@
 #include "workbench/analysis/peak_table.h"
 #include "workbench/analysis/repeatable_fit.h"
 #include "workbench/look.h"
+
+struct Accessible_Part;
+struct Accessible_Source;
 
 /** Grey levels that a peak claims. */
 struct Peak_Band {
@@ -23,7 +27,8 @@ struct Analysis_Host {
     std::function<Tool_Histo*()> panel;   ///< the histogram panel; null when there is none
     std::function<void()> peaks_changed;  ///< the panel and the enlarged window must be painted anew
     std::function<void(const std::vector<Peak_Band>&)>
-        bands_take;  ///< sets the TAGs' thresholds, as one step that can be undone
+        bands_take;                            ///< sets the TAGs' thresholds, as one step that can be undone
+    std::function<void(const wchar_t*)> tell;  ///< a word for the user on what became of his wish
 };
 
 class Analysis_Window {
@@ -54,9 +59,21 @@ class Analysis_Window {
     static void Receive(void* context, HWND of_window, int level, const char* text);
     void Lay_Out();
     void Paint();
+    RECT Table_Area() const;
+    int Table_Rows_Shown() const;
+    void Table_Scroll(int rows);
+    std::wstring Rows_Text() const;
     void Paint_Table(HDC dc, RECT area) const;
     void Log_Scroll(int lines);
+    /** A row as one line, every cell behind its column's title. */
+    static std::wstring Row_Text(const Peak_Row& row);
+    std::wstring Quality_Line() const;
+    // analysis_accessible.cpp
+    /** What the window tells programs that read the screen aloud. */
+    std::shared_ptr<Accessible_Source> Accessible_Make();
+    std::vector<Accessible_Part> Accessible_Parts();
     void Paint_Log(HDC dc, RECT area) const;
+    void Copy_And_Tell();
     void Pointer_Take(LPARAM lparam, bool on_screen) const;
     void Press(int up_down);
     template <class Fit>
@@ -75,5 +92,8 @@ class Analysis_Window {
     Peak_Table table;
     Fit_Log log;
     std::vector<std::string> log_lines;
-    int log_first = 0;  // first line shown
+    int log_first = 0;                              // first line shown
+    int table_first = 0;                            // first row shown
+    std::shared_ptr<Accessible_Source> accessible;  // while the window is open
+    bool is_watched = false;                        // the library notes what it paints, from the first question on
 };

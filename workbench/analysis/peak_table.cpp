@@ -168,6 +168,29 @@ Peak_Table Peak_Table_Make(std::span<const Found_Peak> peaks, const Analysed_Cur
     return table;
 }
 
+std::string With_Error(double value, double error, int decimals) {
+    constexpr double digits_max = 1e15;
+    char text[96];
+    if (!(error > 0.0) || !std::isfinite(error)) {
+        std::snprintf(text, sizeof text, "%.*f", decimals, value);
+        return text;
+    }
+    if (std::abs(value) >= digits_max || error >= digits_max) {
+        std::snprintf(text, sizeof text, "%.2g \xC2\xB1 %.2g", value, error);
+        return text;
+    }
+    // The decimal place of the second digit; rounding can carry into a new first one, 0.0996 is 0.10.
+    int place = static_cast<int>(std::floor(std::log10(error))) - 1;
+    if (std::round(error * std::pow(10.0, -place)) >= 100.0) {
+        ++place;
+    }
+    const double unit = std::pow(10.0, place);
+    const auto rounded = [&](double number) { return place > 0 ? std::round(number / unit) * unit : number; };
+    const int shown = std::clamp(-place, 0, decimals);
+    std::snprintf(text, sizeof text, "%.*f \xC2\xB1 %.*f", shown, rounded(value), shown, rounded(error));
+    return text;
+}
+
 std::string Peak_Table_Text(const Peak_Table& table) {
     std::string text =
         "Peak\tCentre\tHeight\tFull width\tArea\tShare\tFrom\tTo\tCentre error\tHeight error\tWidth error\n";

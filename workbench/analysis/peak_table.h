@@ -54,5 +54,11 @@ struct Peak_Table {
  * middle to its neighbours. */
 Peak_Table Peak_Table_Make(std::span<const Found_Peak> peaks, const Analysed_Curve& curve);
 
+/** A value with its standard error for people: the error with two significant digits, the value as exactly as that,
+ * both without an exponent (but beyond 15 digits). An error of 0 or one that is no number leaves the value alone.
+ *  @param decimals of the value where it stands alone, and at most
+ *  @return UTF-8 */
+std::string With_Error(double value, double error, int decimals);
+
 /** The table as text, columns separated by tabs, for the clipboard. */
 std::string Peak_Table_Text(const Peak_Table& table);

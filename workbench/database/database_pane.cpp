@@ -16,6 +16,7 @@ namespace {
 
 constexpr int tab_height = 26;  // pixels at 96 dots per inch
 constexpr int find_height = 24;
+constexpr int find_inset = 6;
 constexpr int gap = 6;
 constexpr int button_width = 26;
 constexpr int edit_width = 74;
@@ -106,8 +107,11 @@ bool Database_Pane::Make(HWND parent) {
             return false;
         }
     }
-    find_field = ::CreateWindowExW(0, L"EDIT", L"", WS_CHILD | WS_VISIBLE | WS_BORDER | ES_AUTOHSCROLL, 0, 0, 10, 10,
-                                   Handle(), reinterpret_cast<HMENU>(static_cast<INT_PTR>(find_field_id)),
+    // A field is called by the label before it, also by one that is not shown.
+    ::CreateWindowExW(0, L"STATIC", L"Find", WS_CHILD, 0, 0, 0, 0, Handle(), nullptr, ::GetModuleHandleW(nullptr),
+                      nullptr);
+    find_field = ::CreateWindowExW(0, L"EDIT", L"", WS_CHILD | WS_VISIBLE | ES_AUTOHSCROLL, 0, 0, 10, 10, Handle(),
+                                   reinterpret_cast<HMENU>(static_cast<INT_PTR>(find_field_id)),
                                    ::GetModuleHandleW(nullptr), nullptr);
     if (find_field == nullptr) {
         return false;
@@ -145,16 +149,25 @@ RECT Database_Pane::Button(int at) const {
     return {right - width, top, right, top + look.Px(find_height)};
 }
 
+RECT Database_Pane::Find_Box() const {
+    const int left = look.Px(edge) + look.Px(gap);
+    const int top = look.Px(tab_height) + 2 * look.Px(gap);
+    return {left, top, std::max<LONG>(Button(0).left - look.Px(gap), left + 10), top + look.Px(find_height)};
+}
+
 void Database_Pane::Lay_Out() {
     const RECT client = Client();
     if (client.right <= 0 || client.bottom <= 0) {
         return;
     }
     const int left = look.Px(edge) + look.Px(gap);
-    const int top = look.Px(tab_height) + 2 * look.Px(gap);
     ::SendMessageW(find_field, WM_SETFONT, reinterpret_cast<WPARAM>(look.Font()), TRUE);
-    ::SetWindowPos(find_field, nullptr, left, top, std::max<int>(Button(0).left - look.Px(gap) - left, 10),
-                   look.Px(find_height), SWP_NOZORDER | SWP_NOACTIVATE);
+    // A field of one line keeps its text at its top: as high as the text, in the middle of the box drawn for it.
+    const RECT box = Find_Box();
+    const int height = std::min<int>(Line_Height(look.Font()), box.bottom - box.top - 2);
+    ::SetWindowPos(find_field, nullptr, box.left + look.Px(find_inset), (box.top + box.bottom - height) / 2,
+                   std::max<int>(box.right - box.left - 2 * look.Px(find_inset), 1), height,
+                   SWP_NOZORDER | SWP_NOACTIVATE);
     for (Hosted& hosted : panels) {
         if (hosted.host) {
             hosted.host->Place({left, Top_Height(), std::max<LONG>(client.right - look.Px(gap), left + 1),
@@ -312,6 +325,8 @@ void Database_Pane::Paint() {
         Draw_Line(dc, tab, Tab_Text(dc, look.Bold(), tab_text[at], tab.right - tab.left),
                   is_shown ? look.Bold() : look.Font(), is_shown ? look.text : look.text_grey, DT_CENTER);
     }
+    Fill(dc, Find_Box(), look.heading);
+    Frame(dc, Find_Box(), 1, ::GetFocus() == find_field ? look.accent : look.text_grey);
     for (int at = 0; at < button_nb; ++at) {
         const bool is_on = at == button_nb - 1 && is_editor;
         const RECT button = Button(at);
@@ -328,6 +343,10 @@ void Database_Pane::Press(POINT point) {
         is_dragged = true;
         ::SetCapture(Handle());
         return;
+    }
+    const RECT find = Find_Box();
+    if (::PtInRect(&find, point) != 0) {
+        return Find_Begin();
     }
     for (int at = 0; at < DATABASE_VIEW_NB; ++at) {
         const RECT tab = Tab(at);
@@ -357,6 +376,10 @@ LRESULT Database_Pane::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_COMMAND:
             if (LOWORD(wparam) == find_field_id && HIWORD(wparam) == EN_CHANGE) {
                 Find_Changed();
+            } else if (LOWORD(wparam) == find_field_id &&
+                       (HIWORD(wparam) == EN_SETFOCUS || HIWORD(wparam) == EN_KILLFOCUS)) {
+                const RECT box = Find_Box();
+                Invalidate(&box);
             }
             return 0;
         case WM_CTLCOLOREDIT:

@@ -87,6 +87,8 @@ class Database_Pane : public Window_Base {
     void Paint();
     void Press(POINT point);
     RECT Tab(int at) const;
+    /** The frame around the find field. */
+    RECT Find_Box() const;
     RECT Button(int at) const;
     int Top_Height() const;
 

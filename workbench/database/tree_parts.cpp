@@ -5,6 +5,9 @@
 #include <cstddef>
 #include <utility>
 
+#include "database/edit_diagram.h"
+#include "kits/dataset/dataset_host.h"
+#include "kits/widgets/widgets_host.h"
 #include "workbench/database/tree_keys.h"
 #include "workbench/wide_text.h"
 
@@ -23,16 +26,78 @@ LONG State_Of(const DB_List& record, bool has_children, bool is_current) {
     return state | (is_current ? STATE_SYSTEM_SELECTED : 0);
 }
 
+/** What a row and a node have in common. */
+Accessible_Part Part_Of(const DB_List& record, bool can_open, bool is_current) {
+    Accessible_Part part;
+    part.name = Wide_Of_Panel(record.title != nullptr ? record.title : "");
+    if (record.name != nullptr && record.name[0] != 0) {
+        part.name += (part.name.empty() ? L"" : L": ") + Wide_Of_Panel(record.name);
+    }
+    part.value = L"level " + std::to_wstring(record.level);
+    part.level = record.level + 1;
+    part.role = ROLE_SYSTEM_OUTLINEITEM;
+    part.state = State_Of(record, can_open, is_current);
+    return part;
+}
+
+/** The record whose node is under the pointer; -1: none. The first one is never painted highlighted. */
+int Highlighted(const Tool_DB_List& editor, DB_Tree_Point origin) {
+    const Boxs& box = editor.list_box;
+    int x = 0;
+    int y = 0;
+    if (!Window_Pointer(box.window, &x, &y) || x < box.x || x >= box.x + box.width || y < box.y ||
+        y >= box.y + box.height) {
+        return -1;
+    }
+    const Edit_Hit hit = Edit_Hit_At(editor.Nb(), editor.List_Pt(), {x - origin.x, origin.y - y});
+    const bool is_body = hit.on_node && Edit_Code_Zone(hit.code) == Edit_Zone::Body && hit.code != 0;
+    return is_body ? Edit_Code_Record(hit.code) : -1;
+}
+
+/** The nodes of the diagram, as it was painted last. */
+std::vector<Accessible_Part> Editor_Parts(const Tool_DB_List& editor, int client_height) {
+    constexpr int toggle_children = 2;  // fewer cannot be folded away
+    std::vector<Accessible_Part> parts;
+    const Boxs& box = editor.list_box;
+    const int space = static_cast<int>(Variable_Number("$INTERFACE_SPACE_DIM", 0.0));
+    // Where the tree's own corner lies in the window, y upwards.
+    const DB_Tree_Point origin = {box.x + space - static_cast<int>(editor.horizontal.value),
+                                  box.y + box.height + static_cast<int>(editor.vertical.value)};
+    const RECT view = {box.x, client_height - box.y - box.height, box.x + box.width, client_height - box.y};
+    const int highlighted = Highlighted(editor, origin);
+    for (int at = 0; at < editor.Nb(); ++at) {
+        const DB_List& record = editor.List_Pt()[at];
+        if (record.row == DB_ROW_NONE) {
+            continue;
+        }
+        const int left = origin.x + EDIT_CELL_WIDTH * record.level;
+        const int bottom = client_height - 1 - origin.y + EDIT_CELL_HEIGHT * (record.row + 1);
+        const RECT node = {left, bottom - EDIT_NODE_HEIGHT, left + EDIT_NODE_WIDTH, bottom};
+        RECT seen = {};
+        if (::IntersectRect(&seen, &node, &view) == 0) {
+            continue;
+        }
+        Accessible_Part part = Part_Of(record, record.child_nb >= toggle_children, false);
+        part.state |= at == highlighted ? STATE_SYSTEM_HOTTRACKED : 0;
+        part.place = seen;
+        parts.push_back(std::move(part));
+    }
+    return parts;
+}
+
 }  // namespace
 
 std::vector<Accessible_Part> Tree_Parts(const Tool_DB_List& tree, int current, HWND window) {
     std::vector<Accessible_Part> parts;
     const DB_List* const records = tree.List_Pt();
-    if (records == nullptr || (tree.mode & DB_MODE_EDIT) != 0) {
+    if (records == nullptr) {
         return parts;
     }
     RECT client = {};
     ::GetClientRect(window, &client);
+    if ((tree.mode & DB_MODE_EDIT) != 0) {
+        return Editor_Parts(tree, client.bottom);
+    }
     // The panel's window counts y upwards.
     const int top = client.bottom - (tree.list_box.y + tree.list_box.height);
     const std::vector<int> shown = Tree_Shown(tree.Nb(), records);
@@ -42,16 +107,8 @@ std::vector<Accessible_Part> Tree_Parts(const Tool_DB_List& tree, int current, H
             continue;
         }
         const int at = shown[row];
-        const DB_List& record = records[at];
-        Accessible_Part part;
-        part.name = Wide_Of_Panel(record.title != nullptr ? record.title : "");
-        if (record.name != nullptr && record.name[0] != 0) {
-            part.name += (part.name.empty() ? L"" : L": ") + Wide_Of_Panel(record.name);
-        }
-        part.value = L"level " + std::to_wstring(record.level);
-        part.role = ROLE_SYSTEM_OUTLINEITEM;
-        const bool has_children = at + 1 < tree.Nb() && records[at + 1].level > record.level;
-        part.state = State_Of(record, has_children, at == current);
+        const bool has_children = at + 1 < tree.Nb() && records[at + 1].level > records[at].level;
+        Accessible_Part part = Part_Of(records[at], has_children, at == current);
         part.place = {tree.list_box.x, top + middle - row_height / 2, tree.list_box.x + tree.list_box.width,
                       top + middle + row_height / 2};
         parts.push_back(std::move(part));

@@ -1,19 +1,16 @@
 #include "workbench/model/class_journal.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <span>
 #include <system_error>
 #include <utility>
 
 #include "volumes/message_text.h"
-#include "volumes/output_file.h"
+#include "workbench/model/text_file.h"
 
 namespace {
 
-constexpr std::uintmax_t FILE_SIZE_MOST = 64U << 20U;  // bytes
-constexpr int DAMAGED_MOST = 100;                      // files kept aside under different names
+constexpr std::size_t FILE_SIZE_MOST = 64U << 20U;  // bytes
 
 /** What a step does, in words, from the difference alone. */
 std::string Title_Of(const Class_Tree& before, const std::vector<Class_Action>& actions) {
@@ -117,26 +114,14 @@ std::string Class_Journal::Damaged_Keep(const std::filesystem::path& file) {
     if (is_damaged_kept || !std::filesystem::exists(file, code)) {
         return {};
     }
-    for (int n = 1; n <= DAMAGED_MOST; ++n) {
-        std::filesystem::path aside = file;
-        aside += n == 1 ? ".damaged" : ".damaged" + std::to_string(n);
-        if (!std::filesystem::exists(aside, code)) {
-            std::filesystem::rename(file, aside, code);
-            return code ? "cannot be kept aside: " + code.message() : std::string();
-        }
-    }
-    return "cannot be kept aside: there are too many damaged ones";
+    return Text_File_Keep_Aside(file, ".damaged");
 }
 
 std::string Class_Journal::Save(const std::filesystem::path& file) {
     std::string error = Damaged_Keep(file);
     if (error.empty()) {
         is_damaged_kept = true;
-        const std::string text = Class_Journal_Text(steps, done_nb);
-        Output_File out(file);
-        out.Write({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
-        out.Commit();
-        error = out.Error();
+        error = Text_File_Write(file, Class_Journal_Text(steps, done_nb));
     }
     if (!error.empty()) {
         return "The changes of the class trees are not saved: " + File_Name_Text(file) + " " + error + ".";
@@ -152,24 +137,13 @@ std::string Class_Journal::Load(const std::filesystem::path& file) {
         return Take({}, 0);
     }
     is_damaged_kept = false;
-    std::string error;
     std::string text;
-    const std::uintmax_t size = std::filesystem::file_size(file, code);
-    std::ifstream in(file, std::ios::binary);
-    if (code || !in) {
-        error = "cannot be read";
-    } else if (size > FILE_SIZE_MOST) {
-        error = "is too large for a journal";
-    } else {
-        text.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    std::string error = Text_File_Read(file, FILE_SIZE_MOST, text);
+    if (error.empty()) {
         std::vector<Class_Step> read;
         std::size_t read_done_nb = 0;
-        error = in.bad() ? "cannot be read" : Class_Journal_Parse(text, &read, &read_done_nb);
-        if (error.empty()) {
-            error = Take(std::move(read), read_done_nb);
-        } else if (!in.bad()) {
-            error = "is damaged, " + error;
-        }
+        error = Class_Journal_Parse(text, &read, &read_done_nb);
+        error = error.empty() ? Take(std::move(read), read_done_nb) : "is damaged, " + error;
     }
     if (!error.empty()) {
         return "The class trees are as they were built, without earlier changes: " + File_Name_Text(file) + " " +

@@ -1,13 +1,11 @@
 // The journal of the class trees as text: see class_journal.h for its form.
-#include <algorithm>
-#include <charconv>
 #include <climits>
 #include <cstdint>
-#include <cstdio>
 #include <string_view>
 #include <utility>
 
 #include "workbench/model/class_journal.h"
+#include "workbench/model/line_reader.h"
 
 namespace {
 
@@ -18,144 +16,42 @@ constexpr std::string_view NOWHERE = "nowhere";
 // ---------------------------------------------------------------------------------------------------------------
 // writing
 
-std::string Quoted(const std::string& text) {
-    std::string quoted = "\"";
-    for (const char character : text) {
-        const auto code = static_cast<unsigned char>(character);
-        if (character == '"' || character == '\\') {
-            quoted += '\\';
-            quoted += character;
-        } else if (code < ' ' || code == 0x7F) {
-            char escape[8];
-            std::snprintf(escape, sizeof escape, "\\x%02X", code);
-            quoted += escape;
-        } else {
-            quoted += character;
-        }
-    }
-    return quoted + '"';
-}
-
 std::string Place_Text(const Class_Place& place) {
-    return place.parent.empty() ? std::string(NOWHERE) : Quoted(place.parent) + " " + std::to_string(place.position);
+    return place.parent.empty() ? std::string(NOWHERE)
+                                : Quoted_Text(place.parent) + " " + std::to_string(place.position);
 }
 
 std::string Action_Text(const Class_Action& action) {
     if (const auto* const move = std::get_if<Class_Move>(&action)) {
-        return "move " + Quoted(move->id) + " from " + Place_Text(move->from) + " to " + Place_Text(move->to) + "\n";
+        return "move " + Quoted_Text(move->id) + " from " + Place_Text(move->from) + " to " + Place_Text(move->to) +
+               "\n";
     }
     const auto& rename = std::get<Class_Rename>(action);
-    return "name " + Quoted(rename.id) + " from " + Quoted(rename.before) + " to " + Quoted(rename.after) + "\n";
+    return "name " + Quoted_Text(rename.id) + " from " + Quoted_Text(rename.before) + " to " +
+           Quoted_Text(rename.after) + "\n";
 }
 
 // ---------------------------------------------------------------------------------------------------------------
 // reading
 
-/** Reads the words of a line; the first thing that is wrong is kept. */
-class Line_Reader {
-  public:
-    explicit Line_Reader(std::string_view of_line) : rest(of_line) {}
+std::string Id_Of(Line_Reader& reader) {
+    std::string id = reader.Text();
+    if (id.empty()) {
+        reader.Fail("an id is empty");
+    }
+    return id;
+}
 
-    /** A bare word; empty at the end of the line. */
-    std::string_view Word() {
-        Blanks();
-        const std::size_t end = std::min(rest.find(' '), rest.size());
-        const std::string_view word = rest.substr(0, end);
-        rest.remove_prefix(end);
-        return word;
-    }
-    void Expect(std::string_view word) {
-        if (Word() != word) {
-            Fail("\"" + std::string(word) + "\" is expected");
-        }
-    }
-    std::size_t Number(std::size_t most) {
-        const std::string_view word = Word();
-        std::size_t number = 0;
-        const auto [end, code] = std::from_chars(word.data(), word.data() + word.size(), number);
-        if (code != std::errc() || end != word.data() + word.size() || word.empty() || number > most) {
-            Fail("a number is expected");
-            return 0;
-        }
-        return number;
-    }
-    std::string Text() {
-        Blanks();
-        if (rest.empty() || rest.front() != '"') {
-            Fail("a text between quotation marks is expected");
-            return {};
-        }
-        std::string text;
-        for (rest.remove_prefix(1); !rest.empty(); rest.remove_prefix(1)) {
-            if (rest.front() == '"') {
-                rest.remove_prefix(1);
-                return text;
-            }
-            // Escape() may use up the rest.
-            // cppcheck-suppress containerOutOfBounds
-            text += rest.front() == '\\' ? Escape() : rest.front();
-            if (rest.empty()) {
-                break;
-            }
-        }
-        Fail("a text is not closed");
+Class_Place Place_Of(Line_Reader& reader) {
+    if (reader.Is_Next(NOWHERE)) {
+        reader.Expect(NOWHERE);
         return {};
     }
-    Class_Place Place() {
-        Blanks();
-        if (rest.starts_with(NOWHERE)) {
-            Expect(NOWHERE);
-            return {};
-        }
-        Class_Place place;
-        place.parent = Id();
-        place.position = static_cast<int>(Number(INT_MAX));
-        return place;
-    }
-    std::string Id() {
-        std::string id = Text();
-        if (id.empty()) {
-            Fail("an id is empty");
-        }
-        return id;
-    }
-    void End() {
-        if (!Word().empty()) {
-            Fail("there is more than expected");
-        }
-    }
-    void Fail(const std::string& what) {
-        if (error.empty()) {
-            error = what;
-        }
-    }
-    const std::string& Error() const { return error; }
-
-  private:
-    void Blanks() { rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size())); }
-    /** The character that an escape stands for; its last character is left for the caller to pass. */
-    char Escape() {
-        constexpr std::size_t HEX_LENGTH = 4;  // of \xHH
-        if (rest.size() >= 2 && (rest[1] == '"' || rest[1] == '\\')) {
-            rest.remove_prefix(1);
-            return rest.front();
-        }
-        unsigned int code = 0;
-        if (rest.size() >= HEX_LENGTH && rest[1] == 'x') {
-            const char* const end = rest.data() + HEX_LENGTH;
-            const auto read = std::from_chars(rest.data() + 2, end, code, 16);
-            if (read.ec == std::errc() && read.ptr == end) {
-                rest.remove_prefix(HEX_LENGTH - 1);
-                return static_cast<char>(code);
-            }
-        }
-        Fail("a character after \\ means nothing");
-        return ' ';
-    }
-
-    std::string_view rest;
-    std::string error;
-};
+    Class_Place place;
+    place.parent = Id_Of(reader);
+    place.position = static_cast<int>(reader.Number(INT_MAX));
+    return place;
+}
 
 /** Reads line after line. */
 class Journal_Reader {
@@ -205,15 +101,15 @@ class Journal_Reader {
             reader.Fail("\"step\", \"move\", \"name\" or \"end\" is expected");
         } else if (word == "move") {
             Class_Move move;
-            move.id = reader.Id();
+            move.id = Id_Of(reader);
             reader.Expect("from");
-            move.from = reader.Place();
+            move.from = Place_Of(reader);
             reader.Expect("to");
-            move.to = reader.Place();
+            move.to = Place_Of(reader);
             steps->back().actions.emplace_back(std::move(move));
         } else {
             Class_Rename rename;
-            rename.id = reader.Id();
+            rename.id = Id_Of(reader);
             reader.Expect("from");
             rename.before = reader.Text();
             reader.Expect("to");
@@ -245,7 +141,8 @@ class Journal_Reader {
 std::string Class_Journal_Text(const std::vector<Class_Step>& steps, std::size_t done_nb) {
     std::string text = std::string(FIRST_LINE) + "\ndone " + std::to_string(done_nb) + "\n";
     for (const Class_Step& step : steps) {
-        text += std::string("step ") + KIND_NAME[static_cast<std::size_t>(step.kind)] + " " + Quoted(step.title) + "\n";
+        text += std::string("step ") + KIND_NAME[static_cast<std::size_t>(step.kind)] + " " + Quoted_Text(step.title) +
+                "\n";
         for (const Class_Action& action : step.actions) {
             text += Action_Text(action);
         }
@@ -259,12 +156,7 @@ std::string Class_Journal_Parse(const std::string& text, std::vector<Class_Step>
     Journal_Reader reader(steps, done_nb);
     std::string_view rest = text;
     for (int number = 1; !rest.empty(); ++number) {
-        const std::size_t end = std::min(rest.find('\n'), rest.size());
-        std::string_view line = rest.substr(0, end);
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-        if (line.ends_with('\r')) {
-            line.remove_suffix(1);
-        }
+        const std::string_view line = Line_Take(rest);
         if (line.empty() || line.front() == '#') {
             continue;
         }

@@ -6,6 +6,7 @@
 
 #include "volumes/message_text.h"
 #include "volumes/nifti_writer.h"
+#include "workbench/model/label_description_file.h"
 
 std::span<const std::int32_t> Session::Levels(int slice) const {
     if (!volume || slice < 0 || slice >= volume->nz) {
@@ -39,21 +40,35 @@ void Session::Take(Volume&& loaded, const std::filesystem::path& loaded_from) {
     label_path.clear();
 }
 
-std::string Session::Save_Labels(const std::filesystem::path& file) {
+std::string Session::Save_Labels(const std::filesystem::path& file, Label_Description description, std::string& kept) {
+    kept.clear();
     if (!volume) {
         return "There is no volume whose labels could be saved.";
     }
     std::vector<std::uint8_t> in_file_order(labels.All().begin(), labels.All().end());
     Slices_Turn(std::span(in_file_order), volume->nx, volume->ny, order);
     std::string error = Label_Volume_Write(file, *volume, std::span<const std::uint8_t>(in_file_order));
+    if (!error.empty()) {
+        return error;
+    }
+    label_path = file;
+    for (Marker_Description& described : description.markers) {
+        const Marker marker = markers.Get(described.number);
+        described.place.reset();
+        if (marker.is_placed) {
+            const File_Voxel voxel = To_File(marker.x, marker.y, marker.slice);
+            described.place = Label_Voxel{voxel.z, voxel.x, voxel.y};
+        }
+    }
+    error = Label_Description_Save(file, description, Extent(), kept);
     if (error.empty()) {
-        label_path = file;
         journal.Mark_Saved();
     }
     return error;
 }
 
-std::string Session::Take_Labels(const Volume& loaded, const std::filesystem::path& file) {
+std::string Session::Take_Labels(const Volume& loaded, const std::filesystem::path& file,
+                                 const Label_Description* description) {
     if (!volume) {
         return "Open an image first; labels lie on an image.";
     }
@@ -80,10 +95,25 @@ std::string Session::Take_Labels(const Volume& loaded, const std::filesystem::pa
     }
     Slices_Turn(std::span(taken), volume->nx, volume->ny, loaded_order);
     std::ranges::copy(taken, labels.All().begin());
+    if (description != nullptr) {
+        Markers_Take(description->markers, loaded_order);
+    }
     stroke.reset();
     journal.Clear();
     label_path = file;
     return {};
+}
+
+void Session::Markers_Take(std::span<const Marker_Description> described, const Display_Order& file_order) {
+    for (const Marker_Description& one : described) {
+        Marker marker;
+        if (one.place) {
+            const Label_Voxel& at = *one.place;
+            marker = {true, file_order.flip_x ? Width() - 1 - at.column : at.column,
+                      file_order.flip_y ? Height() - 1 - at.row : at.row, at.frame};
+        }
+        markers.Set(one.number, marker);
+    }
 }
 
 Paint_Target Session::Target(int slice) {
@@ -192,6 +222,22 @@ int Session::Note_Thresholds(std::span<const float> low, std::span<const float> 
     return 1;
 }
 
+int Session::Note_Colors(std::span<const std::uint32_t> color) {
+    Color_Change change;
+    colors.resize(std::max(colors.size(), color.size()));
+    for (std::size_t at = 0; at < color.size(); ++at) {
+        if (color[at] != colors[at]) {
+            change.entries.push_back({static_cast<int>(at), colors[at], color[at]});
+            colors[at] = color[at];
+        }
+    }
+    if (change.entries.empty()) {
+        return 0;
+    }
+    journal.Push({change.entries.size() == 1 ? "TAG colour" : "TAG colours", std::move(change)});
+    return 1;
+}
+
 void Session::Adopt_Labels(Text_Table table, std::span<const char* const> label) {
     std::vector<std::optional<std::string>>& names = Names(table);
     names.assign(label.size(), std::nullopt);
@@ -209,6 +255,10 @@ void Session::Adopt_Thresholds(std::span<const float> low, std::span<const float
     }
 }
 
+void Session::Adopt_Colors(std::span<const std::uint32_t> color) {
+    colors.assign(color.begin(), color.end());
+}
+
 void Session::Apply(const Undo_Step& step, bool redo) {
     if (const auto* pixels = std::get_if<Slice_Change>(&step.change)) {
         Slice_Change_Apply(*pixels, redo, labels.Slice(pixels->slice));
@@ -219,6 +269,10 @@ void Session::Apply(const Undo_Step& step, bool redo) {
     } else if (const auto* thresholds = std::get_if<Threshold_Change>(&step.change)) {
         for (const Threshold_Change::Entry& entry : thresholds->entries) {
             bands[static_cast<std::size_t>(entry.tag)] = redo ? entry.after : entry.before;
+        }
+    } else if (const auto* recolored = std::get_if<Color_Change>(&step.change)) {
+        for (const Color_Change::Entry& entry : recolored->entries) {
+            colors[static_cast<std::size_t>(entry.tag)] = redo ? entry.after : entry.before;
         }
     }
 }

@@ -14,6 +14,7 @@
 #include "volumes/nifti_reader.h"
 #include "volumes/volume.h"
 #include "workbench/model/display_order.h"
+#include "workbench/model/label_description.h"
 #include "workbench/model/label_map.h"
 #include "workbench/model/marker_table.h"
 #include "workbench/model/painting.h"
@@ -54,10 +55,17 @@ class Session {
     void Take(Volume&& loaded, const std::filesystem::path& loaded_from);
 
     const Label_Map& Labels() const { return labels; }
-    /** Writes a label volume that lies on the image. @return empty, or one sentence for the user */
-    std::string Save_Labels(const std::filesystem::path& file);
-    /** Replaces all TAGs by those of a loaded label volume. History goes. @return empty, or one sentence */
-    std::string Take_Labels(const Volume& loaded, const std::filesystem::path& file);
+    /** Writes a label volume that lies on the image, and beside it what describes the labels. Only when both are
+     *  written the work counts as saved.
+     *  @param description of the TAGs and markers; the places of the markers are put in here
+     *  @param kept receives one sentence for the user when a former description was kept aside, else is emptied
+     *  @return empty, or one sentence for the user */
+    std::string Save_Labels(const std::filesystem::path& file, Label_Description description, std::string& kept);
+    /** Replaces all TAGs by those of a loaded label volume, and the places of the markers by those that stand in its
+     *  description. History goes. @param description null: there is none @return empty, or one sentence; then nothing
+     *  is changed */
+    std::string Take_Labels(const Volume& loaded, const std::filesystem::path& file,
+                            const Label_Description* description = nullptr);
     const std::filesystem::path& Label_Path() const { return label_path; }
     void Label_Path_Set(const std::filesystem::path& file) { label_path = file; }
     bool Is_Unsaved() const { return journal.Is_Unsaved(); }
@@ -84,12 +92,15 @@ class Session {
     int Note_Labels(Text_Table table, std::span<const char* const> label);
     /** All differences together are one step. Both have one size. */
     int Note_Thresholds(std::span<const float> low, std::span<const float> high);
-    /** Takes names and thresholds as they are, without a step. */
+    /** Colours of all TAGs, 0x00RRGGBB; all differences together are one step. */
+    int Note_Colors(std::span<const std::uint32_t> color);
+    /** Takes names, thresholds and colours as they are, without a step. */
     void Adopt_Labels(Text_Table table, std::span<const char* const> label);
     void Adopt_Thresholds(std::span<const float> low, std::span<const float> high);
+    void Adopt_Colors(std::span<const std::uint32_t> color);
 
-    /** Takes the last step back, or does it again. Pixels and markers are changed here; for a name or threshold the
-     *  caller writes the value it finds in the step. @return the step, null when there is none */
+    /** Takes the last step back, or does it again. Pixels and markers are changed here; for a name, threshold or
+     *  colour the caller writes the value it finds in the step. @return the step, null when there is none */
     const Undo_Step* Undo();
     const Undo_Step* Redo();
     const Undo_Journal& Journal() const { return journal; }
@@ -104,6 +115,9 @@ class Session {
         std::vector<std::uint8_t> before;
     };
     Paint_Target Target(int slice);
+    /** Puts markers to places in a file of that order. */
+    void Markers_Take(std::span<const Marker_Description> described, const Display_Order& file_order);
+    Label_Extent Extent() const { return {Slice_Nb(), Width(), Height()}; }
     std::vector<std::optional<std::string>>& Names(Text_Table table);
     void Apply(const Undo_Step& step, bool redo);
     /** Makes a step of what a slice differs from `before`. @return true when it differs */
@@ -120,4 +134,5 @@ class Session {
     std::vector<std::optional<std::string>> tag_names;
     std::vector<std::optional<std::string>> marker_names;
     std::vector<Tag_Band> bands;
+    std::vector<std::uint32_t> colors;
 };

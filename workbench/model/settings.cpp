@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <system_error>
+
+#include "workbench/model/line_reader.h"
+#include "workbench/model/text_file.h"
 
 namespace {
 
@@ -97,6 +98,9 @@ bool Take_Line(std::string_view name, std::string_view value, Settings& settings
         settings.folded = is_known ? static_cast<unsigned int>(bits) : settings.folded;
         return is_known;
     }
+    if (name == "enlarged_wheel_turned") {
+        return Take_Flag(value, settings.is_wheel_turned);
+    }
     if (name == "recent" && Is_Path(value) && settings.recent.size() < RECENT_MAX &&
         std::ranges::find(settings.recent, value) == settings.recent.end()) {
         settings.recent.emplace_back(value);
@@ -120,12 +124,7 @@ Settings Settings_Parse(std::string_view text, int* ignored) {
     Settings settings;
     int unknown = 0;
     while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        std::string_view line = text.substr(0, end);
-        text.remove_prefix(std::min(end + 1, text.size()));
-        if (line.ends_with('\r')) {
-            line.remove_suffix(1);
-        }
+        const std::string_view line = Line_Take(text);
         if (line.empty() || line == first_line) {
             continue;
         }
@@ -159,6 +158,7 @@ std::string Settings_Text(const Settings& settings) {
     line("database_view", std::to_string(settings.database_view));
     line("database_width", std::to_string(settings.database_width));
     line("folded_panels", std::to_string(settings.folded));
+    flag("enlarged_wheel_turned", settings.is_wheel_turned);
     for (const std::string& path : settings.recent) {
         line("recent", path);
     }
@@ -166,13 +166,8 @@ std::string Settings_Text(const Settings& settings) {
 }
 
 Settings Settings_Load(const std::filesystem::path& file, int* ignored) {
-    std::error_code unreadable;
     std::string text;
-    if (std::filesystem::is_regular_file(file, unreadable) &&
-        std::filesystem::file_size(file, unreadable) <= file_size_max) {
-        std::ifstream in(file, std::ios::binary);
-        text.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    }
+    Text_File_Read(file, file_size_max, text);
     return Settings_Parse(text, ignored);
 }
 
@@ -181,24 +176,7 @@ bool Settings_Save(const std::filesystem::path& file, const Settings& settings) 
     if (file.has_parent_path()) {
         std::filesystem::create_directories(file.parent_path(), failure);
     }
-    std::filesystem::path beside = file;
-    beside += ".new";
-    {
-        std::ofstream out(beside, std::ios::binary | std::ios::trunc);
-        out << Settings_Text(settings);
-        out.flush();
-        if (!out) {
-            out.close();
-            std::filesystem::remove(beside, failure);
-            return false;
-        }
-    }
-    std::filesystem::rename(beside, file, failure);
-    if (failure) {
-        std::error_code unremoved;
-        std::filesystem::remove(beside, unremoved);
-    }
-    return !failure;
+    return Text_File_Write(file, Settings_Text(settings)).empty();
 }
 
 Window_Place Place_Inside(const Window_Place& place, const Window_Place& area) {

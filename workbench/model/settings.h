@@ -29,6 +29,7 @@ struct Settings {
     int database_view = 0;            ///< tab
     int database_width = 0;           ///< pixels at 96 dots per inch; 0: not chosen
     unsigned int folded = 0;          ///< bit per panel of the tool area, the first one lowest
+    bool is_wheel_turned = false;     ///< of the enlarged histogram: forward narrows
     std::vector<std::string> recent;  ///< paths in UTF-8, the last opened first
 };
 

@@ -10,6 +10,8 @@ std::size_t Undo_Step::Bytes() const {
         sum += text->before.value_or("").size() + text->after.value_or("").size();
     } else if (const auto* thresholds = std::get_if<Threshold_Change>(&change)) {
         sum += thresholds->entries.size() * sizeof(Threshold_Change::Entry);
+    } else if (const auto* colors = std::get_if<Color_Change>(&change)) {
+        sum += colors->entries.size() * sizeof(Color_Change::Entry);
     }
     return sum;
 }

@@ -47,13 +47,22 @@ struct Threshold_Change {
     };
     std::vector<Entry> entries;
 };
+/** Colours of one or more TAGs, 0x00RRGGBB. */
+struct Color_Change {
+    struct Entry {
+        int tag = 0;
+        std::uint32_t before = 0;
+        std::uint32_t after = 0;
+    };
+    std::vector<Entry> entries;
+};
 /** A marker placed, moved or taken away. */
 struct Marker_Change {
     int index = 0;
     Marker before;
     Marker after;
 };
-using Undo_Change = std::variant<Slice_Change, Text_Change, Threshold_Change, Marker_Change>;
+using Undo_Change = std::variant<Slice_Change, Text_Change, Threshold_Change, Color_Change, Marker_Change>;
 
 struct Undo_Step {
     std::string title;  ///< for the menu, for example "Stroke"

@@ -50,6 +50,20 @@ TEST(Peak_Table_Make, Gives_Grey_Levels_Areas_And_Shares) {
     EXPECT_LT(table.quality.reduced_chi_square, 0.5) << "only rounding is left";
 }
 
+TEST(With_Error, The_Error_Has_Two_Digits_And_The_Value_Is_As_Exact) {
+    EXPECT_EQ(With_Error(85.2512, 1.234, 2), "85.3 \xC2\xB1 1.2");
+    EXPECT_EQ(With_Error(28.194, 1.04, 2), "28.2 \xC2\xB1 1.0");
+    EXPECT_EQ(With_Error(0.9134, 0.1511, 2), "0.91 \xC2\xB1 0.15");
+    EXPECT_EQ(With_Error(246840.3, 4987.0, 0), "246800 \xC2\xB1 5000");
+    EXPECT_EQ(With_Error(15912.0, 251.0, 0), "15910 \xC2\xB1 250");
+    EXPECT_EQ(With_Error(1802.4, 77.6, 0), "1802 \xC2\xB1 78");
+    EXPECT_EQ(With_Error(12.0, 9.96, 2), "12 \xC2\xB1 10") << "rounding that carries";
+    EXPECT_EQ(With_Error(12.3456, 0.00012, 2), "12.35 \xC2\xB1 0.00") << "no more decimals than are wanted";
+    EXPECT_EQ(With_Error(12.3456, 0.0, 2), "12.35");
+    EXPECT_EQ(With_Error(12.3456, NAN, 2), "12.35");
+    EXPECT_EQ(With_Error(3.0e20, 1.5e18, 0), "3e+20 \xC2\xB1 1.5e+18");
+}
+
 TEST(Peak_Table_Make, Standard_Errors_Cover_The_Scatter_Of_Repeated_Noise) {
     // A model that is linear near its solution: the scatter of a one-parameter refit of the amplitude must agree with
     // its standard error.

@@ -1,0 +1,52 @@
+#include "workbench/model/scroll_thumb.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr int LEAST = 24;
+
+TEST(Scroll_Thumb, Is_Needed_Only_When_The_Content_Is_Higher) {
+    EXPECT_FALSE((Scroll_Extent{500, 500, 0}.Is_Needed()));
+    EXPECT_TRUE((Scroll_Extent{501, 500, 0}.Is_Needed()));
+    EXPECT_FALSE((Scroll_Extent{500, 0, 0}.Is_Needed()));
+    EXPECT_EQ((Scroll_Extent{400, 500, 9}.Offset_Max()), 0);
+    const Scroll_Thumb all = Scroll_Thumb_Of({400, 500, 0}, LEAST);
+    EXPECT_EQ(all.top, 0);
+    EXPECT_EQ(all.length, 500) << "all of it is seen";
+}
+
+TEST(Scroll_Thumb, Shows_The_Share_And_The_Place_Of_What_Is_Seen) {
+    const Scroll_Thumb first = Scroll_Thumb_Of({1000, 500, 0}, LEAST);
+    EXPECT_EQ(first.top, 0);
+    EXPECT_EQ(first.length, 250);
+    const Scroll_Thumb last = Scroll_Thumb_Of({1000, 500, 500}, LEAST);
+    EXPECT_EQ(last.top + last.length, 500) << "at the end";
+    EXPECT_EQ(Scroll_Thumb_Of({1000, 500, 250}, LEAST).top, 125);
+    EXPECT_EQ(Scroll_Thumb_Of({1000, 500, 9999}, LEAST).top, last.top) << "beyond the end";
+    EXPECT_EQ(Scroll_Thumb_Of({1000, 500, -5}, LEAST).top, 0);
+}
+
+TEST(Scroll_Thumb, Keeps_A_Size_That_Can_Be_Taken_Hold_Of) {
+    const Scroll_Thumb long_content = Scroll_Thumb_Of({2'000'000'000, 500, 1'999'999'500}, LEAST);
+    EXPECT_EQ(long_content.length, LEAST);
+    EXPECT_EQ(long_content.top, 500 - LEAST);
+    const Scroll_Thumb low = Scroll_Thumb_Of({1000, 10, 0}, LEAST);
+    EXPECT_EQ(low.length, 10) << "not longer than its track";
+    EXPECT_EQ(Scroll_Offset_Of({1000, 10, 0}, LEAST, 5), 0);
+}
+
+TEST(Scroll_Thumb, Dragging_Reaches_Every_Place_And_Both_Ends) {
+    const Scroll_Extent extent = {1300, 500, 0};
+    const int way = 500 - Scroll_Thumb_Of(extent, LEAST).length;
+    EXPECT_EQ(Scroll_Offset_Of(extent, LEAST, 0), 0);
+    EXPECT_EQ(Scroll_Offset_Of(extent, LEAST, way), 800);
+    EXPECT_EQ(Scroll_Offset_Of(extent, LEAST, -40), 0);
+    EXPECT_EQ(Scroll_Offset_Of(extent, LEAST, way + 40), 800);
+    for (int top = 0; top <= way; ++top) {
+        EXPECT_EQ(Scroll_Thumb_Of({1300, 500, Scroll_Offset_Of(extent, LEAST, top)}, LEAST).top, top);
+    }
+    EXPECT_EQ(Scroll_Offset_Of({400, 500, 0}, LEAST, 60), 0) << "nothing to scroll";
+}
+
+}  // namespace

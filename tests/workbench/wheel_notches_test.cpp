@@ -1,0 +1,31 @@
+#include "workbench/model/wheel_notches.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Deltas = std::vector<int>;
+
+TEST(Wheel_Notches, a_single_notch_stays_one) {
+    EXPECT_EQ(Wheel_Notches(120, false), Deltas{120});
+    EXPECT_EQ(Wheel_Notches(-120, false), Deltas{-120});
+}
+
+TEST(Wheel_Notches, many_notches_are_told_one_by_one_and_the_rest_last) {
+    EXPECT_EQ(Wheel_Notches(360, false), (Deltas{120, 120, 120}));
+    EXPECT_EQ(Wheel_Notches(-300, false), (Deltas{-120, -120, -60}));
+    EXPECT_EQ(Wheel_Notches(-1200, false), Deltas(10, -120));
+}
+
+TEST(Wheel_Notches, parts_of_a_notch_pass) {
+    EXPECT_EQ(Wheel_Notches(30, false), Deltas{30});
+    EXPECT_EQ(Wheel_Notches(0, false), Deltas{});
+}
+
+TEST(Wheel_Notches, turned_is_the_other_direction) {
+    EXPECT_EQ(Wheel_Notches(120, true), Deltas{-120});
+    EXPECT_EQ(Wheel_Notches(-300, true), (Deltas{120, 120, 60}));
+    EXPECT_EQ(Wheel_Notches(-32768, true).size(), 274U);  // the largest that a message can hold
+}
+
+}  // namespace

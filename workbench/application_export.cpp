@@ -1,0 +1,81 @@
+// The histogram's file: writing it, and reading it back.
+#include <windows.h>
+
+#include <algorithm>
+
+#include "histogram/tool_histo_peak.h"
+#include "volumes/message_text.h"
+#include "workbench/analysis/export_check.h"
+#include "workbench/application.h"
+#include "workbench/model/text_file.h"
+#include "workbench/text_dialog.h"
+#include "workbench/wide_text.h"
+
+namespace {
+
+constexpr std::size_t file_size_most = 64U << 20U;  // bytes; 65,535 bins of 255 TAGs are less
+
+}  // namespace
+
+Export_Expected Application::Export_Wanted() const {
+    Export_Expected wanted;
+    const Histo_Data& data = *histogram_panel.data;
+    const Histo_Record& record = *data.record;
+    wanted.separator = variables.Separator();
+    wanted.filler = variables.Filler();
+    wanted.curve.counts = {record.counts, record.nb_bins};
+    wanted.curve.origin = static_cast<double>(record.origin);
+    wanted.curve.bin_width = static_cast<double>(record.bin_width);
+    if (data.filtered != nullptr) {
+        wanted.curve.filtered = {data.filtered, static_cast<std::size_t>(data.curve_nb)};
+    }
+    for (int tag = 1; tag < variables.Tag_Nb(); ++tag) {
+        const auto at = static_cast<std::size_t>(tag);
+        const char* label = variables.Tag_Labels()[at];
+        const std::string number = std::to_string(tag);
+        Export_Column column;
+        column.name = label != nullptr ? label : "TAG " + std::string(3 - number.size(), ' ') + number;
+        column.low = variables.Threshold_Min()[at];
+        column.high = variables.Threshold_Max()[at];
+        column.is_set = column.low != TAG_THRESHOLD_MIN_UNSET || column.high != TAG_THRESHOLD_MAX_UNSET;
+        wanted.columns.push_back(std::move(column));
+    }
+    for (const Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next) {
+        wanted.peaks.push_back({peak->type == PEAK_SEGMENT, (*peak->param)[PEAK_CENTRE], (*peak->param)[PEAK_AMPLITUDE],
+                                (*peak->param)[PEAK_WIDTH]});
+    }
+    return wanted;
+}
+
+void Application::Export_Histogram() {
+    std::string path(FILE_NAME_SIZE, '\0');
+    const char* filter =
+        Fct_Create_szFilter(2, "CSV files", "$FILE_EXTENSION_EXCEL", "All files", "$FILE_EXTENSION_ALL");
+    if (Fct_Save_FileName("Export histogram", filter, "histogram", "csv", path.data(), 0) == 0 ||
+        histogram_panel.Write(path.c_str()) == 0) {
+        return;
+    }
+    // What a disk or a network has made of it shows only when it is read back.
+    Export_Verify(std::filesystem::path(Wide_Of_Panel(path.c_str())), true);
+}
+
+void Application::Export_Verify(const std::filesystem::path& path, bool is_new) {
+    if (histogram_panel.data == nullptr || !histogram_panel.data->Has_Counts()) {
+        Warn("There is no histogram that the file could be compared with.");
+        return;
+    }
+    std::string text;
+    const std::string name = File_Name_Text(path);
+    if (const std::string error = Text_File_Read(path, file_size_most, text); !error.empty()) {
+        Warn(name + ' ' + error + '.');
+        return;
+    }
+    const Export_Check check = Export_Check_Text(text, Export_Wanted());
+    report.Line("export_differences " + std::to_string(check.difference_nb));
+    if (is_new && check.difference_nb == 0) {
+        Status(L"Histogram exported; the file agrees with the panel");
+        return;
+    }
+    Text_Show(window.Handle(), L"Export verified", Wide_Of_Panel(Export_Check_Report(check, name).c_str()),
+              look.Fixed());
+}

@@ -1,0 +1,126 @@
+// What describes the labels: names, colours, thresholds and state of the TAGs, and the markers.
+#include <algorithm>
+#include <utility>
+
+#include "volumes/message_text.h"
+#include "workbench/application.h"
+#include "workbench/model/label_description_file.h"
+#include "workbench/wide_text.h"
+
+namespace {
+
+/** Between 0x00RRGGBB and 0x00BBGGRR. */
+std::uint32_t Turned_Color(std::uint32_t color) {
+    return ((color & 0xFFU) << 16U) | (color & 0xFF00U) | ((color >> 16U) & 0xFFU);
+}
+
+std::optional<std::string> Utf8_Name(const char* label) {
+    return label != nullptr ? std::optional(Utf8_Of_Wide(Wide_Of_Panel(label))) : std::nullopt;
+}
+
+/** Hands a name to what sets it as a text of the panels; null: none. @return false: letters were lost */
+template <class Set>
+bool Name_Hand_On(const std::optional<std::string>& name, const Set& set) {
+    const std::string label = name ? Panel_Of_Wide(Wide_Of_Utf8(*name)) : std::string();
+    set(name ? label.c_str() : nullptr);
+    return !name || Utf8_Name(label.c_str()) == name;
+}
+
+}  // namespace
+
+Label_Description Application::Labels_Describe() const {
+    Label_Description description;
+    for (int number = 0; number < variables.Tag_Nb(); ++number) {
+        const auto at = static_cast<std::size_t>(number);
+        Tag_Description tag;
+        tag.number = number;
+        tag.color = variables.Tag_Color(number);
+        tag.is_shown = variables.Tag_Enable()[at] != 0;
+        tag.is_selected = variables.Tag_Select()[at] != 0;
+        tag.is_locked = variables.Tag_Lock()[at] != 0;
+        if (const float low = variables.Threshold_Min()[at]; low > TAG_THRESHOLD_MIN_UNSET) {
+            tag.low = low;
+        }
+        if (const float high = variables.Threshold_Max()[at]; high < TAG_THRESHOLD_MAX_UNSET) {
+            tag.high = high;
+        }
+        tag.name = Utf8_Name(variables.Tag_Labels()[at]);
+        description.tags.push_back(std::move(tag));
+    }
+    for (int number = 0; number < MARKER_NB; ++number) {
+        Marker_Description marker;
+        marker.number = number;
+        marker.color = Turned_Color(variables.Marker_Color(number));
+        marker.name = Utf8_Name(variables.Marker_Labels()[static_cast<std::size_t>(number)]);
+        description.markers.push_back(std::move(marker));
+    }
+    return description;
+}
+
+void Application::Labels_Adopt(const Label_Description& description) {
+    int highest = 0;
+    int changed_names = 0;
+    for (const Tag_Description& tag : description.tags) {
+        const auto at = static_cast<std::size_t>(tag.number);
+        highest = std::max(highest, tag.number);
+        variables.Tag_Color_Set(tag.number, tag.color);
+        variables.Tag_Enable()[at] = tag.is_shown ? 1 : 0;
+        variables.Tag_Select()[at] = tag.is_selected ? 1 : 0;
+        variables.Tag_Lock()[at] = tag.is_locked ? 1 : 0;
+        variables.Threshold_Min()[at] = tag.low.value_or(TAG_THRESHOLD_MIN_UNSET);
+        variables.Threshold_Max()[at] = tag.high.value_or(TAG_THRESHOLD_MAX_UNSET);
+        const auto set = [&](const char* label) { variables.Tag_Label_Set(tag.number, label); };
+        changed_names += Name_Hand_On(tag.name, set) ? 0 : 1;
+    }
+    for (const Marker_Description& marker : description.markers) {
+        variables.Marker_Color_Set(marker.number, Turned_Color(marker.color));
+        const auto set = [&](const char* label) { variables.Marker_Label_Set(marker.number, label); };
+        changed_names += Name_Hand_On(marker.name, set) ? 0 : 1;
+    }
+    if (changed_names > 0) {
+        Warn("Letters that this system's code page lacks became question marks in names: " +
+             std::to_string(changed_names) + ".");
+    }
+    colors_before.clear();
+    Adopt_Names();
+    Tag_Nb_Grow(highest);
+    Markers_Enable_Refresh();
+    Histogram_Ranges_Refresh();
+    tag_host->Lay_Out();
+    Announce(UPDATE_TAG_TABLE | UPDATE_TAG_LABEL | UPDATE_TAG_ENABLE | UPDATE_TAG_SELECT | UPDATE_TAG_LOCK |
+             UPDATE_HISTO_PAINT);
+    Tag_Scroll_To(variables.Tag_Cur());
+}
+
+void Application::Load_Labels(const std::filesystem::path& path) {
+    const std::optional<Load_Result> loaded = Load_With_Progress(path);
+    if (!loaded) {
+        return;
+    }
+    const Volume& volume = *loaded->volume;
+    const Label_Description_Loading described = Label_Description_Load(path, {volume.nz, volume.nx, volume.ny});
+    if (const std::string error =
+            session.Take_Labels(volume, path, described.is_there ? &described.description : nullptr);
+        !error.empty()) {
+        Warn(error);
+        return;
+    }
+    if (!described.warning.empty()) {
+        Warn(described.warning);
+    }
+    Tag_Nb_Grow(session.Labels().Highest_Tag());
+    if (described.is_there) {
+        Labels_Adopt(described.description);
+    }
+    image.Refresh();
+    Title_Refresh();
+    Status(L"Labels loaded from " + Wide_Of_Utf8(File_Name_Text(path)));
+}
+
+std::filesystem::path Application::Labels_Name() const {
+    const std::wstring name = Wide_Of_Utf8(File_Name_Text(session.Path()));
+    const std::size_t nifti = name.find(L".nii");
+    const std::wstring stem =
+        nifti != std::wstring::npos ? name.substr(0, nifti) : std::filesystem::path(name).stem().wstring();
+    return stem + L"_labels.nii.gz";
+}

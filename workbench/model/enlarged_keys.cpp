@@ -1,0 +1,96 @@
+#include "workbench/model/enlarged_keys.h"
+
+#include <algorithm>
+
+#include "host/kit_widgets.h"
+
+namespace {
+
+// A turn of the wheel by n notches makes the view 1 + n/10 times as wide and high about the pointer. Half and double
+// undo one another to the last bit, and what comes first must make the view smaller: it cannot grow beyond the data.
+constexpr int notches_nearer = -2;  // 4/5
+constexpr int notches_half = -5;
+constexpr int notches_double = 10;
+constexpr int notches_two_and_half = 15;
+
+// Half about one point and double about another one moves the view by half of what lies between them.
+constexpr int points_apart_percent = 20;  // of the window, for a tenth
+
+struct Point {
+    int x;
+    int y;
+};
+
+struct Letter {
+    char letter;
+    std::string_view control;  // how its name begins
+};
+constexpr Letter letters[] = {{'E', "Export"}, {'T', "Display TAG"}, {'C', "Display Cursor"}, {'P', "Display Peak"}};
+
+/** The middle of what the controls at the top leave. */
+Point Middle(const Enlarged_View& view) {
+    int top = 0;
+    for (const Enlarged_Control& control : view.controls) {
+        top = std::max(top, control.top + control.height);
+    }
+    return {view.width / 2, (std::min(top, view.height) + view.height) / 2};
+}
+
+/** Zooming keeps the counts' foot in view: about the middle of the window most of them would leave it. */
+Point Foot(const Enlarged_View& view) {
+    constexpr int inside = 3;  // pixels from the edge: within the plot's box
+    return {view.width / 2, view.height - inside};
+}
+
+Enlarged_Act Wheel(int notches, Point at) {
+    return {Enlarged_Act::Kind::WHEEL, notches, at.x, at.y};
+}
+
+/** @param right, up the direction, -1, 0 or 1: what lies there comes into view */
+std::vector<Enlarged_Act> Move(int right, int up, const Enlarged_View& view) {
+    const Point middle = Middle(view);
+    const int x = right * view.width * points_apart_percent / 200;
+    const int y = -up * std::min(view.height * points_apart_percent / 200, view.height - 1 - middle.y);
+    return {Wheel(notches_half, {middle.x + x, middle.y + y}), Wheel(notches_double, {middle.x - x, middle.y - y})};
+}
+
+std::vector<Enlarged_Act> Press(std::string_view name, const Enlarged_View& view) {
+    const auto found = std::ranges::find_if(
+        view.controls, [name](const Enlarged_Control& control) { return control.name.starts_with(name); });
+    if (found == view.controls.end()) {
+        return {};
+    }
+    return {{Enlarged_Act::Kind::PRESS, 0, found->left + found->width / 2, found->top + found->height / 2}};
+}
+
+}  // namespace
+
+std::vector<Enlarged_Act> Enlarged_Key_Acts(int key, const Enlarged_View& view) {
+    switch (key) {
+        case '+':
+            return {Wheel(notches_nearer, Foot(view))};
+        case '-':
+            return {Wheel(notches_half, Foot(view)), Wheel(notches_two_and_half, Foot(view))};
+        case KEY_LEFT:
+            return Move(-1, 0, view);
+        case KEY_RIGHT:
+            return Move(1, 0, view);
+        case KEY_UP:
+            return Move(0, 1, view);
+        case KEY_DOWN:
+            return Move(0, -1, view);
+        case KEY_HOME:
+            return Press("Reset Zoom", view);
+        case KEY_ESCAPE:
+            return {{Enlarged_Act::Kind::CLOSE}};
+        default:
+            break;
+    }
+    const int upper = key >= 'a' && key <= 'z' ? key - 'a' + 'A' : key;
+    for (const Letter& letter : letters) {
+        if (letter.letter == upper) {
+            return Press(letter.control, view);
+        }
+    }
+    return {};
+}
