@@ -108,12 +108,12 @@ bool Database_Pane::Make(HWND parent) {
         }
     }
     // A field is called by the label before it, also by one that is not shown.
-    ::CreateWindowExW(0, L"STATIC", L"Find", WS_CHILD, 0, 0, 0, 0, Handle(), nullptr, ::GetModuleHandleW(nullptr),
-                      nullptr);
+    const HWND label = ::CreateWindowExW(0, L"STATIC", L"Find", WS_CHILD, 0, 0, 0, 0, Handle(), nullptr,
+                                         ::GetModuleHandleW(nullptr), nullptr);
     find_field = ::CreateWindowExW(0, L"EDIT", L"", WS_CHILD | WS_VISIBLE | ES_AUTOHSCROLL, 0, 0, 10, 10, Handle(),
                                    reinterpret_cast<HMENU>(static_cast<INT_PTR>(find_field_id)),
                                    ::GetModuleHandleW(nullptr), nullptr);
-    if (find_field == nullptr) {
+    if (label == nullptr || find_field == nullptr) {
         return false;
     }
     ::SendMessageW(find_field, find_cue_banner, TRUE, reinterpret_cast<LPARAM>(L"Find"));
@@ -299,6 +299,11 @@ void Database_Pane::Focus_Set(bool on) {
 bool Database_Pane::Key_Message(const MSG& message) {
     if (message.hwnd != find_field || message.message != WM_KEYDOWN) {
         return false;
+    }
+    if (message.wParam >= VK_F1 && message.wParam <= VK_F24) {
+        // No text: commands, as elsewhere.
+        ::PostMessageW(::GetAncestor(Handle(), GA_ROOT), message.message, message.wParam, message.lParam);
+        return true;
     }
     if (message.wParam != VK_ESCAPE && message.wParam != VK_RETURN && message.wParam != VK_TAB) {
         return false;
