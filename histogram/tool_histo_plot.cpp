@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdio>
 #include <new>
 
 #include "histogram/histo_colors.h"
@@ -34,6 +35,8 @@ constexpr int AXIS_EMS_TENTHS = 31;            // a line of the title and four c
 constexpr int LABEL_LINES = 16;                // lines of labels that a plot is at least high
 constexpr int LABEL_COLUMNS = 40;              // and wide
 constexpr int FONT_PER_PIXEL = 16;             // lines grow by a pixel with so many of the font's
+constexpr const char* NOTE_OUTSIDE = "No counts here: Reset Zoom shows all";
+constexpr const char* NOTE_NO_PIXELS = "No range of grey levels and counts to plot";
 /** XOR of the marks: flips the top bit of each component, so that a mark stands out by half the range on any colour. */
 constexpr COLORREF MARK_COLOR = 0x808080;
 
@@ -128,12 +131,55 @@ std::uint32_t Text_Pixel(const Boxs& box) {
     return brightness > middle ? 0x202020 : 0xE8E8E8;
 }
 
+/** The font of the peaks' labels; `made` owns it when the box brings none. */
+HFONT Label_Font(const Histo_Plot_Scene& scene, Gdi_Font& made) {
+    if (scene.box.font != nullptr) {
+        return scene.box.font;
+    }
+    made = Gdi_Font(Y_Create_Font(scene.box.window, scene.box.font_name, scene.box.font_weight, Label_Height(scene)));
+    return made.Get();
+}
+
+/** A line in the middle of a plot that shows no counts: says why. */
+void Draw_Note(HDC dc, const Histo_Plot_Scene& scene, RECT place, const char* text) {
+    Gdi_Font made;
+    const Selected_Object font(dc, Label_Font(scene, made));
+    const std::uint32_t ink = Text_Pixel(scene.box);
+    ::SetBkMode(dc, TRANSPARENT);
+    ::SetTextColor(dc, RGB(ink >> 16 & 0xFF, ink >> 8 & 0xFF, ink & 0xFF));
+    ::SetTextAlign(dc, TA_LEFT | TA_TOP | TA_NOUPDATECP);
+    ::DrawTextA(dc, text, -1, &place, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX);
+}
+
+/** Counts without extent have no axes and no curve: one bin, or none that was counted. */
+void Draw_Extentless(HDC dc, const Histo_Plot_Scene& scene, const RECT& place, const Histo_Record& record) {
+    std::array<char, 96> text{};
+    if (record.nb_bins == 1 && record.max_count > 0) {
+        constexpr float half_bin = 0.5F;
+        std::snprintf(text.data(), text.size(), "%u pixels in one bin, at grey level %.0f",
+                      static_cast<unsigned int>(record.counts[0]),
+                      static_cast<double>(std::trunc(half_bin * record.bin_width + record.origin)));
+    } else {
+        std::snprintf(text.data(), text.size(), "%s", NOTE_NO_PIXELS);
+    }
+    Draw_Note(dc, scene, place, text.data());
+}
+
 // ------------------------------------------------------------------------------------------------------------- curves
 
-void Draw_Curves(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Columns& columns, int thickness) {
+bool Is_In(const Column_Spans& spans, const Plot_Pixels& picture) {
+    return std::any_of(spans.begin(), spans.end(), [&](const Column_Span& span) {
+        return !span.Is_Empty() && span.high >= 0 && span.low < picture.Height();
+    });
+}
+
+/** @return false: none of the curves has a pixel in the picture */
+bool Draw_Curves(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Columns& columns, int thickness) {
     const Histo_Data& data = *panel.data;
+    bool is_seen = false;
     const auto draw = [&](const Column_Spans& spans, std::uint32_t color) {
         picture.Line_Draw(spans, Pixel_Of_Color(color), thickness);
+        is_seen = is_seen || Is_In(spans, picture);
     };
     const Histo_Curves curves = Histo_Curves_Of(*data.record, panel.color_component);
     for (int k = 0; k < curves.nb; ++k) {
@@ -149,6 +195,7 @@ void Draw_Curves(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Colum
     if (Flag_Trace >= TRACED_CURVES && data.derivative != nullptr) {
         draw(columns.Stepped(data.derivative, data.curve_nb), COLOR_DERIVATIVE);
     }
+    return is_seen;
 }
 
 // -------------------------------------------------------------------------------------------------------------- bands
@@ -227,13 +274,14 @@ void Draw_Area(const Plot_DC& dc, const Tool_Histo& panel, const Histo_Plot_Scen
     Draw_Ground(picture, panel, columns, scene);
     const Histo_Plot_Peaks peaks(panel, columns, scene.peak);
     Histo_Plot_Window_Fill(picture, peaks, frame.Row(0.0));
-    Draw_Curves(picture, panel, columns, thickness);
+    const bool is_seen = Draw_Curves(picture, panel, columns, thickness);
     Histo_Plot_Window_Curve(picture, peaks, thickness);
+    if (!is_seen && peaks.Labels().empty()) {
+        Draw_Note(dib.Get_DC(), scene, {0, 0, frame.width, frame.height}, NOTE_OUTSIDE);
+    }
     if (!peaks.Labels().empty()) {
-        const Gdi_Font made(scene.box.font == nullptr ? Y_Create_Font(scene.box.window, scene.box.font_name,
-                                                                      scene.box.font_weight, Label_Height(scene))
-                                                      : nullptr);
-        const Selected_Object font(dib.Get_DC(), made ? made.Get() : scene.box.font);
+        Gdi_Font made;
+        const Selected_Object font(dib.Get_DC(), Label_Font(scene, made));
         Histo_Plot_Peak_Label(dib.Get_DC(), picture, peaks, Ground_Pixel(scene.box), Text_Pixel(scene.box));
     }
     ::BitBlt(dc.Get(), dc.Left(), dc.Top(), frame.width, frame.height, dib.Get_DC(), 0, 0, SRCCOPY);
@@ -321,7 +369,13 @@ int Histo_Plot_Draw(const Tool_Histo& panel, const Histo_Plot_Scene& scene) {
     }
     const Plot_Frame frame = Frame_Of(scene);
     const Plot_DC dc(scene, "tool_histo_blow: Histo_Plot_Draw");
-    if (dc.Get() == nullptr || frame.Is_Empty()) {
+    if (dc.Get() == nullptr || scene.area.Is_Empty()) {
+        return 1;
+    }
+    if (frame.Is_Empty()) {
+        dc.Device_Units();
+        Draw_Extentless(dc.Get(), scene, {dc.Left(), dc.Top(), dc.Left() + frame.width, dc.Top() + frame.height},
+                        *panel.data->record);
         return 1;
     }
     const Plot_Area area{scene.area.left, scene.area.bottom, scene.area.width, scene.area.height};

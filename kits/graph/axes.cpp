@@ -28,6 +28,7 @@ int Axis_Draw(HDC dc, const Boxs& box, const Plot_Area& area, const char* title,
     try {
         Axis_Request request;
         request.box = Axis_Painter::Device_Rect(dc, box.x, box.y, box.width, box.height);
+        request.frame = box.border;
         request.area = Axis_Painter::Device_Rect(dc, area.left, area.bottom, area.width, area.height);
         Axis_Painter painter(dc, box, Font_Height(box, request.box, request.area));
         request.title = title != nullptr ? title : "";

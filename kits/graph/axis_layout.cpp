@@ -113,10 +113,6 @@ Axis_Layout Axis_Layout_Y(const Axis_Request& request) {
     const int numbers_right = ticks_end - label_gap;
     Plot_Rect room = {box.left, box.top, numbers_right, std::min(box.bottom, area.bottom + tick_length)};
     if (!request.title.empty()) {
-        const int length = request.width(request.title);
-        const int middle = (area.top + area.bottom) / 2;
-        const int top = std::clamp(middle - length / 2, box.top, std::max(box.top, box.bottom - length));
-        Label_Add(layout, {request.title, {box.left, top, box.left + request.line_height, top + length}, true}, box);
         room.left += request.line_height + label_gap;
     }
     const double per_pixel = (static_cast<double>(request.to) - request.from) / area.Height();
@@ -130,6 +126,16 @@ Axis_Layout Axis_Layout_Y(const Axis_Request& request) {
         numbers = Numbers_Of(next, compact);
     }
 
+    if (!request.title.empty()) {
+        const int length = request.width(request.title);
+        const int middle = (area.top + area.bottom) / 2;
+        const int top = std::clamp(middle - length / 2, box.top, std::max(box.top, box.bottom - length));
+        // What the box's frame and the numbers leave free is halved by the title.
+        const int free_columns = std::max(room.Width() - Widest(request, numbers.scale, numbers.format), 0);
+        const int frame = std::min(request.frame, free_columns);
+        const int left = box.left + frame + (free_columns - frame) / 2;
+        Label_Add(layout, {request.title, {left, top, left + request.line_height, top + length}, true}, box);
+    }
     Line_Add(layout, {area.left - outside, area.top, area.left, area.bottom + outside}, box);
     for (std::int64_t i = numbers.scale.first; i <= numbers.scale.last; i++) {
         const double at = Pixel_Of(numbers.scale.Value(i), request.from, request.to, area.Height());

@@ -32,6 +32,7 @@ struct Axis_Layout {
 /** What a layout is made of. */
 struct Axis_Request {
     Plot_Rect box;   ///< nothing may stand outside it
+    int frame = 0;   ///< pixels of the box's edge that its frame takes; titles keep off it where there is room
     Plot_Rect area;  ///< the data's rectangle; nothing may stand inside it
     std::string title;
     float from = 0.0F;

@@ -227,7 +227,7 @@ void Drop_List::Close() {
 }
 
 void Drop_List::Paint(Surface& picture) const {
-    const Theme& theme = Theme_Now();
+    const Theme& theme = Theme_On(Rgb_Of(request.look.color));
     Draw_Face(picture, {0, 0, area.width, area.height}, theme.field, theme.line_strong, list_border);
     const Rect bar = Bar();
     const int width = area.width - 2 * list_border - bar.width;

@@ -40,7 +40,7 @@ struct Parts_State {
 };
 
 void Paint_Arrow(Surface& picture, const Selects& list, const Rect& rect, Select_Part part, const Parts_State& state) {
-    const Theme& theme = Theme_Now();
+    const Theme& theme = Theme_On(Rgb_Of(list.color));
     const bool previous = part == Select_Part::Previous;
     const int target = list.current + (previous ? -1 : 1);
     const bool inactive = Widget_Inactive(list);
@@ -50,7 +50,7 @@ void Paint_Arrow(Surface& picture, const Selects& list, const Rect& rect, Select
 }
 
 void Paint_Field(Surface& picture, const Selects& list, const Rect& rect, const Parts_State& state) {
-    const Theme& theme = Theme_Now();
+    const Theme& theme = Theme_On(Rgb_Of(list.color));
     const bool inactive = Widget_Inactive(list);
     const bool hovered = state.hovered == Select_Part::Field;
     const bool pressed = state.pressed == Select_Part::Field;
@@ -76,7 +76,7 @@ bool Paint(const Selects& list, const Parts_State& state, bool item_only) {
     const bool has_item = list.item != nullptr && list.current >= 0 && list.current < list.item_nb;
     const char* const item = has_item ? list.item[list.current].text : "";
     Shown_Note(list, {Widget_Kind::LIST, list.name, {item, ::strnlen(item, sizeof(Select_Item::text))}});
-    const Theme& theme = Theme_Now();
+    const Theme& theme = Theme_On(Rgb_Of(list.color));
     const Select_Layout layout = Layout_Of(list);
     Surface& picture = painter.Picture();
     Paint_Field(picture, list, layout.field, state);

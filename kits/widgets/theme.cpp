@@ -78,6 +78,14 @@ const Theme& Theme_Now() {
     return theme_now == Library_Theme::Dark ? dark_theme : light_theme;
 }
 
+const Theme& Theme_On(Rgb ground) {
+    const int brightness = Brightness(ground);
+    if (brightness <= Brightness(dark_theme.panel)) {
+        return dark_theme;
+    }
+    return brightness >= Brightness(light_theme.panel) ? light_theme : Theme_Now();
+}
+
 void Library_Theme_Set(Library_Theme theme) {
     theme_now = theme;
 }

@@ -20,6 +20,9 @@ struct Theme {
 };
 
 const Theme& Theme_Now();
+/** The colours for the parts of a widget whose own ground is this one: those of the theme, but on a ground that is as
+ *  dark or as light as the other theme's, that one's. */
+const Theme& Theme_On(Rgb ground);
 
 Rgb Rgb_Of(const Colors& color);
 Rgb Rgb_Make(int red, int green, int blue);  ///< components are cut to 0 .. 255

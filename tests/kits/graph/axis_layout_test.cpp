@@ -81,6 +81,24 @@ TEST(AxisLayout, UsualPlotsHaveNumbersAndTitles) {
     EXPECT_EQ(y.tick_at.size(), y.labels.size() - 1);
 }
 
+TEST(AxisLayout, TheUprightTitleStandsMidwayBetweenTheEdgeAndTheNumbers) {
+    for (const int width : {300, 800, 3800}) {
+        const Axis_Request request = Request(width, width / 2, 0.0F, 3.0e6F, "Pixels");
+        const Axis_Layout layout = Axis_Layout_Y(request);
+        const auto title = std::find_if(layout.labels.begin(), layout.labels.end(),
+                                        [](const Plot_Label& label) { return label.upwards; });
+        ASSERT_NE(title, layout.labels.end());
+        int numbers_left = request.area.left;
+        for (const Plot_Label& label : layout.labels) {
+            numbers_left = label.upwards ? numbers_left : std::min(numbers_left, label.rect.left);
+        }
+        const int before = title->rect.left - request.box.left;
+        const int behind = numbers_left - title->rect.right;
+        EXPECT_GT(before, 0) << width;
+        EXPECT_NEAR(before, behind, 3) << width;
+    }
+}
+
 TEST(AxisLayout, TicksStandAtTheirValues) {
     Axis_Request request = Request(600, 400, 0, 100, "");
     request.area = {60, 20, 560, 320};

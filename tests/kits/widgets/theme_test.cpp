@@ -43,6 +43,21 @@ TEST(Theme, BothThemesAreReadable) {
     EXPECT_NE(Theme_Now().panel, light_panel);
 }
 
+TEST(Theme, PartsOnAGroundOfTheOtherThemeHaveItsColours) {
+    Library_Theme_Set(Library_Theme::Light);
+    const Theme& light = Theme_Now();
+    Library_Theme_Set(Library_Theme::Dark);
+    const Theme& dark = Theme_Now();
+    for (const Library_Theme theme : {Library_Theme::Light, Library_Theme::Dark}) {
+        Library_Theme_Set(theme);
+        EXPECT_EQ(&Theme_On(dark.panel), &dark);
+        EXPECT_EQ(&Theme_On(0x000000), &dark);
+        EXPECT_EQ(&Theme_On(light.panel), &light);
+        EXPECT_EQ(&Theme_On(0xFFFFFF), &light);
+        EXPECT_EQ(&Theme_On(0x8C8C8C), &Theme_Now()) << "a ground between the two";
+    }
+}
+
 TEST(Theme, ContrastIsReadableOnEveryColourAndNeverBlack) {
     for (int red = 0; red <= 255; red += 17) {
         for (int green = 0; green <= 255; green += 17) {
