@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <span>
 
 namespace {
 
@@ -72,6 +73,14 @@ Bin_Range Kept_Bins(const Histo_Record& frame, const Histo_Record& record) {
 void Add_Consecutive(std::uint32_t* target, const std::uint32_t* source, int nb) {
     for (int k = 0; k < nb; ++k) {
         target[k] += source[k];
+    }
+}
+
+/** One pass over the sums for four frames: reading and writing the sums would take as long as reading the frames. */
+void Add_Four(std::uint32_t* target, const std::array<const std::uint32_t*, 4>& source, int nb) {
+    const auto [a, b, c, d] = source;
+    for (int k = 0; k < nb; ++k) {
+        target[k] += (a[k] + b[k]) + (c[k] + d[k]);
     }
 }
 
@@ -286,59 +295,66 @@ Histogram_Merger::~Histogram_Merger() {
     Finish();
 }
 
-bool Histogram_Merger::Same_Grid(const Histo_Record& frame) const {
-    return frame.nb_bins == pending->nb_bins && frame.origin == pending->origin &&
-           frame.bin_width == pending->bin_width && (frame.flags & HISTO_COLOR) == (pending->flags & HISTO_COLOR);
+bool Histogram_Merger::Fits_Run(const Histo_Record& frame) const {
+    return frame.nb_bins == run->nb_bins && frame.origin == run->origin && frame.bin_width == run->bin_width &&
+           Arrays_Of(frame).nb == Arrays_Of(*run).nb;
 }
 
-void Histogram_Merger::Sum(const Histo_Record& frame) {
-    static_assert(ARRAY_NB == ARRAYS_NB);
-    const Array_List next = Arrays_Of(frame);
-    if (!summed) {
-        const Array_List first = Arrays_Of(*pending);
-        for (int a = 0; a < first.nb; ++a) {
-            const auto at = static_cast<std::size_t>(a);
-            const std::uint32_t* one = first.array[at];
-            const std::uint32_t* other = next.array[at];
-            std::uint32_t* sum = run_sums[at].data();
-            for (int bin = 0; bin < frame.nb_bins; ++bin) {
-                sum[bin] = one[bin] + other[bin];
-            }
+void Histogram_Merger::Sum_Group() {
+    const int array_nb = Arrays_Of(*run).nb;
+    for (std::size_t a = 0; a < static_cast<std::size_t>(array_nb); ++a) {
+        std::uint32_t* sum = run_sums[a].data();
+        if (!summed) {
+            std::fill_n(sum, run->nb_bins, 0U);
         }
-        summed = true;
-        return;
+        std::array<const std::uint32_t*, GROUP> source{};
+        std::size_t source_nb = 0;
+        for (const Histo_Record* frame : std::span(group).first(static_cast<std::size_t>(group_nb))) {
+            source[source_nb++] = Arrays_Of(*frame).array[a];
+        }
+        if (source_nb == GROUP) {
+            Add_Four(sum, source, run->nb_bins);
+            continue;
+        }
+        for (const std::uint32_t* one : std::span(source).first(source_nb)) {
+            Add_Consecutive(sum, one, run->nb_bins);
+        }
     }
-    for (int a = 0; a < next.nb; ++a) {
-        Add_Consecutive(run_sums[static_cast<std::size_t>(a)].data(), next.array[static_cast<std::size_t>(a)],
-                        frame.nb_bins);
-    }
+    summed = true;
+    group_nb = 0;
 }
 
 void Histogram_Merger::Add(const Histo_Record& frame) {
     if (frame.counts == nullptr) {
         return;
     }
-    if (pending != nullptr && Same_Grid(frame)) {
-        Sum(frame);
-        return;
+    if (run != nullptr && !Fits_Run(frame)) {
+        Finish();
     }
-    Finish();
-    pending = &frame;
+    if (run == nullptr) {
+        run = &frame;
+    }
+    group[static_cast<std::size_t>(group_nb++)] = &frame;
+    if (group_nb == GROUP) {
+        Sum_Group();
+    }
 }
 
 void Histogram_Merger::Finish() {
-    if (pending == nullptr) {
+    if (run == nullptr) {
         return;
     }
-    Array_List source = Arrays_Of(*pending);
-    if (summed) {
+    Array_List source = Arrays_Of(*run);
+    if (summed || group_nb > 1) {
+        Sum_Group();
         for (int a = 0; a < source.nb; ++a) {
             source.array[static_cast<std::size_t>(a)] = run_sums[static_cast<std::size_t>(a)].data();
         }
     }
-    Map(source, *pending, record);
-    pending = nullptr;
+    Map(source, *run, record);
+    run = nullptr;
     summed = false;
+    group_nb = 0;
 }
 
 std::uint32_t Histogram_Max_Count(const Histo_Record& record) {

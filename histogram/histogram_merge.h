@@ -6,6 +6,7 @@
  */
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "host/kit_dataset.h"
@@ -57,14 +58,16 @@ class Histogram_Merger {
     void Finish();
 
   private:
-    static constexpr int ARRAY_NB = 5;
+    static constexpr int GROUP = 4;  // frames that are summed at a time
 
-    bool Same_Grid(const Histo_Record& frame) const;
-    void Sum(const Histo_Record& frame);
+    bool Fits_Run(const Histo_Record& frame) const;  // the same grid and as many arrays
+    void Sum_Group();
 
     Histo_Record& record;
-    const Histo_Record* pending = nullptr;  // first frame of the run; gives the run's grid
-    bool summed = false;                    // the run has more than one frame: its sums stand in the scratch arrays
+    const Histo_Record* run = nullptr;               // first frame of the run; gives the run's grid
+    bool summed = false;                             // the scratch arrays hold sums of the run
+    std::array<const Histo_Record*, GROUP> group{};  // frames of the run that are not summed yet
+    int group_nb = 0;
 };
 
 /** Largest count of all arrays of a record (the component arrays only with HISTO_COLOR); 0 without bins. */

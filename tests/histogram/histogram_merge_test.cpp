@@ -238,6 +238,45 @@ TEST(Histogram_Merger, Is_Identical_To_The_Plain_Rule_On_Random_Grids) {
     }
 }
 
+TEST(Histogram_Merger, Sums_Runs_Of_Any_Length_Also_With_Frames_That_Lack_Components) {
+    std::mt19937 random(8);
+    enum Kind { GREY, COLOR, INCOMPLETE };
+    for (int round = 0; round < 300; ++round) {
+        const Record_Ptr fast = Empty_On({0.0F, 1.0F, 40});
+        const Record_Ptr plain = Empty_On({0.0F, 1.0F, 40});
+        fast->Color_Add();
+        plain->Color_Add();
+        std::vector<Record_Ptr> frames;
+        const bool mixed = round % 2 == 0;
+        for (int f = 0; f < 1 + round % 13; ++f) {
+            const Kind kind = mixed ? static_cast<Kind>(random() % 3) : static_cast<Kind>(round % 3);
+            std::vector<std::uint32_t> values(40);
+            for (auto& value : values) {
+                value = static_cast<std::uint32_t>(random());
+            }
+            frames.push_back(std::make_unique<Record>(0.0F, 1.0F, std::move(values), kind != GREY));
+            Histo_Record& frame = frames.back()->record;
+            if (kind == INCOMPLETE) {
+                frame.flags &= static_cast<decltype(frame.flags)>(~HISTO_COLOR);
+                Merge_Plainly(plain->record, frame);
+                frame.flags |= HISTO_COLOR;
+                frame.counts_green = nullptr;
+            } else {
+                Merge_Plainly(plain->record, frame);
+            }
+        }
+        {
+            Histogram_Merger merger(fast->record);
+            for (const Record_Ptr& frame : frames) {
+                merger.Add(frame->record);
+            }
+        }
+        for (std::size_t a = 0; a < 5; ++a) {
+            ASSERT_EQ(fast->arrays[a], plain->arrays[a]) << "round " << round << " array " << a;
+        }
+    }
+}
+
 TEST(Histogram_Merger, Spreads_Wide_Bins_Like_The_Plain_Rule_Whatever_Their_Number) {
     std::mt19937 random(9);
     for (const int nb_bins : {1, 2, 3, 4, 5, 7, 8, 9, 1000, 65535}) {
