@@ -99,6 +99,21 @@ TEST(AxisLayout, TheUprightTitleStandsMidwayBetweenTheEdgeAndTheNumbers) {
     }
 }
 
+TEST(AxisLayout, TheUprightTitleLeavesTheFrameOfItsBoxFree) {
+    Axis_Request request = Request(800, 400, 0.0F, 3.0e6F, "Pixels");
+    const auto title_left = [&] {
+        const Axis_Layout layout = Axis_Layout_Y(request);
+        const auto title = std::find_if(layout.labels.begin(), layout.labels.end(),
+                                        [](const Plot_Label& label) { return label.upwards; });
+        return title != layout.labels.end() ? title->rect.left : -1;
+    };
+    const int unframed = title_left();
+    request.frame = 2;
+    EXPECT_EQ(title_left(), unframed + 1) << "midway between frame and numbers";
+    request.frame = 1000;
+    EXPECT_LT(title_left(), request.area.left) << "a frame that leaves no room";
+}
+
 TEST(AxisLayout, TicksStandAtTheirValues) {
     Axis_Request request = Request(600, 400, 0, 100, "");
     request.area = {60, 20, 560, 320};

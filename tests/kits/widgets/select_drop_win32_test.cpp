@@ -56,6 +56,19 @@ int Row_Height(HWND pop_up) {
     return (static_cast<int>(client.bottom) - 2) / 4;
 }
 
+/** Notes the colours along the left of the list and closes it. */
+void Colors_Note(HWND pop_up) {
+    RECT client = {};
+    ::GetClientRect(pop_up, &client);
+    const Window_DC dc(pop_up);
+    const int height = static_cast<int>(client.bottom);
+    for (int y = 0; y < height; ++y) {
+        const COLORREF color = ::GetPixel(dc.Get(), 3, y);
+        shown_colors.insert(Rgb_Make(GetRValue(color), GetGValue(color), GetBValue(color)));
+    }
+    Click_At(pop_up, -5, -5);
+}
+
 class Drop_Window_Test : public testing::Test {
   protected:
     Drop_Window_Test() {
@@ -114,19 +127,19 @@ TEST_F(Drop_Window_Test, it_stands_below_the_field_and_captures_the_mouse) {
 }
 
 TEST_F(Drop_Window_Test, it_shows_its_rows) {
-    Open([](HWND pop_up) {
-        RECT client = {};
-        ::GetClientRect(pop_up, &client);
-        const Window_DC dc(pop_up);
-        const int height = static_cast<int>(client.bottom);
-        for (int y = 0; y < height; ++y) {
-            const COLORREF color = ::GetPixel(dc.Get(), 3, y);
-            shown_colors.insert(Rgb_Make(GetRValue(color), GetGValue(color), GetBValue(color)));
-        }
-        Click_At(pop_up, -5, -5);
-    });
+    Open(Colors_Note);
     EXPECT_TRUE(shown_colors.contains(Theme_Now().accent));  // the current row
     EXPECT_TRUE(shown_colors.contains(Theme_Now().field));
+}
+
+TEST_F(Drop_Window_Test, on_the_ground_of_the_other_theme_it_has_that_ones_colours) {
+    const Rgb field_of_dark = Theme_Now().field;
+    Library_Theme_Set(Library_Theme::Light);
+    list.Set_Color(0, 0, 0);
+    Open(Colors_Note);
+    EXPECT_TRUE(shown_colors.contains(field_of_dark));
+    EXPECT_FALSE(shown_colors.contains(Theme_Now().field));
+    Library_Theme_Set(Library_Theme::Dark);
 }
 
 TEST_F(Drop_Window_Test, press_outside_closes_without_a_pick) {

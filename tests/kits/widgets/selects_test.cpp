@@ -323,6 +323,24 @@ TEST_P(Selects_Test, inactive_list_is_greyed_and_takes_nothing) {
     EXPECT_EQ(before, window.Pixels());
 }
 
+TEST_P(Selects_Test, parts_on_the_ground_of_the_other_theme_have_its_colours) {
+    const Rgb field_of_dark = Theme_Now().field;
+    const Rgb face_of_dark = Theme_Now().face;
+    Library_Theme_Set(Library_Theme::Light);
+    EXPECT_NE(field_of_dark, Theme_Now().field);
+    const int field_x = left + width - 2 * arrow - 4;
+    const int arrow_x = left + width - 3;
+    list.Set_Color(0, 0, 0);
+    list.Draw();
+    EXPECT_EQ(field_of_dark, window.Pixel(field_x, top + 3));
+    EXPECT_EQ(face_of_dark, window.Pixel(arrow_x, top + 3));
+    list.Set_Color(255, 255, 255);
+    list.Draw();
+    EXPECT_EQ(Theme_Now().field, window.Pixel(field_x, top + 3));
+    EXPECT_EQ(Theme_Now().face, window.Pixel(arrow_x, top + 3));
+    Library_Theme_Set(Library_Theme::Dark);
+}
+
 TEST_P(Selects_Test, part_under_the_pointer_is_lit_and_goes_out_again) {
     list.Draw();
     const int x = left + width - 3;
