@@ -22,7 +22,7 @@ constexpr const char* WIDGETS = "Kit_Widgets.dll";
 class Tag_Bench {
   public:
     /** @param tag_nb TAGs in the table; @param row_nb rows in view */
-    Tag_Bench(int tag_nb, int row_nb) : window(Test_Window_Make(WINDOW_WIDTH, WINDOW_HEIGHT)) {
+    Tag_Bench(int tag_nb, int row_nb) : window(Panel_Window_Make(WINDOW_WIDTH, WINDOW_HEIGHT)) {
         Window_Axis_Set(window, Window_Axis::Down);
         const std::pair<const char*, int> dimensions[] = {{"$INTERFACE_BORDER_DIM", 2},
                                                           {"$INTERFACE_BUTTON_DIM_SML", ROW - 2},
@@ -58,13 +58,13 @@ class Tag_Bench {
     }
     ~Tag_Bench() {
         Window_Forget(window);
-        Test_Window_End(window);
+        Panel_Window_End(window);
     }
     Tag_Bench(const Tag_Bench&) = delete;
     Tag_Bench& operator=(const Tag_Bench&) = delete;
 
     void Point_At(int x, int y) const {
-        Test_Window_To_Screen(window, &x, &y);
+        Panel_Window_To_Screen(window, &x, &y);
         YCursor_X = x;
         YCursor_Y = y;
     }

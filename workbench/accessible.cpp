@@ -2,7 +2,6 @@
 
 #include <oleacc.h>
 
-#include <atomic>
 #include <cstddef>
 #include <exception>
 #include <optional>
@@ -11,28 +10,22 @@
 #include "kits/widgets/shown_widgets.h"
 #include "workbench/accessible_snapshot.h"
 #include "workbench/automation_provider.h"
+#include "workbench/com_object.h"
+#include "workbench/system_library.h"
 #include "workbench/wide_text.h"
 
 namespace {
 
-/** The system's library is loaded with the first question: most sessions are never asked. */
-struct System_Library {
-    HMODULE handle = ::LoadLibraryW(L"oleacc.dll");
-    template <class Function>
-    Function Find(const char* name) const {
-        void* const address = handle == nullptr ? nullptr : reinterpret_cast<void*>(::GetProcAddress(handle, name));
-        return reinterpret_cast<Function>(address);
-    }
-};
+/** Loaded with the first question: most sessions are never asked. */
 const System_Library& Library() {
-    static const System_Library library;
+    static const System_Library library(L"oleacc.dll");
     return library;
 }
 using Object_To_Answer = LRESULT(WINAPI*)(REFIID, WPARAM, LPUNKNOWN);
 using Window_To_Object = HRESULT(WINAPI*)(HWND, DWORD, REFIID, void**);
 
 /** The system's object for a window. Its children are numbers, 1 and up: the parts. */
-class Accessible_Window final : public IAccessible {
+class Accessible_Window final : public Com_Object<IAccessible> {
   public:
     Accessible_Window(HWND of_window, std::weak_ptr<Accessible_Source> answers)
         : window(of_window), source(std::move(answers)) {}
@@ -50,14 +43,6 @@ class Accessible_Window final : public IAccessible {
         }
         *object = nullptr;
         return E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references;
-        if (left == 0) {
-            delete this;
-        }
-        return left;
     }
 
     // IDispatch: late binding is not offered.
@@ -212,8 +197,6 @@ class Accessible_Window final : public IAccessible {
     HRESULT STDMETHODCALLTYPE put_accValue(VARIANT, BSTR) override { return DISP_E_MEMBERNOTFOUND; }
 
   private:
-    ~Accessible_Window() = default;
-
     static std::vector<Accessible_Part> Parts(const Accessible_Source& asked) {
         return asked.parts ? asked.parts() : std::vector<Accessible_Part>();
     }
@@ -272,7 +255,6 @@ class Accessible_Window final : public IAccessible {
 
     HWND window;
     std::weak_ptr<Accessible_Source> source;
-    std::atomic<ULONG> references = 1;
 };
 
 /** Blanks at the ends of a caption only place it. */

@@ -10,6 +10,8 @@
 
 #include "workbench/accessible_snapshot.h"
 #include "workbench/automation_patterns.h"
+#include "workbench/com_object.h"
+#include "workbench/system_library.h"
 
 namespace {
 
@@ -69,18 +71,10 @@ std::wstring Status_Text(LONG state) {
     return text;
 }
 
-/** The system's library is loaded with the first question: most sessions are never asked. */
-struct System_Library {
-    HMODULE handle = ::LoadLibraryW(L"uiautomationcore.dll");
-    template <class Function>
-    Function Find(const char* name) const {
-        void* const address = handle == nullptr ? nullptr : reinterpret_cast<void*>(::GetProcAddress(handle, name));
-        return reinterpret_cast<Function>(address);
-    }
-};
+/** Loaded with the first question: most sessions are never asked. */
 std::atomic<bool> is_library_loaded = false;
 const System_Library& Library() {
-    static const System_Library library;
+    static const System_Library library(L"uiautomationcore.dll");
     is_library_loaded = true;
     return library;
 }
@@ -89,12 +83,9 @@ using Window_To_Provider = HRESULT(WINAPI*)(HWND, IRawElementProviderSimple**);
 
 /** A window, or one of its parts. Holds no state of its own, so that any thread may ask; without the flag for COM's
  *  threading UI Automation does so on its threads, and none of them waits for the window's message loop. */
-class Automation_Element final : public IRawElementProviderSimple,
-                                 public IRawElementProviderFragment,
-                                 public IRawElementProviderFragmentRoot,
-                                 public Automation_Invoke,
-                                 public Automation_Value,
-                                 public Automation_Selection_Item {
+class Automation_Element final
+    : public Com_Object<IRawElementProviderSimple, IRawElementProviderFragment, IRawElementProviderFragmentRoot,
+                        Automation_Invoke, Automation_Value, Automation_Selection_Item> {
   public:
     /** @param number of the part, from 1; 0: the window */
     Automation_Element(HWND of_window, int number) : window(of_window), part_number(number) {}
@@ -110,14 +101,6 @@ class Automation_Element final : public IRawElementProviderSimple,
         }
         AddRef();
         return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references;
-        if (left == 0) {
-            delete this;
-        }
-        return left;
     }
 
     // IRawElementProviderSimple
@@ -288,8 +271,6 @@ class Automation_Element final : public IRawElementProviderSimple,
     }
 
   private:
-    ~Automation_Element() = default;
-
     void* Interface(REFIID wanted) {
         if (wanted == __uuidof(IUnknown) || wanted == __uuidof(IRawElementProviderSimple)) {
             return static_cast<IRawElementProviderSimple*>(this);
@@ -350,7 +331,6 @@ class Automation_Element final : public IRawElementProviderSimple,
 
     const HWND window;
     const int part_number;
-    std::atomic<ULONG> references = 1;
 };
 
 }  // namespace

@@ -2,16 +2,12 @@
 
 #include <windows.h>
 
-#include <cwchar>
+#include "workbench/enlarged_window.h"
 
 namespace {
 
-constexpr const wchar_t* enlarged_class = L"Histogram";
-
 BOOL CALLBACK Give(HWND window, LPARAM icon) {
-    wchar_t name[32] = {};
-    ::GetClassNameW(window, name, 32);
-    if (std::wcscmp(name, enlarged_class) != 0) {
+    if (!Is_Enlarged_Window(window)) {
         return TRUE;
     }
     ::SendMessageW(window, WM_SETICON, ICON_BIG, icon);

@@ -1,20 +1,13 @@
 #include "workbench/enlarged_keyboard.h"
 
-#include <cwchar>
 #include <vector>
 
 #include "kits/widgets/shown_widgets.h"
 #include "kits/widgets/widgets_host.h"
+#include "workbench/enlarged_window.h"
 #include "workbench/model/enlarged_keys.h"
 
 namespace {
-
-constexpr const wchar_t* class_name = L"Histogram";  // of the panels' module
-
-bool Is_Enlarged(HWND window) {
-    wchar_t name[32] = {};
-    return window != nullptr && ::GetClassNameW(window, name, 32) > 0 && std::wcscmp(name, class_name) == 0;
-}
 
 /** Alt is part of another message; with Ctrl, letters are other characters. */
 bool Is_Ctrl() {
@@ -57,7 +50,8 @@ void Do(HWND window, const Enlarged_Act& act) {
 }  // namespace
 
 bool Enlarged_Key_Dispatch(const MSG& message) {
-    if ((message.message != WM_KEYDOWN && message.message != WM_CHAR) || !Is_Enlarged(message.hwnd) || Is_Ctrl()) {
+    if ((message.message != WM_KEYDOWN && message.message != WM_CHAR) || !Is_Enlarged_Window(message.hwnd) ||
+        Is_Ctrl()) {
         return false;
     }
     const int key = Parse_Keyboard(message.hwnd, message.message, message.wParam, message.lParam);

@@ -534,9 +534,9 @@ TEST_F(Dialog_Layout_Test, what_does_not_fit_is_not_shown_either) {
          [](HWND dialog) {
              const auto [width, height] = Client(dialog);
              ::SendMessageA(dialog, WM_KEYDOWN, VK_END, 1);
-             const auto before = Test_Window_Read(dialog, width, height);
+             const auto before = Panel_Window_Read(dialog, width, height);
              Type_Keys(dialog, "w");
-             EXPECT_EQ(Test_Window_Read(dialog, width, height), before);
+             EXPECT_EQ(Panel_Window_Read(dialog, width, height), before);
              ::SendMessageA(dialog, WM_KEYDOWN, VK_BACK, 1);
          },
          Save});

@@ -169,25 +169,27 @@ class Widget_Calls {
         Note_Result(number, result);
         return result;
     }
+    /** Notes the text of a call and makes it. */
+    template <class Tag>
+    static void Note_Text(const char* operation, Texts* field, const char* format, va_list arguments) {
+        char text[TEXTS_SIZE];
+        std::vsnprintf(text, sizeof text, format, arguments);
+        Note(operation, field).text = text;
+        Real<Tag, void(Texts*, const char*, ...)>::function(field, "%s", text);
+    }
     struct Text_Read_Tag {};
     static void Text_Read(Texts* field, const char* format, ...) {
-        char text[TEXTS_SIZE];
         va_list arguments;
         va_start(arguments, format);
-        std::vsnprintf(text, sizeof text, format, arguments);
+        Note_Text<Text_Read_Tag>("Texts::Read", field, format, arguments);
         va_end(arguments);
-        Note("Texts::Read", field).text = text;
-        Real<Text_Read_Tag, void(Texts*, const char*, ...)>::function(field, "%s", text);
     }
     struct Text_Write_Tag {};
     static void Text_Write(Texts* field, const char* format, ...) {
-        char text[TEXTS_SIZE];
         va_list arguments;
         va_start(arguments, format);
-        std::vsnprintf(text, sizeof text, format, arguments);
+        Note_Text<Text_Write_Tag>("Texts::Write", field, format, arguments);
         va_end(arguments);
-        Note("Texts::Write", field).text = text;
-        Real<Text_Write_Tag, void(Texts*, const char*, ...)>::function(field, "%s", text);
     }
 
     static inline Widget_Calls* current = nullptr;

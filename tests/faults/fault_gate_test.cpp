@@ -122,7 +122,7 @@ TEST(Faults_Run, reports_what_is_not_given_back_when_a_call_fails) {
 TEST(Faults_Run, reports_what_looks_different_after_a_call_has_failed) {
     int reports = 0;
     const Fault_Row row =
-        Defect_Row([](const Panel_Window& window) { Test_Window_Fill(window.Get(), 1, 1, 0x334455); }, &reports);
+        Defect_Row([](const Panel_Window& window) { Panel_Window_Fill(window.Get(), 1, 1, 0x334455); }, &reports);
     EXPECT_LT(row.same_picture, row.failed);
     EXPECT_EQ(reports, row.failed - row.same_picture);
 }

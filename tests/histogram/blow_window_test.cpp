@@ -260,7 +260,7 @@ TEST_F(Blow_Window, the_corners_follow_only_inside_the_plot_box) {
 
 TEST_F(Blow_Window, a_drag_that_loses_the_mouse_is_dropped) {
     Open();
-    const auto picture = [] { return Test_Window_Read(Window(), CLIENT_WIDTH, CLIENT_HEIGHT); };
+    const auto picture = [] { return Panel_Window_Read(Window(), CLIENT_WIDTH, CLIENT_HEIGHT); };
     const auto before = picture();
     Press(200, 100);
     Move(400, 200);
@@ -308,7 +308,7 @@ TEST_F(Blow_Window, a_press_on_a_button_begins_a_drag_too) {
 
 TEST_F(Blow_Window, a_rectangle_without_extent_leaves_no_mark) {
     Open();
-    const auto picture = [] { return Test_Window_Read(Window(), CLIENT_WIDTH, CLIENT_HEIGHT); };
+    const auto picture = [] { return Panel_Window_Read(Window(), CLIENT_WIDTH, CLIENT_HEIGHT); };
     const auto before = picture();
     Press(400, 200);
     Send(DATA);
@@ -568,7 +568,7 @@ TEST_F(Blow_Window, controls_light_up_under_the_pointer_and_go_out_when_it_leave
 
 TEST_F(Blow_Window, no_control_is_still_lit_up_when_the_window_opens_again) {
     Open();
-    const auto picture = [] { return Test_Window_Read(Window(), CLIENT_WIDTH, CLIENT_HEIGHT); };
+    const auto picture = [] { return Panel_Window_Read(Window(), CLIENT_WIDTH, CLIENT_HEIGHT); };
     const auto fresh = picture();
     const Selects& select = histo_blow.tag_select;
     Move(select.x + select.width - 3, select.y + 3);
@@ -606,7 +606,7 @@ TEST_F(Blow_Window, every_pixel_is_painted_and_the_rim_keeps_the_class_colour) {
     }
     ::InvalidateRect(Window(), nullptr, TRUE);
     ::UpdateWindow(Window());
-    const std::vector<std::uint32_t> pixels = Test_Window_Read(Window(), CLIENT_WIDTH, CLIENT_HEIGHT);
+    const std::vector<std::uint32_t> pixels = Panel_Window_Read(Window(), CLIENT_WIDTH, CLIENT_HEIGHT);
     int unpainted = 0;
     for (const std::uint32_t pixel : pixels) {
         unpainted += pixel == 0x123456U ? 1 : 0;

@@ -109,17 +109,6 @@ BOOL WINAPI Text_Out(HDC dc, int x, int y, LPCSTR text, int length) {
     return text_out(dc, x, y, text, length);
 }
 
-std::vector<std::string> Labels_Drawn(Plot_Stage& plot) {
-    std::vector<std::string> texts;
-    const Import_Hook hook("", "gdi32.dll", "TextOutA", reinterpret_cast<void*>(&Text_Out));
-    EXPECT_TRUE(hook.Is_Set());
-    text_out = reinterpret_cast<decltype(text_out)>(hook.Original());
-    texts_seen = &texts;
-    plot.Draw();
-    texts_seen = nullptr;
-    return texts;
-}
-
 /** Texts that go through DrawTextA: notes in place of curves. */
 int(WINAPI* draw_text)(HDC, LPCSTR, int, LPRECT, UINT) = nullptr;
 int WINAPI Draw_Text(HDC dc, LPCSTR text, int length, LPRECT place, UINT format) {
@@ -129,15 +118,26 @@ int WINAPI Draw_Text(HDC dc, LPCSTR text, int length, LPRECT place, UINT format)
     return draw_text(dc, text, length, place, format);
 }
 
-std::vector<std::string> Notes_Drawn(Plot_Stage& plot) {
+/** The texts of one drawing that go through `stand_in`, which notes them and calls `original`. */
+template <class Function>
+std::vector<std::string> Texts_Drawn(Plot_Stage& plot, const char* module, const char* name, Function* stand_in,
+                                     Function*& original) {
     std::vector<std::string> texts;
-    const Import_Hook hook("", "user32.dll", "DrawTextA", reinterpret_cast<void*>(&Draw_Text));
+    const Import_Hook hook("", module, name, reinterpret_cast<void*>(stand_in));
     EXPECT_TRUE(hook.Is_Set());
-    draw_text = reinterpret_cast<decltype(draw_text)>(hook.Original());
+    original = reinterpret_cast<Function*>(hook.Original());
     texts_seen = &texts;
     EXPECT_EQ(plot.Draw(), 1);
     texts_seen = nullptr;
     return texts;
+}
+
+std::vector<std::string> Labels_Drawn(Plot_Stage& plot) {
+    return Texts_Drawn(plot, "gdi32.dll", "TextOutA", &Text_Out, text_out);
+}
+
+std::vector<std::string> Notes_Drawn(Plot_Stage& plot) {
+    return Texts_Drawn(plot, "user32.dll", "DrawTextA", &Draw_Text, draw_text);
 }
 
 }  // namespace

@@ -1,19 +1,19 @@
 #include "tests/support/panel_window.h"
 
 Panel_Window::Panel_Window(Window_Axis of_axis, int of_width, int of_height)
-    : window(Test_Window_Make(of_width, of_height)), axis(of_axis), width(of_width), height(of_height) {
+    : window(Panel_Window_Make(of_width, of_height)), axis(of_axis), width(of_width), height(of_height) {
     Window_Axis_Set(window, axis);
     Wipe();
 }
 
 Panel_Window::~Panel_Window() {
     Window_Forget(window);
-    Test_Window_End(window);
+    Panel_Window_End(window);
 }
 
 void Panel_Window::Point_At(int x, int y) const {
     int row = Row(y);
-    Test_Window_To_Screen(window, &x, &row);
+    Panel_Window_To_Screen(window, &x, &row);
     YCursor_X = x;
     YCursor_Y = row;
 }

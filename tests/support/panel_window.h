@@ -11,11 +11,11 @@
 #include "tests/support/window_picture.h"
 
 // The part that differs between window systems.
-HWND Test_Window_Make(int width, int height);
-void Test_Window_End(HWND window);
-void Test_Window_Fill(HWND window, int width, int height, std::uint32_t color);
-std::vector<std::uint32_t> Test_Window_Read(HWND window, int width, int height);
-void Test_Window_To_Screen(HWND window, int* x, int* y);
+HWND Panel_Window_Make(int width, int height);
+void Panel_Window_End(HWND window);
+void Panel_Window_Fill(HWND window, int width, int height, std::uint32_t color);
+std::vector<std::uint32_t> Panel_Window_Read(HWND window, int width, int height);
+void Panel_Window_To_Screen(HWND window, int* x, int* y);
 
 /** A window of its own, gone at the end. */
 class Panel_Window {
@@ -28,9 +28,9 @@ class Panel_Window {
     Panel_Window& operator=(const Panel_Window&) = delete;
 
     HWND Get() const { return window; }
-    Window_Picture Read() const { return {width, height, Test_Window_Read(window, width, height)}; }
+    Window_Picture Read() const { return {width, height, Panel_Window_Read(window, width, height)}; }
     /** Fills it with the marker again. */
-    void Wipe() const { Test_Window_Fill(window, width, height, MARKER); }
+    void Wipe() const { Panel_Window_Fill(window, width, height, MARKER); }
     /** A grey host box of this window, without border. */
     Boxs Host_Box(int x, int y, int box_width, int box_height) const;
     /** Puts the pointer globals on a position of the window's axis. */

@@ -6,17 +6,17 @@ namespace {
 constexpr Point SCREEN_PLACE = {40, 30};
 }
 
-HWND Test_Window_Make(int width, int height) {
+HWND Panel_Window_Make(int width, int height) {
     HWND window = Headless_Window_Create(width, height);
     Headless_Window_Move(window, SCREEN_PLACE);
     return window;
 }
 
-void Test_Window_End(HWND window) {
+void Panel_Window_End(HWND window) {
     Headless_Window_Destroy(window);
 }
 
-void Test_Window_Fill(HWND window, int width, int height, std::uint32_t color) {
+void Panel_Window_Fill(HWND window, int width, int height, std::uint32_t color) {
     Memory_Picture fill;
     fill.Reserve(width, height);
     Surface view = fill.View(width, height);
@@ -25,7 +25,7 @@ void Test_Window_Fill(HWND window, int width, int height, std::uint32_t color) {
     Screen_Show(window, {0, 0}, view, {&all, 1});
 }
 
-std::vector<std::uint32_t> Test_Window_Read(HWND window, int width, int height) {
+std::vector<std::uint32_t> Panel_Window_Read(HWND window, int width, int height) {
     std::vector<std::uint32_t> pixels;
     for (int y = 0; y < height; y++) {
         for (int x = 0; x < width; x++) {
@@ -35,7 +35,7 @@ std::vector<std::uint32_t> Test_Window_Read(HWND window, int width, int height) 
     return pixels;
 }
 
-void Test_Window_To_Screen(HWND, int* x, int* y) {
+void Panel_Window_To_Screen(HWND, int* x, int* y) {
     *x += SCREEN_PLACE.x;
     *y += SCREEN_PLACE.y;
 }

@@ -5,14 +5,9 @@
 #include <stdexcept>
 
 #include "tests/workbench/automation_client.h"
-#include "workbench/window_base.h"
+#include "tests/workbench/told_window.h"
 
 namespace {
-
-class Told_Window : public Window_Base {
-  public:
-    bool Make() { return Create(nullptr, WS_POPUP | WS_VISIBLE, L"plain"); }
-};
 
 Accessible_Source Example(DWORD* thread) {
     Accessible_Source source;

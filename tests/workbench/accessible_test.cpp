@@ -7,22 +7,11 @@
 
 #include "panels/tool_tag.h"
 #include "tests/workbench/heard_window.h"
+#include "tests/workbench/told_window.h"
 #include "workbench/host_variables.h"
 #include "workbench/panel_host.h"
 
 namespace {
-
-class Told_Window : public Window_Base {
-  public:
-    bool Make() { return Create(nullptr, WS_POPUP | WS_VISIBLE, L"plain"); }
-    int presses = 0;
-
-  protected:
-    LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override {
-        presses += message == WM_LBUTTONDOWN ? 1 : 0;
-        return Window_Base::On_Message(message, wparam, lparam);
-    }
-};
 
 Accessible_Source Example() {
     Accessible_Source source;

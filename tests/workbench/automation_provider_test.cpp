@@ -9,6 +9,7 @@
 
 #include "panels/tool_tag.h"
 #include "tests/workbench/automation_client.h"
+#include "tests/workbench/told_window.h"
 #include "workbench/accessible.h"
 #include "workbench/automation_patterns.h"
 #include "workbench/host_variables.h"
@@ -20,18 +21,6 @@ constexpr int control_button = 50000;
 constexpr int control_combo_box = 50003;
 constexpr int control_tree_item = 50024;
 constexpr int control_group = 50026;
-
-class Told_Window : public Window_Base {
-  public:
-    bool Make() { return Create(nullptr, WS_POPUP | WS_VISIBLE, L"plain"); }
-    int presses = 0;
-
-  protected:
-    LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override {
-        presses += message == WM_LBUTTONDOWN ? 1 : 0;
-        return Window_Base::On_Message(message, wparam, lparam);
-    }
-};
 
 Accessible_Source Example() {
     Accessible_Source source;
