@@ -7,7 +7,7 @@ endfunction()
 if(MINGW AND CMAKE_BUILD_TYPE STREQUAL Debug)
     # One source for each header, that has nothing but it.
     file(GLOB_RECURSE headers RELATIVE "${PROJECT_SOURCE_DIR}" CONFIGURE_DEPENDS
-        host/*.h win32/*.h kits/*.h panels/*.h histogram/*.h database/*.h volumes/*.h workbench/*.h tests/*.h)
+        host/*.h base/*.h kits/*.h panels/*.h histogram/*.h database/*.h workbench/*.h tests/*.h)
     set(sources)
     foreach(header IN LISTS headers)
         string(REPLACE "/" "__" name "${header}")

@@ -32,6 +32,7 @@ set(kit_public_headers
     kits/widgets/widgets_host.h
     panels/brush_disc.h
     panels/kit_panels.h
+    panels/protocol/kit_panels.h
     panels/label_grid.h
     panels/label_grid_geometry.h
     panels/tool_brush.h
@@ -39,7 +40,7 @@ set(kit_public_headers
     panels/tool_propagate.h
     panels/tool_tag.h
     panels/version_export.h
-    win32/gdi_handles.h)
+    base/gdi_handles.h)
 foreach(header IN LISTS kit_public_headers)
     cmake_path(GET header PARENT_PATH folder)
     install(FILES "${PROJECT_SOURCE_DIR}/${header}" DESTINATION include/kit_panels/${folder} COMPONENT development)

@@ -7,7 +7,7 @@
 #include <cstdint>
 
 #include "host/platform.h"
-#include "panels/kit_panels.h"
+#include "panels/protocol/kit_panels.h"
 
 inline constexpr std::uint16_t DB_FLAG_EXPANDED = 0x1;  ///< children are shown
 inline constexpr std::uint16_t DB_FLAG_LEAF = 0x2;      ///< selectable, without children

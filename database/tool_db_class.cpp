@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "host/kit_dataset.h"
-#include "panels/host_variables.h"
+#include "panels/protocol/host_variables.h"
 
 namespace {
 

@@ -6,10 +6,10 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/gdi_handles.h"
 #include "host/kit_common.h"
 #include "host/kit_widgets.h"
-#include "panels/host_variables.h"
-#include "win32/gdi_handles.h"
+#include "panels/protocol/host_variables.h"
 
 namespace {
 

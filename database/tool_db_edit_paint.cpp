@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "database/tool_db_edit.h"
-#include "panels/host_variables.h"
+#include "panels/protocol/host_variables.h"
 
 namespace {
 

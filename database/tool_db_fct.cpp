@@ -6,7 +6,7 @@
 #include "database/text_widths.h"
 #include "database/tool_db_fct_paint.h"
 #include "host/kit_common.h"
-#include "panels/host_variables.h"
+#include "panels/protocol/host_variables.h"
 
 DB_Drag db_drag;
 

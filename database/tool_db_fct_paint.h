@@ -1,7 +1,7 @@
 /** Drawing of tree rows with GDI, for tool_db_fct.cpp. Windows only. */
 #pragma once
 
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include "database/text_widths.h"
 #include "database/tree_rows.h"

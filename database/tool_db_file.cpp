@@ -6,7 +6,7 @@
 #include "database/frame_index.h"
 #include "host/kit_common.h"
 #include "host/kit_dataset.h"
-#include "panels/host_variables.h"
+#include "panels/protocol/host_variables.h"
 
 namespace {
 

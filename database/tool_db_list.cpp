@@ -6,7 +6,7 @@
 #include "database/tool_db_edit.h"
 #include "database/tool_db_fct.h"
 #include "host/kit_common.h"
-#include "panels/host_variables.h"
+#include "panels/protocol/host_variables.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "database/db_list.h"
 #include "host/kit_dataset.h"
 #include "host/kit_widgets.h"
-#include "panels/kit_panels.h"
+#include "panels/protocol/kit_panels.h"
 
 inline constexpr int DB_WARNING_LABELS = 2;  ///< the title " Warning!" and the alternating line
 

@@ -8,12 +8,12 @@
 
 #include <cstring>
 
+#include "base/gdi_handles.h"
 #include "host/kit_dataset.h"
 #include "host/kit_widgets.h"
 #include "kits/dataset/dataset_host.h"
 #include "kits/widgets/widgets_host.h"
 #include "panels/tool_tag.h"
-#include "win32/gdi_handles.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "histogram/histo_colors.h"
-#include "panels/host_variables.h"
+#include "panels/protocol/host_variables.h"
 
 /** Colours of all TAGs, looked up once per picture. */
 struct Histo_Tag_Colors {

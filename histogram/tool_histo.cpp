@@ -10,7 +10,7 @@
 #include "histogram/tool_histo_peak.h"
 #include "histogram/tool_histo_window.h"
 #include "host/kit_common.h"
-#include "panels/host_variables.h"
+#include "panels/protocol/host_variables.h"
 
 namespace {
 

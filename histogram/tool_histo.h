@@ -12,7 +12,7 @@
 
 #include "host/kit_dataset.h"
 #include "host/kit_widgets.h"
-#include "panels/kit_panels.h"
+#include "panels/protocol/kit_panels.h"
 
 struct Histo_Peak;
 

@@ -13,7 +13,7 @@
 #include "host/kit_common.h"
 #include "host/kit_graph.h"
 #include "kits/widgets/widgets_host.h"
-#include "panels/host_variables.h"
+#include "panels/protocol/host_variables.h"
 
 Histo_Blow_State histo_blow;
 

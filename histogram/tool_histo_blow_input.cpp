@@ -1,5 +1,5 @@
 // The enlarged window's messages: which handler gets what.
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <windowsx.h>
 

@@ -8,7 +8,7 @@
 #include "histogram/tool_histo_messages.h"
 #include "host/kit_common.h"
 #include "host/kit_dataset.h"
-#include "panels/host_variables.h"
+#include "panels/protocol/host_variables.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include "histogram/plot_scale.h"
 #include "histogram/tool_histo.h"
 #include "host/kit_dataset.h"
-#include "panels/host_variables.h"
+#include "panels/protocol/host_variables.h"
 
 Histo_Cursor_Bin Histo_Cursor_Bin_Find(const Tool_Histo& panel) {
     static Cached_Variable<Quorel_2D*> frame_over("$FRAME_OVR");

@@ -5,7 +5,7 @@
 #include "histogram/tool_histo.h"
 #include "histogram/tool_histo_blow.h"
 #include "host/kit_dataset.h"
-#include "panels/host_variables.h"
+#include "panels/protocol/host_variables.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Drawing of the histogram panel: GDI, no decisions about data.
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <algorithm>
 #include <array>
@@ -13,7 +13,7 @@
 #include "histogram/tool_histo_geometry.h"
 #include "host/kit_common.h"
 #include "host/kit_dataset.h"
-#include "panels/host_variables.h"
+#include "panels/protocol/host_variables.h"
 
 namespace {
 

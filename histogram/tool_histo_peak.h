@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "host/kit_common.h"
-#include "panels/kit_panels.h"
+#include "panels/protocol/kit_panels.h"
 
 struct Histo_Data;
 class Tool_Histo;

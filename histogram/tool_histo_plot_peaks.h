@@ -1,9 +1,9 @@
 /** Peaks in the enlarged plot: fills, outlines and labels. */
 #pragma once
 
+#include "base/gdi_handles.h"
 #include "histogram/plot_pixels.h"
 #include "histogram/tool_histo_plot.h"
-#include "win32/gdi_handles.h"
 
 /** The curves of a panel's peaks as columns of a picture; made once per redraw. */
 class Histo_Plot_Peaks {

@@ -1,7 +1,7 @@
 // The enlarged window's class, handle and life. What it shows and how it answers stands in tool_histo_blow.*.
 #include "histogram/tool_histo_window.h"
 
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include "histogram/tool_histo.h"
 #include "histogram/tool_histo_blow.h"

@@ -12,7 +12,7 @@
 #include "histogram/tool_histo_peak.h"
 #include "host/kit_common.h"
 #include "host/kit_dataset.h"
-#include "panels/host_variables.h"
+#include "panels/protocol/host_variables.h"
 
 namespace {
 

@@ -1,12 +1,5 @@
 /** @file
- *  Export of the module Kit_Panels. */
+ *  The protocol of all panels, under the name by which hosts include it. */
 #pragma once
 
-#include "host/platform.h"
-
-/** Exported while the module itself is built, imported by everyone else. */
-#if defined(KIT_PANELS_BUILD)
-#define KIT_PANELS_API KIT_EXPORT
-#else
-#define KIT_PANELS_API KIT_IMPORT
-#endif
+#include "panels/protocol/kit_panels.h"

@@ -4,8 +4,8 @@
 #include <new>
 #include <string>
 
-#include "panels/host_variables.h"
 #include "panels/label_panel.h"
+#include "panels/protocol/host_variables.h"
 
 namespace {
 

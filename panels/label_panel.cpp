@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "panels/host_variables.h"
+#include "panels/protocol/host_variables.h"
 
 Label_Dimensions Label_Dimensions_Read() {
     return {Host_Dimension("$INTERFACE_BORDER_DIM"), Host_Dimension("$INTERFACE_BUTTON_DIM_SML"),

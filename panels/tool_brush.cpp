@@ -7,7 +7,7 @@
 #include "host/kit_common.h"
 #include "host/kit_dataset.h"
 #include "panels/brush_mask.h"
-#include "panels/host_variables.h"
+#include "panels/protocol/host_variables.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #include "host/kit_widgets.h"
 #include "panels/brush_disc.h"
-#include "panels/kit_panels.h"
+#include "panels/protocol/kit_panels.h"
 
 /** Picks the brush that TAGs are painted with, and builds the host's brush masks.
  *

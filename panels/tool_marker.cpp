@@ -1,9 +1,9 @@
 #include "panels/tool_marker.h"
 
 #include "host/kit_common.h"
-#include "panels/host_variables.h"
 #include "panels/label_panel.h"
-#include "panels/tool_panel.h"
+#include "panels/protocol/host_variables.h"
+#include "panels/protocol/tool_panel.h"
 
 static_assert(Tool_Panel<Tool_Marker>);
 

@@ -4,8 +4,8 @@
 
 #include "host/kit_dataset.h"
 #include "host/kit_widgets.h"
-#include "panels/kit_panels.h"
 #include "panels/label_grid.h"
+#include "panels/protocol/kit_panels.h"
 
 inline constexpr int MARKER_CAPACITY = 64;  ///< most markers that are shown; further ones have no button
 

@@ -5,7 +5,7 @@
 #include <cstdio>
 
 #include "host/kit_common.h"
-#include "panels/host_variables.h"
+#include "panels/protocol/host_variables.h"
 #include "panels/tool_propagate_geometry.h"
 
 namespace {

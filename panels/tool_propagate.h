@@ -4,7 +4,7 @@
 
 #include "host/kit_dataset.h"
 #include "host/kit_widgets.h"
-#include "panels/kit_panels.h"
+#include "panels/protocol/kit_panels.h"
 
 /** Steps the focused image window to the next ("Up") or previous ("Down") frame of its volume and runs the host's
  *  propagation function on the frame that was shown and the one that is shown now; jumps to any frame by a list, by

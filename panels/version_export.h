@@ -2,7 +2,7 @@
  *  The module's version. */
 #pragma once
 
-#include "panels/kit_panels.h"
+#include "panels/protocol/kit_panels.h"
 
 /** Checks that the module fits the host, and describes it.
  *  @param version the version that the host was built for; null: no check

@@ -2,7 +2,7 @@
  *  name, and a part for everything in it that has one. */
 #pragma once
 
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <functional>
 #include <memory>

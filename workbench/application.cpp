@@ -4,10 +4,10 @@
 
 #include "kits/common/contract.h"
 #include "kits/common/messages.h"
-#include "volumes/message_text.h"
 #include "workbench/enlarged_icon.h"
 #include "workbench/enlarged_keyboard.h"
 #include "workbench/enlarged_wheel.h"
+#include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 
 namespace {

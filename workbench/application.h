@@ -14,7 +14,6 @@
 #include "panels/tool_marker.h"
 #include "panels/tool_propagate.h"
 #include "panels/tool_tag.h"
-#include "volumes/volume_statistics.h"
 #include "workbench/analysis/analysis_window.h"
 #include "workbench/analysis/export_check.h"
 #include "workbench/commands.h"
@@ -36,6 +35,7 @@
 #include "workbench/tool_area.h"
 #include "workbench/trace_view.h"
 #include "workbench/volume_objects.h"
+#include "workbench/volumes/volume_statistics.h"
 #include "workbench/warning_banner.h"
 
 /** The histogram panel, whose magnification outlives a change of the layout. */

@@ -4,11 +4,11 @@
 #include <algorithm>
 
 #include "histogram/tool_histo_peak.h"
-#include "volumes/message_text.h"
 #include "workbench/analysis/export_check.h"
 #include "workbench/application.h"
 #include "workbench/model/text_file.h"
 #include "workbench/text_dialog.h"
+#include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 
 namespace {

@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <system_error>
 
-#include "volumes/message_text.h"
 #include "workbench/application.h"
 #include "workbench/folder_dialog.h"
+#include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 
 namespace {

@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "volumes/message_text.h"
 #include "workbench/application.h"
 #include "workbench/model/label_description_file.h"
+#include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "volumes/message_text.h"
 #include "workbench/application.h"
+#include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 
 namespace {

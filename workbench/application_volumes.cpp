@@ -8,9 +8,9 @@
 #include <thread>
 #include <utility>
 
-#include "volumes/message_text.h"
 #include "workbench/application.h"
 #include "workbench/progress_window.h"
+#include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 
 namespace {

@@ -2,7 +2,7 @@
  *  tree, and what can be done with it. */
 #pragma once
 
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <uiautomationcore.h>
 

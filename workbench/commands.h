@@ -1,7 +1,7 @@
 /** Everything that can be asked of the application by menu or key. */
 #pragma once
 
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <string>
 #include <vector>

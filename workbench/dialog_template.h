@@ -1,7 +1,7 @@
 /** A dialog template in memory, as the system reads it: 16-bit words, every control on a multiple of four bytes. */
 #pragma once
 
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <string>
 #include <vector>

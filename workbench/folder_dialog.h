@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 /** The system's dialog for files, which shows folders only. @return no value: the user gave up, or the system has no
  *  such dialog */

@@ -1,7 +1,7 @@
 /** Colours, fonts and scale of the application's own drawing. */
 #pragma once
 
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <optional>
 #include <string_view>

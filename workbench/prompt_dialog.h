@@ -1,7 +1,7 @@
 /** Asks the user for one line of text. */
 #pragma once
 
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <optional>
 #include <string>

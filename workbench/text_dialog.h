@@ -1,7 +1,7 @@
 /** Shows a long text that can be scrolled, read aloud and copied. */
 #pragma once
 
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 /** A window whose messages are handled by an object. */
 #pragma once
 
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <memory>
 

@@ -1,4 +1,4 @@
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <algorithm>
 

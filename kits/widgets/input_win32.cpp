@@ -1,5 +1,5 @@
 // Keys, mouse buttons, clipboard and cursor of Windows.
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <cstring>
 

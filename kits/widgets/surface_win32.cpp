@@ -1,5 +1,5 @@
 // The edge to Windows: GDI text and device contexts, windows, cursor, clipboard and keys.
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <algorithm>
 #include <cstring>

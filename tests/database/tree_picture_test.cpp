@@ -1,5 +1,5 @@
 // A tree in all its looks, written as pictures that people check by eye.
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <gtest/gtest.h>
 

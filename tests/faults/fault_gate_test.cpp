@@ -10,12 +10,12 @@
 #include <stdexcept>
 #include <vector>
 
+#include "base/gdi_handles.h"
 #include "host/kit_widgets.h"
 #include "tests/faults/fault_gate.h"
 #include "tests/faults/fault_run.h"
 #include "tests/faults/gui_objects.h"
 #include "tests/support/panel_fixture.h"
-#include "win32/gdi_handles.h"
 
 TEST(Gui_Objects, are_counted) {
     const int before = Gdi_Object_Nb();

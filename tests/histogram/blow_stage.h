@@ -1,7 +1,7 @@
 /** The enlarged histogram window, opened by a panel's button, and what a test sends to it. */
 #pragma once
 
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The enlarged window's plot as it comes out on the screen.
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
+#include "base/gdi_handles.h"
 #include "tests/support/panel_window.h"
-#include "win32/gdi_handles.h"
 
 HWND Panel_Window_Make(int width, int height) {
     return ::CreateWindowExA(0, "STATIC", "", WS_POPUP | WS_VISIBLE, 40, 30, width, height, nullptr, nullptr,

@@ -3,7 +3,7 @@
  *  has those objects. */
 #pragma once
 
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <gtest/gtest.h>
 #include <oleauto.h>

@@ -1,7 +1,7 @@
 /** A window as a program hears it that reads the screen by Active Accessibility. */
 #pragma once
 
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <gtest/gtest.h>
 #include <oleacc.h>

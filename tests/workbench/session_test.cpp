@@ -8,8 +8,8 @@
 #include <numeric>
 #include <random>
 
-#include "volumes/nifti_reader.h"
 #include "workbench/model/label_description_file.h"
+#include "workbench/volumes/nifti_reader.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // What the window of the peak analysis tells programs that read the screen aloud.
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <oleacc.h>
 

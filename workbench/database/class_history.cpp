@@ -3,8 +3,8 @@
 #include <system_error>
 #include <type_traits>
 
-#include "volumes/message_text.h"
 #include "workbench/database/class_tree_objects.h"
+#include "workbench/volumes/message_text.h"
 
 namespace {
 

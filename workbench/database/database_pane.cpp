@@ -7,8 +7,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/gdi_handles.h"
 #include "kits/widgets/widgets_host.h"
-#include "win32/gdi_handles.h"
 #include "workbench/database/tree_parts.h"
 #include "workbench/wide_text.h"
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/gdi_handles.h"
 #include "database/edit_diagram.h"
 #include "kits/dataset/dataset_host.h"
-#include "win32/gdi_handles.h"
 #include "workbench/database/tree_keys.h"
 
 namespace {

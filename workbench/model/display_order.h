@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <span>
 
-#include "volumes/volume.h"
+#include "workbench/volumes/volume.h"
 
 /** Radiological display: the patient's right at the viewer's left, the front up. Other orientations by the same rule:
  *  top before bottom, and of an axis that runs left-right in the patient the right side first. */

@@ -5,8 +5,8 @@
 #include <system_error>
 #include <utility>
 
-#include "volumes/message_text.h"
 #include "workbench/model/text_file.h"
+#include "workbench/volumes/message_text.h"
 
 namespace {
 

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "volumes/dicom_folder.h"
-#include "volumes/volume_statistics.h"
 #include "workbench/model/session.h"
 #include "workbench/model/slice_render.h"
+#include "workbench/volumes/dicom_folder.h"
+#include "workbench/volumes/volume_statistics.h"
 
 /** What a volume is called, and where its slices came from. */
 struct Volume_Facts {

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <utility>
 
-#include "volumes/message_text.h"
-#include "volumes/nifti_writer.h"
 #include "workbench/model/label_description_file.h"
+#include "workbench/volumes/message_text.h"
+#include "workbench/volumes/nifti_writer.h"
 
 std::span<const std::int32_t> Session::Levels(int slice) const {
     if (!volume || slice < 0 || slice >= volume->nz) {

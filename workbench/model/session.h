@@ -11,8 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "volumes/nifti_reader.h"
-#include "volumes/volume.h"
 #include "workbench/model/display_order.h"
 #include "workbench/model/label_description.h"
 #include "workbench/model/label_map.h"
@@ -20,6 +18,8 @@
 #include "workbench/model/painting.h"
 #include "workbench/model/propagation.h"
 #include "workbench/model/undo_journal.h"
+#include "workbench/volumes/nifti_reader.h"
+#include "workbench/volumes/volume.h"
 
 enum class Propagation_Kind { COPY, GROW };
 

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <system_error>
 
-#include "volumes/output_file.h"
+#include "workbench/volumes/output_file.h"
 
 namespace {
 

@@ -5,12 +5,12 @@
 #include <memory>
 #include <set>
 
+#include "base/gdi_handles.h"
 #include "kits/widgets/select_drop_list.h"
 #include "kits/widgets/surface.h"
 #include "kits/widgets/theme.h"
 #include "tests/kits/widgets/shown_window.h"
 #include "tests/support/own_window.h"
-#include "win32/gdi_handles.h"
 
 namespace {
 

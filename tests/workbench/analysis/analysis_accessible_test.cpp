@@ -1,5 +1,5 @@
 // The window of the peak analysis, for those who hear the screen.
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <gtest/gtest.h>
 #include <oleacc.h>

@@ -1,5 +1,5 @@
 // The class tree editor driven by the pointer, with every change noted, taken back and done again.
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "workbench/database/tree_parts.h"
 
-#include "win32/gdi_handles.h"
+#include "base/gdi_handles.h"
 
 #include <gtest/gtest.h>
 #include <oleacc.h>

@@ -1,0 +1,67 @@
+// libFuzzer: any bytes as a DICOM file, alone and beside itself at another place of the same series. Whatever is read
+// must be sound, and so must be what it is put together to.
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <span>
+
+#include "workbench/volumes/dicom_reader.h"
+#include "workbench/volumes/dicom_series.h"
+#include "workbench/volumes/volume_statistics.h"
+
+namespace {
+
+constexpr std::uint64_t decoded_most = 1U
+                                       << 20U;  // bytes: enough for every path, little enough for many runs per second
+
+void Require(bool condition) {
+    if (!condition) {
+        std::abort();
+    }
+}
+
+void Check(const Volume& volume) {
+    Require(volume.nx > 0 && volume.ny > 0 && volume.nz > 0 && volume.nt > 0);
+    Require(volume.levels.size() == volume.Voxel_Nb_3D() * static_cast<std::size_t>(volume.nt));
+    Require(std::isfinite(volume.slope) && volume.slope != 0 && std::isfinite(volume.intercept));
+    Require(std::isfinite(volume.grey(volume.level_min)) && std::isfinite(volume.grey(volume.level_max)));
+    for (const auto& row : volume.affine) {
+        for (const double element : row) {
+            Require(std::isfinite(element));
+        }
+    }
+    for (const std::int32_t level : volume.levels) {
+        Require(level <= LEVEL_LARGEST);
+        Require(volume.color || (level >= volume.level_min && level <= volume.level_max));
+    }
+    const Volume_Statistics statistics = Volume_Statistics_Compute(volume);
+    Require(statistics.window_low < statistics.window_high);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Dicom_Result result = Dicom_Read(std::span(data, size), Load_Limits{decoded_most});
+    Require(result.image.has_value() == result.error.empty());
+    if (!result.image) {
+        return 0;
+    }
+    Check(result.image->volume);
+    Image_Folder folder;
+    folder.files = {"first.dcm", "second.dcm"};
+    Series_Part other = {*result.image, 1};
+    other.image.place.corner[size % 3] += static_cast<double>(size % 7);
+    other.image.volume.slope /= 2;
+    other.image.instance.clear();
+    std::vector<Series_Part> parts;
+    parts.push_back(std::move(other));
+    parts.push_back({std::move(*result.image), 0});
+    Series_Assemble(std::move(parts), folder);
+    Require(!folder.volumes.empty());
+    for (const Folder_Volume& one : folder.volumes) {
+        Check(one.volume);
+        Require(one.volume.nt == 1 && one.file_of_slice.size() == static_cast<std::size_t>(one.volume.nz));
+        Require(!Image_Folder_Problems_Text(folder, {}).starts_with(": "));
+    }
+    return 0;
+}

@@ -1,0 +1,46 @@
+// libFuzzer: the linear system of a fit from any peaks and any data, and one step of it. A step that cannot be solved
+// must say so.
+#include <vector>
+
+#include "histogram/peak_fit_system.h"
+#include "histogram/tool_histo_peak.h"
+#include "tests/fuzzing/input_bytes.h"
+
+namespace {
+
+constexpr int peaks_most = 4;
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Input_Bytes input(data, size);
+    std::vector<double> curve(static_cast<std::size_t>(2 + input.Below(100)));
+    std::vector<Histo_Peak*> peaks;
+    for (int left = input.Below(peaks_most + 1); left > 0; --left) {
+        Histo_Peak* const peak = Peak_Make(static_cast<std::uint8_t>(1 + input.Below(3)), true);
+        Require(peak != nullptr);
+        for (int index = 0; index < PEAK_PARAM_NB; ++index) {
+            (*peak->param)[index] =
+                (input.Take<std::uint8_t>() & 1) != 0 ? input.Take<double>() : input.Take<std::int16_t>() * 0.25;
+        }
+        peak->fct_value = Peak_Value;
+        peak->fct_deriv = Peak_Deriv;
+        if (!peaks.empty()) {
+            peaks.back()->next = peak;
+            peak->prev = peaks.back();
+        }
+        peaks.push_back(peak);
+    }
+    for (double& value : curve) {
+        value = input.Take<std::uint16_t>();
+    }
+    {
+        const Fit_System system = Fit_System_Make(peaks.empty() ? nullptr : peaks.front(), curve);
+        Require(system.is_complete);
+        Require(system.parameters.Size() == static_cast<unsigned int>(peaks.size()) * PEAK_PARAM_NB);
+    }
+    for (Histo_Peak* peak : peaks) {
+        Peak_Free(peak);
+    }
+    return 0;
+}

@@ -1,0 +1,263 @@
+#include "workbench/volumes/dicom_folder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "tests/workbench/volumes/dicom_bytes.h"
+#include "tests/workbench/volumes/loading.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class Dicom_Folder : public testing::Test {
+  protected:
+    void Write(const std::string& name, const Bytes& bytes) {
+        const std::filesystem::path path = folder / name.c_str();
+        std::filesystem::create_directories(path.parent_path());
+        File_Put(path, bytes);
+    }
+    Image_Folder Open(const Load_Limits& limits = {}) {
+        const std::filesystem::path path = folder.path;
+        return Image_Folder_Open(std::span(&path, 1), {}, limits);
+    }
+    /** A slice of 2 x 1 pixels at a depth. */
+    static Dicom_Bytes Slice(double depth, std::uint8_t value, int number = 1) {
+        Dicom_Bytes bytes;
+        bytes.Pixels_8({value, value}, 2, 1).Place(0, 0, depth);
+        bytes.Text(TAG_INSTANCE_NUMBER, "IS", std::to_string(number));
+        bytes.Remove(TAG_INSTANCE);
+        return bytes;
+    }
+    std::vector<std::string> Problems(const Image_Folder& opened) {
+        std::vector<std::string> texts;
+        for (const Folder_Problem& problem : opened.problems) {
+            texts.push_back(problem.path.filename().string() + ": " + problem.reason);
+        }
+        return texts;
+    }
+    Temporary_Folder folder;
+};
+
+TEST_F(Dicom_Folder, OrdersTheSlicesOfASeriesByPosition) {
+    Write("c.dcm", Slice(10, 1).File());
+    Write("a.dcm", Slice(14, 3).File());
+    Write("b.dcm", Slice(12, 2).File());
+    const Image_Folder opened = Open();
+    EXPECT_THAT(Problems(opened), IsEmpty());
+    ASSERT_THAT(opened.volumes, SizeIs(1));
+    const Folder_Volume& one = opened.volumes[0];
+    Expect_Sound(one.volume);
+    EXPECT_EQ(one.volume.nz, 3);
+    EXPECT_EQ(one.volume.nt, 1);
+    EXPECT_THAT(one.volume.levels, ElementsAre(1, 1, 2, 2, 3, 3));
+    EXPECT_EQ(one.volume.spacing[2], 2);
+    EXPECT_EQ(one.volume.level_min, 1);
+    EXPECT_EQ(one.volume.level_max, 3);
+    EXPECT_EQ(one.title, "MR 7");
+    EXPECT_THAT(one.file_of_slice, ElementsAre(2, 1, 0));
+    EXPECT_EQ(opened.files[2].filename(), "c.dcm");
+    EXPECT_EQ(Image_Folder_Text(opened), "1 volume of 3 files");
+}
+
+TEST_F(Dicom_Folder, SeparatesStudiesSeriesSizesDirectionsAndScouts) {
+    Write("1.dcm", Slice(1, 1).File());
+    Write("2.dcm", Slice(2, 2).Text(TAG_SERIES, "UI", "1.2.3.9").File());
+    Write("3.dcm", Slice(2, 3).Text(TAG_STUDY, "UI", "1.2.9").File());
+    Write("4.dcm", Slice(2, 4).Pixels_8({4, 4, 4, 4}, 2, 2).File());
+    Write("5.dcm", Slice(2, 5).Text(TAG_DIRECTION, "DS", "0\\1\\0\\0\\0\\1").File());
+    Write("6.dcm", Slice(2, 6).Text(TAG_IMAGE_TYPE, "CS", "ORIGINAL\\PRIMARY\\LOCALIZER").File());
+    const Image_Folder opened = Open();
+    EXPECT_THAT(opened.volumes, SizeIs(6));
+    EXPECT_EQ(std::ranges::count(opened.volumes, true, &Folder_Volume::is_scout), 1);
+}
+
+TEST_F(Dicom_Folder, MakesOneVolumeOfEveryTime) {
+    int number = 0;
+    for (const int time : {2, 1}) {
+        for (const int depth : {5, 3}) {
+            ++number;
+            Write(std::to_string(number) + ".dcm", Slice(depth, static_cast<std::uint8_t>(10 * time + depth))
+                                                       .Text(TAG_TEMPORAL_POSITION, "IS", std::to_string(time))
+                                                       .File());
+        }
+    }
+    const Image_Folder opened = Open();
+    ASSERT_THAT(opened.volumes, SizeIs(2));
+    EXPECT_THAT(opened.volumes[0].volume.levels, ElementsAre(13, 13, 15, 15));
+    EXPECT_THAT(opened.volumes[1].volume.levels, ElementsAre(23, 23, 25, 25));
+    EXPECT_EQ(opened.volumes[0].title, "MR 7, time 1 of 2");
+    EXPECT_THAT(opened.volumes[1].file_of_slice, ElementsAre(1, 0));
+}
+
+TEST_F(Dicom_Folder, MakesMomentsOfOnePlaceTheSlicesOfACine) {
+    Write("cine.dcm", Dicom_Bytes()
+                          .Pixels_8({1, 2, 3, 4, 5, 6}, 2, 1)
+                          .Text(TAG_FRAMES, "IS", "3")
+                          .Text(TAG_FRAME_TIME, "DS", "40")
+                          .File());
+    const Image_Folder opened = Open();
+    ASSERT_THAT(opened.volumes, SizeIs(1));
+    EXPECT_TRUE(opened.volumes[0].is_cine);
+    EXPECT_EQ(opened.volumes[0].volume.nz, 3);
+    EXPECT_EQ(opened.volumes[0].volume.nt, 1);
+    EXPECT_EQ(opened.volumes[0].volume.time_step, 0.04);
+    EXPECT_THAT(opened.volumes[0].file_of_slice, ElementsAre(0, 0, 0));
+    Expect_Sound(opened.volumes[0].volume);
+}
+
+TEST_F(Dicom_Folder, StacksByNumberWherePositionsRepeatUnevenlyAndSaysSo) {
+    Write("1.dcm", Slice(1, 1, 3).File());
+    Write("2.dcm", Slice(1, 2, 1).File());
+    Write("3.dcm", Slice(2, 3, 2).File());
+    const Image_Folder opened = Open();
+    ASSERT_THAT(opened.volumes, SizeIs(1));
+    EXPECT_THAT(opened.volumes[0].volume.levels, ElementsAre(2, 2, 3, 3, 1, 1));
+    EXPECT_THAT(Problems(opened), ElementsAre(HasSubstr("do not occur equally often")));
+    EXPECT_EQ(Image_Folder_Text(opened), "1 volume of 3 files");
+}
+
+TEST_F(Dicom_Folder, ShowsACopyOfAnImageOnce) {
+    Write("1.dcm", Slice(1, 1).Text(TAG_INSTANCE, "UI", "1.7").File());
+    Write("2.dcm", Slice(1, 1).Text(TAG_INSTANCE, "UI", "1.7").File());
+    Write("3.dcm", Slice(2, 2).Text(TAG_INSTANCE, "UI", "1.7").File());
+    const Image_Folder opened = Open();
+    ASSERT_THAT(opened.volumes, SizeIs(1));
+    EXPECT_THAT(opened.volumes[0].file_of_slice, ElementsAre(0, 2));
+    EXPECT_THAT(Problems(opened), ElementsAre("2.dcm: holds the same image as 1.dcm"));
+}
+
+TEST_F(Dicom_Folder, NamesTheSliceAfterAGap) {
+    Write("1.dcm", Slice(1, 1).File());
+    Write("2.dcm", Slice(2, 2).File());
+    Write("3.dcm", Slice(4, 3).File());
+    EXPECT_THAT(Problems(Open()), ElementsAre(HasSubstr("uneven distance")));
+}
+
+TEST_F(Dicom_Folder, BringsSlicesOfSeveralScalesToTheFinest) {
+    Write("1.dcm", Slice(1, 10).Text(TAG_SLOPE, "DS", "1").File());
+    Write("2.dcm", Slice(2, 10).Text(TAG_SLOPE, "DS", "0.5").Text(TAG_INTERCEPT, "DS", "1").File());
+    const Image_Folder opened = Open();
+    ASSERT_THAT(opened.volumes, SizeIs(1));
+    const Volume& volume = opened.volumes[0].volume;
+    EXPECT_EQ(volume.slope, 0.5);
+    EXPECT_EQ(volume.grey(volume.levels[0]), 10);
+    EXPECT_EQ(volume.grey(volume.levels[2]), 6);
+    Expect_Sound(volume);
+}
+
+TEST_F(Dicom_Folder, ListsWhatItCannotOpenAndGoesOn) {
+    Write("1 text.txt", Bytes(300, 'x'));
+    Write("2 empty", {});
+    Bytes cut = Dicom_Bytes().File();
+    cut.resize(cut.size() - 3);
+    Write("3 cut.dcm", cut);
+    Write("4 jpeg.dcm", Dicom_Bytes().Syntax("1.2.840.10008.1.2.4.50").Fragments({{1, 2}}).File());
+    Write("5 report.dcm", Dicom_Bytes().Remove(TAG_PIXELS).File());
+    Write("6 broken.nii", Bytes(20, 1));
+    Write("7 good.dcm", Dicom_Bytes().File());
+    const Image_Folder opened = Open();
+    ASSERT_THAT(opened.volumes, SizeIs(1));
+    EXPECT_THAT(
+        Problems(opened),
+        ElementsAre("1 text.txt: is no DICOM file", "2 empty: is empty", HasSubstr("3 cut.dcm: is broken or cut"),
+                    HasSubstr("4 jpeg.dcm: is compressed in a way that is not decoded"),
+                    HasSubstr("5 report.dcm: holds no image"), HasSubstr("6 broken.nii: is ")));
+    EXPECT_EQ(Image_Folder_Text(opened), "1 volume of 1 file; 6 files were not opened");
+    const std::string text = Image_Folder_Problems_Text(opened, folder.path);
+    EXPECT_EQ(std::ranges::count(text, '\n'), 6);
+    EXPECT_THAT(text, testing::StartsWith("1 text.txt: is no DICOM file\n2 empty: is empty\n"));
+}
+
+TEST_F(Dicom_Folder, OpensNiftiVolumesBesideDicomAndEachOfTheirTimes) {
+    Write("b.dcm", Dicom_Bytes().File());
+    Nifti_Bytes nifti;
+    nifti.dim = {4, 2, 1, 2, 2, 1, 1, 1};
+    for (int value = 1; value <= 8; ++value) {
+        nifti.Add(static_cast<std::uint8_t>(value));
+    }
+    Write("a.nii", nifti.File());
+    const Image_Folder opened = Open();
+    EXPECT_THAT(Problems(opened), IsEmpty());
+    ASSERT_THAT(opened.volumes, SizeIs(3));
+    EXPECT_EQ(opened.volumes[0].title, "MR 7");
+    EXPECT_EQ(opened.volumes[1].title, "a.nii, time 1 of 2");
+    EXPECT_THAT(opened.volumes[2].volume.levels, ElementsAre(5, 6, 7, 8));
+    EXPECT_EQ(opened.volumes[2].volume.nt, 1);
+    EXPECT_EQ(opened.volumes[2].volume.level_min, 5);
+    EXPECT_THAT(opened.volumes[1].file_of_slice, ElementsAre(0, 0));
+}
+
+TEST_F(Dicom_Folder, GoesIntoFoldersAndKeepsTheFilesOfEachTogether) {
+    Write("b/2.dcm", Slice(1, 1).File());
+    Write("z.dcm", Slice(2, 1).File());
+    Write("b/c/3.dcm", Slice(3, 1).File());
+    Write("a.dcm", Slice(4, 1).File());
+    const Image_Folder opened = Open();
+    std::vector<std::string> names;
+    for (const auto& file : opened.files) {
+        names.push_back(file.filename().string());
+    }
+    EXPECT_THAT(names, ElementsAre("a.dcm", "z.dcm", "2.dcm", "3.dcm"));
+    EXPECT_THAT(opened.volumes, SizeIs(1));
+}
+
+TEST_F(Dicom_Folder, OpensSeveralNamedFilesWhateverTheirNames) {
+    Write("picture", Dicom_Bytes().File());
+    Write("volume.bin", Small_File().File());
+    Write("left.dcm", Dicom_Bytes().File());
+    const std::filesystem::path paths[] = {folder / "picture", folder / "volume.bin", folder / "missing.nii"};
+    const Image_Folder opened = Image_Folder_Open(paths);
+    EXPECT_THAT(opened.volumes, SizeIs(2));
+    EXPECT_THAT(opened.files, SizeIs(2));
+    EXPECT_THAT(Problems(opened), ElementsAre(HasSubstr("missing.nii: does not exist")));
+}
+
+TEST_F(Dicom_Folder, LeavesOutVolumesThatDoNotFitBesideTheOthers) {
+    const std::vector<std::uint8_t> pixels(1600, 7);
+    Write("1.dcm", Dicom_Bytes().Pixels_8(pixels, 40, 40).Text(TAG_SERIES, "UI", "1").File());
+    Write("2.dcm", Dicom_Bytes().Pixels_8(pixels, 40, 40).Text(TAG_SERIES, "UI", "2").File());
+    const Image_Folder one = Open(Load_Limits{7000});
+    EXPECT_THAT(one.volumes, SizeIs(1));
+    EXPECT_THAT(Problems(one), ElementsAre(HasSubstr("2.dcm: does not fit beside the other images")));
+    EXPECT_THAT(Open(Load_Limits{13000}).volumes, SizeIs(2));
+}
+
+TEST_F(Dicom_Folder, LeavesOutVolumesWithMoreSlicesThanCanBeListed) {
+    const auto cine = [](std::size_t moments, const char* series) {
+        Dicom_Bytes bytes;
+        bytes.Pixels_8(std::vector<std::uint8_t>(moments, 5), 1, 1).Text(TAG_FRAME_TIME, "DS", "40");
+        bytes.Text(TAG_FRAMES, "IS", std::to_string(moments)).Text(TAG_SERIES, "UI", series).Remove(TAG_INSTANCE);
+        return bytes.File();
+    };
+    Write("1.dcm", cine(FOLDER_SLICES_MOST - 1, "1"));
+    Write("2.dcm", cine(2, "2"));
+    const Image_Folder opened = Open();
+    ASSERT_THAT(opened.volumes, SizeIs(1));
+    EXPECT_EQ(opened.volumes[0].volume.nz, static_cast<std::int32_t>(FOLDER_SLICES_MOST) - 1);
+    EXPECT_THAT(Problems(opened), ElementsAre(HasSubstr("2.dcm: was left out (MR 7)")));
+}
+
+TEST_F(Dicom_Folder, StopsWhenProgressSaysSo) {
+    Write("1.dcm", Dicom_Bytes().Text(TAG_SERIES, "UI", "1").File());
+    Write("2.dcm", Dicom_Bytes().Text(TAG_SERIES, "UI", "2").File());
+    const std::filesystem::path path = folder.path;
+    int calls = 0;
+    const Image_Folder opened = Image_Folder_Open(std::span(&path, 1), [&](double) { return ++calls < 2; });
+    EXPECT_TRUE(opened.is_cancelled);
+    EXPECT_THAT(opened.files, SizeIs(1));
+}
+
+TEST_F(Dicom_Folder, GivesAReasonForAFolderThatIsNotThere) {
+    const std::filesystem::path path = folder / "nothing";
+    const Image_Folder opened = Image_Folder_Open(std::span(&path, 1));
+    EXPECT_THAT(Problems(opened), ElementsAre("nothing: does not exist"));
+    EXPECT_EQ(Image_Folder_Text(opened), "0 volumes of 0 files; 1 file was not opened");
+}
+
+}  // namespace

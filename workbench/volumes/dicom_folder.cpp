@@ -1,0 +1,321 @@
+#include "workbench/volumes/dicom_folder.h"
+
+#include <algorithm>
+#include <new>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#include "workbench/volumes/decoded_source.h"
+#include "workbench/volumes/dicom_series.h"
+#include "workbench/volumes/message_text.h"
+
+namespace {
+
+bool Ends_With(const std::string& name, std::string_view ending) {
+    return name.size() >= ending.size() &&
+           std::equal(ending.rbegin(), ending.rend(), name.rbegin(), [](char wanted, char letter) {
+               return letter == wanted || (letter >= 'A' && letter <= 'Z' && letter - 'A' + 'a' == wanted);
+           });
+}
+
+bool Is_Nifti_Name(const std::string& name) {
+    return std::ranges::any_of(std::initializer_list<std::string_view>{".nii", ".nii.gz", ".hdr", ".hdr.gz"},
+                               [&](std::string_view ending) { return Ends_With(name, ending); });
+}
+
+/** A file to be opened. */
+struct Wanted {
+    std::filesystem::path path;
+    bool is_named = false;  ///< by the user, not found in a folder
+};
+
+/** The voxels of a pair: they are read with their header, if that is read too. */
+bool Is_Voxels_Of_Pair(const Wanted& file, const std::string& name) {
+    if (file.is_named || (!Ends_With(name, ".img") && !Ends_With(name, ".img.gz"))) {
+        return false;
+    }
+    std::filesystem::path stem = file.path;
+    if (Ends_With(name, ".gz")) {
+        stem.replace_extension();
+    }
+    stem.replace_extension();
+    std::error_code unknown;
+    return std::ranges::any_of(std::initializer_list<const char*>{".hdr", ".hdr.gz"}, [&](const char* ending) {
+        std::filesystem::path header = stem;
+        return std::filesystem::exists(header.concat(ending), unknown);
+    });
+}
+
+/** A sentence without the file's name at its beginning and the point at its end. */
+std::string Bare_Reason(std::string text, const std::string& name) {
+    if (text.starts_with(name + ' ')) {
+        text.erase(0, name.size() + 1);
+    }
+    if (text.ends_with('.')) {
+        text.pop_back();
+    }
+    return text;
+}
+
+/** What a file was found to be wrong with, as Folder_Problem::reason. */
+struct Refusal {
+    std::string text;
+};
+
+/** All bytes of a file, unpacked if it is gzip-compressed. Only the first ones when it is no DICOM file. */
+std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uint64_t most) {
+    File_Source plain(path);
+    if (!plain.Error().empty()) {
+        throw Refusal{plain.Error()};
+    }
+    Decoded_Source source(plain);
+    std::vector<std::uint8_t> bytes(DICOM_HEAD_SIZE);
+    bytes.resize(source.Read(bytes));
+    if (!bytes.empty() && !Dicom_Is_Likely(bytes)) {
+        return bytes;
+    }
+    constexpr std::size_t step = std::size_t{1} << 20U;
+    while (source.End() == Decode_End::NOT_YET) {
+        const std::size_t had = bytes.size();
+        if (had > most) {
+            throw Refusal{"is larger than the limit of " + Size_Text(most)};
+        }
+        bytes.resize(had + std::max(step, std::min(had, std::size_t{64} * step)));
+        bytes.resize(had + source.Read(std::span(bytes).subspan(had)));
+    }
+    switch (source.End()) {
+        case Decode_End::COMPLETE:
+            return bytes;
+        case Decode_End::READ_ERROR:
+            throw Refusal{"cannot be read to its end"};
+        case Decode_End::CUT_OFF:
+            throw Refusal{"is cut short inside its compressed data"};
+        case Decode_End::NO_MEMORY:
+            throw std::bad_alloc();
+        default:
+            throw Refusal{"has damaged compressed data"};
+    }
+}
+
+/** Opens one file after the other. */
+class Folder_Reader {
+  public:
+    Folder_Reader(Image_Folder& filled, const Load_Progress& load_progress, const Load_Limits& load_limits)
+        : folder(filled), progress(load_progress), limits(load_limits), room(load_limits.decoded_bytes) {}
+
+    void Read(std::span<const Wanted> files) {
+        file_nb = files.size();
+        for (std::size_t at = 0; at < files.size() && Go_On(0.0); ++at, ++done_nb) {
+            if (at >= FOLDER_FILES_MOST) {
+                folder.problems.push_back(
+                    {files[at].path, "and all files after it were left out: there are too many", false});
+                break;
+            }
+            Read_One(files[at]);
+        }
+        Series_Assemble(std::move(parts), folder);
+        for (Folder_Volume& one : niftis) {
+            Times_Split(std::move(one), folder);
+        }
+        Slices_Limit();
+        std::ranges::stable_sort(folder.problems, {}, &Folder_Problem::path);
+    }
+
+  private:
+    /** @param share of the file that is read now. @return false: reading was given up */
+    bool Go_On(double share) {
+        folder.is_cancelled =
+            folder.is_cancelled ||
+            (progress && !progress((static_cast<double>(done_nb) + share) / static_cast<double>(file_nb)));
+        return !folder.is_cancelled;
+    }
+
+    void Read_One(const Wanted& file) {
+        const std::filesystem::path& path = file.path;
+        try {
+            const std::string name = File_Name_Text(path);
+            if (Is_Nifti_Name(name)) {
+                Read_Nifti(path, name);
+            } else if (!Is_Voxels_Of_Pair(file, name)) {
+                Read_Any(file, name);
+            }
+        } catch (const Refusal& refusal) {
+            folder.problems.push_back({path, Bare_Reason(refusal.text, File_Name_Text(path)), false});
+        } catch (const std::bad_alloc&) {
+            folder.problems.push_back({path, "needs more memory than there is", false});
+        }
+    }
+
+    void Slices_Limit() {
+        std::size_t slices = 0;
+        const auto fits = [&](const Folder_Volume& one) {
+            slices += static_cast<std::size_t>(one.volume.nz);
+            return slices <= FOLDER_SLICES_MOST;
+        };
+        const auto end = std::ranges::find_if_not(folder.volumes, fits);
+        for (auto one = end; one != folder.volumes.end(); ++one) {
+            folder.problems.push_back({one->path,
+                                       "was left out (" + one->title + "): all volumes together may have " +
+                                           Count_Text(FOLDER_SLICES_MOST) + " slices",
+                                       false});
+        }
+        folder.volumes.erase(end, folder.volumes.end());
+    }
+
+    void Room_Take(const Volume& volume) {
+        const std::uint64_t size = volume.levels.size() * sizeof volume.levels.front();
+        if (size > room) {
+            throw Refusal{"does not fit beside the other images: all together may take " +
+                          Size_Text(limits.decoded_bytes)};
+        }
+        room -= size;
+    }
+
+    std::int32_t File_Add(const std::filesystem::path& path) {
+        folder.files.push_back(path);
+        return static_cast<std::int32_t>(folder.files.size()) - 1;
+    }
+
+    void Read_Any(const Wanted& file, const std::string& name) {
+        const std::vector<std::uint8_t> bytes = Bytes_Read(file.path, limits.decoded_bytes);
+        if (file.is_named && !bytes.empty() && !Dicom_Is_Likely(bytes)) {
+            Read_Nifti(file.path, name);
+        } else {
+            Read_Dicom(file.path, bytes);
+        }
+    }
+
+    void Read_Dicom(const std::filesystem::path& path, std::span<const std::uint8_t> bytes) {
+        Dicom_Result result = Dicom_Read(bytes, limits);
+        if (!result.image) {
+            throw Refusal{result.error};
+        }
+        Room_Take(result.image->volume);
+        for (const std::string& warning : result.warnings) {
+            folder.problems.push_back({path, warning, true});
+        }
+        parts.push_back({std::move(*result.image), File_Add(path)});
+    }
+
+    void Read_Nifti(const std::filesystem::path& path, const std::string& name) {
+        Load_Result result = Volume_Load(
+            path, [this](double share) { return Go_On(share); }, limits);
+        if (result.cancelled) {
+            return;
+        }
+        if (!result.volume) {
+            throw Refusal{result.error};
+        }
+        Room_Take(*result.volume);
+        for (const std::string& warning : result.warnings) {
+            folder.problems.push_back({path, Bare_Reason(warning, name), true});
+        }
+        constexpr std::uint16_t modality_magnetic_resonance = 'M' << 8 | 'R';
+        constexpr std::uint16_t modality_other = 'O' << 8 | 'T';
+        Folder_Volume made;
+        made.title = name;
+        made.volume = std::move(*result.volume);
+        made.modality = made.volume.color ? modality_other : modality_magnetic_resonance;
+        made.descriptor = made.volume.color ? "Colour image" : "Grey image, " + made.volume.scalar_type;
+        made.path = path;
+        made.file_of_slice.assign(static_cast<std::size_t>(made.volume.nz), File_Add(path));
+        niftis.push_back(std::move(made));
+    }
+
+    Image_Folder& folder;
+    const Load_Progress& progress;
+    const Load_Limits& limits;
+    std::size_t file_nb = 0;
+    std::size_t done_nb = 0;
+    std::uint64_t room;  // bytes of levels that still may be taken
+    std::vector<Series_Part> parts;
+    std::vector<Folder_Volume> niftis;
+};
+
+}  // namespace
+
+std::vector<std::filesystem::path> Folder_Files(const std::filesystem::path& folder,
+                                                std::vector<Folder_Problem>& problems) {
+    std::vector<std::filesystem::path> files;
+    std::vector<std::filesystem::path> waiting = {folder};
+    std::error_code error;
+    if (!std::filesystem::is_directory(folder, error)) {
+        return waiting;
+    }
+    while (!waiting.empty()) {
+        const std::filesystem::path below = std::move(waiting.back());
+        waiting.pop_back();
+        std::filesystem::directory_iterator entry(below, error);
+        for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+            std::error_code unknown;
+            if (entry->is_directory(unknown)) {
+                if (!entry->is_symlink(unknown)) {
+                    waiting.push_back(entry->path());
+                }
+            } else {
+                files.push_back(entry->path());
+            }
+        }
+        if (error) {
+            problems.push_back({below, "is a folder that cannot be read", false});
+            error.clear();
+        }
+    }
+    std::ranges::sort(files, {},
+                      [](const std::filesystem::path& path) { return std::pair(path.parent_path(), path.filename()); });
+    return files;
+}
+
+Image_Folder Image_Folder_Open(std::span<const std::filesystem::path> paths, const Load_Progress& progress,
+                               const Load_Limits& limits) noexcept {
+    Image_Folder result;
+    try {
+        std::vector<Wanted> wanted;
+        for (const std::filesystem::path& path : paths) {
+            std::error_code error;
+            const bool is_named = !std::filesystem::is_directory(path, error);
+            for (std::filesystem::path& file : Folder_Files(path, result.problems)) {
+                wanted.push_back({std::move(file), is_named});
+            }
+        }
+        Folder_Reader(result, progress, limits).Read(wanted);
+    } catch (...) {
+        result.volumes.clear();
+        result.files.clear();
+        result.problems.push_back(
+            {paths.empty() ? std::filesystem::path() : paths.front(), "needs more memory than there is", false});
+    }
+    return result;
+}
+
+std::string Image_Folder_Text(const Image_Folder& folder) {
+    const auto refused = std::ranges::count(folder.problems, false, &Folder_Problem::is_opened);
+    const auto count = [](std::uint64_t number, const char* what) {
+        return Count_Text(number) + ' ' + what + (number == 1 ? "" : "s");
+    };
+    std::string text = count(folder.volumes.size(), "volume") + " of " + count(folder.files.size(), "file");
+    if (refused > 0) {
+        text += "; " + count(static_cast<std::uint64_t>(refused), "file") + (refused == 1 ? " was" : " were") +
+                " not opened";
+    }
+    return text;
+}
+
+std::string Image_Folder_Problems_Text(const Image_Folder& folder, const std::filesystem::path& below) {
+    std::string text;
+    for (const Folder_Problem& problem : folder.problems) {
+        std::filesystem::path shown = problem.path.lexically_relative(below);
+        if (shown.empty() || shown == ".") {
+            shown = problem.path.filename();
+        }
+        try {
+            const std::u8string name = shown.generic_u8string();
+            text.append(name.begin(), name.end());
+        } catch (const std::system_error&) {
+            text += "A file whose name has no text";
+        }
+        text += ": " + problem.reason + (problem.is_opened ? " (opened all the same)\n" : "\n");
+    }
+    return text;
+}

@@ -1,0 +1,62 @@
+/** Opens folders and lists of image files: DICOM files are put together to volumes, NIfTI volumes stand beside them. */
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "workbench/volumes/dicom_reader.h"
+#include "workbench/volumes/nifti_reader.h"
+#include "workbench/volumes/volume.h"
+
+/** A file that could not be opened, or not as a whole. */
+struct Folder_Problem {
+    std::filesystem::path path;
+    std::string reason;      ///< one sentence without the name: "is no DICOM file"; UTF-8
+    bool is_opened = false;  ///< its pictures are there all the same
+};
+
+/** A volume at one time: of a file, or of the slices of a series that fit one another, ordered by position. Images of
+ *  several times are one volume per time. Moments of a single place (cine) are one volume, whose slices they are. */
+struct Folder_Volume {
+    std::string title;           ///< "MR 3: t1 sagittal", or the file's name
+    std::string descriptor;      ///< kind of image, for people
+    std::uint16_t modality = 0;  ///< two letters, the first in the high byte
+    bool is_scout = false;
+    bool is_cine = false;                     ///< the slices are moments, volume.time_step seconds apart
+    std::filesystem::path path;               ///< the file that it came from, or the first of them
+    Volume volume;                            ///< nt is 1
+    std::vector<std::int32_t> file_of_slice;  ///< of every slice: an index into Image_Folder::files
+};
+
+struct Image_Folder {
+    std::vector<std::filesystem::path> files;  ///< those that were opened, in order of folders and names
+    std::vector<Folder_Volume> volumes;        ///< in order of study, series number, and time
+    std::vector<Folder_Problem> problems;      ///< in order of the files' names
+    bool is_cancelled = false;                 ///< the progress callback gave up; the rest is what was read so far
+};
+
+/** Files that a folder may hold; the rest is listed as left out. */
+inline constexpr std::size_t FOLDER_FILES_MOST = 65535;
+/** Slices of all volumes together; volumes beyond are listed as left out. A slice may take three rows of a list of
+ *  65,535: its folder's, its file's and its own. */
+inline constexpr std::size_t FOLDER_SLICES_MOST = 21000;
+
+/** All files below a folder, the files of each folder in a row, ordered by name; folders that may not be read become
+ *  problems. Links to folders are not followed. A path that is no folder gives itself. */
+std::vector<std::filesystem::path> Folder_Files(const std::filesystem::path& folder,
+                                                std::vector<Folder_Problem>& problems);
+
+/** Opens folders with everything below them, and files, all together. Never throws. In a folder only files are taken
+ *  for NIfTI volumes whose name says so; a file that is named itself is looked into whatever its name.
+ *  @param progress may be empty; called on the caller's thread
+ *  @param limits for each file, and for the levels of all together */
+Image_Folder Image_Folder_Open(std::span<const std::filesystem::path> paths, const Load_Progress& progress = {},
+                               const Load_Limits& limits = {}) noexcept;
+
+/** "3 volumes of 24 files; 2 files were not opened". */
+std::string Image_Folder_Text(const Image_Folder& folder);
+/** One line per problem: the path below a folder, the reason, and whether the file is opened all the same. */
+std::string Image_Folder_Problems_Text(const Image_Folder& folder, const std::filesystem::path& below);

@@ -1,0 +1,25 @@
+/** Puts the images of files together to volumes. */
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "workbench/volumes/dicom_folder.h"
+
+/** One image with the file that it came from. */
+struct Series_Part {
+    Dicom_Image image;
+    std::int32_t file = 0;  ///< index into Image_Folder::files
+};
+
+/** Takes the parts apart into volumes.
+ *  Parts of one study and series with the same size, kind, pixel spacing and direction are slices of one volume; a part
+ *  with several frames is a volume of its own. A copy of an image is left out and listed. Where places repeat equally
+ * often, each time is a volume.
+ *  @param folder its files are known; volumes and problems are added */
+void Series_Assemble(std::vector<Series_Part>&& parts, Image_Folder& folder);
+
+/** Adds a volume of one or several times to the folder: one volume per time, or, when it has a single slice, one whose
+ *  slices are the times. @param one path and title are known; file_of_slice holds one file for every slice of a time */
+void Times_Split(Folder_Volume&& one, Image_Folder& folder);

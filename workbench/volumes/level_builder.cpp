@@ -1,0 +1,273 @@
+#include "workbench/volumes/level_builder.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <type_traits>
+#include <utility>
+
+namespace {
+
+// Makes room for `more` elements: by doubling, but never beyond what was announced.
+template <class Element>
+std::size_t Grow(std::vector<Element>& list, std::size_t more, std::uint64_t total) {
+    const std::size_t old_size = list.size();
+    if (list.capacity() - old_size < more) {
+        const std::uint64_t doubled = std::min<std::uint64_t>(static_cast<std::uint64_t>(old_size) * 2, total);
+        list.reserve(static_cast<std::size_t>(std::max<std::uint64_t>(doubled, old_size + more)));
+    }
+    list.resize(old_size + more);
+    return old_size;
+}
+
+// Types whose every value is a level or may be kept aside as 32 bits until all are known.
+template <class Stored>
+constexpr bool is_small = sizeof(Stored) <= 4;
+
+}  // namespace
+
+Level_Builder::Level_Builder(Voxel_Type voxel_type, Byte_Order byte_order, std::uint64_t total)
+    : type(voxel_type), order(byte_order), total_nb(total) {}
+
+template <class Stored>
+void Level_Builder::Append_As(std::span<const std::uint8_t> bytes) {
+    const std::size_t count = bytes.size() / sizeof(Stored);
+    const auto convert = [&](auto* out, Byte_Order fixed_order) {
+        const std::uint8_t* from = bytes.data();
+        for (std::size_t i = 0; i < count; ++i, from += sizeof(Stored)) {
+            const Stored value = Value_Read<Stored>(from, fixed_order);
+            if constexpr (sizeof(Stored) == 8) {
+                out[i] = std::bit_cast<std::uint64_t>(value);
+            } else if constexpr (sizeof(Stored) == 4) {
+                out[i] = std::bit_cast<std::int32_t>(value);
+            } else {
+                out[i] = value;
+            }
+        }
+    };
+    const auto convert_to = [&](auto* out) {
+        if (order == Byte_Order::LITTLE) {  // the order known at compile time makes the loop several times faster
+            convert(out, Byte_Order::LITTLE);
+        } else {
+            convert(out, Byte_Order::BIG);
+        }
+    };
+    if constexpr (is_small<Stored>) {
+        const std::size_t begin = Grow(levels, count, total_nb);
+        convert_to(levels.data() + begin);
+    } else {
+        const std::size_t begin = Grow(wide, count, total_nb);
+        convert_to(wide.data() + begin);
+    }
+    voxel_nb += count;
+}
+
+void Level_Builder::Append_Color(std::span<const std::uint8_t> bytes, std::size_t voxel_size) {
+    const std::size_t count = bytes.size() / voxel_size;
+    std::size_t at = Grow(levels, count, total_nb);
+    const std::uint8_t* from = bytes.data();
+    for (std::size_t i = 0; i < count; ++i, from += voxel_size, ++at) {
+        levels[at] = from[0] | (from[1] << 8) | (from[2] << 16);
+    }
+    voxel_nb += count;
+}
+
+void Level_Builder::Append(std::span<const std::uint8_t> bytes) {
+    switch (type) {
+        case Voxel_Type::UINT8:
+            return Append_As<std::uint8_t>(bytes);
+        case Voxel_Type::INT8:
+            return Append_As<std::int8_t>(bytes);
+        case Voxel_Type::INT16:
+            return Append_As<std::int16_t>(bytes);
+        case Voxel_Type::UINT16:
+            return Append_As<std::uint16_t>(bytes);
+        case Voxel_Type::INT32:
+            return Append_As<std::int32_t>(bytes);
+        case Voxel_Type::UINT32:
+            return Append_As<std::uint32_t>(bytes);
+        case Voxel_Type::INT64:
+            return Append_As<std::int64_t>(bytes);
+        case Voxel_Type::UINT64:
+            return Append_As<std::uint64_t>(bytes);
+        case Voxel_Type::FLOAT32:
+            return Append_As<float>(bytes);
+        case Voxel_Type::FLOAT64:
+            return Append_As<double>(bytes);
+        case Voxel_Type::RGB24:
+        case Voxel_Type::RGBA32:
+            return Append_Color(bytes, Voxel_Type_Size(type));
+    }
+}
+
+// The i-th collected value in its own type.
+template <class Stored>
+Stored Level_Builder::Value(std::size_t i) const {
+    if constexpr (sizeof(Stored) == 8) {
+        return std::bit_cast<Stored>(wide[i]);
+    } else if constexpr (sizeof(Stored) == 4) {
+        return std::bit_cast<Stored>(levels[i]);
+    } else {
+        return static_cast<Stored>(levels[i]);
+    }
+}
+
+// Room for the levels of values that were kept aside in `wide`.
+void Level_Builder::Levels_Ready() {
+    levels.resize(static_cast<std::size_t>(voxel_nb));
+}
+
+void Level_Builder::Wide_Release() {
+    std::vector<std::uint64_t>().swap(wide);
+}
+
+template <class Stored>
+void Level_Builder::Finish_Integer(Volume& volume) {
+    const auto count = static_cast<std::size_t>(voxel_nb);
+    Stored smallest = std::numeric_limits<Stored>::max();
+    Stored largest = std::numeric_limits<Stored>::min();
+    for (std::size_t i = 0; i < count; ++i) {
+        const Stored value = Value<Stored>(i);
+        smallest = std::min(smallest, value);
+        largest = std::max(largest, value);
+    }
+    Levels_Ready();
+    if (count == 0) {
+        return;
+    }
+    if (std::cmp_greater_equal(smallest, std::numeric_limits<std::int32_t>::min()) &&
+        std::cmp_less_equal(largest, LEVEL_LARGEST)) {
+        if constexpr (sizeof(Stored) >= 4) {
+            for (std::size_t i = 0; i < count; ++i) {
+                levels[i] = static_cast<std::int32_t>(Value<Stored>(i));
+            }
+        }
+        volume.level_min = static_cast<std::int32_t>(smallest);
+        volume.level_max = static_cast<std::int32_t>(largest);
+        return;
+    }
+    // Differences are exact even where the values themselves have more digits than a double.
+    const auto base = static_cast<std::uint64_t>(smallest);
+    const auto range = static_cast<double>(static_cast<std::uint64_t>(largest) - base);
+    volume.intercept = static_cast<double>(smallest);
+    volume.level_min = 0;
+    if (largest == smallest) {
+        std::fill(levels.begin(), levels.end(), 0);
+        volume.level_max = 0;
+        return;
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto difference = static_cast<double>(static_cast<std::uint64_t>(Value<Stored>(i)) - base);
+        levels[i] = static_cast<std::int32_t>(difference / range * QUANTISED_STEPS + 0.5);
+    }
+    volume.slope = range / QUANTISED_STEPS;
+    volume.max_error = range / QUANTISED_STEPS / 2;
+    volume.level_max = QUANTISED_STEPS;
+}
+
+template <class Stored>
+void Level_Builder::Finish_Real(Volume& volume) {
+    const auto count = static_cast<std::size_t>(voxel_nb);
+    double smallest = std::numeric_limits<double>::infinity();
+    double largest = -smallest;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto value = static_cast<double>(Value<Stored>(i));
+        if (std::isfinite(value)) {
+            smallest = std::min(smallest, value);
+            largest = std::max(largest, value);
+        } else {
+            ++volume.nonfinite_nb;
+        }
+    }
+    Levels_Ready();
+    if (smallest > largest) {  // no finite value at all
+        smallest = largest = 0;
+    }
+    // The range of doubles near both ends of their scale is more than a double: such values are halved on the way.
+    const double half = std::isfinite(largest - smallest) ? 1.0 : 0.5;
+    const double range = largest * half - smallest * half;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto value = static_cast<double>(Value<Stored>(i));
+        const double difference = value * half - smallest * half;
+        levels[i] = std::isfinite(value) && range > 0
+                        ? static_cast<std::int32_t>(difference / range * QUANTISED_STEPS + 0.5)
+                        : 0;
+    }
+    volume.intercept = smallest;
+    volume.level_min = 0;
+    volume.level_max = range > 0 ? QUANTISED_STEPS : 0;
+    if (range > 0) {
+        const double step = range / QUANTISED_STEPS / half;
+        volume.slope = step > 0 ? step : std::numeric_limits<double>::denorm_min();
+        volume.max_error = step / 2;
+    }
+}
+
+void Level_Builder::Finish_Color(Volume& volume) const {
+    volume.color = true;
+    std::int32_t smallest = 255;
+    std::int32_t largest = 0;
+    for (const std::int32_t level : levels) {
+        for (int shift = 0; shift < 24; shift += 8) {
+            const std::int32_t component = (level >> shift) & 0xFF;
+            smallest = std::min(smallest, component);
+            largest = std::max(largest, component);
+        }
+    }
+    volume.level_min = smallest;
+    volume.level_max = largest;
+}
+
+void Level_Builder::Finish(double file_slope, double file_intercept, Volume& volume) {
+    volume.scalar_type = Voxel_Type_Name(type);
+    volume.slope = 1;
+    volume.intercept = 0;
+    switch (type) {
+        case Voxel_Type::UINT8:
+            Finish_Integer<std::uint8_t>(volume);
+            break;
+        case Voxel_Type::INT8:
+            Finish_Integer<std::int8_t>(volume);
+            break;
+        case Voxel_Type::INT16:
+            Finish_Integer<std::int16_t>(volume);
+            break;
+        case Voxel_Type::UINT16:
+            Finish_Integer<std::uint16_t>(volume);
+            break;
+        case Voxel_Type::INT32:
+            Finish_Integer<std::int32_t>(volume);
+            break;
+        case Voxel_Type::UINT32:
+            Finish_Integer<std::uint32_t>(volume);
+            break;
+        case Voxel_Type::INT64:
+            Finish_Integer<std::int64_t>(volume);
+            break;
+        case Voxel_Type::UINT64:
+            Finish_Integer<std::uint64_t>(volume);
+            break;
+        case Voxel_Type::FLOAT32:
+            Finish_Real<float>(volume);
+            break;
+        case Voxel_Type::FLOAT64:
+            Finish_Real<double>(volume);
+            break;
+        case Voxel_Type::RGB24:
+        case Voxel_Type::RGBA32:
+            Finish_Color(volume);
+            break;
+    }
+    Wide_Release();
+    volume.levels = std::move(levels);
+    // A file's scale that leaves the range of double is of no use; the stored values then stand for themselves.
+    const double slope = volume.slope * file_slope;
+    const double intercept = volume.intercept * file_slope + file_intercept;
+    if (!volume.color && std::isfinite(slope) && slope != 0 && std::isfinite(intercept) &&
+        std::isfinite(volume.max_error * file_slope)) {
+        volume.slope = slope;
+        volume.intercept = intercept;
+        volume.max_error *= std::fabs(file_slope);
+    }
+}

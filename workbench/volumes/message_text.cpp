@@ -1,0 +1,53 @@
+#include "workbench/volumes/message_text.h"
+
+#include <array>
+#include <cstddef>
+#include <system_error>
+
+std::string Count_Text(std::uint64_t count) {
+    const std::string digits = std::to_string(count);
+    std::string text;
+    for (std::size_t i = 0; i < digits.size(); ++i) {
+        if (i > 0 && (digits.size() - i) % 3 == 0) {
+            text += ',';
+        }
+        text += digits[i];
+    }
+    return text;
+}
+
+std::string Size_Text(std::uint64_t bytes) {
+    constexpr std::uint64_t unit_size = 1024;
+    constexpr std::array<const char*, 4> units = {" KiB", " MiB", " GiB", " TiB"};
+    if (bytes < unit_size) {
+        return std::to_string(bytes) + " bytes";
+    }
+    std::uint64_t unit = unit_size;
+    std::size_t name = 0;
+    while (name + 1 < units.size() && bytes / unit >= unit_size) {
+        unit *= unit_size;
+        ++name;
+    }
+    const std::uint64_t tenth = bytes % unit * 10 / unit;
+    return Count_Text(bytes / unit) + '.' + std::to_string(tenth) + units[name];
+}
+
+std::string File_Name_Text(const std::filesystem::path& path) {
+    try {
+        const std::u8string name = path.filename().u8string();
+        if (!name.empty()) {
+            return std::string(name.begin(), name.end());
+        }
+    } catch (const std::system_error&) {
+        // A name with half a character pair has no UTF-8 form.
+    }
+    return "The file";
+}
+
+std::filesystem::path Path_From_Utf8(std::string_view text) {
+    try {
+        return std::filesystem::path(std::u8string(text.begin(), text.end()));
+    } catch (const std::system_error&) {
+        return {};
+    }
+}

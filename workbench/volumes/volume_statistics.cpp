@@ -1,0 +1,159 @@
+#include "workbench/volumes/volume_statistics.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <tuple>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t half_size = std::size_t{1} << 16U;  // values of either half of a 32-bit number
+
+// The level's distance from the smallest possible one: keeps the order, and is never negative.
+std::uint32_t Ordered(std::int32_t level) {
+    return static_cast<std::uint32_t>(level) ^ 0x80000000U;
+}
+std::int32_t Level_From_Ordered(std::uint32_t ordered) {
+    return static_cast<std::int32_t>(ordered ^ 0x80000000U);
+}
+
+// Moves `rank` on to its position inside the bin it falls into. @return that bin
+std::size_t Bin_Of_Rank(const std::vector<std::uint64_t>& bins, std::uint64_t& rank) {
+    std::size_t bin = 0;
+    while (bin + 1 < bins.size() && rank >= bins[bin]) {
+        rank -= bins[bin];
+        ++bin;
+    }
+    return bin;
+}
+
+// Exact order statistics of levels without a copy: one pass counts the upper halves of the numbers, one more per
+// question the lower halves of those that share the right upper one.
+class Level_Ranking {
+  public:
+    Level_Ranking(std::span<const std::int32_t> all_levels, std::int32_t level_passed_over,
+                  std::uint64_t passed_over_nb)
+        : levels(all_levels),
+          passed_over(Ordered(level_passed_over)),
+          passed_over_count(passed_over_nb),
+          upper(half_size) {
+        for (const std::int32_t level : levels) {
+            ++upper[Ordered(level) >> 16U];
+        }
+        upper[passed_over >> 16U] -= passed_over_count;
+    }
+
+    // The level at position `rank` of the sorted ones, from 0.
+    std::int32_t Level_At(std::uint64_t rank) const {
+        const std::size_t bin = Bin_Of_Rank(upper, rank);
+        std::vector<std::uint64_t> lower(half_size);
+        for (const std::int32_t level : levels) {
+            const std::uint32_t ordered = Ordered(level);
+            if ((ordered >> 16U) == bin) {
+                ++lower[ordered & 0xFFFFU];
+            }
+        }
+        if ((passed_over >> 16U) == bin) {
+            lower[passed_over & 0xFFFFU] -= passed_over_count;
+        }
+        const std::size_t low = Bin_Of_Rank(lower, rank);
+        return Level_From_Ordered(static_cast<std::uint32_t>((bin << 16U) | low));
+    }
+
+  private:
+    std::span<const std::int32_t> levels;
+    std::uint32_t passed_over;
+    std::uint64_t passed_over_count;
+    std::vector<std::uint64_t> upper;
+};
+
+// Position of the smallest value that at least `share` of `count` values do not exceed.
+std::uint64_t Rank_Of_Share(double share, std::uint64_t count) {
+    const double rank = std::ceil(share * static_cast<double>(count));
+    return static_cast<std::uint64_t>(std::clamp(rank, 1.0, static_cast<double>(count))) - 1;
+}
+
+void Window_Mend(Volume_Statistics& statistics) {
+    if (!(statistics.window_low < statistics.window_high)) {
+        statistics.window_low = statistics.min;
+        statistics.window_high = statistics.max;
+    }
+    if (!(statistics.window_low < statistics.window_high)) {
+        // One more is not enough where a double has no room for it.
+        statistics.window_high =
+            std::max(statistics.window_low + 1.0,
+                     std::nextafter(statistics.window_low, std::numeric_limits<double>::infinity()));
+    }
+}
+
+Volume_Statistics Statistics_Of_Color(std::span<const std::int32_t> levels) {
+    std::array<std::uint64_t, 256> bins{};
+    for (const std::int32_t level : levels) {
+        for (int shift = 0; shift < 24; shift += 8) {
+            ++bins[static_cast<std::size_t>((level >> shift) & 0xFF)];
+        }
+    }
+    Volume_Statistics statistics;
+    statistics.count = static_cast<std::uint64_t>(levels.size()) * 3;
+    double sum = 0;
+    double square_sum = 0;
+    for (std::size_t i = 0; i < bins.size(); ++i) {
+        sum += static_cast<double>(i) * static_cast<double>(bins[i]);
+        square_sum += static_cast<double>(i * i) * static_cast<double>(bins[i]);
+    }
+    const auto count = static_cast<double>(statistics.count);
+    statistics.mean = sum / count;
+    statistics.sd = std::sqrt(std::max(0.0, square_sum / count - statistics.mean * statistics.mean));
+    const std::vector<std::uint64_t> list(bins.begin(), bins.end());
+    const auto at = [&](std::uint64_t rank) { return static_cast<double>(Bin_Of_Rank(list, rank)); };
+    statistics.min = at(0);
+    statistics.max = at(statistics.count - 1);
+    statistics.window_low = at(Rank_Of_Share(WINDOW_TAIL, statistics.count));
+    statistics.window_high = at(Rank_Of_Share(1.0 - WINDOW_TAIL, statistics.count));
+    return statistics;
+}
+
+Volume_Statistics Statistics_Of_Grey(const Volume& volume) {
+    Volume_Statistics statistics;
+    statistics.count = static_cast<std::uint64_t>(volume.levels.size()) - volume.nonfinite_nb;
+    if (statistics.count == 0) {
+        return statistics;
+    }
+    const auto count = static_cast<double>(statistics.count);
+    const auto passed_over = static_cast<double>(volume.nonfinite_nb);
+    std::int64_t sum = -static_cast<std::int64_t>(volume.nonfinite_nb) * volume.level_min;
+    for (const std::int32_t level : volume.levels) {
+        sum += level;
+    }
+    const double mean = static_cast<double>(sum) / count;
+    double square_sum = -passed_over * (volume.level_min - mean) * (volume.level_min - mean);
+    for (const std::int32_t level : volume.levels) {
+        square_sum += (level - mean) * (level - mean);
+    }
+    const auto grey = [&](double level) { return level * volume.slope + volume.intercept; };
+    const Level_Ranking ranking(volume.levels, volume.level_min, volume.nonfinite_nb);
+    const auto percentile = [&](double share) {
+        return grey(ranking.Level_At(Rank_Of_Share(share, statistics.count)));
+    };
+    // A negative slope turns the order round.
+    std::tie(statistics.min, statistics.max) = std::minmax({grey(volume.level_min), grey(volume.level_max)});
+    std::tie(statistics.window_low, statistics.window_high) =
+        std::minmax({percentile(WINDOW_TAIL), percentile(1.0 - WINDOW_TAIL)});
+    statistics.mean = grey(mean);
+    statistics.sd = std::sqrt(std::max(0.0, square_sum / count)) * std::fabs(volume.slope);
+    return statistics;
+}
+
+}  // namespace
+
+Volume_Statistics Volume_Statistics_Compute(const Volume& volume) {
+    if (volume.levels.empty()) {
+        return {};
+    }
+    Volume_Statistics statistics = volume.color ? Statistics_Of_Color(volume.levels) : Statistics_Of_Grey(volume);
+    Window_Mend(statistics);
+    return statistics;
+}
