@@ -1,7 +1,7 @@
 # The lints of scripts/lints as CTest entries. Those that need a build look at the debug build for Windows.
 function(kit_lint NAME)
     add_test(NAME lint_${NAME} COMMAND "${PROJECT_SOURCE_DIR}/scripts/lints/${NAME}" ${ARGN})
-    set_tests_properties(lint_${NAME} PROPERTIES LABELS lint TIMEOUT 300)
+    set_tests_properties(lint_${NAME} PROPERTIES LABELS lint)
 endfunction()
 
 if(MINGW AND CMAKE_BUILD_TYPE STREQUAL Debug)
@@ -40,5 +40,5 @@ endif()
 
 if(KIT_SANITIZE)
     kit_lint(tidy "${CMAKE_BINARY_DIR}")
-    set_tests_properties(lint_tidy PROPERTIES TIMEOUT 1800 PROCESSORS 2)
+    set_tests_properties(lint_tidy PROPERTIES PROCESSORS 2)
 endif()
