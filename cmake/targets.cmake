@@ -1,8 +1,8 @@
 # The few kinds of target of the project. Every function takes explicit source lists.
 
-# What an own source file is compiled with: the settings, and includes written from the project's root.
+# What an own source file is compiled with: the settings, and the headers that its folder may include.
 function(kit_settings TARGET)
-    target_include_directories(${TARGET} PRIVATE "${PROJECT_SOURCE_DIR}")
+    kit_room_views(${TARGET})
     target_link_libraries(${TARGET} PRIVATE kit_compiler_settings)
 endfunction()
 
