@@ -115,7 +115,7 @@ bool Count_By_Level(const Level_Frame& frame, const unsigned char* mask, const L
     std::int32_t highest = INT32_MIN;
     Visit_Levels(frame, mask, [&](std::int32_t level, std::size_t) {
         lowest = std::min(lowest, level);
-        highest = std::max(highest, level);
+        highest = level < SAMPLE_OUTSIDE ? std::max(highest, level) : highest;
     });
     if (lowest > highest) {
         return true;
@@ -131,6 +131,9 @@ bool Count_By_Level(const Level_Frame& frame, const unsigned char* mask, const L
     }
     std::uint32_t* const banks = by_level.get();
     Visit_Levels(frame, mask, [=](std::int32_t level, std::size_t i) {
+        if (level > highest) {
+            return;  // outside the image
+        }
         // The four counts of a level stand side by side, in one cache line.
         ++banks[static_cast<std::size_t>(std::int64_t{level} - lowest) * BANKS + i % BANKS];
     });

@@ -7,6 +7,8 @@
 #include <random>
 #include <vector>
 
+#include "workbench/volumes/volume.h"
+
 namespace {
 
 std::vector<std::int32_t> Smooth(const std::vector<std::int32_t>& levels, int width, int height, std::int32_t steps) {
@@ -57,4 +59,12 @@ TEST(Slice_Smoothing, Large_Levels_Do_Not_Overflow) {
     EXPECT_EQ(Smoothing_Steps(0, largest / 9 + 1), 1);
     EXPECT_EQ(Smoothing_Steps(std::numeric_limits<std::int32_t>::min(), 0), 1);
     EXPECT_EQ(Smooth({largest, largest}, 2, 1, 1), (std::vector<std::int32_t>{largest, largest}));
+}
+
+TEST(Slice_Smoothing, Pixels_Outside_Stay_And_Count_In_No_Mean) {
+    const std::int32_t out = LEVEL_OUTSIDE;
+    EXPECT_EQ(Smooth({10, out, 30}, 3, 1, 9), (std::vector<std::int32_t>{90, out, 270}));
+    EXPECT_EQ(Smooth({4, out, 8, 6}, 2, 2, 9),
+              (std::vector<std::int32_t>{(4 * 4 + 8 * 2 + 6) * 9 / 7, out, (4 * 2 + 8 * 4 + 6 * 2) * 9 / 8,
+                                         (4 + 8 * 2 + 6 * 4) * 9 / 7}));
 }

@@ -87,7 +87,8 @@ std::string Session::Take_Labels(const Volume& loaded, const std::filesystem::pa
     }
     std::vector<std::uint8_t> taken(labels.All().size());
     for (std::size_t at = 0; at < taken.size(); ++at) {
-        const double value = loaded.levels[at] * loaded.slope + loaded.intercept;
+        const bool is_none = loaded.levels[at] == LEVEL_OUTSIDE;
+        const double value = is_none ? 0.0 : loaded.levels[at] * loaded.slope + loaded.intercept;
         if (value < 0.0 || value > TAG_MAX - 1 || std::abs(value - std::round(value)) > 0.01) {
             return name + " holds values that are no TAG numbers (0 to 255).";
         }

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <vector>
 
+#include "workbench/volumes/volume.h"
+
 namespace {
 
 constexpr int range_percent = 35;  // colour of the range in its tint
@@ -45,7 +47,7 @@ void Slice_Render(const Slice_Source& source, const Grey_Window& window, const T
             if (source.color) {
                 const auto packed = static_cast<std::uint32_t>(level);
                 pixel = ((packed & 0xFFU) << 16U) | (packed & 0xFF00U) | ((packed >> 16U) & 0xFFU);
-            } else {
+            } else if (level != LEVEL_OUTSIDE) {
                 const float shade = std::clamp(static_cast<float>(level) * factor + offset, 0.0F, 255.0F);
                 pixel = static_cast<std::uint32_t>(shade + 0.5F) * 0x010101U;
                 if (range.has_value()) {

@@ -5,6 +5,8 @@
 #include <limits>
 #include <vector>
 
+#include "workbench/volumes/volume.h"
+
 namespace {
 
 constexpr std::int32_t NEIGHBOUR_NB = 9;
@@ -12,6 +14,29 @@ constexpr std::int32_t NEIGHBOUR_NB = 9;
 /** Division that rounds down for negative numbers too. */
 std::int64_t Floor_Divided(std::int64_t value, std::int64_t divisor) {
     return value / divisor - (value % divisor < 0 ? 1 : 0);
+}
+
+/** The same where some pixels are outside: they do not count in their neighbours' means, and stay outside. */
+void Smooth_Inside(std::span<const std::int32_t> levels, int width, int height, std::int32_t steps,
+                   std::span<std::int32_t> smooth) {
+    const auto at = [&](int x, int y) {
+        const auto row = static_cast<std::size_t>(std::clamp(y, 0, height - 1)) * static_cast<std::size_t>(width);
+        return row + static_cast<std::size_t>(std::clamp(x, 0, width - 1));
+    };
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            std::int64_t sum = 0;
+            std::int64_t count = 0;
+            for (int neighbour = 0; neighbour < NEIGHBOUR_NB; ++neighbour) {
+                const std::int32_t level = levels[at(x + neighbour % 3 - 1, y + neighbour / 3 - 1)];
+                sum += level != LEVEL_OUTSIDE ? level : 0;
+                count += level != LEVEL_OUTSIDE ? 1 : 0;
+            }
+            smooth[at(x, y)] = levels[at(x, y)] == LEVEL_OUTSIDE
+                                   ? LEVEL_OUTSIDE
+                                   : static_cast<std::int32_t>(Floor_Divided(sum * steps, count));
+        }
+    }
 }
 
 }  // namespace
@@ -25,6 +50,9 @@ void Slice_Smooth(std::span<const std::int32_t> levels, int width, int height, s
                   std::span<std::int32_t> smooth) {
     const auto nx = static_cast<std::size_t>(width);
     const auto ny = static_cast<std::size_t>(height);
+    if (std::ranges::find(levels, LEVEL_OUTSIDE) != levels.end()) {
+        return Smooth_Inside(levels, width, height, steps, smooth);
+    }
     std::vector<std::int64_t> column_sums(nx);
     for (std::size_t y = 0; y < ny; ++y) {
         const std::int32_t* above = levels.data() + (y > 0 ? y - 1 : 0) * nx;

@@ -9,7 +9,8 @@
 std::int32_t Smoothing_Steps(std::int32_t level_min, std::int32_t level_max);
 
 /** Writes the mean of every pixel and its eight neighbours, in steps (see above), rounded down. Beyond an edge the
- *  nearest pixel stands for its neighbour. @param levels, smooth width * height values, x fastest; not the same memory
+ *  nearest pixel stands for its neighbour. Pixels of LEVEL_OUTSIDE stay, and count in no mean. @param levels, smooth
+ *  width * height values, x fastest; not the same memory
  */
 void Slice_Smooth(std::span<const std::int32_t> levels, int width, int height, std::int32_t steps,
                   std::span<std::int32_t> smooth);

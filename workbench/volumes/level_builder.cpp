@@ -4,8 +4,11 @@
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <type_traits>
 #include <utility>
+
+#include "workbench/volumes/value_steps.h"
 
 namespace {
 
@@ -171,11 +174,13 @@ void Level_Builder::Finish_Real(Volume& volume) {
     const auto count = static_cast<std::size_t>(voxel_nb);
     double smallest = std::numeric_limits<double>::infinity();
     double largest = -smallest;
+    bool is_whole = true;
     for (std::size_t i = 0; i < count; ++i) {
         const auto value = static_cast<double>(Value<Stored>(i));
         if (std::isfinite(value)) {
             smallest = std::min(smallest, value);
             largest = std::max(largest, value);
+            is_whole = is_whole && value == std::trunc(value);
         } else {
             ++volume.nonfinite_nb;
         }
@@ -184,24 +189,55 @@ void Level_Builder::Finish_Real(Volume& volume) {
     if (smallest > largest) {  // no finite value at all
         smallest = largest = 0;
     }
+    if (is_whole && std::abs(smallest) <= WHOLE_RANGE && std::abs(largest) <= WHOLE_RANGE) {
+        Finish_Whole<Stored>(smallest, largest, volume);
+    } else {
+        Finish_Steps<Stored>(smallest, largest, volume);
+    }
+}
+
+template <class Stored>
+void Level_Builder::Finish_Whole(double smallest, double largest, Volume& volume) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(voxel_nb); ++i) {
+        const auto value = static_cast<double>(Value<Stored>(i));
+        levels[i] = std::isfinite(value) ? static_cast<std::int32_t>(value) : LEVEL_OUTSIDE;
+    }
+    volume.level_min = static_cast<std::int32_t>(smallest);
+    volume.level_max = static_cast<std::int32_t>(largest);
+}
+
+template <class Stored>
+void Level_Builder::Finish_Steps(double smallest, double largest, Volume& volume) {
     // The range of doubles near both ends of their scale is more than a double: such values are halved on the way.
     const double half = std::isfinite(largest - smallest) ? 1.0 : 0.5;
     const double range = largest * half - smallest * half;
-    for (std::size_t i = 0; i < count; ++i) {
+    Value_Steps steps(range);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(voxel_nb); ++i) {
         const auto value = static_cast<double>(Value<Stored>(i));
+        if (!std::isfinite(value)) {
+            levels[i] = LEVEL_OUTSIDE;
+            continue;
+        }
         const double difference = value * half - smallest * half;
-        levels[i] = std::isfinite(value) && range > 0
-                        ? static_cast<std::int32_t>(difference / range * QUANTISED_STEPS + 0.5)
-                        : 0;
+        levels[i] = range > 0 ? static_cast<std::int32_t>(difference / range * QUANTISED_STEPS + 0.5) : 0;
+        steps.Note(difference, levels[i]);
     }
     volume.intercept = smallest;
     volume.level_min = 0;
     volume.level_max = range > 0 ? QUANTISED_STEPS : 0;
-    if (range > 0) {
-        const double step = range / QUANTISED_STEPS / half;
-        volume.slope = step > 0 ? step : std::numeric_limits<double>::denorm_min();
-        volume.max_error = step / 2;
+    if (!(range > 0)) {
+        return;
     }
+    volume.max_error = range / QUANTISED_STEPS / half / 2;
+    if (const std::optional<Value_Grid> grid = steps.Grid()) {
+        for (std::int32_t& level : levels) {
+            level = level == LEVEL_OUTSIDE ? level : steps.Step_Of(level, *grid);
+        }
+        volume.level_max = grid->step_nb;
+        volume.max_error = grid->max_error / half;
+    }
+    const double step = range / volume.level_max / half;
+    volume.slope = step > 0 ? step : std::numeric_limits<double>::denorm_min();
 }
 
 void Level_Builder::Finish_Color(Volume& volume) const {

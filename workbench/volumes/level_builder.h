@@ -11,12 +11,14 @@
 /** Collects voxels as they are read; memory grows with what has arrived, not with what was announced.
  *
  *  Levels: int8, uint8, int16, uint16 and int32 keep their values. So do uint32, int64 and uint64 as long as every
- * value lies in -2^31 .. LEVEL_LARGEST. Other integers, and all float32 and float64, are quantised: the range from the
- * smallest to the largest finite value is cut into QUANTISED_STEPS equal steps and each value gets the number of the
- * nearest. The quantised value differs from the file's by at most half a step, (largest - smallest) / 131,070, times
- * the file's scale factor (`Volume::max_error`; rounding of the arithmetic, some 2^-52 of the largest magnitude, comes
- * on top). Values that are infinite or no number get the level of the smallest and are counted. Colours are packed with
- * red in the low byte, then green, then blue; alpha is dropped.
+ * value lies in -2^31 .. LEVEL_LARGEST. float32 and float64 keep their values where all are whole numbers of a range
+ * up to WHOLE_RANGE. Otherwise they, and other integers, are quantised: the range from the smallest to the largest
+ * finite value is cut into equal steps and each value gets the number of the nearest. There are QUANTISED_STEPS of
+ * them, or fewer where all values lie on a grid of fewer (see Value_Steps): an image of 256 greys between 0 and 1 has
+ * 255. The quantised value differs from the file's by at most half a step of QUANTISED_STEPS, (largest - smallest) /
+ * 131,070, times the file's scale factor (`Volume::max_error`; rounding of the arithmetic, some 2^-52 of the largest
+ * magnitude, comes on top). Values that are infinite or no number get LEVEL_OUTSIDE and are counted. Colours are packed
+ * with red in the low byte, then green, then blue; alpha is dropped.
  */
 class Level_Builder {
   public:
@@ -41,6 +43,12 @@ class Level_Builder {
     void Finish_Integer(Volume& volume);
     template <class Stored>
     void Finish_Real(Volume& volume);
+    /** Levels are the values themselves. */
+    template <class Stored>
+    void Finish_Whole(double smallest, double largest, Volume& volume);
+    /** Levels are numbers of steps from the smallest value. */
+    template <class Stored>
+    void Finish_Steps(double smallest, double largest, Volume& volume);
     void Finish_Color(Volume& volume) const;
     void Levels_Ready();
     void Wide_Release();

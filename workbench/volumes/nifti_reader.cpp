@@ -252,7 +252,7 @@ void Loader::Voxels_Load(Byte_Source* image) {
     builder.Finish(header.slope, header.intercept, volume);
     if (volume.nonfinite_nb > 0) {
         Warn(name, "has " + Count_Text(volume.nonfinite_nb) +
-                       " voxels that are no number; they are shown as the smallest value");
+                       " voxels that are no number; they are shown black and count nowhere");
     }
     Report(1.0);
     result.volume = std::move(volume);

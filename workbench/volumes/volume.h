@@ -15,7 +15,10 @@ using Affine = std::array<std::array<double, 4>, 3>;
 
 /** Largest value that `Volume::levels` holds; the few numbers above it are free to mean "outside the image". */
 inline constexpr std::int32_t LEVEL_LARGEST = 0x7FFFFFFD;
-/** Steps between the smallest and the largest level of quantised values: levels 0 .. QUANTISED_STEPS. */
+/** The level of a voxel that has no grey value: it was no number, infinite, or outside the volume's scale. The panels
+ * take it for a place outside the image. */
+inline constexpr std::int32_t LEVEL_OUTSIDE = 0x7FFFFFFE;
+/** Most steps between the smallest and the largest level of quantised values: levels 0 .. QUANTISED_STEPS. */
 inline constexpr std::int32_t QUANTISED_STEPS = 65535;
 
 /** Where the affine of a volume comes from. */
@@ -54,14 +57,18 @@ struct Volume {
     double slope = 1;         ///< grey = level * slope + intercept; may be negative, not 0
     double intercept = 0;
     double max_error = 0;  ///< grey of a level is at most this far from the file's value (see Level_Builder); 0: exact
-    std::uint64_t nonfinite_nb = 0;    ///< values that were no number or infinite; they have the level level_min
-    std::int32_t level_min = 0;        ///< smallest level present; colour: smallest component
-    std::int32_t level_max = 0;        ///< largest level present; colour: largest component
-    std::vector<std::int32_t> levels;  ///< nx * ny * nz * nt values, at most LEVEL_LARGEST
+    std::uint64_t nonfinite_nb = 0;    ///< values that were no number or infinite; they have the level LEVEL_OUTSIDE
+    std::int32_t level_min = 0;        ///< smallest level present but LEVEL_OUTSIDE; colour: smallest component
+    std::int32_t level_max = 0;        ///< largest level present but LEVEL_OUTSIDE; colour: largest component
+    std::vector<std::int32_t> levels;  ///< nx * ny * nz * nt values, at most LEVEL_LARGEST, or LEVEL_OUTSIDE
     Stored_Geometry stored;
 
-    /** Grey value of a level, limited to the range of float; colour: its luminance, 0 .. 255. */
+    /** Grey value of a level, limited to the range of float; colour: its luminance, 0 .. 255. LEVEL_OUTSIDE has none:
+     * no number. */
     float grey(std::int32_t level) const {
+        if (level == LEVEL_OUTSIDE) {
+            return std::numeric_limits<float>::quiet_NaN();
+        }
         if (color) {
             const double red = level & 0xFF;
             const double green = (level >> 8) & 0xFF;

@@ -11,6 +11,7 @@
 namespace {
 
 constexpr std::size_t half_size = std::size_t{1} << 16U;  // values of either half of a 32-bit number
+constexpr double WINDOW_REACH = 1e-6;                     // of a single value, at least: what a float can tell apart
 
 // The level's distance from the smallest possible one: keeps the order, and is never negative.
 std::uint32_t Ordered(std::int32_t level) {
@@ -34,16 +35,11 @@ std::size_t Bin_Of_Rank(const std::vector<std::uint64_t>& bins, std::uint64_t& r
 // question the lower halves of those that share the right upper one.
 class Level_Ranking {
   public:
-    Level_Ranking(std::span<const std::int32_t> all_levels, std::int32_t level_passed_over,
-                  std::uint64_t passed_over_nb)
-        : levels(all_levels),
-          passed_over(Ordered(level_passed_over)),
-          passed_over_count(passed_over_nb),
-          upper(half_size) {
+    // Levels outside are the largest number: they come after all ranks that are asked for.
+    explicit Level_Ranking(std::span<const std::int32_t> all_levels) : levels(all_levels), upper(half_size) {
         for (const std::int32_t level : levels) {
             ++upper[Ordered(level) >> 16U];
         }
-        upper[passed_over >> 16U] -= passed_over_count;
     }
 
     // The level at position `rank` of the sorted ones, from 0.
@@ -56,17 +52,12 @@ class Level_Ranking {
                 ++lower[ordered & 0xFFFFU];
             }
         }
-        if ((passed_over >> 16U) == bin) {
-            lower[passed_over & 0xFFFFU] -= passed_over_count;
-        }
         const std::size_t low = Bin_Of_Rank(lower, rank);
         return Level_From_Ordered(static_cast<std::uint32_t>((bin << 16U) | low));
     }
 
   private:
     std::span<const std::int32_t> levels;
-    std::uint32_t passed_over;
-    std::uint64_t passed_over_count;
     std::vector<std::uint64_t> upper;
 };
 
@@ -82,10 +73,11 @@ void Window_Mend(Volume_Statistics& statistics) {
         statistics.window_high = statistics.max;
     }
     if (!(statistics.window_low < statistics.window_high)) {
-        // One more is not enough where a double has no room for it.
-        statistics.window_high =
-            std::max(statistics.window_low + 1.0,
-                     std::nextafter(statistics.window_low, std::numeric_limits<double>::infinity()));
+        // The one value stands in the middle of the window. Half is not enough where a float has no room for it.
+        const double value = statistics.window_low;
+        const double reach = std::max(0.5, std::abs(value) * WINDOW_REACH);
+        statistics.window_low = value - reach;
+        statistics.window_high = value + reach;
     }
 }
 
@@ -118,23 +110,23 @@ Volume_Statistics Statistics_Of_Color(std::span<const std::int32_t> levels) {
 
 Volume_Statistics Statistics_Of_Grey(const Volume& volume) {
     Volume_Statistics statistics;
-    statistics.count = static_cast<std::uint64_t>(volume.levels.size()) - volume.nonfinite_nb;
+    std::int64_t sum = 0;
+    for (const std::int32_t level : volume.levels) {
+        const bool is_inside = level != LEVEL_OUTSIDE;
+        sum += is_inside ? level : 0;
+        statistics.count += is_inside ? 1 : 0;
+    }
     if (statistics.count == 0) {
         return statistics;
     }
     const auto count = static_cast<double>(statistics.count);
-    const auto passed_over = static_cast<double>(volume.nonfinite_nb);
-    std::int64_t sum = -static_cast<std::int64_t>(volume.nonfinite_nb) * volume.level_min;
-    for (const std::int32_t level : volume.levels) {
-        sum += level;
-    }
     const double mean = static_cast<double>(sum) / count;
-    double square_sum = -passed_over * (volume.level_min - mean) * (volume.level_min - mean);
+    double square_sum = 0.0;
     for (const std::int32_t level : volume.levels) {
-        square_sum += (level - mean) * (level - mean);
+        square_sum += level != LEVEL_OUTSIDE ? (level - mean) * (level - mean) : 0.0;
     }
     const auto grey = [&](double level) { return level * volume.slope + volume.intercept; };
-    const Level_Ranking ranking(volume.levels, volume.level_min, volume.nonfinite_nb);
+    const Level_Ranking ranking(volume.levels);
     const auto percentile = [&](double share) {
         return grey(ranking.Level_At(Rank_Of_Share(share, statistics.count)));
     };

@@ -8,8 +8,7 @@
 
 /** All in grey values; colour volumes: over all their components, 0 .. 255. */
 struct Volume_Statistics {
-    std::uint64_t count =
-        0;  ///< values counted; those that were no number are left out. 0: everything else is 0 but window_high
+    std::uint64_t count = 0;  ///< values counted; those outside are left out. 0: everything else is 0 but window_high
     double min = 0;
     double max = 0;
     double mean = 0;
@@ -22,6 +21,6 @@ struct Volume_Statistics {
 inline constexpr double WINDOW_TAIL = 0.01;
 
 /** Statistics of a whole volume. The p-th percentile is the smallest value that at least p % of the values do not
- * exceed. A volume that is nearly all of one value would have no window: it gets min .. max instead, and if that is
- * empty too, min .. min + 1. */
+ * exceed. A volume that is nearly all of one value would have no window: it gets min .. max instead. One that is all of
+ * one value gets a window around it, in which it is mid grey. */
 Volume_Statistics Volume_Statistics_Compute(const Volume& volume);

@@ -152,7 +152,7 @@ TEST(Nifti_Reader, GivesOneLevelToAConstantImage) {
     }
 }
 
-TEST(Nifti_Reader, CountsValuesThatAreNoNumberAndGivesThemTheSmallestLevel) {
+TEST(Nifti_Reader, CountsValuesThatAreNoNumberAndLeavesThemOutside) {
     const float nan = std::nanf("");
     const float infinity = std::numeric_limits<float>::infinity();
     Nifti_Bytes bytes;
@@ -165,10 +165,11 @@ TEST(Nifti_Reader, CountsValuesThatAreNoNumberAndGivesThemTheSmallestLevel) {
     const Load_Result result = Load(bytes.File());
     ASSERT_THAT(result.error, IsEmpty());
     EXPECT_EQ(result.volume->nonfinite_nb, 3U);
-    EXPECT_THAT(result.volume->levels, ElementsAre(0, 0, 0, 65535, 0, 32768));
-    EXPECT_EQ(result.volume->grey(0), 2.0F);
+    EXPECT_THAT(result.volume->levels, ElementsAre(2, LEVEL_OUTSIDE, LEVEL_OUTSIDE, 4, LEVEL_OUTSIDE, 3));
+    EXPECT_EQ(result.volume->grey(2), 2.0F);
+    EXPECT_TRUE(std::isnan(result.volume->grey(LEVEL_OUTSIDE)));
     ASSERT_EQ(result.warnings.size(), 1U);
-    EXPECT_EQ(result.warnings[0], "test.nii has 3 voxels that are no number; they are shown as the smallest value.");
+    EXPECT_EQ(result.warnings[0], "test.nii has 3 voxels that are no number; they are shown black and count nowhere.");
 }
 
 TEST(Nifti_Reader, SurvivesNothingButNoNumbersAndTheWholeRangeOfDouble) {
@@ -190,7 +191,7 @@ TEST(Nifti_Reader, SurvivesNothingButNoNumbersAndTheWholeRangeOfDouble) {
             ASSERT_THAT(result.error, IsEmpty());
             Expect_Sound(*result.volume);
             if (values[2] == largest) {
-                EXPECT_THAT(result.volume->levels, ElementsAre(0, 32768, 65535));
+                EXPECT_THAT(result.volume->levels, ElementsAre(0, 1, 2));
             }
         }
     }

@@ -77,28 +77,26 @@ TEST(Volume_Statistics, KeepsTheOrderUnderANegativeSlope) {
     EXPECT_NEAR(statistics.sd, 10 * std::sqrt(1.25), 1e-12);
 }
 
-TEST(Volume_Statistics, LeavesOutValuesThatAreNoNumber) {
-    std::vector<std::int32_t> levels = {0, 0, 0, 0, 0, 65535, 30000, 20000};
+TEST(Volume_Statistics, LeavesOutLevelsOutside) {
+    std::vector<std::int32_t> levels = {LEVEL_OUTSIDE, 0, LEVEL_OUTSIDE, 65535, 30000, 20000, LEVEL_OUTSIDE};
     Volume volume = Volume_Of(levels);
-    volume.nonfinite_nb = 4;  // of the five zeros
+    volume.level_max = 65535;
     Expect_As_Sorted({0, 65535, 30000, 20000}, Volume_Statistics_Compute(volume));
-    // Many, in either half of the numbers and at a smallest level that is not 0.
+    // Many, in either half of the numbers.
     std::mt19937 random(3);
-    for (const std::int32_t largest : {500, 100000}) {
+    for (const std::int32_t largest : {500, 100000, LEVEL_LARGEST}) {
         std::uniform_int_distribution<std::int32_t> level(-largest, largest);
-        levels.assign(3000, -largest);
+        levels.assign(3000, LEVEL_OUTSIDE);
         std::vector<double> values;
         for (std::size_t i = 1000; i < levels.size(); ++i) {
-            levels[i] = i == 1000 ? -largest : level(random);
+            levels[i] = i == 1000 ? largest : level(random);
             values.push_back(levels[i]);
         }
         volume = Volume_Of(levels);
-        volume.nonfinite_nb = 1000;
+        volume.level_max = largest;
         Expect_As_Sorted(values, Volume_Statistics_Compute(volume));
     }
-    volume = Volume_Of({0, 0});
-    volume.nonfinite_nb = 2;
-    const Volume_Statistics statistics = Volume_Statistics_Compute(volume);
+    const Volume_Statistics statistics = Volume_Statistics_Compute(Volume_Of({LEVEL_OUTSIDE, LEVEL_OUTSIDE}));
     EXPECT_EQ(statistics.count, 0U);
     EXPECT_EQ(statistics.mean, 0);
     EXPECT_LT(statistics.window_low, statistics.window_high);
@@ -125,8 +123,11 @@ TEST(Volume_Statistics, AlwaysGivesAWindow) {
     EXPECT_EQ(statistics.window_low, 7);
     EXPECT_EQ(statistics.window_high, 9);
     statistics = Volume_Statistics_Compute(Volume_Of({7}));
-    EXPECT_EQ(statistics.window_low, 7);
-    EXPECT_EQ(statistics.window_high, 8);
+    EXPECT_EQ(statistics.window_low, 6.5) << "a single value is mid grey";
+    EXPECT_EQ(statistics.window_high, 7.5);
+    statistics = Volume_Statistics_Compute(Volume_Of({1000000000}));
+    EXPECT_LT(static_cast<float>(statistics.window_low), static_cast<float>(statistics.window_high));
+    EXPECT_EQ((statistics.window_low + statistics.window_high) / 2, 1e9);
     statistics = Volume_Statistics_Compute(Volume_Of({0}, 1, 1e300));
     EXPECT_LT(statistics.window_low, statistics.window_high);
     statistics = Volume_Statistics_Compute(Volume_Of({}));

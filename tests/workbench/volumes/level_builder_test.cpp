@@ -1,0 +1,101 @@
+#include "workbench/volumes/level_builder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace {
+
+using testing::ElementsAre;
+
+template <class Value>
+Volume Levels_Of(const std::vector<Value>& values, double slope = 1, double intercept = 0) {
+    constexpr bool is_float = sizeof(Value) == sizeof(float);
+    Level_Builder builder(is_float ? Voxel_Type::FLOAT32 : Voxel_Type::FLOAT64, Byte_Order::LITTLE, values.size());
+    std::vector<std::uint8_t> bytes(values.size() * sizeof(Value));
+    std::memcpy(bytes.data(), values.data(), bytes.size());
+    builder.Append(bytes);
+    Volume volume;
+    builder.Finish(slope, intercept, volume);
+    return volume;
+}
+
+template <class Value>
+void Expect_Close(const Volume& volume, const std::vector<Value>& values, double most) {
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const double grey = volume.levels[i] * volume.slope + volume.intercept;
+        EXPECT_NEAR(grey, static_cast<double>(values[i]), most) << "value " << i;
+    }
+}
+
+TEST(Level_Builder, few_greys_between_0_and_1_have_a_level_each) {
+    std::vector<float> values;
+    for (int grey = 255; grey >= 0; --grey) {
+        values.push_back(static_cast<float>(grey) / 255.0F);
+    }
+    const Volume volume = Levels_Of(values);
+    EXPECT_EQ(volume.level_min, 0);
+    EXPECT_EQ(volume.level_max, 255);
+    EXPECT_NEAR(volume.slope, 1.0 / 255, 1e-12);
+    EXPECT_LT(volume.max_error, 1e-6);
+    Expect_Close(volume, values, volume.max_error + 1e-7);
+    EXPECT_EQ(volume.levels[0], 255);
+}
+
+TEST(Level_Builder, a_small_range_has_65536_levels) {
+    // Diffusion values as scanners compute them, all different.
+    std::mt19937 random(5);
+    std::uniform_real_distribution<float> value(0.0F, 0.003F);
+    std::vector<float> values = {0.0F, 0.003F};
+    for (int i = 0; i < 20000; ++i) {
+        values.push_back(value(random));
+    }
+    const Volume volume = Levels_Of(values);
+    EXPECT_EQ(volume.level_min, 0);
+    EXPECT_EQ(volume.level_max, QUANTISED_STEPS);
+    EXPECT_NEAR(volume.slope, 0.003 / 65535, 1e-12);
+    Expect_Close(volume, values, volume.max_error * 1.0001 + 1e-12);
+}
+
+TEST(Level_Builder, whole_numbers_in_floats_are_their_own_levels) {
+    const Volume volume = Levels_Of<float>({-1000.0F, 0.0F, 3071.0F, 40.0F, std::nanf("")}, 0.5, 3);
+    EXPECT_THAT(volume.levels, ElementsAre(-1000, 0, 3071, 40, LEVEL_OUTSIDE));
+    EXPECT_EQ(volume.slope, 0.5) << "the file's scale is kept";
+    EXPECT_EQ(volume.intercept, 3);
+    EXPECT_EQ(volume.level_min, -1000);
+    EXPECT_EQ(volume.level_max, 3071);
+    EXPECT_EQ(volume.nonfinite_nb, 1U);
+    EXPECT_EQ(volume.max_error, 0);
+}
+
+TEST(Level_Builder, gaps_in_a_grid_are_steps_too) {
+    std::vector<double> values;
+    for (const int step : {0, 1, 2, 700, 701, 4095}) {
+        values.push_back(-0.25 + step * 0.0007);
+    }
+    const Volume volume = Levels_Of(values);
+    EXPECT_THAT(volume.levels, ElementsAre(0, 1, 2, 700, 701, 4095));
+    EXPECT_NEAR(volume.slope, 0.0007, 1e-9);
+}
+
+TEST(Level_Builder, a_grid_is_not_seen_where_it_would_cost_exactness) {
+    const std::vector<double> values = {0.0, 0.1, 0.2, 0.333, 1.0};
+    const Volume volume = Levels_Of(values);
+    EXPECT_EQ(volume.level_max, QUANTISED_STEPS);
+    Expect_Close(volume, values, volume.max_error * 1.0001);
+}
+
+TEST(Level_Builder, infinities_stay_outside_the_scale) {
+    const float infinity = std::numeric_limits<float>::infinity();
+    const Volume volume = Levels_Of<float>({infinity, 0.5F, -infinity, 0.75F, 1.0F});
+    EXPECT_THAT(volume.levels, ElementsAre(LEVEL_OUTSIDE, 0, LEVEL_OUTSIDE, 1, 2));
+    EXPECT_EQ(volume.nonfinite_nb, 2U);
+    EXPECT_EQ(volume.level_max, 2);
+}
+
+}  // namespace
