@@ -2,13 +2,17 @@
 add_library(kit_compiler_settings INTERFACE)
 target_compile_features(kit_compiler_settings INTERFACE cxx_std_20)
 
+set(kit_no_warnings)
+if(KIT_WARNINGS_AS_ERRORS)
+    set(kit_no_warnings "$<IF:$<CXX_COMPILER_ID:MSVC>,/WX,-Werror>")
+endif()
 if(MSVC)
-    target_compile_options(kit_compiler_settings INTERFACE /W4 /wd4251 /WX /permissive- /utf-8 /EHsc /fp:precise /Zc:__cplusplus)
+    target_compile_options(kit_compiler_settings INTERFACE /W4 /wd4251 ${kit_no_warnings} /permissive- /utf-8 /EHsc /fp:precise /Zc:__cplusplus)
     target_compile_definitions(kit_compiler_settings INTERFACE _CRT_SECURE_NO_WARNINGS)
 else()
     # No contraction: numeric results are part of the behaviour and must not depend on the processor.
     target_compile_options(kit_compiler_settings INTERFACE
-        -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror -ffp-contract=off)
+        -Wall -Wextra -Wpedantic -Wconversion -Wshadow ${kit_no_warnings} -ffp-contract=off)
     if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
         # GCC's -Wconversion leaves these two out for C++; one set of rules for both compilers.
         target_compile_options(kit_compiler_settings INTERFACE -Wno-sign-conversion -Wno-implicit-int-float-conversion)
@@ -42,14 +46,21 @@ if(KIT_FUZZ)
     target_compile_options(kit_compiler_settings INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-find_program(CCACHE_PROGRAM ccache)
-if(CCACHE_PROGRAM)
+if(KIT_CCACHE)
+    find_program(KIT_CCACHE_PROGRAM ccache)
+    if(NOT KIT_CCACHE_PROGRAM)
+        message(FATAL_ERROR "ccache is missing: scripts/install_packages run brings it, -D KIT_CCACHE=OFF does without.")
+    endif()
     # Paths relative to the project: all build folders, and all clones, share what was compiled once.
     set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=1
-        "${CCACHE_PROGRAM}")
+        "${KIT_CCACHE_PROGRAM}")
 endif()
 
 # A program and all the DLLs that it loads stand in one folder, which can be copied and started as it is.
-set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
-set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
-set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+if(PROJECT_IS_TOP_LEVEL)
+    set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+    set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+    set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+elseif(NOT CMAKE_RUNTIME_OUTPUT_DIRECTORY)
+    set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+endif()

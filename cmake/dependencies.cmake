@@ -1,5 +1,4 @@
-# The libraries that the project builds on. GoogleTest and Google Benchmark are left out where they are not built yet
-# (scripts/build_dependencies): the workbench needs neither.
+# The libraries that the project builds on.
 if(MINGW)
     find_library(ZLIB_LIBRARY NAMES libz.a REQUIRED)  # static: no zlib1.dll beside the program
 endif()
@@ -24,26 +23,36 @@ kit_header_only(EIGEN Eigen/Dense)
 kit_header_only(STB stb/stb_image_write.h)
 target_include_directories(header_only SYSTEM INTERFACE "${kit_header_folder}")
 
-# DCMTK: cross-built by scripts/build_dependencies dcmtk, or the distribution's.
-find_package(DCMTK QUIET)
-if(DCMTK_FOUND)
+# What an option asks for and is not there ends the configuration with the command that brings it.
+function(kit_find OPTION PACKAGE TITLE COMMAND)
+    find_package(${PACKAGE} QUIET)
+    if(NOT ${PACKAGE}_FOUND)
+        message(FATAL_ERROR "${TITLE} is missing: ${COMMAND} brings it, -D ${OPTION}=OFF does without.")
+    endif()
+endfunction()
+
+if(WIN32)
+    set(kit_bring "scripts/build_dependencies")
+else()
+    set(kit_bring "scripts/install_packages test #")
+endif()
+if(KIT_DICOM)  # cross-built by scripts/build_dependencies dcmtk, or the distribution's
+    kit_find(KIT_DICOM DCMTK DCMTK "${kit_bring} dcmtk")
+    find_package(DCMTK QUIET)
     add_library(dicom_toolkit INTERFACE)
     target_include_directories(dicom_toolkit SYSTEM INTERFACE ${DCMTK_INCLUDE_DIRS})
     target_link_libraries(dicom_toolkit INTERFACE DCMTK::dcmdata ZLIB::ZLIB)
     if(WIN32)
         target_link_libraries(dicom_toolkit INTERFACE iphlpapi netapi32 ws2_32)
     endif()
-else()
-    message(STATUS "DCMTK is not there: DICOM files are not read (scripts/build_dependencies dcmtk)")
 endif()
-
-find_package(GTest QUIET)
-if(NOT GTest_FOUND)
-    message(STATUS "GoogleTest is not there: tests are left out (scripts/build_dependencies googletest)")
+if(KIT_TESTS)
+    kit_find(KIT_TESTS GTest GoogleTest "${kit_bring} googletest")
+    find_package(GTest QUIET)
 endif()
-find_package(benchmark QUIET)
-if(NOT benchmark_FOUND)
-    message(STATUS "Google Benchmark is not there: benchmarks are left out (scripts/build_dependencies benchmark)")
+if(KIT_BENCHMARKS)
+    kit_find(KIT_BENCHMARKS benchmark "Google Benchmark" "${kit_bring} benchmark")
+    find_package(benchmark QUIET)
 endif()
 
 # Off Windows, the sources that speak to Windows are compiled against Wine's declarations of it.

@@ -4,7 +4,7 @@ function(kit_lint NAME)
     set_tests_properties(lint_${NAME} PROPERTIES LABELS lint)
 endfunction()
 
-if(MINGW AND CMAKE_BUILD_TYPE STREQUAL Debug)
+if(KIT_TESTS AND MINGW AND CMAKE_BUILD_TYPE STREQUAL Debug)
     # One source for each header, that has nothing but it.
     file(GLOB_RECURSE headers RELATIVE "${PROJECT_SOURCE_DIR}" CONFIGURE_DEPENDS
         host/*.h base/*.h kits/*.h panels/*.h histogram/*.h database/*.h workbench/*.h tests/*.h)
@@ -24,7 +24,7 @@ if(MINGW AND CMAKE_BUILD_TYPE STREQUAL Debug)
     target_compile_options(headers_alone PRIVATE -O0 -g0)
     target_compile_definitions(headers_alone PRIVATE KIT_SOURCE_ROOT="")  # what histogram/ gives its own sources
     target_link_libraries(headers_alone PRIVATE host_contract header_only ZLIB::ZLIB)
-    if(GTest_FOUND)
+    if(KIT_TESTS)
         target_link_libraries(headers_alone PRIVATE GTest::gmock)
     endif()
 

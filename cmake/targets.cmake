@@ -64,24 +64,28 @@ endfunction()
 # Seconds after which a test counts as hanging, far beyond what any needs on a busy machine. Lints have no limit: they end.
 set(kit_hang_seconds 3600)
 
-# kit_panels_test(NAME x SOURCES ... [LIBRARIES ...] [NATIVE | NATIVE_ONLY] [DESKTOP] [LABEL kind])
+# kit_panels_test(NAME x SOURCES ... [LIBRARIES ...] [NATIVE | NATIVE_ONLY] [DESKTOP] [FAIL_MEMORY] [LABEL kind])
 # A GoogleTest program and its one CTest entry. NATIVE: also without Windows, under the sanitizers; NATIVE_ONLY: only
 # there. DESKTOP: it uses the real cursor, keyboard or focus, so no other such test may run beside it.
+# FAIL_MEMORY: its sources stand in for the C library's allocation (__wrap_malloc, ...) and let it fail.
 # LIBRARIES: Kit_Panels for the module as a host sees it, label_panels and the like for what it does not export.
 function(kit_panels_test)
-    cmake_parse_arguments(PARSE_ARGV 0 arg "NATIVE;NATIVE_ONLY;DESKTOP" "NAME;LABEL" "SOURCES;LIBRARIES")
+    cmake_parse_arguments(PARSE_ARGV 0 arg "NATIVE;NATIVE_ONLY;DESKTOP;FAIL_MEMORY" "NAME;LABEL" "SOURCES;LIBRARIES")
     if(arg_UNPARSED_ARGUMENTS)
         message(FATAL_ERROR "kit_panels_test ${arg_NAME}: unknown ${arg_UNPARSED_ARGUMENTS}")
     endif()
-    if(NOT GTest_FOUND OR (WIN32 AND arg_NATIVE_ONLY) OR NOT (WIN32 OR arg_NATIVE OR arg_NATIVE_ONLY))
+    if(NOT KIT_TESTS OR (WIN32 AND arg_NATIVE_ONLY) OR NOT (WIN32 OR arg_NATIVE OR arg_NATIVE_ONLY))
         return()
     endif()
     add_executable(${arg_NAME} ${arg_SOURCES})
     kit_settings(${arg_NAME})
     target_link_libraries(${arg_NAME} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest GTest::gtest_main)
+    if(arg_FAIL_MEMORY)
+        target_link_options(${arg_NAME} PRIVATE -Wl,--wrap=malloc,--wrap=calloc,--wrap=realloc)
+    endif()
     add_test(NAME ${arg_NAME}
         COMMAND ${arg_NAME} --gtest_output=xml:../test_results/${arg_NAME}.xml
-        WORKING_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+        WORKING_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
     kit_test_properties(${arg_NAME} "${arg_LABEL}" ${arg_DESKTOP})
 endfunction()
 
@@ -102,12 +106,12 @@ endfunction()
 # A Google Benchmark program, and a CTest entry that only sees it run: figures come from ./bench.
 function(kit_panels_benchmark)
     cmake_parse_arguments(PARSE_ARGV 0 arg "NATIVE" "NAME" "SOURCES;LIBRARIES")
-    if(NOT benchmark_FOUND OR NOT (WIN32 OR arg_NATIVE))
+    if(NOT KIT_BENCHMARKS OR NOT (WIN32 OR arg_NATIVE))
         return()
     endif()
     add_executable(${arg_NAME} ${arg_SOURCES})
     kit_settings(${arg_NAME})
     target_link_libraries(${arg_NAME} PRIVATE ${arg_LIBRARIES} benchmark::benchmark benchmark::benchmark_main)
-    add_test(NAME ${arg_NAME} COMMAND ${arg_NAME} --benchmark_min_time=0.001 WORKING_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+    add_test(NAME ${arg_NAME} COMMAND ${arg_NAME} --benchmark_min_time=0.001 WORKING_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
     kit_test_properties(${arg_NAME} bench FALSE)
 endfunction()
