@@ -53,7 +53,7 @@ if(KIT_CCACHE)
     endif()
     # Paths relative to the project: all build folders, and all clones, share what was compiled once.
     set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=1
-        "${KIT_CCACHE_PROGRAM}")
+        CCACHE_SLOPPINESS=pch_defines,time_macros "${KIT_CCACHE_PROGRAM}")
 endif()
 
 # A program and all the DLLs that it loads stand in one folder, which can be copied and started as it is.

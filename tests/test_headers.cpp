@@ -1,0 +1,1 @@
+// The headers that CMakeLists.txt names are compiled with this file.
