@@ -176,7 +176,8 @@ class Histo_Faults : public testing::Test {
             Home_Window();
         };
         subject.picture = [] {
-            return Window_Picture{CLIENT_WIDTH, CLIENT_HEIGHT, Panel_Window_Read(Window(), CLIENT_WIDTH, CLIENT_HEIGHT)};
+            return Window_Picture{CLIENT_WIDTH, CLIENT_HEIGHT,
+                                  Panel_Window_Read(Window(), CLIENT_WIDTH, CLIENT_HEIGHT)};
         };
         subject.end = [] {};
         return subject;
