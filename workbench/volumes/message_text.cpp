@@ -1,6 +1,8 @@
 #include "workbench/volumes/message_text.h"
 
 #include <array>
+#include <charconv>
+#include <cmath>
 #include <cstddef>
 #include <system_error>
 
@@ -14,6 +16,17 @@ std::string Count_Text(std::uint64_t count) {
         text += digits[i];
     }
     return text;
+}
+
+std::string Value_Text(double value) {
+    if (!std::isfinite(value)) {
+        return std::isnan(value) ? "no number" : (value > 0 ? "infinity" : "-infinity");
+    }
+    constexpr int digits = 6;
+    std::array<char, 32> text{};
+    const auto [end, error] =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, digits);
+    return std::string(text.data(), end);
 }
 
 std::string Size_Text(std::uint64_t bytes) {

@@ -8,6 +8,8 @@
 
 /** "7,109,137": a count with its thousands set apart. */
 std::string Count_Text(std::uint64_t count);
+/** "0.25", "1.2e-07": a value with six digits at most, the same in every language. */
+std::string Value_Text(double value);
 /** "2.0 GiB", "512 bytes": an amount of data. */
 std::string Size_Text(std::uint64_t bytes);
 /** The file's own name without its folders, in UTF-8. A name that cannot be expressed gives "The file". */
