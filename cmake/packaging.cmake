@@ -16,6 +16,7 @@ install(EXPORT Kit_Panels_Targets NAMESPACE Kit_Panels:: DESTINATION ${kit_packa
 # Every header that a host may include, with all that these include, in the folders that the sources have.
 set(kit_public_headers
     database/db_list.h
+    database/editor_places.h
     database/tool_db_class.h
     database/tool_db_file.h
     database/tool_db_list.h
@@ -33,6 +34,7 @@ set(kit_public_headers
     panels/brush_disc.h
     panels/kit_panels.h
     panels/protocol/kit_panels.h
+    panels/protocol/panel_life.h
     panels/label_grid.h
     panels/label_grid_geometry.h
     panels/tool_brush.h

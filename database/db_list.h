@@ -1,6 +1,13 @@
 /** @file
  *  The rows of a database tree: a flat array in depth-first order. Level, parent index and subtree size carry the
  *  structure. The panel owns the array; views fill it, the drawing and editing operations walk it.
+ *
+ *  The array and the texts of its records come from the heap of this module's C library: a view of a host's own makes
+ *  them by DB_List_Append and DB_List_Text_Copy and by nothing else, and DB_List_Array_Free gives them back. A text
+ * does not change in place while its record is shown: its width is kept by its address. Another text is another copy.
+ *
+ *  After a failed creation `list_pt` is null while `nb` still counts the records that were lost: whoever walks the
+ * array asks for `list_pt` first.
  */
 #pragma once
 
@@ -21,6 +28,8 @@ inline constexpr std::uint16_t DB_STATE_CHECKED = 2;       ///< checked; the bit
 inline constexpr std::uint16_t DB_STATE_NO_ACCESS = 0x10;  ///< the host marks the frame so; drawn like a locked row
 
 inline constexpr std::uint16_t DB_ROW_NONE = 65535;  ///< DB_List::row of a record that is on no drawn row
+
+inline constexpr int DB_LEVEL_MOST = 4096;  ///< levels of the class view; a hierarchy in a circle ends here too
 
 inline constexpr int DB_MODE_DIMENSION = 0xF;  ///< bits of the mode word with the dimension: 1, 2 or 3
 inline constexpr int DB_MODE_EDIT = 0x10;      ///< the panel shows the tree editor
@@ -58,7 +67,8 @@ struct DB_Source {
 };
 
 /** Grows the array by one cleared record and counts it. The array moves at counts of 0 and of powers of two only, so
- *  that building is linear.
+ *  that building is linear; an array from elsewhere has no room for that.
+ *  @param nb, list_pt 0 and null, or as this operation left them
  *  @return the new record; null after a failure: reported, all rows freed, `*list_pt` null and `*nb` as it was */
 KIT_PANELS_API DB_List* DB_List_Append(int* nb, DB_List** list_pt, const DB_Source& source);
 /** A copy of the host's text into `*field` (null for a null or empty text).

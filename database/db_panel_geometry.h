@@ -34,5 +34,10 @@ struct DB_Layout {
 
 DB_Layout DB_Layout_Make(const DB_Place& panel, const DB_Metrics& metrics);
 
+/** The next larger font scale. 0, the library's own, stays 0. */
+constexpr short DB_Font_Scale_Larger(int scale) {
+    return static_cast<short>(scale == 0 ? 0 : scale + 1);
+}
+
 /** Height of a panel for `rows` rows: the button row, two spaces, two borders and the rows. */
 int DB_Panel_Height(int rows, int space, int button_height, int border);

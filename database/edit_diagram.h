@@ -114,7 +114,7 @@ struct Edit_Hit {
     int code = 0;
 };
 /** Uses the rows of the last Edit_Rows_Assign. */
-KIT_PANELS_API Edit_Hit Edit_Hit_At(int nb, const DB_List* list_pt, const DB_Tree_Point& at);
+Edit_Hit Edit_Hit_At(int nb, const DB_List* list_pt, const DB_Tree_Point& at);
 
 // -----------------------------------------------------------------------------------------------------------------
 // marks

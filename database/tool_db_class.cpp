@@ -1,63 +1,18 @@
 #include "database/tool_db_class.h"
 
 #include <new>
+#include <type_traits>
 #include <vector>
 
-#include "host/kit_dataset.h"
+#include "database/host_classes.h"
 #include "panels/protocol/host_variables.h"
 
 namespace {
 
 constexpr const char* SOURCE = KIT_SOURCE_ROOT "/database/tool_db_class.cpp";
-constexpr int LEVEL_MOST = 4096;                            ///< a hierarchy that goes on in a circle ends here
 constexpr unsigned __int64 REDRAW_ALL = 0x3FFF;             ///< every image window, whatever it shows
 constexpr int FLAG_WRITTEN = FLAG_SELECTED | FLAG_CHANGED;  ///< set by selecting
 constexpr int FLAG_OF_ROOT = FLAG_SELECTED | FLAG_PARTLY_SELECTED;
-
-/** What differs between the dimensions. */
-struct Classes_1D {
-    using Object = Quorel_1D;
-    static constexpr const char* ROOT = "$DB_1D_ROOT_PT";
-    static constexpr int PLAIN = CLASS_PLAIN_1D;
-    static constexpr unsigned __int64 UPDATE = UPDATE_SELECTION | UPDATE_LEVEL_1D;
-    static const char* Icon(Object& object) { return object.Icon_Get(); }
-};
-struct Classes_2D {
-    using Object = Quorel_2D;
-    static constexpr const char* ROOT = "$DB_2D_ROOT_PT";
-    static constexpr int PLAIN = CLASS_PLAIN_2D;
-    static constexpr unsigned __int64 UPDATE = UPDATE_SELECTION | UPDATE_LEVEL_2D;
-    static const char* Icon(Object& object) { return object.Icon_2D_Get(); }
-};
-struct Classes_3D {
-    using Object = Quorel_3D;
-    static constexpr const char* ROOT = "$DB_3D_ROOT_PT";
-    static constexpr int PLAIN = CLASS_PLAIN_3D;
-    static constexpr unsigned __int64 UPDATE = UPDATE_SELECTION | UPDATE_LEVEL_3D;
-    static const char* Icon(Object& object) { return object.Icon_Get(); }
-};
-
-/** Calls `operation` with the classes of the mode's dimension; nothing for another dimension. */
-template <class Operation>
-void With_Classes(int mode, Operation operation) {
-    switch (mode & DB_MODE_DIMENSION) {
-        case 1:
-            operation(Classes_1D{});
-            break;
-        case 2:
-            operation(Classes_2D{});
-            break;
-        case 3:
-            operation(Classes_3D{});
-            break;
-        default:
-            break;
-    }
-}
-
-bool Is_Selected(const Quorel& object) {
-    return object.Flag_Get_Bit(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION) != 0;
-}
 
 /** Leaves that are not locked take part in the selection. */
 bool Is_Selectable(const DB_List& record) {
@@ -79,7 +34,7 @@ bool Fill(DB_List& record, typename Classes::Object& object, int level, int pare
         if (object.Class_A_Get() != Classes::PLAIN) {
             record.flag |= DB_FLAG_LOCKED;
         }
-        if (Is_Selected(object)) {
+        if (Object_Is_Selected(object)) {
             record.state = DB_STATE_CHECKED;
         }
     }
@@ -92,7 +47,7 @@ template <class Classes>
 unsigned short Create(Tool_DB_Class& view, int* nb, DB_List** list_pt, int level, int parent, void* given) {
     using Object = typename Classes::Object;
     auto* const object = given != nullptr ? static_cast<Object*>(given) : Host_Pointer<Object>(Classes::ROOT);
-    if (object == nullptr || level >= LEVEL_MOST) {
+    if (object == nullptr || level >= DB_LEVEL_MOST) {
         return 0;
     }
     const int k = *nb;
@@ -115,78 +70,91 @@ unsigned short Create(Tool_DB_Class& view, int* nb, DB_List** list_pt, int level
     return static_cast<unsigned short>((*list_pt)[k].desc_nb + 1);
 }
 
-/** A leaf to be written. */
-template <class Object>
-struct Leaf {
-    Object* object;
-    bool checked;
-};
+/** Calls `visit(object, checked)` for the selectable leaves, from the last to the first. */
+template <class Object, class Visit>
+void Each_Leaf(int nb, const DB_List* list_pt, Visit visit) {
+    for (int i = list_pt != nullptr ? nb - 1 : -1; i >= 0; --i) {
+        if (Is_Selectable(list_pt[i])) {
+            visit(*static_cast<Object*>(list_pt[i].object), (list_pt[i].state & DB_STATE_CHECKED) != 0);
+        }
+    }
+}
 
-/** The selectable leaves from the last to the first: writing them calls the host, which may have the check marks read
- *  anew meanwhile. @return false without memory */
+/** Writes the leaves: the host hears of it only afterwards. @return the last one that is checked */
 template <class Object>
-bool Leaves_Take(int nb, const DB_List* list_pt, std::vector<Leaf<Object>>& leaves) {
+Object* Leaves_Write(int nb, const DB_List* list_pt) {
+    Object* last = nullptr;
+    Each_Leaf<Object>(nb, list_pt, [&](Object& object, bool checked) {
+        Object_Select(object, checked, FLAG_WRITTEN);
+        last = checked ? &object : last;
+    });
+    return last;
+}
+
+/** Makes an object the one that the current window shows. */
+void Leaf_Show(Quorel_2D& object, const Panel_Watch& panel) {
+    auto* const window = Host_Pointer<Quorel_Window>("$WINDOW_CUR");
+    if (window == nullptr) {
+        return;  // closed meanwhile
+    }
+    Fct_Change_Child(window, &object, nullptr);
+    if (panel.Is_Alive()) {
+        Fct_Update(UPDATE_FRAME_CUR, nullptr, nullptr, nullptr);
+    }
+}
+
+/** Writes the leaves of 2D classes. Each checked one is shown in turn, so the first of the list is shown in the end.
+ *  The host may have the check marks read anew meanwhile: they are taken first.
+ *  @return false when the panel ended meanwhile */
+bool Leaves_Write_And_Show(int nb, const DB_List* list_pt, const Panel_Watch& panel) {
+    struct Leaf {
+        Quorel_2D* object;
+        bool checked;
+    };
+    std::vector<Leaf> leaves;
     try {
-        for (int i = nb - 1; i >= 0; --i) {
-            if (Is_Selectable(list_pt[i])) {
-                leaves.push_back({static_cast<Object*>(list_pt[i].object), (list_pt[i].state & DB_STATE_CHECKED) != 0});
+        Each_Leaf<Quorel_2D>(nb, list_pt, [&](Quorel_2D& object, bool checked) {
+            leaves.push_back({&object, checked});
+        });
+    } catch (const std::bad_alloc&) {
+        // Without memory for a copy the host is not called before all is written; only the last one is shown.
+        if (Quorel_2D* const shown = Leaves_Write<Quorel_2D>(nb, list_pt); shown != nullptr) {
+            Leaf_Show(*shown, panel);
+        }
+        return panel.Is_Alive();
+    }
+    for (const Leaf& leaf : leaves) {
+        Object_Select(*leaf.object, leaf.checked, FLAG_WRITTEN);
+        if (leaf.checked) {
+            Leaf_Show(*leaf.object, panel);
+            if (!panel.Is_Alive()) {
+                return false;
             }
         }
-    } catch (const std::bad_alloc&) {
-        return false;
     }
     return true;
 }
 
-void Leaf_Write(Quorel& object, bool checked) {
-    if (checked) {
-        object.Flag_Set_On(FLAG_WRITTEN, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
+/** Writes the selection of one dimension. @return false when nothing more is to be done: there is no root, or no
+ *  window for 2D classes, or the panel ended meanwhile */
+template <class Classes>
+bool Selection_Write(int nb, const DB_List* list_pt, const Panel_Watch& panel) {
+    using Object = typename Classes::Object;
+    constexpr bool IS_SHOWN = std::is_same_v<Object, Quorel_2D>;
+    auto* const root = Host_Pointer<Object>(Classes::ROOT);
+    if (root == nullptr || (IS_SHOWN && Host_Pointer<Quorel_Window>("$WINDOW_CUR") == nullptr)) {
+        return false;
+    }
+    root->Flag_Set_Off(FLAG_OF_ROOT, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
+    if constexpr (IS_SHOWN) {
+        if (!Leaves_Write_And_Show(nb, list_pt, panel)) {
+            return false;
+        }
     } else {
-        object.Flag_Set_Off(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
+        Leaves_Write<Object>(nb, list_pt);
     }
-}
-
-/** Makes an object the one that the current window shows. */
-void Leaf_Show(Quorel_2D* object) {
-    Fct_Change_Child(Host_Pointer<Quorel_Window>("$WINDOW_CUR"), object, nullptr);
-    Fct_Update(UPDATE_FRAME_CUR, nullptr, nullptr, nullptr);
-}
-
-/** Writes the leaves of 1D and 3D classes: the host hears of it only afterwards. */
-template <class Object>
-void Leaves_Write(int nb, DB_List* list_pt, const Object* /*kind*/) {
-    for (int i = nb - 1; i >= 0; --i) {
-        if (Is_Selectable(list_pt[i])) {
-            Leaf_Write(*static_cast<Object*>(list_pt[i].object), (list_pt[i].state & DB_STATE_CHECKED) != 0);
-        }
-    }
-}
-
-/** Writes the leaves of 2D classes. Each checked one is shown in turn, so the first of the list is shown in the end. */
-void Leaves_Write(int nb, DB_List* list_pt, const Quorel_2D* /*kind*/) {
-    std::vector<Leaf<Quorel_2D>> leaves;
-    if (Leaves_Take(nb, list_pt, leaves)) {
-        for (const Leaf<Quorel_2D>& leaf : leaves) {
-            Leaf_Write(*leaf.object, leaf.checked);
-            if (leaf.checked) {
-                Leaf_Show(leaf.object);
-            }
-        }
-        return;
-    }
-    // Without memory for a copy the host is not called before all is written; only the last one is shown.
-    Quorel_2D* shown = nullptr;
-    for (int i = nb - 1; i >= 0; --i) {
-        if (Is_Selectable(list_pt[i])) {
-            auto* const object = static_cast<Quorel_2D*>(list_pt[i].object);
-            const bool checked = (list_pt[i].state & DB_STATE_CHECKED) != 0;
-            Leaf_Write(*object, checked);
-            shown = checked ? object : shown;
-        }
-    }
-    if (shown != nullptr) {
-        Leaf_Show(shown);
-    }
+    Fct_Update(UPDATE_SELECTION | Classes::LEVEL, All_Windows(), nullptr, nullptr);
+    return panel.Is_Alive();
 }
 
 }  // namespace
@@ -194,6 +162,9 @@ void Leaves_Write(int nb, DB_List* list_pt, const Quorel_2D* /*kind*/) {
 Tool_DB_Class::Tool_DB_Class(int mode_word) {
     mode = mode_word;
 }
+Tool_DB_Class::~Tool_DB_Class() = default;
+Tool_DB_Class::Tool_DB_Class(const Tool_DB_Class& other) = default;
+Tool_DB_Class& Tool_DB_Class::operator=(const Tool_DB_Class& other) = default;
 
 unsigned short Tool_DB_Class::List_Create_From_DB(int* nb, DB_List** list_pt, int level, int parent, void* object) {
     unsigned short appended = 0;
@@ -213,7 +184,7 @@ void Tool_DB_Class::List_Select_From_DB(int nb, DB_List* list_pt) {
             if (!Is_Selectable(record)) {
                 continue;
             }
-            if (Is_Selected(*static_cast<Object*>(record.object))) {
+            if (Object_Is_Selected(*static_cast<Object*>(record.object))) {
                 record.state = DB_STATE_CHECKED;  // the no-access bit goes too; clearing leaves it. Kept so.
             } else {
                 record.state = static_cast<std::uint16_t>(record.state & ~DB_STATE_CHECKED);
@@ -223,16 +194,10 @@ void Tool_DB_Class::List_Select_From_DB(int nb, DB_List* list_pt) {
 }
 
 void Tool_DB_Class::List_Select_To_DB(int nb, DB_List* list_pt) {
-    With_Classes(mode, [&](auto classes) {
-        using Classes = decltype(classes);
-        using Object = typename Classes::Object;
-        if (auto* const root = Host_Pointer<Object>(Classes::ROOT); root != nullptr) {
-            root->Flag_Set_Off(FLAG_OF_ROOT, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
-        }
-        if (list_pt != nullptr) {
-            Leaves_Write(nb, list_pt, static_cast<const Object*>(nullptr));
-        }
-        Fct_Update(Classes::UPDATE, All_Windows(), nullptr, nullptr);
-    });
-    Fct_Redraw(REDRAW_ALL, nullptr, nullptr, nullptr);
+    const Panel_Watch panel(life);
+    bool goes_on = true;
+    With_Classes(mode, [&](auto classes) { goes_on = Selection_Write<decltype(classes)>(nb, list_pt, panel); });
+    if (goes_on) {
+        Fct_Redraw(REDRAW_ALL, nullptr, nullptr, nullptr);  // all that is done for another dimension
+    }
 }

@@ -3,10 +3,12 @@
 #include <windows.h>
 #include <windowsx.h>
 
+#include <imm.h>
+
 #include <cstring>
-#include <string_view>
 
 #include "base/gdi_handles.h"
+#include "database/db_panel_geometry.h"
 #include "host/kit_common.h"
 #include "host/kit_widgets.h"
 #include "panels/protocol/host_variables.h"
@@ -29,7 +31,7 @@ constexpr unsigned char GREY_ENTRY = 235;
 
 /** The one dialog. */
 struct Rename_Dialog {
-    char* buffer = nullptr;  // the caller's
+    char (*buffer)[DIALOG_RENAME_SIZE] = nullptr;  // the caller's
     HWND window = nullptr;
     HWND owner = nullptr;
     Boxs box;
@@ -49,10 +51,11 @@ void Place(Tools& widget, int x, int y, int width, int height) {
     widget.border = static_cast<unsigned short>(Host_Dimension("$INTERFACE_BORDER_DIM"));
 }
 
-void Tool_Font(Tools& widget, int larger_by) {
+void Tool_Font(Tools& widget, bool is_larger) {
     widget.font_name = Host_Pointer<const char>("$INTERFACE_TOOL_FONT_NAME");
     widget.font_weight = Host_Pointer<const char>("$INTERFACE_TOOL_FONT_WEIGHT");
-    widget.font_scale = static_cast<short>(Host_Dimension("$INTERFACE_TOOL_FONT_SCALE") + larger_by);
+    const short scale = Host_Dimension("$INTERFACE_TOOL_FONT_SCALE");
+    widget.font_scale = is_larger ? DB_Font_Scale_Larger(scale) : scale;
 }
 
 void Lay_Out(Rename_Dialog& rename, int width, int height) {
@@ -74,27 +77,27 @@ void Lay_Out(Rename_Dialog& rename, int width, int height) {
     rename.box.Init(rename.window);
 
     Place(rename.save, space, space, half, button);
-    Tool_Font(rename.save, 1);
+    Tool_Font(rename.save, true);
     rename.save.Set_Color(GREY_BOX, GREY_BOX, GREY_BOX);
     rename.save.Set_Name("Save");
     rename.save.Init(rename.window);
 
     // The library's own space comes on top of the host's; kept.
     Place(rename.cancel, 2 * space + half + SPACE, space, half, button);
-    Tool_Font(rename.cancel, 1);
+    Tool_Font(rename.cancel, true);
     rename.cancel.Set_Color(200, 200, 100);
     rename.cancel.Set_Name("Cancel");
     rename.cancel.Init(rename.window);
 
     rename.entry.style = STYLE_EDIT_LIVE;
     Place(rename.entry, space, 2 * space + button, inner, button);
-    Tool_Font(rename.entry, 0);
+    Tool_Font(rename.entry, false);
     rename.entry.Set_Color(GREY_ENTRY, GREY_ENTRY, GREY_ENTRY);
     rename.entry.Init(rename.window);
 
     const int above_entry = 3 * space + 2 * button;
     Place(rename.prompt, space, above_entry, inner, height - 1 - above_entry - space);
-    Tool_Font(rename.prompt, 0);
+    Tool_Font(rename.prompt, false);
     rename.prompt.Set_Color(GREY_BOX, GREY_BOX, GREY_BOX);
     rename.prompt.Init(rename.window);
 }
@@ -111,25 +114,44 @@ void Paint(Rename_Dialog& rename) {
     rename.prompt.Cleanup();
     rename.prompt.Write("%s", PROMPT);
     rename.entry.Cleanup();
-    rename.entry.Read("%s", rename.buffer);
+    rename.entry.Read("%s", *rename.buffer);
     rename.entry.Draw();
     rename.save.Draw();
     rename.cancel.Draw();
 }
 
-/** Copies what fits into the caller's buffer, without cutting a character of the code page. */
-void Buffer_Take(char* buffer, const char* text) {
-    const char* end = text;
-    while (*end != 0) {
-        const char* const next = ::CharNextA(end);
-        if (next == end || next - text >= DIALOG_RENAME_SIZE) {
-            break;
-        }
-        end = next;
+/** Bytes of the character of the system's code page that begins at `text`; 0 at the end, and for one that the end cuts
+ *  off. What begins no character counts as one byte. */
+std::size_t Character_Size(const char* text) {
+    const auto lead = static_cast<unsigned char>(text[0]);
+    std::size_t size = lead != 0 ? 1 : 0;
+    if (lead >= 0xC2 && ::GetACP() == CP_UTF8) {
+        size = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 1;
+    } else if (lead >= 0x80 && ::GetACP() != CP_UTF8 && ::IsDBCSLeadByte(lead) != FALSE) {
+        return text[1] != 0 ? 2 : 0;
     }
-    const auto length = static_cast<std::size_t>(end - text);
-    std::memmove(buffer, text, length);
-    buffer[length] = 0;
+    for (std::size_t i = 1; i < size; ++i) {
+        if (text[i] == 0) {
+            return 0;
+        }
+        if ((static_cast<unsigned char>(text[i]) & 0xC0U) != 0x80U) {
+            return 1;
+        }
+    }
+    return size;
+}
+
+/** What one key or message has typed. */
+void Typed_Take(Rename_Dialog& rename) {
+    const char* const text = rename.entry.Update();
+    if (text == nullptr) {
+        return;
+    }
+    const bool whole = Dialog_Text_Take(text, *rename.buffer);
+    rename.entry.Read("%s", *rename.buffer);
+    if (!whole) {
+        rename.entry.Draw();  // what does not fit is not shown either
+    }
 }
 
 void Key(Rename_Dialog& rename, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -141,14 +163,46 @@ void Key(Rename_Dialog& rename, UINT message, WPARAM wparam, LPARAM lparam) {
         return;
     }
     rename.entry.Input(key);
-    if (const char* const text = rename.entry.Update(); text != nullptr) {
-        const bool is_cut = std::strlen(text) >= DIALOG_RENAME_SIZE;
-        Buffer_Take(rename.buffer, text);
-        rename.entry.Read("%s", rename.buffer);
-        if (is_cut) {
-            rename.entry.Draw();  // what does not fit is not shown either
-        }
+    Typed_Take(rename);
+}
+
+/** Types one character of UTF-16 as the entry takes it: by the bytes of the code page, or in UTF-8 by its number.
+ *  Numbers that mean a key without a character, and those beyond 16 bits, cannot be typed. */
+void Character_Type(Texts& entry, wchar_t unit) {
+    constexpr wchar_t FIRST_PRINTABLE = 32;
+    constexpr wchar_t KEYS_FROM = KEY_SPECIAL;
+    constexpr wchar_t KEYS_TO = KEY_SPECIAL + 0xFF;
+    if (unit < FIRST_PRINTABLE || (unit >= HIGH_SURROGATE_START && unit <= LOW_SURROGATE_END) || (unit >= KEYS_FROM && unit <= KEYS_TO)) {
+        return;
     }
+    if (::GetACP() == CP_UTF8) {
+        entry.Input(unit);
+        return;
+    }
+    char bytes[4] = {};
+    BOOL replaced = FALSE;
+    const int nb = ::WideCharToMultiByte(CP_ACP, 0, &unit, 1, bytes, sizeof bytes, nullptr, &replaced);
+    for (int i = 0; i < nb && replaced == FALSE; ++i) {
+        entry.Input(static_cast<unsigned char>(bytes[i]));
+    }
+}
+
+/** Takes what an input method has composed: as UTF-16, whatever the window's own messages can carry. */
+void Composed(Rename_Dialog& rename) {
+    if (rename.entry.Select(1, 0, 0) == 0) {
+        return;
+    }
+    const HIMC context = ::ImmGetContext(rename.window);
+    if (context == nullptr) {
+        return;
+    }
+    wchar_t text[DIALOG_RENAME_SIZE];
+    const LONG size = ::ImmGetCompositionStringW(context, GCS_RESULTSTR, text, sizeof text);
+    ::ImmReleaseContext(rename.window, context);
+    for (LONG i = 0; i < size / static_cast<LONG>(sizeof text[0]); ++i) {
+        Character_Type(rename.entry, text[i]);
+    }
+    Typed_Take(rename);
 }
 
 void Pointer_Take(HWND window, LPARAM lparam) {
@@ -223,6 +277,11 @@ INT_PTR CALLBACK Dialog_Proc(HWND window, UINT message, WPARAM wparam, LPARAM lp
         case WM_KEYDOWN:
             Key(rename, message, wparam, lparam);
             return 1;
+        case WM_IME_COMPOSITION:
+            if ((lparam & GCS_RESULTSTR) != 0) {
+                Composed(rename);
+            }
+            return 0;  // the system goes on: what characters it makes of the text are not handled here
         case WM_MOUSEMOVE:
             Error_Fct(hwnd, TRACE_LEVEL, "tool_db_dialog_rename::Dialog_Proc(WM_MOUSEMOVE)");
             Pointer_Take(window, lparam);
@@ -303,6 +362,22 @@ class Dialog_Template {
 
 }  // namespace
 
+bool Dialog_Text_Take(const char* text, char (&buffer)[DIALOG_RENAME_SIZE]) {
+    const char* end = text != nullptr ? text : "";
+    text = end;
+    for (std::size_t size = Character_Size(end); size != 0; size = Character_Size(end)) {
+        if (static_cast<std::size_t>(end - text) + size >= sizeof buffer) {
+            break;
+        }
+        end += size;
+    }
+    const auto length = static_cast<std::size_t>(end - text);
+    const bool whole = *end == 0;
+    std::memmove(buffer, text, length);
+    buffer[length] = 0;
+    return whole;
+}
+
 int Dialog_Rename(char* buffer) {
     if (buffer == nullptr || dialog != nullptr) {
         return RESULT_FAILED;
@@ -312,7 +387,7 @@ int Dialog_Rename(char* buffer) {
         return RESULT_FAILED;
     }
     Rename_Dialog rename;
-    rename.buffer = buffer;
+    rename.buffer = reinterpret_cast<char(*)[DIALOG_RENAME_SIZE]>(buffer);
     rename.owner = ::GetActiveWindow();
     dialog = &rename;
     const INT_PTR result =

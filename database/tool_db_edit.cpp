@@ -3,17 +3,18 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
+#include "database/class_surgery.h"
 #include "database/edit_diagram.h"
+#include "database/host_classes.h"
 #include "database/tool_db_dialog_rename.h"
 #include "database/tool_db_edit_paint.h"
 #include "database/tool_db_fct.h"
 #include "host/kit_common.h"
-#include "host/kit_dataset.h"
-
-int (*DB_Edit_Ask_Name)(char* buffer) = Dialog_Rename;
+#include "panels/protocol/host_variables.h"
 
 namespace {
 
@@ -24,67 +25,41 @@ constexpr int CHANGED_BITS = 0x50;  // with the group and mask below: this objec
 constexpr int CHANGED_GROUP = 8;
 constexpr int CHANGED_MASK = 0x10000000;
 constexpr unsigned __int64 REDRAW_ALL = 0x3FFF;  // every image window
-constexpr unsigned __int64 REDRAW_ALL_3D =
-    0x3FFF0000;  // ... for 3D classes; other bits, kept so: hosts tell them apart
+constexpr unsigned __int64 REDRAW_ALL_3D = 0x3FFF0000;
 
 constexpr int RENAME_SAVED = 1;
+constexpr int KEY_MASK = 0xFFFF;  // of a key code
 
-// -----------------------------------------------------------------------------------------------------------
-// dimensions
-
-struct Edit_1D {
-    using Object = Quorel_1D;
-    static constexpr unsigned __int64 UPDATE = UPDATE_STRUCTURE | UPDATE_LEVEL_1D;
-    static constexpr unsigned __int64 REDRAW = REDRAW_ALL;
-};
-struct Edit_2D {
-    using Object = Quorel_2D;
-    static constexpr unsigned __int64 UPDATE = UPDATE_STRUCTURE | UPDATE_LEVEL_2D;
-    static constexpr unsigned __int64 REDRAW = REDRAW_ALL;
-};
-struct Edit_3D {
-    using Object = Quorel_3D;
-    static constexpr unsigned __int64 UPDATE = UPDATE_STRUCTURE | UPDATE_LEVEL_3D;
-    static constexpr unsigned __int64 REDRAW = REDRAW_ALL_3D;
-};
-
-/** Calls `operation` with the classes of the mode's dimension; nothing for another dimension. */
-template <class Operation>
-void With_Dimension(int mode, Operation operation) {
-    switch (mode & DB_MODE_DIMENSION) {
-        case 1:
-            operation(Edit_1D{});
-            break;
-        case 2:
-            operation(Edit_2D{});
-            break;
-        case 3:
-            operation(Edit_3D{});
-            break;
-        default:
-            break;
-    }
-}
+// What the image windows are asked for: 3D classes have bits of their own, and hosts tell them apart.
+template <class Classes>
+constexpr unsigned __int64 REDRAW_OF = std::is_same_v<typename Classes::Object, Quorel_3D> ? REDRAW_ALL_3D : REDRAW_ALL;
 
 bool Has_Dimension(int mode) {
-    const int dimension = mode & DB_MODE_DIMENSION;
-    return dimension >= 1 && dimension <= 3;
+    return With_Classes(mode, [](auto) {});
 }
 
-template <class Dimension>
-typename Dimension::Object* Object_Of(const DB_List& record) {
-    return static_cast<typename Dimension::Object*>(record.object);
+template <class Classes>
+typename Classes::Object* Object_Of(const DB_List& record) {
+    return static_cast<typename Classes::Object*>(record.object);
 }
 
 void Mark_Changed(Quorel& object) {
     object.Flag_Set_On(CHANGED_BITS, CHANGED_GROUP, CHANGED_MASK);
 }
 
-/** The host may have the records built anew before this returns. */
-template <class Dimension>
-void Tell_Host() {
-    Fct_Update(Dimension::UPDATE, nullptr, nullptr, nullptr);
-    Fct_Redraw(Dimension::REDRAW, nullptr, nullptr, nullptr);
+bool Is_Alive(const Panel_Watch* panel) {
+    return panel == nullptr || panel->Is_Alive();
+}
+
+/** The host may have the records built anew, or end the panel, before this returns. @return false when it ended */
+template <class Classes>
+bool Tell_Host(const Panel_Watch* panel) {
+    Fct_Update(UPDATE_STRUCTURE | Classes::LEVEL, nullptr, nullptr, nullptr);
+    if (!Is_Alive(panel)) {
+        return false;
+    }
+    Fct_Redraw(REDRAW_OF<Classes>, nullptr, nullptr, nullptr);
+    return Is_Alive(panel);
 }
 
 // ----------------------------------------------------------------------------------------------------------------
@@ -94,9 +69,9 @@ void Tell_Host() {
 struct Editor {
     const DB_List* owner = nullptr;  ///< the records that the codes are of
     Edit_Marks marks;
-    int start_code = 0;        ///< where the drag began
-    bool lines_shown = false;  ///< drag feedback is on screen ...
-    DB_Tree_Point lines_to;    ///< ... to this point
+    const Boxs* dragged_in = nullptr;  ///< where the drag of the marked nodes began; compared only
+    bool lines_shown = false;          ///< drag feedback is on screen ...
+    DB_Tree_Point lines_to;            ///< ... to this point
 };
 Editor editor;
 
@@ -106,14 +81,15 @@ const Edit_Marks& Marks_Of(const DB_List* list_pt) {
     return editor.owner == list_pt ? editor.marks : none;
 }
 
-bool Is_Own_Drag(const DB_List* list_pt) {
-    return db_drag.active && db_drag.owner == list_pt && editor.owner == list_pt;
+/** Whether a drag goes on that began in this box with these records. */
+bool Is_Own_Drag(const Boxs* box, const DB_List* list_pt) {
+    return db_drag.Is_Of(box) && editor.owner == list_pt;
 }
 
 /** A drag that was ended elsewhere, by a release outside the diagram, moves nothing: its nodes are dragged no longer.
  *  @return whether there were any */
 bool Ended_Drag_Forget(const DB_List* list_pt) {
-    if (editor.owner != list_pt || Is_Own_Drag(list_pt) || editor.marks.dragged.empty()) {
+    if (editor.owner != list_pt || db_drag.Is_Of(editor.dragged_in) || editor.marks.dragged.empty()) {
         return false;
     }
     editor.marks.dragged.clear();
@@ -136,6 +112,7 @@ struct Edit_Stage {
     DB_List* list_pt;
     Sliders* horizontal;
     Sliders* vertical;
+    const Panel_Watch* panel = nullptr;  ///< whose box and sliders these are; null: they outlive the operation
 
     Tree_View View() const { return Edit_View_Of(*box, *horizontal, *vertical); }
     bool Has(int record) const { return list_pt != nullptr && record >= 0 && record < nb; }
@@ -210,13 +187,13 @@ void Lines_Take_Away(const Edit_Stage& stage) {
 // clicks
 
 /** Begins a drag of the nodes whose parent handles are `codes`, ascending. */
-void Drag_Begin(const Edit_Stage& stage, std::vector<int>&& codes, int start_code) {
+void Drag_Begin(const Edit_Stage& stage, std::vector<int>&& codes) {
     Lines_Take_Away(stage);
     Take_Over(stage.list_pt);
     editor.marks.dragged = std::move(codes);
-    editor.start_code = start_code;
     db_drag.active = true;
-    db_drag.owner = stage.list_pt;
+    db_drag.owner = stage.box;
+    editor.dragged_in = stage.box;
     Nodes_Draw(stage, editor.marks.dragged.data(), editor.marks.dragged.size(), true);
 }
 
@@ -241,38 +218,31 @@ void Children_Toggle(const Edit_Stage& stage, int record) {
     }
 }
 
-/** Copies a name, cut before a character that does not fit. @return false when it was cut */
-bool Name_Copy(const char* name, char (&buffer)[DIALOG_RENAME_SIZE]) {
-    if (name == nullptr) {
-        name = "";
+/** Whether an object is still the class that the dialog was opened for: the host may have taken it away while the
+ * dialog was open, and have another one in its place. */
+template <class Classes>
+bool Is_Still(const typename Classes::Object* object, const char* name_before) {
+    using Object = typename Classes::Object;
+    if (!Class_Is_Below<Object>(Host_Pointer<Object>(Classes::ROOT), object, DB_LEVEL_MOST)) {
+        return false;
     }
-    std::size_t length = std::strlen(name);
-    const bool whole = length < sizeof buffer;
-    if (!whole) {
-        constexpr unsigned char CONTINUATION = 0x80;  // of a character of several bytes, under the mask
-        constexpr unsigned char CONTINUATION_MASK = 0xC0;
-        length = sizeof buffer - 1;
-        while (length > 0 && (static_cast<unsigned char>(name[length]) & CONTINUATION_MASK) == CONTINUATION) {
-            --length;
-        }
-    }
-    std::memcpy(buffer, name, length);
-    buffer[length] = 0;
-    return whole;
+    char name[DIALOG_RENAME_SIZE];
+    Dialog_Text_Take(object->Name_Get(), name);
+    return std::strcmp(name, name_before) == 0;
 }
 
-void Rename(int mode, const DB_List& record) {
-    With_Dimension(mode, [&](auto dimension) {
-        using Dimension = decltype(dimension);
-        auto* const object = Object_Of<Dimension>(record);
+void Rename(const Edit_Stage& stage, const DB_List& record) {
+    With_Classes(stage.mode, [&](auto classes) {
+        using Classes = decltype(classes);
+        auto* const object = Object_Of<Classes>(record);
         if (object == nullptr) {
             return;
         }
         char before[DIALOG_RENAME_SIZE] = {};
         char buffer[DIALOG_RENAME_SIZE] = {};
-        const bool whole = Name_Copy(object->Name_Get(), before);
+        const bool whole = Dialog_Text_Take(object->Name_Get(), before);
         std::memcpy(buffer, before, sizeof buffer);
-        if (DB_Edit_Ask_Name(buffer) != RENAME_SAVED) {
+        if (Dialog_Rename(buffer) != RENAME_SAVED || !Is_Alive(stage.panel) || !Is_Still<Classes>(object, before)) {
             return;
         }
         if (!whole && std::strcmp(buffer, before) == 0) {
@@ -280,7 +250,7 @@ void Rename(int mode, const DB_List& record) {
         }
         object->Name_Set(buffer);
         Mark_Changed(*object);
-        Tell_Host<Dimension>();
+        Tell_Host<Classes>(stage.panel);
     });
 }
 
@@ -291,17 +261,17 @@ void Press(const Edit_Stage& stage, int up_down, const Edit_Hit& hit) {
     }
     switch (Edit_Code_Zone(hit.code)) {
         case Edit_Zone::Parent_Handle:
-            Drag_Begin(stage, {hit.code}, hit.code);
+            Drag_Begin(stage, {hit.code});
             break;
         case Edit_Zone::Children_Handle:
-            Drag_Begin(stage, Children_Codes(stage, record), hit.code);
+            Drag_Begin(stage, Children_Codes(stage, record));
             break;
         case Edit_Zone::Toggle:
             Children_Toggle(stage, record);
             break;
         case Edit_Zone::Body:
             if (up_down == (MOUSE_PRESS | MOUSE_RIGHT)) {
-                Rename(stage.mode, stage.list_pt[record]);
+                Rename(stage, stage.list_pt[record]);
             }
             break;
     }
@@ -309,10 +279,10 @@ void Press(const Edit_Stage& stage, int up_down, const Edit_Hit& hit) {
 
 /** Moves the objects of the dragged nodes below the object of a record. All objects are taken from the records before
  *  the first one is moved: then the host may build the records anew. @return false without memory: nothing was moved */
-template <class Dimension>
+template <class Classes>
 bool Drop(const Edit_Stage& stage, const std::vector<int>& codes, int record) {
-    using Object = typename Dimension::Object;
-    Object* const target = Object_Of<Dimension>(stage.list_pt[record]);
+    using Object = typename Classes::Object;
+    Object* const target = Object_Of<Classes>(stage.list_pt[record]);
     std::vector<Object*> moved;
     try {
         moved.reserve(codes.size());
@@ -322,28 +292,24 @@ bool Drop(const Edit_Stage& stage, const std::vector<int>& codes, int record) {
     }
     for (const int code : codes) {
         if (stage.Has(Edit_Code_Record(code))) {
-            moved.push_back(Object_Of<Dimension>(stage.list_pt[Edit_Code_Record(code)]));
+            moved.push_back(Object_Of<Classes>(stage.list_pt[Edit_Code_Record(code)]));
         }
     }
     for (Object* const object : moved) {
-        if (object == nullptr || target == nullptr ||
-            (target->Child_Get_Nb() == 1 && target->Child_Get_Pt(0) == object)) {
+        if (object == nullptr || target == nullptr || !Class_Append(*object, *target)) {
             continue;
         }
-        // An object that is asked below itself is the host's to refuse: its tree operations put it back.
-        if (Object* const parent = object->Parent_Get_Pt(); parent != nullptr) {
-            parent->Child_Remove(object);
-        }
-        target->Child_Add(object);
         Mark_Changed(*target);
-        Tell_Host<Dimension>();
+        if (!Tell_Host<Classes>(stage.panel)) {
+            break;  // with the panel the objects may have ended
+        }
     }
     return true;
 }
 
 /** @return the result of the click */
 int Release(const Edit_Stage& stage, const Edit_Hit& hit) {
-    if (!Is_Own_Drag(stage.list_pt)) {
+    if (!Is_Own_Drag(stage.box, stage.list_pt)) {
         return 1;
     }
     db_drag.active = false;
@@ -353,61 +319,25 @@ int Release(const Edit_Stage& stage, const Edit_Hit& hit) {
     const int record = Edit_Code_Record(hit.code);
     bool dropped = false;
     if (!codes.empty() && hit.on_node && Edit_Code_Zone(hit.code) == Edit_Zone::Children_Handle && stage.Has(record)) {
-        With_Dimension(stage.mode, [&](auto dimension) { dropped = Drop<decltype(dimension)>(stage, codes, record); });
+        With_Classes(stage.mode, [&](auto classes) { dropped = Drop<decltype(classes)>(stage, codes, record); });
     }
-    if (!dropped) {
+    if (!dropped && Is_Alive(stage.panel)) {
         Stage_Draw(stage);  // the dragged nodes look as before
-        return 1;
     }
-    return 2;
+    return dropped ? 2 : 1;
 }
 
 // ----------------------------------------------------------------------------------------------------------------
 // delete
 
-/** Moves the children of an object behind it in its parent, in order. @return false, with everything as before, when
- * the host had no room for one of them */
-template <class Object>
-bool Children_Hand_On(Object* object, Object* parent, int position) {
-    int moved_nb = 0;
-    for (int i = object->Child_Get_Nb() - 1; i >= 0; --i) {
-        Object* const child = object->Child_Get_Pt(i);
-        object->Child_Remove(i);
-        parent->Child_Insert(position + 1, child);
-        if (child->Parent_Get_Pt() == parent) {
-            ++moved_nb;
-            continue;
-        }
-        if (child->Parent_Get_Pt() == nullptr) {
-            object->Child_Insert(i, child);
-        }
-        for (; moved_nb > 0; --moved_nb) {
-            Object* const back = parent->Child_Get_Pt(position + 1);
-            parent->Child_Remove(position + 1);
-            object->Child_Add(back);
-        }
+/** Takes the object of a record out of the tree. @return whether it did */
+template <class Classes>
+bool Take_Out(const Edit_Stage& stage, const DB_List& record) {
+    auto* const object = Object_Of<Classes>(record);
+    if (object == nullptr || !Class_Take_Out(*object, [](Quorel& parent) { Mark_Changed(parent); })) {
         return false;
     }
-    return true;
-}
-
-/** Takes an object out of the tree, its children into its place. @return whether it did */
-template <class Dimension>
-bool Take_Out(typename Dimension::Object* object) {
-    if (object == nullptr || object->Parent_Get_Pt() == nullptr) {
-        return false;
-    }
-    auto* const parent = object->Parent_Get_Pt();
-    // Without the link first: whoever looks at the object meanwhile sees it taken out.
-    object->Parent_Set_Pt(nullptr);
-    const int position = parent->Child_Get_Id(object);
-    if (position < 0 || !Children_Hand_On(object, parent, position)) {
-        object->Parent_Set_Pt(parent);
-        return false;
-    }
-    Mark_Changed(*parent);
-    parent->Child_Remove(position);
-    Tell_Host<Dimension>();
+    Tell_Host<Classes>(stage.panel);
     return true;
 }
 
@@ -463,10 +393,10 @@ int DB_Edit_Locate(Boxs* box, int nb, DB_List* list_pt, Sliders* horizontal, Sli
     return hit.code;
 }
 
-int DB_Edit_Click_DB(int mode, Boxs* box, int up_down, int nb, DB_List* list_pt, Sliders* horizontal,
-                     Sliders* vertical) {
+int DB_Edit_Click_DB(int mode, Boxs* box, int up_down, int nb, DB_List* list_pt, Sliders* horizontal, Sliders* vertical,
+                     const Panel_Watch* panel) {
     Error_Fct(hwnd, TRACE_LEVEL, "in DB_Edit_Click_DB(up_down=0x%08x)", static_cast<unsigned int>(up_down));
-    const Edit_Stage stage = {mode, box, nb, list_pt, horizontal, vertical};
+    const Edit_Stage stage = {mode, box, nb, list_pt, horizontal, vertical, panel};
     Edit_Hit hit;
     if (!Locate(stage, &hit) || !Has_Dimension(mode)) {
         return 1;
@@ -482,12 +412,13 @@ int DB_Edit_Click_DB(int mode, Boxs* box, int up_down, int nb, DB_List* list_pt,
     return 1;
 }
 
-int DB_Edit_Key_DB(int mode, Boxs* box, int key, int nb, DB_List* list_pt, Sliders* horizontal, Sliders* vertical) {
+int DB_Edit_Key_DB(int mode, Boxs* box, int key, int nb, DB_List* list_pt, Sliders* horizontal, Sliders* vertical,
+                   const Panel_Watch* panel) {
     Error_Fct(hwnd, TRACE_LEVEL, "in DB_Edit_Key_DB(key=0x%08x)", static_cast<unsigned int>(key));
-    if (key != KEY_DELETE) {
-        return 0;
+    if ((key & KEY_MASK) != KEY_DELETE || box->Select(MOUSE_ASK) == 0) {
+        return 0;  // outside the box no node is seen under the pointer
     }
-    const Edit_Stage stage = {mode, box, nb, list_pt, horizontal, vertical};
+    const Edit_Stage stage = {mode, box, nb, list_pt, horizontal, vertical, panel};
     Edit_Hit hit;
     const bool located = Locate(stage, &hit);
     const int record = Edit_Code_Record(hit.code);
@@ -496,10 +427,7 @@ int DB_Edit_Key_DB(int mode, Boxs* box, int key, int nb, DB_List* list_pt, Slide
         return 0;
     }
     bool done = false;
-    With_Dimension(mode, [&](auto dimension) {
-        using Dimension = decltype(dimension);
-        done = Take_Out<Dimension>(Object_Of<Dimension>(list_pt[record]));
-    });
+    With_Classes(mode, [&](auto classes) { done = Take_Out<decltype(classes)>(stage, list_pt[record]); });
     return done ? 1 : 0;
 }
 
@@ -513,8 +441,9 @@ int DB_Edit_Motion_DB(int mode, Boxs* box, int up_down, int nb, DB_List* list_pt
             Stage_Draw(stage);
         }
     }
-    const bool dragging = Is_Own_Drag(list_pt) && DB_List_Pointer(*box, *horizontal, *vertical,
-                                                                  "tool_db_edit::DB_Edit_Motion", &db_drag.current);
+    const bool dragging =
+        Is_Own_Drag(box, list_pt) &&
+        DB_List_Pointer(*box, *horizontal, *vertical, "tool_db_edit::DB_Edit_Motion", &db_drag.current);
     Edit_Hit hit;
     bool drawn = false;
     if (Locate(stage, &hit) && Has_Dimension(mode)) {

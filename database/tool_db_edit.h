@@ -6,11 +6,15 @@
  *  the ground of the diagram is drawn.
  *
  *  Without a device context nothing is drawn and nothing changes.
+ *
+ *  The host may also end the panel while it is told or while the dialog is open: the operations that take a `panel`
+ * then do no more, and touch neither the box nor the sliders.
  */
 #pragma once
 
 #include "database/db_list.h"
 #include "host/kit_widgets.h"
+#include "panels/protocol/panel_life.h"
 
 /** Draws the diagram, assigns the rows (DB_List::row) and sizes both sliders, without drawing them. @return 1 when
  * nodes could be drawn, else 0 */
@@ -21,11 +25,13 @@ int DB_Edit_Locate(Boxs* box, int nb, DB_List* list_pt, Sliders* horizontal, Sli
 /** A press begins a drag (parent handle: that node; children handle: all children), shows or hides children (toggle)
  * or, with MOUSE_RIGHT on a body, renames. The release of a drag on a children handle moves the dragged nodes there.
  *  @return 2 when nodes were dropped (the caller rebuilds), else 1 */
-int DB_Edit_Click_DB(int mode, Boxs* box, int up_down, int nb, DB_List* list_pt, Sliders* horizontal,
-                     Sliders* vertical);
-/** KEY_DELETE on a node's body takes its object out of the tree; the object's children stay in its place, in order. The
- *  object lives on, without a parent. @return 0 when nothing could be done, else 1 */
-int DB_Edit_Key_DB(int mode, Boxs* box, int key, int nb, DB_List* list_pt, Sliders* horizontal, Sliders* vertical);
+int DB_Edit_Click_DB(int mode, Boxs* box, int up_down, int nb, DB_List* list_pt, Sliders* horizontal, Sliders* vertical,
+                     const Panel_Watch* panel = nullptr);
+/** KEY_DELETE (the low 16 bits) with the pointer inside the box and on a node's body takes its object out of the tree;
+ * the object's children stay in its place, in order. The object lives on, without a parent. @return 0 when nothing
+ * could be done, else 1 */
+int DB_Edit_Key_DB(int mode, Boxs* box, int key, int nb, DB_List* list_pt, Sliders* horizontal, Sliders* vertical,
+                   const Panel_Watch* panel = nullptr);
 /** Drag feedback and hover look. Draws what changes only. @return 1 when something was drawn, else 0 */
 int DB_Edit_Motion_DB(int mode, Boxs* box, int up_down, int nb, DB_List* list_pt, Sliders* horizontal,
                       Sliders* vertical);
@@ -47,6 +53,3 @@ void DB_Draw_Expand(Boxs* box, const DB_List* record, Sliders* horizontal, Slide
  * middle;
  *  @param pen, fill colours 0x00BBGGRR */
 void DB_Draw_Circle(Boxs* box, int x, int y, int radius, std::uint32_t pen, std::uint32_t fill);
-
-/** What asks the user for a name: Dialog_Rename. A test that has no user puts its own in place. */
-extern int (*DB_Edit_Ask_Name)(char* buffer);

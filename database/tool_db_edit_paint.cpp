@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "database/host_classes.h"
 #include "database/tool_db_edit.h"
 #include "panels/protocol/host_variables.h"
 
@@ -124,16 +125,9 @@ class Line_Batch {
 }  // namespace
 
 Quorel* Edit_Object_Of(int mode, const DB_List& record) {
-    switch (mode & DB_MODE_DIMENSION) {
-        case 1:
-            return static_cast<Quorel_1D*>(record.object);
-        case 2:
-            return static_cast<Quorel_2D*>(record.object);
-        case 3:
-            return static_cast<Quorel_3D*>(record.object);
-        default:
-            return nullptr;
-    }
+    Quorel* object = nullptr;
+    With_Classes(mode, [&](auto classes) { object = static_cast<typename decltype(classes)::Object*>(record.object); });
+    return object;
 }
 
 Tree_View Edit_View_Of(const Boxs& box, const Sliders& horizontal, const Sliders& vertical) {
@@ -156,8 +150,8 @@ bool Edit_Painter::Is_Seen(const DB_Tree_Point& from, const DB_Tree_Point& to) c
     const POINT a = Place_Of(from);
     const POINT b = Place_Of(to);
     const Boxs& box = *view.box;
-    return std::max(a.x, b.x) >= box.x && std::min(a.x, b.x) < box.x + box.width && std::max(a.y, b.y) >= box.y &&
-           std::min(a.y, b.y) < box.y + box.height;
+    return Has_Pixels(box) && std::max(a.x, b.x) >= box.x && std::min(a.x, b.x) < box.x + box.width &&
+           std::max(a.y, b.y) >= box.y && std::min(a.y, b.y) < box.y + box.height;
 }
 
 bool Edit_Painter::Is_Node_Seen(const DB_List& row) const {

@@ -23,10 +23,6 @@ Text_Width_Lists& Width_Lists() {
     return lists;
 }
 
-bool Is_Own_Drag(const DB_List* list_pt) {
-    return db_drag.owner == nullptr || db_drag.owner == list_pt;
-}
-
 int Position_Fold(LONG position) {
     return position < 0 || position >= POSITION_END ? 0 : static_cast<int>(position);
 }
@@ -60,7 +56,7 @@ void Press(const DB_Tree_Point& at, Boxs* box, int nb, DB_List* list_pt, Sliders
         }
     }
     db_drag.active = true;
-    db_drag.owner = list_pt;
+    db_drag.owner = box;
     if (getkey(VK_SHIFT) == 0) {
         db_drag.anchor_row = row;
     }
@@ -81,12 +77,6 @@ bool DB_List_Pointer(const Boxs& box, const Sliders& horizontal, const Sliders& 
     point->x = Tree_Pixels(horizontal.value) - box.x - Space() + Position_Fold(pointer.x);
     point->y = Tree_Pixels(vertical.value) + box.y + box.height - Position_Fold(pointer.y);
     return true;
-}
-
-DB_Tree_Point DB_List_Pointer(const Boxs& box, const Sliders& horizontal, const Sliders& vertical) {
-    DB_Tree_Point point;
-    DB_List_Pointer(box, horizontal, vertical, "tool_db_fct: DB_List_Pointer", &point);
-    return point;
 }
 
 void DB_Slider_Fit(Sliders& slider, const Tree_Extent& extent) {
@@ -134,7 +124,7 @@ int DB_List_Draw(Boxs* box, int nb, DB_List* list_pt, Sliders* horizontal, Slide
         Text_Widths none;
         Tree_Paint(dc.Get(), view, 0, nullptr, none);
     }
-    if (Is_Own_Drag(list_pt)) {
+    if (db_drag.owner == box) {
         DB_List_Draw_Box(nullptr, horizontal, vertical);
     }
     return result;
@@ -152,14 +142,14 @@ int DB_List_Click(Boxs* box, int up_down, int nb, DB_List* list_pt, Sliders* hor
     // the name of an earlier operation; whoever reads the traces knows it by that
     Error_Fct(hwnd, TRACE_LEVEL, "in DB_2D_Class_List_Click(up_down=0x%08x)", static_cast<unsigned int>(up_down));
     DB_Tree_Point at;
-    if (list_pt == nullptr || !DB_List_Pointer(*box, *horizontal, *vertical, "tool_db_fct: DB_List_Click", &at)) {
+    if (!DB_List_Pointer(*box, *horizontal, *vertical, "tool_db_fct: DB_List_Click", &at)) {
         return 0;
     }
     if ((up_down & MOUSE_PRESS) != 0) {
-        Press(at, box, nb, list_pt, horizontal, vertical);
+        Press(at, box, list_pt != nullptr ? nb : 0, list_pt, horizontal, vertical);
         return 0;
     }
-    if (!db_drag.active || !Is_Own_Drag(list_pt)) {
+    if (!db_drag.Is_Of(box)) {
         return 0;
     }
     db_drag.active = false;
@@ -179,11 +169,11 @@ int DB_List_Select_Range(Boxs* box, int mode, int nb, DB_List* list_pt, Sliders*
     return 1;
 }
 
-int DB_List_Motion(Boxs* box, int up_down, int, DB_List* list_pt, Sliders* horizontal, Sliders* vertical) {
-    if (up_down == 0) {
+int DB_List_Motion(Boxs* box, int up_down, int, DB_List*, Sliders* horizontal, Sliders* vertical) {
+    if (up_down == 0 && (db_drag.owner == box || !db_drag.active)) {
         DB_List_Draw_Box(nullptr, horizontal, vertical);
     }
-    if (!db_drag.active || !Is_Own_Drag(list_pt) ||
+    if (!db_drag.Is_Of(box) ||
         !DB_List_Pointer(*box, *horizontal, *vertical, "tool_db_fct: DB_List_Motion", &db_drag.current)) {
         return 0;
     }
@@ -213,7 +203,10 @@ void DB_List_Draw_Box(Boxs* box, Sliders* horizontal, Sliders* vertical) {
 
 void DB_List_Forget(const DB_List* list_pt) {
     Width_Lists().Forget(list_pt);
-    if (list_pt != nullptr && db_drag.owner == list_pt) {
+}
+
+void DB_Drag_Forget(const Boxs* box) {
+    if (db_drag.owner == box) {
         db_drag = {};
     }
 }

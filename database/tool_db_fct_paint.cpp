@@ -46,12 +46,14 @@ int Extent(HDC dc, const char* text, std::size_t length) {
 struct Font_Metrics {
     int ascent = 0;
     int average = 0;
+    int widest = 0;
     Font_Metrics(HDC dc, HFONT font) {
         const Selected_Object selected(dc, font);
         TEXTMETRICA metrics = {};
         ::GetTextMetricsA(dc, &metrics);
         ascent = metrics.tmAscent;
         average = metrics.tmAveCharWidth;
+        widest = metrics.tmMaxCharWidth;
     }
 };
 
@@ -177,7 +179,11 @@ class Tree_Painter {
     }
 
     void Text(Tree_Font font, COLORREF color, Pen_Position at, const char* text) {
-        if (text == nullptr || *text == 0 || at.x >= right) {
+        if (text == nullptr || *text == 0) {
+            return;
+        }
+        const Font_Metrics& metrics = font == Tree_Font::Bold ? bold : regular;
+        if (at.x - metrics.widest >= right) {  // letters may reach a little to the left of where they begin
             return;
         }
         const Selected_Object selected(dc, fonts.Get(font));
@@ -185,7 +191,6 @@ class Tree_Painter {
             ::SetTextColor(dc, color);
             color_now = color;
         }
-        const Font_Metrics& metrics = font == Tree_Font::Bold ? bold : regular;
         const int top = at.y - BASE_LINE_BELOW + metrics.ascent;  // texts hang from their upper edge
         try {
             Pieces(text, at.x, top, TAB_EXTRA * metrics.average);
@@ -246,6 +251,10 @@ void Outline(HDC dc, const int (&band)[4]) {
 }  // namespace
 
 Gdi_Region Tree_Region(HDC dc, const Boxs& box) {
+    if (!Has_Pixels(box)) {
+        const RECT none = {};
+        return Gdi_Region(::CreateRectRgnIndirect(&none));
+    }
     POINT corners[2] = {{box.x, box.y}, {box.x + box.width - 1, box.y + box.height - 1}};
     ::LPtoDP(dc, corners, 2);
     const RECT rect = {std::min(corners[0].x, corners[1].x), std::min(corners[0].y, corners[1].y),
@@ -282,6 +291,9 @@ int Gdi_Text_Measurer::Width(Tree_Font font, const char* text) {
 
 void Tree_Paint(HDC dc, const Tree_View& view, int nb, const DB_List* list_pt, Text_Widths& widths) {
     const Boxs& box = *view.box;
+    if (!Has_Pixels(box)) {
+        return;
+    }
     const Gdi_Region region = Tree_Region(dc, box);
     const Clip_Guard clip(dc, region.Get());
     RECT ground;
@@ -299,7 +311,7 @@ void Tree_Paint(HDC dc, const Tree_View& view, int nb, const DB_List* list_pt, T
 }
 
 bool Tree_Band_Paint(HDC dc, const Boxs& box, const int (&erase)[4], bool erases, const int (&band)[4]) {
-    const Gdi_Pen pen(::CreatePen(PS_SOLID, 1, BAND_COLOR));
+    const Gdi_Pen pen(Has_Pixels(box) ? ::CreatePen(PS_SOLID, 1, BAND_COLOR) : nullptr);
     if (!pen) {
         return false;
     }

@@ -27,6 +27,10 @@ class Tree_DC {
     HDC dc;
 };
 
+/** A box without width or height has no pixels. */
+inline bool Has_Pixels(const Boxs& box) {
+    return box.width > 0 && box.height > 0;
+}
 /** The pixels of a box as a clip region: regions are in device units. */
 Gdi_Region Tree_Region(HDC dc, const Boxs& box);
 

@@ -4,8 +4,8 @@
 #include <cstring>
 
 #include "database/frame_index.h"
+#include "database/host_classes.h"
 #include "host/kit_common.h"
-#include "host/kit_dataset.h"
 #include "panels/protocol/host_variables.h"
 
 namespace {
@@ -200,23 +200,11 @@ class File_Lister {
 // -------------------------------------------------------------------------------------------------------------------
 // selection
 
-bool Is_Selected(const Quorel_2D& object) {
-    return object.Flag_Get_Bit(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION) != 0;
-}
-
-void Select(Quorel_2D& object, bool on) {
-    if (on) {
-        object.Flag_Set_On(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
-    } else {
-        object.Flag_Set_Off(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
-    }
-}
-
 Object_Frames Frames_Of(const Quorel_2D& object) {
     return {object.frame, object.frame_more != nullptr ? object.frame_more_nb : 0, object.frame_more};
 }
 
-/** Calls `operation(Quorel_2D&)` for the host's 2D objects. */
+/** Calls `operation(Quorel_2D&)` for the host's 2D objects until it gives false. */
 template <class Operation>
 void Each_Object(const char* who, Operation operation) {
     const unsigned short iterator = Iterator_Init(who, nullptr);
@@ -224,7 +212,9 @@ void Each_Object(const char* who, Operation operation) {
         return;
     }
     while (Quorel_2D* const object = Iterator_Class_2D(iterator, CLASS_MASK_2D, All_Windows(), 0)) {
-        operation(*object);
+        if (!operation(*object)) {
+            break;
+        }
     }
     Iterator_End(iterator);
 }
@@ -251,14 +241,16 @@ void Visit_Rows_Plainly(int nb, const DB_List* list_pt, const Object_Frames& obj
     }
 }
 
-/** Selects or deselects an object, tells the host, and has the windows drawn. */
-void Switch(Quorel_Window* window, Quorel_2D& object, bool on) {
-    Select(object, on);
+/** Selects or deselects an object, tells the host, and has the windows drawn unless the panel ended meanwhile. */
+void Switch(Quorel_Window* window, Quorel_2D& object, bool on, const Panel_Watch& panel) {
+    Object_Select(object, on);
+    Fct_Update(UPDATE_SELECTION_2D, All_Windows(), on ? &object : nullptr, nullptr);
+    if (!panel.Is_Alive()) {
+        return;
+    }
     if (on) {
-        Fct_Update(UPDATE_SELECTION_2D, All_Windows(), &object, nullptr);
         Fct_Redraw(REDRAW_SELECTED, window, &object, nullptr);
     } else {
-        Fct_Update(UPDATE_SELECTION_2D, All_Windows(), nullptr, nullptr);
         Fct_Redraw(REDRAW_DESELECTED, All_Windows(), nullptr, nullptr);
     }
 }
@@ -267,13 +259,14 @@ void Switch(Quorel_Window* window, Quorel_2D& object, bool on) {
 void Write_Plainly(const char* who, int nb, const DB_List* list_pt) {
     bool changed = false;
     Each_Object(who, [&](Quorel_2D& object) {
-        const bool selected = Is_Selected(object);
+        const bool selected = Object_Is_Selected(object);
         Visit_Rows_Plainly(nb, list_pt, Frames_Of(object), [&](const Frame_Index::Row& row) {
             if (row.checked != selected) {
-                Select(object, row.checked);
+                Object_Select(object, row.checked);
                 changed = true;
             }
         });
+        return true;
     });
     if (changed) {
         Fct_Update(UPDATE_SELECTION_2D, All_Windows(), nullptr, nullptr);
@@ -288,12 +281,15 @@ Tool_DB_File::Tool_DB_File(int mode_word) {
     mode = (mode_word & DB_MODE_EDIT) != 0 ? mode_word & ~DB_MODE_DIMENSION : mode_word;
 }
 
+Tool_DB_File::~Tool_DB_File() = default;
+Tool_DB_File::Tool_DB_File(const Tool_DB_File& other) = default;
+Tool_DB_File& Tool_DB_File::operator=(const Tool_DB_File& other) = default;
+
 unsigned short Tool_DB_File::List_Create_From_DB(int* nb, DB_List** list_pt, int /*level*/, int /*parent*/,
                                                  void* /*object*/) {
-    const auto file_nb = static_cast<std::int32_t>(
-        reinterpret_cast<std::intptr_t>(Fct_Variable_Value("$DB_2D_FILE_NB", nullptr, nullptr, nullptr)));
+    const int file_nb = Host_Count("$DB_2D_FILE_NB");
     File_Record** const file = Host_Pointer<File_Record*>("$DB_2D_FILE_PT");
-    if (file_nb <= 0 || file == nullptr) {
+    if (file_nb == 0 || file == nullptr) {
         return 1;
     }
     File_Path path;
@@ -307,18 +303,16 @@ unsigned short Tool_DB_File::List_Create_From_DB(int* nb, DB_List** list_pt, int
 }
 
 void Tool_DB_File::List_Select_From_DB(int nb, DB_List* list_pt) {
-    if (list_pt == nullptr) {
-        return;  // the count of a failed creation
-    }
-    for (int i = 0; i < nb; ++i) {
+    const int row_nb = list_pt != nullptr ? nb : 0;  // null: the count of a failed creation
+    for (int i = 0; i < row_nb; ++i) {
         list_pt[i].state = static_cast<std::uint16_t>(list_pt[i].state & ~DB_STATE_CHECKED);
     }
     Frame_Index index;
-    const bool indexed = Index_Rows(nb, list_pt, index);
+    const bool indexed = Index_Rows(row_nb, list_pt, index);
     Each_Object("Tool_DB_File::List_Select_From_DB", [&](const Quorel_2D& object) {
         int last = -1;
         const auto check = [&](const Frame_Index::Row& row) {
-            if (row.record != last && Is_Selected(object)) {
+            if (row.record != last && Object_Is_Selected(object)) {
                 list_pt[row.record].state |= DB_STATE_CHECKED;
             }
             last = row.record;
@@ -326,28 +320,32 @@ void Tool_DB_File::List_Select_From_DB(int nb, DB_List* list_pt) {
         if (indexed) {
             index.Visit_Rows(Frames_Of(object), check);
         } else {
-            Visit_Rows_Plainly(nb, list_pt, Frames_Of(object), check);
+            Visit_Rows_Plainly(row_nb, list_pt, Frames_Of(object), check);
         }
+        return true;
     });
 }
 
 void Tool_DB_File::List_Select_To_DB(int nb, DB_List* list_pt) {
     constexpr const char* WHO = "Tool_DB_File::List_Select_To_DB";
     auto* const window = Host_Pointer<Quorel_Window>("$WINDOW_CUR");
-    if (window == nullptr || list_pt == nullptr) {
+    if (window == nullptr) {
         return;
     }
+    const int row_nb = list_pt != nullptr ? nb : 0;
     Frame_Index index;  // holds the check marks: the host may have them read anew after each change
-    if (!Index_Rows(nb, list_pt, index)) {
-        Write_Plainly(WHO, nb, list_pt);
+    if (!Index_Rows(row_nb, list_pt, index)) {
+        Write_Plainly(WHO, row_nb, list_pt);
         return;
     }
+    const Panel_Watch panel(life);
     Each_Object(WHO, [&](Quorel_2D& object) {
-        const bool selected = Is_Selected(object);  // asked once: the last row that disagrees decides
+        const bool selected = Object_Is_Selected(object);  // asked once: the last row that disagrees decides
         index.Visit_Rows(Frames_Of(object), [&](const Frame_Index::Row& row) {
-            if (row.checked != selected) {
-                Switch(window, object, row.checked);
+            if (row.checked != selected && panel.Is_Alive()) {
+                Switch(window, object, row.checked, panel);
             }
         });
+        return panel.Is_Alive();
     });
 }

@@ -3,6 +3,7 @@
 #include <new>
 
 #include "database/db_panel_geometry.h"
+#include "database/host_classes.h"
 #include "database/tool_db_edit.h"
 #include "database/tool_db_fct.h"
 #include "host/kit_common.h"
@@ -18,6 +19,7 @@ constexpr float VERTICAL_MAXIMUM_AT_FIRST = 100.0F;
 constexpr float HORIZONTAL_MAXIMUM_AT_FIRST = 300.0F;
 constexpr int DRAG_STEP_EDIT = 12;  ///< pixels that a drag in a zone scrolls per motion
 constexpr int DRAG_STEP_BROWSE = 3;
+constexpr int KEY_MASK = 0xFFFF;  ///< of a key code
 
 constexpr const char* WARNING_LINE[] = {
     "Please make sure you know what you are doing!",
@@ -55,16 +57,9 @@ bool Is_Over(Boxs& box) {
 
 /** UPDATE_STRUCTURE, UPDATE_SELECTION and the level bit of a dimension; 0 for another one. */
 unsigned __int64 Changed_Flags(int mode) {
-    switch (mode & DB_MODE_DIMENSION) {
-        case 1:
-            return UPDATE_STRUCTURE | UPDATE_SELECTION | UPDATE_LEVEL_1D;
-        case 2:
-            return UPDATE_STRUCTURE | UPDATE_SELECTION | UPDATE_LEVEL_2D;
-        case 3:
-            return UPDATE_STRUCTURE | UPDATE_SELECTION | UPDATE_LEVEL_3D;
-        default:
-            return 0;
-    }
+    unsigned __int64 flags = 0;
+    With_Classes(mode, [&](auto classes) { flags = UPDATE_STRUCTURE | UPDATE_SELECTION | decltype(classes)::LEVEL; });
+    return flags;
 }
 
 void Records_Free(DB_Rows& rows) {
@@ -113,6 +108,7 @@ void Tool_DB_List::List_Free(Tool_DB_List* list) {
     if (list == nullptr) {
         return;
     }
+    DB_Drag_Forget(&list->list_box);
     if (list->rows != nullptr && list->rows.use_count() == 1) {
         Records_Free(*list->rows);
     } else {
@@ -148,7 +144,7 @@ int Tool_DB_List::Resize(Boxs* box) {
     Place(warning[0], layout.warning_title, *box);
     warning[0].Set_Name(" Warning!");
     warning[0].Set_Color(255, 255, 0);
-    warning[0].font_scale = static_cast<short>(box->font_scale + 1);
+    warning[0].font_scale = DB_Font_Scale_Larger(box->font_scale);
     warning[0].Init(box->window);
     Place(warning[1], layout.warning_line, *box);
     warning[1].Set_Color(0, 1, 0);
@@ -197,15 +193,17 @@ void Tool_DB_List::Draw() {
 
 int Tool_DB_List::Click(int up_down) {
     Error_Fct(hwnd, TRACE_LEVEL, "in Tool_DB_List::Click(up_down=0x%08x)", static_cast<unsigned int>(up_down));
-    const std::shared_ptr<DB_Rows> kept = rows;  // lives on when the host rebuilds the panel meanwhile
+    const std::shared_ptr<DB_Rows> kept = rows;  // lives on when the host rebuilds or destroys the panel meanwhile
     if (Is_Over(list_box)) {
         Tree_Click(up_down);
         return 1;
     }
-    if (Slider_Takes(vertical, up_down) || Slider_Takes(horizontal, up_down)) {
+    const bool is_press = (up_down & MOUSE_PRESS) != 0;
+    const int event = is_press ? up_down : 0;  // a release, whichever buttons are still held
+    if (Slider_Takes(vertical, event) || Slider_Takes(horizontal, event)) {
         return 1;
     }
-    if (Is_Editor() || (up_down & MOUSE_PRESS) == 0) {
+    if (Is_Editor() || !is_press) {
         return 0;
     }
     if (select_all.Select(up_down) != 0) {
@@ -221,7 +219,9 @@ int Tool_DB_List::Click(int up_down) {
 
 void Tool_DB_List::Tree_Click(int up_down) {
     if (Is_Editor()) {
-        if (DB_Edit_Click_DB(mode, &list_box, up_down, Nb(), List_Pt(), &horizontal, &vertical) == 2) {
+        const Panel_Watch watch(life);
+        const int result = DB_Edit_Click_DB(mode, &list_box, up_down, Nb(), List_Pt(), &horizontal, &vertical, &watch);
+        if (result == 2 && watch.Is_Alive()) {
             Show_Changed();
         }
         return;
@@ -234,7 +234,11 @@ void Tool_DB_List::Tree_Click(int up_down) {
 
 /** After a change of the database by the editor: builds the records anew and shows them. */
 void Tool_DB_List::Show_Changed() {
+    const Panel_Watch watch(life);
     Update(Changed_Flags(mode));
+    if (!watch.Is_Alive()) {
+        return;
+    }
     list_box.Draw();
     Tree_Draw();
     Sliders_Draw();
@@ -246,7 +250,11 @@ void Tool_DB_List::Select_Every(Buttons& button, std::uint16_t check) {
     for (int i = 0; list_pt != nullptr && i < Nb(); ++i) {
         list_pt[i].state = static_cast<std::uint16_t>((list_pt[i].state & ~DB_STATE_MASK) | check);
     }
+    const Panel_Watch watch(life);
     List_Select_To_DB(Nb(), List_Pt());
+    if (!watch.Is_Alive()) {
+        return;
+    }
     Tree_Draw();
     button.Deselect();
 }
@@ -263,8 +271,9 @@ bool Tool_DB_List::Slider_Takes(Sliders& slider, int up_down) {
 }
 
 int Tool_DB_List::Motion(int up_down) {
-    const bool own_drag = db_drag.active && (db_drag.owner == nullptr || db_drag.owner == List_Pt());
-    if (own_drag && up_down == 0) {
+    const bool own_drag = db_drag.Is_Of(&list_box);
+    const bool ended = own_drag && up_down == 0;
+    if (ended) {
         db_drag.active = false;
         Tree_Draw();
     } else if (own_drag && Drag_Scroll()) {
@@ -283,7 +292,7 @@ int Tool_DB_List::Motion(int up_down) {
         select_all.Select(up_down);
         select_none.Select(up_down);
     }
-    return 0;
+    return ended ? 1 : 0;
 }
 
 void Tool_DB_List::Tree_Motion(int up_down) {
@@ -342,10 +351,13 @@ int Tool_DB_List::Scroll(int delta) {
 
 int Tool_DB_List::Keyboard(int key) {
     Error_Fct(hwnd, TRACE_LEVEL, "in Tool_DB_List::Keyboard(key=0x%08x)", static_cast<unsigned int>(key));
-    if (key == KEY_DELETE && Is_Editor()) {
+    if ((key & KEY_MASK) == KEY_DELETE && Is_Editor()) {
         const std::shared_ptr<DB_Rows> kept = rows;
+        const Panel_Watch watch(life);
         DB_Edit_Key_DB(mode, &list_box, key, Nb(), List_Pt(), &horizontal, &vertical);
-        Show_Changed();  // whatever the editor did
+        if (watch.Is_Alive()) {
+            Show_Changed();  // whatever the editor did
+        }
     }
     return 0;  // always: the host goes on handling the key
 }
@@ -358,19 +370,21 @@ void Tool_DB_List::Leave() {
 }
 
 void Tool_DB_List::Update(unsigned __int64 flags) {
+    // The views' operations are the host's code where a view is the host's own, and a memory message may show a window.
+    const Panel_Watch watch(life);
     if (Has_Any(flags, UPDATE_STRUCTURE)) {
-        Rebuild();
+        Rebuild(watch);
     }
-    if (Has_Any(flags, UPDATE_WINDOW_CUR)) {
-        Take_Window();
+    if (watch.Is_Alive() && Has_Any(flags, UPDATE_WINDOW_CUR)) {
+        Take_Window(watch);
     }
-    if (Has_Any(flags, UPDATE_SELECTION) && Has_Any(flags, UPDATE_LEVEL_1D | UPDATE_LEVEL_2D | UPDATE_LEVEL_3D)) {
-        Take_Selection();
+    if (watch.Is_Alive() && Has_Any(flags, UPDATE_SELECTION) &&
+        Has_Any(flags, UPDATE_LEVEL_1D | UPDATE_LEVEL_2D | UPDATE_LEVEL_3D) && Take_Selection(watch)) {
         Tree_Draw();
     }
 }
 
-void Tool_DB_List::Rebuild() {
+void Tool_DB_List::Rebuild(const Panel_Watch& watch) {
     List_Free(this);
     vertical.value = 0.0F;
     horizontal.value = 0.0F;
@@ -379,25 +393,31 @@ void Tool_DB_List::Rebuild() {
         List_Create_From_DB(&built->nb, &built->list_pt, 0, 0, nullptr);
         DB_List_Set_State(built->nb, built->list_pt);
     }
+    if (!watch.Is_Alive()) {
+        return;
+    }
     Tree_Draw();
     Sliders_Draw();
 }
 
 /** The current window changed: its kind decides whether the selection can be changed. */
-void Tool_DB_List::Take_Window() {
+void Tool_DB_List::Take_Window(const Panel_Watch& watch) {
     const Quorel_Window* const window = Host_Pointer<Quorel_Window>("$WINDOW_CUR");
-    if (window == nullptr) {
+    if (window == nullptr || !Take_Selection(watch)) {
         return;
     }
-    Take_Selection();
     const unsigned int style = window->Class_A_Get() == CLASS_WINDOW_LOCKED ? STYLE_INACTIVE : STYLE_BUTTON;
     select_all.style = style;
     select_none.style = style;
     Draw();
 }
 
-void Tool_DB_List::Take_Selection() {
+/** @return false when the panel ended meanwhile */
+bool Tool_DB_List::Take_Selection(const Panel_Watch& watch) {
     const std::shared_ptr<DB_Rows> kept = rows;
     List_Select_From_DB(Nb(), List_Pt());
-    DB_List_Set_State(Nb(), List_Pt());
+    if (watch.Is_Alive()) {
+        DB_List_Set_State(Nb(), List_Pt());
+    }
+    return watch.Is_Alive();
 }

@@ -1,6 +1,10 @@
 /** @file
  *  The database panel: a scrollable tree of check-box rows with "Select All" and "Select None", or, with DB_MODE_EDIT,
- *  the editor of the class tree. */
+ *  the editor of the class tree.
+ *
+ *  Click, Keyboard and List_Select_To_DB call the host back (Fct_Update, Fct_Redraw, Fct_Change_Child), and a right
+ * press in the editor runs a dialog with a message loop of its own. The host may rebuild the panel meanwhile, and it
+ * may destroy it: the operation then returns without touching it, and does no more of what it was about. */
 #pragma once
 
 #include <memory>
@@ -9,6 +13,7 @@
 #include "host/kit_dataset.h"
 #include "host/kit_widgets.h"
 #include "panels/protocol/kit_panels.h"
+#include "panels/protocol/panel_life.h"
 
 inline constexpr int DB_WARNING_LABELS = 2;  ///< the title " Warning!" and the alternating line
 
@@ -32,9 +37,10 @@ class KIT_PANELS_API Tool_DB_List {
     Tool_DB_List& operator=(const Tool_DB_List& other);  ///< shares the records
 
     /** Appends the record of `object` (null: the view's root) and those of its subtree.
-     *  @param nb, list_pt the array, grown by one record at a time. @param level, parent of the first new record;
-     *  @param object the class object to begin with
-     *  @return class view: records appended; file view: 1; 0 after a memory error */
+     *  @param nb, list_pt the array, 0 and null or as DB_List_Append left it; grown by one record at a time. After a
+     *  failed growth `*list_pt` is null and `*nb` keeps the count of what was lost
+     *  @param level, parent of the first new record; @param object the class object to begin with
+     *  @return class view: records appended; file view: 1; 0 when nothing was appended, or after a memory error */
     virtual unsigned short List_Create_From_DB(int* nb, DB_List** list_pt, int level, int parent, void* object) = 0;
     /** The host's selection into `state` of the leaves. */
     virtual void List_Select_From_DB(int nb, DB_List* list_pt) = 0;
@@ -47,15 +53,19 @@ class KIT_PANELS_API Tool_DB_List {
     int Height(unsigned short rows);
     /** Paints everything; in the editor the warning's line is another one with every call. */
     void Draw();
-    /** @return 1 when the event was taken, else 0 */
-    int Click(int up_down);
-    /** Hover, the marking of a range, moving rows in the editor, and scrolling while a drag is held beside the tree.
+    /** A drag belongs to the panel in which it began: a release over another one ends nothing. A rename draws nothing
+     * by itself: the host's answer to its Fct_Update does. See above for what the host may do meanwhile.
      *  @return 1 when the event was taken, else 0 */
+    int Click(int up_down);
+    /** Hover, the marking of a range, moving rows in the editor, and scrolling while a drag is held beside the tree. A
+     *  motion without buttons ends a drag that was released elsewhere.
+     *  @return 1 when the event was taken or ended a drag, else 0 */
     int Motion(int up_down);
     /** Over the horizontal slider: that one; over the rest of the panel: the vertical one; forward goes up or left.
      *  @return 1, or 0 when the pointer is elsewhere */
     int Scroll(int delta);
-    /** KEY_DELETE edits in edit mode. @return 0: the host goes on handling the key */
+    /** KEY_DELETE, by the low 16 bits of `key`, edits in edit mode while the pointer is inside the tree. See above for
+     *  what the host may do meanwhile. @return 0: the host goes on handling the key */
     int Keyboard(int key);
     /** Takes buttons and sliders out of hover and pressed looks, and ends their drags. */
     void Leave();
@@ -86,8 +96,11 @@ class KIT_PANELS_API Tool_DB_List {
     ///@{
     /** The records, 0 and null without memory. */
     int Nb() const { return rows != nullptr ? rows->nb : 0; }
-    DB_List* List_Pt() const { return rows != nullptr ? rows->list_pt : nullptr; }
-    ///@}
+    DB_List* List_Pt() const { return rows != nullptr ? rows->list_pt : nullptr; }  ///< null also with Nb() > 0
+                                                                                    ///@}
+
+  protected:
+    Panel_Life life;  ///< for operations that call out
 
   private:
     bool Is_Editor() const { return (mode & DB_MODE_EDIT) != 0; }
@@ -99,7 +112,7 @@ class KIT_PANELS_API Tool_DB_List {
     bool Drag_Scroll();
     void Select_Every(Buttons& button, std::uint16_t check);
     void Show_Changed();
-    void Rebuild();
-    void Take_Window();
-    void Take_Selection();
+    void Rebuild(const Panel_Watch& watch);
+    void Take_Window(const Panel_Watch& watch);
+    bool Take_Selection(const Panel_Watch& watch);
 };

@@ -55,7 +55,6 @@ class Edit_Scene : public Panel_Fixture {
     }
     ~Edit_Scene() override {
         Records_Free();
-        DB_Edit_Ask_Name = ask_before;
         db_drag = {};
         Variable_Undefine(Dimension::ROOT);
     }
@@ -87,6 +86,7 @@ class Edit_Scene : public Panel_Fixture {
         Build();
     }
     void Records_Free() {
+        DB_Drag_Forget(&box);
         DB_List_Forget(list_pt);
         DB_Edit_Forget(list_pt);
         DB_List_Array_Free(&nb, &list_pt);
@@ -162,5 +162,4 @@ class Edit_Scene : public Panel_Fixture {
     Boxs box;
     Sliders horizontal;
     Sliders vertical;
-    int (*const ask_before)(char*) = DB_Edit_Ask_Name;
 };

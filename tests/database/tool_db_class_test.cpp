@@ -223,7 +223,27 @@ TYPED_TEST(Tool_DB_Class_Test, without_a_root_there_is_no_record) {
     EXPECT_EQ(this->rows.Create(this->view), 0);
     EXPECT_EQ(this->rows.nb, 0);
     EXPECT_EQ(this->rows.list_pt, nullptr);
-    EXPECT_EQ(this->Write(this->rows).size(), 2U);  // the host is still told
+    EXPECT_EQ(this->Write(this->rows), Calls{});
+}
+
+TYPED_TEST(Tool_DB_Class_Test, without_rows_the_root_is_written_and_the_host_told) {
+    this->Add(nullptr, "root");
+    const Calls calls = this->Write(this->rows);
+    ASSERT_EQ(calls.size(), 3U);
+    EXPECT_EQ(calls[0], "off(root, 0x30, 4, 512)");
+}
+
+TYPED_TEST(Tool_DB_Class_Test, without_a_window_2d_classes_are_not_written) {
+    auto& root = this->Add(nullptr, "root");
+    this->Add(&root, "leaf");
+    this->rows.Create(this->view);
+    this->rows[1].state = DB_STATE_CHECKED;
+    Variable_Undefine("$WINDOW_CUR");
+    if (TypeParam::D == 2) {
+        EXPECT_EQ(this->Write(this->rows), Calls{});
+    } else {
+        EXPECT_EQ(this->Write(this->rows).size(), 4U) << "root, leaf, update, redraw";
+    }
 }
 
 TYPED_TEST(Tool_DB_Class_Test, reading_skips_branches_and_locked_leaves) {

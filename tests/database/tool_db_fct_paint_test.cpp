@@ -133,7 +133,35 @@ TEST_F(Tree_Paint_Test, without_records_only_the_ground_is_drawn) {
     EXPECT_EQ(DB_List_Text_Pos(&box, 5, nullptr), 0);
     EXPECT_EQ(DB_List_Click(&box, LEFT_PRESS, 5, nullptr, &horizontal, &vertical), 0);
     EXPECT_EQ(DB_List_Select_Range(&box, 2, 5, nullptr, &horizontal, &vertical), 1);
-    EXPECT_FALSE(db_drag.active);
+}
+
+TEST_F(Tree_Paint_Test, a_text_at_the_right_edge_is_cut_by_it_and_by_nothing_else) {
+    for (const char* title : {"jjjj", "WWWW", "ffff", "/////", "AVAV"}) {
+        DB_List_Forget(tree.Pt());
+        tree.rows.clear();
+        tree.Add(0, title, "jfW/A");
+        Tidy();
+        const int width = Measured(Tree_Font::Regular, title);
+        const int begin = SPACE_DIM + TREE_TEXT_START;
+        box.width = BOX_WIDTH;
+        window.Wipe();
+        Draw();
+        const Window_Picture whole = Pixels();
+        for (const int at : {begin, begin + width, begin + width + Measured(Tree_Font::Regular, TREE_SEPARATOR)}) {
+            for (int right = at - 2; right <= at + 2; ++right) {
+                box.width = static_cast<short>(right);
+                window.Wipe();
+                Draw();
+                const Window_Picture cut = Pixels();
+                for (int row = 0; row < HEIGHT; ++row) {
+                    for (int x = BOX_X; x < BOX_X + right; ++x) {
+                        ASSERT_EQ(cut.At(x, row), whole.At(x, row)) << title << " cut at " << right << ": " << x;
+                    }
+                }
+            }
+        }
+        box.width = BOX_WIDTH;
+    }
 }
 
 TEST_F(Tree_Paint_Test, nothing_is_painted_outside_the_box) {
@@ -494,7 +522,7 @@ TEST_F(Tree_Paint_Test, without_a_device_context_nothing_changes_and_the_operati
     tree[3].row = 99;
     vertical.value = 18.0F;
     db_drag.active = true;
-    db_drag.owner = tree.Pt();
+    db_drag.owner = &box;
     db_drag.band_shown = true;
     db_drag.current = {7, 8};
     box.window = nullptr;

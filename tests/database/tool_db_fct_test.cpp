@@ -211,33 +211,47 @@ TEST_F(Tool_DB_Fct_Test, pointers_outside_the_window_count_as_0) {
     Make_Flat(4);
     Draw();
     Point_At(-50, -9);
-    DB_Tree_Point point = DB_List_Pointer(box, horizontal, vertical);
+    DB_Tree_Point point;
+    ASSERT_TRUE(DB_List_Pointer(box, horizontal, vertical, "", &point));
     EXPECT_EQ(point.x, -BOX_X - SPACE_DIM);
     EXPECT_EQ(point.y, BOX_Y + BOX_HEIGHT);
     Point_At(40000, 32768);
-    point = DB_List_Pointer(box, horizontal, vertical);
+    ASSERT_TRUE(DB_List_Pointer(box, horizontal, vertical, "", &point));
     EXPECT_EQ(point.x, -BOX_X - SPACE_DIM);
     EXPECT_EQ(point.y, BOX_Y + BOX_HEIGHT);
 }
 
-TEST_F(Tool_DB_Fct_Test, a_drag_belongs_to_its_records) {
+TEST_F(Tool_DB_Fct_Test, a_drag_belongs_to_the_tree_in_which_it_began) {
     Make_Flat(5);
-    Tree_Scene other;
-    other.Add(0);
-    other.Add(0);
-    other.Finish();
     Draw();
+    Boxs other = box;  // shows the same records
     Point_At_Row(1);
     Click(LEFT_PRESS);
     Point_At_Row(3);
-    EXPECT_EQ(DB_List_Motion(&box, LEFT_DRAG, 2, other.Pt(), &horizontal, &vertical), 0);
-    EXPECT_EQ(DB_List_Click(&box, RELEASE, 2, other.Pt(), &horizontal, &vertical), 0);
+    EXPECT_EQ(Motion(LEFT_DRAG), 1);
+    ASSERT_TRUE(db_drag.band_shown);
+    EXPECT_EQ(DB_List_Motion(&other, LEFT_DRAG, tree.Nb(), tree.Pt(), &horizontal, &vertical), 0);
+    EXPECT_EQ(DB_List_Motion(&other, HOVER, tree.Nb(), tree.Pt(), &horizontal, &vertical), 0);
+    EXPECT_TRUE(db_drag.band_shown) << "the band is in the first tree";
+    EXPECT_EQ(DB_List_Click(&other, RELEASE, tree.Nb(), tree.Pt(), &horizontal, &vertical), 0);
     EXPECT_TRUE(db_drag.active);
-    DB_List_Forget(other.Pt());
+    DB_Drag_Forget(&other);
     EXPECT_TRUE(db_drag.active);
-    DB_List_Forget(tree.Pt());
-    EXPECT_FALSE(db_drag.active);
+    EXPECT_EQ(Click(RELEASE), 1);
+    DB_Drag_Forget(&box);
     EXPECT_EQ(db_drag.anchor_row, 0);
+}
+
+TEST_F(Tool_DB_Fct_Test, a_press_on_an_empty_tree_begins_a_drag_like_any_other) {
+    Point_At(BOX_X + 50, BOX_Y + 60);
+    for (const int nb : {0, 7}) {  // 7: the count of a failed creation
+        EXPECT_EQ(DB_List_Click(&box, LEFT_PRESS, nb, nullptr, &horizontal, &vertical), 0);
+        EXPECT_TRUE(db_drag.active);
+        EXPECT_EQ(DB_List_Motion(&box, LEFT_DRAG, nb, nullptr, &horizontal, &vertical), 1);
+        EXPECT_EQ(DB_List_Click(&box, RELEASE, nb, nullptr, &horizontal, &vertical), 1);
+        EXPECT_FALSE(db_drag.active);
+        EXPECT_EQ(DB_List_Select_Range(&box, 2, nb, nullptr, &horizontal, &vertical), 1);
+    }
 }
 
 // ----------------------------------------------------------------------------------------------------------- rubber

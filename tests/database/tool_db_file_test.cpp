@@ -404,6 +404,30 @@ TEST_F(Tool_DB_File_Test, without_a_current_window_nothing_is_written) {
     EXPECT_EQ(Write(), Calls{});
 }
 
+TEST_F(Tool_DB_File_Test, without_rows_the_iterators_are_still_opened_and_ended) {
+    Add_Object(&scene.Add_Frame());
+    for (const int row_nb : {0, 7}) {  // 7: the count of a failed creation
+        host.Take();
+        view.List_Select_From_DB(row_nb, nullptr);
+        Calls calls = host.Take();
+        ASSERT_GE(calls.size(), 2U);
+        EXPECT_EQ(calls.front(), OPEN_READ);
+        EXPECT_EQ(calls.back(), "close");
+        view.List_Select_To_DB(row_nb, nullptr);
+        calls = host.Take();
+        ASSERT_GE(calls.size(), 2U);
+        EXPECT_EQ(calls.front(), OPEN_WRITE);
+        EXPECT_EQ(calls.back(), "close");
+    }
+}
+
+TEST_F(Tool_DB_File_Test, the_number_of_files_is_in_the_low_16_bits) {
+    scene.Add_File("x", 1);
+    Variable_Define_Scalar("$DB_2D_FILE_NB", VARIABLE_SIGNED_32, 0x70001);
+    EXPECT_EQ(Create(), 1);
+    EXPECT_EQ(nb, 3) << "folder, file, frame";
+}
+
 TEST_F(Tool_DB_File_Test, host_that_answers_at_once_and_one_that_queues_are_told_the_same) {
     std::mt19937 random(13);
     auto& file = scene.Add_File("x", 30);

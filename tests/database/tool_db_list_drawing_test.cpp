@@ -155,7 +155,7 @@ TEST_F(Panel_Drawing, a_drag_that_ends_outside_leaves_no_band) {
     EXPECT_EQ(panel.Motion(LEFT_DRAG), 1);
     ASSERT_NE(Pixels(), before);
     Point_At(1, 1);
-    EXPECT_EQ(panel.Motion(HOVER), 0);
+    EXPECT_EQ(panel.Motion(HOVER), 1);
     EXPECT_EQ(Pixels(), before);
 }
 

@@ -14,6 +14,7 @@
 #include "database/tool_db_edit.h"
 #include "database/tool_db_fct.h"
 #include "tests/database/panel_scene.h"
+#include "tests/database/typed_name.h"
 #include "tests/support/import_hook.h"
 
 namespace {
@@ -49,9 +50,62 @@ TEST_F(Panel_Events, a_release_outside_the_tree_applies_nothing) {
     Point_At(1, 1);
     EXPECT_EQ(panel.Click(RELEASE), 0);
     EXPECT_TRUE(db_drag.active);
-    EXPECT_EQ(panel.Motion(HOVER), 0);
+    EXPECT_EQ(panel.Motion(HOVER), 1) << "it ended the drag";
     EXPECT_FALSE(db_drag.active);
+    EXPECT_EQ(panel.Motion(HOVER), 0);
     EXPECT_EQ(panel.calls, Calls{});
+}
+
+TEST_F(Panel_Events, a_release_over_another_panel_ends_nothing) {
+    for (const bool is_empty : {false, true}) {
+        Wide_View panel;
+        Show(panel);
+        if (is_empty) {
+            panel.List_Free(&panel);
+        }
+        Wide_View copy(panel);  // shows the same records
+        Wide_View other;
+        Show(other);
+        Point_At_Row(other, 4);
+        EXPECT_EQ(panel.Click(LEFT_PRESS), 1);
+        ASSERT_TRUE(db_drag.active) << "also in an empty tree";
+        EXPECT_EQ(panel.Motion(LEFT_DRAG), 1);
+        for (Wide_View* const foreign : {&copy, &other}) {
+            foreign->calls.clear();
+            EXPECT_EQ(foreign->Click(RELEASE), 1) << "the pointer is in its tree";
+            EXPECT_EQ(foreign->Motion(HOVER), 1);
+            EXPECT_EQ(foreign->calls, Calls{});
+            EXPECT_TRUE(db_drag.active);
+        }
+        panel.calls.clear();
+        EXPECT_EQ(panel.Click(RELEASE), 1);
+        EXPECT_FALSE(db_drag.active);
+        EXPECT_EQ(panel.calls, (Calls{"to"}));
+    }
+}
+
+TEST_F(Panel_Events, a_copy_that_ends_or_is_built_anew_leaves_the_drag_of_the_other) {
+    Wide_View panel;
+    Show(panel);
+    Point_At_Row(panel, 4);
+    panel.Click(LEFT_PRESS);
+    {
+        Wide_View copy(panel);
+        copy.Update(UPDATE_STRUCTURE);
+    }
+    EXPECT_TRUE(db_drag.active);
+    panel.Update(UPDATE_STRUCTURE);
+    EXPECT_FALSE(db_drag.active) << "its rows are others now";
+}
+
+TEST_F(Panel_Events, delete_counts_by_the_low_16_bits_of_the_key) {
+    Wide_View panel(2 | DB_MODE_EDIT);
+    Show(panel);
+    panel.calls.clear();
+    EXPECT_EQ(panel.Keyboard(KEY_DELETE | 0x51000000), 0);
+    EXPECT_EQ(panel.calls, (Calls{"create", "from"}));
+    EXPECT_EQ(panel.Keyboard(0x182E), 0);
+    EXPECT_EQ(panel.calls, (Calls{"create", "from"}));
 }
 
 TEST_F(Panel_Events, reading_the_selection_derives_the_marks_of_branches) {
@@ -249,7 +303,7 @@ TEST_F(Panel_Events, a_drag_in_the_side_zones_scrolls_sideways_by_the_mode_s_ste
         panel.Draw();
         ASSERT_EQ(panel.horizontal.value, 100.0F) << "the tree is not wide enough";
         db_drag.active = true;
-        db_drag.owner = panel.List_Pt();
+        db_drag.owner = &panel.list_box;
         const int middle = panel.list_box.y + panel.list_box.height / 2;
         Point_At(panel.right_zone.x + panel.right_zone.width - 2, middle);
         EXPECT_EQ(panel.Motion(LEFT_DRAG), 1);
@@ -308,11 +362,6 @@ TEST_F(Panel_Events, every_operation_bears_a_failed_creation_and_the_next_one_su
 
 enum class Answer { Never, At_Once, Queued };
 
-int Save_New_Name(char* buffer) {
-    std::strcpy(buffer, "new");
-    return 1;
-}
-
 /** root(a(b, c, d), e(f)) of 2D classes, shown by a panel in edit mode. */
 class Editor_Events : public Panel_Events, public testing::WithParamInterface<Answer> {
   protected:
@@ -324,7 +373,8 @@ class Editor_Events : public Panel_Events, public testing::WithParamInterface<An
             objects[parent].Child_Add(&objects[child]);
         }
         Variable_Define_Pointer("$DB_2D_ROOT_PT", &objects[0]);
-        DB_Edit_Ask_Name = Save_New_Name;
+        typed_name = {};
+        typed_name.typed = "new";
         Boxs host = Host_Box(0, 0, PANEL_WIDTH, PANEL_HEIGHT);
         panel.Resize(&host);
         panel.Update(UPDATE_STRUCTURE);
@@ -339,7 +389,6 @@ class Editor_Events : public Panel_Events, public testing::WithParamInterface<An
     }
     ~Editor_Events() override {
         requests.Answer_Never();
-        DB_Edit_Ask_Name = ask_before;
         Variable_Undefine("$DB_2D_ROOT_PT");
     }
     std::string Text(const Quorel_2D& object) const {
@@ -391,7 +440,6 @@ class Editor_Events : public Panel_Events, public testing::WithParamInterface<An
 
     Quorel_2D objects[7];
     Tool_DB_Class panel;
-    int (*const ask_before)(char*) = DB_Edit_Ask_Name;
 };
 
 TEST_P(Editor_Events, a_drop_moves_the_class_and_the_panel_shows_it) {
@@ -438,7 +486,6 @@ TEST_P(Editor_Events, a_new_name_is_shown_by_the_host_s_answer) {
 
 TEST_P(Editor_Events, a_drop_rebuilds_and_reads_the_selection_of_its_dimension) {
     objects[6].Flag_Set_On(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
-    const DB_List* const before = panel.List_Pt();
     panel.List_Pt()[1].flag = 0;  // a rebuild opens every branch again
     Drop('c', Edit_Zone::Parent_Handle, 'e');
     EXPECT_NE(panel.List_Pt()[1].flag & DB_FLAG_EXPANDED, 0);
@@ -446,7 +493,7 @@ TEST_P(Editor_Events, a_drop_rebuilds_and_reads_the_selection_of_its_dimension) 
     EXPECT_EQ(panel.vertical.value, 0.0F);
     EXPECT_EQ(panel.horizontal.value, 0.0F);
     EXPECT_NE(panel.List_Pt(), nullptr);
-    EXPECT_NE(db_drag.owner, before);
+    EXPECT_EQ(db_drag.owner, nullptr);
 }
 
 INSTANTIATE_TEST_SUITE_P(Hosts, Editor_Events, testing::Values(Answer::Never, Answer::At_Once, Answer::Queued));

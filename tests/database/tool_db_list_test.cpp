@@ -375,7 +375,7 @@ class Drag_Test : public Tool_DB_List_Test, public testing::WithParamInterface<i
         panel.horizontal.maximum = 5000.0F;
         panel.horizontal.value = 100.0F;
         db_drag.active = true;
-        db_drag.owner = panel.List_Pt();
+        db_drag.owner = &panel.list_box;
         db_drag.current = {1000, 1000};
     }
     int Step() const { return (GetParam() & DB_MODE_EDIT) != 0 ? 12 : 3; }

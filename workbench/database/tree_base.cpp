@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "base/gdi_handles.h"
-#include "database/edit_diagram.h"
+#include "database/editor_places.h"
 #include "kits/dataset/dataset_host.h"
 #include "workbench/database/tree_keys.h"
 
@@ -206,14 +206,8 @@ int Tree_Base::Keyboard(int key) {
 }
 
 std::string Class_At(const Tool_DB_List& editor, int x, int y) {
-    // As the editor itself reads the pointer, so that the question names what Delete takes out.
-    const Boxs& box = editor.list_box;
-    const int space = static_cast<int>(Variable_Number("$INTERFACE_SPACE_DIM", 0.0));
-    const DB_Tree_Point at = {static_cast<int>(editor.horizontal.value) - box.x - space + x,
-                              static_cast<int>(editor.vertical.value) + box.y + box.height - y};
-    const Edit_Hit hit = Edit_Hit_At(editor.Nb(), editor.List_Pt(), at);
-    const int record = Edit_Code_Record(hit.code);
-    if (!hit.on_node || record == 0 || Edit_Code_Zone(hit.code) != Edit_Zone::Body) {
+    const int record = DB_Editor_Body_At(editor, x, y);
+    if (record <= 0) {  // none, or the root, which Delete leaves
         return {};
     }
     const DB_List& node = editor.List_Pt()[record];

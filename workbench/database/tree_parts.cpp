@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "database/edit_diagram.h"
+#include "database/editor_places.h"
 #include "kits/dataset/dataset_host.h"
 #include "kits/widgets/widgets_host.h"
 #include "workbench/database/tree_keys.h"
@@ -41,17 +41,11 @@ Accessible_Part Part_Of(const DB_List& record, bool can_open, bool is_current) {
 }
 
 /** The record whose node is under the pointer; -1: none. The first one is never painted highlighted. */
-int Highlighted(const Tool_DB_List& editor, DB_Tree_Point origin) {
-    const Boxs& box = editor.list_box;
+int Highlighted(const Tool_DB_List& editor) {
     int x = 0;
     int y = 0;
-    if (!Window_Pointer(box.window, &x, &y) || x < box.x || x >= box.x + box.width || y < box.y ||
-        y >= box.y + box.height) {
-        return -1;
-    }
-    const Edit_Hit hit = Edit_Hit_At(editor.Nb(), editor.List_Pt(), {x - origin.x, origin.y - y});
-    const bool is_body = hit.on_node && Edit_Code_Zone(hit.code) == Edit_Zone::Body && hit.code != 0;
-    return is_body ? Edit_Code_Record(hit.code) : -1;
+    const int record = Window_Pointer(editor.list_box.window, &x, &y) ? DB_Editor_Body_At(editor, x, y) : -1;
+    return record > 0 ? record : -1;
 }
 
 /** The nodes of the diagram, as it was painted last. */
@@ -59,20 +53,16 @@ std::vector<Accessible_Part> Editor_Parts(const Tool_DB_List& editor, int client
     constexpr int toggle_children = 2;  // fewer cannot be folded away
     std::vector<Accessible_Part> parts;
     const Boxs& box = editor.list_box;
-    const int space = static_cast<int>(Variable_Number("$INTERFACE_SPACE_DIM", 0.0));
-    // Where the tree's own corner lies in the window, y upwards.
-    const DB_Tree_Point origin = {box.x + space - static_cast<int>(editor.horizontal.value),
-                                  box.y + box.height + static_cast<int>(editor.vertical.value)};
     const RECT view = {box.x, client_height - box.y - box.height, box.x + box.width, client_height - box.y};
-    const int highlighted = Highlighted(editor, origin);
+    const int highlighted = Highlighted(editor);
     for (int at = 0; at < editor.Nb(); ++at) {
         const DB_List& record = editor.List_Pt()[at];
-        if (record.row == DB_ROW_NONE) {
+        DB_Node_Box place;
+        if (!DB_Editor_Node_Box(editor, at, &place)) {
             continue;
         }
-        const int left = origin.x + EDIT_CELL_WIDTH * record.level;
-        const int bottom = client_height - 1 - origin.y + EDIT_CELL_HEIGHT * (record.row + 1);
-        const RECT node = {left, bottom - EDIT_NODE_HEIGHT, left + EDIT_NODE_WIDTH, bottom};
+        const RECT node = {place.x, client_height - place.y - place.height, place.x + place.width,
+                           client_height - place.y};
         RECT seen = {};
         if (::IntersectRect(&seen, &node, &view) == 0) {
             continue;

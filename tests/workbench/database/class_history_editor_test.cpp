@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <filesystem>
 #include <random>
 #include <string>
@@ -11,6 +10,7 @@
 
 #include "tests/database/edit_scene.h"
 #include "tests/database/plain_tree.h"
+#include "tests/database/typed_name.h"
 #include "workbench/database/class_history.h"
 
 namespace {
@@ -18,12 +18,6 @@ namespace {
 constexpr int NODE_NB = 30;
 constexpr int EDIT_NB = 10000;
 constexpr int WINDOW = 300;  // pixels, both ways
-
-std::string typed;  ///< what the user types into the rename dialog
-int Type(char* buffer) {
-    std::strncpy(buffer, typed.c_str(), 255);
-    return 1;
-}
 
 /** Opens one tree beside data, whatever its dimension. */
 std::string Open_Tree(Class_History& history, Quorel_1D* root, const std::filesystem::path& data) {
@@ -47,7 +41,7 @@ class Journalled_Edits : public Edit_Scene<Dimension> {
 
   protected:
     Journalled_Edits() : Scene(WINDOW, WINDOW), plain(1, Plain_Tree(NODE_NB)) {
-        DB_Edit_Ask_Name = Type;
+        typed_name = {};
         this->messages.Listen(false);
         folder = std::filesystem::temp_directory_path() / ("edits_" + std::to_string(std::random_device{}()));
         std::filesystem::create_directories(folder);
@@ -135,8 +129,8 @@ class Journalled_Edits : public Edit_Scene<Dimension> {
     void Rename(int node) {
         if (Point(node, Edit_Zone::Body)) {
             Plain_Tree changed = Now();
-            typed = "name " + std::to_string(random() % 1000);
-            changed.name[Plain_Tree::At(node)] = typed;
+            typed_name.typed = "name " + std::to_string(random() % 1000);
+            changed.name[Plain_Tree::At(node)] = typed_name.typed;
             this->Click(RIGHT_PRESS);
             Done(changed);
         }

@@ -1,0 +1,176 @@
+// Dragging nodes of the class tree editor to another parent.
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "tests/database/edit_calls.h"
+
+namespace {
+
+TEST_F(Tool_DB_Edit_Test, a_press_on_a_parent_handle_begins_a_drag_and_a_drop_moves_the_node_to_the_end) {
+    Make_Study();
+    Draw();
+    Tree_Calls calls;
+    calls.Name_All(objects);
+    EXPECT_EQ(Press_On("b", Edit_Zone::Parent_Handle), 1);
+    EXPECT_TRUE(db_drag.active);
+    EXPECT_EQ(calls.Take(), Calls{});
+    EXPECT_EQ(Release_On("c", Edit_Zone::Children_Handle), 2);
+    EXPECT_FALSE(db_drag.active);
+    EXPECT_EQ(calls.Take(), Together({{"remove(a, 0)", "insert(c, 2, b)"}, Told("c", "0x402", "0x3fff")}));
+    EXPECT_EQ(Text(), "root(a(c(d,e,b),f),g)");
+    EXPECT_EQ(Object_Of("c")->Flag_Get_Bit(-1, 8, 0x10000000), 0x50);
+    EXPECT_EQ(Object_Of("a")->Flag_Get_Bit(-1, 8, 0x10000000), 0) << "only the new parent is flagged";
+}
+
+TEST_F(Tool_DB_Edit_Test, a_press_on_a_children_handle_drags_all_children_in_order) {
+    Make_Study();
+    Draw();
+    Tree_Calls calls;
+    calls.Name_All(objects);
+    EXPECT_EQ(Press_On("c", Edit_Zone::Children_Handle), 1);
+    EXPECT_EQ(Release_On("root", Edit_Zone::Children_Handle), 2);
+    EXPECT_EQ(calls.Take(), Together({{"remove(c, 0)", "insert(root, 2, d)"},
+                                      Told("root", "0x402", "0x3fff"),
+                                      {"remove(c, 0)", "insert(root, 3, e)"},
+                                      Told("root", "0x402", "0x3fff")}));
+    EXPECT_EQ(Text(), "root(a(b,c,f),g,d,e)");
+}
+
+TEST_F(Tool_DB_Edit_Test, hidden_children_are_dragged_too) {
+    Make_Study();
+    list_pt[Find("a")].flag ^= DB_FLAG_EXPANDED;
+    Draw();
+    ASSERT_EQ(list_pt[Find("f")].row, DB_ROW_NONE);
+    Press_On("a", Edit_Zone::Children_Handle);
+    EXPECT_EQ(Motion(LEFT_DRAG), 1);
+    EXPECT_EQ(Release_On("root", Edit_Zone::Children_Handle), 2);
+    EXPECT_EQ(Text(), "root(a,g,b,c(d,e),f)");
+}
+
+TEST_F(Tool_DB_Edit_Test, the_root_is_not_among_its_own_children) {
+    Make_Study();
+    Draw();
+    Press_On("root", Edit_Zone::Children_Handle);
+    Tree_Calls calls;
+    EXPECT_EQ(Release_On("root", Edit_Zone::Children_Handle), 2);
+    const Calls made = calls.Take();
+    EXPECT_EQ(
+        std::count_if(made.begin(), made.end(), [](const std::string& call) { return call.rfind("insert", 0) == 0; }),
+        2);
+    EXPECT_EQ(Text(), "root(a(b,c(d,e),f),g)") << "each was moved to the end, in order";
+}
+
+TEST_F(Tool_DB_Edit_Test, a_drop_on_the_parent_whose_only_child_it_is_changes_nothing) {
+    Class(nullptr, "root");
+    Class(Class(root, "a"), "b");
+    Class(root, "g");
+    Build();
+    Draw();
+    Tree_Calls calls;
+    Press_On("b", Edit_Zone::Parent_Handle);
+    EXPECT_EQ(Release_On("a", Edit_Zone::Children_Handle), 2) << "kept: the panel rebuilds all the same";
+    EXPECT_EQ(calls.Take(), Calls{});
+    EXPECT_EQ(Text(), "root(a(b),g)");
+}
+
+TEST_F(Tool_DB_Edit_Test, a_drop_anywhere_but_on_a_children_handle_is_ignored) {
+    Make_Study();
+    Draw();
+    Tree_Calls calls;
+    for (const Edit_Zone zone : {Edit_Zone::Body, Edit_Zone::Parent_Handle, Edit_Zone::Toggle}) {
+        Press_On("b", Edit_Zone::Parent_Handle);
+        EXPECT_EQ(Release_On(zone == Edit_Zone::Toggle ? "c" : "g", zone), 1);
+        EXPECT_FALSE(db_drag.active);
+    }
+    // a node without children has no children handle
+    Press_On("b", Edit_Zone::Parent_Handle);
+    const DB_Tree_Point at = Edit_Zone_Point(list_pt[Find("g")], Edit_Zone::Children_Handle);
+    Point_At_Tree(at.x, at.y);
+    EXPECT_EQ(Click(RELEASE), 1);
+    EXPECT_EQ(calls.Take(), Calls{});
+    EXPECT_EQ(Text(), "root(a(b,c(d,e),f),g)");
+    // and the drag is over: a later release moves nothing
+    EXPECT_EQ(Release_On("c", Edit_Zone::Children_Handle), 1);
+    EXPECT_EQ(calls.Take(), Calls{});
+}
+
+TEST_F(Tool_DB_Edit_Test, a_release_without_a_drag_does_nothing) {
+    Make_Study();
+    Draw();
+    Tree_Calls calls;
+    EXPECT_EQ(Release_On("c", Edit_Zone::Children_Handle), 1);
+    EXPECT_EQ(calls.Take(), Calls{});
+}
+
+TEST_F(Tool_DB_Edit_Test, a_drag_that_ended_outside_the_diagram_moves_nothing_later) {
+    Make_Study();
+    Draw();
+    Press_On("b", Edit_Zone::Parent_Handle);
+    Motion(LEFT_DRAG);
+    db_drag.active = false;  // what the panel does for a motion without buttons
+    Draw();
+    Motion(HOVER);
+    Tree_Calls calls;
+    EXPECT_EQ(Release_On("c", Edit_Zone::Children_Handle), 1);
+    db_drag.active = true;  // another drag of the same records, which is not the editor's
+    EXPECT_EQ(Release_On("c", Edit_Zone::Children_Handle), 1);
+    EXPECT_EQ(calls.Take(), Calls{});
+}
+
+TEST_F(Tool_DB_Edit_Test, a_drop_into_the_own_subtree_is_the_hosts_to_refuse) {
+    Make_Study();
+    Draw();
+    Press_On("a", Edit_Zone::Parent_Handle);
+    Tree_Calls calls;
+    calls.Name_All(objects);
+    messages.Take_Reports();
+    EXPECT_EQ(Release_On("c", Edit_Zone::Children_Handle), 2);
+    EXPECT_EQ(calls.Take(), Together({{"remove(root, 0)", "insert(c, 2, a)"}, Told("c", "0x402", "0x3fff")}));
+    const std::vector<Panel_Message> reports = messages.Take_Reports();
+    ASSERT_EQ(reports.size(), 1U);
+    EXPECT_EQ(reports[0].level, MESSAGE_WARNING);
+    EXPECT_EQ(Text(), "root(a(b,c(d,e),f),g)") << "put back where it was";
+    // onto itself, with all its siblings
+    Build();
+    Draw();
+    Press_On("a", Edit_Zone::Children_Handle);
+    EXPECT_EQ(Release_On("c", Edit_Zone::Children_Handle), 2);
+    EXPECT_EQ(Text(), "root(a(c(d,e,b,f)),g)");
+}
+
+TEST_F(Tool_DB_Edit_Test, a_drag_over_a_rebuild_is_forgotten) {
+    Make_Study();
+    Draw();
+    Press_On("b", Edit_Zone::Parent_Handle);
+    Build();
+    Draw();
+    EXPECT_FALSE(db_drag.active);
+    Tree_Calls calls;
+    EXPECT_EQ(Release_On("c", Edit_Zone::Children_Handle), 1);
+    EXPECT_EQ(calls.Take(), Calls{});
+}
+
+TEST_F(Tool_DB_Edit_Test, a_host_that_rebuilds_at_once_does_no_harm) {
+    Make_Study();
+    Draw();
+    Tree_Calls calls;
+    calls.on_update = [this](unsigned __int64) {
+        for (int i = 0; i < nb; ++i) {
+            list_pt[i].object = nullptr;  // whoever looks at the old records finds nothing
+        }
+        Build();
+        Draw();
+    };
+    Press_On("c", Edit_Zone::Children_Handle);
+    EXPECT_EQ(Release_On("a", Edit_Zone::Children_Handle), 2);
+    EXPECT_EQ(Text(), "root(a(b,c,f,d,e),g)");
+    EXPECT_EQ(Delete_On("a"), 1);
+    EXPECT_EQ(Text(), "root(b,c,f,d,e,g)");
+    typed_name.typed = "new name";
+    EXPECT_EQ(Press_On("b", Edit_Zone::Body, RIGHT_PRESS), 1);
+    EXPECT_STREQ(Object_Of("b")->Name_Get(), "new name");
+    EXPECT_EQ(std::string(list_pt[Find("b")].name), "new name");
+}
+
+}  // namespace
