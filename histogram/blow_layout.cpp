@@ -4,16 +4,22 @@
 
 namespace {
 
-constexpr int CLIENT_MARGIN = 1;        // pixels round the plot box
-constexpr int SELECT_EMS_TENTHS = 146;  // twice the longest caption, because the field has as much room
-constexpr int SELECT_PADDING = 16;      // pixels beside caption and field
-constexpr int SELECT_FONT_MIN = 10;     // pixels; smaller letters cannot be told apart
-constexpr int SELECT_ROW_PADDING = 8;   // pixels above and below the letters in the lowest row
-constexpr int CONTROLS_PERCENT = 40;    // of the plot box's height that the controls may cover
+constexpr int CLIENT_MARGIN = 1;           // pixels round the plot box
+constexpr int SELECT_EMS_TENTHS = 146;     // twice the longest caption, because the field has as much room
+constexpr int SELECT_PADDING = 16;         // pixels beside caption and field
+constexpr int SELECT_FONT_MIN = 10;        // pixels; smaller letters cannot be told apart
+constexpr int SELECT_ARROW_MIN = 8;        // pixels; a narrower arrow cannot be hit
+constexpr int SELECT_ROW_PADDING = 8;      // pixels above and below the letters in the lowest row
+constexpr int CONTROLS_PERCENT = 40;       // of the plot box's height that the controls may cover
+constexpr int AXIS_FONT = 12;              // pixels, where the host has no font
+constexpr int AXIS_FONT_MIN = 8;           // pixels
+constexpr int AXIS_TICK_ROOM = 11;         // pixels of the left margin that ticks and gaps take
+constexpr int AXIS_EMS_TENTHS = 31;        // a line of the title and four characters beside each other
+constexpr int AXIS_TITLE_EMS_TENTHS = 60;  // the title's length
 
-/** Width at which a selector shows caption and choice. */
-int Select_Width(int font_height, int arrow) {
-    return font_height * SELECT_EMS_TENTHS / 10 + SELECT_PADDING + 2 * arrow;
+/** Width at which a selector without arrows shows caption and choice. */
+int Select_Width(int font_height) {
+    return font_height * SELECT_EMS_TENTHS / 10 + SELECT_PADDING;
 }
 
 int Slot_Width(const Blow_Metrics& metrics, int plot_width, int per_row) {
@@ -37,10 +43,8 @@ int Controls_Height(const Blow_Metrics& metrics, const Select_Rows& rows) {
 }
 
 Select_Rows Select_Rows_Choose(const Blow_Metrics& metrics, const Histo_Rectangle& plot) {
-    const int arrow = metrics.button_height * 2 / 3;
     Select_Rows rows{metrics.select_nb, metrics.button_height};
-    while (rows.per_row > 1 &&
-           Slot_Width(metrics, plot.width, rows.per_row) < Select_Width(metrics.font_height, arrow)) {
+    while (rows.per_row > 1 && Slot_Width(metrics, plot.width, rows.per_row) < Select_Width(metrics.font_height)) {
         --rows.per_row;
     }
     const int height_max = plot.height * CONTROLS_PERCENT / 100;
@@ -50,7 +54,7 @@ Select_Rows Select_Rows_Choose(const Blow_Metrics& metrics, const Histo_Rectangl
         rows.height = std::min(metrics.button_height, metrics.font_height + SELECT_ROW_PADDING);
     }
     while (too_high() && rows.per_row < metrics.select_nb &&
-           Slot_Width(metrics, plot.width, rows.per_row + 1) * 10 >= Select_Width(SELECT_FONT_MIN, 0) * 8) {
+           Slot_Width(metrics, plot.width, rows.per_row + 1) * 10 >= Select_Width(SELECT_FONT_MIN) * 8) {
         ++rows.per_row;
     }
     // Letters that have become small need no more than a low row.
@@ -62,6 +66,15 @@ Select_Rows Select_Rows_Choose(const Blow_Metrics& metrics, const Histo_Rectangl
 }
 
 }  // namespace
+
+int Blow_Axis_Font(int font_height, int margin, int rows) {
+    const int fitting = std::max(
+        std::min((margin - AXIS_TICK_ROOM) * 10 / AXIS_EMS_TENTHS, rows * 10 / AXIS_TITLE_EMS_TENTHS), AXIS_FONT_MIN);
+    if (font_height <= 0) {
+        return AXIS_FONT <= fitting ? 0 : fitting;
+    }
+    return std::min(font_height, fitting);
+}
 
 Blow_Layout Blow_Layout_Make(const Blow_Metrics& metrics) {
     Blow_Layout layout;
@@ -78,9 +91,10 @@ Blow_Layout Blow_Layout_Make(const Blow_Metrics& metrics) {
     if (metrics.select_nb > 0) {
         const Select_Rows rows = Select_Rows_Choose(metrics, plot);
         const int slot = Slot_Width(metrics, plot.width, rows.per_row);
-        layout.select_arrow = rows.height * 2 / 3;
-        if (slot < Select_Width(metrics.font_height, layout.select_arrow)) {
-            layout.select_arrow = 0;
+        const int beside_texts = (slot - Select_Width(metrics.font_height)) / 2;
+        const int arrow = std::min(rows.height * 2 / 3, beside_texts);
+        layout.select_arrow = arrow >= SELECT_ARROW_MIN ? arrow : 0;
+        if (beside_texts < 0) {
             layout.select_font = Select_Font(metrics, slot);
         }
         for (int i = 0; i < metrics.select_nb; ++i) {

@@ -17,16 +17,23 @@ struct Blow_Metrics {
     int select_nb = 0;  ///< 0 .. BLOW_SELECT_MAX
 };
 
+/** Height of an axis's letters so that the numbers fit beside the title in the left margin of the plot area, and the
+ * title beside the area. @param
+ * font_height of the host's font, 0 for the library's own; @param margin columns between plot box and plot area
+ * @param rows that the vertical axis's title may take
+ * @return 0 too for the library's own */
+int Blow_Axis_Font(int font_height, int margin, int rows);
+
 struct Blow_Layout {
     Histo_Rectangle plot;  ///< the plot box, border included; a client area that is too small leaves it without extent
     Histo_Rectangle reset_button;
     Histo_Rectangle export_button;
     std::array<Histo_Rectangle, BLOW_SELECT_MAX> select{};
-    int select_arrow = 0;  ///< width of a selector's arrow; 0 where there is no room for arrows
+    int select_arrow = 0;  ///< width of a selector's arrow; 0 where the texts leave no room for arrows
     int select_font = 0;   ///< font height of the selectors
     int top_reserved = 0;  ///< rows below the plot box's upper edge that the controls cover
 };
 
-/** Two buttons side by side, and the selectors in rows below them: as many in a row as can be read, more where they
- * would take too much of a low window. */
+/** Two buttons side by side, and the selectors in one row below them. They stand in more rows only where their part of
+ * the row cannot hold their texts, and in fewer again where they would take too much of a low window. */
 Blow_Layout Blow_Layout_Make(const Blow_Metrics& metrics);

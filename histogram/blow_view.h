@@ -33,7 +33,40 @@ struct Blow_Drag {
 /** Pixels that a drag must reach in both directions to zoom. */
 inline constexpr int BLOW_DRAG_MIN = 10;
 
-/** The part of the data that the window shows. */
+/** Where a view of one direction begins, and how dense it is. */
+struct Blow_Step {
+    float origin = 0.0F;  ///< data value at the plot area's first pixel
+    float scale = 1.0F;   ///< data units per pixel
+};
+
+/** The view in one direction: grey levels in x, pixel counts in y. */
+struct Blow_Direction {
+    Blow_Range full;         ///< the unzoomed view
+    float scale_max = 1.0F;  ///< data units per pixel of the unzoomed view
+    int first = 0;           ///< window pixel at which the plot area begins
+    int pixels = 0;          ///< of the plot area
+    Blow_Step at;            ///< where the view stands
+
+    /** Takes another unzoomed view; where the view stands stays. */
+    void Full_Set(const Blow_Range& range, int area_first, int area_pixels);
+    /** To the unzoomed view. */
+    void Reset() { at = {full.start, scale_max}; }
+    /** From the origin as many pixels as the area has, cut off at the unzoomed view. */
+    Blow_Range Visible(bool zoomed) const;
+    /** True when a view could stand there and show something: single precision still tells its two ends apart. */
+    bool Can_Show(const Blow_Step& step) const;
+    /** The view of the part between two window pixels. It begins from what is on show, not from where the view stands:
+     *  the two differ where the unzoomed view has cut the range off, and the rectangle was drawn on the picture. */
+    Blow_Step Rectangle(int from, int to, bool zoomed) const;
+    /** The view after the wheel, from where it stands; the data under the pointer stays. */
+    Blow_Step Wheel(float factor, int pointer) const;
+    /** Moves the origin into its limits: not below the unzoomed start, and not so high that the view would pass its
+     * end. */
+    void Origin_Clamp();
+};
+
+/** The part of the data that the window shows. What new data or another size leave of a zoomed view is decided by
+ * cutting off alone: where the view stands stays. */
 class Blow_View {
   public:
     /** Takes the unzoomed view of a record: all bins, widened by 5 % in x and 10 % in y at each end. The view itself
@@ -49,35 +82,23 @@ class Blow_View {
     /** Zooms by wheel notches, forward widens; the data under the pointer stays where it is as far as the limits allow.
      */
     void Zoom_Wheel(int notches, int x, int y);
-    /** Zooms and pans by a two-finger gesture. @return false: a factor outside [0.09, 1.1], ignored */
+    /** Zooms and pans by a two-finger gesture: first the origin moves and is clamped, by the scale of before, then the
+     * scale changes. @return false: a factor outside [0.09, 1.1], ignored */
     bool Zoom_Pinch(const Gesture_Record& gesture);
 
     bool Is_Zoomed() const { return zoomed; }
-    float Origin_X() const { return origin_x; }
-    float Origin_Y() const { return origin_y; }
-    float Scale_X() const { return scale_x; }
-    float Scale_Y() const { return scale_y; }
-    /** What is visible now: from the origin as many pixels as the plot has, cut off at the full view. */
-    Blow_Range Visible_X() const;
-    Blow_Range Visible_Y() const;
-    const Blow_Range& Full_X() const { return full_x; }
-    const Blow_Range& Full_Y() const { return full_y; }
-    float Scale_X_Max() const { return scale_x_max; }
-    float Scale_Y_Max() const { return scale_y_max; }
+    const Blow_Direction& X() const { return x_direction; }
+    const Blow_Direction& Y() const { return y_direction; }
+    /** What is visible now. */
+    Blow_Range Visible_X() const { return x_direction.Visible(zoomed); }
+    Blow_Range Visible_Y() const { return y_direction.Visible(zoomed); }
 
   private:
-    void Origin_Clamp();
-    void Shown_Take();
+    bool Is_Empty() const { return x_direction.pixels <= 0 || y_direction.pixels <= 0; }
+    bool Take(const Blow_Step& in_x, const Blow_Step& in_y);
 
-    Blow_Area area;
-    Blow_Range full_x;
-    Blow_Range full_y;
-    float scale_x_max = 1.0F;  // data units per pixel of the unzoomed view
-    float scale_y_max = 1.0F;
-    float origin_x = 0.0F;
-    float origin_y = 0.0F;
-    float scale_x = 1.0F;
-    float scale_y = 1.0F;
+    Blow_Direction x_direction;
+    Blow_Direction y_direction;
     bool zoomed = false;
 };
 

@@ -267,24 +267,25 @@ Histogram_Grid Histogram_Grid_Choose(const Histogram_Extent& extent, std::uint16
     }
     // The bin count falls as the factor grows: the smallest factor that fits is found by halving instead of counting up
     // one by one.
-    const auto fits = [&](int factor) {
+    const auto fits = [&](std::int64_t factor) {
         return std::trunc(span / static_cast<float>(factor)) <= static_cast<float>(limit);
     };
-    int factor = 1;
+    std::int64_t factor = 1;
     if (!fits(factor)) {
-        int too_small = factor;
+        std::int64_t too_small = factor;
         factor = 2;
-        while (!fits(factor) && factor <= std::numeric_limits<int>::max() / 2) {
+        while (!fits(factor) && factor <= std::numeric_limits<std::int64_t>::max() / 2) {
             too_small = factor;
             factor *= 2;
         }
         while (factor - too_small > 1) {
-            const int middle = too_small + (factor - too_small) / 2;
+            const std::int64_t middle = too_small + (factor - too_small) / 2;
             (fits(middle) ? factor : too_small) = middle;
         }
     }
+    // Beyond all factors there is nothing that fits: the limit holds all the same.
     const float bins = std::trunc(span / static_cast<float>(factor));
-    grid.nb_bins = static_cast<std::uint16_t>(std::min(bins, static_cast<float>(BINS_MAX)));
+    grid.nb_bins = static_cast<std::uint16_t>(std::min(bins, static_cast<float>(limit)));
     grid.bin_width = extent.finest_width * static_cast<float>(factor);
     return grid;
 }

@@ -51,8 +51,8 @@ class Histogram_Merger {
     /** Finishes what is pending. */
     ~Histogram_Merger();
 
-    /** Adds one frame. Components are added when the frame has HISTO_COLOR and the record has its arrays. The frame
-     * must live until Finish. */
+    /** Adds one frame. Components are added when the frame has HISTO_COLOR and the record has its arrays. The record
+     * and its arrays are read until Finish. */
     void Add(const Histo_Record& frame);
     /** Maps what is still summed up. The record is complete afterwards. */
     void Finish();

@@ -37,8 +37,16 @@ void Add_Gauss(const Peak_Parameters& parameters, int column, Fit_System& system
     }
 }
 
-/** Any other shape, by the record's own functions. */
+/** True for a Gaussian that the module's own two functions evaluate: only then is its shape known here. */
+bool Is_Own_Gauss(const Histo_Peak& peak) {
+    return peak.type == PEAK_GAUSS && peak.fct_value == Peak_Value && peak.fct_deriv == Peak_Deriv;
+}
+
+/** Any other peak, by the record's own functions. A record without them adds nothing. */
 void Add_Shape(const Histo_Peak& peak, int column, int nb_bins, Fit_System& system) {
+    if (peak.fct_value == nullptr || peak.fct_deriv == nullptr) {
+        return;
+    }
     for (int bin = 0; bin < nb_bins; ++bin) {
         double* row = system.jacobian[bin] + column;
         for (std::uint8_t k = 0; k < peak.nb_param; ++k) {
@@ -71,7 +79,7 @@ Fit_System Fit_System_Make(const Histo_Peak* first, std::span<const double> data
         }
         const Peak_Parameters parameters{(*peak->param)[PEAK_CENTRE], (*peak->param)[PEAK_AMPLITUDE],
                                          (*peak->param)[PEAK_WIDTH]};
-        if (peak->type == PEAK_GAUSS && parameters.width > 0.0) {
+        if (Is_Own_Gauss(*peak) && parameters.width > 0.0) {
             Add_Gauss(parameters, column, system, unit);
         } else {
             Add_Shape(*peak, column, static_cast<int>(rows), system);

@@ -16,6 +16,7 @@ struct Fit_System {
     bool is_complete = false;    ///< false when memory ran out
 };
 
-/** Builds the system for the list that begins at `first` (null: no peaks). Every shape is evaluated once per bin and
- * only within its cut-off; elsewhere the Jacobian stays zero. */
+/** Builds the system for the list that begins at `first` (null: no peaks). A Gaussian of the module's own
+ * functions is evaluated once per bin and only within its cut-off, elsewhere the Jacobian stays zero; every other
+ * record by the functions that it brings. */
 Fit_System Fit_System_Make(const Histo_Peak* first, std::span<const double> data);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "histogram/tool_histo_peak.h"
+#include "histogram/histo_peak.h"
 
 namespace {
 

@@ -47,36 +47,16 @@ struct Sse2 {
 
 constexpr int LANES_MAX = SMOOTHING_WIDE_LANES;
 
+/** One pass by the step of the kernel's scalar ends. @return maxima */
 int Plain_Pass(std::span<double> curve, float threshold) {
     const auto n = static_cast<int>(curve.size());
-    double* f = curve.data();
-    for (int i = 1; i <= n - 1; ++i) {
-        double sum = 2.0 * f[i];
-        double weight = 2.0;
-        if (i > 1) {
-            sum += f[i - 1];
-            weight = 3.0;
-        }
-        if (i < n - 1) {
-            sum += f[i + 1];
-            weight += 1.0;
-        }
-        f[i] = sum / weight;
+    Smoothing_Lanes<1> lanes = {};
+    lanes.waiting[0] = curve[1];
+    for (int step = 1; step <= n - 1; ++step) {
+        Smoothing_End_Step(lanes, curve.data(), step, n, threshold);
     }
-    f[0] = f[1];
-    const auto level = [&](int i) {
-        const float above = static_cast<float>(f[i]) - threshold;
-        return above > 0.0F ? above : 0.0F;
-    };
-    // The last bin repeats the derivative before it, so no maximum can end there.
-    int maxima = 0;
-    bool fell = false;
-    for (int i = 1; i <= n - 2; ++i) {
-        const bool falls = level(i + 1) - level(i - 1) < 0.0F;
-        maxima += falls && !fell ? 1 : 0;
-        fell = falls;
-    }
-    return maxima;
+    curve[0] = curve[1];
+    return lanes.maxima[0];
 }
 
 int Lanes_Of(Smoothing_Path path, std::size_t n, std::size_t scratch) {

@@ -47,9 +47,11 @@ std::uint32_t Plot_Pixels::At(int column, int row) const {
     return Row_Begin(row)[column];
 }
 
-void Plot_Pixels::Columns_Fill(std::span<const std::uint32_t> colors) {
-    const auto nb = std::min<std::ptrdiff_t>(width, static_cast<std::ptrdiff_t>(colors.size()));
+void Plot_Pixels::Rows_Fill(std::span<const std::uint32_t> even, std::span<const std::uint32_t> odd) {
+    const std::size_t shorter = std::min(even.size(), odd.size());
+    const auto nb = std::min<std::ptrdiff_t>(width, static_cast<std::ptrdiff_t>(shorter));
     for (int row = 0; row < height; ++row) {
+        const std::span<const std::uint32_t>& colors = row % 2 == 0 ? even : odd;
         std::copy(colors.begin(), colors.begin() + nb, Row_Begin(row));
     }
 }

@@ -36,8 +36,8 @@ class Plot_Pixels {
     int Width() const { return width; }
     int Height() const { return height; }
     std::uint32_t At(int column, int row) const;
-    /** Gives every row the same colours. @param colors one pixel per column */
-    void Columns_Fill(std::span<const std::uint32_t> colors);
+    /** Gives every row its colours. @param even, odd one pixel per column, for the rows 0, 2 .. and 1, 3 .. */
+    void Rows_Fill(std::span<const std::uint32_t> even, std::span<const std::uint32_t> odd);
     /** Lays a colour over a rectangle. */
     void Rectangle_Blend(int left, int bottom, int rectangle_width, int rectangle_height, std::uint32_t pixel,
                          std::uint32_t opacity);

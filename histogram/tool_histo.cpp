@@ -6,8 +6,11 @@
 #include <limits>
 #include <new>
 
+#include "histogram/tool_histo_compute.h"
+#include "histogram/tool_histo_fit.h"
 #include "histogram/tool_histo_geometry.h"
-#include "histogram/tool_histo_peak.h"
+#include "histogram/tool_histo_messages.h"
+#include "histogram/tool_histo_paint.h"
 #include "histogram/tool_histo_window.h"
 #include "host/kit_common.h"
 #include "panels/protocol/host_variables.h"
@@ -32,6 +35,7 @@ std::shared_ptr<Histo_Data> Data_Make() {
     try {
         return std::make_shared<Histo_Data>();
     } catch (const std::bad_alloc&) {
+        Histo_Report_New(__LINE__, TOOL_HISTO_SOURCE);
         return nullptr;  // every operation treats a panel without data as one without a record
     }
 }
@@ -105,8 +109,8 @@ void Tool_Histo::Draw() {
 
 int Tool_Histo::Click(int up_down) {
     Error_Fct(hwnd, TRACE_LEVEL, "in Tool_Histo::Click(up_down=0x%08x)", static_cast<unsigned int>(up_down));
-    if (up_down == 0) {
-        return 0;
+    if ((up_down & MOUSE_PRESS) == 0) {
+        return 0;  // a release, also that of one of two held buttons
     }
     if (blow_button.Select(up_down) != 0) {
         blow_button.current = 1;
@@ -205,4 +209,12 @@ int Tool_Histo::Set(int n, ...) {
     }
     va_end(ranges);
     return 1;
+}
+
+int Tool_Histo::Fit_Derivative(unsigned char max_peak) {
+    return Histo_Fit_Derivative(data, color_component, max_peak);
+}
+
+int Tool_Histo::Fit_Gaussian() {
+    return Histo_Fit_Gaussian(data, color_component);
 }

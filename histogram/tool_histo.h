@@ -23,7 +23,11 @@ inline constexpr float HISTO_SCALE_MIN = 0.001F;  ///< largest magnification: a 
 inline constexpr float HISTO_SCALE_MAX = 1.0F;    ///< no magnification
 
 /** What a panel computed. Shared by the copies of a panel: recomputing in one is seen by the other; the last one frees
- * it. */
+ * it.
+ *
+ *  A host reads it (histogram/histo_peak.h says what a peak is); pointers that it keeps are good until the next
+ *  computation or analysis. Everything is freed by `delete` and `delete[]` of the module, so only a program that shares
+ *  its C++ run-time library may put a record of its own there. */
 struct KIT_PANELS_API Histo_Data {
     Histo_Data() = default;
     ~Histo_Data();
@@ -35,10 +39,10 @@ struct KIT_PANELS_API Histo_Data {
     double* filtered = nullptr;   ///< smoothed curve of the last analysis, `curve_nb` values, or null
     float* derivative = nullptr;  ///< derivative curve, `curve_nb` values, or null
     float* fit_sum = nullptr;     ///< sum of the starting curves of the Gaussian fit, `curve_nb` values, or null
-    float* fit_spare = nullptr;   ///< released by the derivative method, filled by nothing
+    float* fit_spare = nullptr;   ///< released by the derivative method, filled by nothing here
     int curve_nb = 0;  ///< bins of the curves above: the grid of the last analysis, which may be older than the record
     int peak_nb = 0;   ///< length of the list
-    Histo_Peak* peak_first = nullptr;  ///< peaks by ascending centre
+    Histo_Peak* peak_first = nullptr;  ///< peaks by ascending centre; null: none. See histogram/histo_peak.h
 
     /** True when there is a record with counts. */
     bool Has_Counts() const { return record != nullptr && record->counts != nullptr; }
@@ -52,7 +56,17 @@ struct KIT_PANELS_API Histo_Data {
     void Curves_Free();
 };
 
-/** See the top of this file. The panel is its own plot box. The end of any histogram panel closes the enlarged window.
+/** See the top of this file. The panel is its own plot box.
+ *
+ *  One enlarged window serves all panels of the process and shows the one that opened it. The end of **any** histogram
+ *  panel closes it, also that of a temporary copy: hand panels on by reference. Its "Export" button and the fields of
+ *  its selectors run modal loops (the save dialog, a drop list), in which the host's windows live on: the host may
+ * close the window or destroy the panel there.
+ *
+ *  Operations that may call the host back, and after whose call-back the panel need not exist any more: Click (a window
+ *  that opens or comes to the front tells the other windows of the program at once), Fit_Derivative, Fit_Gaussian and
+ *  Write (a receiver of their messages may show a message box). The other operations report traces and failed
+ *  allocations; a receiver of those must not destroy the panel.
  */
 class KIT_PANELS_API Tool_Histo : public Boxs {
   public:
@@ -71,7 +85,9 @@ class KIT_PANELS_API Tool_Histo : public Boxs {
     int Resize(Boxs* box);
     /** Paints box, button, valuator and plot. */
     void Draw();
-    /** @return 1 when the press fell on the button or the valuator, else 0 */
+    /** A press on "Blow" opens the enlarged window, or restores and raises it; see above for what that may call. A code
+     *  without MOUSE_PRESS is a release, whatever buttons it names. @return 1 when the press fell on the button or the
+     *  valuator, else 0 */
     int Click(int up_down);
     /** @return 1 when the valuator moved, else 0 */
     int Motion(int up_down);
@@ -86,18 +102,25 @@ class KIT_PANELS_API Tool_Histo : public Boxs {
      *  wants the picture at once sends UPDATE_HISTO_PAINT too. UPDATE_HISTO_PAINT, UPDATE_TAG_TABLE, UPDATE_TAG_CUR:
      *  paint. UPDATE_MOUSE_FRAME: the cursor line follows. UPDATE_COLOR_COMPONENT: takes "$GLI_COLOR_COMPONENT" over
      * and paints. UPDATE_ALL: only the mark of the "Blow" button. All but the last reach the enlarged window as well.
-     */
+     *
+     *  A computation reads the frames of "$WINDOW_CUR" that are selected, "$GLI_HISTO_BINS_MAX" and
+     *  "$GLI_COLOR_COMPONENT", and writes "$GLI_HISTO_BINS_NB". "$SELECT_GLI_MIN" and "$SELECT_GLI_MAX" are looked up
+     * with them and restrict nothing. */
     void Update(unsigned __int64 flags);
     /** Sets the TAG ranges to shade: n (0 .. 32, read as a signed 16-bit number) groups of TAG number (int), minimum
      * and maximum (double, GLI). Repaints nothing. @return 1; 0 when n is out of range (the old ranges stay) */
     int Set(int n, ...);
-    /** Writes histogram, TAG membership and peaks to a text file. @param path file to create or replace. @return 1; 0
-     * on failure, reported */
+    /** Writes histogram, TAG membership and peaks to a text file. @param path file to create or replace, in the
+     * system's code page. @return 1; 0 on failure, reported to the user: then the file is missing, empty or incomplete
+     */
     int Write(const char* path);
     /** Cuts the curve into segments around its maxima. @param max_peak largest number of peaks wanted. @return 0
-     * without counts, else 1 */
+     * without counts and while another analysis runs, else 1, whatever was found */
     int Fit_Derivative(unsigned char max_peak);
-    /** Fits Gaussian peaks to the filtered curve. @return 0 without counts, else 1 */
+    /** Fits Gaussian peaks to the filtered curve. A second fit of the same counts may find other candidates: the place
+     * of the last one is kept for the whole process, and candidates closer than 15 bins behind it are passed over. A
+     * host that wants the same peaks again fits a curve of its own with one known peak before. @return as
+     * Fit_Derivative */
     int Fit_Gaussian();
 
     Buttons blow_button;                       ///< current while the enlarged window is open, whichever panel it shows
@@ -114,11 +137,3 @@ class KIT_PANELS_API Tool_Histo : public Boxs {
     float range_min[HISTO_RANGE_MAX] = {};          ///< GLI
     float range_max[HISTO_RANGE_MAX] = {};          ///< GLI
 };
-
-/** Merges the stored histograms of the selected frames of the current window into the panel's record. @return 1 when a
- * histogram was built */
-int Histo_Compute(Tool_Histo& panel);
-/** Paints the plot. @return 0 without counts, else 1 */
-int Histo_Paint(Tool_Histo& panel);
-/** Moves the cursor line to the grey level under the image mouse. @return 0 when there is nothing to mark */
-int Histo_Cursor(Tool_Histo& panel);

@@ -4,11 +4,12 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstring>
 
 #include "histogram/blow_layout.h"
+#include "histogram/histo_peak.h"
 #include "histogram/tool_histo.h"
 #include "histogram/tool_histo_export.h"
-#include "histogram/tool_histo_peak.h"
 #include "histogram/tool_histo_plot.h"
 #include "host/kit_common.h"
 #include "host/kit_graph.h"
@@ -72,6 +73,22 @@ struct Window_Font {
 Window_Font title_font;
 Window_Font tool_font;
 
+/** The titles of the axes, for which the present layout was made: a plot without them has more room. */
+struct Axis_Titles {
+    std::array<char, HISTO_LABEL_SIZE> x{};
+    std::array<char, HISTO_LABEL_SIZE> y{};
+
+    /** Takes the shown panel's titles over. @return true when they differ from those before */
+    bool Follow() {
+        const Axis_Titles before = *this;
+        const Tool_Histo* panel = histo_blow.panel;
+        std::snprintf(x.data(), x.size(), "%s", panel != nullptr ? panel->x_label : "");
+        std::snprintf(y.data(), y.size(), "%s", panel != nullptr ? panel->y_label : "");
+        return std::strcmp(x.data(), before.x.data()) != 0 || std::strcmp(y.data(), before.y.data()) != 0;
+    }
+};
+Axis_Titles titles;
+
 /** The record on show, null when there is nothing to plot. */
 const Histo_Record* Shown_Record() {
     const Tool_Histo* panel = histo_blow.panel;
@@ -95,6 +112,7 @@ bool Peak_Select_Exists() {
 Histo_Plot_Scene Scene_Now() {
     Histo_Plot_Scene scene;
     scene.box = histo_blow.plot;
+    scene.font_height = tool_font.height;
     scene.area = histo_blow.area;
     scene.x = histo_blow.view.Visible_X();
     scene.y = histo_blow.view.Visible_Y();
@@ -155,6 +173,12 @@ void Lay_Out() {
     plot.Set_Color(PLOT_COLOR[0], PLOT_COLOR[1], PLOT_COLOR[2]);
     tool_font.Give(plot);
     Place(plot, layout.plot);
+    plot.window = histo_blow.window;
+    const Plot_Area area = Plot_Window_Area(plot, titles.x.data(), titles.y.data(), layout.top_reserved);
+    const int free_above = plot.y + plot.height - layout.top_reserved - (area.bottom + area.height);
+    plot.font_scale =
+        static_cast<short>(Blow_Axis_Font(tool_font.height, area.left - plot.x, area.height + 2 * free_above));
+    histo_blow.area = {area.left, area.bottom, area.width, area.height};
     plot.Init(histo_blow.window);
     Button_Place(histo_blow.reset_button, "Reset Zoom", layout.reset_button);
     Button_Place(histo_blow.export_button, "Export", layout.export_button);
@@ -163,10 +187,6 @@ void Lay_Out() {
     if (Peak_Select_Exists()) {
         Select_Place(histo_blow.peak_select, layout, 2);
     }
-    const char* title_x = histo_blow.panel != nullptr ? histo_blow.panel->x_label : "";
-    const char* title_y = histo_blow.panel != nullptr ? histo_blow.panel->y_label : "";
-    const Plot_Area area = Plot_Window_Area(plot, title_x, title_y, layout.top_reserved);
-    histo_blow.area = {area.left, area.bottom, area.width, area.height};
 }
 
 template <std::size_t nb>
@@ -228,15 +248,12 @@ void Drag_Drop_Unheld() {
 }
 
 void Reset_Press() {
-    Buttons& button = histo_blow.reset_button;
-    button.current = 1;
-    button.Adjust();
+    Histo_Blow_Button_Press(histo_blow.reset_button);
     histo_blow.view.Reset();
     histo_blow.dragging = false;
     Histo_Blow_Redraw();
     Local_Drag_Clear(Scene_Now());
-    button.current = 0;
-    button.Adjust();
+    Histo_Blow_Button_Release(histo_blow.reset_button);
 }
 
 void Export_Press() {
@@ -258,13 +275,17 @@ void Export_Press() {
 /** @return true when the press fell on the selector */
 bool Select_Press(Selects& select, int& display, int up_down) {
     const HWND window = histo_blow.window;
-    if (select.item_nb <= 0 || select.Select(up_down) == 0) {
+    if (select.item_nb <= 0) {
         return false;
     }
-    // While the drop list was open other messages were handled.
-    const int choice = select.Read();
-    if (histo_blow.window != window || choice < 0 || choice >= select.item_nb) {
+    const bool is_hit = select.Select(up_down) != 0;
+    // While the drop list was open other messages were handled: the panel may be gone, and the window with it.
+    if (histo_blow.window != window) {
         return true;
+    }
+    const int choice = select.Read();
+    if (!is_hit || choice < 0 || choice >= select.item_nb) {
+        return is_hit;
     }
     select.current = static_cast<short>(choice);
     select.Adjust();
@@ -303,9 +324,9 @@ int Drag_End() {
         return 1;
     }
     const Blow_View& view = histo_blow.view;
-    Error_Fct(hwnd, ZOOM_LEVEL, "org: %.2f/%.2f  scale: %.2f/%.2f", static_cast<double>(view.Origin_X()),
-              static_cast<double>(view.Origin_Y()), static_cast<double>(view.Scale_X()),
-              static_cast<double>(view.Scale_Y()));
+    Error_Fct(hwnd, ZOOM_LEVEL, "org: %.2f/%.2f  scale: %.2f/%.2f", static_cast<double>(view.X().at.origin),
+              static_cast<double>(view.Y().at.origin), static_cast<double>(view.X().at.scale),
+              static_cast<double>(view.Y().at.scale));
     Histo_Blow_Redraw();
     Local_Drag_Clear(Scene_Now());
     return 1;
@@ -332,6 +353,19 @@ void Histo_Blow_Begin(HWND window) {
     Choices_Set(histo_blow.tag_select, TAG_LABEL, SWITCH_CHOICES, histo_blow.display_tag);
     Choices_Set(histo_blow.cursor_select, CURSOR_LABEL, SWITCH_CHOICES, histo_blow.display_cursor);
     Histo_Plot_Marks_Forget();
+}
+
+void Histo_Blow_Button_Press(Buttons& button) {
+    button.current = 1;
+    button.Adjust();
+}
+
+void Histo_Blow_Button_Release(Buttons& button) {
+    button.current = 0;
+    if (histo_blow.window != nullptr) {
+        button.Deselect();
+        button.Adjust();
+    }
 }
 
 void Histo_Blow_Controls_Leave() {
@@ -368,6 +402,7 @@ int Histo_Blow_Resize(HWND window, int client_width, int client_height) {
         histo_blow.width = static_cast<std::int16_t>(std::min(client_width, largest));
         histo_blow.height = static_cast<std::int16_t>(std::min(client_height, largest));
         Peak_Select_Follow();
+        titles.Follow();
         Lay_Out();
         View_Refresh();
     }
@@ -379,7 +414,8 @@ int Histo_Blow_Redraw() {
     if (window == nullptr || histo_blow.hidden) {
         return 0;
     }
-    if (Peak_Select_Follow()) {
+    const bool select_changed = Peak_Select_Follow();
+    if (titles.Follow() || select_changed) {
         Lay_Out();
     }
     const bool has_record = Shown_Record() != nullptr;

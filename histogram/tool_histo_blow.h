@@ -44,8 +44,9 @@ struct Histo_Blow_State {
 };
 extern Histo_Blow_State histo_blow;
 
-/** A press begins the zoom rectangle and feeds the controls; up_down 0 is a release and ends the rectangle. @return 1
- * when something was done */
+/** A press begins the zoom rectangle and feeds the controls; up_down 0 is a release and ends the rectangle. "Export"
+ * and a selector's field run modal loops: the window and its panel may be gone when this returns. @return 1 when
+ * something was done */
 int Histo_Blow_Click(int up_down, int x, int y);
 /** Repaints the window. @return 1; 0 while it has no extent */
 int Histo_Blow_Draw();
@@ -67,11 +68,17 @@ int Histo_Blow_Pinch(const Gesture_Record& gesture);
 void Histo_Blow_Begin(HWND window);
 /** The window is being destroyed: forgets it and draws the shown panel, whose button is released then. */
 void Histo_Blow_End();
-/** Repaints with the panel's present data. @return as Histo_Blow_Draw */
+/** Repaints with the panel's present data; lays out anew when its titles or its peaks' selector have changed. @return
+ * as Histo_Blow_Draw */
 int Histo_Blow_Redraw();
 /** Moves the cursor line to the grey level under the image mouse, when it is displayed. */
 void Histo_Blow_Cursor();
 
+///@{
+/** A command's button: pressed while the command runs, plain afterwards, whatever the pointer does meanwhile. */
+void Histo_Blow_Button_Press(Buttons& button);
+void Histo_Blow_Button_Release(Buttons& button);
+///@}
 /** The pointer has left: no control is lit up any more. */
 void Histo_Blow_Controls_Leave();
 /** Lets the window take input or not, for the time of a dialog; enabled again it comes to the front, as after a dialog

@@ -152,9 +152,10 @@ void On_Button_Up(HWND window, LPARAM lparam) {
     Histo_Blow_Click(Held_Buttons(), at.x, at.y);
 }
 
-/** Somebody else has taken the mouse: the release will not come here. */
-void On_Capture_Lost() {
-    if (!giving_back) {
+/** Somebody else has taken the mouse: the release will not come here. A second press takes it once more for the window
+ * itself, which loses nothing. */
+void On_Capture_Lost(HWND window, LPARAM lparam) {
+    if (!giving_back && reinterpret_cast<HWND>(lparam) != window) {
         Histo_Blow_Drag_Drop();
     }
 }
@@ -222,7 +223,7 @@ bool Pointer_Message(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
             On_Button_Up(window, lparam);
             return true;
         case WM_CAPTURECHANGED:
-            On_Capture_Lost();
+            On_Capture_Lost(window, lparam);
             return false;
         case WM_MOUSELEAVE:
             Histo_Blow_Controls_Leave();

@@ -1,7 +1,10 @@
 // The merge's shell: reads the host, calls the numeric merge, stores the record, reports failures.
+#include "histogram/tool_histo_compute.h"
+
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <span>
 
 #include "histogram/histogram_merge.h"
 #include "histogram/tool_histo.h"
@@ -82,7 +85,7 @@ const char* Descriptor_Combine(const char* running, const char* frame) {
 std::uint32_t* Counts_Allocate(int nb_bins, int line) {
     auto* counts = new (std::nothrow) std::uint32_t[static_cast<std::size_t>(nb_bins)]();
     if (counts == nullptr) {
-        Error_Fct(hwnd, MESSAGE_MEMORY, HISTO_MESSAGE_NEW, line, TOOL_HISTO_SOURCE);
+        Histo_Report_New(line, TOOL_HISTO_SOURCE);
     }
     return counts;
 }
@@ -124,10 +127,13 @@ Extent_Result Extent_Find(Quorel_Window* window, Histogram_Extent& extent) {
     return extent.Is_Valid() ? Extent_Result::Found : Extent_Result::No_Histogram;
 }
 
-/** Second pass. @return false when a component array could not be allocated */
-bool Frames_Merge(Quorel_Window* window, Histo_Record& record, const char*& descriptor) {
-    Histogram_Merger merger(record);
+/** Second pass. @param label receives the descriptor that the frames share, and stays when none has one. @return false
+ * when a component array could not be allocated */
+bool Frames_Merge(Quorel_Window* window, Histo_Record& record, std::span<char> label) {
+    const char* descriptor = nullptr;
+    // Everything is read before the iterator ends: a frame's counts and texts may go with it.
     Selected_Frames frames(window);
+    Histogram_Merger merger(record);
     while (const Quorel_2D* object = frames.Next()) {
         descriptor = Descriptor_Combine(descriptor, object->descriptor);
         const Histo_Record* histogram = Histogram_Of(*object);
@@ -140,6 +146,10 @@ bool Frames_Merge(Quorel_Window* window, Histo_Record& record, const char*& desc
             }
         }
         merger.Add(*histogram);
+    }
+    merger.Finish();
+    if (descriptor != nullptr) {
+        std::snprintf(label.data(), label.size(), "%s", descriptor);
     }
     return true;
 }
@@ -191,15 +201,11 @@ int Histo_Compute(Tool_Histo& panel) {
     if (record.counts == nullptr) {
         return 0;
     }
-    const char* descriptor = nullptr;
-    if (!Frames_Merge(window, record, descriptor)) {
+    if (!Frames_Merge(window, record, panel.source_label)) {
         return 0;
     }
     record.max_count = Histogram_Max_Count(record);
     std::snprintf(panel.x_label, sizeof panel.x_label, "%s", "Pixel Intensity");
     std::snprintf(panel.y_label, sizeof panel.y_label, "%s", "Nb of Pixels");
-    if (descriptor != nullptr) {
-        std::snprintf(panel.source_label, sizeof panel.source_label, "%s", descriptor);
-    }
     return 1;
 }

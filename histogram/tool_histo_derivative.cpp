@@ -1,6 +1,5 @@
 // The derivative method: smooths the curve until few enough maxima are left and cuts it into one segment per maximum.
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <new>
 #include <span>
@@ -33,62 +32,30 @@ float Threshold_Of(std::span<const double> curve, std::uint8_t max_peak) {
     return sum / (2000.0F * m * m);
 }
 
-void Report_Memory(int line) {
-    Error_Fct(hwnd, MESSAGE_MEMORY, HISTO_MESSAGE_NEW, line, TOOL_HISTO_DERIVATIVE_SOURCE);
-}
-
-void Curves_Make(Histo_Data& data) {
-    for (Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next) {
-        peak->curve = new (std::nothrow) float[static_cast<std::size_t>(data.curve_nb)]();
-        if (peak->curve == nullptr) {
-            Report_Memory(LINE_CURVE);
-            return;
-        }
-        peak->nb_pts = data.curve_nb;
-    }
-}
-
-/** A copy of the curve that the record's counts give; released with the pointer. */
-std::unique_ptr<double[]> Source_Curve_Make(const Tool_Histo& panel) {
-    std::unique_ptr<double[]> curve(new (std::nothrow) double[panel.data->record->nb_bins]());
-    if (curve != nullptr) {
-        Peak_Source_Curve(panel, curve.get());
-    }
-    return curve;
-}
-
 }  // namespace
 
-Histo_Peak* Peak_Segment_Add(Tool_Histo& panel, Histo_Peak*& tail, std::int32_t centre, std::int32_t first,
+Histo_Peak* Peak_Segment_Add(Histo_Data& data, Histo_Peak*& tail, std::int32_t centre, std::int32_t first,
                              std::int32_t last) {
     Histo_Peak* peak = Peak_Make(PEAK_SEGMENT, false);
     if (peak == nullptr) {
-        Report_Memory(LINE_RECORD);
+        Histo_Report_New(LINE_RECORD, TOOL_HISTO_DERIVATIVE_SOURCE);
         return nullptr;
     }
     (*peak->param)[PEAK_CENTRE] = static_cast<double>(centre);
     (*peak->param)[SEGMENT_FIRST] = static_cast<double>(first);
     (*peak->param)[SEGMENT_LAST] = static_cast<double>(last);
-    Peak_Append(panel, tail, peak);
+    Peak_Append(data, tail, peak);
     return peak;
 }
 
-void Peak_Find_Segments(Tool_Histo& panel, int n, const double* curve, std::uint8_t max_peak) {
-    Histo_Data& data = *panel.data;
-    data.Peaks_Free();
-    data.Curves_Free();
+void Peak_Find_Segments(Histo_Data& data, int n, const double* curve, std::uint8_t max_peak) {
     delete[] data.fit_spare;
     data.fit_spare = nullptr;
-
-    const std::span<const double> source(curve, static_cast<std::size_t>(std::max(n, 0)));
-    const float threshold = Threshold_Of(source, max_peak);
-    data.filtered = new (std::nothrow) double[source.size()];
-    data.derivative = new (std::nothrow) float[source.size()]();
-    if (data.filtered == nullptr || data.derivative == nullptr) {
-        data.Curves_Free();
+    if (!Peak_Analysis_Begin(data, n, {__LINE__, TOOL_HISTO_DERIVATIVE_SOURCE})) {
         return;
     }
-    data.curve_nb = n;
+    const std::span<const double> source(curve, static_cast<std::size_t>(std::max(n, 0)));
+    const float threshold = Threshold_Of(source, max_peak);
     std::copy(source.begin(), source.end(), data.filtered);
     if (n < 2) {
         return;  // nothing to smooth and no maximum
@@ -96,6 +63,9 @@ void Peak_Find_Segments(Tool_Histo& panel, int n, const double* curve, std::uint
 
     // The scratch curve only makes the smoothing faster; without it the plain path gives the same bits.
     const std::unique_ptr<double[]> scratch(new (std::nothrow) double[source.size()]);
+    if (scratch == nullptr) {
+        Histo_Report_New(__LINE__, TOOL_HISTO_DERIVATIVE_SOURCE);
+    }
     const std::span<double> filtered(data.filtered, source.size());
     const std::span<float> derivative(data.derivative, source.size());
     Smooth_To_Maxima(filtered, {scratch.get(), scratch != nullptr ? source.size() : 0},
@@ -110,40 +80,7 @@ void Peak_Find_Segments(Tool_Histo& panel, int n, const double* curve, std::uint
     for (int j = 0; j < segments.nb; ++j) {
         const Segment& segment = segments.segment[static_cast<std::size_t>(j)];
         Error_Fct(hwnd, TRACE_STEP, "Peak[%d] = %4d %4d/%-4d", j, segment.centre, segment.first, segment.last);
-        Peak_Segment_Add(panel, tail, segment.centre, segment.first, segment.last);
+        Peak_Segment_Add(data, tail, segment.centre, segment.first, segment.last);
     }
-    Curves_Make(data);
-}
-
-void Peak_Source_Curve(const Tool_Histo& panel, double* curve) {
-    const Histo_Record& record = *panel.data->record;
-    const std::array<const std::uint32_t*, 5> by_component = {record.counts_component0, record.counts_red,
-                                                              record.counts_green, record.counts_blue, record.counts};
-    const std::uint32_t* counts = record.counts;
-    if ((record.flags & HISTO_COLOR) != 0) {
-        counts = panel.color_component < by_component.size() ? by_component[panel.color_component] : nullptr;
-    }
-    for (int bin = 0; bin < record.nb_bins; ++bin) {
-        curve[bin] = counts != nullptr ? static_cast<double>(counts[bin]) : 0.0;
-    }
-}
-
-int Tool_Histo::Fit_Derivative(unsigned char max_peak) {
-    if (data == nullptr || !data->Has_Counts()) {
-        return 0;
-    }
-    if (const std::unique_ptr<double[]> curve = Source_Curve_Make(*this)) {
-        Peak_Find_Segments(*this, data->record->nb_bins, curve.get(), max_peak);
-    }
-    return 1;
-}
-
-int Tool_Histo::Fit_Gaussian() {
-    if (data == nullptr || !data->Has_Counts()) {
-        return 0;
-    }
-    if (const std::unique_ptr<double[]> curve = Source_Curve_Make(*this)) {
-        Peak_Fit_Prepare(*this, data->record->nb_bins, curve.get());
-    }
-    return 1;
+    Peak_Curves_Make(data, {LINE_CURVE, TOOL_HISTO_DERIVATIVE_SOURCE});
 }

@@ -27,8 +27,7 @@ int Histo_Export(Tool_Histo& panel, Buttons& button) {
     static char initial_name[FILE_NAME_SIZE];
     static char path[FILE_NAME_SIZE];
     const HWND window = histo_blow.window;
-    button.current = 1;
-    button.Adjust();
+    Histo_Blow_Button_Press(button);
     Default_Name(initial_name);
     Host_Count("$REGIONAL_SEPARATOR");  // looked up and not used; writing reads it again
     const char* filter =
@@ -37,10 +36,6 @@ int Histo_Export(Tool_Histo& panel, Buttons& button) {
     const bool confirmed = Fct_Save_FileName(DIALOG_TITLE, filter, initial_name, EXTENSION, path, 0) != 0;
     const bool panel_lives = histo_blow.window == window && histo_blow.panel == &panel;
     const int written = confirmed && panel_lives ? panel.Write(path) : 0;
-    button.current = 0;
-    if (histo_blow.window == window) {
-        button.Deselect();
-        button.Adjust();
-    }
+    Histo_Blow_Button_Release(button);
     return written;
 }

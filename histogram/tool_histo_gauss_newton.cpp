@@ -2,13 +2,10 @@
 // Gauss-Newton least squares (linearised normal equations, undamped, with bounded parameters and pruning).
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <new>
 #include <span>
-#include <vector>
 
 #include "histogram/peak_fit_system.h"
-#include "histogram/peak_shapes.h"
 #include "histogram/tool_histo.h"
 #include "histogram/tool_histo_messages.h"
 #include "histogram/tool_histo_peak.h"
@@ -19,24 +16,21 @@ namespace {
 constexpr int LINE_RECORD = 69;  // hosts match these two
 constexpr int LINE_CURVE = 321;
 constexpr int TRACE_STEP = 11;
-constexpr int FILTER_HALF = 10;          // bins on each side of the moving mean
-constexpr int ZERO_GAP = 15;             // bins
-constexpr float ZERO_SLOPE = 5.0F;       // counts per bin
-constexpr float ZERO_AMPLITUDE = 1.0F;   // of the filtered value
-constexpr float ZERO_WIDTH = 5.0F;       // bins
-constexpr int DATA_HALF = 15;            // bins
-constexpr float DATA_DROP = 2.0F;        // counts
-constexpr float DATA_AMPLITUDE = 0.25F;  // of the filtered value
-constexpr float DATA_WIDTH = 10.0F;      // bins
-constexpr int DATA_SKIP = 5;             // bins
-constexpr double STOP_CHANGE = 0.1;      // change of the squared error that ends the fit
+constexpr unsigned char ELEMENT_SIZE = 8;  // bytes, of vectors
+constexpr int FILTER_HALF = 10;            // bins on each side of the moving mean
+constexpr int ZERO_GAP = 15;               // bins
+constexpr float ZERO_SLOPE = 5.0F;         // counts per bin
+constexpr float ZERO_AMPLITUDE = 1.0F;     // of the filtered value
+constexpr float ZERO_WIDTH = 5.0F;         // bins
+constexpr int DATA_HALF = 15;              // bins
+constexpr float DATA_DROP = 2.0F;          // counts
+constexpr float DATA_AMPLITUDE = 0.25F;    // of the filtered value
+constexpr float DATA_WIDTH = 10.0F;        // bins
+constexpr int DATA_SKIP = 5;               // bins
+constexpr double STOP_CHANGE = 0.1;        // change of the squared error that ends the fit
 constexpr int ITERATION_MAX = 10;
 constexpr double RUNAWAY = 1000.0;      // times the larger bound
 constexpr float NEIGHBOUR_MIN = 10.0F;  // bins between two centres
-
-void Report_Memory(int line) {
-    Error_Fct(hwnd, MESSAGE_MEMORY, HISTO_MESSAGE_NEW, line, TOOL_HISTO_GAUSS_NEWTON_SOURCE);
-}
 
 void Warn_Invalid_Matrix() {
     Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 Gauss_Newton invalid matrix");
@@ -59,14 +53,6 @@ void Moving_Mean(std::span<const double> curve, double* filtered) {
     }
 }
 
-/** The bins in which a peak can differ from 0. */
-Bin_Span Peak_Support(const Histo_Peak& peak, int nb_bins) {
-    if (peak.type != PEAK_GAUSS) {
-        return {0, nb_bins - 1};
-    }
-    return Gauss_Support({Param(peak, PEAK_CENTRE), Param(peak, PEAK_AMPLITUDE), Param(peak, PEAK_WIDTH)}, nb_bins);
-}
-
 float Largest(std::span<const double> curve) {
     float largest = 0.0F;
     for (const double value : curve) {
@@ -86,21 +72,6 @@ void Candidates_Find(Histo_Data& data, int n) {
             Error_Fct(hwnd, TRACE_STEP, "Locate a peak with data at x = %d", x);
             Peak_Gauss_Add(data, tail, x, DATA_AMPLITUDE, DATA_WIDTH);
             x += DATA_SKIP;
-        }
-    }
-}
-
-void Curves_Make(Histo_Data& data) {
-    for (Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next) {
-        peak->curve = new (std::nothrow) float[static_cast<std::size_t>(data.curve_nb)]();
-        if (peak->curve == nullptr) {
-            Report_Memory(LINE_CURVE);
-            return;
-        }
-        peak->nb_pts = data.curve_nb;
-        const Bin_Span support = Peak_Support(*peak, data.curve_nb);
-        for (int i = support.first; i <= support.last; ++i) {
-            peak->curve[i] = static_cast<float>(peak->fct_value(peak->type, i, *peak->param));
         }
     }
 }
@@ -175,9 +146,13 @@ void Start_Sum_Make(Histo_Data& data, std::uint16_t n) {
     delete[] data.fit_sum;
     data.fit_sum = new (std::nothrow) float[n]();
     if (data.fit_sum == nullptr) {
+        Histo_Report_New(__LINE__, TOOL_HISTO_GAUSS_NEWTON_SOURCE);
         return;  // drawn only while tracing; the fit does not need it
     }
     for (Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next) {
+        if (peak->fct_value == nullptr) {
+            continue;
+        }
         const Bin_Span support = Peak_Support(*peak, n);
         for (int i = support.first; i <= support.last; ++i) {
             data.fit_sum[i] =
@@ -188,14 +163,10 @@ void Start_Sum_Make(Histo_Data& data, std::uint16_t n) {
 
 }  // namespace
 
-Histo_Peak* Peak_Gauss_Add(Tool_Histo& panel, Histo_Peak*& tail, int x, float amplitude_factor, float width) {
-    return Peak_Gauss_Add(*panel.data, tail, x, amplitude_factor, width);
-}
-
 Histo_Peak* Peak_Gauss_Add(Histo_Data& data, Histo_Peak*& tail, int x, float amplitude_factor, float width) {
     Histo_Peak* peak = Peak_Make(PEAK_GAUSS, true);
     if (peak == nullptr) {
-        Report_Memory(LINE_RECORD);
+        Histo_Report_New(LINE_RECORD, TOOL_HISTO_GAUSS_NEWTON_SOURCE);
         return nullptr;
     }
     const double height = data.filtered[x];
@@ -214,10 +185,6 @@ Histo_Peak* Peak_Gauss_Add(Histo_Data& data, Histo_Peak*& tail, int x, float amp
     return peak;
 }
 
-void Gauss_Newton(Tool_Histo& panel, std::uint16_t n, const double* data, double threshold) {
-    Gauss_Newton(*panel.data, n, data, threshold);
-}
-
 void Gauss_Newton(Histo_Data& peaks, std::uint16_t n, const double* data, double threshold) {
     Start_Sum_Make(peaks, n);
     double previous = 0.0;
@@ -233,13 +200,17 @@ void Gauss_Newton(Histo_Data& peaks, std::uint16_t n, const double* data, double
         previous = system.squared_error;
         const Matrix_NxM transposed = ~system.jacobian;
         Matrix_NxM inverse = !(transposed * system.jacobian);
-        if (!system.is_complete || inverse.Invalid(0) != 0) {
+        const bool is_valid = system.is_complete && inverse.Invalid(0) == 0;
+        const Vector_N step = is_valid ? inverse * (transposed * system.residual) : Vector_N(0, ELEMENT_SIZE);
+        const unsigned int wanted = system.parameters.Size();
+        // A matrix without an inverse still has its size: one without a size had no memory.
+        if (!system.is_complete || inverse.Rows() != wanted || (is_valid && step.Size() != wanted)) {
+            Histo_Report_New(__LINE__, TOOL_HISTO_GAUSS_NEWTON_SOURCE);
             Warn_Invalid_Matrix();
             return;
         }
-        const Vector_N step = inverse * (transposed * system.residual);
-        if (step.Size() != system.parameters.Size()) {
-            Warn_Invalid_Matrix();  // no memory for the step
+        if (!is_valid) {
+            Warn_Invalid_Matrix();
             return;
         }
         if (Step_Take(peaks, step, system.parameters) == Step_Result::Runaway) {
@@ -258,22 +229,12 @@ void Gauss_Newton(Histo_Data& peaks, std::uint16_t n, const double* data, double
     Error_Fct(hwnd, TRACE_STEP, "  -> Stop after \x01%d\x02 iterations", iteration + 1);
 }
 
-void Peak_Fit_Prepare(Tool_Histo& panel, int n, const double* curve) {
-    Peak_Fit_Prepare(*panel.data, n, curve);
-}
-
 void Peak_Fit_Prepare(Histo_Data& data, int n, const double* curve) {
-    data.Peaks_Free();
-    data.Curves_Free();
-    const std::span<const double> source(curve, static_cast<std::size_t>(std::max(n, 0)));
-    const float largest = Largest(source);
-    data.filtered = new (std::nothrow) double[source.size()];
-    data.derivative = new (std::nothrow) float[source.size()];
-    if (data.filtered == nullptr || data.derivative == nullptr) {
-        data.Curves_Free();
+    if (!Peak_Analysis_Begin(data, n, {__LINE__, TOOL_HISTO_GAUSS_NEWTON_SOURCE})) {
         return;
     }
-    data.curve_nb = n;
+    const std::span<const double> source(curve, static_cast<std::size_t>(std::max(n, 0)));
+    const float largest = Largest(source);
     Moving_Mean(source, data.filtered);
     Error_Fct(hwnd, TRACE_STEP, "nb pts:%d max val: %f", n, static_cast<double>(largest));
     for (int i = 0; i < n; ++i) {
@@ -296,6 +257,6 @@ void Peak_Fit_Prepare(Histo_Data& data, int n, const double* curve) {
                   Param(*peak, PEAK_AMPLITUDE), Param(*peak, PEAK_WIDTH));
     }
     if (data.peak_nb != 0) {
-        Curves_Make(data);
+        Peak_Curves_Make(data, {LINE_CURVE, TOOL_HISTO_GAUSS_NEWTON_SOURCE});
     }
 }

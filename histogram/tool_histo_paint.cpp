@@ -1,6 +1,8 @@
 // Drawing of the histogram panel: GDI, no decisions about data.
 #include "base/gdi_handles.h"
 
+#include "histogram/tool_histo_paint.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>

@@ -7,7 +7,6 @@
 #include <new>
 
 #include "histogram/peak_candidates.h"
-#include "histogram/peak_shapes.h"
 #include "histogram/tool_histo.h"
 #include "histogram/tool_histo_messages.h"
 
@@ -39,22 +38,6 @@ Vector_N* Parameters_Make() {
         vector = nullptr;
     }
     return vector;
-}
-
-void Delete_Because(Histo_Data& data, Histo_Peak* peak, const char* format, va_list arguments) {
-    char reason[REASON_SIZE] = {};
-    std::vsnprintf(reason, sizeof reason, format, arguments);
-    Error_Fct(hwnd, TRACE_DELETE, "******* Delete peak at %.2f: %s", (*peak->param)[PEAK_CENTRE], reason);
-    if (peak->prev == nullptr) {
-        data.peak_first = peak->next;
-    } else {
-        peak->prev->next = peak->next;
-    }
-    if (peak->next != nullptr) {
-        peak->next->prev = peak->prev;
-    }
-    Peak_Free(peak);
-    --data.peak_nb;
 }
 
 }  // namespace
@@ -90,10 +73,6 @@ void Peak_Free(Histo_Peak* peak) {
     delete peak;
 }
 
-void Peak_Append(Tool_Histo& panel, Histo_Peak*& tail, Histo_Peak* peak) {
-    Peak_Append(*panel.data, tail, peak);
-}
-
 void Peak_Append(Histo_Data& data, Histo_Peak*& tail, Histo_Peak* peak) {
     if (tail == nullptr) {
         data.peak_first = peak;
@@ -119,13 +98,20 @@ double* Peak_Curve(std::uint8_t type, int n, Vector_N& param) {
     }
     auto* curve = new (std::nothrow) double[static_cast<std::size_t>(n > 0 ? n : 0)];
     if (curve == nullptr) {
-        Error_Fct(hwnd, MESSAGE_MEMORY, HISTO_MESSAGE_NEW, LINE_CURVE, TOOL_HISTO_PEAK_SOURCE);
+        Histo_Report_New(LINE_CURVE, TOOL_HISTO_PEAK_SOURCE);
         return nullptr;
     }
     for (int bin = 0; bin < n; ++bin) {
         curve[bin] = Peak_Value(type, static_cast<double>(bin), param);
     }
     return curve;
+}
+
+Bin_Span Peak_Support(const Histo_Peak& peak, int nb_bins) {
+    if (peak.type != PEAK_GAUSS || peak.fct_value != Peak_Value) {
+        return {0, nb_bins - 1};
+    }
+    return Gauss_Support(Parameters_Of(*peak.param), nb_bins);
 }
 
 int Peak_Is_Zero_Peak(int n, const float* derivative, int x, int gap, float slope) {
@@ -142,16 +128,54 @@ int Peak_Is_Data_Peak(int n, const double* filtered, int x, int half, float min_
     return static_cast<float>(peak.drop) >= min_drop ? 1 : 0;
 }
 
-void Peak_Delete(Tool_Histo& panel, Histo_Peak* peak, const char* format, ...) {
+void Peak_Delete(Histo_Data& data, Histo_Peak* peak, const char* format, ...) {
+    char reason[REASON_SIZE] = {};
     va_list arguments;
     va_start(arguments, format);
-    Delete_Because(*panel.data, peak, format, arguments);
+    std::vsnprintf(reason, sizeof reason, format, arguments);
     va_end(arguments);
+    Error_Fct(hwnd, TRACE_DELETE, "******* Delete peak at %.2f: %s", (*peak->param)[PEAK_CENTRE], reason);
+    if (peak->prev == nullptr) {
+        data.peak_first = peak->next;
+    } else {
+        peak->prev->next = peak->next;
+    }
+    if (peak->next != nullptr) {
+        peak->next->prev = peak->prev;
+    }
+    Peak_Free(peak);
+    --data.peak_nb;
 }
 
-void Peak_Delete(Histo_Data& data, Histo_Peak* peak, const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    Delete_Because(data, peak, format, arguments);
-    va_end(arguments);
+bool Peak_Analysis_Begin(Histo_Data& data, int n, const Peak_Report& report) {
+    data.Peaks_Free();
+    data.Curves_Free();
+    const auto bins = static_cast<std::size_t>(n > 0 ? n : 0);
+    data.filtered = new (std::nothrow) double[bins];
+    data.derivative = new (std::nothrow) float[bins]();
+    if (data.filtered == nullptr || data.derivative == nullptr) {
+        Histo_Report_New(report.line, report.source);
+        data.Curves_Free();
+        return false;
+    }
+    data.curve_nb = n;
+    return true;
+}
+
+void Peak_Curves_Make(Histo_Data& data, const Peak_Report& report) {
+    for (Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next) {
+        peak->curve = new (std::nothrow) float[static_cast<std::size_t>(data.curve_nb)]();
+        if (peak->curve == nullptr) {
+            Histo_Report_New(report.line, report.source);
+            return;
+        }
+        peak->nb_pts = data.curve_nb;
+        if (peak->fct_value == nullptr) {
+            continue;
+        }
+        const Bin_Span support = Peak_Support(*peak, data.curve_nb);
+        for (int i = support.first; i <= support.last; ++i) {
+            peak->curve[i] = static_cast<float>(peak->fct_value(peak->type, i, *peak->param));
+        }
+    }
 }

@@ -24,17 +24,13 @@ namespace {
 constexpr std::uint32_t COLOR_FILTERED = 0xFF00FF;
 constexpr std::uint32_t COLOR_FIT_SUM = 0xFFA000;
 constexpr std::uint32_t COLOR_DERIVATIVE = 0xD8D8D8;
-constexpr std::uint32_t SHADE_OPACITY = 84;    // of 256: a TAG's colour above the counts
-constexpr std::uint32_t COUNTS_OPACITY = 190;  // of 256: and below them
-constexpr int TRACED_CURVES = 1;               // trace level that shows the curves of the analysis
-constexpr int FONT_HEIGHT = 12;                // pixels, where the box has none
-constexpr int LABEL_HEIGHT_MIN = 10;           // pixels, of a peak's label in a small plot
-constexpr int AXIS_HEIGHT_MIN = 8;             // pixels, of an axis's numbers
-constexpr int AXIS_TICK_ROOM = 11;             // pixels of the left margin that ticks and gaps take
-constexpr int AXIS_EMS_TENTHS = 31;            // a line of the title and four characters beside each other
-constexpr int LABEL_LINES = 16;                // lines of labels that a plot is at least high
-constexpr int LABEL_COLUMNS = 40;              // and wide
-constexpr int FONT_PER_PIXEL = 16;             // lines grow by a pixel with so many of the font's
+constexpr std::uint32_t HALF_TONE_REST = 0x000000;  // the other pixels of a TAG's half-tone
+constexpr int TRACED_CURVES = 1;                    // trace level that shows the curves of the analysis
+constexpr int FONT_HEIGHT = 12;                     // pixels, where the host has none
+constexpr int LABEL_HEIGHT_MIN = 10;                // pixels, of a peak's label in a small plot
+constexpr int LABEL_LINES = 16;                     // lines of labels that a plot is at least high
+constexpr int LABEL_COLUMNS = 40;                   // and wide
+constexpr int FONT_PER_PIXEL = 16;                  // lines grow by a pixel with so many of the font's
 constexpr const char* NOTE_OUTSIDE = "No counts here: Reset Zoom shows all";
 constexpr const char* NOTE_NO_PIXELS = "No range of grey levels and counts to plot";
 /** XOR of the marks: flips the top bit of each component, so that a mark stands out by half the range on any colour. */
@@ -96,28 +92,14 @@ Plot_Grid Grid_Of(const Histo_Record& record) {
 }
 
 int Thickness(const Histo_Plot_Scene& scene) {
-    return std::max((scene.box.font_scale + FONT_PER_PIXEL / 2) / FONT_PER_PIXEL, 1);
+    return std::max((scene.font_height + FONT_PER_PIXEL / 2) / FONT_PER_PIXEL, 1);
 }
 
-/** Height of the peaks' labels: the box's font where the plot has room for it. */
+/** Height of the peaks' labels: the host's font where the plot has room for it. */
 int Label_Height(const Histo_Plot_Scene& scene) {
-    const int wanted = scene.box.font_scale > 0 ? scene.box.font_scale : FONT_HEIGHT;
+    const int wanted = scene.font_height > 0 ? scene.font_height : FONT_HEIGHT;
     const int room = std::min(scene.area.height / LABEL_LINES, scene.area.width / LABEL_COLUMNS);
     return std::min(wanted, std::max(room, LABEL_HEIGHT_MIN));
-}
-
-/** The plot box as far as the axes may use it: not under the controls, and with a font whose numbers fit beside the
- * title in the left margin. */
-Boxs Axes_Box(const Histo_Plot_Scene& scene) {
-    Boxs box = scene.box;
-    const Plot_Area uncovered = Plot_Window_Area(scene.box, nullptr, nullptr);
-    const int margin = scene.box.y + scene.box.height - (uncovered.bottom + uncovered.height);
-    const int top = std::min(scene.area.bottom + scene.area.height + margin, scene.box.y + scene.box.height);
-    box.height = static_cast<short>(top - scene.box.y);
-    const int left = scene.area.left - scene.box.x - AXIS_TICK_ROOM;
-    const int wanted = scene.box.font_scale > 0 ? scene.box.font_scale : FONT_HEIGHT;
-    box.font_scale = static_cast<short>(std::min(wanted, std::max(left * 10 / AXIS_EMS_TENTHS, AXIS_HEIGHT_MIN)));
-    return box;
 }
 
 std::uint32_t Ground_Pixel(const Boxs& box) {
@@ -151,7 +133,7 @@ void Draw_Note(HDC dc, const Histo_Plot_Scene& scene, RECT place, const char* te
     ::DrawTextA(dc, text, -1, &place, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX);
 }
 
-/** Counts without extent have no axes and no curve: one bin, or none that was counted. */
+/** Counts without extent have no curve: one bin, or none that was counted. */
 void Draw_Extentless(HDC dc, const Histo_Plot_Scene& scene, const RECT& place, const Histo_Record& record) {
     std::array<char, 96> text{};
     if (record.nb_bins == 1 && record.max_count > 0) {
@@ -205,18 +187,20 @@ int Rounded_Bin(const Plot_Scale& scale, float level) {
     return scale.Level_To_Bin(std::trunc(level + 0.5F));
 }
 
-/** Ground and TAG bands: later bands hide earlier ones. Under the counts a band is stronger than above them. */
+/** Ground and TAG bands: later bands hide earlier ones. As in the panel a band is a half-tone of the TAG's colour,
+ * every other pixel black, and the colour itself under the counts. */
 void Draw_Ground(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Columns& columns,
                  const Histo_Plot_Scene& scene) {
     const std::uint32_t ground = Ground_Pixel(scene.box);
     const auto width = static_cast<std::size_t>(picture.Width());
-    std::vector<std::uint32_t> shade(width, ground);
+    std::vector<std::uint32_t> even(width, ground);
     if (!scene.tag || panel.range_nb == 0) {
-        picture.Columns_Fill(shade);
+        picture.Rows_Fill(even, even);
         return;
     }
     const Histo_Record& record = *panel.data->record;
     const Plot_Scale scale({}, {record.nb_bins, record.origin, record.bin_width}, 0.0F);
+    std::vector<std::uint32_t> odd(width, ground);
     std::vector<std::uint32_t> under(width, ground);
     std::vector<bool> banded(width, false);
     Histo_Tag_Colors colors;
@@ -232,12 +216,13 @@ void Draw_Ground(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Colum
         // A band that is narrower than a column still shows.
         const int end = std::min(std::max(columns.Bin_Column(last + 1), begin + 1), picture.Width());
         for (auto column = static_cast<std::size_t>(begin); static_cast<int>(column) < end; ++column) {
-            shade[column] = Pixel_Blend(ground, pixel, SHADE_OPACITY);
-            under[column] = Pixel_Blend(ground, pixel, COUNTS_OPACITY);
+            even[column] = column % 2 == 0 ? pixel : HALF_TONE_REST;
+            odd[column] = column % 2 == 0 ? HALF_TONE_REST : pixel;
+            under[column] = pixel;
             banded[column] = true;
         }
     }
-    picture.Columns_Fill(shade);
+    picture.Rows_Fill(even, odd);
     Column_Spans bars = columns.Stepped(Histo_Band_Counts(record, panel.color_component), record.nb_bins);
     const int base = columns.Frame().Row(0.0);
     for (std::size_t column = 0; column < width; ++column) {
@@ -367,26 +352,28 @@ int Histo_Plot_Draw(const Tool_Histo& panel, const Histo_Plot_Scene& scene) {
     if (panel.data == nullptr || !panel.data->Has_Counts()) {
         return 0;
     }
-    const Plot_Frame frame = Frame_Of(scene);
     const Plot_DC dc(scene, "tool_histo_blow: Histo_Plot_Draw");
-    if (dc.Get() == nullptr || scene.area.Is_Empty()) {
+    if (dc.Get() == nullptr) {
         return 1;
     }
+    // Whatever the ranges are: an axis without an extent is left out by the graph library, not by its caller.
+    const Plot_Area area{scene.area.left, scene.area.bottom, scene.area.width, scene.area.height};
+    Plot_Window_Axes_X(dc.Get(), scene.box, area, panel.x_label, scene.x.start, scene.x.end);
+    Plot_Window_Axes_Y(dc.Get(), scene.box, area, panel.y_label, scene.y.start, scene.y.end);
+    if (scene.area.Is_Empty()) {
+        return 1;
+    }
+    dc.Device_Units();
+    const Plot_Frame frame = Frame_Of(scene);
     if (frame.Is_Empty()) {
-        dc.Device_Units();
         Draw_Extentless(dc.Get(), scene, {dc.Left(), dc.Top(), dc.Left() + frame.width, dc.Top() + frame.height},
                         *panel.data->record);
         return 1;
     }
-    const Plot_Area area{scene.area.left, scene.area.bottom, scene.area.width, scene.area.height};
-    const Boxs box = Axes_Box(scene);
-    Plot_Window_Axes_X(dc.Get(), box, area, panel.x_label, scene.x.start, scene.x.end);
-    Plot_Window_Axes_Y(dc.Get(), box, area, panel.y_label, scene.y.start, scene.y.end);
-    dc.Device_Units();
     try {
         Draw_Area(dc, panel, scene, frame);
     } catch (const std::bad_alloc&) {
-        Error_Fct(hwnd, MESSAGE_MEMORY, HISTO_MESSAGE_NEW, __LINE__, TOOL_HISTO_SOURCE);
+        Histo_Report_New(__LINE__, TOOL_HISTO_SOURCE);
     }
     return 1;
 }

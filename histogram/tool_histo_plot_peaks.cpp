@@ -6,7 +6,6 @@
 
 #include "histogram/histo_colors.h"
 #include "histogram/peak_labels.h"
-#include "histogram/peak_shapes.h"
 #include "histogram/tool_histo.h"
 #include "histogram/tool_histo_peak.h"
 
@@ -26,14 +25,6 @@ std::uint32_t Peak_Pixel(std::size_t index) {
 
 int Values_Nb(const Histo_Peak& peak, const Plot_Columns& columns) {
     return peak.curve != nullptr ? std::min<int>(peak.nb_pts, columns.Grid().nb_bins) : 0;
-}
-
-/** The bins in which a fit's curve can differ from 0. */
-Bin_Span Support(const Histo_Peak& peak, int nb) {
-    if (peak.type != PEAK_GAUSS) {
-        return {0, nb - 1};
-    }
-    return Gauss_Support({(*peak.param)[PEAK_CENTRE], (*peak.param)[PEAK_AMPLITUDE], (*peak.param)[PEAK_WIDTH]}, nb);
 }
 
 /** A label over a position, in bins; a bin's value stands at its middle. */
@@ -125,7 +116,7 @@ void Histo_Plot_Peaks::Fits_Add(const Tool_Histo& panel, const Plot_Columns& col
     for (const Histo_Peak* peak = panel.data->peak_first; peak != nullptr; peak = peak->next) {
         const std::size_t color = index++;
         const int nb = Values_Nb(*peak, columns);
-        const Bin_Span support = Support(*peak, nb);
+        const Bin_Span support = Peak_Support(*peak, nb);
         if (nb <= 0 || support.first > support.last) {
             continue;
         }
@@ -155,7 +146,7 @@ void Histo_Plot_Peaks::Sum_Add(const Tool_Histo& panel, const Plot_Columns& colu
     }
     std::vector<float> sum(static_cast<std::size_t>(nb_bins), 0.0F);
     for (const Histo_Peak* peak = first; peak != nullptr; peak = peak->next) {
-        const Bin_Span support = Support(*peak, Values_Nb(*peak, columns));
+        const Bin_Span support = Peak_Support(*peak, Values_Nb(*peak, columns));
         for (int bin = support.first; bin <= support.last; ++bin) {
             sum[static_cast<std::size_t>(bin)] += peak->curve[bin];
         }

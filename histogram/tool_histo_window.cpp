@@ -79,19 +79,23 @@ bool Histo_Window_Exists() {
 
 void Histo_Window_Open(Tool_Histo& panel) {
     if (histo_blow.window != nullptr) {
-        ::EnableWindow(histo_blow.window, TRUE);
-        ::ShowWindow(histo_blow.window, SW_SHOW);
-        ::SetWindowPos(histo_blow.window, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+        // Each of these tells other windows, which may close this one.
+        const HWND window = histo_blow.window;
+        ::EnableWindow(window, TRUE);
+        ::ShowWindow(window, ::IsIconic(window) != 0 ? SW_RESTORE : SW_SHOW);
+        ::SetWindowPos(window, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
         return;
     }
     histo_blow.panel = &panel;
-    // Messages arrive before the creating call returns, so the window procedure stores the handle itself.
-    HWND window =
+    // Messages arrive before the creating call returns, so the window procedure stores the handle itself; it has
+    // dropped it again when the panel or the window went meanwhile.
+    const HWND window =
         ::CreateWindowExA(EXTENDED_STYLE, CLASS_NAME, WINDOW_TITLE, WS_VISIBLE | WS_OVERLAPPEDWINDOW, CW_USEDEFAULT,
                           CW_USEDEFAULT, FIRST_WIDTH, FIRST_HEIGHT, nullptr, nullptr, class_instance, nullptr);
-    histo_blow.window = window;
-    if (window == nullptr) {
+    if (window == nullptr && histo_blow.window == nullptr) {
         histo_blow.panel = nullptr;
+    }
+    if (window == nullptr || histo_blow.window != window) {
         return;
     }
     Histo_Blow_Touch_Register(window);

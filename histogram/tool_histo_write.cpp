@@ -6,10 +6,10 @@
 #include <cwchar>
 #include <memory>
 
+#include "histogram/histo_peak.h"
 #include "histogram/plot_scale.h"
 #include "histogram/tool_histo.h"
 #include "histogram/tool_histo_messages.h"
-#include "histogram/tool_histo_peak.h"
 #include "host/kit_common.h"
 #include "host/kit_dataset.h"
 #include "panels/protocol/host_variables.h"
@@ -185,7 +185,9 @@ int Tool_Histo::Write(const char* path) {
     const auto code =
         reinterpret_cast<std::uintptr_t>(Fct_Variable_Value("$REGIONAL_SEPARATOR", nullptr, nullptr, nullptr)) & 0xFF;
     const char separator = code == 0 ? '\t' : static_cast<char>(code);
-    if (data == nullptr || !data->Has_Counts()) {
+    // What is told may let the host destroy the panel.
+    const std::shared_ptr<Histo_Data> written_data = data;
+    if (written_data == nullptr || !written_data->Has_Counts()) {
         Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 No histogram to export!");
         return 0;
     }
@@ -204,10 +206,10 @@ int Tool_Histo::Write(const char* path) {
     Tag_Columns tags;
     tags.Look_Up();
     Write_Heading(file.get(), separator, frames);
-    Write_Column_Names(file.get(), separator, data->filtered != nullptr, tags);
-    Write_Bins(file.get(), separator, *data, tags);
-    if (data->peak_nb != 0) {
-        Write_Peaks(file.get(), separator, *data);
+    Write_Column_Names(file.get(), separator, written_data->filtered != nullptr, tags);
+    Write_Bins(file.get(), separator, *written_data, tags);
+    if (written_data->peak_nb != 0) {
+        Write_Peaks(file.get(), separator, *written_data);
     }
     // A full disk shows when the last buffer is written, at the latest when the file is closed.
     bool written = std::fflush(file.get()) == 0 && std::ferror(file.get()) == 0;

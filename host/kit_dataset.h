@@ -346,8 +346,9 @@ class KIT_DATASET_API Quorel_2D_Frame {
     Quorel_2D_Frame(const Quorel_2D_Frame&) = delete;
     Quorel_2D_Frame& operator=(const Quorel_2D_Frame&) = delete;
 
-    /** The stored histogram, null when there is none. Belongs to the frame's maker: the kit frees only
-     * the one that it built itself. */
+    /** The stored histogram, null when there is none. Belongs to the frame's maker: the kit frees only the one that it
+     * built itself. The record and its arrays must stay as they are until the iterator that gave the frame has ended:
+     * a panel may read the counts of several frames at once. */
     Histo_Record* Histogram_Get() { return histogram; }
     /** The stored value at a position: grey: the stored level; colour: red in the low byte, green, blue above.
      * SAMPLE_OUTSIDE or more: outside.

@@ -38,9 +38,10 @@ void Application::Menu_Refresh(HMENU menu) {
     Check(menu, Command::MARKER_MODE, is_marker_mode);
     Check(menu, Command::OVERLAY, is_overlay_shown);
     const bool is_all = histogram_first == 0 && histogram_last == session.Slice_Nb() - 1;
-    Check(menu, Command::HISTOGRAM_ALL, is_all && !is_histogram_of_shown);
+    const bool is_range = !is_histogram_of_shown && !is_histogram_of_checked;
+    Check(menu, Command::HISTOGRAM_ALL, is_range && is_all);
     Check(menu, Command::HISTOGRAM_SHOWN, is_histogram_of_shown);
-    Check(menu, Command::HISTOGRAM_RANGE, !is_all && !is_histogram_of_shown);
+    Check(menu, Command::HISTOGRAM_RANGE, is_range && !is_all);
     Check(menu, Command::HISTOGRAM_OF_TAG, is_histogram_of_tag);
     Check(menu, Command::HISTOGRAM_SMOOTHED, is_histogram_smoothed);
     Check(menu, Command::RANGE_OVERLAY, is_range_shown);

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "histogram/tool_histo_peak.h"
+#include "histogram/histo_peak.h"
 #include "workbench/analysis/export_check.h"
 #include "workbench/application.h"
 #include "workbench/model/text_file.h"

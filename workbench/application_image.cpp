@@ -76,7 +76,7 @@ void Application::Slice_Show(int wanted, bool tell_panels) {
     if (!session.Has_Volume()) {
         return;
     }
-    session.Stroke_End();
+    Stroke_End();
     slice = std::clamp(wanted, 0, session.Slice_Nb() - 1);
     objects.Show(slice);
     unsigned __int64 flags = UPDATE_FRAME_CUR;

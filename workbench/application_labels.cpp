@@ -114,6 +114,7 @@ void Application::Load_Labels(const std::filesystem::path& path) {
     }
     image.Refresh();
     Title_Refresh();
+    Histogram_Tag_Refresh();
     Status(L"Labels loaded from " + Wide_Of_Utf8(File_Name_Text(path)));
 }
 

@@ -26,6 +26,7 @@ int Application::Propagate(int from, int to) {
     Status(text);
     image.Refresh();
     Title_Refresh();
+    Histogram_Tag_Refresh();
     return static_cast<int>(std::min<std::size_t>(carried, INT_MAX));
 }
 

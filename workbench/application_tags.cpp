@@ -185,6 +185,7 @@ void Application::Undo_Or_Redo(bool redo) {
     unsigned __int64 flags = 0;
     if (const auto* pixels = std::get_if<Slice_Change>(&done.change)) {
         Slice_Show(pixels->slice, true);
+        Histogram_Tag_Refresh();
     } else if (const auto* text = std::get_if<Text_Change>(&done.change)) {
         const std::optional<std::string>& value = redo ? text->after : text->before;
         const char* label = value ? value->c_str() : nullptr;

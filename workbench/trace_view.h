@@ -5,6 +5,7 @@
 #include <string>
 
 #include "workbench/look.h"
+#include "workbench/model/wheel_notches.h"
 #include "workbench/window_base.h"
 
 /** Keeps the last lines always, also while it is hidden. */
@@ -35,4 +36,5 @@ class Trace_View : public Window_Base {
     const Look& look;
     std::deque<Entry> entries;
     int back = 0;  ///< lines scrolled back from the newest
+    Wheel_Lines wheel{3};
 };

@@ -4,6 +4,7 @@
 
 #include <random>
 
+#include "histogram/tool_histo_paint.h"
 #include "tests/benchmarks/ratio.h"
 #include "tests/histogram/histo_scene.h"
 #include "tests/support/panel_stage.h"

@@ -1,17 +1,28 @@
-/** A histogram panel with given counts and a record of what it reports: for tests of the peak analysis. */
+/** The data of a histogram panel with given counts, and a record of what is reported: for tests of the peak analysis.
+ */
 #pragma once
 
-#include <cstring>
+#include <algorithm>
 #include <string>
 #include <vector>
 
 #include "histogram/tool_histo.h"
+#include "histogram/tool_histo_fit.h"
 #include "histogram/tool_histo_peak.h"
 #include "kits/common/messages.h"
 
 struct Reported {
     int level = 0;
     std::string text;
+};
+
+/** As much of a panel as an analysis has to do with: it builds where there are no windows. */
+struct Analysed_Panel {
+    std::shared_ptr<Histo_Data> data = std::make_shared<Histo_Data>();
+    unsigned char color_component = 0;
+
+    int Fit_Derivative(unsigned char max_peak) { return Histo_Fit_Derivative(data, color_component, max_peak); }
+    int Fit_Gaussian() { return Histo_Fit_Gaussian(data, color_component); }
 };
 
 class Analysis_Panel {
@@ -31,7 +42,7 @@ class Analysis_Panel {
         data.record->nb_bins = static_cast<std::uint16_t>(counts.size());
         data.record->bin_width = 1.0F;
         data.record->counts = new std::uint32_t[counts.size()];
-        std::memcpy(data.record->counts, counts.data(), counts.size() * sizeof(std::uint32_t));
+        std::copy(counts.begin(), counts.end(), data.record->counts);
     }
     Histo_Data& Data() { return *panel.data; }
     std::vector<const Histo_Peak*> Peaks() const {
@@ -68,7 +79,7 @@ class Analysis_Panel {
         return false;
     }
 
-    Tool_Histo panel;
+    Analysed_Panel panel;
     std::vector<Reported> reported;
 
   private:

@@ -77,6 +77,37 @@ TEST(Blow_Layout, a_narrow_window_has_more_rows) {
     EXPECT_EQ(layout.select[0].width, 298 - 8);
 }
 
+TEST(Blow_Layout, selectors_stack_only_where_their_part_of_the_row_cannot_hold_their_texts) {
+    // The longest caption takes 7.3 letter heights, and the choice gets as much room.
+    const auto texts = [](int font) { return font * 146 / 10 + 16; };
+    for (const int percent : {100, 150, 200}) {
+        for (const int select_nb : {2, 3}) {
+            for (int width = 300 * percent / 100; width < 1600; width += 13) {
+                const Blow_Metrics metrics = Metrics(width, 4000, percent, select_nb);
+                const Blow_Layout layout = Blow_Layout_Make(metrics);
+                const int slot = (width - 2 - (select_nb + 1) * metrics.space) / select_nb;
+                const bool is_one_row = layout.select[0].y == layout.select[static_cast<std::size_t>(select_nb - 1)].y;
+                ASSERT_EQ(is_one_row, slot >= texts(metrics.font_height))
+                    << width << " " << percent << " " << select_nb;
+                ASSERT_GE(layout.select[0].width - 2 * layout.select_arrow, texts(layout.select_font)) << width;
+            }
+        }
+    }
+    // Arrows give way to texts, down to none.
+    EXPECT_EQ(Blow_Layout_Make(Metrics(690, 900, 100, 3)).select_arrow, 9);
+    EXPECT_EQ(Blow_Layout_Make(Metrics(660, 900, 100, 3)).select_arrow, 0);
+}
+
+TEST(Blow_Layout, letters_of_the_axes_fit_into_the_margin) {
+    EXPECT_EQ(Blow_Axis_Font(13, 54, 250), 13);
+    EXPECT_EQ(Blow_Axis_Font(26, 54, 250), 13);
+    EXPECT_EQ(Blow_Axis_Font(13, 46, 250), 11);
+    EXPECT_EQ(Blow_Axis_Font(13, 54, 60), 10) << "the title has no room beside a low area";
+    EXPECT_EQ(Blow_Axis_Font(13, 10, 5), 8) << "smaller ones cannot be read";
+    EXPECT_EQ(Blow_Axis_Font(0, 54, 250), 0) << "the library's own";
+    EXPECT_EQ(Blow_Axis_Font(0, 40, 250), 9);
+}
+
 TEST(Blow_Layout, the_smallest_window_keeps_rows_for_data_at_every_scaling) {
     for (const int percent : {100, 150, 200}) {
         const Blow_Layout layout = Blow_Layout_Make(Metrics(300, 200, percent, 3));

@@ -133,19 +133,19 @@ TEST_F(Blow_Pointer, a_quit_that_waits_is_not_swallowed) {
 
 TEST_F(Blow_Pointer, two_fingers_that_part_zoom_in_and_drop_pending_mouse_moves) {
     Zoom_Middle();
-    const float scale_x = histo_blow.view.Scale_X();
-    const float scale_y = histo_blow.view.Scale_Y();
-    const float origin_x = histo_blow.view.Origin_X();
+    const float scale_x = histo_blow.view.X().at.scale;
+    const float scale_y = histo_blow.view.Y().at.scale;
+    const float origin_x = histo_blow.view.X().at.origin;
     Fingers(200, 200, 400, 300);
-    EXPECT_EQ(histo_blow.view.Scale_X(), scale_x) << "two fingers have just come down";
+    EXPECT_EQ(histo_blow.view.X().at.scale, scale_x) << "two fingers have just come down";
     Mark_Set();
     ::PostMessageA(Window(), WM_MOUSEMOVE, 0, Client_Place(10, 10));
     Fingers(195, 200, 405, 300);
     EXPECT_EQ(Pending(WM_MOUSEMOVE), 0);
     EXPECT_TRUE(Mark_Gone());
-    EXPECT_NEAR(histo_blow.view.Scale_X(), scale_x / 1.05F, 1e-4F * scale_x);
-    EXPECT_EQ(histo_blow.view.Scale_Y(), scale_y);
-    EXPECT_EQ(histo_blow.view.Origin_X(), origin_x) << "their middle has not moved";
+    EXPECT_NEAR(histo_blow.view.X().at.scale, scale_x / 1.05F, 1e-4F * scale_x);
+    EXPECT_EQ(histo_blow.view.Y().at.scale, scale_y);
+    EXPECT_EQ(histo_blow.view.X().at.origin, origin_x) << "their middle has not moved";
     ::PostMessageA(Window(), WM_MOUSEMOVE, 0, Client_Place(10, 10));
     pointers.fingers = {{1, 190, 200, true}, {2, 405, 300, false}};
     Send(WM_TOUCH, 2, 0);
@@ -154,29 +154,30 @@ TEST_F(Blow_Pointer, two_fingers_that_part_zoom_in_and_drop_pending_mouse_moves)
 
 TEST_F(Blow_Pointer, two_fingers_that_move_together_pan) {
     Zoom_Middle();
-    const float scale_x = histo_blow.view.Scale_X();
-    const float scale_y = histo_blow.view.Scale_Y();
-    const float origin_x = histo_blow.view.Origin_X();
-    const float origin_y = histo_blow.view.Origin_Y();
+    const float scale_x = histo_blow.view.X().at.scale;
+    const float scale_y = histo_blow.view.Y().at.scale;
+    const float origin_x = histo_blow.view.X().at.origin;
+    const float origin_y = histo_blow.view.Y().at.origin;
     Fingers(200, 200, 400, 300);
     Fingers(210, 206, 410, 306);
-    EXPECT_NEAR(histo_blow.view.Origin_X(), origin_x - 10.0F * scale_x, 1e-3F * scale_x);
-    EXPECT_NEAR(histo_blow.view.Origin_Y(), origin_y + 6.0F * scale_y, 1e-3F * scale_y) << "fingers go down the screen";
-    EXPECT_EQ(histo_blow.view.Scale_X(), scale_x);
+    EXPECT_NEAR(histo_blow.view.X().at.origin, origin_x - 10.0F * scale_x, 1e-3F * scale_x);
+    EXPECT_NEAR(histo_blow.view.Y().at.origin, origin_y + 6.0F * scale_y, 1e-3F * scale_y)
+        << "fingers go down the screen";
+    EXPECT_EQ(histo_blow.view.X().at.scale, scale_x);
 }
 
 TEST_F(Blow_Pointer, gestures_beyond_their_limits_are_ignored) {
     Zoom_Middle();
-    const float scale = histo_blow.view.Scale_X();
-    const float origin = histo_blow.view.Origin_X();
+    const float scale = histo_blow.view.X().at.scale;
+    const float origin = histo_blow.view.X().at.origin;
     for (const float factor : {0.05F, 0.0F, -1.0F, 1.101F, 20.0F, std::nanf("")}) {
         EXPECT_EQ(Histo_Blow_Pinch({factor, 1.0F, 9.0F, 9.0F}), 0) << factor;
         EXPECT_EQ(Histo_Blow_Pinch({1.0F, factor, 9.0F, 9.0F}), 0) << factor;
     }
-    EXPECT_EQ(histo_blow.view.Scale_X(), scale);
-    EXPECT_EQ(histo_blow.view.Origin_X(), origin);
+    EXPECT_EQ(histo_blow.view.X().at.scale, scale);
+    EXPECT_EQ(histo_blow.view.X().at.origin, origin);
     EXPECT_EQ(Histo_Blow_Pinch({1.1F, 0.09F, 0.0F, 0.0F}), 1);
-    EXPECT_FLOAT_EQ(histo_blow.view.Scale_X(), scale / 1.1F);
+    EXPECT_FLOAT_EQ(histo_blow.view.X().at.scale, scale / 1.1F);
 }
 
 TEST_F(Blow_Pointer, a_pinch_pans_no_further_than_the_data) {
@@ -185,11 +186,13 @@ TEST_F(Blow_Pointer, a_pinch_pans_no_further_than_the_data) {
         Histo_Blow_Pinch({1.0F, 1.0F, -100.0F, 100.0F});
     }
     const Blow_View& view = histo_blow.view;
-    EXPECT_FLOAT_EQ(view.Origin_X(), view.Full_X().end - static_cast<float>(histo_blow.area.width) * view.Scale_X());
-    EXPECT_FLOAT_EQ(view.Origin_Y(), view.Full_Y().end - static_cast<float>(histo_blow.area.height) * view.Scale_Y());
+    EXPECT_FLOAT_EQ(view.X().at.origin,
+                    view.X().full.end - static_cast<float>(histo_blow.area.width) * view.X().at.scale);
+    EXPECT_FLOAT_EQ(view.Y().at.origin,
+                    view.Y().full.end - static_cast<float>(histo_blow.area.height) * view.Y().at.scale);
     for (int i = 0; i < 100; ++i) {
         Histo_Blow_Pinch({1.0F, 1.0F, 100.0F, -100.0F});
     }
-    EXPECT_EQ(view.Origin_X(), view.Full_X().start);
-    EXPECT_EQ(view.Origin_Y(), view.Full_Y().start);
+    EXPECT_EQ(view.X().at.origin, view.X().full.start);
+    EXPECT_EQ(view.Y().at.origin, view.Y().full.start);
 }

@@ -187,7 +187,7 @@ class Blow_Stage : public testing::Test {
             (*peak->param)[PEAK_CENTRE] = 20.0 + 10.0 * i;
             (*peak->param)[1] = type == PEAK_SEGMENT ? 18.0 + 10.0 * i : 500.0;
             (*peak->param)[2] = type == PEAK_SEGMENT ? 22.0 + 10.0 * i : 3.0;
-            Peak_Append(to, tail, peak);
+            Peak_Append(*to.data, tail, peak);
         }
     }
 

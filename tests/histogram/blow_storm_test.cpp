@@ -35,11 +35,11 @@ struct Shown {
 
 Shown Shown_X() {
     const Blow_View& view = histo_blow.view;
-    return {view.Visible_X(), view.Full_X(), histo_blow.area.left, histo_blow.area.width};
+    return {view.Visible_X(), view.X().full, histo_blow.area.left, histo_blow.area.width};
 }
 Shown Shown_Y() {
     const Blow_View& view = histo_blow.view;
-    return {view.Visible_Y(), view.Full_Y(), histo_blow.area.bottom, histo_blow.area.height};
+    return {view.Visible_Y(), view.Y().full, histo_blow.area.bottom, histo_blow.area.height};
 }
 
 /** An origin is where the clamp leaves it: not below the full start, and not so far up that the view passes the end. */
@@ -118,8 +118,10 @@ class Blow_Storm : public Blow_Stage {
         }
         const Blow_View& view = histo_blow.view;
         EXPECT_TRUE(view.Is_Zoomed());
-        Expect_Origin_In_Limits(view.Origin_X(), view.Full_X(), view.Scale_X() * static_cast<float>(Shown_X().pixels));
-        Expect_Origin_In_Limits(view.Origin_Y(), view.Full_Y(), view.Scale_Y() * static_cast<float>(Shown_Y().pixels));
+        Expect_Origin_In_Limits(view.X().at.origin, view.X().full,
+                                view.X().at.scale * static_cast<float>(Shown_X().pixels));
+        Expect_Origin_In_Limits(view.Y().at.origin, view.Y().full,
+                                view.Y().at.scale * static_cast<float>(Shown_Y().pixels));
         Expect_Fixed(before_x, Shown_X(), x);
         Expect_Fixed(before_y, Shown_Y(), y);
     }
@@ -141,8 +143,8 @@ class Blow_Storm : public Blow_Stage {
         EXPECT_EQ(done, Can_Zoom() && f <= 1.1F ? 1 : 0);
         if (done != 0 && !x.Is_Empty() && !y.Is_Empty()) {
             // The fingers' way is limited before the scale changes.
-            Expect_Origin_In_Limits(histo_blow.view.Origin_X(), x.full, x.Extent());
-            Expect_Origin_In_Limits(histo_blow.view.Origin_Y(), y.full, y.Extent());
+            Expect_Origin_In_Limits(histo_blow.view.X().at.origin, x.full, x.Extent());
+            Expect_Origin_In_Limits(histo_blow.view.Y().at.origin, y.full, y.Extent());
         }
     }
 
@@ -254,9 +256,9 @@ TEST_F(Blow_Storm, twenty_thousand_random_events_keep_every_invariant) {
         Any_Event();
         ASSERT_NE(Window(), nullptr);
         const Blow_View& view = histo_blow.view;
-        EXPECT_TRUE(std::isfinite(view.Origin_X()) && std::isfinite(view.Origin_Y()));
-        EXPECT_GT(view.Scale_X(), 0.0F);
-        EXPECT_GT(view.Scale_Y(), 0.0F);
+        EXPECT_TRUE(std::isfinite(view.X().at.origin) && std::isfinite(view.Y().at.origin));
+        EXPECT_GT(view.X().at.scale, 0.0F);
+        EXPECT_GT(view.Y().at.scale, 0.0F);
         EXPECT_FALSE(histo_blow.dragging) << "event " << event;
         EXPECT_EQ(Y_DC, nullptr) << "every drawing has ended";
         if (event % 100 == 0) {

@@ -43,20 +43,20 @@ TEST(Blow_View, The_Full_View_Holds_All_Bins_And_A_Margin) {
 
 TEST(Blow_View, A_Rectangle_Becomes_The_View) {
     Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
-    const float scale_x = view.Scale_X();
+    const float scale_x = view.X().at.scale;
     const float start = view.Visible_X().start;
     ASSERT_TRUE(view.Zoom_Rectangle({410, 210, 240, 90}));
     EXPECT_TRUE(view.Is_Zoomed());
     EXPECT_FLOAT_EQ(view.Visible_X().start, start + 150.0F * scale_x);
     EXPECT_FLOAT_EQ(view.Visible_X().end, start + 350.0F * scale_x);
-    EXPECT_FLOAT_EQ(view.Scale_Y(), view.Scale_Y_Max() * 150.0F / 300.0F);
+    EXPECT_FLOAT_EQ(view.Y().at.scale, view.Y().scale_max * 150.0F / 300.0F);
 }
 
 TEST(Blow_View, A_Rectangle_Beyond_The_Plot_Is_Cut_At_It) {
     Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
     ASSERT_TRUE(view.Zoom_Rectangle({0, 2000, 0, 2000}));
-    EXPECT_FLOAT_EQ(view.Scale_X(), view.Scale_X_Max());
-    EXPECT_FLOAT_EQ(view.Visible_X().start, view.Full_X().start);
+    EXPECT_FLOAT_EQ(view.X().at.scale, view.X().scale_max);
+    EXPECT_FLOAT_EQ(view.Visible_X().start, view.X().full.start);
 }
 
 TEST(Blow_View, A_Short_Drag_Does_Not_Zoom) {
@@ -74,41 +74,41 @@ TEST(Blow_View, Many_Rectangles_Stop_Before_The_Scale_Vanishes) {
         ++zooms;
     }
     EXPECT_LT(zooms, 1000);
-    EXPECT_GT(view.Scale_X(), 0.0F);
-    EXPECT_GT(view.Scale_Y(), 0.0F);
+    EXPECT_GT(view.X().at.scale, 0.0F);
+    EXPECT_GT(view.Y().at.scale, 0.0F);
 }
 
 TEST(Blow_View, A_Notch_Forward_Widens_And_A_Notch_Back_Narrows_Around_The_Pointer) {
     for (const int notches : {1, -1, 3, -4}) {
         Blow_View view = Zoomed_View();
-        const float scale_x = view.Scale_X();
-        const float scale_y = view.Scale_Y();
+        const float scale_x = view.X().at.scale;
+        const float scale_y = view.Y().at.scale;
         const int x = 400;
         const int y = 190;
-        const float under_x = view.Origin_X() + static_cast<float>(x - AREA.left) * scale_x;
-        const float under_y = view.Origin_Y() + static_cast<float>(y - AREA.bottom) * scale_y;
+        const float under_x = view.X().at.origin + static_cast<float>(x - AREA.left) * scale_x;
+        const float under_y = view.Y().at.origin + static_cast<float>(y - AREA.bottom) * scale_y;
         view.Zoom_Wheel(notches, x, y);
         const float factor = static_cast<float>(notches + 10) / 10.0F;
-        EXPECT_FLOAT_EQ(view.Scale_X(), scale_x * factor);
-        EXPECT_FLOAT_EQ(view.Scale_Y(), scale_y * factor);
-        EXPECT_NEAR(view.Origin_X() + static_cast<float>(x - AREA.left) * view.Scale_X(), under_x, 1e-3);
-        EXPECT_NEAR(view.Origin_Y() + static_cast<float>(y - AREA.bottom) * view.Scale_Y(), under_y, 1e-3);
+        EXPECT_FLOAT_EQ(view.X().at.scale, scale_x * factor);
+        EXPECT_FLOAT_EQ(view.Y().at.scale, scale_y * factor);
+        EXPECT_NEAR(view.X().at.origin + static_cast<float>(x - AREA.left) * view.X().at.scale, under_x, 1e-3);
+        EXPECT_NEAR(view.Y().at.origin + static_cast<float>(y - AREA.bottom) * view.Y().at.scale, under_y, 1e-3);
     }
 }
 
 TEST(Blow_View, A_Big_Turn_Back_Does_Not_Make_The_View_Vanish) {
     Blow_View view = Zoomed_View();
-    const float scale = view.Scale_X();
+    const float scale = view.X().at.scale;
     view.Zoom_Wheel(-50, 300, 100);
-    EXPECT_FLOAT_EQ(view.Scale_X(), scale * 0.1F);
+    EXPECT_FLOAT_EQ(view.X().at.scale, scale * 0.1F);
 }
 
 TEST(Blow_View, The_Wheel_Never_Widens_Beyond_The_Full_View) {
     Blow_View view = Zoomed_View();
     view.Zoom_Wheel(1000, 100, 100);
-    EXPECT_EQ(view.Scale_X(), view.Scale_X_Max());
-    EXPECT_EQ(view.Origin_X(), view.Full_X().start);
-    EXPECT_FLOAT_EQ(view.Visible_X().end, view.Full_X().end);
+    EXPECT_EQ(view.X().at.scale, view.X().scale_max);
+    EXPECT_EQ(view.X().at.origin, view.X().full.start);
+    EXPECT_FLOAT_EQ(view.Visible_X().end, view.X().full.end);
 }
 
 TEST(Blow_View, A_Zoom_That_Single_Precision_Cannot_Tell_Apart_Is_Refused) {
@@ -129,63 +129,124 @@ TEST(Blow_View, A_Zoom_That_Single_Precision_Cannot_Tell_Apart_Is_Refused) {
     EXPECT_LT(view.Visible_X().end - view.Visible_X().start, 0.01F) << "as deep as there are numbers";
 }
 
-TEST(Blow_View, A_Zoom_Goes_On_From_What_Is_Shown_Where_The_Full_View_Cuts_It_Off) {
-    // Zoomed to the right half; then the area grows, and the view reaches past the full end.
-    for (const int how : {0, 1}) {
+/** A view zoomed to the right half, whose area then grew: the unzoomed view cuts it off. */
+Blow_View Cut_View(const Blow_Area& area) {
+    Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
+    EXPECT_TRUE(view.Zoom_Rectangle({AREA.left + 350, AREA.left + 700, AREA.bottom, AREA.bottom + 300}));
+    view.Full_View_Set(Record_Of(1001, 0.0F, 1.0F, 1000), area);
+    EXPECT_FLOAT_EQ(view.Visible_X().end, view.X().full.end);
+    return view;
+}
+
+TEST(Blow_View, A_Rectangle_Is_The_Part_Of_The_Picture_That_It_Was_Drawn_On) {
+    Blow_Area area = AREA;
+    area.width *= 2;
+    Blow_View view = Cut_View(area);
+    const Blow_Range shown = view.Visible_X();
+    const float extent = shown.end - shown.start;
+    const int x = area.left + area.width / 4;
+    ASSERT_TRUE(view.Zoom_Rectangle({x, x + area.width / 2, 100, 200}));
+    EXPECT_NEAR(view.Visible_X().start, shown.start + extent * 0.25F, 0.01F);
+    EXPECT_NEAR(view.Visible_X().end, shown.start + extent * 0.75F, 0.01F);
+}
+
+TEST(Blow_View, The_Wheel_Begins_From_Where_The_View_Stands_And_Not_From_What_Is_Left_Of_It) {
+    Blow_Area area = AREA;
+    area.width *= 2;
+    Blow_View view = Cut_View(area);
+    const Blow_Step before = view.X().at;
+    view.Zoom_Wheel(-1, area.left + 350, 100);
+    EXPECT_FLOAT_EQ(view.X().at.scale, before.scale * 0.9F);
+    // The view would still pass the end: the clamp takes it back.
+    EXPECT_NEAR(view.X().at.origin, view.X().full.end - static_cast<float>(area.width) * before.scale * 0.9F, 0.001F);
+}
+
+TEST(Blow_View, New_Data_And_A_New_Size_Leave_Where_A_Zoomed_View_Stands) {
+    Blow_View view = Zoomed_View();
+    const Blow_Step x = view.X().at;
+    const Blow_Step y = view.Y().at;
+    view.Full_View_Set(Record_Of(401, 0.0F, 1.0F, 500), {60, 40, 300, 900});
+    EXPECT_EQ(view.X().at.origin, x.origin);
+    EXPECT_EQ(view.X().at.scale, x.scale);
+    EXPECT_EQ(view.Y().at.origin, y.origin);
+    EXPECT_EQ(view.Y().at.scale, y.scale);
+    EXPECT_EQ(view.Visible_Y().end, view.Y().full.end) << "cut off";
+}
+
+TEST(Blow_View, Pinching_Out_From_Anywhere_Ends_In_The_Full_View) {
+    const Blow_Drag drags[] = {
+        {AREA.left + 500, AREA.left + 700, AREA.bottom + 100, AREA.bottom + 300},  // at the right and upper end
+        {AREA.left, AREA.left + 100, AREA.bottom, AREA.bottom + 50},
+        {AREA.left + 300, AREA.left + 400, AREA.bottom + 100, AREA.bottom + 160},
+        {AREA.left + 690, AREA.left + 700, AREA.bottom, AREA.bottom + 300},
+    };
+    for (const Blow_Drag& drag : drags) {
+        SCOPED_TRACE(drag.x_start);
         Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
-        ASSERT_TRUE(view.Zoom_Rectangle({AREA.left + 350, AREA.left + 700, AREA.bottom, AREA.bottom + 300}));
-        Blow_Area area = AREA;
-        area.width *= 2;
-        view.Full_View_Set(Record_Of(1001, 0.0F, 1.0F, 1000), area);
-        const Blow_Range shown = view.Visible_X();
-        ASSERT_FLOAT_EQ(shown.end, view.Full_X().end);
-        const float extent = shown.end - shown.start;
-        const float pointer = shown.start + extent * 0.25F;
-        const int x = area.left + area.width / 4;
-        if (how == 0) {
-            view.Zoom_Wheel(-1, x, 100);
-            const Blow_Range now = view.Visible_X();
-            EXPECT_NEAR(now.start + (now.end - now.start) * 0.25F, pointer, 0.01F);
-            EXPECT_NEAR(now.end - now.start, 0.9F * extent, 0.01F);
-        } else {
-            ASSERT_TRUE(view.Zoom_Rectangle({x, x + area.width / 2, 100, 200}));
-            EXPECT_NEAR(view.Visible_X().start, pointer, 0.01F);
-            EXPECT_NEAR(view.Visible_X().end, pointer + extent / 2, 0.01F);
+        ASSERT_TRUE(view.Zoom_Rectangle(drag));
+        for (int i = 0; i < 60; ++i) {
+            ASSERT_TRUE(view.Zoom_Pinch({0.9F, 0.9F, 0.0F, 0.0F}));
         }
+        EXPECT_EQ(view.X().at.scale, view.X().scale_max);
+        EXPECT_EQ(view.Y().at.scale, view.Y().scale_max);
+        EXPECT_NEAR(view.Visible_X().start, view.X().full.start, 0.001F);
+        EXPECT_NEAR(view.Visible_X().end, view.X().full.end, 0.001F);
+        EXPECT_NEAR(view.Visible_Y().start, view.Y().full.start, 0.001F);
+        EXPECT_NEAR(view.Visible_Y().end, view.Y().full.end, 0.001F);
     }
+}
+
+TEST(Blow_View, A_Pinch_Clamps_By_The_Scale_Of_Before) {
+    Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
+    ASSERT_TRUE(view.Zoom_Rectangle({AREA.left + 350, AREA.left + 700, AREA.bottom + 150, AREA.bottom + 300}));
+    const Blow_Direction x = view.X();
+    const Blow_Direction y = view.Y();
+    ASSERT_TRUE(view.Zoom_Pinch({0.8F, 0.5F, -40.0F, 25.0F}));
+    EXPECT_FLOAT_EQ(view.X().at.origin, x.full.end - 700.0F * x.at.scale) << "moved right, taken back";
+    EXPECT_FLOAT_EQ(view.Y().at.origin, y.full.end - 300.0F * y.at.scale);
+    EXPECT_FLOAT_EQ(view.X().at.scale, x.at.scale / 0.8F);
+    EXPECT_FLOAT_EQ(view.Y().at.scale, y.scale_max) << "limited";
+}
+
+TEST(Blow_View, Data_Without_Bins_Has_No_Extent) {
+    Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
+    view.Full_View_Set(Record_Of(0, 7.0F, 2.0F, 0), AREA);
+    EXPECT_GE(view.Visible_X().start, view.Visible_X().end) << "not what was shown before";
+    view.Zoom_Wheel(-1, 300, 100);
+    EXPECT_FALSE(view.Zoom_Rectangle({100, 300, 100, 200}));
 }
 
 TEST(Blow_View, A_Pinch_Outside_Its_Limits_Is_Ignored) {
     Blow_View view = Zoomed_View();
-    const float scale = view.Scale_X();
+    const float scale = view.X().at.scale;
     const float nan = std::numeric_limits<float>::quiet_NaN();
     for (const Gesture_Record& gesture :
          {Gesture_Record{0.05F, 1.0F, 9.0F, 9.0F}, Gesture_Record{1.0F, 1.2F, 0, 0}, Gesture_Record{nan, 1.0F, 0, 0}}) {
         EXPECT_FALSE(view.Zoom_Pinch(gesture));
-        EXPECT_EQ(view.Scale_X(), scale);
+        EXPECT_EQ(view.X().at.scale, scale);
     }
     EXPECT_TRUE(view.Zoom_Pinch({1.1F, 0.09F, 0.0F, 0.0F})) << "the limits themselves count";
 }
 
 TEST(Blow_View, A_Pinch_Moves_By_The_Old_Scale_And_Divides_It) {
     Blow_View view = Zoomed_View();
-    const float scale_x = view.Scale_X();
-    const float scale_y = view.Scale_Y();
-    const float origin_x = view.Origin_X();
-    const float origin_y = view.Origin_Y();
+    const float scale_x = view.X().at.scale;
+    const float scale_y = view.Y().at.scale;
+    const float origin_x = view.X().at.origin;
+    const float origin_y = view.Y().at.origin;
     ASSERT_TRUE(view.Zoom_Pinch({0.8F, 1.1F, 12.0F, -7.0F}));
-    EXPECT_FLOAT_EQ(view.Origin_X(), origin_x - scale_x * 12.0F);
-    EXPECT_FLOAT_EQ(view.Origin_Y(), origin_y + scale_y * -7.0F);
-    EXPECT_FLOAT_EQ(view.Scale_X(), scale_x / 0.8F);
-    EXPECT_FLOAT_EQ(view.Scale_Y(), scale_y / 1.1F);
+    EXPECT_FLOAT_EQ(view.X().at.origin, origin_x - scale_x * 12.0F);
+    EXPECT_FLOAT_EQ(view.Y().at.origin, origin_y + scale_y * -7.0F);
+    EXPECT_FLOAT_EQ(view.X().at.scale, scale_x / 0.8F);
+    EXPECT_FLOAT_EQ(view.Y().at.scale, scale_y / 1.1F);
 }
 
 TEST(Blow_View, Reset_Goes_Back_To_The_Full_View) {
     Blow_View view = Zoomed_View();
     view.Reset();
     EXPECT_FALSE(view.Is_Zoomed());
-    EXPECT_EQ(view.Visible_X().start, view.Full_X().start);
-    EXPECT_EQ(view.Visible_X().end, view.Full_X().end);
+    EXPECT_EQ(view.Visible_X().start, view.X().full.start);
+    EXPECT_EQ(view.Visible_X().end, view.X().full.end);
 }
 
 TEST(Blow_View, Nothing_Happens_Without_An_Area) {
@@ -233,15 +294,15 @@ TEST(Blow_View, Keeps_Its_Limits_Through_A_Long_Random_Session) {
                 }
                 break;
         }
-        ASSERT_TRUE(std::isfinite(view.Origin_X()) && std::isfinite(view.Origin_Y()));
-        ASSERT_GT(view.Scale_X(), 0.0F);
-        ASSERT_GT(view.Scale_Y(), 0.0F);
-        ASSERT_LE(view.Scale_X(), view.Scale_X_Max() * 1.0001F);
+        ASSERT_TRUE(std::isfinite(view.X().at.origin) && std::isfinite(view.Y().at.origin));
+        ASSERT_GT(view.X().at.scale, 0.0F);
+        ASSERT_GT(view.Y().at.scale, 0.0F);
+        ASSERT_LE(view.X().at.scale, view.X().scale_max * 1.0001F);
         if (clamped) {
-            ASSERT_GE(view.Origin_X(), view.Full_X().start - 1e-3F * std::abs(view.Full_X().end));
+            ASSERT_GE(view.X().at.origin, view.X().full.start - 1e-3F * std::abs(view.X().full.end));
         }
-        ASSERT_LE(view.Visible_X().end, view.Full_X().end);
-        ASSERT_GE(view.Visible_X().start, view.Full_X().start);
+        ASSERT_LE(view.Visible_X().end, view.X().full.end);
+        ASSERT_GE(view.Visible_X().start, view.X().full.start);
     }
 }
 

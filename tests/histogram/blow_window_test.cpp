@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "host/kit_graph.h"
 #include "tests/histogram/blow_stage.h"
 #include "tests/support/import_hook.h"
 
@@ -14,11 +15,11 @@ using Blow_Window = Blow_Stage;
 
 float Level_At(int x) {
     const Blow_View& view = histo_blow.view;
-    return view.Origin_X() + static_cast<float>(x - histo_blow.area.left) * view.Scale_X();
+    return view.X().at.origin + static_cast<float>(x - histo_blow.area.left) * view.X().at.scale;
 }
 float Count_At(int y) {
     const Blow_View& view = histo_blow.view;
-    return view.Origin_Y() + static_cast<float>(y - histo_blow.area.bottom) * view.Scale_Y();
+    return view.Y().at.origin + static_cast<float>(y - histo_blow.area.bottom) * view.Y().at.scale;
 }
 
 }  // namespace
@@ -68,6 +69,91 @@ TEST_F(Blow_Window, the_full_view_is_all_bins_and_a_margin) {
     EXPECT_FLOAT_EQ(view.Visible_X().end, 10.0F + 1.05F * span);
     EXPECT_FLOAT_EQ(view.Visible_Y().start, -100.0F);
     EXPECT_FLOAT_EQ(view.Visible_Y().end, 1100.0F);
+}
+
+TEST_F(Blow_Window, opened_before_the_first_histogram_it_makes_room_for_the_titles_when_they_come) {
+    Press_Blow(*panel);
+    Client_Size_Set(CLIENT_WIDTH, CLIENT_HEIGHT);
+    Settle();
+    const Blow_Area untitled = histo_blow.area;
+    Give_Record(*panel);
+    std::snprintf(panel->x_label, sizeof panel->x_label, "Pixel Intensity");
+    std::snprintf(panel->y_label, sizeof panel->y_label, "Nb of Pixels");
+    Send(DATA);
+    const Blow_Area titled = histo_blow.area;
+    const Plot_Area wanted =
+        Plot_Window_Area(histo_blow.plot, "Pixel Intensity", "Nb of Pixels",
+                         histo_blow.plot.y + histo_blow.plot.height - histo_blow.tag_select.y + SPACE_PIXELS);
+    EXPECT_EQ(titled.bottom, wanted.bottom);
+    EXPECT_EQ(titled.height, wanted.height);
+    EXPECT_GT(titled.bottom, untitled.bottom);
+    EXPECT_EQ(histo_blow.view.Y().pixels, titled.height) << "the view follows";
+    Send(WM_SIZE, 0, MAKELPARAM(CLIENT_WIDTH, CLIENT_HEIGHT));
+    EXPECT_EQ(histo_blow.area.bottom, titled.bottom) << "and jumps no more";
+    panel->x_label[0] = panel->y_label[0] = 0;
+    Send(DATA);
+    EXPECT_EQ(histo_blow.area.bottom, untitled.bottom) << "titles that go";
+}
+
+TEST_F(Blow_Window, a_press_on_blow_restores_a_minimised_window) {
+    Open();
+    ::ShowWindow(Window(), SW_MINIMIZE);
+    ASSERT_NE(::IsIconic(Window()), 0);
+    Press_Blow(*panel);
+    EXPECT_EQ(::IsIconic(Window()), 0);
+    EXPECT_NE(::IsWindowVisible(Window()), 0);
+}
+
+namespace {
+
+struct Axis_Call {
+    char axis = 0;
+    Boxs box;
+    std::string title;
+    Blow_Range range;
+};
+std::vector<Axis_Call> axis_calls;
+
+int Axis_X(HDC, const Boxs& box, const Plot_Area&, const char* title, float from, float to) {
+    axis_calls.push_back({'x', box, title, {from, to}});
+    return 1;
+}
+int Axis_Y(HDC, const Boxs& box, const Plot_Area&, const char* title, float from, float to) {
+    axis_calls.push_back({'y', box, title, {from, to}});
+    return 1;
+}
+
+}  // namespace
+
+TEST_F(Blow_Window, axes_get_the_plot_box_as_laid_out_and_are_asked_for_whatever_the_counts_are) {
+    Open();
+    const Import_Hook hook_x("", "Kit_Graph.dll", "_Z18Plot_Window_Axes_XP5HDC__RK4BoxsRK9Plot_AreaPKcff",
+                             reinterpret_cast<void*>(Axis_X));
+    const Import_Hook hook_y("", "Kit_Graph.dll", "_Z18Plot_Window_Axes_YP5HDC__RK4BoxsRK9Plot_AreaPKcff",
+                             reinterpret_cast<void*>(Axis_Y));
+    ASSERT_TRUE(hook_x.Is_Set() && hook_y.Is_Set());
+    const std::vector<std::uint32_t> hill = {1, 5, 9, 5, 1};
+    for (const auto& counts : {hill, std::vector<std::uint32_t>(5, 0), std::vector<std::uint32_t>(1, 7)}) {
+        Histo_Record_Give(*panel, {10.0F, 2.0F}, counts);
+        axis_calls.clear();
+        Send(DATA);
+        ASSERT_EQ(axis_calls.size(), 2U);
+        EXPECT_EQ(axis_calls[0].axis, 'x');
+        EXPECT_EQ(axis_calls[1].axis, 'y');
+        for (const Axis_Call& call : axis_calls) {
+            EXPECT_EQ(call.box.x, histo_blow.plot.x);
+            EXPECT_EQ(call.box.y, histo_blow.plot.y);
+            EXPECT_EQ(call.box.width, CLIENT_WIDTH - 2);
+            EXPECT_EQ(call.box.height, CLIENT_HEIGHT - 2);
+            EXPECT_EQ(call.box.font_scale, histo_blow.plot.font_scale);
+        }
+        EXPECT_EQ(axis_calls[0].range.start, histo_blow.view.Visible_X().start);
+        EXPECT_EQ(axis_calls[1].range.end, histo_blow.view.Visible_Y().end);
+    }
+    panel->data->Record_Empty();
+    axis_calls.clear();
+    Send(DATA);
+    EXPECT_TRUE(axis_calls.empty()) << "without a record nothing is plotted";
 }
 
 TEST_F(Blow_Window, closing_releases_the_button_of_the_panel) {
@@ -150,15 +236,15 @@ TEST_F(Blow_Window, a_notch_forward_widens_about_the_pointer_and_a_notch_back_na
     const int x = histo_blow.area.left + 200;
     const int y = histo_blow.area.bottom + 80;
     for (const int direction : {1, -1}) {
-        const float scale_x = histo_blow.view.Scale_X();
-        const float scale_y = histo_blow.view.Scale_Y();
+        const float scale_x = histo_blow.view.X().at.scale;
+        const float scale_y = histo_blow.view.Y().at.scale;
         const float level = Level_At(x);
         const float count = Count_At(y);
         Mark_Set();
         Wheel(120 * direction, x, y);
         const float factor = direction > 0 ? 1.1F : 0.9F;
-        EXPECT_FLOAT_EQ(histo_blow.view.Scale_X(), scale_x * factor);
-        EXPECT_FLOAT_EQ(histo_blow.view.Scale_Y(), scale_y * factor);
+        EXPECT_FLOAT_EQ(histo_blow.view.X().at.scale, scale_x * factor);
+        EXPECT_FLOAT_EQ(histo_blow.view.Y().at.scale, scale_y * factor);
         EXPECT_NEAR(Level_At(x), level, 0.001F);
         EXPECT_NEAR(Count_At(y), count, 0.01F);
         EXPECT_TRUE(Mark_Gone()) << "redrawn";
@@ -207,22 +293,23 @@ TEST_F(Blow_Window, a_wheel_click_for_the_cursor_leaves_the_repaint_to_the_next_
 TEST_F(Blow_Window, a_drag_zooms_to_its_rectangle_and_reports_the_view) {
     Open();
     const Blow_Area area = histo_blow.area;
-    const float full = histo_blow.view.Scale_X();
-    const float full_y = histo_blow.view.Scale_Y();
+    const float full = histo_blow.view.X().at.scale;
+    const float full_y = histo_blow.view.Y().at.scale;
     const float left = Level_At(area.left + 100);
     const float bottom = Count_At(area.bottom + 30);
     Mark_Set();
     Drag(area.left + 300, area.bottom + 90, area.left + 100, area.bottom + 30);
     EXPECT_TRUE(histo_blow.view.Is_Zoomed());
-    EXPECT_FLOAT_EQ(histo_blow.view.Origin_X(), left);
-    EXPECT_FLOAT_EQ(histo_blow.view.Origin_Y(), bottom);
-    EXPECT_FLOAT_EQ(histo_blow.view.Scale_X(), full * 200.0F / static_cast<float>(area.width));
-    EXPECT_FLOAT_EQ(histo_blow.view.Scale_Y(), full_y * 60.0F / static_cast<float>(area.height));
+    EXPECT_FLOAT_EQ(histo_blow.view.X().at.origin, left);
+    EXPECT_FLOAT_EQ(histo_blow.view.Y().at.origin, bottom);
+    EXPECT_FLOAT_EQ(histo_blow.view.X().at.scale, full * 200.0F / static_cast<float>(area.width));
+    EXPECT_FLOAT_EQ(histo_blow.view.Y().at.scale, full_y * 60.0F / static_cast<float>(area.height));
     EXPECT_TRUE(Mark_Gone());
     char expected[200];
     std::snprintf(expected, sizeof expected, "11 org: %.2f/%.2f  scale: %.2f/%.2f",
-                  static_cast<double>(histo_blow.view.Origin_X()), static_cast<double>(histo_blow.view.Origin_Y()),
-                  static_cast<double>(histo_blow.view.Scale_X()), static_cast<double>(histo_blow.view.Scale_Y()));
+                  static_cast<double>(histo_blow.view.X().at.origin),
+                  static_cast<double>(histo_blow.view.Y().at.origin), static_cast<double>(histo_blow.view.X().at.scale),
+                  static_cast<double>(histo_blow.view.Y().at.scale));
     EXPECT_EQ(Lines("org:"), Lines_Of{expected});
 }
 
@@ -270,6 +357,19 @@ TEST_F(Blow_Window, a_drag_that_loses_the_mouse_is_dropped) {
     ::ReleaseCapture();
     Release(400, 200);
     EXPECT_FALSE(histo_blow.view.Is_Zoomed());
+}
+
+TEST_F(Blow_Window, a_second_press_without_a_release_keeps_the_drag) {
+    Open();
+    Press(200, 100);
+    Move(250, 120);
+    Press(300, 130);
+    EXPECT_TRUE(histo_blow.dragging) << "the window took the mouse from itself";
+    EXPECT_EQ(histo_blow.drag.x_start, 300);
+    EXPECT_EQ(::GetCapture(), Window());
+    Move(400, 200);
+    Release(400, 200);
+    EXPECT_TRUE(histo_blow.view.Is_Zoomed());
 }
 
 TEST_F(Blow_Window, a_press_outside_the_plot_box_begins_no_drag) {
@@ -342,6 +442,7 @@ TEST_F(Blow_Window, reset_zoom_returns_to_the_full_view) {
     EXPECT_FALSE(histo_blow.view.Is_Zoomed());
     EXPECT_FALSE(histo_blow.dragging) << "also the drag that this press began";
     EXPECT_EQ(reset.current, 0) << "released again";
+    EXPECT_EQ(reset.state, 0) << "and its pressed look is gone before the mouse moves";
     EXPECT_TRUE(Mark_Gone());
     EXPECT_EQ(histo_blow.view.Visible_X().start, full_x.start);
     EXPECT_EQ(histo_blow.view.Visible_X().end, full_x.end);
@@ -450,7 +551,7 @@ TEST_F(Blow_Window, a_zoom_of_data_without_extent_is_forgotten_with_the_next_dat
     Give_Record(*panel);
     Send(DATA);
     EXPECT_FALSE(histo_blow.view.Is_Zoomed());
-    EXPECT_GT(histo_blow.view.Scale_X(), 0.0F);
+    EXPECT_GT(histo_blow.view.X().at.scale, 0.0F);
 }
 
 TEST_F(Blow_Window, a_panel_without_data_leaves_an_empty_plot) {
@@ -586,13 +687,13 @@ TEST_F(Blow_Window, a_minimised_window_keeps_its_layout) {
     Open();
     Zoom_Middle();
     const Blow_Area before = histo_blow.area;
-    const float scale = histo_blow.view.Scale_X();
+    const float scale = histo_blow.view.X().at.scale;
     Send(WM_SIZE, SIZE_MINIMIZED, 0);
     EXPECT_EQ(histo_blow.area.width, before.width);
     EXPECT_EQ(histo_blow.width, CLIENT_WIDTH);
     EXPECT_EQ(Histo_Blow_Draw(), 0);
     Send(WM_SIZE, SIZE_RESTORED, MAKELPARAM(CLIENT_WIDTH, CLIENT_HEIGHT));
-    EXPECT_EQ(histo_blow.view.Scale_X(), scale);
+    EXPECT_EQ(histo_blow.view.X().at.scale, scale);
     EXPECT_EQ(Histo_Blow_Draw(), 1);
 }
 

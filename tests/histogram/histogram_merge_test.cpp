@@ -124,6 +124,24 @@ TEST(Histogram_Grid_Choose, Agrees_With_Counting_The_Factor_Up_One_By_One) {
     }
 }
 
+TEST(Histogram_Grid_Choose, Has_No_Largest_Factor) {
+    for (const float width : {1e-6F, 1e-9F, 1e-15F}) {
+        SCOPED_TRACE(width);
+        Histogram_Extent extent;
+        extent.lowest_origin = 0.0F;
+        extent.highest_edge = 1000000.0F;
+        extent.finest_width = width;
+        const Histogram_Grid grid = Histogram_Grid_Choose(extent, 4096);
+        EXPECT_EQ(grid.nb_bins, 4096);
+        EXPECT_NEAR(grid.bin_width, 1000001.0F / 4096.0F, 0.1F) << "the bins cover the extent";
+    }
+    Histogram_Extent extent;
+    extent.lowest_origin = 0.0F;
+    extent.highest_edge = 1000000.0F;
+    extent.finest_width = 1e-30F;
+    EXPECT_LE(Histogram_Grid_Choose(extent, 4096).nb_bins, 4096) << "also beyond all factors";
+}
+
 TEST(Histogram_Grid_Choose, Survives_Extents_Without_A_Positive_Span) {
     Histogram_Extent extent;
     extent.lowest_origin = 5.0F;

@@ -117,3 +117,80 @@ TEST(Fit_System, Fits_Of_All_Sizes_End_And_Leave_Their_Curves) {
         }
     }
 }
+
+// ------------------------------------------------------------------------------------------------- functions of one's
+// own
+
+namespace {
+
+int own_calls = 0;
+
+/** A triangle, wider than any Gaussian's cut-off. */
+double Triangle(std::uint8_t /*type*/, double position, Vector_N& param) {
+    ++own_calls;
+    return std::max(param[PEAK_AMPLITUDE] - std::abs(position - param[PEAK_CENTRE]), 0.0);
+}
+double Triangle_Slope(std::uint8_t /*type*/, std::uint8_t index, double position, Vector_N& param) {
+    const double distance = position - param[PEAK_CENTRE];
+    if (std::abs(distance) >= param[PEAK_AMPLITUDE]) {
+        return 0.0;
+    }
+    return index == PEAK_AMPLITUDE ? 1.0 : index == PEAK_CENTRE ? (distance > 0.0 ? 1.0 : -1.0) : 0.0;
+}
+
+/** One record that calls itself a Gaussian and brings its own functions. */
+void Triangle_Give(Histo_Data& histo) {
+    histo.filtered = new double[BIN_NB]();
+    histo.curve_nb = BIN_NB;
+    histo.filtered[300] = 200.0;
+    Histo_Peak* tail = nullptr;
+    Histo_Peak* peak = Peak_Gauss_Add(histo, tail, 300, 1.0F, 2.0F);
+    peak->fct_value = Triangle;
+    peak->fct_deriv = Triangle_Slope;
+}
+
+}  // namespace
+
+TEST(Fit_System, Evaluates_A_Record_By_The_Functions_That_It_Brings) {
+    Histo_Data histo;
+    Triangle_Give(histo);
+    Histo_Peak& peak = *histo.peak_first;
+    own_calls = 0;
+    const std::vector<double> data(BIN_NB, 0.0);
+    const Fit_System system = Fit_System_Make(&peak, data);
+    EXPECT_EQ(own_calls, BIN_NB);
+    for (int bin = 0; bin < BIN_NB; ++bin) {
+        ASSERT_EQ(system.residual[bin], -Triangle(PEAK_GAUSS, bin, *peak.param)) << bin;
+        for (std::uint8_t k = 0; k < 3; ++k) {
+            ASSERT_EQ(system.jacobian[bin][k], Triangle_Slope(PEAK_GAUSS, k, bin, *peak.param)) << bin;
+        }
+    }
+}
+
+TEST(Fit_System, Sums_And_Curves_Are_Made_By_The_Records_Own_Functions_Too) {
+    Histo_Data histo;
+    Triangle_Give(histo);
+    const std::vector<double> nothing(BIN_NB, 0.0);
+    Gauss_Newton(histo, BIN_NB, nothing.data(), 1e300);
+    Peak_Curves_Make(histo, {1, "here"});
+    const Histo_Peak& peak = *histo.peak_first;
+    ASSERT_EQ(peak.nb_pts, BIN_NB);
+    for (int bin = 0; bin < BIN_NB; ++bin) {
+        const auto value = static_cast<float>(Triangle(PEAK_GAUSS, bin, *peak.param));
+        ASSERT_EQ(histo.fit_sum[bin], value) << bin;
+        ASSERT_EQ(peak.curve[bin], value) << bin;
+    }
+    EXPECT_GT(peak.curve[200], 0.0F) << "far beyond ten widths";
+}
+
+TEST(Fit_System, A_Record_Without_Functions_Adds_Nothing) {
+    Histo_Data histo;
+    Triangle_Give(histo);
+    histo.peak_first->fct_value = nullptr;
+    histo.peak_first->fct_deriv = nullptr;
+    const std::vector<double> data(BIN_NB, 3.0);
+    const Fit_System system = Fit_System_Make(histo.peak_first, data);
+    EXPECT_EQ(system.squared_error, 9.0 * BIN_NB);
+    Gauss_Newton(histo, BIN_NB, data.data(), 0.1);
+    EXPECT_EQ(histo.fit_sum[300], 0.0F);
+}

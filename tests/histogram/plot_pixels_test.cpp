@@ -95,7 +95,7 @@ TEST(Plot_Pixels_Test, EveryColumnHasItsOwnColorAndSpansMayBeFewer) {
     }
     EXPECT_EQ(canvas.picture.At(WIDTH - 1, 1), 0U);
     EXPECT_EQ(canvas.picture.At(3, 0), 0U);
-    canvas.picture.Columns_Fill(colors);
+    canvas.picture.Rows_Fill(colors, colors);
     EXPECT_EQ(canvas.picture.At(WIDTH - 1, HEIGHT - 1), static_cast<std::uint32_t>(WIDTH));
     EXPECT_EQ(canvas.picture.At(0, 0), 1U);
 }

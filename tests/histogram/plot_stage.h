@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "histogram/blow_layout.h"
 #include "histogram/tool_histo_peak.h"
 #include "histogram/tool_histo_plot.h"
 #include "host/kit_graph.h"
@@ -31,6 +32,10 @@ class Plot_Stage {
         std::snprintf(panel.y_label, sizeof panel.y_label, "Nb of Pixels");
         const Plot_Area area = Plot_Window_Area(scene.box, panel.x_label, panel.y_label, look.top_reserved);
         scene.area = {area.left, area.bottom, area.width, area.height};
+        scene.font_height = look.font_scale;
+        const int free_above = scene.box.y + scene.box.height - look.top_reserved - (area.bottom + area.height);
+        scene.box.font_scale =
+            static_cast<short>(Blow_Axis_Font(look.font_scale, area.left - scene.box.x, area.height + 2 * free_above));
     }
     ~Plot_Stage() {
         Histo_Plot_Marks_Forget();

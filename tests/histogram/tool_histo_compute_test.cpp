@@ -1,3 +1,5 @@
+#include "histogram/tool_histo_compute.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -5,8 +7,10 @@
 #include <numeric>
 #include <random>
 
+#include "histogram/tool_histo_paint.h"
 #include "kits/common/messages.h"
 #include "tests/histogram/histo_scene.h"
+#include "tests/support/import_hook.h"
 
 namespace {
 
@@ -388,4 +392,44 @@ TEST_F(Histo_Computation, what_a_copy_computes_the_other_panel_sees) {
     Tool_Histo copy(panel);
     ASSERT_EQ(Histo_Compute(copy), 1);
     EXPECT_EQ(Counts(), (std::vector<std::uint32_t>{4, 5, 0}));
+}
+
+namespace {
+
+/** A host whose frames keep their counts only as long as an iterator runs over them. */
+Histo_Scene* frames_of_iterator = nullptr;
+Import_Hook iterator_end;
+int passes_ended = 0;
+char common_descriptor[16] = "";
+
+void Counts_Go_With_The_Iterator(unsigned short handle) {
+    reinterpret_cast<void (*)(unsigned short)>(iterator_end.Original())(handle);
+    if (++passes_ended == 2) {
+        for (const auto& one : frames_of_iterator->objects) {
+            std::fill(one->counts[0].begin(), one->counts[0].end(), 0U);
+        }
+        std::strcpy(common_descriptor, "gone");
+    }
+}
+
+}  // namespace
+
+TEST_F(Histo_Computation, all_counts_and_texts_are_read_before_the_iterator_ends) {
+    std::strcpy(common_descriptor, "CT");
+    for (int frame = 0; frame < 7; ++frame) {
+        scene.Add_Grey({}, Rising(50), common_descriptor);
+    }
+    frames_of_iterator = &scene;
+    passes_ended = 0;
+    iterator_end =
+        Import_Hook("", "Kit_Dataset.dll", "_Z12Iterator_Endt", reinterpret_cast<void*>(Counts_Go_With_The_Iterator));
+    ASSERT_TRUE(iterator_end.Is_Set());
+    const int result = Histo_Compute(panel);
+    iterator_end = {};
+    ASSERT_EQ(result, 1);
+    EXPECT_EQ(passes_ended, 2);
+    EXPECT_STREQ(panel.source_label, "CT");
+    for (int bin = 0; bin < 50; ++bin) {
+        ASSERT_EQ(Record().counts[bin], 7U * static_cast<std::uint32_t>(bin + 1)) << bin;
+    }
 }

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <random>
 
+#include "histogram/tool_histo_paint.h"
 #include "tests/histogram/histo_stage.h"
 
 namespace {

@@ -149,13 +149,13 @@ TEST(Peak_Source_Curve, Follows_The_Colour_Component) {
     for (int component = 0; component < 6; ++component) {
         test.panel.color_component = static_cast<unsigned char>(component);
         double curve[3] = {-1.0, -1.0, -1.0};
-        Peak_Source_Curve(test.panel, curve);
+        Peak_Source_Curve(*test.Data().record, test.panel.color_component, curve);
         EXPECT_EQ(curve[2], expected[component]) << component;
     }
     record.flags = 0;
     test.panel.color_component = 1;
     double curve[3] = {};
-    Peak_Source_Curve(test.panel, curve);
+    Peak_Source_Curve(*test.Data().record, test.panel.color_component, curve);
     EXPECT_EQ(curve[0], 1.0) << "a grey record has one array";
 }
 

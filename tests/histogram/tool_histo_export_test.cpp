@@ -88,6 +88,13 @@ TEST_F(Blow_Export, asks_for_a_name_and_writes_there) {
     EXPECT_EQ(First_Line(), "sep=\t");
 }
 
+TEST_F(Blow_Export, the_pressed_look_ends_with_the_command) {
+    const Buttons& button = histo_blow.export_button;
+    Press(button.x + 5, button.y + 5);
+    EXPECT_EQ(questions.size(), 1U);
+    EXPECT_EQ(button.state, 0) << "the mouse has not moved since";
+}
+
 TEST_F(Blow_Export, without_a_folder_the_name_stands_alone) {
     Variable_Undefine("$DEFAULT_FILE_PATH");
     Press_Export();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <random>
 
 #include "tests/histogram/analysis_panel.h"
@@ -338,8 +339,8 @@ class Gauss_Newton_Steps : public ::testing::Test {
             test.Data().filtered[i] = Height_At(hills, i);
         }
     }
-    void Run() { Gauss_Newton(test.panel, 200, test.Data().filtered, 0.1); }
-    Histo_Peak* Add(int x, float factor, float width) { return Peak_Gauss_Add(test.panel, tail, x, factor, width); }
+    void Run() { Gauss_Newton(test.Data(), 200, test.Data().filtered, 0.1); }
+    Histo_Peak* Add(int x, float factor, float width) { return Peak_Gauss_Add(test.Data(), tail, x, factor, width); }
 
     Analysis_Panel test;
     Histo_Peak* tail = nullptr;
@@ -498,7 +499,7 @@ TEST_F(Gauss_Newton_Steps, A_Fit_Stops_Before_The_Step_When_The_Error_Changes_Li
 TEST_F(Gauss_Newton_Steps, After_Ten_Iterations_It_Says_Eleven) {
     Curve_Set({{100, 500, 8}});
     Add(100, 1.0F, 5.0F);
-    Gauss_Newton(test.panel, 200, test.Data().filtered, 0.0);  // no change is smaller
+    Gauss_Newton(test.Data(), 200, test.Data().filtered, 0.0);  // no change is smaller
     EXPECT_TRUE(test.Has_Part(11, "Iteration[9] peak[0]: C="));
     EXPECT_FALSE(test.Has_Part(11, "Iteration[10]"));
     EXPECT_EQ(test.Texts(11).back(),
@@ -537,11 +538,11 @@ TEST_F(Gauss_Newton_Steps, Deleting_Keeps_The_List_Whole) {
     Histo_Peak* a = Add(10, 1.0F, 5.0F);
     Histo_Peak* b = Add(50, 1.0F, 5.0F);
     Histo_Peak* c = Add(90, 1.0F, 5.0F);
-    Peak_Delete(test.panel, a, "reason %d", 7);
+    Peak_Delete(test.Data(), a, "reason %d", 7);
     EXPECT_EQ(test.Texts(11).back(), "******* Delete peak at 10.00: reason 7");
     EXPECT_EQ(test.Data().peak_first, b);
     EXPECT_EQ(b->prev, nullptr);
-    Peak_Delete(test.panel, c, "%s", std::string(3000, 'x').c_str());
+    Peak_Delete(test.Data(), c, "%s", std::string(3000, 'x').c_str());
     EXPECT_EQ(b->next, nullptr);
     EXPECT_EQ(test.Data().peak_nb, 1);
     EXPECT_EQ(test.Texts(11).back().size(), std::strlen("******* Delete peak at 90.00: ") + 1023);

@@ -2,6 +2,8 @@
 // order of the steps matters and one test holds them all.
 #include <gtest/gtest.h>
 
+#include "histogram/tool_histo_compute.h"
+#include "histogram/tool_histo_paint.h"
 #include "tests/histogram/histo_scene.h"
 
 TEST(Missing_Host_Variables, stop_only_what_needs_them) {

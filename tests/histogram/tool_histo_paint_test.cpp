@@ -1,3 +1,5 @@
+#include "histogram/tool_histo_paint.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -7,6 +7,8 @@
 #include <optional>
 
 #include "histogram/tool_histo_blow.h"
+#include "histogram/tool_histo_compute.h"
+#include "histogram/tool_histo_paint.h"
 #include "tests/histogram/histo_stage.h"
 
 namespace {
@@ -225,6 +227,17 @@ TEST_F(Histo_Panel, a_release_and_a_press_elsewhere_are_not_handled) {
     EXPECT_EQ(Press_At(PLOT_COLUMN, MIDDLE_ROW), 0);
     EXPECT_EQ(histo_blow.window, nullptr);
     EXPECT_EQ(panel->scale, 1.0F);
+}
+
+TEST_F(Histo_Panel, a_code_without_a_press_is_a_release_whatever_buttons_are_still_held) {
+    for (const int held : {MOUSE_LEFT, MOUSE_MIDDLE, MOUSE_RIGHT, MOUSE_LEFT | MOUSE_RIGHT, MOUSE_DRAG | MOUSE_LEFT}) {
+        stage.Point_Row(BUTTON_COLUMN, MIDDLE_ROW);
+        EXPECT_EQ(panel->Click(held), 0) << held;
+        EXPECT_EQ(histo_blow.window, nullptr) << held;
+        stage.Point_Row(VALUATOR_COLUMN, MIDDLE_ROW);
+        EXPECT_EQ(panel->Click(held), 0) << held;
+        EXPECT_EQ(panel->scale, 1.0F) << held;
+    }
 }
 
 // ---------------------------------------------------------------------------------------------------- enlarged window

@@ -57,7 +57,7 @@ class Histo_Export : public testing::Test {
         (*peak->param)[PEAK_CENTRE] = centre;
         (*peak->param)[PEAK_AMPLITUDE] = height;
         (*peak->param)[PEAK_WIDTH] = width;
-        Peak_Append(panel, tail, peak);
+        Peak_Append(*panel.data, tail, peak);
     }
     void Filtered(const std::vector<double>& values) {
         panel.data->Curves_Free();
@@ -247,7 +247,7 @@ TEST_F(Histo_Export, peak_numbers_pass_through_single_precision) {
 
 TEST_F(Histo_Export, segments_are_written_like_peaks) {
     Histo_Record_Give(panel, {10.0F, 1.0F}, {1, 2, 3});
-    Peak_Segment_Add(panel, tail, 1, 0, 2);
+    Peak_Segment_Add(*panel.data, tail, 1, 0, 2);
     EXPECT_THAT(Written(), testing::HasSubstr("We found 1 Gausian peaks \r\n"));
     EXPECT_THAT(Written(), testing::HasSubstr("\r\n1\t11.00\t0.00\t2.00\r\n"));
 }

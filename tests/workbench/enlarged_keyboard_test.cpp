@@ -83,7 +83,7 @@ TEST_F(Enlarged_Keyboard, moving_ends_where_the_data_end) {
     for (int step = 0; step < 40; ++step) {
         Key(VK_RIGHT);
     }
-    EXPECT_NEAR(View().Visible_X().end, View().Full_X().end, 0.01F * size);
+    EXPECT_NEAR(View().Visible_X().end, View().X().full.end, 0.01F * size);
     EXPECT_NEAR(Size_X(), size, 0.01F * size);
 }
 

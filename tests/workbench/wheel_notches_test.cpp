@@ -6,6 +6,20 @@ namespace {
 
 using Deltas = std::vector<int>;
 
+TEST(Wheel_Lines, slow_turns_add_up) {
+    Wheel_Lines wheel(3);
+    EXPECT_EQ(wheel.Turn(120), 3);
+    EXPECT_EQ(wheel.Turn(-240), -6);
+    EXPECT_EQ(wheel.Turn(30), 0) << "three quarters of a line";
+    EXPECT_EQ(wheel.Turn(30), 1);
+    EXPECT_EQ(wheel.Turn(-20), 0) << "the half that was left is used up first";
+    int lines = 0;
+    for (int turn = 0; turn < 120; ++turn) {
+        lines += wheel.Turn(-1);
+    }
+    EXPECT_EQ(lines, -3);
+}
+
 TEST(Wheel_Notches, a_single_notch_stays_one) {
     EXPECT_EQ(Wheel_Notches(120, false), Deltas{120});
     EXPECT_EQ(Wheel_Notches(-120, false), Deltas{-120});

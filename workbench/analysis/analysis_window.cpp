@@ -7,8 +7,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "histogram/histo_peak.h"
 #include "histogram/tool_histo.h"
-#include "histogram/tool_histo_peak.h"
 #include "kits/common/messages.h"
 #include "kits/widgets/widgets_host.h"
 #include "workbench/accessible.h"
@@ -441,7 +441,7 @@ LRESULT Analysis_Window::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_MOUSEWHEEL: {
             POINT pointer = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
             ::ScreenToClient(window, &pointer);
-            const int lines = -GET_WHEEL_DELTA_WPARAM(wparam) / WHEEL_DELTA * 3;
+            const int lines = -wheel.Turn(GET_WHEEL_DELTA_WPARAM(wparam));
             if (pointer.y < Table_Area().bottom) {
                 Table_Scroll(lines);
             } else {

@@ -12,6 +12,7 @@
 #include "workbench/analysis/peak_table.h"
 #include "workbench/analysis/repeatable_fit.h"
 #include "workbench/look.h"
+#include "workbench/model/wheel_notches.h"
 
 struct Accessible_Part;
 struct Accessible_Source;
@@ -92,7 +93,8 @@ class Analysis_Window {
     Peak_Table table;
     Fit_Log log;
     std::vector<std::string> log_lines;
-    int log_first = 0;                              // first line shown
+    int log_first = 0;  // first line shown
+    Wheel_Lines wheel{3};
     int table_first = 0;                            // first row shown
     std::shared_ptr<Accessible_Source> accessible;  // while the window is open
     bool is_watched = false;                        // the library notes what it paints, from the first question on

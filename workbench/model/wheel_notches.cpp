@@ -3,6 +3,13 @@
 #include <cstddef>
 #include <cstdlib>
 
+int Wheel_Lines::Turn(int delta) {
+    rest += delta * lines_per_notch;
+    const int lines = rest / WHEEL_NOTCH;
+    rest -= lines * WHEEL_NOTCH;
+    return lines;
+}
+
 std::vector<int> Wheel_Notches(int delta, bool is_turned) {
     const int wanted = is_turned ? -delta : delta;
     const int notch = wanted < 0 ? -WHEEL_NOTCH : WHEEL_NOTCH;
