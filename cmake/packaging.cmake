@@ -32,12 +32,11 @@ set(kit_public_headers
     kits/dataset/dataset_host.h
     kits/widgets/shown_widgets.h
     kits/widgets/widgets_host.h
-    panels/brush_disc.h
     panels/kit_panels.h
     panels/protocol/kit_panels.h
     panels/protocol/panel_life.h
-    panels/label_grid.h
-    panels/label_grid_geometry.h
+    panels/label_widgets.h
+    panels/protocol/tool_panel.h
     panels/tool_brush.h
     panels/tool_marker.h
     panels/tool_propagate.h

@@ -32,11 +32,29 @@ std::shared_ptr<Buttons[]> Buttons_Make(int nb) {
 
 }  // namespace
 
-Label_Grid::Label_Grid(int button_nb) : buttons(Buttons_Make(button_nb)), capacity(button_nb) {
-    slider.style = STYLE_SLIDER_HIDDEN;
-    editor.style = STYLE_EDIT_IDLE;
-    Rest_Hide(0);
+Label_Widgets Label_Grid::Widgets_Make(int button_nb) {
+    Label_Widgets widgets;
+    widgets.capacity = button_nb;
+    widgets.buttons = Buttons_Make(button_nb);
+    widgets.slider.style = STYLE_SLIDER_HIDDEN;
+    widgets.editor.style = STYLE_EDIT_IDLE;
+    for (int index = 0; widgets.buttons != nullptr && index < button_nb; index++) {
+        widgets.buttons[index].y = LABEL_NOWHERE;
+    }
+    return widgets;
 }
+
+Label_Grid::Label_Grid(Label_Widgets& widgets)
+    : frame(widgets.frame),
+      grid_box(widgets.grid_box),
+      buttons(widgets.buttons),
+      slider(widgets.slider),
+      editor(widgets.editor),
+      edited(widgets.edited),
+      visible_top(widgets.visible_top),
+      visible_bottom(widgets.visible_bottom),
+      row_height(widgets.row_height),
+      capacity(widgets.capacity) {}
 
 int Label_Grid::Fitting(int count) const {
     return std::min(count, capacity);
@@ -54,7 +72,7 @@ void Label_Grid::Slider_Set(const Label_Slider& scroll) {
     }
 }
 
-void Label_Grid::Resize(const Boxs& host, int count) {
+void Label_Grid::Frame_Resize(const Boxs& host, int count) {
     frame.style = STYLE_FRAMED_BOX;
     frame.Take_Look(host);
     Place(frame, Rectangle_Of(host));
@@ -87,20 +105,8 @@ void Label_Grid::Button_Dress(Buttons& button, const Boxs& host) {
     button.border = host.border;
 }
 
-bool Label_Grid::Button_Place(int index, int count) {
-    const Label_Cell cell = Label_Cell_Of(index, Fitting(count));
-    if (!cell.is_laid_out) {
-        buttons[index].y = LABEL_NOWHERE;
-        return false;
-    }
-    Place(buttons[index], Label_Button(Rectangle_Of(grid_box), cell, row_height, slider.value));
-    return true;
-}
-
-void Label_Grid::Rest_Hide(int count) {
-    for (int index = Button_Nb(count); index < Button_Nb(capacity); index++) {
-        buttons[index].y = LABEL_NOWHERE;
-    }
+void Label_Grid::Button_Place(Buttons& button, const Label_Cell& cell) const {
+    Place(button, Label_Button(Rectangle_Of(grid_box), cell, row_height, slider.value));
 }
 
 void Label_Grid::Editor_Resize(const Boxs& host) {
@@ -119,12 +125,7 @@ void Label_Grid::Relayout(int count) {
     row_height = dimensions.Row_Height();
     Slider_Set(Label_Slider_Make(dimensions, frame.height, slider.height, Fitting(count)));
     slider.Init(nullptr);
-    for (int index = 0; index < Button_Nb(count); index++) {
-        if (Button_Place(index, count)) {
-            buttons[index].Init(nullptr);
-        }
-    }
-    Rest_Hide(count);
+    Buttons_Lay_Out(count, [this](Buttons& button, int, const Label_Cell& cell) { Button_Place(button, cell); });
 }
 
 // ------------------------------------------------------------------------------------------------------------ painting
@@ -168,18 +169,9 @@ void Label_Grid::Paint(int count, const Label_Change& change) {
 // -------------------------------------------------------------------------------------------------------------- events
 
 void Label_Grid::Scroll_Apply(int count) {
-    if (Fitting(count) < LABEL_COLUMN_NB) {
-        return;
-    }
-    for (int index = 0; index < Button_Nb(count); index++) {
-        const Label_Cell cell = Label_Cell_Of(index, Fitting(count));
-        if (cell.is_laid_out) {
-            buttons[index].y = Label_Button_Y(slider.y, cell, row_height, slider.value);
-            buttons[index].Init(nullptr);
-        } else {
-            buttons[index].y = LABEL_NOWHERE;
-        }
-    }
+    Buttons_Lay_Out(count, [this](Buttons& button, int, const Label_Cell& cell) {
+        button.y = Label_Button_Y(slider.y, cell, row_height, slider.value);
+    });
 }
 
 bool Label_Grid::Slider_Take(int up_down) {

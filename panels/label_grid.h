@@ -3,8 +3,8 @@
  *
  *  The panels say how many labels there are, what a button looks like and what a finished edit means; the grid does the
  *  rest. It reads no label variable itself. Counts are numbers of labels in the host's tables, cut at the capacity by
- *  Fitting; without memory for buttons there are none, and everything else works all the same. Copies share the
- * buttons; each copy has its own frame, slider and editor.
+ *  Fitting; without memory for buttons there are none, and everything else works all the same. Internal to the panels:
+ *  they hold Label_Widgets, and each operation works on them by a Label_Grid of its own.
  */
 #pragma once
 
@@ -13,6 +13,7 @@
 
 #include "host/kit_widgets.h"
 #include "panels/label_grid_geometry.h"
+#include "panels/label_widgets.h"
 
 /** What an Update changed, collected so that only what differs is painted. */
 struct Label_Change {
@@ -37,8 +38,10 @@ class Label_Grid {
   public:
     static constexpr int NONE = -1;  ///< answer of Button_Hit: no button
 
-    /** @param button_nb the capacity: buttons made once, for good */
-    explicit Label_Grid(int button_nb);
+    /** Widgets with a closed editor, without slider and with this many buttons, made once, for good. */
+    static Label_Widgets Widgets_Make(int button_nb);
+    /** @param widgets outlive the grid */
+    explicit Label_Grid(Label_Widgets& widgets);
 
     /** A table's count, cut at the capacity. */
     int Fitting(int count) const;
@@ -54,17 +57,20 @@ class Label_Grid {
 
     // ------------------------------------------------------------------------------------------------------ layout
 
-    /** Places frame, slider and grid box in the host's box and makes them. The buttons follow by Button_Dress and
-     *  Button_Place, then Rest_Hide and Editor_Resize. */
-    void Resize(const Boxs& host, int count);
+    /** Places everything in the host's box and makes it; an open edit ends. Every pass over the buttons, this one and
+     *  those of Relayout and Scroll_Apply, makes those of complete rows for the panel's window and hides all others.
+     *  @param dress (Buttons&, int index) is called for each button that has its place, before it is made */
+    template <class Dress>
+    void Resize(const Boxs& host, int count, Dress dress) {
+        Frame_Resize(host, count);
+        Buttons_Lay_Out(count, [&](Buttons& button, int index, const Label_Cell& cell) {
+            Button_Place(button, cell);
+            dress(button, index);
+        });
+        Editor_Resize(host);
+    }
     /** Gives a button the host's fonts and border. */
     static void Button_Dress(Buttons& button, const Boxs& host);
-    /** Places a button by the slider's value. @return false: this label is not laid out; its button is out of sight */
-    bool Button_Place(int index, int count);
-    /** Takes the buttons of no label out of sight. */
-    void Rest_Hide(int count);
-    /** Closes and places the editor. */
-    void Editor_Resize(const Boxs& host);
     /** Fits the slider to the number of labels, back at its bottom end, and lays the buttons out again. The grid box
      *  stays as Resize left it, even if the slider came or went: kept on purpose. Paints nothing. */
     void Relayout(int count);
@@ -79,7 +85,7 @@ class Label_Grid {
 
     // ------------------------------------------------------------------------------------------------------ events
 
-    /** Puts the buttons where the slider's value says; the panel draws afterwards. Less than one row stays as it is. */
+    /** Puts the buttons where the slider's value says, their columns stay; the panel draws afterwards. */
     void Scroll_Apply(int count);
     /** Moves the slider by notches. */
     void Scroll(int notches) { slider.Scroll(notches); }
@@ -100,8 +106,6 @@ class Label_Grid {
     bool Is_Editing() const { return editor.style == STYLE_EDIT_OPEN; }
     /** What the editor itself says of the keyboard: open and active. */
     bool Editor_Has_Keyboard() { return editor.Select(1, 0, 0) != 0; }
-    /** Where the editor was opened last; null before the first Resize. */
-    HWND Editor_Window() const { return editor.window; }
     /** Opens the editor over a button, loaded with its caption. An edit that is still open is cancelled.
      *  @param index of a button, 0 .. Button_Nb(count) - 1; @param count as everywhere; @param window handed to the
      * editor; null keeps its own */
@@ -116,18 +120,38 @@ class Label_Grid {
     void Edit_Close(int count, char* text);
 
   private:
+    /** The one pass over the buttons. @param place (Buttons&, int index, const Label_Cell&) gives a button its place */
+    template <class Place>
+    void Buttons_Lay_Out(int count, Place place) {
+        const int laid_out = Fitting(count);
+        for (int index = Button_Nb(capacity) - 1; index >= 0; index--) {
+            Buttons& button = buttons[index];
+            const Label_Cell cell = Label_Cell_Of(index, laid_out);
+            if (!cell.is_laid_out) {
+                button.y = LABEL_NOWHERE;
+                continue;
+            }
+            place(button, index, cell);
+            button.Init(frame.window);
+        }
+    }
+    void Frame_Resize(const Boxs& host, int count);
+    /** By the slider's value. */
+    void Button_Place(Buttons& button, const Label_Cell& cell) const;
+    void Editor_Resize(const Boxs& host);
     void Slider_Set(const Label_Slider& scroll);
     /** The button behind the editor, null when the table has shrunk below it. */
     Buttons* Edited_Button(int count);
 
-    Boxs frame;
-    Boxs grid_box;                       // not drawn: geometry only
-    std::shared_ptr<Buttons[]> buttons;  // capacity buttons, or null
-    Sliders slider;
-    Texts editor;
-    std::uint16_t edited = 0;
-    int visible_top = 0;
-    int visible_bottom = -1;
-    int row_height = 0;  // pixels
-    int capacity;
+    // The panel's own, by the names that they have there.
+    Boxs& frame;
+    Boxs& grid_box;
+    std::shared_ptr<Buttons[]>& buttons;
+    Sliders& slider;
+    Texts& editor;
+    std::uint16_t& edited;
+    int& visible_top;
+    int& visible_bottom;
+    int& row_height;
+    const int capacity;
 };

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "host/kit_common.h"
 #include "panels/protocol/host_variables.h"
 
 Label_Dimensions Label_Dimensions_Read() {
@@ -52,12 +53,14 @@ void Label_Current_Show(Label_Grid& grid, int button_nb, int current, Label_Chan
     }
 }
 
-bool Label_Replace(char** label, const char* text) {
+bool Label_Replace(char** label, const char* text, const Label_Copy_Failure& failure) {
     std::free(*label);
     *label = nullptr;
     const std::size_t size = std::strlen(text) + 1;
     auto* copy = static_cast<char*>(std::malloc(size));
     if (copy == nullptr) {
+        Error_Fct(hwnd, MESSAGE_MEMORY, "line %-4d of %s \nmemory error in strdup (var=%s)", failure.line,
+                  failure.source, failure.expression);
         return false;
     }
     std::memcpy(copy, text, size);

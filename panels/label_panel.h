@@ -3,6 +3,7 @@
 
 #include <limits>
 
+#include "host/kit_dataset.h"
 #include "panels/label_grid.h"
 
 /** The interface dimensions now. */
@@ -12,12 +13,12 @@ Label_Dimensions Label_Dimensions_Read();
  *  @param editor_window handed to the editor when a right press opens it; null keeps the editor's own
  *  @return the picked label, -1 for none */
 template <class Panel>
-int Label_Click(Panel& panel, Label_Grid& grid, int& current, int count, int up_down, HWND editor_window) {
+int Label_Click(Panel& panel, Label_Grid grid, int& current, int count, int up_down, HWND editor_window) {
     constexpr int RIGHT_PRESS_CODE = MOUSE_PRESS | MOUSE_RIGHT;
     constexpr int FIRST_EDITABLE = 1;  // label 0 can never be edited in place, a right press picks it: kept on purpose
     constexpr int CURRENT_MASK = 0xFF;
-    if (up_down == 0) {
-        return Label_Grid::NONE;
+    if ((up_down & MOUSE_PRESS) == 0) {
+        return Label_Grid::NONE;  // a release, whichever buttons are still held
     }
     if (up_down == RIGHT_PRESS_CODE && count > FIRST_EDITABLE) {
         if (const int index = grid.Button_Hit(FIRST_EDITABLE, count, up_down); index != Label_Grid::NONE) {
@@ -40,7 +41,7 @@ int Label_Click(Panel& panel, Label_Grid& grid, int& current, int count, int up_
 
 /** @return 1 when the slider moved, else 0 */
 template <class Panel>
-int Label_Motion(Panel& panel, Label_Grid& grid, int count, int up_down) {
+int Label_Motion(Panel& panel, Label_Grid grid, int count, int up_down) {
     grid.Hover(count, up_down);
     if (!grid.Slider_Take(up_down)) {
         return 0;
@@ -53,7 +54,7 @@ int Label_Motion(Panel& panel, Label_Grid& grid, int count, int up_down) {
 
 /** The pointer's position is not tested: kept on purpose. @return 1 */
 template <class Panel>
-int Label_Scroll(Panel& panel, Label_Grid& grid, int count, int val) {
+int Label_Scroll(Panel& panel, Label_Grid grid, int count, int val) {
     grid.Edit_Cancel(count, false);
     grid.Scroll(val == std::numeric_limits<int>::min() ? std::numeric_limits<int>::max() : -val);
     grid.Scroll_Apply(count);
@@ -61,13 +62,12 @@ int Label_Scroll(Panel& panel, Label_Grid& grid, int count, int val) {
     return 1;
 }
 
-inline void Label_Leave(Label_Grid& grid, int count) {
+inline void Label_Leave(Label_Grid grid, int count) {
     grid.Edit_Cancel(count, true);
     grid.Leave(count);
 }
 
-// ---------------------------------------------------------------------------------------------------- captions,
-// colours
+// --------------------------------------------------------------------------------------------------- captions, colours
 
 /** A caption as panels build it, before a button cuts it. */
 struct Label_Caption {
@@ -88,6 +88,39 @@ void Label_Current_Show(Label_Grid& grid, int button_nb, int current, Label_Chan
 
 // ------------------------------------------------------------------------------------------------------ host's labels
 
+/** How a label that could not be copied is reported. */
+struct Label_Copy_Failure {
+    int line;
+    const char* source;      ///< path
+    const char* expression;  ///< names the label
+};
+
 /** Replaces a label by a copy of the text on the C runtime's heap; the old one is freed.
- *  @return false without memory: the label is null then */
-bool Label_Replace(char** label, const char* text);
+ *  @return false without memory: the label is null then, and that was reported */
+bool Label_Replace(char** label, const char* text, const Label_Copy_Failure& failure);
+
+/** Feeds a key to the open editor. A finished edit ends with Fct_Update, in which the host may destroy the panel:
+ * nothing of it is touched afterwards.
+ *  @param count_now the table's count, asked when the edit is finished: it may have shrunk below the label meanwhile
+ *  @param store (int label, const char* text) takes a text that is not empty over; false: it could not, and the button
+ *  stays behind the closed editor. Contract: hosts bring it back by the next Resize or Leave.
+ *  @return 1 when an editor took the key, else 0 */
+template <class Count, class Store>
+int Label_Keyboard(Label_Grid grid, int key, Count count_now, Store store) {
+    if (!grid.Editor_Has_Keyboard()) {
+        return 0;
+    }
+    char* text = grid.Edit_Key(key);
+    if (text == nullptr) {
+        return 1;
+    }
+    const int count = count_now();
+    const int label = grid.Edited();
+    const bool is_taken = text[0] != 0 && label < grid.Button_Nb(count);
+    if (is_taken && !store(label, text)) {
+        return 0;
+    }
+    grid.Edit_Close(count, is_taken ? text : nullptr);
+    Fct_Update(UPDATE_TAG_LABEL, nullptr, nullptr, nullptr);
+    return 1;
+}

@@ -6,6 +6,7 @@
 
 #include "host/kit_common.h"
 #include "host/kit_dataset.h"
+#include "panels/brush_disc.h"
 #include "panels/brush_mask.h"
 #include "panels/protocol/host_variables.h"
 
@@ -32,6 +33,10 @@ std::shared_ptr<Element[]> Shared_Array(std::size_t nb) {
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
+}
+
+Button_Pictures Pictures_Of(const Buttons& one) {
+    return {{one.image[0], one.image[1], one.image[2], one.image[3]}, one.width, one.height};
 }
 
 /** The colour of a TAG's discs, 0x00RRGGBB. */
@@ -123,7 +128,7 @@ void Tool_Brush::Draw() {
 
 int Tool_Brush::Click(int up_down) {
     Error_Fct(hwnd, TRACE_LEVEL, "in Tool_Brush::Click(up_down=0x%08x)", static_cast<unsigned int>(up_down));
-    if (up_down == 0) {
+    if ((up_down & MOUSE_PRESS) == 0) {
         return 0;
     }
     const int shown = Shown_Nb(brush_nb_now.Value_Or(0));
@@ -232,7 +237,7 @@ void Tool_Brush::Set_Color(int tag) {
     const float scale = Scale(shown);
     const unsigned int color = Disc_Color(tag);
     for (int i = 0; i < shown && scale > 0.0F; i++) {
-        const Button_Pictures pictures = Pictures(i);
+        const Button_Pictures pictures = Pictures_Of(button[i]);
         if (pictures.Complete()) {
             Brush_Disc_Paint(pictures, Brush_Disc_Square(host_size[i], scale), color);
         }
@@ -251,7 +256,7 @@ void Tool_Brush::Set_Border() {
         return;
     }
     for (int i = 0; i < shown; i++) {
-        const Button_Pictures pictures = Pictures(i);
+        const Button_Pictures pictures = Pictures_Of(button[i]);
         if (pictures.Complete()) {
             Brush_Outline_Paint(pictures,
                                 Brush_Outline_Range(pictures.width, pictures.height, Brush_Disc_Margin(BORDER)));
@@ -285,9 +290,4 @@ void Tool_Brush::Mark(int index, unsigned short mark) {
         button[index].current = mark;
         button[index].Adjust();
     }
-}
-
-Button_Pictures Tool_Brush::Pictures(int index) const {
-    const Buttons& one = button[index];
-    return {{one.image[0], one.image[1], one.image[2], one.image[3]}, one.width, one.height};
 }

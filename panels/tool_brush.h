@@ -5,15 +5,19 @@
 #include <memory>
 
 #include "host/kit_widgets.h"
-#include "panels/brush_disc.h"
 #include "panels/protocol/kit_panels.h"
 
 /** Picks the brush that TAGs are painted with, and builds the host's brush masks.
  *
  *  Shared state: "$BRUSH_NB" brushes of "$BRUSH_SIZE"[i] mask pixels, "$BRUSH_CUR" the current one, "$TAG_CUR" and
  *  "$TAG_RED", "$TAG_GRN", "$TAG_BLU" the colour of the discs. The masks "$BRUSH_PT" (one per brush, 2R + 1 row
- *  pointers each, R = "$BRUSH_RADIUS") are the host's memory; the panel only writes them, during Update. The host
- *  defines all of these before the first Resize. The panel shows at most 8 brushes; further ones get their mask only.
+ *  pointers each, R = "$BRUSH_RADIUS") are the host's memory; the panel only writes them, during Update. "$BRUSH_PT" is
+ *  an array of VARIABLE_POINTER with "$BRUSH_NB" elements; each is an unsigned char** that names the 2R + 1 rows, and
+ * each row has 2R + 1 bytes: 1 where the brush covers, else 0. A mask with a null row, and a null element, is left
+ * alone. The host defines all of these before the first Resize. The panel shows at most 8 brushes; further ones get
+ * their mask only.
+ *
+ *  No operation runs a message loop or calls the host back, but for the traces by Error_Fct.
  *
  *  The panel writes no variable: after a Click that returned 1 the host stores Read() in "$BRUSH_CUR" and announces it.
  *  A copy shares buttons and sizes with its original; they live until the last of both is gone. */
@@ -35,7 +39,8 @@ class KIT_PANELS_API Tool_Brush {
     int Height();
     /** Paints frame and buttons; marks the button of "$BRUSH_CUR" as current. Other current marks stay. */
     void Draw();
-    /** Picks the first button that the event falls on. @return 1 when one was picked, else 0 (see Read) */
+    /** A press picks the first button that it falls on; a release does nothing, whichever buttons are still held.
+     *  @return 1 when one was picked, else 0 (see Read) */
     int Click(int up_down);
     /** Hover feedback. @return 0 */
     int Motion(int up_down);
@@ -61,7 +66,6 @@ class KIT_PANELS_API Tool_Brush {
     float Scale(int shown) const;
     bool Brushes_Changed() const;
     void Mark(int index, unsigned short mark);
-    Button_Pictures Pictures(int index) const;
 
     unsigned short capacity;                 ///< buttons and sizes allocated
     int current;                             ///< brush last picked or announced; may lie beyond the buttons

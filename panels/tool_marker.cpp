@@ -1,6 +1,7 @@
 #include "panels/tool_marker.h"
 
 #include "host/kit_common.h"
+#include "panels/label_grid.h"
 #include "panels/label_panel.h"
 #include "panels/protocol/host_variables.h"
 #include "panels/protocol/tool_panel.h"
@@ -10,15 +11,17 @@ static_assert(Tool_Panel<Tool_Marker>);
 namespace {
 
 constexpr int MARKER_TRACE_LEVEL = TRACE_LEVEL - 1;  // unlike the other panels: kept on purpose, hosts filter by level
-constexpr int COPY_FAILED_LINE = 236;                // hosts know the message by it
-constexpr const char* SOURCE = KIT_SOURCE_ROOT "/panels/tool_marker.cpp";
+// Contract: hosts know the message by its line.
+constexpr Label_Copy_Failure COPY_FAILURE = {236, KIT_SOURCE_ROOT "/panels/tool_marker.cpp",
+                                             "(*Marker_Label_Pt)[ID_Label_Cur]"};
 
 int Count_Now() {
     return Host_Count("$MARKER_NB");
 }
 
 /** @return false when the label array is missing */
-bool Labels_Show(Label_Grid& grid, int count, Label_Change& change) {
+bool Labels_Show(Label_Grid& grid, Label_Change& change) {
+    const int count = Count_Now();
     const auto* labels = Host_Pointer<const char* const>("$MARKER_LABEL");
     if (labels == nullptr) {
         return false;
@@ -31,7 +34,8 @@ bool Labels_Show(Label_Grid& grid, int count, Label_Change& change) {
 
 /** The enable byte becomes the check mark as it is, not reduced to 0 or 1, and a change draws the whole button: kept on
  *  purpose. @return false when the array is missing */
-bool Enable_Show(Label_Grid& grid, int count, Label_Change& change) {
+bool Enable_Show(Label_Grid& grid, Label_Change& change) {
+    const int count = Count_Now();
     const auto* enable = Host_Pointer<const std::uint8_t>("$MARKER_ENABLE");
     if (enable == nullptr) {
         return false;
@@ -46,7 +50,8 @@ bool Enable_Show(Label_Grid& grid, int count, Label_Change& change) {
 }
 
 /** @return false when the colour array is missing */
-bool Colors_Show(Label_Grid& grid, int count, Label_Change& change) {
+bool Colors_Show(Label_Grid& grid, Label_Change& change) {
+    const int count = Count_Now();
     const auto* colors = Host_Pointer<const std::uint32_t>("$MARKER_COLOR");
     if (colors == nullptr) {
         return false;
@@ -59,7 +64,7 @@ bool Colors_Show(Label_Grid& grid, int count, Label_Change& change) {
 
 }  // namespace
 
-Tool_Marker::Tool_Marker() : grid(MARKER_CAPACITY) {}
+Tool_Marker::Tool_Marker() : widgets(Label_Grid::Widgets_Make(MARKER_CAPACITY)) {}
 Tool_Marker::~Tool_Marker() = default;
 Tool_Marker::Tool_Marker(const Tool_Marker& other) = default;
 Tool_Marker& Tool_Marker::operator=(const Tool_Marker& other) = default;
@@ -77,12 +82,7 @@ int Tool_Marker::Resize(Boxs* box) {
     const auto* labels = Host_Pointer<const char* const>("$MARKER_LABEL");
     const auto* enable = Host_Pointer<const std::uint8_t>("$MARKER_ENABLE");
 
-    grid.Resize(host, count);
-    for (int marker = grid.Button_Nb(count) - 1; marker >= 0; marker--) {
-        if (!grid.Button_Place(marker, count)) {
-            continue;
-        }
-        Buttons& button = grid.Button(marker);
+    Label_Grid(widgets).Resize(host, count, [&](Buttons& button, int marker) {
         Label_Grid::Button_Dress(button, host);
         button.current = marker == announced ? 1 : 0;
         if (colors != nullptr) {
@@ -94,10 +94,7 @@ int Tool_Marker::Resize(Boxs* box) {
             button.style |= STYLE_SHOW_CHECK;
             button.checked = enable != nullptr && enable[marker] != 0 ? 1 : 0;
         }
-        button.Init(host.window);
-    }
-    grid.Rest_Hide(count);
-    grid.Editor_Resize(host);
+    });
     return 1;
 }
 
@@ -108,68 +105,58 @@ int Tool_Marker::Height(unsigned short rows) {
 
 void Tool_Marker::Draw() {
     Error_Fct(hwnd, MARKER_TRACE_LEVEL, "in Tool_Marker::Draw()");
-    grid.Draw(Count_Now());
+    Label_Grid(widgets).Draw(Count_Now());
 }
 
 int Tool_Marker::Click(int up_down) {
     Error_Fct(hwnd, MARKER_TRACE_LEVEL, "in Tool_Marker::Click(up_down=0x%08x)", static_cast<unsigned int>(up_down));
-    return Label_Click(*this, grid, current, Count_Now(), up_down, grid.Editor_Window());
+    return Label_Click(*this, Label_Grid(widgets), current, Count_Now(), up_down, widgets.editor.window);
 }
 
 int Tool_Marker::Motion(int up_down) {
-    return Label_Motion(*this, grid, Count_Now(), up_down);
+    return Label_Motion(*this, Label_Grid(widgets), Count_Now(), up_down);
 }
 
 int Tool_Marker::Scroll(int val) {
     Error_Fct(hwnd, MARKER_TRACE_LEVEL, "in Tool_Marker::Scroll(val=%d)", val);
-    return Label_Scroll(*this, grid, Count_Now(), val);
+    return Label_Scroll(*this, Label_Grid(widgets), Count_Now(), val);
 }
 
 int Tool_Marker::Keyboard(int key) {
     Error_Fct(hwnd, MARKER_TRACE_LEVEL, "in Tool_Marker::Keyboard(key=0x%08x)", static_cast<unsigned int>(key));
     int label_nb = 0;  // asked for and not used; hosts that count look-ups see it
     auto** label_array = static_cast<char***>(Fct_Variable_Get("$MARKER_LABEL", &label_nb, nullptr, nullptr, 0));
-    if (label_array == nullptr || *label_array == nullptr || !grid.Editor_Has_Keyboard()) {
+    if (label_array == nullptr || *label_array == nullptr) {
         return 0;
     }
-    char* text = grid.Edit_Key(key);
-    if (text == nullptr) {
-        return 1;
-    }
-    const int count = Count_Now();
-    const int marker = grid.Edited();
-    // The table may have shrunk below the edited marker meanwhile.
-    const bool is_taken = text[0] != 0 && marker < grid.Button_Nb(count);
-    if (is_taken && !Label_Replace(&(*label_array)[marker], text)) {
-        Error_Fct(hwnd, MESSAGE_MEMORY, "line %-4d of %s \nmemory error in strdup (var=%s)", COPY_FAILED_LINE, SOURCE,
-                  "(*Marker_Label_Pt)[ID_Label_Cur]");
-        return 0;  // the button stays behind the closed editor: kept on purpose
-    }
-    grid.Edit_Close(count, is_taken ? text : nullptr);
-    Fct_Update(UPDATE_TAG_LABEL, nullptr, nullptr, nullptr);
-    return 1;
+    return Label_Keyboard(Label_Grid(widgets), key, Count_Now, [labels = *label_array](int marker, const char* text) {
+        return Label_Replace(&labels[marker], text, COPY_FAILURE);
+    });
 }
 
 void Tool_Marker::Leave() {
-    Label_Leave(grid, Count_Now());
+    Label_Leave(Label_Grid(widgets), Count_Now());
 }
 
 void Tool_Marker::Update(unsigned __int64 flags) {
     Error_Fct(hwnd, MARKER_TRACE_LEVEL, "in Tool_Marker::Update()");
-    const int count = Count_Now();
+    Label_Grid grid(widgets);
+    // Contract: every step looks the count up, so that a host may change it between two of them.
     Label_Change change;
     if (Has_Any(flags, UPDATE_TAG_CUR)) {
         current = Host_Count("$MARKER_CUR");
-        Label_Current_Show(grid, grid.Button_Nb(count), current, change);
+        Label_Current_Show(grid, grid.Button_Nb(Count_Now()), current, change);
     }
-    if (Has_Any(flags, UPDATE_TAG_LABEL) && !Labels_Show(grid, count, change)) {
+    if (Has_Any(flags, UPDATE_TAG_LABEL) && !Labels_Show(grid, change)) {
         return;
     }
-    if (Has_Any(flags, UPDATE_TAG_ENABLE) && !Enable_Show(grid, count, change)) {
+    if (Has_Any(flags, UPDATE_TAG_ENABLE) && !Enable_Show(grid, change)) {
         return;
     }
-    if (Has_Any(flags, UPDATE_TAG_TABLE) && !Colors_Show(grid, count, change)) {
+    if (Has_Any(flags, UPDATE_TAG_TABLE) && !Colors_Show(grid, change)) {
         return;
     }
-    grid.Paint(count, change);
+    if (change.mask != 0) {
+        grid.Paint(Count_Now(), change);
+    }
 }

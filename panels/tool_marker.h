@@ -4,7 +4,7 @@
 
 #include "host/kit_dataset.h"
 #include "host/kit_widgets.h"
-#include "panels/label_grid.h"
+#include "panels/label_widgets.h"
 #include "panels/protocol/kit_panels.h"
 
 inline constexpr int MARKER_CAPACITY = 64;  ///< most markers that are shown; further ones have no button
@@ -37,15 +37,16 @@ class KIT_PANELS_API Tool_Marker {
     /** Paints frame, slider and the buttons in view; not the editor. */
     void Draw();
     /** @return the picked marker, -1 for none. A right press on the button of a marker from 1 on opens its editor
-     *  instead; any click cancels an open edit. */
+     *  instead; any press cancels an open edit. A release does nothing, whichever buttons are still held. */
     int Click(int up_down);
     /** @return 1 when the slider was dragged, else 0 */
     int Motion(int up_down);
     /** Wherever the pointer is. @param val notches, forward positive. @return 1 */
     int Scroll(int val);
-    /** Feeds the open editor. A finished text replaces the host's "$MARKER_LABEL" element (freed, then a copy from the
-     * C runtime's heap); an empty one changes nothing. Both send UPDATE_TAG_LABEL, the flag that markers share with
-     * TAGs.
+    /** Feeds the open editor. A finished text replaces the host's "$MARKER_LABEL" element; an empty one changes
+     * nothing. Both end with Fct_Update(UPDATE_TAG_LABEL), the flag that markers share with TAGs, in which the host may
+     * call any operation and may destroy the panel. Labels are the C runtime's, as those of Tool_Tag.
+     *  @param key its low 16 bits count
      *  @return 1 when an editor took the key; 0 without one, without "$MARKER_LABEL", and after a failed copy, which is
      *  reported and leaves the label null */
     int Keyboard(int key);
@@ -58,5 +59,5 @@ class KIT_PANELS_API Tool_Marker {
   private:
     [[maybe_unused]] unsigned short unused = 0;  // where the TAG panel has its option word; never read
     int current = 0;
-    Label_Grid grid;
+    Label_Widgets widgets;
 };

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <climits>
 #include <cstdio>
+#include <exception>
+#include <new>
+#include <string>
 
 #include "host/kit_common.h"
 #include "panels/protocol/host_variables.h"
@@ -61,13 +64,25 @@ class Propagation_Hold {
     unsigned char* lock;
 };
 
-/** Runs the host's function; an exception of it ends here, as result 0. */
-int Run_Held(int (*propagation)(void*, void*), Quorel_2D* shown, Quorel_2D* target) {
+/** What a run of the host's function ended with. */
+struct Propagation_End {
+    int result = 0;
+    bool failed = false;    ///< by an exception, which goes no farther
+    std::string complaint;  ///< what the exception said; empty: nothing
+};
+
+Propagation_End Run_Held(int (*propagation)(void*, void*), Quorel_2D* shown, Quorel_2D* target) {
     const Propagation_Hold hold;
     try {
-        return propagation(shown, target);
+        return {propagation(shown, target), false, {}};
+    } catch (const std::exception& exception) {
+        try {
+            return {0, true, std::string(": ") + exception.what()};
+        } catch (const std::bad_alloc&) {  // the text needs memory
+            return {0, true, {}};
+        }
     } catch (...) {
-        return 0;
+        return {0, true, {}};
     }
 }
 
@@ -80,7 +95,8 @@ void Place(Tools& widget, const Propagate_Place& place) {
 
 }  // namespace
 
-Tool_Propagate::Tool_Propagate() : frame_nb(0), frame_cur(nullptr), volume(nullptr), propagation(nullptr) {
+Tool_Propagate::Tool_Propagate()
+    : frame_nb(0), frame_cur(nullptr), volume(nullptr), propagation(nullptr), window_told(nullptr) {
     frame.style = STYLE_FRAMED_BOX;
     list.style = STYLE_FLAT_INACTIVE;
     list.Set_Name(" Frame: ");
@@ -116,28 +132,45 @@ int Tool_Propagate::Propagate(int direction) {
     Quorel_2D* const shown = frame_cur;
     Quorel_2D* const stepped = volume;
     Quorel_2D* const target = volume->Child_Get_Pt(list.current);
+    const Panel_Watch watch(life);
     if (target != nullptr) {
         Fct_Change_Child(window, target, shown);
+        if (!watch.Is_Alive()) {
+            return 0;
+        }
     }
     if (propagation == nullptr) {
         // After the move on purpose: without a function the buttons still step through the volume.
         Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 No function associated with propagate");
         return 0;
     }
-    if (target == nullptr || volume != stepped) {
-        return 0;  // no frame to go on to, or the host took the volume away meanwhile
+    if (target == nullptr || volume == nullptr) {
+        return 0;  // no frame to go on to, or the host closed what the window shows
     }
     Quorel_2D* const known = frame_cur;
-    const int result = Run_Held(propagation, shown, target);
-    if (volume == stepped) {       // else an Update during the run has told of another volume, or none
-        if (frame_cur == known) {  // else the function has changed the frame, and an Update has told so
-            frame_cur = target;
-        }
-        if (Focused_Window() == window) {
-            Refresh_Item(window);
-        }
+    const Propagation_End end = Run_Held(propagation, shown, target);
+    if (watch.Is_Alive()) {
+        Take_Run(window, stepped, known, target);
     }
-    return result;
+    if (end.failed) {
+        Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 The propagation ended by an error%s",
+                  end.complaint.c_str());
+    }
+    return end.result;
+}
+
+/** After a run: the panel stands where the run went, unless an Update meanwhile told of another frame of that window,
+ * or of none. */
+void Tool_Propagate::Take_Run(Quorel_Window* window, Quorel_2D* stepped, const Quorel_2D* known, Quorel_2D* target) {
+    if (volume == nullptr) {
+        return;
+    }
+    if (frame_cur == known || window_told != window) {
+        frame_cur = target;
+    }
+    if (Focused_Window() != nullptr) {  // else the window may be gone, without a word
+        Refresh_Item(stepped, window);
+    }
 }
 
 int Tool_Propagate::Resize(Boxs* box) {
@@ -197,10 +230,15 @@ int Tool_Propagate::Click(int up_down) {
     if (Traced()) {
         Error_Fct(hwnd, TRACE_LEVEL, "in Tool_Propagate::Click(up_down=0x%08x)", static_cast<unsigned int>(up_down));
     }
-    if (up_down == 0) {
-        return 0;
+    if ((up_down & MOUSE_PRESS) == 0) {
+        return 0;  // a release, whichever buttons are still held
     }
-    if (list.Select(up_down) != 0) {
+    const Panel_Watch watch(life);
+    const bool list_took_it = list.Select(up_down) != 0;  // its drop list runs a message loop
+    if (!watch.Is_Alive()) {
+        return 1;
+    }
+    if (list_took_it) {
         const int item = list.Read();
         if (item >= 0) {
             list.current = static_cast<short>(item);
@@ -272,6 +310,7 @@ void Tool_Propagate::Update(unsigned __int64 flags) {
 void Tool_Propagate::Take_Frame() {
     Quorel_2D** frames = Host_Pointer<Quorel_2D*>("$FRAME_CUR");
     Quorel_Window* const window = Focused_Window();
+    window_told = window;
     // Without a function there is nothing to propagate: the panel shows no frames.
     if (propagation == nullptr || frames == nullptr || window == nullptr || frames[window->Class_B_Get()] == nullptr) {
         frame_nb = 0;
@@ -290,7 +329,7 @@ void Tool_Propagate::Take_Frame() {
     if (nb != frame_nb || items_missing) {
         Take_Volume_Size(nb);
     }
-    Refresh_Item(window);
+    Refresh_Item(volume, window);
 }
 
 /** Gives the list one item per frame. */
@@ -306,12 +345,13 @@ void Tool_Propagate::Take_Volume_Size(int nb) {
 }
 
 /** The list's current item becomes the frame that the window shows, 0 when it shows none of this volume. */
-void Tool_Propagate::Refresh_Item(Quorel_Window* window) {
-    list.current = static_cast<short>(std::max(volume->Child_Get_Cur(window), 0));
+void Tool_Propagate::Refresh_Item(const Quorel_2D* frames_of, Quorel_Window* window) {
+    list.current = static_cast<short>(std::max(frames_of->Child_Get_Cur(window), 0));
     list.Adjust();
 }
 
-/** A jump: the focused window shows the frame of the list's current item. */
+/** A jump: the focused window shows the frame of the list's current item. The host is called: it may destroy the panel.
+ */
 void Tool_Propagate::Show_Frame_Of_Item() {
     Quorel_Window* const window = Focused_Window();
     Quorel_2D* const target = volume != nullptr ? volume->Child_Get_Pt(list.current) : nullptr;

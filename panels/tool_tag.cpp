@@ -1,11 +1,10 @@
 #include "panels/tool_tag.h"
 
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
 
 #include "host/kit_common.h"
+#include "panels/label_grid.h"
 #include "panels/label_panel.h"
 #include "panels/protocol/host_variables.h"
 #include "panels/protocol/tool_panel.h"
@@ -15,8 +14,9 @@ static_assert(Tool_Panel<Tool_Tag>);
 namespace {
 
 constexpr std::uint32_t BACKGROUND_COLOR = 0xAAAAAA;  // of TAG 0, whatever the colour arrays say
-constexpr int COPY_FAILED_LINE = 244;                 // hosts know the message by it
-constexpr const char* SOURCE = KIT_SOURCE_ROOT "/panels/tool_tag.cpp";
+// Contract: hosts know the message by its line.
+constexpr Label_Copy_Failure COPY_FAILURE = {244, KIT_SOURCE_ROOT "/panels/tool_tag.cpp",
+                                             "(*TAG_Label_Pt)[Tag_Label_Cur]"};
 
 int Count_Now() {
     return Host_Count("$TAG_NB");
@@ -53,16 +53,6 @@ Label_Caption Threshold_Caption(float threshold) {
     Label_Caption caption;
     std::snprintf(caption.text, sizeof caption.text, "%.0f", static_cast<double>(threshold));
     return caption;
-}
-
-/** What was typed, as the nearest number that is stored. */
-float Threshold_Of(const char* text) {
-    const double number = std::strtod(text, nullptr);
-    constexpr double LARGEST = std::numeric_limits<float>::max();
-    if (std::abs(number) > LARGEST) {
-        return std::copysign(std::numeric_limits<float>::infinity(), static_cast<float>(number > 0 ? 1 : -1));
-    }
-    return static_cast<float>(number);
 }
 
 // ------------------------------------------------------------------------------------------------- steps of Update
@@ -161,7 +151,7 @@ bool Table_Show(Label_Grid& grid, int count, Label_Change& change) {
 }  // namespace
 
 Tool_Tag::Tool_Tag() : Tool_Tag(TAG_GREY_SELECTION) {}
-Tool_Tag::Tool_Tag(unsigned short option_word) : option(option_word), grid(TAG_CAPACITY) {}
+Tool_Tag::Tool_Tag(unsigned short option_word) : option(option_word), widgets(Label_Grid::Widgets_Make(TAG_CAPACITY)) {}
 Tool_Tag::~Tool_Tag() = default;
 Tool_Tag::Tool_Tag(const Tool_Tag& other) = default;
 Tool_Tag& Tool_Tag::operator=(const Tool_Tag& other) = default;
@@ -185,16 +175,12 @@ int Tool_Tag::Resize(Boxs* box) {
     const bool threshold_mode = (option & TAG_THRESHOLD_MODE) != 0;
     const float* thresholds = threshold_mode ? Thresholds() : nullptr;
 
-    grid.Resize(host, count);
+    Label_Grid grid(widgets);
     for (int tag = 0; tag < grid.Button_Nb(TAG_CAPACITY); tag++) {
         Label_Grid::Button_Dress(grid.Button(tag), host);
         grid.Button(tag).style = STYLE_GRID_BUTTON | (host.style & STYLE_SHOW_CHECK);
     }
-    for (int tag = grid.Button_Nb(count) - 1; tag >= 0; tag--) {
-        if (!grid.Button_Place(tag, count)) {
-            continue;
-        }
-        Buttons& button = grid.Button(tag);
+    grid.Resize(host, count, [&](Buttons& button, int tag) {
         if (colors.Is_Complete()) {
             Label_Color_Set(button, colors.Of(tag));
         }
@@ -203,10 +189,7 @@ int Tool_Tag::Resize(Boxs* box) {
         } else if (thresholds != nullptr) {
             button.Set_Name("%s", Threshold_Caption(thresholds[tag]).text);
         }
-        button.Init(host.window);
-    }
-    grid.Rest_Hide(count);
-    grid.Editor_Resize(host);
+    });
     return 1;
 }
 
@@ -217,54 +200,44 @@ int Tool_Tag::Height(unsigned short rows) {
 
 void Tool_Tag::Draw() {
     Error_Fct(hwnd, TRACE_LEVEL, "in Tool_Tag::Draw()");
-    grid.Draw(Count_Now());
+    Label_Grid(widgets).Draw(Count_Now());
 }
 
 int Tool_Tag::Click(int up_down) {
     Error_Fct(hwnd, TRACE_LEVEL, "in Tool_Tag::Click(up_down=0x%08x)", static_cast<unsigned int>(up_down));
-    return Label_Click(*this, grid, current, Count_Now(), up_down, nullptr);
+    return Label_Click(*this, Label_Grid(widgets), current, Count_Now(), up_down, nullptr);
 }
 
 int Tool_Tag::Motion(int up_down) {
-    return Label_Motion(*this, grid, Count_Now(), up_down);
+    return Label_Motion(*this, Label_Grid(widgets), Count_Now(), up_down);
 }
 
 int Tool_Tag::Scroll(int val) {
     Error_Fct(hwnd, TRACE_LEVEL, "in Tool_Tag::Scroll(val=%d)", val);
-    return Label_Scroll(*this, grid, Count_Now(), val);
+    return Label_Scroll(*this, Label_Grid(widgets), Count_Now(), val);
 }
 
 int Tool_Tag::Keyboard(int key) {
     Error_Fct(hwnd, TRACE_LEVEL, "in Tool_Tag::Keyboard(key=0x%08x)", static_cast<unsigned int>(key));
     static Cached_Variable<char**> label_array("$TAG_LABEL");
     char** labels = label_array.Value_Or(nullptr);
-    if (labels == nullptr || !grid.Editor_Has_Keyboard()) {
+    if (labels == nullptr) {
         return 0;
     }
-    char* text = grid.Edit_Key(key);
-    if (text == nullptr) {
-        return 1;
-    }
-    const int count = Count_Now();
-    const int tag = grid.Edited();
-    // The table may have shrunk below the edited TAG meanwhile.
-    const bool is_taken = text[0] != 0 && tag < grid.Button_Nb(count);
-    if (is_taken && (option & TAG_THRESHOLD_MODE) != 0) {
-        if (float* thresholds = Thresholds()) {
-            thresholds[tag] = Threshold_Of(text);
+    const bool threshold_mode = (option & TAG_THRESHOLD_MODE) != 0;
+    return Label_Keyboard(Label_Grid(widgets), key, Count_Now, [labels, threshold_mode](int tag, const char* text) {
+        if (!threshold_mode) {
+            return Label_Replace(&labels[tag], text, COPY_FAILURE);
         }
-    } else if (is_taken && !Label_Replace(&labels[tag], text)) {
-        Error_Fct(hwnd, MESSAGE_MEMORY, "line %-4d of %s \nmemory error in strdup (var=%s)", COPY_FAILED_LINE, SOURCE,
-                  "(*TAG_Label_Pt)[Tag_Label_Cur]");
-        return 0;  // the button stays behind the closed editor: kept on purpose
-    }
-    grid.Edit_Close(count, is_taken ? text : nullptr);
-    Fct_Update(UPDATE_TAG_LABEL, nullptr, nullptr, nullptr);
-    return 1;
+        if (float* thresholds = Thresholds()) {
+            thresholds[tag] = static_cast<float>(std::atof(text));  // NOLINT(cert-err34-c): no number is 0 by contract
+        }
+        return true;
+    });
 }
 
 void Tool_Tag::Leave() {
-    Label_Leave(grid, Count_Now());
+    Label_Leave(Label_Grid(widgets), Count_Now());
 }
 
 void Tool_Tag::Update(unsigned __int64 flags) {
@@ -275,6 +248,7 @@ void Tool_Tag::Update(unsigned __int64 flags) {
         return;
     }
     const int count = *count_now;
+    Label_Grid grid(widgets);
     Label_Change change;
     for (const Flag_Step& step : FLAG_STEPS) {
         if (Has_Any(flags, step.update) && !Flags_Show(step, grid, count, option, change)) {

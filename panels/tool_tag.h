@@ -4,7 +4,7 @@
 
 #include "host/kit_dataset.h"
 #include "host/kit_widgets.h"
-#include "panels/label_grid.h"
+#include "panels/label_widgets.h"
 #include "panels/protocol/kit_panels.h"
 
 inline constexpr int TAG_CAPACITY = 256;  ///< most TAGs that are shown; further ones have no button
@@ -52,27 +52,33 @@ class KIT_PANELS_API Tool_Tag {
     /** Paints frame, slider and the buttons in view; not the editor. */
     void Draw();
     /** @return the picked TAG, -1 for none. A right press on the button of a TAG from 1 on opens its editor instead;
-     * any click cancels an open edit. */
+     *  any press cancels an open edit. A release does nothing, whichever buttons are still held. */
     int Click(int up_down);
     /** @return 1 when the slider was dragged, else 0 */
     int Motion(int up_down);
     /** Wherever the pointer is. @param val notches, forward positive. @return 1 */
     int Scroll(int val);
-    /** Feeds the open editor. A finished text replaces the host's "$TAG_LABEL" element (freed, then a copy from the C
-     *  runtime's heap) or, in threshold mode, the "$TAG_THRESHOLD_MIN" element; an empty one changes nothing. Both send
-     *  UPDATE_TAG_LABEL.
+    /** Feeds the open editor. A finished text replaces the host's "$TAG_LABEL" element or, in threshold mode, the
+     *  "$TAG_THRESHOLD_MIN" element, by the number (float)atof(text); an empty one changes nothing. Both end with
+     *  Fct_Update(UPDATE_TAG_LABEL), in which the host may call any operation and may destroy the panel.
+     *  Labels are the C runtime's: the old one is given back by free, the new one comes from malloc. So the host's
+     * labels come from the same runtime (Variable_Set_Array_Text of kits/dataset/dataset_host.h sees to that).
+     *  @param key its low 16 bits count
      *  @return 1 when an editor took the key; 0 without one, without "$TAG_LABEL", and after a failed copy, which is
      *  reported and leaves the label null */
     int Keyboard(int key);
     /** Cancels an open edit and leaves hover and pressed looks. */
     void Leave();
     /** Tests UPDATE_TAG_ENABLE, _SELECT, _LOCK, _CUR, _LABEL and _TABLE, in this order. A missing array ends the update
-     *  at its step, without painting. UPDATE_TAG_TABLE scrolls to the bottom again; it repaints the buttons only when a
-     *  colour changed, so a host that changed the count draws the panel. */
+     *  at its step, without painting. UPDATE_TAG_TABLE lays out the buttons of the present count and scrolls to the
+     *  bottom again. TAGs that it brings can be drawn, picked and edited at once; their captions, marks and greying
+     * come by the flags of the arrays, so a host sends those along. It repaints the buttons only when a colour changed,
+     * so a host that changed the count draws the panel; and the columns stay where Resize put them, so it lays the
+     * panel out when the slider came or went. */
     void Update(unsigned __int64 flags);
 
   private:
     unsigned short option;
     int current = 0;
-    Label_Grid grid;
+    Label_Widgets widgets;
 };

@@ -110,7 +110,6 @@ void Application::Colors_Check() {
     }
     session.Note_Colors(variables.Tag_Colors());
     Title_Refresh();
-    tag_host->Lay_Out();
     Announce(UPDATE_TAG_TABLE);
     Tag_Scroll_To(variables.Tag_Cur());
     image.Refresh();

@@ -86,7 +86,6 @@ void Application::Labels_Adopt(const Label_Description& description) {
     Tag_Nb_Grow(highest);
     Markers_Enable_Refresh();
     Histogram_Ranges_Refresh();
-    tag_host->Lay_Out();
     Announce(UPDATE_TAG_TABLE | UPDATE_TAG_LABEL | UPDATE_TAG_ENABLE | UPDATE_TAG_SELECT | UPDATE_TAG_LOCK |
              UPDATE_HISTO_PAINT);
     Tag_Scroll_To(variables.Tag_Cur());

@@ -3,6 +3,7 @@
 #include <cwctype>
 #include <utility>
 
+#include "host/kit_widgets.h"
 #include "workbench/application.h"
 #include "workbench/model/tag_table.h"
 #include "workbench/prompt_dialog.h"
@@ -88,13 +89,23 @@ void Application::Tag_Toggle(Command command) {
 }
 
 void Application::Tag_Nb_Grow(int highest) {
+    const int before = variables.Tag_Nb();
     const int wanted = Tag_Count_For(highest);
-    if (wanted <= variables.Tag_Nb()) {
+    if (wanted <= before) {
         return;
     }
     variables.Tag_Nb_Set(wanted);
-    tag_host->Lay_Out();
-    Announce(UPDATE_TAG_TABLE);
+    // The table, and everything that a button of a new TAG shows.
+    Announce(UPDATE_TAG_TABLE | UPDATE_TAG_LABEL | UPDATE_TAG_ENABLE | UPDATE_TAG_SELECT | UPDATE_TAG_LOCK);
+    const Panel_Dimensions sizes = variables.Dimensions();
+    const auto has_slider = [&](int count) {
+        return count / 4 * (sizes.border + sizes.button) > tag_host->Client().bottom - 2 * SPACE;
+    };
+    if (has_slider(wanted) != has_slider(before)) {
+        tag_host->Lay_Out();  // the slider takes its room from the columns
+    } else {
+        tag_host->Refresh();
+    }
     Tag_Scroll_To(variables.Tag_Cur());
 }
 
@@ -207,7 +218,6 @@ void Application::Undo_Or_Redo(bool redo) {
         for (const Color_Change::Entry& entry : colors->entries) {
             variables.Tag_Color_Set(entry.tag, redo ? entry.after : entry.before);
         }
-        tag_host->Lay_Out();
         flags = UPDATE_TAG_TABLE;
     } else if (const auto* marker = std::get_if<Marker_Change>(&done.change)) {
         Markers_Enable_Refresh();

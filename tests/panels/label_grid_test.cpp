@@ -10,15 +10,7 @@ class Grid : public Label_Fixture {
   protected:
     void Lay_Out(Label_Grid& grid, int count) {
         const Boxs box = Place();
-        grid.Resize(box, count);
-        for (int i = grid.Button_Nb(count) - 1; i >= 0; i--) {
-            if (grid.Button_Place(i, count)) {
-                grid.Button(i).style = STYLE_GRID_BUTTON;
-                grid.Button(i).Init(box.window);
-            }
-        }
-        grid.Rest_Hide(count);
-        grid.Editor_Resize(box);
+        grid.Resize(box, count, [](Buttons& button, int) { button.style = STYLE_GRID_BUTTON; });
         Take_Counters();
     }
     static int Visible_Nb(Label_Grid& grid, int capacity) {
@@ -33,7 +25,8 @@ class Grid : public Label_Fixture {
 }  // namespace
 
 TEST_F(Grid, a_new_grid_has_no_visible_button_and_no_edit) {
-    Label_Grid grid(12);
+    Label_Widgets widgets = Label_Grid::Widgets_Make(12);
+    Label_Grid grid(widgets);
     EXPECT_EQ(grid.Fitting(5), 5);
     EXPECT_EQ(grid.Fitting(13), 12);
     EXPECT_EQ(grid.Button_Nb(65535), 12);
@@ -43,7 +36,8 @@ TEST_F(Grid, a_new_grid_has_no_visible_button_and_no_edit) {
 }
 
 TEST_F(Grid, every_layout_takes_the_buttons_without_a_place_out_of_sight) {
-    Label_Grid grid(12);
+    Label_Widgets widgets = Label_Grid::Widgets_Make(12);
+    Label_Grid grid(widgets);
     Lay_Out(grid, 12);
     EXPECT_EQ(Visible_Nb(grid, 12), 12);
     for (const int count : {11, 8, 7, 4, 3, 0}) {
@@ -52,11 +46,15 @@ TEST_F(Grid, every_layout_takes_the_buttons_without_a_place_out_of_sight) {
         EXPECT_EQ(Visible_Nb(grid, 12), count / 4 * 4) << "relayout " << count;
         Lay_Out(grid, count);
         EXPECT_EQ(Visible_Nb(grid, 12), count / 4 * 4) << "resize " << count;
+        Lay_Out(grid, 12);
+        grid.Scroll_Apply(count);
+        EXPECT_EQ(Visible_Nb(grid, 12), count / 4 * 4) << "scroll " << count;
     }
 }
 
 TEST_F(Grid, buttons_at_both_ends_of_the_closed_range_are_visible) {
-    Label_Grid grid(4);
+    Label_Widgets widgets = Label_Grid::Widgets_Make(4);
+    Label_Grid grid(widgets);
     Lay_Out(grid, 4);
     const Label_Model model(Place(), 4);
     const int first = model.top - 1;
@@ -72,7 +70,8 @@ TEST_F(Grid, buttons_at_both_ends_of_the_closed_range_are_visible) {
 }
 
 TEST_F(Grid, a_change_paints_every_visible_button_in_its_way_and_no_other) {
-    Label_Grid grid(48);
+    Label_Widgets widgets = Label_Grid::Widgets_Make(48);
+    Label_Grid grid(widgets);
     Lay_Out(grid, 48);
     const auto visible = static_cast<unsigned int>(Visible_Nb(grid, 48));
     ASSERT_EQ(visible, 20U);
@@ -101,7 +100,8 @@ TEST_F(Grid, a_change_paints_every_visible_button_in_its_way_and_no_other) {
 }
 
 TEST_F(Grid, a_cleared_background_has_the_panel_colour) {
-    Label_Grid grid(8);
+    Label_Widgets widgets = Label_Grid::Widgets_Make(8);
+    Label_Grid grid(widgets);
     Lay_Out(grid, 8);
     grid.Button(5).Set_Color(250, 10, 10);
     grid.Button(5).style |= STYLE_EDITED;  // not drawn, so the background stays to be seen
@@ -112,7 +112,8 @@ TEST_F(Grid, a_cleared_background_has_the_panel_colour) {
 }
 
 TEST_F(Grid, the_editor_takes_the_place_and_the_caption_of_the_button) {
-    Label_Grid grid(8);
+    Label_Widgets widgets = Label_Grid::Widgets_Make(8);
+    Label_Grid grid(widgets);
     Lay_Out(grid, 8);
     grid.Button(5).Set_Name("five");
     grid.Edit_Open(5, 8, nullptr);
@@ -132,7 +133,8 @@ TEST_F(Grid, the_editor_takes_the_place_and_the_caption_of_the_button) {
 }
 
 TEST_F(Grid, closing_keeps_the_caption_when_there_is_no_text_and_cuts_a_long_one_in_place) {
-    Label_Grid grid(8);
+    Label_Widgets widgets = Label_Grid::Widgets_Make(8);
+    Label_Grid grid(widgets);
     Lay_Out(grid, 8);
     grid.Button(5).Set_Name("five");
     grid.Edit_Open(5, 8, nullptr);
@@ -145,7 +147,8 @@ TEST_F(Grid, closing_keeps_the_caption_when_there_is_no_text_and_cuts_a_long_one
 }
 
 TEST_F(Grid, cancelling_keeps_greying_and_touches_no_button_beyond_the_table) {
-    Label_Grid grid(8);
+    Label_Widgets widgets = Label_Grid::Widgets_Make(8);
+    Label_Grid grid(widgets);
     Lay_Out(grid, 8);
     grid.Edit_Open(5, 8, nullptr);
     grid.Button(5).style |= STYLE_INACTIVE;
@@ -159,9 +162,11 @@ TEST_F(Grid, cancelling_keeps_greying_and_touches_no_button_beyond_the_table) {
 }
 
 TEST_F(Grid, a_copy_shares_the_buttons_and_has_its_own_editor_and_slider) {
-    Label_Grid grid(48);
+    Label_Widgets widgets = Label_Grid::Widgets_Make(48);
+    Label_Grid grid(widgets);
     Lay_Out(grid, 48);
-    Label_Grid copy(grid);
+    Label_Widgets copied(widgets);
+    Label_Grid copy(copied);
     EXPECT_EQ(&copy.Button(3), &grid.Button(3));
     copy.Edit_Open(3, 48, nullptr);
     EXPECT_FALSE(grid.Is_Editing());

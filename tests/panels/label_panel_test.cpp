@@ -44,7 +44,8 @@ TEST(Label_Color, has_red_in_its_low_byte_and_ignores_the_high_one) {
 }
 
 TEST(Label_Current, marks_one_button_among_those_asked_for) {
-    Label_Grid grid(8);
+    Label_Widgets widgets = Label_Grid::Widgets_Make(8);
+    Label_Grid grid(widgets);
     Label_Change change;
     Label_Current_Show(grid, 8, 3, change);
     EXPECT_EQ(change.mask, Label_Change::MARK);
@@ -58,13 +59,17 @@ TEST(Label_Current, marks_one_button_among_those_asked_for) {
     EXPECT_EQ(grid.Button(3).current, 1) << "beyond those asked for";
 }
 
+namespace {
+constexpr Label_Copy_Failure NO_FAILURE = {1, "source", "label"};
+}  // namespace
+
 TEST(Label_Replace, stores_a_copy_on_the_c_heap) {
     char* label = nullptr;
     std::string text = "Lung";
-    EXPECT_TRUE(Label_Replace(&label, text.c_str()));
+    EXPECT_TRUE(Label_Replace(&label, text.c_str(), NO_FAILURE));
     text = "gone";
     EXPECT_STREQ(label, "Lung");
-    EXPECT_TRUE(Label_Replace(&label, ""));
+    EXPECT_TRUE(Label_Replace(&label, "", NO_FAILURE));
     EXPECT_STREQ(label, "");
     std::free(label);
 }

@@ -154,6 +154,7 @@ class Propagate_Panel : public testing::Test {
 };
 
 inline constexpr const char* WARNING_TEXT = "2 \xF1\x05WARNING:\x02 No function associated with propagate";
+inline constexpr const char* FAILURE_TEXT = "2 \xF1\x05WARNING:\x02 The propagation ended by an error";
 inline constexpr unsigned int OFF = 35;
 inline constexpr unsigned int LIST_ON = 0x2100;
 inline constexpr unsigned int LIST_OFF = 0x2123;

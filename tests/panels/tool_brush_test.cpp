@@ -427,6 +427,9 @@ TEST_F(Brush_Panel, a_release_is_ignored_and_traced) {
     Point_At_Button(2, 4);
     EXPECT_EQ(panel.Click(0), 0);
     EXPECT_EQ(Lines_Of(stage.Take_Messages()), std::vector<std::string>{"16 in Tool_Brush::Click(up_down=0x00000000)"});
+    for (const int still_held : {0x10, 0x20, 0x40, 0x50, 0x70}) {
+        EXPECT_EQ(panel.Click(still_held), 0) << still_held;
+    }
     EXPECT_EQ(panel.Read(), NO_BRUSH);
     EXPECT_EQ(Painted(), 0U);
 }

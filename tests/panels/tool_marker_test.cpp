@@ -334,6 +334,40 @@ TEST_F(Marker_Panel, the_current_marker_is_followed_without_any_variable) {
     EXPECT_EQ(panel.Read(), 0);
 }
 
+TEST_F(Marker_Panel, every_step_of_an_update_looks_the_count_up) {
+    Lay_Out(NB, Checked_Place());
+    const struct {
+        unsigned __int64 flags;
+        unsigned int look_ups;
+    } cases[] = {{0, 0},
+                 {UPDATE_ALL, 0},
+                 {UPDATE_TAG_CUR, 1},
+                 {UPDATE_TAG_LABEL, 1},
+                 {UPDATE_TAG_LABEL | UPDATE_TAG_ENABLE, 2},
+                 {UPDATE_TAG_CUR | UPDATE_TAG_LABEL | UPDATE_TAG_ENABLE | UPDATE_TAG_TABLE, 4}};
+    for (const auto& one : cases) {
+        panel.Update(~0ULL);
+        Variable_Look_Ups_Reset();
+        panel.Update(one.flags);
+        EXPECT_EQ(Variable_Look_Ups("$MARKER_NB"), one.look_ups) << one.flags;
+    }
+    Variable_Set("$MARKER_CUR", 5);
+    Variable_Look_Ups_Reset();
+    panel.Update(UPDATE_TAG_CUR);
+    EXPECT_EQ(Variable_Look_Ups("$MARKER_NB"), 2U) << "the step, and the painting";
+}
+
+TEST_F(Marker_Panel, releases_are_ignored_and_of_keys_the_low_16_bits_count) {
+    Lay_Out(NB, Place());
+    Open_Editor(panel, model, 6);
+    for (const int still_held : {0, 0x10, 0x20, 0x40, 0x70}) {
+        EXPECT_EQ(Press_Label(panel, model, 7, still_held), NONE) << still_held;
+    }
+    EXPECT_EQ(panel.Keyboard(0x7FFF0000 | 'x'), 1) << "the edit is still open";
+    EXPECT_EQ(panel.Keyboard(static_cast<int>(0x80010000U) | KEY_ENTER), 1);
+    EXPECT_STREQ(Labels()[6], "x");
+}
+
 TEST_F(Marker_Panel, another_count_lays_nothing_out_before_the_next_resize) {
     Lay_Out(NB, Place());
     Scalar("$MARKER_NB", VARIABLE_UNSIGNED_16, 8);

@@ -17,8 +17,11 @@ TEST_F(Propagate_Panel, a_release_is_ignored) {
     Show(2);
     for (const Propagate_Place& place : {Layout().down, Layout().list, Layout().up}) {
         Point_At_Middle(place);
-        EXPECT_EQ(panel.Click(0), 0);
+        for (const int still_held : {0, 0x10, 0x20, 0x40, 0x70}) {
+            EXPECT_EQ(panel.Click(still_held), 0) << still_held;
+        }
     }
+    EXPECT_TRUE(runs.empty());
     EXPECT_TRUE(stage.Take_Changes().empty());
     EXPECT_EQ(Painted(), 0U);
 }

@@ -327,6 +327,8 @@ TEST_F(Propagate_Panel, an_exception_of_the_function_ends_at_the_panel) {
         EXPECT_EQ(Variable_Number("$INTERFACE_LOCK_FOCUS", -1), 0);
         EXPECT_FALSE(Wait_Cursor_Shown(false));
         EXPECT_EQ(Shown_Item(), 2 + static_cast<int>(i)) << "the frame has moved";
+        const std::string what = i == 0 ? ": no" : "";
+        EXPECT_EQ(Lines_Of(stage.Take_Messages()), std::vector<std::string>{FAILURE_TEXT + what});
     }
     during = nullptr;
     EXPECT_EQ(panel.Propagate(1), RESULT);
@@ -435,19 +437,77 @@ TEST_F(Propagate_Panel, a_window_or_volume_that_vanishes_with_the_change_ends_th
     Variable_Define_Pointer("$WINDOW_CUR", &host.window);
     stage.on_change = nullptr;
 
-    auto lost = std::make_unique<Stage_Volume>(3);
-    Window_Frame_Set(&host.window, lost->At(0));
     panel.Update(UPDATE_FRAME_CUR);
-    stage.on_change = [this, &lost] {
-        Window_Frame_Set(&host.window, volume.At(0));
-        lost.reset();
+    stage.on_change = [this] {
+        Window_Frame_Set(&host.window, nullptr);
         panel.Update(UPDATE_STRUCTURE | UPDATE_LEVEL_2D);
     };
     EXPECT_EQ(panel.Propagate(1), 0);
-    EXPECT_TRUE(runs.empty()) << "neither frame lives any more";
+    EXPECT_TRUE(runs.empty());
     stage.on_change = nullptr;
-    EXPECT_EQ(panel.Propagate(1), RESULT);
-    EXPECT_EQ(runs[0].shown, volume.At(0)) << "the panel stands in the other volume";
+    Quiet();
+    EXPECT_EQ(panel.Propagate(1), 0);
+    EXPECT_TRUE(stage.Take_Changes().empty());
+}
+
+TEST_F(Propagate_Panel, the_function_runs_on_the_frames_of_the_step_wherever_the_focus_went_with_the_change) {
+    Stage_Volume other(7);
+    Quorel_Window second;
+    second.class_b = 3;
+    Window_Frame_Set(&second, other.At(6));
+    for (const bool told : {false, true}) {
+        Variable_Define_Pointer("$WINDOW_CUR", &host.window);
+        Show(1);
+        runs.clear();
+        stage.on_change = [this, told, &second] {
+            Variable_Define_Pointer("$WINDOW_CUR", &second);
+            if (told) {
+                panel.Update(UPDATE_FRAME_CUR);
+            }
+        };
+        EXPECT_EQ(panel.Propagate(1), RESULT) << told;
+        ASSERT_EQ(runs.size(), 1U) << told;
+        EXPECT_EQ(runs[0].shown, volume.At(1)) << told;
+        EXPECT_EQ(runs[0].target, volume.At(2)) << told;
+        stage.on_change = nullptr;
+        Quiet();
+        Point_At_Arrow(true);
+        EXPECT_EQ(panel.Click(PRESS), 1);
+        // The list stood at the item that the window of the step shows.
+        Quorel_2D* const next = told ? other.At(3) : volume.At(3);
+        EXPECT_EQ(stage.Take_Changes(), (std::vector<Frame_Change>{{&second, next, volume.At(2)}})) << told;
+        Window_Frame_Set(&second, other.At(6));
+    }
+    Variable_Define_Pointer("$WINDOW_CUR", &host.window);
+    Window_Frame_Set(&second, nullptr);
+}
+
+TEST_F(Propagate_Panel, the_list_follows_the_window_of_the_step_although_the_focus_left_it_during_the_run) {
+    Stage_Volume other(7);
+    Quorel_Window second;
+    second.class_b = 3;
+    for (const bool told : {false, true}) {
+        Window_Frame_Set(&second, other.At(0));
+        Show(1);
+        panel.Draw();
+        during = [this, told, &second] {
+            Window_Frame_Set(&host.window, volume.At(4));  // without a word
+            Variable_Define_Pointer("$WINDOW_CUR", &second);
+            if (told) {
+                panel.Update(UPDATE_FRAME_CUR);  // of another window: no news of the step's
+            }
+            return 6;
+        };
+        EXPECT_EQ(panel.Propagate(1), 6) << told;
+        during = nullptr;
+        Quiet();
+        Point_At_Arrow(false);
+        EXPECT_EQ(panel.Click(PRESS), 1) << told;
+        Quorel_2D* const before = told ? other.At(3) : volume.At(3);
+        EXPECT_EQ(stage.Take_Changes(), (std::vector<Frame_Change>{{&second, before, volume.At(2)}})) << told;
+        Variable_Define_Pointer("$WINDOW_CUR", &host.window);
+    }
+    Window_Frame_Set(&second, nullptr);
 }
 
 TEST_F(Propagate_Panel, a_window_or_volume_that_vanishes_during_the_run_is_not_touched_again) {

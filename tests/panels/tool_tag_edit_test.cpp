@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <functional>
 #include <limits>
 
@@ -160,6 +161,8 @@ TEST_F(Tag_Edit, threshold_mode_stores_a_number_and_leaves_the_label) {
     } cases[] = {{"12.75", 12.75F},
                  {"-3e2x", -300.0F},
                  {"abc", 0.0F},
+                 {"3.4028235e38", std::numeric_limits<float>::max()},
+                 {"0x10", static_cast<float>(std::atof("0x10"))},
                  {"1e300", std::numeric_limits<float>::infinity()},
                  {"-1e300", -std::numeric_limits<float>::infinity()}};
     for (const auto& one : cases) {
@@ -288,6 +291,19 @@ TEST_F(Tag_Edit, a_click_on_the_edited_button_cancels_and_picks_it) {
     Open_Editor(panel, model, 7);
     EXPECT_EQ(Open_Editor(panel, model, 7), 7) << "a right press does, too";
     EXPECT_FALSE(Is_Editing());
+}
+
+TEST_F(Tag_Edit, a_right_press_on_another_button_draws_the_first_one_again) {
+    Lay_Out();
+    Take_Counters();
+    Open_Editor(panel, model, 9);
+    const unsigned int draws_of_opening = Take_Counters().draws;
+    panel.Leave();
+    Open_Editor(panel, model, 6);
+    Take_Counters();
+    Open_Editor(panel, model, 9);
+    EXPECT_EQ(Take_Counters().draws, draws_of_opening + 1);
+    EXPECT_TRUE(Is_Editing());
 }
 
 TEST_F(Tag_Edit, a_right_press_on_another_button_moves_the_edit_there) {

@@ -254,6 +254,63 @@ TEST_F(Tag_Update, a_table_scrolls_to_its_bottom) {
     EXPECT_EQ(Wrong_Pixels(model), 0);
 }
 
+TEST_F(Tag_Update, tags_that_a_table_brings_are_drawn_picked_and_edited_at_once) {
+    constexpr unsigned __int64 everything =
+        UPDATE_TAG_ENABLE | UPDATE_TAG_SELECT | UPDATE_TAG_LOCK | UPDATE_TAG_CUR | UPDATE_TAG_LABEL | UPDATE_TAG_TABLE;
+    Lay_Out(8);
+    Change_Count(NB);
+    panel.Update(everything);
+    panel.Draw();
+    Boxs box = Place();
+    box.style |= STYLE_SHOW_CHECK;
+    model = Fresh_Model(box, NB);
+    model.look[1].current = 1;
+    EXPECT_EQ(Wrong_Pixels(model), 0);
+    for (int tag = 0; tag < NB; tag++) {
+        EXPECT_EQ(Press_Label(panel, model, tag), tag);
+    }
+    Open_Editor(panel, model, NB - 1);
+    Type(panel, "brought");
+    EXPECT_EQ(panel.Keyboard(KEY_ENTER), 1);
+    EXPECT_STREQ(Labels()[NB - 1], "brought");
+}
+
+TEST_F(Tag_Update, tags_that_had_no_row_are_there_once_a_smaller_table_gives_them_one) {
+    Lay_Out(7);  // TAGs 3 to 6
+    Change_Count(4);
+    panel.Update(UPDATE_TAG_TABLE | UPDATE_TAG_LABEL | UPDATE_TAG_CUR);
+    panel.Draw();
+    Boxs box = Place();
+    box.style |= STYLE_SHOW_CHECK;
+    model = Fresh_Model(box, 4);
+    model.look[1].current = 1;
+    EXPECT_EQ(Wrong_Pixels(model), 0);
+    for (int tag = 0; tag < 4; tag++) {
+        EXPECT_EQ(Press_Label(panel, model, tag), tag);
+    }
+}
+
+TEST_F(Tag_Update, a_panel_that_moved_to_another_window_paints_nothing_into_the_former_one) {
+    Lay_Out(NB);
+    Define_Tags(8);
+    Panel_Window second(Window_Axis::Down, WINDOW_WIDTH, WINDOW_HEIGHT);
+    Boxs box = Place();
+    box.window = second.Get();
+    panel.Resize(&box);
+    panel.Draw();
+    window.Wipe();
+    const Window_Picture wiped = Pixels();
+    Change_Count(NB);
+    panel.Update(UPDATE_TAG_TABLE | UPDATE_TAG_LABEL);
+    panel.Draw();
+    second.Point_At(model.X(NB - 1) + 5, model.Y(NB - 1) + 5);
+    EXPECT_EQ(panel.Motion(HOVER), 0);
+    EXPECT_EQ(panel.Click(LEFT_PRESS), NB - 1);
+    panel.Scroll(1);
+    panel.Leave();
+    EXPECT_TRUE(Pixels().pixels == wiped.pixels);
+}
+
 TEST_F(Tag_Update, a_longer_table_brings_the_slider_and_leaves_the_grid_where_it_was) {
     Lay_Out(NB);
     const Label_Model short_table = model;
