@@ -75,7 +75,7 @@ bool Edit_Zone_Exists(int record, const DB_List& node, Edit_Zone zone) {
     }
 }
 
-// ---------------------------------------------------------------------------------------------------------------- rows
+// ---- rows
 
 bool Edit_Walk::Is_First_Child(int of) const {
     return of > 0 && list[of].parent == static_cast<std::uint16_t>(of - 1) && list[of].level > list[of - 1].level;
@@ -124,7 +124,7 @@ Tree_Extent Edit_Width_Extent(int level_nb, int space, int box_width) {
     return Extent_Of(level_nb * EDIT_CELL_WIDTH + 2 * space, box_width);
 }
 
-// ----------------------------------------------------------------------------------------------------------- positions
+// ---- positions
 
 DB_Tree_Point Edit_Cell(const DB_List& node) {
     return {EDIT_CELL_WIDTH * node.level, EDIT_CELL_HEIGHT * node.row};
@@ -157,8 +157,7 @@ int Edit_Lines::Of(const Edit_Walk& walk, Edit_Line (&line)[PER_NODE]) {
     return 2;
 }
 
-// -------------------------------------------------------------------------------------------------------------
-// locating
+// ---- locating
 
 Edit_Hit Edit_Hit_At(int nb, const DB_List* list_pt, const DB_Tree_Point& at) {
     if (list_pt == nullptr) {
@@ -174,8 +173,7 @@ Edit_Hit Edit_Hit_At(int nb, const DB_List* list_pt, const DB_Tree_Point& at) {
     return Zone_At(record, list_pt[record], at.x - EDIT_CELL_WIDTH * column, at.y - EDIT_CELL_HEIGHT * row);
 }
 
-// -----------------------------------------------------------------------------------------------------------------
-// marks
+// ---- marks
 
 bool Edit_Marks::Is_Dragged(int code) const {
     return std::binary_search(dragged.begin(), dragged.end(), code);

@@ -23,7 +23,7 @@ inline constexpr int EDIT_HANDLE_RADIUS = 6;  ///< pixels
 inline constexpr int EDIT_TOGGLE_RADIUS = 8;  ///< pixels
 inline constexpr int EDIT_BOTTOM_MARGIN = 5;  ///< pixels below the last row
 
-// -------------------------------------------------------------------------------------------------------------- codes
+// ---- codes
 
 enum class Edit_Zone { Body, Parent_Handle, Children_Handle, Toggle };
 
@@ -41,7 +41,7 @@ constexpr Edit_Zone Edit_Code_Zone(int code) {
 /** The first record has no parent handle; handles for children need children, the toggle two of them. */
 bool Edit_Zone_Exists(int record, const DB_List& node, Edit_Zone zone);
 
-// --------------------------------------------------------------------------------------------------------------- rows
+// ---- rows
 
 /** Goes over the shown nodes from the top. A collapsed node's first child is shown, with what hangs on it; the
  *  subtrees of its other children are passed over. */
@@ -79,7 +79,7 @@ Edit_Extent Edit_Rows_Assign(int nb, DB_List* list_pt);
 Tree_Extent Edit_Height_Extent(int row_nb, int box_height);
 Tree_Extent Edit_Width_Extent(int level_nb, int space, int box_width);
 
-// ----------------------------------------------------------------------------------------------------------- positions
+// ---- positions
 
 /** A node's cell, left and upper edge. The node needs a row. */
 DB_Tree_Point Edit_Cell(const DB_List& node);
@@ -105,8 +105,7 @@ class Edit_Lines {
     std::uint16_t last_row[LEVEL_MAX] = {};  // of the last node on a level
 };
 
-// -------------------------------------------------------------------------------------------------------------
-// locating
+// ---- locating
 
 /** What is under a point. */
 struct Edit_Hit {
@@ -116,8 +115,7 @@ struct Edit_Hit {
 /** Uses the rows of the last Edit_Rows_Assign. */
 Edit_Hit Edit_Hit_At(int nb, const DB_List* list_pt, const DB_Tree_Point& at);
 
-// -----------------------------------------------------------------------------------------------------------------
-// marks
+// ---- marks
 
 /** Which zones look different at the moment. */
 struct Edit_Marks {

@@ -1,6 +1,6 @@
 /** @file
- *  Where the nodes of the class tree editor stand in its window, for hosts that point at them: for those who hear the
- *  screen, or to ask before a class is taken out. */
+ *  Where the nodes of the class tree editor stand in its window, for hosts that point at them: for screen readers, or
+ * to ask before a class is taken out. */
 #pragma once
 
 #include "database/tool_db_list.h"

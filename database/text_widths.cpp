@@ -5,7 +5,7 @@
 
 #include "database/tree_rows.h"
 
-// ------------------------------------------------------------------------------------------------------------ one list
+// ---- one list
 
 void Text_Widths::Begin(int nb, const DB_List* list_pt, const Text_Measurer::Fonts& fonts) {
     if (fonts != fonts_now) {
@@ -52,7 +52,7 @@ int Text_Widths::Value(int record, const DB_List& row, int column, Text_Measurer
     return Of(record, RECORD_SLOTS + 2 * column + 1, Tree_Font::Bold, text, measurer);
 }
 
-// ---------------------------------------------------------------------------------------------------------- some lists
+// ---- some lists
 
 Text_Widths& Text_Width_Lists::Of(int nb, const DB_List* list_pt, const Text_Measurer::Fonts& fonts) {
     auto entry = std::find_if(entries.begin(), entries.end(), [&](const Entry& at) { return at.list_pt == list_pt; });
@@ -80,8 +80,7 @@ void Text_Width_Lists::Forget(const DB_List* list_pt) {
     without_memory = {};
 }
 
-// -------------------------------------------------------------------------------------------------------- rows,
-// columns
+// ---- rows, columns
 
 namespace {
 

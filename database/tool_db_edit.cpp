@@ -62,8 +62,7 @@ bool Tell_Host(const Panel_Watch* panel) {
     return Is_Alive(panel);
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// state
+// ---- state
 
 /** The editor's state, one for all panels; the drag itself is in db_drag. It belongs to one list of records. */
 struct Editor {
@@ -129,8 +128,7 @@ bool Locate(const Edit_Stage& stage, Edit_Hit* hit) {
     return true;
 }
 
-// --------------------------------------------------------------------------------------------------------------
-// drawing
+// ---- drawing
 
 /** Draws the nodes of these zones that are in view. */
 void Nodes_Draw(const Edit_Stage& stage, const int* code, std::size_t code_nb, bool highlighted) {
@@ -183,8 +181,7 @@ void Lines_Take_Away(const Edit_Stage& stage) {
     }
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// clicks
+// ---- clicks
 
 /** Begins a drag of the nodes whose parent handles are `codes`, ascending. */
 void Drag_Begin(const Edit_Stage& stage, std::vector<int>&& codes) {
@@ -327,8 +324,7 @@ int Release(const Edit_Stage& stage, const Edit_Hit& hit) {
     return dropped ? 2 : 1;
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// delete
+// ---- delete
 
 /** Takes the object of a record out of the tree. @return whether it did */
 template <class Classes>
@@ -341,8 +337,7 @@ bool Take_Out(const Edit_Stage& stage, const DB_List& record) {
     return true;
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// motion
+// ---- motion
 
 /** @return whether the pointer came to another zone */
 bool Hover(const Edit_Stage& stage, int code) {
@@ -363,8 +358,7 @@ bool Hover(const Edit_Stage& stage, int code) {
 
 }  // namespace
 
-// ------------------------------------------------------------------------------------------------------------
-// operations
+// ---- operations
 
 int DB_Edit_Draw(int mode, Boxs* box, int nb, DB_List* list_pt, Sliders* horizontal, Sliders* vertical) {
     const Tree_DC dc(*box, "tool_db_edit::DB_Edit_Draw");

@@ -197,8 +197,7 @@ class File_Lister {
     int file_row = NONE;
 };
 
-// -------------------------------------------------------------------------------------------------------------------
-// selection
+// ---- selection
 
 Object_Frames Frames_Of(const Quorel_2D& object) {
     return {object.frame, object.frame_more != nullptr ? object.frame_more_nb : 0, object.frame_more};

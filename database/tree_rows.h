@@ -16,7 +16,7 @@ struct DB_Tree_Point {
     int y = 0;
 };
 
-// --------------------------------------------------------------------------------------------------------------- rows
+// ---- rows
 
 /** Goes over the displayed records from the top: a collapsed record's subtree is passed over in one step. */
 class Tree_Walk {
@@ -77,7 +77,7 @@ class Tree_Lines {
     std::bitset<LEVEL_MAX> goes_on;
 };
 
-// ----------------------------------------------------------------------------------------------------------- positions
+// ---- positions
 
 /** A slider's position in whole pixels, truncated; whatever is no number or out of all bounds is brought into them. */
 int Tree_Pixels(float position);

@@ -31,15 +31,17 @@ struct Histogram_Grid {
 };
 
 /** Chooses the grid: the smallest whole multiple of the finest width that keeps the bin count within `limit`.
- *  The span counts one GLI unit more than the extent, so that it includes the top integer level; kept on purpose.
+ *  Contract: whole-number levels keep their top one: the span counts one GLI unit more than the extent.
  *  An extent whose span is not positive (or not a number) gives one bin. A limit of 0 gives a grid of 0 bins. */
 Histogram_Grid Histogram_Grid_Choose(const Histogram_Extent& extent, std::uint16_t limit);
 
 /** Adds frames to a merged record, frame after frame.
  *
  *  Frame bin i goes whole to record bin trunc(((i + 0.5) * frame width + frame origin - record origin) / record width).
- * A bin is dropped when that target is negative, at or beyond the frame's own bin count (on purpose: not the record's),
- * or beyond the record. Successive frames of one grid are summed first and mapped once.
+ * A bin is dropped when that target is negative, at or beyond the frame's own bin count, or beyond the record.
+ * Successive frames of one grid are summed first and mapped once.
+ *
+ * Contract: hosts compare totals with earlier ones; a bound by the record's bin count would keep more of them.
  */
 class Histogram_Merger {
   public:

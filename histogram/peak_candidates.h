@@ -18,5 +18,6 @@ struct Data_Peak {
     int drop = 0;  ///< largest fall to a neighbour, truncated to an integer
 };
 
-/** Local maximum of the filtered curve at bin x - 1 (one before x: kept on purpose). @param x 1 .. n - 1 */
+/** Local maximum of the filtered curve at bin x - 1.
+ *  Contract: fits compared with earlier ones start from the bin before x. @param x 1 .. n - 1 */
 Data_Peak Data_Peak_Test(std::span<const double> filtered, int x, int half, float data_min);

@@ -7,7 +7,7 @@
 
 namespace {
 
-// ln 2 and 2 ln 2, kept to these different precisions on purpose: fits are compared digit by digit with earlier ones.
+// Contract: fits are compared digit by digit with earlier ones, so ln 2 and 2 ln 2 keep their different precisions.
 constexpr double LN_2 = 0.693147181;
 constexpr double TWO_LN_2 = 1.386294;
 constexpr double GAUSS_CUT_OFF = 10.0;    // widths

@@ -126,7 +126,7 @@ bool Plot_Contains(int x, int y) {
     return x >= plot.x && x < plot.x + plot.width && y >= plot.y && y < plot.y + plot.height;
 }
 
-// ------------------------------------------------------------------------------------------------------------ layout
+// ---- layout
 
 void Place(Tools& widget, const Histo_Rectangle& rectangle) {
     // A client area is at most 32767 pixels wide and high, so everything in it fits.
@@ -234,7 +234,7 @@ void Export_Button_Follow(bool has_record) {
     }
 }
 
-// ---------------------------------------------------------------------------------------------------------- controls
+// ---- controls
 
 bool Any_Button_Held() {
     return getbutton(1) != 0 || getbutton(2) != 0 || getbutton(4) != 0;
@@ -343,7 +343,7 @@ bool Select_Scroll(Selects& select, int& display, int notches) {
 
 }  // namespace
 
-// ---------------------------------------------------------------------------------------------------------- handlers
+// ---- handlers
 
 void Histo_Blow_Begin(HWND window) {
     histo_blow.window = window;

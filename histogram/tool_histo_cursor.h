@@ -15,6 +15,6 @@ struct Histo_Cursor_Bin {
     float level = 0.0F;  ///< grey level of a grey frame, raw level of a colour frame
 };
 
-/** Reads "$FRAME_OVR" and "$MOUSE_FRM". The panel must have a record with bins. A colour level is a raw 0 .. 255 level
- * and, on purpose, not mapped through the record's grid. */
+/** Reads "$FRAME_OVR" and "$MOUSE_FRM". The panel must have a record with bins.
+ *  Contract: hosts show raw levels 0 .. 255 of colour frames; the record's grid does not apply to them. */
 Histo_Cursor_Bin Histo_Cursor_Bin_Find(const Tool_Histo& panel);

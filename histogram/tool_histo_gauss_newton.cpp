@@ -225,7 +225,7 @@ void Gauss_Newton(Histo_Data& peaks, std::uint16_t n, const double* data, double
                       Param(*peak, PEAK_CENTRE), Param(*peak, PEAK_AMPLITUDE), Param(*peak, PEAK_WIDTH));
         }
     }
-    // After a full run of ten iterations the line reads 11: kept on purpose.
+    // Contract: readers of traces know a full run of ten iterations by its 11; a fit that stopped earlier counts right.
     Error_Fct(hwnd, TRACE_STEP, "  -> Stop after \x01%d\x02 iterations", iteration + 1);
 }
 

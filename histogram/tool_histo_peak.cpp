@@ -15,8 +15,8 @@ float peak_width_max = 0.0F;
 float peak_centre_tol = 1.25F;
 float peak_data_min = 10.0F;
 float peak_mix_ratio = 0.5F;
-// Never reset, neither between fits nor between panels: the first crossing of a fit is measured against the last one of
-// the fit before. Kept on purpose.
+// Contract: hosts that repeat a session get its peaks again only as the first crossing of a fit is measured against the
+// last one of the fit before, of whichever panel: never reset.
 std::int32_t last_zero = 0;
 
 namespace {

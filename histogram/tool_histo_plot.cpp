@@ -147,7 +147,7 @@ void Draw_Extentless(HDC dc, const Histo_Plot_Scene& scene, const RECT& place, c
     Draw_Note(dc, scene, place, text.data());
 }
 
-// ------------------------------------------------------------------------------------------------------------- curves
+// ---- curves
 
 bool Is_In(const Column_Spans& spans, const Plot_Pixels& picture) {
     return std::any_of(spans.begin(), spans.end(), [&](const Column_Span& span) {
@@ -180,7 +180,7 @@ bool Draw_Curves(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Colum
     return is_seen;
 }
 
-// -------------------------------------------------------------------------------------------------------------- bands
+// ---- bands
 
 /** The bin of a range's end: rounded, unlike in the panel, which truncates. */
 int Rounded_Bin(const Plot_Scale& scale, float level) {
@@ -232,7 +232,7 @@ void Draw_Ground(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Colum
     picture.Spans_Fill(bars, under);
 }
 
-// ------------------------------------------------------------------------------------------------------------ picture
+// ---- picture
 
 /** The plot area in memory. It is kept from one redraw to the next: a zoom by wheel draws many of one size, and new
  * memory costs as much as the curves. */
@@ -272,7 +272,7 @@ void Draw_Area(const Plot_DC& dc, const Tool_Histo& panel, const Histo_Plot_Scen
     ::BitBlt(dc.Get(), dc.Left(), dc.Top(), frame.width, frame.height, dib.Get_DC(), 0, 0, SRCCOPY);
 }
 
-// -------------------------------------------------------------------------------------------------------------- marks
+// ---- marks
 
 /** Pixels of the device, relative to the plot area's upper left corner; empty: not on screen. */
 struct Mark_Rectangle {

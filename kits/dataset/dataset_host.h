@@ -8,8 +8,7 @@
 
 #include "host/kit_dataset.h"
 
-// -------------------------------------------------------------------------------------------------------------------
-// variables
+// ---- variables
 //
 // Storage addresses are stable for the life of the process: a variable that is undefined and defined again keeps its
 // storage. Defining a variable anew with another form changes form and value, not the address.
@@ -50,8 +49,7 @@ KIT_DATASET_API unsigned int Variable_Look_Ups(const char* name);
 /** All these counts start again from 0. */
 KIT_DATASET_API void Variable_Look_Ups_Reset();
 
-// --------------------------------------------------------------------------------------------------------------------
-// requests
+// ---- requests
 
 /** What the application does with the panels' requests. Null members are skipped. Called on the panel's own call stack.
  */
@@ -71,8 +69,7 @@ struct Request_Listener {
 /** Replaces the listener. A default one: nobody listens. */
 KIT_DATASET_API void Request_Listener_Set(const Request_Listener& listener);
 
-// ---------------------------------------------------------------------------------------------------------------------
-// objects
+// ---- objects
 
 inline constexpr int WINDOW_NUMBER_MAX = 16;  ///< class B numbers of windows are 0 .. 15
 
@@ -96,8 +93,7 @@ KIT_DATASET_API int Object_Registered_2D_Nb();
 KIT_DATASET_API int Iterator_Open_Nb();
 inline constexpr int ITERATOR_MAX = 16;  ///< open at once
 
-// ----------------------------------------------------------------------------------------------------------------------
-// frames
+// ---- frames
 
 /** A frame over stored levels that the application owns: grey level = level * slope + intercept, or packed colours. */
 class KIT_DATASET_API Level_Frame : public Quorel_2D_Frame {
@@ -140,8 +136,7 @@ KIT_DATASET_API int Frame_Histogram_Build(Level_Frame* frame, const Histo_Grid& 
 /** Frees the record that Frame_Histogram_Build made; one of the application's is only forgotten. */
 KIT_DATASET_API void Frame_Histogram_Free(Quorel_2D_Frame* frame);
 
-// -------------------------------------------------------------------------------------------------------------- pen
-// and touch
+// ---- pen and touch
 
 /** What the system says of a pen, in screen pixels. */
 struct Pen_State {
@@ -177,8 +172,7 @@ KIT_DATASET_API void Pointer_System_Set(const Pointer_System* system);
 inline constexpr float GESTURE_STEP =
     1.09F;  ///< largest zoom factor of one Gesture_Record, smallest is its reciprocal; the rest follows in the next one
 
-// -------------------------------------------------------------------------------------------------------------------
-// checks of the host, see kits/common/contract.h
+// ---- checks of the host, see kits/common/contract.h
 
 /** Compares every count with its arrays and with what panels show. @return mistakes found that were not reported yet */
 KIT_DATASET_API int Contract_Check_Variables();

@@ -75,7 +75,7 @@ std::uint64_t Images_Sum(const Buttons& button) {
     return (lanes[0] ^ (lanes[1] << 1U) ^ (lanes[2] << 2U) ^ (lanes[3] << 3U)) | 1U;
 }
 
-// ------------------------------------------------------------------------------------------------------------ drawing
+// ---- drawing
 
 /** Where the parts of a button stand, in its picture. */
 struct Button_Layout {
@@ -228,7 +228,7 @@ bool Out_Of_Date(const Buttons& button) {
 
 }  // namespace
 
-// ------------------------------------------------------------------------------------------------------------- images
+// ---- images
 
 void Buttons::Images_Free() {
     std::free(Block_Of(*this));
@@ -292,7 +292,7 @@ Buttons& Buttons::operator=(const Buttons& other) {
     return *this;
 }
 
-// --------------------------------------------------------------------------------------------------------- operations
+// ---- operations
 
 int Buttons::Init(HWND init_window) {
     if (init_window != nullptr) {

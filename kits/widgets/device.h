@@ -37,8 +37,7 @@ void Screen_Show(HWND window, Point target, Surface& picture, std::span<const Re
 /** Copies what the window shows into the upper left of a picture. @return false when that cannot be had */
 bool Screen_Read(HWND window, const Rect& source, Surface& picture);
 
-// --------------------------------------------------------------------------------- device contexts for
-// panels' drawing
+// ---- device contexts for panels' drawing
 
 /** A device context that panels draw with, in the axis of its window. */
 class Axis_DC {
@@ -68,7 +67,7 @@ Rect Dc_Clip(HDC dc, const Rect& rect);
  * counts. */
 void Dc_Blend(HDC dc, const Rect& target, const std::uint32_t* pixels);
 
-// --------------------------------------------------------------------------------------- odds and ends
+// ---- odds and ends
 
 HFONT System_Font_Create(HWND window, const char* name, bool bold, int height);
 /** Gives back the fonts that the library made for captions, so that a new scale takes effect. */

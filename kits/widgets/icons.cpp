@@ -20,7 +20,7 @@ constexpr Rgb no_tint = 0xFFFFFF;
 constexpr std::size_t file_size_max = std::size_t{64} << 20U;
 constexpr std::size_t cache_max = 512;  // pictures; then the cache starts anew
 
-// --------------------------------------------------------------------------------------------------------------- files
+// ---- files
 
 bool File_Read(const std::string& path, std::vector<std::uint8_t>* bytes) {
     struct Close {
@@ -78,7 +78,7 @@ const Tga_Picture* Icon_Find(const char* prog_name, const char* file) {
     return picture;
 }
 
-// ------------------------------------------------------------------------------------------------------------- drawing
+// ---- drawing
 
 /** The device context to draw an icon with: the running one, or one of its own when that belongs to another window or
  * there is none. */
@@ -137,7 +137,7 @@ void Icon_Draw(HWND window, int x, int y, const char* prog_name, const char* fil
     Dc_Blend(dc.Get(), target, pixels.data());
 }
 
-// ---------------------------------------------------------------------------------------------------------- lead cells
+// ---- lead cells
 
 /** A lead cell's picture: transparent, with its middle lines. */
 struct Lead_Cell {

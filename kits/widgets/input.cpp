@@ -55,7 +55,7 @@ int Key_In_Hand() {
     return key_in_hand;
 }
 
-// ------------------------------------------------------------------------------------------------------------ counters
+// ---- counters
 
 void Count_Init() {
     counters.inits++;
@@ -76,7 +76,7 @@ void Widget_Counters_Reset() {
     counters = {};
 }
 
-// --------------------------------------------------------------------------------------------------------- wait cursor
+// ---- wait cursor
 
 void Set_Curs_Wait(HWND window) {
     if (wait_depth++ == 0) {

@@ -14,7 +14,7 @@ int Widget_Border(const Tools& widget) {
     return std::clamp(static_cast<int>(widget.border), 0, std::max(0, std::min<int>(widget.width, widget.height) / 2));
 }
 
-// ------------------------------------------------------------------------------------------------------------- painter
+// ---- painter
 
 Painter::Painter(const Tools& widget)
     : window(widget.window),
@@ -50,7 +50,7 @@ void Painter::Show_Only(const Rect& part) {
     part_nb = 1;
 }
 
-// -------------------------------------------------------------------------------------------------------- common parts
+// ---- common parts
 
 std::array<Rect, 4> Frame_Sides(const Rect& rect, int thickness) {
     const int t = std::clamp(thickness, 0, std::max(0, (std::min(rect.width, rect.height) + 1) / 2));

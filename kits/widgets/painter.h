@@ -11,7 +11,7 @@
 #include "kits/widgets/theme.h"
 #include "kits/widgets/window_state.h"
 
-// ----------------------------------------------------------------------------------------------- state
+// ---- state
 
 /** Both edit bits without the grey bit: not drawn at all. */
 inline bool Widget_Hidden(const Tools& widget) {
@@ -33,7 +33,7 @@ void Count_Draw();
 void Count_Adjust();
 void Count_Clear();
 
-/** The key code in hand (Key_In_Hand_Set), 0 for none. */
+/** The key code that the host is passing to a panel (Key_In_Hand_Set), 0 for none. */
 int Key_In_Hand();
 /** Held buttons, keys and the clipboard through the application's Input_Source, or the system's. */
 bool Input_Button_Held(int button);
@@ -41,7 +41,7 @@ bool Input_Key_Held(int virtual_key);
 int Input_Clipboard_Get(char* out, int size);
 int Input_Clipboard_Set(const char* text);
 
-// --------------------------------------------------------------------------------------------- painter
+// ---- painter
 
 /** The picture of one widget (or of a rectangle beside it), shown in its window when the painter ends. Its pixels are
  * not cleared. */
@@ -74,7 +74,7 @@ class Painter {
     int part_nb = 0;
 };
 
-// ---------------------------------------------------------------------------------------- common parts
+// ---- common parts
 
 /** The four strips of a frame: top, bottom, left, right. */
 std::array<Rect, 4> Frame_Sides(const Rect& rect, int thickness);

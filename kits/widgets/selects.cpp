@@ -119,7 +119,7 @@ constexpr std::array<Key_Move, 8> key_moves = {{{KEY_HOME, KEY_HOME - KEY_SPECIA
                                                 {KEY_INSERT, KEY_INSERT - KEY_SPECIAL, -1},
                                                 {KEY_DELETE, KEY_DELETE - KEY_SPECIAL, 1}}};
 
-/** Steps of the navigation key in hand, or else of the one that is held; 0 for none. */
+/** Steps of the navigation key that the host is passing on, or else of the one that is held; 0 for none. */
 int Navigation_Steps() {
     const int key = Key_In_Hand() & 0xFFFF;
     for (const Key_Move& move : key_moves) {

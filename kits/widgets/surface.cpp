@@ -241,8 +241,7 @@ void Surface::Settle() {
     }
 }
 
-// ------------------------------------------------------------------------------------------------------------------------
-// text
+// ---- text
 
 std::size_t Character_Length(std::string_view text, std::size_t at) {
     if (at >= text.size()) {

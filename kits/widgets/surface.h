@@ -120,7 +120,7 @@ class Surface {
     Rect clip;
 };
 
-// ------------------------------------------------------------------------------------------------ text
+// ---- text
 
 /** Width in pixels of a line of text. */
 int Text_Width(std::string_view text, const Font_Choice& font);
@@ -133,7 +133,7 @@ std::size_t Character_Length(std::string_view text, std::size_t at);
 /** Start of the character before `at`. */
 std::size_t Character_Before(std::string_view text, std::size_t at);
 
-// --------------------------------------------------------------------------------------------- windows
+// ---- windows
 
 struct Size {
     int width = 0;
@@ -151,7 +151,7 @@ void Window_Show(HWND window, const Rect& target, Surface& picture, std::span<co
  * that cannot be had */
 bool Window_Read(HWND window, const Rect& target, std::uint32_t* pixels);
 
-// ----------------------------------------------------------------------------------------------- input
+// ---- input
 
 bool System_Button_Held(int button);
 bool System_Key_Held(int virtual_key);

@@ -52,7 +52,7 @@ int Character_Width(const Font_Choice& font) {
 
 }  // namespace
 
-// -------------------------------------------------------------------------------------------------------- test windows
+// ---- test windows
 
 HWND Headless_Window_Create(int width, int height) {
     static std::uintptr_t next = 0x1000;
@@ -102,7 +102,7 @@ void Headless_Button_Set(int button, bool held) {
     }
 }
 
-// ---------------------------------------------------------------------------------------------------------------- text
+// ---- text
 
 void Surface::Text(const Rect& box, std::string_view text, const Font_Choice& font, Rgb color, Align align) {
     const int width_needed = Text_Width(text, font);
@@ -142,7 +142,7 @@ int Text_Height(const Font_Choice& font) {
     return Font_Height(font) + 3;
 }
 
-// ------------------------------------------------------------------------------------------------------------- windows
+// ---- windows
 
 bool Window_Client_Size(HWND window, Size* size) {
     const Headless_Window* found = Find(window);
@@ -191,7 +191,7 @@ bool Screen_Read(HWND window, const Rect& source, Surface& picture) {
     return true;
 }
 
-// ------------------------------------------------------------------------------------------------------------ pictures
+// ---- pictures
 
 struct Memory_Picture::Data {
     std::vector<std::uint32_t> pixels;
@@ -239,8 +239,7 @@ HDC Memory_Picture::Get_DC() const {
 
 void Device_Flush() {}
 
-// ------------------------------------------------------------------------------------------------------ device
-// contexts
+// ---- device contexts
 
 struct Axis_DC::Data {
     Headless_DC own;
@@ -287,7 +286,7 @@ void Dc_Blend(HDC dc, const Rect& target, const std::uint32_t* pixels) {
     reinterpret_cast<Headless_DC*>(dc)->picture.Blit_Alpha(target, pixels, target.width);
 }
 
-// --------------------------------------------------------------------------------------------------------------- input
+// ---- input
 
 bool System_Button_Held(int button) {
     return held_buttons.contains(button);

@@ -175,7 +175,7 @@ void Device_Units(HDC dc) {
 
 }  // namespace
 
-// ---------------------------------------------------------------------------------------------------------------- text
+// ---- text
 
 void Surface::Text(const Rect& box, std::string_view text, const Font_Choice& choice, Rgb color, Align align) {
     const Rect part = Rect_Common(box, clip);
@@ -238,7 +238,7 @@ void System_Fonts_Forget() {
     Fonts().clear();
 }
 
-// ------------------------------------------------------------------------------------------------------------- windows
+// ---- windows
 
 bool Window_Client_Size(HWND window, Size* size) {
     RECT rect = {};
@@ -305,7 +305,7 @@ bool Screen_Read(HWND window, const Rect& source, Surface& picture) {
     return done;
 }
 
-// ------------------------------------------------------------------------------------------------------------ pictures
+// ---- pictures
 
 struct Memory_Picture::Data {
     Dib_Picture picture;
@@ -347,8 +347,7 @@ void Device_Flush() {
     ::GdiFlush();
 }
 
-// ------------------------------------------------------------------------------------------------------ device
-// contexts
+// ---- device contexts
 
 namespace {
 

@@ -64,8 +64,7 @@ void Changed_Add(Window_State& state, const Rect& rect) {
 
 }  // namespace
 
-// ------------------------------------------------------------------------------------------------------------------
-// axis
+// ---- axis
 
 void Window_Axis_Set(HWND window, Window_Axis axis) {
     if (Window_State* state = State_Make(window)) {
@@ -83,8 +82,7 @@ void Window_Forget(HWND window) {
     Shown_Forget(window);
 }
 
-// ----------------------------------------------------------------------------------------------------------- back
-// buffer
+// ---- back buffer
 
 void Window_Buffer_Begin(HWND window) {
     Window_State* state = State_Make(window);
@@ -187,8 +185,7 @@ bool Window_Read(HWND window, const Rect& target, std::uint32_t* pixels) {
     return true;
 }
 
-// --------------------------------------------------------------------------------------------------------------
-// scratch
+// ---- scratch
 
 namespace {
 constexpr int scratch_depth_max = 4;
