@@ -41,7 +41,8 @@ Image_Content Application::Content() const {
                       volume.color,
                       static_cast<float>(volume.slope),
                       static_cast<float>(volume.intercept),
-                      session.Labels().Slice(slice)};
+                      session.Labels().Slice(slice),
+                      volume.is_inverted};
     content.window = grey_window;
     content.overlay = Overlay_Now();
     const auto tag = static_cast<std::size_t>(variables.Tag_Cur());

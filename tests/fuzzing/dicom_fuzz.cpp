@@ -1,5 +1,6 @@
 // libFuzzer: any bytes as a DICOM file, alone and beside itself at another place of the same series. Whatever is read
 // must be sound, and so must be what it is put together to.
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -31,11 +32,15 @@ void Check(const Volume& volume) {
         }
     }
     for (const std::int32_t level : volume.levels) {
-        Require(level <= LEVEL_LARGEST);
-        Require(volume.color || (level >= volume.level_min && level <= volume.level_max));
+        Require(level <= LEVEL_LARGEST || level == LEVEL_OUTSIDE);
+        Require(volume.color || level == LEVEL_OUTSIDE || (level >= volume.level_min && level <= volume.level_max));
     }
     const Volume_Statistics statistics = Volume_Statistics_Compute(volume);
     Require(statistics.window_low < statistics.window_high);
+}
+
+std::size_t Slice_Nb(const Dicom_Image& image) {
+    return static_cast<std::size_t>(image.volume.nz) * static_cast<std::size_t>(image.volume.nt);
 }
 
 }  // namespace
@@ -47,21 +52,40 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     Check(result.image->volume);
+    for (const std::string& warning : result.warnings) {
+        Require(std::ranges::all_of(warning, [](char letter) { return letter >= ' ' && letter < 0x7F; }));
+    }
     Image_Folder folder;
-    folder.files = {"first.dcm", "second.dcm"};
+    folder.files = {"first.dcm", "second.dcm", "third.dcm"};
+    const std::size_t slices = Slice_Nb(*result.image);
+    std::size_t wanted = slices * 3;
     Series_Part other = {*result.image, 1};
     other.image.place.corner[size % 3] += static_cast<double>(size % 7);
+    other.image.place.along_row[size % 3] += static_cast<double>(size % 5) * 1e-3;
     other.image.volume.slope /= 2;
     other.image.instance.clear();
+    Series_Part third = {*result.image, 2};
+    third.image.place.is_known = size % 2 == 0;
+    third.image.volume.slope *= size % 3 == 0 ? 1e12 : 1;
+    third.image.instance.clear();
     std::vector<Series_Part> parts;
     parts.push_back(std::move(other));
+    parts.push_back(std::move(third));
     parts.push_back({std::move(*result.image), 0});
+    for (Dicom_Image& part : result.others) {
+        Check(part.volume);
+        wanted += Slice_Nb(part);
+        parts.push_back({std::move(part), 0});
+    }
     Series_Assemble(std::move(parts), folder);
     Require(!folder.volumes.empty());
+    std::size_t shown = 0;
     for (const Folder_Volume& one : folder.volumes) {
         Check(one.volume);
+        shown += static_cast<std::size_t>(one.volume.nz);
         Require(one.volume.nt == 1 && one.file_of_slice.size() == static_cast<std::size_t>(one.volume.nz));
         Require(!Image_Folder_Problems_Text(folder, {}).starts_with(": "));
     }
+    Require(shown == wanted);
     return 0;
 }

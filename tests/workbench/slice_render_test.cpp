@@ -42,6 +42,13 @@ TEST(Slice_Render, applies_slope_and_intercept) {
     EXPECT_EQ(picture.out, (std::vector<std::uint32_t>{0xFFFFFF, 0}));
 }
 
+TEST(Slice_Render, shows_inverted_greys_with_small_ones_bright) {
+    Picture picture({-50, 0, 25, 100, 1000});
+    picture.source.is_inverted = true;
+    picture.Render({0.0F, 100.0F});
+    EXPECT_EQ(picture.out, (std::vector<std::uint32_t>{0xFFFFFF, 0xFFFFFF, 0xBFBFBF, 0, 0}));
+}
+
 TEST(Slice_Render, shows_colours_as_they_are) {
     Picture picture({0x332211});
     picture.source.color = true;

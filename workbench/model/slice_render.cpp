@@ -48,7 +48,8 @@ void Slice_Render(const Slice_Source& source, const Grey_Window& window, const T
                 const auto packed = static_cast<std::uint32_t>(level);
                 pixel = ((packed & 0xFFU) << 16U) | (packed & 0xFF00U) | ((packed >> 16U) & 0xFFU);
             } else if (level != LEVEL_OUTSIDE) {
-                const float shade = std::clamp(static_cast<float>(level) * factor + offset, 0.0F, 255.0F);
+                const float bright = std::clamp(static_cast<float>(level) * factor + offset, 0.0F, 255.0F);
+                const float shade = source.is_inverted ? 255.0F - bright : bright;
                 pixel = static_cast<std::uint32_t>(shade + 0.5F) * 0x010101U;
                 if (range.has_value()) {
                     const float grey = static_cast<float>(level) * source.slope + source.intercept;

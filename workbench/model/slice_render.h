@@ -26,6 +26,7 @@ struct Slice_Source {
     float slope = 1.0F;                    ///< grey = level * slope + intercept
     float intercept = 0.0F;
     std::span<const std::uint8_t> tags;  ///< width * height, or none
+    bool is_inverted = false;            ///< small greys are bright, large ones dark
 };
 
 struct Tag_Overlay {

@@ -24,6 +24,11 @@ bool Is_Nifti_Name(const std::string& name) {
                                [&](std::string_view ending) { return Ends_With(name, ending); });
 }
 
+bool Is_Dicom_Name(const std::string& name) {
+    return std::ranges::any_of(std::initializer_list<std::string_view>{".dcm", ".dicom", ".ima", ".dcm.gz"},
+                               [&](std::string_view ending) { return Ends_With(name, ending); });
+}
+
 /** A file to be opened. */
 struct Wanted {
     std::filesystem::path path;
@@ -179,10 +184,15 @@ class Folder_Reader {
 
     void Read_Any(const Wanted& file, const std::string& name) {
         const std::vector<std::uint8_t> bytes = Bytes_Read(file.path, limits.decoded_bytes);
-        if (file.is_named && !bytes.empty() && !Dicom_Is_Likely(bytes)) {
+        if (!file.is_named || bytes.empty() || Dicom_Is_Likely(bytes) || Is_Dicom_Name(name)) {
+            return Read_Dicom(file.path, bytes);
+        }
+        try {
             Read_Nifti(file.path, name);
-        } else {
-            Read_Dicom(file.path, bytes);
+        } catch (const Refusal& refusal) {
+            throw Refusal{Bare_Reason(refusal.text, name) == "is not a NIfTI file"
+                              ? "is neither a NIfTI nor a DICOM file"
+                              : refusal.text};
         }
     }
 
@@ -192,10 +202,17 @@ class Folder_Reader {
             throw Refusal{result.error};
         }
         Room_Take(result.image->volume);
+        for (const Dicom_Image& other : result.others) {
+            Room_Take(other.volume);
+        }
         for (const std::string& warning : result.warnings) {
             folder.problems.push_back({path, warning, true});
         }
-        parts.push_back({std::move(*result.image), File_Add(path)});
+        const std::int32_t file = File_Add(path);
+        parts.push_back({std::move(*result.image), file});
+        for (Dicom_Image& other : result.others) {
+            parts.push_back({std::move(other), file});
+        }
     }
 
     void Read_Nifti(const std::filesystem::path& path, const std::string& name) {

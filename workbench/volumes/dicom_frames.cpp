@@ -7,7 +7,7 @@
 
 #include "dcmtk/dcmdata/dcdeftag.h"
 #include "workbench/volumes/dicom_fields.h"
-#include "workbench/volumes/dicom_frame_order.h"
+#include "workbench/volumes/message_text.h"
 
 namespace {
 
@@ -31,20 +31,25 @@ bool Normalise(std::array<double, 3>& vector) {
     return true;
 }
 
-/** Reads position or orientation where an item has it; what it has not stays. */
-void Place_Read(DcmItem& position_item, DcmItem& orientation_item, Slice_Place& place) {
+/** Reads position and orientation where the items have them; what they have not stays. */
+void Place_Read(DcmItem& position_item, DcmItem* orientation_item, Slice_Place& place) {
     const auto corner = Field_Numbers<3>(position_item, DCM_ImagePositionPatient);
-    const auto sides = Field_Numbers<6>(orientation_item, DCM_ImageOrientationPatient);
-    if (!corner || !sides) {
+    if (!corner) {
         return;
     }
+    constexpr double coordinate_most = 1e6;  // mm: anything further away is a mistake
     place.corner = *corner;
+    place.has_corner = std::ranges::all_of(place.corner, [](double at) { return std::abs(at) < coordinate_most; });
+    place.is_known = false;
+    const auto sides =
+        orientation_item != nullptr ? Field_Numbers<6>(*orientation_item, DCM_ImageOrientationPatient) : std::nullopt;
+    if (!sides || !place.has_corner) {
+        return;
+    }
     place.along_row = {(*sides)[0], (*sides)[1], (*sides)[2]};
     place.along_column = {(*sides)[3], (*sides)[4], (*sides)[5]};
-    constexpr double coordinate_most = 1e6;  // mm: anything further away is a mistake
-    const bool is_near = std::ranges::all_of(place.corner, [](double at) { return std::abs(at) < coordinate_most; });
-    place.is_known = is_near && Normalise(place.along_row) && Normalise(place.along_column) &&
-                     Length_Of(Slice_Normal(place)) > direction_least;
+    place.is_known =
+        Normalise(place.along_row) && Normalise(place.along_column) && Length_Of(Slice_Normal(place)) > direction_least;
 }
 
 /** The functional group of one frame: its own, else the one that all frames share; null when there is neither. */
@@ -53,16 +58,20 @@ DcmItem* Group_Of(DcmItem* own, DcmItem* shared, const DcmTagKey& tag) {
     return found != nullptr || shared == nullptr ? found : Field_Item(*shared, tag);
 }
 
-/** Rescale numbers, if they are usable. */
-void Scale_Read(DcmItem& item, Frame_Facts& facts) {
-    const std::optional<double> slope = Field_Number(item, DCM_RescaleSlope);
+/** Rescale numbers, if they are usable. @return false: there is a slope that is not */
+bool Scale_Read(DcmItem& item, const DcmTagKey& slope_tag, Frame_Facts& facts) {
+    const std::optional<double> slope = Field_Number(item, slope_tag);
     const std::optional<double> intercept = Field_Number(item, DCM_RescaleIntercept);
     constexpr double scale_most = 1e30;
     constexpr double scale_least = 1e-30;
-    if (slope && std::abs(*slope) >= scale_least && std::abs(*slope) <= scale_most) {
-        facts.slope = *slope;
+    if (slope && (std::abs(*slope) < scale_least || std::abs(*slope) > scale_most)) {
+        return false;
+    }
+    if (slope || intercept) {
+        facts.slope = slope.value_or(1.0);
         facts.intercept = intercept && std::abs(*intercept) <= scale_most ? *intercept : 0.0;
     }
+    return true;
 }
 
 bool Is_Length(double length) {
@@ -71,16 +80,42 @@ bool Is_Length(double length) {
     return length >= shortest && length <= longest;
 }
 
-void Spacing_Read(DcmItem& item, std::array<double, 3>& spacing) {
-    for (const DcmTagKey& tag : {DCM_PixelSpacing, DCM_ImagerPixelSpacing, DCM_NominalScannedPixelSpacing}) {
-        // Stored as distance of rows, distance of columns.
-        const auto pixel = Field_Numbers<2>(item, tag);
-        if (pixel && Is_Length((*pixel)[0]) && Is_Length((*pixel)[1])) {
-            spacing[0] = (*pixel)[1];
-            spacing[1] = (*pixel)[0];
+/** Where the size of pixels comes from. */
+enum class Pixel_Source { NONE, PATIENT, REGION, DETECTOR };
+
+/** Ultrasound says for parts of the picture how large pixels are. @return whether all flat ones agree */
+bool Region_Read(DcmItem& data_set, std::array<double, 3>& spacing, bool& differs) {
+    constexpr std::int32_t flat = 1;
+    constexpr std::int32_t centimetres = 3;
+    constexpr double mm_in_cm = 10.0;
+    constexpr double same = 1e-3;  // share
+    constexpr unsigned long regions_most = 64;
+    bool is_found = false;
+    for (unsigned long number = 0; number < regions_most; ++number) {
+        DcmItem* const region = Field_Item(data_set, DCM_SequenceOfUltrasoundRegions, number);
+        if (region == nullptr) {
             break;
         }
+        const double x = std::abs(Field_Number(*region, DCM_PhysicalDeltaX).value_or(0.0)) * mm_in_cm;
+        const double y = std::abs(Field_Number(*region, DCM_PhysicalDeltaY).value_or(0.0)) * mm_in_cm;
+        if (Field_Integer(*region, DCM_RegionSpatialFormat) != flat ||
+            Field_Integer(*region, DCM_PhysicalUnitsXDirection) != centimetres ||
+            Field_Integer(*region, DCM_PhysicalUnitsYDirection) != centimetres || !Is_Length(x) || !Is_Length(y)) {
+            continue;
+        }
+        if (is_found &&
+            (std::abs(x - spacing[0]) > same * spacing[0] || std::abs(y - spacing[1]) > same * spacing[1])) {
+            differs = true;
+            break;
+        }
+        spacing[0] = x;
+        spacing[1] = y;
+        is_found = true;
     }
+    return is_found;
+}
+
+Pixel_Source Spacing_Read(DcmItem& item, std::array<double, 3>& spacing) {
     for (const DcmTagKey& tag : {DCM_SpacingBetweenSlices, DCM_SliceThickness}) {
         const std::optional<double> distance = Field_Number(item, tag);
         if (distance && Is_Length(std::abs(*distance))) {
@@ -88,6 +123,16 @@ void Spacing_Read(DcmItem& item, std::array<double, 3>& spacing) {
             break;
         }
     }
+    for (const DcmTagKey& tag : {DCM_PixelSpacing, DCM_ImagerPixelSpacing, DCM_NominalScannedPixelSpacing}) {
+        // Stored as distance of rows, distance of columns.
+        const auto pixel = Field_Numbers<2>(item, tag);
+        if (pixel && Is_Length((*pixel)[0]) && Is_Length((*pixel)[1])) {
+            spacing[0] = (*pixel)[1];
+            spacing[1] = (*pixel)[0];
+            return tag == DCM_PixelSpacing ? Pixel_Source::PATIENT : Pixel_Source::DETECTOR;
+        }
+    }
+    return Pixel_Source::NONE;
 }
 
 /** Frames that are moments of one place, not places. */
@@ -111,92 +156,278 @@ double Time_Step(DcmItem& data_set) {
     return 0.0;
 }
 
-void Plain_Plan(DcmItem& data_set, std::uint16_t modality, std::int32_t frame_nb, Frame_Plan& plan) {
-    const std::int32_t times = Field_Integer(data_set, DCM_NumberOfTemporalPositions).value_or(1);
-    plan.nt = 1;
-    if (Is_Cine(data_set, modality)) {
-        plan.nt = frame_nb;
-        plan.time_step = Time_Step(data_set);
-    } else if (times > 1 && frame_nb % times == 0) {
-        plan.nt = times;
+std::array<double, 3> Scaled(std::array<double, 3> vector, double factor) {
+    for (double& part : vector) {
+        part *= factor;
     }
-    plan.nz = frame_nb / plan.nt;
-    // Radiotherapy says where each frame lies by its distance from the first.
-    const auto first = Field_Number(data_set, DCM_GridFrameOffsetVector);
-    const auto second = Field_Number(data_set, DCM_GridFrameOffsetVector, 1);
-    if (plan.nz > 1 && first && second && Is_Length(std::abs(*second - *first))) {
-        plan.spacing[2] = std::abs(*second - *first);
-    }
-    plan.order.resize(static_cast<std::size_t>(frame_nb));
-    std::iota(plan.order.begin(), plan.order.end(), 0);
+    return vector;
 }
 
-void Frames_Read(DcmItem& data_set, Frame_Plan& plan) {
+/** Directions for what has none: no place in the patient, but slices that lie on one another. */
+Slice_Place Place_Shown(Slice_Place place) {
+    if (!place.is_known) {
+        place.along_row = {1, 0, 0};
+        place.along_column = {0, 1, 0};
+    }
+    return place;
+}
+
+std::array<double, 3> Unit_Normal(const Slice_Place& place) {
+    std::array<double, 3> normal = Slice_Normal(place);
+    Normalise(normal);
+    return normal;
+}
+
+class Planner {
+  public:
+    Planner(DcmItem& read_set, std::uint16_t image_modality, const Frame_Size& frame_size)
+        : data_set(read_set), modality(image_modality), size(frame_size) {}
+    Frame_Plan Make();
+
+  private:
+    void Frames_Read();
+    void Frame_Read(std::size_t frame, DcmItem* shared);
+    void Detector_Read(Frame_Facts& common);
+    std::vector<double> Offsets();
+    bool Offsets_Apply();
+    bool Placed();
+    void Plain();
+    void Warn(const std::string& text) { plan.warnings.push_back(text); }
+
+    DcmItem& data_set;
+    std::uint16_t modality;
+    const Frame_Size& size;
+    Frame_Plan plan;
+    Pixel_Source pixel_source = Pixel_Source::NONE;
+    bool is_scale_usable = true;
+};
+
+/** Nuclear medicine keeps the place with the detector. */
+void Planner::Detector_Read(Frame_Facts& common) {
+    DcmItem* const detector = Field_Item(data_set, DCM_DetectorInformationSequence);
+    if (!common.place.has_corner && detector != nullptr) {
+        Place_Read(*detector, detector, common.place);
+    }
+}
+
+void Planner::Frames_Read() {
     Frame_Facts common;
-    Place_Read(data_set, data_set, common.place);
-    Scale_Read(data_set, common);
-    Spacing_Read(data_set, plan.spacing);
+    Place_Read(data_set, &data_set, common.place);
+    Detector_Read(common);
+    const bool is_dose = data_set.tagExists(DCM_DoseGridScaling);
+    is_scale_usable = Scale_Read(data_set, is_dose ? DCM_DoseGridScaling : DCM_RescaleSlope, common);
+    pixel_source = Spacing_Read(data_set, common.spacing);
+    bool differs = false;
+    if (pixel_source == Pixel_Source::NONE && Region_Read(data_set, common.spacing, differs)) {
+        pixel_source = Pixel_Source::REGION;
+    }
+    if (differs) {
+        Warn("has regions whose pixels differ in size: lengths are right in the first of them only");
+    }
     DcmItem* const shared = Field_Item(data_set, DCM_SharedFunctionalGroupsSequence);
+    plan.facts.assign(static_cast<std::size_t>(size.frame_nb), common);
     for (std::size_t frame = 0; frame < plan.facts.size(); ++frame) {
-        Frame_Facts& facts = plan.facts[frame];
-        facts = common;
-        DcmItem* const own =
-            Field_Item(data_set, DCM_PerFrameFunctionalGroupsSequence, static_cast<unsigned long>(frame));
-        if (own == nullptr && shared == nullptr) {
-            continue;
-        }
-        DcmItem* const position = Group_Of(own, shared, DCM_PlanePositionSequence);
-        DcmItem* const orientation = Group_Of(own, shared, DCM_PlaneOrientationSequence);
-        if (position != nullptr && orientation != nullptr) {
-            Place_Read(*position, *orientation, facts.place);
-        }
-        if (DcmItem* const values = Group_Of(own, shared, DCM_PixelValueTransformationSequence)) {
-            Scale_Read(*values, facts);
-        }
-        if (DcmItem* const content = Group_Of(own, shared, DCM_FrameContentSequence)) {
-            facts.temporal_position = Field_Integer(*content, DCM_TemporalPositionIndex).value_or(0);
-        }
-        DcmItem* const measures = frame == 0 ? Group_Of(own, shared, DCM_PixelMeasuresSequence) : nullptr;
-        if (measures != nullptr) {
-            Spacing_Read(*measures, plan.spacing);
-        }
+        Frame_Read(frame, shared);
+    }
+    if (!is_scale_usable) {
+        Warn("has a slope that cannot be used: stored values are shown as they are");
     }
 }
 
-/** Orders frames by their places. @return false: they have none that make a stack */
-bool Placed_Plan(Frame_Plan& plan) {
-    std::vector<double> depth;
-    std::vector<double> later;
-    const std::array<double, 3> normal = Slice_Normal(plan.facts.front().place);
-    for (const Frame_Facts& facts : plan.facts) {
-        const std::array<double, 3> own = Slice_Normal(facts.place);
-        const double along = normal[0] * own[0] + normal[1] * own[1] + normal[2] * own[2];
-        constexpr double parallel = 0.999;
-        if (!facts.place.is_known || along < parallel) {
-            return false;
-        }
-        depth.push_back(Slice_Depth(facts.place));
-        later.push_back(facts.temporal_position);
+void Planner::Frame_Read(std::size_t frame, DcmItem* shared) {
+    Frame_Facts& facts = plan.facts[frame];
+    DcmItem* const own = Field_Item(data_set, DCM_PerFrameFunctionalGroupsSequence, static_cast<unsigned long>(frame));
+    if (own == nullptr && shared == nullptr) {
+        return;
     }
-    std::vector<std::int32_t> order = Slices_In_Order(depth, later, plan.nz, plan.nt);
-    if (order.empty() || plan.nz == 1) {
+    DcmItem* const position = Group_Of(own, shared, DCM_PlanePositionSequence);
+    if (position != nullptr) {
+        Place_Read(*position, Group_Of(own, shared, DCM_PlaneOrientationSequence), facts.place);
+        facts.is_own_place = facts.place.has_corner;
+    }
+    if (DcmItem* const values = Group_Of(own, shared, DCM_PixelValueTransformationSequence)) {
+        is_scale_usable = Scale_Read(*values, DCM_RescaleSlope, facts) && is_scale_usable;
+    }
+    if (DcmItem* const content = Group_Of(own, shared, DCM_FrameContentSequence)) {
+        facts.moment.temporal_position = Field_Integer(*content, DCM_TemporalPositionIndex).value_or(0);
+        facts.moment.acquisition = Field_Integer(*content, DCM_FrameAcquisitionNumber).value_or(0);
+    }
+    if (DcmItem* const heart = Group_Of(own, shared, DCM_CardiacSynchronizationSequence)) {
+        facts.moment.trigger = Field_Number(*heart, DCM_NominalCardiacTriggerDelayTime).value_or(0.0);
+    }
+    if (DcmItem* const measures = Group_Of(own, shared, DCM_PixelMeasuresSequence)) {
+        const Pixel_Source source = Spacing_Read(*measures, facts.spacing);
+        pixel_source = source != Pixel_Source::NONE ? source : pixel_source;
+    }
+}
+
+/** Offsets along the normal from the first frame: radiotherapy's list, or frames at one distance from each other.
+ *  Empty: the file does not say, or in no usable way. */
+std::vector<double> Planner::Offsets() {
+    std::vector<double> offsets;
+    if (!data_set.tagExists(DCM_GridFrameOffsetVector)) {
+        const auto distance = Field_Number(data_set, DCM_SpacingBetweenSlices);
+        const bool has_times = Field_Integer(data_set, DCM_NumberOfTemporalPositions).value_or(1) > 1;
+        if (distance && Is_Length(std::abs(*distance)) && !has_times && !Is_Cine(data_set, modality)) {
+            for (std::int32_t frame = 0; frame < size.frame_nb; ++frame) {
+                offsets.push_back(*distance * frame);
+            }
+        }
+        return offsets;
+    }
+    for (std::size_t frame = 0; frame < plan.facts.size(); ++frame) {
+        const auto offset = Field_Number(data_set, DCM_GridFrameOffsetVector, static_cast<unsigned long>(frame));
+        constexpr double offset_most = 1e6;  // mm
+        if (!offset || std::abs(*offset) > offset_most) {
+            Warn("has a list of frame offsets that does not fit its frames: where they lie is not known");
+            return {};
+        }
+        offsets.push_back(*offset);
+    }
+    // The first one is 0, or the height of the first frame: then all are heights, which rise to the patient's head.
+    constexpr double same = 1e-3;  // mm
+    const Slice_Place place = Place_Shown(plan.facts.front().place);
+    const double first = offsets.front();
+    const bool is_height = std::abs(first) > same && std::abs(first - place.corner[2]) < same;
+    const double sign = is_height && Slice_Normal(place)[2] < 0 ? -1.0 : 1.0;
+    for (double& offset : offsets) {
+        offset = sign * (offset - first);
+    }
+    return offsets;
+}
+
+/** Gives every frame a place of its own. @return false: nothing says where */
+bool Planner::Offsets_Apply() {
+    const std::vector<double> offsets = Offsets();
+    if (offsets.empty()) {
         return false;
     }
-    plan.order = std::move(order);
-    const double span = depth[static_cast<std::size_t>(plan.order[static_cast<std::size_t>(plan.nz) - 1])] -
-                        depth[static_cast<std::size_t>(plan.order[0])];
-    plan.spacing[2] = span / (plan.nz - 1);
+    const std::array<double, 3> normal = Unit_Normal(Place_Shown(plan.facts.front().place));
+    for (std::size_t frame = 0; frame < plan.facts.size(); ++frame) {
+        Slice_Place& own = plan.facts[frame].place;
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            own.corner[axis] += offsets[frame] * normal[axis];
+        }
+        plan.facts[frame].is_own_place = true;
+    }
     return true;
+}
+
+/** Stacks frames by their places. @return false: they have none of their own */
+bool Planner::Placed() {
+    auto placed = std::ranges::count_if(plan.facts, &Frame_Facts::is_own_place);
+    const bool has_offsets = placed == 0 && Offsets_Apply();
+    if (placed == 0 && !has_offsets) {
+        return false;
+    }
+    placed = has_offsets ? size.frame_nb : placed;
+    if (placed < static_cast<std::ptrdiff_t>(size.frame_nb)) {
+        Warn(
+            "has frames that do not say where they lie: all are shown in the file's order, without a place in the "
+            "patient");
+        for (Frame_Facts& facts : plan.facts) {
+            facts.place = {};
+        }
+        return false;
+    }
+    std::vector<Slice_Place> places;
+    for (const Frame_Facts& facts : plan.facts) {
+        places.push_back(has_offsets ? Place_Shown(facts.place) : facts.place);
+    }
+    const bool is_known =
+        std::ranges::all_of(plan.facts, [](const Frame_Facts& facts) { return facts.place.is_known; });
+    if (!is_known && !has_offsets) {
+        Warn("says where its frames lie, but not how they are turned: the sides of the patient are not known");
+        if (!Directions_Assume(places)) {
+            return false;
+        }
+    }
+    std::vector<Stack_Slice> slices;
+    for (std::size_t frame = 0; frame < plan.facts.size(); ++frame) {
+        const Frame_Facts& facts = plan.facts[frame];
+        slices.push_back(
+            {places[frame], facts.moment, {facts.spacing[0], facts.spacing[1]}, {size.width, size.height}});
+    }
+    const Stack_Plan stacks = Slices_Stack(slices);
+    for (const Stack_Warning& warning : stacks.warnings) {
+        Warn(Stack_Warning_Text(warning, true));
+    }
+    for (const Slice_Stack& one : stacks.stacks) {
+        const auto first = static_cast<std::size_t>(one.order.front());
+        Frame_Stack stack;
+        stack.nz = one.nz;
+        stack.nt = one.nt;
+        stack.order = one.order;
+        stack.place = places[first];
+        stack.spacing = plan.facts[first].spacing;
+        if (one.kind == Slice_Stack::Kind::SCATTERED) {
+            stack.place = Place_Shown({});
+            stack.step = {0, 0, stack.spacing[2]};
+        } else if (one.nz > 1) {
+            stack.step = one.step;
+            stack.spacing[2] = one.distance;
+        } else {
+            stack.step = Scaled(Unit_Normal(stack.place), stack.spacing[2]);
+        }
+        stack.place.is_known = is_known && one.kind != Slice_Stack::Kind::SCATTERED;
+        plan.stacks.push_back(std::move(stack));
+    }
+    plan.place_source = has_offsets ? "position of the file, offset of every frame" : "position of every frame";
+    return true;
+}
+
+/** Frames without places of their own. */
+void Planner::Plain() {
+    Frame_Stack stack;
+    const Frame_Facts& first = plan.facts.front();
+    stack.place = Place_Shown(first.place);
+    stack.spacing = first.spacing;
+    const std::int32_t times = Field_Integer(data_set, DCM_NumberOfTemporalPositions).value_or(1);
+    if (size.frame_nb > 1 && Is_Cine(data_set, modality)) {
+        stack.nt = size.frame_nb;
+        stack.time_step = Time_Step(data_set);
+    } else if (times > 1 && size.frame_nb % times == 0) {
+        stack.nt = times;
+    }
+    stack.nz = size.frame_nb / stack.nt;
+    if (stack.nz > 1) {
+        Warn("does not say how far its frames lie apart: they are taken in the file's order, " +
+             Amount_Text(stack.spacing[2]) + " mm from one to the next");
+    }
+    stack.step = Scaled(Unit_Normal(stack.place), stack.spacing[2]);
+    stack.order.resize(static_cast<std::size_t>(size.frame_nb));
+    std::iota(stack.order.begin(), stack.order.end(), 0);
+    plan.place_source = "no position";
+    if (stack.place.is_known) {
+        plan.place_source = size.frame_nb == 1 ? "position of the slice" : "position of the file";
+    }
+    plan.stacks.push_back(std::move(stack));
+}
+
+std::string Pixel_Source_Text(Pixel_Source source) {
+    switch (source) {
+        case Pixel_Source::PATIENT:
+            return {};
+        case Pixel_Source::REGION:
+            return "; pixel size of the ultrasound region";
+        case Pixel_Source::DETECTOR:
+            return "; pixel size at the detector, not in the patient";
+        default:
+            return "; no pixel size, taken as 1 mm";
+    }
+}
+
+Frame_Plan Planner::Make() {
+    Frames_Read();
+    if (size.frame_nb == 1 || !Placed()) {
+        Plain();
+    }
+    plan.place_source += Pixel_Source_Text(pixel_source);
+    return std::move(plan);
 }
 
 }  // namespace
 
-Frame_Plan Frames_Plan(DcmItem& data_set, std::uint16_t modality, std::int32_t frame_nb) {
-    Frame_Plan plan;
-    plan.facts.resize(static_cast<std::size_t>(frame_nb));
-    Frames_Read(data_set, plan);
-    if (frame_nb == 1 || !Placed_Plan(plan)) {
-        Plain_Plan(data_set, modality, frame_nb, plan);
-    }
-    return plan;
+Frame_Plan Frames_Plan(DcmItem& data_set, std::uint16_t modality, const Frame_Size& size) {
+    return Planner(data_set, modality, size).Make();
 }

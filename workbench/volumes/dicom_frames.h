@@ -3,29 +3,48 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "dcmtk/config/osconfig.h"
 #include "dcmtk/dcmdata/dcitem.h"
 #include "workbench/volumes/dicom_reader.h"
+#include "workbench/volumes/slice_stack.h"
 
 /** What a frame says of itself. */
 struct Frame_Facts {
     Slice_Place place;
+    bool is_own_place = false;  ///< the place is that of the frame, not of the file
     double slope = 1;
     double intercept = 0;
-    std::int32_t temporal_position = 0;
+    Slice_Moment moment;
+    std::array<double, 3> spacing{1, 1, 1};  ///< mm; the third is the distance or thickness that the file names
 };
 
-struct Frame_Plan {
+/** Frames that make up one volume. */
+struct Frame_Stack {
     std::int32_t nz = 1;
     std::int32_t nt = 1;
     std::vector<std::int32_t>
-        order;                       ///< the file's frame for slice 0 of time 0, slice 1 of time 0 ...; nz * nt of them
-    std::vector<Frame_Facts> facts;  ///< by the file's frame
+        order;          ///< the file's frame for slice 0 of time 0, slice 1 of time 0 ...; nz * nt of them
+    Slice_Place place;  ///< of the first slice; is_known is false where directions were assumed
     std::array<double, 3> spacing{1, 1, 1};
-    double time_step = 0;  ///< seconds
+    std::array<double, 3> step{0, 0, 1};  ///< mm from one slice to the next, in the coordinates of Slice_Place
+    double time_step = 0;                 ///< seconds
 };
 
-/** @param modality two letters, the first in the high byte; @param frame_nb 1 or more */
-Frame_Plan Frames_Plan(DcmItem& data_set, std::uint16_t modality, std::int32_t frame_nb);
+struct Frame_Plan {
+    std::vector<Frame_Facts> facts;     ///< by the file's frame
+    std::vector<Frame_Stack> stacks;    ///< one or more; together they have every frame once
+    std::string place_source;           ///< for people: where the places come from
+    std::vector<std::string> warnings;  ///< as Dicom_Result::warnings
+};
+
+struct Frame_Size {
+    std::int32_t width = 1;
+    std::int32_t height = 1;
+    std::int32_t frame_nb = 1;
+};
+
+/** @param modality two letters, the first in the high byte */
+Frame_Plan Frames_Plan(DcmItem& data_set, std::uint16_t modality, const Frame_Size& size);

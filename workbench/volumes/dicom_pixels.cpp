@@ -100,10 +100,7 @@ void Frame_Decode(const Pixel_Format& format, std::span<const std::uint8_t> byte
         default:
             break;
     }
-    const bool is_inverted = format.kind == Pixel_Format::Kind::GREY_INVERTED;
-    const std::int64_t sum = format.is_signed ? -1 : (std::int64_t{1} << format.bits_stored) - 1;
     for (std::size_t at = 0; at < levels.size(); ++at) {
-        const std::int64_t value = samples.Value(at);
-        levels[at] = is_inverted ? sum - value : value;
+        levels[at] = samples.Value(at);
     }
 }

@@ -9,47 +9,35 @@
 #include <vector>
 
 #include "workbench/volumes/nifti_reader.h"
+#include "workbench/volumes/slice_stack.h"
 #include "workbench/volumes/volume.h"
 
-/** Where a slice lies in the patient. Millimetres to the patient's left, back and top. */
-struct Slice_Place {
-    bool is_known = false;              ///< false: the file does not say; the other members mean nothing
-    std::array<double, 3> corner{};     ///< centre of the first pixel
-    std::array<double, 3> along_row{};  ///< unit vector of rising x
-    std::array<double, 3> along_column{};
-};
-
-/** The vector that slices are stacked along: row times column. */
-std::array<double, 3> Slice_Normal(const Slice_Place& place);
-/** How far the slice lies along its normal, mm. */
-double Slice_Depth(const Slice_Place& place);
-/** Voxel index to NIfTI's millimetres (right, front, top). @param step from one slice to the next, mm, in the
- *  coordinates of Slice_Place */
-Affine Affine_Of(const Slice_Place& first, const std::array<double, 3>& spacing, const std::array<double, 3>& step);
-
-/** The pictures of one file.
+/** The pictures of one file, or those of them that lie on one grid.
  *
- *  Stored values are levels: sign, stored bits and high bit are taken into account, and
- *  MONOCHROME1 is turned round so that a larger level is brighter. Colours (RGB, YBR_FULL, YBR_FULL_422, palettes) are
+ *  Stored values are levels where they fit: sign, stored bits and high bit are taken into account, slopes of frames
+ *  that differ are brought to one scale, and a table of grey values is looked up. MONOCHROME1 keeps its values
+ *  (Volume::is_inverted). Colours (RGB, YBR_FULL, YBR_FULL_422, palettes) are
  *  packed 8-bit colours. Rows run from the top. */
 struct Dicom_Image {
-    Volume volume;         ///< nz slices at nt time points
-    Slice_Place place;     ///< of the first slice
+    Volume volume;              ///< nz slices at nt time points
+    Slice_Place place;          ///< of the first slice; a corner without directions: has_corner alone
+    std::int32_t frame_nb = 1;  ///< frames of the file
+    std::int32_t part = 0;      ///< of part_nb that the file's frames make up, from 0
+    std::int32_t part_nb = 1;
     std::string instance;  ///< unique identifier of the image itself; may be empty
     std::string study;
     std::string series;       ///< unique identifiers; may be empty
     std::string series_text;  ///< description, or the protocol's name; UTF-8, may be empty
     std::int32_t series_number = 0;
     std::int32_t instance_number = 0;
-    std::int32_t acquisition_number = 0;
-    std::int32_t temporal_position = 0;  ///< 0: the file does not say
-    double trigger_time = 0;             ///< ms, 0: the file does not say
-    std::uint16_t modality = 0;          ///< two letters, the first in the high byte
-    bool is_scout = false;               ///< a localizer
+    Slice_Moment moment;         ///< of the first slice
+    std::uint16_t modality = 0;  ///< two letters, the first in the high byte
+    bool is_scout = false;       ///< a localizer
 };
 
 struct Dicom_Result {
     std::optional<Dicom_Image> image;   ///< no value: see error
+    std::vector<Dicom_Image> others;    ///< frames that do not lie on the first image's grid
     std::string error;                  ///< what the file is or has, "is no DICOM file"; empty on success
     std::vector<std::string> warnings;  ///< said in the same way
 };

@@ -1,46 +1,38 @@
 #include "workbench/volumes/dicom_series.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstddef>
 #include <map>
-#include <numeric>
+#include <string_view>
 #include <tuple>
 #include <utility>
 
-#include "workbench/volumes/dicom_frame_order.h"
+#include "workbench/volumes/level_range.h"
+#include "workbench/volumes/level_scale.h"
 #include "workbench/volumes/message_text.h"
+#include "workbench/volumes/slice_stack.h"
 
 namespace {
 
-/** A number as a whole number of small steps, so that numbers that are the same but for rounding compare equal. */
-std::int64_t Rounded(double number) {
-    constexpr double step = 1e-3;
-    constexpr double most = 1e15;
-    return std::llround(std::clamp(number / step, -most, most));
-}
+constexpr std::string_view position_text = "position of every slice";
 
-/** What slices of one volume have in common. */
-using Key = std::tuple<std::string, std::int32_t, std::string, std::int32_t, std::vector<std::int64_t>>;
+/** What slices of one volume have in common; directions and pixel sizes are compared later. */
+using Key = std::tuple<std::string, std::int32_t, std::string, std::int32_t, std::vector<std::int32_t>>;
 
-Key Key_Of(const Series_Part& part) {
+Key Key_Of(const Series_Part& part, const std::string& series) {
     const Dicom_Image& image = part.image;
     const Volume& volume = image.volume;
-    std::vector<std::int64_t> geometry = {volume.nx,
-                                          volume.ny,
-                                          volume.color ? 1 : 0,
-                                          image.is_scout ? 1 : 0,
-                                          Rounded(volume.spacing[0]),
-                                          Rounded(volume.spacing[1])};
-    if (image.place.is_known) {
-        for (const auto& side : {image.place.along_row, image.place.along_column}) {
-            for (const double number : side) {
-                geometry.push_back(Rounded(number));
-            }
-        }
-    }
     // A file with several frames, or of no series, stands alone.
-    const bool is_alone = volume.nz > 1 || volume.nt > 1 || image.series.empty();
-    return {image.study, image.series_number, image.series, is_alone ? part.file : -1, std::move(geometry)};
+    const bool is_alone = image.frame_nb > 1 || series.empty();
+    std::vector<std::int32_t> kind = {volume.nx,
+                                      volume.ny,
+                                      volume.color ? 1 : 0,
+                                      volume.is_inverted ? 1 : 0,
+                                      image.is_scout ? 1 : 0,
+                                      image.place.is_known ? 1 : 0,
+                                      image.place.has_corner ? 1 : 0,
+                                      image.part};
+    return {image.study, image.series_number, series, is_alone ? part.file : -1, std::move(kind)};
 }
 
 std::string Modality_Text(std::uint16_t modality) {
@@ -68,27 +60,31 @@ std::string Time_Text(std::int32_t time, std::int32_t times) {
     return times > 1 ? ", time " + std::to_string(time + 1) + " of " + std::to_string(times) : std::string();
 }
 
-/** Brings a volume's levels to another scale. */
-void Scale_Change(Volume& volume, double slope, double intercept) {
-    if (volume.color || (volume.slope == slope && volume.intercept == intercept)) {
-        return;
-    }
-    constexpr double most = LEVEL_LARGEST;
-    for (std::int32_t& level : volume.levels) {
-        const double grey = level * volume.slope + volume.intercept;
-        level = static_cast<std::int32_t>(std::lround(std::clamp((grey - intercept) / slope, -most, most)));
-    }
-    volume.slope = slope;
-    volume.intercept = intercept;
-    volume.max_error += std::abs(slope) / 2;
+/** What follows the title of one of several volumes of a series. */
+std::string Piece_Text(std::int32_t piece, std::int32_t pieces) {
+    return pieces > 1 ? ", part " + std::to_string(piece + 1) + " of " + std::to_string(pieces) : std::string();
 }
 
-void Range_Find(Volume& volume) {
-    if (!volume.color && !volume.levels.empty()) {
-        const auto [lowest, highest] = std::ranges::minmax(volume.levels);
-        volume.level_min = lowest;
-        volume.level_max = highest;
+Scaled_Part Scale_Of(const Volume& volume) {
+    return {volume.slope, volume.intercept, volume.level_min, volume.level_max, volume.levels.size(), volume.max_error};
+}
+
+/** Brings a volume's levels to another scale. */
+void Scale_Change(Volume& volume, const Level_Scale& scale) {
+    const Level_Map map(Scale_Of(volume), scale);
+    if (volume.color || (map.Is_Same() && scale.outlier_nb == 0)) {
+        return;
     }
+    for (std::int32_t& level : volume.levels) {
+        level = map.Level_Again(level);
+    }
+    volume.slope = scale.slope;
+    volume.intercept = scale.intercept;
+}
+
+Stack_Slice Slice_Of(const Series_Part& part) {
+    const Volume& volume = part.image.volume;
+    return {part.image.place, part.image.moment, {volume.spacing[0], volume.spacing[1]}, {volume.nx, volume.ny}};
 }
 
 /** One group of parts while it becomes volumes. */
@@ -101,25 +97,41 @@ class Group {
             return Alone();
         }
         std::ranges::stable_sort(parts, {}, [](const Series_Part* part) { return part->image.instance_number; });
-        Order_Find();
-        for (std::int32_t time = 0; time < nt; ++time) {
-            Stack(time);
+        const Dicom_Image& first = parts.front()->image;
+        if (first.place.is_known || (first.place.has_corner && Places_Assume())) {
+            Placed();
+        } else {
+            Numbered();
         }
     }
 
   private:
     void Alone();
-    void Order_Find();
-    void Stack(std::int32_t time);
-    /** Sets distance and direction of the slices. */
-    void Geometry(const std::vector<Series_Part*>& stack, Folder_Volume& made);
+    /** Directions for slices that have positions only. */
+    bool Places_Assume();
+    /** Slices by position. */
+    void Placed();
+    /** Slices without positions, by number. */
+    void Numbered();
+    void Place_Set(const Slice_Stack& stack, const Slice_Place& first, Volume& volume) const;
+    void Stack(const Slice_Stack& stack, std::int32_t time, const std::string& title_end);
     Folder_Volume Begin(const Series_Part& part) const;
+    void Warn(std::int32_t part, const std::string& text) {
+        const auto at = static_cast<std::size_t>(parts[static_cast<std::size_t>(part)]->file);
+        folder.problems.push_back({folder.files[at], text, true});
+    }
+    std::vector<Stack_Slice> Slices() const {
+        std::vector<Stack_Slice> slices;
+        for (const Series_Part* part : parts) {
+            slices.push_back(Slice_Of(*part));
+        }
+        return slices;
+    }
 
     std::vector<Series_Part*> parts;
     Image_Folder& folder;
-    std::vector<std::int32_t> order;
-    std::int32_t nz = 1;
-    std::int32_t nt = 1;
+    bool is_assumed = false;  // directions were not in the files
+    bool is_told = false;     // that they were not
 };
 
 Folder_Volume Group::Begin(const Series_Part& part) const {
@@ -136,127 +148,156 @@ Folder_Volume Group::Begin(const Series_Part& part) const {
 void Group::Alone() {
     Series_Part& part = *parts.front();
     Folder_Volume made = Begin(part);
+    made.title += Piece_Text(part.image.part, part.image.part_nb);
     made.volume = std::move(part.image.volume);
     made.file_of_slice.assign(static_cast<std::size_t>(made.volume.nz), part.file);
     Times_Split(std::move(made), folder);
 }
 
-void Group::Order_Find() {
-    const bool is_placed =
-        std::ranges::all_of(parts, [](const Series_Part* part) { return part->image.place.is_known; });
-    if (is_placed) {
-        std::vector<double> depth;
-        std::vector<double> later;
-        for (const Series_Part* part : parts) {
-            const Dicom_Image& image = part->image;
-            depth.push_back(Slice_Depth(image.place));
-            // The parts are in the order of their numbers already, which decides where these are the same.
-            later.push_back(image.temporal_position != 0 ? image.temporal_position
-                                                         : image.acquisition_number + image.trigger_time);
-        }
-        order = Slices_In_Order(depth, later, nz, nt);
-        if (!order.empty()) {
-            return;
-        }
-        const std::filesystem::path& path = folder.files[static_cast<std::size_t>(parts.front()->file)];
-        folder.problems.push_back(
-            {path, "belongs to a series whose positions do not occur equally often; its slices are in order of number",
-             true});
+bool Group::Places_Assume() {
+    std::vector<Slice_Place> places;
+    for (const Series_Part* part : parts) {
+        places.push_back(part->image.place);
     }
-    order.resize(parts.size());
-    std::iota(order.begin(), order.end(), 0);
-    nz = static_cast<std::int32_t>(parts.size());
-    nt = 1;
+    is_assumed = Directions_Assume(places);
+    is_told = true;
+    for (std::size_t at = 0; is_assumed && at < parts.size(); ++at) {
+        parts[at]->image.place = places[at];
+    }
+    Warn(0, std::string("belongs to a series that says where slices lie, but not how they are turned: ") +
+                (is_assumed ? "they are in order of position, " : "they are in order of number, ") +
+                "and the sides of the patient are not known");
+    return is_assumed;
 }
 
-void Group::Geometry(const std::vector<Series_Part*>& stack, Folder_Volume& made) {
-    Volume& volume = made.volume;
-    const Slice_Place& first = stack.front()->image.place;
-    const Slice_Place& last = stack.back()->image.place;
-    if (!first.is_known || stack.size() < 2) {
-        return;
+void Group::Placed() {
+    const Stack_Plan plan = Slices_Stack(Slices());
+    for (const Stack_Warning& warning : plan.warnings) {
+        Warn(warning.slice, Stack_Warning_Text(warning, false));
     }
-    const double span = Slice_Depth(last) - Slice_Depth(first);
-    const auto gaps = static_cast<double>(stack.size() - 1);
-    constexpr double span_least = 0.01;  // mm
-    if (!(span >= span_least)) {
-        return;
-    }
-    std::array<double, 3> step{};
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-        step[axis] = (last.corner[axis] - first.corner[axis]) / gaps;
-    }
-    volume.spacing[2] = span / gaps;
-    volume.affine = Affine_Of(first, volume.spacing, step);
-    constexpr double uneven = 0.05;  // share of the distance
-    for (std::size_t at = 1; at < stack.size(); ++at) {
-        const double gap = Slice_Depth(stack[at]->image.place) - Slice_Depth(stack[at - 1]->image.place);
-        if (std::abs(gap - volume.spacing[2]) > uneven * volume.spacing[2]) {
-            folder.problems.push_back({folder.files[static_cast<std::size_t>(stack[at]->file)],
-                                       "lies at an uneven distance from the slice before it (" + made.title + ")",
-                                       true});
-            return;
+    // Directions are told apart by what they show; only pieces of one direction need a number.
+    const bool is_several = std::ranges::any_of(
+        plan.warnings, [](const Stack_Warning& warning) { return warning.kind == Stack_Warning::Kind::UNEQUAL; });
+    const auto pieces = is_several ? static_cast<std::int32_t>(plan.stacks.size()) : 1;
+    for (const Slice_Stack& stack : plan.stacks) {
+        const auto piece = static_cast<std::int32_t>(&stack - plan.stacks.data());
+        for (std::int32_t time = 0; time < stack.nt; ++time) {
+            Stack(stack, time, Piece_Text(piece, pieces) + Time_Text(time, stack.nt));
         }
     }
 }
 
-void Group::Stack(std::int32_t time) {
-    std::vector<Series_Part*> stack;
-    for (std::int32_t z = 0; z < nz; ++z) {
-        const auto place = static_cast<std::size_t>(time) * static_cast<std::size_t>(nz) + static_cast<std::size_t>(z);
-        stack.push_back(parts[static_cast<std::size_t>(order[place])]);
+void Group::Numbered() {
+    if (!is_told) {
+        Warn(0, "belongs to a series that does not say where its slices lie: they are in order of number");
     }
-    Folder_Volume made = Begin(*stack.front());
-    made.title += Time_Text(time, nt);
-    const auto finest =
-        std::ranges::min_element(stack, {}, [](const Series_Part* part) { return std::abs(part->image.volume.slope); });
-    const double slope = (*finest)->image.volume.slope;
-    const double intercept = (*finest)->image.volume.intercept;
+    for (const std::vector<std::int32_t>& alike : Slices_Alike(Slices())) {
+        Slice_Stack stack;
+        stack.kind = Slice_Stack::Kind::SCATTERED;
+        stack.nz = static_cast<std::int32_t>(alike.size());
+        stack.order = alike;
+        Stack(stack, 0, {});
+    }
+}
+
+void Group::Stack(const Slice_Stack& stack, std::int32_t time, const std::string& title_end) {
+    const auto nz = static_cast<std::size_t>(stack.nz);
+    const auto begin = stack.order.begin() + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(time) * nz);
+    std::vector<Scaled_Part> scales;
+    for (auto at = begin; at != begin + static_cast<std::ptrdiff_t>(nz); ++at) {
+        scales.push_back(Scale_Of(parts[static_cast<std::size_t>(*at)]->image.volume));
+    }
+    const Series_Part& first = *parts[static_cast<std::size_t>(*begin)];
+    Folder_Volume made = Begin(first);
+    made.title += title_end;
+    const Level_Scale scale = Level_Scale_Choose(scales);
     Volume& volume = made.volume;
-    for (Series_Part* part : stack) {
-        Volume& slice = part->image.volume;
-        Scale_Change(slice, slope, intercept);
+    for (auto at = begin; at != begin + static_cast<std::ptrdiff_t>(nz); ++at) {
+        Series_Part& part = *parts[static_cast<std::size_t>(*at)];
+        Volume& slice = part.image.volume;
+        Scale_Change(slice, scale);
         std::vector<std::int32_t> levels = std::exchange(slice.levels, {});
-        if (part == stack.front()) {
+        if (&part == &first) {
             volume = slice;
-            volume.levels.reserve(levels.size() * stack.size());
+            volume.levels.reserve(levels.size() * nz);
         }
         volume.levels.insert(volume.levels.end(), levels.begin(), levels.end());
-        volume.max_error = std::max(volume.max_error, slice.max_error);
-        volume.level_min = std::min(volume.level_min, slice.level_min);
-        volume.level_max = std::max(volume.level_max, slice.level_max);
-        made.file_of_slice.push_back(part->file);
+        made.file_of_slice.push_back(part.file);
     }
-    volume.nz = nz;
-    Range_Find(volume);
-    Geometry(stack, made);
+    if (const std::string lost = Level_Scale_Warning(scale, "slices"); !volume.color && !lost.empty()) {
+        Warn(*begin, lost + " (" + made.title + ")");
+    }
+    if (!volume.color) {
+        volume.max_error = scale.max_error;
+    }
+    volume.nz = stack.nz;
+    Level_Range_Find(volume);
+    Place_Set(stack, first.image.place, volume);
     folder.volumes.push_back(std::move(made));
 }
 
+void Group::Place_Set(const Slice_Stack& stack, const Slice_Place& first, Volume& volume) const {
+    const bool is_scattered = stack.kind == Slice_Stack::Kind::SCATTERED;
+    volume.place_source = std::string(position_text) + volume.place_source.substr(std::min(
+                                                           volume.place_source.find(';'), volume.place_source.size()));
+    if (!is_scattered && stack.nz > 1) {
+        volume.spacing[2] = stack.distance;
+        volume.affine = Affine_Of(first, volume.spacing, stack.step);
+    }
+    if (is_scattered) {
+        Slice_Place none;
+        none.along_row = {1, 0, 0};
+        none.along_column = {0, 1, 0};
+        volume.affine = Affine_Of(none, volume.spacing, {0, 0, volume.spacing[2]});
+        volume.place_source.replace(0, position_text.size(), "no position");
+    }
+    if (is_scattered || is_assumed) {
+        volume.affine_source = Affine_Source::SPACING;
+    }
+}
+
 /** Whether two images of one identifier are one. */
-bool Is_Same(const Dicom_Image& left, const Dicom_Image& right) {
-    return left.series == right.series && left.volume.nx == right.volume.nx && left.volume.nz == right.volume.nz &&
-           left.volume.slope == right.volume.slope && left.volume.levels == right.volume.levels;
+bool Is_Same(const Series_Part& left_part, const Series_Part& right_part) {
+    const Dicom_Image& left = left_part.image;
+    const Dicom_Image& right = right_part.image;
+    return left_part.file != right_part.file && left.place.corner == right.place.corner &&
+           left.moment == right.moment && left.part == right.part && left.series == right.series &&
+           left.volume.nx == right.volume.nx && left.volume.nz == right.volume.nz &&
+           left.volume.slope == right.volume.slope && left.volume.intercept == right.volume.intercept &&
+           left.volume.levels == right.volume.levels;
 }
 
 /** Copies would make two times of one. */
 void Copies_Remove(std::vector<Series_Part>& parts, Image_Folder& folder) {
-    std::map<std::string, Series_Part*> first_of;
-    const auto name_of = [&](const Series_Part& part) { return folder.files[static_cast<std::size_t>(part.file)]; };
+    std::map<std::string, std::vector<std::size_t>> kept_of;
+    const auto name_of = [&](std::size_t at) { return folder.files[static_cast<std::size_t>(parts[at].file)]; };
     std::vector<bool> is_copy(parts.size());
     for (std::size_t at = 0; at < parts.size(); ++at) {
         if (parts[at].image.instance.empty()) {
             continue;
         }
-        const auto [entry, is_new] = first_of.emplace(parts[at].image.instance, &parts[at]);
-        if (!is_new && Is_Same(entry->second->image, parts[at].image)) {
-            is_copy[at] = true;
-            folder.problems.push_back(
-                {name_of(parts[at]), "holds the same image as " + File_Name_Text(name_of(*entry->second)), true});
+        std::vector<std::size_t>& kept = kept_of[parts[at].image.instance];
+        const auto same = std::ranges::find_if(kept, [&](std::size_t one) { return Is_Same(parts[one], parts[at]); });
+        is_copy[at] = same != kept.end();
+        if (!is_copy[at]) {
+            kept.push_back(at);
+        } else if (parts[at].image.part == 0) {
+            folder.problems.push_back({name_of(at), "holds the same image as " + File_Name_Text(name_of(*same)), true});
         }
     }
     std::size_t at = 0;
     std::erase_if(parts, [&](const Series_Part&) { return is_copy[at++]; });
+}
+
+/** The series of a part; where the file names none, what its slices share stands for it. */
+std::string Series_Of(const Series_Part& part, const Image_Folder& folder) {
+    const Dicom_Image& image = part.image;
+    if (!image.series.empty() || (!image.place.has_corner && image.instance_number == 0)) {
+        return image.series;
+    }
+    const std::size_t below =
+        std::filesystem::hash_value(folder.files[static_cast<std::size_t>(part.file)].parent_path());
+    return "? " + Modality_Text(image.modality) + ' ' + image.series_text + ' ' + std::to_string(below);
 }
 
 }  // namespace
@@ -265,9 +306,15 @@ void Series_Assemble(std::vector<Series_Part>&& parts, Image_Folder& folder) {
     Copies_Remove(parts, folder);
     std::map<Key, std::vector<Series_Part*>> groups;
     for (Series_Part& part : parts) {
-        groups[Key_Of(part)].push_back(&part);
+        groups[Key_Of(part, Series_Of(part, folder))].push_back(&part);
     }
     for (auto& [key, group] : groups) {
+        if (group.size() > 1 && group.front()->image.series.empty()) {
+            folder.problems.push_back({folder.files[static_cast<std::size_t>(group.front()->file)],
+                                       "names no series: it was put together with " + Count_Text(group.size() - 1) +
+                                           " of the same folder, study, series number, description and size",
+                                       true});
+        }
         Group(std::move(group), folder).Assemble();
     }
 }
@@ -290,7 +337,7 @@ void Times_Split(Folder_Volume&& one, Image_Folder& folder) {
         Folder_Volume made = one;
         made.title += Time_Text(time, times);
         made.volume.levels.assign(all.begin() + time * size, all.begin() + (time + 1) * size);
-        Range_Find(made.volume);
+        Level_Range_Find(made.volume);
         folder.volumes.push_back(std::move(made));
     }
 }

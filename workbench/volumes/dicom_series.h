@@ -14,9 +14,9 @@ struct Series_Part {
 };
 
 /** Takes the parts apart into volumes.
- *  Parts of one study and series with the same size, kind, pixel spacing and direction are slices of one volume; a part
- *  with several frames is a volume of its own. A copy of an image is left out and listed. Where places repeat equally
- * often, each time is a volume.
+ *  Parts of one study and series with the same size and kind, and, but for parts of a voxel, the same pixel spacing and
+ *  direction, are slices of one volume (see slice_stack.h); a file with several frames stands alone. A copy of an image
+ *  is left out and listed. Where places repeat equally often, each time is a volume.
  *  @param folder its files are known; volumes and problems are added */
 void Series_Assemble(std::vector<Series_Part>&& parts, Image_Folder& folder);
 

@@ -45,6 +45,27 @@ std::string Size_Text(std::uint64_t bytes) {
     return Count_Text(bytes / unit) + '.' + std::to_string(tenth) + units[name];
 }
 
+std::string Amount_Text(double amount) {
+    constexpr double digits_most = 1000;
+    constexpr double whole_most = 1e15;
+    if (std::abs(amount) >= digits_most && std::abs(amount) < whole_most) {
+        return (amount < 0 ? "-" : "") + Count_Text(static_cast<std::uint64_t>(std::llround(std::abs(amount))));
+    }
+    std::array<char, 32> letters{};
+    const auto end =
+        std::to_chars(letters.data(), letters.data() + letters.size(), amount, std::chars_format::general, 3).ptr;
+    return {letters.data(), end};
+}
+
+std::string Field_Shown(std::string_view text) {
+    constexpr std::size_t longest = 64;
+    std::string shown;
+    for (const char letter : text.substr(0, longest)) {
+        shown += letter >= ' ' && letter < 0x7F ? letter : '?';
+    }
+    return text.size() > longest ? shown + "..." : shown;
+}
+
 std::string File_Name_Text(const std::filesystem::path& path) {
     try {
         const std::u8string name = path.filename().u8string();

@@ -12,6 +12,11 @@ std::string Count_Text(std::uint64_t count);
 std::string Value_Text(double value);
 /** "2.0 GiB", "512 bytes": an amount of data. */
 std::string Size_Text(std::uint64_t bytes);
+/** "0.25", "1,000", "1.5e-07": a measured amount with three digits that count. */
+std::string Amount_Text(double amount);
+/** What a file holds in a field, fit for a message: letters outside ASCII and control characters become question marks,
+ *  and a long text is cut. */
+std::string Field_Shown(std::string_view text);
 /** The file's own name without its folders, in UTF-8. A name that cannot be expressed gives "The file". */
 std::string File_Name_Text(const std::filesystem::path& path);
 /** A path from UTF-8 text, on every system. Text that is not valid UTF-8 gives an empty path on systems with wide file

@@ -62,6 +62,9 @@ struct Volume {
     std::int32_t level_max = 0;        ///< largest level present but LEVEL_OUTSIDE; colour: largest component
     std::vector<std::int32_t> levels;  ///< nx * ny * nz * nt values, at most LEVEL_LARGEST, or LEVEL_OUTSIDE
     Stored_Geometry stored;
+    bool is_inverted = false;  ///< to be shown with small greys bright; levels and greys are the file's all the same
+    std::string encoding;      ///< how the file holds the voxels, for people ("Little Endian Explicit"); may be empty
+    std::string place_source;  ///< where positions and directions come from, for people; may be empty
 
     /** Grey value of a level, limited to the range of float; colour: its luminance, 0 .. 255. LEVEL_OUTSIDE has none:
      * no number. */

@@ -111,17 +111,6 @@ TEST_F(Dicom_Folder, MakesMomentsOfOnePlaceTheSlicesOfACine) {
     Expect_Sound(opened.volumes[0].volume);
 }
 
-TEST_F(Dicom_Folder, StacksByNumberWherePositionsRepeatUnevenlyAndSaysSo) {
-    Write("1.dcm", Slice(1, 1, 3).File());
-    Write("2.dcm", Slice(1, 2, 1).File());
-    Write("3.dcm", Slice(2, 3, 2).File());
-    const Image_Folder opened = Open();
-    ASSERT_THAT(opened.volumes, SizeIs(1));
-    EXPECT_THAT(opened.volumes[0].volume.levels, ElementsAre(2, 2, 3, 3, 1, 1));
-    EXPECT_THAT(Problems(opened), ElementsAre(HasSubstr("do not occur equally often")));
-    EXPECT_EQ(Image_Folder_Text(opened), "1 volume of 3 files");
-}
-
 TEST_F(Dicom_Folder, ShowsACopyOfAnImageOnce) {
     Write("1.dcm", Slice(1, 1).Text(TAG_INSTANCE, "UI", "1.7").File());
     Write("2.dcm", Slice(1, 1).Text(TAG_INSTANCE, "UI", "1.7").File());

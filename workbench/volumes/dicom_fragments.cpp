@@ -1,0 +1,131 @@
+#include "workbench/volumes/dicom_fragments.h"
+
+#include <algorithm>
+
+#include "dcmtk/dcmdata/dcpxitem.h"
+#include "workbench/volumes/byte_order.h"
+
+namespace {
+
+constexpr std::size_t word_size = sizeof(std::uint32_t);
+constexpr std::size_t header_size = 64;  // of a run-length frame: a count and 15 offsets
+constexpr std::size_t item_head_size = 8;
+
+std::uint32_t Word(std::span<const std::uint8_t> bytes, std::size_t number) {
+    return Value_Read<std::uint32_t>(bytes.data() + number * word_size, Byte_Order::LITTLE);
+}
+
+}  // namespace
+
+Run_Length_Frames::Run_Length_Frames(DcmPixelSequence& fragments, std::size_t segments)
+    : sequence(fragments), segment_nb(segments) {
+    const std::size_t items = fragments.card();
+    fragment_nb = items > 0 ? items - 1 : 0;  // the first one is the table of offsets
+    for (std::size_t number = 0; number < fragment_nb; ++number) {
+        DcmPixelItem* item = nullptr;
+        if (sequence.getItem(item, static_cast<unsigned long>(number) + 1).good() && item != nullptr) {
+            packed_size += item->getLength();
+        }
+    }
+}
+
+std::span<const std::uint8_t> Run_Length_Frames::Fragment(std::size_t number) const {
+    DcmPixelItem* item = nullptr;
+    Uint8* bytes = nullptr;
+    if (sequence.getItem(item, static_cast<unsigned long>(number) + 1).bad() || item == nullptr ||
+        item->getUint8Array(bytes).bad() || bytes == nullptr) {
+        return {};
+    }
+    return {bytes, item->getLength()};
+}
+
+bool Run_Length_Frames::Begins_Frame(std::size_t number) const {
+    const std::span<const std::uint8_t> bytes = Fragment(number);
+    constexpr std::size_t segment_most = header_size / word_size - 1;
+    if (bytes.size() < header_size || segment_nb > segment_most || Word(bytes, 0) != segment_nb ||
+        Word(bytes, 1) != header_size) {
+        return false;
+    }
+    for (std::size_t segment = 1; segment < segment_most; ++segment) {
+        const std::uint32_t offset = Word(bytes, segment + 1);
+        if (segment < segment_nb ? offset <= Word(bytes, segment) : offset != 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::vector<std::size_t> Run_Length_Frames::Table_Begins() const {
+    DcmPixelItem* item = nullptr;
+    Uint8* bytes = nullptr;
+    if (sequence.getItem(item, 0).bad() || item == nullptr || item->getLength() == 0 ||
+        item->getUint8Array(bytes).bad() || bytes == nullptr) {
+        return {};
+    }
+    const std::span<const std::uint8_t> table(bytes, item->getLength());
+    std::vector<std::size_t> found;
+    std::uint64_t offset = 0;
+    for (std::size_t number = 0; number < fragment_nb && found.size() < table.size() / word_size; ++number) {
+        if (Word(table, found.size()) == offset) {
+            found.push_back(number);
+        }
+        DcmPixelItem* fragment = nullptr;
+        if (sequence.getItem(fragment, static_cast<unsigned long>(number) + 1).bad() || fragment == nullptr) {
+            return {};
+        }
+        offset += item_head_size + fragment->getLength();
+    }
+    return found;
+}
+
+std::int32_t Run_Length_Frames::Frame_Nb() const {
+    std::int32_t begun = 0;
+    for (std::size_t number = 0; number < fragment_nb; ++number) {
+        begun += Begins_Frame(number) ? 1 : 0;
+    }
+    return begun;
+}
+
+bool Run_Length_Frames::Share_Out(std::int32_t frame_nb) {
+    const auto frames = static_cast<std::size_t>(frame_nb);
+    begins.clear();
+    if (fragment_nb < frames) {
+        return false;
+    }
+    if (frames == 1) {
+        begins = {0};
+    } else if (fragment_nb == frames) {
+        for (std::size_t number = 0; number < frames; ++number) {
+            begins.push_back(number);
+        }
+    } else {
+        begins = Table_Begins();
+        if (begins.size() != frames || begins.front() != 0) {
+            begins.clear();
+            for (std::size_t number = 0; number < fragment_nb; ++number) {
+                if (Begins_Frame(number)) {
+                    begins.push_back(number);
+                }
+            }
+        }
+        if (begins.size() != frames || begins.front() != 0) {
+            return false;
+        }
+    }
+    begins.push_back(fragment_nb);
+    return true;
+}
+
+std::span<const std::uint8_t> Run_Length_Frames::Frame(std::int32_t frame) {
+    const std::size_t first = begins[static_cast<std::size_t>(frame)];
+    const std::size_t end = begins[static_cast<std::size_t>(frame) + 1];
+    if (end - first == 1) {
+        return Fragment(first);
+    }
+    joined.clear();
+    for (std::size_t number = first; number < end; ++number) {
+        const std::span<const std::uint8_t> bytes = Fragment(number);
+        joined.insert(joined.end(), bytes.begin(), bytes.end());
+    }
+    return joined;
+}
