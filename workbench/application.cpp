@@ -93,6 +93,10 @@ Application::~Application() {
     the_application = nullptr;
 }
 
+Application* Application::The() {
+    return the_application;
+}
+
 int Application::Propagation_Function(void* from, void* to) {
     if (the_application == nullptr) {
         return 0;
@@ -124,7 +128,12 @@ bool Application::Start(int show) {
     ::UpdateWindow(window.Handle());
     image.Brush_Set(variables.Brush());
     Status(L"F1 shows keys and mouse");
-    if (!options.files.empty()) {
+    Recovery_Open();
+    Crash_Tell();
+    const bool is_recovered = Recovery_Offer();
+    if (is_recovered && !options.files.empty()) {
+        report.Line("files_not_opened");
+    } else if (!options.files.empty()) {
         std::vector<std::filesystem::path> paths;
         for (const std::string& file : options.files) {
             paths.push_back(Path_From_Utf8(file));
@@ -173,7 +182,9 @@ int Application::Run() {
             ::DispatchMessageW(&message);
         }
         Contract_Check();
+        Recovery_Look_If_Late();
     }
+    Recovery_End();
     return static_cast<int>(message.wParam);
 }
 
@@ -325,6 +336,7 @@ void Application::Notes_Refresh() {
 }
 
 void Application::Title_Refresh() {
+    Changes_Note();
     std::wstring title = L"Workbench";
     if (session.Has_Volume()) {
         title =

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -27,6 +28,9 @@
 #include "workbench/model/color_sight.h"
 #include "workbench/model/command_line.h"
 #include "workbench/model/open_volumes.h"
+#include "workbench/model/recovery_folder.h"
+#include "workbench/model/recovery_keeper.h"
+#include "workbench/model/recovery_recorder.h"
 #include "workbench/model/session.h"
 #include "workbench/model/settings.h"
 #include "workbench/model/update_delivery.h"
@@ -153,10 +157,32 @@ class Application : public Image_User, public Main_Window_User {
     // application_files.cpp
     void Execute_File(Command command);
     std::optional<Load_Result> Load_With_Progress(const std::filesystem::path& path);
+    enum class Save_Outcome { SAVED, NOT_SAVED, LOAD_THEIRS };
+    /** Asks where there is doubt about the file. LOAD_THEIRS: the user prefers what another program has written. */
+    Save_Outcome Save_Labels_Asking(bool ask_for_name);
+    /** @param is_chosen the user has just agreed that the file is replaced @return no value: save under another name */
+    std::optional<Save_Outcome> Save_Doubts_Ask(const std::filesystem::path& path, bool is_chosen);
     bool Save_Labels(bool ask_for_name);
     /** About the work on all open volumes. @return false: the user wants to go on working */
     bool Ask_Unsaved();
     void Adopt_Names();
+
+    // application_recovery.cpp
+    /** Where work that is not saved and reports of crashes are kept; empty: nowhere. */
+    std::filesystem::path Recovery_Folder() const;
+    /** Begins to keep work; after the settings are known. */
+    void Recovery_Open();
+    /** Hands on what has changed since the last look. */
+    void Recovery_Look();
+    void Recovery_Look_If_Late();
+    /** A clean end: nothing is left to take up. */
+    void Recovery_End();
+    /** Offers the work of a run that has died. @return true: it was taken up */
+    bool Recovery_Offer();
+    void Recovery_Take(Recovery_Found& found);
+    void Crash_Tell();
+    /** Notes a change of the work for a report of a crash. */
+    void Changes_Note();
 
     // application_export.cpp
     /** What the file of the histogram should tell; only with counts. */
@@ -172,8 +198,10 @@ class Application : public Image_User, public Main_Window_User {
     /** Takes over what was loaded, without a step. */
     void Labels_Adopt(const Label_Description& description);
     void Load_Labels(const std::filesystem::path& path);
-    /** What a label file of the volume is called when the user has not said. */
-    std::filesystem::path Labels_Name() const;
+    /** What to do with labels that lie elsewhere than the image; no value: the user gave up. */
+    std::optional<Grid_Choice> Labels_Place_Ask(const Volume& loaded, const std::filesystem::path& path);
+    /** What is to be told about labels that lie on the image otherwise than by equal voxels; may be empty. */
+    std::string Labels_Place_Text(const Volume& loaded, const std::filesystem::path& path, Grid_Choice choice) const;
 
     // application_volumes.cpp
     /** Runs an action on a thread of its own while the window shows how far it is. Passes on what it throws. */
@@ -208,7 +236,16 @@ class Application : public Image_User, public Main_Window_User {
     void Marker_Mode_Set(bool on);
     void Marker_Place(int marker, const Marker& place);
     void Markers_Enable_Refresh();
+
+    // application_history.cpp
     void Undo_Or_Redo(bool redo);
+    /** Lists the steps and goes to the one that is chosen. */
+    void History_Ask();
+    /** Takes steps back, or does them again, until so many are in force. @return title of the last; empty: none */
+    std::string Steps_Walk(std::size_t wanted);
+    /** Writes what a step holds besides voxels and markers where the panels read it.
+     *  @param slice_of_step receives where the step is seen @return what the panels are to be told */
+    unsigned __int64 Step_Show(const Undo_Step& done, bool redo, int& slice_of_step);
 
     // application_histogram.cpp
     void Execute_Histogram(Command command);
@@ -256,6 +293,8 @@ class Application : public Image_User, public Main_Window_User {
     void Voxel_Text(int x, int y);
 
     // application_propagation.cpp
+    /** The application that runs; null: none. */
+    static Application* The();
     static int Propagation_Function(void* from, void* to);
     int Propagate(int from, int to);
     void Propagation_Kind_Set(Propagation_Kind kind);
@@ -319,7 +358,15 @@ class Application : public Image_User, public Main_Window_User {
     Marker marker_before;
     int report_nb = 0;
     Settings settings;
-    std::filesystem::path settings_file;       // empty: nothing is kept
+    std::filesystem::path settings_file;    // empty: nothing is kept
+    std::vector<std::string> opened_paths;  // what is open came from there, UTF-8
+    std::optional<Recovery_Claim> recovery_claim;
+    std::unique_ptr<Recovery_Keeper> recovery_keeper;
+    Recovery_Recorder recovery_recorder;
+    unsigned __int64 recovery_looked = 0;  // milliseconds of the system's clock
+    int recovery_waited = 0;               // looks since writing failed
+    bool is_recovery_problem_told = false;
+    std::uint64_t noted_state = 0;
     int settings_ignored = 0;                  // lines of the file that were not understood
     int focus_pane = -1;                       // what the keyboard acts on; -1: nothing in particular
     int alike_nb = 0;                          // pairs of alike TAG colours in the shown slice

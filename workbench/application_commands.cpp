@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "workbench/application.h"
+#include "workbench/crash_report.h"
 #include "workbench/keys_text.h"
 #include "workbench/model/tag_table.h"
 #include "workbench/text_dialog.h"
@@ -69,6 +70,9 @@ void Application::Menu_Refresh(HMENU menu) {
 }
 
 void Application::Execute(Command command) {
+    if (command != Command::NONE) {
+        Activity_Note("command: " + Command_Name(command));
+    }
     const auto digit = static_cast<int>(command) - static_cast<int>(Command::TAG_DIGIT_0);
     if (digit >= 0 && digit <= 9) {
         Tag_Set(digit, true);
@@ -96,6 +100,8 @@ void Application::Execute_Edit(Command command) {
         case Command::UNDO:
         case Command::REDO:
             return Undo_Or_Redo(command == Command::REDO);
+        case Command::HISTORY:
+            return History_Ask();
         case Command::REMOVE_MARKER:
             return Marker_Place(variables.Marker_Cur(), Marker{});
         case Command::TAG_NEXT:

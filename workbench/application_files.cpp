@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "workbench/application.h"
+#include "workbench/choice_dialog.h"
 #include "workbench/folder_dialog.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
@@ -40,9 +41,15 @@ std::optional<std::filesystem::path> Ask_Open(HWND owner, const wchar_t* filter,
     return std::filesystem::path(buffer.c_str());
 }
 
-std::optional<std::filesystem::path> Ask_Save(HWND owner, const std::wstring& start) {
-    std::wstring buffer = start;
+std::optional<std::filesystem::path> Ask_Save(HWND owner, std::filesystem::path start) {
+    start.make_preferred();
+    std::error_code unknown;
+    const std::wstring folder = start.parent_path().wstring();
+    // A folder that is gone would make the dialog refuse the name.
+    std::wstring buffer =
+        std::filesystem::is_directory(start.parent_path(), unknown) ? start.wstring() : start.filename().wstring();
     OPENFILENAMEW question = File_Question(owner, label_filter, L"Save labels", buffer);
+    question.lpstrInitialDir = folder.empty() ? nullptr : folder.c_str();
     question.Flags = OFN_OVERWRITEPROMPT | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
     if (::GetSaveFileNameW(&question) == 0) {
         return std::nullopt;
@@ -81,18 +88,55 @@ void Application::Adopt_Names() {
     session.Adopt_Colors(variables.Tag_Colors());
 }
 
-bool Application::Save_Labels(bool ask_for_name) {
+std::optional<Application::Save_Outcome> Application::Save_Doubts_Ask(const std::filesystem::path& path,
+                                                                      bool is_chosen) {
+    const Save_Doubts doubts = session.Doubts_Before(path, is_chosen);
+    if (doubts.Is_None()) {
+        return Save_Outcome::SAVED;
+    }
+    std::vector<std::wstring> ways = {doubts.read_only.empty() ? L"&Overwrite" : L"&Overwrite all the same",
+                                      L"&Save under another name..."};
+    if (doubts.is_theirs) {
+        ways.emplace_back(L"&Load theirs; the work here is lost");
+    }
+    ways.emplace_back(L"&Cancel");
+    const std::string gap = doubts.changed.empty() || doubts.read_only.empty() ? "" : "\n\n";
+    const std::string text = doubts.changed + gap + doubts.read_only;
+    report.Line("ask save_doubts " + text);
+    const int way = Choice_Ask(window.Handle(), L"Save labels", Wide_Of_Utf8(text), ways);
+    if (way == 0) {
+        return Save_Outcome::SAVED;
+    }
+    if (way == 1) {
+        return std::nullopt;
+    }
+    return doubts.is_theirs && way == 2 ? Save_Outcome::LOAD_THEIRS : Save_Outcome::NOT_SAVED;
+}
+
+Application::Save_Outcome Application::Save_Labels_Asking(bool ask_for_name) {
     if (!session.Has_Volume()) {
         Warn("Open an image first; labels lie on an image.");
-        return false;
+        return Save_Outcome::NOT_SAVED;
     }
     std::filesystem::path path = session.Label_Path();
-    if (ask_for_name || path.empty()) {
-        const std::optional<std::filesystem::path> answer = Ask_Save(window.Handle(), Labels_Name().wstring());
-        if (!answer) {
-            return false;
+    for (bool is_asked = ask_for_name || path.empty();; is_asked = true) {
+        if (is_asked) {
+            const std::filesystem::path start =
+                path.empty() ? Label_Path_Proposed(session.Path(), volumes.Facts(volumes.Current()).title) : path;
+            report.Line("ask save_as " + Utf8_Of_Wide(start.wstring()));
+            const std::optional<std::filesystem::path> answer = Ask_Save(window.Handle(), start);
+            if (!answer) {
+                return Save_Outcome::NOT_SAVED;
+            }
+            path = *answer;
         }
-        path = *answer;
+        const std::optional<Save_Outcome> wanted = Save_Doubts_Ask(path, is_asked);
+        if (wanted && *wanted != Save_Outcome::SAVED) {
+            return *wanted;
+        }
+        if (wanted) {
+            break;
+        }
     }
     std::string kept;
     const std::string error = session.Save_Labels(path, Labels_Describe(), kept);
@@ -103,10 +147,18 @@ bool Application::Save_Labels(bool ask_for_name) {
     }
     Title_Refresh();
     if (!error.empty()) {
-        return false;
+        return Save_Outcome::NOT_SAVED;
     }
     Status(L"Labels saved to " + Wide_Of_Utf8(File_Name_Text(path)));
-    return true;
+    return Save_Outcome::SAVED;
+}
+
+bool Application::Save_Labels(bool ask_for_name) {
+    const Save_Outcome outcome = Save_Labels_Asking(ask_for_name);
+    if (outcome == Save_Outcome::LOAD_THEIRS) {
+        Load_Labels(session.Label_Path());
+    }
+    return outcome == Save_Outcome::SAVED;
 }
 
 bool Application::Ask_Unsaved() {
@@ -119,6 +171,7 @@ bool Application::Ask_Unsaved() {
                                       : L"There is unsaved work on " + std::to_wstring(unsaved.size()) +
                                             (unsaved.size() == 1 ? L" other volume." : L" volumes.") +
                                             L" Save the labels first?";
+    report.Line("ask unsaved " + Utf8_Of_Wide(question));
     const int answer =
         ::MessageBoxW(window.Handle(), question.c_str(), L"Unsaved work", MB_YESNOCANCEL | MB_ICONQUESTION);
     if (answer != IDYES) {
@@ -126,13 +179,20 @@ bool Application::Ask_Unsaved() {
     }
     // Each in turn is in hand while it is saved; nothing of it is shown.
     const int shown = volumes.Current();
-    const bool is_saved = std::ranges::all_of(unsaved, [this](int volume) {
-        volumes.Switch(volume, session);
-        return Save_Labels(false);
-    });
+    Save_Outcome outcome = Save_Outcome::SAVED;
+    int last = shown;
+    for (std::size_t at = 0; at < unsaved.size() && outcome == Save_Outcome::SAVED; ++at) {
+        last = unsaved[at];
+        volumes.Switch(last, session);
+        outcome = Save_Labels_Asking(false);
+    }
     volumes.Switch(shown, session);
     Title_Refresh();
-    return is_saved;
+    if (outcome == Save_Outcome::LOAD_THEIRS) {
+        Volume_Go(last);
+        Load_Labels(session.Label_Path());
+    }
+    return outcome == Save_Outcome::SAVED;
 }
 
 bool Application::May_Close() {

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "workbench/application.h"
+#include "workbench/choice_dialog.h"
 #include "workbench/model/label_description_file.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
@@ -91,21 +92,75 @@ void Application::Labels_Adopt(const Label_Description& description) {
     Tag_Scroll_To(variables.Tag_Cur());
 }
 
+std::optional<Grid_Choice> Application::Labels_Place_Ask(const Volume& loaded, const std::filesystem::path& path) {
+    const Grid_Match match = session.Labels_Compare(loaded);
+    if (match.relation != Grid_Relation::OTHER || loaded.color) {
+        return Grid_Choice::REFUSE;  // nothing is to be chosen
+    }
+    std::vector<std::wstring> ways;
+    std::vector<Grid_Choice> choices;
+    const auto offer = [&](const wchar_t* text, Grid_Choice choice) {
+        ways.emplace_back(text);
+        choices.push_back(choice);
+    };
+    if (match.is_placed) {
+        offer(L"&Resample: every voxel of the image takes the nearest label", Grid_Choice::RESAMPLE);
+    }
+    if (match.is_same_size) {
+        offer(L"Lay on by &index: voxel on voxel, whatever their places", Grid_Choice::BY_INDEX);
+    }
+    ways.emplace_back(L"&Cancel");
+    const std::wstring text = Wide_Of_Utf8(File_Name_Text(path)) +
+                              L" does not lie on the voxels of the image.\n\nLabels: " +
+                              Wide_Of_Utf8(Volume_Grid_Text(Volume_Grid_Of(loaded))) + L".\n\nImage: " +
+                              Wide_Of_Utf8(Volume_Grid_Text(Volume_Grid_Of(session.Image()))) + L".";
+    report.Line("ask labels_place " + Utf8_Of_Wide(text));
+    const int way = Choice_Ask(window.Handle(), L"Labels of another geometry", text, ways);
+    if (way < 0 || static_cast<std::size_t>(way) >= choices.size()) {
+        return std::nullopt;
+    }
+    return choices[static_cast<std::size_t>(way)];
+}
+
+std::string Application::Labels_Place_Text(const Volume& loaded, const std::filesystem::path& path,
+                                           Grid_Choice choice) const {
+    const Grid_Match match = session.Labels_Compare(loaded);
+    if (match.relation == Grid_Relation::TURNED) {
+        return File_Name_Text(path) + " holds the image's voxels in another order (" + Grid_Turn_Text(match) +
+               "); they were put in the image's order, voxel for voxel.";
+    }
+    if (match.relation == Grid_Relation::SAME) {
+        return {};
+    }
+    return File_Name_Text(path) +
+           (choice == Grid_Choice::RESAMPLE ? " was resampled to the voxels of the image."
+                                            : " was laid on by index, although its voxels lie elsewhere.") +
+           " It is not the file of these labels: saving asks for a name.";
+}
+
 void Application::Load_Labels(const std::filesystem::path& path) {
+    const Label_Stamps stamps = Label_Stamps_Of(path);  // before it is read: what is written meanwhile is a change
     const std::optional<Load_Result> loaded = Load_With_Progress(path);
     if (!loaded) {
         return;
     }
     const Volume& volume = *loaded->volume;
+    const std::optional<Grid_Choice> choice = Labels_Place_Ask(volume, path);
+    if (!choice) {
+        Status(L"Labels were not loaded");
+        return;
+    }
     const Label_Description_Loading described = Label_Description_Load(path, {volume.nz, volume.nx, volume.ny});
-    if (const std::string error =
-            session.Take_Labels(volume, path, described.is_there ? &described.description : nullptr);
-        !error.empty()) {
+    const std::string placed = Labels_Place_Text(volume, path, *choice);
+    const Label_Description* description = described.is_there ? &described.description : nullptr;
+    if (const std::string error = session.Take_Labels({volume, path, description, stamps}, *choice); !error.empty()) {
         Warn(error);
         return;
     }
-    if (!described.warning.empty()) {
-        Warn(described.warning);
+    for (const std::string& sentence : {placed, described.warning}) {
+        if (!sentence.empty()) {
+            Warn(sentence);
+        }
     }
     Tag_Nb_Grow(session.Labels().Highest_Tag());
     if (described.is_there) {
@@ -115,12 +170,4 @@ void Application::Load_Labels(const std::filesystem::path& path) {
     Title_Refresh();
     Histogram_Tag_Refresh();
     Status(L"Labels loaded from " + Wide_Of_Utf8(File_Name_Text(path)));
-}
-
-std::filesystem::path Application::Labels_Name() const {
-    const std::wstring name = Wide_Of_Utf8(File_Name_Text(session.Path()));
-    const std::size_t nifti = name.find(L".nii");
-    const std::wstring stem =
-        nifti != std::wstring::npos ? name.substr(0, nifti) : std::filesystem::path(name).stem().wstring();
-    return stem + L"_labels.nii.gz";
 }

@@ -82,6 +82,12 @@ void Application::Open_Paths(std::span<const std::filesystem::path> paths) {
         return;
     }
     class_history.Images_Leave();
+    opened_paths.clear();
+    for (const std::filesystem::path& path : paths) {
+        std::error_code unknown;
+        const std::filesystem::path whole = std::filesystem::absolute(path, unknown);
+        opened_paths.push_back(Path_To_Utf8(unknown ? path : whole));
+    }
     Show_Volumes(std::move(opened), std::move(numbers));
     Class_Changes_Open(paths.front());
     if (paths.size() == 1) {

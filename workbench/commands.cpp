@@ -42,6 +42,7 @@ constexpr Entry file_entries[] = {
 constexpr Entry edit_entries[] = {
     {Command::UNDO, L"&Undo", L"Ctrl+Z", Control('Z')},
     {Command::REDO, L"&Redo", L"Ctrl+Y", Control('Y')},
+    {Command::HISTORY, L"&History...", nullptr, 0},
     separator,
     {Command::BRUSH_LARGER, L"Lar&ger brush", L"]", ']'},
     {Command::BRUSH_SMALLER, L"&Smaller brush", L"[", '['},
@@ -266,4 +267,19 @@ std::vector<Key_Line> Key_Lines() {
         }
     }
     return lines;
+}
+
+std::string Command_Name(Command command) {
+    for (const Menu& menu : menus) {
+        for (std::size_t at = 0; at < menu.count; ++at) {
+            if (menu.first[at].command == command && menu.first[at].text != nullptr) {
+                std::string name;
+                for (const wchar_t letter : Spoken(menu.first[at].text)) {
+                    name += letter < 0x80 ? static_cast<char>(letter) : '?';
+                }
+                return name;
+            }
+        }
+    }
+    return std::to_string(static_cast<int>(command));
 }

@@ -19,6 +19,7 @@ enum class Command : WORD {
     QUIT,
     UNDO,
     REDO,
+    HISTORY,
     REMOVE_MARKER,
     TAG_NEXT,
     TAG_PREVIOUS,
@@ -113,6 +114,9 @@ enum class Command : WORD {
 
 /** The command of a key code of the panels (see KEY_*); NONE: the key means nothing. Letters of both cases count. */
 Command Command_Of_Key(int key);
+
+/** What a command is called in its menu, or its number. */
+std::string Command_Name(Command command);
 
 /** The menu bar, owned by the window that it is given to. */
 HMENU Menu_Make();

@@ -3,7 +3,6 @@
 
 #include <shellapi.h>
 
-#include <exception>
 #include <memory>
 #include <string>
 #include <vector>
@@ -61,10 +60,6 @@ int Run(int show) {
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int show) {
-    try {
-        return Run(show);
-    } catch (const std::exception& failure) {
-        Say(std::string("workbench: ") + failure.what() + "\n", STD_ERROR_HANDLE, MB_ICONERROR);
-        return status_failure;
-    }
+    // Exceptions pass: where they are not handled, crash_report.cpp still sees the stack that threw them.
+    return Run(show);
 }

@@ -24,6 +24,7 @@ Volume Image(double x_direction = 1.0) {
     volume.nz = nz;
     volume.nt = 1;
     volume.affine[0][0] = x_direction;
+    volume.affine[0][3] = x_direction < 0.0 ? nx - 1 : 0;  // the same place, stored the other way round
     volume.affine[1][1] = 1.0;
     volume.affine[2][2] = 2.0;
     volume.spacing = {1.0, 1.0, 2.0};
@@ -199,6 +200,31 @@ TEST_F(Session_Test, labels_stored_in_the_other_direction_come_to_lie_on_the_sam
     EXPECT_EQ(session.Labels().At(0, ny - 1, 0), 9);
 }
 
+TEST_F(Session_Test, labels_that_lie_elsewhere_are_laid_on_only_as_the_user_chose) {
+    std::vector<std::int32_t> levels(nx * ny * nz);
+    levels[nx * ny] = 9;  // first voxel of the second slice
+    Volume moved = Labels_Of(levels);
+    moved.affine[2][3] = 4.0;  // two slices
+    Paint(1, 2, 9, 4, 3);
+    EXPECT_NE(session.Take_Labels(moved, "x.nii").find("lies elsewhere"), std::string::npos);
+    EXPECT_EQ(session.Labels().Counts()[3], 8U) << "a refused file must change nothing";
+    EXPECT_EQ(session.Labels_Compare(moved).relation, Grid_Relation::OTHER);
+
+    const std::filesystem::path path = "x.nii";
+    ASSERT_EQ(session.Take_Labels({moved, path}, Grid_Choice::RESAMPLE), "");
+    EXPECT_EQ(session.Labels().At(nx - 1, ny - 1, 3), 9);
+    EXPECT_EQ(session.Labels().Counts()[9], 1U);
+    EXPECT_EQ(session.Label_Path(), "") << "saving must not replace a file of another geometry unasked";
+    ASSERT_EQ(session.Take_Labels({moved, path}, Grid_Choice::BY_INDEX), "");
+    EXPECT_EQ(session.Labels().At(nx - 1, ny - 1, 1), 9);
+
+    Volume smaller = moved;
+    smaller.nz = nz - 1;
+    EXPECT_FALSE(session.Take_Labels({smaller, path}, Grid_Choice::BY_INDEX).empty());
+    ASSERT_EQ(session.Take_Labels({smaller, path}, Grid_Choice::RESAMPLE), "");
+    EXPECT_EQ(session.Labels().At(nx - 1, ny - 1, 3), 9);
+}
+
 TEST_F(Session_Test, saved_labels_come_back_the_same_and_count_as_saved) {
     Paint(1, 2, 9, 4, 3);
     Paint(4, 0, 0, 0, 200);
@@ -306,6 +332,56 @@ TEST_F(Session_Files, a_description_that_cannot_be_written_leaves_the_voxels_sav
     std::filesystem::remove_all(folder / "head.labels.txt");
     EXPECT_EQ(session.Save_Labels(labels, described, kept), "");
     EXPECT_FALSE(session.Is_Unsaved());
+}
+
+TEST_F(Session_Files, a_label_file_of_two_programs_is_told_before_it_is_saved) {
+    Paint(1, 2, 9, 4, 3);
+    EXPECT_TRUE(session.Doubts_Before(labels, true).Is_None());
+    ASSERT_EQ(session.Save_Labels(labels, described, kept), "");
+    EXPECT_TRUE(session.Doubts_Before(labels, false).Is_None()) << "as it was saved here";
+    std::filesystem::copy_file(labels, folder / "mine.nii.gz");
+
+    Session other;  // the second program
+    other.Take(Image(), "image.nii");
+    ASSERT_EQ(other.Take_Labels(*Volume_Load(labels).volume, labels), "");
+    other.Stroke_Begin(0, Dot(), 1, 1, Ink(9));
+    other.Stroke_End();
+    EXPECT_TRUE(other.Doubts_Before(labels, false).Is_None()) << "as it was read";
+    ASSERT_EQ(other.Save_Labels(labels, described, kept), "");
+
+    Save_Doubts doubts = session.Doubts_Before(labels, false);
+    EXPECT_TRUE(doubts.is_theirs);
+    EXPECT_NE(doubts.changed.find("head.nii.gz was written by another program"), std::string::npos);
+    ASSERT_EQ(session.Save_Labels(labels, described, kept), "") << "the user said so";
+    EXPECT_TRUE(session.Doubts_Before(labels, false).Is_None());
+
+    std::ofstream(folder / "head.labels.txt", std::ios::app) << "# edited\n";
+    doubts = session.Doubts_Before(labels, false);
+    EXPECT_NE(doubts.changed.find("head.labels.txt was"), std::string::npos);
+    EXPECT_FALSE(doubts.is_theirs);
+    EXPECT_TRUE(session.Doubts_Before(labels, true).Is_None()) << "the dialog has asked";
+    std::filesystem::remove(labels);
+    EXPECT_FALSE(session.Doubts_Before(labels, true).Is_None()) << "the dialog saw no file to ask about";
+
+    session.Label_Path_Set(folder / "mine.nii.gz");
+    EXPECT_TRUE(session.Doubts_Before(folder / "mine.nii.gz", false).is_theirs) << "never read here";
+}
+
+TEST_F(Session_Files, protected_files_are_told_and_stay_protected_when_the_user_wants_them_replaced) {
+    Paint(1, 2, 9, 4, 3);
+    ASSERT_EQ(session.Save_Labels(labels, described, kept), "");
+    ASSERT_EQ(File_Read_Only_Set(labels, true), "");
+    ASSERT_EQ(File_Read_Only_Set(folder / "head.labels.txt", true), "");
+    EXPECT_EQ(session.Doubts_Before(labels, false).read_only,
+              "head.nii.gz and head.labels.txt are protected: they may only be read.");
+    EXPECT_FALSE(session.Doubts_Before(labels, true).read_only.empty()) << "no file dialog asks about that";
+    Paint(2, 2, 9, 4, 3);
+    ASSERT_EQ(session.Save_Labels(labels, described, kept), "");
+    EXPECT_TRUE(File_Is_Read_Only(labels));
+    EXPECT_TRUE(File_Is_Read_Only(folder / "head.labels.txt"));
+    EXPECT_EQ(std::ranges::count(Volume_Load(labels).volume->levels, 3), 16);
+    File_Read_Only_Set(labels, false);
+    File_Read_Only_Set(folder / "head.labels.txt", false);
 }
 
 TEST_F(Session_Files, a_description_kept_aside_is_told) {

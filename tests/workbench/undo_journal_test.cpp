@@ -10,10 +10,15 @@ Undo_Step Step(const std::string& title) {
     return {title, Threshold_Change{{{1, {0.0F, 1.0F}, {2.0F, 3.0F}}}}};
 }
 
-Undo_Step Heavy_Step(std::size_t bytes) {
-    Slice_Change change;
-    change.runs.resize(bytes / sizeof(Voxel_Run));
-    return {"Heavy", std::move(change)};
+/** Every pixel of a slice changes, from anything to anything. */
+Undo_Step Heavy_Step(int width, std::mt19937& random) {
+    std::vector<std::uint8_t> before(static_cast<std::size_t>(width) * static_cast<std::size_t>(width));
+    std::vector<std::uint8_t> after(before.size());
+    for (std::size_t at = 0; at < before.size(); ++at) {
+        before[at] = static_cast<std::uint8_t>(random());
+        after[at] = static_cast<std::uint8_t>(before[at] + 1 + random() % 255);
+    }
+    return {"Heavy", *Slice_Difference(0, before, after)};
 }
 
 TEST(Slice_Difference, of_equal_slices_is_nothing) {
@@ -53,14 +58,15 @@ TEST(Slice_Difference, joins_neighbours_of_one_change) {
     std::fill(after.begin() + 10, after.begin() + 60, std::uint8_t{2});
     const auto change = Slice_Difference(0, before, after);
     ASSERT_TRUE(change.has_value());
-    ASSERT_EQ(change->runs.size(), 1U);
-    EXPECT_EQ(change->runs[0].offset, 10U);
-    EXPECT_EQ(change->runs[0].length, 50U);
+    ASSERT_EQ(change->Runs().size(), 1U);
+    EXPECT_EQ(change->Runs()[0].offset, 10U);
+    EXPECT_EQ(change->Runs()[0].length, 50U);
 }
 
 TEST(Slice_Change_Apply, ignores_runs_beyond_the_slice) {
     std::vector<std::uint8_t> slice(5, 1);
-    Slice_Change_Apply({0, {{3, 4, 0, 9}, {0xFFFFFFFF, 2, 0, 9}}}, true, slice);
+    const Voxel_Run runs[] = {{3, 4, 0, 9}, {0xFFFFFFFF, 2, 0, 9}};
+    Slice_Change_Apply({0, runs}, true, slice);
     EXPECT_EQ(slice, std::vector<std::uint8_t>(5, 1));
 }
 
@@ -91,17 +97,71 @@ TEST(Undo_Journal, a_new_step_forgets_what_was_undone) {
     EXPECT_EQ(journal.Undo()->title, "a");
 }
 
-TEST(Undo_Journal, keeps_a_hundred_steps_whatever_they_weigh_and_forgets_the_oldest_beyond) {
+TEST(Slice_Change, packs_few_and_many_runs_and_gives_them_back) {
+    std::mt19937 random(5);
+    for (const std::size_t nb : {std::size_t{1}, std::size_t{40}, std::size_t{5000}}) {
+        std::vector<Voxel_Run> runs;
+        std::uint32_t at = 0;
+        for (std::size_t run = 0; run < nb; ++run) {
+            at += static_cast<std::uint32_t>(random() % 300);
+            const auto length = static_cast<std::uint32_t>(1 + random() % 200);
+            runs.push_back({at, length, static_cast<std::uint8_t>(random()), static_cast<std::uint8_t>(random())});
+            at += length;
+        }
+        const Slice_Change change(7, runs);
+        const std::vector<Voxel_Run> back = change.Runs();
+        ASSERT_EQ(back.size(), nb);
+        for (std::size_t run = 0; run < nb; ++run) {
+            EXPECT_EQ(back[run].offset, runs[run].offset);
+            EXPECT_EQ(back[run].length, runs[run].length);
+            EXPECT_EQ(back[run].before, runs[run].before);
+            EXPECT_EQ(back[run].after, runs[run].after);
+        }
+        EXPECT_LE(change.Bytes(), nb * 6);
+    }
+}
+
+TEST(Undo_Journal, two_hundred_steps_find_room_whatever_they_do_to_slices_of_512_pixels) {
+    std::mt19937 random(3);
     Undo_Journal journal;
-    for (int step = 0; step < 150; ++step) {
-        journal.Push(Heavy_Step(1U << 20U));
+    const Undo_Step step = Heavy_Step(512, random);
+    for (int at = 0; at < 220; ++at) {
+        journal.Push(step);
     }
-    EXPECT_EQ(journal.Undo_Nb(), JOURNAL_STEPS_KEPT);
-    std::size_t undone = 0;
-    while (journal.Undo() != nullptr) {
-        ++undone;
+    EXPECT_GE(journal.Undo_Nb(), 200U);
+    EXPECT_LE(journal.Bytes(), JOURNAL_BYTES);
+}
+
+TEST(Undo_Journal, forgets_the_oldest_beyond_its_memory_and_says_so) {
+    std::mt19937 random(3);
+    Undo_Journal journal;
+    const Undo_Step step = Heavy_Step(1024, random);
+    const std::size_t fitting = JOURNAL_BYTES / step.Bytes();
+    for (std::size_t at = 0; at < fitting + 30; ++at) {
+        journal.Push(step);
     }
-    EXPECT_EQ(undone, JOURNAL_STEPS_KEPT);
+    EXPECT_LE(journal.Bytes(), JOURNAL_BYTES);
+    EXPECT_EQ(journal.Undo_Nb(), fitting);
+    EXPECT_EQ(journal.Forgotten_Nb(), 30U);
+    EXPECT_EQ(journal.List().front(), "30 steps before this were forgotten for want of room");
+    EXPECT_EQ(journal.List()[1], "31  Heavy, slice 1");
+    journal.Clear();
+    EXPECT_EQ(journal.List(), std::vector<std::string>{"Start (saved)"});
+}
+
+TEST(Undo_Journal, lists_its_steps_by_name_with_what_is_saved_and_undone) {
+    Undo_Journal journal;
+    journal.Push(Step("a"));
+    journal.Mark_Saved();
+    const Voxel_Run run = {0, 1, 0, 1};
+    journal.Push({"Stroke", Slice_Change(90, std::span(&run, 1))});
+    journal.Push(Step("c"));
+    journal.Undo();
+    EXPECT_EQ(journal.List(),
+              (std::vector<std::string>{"Start", "1  a (saved)", "2  Stroke, slice 91", "3  c (undone)"}));
+    journal.Mark_Unsaved();
+    EXPECT_TRUE(journal.Is_Unsaved());
+    EXPECT_EQ(journal.List()[1], "1  a");
 }
 
 TEST(Undo_Journal, light_steps_are_bounded_by_number_and_memory_is_accounted) {

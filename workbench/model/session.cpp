@@ -1,12 +1,41 @@
 #include "workbench/model/session.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <utility>
 
 #include "workbench/model/label_description_file.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/nifti_writer.h"
+
+namespace {
+
+/** Lets a protected file be replaced, and protects what is there afterwards. */
+class Writable_For_Now {
+  public:
+    explicit Writable_For_Now(std::filesystem::path of_file)
+        : file(std::move(of_file)), is_protected(File_Is_Read_Only(file)) {
+        if (is_protected) {
+            error = File_Read_Only_Set(file, false);
+        }
+    }
+    ~Writable_For_Now() {
+        if (is_protected) {
+            File_Read_Only_Set(file, true);
+        }
+    }
+    Writable_For_Now(const Writable_For_Now&) = delete;
+    Writable_For_Now& operator=(const Writable_For_Now&) = delete;
+    const std::string& Error() const { return error; }
+
+  private:
+    std::filesystem::path file;
+    bool is_protected;
+    std::string error;
+};
+
+}  // namespace
 
 std::span<const std::int32_t> Session::Levels(int slice) const {
     if (!volume || slice < 0 || slice >= volume->nz) {
@@ -27,6 +56,7 @@ File_Voxel Session::To_File(int x, int y, int slice) const {
 }
 
 void Session::Take(Volume&& loaded, const std::filesystem::path& loaded_from) {
+    static std::atomic<std::uint64_t> last_serial = 0;
     stroke.reset();
     volume.reset();
     labels = Label_Map();
@@ -38,6 +68,31 @@ void Session::Take(Volume&& loaded, const std::filesystem::path& loaded_from) {
     journal.Clear();
     path = loaded_from;
     label_path.clear();
+    stamps = {};
+    serial = ++last_serial;
+    All_Touch();
+}
+
+void Session::All_Touch() {
+    slice_changes.assign(static_cast<std::size_t>(Slice_Nb()), ++change_nb);
+}
+
+bool Session::Take_Up(std::vector<std::uint8_t>&& tags, std::span<const Marker_Description> described,
+                      const std::filesystem::path& file, const Label_Stamps& file_stamps) {
+    if (!volume || tags.size() != labels.All().size()) {
+        return false;
+    }
+    Slices_Turn(std::span(tags), volume->nx, volume->ny, order);
+    std::ranges::copy(tags, labels.All().begin());
+    const Volume_Grid grid = Volume_Grid_Of(*volume);
+    Markers_Take(described, Grid_By_Index(grid, grid));
+    stroke.reset();
+    journal.Clear();
+    journal.Mark_Unsaved();
+    label_path = file;
+    stamps = file_stamps;
+    All_Touch();
+    return true;
 }
 
 std::string Session::Save_Labels(const std::filesystem::path& file, Label_Description description, std::string& kept) {
@@ -47,71 +102,117 @@ std::string Session::Save_Labels(const std::filesystem::path& file, Label_Descri
     }
     std::vector<std::uint8_t> in_file_order(labels.All().begin(), labels.All().end());
     Slices_Turn(std::span(in_file_order), volume->nx, volume->ny, order);
-    std::string error = Label_Volume_Write(file, *volume, std::span<const std::uint8_t>(in_file_order));
+    std::string error;
+    {
+        const Writable_For_Now writable(file);
+        error = writable.Error().empty()
+                    ? Label_Volume_Write(file, *volume, std::span<const std::uint8_t>(in_file_order))
+                    : File_Name_Text(file) + " " + writable.Error() + ".";
+    }
     if (!error.empty()) {
         return error;
     }
-    label_path = file;
-    for (Marker_Description& described : description.markers) {
-        const Marker marker = markers.Get(described.number);
-        described.place.reset();
-        if (marker.is_placed) {
-            const File_Voxel voxel = To_File(marker.x, marker.y, marker.slice);
-            described.place = Label_Voxel{voxel.z, voxel.x, voxel.y};
-        }
+    if (label_path != file) {
+        label_path = file;
+        stamps = {};
     }
-    error = Label_Description_Save(file, description, Extent(), kept);
+    stamps.labels = File_Stamp_Of(file);
+    Markers_Describe(description.markers);
+    {
+        const Writable_For_Now writable(Label_Description_Path(file));
+        error = Label_Description_Save(file, description, Extent(), kept);
+    }
     if (error.empty()) {
+        stamps.description = File_Stamp_Of(Label_Description_Path(file));
         journal.Mark_Saved();
+        ++change_nb;
     }
     return error;
 }
 
-std::string Session::Take_Labels(const Volume& loaded, const std::filesystem::path& file,
-                                 const Label_Description* description) {
+void Session::Markers_Describe(std::vector<Marker_Description>& described) const {
+    for (Marker_Description& one : described) {
+        const Marker marker = markers.Get(one.number);
+        one.place.reset();
+        if (marker.is_placed) {
+            const File_Voxel voxel = To_File(marker.x, marker.y, marker.slice);
+            one.place = Label_Voxel{voxel.z, voxel.x, voxel.y};
+        }
+    }
+}
+
+Save_Doubts Session::Doubts_Before(const std::filesystem::path& file, bool is_chosen) const {
+    Label_Stamps known = file == label_path ? stamps : Label_Stamps{};
+    if (is_chosen) {
+        const Label_Stamps now = Label_Stamps_Of(file);
+        known.labels = now.labels;
+        known.description = now.labels.is_there ? now.description : known.description;
+    }
+    return Save_Doubts_Of(file, known);
+}
+
+Grid_Match Session::Labels_Compare(const Volume& loaded) const {
+    return Grid_Compare(Volume_Grid_Of(*volume), Volume_Grid_Of(loaded));
+}
+
+std::string Session::Take_Labels(const Labels_Read& read, Grid_Choice choice) {
     if (!volume) {
         return "Open an image first; labels lie on an image.";
     }
-    const std::string name = File_Name_Text(file);
-    if (loaded.nx != volume->nx || loaded.ny != volume->ny || loaded.nz != volume->nz) {
-        return name + " has " + std::to_string(loaded.nx) + " x " + std::to_string(loaded.ny) + " x " +
-               std::to_string(loaded.nz) + " voxels and the image has " + std::to_string(volume->nx) + " x " +
-               std::to_string(volume->ny) + " x " + std::to_string(volume->nz) + "; it holds no labels of this image.";
-    }
+    const Volume& loaded = read.volume;
+    const std::string name = File_Name_Text(read.file);
     if (loaded.color) {
         return name + " is a colour image; it holds no labels.";
     }
-    const Display_Order loaded_order = Display_Order_Of(loaded.affine);
-    if (loaded_order.left != order.left || loaded_order.top != order.top) {
-        return name + " lies in another direction than the image; it holds no labels of this image.";
+    const Volume_Grid image_grid = Volume_Grid_Of(*volume);
+    const Volume_Grid label_grid = Volume_Grid_Of(loaded);
+    Grid_Match match = Grid_Compare(image_grid, label_grid);
+    const bool is_other = match.relation == Grid_Relation::OTHER;
+    if (is_other && choice == Grid_Choice::BY_INDEX) {
+        match = Grid_By_Index(image_grid, label_grid);
     }
-    std::vector<std::uint8_t> taken(labels.All().size());
-    for (std::size_t at = 0; at < taken.size(); ++at) {
+    if (is_other && (choice == Grid_Choice::REFUSE || !match.is_placed ||
+                     (choice == Grid_Choice::BY_INDEX && !match.is_same_size))) {
+        return name + " lies elsewhere than the image: it has " + Volume_Grid_Text(label_grid) + ", and the image " +
+               Volume_Grid_Text(image_grid) + ".";
+    }
+    std::vector<std::uint8_t> given(label_grid.Voxel_Nb());
+    for (std::size_t at = 0; at < given.size(); ++at) {
         const bool is_none = loaded.levels[at] == LEVEL_OUTSIDE;
         const double value = is_none ? 0.0 : loaded.levels[at] * loaded.slope + loaded.intercept;
         if (value < 0.0 || value > TAG_MAX - 1 || std::abs(value - std::round(value)) > 0.01) {
             return name + " holds values that are no TAG numbers (0 to 255).";
         }
-        taken[at] = static_cast<std::uint8_t>(std::lround(value));
+        given[at] = static_cast<std::uint8_t>(std::lround(value));
     }
-    Slices_Turn(std::span(taken), volume->nx, volume->ny, loaded_order);
-    std::ranges::copy(taken, labels.All().begin());
-    if (description != nullptr) {
-        Markers_Take(description->markers, loaded_order);
+    if (match.relation != Grid_Relation::SAME) {
+        given = Grid_Carry(image_grid, label_grid, match, given);
+    }
+    Slices_Turn(std::span(given), volume->nx, volume->ny, order);
+    std::ranges::copy(given, labels.All().begin());
+    if (read.description != nullptr) {
+        Markers_Take(read.description->markers, match);
     }
     stroke.reset();
     journal.Clear();
-    label_path = file;
+    All_Touch();
+    // What was laid on otherwise is another volume than the file's: saving must not replace it unasked.
+    label_path = is_other ? std::filesystem::path() : read.file;
+    stamps = is_other ? Label_Stamps{} : read.stamps;
     return {};
 }
 
-void Session::Markers_Take(std::span<const Marker_Description> described, const Display_Order& file_order) {
+void Session::Markers_Take(std::span<const Marker_Description> described, const Grid_Match& match) {
+    const Volume_Grid grid = Volume_Grid_Of(*volume);
     for (const Marker_Description& one : described) {
         Marker marker;
         if (one.place) {
-            const Label_Voxel& at = *one.place;
-            marker = {true, file_order.flip_x ? Width() - 1 - at.column : at.column,
-                      file_order.flip_y ? Height() - 1 - at.row : at.row, at.frame};
+            const std::optional<Grid_Voxel> at =
+                Grid_Image_Voxel(grid, match, {one.place->column, one.place->row, one.place->frame});
+            if (at) {
+                const File_Voxel shown = To_File((*at)[0], (*at)[1], (*at)[2]);  // its own inverse
+                marker = {true, shown.x, shown.y, shown.z};
+            }
         }
         markers.Set(one.number, marker);
     }
@@ -128,6 +229,7 @@ Pixel_Rect Session::Stroke_Begin(int slice, const Brush_Footprint& brush, int x,
         return {};
     }
     stroke = Stroke{slice, brush, ink, x, y, {target.pixels.begin(), target.pixels.end()}};
+    Slice_Touch(slice);
     return Paint_Dab(target, stroke->brush, x, y, ink);
 }
 
@@ -135,6 +237,7 @@ Pixel_Rect Session::Stroke_Move(int x, int y) {
     if (!stroke) {
         return {};
     }
+    Slice_Touch(stroke->slice);
     const int x0 = std::exchange(stroke->x, x);
     const int y0 = std::exchange(stroke->y, y);
     return Paint_Line(Target(stroke->slice), stroke->brush, x0, y0, x, y, stroke->ink);
@@ -146,6 +249,7 @@ bool Session::Stroke_End() {
     }
     const Stroke ended = std::move(*stroke);
     stroke.reset();
+    ++change_nb;
     return Push_Slice(ended.ink.tag == 0 ? "Erase" : "Stroke", ended.slice, ended.before);
 }
 
@@ -154,7 +258,7 @@ bool Session::Push_Slice(const char* title, int slice, std::span<const std::uint
     if (!change) {
         return false;
     }
-    journal.Push({title, std::move(*change)});
+    Push({title, std::move(*change)});
     return true;
 }
 
@@ -166,6 +270,7 @@ std::size_t Session::Propagate(Propagation_Kind kind, int from, int to, const Pr
         return 0;
     }
     const std::vector<std::uint8_t> before(to_tags.begin(), to_tags.end());
+    Slice_Touch(to);
     const Propagation_Frames frames = {Width(), Height(), Levels(from), from_tags, Levels(to), to_tags};
     const std::size_t carried =
         kind == Propagation_Kind::COPY ? Propagate_Copy(frames, tags) : Propagate_Grow(frames, tags);
@@ -179,7 +284,7 @@ void Session::Marker_Set(int index, const Marker& marker) {
         return;
     }
     const char* title = !marker.is_placed ? "Remove marker" : before.is_placed ? "Move marker" : "Place marker";
-    journal.Push({title, Marker_Change{index, before, marker}});
+    Push({title, Marker_Change{index, before, marker}});
 }
 
 std::vector<std::optional<std::string>>& Session::Names(Text_Table table) {
@@ -199,7 +304,7 @@ int Session::Note_Labels(Text_Table table, std::span<const char* const> label) {
             continue;
         }
         Text_Change change = {table, static_cast<int>(at), names[at], now};
-        journal.Push({table == Text_Table::TAG_LABELS ? "Rename TAG" : "Rename marker", std::move(change)});
+        Push({table == Text_Table::TAG_LABELS ? "Rename TAG" : "Rename marker", std::move(change)});
         names[at] = std::move(now);
         ++steps;
     }
@@ -219,7 +324,7 @@ int Session::Note_Thresholds(std::span<const float> low, std::span<const float> 
     if (change.entries.empty()) {
         return 0;
     }
-    journal.Push({change.entries.size() == 1 ? "Threshold" : "Thresholds", std::move(change)});
+    Push({change.entries.size() == 1 ? "Threshold" : "Thresholds", std::move(change)});
     return 1;
 }
 
@@ -235,7 +340,7 @@ int Session::Note_Colors(std::span<const std::uint32_t> color) {
     if (change.entries.empty()) {
         return 0;
     }
-    journal.Push({change.entries.size() == 1 ? "TAG colour" : "TAG colours", std::move(change)});
+    Push({change.entries.size() == 1 ? "TAG colour" : "TAG colours", std::move(change)});
     return 1;
 }
 
@@ -261,7 +366,9 @@ void Session::Adopt_Colors(std::span<const std::uint32_t> color) {
 }
 
 void Session::Apply(const Undo_Step& step, bool redo) {
+    ++change_nb;
     if (const auto* pixels = std::get_if<Slice_Change>(&step.change)) {
+        Slice_Touch(pixels->slice);
         Slice_Change_Apply(*pixels, redo, labels.Slice(pixels->slice));
     } else if (const auto* marker = std::get_if<Marker_Change>(&step.change)) {
         markers.Set(marker->index, redo ? marker->after : marker->before);

@@ -9,10 +9,13 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "workbench/model/display_order.h"
+#include "workbench/model/grid_match.h"
 #include "workbench/model/label_description.h"
+#include "workbench/model/label_files.h"
 #include "workbench/model/label_map.h"
 #include "workbench/model/marker_table.h"
 #include "workbench/model/painting.h"
@@ -22,6 +25,17 @@
 #include "workbench/volumes/volume.h"
 
 enum class Propagation_Kind { COPY, GROW };
+
+/** What to do with labels whose voxels lie elsewhere than the image's. */
+enum class Grid_Choice { REFUSE, RESAMPLE, BY_INDEX };
+
+/** Labels that were read from a file. */
+struct Labels_Read {
+    const Volume& volume;
+    const std::filesystem::path& file;
+    const Label_Description* description = nullptr;  ///< null: there is none
+    Label_Stamps stamps{};                           ///< of the files, from before they were read
+};
 
 /** A voxel by the indices of the volume's file. */
 struct File_Voxel {
@@ -56,19 +70,51 @@ class Session {
 
     const Label_Map& Labels() const { return labels; }
     /** Writes a label volume that lies on the image, and beside it what describes the labels. Only when both are
-     *  written the work counts as saved.
+     *  written the work counts as saved. Files that are there are replaced, protected ones too: ask before (see
+     *  Doubts_Before). They stay protected.
      *  @param description of the TAGs and markers; the places of the markers are put in here
      *  @param kept receives one sentence for the user when a former description was kept aside, else is emptied
      *  @return empty, or one sentence for the user */
     std::string Save_Labels(const std::filesystem::path& file, Label_Description description, std::string& kept);
+    /** What speaks against saving to a file. @param is_chosen the user has just agreed that the label volume of that
+     *  name is replaced, so only a text beside it that belongs to no label volume is told, and protection */
+    Save_Doubts Doubts_Before(const std::filesystem::path& file, bool is_chosen) const;
+    /** How the voxels of a label volume lie on the image's. Only with a volume. */
+    Grid_Match Labels_Compare(const Volume& loaded) const;
     /** Replaces all TAGs by those of a loaded label volume, and the places of the markers by those that stand in its
-     *  description. History goes. @param description null: there is none @return empty, or one sentence; then nothing
-     *  is changed */
+     *  description. History goes. Labels whose voxels are the image's in another order are put into its order. When
+     *  they were laid on otherwise, the file is not the labels' own any more.
+     *  @param choice for voxels that lie elsewhere; BY_INDEX needs equal sizes
+     *  @return empty, or one sentence; then nothing is changed */
+    std::string Take_Labels(const Labels_Read& read, Grid_Choice choice = Grid_Choice::REFUSE);
     std::string Take_Labels(const Volume& loaded, const std::filesystem::path& file,
-                            const Label_Description* description = nullptr);
+                            const Label_Description* description = nullptr) {
+        return Take_Labels(Labels_Read{loaded, file, description, Label_Stamps_Of(file)});
+    }
     const std::filesystem::path& Label_Path() const { return label_path; }
-    void Label_Path_Set(const std::filesystem::path& file) { label_path = file; }
+    /** Where the labels are to be saved; a file that is there is somebody else's. */
+    void Label_Path_Set(const std::filesystem::path& file) {
+        label_path = file;
+        stamps = {};
+    }
     bool Is_Unsaved() const { return journal.Is_Unsaved(); }
+    /** Also during the first stroke. */
+    bool Has_Unsaved_Work() const { return journal.Is_Unsaved() || stroke.has_value(); }
+    const Label_Stamps& Stamps() const { return stamps; }
+    /** Writes the places of the markers as voxels of the image's file. */
+    void Markers_Describe(std::vector<Marker_Description>& described) const;
+
+    /** A number that no other volume has that is or was open; 0: no volume. */
+    std::uint64_t Serial() const { return serial; }
+    /** Grows with everything that is done to the work, also within a stroke. */
+    std::uint64_t Change_Nb() const { return change_nb; }
+    /** What Change_Nb was when a slice's TAGs changed last. */
+    std::uint64_t Slice_Change_Nb(int slice) const { return slice_changes[static_cast<std::size_t>(slice)]; }
+    /** Takes up work that a former run could not save; it counts as unsaved, and a new history begins.
+     *  @param tags in the order of the volume's file @return false: there are not as many as voxels; nothing is changed
+     */
+    bool Take_Up(std::vector<std::uint8_t>&& tags, std::span<const Marker_Description> described,
+                 const std::filesystem::path& file, const Label_Stamps& file_stamps);
 
     // A stroke: begin, any number of moves, end. Undo takes back the whole stroke.
     /** @param brush kept for the stroke */
@@ -85,7 +131,10 @@ class Session {
     /** Places, moves or takes away a marker; one step when anything changed. */
     void Marker_Set(int index, const Marker& marker);
     /** Puts a marker somewhere without a step, while it is being dragged. */
-    void Marker_Preview(int index, const Marker& marker) { markers.Set(index, marker); }
+    void Marker_Preview(int index, const Marker& marker) {
+        markers.Set(index, marker);
+        ++change_nb;
+    }
 
     /** Compares the names and thresholds that the panels may have written with those known, and makes a step of every
      *  difference. @param label null entries: no name @return number of steps made */
@@ -115,8 +164,14 @@ class Session {
         std::vector<std::uint8_t> before;
     };
     Paint_Target Target(int slice);
-    /** Puts markers to places in a file of that order. */
-    void Markers_Take(std::span<const Marker_Description> described, const Display_Order& file_order);
+    /** Puts markers to places in a label volume that lies so on the image. */
+    void Markers_Take(std::span<const Marker_Description> described, const Grid_Match& match);
+    void Slice_Touch(int slice) { slice_changes[static_cast<std::size_t>(slice)] = ++change_nb; }
+    void All_Touch();
+    void Push(Undo_Step step) {
+        journal.Push(std::move(step));
+        ++change_nb;
+    }
     Label_Extent Extent() const { return {Slice_Nb(), Width(), Height()}; }
     std::vector<std::optional<std::string>>& Names(Text_Table table);
     void Apply(const Undo_Step& step, bool redo);
@@ -127,6 +182,10 @@ class Session {
     Display_Order order;
     std::filesystem::path path;
     std::filesystem::path label_path;
+    Label_Stamps stamps;  // of the files at label_path, as they were read or saved here
+    std::uint64_t serial = 0;
+    std::uint64_t change_nb = 0;
+    std::vector<std::uint64_t> slice_changes;
     Label_Map labels;
     Marker_Table markers;
     Undo_Journal journal;

@@ -1,10 +1,9 @@
 #include "workbench/model/text_file.h"
 
 #include <cstdint>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 
+#include "workbench/volumes/file_operations.h"
 #include "workbench/volumes/output_file.h"
 
 namespace {
@@ -14,22 +13,11 @@ constexpr int KEPT_MOST = 99;  // files kept aside under one name
 }  // namespace
 
 std::string Text_File_Read(const std::filesystem::path& file, std::size_t size_most, std::string& text) {
-    text.clear();
-    std::error_code code;
-    const std::uintmax_t size = std::filesystem::file_size(file, code);
-    std::ifstream in(file, std::ios::binary);
-    if (code || !in) {
-        return "cannot be read";
-    }
-    if (size > size_most) {
+    const std::error_code code = File_Operations_In_Use().read(file, size_most, text);
+    if (code == std::errc::file_too_large) {
         return "is too large";
     }
-    text.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    if (in.bad()) {
-        text.clear();
-        return "cannot be read";
-    }
-    return {};
+    return code ? "cannot be read" : std::string();
 }
 
 std::string Text_File_Write(const std::filesystem::path& file, std::string_view text) {
@@ -48,7 +36,7 @@ std::string Text_File_Keep_Aside(const std::filesystem::path& file, std::string_
         if (std::filesystem::exists(aside, code)) {
             continue;
         }
-        std::filesystem::rename(file, aside, code);
+        code = File_Operations_In_Use().rename(file, aside);
         if (code) {
             return "cannot be kept aside: " + code.message();
         }

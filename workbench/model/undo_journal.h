@@ -20,9 +20,20 @@ struct Voxel_Run {
     std::uint8_t after = 0;
 };
 /** A stroke or a propagation: pixels of one slice. */
-struct Slice_Change {
+class Slice_Change {
+  public:
+    Slice_Change() = default;
+    /** @param runs by ascending offset, none over another */
+    Slice_Change(int of_slice, std::span<const Voxel_Run> runs);
     int slice = 0;
-    std::vector<Voxel_Run> runs;  ///< by ascending offset
+    std::vector<Voxel_Run> Runs() const;
+    /** Memory that the runs take, packed. */
+    std::size_t Bytes() const { return packed.capacity(); }
+
+  private:
+    std::size_t run_nb = 0;
+    std::size_t plain_size = 0;        // bytes before compression; 0: not compressed
+    std::vector<std::uint8_t> packed;  // per run: gap to the run before and length in groups of 7 bits, before, after
 };
 enum class Text_Table { TAG_LABELS, MARKER_LABELS };
 /** A renaming. No text: the label is shown by its number. */
@@ -77,12 +88,12 @@ std::optional<Slice_Change> Slice_Difference(int slice, std::span<const std::uin
 /** Writes a change into its slice. @param redo true: the state after the change, false: before it */
 void Slice_Change_Apply(const Slice_Change& change, bool redo, std::span<std::uint8_t> pixels);
 
-inline constexpr std::size_t JOURNAL_STEPS_KEPT = 100;    ///< steps that are kept whatever they weigh
-inline constexpr std::size_t JOURNAL_STEPS_MAX = 1000;    ///< more are never kept
-inline constexpr std::size_t JOURNAL_BYTES = 64U << 20U;  ///< beyond the kept steps, the oldest go until this holds
+inline constexpr std::size_t JOURNAL_STEPS_MAX = 1000;     ///< more are never kept
+inline constexpr std::size_t JOURNAL_BYTES = 256U << 20U;  ///< of all steps; the last one is kept whatever it weighs
 
-/** Undo and redo. Memory is bounded: a step touches one slice at most, and heavy steps beyond the last
- *  JOURNAL_STEPS_KEPT are forgotten, the oldest first. */
+/** Undo and redo. Memory is bounded by JOURNAL_BYTES: the oldest steps are forgotten, and the list says so. A step
+ *  touches one slice at most and is packed, so that 200 steps that change every pixel of a slice of 512 x 512 to
+ *  anything find room. */
 class Undo_Journal {
   public:
     /** Adds a step that has been done already; what was undone before is forgotten. */
@@ -98,8 +109,17 @@ class Undo_Journal {
     std::size_t Undo_Nb() const { return done; }
     std::size_t Redo_Nb() const { return steps.size() - done; }
     std::size_t Bytes() const { return bytes; }
+    /** Steps that were forgotten since the beginning of the history. */
+    std::size_t Forgotten_Nb() const { return forgotten; }
+    /** For a user: line 0 is the state before the first step that is kept, line n the one after n steps; what is undone
+     *  and what is saved is marked. */
+    std::vector<std::string> List() const;
     /** Forgets all steps; the state now counts as saved. */
     void Clear();
+    /** The state now is in no file. */
+    void Mark_Unsaved() { saved = ++last_id; }
+    /** A number that is equal only for equal states of the work. */
+    std::uint64_t State() const { return done == 0 ? oldest : ids[done - 1]; }
 
     /** The state now is the one in the file. */
     void Mark_Saved() { saved = State(); }
@@ -107,14 +127,13 @@ class Undo_Journal {
     bool Is_Unsaved() const { return State() != saved; }
 
   private:
-    /** A number that is equal only for equal states of the work. */
-    std::uint64_t State() const { return done == 0 ? oldest : ids[done - 1]; }
     void Drop_Oldest();
 
     std::deque<Undo_Step> steps;
     std::deque<std::uint64_t> ids;  ///< one per step, never used twice
     std::size_t done = 0;           ///< steps that are in force; the rest can be redone
     std::size_t bytes = 0;
+    std::size_t forgotten = 0;
     std::uint64_t last_id = 0;
     std::uint64_t oldest = 0;  ///< state before the oldest kept step
     std::uint64_t saved = 0;

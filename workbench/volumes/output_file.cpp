@@ -1,54 +1,17 @@
 #include "workbench/volumes/output_file.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <string>
 #include <system_error>
 #include <utility>
 
-#if defined(_WIN32)
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
+#include "workbench/volumes/file_operations.h"
 
 namespace {
 
 constexpr int attempt_nb = 1000;                         // names tried for the temporary file
 constexpr std::size_t write_most = 16U * 1024U * 1024U;  // bytes given to the system at once
-
-// The few operations on files that standard C++ does not have: exclusive creation, and bringing the bytes to the disk.
-#if defined(_WIN32)
-int File_Create(const std::filesystem::path& path) {
-    return ::_wopen(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY, _S_IREAD | _S_IWRITE);
-}
-long long File_Write(int descriptor, const std::uint8_t* bytes, std::size_t count) {
-    return ::_write(descriptor, bytes, static_cast<unsigned int>(count));
-}
-bool File_Flush(int descriptor) {
-    return ::_commit(descriptor) == 0;
-}
-bool File_Close(int descriptor) {
-    return ::_close(descriptor) == 0;
-}
-#else
-int File_Create(const std::filesystem::path& path) {
-    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-}
-long long File_Write(int descriptor, const std::uint8_t* bytes, std::size_t count) {
-    return ::write(descriptor, bytes, count);
-}
-// A place that cannot flush (a pipe, some network folders) is no failure.
-bool File_Flush(int descriptor) {
-    return ::fsync(descriptor) == 0 || errno == EINVAL;
-}
-bool File_Close(int descriptor) {
-    return ::close(descriptor) == 0;
-}
-#endif
 
 }  // namespace
 
@@ -65,7 +28,7 @@ Output_File::Output_File(std::filesystem::path target_path) : target(std::move(t
     for (int attempt = 0; attempt < attempt_nb; ++attempt) {
         temporary = target;
         temporary += ".part" + std::to_string(attempt);
-        descriptor = File_Create(temporary);
+        descriptor = File_Operations_In_Use().create(temporary);
         if (descriptor >= 0) {
             return;
         }
@@ -85,10 +48,9 @@ void Output_File::Abandon() {
     if (descriptor < 0) {
         return;
     }
-    File_Close(descriptor);
+    File_Operations_In_Use().close(descriptor);
     descriptor = -1;
-    std::error_code code;
-    std::filesystem::remove(temporary, code);
+    File_Operations_In_Use().remove(temporary);
 }
 
 bool Output_File::Fail(const std::string& what) {
@@ -103,7 +65,8 @@ bool Output_File::Fail_System(const std::string& what) {
 
 bool Output_File::Write(std::span<const std::uint8_t> bytes) {
     while (descriptor >= 0 && !bytes.empty()) {
-        const long long count = File_Write(descriptor, bytes.data(), std::min(bytes.size(), write_most));
+        const long long count =
+            File_Operations_In_Use().write(descriptor, bytes.data(), std::min(bytes.size(), write_most));
         if (count < 0 && errno == EINTR) {
             continue;
         }
@@ -122,18 +85,17 @@ bool Output_File::Commit() {
     if (descriptor < 0) {
         return false;
     }
-    if (!File_Flush(descriptor)) {
+    if (!File_Operations_In_Use().flush(descriptor)) {
         return Fail_System("cannot be written");
     }
-    const bool closed = File_Close(std::exchange(descriptor, -1));
+    const bool closed = File_Operations_In_Use().close(std::exchange(descriptor, -1));
     std::error_code code(closed ? 0 : errno, std::generic_category());
     if (closed) {
-        std::filesystem::rename(temporary, target, code);
+        code = File_Operations_In_Use().rename(temporary, target);
     }
     if (code) {
         error = (closed ? "cannot be replaced: " : "cannot be written: ") + code.message();
-        std::error_code ignored;
-        std::filesystem::remove(temporary, ignored);
+        File_Operations_In_Use().remove(temporary);
         return false;
     }
     return true;

@@ -1,0 +1,225 @@
+// Work that was not saved: journaled while the program runs, taken up after it has died. Reports of crashes.
+#include <windows.h>
+
+#include <algorithm>
+#include <ctime>
+#include <new>
+
+#include "workbench/application.h"
+#include "workbench/choice_dialog.h"
+#include "workbench/crash_report.h"
+#include "workbench/volumes/message_text.h"
+#include "workbench/wide_text.h"
+
+namespace {
+
+constexpr UINT_PTR recovery_timer = 41;
+constexpr ULONGLONG recovery_late_ms = RECOVERY_LOSS_MOST_MS / 3;
+constexpr int retry_looks = 6;  // between two tries to write what could not be written
+constexpr std::size_t volumes_named = 8;
+
+std::string Time_Text(std::int64_t seconds) {
+    const auto time = static_cast<std::time_t>(seconds);
+    const std::tm* local = std::localtime(&time);
+    char text[64] = {};
+    return local != nullptr && std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", local) > 0 ? text : "?";
+}
+
+int Placed_Nb(const std::vector<Marker_Description>& markers) {
+    return static_cast<int>(
+        std::ranges::count_if(markers, [](const Marker_Description& one) { return one.place.has_value(); }));
+}
+
+Label_Description Description_Of(const Recovery_Volume& volume) {
+    const auto& size = volume.grid.size;
+    return Label_Description_Parse(volume.description, {size[2], size[0], size[1]}).description;
+}
+
+/** What was found, for the user. */
+std::string Found_Text(const Recovery_Record& record) {
+    std::string text =
+        "The workbench ended while work was not saved. The last of it was kept at " + Time_Text(record.time) + ":\n";
+    for (std::size_t at = 0; at < std::min(record.volumes.size(), volumes_named); ++at) {
+        const Recovery_Volume& volume = record.volumes[at];
+        text += "\n- " + volume.title + ": " + Count_Text(volume.tagged_nb) + " voxels with TAGs, " +
+                std::to_string(Placed_Nb(Description_Of(volume).markers)) + " markers (" + volume.image + ")";
+    }
+    if (record.volumes.size() > volumes_named) {
+        text += "\n- and " + std::to_string(record.volumes.size() - volumes_named) + " more";
+    }
+    return text + "\n\nTaking it up opens the images again; nothing is written to a label file before you save.";
+}
+
+std::vector<std::uint8_t> Tags_Of(const Recovery_Volume& volume) {
+    std::vector<std::uint8_t> tags(volume.grid.Voxel_Nb());
+    const std::size_t slice_size = tags.size() / std::max<std::size_t>(volume.slices.size(), 1);
+    for (std::size_t slice = 0; slice < volume.slices.size(); ++slice) {
+        Slice_Unpack(volume.slices[slice], std::span(tags).subspan(slice * slice_size, slice_size));
+    }
+    return tags;
+}
+
+}  // namespace
+
+std::filesystem::path Application::Recovery_Folder() const {
+    if (settings_file.empty()) {
+        return {};
+    }
+    std::error_code unknown;
+    std::filesystem::path folder = std::filesystem::absolute(settings_file, unknown);
+    folder.replace_extension(".recovery");
+    return folder;
+}
+
+void Application::Recovery_Open() {
+    const std::filesystem::path folder = Recovery_Folder();
+    if (folder.empty()) {
+        return;
+    }
+    Crash_Report_Install(folder, WORKBENCH_VERSION);
+    recovery_claim = Recovery_Claim_Make(folder);
+    if (!recovery_claim) {
+        Warn("Work that is not saved cannot be kept for the next start: nothing can be written to " +
+             Path_To_Utf8(folder) + ".");
+        return;
+    }
+    recovery_keeper = std::make_unique<Recovery_Keeper>(recovery_claim->File(), WORKBENCH_VERSION);
+    recovery_looked = ::GetTickCount64();
+    // A procedure of its own: it is called in every message loop, also those of dialogs and menus.
+    ::SetTimer(window.Handle(), recovery_timer, RECOVERY_LOOK_MS, [](HWND, UINT, UINT_PTR, DWORD) {
+        if (Application* const application = The()) {
+            application->Recovery_Look();
+        }
+    });
+}
+
+void Application::Recovery_Look() {
+    if (!recovery_keeper) {
+        return;
+    }
+    recovery_looked = ::GetTickCount64();
+    try {
+        std::optional<Recovery_Snapshot> snapshot = recovery_recorder.Look(
+            volumes, session, [this] { return Labels_Describe(); }, opened_paths);
+        if (snapshot) {
+            report.Line("recovery_looked " + std::to_string(snapshot->parts.size()));
+            recovery_keeper->Offer(std::move(*snapshot));
+        } else if (recovery_keeper->Has_Failed() && ++recovery_waited >= retry_looks) {
+            recovery_waited = 0;
+            recovery_keeper->Retry();
+        }
+    } catch (const std::bad_alloc&) {
+        report.Line("recovery_no_memory");  // the next look tries again
+    }
+    const std::string problem = recovery_keeper->Problem_Take();
+    if (!problem.empty() && !std::exchange(is_recovery_problem_told, true)) {
+        Warn("Work that is not saved is not kept for the next start any more: " +
+             File_Name_Text(recovery_claim->File()) + " " + problem + ". Save the labels.");
+    }
+}
+
+void Application::Recovery_Look_If_Late() {
+    // Timers come last; a queue that is never empty must not hold them back for ever.
+    if (recovery_keeper && ::GetTickCount64() - recovery_looked > recovery_late_ms) {
+        Recovery_Look();
+    }
+}
+
+void Application::Recovery_End() {
+    recovery_keeper.reset();
+    if (recovery_claim) {
+        recovery_claim->Remove();
+        recovery_claim.reset();
+    }
+}
+
+void Application::Crash_Tell() {
+    const std::filesystem::path folder = Recovery_Folder();
+    if (folder.empty()) {
+        return;
+    }
+    const std::vector<std::filesystem::path> reports = Crash_Reports_Take(folder);
+    if (!reports.empty()) {
+        Warn("The workbench has ended by a fault since the last start. What happened stands in " +
+             Path_To_Utf8(reports.back()) +
+             (reports.size() > 1 ? ", and in " + std::to_string(reports.size() - 1) + " more beside it." : "."));
+    }
+}
+
+bool Application::Recovery_Offer() {
+    if (Recovery_Folder().empty()) {
+        return false;
+    }
+    Recovery_Findings findings = Recovery_Find(Recovery_Folder());
+    for (const std::string& sentence : findings.told) {
+        Warn(sentence);
+    }
+    for (Recovery_Found& found : findings.found) {
+        const std::string text = Found_Text(found.record);
+        report.Line("ask recovery " + text);
+        const int way = Choice_Ask(window.Handle(), L"Work that was not saved", Wide_Of_Utf8(text),
+                                   {L"&Take it up", L"Ask again at the &next start", L"&Discard it for good"});
+        if (way == 0) {
+            Recovery_Take(found);
+            return true;
+        }
+        if (way == 2 && !found.claim.Remove()) {
+            Warn(File_Name_Text(found.claim.File()) + " cannot be removed.");
+        }
+    }
+    return false;
+}
+
+void Application::Recovery_Take(Recovery_Found& found) {
+    std::vector<std::filesystem::path> paths;
+    for (const std::string& path : found.record.opened) {
+        paths.push_back(Path_From_Utf8(path));
+    }
+    Open_Paths(paths);
+    const int shown = volumes.Current();
+    int first = -1;
+    bool is_all = true;
+    for (const Recovery_Volume& wanted : found.record.volumes) {
+        const int volume = Recovery_Volume_Find(volumes, session, wanted);
+        if (volume >= 0) {
+            volumes.Switch(volume, session);
+        }
+        const std::filesystem::path labels =
+            wanted.labels.empty() ? std::filesystem::path() : Path_From_Utf8(wanted.labels);
+        if (volume < 0 || !session.Take_Up(Tags_Of(wanted), Description_Of(wanted).markers, labels, wanted.stamps)) {
+            is_all = false;
+            Warn("The image of " + wanted.title + " (" + wanted.image +
+                 ") is not there as it was; the work on it is kept, and is offered again at the next start.");
+        } else if (first < 0) {
+            first = volume;
+        }
+    }
+    if (volumes.Nb() > 0) {
+        volumes.Switch(shown, session);
+    }
+    if (first >= 0) {
+        Volume_Go(first);
+        Tag_Nb_Grow(session.Labels().Highest_Tag());
+        Labels_Adopt(Description_Of(found.record.volumes.front()));
+        image.Refresh();
+        Title_Refresh();
+        Status(L"The work of " + Wide_Of_Utf8(Time_Text(found.record.time)) + L" was taken up; it is not saved yet");
+    }
+    report.Line("recovered " + std::to_string(is_all ? 1 : 0));
+    // The journal that was found may go only when one of this run holds the same.
+    Recovery_Look();
+    if (is_all && recovery_keeper && recovery_keeper->Wait()) {
+        found.claim.Remove();
+    }
+}
+
+void Application::Changes_Note() {
+    const Undo_Journal& journal = session.Journal();
+    if (journal.State() == noted_state) {
+        return;
+    }
+    noted_state = journal.State();
+    const Undo_Step* last = journal.Next_Undo();
+    Activity_Note("change: " + (last != nullptr ? last->title : std::string("start of a history")) + ", step " +
+                  std::to_string(journal.Undo_Nb()) + " of " + std::to_string(journal.Undo_Nb() + journal.Redo_Nb()));
+}

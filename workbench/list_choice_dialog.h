@@ -1,0 +1,12 @@
+/** Asks the user to choose a line of a list. */
+#pragma once
+
+#include "base/gdi_handles.h"
+
+#include <string>
+#include <vector>
+
+/** Runs a modal dialog. @param label stands above the list @param current the line that is marked at first
+ *  @return index of the line; -1: given up */
+int List_Choice_Ask(HWND owner, const std::wstring& title, const std::wstring& label,
+                    const std::vector<std::wstring>& lines, int current);

@@ -1,0 +1,113 @@
+#include "workbench/model/recovery_folder.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <random>
+#include <set>
+#include <system_error>
+
+#include "workbench/model/text_file.h"
+#include "workbench/volumes/file_operations.h"
+#include "workbench/volumes/message_text.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int ATTEMPTS = 20;  // names tried for an own journal
+constexpr const char* ENDING = ".work";
+
+fs::path With_Ending(fs::path stem, const char* ending) {
+    stem += ending;
+    return stem;
+}
+
+/** Removes what writing a journal left behind: NAME.work.part0 and so on. */
+void Parts_Remove(const fs::path& journal) {
+    std::error_code code;
+    const std::string begin = File_Name_Text(journal) + ".part";
+    std::vector<fs::path> parts;
+    for (fs::directory_iterator entry(journal.parent_path(), code), end; !code && entry != end; entry.increment(code)) {
+        if (File_Name_Text(entry->path()).starts_with(begin)) {
+            parts.push_back(entry->path());
+        }
+    }
+    for (const fs::path& part : parts) {
+        File_Operations_In_Use().remove(part);
+    }
+}
+
+/** The stems of all journals and locks of a folder. */
+std::set<fs::path> Stems(const fs::path& folder) {
+    std::set<fs::path> stems;
+    std::error_code code;
+    for (fs::directory_iterator entry(folder, code), end; !code && entry != end; entry.increment(code)) {
+        const fs::path name = entry->path().filename();
+        const std::string text = File_Name_Text(name);
+        const std::size_t work = text.find(ENDING);
+        if (text.starts_with("session-") && (name.extension() == ".lock" || name.extension() == ENDING ||
+                                             text.find(".work.part") != std::string::npos)) {
+            stems.insert(folder / text.substr(0, work != std::string::npos ? work : text.size() - 5));
+        }
+    }
+    return stems;
+}
+
+}  // namespace
+
+bool Recovery_Claim::Remove() {
+    const bool is_gone = !File_Operations_In_Use().remove(file);
+    Parts_Remove(file);
+    return is_gone;
+}
+
+std::optional<Recovery_Claim> Recovery_Claim_Make(const fs::path& folder) {
+    std::error_code code;
+    fs::create_directories(folder, code);
+    std::random_device random;
+    for (int attempt = 0; attempt < ATTEMPTS; ++attempt) {
+        char name[32] = {};
+        std::snprintf(name, sizeof name, "session-%08x%08x", random(), random());
+        const fs::path stem = folder / name;
+        std::optional<File_Lock> lock = File_Lock::Take(With_Ending(stem, ".lock"));
+        if (lock && !fs::exists(With_Ending(stem, ENDING), code)) {
+            return Recovery_Claim(With_Ending(stem, ENDING), std::move(*lock));
+        }
+    }
+    return std::nullopt;
+}
+
+Recovery_Findings Recovery_Find(const fs::path& folder) {
+    Recovery_Findings findings;
+    for (const fs::path& stem : Stems(folder)) {
+        std::optional<File_Lock> lock = File_Lock::Take(With_Ending(stem, ".lock"));
+        if (!lock) {
+            continue;  // of a program that runs
+        }
+        const fs::path journal = With_Ending(stem, ENDING);
+        Parts_Remove(journal);
+        std::error_code code;
+        if (!fs::exists(journal, code)) {
+            continue;
+        }
+        std::string bytes;
+        if (const std::string error = Text_File_Read(journal, RECOVERY_FILE_MOST, bytes); !error.empty()) {
+            findings.told.push_back("Work that was not saved may be in " + File_Name_Text(journal) + ", which " +
+                                    error + ".");
+            continue;
+        }
+        Recovery_Reading reading = Recovery_Decode(bytes);
+        if (!reading.record) {
+            fs::path aside = journal;
+            const std::string error = Text_File_Keep_Aside(journal, reading.is_newer ? ".newer" : ".damaged", &aside);
+            findings.told.push_back(
+                "Work that was not saved cannot be taken up: " + File_Name_Text(journal) + " " + reading.problem +
+                (error.empty() ? ". It is kept as " + File_Name_Text(aside) + "." : ". It " + error + "."));
+            continue;
+        }
+        findings.found.push_back({Recovery_Claim(journal, std::move(*lock)), std::move(*reading.record)});
+    }
+    std::ranges::sort(findings.found,
+                      [](const Recovery_Found& a, const Recovery_Found& b) { return a.record.time > b.record.time; });
+    return findings;
+}

@@ -1,0 +1,88 @@
+#include "workbench/volumes/file_operations.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <fstream>
+#include <iterator>
+
+#if defined(_WIN32)
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace {
+
+#if defined(_WIN32)
+int Create(const std::filesystem::path& path) {
+    return ::_wopen(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY, _S_IREAD | _S_IWRITE);
+}
+long long Write(int descriptor, const std::uint8_t* bytes, std::size_t count) {
+    return ::_write(descriptor, bytes, static_cast<unsigned int>(count));
+}
+bool Flush(int descriptor) {
+    return ::_commit(descriptor) == 0;
+}
+bool Close(int descriptor) {
+    return ::_close(descriptor) == 0;
+}
+#else
+int Create(const std::filesystem::path& path) {
+    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+}
+long long Write(int descriptor, const std::uint8_t* bytes, std::size_t count) {
+    return ::write(descriptor, bytes, count);
+}
+// A place that cannot flush (a pipe, some network folders) is no failure.
+bool Flush(int descriptor) {
+    return ::fsync(descriptor) == 0 || errno == EINVAL;
+}
+bool Close(int descriptor) {
+    return ::close(descriptor) == 0;
+}
+#endif
+
+std::error_code Rename(const std::filesystem::path& from, const std::filesystem::path& to) {
+    std::error_code code;
+    std::filesystem::rename(from, to, code);
+    return code;
+}
+
+std::error_code Remove(const std::filesystem::path& path) {
+    std::error_code code;
+    std::filesystem::remove(path, code);
+    return code;
+}
+
+std::error_code Read(const std::filesystem::path& path, std::size_t most, std::string& bytes) {
+    bytes.clear();
+    std::error_code code;
+    const std::uintmax_t size = std::filesystem::file_size(path, code);
+    if (code) {
+        return code;
+    }
+    if (size > most) {
+        return std::make_error_code(std::errc::file_too_large);
+    }
+    std::ifstream in(path, std::ios::binary);
+    bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    if (!in.is_open() || in.bad()) {
+        bytes.clear();
+        return std::make_error_code(std::errc::io_error);
+    }
+    return code;
+}
+
+}  // namespace
+
+const File_Operations& File_Operations_Of_System() {
+    static constexpr File_Operations OPERATIONS = {&Create, &Write, &Flush, &Close, &Rename, &Remove, &Read};
+    return OPERATIONS;
+}
+
+File_Operations& File_Operations_In_Use() {
+    static File_Operations operations = File_Operations_Of_System();
+    return operations;
+}
