@@ -115,7 +115,6 @@ void Application::Load_Labels(const std::filesystem::path& path) {
     Histogram_Tag_Refresh();
     image.Refresh();
     Title_Refresh();
-    Histogram_Tag_Refresh();
     Status(L"Labels loaded from " + Wide_Of_Utf8(File_Name_Text(path)));
 }
 
