@@ -27,7 +27,7 @@
 #include "workbench/main_window.h"
 #include "workbench/model/color_sight.h"
 #include "workbench/model/command_line.h"
-#include "workbench/model/display_windows.h"
+#include "workbench/model/display_window.h"
 #include "workbench/model/open_volumes.h"
 #include "workbench/model/panel_scale.h"
 #include "workbench/model/session.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "workbench/model/display_windows.h"
+#include "workbench/model/display_window.h"
 
 void Open_Volumes::Clear(Session& in_hand) {
     volumes.clear();

@@ -20,9 +20,9 @@
 #include "workbench/volumes/dicom_lookup.h"
 #include "workbench/volumes/dicom_pixels.h"
 #include "workbench/volumes/dicom_run_length.h"
+#include "workbench/volumes/dicom_window.h"
 #include "workbench/volumes/level_range.h"
 #include "workbench/volumes/level_scale.h"
-#include "workbench/volumes/dicom_windows.h"
 #include "workbench/volumes/message_text.h"
 
 namespace {

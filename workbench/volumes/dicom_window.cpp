@@ -1,4 +1,4 @@
-#include "workbench/volumes/dicom_windows.h"
+#include "workbench/volumes/dicom_window.h"
 
 #include <algorithm>
 

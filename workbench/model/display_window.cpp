@@ -1,4 +1,4 @@
-#include "workbench/model/display_windows.h"
+#include "workbench/model/display_window.h"
 
 #include <algorithm>
 #include <cmath>
