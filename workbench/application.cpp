@@ -7,6 +7,7 @@
 #include "workbench/enlarged_icon.h"
 #include "workbench/enlarged_keyboard.h"
 #include "workbench/enlarged_wheel.h"
+#include "workbench/global_keys.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 
@@ -57,8 +58,10 @@ Application::Application(const Command_Line& command_line)
       banner(look, [this] { Lay_Out(); }),
       trace(look),
       analysis(look, {[this] { return &histogram_panel; }, [this] { Peaks_Changed(); },
-                      [this](const std::vector<Peak_Band>& peaks) { Bands_Take(peaks); },
-                      [this](const wchar_t* text) { Status(text); }}),
+                      [this](const std::vector<Peak_Row>& peaks) { Bands_Take(peaks); },
+                      [this](const wchar_t* text) { Status(text); }, [this] { return Histogram_Source(); },
+                      [this] { return panel_scale.To_Grey(1.0); },
+                      [this](const std::string& text) { Table_Save(text); }, [this] { return Table_Source(); }}),
       database(look, Database_Services()),
       not_opened_list(look) {
     the_application = this;
@@ -163,18 +166,22 @@ void Application::Add_Panels() {
     });
     histogram_host = tool_area.Add(L"Histogram", histogram_base, Window_Axis::Down, [this](int is_used, int) {
         // A press beside the magnification's thumb changes it without painting the plot.
+        is_scale_chosen = is_scale_chosen || histogram_panel.scale != suggested_scale;
         if (is_used != 0) {
             Announce(UPDATE_HISTO_PAINT);
             Enlarged_Icon_Give();
         }
     });
     tool_area.Stretch(histogram_host, look.Px(histogram_height_most));
+    suggested_scale = histogram_panel.scale;
 }
 
 int Application::Run() {
     MSG message = {};
     while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
-        if (database.Key_Message(message) || Enlarged_Key_Dispatch(message)) {
+        const auto take = [this](int key) { Execute(Command_Of_Key(key)); };
+        if (database.Key_Message(message) || Enlarged_Key_Dispatch(message) ||
+            Global_Key_Dispatch(message, window.Handle(), take)) {
             continue;
         }
         if (!Enlarged_Wheel_Dispatch(message, settings.is_wheel_turned)) {
@@ -244,6 +251,8 @@ void Application::After_Update(unsigned __int64 flags) {
     }
     if (!Has_Any(flags, UPDATE_MOUSE_FRAME)) {
         Notes_Refresh();
+        Voxel_Refresh();
+        analysis.Source_Refresh();
     }
 }
 
@@ -319,18 +328,12 @@ void Application::Notes_Refresh() {
     const int marker = variables.Marker_Cur();
     tool_area.Note_Set(marker_host,
                        Wide_Of_Panel(variables.Marker_Name(marker).c_str()) + (is_marker_mode ? L", placing" : L""));
-    std::wstring frames = histogram_first < histogram_last ? L"frames " + std::to_wstring(histogram_first + 1) +
-                                                                 L" to " + std::to_wstring(histogram_last + 1)
-                                                           : L"frame " + std::to_wstring(histogram_first + 1);
-    if (is_histogram_of_tag) {
-        frames += L", TAG " + std::to_wstring(tag) + L" only";
-    }
-    if (is_histogram_smoothed) {
-        frames += L", smoothed";
-    }
+    std::string counted = Histogram_Source();
     if (is_histogram_of_checked) {
-        frames = L"checked frames";
+        counted = "checked frames" + counted.substr(std::min(counted.find(", TAG"), counted.size()));
     }
+    const std::string unit = panel_scale.Text();
+    const std::wstring frames = Wide_Of_Utf8(counted + (unit.empty() ? "" : "   levels " + unit));
     tool_area.Note_Set(histogram_host, session.Has_Volume() ? frames : L"");
     Colors_Refresh();
 }
@@ -394,6 +397,7 @@ void Application::Wheel(POINT screen, int delta, bool is_control) {
         YCursor_X = screen.x;
         YCursor_Y = screen.y;
         host->Wheel(delta);
+        is_scale_chosen = is_scale_chosen || (host == histogram_host && histogram_panel.scale != suggested_scale);
     } else if (under == tool_area.Handle()) {
         tool_area.Wheel(delta);
     } else if (under == image.Handle()) {
@@ -455,6 +459,8 @@ void Application::Report_State() {
     line("threshold_mode", is_threshold_mode ? 1 : 0);
     line("threshold_min", std::lround(variables.Threshold_Min()[cur]));
     line("threshold_max", std::lround(variables.Threshold_Max()[cur]));
+    report.Line("voxel " + Utf8_Of_Wide(status_line.Voxel()));
+    line("histogram_exponent", panel_scale.exponent);
     line("tag_color", variables.Tag_Color(variables.Tag_Cur()));
     line("wheel_turned", settings.is_wheel_turned ? 1 : 0);
     report.Line("tag_label " + variables.Tag_Name(variables.Tag_Cur()));

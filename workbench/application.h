@@ -16,6 +16,7 @@
 #include "panels/tool_propagate.h"
 #include "panels/tool_tag.h"
 #include "workbench/analysis/analysis_window.h"
+#include "workbench/analysis/band_plan.h"
 #include "workbench/analysis/export_check.h"
 #include "workbench/commands.h"
 #include "workbench/database/class_history.h"
@@ -27,10 +28,12 @@
 #include "workbench/main_window.h"
 #include "workbench/model/color_sight.h"
 #include "workbench/model/command_line.h"
+#include "workbench/model/display_window.h"
 #include "workbench/model/open_volumes.h"
 #include "workbench/model/recovery_folder.h"
 #include "workbench/model/recovery_keeper.h"
 #include "workbench/model/recovery_recorder.h"
+#include "workbench/model/panel_scale.h"
 #include "workbench/model/session.h"
 #include "workbench/model/settings.h"
 #include "workbench/model/update_delivery.h"
@@ -188,6 +191,9 @@ class Application : public Image_User, public Main_Window_User {
     /** What the file of the histogram should tell; only with counts. */
     Export_Expected Export_Wanted() const;
     void Export_Histogram();
+    /** What the table of the peak analysis was made of, as lines: volume, file, frames. */
+    std::string Table_Source() const;
+    void Table_Save(const std::string& text);
     /** Reads a histogram's file back and tells what differs from the panel. @param is_new it was just written: then
      *  only differences are worth a window */
     void Export_Verify(const std::filesystem::path& path, bool is_new);
@@ -259,10 +265,16 @@ class Application : public Image_User, public Main_Window_User {
     void Histograms_Refresh();
     void Report_Peaks();
     std::wstring Histogram_Text() const;
-    /** Magnifies so that one overfull bin, as the air around a head makes, does not flatten the rest. */
+    /** Magnifies so that one overfull bin, as the air around a head makes, does not flatten the rest; not when the user
+     *  has chosen a magnification. */
     void Histogram_Scale_Suggest();
+    /** What the histogram counts: "frames 3, 5 to 9, smoothed". */
+    std::string Histogram_Source() const;
+    Counted_Pixels Histogram_Counted() const;
+    void Background_Toggle();
+    void Background_Ask();
     void Peaks_Changed();
-    void Bands_Take(const std::vector<Peak_Band>& peaks);
+    void Bands_Take(const std::vector<Peak_Row>& peaks);
 
     // application_database.cpp
     void Execute_Database(Command command);
@@ -288,9 +300,14 @@ class Application : public Image_User, public Main_Window_User {
     // application_image.cpp
     void Slice_Show(int wanted, bool tell_panels);
     void Window_Reset();
+    /** Lists the windows of the image at the end of a menu. */
+    void Window_Menu(HMENU menu) const;
+    void Window_Choose(int index);
+    std::vector<Display_Window> Windows() const;
     Tag_Overlay Overlay_Now() const;
     Paint_Ink Ink(bool erase);
-    void Voxel_Text(int x, int y);
+    /** Tells of the pixel under the mouse as it is now. */
+    void Voxel_Refresh();
 
     // application_propagation.cpp
     /** The application that runs; null: none. */
@@ -299,6 +316,12 @@ class Application : public Image_User, public Main_Window_User {
     int Propagate(int from, int to);
     void Propagation_Kind_Set(Propagation_Kind kind);
     void Propagate_Repeat(int direction);
+
+    Claimed_Levels Claimed(int tag) const;
+    double Grey_Of_Panel(float told) const { return panel_scale.To_Grey(static_cast<double>(told)); }
+    float Panel_Of_Grey(double grey) const { return static_cast<float>(panel_scale.To_Panel(grey)); }
+    /** Brings the thresholds to the unit of the volume in hand. */
+    void Panel_Scale_Adopt();
 
     Command_Line options;
     Look look;
@@ -341,7 +364,11 @@ class Application : public Image_User, public Main_Window_User {
     std::string not_opened;  // files, and why; UTF-8, one per line
     Volume_Statistics statistics;
     Grey_Window grey_window;
+    Panel_Scale panel_scale;           // of the volume in hand
+    std::optional<double> background;  // of the volume in hand: grey value up to which it is left out
     int slice = 0;
+    int hover_x = -1;  // pixel under the mouse; -1: none
+    int hover_y = -1;
     bool is_overlay_shown = true;
     bool is_marker_mode = false;
     bool is_threshold_mode = false;
@@ -349,6 +376,9 @@ class Application : public Image_User, public Main_Window_User {
     bool is_histogram_of_shown = false;    // follows the shown slice
     bool is_histogram_of_tag = false;      // counts the current TAG's pixels only
     bool is_histogram_smoothed = false;    // counts means of 3 x 3 pixels
+    bool is_background_left_out = false;   // the histogram does not count what surrounds the image
+    bool is_scale_chosen = false;          // the user has set the histogram's magnification
+    float suggested_scale = 0.0F;          // what it was set to otherwise
     bool is_histogram_of_checked = false;  // of the frames checked in the database
     int histogram_first = 0;               // slices
     int histogram_last = 0;

@@ -45,6 +45,7 @@ void Application::Menu_Refresh(HMENU menu) {
     Check(menu, Command::HISTOGRAM_RANGE, is_range && !is_all);
     Check(menu, Command::HISTOGRAM_OF_TAG, is_histogram_of_tag);
     Check(menu, Command::HISTOGRAM_SMOOTHED, is_histogram_smoothed);
+    Check(menu, Command::BACKGROUND_LEAVE_OUT, is_background_left_out);
     Check(menu, Command::RANGE_OVERLAY, is_range_shown);
     Check(menu, Command::WHEEL_TURNED, settings.is_wheel_turned);
     Check(menu, Command::TRACE_VIEW, trace.Is_Shown());
@@ -54,6 +55,9 @@ void Application::Menu_Refresh(HMENU menu) {
     Check(menu, Command::CURSOR_PEN, image.Is_Pen_Down());
     if (Has_Entry(menu, Command::OPEN) && !Has_Entry(menu, Command::UNDO)) {
         Recent_Menu(menu);
+    }
+    if (Has_Entry(menu, Command::CURSOR_SHOW)) {
+        Window_Menu(menu);
     }
     Check(menu, Command::THEME, look.Theme() == Library_Theme::Light);
     Check(menu, Command::FUNCTION_COPY, propagation_kind == Propagation_Kind::COPY);
@@ -84,6 +88,8 @@ void Application::Execute(Command command) {
         Execute_Edit(command);
     } else if (command >= Command::FOCUS_NEXT && command <= Command::DATABASE_NARROWER) {
         Execute_Keyboard(command);
+    } else if (command >= Command::WINDOW_0) {
+        Window_Choose(static_cast<int>(command) - static_cast<int>(Command::WINDOW_0));
     } else if (command >= Command::RECENT_0) {
         Recent_Open(static_cast<int>(command) - static_cast<int>(Command::RECENT_0));
     } else if (command >= Command::HISTOGRAM_ALL && command <= Command::PEAKS_TO_BANDS) {

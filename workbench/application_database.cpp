@@ -75,7 +75,7 @@ void Application::Database_Run(const std::function<void()>& event) {
     if (flags != 0) {
         On_Panel_Request(flags);
     }
-    if (volume_before != volumes.Current()) {
+    if (volume_before != volumes.Current() || Has_Any(flags, UPDATE_SELECTION)) {
         Histogram_Scale_Suggest();
     }
     if (std::exchange(is_redraw_asked, false)) {

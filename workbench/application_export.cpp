@@ -1,6 +1,8 @@
 // The histogram's file: writing it, and reading it back.
 #include <windows.h>
 
+#include <commdlg.h>
+
 #include <algorithm>
 
 #include "histogram/histo_peak.h"
@@ -45,6 +47,37 @@ Export_Expected Application::Export_Wanted() const {
                                 (*peak->param)[PEAK_WIDTH]});
     }
     return wanted;
+}
+
+std::string Application::Table_Source() const {
+    std::string source = "Histogram analysis\t1\n";
+    if (session.Has_Volume()) {
+        source += "Volume\t" + volumes.Facts(volumes.Current()).title + "\n";
+        source += "File\t" + File_Name_Text(session.Path()) + "\n";
+    }
+    return source + "Counted\t" + Histogram_Source();
+}
+
+void Application::Table_Save(const std::string& text) {
+    std::wstring path = L"analysis.txt";
+    path.resize(FILE_NAME_SIZE);
+    OPENFILENAMEW question = {};
+    question.lStructSize = sizeof question;
+    question.hwndOwner = analysis.Window();
+    question.lpstrFilter = L"Texts (*.txt)\0*.txt\0All files\0*.*\0";
+    question.lpstrTitle = L"Save the full table";
+    question.lpstrDefExt = L"txt";
+    question.lpstrFile = path.data();
+    question.nMaxFile = FILE_NAME_SIZE;
+    question.Flags = OFN_OVERWRITEPROMPT | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
+    if (::GetSaveFileNameW(&question) == 0) {
+        return;
+    }
+    const std::filesystem::path file(path.c_str());
+    if (const std::string error = Text_File_Write(file, text); !error.empty()) {
+        return Warn("The table was not saved: " + File_Name_Text(file) + " " + error + ".");
+    }
+    Status(L"The full table was saved to " + Wide_Of_Utf8(File_Name_Text(file)));
 }
 
 void Application::Export_Histogram() {

@@ -75,6 +75,7 @@ std::optional<Load_Result> Application::Load_With_Progress(const std::filesystem
         Warn(result.error);
         return std::nullopt;
     }
+    banner.Close();  // what was told of other files
     for (const std::string& warning : result.warnings) {
         Warn(warning);
     }

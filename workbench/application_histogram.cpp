@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <cwchar>
 #include <span>
@@ -11,6 +10,9 @@
 
 #include "workbench/analysis/histogram_numbers.h"
 #include "workbench/application.h"
+#include "workbench/bands_dialog.h"
+#include "workbench/model/background.h"
+#include "workbench/model/number_text.h"
 #include "workbench/prompt_dialog.h"
 #include "workbench/wide_text.h"
 
@@ -19,6 +21,8 @@ namespace {
 constexpr int bins_least = 16;
 constexpr int bins_most = 65535;
 constexpr int peaks_asked = 8;
+constexpr int number_digits = 4;         // of means, deviations and thresholds
+constexpr double one_level_most = 1.01;  // widths are single precision
 
 struct Range {
     int tag = 0;
@@ -50,6 +54,10 @@ void Application::Execute_Histogram(Command command) {
         case Command::HISTOGRAM_SMOOTHED:
             is_histogram_smoothed = !is_histogram_smoothed;
             return Histograms_Refresh();
+        case Command::BACKGROUND_LEAVE_OUT:
+            return Background_Toggle();
+        case Command::BACKGROUND_THRESHOLD:
+            return Background_Ask();
         case Command::HISTOGRAM_BINS:
             return Histogram_Bins_Ask();
         case Command::HISTOGRAM_COMPONENT:
@@ -98,6 +106,7 @@ void Application::Histogram_Selection_Set(int first, int last, bool follows_slic
     is_histogram_of_checked = false;
     Histogram_Select();
     Announce(UPDATE_SELECTION | UPDATE_LEVEL_2D | UPDATE_HISTO_PAINT);
+    Histogram_Scale_Suggest();
     Status(Histogram_Text());
 }
 
@@ -150,12 +159,90 @@ void Application::Histogram_Tag_Refresh() {
     Notes_Refresh();
 }
 
+Counted_Pixels Application::Histogram_Counted() const {
+    return {is_histogram_of_tag ? variables.Tag_Cur() : -1, is_histogram_smoothed,
+            is_background_left_out ? background : std::nullopt};
+}
+
 void Application::Histograms_Refresh() {
     if (session.Has_Volume()) {
-        objects.Histograms_Build(session, is_histogram_of_tag ? variables.Tag_Cur() : -1, is_histogram_smoothed);
+        objects.Histograms_Build(session, Histogram_Counted());
         Announce(UPDATE_HISTO_DATA | UPDATE_HISTO_PAINT);
     }
     Notes_Refresh();
+}
+
+std::string Application::Histogram_Source() const {
+    if (!session.Has_Volume()) {
+        return "no frames";
+    }
+    std::string source;
+    std::vector<int> frames;
+    int volume = -1;
+    const auto volume_end = [&] {
+        if (!frames.empty()) {
+            source += (source.empty() ? "" : "; ") + Frames_Text(frames);
+            source += volume != volumes.Current() ? " of " + volumes.Facts(volume).title : "";
+        }
+        frames.clear();
+    };
+    for (const Frame_Place& place : objects.Selected()) {
+        if (place.volume != volume) {
+            volume_end();
+            volume = place.volume;
+        }
+        frames.push_back(place.slice + 1);
+    }
+    volume_end();
+    source = source.empty() ? "no frames" : source;
+    if (is_histogram_of_tag) {
+        source += ", TAG " + std::to_string(variables.Tag_Cur()) + " only";
+    }
+    if (is_histogram_smoothed) {
+        source += ", smoothed";
+    }
+    if (is_background_left_out && background) {
+        source += ", without background (up to " + Number_Text(*background, number_digits) + ")";
+    }
+    return source;
+}
+
+void Application::Background_Toggle() {
+    if (!is_background_left_out && !background && session.Has_Volume()) {
+        background = Background_Threshold(session.Image());
+    }
+    if (!is_background_left_out && !background) {
+        return Status(L"This image has no background to leave out");
+    }
+    is_background_left_out = !is_background_left_out;
+    Histograms_Refresh();
+    Histogram_Scale_Suggest();
+    Status(is_background_left_out ? L"What surrounds the image, up to grey " +
+                                        Wide_Of_Utf8(Number_Text(*background, number_digits)) + L", is left out"
+                                  : L"All pixels are counted");
+}
+
+void Application::Background_Ask() {
+    const std::optional<double> proposed = session.Has_Volume() ? Background_Threshold(session.Image()) : std::nullopt;
+    if (!proposed) {
+        return Status(L"This image has no background to leave out");
+    }
+    const std::wstring otsu = Wide_Of_Utf8(Number_Text(*proposed, number_digits));
+    const auto answer =
+        Prompt(window.Handle(), L"Background", L"Largest grey value of the background (Otsu's method: " + otsu + L"):",
+               Wide_Of_Utf8(Number_Text(background.value_or(*proposed), number_digits)));
+    if (!answer) {
+        return;
+    }
+    wchar_t* end = nullptr;
+    const double value = answer->empty() ? *proposed : std::wcstod(answer->c_str(), &end);
+    if ((end != nullptr && (*end != 0 || end == answer->c_str())) || !std::isfinite(value)) {
+        Warn("\"" + Utf8_Of_Wide(*answer) + "\" is no number.");
+        return;
+    }
+    background = value;
+    is_background_left_out = false;
+    Background_Toggle();
 }
 
 std::wstring Application::Histogram_Text() const {
@@ -163,21 +250,21 @@ std::wstring Application::Histogram_Text() const {
         return L"The histogram is empty";
     }
     const Histo_Record& record = *histogram_panel.data->record;
+    const double width = Grey_Of_Panel(record.bin_width);
     // Bins of one stored level stand for that level, wider ones for their middle.
-    const bool is_one_level = session.Has_Volume() && record.bin_width <= std::abs(session.Image().slope);
-    const Histogram_Numbers numbers = Histogram_Numbers_Of({record.counts, record.nb_bins},
-                                                           {record.origin, record.bin_width}, is_one_level ? 0.0 : 0.5);
-    wchar_t text[240] = {};
-    std::swprintf(text, 240,
-                  L"grey: mean %.1f, deviation %.1f, mode %.0f, median %.0f, %.0f to %.0f, 1 %% %.0f, 99 %% %.0f",
-                  numbers.mean, numbers.deviation, numbers.mode, numbers.median, numbers.minimum, numbers.maximum,
-                  numbers.percentile_1, numbers.percentile_99);
-    return text;
+    const bool is_one_level = session.Has_Volume() && width <= std::abs(session.Image().slope) * one_level_most;
+    const Histogram_Numbers numbers = Histogram_Numbers_Of(
+        {record.counts, record.nb_bins}, {Grey_Of_Panel(record.origin), width}, is_one_level ? 0.0 : 0.5);
+    const auto level = [&](double value) { return Number_Text_In_Steps(value, width); };
+    return Wide_Of_Utf8("grey: mean " + Number_Text(numbers.mean, number_digits) + ", deviation " +
+                        Number_Text(numbers.deviation, number_digits) + ", mode " + level(numbers.mode) + ", median " +
+                        level(numbers.median) + ", " + level(numbers.minimum) + " to " + level(numbers.maximum) +
+                        ", 1 % " + level(numbers.percentile_1) + ", 99 % " + level(numbers.percentile_99));
 }
 
 void Application::Histogram_Scale_Suggest() {
     constexpr float headroom = 1.1F;
-    if (histogram_panel.data == nullptr || !histogram_panel.data->Has_Counts()) {
+    if (is_scale_chosen || histogram_panel.data == nullptr || !histogram_panel.data->Has_Counts()) {
         return;
     }
     const Histo_Record& record = *histogram_panel.data->record;
@@ -191,8 +278,12 @@ void Application::Histogram_Scale_Suggest() {
     for (auto bin = counts.begin(); bin != counts.end(); ++bin) {
         next = std::abs(bin - fullest) > 2 ? std::max(next, *bin) : next;
     }
+    const float before = histogram_panel.scale;
     histogram_base.Scale_Set(headroom * static_cast<float>(next) / static_cast<float>(*fullest));
-    histogram_host->Lay_Out();
+    suggested_scale = histogram_panel.scale;
+    if (suggested_scale != before) {
+        histogram_host->Lay_Out();
+    }
 }
 
 void Application::Histogram_Ranges_Refresh() {
@@ -202,8 +293,9 @@ void Application::Histogram_Ranges_Refresh() {
         const float low = variables.Threshold_Min()[static_cast<std::size_t>(tag)];
         const float high = variables.Threshold_Max()[static_cast<std::size_t>(tag)];
         if (low > TAG_THRESHOLD_MIN_UNSET || high < TAG_THRESHOLD_MAX_UNSET) {
-            ranges[static_cast<std::size_t>(count++)] = {tag, std::max<double>(low, statistics.min),
-                                                         std::min<double>(high, statistics.max)};
+            ranges[static_cast<std::size_t>(count++)] = {tag,
+                                                         std::max<double>(low, panel_scale.To_Panel(statistics.min)),
+                                                         std::min<double>(high, panel_scale.To_Panel(statistics.max))};
         }
     }
     Ranges_Set(histogram_panel, count, ranges, std::make_index_sequence<HISTO_RANGE_MAX>());
@@ -217,23 +309,47 @@ void Application::Peaks_Changed() {
                         : std::to_wstring(found) + L" peaks were found");
 }
 
-void Application::Bands_Take(const std::vector<Peak_Band>& peaks) {
-    const int count = std::min(static_cast<int>(peaks.size()), variables.Tag_Nb() - 1);
-    for (int peak = 0; peak < count; ++peak) {
-        const auto tag = static_cast<std::size_t>(peak) + 1;  // the background claims no levels
-        variables.Threshold_Min()[tag] = static_cast<float>(peaks[static_cast<std::size_t>(peak)].from);
-        variables.Threshold_Max()[tag] = static_cast<float>(peaks[static_cast<std::size_t>(peak)].to);
+Claimed_Levels Application::Claimed(int tag) const {
+    const float low = variables.Threshold_Min()[static_cast<std::size_t>(tag)];
+    const float high = variables.Threshold_Max()[static_cast<std::size_t>(tag)];
+    return {low > TAG_THRESHOLD_MIN_UNSET || high<TAG_THRESHOLD_MAX_UNSET, low> TAG_THRESHOLD_MIN_UNSET
+                ? Grey_Of_Panel(low)
+                : statistics.min,
+            high < TAG_THRESHOLD_MAX_UNSET ? Grey_Of_Panel(high) : statistics.max};
+}
+
+void Application::Bands_Take(const std::vector<Peak_Row>& peaks) {
+    const Histo_Record& record = *histogram_panel.data->record;
+    const std::span<const std::uint32_t> counts(record.counts, record.nb_bins);
+    const auto fullest = static_cast<float>(std::ranges::max_element(counts) - counts.begin());
+    const double mode = Grey_Of_Panel((fullest + 0.5F) * record.bin_width + record.origin);
+    const bool is_background_counted = !(is_background_left_out && background);
+    Band_Plan plan(peaks, is_background_counted ? Background_Peak(peaks, mode) : -1, variables.Tag_Nb());
+    const Tag_Namer namer = {[this](int tag) { return Utf8_Of_Wide(Wide_Of_Panel(variables.Tag_Name(tag).c_str())); },
+                             [this](int tag) { return Claimed(tag); }};
+    if (!Bands_Ask(analysis.Window(), plan, namer)) {
+        return Status(L"No TAG band was changed");
+    }
+    int count = 0;
+    for (const Band_Choice& choice : plan.Choices()) {
+        if (choice.tag > 0) {
+            const auto tag = static_cast<std::size_t>(choice.tag);
+            variables.Threshold_Min()[tag] = Panel_Of_Grey(choice.from);
+            variables.Threshold_Max()[tag] = Panel_Of_Grey(choice.to);
+            ++count;
+        }
     }
     On_Panel_Request(UPDATE_TAG_LABEL);
-    Status(std::to_wstring(count) + L" TAG bands were set from the peaks");
+    Status(count == 1 ? L"One TAG band was set from the peaks"
+                      : std::to_wstring(count) + L" TAG bands were set from the peaks");
 }
 
 void Application::Report_Peaks() {
     report.Line(std::string("histogram_smoothed ") + (is_histogram_smoothed ? "1" : "0"));
+    report.Line("histogram_source " + Histogram_Source());
+    report.Line("background " + (background ? Number_Text(*background, number_digits) : "none"));
+    report.Line(std::string("peaks_stale ") + (analysis.Is_Stale() ? "1" : "0"));
     for (const Peak_Row& peak : analysis.Table().rows) {
-        char text[160];
-        std::snprintf(text, sizeof text, "peak %d %.2f %.1f %.2f %.0f %.4f", peak.number, peak.centre, peak.height,
-                      peak.full_width, peak.area, peak.share);
-        report.Line(text);
+        report.Line("peak " + Peak_Row_Text(peak, ' '));
     }
 }

@@ -1,20 +1,17 @@
 // The image: slices, painting, markers, window and level, what is under the mouse.
 #include <algorithm>
 #include <cmath>
-#include <cwchar>
 
 #include "workbench/application.h"
+#include "workbench/model/number_text.h"
+#include "workbench/model/voxel_text.h"
 #include "workbench/wide_text.h"
 
 namespace {
 
+constexpr std::size_t window_menu_most = 15;
+constexpr std::uint16_t modality_ct = ('C' << 8) | 'T';
 constexpr int marker_reach = 5;  // slice pixels within which a press takes hold of a marker
-
-std::wstring Number_Text(double value, int decimals) {
-    wchar_t text[64] = {};
-    std::swprintf(text, 64, L"%.*f", decimals, value);
-    return text;
-}
 
 }  // namespace
 
@@ -49,7 +46,8 @@ Image_Content Application::Content() const {
     const float low = variables.Threshold_Min()[tag];
     const float high = variables.Threshold_Max()[tag];
     if ((is_threshold_mode || is_range_shown) && (low > TAG_THRESHOLD_MIN_UNSET || high < TAG_THRESHOLD_MAX_UNSET)) {
-        content.range = Range_Overlay{low, high, variables.Tag_Color(variables.Tag_Cur())};
+        content.range = Range_Overlay{static_cast<float>(Grey_Of_Panel(low)), static_cast<float>(Grey_Of_Panel(high)),
+                                      variables.Tag_Color(variables.Tag_Cur())};
     }
     content.order = session.Order();
     if (volume.affine_source == Affine_Source::SPACING && !volume.stored.present) {
@@ -67,9 +65,11 @@ Image_Content Application::Content() const {
     content.slice = slice;
     content.slice_nb = session.Slice_Nb();
     content.pixel_aspect = volume.spacing[1] / volume.spacing[0];
-    content.caption = L"Slice " + std::to_wstring(slice + 1) + L" / " + std::to_wstring(session.Slice_Nb()) + L"\nW " +
-                      Number_Text(grey_window.high - grey_window.low, 1) + L"  L " +
-                      Number_Text((grey_window.high + grey_window.low) / 2.0, 1);
+    const double low_end = static_cast<double>(grey_window.low);
+    const double high_end = static_cast<double>(grey_window.high);
+    content.caption =
+        L"Slice " + std::to_wstring(slice + 1) + L" / " + std::to_wstring(session.Slice_Nb()) +
+        Wide_Of_Utf8("\nW " + Number_Text(high_end - low_end) + "  L " + Number_Text((high_end + low_end) / 2.0));
     return content;
 }
 
@@ -87,6 +87,9 @@ void Application::Slice_Show(int wanted, bool tell_panels) {
     }
     if (tell_panels) {
         Announce(flags);
+        if (is_histogram_of_shown) {
+            Histogram_Scale_Suggest();
+        }
     }
     report.Line("slice " + std::to_string(slice));
 }
@@ -98,8 +101,60 @@ void Application::Slice_Go(int wanted) {
 }
 
 void Application::Window_Reset() {
-    grey_window = {static_cast<float>(statistics.window_low), static_cast<float>(statistics.window_high)};
+    grey_window = Grey_Window();
+    grey_window.low = static_cast<float>(statistics.window_low);
+    grey_window.high = static_cast<float>(statistics.window_high);
+    if (session.Has_Volume()) {
+        grey_window = First_Window(session.Image()).value_or(grey_window);
+    }
     image.Refresh();
+}
+
+std::vector<Display_Window> Application::Windows() const {
+    if (!session.Has_Volume()) {
+        return {};
+    }
+    std::vector<Display_Window> windows =
+        Display_Windows_Of(session.Image(), volumes.Facts(volumes.Current()).modality == modality_ct);
+    windows.resize(std::min(windows.size(), window_menu_most));
+    return windows;
+}
+
+void Application::Window_Menu(HMENU menu) const {
+    const auto first = static_cast<UINT>(Command::WINDOW_0);
+    const auto most = static_cast<UINT>(window_menu_most);
+    for (UINT at = 0; at <= most; ++at) {
+        ::RemoveMenu(menu, first + at, MF_BYCOMMAND);
+    }
+    const std::vector<Display_Window> windows = Windows();
+    if (windows.empty()) {
+        return;
+    }
+    ::AppendMenuW(menu, MF_SEPARATOR, first + most, nullptr);
+    int number = 0;
+    for (const Display_Window& window_of : windows) {
+        ++number;
+        std::wstring name = Wide_Of_Utf8(Display_Window_Text(window_of, number));
+        // A mark in a file's text would underline a letter.
+        for (std::size_t mark = name.find(L'&'); mark != std::wstring::npos; mark = name.find(L'&', mark + 2)) {
+            name.insert(mark, 1, L'&');
+        }
+        const std::wstring letter = number <= 9 ? L"&" + std::to_wstring(number) + L"  " : L"";
+        const bool is_shown = Grey_Window_Of(window_of) == grey_window;
+        ::AppendMenuW(menu, static_cast<UINT>(MF_STRING | (is_shown ? MF_CHECKED : MF_UNCHECKED)),
+                      first + static_cast<UINT>(number) - 1, (letter + name).c_str());
+    }
+}
+
+void Application::Window_Choose(int index) {
+    const std::vector<Display_Window> windows = Windows();
+    if (index < 0 || static_cast<std::size_t>(index) >= windows.size()) {
+        return;
+    }
+    const Display_Window& chosen = windows[static_cast<std::size_t>(index)];
+    grey_window = Grey_Window_Of(chosen);
+    image.Refresh();
+    Status(Wide_Of_Utf8(Display_Window_Text(chosen, index + 1)));
 }
 
 void Application::Window_Drag(float dx, float dy) {
@@ -120,11 +175,15 @@ Pixel_Rect Application::Stroke_Begin(int x, int y, bool erase) {
     if (!erase && variables.Tag_Enable()[static_cast<std::size_t>(variables.Tag_Cur())] == 0) {
         Status(L"The current TAG is hidden: press E to show it");
     }
-    return session.Stroke_Begin(slice, variables.Brush(), x, y, Ink(erase));
+    const Pixel_Rect changed = session.Stroke_Begin(slice, variables.Brush(), x, y, Ink(erase));
+    Voxel_Refresh();
+    return changed;
 }
 
 Pixel_Rect Application::Stroke_Move(int x, int y) {
-    return session.Stroke_Move(x, y);
+    const Pixel_Rect changed = session.Stroke_Move(x, y);
+    Voxel_Refresh();
+    return changed;
 }
 
 void Application::Stroke_End() {
@@ -173,33 +232,22 @@ void Application::Marker_Release() {
 
 void Application::Hover(int x, int y) {
     const bool is_inside = x >= 0 && x < session.Width() && y >= 0 && y < session.Height();
+    hover_x = is_inside ? x : -1;
+    hover_y = is_inside ? y : -1;
     variables.Mouse_Set(is_inside ? objects.Frame(slice) : nullptr, static_cast<float>(x), static_cast<float>(y));
     Announce(UPDATE_MOUSE_FRAME);
-    if (is_inside) {
-        Voxel_Text(x, y);
-    } else {
-        status_line.Voxel_Set(L"");
-    }
+    Voxel_Refresh();
 }
 
 void Application::Hover_End() {
+    hover_x = hover_y = -1;
     variables.Mouse_Set(nullptr, 0.0F, 0.0F);
     Announce(UPDATE_MOUSE_FRAME);
-    status_line.Voxel_Set(L"");
+    Voxel_Refresh();
 }
 
-void Application::Voxel_Text(int x, int y) {
-    const Volume& volume = session.Image();
-    const File_Voxel voxel = session.To_File(x, y, slice);
-    std::wstring text =
-        L"(" + std::to_wstring(voxel.x) + L", " + std::to_wstring(voxel.y) + L", " + std::to_wstring(voxel.z) + L")   ";
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-        const auto& row = volume.affine[axis];
-        text += Number_Text(row[0] * voxel.x + row[1] * voxel.y + row[2] * voxel.z + row[3], 1) +
-                (axis < 2 ? L", " : L" mm");
-    }
-    text += L"   grey " + Number_Text(session.Grey(x, y, slice), volume.slope == 1.0 ? 0 : 2);
-    const int tag = session.Labels().At(x, y, slice);
-    text += L"   TAG " + std::to_wstring(tag) + L" " + Wide_Of_Panel(variables.Tag_Name(tag).c_str());
-    status_line.Voxel_Set(text);
+void Application::Voxel_Refresh() {
+    const int tag = hover_x >= 0 ? session.Labels().At(hover_x, hover_y, slice) : 0;
+    status_line.Voxel_Set(Wide_Of_Utf8(
+        Voxel_Text(session, hover_x, hover_y, slice, Utf8_Of_Wide(Wide_Of_Panel(variables.Tag_Name(tag).c_str())))));
 }

@@ -40,10 +40,10 @@ Label_Description Application::Labels_Describe() const {
         tag.is_selected = variables.Tag_Select()[at] != 0;
         tag.is_locked = variables.Tag_Lock()[at] != 0;
         if (const float low = variables.Threshold_Min()[at]; low > TAG_THRESHOLD_MIN_UNSET) {
-            tag.low = low;
+            tag.low = static_cast<float>(Grey_Of_Panel(low));
         }
         if (const float high = variables.Threshold_Max()[at]; high < TAG_THRESHOLD_MAX_UNSET) {
-            tag.high = high;
+            tag.high = static_cast<float>(Grey_Of_Panel(high));
         }
         tag.name = Utf8_Name(variables.Tag_Labels()[at]);
         description.tags.push_back(std::move(tag));
@@ -68,8 +68,9 @@ void Application::Labels_Adopt(const Label_Description& description) {
         variables.Tag_Enable()[at] = tag.is_shown ? 1 : 0;
         variables.Tag_Select()[at] = tag.is_selected ? 1 : 0;
         variables.Tag_Lock()[at] = tag.is_locked ? 1 : 0;
-        variables.Threshold_Min()[at] = tag.low.value_or(TAG_THRESHOLD_MIN_UNSET);
-        variables.Threshold_Max()[at] = tag.high.value_or(TAG_THRESHOLD_MAX_UNSET);
+        const auto told = [this](float grey) { return Panel_Of_Grey(static_cast<double>(grey)); };
+        variables.Threshold_Min()[at] = tag.low ? told(*tag.low) : TAG_THRESHOLD_MIN_UNSET;
+        variables.Threshold_Max()[at] = tag.high ? told(*tag.high) : TAG_THRESHOLD_MAX_UNSET;
         const auto set = [&](const char* label) { variables.Tag_Label_Set(tag.number, label); };
         changed_names += Name_Hand_On(tag.name, set) ? 0 : 1;
     }
@@ -166,8 +167,8 @@ void Application::Load_Labels(const std::filesystem::path& path) {
     if (described.is_there) {
         Labels_Adopt(described.description);
     }
+    Histogram_Tag_Refresh();
     image.Refresh();
     Title_Refresh();
-    Histogram_Tag_Refresh();
     Status(L"Labels loaded from " + Wide_Of_Utf8(File_Name_Text(path)));
 }

@@ -1,9 +1,9 @@
 // Carrying TAGs from frame to frame.
 #include <algorithm>
 #include <climits>
-#include <cstdio>
 
 #include "workbench/application.h"
+#include "workbench/model/number_text.h"
 #include "workbench/progress_window.h"
 #include "workbench/prompt_dialog.h"
 #include "workbench/wide_text.h"
@@ -20,10 +20,9 @@ int Application::Propagate(int from, int to) {
         return 0;
     }
     const double score = Overlap(session.Labels().Slice(from), session.Labels().Slice(to), tags.carried);
-    wchar_t text[160] = {};
-    std::swprintf(text, 160, L"Propagated by %ls from frame %d to %d: %llu pixels, overlap %.2f", name, from + 1,
-                  to + 1, static_cast<unsigned long long>(carried), score);
-    Status(text);
+    Status(std::wstring(L"Propagated by ") + name + L" from frame " + std::to_wstring(from + 1) + L" to " +
+           std::to_wstring(to + 1) + L": " + std::to_wstring(carried) + L" pixels, overlap " +
+           Wide_Of_Utf8(Number_Text(score)));
     image.Refresh();
     Title_Refresh();
     Histogram_Tag_Refresh();

@@ -1,15 +1,19 @@
 // TAGs, brushes, markers and the history.
 #include <algorithm>
+#include <cmath>
 #include <cwctype>
 #include <utility>
 
 #include "host/kit_widgets.h"
 #include "workbench/application.h"
+#include "workbench/model/number_text.h"
 #include "workbench/model/tag_table.h"
 #include "workbench/prompt_dialog.h"
 #include "workbench/wide_text.h"
 
 namespace {
+
+constexpr int threshold_digits = 6;
 
 std::wstring Lower(std::wstring text) {
     std::ranges::transform(text, text.begin(), [](wchar_t unit) { return static_cast<wchar_t>(std::towlower(unit)); });
@@ -134,17 +138,17 @@ void Application::Threshold_Ask(bool is_upper) {
         Prompt(window.Handle(), is_upper ? L"Upper threshold" : L"Lower threshold",
                (is_upper ? L"Largest grey value of " : L"Smallest grey value of ") +
                    Wide_Of_Panel(variables.Tag_Name(variables.Tag_Cur()).c_str()) + L" (empty: no limit):",
-               is_set ? std::to_wstring(std::lround(limit)) : L"");
+               is_set ? Wide_Of_Utf8(Number_Text(Grey_Of_Panel(limit), threshold_digits)) : L"");
     if (!answer) {
         return;
     }
     wchar_t* end = nullptr;
-    const float value = std::wcstof(answer->c_str(), &end);
-    if (!answer->empty() && *end != 0) {
+    const double value = std::wcstod(answer->c_str(), &end);
+    if (!answer->empty() && (*end != 0 || !std::isfinite(value))) {
         Warn("\"" + Utf8_Of_Wide(*answer) + "\" is no number.");
         return;
     }
-    limit = answer->empty() ? unset : value;
+    limit = answer->empty() ? unset : Panel_Of_Grey(value);
     On_Panel_Request(UPDATE_TAG_LABEL);
 }
 

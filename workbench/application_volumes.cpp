@@ -15,8 +15,8 @@
 
 namespace {
 
-constexpr unsigned __int64 volume_changed =
-    UPDATE_WINDOW_CUR | UPDATE_FRAME_CUR | UPDATE_SELECTION | UPDATE_LEVEL_2D | UPDATE_TAG_ENABLE | UPDATE_HISTO_PAINT;
+constexpr unsigned __int64 volume_changed = UPDATE_WINDOW_CUR | UPDATE_FRAME_CUR | UPDATE_SELECTION | UPDATE_LEVEL_2D |
+                                            UPDATE_TAG_ENABLE | UPDATE_TAG_LABEL | UPDATE_HISTO_PAINT;
 constexpr std::size_t problems_shown = 3;  // in the banner; more are only listed
 
 std::string Problem_Sentence(const Folder_Problem& problem) {
@@ -76,11 +76,15 @@ void Application::Open_Paths(std::span<const std::filesystem::path> paths) {
         Status(L"Loading was given up");
         return;
     }
-    Problems_Tell(opened, paths.front());
+    if (opened.volumes.empty()) {
+        return Problems_Tell(opened, paths.front());
+    }
     // Asked only now: files that cannot be loaded cost no work.
-    if (opened.volumes.empty() || !Ask_Unsaved() || (volumes.Nb() > 0 && !Ask_Class_Changes())) {
+    if (!Ask_Unsaved() || (volumes.Nb() > 0 && !Ask_Class_Changes())) {
         return;
     }
+    banner.Close();  // what was told of the images before; what these have to tell comes now
+    Problems_Tell(opened, paths.front());
     class_history.Images_Leave();
     opened_paths.clear();
     for (const std::filesystem::path& path : paths) {
@@ -140,6 +144,8 @@ void Application::Show_Volumes(Image_Folder&& opened, std::vector<Volume_Statist
     is_histogram_of_tag = false;
     is_histogram_smoothed = false;
     is_histogram_of_checked = false;
+    is_background_left_out = false;
+    is_scale_chosen = false;
     Histogram_Select();
     Announce(UPDATE_ALL | UPDATE_STRUCTURE | volume_changed);
     Histogram_Scale_Suggest();
@@ -162,8 +168,10 @@ void Application::Volume_Adopt() {
     statistics = view.statistics;
     grey_window = view.window;
     slice = view.slice;
+    background = view.background;
     objects.Current_Set(volumes.Current());
     objects.Show(slice);
+    Panel_Scale_Adopt();
     Adopt_Names();
     Markers_Enable_Refresh();
     Histogram_Ranges_Refresh();
@@ -176,16 +184,32 @@ void Application::Volume_Adopt() {
                 std::to_string(image_now.nz));
 }
 
+void Application::Panel_Scale_Adopt() {
+    const Panel_Scale former = std::exchange(panel_scale, Panel_Scale_Of(session.Image()));
+    if (former == panel_scale) {
+        return;
+    }
+    // Thresholds are grey values: they stay while the unit changes that panels are told them in.
+    constexpr float most = TAG_THRESHOLD_MAX_UNSET - 1.0F;
+    for (const std::span<float> thresholds : {variables.Threshold_Min(), variables.Threshold_Max()}) {
+        for (float& told : thresholds) {
+            const bool is_set = told > TAG_THRESHOLD_MIN_UNSET && told < TAG_THRESHOLD_MAX_UNSET;
+            told = is_set ? std::clamp(Panel_Of_Grey(former.To_Grey(static_cast<double>(told))), -most, most) : told;
+        }
+    }
+}
+
 bool Application::Volume_Set(int wanted) {
     if (wanted < 0 || wanted >= volumes.Nb() || wanted == volumes.Current()) {
         return false;
     }
     session.Stroke_End();
-    const bool was_of_tag = std::exchange(is_histogram_of_tag, false);
-    if (std::exchange(is_histogram_smoothed, false) || was_of_tag) {
-        objects.Histograms_Build(session, -1);
+    const bool is_other = is_histogram_of_tag || is_histogram_smoothed || is_background_left_out;
+    is_histogram_of_tag = is_histogram_smoothed = is_background_left_out = false;
+    if (is_other) {
+        objects.Histograms_Build(session, {});
     }
-    volumes.View(volumes.Current()) = {statistics, grey_window, slice};
+    volumes.View(volumes.Current()) = {statistics, grey_window, slice, background};
     volumes.Switch(wanted, session);
     Volume_Adopt();
     Status(Volume_Text());

@@ -119,6 +119,8 @@ constexpr Entry analyze_entries[] = {
     {Command::HISTOGRAM_RANGE, L"Histogram of a &range of frames...", nullptr, 0},
     {Command::HISTOGRAM_OF_TAG, L"Only pixels of the current &TAG", L"B", 'b'},
     {Command::HISTOGRAM_SMOOTHED, L"S&moothed pixels (3 \u00D7 3)", nullptr, 0},
+    {Command::BACKGROUND_LEAVE_OUT, L"&Leave out the background", nullptr, 0},
+    {Command::BACKGROUND_THRESHOLD, L"Background t&hreshold...", nullptr, 0},
     {Command::HISTOGRAM_BINS, L"Most &bins...", nullptr, 0},
     {Command::HISTOGRAM_COMPONENT, L"Next colour &component", L"K", 'k'},
     {Command::HISTOGRAM_HIGHER, L"Magnif&y the counts", L">", '>'},

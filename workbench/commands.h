@@ -56,6 +56,8 @@ enum class Command : WORD {
     HISTOGRAM_RANGE,
     HISTOGRAM_OF_TAG,
     HISTOGRAM_SMOOTHED,
+    BACKGROUND_LEAVE_OUT,
+    BACKGROUND_THRESHOLD,
     HISTOGRAM_BINS,
     HISTOGRAM_COMPONENT,
     RANGE_OVERLAY,
@@ -110,6 +112,7 @@ enum class Command : WORD {
     REPORT_STATE,
     TAG_DIGIT_0 = 200,  ///< to TAG_DIGIT_0 + 9
     RECENT_0 = 220,     ///< files opened lately, to RECENT_0 + RECENT_MAX - 1
+    WINDOW_0 = 240,     ///< windows of the image, to WINDOW_0 + WINDOW_MAX - 1
 };
 
 /** The command of a key code of the panels (see KEY_*); NONE: the key means nothing. Letters of both cases count. */

@@ -10,6 +10,7 @@ inline constexpr WORD DIALOG_BUTTON = 0x0080;  ///< window classes by number
 inline constexpr WORD DIALOG_EDIT = 0x0081;
 inline constexpr WORD DIALOG_STATIC = 0x0082;
 inline constexpr WORD DIALOG_LIST = 0x0083;
+inline constexpr WORD DIALOG_COMBO = 0x0085;
 
 /** Places and sizes are in dialog units, which grow with the font and so with the screen's resolution. */
 class Dialog_Template {

@@ -55,6 +55,7 @@ void Image_View::Refresh() {
     Lay_Out();
     Render({0, 0, content.source.width, content.source.height});
     Invalidate();
+    Pointer_Look();
 }
 
 void Image_View::Brush_Set(const Brush_Footprint& wanted) {
@@ -76,6 +77,7 @@ void Image_View::Zoom_Set(double zoom) {
     state.zoom = zoom;
     Lay_Out();
     Invalidate();
+    Pointer_Look();
 }
 
 void Image_View::Wheel(int delta, bool is_zoom, POINT screen_point) {
@@ -136,6 +138,22 @@ void Image_View::Pointer_Over(POINT point) {
         Invalidate(&now);
         user.Hover(x, y);
     }
+}
+
+void Image_View::Pointer_Look() {
+    if (!is_over) {
+        return;
+    }
+    if (content.source.levels.empty()) {
+        return Pointer_Gone();
+    }
+    if (!is_cursor) {
+        POINT point = {};
+        ::GetCursorPos(&point);
+        ::ScreenToClient(Handle(), &point);
+        Point_Pixel(point, &over_x, &over_y);
+    }
+    user.Hover(over_x, over_y);
 }
 
 void Image_View::Pointer_Gone() {
@@ -248,6 +266,7 @@ LRESULT Image_View::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_SIZE:
             Lay_Out();
             Invalidate();
+            Pointer_Look();
             return 0;
         case WM_PAINT:
             Paint();

@@ -115,6 +115,8 @@ class Image_View : public Window_Base {
     RECT Outline_Box() const;
     void Pointer_Over(POINT point);
     void Pointer_Gone();
+    /** Tells what is under the pointer now that the picture has changed below it. */
+    void Pointer_Look();
 
     const Look& look;
     Image_User& user;

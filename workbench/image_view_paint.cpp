@@ -15,10 +15,13 @@ std::uint32_t Pixel_Of(COLORREF color) {
            (static_cast<std::uint32_t>(GetGValue(color)) << 8U) | GetBValue(color);
 }
 
-void Draw_Shadowed(HDC dc, RECT area, const std::wstring& text, HFONT font, UINT format) {
-    ::OffsetRect(&area, 1, 1);
-    Draw_Line(dc, area, text, font, slice_text_shadow, format);
-    ::OffsetRect(&area, -1, -1);
+void Draw_Shadowed(HDC dc, const RECT& area, const std::wstring& text, HFONT font, UINT format) {
+    // Dark on every side: light letters can be read on a bright image too.
+    for (int side = 0; side < 9; ++side) {
+        RECT moved = area;
+        ::OffsetRect(&moved, side % 3 - 1, side / 3 - 1);
+        Draw_Line(dc, moved, text, font, slice_text_shadow, format);
+    }
     Draw_Line(dc, area, text, font, slice_text, format);
 }
 

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "workbench/model/background.h"
 #include "workbench/model/slice_smoothing.h"
 #include "workbench/wide_text.h"
 
@@ -41,10 +42,19 @@ bool Is_Selected(const Quorel_2D& frame) {
     return frame.Flag_Get_Bit(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION) != 0;
 }
 
+/** The grid of levels; where bins are of several levels, with room for the bin that the panel adds. */
+Histo_Grid Grid_Of(std::int32_t lowest, std::int32_t highest, float slope, float intercept) {
+    const Histo_Grid grid = Histo_Grid_Of_Levels(lowest, highest, slope, intercept, grid_bins_max);
+    const bool is_one_level = std::int64_t{highest} - lowest < grid_bins_max;
+    if (is_one_level || !(grid.bin_width > 0.0F)) {
+        return grid;
+    }
+    const int added = static_cast<int>(std::clamp(1.0F / grid.bin_width, 0.0F, grid_bins_max / 2.0F)) + 1;
+    return Histo_Grid_Of_Levels(lowest, highest, slope, intercept, grid_bins_max - added);
+}
+
 void Histogram_Build(Level_Frame& frame, const Volume& image, const unsigned char* mask) {
-    const Histo_Grid grid = Histo_Grid_Of_Levels(image.level_min, image.level_max, static_cast<float>(image.slope),
-                                                 static_cast<float>(image.intercept), grid_bins_max);
-    Frame_Histogram_Build(&frame, grid, mask);
+    Frame_Histogram_Build(&frame, Grid_Of(image.level_min, image.level_max, frame.slope, frame.intercept), mask);
 }
 
 /** Gives the frame the histogram of its 3 x 3 means. @param smooth room for them */
@@ -52,14 +62,12 @@ void Smooth_Histogram_Build(Level_Frame& frame, const Volume& image, const unsig
                             std::vector<std::int32_t>& smooth) {
     const std::size_t plane = std::size_t{frame.width} * frame.height;
     const std::int32_t steps = Smoothing_Steps(image.level_min, image.level_max);
-    const float slope = static_cast<float>(image.slope) / static_cast<float>(steps);
+    const float slope = frame.slope / static_cast<float>(steps);
     smooth.resize(plane);
     Slice_Smooth({frame.levels, plane}, frame.width, frame.height, steps, smooth);
     Level_Frame means(smooth.data(), frame.width, frame.height, 1, 1, slope, frame.intercept, false);
-    Frame_Histogram_Build(
-        &means,
-        Histo_Grid_Of_Levels(image.level_min * steps, image.level_max * steps, slope, frame.intercept, grid_bins_max),
-        mask);
+    Frame_Histogram_Build(&means, Grid_Of(image.level_min * steps, image.level_max * steps, slope, frame.intercept),
+                          mask);
     Frame_Histogram_Free(&frame);
     std::swap(frame.histogram, means.histogram);
     std::swap(frame.histogram_built, means.histogram_built);
@@ -109,8 +117,9 @@ void Volume_Objects::Build(const Open_Volumes& volumes, const Session& in_hand) 
 
 void Volume_Objects::Volume_Build(int at, const Volume_Facts& facts, const Session& session) {
     const Volume& image = session.Image();
-    const auto slope = static_cast<float>(image.slope);
-    const auto intercept = static_cast<float>(image.intercept);
+    const Panel_Scale scale = Panel_Scale_Of(image);
+    const auto slope = static_cast<float>(scale.To_Panel(image.slope));
+    const auto intercept = static_cast<float>(scale.To_Panel(image.intercept));
     const auto frame_of = [&](int slice, int times) {
         auto data = std::make_unique<Level_Frame>(session.Levels(slice).data(), image.nx, image.ny, 1, times, slope,
                                                   intercept, image.color);
@@ -236,24 +245,47 @@ Quorel_2D* Volume_Objects::Selected_Frame() const {
     return found;
 }
 
-void Volume_Objects::Histograms_Build(const Session& session, int tag, bool is_smoothed) {
+std::vector<Frame_Place> Volume_Objects::Selected() const {
+    std::vector<Frame_Place> selected;
+    for (std::size_t volume = 0; volume < shown.size(); ++volume) {
+        for (std::size_t slice = 0; slice < shown[volume]->frames.size(); ++slice) {
+            if (Is_Selected(*shown[volume]->frames[slice])) {
+                selected.push_back({static_cast<int>(volume), static_cast<int>(slice)});
+            }
+        }
+    }
+    return selected;
+}
+
+void Volume_Objects::Histograms_Build(const Session& session, const Counted_Pixels& counted) {
     if (Current() == nullptr) {
         return;
     }
+    const Volume& image = session.Image();
+    const bool is_masked = counted.tag >= 0 || (counted.background && !image.color);
     std::vector<unsigned char> mask;
     std::vector<std::int32_t> smooth;
     for (std::size_t slice = 0; slice < Current()->data.size(); ++slice) {
-        if (tag >= 0) {
-            const std::span<const std::uint8_t> tags = session.Labels().Slice(static_cast<int>(slice));
-            mask.resize(tags.size());
-            std::ranges::transform(tags, mask.begin(), [tag](std::uint8_t at) { return at == tag ? 1 : 0; });
+        const int at = static_cast<int>(slice);
+        if (is_masked) {
+            mask.assign(session.Levels(at).size(), 1);
+        }
+        if (counted.background && !image.color) {
+            Background_Leave_Out(session.Levels(at), image.nx, image.ny, image.slope, image.intercept,
+                                 *counted.background, mask);
+        }
+        if (counted.tag >= 0) {
+            std::ranges::transform(mask, session.Labels().Slice(at), mask.begin(),
+                                   [&](unsigned char is_in, std::uint8_t tag) {
+                                       return static_cast<unsigned char>(is_in != 0 && tag == counted.tag ? 1 : 0);
+                                   });
         }
         Level_Frame& frame = *Current()->data[slice];
-        const unsigned char* const counted = tag >= 0 ? mask.data() : nullptr;
-        if (is_smoothed && !session.Image().color) {
-            Smooth_Histogram_Build(frame, session.Image(), counted, smooth);
+        const unsigned char* const chosen = is_masked ? mask.data() : nullptr;
+        if (counted.is_smoothed && !image.color) {
+            Smooth_Histogram_Build(frame, image, chosen, smooth);
         } else {
-            Histogram_Build(frame, session.Image(), counted);
+            Histogram_Build(frame, image, chosen);
         }
     }
 }

@@ -3,17 +3,27 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "kits/dataset/dataset_host.h"
 #include "workbench/model/open_volumes.h"
+#include "workbench/model/panel_scale.h"
 
 /** Where a frame is: -1 for no frame. */
 struct Frame_Place {
     int volume = -1;
     int slice = -1;
+};
+
+/** What the pixels of a volume's histograms are. */
+struct Counted_Pixels {
+    int tag = -1;              ///< only those of this TAG; -1: all
+    bool is_smoothed = false;  ///< means of 3 x 3 pixels instead, in ninths of a level; not for colours
+    /** Grey value up to which what surrounds the image is left out (see Background_Leave_Out); not for colours. */
+    std::optional<double> background;
 };
 
 class Volume_Objects {
@@ -24,7 +34,8 @@ class Volume_Objects {
     Volume_Objects& operator=(const Volume_Objects&) = delete;
 
     /** Makes the objects of all open volumes, histograms included, and names them and their files in the host
-     *  variables. The sessions' levels must outlive them; the volume in hand is the current one. */
+     *  variables. Grey values are told in the unit of Panel_Scale_Of. The sessions' levels must outlive them; the
+     * volume in hand is the current one. */
     void Build(const Open_Volumes& volumes, const Session& in_hand);
     /** Takes the objects away; nothing is shown. */
     void Clear();
@@ -47,9 +58,10 @@ class Volume_Objects {
     /** The frame to show when the selection has changed: the shown one if it is selected, else the first selected one
      *  of the current volume, else of all; null when none is. */
     Quorel_2D* Selected_Frame() const;
-    /** Builds the current volume's histograms anew. @param tag only pixels of this TAG count; -1: all
-     *  @param is_smoothed counts means of 3 x 3 pixels instead, in ninths of a level; not for colours */
-    void Histograms_Build(const Session& session, int tag, bool is_smoothed = false);
+    /** All selected frames, of whatever volume, by volume and slice. */
+    std::vector<Frame_Place> Selected() const;
+    /** Builds the current volume's histograms anew. */
+    void Histograms_Build(const Session& session, const Counted_Pixels& counted);
 
   private:
     /** A file as the panels see it. */

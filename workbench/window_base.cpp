@@ -21,6 +21,7 @@ void Register_Class() {
     }
     WNDCLASSEXW description = {};
     description.cbSize = sizeof description;
+    description.style = CS_HREDRAW | CS_VREDRAW;  // what stands at the right or in the middle moves with the size
     description.hInstance = ::GetModuleHandleW(nullptr);
     description.hCursor = ::LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));
     description.hIcon = ::LoadIconW(description.hInstance, L"MAINICON");

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "host/kit_widgets.h"
+#include "workbench/global_keys.h"
 #include "workbench/keys_text.h"
 
 namespace {
@@ -39,6 +40,17 @@ TEST(Commands, special_keys_step_slices) {
     EXPECT_EQ(Command_Of_Key(KEY_PAGE_UP), Command::SLICE_NEXT);
     EXPECT_EQ(Command_Of_Key(KEY_DOWN), Command::SLICE_PREVIOUS);
     EXPECT_EQ(Command_Of_Key(KEY_ESCAPE), Command::CLOSE_BANNER);
+}
+
+TEST(Commands, function_keys_save_and_quit_work_in_every_window) {
+    EXPECT_EQ(Command_Of_Key(Global_Key_Code('Q', true, false)), Command::QUIT);
+    EXPECT_EQ(Command_Of_Key(Global_Key_Code('S', true, false)), Command::SAVE_LABELS);
+    EXPECT_EQ(Command_Of_Key(Global_Key_Code(VK_F4, false, false)), Command::ANALYSIS_WINDOW);
+    EXPECT_EQ(Command_Of_Key(Global_Key_Code(VK_F1, false, false)), Command::KEYS_HELP);
+    EXPECT_EQ(Global_Key_Code(VK_F4, false, true), 0) << "Alt+F4 closes";
+    EXPECT_EQ(Global_Key_Code(VK_F10, false, false), 0) << "the menu";
+    EXPECT_EQ(Global_Key_Code('S', false, false), 0);
+    EXPECT_EQ(Global_Key_Code('C', true, false), 0);
 }
 
 TEST(Commands, other_keys_mean_nothing) {

@@ -33,7 +33,7 @@ class Open_Volumes_Test : public ::testing::Test {
         folder.files = {"a.dcm"};
         folder.volumes.push_back(Opened("scout", 1, true));
         folder.volumes.push_back(Opened("first", 4));
-        folder.volumes.push_back(Opened("second", 5));
+        folder.volumes.push_back(Opened("second", 3));
         std::vector<Volume_Statistics> numbers(3);
         numbers[1].window_high = 7;
         volumes.Take(std::move(folder), std::move(numbers), session);
@@ -58,8 +58,23 @@ TEST_F(Open_Volumes_Test, the_first_volume_that_is_no_scout_is_in_hand) {
     EXPECT_EQ(volumes.Facts(1).title, "first");
     EXPECT_EQ(volumes.View(1).window.high, 7.0F);
     EXPECT_EQ(volumes.View(1).slice, 2);
-    EXPECT_EQ(volumes.Session_Of(2, session).Slice_Nb(), 5);
+    EXPECT_EQ(volumes.Session_Of(2, session).Slice_Nb(), 3);
     EXPECT_EQ(&volumes.Session_Of(1, session), &session);
+}
+
+TEST_F(Open_Volumes_Test, the_volume_with_most_slices_is_in_hand_at_its_middle) {
+    Image_Folder folder;
+    folder.volumes.push_back(Opened("scout", 30, true));
+    folder.volumes.push_back(Opened("single", 1));
+    folder.volumes.push_back(Opened("many", 11));
+    folder.volumes.push_back(Opened("as_many", 11));
+    folder.volumes[2].volume.level_max = 1000;
+    folder.volumes[2].volume.windows = {{"", 50, 20, Window_Function::LINEAR_EXACT}};
+    volumes.Take(std::move(folder), {}, session);
+    EXPECT_EQ(volumes.Current(), 2);
+    EXPECT_EQ(session.Slice_Nb(), 11);
+    EXPECT_EQ(volumes.View(2).slice, 5);
+    EXPECT_EQ(volumes.View(2).window, (Grey_Window{40.0F, 60.0F, false})) << "the file's own window";
 }
 
 TEST_F(Open_Volumes_Test, a_scout_is_in_hand_when_there_is_nothing_else) {

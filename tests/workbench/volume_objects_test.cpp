@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
+#include <numeric>
 
 #include "database/tool_db_file.h"
 
@@ -151,7 +153,7 @@ TEST_F(Volume_Objects_Test, histograms_of_one_tag_count_its_pixels_only) {
     ink.tag = 4;
     session.Stroke_Begin(2, Brush_Footprint(&row, 0), 1, 1, ink);
     session.Stroke_End();
-    objects.Histograms_Build(session, 4);
+    objects.Histograms_Build(session, {4, false, std::nullopt});
     for (int slice = 0; slice < 5; ++slice) {
         const Histo_Record* record = objects.Frame(slice)->frame->Histogram_Get();
         std::uint32_t pixels = 0;
@@ -166,7 +168,7 @@ TEST_F(Volume_Objects_Test, smoothed_histograms_count_every_pixel_in_ninths_of_a
     const Histo_Record* plain = objects.Frame(0)->frame->Histogram_Get();
     ASSERT_NE(plain, nullptr);
     const float level = plain->bin_width;
-    objects.Histograms_Build(session, -1, true);
+    objects.Histograms_Build(session, {-1, true, std::nullopt});
     for (int slice = 0; slice < 5; ++slice) {
         const Histo_Record* record = objects.Frame(slice)->frame->Histogram_Get();
         ASSERT_NE(record, nullptr);
@@ -194,8 +196,63 @@ TEST_F(Volume_Objects_Test, smoothed_histograms_count_every_pixel_in_ninths_of_a
         }
         EXPECT_EQ(static_cast<long long>(moment), expected);
     }
-    objects.Histograms_Build(session, -1);
+    objects.Histograms_Build(session, {});
     EXPECT_EQ(objects.Frame(0)->frame->Histogram_Get()->bin_width, level);
+}
+
+TEST_F(Volume_Objects_Test, the_background_around_the_image_is_left_out) {
+    // Only a frame's middle lies above the threshold: the rest reaches the edge.
+    const auto levels = session.Levels(0);
+    const double above = session.Image().grey(*std::ranges::max_element(levels));
+    objects.Histograms_Build(session, {-1, false, above - 0.5});
+    const Histo_Record* record = objects.Frame(0)->frame->Histogram_Get();
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(std::accumulate(record->counts, record->counts + record->nb_bins, 0U), 1U);
+    objects.Histograms_Build(session, {});
+    record = objects.Frame(0)->frame->Histogram_Get();
+    EXPECT_EQ(std::accumulate(record->counts, record->counts + record->nb_bins, 0U), 12U);
+}
+
+TEST_F(Volume_Objects_Test, selected_frames_are_told_by_volume_and_slice) {
+    objects.Select(1, 2);
+    const std::vector<Frame_Place> selected = objects.Selected();
+    ASSERT_EQ(selected.size(), 2U);
+    EXPECT_EQ(selected[0].volume, 0);
+    EXPECT_EQ(selected[0].slice, 1);
+    EXPECT_EQ(selected[1].slice, 2);
+}
+
+TEST(Volume_Objects_Scale, a_small_range_fills_the_bins_of_the_panel) {
+    // Grey values 0 to 0.003 in 65,536 levels.
+    Image_Folder folder;
+    Folder_Volume opened;
+    opened.path = "diffusion.nii";
+    opened.title = "diffusion";
+    opened.volume.nx = 256;
+    opened.volume.ny = 256;
+    opened.volume.nz = opened.volume.nt = 1;
+    opened.volume.slope = 0.003 / 65535;
+    opened.volume.level_max = 65535;
+    opened.volume.levels.resize(65536);
+    std::iota(opened.volume.levels.begin(), opened.volume.levels.end(), 0);
+    opened.file_of_slice = {0};
+    folder.files = {"diffusion.nii"};
+    folder.volumes.push_back(std::move(opened));
+    Open_Volumes volumes;
+    Session session;
+    volumes.Take(std::move(folder), {}, session);
+    Volume_Objects objects;
+    objects.Build(volumes, session);
+    const Histo_Record* record = objects.Frame(0)->frame->Histogram_Get();
+    ASSERT_NE(record, nullptr);
+    EXPECT_GT(record->nb_bins, 3500);
+    // The panel adds 1 to the range before it counts bins, and keeps within 4096.
+    const float edge = static_cast<float>(record->nb_bins) * record->bin_width + record->origin;
+    EXPECT_LE(std::trunc((edge - record->origin + 1.0F) / record->bin_width), 4096.0F);
+    for (int bin = 0; bin + 1 < record->nb_bins; ++bin) {
+        EXPECT_EQ(record->counts[bin], record->counts[0]) << "whole levels, and as many in each: no comb, bin " << bin;
+    }
+    EXPECT_NEAR(Fct_GLI_2_Float(objects.Frame(0), 65535), 3000.0F, 0.01F) << "told in millionths";
 }
 
 TEST_F(Volume_Objects_Test, selection_is_what_the_iterators_yield) {

@@ -9,11 +9,11 @@
 #include "workbench/wide_text.h"
 
 std::shared_ptr<Accessible_Source> Analysis_Window::Accessible_Make() {
-    auto source = std::make_shared<Accessible_Source>();
-    source->role = ROLE_SYSTEM_PANE;
-    source->name = [] { return std::wstring(L"Peak analysis"); };
-    source->parts = [this] { return Accessible_Parts(); };
-    return source;
+    auto told = std::make_shared<Accessible_Source>();
+    told->role = ROLE_SYSTEM_PANE;
+    told->name = [] { return std::wstring(L"Peak analysis"); };
+    told->parts = [this] { return Accessible_Parts(); };
+    return told;
 }
 
 std::vector<Accessible_Part> Analysis_Window::Accessible_Parts() {

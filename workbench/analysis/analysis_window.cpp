@@ -6,20 +6,23 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <numeric>
+#include <utility>
 
 #include "histogram/histo_peak.h"
 #include "histogram/tool_histo.h"
 #include "kits/common/messages.h"
 #include "kits/widgets/widgets_host.h"
 #include "workbench/accessible.h"
+#include "workbench/model/number_text.h"
 #include "workbench/wide_text.h"
 
 namespace {
 
 constexpr const wchar_t* CLASS_NAME = L"Kit_Analysis";
 constexpr const wchar_t* TITLE = L"Peak analysis";
-constexpr int LOG_PAGE = 10;      // lines
-constexpr int FIRST_WIDTH = 900;  // pixels at 96 dots per inch
+constexpr int LOG_PAGE = 10;       // lines
+constexpr int FIRST_WIDTH = 1100;  // pixels at 96 dots per inch
 constexpr int FIRST_HEIGHT = 560;
 constexpr int MARGIN = 10;
 constexpr int ROW = 24;
@@ -27,35 +30,9 @@ constexpr int BUTTON_HEIGHT = 28;
 constexpr int PEAKS_MAX = 30;  // peaks that can be asked for
 constexpr int PEAKS_FIRST = 8;
 constexpr int TABLE_ROWS_MIN = 6;
+constexpr int QUALITY_DIGITS = 4;
 
-struct Column {
-    const wchar_t* title;
-    int weight;
-};
-constexpr std::array<Column, 8> COLUMNS = {{{L"Peak", 5},
-                                            {L"Centre (GLI)", 15},
-                                            {L"Height", 13},
-                                            {L"Full width (GLI)", 15},
-                                            {L"Area (pixels)", 13},
-                                            {L"Share", 8},
-                                            {L"From", 9},
-                                            {L"To", 9}}};
-
-std::array<std::string, COLUMNS.size()> Cells(const Peak_Row& row) {
-    const auto text = [](const char* format, double value) {
-        char cell[64];
-        std::snprintf(cell, sizeof cell, format, value);
-        return std::string(cell);
-    };
-    return {std::to_string(row.number),
-            With_Error(row.centre, row.centre_error, 2),
-            With_Error(row.height, row.height_error, 0),
-            With_Error(row.full_width, row.full_width_error, 2),
-            text("%.0f", row.area),
-            text("%.1f %%", 100.0 * row.share),
-            text("%.1f", row.from),
-            text("%.1f", row.to)};
-}
+constexpr std::array<int, PEAK_TITLES.size()> WEIGHTS = {5, 15, 13, 15, 13, 8, 9, 9};  // widths of the columns
 
 std::wstring Quality_Text(const Peak_Table& table) {
     if (table.rows.empty()) {
@@ -64,11 +41,10 @@ std::wstring Quality_Text(const Peak_Table& table) {
     if (!table.quality.is_known) {
         return L"Segments have no fit quality: each covers the grey levels between two valleys.";
     }
-    char text[200];
-    std::snprintf(text, sizeof text,
-                  "R\xC2\xB2 of the filtered curve %.4f    R\xC2\xB2 of the counts %.4f    reduced chi-square %.4g",
-                  table.quality.r_squared_filtered, table.quality.r_squared_counts, table.quality.reduced_chi_square);
-    return Wide_Of_Utf8(text);
+    const auto number = [](double value) { return Number_Text(value, QUALITY_DIGITS); };
+    return Wide_Of_Utf8("R\xC2\xB2 of the filtered curve " + number(table.quality.r_squared_filtered) +
+                        "    R\xC2\xB2 of the counts " + number(table.quality.r_squared_counts) +
+                        "    reduced chi-square " + number(table.quality.reduced_chi_square));
 }
 
 }  // namespace
@@ -130,10 +106,17 @@ void Analysis_Window::Analyse(Fit fit) {
     Message_Receiver_Add(Receive, this);
     fit(*panel);
     Message_Receiver_Remove(Receive, this);
-    log_lines = log.Lines();
     log_first = 0;
     table_first = 0;
     Table_Make();
+    log_lines = log.Lines();
+    for (const Peak_Row& row : table.rows) {
+        if (row.is_doubtful) {
+            log_lines.push_back(Peak_Doubt_Text(row));
+        }
+    }
+    source = host.source();
+    is_stale = false;
     host.peaks_changed();
     if (window != nullptr) {
         ::InvalidateRect(window, nullptr, FALSE);
@@ -157,6 +140,7 @@ void Analysis_Window::Fit_Derivative(int peaks) {
 
 void Analysis_Window::Table_Make() {
     table = {};
+    full_text.clear();
     const Tool_Histo* panel = host.panel();
     if (panel == nullptr || panel->data == nullptr || !panel->data->Has_Counts()) {
         return;
@@ -170,25 +154,39 @@ void Analysis_Window::Table_Make() {
     const Histo_Record& record = *data.record;
     const std::size_t filtered_nb =
         data.filtered != nullptr ? static_cast<std::size_t>(std::min<int>(data.curve_nb, record.nb_bins)) : 0;
-    table = Peak_Table_Make(peaks, {{record.counts, record.nb_bins},
-                                    {data.filtered, filtered_nb},
-                                    static_cast<double>(record.origin),
-                                    static_cast<double>(record.bin_width)});
+    const double unit = host.grey_unit();
+    const Analysed_Curve curve = {{record.counts, record.nb_bins},
+                                  {data.filtered, filtered_nb},
+                                  static_cast<double>(record.origin) * unit,
+                                  static_cast<double>(record.bin_width) * unit};
+    table = Peak_Table_Make(peaks, curve);
+    full_text = Analysis_Full_Text(table, curve, host.table_source());
+}
+
+void Analysis_Window::Source_Refresh() {
+    const bool was_stale = std::exchange(is_stale, !table.rows.empty() && source != host.source());
+    if (window != nullptr && is_stale != was_stale) {
+        ::InvalidateRect(window, nullptr, FALSE);
+    }
 }
 
 void Analysis_Window::Bands_Hand_On() {
-    std::vector<Peak_Band> bands;
-    for (const Peak_Row& row : table.rows) {
-        bands.push_back({row.from, row.to});
-    }
-    if (bands.empty()) {
+    if (table.rows.empty()) {
         return host.tell(L"There are no peaks to make TAG bands of: fit first");
     }
-    host.bands_take(bands);
+    if (is_stale) {
+        const std::wstring question = L"These are the peaks of " + Wide_Of_Utf8(source) + L".\nThe histogram counts " +
+                                      Wide_Of_Utf8(host.source()) + L" now.\n\nMake TAG bands of them all the same?";
+        if (::MessageBoxW(window, question.c_str(), L"Peaks of another selection",
+                          MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) != IDYES) {
+            return;
+        }
+    }
+    host.bands_take(table.rows);
 }
 
-bool Analysis_Window::Copy() {
-    const std::wstring text = Wide_Of_Utf8(Peak_Table_Text(table));
+bool Analysis_Window::Copy_Text(const std::string& utf8) {
+    const std::wstring text = Wide_Of_Utf8(utf8);
     if (::OpenClipboard(window) == 0) {
         return false;
     }
@@ -209,8 +207,19 @@ bool Analysis_Window::Copy() {
     return done;
 }
 
-void Analysis_Window::Copy_And_Tell() {
-    host.tell(Copy() ? L"The peak table is on the clipboard" : L"The clipboard is in use; nothing was copied");
+void Analysis_Window::Copied_Tell(bool is_done) {
+    host.tell(is_done ? L"The peak table is on the clipboard" : L"The clipboard is in use; nothing was copied");
+}
+
+void Analysis_Window::Full_Save() {
+    if (full_text.empty()) {
+        return host.tell(L"There is no analysis to save: fit first");
+    }
+    host.table_save(full_text);
+}
+
+std::array<Buttons*, 6> Analysis_Window::All_Buttons() {
+    return {&gauss_button, &derivative_button, &bands_button, &copy_button, &copy_full_button, &save_full_button};
 }
 
 void Analysis_Window::Lay_Out() {
@@ -219,9 +228,9 @@ void Analysis_Window::Lay_Out() {
     const int margin = look.Px(MARGIN);
     const int height = look.Px(BUTTON_HEIGHT);
     int x = margin;
-    // All five stay in the window when the screen has no room for it at this scale.
-    constexpr int widths = 120 + 150 + 240 + 150 + 100;
-    const int room = std::clamp<int>(static_cast<int>(client.right) - 6 * margin, widths / 2, look.Px(widths));
+    // All stay in the window when it has no room for them at this scale.
+    constexpr int widths = 120 + 150 + 220 + 150 + 100 + 130 + 130;
+    const int room = std::clamp<int>(static_cast<int>(client.right) - 8 * margin, widths / 2, look.Px(widths));
     const auto place = [&](Tools& widget, int own_width, const char* caption, unsigned int style) {
         const int width = own_width * room / widths;
         widget.style = style;
@@ -239,13 +248,17 @@ void Analysis_Window::Lay_Out() {
     gauss_button.Init(window);
     place(derivative_button, 150, "Derivative method", STYLE_BUTTON);
     derivative_button.Init(window);
-    place(peaks_list, 240, " Peaks wanted: ", STYLE_FLAT);
+    place(peaks_list, 220, " Peaks wanted: ", STYLE_FLAT);
     peaks_list.arrow = static_cast<short>(look.Px(18));
     peaks_list.Init(window);
     place(bands_button, 150, "Peaks to TAG bands", STYLE_BUTTON);
     bands_button.Init(window);
     place(copy_button, 100, "Copy table", STYLE_BUTTON);
     copy_button.Init(window);
+    place(copy_full_button, 130, "Copy full table", STYLE_BUTTON);
+    copy_full_button.Init(window);
+    place(save_full_button, 130, "Save full table", STYLE_BUTTON);
+    save_full_button.Init(window);
 }
 
 void Analysis_Window::Log_Scroll(int lines) {
@@ -254,42 +267,29 @@ void Analysis_Window::Log_Scroll(int lines) {
 }
 
 void Analysis_Window::Paint_Table(HDC dc, RECT area) const {
-    int weights = 0;
-    for (const Column& column : COLUMNS) {
-        weights += column.weight;
-    }
+    const int weights = std::accumulate(WEIGHTS.begin(), WEIGHTS.end(), 0);
     const int width = area.right - area.left;
     const int row_height = look.Px(ROW);
-    const auto draw_row = [&](int row, const std::array<std::wstring, COLUMNS.size()>& cells, HFONT font,
-                              COLORREF color) {
+    const auto draw_row = [&](int row, const auto& cells, HFONT font, COLORREF color) {
         int x = area.left;
-        for (std::size_t c = 0; c < COLUMNS.size(); ++c) {
-            const int column_width = width * COLUMNS[c].weight / weights;
+        for (std::size_t c = 0; c < WEIGHTS.size(); ++c) {
+            const int column_width = width * WEIGHTS[c] / weights;
             const RECT cell = {x, area.top + row * row_height, x + column_width - look.Px(6),
                                area.top + (row + 1) * row_height};
-            Draw_Line(dc, cell, cells[c], font, color, DT_RIGHT);
+            Draw_Line(dc, cell, Wide_Of_Utf8(cells[c]), font, color, DT_RIGHT);
             x += column_width;
         }
     };
     const RECT head = {area.left, area.top, area.right, area.top + row_height};
     Fill(dc, head, look.heading);
-    std::array<std::wstring, COLUMNS.size()> titles;
-    for (std::size_t c = 0; c < COLUMNS.size(); ++c) {
-        titles[c] = COLUMNS[c].title;
-    }
-    draw_row(0, titles, look.Bold(), look.text);
+    draw_row(0, PEAK_TITLES, look.Bold(), look.text);
     int row = 1;
     for (std::size_t k = static_cast<std::size_t>(table_first); k < table.rows.size(); ++k) {
-        const Peak_Row& peak = table.rows[k];
         if (area.top + (row + 1) * row_height > area.bottom) {
             break;
         }
-        std::array<std::wstring, COLUMNS.size()> cells;
-        const auto texts = Cells(peak);
-        for (std::size_t c = 0; c < COLUMNS.size(); ++c) {
-            cells[c] = Wide_Of_Utf8(texts[c]);
-        }
-        draw_row(row++, cells, look.Font(), look.text);
+        const bool is_grey = is_stale || table.rows[k].is_doubtful;
+        draw_row(row++, Peak_Cells(table.rows[k]), look.Font(), is_grey ? look.text_grey : look.text);
     }
 }
 
@@ -349,18 +349,17 @@ void Analysis_Window::Paint() {
         const RECT area = Table_Area();
         Paint_Table(dc, area);
         const RECT quality = {area.left, area.bottom, area.right, area.bottom + row_height};
-        Draw_Line(dc, quality, Rows_Text() + Quality_Text(table), look.Font(), look.accent, DT_LEFT);
+        Draw_Line(dc, quality, Rows_Text() + Quality_Line(), look.Font(), is_stale ? look.text : look.accent, DT_LEFT);
         const RECT title = {area.left, quality.bottom, area.right, quality.bottom + row_height};
         Fill(dc, title, look.heading);
         Draw_Line(dc, title, L" Fit log", look.Bold(), look.text, DT_LEFT);
         Paint_Log(dc, {area.left, title.bottom, area.right, client.bottom - margin});
     }
     Window_Buffer_Begin(window);
-    gauss_button.Draw();
-    derivative_button.Draw();
+    for (Buttons* button : All_Buttons()) {
+        button->Draw();
+    }
     peaks_list.Draw();
-    bands_button.Draw();
-    copy_button.Draw();
     Window_Buffer_End(window);
 }
 
@@ -381,7 +380,11 @@ void Analysis_Window::Press(int up_down) {
     } else if (bands_button.Select(up_down) != 0) {
         Bands_Hand_On();
     } else if (copy_button.Select(up_down) != 0) {
-        Copy_And_Tell();
+        Copied_Tell(Copy());
+    } else if (copy_full_button.Select(up_down) != 0) {
+        Copied_Tell(Copy_Text(full_text));
+    } else if (save_full_button.Select(up_down) != 0) {
+        Full_Save();
     } else if (peaks_list.Select(up_down) != 0 && peaks_list.Read() >= 0) {
         peaks_list.current = static_cast<short>(peaks_list.Read());
         peaks_list.Adjust();
@@ -389,16 +392,17 @@ void Analysis_Window::Press(int up_down) {
 }
 
 std::wstring Analysis_Window::Row_Text(const Peak_Row& row) {
-    const auto cells = Cells(row);
-    std::wstring text;
-    for (std::size_t c = 0; c < COLUMNS.size(); ++c) {
-        text += (c == 0 ? L"" : L", ") + std::wstring(COLUMNS[c].title) + L" " + Wide_Of_Utf8(cells[c]);
+    const auto cells = Peak_Cells(row);
+    std::string text;
+    for (std::size_t c = 0; c < cells.size(); ++c) {
+        text += (c == 0 ? "" : ", ") + std::string(PEAK_TITLES[c]) + " " + cells[c];
     }
-    return text;
+    return Wide_Of_Utf8(text + (row.is_doubtful ? ", doubtful" : ""));
 }
 
 std::wstring Analysis_Window::Quality_Line() const {
-    return Quality_Text(table);
+    return (is_stale ? L"Of " + Wide_Of_Utf8(source) + L", not of what is counted now.    " : L"") +
+           Quality_Text(table);
 }
 
 LRESULT Analysis_Window::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
@@ -424,7 +428,7 @@ LRESULT Analysis_Window::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_MOUSEMOVE: {
             Pointer_Take(lparam, false);
             const int held = (wparam & MK_LBUTTON) != 0 ? MOUSE_DRAG | MOUSE_LEFT : 0;
-            for (Buttons* button : {&gauss_button, &derivative_button, &bands_button, &copy_button}) {
+            for (Buttons* button : All_Buttons()) {
                 button->Select(held);
             }
             peaks_list.Select(held);
@@ -433,7 +437,7 @@ LRESULT Analysis_Window::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
             return 0;
         }
         case WM_MOUSELEAVE:
-            for (Buttons* button : {&gauss_button, &derivative_button, &bands_button, &copy_button}) {
+            for (Buttons* button : All_Buttons()) {
                 button->Deselect();
             }
             peaks_list.Deselect();
@@ -453,7 +457,7 @@ LRESULT Analysis_Window::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
             if (wparam == VK_ESCAPE) {
                 Close();
             } else if (wparam == 'C' && ::GetKeyState(VK_CONTROL) < 0) {
-                Copy_And_Tell();
+                Copied_Tell(::GetKeyState(VK_SHIFT) < 0 ? Copy_Text(full_text) : Copy());
             } else if (wparam == VK_UP || wparam == VK_DOWN) {
                 Log_Scroll(wparam == VK_UP ? -1 : 1);
             } else if (wparam == VK_PRIOR || wparam == VK_NEXT) {

@@ -2,6 +2,7 @@
  * peaks on as TAG bands. */
 #pragma once
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <string>
@@ -17,19 +18,17 @@
 struct Accessible_Part;
 struct Accessible_Source;
 
-/** Grey levels that a peak claims. */
-struct Peak_Band {
-    double from = 0.0;
-    double to = 0.0;
-};
-
 /** What the window needs of the application. */
 struct Analysis_Host {
     std::function<Tool_Histo*()> panel;   ///< the histogram panel; null when there is none
     std::function<void()> peaks_changed;  ///< the panel and the enlarged window must be painted anew
-    std::function<void(const std::vector<Peak_Band>&)>
-        bands_take;                            ///< sets the TAGs' thresholds, as one step that can be undone
+    std::function<void(const std::vector<Peak_Row>&)>
+        bands_take;                            ///< asks which TAG gets which peak, and sets the TAGs' thresholds
     std::function<void(const wchar_t*)> tell;  ///< a word for the user on what became of his wish
+    std::function<std::string()> source;       ///< what the panel's histogram is made of now, UTF-8
+    std::function<double()> grey_unit;         ///< what the panel's grey levels are to be multiplied by
+    std::function<void(const std::string&)> table_save;  ///< asks for a file and writes the full table
+    std::function<std::string()> table_source;           ///< lines that name volume and frames in the full table
 };
 
 class Analysis_Window {
@@ -43,14 +42,21 @@ class Analysis_Window {
     void Open(HWND owner);
     void Close();
     bool Is_Open() const { return window != nullptr; }
+    HWND Window() const { return window; }
+    /** Looks whether the panel's histogram is still the one that the peaks were found in. */
+    void Source_Refresh();
+    /** The peaks are those of another selection. */
+    bool Is_Stale() const { return is_stale; }
     /** Fits Gaussians; the same data gives the same peaks. */
     void Fit_Gaussian();
     /** Cuts into at most `peaks` segments. */
     void Fit_Derivative(int peaks);
-    /** Sets the TAG bands from the peaks found. */
+    /** Sets the TAG bands from the peaks found; asks first when they are those of another selection. */
     void Bands_Hand_On();
     /** Puts the table on the clipboard as text. @return false when the clipboard is not to be had */
-    bool Copy();
+    bool Copy() { return Copy_Text(Peak_Table_Text(table)); }
+    /** Everything that is known of the last analysis, as a text. */
+    std::string Full_Text() const { return full_text; }
     const Peak_Table& Table() const { return table; }
     const Fit_Log& Log() const { return log; }
 
@@ -64,6 +70,10 @@ class Analysis_Window {
     int Table_Rows_Shown() const;
     void Table_Scroll(int rows);
     std::wstring Rows_Text() const;
+    bool Copy_Text(const std::string& utf8);
+    void Copied_Tell(bool is_done);
+    void Full_Save();
+    std::array<Buttons*, 6> All_Buttons();
     void Paint_Table(HDC dc, RECT area) const;
     void Log_Scroll(int lines);
     /** A row as one line, every cell behind its column's title. */
@@ -74,7 +84,6 @@ class Analysis_Window {
     std::shared_ptr<Accessible_Source> Accessible_Make();
     std::vector<Accessible_Part> Accessible_Parts();
     void Paint_Log(HDC dc, RECT area) const;
-    void Copy_And_Tell();
     void Pointer_Take(LPARAM lparam, bool on_screen) const;
     void Press(int up_down);
     template <class Fit>
@@ -89,8 +98,13 @@ class Analysis_Window {
     Buttons derivative_button;
     Buttons bands_button;
     Buttons copy_button;
+    Buttons copy_full_button;
+    Buttons save_full_button;
     Selects peaks_list;
     Peak_Table table;
+    std::string full_text;  // of the histogram that the table was made of
+    std::string source;     // what that was
+    bool is_stale = false;
     Fit_Log log;
     std::vector<std::string> log_lines;
     int log_first = 0;  // first line shown

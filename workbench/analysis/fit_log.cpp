@@ -92,7 +92,8 @@ std::vector<std::string> Fit_Log::Lines() const {
     std::vector<std::string> lines;
     char line[512];
     if (passes > 0) {
-        std::snprintf(line, sizeof line, "Derivative method: %d smoothing passes, %d maxima left", passes, last_maxima);
+        std::snprintf(line, sizeof line, "Derivative method: %d smoothing %s, %d %s left", passes,
+                      passes == 1 ? "pass" : "passes", last_maxima, last_maxima == 1 ? "maximum" : "maxima");
         lines.emplace_back(line);
     }
     for (const Fit_Candidate& candidate : candidates) {

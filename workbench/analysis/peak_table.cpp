@@ -3,14 +3,25 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <initializer_list>
 #include <numbers>
 
 #include "host/kit_common.h"
+#include "workbench/model/number_text.h"
 
 namespace {
 
 constexpr int PARAMETERS = 3;
 constexpr unsigned char ELEMENT_SIZE = 8;
+constexpr int DIGITS = 4;       // of grey levels in the table
+constexpr int DIGITS_TEXT = 6;  // of numbers that other programs read
+
+/** All digits that tell a double from every other one. */
+std::string Exact_Text(double value) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%.17g", value);
+    return text;
+}
 
 double Gauss(const Found_Peak& peak, double bin) {
     const double u = (bin - peak.centre) / peak.width;
@@ -39,7 +50,12 @@ Peak_Row Segment_Row(const Found_Peak& peak, const Analysed_Curve& curve) {
     const auto last = static_cast<std::size_t>(std::max(peak.width, 0.0));
     for (std::size_t bin = first; bin <= last && bin < curve.counts.size(); ++bin) {
         row.area += curve.counts[bin];
-        row.height = std::max(row.height, static_cast<double>(curve.counts[bin]));
+        const double height =
+            bin < curve.filtered.size() ? curve.filtered[bin] : static_cast<double>(curve.counts[bin]);
+        if (bin == first || height > row.height) {
+            row.height = height;
+            row.centre = (static_cast<double>(bin) + 0.5) * curve.bin_width + curve.origin;
+        }
     }
     row.from = static_cast<double>(first) * curve.bin_width + curve.origin;
     row.to = static_cast<double>(last + 1) * curve.bin_width + curve.origin;
@@ -49,6 +65,7 @@ Peak_Row Segment_Row(const Found_Peak& peak, const Analysed_Curve& curve) {
 
 Peak_Row Gauss_Row(const Found_Peak& peak, const Analysed_Curve& curve) {
     Peak_Row row;
+    row.centre = (peak.centre + 0.5) * curve.bin_width + curve.origin;
     row.height = peak.amplitude;
     row.full_width = 2.0 * peak.width * curve.bin_width;
     row.area = peak.amplitude * peak.width * std::sqrt(std::numbers::pi / std::numbers::ln2);
@@ -133,6 +150,7 @@ void Quality_Find(std::span<const Found_Peak> peaks, const Analysed_Curve& curve
         table.rows[k].centre_error = errors[PARAMETERS * k] * curve.bin_width;
         table.rows[k].height_error = errors[PARAMETERS * k + 1];
         table.rows[k].full_width_error = 2.0 * errors[PARAMETERS * k + 2] * curve.bin_width;
+        table.rows[k].is_doubtful = !Peak_Doubt_Text(table.rows[k]).empty();
     }
     table.quality.is_known = true;
     table.quality.r_squared_filtered = R_Squared(curve.filtered, peaks);
@@ -151,15 +169,19 @@ void Quality_Find(std::span<const Found_Peak> peaks, const Analysed_Curve& curve
 Peak_Table Peak_Table_Make(std::span<const Found_Peak> peaks, const Analysed_Curve& curve) {
     Peak_Table table;
     const double total = Total(curve.counts);
+    double area = 0.0;
     bool gauss = true;
     for (const Found_Peak& peak : peaks) {
         const bool usable = peak.is_segment || peak.width > 0.0;
         Peak_Row row = peak.is_segment ? Segment_Row(peak, curve) : (usable ? Gauss_Row(peak, curve) : Peak_Row{});
         row.number = static_cast<int>(table.rows.size()) + 1;
-        row.centre = (peak.centre + 0.5) * curve.bin_width + curve.origin;
-        row.share = total > 0.0 ? row.area / total : 0.0;
+        area += std::max(row.area, 0.0);
         table.rows.push_back(row);
         gauss = gauss && usable && !peak.is_segment;
+    }
+    const double whole = std::max(total, area);
+    for (Peak_Row& row : table.rows) {
+        row.share = whole > 0.0 ? std::max(row.area, 0.0) / whole : 0.0;
     }
     if (gauss && !peaks.empty()) {
         Overlaps_Split(table.rows);
@@ -168,44 +190,93 @@ Peak_Table Peak_Table_Make(std::span<const Found_Peak> peaks, const Analysed_Cur
     return table;
 }
 
-std::string With_Error(double value, double error, int decimals) {
-    constexpr double digits_max = 1e15;
-    char text[96];
-    if (!(error > 0.0) || !std::isfinite(error)) {
-        std::snprintf(text, sizeof text, "%.*f", decimals, value);
-        return text;
+std::string Peak_Doubt_Text(const Peak_Row& row) {
+    const auto sentence = [&](const char* what, double value, double error) {
+        return "Peak " + std::to_string(row.number) + " is doubtful: " + what + " " + With_Error(value, error);
+    };
+    if (row.height_error > std::abs(row.height)) {
+        return sentence("height", row.height, row.height_error);
     }
-    if (std::abs(value) >= digits_max || error >= digits_max) {
-        std::snprintf(text, sizeof text, "%.2g \xC2\xB1 %.2g", value, error);
-        return text;
+    if (row.full_width_error > std::abs(row.full_width)) {
+        return sentence("full width", row.full_width, row.full_width_error);
     }
-    // The decimal place of the second digit; rounding can carry into a new first one, 0.0996 is 0.10.
-    int place = static_cast<int>(std::floor(std::log10(error))) - 1;
-    if (std::round(error * std::pow(10.0, -place)) >= 100.0) {
-        ++place;
+    // A centre may be near 0 and well known: it is measured by the peak's width.
+    if (row.centre_error > std::abs(row.full_width)) {
+        return sentence("centre", row.centre, row.centre_error) + ", more than its width";
     }
-    const double unit = std::pow(10.0, place);
-    const auto rounded = [&](double number) { return place > 0 ? std::round(number / unit) * unit : number; };
-    const int shown = std::clamp(-place, 0, decimals);
-    std::snprintf(text, sizeof text, "%.*f \xC2\xB1 %.*f", shown, rounded(value), shown, rounded(error));
+    return {};
+}
+
+std::array<std::string, PEAK_TITLES.size()> Peak_Cells(const Peak_Row& row) {
+    return {std::to_string(row.number) + (row.is_doubtful ? " ?" : ""),
+            With_Error(row.centre, row.centre_error),
+            With_Error(row.height, row.height_error),
+            With_Error(row.full_width, row.full_width_error),
+            Number_Text(row.area),
+            Number_Text(100.0 * row.share) + " %",
+            Number_Text(row.from, DIGITS),
+            Number_Text(row.to, DIGITS)};
+}
+
+std::string Peak_Row_Text(const Peak_Row& row, char separator) {
+    std::string text = std::to_string(row.number);
+    for (const double value : {row.centre, row.height, row.full_width, row.area, row.share}) {
+        text += separator + Number_Text(value, DIGITS_TEXT);
+    }
     return text;
 }
 
 std::string Peak_Table_Text(const Peak_Table& table) {
     std::string text =
-        "Peak\tCentre\tHeight\tFull width\tArea\tShare\tFrom\tTo\tCentre error\tHeight error\tWidth error\n";
-    char line[512];
+        "Peak\tCentre\tHeight\tFull width\tArea\tShare\tFrom\tTo\tCentre error\tHeight error\tWidth "
+        "error\tDoubtful\n";
     for (const Peak_Row& row : table.rows) {
-        std::snprintf(line, sizeof line, "%d\t%.2f\t%.1f\t%.2f\t%.0f\t%.4f\t%.2f\t%.2f\t%.3f\t%.2f\t%.3f\n", row.number,
-                      row.centre, row.height, row.full_width, row.area, row.share, row.from, row.to, row.centre_error,
-                      row.height_error, row.full_width_error);
-        text += line;
+        text += Peak_Row_Text(row, '\t');
+        for (const double value : {row.from, row.to, row.centre_error, row.height_error, row.full_width_error}) {
+            text += '\t' + Number_Text(value, DIGITS_TEXT);
+        }
+        text += row.is_doubtful ? "\tyes\n" : "\tno\n";
     }
     if (table.quality.is_known) {
-        std::snprintf(line, sizeof line, "R2 (filtered curve)\t%.5f\nR2 (counts)\t%.5f\nReduced chi-square\t%.3f\n",
-                      table.quality.r_squared_filtered, table.quality.r_squared_counts,
-                      table.quality.reduced_chi_square);
-        text += line;
+        text += "R2 (filtered curve)\t" + Number_Text(table.quality.r_squared_filtered, DIGITS_TEXT) +
+                "\nR2 (counts)\t" + Number_Text(table.quality.r_squared_counts, DIGITS_TEXT) +
+                "\nReduced chi-square\t" + Number_Text(table.quality.reduced_chi_square, DIGITS_TEXT) + "\n";
+    }
+    return text;
+}
+
+std::string Analysis_Full_Text(const Peak_Table& table, const Analysed_Curve& curve, const std::string& source) {
+    std::string text = source + "\n";
+    const auto line = [&text](const std::string& name, std::initializer_list<double> values) {
+        text += name;
+        for (const double value : values) {
+            text += '\t' + Exact_Text(value);
+        }
+        text += '\n';
+    };
+    line("Pixels", {Total(curve.counts)});
+    line("Bins", {static_cast<double>(curve.counts.size())});
+    line("Lowest edge", {curve.origin});
+    line("Bin width", {curve.bin_width});
+    if (table.quality.is_known) {
+        line("R2 (filtered curve)", {table.quality.r_squared_filtered});
+        line("R2 (counts)", {table.quality.r_squared_counts});
+        line("Reduced chi-square", {table.quality.reduced_chi_square});
+    }
+    text +=
+        "\nPeak\tCentre\tHeight\tFull width\tArea\tShare\tFrom\tTo\tCentre error\tHeight error\tWidth "
+        "error\tDoubtful\n";
+    for (const Peak_Row& row : table.rows) {
+        line(std::to_string(row.number),
+             {row.centre, row.height, row.full_width, row.area, row.share, row.from, row.to, row.centre_error,
+              row.height_error, row.full_width_error, row.is_doubtful ? 1.0 : 0.0});
+    }
+    text += "\nBin\tFrom\tTo\tPixels\tFiltered\n";
+    for (std::size_t bin = 0; bin < curve.counts.size(); ++bin) {
+        const double from = static_cast<double>(bin) * curve.bin_width + curve.origin;
+        const double to = static_cast<double>(bin + 1) * curve.bin_width + curve.origin;
+        const double filtered = bin < curve.filtered.size() ? curve.filtered[bin] : 0.0;
+        line(std::to_string(bin), {from, to, static_cast<double>(curve.counts[bin]), filtered});
     }
     return text;
 }

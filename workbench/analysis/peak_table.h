@@ -1,6 +1,7 @@
 /** The peaks of an analysis as a table for people, with the quality of the fit. Pure code. */
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -24,17 +25,18 @@ struct Analysed_Curve {
 
 struct Peak_Row {
     int number = 0;           ///< from 1
-    double centre = 0.0;      ///< GLI, at the middle of a bin
-    double height = 0.0;      ///< counts
+    double centre = 0.0;      ///< GLI, at the middle of a bin; segments: of their maximum
+    double height = 0.0;      ///< counts; segments: the value of the analysed curve at the centre
     double full_width = 0.0;  ///< GLI: full width at half height; segments: the width of the segment
     double area = 0.0;        ///< pixels; segments: the pixels in it
-    double share = 0.0;       ///< of all pixels, 0 .. 1
+    double share = 0.0;       ///< of all pixels, 0 .. 1; of all rows together at most 1
     double from = 0.0;        ///< GLI: lower end of the grey levels that the peak claims
     double to = 0.0;          ///< GLI: upper end
     // standard errors, from the inverse of the normal matrix; 0 for segments and where they cannot be had
     double centre_error = 0.0;
     double height_error = 0.0;
     double full_width_error = 0.0;
+    bool is_doubtful = false;  ///< height or width is not known but for its error, or the centre but for the width
 };
 
 struct Fit_Quality {
@@ -51,14 +53,22 @@ struct Peak_Table {
 };
 
 /** Rows in the order of the peaks. A Gaussian claims its centre plus and minus its half width, but not beyond the
- * middle to its neighbours. */
+ * middle to its neighbours. Gaussians that overlap may have more area together than there are pixels: shares are then
+ * those of the areas' sum. */
 Peak_Table Peak_Table_Make(std::span<const Found_Peak> peaks, const Analysed_Curve& curve);
 
-/** A value with its standard error for people: the error with two significant digits, the value as exactly as that,
- * both without an exponent (but beyond 15 digits). An error of 0 or one that is no number leaves the value alone.
- *  @param decimals of the value where it stands alone, and at most
- *  @return UTF-8 */
-std::string With_Error(double value, double error, int decimals);
+/** Titles of a row's texts. */
+inline constexpr std::array<const char*, 8> PEAK_TITLES = {
+    "Peak", "Centre (GLI)", "Height", "Full width (GLI)", "Area (pixels)", "Share", "From", "To"};
+/** A row as people read it, with errors; a doubtful peak's number has a question mark. UTF-8 */
+std::array<std::string, PEAK_TITLES.size()> Peak_Cells(const Peak_Row& row);
+/** What makes a peak doubtful, as a sentence; empty when it is not. */
+std::string Peak_Doubt_Text(const Peak_Row& row);
 
-/** The table as text, columns separated by tabs, for the clipboard. */
+/** Number, centre, height, full width, area and share, separated by `separator`, six significant digits. */
+std::string Peak_Row_Text(const Peak_Row& row, char separator);
+/** The table as text, columns separated by tabs, for the clipboard. Six significant digits. */
 std::string Peak_Table_Text(const Peak_Table& table);
+/** Everything that is known of an analysis, numbers as exact as they are: peaks, and every bin of the curve. Columns
+ * are separated by tabs, lines end with \n. @param source lines that tell what was counted, UTF-8 */
+std::string Analysis_Full_Text(const Peak_Table& table, const Analysed_Curve& curve, const std::string& source);

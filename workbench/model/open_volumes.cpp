@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "workbench/model/display_window.h"
+
 void Open_Volumes::Clear(Session& in_hand) {
     volumes.clear();
     files.clear();
@@ -21,9 +23,11 @@ void Open_Volumes::Take(Image_Folder&& folder, std::vector<Volume_Statistics>&& 
             entry.facts = {std::move(opened.title), std::move(opened.descriptor),   opened.modality, opened.is_scout,
                            opened.is_cine,          std::move(opened.file_of_slice)};
             const Volume_Statistics& numbers = statistics[at];
-            const Grey_Window window = {static_cast<float>(numbers.window_low),
-                                        static_cast<float>(numbers.window_high)};
-            entry.view = {numbers, window, opened.volume.nz / 2};
+            Grey_Window window;
+            window.low = static_cast<float>(numbers.window_low);
+            window.high = static_cast<float>(numbers.window_high);
+            window = First_Window(opened.volume).value_or(window);
+            entry.view = {numbers, window, opened.volume.nz / 2, std::nullopt};
             entry.session.Take(std::move(opened.volume), opened.path);
         }
         files = std::move(folder.files);
@@ -31,8 +35,9 @@ void Open_Volumes::Take(Image_Folder&& folder, std::vector<Volume_Statistics>&& 
         Clear(in_hand);
         throw;
     }
-    const auto first = std::ranges::find_if(volumes, [](const Entry& entry) { return !entry.facts.is_scout; });
-    current = first != volumes.end() ? static_cast<int>(first - volumes.begin()) : 0;
+    // What people have opened the folder for: no scout, and most frames.
+    const auto worth = [](const Entry& entry) { return entry.facts.is_scout ? 0 : entry.session.Slice_Nb(); };
+    current = static_cast<int>(std::ranges::max_element(volumes, {}, worth) - volumes.begin());
     std::swap(in_hand, volumes[static_cast<std::size_t>(current)].session);
 }
 

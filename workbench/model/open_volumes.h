@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,14 +27,15 @@ struct Volume_View {
     Volume_Statistics statistics;
     Grey_Window window;
     int slice = 0;
+    std::optional<double> background;  ///< grey value up to which what surrounds the image is left out; none: not known
 };
 
 /** Owns the sessions of the volumes that are not in hand; the one in hand is passed to every operation that needs it.
  */
 class Open_Volumes {
   public:
-    /** Takes over what was opened, at least one volume. All former volumes go, and what was done to them. The first
-     *  one that is no scout comes into hand.
+    /** Takes over what was opened, at least one volume. All former volumes go, and what was done to them. The one
+     *  with most slices that is no scout comes into hand, at its middle, in the first window of its file.
      *  @param statistics of every volume @throw std::bad_alloc: no volume is open then */
     void Take(Image_Folder&& folder, std::vector<Volume_Statistics>&& statistics, Session& in_hand);
     void Clear(Session& in_hand);

@@ -19,6 +19,12 @@ std::uint32_t Mix_Pixel(std::uint32_t ground, std::uint32_t color, int percent) 
     return red_blue | green;
 }
 
+/** The sigmoid of what would be 0 .. 255 along a straight line. */
+float Bent(float straight) {
+    constexpr float whole = 255.0F;
+    return whole / (1.0F + std::exp(-4.0F * (straight / whole - 0.5F)));
+}
+
 }  // namespace
 
 Grey_Window Grey_Window::Dragged(float dx, float dy, float whole_range) const {
@@ -26,7 +32,7 @@ Grey_Window Grey_Window::Dragged(float dx, float dy, float whole_range) const {
     const float range = whole_range > 0.0F ? whole_range : 1.0F;
     const float center = (low + high) / 2.0F + dy * range;
     const float width = std::clamp(high - low + dx * range, range * least_share, range * 4.0F);
-    return {center - width / 2.0F, center + width / 2.0F};
+    return {center - width / 2.0F, center + width / 2.0F, is_sigmoid};
 }
 
 void Slice_Render(const Slice_Source& source, const Grey_Window& window, const Tag_Overlay& overlay,
@@ -48,7 +54,8 @@ void Slice_Render(const Slice_Source& source, const Grey_Window& window, const T
                 const auto packed = static_cast<std::uint32_t>(level);
                 pixel = ((packed & 0xFFU) << 16U) | (packed & 0xFF00U) | ((packed >> 16U) & 0xFFU);
             } else if (level != LEVEL_OUTSIDE) {
-                const float bright = std::clamp(static_cast<float>(level) * factor + offset, 0.0F, 255.0F);
+                const float straight = static_cast<float>(level) * factor + offset;
+                const float bright = window.is_sigmoid ? Bent(straight) : std::clamp(straight, 0.0F, 255.0F);
                 const float shade = source.is_inverted ? 255.0F - bright : bright;
                 pixel = static_cast<std::uint32_t>(shade + 0.5F) * 0x010101U;
                 if (range.has_value()) {

@@ -13,6 +13,9 @@
 struct Grey_Window {
     float low = 0.0F;
     float high = 1.0F;
+    bool is_sigmoid =
+        false;  ///< bent: a little more contrast in the middle, and the ends are not quite black and white
+    bool operator==(const Grey_Window&) const = default;
     /** The window after a drag: dx makes it wider (right) or narrower, dy darker (down) or brighter. Steps are shares
      *  of the image's whole range. */
     Grey_Window Dragged(float dx, float dy, float whole_range) const;

@@ -68,6 +68,27 @@ struct Refusal {
     std::string text;
 };
 
+/** Whether a file begins as a NIfTI file does that holds its voxels, whatever it is called. */
+bool Is_Nifti_Content(std::span<const std::uint8_t> head) {
+    constexpr std::size_t mark_at_1 = 344;
+    constexpr std::size_t mark_at_2 = 4;
+    const auto has = [&](std::size_t at, std::string_view mark) {
+        return head.size() >= at + mark.size() && std::equal(mark.begin(), mark.end(), head.begin() + at);
+    };
+    return has(mark_at_1, std::string_view("n+1\0", 4)) || has(mark_at_2, std::string_view("n+2\0", 4));
+}
+
+/** Whether a file begins as DICOM's files do, whatever it is called. */
+bool Is_Dicom_Content(const std::filesystem::path& path) {
+    constexpr std::size_t mark_at = 128;
+    constexpr std::string_view mark = "DICM";
+    File_Source plain(path);
+    Decoded_Source source(plain);
+    std::vector<std::uint8_t> head(mark_at + mark.size());
+    head.resize(source.Read(head));
+    return head.size() == mark_at + mark.size() && std::equal(mark.begin(), mark.end(), head.begin() + mark_at);
+}
+
 /** All bytes of a file, unpacked if it is gzip-compressed. Only the first ones when it is no DICOM file. */
 std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uint64_t most) {
     File_Source plain(path);
@@ -75,7 +96,9 @@ std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uin
         throw Refusal{plain.Error()};
     }
     Decoded_Source source(plain);
-    std::vector<std::uint8_t> bytes(DICOM_HEAD_SIZE);
+    constexpr std::size_t head_size = 352;  // of a NIfTI file; that of a DICOM file is shorter
+    static_assert(head_size >= DICOM_HEAD_SIZE);
+    std::vector<std::uint8_t> bytes(head_size);
     bytes.resize(source.Read(bytes));
     if (!bytes.empty() && !Dicom_Is_Likely(bytes)) {
         return bytes;
@@ -140,7 +163,7 @@ class Folder_Reader {
         const std::filesystem::path& path = file.path;
         try {
             const std::string name = File_Name_Text(path);
-            if (Is_Nifti_Name(name)) {
+            if (Is_Nifti_Name(name) && !Is_Dicom_Content(path)) {
                 Read_Nifti(path, name);
             } else if (!Is_Voxels_Of_Pair(file, name)) {
                 Read_Any(file, name);
@@ -184,7 +207,9 @@ class Folder_Reader {
 
     void Read_Any(const Wanted& file, const std::string& name) {
         const std::vector<std::uint8_t> bytes = Bytes_Read(file.path, limits.decoded_bytes);
-        if (!file.is_named || bytes.empty() || Dicom_Is_Likely(bytes) || Is_Dicom_Name(name)) {
+        const bool is_dicom = Dicom_Is_Likely(bytes);
+        const bool may_be_nifti = Is_Nifti_Content(bytes) || (file.is_named && !bytes.empty() && !Is_Dicom_Name(name));
+        if (is_dicom || !may_be_nifti) {
             return Read_Dicom(file.path, bytes);
         }
         try {

@@ -20,6 +20,7 @@
 #include "workbench/volumes/dicom_lookup.h"
 #include "workbench/volumes/dicom_pixels.h"
 #include "workbench/volumes/dicom_run_length.h"
+#include "workbench/volumes/dicom_window.h"
 #include "workbench/volumes/level_range.h"
 #include "workbench/volumes/level_scale.h"
 #include "workbench/volumes/message_text.h"
@@ -383,6 +384,7 @@ void File_Reader::Images_Make() {
     frame_bytes.resize(static_cast<std::size_t>(format.Frame_Size()));
     Scales_Read();
     image.frame_nb = frame_nb;
+    image.volume.windows = Windows_Read(*file.getDataset());
     image.part_nb = static_cast<std::int32_t>(plan.stacks.size());
     for (const Frame_Stack& stack : plan.stacks) {
         Dicom_Image one = image;

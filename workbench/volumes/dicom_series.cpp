@@ -231,6 +231,8 @@ void Group::Stack(const Slice_Stack& stack, std::int32_t time, const std::string
         volume.max_error = scale.max_error;
     }
     volume.nz = stack.nz;
+    const auto middle = begin + static_cast<std::ptrdiff_t>(nz / 2);
+    volume.windows = parts[static_cast<std::size_t>(*middle)]->image.volume.windows;
     Level_Range_Find(volume);
     Place_Set(stack, first.image.place, volume);
     folder.volumes.push_back(std::move(made));

@@ -24,6 +24,22 @@ inline constexpr std::int32_t QUANTISED_STEPS = 65535;
 /** Where the affine of a volume comes from. */
 enum class Affine_Source { SFORM, QFORM, SPACING };
 
+/** How grey values become brightness between a window's ends. */
+enum class Window_Function {
+    LINEAR,        ///< DICOM's own: width - 1 grey values wide, and half a value lower
+    LINEAR_EXACT,  ///< from centre - width / 2 to centre + width / 2
+    SIGMOID,       ///< 1 / (1 + exp(-4 * (grey - centre) / width))
+};
+
+/** A window that a file proposes, in grey values. */
+struct Display_Window {
+    std::string name;  ///< UTF-8; empty: none
+    double center = 0;
+    double width = 1;  ///< positive; LINEAR: 1 or more
+    Window_Function function = Window_Function::LINEAR;
+    bool operator==(const Display_Window&) const = default;
+};
+
 /** The geometry fields of a NIfTI header exactly as stored (in the file's units), kept so that a label file can repeat
  * them. */
 struct Stored_Geometry {
@@ -65,6 +81,7 @@ struct Volume {
     bool is_inverted = false;  ///< to be shown with small greys bright; levels and greys are the file's all the same
     std::string encoding;      ///< how the file holds the voxels, for people ("Little Endian Explicit"); may be empty
     std::string place_source;  ///< where positions and directions come from, for people; may be empty
+    std::vector<Display_Window> windows;  ///< that the file proposes, in its order; mostly none
 
     /** Grey value of a level, limited to the range of float; colour: its luminance, 0 .. 255. LEVEL_OUTSIDE has none:
      * no number. */

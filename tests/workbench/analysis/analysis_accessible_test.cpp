@@ -23,8 +23,9 @@ constexpr int control_data_item = 50029;
 class Analysis_Accessible : public testing::Test {
   protected:
     Analysis_Accessible()
-        : window(look,
-                 {[this] { return &panel; }, [] {}, [](const std::vector<Peak_Band>&) {}, [](const wchar_t*) {}}) {
+        : window(look, {[this] { return &panel; }, [] {}, [](const std::vector<Peak_Row>&) {}, [](const wchar_t*) {},
+                        [this] { return source; }, [] { return 1.0; }, [](const std::string&) {},
+                        [this] { return source; }}) {
         auto* record = new Histo_Record();
         record->nb_bins = BINS;
         record->bin_width = 1.0F;
@@ -50,6 +51,7 @@ class Analysis_Accessible : public testing::Test {
     }
     Look look;
     Tool_Histo panel;
+    std::string source = "frames 1 to 181";
     Analysis_Window window;
 };
 
@@ -85,6 +87,29 @@ TEST_F(Analysis_Accessible, every_row_of_the_table_can_be_read) {
     const std::vector<Heard_Element> heard = Automation_Client::Read(Handle());
     EXPECT_EQ(std::ranges::count(heard, control_data_item, &Heard_Element::control_type), 2);
     EXPECT_EQ(std::ranges::count(heard, rows[1].name, &Heard_Element::name), 1);
+}
+
+TEST_F(Analysis_Accessible, peaks_of_another_selection_are_told_as_such) {
+    window.Fit_Gaussian();
+    EXPECT_FALSE(window.Is_Stale());
+    const auto told = [] {
+        const auto parts = Accessible_Snapshot_Ask(Handle())->parts;
+        return std::ranges::any_of(parts, [](const Accessible_Part& part) {
+            return part.name.starts_with(L"Of frames 1 to 181, not of what is counted now.");
+        });
+    };
+    EXPECT_FALSE(told());
+    source = "frame 7";
+    window.Source_Refresh();
+    EXPECT_TRUE(window.Is_Stale());
+    EXPECT_TRUE(told());
+    source = "frames 1 to 181";
+    window.Source_Refresh();
+    EXPECT_FALSE(window.Is_Stale()) << "back at the selection that they belong to";
+    source = "frame 7";
+    window.Fit_Gaussian();
+    EXPECT_FALSE(window.Is_Stale()) << "a fit of the new selection";
+    EXPECT_EQ(window.Full_Text().find("frame 7\nPixels\t"), 0U) << window.Full_Text().substr(0, 60);
 }
 
 TEST_F(Analysis_Accessible, rows_are_told_where_they_are_painted) {

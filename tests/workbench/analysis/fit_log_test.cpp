@@ -54,6 +54,8 @@ TEST(Fit_Log, Counts_The_Passes_Of_The_Derivative_Method) {
     EXPECT_EQ(log.Lines()[0], "Derivative method: 2 smoothing passes, 4 maxima left");
     log.Clear();
     EXPECT_TRUE(log.Lines().empty());
+    log.Add(11, "loop:000 nb peak:1");
+    EXPECT_EQ(log.Lines()[0], "Derivative method: 1 smoothing pass, 1 maximum left");
 }
 
 }  // namespace

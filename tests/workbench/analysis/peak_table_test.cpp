@@ -50,20 +50,6 @@ TEST(Peak_Table_Make, Gives_Grey_Levels_Areas_And_Shares) {
     EXPECT_LT(table.quality.reduced_chi_square, 0.5) << "only rounding is left";
 }
 
-TEST(With_Error, The_Error_Has_Two_Digits_And_The_Value_Is_As_Exact) {
-    EXPECT_EQ(With_Error(85.2512, 1.234, 2), "85.3 \xC2\xB1 1.2");
-    EXPECT_EQ(With_Error(28.194, 1.04, 2), "28.2 \xC2\xB1 1.0");
-    EXPECT_EQ(With_Error(0.9134, 0.1511, 2), "0.91 \xC2\xB1 0.15");
-    EXPECT_EQ(With_Error(246840.3, 4987.0, 0), "246800 \xC2\xB1 5000");
-    EXPECT_EQ(With_Error(15912.0, 251.0, 0), "15910 \xC2\xB1 250");
-    EXPECT_EQ(With_Error(1802.4, 77.6, 0), "1802 \xC2\xB1 78");
-    EXPECT_EQ(With_Error(12.0, 9.96, 2), "12 \xC2\xB1 10") << "rounding that carries";
-    EXPECT_EQ(With_Error(12.3456, 0.00012, 2), "12.35 \xC2\xB1 0.00") << "no more decimals than are wanted";
-    EXPECT_EQ(With_Error(12.3456, 0.0, 2), "12.35");
-    EXPECT_EQ(With_Error(12.3456, NAN, 2), "12.35");
-    EXPECT_EQ(With_Error(3.0e20, 1.5e18, 0), "3e+20 \xC2\xB1 1.5e+18");
-}
-
 TEST(Peak_Table_Make, Standard_Errors_Cover_The_Scatter_Of_Repeated_Noise) {
     // A model that is linear near its solution: the scatter of a one-parameter refit of the amplitude must agree with
     // its standard error.
@@ -108,6 +94,7 @@ TEST(Peak_Table_Make, Segments_Count_Their_Pixels_And_Have_No_Fit_Quality) {
     EXPECT_EQ(table.rows[0].area, 15.0);
     EXPECT_EQ(table.rows[1].area, 28.0);
     EXPECT_EQ(table.rows[1].height, 20.0);
+    EXPECT_EQ(table.rows[1].centre, 16.5);
     EXPECT_EQ(table.rows[0].from, 10.0);
     EXPECT_EQ(table.rows[0].to, 15.0);
     EXPECT_EQ(table.rows[1].from, 15.0) << "segments tile the range";
@@ -122,12 +109,92 @@ TEST(Peak_Table_Make, A_Singular_Fit_Has_No_Quality) {
     EXPECT_FALSE(Peak_Table_Make({}, {counts, curve, 0.0, 1.0}).quality.is_known);
 }
 
+TEST(Peak_Table_Make, A_Segments_Place_And_Height_Are_Those_Of_One_Maximum) {
+    // Smoothing has moved the maximum of the counts, a lonely spike, to where most pixels are.
+    const std::vector<std::uint32_t> counts = {0, 90, 10, 40, 50, 40, 10, 0};
+    const std::vector<double> filtered = {20.0, 33.0, 36.0, 38.5, 42.0, 33.0, 20.0, 10.0};
+    const std::vector<Found_Peak> peaks = {{true, 3.0, 0.0, 7.0}};
+    const Peak_Table table = Peak_Table_Make(peaks, {counts, filtered, 100.0, 2.0});
+    EXPECT_EQ(table.rows[0].centre, 100.0 + 4.5 * 2.0);
+    EXPECT_EQ(table.rows[0].height, 42.0);
+}
+
+TEST(Peak_Table_Make, Shares_Never_Add_Up_To_More_Than_All_Pixels) {
+    // Two Gaussians over each other, as after a fit of a smoothed curve: together larger than the counts.
+    const std::vector<Found_Peak> peaks = {{false, 50.0, 1000.0, 10.0}, {false, 55.0, 1000.0, 30.0}};
+    const std::vector<double> curve = Curve_Of(peaks, 100);
+    std::vector<std::uint32_t> counts = Counts_Of(curve);
+    for (std::uint32_t& count : counts) {
+        count = count * 3 / 4;
+    }
+    const Peak_Table table = Peak_Table_Make(peaks, {counts, curve, 0.0, 1.0});
+    EXPECT_NEAR(table.rows[0].share + table.rows[1].share, 1.0, 1e-12);
+    EXPECT_NEAR(table.rows[1].share, 0.75, 0.001) << "they keep their proportion";
+    // Segments that share a bin.
+    const std::vector<Found_Peak> segments = {{true, 10.0, 0.0, 50.0}, {true, 60.0, 50.0, 99.0}};
+    const Peak_Table cut = Peak_Table_Make(segments, {counts, curve, 0.0, 1.0});
+    EXPECT_LE(cut.rows[0].share + cut.rows[1].share, 1.0 + 1e-12);
+}
+
+TEST(Peak_Table_Make, Peaks_Whose_Error_Exceeds_Their_Value_Are_Doubtful) {
+    // A clear peak, and one that the curve does not have.
+    const std::vector<Found_Peak> clear = {{false, 60.0, 5000.0, 10.0}};
+    std::vector<double> curve = Curve_Of(clear, 200);
+    std::mt19937 random(2);
+    std::normal_distribution<double> noise(0.0, 40.0);
+    for (double& value : curve) {
+        value += noise(random);
+    }
+    const std::vector<std::uint32_t> counts(200, 100);
+    const std::vector<Found_Peak> peaks = {clear[0], {false, 150.0, 3.0, 4.0}};
+    const Peak_Table table = Peak_Table_Make(peaks, {counts, curve, 0.0, 1.0});
+    EXPECT_FALSE(table.rows[0].is_doubtful);
+    EXPECT_EQ(Peak_Doubt_Text(table.rows[0]), "");
+    EXPECT_TRUE(table.rows[1].is_doubtful);
+    EXPECT_EQ(Peak_Doubt_Text(table.rows[1]).find("Peak 2 is doubtful: height 3 \xC2\xB1 "), 0U)
+        << Peak_Doubt_Text(table.rows[1]);
+    EXPECT_EQ(Peak_Cells(table.rows[0])[0], "1");
+    EXPECT_EQ(Peak_Cells(table.rows[1])[0], "2 ?");
+    EXPECT_NE(Peak_Table_Text(table).find("\tyes\n"), std::string::npos);
+}
+
+TEST(Peak_Cells, Small_Grey_Values_Keep_Their_Digits) {
+    Peak_Row row;
+    row.number = 1;
+    row.centre = 0.00071239;
+    row.centre_error = 0.0000031;
+    row.full_width = 0.00012345;
+    row.height = 1234.4;
+    row.from = 0.00065;
+    row.to = 0.00077;
+    row.share = 0.0123456;
+    const auto cells = Peak_Cells(row);
+    EXPECT_EQ(cells[1], "0.0007124 \xC2\xB1 0.0000031");
+    EXPECT_EQ(cells[3], "0.0001234");
+    EXPECT_EQ(cells[5], "1.23 %");
+    EXPECT_EQ(cells[6], "0.0006500");
+    EXPECT_EQ(Peak_Row_Text(row, ' '), "1 0.000712390 1234.40 0.000123450 0 0.0123456");
+}
+
 TEST(Peak_Table_Text, Has_A_Line_Per_Peak_With_Tabs) {
     const std::vector<Found_Peak> peaks = {{false, 100.0, 5000.0, 10.0}};
     const std::vector<double> curve = Curve_Of(peaks, 200);
     const std::string text = Peak_Table_Text(Peak_Table_Make(peaks, {Counts_Of(curve), curve, 0.0, 1.0}));
-    EXPECT_NE(text.find("\n1\t100.50\t5000.0\t20.00\t"), std::string::npos) << text;
+    EXPECT_NE(text.find("\n1\t100.500\t5000\t20\t"), std::string::npos) << text;
     EXPECT_NE(text.find("Reduced chi-square\t"), std::string::npos);
+}
+
+TEST(Analysis_Full_Text, Names_The_Source_And_Tells_Every_Bin_Exactly) {
+    const std::vector<std::uint32_t> counts = {3, 5, 1};
+    const std::vector<double> filtered = {0.1, 1.0 / 3.0};
+    const std::vector<Found_Peak> peaks = {{true, 1.0, 0.0, 2.0}};
+    const Analysed_Curve curve = {counts, filtered, 0.1, 0.001};
+    const std::string text =
+        Analysis_Full_Text(Peak_Table_Make(peaks, curve), curve, "Histogram of\tbrain.nii, frames 1 to 181");
+    EXPECT_EQ(text.find("Histogram of\tbrain.nii, frames 1 to 181\nPixels\t9\n"), 0U) << text;
+    EXPECT_NE(text.find("\n1\t0.10100000000000001\t0.10200000000000001\t5\t0.33333333333333331\n"), std::string::npos)
+        << text;
+    EXPECT_NE(text.find("\n2\t0.10200000000000001\t0.10300000000000001\t1\t0\n"), std::string::npos) << text;
 }
 
 }  // namespace

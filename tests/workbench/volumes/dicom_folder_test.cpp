@@ -65,6 +65,22 @@ TEST_F(Dicom_Folder, OrdersTheSlicesOfASeriesByPosition) {
     EXPECT_EQ(Image_Folder_Text(opened), "1 volume of 3 files");
 }
 
+TEST_F(Dicom_Folder, RecognisesFilesByWhatTheyHoldWhateverTheyAreCalled) {
+    Nifti_Bytes nifti;
+    nifti.dim = {3, 2, 1, 1, 1, 1, 1, 1};
+    nifti.Add(std::uint8_t{1});
+    nifti.Add(std::uint8_t{2});
+    Write("IM0001", nifti.File());
+    Write("volume.dcm", Gzip(nifti.File()));
+    nifti.version = 2;
+    Write("x.dat", nifti.File());
+    Write("slice.nii", Slice(10, 5).File());
+    Write("slice.nii.gz", Gzip(Slice(12, 6, 2).File()));
+    const Image_Folder opened = Open();
+    EXPECT_THAT(Problems(opened), IsEmpty());
+    EXPECT_THAT(opened.volumes, SizeIs(4)) << "three volumes, and one series of two slices";
+}
+
 TEST_F(Dicom_Folder, SeparatesStudiesSeriesSizesDirectionsAndScouts) {
     Write("1.dcm", Slice(1, 1).File());
     Write("2.dcm", Slice(2, 2).Text(TAG_SERIES, "UI", "1.2.3.9").File());
