@@ -60,7 +60,8 @@ Application::Application(const Command_Line& command_line)
                       [this](const std::vector<Peak_Band>& peaks) { Bands_Take(peaks); },
                       [this](const wchar_t* text) { Status(text); }}),
       database(look, Database_Services()),
-      not_opened_list(look) {
+      not_opened_list(look),
+      read_list(look) {
     the_application = this;
     Prog_Name = "workbench";
     Contract_Checks_Set(options.check);

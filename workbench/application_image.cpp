@@ -51,7 +51,9 @@ Image_Content Application::Content() const {
         content.range = Range_Overlay{low, high, variables.Tag_Color(variables.Tag_Cur())};
     }
     content.order = session.Order();
-    if (volume.affine_source == Affine_Source::SPACING && !volume.stored.present) {
+    const std::string& orientation = volumes.View(volumes.Current()).orientation;
+    const bool is_lost = volume.affine_source == Affine_Source::SPACING;
+    if (is_lost && !Letters_Set(orientation, content.order)) {
         // The file does not say how the patient lies.
         content.order.left = content.order.right = content.order.top = content.order.bottom = ' ';
     }
@@ -69,6 +71,9 @@ Image_Content Application::Content() const {
     content.caption = L"Slice " + std::to_wstring(slice + 1) + L" / " + std::to_wstring(session.Slice_Nb()) + L"\nW " +
                       Number_Text(grey_window.high - grey_window.low, 1) + L"  L " +
                       Number_Text((grey_window.high + grey_window.low) / 2.0, 1);
+    if (is_lost) {
+        content.caption += orientation.empty() ? L"\nOrientation not known" : L"\nOrientation as chosen";
+    }
     return content;
 }
 

@@ -23,7 +23,7 @@ void Open_Volumes::Take(Image_Folder&& folder, std::vector<Volume_Statistics>&& 
             const Volume_Statistics& numbers = statistics[at];
             const Grey_Window window = {static_cast<float>(numbers.window_low),
                                         static_cast<float>(numbers.window_high)};
-            entry.view = {numbers, window, opened.volume.nz / 2};
+            entry.view = {numbers, window, opened.volume.nz / 2, {}};
             entry.session.Take(std::move(opened.volume), opened.path);
         }
         files = std::move(folder.files);

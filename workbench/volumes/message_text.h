@@ -12,6 +12,9 @@ std::string Count_Text(std::uint64_t count);
 std::string Value_Text(double value);
 /** "2.0 GiB", "512 bytes": an amount of data. */
 std::string Size_Text(std::uint64_t bytes);
+/** Text from a file made fit for a sentence: UTF-8 stays, every byte that is none becomes U+FFFD, and control
+ * characters become spaces. */
+std::string Printable_Text(std::string_view text);
 /** The file's own name without its folders, in UTF-8. A name that cannot be expressed gives "The file". */
 std::string File_Name_Text(const std::filesystem::path& path);
 /** A path from UTF-8 text, on every system. Text that is not valid UTF-8 gives an empty path on systems with wide file
