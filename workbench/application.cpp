@@ -63,7 +63,8 @@ Application::Application(const Command_Line& command_line)
                       [this] { return panel_scale.To_Grey(1.0); },
                       [this](const std::string& text) { Table_Save(text); }, [this] { return Table_Source(); }}),
       database(look, Database_Services()),
-      not_opened_list(look) {
+      not_opened_list(look),
+      read_list(look) {
     the_application = this;
     Prog_Name = "workbench";
     Contract_Checks_Set(options.check);

@@ -219,6 +219,10 @@ class Application : public Image_User, public Main_Window_User {
     void Show_Volumes(Image_Folder&& opened, std::vector<Volume_Statistics>&& numbers);
     /** Name and size of the volume in hand. */
     std::wstring Volume_Text() const;
+    /** Shows how the volume in hand was read. */
+    void Read_Facts_Show();
+    /** Asks how the patient lies in an image that does not say it; only the letters beside the picture change. */
+    void Orientation_Ask();
     /** Takes over what belongs to the volume that came into hand; tells no panel. */
     void Volume_Adopt();
     /** Brings another volume into hand; tells no panel. @return false: it is in hand already, or there is none */
@@ -355,13 +359,15 @@ class Application : public Image_User, public Main_Window_User {
     Analysis_Window analysis;
     Database_Pane database;
     List_Window not_opened_list;
+    List_Window read_list;
     Panel_Host* tag_host = nullptr;  // owned by the tool area
     Panel_Host* marker_host = nullptr;
     Panel_Host* brush_host = nullptr;
     Panel_Host* propagate_host = nullptr;
     Panel_Host* histogram_host = nullptr;
 
-    std::string not_opened;  // files, and why; UTF-8, one per line
+    std::string not_opened;                     // files, and why; UTF-8, one per line
+    std::vector<Folder_Problem> read_warnings;  // of files that are open
     Volume_Statistics statistics;
     Grey_Window grey_window;
     Panel_Scale panel_scale;           // of the volume in hand

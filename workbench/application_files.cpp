@@ -221,6 +221,10 @@ void Application::Execute_File(Command command) {
             not_opened_list.Open(window.Handle(), L"Files not opened",
                                  not_opened.empty() ? L"All files were opened." : Wide_Of_Utf8(not_opened));
             return;
+        case Command::WHAT_WAS_READ:
+            return Read_Facts_Show();
+        case Command::ORIENTATION:
+            return Orientation_Ask();
         case Command::LOAD_LABELS:
             if (!session.Has_Volume()) {
                 Warn("Open an image first; labels lie on an image.");

@@ -50,7 +50,9 @@ Image_Content Application::Content() const {
                                       variables.Tag_Color(variables.Tag_Cur())};
     }
     content.order = session.Order();
-    if (volume.affine_source == Affine_Source::SPACING && !volume.stored.present) {
+    const std::string& orientation = volumes.View(volumes.Current()).orientation;
+    const bool is_lost = volume.affine_source == Affine_Source::SPACING;
+    if (is_lost && !Letters_Set(orientation, content.order)) {
         // The file does not say how the patient lies.
         content.order.left = content.order.right = content.order.top = content.order.bottom = ' ';
     }
@@ -70,6 +72,9 @@ Image_Content Application::Content() const {
     content.caption =
         L"Slice " + std::to_wstring(slice + 1) + L" / " + std::to_wstring(session.Slice_Nb()) +
         Wide_Of_Utf8("\nW " + Number_Text(high_end - low_end) + "  L " + Number_Text((high_end + low_end) / 2.0));
+    if (is_lost) {
+        content.caption += orientation.empty() ? L"\nOrientation not known" : L"\nOrientation as chosen";
+    }
     return content;
 }
 

@@ -4,13 +4,16 @@
 #include <algorithm>
 #include <atomic>
 #include <exception>
+#include <iterator>
 #include <new>
 #include <thread>
 #include <utility>
 
 #include "workbench/application.h"
 #include "workbench/progress_window.h"
+#include "workbench/prompt_dialog.h"
 #include "workbench/volumes/message_text.h"
+#include "workbench/volumes/read_facts.h"
 #include "workbench/wide_text.h"
 
 namespace {
@@ -111,6 +114,8 @@ void Application::Open_Paths(std::span<const std::filesystem::path> paths) {
 void Application::Problems_Tell(const Image_Folder& opened, const std::filesystem::path& first) {
     std::error_code unknown;
     const bool is_folder = std::filesystem::is_directory(first, unknown);
+    read_warnings.clear();
+    std::ranges::copy_if(opened.problems, std::back_inserter(read_warnings), &Folder_Problem::is_opened);
     not_opened = Image_Folder_Problems_Text(opened, is_folder ? first : first.parent_path());
     for (const Folder_Problem& problem : opened.problems) {
         report.Line("problem " + Problem_Sentence(problem));
@@ -155,12 +160,58 @@ void Application::Show_Volumes(Image_Folder&& opened, std::vector<Volume_Statist
 
 std::wstring Application::Volume_Text() const {
     const Volume& image_now = session.Image();
+    const std::string losses = Read_Losses_Text(image_now);
     std::wstring text = Wide_Of_Utf8(volumes.Facts(volumes.Current()).title) + L": ";
     if (volumes.Nb() > 1) {
         text = std::to_wstring(volumes.Current() + 1) + L" of " + std::to_wstring(volumes.Nb()) + L", " + text;
     }
     return text + std::to_wstring(image_now.nx) + L" \u00D7 " + std::to_wstring(image_now.ny) + L" \u00D7 " +
-           std::to_wstring(image_now.nz);
+           std::to_wstring(image_now.nz) + (losses.empty() ? L"" : L", " + Wide_Of_Utf8(losses));
+}
+
+void Application::Read_Facts_Show() {
+    if (!session.Has_Volume()) {
+        Warn("Open an image first.");
+        return;
+    }
+    const Volume_Facts& facts = volumes.Facts(volumes.Current());
+    std::vector<std::string> sentences;
+    for (const Folder_Problem& problem : read_warnings) {
+        const bool is_of_this = std::ranges::any_of(facts.file_of_slice, [&](std::int32_t file) {
+            return volumes.Files()[static_cast<std::size_t>(file)] == problem.path;
+        });
+        if (is_of_this) {
+            sentences.push_back(Problem_Sentence(problem));
+        }
+    }
+    const std::string text =
+        Read_Facts_Text(facts.title, session.Image(), sentences, volumes.View(volumes.Current()).orientation);
+    report.Line("what_was_read " + Read_Losses_Text(session.Image()));
+    read_list.Open(window.Handle(), L"What was read", Wide_Of_Utf8(text));
+}
+
+void Application::Orientation_Ask() {
+    if (!session.Has_Volume() || session.Image().affine_source != Affine_Source::SPACING) {
+        Warn(session.Has_Volume() ? "The file says how the image lies; there is nothing to choose."
+                                  : "Open an image first.");
+        return;
+    }
+    std::string& orientation = volumes.View(volumes.Current()).orientation;
+    const auto answer =
+        Prompt(window.Handle(), L"Orientation of the image",
+               L"Columns, rows and slices run towards (three of R or L, A or P, S or I; empty: unknown):",
+               Wide_Of_Utf8(orientation));
+    if (!answer) {
+        return;
+    }
+    const std::string letters = Utf8_Of_Wide(*answer);
+    Display_Order tried;
+    if (!letters.empty() && !Letters_Set(letters, tried)) {
+        Warn("An orientation is three letters, one each of R or L, A or P, S or I: LAS, for example.");
+        return;
+    }
+    orientation = letters;
+    image.Refresh();
 }
 
 void Application::Volume_Adopt() {
@@ -209,7 +260,8 @@ bool Application::Volume_Set(int wanted) {
     if (is_other) {
         objects.Histograms_Build(session, {});
     }
-    volumes.View(volumes.Current()) = {statistics, grey_window, slice, background};
+    Volume_View& left = volumes.View(volumes.Current());
+    left = {statistics, grey_window, slice, background, std::move(left.orientation)};
     volumes.Switch(wanted, session);
     Volume_Adopt();
     Status(Volume_Text());

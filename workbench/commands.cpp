@@ -29,6 +29,8 @@ constexpr Entry file_entries[] = {
     {Command::OPEN, L"&Open image...", L"Ctrl+O", Control('O')},
     {Command::OPEN_FOLDER, L"Open &folder...", L"Ctrl+D", Control('D')},
     {Command::NOT_OPENED, L"Files &not opened...", nullptr, 0},
+    {Command::WHAT_WAS_READ, L"&What was read...", nullptr, 0},
+    {Command::ORIENTATION, L"O&rientation of the image...", nullptr, 0},
     separator,
     {Command::LOAD_LABELS, L"&Load labels...", L"Ctrl+L", Control('L')},
     {Command::SAVE_LABELS, L"&Save labels", L"Ctrl+S", Control('S')},

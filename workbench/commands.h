@@ -11,6 +11,8 @@ enum class Command : WORD {
     OPEN = 100,
     OPEN_FOLDER,
     NOT_OPENED,
+    WHAT_WAS_READ,
+    ORIENTATION,
     LOAD_LABELS,
     SAVE_LABELS,
     SAVE_LABELS_AS,

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include <numeric>
 
 namespace {
@@ -79,6 +81,20 @@ TEST(Slices_Turn, moves_every_pixel_to_its_mirrored_place_in_its_own_slice) {
             EXPECT_EQ(values, before);
         }
     }
+}
+
+TEST(Display_Order, chosen_letters_go_to_the_sides_of_the_picture_as_it_is) {
+    Display_Order order;
+    order.flip_x = order.flip_y = true;  // as an image is shown whose file says nothing
+    EXPECT_TRUE(Letters_Set("las", order));
+    EXPECT_EQ(std::string({order.left, order.right, order.top, order.bottom}), "LRAP");
+    order.flip_x = order.flip_y = false;
+    EXPECT_TRUE(Letters_Set("SPR", order));
+    EXPECT_EQ(std::string({order.left, order.right, order.top, order.bottom}), "ISAP");
+    for (const char* const wrong : {"", "LA", "LASP", "LRA", "LLS", "L S", "XYZ"}) {
+        EXPECT_FALSE(Letters_Set(wrong, order)) << wrong;
+    }
+    EXPECT_EQ(order.left, 'I') << "nothing changes when the text is wrong";
 }
 
 }  // namespace

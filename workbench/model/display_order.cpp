@@ -42,3 +42,34 @@ Display_Order Display_Order_Of(const Affine& affine) {
     order.bottom = side_names[y.axis][0];
     return order;
 }
+
+bool Letters_Set(std::string_view towards, Display_Order& order) {
+    if (towards.size() != side_names.size()) {
+        return false;
+    }
+    struct Sides {
+        char towards = ' ';
+        char away = ' ';
+    };
+    std::array<Sides, 3> found{};
+    std::array<bool, 3> is_used{};
+    for (std::size_t at = 0; at < found.size(); ++at) {
+        const char letter =
+            towards[at] >= 'a' && towards[at] <= 'z' ? static_cast<char>(towards[at] - 'a' + 'A') : towards[at];
+        for (std::size_t axis = 0; axis < side_names.size(); ++axis) {
+            const auto& names = side_names[axis];
+            if (!is_used[axis] && (letter == names[0] || letter == names[1])) {
+                is_used[axis] = true;
+                found[at] = {letter, letter == names[0] ? names[1] : names[0]};
+            }
+        }
+        if (found[at].towards == ' ') {
+            return false;
+        }
+    }
+    order.left = order.flip_x ? found[0].towards : found[0].away;
+    order.right = order.flip_x ? found[0].away : found[0].towards;
+    order.top = order.flip_y ? found[1].towards : found[1].away;
+    order.bottom = order.flip_y ? found[1].away : found[1].towards;
+    return true;
+}

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <span>
+#include <string_view>
 
 #include "workbench/volumes/volume.h"
 
@@ -19,6 +20,11 @@ struct Display_Order {
     char bottom = ' ';
 };
 Display_Order Display_Order_Of(const Affine& affine);
+
+/** Puts letters to an image whose file does not say how the patient lies; the picture stays as it is.
+ *  @param towards three letters, one each of R or L, A or P, S or I, in capitals or not: where columns, rows and slices
+ *  run to in the file @return false, and nothing is changed: the text is none of these */
+bool Letters_Set(std::string_view towards, Display_Order& order);
 
 /** Turns slices from the file's order to the displayed one, in place; doing it twice restores them.
  *  @param values slices of ny rows of nx values */

@@ -27,7 +27,7 @@ void Open_Volumes::Take(Image_Folder&& folder, std::vector<Volume_Statistics>&& 
             window.low = static_cast<float>(numbers.window_low);
             window.high = static_cast<float>(numbers.window_high);
             window = First_Window(opened.volume).value_or(window);
-            entry.view = {numbers, window, opened.volume.nz / 2, std::nullopt};
+            entry.view = {numbers, window, opened.volume.nz / 2, std::nullopt, {}};
             entry.session.Take(std::move(opened.volume), opened.path);
         }
         files = std::move(folder.files);

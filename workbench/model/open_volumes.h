@@ -28,6 +28,7 @@ struct Volume_View {
     Grey_Window window;
     int slice = 0;
     std::optional<double> background;  ///< grey value up to which what surrounds the image is left out; none: not known
+    std::string orientation;           ///< as Letters_Set takes it, chosen by the user; empty: not
 };
 
 /** Owns the sessions of the volumes that are not in hand; the one in hand is passed to every operation that needs it.
@@ -44,6 +45,7 @@ class Open_Volumes {
     /** The volume in hand; -1 without volumes. */
     int Current() const { return current; }
     const Volume_Facts& Facts(int volume) const { return volumes[static_cast<std::size_t>(volume)].facts; }
+    const Volume_View& View(int volume) const { return volumes[static_cast<std::size_t>(volume)].view; }
     Volume_View& View(int volume) { return volumes[static_cast<std::size_t>(volume)].view; }
     const Session& Session_Of(int volume, const Session& in_hand) const;
     /** Files that the volumes came from. */

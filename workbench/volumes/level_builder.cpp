@@ -8,6 +8,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "workbench/volumes/message_text.h"
+#include "workbench/volumes/value_outliers.h"
 #include "workbench/volumes/value_steps.h"
 
 namespace {
@@ -126,24 +128,92 @@ void Level_Builder::Wide_Release() {
 }
 
 template <class Stored>
+bool Level_Builder::Outliers_Find(Volume& volume) {
+    Value_Clusters clusters;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(voxel_nb); ++i) {
+        const auto value = static_cast<double>(Value<Stored>(i));
+        if (std::isfinite(value)) {
+            clusters.Take(value);
+        }
+    }
+    const Value_Range range = Value_Range_Find(clusters.All());
+    if (range.outlier_nb == 0) {
+        return false;
+    }
+    inside_low = range.lowest;
+    inside_high = range.highest;
+    volume.outlier_nb = range.outlier_nb;
+    volume.outlier_lowest = range.outlier_lowest;
+    volume.outlier_highest = range.outlier_highest;
+    return true;
+}
+
+template <class Stored>
+bool Level_Builder::Type_Ends_Find(Volume& volume) {
+    constexpr Stored least = std::numeric_limits<Stored>::min();
+    constexpr Stored most = std::numeric_limits<Stored>::max();
+    Stored low = most;
+    Stored high = least;
+    std::uint64_t least_nb = 0;
+    std::uint64_t most_nb = 0;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(voxel_nb); ++i) {
+        const Stored value = Value<Stored>(i);
+        // 0 is the least of the types without a sign, and a value like any other.
+        const bool is_least = std::is_signed_v<Stored> && value == least;
+        least_nb += is_least ? 1 : 0;
+        most_nb += value == most ? 1 : 0;
+        if (!is_least && value != most) {
+            low = std::min(low, value);
+            high = std::max(high, value);
+        }
+    }
+    const double range = static_cast<double>(high) - static_cast<double>(low);
+    const bool is_least_far = least_nb > 0 && static_cast<double>(low) - static_cast<double>(least) > range;
+    const bool is_most_far = most_nb > 0 && static_cast<double>(most) - static_cast<double>(high) > range;
+    if (low >= high || (!is_least_far && !is_most_far)) {
+        return false;
+    }
+    inside_low = static_cast<double>(is_least_far || least_nb == 0 ? low : least);
+    inside_high = static_cast<double>(is_most_far || most_nb == 0 ? high : most);
+    volume.outlier_nb = (is_least_far ? least_nb : 0) + (is_most_far ? most_nb : 0);
+    volume.outlier_lowest = static_cast<double>(is_least_far ? least : most);
+    volume.outlier_highest = static_cast<double>(is_most_far ? most : least);
+    return true;
+}
+
+template <class Stored>
 void Level_Builder::Finish_Integer(Volume& volume) {
     const auto count = static_cast<std::size_t>(voxel_nb);
     Stored smallest = std::numeric_limits<Stored>::max();
     Stored largest = std::numeric_limits<Stored>::min();
-    for (std::size_t i = 0; i < count; ++i) {
-        const Stored value = Value<Stored>(i);
-        smallest = std::min(smallest, value);
-        largest = std::max(largest, value);
-    }
+    const auto range_find = [&] {
+        smallest = std::numeric_limits<Stored>::max();
+        largest = std::numeric_limits<Stored>::min();
+        for (std::size_t i = 0; i < count; ++i) {
+            const Stored value = Value<Stored>(i);
+            if (Is_Inside(static_cast<double>(value))) {
+                smallest = std::min(smallest, value);
+                largest = std::max(largest, value);
+            }
+        }
+    };
+    const auto is_level = [&] {
+        return std::cmp_greater_equal(smallest, std::numeric_limits<std::int32_t>::min()) &&
+               std::cmp_less_equal(largest, LEVEL_LARGEST);
+    };
+    range_find();
     Levels_Ready();
     if (count == 0) {
         return;
     }
-    if (std::cmp_greater_equal(smallest, std::numeric_limits<std::int32_t>::min()) &&
-        std::cmp_less_equal(largest, LEVEL_LARGEST)) {
+    if (!is_level() && (Outliers_Find<Stored>(volume) || Type_Ends_Find<Stored>(volume))) {
+        range_find();
+    }
+    if (is_level()) {
         if constexpr (sizeof(Stored) >= 4) {
             for (std::size_t i = 0; i < count; ++i) {
-                levels[i] = static_cast<std::int32_t>(Value<Stored>(i));
+                const Stored value = Value<Stored>(i);
+                levels[i] = Is_Inside(static_cast<double>(value)) ? static_cast<std::int32_t>(value) : LEVEL_OUTSIDE;
             }
         }
         volume.level_min = static_cast<std::int32_t>(smallest);
@@ -161,7 +231,12 @@ void Level_Builder::Finish_Integer(Volume& volume) {
         return;
     }
     for (std::size_t i = 0; i < count; ++i) {
-        const auto difference = static_cast<double>(static_cast<std::uint64_t>(Value<Stored>(i)) - base);
+        const Stored value = Value<Stored>(i);
+        if (!Is_Inside(static_cast<double>(value))) {
+            levels[i] = LEVEL_OUTSIDE;
+            continue;
+        }
+        const auto difference = static_cast<double>(static_cast<std::uint64_t>(value) - base);
         levels[i] = static_cast<std::int32_t>(difference / range * QUANTISED_STEPS + 0.5);
     }
     volume.slope = range / QUANTISED_STEPS;
@@ -171,25 +246,30 @@ void Level_Builder::Finish_Integer(Volume& volume) {
 
 template <class Stored>
 void Level_Builder::Finish_Real(Volume& volume) {
-    const auto count = static_cast<std::size_t>(voxel_nb);
-    double smallest = std::numeric_limits<double>::infinity();
-    double largest = -smallest;
-    bool is_whole = true;
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto value = static_cast<double>(Value<Stored>(i));
-        if (std::isfinite(value)) {
-            smallest = std::min(smallest, value);
-            largest = std::max(largest, value);
-            is_whole = is_whole && value == std::trunc(value);
-        } else {
-            ++volume.nonfinite_nb;
+    double smallest = 0;
+    double largest = 0;
+    const auto is_level = [&] {
+        smallest = std::numeric_limits<double>::infinity();
+        largest = -smallest;
+        bool is_whole = true;
+        for (std::size_t i = 0; i < static_cast<std::size_t>(voxel_nb); ++i) {
+            const auto value = static_cast<double>(Value<Stored>(i));
+            if (Is_Inside(value)) {
+                smallest = std::min(smallest, value);
+                largest = std::max(largest, value);
+                is_whole = is_whole && value == std::trunc(value);
+            }
         }
+        if (smallest > largest) {  // no finite value at all
+            smallest = largest = 0;
+        }
+        return is_whole && std::abs(smallest) <= WHOLE_RANGE && std::abs(largest) <= WHOLE_RANGE;
+    };
+    for (std::size_t i = 0; i < static_cast<std::size_t>(voxel_nb); ++i) {
+        volume.nonfinite_nb += std::isfinite(static_cast<double>(Value<Stored>(i))) ? 0 : 1;
     }
     Levels_Ready();
-    if (smallest > largest) {  // no finite value at all
-        smallest = largest = 0;
-    }
-    if (is_whole && std::abs(smallest) <= WHOLE_RANGE && std::abs(largest) <= WHOLE_RANGE) {
+    if (is_level() || (Outliers_Find<Stored>(volume) && is_level())) {
         Finish_Whole<Stored>(smallest, largest, volume);
     } else {
         Finish_Steps<Stored>(smallest, largest, volume);
@@ -200,7 +280,7 @@ template <class Stored>
 void Level_Builder::Finish_Whole(double smallest, double largest, Volume& volume) {
     for (std::size_t i = 0; i < static_cast<std::size_t>(voxel_nb); ++i) {
         const auto value = static_cast<double>(Value<Stored>(i));
-        levels[i] = std::isfinite(value) ? static_cast<std::int32_t>(value) : LEVEL_OUTSIDE;
+        levels[i] = Is_Inside(value) ? static_cast<std::int32_t>(value) : LEVEL_OUTSIDE;
     }
     volume.level_min = static_cast<std::int32_t>(smallest);
     volume.level_max = static_cast<std::int32_t>(largest);
@@ -214,7 +294,7 @@ void Level_Builder::Finish_Steps(double smallest, double largest, Volume& volume
     Value_Steps steps(range);
     for (std::size_t i = 0; i < static_cast<std::size_t>(voxel_nb); ++i) {
         const auto value = static_cast<double>(Value<Stored>(i));
-        if (!std::isfinite(value)) {
+        if (!Is_Inside(value)) {
             levels[i] = LEVEL_OUTSIDE;
             continue;
         }
@@ -305,5 +385,27 @@ void Level_Builder::Finish(double file_slope, double file_intercept, Volume& vol
         volume.slope = slope;
         volume.intercept = intercept;
         volume.max_error *= std::fabs(file_slope);
+        const double low = volume.outlier_lowest * file_slope + file_intercept;
+        const double high = volume.outlier_highest * file_slope + file_intercept;
+        volume.outlier_lowest = volume.outlier_nb > 0 ? std::min(low, high) : 0;
+        volume.outlier_highest = volume.outlier_nb > 0 ? std::max(low, high) : 0;
     }
+}
+
+std::vector<std::string> Values_Outside_Texts(const Volume& volume) {
+    std::vector<std::string> texts;
+    if (volume.nonfinite_nb > 0) {
+        texts.push_back("has " + Count_Text(volume.nonfinite_nb) +
+                        " voxels that are no number; they are shown black and count nowhere");
+    }
+    if (volume.outlier_nb > 0) {
+        const bool is_one = volume.outlier_lowest == volume.outlier_highest;
+        const double first = volume.level_min * volume.slope + volume.intercept;
+        const double last = volume.level_max * volume.slope + volume.intercept;
+        texts.push_back("has " + Count_Text(volume.outlier_nb) + " voxels of " + Value_Text(volume.outlier_lowest) +
+                        (is_one ? "" : " to " + Value_Text(volume.outlier_highest)) + ", far from all others (" +
+                        Value_Text(std::min(first, last)) + " to " + Value_Text(std::max(first, last)) +
+                        "); they are left outside the scale, are shown black and count nowhere");
+    }
+    return texts;
 }

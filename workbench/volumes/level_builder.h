@@ -3,7 +3,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "workbench/volumes/nifti_header.h"
@@ -17,8 +19,11 @@
  * them, or fewer where all values lie on a grid of fewer (see Value_Steps): an image of 256 greys between 0 and 1 has
  * 255. The quantised value differs from the file's by at most half a step of QUANTISED_STEPS, (largest - smallest) /
  * 131,070, times the file's scale factor (`Volume::max_error`; rounding of the arithmetic, some 2^-52 of the largest
- * magnitude, comes on top). Values that are infinite or no number get LEVEL_OUTSIDE and are counted. Colours are packed
- * with red in the low byte, then green, then blue; alpha is dropped.
+ * magnitude, comes on top). Values that are infinite or no number get LEVEL_OUTSIDE and are counted. So do, where the
+ * values could not all keep theirs, those so far from all others that a scale which reached them would flatten the rest
+ * (see Value_Range_Find), and the largest and smallest number of an integer type when they are further from all others
+ * than those are from each other: marks for "no value". Colours are packed with red in the low byte, then green, then
+ * blue; alpha is dropped.
  */
 class Level_Builder {
   public:
@@ -50,6 +55,13 @@ class Level_Builder {
     template <class Stored>
     void Finish_Steps(double smallest, double largest, Volume& volume);
     void Finish_Color(Volume& volume) const;
+    /** Leaves outside what is far from all other values. @return whether there is any */
+    template <class Stored>
+    bool Outliers_Find(Volume& volume);
+    /** The ends of an integer type are no values when they are far from all others. */
+    template <class Stored>
+    bool Type_Ends_Find(Volume& volume);
+    bool Is_Inside(double value) const { return value >= inside_low && value <= inside_high; }
     void Levels_Ready();
     void Wide_Release();
 
@@ -57,6 +69,12 @@ class Level_Builder {
     Byte_Order order;
     std::uint64_t total_nb;
     std::uint64_t voxel_nb = 0;
+    double inside_low = std::numeric_limits<double>::lowest();  // values beyond are LEVEL_OUTSIDE, as are no numbers
+    double inside_high = std::numeric_limits<double>::max();
     std::vector<std::int32_t> levels;  // values of up to 4 bytes: the level, or the bits of a uint32 or float32
     std::vector<std::uint64_t> wide;   // the bits of values of 8 bytes
 };
+
+/** What a user has to know of the values that a volume leaves outside, each to follow the file's name; nothing when all
+ * are inside: "has 3 voxels that are no number; they are shown black and count nowhere". */
+std::vector<std::string> Values_Outside_Texts(const Volume& volume);

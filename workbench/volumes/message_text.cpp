@@ -1,5 +1,6 @@
 #include "workbench/volumes/message_text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -66,11 +67,55 @@ std::string Field_Shown(std::string_view text) {
     return text.size() > longest ? shown + "..." : shown;
 }
 
+namespace {
+
+/** Bytes of the UTF-8 character that a text begins with; 0: it is none. */
+std::size_t Character_Size(std::string_view text) {
+    const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
+    const unsigned first = byte(0);
+    const std::size_t size = first < 0x80   ? 1
+                             : first < 0xC2 ? 0
+                             : first < 0xE0 ? 2
+                             : first < 0xF0 ? 3
+                             : first < 0xF5 ? 4
+                                            : 0;
+    if (size == 0 || text.size() < size) {
+        return 0;
+    }
+    for (std::size_t at = 1; at < size; ++at) {
+        if ((byte(at) & 0xC0U) != 0x80U) {
+            return 0;
+        }
+    }
+    // Longer forms than needed, halves of pairs, and numbers beyond the last character.
+    const bool is_wrong = size > 2 && ((first == 0xE0 && byte(1) < 0xA0) || (first == 0xED && byte(1) >= 0xA0) ||
+                                       (first == 0xF0 && byte(1) < 0x90) || (first == 0xF4 && byte(1) >= 0x90));
+    return is_wrong ? 0 : size;
+}
+
+}  // namespace
+
+std::string Printable_Text(std::string_view text) {
+    std::string made;
+    while (!text.empty()) {
+        const std::size_t size = Character_Size(text);
+        if (size == 0) {
+            made += "\xEF\xBF\xBD";
+        } else if (size == 1 && (static_cast<unsigned char>(text[0]) < ' ' || text[0] == 0x7F)) {
+            made += ' ';
+        } else {
+            made += text.substr(0, size);
+        }
+        text.remove_prefix(std::max<std::size_t>(size, 1));
+    }
+    return made;
+}
+
 std::string File_Name_Text(const std::filesystem::path& path) {
     try {
         const std::u8string name = path.filename().u8string();
         if (!name.empty()) {
-            return std::string(name.begin(), name.end());
+            return Printable_Text(std::string(name.begin(), name.end()));
         }
     } catch (const std::system_error&) {
         // A name with half a character pair has no UTF-8 form.

@@ -17,6 +17,9 @@ std::string Amount_Text(double amount);
 /** What a file holds in a field, fit for a message: letters outside ASCII and control characters become question marks,
  *  and a long text is cut. */
 std::string Field_Shown(std::string_view text);
+/** Text from a file made fit for a sentence: UTF-8 stays, every byte that is none becomes U+FFFD, and control
+ * characters become spaces. */
+std::string Printable_Text(std::string_view text);
 /** The file's own name without its folders, in UTF-8. A name that cannot be expressed gives "The file". */
 std::string File_Name_Text(const std::filesystem::path& path);
 /** A path from UTF-8 text, on every system. Text that is not valid UTF-8 gives an empty path on systems with wide file

@@ -156,7 +156,7 @@ std::string Type_Check(const Raw_Header& raw, Nifti_Header& header) {
     }
     header.type = row->type;
     const auto bits = static_cast<std::int32_t>(row->size * 8);
-    if (raw.bitpix != bits) {
+    if (raw.bitpix != bits && raw.bitpix != 0) {  // 0: some programs leave it to the type
         return "contradicts itself: voxels of type " + std::string(row->name) + " take " + std::to_string(bits) +
                " bits, not " + std::to_string(raw.bitpix);
     }
@@ -214,20 +214,16 @@ std::string Offset_Check(const Raw_Header& raw, Nifti_Header& header) {
     return {};
 }
 
-std::string Voxel_Size_Check(const Raw_Header& raw) {
-    const std::size_t used = std::min<std::size_t>(3, static_cast<std::size_t>(raw.dim[0]));
-    for (std::size_t i = 1; i <= used; ++i) {
-        if (!std::isfinite(raw.geometry.pixdim[i])) {
-            return "has a voxel size that is no number in dimension " + std::to_string(i);
-        }
-    }
-    return {};
-}
-
 void Scaling_Take(const Raw_Header& raw, Nifti_Header& header) {
     const bool color = header.type == Voxel_Type::RGB24 || header.type == Voxel_Type::RGBA32;
-    // Analyze keeps nothing, or something private, where NIfTI has the scale.
-    if (header.format == Nifti_Format::ANALYZE || color || raw.slope == 0 || !std::isfinite(raw.slope)) {
+    if (color || raw.slope == 0 || !std::isfinite(raw.slope)) {
+        return;
+    }
+    // Analyze itself has no scale. The programs that give it one put it where NIfTI has its own; anything else there
+    // that reads as a number is far from a usable factor.
+    constexpr double factor_most = 1.0e12;
+    if (header.format == Nifti_Format::ANALYZE &&
+        (std::abs(raw.slope) > factor_most || std::abs(raw.slope) < 1.0 / factor_most)) {
         return;
     }
     header.slope = raw.slope;
@@ -275,6 +271,42 @@ bool Affine_Usable(const Affine& affine) {
     }
     const double determinant = Determinant(affine);
     return std::isfinite(determinant) && determinant != 0;
+}
+
+// The sform in millimetres. An image of one slice may leave the step to the next one empty: it is then the voxel size
+// along the normal.
+Affine Sform_Of(const Stored_Geometry& geometry, std::int32_t slice_nb) {
+    Affine sform = geometry.srow;
+    const double unit = Millimetres_Per_Unit(geometry.units);
+    for (auto& row : sform) {
+        for (double& value : row) {
+            value *= unit;
+        }
+    }
+    if (slice_nb == 1 && sform[0][2] == 0 && sform[1][2] == 0 && sform[2][2] == 0) {
+        const std::array<double, 3> normal = {sform[1][0] * sform[2][1] - sform[2][0] * sform[1][1],
+                                              sform[2][0] * sform[0][1] - sform[0][0] * sform[2][1],
+                                              sform[0][0] * sform[1][1] - sform[1][0] * sform[0][1]};
+        const double length = std::hypot(normal[0], normal[1], normal[2]);
+        const double size = std::fabs(geometry.pixdim[3]) * unit;
+        for (std::size_t i = 0; i < 3 && length > 0; ++i) {
+            sform[i][2] = normal[i] / length * (size > 0 && std::isfinite(size) ? size : 1.0);
+        }
+    }
+    return sform;
+}
+
+std::string Voxel_Size_Check(const Raw_Header& raw, const Nifti_Header& header) {
+    if (header.geometry.sform_code > 0 && Affine_Usable(Sform_Of(header.geometry, header.size[2]))) {
+        return {};  // the voxel sizes follow from it
+    }
+    const std::size_t used = std::min<std::size_t>(3, static_cast<std::size_t>(raw.dim[0]));
+    for (std::size_t i = 1; i <= used; ++i) {
+        if (!std::isfinite(raw.geometry.pixdim[i])) {
+            return "has a voxel size that is no number in dimension " + std::to_string(i);
+        }
+    }
+    return {};
 }
 
 // The rotation of the unit quaternion (a, b, c, d), its columns scaled by the voxel sizes, the third mirrored if the
@@ -362,9 +394,6 @@ Nifti_Header_Result Nifti_Header_Decode(std::span<const std::uint8_t> bytes) {
     if (result.error.empty()) {
         result.error = Offset_Check(raw, header);
     }
-    if (result.error.empty()) {
-        result.error = Voxel_Size_Check(raw);
-    }
     Scaling_Take(raw, header);
     header.geometry = raw.geometry;
     header.geometry.present = true;
@@ -372,21 +401,19 @@ Nifti_Header_Result Nifti_Header_Decode(std::span<const std::uint8_t> bytes) {
         header.geometry = Stored_Geometry{.present = true, .pixdim = raw.geometry.pixdim};
         header.geometry.pixdim[0] = 0;
     }
+    if (result.error.empty()) {
+        result.error = Voxel_Size_Check(raw, header);
+    }
     return result;
 }
 
 void Geometry_Apply(const Stored_Geometry& geometry, Volume& volume) {
     const double unit = Millimetres_Per_Unit(geometry.units);
-    Affine sform = geometry.srow;
-    for (auto& row : sform) {
-        for (double& value : row) {
-            value *= unit;
-        }
-    }
+    const Affine sform = Sform_Of(geometry, volume.nz);
     const bool sform_usable = geometry.sform_code > 0 && Affine_Usable(sform);
     for (std::size_t i = 0; i < 3; ++i) {
         double spacing = std::fabs(geometry.pixdim[i + 1]) * unit;
-        if (!(spacing > 0) && sform_usable) {
+        if (!(spacing > 0 && std::isfinite(spacing)) && sform_usable) {
             spacing = std::hypot(sform[0][i], sform[1][i], sform[2][i]);
         }
         volume.spacing[i] = spacing > 0 && std::isfinite(spacing) ? spacing : 1.0;

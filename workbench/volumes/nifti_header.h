@@ -70,5 +70,7 @@ struct Nifti_Header_Result {
 Nifti_Header_Result Nifti_Header_Decode(std::span<const std::uint8_t> bytes);
 
 /** Voxel sizes, time step, affine and its source into `volume`: from the sform if it is usable, else the qform, else
- * the voxel sizes alone. Lengths given in metres or micrometres become millimetres. @param geometry present */
+ * the voxel sizes alone; voxel sizes that are no positive number follow from a usable sform. An image of one slice
+ * (volume.nz) may have an sform without a step to the next. Lengths given in metres or micrometres become millimetres.
+ * @param geometry present */
 void Geometry_Apply(const Stored_Geometry& geometry, Volume& volume);

@@ -58,6 +58,10 @@ class Loader {
     void Header_Load();
     const Nifti_Header& Header() const { return header; }
     void Voxels_Load(Byte_Source* image);
+    /** Whether a header that claims to be a single file is one of a pair: there is no room for voxels behind it. */
+    bool Is_Pair_In_Disguise() const;
+    /** Looks for the voxels of a single file in another one. */
+    void Pair_Make(const Byte_Source& image);
 
   private:
     void Report(double fraction) const;
@@ -67,6 +71,7 @@ class Loader {
     void Voxels_Read(const std::string& name, Decoded_Source& voxels, Level_Builder& builder) const;
     void Tail_Check(const std::string& name, Decoded_Source& voxels);
     std::string Voxels_Present(std::uint64_t count) const;
+    std::string Encoding_Text(bool is_compressed) const;
 
     std::string file;
     Decoded_Source decoded;
@@ -250,12 +255,42 @@ void Loader::Voxels_Load(Byte_Source* image) {
     volume.stored = header.geometry;
     Geometry_Apply(header.geometry, volume);
     builder.Finish(header.slope, header.intercept, volume);
-    if (volume.nonfinite_nb > 0) {
-        Warn(name, "has " + Count_Text(volume.nonfinite_nb) +
-                       " voxels that are no number; they are shown black and count nowhere");
+    for (const std::string& text : Values_Outside_Texts(volume)) {
+        Warn(name, text);
     }
+    if (header.format == Nifti_Format::ANALYZE && header.slope != 1) {
+        Warn(file, "has the scale factor " + Value_Text(header.slope) +
+                       " that some programs add to Analyze files; its values are multiplied by it");
+    }
+    volume.encoding = Encoding_Text(voxels.Compressed());
     Report(1.0);
     result.volume = std::move(volume);
+}
+
+std::string Loader::Encoding_Text(bool is_compressed) const {
+    std::string text = header.format == Nifti_Format::ANALYZE
+                           ? "Analyze 7.5"
+                           : (header.format == Nifti_Format::NIFTI_1 ? "NIfTI-1" : "NIfTI-2");
+    text += header.single_file ? "" : ", header and voxels in two files";
+    text += header.order == Byte_Order::LITTLE ? ", little-endian" : ", big-endian";
+    return text + (is_compressed ? ", gzip-compressed" : "");
+}
+
+bool Loader::Is_Pair_In_Disguise() const {
+    const std::uint64_t needed = header.voxel_nb * Voxel_Type_Size(header.type);
+    const std::optional<std::uint64_t> size = decoded.Size();
+    return header.single_file && (!size || *size < needed || *size - needed < header.voxel_offset);
+}
+
+void Loader::Pair_Make(const Byte_Source& image) {
+    Warn(file, "says that it holds its voxels itself; they are read from " + image.Name());
+    header.single_file = false;
+    const std::uint64_t needed = header.voxel_nb * Voxel_Type_Size(header.type);
+    const std::optional<std::uint64_t> size = image.Size();
+    // The position is that in a single file, unless the other file is just so much longer.
+    if (!size || *size != header.voxel_offset + needed) {
+        header.voxel_offset = 0;
+    }
 }
 
 // Runs `load` and turns whatever it throws into the result's sentence.
@@ -294,6 +329,25 @@ std::string Lower_Case(std::string text) {
     return text;
 }
 
+// A file of this name, or of it with ".gz", whatever its capitals.
+std::filesystem::path Partner_Of_Other_Case(const std::filesystem::path& wanted) {
+    const std::string name = Lower_Case(File_Name_Text(wanted));
+    const std::filesystem::path folder = wanted.has_parent_path() ? wanted.parent_path() : std::filesystem::path(".");
+    std::filesystem::path found;
+    std::error_code code;
+    std::filesystem::directory_iterator entry(folder, code);
+    for (const std::filesystem::directory_iterator end; !code && entry != end; entry.increment(code)) {
+        const std::string other = Lower_Case(File_Name_Text(entry->path()));
+        std::error_code unknown;
+        // The first by name, not by the order of the folder, which differs from system to system.
+        if ((other == name || other == name + ".gz") && entry->is_regular_file(unknown) &&
+            (found.empty() || entry->path() < found)) {
+            found = entry->path();
+        }
+    }
+    return found;
+}
+
 // The other file of a pair: "a.img" for "a.hdr", the same capitals, compressed or not. An empty path when there is
 // none.
 std::filesystem::path Partner_Find(const std::filesystem::path& path, const std::string& from, const std::string& to) {
@@ -315,7 +369,7 @@ std::filesystem::path Partner_Find(const std::filesystem::path& path, const std:
             return candidate;
         }
     }
-    return {};
+    return Partner_Of_Other_Case(base.replace_extension(to));
 }
 
 void Path_Load(const std::filesystem::path& path, const Load_Progress& progress, const Load_Limits& limits,
@@ -334,13 +388,16 @@ void Path_Load(const std::filesystem::path& path, const Load_Progress& progress,
     }
     Loader loader(file, progress, limits, result);
     loader.Header_Load();
-    if (loader.Header().single_file || image_path.empty()) {
+    if (image_path.empty() || (loader.Header().single_file && !loader.Is_Pair_In_Disguise())) {
         loader.Voxels_Load(nullptr);
         return;
     }
     File_Source image(image_path);
     if (!image.Error().empty()) {
         Fail(image.Name(), image.Error());
+    }
+    if (loader.Header().single_file) {
+        loader.Pair_Make(image);
     }
     loader.Voxels_Load(&image);
 }

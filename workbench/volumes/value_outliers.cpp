@@ -69,18 +69,26 @@ std::vector<Part> Groups_Of(const std::vector<Value_Cluster>& list, Part part) {
     return groups;
 }
 
+/** Whether `lost` may be left out for the sake of `kept`. */
+bool Is_Outlier(const std::vector<Value_Cluster>& list, Part lost, Part kept) {
+    return Is_One_Value(list, lost) || Count_Of(list, lost) <= Count_Of(list, kept) / rare_share;
+}
+
+/** The gap between two groups; 0 for one and the same. */
+double Half_Distance(const std::vector<Value_Cluster>& list, Part one, Part other) {
+    if (other.first == one.first) {
+        return 0.0;
+    }
+    return other.first > one.first ? Half_Gap(list[one.last].highest, list[other.first].lowest)
+                                   : Half_Gap(list[other.last].highest, list[one.first].lowest);
+}
+
 /** The group that all others may be left out for; nothing when there is none. */
 std::optional<Part> Kept_Of(const std::vector<Value_Cluster>& list, const std::vector<Part>& groups) {
     std::optional<Part> kept;
     for (const Part& group : groups) {
         if (!Is_One_Value(list, group) && (!kept || Count_Of(list, group) > Count_Of(list, *kept))) {
             kept = group;
-        }
-    }
-    for (const Part& group : groups) {
-        if (kept && group.first != kept->first && !Is_One_Value(list, group) &&
-            Count_Of(list, group) > Count_Of(list, *kept) / rare_share) {
-            return std::nullopt;
         }
     }
     return kept;
@@ -108,15 +116,25 @@ Value_Range Value_Range_Find(std::vector<Value_Cluster> clusters, double distanc
     while (part.first < part.last) {
         const std::vector<Part> groups = Groups_Of(list, part);
         const std::optional<Part> kept = Kept_Of(list, groups);
-        if (!kept || !(Half_Width(list, *kept) < Half_Width(list, part) / distance)) {
+        if (!kept) {
             break;
         }
+        Part rest = *kept;
+        std::vector<Part> far;
         for (const Part& group : groups) {
-            if (group.first != kept->first) {
-                Leave_Out(list, group, range);
+            if (Half_Distance(list, *kept, group) > Half_Width(list, *kept) * distance) {
+                far.push_back(group);
+            } else {
+                rest = {std::min(rest.first, group.first), std::max(rest.last, group.last)};
             }
         }
-        part = *kept;
+        if (far.empty() || !std::ranges::all_of(far, [&](Part group) { return Is_Outlier(list, group, *kept); })) {
+            break;
+        }
+        for (const Part& group : far) {
+            Leave_Out(list, group, range);
+        }
+        part = rest;
     }
     range.lowest = list[part.first].lowest;
     range.highest = list[part.last].highest;

@@ -21,14 +21,14 @@ struct Value_Range {
     double outlier_highest = 0.0;  ///< the same
 };
 
-/** All others share less than one part in so many of the whole range when a value counts as far away. */
+/** A value is far away when it is so many times further from the others than they are from each other. */
 inline constexpr double OUTLIER_DISTANCE = 4096.0;
 
-/** Takes away what lies behind gaps of an eighth of the range and more, again and again: values that are all the same
- *  (the mark of a program for "no value"), and those that are at most one in a thousand. Where what would be left is
- * not so narrow that it is flattened, or would be one value only, nothing is taken away.
+/** Takes away what lies behind gaps of an eighth of the range and more, again and again, when it is far from the rest:
+ *  values that are all the same (the mark of a program for "no value"), and those that are at most one in a thousand.
+ *  Where nothing or one value only would be left, nothing is taken away.
  *  @param clusters finite, in any order, overlapping or not; empty: a range from 0 to 0
- *  @param distance what is left is flattened when it is less than one part in `distance` of the whole; above 8 */
+ *  @param distance how many times the width of the rest is far; above 8 */
 Value_Range Value_Range_Find(std::vector<Value_Cluster> clusters, double distance = OUTLIER_DISTANCE);
 
 /** Collects values in clusters no wider than a sixteenth of their magnitude. Memory: two megabytes, whatever the number

@@ -21,8 +21,10 @@ inline constexpr std::int32_t LEVEL_OUTSIDE = 0x7FFFFFFE;
 /** Most steps between the smallest and the largest level of quantised values: levels 0 .. QUANTISED_STEPS. */
 inline constexpr std::int32_t QUANTISED_STEPS = 65535;
 
-/** Where the affine of a volume comes from. */
-enum class Affine_Source { SFORM, QFORM, SPACING };
+/** Where the affine of a volume comes from. QFORM: a rotation and an offset of the file, or DICOM's positions and
+ * directions. SPACING: the file does not say how the patient lies, and the affine holds the voxel sizes alone. CHOSEN:
+ * the user said it. */
+enum class Affine_Source { SFORM, QFORM, SPACING, CHOSEN };
 
 /** How grey values become brightness between a window's ends. */
 enum class Window_Function {
@@ -73,13 +75,16 @@ struct Volume {
     double slope = 1;         ///< grey = level * slope + intercept; may be negative, not 0
     double intercept = 0;
     double max_error = 0;  ///< grey of a level is at most this far from the file's value (see Level_Builder); 0: exact
-    std::uint64_t nonfinite_nb = 0;    ///< values that were no number or infinite; they have the level LEVEL_OUTSIDE
-    std::int32_t level_min = 0;        ///< smallest level present but LEVEL_OUTSIDE; colour: smallest component
-    std::int32_t level_max = 0;        ///< largest level present but LEVEL_OUTSIDE; colour: largest component
+    std::uint64_t nonfinite_nb = 0;  ///< values that were no number or infinite; they have the level LEVEL_OUTSIDE
+    std::uint64_t outlier_nb = 0;    ///< values far from all others (see Value_Range_Find); they too are LEVEL_OUTSIDE
+    double outlier_lowest = 0;       ///< grey: the smallest of those; 0 without any
+    double outlier_highest = 0;      ///< grey: the largest
+    std::int32_t level_min = 0;      ///< smallest level present but LEVEL_OUTSIDE; colour: smallest component
+    std::int32_t level_max = 0;      ///< largest level present but LEVEL_OUTSIDE; colour: largest component
     std::vector<std::int32_t> levels;  ///< nx * ny * nz * nt values, at most LEVEL_LARGEST, or LEVEL_OUTSIDE
     Stored_Geometry stored;
     bool is_inverted = false;  ///< to be shown with small greys bright; levels and greys are the file's all the same
-    std::string encoding;      ///< how the file holds the voxels, for people ("Little Endian Explicit"); may be empty
+    std::string encoding;      ///< what the file is: "NIfTI-1, little-endian"; DICOM's transfer syntax; empty: not told
     std::string place_source;  ///< where positions and directions come from, for people; may be empty
     std::vector<Display_Window> windows;  ///< that the file proposes, in its order; mostly none
 

@@ -15,4 +15,19 @@ TEST(Message_Text, SeparatesThousandsAndChoosesUnits) {
     EXPECT_EQ(Size_Text(1048575), "1,023.9 KiB");
 }
 
+TEST(Message_Text, bytes_of_a_file_become_valid_text) {
+    EXPECT_EQ(Printable_Text("plain \xC3\xA4 \xE2\x82\xAC \xF0\x9F\x98\x80"),
+              "plain \xC3\xA4 \xE2\x82\xAC \xF0\x9F\x98\x80");
+    EXPECT_EQ(Printable_Text("M\xFCller\n"), "M\xEF\xBF\xBDller ");
+    EXPECT_EQ(Printable_Text("\xED\xA0\x80"), "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD") << "half a pair";
+    EXPECT_EQ(Printable_Text("\xC0\x80"), "\xEF\xBF\xBD\xEF\xBF\xBD") << "longer than needed";
+    EXPECT_EQ(Printable_Text("cut \xE2\x82"), "cut \xEF\xBF\xBD\xEF\xBF\xBD");
+}
+
+TEST(Message_Text, values_have_six_digits_in_every_language) {
+    EXPECT_EQ(Value_Text(0.1), "0.1");
+    EXPECT_EQ(Value_Text(-1234567), "-1.23457e+06");
+    EXPECT_EQ(Value_Text(1e300), "1e+300");
+}
+
 }  // namespace

@@ -96,14 +96,15 @@ TEST(Nifti_Reader, KeepsTheValuesOfIntegersThatFit) {
 
 TEST(Nifti_Reader, QuantisesIntegersThatDoNotFit) {
     Check_Type<std::int32_t>({8, "int32", {0, 5000, 1000000, LEVEL_LARGEST + 1}, false});
-    Check_Type<std::uint32_t>({768, "uint32", {0, 5000, 1000000, 4294967295U}, false});
-    Check_Type<std::int64_t>({1024, "int64", {0, -7, 1234567890123, std::numeric_limits<std::int64_t>::min()}, false});
+    Check_Type<std::uint32_t>({768, "uint32", {0, 5000, 1000000, 4000000000U}, false});
+    Check_Type<std::int64_t>(
+        {1024, "int64", {0, -7, 1234567890123456789, std::numeric_limits<std::int64_t>::min() + 1}, false});
     Check_Type<std::int64_t>({1024,
                               "int64",
                               {3, std::numeric_limits<std::int64_t>::max(), std::numeric_limits<std::int64_t>::min()},
                               false});
     Check_Type<std::uint64_t>(
-        {1280, "uint64", {0, 7, 1234567890123, std::numeric_limits<std::uint64_t>::max()}, false});
+        {1280, "uint64", {0, 7, 1234567890123456789, std::numeric_limits<std::uint64_t>::max() - 1}, false});
 }
 
 TEST(Nifti_Reader, QuantisesRealNumbers) {

@@ -75,6 +75,10 @@ TEST(Value_Outliers, a_bright_spot_within_the_scale_stays) {
     EXPECT_EQ(Range_Of(values).outlier_nb, 0U);
 }
 
+TEST(Value_Outliers, two_near_values_do_not_make_the_others_far) {
+    EXPECT_EQ(Range_Of({-1000.5, 3071.25, 12.125, 13.0}).outlier_nb, 0U);
+}
+
 TEST(Value_Outliers, nothing_and_one_value) {
     EXPECT_EQ(Value_Range_Find({}).outlier_nb, 0U);
     EXPECT_EQ(Range_Of({5}).lowest, 5);

@@ -1,0 +1,30 @@
+#!/usr/bin/env python3
+"""Writes image files and what independent programs read in them: make_files.py FOLDER (see witness.py)"""
+import importlib.util
+import os
+import shutil
+import sys
+
+sys.dont_write_bytecode = True
+
+import nifti_files
+from witness import Witness
+
+LEAST_FILES = 300
+
+
+def main(folder):
+    shutil.rmtree(folder, ignore_errors=True)
+    witness = Witness(folder)
+    nifti_files.make(witness)
+    if importlib.util.find_spec("pydicom"):
+        import dicom_files
+
+        dicom_files.make(witness)
+    witness.close()
+    print("%d items in %d files" % (witness.item_nb, witness.file_nb))
+    return 0 if witness.file_nb >= LEAST_FILES else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main(os.path.abspath(sys.argv[1])))
