@@ -79,12 +79,13 @@ TEST_F(Panel_Place, a_panel_of_any_size_paints_in_itself_and_its_widgets_only) {
                 const Tools* const widgets[] = {&panel.panel_box,  &panel.vertical,    &panel.horizontal,
                                                 &panel.select_all, &panel.select_none, &panel.warning[0],
                                                 &panel.warning[1]};
+                const Window_Picture picture = Pixels();
                 int astray = 0;
                 for (int y = 0; y < PANEL_HEIGHT; ++y) {
                     for (int x = 0; x < PANEL_WIDTH; ++x) {
                         const bool inside = std::any_of(std::begin(widgets), std::end(widgets),
                                                         [&](const Tools* widget) { return Is_In(*widget, x, y); });
-                        astray += !inside && Pixel(x, y) != MARKER ? 1 : 0;
+                        astray += !inside && picture.At(x, window.Row(y)) != MARKER ? 1 : 0;
                     }
                 }
                 ASSERT_EQ(astray, 0) << width << " x " << height << ", mode " << mode;
