@@ -2,18 +2,26 @@
 
 #include "kits/common/text_conversion.h"
 
-int Character_Bytes(const char* text) {
+int Character_Bytes_In(unsigned int code_page, const char* text) {
     const auto lead = static_cast<unsigned char>(text[0]);
     if (lead < 0x80) {
         return lead == 0 ? 0 : 1;
     }
-    if (::GetACP() == CP_UTF8) {
+    if (code_page == CP_UTF8) {
         return Utf8_Character_Bytes(text);
     }
-    if (::IsDBCSLeadByteEx(CP_ACP, lead) == FALSE) {
+    if (::IsDBCSLeadByteEx(code_page, lead) == FALSE) {
         return 1;
     }
     return text[1] == 0 ? 0 : 2;
+}
+
+int Character_Bytes(const char* text) {
+    return Character_Bytes_In(::GetACP(), text);
+}
+
+bool Code_Page_Is_Utf8() {
+    return ::GetACP() == CP_UTF8;
 }
 
 int Wide_Of_Character(const char* text, int bytes, wchar_t* out) {

@@ -18,6 +18,18 @@ COLORREF Ink(const Colors& ground, int percent) {
     return RGB(part(ground.red), part(ground.green), part(ground.blue));
 }
 
+/** The font turned so that it reads upwards. */
+Gdi_Font Turned(HFONT font) {
+    LOGFONTA description = {};
+    if (::GetObjectA(font, sizeof description, &description) == 0) {
+        return {};
+    }
+    constexpr LONG quarter_turn = 900;  // tenths of a degree, counterclockwise
+    description.lfEscapement = quarter_turn;
+    description.lfOrientation = quarter_turn;
+    return Gdi_Font(::CreateFontIndirectA(&description));
+}
+
 }  // namespace
 
 struct Axis_Painter::Data {
@@ -25,6 +37,7 @@ struct Axis_Painter::Data {
     Saved_DC saved;
     Gdi_Font made;
     HFONT font;
+    Gdi_Font turned;
     Selected_Object selected;
     TEXTMETRICA metrics = {};
     COLORREF text_color;
@@ -35,6 +48,7 @@ struct Axis_Painter::Data {
           saved(into),
           made(box.font == nullptr ? Y_Create_Font(box.window, box.font_name, box.font_weight, font_height) : nullptr),
           font(box.font != nullptr ? box.font : made.Get()),
+          turned(Turned(font)),
           selected(into, font),
           text_color(Ink(box.color, 85)),
           line_color(Ink(box.color, 60)) {
@@ -65,6 +79,11 @@ int Axis_Painter::Width(const std::string& text) const {
     return size.cx;
 }
 
+int Axis_Painter::Width_Upwards(const std::string& text) const {
+    const Selected_Object selected(data->dc, data->turned.Get());
+    return std::max(Width(text), 0);
+}
+
 void Axis_Painter::Paint(const Axis_Layout& layout) const {
     const Gdi_Brush brush(::CreateSolidBrush(data->line_color));
     for (const Plot_Rect& line : layout.lines) {
@@ -72,23 +91,16 @@ void Axis_Painter::Paint(const Axis_Layout& layout) const {
         ::FillRect(data->dc, &rect, brush.Get());
     }
     ::SetTextColor(data->dc, data->text_color);
+    const RECT cut = {layout.box.left, layout.box.top, layout.box.right, layout.box.bottom};  // letters have overhangs
     for (const Plot_Label& label : layout.labels) {
+        if (label.upwards && !data->turned) {
+            continue;
+        }
         wchar_t wide[text_max];
         const auto length = static_cast<UINT>(std::max(0, Char_2_Wchar(label.text.c_str(), wide, text_max)));
-        if (!label.upwards) {
-            ::ExtTextOutW(data->dc, label.rect.left, label.rect.top, 0, nullptr, wide, length, nullptr);
-            continue;
-        }
-        LOGFONTA description = {};
-        if (::GetObjectA(data->font, sizeof description, &description) == 0) {
-            continue;
-        }
-        constexpr LONG quarter_turn = 900;  // tenths of a degree, counterclockwise
-        description.lfEscapement = quarter_turn;
-        description.lfOrientation = quarter_turn;
-        const Gdi_Font turned(::CreateFontIndirectA(&description));
-        const Selected_Object selected(data->dc, turned.Get());
-        ::ExtTextOutW(data->dc, label.rect.left, label.rect.bottom, 0, nullptr, wide, length, nullptr);
+        const Selected_Object selected(data->dc, label.upwards ? data->turned.Get() : data->font);
+        ::ExtTextOutW(data->dc, label.rect.left, label.upwards ? label.rect.bottom : label.rect.top, ETO_CLIPPED, &cut,
+                      wide, length, nullptr);
     }
 }
 

@@ -5,8 +5,10 @@
 #include <cstdio>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 #include "host/kit_widgets.h"
+#include "kits/common/text_conversion.h"
 #include "kits/widgets/axis.h"
 #include "kits/widgets/painter.h"
 #include "kits/widgets/shown_widgets_note.h"
@@ -28,6 +30,7 @@ constexpr int virtual_shift = 0x10;
 constexpr int virtual_control = 0x11;
 constexpr int first_printable = 32;
 constexpr int last_byte = 0xFF;
+constexpr int first_beyond_ascii = 0x80;
 
 constexpr unsigned int style_edit = STYLE_EDIT_OPEN;                     ///< the bit that makes an editor of it
 constexpr unsigned int style_live = STYLE_EDIT_LIVE & ~STYLE_EDIT_OPEN;  ///< yields its text after every key
@@ -172,29 +175,37 @@ bool Clipboard_Key(Text_Edit* edit, int key) {
     }
 }
 
-/** Inserts a typed character: a byte of the system's code page, or a code point beyond it. */
-void Type(Text_Edit* edit, int key) {
-    if (key <= last_byte) {
-        const char byte = static_cast<char>(static_cast<unsigned char>(key));
-        edit->Insert({&byte, 1});
-    } else if (key < KEY_SPECIAL || key > KEY_SPECIAL + last_byte) {
-        edit->Insert_Code_Point(static_cast<std::uint32_t>(key));
+/** Inserts a typed character: a byte of the system's code page, or a code point beyond its single bytes.
+ *  @param first the first byte of a character whose second one is still to come, 0 for none; renewed */
+void Type(Text_Edit* edit, int key, char* first) {
+    const char before = std::exchange(*first, '\0');
+    if (key >= KEY_SPECIAL && key <= KEY_SPECIAL + last_byte) {
+        return;
     }
+    // No single key makes a character of UTF-8 byte by byte: it comes whole.
+    if (key > last_byte || (key >= first_beyond_ascii && Code_Page_Is_Utf8())) {
+        edit->Insert_Code_Point(static_cast<std::uint32_t>(key));
+        return;
+    }
+    const char byte = static_cast<char>(static_cast<unsigned char>(key));
+    const char typed[] = {before != 0 ? before : byte, before != 0 ? byte : '\0', '\0'};
+    if (Character_Bytes(typed) == 0) {
+        *first = byte;
+        return;
+    }
+    edit->Insert(typed);
 }
 
 }  // namespace
 
 int Texts::Init(HWND init_window) {
-    if (init_window != nullptr) {
-        window = init_window;
-    }
     finished = false;
     key_seen = false;
     selecting = false;
+    typed_first = 0;
     caret = place_unset;
     anchor = place_unset;
-    Count_Init();
-    return 1;
+    return Widget_Init(*this, init_window);
 }
 
 void Texts::Draw() {
@@ -324,7 +335,9 @@ void Texts::Input(int key) {
     Text_Edit edit(text, TEXTS_SIZE, caret, anchor);
     if (!Edit_Key(&edit, code, Input_Key_Held(virtual_shift), Input_Key_Held(virtual_control)) &&
         !Clipboard_Key(&edit, code) && code >= first_printable) {
-        Type(&edit, code);
+        Type(&edit, code, &typed_first);
+    } else {
+        typed_first = 0;
     }
     caret = static_cast<short>(edit.Caret());
     anchor = static_cast<short>(edit.Anchor());

@@ -303,12 +303,13 @@ TEST_P(Texts_Test, long_texts_are_cut_at_the_fields_size) {
     EXPECT_EQ(std::string(TEXTS_SIZE - 1, 'k'), Finished());
     std::string accents = "k";
     for (int i = 0; i < 600; ++i) {
-        accents += "\xC3\xA9";
+        accents += "\xC3\xA9";  // one letter in UTF-8, two in a Western page
     }
     field.Read("%s", accents.c_str());
     EXPECT_EQ(accents.substr(0, TEXTS_SIZE - 1), Finished());
     field.Read("k%s", accents.c_str());
-    EXPECT_EQ("k" + accents.substr(0, TEXTS_SIZE - 3), Finished());  // no half character
+    const std::size_t half = Character_Length("\xC3\xA9", 0) == 2 ? 1 : 0;
+    EXPECT_EQ("k" + accents.substr(0, TEXTS_SIZE - 2 - half), Finished());  // no half character
     clipboard = many;
     field.Read("ab");
     field.Input(22);
@@ -341,13 +342,26 @@ TEST_P(Texts_Test, special_keys_without_a_meaning_are_ignored) {
 TEST_P(Texts_Test, characters_beyond_ascii_are_deleted_whole) {
     field.Read("x");
     field.Input(KEY_END);
-    Type("\xC3\xA9");     // byte by byte, as a code page of whole characters delivers them
-    field.Input(0x20AC);  // as a code point
+    field.Input(0xE9);    // a byte of a Western page, and the number of the same letter elsewhere
+    field.Input(0x20AC);  // a number
     Type("y");
     field.Input(KEY_BACKSPACE);
     field.Input(KEY_BACKSPACE);
+#if defined(_WIN32)
+    EXPECT_EQ("x\xE9", Finished());
+#else
     EXPECT_EQ("x\xC3\xA9", Finished());
+#endif
 }
+
+#if defined(_WIN32)
+TEST_P(Texts_Test, neighbours_that_look_like_utf8_are_deleted_one_by_one) {
+    field.Read("x\xDF\x96");
+    field.Input(KEY_END);
+    field.Input(KEY_BACKSPACE);
+    EXPECT_EQ("x\xDF", Finished());
+}
+#endif
 
 TEST_P(Texts_Test, caret_is_painted_behind_the_text_and_follows_the_keys) {
     field.Read("mmm");
