@@ -63,8 +63,8 @@ inline constexpr int MOUSE_RIGHT = 0x40;   ///< right button held
 
 ///@{
 /** Key codes of characters are the characters themselves: bytes of the system's code page, one key code after the other
- * in a double-byte page. A character without a single byte in that page (all beyond 127 in UTF-8) has its UTF-16 number
- * as key code, where that is not one of the numbers of KEY_SPECIAL. */
+ * in a double-byte page. A character without a single byte in that page (all beyond 127 in UTF-8) has its UTF-16
+ * numbers as key codes, one after the other, where that is not one of the numbers of KEY_SPECIAL. */
 inline constexpr int KEY_ESCAPE = 27;
 inline constexpr int KEY_ENTER = 13;
 inline constexpr int KEY_TAB = 9;
@@ -376,7 +376,7 @@ class KIT_WIDGETS_API Texts : public Tools {
     bool finished = false;
     bool key_seen = false;
     bool selecting = false;
-    char typed_first = 0;  ///< first byte of a character whose second one is still to come, 0 for none
+    unsigned short typed_first = 0;  ///< first key code of a character whose second one is still to come, 0 for none
 };
 
 /** A static label. */

@@ -26,6 +26,11 @@ KIT_COMMON_API bool Code_Page_Is_Utf8();
 #if defined(_WIN32)
 /** Character_Bytes in the code page of that number. */
 KIT_COMMON_API int Character_Bytes_In(unsigned int code_page, const char* text);
+/** The number of the code page that texts are in: the system's. */
+KIT_COMMON_API unsigned int Code_Page();
+/** Another page in place of the system's, 0: the system's again. Tests walk through pages that their machine has not.
+ */
+KIT_COMMON_API void Code_Page_Set(unsigned int code_page);
 #endif
 
 /** Character_Bytes for UTF-8. */

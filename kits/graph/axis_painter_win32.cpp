@@ -37,7 +37,7 @@ struct Axis_Painter::Data {
     Saved_DC saved;
     Gdi_Font made;
     HFONT font;
-    Gdi_Font turned;
+    Gdi_Font turned;  // made for the first text that reads upwards: only one of the axes has any
     Selected_Object selected;
     TEXTMETRICA metrics = {};
     COLORREF text_color;
@@ -48,7 +48,6 @@ struct Axis_Painter::Data {
           saved(into),
           made(box.font == nullptr ? Y_Create_Font(box.window, box.font_name, box.font_weight, font_height) : nullptr),
           font(box.font != nullptr ? box.font : made.Get()),
-          turned(Turned(font)),
           selected(into, font),
           text_color(Ink(box.color, 85)),
           line_color(Ink(box.color, 60)) {
@@ -59,6 +58,14 @@ struct Axis_Painter::Data {
         ::SetTextAlign(dc, TA_LEFT | TA_TOP | TA_NOUPDATECP);
         ::SetBkMode(dc, TRANSPARENT);
         ::GetTextMetricsA(dc, &metrics);
+    }
+
+    /** Null without memory. */
+    HFONT Upwards() {
+        if (!turned) {
+            turned = Turned(font);
+        }
+        return turned.Get();
     }
 };
 
@@ -80,8 +87,8 @@ int Axis_Painter::Width(const std::string& text) const {
 }
 
 int Axis_Painter::Width_Upwards(const std::string& text) const {
-    const Selected_Object selected(data->dc, data->turned.Get());
-    return std::max(Width(text), 0);
+    const Selected_Object selected(data->dc, data->Upwards());
+    return Width(text);
 }
 
 void Axis_Painter::Paint(const Axis_Layout& layout) const {
@@ -93,12 +100,13 @@ void Axis_Painter::Paint(const Axis_Layout& layout) const {
     ::SetTextColor(data->dc, data->text_color);
     const RECT cut = {layout.box.left, layout.box.top, layout.box.right, layout.box.bottom};  // letters have overhangs
     for (const Plot_Label& label : layout.labels) {
-        if (label.upwards && !data->turned) {
+        const HFONT font = label.upwards ? data->Upwards() : data->font;
+        if (label.upwards && font == nullptr) {
             continue;
         }
         wchar_t wide[text_max];
         const auto length = static_cast<UINT>(std::max(0, Char_2_Wchar(label.text.c_str(), wide, text_max)));
-        const Selected_Object selected(data->dc, label.upwards ? data->turned.Get() : data->font);
+        const Selected_Object selected(data->dc, font);
         ::ExtTextOutW(data->dc, label.rect.left, label.upwards ? label.rect.bottom : label.rect.top, ETO_CLIPPED, &cut,
                       wide, length, nullptr);
     }

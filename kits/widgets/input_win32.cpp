@@ -86,13 +86,13 @@ int System_Clipboard_Get(char* out, int size) {
 }
 
 int System_Clipboard_Set(const char* text) {
-    const int length = text != nullptr ? ::MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0) : 0;
+    const int length = text != nullptr ? ::MultiByteToWideChar(Code_Page(), 0, text, -1, nullptr, 0) : 0;
     if (length <= 0) {
         return 0;
     }
     Global_Memory memory(static_cast<SIZE_T>(length) * sizeof(wchar_t));
     if (auto* wide = static_cast<wchar_t*>(memory.Lock())) {
-        ::MultiByteToWideChar(CP_ACP, 0, text, -1, wide, length);
+        ::MultiByteToWideChar(Code_Page(), 0, text, -1, wide, length);
         memory.Unlock();
         const Open_Clipboard clipboard;
         if (clipboard && ::EmptyClipboard() != 0 && ::SetClipboardData(CF_UNICODETEXT, memory.Get()) != nullptr) {

@@ -34,7 +34,8 @@ int Character(std::uintptr_t code) {
     return code == control_backspace ? KEY_BACKSPACE : code <= 0xFF ? static_cast<int>(code) : 0;
 }
 
-/** A character that comes as UTF-16: its byte where the code page has one for it, else the number itself. */
+/** A number of UTF-16: the byte where the code page has one for the character, else the number itself. The halves of a
+ * pair are two key codes, and none where the code page is not UTF-8: no other one has such characters. */
 int Wide_Character(std::uintptr_t code) {
     constexpr std::uintptr_t first_beyond_ascii = 0x80;
     if (code < first_beyond_ascii) {
@@ -43,8 +44,11 @@ int Wide_Character(std::uintptr_t code) {
     const bool control = code < 0xA0;
     const bool surrogate = code >= 0xD800 && code < 0xE000;
     const bool taken_for_a_key = code >= KEY_SPECIAL && code <= KEY_SPECIAL + 0xFF;
-    if (control || surrogate || taken_for_a_key || code > 0xFFFF) {
+    if (control || taken_for_a_key || code > 0xFFFF) {
         return 0;
+    }
+    if (surrogate) {
+        return Code_Page_Is_Utf8() ? static_cast<int>(code) : 0;
     }
     const wchar_t unit = static_cast<wchar_t>(code);
     char bytes[BYTES_PER_CHARACTER] = {};

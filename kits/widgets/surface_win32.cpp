@@ -7,6 +7,7 @@
 #include <new>
 #include <string>
 
+#include "kits/common/text_conversion.h"
 #include "kits/widgets/device.h"
 #include "kits/widgets/surface.h"
 #include "kits/widgets/text_edit_core.h"
@@ -129,7 +130,8 @@ class Wide_Text {
             std::copy(text.begin(), text.end(), characters);
             length = static_cast<int>(text.size());
         } else {
-            length = ::MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), characters, wide_max);
+            length =
+                ::MultiByteToWideChar(Code_Page(), 0, text.data(), static_cast<int>(text.size()), characters, wide_max);
         }
     }
     const wchar_t* Data() const { return characters; }

@@ -32,6 +32,13 @@ constexpr int first_printable = 32;
 constexpr int last_byte = 0xFF;
 constexpr int first_beyond_ascii = 0x80;
 
+// UTF-16 has characters beyond 0xFFFF in two halves of ten bits each.
+constexpr int first_half = 0xD800;
+constexpr int second_half = 0xDC00;
+constexpr int last_half = 0xDFFF;
+constexpr int half_bits = 10;
+constexpr int first_of_pairs = 0x10000;
+
 constexpr unsigned int style_edit = STYLE_EDIT_OPEN;                     ///< the bit that makes an editor of it
 constexpr unsigned int style_live = STYLE_EDIT_LIVE & ~STYLE_EDIT_OPEN;  ///< yields its text after every key
 
@@ -175,22 +182,39 @@ bool Clipboard_Key(Text_Edit* edit, int key) {
     }
 }
 
-/** Inserts a typed character: a byte of the system's code page, or a code point beyond its single bytes.
- *  @param first the first byte of a character whose second one is still to come, 0 for none; renewed */
-void Type(Text_Edit* edit, int key, char* first) {
-    const char before = std::exchange(*first, '\0');
+bool Is_First_Half(int number) {
+    return number >= first_half && number < second_half;
+}
+
+/** Inserts a character that comes as one or two numbers of UTF-16. @param first as for Type */
+void Type_Wide(Text_Edit* edit, int number, unsigned short before, unsigned short* first) {
+    if (Is_First_Half(number)) {
+        *first = static_cast<unsigned short>(number);
+        return;
+    }
+    const bool joins = Is_First_Half(before) && number >= second_half && number <= last_half;
+    edit->Insert_Code_Point(static_cast<std::uint32_t>(
+        joins ? first_of_pairs + ((before - first_half) << half_bits) + (number - second_half) : number));
+}
+
+/** Inserts a typed character: a byte of the system's code page, or a number of UTF-16 beyond its single bytes.
+ *  @param first the first key code of a character whose second one is still to come, 0 for none; renewed */
+void Type(Text_Edit* edit, int key, unsigned short* first) {
+    const unsigned short before = std::exchange(*first, static_cast<unsigned short>(0));
     if (key >= KEY_SPECIAL && key <= KEY_SPECIAL + last_byte) {
         return;
     }
     // No single key makes a character of UTF-8 byte by byte: it comes whole.
     if (key > last_byte || (key >= first_beyond_ascii && Code_Page_Is_Utf8())) {
-        edit->Insert_Code_Point(static_cast<std::uint32_t>(key));
+        Type_Wide(edit, key, before, first);
         return;
     }
+    const bool second = before != 0 && before <= last_byte;
     const char byte = static_cast<char>(static_cast<unsigned char>(key));
-    const char typed[] = {before != 0 ? before : byte, before != 0 ? byte : '\0', '\0'};
+    const char typed[] = {second ? static_cast<char>(static_cast<unsigned char>(before)) : byte, second ? byte : '\0',
+                          '\0'};
     if (Character_Bytes(typed) == 0) {
-        *first = byte;
+        *first = static_cast<unsigned short>(key);
         return;
     }
     edit->Insert(typed);

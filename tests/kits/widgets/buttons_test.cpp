@@ -7,6 +7,7 @@
 
 #include "host/kit_widgets.h"
 #include "kits/widgets/theme.h"
+#include "tests/kits/widgets/other_code_page.h"
 #include "tests/kits/widgets/test_window.h"
 
 namespace {
@@ -159,6 +160,37 @@ TEST(ButtonCaption, CutNeverSplitsACharacter) {
     button.Set_Name("%s\xC3\xA9", std::string(37, 'x').c_str());
     EXPECT_EQ(std::string(button.name), std::string(37, 'x') + "\xC3\xA9");
 }
+
+#if defined(_WIN32)
+TEST(ButtonCaption, OfADoubleBytePageIsCutBetweenLetters) {
+    const Other_Code_Page japanese(PAGE_JAPANESE);
+    std::string letters;
+    for (int i = 0; i < 60; i++) {
+        letters += "\x83\x5C";  // the second byte is a letter of its own elsewhere
+    }
+    Buttons button;
+    button.Set_Name("%s", letters.c_str());
+    EXPECT_EQ(std::string(button.name), letters.substr(0, 38));
+    button.Set_Name("a%s", letters.c_str());
+    EXPECT_EQ(std::string(button.name), "a" + letters.substr(0, 38));
+    Tools tool;
+    tool.Set_Name("%s", letters.c_str());
+    EXPECT_EQ(std::string(tool.name), letters);
+    tool.Set_Name("%s%s", letters.c_str(), letters.c_str());
+    EXPECT_EQ(std::string(tool.name), (letters + letters).substr(0, TOOLS_NAME_SIZE - 2));
+}
+
+TEST(ButtonCaption, OfADoubleBytePageIsShortenedBetweenLettersWhereRoomIsShort) {
+    const Other_Code_Page japanese(PAGE_JAPANESE);
+    const std::string letters = "\x83\x5C\x83\x5C\x83\x5C";
+    const int whole = Text_Width(letters, {});
+    for (int room = 0; room < whole; room++) {
+        EXPECT_EQ(Text_Fit(letters, {}, room) % 2, 0U) << room;
+    }
+    EXPECT_EQ(Character_Before(letters, 6), 4U);
+    EXPECT_EQ(Character_Before(letters, 5), 4U);
+}
+#endif
 
 TEST(ButtonCaption, StaysCutInCopies) {
     Buttons original;

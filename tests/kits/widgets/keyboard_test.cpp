@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "host/kit_widgets.h"
+#include "tests/kits/widgets/other_code_page.h"
 
 namespace {
 constexpr unsigned int key_down = 0x100;
@@ -58,6 +59,25 @@ TEST(ParseKeyboard, CharactersOfAUnicodeWindowBecomeBytesOfTheCodePage) {
     EXPECT_EQ(Parse_Keyboard(wide, character, 0x821, 0), 0);   // would be taken for Page Up
     EXPECT_EQ(Parse_Keyboard(wide, character, 0x96, 0), 0);    // a control character there
     EXPECT_EQ(Parse_Keyboard(wide, character, 0x7F, 0), KEY_BACKSPACE);
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0xD83D, 0), 0);  // no page but UTF-8 has pairs
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0xDE00, 0), 0);
+    ::DestroyWindow(wide);
+}
+
+TEST(ParseKeyboard, CharactersOfAUnicodeWindowWithoutASingleByteKeepTheirNumbers) {
+    const HWND wide = ::CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    ASSERT_NE(wide, nullptr);
+    {
+        const Other_Code_Page japanese(PAGE_JAPANESE);
+        EXPECT_EQ(Parse_Keyboard(wide, character, 0x4E00, 0), 0x4E00);
+        EXPECT_EQ(Parse_Keyboard(wide, character, 0xFF71, 0), 0xB1);  // half width: a single byte
+        EXPECT_EQ(Parse_Keyboard(wide, character, 0xD83D, 0), 0);
+    }
+    const Other_Code_Page utf8(PAGE_UTF8);
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0xE9, 0), 0xE9);
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0x4E00, 0), 0x4E00);
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0xD83D, 0), 0xD83D);
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0xDE00, 0), 0xDE00);
     ::DestroyWindow(wide);
 }
 #endif
