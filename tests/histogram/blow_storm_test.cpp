@@ -42,6 +42,14 @@ Shown Shown_Y() {
     return {view.Visible_Y(), view.Y().full, histo_blow.area.bottom, histo_blow.area.height};
 }
 
+/** True when the unzoomed view cuts off a part of where the view stands: then the pixels stand for other data. */
+bool Is_Cut(const Blow_Direction& direction) {
+    const Blow_Range seen = direction.Visible(true);
+    const float end = direction.at.origin + static_cast<float>(direction.pixels) * direction.at.scale;
+    const float slack = 1e-3F * (seen.end - seen.start);
+    return direction.at.origin < seen.start - slack || end > seen.end + slack;
+}
+
 /** An origin is where the clamp leaves it: at the full start, or not so far up that a view of this extent passes the
  * end. New data may leave a view that is larger than they are. */
 void Expect_Origin_In_Limits(float origin, const Blow_Range& full, float extent) {
@@ -113,6 +121,8 @@ class Blow_Storm : public Blow_Stage {
         const bool turned = std::abs(histo_blow.wheel.Remainder() + delta) >= 120;
         const Shown before_x = Shown_X();
         const Shown before_y = Shown_Y();
+        const bool cut_x = Is_Cut(histo_blow.view.X());
+        const bool cut_y = Is_Cut(histo_blow.view.Y());
         SCOPED_TRACE("a notch");
         Wheel(delta, x, y);
         if (!turned || !over || !Can_Zoom()) {
@@ -124,8 +134,12 @@ class Blow_Storm : public Blow_Stage {
                                 view.X().at.scale * static_cast<float>(Shown_X().pixels));
         Expect_Origin_In_Limits(view.Y().at.origin, view.Y().full,
                                 view.Y().at.scale * static_cast<float>(Shown_Y().pixels));
-        Expect_Fixed(before_x, Shown_X(), x);
-        Expect_Fixed(before_y, Shown_Y(), y);
+        if (!cut_x) {
+            Expect_Fixed(before_x, Shown_X(), x);
+        }
+        if (!cut_y) {
+            Expect_Fixed(before_y, Shown_Y(), y);
+        }
     }
     void Expect_Fixed(const Shown& before, const Shown& now, int pixel) {
         if (before.Is_Empty() || now.pixels != before.pixels || now.Is_At_Limit() || !before.Contains(pixel)) {
