@@ -18,8 +18,7 @@
 #include <cstdint>
 #include <utility>
 
-// ---------------------------------------------------------------------------------------------------------------------
-// objects
+// ---- objects
 
 /** An owned pen, brush, font, bitmap or region. */
 template <typename Handle>
@@ -68,8 +67,7 @@ using Gdi_Bitmap = Gdi_Object<HBITMAP>;
 using Gdi_Region = Gdi_Object<HRGN>;
 ///@}
 
-// ------------------------------------------------------------------------------------------------------------- device
-// contexts
+// ---- device contexts
 
 /** A memory device context. */
 class Memory_DC {
@@ -156,8 +154,7 @@ class Paint_DC {
     HDC dc = nullptr;
 };
 
-// ----------------------------------------------------------------------------------------------------------------------
-// guards
+// ---- guards
 
 /** Selects an object into a device context until the end of the scope. A null object selects nothing. */
 class Selected_Object {
@@ -256,8 +253,7 @@ class Rop_Guard {
     int before = 0;
 };
 
-// -------------------------------------------------------------------------------------------------------------- memory
-// picture
+// ---- memory picture
 
 /** A 32-bit picture in memory, top row first, that GDI draws into through its device context. */
 class Dib_Picture {

@@ -21,6 +21,7 @@ set(kit_public_headers
     database/tool_db_file.h
     database/tool_db_list.h
     histogram/histo_peak.h
+    histogram/histo_peaks.h
     histogram/tool_histo.h
     host/kit_common.h
     host/kit_dataset.h

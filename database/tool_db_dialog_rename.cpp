@@ -154,37 +154,67 @@ void Typed_Take(Rename_Dialog& rename) {
     }
 }
 
-void Key(Rename_Dialog& rename, UINT message, WPARAM wparam, LPARAM lparam) {
-    if (rename.entry.Select(1, 0, 0) == 0) {
-        return;
-    }
-    const int key = Parse_Dialog(rename.window, message, wparam, lparam);
-    if (key == 0) {
-        return;
-    }
-    rename.entry.Input(key);
-    Typed_Take(rename);
-}
-
 /** Types one character of UTF-16 as the entry takes it: by the bytes of the code page, or in UTF-8 by its number.
  *  Numbers that mean a key without a character, and those beyond 16 bits, cannot be typed. */
 void Character_Type(Texts& entry, wchar_t unit) {
     constexpr wchar_t FIRST_PRINTABLE = 32;
     constexpr wchar_t KEYS_FROM = KEY_SPECIAL;
     constexpr wchar_t KEYS_TO = KEY_SPECIAL + 0xFF;
-    if (unit < FIRST_PRINTABLE || (unit >= HIGH_SURROGATE_START && unit <= LOW_SURROGATE_END) || (unit >= KEYS_FROM && unit <= KEYS_TO)) {
+    if (unit < FIRST_PRINTABLE || (unit >= HIGH_SURROGATE_START && unit <= LOW_SURROGATE_END) ||
+        (unit >= KEYS_FROM && unit <= KEYS_TO)) {
         return;
     }
-    if (::GetACP() == CP_UTF8) {
+    const UINT page = ::GetACP();
+    if (page == CP_UTF8) {
         entry.Input(unit);
         return;
     }
     char bytes[4] = {};
     BOOL replaced = FALSE;
-    const int nb = ::WideCharToMultiByte(CP_ACP, 0, &unit, 1, bytes, sizeof bytes, nullptr, &replaced);
+    const int nb = ::WideCharToMultiByte(page, 0, &unit, 1, bytes, sizeof bytes, nullptr, &replaced);
     for (int i = 0; i < nb && replaced == FALSE; ++i) {
         entry.Input(static_cast<unsigned char>(bytes[i]));
     }
+}
+
+/** Types the characters that the system has made of the key that is being handled. They wait behind it in the queue, in
+ *  UTF-16 whatever the window's own messages can carry. Asking for the key's character anew would lose the accent that
+ *  the system keeps from one key to the next, and letters that are no single byte.
+ *  @return false when it made none */
+bool Waiting_Characters_Type(Rename_Dialog& rename) {
+    constexpr wchar_t CONTROL_BACKSPACE = 0x7F;
+    bool any = false;
+    for (MSG waiting; ::PeekMessageW(&waiting, rename.window, WM_CHAR, WM_DEADCHAR, PM_REMOVE | PM_NOYIELD) != FALSE;) {
+        if (waiting.message == WM_QUIT) {  // comes whatever is asked for, and is the message loop's
+            ::PostQuitMessage(static_cast<int>(waiting.wParam));
+            break;
+        }
+        any = true;
+        const auto unit = static_cast<wchar_t>(waiting.wParam);
+        if (waiting.message != WM_CHAR) {
+            continue;  // an accent: the system puts it on the next letter
+        }
+        if (unit < L' ' || unit == CONTROL_BACKSPACE) {
+            rename.entry.Input(unit == CONTROL_BACKSPACE ? KEY_BACKSPACE : unit);
+        } else {
+            Character_Type(rename.entry, unit);
+        }
+    }
+    return any;
+}
+
+void Key(Rename_Dialog& rename, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (rename.entry.Select(1, 0, 0) == 0) {
+        return;
+    }
+    if (!Waiting_Characters_Type(rename)) {
+        const int key = Parse_Dialog(rename.window, message, wparam, lparam);
+        if (key == 0) {
+            return;
+        }
+        rename.entry.Input(key);
+    }
+    Typed_Take(rename);
 }
 
 /** Takes what an input method has composed: as UTF-16, whatever the window's own messages can carry. */

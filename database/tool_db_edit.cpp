@@ -171,7 +171,7 @@ void Stage_Draw(const Edit_Stage& stage) {
 }
 
 void Lines_Take_Away(const Edit_Stage& stage) {
-    if (!editor.lines_shown || editor.owner != stage.list_pt) {
+    if (!editor.lines_shown || editor.owner != stage.list_pt || editor.dragged_in != stage.box) {
         return;
     }
     const Tree_DC dc(*stage.box, "tool_db_edit::DB_Edit_Drag");
@@ -188,9 +188,9 @@ void Drag_Begin(const Edit_Stage& stage, std::vector<int>&& codes) {
     Lines_Take_Away(stage);
     Take_Over(stage.list_pt);
     editor.marks.dragged = std::move(codes);
-    db_drag.active = true;
-    db_drag.owner = stage.box;
+    editor.lines_shown = false;
     editor.dragged_in = stage.box;
+    db_drag.Begin(stage.box);
     Nodes_Draw(stage, editor.marks.dragged.data(), editor.marks.dragged.size(), true);
 }
 
@@ -215,16 +215,33 @@ void Children_Toggle(const Edit_Stage& stage, int record) {
     }
 }
 
-/** Whether an object is still the class that the dialog was opened for: the host may have taken it away while the
- * dialog was open, and have another one in its place. */
+/** Tells, after the host was called, whether a class object is still there: the host may have taken it away, and then
+ *  it may be no more. Asked of the host's tree; one that was not there before cannot be asked for and counts as there.
+ */
 template <class Classes>
-bool Is_Still(const typename Classes::Object* object, const char* name_before) {
+class Object_Watch {
+  public:
     using Object = typename Classes::Object;
-    if (!Class_Is_Below<Object>(Host_Pointer<Object>(Classes::ROOT), object, DB_LEVEL_MOST)) {
+    explicit Object_Watch(Object* watched) : object(watched), known(Is_In_Tree(watched)) {}
+    Object* Get() const { return object; }
+    bool Is_There() const { return !known || Is_In_Tree(object); }
+
+  private:
+    static bool Is_In_Tree(const Object* wanted) {
+        return Class_Is_Below<Object>(Host_Pointer<Object>(Classes::ROOT), wanted, DB_LEVEL_MOST);
+    }
+    Object* object;
+    bool known;
+};
+
+/** Whether an object is still the class that the dialog was opened for, and not another one in its place. */
+template <class Classes>
+bool Is_Still(const Object_Watch<Classes>& watch, const char* name_before) {
+    if (!watch.Is_There()) {
         return false;
     }
     char name[DIALOG_RENAME_SIZE];
-    Dialog_Text_Take(object->Name_Get(), name);
+    Dialog_Text_Take(watch.Get()->Name_Get(), name);
     return std::strcmp(name, name_before) == 0;
 }
 
@@ -239,7 +256,8 @@ void Rename(const Edit_Stage& stage, const DB_List& record) {
         char buffer[DIALOG_RENAME_SIZE] = {};
         const bool whole = Dialog_Text_Take(object->Name_Get(), before);
         std::memcpy(buffer, before, sizeof buffer);
-        if (Dialog_Rename(buffer) != RENAME_SAVED || !Is_Alive(stage.panel) || !Is_Still<Classes>(object, before)) {
+        const Object_Watch<Classes> watch(object);
+        if (Dialog_Rename(buffer) != RENAME_SAVED || !Is_Alive(stage.panel) || !Is_Still(watch, before)) {
             return;
         }
         if (!whole && std::strcmp(buffer, before) == 0) {
@@ -275,12 +293,12 @@ void Press(const Edit_Stage& stage, int up_down, const Edit_Hit& hit) {
 }
 
 /** Moves the objects of the dragged nodes below the object of a record. All objects are taken from the records before
- *  the first one is moved: then the host may build the records anew. @return false without memory: nothing was moved */
+ *  the first one is moved: then the host may build the records anew. It may also end objects that are still to be
+ * moved: those are left out. @return false without memory: nothing was moved */
 template <class Classes>
 bool Drop(const Edit_Stage& stage, const std::vector<int>& codes, int record) {
-    using Object = typename Classes::Object;
-    Object* const target = Object_Of<Classes>(stage.list_pt[record]);
-    std::vector<Object*> moved;
+    const Object_Watch<Classes> target(Object_Of<Classes>(stage.list_pt[record]));
+    std::vector<Object_Watch<Classes>> moved;
     try {
         moved.reserve(codes.size());
     } catch (const std::bad_alloc&) {
@@ -289,14 +307,17 @@ bool Drop(const Edit_Stage& stage, const std::vector<int>& codes, int record) {
     }
     for (const int code : codes) {
         if (stage.Has(Edit_Code_Record(code))) {
-            moved.push_back(Object_Of<Classes>(stage.list_pt[Edit_Code_Record(code)]));
+            moved.emplace_back(Object_Of<Classes>(stage.list_pt[Edit_Code_Record(code)]));
         }
     }
-    for (Object* const object : moved) {
-        if (object == nullptr || target == nullptr || !Class_Append(*object, *target)) {
+    bool called = false;
+    for (const Object_Watch<Classes>& object : moved) {
+        if (object.Get() == nullptr || target.Get() == nullptr ||
+            (called && !(object.Is_There() && target.Is_There())) || !Class_Append(*object.Get(), *target.Get())) {
             continue;
         }
-        Mark_Changed(*target);
+        Mark_Changed(*target.Get());
+        called = true;
         if (!Tell_Host<Classes>(stage.panel)) {
             break;  // with the panel the objects may have ended
         }
@@ -375,7 +396,7 @@ int DB_Edit_Draw(int mode, Boxs* box, int nb, DB_List* list_pt, Sliders* horizon
     DB_Slider_Fit(*horizontal, Edit_Width_Extent(extent.level_nb, space, box->width));
     Edit_Painter(dc.Get(), Edit_View_Of(*box, *horizontal, *vertical))
         .Diagram(mode, shown_nb, list_pt, Marks_Of(list_pt));
-    if (editor.owner == list_pt) {
+    if (editor.owner == list_pt && editor.dragged_in == box) {
         DB_Edit_Drag(nullptr, nb, list_pt, horizontal, vertical);
     }
     return has_nodes ? 1 : 0;

@@ -55,8 +55,7 @@ void Press(const DB_Tree_Point& at, Boxs* box, int nb, DB_List* list_pt, Sliders
             return;
         }
     }
-    db_drag.active = true;
-    db_drag.owner = box;
+    db_drag.Begin(box);
     if (getkey(VK_SHIFT) == 0) {
         db_drag.anchor_row = row;
     }
@@ -208,5 +207,8 @@ void DB_List_Forget(const DB_List* list_pt) {
 void DB_Drag_Forget(const Boxs* box) {
     if (db_drag.owner == box) {
         db_drag = {};
+    }
+    if (db_drag.left_in == box) {
+        db_drag.left_in = nullptr;
     }
 }

@@ -15,7 +15,18 @@ struct DB_Drag {
     DB_Tree_Point current;
     bool band_shown = false;  ///< a rubber band is on screen
     int band[4] = {};         ///< its left, bottom, right, top in the window's axis
+    const Boxs* left_in =
+        nullptr;  ///< tree that shows feedback of a drag that is no more, until it is drawn; compared only
 
+    /** A drag of another tree, whose release went astray, is lost: what it shows there is not this one's to erase. */
+    void Begin(const Boxs* tree) {
+        if (active && owner != tree) {
+            band_shown = false;
+            left_in = owner;
+        }
+        active = true;
+        owner = tree;
+    }
     /** Whether a drag goes on that began in this tree. */
     bool Is_Of(const Boxs* box) const { return active && owner == box; }
 };

@@ -162,6 +162,9 @@ int Tool_DB_List::Height(unsigned short row_nb) {
 }
 
 void Tool_DB_List::Tree_Draw() {
+    if (db_drag.left_in == &list_box) {
+        db_drag.left_in = nullptr;  // drawn over
+    }
     if (Is_Editor()) {
         DB_Edit_Draw(mode, &list_box, Nb(), List_Pt(), &horizontal, &vertical);
     } else {
@@ -271,6 +274,9 @@ bool Tool_DB_List::Slider_Takes(Sliders& slider, int up_down) {
 }
 
 int Tool_DB_List::Motion(int up_down) {
+    if (db_drag.left_in == &list_box) {
+        Tree_Draw();
+    }
     const bool own_drag = db_drag.Is_Of(&list_box);
     const bool ended = own_drag && up_down == 0;
     if (ended) {

@@ -22,7 +22,7 @@ struct DB_Rows {
     int nb = 0;                  ///< records
     DB_List* list_pt = nullptr;  ///< of DB_List_Append; null without records
     DB_Rows() = default;
-    ~DB_Rows();
+    KIT_PANELS_API ~DB_Rows();
     DB_Rows(const DB_Rows&) = delete;
     DB_Rows& operator=(const DB_Rows&) = delete;
 };
@@ -94,10 +94,10 @@ class KIT_PANELS_API Tool_DB_List {
     int mode = 0;                   ///< dimension and DB_MODE_* bits
 
     ///@{
-    /** The records, 0 and null without memory. */
+    /** The records, 0 and null without memory; also null while Nb() > 0. */
     int Nb() const { return rows != nullptr ? rows->nb : 0; }
-    DB_List* List_Pt() const { return rows != nullptr ? rows->list_pt : nullptr; }  ///< null also with Nb() > 0
-                                                                                    ///@}
+    DB_List* List_Pt() const { return rows != nullptr ? rows->list_pt : nullptr; }
+    ///@}
 
   protected:
     Panel_Life life;  ///< for operations that call out

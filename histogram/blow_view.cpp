@@ -44,21 +44,12 @@ bool Blow_Direction::Can_Show(const Blow_Step& step) const {
     return Is_Usable(step.scale) && std::isfinite(end) && step.origin < end;
 }
 
-Blow_Step Blow_Direction::Rectangle(int from, int to, bool zoomed) const {
+Blow_Step Blow_Direction::Rectangle(int from, int to) const {
     const auto inside = [this](int pixel) { return std::clamp(pixel, first, first + pixels); };
     const int low = inside(std::min(from, to));
     const int high = inside(std::max(from, to));
-    Blow_Step shown = at;
-    const Blow_Range visible = Visible(zoomed);
-    if (zoomed && visible.start < visible.end) {
-        shown.origin = visible.start;
-        constexpr float slack = 0.5F;  // of a pixel: less is rounding
-        if (shown.origin + (static_cast<float>(pixels) - slack) * shown.scale > visible.end) {
-            shown.scale = (visible.end - visible.start) / static_cast<float>(pixels);
-        }
-    }
-    return {shown.origin + static_cast<float>(low - first) * shown.scale,
-            shown.scale * static_cast<float>(high - low) / static_cast<float>(pixels)};
+    return {at.origin + static_cast<float>(low - first) * at.scale,
+            at.scale * static_cast<float>(high - low) / static_cast<float>(pixels)};
 }
 
 Blow_Step Blow_Direction::Wheel(float factor, int pointer) const {
@@ -109,8 +100,7 @@ bool Blow_View::Take(const Blow_Step& in_x, const Blow_Step& in_y) {
 bool Blow_View::Zoom_Rectangle(const Blow_Drag& drag) {
     if (Is_Empty() || std::abs(drag.x_end - drag.x_start) < BLOW_DRAG_MIN ||
         std::abs(drag.y_end - drag.y_start) < BLOW_DRAG_MIN ||
-        !Take(x_direction.Rectangle(drag.x_start, drag.x_end, zoomed),
-              y_direction.Rectangle(drag.y_start, drag.y_end, zoomed))) {
+        !Take(x_direction.Rectangle(drag.x_start, drag.x_end), y_direction.Rectangle(drag.y_start, drag.y_end))) {
         return false;
     }
     zoomed = true;

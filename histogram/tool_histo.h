@@ -2,6 +2,10 @@
  *  The histogram panel: the grey-level histogram of the selected frames of the current window, with TAG bands, a cursor
  * at the grey level under the image mouse, an enlarged window, automatic peak analysis and export to a text file.
  *
+ *  **An empty histogram paints nothing**, so what was painted before stays on the screen. When counts come or go
+ *  (nothing selected any more, a window closed, no frame with a histogram), the host calls Draw, which paints the empty
+ *  box; Update alone does not.
+ *
  *  The host constructs the panel, gives it a rectangle by Resize, and then forwards events and change flags. Everything
  * runs on the user-interface thread.
  */
@@ -25,7 +29,7 @@ inline constexpr float HISTO_SCALE_MAX = 1.0F;    ///< no magnification
 /** What a panel computed. Shared by the copies of a panel: recomputing in one is seen by the other; the last one frees
  * it.
  *
- *  A host reads it (histogram/histo_peak.h says what a peak is); pointers that it keeps are good until the next
+ *  A host reads it (histogram/histo_peaks.h gives the peaks as numbers); pointers that it keeps are good until the next
  *  computation or analysis. Everything is freed by `delete` and `delete[]` of the module, so only a program that shares
  *  its C++ run-time library may put a record of its own there. */
 struct KIT_PANELS_API Histo_Data {
@@ -118,9 +122,8 @@ class KIT_PANELS_API Tool_Histo : public Boxs {
      * without counts and while another analysis runs, else 1, whatever was found */
     int Fit_Derivative(unsigned char max_peak);
     /** Fits Gaussian peaks to the filtered curve. A second fit of the same counts may find other candidates: the place
-     * of the last one is kept for the whole process, and candidates closer than 15 bins behind it are passed over. A
-     * host that wants the same peaks again fits a curve of its own with one known peak before. @return as
-     * Fit_Derivative */
+     * of the last one is kept for the whole process, and candidates closer than 15 bins behind it are passed over.
+     * Histo_Fit_Repeatable (histogram/histo_peaks.h) gives the same peaks again. @return as Fit_Derivative */
     int Fit_Gaussian();
 
     Buttons blow_button;                       ///< current while the enlarged window is open, whichever panel it shows

@@ -45,13 +45,17 @@ int Analyse(const std::shared_ptr<Histo_Data>& panel_data, std::uint8_t componen
 
 }  // namespace
 
-void Peak_Source_Curve(const Histo_Record& record, std::uint8_t component, double* curve) {
+const std::uint32_t* Peak_Source_Counts(const Histo_Record& record, std::uint8_t component) {
     const std::array<const std::uint32_t*, 5> by_component = {record.counts_component0, record.counts_red,
                                                               record.counts_green, record.counts_blue, record.counts};
-    const std::uint32_t* counts = record.counts;
-    if ((record.flags & HISTO_COLOR) != 0) {
-        counts = component < by_component.size() ? by_component[component] : nullptr;
+    if ((record.flags & HISTO_COLOR) == 0) {
+        return record.counts;
     }
+    return component < by_component.size() ? by_component[component] : nullptr;
+}
+
+void Peak_Source_Curve(const Histo_Record& record, std::uint8_t component, double* curve) {
+    const std::uint32_t* counts = Peak_Source_Counts(record, component);
     for (int bin = 0; bin < record.nb_bins; ++bin) {
         curve[bin] = counts != nullptr ? static_cast<double>(counts[bin]) : 0.0;
     }
@@ -65,4 +69,11 @@ int Histo_Fit_Derivative(const std::shared_ptr<Histo_Data>& panel_data, std::uin
 
 int Histo_Fit_Gaussian(const std::shared_ptr<Histo_Data>& panel_data, std::uint8_t component) {
     return Analyse(panel_data, component, Peak_Fit_Prepare);
+}
+
+int Histo_Fit_Gaussian_First(const std::shared_ptr<Histo_Data>& panel_data, std::uint8_t component) {
+    return Analyse(panel_data, component, [](Histo_Data& data, int nb_bins, const double* curve) {
+        last_zero = 0;
+        Peak_Fit_Prepare(data, nb_bins, curve);
+    });
 }

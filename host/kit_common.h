@@ -1,5 +1,9 @@
 /** @file
- *  Kit_Common: messages, paths, text conversion and dense linear algebra that the host offers to the panels. */
+ *  Kit_Common: messages, paths, text conversion and dense linear algebra that the host offers to the panels.
+ *
+ *  Texts are zero-terminated and in the system's code page, which may have characters of several bytes, UTF-8 among
+ * them. None is kept beyond the call that it is given to, but for Prog_Name. Vectors and matrices hold memory of
+ * Kit_Common's own. */
 #pragma once
 
 #include <memory>

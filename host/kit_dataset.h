@@ -1,5 +1,16 @@
 /** @file
  *  Kit_Dataset: the host's shared state: named variables, update and redraw requests, data objects, iterators, frames.
+ *
+ *  Texts are zero-terminated and in the system's code page.
+ *
+ *  Lifetimes. Volumes, frames and class objects outlive the panel operation that uses them. Objects and files that a
+ * database panel shows live until the next change of structure is announced, and their texts do not change in place. A
+ * histogram record and its arrays stay valid until the iterator that led to its frame has ended.
+ *
+ *  Memory. What a panel stores in a variable for the host to keep (the labels in "$TAG_LABEL" and "$MARKER_LABEL")
+ * comes from malloc of the C runtime, and panels free the label that they replace: a host that fills these arrays
+ * itself uses malloc of the same C runtime (Variable_Set_Array_Text does). Texts of objects belong to the object and
+ * are copied.
  */
 #pragma once
 
@@ -121,10 +132,13 @@ inline constexpr int CLASS_MASK_2D = 0x2FFF;  ///< class mask of the plain 2D cl
 /** Opens an iterator over the data objects. @param who names the caller in reports, copied; @param object null.
  * @return a handle; 0 when 16 are open already. */
 KIT_DATASET_API unsigned short Iterator_Init(const char* who, Quorel* object);
-/** The next object that has a frame, in the order in which the host registered them; null at the end and for a handle
- * that is not open.
- *  @param handle from Iterator_Init; @param mask CLASS_MASK_2D; @param window the window whose frames are meant, or
- * All_Windows(); @param selected_only 1: only objects with the selection flag */
+/** The next object, in the order in which the host registered them; null at the end and for a handle that is not open.
+ * Passed over are objects without a frame of their own (volumes and classes), objects whose class code is of another
+ * dimension or has bits outside `mask`, objects that are not below the volume of `window` (at any depth, by their
+ * parent links; a window without a volume has none), and with `selected_only` those without FLAG_SELECTED in the
+ * selection's flag word. What the host selects or moves between two calls counts from the next call on.
+ *  @param handle from Iterator_Init; @param mask CLASS_MASK_2D; @param window the window whose frames are meant, null:
+ * none, or All_Windows(): all, also frames that no window shows; @param selected_only non-zero: only selected ones */
 KIT_DATASET_API Quorel_2D* Iterator_Class_2D(unsigned short handle, int mask, Quorel_Window* window, int selected_only);
 /** Closes an iterator; to be called after every pass. */
 KIT_DATASET_API void Iterator_End(unsigned short handle);
@@ -140,7 +154,8 @@ KIT_DATASET_API float Fct_GLI_2_Float(Quorel_2D* frame, int value);
 KIT_DATASET_API const char* Fct_Create_szFilter(int n, ...);
 /** Longest path, with its zero, that Fct_Save_FileName can write. */
 inline constexpr int FILE_NAME_SIZE = 32768;
-/** Asks for the name of a file to write. @param title of the dialog; @param filter from Fct_Create_szFilter;
+/** Asks for the name of a file to write, in a modal loop. @param title of the dialog; @param filter from
+ * Fct_Create_szFilter;
  * @param initial_name name to begin with; @param extension added to a name without one, without its dot; @param buffer
  * FILE_NAME_SIZE bytes, empty after a failure; @param flags 0. @return non-zero: confirmed, `buffer`
  * holds the path; 0: cancelled */
@@ -263,7 +278,9 @@ class Quorel_Tree : public Quorel {
      * done when memory is missing.
      *  @return 1, or 0 when refused, null or out of memory */
     int Child_Add(Class* object) { return Tree_Insert(child_nb, object); }
-    /** Inserts before `position` (clamped). Otherwise as Child_Add. */
+    /** Inserts before the child at `position` (clamped to 0 .. Child_Get_Nb()). The position counts the children as
+     * they stand before the call: a child of this object that moves back is counted at its old place too, so that it
+     * comes to stand one place lower. Otherwise as Child_Add. */
     int Child_Insert(int position, Class* object) { return Tree_Insert(position, object); }
     /** Unlinks; the object lives on. Its parent link is cleared when it still names this object. @return 1, or 0 when
      * there is no such child */
@@ -311,9 +328,15 @@ class KIT_DATASET_API Quorel_2D : public Quorel_Tree<Quorel_2D> {
 /** An image window. */
 class KIT_DATASET_API Quorel_Window : public Quorel {
   public:
-    Quorel_Window() { class_a = CLASS_WINDOW; }
+    Quorel_Window();
     ~Quorel_Window() override;
-    Quorel_2D* volume = nullptr;  ///< the volume whose frames the window shows, null when none; not owned
+    /** The volume whose frames the window shows, null when none; not owned. A destroyed volume leaves it by itself. */
+    Quorel_2D* volume = nullptr;
+
+  private:
+    friend class Quorel_2D;
+    static Quorel_Window* first;    ///< of all windows that exist
+    Quorel_Window* next = nullptr;  ///< the one made before
 };
 
 inline constexpr unsigned short HISTO_COLOR = 0x1;  ///< bit of Histo_Record::flags: the four component arrays exist
@@ -370,7 +393,7 @@ inline constexpr unsigned short FILE_FLAG_NO_ACCESS = 0x40;  ///< bit of a file'
 
 /** A loaded image file. Owned by the host application. */
 struct File_Record {
-    const char* path = nullptr;             ///< folders separated by either separator; code page of the system
+    const char* path = nullptr;             ///< folders separated by either separator; owned by the application
     int frame_nb = 0;                       ///< length of both arrays below
     Quorel_2D_Frame** frame = nullptr;      ///< frame_nb pointers, null entries allowed
     unsigned short* frame_flags = nullptr;  ///< frame_nb entries, FILE_FLAG_NO_ACCESS or 0

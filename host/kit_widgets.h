@@ -11,6 +11,13 @@
  * less, draws nothing and is never hit.
  *
  *  Events carry no position: the host sets YCursor_X and YCursor_Y (screen coordinates) before every event.
+ *
+ *  Texts. Captions, items, names of fonts and files, and edited texts are zero-terminated and in the system's code
+ * page, which may have characters of several bytes (UTF-8 and the double-byte pages). Every limit in bytes cuts at a
+ * whole character. Texts that a widget is given are copied; the font's name and weight are not: they must outlive it.
+ * What a widget hands out belongs to the widget.
+ *
+ *  Memory. A widget's images, items and texts are the widget's own, on the heap of Kit_Widgets: nobody else frees them.
  */
 #pragma once
 
@@ -55,7 +62,9 @@ inline constexpr int MOUSE_MIDDLE = 0x20;  ///< middle button held
 inline constexpr int MOUSE_RIGHT = 0x40;   ///< right button held
 
 ///@{
-/** Key codes of characters are the characters themselves. */
+/** Key codes of characters are the characters themselves: bytes of the system's code page, one key code after the other
+ * in a double-byte page. A character without a single byte in that page (all beyond 127 in UTF-8) has its UTF-16
+ * numbers as key codes, one after the other, where that is not one of the numbers of KEY_SPECIAL. */
 inline constexpr int KEY_ESCAPE = 27;
 inline constexpr int KEY_ENTER = 13;
 inline constexpr int KEY_TAB = 9;
@@ -102,7 +111,7 @@ struct KIT_WIDGETS_API Colors {
 // base class
 
 inline constexpr int TOOLS_NAME_SIZE = 128;    ///< bytes of a caption field, the terminating zero included
-inline constexpr int BUTTON_CAPTION_MAX = 39;  ///< longest caption of a button, characters
+inline constexpr int BUTTON_CAPTION_MAX = 39;  ///< longest caption of a button, bytes
 
 /** What all widgets share. Plain fields, set by the panel before Init. */
 class KIT_WIDGETS_API Tools {
@@ -125,8 +134,8 @@ class KIT_WIDGETS_API Tools {
 
     Tools() = default;
 
-    /** Makes the caption by printf rules; copied and cut at the field's length (39 characters for Buttons). Draws
-     * nothing. */
+    /** Makes the caption by printf rules; copied and cut at the field's length (39 bytes for Buttons), at a whole
+     * character. Draws nothing. */
     void Set_Name(const char* format, ...) KIT_PRINTF_FORMAT(2, 3);
     /** Sets red, green and blue; the fourth component is kept. */
     void Set_Color(unsigned char red, unsigned char green, unsigned char blue);
@@ -189,10 +198,11 @@ class KIT_WIDGETS_API Buttons : public Tools {
     int Init(HWND init_window);
     /** The image of its look, border, marks and caption; nothing while STYLE_EDITED without STYLE_GREYED. */
     void Draw();
-    /** Repaints the current and checked marks only. */
+    /** Repaints the current and checked marks only (and what a caption that reads upwards has there). */
     void Adjust();
     /** Feeds an event. Shows hover and press feedback. @return non-zero when the event falls on the button; 0 while
-     * inactive or being edited. MOUSE_ASK only asks; 0 only refreshes the button from its images. */
+     * inactive or being edited. MOUSE_ASK only asks. 0, the code of a mere motion, also refreshes the button when the
+     * image that it shows was painted into or `state` was set. */
     int Select(int up_down);
     /** Leaves the hover or pressed look; draws only when the look changes. */
     void Deselect();
@@ -209,13 +219,13 @@ class KIT_WIDGETS_API Sliders : public Tools {
     ///@{
     float value = 0.0F;    ///< pixels between minimum and maximum; 0 is at the visual top or left
     float minimum = 0.0F;  ///< pixels
-    float maximum = 1.0F;  ///< pixels; below the minimum the range is empty and the value stays as it is
+    float maximum = 1.0F;  ///< pixels; equal to the minimum: the value is that; below it: the value stays as it is
     float step = 1.0F;     ///< pixels of one notch of the wheel
     ///@}
 
     Sliders();
     /** As for every widget; also brings a value from outside minimum .. maximum back (unless the maximum lies below the
-     * minimum). So does Adjust. */
+     * minimum). So does Adjust. @return 1 */
     int Init(HWND init_window);
     /** Track and thumb; nothing with STYLE_SLIDER_HIDDEN. */
     void Draw();
@@ -225,12 +235,12 @@ class KIT_WIDGETS_API Sliders : public Tools {
     float Read();
     /** Feeds an event. A press: non-zero when it falls on the slider (starts a drag on the thumb, pages beside it). A
      * motion: non-zero only while the thumb is dragged; a drag ends by itself with the first motion without MOUSE_DRAG.
-     */
+     * A new value is not painted by itself: call Adjust (or Draw) after a non-zero result. */
     int Select(int up_down);
     /** Ends a drag and leaves the hover look; draws only when the look changes. */
     void Deselect();
     /** Adds notches x step, clamped to minimum .. maximum, and keeps the value. A slider that does not react and one
-     * with an empty range stay as they are. @return the value. Draws nothing. */
+     * whose maximum lies below the minimum stay as they are. @return the value. Draws nothing. */
     float Scroll(int notches);
     /** Sets the thumb's length: visible of total, in any one unit. A total of 0 or less gives a full thumb. */
     void Larg_Adjust(float visible, float total);
@@ -259,11 +269,12 @@ class KIT_WIDGETS_API Valuators : public Tools {
     ///@}
     /** The value after an event. */
     float Read();
-    /** As Sliders::Select: a press anywhere on the valuator takes the value there and starts a drag. */
+    /** As Sliders::Select: a press anywhere on the valuator takes the value there and starts a drag. Here too the new
+     * value is painted by the caller's Adjust. */
     int Select(int up_down);
     /** Ends a drag and leaves the hover look; draws only when the look changes. */
     void Deselect();
-    /** Adds notches x step, clamped, and keeps the value. @return the new value. Draws nothing. */
+    /** As Sliders::Scroll. @return the value. Draws nothing. */
     float Scroll(int notches);
 
   private:
@@ -298,11 +309,14 @@ class KIT_WIDGETS_API Selects : public Tools {
     void Draw();
     /** Repaints field and arrows. */
     void Adjust();
-    /** The item picked by the last event, or a negative number when it picked none. */
+    /** The item picked by the last event, or a negative number when it picked none. A pick does not move `current`: the
+     * panel stores it there when it takes it. */
     int Read();
-    /** Feeds an event. @return non-zero when a press falls on the list (an arrow picks at once; the field opens the
-     * drop list, and the operation returns when that is closed: by a pick, or without); 0 too when
-     * the list was destroyed while its drop list was open. MOUSE_ASK only asks whether the pointer is over the list. */
+    /** Feeds an event. @return non-zero when a press falls on the list (an arrow picks the item before or after
+     * `current` at once, without moving `current`; the field opens the drop list in a modal loop of its own, in which
+     * the host's windows get their messages, and the operation returns when that is closed: by a pick, or without); 0
+     * too when the list was destroyed while its drop list was open. MOUSE_ASK only asks whether the pointer is over the
+     * list. */
     int Select(int up_down);
     /** Leaves hover and pressed looks; draws only when a look changes. */
     void Deselect();
@@ -350,7 +364,7 @@ class KIT_WIDGETS_API Texts : public Tools {
      * field. */
     void Input(int key);
     /** The finished text, or null while editing goes on; with STYLE_EDIT_LIVE the current text after every key. The
-     * buffer is the field's own and may be written. */
+     * buffer, of TEXTS_SIZE bytes, is the field's own; it may be written and lives as long as the field. */
     char* Update();
     /** Clears the field's area before drawing. */
     void Cleanup();
@@ -362,6 +376,7 @@ class KIT_WIDGETS_API Texts : public Tools {
     bool finished = false;
     bool key_seen = false;
     bool selecting = false;
+    unsigned short typed_first = 0;  ///< first key code of a character whose second one is still to come, 0 for none
 };
 
 /** A static label. */
@@ -395,8 +410,8 @@ KIT_WIDGETS_API int getbutton(int button);
 /** Non-zero while a key is held. @param virtual_key for example VK_SHIFT or VK_CONTROL */
 KIT_WIDGETS_API int getkey(int virtual_key);
 
-/** Turns a key message into a key code; 0: none. Characters come from WM_CHAR, keys without a character from key-down
- * messages. */
+/** Turns a key message into a key code; 0: none. Characters come from WM_CHAR, as bytes of the code page or, in a
+ * Unicode window, as UTF-16; keys without a character come from key-down messages. */
 KIT_WIDGETS_API int Parse_Keyboard(HWND window, unsigned int message, std::uintptr_t wparam, std::intptr_t lparam);
 /** The same for a dialog, whose characters are translated from key-down messages. */
 KIT_WIDGETS_API int Parse_Dialog(HWND window, unsigned int message, std::uintptr_t wparam, std::intptr_t lparam);

@@ -60,7 +60,7 @@ int Label_Grid::Fitting(int count) const {
     return std::min(count, capacity);
 }
 
-// -------------------------------------------------------------------------------------------------------------- layout
+// ---- layout
 
 void Label_Grid::Slider_Set(const Label_Slider& scroll) {
     slider.style = scroll.needed ? STYLE_SLIDER_VERTICAL : STYLE_SLIDER_HIDDEN;
@@ -128,7 +128,7 @@ void Label_Grid::Relayout(int count) {
     Buttons_Lay_Out(count, [this](Buttons& button, int, const Label_Cell& cell) { Button_Place(button, cell); });
 }
 
-// ------------------------------------------------------------------------------------------------------------ painting
+// ---- painting
 
 void Label_Grid::Draw(int count) {
     frame.Draw();
@@ -166,7 +166,7 @@ void Label_Grid::Paint(int count, const Label_Change& change) {
     }
 }
 
-// -------------------------------------------------------------------------------------------------------------- events
+// ---- events
 
 void Label_Grid::Scroll_Apply(int count) {
     Buttons_Lay_Out(count, [this](Buttons& button, int, const Label_Cell& cell) {
@@ -209,7 +209,7 @@ void Label_Grid::Leave(int count) {
     slider.Deselect();
 }
 
-// ------------------------------------------------------------------------------------------------------------- editing
+// ---- editing
 
 Buttons* Label_Grid::Edited_Button(int count) {
     return edited < Button_Nb(count) ? &buttons[edited] : nullptr;

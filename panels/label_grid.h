@@ -55,7 +55,7 @@ class Label_Grid {
         return button.y >= visible_top && button.y <= visible_bottom && button.y != LABEL_NOWHERE;
     }
 
-    // ------------------------------------------------------------------------------------------------------ layout
+    // ---- layout
 
     /** Places everything in the host's box and makes it; an open edit ends. Every pass over the buttons, this one and
      *  those of Relayout and Scroll_Apply, makes those of complete rows for the panel's window and hides all others.
@@ -71,19 +71,19 @@ class Label_Grid {
     }
     /** Gives a button the host's fonts and border. */
     static void Button_Dress(Buttons& button, const Boxs& host);
-    /** Fits the slider to the number of labels, back at its bottom end, and lays the buttons out again. The grid box
-     *  stays as Resize left it, even if the slider came or went: kept on purpose. Paints nothing. */
+    /** Fits the slider to the number of labels, back at its bottom end, and lays the buttons out again. Paints nothing.
+     *  Contract: columns move by the host's Resize alone, also when the slider came or went. */
     void Relayout(int count);
 
-    // ------------------------------------------------------------------------------------------------------ painting
+    // ---- painting
 
     /** Frame, slider and visible buttons. */
     void Draw(int count);
-    /** Paints what changed. One mask for all: a difference in one button repaints every visible one. Kept on purpose.
-     */
+    /** Paints what changed, one mask for all.
+     *  Contract: hosts that painted over the panel get every visible button again, whichever of them differs. */
     void Paint(int count, const Label_Change& change);
 
-    // ------------------------------------------------------------------------------------------------------ events
+    // ---- events
 
     /** Puts the buttons where the slider's value says, their columns stay; the panel draws afterwards. */
     void Scroll_Apply(int count);
@@ -98,7 +98,7 @@ class Label_Grid {
     /** Takes every visible button and the slider out of hover and pressed looks. */
     void Leave(int count);
 
-    // ------------------------------------------------------------------------------------------------------ editing
+    // ---- editing
 
     /** The label whose editor is or was open. */
     int Edited() const { return edited; }

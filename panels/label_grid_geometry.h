@@ -2,8 +2,9 @@
  *  Where a grid of label buttons stands: pure numbers, no widget.
  *
  *  Pixels of a window whose y grows downwards; rectangles are half-open (x .. x + width - 1). The grid has four
- * columns; the top row holds the four highest labels, the bottom row labels 0 to 3. Only complete rows are laid out:
- * with a count that is not a multiple of four the lowest labels have no button. Kept on purpose.
+ * columns; the top row holds the four highest labels, the bottom row labels 0 to 3. Only complete rows are laid out.
+ *
+ * Contract: hosts ask for the height of count / 4 rows; the lowest labels of another count have no room, so no button.
  */
 #pragma once
 
@@ -68,8 +69,8 @@ struct Label_Layout {
 /** A number as 16 bits; beyond their range the nearest one that is not LABEL_NOWHERE. */
 std::int16_t Label_To_Short(int value);
 
-/** The slider for `count` labels in a frame. The margin in the comparison is twice the library's spacing, not the
- * margin of the slider itself: the two differ on purpose. */
+/** The slider for `count` labels in a frame.
+ *  Contract: hosts size panels to fit a full grid by twice the library's spacing, not by the slider's margin. */
 Label_Slider Label_Slider_Make(const Label_Dimensions& dimensions, int frame_height, int slider_height, int count);
 
 /** Lays out slider and grid in a host's box for `count` labels. */

@@ -15,7 +15,8 @@ Label_Dimensions Label_Dimensions_Read();
 template <class Panel>
 int Label_Click(Panel& panel, Label_Grid grid, int& current, int count, int up_down, HWND editor_window) {
     constexpr int RIGHT_PRESS_CODE = MOUSE_PRESS | MOUSE_RIGHT;
-    constexpr int FIRST_EDITABLE = 1;  // label 0 can never be edited in place, a right press picks it: kept on purpose
+    // Contract: hosts name label 0 themselves (of TAGs the background) and count on a right press to pick it.
+    constexpr int FIRST_EDITABLE = 1;
     constexpr int CURRENT_MASK = 0xFF;
     if ((up_down & MOUSE_PRESS) == 0) {
         return Label_Grid::NONE;  // a release, whichever buttons are still held
@@ -52,7 +53,7 @@ int Label_Motion(Panel& panel, Label_Grid grid, int count, int up_down) {
     return 1;
 }
 
-/** The pointer's position is not tested: kept on purpose. @return 1 */
+/** Contract: hosts pass the wheel on also while the pointer is elsewhere; its position is not tested. @return 1 */
 template <class Panel>
 int Label_Scroll(Panel& panel, Label_Grid grid, int count, int val) {
     grid.Edit_Cancel(count, false);
@@ -67,7 +68,7 @@ inline void Label_Leave(Label_Grid grid, int count) {
     grid.Leave(count);
 }
 
-// --------------------------------------------------------------------------------------------------- captions, colours
+// ---- captions, colours
 
 /** A caption as panels build it, before a button cuts it. */
 struct Label_Caption {
@@ -86,7 +87,7 @@ void Label_Color_Show(Buttons& button, std::uint32_t color, Label_Change& change
 /** Marks one button as current among the first `button_nb`. */
 void Label_Current_Show(Label_Grid& grid, int button_nb, int current, Label_Change& change);
 
-// ------------------------------------------------------------------------------------------------------ host's labels
+// ---- host's labels
 
 /** How a label that could not be copied is reported. */
 struct Label_Copy_Failure {

@@ -10,7 +10,8 @@ static_assert(Tool_Panel<Tool_Marker>);
 
 namespace {
 
-constexpr int MARKER_TRACE_LEVEL = TRACE_LEVEL - 1;  // unlike the other panels: kept on purpose, hosts filter by level
+// Contract: hosts that filter traces by their level tell this panel's from those of the others by it.
+constexpr int MARKER_TRACE_LEVEL = TRACE_LEVEL - 1;
 // Contract: hosts know the message by its line.
 constexpr Label_Copy_Failure COPY_FAILURE = {236, KIT_SOURCE_ROOT "/panels/tool_marker.cpp",
                                              "(*Marker_Label_Pt)[ID_Label_Cur]"};
@@ -32,8 +33,8 @@ bool Labels_Show(Label_Grid& grid, Label_Change& change) {
     return true;
 }
 
-/** The enable byte becomes the check mark as it is, not reduced to 0 or 1, and a change draws the whole button: kept on
- *  purpose. @return false when the array is missing */
+/** Contract: hosts with more than two enable values see each change drawn: the byte is the check mark, not reduced to 0
+ *  or 1, and the whole button is drawn. @return false when the array is missing */
 bool Enable_Show(Label_Grid& grid, Label_Change& change) {
     const int count = Count_Now();
     const auto* enable = Host_Pointer<const std::uint8_t>("$MARKER_ENABLE");

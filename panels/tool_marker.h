@@ -29,8 +29,8 @@ class KIT_PANELS_API Tool_Marker {
 
     /** @return the marker last picked by a click or announced by the host */
     int Read();
-    /** Lays everything out in the host's box, with captions, colours and the current mark. Check marks are taken over
-     *  only where the box asks for them: kept on purpose. @return 1 */
+    /** Lays everything out in the host's box, with captions, colours and the current mark.
+     *  Contract: a host whose box does not ask for check marks keeps those that the last Update brought. @return 1 */
     int Resize(Boxs* box);
     /** @return the height for `rows` rows of buttons, pixels */
     int Height(unsigned short rows);

@@ -111,7 +111,7 @@ Tool_Propagate::Tool_Propagate(const Tool_Propagate& other) = default;
 Tool_Propagate& Tool_Propagate::operator=(const Tool_Propagate& other) = default;
 
 int Tool_Propagate::Set(int (*fct)(void*, void*)) {
-    // Names the brush panel; kept, because logs of this module are searched for it.
+    // Contract: hosts search logs of this module for this line; it names the brush panel.
     Error_Fct(hwnd, TRACE_LEVEL, "in Tool_Brush::Set()");
     propagation = fct;
     return 1;
@@ -140,7 +140,7 @@ int Tool_Propagate::Propagate(int direction) {
         }
     }
     if (propagation == nullptr) {
-        // After the move on purpose: without a function the buttons still step through the volume.
+        // Contract: hosts without a function step through the volume by the buttons: the warning follows the move.
         Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 No function associated with propagate");
         return 0;
     }

@@ -22,7 +22,7 @@ int Count_Now() {
     return Host_Count("$TAG_NB");
 }
 
-// ------------------------------------------------------------------------------------------------ colours, captions
+// ---- colours, captions
 
 struct Tag_Colors {
     const std::uint16_t* red;
@@ -55,7 +55,7 @@ Label_Caption Threshold_Caption(float threshold) {
     return caption;
 }
 
-// ------------------------------------------------------------------------------------------------- steps of Update
+// ---- steps of Update
 
 void Check_Show(Buttons& button, bool checked, Label_Change& change) {
     const unsigned short mark = checked ? 1 : 0;
@@ -65,9 +65,8 @@ void Check_Show(Buttons& button, bool checked, Label_Change& change) {
     }
 }
 
-/** Greys a button or brings it back. The bits overlap with those of a button behind the editor, so an update during an
- *  edit may bring that button back, or find it greyed already: kept on purpose. The background is cleared only for
- *  greying. */
+/** Greys a button or brings it back. The background is cleared only for greying.
+ *  Contract: for hosts that announce during an edit the button behind the editor counts as greyed; it may come back. */
 void Activity_Show(Buttons& button, bool active, Label_Change& change) {
     const bool is_greyed = (button.style & STYLE_INACTIVE) != 0;
     if (!active && !is_greyed) {
@@ -87,7 +86,7 @@ struct Flag_Step {
     unsigned short grey_option;
     bool grey_when_set;  // otherwise greyed where the flag is 0
 };
-// Select and lock grey by the same option: where both are announced the later one decides. Kept on purpose.
+// Contract: hosts that announce select and lock together see lock, the later one: both grey by the same option.
 constexpr Flag_Step FLAG_STEPS[] = {
     {UPDATE_TAG_ENABLE, "$TAG_ENABLE", TAG_CHECK_ENABLE, TAG_GREY_DISABLED, false},
     {UPDATE_TAG_SELECT, "$TAG_SELECT", TAG_CHECK_SELECT, TAG_GREY_SELECTION, false},

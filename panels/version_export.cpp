@@ -31,7 +31,7 @@ char* Get_Version_Quorel_Tools(char* version) {
         return nullptr;
     }
     char name[name_size] = {};
-    // Never given back: kept on purpose, hosts count on it when they compare the memory of two versions.
+    // Contract: hosts that compare the memory of two versions count on this block; it is never given back.
     if (auto* path = static_cast<char*>(std::calloc(path_size, 1)); path != nullptr) {
         Module_File_Name(path, path_size);
         Generic_Name(path, name);

@@ -29,16 +29,6 @@ Application* the_application = nullptr;
 
 }  // namespace
 
-void Histogram_Base::Resize(Boxs* box) {
-    const float scale = histogram.scale;
-    Panel_Of<Tool_Histo>::Resize(box);
-    Scale_Set(scale);
-}
-
-void Histogram_Base::Scale_Set(float scale) {
-    histogram.scale = histogram.scale_valuator.value = std::clamp(scale, HISTO_SCALE_MIN, HISTO_SCALE_MAX);
-}
-
 Application::Application(const Command_Line& command_line)
     : options(command_line),
       class_history({[](const char* text) { return Utf8_Of_Wide(Wide_Of_Panel(text)); },

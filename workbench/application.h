@@ -22,6 +22,7 @@
 #include "workbench/database/class_history.h"
 #include "workbench/database/class_objects.h"
 #include "workbench/database/database_pane.h"
+#include "workbench/histogram_base.h"
 #include "workbench/host_variables.h"
 #include "workbench/image_view.h"
 #include "workbench/list_window.h"
@@ -44,19 +45,6 @@
 #include "workbench/volume_objects.h"
 #include "workbench/volumes/volume_statistics.h"
 #include "workbench/warning_banner.h"
-
-/** The histogram panel, whose magnification outlives a change of the layout. */
-class Histogram_Base : public Panel_Of<Tool_Histo> {
-  public:
-    Histogram_Base(Tool_Histo& hosted, std::function<int(Tool_Histo&)> wanted)
-        : Panel_Of<Tool_Histo>(hosted, std::move(wanted)), histogram(hosted) {}
-    void Resize(Boxs* box) override;
-    /** Share of the largest count that reaches the top of the plot. Paints nothing. */
-    void Scale_Set(float scale);
-
-  private:
-    Tool_Histo& histogram;
-};
 
 /** Lives from start to end of the program; there is one. */
 class Application : public Image_User, public Main_Window_User {

@@ -33,9 +33,9 @@ constexpr Gesture panel_keys[] = {
      L"Up, Down, Page Up, Page Down, Home, End: other row; Left, Right: close or open a branch; Space: "
      L"check the row; Delete (editor): take the class out"},
     {L"Rename a class",
-     L"letters, also those of an input method, and the keys of a text field; Enter, Escape and Tab do nothing there: "
-     L"the "
-     L"buttons are for the mouse. Characters beyond 16 bits (some rare Chinese ones, pictures) cannot be typed"},
+     L"letters, also those of an input method and those with an accent typed before them, and the keys of a text "
+     L"field; Enter, Escape and Tab do nothing there: the buttons are for the mouse. Characters beyond 16 bits (some "
+     L"rare Chinese ones, pictures), those of U+0800 to U+08FF and Alt with a number cannot be typed"},
     {L"0 to 9", L"pick the TAG of that number"},
     {L"Escape", L"closes the warning banner, the enlarged histogram and dialogs"},
 };

@@ -16,7 +16,7 @@ Matrix_NxM::Matrix_NxM(unsigned int columns, unsigned int rows, unsigned char /*
     data->values = Doubles_Zeroed(data->Count());
     if (data->values == nullptr && data->Count() != 0) {
         data->columns = data->rows = 0;
-        data->invalid = true;
+        data->invalid = data->unmade = true;
     }
 }
 
@@ -28,6 +28,7 @@ Matrix_NxM::Matrix_NxM(const Matrix_NxM& other) : Matrix_NxM(other.Columns(), ot
         std::memcpy(data->values.get(), other.data->values.get(), data->Count() * sizeof(double));
     }
     data->invalid = data->invalid || other.data == nullptr || other.data->invalid;
+    data->unmade = data->unmade || other.data == nullptr || other.data->unmade;
 }
 
 Matrix_NxM::Matrix_NxM(Matrix_NxM&& other) noexcept = default;
@@ -59,7 +60,7 @@ int Matrix_NxM::Invalid(int clear) {
     }
     const int invalid = data->invalid ? 1 : 0;
     if (clear != 0) {
-        data->invalid = false;
+        data->invalid = data->unmade;
     }
     return invalid;
 }

@@ -35,6 +35,7 @@ struct Matrix_NxM::Data {
     unsigned int columns = 0;
     unsigned int rows = 0;
     bool invalid = false;
+    bool unmade = false;  ///< there was no memory for its elements, or for those of the matrix it was copied from
 
     std::size_t Count() const { return std::size_t{columns} * rows; }
 };

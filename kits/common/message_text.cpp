@@ -40,7 +40,7 @@ void Split(const char* text, Take take) {
         while (*end != 0 && *end != STRONG_BEGIN && *end != RUN_END && !Is_Styled(end)) {
             ++end;
         }
-        if (end != text || style == Message_Style::Indented) {
+        if (end != text || (style == Message_Style::Indented && *end != RUN_END)) {
             take(style, text, static_cast<std::size_t>(end - text));
         }
         text = end;
@@ -59,12 +59,17 @@ void Split(const char* text, Take take) {
 std::vector<Message_Run> Message_Runs(const char* text) {
     std::vector<Message_Run> runs;
     Split(text, [&](Message_Style style, const char* begin, std::size_t count) {
-        if (!runs.empty() && runs.back().style == style && style != Message_Style::Indented) {
+        const bool indent_alone = !runs.empty() && runs.back().text.empty();
+        const bool joins = style != Message_Style::Indented || indent_alone;
+        if (!runs.empty() && runs.back().style == style && joins) {
             runs.back().text.append(begin, count);
         } else {
             runs.push_back({style, std::string(begin, count)});
         }
     });
+    if (!runs.empty() && runs.back().text.empty()) {
+        runs.pop_back();  // an indent that nothing follows
+    }
     return runs;
 }
 

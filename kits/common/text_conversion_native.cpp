@@ -9,6 +9,10 @@ int Character_Bytes(const char* text) {
     return Utf8_Character_Bytes(text);
 }
 
+bool Code_Page_Is_Utf8() {
+    return true;
+}
+
 int Wide_Of_Character(const char* text, int bytes, wchar_t* out) {
     constexpr std::uint32_t REPLACEMENT_CHARACTER = 0xFFFD;
     const auto lead = static_cast<unsigned char>(text[0]);

@@ -18,7 +18,7 @@ constexpr Counted COUNTED[] = {
      {"$TAG_RED", "$TAG_GRN", "$TAG_BLU", "$TAG_LABEL", "$TAG_ENABLE", "$TAG_SELECT", "$TAG_LOCK", "$TAG_THRESHOLD_MIN",
       "$TAG_THRESHOLD_MAX"}},
     {"$MARKER_NB", 64, {"$MARKER_COLOR", "$MARKER_ENABLE", "$MARKER_LABEL"}},
-    {"$BRUSH_NB", 8, {"$BRUSH_SIZE"}},
+    {"$BRUSH_NB", 8, {"$BRUSH_SIZE", "$BRUSH_PT"}},
     {"$DB_2D_FILE_NB", 65535, {"$DB_2D_FILE_PT"}},
 };
 

@@ -131,7 +131,8 @@ KIT_DATASET_API Histo_Grid Histo_Grid_Of_Levels(std::int32_t lowest, std::int32_
  *  @param mask width x height bytes: only the first slice of the first time counts, and of it only pixels whose byte is
  * not zero; null: all. Colour frames get all five arrays on 256 bins from 0 (`counts` and `counts_component0` count the
  * largest component).
- *  @return 1; 0 without levels, memory or a usable grid (the frame then has no histogram) */
+ *  @return 1; 0 without levels, with a dimension of 0, without memory, or with a grid outside what Histo_Grid says or
+ * not finite (the frame then has no histogram) */
 KIT_DATASET_API int Frame_Histogram_Build(Level_Frame* frame, const Histo_Grid& grid, const unsigned char* mask);
 /** Frees the record that Frame_Histogram_Build made; one of the application's is only forgotten. */
 KIT_DATASET_API void Frame_Histogram_Free(Quorel_2D_Frame* frame);

@@ -60,6 +60,11 @@ Record Record_Make(int nb_bins, float origin, float bin_width, bool color) {
     return complete ? std::move(record) : nullptr;
 }
 
+bool Is_Usable(const Histo_Grid& grid) {
+    return grid.nb_bins >= 1 && grid.nb_bins <= BIN_NB_MAX && std::isfinite(grid.origin) &&
+           std::isfinite(grid.bin_width) && grid.bin_width > 0.0F;
+}
+
 std::uint32_t Largest(const std::uint32_t* counts, int nb) {
     return counts != nullptr ? *std::max_element(counts, counts + nb) : 0;
 }
@@ -216,9 +221,9 @@ int Frame_Histogram_Build(Level_Frame* frame, const Histo_Grid& grid, const unsi
         return 0;
     }
     Frame_Histogram_Free(frame);
-    const bool usable =
-        frame->levels != nullptr && grid.nb_bins >= 1 && grid.nb_bins <= BIN_NB_MAX && grid.bin_width > 0.0F;
-    if (!usable) {
+    const bool has_levels =
+        frame->levels != nullptr && frame->width != 0 && frame->height != 0 && frame->slices != 0 && frame->times != 0;
+    if (!has_levels || !(frame->color || Is_Usable(grid))) {
         return 0;
     }
     Record record = frame->color ? Build_Color(*frame, mask) : Build_Grey(*frame, grid, mask);

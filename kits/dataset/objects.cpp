@@ -247,6 +247,9 @@ const char* Quorel_3D::Icon_Get() {
 Quorel_2D::~Quorel_2D() {
     Object_Unregister_2D(this);
     Variable_Forget_Frame(this);
+    for (Quorel_Window* window = Quorel_Window::first; window != nullptr; window = window->next) {
+        window->volume = window->volume == this ? nullptr : window->volume;
+    }
 }
 
 const char* Quorel_2D::Icon_2D_Get() {
@@ -257,4 +260,17 @@ int Quorel_2D::Child_Get_Cur(Quorel_Window* window) const {
     return Child_Get_Id(Window_Frame(window));
 }
 
-Quorel_Window::~Quorel_Window() = default;
+Quorel_Window* Quorel_Window::first = nullptr;
+
+Quorel_Window::Quorel_Window() : next(first) {
+    class_a = CLASS_WINDOW;
+    first = this;
+}
+
+Quorel_Window::~Quorel_Window() {
+    Quorel_Window** link = &first;
+    while (*link != this) {
+        link = &(*link)->next;
+    }
+    *link = next;
+}

@@ -36,6 +36,7 @@ int Axis_Draw(HDC dc, const Boxs& box, const Plot_Area& area, const char* title,
         request.to = to;
         request.line_height = painter.Line_Height();
         request.width = [&painter](const std::string& text) { return painter.Width(text); };
+        request.width_upwards = [&painter](const std::string& text) { return painter.Width_Upwards(text); };
         painter.Paint(make(request));
     } catch (const std::bad_alloc&) {
         return 0;

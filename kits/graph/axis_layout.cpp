@@ -56,19 +56,48 @@ bool Inside(const Plot_Rect& inner, const Plot_Rect& outer) {
            inner.bottom <= outer.bottom;
 }
 
-/** Adds a text unless it would be cut or stand on another one. */
-void Label_Add(Axis_Layout& layout, Plot_Label label, const Plot_Rect& room) {
+/** Adds a text unless it would be cut or stand on another one. @param apart columns to the texts beside it
+ *  @return whether it was added */
+bool Label_Add(Axis_Layout& layout, Plot_Label label, const Plot_Rect& room, int apart = 0) {
+    const Plot_Rect around = {label.rect.left - apart, label.rect.top, label.rect.right + apart, label.rect.bottom};
     const bool free = std::none_of(layout.labels.begin(), layout.labels.end(),
-                                   [&](const Plot_Label& other) { return Overlap(label.rect, other.rect); });
-    if (label.rect.Width() > 0 && free && Inside(label.rect, room)) {
+                                   [&](const Plot_Label& other) { return Overlap(around, other.rect); });
+    const bool added = label.rect.Width() > 0 && free && Inside(label.rect, room);
+    if (added) {
         layout.labels.push_back(std::move(label));
     }
+    return added;
+}
+
+/** Adds the numbers and their ticks by `add`(layout, numbers, index). An axis with one number tells no scale: where
+ * fewer than two found room, the outermost two of the next finer scale that has room for both stand alone. */
+template <typename Add>
+Axis_Layout Numbers_Add(const Axis_Layout& bare, const Axis_Request& request, const Numbers& numbers, double per_pixel,
+                        Add add) {
+    Axis_Layout layout = bare;
+    int added = 0;
+    for (std::int64_t i = numbers.scale.first; i <= numbers.scale.last; i++) {
+        added += add(layout, numbers, i) ? 1 : 0;
+    }
+    Tick_Scale scale = numbers.scale;
+    while (added < 2 && scale.step >= per_pixel) {
+        scale = Tick_Scale_Finer(request.from, request.to, scale);
+        for (const bool compact : {false, true}) {
+            const Numbers finer = Numbers_Of(scale, compact);
+            Axis_Layout ends = bare;
+            if (scale.Count() >= 2 && add(ends, finer, scale.first) && add(ends, finer, scale.last)) {
+                return ends;
+            }
+        }
+    }
+    return layout;
 }
 
 }  // namespace
 
 Axis_Layout Axis_Layout_X(const Axis_Request& request) {
     Axis_Layout layout;
+    layout.box = request.box;
     const Plot_Rect& area = request.area;
     const Plot_Rect& box = request.box;
     const double per_pixel = (static_cast<double>(request.to) - request.from) / area.Width();
@@ -92,21 +121,22 @@ Axis_Layout Axis_Layout_X(const Axis_Request& request) {
                       box);
         }
     }
-    for (std::int64_t i = numbers.scale.first; i <= numbers.scale.last; i++) {
-        const double at = Pixel_Of(numbers.scale.Value(i), request.from, request.to, area.Width());
+    const auto number_add = [&](Axis_Layout& onto, const Numbers& of, std::int64_t i) {
+        const double at = Pixel_Of(of.scale.Value(i), request.from, request.to, area.Width());
         const int x = area.left + std::clamp(static_cast<int>(std::floor(at + 0.5)), 0, area.Width() - 1);
-        layout.tick_at.push_back(x);
-        Line_Add(layout, {x, area.bottom + outside, x + 1, ticks_end}, box);
-        const std::string text = Tick_Text(numbers.scale, numbers.format, i);
+        onto.tick_at.push_back(x);
+        Line_Add(onto, {x, area.bottom + outside, x + 1, ticks_end}, box);
+        const std::string text = Tick_Text(of.scale, of.format, i);
         const int width = request.width(text);
         const int left = std::clamp(x - width / 2, box.left, std::max(box.left, box.right - width));
-        Label_Add(layout, {text, {left, label_top, left + width, label_top + request.line_height}}, box);
-    }
-    return layout;
+        return Label_Add(onto, {text, {left, label_top, left + width, label_top + request.line_height}}, box, apart_x);
+    };
+    return Numbers_Add(layout, request, numbers, per_pixel, number_add);
 }
 
 Axis_Layout Axis_Layout_Y(const Axis_Request& request) {
     Axis_Layout layout;
+    layout.box = request.box;
     const Plot_Rect& area = request.area;
     const Plot_Rect& box = request.box;
     const int ticks_end = area.left - outside - tick_length;
@@ -127,7 +157,8 @@ Axis_Layout Axis_Layout_Y(const Axis_Request& request) {
     }
 
     if (!request.title.empty()) {
-        const int length = request.width(request.title);
+        const auto& width_upwards = request.width_upwards ? request.width_upwards : request.width;
+        const int length = width_upwards(request.title);
         const int middle = (area.top + area.bottom) / 2;
         const int top = std::clamp(middle - length / 2, box.top, std::max(box.top, box.bottom - length));
         // What the box's frame and the numbers leave free is halved by the title.
@@ -137,16 +168,16 @@ Axis_Layout Axis_Layout_Y(const Axis_Request& request) {
         Label_Add(layout, {request.title, {left, top, left + request.line_height, top + length}, true}, box);
     }
     Line_Add(layout, {area.left - outside, area.top, area.left, area.bottom + outside}, box);
-    for (std::int64_t i = numbers.scale.first; i <= numbers.scale.last; i++) {
-        const double at = Pixel_Of(numbers.scale.Value(i), request.from, request.to, area.Height());
+    const auto number_add = [&](Axis_Layout& onto, const Numbers& of, std::int64_t i) {
+        const double at = Pixel_Of(of.scale.Value(i), request.from, request.to, area.Height());
         const int y = area.bottom - 1 - std::clamp(static_cast<int>(std::floor(at + 0.5)), 0, area.Height() - 1);
-        layout.tick_at.push_back(y);
-        Line_Add(layout, {ticks_end, y, area.left - outside, y + 1}, box);
-        const std::string text = Tick_Text(numbers.scale, numbers.format, i);
+        onto.tick_at.push_back(y);
+        Line_Add(onto, {ticks_end, y, area.left - outside, y + 1}, box);
+        const std::string text = Tick_Text(of.scale, of.format, i);
         const int top =
             std::clamp(y - request.line_height / 2, room.top, std::max(room.top, room.bottom - request.line_height));
-        Label_Add(layout, {text, {numbers_right - request.width(text), top, numbers_right, top + request.line_height}},
-                  room);
-    }
-    return layout;
+        const Plot_Rect rect = {numbers_right - request.width(text), top, numbers_right, top + request.line_height};
+        return Label_Add(onto, {text, rect}, room);
+    };
+    return Numbers_Add(layout, request, numbers, per_pixel, number_add);
 }

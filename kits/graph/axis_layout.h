@@ -24,6 +24,7 @@ struct Plot_Label {
 };
 
 struct Axis_Layout {
+    Plot_Rect box;                 ///< nothing is painted outside it
     std::vector<Plot_Rect> lines;  ///< the axis and its ticks, as filled rectangles
     std::vector<int> tick_at;      ///< column (or row) of every tick
     std::vector<Plot_Label> labels;
@@ -39,6 +40,8 @@ struct Axis_Request {
     float to = 0.0F;
     int line_height = 0;                           ///< of a text, pixels
     std::function<int(const std::string&)> width;  ///< of a text, pixels
+    /** Of a text that reads upwards, pixels: turned letters may stand farther apart. None: as `width`. */
+    std::function<int(const std::string&)> width_upwards;
 };
 
 Axis_Layout Axis_Layout_X(const Axis_Request& request);

@@ -16,6 +16,8 @@ class Axis_Painter {
     Axis_Painter& operator=(const Axis_Painter&) = delete;
 
     int Width(const std::string& text) const;
+    /** Pixels of a text that reads upwards. */
+    int Width_Upwards(const std::string& text) const;
     int Line_Height() const;
     void Paint(const Axis_Layout& layout) const;
 

@@ -20,6 +20,10 @@ int Axis_Painter::Width(const std::string& text) const {
     return static_cast<int>(text.size()) * (data->font_height / 2);
 }
 
+int Axis_Painter::Width_Upwards(const std::string& text) const {
+    return Width(text);
+}
+
 void Axis_Painter::Paint(const Axis_Layout&) const {}
 
 Plot_Rect Axis_Painter::Device_Rect(HDC, int x, int y, int width, int height) {

@@ -18,6 +18,18 @@ COLORREF Ink(const Colors& ground, int percent) {
     return RGB(part(ground.red), part(ground.green), part(ground.blue));
 }
 
+/** The font turned so that it reads upwards. */
+Gdi_Font Turned(HFONT font) {
+    LOGFONTA description = {};
+    if (::GetObjectA(font, sizeof description, &description) == 0) {
+        return {};
+    }
+    constexpr LONG quarter_turn = 900;  // tenths of a degree, counterclockwise
+    description.lfEscapement = quarter_turn;
+    description.lfOrientation = quarter_turn;
+    return Gdi_Font(::CreateFontIndirectA(&description));
+}
+
 }  // namespace
 
 struct Axis_Painter::Data {
@@ -25,6 +37,7 @@ struct Axis_Painter::Data {
     Saved_DC saved;
     Gdi_Font made;
     HFONT font;
+    Gdi_Font turned;  // made for the first text that reads upwards: only one of the axes has any
     Selected_Object selected;
     TEXTMETRICA metrics = {};
     COLORREF text_color;
@@ -46,6 +59,14 @@ struct Axis_Painter::Data {
         ::SetBkMode(dc, TRANSPARENT);
         ::GetTextMetricsA(dc, &metrics);
     }
+
+    /** Null without memory. */
+    HFONT Upwards() {
+        if (!turned) {
+            turned = Turned(font);
+        }
+        return turned.Get();
+    }
 };
 
 Axis_Painter::Axis_Painter(HDC dc, const Boxs& box, int font_height)
@@ -65,6 +86,11 @@ int Axis_Painter::Width(const std::string& text) const {
     return size.cx;
 }
 
+int Axis_Painter::Width_Upwards(const std::string& text) const {
+    const Selected_Object selected(data->dc, data->Upwards());
+    return Width(text);
+}
+
 void Axis_Painter::Paint(const Axis_Layout& layout) const {
     const Gdi_Brush brush(::CreateSolidBrush(data->line_color));
     for (const Plot_Rect& line : layout.lines) {
@@ -72,23 +98,17 @@ void Axis_Painter::Paint(const Axis_Layout& layout) const {
         ::FillRect(data->dc, &rect, brush.Get());
     }
     ::SetTextColor(data->dc, data->text_color);
+    const RECT cut = {layout.box.left, layout.box.top, layout.box.right, layout.box.bottom};  // letters have overhangs
     for (const Plot_Label& label : layout.labels) {
+        const HFONT font = label.upwards ? data->Upwards() : data->font;
+        if (label.upwards && font == nullptr) {
+            continue;
+        }
         wchar_t wide[text_max];
         const auto length = static_cast<UINT>(std::max(0, Char_2_Wchar(label.text.c_str(), wide, text_max)));
-        if (!label.upwards) {
-            ::ExtTextOutW(data->dc, label.rect.left, label.rect.top, 0, nullptr, wide, length, nullptr);
-            continue;
-        }
-        LOGFONTA description = {};
-        if (::GetObjectA(data->font, sizeof description, &description) == 0) {
-            continue;
-        }
-        constexpr LONG quarter_turn = 900;  // tenths of a degree, counterclockwise
-        description.lfEscapement = quarter_turn;
-        description.lfOrientation = quarter_turn;
-        const Gdi_Font turned(::CreateFontIndirectA(&description));
-        const Selected_Object selected(data->dc, turned.Get());
-        ::ExtTextOutW(data->dc, label.rect.left, label.rect.bottom, 0, nullptr, wide, length, nullptr);
+        const Selected_Object selected(data->dc, font);
+        ::ExtTextOutW(data->dc, label.rect.left, label.upwards ? label.rect.bottom : label.rect.top, ETO_CLIPPED, &cut,
+                      wide, length, nullptr);
     }
 }
 

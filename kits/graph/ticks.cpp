@@ -49,6 +49,10 @@ Tick_Scale Tick_Scale_Coarser(double from, double to, const Tick_Scale& scale) {
     return Tick_Scale_Make(from, to, scale.step * 1.5);
 }
 
+Tick_Scale Tick_Scale_Finer(double from, double to, const Tick_Scale& scale) {
+    return Tick_Scale_Make(from, to, scale.step * 0.4);
+}
+
 Tick_Format Tick_Format_Make(const Tick_Scale& scale, bool compact) {
     Tick_Format format;
     const double largest = std::max(std::abs(scale.Value(scale.first)), std::abs(scale.Value(scale.last)));

@@ -22,6 +22,9 @@ Tick_Scale Tick_Scale_Make(double from, double to, double least);
 /** The next coarser scale: 1 to 2 to 5 to 10. */
 Tick_Scale Tick_Scale_Coarser(double from, double to, const Tick_Scale& scale);
 
+/** The next finer scale: 10 to 5 to 2 to 1. */
+Tick_Scale Tick_Scale_Finer(double from, double to, const Tick_Scale& scale);
+
 /** How the numbers of one axis are written: all with the same unit and decimals. */
 struct Tick_Format {
     int exponent = 0;  ///< the numbers are divided by ten to this power, a multiple of three

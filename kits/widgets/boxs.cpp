@@ -40,16 +40,21 @@ void Draw_Title(Painter& painter, const Boxs& box, const Rect& inner) {
                  box, box.name, Contrast_Color(ground), Align::Left);
 }
 
-/** The border and the title, over what the picture holds. @return whether there is a part of the box to show */
+/** Pixels of the border that is drawn. */
+int Border_Of(const Boxs& box) {
+    return (box.style & style_bordered) != 0 ? Widget_Border(box) : 0;
+}
+
+/** The border and the title, over what the picture holds. */
 void Draw_Marks(Painter& painter, const Boxs& box) {
-    const int border = (box.style & style_bordered) != 0 ? Widget_Border(box) : 0;
+    const int border = Border_Of(box);
     painter.Picture().Frame(painter.Area(), border, Box_Line(box));
     Draw_Title(painter, box, painter.Area().Inner(border));
 }
 
 /** Shows the border and the title band alone. */
 void Show_Marks(Painter& painter, const Boxs& box) {
-    const int border = (box.style & style_bordered) != 0 ? Widget_Border(box) : 0;
+    const int border = Border_Of(box);
     const int band = Title_Band(box);
     if (border == 0 && band == 0) {
         painter.Show_Nothing();
@@ -65,11 +70,7 @@ void Show_Marks(Painter& painter, const Boxs& box) {
 }  // namespace
 
 int Boxs::Init(HWND init_window) {
-    if (init_window != nullptr) {
-        window = init_window;
-    }
-    Count_Init();
-    return 1;
+    return Widget_Init(*this, init_window);
 }
 
 void Boxs::Draw() {

@@ -26,7 +26,7 @@ constexpr int caption_margin = 2;                              // pixels on eith
 struct Image_Block {
     int width;
     int height;
-    std::uint64_t painted_sum;  // of the images when the button was last painted; 0: not painted since Init
+    std::uint64_t painted_sum;  // of what the button showed of its images when last painted; 0: not since Init
     unsigned short painted_look;
 };
 constexpr std::size_t block_head = (sizeof(Image_Block) + 15U) & ~std::size_t{15U};
@@ -59,20 +59,41 @@ void Background_Colors(Rgb face, Rgb out[image_nb]) {
     }
 }
 
-/** A sum over all images that tells whether a panel painted into them. Never 0. Runs over every visible button with
- *  every move of the pointer: several sums side by side, so that none waits for the multiplication of another. */
-std::uint64_t Images_Sum(const Buttons& button) {
+/** A sum over one image that tells whether a panel painted into it. Two pixels at a time, and several sums side by
+ * side, so that none waits for the multiplication of another. */
+std::uint64_t Image_Sum(const unsigned int* pixels, std::size_t nb) {
     constexpr std::size_t lane_nb = 4;
+    constexpr std::size_t step = 2 * lane_nb;
+    constexpr std::uint64_t factor = 0x9E3779B97F4A7C15ULL;
     std::uint64_t lanes[lane_nb] = {1, 2, 3, 4};
-    const std::size_t nb = Pixel_Nb(button) * image_nb;  // a multiple of four, as there are four images
-    const unsigned int* pixel = button.image[0];
-    for (std::size_t i = 0; i < nb; i += lane_nb) {
+    const auto take = [&](std::size_t lane, std::uint64_t pair) {
+        lanes[lane] = (lanes[lane] ^ pair) * factor;
+        lanes[lane] ^= lanes[lane] >> 32U;
+    };
+    const unsigned int* const end = pixels + nb;
+    for (std::size_t whole = nb / step; whole > 0; whole--, pixels += step) {
+        std::uint64_t pairs[lane_nb];
+        std::memcpy(pairs, pixels, sizeof pairs);
         for (std::size_t lane = 0; lane < lane_nb; lane++) {
-            lanes[lane] = (lanes[lane] ^ pixel[i + lane]) * 0x9E3779B97F4A7C15ULL;
-            lanes[lane] ^= lanes[lane] >> 32U;
+            take(lane, pairs[lane]);
         }
     }
-    return (lanes[0] ^ (lanes[1] << 1U) ^ (lanes[2] << 2U) ^ (lanes[3] << 3U)) | 1U;
+    for (; pixels != end; pixels++) {
+        take(0, *pixels);
+    }
+    return lanes[0] ^ (lanes[1] << 1U) ^ (lanes[2] << 2U) ^ (lanes[3] << 3U);
+}
+
+/** A sum over what is seen of the images. Never 0. Runs over every visible button with every move of the pointer, so
+ * the images that are not shown are left out: they are read when they come into sight. */
+std::uint64_t Shown_Sum(const Buttons& button) {
+    const std::size_t nb = Pixel_Nb(button);
+    const int face = std::clamp<int>(button.state, image_plain, image_pressed);
+    std::uint64_t sum = Image_Sum(button.image[face], nb);
+    if (button.current != 0) {
+        sum += 3U * Image_Sum(button.image[image_current], nb);
+    }
+    return sum | 1U;
 }
 
 // ---- drawing
@@ -158,6 +179,12 @@ void Draw_Border(Surface& picture, const Buttons& button, const Button_Look& loo
     picture.Frame(area, Widget_Border(button), Mix(look.ground, line, border_mix));
 }
 
+/** True when the caption reads upwards, over the whole button: a tall narrow button has room in that direction only. */
+bool Is_Caption_Upwards(const Buttons& button, const Button_Layout& layout) {
+    const int text_width = Text_Width(button.name, Widget_Font(button));
+    return text_width > layout.caption.width && text_width <= layout.area.height;
+}
+
 /** In the middle of the button, or right of the check mark's place when it would reach into it: a check mark never
  * moves a caption. */
 void Draw_Button_Caption(Surface& picture, const Buttons& button, const Button_Look& look,
@@ -165,15 +192,13 @@ void Draw_Button_Caption(Surface& picture, const Buttons& button, const Button_L
     if (button.name[0] == 0) {
         return;
     }
-    const int text_width = Text_Width(button.name, Widget_Font(button));
-    if (text_width > layout.caption.width && text_width <= layout.area.height) {
-        // A tall narrow button has room in the other direction.
+    if (Is_Caption_Upwards(button, layout)) {
         picture.Text_Upwards(layout.area, button.name, Widget_Font(button), look.ink);
         return;
     }
     Rect place = layout.caption;
     const int middle = layout.area.width / 2;
-    const int half = (text_width + 1) / 2;
+    const int half = (Text_Width(button.name, Widget_Font(button)) + 1) / 2;
     if (middle - half >= place.left) {
         place.left = middle - half;
         place.width = std::min(2 * half, layout.caption.Right() - place.left);
@@ -204,7 +229,7 @@ void Paint(Buttons& button) {
     Draw_Button_Caption(picture, button, look, layout);
     if (Images_Fit(button)) {
         Image_Block* block = Block_Of(button);
-        block->painted_sum = Images_Sum(button);
+        block->painted_sum = Shown_Sum(button);
         block->painted_look = button.state;
     }
 }
@@ -217,13 +242,13 @@ void Look_Set(Buttons& button, unsigned short look) {
     }
 }
 
-/** True when a panel changed the images or the look itself, so that what is shown is out of date. */
+/** True when a panel changed the image that is shown or the look itself, so that what is seen is out of date. */
 bool Out_Of_Date(const Buttons& button) {
     if (!Images_Fit(button)) {
         return false;
     }
     const Image_Block* block = Block_Of(button);
-    return block->painted_look != button.state || block->painted_sum != Images_Sum(button);
+    return block->painted_look != button.state || block->painted_sum != Shown_Sum(button);
 }
 
 }  // namespace
@@ -295,12 +320,8 @@ Buttons& Buttons::operator=(const Buttons& other) {
 // ---- operations
 
 int Buttons::Init(HWND init_window) {
-    if (init_window != nullptr) {
-        window = init_window;
-    }
     Images_Make();
-    Count_Init();
-    return 1;
+    return Widget_Init(*this, init_window);
 }
 
 void Buttons::Draw() {
@@ -321,6 +342,9 @@ void Buttons::Adjust() {
     const Button_Layout layout = Layout_Of(*this);
     Draw_Image(painter.Picture(), *this, look, look.face);
     Draw_Marks(painter.Picture(), *this, look, layout);
+    if (name[0] != 0 && Is_Caption_Upwards(*this, layout)) {
+        Draw_Button_Caption(painter.Picture(), *this, look, layout);  // it stands across the marks' places
+    }
     for (const Rect& side : Frame_Sides(layout.mark, mark_thickness)) {
         painter.Show_Only(side);
     }

@@ -76,5 +76,7 @@ void System_Fonts_Forget();
 void System_Wait_Cursor(HWND window, bool shown);
 /** Set_Curs_Wait calls that no Reset_Curs_Wait has answered yet. */
 int Wait_Cursor_Depth();
-/** The character that a key makes with the modifiers now held; 0 for none. */
+/** True when the window's character messages carry UTF-16 instead of bytes of the code page. */
+bool System_Window_Is_Wide(HWND window);
+/** The character that a key makes with the modifiers now held, as UTF-16; 0 for none. */
 int System_Key_Character(int virtual_key, std::intptr_t lparam);

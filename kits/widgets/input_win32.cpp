@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "kits/common/text_conversion.h"
 #include "kits/widgets/device.h"
 #include "kits/widgets/surface.h"
 
@@ -69,20 +70,15 @@ int System_Clipboard_Get(char* out, int size) {
         return 0;
     }
     int length = 0;
-    for (; *text != 0; text++) {  // one by one, so that the cut never splits a character
-        wchar_t unit[2] = {text[0], 0};
-        int units = 1;
-        if (IS_HIGH_SURROGATE(text[0]) && IS_LOW_SURROGATE(text[1])) {
-            unit[1] = *++text;
-            units = 2;
-        }
-        char bytes[8];
-        const int nb = ::WideCharToMultiByte(CP_ACP, 0, unit, units, bytes, sizeof bytes, nullptr, nullptr);
+    while (const int units = Wide_Character_Units(text)) {  // one by one, so that the cut never splits a character
+        char bytes[BYTES_PER_CHARACTER];
+        const int nb = Bytes_Of_Wide_Character(text, units, bytes);
         if (length + nb >= size) {
             break;
         }
         std::memcpy(out + length, bytes, static_cast<std::size_t>(nb));
         length += nb;
+        text += units;
     }
     out[length] = 0;
     ::GlobalUnlock(handle);
@@ -90,13 +86,13 @@ int System_Clipboard_Get(char* out, int size) {
 }
 
 int System_Clipboard_Set(const char* text) {
-    const int length = text != nullptr ? ::MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0) : 0;
+    const int length = text != nullptr ? ::MultiByteToWideChar(Code_Page(), 0, text, -1, nullptr, 0) : 0;
     if (length <= 0) {
         return 0;
     }
     Global_Memory memory(static_cast<SIZE_T>(length) * sizeof(wchar_t));
     if (auto* wide = static_cast<wchar_t*>(memory.Lock())) {
-        ::MultiByteToWideChar(CP_ACP, 0, text, -1, wide, length);
+        ::MultiByteToWideChar(Code_Page(), 0, text, -1, wide, length);
         memory.Unlock();
         const Open_Clipboard clipboard;
         if (clipboard && ::EmptyClipboard() != 0 && ::SetClipboardData(CF_UNICODETEXT, memory.Get()) != nullptr) {
@@ -105,6 +101,10 @@ int System_Clipboard_Set(const char* text) {
         }
     }
     return 0;
+}
+
+bool System_Window_Is_Wide(HWND window) {
+    return window != nullptr && ::IsWindowUnicode(window) != FALSE;
 }
 
 void System_Wait_Cursor(HWND, bool shown) {
@@ -119,11 +119,11 @@ void System_Wait_Cursor(HWND, bool shown) {
 
 int System_Key_Character(int virtual_key, std::intptr_t lparam) {
     BYTE keys[256] = {};
-    WORD characters[2] = {};
+    WCHAR characters[4] = {};
     const auto scan_code = static_cast<UINT>((static_cast<std::uintptr_t>(lparam) >> 16U) & 0xFFU);
     if (::GetKeyboardState(keys) == 0) {
         return 0;
     }
-    const int nb = ::ToAscii(static_cast<UINT>(virtual_key), scan_code, keys, characters, 0);
-    return nb == 1 ? characters[0] & 0xFF : 0;
+    const int nb = ::ToUnicode(static_cast<UINT>(virtual_key), scan_code, keys, characters, 4, 0);
+    return nb == 1 ? characters[0] : 0;
 }

@@ -8,11 +8,7 @@ constexpr int grey_percent = 50;  // of the panel's colour in an inactive label
 }  // namespace
 
 int Labels::Init(HWND init_window) {
-    if (init_window != nullptr) {
-        window = init_window;
-    }
-    Count_Init();
-    return 1;
+    return Widget_Init(*this, init_window);
 }
 
 void Labels::Draw() {

@@ -6,6 +6,14 @@
 
 #include "kits/widgets/window_state.h"
 
+int Widget_Init(Tools& widget, HWND init_window) {
+    if (init_window != nullptr) {
+        widget.window = init_window;
+    }
+    Count_Init();
+    return 1;
+}
+
 Font_Choice Widget_Font(const Tools& widget) {
     return {widget.font_name, widget.font_weight, widget.font_scale, widget.font};
 }
@@ -16,13 +24,32 @@ int Widget_Border(const Tools& widget) {
 
 // ---- painter
 
+namespace {
+
+/** The part of a picture at a device rectangle that its window can show; one pixel when that is nothing. However large
+ * a widget is, its picture takes no more memory than its window. */
+Rect Showable(HWND window, const Rect& device) {
+    Size client;
+    if (!Window_Client_Size(window, &client)) {
+        return {};
+    }
+    const Rect area = {0, 0, device.width, device.height};
+    const Rect shown = Rect_Common(area, {-device.left, -device.top, client.width, client.height});
+    return shown.Empty() ? Rect_Common(area, {0, 0, 1, 1}) : shown;
+}
+
+}  // namespace
+
 Painter::Painter(const Tools& widget)
     : window(widget.window),
       found(Widget_Device_Rect(widget, &device)),
-      scratch(found ? device.width : 0, found ? device.height : 0) {}
+      scratch(device.width, device.height, found ? Showable(window, device) : Rect{}) {}
 
 Painter::Painter(HWND in_window, const Rect& at)
-    : window(in_window), device(at), found(in_window != nullptr && !at.Empty()), scratch(at.width, at.height) {}
+    : window(in_window),
+      device(at),
+      found(in_window != nullptr && !at.Empty()),
+      scratch(at.width, at.height, found ? Showable(window, device) : Rect{}) {}
 
 Painter::~Painter() {
     if (!*this) {

@@ -22,6 +22,8 @@ inline bool Widget_Inactive(const Tools& widget) {
     return (widget.style & STYLE_EDITED) == STYLE_EDITED;
 }
 
+/** What Init does for every widget: takes the window, null keeps the stored one. @return 1 */
+int Widget_Init(Tools& widget, HWND init_window);
 /** The font of a widget's captions. */
 Font_Choice Widget_Font(const Tools& widget);
 /** The widget's border thickness, cut to what its size has room for. */

@@ -192,15 +192,11 @@ Selects& Selects::operator=(const Selects& other) {
 }
 
 int Selects::Init(HWND init_window) {
-    if (init_window != nullptr) {
-        window = init_window;
-    }
     if (Widget_Inactive(*this)) {
         hovered_part = 0;
         pressed_part = 0;
     }
-    Count_Init();
-    return 1;
+    return Widget_Init(*this, init_window);
 }
 
 void Selects::Draw() {

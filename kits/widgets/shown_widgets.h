@@ -21,7 +21,7 @@ struct Shown_Widget {
     bool is_current = false;           ///< buttons: Buttons::current
     bool is_checked = false;           ///< buttons: Buttons::checked
     bool is_inactive = false;          ///< takes no events
-    char name[SHOWN_TEXT_SIZE] = {};   ///< caption; empty for a picture
+    char name[SHOWN_TEXT_SIZE] = {};   ///< caption, in the system's code page like `value`; empty for a picture
     char value[SHOWN_TEXT_SIZE] = {};  ///< item, number or text; empty for what has none
 };
 

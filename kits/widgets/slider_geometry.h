@@ -10,14 +10,15 @@
 
 inline constexpr int SLIDER_THUMB_MIN = 12;  ///< shortest thumb that can be grabbed, pixels
 
-/** Values of a slider. The range is empty when the maximum is not above the minimum. */
+/** Values of a slider. The range is empty when the maximum is not above the minimum; with equal ends it still has the
+ * one value, with the maximum below the minimum it has none. */
 struct Slider_Range {
     float minimum = 0.0F;
     float maximum = 1.0F;
     bool Empty() const { return !(maximum > minimum); }
-    /** The value inside the range; an empty range leaves every value as it is. */
+    /** The value inside the range; a range without any value leaves it as it is. */
     float Clamp(float value) const {
-        if (Empty()) {
+        if (!(maximum >= minimum)) {
             return value;
         }
         if (!(value >= minimum)) {  // also a value that is no number
@@ -69,6 +70,11 @@ inline float Slider_Value_At(int track, int thumb, int offset, float value, cons
     }
     const double span = static_cast<double>(range.maximum) - range.minimum;
     return range.Clamp(static_cast<float>(range.minimum + span * place / travel));
+}
+
+/** The value after notches of the wheel; a range without any value leaves it as it is. */
+inline float Slider_Scrolled(float value, int notches, float step, const Slider_Range& range) {
+    return range.maximum >= range.minimum ? range.Clamp(value + static_cast<float>(notches) * step) : value;
 }
 
 /** What a press beside the thumb adds or takes away: the visible amount in units of the value, one step at least. */

@@ -67,18 +67,14 @@ Sliders::Sliders() {
 }
 
 int Sliders::Init(HWND init_window) {
-    if (init_window != nullptr) {
-        window = init_window;
-    }
     // Panels let scroll positions run past the ends (scrolling under a dragged pointer) and count on being brought back
-    // here. An empty range leaves the value alone: panels place their contents by it.
+    // here. A maximum below the minimum leaves the value alone: panels place their contents by it.
     value = Slider_Range{minimum, maximum}.Clamp(value);
     if (Widget_Inactive(*this)) {
         dragged = false;
         hovered = false;
     }
-    Count_Init();
-    return 1;
+    return Widget_Init(*this, init_window);
 }
 
 void Sliders::Draw() {
@@ -143,11 +139,9 @@ void Sliders::Deselect() {
 }
 
 float Sliders::Scroll(int notches) {
-    if ((style & STYLE_EDITED) == STYLE_EDITED) {
-        return value;  // not needed or inactive: it does not react
+    if (!Widget_Inactive(*this)) {
+        value = Slider_Scrolled(value, notches, step, {minimum, maximum});
     }
-    const Slider_Range range{minimum, maximum};
-    value = range.Empty() ? value : range.Clamp(value + static_cast<float>(notches) * step);
     return value;
 }
 

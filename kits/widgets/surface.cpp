@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "kits/common/text_conversion.h"
 #include "kits/widgets/device.h"
 
 Rect Rect_Common(const Rect& a, const Rect& b) {
@@ -39,16 +40,20 @@ std::uint32_t Mixed(std::uint32_t below, std::uint32_t above, std::uint32_t weig
 }  // namespace
 
 Surface::Surface(std::uint32_t* with_pixels, int of_width, int of_height, int of_stride, HDC dc)
+    : Surface(with_pixels, of_width, of_height, {0, 0, of_width, of_height}, of_stride, dc) {}
+
+Surface::Surface(std::uint32_t* with_pixels, int of_width, int of_height, const Rect& part, int of_stride, HDC dc)
     : pixels(with_pixels),
       width(of_width),
       height(of_height),
       stride(of_stride),
       memory_dc(dc),
-      clip{0, 0, of_width, of_height} {}
+      held(part),
+      clip(part) {}
 
 Rect Surface::Clip_Set(const Rect& rect) {
     const Rect before = clip;
-    clip = Rect_Common(rect, Area());
+    clip = Rect_Common(rect, held);
     return before;
 }
 
@@ -227,7 +232,7 @@ void Surface::Stencil(const Rect& target, const std::uint32_t* opacity, Rgb colo
 }
 
 Rgb Surface::Pixel(int x, int y) const {
-    if (!Area().Contains({x, y})) {
+    if (!held.Contains({x, y})) {
         return 0;
     }
     const_cast<Surface*>(this)->Settle();
@@ -247,31 +252,21 @@ std::size_t Character_Length(std::string_view text, std::size_t at) {
     if (at >= text.size()) {
         return 0;
     }
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned char lead = byte(at);
-    const std::size_t length = lead >= 0xF0U && lead <= 0xF4U  ? 4U
-                               : lead >= 0xE0U && lead < 0xF0U ? 3U
-                               : lead >= 0xC2U && lead < 0xE0U ? 2U
-                                                               : 1U;
-    if (at + length > text.size()) {
+    if (static_cast<unsigned char>(text[at]) < 0x80U) {
         return 1;
     }
-    for (std::size_t i = 1; i < length; i++) {
-        if ((byte(at + i) & 0xC0U) != 0x80U) {
-            return 1;  // not UTF-8: every byte is a character of the system's code page
-        }
-    }
-    return length;
+    char ended[BYTES_PER_CHARACTER + 1] = {};
+    text.copy(ended, BYTES_PER_CHARACTER, at);
+    return static_cast<std::size_t>(std::max(Character_Bytes(ended), 1));
 }
 
 std::size_t Character_Before(std::string_view text, std::size_t at) {
-    at = std::min(at, text.size());
-    for (std::size_t back = 4; back > 1; back--) {
-        if (back <= at && Character_Length(text, at - back) == back) {
-            return at - back;
-        }
+    // From the start: in a page of two bytes the second one may look like a first.
+    std::size_t before = 0;
+    for (std::size_t next = 0; next < std::min(at, text.size()); next += Character_Length(text, next)) {
+        before = next;
     }
-    return at == 0 ? 0 : at - 1;
+    return before;
 }
 
 std::size_t Text_Fit(std::string_view text, const Font_Choice& font, int room) {

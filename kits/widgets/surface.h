@@ -65,7 +65,12 @@ class Surface {
     /** @param pixels rows of `stride` pixels, top row first; @param memory_dc what the window system needs to write
      * text into them, may be null */
     Surface(std::uint32_t* pixels, int width, int height, int stride, HDC memory_dc);
+    /** A picture of that size of which only the part `held` has pixels: its first one is at `pixels`. What is drawn
+     * beside it is lost. */
+    Surface(std::uint32_t* pixels, int width, int height, const Rect& held, int stride, HDC memory_dc);
 
+    /** The part that has pixels; all of it unless said otherwise. */
+    const Rect& Held() const { return held; }
     int Width() const { return width; }
     int Height() const { return height; }
     Rect Area() const { return {0, 0, width, height}; }
@@ -90,17 +95,21 @@ class Surface {
     void Blit_Alpha(const Rect& target, const std::uint32_t* source, int stride);
     /** Mixes the colour in by an opacity of 0 to 255 per pixel; target.width x target.height of them. */
     void Stencil(const Rect& target, const std::uint32_t* opacity, Rgb color);
-    /** A line of text, centred in height in `box` and cut at it. Never wraps. UTF-8, or the system's code page when it
-     * is not UTF-8. */
+    /** A line of text, centred in height in `box` and cut at it. Never wraps. */
     void Text(const Rect& box, std::string_view text, const Font_Choice& font, Rgb color, Align align = Align::Left);
     /** The text turned by 90 degrees, reading upwards, centred in `box`. */
     void Text_Upwards(const Rect& box, std::string_view text, const Font_Choice& font, Rgb color);
-    /** One pixel; 0 outside. */
+    /** One pixel; 0 where there is none. */
     Rgb Pixel(int x, int y) const;
-    /** The first row, for direct writing; rows are Stride() apart. */
+    /** The first pixel of Held(), for direct writing; rows are Stride() apart. */
     std::uint32_t* Pixels() {
         Settle();
         return pixels;
+    }
+    /** The pixel at a place inside Held(), and those to its right, for direct writing. */
+    std::uint32_t* Pixels_From(int x, int y) {
+        Settle();
+        return Row(y) + x;
     }
     int Stride() const { return stride; }
     /** The device context of its memory, null when it is plain memory. */
@@ -108,7 +117,10 @@ class Surface {
 
   private:
     static double Distance_To_Polyline(std::span<const Point> points, double x, double y);
-    std::uint32_t* Row(int y) const { return pixels + static_cast<std::ptrdiff_t>(y) * stride; }
+    /** Of that row, where column 0 stands or would stand. */
+    std::uint32_t* Row(int y) const {
+        return pixels + (static_cast<std::ptrdiff_t>(y - held.top) * stride - held.left);
+    }
     void Settle();  ///< waits for text that the window system has not written yet
 
     std::uint32_t* pixels = nullptr;
@@ -117,10 +129,14 @@ class Surface {
     int stride = 0;
     HDC memory_dc = nullptr;
     bool text_pending = false;
+    Rect held;
     Rect clip;
 };
 
 // ---- text
+//
+// All texts are in the system's code page, which may be UTF-8; what a character is, text_conversion.h of Kit_Common
+// says. A character that the end of a text cuts off counts byte by byte.
 
 /** Width in pixels of a line of text. */
 int Text_Width(std::string_view text, const Font_Choice& font);
@@ -130,7 +146,7 @@ int Text_Height(const Font_Choice& font);
 std::size_t Text_Fit(std::string_view text, const Font_Choice& font, int room);
 /** Bytes of the character that starts at `at` (1 at least, unless at the end). */
 std::size_t Character_Length(std::string_view text, std::size_t at);
-/** Start of the character before `at`. */
+/** Start of the character before `at`, or of the one that `at` lies in. */
 std::size_t Character_Before(std::string_view text, std::size_t at);
 
 // ---- windows

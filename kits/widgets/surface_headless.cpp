@@ -175,10 +175,9 @@ void Screen_Show(HWND window, Point target, Surface& picture, std::span<const Re
     }
     Surface view = found->View();
     for (const Rect& part : parts) {
-        const Rect inside = Rect_Common(part, picture.Area());
+        const Rect inside = Rect_Common(part, picture.Held());
         view.Blit({target.x + inside.left, target.y + inside.top, inside.width, inside.height},
-                  picture.Pixels() + static_cast<std::ptrdiff_t>(inside.top) * picture.Stride() + inside.left,
-                  picture.Stride());
+                  inside.Empty() ? nullptr : picture.Pixels_From(inside.left, inside.top), picture.Stride());
     }
 }
 
@@ -316,6 +315,10 @@ HFONT System_Font_Create(HWND, const char*, bool, int) {
 }
 void System_Fonts_Forget() {}
 void System_Wait_Cursor(HWND, bool) {}
+
+bool System_Window_Is_Wide(HWND) {
+    return false;
+}
 
 int System_Key_Character(int virtual_key, std::intptr_t) {
     return (virtual_key >= '0' && virtual_key <= '9') || (virtual_key >= 'A' && virtual_key <= 'Z') ||

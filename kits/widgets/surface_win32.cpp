@@ -7,8 +7,10 @@
 #include <new>
 #include <string>
 
+#include "kits/common/text_conversion.h"
 #include "kits/widgets/device.h"
 #include "kits/widgets/surface.h"
+#include "kits/widgets/text_edit_core.h"
 #include "kits/widgets/theme.h"
 
 namespace {
@@ -117,25 +119,19 @@ Ready_Font Font_Ready(const Font_Choice& choice) {
     return cached != nullptr ? Ready_Font{cached->font.Get(), cached->line_height, cached} : Ready_Font{};
 }
 
-/** A text as wide characters: UTF-8, or the system's code page when it is not UTF-8. */
+/** A text as wide characters. */
 class Wide_Text {
   public:
     explicit Wide_Text(std::string_view text) {
-        text = text.substr(0, wide_max);
-        bool ascii = true;
-        bool utf8 = true;
-        for (std::size_t at = 0; at < text.size(); at += Character_Length(text, at)) {
-            if ((static_cast<unsigned char>(text[at]) & 0x80U) != 0) {
-                ascii = false;
-                utf8 = utf8 && Character_Length(text, at) > 1;
-            }
-        }
+        text = Text_Cut(text, wide_max);
+        const bool ascii = std::all_of(text.begin(), text.end(),
+                                       [](char byte) { return static_cast<unsigned char>(byte) < ascii_nb; });
         if (ascii) {
             std::copy(text.begin(), text.end(), characters);
             length = static_cast<int>(text.size());
         } else {
-            length = ::MultiByteToWideChar(utf8 ? CP_UTF8 : CP_ACP, 0, text.data(), static_cast<int>(text.size()),
-                                           characters, wide_max);
+            length =
+                ::MultiByteToWideChar(Code_Page(), 0, text.data(), static_cast<int>(text.size()), characters, wide_max);
         }
     }
     const wchar_t* Data() const { return characters; }
@@ -166,6 +162,11 @@ int Width_Of(std::string_view text, const Ready_Font& font) {
     return size.cx;
 }
 
+void Text_Out(HDC dc, Point at, const Rect& part, const Wide_Text& wide) {
+    const RECT cut = {part.left, part.top, part.Right(), part.Bottom()};
+    ::ExtTextOutW(dc, at.x, at.y, ETO_CLIPPED, &cut, wide.Data(), static_cast<UINT>(wide.Length()), nullptr);
+}
+
 /** Device units from here to the end of the scope, whatever the mapping was. */
 void Device_Units(HDC dc) {
     ::SetMapMode(dc, MM_TEXT);
@@ -193,8 +194,8 @@ void Surface::Text(const Rect& box, std::string_view text, const Font_Choice& ch
     const Selected_Object selected(memory_dc, font.handle);
     ::SetBkMode(memory_dc, TRANSPARENT);
     ::SetTextColor(memory_dc, Color_Ref(color));
-    const RECT cut = {part.left, part.top, part.Right(), part.Bottom()};
-    ::ExtTextOutW(memory_dc, x, y, ETO_CLIPPED, &cut, wide.Data(), static_cast<UINT>(wide.Length()), nullptr);
+    Text_Out(memory_dc, {x - held.left, y - held.top},
+             {part.left - held.left, part.top - held.top, part.width, part.height}, wide);
     text_pending = true;
 }
 
@@ -218,8 +219,8 @@ void Surface::Text_Upwards(const Rect& box, std::string_view text, const Font_Ch
     const Selected_Object selected(memory_dc, turned.Get());
     ::SetBkMode(memory_dc, TRANSPARENT);
     ::SetTextColor(memory_dc, Color_Ref(color));
-    const RECT cut = {part.left, part.top, part.Right(), part.Bottom()};
-    ::ExtTextOutW(memory_dc, x, y, ETO_CLIPPED, &cut, wide.Data(), static_cast<UINT>(wide.Length()), nullptr);
+    Text_Out(memory_dc, {x - held.left, y - held.top},
+             {part.left - held.left, part.top - held.top, part.width, part.height}, wide);
     ::GdiFlush();
 }
 
@@ -280,10 +281,11 @@ void Screen_Show(HWND window, Point target, Surface& picture, std::span<const Re
     Device_Units(dc.Get());
     ::SelectClipRgn(dc.Get(), nullptr);
     for (const Rect& part : parts) {
-        const Rect inside = Rect_Common(part, picture.Area());
+        const Rect& held = picture.Held();
+        const Rect inside = Rect_Common(part, held);
         if (!inside.Empty()) {
             ::BitBlt(dc.Get(), target.x + inside.left, target.y + inside.top, inside.width, inside.height,
-                     picture.Get_DC(), inside.left, inside.top, SRCCOPY);
+                     picture.Get_DC(), inside.left - held.left, inside.top - held.top, SRCCOPY);
         }
     }
 }

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "kits/common/text_conversion.h"
 #include "kits/widgets/surface.h"
 
 namespace {
@@ -75,13 +76,11 @@ int Text_Whole_Character(std::string_view text, int offset) {
     if (offset >= length) {
         return length;
     }
-    constexpr int longest_character = 4;  // bytes
-    for (int back = std::min(longest_character - 1, offset); back > 0; --back) {
-        if (Next_Character(text, offset - back) > offset) {
-            return offset - back;
-        }
+    int at = 0;  // from the start: what a byte in the middle means, only the ones before it tell
+    for (int next = 0; next <= offset; next = Next_Character(text, at)) {
+        at = next;
     }
-    return offset;
+    return at;
 }
 
 std::string_view Text_Cut(std::string_view text, int bytes) {
@@ -196,25 +195,17 @@ bool Text_Edit::Insert_Code_Point(std::uint32_t code_point) {
     if (control || surrogate || code_point > last_code_point) {
         return false;
     }
-    std::array<char, 4> bytes{};
-    std::size_t count = 0;
-    const auto put = [&](std::uint32_t byte) { bytes[count++] = static_cast<char>(static_cast<unsigned char>(byte)); };
-    if (code_point < 0x80) {
-        put(code_point);
-    } else if (code_point < 0x800) {
-        put(0xC0U | (code_point >> 6));
-        put(0x80U | (code_point & 0x3FU));
-    } else if (code_point < 0x10000) {
-        put(0xE0U | (code_point >> 12));
-        put(0x80U | ((code_point >> 6) & 0x3FU));
-        put(0x80U | (code_point & 0x3FU));
-    } else {
-        put(0xF0U | (code_point >> 18));
-        put(0x80U | ((code_point >> 12) & 0x3FU));
-        put(0x80U | ((code_point >> 6) & 0x3FU));
-        put(0x80U | (code_point & 0x3FU));
+    constexpr bool in_pairs = sizeof(wchar_t) == 2;
+    std::array<wchar_t, 2> wide{static_cast<wchar_t>(code_point)};
+    int units = 1;
+    if (in_pairs && code_point > 0xFFFF) {
+        wide = {static_cast<wchar_t>(0xD7C0U + (code_point >> 10)),
+                static_cast<wchar_t>(0xDC00U | (code_point & 0x3FFU))};
+        units = 2;
     }
-    return Insert({bytes.data(), count});
+    std::array<char, BYTES_PER_CHARACTER> bytes{};
+    const int count = Bytes_Of_Wide_Character(wide.data(), units, bytes.data());
+    return Insert({bytes.data(), static_cast<std::size_t>(count)});
 }
 
 bool Text_Edit::Backspace() {

@@ -1,4 +1,5 @@
-/** The editing model of a one-line text: caret, selection, insertion and deletion. Knows no window and no font.
+/** The editing model of a one-line text: caret, selection, insertion and deletion. Knows no window and no font. Texts
+ * are in the system's code page.
  *
  *  Offsets count bytes and always stand on a whole character; an offset from outside is moved back to one.
  */
@@ -43,7 +44,8 @@ class Text_Edit {
      *  @return false when nothing of it could be inserted; the selection is deleted all the same unless `inserted`
      *  holds nothing that could be */
     bool Insert(std::string_view inserted);
-    /** Inserts one character. Surrogates, control characters and numbers beyond 0x10FFFF are refused. */
+    /** Inserts one character, "?" when the system's code page has none such. Surrogates, control characters and numbers
+     * beyond 0x10FFFF are refused. */
     bool Insert_Code_Point(std::uint32_t code_point);
     /** Deletes the selection, or the character before the caret. @return false when there is none */
     bool Backspace();

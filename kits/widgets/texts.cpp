@@ -5,8 +5,10 @@
 #include <cstdio>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 #include "host/kit_widgets.h"
+#include "kits/common/text_conversion.h"
 #include "kits/widgets/axis.h"
 #include "kits/widgets/painter.h"
 #include "kits/widgets/shown_widgets_note.h"
@@ -28,6 +30,14 @@ constexpr int virtual_shift = 0x10;
 constexpr int virtual_control = 0x11;
 constexpr int first_printable = 32;
 constexpr int last_byte = 0xFF;
+constexpr int first_beyond_ascii = 0x80;
+
+// UTF-16 has characters beyond 0xFFFF in two halves of ten bits each.
+constexpr int first_half = 0xD800;
+constexpr int second_half = 0xDC00;
+constexpr int last_half = 0xDFFF;
+constexpr int half_bits = 10;
+constexpr int first_of_pairs = 0x10000;
 
 constexpr unsigned int style_edit = STYLE_EDIT_OPEN;                     ///< the bit that makes an editor of it
 constexpr unsigned int style_live = STYLE_EDIT_LIVE & ~STYLE_EDIT_OPEN;  ///< yields its text after every key
@@ -172,29 +182,54 @@ bool Clipboard_Key(Text_Edit* edit, int key) {
     }
 }
 
-/** Inserts a typed character: a byte of the system's code page, or a code point beyond it. */
-void Type(Text_Edit* edit, int key) {
-    if (key <= last_byte) {
-        const char byte = static_cast<char>(static_cast<unsigned char>(key));
-        edit->Insert({&byte, 1});
-    } else if (key < KEY_SPECIAL || key > KEY_SPECIAL + last_byte) {
-        edit->Insert_Code_Point(static_cast<std::uint32_t>(key));
+bool Is_First_Half(int number) {
+    return number >= first_half && number < second_half;
+}
+
+/** Inserts a character that comes as one or two numbers of UTF-16. @param first as for Type */
+void Type_Wide(Text_Edit* edit, int number, unsigned short before, unsigned short* first) {
+    if (Is_First_Half(number)) {
+        *first = static_cast<unsigned short>(number);
+        return;
     }
+    const bool joins = Is_First_Half(before) && number >= second_half && number <= last_half;
+    edit->Insert_Code_Point(static_cast<std::uint32_t>(
+        joins ? first_of_pairs + ((before - first_half) << half_bits) + (number - second_half) : number));
+}
+
+/** Inserts a typed character: a byte of the system's code page, or a number of UTF-16 beyond its single bytes.
+ *  @param first the first key code of a character whose second one is still to come, 0 for none; renewed */
+void Type(Text_Edit* edit, int key, unsigned short* first) {
+    const unsigned short before = std::exchange(*first, static_cast<unsigned short>(0));
+    if (key >= KEY_SPECIAL && key <= KEY_SPECIAL + last_byte) {
+        return;
+    }
+    // No single key makes a character of UTF-8 byte by byte: it comes whole.
+    if (key > last_byte || (key >= first_beyond_ascii && Code_Page_Is_Utf8())) {
+        Type_Wide(edit, key, before, first);
+        return;
+    }
+    const bool second = before != 0 && before <= last_byte;
+    const char byte = static_cast<char>(static_cast<unsigned char>(key));
+    const char typed[] = {second ? static_cast<char>(static_cast<unsigned char>(before)) : byte, second ? byte : '\0',
+                          '\0'};
+    if (Character_Bytes(typed) == 0) {
+        *first = static_cast<unsigned short>(key);
+        return;
+    }
+    edit->Insert(typed);
 }
 
 }  // namespace
 
 int Texts::Init(HWND init_window) {
-    if (init_window != nullptr) {
-        window = init_window;
-    }
     finished = false;
     key_seen = false;
     selecting = false;
+    typed_first = 0;
     caret = place_unset;
     anchor = place_unset;
-    Count_Init();
-    return 1;
+    return Widget_Init(*this, init_window);
 }
 
 void Texts::Draw() {
@@ -324,7 +359,9 @@ void Texts::Input(int key) {
     Text_Edit edit(text, TEXTS_SIZE, caret, anchor);
     if (!Edit_Key(&edit, code, Input_Key_Held(virtual_shift), Input_Key_Held(virtual_control)) &&
         !Clipboard_Key(&edit, code) && code >= first_printable) {
-        Type(&edit, code);
+        Type(&edit, code, &typed_first);
+    } else {
+        typed_first = 0;
     }
     caret = static_cast<short>(edit.Caret());
     anchor = static_cast<short>(edit.Anchor());

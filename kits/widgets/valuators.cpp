@@ -52,16 +52,12 @@ bool Paint(const Valuators& valuator, bool hovered, bool dragged) {
 }  // namespace
 
 int Valuators::Init(HWND init_window) {
-    if (init_window != nullptr) {
-        window = init_window;
-    }
     value = Slider_Range{minimum, maximum}.Clamp(value);
     if (Widget_Inactive(*this)) {
         dragged = false;
         hovered = false;
     }
-    Count_Init();
-    return 1;
+    return Widget_Init(*this, init_window);
 }
 
 void Valuators::Draw() {
@@ -111,7 +107,8 @@ void Valuators::Deselect() {
 }
 
 float Valuators::Scroll(int notches) {
-    const Slider_Range range{minimum, maximum};
-    value = range.Empty() ? value : range.Clamp(value + static_cast<float>(notches) * step);
+    if (!Widget_Inactive(*this)) {
+        value = Slider_Scrolled(value, notches, step, {minimum, maximum});
+    }
     return value;
 }

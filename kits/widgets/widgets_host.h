@@ -33,7 +33,8 @@ struct Input_Source {
     int (*button)(int button) = nullptr;
     /** Non-zero while a key is held. */
     int (*key)(int virtual_key) = nullptr;
-    /** Copies the clipboard's text into `out` of `size` bytes. @return its length, 0 for none */
+    /** Copies the clipboard's text, in the system's code page, into `out` of `size` bytes. @return its length, 0 for
+     * none */
     int (*clipboard_get)(char* out, int size) = nullptr;
     /** Puts a text on the clipboard. @return 1; 0 when that failed: a text to be cut stays then */
     int (*clipboard_set)(const char* text) = nullptr;
@@ -41,8 +42,9 @@ struct Input_Source {
 /** Replaces the source; a default Input_Source: the system. */
 KIT_WIDGETS_API void Input_Source_Set(const Input_Source& source);
 
-/** Tells the library the key code that is being handled, so that a list can apply it (Selects::Scroll(0)); 0
- * afterwards. */
+/** Tells the library the key code that is being handled, so that a list can apply it (Selects::Scroll(0)). To be called
+ * with the code before every Keyboard of a panel and with 0 after it; while there is none, Scroll(0) goes by the keys
+ * that are held. */
 KIT_WIDGETS_API void Key_In_Hand_Set(int key);
 
 /** Counts of widget operations that painted, since the last reset. */

@@ -156,10 +156,9 @@ void Window_Show(HWND window, const Rect& target, Surface& picture, std::span<co
     Device_Flush();
     Surface view = state->buffer.View(state->buffer_size.width, state->buffer_size.height);
     for (const Rect& part : parts) {
-        const Rect inside = Rect_Common(part, picture.Area());
+        const Rect inside = Rect_Common(part, picture.Held());
         const Rect there = {target.left + inside.left, target.top + inside.top, inside.width, inside.height};
-        view.Blit(there, picture.Pixels() + static_cast<std::ptrdiff_t>(inside.top) * picture.Stride() + inside.left,
-                  picture.Stride());
+        view.Blit(there, inside.Empty() ? nullptr : picture.Pixels_From(inside.left, inside.top), picture.Stride());
         Changed_Add(*state, Rect_Common(there, view.Area()));
     }
 }
@@ -193,10 +192,11 @@ Memory_Picture scratch_pictures[scratch_depth_max];
 int scratch_depth = 0;
 }  // namespace
 
-Scratch_Picture::Scratch_Picture(int width, int height) {
-    if (scratch_depth < scratch_depth_max && width > 0 && height > 0 &&
-        scratch_pictures[scratch_depth].Reserve(width, height)) {
-        view = scratch_pictures[scratch_depth].View(width, height);
+Scratch_Picture::Scratch_Picture(int width, int height, const Rect& held) {
+    if (scratch_depth < scratch_depth_max && !held.Empty() &&
+        scratch_pictures[scratch_depth].Reserve(held.width, held.height)) {
+        Surface pixels = scratch_pictures[scratch_depth].View(held.width, held.height);
+        view = Surface(pixels.Pixels(), width, height, held, pixels.Stride(), pixels.Get_DC());
         has_pixels = true;
     }
     scratch_depth++;

@@ -13,7 +13,9 @@ HDC Window_Buffer_DC(HWND window);
 /** A picture for a painter, by nesting depth, so that a painter inside another one does not share its pixels. */
 class Scratch_Picture {
   public:
-    Scratch_Picture(int width, int height);
+    Scratch_Picture(int width, int height) : Scratch_Picture(width, height, {0, 0, width, height}) {}
+    /** With pixels for the part `held` alone. */
+    Scratch_Picture(int width, int height, const Rect& held);
     ~Scratch_Picture();
     Scratch_Picture(const Scratch_Picture&) = delete;
     Scratch_Picture& operator=(const Scratch_Picture&) = delete;

@@ -264,6 +264,23 @@ TEST_F(Dialog_Layout_Test, every_element_has_its_look) {
     EXPECT_NE(looks[1].color.get(), looks[2].color.get()) << "Save";
 }
 
+TEST_F(Dialog_Layout_Test, a_font_scale_of_0_stays_the_library_s_own) {
+    Scalar("$INTERFACE_TITLE_FONT_SCALE", VARIABLE_SIGNED_16, 0);
+    for (const int scale : {0, 1}) {
+        Scalar("$INTERFACE_TOOL_FONT_SCALE", VARIABLE_SIGNED_16, scale);
+        Widget_Calls calls;
+        std::vector<int> scales;
+        Run({[&](HWND) {
+                 for (const Widget_Call& init : Inits(calls.calls)) {
+                     scales.push_back(init.state.font_scale);
+                 }
+             },
+             Save});
+        scales.resize(5, -1);
+        EXPECT_EQ(scales, scale == 0 ? (std::vector{0, 0, 0, 0, 0}) : (std::vector{0, 2, 2, 1, 1}));
+    }
+}
+
 TEST_F(Dialog_Layout_Test, painting_clears_the_texts_before_it_writes_them) {
     Put("Old");
     Widget_Calls calls;

@@ -160,9 +160,130 @@ TEST_F(Dialog_Text_Entry, what_stands_for_keys_or_pairs_is_left_out) {
     EXPECT_STREQ(buffer, "ab");
 }
 
-TEST_F(Dialog_Text_Entry, a_font_scale_of_0_stays_the_library_s_own) {
-    Scalar("$INTERFACE_TOOL_FONT_SCALE", VARIABLE_SIGNED_16, 0);
-    EXPECT_EQ(Run({Show, Save}), 1);
+/** The key codes that the entry is given, while they go on into it. */
+class Entry_Keys {
+  public:
+    Entry_Keys() : hook("", "Kit_Widgets.dll", "_ZN5Texts5InputEi", reinterpret_cast<void*>(&Input)) {
+        EXPECT_TRUE(hook.Is_Set());
+        real = reinterpret_cast<decltype(real)>(hook.Original());
+        codes.clear();
+    }
+    static inline std::vector<int> codes;
+
+  private:
+    static void Input(Texts* entry, int code) {
+        codes.push_back(code);
+        real(entry, code);
+    }
+    static inline void (*real)(Texts*, int) = nullptr;
+    Import_Hook hook;
+};
+
+/** A key as the dialog's message loop hands it on: what the system made of it waits in the queue, as UTF-16. The key
+ *  itself is one that has another letter on the keyboard of the tests. */
+void Key_With(HWND dialog, UINT message, wchar_t letter) {
+    ::PostMessageW(dialog, message, letter, 1);
+    ::SendMessageW(dialog, WM_KEYDOWN, 'Q', 1);
+}
+
+/** Makes the dialog a window whose messages carry UTF-16. */
+void Make_Wide(HWND dialog) {
+    ::SetWindowLongPtrW(dialog, GWLP_WNDPROC, ::GetWindowLongPtrW(dialog, GWLP_WNDPROC));
+    EXPECT_TRUE(::IsWindowUnicode(dialog));
+}
+
+TEST_F(Dialog_Text_Entry, letters_typed_key_by_key_arrive_whole) {
+    const std::wstring text = L"Gr\u00F6\u00DFe \u00DF \u00FC";
+    for (const bool wide : {false, true}) {
+        Put("Old");
+        EXPECT_EQ(Run({Show,
+                       [&](HWND dialog) {
+                           if (wide) {
+                               Make_Wide(dialog);
+                           } else {
+                               EXPECT_FALSE(::IsWindowUnicode(dialog));
+                           }
+                           for (const wchar_t letter : text) {
+                               Key_With(dialog, WM_CHAR, letter);
+                           }
+                       },
+                       Save}),
+                  1);
+        EXPECT_EQ(std::string(buffer), Bytes(text)) << "each once, in place of the selected text";
+    }
+}
+
+TEST_F(Dialog_Text_Entry, the_entry_gets_bytes_of_the_code_page_and_in_utf_8_numbers) {
+    struct Case {
+        UINT page;
+        std::vector<int> codes;
+    };
+    const Case cases[] = {{1252, {'G', 'r', 0xF6, 0xDF, 'e', 0x80}}, {CP_UTF8, {'G', 'r', 0xF6, 0xDF, 'e', 0x20AC}}};
+    for (const Case& one : cases) {
+        for (const bool wide : {false, true}) {
+            const Code_Page page(one.page);
+            const Entry_Keys keys;
+            Run({Show,
+                 [&](HWND dialog) {
+                     if (wide) {
+                         Make_Wide(dialog);
+                     }
+                     for (const wchar_t letter : L"Gr\u00F6\u00DFe\u20AC") {
+                         if (letter != 0) {
+                             Key_With(dialog, WM_CHAR, letter);
+                         }
+                     }
+                 },
+                 Save});
+            EXPECT_EQ(Entry_Keys::codes, one.codes) << one.page << ", wide " << wide;
+        }
+    }
+}
+
+TEST_F(Dialog_Text_Entry, an_accent_waits_for_its_letter) {
+    EXPECT_EQ(Run({Show,
+                   [](HWND dialog) {
+                       Key_With(dialog, WM_DEADCHAR, L'\u00B4');
+                       Key_With(dialog, WM_CHAR, L'\u00E9');
+                   },
+                   Save}),
+              1);
+    EXPECT_EQ(std::string(buffer), Bytes(L"\u00E9"));
+}
+
+TEST_F(Dialog_Text_Entry, keys_that_edit_come_as_characters_too) {
+    Put("Old");
+    EXPECT_EQ(Run({Show,
+                   [](HWND dialog) {
+                       ::SendMessageW(dialog, WM_KEYDOWN, VK_END, 1);
+                       Key_With(dialog, WM_CHAR, KEY_BACKSPACE);
+                       Key_With(dialog, WM_CHAR, 0x7F);  // with Ctrl
+                   },
+                   Save}),
+              1);
+    EXPECT_STREQ(buffer, "O");
+}
+
+TEST_F(Dialog_Text_Entry, the_end_of_the_program_is_left_to_the_message_loop) {
+    MSG quit = {};
+    EXPECT_EQ(Run({Show,
+                   [&](HWND dialog) {
+                       ::PostQuitMessage(7);
+                       ::SendMessageW(dialog, WM_KEYDOWN, VK_END, 1);
+                       EXPECT_TRUE(::PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+                   },
+                   Save}),
+              1);
+    EXPECT_EQ(quit.message, static_cast<UINT>(WM_QUIT));
+    EXPECT_EQ(quit.wParam, 7U);
+}
+
+TEST_F(Dialog_Text_Entry, keys_come_through_the_dialogs_own_loop) {
+    Put("Old");
+    EXPECT_EQ(Run({Show, [](HWND dialog) { ::PostMessageW(dialog, WM_KEYDOWN, VK_HOME, 1); },
+                   [](HWND dialog) { ::PostMessageW(dialog, WM_KEYDOWN, 'X', 1); }, [](HWND) {}, Save}),
+              1);
+    EXPECT_STREQ(buffer, "xOld");
 }
 
 }  // namespace

@@ -139,6 +139,54 @@ TEST_F(Tool_DB_Edit_Test, a_drop_into_the_own_subtree_is_the_hosts_to_refuse) {
     EXPECT_EQ(Text(), "root(a(c(d,e,b,f)),g)");
 }
 
+TEST_F(Tool_DB_Edit_Test, what_the_host_takes_away_during_a_drop_is_left_alone) {
+    for (const char* const taken : {"e", "a"}) {
+        Make_Study();
+        Draw();
+        Tree_Calls calls;
+        calls.on_update = [&](unsigned __int64) {
+            Object* const object = Object_Of(taken);
+            if (Object* const parent = object->Parent_Get_Pt()) {
+                parent->Child_Remove(object);
+            }
+        };
+        Press_On("c", Edit_Zone::Children_Handle);
+        EXPECT_EQ(Release_On("a", Edit_Zone::Children_Handle), 2);
+        const Calls made = calls.Take();
+        EXPECT_EQ(std::count(made.begin(), made.end(), "redraw(0x3fff, -, -, -)"), 1) << "only the first one was moved";
+        EXPECT_EQ(Text_Of(Object_Of("c")), *taken == 'e' ? "c" : "c(e)");
+        EXPECT_EQ(Text(), *taken == 'e' ? "root(a(b,c,f,d),g)" : "root(g)");
+        Records_Free();
+        objects.clear();
+    }
+}
+
+TEST_F(Tool_DB_Edit_Test, classes_outside_the_hosts_tree_are_moved_and_renamed_too) {
+    Make_Study();
+    Draw();
+    Variable_Undefine(Scene_2D::ROOT);
+    Press_On("c", Edit_Zone::Children_Handle);
+    EXPECT_EQ(Release_On("a", Edit_Zone::Children_Handle), 2);
+    EXPECT_EQ(Text(), "root(a(b,c,f,d,e),g)");
+    typed_name.typed = "new";
+    EXPECT_EQ(Press_On("b", Edit_Zone::Body, RIGHT_PRESS), 1);
+    EXPECT_STREQ(Object_Of("b")->Name_Get(), "new");
+}
+
+TEST_F(Tool_DB_Edit_Test, a_motion_over_a_copy_of_the_panel_leaves_the_lines_of_a_drag) {
+    Make_Study();
+    Draw();
+    Press_On("b", Edit_Zone::Parent_Handle);
+    Point_At_Tree(300, 330);
+    ASSERT_EQ(Motion(LEFT_DRAG), 1);
+    const Window_Picture with_lines = Pixels();
+    Boxs copy = box;
+    copy.x += 40;
+    copy.width -= 40;
+    DB_Edit_Motion_DB(mode, &copy, 0, nb, list_pt, &horizontal, &vertical);
+    EXPECT_EQ(Pixels(), with_lines);
+}
+
 TEST_F(Tool_DB_Edit_Test, a_drag_over_a_rebuild_is_forgotten) {
     Make_Study();
     Draw();

@@ -84,6 +84,30 @@ TEST_F(Panel_Events, a_release_over_another_panel_ends_nothing) {
     }
 }
 
+TEST_F(Panel_Events, a_press_in_another_panel_leaves_no_band_behind) {
+    Wide_View other;
+    Show(other);
+    Wide_View panel;
+    Show(panel);
+    const Window_Picture before = Pixels();
+    Point_At_Row(panel, 4);
+    EXPECT_EQ(panel.Click(LEFT_PRESS), 1);
+    Point_At_Row(panel, 8);
+    EXPECT_EQ(panel.Motion(LEFT_DRAG), 1);
+    ASSERT_TRUE(db_drag.band_shown);
+    ASSERT_NE(Pixels(), before);
+    EXPECT_EQ(other.Click(LEFT_PRESS), 1) << "the release of the first drag went astray";
+    EXPECT_FALSE(db_drag.band_shown) << "the band is not in this tree";
+    Point_At(1, 1);
+    EXPECT_EQ(panel.Motion(LEFT_DRAG), 0);
+    EXPECT_EQ(Pixels(), before) << "its own panel takes it away";
+    EXPECT_TRUE(db_drag.Is_Of(&other.list_box));
+    panel.calls.clear();
+    Point_At_Row(panel, 8);
+    EXPECT_EQ(panel.Click(RELEASE), 1);
+    EXPECT_EQ(panel.calls, Calls{}) << "its drag is lost";
+}
+
 TEST_F(Panel_Events, a_copy_that_ends_or_is_built_anew_leaves_the_drag_of_the_other) {
     Wide_View panel;
     Show(panel);

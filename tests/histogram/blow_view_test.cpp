@@ -138,16 +138,28 @@ Blow_View Cut_View(const Blow_Area& area) {
     return view;
 }
 
-TEST(Blow_View, A_Rectangle_Is_The_Part_Of_The_Picture_That_It_Was_Drawn_On) {
+TEST(Blow_View, A_Rectangle_Begins_From_Where_The_View_Stands_Also_Where_It_Is_Cut_Off) {
     Blow_Area area = AREA;
     area.width *= 2;
     Blow_View view = Cut_View(area);
-    const Blow_Range shown = view.Visible_X();
-    const float extent = shown.end - shown.start;
-    const int x = area.left + area.width / 4;
-    ASSERT_TRUE(view.Zoom_Rectangle({x, x + area.width / 2, 100, 200}));
-    EXPECT_NEAR(view.Visible_X().start, shown.start + extent * 0.25F, 0.01F);
-    EXPECT_NEAR(view.Visible_X().end, shown.start + extent * 0.75F, 0.01F);
+    const Blow_Step x = view.X().at;
+    const Blow_Step y = view.Y().at;
+    ASSERT_TRUE(view.Zoom_Rectangle({area.left + 100, area.left + 450, area.bottom + 30, area.bottom + 180}));
+    EXPECT_EQ(view.X().at.origin, x.origin + 100.0F * x.scale);
+    EXPECT_EQ(view.X().at.scale, x.scale * 350.0F / 1400.0F);
+    EXPECT_EQ(view.Y().at.origin, y.origin + 30.0F * y.scale);
+    EXPECT_EQ(view.Y().at.scale, y.scale * 150.0F / 300.0F);
+}
+
+TEST(Blow_View, A_Rectangle_Begins_From_Where_The_View_Stands_Also_Below_The_Data) {
+    Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
+    ASSERT_TRUE(view.Zoom_Rectangle({AREA.left, AREA.left + 350, AREA.bottom, AREA.bottom + 300}));
+    view.Full_View_Set(Record_Of(1001, 200.0F, 1.0F, 1000), AREA);  // data that begin further right
+    const Blow_Step x = view.X().at;
+    ASSERT_GT(view.Visible_X().start, x.origin);
+    ASSERT_TRUE(view.Zoom_Rectangle({AREA.left + 70, AREA.left + 700, AREA.bottom, AREA.bottom + 300}));
+    EXPECT_EQ(view.X().at.origin, x.origin + 70.0F * x.scale);
+    EXPECT_EQ(view.X().at.scale, x.scale * 630.0F / 700.0F);
 }
 
 TEST(Blow_View, The_Wheel_Begins_From_Where_The_View_Stands_And_Not_From_What_Is_Left_Of_It) {

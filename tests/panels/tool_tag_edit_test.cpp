@@ -295,15 +295,34 @@ TEST_F(Tag_Edit, a_click_on_the_edited_button_cancels_and_picks_it) {
 
 TEST_F(Tag_Edit, a_right_press_on_another_button_draws_the_first_one_again) {
     Lay_Out();
-    Take_Counters();
-    Open_Editor(panel, model, 9);
-    const unsigned int draws_of_opening = Take_Counters().draws;
-    panel.Leave();
     Open_Editor(panel, model, 6);
+    Type(panel, "gone");
+    window.Wipe();
+    const Window_Picture wiped = Pixels();
     Take_Counters();
-    Open_Editor(panel, model, 9);
-    EXPECT_EQ(Take_Counters().draws, draws_of_opening + 1);
+    EXPECT_EQ(Open_Editor(panel, model, 9), NONE);
+    const unsigned int draws = Take_Counters().draws;
+    const Window_Picture shown = Pixels();
+    int left_of_first = 0;
+    int left_of_second = 0;
+    int drawn_elsewhere = 0;
+    for (int y = 0; y < WINDOW_HEIGHT; y++) {
+        for (int x = 0; x < WINDOW_WIDTH; x++) {
+            const bool is_drawn = shown.At(x, y) != wiped.At(x, y);
+            const int label = model.At(x, y);
+            left_of_first += label == 6 && !is_drawn ? 1 : 0;
+            left_of_second += label == 9 && !is_drawn ? 1 : 0;
+            drawn_elsewhere += label != 6 && label != 9 && is_drawn ? 1 : 0;
+        }
+    }
+    EXPECT_EQ(left_of_first, 0) << "the button of the first edit is there again";
+    EXPECT_EQ(left_of_second, 0);
+    EXPECT_EQ(drawn_elsewhere, 0);
+    EXPECT_EQ(draws, 3U) << "button 9 pressed, button 6 by the end of its edit, the editor";
     EXPECT_TRUE(Is_Editing());
+    panel.Leave();
+    Expect_Shows("nothing of either edit is left");
+    EXPECT_EQ(Press_Label(panel, model, 6), 6);
 }
 
 TEST_F(Tag_Edit, a_right_press_on_another_button_moves_the_edit_there) {

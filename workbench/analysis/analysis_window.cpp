@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "histogram/histo_peak.h"
+#include "histogram/histo_peaks.h"
 #include "histogram/tool_histo.h"
 #include "kits/common/messages.h"
 #include "kits/widgets/widgets_host.h"
@@ -124,13 +125,7 @@ void Analysis_Window::Analyse(Fit fit) {
 }
 
 void Analysis_Window::Fit_Gaussian() {
-    // Only the user's fit is told: the priming fit before it is nobody's business.
-    Analyse([this](Tool_Histo& panel) {
-        Message_Receiver_Remove(Receive, this);
-        repeatable_fit.Prime();
-        Message_Receiver_Add(Receive, this);
-        panel.Fit_Gaussian();
-    });
+    Analyse([](Tool_Histo& panel) { Histo_Fit_Repeatable(panel); });
 }
 
 void Analysis_Window::Fit_Derivative(int peaks) {

@@ -11,12 +11,12 @@
 #include "host/kit_widgets.h"
 #include "workbench/analysis/fit_log.h"
 #include "workbench/analysis/peak_table.h"
-#include "workbench/analysis/repeatable_fit.h"
 #include "workbench/look.h"
 #include "workbench/model/wheel_notches.h"
 
 struct Accessible_Part;
 struct Accessible_Source;
+class Tool_Histo;
 
 /** What the window needs of the application. */
 struct Analysis_Host {
@@ -92,7 +92,6 @@ class Analysis_Window {
 
     Look& look;
     Analysis_Host host;
-    Repeatable_Fit repeatable_fit;
     HWND window = nullptr;
     Buttons gauss_button;
     Buttons derivative_button;

@@ -308,6 +308,11 @@ TEST(Matrix, One_That_Is_Too_Large_For_Memory_Is_Invalid_And_Usable) {
     Matrix_NxM huge(0xFFFFFFFFU, 0xFFFFFFFFU, 8);
     EXPECT_NE(huge.Invalid(0), 0);
     EXPECT_EQ(huge.Columns(), 0U);
+    EXPECT_NE(huge.Invalid(1), 0);
+    EXPECT_NE(huge.Invalid(0), 0) << "what could not be made stays so";
+    Matrix_NxM copy = huge;
+    EXPECT_NE(copy.Invalid(1), 0);
+    EXPECT_NE(copy.Invalid(0), 0);
     EXPECT_NE((!huge).Invalid(0), 0);
     EXPECT_NE((huge * huge).Invalid(0), 0);
     EXPECT_EQ((huge * Vector_N(0, 8)).Size(), 0U);

@@ -80,3 +80,30 @@ TEST(Message_Runs, Never_Show_A_Style_Byte) {
     const std::string plain = Message_Plain("\xF1\x05\x01\x02\x02\x01\xF1\x09t\x01\x02\xF1\x05");
     EXPECT_EQ(plain, "t");
 }
+
+TEST(Message_Runs, Are_Not_Empty_But_For_An_Indent_Before_Another_Style) {
+    Expect_Runs(
+        "\xF1\x09\x02"
+        "abc",
+        {{Plain, "abc"}});
+    Expect_Runs(
+        "\xF1\x09\xF1\x09"
+        "abc",
+        {{Indented, "abc"}});
+    Expect_Runs(
+        "\xF1\x09\x01\xF1\x09"
+        "abc",
+        {{Indented, "abc"}});
+    Expect_Runs("a\xF1\x09", {{Plain, "a"}});
+    Expect_Runs("a\xF1\x09\x02", {{Plain, "a"}});
+    Expect_Runs("a\xF1\x09\x01", {{Plain, "a"}});
+    Expect_Runs(
+        "\xF1\x09\xF1\x05"
+        "w",
+        {{Indented, ""}, {Warning, "w"}});
+    Expect_Runs(
+        "\xF1\x09"
+        "a\x02\xF1\x09"
+        "b",
+        {{Indented, "a"}, {Indented, "b"}});
+}

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "host/kit_common.h"
+#include "kits/common/text_conversion.h"
 
 namespace {
 
@@ -47,6 +47,21 @@ TEST(Wide_Text, Of_Nothing_Is_Empty) {
     EXPECT_EQ(Char_2_Wchar("a", out, -1), 0);
     EXPECT_EQ(out[0], L'#');
 }
+
+#if defined(_WIN32)
+TEST(Characters, Of_A_Double_Byte_Page_Take_Two_Bytes_After_A_Lead_Byte) {
+    constexpr unsigned int JAPANESE = 932;
+    EXPECT_EQ(Character_Bytes_In(JAPANESE, "\x83\x5C"), 2) << "its second byte is a backslash elsewhere";
+    EXPECT_EQ(Character_Bytes_In(JAPANESE, "\xB1\xB2"), 1) << "half width";
+    EXPECT_EQ(Character_Bytes_In(JAPANESE, "\x83"), 0) << "cut off";
+    EXPECT_EQ(Character_Bytes_In(JAPANESE, "a"), 1);
+    EXPECT_EQ(Character_Bytes_In(JAPANESE, ""), 0);
+    constexpr unsigned int WESTERN = 1252;
+    EXPECT_EQ(Character_Bytes_In(WESTERN, "\xDF\x96"), 1);
+    constexpr unsigned int UTF8 = 65001;
+    EXPECT_EQ(Character_Bytes_In(UTF8, "\xE2\x82\xAC"), 3);
+}
+#endif
 
 #if !defined(_WIN32)
 TEST(Wide_Text, Drops_A_Character_That_The_End_Cuts_Off) {

@@ -226,3 +226,28 @@ TEST(Frame_Histogram, Needs_A_Frame_And_A_Grid) {
     Level_Frame empty(nullptr, 1, 1, 1, 1, 1.0F, 0.0F, false);
     EXPECT_EQ(Frame_Histogram_Build(&empty, {}, nullptr), 0);
 }
+
+TEST(Frame_Histogram, Needs_A_Grid_Of_Finite_Numbers_And_A_Frame_With_Pixels) {
+    const std::vector<std::int32_t> levels = {1, 2, 3, 4};
+    Level_Frame frame(levels.data(), 2, 2, 1, 1, 1.0F, 0.0F, false);
+    for (const Histo_Grid& grid : {Histo_Grid{NAN, 1.0F, 10},
+                                   {INFINITY, 1.0F, 10},
+                                   {-INFINITY, 1.0F, 10},
+                                   {0.0F, INFINITY, 10},
+                                   {0.0F, NAN, 10},
+                                   {0.0F, 0.0F, 10},
+                                   {0.0F, -1.0F, 10}}) {
+        ASSERT_EQ(Frame_Histogram_Build(&frame, {0.0F, 1.0F, 10}, nullptr), 1);
+        EXPECT_EQ(Frame_Histogram_Build(&frame, grid, nullptr), 0);
+        EXPECT_EQ(frame.Histogram_Get(), nullptr);
+    }
+    for (unsigned short Quorel_2D_Frame::*dimension :
+         {&Quorel_2D_Frame::width, &Quorel_2D_Frame::height, &Quorel_2D_Frame::slices, &Quorel_2D_Frame::times}) {
+        const unsigned short before = frame.*dimension;
+        frame.*dimension = 0;
+        EXPECT_EQ(Frame_Histogram_Build(&frame, {0.0F, 1.0F, 10}, nullptr), 0);
+        frame.*dimension = before;
+    }
+    Level_Frame color(levels.data(), 2, 2, 1, 1, 1.0F, 0.0F, true);
+    EXPECT_EQ(Frame_Histogram_Build(&color, {NAN, NAN, 0}, nullptr), 1) << "a colour frame has bins of its own";
+}

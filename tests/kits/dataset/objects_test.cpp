@@ -323,3 +323,17 @@ TEST(Object, The_Child_That_A_Window_Shows_Has_A_Position) {
     EXPECT_EQ(volume.Child_Get_Cur(All_Windows()), -1);
     Window_Frame_Set(&window, nullptr);
 }
+
+TEST(Object, A_Destroyed_Volume_Leaves_The_Windows_That_Show_It) {
+    Quorel_Window first;
+    Quorel_2D stays;
+    auto second = std::make_unique<Quorel_Window>();
+    Quorel_Window third;
+    auto volume = std::make_unique<Quorel_2D>();
+    first.volume = second->volume = volume.get();
+    third.volume = &stays;
+    second.reset();
+    volume.reset();
+    EXPECT_EQ(first.volume, nullptr);
+    EXPECT_EQ(third.volume, &stays);
+}

@@ -105,6 +105,31 @@ TEST_P(Axes_Test, NothingIsDrawnWithoutARangeAnAreaOrADeviceContext) {
     EXPECT_EQ(window.Read(), before);
 }
 
+TEST_P(Axes_Test, TitlesAsLongAsTheBoxStayInside) {
+    for (int of_height = 70; of_height <= 160; of_height++) {
+        window.Wipe();
+        box.height = static_cast<short>(of_height);
+        box.width = static_cast<short>(of_height + 60);
+        box.y = 40;
+        box.x = 40;
+        area = Plot_Window_Area(box, "mnopqrstuvwx", "mnopqrstuvwx");
+        HDC dc = Y_setup(window.Get(), "axes test");
+        for (const char* title : {"Number of Pixels", "jjj Wavy fff", "mnop mnop mnop"}) {
+            Plot_Window_Axes_X(dc, box, area, title, 0, 255);
+            Plot_Window_Axes_Y(dc, box, area, title, 0, 12000);
+        }
+        Y_release(window.Get(), dc);
+        const Window_Picture picture = window.Read();
+        const Rect outer = Device(box.x, box.y, box.width, box.height);
+        for (int y = 0; y < height; y++) {
+            for (int x = 0; x < width; x++) {
+                ASSERT_TRUE(outer.Contains({x, y}) || picture.At(x, y) == Test_Window::marker)
+                    << x << "," << y << " height " << of_height;
+            }
+        }
+    }
+}
+
 TEST_P(Axes_Test, MissingTitlesAreAllowed) {
     HDC dc = Y_setup(window.Get(), "axes test");
     EXPECT_EQ(Plot_Window_Axes_X(dc, box, area, nullptr, 0, 1), 1);

@@ -134,6 +134,44 @@ TEST(AxisLayout, WideNumbersAreShortenedRatherThanLost) {
     EXPECT_EQ(y.labels.back().text.back(), 'k');
 }
 
+namespace {
+std::vector<Plot_Label> Numbers_Of(const Axis_Layout& layout, const Axis_Request& request) {
+    std::vector<Plot_Label> numbers = layout.labels;
+    std::erase_if(numbers, [&](const Plot_Label& label) { return label.text == request.title; });
+    return numbers;
+}
+}  // namespace
+
+TEST(AxisLayout, TwoNumbersStandWhereverTwoHaveRoom) {
+    for (const auto& [from, to] : {std::pair{3.0F, 8.0F}, {4.0F, 9.5F}, {0.9F, 4.2F}, {-3.0F, 1.0F}, {12.0F, 19.0F}}) {
+        for (int length = 20; length <= 120; ++length) {
+            // A number is at most four characters, 28 pixels and a gap of 8; it may reach beyond the area's ends.
+            Axis_Request x = Request(600, 400, from, to, "");
+            x.area = {60, 20, 60 + length, 320};
+            if (length >= 60) {
+                EXPECT_GE(Numbers_Of(Axis_Layout_X(x), x).size(), 2U) << from << " to " << to << ", " << length;
+            }
+            Axis_Request y = Request(600, 400, from, to, "");
+            y.area = {60, 20, 560, 20 + length};
+            if (length >= 2 * line_height + 8) {
+                EXPECT_GE(Numbers_Of(Axis_Layout_Y(y), y).size(), 2U) << from << " to " << to << ", " << length;
+            }
+        }
+    }
+}
+
+TEST(AxisLayout, ATurnedTitleIsAsLongAsItsTurnedLetters) {
+    Axis_Request request = Request(600, 400, 0, 255, "Pixels");
+    request.width_upwards = [](const std::string& text) { return static_cast<int>(text.size()) * 9; };
+    const Axis_Layout layout = Axis_Layout_Y(request);
+    ASSERT_TRUE(layout.labels[0].upwards);
+    EXPECT_EQ(layout.labels[0].rect.Height(), 6 * 9);
+    request.width_upwards = [](const std::string&) { return 1000; };
+    for (const Plot_Label& label : Axis_Layout_Y(request).labels) {
+        EXPECT_FALSE(label.upwards) << "it would leave the box";
+    }
+}
+
 TEST(AxisLayout, NumbersAreCentredUnderTheirTicks) {
     const Axis_Request request = Request(600, 400, 0, 100, "");
     const Axis_Layout x = Axis_Layout_X(request);

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "kits/dataset/dataset_host.h"
+#include "kits/widgets/painter.h"
 #include "kits/widgets/theme.h"
 #include "tests/kits/widgets/test_window.h"
 
@@ -47,6 +48,50 @@ TEST_P(Boxs_Test, DrawPaintsBorderAndInsideAndNothingElse) {
                                            : outer.Contains({x, y})        ? line
                                                                            : Test_Window::marker;
             ASSERT_EQ(picture.At(x, y), expected) << x << "," << y;
+        }
+    }
+}
+
+TEST_P(Boxs_Test, OneFarLargerThanItsWindowIsPaintedInAPictureOfTheWindowsSize) {
+    Boxs box = Framed_Box(window.Get());
+    box.x = -9000;
+    box.y = -9000;
+    box.width = 24000;
+    box.height = 24000;
+    box.Draw();
+    const Window_Picture picture = window.Read();
+    for (const std::uint32_t pixel : picture.pixels) {
+        ASSERT_EQ(pixel, Rgb_Of(box.color));
+    }
+    Painter painter(box);
+    ASSERT_TRUE(painter);
+    EXPECT_EQ(painter.Picture().Held().width, window_width);
+    EXPECT_EQ(painter.Picture().Held().height, window_height);
+    EXPECT_EQ(painter.Area(), (Rect{0, 0, 24000, 24000}));
+    painter.Show_Nothing();
+}
+
+TEST_P(Boxs_Test, OnePartlyInItsWindowShowsThatPart) {
+    Boxs box = Framed_Box(window.Get());
+    box.Set_Name("A title that is cut");
+    box.Draw();
+    const Window_Picture whole = window.Read();
+    window.Wipe();
+    const Rect before = Device(box, GetParam());
+    box.x = static_cast<short>(box.x - 20);
+    box.y = static_cast<short>(box.y + (GetParam() == Window_Axis::Up ? 35 : -20));
+    box.Draw();
+    const Window_Picture part = window.Read();
+    const Rect now = Device(box, GetParam());
+    const Rect seen = Rect_Common(now, {0, 0, window_width, window_height});
+    ASSERT_LT(seen.width, now.width);
+    ASSERT_LT(seen.height, now.height);
+    for (int y = 0; y < window_height; y++) {
+        for (int x = 0; x < window_width; x++) {
+            const std::uint32_t expected = seen.Contains({x, y})
+                                               ? whole.At(x - now.left + before.left, y - now.top + before.top)
+                                               : Test_Window::marker;
+            ASSERT_EQ(part.At(x, y), expected) << x << "," << y;
         }
     }
 }

@@ -7,6 +7,7 @@
 
 #include "host/kit_widgets.h"
 #include "kits/widgets/theme.h"
+#include "tests/kits/widgets/other_code_page.h"
 #include "tests/kits/widgets/test_window.h"
 
 namespace {
@@ -154,10 +155,42 @@ TEST(ButtonCaption, IsCutAt39Characters) {
 TEST(ButtonCaption, CutNeverSplitsACharacter) {
     Buttons button;
     button.Set_Name("%s\xC3\xA9", std::string(38, 'x').c_str());
-    EXPECT_EQ(std::string(button.name), std::string(38, 'x'));
+    const bool is_one = Character_Length("\xC3\xA9", 0) == 2;  // in a Western page it is two letters
+    EXPECT_EQ(std::string(button.name), std::string(38, 'x') + (is_one ? "" : "\xC3"));
     button.Set_Name("%s\xC3\xA9", std::string(37, 'x').c_str());
     EXPECT_EQ(std::string(button.name), std::string(37, 'x') + "\xC3\xA9");
 }
+
+#if defined(_WIN32)
+TEST(ButtonCaption, OfADoubleBytePageIsCutBetweenLetters) {
+    const Other_Code_Page japanese(PAGE_JAPANESE);
+    std::string letters;
+    for (int i = 0; i < 60; i++) {
+        letters += "\x83\x5C";  // the second byte is a letter of its own elsewhere
+    }
+    Buttons button;
+    button.Set_Name("%s", letters.c_str());
+    EXPECT_EQ(std::string(button.name), letters.substr(0, 38));
+    button.Set_Name("a%s", letters.c_str());
+    EXPECT_EQ(std::string(button.name), "a" + letters.substr(0, 38));
+    Tools tool;
+    tool.Set_Name("%s", letters.c_str());
+    EXPECT_EQ(std::string(tool.name), letters);
+    tool.Set_Name("%s%s", letters.c_str(), letters.c_str());
+    EXPECT_EQ(std::string(tool.name), (letters + letters).substr(0, TOOLS_NAME_SIZE - 2));
+}
+
+TEST(ButtonCaption, OfADoubleBytePageIsShortenedBetweenLettersWhereRoomIsShort) {
+    const Other_Code_Page japanese(PAGE_JAPANESE);
+    const std::string letters = "\x83\x5C\x83\x5C\x83\x5C";
+    const int whole = Text_Width(letters, {});
+    for (int room = 0; room < whole; room++) {
+        EXPECT_EQ(Text_Fit(letters, {}, room) % 2, 0U) << room;
+    }
+    EXPECT_EQ(Character_Before(letters, 6), 4U);
+    EXPECT_EQ(Character_Before(letters, 5), 4U);
+}
+#endif
 
 TEST(ButtonCaption, StaysCutInCopies) {
     Buttons original;
@@ -456,3 +489,39 @@ TEST(ButtonCaption, ATallNarrowButtonsCaptionReadsUpwards) {
     EXPECT_LT(last_row - first_row, 80);
 }
 #endif
+
+TEST(ButtonCaptions, AdjustLeavesACaptionThatReadsUpwardsWhole) {
+    const Test_Window window(window_width, window_height, Window_Axis::Down);
+    Buttons button = Grid_Button(window.Get());
+    button.width = 16;
+    button.height = 50;
+    button.y = 5;
+    button.Set_Name("123456");
+    button.Init(window.Get());
+    for (const unsigned short current : {std::uint16_t{0}, std::uint16_t{1}}) {
+        button.current = current;
+        button.Draw();
+        const Window_Picture drawn = window.Read();
+        button.Adjust();
+        EXPECT_EQ(window.Read(), drawn) << current;
+    }
+}
+
+TEST_F(Buttons_Test, AnImageThatIsNotShownIsReadWhenItComesIntoSight) {
+    button.image[1][button.width * 5 + 20] = 0x00FF00;
+    Point_Outside();
+    EXPECT_EQ(button.Select(0), 0);
+    EXPECT_EQ(Draws(), 0U) << "nothing that is seen has changed";
+    Point_Inside();
+    EXPECT_NE(button.Select(0), 0);
+    const Rect outer = Device(button);
+    EXPECT_EQ(window.Read().At(outer.left + 20, outer.top + 5), 0x00FF00U);
+    button.image[3][0] ^= 0xFFU;  // seen in the frame of a current button only
+    EXPECT_NE(button.Select(0), 0);
+    EXPECT_EQ(Draws(), 1U);
+    button.current = 1;
+    button.Draw();
+    button.image[3][0] ^= 0xFFU;
+    EXPECT_NE(button.Select(0), 0);
+    EXPECT_EQ(Draws(), 3U);
+}

@@ -1,6 +1,11 @@
+#if defined(_WIN32)
+#include <windows.h>
+#endif
+
 #include <gtest/gtest.h>
 
 #include "host/kit_widgets.h"
+#include "tests/kits/widgets/other_code_page.h"
 
 namespace {
 constexpr unsigned int key_down = 0x100;
@@ -41,3 +46,38 @@ TEST(ParseDialog, TranslatesTheKeyItself) {
     EXPECT_EQ(Parse_Dialog(nullptr, key_up, '5', 0), 0);
     EXPECT_EQ(Parse_Dialog(nullptr, key_down, 0x10, 0), 0);
 }
+
+#if defined(_WIN32)
+TEST(ParseKeyboard, CharactersOfAUnicodeWindowBecomeBytesOfTheCodePage) {
+    const HWND wide = ::CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    ASSERT_NE(wide, nullptr);
+    EXPECT_EQ(Parse_Keyboard(wide, character, 'a', 0), 'a');
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0xE9, 0), 0xE9);
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0x2013, 0), 0x96);  // a dash
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0x20AC, 0), 0x80);
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0x4E00, 0), 0);  // not in the Western page
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0x821, 0), 0);   // would be taken for Page Up
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0x96, 0), 0);    // a control character there
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0x7F, 0), KEY_BACKSPACE);
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0xD83D, 0), 0);  // no page but UTF-8 has pairs
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0xDE00, 0), 0);
+    ::DestroyWindow(wide);
+}
+
+TEST(ParseKeyboard, CharactersOfAUnicodeWindowWithoutASingleByteKeepTheirNumbers) {
+    const HWND wide = ::CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    ASSERT_NE(wide, nullptr);
+    {
+        const Other_Code_Page japanese(PAGE_JAPANESE);
+        EXPECT_EQ(Parse_Keyboard(wide, character, 0x4E00, 0), 0x4E00);
+        EXPECT_EQ(Parse_Keyboard(wide, character, 0xFF71, 0), 0xB1);  // half width: a single byte
+        EXPECT_EQ(Parse_Keyboard(wide, character, 0xD83D, 0), 0);
+    }
+    const Other_Code_Page utf8(PAGE_UTF8);
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0xE9, 0), 0xE9);
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0x4E00, 0), 0x4E00);
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0xD83D, 0), 0xD83D);
+    EXPECT_EQ(Parse_Keyboard(wide, character, 0xDE00, 0), 0xDE00);
+    ::DestroyWindow(wide);
+}
+#endif

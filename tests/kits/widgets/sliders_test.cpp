@@ -203,6 +203,18 @@ TEST_P(Sliders_Test, maximum_below_the_minimum_leaves_the_panels_value_alone) {
     EXPECT_EQ(-4.0F, slider.Read());
 }
 
+TEST_P(Sliders_Test, equal_ends_have_one_value) {
+    slider.minimum = slider.maximum = 30.0F;
+    slider.value = 45.0F;
+    slider.Init(nullptr);
+    EXPECT_EQ(30.0F, slider.value);
+    slider.value = 7.0F;
+    slider.Adjust();
+    EXPECT_EQ(30.0F, slider.value);
+    slider.value = 7.0F;
+    EXPECT_EQ(30.0F, slider.Scroll(2));
+}
+
 TEST_P(Sliders_Test, position_pushed_beyond_the_range_returns_at_the_next_init_or_adjust) {
     slider.value = -12.0F;
     slider.Init(nullptr);

@@ -13,7 +13,8 @@ TEST(Tools, SetNameFormatsAndCutsAtTheField) {
     tool.Set_Name("%s", std::string(500, 'x').c_str());
     EXPECT_EQ(std::string(tool.name), std::string(TOOLS_NAME_SIZE - 1, 'x'));
     tool.Set_Name("%s%s", std::string(TOOLS_NAME_SIZE - 2, 'x').c_str(), "\xE2\x82\xAC");
-    EXPECT_EQ(std::string(tool.name), std::string(TOOLS_NAME_SIZE - 2, 'x'));
+    const bool is_one = Character_Length("\xE2\x82\xAC", 0) == 3;  // in a Western page it is three letters
+    EXPECT_EQ(std::string(tool.name), std::string(TOOLS_NAME_SIZE - 2, 'x') + (is_one ? "" : "\xE2"));
 }
 
 TEST(Tools, SetNameMayReadTheCaptionThatItReplaces) {

@@ -122,3 +122,21 @@ TEST_P(Valuators_Test, without_room_for_its_mark_it_keeps_its_value) {
     EXPECT_NE(0, valuator.Select(left_press));
     EXPECT_EQ(0.4F, valuator.Read());
 }
+
+TEST_P(Valuators_Test, equal_ends_have_one_value_and_ends_that_cross_leave_it_alone) {
+    valuator.minimum = valuator.maximum = 0.5F;
+    valuator.value = 0.75F;
+    valuator.Init(nullptr);
+    EXPECT_EQ(0.5F, valuator.value);
+    valuator.value = 0.25F;
+    EXPECT_EQ(0.5F, valuator.Scroll(-1));
+    valuator.maximum = 0.25F;
+    valuator.value = 0.75F;
+    valuator.Init(nullptr);
+    EXPECT_EQ(0.75F, valuator.Scroll(1));
+}
+
+TEST_P(Valuators_Test, one_that_does_not_react_ignores_the_wheel_too) {
+    valuator.style |= STYLE_INACTIVE;
+    EXPECT_EQ(1.0F, valuator.Scroll(-3));
+}
