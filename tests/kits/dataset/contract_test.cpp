@@ -66,6 +66,10 @@ TEST_F(Contract, counts_beyond_what_panels_show_or_beyond_their_arrays_are_repor
     Variable_Define_Array("$BRUSH_SIZE", VARIABLE_UNSIGNED_16, 9);
     EXPECT_EQ(Contract_Check_Variables(), 1);
     EXPECT_EQ(Take(), (Texts{"WARNING: Contract: count cap: $BRUSH_NB is 9, panels show 8"}));
+    Variable_Define_Array("$BRUSH_PT", VARIABLE_POINTER, 8);
+    EXPECT_EQ(Contract_Check_Variables(), 1);
+    EXPECT_EQ(Take(), (Texts{"WARNING: Contract: count cap: $BRUSH_PT has 8 elements, $BRUSH_NB is 9"}));
+    Variable_Undefine("$BRUSH_PT");
     Variable_Undefine("$BRUSH_NB");
     Variable_Undefine("$BRUSH_SIZE");
     Variable_Undefine("$MARKER_NB");

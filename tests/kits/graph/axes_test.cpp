@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <string>
 
 #include "host/kit_graph.h"
 #include "tests/kits/widgets/test_window.h"
@@ -125,6 +126,43 @@ TEST_P(Axes_Test, TitlesAsLongAsTheBoxStayInside) {
             for (int x = 0; x < width; x++) {
                 ASSERT_TRUE(outer.Contains({x, y}) || picture.At(x, y) == Test_Window::marker)
                     << x << "," << y << " height " << of_height;
+            }
+        }
+    }
+}
+
+TEST_P(Axes_Test, TitlesOfAnyFontAndLengthStayInside) {
+    const Plot_Area whole = area;
+    for (const char* name : {"", "Times New Roman", "Tahoma"}) {
+        for (const char* weight : {"", "bold"}) {
+            for (const unsigned short scale : {0, 7, 9, 11, 16, 24, 40}) {
+                window.Wipe();
+                box.x = 60;
+                box.y = 60;
+                box.width = 200;
+                box.height = 120;
+                box.font_name = name;
+                box.font_weight = weight;
+                box.font_scale = scale;
+                area = {box.x + whole.left / 2, box.y + 30, 150, 80};
+                HDC dc = Y_setup(window.Get(), "axes test");
+                for (int length = 1; length <= 40; length++) {
+                    for (const char letter : {'W', 'j', 'f', '/'}) {
+                        const std::string title(static_cast<std::size_t>(length), letter);
+                        Plot_Window_Axes_X(dc, box, area, title.c_str(), -4.5F, 31);
+                        Plot_Window_Axes_Y(dc, box, area, title.c_str(), 0, 12000);
+                    }
+                }
+                Y_release(window.Get(), dc);
+                const Window_Picture picture = window.Read();
+                const Rect outer = Device(box.x, box.y, box.width, box.height);
+                int outside = 0;
+                for (int y = 0; y < height; y++) {
+                    for (int x = 0; x < width; x++) {
+                        outside += !outer.Contains({x, y}) && picture.At(x, y) != Test_Window::marker ? 1 : 0;
+                    }
+                }
+                EXPECT_EQ(outside, 0) << name << " " << weight << " " << scale;
             }
         }
     }
