@@ -153,10 +153,12 @@ TEST(ButtonCaption, IsCutAt39Characters) {
 }
 
 TEST(ButtonCaption, CutNeverSplitsACharacter) {
+#if defined(_WIN32)
+    const Other_Code_Page utf8(PAGE_UTF8);
+#endif
     Buttons button;
     button.Set_Name("%s\xC3\xA9", std::string(38, 'x').c_str());
-    const bool is_one = Character_Length("\xC3\xA9", 0) == 2;  // in a Western page it is two letters
-    EXPECT_EQ(std::string(button.name), std::string(38, 'x') + (is_one ? "" : "\xC3"));
+    EXPECT_EQ(std::string(button.name), std::string(38, 'x'));
     button.Set_Name("%s\xC3\xA9", std::string(37, 'x').c_str());
     EXPECT_EQ(std::string(button.name), std::string(37, 'x') + "\xC3\xA9");
 }
