@@ -112,10 +112,11 @@ enum class Command : WORD {
     ABOUT,
     CLOSE_BANNER,
     REPORT_STATE,
-    TAG_DIGIT_0 = 200,  ///< to TAG_DIGIT_0 + 9
-    RECENT_0 = 220,     ///< files opened lately, to RECENT_0 + RECENT_MAX - 1
-    WINDOW_0 = 240,     ///< windows of the image, to WINDOW_0 + WINDOW_MAX - 1
+    TAG_DIGIT_0 = 400,  ///< to TAG_DIGIT_0 + 9
+    RECENT_0 = 420,     ///< files opened lately, to RECENT_0 + RECENT_MAX - 1
+    WINDOW_0 = 440,     ///< windows of the image, to WINDOW_0 + WINDOW_MAX - 1
 };
+static_assert(Command::REPORT_STATE < Command::TAG_DIGIT_0, "commands and the numbered ones share numbers");
 
 /** The command of a key code of the panels (see KEY_*); NONE: the key means nothing. Letters of both cases count. */
 Command Command_Of_Key(int key);
