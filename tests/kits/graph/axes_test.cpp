@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <limits>
 #include <string>
 
@@ -135,7 +136,7 @@ TEST_P(Axes_Test, TitlesOfAnyFontAndLengthStayInside) {
     const Plot_Area whole = area;
     for (const char* name : {"", "Times New Roman", "Tahoma"}) {
         for (const char* weight : {"", "bold"}) {
-            for (const unsigned short scale : {0, 7, 9, 11, 16, 24, 40}) {
+            for (const unsigned short scale : std::initializer_list<unsigned short>{0, 7, 9, 11, 16, 24, 40}) {
                 window.Wipe();
                 box.x = 60;
                 box.y = 60;
