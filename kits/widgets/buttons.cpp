@@ -26,7 +26,8 @@ constexpr int caption_margin = 2;                              // pixels on eith
 struct Image_Block {
     int width;
     int height;
-    std::uint64_t painted_sum;  // of what the button showed of its images when last painted; 0: not since Init
+    std::uint64_t painted_sum;       // of the face when the button was last painted; 0: not since Init
+    std::uint64_t painted_mark_sum;  // of the image that its current mark showed; 0: no mark
     unsigned short painted_look;
 };
 constexpr std::size_t block_head = (sizeof(Image_Block) + 15U) & ~std::size_t{15U};
@@ -84,16 +85,16 @@ std::uint64_t Image_Sum(const unsigned int* pixels, std::size_t nb) {
     return lanes[0] ^ (lanes[1] << 1U) ^ (lanes[2] << 2U) ^ (lanes[3] << 3U);
 }
 
-/** A sum over what is seen of the images. Never 0. Runs over every visible button with every move of the pointer, so
+/** A sum over the image that is the face. Never 0. Runs over every visible button with every move of the pointer, so
  * the images that are not shown are left out: they are read when they come into sight. */
-std::uint64_t Shown_Sum(const Buttons& button) {
-    const std::size_t nb = Pixel_Nb(button);
+std::uint64_t Face_Sum(const Buttons& button) {
     const int face = std::clamp<int>(button.state, image_plain, image_pressed);
-    std::uint64_t sum = Image_Sum(button.image[face], nb);
-    if (button.current != 0) {
-        sum += 3U * Image_Sum(button.image[image_current], nb);
-    }
-    return sum | 1U;
+    return Image_Sum(button.image[face], Pixel_Nb(button)) | 1U;
+}
+
+/** The same over the image that the current mark shows; 0: no mark. */
+std::uint64_t Mark_Sum(const Buttons& button) {
+    return button.current != 0 ? Image_Sum(button.image[image_current], Pixel_Nb(button)) | 1U : 0;
 }
 
 // ---- drawing
@@ -229,7 +230,8 @@ void Paint(Buttons& button) {
     Draw_Button_Caption(picture, button, look, layout);
     if (Images_Fit(button)) {
         Image_Block* block = Block_Of(button);
-        block->painted_sum = Shown_Sum(button);
+        block->painted_sum = Face_Sum(button);
+        block->painted_mark_sum = Mark_Sum(button);
         block->painted_look = button.state;
     }
 }
@@ -248,7 +250,9 @@ bool Out_Of_Date(const Buttons& button) {
         return false;
     }
     const Image_Block* block = Block_Of(button);
-    return block->painted_look != button.state || block->painted_sum != Shown_Sum(button);
+    const bool is_marked = block->painted_mark_sum != 0 && button.current != 0;
+    return block->painted_look != button.state || block->painted_sum != Face_Sum(button) ||
+           (is_marked && block->painted_mark_sum != Mark_Sum(button));
 }
 
 }  // namespace
@@ -283,6 +287,7 @@ int Buttons::Images_Make() {
         std::fill_n(image[i], Pixel_Nb(*this), backgrounds[i]);
     }
     Block_Of(*this)->painted_sum = 0;
+    Block_Of(*this)->painted_mark_sum = 0;
     return 1;
 }
 
@@ -349,6 +354,9 @@ void Buttons::Adjust() {
         painter.Show_Only(side);
     }
     painter.Show_Only(layout.check);
+    if (Images_Fit(*this)) {
+        Block_Of(*this)->painted_mark_sum = Mark_Sum(*this);  // the mark, and nothing else, is as it stands
+    }
 }
 
 int Buttons::Select(int up_down) {

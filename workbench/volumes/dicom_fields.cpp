@@ -66,8 +66,8 @@ DcmItem* Field_Item(DcmItem& item, const DcmTagKey& tag, unsigned long position)
     return item.findAndGetSequenceItem(tag, found, static_cast<signed long>(position)).good() ? found : nullptr;
 }
 
-std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag) {
-    std::string text = Field_Text(item, tag);
+std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag, unsigned long position) {
+    std::string text = Field_Text(item, tag, position);
     const std::string set = Field_Text(item, DCM_SpecificCharacterSet);
     if (set == "ISO_IR 192" && Is_Utf8(text)) {
         return text;

@@ -1,7 +1,5 @@
 #include "workbench/volumes/dicom_window.h"
 
-#include <algorithm>
-
 #include "dcmtk/dcmdata/dcdeftag.h"
 
 namespace {
@@ -14,27 +12,9 @@ Window_Function Function_Of(const std::string& text) {
                                     : Window_Function::LINEAR;
 }
 
-/** One of the names that stand in one text, separated by backslashes. */
-std::string Name_At(const std::string& names, unsigned long position) {
-    std::size_t from = 0;
-    for (; position > 0; --position) {
-        from = names.find('\\', from);
-        if (from == std::string::npos) {
-            return {};
-        }
-        ++from;
-    }
-    const std::size_t end = names.find('\\', from);
-    std::string name = names.substr(from, end == std::string::npos ? end : end - from);
-    const std::size_t last = name.find_last_not_of(' ');
-    name.resize(last == std::string::npos ? 0 : last + 1);
-    return name.substr(std::min(name.find_first_not_of(' '), name.size()));
-}
-
 std::vector<Display_Window> Windows_Of_Item(DcmItem& item) {
     std::vector<Display_Window> windows;
     const Window_Function function = Function_Of(Field_Text(item, DCM_VOILUTFunction));
-    const std::string names = Field_Utf8(item, DCM_WindowCenterWidthExplanation);
     for (unsigned long at = 0; at < WINDOW_MOST; ++at) {
         const std::optional<double> center = Field_Number(item, DCM_WindowCenter, at);
         const std::optional<double> width = Field_Number(item, DCM_WindowWidth, at);
@@ -44,8 +24,8 @@ std::vector<Display_Window> Windows_Of_Item(DcmItem& item) {
         if (*width > 0.0) {
             // Narrower than 1 DICOM's own function has no meaning.
             const bool is_narrow = function == Window_Function::LINEAR && *width < 1.0;
-            windows.push_back(
-                {Name_At(names, at), *center, *width, is_narrow ? Window_Function::LINEAR_EXACT : function});
+            windows.push_back({Field_Utf8(item, DCM_WindowCenterWidthExplanation, at), *center, *width,
+                               is_narrow ? Window_Function::LINEAR_EXACT : function});
         }
     }
     return windows;
