@@ -69,6 +69,7 @@ struct DB_Source {
 /** Grows the array by one cleared record and counts it. The array moves at counts of 0 and of powers of two only, so
  *  that building is linear; an array from elsewhere has no room for that.
  *  @param nb, list_pt 0 and null, or as this operation left them
+ *  @param source of the caller, for the message
  *  @return the new record; null after a failure: reported, all rows freed, `*list_pt` null and `*nb` as it was */
 KIT_PANELS_API DB_List* DB_List_Append(int* nb, DB_List** list_pt, const DB_Source& source);
 /** A copy of the host's text into `*field` (null for a null or empty text).

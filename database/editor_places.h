@@ -8,14 +8,15 @@
 /** A rectangle of the window's axis (y upwards): x .. x + width - 1, y .. y + height - 1, pixels. Reaches beyond the
  *  tree's box where the diagram is scrolled. */
 struct DB_Node_Box {
-    int x = 0;
-    int y = 0;
-    int width = 0;
-    int height = 0;
+    int x = 0;       ///< leftmost pixel
+    int y = 0;       ///< lowest pixel
+    int width = 0;   ///< pixels
+    int height = 0;  ///< pixels
 };
 
 /** The node of a record, as the diagram was drawn last with the sliders where they are now.
  *  @param editor a panel in edit mode @param record 0 .. Nb() - 1
+ *  @param box receives the rectangle; unchanged without one
  *  @return false when no node is shown for it */
 KIT_PANELS_API bool DB_Editor_Node_Box(const Tool_DB_List& editor, int record, DB_Node_Box* box);
 

@@ -44,6 +44,7 @@ struct Histo_Peak_Info {
 /** The peaks of the panel's last analysis, by ascending centre. Reads only: nothing is drawn, told or kept, and nobody
  *  is called. Ask after the analysis and before the next computation: the peaks stand in the bins that were analysed
  * and are turned into grey levels by the record of now.
+ *  @param panel whose analysis it was
  *  @param out receives the first `most` peaks; may be null when `most` is 0
  *  @param most room in `out`; below 0 counts as 0
  *  @return number of peaks that there are, which may be more than `most`; 0 without counts, without an analysis and

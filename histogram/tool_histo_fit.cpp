@@ -27,7 +27,8 @@ class Analysis_Turn {
 /** Runs a method on a copy of the curve that the record's counts give. */
 template <class Method>
 int Analyse(const std::shared_ptr<Histo_Data>& panel_data, std::uint8_t component, Method method) {
-    const std::shared_ptr<Histo_Data> data = panel_data;
+    // A copy: the panel may end while a message is on its way to the host.
+    const std::shared_ptr<Histo_Data> data = panel_data;  // NOLINT(performance-unnecessary-copy-initialization)
     const Analysis_Turn turn;
     if (!turn.Is_Taken() || data == nullptr || !data->Has_Counts()) {
         return 0;
