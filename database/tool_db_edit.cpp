@@ -32,7 +32,10 @@ constexpr int KEY_MASK = 0xFFFF;  // of a key code
 
 // What the image windows are asked for: 3D classes have bits of their own, and hosts tell them apart.
 template <class Classes>
-constexpr unsigned __int64 REDRAW_OF = std::is_same_v<typename Classes::Object, Quorel_3D> ? REDRAW_ALL_3D : REDRAW_ALL;
+constexpr unsigned __int64 Redraw_Of() {
+    const bool is_3d = std::is_same_v<typename Classes::Object, Quorel_3D>;
+    return is_3d ? REDRAW_ALL_3D : REDRAW_ALL;
+}
 
 bool Has_Dimension(int mode) {
     return With_Classes(mode, [](auto) {});
@@ -58,7 +61,7 @@ bool Tell_Host(const Panel_Watch* panel) {
     if (!Is_Alive(panel)) {
         return false;
     }
-    Fct_Redraw(REDRAW_OF<Classes>, nullptr, nullptr, nullptr);
+    Fct_Redraw(Redraw_Of<Classes>(), nullptr, nullptr, nullptr);
     return Is_Alive(panel);
 }
 

@@ -18,9 +18,9 @@ class Panel_Life {
     ///@{
     /** Nothing is copied: who watches a panel watches that object. */
     Panel_Life(const Panel_Life& /*other*/) noexcept {}
-    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): nothing is assigned
-    Panel_Life& operator=(const Panel_Life& /*other*/) noexcept { return *this; }
-    ///@}
+    // cppcheck-suppress operatorEqVarError
+    Panel_Life& operator=(const Panel_Life& /*other*/) noexcept { return *this; }  // NOLINT(*-self-assignment)
+                                                                                   ///@}
 
   private:
     friend class Panel_Watch;

@@ -72,7 +72,7 @@ std::error_code Read(const std::filesystem::path& path, std::size_t most, std::s
         bytes.clear();
         return std::make_error_code(std::errc::io_error);
     }
-    return code;
+    return {};
 }
 
 }  // namespace
