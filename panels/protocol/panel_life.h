@@ -20,7 +20,8 @@ class Panel_Life {
     Panel_Life(const Panel_Life& /*other*/) noexcept {}
     // cppcheck-suppress operatorEqVarError
     Panel_Life& operator=(const Panel_Life& /*other*/) noexcept { return *this; }  // NOLINT(*-self-assignment)
-                                                                                   ///@}
+
+    ///@}
 
   private:
     friend class Panel_Watch;
