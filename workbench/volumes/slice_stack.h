@@ -35,7 +35,7 @@ struct Slice_Moment {
     std::int32_t temporal_position = 0;
     std::int32_t acquisition = 0;
     double trigger = 0;  ///< ms
-    auto operator<=>(const Slice_Moment&) const = default;
+    auto operator<=>(const Slice_Moment&) const = default;  // NOLINT(modernize-use-nullptr): the generated 0 is none
 };
 
 struct Stack_Slice {
