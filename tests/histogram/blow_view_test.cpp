@@ -32,7 +32,7 @@ Blow_View Zoomed_View() {
     return view;
 }
 
-TEST(Blow_View, The_Full_View_Holds_All_Bins_And_A_Margin) {
+TEST(Blow_View, the_full_view_holds_all_bins_and_a_margin) {
     const Blow_View view = View_Of(Record_Of(101, 10.0F, 2.0F, 500));
     EXPECT_FLOAT_EQ(view.Visible_X().start, 0.0F);
     EXPECT_FLOAT_EQ(view.Visible_X().end, 220.0F);
@@ -41,7 +41,7 @@ TEST(Blow_View, The_Full_View_Holds_All_Bins_And_A_Margin) {
     EXPECT_FALSE(view.Is_Zoomed());
 }
 
-TEST(Blow_View, A_Rectangle_Becomes_The_View) {
+TEST(Blow_View, a_rectangle_becomes_the_view) {
     Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
     const float scale_x = view.X().at.scale;
     const float start = view.Visible_X().start;
@@ -52,14 +52,14 @@ TEST(Blow_View, A_Rectangle_Becomes_The_View) {
     EXPECT_FLOAT_EQ(view.Y().at.scale, view.Y().scale_max * 150.0F / 300.0F);
 }
 
-TEST(Blow_View, A_Rectangle_Beyond_The_Plot_Is_Cut_At_It) {
+TEST(Blow_View, a_rectangle_beyond_the_plot_is_cut_at_it) {
     Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
     ASSERT_TRUE(view.Zoom_Rectangle({0, 2000, 0, 2000}));
     EXPECT_FLOAT_EQ(view.X().at.scale, view.X().scale_max);
     EXPECT_FLOAT_EQ(view.Visible_X().start, view.X().full.start);
 }
 
-TEST(Blow_View, A_Short_Drag_Does_Not_Zoom) {
+TEST(Blow_View, a_short_drag_does_not_zoom) {
     Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
     EXPECT_FALSE(view.Zoom_Rectangle({100, 400, 100, 109}));
     EXPECT_FALSE(view.Zoom_Rectangle({100, 109, 100, 200}));
@@ -67,7 +67,7 @@ TEST(Blow_View, A_Short_Drag_Does_Not_Zoom) {
     EXPECT_TRUE(view.Zoom_Rectangle({100, 110, 100, 110}));
 }
 
-TEST(Blow_View, Many_Rectangles_Stop_Before_The_Scale_Vanishes) {
+TEST(Blow_View, many_rectangles_stop_before_the_scale_vanishes) {
     Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
     int zooms = 0;
     while (view.Zoom_Rectangle({300, 310, 100, 110}) && zooms < 1000) {
@@ -78,7 +78,7 @@ TEST(Blow_View, Many_Rectangles_Stop_Before_The_Scale_Vanishes) {
     EXPECT_GT(view.Y().at.scale, 0.0F);
 }
 
-TEST(Blow_View, A_Notch_Forward_Widens_And_A_Notch_Back_Narrows_Around_The_Pointer) {
+TEST(Blow_View, a_notch_forward_widens_and_a_notch_back_narrows_around_the_pointer) {
     for (const int notches : {1, -1, 3, -4}) {
         Blow_View view = Zoomed_View();
         const float scale_x = view.X().at.scale;
@@ -96,14 +96,14 @@ TEST(Blow_View, A_Notch_Forward_Widens_And_A_Notch_Back_Narrows_Around_The_Point
     }
 }
 
-TEST(Blow_View, A_Big_Turn_Back_Does_Not_Make_The_View_Vanish) {
+TEST(Blow_View, a_big_turn_back_does_not_make_the_view_vanish) {
     Blow_View view = Zoomed_View();
     const float scale = view.X().at.scale;
     view.Zoom_Wheel(-50, 300, 100);
     EXPECT_FLOAT_EQ(view.X().at.scale, scale * 0.1F);
 }
 
-TEST(Blow_View, The_Wheel_Never_Widens_Beyond_The_Full_View) {
+TEST(Blow_View, the_wheel_never_widens_beyond_the_full_view) {
     Blow_View view = Zoomed_View();
     view.Zoom_Wheel(1000, 100, 100);
     EXPECT_EQ(view.X().at.scale, view.X().scale_max);
@@ -111,7 +111,7 @@ TEST(Blow_View, The_Wheel_Never_Widens_Beyond_The_Full_View) {
     EXPECT_FLOAT_EQ(view.Visible_X().end, view.X().full.end);
 }
 
-TEST(Blow_View, A_Zoom_That_Single_Precision_Cannot_Tell_Apart_Is_Refused) {
+TEST(Blow_View, a_zoom_that_single_precision_cannot_tell_apart_is_refused) {
     Blow_View view = View_Of(Record_Of(1001, 5000.0F, 0.01F, 1000));
     const auto shows = [&view] {
         return view.Visible_X().start < view.Visible_X().end && view.Visible_Y().start < view.Visible_Y().end;
@@ -138,7 +138,7 @@ Blow_View Cut_View(const Blow_Area& area) {
     return view;
 }
 
-TEST(Blow_View, A_Rectangle_Begins_From_Where_The_View_Stands_Also_Where_It_Is_Cut_Off) {
+TEST(Blow_View, a_rectangle_begins_from_where_the_view_stands_also_where_it_is_cut_off) {
     Blow_Area area = AREA;
     area.width *= 2;
     Blow_View view = Cut_View(area);
@@ -151,7 +151,7 @@ TEST(Blow_View, A_Rectangle_Begins_From_Where_The_View_Stands_Also_Where_It_Is_C
     EXPECT_EQ(view.Y().at.scale, y.scale * 150.0F / 300.0F);
 }
 
-TEST(Blow_View, A_Rectangle_Begins_From_Where_The_View_Stands_Also_Below_The_Data) {
+TEST(Blow_View, a_rectangle_begins_from_where_the_view_stands_also_below_the_data) {
     Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
     ASSERT_TRUE(view.Zoom_Rectangle({AREA.left, AREA.left + 350, AREA.bottom, AREA.bottom + 300}));
     view.Full_View_Set(Record_Of(1001, 200.0F, 1.0F, 1000), AREA);  // data that begin further right
@@ -162,7 +162,7 @@ TEST(Blow_View, A_Rectangle_Begins_From_Where_The_View_Stands_Also_Below_The_Dat
     EXPECT_EQ(view.X().at.scale, x.scale * 630.0F / 700.0F);
 }
 
-TEST(Blow_View, The_Wheel_Begins_From_Where_The_View_Stands_And_Not_From_What_Is_Left_Of_It) {
+TEST(Blow_View, the_wheel_begins_from_where_the_view_stands_and_not_from_what_is_left_of_it) {
     Blow_Area area = AREA;
     area.width *= 2;
     Blow_View view = Cut_View(area);
@@ -173,7 +173,7 @@ TEST(Blow_View, The_Wheel_Begins_From_Where_The_View_Stands_And_Not_From_What_Is
     EXPECT_NEAR(view.X().at.origin, view.X().full.end - static_cast<float>(area.width) * before.scale * 0.9F, 0.001F);
 }
 
-TEST(Blow_View, New_Data_And_A_New_Size_Leave_Where_A_Zoomed_View_Stands) {
+TEST(Blow_View, new_data_and_a_new_size_leave_where_a_zoomed_view_stands) {
     Blow_View view = Zoomed_View();
     const Blow_Step x = view.X().at;
     const Blow_Step y = view.Y().at;
@@ -185,7 +185,7 @@ TEST(Blow_View, New_Data_And_A_New_Size_Leave_Where_A_Zoomed_View_Stands) {
     EXPECT_EQ(view.Visible_Y().end, view.Y().full.end) << "cut off";
 }
 
-TEST(Blow_View, Pinching_Out_From_Anywhere_Ends_In_The_Full_View) {
+TEST(Blow_View, pinching_out_from_anywhere_ends_in_the_full_view) {
     const Blow_Drag drags[] = {
         {AREA.left + 500, AREA.left + 700, AREA.bottom + 100, AREA.bottom + 300},  // at the right and upper end
         {AREA.left, AREA.left + 100, AREA.bottom, AREA.bottom + 50},
@@ -208,7 +208,7 @@ TEST(Blow_View, Pinching_Out_From_Anywhere_Ends_In_The_Full_View) {
     }
 }
 
-TEST(Blow_View, A_Pinch_Clamps_By_The_Scale_Of_Before) {
+TEST(Blow_View, a_pinch_clamps_by_the_scale_of_before) {
     Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
     ASSERT_TRUE(view.Zoom_Rectangle({AREA.left + 350, AREA.left + 700, AREA.bottom + 150, AREA.bottom + 300}));
     const Blow_Direction x = view.X();
@@ -220,7 +220,7 @@ TEST(Blow_View, A_Pinch_Clamps_By_The_Scale_Of_Before) {
     EXPECT_FLOAT_EQ(view.Y().at.scale, y.scale_max) << "limited";
 }
 
-TEST(Blow_View, Data_Without_Bins_Has_No_Extent) {
+TEST(Blow_View, data_without_bins_has_no_extent) {
     Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
     view.Full_View_Set(Record_Of(0, 7.0F, 2.0F, 0), AREA);
     EXPECT_GE(view.Visible_X().start, view.Visible_X().end) << "not what was shown before";
@@ -228,7 +228,7 @@ TEST(Blow_View, Data_Without_Bins_Has_No_Extent) {
     EXPECT_FALSE(view.Zoom_Rectangle({100, 300, 100, 200}));
 }
 
-TEST(Blow_View, A_Pinch_Outside_Its_Limits_Is_Ignored) {
+TEST(Blow_View, a_pinch_outside_its_limits_is_ignored) {
     Blow_View view = Zoomed_View();
     const float scale = view.X().at.scale;
     const float nan = std::numeric_limits<float>::quiet_NaN();
@@ -240,7 +240,7 @@ TEST(Blow_View, A_Pinch_Outside_Its_Limits_Is_Ignored) {
     EXPECT_TRUE(view.Zoom_Pinch({1.1F, 0.09F, 0.0F, 0.0F})) << "the limits themselves count";
 }
 
-TEST(Blow_View, A_Pinch_Moves_By_The_Old_Scale_And_Divides_It) {
+TEST(Blow_View, a_pinch_moves_by_the_old_scale_and_divides_it) {
     Blow_View view = Zoomed_View();
     const float scale_x = view.X().at.scale;
     const float scale_y = view.Y().at.scale;
@@ -253,7 +253,7 @@ TEST(Blow_View, A_Pinch_Moves_By_The_Old_Scale_And_Divides_It) {
     EXPECT_FLOAT_EQ(view.Y().at.scale, scale_y / 1.1F);
 }
 
-TEST(Blow_View, Reset_Goes_Back_To_The_Full_View) {
+TEST(Blow_View, reset_goes_back_to_the_full_view) {
     Blow_View view = Zoomed_View();
     view.Reset();
     EXPECT_FALSE(view.Is_Zoomed());
@@ -261,7 +261,7 @@ TEST(Blow_View, Reset_Goes_Back_To_The_Full_View) {
     EXPECT_EQ(view.Visible_X().end, view.X().full.end);
 }
 
-TEST(Blow_View, Nothing_Happens_Without_An_Area) {
+TEST(Blow_View, nothing_happens_without_an_area) {
     Blow_View view;
     view.Full_View_Set(Record_Of(10, 0.0F, 1.0F, 5), {0, 0, 0, 100});
     view.Zoom_Wheel(1, 5, 5);
@@ -270,7 +270,7 @@ TEST(Blow_View, Nothing_Happens_Without_An_Area) {
     EXPECT_FALSE(view.Is_Zoomed());
 }
 
-TEST(Blow_View, Keeps_Its_Limits_Through_A_Long_Random_Session) {
+TEST(Blow_View, keeps_its_limits_through_a_long_random_session) {
     std::mt19937 random(12);
     Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
     Blow_Area area = AREA;
@@ -318,7 +318,7 @@ TEST(Blow_View, Keeps_Its_Limits_Through_A_Long_Random_Session) {
     }
 }
 
-TEST(Wheel_Accumulator, Keeps_What_Is_Less_Than_A_Notch) {
+TEST(Wheel_Accumulator, keeps_what_is_less_than_a_notch) {
     Wheel_Accumulator wheel;
     EXPECT_EQ(wheel.Add(40), 0);
     EXPECT_EQ(wheel.Add(40), 0);

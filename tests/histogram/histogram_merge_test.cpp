@@ -90,7 +90,7 @@ Histogram_Extent Extent_Of(std::initializer_list<const Histo_Record*> frames) {
     return extent;
 }
 
-TEST(Histogram_Grid_Choose, Counts_One_Level_More_Than_The_Extent) {
+TEST(Histogram_Grid_Choose, counts_one_level_more_than_the_extent) {
     const Record frame(0.0F, 1.0F, Ramp(256));
     const Histogram_Grid grid = Histogram_Grid_Choose(Extent_Of({&frame.record, &frame.record}), 4096);
     EXPECT_EQ(grid.nb_bins, 257);
@@ -98,14 +98,14 @@ TEST(Histogram_Grid_Choose, Counts_One_Level_More_Than_The_Extent) {
     EXPECT_EQ(grid.origin, 0.0F);
 }
 
-TEST(Histogram_Grid_Choose, Takes_The_Smallest_Whole_Factor_Within_The_Limit) {
+TEST(Histogram_Grid_Choose, takes_the_smallest_whole_factor_within_the_limit) {
     const Record frame(0.0F, 1.0F, Ramp(256));
     const Histogram_Grid grid = Histogram_Grid_Choose(Extent_Of({&frame.record}), 100);
     EXPECT_EQ(grid.nb_bins, 85);
     EXPECT_EQ(grid.bin_width, 3.0F);
 }
 
-TEST(Histogram_Grid_Choose, Agrees_With_Counting_The_Factor_Up_One_By_One) {
+TEST(Histogram_Grid_Choose, agrees_with_counting_the_factor_up_one_by_one) {
     std::mt19937 random(11);
     for (int round = 0; round < 2000; ++round) {
         Histogram_Extent extent;
@@ -124,7 +124,7 @@ TEST(Histogram_Grid_Choose, Agrees_With_Counting_The_Factor_Up_One_By_One) {
     }
 }
 
-TEST(Histogram_Grid_Choose, Has_No_Largest_Factor) {
+TEST(Histogram_Grid_Choose, has_no_largest_factor) {
     for (const float width : {1e-6F, 1e-9F, 1e-15F}) {
         SCOPED_TRACE(width);
         Histogram_Extent extent;
@@ -142,7 +142,7 @@ TEST(Histogram_Grid_Choose, Has_No_Largest_Factor) {
     EXPECT_LE(Histogram_Grid_Choose(extent, 4096).nb_bins, 4096) << "also beyond all factors";
 }
 
-TEST(Histogram_Grid_Choose, Survives_Extents_Without_A_Positive_Span) {
+TEST(Histogram_Grid_Choose, survives_extents_without_a_positive_span) {
     Histogram_Extent extent;
     extent.lowest_origin = 5.0F;
     extent.highest_edge = 3.0F;
@@ -157,12 +157,12 @@ TEST(Histogram_Grid_Choose, Survives_Extents_Without_A_Positive_Span) {
     }
 }
 
-TEST(Histogram_Grid_Choose, Gives_No_Bins_For_A_Limit_Of_None) {
+TEST(Histogram_Grid_Choose, gives_no_bins_for_a_limit_of_none) {
     const Record frame(0.0F, 0.001F, Ramp(4000));
     EXPECT_EQ(Histogram_Grid_Choose(Extent_Of({&frame.record}), 0).nb_bins, 0);
 }
 
-TEST(Histogram_Extent, Is_Not_Valid_Before_The_First_Frame) {
+TEST(Histogram_Extent, is_not_valid_before_the_first_frame) {
     EXPECT_FALSE(Histogram_Extent().Is_Valid());
     const Record frame(2.0F, 0.5F, Ramp(10));
     const Histogram_Extent extent = Extent_Of({&frame.record});
@@ -170,7 +170,7 @@ TEST(Histogram_Extent, Is_Not_Valid_Before_The_First_Frame) {
     EXPECT_EQ(extent.highest_edge, 7.0F) << "its own bin width counts";
 }
 
-TEST(Histogram_Merger, Puts_Every_Bin_Of_Equal_Grids_In_Its_Place) {
+TEST(Histogram_Merger, puts_every_bin_of_equal_grids_in_its_place) {
     const Record frame(0.0F, 1.0F, Ramp(256));
     const Record_Ptr merged = Empty_On(Histogram_Grid_Choose(Extent_Of({&frame.record, &frame.record}), 4096));
     {
@@ -184,7 +184,7 @@ TEST(Histogram_Merger, Puts_Every_Bin_Of_Equal_Grids_In_Its_Place) {
     EXPECT_EQ(merged->arrays[0][256], 0U);
 }
 
-TEST(Histogram_Merger, Drops_Bins_Beyond_The_Record) {
+TEST(Histogram_Merger, drops_bins_beyond_the_record) {
     const Record frame(0.0F, 1.0F, std::vector<std::uint32_t>(256, 1));
     const Record_Ptr merged = Empty_On({0.0F, 3.0F, 85});
     Histogram_Merger(merged->record).Add(frame.record);
@@ -193,7 +193,7 @@ TEST(Histogram_Merger, Drops_Bins_Beyond_The_Record) {
     }
 }
 
-TEST(Histogram_Merger, Does_Not_Split_A_Wide_Bin) {
+TEST(Histogram_Merger, does_not_split_a_wide_bin) {
     const Record frame(0.0F, 4.0F, {10, 20, 30, 40, 50, 60, 70, 80});
     const Record_Ptr merged = Empty_On({0.0F, 1.0F, 32});
     Histogram_Merger(merged->record).Add(frame.record);
@@ -202,14 +202,14 @@ TEST(Histogram_Merger, Does_Not_Split_A_Wide_Bin) {
     EXPECT_EQ(merged->arrays[0][10], 0U) << "its target is beyond the frame's own bin count";
 }
 
-TEST(Histogram_Merger, Drops_A_Frame_Far_Above_The_Lowest_Origin) {
+TEST(Histogram_Merger, drops_a_frame_far_above_the_lowest_origin) {
     const Record frame(1000.0F, 1.0F, std::vector<std::uint32_t>(10, 5));
     const Record_Ptr merged = Empty_On({0.0F, 1.0F, 1011});
     Histogram_Merger(merged->record).Add(frame.record);
     EXPECT_EQ(Histogram_Max_Count(merged->record), 0U);
 }
 
-TEST(Histogram_Merger, Is_Identical_To_The_Plain_Rule_On_Random_Grids) {
+TEST(Histogram_Merger, is_identical_to_the_plain_rule_on_random_grids) {
     std::mt19937 random(5);
     for (int round = 0; round < 300; ++round) {
         std::vector<Record_Ptr> frames;
@@ -256,7 +256,7 @@ TEST(Histogram_Merger, Is_Identical_To_The_Plain_Rule_On_Random_Grids) {
     }
 }
 
-TEST(Histogram_Merger, Sums_Runs_Of_Any_Length_Also_With_Frames_That_Lack_Components) {
+TEST(Histogram_Merger, sums_runs_of_any_length_also_with_frames_that_lack_components) {
     std::mt19937 random(8);
     enum Kind { GREY, COLOR, INCOMPLETE };
     for (int round = 0; round < 300; ++round) {
@@ -295,7 +295,7 @@ TEST(Histogram_Merger, Sums_Runs_Of_Any_Length_Also_With_Frames_That_Lack_Compon
     }
 }
 
-TEST(Histogram_Merger, Spreads_Wide_Bins_Like_The_Plain_Rule_Whatever_Their_Number) {
+TEST(Histogram_Merger, spreads_wide_bins_like_the_plain_rule_whatever_their_number) {
     std::mt19937 random(9);
     for (const int nb_bins : {1, 2, 3, 4, 5, 7, 8, 9, 1000, 65535}) {
         for (const float record_width : {1.0F, 0.5F, 0.25F, 0.3F, 3.0F}) {
@@ -322,7 +322,7 @@ TEST(Histogram_Merger, Spreads_Wide_Bins_Like_The_Plain_Rule_Whatever_Their_Numb
     }
 }
 
-TEST(Histogram_Merger, Survives_Frames_With_Impossible_Numbers) {
+TEST(Histogram_Merger, survives_frames_with_impossible_numbers) {
     const float bad[] = {
         std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(), -1.0F, 0.0F, 1e38F, -1e38F};
     for (const float origin : bad) {
@@ -337,7 +337,7 @@ TEST(Histogram_Merger, Survives_Frames_With_Impossible_Numbers) {
     }
 }
 
-TEST(Histogram_Max_Count, Looks_At_Every_Array_Of_A_Colour_Record_Only) {
+TEST(Histogram_Max_Count, looks_at_every_array_of_a_colour_record_only) {
     Record record(0.0F, 1.0F, {1, 2, 3}, true);
     record.arrays[3][1] = 99;
     EXPECT_EQ(Histogram_Max_Count(record.record), 99U);

@@ -17,7 +17,7 @@ std::vector<float> Crossing(int n, int x, int reach, float slope) {
     return derivative;
 }
 
-TEST(Zero_Peak_Test, Finds_A_Clear_Crossing_And_Skips_Its_Falling_Side) {
+TEST(Zero_Peak_Test, finds_a_clear_crossing_and_skips_its_falling_side) {
     const std::vector<float> derivative = Crossing(200, 100, 20, 6.0F);
     int last = 0;
     EXPECT_EQ(Zero_Peak_Test(derivative, 100, 15, 5.0F, last), 1 + 20);
@@ -26,7 +26,7 @@ TEST(Zero_Peak_Test, Finds_A_Clear_Crossing_And_Skips_Its_Falling_Side) {
     EXPECT_EQ(last, 100) << "and no crossing seen";
 }
 
-TEST(Zero_Peak_Test, A_Crossing_Within_The_Gap_Of_The_Last_One_Is_Rejected_And_Remembered) {
+TEST(Zero_Peak_Test, a_crossing_within_the_gap_of_the_last_one_is_rejected_and_remembered) {
     const std::vector<float> derivative = Crossing(200, 100, 20, 6.0F);
     int last = 85;
     EXPECT_EQ(Zero_Peak_Test(derivative, 100, 15, 5.0F, last), 0) << "exactly the gap";
@@ -35,14 +35,14 @@ TEST(Zero_Peak_Test, A_Crossing_Within_The_Gap_Of_The_Last_One_Is_Rejected_And_R
     EXPECT_NE(Zero_Peak_Test(derivative, 100, 15, 5.0F, last), 0);
 }
 
-TEST(Zero_Peak_Test, A_Later_Last_Crossing_Rejects_Too) {
+TEST(Zero_Peak_Test, a_later_last_crossing_rejects_too) {
     const std::vector<float> derivative = Crossing(200, 100, 20, 6.0F);
     int last = 150;  // a fit on the same curve before
     EXPECT_EQ(Zero_Peak_Test(derivative, 100, 15, 5.0F, last), 0);
     EXPECT_EQ(last, 100);
 }
 
-TEST(Zero_Peak_Test, Needs_A_Strict_Rise_And_Fall_Over_The_Gap) {
+TEST(Zero_Peak_Test, needs_a_strict_rise_and_fall_over_the_gap) {
     std::vector<float> derivative = Crossing(200, 100, 20, 6.0F);
     int last = 0;
     derivative[86] = 0.0F;
@@ -56,7 +56,7 @@ TEST(Zero_Peak_Test, Needs_A_Strict_Rise_And_Fall_Over_The_Gap) {
     EXPECT_EQ(Zero_Peak_Test(derivative, 100, 15, 5.0F, last), 0);
 }
 
-TEST(Zero_Peak_Test, Needs_A_Steep_Bin_On_Each_Side) {
+TEST(Zero_Peak_Test, needs_a_steep_bin_on_each_side) {
     std::vector<float> derivative = Crossing(200, 100, 20, 5.0F);
     int last = 0;
     EXPECT_EQ(Zero_Peak_Test(derivative, 100, 15, 5.0F, last), 0) << "as steep as the limit is not steeper";
@@ -68,7 +68,7 @@ TEST(Zero_Peak_Test, Needs_A_Steep_Bin_On_Each_Side) {
     EXPECT_NE(Zero_Peak_Test(derivative, 100, 15, 5.0F, last), 0);
 }
 
-TEST(Zero_Peak_Test, Ignores_Bins_Outside_The_Curve) {
+TEST(Zero_Peak_Test, ignores_bins_outside_the_curve) {
     std::vector<float> derivative = {0, 9, 9, 9, 0, -9, -9};
     int last = -100;
     EXPECT_EQ(Zero_Peak_Test(derivative, 4, 15, 5.0F, last), 0) << "bin 0 does not rise";
@@ -77,7 +77,7 @@ TEST(Zero_Peak_Test, Ignores_Bins_Outside_The_Curve) {
     EXPECT_EQ(Zero_Peak_Test(derivative, 4, 15, 5.0F, last), 3);
 }
 
-TEST(Data_Peak_Test, Looks_One_Bin_Before_X) {
+TEST(Data_Peak_Test, looks_one_bin_before_x) {
     std::vector<double> filtered(100, 20.0);
     filtered[50] = 30.9;
     EXPECT_TRUE(Data_Peak_Test(filtered, 51, 15, 10.0F).is_maximum);
@@ -85,7 +85,7 @@ TEST(Data_Peak_Test, Looks_One_Bin_Before_X) {
     EXPECT_FALSE(Data_Peak_Test(filtered, 50, 15, 10.0F).is_maximum);
 }
 
-TEST(Data_Peak_Test, A_Plateau_Passes_And_Its_Drop_Decides) {
+TEST(Data_Peak_Test, a_plateau_passes_and_its_drop_decides) {
     std::vector<double> filtered(100, 20.0);
     EXPECT_TRUE(Data_Peak_Test(filtered, 51, 15, 10.0F).is_maximum);
     EXPECT_EQ(Data_Peak_Test(filtered, 51, 15, 10.0F).drop, 0);
@@ -93,7 +93,7 @@ TEST(Data_Peak_Test, A_Plateau_Passes_And_Its_Drop_Decides) {
     EXPECT_EQ(Data_Peak_Test(filtered, 51, 15, 10.0F).drop, 2);
 }
 
-TEST(Data_Peak_Test, A_Low_Value_Is_Never_A_Peak) {
+TEST(Data_Peak_Test, a_low_value_is_never_a_peak) {
     std::vector<double> filtered(100, 0.0);
     filtered[50] = 9.999;
     EXPECT_FALSE(Data_Peak_Test(filtered, 51, 15, 10.0F).is_maximum);
@@ -101,13 +101,13 @@ TEST(Data_Peak_Test, A_Low_Value_Is_Never_A_Peak) {
     EXPECT_TRUE(Data_Peak_Test(filtered, 51, 15, 10.0F).is_maximum);
 }
 
-TEST(Data_Peak_Test, Survives_Falls_Beyond_The_Integers) {
+TEST(Data_Peak_Test, survives_falls_beyond_the_integers) {
     std::vector<double> filtered(40, 0.0);
     filtered[20] = 1e30;
     EXPECT_EQ(Data_Peak_Test(filtered, 21, 15, 10.0F).drop, std::numeric_limits<int>::max());
 }
 
-TEST(Data_Peak_Test, Survives_Values_That_Are_Not_Numbers) {
+TEST(Data_Peak_Test, survives_values_that_are_not_numbers) {
     std::vector<double> filtered(40, std::numeric_limits<double>::infinity());
     EXPECT_EQ(Data_Peak_Test(filtered, 21, 15, 10.0F).drop, 0);
     filtered[20] = std::numeric_limits<double>::quiet_NaN();

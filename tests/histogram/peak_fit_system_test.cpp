@@ -43,7 +43,7 @@ std::vector<double> Curve(int bins) {
 
 }  // namespace
 
-TEST(Fit_System, Agrees_With_One_Call_Per_Value) {
+TEST(Fit_System, agrees_with_one_call_per_value) {
     const Peak_List list;
     const std::vector<double> data = Curve(BIN_NB);
     const Fit_System system = Fit_System_Make(list.histo.peak_first, data);
@@ -68,7 +68,7 @@ TEST(Fit_System, Agrees_With_One_Call_Per_Value) {
     EXPECT_NEAR(system.squared_error, squares, 1e-9 * squares);
 }
 
-TEST(Fit_System, Other_Shapes_Are_Asked_For_Every_Bin) {
+TEST(Fit_System, other_shapes_are_asked_for_every_bin) {
     Peak_List list;
     const std::vector<double> data = Curve(BIN_NB);
     for (const std::uint8_t type : {PEAK_LORENTZ, PEAK_MIXED}) {
@@ -83,7 +83,7 @@ TEST(Fit_System, Other_Shapes_Are_Asked_For_Every_Bin) {
     }
 }
 
-TEST(Fit_System, Without_Peaks_The_Error_Is_That_Of_The_Data) {
+TEST(Fit_System, without_peaks_the_error_is_that_of_the_data) {
     const std::vector<double> data = {3.0, -4.0, 12.0};
     Fit_System system = Fit_System_Make(nullptr, data);
     EXPECT_TRUE(system.is_complete);
@@ -92,14 +92,14 @@ TEST(Fit_System, Without_Peaks_The_Error_Is_That_Of_The_Data) {
     EXPECT_EQ(system.jacobian.Columns(), 0u);
 }
 
-TEST(Fit_System, Without_Bins_It_Is_Empty) {
+TEST(Fit_System, without_bins_it_is_empty) {
     const Peak_List list;
     const Fit_System system = Fit_System_Make(list.histo.peak_first, {});
     EXPECT_EQ(system.squared_error, 0.0);
     EXPECT_EQ(system.parameters.Size(), 15u);
 }
 
-TEST(Fit_System, Fits_Of_All_Sizes_End_And_Leave_Their_Curves) {
+TEST(Fit_System, fits_of_all_sizes_end_and_leave_their_curves) {
     for (const int bins : {1, 2, 21, 64, 1000, 4096}) {
         Histo_Data histo;
         const std::vector<double> counts = Curve(bins);
@@ -151,7 +151,7 @@ void Triangle_Give(Histo_Data& histo) {
 
 }  // namespace
 
-TEST(Fit_System, Evaluates_A_Record_By_The_Functions_That_It_Brings) {
+TEST(Fit_System, evaluates_a_record_by_the_functions_that_it_brings) {
     Histo_Data histo;
     Triangle_Give(histo);
     Histo_Peak& peak = *histo.peak_first;
@@ -167,7 +167,7 @@ TEST(Fit_System, Evaluates_A_Record_By_The_Functions_That_It_Brings) {
     }
 }
 
-TEST(Fit_System, Sums_And_Curves_Are_Made_By_The_Records_Own_Functions_Too) {
+TEST(Fit_System, sums_and_curves_are_made_by_the_records_own_functions_too) {
     Histo_Data histo;
     Triangle_Give(histo);
     const std::vector<double> nothing(BIN_NB, 0.0);
@@ -183,7 +183,7 @@ TEST(Fit_System, Sums_And_Curves_Are_Made_By_The_Records_Own_Functions_Too) {
     EXPECT_GT(peak.curve[200], 0.0F) << "far beyond ten widths";
 }
 
-TEST(Fit_System, A_Record_Without_Functions_Adds_Nothing) {
+TEST(Fit_System, a_record_without_functions_adds_nothing) {
     Histo_Data histo;
     Triangle_Give(histo);
     histo.peak_first->fct_value = nullptr;

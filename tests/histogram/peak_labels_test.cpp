@@ -44,14 +44,14 @@ int Shown_Nb(const std::vector<Peak_Label_Place>& places) {
 
 }  // namespace
 
-TEST(Peak_Labels_Test, ALoneLabelStandsCentredOverItsPeak) {
+TEST(Peak_Labels_Test, a_lone_label_stands_centred_over_its_peak) {
     const auto places = Peak_Labels_Place(Requests{{100, 40, 30, 12}}, 300, 200);
     ASSERT_TRUE(places[0].shown);
     EXPECT_EQ(places[0].left, 85);
     EXPECT_EQ(places[0].bottom, 40 + PEAK_LABEL_GAP);
 }
 
-TEST(Peak_Labels_Test, TheHigherPeakKeepsItsPlace) {
+TEST(Peak_Labels_Test, the_higher_peak_keeps_its_place) {
     const Requests requests = {{100, 40, 30, 12}, {104, 44, 30, 12}};
     const auto places = Peak_Labels_Place(requests, 300, 200);
     EXPECT_EQ(places[1].left, 104 - 15);
@@ -60,25 +60,25 @@ TEST(Peak_Labels_Test, TheHigherPeakKeepsItsPlace) {
     Expect_Legible(requests, places, 300, 200);
 }
 
-TEST(Peak_Labels_Test, ATopAboveTheAreaHasItsLabelAtTheUpperEdge) {
+TEST(Peak_Labels_Test, a_top_above_the_area_has_its_label_at_the_upper_edge) {
     const auto places = Peak_Labels_Place(Requests{{100, 200, 30, 12}, {200, 195, 30, 12}}, 300, 200);
     EXPECT_EQ(places[0].bottom, 188);
     EXPECT_EQ(places[1].bottom, 188);
 }
 
-TEST(Peak_Labels_Test, PeaksOutOfViewHaveNone) {
+TEST(Peak_Labels_Test, peaks_out_of_view_have_none) {
     const Requests requests = {{-1, 40, 30, 12}, {300, 40, 30, 12}, {50, -1, 30, 12}};
     EXPECT_EQ(Shown_Nb(Peak_Labels_Place(requests, 300, 200)), 0);
 }
 
-TEST(Peak_Labels_Test, LabelsAtTheSidesMoveInside) {
+TEST(Peak_Labels_Test, labels_at_the_sides_move_inside) {
     const Requests requests = {{0, 40, 30, 12}, {299, 40, 30, 12}};
     const auto places = Peak_Labels_Place(requests, 300, 200);
     EXPECT_EQ(places[0].left, 0);
     EXPECT_EQ(places[1].left, 270);
 }
 
-TEST(Peak_Labels_Test, NoRoomNoLabel) {
+TEST(Peak_Labels_Test, no_room_no_label) {
     EXPECT_EQ(Shown_Nb(Peak_Labels_Place(Requests{{10, 4, 30, 12}}, 29, 200)), 0);
     EXPECT_EQ(Shown_Nb(Peak_Labels_Place(Requests{{10, 4, 30, 12}}, 300, 11)), 0);
     EXPECT_EQ(Shown_Nb(Peak_Labels_Place(Requests{{10, 4, 0, 12}}, 300, 100)), 0);
@@ -90,7 +90,7 @@ TEST(Peak_Labels_Test, NoRoomNoLabel) {
     Expect_Legible(crowd, places, 300, 200);
 }
 
-TEST(Peak_Labels_Test, SixtyPeaksSideBySideAreAllNamed) {
+TEST(Peak_Labels_Test, sixty_peaks_side_by_side_are_all_named) {
     Requests requests;
     for (int peak = 0; peak < 60; ++peak) {
         requests.push_back({30 * peak + 20, 100 + 7 * (peak % 9), 34, 14});
@@ -100,7 +100,7 @@ TEST(Peak_Labels_Test, SixtyPeaksSideBySideAreAllNamed) {
     Expect_Legible(requests, places, 1800, 900);
 }
 
-TEST(Peak_Labels_Test, InASmallPlotTheHighestPeaksAreNamedAndTheCurvesStayVisible) {
+TEST(Peak_Labels_Test, in_a_small_plot_the_highest_peaks_are_named_and_the_curves_stay_visible) {
     constexpr int width = 240;
     constexpr int height = 100;
     Requests requests;
@@ -115,7 +115,7 @@ TEST(Peak_Labels_Test, InASmallPlotTheHighestPeaksAreNamedAndTheCurvesStayVisibl
     Expect_Legible(requests, places, width, height);
 }
 
-TEST(Peak_Labels_Test, RandomCrowdsStayLegible) {
+TEST(Peak_Labels_Test, random_crowds_stay_legible) {
     std::mt19937 random(3);
     const auto pick = [&](int least, int most) { return std::uniform_int_distribution<int>(least, most)(random); };
     for (int round = 0; round < 300; ++round) {

@@ -39,7 +39,7 @@ void Grid_Set(Analysis_Panel& test) {
 
 }  // namespace
 
-TEST(Peak_Numbers, A_Gaussian_Stands_In_Grey_Levels_And_Pixels) {
+TEST(Peak_Numbers, a_gaussian_stands_in_grey_levels_and_pixels) {
     const auto counts = Hills({{120.0, 5000.0}, {280.0, 2000.0}});
     Analysis_Panel test(counts);
     Grid_Set(test);
@@ -71,7 +71,7 @@ TEST(Peak_Numbers, A_Gaussian_Stands_In_Grey_Levels_And_Pixels) {
     }
 }
 
-TEST(Peak_Numbers, Errors_Tell_How_Far_A_Parameter_Moves_With_The_Noise) {
+TEST(Peak_Numbers, errors_tell_how_far_a_parameter_moves_with_the_noise) {
     const auto clean = Hills({{200.0, 4000.0}});
     std::mt19937 random(5);
     double squares = 0.0;
@@ -104,7 +104,7 @@ TEST(Peak_Numbers, Errors_Tell_How_Far_A_Parameter_Moves_With_The_Noise) {
     EXPECT_NEAR(told / runs, std::sqrt(squares / runs), 0.2 * std::sqrt(squares / runs));
 }
 
-TEST(Peak_Numbers, A_Peak_That_Its_Error_Exceeds_Is_Doubtful) {
+TEST(Peak_Numbers, a_peak_that_its_error_exceeds_is_doubtful) {
     std::vector<std::uint32_t> counts(BINS, 1);
     Analysis_Panel test(counts);
     Histo_Data& data = test.Data();
@@ -122,7 +122,7 @@ TEST(Peak_Numbers, A_Peak_That_Its_Error_Exceeds_Is_Doubtful) {
     EXPECT_EQ(peaks[0].doubt, HISTO_DOUBT_HEIGHT | HISTO_DOUBT_WIDTH | HISTO_DOUBT_CENTRE);
 }
 
-TEST(Peak_Numbers, A_Segment_Tells_Its_Bins_And_Counts_Its_Pixels) {
+TEST(Peak_Numbers, a_segment_tells_its_bins_and_counts_its_pixels) {
     const auto counts = Hills({{120.0, 5000.0}, {280.0, 2000.0}});
     Analysis_Panel test(counts);
     Grid_Set(test);
@@ -150,7 +150,7 @@ TEST(Peak_Numbers, A_Segment_Tells_Its_Bins_And_Counts_Its_Pixels) {
     }
 }
 
-TEST(Peak_Numbers, Gives_No_More_Than_There_Is_Room_For) {
+TEST(Peak_Numbers, gives_no_more_than_there_is_room_for) {
     Analysis_Panel test(Hills({{120.0, 5000.0}, {280.0, 2000.0}}));
     EXPECT_EQ(Peak_Numbers(test.Data(), 0, nullptr, 0), 0) << "no analysis yet";
     last_zero = 0;
@@ -168,7 +168,7 @@ TEST(Peak_Numbers, Gives_No_More_Than_There_Is_Room_For) {
     EXPECT_EQ(Peak_Numbers(test.Data(), 0, peaks, 2), 0) << "no counts any more";
 }
 
-TEST(Peak_Numbers, Outlive_A_Record_With_Fewer_Bins) {
+TEST(Peak_Numbers, outlive_a_record_with_fewer_bins) {
     Analysis_Panel test(Hills({{120.0, 5000.0}, {280.0, 2000.0}}));
     for (const bool segments : {true, false}) {
         test.Counts_Set(Hills({{120.0, 5000.0}, {280.0, 2000.0}}));
@@ -183,7 +183,7 @@ TEST(Peak_Numbers, Outlive_A_Record_With_Fewer_Bins) {
     }
 }
 
-TEST(Histo_Fit_Repeatable, Finds_The_Peaks_Of_The_First_Fit_Of_A_Process) {
+TEST(Histo_Fit_Repeatable, finds_the_peaks_of_the_first_fit_of_a_process) {
     const auto counts = Hills({{60.0, 5000.0}, {280.0, 2000.0}});
     const auto places = [](Analysis_Panel& test) {
         std::vector<double> found;
@@ -205,7 +205,7 @@ TEST(Histo_Fit_Repeatable, Finds_The_Peaks_Of_The_First_Fit_Of_A_Process) {
     EXPECT_NE(last_zero, 0) << "a plain fit goes on from here";
 }
 
-TEST(Histo_Fit_Repeatable, Leaves_An_Analysis_That_Runs_Alone) {
+TEST(Histo_Fit_Repeatable, leaves_an_analysis_that_runs_alone) {
     Analysis_Panel test(Hills({{120.0, 5000.0}}));
     struct Asking {
         Analysis_Panel& test;

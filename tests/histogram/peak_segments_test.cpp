@@ -6,12 +6,12 @@
 
 namespace {
 
-TEST(Segments_Find, A_Flat_Curve_Has_None) {
+TEST(Segments_Find, a_flat_curve_has_none) {
     const std::vector<float> derivative(50, 0.0F);
     EXPECT_EQ(Segments_Find(derivative).nb, 0);
 }
 
-TEST(Segments_Find, One_Maximum_Takes_The_Whole_Range) {
+TEST(Segments_Find, one_maximum_takes_the_whole_range) {
     std::vector<float> derivative(40, 0.0F);
     for (std::size_t i = 5; i < 35; ++i) {
         derivative[i] = i < 20 ? 1.0F : -1.0F;
@@ -23,7 +23,7 @@ TEST(Segments_Find, One_Maximum_Takes_The_Whole_Range) {
     EXPECT_EQ(list.segment[0].last, 39);
 }
 
-TEST(Segments_Find, A_Valley_Is_Split_At_Its_Middle_And_The_Lower_Half_Goes_Left) {
+TEST(Segments_Find, a_valley_is_split_at_its_middle_and_the_lower_half_goes_left) {
     //                                   0  1  2   3   4  5  6  7  8  9  10  11
     const std::vector<float> derivative = {0, 1, 1, -1, -1, 0, 0, 0, 1, 1, -1, 0};
     const Segment_List list = Segments_Find(derivative);
@@ -35,7 +35,7 @@ TEST(Segments_Find, A_Valley_Is_Split_At_Its_Middle_And_The_Lower_Half_Goes_Left
     EXPECT_EQ(list.segment[1].last, 11);
 }
 
-TEST(Segments_Find, Segments_Tile_The_Range_Without_Gap_Or_Overlap) {
+TEST(Segments_Find, segments_tile_the_range_without_gap_or_overlap) {
     std::vector<float> derivative(500);
     for (std::size_t i = 0; i < derivative.size(); ++i) {
         derivative[i] = static_cast<float>(static_cast<int>((i * 7919U) % 13U) - 6);
@@ -50,7 +50,7 @@ TEST(Segments_Find, Segments_Tile_The_Range_Without_Gap_Or_Overlap) {
     EXPECT_EQ(next, 500);
 }
 
-TEST(Segments_Find, Stops_At_A_Hundred_Of_The_Lowest_Bins) {
+TEST(Segments_Find, stops_at_a_hundred_of_the_lowest_bins) {
     std::vector<float> derivative(1000);
     for (std::size_t i = 0; i < derivative.size(); ++i) {
         derivative[i] = i % 4 < 2 ? 1.0F : -1.0F;

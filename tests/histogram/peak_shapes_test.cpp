@@ -12,7 +12,7 @@ namespace {
 
 constexpr double MIX = 0.5;
 
-TEST(Shape_Value, Has_Half_Its_Height_At_One_Width) {
+TEST(Shape_Value, has_half_its_height_at_one_width) {
     const Peak_Parameters p{50.0, 80.0, 7.0};
     for (const std::uint8_t type : {PEAK_LORENTZ, PEAK_GAUSS, PEAK_MIXED}) {
         EXPECT_DOUBLE_EQ(Shape_Value(type, 50.0, p, MIX), 80.0);
@@ -21,7 +21,7 @@ TEST(Shape_Value, Has_Half_Its_Height_At_One_Width) {
     }
 }
 
-TEST(Shape_Value, Is_0_Beyond_The_Cut_Off_And_Not_At_It) {
+TEST(Shape_Value, is_0_beyond_the_cut_off_and_not_at_it) {
     const Peak_Parameters p{0.0, 1.0, 2.0};
     EXPECT_GT(Shape_Value(PEAK_GAUSS, 20.0, p, MIX), 0.0);
     EXPECT_EQ(Shape_Value(PEAK_GAUSS, 20.0001, p, MIX), 0.0);
@@ -30,7 +30,7 @@ TEST(Shape_Value, Is_0_Beyond_The_Cut_Off_And_Not_At_It) {
     EXPECT_EQ(Shape_Value(PEAK_MIXED, 50.0, p, MIX), 0.5 * Shape_Value(PEAK_LORENTZ, 50.0, p, MIX));
 }
 
-TEST(Shape_Value, Unknown_Shapes_Are_0) {
+TEST(Shape_Value, unknown_shapes_are_0) {
     for (const int type : {0, 4, 5, 255}) {
         EXPECT_EQ(Shape_Value(static_cast<std::uint8_t>(type), 1.0, {1.0, 1.0, 1.0}, MIX), 0.0);
         EXPECT_EQ(Shape_Derivative(static_cast<std::uint8_t>(type), 1, 1.0, {1.0, 1.0, 1.0}, MIX), 0.0);
@@ -39,7 +39,7 @@ TEST(Shape_Value, Unknown_Shapes_Are_0) {
     EXPECT_EQ(Shape_Derivative(PEAK_LORENTZ, 3, 1.0, {1.0, 1.0, 1.0}, MIX), 0.0);
 }
 
-TEST(Shape_Value, Survives_A_Width_Of_0) {
+TEST(Shape_Value, survives_a_width_of_0) {
     const Peak_Parameters p{3.0, 5.0, 0.0};
     for (const std::uint8_t type : {PEAK_LORENTZ, PEAK_GAUSS, PEAK_MIXED}) {
         EXPECT_EQ(Shape_Value(type, 3.0, p, MIX), 5.0);
@@ -50,7 +50,7 @@ TEST(Shape_Value, Survives_A_Width_Of_0) {
     }
 }
 
-TEST(Shape_Derivative, Agrees_With_Central_Differences) {
+TEST(Shape_Derivative, agrees_with_central_differences) {
     std::mt19937 random(2);
     std::uniform_real_distribution<double> unit(0.0, 1.0);
     for (int round = 0; round < 2000; ++round) {
@@ -73,14 +73,14 @@ TEST(Shape_Derivative, Agrees_With_Central_Differences) {
     }
 }
 
-TEST(Shape_Derivative, Keeps_The_Two_Constants_At_Their_Different_Precision) {
+TEST(Shape_Derivative, keeps_the_two_constants_at_their_different_precision) {
     const Peak_Parameters p{0.0, 1.0, 1.0};
     const double g = std::exp(-0.693147181);
     EXPECT_EQ(Shape_Derivative(PEAK_GAUSS, 2, 1.0, p, MIX), g * 1.386294);
     EXPECT_EQ(Shape_Derivative(PEAK_GAUSS, 0, 1.0, p, MIX), g * (-2.0) * (0.0 - 1.0) * 0.693147181);
 }
 
-TEST(Gauss_Support, Holds_Exactly_The_Bins_Where_The_Shape_Is_Not_Cut_Off) {
+TEST(Gauss_Support, holds_exactly_the_bins_where_the_shape_is_not_cut_off) {
     std::mt19937 random(6);
     std::uniform_real_distribution<double> unit(0.0, 1.0);
     for (int round = 0; round < 3000; ++round) {
@@ -96,7 +96,7 @@ TEST(Gauss_Support, Holds_Exactly_The_Bins_Where_The_Shape_Is_Not_Cut_Off) {
     }
 }
 
-TEST(Gauss_Unit_Values, Agree_With_The_Exponential) {
+TEST(Gauss_Unit_Values, agree_with_the_exponential) {
     std::mt19937 random(7);
     std::uniform_real_distribution<double> unit(0.0, 1.0);
     for (int round = 0; round < 500; ++round) {

@@ -120,7 +120,7 @@ std::vector<Smoothing_Path> Paths() {
     return paths;
 }
 
-TEST(Smooth_To_Maxima, Gives_The_Same_Bits_On_Every_Path_As_The_Plain_Loop) {
+TEST(Smooth_To_Maxima, gives_the_same_bits_on_every_path_as_the_plain_loop) {
     std::mt19937 random(3);
     for (int round = 0; round < 1200; ++round) {
         const std::vector<double> curve = Random_Curve(random, 2 + static_cast<int>(random() % 600));
@@ -139,7 +139,7 @@ TEST(Smooth_To_Maxima, Gives_The_Same_Bits_On_Every_Path_As_The_Plain_Loop) {
     }
 }
 
-TEST(Smooth_To_Maxima, Stays_Exact_In_Subnormal_Numbers) {
+TEST(Smooth_To_Maxima, stays_exact_in_subnormal_numbers) {
     std::vector<double> curve(400, 0.0);
     curve[0] = curve[1] = 1e-300;
     const Outcome plain = Smooth_Plainly(curve, 0.0F, -1, 300);
@@ -148,7 +148,7 @@ TEST(Smooth_To_Maxima, Stays_Exact_In_Subnormal_Numbers) {
     }
 }
 
-TEST(Smooth_To_Maxima, Stops_At_The_First_Pass_That_Satisfies_The_Limit_Although_Counts_May_Rise_Again) {
+TEST(Smooth_To_Maxima, stops_at_the_first_pass_that_satisfies_the_limit_although_counts_may_rise_again) {
     std::mt19937 random(8);
     int inside_groups = 0;
     for (int round = 0; round < 300; ++round) {
@@ -162,13 +162,13 @@ TEST(Smooth_To_Maxima, Stops_At_The_First_Pass_That_Satisfies_The_Limit_Although
     EXPECT_GT(inside_groups, 0) << "no round ended inside a group of passes: the redo was not reached";
 }
 
-TEST(Smooth_To_Maxima, Needs_No_Scratch_Curve) {
+TEST(Smooth_To_Maxima, needs_no_scratch_curve) {
     std::mt19937 random(4);
     const std::vector<double> curve = Random_Curve(random, 500);
     Expect_Same_Bits(Smooth(curve, 1.0F, 2, 500, Smoothing_Path_Best(), false), Smooth_Plainly(curve, 1.0F, 2, 500));
 }
 
-TEST(Smooth_To_Maxima, Bin_0_Never_Enters_The_Smoothing_Of_Bin_1) {
+TEST(Smooth_To_Maxima, bin_0_never_enters_the_smoothing_of_bin_1) {
     std::vector<double> curve = {1000.0, 0.0, 0.0, 0.0};
     Smooth_To_Maxima(curve, {}, {0.0F, 0, 1}, Smoothing_Path::Plain, nullptr, nullptr);
     for (const double value : curve) {
@@ -176,7 +176,7 @@ TEST(Smooth_To_Maxima, Bin_0_Never_Enters_The_Smoothing_Of_Bin_1) {
     }
 }
 
-TEST(Smooth_To_Maxima, An_Infinite_Or_Undefined_Threshold_Leaves_No_Maximum) {
+TEST(Smooth_To_Maxima, an_infinite_or_undefined_threshold_leaves_no_maximum) {
     std::mt19937 random(4);
     for (const float threshold : {std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()}) {
         for (const Smoothing_Path path : Paths()) {
@@ -186,7 +186,7 @@ TEST(Smooth_To_Maxima, An_Infinite_Or_Undefined_Threshold_Leaves_No_Maximum) {
     }
 }
 
-TEST(Thresholded_Derivative, Rounds_To_Single_Precision_Before_The_Threshold_Is_Subtracted) {
+TEST(Thresholded_Derivative, rounds_to_single_precision_before_the_threshold_is_subtracted) {
     const std::vector<double> curve = {16777216.0, 16777217.0, 16777219.0, 16777221.0};
     std::vector<float> derivative(4);
     Thresholded_Derivative(curve, 16777215.0F, derivative);

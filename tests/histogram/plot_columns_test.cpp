@@ -61,7 +61,7 @@ constexpr Plot_Frame TEN{100, 50, 0.0, 10.0, 0.0, 5.0};
 
 }  // namespace
 
-TEST(Plot_Frame_Test, AValueStandsOnTheNearestPixelAsTicksDo) {
+TEST(Plot_Frame_Test, a_value_stands_on_the_nearest_pixel_as_ticks_do) {
     EXPECT_EQ(TEN.Column(0.0), 0);
     EXPECT_EQ(TEN.Column(0.04), 0);
     EXPECT_EQ(TEN.Column(0.06), 1);
@@ -69,7 +69,7 @@ TEST(Plot_Frame_Test, AValueStandsOnTheNearestPixelAsTicksDo) {
     EXPECT_EQ(TEN.Row(2.5), 25);
 }
 
-TEST(Plot_Frame_Test, OutsideIsOnePixelBeyondAndHugeNumbersDoNotWrap) {
+TEST(Plot_Frame_Test, outside_is_one_pixel_beyond_and_huge_numbers_do_not_wrap) {
     EXPECT_EQ(TEN.Column(-0.06), -1);
     EXPECT_EQ(TEN.Column(-1e300), -1);
     EXPECT_EQ(TEN.Column(10.0), 100);
@@ -78,7 +78,7 @@ TEST(Plot_Frame_Test, OutsideIsOnePixelBeyondAndHugeNumbersDoNotWrap) {
     EXPECT_EQ(TEN.Row(INFINITY), 50);
 }
 
-TEST(Plot_Frame_Test, RangesThatDoNotIncreaseAreEmpty) {
+TEST(Plot_Frame_Test, ranges_that_do_not_increase_are_empty) {
     EXPECT_FALSE(TEN.Is_Empty());
     EXPECT_TRUE((Plot_Frame{0, 50, 0, 1, 0, 1}.Is_Empty()));
     EXPECT_TRUE((Plot_Frame{10, 50, 1, 1, 0, 1}.Is_Empty()));
@@ -86,7 +86,7 @@ TEST(Plot_Frame_Test, RangesThatDoNotIncreaseAreEmpty) {
     EXPECT_TRUE((Plot_Frame{10, 50, 0, INFINITY, 0, 1}.Is_Empty()));
 }
 
-TEST(Plot_Columns_Test, OneSpanPerColumnHoldsEveryBinThatTouchesIt) {
+TEST(Plot_Columns_Test, one_span_per_column_holds_every_bin_that_touches_it) {
     const Plot_Columns columns({10, 100, 0.0, 10.0, 0.0, 100.0}, {4, 2.0, 1.0});
     const std::vector<std::uint32_t> counts = {10, 20, 5, 5};
     const Column_Spans spans = columns.Stepped(counts.data(), 4);
@@ -94,13 +94,13 @@ TEST(Plot_Columns_Test, OneSpanPerColumnHoldsEveryBinThatTouchesIt) {
     EXPECT_EQ(spans, wanted);
 }
 
-TEST(Plot_Columns_Test, ABinThatReachesOverTheWholeViewIsOneFlatLine) {
+TEST(Plot_Columns_Test, a_bin_that_reaches_over_the_whole_view_is_one_flat_line) {
     const Plot_Columns columns({10, 100, 3.2, 3.4, 0.0, 100.0}, {8, 0.0, 1.0});
     const std::vector<std::uint32_t> counts = {10, 20, 5, 42, 7, 1, 1, 1};
     EXPECT_EQ(columns.Stepped(counts.data(), 8), Column_Spans(10, Column_Span{42, 42}));
 }
 
-TEST(Plot_Columns_Test, NoBinsAndNoWidthDrawNothing) {
+TEST(Plot_Columns_Test, no_bins_and_no_width_draw_nothing) {
     const std::vector<std::uint32_t> counts = {10, 20};
     EXPECT_EQ(Plot_Columns(TEN, {0, 0.0, 1.0}).Stepped(counts.data(), 2), Column_Spans(100));
     EXPECT_EQ(Plot_Columns(TEN, {2, 0.0, 0.0}).Stepped(counts.data(), 2), Column_Spans(100));
@@ -109,7 +109,7 @@ TEST(Plot_Columns_Test, NoBinsAndNoWidthDrawNothing) {
     EXPECT_TRUE(Plot_Columns({}, {2, 0.0, 1.0}).Stepped(counts.data(), 2).empty());
 }
 
-TEST(Plot_Columns_Test, ACurveShorterThanTheGridEndsWithItsValues) {
+TEST(Plot_Columns_Test, a_curve_shorter_than_the_grid_ends_with_its_values) {
     const Plot_Columns columns({10, 100, 0.0, 10.0, 0.0, 100.0}, {10, 0.0, 1.0});
     const std::vector<double> values = {50.0, 60.0, 70.0};
     const Column_Spans spans = columns.Stepped(values.data(), 3);
@@ -117,7 +117,7 @@ TEST(Plot_Columns_Test, ACurveShorterThanTheGridEndsWithItsValues) {
     EXPECT_TRUE(spans[4].Is_Empty());
 }
 
-TEST(Plot_Columns_Test, SamePictureAsEveryBinAtRandomZooms) {
+TEST(Plot_Columns_Test, same_picture_as_every_bin_at_random_zooms) {
     for (unsigned seed = 0; seed < 400; ++seed) {
         Random_Scene scene(seed);
         const int nb = scene.Int(1, seed % 4 == 0 ? 5000 : 60);
@@ -138,14 +138,14 @@ TEST(Plot_Columns_Test, SamePictureAsEveryBinAtRandomZooms) {
     }
 }
 
-TEST(Plot_Columns_Test, NegativeValuesReachBelowZero) {
+TEST(Plot_Columns_Test, negative_values_reach_below_zero) {
     const Plot_Frame frame{40, 60, -1.0, 11.0, -30.0, 30.0};
     const Plot_Grid grid{10, 0.0, 1.0};
     const std::vector<float> values = {0, 5, 20, -10, -25, -3, 0, 1, -1, 4};
     EXPECT_EQ(Reduced(frame, Plot_Columns(frame, grid).Stepped(values.data(), 10)), Every_Bin(frame, grid, values));
 }
 
-TEST(Plot_Columns_Test, ASmoothCurveHasNoGapsAndItsTopInPlace) {
+TEST(Plot_Columns_Test, a_smooth_curve_has_no_gaps_and_its_top_in_place) {
     const Plot_Columns columns({400, 300, 0.0, 20.0, 0.0, 110.0}, {20, 0.0, 1.0});
     const auto hill = [](double bin) { return 100.0 * std::exp(-(bin - 9.5) * (bin - 9.5)); };
     const Column_Spans spans = columns.Smooth(0, 19, hill);
@@ -163,7 +163,7 @@ TEST(Plot_Columns_Test, ASmoothCurveHasNoGapsAndItsTopInPlace) {
     EXPECT_EQ(spans[200].high, columns.Frame().Row(100.0));
 }
 
-TEST(Plot_Columns_Test, ASmoothCurveStaysInsideItsBins) {
+TEST(Plot_Columns_Test, a_smooth_curve_stays_inside_its_bins) {
     const Plot_Columns columns({100, 100, 0.0, 10.0, 0.0, 10.0}, {10, 0.0, 1.0});
     double least = 100.0;
     double most = -100.0;

@@ -32,19 +32,19 @@ struct Canvas {
 
 }  // namespace
 
-TEST(Plot_Pixels_Test, ColorsTurnIntoPixels) {
+TEST(Plot_Pixels_Test, colors_turn_into_pixels) {
     EXPECT_EQ(Pixel_Of_Color(0x00FFFF), 0xFFFF00U);
     EXPECT_EQ(Pixel_Of_Color(0x123456), 0x563412U);
 }
 
-TEST(Plot_Pixels_Test, BlendMixesEachComponentByItself) {
+TEST(Plot_Pixels_Test, blend_mixes_each_component_by_itself) {
     EXPECT_EQ(Pixel_Blend(0x102030, 0xFFFFFF, 0), 0x102030U);
     EXPECT_EQ(Pixel_Blend(0x102030, 0xABCDEF, OPACITY_FULL), 0xABCDEFU);
     EXPECT_EQ(Pixel_Blend(0x000000, 0xFF00FF, 128), 0x7F007FU);
     EXPECT_EQ(Pixel_Blend(0xFFFFFF, 0x00FF00, 128), 0x7FFF7FU);
 }
 
-TEST(Plot_Pixels_Test, RowsCountFromTheBottom) {
+TEST(Plot_Pixels_Test, rows_count_from_the_bottom) {
     Canvas canvas;
     Column_Spans spans(WIDTH);
     spans[5] = {2, 4};
@@ -56,7 +56,7 @@ TEST(Plot_Pixels_Test, RowsCountFromTheBottom) {
     }
 }
 
-TEST(Plot_Pixels_Test, SpansAreClippedToThePicture) {
+TEST(Plot_Pixels_Test, spans_are_clipped_to_the_picture) {
     Canvas canvas;
     Column_Spans spans(WIDTH, {-5, HEIGHT + 7});
     spans[0] = {-9, -1};
@@ -67,7 +67,7 @@ TEST(Plot_Pixels_Test, SpansAreClippedToThePicture) {
     EXPECT_EQ(canvas.picture.At(0, 0) + canvas.picture.At(1, HEIGHT - 1) + canvas.picture.At(2, 3), 0U);
 }
 
-TEST(Plot_Pixels_Test, SpansMixAsSinglePixelsDo) {
+TEST(Plot_Pixels_Test, spans_mix_as_single_pixels_do) {
     Canvas canvas;
     std::vector<std::uint32_t> before;
     for (std::size_t i = 0; i < Canvas::PIXEL_NB; ++i) {
@@ -83,7 +83,7 @@ TEST(Plot_Pixels_Test, SpansMixAsSinglePixelsDo) {
     }
 }
 
-TEST(Plot_Pixels_Test, EveryColumnHasItsOwnColorAndSpansMayBeFewer) {
+TEST(Plot_Pixels_Test, every_column_has_its_own_color_and_spans_may_be_fewer) {
     Canvas canvas;
     std::vector<std::uint32_t> colors;
     for (int column = 0; column < WIDTH; ++column) {
@@ -100,7 +100,7 @@ TEST(Plot_Pixels_Test, EveryColumnHasItsOwnColorAndSpansMayBeFewer) {
     EXPECT_EQ(canvas.picture.At(0, 0), 1U);
 }
 
-TEST(Plot_Pixels_Test, RectanglesAreClipped) {
+TEST(Plot_Pixels_Test, rectangles_are_clipped) {
     Canvas canvas;
     canvas.picture.Rectangle_Blend(-3, -2, 5, 4, 0xFF, OPACITY_FULL);
     EXPECT_EQ(canvas.Count(0xFF), 2 * 2);
@@ -110,7 +110,7 @@ TEST(Plot_Pixels_Test, RectanglesAreClipped) {
     EXPECT_EQ(canvas.Count(0xAA), 0);
 }
 
-TEST(Plot_Pixels_Test, AThickLineGrowsToTheRightAndUpward) {
+TEST(Plot_Pixels_Test, a_thick_line_grows_to_the_right_and_upward) {
     Canvas canvas;
     Column_Spans spans(WIDTH);
     spans[10] = {2, 2};

@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(Plot_Scale, Columns_And_Bins_Agree_In_Both_Directions) {
+TEST(Plot_Scale, columns_and_bins_agree_in_both_directions) {
     for (const int nb_bins : {1, 2, 7, 100, 257, 4096, 65535}) {
         for (const int width : {1, 3, 99, 256, 1000}) {
             const Plot_Scale scale({17, width, 50}, {nb_bins, 0.0F, 1.0F}, 10.0F);
@@ -21,7 +21,7 @@ TEST(Plot_Scale, Columns_And_Bins_Agree_In_Both_Directions) {
     }
 }
 
-TEST(Plot_Scale, A_Bin_Of_The_Full_Count_Reaches_The_Top_And_Higher_Ones_Are_Cut) {
+TEST(Plot_Scale, a_bin_of_the_full_count_reaches_the_top_and_higher_ones_are_cut) {
     const Plot_Scale scale({0, 100, 80}, {10, 0.0F, 1.0F}, 200.0F * 0.5F);
     EXPECT_EQ(scale.Count_To_Height(100), 80);
     EXPECT_EQ(scale.Count_To_Height(200), 80);
@@ -31,14 +31,14 @@ TEST(Plot_Scale, A_Bin_Of_The_Full_Count_Reaches_The_Top_And_Higher_Ones_Are_Cut
     EXPECT_FLOAT_EQ(scale.Height_To_Count(40), 50.0F);
 }
 
-TEST(Plot_Scale, Draws_Nothing_Without_Counts_Or_Area) {
+TEST(Plot_Scale, draws_nothing_without_counts_or_area) {
     EXPECT_EQ(Plot_Scale({0, 10, 10}, {10, 0.0F, 1.0F}, 0.0F).Count_To_Height(5), 0);
     EXPECT_EQ(Plot_Scale({0, 10, -3}, {10, 0.0F, 1.0F}, 5.0F).Count_To_Height(5), 0);
     EXPECT_TRUE(Plot_Scale({0, 0, 10}, {10, 0.0F, 1.0F}, 5.0F).Is_Empty());
     EXPECT_TRUE(Plot_Scale({0, 10, 10}, {0, 0.0F, 1.0F}, 5.0F).Is_Empty());
 }
 
-TEST(Plot_Scale, Grey_Levels_Are_Limited_To_The_Grid) {
+TEST(Plot_Scale, grey_levels_are_limited_to_the_grid) {
     const Plot_Scale scale({0, 100, 80}, {10, -20.0F, 2.0F}, 1.0F);
     EXPECT_EQ(scale.Level_To_Bin(-1000.0F), 0);
     EXPECT_EQ(scale.Level_To_Bin(-20.0F), 0);

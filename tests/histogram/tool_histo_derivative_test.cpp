@@ -19,7 +19,7 @@ std::vector<std::uint32_t> Hills(int n, const std::vector<int>& centres, double 
     return counts;
 }
 
-TEST(Fit_Derivative, Without_Counts_It_Does_Nothing) {
+TEST(Fit_Derivative, without_counts_it_does_nothing) {
     Analysis_Panel test({});
     test.Data().Record_Free();
     EXPECT_EQ(test.panel.Fit_Derivative(3), 0);
@@ -29,7 +29,7 @@ TEST(Fit_Derivative, Without_Counts_It_Does_Nothing) {
     EXPECT_TRUE(test.reported.empty());
 }
 
-TEST(Fit_Derivative, No_Peak_Wanted_Gives_An_Empty_List_Without_A_Warning) {
+TEST(Fit_Derivative, no_peak_wanted_gives_an_empty_list_without_a_warning) {
     Analysis_Panel test(Hills(200, {60, 140}, 900.0, 12.0));
     EXPECT_EQ(test.panel.Fit_Derivative(0), 1);
     EXPECT_EQ(test.Data().peak_nb, 0);
@@ -41,13 +41,13 @@ TEST(Fit_Derivative, No_Peak_Wanted_Gives_An_Empty_List_Without_A_Warning) {
     EXPECT_EQ(test.Data().peak_nb, 0);
 }
 
-TEST(Fit_Derivative, A_Flat_Curve_Has_No_Peak) {
+TEST(Fit_Derivative, a_flat_curve_has_no_peak) {
     Analysis_Panel test(std::vector<std::uint32_t>(300, 17));
     EXPECT_EQ(test.panel.Fit_Derivative(4), 1);
     EXPECT_EQ(test.Data().peak_nb, 0);
 }
 
-TEST(Fit_Derivative, One_Hill_Is_One_Segment_Over_The_Whole_Range) {
+TEST(Fit_Derivative, one_hill_is_one_segment_over_the_whole_range) {
     Analysis_Panel test(Hills(256, {100}, 5000.0, 20.0));
     EXPECT_EQ(test.panel.Fit_Derivative(1), 1);
     const auto peaks = test.Peaks();
@@ -68,7 +68,7 @@ TEST(Fit_Derivative, One_Hill_Is_One_Segment_Over_The_Whole_Range) {
     EXPECT_TRUE(test.Has(11, expected));
 }
 
-TEST(Fit_Derivative, Two_Hills_Are_Tiled_By_Two_Segments_In_Order) {
+TEST(Fit_Derivative, two_hills_are_tiled_by_two_segments_in_order) {
     Analysis_Panel test(Hills(400, {100, 290}, 3000.0, 22.0));
     EXPECT_EQ(test.panel.Fit_Derivative(2), 1);
     const auto peaks = test.Peaks();
@@ -79,7 +79,7 @@ TEST(Fit_Derivative, Two_Hills_Are_Tiled_By_Two_Segments_In_Order) {
     EXPECT_EQ(peaks[0]->prev, nullptr);
 }
 
-TEST(Fit_Derivative, Too_Many_Hills_Warn_With_Their_Number_And_Stay) {
+TEST(Fit_Derivative, too_many_hills_warn_with_their_number_and_stay) {
     // Hills so far apart and so steep that no smoothing joins them all within the passes.
     std::vector<int> centres;
     for (int k = 0; k < 20; ++k) {
@@ -94,7 +94,7 @@ TEST(Fit_Derivative, Too_Many_Hills_Warn_With_Their_Number_And_Stay) {
     EXPECT_EQ(test.Texts(11).front(), "loop:000 nb peak:20");
 }
 
-TEST(Fit_Derivative, Of_More_Than_A_Hundred_Maxima_The_Lowest_Hundred_Become_Segments) {
+TEST(Fit_Derivative, of_more_than_a_hundred_maxima_the_lowest_hundred_become_segments) {
     std::vector<int> centres;
     for (int k = 0; k < 130; ++k) {
         centres.push_back(250 + 500 * k);
@@ -116,7 +116,7 @@ TEST(Fit_Derivative, Of_More_Than_A_Hundred_Maxima_The_Lowest_Hundred_Become_Seg
     }
 }
 
-TEST(Fit_Derivative, Replaces_The_Result_Before_It) {
+TEST(Fit_Derivative, replaces_the_result_before_it) {
     Analysis_Panel test(Hills(400, {100, 290}, 3000.0, 22.0));
     test.panel.Fit_Derivative(2);
     test.Data().fit_spare = new float[3];
@@ -128,7 +128,7 @@ TEST(Fit_Derivative, Replaces_The_Result_Before_It) {
     EXPECT_EQ(test.Data().fit_sum, nullptr);
 }
 
-TEST(Fit_Derivative, Survives_Curves_Of_No_One_And_Two_Bins) {
+TEST(Fit_Derivative, survives_curves_of_no_one_and_two_bins) {
     for (const int n : {0, 1, 2, 3}) {
         Analysis_Panel test(std::vector<std::uint32_t>(static_cast<std::size_t>(n), 100));
         EXPECT_EQ(test.panel.Fit_Derivative(3), 1) << n;
@@ -137,7 +137,7 @@ TEST(Fit_Derivative, Survives_Curves_Of_No_One_And_Two_Bins) {
     }
 }
 
-TEST(Peak_Source_Curve, Follows_The_Colour_Component) {
+TEST(Peak_Source_Curve, follows_the_colour_component) {
     Analysis_Panel test({1, 2, 3});
     Histo_Record& record = *test.Data().record;
     record.flags = HISTO_COLOR;

@@ -59,7 +59,7 @@ int Gaussian(Analysed_Panel& panel) {
 
 }  // namespace
 
-TEST(Histo_Fit, The_Panel_May_Go_At_Every_Message) {
+TEST(Histo_Fit, the_panel_may_go_at_every_message) {
     for (const Fit fit : {Derivative, Gaussian}) {
         int message_nb = 0;
         {
@@ -82,7 +82,7 @@ TEST(Histo_Fit, The_Panel_May_Go_At_Every_Message) {
     }
 }
 
-TEST(Histo_Fit, The_Panel_May_Go_While_The_User_Reads_A_Warning) {
+TEST(Histo_Fit, the_panel_may_go_while_the_user_reads_a_warning) {
     Heard heard(Teeth(8));
     bool warned = false;
     heard.answer = [&](int level, const std::string&) {
@@ -95,7 +95,7 @@ TEST(Histo_Fit, The_Panel_May_Go_While_The_User_Reads_A_Warning) {
     EXPECT_TRUE(warned);
 }
 
-TEST(Histo_Fit, One_Analysis_At_A_Time) {
+TEST(Histo_Fit, one_analysis_at_a_time) {
     Heard heard(One_Hill());
     std::vector<int> nested;
     heard.answer = [&](int, const std::string& text) {
@@ -111,7 +111,7 @@ TEST(Histo_Fit, One_Analysis_At_A_Time) {
     EXPECT_EQ(heard.test->panel.Fit_Derivative(2), 1) << "the next one runs again";
 }
 
-TEST(Histo_Fit, New_Counts_Meanwhile_Leave_The_Analysis_On_Those_It_Began_With) {
+TEST(Histo_Fit, new_counts_meanwhile_leave_the_analysis_on_those_it_began_with) {
     Heard heard(One_Hill());
     heard.answer = [&](int level, const std::string& text) {
         if (level == 4 && text.find("Computing") != std::string::npos) {

@@ -170,7 +170,7 @@ class Fit_Gaussian : public ::testing::Test {
     void SetUp() override { last_zero = -1000; }
 };
 
-TEST_F(Fit_Gaussian, Recovers_Known_Peaks_From_Their_Filtered_Sum) {
+TEST_F(Fit_Gaussian, recovers_known_peaks_from_their_filtered_sum) {
     const std::vector<Hill> hills = {{150, 4000, 22}, {420, 2500, 30}, {700, 3300, 25}};
     Analysis_Panel test(Counts_Of(hills, 900));
     EXPECT_EQ(test.panel.Fit_Gaussian(), 1);
@@ -188,7 +188,7 @@ TEST_F(Fit_Gaussian, Recovers_Known_Peaks_From_Their_Filtered_Sum) {
     }
 }
 
-TEST_F(Fit_Gaussian, Recovers_Known_Peaks_Under_Poisson_Noise) {
+TEST_F(Fit_Gaussian, recovers_known_peaks_under_poisson_noise) {
     const std::vector<Hill> hills = {{200, 4000, 25}, {560, 6000, 40}};
     for (unsigned seed = 1; seed <= 10; ++seed) {
         last_zero = -1000;
@@ -205,7 +205,7 @@ TEST_F(Fit_Gaussian, Recovers_Known_Peaks_Under_Poisson_Noise) {
     }
 }
 
-TEST_F(Fit_Gaussian, Agrees_With_Plain_Matrices_And_One_Call_Per_Value) {
+TEST_F(Fit_Gaussian, agrees_with_plain_matrices_and_one_call_per_value) {
     std::mt19937 random(9);
     int compared = 0;
     for (int round = 0; round < 25; ++round) {
@@ -233,7 +233,7 @@ TEST_F(Fit_Gaussian, Agrees_With_Plain_Matrices_And_One_Call_Per_Value) {
     EXPECT_GT(compared, 100);
 }
 
-TEST_F(Fit_Gaussian, Without_A_Candidate_It_Reports_None_And_Samples_Nothing) {
+TEST_F(Fit_Gaussian, without_a_candidate_it_reports_none_and_samples_nothing) {
     Analysis_Panel test(std::vector<std::uint32_t>(300, 5));
     EXPECT_EQ(test.panel.Fit_Gaussian(), 1);
     EXPECT_EQ(test.Texts(MESSAGE_STATUS), std::vector<std::string>{"Computing Peak Fit: \x01"
@@ -246,7 +246,7 @@ TEST_F(Fit_Gaussian, Without_A_Candidate_It_Reports_None_And_Samples_Nothing) {
     EXPECT_EQ(test.Data().peak_first, nullptr);
 }
 
-TEST_F(Fit_Gaussian, An_Empty_Curve_Stops_At_Once_Because_Its_Error_Is_Below_The_Threshold) {
+TEST_F(Fit_Gaussian, an_empty_curve_stops_at_once_because_its_error_is_below_the_threshold) {
     Analysis_Panel test(std::vector<std::uint32_t>(300, 0));
     test.panel.Fit_Gaussian();
     EXPECT_EQ(test.Texts(11).back(),
@@ -254,7 +254,7 @@ TEST_F(Fit_Gaussian, An_Empty_Curve_Stops_At_Once_Because_Its_Error_Is_Below_The
               "1\x02 iterations");
 }
 
-TEST_F(Fit_Gaussian, A_Second_Fit_On_The_Same_Curve_Rejects_Its_First_Crossing) {
+TEST_F(Fit_Gaussian, a_second_fit_on_the_same_curve_rejects_its_first_crossing) {
     Analysis_Panel test(Counts_Of({{150, 4000, 22}}, 400));
     test.panel.Fit_Gaussian();
     const auto zeros = [&] {
@@ -269,7 +269,7 @@ TEST_F(Fit_Gaussian, A_Second_Fit_On_The_Same_Curve_Rejects_Its_First_Crossing) 
     EXPECT_EQ(zeros(), 0) << "the crossing is measured against itself: distance 0";
 }
 
-TEST_F(Fit_Gaussian, A_Candidate_By_Data_Is_Placed_Behind_Its_Bin_And_Told) {
+TEST_F(Fit_Gaussian, a_candidate_by_data_is_placed_behind_its_bin_and_told) {
     // Falling from the first bin on: the derivative has no crossing.
     std::vector<std::uint32_t> counts;
     for (int i = 0; i < 200; ++i) {
@@ -284,7 +284,7 @@ TEST_F(Fit_Gaussian, A_Candidate_By_Data_Is_Placed_Behind_Its_Bin_And_Told) {
     EXPECT_TRUE(test.Has_Part(11, "before[0]: C=      1.00"));
 }
 
-TEST_F(Fit_Gaussian, After_A_Candidate_By_Data_Five_Bins_Are_Left_Out) {
+TEST_F(Fit_Gaussian, after_a_candidate_by_data_five_bins_are_left_out) {
     // The filtered plateau reaches from bin 110 to bin 150: each of its bins is a maximum if an edge is within 15 bins.
     std::vector<std::uint32_t> counts(250);
     std::fill(counts.begin() + 100, counts.begin() + 161, 1000U);
@@ -300,7 +300,7 @@ TEST_F(Fit_Gaussian, After_A_Candidate_By_Data_Five_Bins_Are_Left_Out) {
     EXPECT_EQ(found, (std::vector<int>{111, 117, 123, 137, 143, 149}));
 }
 
-TEST_F(Fit_Gaussian, Traces_Every_Step_With_Its_Numbers) {
+TEST_F(Fit_Gaussian, traces_every_step_with_its_numbers) {
     Analysis_Panel test(Counts_Of({{150, 4000, 22}}, 400));
     test.panel.Fit_Gaussian();
     EXPECT_TRUE(test.Has_Part(11, "Locate a peak with zero at x = 15"));
@@ -313,7 +313,7 @@ TEST_F(Fit_Gaussian, Traces_Every_Step_With_Its_Numbers) {
                                                                    "1\x02 peaks ..."});
 }
 
-TEST_F(Fit_Gaussian, Each_Peak_Keeps_Its_Own_Curve) {
+TEST_F(Fit_Gaussian, each_peak_keeps_its_own_curve) {
     Analysis_Panel test(Counts_Of({{150, 4000, 22}}, 400));
     test.panel.Fit_Gaussian();
     const auto peaks = test.Peaks();
@@ -346,7 +346,7 @@ class Gauss_Newton_Steps : public ::testing::Test {
     Histo_Peak* tail = nullptr;
 };
 
-TEST_F(Gauss_Newton_Steps, A_Candidate_Where_The_Curve_Is_0_Ends_The_Fit_With_An_Invalid_Matrix) {
+TEST_F(Gauss_Newton_Steps, a_candidate_where_the_curve_is_0_ends_the_fit_with_an_invalid_matrix) {
     Curve_Set({{100, 500, 8}});
     Add(20, 1.0F, 1.0F);
     test.Data().filtered[20] = 0.0;
@@ -359,7 +359,7 @@ TEST_F(Gauss_Newton_Steps, A_Candidate_Where_The_Curve_Is_0_Ends_The_Fit_With_An
     EXPECT_FALSE(test.Has_Part(11, "Stop after"));
 }
 
-TEST_F(Gauss_Newton_Steps, A_Runaway_Step_Ends_The_Fit_Unchanged) {
+TEST_F(Gauss_Newton_Steps, a_runaway_step_ends_the_fit_unchanged) {
     Curve_Set({{100, 500, 8}});
     Histo_Peak* peak = Add(100, 1.0F, 5.0F);
     (*peak->param_max)[PEAK_AMPLITUDE] = 1e-6;
@@ -370,7 +370,7 @@ TEST_F(Gauss_Newton_Steps, A_Runaway_Step_Ends_The_Fit_Unchanged) {
     EXPECT_FALSE(test.Has_Part(11, "Stop after"));
 }
 
-TEST_F(Gauss_Newton_Steps, A_Step_Runs_Away_Beyond_A_Thousand_Bounds) {
+TEST_F(Gauss_Newton_Steps, a_step_runs_away_beyond_a_thousand_bounds) {
     for (const double bound : {0.49, 0.51}) {  // the step is 500
         Curve_Set({{100, 500, 8}});
         test.reported.clear();
@@ -390,7 +390,7 @@ TEST_F(Gauss_Newton_Steps, A_Step_Runs_Away_Beyond_A_Thousand_Bounds) {
     }
 }
 
-TEST_F(Gauss_Newton_Steps, A_Fit_That_Starts_At_Its_Solution_Stops_Before_Any_Step) {
+TEST_F(Gauss_Newton_Steps, a_fit_that_starts_at_its_solution_stops_before_any_step) {
     Curve_Set({});
     Run();
     EXPECT_TRUE(test.Has(11,
@@ -420,7 +420,7 @@ class Close_Candidates : public Gauss_Newton_Steps {
     }
 };
 
-TEST_F(Close_Candidates, A_Higher_Later_One_Stays) {
+TEST_F(Close_Candidates, a_higher_later_one_stays) {
     Curve_Set({{96, 5000, 2}, {104, 5000, 2}});
     Add_Fixed(96, 100.0);
     Add_Fixed(104, 200.0);
@@ -430,7 +430,7 @@ TEST_F(Close_Candidates, A_Higher_Later_One_Stays) {
     EXPECT_EQ((*test.Data().peak_first->param)[PEAK_CENTRE], 104.0);
 }
 
-TEST_F(Close_Candidates, A_Higher_Earlier_One_Stays) {
+TEST_F(Close_Candidates, a_higher_earlier_one_stays) {
     Curve_Set({{96, 5000, 2}, {104, 5000, 2}});
     Add_Fixed(96, 200.0);
     Add_Fixed(104, 100.0);
@@ -439,7 +439,7 @@ TEST_F(Close_Candidates, A_Higher_Earlier_One_Stays) {
               std::vector<std::string>{"******* Delete peak at 104.00: Peak to close b (96.0 /vs/ 104.0)"});
 }
 
-TEST_F(Close_Candidates, Of_Two_Equal_Ones_The_Earlier_Stays) {
+TEST_F(Close_Candidates, of_two_equal_ones_the_earlier_stays) {
     Curve_Set({{96, 5000, 2}, {104, 5000, 2}});
     Add_Fixed(96, 100.0);
     Add_Fixed(104, 100.0);
@@ -448,7 +448,7 @@ TEST_F(Close_Candidates, Of_Two_Equal_Ones_The_Earlier_Stays) {
               std::vector<std::string>{"******* Delete peak at 104.00: Peak to close b (96.0 /vs/ 104.0)"});
 }
 
-TEST_F(Close_Candidates, Ten_Bins_Apart_Both_Stay) {
+TEST_F(Close_Candidates, ten_bins_apart_both_stay) {
     Curve_Set({{95, 5000, 2}, {105, 5000, 2}});
     Add_Fixed(95, 100.0);
     Add_Fixed(105, 100.0);
@@ -457,7 +457,7 @@ TEST_F(Close_Candidates, Ten_Bins_Apart_Both_Stay) {
     EXPECT_EQ(test.Data().peak_nb, 2);
 }
 
-TEST_F(Close_Candidates, One_That_Outlived_Its_Neighbour_Meets_The_Next_Only_In_The_Next_Iteration) {
+TEST_F(Close_Candidates, one_that_outlived_its_neighbour_meets_the_next_only_in_the_next_iteration) {
     Curve_Set({{93, 5000, 2}, {97, 5000, 2}, {101, 5000, 2}});
     Add_Fixed(93, 300.0);
     Add_Fixed(97, 200.0);
@@ -470,7 +470,7 @@ TEST_F(Close_Candidates, One_That_Outlived_Its_Neighbour_Meets_The_Next_Only_In_
     EXPECT_FALSE(test.Has_Part(11, "Iteration[1] peak[1]:"));
 }
 
-TEST_F(Gauss_Newton_Steps, A_Fit_Stops_Before_The_Step_When_The_Error_Changes_Little) {
+TEST_F(Gauss_Newton_Steps, a_fit_stops_before_the_step_when_the_error_changes_little) {
     Curve_Set({{100, 500, 8}});
     Add(100, 1.0F, 5.0F);
     Run();
@@ -496,7 +496,7 @@ TEST_F(Gauss_Newton_Steps, A_Fit_Stops_Before_The_Step_When_The_Error_Changes_Li
     EXPECT_EQ(test.Texts(11).back(), "  -> Stop after \x01" + std::to_string(errors) + "\x02 iterations");
 }
 
-TEST_F(Gauss_Newton_Steps, After_Ten_Iterations_It_Says_Eleven) {
+TEST_F(Gauss_Newton_Steps, after_ten_iterations_it_says_eleven) {
     Curve_Set({{100, 500, 8}});
     Add(100, 1.0F, 5.0F);
     Gauss_Newton(test.Data(), 200, test.Data().filtered, 0.0);  // no change is smaller
@@ -507,7 +507,7 @@ TEST_F(Gauss_Newton_Steps, After_Ten_Iterations_It_Says_Eleven) {
               "11\x02 iterations");
 }
 
-TEST_F(Gauss_Newton_Steps, The_Sum_Is_That_Of_The_Starting_Peaks) {
+TEST_F(Gauss_Newton_Steps, the_sum_is_that_of_the_starting_peaks) {
     Curve_Set({{60, 500, 8}, {130, 300, 12}});
     Add(60, 1.0F, 5.0F);
     Add(130, 0.25F, 10.0F);
@@ -525,7 +525,7 @@ TEST_F(Gauss_Newton_Steps, The_Sum_Is_That_Of_The_Starting_Peaks) {
     }
 }
 
-TEST_F(Gauss_Newton_Steps, A_Wide_Peak_Is_Deleted) {
+TEST_F(Gauss_Newton_Steps, a_wide_peak_is_deleted) {
     Curve_Set({{100, 500, 70}});
     Add(100, 1.0F, 30.0F);
     Run();
@@ -533,7 +533,7 @@ TEST_F(Gauss_Newton_Steps, A_Wide_Peak_Is_Deleted) {
     EXPECT_TRUE(test.Has_Part(11, ": Peak to wide (amp="));
 }
 
-TEST_F(Gauss_Newton_Steps, Deleting_Keeps_The_List_Whole) {
+TEST_F(Gauss_Newton_Steps, deleting_keeps_the_list_whole) {
     Curve_Set({});
     Histo_Peak* a = Add(10, 1.0F, 5.0F);
     Histo_Peak* b = Add(50, 1.0F, 5.0F);
@@ -548,7 +548,7 @@ TEST_F(Gauss_Newton_Steps, Deleting_Keeps_The_List_Whole) {
     EXPECT_EQ(test.Texts(11).back().size(), std::strlen("******* Delete peak at 90.00: ") + 1023);
 }
 
-TEST_F(Gauss_Newton_Steps, Bounds_Stand_Around_The_Candidate) {
+TEST_F(Gauss_Newton_Steps, bounds_stand_around_the_candidate) {
     Curve_Set({{100, 500, 8}});
     const Histo_Peak* peak = Add(100, 0.25F, 10.0F);
     EXPECT_EQ((*peak->param)[PEAK_AMPLITUDE], 0.25 * test.Data().filtered[100]);
@@ -559,7 +559,7 @@ TEST_F(Gauss_Newton_Steps, Bounds_Stand_Around_The_Candidate) {
     EXPECT_EQ((*peak->param_max)[PEAK_AMPLITUDE], 2.0 * test.Data().filtered[100]);
 }
 
-TEST(Peak_Curve, Has_None_For_A_Centre_Of_0) {
+TEST(Peak_Curve, has_none_for_a_centre_of_0) {
     Vector_N param(3, 8);
     param[PEAK_AMPLITUDE] = 5.0;
     param[PEAK_WIDTH] = 2.0;

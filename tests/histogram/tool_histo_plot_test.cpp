@@ -150,7 +150,7 @@ std::vector<std::string> Notes_Drawn(Plot_Stage& plot) {
 
 }  // namespace
 
-TEST(Tool_Histo_Plot_Test, WithoutCountsNothingIsPlotted) {
+TEST(Tool_Histo_Plot_Test, without_counts_nothing_is_plotted) {
     Plot_Stage plot;
     plot.panel.data->Record_Free();
     plot.stage.Wipe();
@@ -164,7 +164,7 @@ TEST(Tool_Histo_Plot_Test, WithoutCountsNothingIsPlotted) {
     EXPECT_EQ(plot.Read(), before);
 }
 
-TEST(Tool_Histo_Plot_Test, SamePictureAsTheWindowSystemDrawingEveryBin) {
+TEST(Tool_Histo_Plot_Test, same_picture_as_the_window_system_drawing_every_bin) {
     std::mt19937 random(11);
     const auto real = [&](float least, float most) {
         return std::uniform_real_distribution<float>(least, most)(random);
@@ -190,7 +190,7 @@ TEST(Tool_Histo_Plot_Test, SamePictureAsTheWindowSystemDrawingEveryBin) {
     }
 }
 
-TEST(Tool_Histo_Plot_Test, CurvesHaveTheColorsOfTheirComponents) {
+TEST(Tool_Histo_Plot_Test, curves_have_the_colors_of_their_components) {
     Plot_Stage plot;
     Scene_Object& colored = plot.host.Add_Color({0.0F, 1.0F}, Noise(50, 1));
     plot.panel.data->Record_Free();
@@ -222,7 +222,7 @@ TEST(Tool_Histo_Plot_Test, CurvesHaveTheColorsOfTheirComponents) {
     EXPECT_NE(by_component[0], by_component[4]);
 }
 
-TEST(Tool_Histo_Plot_Test, CurvesOfTheAnalysisAreShownByTheTraceLevel) {
+TEST(Tool_Histo_Plot_Test, curves_of_the_analysis_are_shown_by_the_trace_level) {
     Plot_Stage plot;
     plot.Counts_Give({}, Flat(40, 100));
     Histo_Data& data = *plot.panel.data;
@@ -245,7 +245,7 @@ TEST(Tool_Histo_Plot_Test, CurvesOfTheAnalysisAreShownByTheTraceLevel) {
     EXPECT_EQ(Colors_Of(Area_Of(plot)), (std::set<std::uint32_t>{GROUND, YELLOW, MAGENTA, FIT_SUM, DERIVATIVE}));
 }
 
-TEST(Tool_Histo_Plot_Test, RangeEndsAreRoundedUnlikeInThePanel) {
+TEST(Tool_Histo_Plot_Test, range_ends_are_rounded_unlike_in_the_panel) {
     Plot_Stage plot;
     plot.Counts_Give({}, Flat(200, 1));
     Unit_View(plot);
@@ -278,7 +278,7 @@ TEST(Tool_Histo_Plot_Test, RangeEndsAreRoundedUnlikeInThePanel) {
     EXPECT_EQ(Colors_Of(Area_Of(plot)), (std::set<std::uint32_t>{GROUND, YELLOW}));
 }
 
-TEST(Tool_Histo_Plot_Test, BandsAreClippedToThePlotAreaAndLaterOnesHideEarlierOnes) {
+TEST(Tool_Histo_Plot_Test, bands_are_clipped_to_the_plot_area_and_later_ones_hide_earlier_ones) {
     Plot_Stage plot;
     plot.Counts_Give({}, Flat(2000, 1));
     Unit_View(plot);
@@ -311,7 +311,7 @@ TEST(Tool_Histo_Plot_Test, BandsAreClippedToThePlotAreaAndLaterOnesHideEarlierOn
     EXPECT_TRUE(Is_Half_Tone(area, width, width - 1, top, 0x0000C8)) << "blue at the right";
 }
 
-TEST(Tool_Histo_Plot_Test, ABandIsItsColorUnderTheCountsAndAHalfToneAbove) {
+TEST(Tool_Histo_Plot_Test, a_band_is_its_color_under_the_counts_and_a_half_tone_above) {
     Plot_Stage plot;
     plot.Counts_Give({}, Noise(300, 8));
     plot.scene.x = {0.0F, static_cast<float>(plot.scene.area.width)};
@@ -353,7 +353,7 @@ TEST(Tool_Histo_Plot_Test, ABandIsItsColorUnderTheCountsAndAHalfToneAbove) {
     }
 }
 
-TEST(Tool_Histo_Plot_Test, ATagWithoutColorIsGrey) {
+TEST(Tool_Histo_Plot_Test, a_tag_without_color_is_grey) {
     Plot_Stage plot;
     plot.Counts_Give({}, Flat(50, 1));
     plot.host.Tags(1);
@@ -364,7 +364,7 @@ TEST(Tool_Histo_Plot_Test, ATagWithoutColorIsGrey) {
     EXPECT_TRUE(Is_Half_Tone(Area_Of(plot), width, width / 2, plot.scene.area.height - 2, 0x808080));
 }
 
-TEST(Tool_Histo_Plot_Test, PeaksShowByTheirSelector) {
+TEST(Tool_Histo_Plot_Test, peaks_show_by_their_selector) {
     Plot_Stage plot;
     plot.Counts_Give({}, Flat(200, 300));
     plot.Peak_Give(50, 250, 10);
@@ -402,7 +402,7 @@ TEST(Tool_Histo_Plot_Test, PeaksShowByTheirSelector) {
     EXPECT_NEAR(top_of(individual, middle), frame.Row(125.0), 9) << "a steep flank";
 }
 
-TEST(Tool_Histo_Plot_Test, LabelsNameTheCentresInGreyLevels) {
+TEST(Tool_Histo_Plot_Test, labels_name_the_centres_in_grey_levels) {
     Plot_Stage plot;
     plot.Counts_Give({-100.0F, 2.0F}, Flat(200, 300));
     plot.Peak_Give(20.2, 250, 3);
@@ -417,7 +417,7 @@ TEST(Tool_Histo_Plot_Test, LabelsNameTheCentresInGreyLevels) {
     EXPECT_EQ(Labels_Drawn(plot), std::vector<std::string>{"141"}) << "only what is in view";
 }
 
-TEST(Tool_Histo_Plot_Test, SegmentsAreFilledSideBySideUnderTheCurve) {
+TEST(Tool_Histo_Plot_Test, segments_are_filled_side_by_side_under_the_curve) {
     Plot_Stage plot;
     plot.Counts_Give({}, Flat(100, 100));
     plot.Segment_Give(20, 0, 49);
@@ -442,7 +442,7 @@ TEST(Tool_Histo_Plot_Test, SegmentsAreFilledSideBySideUnderTheCurve) {
     EXPECT_EQ(at(30.0, -5.0), GROUND);
 }
 
-TEST(Tool_Histo_Plot_Test, PeaksOlderThanTheRecordAndWithoutCurvesDoNoHarm) {
+TEST(Tool_Histo_Plot_Test, peaks_older_than_the_record_and_without_curves_do_no_harm) {
     Plot_Stage plot;
     plot.Counts_Give({}, Flat(300, 100));
     plot.Filtered_Give();
@@ -464,7 +464,7 @@ TEST(Tool_Histo_Plot_Test, PeaksOlderThanTheRecordAndWithoutCurvesDoNoHarm) {
     EXPECT_EQ(Labels_Drawn(plot), (std::vector<std::string>{"150", "290"}));
 }
 
-TEST(Tool_Histo_Plot_Test, TheCursorLineMovesAndLeavesNothing) {
+TEST(Tool_Histo_Plot_Test, the_cursor_line_moves_and_leaves_nothing) {
     Plot_Stage plot;
     plot.Counts_Give({}, Noise(200, 4));
     Scene_Object& frame = plot.host.Add_Frame();
@@ -483,7 +483,7 @@ TEST(Tool_Histo_Plot_Test, TheCursorLineMovesAndLeavesNothing) {
     EXPECT_EQ(plot.Read(), clean);
 }
 
-TEST(Tool_Histo_Plot_Test, TheCursorLineStandsOnTheMiddleOfItsBinAndStaysInsideThePlotArea) {
+TEST(Tool_Histo_Plot_Test, the_cursor_line_stands_on_the_middle_of_its_bin_and_stays_inside_the_plot_area) {
     Plot_Stage plot;
     plot.Counts_Give({}, Flat(200, 100));
     Scene_Object& frame = plot.host.Add_Frame();
@@ -504,7 +504,7 @@ TEST(Tool_Histo_Plot_Test, TheCursorLineStandsOnTheMiddleOfItsBinAndStaysInsideT
     }
 }
 
-TEST(Tool_Histo_Plot_Test, TheCursorLineSurvivesARedraw) {
+TEST(Tool_Histo_Plot_Test, the_cursor_line_survives_a_redraw) {
     Plot_Stage plot;
     plot.Counts_Give({}, Noise(200, 4));
     Scene_Object& frame = plot.host.Add_Frame();
@@ -522,7 +522,7 @@ TEST(Tool_Histo_Plot_Test, TheCursorLineSurvivesARedraw) {
     EXPECT_EQ(plot.Read(), clean);
 }
 
-TEST(Tool_Histo_Plot_Test, TheZoomRectangleMovesInsideThePlotAreaAndLeavesNothing) {
+TEST(Tool_Histo_Plot_Test, the_zoom_rectangle_moves_inside_the_plot_area_and_leaves_nothing) {
     Plot_Stage plot({500, 320, 13, 40});
     plot.Counts_Give({}, Noise(200, 4));
     plot.Draw();
@@ -558,7 +558,7 @@ TEST(Tool_Histo_Plot_Test, TheZoomRectangleMovesInsideThePlotAreaAndLeavesNothin
     EXPECT_EQ(plot.Read(), clean);
 }
 
-TEST(Tool_Histo_Plot_Test, TheZoomRectangleIsAFrameThatStandsOutOnAnyColor) {
+TEST(Tool_Histo_Plot_Test, the_zoom_rectangle_is_a_frame_that_stands_out_on_any_color) {
     Plot_Stage plot;
     plot.Counts_Give({}, Noise(200, 4));
     plot.host.Tags(1);  // grey, which inverting alone would leave grey
@@ -579,7 +579,7 @@ TEST(Tool_Histo_Plot_Test, TheZoomRectangleIsAFrameThatStandsOutOnAnyColor) {
     }
 }
 
-TEST(Tool_Histo_Plot_Test, LinesGrowWithTheFont) {
+TEST(Tool_Histo_Plot_Test, lines_grow_with_the_font) {
     std::vector<std::size_t> widths;
     for (const short font : std::initializer_list<short>{12, 18, 24, 40}) {
         Plot_Stage plot({640, 400, font, 0});
@@ -594,7 +594,7 @@ TEST(Tool_Histo_Plot_Test, LinesGrowWithTheFont) {
     EXPECT_EQ(widths, (std::vector<std::size_t>{1, 1, 2, 3}));
 }
 
-TEST(Tool_Histo_Plot_Test, AxesStayOutOfTheRowsOfTheControls) {
+TEST(Tool_Histo_Plot_Test, axes_stay_out_of_the_rows_of_the_controls) {
     constexpr int reserved = 105;
     Plot_Stage plot({300, 200, 20, reserved});
     plot.Counts_Give({}, Noise(200, 4));
@@ -610,7 +610,7 @@ TEST(Tool_Histo_Plot_Test, AxesStayOutOfTheRowsOfTheControls) {
     EXPECT_EQ(drawn, 0);
 }
 
-TEST(Tool_Histo_Plot_Test, LargeFontsLeaveSeveralNumbersOnTheAxes) {
+TEST(Tool_Histo_Plot_Test, large_fonts_leave_several_numbers_on_the_axes) {
     for (const short font : std::initializer_list<short>{13, 20, 26}) {
         Plot_Stage plot({800, 400, font, 80});
         plot.Counts_Give({}, std::vector<std::uint32_t>(500, 1000));
@@ -625,7 +625,7 @@ TEST(Tool_Histo_Plot_Test, LargeFontsLeaveSeveralNumbersOnTheAxes) {
     }
 }
 
-TEST(Tool_Histo_Plot_Test, AViewBesideTheCountsSaysSo) {
+TEST(Tool_Histo_Plot_Test, a_view_beside_the_counts_says_so) {
     Plot_Stage plot;
     plot.Counts_Give({}, Flat(200, 100));
     EXPECT_TRUE(Notes_Drawn(plot).empty());
@@ -646,7 +646,7 @@ TEST(Tool_Histo_Plot_Test, AViewBesideTheCountsSaysSo) {
     EXPECT_TRUE(Notes_Drawn(plot).empty()) << "gone with the next view";
 }
 
-TEST(Tool_Histo_Plot_Test, AHistogramOfOneBinSaysWhatItHolds) {
+TEST(Tool_Histo_Plot_Test, a_histogram_of_one_bin_says_what_it_holds) {
     Plot_Stage plot;
     plot.Counts_Give({-20.0F, 4.0F}, Flat(1, 4321));
     EXPECT_EQ(Notes_Drawn(plot), std::vector<std::string>{"4321 pixels in one bin, at grey level -18"});
@@ -655,7 +655,7 @@ TEST(Tool_Histo_Plot_Test, AHistogramOfOneBinSaysWhatItHolds) {
     EXPECT_EQ(Notes_Drawn(plot), std::vector<std::string>{"No range of grey levels and counts to plot"});
 }
 
-TEST(Tool_Histo_Plot_Test, NothingToPlotOnIsNoHarm) {
+TEST(Tool_Histo_Plot_Test, nothing_to_plot_on_is_no_harm) {
     Plot_Stage plot;
     plot.Counts_Give({}, Flat(200, 100));
     Scene_Object& frame = plot.host.Add_Frame();
@@ -690,7 +690,7 @@ TEST(Tool_Histo_Plot_Test, NothingToPlotOnIsNoHarm) {
     Local_Drag_Clear(plot.scene);
 }
 
-TEST(Tool_Histo_Plot_Test, EveryDeviceObjectIsGivenBack) {
+TEST(Tool_Histo_Plot_Test, every_device_object_is_given_back) {
     Plot_Stage plot;
     plot.Counts_Give({}, Noise(200, 4));
     plot.Filtered_Give();
@@ -722,7 +722,7 @@ TEST(Tool_Histo_Plot_Test, EveryDeviceObjectIsGivenBack) {
     EXPECT_GT(calls("SaveDC"), 20U);
 }
 
-TEST(Tool_Histo_Plot_Test, TheNumberOfCallsDoesNotGrowWithTheBins) {
+TEST(Tool_Histo_Plot_Test, the_number_of_calls_does_not_grow_with_the_bins) {
     std::vector<std::uint64_t> calls;
     for (const int nb : {500, 50000}) {
         Plot_Stage plot({900, 600, 13, 0});

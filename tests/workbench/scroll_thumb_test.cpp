@@ -6,7 +6,7 @@ namespace {
 
 constexpr int LEAST = 24;
 
-TEST(Scroll_Thumb, Is_Needed_Only_When_The_Content_Is_Higher) {
+TEST(Scroll_Thumb, is_needed_only_when_the_content_is_higher) {
     EXPECT_FALSE((Scroll_Extent{500, 500, 0}.Is_Needed()));
     EXPECT_TRUE((Scroll_Extent{501, 500, 0}.Is_Needed()));
     EXPECT_FALSE((Scroll_Extent{500, 0, 0}.Is_Needed()));
@@ -16,7 +16,7 @@ TEST(Scroll_Thumb, Is_Needed_Only_When_The_Content_Is_Higher) {
     EXPECT_EQ(all.length, 500) << "all of it is seen";
 }
 
-TEST(Scroll_Thumb, Shows_The_Share_And_The_Place_Of_What_Is_Seen) {
+TEST(Scroll_Thumb, shows_the_share_and_the_place_of_what_is_seen) {
     const Scroll_Thumb first = Scroll_Thumb_Of({1000, 500, 0}, LEAST);
     EXPECT_EQ(first.top, 0);
     EXPECT_EQ(first.length, 250);
@@ -27,7 +27,7 @@ TEST(Scroll_Thumb, Shows_The_Share_And_The_Place_Of_What_Is_Seen) {
     EXPECT_EQ(Scroll_Thumb_Of({1000, 500, -5}, LEAST).top, 0);
 }
 
-TEST(Scroll_Thumb, Keeps_A_Size_That_Can_Be_Taken_Hold_Of) {
+TEST(Scroll_Thumb, keeps_a_size_that_can_be_taken_hold_of) {
     const Scroll_Thumb long_content = Scroll_Thumb_Of({2'000'000'000, 500, 1'999'999'500}, LEAST);
     EXPECT_EQ(long_content.length, LEAST);
     EXPECT_EQ(long_content.top, 500 - LEAST);
@@ -36,7 +36,7 @@ TEST(Scroll_Thumb, Keeps_A_Size_That_Can_Be_Taken_Hold_Of) {
     EXPECT_EQ(Scroll_Offset_Of({1000, 10, 0}, LEAST, 5), 0);
 }
 
-TEST(Scroll_Thumb, Dragging_Reaches_Every_Place_And_Both_Ends) {
+TEST(Scroll_Thumb, dragging_reaches_every_place_and_both_ends) {
     const Scroll_Extent extent = {1300, 500, 0};
     const int way = 500 - Scroll_Thumb_Of(extent, LEAST).length;
     EXPECT_EQ(Scroll_Offset_Of(extent, LEAST, 0), 0);

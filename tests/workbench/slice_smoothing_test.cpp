@@ -19,7 +19,7 @@ std::vector<std::int32_t> Smooth(const std::vector<std::int32_t>& levels, int wi
 
 }  // namespace
 
-TEST(Slice_Smoothing, Is_The_Sum_Of_Nine_In_Ninths) {
+TEST(Slice_Smoothing, is_the_sum_of_nine_in_ninths) {
     const int width = 7;
     const int height = 5;
     std::mt19937 random(3);
@@ -42,18 +42,18 @@ TEST(Slice_Smoothing, Is_The_Sum_Of_Nine_In_Ninths) {
     }
 }
 
-TEST(Slice_Smoothing, Keeps_A_Flat_Slice) {
+TEST(Slice_Smoothing, keeps_a_flat_slice) {
     EXPECT_EQ(Smooth({4, 4, 4, 4}, 2, 2, 9), std::vector<std::int32_t>(4, 36));
     EXPECT_EQ(Smooth({-5}, 1, 1, 9), std::vector<std::int32_t>(1, -45));
     EXPECT_EQ(Smooth({-5, -5, -5}, 3, 1, 1), std::vector<std::int32_t>(3, -5));
 }
 
-TEST(Slice_Smoothing, Whole_Levels_Are_Rounded_Down) {
+TEST(Slice_Smoothing, whole_levels_are_rounded_down) {
     EXPECT_EQ(Smooth({0, 1, 0}, 3, 1, 1), (std::vector<std::int32_t>{0, 0, 0}));
     EXPECT_EQ(Smooth({0, -1, 0}, 3, 1, 1), (std::vector<std::int32_t>{-1, -1, -1}));
 }
 
-TEST(Slice_Smoothing, Large_Levels_Do_Not_Overflow) {
+TEST(Slice_Smoothing, large_levels_do_not_overflow) {
     constexpr std::int32_t largest = std::numeric_limits<std::int32_t>::max();
     EXPECT_EQ(Smoothing_Steps(0, largest / 9), 9);
     EXPECT_EQ(Smoothing_Steps(0, largest / 9 + 1), 1);
@@ -61,7 +61,7 @@ TEST(Slice_Smoothing, Large_Levels_Do_Not_Overflow) {
     EXPECT_EQ(Smooth({largest, largest}, 2, 1, 1), (std::vector<std::int32_t>{largest, largest}));
 }
 
-TEST(Slice_Smoothing, Pixels_Outside_Stay_And_Count_In_No_Mean) {
+TEST(Slice_Smoothing, pixels_outside_stay_and_count_in_no_mean) {
     const std::int32_t out = LEVEL_OUTSIDE;
     EXPECT_EQ(Smooth({10, out, 30}, 3, 1, 9), (std::vector<std::int32_t>{90, out, 270}));
     EXPECT_EQ(Smooth({4, out, 8, 6}, 2, 2, 9),

@@ -37,7 +37,7 @@ bool Fresh_Is_Zero(unsigned int columns, unsigned int rows) {
 
 }  // namespace
 
-TEST_F(Block_Cache, Gives_A_Kept_Block_Once) {
+TEST_F(Block_Cache, gives_a_kept_block_once) {
     void* block = std::malloc(SIZE);
     ASSERT_TRUE(Block_Cache_Keep(block, SIZE));
     EXPECT_EQ(Taken(SIZE), block);
@@ -45,7 +45,7 @@ TEST_F(Block_Cache, Gives_A_Kept_Block_Once) {
     std::free(block);
 }
 
-TEST_F(Block_Cache, Gives_No_Smaller_Block_And_None_Of_More_Than_Twice_The_Size) {
+TEST_F(Block_Cache, gives_no_smaller_block_and_none_of_more_than_twice_the_size) {
     void* block = std::malloc(4 * SIZE);
     ASSERT_TRUE(Block_Cache_Keep(block, 4 * SIZE));
     EXPECT_EQ(Taken(4 * SIZE + 8), nullptr);
@@ -56,7 +56,7 @@ TEST_F(Block_Cache, Gives_No_Smaller_Block_And_None_Of_More_Than_Twice_The_Size)
     std::free(block);
 }
 
-TEST_F(Block_Cache, Leaves_Small_And_Huge_Blocks_To_The_Heap) {
+TEST_F(Block_Cache, leaves_small_and_huge_blocks_to_the_heap) {
     void* block = std::malloc(64);
     EXPECT_FALSE(Block_Cache_Keep(block, SIZE - 8));
     EXPECT_FALSE(Block_Cache_Keep(block, BLOCK_CACHE_SIZE_MAX + 8));
@@ -64,7 +64,7 @@ TEST_F(Block_Cache, Leaves_Small_And_Huge_Blocks_To_The_Heap) {
     std::free(block);
 }
 
-TEST_F(Block_Cache, Is_Bounded_And_Forgets_The_Oldest) {
+TEST_F(Block_Cache, is_bounded_and_forgets_the_oldest) {
     std::vector<void*> blocks;
     for (std::size_t i = 0; i <= BLOCK_CACHE_NB; ++i) {
         blocks.push_back(std::malloc(SIZE));
@@ -79,20 +79,20 @@ TEST_F(Block_Cache, Is_Bounded_And_Forgets_The_Oldest) {
     EXPECT_EQ(Taken(SIZE), nullptr);
 }
 
-TEST_F(Block_Cache, Empty_Frees_All) {
+TEST_F(Block_Cache, empty_frees_all) {
     ASSERT_TRUE(Block_Cache_Keep(std::malloc(SIZE), SIZE));
     Block_Cache_Empty();
     EXPECT_EQ(Taken(SIZE), nullptr);
 }
 
-TEST_F(Block_Cache, A_Matrix_In_A_Kept_Block_Is_Zero) {
+TEST_F(Block_Cache, a_matrix_in_a_kept_block_is_zero) {
     EXPECT_TRUE(Fresh_Is_Zero(300, 300));
     EXPECT_TRUE(Fresh_Is_Zero(300, 300));
     EXPECT_TRUE(Fresh_Is_Zero(280, 300));  // in the larger one's block
     EXPECT_TRUE(Fresh_Is_Zero(300, 300));
 }
 
-TEST_F(Block_Cache, Several_Threads_Use_It_At_Once) {
+TEST_F(Block_Cache, several_threads_use_it_at_once) {
     std::vector<std::thread> threads;
     std::vector<int> wrong(4);
     for (int& count : wrong) {

@@ -35,7 +35,7 @@ Matrix_NxM Filled(unsigned int columns, unsigned int rows) {
 
 }  // namespace
 
-TEST(Without_Memory, A_Vector_Is_Empty_And_Survives_Every_Operation) {
+TEST(Without_Memory, a_vector_is_empty_and_survives_every_operation) {
     Vector_N other(100, 8);
     const int failed = Fail_Each_Allocation([&] {
         Vector_N vector(100, 8);
@@ -50,7 +50,7 @@ TEST(Without_Memory, A_Vector_Is_Empty_And_Survives_Every_Operation) {
     EXPECT_EQ(other.Size(), 100U);
 }
 
-TEST(Without_Memory, A_Matrix_Is_Marked_Invalid) {
+TEST(Without_Memory, a_matrix_is_marked_invalid) {
     const int failed = Fail_Each_Allocation([] {
         Matrix_NxM matrix(30, 30, 8);
         EXPECT_EQ(matrix.Invalid(0) != 0, Failing_Allocation::Happened());
@@ -59,7 +59,7 @@ TEST(Without_Memory, A_Matrix_Is_Marked_Invalid) {
     EXPECT_EQ(failed, 2);
 }
 
-TEST(Without_Memory, A_Copied_Matrix_Is_Marked_Invalid) {
+TEST(Without_Memory, a_copied_matrix_is_marked_invalid) {
     const Matrix_NxM original = Filled(30, 30);
     EXPECT_EQ(Fail_Each_Allocation([&] {
                   Matrix_NxM copy(original);
@@ -68,7 +68,7 @@ TEST(Without_Memory, A_Copied_Matrix_Is_Marked_Invalid) {
               2);
 }
 
-TEST(Without_Memory, Results_Of_Matrix_Operations_Are_Marked_Invalid) {
+TEST(Without_Memory, results_of_matrix_operations_are_marked_invalid) {
     const Matrix_NxM square = Filled(200, 200);
     const Matrix_NxM tall = Filled(60, 900);
     const Matrix_NxM wide = ~tall;
@@ -101,7 +101,7 @@ TEST(Without_Memory, Results_Of_Matrix_Operations_Are_Marked_Invalid) {
               2);
 }
 
-TEST(Without_Memory, Large_Matrices_Are_Marked_Invalid_Or_Live_In_A_Kept_Block) {
+TEST(Without_Memory, large_matrices_are_marked_invalid_or_live_in_a_kept_block) {
     Block_Cache_Empty();
     const auto make = [] {
         Matrix_NxM matrix(300, 300, 8);
@@ -121,7 +121,7 @@ TEST(Without_Memory, Large_Matrices_Are_Marked_Invalid_Or_Live_In_A_Kept_Block) 
     Block_Cache_Empty();
 }
 
-TEST(Without_Memory, Short_Messages_Need_None) {
+TEST(Without_Memory, short_messages_need_none) {
     ASSERT_EQ(Message_Receiver_Add(Receive, nullptr), 1);
     received_nb = 0;
     EXPECT_EQ(Fail_Each_Allocation([] {
@@ -134,7 +134,7 @@ TEST(Without_Memory, Short_Messages_Need_None) {
     Message_Receiver_Remove(Receive, nullptr);
 }
 
-TEST(Without_Memory, Long_Messages_Are_Cut_And_Still_Arrive) {
+TEST(Without_Memory, long_messages_are_cut_and_still_arrive) {
     ASSERT_EQ(Message_Receiver_Add(Receive, nullptr), 1);
     const std::string text(5000, 'x');
     const std::string front = text.substr(0, sizeof(received) - 1);
@@ -148,7 +148,7 @@ TEST(Without_Memory, Long_Messages_Are_Cut_And_Still_Arrive) {
     Message_Receiver_Remove(Receive, nullptr);
 }
 
-TEST(Without_Memory, A_Receiver_Is_Refused) {
+TEST(Without_Memory, a_receiver_is_refused) {
     constexpr int RECEIVER_NB = 40;
     const int failed = Fail_Each_Allocation([] {
         int refused = 0;

@@ -75,7 +75,7 @@ double Distance_From_Identity(const Matrix_NxM& matrix) {
 
 }  // namespace
 
-TEST(Matrix, Takes_Columns_First_And_Stores_Contiguous_Rows) {
+TEST(Matrix, takes_columns_first_and_stores_contiguous_rows) {
     Matrix_NxM matrix(3, 2, 8);
     EXPECT_EQ(matrix.Columns(), 3U);
     EXPECT_EQ(matrix.Rows(), 2U);
@@ -86,7 +86,7 @@ TEST(Matrix, Takes_Columns_First_And_Stores_Contiguous_Rows) {
     }
 }
 
-TEST(Matrix, Copies_Are_Deep_And_Keep_The_Mark) {
+TEST(Matrix, copies_are_deep_and_keep_the_mark) {
     Matrix_NxM singular(2, 2, 8);
     Matrix_NxM invalid = !singular;
     Matrix_NxM copy = invalid;
@@ -102,7 +102,7 @@ TEST(Matrix, Copies_Are_Deep_And_Keep_The_Mark) {
     EXPECT_EQ(copy[2][3], before);
 }
 
-TEST(Matrix, Transposes_Every_Shape) {
+TEST(Matrix, transposes_every_shape) {
     for (const auto& [columns, rows] : {std::pair{1U, 1U}, {3U, 5U}, {17U, 33U}, {64U, 1U}, {1U, 100U}, {130U, 47U}}) {
         const Matrix_NxM matrix = Random_Matrix(columns, rows, 7);
         const Matrix_NxM transposed = ~matrix;
@@ -116,7 +116,7 @@ TEST(Matrix, Transposes_Every_Shape) {
     }
 }
 
-TEST(Matrix, Products_Agree_With_The_Plain_Sums) {
+TEST(Matrix, products_agree_with_the_plain_sums) {
     for (const auto& [rows, inner, columns] :
          {std::tuple{1U, 1U, 1U}, {3U, 4U, 5U}, {48U, 48U, 48U}, {25U, 700U, 31U}, {100U, 3U, 90U}}) {
         const Matrix_NxM left = Random_Matrix(inner, rows, 11);
@@ -129,7 +129,7 @@ TEST(Matrix, Products_Agree_With_The_Plain_Sums) {
     }
 }
 
-TEST(Matrix, Products_With_Blocks_Of_Zeros_Agree_With_The_Plain_Sums) {
+TEST(Matrix, products_with_blocks_of_zeros_agree_with_the_plain_sums) {
     for (const unsigned int half_width : {0U, 1U, 6U, 20U}) {
         const Matrix_NxM banded = Banded_Matrix(90, 500, half_width, 21);
         EXPECT_LT(Largest_Difference(~banded * banded, Plain_Product(~banded, banded)), 1e-12);
@@ -141,7 +141,7 @@ TEST(Matrix, Products_With_Blocks_Of_Zeros_Agree_With_The_Plain_Sums) {
     EXPECT_EQ(Largest_Difference(zero * Random_Matrix(60, 60, 23), zero), 0.0);
 }
 
-TEST(Matrix, A_Single_Value_Among_Zeros_Is_Not_Lost) {
+TEST(Matrix, a_single_value_among_zeros_is_not_lost) {
     for (unsigned int at = 0; at < 100; at += 7) {
         Matrix_NxM left(100, 100, 8);
         Matrix_NxM right(100, 100, 8);
@@ -152,7 +152,7 @@ TEST(Matrix, A_Single_Value_Among_Zeros_Is_Not_Lost) {
     }
 }
 
-TEST(Matrix, Rows_And_Columns_Of_Different_Filling_Share_A_Group) {
+TEST(Matrix, rows_and_columns_of_different_filling_share_a_group) {
     // Filled from the left up to an end that falls from row to row, and the same from the top.
     Matrix_NxM left = Random_Matrix(200, 200, 61);
     Matrix_NxM right = Random_Matrix(200, 200, 62);
@@ -167,7 +167,7 @@ TEST(Matrix, Rows_And_Columns_Of_Different_Filling_Share_A_Group) {
     EXPECT_LT(Largest_Difference(left * right, Plain_Product(left, right)), 1e-12);
 }
 
-TEST(Matrix, Blocks_Of_Zeros_And_Sizes_That_Fill_No_Group) {
+TEST(Matrix, blocks_of_zeros_and_sizes_that_fill_no_group) {
     for (unsigned int columns = 1; columns < 30; columns += 1) {
         const Matrix_NxM banded = Banded_Matrix(columns, 160 + columns, 1, 70 + columns);
         EXPECT_LT(Largest_Difference(~banded * banded, Plain_Product(~banded, banded)), 1e-12) << columns;
@@ -176,7 +176,7 @@ TEST(Matrix, Blocks_Of_Zeros_And_Sizes_That_Fill_No_Group) {
     }
 }
 
-TEST(Matrix, Zero_Times_Infinity_Is_Not_Skipped) {
+TEST(Matrix, zero_times_infinity_is_not_skipped) {
     Matrix_NxM left(60, 60, 8);
     Matrix_NxM right(60, 60, 8);
     right[50][50] = std::numeric_limits<double>::infinity();
@@ -187,14 +187,14 @@ TEST(Matrix, Zero_Times_Infinity_Is_Not_Skipped) {
     EXPECT_TRUE(std::isnan((left * right)[0][50]));
 }
 
-TEST(Matrix, A_Product_Of_Shapes_That_Do_Not_Fit_Is_Invalid) {
+TEST(Matrix, a_product_of_shapes_that_do_not_fit_is_invalid) {
     const Matrix_NxM left(3, 2, 8);
     const Matrix_NxM right(3, 2, 8);
     EXPECT_NE((left * right).Invalid(0), 0);
     EXPECT_EQ((left * Vector_N(2, 8)).Size(), 0U);
 }
 
-TEST(Matrix, Times_Vector_Gives_One_Element_Per_Row) {
+TEST(Matrix, times_vector_gives_one_element_per_row) {
     const Matrix_NxM matrix = Random_Matrix(7, 13, 31);
     Vector_N vector(7, 8);
     for (int i = 0; i < 7; ++i) {
@@ -211,7 +211,7 @@ TEST(Matrix, Times_Vector_Gives_One_Element_Per_Row) {
     }
 }
 
-TEST(Matrix, Inverses_Of_Random_Systems_Are_Inverses) {
+TEST(Matrix, inverses_of_random_systems_are_inverses) {
     for (const unsigned int order : {1U, 2U, 3U, 6U, 24U, 75U, 300U}) {
         for (unsigned int seed = 0; seed < 5; ++seed) {
             const Matrix_NxM matrix = Random_Matrix(order, order, 100 * order + seed);
@@ -223,7 +223,7 @@ TEST(Matrix, Inverses_Of_Random_Systems_Are_Inverses) {
     }
 }
 
-TEST(Matrix, Pivots_Where_The_Diagonal_Is_Zero) {
+TEST(Matrix, pivots_where_the_diagonal_is_zero) {
     Matrix_NxM swap(2, 2, 8);
     swap[0][1] = 2.0;
     swap[1][0] = 4.0;
@@ -234,7 +234,7 @@ TEST(Matrix, Pivots_Where_The_Diagonal_Is_Zero) {
     EXPECT_EQ(inverse[0][0], 0.0);
 }
 
-TEST(Matrix, An_All_Zero_Column_Or_Row_Makes_The_Inverse_Invalid) {
+TEST(Matrix, an_all_zero_column_or_row_makes_the_inverse_invalid) {
     for (const unsigned int order : {1U, 2U, 3U, 30U, 150U}) {
         for (unsigned int at = 0; at < order; at += order / 3 + 1) {
             Matrix_NxM column_zero = Random_Matrix(order, order, order + at);
@@ -248,7 +248,7 @@ TEST(Matrix, An_All_Zero_Column_Or_Row_Makes_The_Inverse_Invalid) {
     }
 }
 
-TEST(Matrix, There_Is_No_Tolerance_For_Nearly_Singular_Systems) {
+TEST(Matrix, there_is_no_tolerance_for_nearly_singular_systems) {
     Matrix_NxM tiny(2, 2, 8);
     tiny[0][0] = 1e-150;
     tiny[1][1] = 1e-150;
@@ -257,7 +257,7 @@ TEST(Matrix, There_Is_No_Tolerance_For_Nearly_Singular_Systems) {
     EXPECT_DOUBLE_EQ(inverse[0][0], 1e150);
 }
 
-TEST(Matrix, An_Inverse_That_Is_Not_Finite_Is_Invalid) {
+TEST(Matrix, an_inverse_that_is_not_finite_is_invalid) {
     Matrix_NxM denormal(1, 1, 8);
     denormal[0][0] = 1e-310;
     EXPECT_NE((!denormal).Invalid(0), 0);
@@ -269,11 +269,11 @@ TEST(Matrix, An_Inverse_That_Is_Not_Finite_Is_Invalid) {
     EXPECT_NE((!infinite).Invalid(0), 0);
 }
 
-TEST(Matrix, Only_Square_Matrices_Have_An_Inverse) {
+TEST(Matrix, only_square_matrices_have_an_inverse) {
     EXPECT_NE((!Random_Matrix(3, 2, 51)).Invalid(0), 0);
 }
 
-TEST(Matrix, The_Mark_Is_Kept_Until_It_Is_Cleared) {
+TEST(Matrix, the_mark_is_kept_until_it_is_cleared) {
     Matrix_NxM invalid = !Matrix_NxM(2, 2, 8);
     EXPECT_NE(invalid.Invalid(0), 0);
     EXPECT_NE(invalid.Invalid(0), 0);
@@ -281,7 +281,7 @@ TEST(Matrix, The_Mark_Is_Kept_Until_It_Is_Cleared) {
     EXPECT_EQ(invalid.Invalid(0), 0);
 }
 
-TEST(Matrix, The_Mark_Is_Handed_On) {
+TEST(Matrix, the_mark_is_handed_on) {
     const Matrix_NxM invalid = !Matrix_NxM(2, 2, 8);
     EXPECT_NE((invalid * Matrix_NxM(2, 2, 8)).Invalid(0), 0);
     EXPECT_NE((Matrix_NxM(2, 2, 8) * invalid).Invalid(0), 0);
@@ -289,7 +289,7 @@ TEST(Matrix, The_Mark_Is_Handed_On) {
     EXPECT_NE((!invalid).Invalid(0), 0);
 }
 
-TEST(Matrix, The_Empty_System_Is_Valid) {
+TEST(Matrix, the_empty_system_is_valid) {
     const Matrix_NxM empty(0, 0, 8);
     EXPECT_EQ((!empty).Invalid(0), 0);
     EXPECT_EQ((~empty).Invalid(0), 0);
@@ -304,7 +304,7 @@ TEST(Matrix, The_Empty_System_Is_Valid) {
     EXPECT_EQ(zero[4], 0.0);
 }
 
-TEST(Matrix, One_That_Is_Too_Large_For_Memory_Is_Invalid_And_Usable) {
+TEST(Matrix, one_that_is_too_large_for_memory_is_invalid_and_usable) {
     Matrix_NxM huge(0xFFFFFFFFU, 0xFFFFFFFFU, 8);
     EXPECT_NE(huge.Invalid(0), 0);
     EXPECT_EQ(huge.Columns(), 0U);
@@ -318,7 +318,7 @@ TEST(Matrix, One_That_Is_Too_Large_For_Memory_Is_Invalid_And_Usable) {
     EXPECT_EQ((huge * Vector_N(0, 8)).Size(), 0U);
 }
 
-TEST(Matrix, Solves_Least_Squares_Like_A_Peak_Fit_Does) {
+TEST(Matrix, solves_least_squares_like_a_peak_fit_does) {
     // y = 3 + 2 x, through the normal equations.
     Matrix_NxM design(2, 50, 8);
     Vector_N data(50, 8);

@@ -28,7 +28,7 @@ std::string Printed(const char* format, Values... values) {
 
 }  // namespace
 
-TEST(Message_Format, Writes_The_Panels_Messages) {
+TEST(Message_Format, writes_the_panels_messages) {
     EXPECT_EQ(Message("in Tool_Tag::Resize(dim=%dx%d)", 200, -3), "in Tool_Tag::Resize(dim=200x-3)");
     EXPECT_EQ(Message("in Tool_Tag::Click(up_down=0x%08x)", 0x12), "in Tool_Tag::Click(up_down=0x00000012)");
     EXPECT_EQ(Message("in Tool_Propagate::Update(flag:%016llx)", 0x1000000000000402ULL),
@@ -60,7 +60,7 @@ TEST(Message_Format, Writes_The_Panels_Messages) {
     EXPECT_EQ(Message("%zu of %zd", std::size_t{1} << 40, std::ptrdiff_t{-5}), "1099511627776 of -5");
 }
 
-TEST(Message_Format, Takes_Wide_Text_Of_The_Code_Page_In_Any_Locale) {
+TEST(Message_Format, takes_wide_text_of_the_code_page_in_any_locale) {
 #if defined(_WIN32)
     EXPECT_EQ(Message("<%ls>", L"caf\xE9 \x20AC"), "<caf\xE9 \x80>");
 #else
@@ -72,14 +72,14 @@ TEST(Message_Format, Takes_Wide_Text_Of_The_Code_Page_In_Any_Locale) {
     EXPECT_EQ(Message("<%ls>", none), "<(null)>");
 }
 
-TEST(Message_Format, Wide_Text_Without_A_Place_In_The_Code_Page_Does_Not_Lose_The_Rest) {
+TEST(Message_Format, wide_text_without_a_place_in_the_code_page_does_not_lose_the_rest) {
     const wchar_t lone_surrogate[] = {L'a', static_cast<wchar_t>(0xD800), L'b', 0};
     const std::string text = Message("<%ls> end", lone_surrogate);
     EXPECT_EQ(text.front(), '<');
     EXPECT_NE(text.find("b> end"), std::string::npos) << text;
 }
 
-TEST(Message_Format, Agrees_With_Printf) {
+TEST(Message_Format, agrees_with_printf) {
     std::mt19937 generator(5);
     const char* flag_sets[] = {"", "-", "0", "+", " ", "#", "-+", "0 ", "+0", "-#"};
     const char* widths[] = {"", "1", "4", "12", "30"};
@@ -121,7 +121,7 @@ TEST(Message_Format, Agrees_With_Printf) {
               Printed("%f %f", std::numeric_limits<double>::infinity(), 1e300));
 }
 
-TEST(Message_Format, Keeps_Texts_Of_Any_Length) {
+TEST(Message_Format, keeps_texts_of_any_length) {
     for (const std::size_t size : {std::size_t{1022}, std::size_t{1023}, std::size_t{1024}, std::size_t{1025},
                                    std::size_t{70000}, std::size_t{5000000}}) {
         const std::string text(size, 'x');
@@ -134,7 +134,7 @@ TEST(Message_Format, Keeps_Texts_Of_Any_Length) {
     EXPECT_EQ(Message("%9000d", 1).size(), 9000U);
 }
 
-TEST(Message_Format, Survives_Odd_Formats) {
+TEST(Message_Format, survives_odd_formats) {
     EXPECT_EQ(Message("100%"), "100%");
     EXPECT_EQ(Message("%5"), "%5");
     EXPECT_EQ(Message("%y%%"), "%y%");

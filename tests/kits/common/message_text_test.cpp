@@ -25,18 +25,18 @@ using enum Message_Style;
 
 }  // namespace
 
-TEST(Message_Runs, Of_A_Plain_Text_Are_One) {
+TEST(Message_Runs, of_a_plain_text_are_one) {
     Expect_Runs("in Tool_Tag::Draw()", {{Plain, "in Tool_Tag::Draw()"}});
     Expect_Runs("", {});
     Expect_Runs(nullptr, {});
 }
 
-TEST(Message_Runs, Set_A_Warning_Apart) {
+TEST(Message_Runs, set_a_warning_apart) {
     Expect_Runs("\xF1\x05WARNING:\x02 No function associated with propagate",
                 {{Warning, "WARNING:"}, {Plain, " No function associated with propagate"}});
 }
 
-TEST(Message_Runs, Set_A_Strong_Part_Apart) {
+TEST(Message_Runs, set_a_strong_part_apart) {
     Expect_Runs(
         "Computing Peak Fit: \x01"
         "12\x02 peaks ...",
@@ -47,7 +47,7 @@ TEST(Message_Runs, Set_A_Strong_Part_Apart) {
         {{Warning, "WARNING:"}, {Plain, " Unable to find less than "}, {Strong, "3"}, {Plain, " peaks"}});
 }
 
-TEST(Message_Runs, Keep_The_Indent_Before_A_Strong_Text) {
+TEST(Message_Runs, keep_the_indent_before_a_strong_text) {
     Expect_Runs(
         "\xF1\x09\x01"
         "C:\\out.csv",
@@ -55,7 +55,7 @@ TEST(Message_Runs, Keep_The_Indent_Before_A_Strong_Text) {
     Expect_Runs("\xF1\x09 Permission denied", {{Indented, " Permission denied"}});
 }
 
-TEST(Message_Runs, Take_An_Unknown_Style_As_Plain) {
+TEST(Message_Runs, take_an_unknown_style_as_plain) {
     Expect_Runs(
         "a\xF1\x03"
         "b\x02"
@@ -64,7 +64,7 @@ TEST(Message_Runs, Take_An_Unknown_Style_As_Plain) {
     Expect_Runs("\xF1\x05w\xF1\x03p", {{Warning, "w"}, {Plain, "p"}});
 }
 
-TEST(Message_Runs, Leave_A_Letter_Alone_That_Looks_Like_A_Lead_Byte) {
+TEST(Message_Runs, leave_a_letter_alone_that_looks_like_a_lead_byte) {
     // The letter n with a tilde of the Western code page.
     Expect_Runs(
         "Espa\xF1"
@@ -76,12 +76,12 @@ TEST(Message_Runs, Leave_A_Letter_Alone_That_Looks_Like_A_Lead_Byte) {
     Expect_Runs("end\xF1", {{Plain, "end\xF1"}});
 }
 
-TEST(Message_Runs, Never_Show_A_Style_Byte) {
+TEST(Message_Runs, never_show_a_style_byte) {
     const std::string plain = Message_Plain("\xF1\x05\x01\x02\x02\x01\xF1\x09t\x01\x02\xF1\x05");
     EXPECT_EQ(plain, "t");
 }
 
-TEST(Message_Runs, Are_Not_Empty_But_For_An_Indent_Before_Another_Style) {
+TEST(Message_Runs, are_not_empty_but_for_an_indent_before_another_style) {
     Expect_Runs(
         "\xF1\x09\x02"
         "abc",

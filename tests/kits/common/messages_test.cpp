@@ -45,7 +45,7 @@ class Messages : public testing::Test {
 
 }  // namespace
 
-TEST_F(Messages, Reach_A_Receiver_With_Window_And_Level) {
+TEST_F(Messages, reach_a_receiver_with_window_and_level) {
     Message_Sink sink;
     EXPECT_EQ(Error_Fct(Some_Window(), 2, "%d of %s", 3, "four"), 1);
     ASSERT_EQ(sink.messages.size(), 1U);
@@ -54,7 +54,7 @@ TEST_F(Messages, Reach_A_Receiver_With_Window_And_Level) {
     EXPECT_EQ(sink.messages[0].text, "3 of four");
 }
 
-TEST_F(Messages, Reach_Receivers_In_The_Order_Of_Their_Registration) {
+TEST_F(Messages, reach_receivers_in_the_order_of_their_registration) {
     char first[] = "a:";
     char second[] = "b:";
     EXPECT_EQ(Message_Receiver_Add(Note_Name, first), 1);
@@ -70,7 +70,7 @@ TEST_F(Messages, Reach_Receivers_In_The_Order_Of_Their_Registration) {
     EXPECT_EQ(Message_Receiver_Remove(Note_Name, second), 1);
 }
 
-TEST_F(Messages, Nobody_Listening_And_No_Format_Are_Harmless) {
+TEST_F(Messages, nobody_listening_and_no_format_are_harmless) {
     EXPECT_EQ(Error_Fct(nullptr, 1, "to nobody %d", 1), 1);
     Message_Sink sink;
     int (*report)(HWND, int, const char*, ...) = Error_Fct;
@@ -80,7 +80,7 @@ TEST_F(Messages, Nobody_Listening_And_No_Format_Are_Harmless) {
     EXPECT_EQ(Message_Receiver_Remove(nullptr, nullptr), 0);
 }
 
-TEST_F(Messages, A_Receiver_May_Leave_While_It_Is_Called) {
+TEST_F(Messages, a_receiver_may_leave_while_it_is_called) {
     char after[] = "after:";
     Message_Receiver_Add(Remove_Itself, nullptr);
     Message_Receiver_Add(Note_Name, after);
@@ -90,7 +90,7 @@ TEST_F(Messages, A_Receiver_May_Leave_While_It_Is_Called) {
     Message_Receiver_Remove(Note_Name, after);
 }
 
-TEST_F(Messages, A_Receiver_That_Comes_During_A_Delivery_Gets_The_Next_Message) {
+TEST_F(Messages, a_receiver_that_comes_during_a_delivery_gets_the_next_message) {
     Message_Receiver_Add(Add_Another, nullptr);
     Error_Fct(nullptr, 4, "1");
     EXPECT_TRUE(order.empty());
@@ -100,7 +100,7 @@ TEST_F(Messages, A_Receiver_That_Comes_During_A_Delivery_Gets_The_Next_Message) 
     EXPECT_EQ(Message_Receiver_Remove(Note_Name, late_name), 1);
 }
 
-TEST_F(Messages, A_Receiver_That_Answers_Every_Message_Comes_To_An_End) {
+TEST_F(Messages, a_receiver_that_answers_every_message_comes_to_an_end) {
     Message_Receiver_Add(Answer, nullptr);
     Error_Fct(nullptr, 4, "q");
     Message_Receiver_Remove(Answer, nullptr);
@@ -113,7 +113,7 @@ TEST_F(Messages, A_Receiver_That_Answers_Every_Message_Comes_To_An_End) {
     EXPECT_EQ(sink.Last(), "again") << "later messages are delivered as ever";
 }
 
-TEST_F(Messages, A_Receiver_That_Throws_Harms_Nobody) {
+TEST_F(Messages, a_receiver_that_throws_harms_nobody) {
     Message_Receiver_Add(Fail, nullptr);
     Message_Sink sink;
     EXPECT_EQ(Error_Fct(nullptr, 4, "on"), 1);
@@ -121,7 +121,7 @@ TEST_F(Messages, A_Receiver_That_Throws_Harms_Nobody) {
     Message_Receiver_Remove(Fail, nullptr);
 }
 
-TEST_F(Messages, A_Window_Message_Names_Its_Procedure_And_Number) {
+TEST_F(Messages, a_window_message_names_its_procedure_and_number) {
     Message_Sink sink;
     char name[] = "WndProc_Histo_Blow";
     EXPECT_EQ(System_Message(8, name, Some_Window(), 0x200), 1);
@@ -133,7 +133,7 @@ TEST_F(Messages, A_Window_Message_Names_Its_Procedure_And_Number) {
     EXPECT_EQ(System_Message(8, nullptr, nullptr, 1), 1);
 }
 
-TEST_F(Messages, Globals_Have_Safe_Defaults) {
+TEST_F(Messages, globals_have_safe_defaults) {
     EXPECT_EQ(hwnd, nullptr);
     EXPECT_EQ(Flag_Trace, 0);
     ASSERT_NE(Prog_Name, nullptr);

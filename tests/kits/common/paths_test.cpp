@@ -28,36 +28,36 @@ Parts Split(const std::string& path) {
 
 }  // namespace
 
-TEST(Path, Is_Split_At_Both_Separators) {
+TEST(Path, is_split_at_both_separators) {
     EXPECT_EQ(Split("C:\\data\\brain.nii"), (Parts{"C:\\data", "brain", ".nii"}));
     EXPECT_EQ(Split("/data/brain.nii"), (Parts{"/data", "brain", ".nii"}));
     EXPECT_EQ(Split("C:/data\\sub/brain.nii"), (Parts{"C:/data\\sub", "brain", ".nii"}));
 }
 
-TEST(Path, Joins_Again_From_Its_Parts) {
+TEST(Path, joins_again_from_its_parts) {
     const Parts parts = Split("/a.b/c.d/e.f.g");
     EXPECT_EQ(parts.directory + "/" + parts.name + parts.extension, "/a.b/c.d/e.f.g");
     EXPECT_EQ(parts.extension, ".g");
 }
 
-TEST(Path, Without_A_Directory_Has_An_Empty_One) {
+TEST(Path, without_a_directory_has_an_empty_one) {
     EXPECT_EQ(Split("brain.nii"), (Parts{"", "brain", ".nii"}));
 }
 
-TEST(Path, Without_An_Extension_Has_An_Empty_One) {
+TEST(Path, without_an_extension_has_an_empty_one) {
     EXPECT_EQ(Split("/a.b/brain"), (Parts{"/a.b", "brain", ""}));
     EXPECT_EQ(Split("/a/.hidden"), (Parts{"/a", ".hidden", ""}));
     EXPECT_EQ(Split("brain."), (Parts{"", "brain", "."}));
 }
 
-TEST(Path, That_Names_A_Directory_Has_No_Name) {
+TEST(Path, that_names_a_directory_has_no_name) {
     EXPECT_EQ(Split("/a/b/"), (Parts{"/a/b", "", ""}));
     EXPECT_EQ(Split("C:\\"), (Parts{"C:", "", ""}));
     EXPECT_EQ(Split("C:brain.nii"), (Parts{"C:", "brain", ".nii"}));
     EXPECT_EQ(Split(""), (Parts{"", "", ""}));
 }
 
-TEST(Path, Outputs_That_Are_Null_Are_Skipped) {
+TEST(Path, outputs_that_are_null_are_skipped) {
     char name[32] = "#";
     Get_Generic_Name("C:\\x\\Kit_Panels.dll", nullptr, name, nullptr);
     EXPECT_STREQ(name, "Kit_Panels");
@@ -66,7 +66,7 @@ TEST(Path, Outputs_That_Are_Null_Are_Skipped) {
     EXPECT_STREQ(name, "");
 }
 
-TEST(Path, May_Be_As_Long_As_The_System_Allows) {
+TEST(Path, may_be_as_long_as_the_system_allows) {
     const std::string directory(PATH_SIZE - 10, 'd');
     EXPECT_EQ(Split(directory + "/n.e"), (Parts{directory, "n", ".e"}));
 }

@@ -17,7 +17,7 @@ constexpr wchar_t WIDE_LETTER = 0xE9;
 
 }  // namespace
 
-TEST(Wide_Text, Has_The_Characters_Of_The_Code_Page) {
+TEST(Wide_Text, has_the_characters_of_the_code_page) {
     wchar_t out[16];
     std::fill(std::begin(out), std::end(out), L'#');
     EXPECT_EQ(Char_2_Wchar((std::string("a") + LETTER + "b").c_str(), out, 16), 3);
@@ -25,7 +25,7 @@ TEST(Wide_Text, Has_The_Characters_Of_The_Code_Page) {
     EXPECT_EQ(out[4], L'#') << "nothing is written behind the end";
 }
 
-TEST(Wide_Text, Is_Cut_To_The_Room_With_Its_Zero) {
+TEST(Wide_Text, is_cut_to_the_room_with_its_zero) {
     wchar_t out[5];
     std::fill(std::begin(out), std::end(out), L'#');
     EXPECT_EQ(Char_2_Wchar("abcdef", out, 4), 3);
@@ -36,7 +36,7 @@ TEST(Wide_Text, Is_Cut_To_The_Room_With_Its_Zero) {
     EXPECT_EQ(out[0], 0);
 }
 
-TEST(Wide_Text, Of_Nothing_Is_Empty) {
+TEST(Wide_Text, of_nothing_is_empty) {
     wchar_t out[4] = {L'#', L'#', L'#', 0};
     EXPECT_EQ(Char_2_Wchar(nullptr, out, 4), 0);
     EXPECT_EQ(out[0], 0);
@@ -49,7 +49,7 @@ TEST(Wide_Text, Of_Nothing_Is_Empty) {
 }
 
 #if defined(_WIN32)
-TEST(Characters, Of_A_Double_Byte_Page_Take_Two_Bytes_After_A_Lead_Byte) {
+TEST(Characters, of_a_double_byte_page_take_two_bytes_after_a_lead_byte) {
     constexpr unsigned int JAPANESE = 932;
     EXPECT_EQ(Character_Bytes_In(JAPANESE, "\x83\x5C"), 2) << "its second byte is a backslash elsewhere";
     EXPECT_EQ(Character_Bytes_In(JAPANESE, "\xB1\xB2"), 1) << "half width";
@@ -64,7 +64,7 @@ TEST(Characters, Of_A_Double_Byte_Page_Take_Two_Bytes_After_A_Lead_Byte) {
 #endif
 
 #if !defined(_WIN32)
-TEST(Wide_Text, Drops_A_Character_That_The_End_Cuts_Off) {
+TEST(Wide_Text, drops_a_character_that_the_end_cuts_off) {
     wchar_t out[16];
     for (const char* broken : {"ab\xC3", "ab\xE2\x82", "ab\xF0\x9F\x98"}) {
         EXPECT_EQ(Char_2_Wchar(broken, out, 16), 2);
@@ -72,7 +72,7 @@ TEST(Wide_Text, Drops_A_Character_That_The_End_Cuts_Off) {
     }
 }
 
-TEST(Wide_Text, Shows_Bytes_That_Are_No_Character) {
+TEST(Wide_Text, shows_bytes_that_are_no_character) {
     wchar_t out[16];
     EXPECT_EQ(Char_2_Wchar("a\xFF\x80z", out, 16), 4);
     EXPECT_EQ(std::wstring(out), L"a\xFFFD\xFFFDz");
@@ -80,7 +80,7 @@ TEST(Wide_Text, Shows_Bytes_That_Are_No_Character) {
     EXPECT_EQ(out[1], L'z');
 }
 
-TEST(Wide_Text, Takes_Characters_Of_Every_Length) {
+TEST(Wide_Text, takes_characters_of_every_length) {
     wchar_t out[16];
     EXPECT_EQ(Char_2_Wchar("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", out, 16), 4);
     EXPECT_EQ(std::wstring(out), (std::wstring{L'a', 0xE9, 0x20AC, 0x1F600}));

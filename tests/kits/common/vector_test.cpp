@@ -4,7 +4,7 @@
 
 #include "host/kit_common.h"
 
-TEST(Vector, Is_Zero_At_Creation) {
+TEST(Vector, is_zero_at_creation) {
     const Vector_N vector(1000, 8);
     ASSERT_EQ(vector.Size(), 1000U);
     for (int i = 0; i < 1000; ++i) {
@@ -12,7 +12,7 @@ TEST(Vector, Is_Zero_At_Creation) {
     }
 }
 
-TEST(Vector, Adds_Element_By_Element) {
+TEST(Vector, adds_element_by_element) {
     Vector_N a(3, 8);
     Vector_N b(3, 8);
     for (int i = 0; i < 3; ++i) {
@@ -25,7 +25,7 @@ TEST(Vector, Adds_Element_By_Element) {
     EXPECT_EQ(a[2], 22.5);
 }
 
-TEST(Vector, Adding_A_Shorter_One_Leaves_The_Rest_Alone) {
+TEST(Vector, adding_a_shorter_one_leaves_the_rest_alone) {
     Vector_N longer(3, 8);
     Vector_N shorter(1, 8);
     longer[2] = 7.0;
@@ -38,7 +38,7 @@ TEST(Vector, Adding_A_Shorter_One_Leaves_The_Rest_Alone) {
     EXPECT_EQ(shorter[0], 2.0);
 }
 
-TEST(Vector, Copies_Are_Deep) {
+TEST(Vector, copies_are_deep) {
     Vector_N original(2, 8);
     original[1] = 5.0;
     Vector_N copy(original);
@@ -53,7 +53,7 @@ TEST(Vector, Copies_Are_Deep) {
     EXPECT_EQ(assigned[1], 5.0);
 }
 
-TEST(Vector, A_Moved_From_One_Is_Empty_And_Usable) {
+TEST(Vector, a_moved_from_one_is_empty_and_usable) {
     Vector_N first(2, 8);
     first[0] = 3.0;
     Vector_N second(std::move(first));
@@ -64,7 +64,7 @@ TEST(Vector, A_Moved_From_One_Is_Empty_And_Usable) {
     EXPECT_EQ(first[0], 3.0);
 }
 
-TEST(Vector, Elements_Outside_Are_Spare) {
+TEST(Vector, elements_outside_are_spare) {
     Vector_N vector(2, 8);
     vector[2] = 9.0;
     vector[-1] = 9.0;

@@ -38,7 +38,7 @@ std::string New_Name() {
 
 }  // namespace
 
-TEST_F(Without_Memory, A_New_Variable_Is_Not_Defined) {
+TEST_F(Without_Memory, a_new_variable_is_not_defined) {
     const std::string names[] = {New_Name(), New_Name(), New_Name(), New_Name(), New_Name(), New_Name()};
     int round = 0;
     const int failed = Fail_Each_Allocation([&] {
@@ -51,7 +51,7 @@ TEST_F(Without_Memory, A_New_Variable_Is_Not_Defined) {
     EXPECT_GE(failed, 2);
 }
 
-TEST_F(Without_Memory, The_Table_Of_Names_Keeps_What_It_Has) {
+TEST_F(Without_Memory, the_table_of_names_keeps_what_it_has) {
     std::vector<std::string> names;
     for (int i = 0; i < 1000; ++i) {
         names.push_back(New_Name());
@@ -76,7 +76,7 @@ TEST_F(Without_Memory, The_Table_Of_Names_Keeps_What_It_Has) {
     }
 }
 
-TEST_F(Without_Memory, An_Array_Keeps_Its_Old_Elements) {
+TEST_F(Without_Memory, an_array_keeps_its_old_elements) {
     auto* old = static_cast<std::uint16_t*>(Variable_Define_Array("$ARRAY", VARIABLE_UNSIGNED_16, 4));
     old[3] = 33;
     const int failed = Fail_Each_Allocation([&] {
@@ -90,7 +90,7 @@ TEST_F(Without_Memory, An_Array_Keeps_Its_Old_Elements) {
     EXPECT_EQ(failed, 1);
 }
 
-TEST_F(Without_Memory, A_Text_Keeps_Its_Old_Value) {
+TEST_F(Without_Memory, a_text_keeps_its_old_value) {
     Variable_Define_Text("$TEXT", "old");
     const int failed = Fail_Each_Allocation([] {
         const int defined = Variable_Define_Text("$TEXT", "new");
@@ -110,14 +110,14 @@ TEST_F(Without_Memory, A_Text_Keeps_Its_Old_Value) {
               1);
 }
 
-TEST_F(Without_Memory, A_Look_Up_Of_A_Missing_Name_Still_Answers) {
+TEST_F(Without_Memory, a_look_up_of_a_missing_name_still_answers) {
     const std::string name = New_Name();
     EXPECT_GE(
         Fail_Each_Allocation([&] { EXPECT_EQ(Fct_Variable_Value(name.c_str(), nullptr, nullptr, nullptr), nullptr); }),
         2);
 }
 
-TEST_F(Without_Memory, The_Shown_Frame_Is_Not_Set_But_Nothing_Breaks) {
+TEST_F(Without_Memory, the_shown_frame_is_not_set_but_nothing_breaks) {
     Quorel_Window window;
     Quorel_2D frame;
     Variable_Undefine("$FRAME_CUR");
@@ -130,7 +130,7 @@ TEST_F(Without_Memory, The_Shown_Frame_Is_Not_Set_But_Nothing_Breaks) {
     Variable_Undefine("$FRAME_CUR");
 }
 
-TEST_F(Without_Memory, A_Child_Goes_Back_Under_Its_Former_Parent) {
+TEST_F(Without_Memory, a_child_goes_back_under_its_former_parent) {
     Quorel_2D parent, before, node, after, target;
     parent.Child_Add(&before);
     parent.Child_Add(&node);
@@ -147,7 +147,7 @@ TEST_F(Without_Memory, A_Child_Goes_Back_Under_Its_Former_Parent) {
     EXPECT_EQ(memory_message_nb, 1);
 }
 
-TEST_F(Without_Memory, A_Linked_Child_Stays_Where_It_Is) {
+TEST_F(Without_Memory, a_linked_child_stays_where_it_is) {
     Quorel_2D parent, node, target;
     parent.Child_Add(&node);
     const int failed = Fail_Each_Allocation([&] {
@@ -158,7 +158,7 @@ TEST_F(Without_Memory, A_Linked_Child_Stays_Where_It_Is) {
     EXPECT_EQ(failed, 1);
 }
 
-TEST_F(Without_Memory, Names_And_Flags_Keep_Their_Old_Value) {
+TEST_F(Without_Memory, names_and_flags_keep_their_old_value) {
     Quorel_2D object;
     object.Name_Set("old");
     object.Flag_Set_On(1, 2, 3);
@@ -176,7 +176,7 @@ TEST_F(Without_Memory, Names_And_Flags_Keep_Their_Old_Value) {
     EXPECT_EQ(memory_message_nb, 2);
 }
 
-TEST_F(Without_Memory, An_Object_Is_Not_Registered) {
+TEST_F(Without_Memory, an_object_is_not_registered) {
     Quorel_2D objects[200];
     for (Quorel_2D& object : objects) {
         Fail_Each_Allocation([&] {
@@ -188,7 +188,7 @@ TEST_F(Without_Memory, An_Object_Is_Not_Registered) {
     EXPECT_EQ(Object_Registered_2D_Nb(), 200);
 }
 
-TEST_F(Without_Memory, A_Frame_Has_No_Histogram) {
+TEST_F(Without_Memory, a_frame_has_no_histogram) {
     const std::vector<std::int32_t> levels = {1, 2, 3, 1};
     Level_Frame grey(levels.data(), 4, 1, 1, 1, 1.0F, 0.0F, false);
     Level_Frame color(levels.data(), 4, 1, 1, 1, 1.0F, 0.0F, true);

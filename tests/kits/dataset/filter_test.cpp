@@ -34,14 +34,14 @@ class Filter : public testing::Test {
 
 }  // namespace
 
-TEST_F(Filter, Has_A_Label_And_A_Pattern_Per_Pair_And_Ends_With_Two_Zeros) {
+TEST_F(Filter, has_a_label_and_a_pattern_per_pair_and_ends_with_two_zeros) {
     const char* filter =
         Fct_Create_szFilter(2, "DB Files", "$FILE_EXTENSION_EXCEL", "All Files", "$FILE_EXTENSION_ALL");
     EXPECT_EQ(std::string(filter, 37), std::string("DB Files\0*.csv;*.txt\0All Files\0*.*\0\0", 36) + '\0');
     EXPECT_EQ(Texts(filter), (List{"DB Files", "*.csv;*.txt", "All Files", "*.*"}));
 }
 
-TEST_F(Filter, A_Missing_Pattern_Stands_For_All_Files) {
+TEST_F(Filter, a_missing_pattern_stands_for_all_files) {
     Variable_Define_Scalar("$NUMBER", VARIABLE_SIGNED_32, 4);
     Variable_Define_Array("$TEXTS", VARIABLE_TEXT, 2);
     Variable_Define_Text("$LONG", "");
@@ -52,7 +52,7 @@ TEST_F(Filter, A_Missing_Pattern_Stands_For_All_Files) {
               (List{"*.csv;*.txt", "*.csv;*.txt", "*.*", "*.*"}));
 }
 
-TEST_F(Filter, Of_Nothing_Is_Empty) {
+TEST_F(Filter, of_nothing_is_empty) {
     for (const int n : {0, -1}) {
         const char* filter = Fct_Create_szFilter(n);
         EXPECT_EQ(filter[0], 0);
@@ -60,7 +60,7 @@ TEST_F(Filter, Of_Nothing_Is_Empty) {
     }
 }
 
-TEST_F(Filter, Pairs_Without_Room_Are_Left_Out_Whole) {
+TEST_F(Filter, pairs_without_room_are_left_out_whole) {
     Variable_Define_Text("$LONG", std::string(4090, 'x').c_str());
     EXPECT_EQ(Texts(Fct_Create_szFilter(3, "a", "$FILE_EXTENSION_ALL", "long", "$LONG", "z", "$FILE_EXTENSION_ALL")),
               (List{"a", "*.*", "z", "*.*"}));

@@ -42,7 +42,7 @@ void Expect_Plain_Counts(const Level_Frame& frame, const std::vector<std::int32_
 
 }  // namespace
 
-TEST(Histogram_Grid, Has_A_Bin_Per_Level) {
+TEST(Histogram_Grid, has_a_bin_per_level) {
     const Histo_Grid grid = Histo_Grid_Of_Levels(0, 255, 1.0F, 0.0F, 4096);
     EXPECT_EQ(grid.origin, 0.0F);
     EXPECT_EQ(grid.bin_width, 1.0F);
@@ -53,7 +53,7 @@ TEST(Histogram_Grid, Has_A_Bin_Per_Level) {
     EXPECT_EQ(scaled.nb_bins, 1001);
 }
 
-TEST(Histogram_Grid, Joins_Whole_Levels_To_Keep_Within_The_Limit) {
+TEST(Histogram_Grid, joins_whole_levels_to_keep_within_the_limit) {
     const Histo_Grid grid = Histo_Grid_Of_Levels(0, 9999, 2.0F, 0.0F, 4096);
     EXPECT_EQ(grid.bin_width, 6.0F) << "three levels";
     EXPECT_EQ(grid.nb_bins, 3334);
@@ -63,14 +63,14 @@ TEST(Histogram_Grid, Joins_Whole_Levels_To_Keep_Within_The_Limit) {
     EXPECT_EQ(Histo_Grid_Of_Levels(0, 100, 1.0F, 0.0F, 0).nb_bins, 1);
 }
 
-TEST(Histogram_Grid, Turns_With_A_Falling_Scale) {
+TEST(Histogram_Grid, turns_with_a_falling_scale) {
     const Histo_Grid grid = Histo_Grid_Of_Levels(0, 99, -1.0F, 0.0F, 4096);
     EXPECT_EQ(grid.origin, -99.0F);
     EXPECT_EQ(grid.bin_width, 1.0F);
     EXPECT_EQ(grid.nb_bins, 100);
 }
 
-TEST(Histogram_Grid, Is_Usable_For_Odd_Input) {
+TEST(Histogram_Grid, is_usable_for_odd_input) {
     EXPECT_EQ(Histo_Grid_Of_Levels(10, 0, 1.0F, 0.0F, 100).nb_bins, 11) << "levels in either order";
     for (const float slope : {0.0F, INFINITY, NAN, 1e38F * 10}) {
         const Histo_Grid grid = Histo_Grid_Of_Levels(0, 10, slope, 5.0F, 100);
@@ -81,7 +81,7 @@ TEST(Histogram_Grid, Is_Usable_For_Odd_Input) {
     EXPECT_EQ(Histo_Grid_Of_Levels(0, 10, 1.0F, NAN, 100).origin, 0.0F);
 }
 
-TEST(Frame_Histogram, Counts_Every_Pixel_Like_A_Plain_Loop) {
+TEST(Frame_Histogram, counts_every_pixel_like_a_plain_loop) {
     struct Case {
         int lowest, highest;
         float slope, intercept;
@@ -107,7 +107,7 @@ TEST(Frame_Histogram, Counts_Every_Pixel_Like_A_Plain_Loop) {
     }
 }
 
-TEST(Frame_Histogram, Counts_Levels_That_Are_Spread_Far_Apart) {
+TEST(Frame_Histogram, counts_levels_that_are_spread_far_apart) {
     auto levels = Random_Levels(1000, INT32_MIN, INT32_MAX, 2);
     levels[0] = INT32_MIN;
     levels[1] = INT32_MAX;
@@ -118,7 +118,7 @@ TEST(Frame_Histogram, Counts_Levels_That_Are_Spread_Far_Apart) {
     Expect_Plain_Counts(frame, levels, INT32_MIN, 1 << 24, false);
 }
 
-TEST(Frame_Histogram, Leaves_Out_What_Is_Outside_The_Grid) {
+TEST(Frame_Histogram, leaves_out_what_is_outside_the_grid) {
     const std::int32_t levels[] = {-1, 0, 1, 2, 3, 4};
     Level_Frame frame(levels, 6, 1, 1, 1, 1.0F, 0.0F, false);
     ASSERT_EQ(Frame_Histogram_Build(&frame, {1.0F, 1.0F, 2}, nullptr), 1);
@@ -127,7 +127,7 @@ TEST(Frame_Histogram, Leaves_Out_What_Is_Outside_The_Grid) {
     EXPECT_EQ(frame.histogram->max_count, 1U);
 }
 
-TEST(Frame_Histogram, Counts_Only_The_Masked_Pixels_Of_The_First_Slice) {
+TEST(Frame_Histogram, counts_only_the_masked_pixels_of_the_first_slice) {
     const auto levels = Random_Levels(20 * 10 * 2, 0, 9, 3);
     std::vector<unsigned char> mask(20 * 10);
     std::vector<std::int32_t> counted;
@@ -145,7 +145,7 @@ TEST(Frame_Histogram, Counts_Only_The_Masked_Pixels_Of_The_First_Slice) {
     EXPECT_EQ(frame.histogram->max_count, 0U);
 }
 
-TEST(Frame_Histogram, Of_A_Colour_Frame_Has_All_Five_Arrays) {
+TEST(Frame_Histogram, of_a_colour_frame_has_all_five_arrays) {
     const auto levels = Random_Levels(64 * 64, 0, 0xFFFFFF, 4);
     Level_Frame frame(levels.data(), 64, 64, 1, 1, 1.0F, 0.0F, true);
     ASSERT_EQ(Frame_Histogram_Build(&frame, {0.0F, 1.0F, 7}, nullptr), 1);
@@ -176,7 +176,7 @@ TEST(Frame_Histogram, Of_A_Colour_Frame_Has_All_Five_Arrays) {
     EXPECT_EQ(record.max_count, most);
 }
 
-TEST(Frame_Histogram, The_Largest_Count_Is_That_Of_All_Arrays) {
+TEST(Frame_Histogram, the_largest_count_is_that_of_all_arrays) {
     const std::int32_t levels[] = {0xFF0000, 0x00FE00, 0x0000FD, 0x0000FC};
     Level_Frame frame(levels, 4, 1, 1, 1, 1.0F, 0.0F, true);
     ASSERT_EQ(Frame_Histogram_Build(&frame, {}, nullptr), 1);
@@ -184,7 +184,7 @@ TEST(Frame_Histogram, The_Largest_Count_Is_That_Of_All_Arrays) {
         << "three pixels without blue, while each largest component is there once";
 }
 
-TEST(Frame_Histogram, Is_Replaced_And_Freed) {
+TEST(Frame_Histogram, is_replaced_and_freed) {
     const std::int32_t levels[] = {1, 2};
     Level_Frame frame(levels, 2, 1, 1, 1, 1.0F, 0.0F, false);
     EXPECT_EQ(frame.Histogram_Get(), nullptr);
@@ -198,7 +198,7 @@ TEST(Frame_Histogram, Is_Replaced_And_Freed) {
     Frame_Histogram_Free(nullptr);
 }
 
-TEST(Frame_Histogram, One_That_The_Application_Put_There_Stays_Its_Own) {
+TEST(Frame_Histogram, one_that_the_application_put_there_stays_its_own) {
     Histo_Record own;
     const std::int32_t level = 1;
     {
@@ -211,7 +211,7 @@ TEST(Frame_Histogram, One_That_The_Application_Put_There_Stays_Its_Own) {
     base.histogram = &own;
 }
 
-TEST(Frame_Histogram, Needs_A_Frame_And_A_Grid) {
+TEST(Frame_Histogram, needs_a_frame_and_a_grid) {
     const std::int32_t level = 1;
     Level_Frame frame(&level, 1, 1, 1, 1, 1.0F, 0.0F, false);
     EXPECT_EQ(Frame_Histogram_Build(nullptr, {}, nullptr), 0);
@@ -227,7 +227,7 @@ TEST(Frame_Histogram, Needs_A_Frame_And_A_Grid) {
     EXPECT_EQ(Frame_Histogram_Build(&empty, {}, nullptr), 0);
 }
 
-TEST(Frame_Histogram, Needs_A_Grid_Of_Finite_Numbers_And_A_Frame_With_Pixels) {
+TEST(Frame_Histogram, needs_a_grid_of_finite_numbers_and_a_frame_with_pixels) {
     const std::vector<std::int32_t> levels = {1, 2, 3, 4};
     Level_Frame frame(levels.data(), 2, 2, 1, 1, 1.0F, 0.0F, false);
     for (const Histo_Grid& grid : {Histo_Grid{NAN, 1.0F, 10},

@@ -26,7 +26,7 @@ class Frames : public testing::Test {
 
 }  // namespace
 
-TEST_F(Frames, A_Sample_Is_The_Stored_Level_Of_The_Pixel) {
+TEST_F(Frames, a_sample_is_the_stored_level_of_the_pixel) {
     const Level_Frame frame(levels.data(), 4, 3, 2, 5, 2.0F, 1.0F, false);
     EXPECT_EQ(frame.width, 4);
     EXPECT_EQ(frame.height, 3);
@@ -40,7 +40,7 @@ TEST_F(Frames, A_Sample_Is_The_Stored_Level_Of_The_Pixel) {
     EXPECT_EQ(frame.Sample(position, nullptr), 6) << "the first slice without indices";
 }
 
-TEST_F(Frames, Positions_And_Slices_Outside_Are_Outside) {
+TEST_F(Frames, positions_and_slices_outside_are_outside) {
     const Level_Frame frame(levels.data(), 4, 3, 2, 5, 1.0F, 0.0F, false);
     const float not_a_number = std::numeric_limits<float>::quiet_NaN();
     const float infinity = std::numeric_limits<float>::infinity();
@@ -62,7 +62,7 @@ TEST_F(Frames, Positions_And_Slices_Outside_Are_Outside) {
     EXPECT_GE(frame.Sample(nullptr, nullptr), SAMPLE_OUTSIDE);
 }
 
-TEST_F(Frames, A_Frame_Of_Impossible_Size_Is_Empty) {
+TEST_F(Frames, a_frame_of_impossible_size_is_empty) {
     for (const auto& [width, height] : {std::pair{0, 3}, {4, -1}, {65536, 1}, {1, 1000000}}) {
         const Level_Frame frame(levels.data(), width, height, 1, 1, 1.0F, 0.0F, false);
         EXPECT_EQ(frame.width, 0);
@@ -74,14 +74,14 @@ TEST_F(Frames, A_Frame_Of_Impossible_Size_Is_Empty) {
     EXPECT_GE(At(base, 0, 0, 0, 0), SAMPLE_OUTSIDE);
 }
 
-TEST_F(Frames, A_Colour_Sample_Is_The_Packed_Colour) {
+TEST_F(Frames, a_colour_sample_is_the_packed_colour) {
     const std::int32_t packed = 0x0030FF10;
     const Level_Frame frame(&packed, 1, 1, 1, 1, 1.0F, 0.0F, true);
     EXPECT_TRUE(frame.color);
     EXPECT_EQ(At(frame, 0, 0, 0, 0), packed);
 }
 
-TEST_F(Frames, Stored_Values_Become_Grey_Levels_By_Slope_And_Intercept) {
+TEST_F(Frames, stored_values_become_grey_levels_by_slope_and_intercept) {
     Level_Frame grey(levels.data(), 4, 3, 1, 1, 0.5F, -1024.0F, false);
     Level_Frame color(levels.data(), 4, 3, 1, 1, 0.5F, -1024.0F, true);
     Quorel_2D_Frame plain;

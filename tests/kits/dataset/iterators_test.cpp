@@ -47,7 +47,7 @@ class Iterators : public testing::Test {
 
 }  // namespace
 
-TEST_F(Iterators, Yield_The_Frames_Of_A_Window_In_Their_Order) {
+TEST_F(Iterators, yield_the_frames_of_a_window_in_their_order) {
     EXPECT_EQ(Pass(&window, 0), (List{&objects[0], &objects[1], &objects[2], &objects[3], &objects[4]}));
     Quorel_2D other_volume;
     Quorel_Window other;
@@ -59,13 +59,13 @@ TEST_F(Iterators, Yield_The_Frames_Of_A_Window_In_Their_Order) {
     EXPECT_EQ(Pass(All_Windows(), 0).size(), 5U);
 }
 
-TEST_F(Iterators, Yield_Nothing_For_No_Window_Or_No_Volume) {
+TEST_F(Iterators, yield_nothing_for_no_window_or_no_volume) {
     EXPECT_EQ(Pass(nullptr, 0), List{});
     window.volume = nullptr;
     EXPECT_EQ(Pass(&window, 0), List{});
 }
 
-TEST_F(Iterators, Find_The_Volume_Anywhere_Above) {
+TEST_F(Iterators, find_the_volume_anywhere_above) {
     Quorel_2D series;
     volume.Child_Remove(&objects[2]);
     volume.Child_Add(&series);
@@ -73,7 +73,7 @@ TEST_F(Iterators, Find_The_Volume_Anywhere_Above) {
     EXPECT_EQ(Pass(&window, 0).size(), 5U);
 }
 
-TEST_F(Iterators, Survive_A_Ring_Of_Parent_Links) {
+TEST_F(Iterators, survive_a_ring_of_parent_links) {
     objects[0].Parent_Set_Pt(&objects[1]);
     objects[1].Parent_Set_Pt(&objects[0]);
     EXPECT_EQ(Pass(&window, 0).size(), 3U);
@@ -81,7 +81,7 @@ TEST_F(Iterators, Survive_A_Ring_Of_Parent_Links) {
     objects[1].Parent_Set_Pt(nullptr);
 }
 
-TEST_F(Iterators, Yield_Only_Selected_Ones_When_Asked) {
+TEST_F(Iterators, yield_only_selected_ones_when_asked) {
     objects[1].Flag_Set_On(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
     objects[2].Flag_Set_On(FLAG_PARTLY_SELECTED | FLAG_CHANGED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
     objects[4].Flag_Set_On(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
@@ -89,7 +89,7 @@ TEST_F(Iterators, Yield_Only_Selected_Ones_When_Asked) {
     EXPECT_EQ(Pass(&window, 0).size(), 5U);
 }
 
-TEST_F(Iterators, Yield_Only_Objects_With_An_Image_Of_The_Class) {
+TEST_F(Iterators, yield_only_objects_with_an_image_of_the_class) {
     objects[0].frame = nullptr;
     objects[1].class_a = 0x3FFF;
     objects[2].class_a = 0x2001;
@@ -100,7 +100,7 @@ TEST_F(Iterators, Yield_Only_Objects_With_An_Image_Of_The_Class) {
     EXPECT_EQ(Pass(&window, 0), (List{&objects[2], &objects[4]})) << "a code of no dimension";
 }
 
-TEST_F(Iterators, Nest_And_Keep_Their_Own_Places) {
+TEST_F(Iterators, nest_and_keep_their_own_places) {
     int pairs = 0;
     const unsigned short outer = Iterator_Init("outer", nullptr);
     while (const Quorel_2D* first = Iterator_Class_2D(outer, ALL_CLASSES, &window, 0)) {
@@ -115,7 +115,7 @@ TEST_F(Iterators, Nest_And_Keep_Their_Own_Places) {
     EXPECT_EQ(pairs, 20);
 }
 
-TEST_F(Iterators, Sixteen_Are_Open_At_Once_And_The_Next_Gets_None) {
+TEST_F(Iterators, sixteen_are_open_at_once_and_the_next_gets_none) {
     Message_Sink sink;
     std::set<unsigned short> handles;
     for (int i = 0; i < ITERATOR_MAX; ++i) {
@@ -135,7 +135,7 @@ TEST_F(Iterators, Sixteen_Are_Open_At_Once_And_The_Next_Gets_None) {
     EXPECT_EQ(Iterator_Open_Nb(), 0);
 }
 
-TEST_F(Iterators, A_Handle_Of_An_Ended_Pass_Is_Dead) {
+TEST_F(Iterators, a_handle_of_an_ended_pass_is_dead) {
     const unsigned short old_handle = Iterator_Init("first", nullptr);
     Iterator_End(old_handle);
     const unsigned short handle = Iterator_Init("second", nullptr);
@@ -151,7 +151,7 @@ TEST_F(Iterators, A_Handle_Of_An_Ended_Pass_Is_Dead) {
     }
 }
 
-TEST_F(Iterators, Go_On_When_Objects_Leave_During_A_Pass) {
+TEST_F(Iterators, go_on_when_objects_leave_during_a_pass) {
     const unsigned short handle = Iterator_Init("test", nullptr);
     EXPECT_EQ(Iterator_Class_2D(handle, ALL_CLASSES, &window, 0), &objects[0]);
     EXPECT_EQ(Iterator_Class_2D(handle, ALL_CLASSES, &window, 0), &objects[1]);
@@ -167,7 +167,7 @@ TEST_F(Iterators, Go_On_When_Objects_Leave_During_A_Pass) {
     EXPECT_EQ(Pass(&window, 0), (List{&objects[3], &objects[4], &objects[1]}));
 }
 
-TEST_F(Iterators, Go_On_When_Every_Object_Is_Destroyed_During_A_Pass) {
+TEST_F(Iterators, go_on_when_every_object_is_destroyed_during_a_pass) {
     std::deque<std::unique_ptr<Quorel_2D>> many;
     for (int i = 0; i < 200; ++i) {
         many.push_back(std::make_unique<Quorel_2D>());
@@ -192,7 +192,7 @@ TEST_F(Iterators, Go_On_When_Every_Object_Is_Destroyed_During_A_Pass) {
     EXPECT_EQ(Pass(All_Windows(), 0).size(), 5U);
 }
 
-TEST_F(Iterators, Objects_Are_Registered_Once) {
+TEST_F(Iterators, objects_are_registered_once) {
     EXPECT_EQ(Object_Register_2D(&objects[0]), 0);
     EXPECT_EQ(Object_Register_2D(nullptr), 0);
     EXPECT_EQ(Object_Registered_2D_Nb(), 5);
@@ -208,7 +208,7 @@ TEST_F(Iterators, Objects_Are_Registered_Once) {
     EXPECT_EQ(Object_Registered_2D_Nb(), 4);
 }
 
-TEST_F(Iterators, The_Place_Of_Sixty_Thousand_Objects_Is_Kept_While_They_Come_And_Go) {
+TEST_F(Iterators, the_place_of_sixty_thousand_objects_is_kept_while_they_come_and_go) {
     std::vector<std::unique_ptr<Quorel_2D>> many(60000);
     for (auto& object : many) {
         object = std::make_unique<Quorel_2D>();

@@ -44,7 +44,7 @@ class Tree : public testing::Test {
 
 }  // namespace
 
-TEST_F(Tree, Children_Are_Appended_And_Know_Their_Parent) {
+TEST_F(Tree, children_are_appended_and_know_their_parent) {
     EXPECT_EQ(Children(root), (List{&a, &b, &c}));
     EXPECT_EQ(a.Parent_Get_Pt(), &root);
     EXPECT_EQ(e.Parent_Get_Pt(), &d);
@@ -56,7 +56,7 @@ TEST_F(Tree, Children_Are_Appended_And_Know_Their_Parent) {
     EXPECT_EQ(root.Child_Get_Pt(3), nullptr);
 }
 
-TEST_F(Tree, Inserting_Goes_Before_The_Position_And_Is_Clamped) {
+TEST_F(Tree, inserting_goes_before_the_position_and_is_clamped) {
     Quorel_2D x, y, z;
     EXPECT_EQ(root.Child_Insert(1, &x), 1);
     EXPECT_EQ(root.Child_Insert(-5, &y), 1);
@@ -65,7 +65,7 @@ TEST_F(Tree, Inserting_Goes_Before_The_Position_And_Is_Clamped) {
     EXPECT_EQ(x.Parent_Get_Pt(), &root);
 }
 
-TEST_F(Tree, Removing_Unlinks_And_The_Object_Lives_On) {
+TEST_F(Tree, removing_unlinks_and_the_object_lives_on) {
     EXPECT_EQ(root.Child_Remove(&b), 1);
     EXPECT_EQ(Children(root), (List{&a, &c}));
     EXPECT_EQ(b.Parent_Get_Pt(), nullptr);
@@ -77,13 +77,13 @@ TEST_F(Tree, Removing_Unlinks_And_The_Object_Lives_On) {
     EXPECT_EQ(Children(root), (List{&a}));
 }
 
-TEST_F(Tree, Removing_Keeps_A_Parent_Link_That_Names_Another_Object) {
+TEST_F(Tree, removing_keeps_a_parent_link_that_names_another_object) {
     d.Parent_Set_Pt(&c);
     b.Child_Remove(&d);
     EXPECT_EQ(d.Parent_Get_Pt(), &c);
 }
 
-TEST_F(Tree, An_Object_Added_Elsewhere_Leaves_Its_First_Parent) {
+TEST_F(Tree, an_object_added_elsewhere_leaves_its_first_parent) {
     EXPECT_EQ(c.Child_Add(&d), 1);
     EXPECT_EQ(Children(b), List{});
     EXPECT_EQ(Children(c), (List{&d}));
@@ -97,14 +97,14 @@ TEST_F(Tree, An_Object_Added_Elsewhere_Leaves_Its_First_Parent) {
     EXPECT_TRUE(sink.messages.empty());
 }
 
-TEST_F(Tree, A_Drop_On_Another_Branch_Moves_The_Branch) {
+TEST_F(Tree, a_drop_on_another_branch_moves_the_branch) {
     Drop(d, c);
     EXPECT_EQ(Children(c), (List{&d}));
     EXPECT_EQ(Children(d), (List{&e}));
     EXPECT_TRUE(sink.messages.empty());
 }
 
-TEST_F(Tree, A_Drop_Into_The_Own_Branch_Puts_The_Node_Back_Where_It_Was) {
+TEST_F(Tree, a_drop_into_the_own_branch_puts_the_node_back_where_it_was) {
     b.Name_Set("Bone");
     for (Quorel_2D* target : {&d, &e, &b}) {
         sink.messages.clear();
@@ -121,7 +121,7 @@ TEST_F(Tree, A_Drop_Into_The_Own_Branch_Puts_The_Node_Back_Where_It_Was) {
     }
 }
 
-TEST_F(Tree, Put_Back_At_The_First_And_The_Last_Position) {
+TEST_F(Tree, put_back_at_the_first_and_the_last_position) {
     Quorel_2D under_a, under_c;
     a.Child_Add(&under_a);
     c.Child_Add(&under_c);
@@ -131,7 +131,7 @@ TEST_F(Tree, Put_Back_At_The_First_And_The_Last_Position) {
     EXPECT_EQ(Children(root), (List{&a, &b, &c}));
 }
 
-TEST_F(Tree, A_Refused_Object_That_Was_Not_Removed_Stays) {
+TEST_F(Tree, a_refused_object_that_was_not_removed_stays) {
     EXPECT_EQ(e.Child_Add(&b), 0);
     EXPECT_EQ(e.Child_Insert(0, &root), 0);
     EXPECT_EQ(Children(root), (List{&a, &b, &c}));
@@ -141,7 +141,7 @@ TEST_F(Tree, A_Refused_Object_That_Was_Not_Removed_Stays) {
     EXPECT_EQ(sink.messages.size(), 2U) << "nothing to add is not worth a warning";
 }
 
-TEST_F(Tree, A_Refused_Object_Whose_Former_Parent_Is_Gone_Becomes_A_Root) {
+TEST_F(Tree, a_refused_object_whose_former_parent_is_gone_becomes_a_root) {
     auto parent = std::make_unique<Quorel_2D>();
     Quorel_2D node, below;
     parent->Child_Add(&node);
@@ -153,7 +153,7 @@ TEST_F(Tree, A_Refused_Object_Whose_Former_Parent_Is_Gone_Becomes_A_Root) {
     EXPECT_EQ(Children(below), List{});
 }
 
-TEST_F(Tree, A_Refused_Object_Is_Not_Put_Back_Below_Itself) {
+TEST_F(Tree, a_refused_object_is_not_put_back_below_itself) {
     root.Child_Remove(&b);
     d.Child_Remove(&e);
     e.Child_Add(&root);  // the former parent of b
@@ -164,7 +164,7 @@ TEST_F(Tree, A_Refused_Object_Is_Not_Put_Back_Below_Itself) {
     EXPECT_EQ(Children(root), (List{&a, &c}));
 }
 
-TEST_F(Tree, Deleting_A_Class_Lifts_Its_Children_Into_Its_Place) {
+TEST_F(Tree, deleting_a_class_lifts_its_children_into_its_place) {
     Quorel_2D d2, d3;
     b.Child_Add(&d2);
     b.Child_Add(&d3);
@@ -183,13 +183,13 @@ TEST_F(Tree, Deleting_A_Class_Lifts_Its_Children_Into_Its_Place) {
     EXPECT_TRUE(sink.messages.empty());
 }
 
-TEST_F(Tree, A_Parent_Link_That_Was_Cleared_Hides_No_Ring) {
+TEST_F(Tree, a_parent_link_that_was_cleared_hides_no_ring) {
     b.Parent_Set_Pt(nullptr);  // still a child of root
     EXPECT_EQ(e.Child_Add(&root), 0);
     EXPECT_EQ(Children(e), List{});
 }
 
-TEST_F(Tree, A_Destroyed_Child_Leaves_And_Its_Children_Become_Roots) {
+TEST_F(Tree, a_destroyed_child_leaves_and_its_children_become_roots) {
     Quorel_2D grandchild;
     {
         Quorel_2D passing;
@@ -202,7 +202,7 @@ TEST_F(Tree, A_Destroyed_Child_Leaves_And_Its_Children_Become_Roots) {
     EXPECT_EQ(root.Child_Add(&grandchild), 1);
 }
 
-TEST_F(Tree, Random_Moves_Keep_It_A_Tree) {
+TEST_F(Tree, random_moves_keep_it_a_tree) {
     constexpr int NODE_NB = 60;
     std::vector<std::unique_ptr<Quorel_2D>> nodes;
     for (int i = 0; i < NODE_NB; ++i) {
@@ -249,7 +249,7 @@ TEST_F(Tree, Random_Moves_Keep_It_A_Tree) {
     EXPECT_GT(sink.messages.size(), 100U) << "many of these moves are refused";
 }
 
-TEST(Object, Flags_Are_Kept_Per_Group_And_Mask) {
+TEST(Object, flags_are_kept_per_group_and_mask) {
     Quorel_2D object;
     EXPECT_EQ(object.Flag_Get_Bit(0x70, 4, 512), 0);
     object.Flag_Set_Off(0x10, 4, 512);
@@ -266,7 +266,7 @@ TEST(Object, Flags_Are_Kept_Per_Group_And_Mask) {
     EXPECT_EQ(object.Flag_Get_Bit(0x70, 4, 512), FLAG_CHANGED | FLAG_PARTLY_SELECTED);
 }
 
-TEST(Object, Texts_Are_Copied_And_May_Be_Null) {
+TEST(Object, texts_are_copied_and_may_be_null) {
     Quorel_1D object;
     EXPECT_EQ(object.Title_Get(), nullptr);
     EXPECT_EQ(object.Name_Get(), nullptr);
@@ -284,7 +284,7 @@ TEST(Object, Texts_Are_Copied_And_May_Be_Null) {
     EXPECT_STREQ(object.Name_Get(), "");
 }
 
-TEST(Object, Classes_Have_Their_Codes_And_Icons) {
+TEST(Object, classes_have_their_codes_and_icons) {
     Quorel_1D one;
     Quorel_2D two;
     Quorel_3D three;
@@ -302,14 +302,14 @@ TEST(Object, Classes_Have_Their_Codes_And_Icons) {
     EXPECT_EQ(two.Class_B_Get(), 12);
 }
 
-TEST(Object, Is_Destroyed_Through_Its_Base) {
+TEST(Object, is_destroyed_through_its_base) {
     std::unique_ptr<Quorel> object = std::make_unique<Quorel_2D>();
     object->Name_Set("frees its memory");
     object->Flag_Set_On(1, 2, 3);
     static_assert(!std::is_copy_constructible_v<Quorel_2D>);
 }
 
-TEST(Object, The_Child_That_A_Window_Shows_Has_A_Position) {
+TEST(Object, the_child_that_a_window_shows_has_a_position) {
     Quorel_2D volume, first, second, stranger;
     Quorel_Window window;
     volume.Child_Add(&first);
@@ -324,7 +324,7 @@ TEST(Object, The_Child_That_A_Window_Shows_Has_A_Position) {
     Window_Frame_Set(&window, nullptr);
 }
 
-TEST(Object, A_Destroyed_Volume_Leaves_The_Windows_That_Show_It) {
+TEST(Object, a_destroyed_volume_leaves_the_windows_that_show_it) {
     Quorel_Window first;
     Quorel_2D stays;
     auto second = std::make_unique<Quorel_Window>();

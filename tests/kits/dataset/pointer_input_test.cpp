@@ -67,7 +67,7 @@ Touch_Point Lifted(std::uint32_t finger) {
 
 }  // namespace
 
-TEST_F(Pointer_Input, A_Pen_Gives_Its_Screen_Position_And_Buttons) {
+TEST_F(Pointer_Input, a_pen_gives_its_screen_position_and_buttons) {
     hand.pen = {-20, 300, true, false, false};
     const Pointer_Record* record = Fct_Pointer_Pen(Window(1), DOWN, 0x00050007, 0);
     ASSERT_NE(record, nullptr);
@@ -83,14 +83,14 @@ TEST_F(Pointer_Input, A_Pen_Gives_Its_Screen_Position_And_Buttons) {
     EXPECT_EQ(Fct_Pointer_Pen(Window(1), UP, 7, 0)->buttons, 0);
 }
 
-TEST_F(Pointer_Input, Other_Messages_And_Pointers_Give_No_Pen) {
+TEST_F(Pointer_Input, other_messages_and_pointers_give_no_pen) {
     EXPECT_EQ(Fct_Pointer_Pen(Window(1), 0x0200, 7, 0), nullptr);
     EXPECT_EQ(Fct_Pointer_Pen(Window(1), TOUCH, 7, 0), nullptr);
     hand.is_pen = false;
     EXPECT_EQ(Fct_Pointer_Pen(Window(1), DOWN, 7, 0), nullptr);
 }
 
-TEST_F(Pointer_Input, The_System_Without_Pen_And_Touch_Gives_Nothing) {
+TEST_F(Pointer_Input, the_system_without_pen_and_touch_gives_nothing) {
     Pointer_System_Set(nullptr);
     EXPECT_EQ(Fct_Pointer_Pen(nullptr, DOWN, 1, 0), nullptr);
     EXPECT_EQ(Fct_Pointer_Touch(nullptr, TOUCH, 2, 0), nullptr);
@@ -100,7 +100,7 @@ TEST_F(Pointer_Input, The_System_Without_Pen_And_Touch_Gives_Nothing) {
     EXPECT_EQ(Fct_Pointer_Touch(nullptr, TOUCH, 2, 0), nullptr);
 }
 
-TEST_F(Pointer_Input, A_Gesture_Begins_With_The_First_Change_Of_Two_Fingers) {
+TEST_F(Pointer_Input, a_gesture_begins_with_the_first_change_of_two_fingers) {
     EXPECT_EQ(Fingers({At(1, 100, 100)}), nullptr);
     EXPECT_EQ(Fingers({At(1, 110, 100)}), nullptr) << "one finger is no gesture";
     EXPECT_EQ(Fingers({At(2, 300, 300)}), nullptr) << "the second one only sets the start";
@@ -114,7 +114,7 @@ TEST_F(Pointer_Input, A_Gesture_Begins_With_The_First_Change_Of_Two_Fingers) {
     EXPECT_EQ(Fct_Pointer_Touch(Window(1), 0x0200, 0, 0), nullptr);
 }
 
-TEST_F(Pointer_Input, Spreading_Fingers_Zoom_In_And_Closing_Ones_Out) {
+TEST_F(Pointer_Input, spreading_fingers_zoom_in_and_closing_ones_out) {
     Fingers({At(1, 100, 100), At(2, 200, 300)});
     const Gesture_Record* record = Fingers({At(1, 100, 100), At(2, 205, 290)});
     ASSERT_NE(record, nullptr);
@@ -124,7 +124,7 @@ TEST_F(Pointer_Input, Spreading_Fingers_Zoom_In_And_Closing_Ones_Out) {
     EXPECT_FLOAT_EQ(record->dy, -5.0F);
 }
 
-TEST_F(Pointer_Input, A_Fast_Zoom_Comes_In_Small_Steps_That_Add_Up) {
+TEST_F(Pointer_Input, a_fast_zoom_comes_in_small_steps_that_add_up) {
     Fingers({At(1, 0, 0), At(2, 100, 400)});
     double product_x = 1.0;
     double product_y = 1.0;
@@ -147,7 +147,7 @@ TEST_F(Pointer_Input, A_Fast_Zoom_Comes_In_Small_Steps_That_Add_Up) {
     EXPECT_LT(record_nb, 30);
 }
 
-TEST_F(Pointer_Input, Fingers_Close_Together_Along_An_Axis_Do_Not_Zoom_There) {
+TEST_F(Pointer_Input, fingers_close_together_along_an_axis_do_not_zoom_there) {
     Fingers({At(1, 100, 100), At(2, 300, 101)});
     const Gesture_Record* record = Fingers({At(1, 100, 100), At(2, 300, 130)});
     ASSERT_NE(record, nullptr);
@@ -158,7 +158,7 @@ TEST_F(Pointer_Input, Fingers_Close_Together_Along_An_Axis_Do_Not_Zoom_There) {
     EXPECT_TRUE(std::isfinite(record->fx));
 }
 
-TEST_F(Pointer_Input, Lifting_A_Finger_Ends_The_Gesture) {
+TEST_F(Pointer_Input, lifting_a_finger_ends_the_gesture) {
     Fingers({At(1, 100, 100), At(2, 300, 300)});
     EXPECT_NE(Fingers({At(1, 101, 100)}), nullptr);
     EXPECT_EQ(Fingers({Lifted(2)}), nullptr);
@@ -169,20 +169,20 @@ TEST_F(Pointer_Input, Lifting_A_Finger_Ends_The_Gesture) {
     EXPECT_FLOAT_EQ(record->dx, 1.0F);
 }
 
-TEST_F(Pointer_Input, A_Third_Finger_Takes_No_Part) {
+TEST_F(Pointer_Input, a_third_finger_takes_no_part) {
     Fingers({At(1, 100, 100), At(2, 300, 300), At(3, 900, 900)});
     EXPECT_EQ(Fingers({At(3, 0, 0)}), nullptr);
     EXPECT_EQ(Fingers({Lifted(3)}), nullptr);
     EXPECT_NE(Fingers({At(1, 102, 100)}), nullptr);
 }
 
-TEST_F(Pointer_Input, Another_Window_Starts_A_Gesture_Of_Its_Own) {
+TEST_F(Pointer_Input, another_window_starts_a_gesture_of_its_own) {
     Fingers({At(1, 100, 100), At(2, 300, 300)});
     EXPECT_EQ(Fingers({At(1, 150, 100), At(2, 300, 300)}, Window(2)), nullptr);
     EXPECT_NE(Fingers({At(1, 151, 100)}, Window(2)), nullptr);
 }
 
-TEST_F(Pointer_Input, Broken_Positions_Are_Ignored) {
+TEST_F(Pointer_Input, broken_positions_are_ignored) {
     Fingers({At(1, 100, 100), At(2, 300, 300)});
     EXPECT_EQ(Fingers({At(1, NAN, 100), At(2, INFINITY, 300)}), nullptr);
     const Gesture_Record* record = Fingers({At(1, 102, 100)});

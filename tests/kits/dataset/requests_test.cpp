@@ -70,7 +70,7 @@ class Requests : public testing::Test {
 
 }  // namespace
 
-TEST_F(Requests, Updates_And_Redraws_Reach_The_Listener_As_They_Are) {
+TEST_F(Requests, updates_and_redraws_reach_the_listener_as_they_are) {
     Fct_Update(UPDATE_SELECTION | UPDATE_LEVEL_2D, All_Windows(), &first, nullptr);
     EXPECT_EQ(heard.update_nb, 1);
     EXPECT_EQ(heard.flags, 0x102U);
@@ -82,7 +82,7 @@ TEST_F(Requests, Updates_And_Redraws_Reach_The_Listener_As_They_Are) {
     EXPECT_EQ(heard.flags, 0x3FFF0000U);
 }
 
-TEST_F(Requests, Nobody_Needs_To_Listen) {
+TEST_F(Requests, nobody_needs_to_listen) {
     Request_Listener_Set({});
     Fct_Update(UPDATE_ALL, nullptr, nullptr, nullptr);
     Fct_Redraw(8, nullptr, nullptr, nullptr);
@@ -91,7 +91,7 @@ TEST_F(Requests, Nobody_Needs_To_Listen) {
     EXPECT_EQ(heard.update_nb + heard.redraw_nb + heard.change_nb, 0);
 }
 
-TEST_F(Requests, A_Change_Of_The_Frame_Is_Made_Before_The_Listener_Hears_Of_It) {
+TEST_F(Requests, a_change_of_the_frame_is_made_before_the_listener_hears_of_it) {
     window.class_b = 3;
     Fct_Change_Child(&window, &second, &first);
     EXPECT_EQ(heard.change_nb, 1);
@@ -108,7 +108,7 @@ TEST_F(Requests, A_Change_Of_The_Frame_Is_Made_Before_The_Listener_Hears_Of_It) 
     EXPECT_EQ(heard.old_frame, nullptr);
 }
 
-TEST_F(Requests, A_Change_Without_Frame_Or_Window_Is_Ignored) {
+TEST_F(Requests, a_change_without_frame_or_window_is_ignored) {
     Fct_Change_Child(&window, &first, nullptr);
     Fct_Change_Child(&window, nullptr, &first);
     Fct_Change_Child(nullptr, &second, nullptr);
@@ -118,7 +118,7 @@ TEST_F(Requests, A_Change_Without_Frame_Or_Window_Is_Ignored) {
     EXPECT_EQ(Window_Frame(&window), &first);
 }
 
-TEST_F(Requests, The_Listener_May_Be_Replaced_From_Within) {
+TEST_F(Requests, the_listener_may_be_replaced_from_within) {
     struct State {
         int nb = 0;
     } state;
@@ -134,7 +134,7 @@ TEST_F(Requests, The_Listener_May_Be_Replaced_From_Within) {
     EXPECT_EQ(state.nb, 1);
 }
 
-TEST_F(Requests, A_Request_May_Be_Made_From_Within_Another) {
+TEST_F(Requests, a_request_may_be_made_from_within_another) {
     struct State {
         int depth = 0;
         int deepest = 0;
@@ -154,7 +154,7 @@ TEST_F(Requests, A_Request_May_Be_Made_From_Within_Another) {
     EXPECT_EQ(state.deepest, 6);
 }
 
-TEST_F(Requests, Frames_Of_Windows_Stand_Side_By_Side) {
+TEST_F(Requests, frames_of_windows_stand_side_by_side) {
     Quorel_Window last;
     last.class_b = WINDOW_NUMBER_MAX - 1;
     Window_Frame_Set(&window, &first);
@@ -171,7 +171,7 @@ TEST_F(Requests, Frames_Of_Windows_Stand_Side_By_Side) {
     Window_Frame_Set(All_Windows(), &first);
 }
 
-TEST_F(Requests, A_Window_Number_Beyond_The_Table_Is_Ignored) {
+TEST_F(Requests, a_window_number_beyond_the_table_is_ignored) {
     Quorel_Window other;
     for (const bool table_exists : {false, true}) {
         window.class_b = WINDOW_NUMBER_MAX;
@@ -184,7 +184,7 @@ TEST_F(Requests, A_Window_Number_Beyond_The_Table_Is_Ignored) {
     EXPECT_EQ(Window_Frame(&window), nullptr);
 }
 
-TEST_F(Requests, The_Applications_Own_Table_Of_Frames_Is_Used) {
+TEST_F(Requests, the_applications_own_table_of_frames_is_used) {
     std::array<Quorel_2D*, 20> frames{};
     Variable_Define_Array_At("$FRAME_CUR", VARIABLE_POINTER, 20, frames.data());
     window.class_b = 18;
@@ -193,7 +193,7 @@ TEST_F(Requests, The_Applications_Own_Table_Of_Frames_Is_Used) {
     EXPECT_EQ(Window_Frame(&window), &first);
 }
 
-TEST_F(Requests, A_Destroyed_Frame_Is_No_Longer_Shown) {
+TEST_F(Requests, a_destroyed_frame_is_no_longer_shown) {
     auto passing = std::make_unique<Quorel_2D>();
     Window_Frame_Set(&window, passing.get());
     EXPECT_EQ(Window_Frame(&window), passing.get());

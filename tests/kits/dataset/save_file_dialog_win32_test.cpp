@@ -74,7 +74,7 @@ std::string Folder() {
 
 }  // namespace
 
-TEST(Save_File_Dialog, Gives_The_Typed_Path_With_The_Default_Extension) {
+TEST(Save_File_Dialog, gives_the_typed_path_with_the_default_extension) {
     const std::string typed = Folder() + "kit_typed";
     const Answer answer = Ask("Typed name", "histogram", typed.c_str(), IDOK);
     EXPECT_NE(answer.result, 0);
@@ -82,18 +82,18 @@ TEST(Save_File_Dialog, Gives_The_Typed_Path_With_The_Default_Extension) {
     EXPECT_NE(answer.initial_name.find("histogram"), std::string::npos);
 }
 
-TEST(Save_File_Dialog, Cancelled_Gives_Zero) {
+TEST(Save_File_Dialog, cancelled_gives_zero) {
     const Answer answer = Ask("Cancelled", "histogram", nullptr, IDCANCEL);
     EXPECT_EQ(answer.result, 0);
     EXPECT_EQ(answer.path, "");
 }
 
-TEST(Save_File_Dialog, Opens_Although_The_Initial_Name_Is_Impossible) {
+TEST(Save_File_Dialog, opens_although_the_initial_name_is_impossible) {
     const Answer answer = Ask("Impossible name", "C:\\a<b>|c?*\"\\", nullptr, IDCANCEL);
     EXPECT_EQ(answer.result, 0);
 }
 
-TEST(Save_File_Dialog, Keeps_The_Current_Folder) {
+TEST(Save_File_Dialog, keeps_the_current_folder) {
     char before[MAX_PATH] = "";
     char after[MAX_PATH] = "";
     ::GetCurrentDirectoryA(MAX_PATH, before);
@@ -103,7 +103,7 @@ TEST(Save_File_Dialog, Keeps_The_Current_Folder) {
     EXPECT_STREQ(before, after);
 }
 
-TEST(Save_File_Dialog, Asks_Before_It_Overwrites) {
+TEST(Save_File_Dialog, asks_before_it_overwrites) {
     const std::string existing = Folder() + "kit_existing.csv";
     std::FILE* file = std::fopen(existing.c_str(), "w");
     ASSERT_NE(file, nullptr);

@@ -27,7 +27,7 @@ int Answer(void* context, const char* title, const char* filter, const char* ini
 
 }  // namespace
 
-TEST(Save_File_Name, A_Listener_Answers_Instead_Of_The_Dialog) {
+TEST(Save_File_Name, a_listener_answers_instead_of_the_dialog) {
     Asked asked;
     Request_Listener listener;
     listener.context = &asked;
@@ -47,7 +47,7 @@ TEST(Save_File_Name, A_Listener_Answers_Instead_Of_The_Dialog) {
 }
 
 #if !defined(_WIN32)
-TEST(Save_File_Name, Without_A_Dialog_It_Is_Cancelled) {
+TEST(Save_File_Name, without_a_dialog_it_is_cancelled) {
     std::vector<char> buffer(FILE_NAME_SIZE, '#');
     EXPECT_EQ(Fct_Save_FileName("Write", nullptr, nullptr, nullptr, buffer.data(), 0), 0);
     EXPECT_EQ(buffer[0], 0);

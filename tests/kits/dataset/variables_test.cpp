@@ -51,7 +51,7 @@ class Variables : public testing::Test {
 
 }  // namespace
 
-TEST_F(Variables, A_Missing_One_Is_Null_And_Described_As_None) {
+TEST_F(Variables, a_missing_one_is_null_and_described_as_none) {
     const Answer answer = Value("$MISSING");
     EXPECT_EQ(answer.value, nullptr);
     EXPECT_EQ(answer.nb, 0);
@@ -64,7 +64,7 @@ TEST_F(Variables, A_Missing_One_Is_Null_And_Described_As_None) {
     EXPECT_EQ(Fct_Variable_Get("", nullptr, nullptr, nullptr, 0), nullptr);
 }
 
-TEST_F(Variables, Scalars_Are_Widened_To_Their_Number) {
+TEST_F(Variables, scalars_are_widened_to_their_number) {
     struct Case {
         Variable_Type type;
         double value;
@@ -90,13 +90,13 @@ TEST_F(Variables, Scalars_Are_Widened_To_Their_Number) {
     }
 }
 
-TEST_F(Variables, The_Low_Sixteen_Bits_Of_A_Negative_One_Are_The_Number) {
+TEST_F(Variables, the_low_sixteen_bits_of_a_negative_one_are_the_number) {
     Variable_Define_Scalar("$A", VARIABLE_SIGNED_16, -5);
     EXPECT_EQ(static_cast<std::int16_t>(Number("$A")), -5);
     EXPECT_EQ(static_cast<std::uint16_t>(Number("$A")), 0xFFFB);
 }
 
-TEST_F(Variables, A_Scalar_Of_Zero_Is_Null_By_Value_But_Has_An_Address) {
+TEST_F(Variables, a_scalar_of_zero_is_null_by_value_but_has_an_address) {
     Variable_Define_Scalar("$A", VARIABLE_UNSIGNED_16, 0);
     const Answer answer = Value("$A");
     EXPECT_EQ(answer.value, nullptr);
@@ -105,7 +105,7 @@ TEST_F(Variables, A_Scalar_Of_Zero_Is_Null_By_Value_But_Has_An_Address) {
     EXPECT_NE(Storage("$A"), nullptr);
 }
 
-TEST_F(Variables, The_Storage_Of_A_Scalar_Is_The_Number_In_Its_Own_Width) {
+TEST_F(Variables, the_storage_of_a_scalar_is_the_number_in_its_own_width) {
     Variable_Define_Scalar("$A", VARIABLE_SIGNED_16, -2);
     EXPECT_EQ(Stored<std::int16_t>("$A"), -2);
     Variable_Set("$A", 77);
@@ -119,7 +119,7 @@ TEST_F(Variables, The_Storage_Of_A_Scalar_Is_The_Number_In_Its_Own_Width) {
     EXPECT_EQ(Variable_Number("$A", -1), 1);
 }
 
-TEST_F(Variables, Numbers_Beyond_The_Type_Become_The_Nearest) {
+TEST_F(Variables, numbers_beyond_the_type_become_the_nearest) {
     Variable_Define_Scalar("$A", VARIABLE_UNSIGNED_8, 300);
     EXPECT_EQ(Number("$A"), 255);
     EXPECT_EQ(Variable_Set("$A", -3), 1);
@@ -135,7 +135,7 @@ TEST_F(Variables, Numbers_Beyond_The_Type_Become_The_Nearest) {
     EXPECT_EQ(Stored<float>("$A"), std::numeric_limits<float>::max());
 }
 
-TEST_F(Variables, Wrong_Definitions_Are_Refused) {
+TEST_F(Variables, wrong_definitions_are_refused) {
     EXPECT_EQ(Variable_Define_Scalar(nullptr, VARIABLE_FLOAT, 1), 0);
     EXPECT_EQ(Variable_Define_Scalar("$A", VARIABLE_TEXT, 1), 0);
     EXPECT_EQ(Variable_Define_Scalar("$A", VARIABLE_NONE, 1), 0);
@@ -149,7 +149,7 @@ TEST_F(Variables, Wrong_Definitions_Are_Refused) {
     EXPECT_EQ(Storage("$A"), nullptr);
 }
 
-TEST_F(Variables, Setting_Needs_A_Scalar) {
+TEST_F(Variables, setting_needs_a_scalar) {
     EXPECT_EQ(Variable_Set("$A", 1), 0);
     Variable_Define_Text("$A", "t");
     EXPECT_EQ(Variable_Set("$A", 1), 0);
@@ -157,7 +157,7 @@ TEST_F(Variables, Setting_Needs_A_Scalar) {
     EXPECT_STREQ(static_cast<const char*>(Value("$A").value), "t");
 }
 
-TEST_F(Variables, An_Array_Gives_Its_First_Element_And_Its_Storage_Points_There) {
+TEST_F(Variables, an_array_gives_its_first_element_and_its_storage_points_there) {
     auto* colors = static_cast<std::uint16_t*>(Variable_Define_Array("$A", VARIABLE_UNSIGNED_16, 8));
     ASSERT_NE(colors, nullptr);
     for (int i = 0; i < 8; ++i) {
@@ -176,7 +176,7 @@ TEST_F(Variables, An_Array_Gives_Its_First_Element_And_Its_Storage_Points_There)
     EXPECT_EQ(nb, 0);
 }
 
-TEST_F(Variables, A_Resized_Array_Keeps_Its_First_Elements) {
+TEST_F(Variables, a_resized_array_keeps_its_first_elements) {
     auto* first = static_cast<std::uint8_t*>(Variable_Define_Array("$A", VARIABLE_UNSIGNED_8, 3));
     first[0] = 1;
     first[2] = 3;
@@ -197,7 +197,7 @@ TEST_F(Variables, A_Resized_Array_Keeps_Its_First_Elements) {
     EXPECT_NE(Value("$A").value, nullptr);
 }
 
-TEST_F(Variables, An_Array_Of_Texts_Owns_Them_On_The_C_Heap) {
+TEST_F(Variables, an_array_of_texts_owns_them_on_the_c_heap) {
     ASSERT_NE(Variable_Define_Array("$A", VARIABLE_TEXT, 4), nullptr);
     EXPECT_EQ(Variable_Set_Array_Text("$A", 0, "zero"), 1);
     EXPECT_EQ(Variable_Set_Array_Text("$A", 3, "three"), 1);
@@ -220,7 +220,7 @@ TEST_F(Variables, An_Array_Of_Texts_Owns_Them_On_The_C_Heap) {
     EXPECT_EQ(texts[0], nullptr);
 }
 
-TEST_F(Variables, An_Array_Of_The_Application_Is_Only_Named) {
+TEST_F(Variables, an_array_of_the_application_is_only_named) {
     float position[3] = {1.0F, 2.0F, 3.0F};
     EXPECT_EQ(Variable_Define_Array_At("$A", VARIABLE_FLOAT, 3, position), 1);
     EXPECT_EQ(Value("$A").value, position);
@@ -233,7 +233,7 @@ TEST_F(Variables, An_Array_Of_The_Application_Is_Only_Named) {
     EXPECT_EQ(Value("$A").value, nullptr);
 }
 
-TEST_F(Variables, A_Text_Is_Copied_And_Its_Storage_Points_To_It) {
+TEST_F(Variables, a_text_is_copied_and_its_storage_points_to_it) {
     char text[] = "path/";
     EXPECT_EQ(Variable_Define_Text("$A", text), 1);
     text[0] = 'X';
@@ -249,7 +249,7 @@ TEST_F(Variables, A_Text_Is_Copied_And_Its_Storage_Points_To_It) {
     EXPECT_NE(Storage("$A"), nullptr);
 }
 
-TEST_F(Variables, An_Object_Pointer_Is_The_Value_And_Stands_In_The_Storage) {
+TEST_F(Variables, an_object_pointer_is_the_value_and_stands_in_the_storage) {
     int object = 0;
     EXPECT_EQ(Variable_Define_Pointer("$A", &object), 1);
     const Answer answer = Value("$A");
@@ -258,7 +258,7 @@ TEST_F(Variables, An_Object_Pointer_Is_The_Value_And_Stands_In_The_Storage) {
     EXPECT_EQ(Stored<void*>("$A"), &object);
 }
 
-TEST_F(Variables, An_Undefined_One_Is_Missing_And_Its_Kept_Address_Holds_Zero) {
+TEST_F(Variables, an_undefined_one_is_missing_and_its_kept_address_holds_zero) {
     Variable_Define_Text("$A", "x");
     void* storage = Storage("$A");
     EXPECT_EQ(Variable_Undefine("$A"), 1);
@@ -272,7 +272,7 @@ TEST_F(Variables, An_Undefined_One_Is_Missing_And_Its_Kept_Address_Holds_Zero) {
     EXPECT_EQ(Storage("$A"), storage);
 }
 
-TEST_F(Variables, Addresses_Never_Change_Over_Ten_Thousand_Random_Definitions) {
+TEST_F(Variables, addresses_never_change_over_ten_thousand_random_definitions) {
     std::mt19937 generator(1);
     std::map<std::string, void*> addresses;
     for (int round = 0; round < 10000; ++round) {
@@ -312,7 +312,7 @@ TEST_F(Variables, Addresses_Never_Change_Over_Ten_Thousand_Random_Definitions) {
     }
 }
 
-TEST_F(Variables, Names_That_Share_A_Beginning_Are_Different) {
+TEST_F(Variables, names_that_share_a_beginning_are_different) {
     Variable_Define_Scalar("$A", VARIABLE_SIGNED_32, 1);
     EXPECT_EQ(Storage("$"), nullptr);
     EXPECT_EQ(Storage("$AA"), nullptr);
@@ -324,7 +324,7 @@ TEST_F(Variables, Names_That_Share_A_Beginning_Are_Different) {
     Variable_Undefine("$INTERFACE_BUTTON_DIM_BIG");
 }
 
-TEST_F(Variables, Look_Ups_Are_Counted_Also_Of_Missing_Names) {
+TEST_F(Variables, look_ups_are_counted_also_of_missing_names) {
     Variable_Look_Ups_Reset();
     EXPECT_EQ(Variable_Look_Ups(nullptr), 0U);
     Variable_Define_Scalar("$A", VARIABLE_FLOAT, 1);

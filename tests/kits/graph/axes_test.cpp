@@ -46,7 +46,7 @@ class Axes_Test : public testing::TestWithParam<Window_Axis> {
 
 }  // namespace
 
-TEST_P(Axes_Test, DrawIntoTheMarginsOnly) {
+TEST_P(Axes_Test, draw_into_the_margins_only) {
     ASSERT_EQ(Draw(-1024, 3071), 1);
     const Window_Picture picture = window.Read();
     const Rect inner = Device(area.left, area.bottom, area.width, area.height);
@@ -71,7 +71,7 @@ TEST_P(Axes_Test, DrawIntoTheMarginsOnly) {
     Write_Png(GetParam() == Window_Axis::Up ? "axes_up.png" : "axes_down.png", picture);
 }
 
-TEST_P(Axes_Test, AxisLinesRunAlongTheAreasLeftAndLowerEdge) {
+TEST_P(Axes_Test, axis_lines_run_along_the_areas_left_and_lower_edge) {
 #if !defined(_WIN32)
     GTEST_SKIP() << "nothing is shown without a window system";
 #endif
@@ -88,7 +88,7 @@ TEST_P(Axes_Test, AxisLinesRunAlongTheAreasLeftAndLowerEdge) {
     }
 }
 
-TEST_P(Axes_Test, NothingIsDrawnWithoutARangeAnAreaOrADeviceContext) {
+TEST_P(Axes_Test, nothing_is_drawn_without_a_range_an_area_or_a_device_context) {
     const Window_Picture before = window.Read();
     const float nan = std::numeric_limits<float>::quiet_NaN();
     HDC dc = Y_setup(window.Get(), "axes test");
@@ -107,7 +107,7 @@ TEST_P(Axes_Test, NothingIsDrawnWithoutARangeAnAreaOrADeviceContext) {
     EXPECT_EQ(window.Read(), before);
 }
 
-TEST_P(Axes_Test, TitlesAsLongAsTheBoxStayInside) {
+TEST_P(Axes_Test, titles_as_long_as_the_box_stay_inside) {
     for (int of_height = 70; of_height <= 160; of_height++) {
         window.Wipe();
         box.height = static_cast<short>(of_height);
@@ -132,7 +132,7 @@ TEST_P(Axes_Test, TitlesAsLongAsTheBoxStayInside) {
     }
 }
 
-TEST_P(Axes_Test, TitlesOfAnyFontAndLengthStayInside) {
+TEST_P(Axes_Test, titles_of_any_font_and_length_stay_inside) {
     const Plot_Area whole = area;
     for (const char* name : {"", "Times New Roman", "Tahoma"}) {
         for (const char* weight : {"", "bold"}) {
@@ -169,7 +169,7 @@ TEST_P(Axes_Test, TitlesOfAnyFontAndLengthStayInside) {
     }
 }
 
-TEST_P(Axes_Test, MissingTitlesAreAllowed) {
+TEST_P(Axes_Test, missing_titles_are_allowed) {
     HDC dc = Y_setup(window.Get(), "axes test");
     EXPECT_EQ(Plot_Window_Axes_X(dc, box, area, nullptr, 0, 1), 1);
     EXPECT_EQ(Plot_Window_Axes_Y(dc, box, area, "", 0, 1), 1);

@@ -20,7 +20,7 @@ std::string Text_At(double from, double to, double least, std::int64_t index, bo
 
 }  // namespace
 
-TEST(Ticks, StepIsTheSmallestRoundOneThatIsNotBelowTheWish) {
+TEST(Ticks, step_is_the_smallest_round_one_that_is_not_below_the_wish) {
     EXPECT_DOUBLE_EQ(Tick_Scale_Make(0, 100, 7).step, 10);
     EXPECT_DOUBLE_EQ(Tick_Scale_Make(0, 100, 10).step, 10);
     EXPECT_DOUBLE_EQ(Tick_Scale_Make(0, 100, 10.5).step, 20);
@@ -30,7 +30,7 @@ TEST(Ticks, StepIsTheSmallestRoundOneThatIsNotBelowTheWish) {
     EXPECT_DOUBLE_EQ(Tick_Scale_Make(0, 1000000, 1000).step, 1000);
 }
 
-TEST(Ticks, LieInsideTheRangeWithItsRoundEnds) {
+TEST(Ticks, lie_inside_the_range_with_its_round_ends) {
     const Tick_Scale scale = Tick_Scale_Make(-30, 100, 10);
     EXPECT_EQ(scale.Value(scale.first), -30);
     EXPECT_EQ(scale.Value(scale.last), 100);
@@ -42,7 +42,7 @@ TEST(Ticks, LieInsideTheRangeWithItsRoundEnds) {
     EXPECT_EQ(Tick_Scale_Make(11, 14, 20).Count(), 0);
 }
 
-TEST(Ticks, CoarserGoesFromOneToTwoToFiveToTen) {
+TEST(Ticks, coarser_goes_from_one_to_two_to_five_to_ten) {
     Tick_Scale scale = Tick_Scale_Make(0, 1000, 1);
     for (const double step : {2.0, 5.0, 10.0, 20.0, 50.0, 100.0}) {
         scale = Tick_Scale_Coarser(0, 1000, scale);
@@ -50,7 +50,7 @@ TEST(Ticks, CoarserGoesFromOneToTwoToFiveToTen) {
     }
 }
 
-TEST(Ticks, EveryRangeGivesRoundStepsInOrder) {
+TEST(Ticks, every_range_gives_round_steps_in_order) {
     const float limits[] = {-FLT_MAX, -3e7F, -1.0F,  -1e-30F,  0.0F,  FLT_MIN,
                             1e-7F,    0.3F,  255.0F, 65536.5F, 3e30F, FLT_MAX};
     for (const float from : limits) {
@@ -72,12 +72,12 @@ TEST(Ticks, EveryRangeGivesRoundStepsInOrder) {
     }
 }
 
-TEST(Ticks, AWishBeyondPrecisionIsCutDown) {
+TEST(Ticks, a_wish_beyond_precision_is_cut_down) {
     const Tick_Scale scale = Tick_Scale_Make(1e8, 1e8 + 8, 1e-300);
     EXPECT_GE(scale.step, 1e-5);
 }
 
-TEST(Ticks, RangesThatAreNone) {
+TEST(Ticks, ranges_that_are_none) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const float infinite = std::numeric_limits<float>::infinity();
     EXPECT_TRUE(Range_Is_Valid(0, 1));
@@ -90,7 +90,7 @@ TEST(Ticks, RangesThatAreNone) {
     EXPECT_FALSE(Range_Is_Valid(0, infinite));
 }
 
-TEST(TickText, PlainNumbersWithTheDecimalsOfTheStep) {
+TEST(TickText, plain_numbers_with_the_decimals_of_the_step) {
     EXPECT_EQ(Text_At(0, 100, 20, 2), "40");
     EXPECT_EQ(Text_At(0, 1, 0.25, 1), "0.5");
     EXPECT_EQ(Text_At(0, 1, 0.05, 3), "0.15");
@@ -98,12 +98,12 @@ TEST(TickText, PlainNumbersWithTheDecimalsOfTheStep) {
     EXPECT_EQ(Text_At(0, 80000, 10000, 8), "80000");
 }
 
-TEST(TickText, ZeroIsJustZero) {
+TEST(TickText, zero_is_just_zero) {
     EXPECT_EQ(Text_At(0, 1, 0.1, 0), "0");
     EXPECT_EQ(Text_At(-5e6, 5e6, 1e6, 0), "0");
 }
 
-TEST(TickText, LargeAndSmallNumbersCarryTheirUnit) {
+TEST(TickText, large_and_small_numbers_carry_their_unit) {
     EXPECT_EQ(Text_At(0, 200000, 50000, 3), "150k");
     EXPECT_EQ(Text_At(0, 2e6, 5e5, 3), "1.5M");
     EXPECT_EQ(Text_At(0, 3e9, 1e9, 2), "2G");

@@ -18,13 +18,13 @@ Boxs Box_At(HWND window, short x, short y, short width, short height) {
 
 }  // namespace
 
-TEST(Axis, UpTurnsClientRow7Of100IntoRow92AndBack) {
+TEST(Axis, up_turns_client_row_7_of_100_into_row_92_and_back) {
     EXPECT_EQ(Axis_Row(Window_Axis::Up, 100, 7), 92);
     EXPECT_EQ(Axis_Row(Window_Axis::Up, 100, 92), 7);
     EXPECT_EQ(Axis_Row(Window_Axis::Down, 100, 7), 7);
 }
 
-TEST(Axis, DefaultIsUp) {
+TEST(Axis, default_is_up) {
     const Test_Window window(50, 100, Window_Axis::Down);
     EXPECT_EQ(Window_Axis_Get(window.Get()), Window_Axis::Down);
     Window_Forget(window.Get());
@@ -32,7 +32,7 @@ TEST(Axis, DefaultIsUp) {
     EXPECT_EQ(Window_Axis_Get(nullptr), Window_Axis::Up);
 }
 
-TEST(Axis, DeviceRectangleOfAWidget) {
+TEST(Axis, device_rectangle_of_a_widget) {
     const Test_Window up(80, 100, Window_Axis::Up);
     const Test_Window down(80, 100, Window_Axis::Down);
     Rect rect;
@@ -42,7 +42,7 @@ TEST(Axis, DeviceRectangleOfAWidget) {
     EXPECT_EQ(rect, (Rect{3, 10, 20, 30}));
 }
 
-TEST(Axis, ClientHeightIsTakenAfresh) {
+TEST(Axis, client_height_is_taken_afresh) {
     Test_Window window(80, 100, Window_Axis::Up);
     const Boxs box = Box_At(window.Get(), 0, 0, 10, 10);
     Rect rect;
@@ -53,7 +53,7 @@ TEST(Axis, ClientHeightIsTakenAfresh) {
     EXPECT_EQ(rect.top, 50);
 }
 
-TEST(Axis, NoRectangleWithoutWindowOrArea) {
+TEST(Axis, no_rectangle_without_window_or_area) {
     const Test_Window window(80, 100, Window_Axis::Up);
     Rect rect;
     EXPECT_FALSE(Widget_Device_Rect(Box_At(nullptr, 0, 0, 10, 10), &rect));
@@ -61,7 +61,7 @@ TEST(Axis, NoRectangleWithoutWindowOrArea) {
     EXPECT_FALSE(Widget_Device_Rect(Box_At(window.Get(), 0, 0, 10, -1), &rect));
 }
 
-TEST(Axis, PointerInTheWindowsOwnAxis) {
+TEST(Axis, pointer_in_the_windows_own_axis) {
     const Test_Window up(80, 100, Window_Axis::Up);
     const Test_Window down(80, 100, Window_Axis::Down);
     int x = 0;
@@ -76,7 +76,7 @@ TEST(Axis, PointerInTheWindowsOwnAxis) {
     EXPECT_FALSE(Window_Pointer(nullptr, &x, &y));
 }
 
-TEST(Axis, PointerInAWidgetsPictureCountsFromItsVisualTopLeft) {
+TEST(Axis, pointer_in_a_widgets_picture_counts_from_its_visual_top_left) {
     const Test_Window window(80, 100, Window_Axis::Up);
     const Boxs box = Box_At(window.Get(), 10, 20, 30, 40);
     Point point;

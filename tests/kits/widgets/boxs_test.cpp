@@ -35,7 +35,7 @@ class Boxs_Test : public testing::TestWithParam<Window_Axis> {
 
 }  // namespace
 
-TEST_P(Boxs_Test, DrawPaintsBorderAndInsideAndNothingElse) {
+TEST_P(Boxs_Test, draw_paints_border_and_inside_and_nothing_else) {
     Boxs box = Framed_Box(window.Get());
     box.Draw();
     const Window_Picture picture = window.Read();
@@ -52,7 +52,7 @@ TEST_P(Boxs_Test, DrawPaintsBorderAndInsideAndNothingElse) {
     }
 }
 
-TEST_P(Boxs_Test, OneFarLargerThanItsWindowIsPaintedInAPictureOfTheWindowsSize) {
+TEST_P(Boxs_Test, one_far_larger_than_its_window_is_painted_in_a_picture_of_the_windows_size) {
     Boxs box = Framed_Box(window.Get());
     box.x = -9000;
     box.y = -9000;
@@ -71,7 +71,7 @@ TEST_P(Boxs_Test, OneFarLargerThanItsWindowIsPaintedInAPictureOfTheWindowsSize) 
     painter.Show_Nothing();
 }
 
-TEST_P(Boxs_Test, OnePartlyInItsWindowShowsThatPart) {
+TEST_P(Boxs_Test, one_partly_in_its_window_shows_that_part) {
     Boxs box = Framed_Box(window.Get());
     box.Set_Name("A title that is cut");
     box.Draw();
@@ -96,7 +96,7 @@ TEST_P(Boxs_Test, OnePartlyInItsWindowShowsThatPart) {
     }
 }
 
-TEST_P(Boxs_Test, DrawTwiceShowsTheSame) {
+TEST_P(Boxs_Test, draw_twice_shows_the_same) {
     Boxs box = Framed_Box(window.Get());
     box.Set_Name("Title");
     box.Draw();
@@ -107,7 +107,7 @@ TEST_P(Boxs_Test, DrawTwiceShowsTheSame) {
     EXPECT_EQ(window.Read(), once);
 }
 
-TEST_P(Boxs_Test, TitleBandStandsAtTheVisualTop) {
+TEST_P(Boxs_Test, title_band_stands_at_the_visual_top) {
     Variable_Define_Scalar("$INTERFACE_TITLE_DIM_SML", VARIABLE_SIGNED_16, 11);
     Boxs box = Framed_Box(window.Get());
     box.Set_Name(" ");  // a title without ink, so that the band alone is seen
@@ -120,7 +120,7 @@ TEST_P(Boxs_Test, TitleBandStandsAtTheVisualTop) {
     }
 }
 
-TEST_P(Boxs_Test, UnfilledBoxLeavesItsInsideAlone) {
+TEST_P(Boxs_Test, unfilled_box_leaves_its_inside_alone) {
     Boxs box = Framed_Box(window.Get());
     box.style = 0x2;
     box.Draw();
@@ -130,7 +130,7 @@ TEST_P(Boxs_Test, UnfilledBoxLeavesItsInsideAlone) {
     EXPECT_NE(picture.At(outer.left, outer.top + 5), Test_Window::marker);
 }
 
-TEST_P(Boxs_Test, SelectHitsExactlyThePaintedPixels) {
+TEST_P(Boxs_Test, select_hits_exactly_the_painted_pixels) {
     Boxs box = Framed_Box(window.Get());
     box.Draw();
     const Window_Picture picture = window.Read();
@@ -145,7 +145,7 @@ TEST_P(Boxs_Test, SelectHitsExactlyThePaintedPixels) {
 INSTANTIATE_TEST_SUITE_P(BothAxes, Boxs_Test, testing::Values(Window_Axis::Up, Window_Axis::Down),
                          [](const auto& axis) { return axis.param == Window_Axis::Up ? "Up" : "Down"; });
 
-TEST(Boxs, LooksTheSameInBothAxes) {
+TEST(Boxs, looks_the_same_in_both_axes) {
     const Test_Window up(window_width, window_height, Window_Axis::Up);
     const Test_Window down(window_width, window_height, Window_Axis::Down);
     Boxs box = Framed_Box(up.Get());
@@ -157,7 +157,7 @@ TEST(Boxs, LooksTheSameInBothAxes) {
     EXPECT_EQ(up.Read(), down.Read());
 }
 
-TEST(Boxs, WithoutAreaOrWindowNothingIsDrawnOrHit) {
+TEST(Boxs, without_area_or_window_nothing_is_drawn_or_hit) {
     const Test_Window window(window_width, window_height, Window_Axis::Up);
     Widget_Counters_Reset();
     Boxs box = Framed_Box(window.Get());
@@ -177,7 +177,7 @@ TEST(Boxs, WithoutAreaOrWindowNothingIsDrawnOrHit) {
     }
 }
 
-TEST(Boxs, HiddenBoxIsNotDrawnGreyedOneIs) {
+TEST(Boxs, hidden_box_is_not_drawn_greyed_one_is) {
     const Test_Window window(window_width, window_height, Window_Axis::Up);
     Boxs box = Framed_Box(window.Get());
     Widget_Counters_Reset();
@@ -189,7 +189,7 @@ TEST(Boxs, HiddenBoxIsNotDrawnGreyedOneIs) {
     EXPECT_EQ(Widget_Counters_Get().draws, 1U);
 }
 
-TEST(Boxs, ReachingBeyondTheWindowIsCut) {
+TEST(Boxs, reaching_beyond_the_window_is_cut) {
     const Test_Window window(window_width, window_height, Window_Axis::Up);
     Boxs box = Framed_Box(window.Get());
     box.x = -20;

@@ -52,7 +52,7 @@ class Buttons_Test : public testing::Test {
 
 // ------------------------------------------------------------------------------------------------------------- images
 
-TEST(ButtonImages, BackgroundsAreFourDistinctColoursAndNeverBlack) {
+TEST(ButtonImages, backgrounds_are_four_distinct_colours_and_never_black) {
     for (int red = 0; red <= 255; red += 15) {
         for (int green = 0; green <= 255; green += 15) {
             for (int blue = 0; blue <= 255; blue += 15) {
@@ -76,7 +76,7 @@ TEST(ButtonImages, BackgroundsAreFourDistinctColoursAndNeverBlack) {
     }
 }
 
-TEST(ButtonImages, InitRefillsWithoutANewAllocationWhileTheSizeStays) {
+TEST(ButtonImages, init_refills_without_a_new_allocation_while_the_size_stays) {
     Buttons button = Grid_Button(nullptr);
     unsigned int* const before = button.image[0];
     const unsigned int plain = before[0];
@@ -90,7 +90,7 @@ TEST(ButtonImages, InitRefillsWithoutANewAllocationWhileTheSizeStays) {
     EXPECT_EQ(before[0], 0x0102C8U);
 }
 
-TEST(ButtonImages, InitMakesRoomForANewSize) {
+TEST(ButtonImages, init_makes_room_for_a_new_size) {
     Buttons button = Grid_Button(nullptr);
     button.width = 200;
     button.height = 3;
@@ -108,7 +108,7 @@ TEST(ButtonImages, InitMakesRoomForANewSize) {
     EXPECT_EQ(button.image[0], nullptr);
 }
 
-TEST(ButtonImages, HugeButtonsHaveNoneAndAreStillUsable) {
+TEST(ButtonImages, huge_buttons_have_none_and_are_still_usable) {
     const Test_Window window(window_width, window_height, Window_Axis::Down);
     Buttons button = Grid_Button(nullptr);
     button.width = 32767;
@@ -119,7 +119,7 @@ TEST(ButtonImages, HugeButtonsHaveNoneAndAreStillUsable) {
     EXPECT_EQ(button.Select(0), 0);
 }
 
-TEST(ButtonImages, CopiesOwnTheirImages) {
+TEST(ButtonImages, copies_own_their_images) {
     Buttons original = Grid_Button(nullptr);
     original.image[2][7] = 0xABCDEF;
     Buttons copy(original);
@@ -137,14 +137,14 @@ TEST(ButtonImages, CopiesOwnTheirImages) {
     EXPECT_EQ(assigned.image[0], nullptr);
 }
 
-TEST(ButtonLayout, StateFollowsTheCheckedMarkDirectly) {
+TEST(ButtonLayout, state_follows_the_checked_mark_directly) {
     const Buttons button;
     EXPECT_EQ(reinterpret_cast<const char*>(&button.state) - reinterpret_cast<const char*>(&button.checked), 2);
 }
 
 // ------------------------------------------------------------------------------------------------------------ caption
 
-TEST(ButtonCaption, IsCutAt39Characters) {
+TEST(ButtonCaption, is_cut_at_39_characters) {
     Buttons button;
     button.Set_Name("%s", std::string(50, 'x').c_str());
     EXPECT_EQ(std::string(button.name), std::string(39, 'x'));
@@ -152,7 +152,7 @@ TEST(ButtonCaption, IsCutAt39Characters) {
     EXPECT_EQ(std::string(button.name), std::string(39, 'y'));
 }
 
-TEST(ButtonCaption, CutNeverSplitsACharacter) {
+TEST(ButtonCaption, cut_never_splits_a_character) {
 #if defined(_WIN32)
     const Other_Code_Page utf8(PAGE_UTF8);
 #endif
@@ -164,7 +164,7 @@ TEST(ButtonCaption, CutNeverSplitsACharacter) {
 }
 
 #if defined(_WIN32)
-TEST(ButtonCaption, OfADoubleBytePageIsCutBetweenLetters) {
+TEST(ButtonCaption, of_a_double_byte_page_is_cut_between_letters) {
     const Other_Code_Page japanese(PAGE_JAPANESE);
     std::string letters;
     for (int i = 0; i < 60; i++) {
@@ -182,7 +182,7 @@ TEST(ButtonCaption, OfADoubleBytePageIsCutBetweenLetters) {
     EXPECT_EQ(std::string(tool.name), (letters + letters).substr(0, TOOLS_NAME_SIZE - 2));
 }
 
-TEST(ButtonCaption, OfADoubleBytePageIsShortenedBetweenLettersWhereRoomIsShort) {
+TEST(ButtonCaption, of_a_double_byte_page_is_shortened_between_letters_where_room_is_short) {
     const Other_Code_Page japanese(PAGE_JAPANESE);
     const std::string letters = "\x83\x5C\x83\x5C\x83\x5C";
     const int whole = Text_Width(letters, {});
@@ -194,7 +194,7 @@ TEST(ButtonCaption, OfADoubleBytePageIsShortenedBetweenLettersWhereRoomIsShort) 
 }
 #endif
 
-TEST(ButtonCaption, StaysCutInCopies) {
+TEST(ButtonCaption, stays_cut_in_copies) {
     Buttons original;
     Buttons copy(original);
     copy.Set_Name("%s", std::string(60, 'x').c_str());
@@ -203,7 +203,7 @@ TEST(ButtonCaption, StaysCutInCopies) {
 
 // ------------------------------------------------------------------------------------------------------------ drawing
 
-TEST_F(Buttons_Test, PaintsItsRectangleAndNothingElse) {
+TEST_F(Buttons_Test, paints_its_rectangle_and_nothing_else) {
     const Window_Picture picture = window.Read();
     const Rect outer = Device(button);
     for (int y = 0; y < window_height; y++) {
@@ -220,7 +220,7 @@ TEST_F(Buttons_Test, PaintsItsRectangleAndNothingElse) {
     }
 }
 
-TEST_F(Buttons_Test, ShowsTheImageOfItsStateRowByRow) {
+TEST_F(Buttons_Test, shows_the_image_of_its_state_row_by_row) {
     for (unsigned short state = 0; state < 3; state++) {
         for (int y = 0; y < button.height; y++) {
             for (int x = 0; x < button.width; x++) {
@@ -240,7 +240,7 @@ TEST_F(Buttons_Test, ShowsTheImageOfItsStateRowByRow) {
     }
 }
 
-TEST_F(Buttons_Test, CurrentMarkIsATwoPixelFrameInsideTheBorderFromTheFourthImage) {
+TEST_F(Buttons_Test, current_mark_is_a_two_pixel_frame_inside_the_border_from_the_fourth_image) {
     button.current = 1;
     button.Draw();
     const Window_Picture picture = window.Read();
@@ -255,7 +255,7 @@ TEST_F(Buttons_Test, CurrentMarkIsATwoPixelFrameInsideTheBorderFromTheFourthImag
     EXPECT_GT(std::abs(contrast), 80);
 }
 
-TEST_F(Buttons_Test, CheckMarkStandsInTheLeftQuarterOnlyWithItsStyle) {
+TEST_F(Buttons_Test, check_mark_stands_in_the_left_quarter_only_with_its_style) {
     const Window_Picture plain = window.Read();
     button.checked = 1;
     button.Draw();
@@ -274,7 +274,7 @@ TEST_F(Buttons_Test, CheckMarkStandsInTheLeftQuarterOnlyWithItsStyle) {
     }
 }
 
-TEST_F(Buttons_Test, AdjustLeavesThePictureThatDrawWouldPaint) {
+TEST_F(Buttons_Test, adjust_leaves_the_picture_that_draw_would_paint) {
     button.style |= STYLE_SHOW_CHECK;
     button.Set_Name("Liver");
     for (const unsigned int style : {STYLE_GRID_BUTTON, STYLE_GRID_BUTTON | STYLE_INACTIVE}) {
@@ -295,7 +295,7 @@ TEST_F(Buttons_Test, AdjustLeavesThePictureThatDrawWouldPaint) {
     }
 }
 
-TEST_F(Buttons_Test, DrawTwiceShowsTheSame) {
+TEST_F(Buttons_Test, draw_twice_shows_the_same) {
     button.Set_Name("Kidney");
     button.current = 1;
     button.Draw();
@@ -304,7 +304,7 @@ TEST_F(Buttons_Test, DrawTwiceShowsTheSame) {
     EXPECT_EQ(window.Read(), once);
 }
 
-TEST_F(Buttons_Test, LooksTheSameInBothAxes) {
+TEST_F(Buttons_Test, looks_the_same_in_both_axes) {
     button.Set_Name("Kidney");
     button.current = button.checked = 1;
     button.style |= STYLE_SHOW_CHECK;
@@ -316,7 +316,7 @@ TEST_F(Buttons_Test, LooksTheSameInBothAxes) {
     EXPECT_EQ(window.Read(), down.Read());
 }
 
-TEST_F(Buttons_Test, EveryLookIsDifferent) {
+TEST_F(Buttons_Test, every_look_is_different) {
     button.style |= STYLE_SHOW_CHECK;
     std::vector<Window_Picture> looks;
     for (const unsigned int extra : {0U, STYLE_INACTIVE}) {
@@ -338,7 +338,7 @@ TEST_F(Buttons_Test, EveryLookIsDifferent) {
     }
 }
 
-TEST_F(Buttons_Test, InactiveFaceIsHalfMixedWithThePanel) {
+TEST_F(Buttons_Test, inactive_face_is_half_mixed_with_the_panel) {
     button.style |= STYLE_INACTIVE;
     button.Draw();
     const Rect outer = Device(button);
@@ -349,7 +349,7 @@ TEST_F(Buttons_Test, InactiveFaceIsHalfMixedWithThePanel) {
     }
 }
 
-TEST_F(Buttons_Test, EditedButtonIsNotDrawn) {
+TEST_F(Buttons_Test, edited_button_is_not_drawn) {
     button.style |= STYLE_EDITED;
     window.Wipe();
     button.Draw();
@@ -362,7 +362,7 @@ TEST_F(Buttons_Test, EditedButtonIsNotDrawn) {
     }
 }
 
-TEST_F(Buttons_Test, SmallestButtonsDrawWithoutHarm) {
+TEST_F(Buttons_Test, smallest_buttons_draw_without_harm) {
     for (short width = 1; width < 12; width++) {
         for (short height = 1; height < 12; height++) {
             button.width = width;
@@ -381,7 +381,7 @@ TEST_F(Buttons_Test, SmallestButtonsDrawWithoutHarm) {
 
 // ------------------------------------------------------------------------------------------------------------- events
 
-TEST_F(Buttons_Test, HitTestCoversExactlyThePaintedPixels) {
+TEST_F(Buttons_Test, hit_test_covers_exactly_the_painted_pixels) {
     const Window_Picture picture = window.Read();
     for (int y = 0; y < window_height; y++) {
         for (int x = 0; x < window_width; x++) {
@@ -393,7 +393,7 @@ TEST_F(Buttons_Test, HitTestCoversExactlyThePaintedPixels) {
     EXPECT_EQ(button.state, 0);
 }
 
-TEST_F(Buttons_Test, HoverAndPressAndLeaveDrawOnceEach) {
+TEST_F(Buttons_Test, hover_and_press_and_leave_draw_once_each) {
     Point_Inside();
     EXPECT_NE(button.Select(0), 0);
     EXPECT_EQ(button.state, 1);
@@ -414,7 +414,7 @@ TEST_F(Buttons_Test, HoverAndPressAndLeaveDrawOnceEach) {
     EXPECT_EQ(Draws(), 4U);
 }
 
-TEST_F(Buttons_Test, DeselectDrawsOnlyWhenTheLookChanges) {
+TEST_F(Buttons_Test, deselect_draws_only_when_the_look_changes) {
     Point_Inside();
     button.Select(press);
     button.Deselect();
@@ -424,7 +424,7 @@ TEST_F(Buttons_Test, DeselectDrawsOnlyWhenTheLookChanges) {
     EXPECT_EQ(Draws(), 2U);
 }
 
-TEST_F(Buttons_Test, SelectOfZeroRefreshesWhatAPanelPaintedIntoTheImages) {
+TEST_F(Buttons_Test, select_of_zero_refreshes_what_a_panel_painted_into_the_images) {
     button.image[0][button.width * 5 + 20] = 0x00FF00;
     Point_Outside();
     EXPECT_EQ(button.Select(0), 0);
@@ -435,7 +435,7 @@ TEST_F(Buttons_Test, SelectOfZeroRefreshesWhatAPanelPaintedIntoTheImages) {
     EXPECT_EQ(Draws(), 1U);
 }
 
-TEST_F(Buttons_Test, SelectOfZeroRefreshesAStateThatAPanelReset) {
+TEST_F(Buttons_Test, select_of_zero_refreshes_a_state_that_a_panel_reset) {
     Point_Inside();
     button.Select(press);
     button.state = 0;
@@ -445,7 +445,7 @@ TEST_F(Buttons_Test, SelectOfZeroRefreshesAStateThatAPanelReset) {
     EXPECT_EQ(window.Read().At(Device(button).left + 20, Device(button).top + 5), button.image[0][0]);
 }
 
-TEST_F(Buttons_Test, InactiveOrEditedButtonsAreNeverHit) {
+TEST_F(Buttons_Test, inactive_or_edited_buttons_are_never_hit) {
     Point_Inside();
     for (const unsigned int bits : {STYLE_INACTIVE, STYLE_EDITED}) {
         button.style = STYLE_GRID_BUTTON | bits;
@@ -457,14 +457,14 @@ TEST_F(Buttons_Test, InactiveOrEditedButtonsAreNeverHit) {
     EXPECT_EQ(button.state, 0);
 }
 
-TEST_F(Buttons_Test, FrameBitAloneDoesNotDisable) {
+TEST_F(Buttons_Test, frame_bit_alone_does_not_disable) {
     button.style = STYLE_FRAMED_BOX;
     Point_Inside();
     EXPECT_NE(button.Select(press), 0);
 }
 
 #if defined(_WIN32)
-TEST(ButtonCaption, ATallNarrowButtonsCaptionReadsUpwards) {
+TEST(ButtonCaption, a_tall_narrow_buttons_caption_reads_upwards) {
     const Test_Window window{40, 120, Window_Axis::Down};
     Buttons button;
     button.style = STYLE_BUTTON;
@@ -492,7 +492,7 @@ TEST(ButtonCaption, ATallNarrowButtonsCaptionReadsUpwards) {
 }
 #endif
 
-TEST(ButtonCaptions, AdjustLeavesACaptionThatReadsUpwardsWhole) {
+TEST(ButtonCaptions, adjust_leaves_a_caption_that_reads_upwards_whole) {
     const Test_Window window(window_width, window_height, Window_Axis::Down);
     Buttons button = Grid_Button(window.Get());
     button.width = 16;
@@ -509,7 +509,7 @@ TEST(ButtonCaptions, AdjustLeavesACaptionThatReadsUpwardsWhole) {
     }
 }
 
-TEST_F(Buttons_Test, AnImageThatIsNotShownIsReadWhenItComesIntoSight) {
+TEST_F(Buttons_Test, an_image_that_is_not_shown_is_read_when_it_comes_into_sight) {
     button.image[1][button.width * 5 + 20] = 0x00FF00;
     Point_Outside();
     EXPECT_EQ(button.Select(0), 0);

@@ -240,9 +240,9 @@ void Sheet(Library_Theme theme, const char* file) {
 
 }  // namespace
 
-TEST(ContactSheet, IsWrittenInTheDarkTheme) {
+TEST(ContactSheet, is_written_in_the_dark_theme) {
     Sheet(Library_Theme::Dark, "widgets_dark.png");
 }
-TEST(ContactSheet, IsWrittenInTheLightTheme) {
+TEST(ContactSheet, is_written_in_the_light_theme) {
     Sheet(Library_Theme::Light, "widgets_light.png");
 }

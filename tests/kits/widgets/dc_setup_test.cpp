@@ -33,7 +33,7 @@ class Message_Log {
 
 }  // namespace
 
-TEST(Y_Setup, UpMapsClientRow7Of100ToRow92) {
+TEST(Y_Setup, up_maps_client_row_7_of_100_to_row_92) {
     const Test_Window window(50, 100, Window_Axis::Up);
     HDC dc = Y_setup(window.Get(), "test");
     ASSERT_NE(dc, nullptr);
@@ -42,7 +42,7 @@ TEST(Y_Setup, UpMapsClientRow7Of100ToRow92) {
     EXPECT_EQ(Y_release(window.Get(), dc), 1);
 }
 
-TEST(Y_Setup, DownMapsRowsToThemselves) {
+TEST(Y_Setup, down_maps_rows_to_themselves) {
     const Test_Window window(50, 100, Window_Axis::Down);
     HDC dc = Y_setup(window.Get(), "test");
     ASSERT_NE(dc, nullptr);
@@ -50,7 +50,7 @@ TEST(Y_Setup, DownMapsRowsToThemselves) {
     EXPECT_EQ(Y_release(window.Get(), dc), 1);
 }
 
-TEST(Y_Setup, TakesTheClientHeightAfresh) {
+TEST(Y_Setup, takes_the_client_height_afresh) {
     Test_Window window(50, 100, Window_Axis::Up);
     window.Resize(50, 30);
     HDC dc = Y_setup(window.Get(), "test");
@@ -58,7 +58,7 @@ TEST(Y_Setup, TakesTheClientHeightAfresh) {
     Y_release(window.Get(), dc);
 }
 
-TEST(Y_Setup, NestsAndRestoresTheGlobals) {
+TEST(Y_Setup, nests_and_restores_the_globals) {
     const Test_Window outer(50, 100, Window_Axis::Up);
     const Test_Window inner(50, 60, Window_Axis::Down);
     EXPECT_EQ(Y_Window, nullptr);
@@ -79,7 +79,7 @@ TEST(Y_Setup, NestsAndRestoresTheGlobals) {
     EXPECT_EQ(Y_DC, nullptr);
 }
 
-TEST(Y_Setup, FailureIsReportedWithTheLabelAndLeavesTheGlobals) {
+TEST(Y_Setup, failure_is_reported_with_the_label_and_leaves_the_globals) {
     const Message_Log log;
     EXPECT_EQ(Y_setup(nullptr, "tool_db_fct: DB_List_Draw"), nullptr);
     ASSERT_EQ(log.messages.size(), 1U);
@@ -89,7 +89,7 @@ TEST(Y_Setup, FailureIsReportedWithTheLabelAndLeavesTheGlobals) {
     EXPECT_EQ(Y_DC, nullptr);
 }
 
-TEST(Y_Release, OfSomethingElseIsReported) {
+TEST(Y_Release, of_something_else_is_reported) {
     const Test_Window window(50, 100, Window_Axis::Up);
     const Message_Log log;
     EXPECT_EQ(Y_release(window.Get(), nullptr), 0);
@@ -102,7 +102,7 @@ TEST(Y_Release, OfSomethingElseIsReported) {
     EXPECT_EQ(Y_release(window.Get(), dc), 1);
 }
 
-TEST(Y_Setup, DrawsIntoTheBackBufferWhileThereIsOne) {
+TEST(Y_Setup, draws_into_the_back_buffer_while_there_is_one) {
     const Test_Window window(50, 100, Window_Axis::Up);
     Window_Buffer_Begin(window.Get());
     HDC dc = Y_setup(window.Get(), "test");
@@ -116,7 +116,7 @@ TEST(Y_Setup, DrawsIntoTheBackBufferWhileThereIsOne) {
     EXPECT_EQ(window.Read().At(9, 12), Test_Window::marker);
 }
 
-TEST(Y_CreateFont, RefusesSizesWithoutMeaning) {
+TEST(Y_CreateFont, refuses_sizes_without_meaning) {
     EXPECT_EQ(Y_Create_Font(nullptr, "Arial", "", 0), nullptr);
     EXPECT_EQ(Y_Create_Font(nullptr, "Arial", "", -4), nullptr);
     EXPECT_EQ(Y_Create_Font(nullptr, "Arial", "", 100000), nullptr);

@@ -50,7 +50,7 @@ class Icons_Test : public testing::TestWithParam<Window_Axis> {
 
 }  // namespace
 
-TEST_P(Icons_Test, StandsWithItsLeftEdgeAtXAndItsMiddleLineAtY) {
+TEST_P(Icons_Test, stands_with_its_left_edge_at_x_and_its_middle_line_at_y) {
     const Icon_File file("icon test middle.tga");
     HDC dc = Y_setup(window.Get(), "test");
     Icon_Draw_Image(box, 7, 20, "program", "icon test middle.tga");
@@ -66,21 +66,21 @@ TEST_P(Icons_Test, StandsWithItsLeftEdgeAtXAndItsMiddleLineAtY) {
     }
 }
 
-TEST_P(Icons_Test, ToolsIconIsTintedAndNeedsNoSetUp) {
+TEST_P(Icons_Test, tools_icon_is_tinted_and_needs_no_set_up) {
     const Icon_File file("icon test tint.tga");
     box.Icon("icon test tint.tga", 230, 100, 50, 7, 20);
     EXPECT_EQ(window.Read().At(15, Device_Row(20)), 0xE66432U);
     EXPECT_EQ(Y_DC, nullptr);
 }
 
-TEST_P(Icons_Test, IsFoundBesideTheProgramToo) {
+TEST_P(Icons_Test, is_found_beside_the_program_too) {
     const Icon_File file("icon test program.tga");
     Variable_Undefine("$DEFAULT_ICON_PATH");
     Icon_Draw_Image(box, 7, 20, "./program.exe", "icon test program.tga");
     EXPECT_EQ(window.Read().At(15, Device_Row(20)), 0xFFFFFFU);
 }
 
-TEST_P(Icons_Test, LeafLineGoesUpAndRightAndOnOnlyToASibling) {
+TEST_P(Icons_Test, leaf_line_goes_up_and_right_and_on_only_to_a_sibling) {
     HDC dc = Y_setup(window.Get(), "test");
     Icon_Lead_Leaf(box, 0, 10, 30, 11, 29);
     Icon_Lead_Leaf(box, 1, 30, 50, 11, 29);
@@ -101,7 +101,7 @@ TEST_P(Icons_Test, LeafLineGoesUpAndRightAndOnOnlyToASibling) {
 INSTANTIATE_TEST_SUITE_P(BothAxes, Icons_Test, testing::Values(Window_Axis::Up, Window_Axis::Down),
                          [](const auto& axis) { return axis.param == Window_Axis::Up ? "Up" : "Down"; });
 
-TEST(Icons, UnknownFileDrawsNothingWithoutAMessage) {
+TEST(Icons, unknown_file_draws_nothing_without_a_message) {
     const Test_Window window(60, 50, Window_Axis::Up);
     Boxs box;
     box.Init(window.Get());
@@ -118,7 +118,7 @@ TEST(Icons, UnknownFileDrawsNothingWithoutAMessage) {
     }
 }
 
-TEST(Icons, LeadCellsOfEveryKindDifferAndEmptyOnesDrawNothing) {
+TEST(Icons, lead_cells_of_every_kind_differ_and_empty_ones_draw_nothing) {
     std::vector<Window_Picture> pictures;
     using Lead = void (*)(const Boxs&, int, int, int, int, int);
     for (const Lead lead : {Icon_Lead_Expand, Icon_Lead_Collapse, Icon_Lead_Leaf, Icon_Lead_No_Access}) {

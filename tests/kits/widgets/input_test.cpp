@@ -23,7 +23,7 @@ int Clipboard_In(const char* text) {
 }
 }  // namespace
 
-TEST(Input, TheApplicationsSourceAnswers) {
+TEST(Input, the_applications_source_answers) {
     Input_Source_Set({Only_Right, Only_Shift, Clipboard_Out, Clipboard_In});
     EXPECT_EQ(getbutton(2), 1);
     EXPECT_EQ(getbutton(1), 0);
@@ -40,7 +40,7 @@ TEST(Input, TheApplicationsSourceAnswers) {
     EXPECT_EQ(getkey(0x10), 0);
 }
 
-TEST(Input, TheSystemsClipboardKeepsATextAndCutsItToTheRoom) {
+TEST(Input, the_systems_clipboard_keeps_a_text_and_cuts_it_to_the_room) {
     ASSERT_EQ(Input_Clipboard_Set("Left kidney"), 1);
     char text[32] = {};
     EXPECT_EQ(Input_Clipboard_Get(text, sizeof text), 11);
@@ -50,14 +50,14 @@ TEST(Input, TheSystemsClipboardKeepsATextAndCutsItToTheRoom) {
     EXPECT_STREQ(small, "Left");
 }
 
-TEST(Input, KeyInHand) {
+TEST(Input, key_in_hand) {
     Key_In_Hand_Set(KEY_HOME);
     EXPECT_EQ(Key_In_Hand(), KEY_HOME);
     Key_In_Hand_Set(0);
     EXPECT_EQ(Key_In_Hand(), 0);
 }
 
-TEST(Input, CountersCountAndReset) {
+TEST(Input, counters_count_and_reset) {
     Widget_Counters_Reset();
     Count_Init();
     Count_Draw();

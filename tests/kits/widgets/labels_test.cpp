@@ -20,7 +20,7 @@ Labels Flat_Label(HWND window) {
 
 }  // namespace
 
-TEST(Labels, FillsItsRectangleWithItsColour) {
+TEST(Labels, fills_its_rectangle_with_its_colour) {
     const Test_Window window(70, 40, Window_Axis::Down);
     Labels label = Flat_Label(window.Get());
     label.Draw();
@@ -33,7 +33,7 @@ TEST(Labels, FillsItsRectangleWithItsColour) {
     }
 }
 
-TEST(Labels, TextLeavesInkInsideTheLabelOnly) {
+TEST(Labels, text_leaves_ink_inside_the_label_only) {
     const Test_Window window(70, 40, Window_Axis::Down);
     Labels label = Flat_Label(window.Get());
     label.Set_Name("%s", "Warning! This text is much longer than the label");
@@ -52,7 +52,7 @@ TEST(Labels, TextLeavesInkInsideTheLabelOnly) {
     EXPECT_GT(ink, 20);
 }
 
-TEST(Labels, InactiveLooksDifferentAndEditedIsNotDrawn) {
+TEST(Labels, inactive_looks_different_and_edited_is_not_drawn) {
     const Test_Window window(70, 40, Window_Axis::Down);
     Labels label = Flat_Label(window.Get());
     label.Draw();
@@ -66,7 +66,7 @@ TEST(Labels, InactiveLooksDifferentAndEditedIsNotDrawn) {
     EXPECT_EQ(window.Read().At(10, 10), Test_Window::marker);
 }
 
-TEST(Labels, TakesNoInputAndHasNoValue) {
+TEST(Labels, takes_no_input_and_has_no_value) {
     const Test_Window window(70, 40, Window_Axis::Down);
     Labels label = Flat_Label(window.Get());
     window.Point_At(10, 10);

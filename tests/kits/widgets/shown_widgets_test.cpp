@@ -26,7 +26,7 @@ Shown_Widget At(HWND window, int index) {
 
 }  // namespace
 
-TEST(Shown_Widgets, NothingIsNotedUnlessAskedFor) {
+TEST(Shown_Widgets, nothing_is_noted_unless_asked_for) {
     const Test_Window window(100, 60, Window_Axis::Down);
     Buttons button;
     Put(button, window.Get(), 10, 10, "Up");
@@ -37,7 +37,7 @@ TEST(Shown_Widgets, NothingIsNotedUnlessAskedFor) {
     EXPECT_FALSE(Window_Widget_Get(nullptr, 0, &shown));
 }
 
-TEST(Shown_Widgets, AButtonTellsItsNamePlaceAndMarks) {
+TEST(Shown_Widgets, a_button_tells_its_name_place_and_marks) {
     const Test_Window window(100, 60, Window_Axis::Up);
     Window_Widgets_Watch(window.Get(), true);
     Buttons button;
@@ -65,7 +65,7 @@ TEST(Shown_Widgets, AButtonTellsItsNamePlaceAndMarks) {
     EXPECT_EQ(Window_Widget_Nb(window.Get()), 0);
 }
 
-TEST(Shown_Widgets, ValuesAreTexts) {
+TEST(Shown_Widgets, values_are_texts) {
     const Test_Window window(100, 60, Window_Axis::Down);
     Window_Widgets_Watch(window.Get(), true);
     Valuators valuator;
@@ -92,7 +92,7 @@ TEST(Shown_Widgets, ValuesAreTexts) {
     EXPECT_EQ(std::string(At(window.Get(), 1).value), "");
 }
 
-TEST(Shown_Widgets, WhatIsPaintedOverOrClearedIsNoLongerSeen) {
+TEST(Shown_Widgets, what_is_painted_over_or_cleared_is_no_longer_seen) {
     const Test_Window window(100, 60, Window_Axis::Down);
     Window_Widgets_Watch(window.Get(), true);
     Buttons first;
@@ -115,7 +115,7 @@ TEST(Shown_Widgets, WhatIsPaintedOverOrClearedIsNoLongerSeen) {
     EXPECT_EQ(Window_Widget_Nb(window.Get()), 0);
 }
 
-TEST(Shown_Widgets, LongTextsAreCutAtWholeCharacters) {
+TEST(Shown_Widgets, long_texts_are_cut_at_whole_characters) {
     const Test_Window window(100, 60, Window_Axis::Down);
     Window_Widgets_Watch(window.Get(), true);
     Selects list;

@@ -35,13 +35,13 @@ class Surface_Test : public testing::Test {
 
 }  // namespace
 
-TEST_F(Surface_Test, FillIsCutAtThePicture) {
+TEST_F(Surface_Test, fill_is_cut_at_the_picture) {
     picture.Fill({-5, -5, 100, 100}, ink);
     EXPECT_EQ(Ink_Inside(), width * height);
     EXPECT_EQ(Ink_All(), width * height);
 }
 
-TEST_F(Surface_Test, FillIsCutAtTheClipRectangleUntilItIsRestored) {
+TEST_F(Surface_Test, fill_is_cut_at_the_clip_rectangle_until_it_is_restored) {
     const Rect before = picture.Clip_Set({3, 4, 5, 2});
     picture.Fill(picture.Area(), ink);
     EXPECT_EQ(Ink_All(), 10);
@@ -52,7 +52,7 @@ TEST_F(Surface_Test, FillIsCutAtTheClipRectangleUntilItIsRestored) {
     EXPECT_EQ(Ink_All(), width * height);
 }
 
-TEST_F(Surface_Test, FrameCoversExactlyItsBorder) {
+TEST_F(Surface_Test, frame_covers_exactly_its_border) {
     picture.Frame({2, 3, 10, 6}, 2, ink);
     for (int y = 0; y < height; y++) {
         for (int x = 0; x < width; x++) {
@@ -63,12 +63,12 @@ TEST_F(Surface_Test, FrameCoversExactlyItsBorder) {
     }
 }
 
-TEST_F(Surface_Test, FrameThickerThanItsRectangleFillsIt) {
+TEST_F(Surface_Test, frame_thicker_than_its_rectangle_fills_it) {
     picture.Frame({2, 3, 3, 5}, 9, ink);
     EXPECT_EQ(Ink_All(), 15);
 }
 
-TEST_F(Surface_Test, LineIncludesBothEnds) {
+TEST_F(Surface_Test, line_includes_both_ends) {
     picture.Line({2, 2}, {9, 5}, ink);
     EXPECT_EQ(picture.Pixel(2, 2), ink);
     EXPECT_EQ(picture.Pixel(9, 5), ink);
@@ -77,7 +77,7 @@ TEST_F(Surface_Test, LineIncludesBothEnds) {
     EXPECT_EQ(Ink_All(), Ink_Inside());
 }
 
-TEST_F(Surface_Test, PolygonOfARectangleFillsThatRectangle) {
+TEST_F(Surface_Test, polygon_of_a_rectangle_fills_that_rectangle) {
     const std::array<Point, 4> corners = {{{2, 3}, {8, 3}, {8, 7}, {2, 7}}};
     picture.Polygon(corners, ink);
     EXPECT_EQ(Ink_All(), 24);
@@ -86,7 +86,7 @@ TEST_F(Surface_Test, PolygonOfARectangleFillsThatRectangle) {
     EXPECT_NE(picture.Pixel(8, 7), ink);
 }
 
-TEST_F(Surface_Test, InvertTwiceRestores) {
+TEST_F(Surface_Test, invert_twice_restores) {
     const std::vector<std::uint32_t> before = memory;
     picture.Invert({1, 1, 30, 4});
     EXPECT_NE(memory, before);
@@ -94,7 +94,7 @@ TEST_F(Surface_Test, InvertTwiceRestores) {
     EXPECT_EQ(memory, before);
 }
 
-TEST_F(Surface_Test, BlitCutsTheSourceWithTheTarget) {
+TEST_F(Surface_Test, blit_cuts_the_source_with_the_target) {
     std::vector<std::uint32_t> source(6 * 4);
     for (std::size_t i = 0; i < source.size(); i++) {
         source[i] = static_cast<std::uint32_t>(i + 1);
@@ -106,7 +106,7 @@ TEST_F(Surface_Test, BlitCutsTheSourceWithTheTarget) {
     EXPECT_EQ(memory[static_cast<std::size_t>(2 * stride + 1)], ground);
 }
 
-TEST_F(Surface_Test, AlphaMixesByOpacity) {
+TEST_F(Surface_Test, alpha_mixes_by_opacity) {
     const std::array<std::uint32_t, 3> source = {0x00FFFFFFU, 0xFF00FF00U, 0x80FFFFFFU};
     picture.Blit_Alpha({0, 0, 3, 1}, source.data(), 3);
     EXPECT_EQ(picture.Pixel(0, 0), ground);
@@ -114,14 +114,14 @@ TEST_F(Surface_Test, AlphaMixesByOpacity) {
     EXPECT_NEAR(static_cast<int>(picture.Pixel(2, 0) & 0xFFU), (0x10 + 0xFF) / 2, 2);
 }
 
-TEST_F(Surface_Test, TintOf100PercentIsTheColour) {
+TEST_F(Surface_Test, tint_of_100_percent_is_the_colour) {
     picture.Tint({0, 0, 2, 2}, ink, 100);
     EXPECT_EQ(Ink_All(), 4);
     picture.Tint({0, 0, 2, 2}, 0xFFFFFF, 0);
     EXPECT_EQ(Ink_All(), 4);
 }
 
-TEST(RectTest, CommonAndAround) {
+TEST(RectTest, common_and_around) {
     EXPECT_EQ(Rect_Common({0, 0, 10, 10}, {5, 6, 10, 10}), (Rect{5, 6, 5, 4}));
     EXPECT_TRUE(Rect_Common({0, 0, 5, 5}, {5, 0, 5, 5}).Empty());
     EXPECT_EQ(Rect_Around({0, 0, 2, 2}, {5, 6, 1, 1}), (Rect{0, 0, 6, 7}));
@@ -130,7 +130,7 @@ TEST(RectTest, CommonAndAround) {
 
 #if defined(_WIN32)
 
-TEST(TextTest, EveryByteOfTheWesternCodePageIsACharacter) {
+TEST(TextTest, every_byte_of_the_western_code_page_is_a_character) {
     ASSERT_FALSE(Code_Page_Is_Utf8());
     for (const std::string text : {"\xDF\x96", "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"}) {  // UTF-8, if it were
         for (std::size_t i = 0; i < text.size(); i++) {
@@ -147,7 +147,7 @@ TEST(TextTest, EveryByteOfTheWesternCodePageIsACharacter) {
 
 #else
 
-TEST(TextTest, CharactersOfUtf8AndOfOtherBytes) {
+TEST(TextTest, characters_of_utf_8_and_of_other_bytes) {
     const std::string text = "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80z";
     EXPECT_EQ(Character_Length(text, 0), 1U);
     EXPECT_EQ(Character_Length(text, 1), 2U);
@@ -165,7 +165,7 @@ TEST(TextTest, CharactersOfUtf8AndOfOtherBytes) {
 
 #endif
 
-TEST(TextTest, FitKeepsWholeCharactersWithinTheRoom) {
+TEST(TextTest, fit_keeps_whole_characters_within_the_room) {
     const Font_Choice font;
     const std::string text = "\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9";
     for (int room = 0; room < Text_Width(text, font) + 3; room++) {

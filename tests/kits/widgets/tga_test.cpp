@@ -29,7 +29,7 @@ constexpr int top_down = 0x20;
 
 }  // namespace
 
-TEST(Tga, Plain24BitPictureIsOpaqueAndCountsFromTheBottom) {
+TEST(Tga, plain_24_bit_picture_is_opaque_and_counts_from_the_bottom) {
     Bytes file = Header(2, 2, 2, 24, 0);
     Append(file, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12});
     Tga_Picture picture;
@@ -39,7 +39,7 @@ TEST(Tga, Plain24BitPictureIsOpaqueAndCountsFromTheBottom) {
     EXPECT_EQ(picture.pixels, (std::vector<std::uint32_t>{0xFF090807U, 0xFF0C0B0AU, 0xFF030201U, 0xFF060504U}));
 }
 
-TEST(Tga, RowsFromTheTopAndColumnsFromTheRight) {
+TEST(Tga, rows_from_the_top_and_columns_from_the_right) {
     Bytes file = Header(2, 2, 2, 24, top_down | 0x10);
     Append(file, {1, 0, 0, 2, 0, 0, 3, 0, 0, 4, 0, 0});
     Tga_Picture picture;
@@ -47,7 +47,7 @@ TEST(Tga, RowsFromTheTopAndColumnsFromTheRight) {
     EXPECT_EQ(picture.pixels, (std::vector<std::uint32_t>{0xFF000002U, 0xFF000001U, 0xFF000004U, 0xFF000003U}));
 }
 
-TEST(Tga, RunsAndRawPacketsOf32Bits) {
+TEST(Tga, runs_and_raw_packets_of_32_bits) {
     Bytes file = Header(10, 3, 2, 32, top_down | 8);
     Append(file, {0x83, 1, 2, 3, 128, 0x01, 4, 5, 6, 255, 7, 8, 9, 0});
     Tga_Picture picture;
@@ -56,7 +56,7 @@ TEST(Tga, RunsAndRawPacketsOf32Bits) {
                                                           0xFF060504U, 0x00090807U}));
 }
 
-TEST(Tga, NoOpacityAtAllMeansOpaque) {
+TEST(Tga, no_opacity_at_all_means_opaque) {
     Bytes file = Header(2, 1, 1, 32, top_down);
     Append(file, {1, 2, 3, 0});
     Tga_Picture picture;
@@ -64,7 +64,7 @@ TEST(Tga, NoOpacityAtAllMeansOpaque) {
     EXPECT_EQ(picture.pixels[0], 0xFF030201U);
 }
 
-TEST(Tga, CommentAndColourMapAreSkipped) {
+TEST(Tga, comment_and_colour_map_are_skipped) {
     Bytes file = Header(2, 1, 1, 24, top_down);
     file[0] = 3;
     file[1] = 1;
@@ -76,7 +76,7 @@ TEST(Tga, CommentAndColourMapAreSkipped) {
     EXPECT_EQ(picture.pixels[0], 0xFF030201U);
 }
 
-TEST(Tga, EveryCutOfAFileIsRefused) {
+TEST(Tga, every_cut_of_a_file_is_refused) {
     for (const int type : {2, 10}) {
         Bytes file = Header(type, 3, 2, 32, top_down);
         if (type == 2) {
@@ -94,7 +94,7 @@ TEST(Tga, EveryCutOfAFileIsRefused) {
     }
 }
 
-TEST(Tga, OtherFormsAreRefused) {
+TEST(Tga, other_forms_are_refused) {
     Tga_Picture picture;
     for (const int type : {0, 1, 3, 9, 11, 32}) {
         Bytes file = Header(type, 1, 1, 24, 0);
@@ -108,7 +108,7 @@ TEST(Tga, OtherFormsAreRefused) {
     }
 }
 
-TEST(Tga, EmptyAndHugeSizesAreRefused) {
+TEST(Tga, empty_and_huge_sizes_are_refused) {
     Tga_Picture picture;
     for (const auto& [width, height] : {std::pair{0, 4}, {4, 0}, {4097, 1}, {1, 4097}, {65535, 65535}}) {
         Bytes file = Header(10, width, height, 24, 0);
@@ -117,7 +117,7 @@ TEST(Tga, EmptyAndHugeSizesAreRefused) {
     }
 }
 
-TEST(Tga, ARunBeyondThePictureIsRefused) {
+TEST(Tga, a_run_beyond_the_picture_is_refused) {
     Bytes file = Header(10, 3, 1, 24, top_down);
     Append(file, {0x83, 1, 2, 3});
     Tga_Picture picture;

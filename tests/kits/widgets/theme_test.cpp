@@ -34,7 +34,7 @@ void Expect_Readable(const Theme& theme) {
 
 }  // namespace
 
-TEST(Theme, BothThemesAreReadable) {
+TEST(Theme, both_themes_are_readable) {
     Library_Theme_Set(Library_Theme::Light);
     Expect_Readable(Theme_Now());
     const Rgb light_panel = Theme_Now().panel;
@@ -43,7 +43,7 @@ TEST(Theme, BothThemesAreReadable) {
     EXPECT_NE(Theme_Now().panel, light_panel);
 }
 
-TEST(Theme, PartsOnAGroundOfTheOtherThemeHaveItsColours) {
+TEST(Theme, parts_on_a_ground_of_the_other_theme_have_its_colours) {
     Library_Theme_Set(Library_Theme::Light);
     const Theme& light = Theme_Now();
     Library_Theme_Set(Library_Theme::Dark);
@@ -58,7 +58,7 @@ TEST(Theme, PartsOnAGroundOfTheOtherThemeHaveItsColours) {
     }
 }
 
-TEST(Theme, ContrastIsReadableOnEveryColourAndNeverBlack) {
+TEST(Theme, contrast_is_readable_on_every_colour_and_never_black) {
     for (int red = 0; red <= 255; red += 17) {
         for (int green = 0; green <= 255; green += 17) {
             for (int blue = 0; blue <= 255; blue += 17) {
@@ -70,7 +70,7 @@ TEST(Theme, ContrastIsReadableOnEveryColourAndNeverBlack) {
     }
 }
 
-TEST(Theme, MixAndComponents) {
+TEST(Theme, mix_and_components) {
     EXPECT_EQ(Rgb_Make(300, -5, 16), 0xFF0010U);
     EXPECT_EQ(Rgb_Of(Colors{1, 2, 3, 99}), 0x010203U);
     EXPECT_EQ(Mix(0x000000, 0xFFFFFF, 0), 0x000000U);
@@ -78,7 +78,7 @@ TEST(Theme, MixAndComponents) {
     EXPECT_EQ(Mix(0x204060, 0x406080, 50), 0x305070U);
 }
 
-TEST(Theme, ScaleActsOnTheLibrarysOwnMeasures) {
+TEST(Theme, scale_acts_on_the_librarys_own_measures) {
     const int height = Library_Font_Height();
     Library_Scale_Set(2.0F);
     EXPECT_EQ(BORDER, 2);

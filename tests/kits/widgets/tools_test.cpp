@@ -7,7 +7,7 @@
 #include "tests/kits/widgets/other_code_page.h"
 #include "tests/kits/widgets/test_window.h"
 
-TEST(Tools, SetNameFormatsAndCutsAtTheField) {
+TEST(Tools, set_name_formats_and_cuts_at_the_field) {
 #if defined(_WIN32)
     const Other_Code_Page utf8(PAGE_UTF8);
 #endif
@@ -20,14 +20,14 @@ TEST(Tools, SetNameFormatsAndCutsAtTheField) {
     EXPECT_EQ(std::string(tool.name), std::string(TOOLS_NAME_SIZE - 2, 'x'));
 }
 
-TEST(Tools, SetNameMayReadTheCaptionThatItReplaces) {
+TEST(Tools, set_name_may_read_the_caption_that_it_replaces) {
     Tools tool;
     tool.Set_Name("abc");
     tool.Set_Name("%s-%s", tool.name, tool.name);
     EXPECT_EQ(std::string(tool.name), "abc-abc");
 }
 
-TEST(Tools, SetColorKeepsTheFourthComponent) {
+TEST(Tools, set_color_keeps_the_fourth_component) {
     Tools tool;
     tool.color.fourth = 77;
     tool.Set_Color(1, 2, 3);
@@ -35,12 +35,12 @@ TEST(Tools, SetColorKeepsTheFourthComponent) {
     EXPECT_EQ(tool.color.get(), 0x030201UL);
 }
 
-TEST(Tools, ColorsUseTheLowByteOfEachComponent) {
+TEST(Tools, colors_use_the_low_byte_of_each_component) {
     const Colors color{0x1FF, 0x200, 0x1AB, 9};
     EXPECT_EQ(color.get(), 0xAB00FFUL);
 }
 
-TEST(Tools, ClearFillsExactlyTheRectangle) {
+TEST(Tools, clear_fills_exactly_the_rectangle) {
     const Test_Window window(60, 50, Window_Axis::Up);
     Tools tool;
     tool.x = 10;
@@ -64,7 +64,7 @@ TEST(Tools, ClearFillsExactlyTheRectangle) {
     EXPECT_EQ(Widget_Counters_Get().clears, 2U);
 }
 
-TEST(Tools, CadreDrawsLinesOnly) {
+TEST(Tools, cadre_draws_lines_only) {
     const Test_Window window(60, 50, Window_Axis::Down);
     Tools tool;
     tool.x = 10;
@@ -80,7 +80,7 @@ TEST(Tools, CadreDrawsLinesOnly) {
     EXPECT_EQ(picture.At(30, 13), Test_Window::marker);
 }
 
-TEST(Tools, FillSelectFillsWithTheAccent) {
+TEST(Tools, fill_select_fills_with_the_accent) {
     const Test_Window window(60, 50, Window_Axis::Down);
     Tools tool;
     tool.width = 20;
@@ -96,7 +96,7 @@ TEST(Tools, FillSelectFillsWithTheAccent) {
     EXPECT_EQ(window.Read().At(19, 7), 0x050505U);
 }
 
-TEST(Tools, FreeForgetsTheWindowAndInitGivesItBack) {
+TEST(Tools, free_forgets_the_window_and_init_gives_it_back) {
     const Test_Window window(60, 50, Window_Axis::Down);
     Boxs box;
     box.width = box.height = 5;
@@ -109,7 +109,7 @@ TEST(Tools, FreeForgetsTheWindowAndInitGivesItBack) {
     EXPECT_EQ(box.window, window.Get());
 }
 
-TEST(Tools, TakeLookCopiesWhatPanelsHandOn) {
+TEST(Tools, take_look_copies_what_panels_hand_on) {
     Boxs host;
     host.font_name = "Arial";
     host.font_weight = "bold";

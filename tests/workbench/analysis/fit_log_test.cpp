@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(Fit_Log, Tells_For_Every_Candidate_Where_It_Came_From_And_Why_It_Went) {
+TEST(Fit_Log, tells_for_every_candidate_where_it_came_from_and_why_it_went) {
     Fit_Log log;
     log.Add(11, "Locate a peak with zero at x = 40");
     log.Add(11, "Locate a peak with data at x = 47");
@@ -27,7 +27,7 @@ TEST(Fit_Log, Tells_For_Every_Candidate_Where_It_Came_From_And_Why_It_Went) {
     EXPECT_EQ(lines.back(), "Stop after 4 iterations");
 }
 
-TEST(Fit_Log, A_Second_Deletion_Near_By_Means_The_Next_Candidate) {
+TEST(Fit_Log, a_second_deletion_near_by_means_the_next_candidate) {
     Fit_Log log;
     log.Add(11, "Locate a peak with data at x = 40");
     log.Add(11, "Locate a peak with data at x = 42");
@@ -37,7 +37,7 @@ TEST(Fit_Log, A_Second_Deletion_Near_By_Means_The_Next_Candidate) {
     EXPECT_EQ(log.Candidates()[1].dropped, "b");
 }
 
-TEST(Fit_Log, Shows_Warnings_Without_Style_Bytes_And_Passes_Other_Levels_Over) {
+TEST(Fit_Log, shows_warnings_without_style_bytes_and_passes_other_levels_over) {
     Fit_Log log;
     log.Add(2, "\xF1\x05WARNING:\x02 Gauss_Newton failed!");
     log.Add(16, "in Histo_Compute()");
@@ -46,7 +46,7 @@ TEST(Fit_Log, Shows_Warnings_Without_Style_Bytes_And_Passes_Other_Levels_Over) {
     EXPECT_EQ(log.Lines()[0], "WARNING: Gauss_Newton failed!");
 }
 
-TEST(Fit_Log, Counts_The_Passes_Of_The_Derivative_Method) {
+TEST(Fit_Log, counts_the_passes_of_the_derivative_method) {
     Fit_Log log;
     log.Add(11, "loop:000 nb peak:9");
     log.Add(11, "loop:001 nb peak:4");

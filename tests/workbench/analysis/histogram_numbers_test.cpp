@@ -8,13 +8,13 @@
 
 namespace {
 
-TEST(Histogram_Numbers_Of, An_Empty_Histogram_Has_No_Pixels) {
+TEST(Histogram_Numbers_Of, an_empty_histogram_has_no_pixels) {
     const std::vector<std::uint32_t> counts(10);
     EXPECT_EQ(Histogram_Numbers_Of(counts, {}, 0.0).pixels, 0U);
     EXPECT_EQ(Histogram_Numbers_Of({}, {}, 0.0).pixels, 0U);
 }
 
-TEST(Histogram_Numbers_Of, Agrees_With_The_Pixels_Themselves) {
+TEST(Histogram_Numbers_Of, agrees_with_the_pixels_themselves) {
     std::mt19937 random(3);
     std::vector<std::uint32_t> counts(50);
     std::vector<double> levels;
@@ -44,7 +44,7 @@ TEST(Histogram_Numbers_Of, Agrees_With_The_Pixels_Themselves) {
     EXPECT_EQ(numbers.percentile_99, levels[4949]);
 }
 
-TEST(Histogram_Numbers_Of, The_Mode_Is_The_Lowest_Of_The_Fullest_Bins) {
+TEST(Histogram_Numbers_Of, the_mode_is_the_lowest_of_the_fullest_bins) {
     const std::vector<std::uint32_t> counts = {1, 7, 3, 7, 2};
     EXPECT_EQ(Histogram_Numbers_Of(counts, {0.0, 10.0}, 0.0).mode, 10.0);
     EXPECT_EQ(Histogram_Numbers_Of(counts, {0.0, 10.0}, 0.5).mode, 15.0);

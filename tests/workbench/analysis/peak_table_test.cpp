@@ -27,7 +27,7 @@ std::vector<std::uint32_t> Counts_Of(const std::vector<double>& curve) {
     return counts;
 }
 
-TEST(Peak_Table_Make, Gives_Grey_Levels_Areas_And_Shares) {
+TEST(Peak_Table_Make, gives_grey_levels_areas_and_shares) {
     const std::vector<Found_Peak> peaks = {{false, 100.0, 5000.0, 10.0}, {false, 250.0, 2000.0, 20.0}};
     const std::vector<double> curve = Curve_Of(peaks, 400);
     const std::vector<std::uint32_t> counts = Counts_Of(curve);
@@ -50,7 +50,7 @@ TEST(Peak_Table_Make, Gives_Grey_Levels_Areas_And_Shares) {
     EXPECT_LT(table.quality.reduced_chi_square, 0.5) << "only rounding is left";
 }
 
-TEST(Peak_Table_Make, Standard_Errors_Cover_The_Scatter_Of_Repeated_Noise) {
+TEST(Peak_Table_Make, standard_errors_cover_the_scatter_of_repeated_noise) {
     // A model that is linear near its solution: the scatter of a one-parameter refit of the amplitude must agree with
     // its standard error.
     const std::vector<Found_Peak> peaks = {{false, 100.0, 1000.0, 12.0}};
@@ -79,7 +79,7 @@ TEST(Peak_Table_Make, Standard_Errors_Cover_The_Scatter_Of_Repeated_Noise) {
     EXPECT_NEAR(error / ROUNDS, scatter * std::sqrt(1.5), 0.1 * scatter);
 }
 
-TEST(Peak_Table_Make, Overlapping_Neighbours_Share_The_Levels_Between_Them) {
+TEST(Peak_Table_Make, overlapping_neighbours_share_the_levels_between_them) {
     const std::vector<Found_Peak> peaks = {{false, 100.0, 5000.0, 30.0}, {false, 130.0, 5000.0, 30.0}};
     const std::vector<double> curve = Curve_Of(peaks, 300);
     const Peak_Table table = Peak_Table_Make(peaks, {Counts_Of(curve), curve, 0.0, 1.0});
@@ -87,7 +87,7 @@ TEST(Peak_Table_Make, Overlapping_Neighbours_Share_The_Levels_Between_Them) {
     EXPECT_DOUBLE_EQ(table.rows[1].from, 115.5);
 }
 
-TEST(Peak_Table_Make, Segments_Count_Their_Pixels_And_Have_No_Fit_Quality) {
+TEST(Peak_Table_Make, segments_count_their_pixels_and_have_no_fit_quality) {
     const std::vector<std::uint32_t> counts = {1, 2, 9, 2, 1, 4, 20, 4};
     const std::vector<Found_Peak> peaks = {{true, 2.0, 0.0, 4.0}, {true, 6.0, 5.0, 7.0}};
     const Peak_Table table = Peak_Table_Make(peaks, {counts, {}, 10.0, 1.0});
@@ -101,7 +101,7 @@ TEST(Peak_Table_Make, Segments_Count_Their_Pixels_And_Have_No_Fit_Quality) {
     EXPECT_FALSE(table.quality.is_known);
 }
 
-TEST(Peak_Table_Make, A_Singular_Fit_Has_No_Quality) {
+TEST(Peak_Table_Make, a_singular_fit_has_no_quality) {
     const std::vector<Found_Peak> peaks = {{false, 50.0, 0.0, 5.0}};
     const std::vector<double> curve(100, 1.0);
     const std::vector<std::uint32_t> counts(100, 1);
@@ -109,7 +109,7 @@ TEST(Peak_Table_Make, A_Singular_Fit_Has_No_Quality) {
     EXPECT_FALSE(Peak_Table_Make({}, {counts, curve, 0.0, 1.0}).quality.is_known);
 }
 
-TEST(Peak_Table_Make, A_Segments_Place_And_Height_Are_Those_Of_One_Maximum) {
+TEST(Peak_Table_Make, a_segments_place_and_height_are_those_of_one_maximum) {
     // Smoothing has moved the maximum of the counts, a lonely spike, to where most pixels are.
     const std::vector<std::uint32_t> counts = {0, 90, 10, 40, 50, 40, 10, 0};
     const std::vector<double> filtered = {20.0, 33.0, 36.0, 38.5, 42.0, 33.0, 20.0, 10.0};
@@ -119,7 +119,7 @@ TEST(Peak_Table_Make, A_Segments_Place_And_Height_Are_Those_Of_One_Maximum) {
     EXPECT_EQ(table.rows[0].height, 42.0);
 }
 
-TEST(Peak_Table_Make, Shares_Never_Add_Up_To_More_Than_All_Pixels) {
+TEST(Peak_Table_Make, shares_never_add_up_to_more_than_all_pixels) {
     // Two Gaussians over each other, as after a fit of a smoothed curve: together larger than the counts.
     const std::vector<Found_Peak> peaks = {{false, 50.0, 1000.0, 10.0}, {false, 55.0, 1000.0, 30.0}};
     const std::vector<double> curve = Curve_Of(peaks, 100);
@@ -136,7 +136,7 @@ TEST(Peak_Table_Make, Shares_Never_Add_Up_To_More_Than_All_Pixels) {
     EXPECT_LE(cut.rows[0].share + cut.rows[1].share, 1.0 + 1e-12);
 }
 
-TEST(Peak_Table_Make, Peaks_Whose_Error_Exceeds_Their_Value_Are_Doubtful) {
+TEST(Peak_Table_Make, peaks_whose_error_exceeds_their_value_are_doubtful) {
     // A clear peak, and one that the curve does not have.
     const std::vector<Found_Peak> clear = {{false, 60.0, 5000.0, 10.0}};
     std::vector<double> curve = Curve_Of(clear, 200);
@@ -158,7 +158,7 @@ TEST(Peak_Table_Make, Peaks_Whose_Error_Exceeds_Their_Value_Are_Doubtful) {
     EXPECT_NE(Peak_Table_Text(table).find("\tyes\n"), std::string::npos);
 }
 
-TEST(Peak_Cells, Small_Grey_Values_Keep_Their_Digits) {
+TEST(Peak_Cells, small_grey_values_keep_their_digits) {
     Peak_Row row;
     row.number = 1;
     row.centre = 0.00071239;
@@ -176,7 +176,7 @@ TEST(Peak_Cells, Small_Grey_Values_Keep_Their_Digits) {
     EXPECT_EQ(Peak_Row_Text(row, ' '), "1 0.000712390 1234.40 0.000123450 0 0.0123456");
 }
 
-TEST(Peak_Table_Text, Has_A_Line_Per_Peak_With_Tabs) {
+TEST(Peak_Table_Text, has_a_line_per_peak_with_tabs) {
     const std::vector<Found_Peak> peaks = {{false, 100.0, 5000.0, 10.0}};
     const std::vector<double> curve = Curve_Of(peaks, 200);
     const std::string text = Peak_Table_Text(Peak_Table_Make(peaks, {Counts_Of(curve), curve, 0.0, 1.0}));
@@ -184,7 +184,7 @@ TEST(Peak_Table_Text, Has_A_Line_Per_Peak_With_Tabs) {
     EXPECT_NE(text.find("Reduced chi-square\t"), std::string::npos);
 }
 
-TEST(Analysis_Full_Text, Names_The_Source_And_Tells_Every_Bin_Exactly) {
+TEST(Analysis_Full_Text, names_the_source_and_tells_every_bin_exactly) {
     const std::vector<std::uint32_t> counts = {3, 5, 1};
     const std::vector<double> filtered = {0.1, 1.0 / 3.0};
     const std::vector<Found_Peak> peaks = {{true, 1.0, 0.0, 2.0}};

@@ -147,7 +147,7 @@ void Compare(const std::filesystem::path& folder, const Expected& expected) {
     EXPECT_EQ(Image_Folder_Problems_Text(opened, folder), "");
 }
 
-TEST(Dicom_Cases, at_random_are_read_as_another_program_reads_them_IfInstalled) {
+TEST(Dicom_Cases, at_random_are_read_as_another_program_reads_them_if_installed) {
     if (std::string_view(KIT_DICOM_CASES).empty()) {
         GTEST_SKIP() << "pydicom was not there when the build was configured";
     }

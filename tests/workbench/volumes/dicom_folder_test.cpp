@@ -44,7 +44,7 @@ class Dicom_Folder : public testing::Test {
     Temporary_Folder folder;
 };
 
-TEST_F(Dicom_Folder, OrdersTheSlicesOfASeriesByPosition) {
+TEST_F(Dicom_Folder, orders_the_slices_of_a_series_by_position) {
     Write("c.dcm", Slice(10, 1).File());
     Write("a.dcm", Slice(14, 3).File());
     Write("b.dcm", Slice(12, 2).File());
@@ -65,7 +65,7 @@ TEST_F(Dicom_Folder, OrdersTheSlicesOfASeriesByPosition) {
     EXPECT_EQ(Image_Folder_Text(opened), "1 volume of 3 files");
 }
 
-TEST_F(Dicom_Folder, RecognisesFilesByWhatTheyHoldWhateverTheyAreCalled) {
+TEST_F(Dicom_Folder, recognises_files_by_what_they_hold_whatever_they_are_called) {
     Nifti_Bytes nifti;
     nifti.dim = {3, 2, 1, 1, 1, 1, 1, 1};
     nifti.Add(std::uint8_t{1});
@@ -81,7 +81,7 @@ TEST_F(Dicom_Folder, RecognisesFilesByWhatTheyHoldWhateverTheyAreCalled) {
     EXPECT_THAT(opened.volumes, SizeIs(4)) << "three volumes, and one series of two slices";
 }
 
-TEST_F(Dicom_Folder, SeparatesStudiesSeriesSizesDirectionsAndScouts) {
+TEST_F(Dicom_Folder, separates_studies_series_sizes_directions_and_scouts) {
     Write("1.dcm", Slice(1, 1).File());
     Write("2.dcm", Slice(2, 2).Text(TAG_SERIES, "UI", "1.2.3.9").File());
     Write("3.dcm", Slice(2, 3).Text(TAG_STUDY, "UI", "1.2.9").File());
@@ -93,7 +93,7 @@ TEST_F(Dicom_Folder, SeparatesStudiesSeriesSizesDirectionsAndScouts) {
     EXPECT_EQ(std::ranges::count(opened.volumes, true, &Folder_Volume::is_scout), 1);
 }
 
-TEST_F(Dicom_Folder, MakesOneVolumeOfEveryTime) {
+TEST_F(Dicom_Folder, makes_one_volume_of_every_time) {
     int number = 0;
     for (const int time : {2, 1}) {
         for (const int depth : {5, 3}) {
@@ -111,7 +111,7 @@ TEST_F(Dicom_Folder, MakesOneVolumeOfEveryTime) {
     EXPECT_THAT(opened.volumes[1].file_of_slice, ElementsAre(1, 0));
 }
 
-TEST_F(Dicom_Folder, MakesMomentsOfOnePlaceTheSlicesOfACine) {
+TEST_F(Dicom_Folder, makes_moments_of_one_place_the_slices_of_a_cine) {
     Write("cine.dcm", Dicom_Bytes()
                           .Pixels_8({1, 2, 3, 4, 5, 6}, 2, 1)
                           .Text(TAG_FRAMES, "IS", "3")
@@ -127,7 +127,7 @@ TEST_F(Dicom_Folder, MakesMomentsOfOnePlaceTheSlicesOfACine) {
     Expect_Sound(opened.volumes[0].volume);
 }
 
-TEST_F(Dicom_Folder, ShowsACopyOfAnImageOnce) {
+TEST_F(Dicom_Folder, shows_a_copy_of_an_image_once) {
     Write("1.dcm", Slice(1, 1).Text(TAG_INSTANCE, "UI", "1.7").File());
     Write("2.dcm", Slice(1, 1).Text(TAG_INSTANCE, "UI", "1.7").File());
     Write("3.dcm", Slice(2, 2).Text(TAG_INSTANCE, "UI", "1.7").File());
@@ -137,14 +137,14 @@ TEST_F(Dicom_Folder, ShowsACopyOfAnImageOnce) {
     EXPECT_THAT(Problems(opened), ElementsAre("2.dcm: holds the same image as 1.dcm"));
 }
 
-TEST_F(Dicom_Folder, NamesTheSliceAfterAGap) {
+TEST_F(Dicom_Folder, names_the_slice_after_a_gap) {
     Write("1.dcm", Slice(1, 1).File());
     Write("2.dcm", Slice(2, 2).File());
     Write("3.dcm", Slice(4, 3).File());
     EXPECT_THAT(Problems(Open()), ElementsAre(HasSubstr("uneven distance")));
 }
 
-TEST_F(Dicom_Folder, BringsSlicesOfSeveralScalesToTheFinest) {
+TEST_F(Dicom_Folder, brings_slices_of_several_scales_to_the_finest) {
     Write("1.dcm", Slice(1, 10).Text(TAG_SLOPE, "DS", "1").File());
     Write("2.dcm", Slice(2, 10).Text(TAG_SLOPE, "DS", "0.5").Text(TAG_INTERCEPT, "DS", "1").File());
     const Image_Folder opened = Open();
@@ -156,7 +156,7 @@ TEST_F(Dicom_Folder, BringsSlicesOfSeveralScalesToTheFinest) {
     Expect_Sound(volume);
 }
 
-TEST_F(Dicom_Folder, ListsWhatItCannotOpenAndGoesOn) {
+TEST_F(Dicom_Folder, lists_what_it_cannot_open_and_goes_on) {
     Write("1 text.txt", Bytes(300, 'x'));
     Write("2 empty", {});
     Bytes cut = Dicom_Bytes().File();
@@ -179,7 +179,7 @@ TEST_F(Dicom_Folder, ListsWhatItCannotOpenAndGoesOn) {
     EXPECT_THAT(text, testing::StartsWith("1 text.txt: is no DICOM file\n2 empty: is empty\n"));
 }
 
-TEST_F(Dicom_Folder, OpensNiftiVolumesBesideDicomAndEachOfTheirTimes) {
+TEST_F(Dicom_Folder, opens_nifti_volumes_beside_dicom_and_each_of_their_times) {
     Write("b.dcm", Dicom_Bytes().File());
     Nifti_Bytes nifti;
     nifti.dim = {4, 2, 1, 2, 2, 1, 1, 1};
@@ -198,7 +198,7 @@ TEST_F(Dicom_Folder, OpensNiftiVolumesBesideDicomAndEachOfTheirTimes) {
     EXPECT_THAT(opened.volumes[1].file_of_slice, ElementsAre(0, 0));
 }
 
-TEST_F(Dicom_Folder, GoesIntoFoldersAndKeepsTheFilesOfEachTogether) {
+TEST_F(Dicom_Folder, goes_into_folders_and_keeps_the_files_of_each_together) {
     Write("b/2.dcm", Slice(1, 1).File());
     Write("z.dcm", Slice(2, 1).File());
     Write("b/c/3.dcm", Slice(3, 1).File());
@@ -212,7 +212,7 @@ TEST_F(Dicom_Folder, GoesIntoFoldersAndKeepsTheFilesOfEachTogether) {
     EXPECT_THAT(opened.volumes, SizeIs(1));
 }
 
-TEST_F(Dicom_Folder, OpensSeveralNamedFilesWhateverTheirNames) {
+TEST_F(Dicom_Folder, opens_several_named_files_whatever_their_names) {
     Write("picture", Dicom_Bytes().File());
     Write("volume.bin", Small_File().File());
     Write("left.dcm", Dicom_Bytes().File());
@@ -223,7 +223,7 @@ TEST_F(Dicom_Folder, OpensSeveralNamedFilesWhateverTheirNames) {
     EXPECT_THAT(Problems(opened), ElementsAre(HasSubstr("missing.nii: does not exist")));
 }
 
-TEST_F(Dicom_Folder, LeavesOutVolumesThatDoNotFitBesideTheOthers) {
+TEST_F(Dicom_Folder, leaves_out_volumes_that_do_not_fit_beside_the_others) {
     const std::vector<std::uint8_t> pixels(1600, 7);
     Write("1.dcm", Dicom_Bytes().Pixels_8(pixels, 40, 40).Text(TAG_SERIES, "UI", "1").File());
     Write("2.dcm", Dicom_Bytes().Pixels_8(pixels, 40, 40).Text(TAG_SERIES, "UI", "2").File());
@@ -233,7 +233,7 @@ TEST_F(Dicom_Folder, LeavesOutVolumesThatDoNotFitBesideTheOthers) {
     EXPECT_THAT(Open(Load_Limits{13000}).volumes, SizeIs(2));
 }
 
-TEST_F(Dicom_Folder, LeavesOutVolumesWithMoreSlicesThanCanBeListed) {
+TEST_F(Dicom_Folder, leaves_out_volumes_with_more_slices_than_can_be_listed) {
     const auto cine = [](std::size_t moments, const char* series) {
         Dicom_Bytes bytes;
         bytes.Pixels_8(std::vector<std::uint8_t>(moments, 5), 1, 1).Text(TAG_FRAME_TIME, "DS", "40");
@@ -248,7 +248,7 @@ TEST_F(Dicom_Folder, LeavesOutVolumesWithMoreSlicesThanCanBeListed) {
     EXPECT_THAT(Problems(opened), ElementsAre(HasSubstr("2.dcm: was left out (MR 7)")));
 }
 
-TEST_F(Dicom_Folder, StopsWhenProgressSaysSo) {
+TEST_F(Dicom_Folder, stops_when_progress_says_so) {
     Write("1.dcm", Dicom_Bytes().Text(TAG_SERIES, "UI", "1").File());
     Write("2.dcm", Dicom_Bytes().Text(TAG_SERIES, "UI", "2").File());
     const std::filesystem::path path = folder.path;
@@ -258,7 +258,7 @@ TEST_F(Dicom_Folder, StopsWhenProgressSaysSo) {
     EXPECT_THAT(opened.files, SizeIs(1));
 }
 
-TEST_F(Dicom_Folder, GivesAReasonForAFolderThatIsNotThere) {
+TEST_F(Dicom_Folder, gives_a_reason_for_a_folder_that_is_not_there) {
     const std::filesystem::path path = folder / "nothing";
     const Image_Folder opened = Image_Folder_Open(std::span(&path, 1));
     EXPECT_THAT(Problems(opened), ElementsAre("nothing: does not exist"));

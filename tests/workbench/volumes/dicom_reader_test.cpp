@@ -35,7 +35,7 @@ std::int32_t Packed(int red, int green, int blue) {
     return red | green << 8 | blue << 16;
 }
 
-TEST(Dicom_Reader, GivesStoredValuesSizeAndNames) {
+TEST(Dicom_Reader, gives_stored_values_size_and_names) {
     Dicom_Bytes bytes;
     bytes.Text(TAG_SERIES_TEXT, "LO", "t1 sagittal").Text(TAG_INSTANCE_NUMBER, "IS", "12");
     const Dicom_Image image = Opened(bytes.File());
@@ -59,7 +59,7 @@ TEST(Dicom_Reader, GivesStoredValuesSizeAndNames) {
     EXPECT_FALSE(image.place.is_known);
 }
 
-TEST(Dicom_Reader, TellsScoutsByTheirImageType) {
+TEST(Dicom_Reader, tells_scouts_by_their_image_type) {
     Dicom_Bytes bytes;
     bytes.Text(TAG_IMAGE_TYPE, "CS", "ORIGINAL\\PRIMARY\\LOCALIZER");
     EXPECT_TRUE(Opened(bytes.File()).is_scout);
@@ -67,7 +67,7 @@ TEST(Dicom_Reader, TellsScoutsByTheirImageType) {
     EXPECT_FALSE(Opened(bytes.File()).is_scout);
 }
 
-TEST(Dicom_Reader, TurnsDescriptionsIntoUtf8) {
+TEST(Dicom_Reader, turns_descriptions_into_utf_8) {
     Dicom_Bytes bytes;
     bytes.Text(TAG_SERIES_TEXT, "LO",
                "Sch\xE4"
@@ -86,7 +86,7 @@ TEST(Dicom_Reader, TurnsDescriptionsIntoUtf8) {
     EXPECT_EQ(Opened(bytes.File()).series_text, "a?");
 }
 
-TEST(Dicom_Reader, MasksBitsOutsideTheStoredOnesAndExtendsTheSign) {
+TEST(Dicom_Reader, masks_bits_outside_the_stored_ones_and_extends_the_sign) {
     Dicom_Bytes bytes;
     bytes.Pixels_16({0xF123, 0x0FFF, 0x0800, 0x07FF}, 2, 2).Short(TAG_BITS_STORED, 12).Short(TAG_HIGH_BIT, 11);
     EXPECT_THAT(Opened(bytes.File()).volume.levels, ElementsAre(0x123, 0xFFF, 0x800, 0x7FF));
@@ -96,7 +96,7 @@ TEST(Dicom_Reader, MasksBitsOutsideTheStoredOnesAndExtendsTheSign) {
     EXPECT_THAT(Opened(bytes.File()).volume.levels, ElementsAre(-238, 0xFF, 0x80, 0x7F));
 }
 
-TEST(Dicom_Reader, BringsThirtyTwoBitsIntoTheRangeOfLevels) {
+TEST(Dicom_Reader, brings_thirty_two_bits_into_the_range_of_levels) {
     Dicom_Bytes bytes;
     bytes.Pixels_16({0xFFFF, 0xFFFF, 0x0400, 0, 0, 0, 0, 0x8000}, 2, 2);
     bytes.Short(TAG_BITS_ALLOCATED, 32).Short(TAG_BITS_STORED, 32).Short(TAG_HIGH_BIT, 31);
@@ -108,7 +108,7 @@ TEST(Dicom_Reader, BringsThirtyTwoBitsIntoTheRangeOfLevels) {
     EXPECT_LE(volume.max_error, 2.01);
 }
 
-TEST(Dicom_Reader, AppliesSlopeAndIntercept) {
+TEST(Dicom_Reader, applies_slope_and_intercept) {
     Dicom_Bytes bytes;
     bytes.Text(TAG_SLOPE, "DS", "2.5").Text(TAG_INTERCEPT, "DS", "-1024");
     const Volume volume = Opened(bytes.File()).volume;
@@ -119,7 +119,7 @@ TEST(Dicom_Reader, AppliesSlopeAndIntercept) {
     EXPECT_EQ(Opened(bytes.File()).volume.slope, 1) << "a slope of 0 is a mistake";
 }
 
-TEST(Dicom_Reader, LeavesInvertedGreyToTheDisplay) {
+TEST(Dicom_Reader, leaves_inverted_grey_to_the_display) {
     Dicom_Bytes bytes;
     bytes.Text(TAG_PHOTOMETRIC, "CS", "MONOCHROME1");
     EXPECT_THAT(Opened(bytes.File()).volume.levels, ElementsAre(10, 20, 30, 40, 50, 60));
@@ -127,7 +127,7 @@ TEST(Dicom_Reader, LeavesInvertedGreyToTheDisplay) {
     EXPECT_FALSE(Opened(Dicom_Bytes().File()).volume.is_inverted);
 }
 
-TEST(Dicom_Reader, PacksColoursOfEitherArrangement) {
+TEST(Dicom_Reader, packs_colours_of_either_arrangement) {
     Dicom_Bytes bytes;
     bytes.Pixels_8({1, 2, 3, 4, 5, 6}, 2, 1).Short(TAG_SAMPLES, 3).Text(TAG_PHOTOMETRIC, "CS", "RGB");
     const Volume volume = Opened(bytes.File()).volume;
@@ -139,7 +139,7 @@ TEST(Dicom_Reader, PacksColoursOfEitherArrangement) {
     EXPECT_THAT(Opened(bytes.File()).volume.levels, ElementsAre(Packed(1, 3, 5), Packed(2, 4, 6)));
 }
 
-TEST(Dicom_Reader, ConvertsLuminanceColours) {
+TEST(Dicom_Reader, converts_luminance_colours) {
     Dicom_Bytes bytes;
     bytes.Pixels_8({76, 85, 255, 200, 128, 128}, 2, 1).Short(TAG_SAMPLES, 3).Text(TAG_PHOTOMETRIC, "CS", "YBR_FULL");
     EXPECT_THAT(Opened(bytes.File()).volume.levels, ElementsAre(Packed(254, 0, 0), Packed(200, 200, 200)));
@@ -158,18 +158,18 @@ Dicom_Bytes Palette_File() {
     return bytes.Shorts(0x00281203, "OW", {0x2100, 0x2200, 0x2300});
 }
 
-TEST(Dicom_Reader, LooksColoursUpInThePalette) {
+TEST(Dicom_Reader, looks_colours_up_in_the_palette) {
     EXPECT_THAT(Opened(Palette_File().File()).volume.levels, ElementsAre(Packed(1, 0x11, 0x21), Packed(1, 0x11, 0x21),
                                                                          Packed(2, 0x12, 0x22), Packed(3, 0x13, 0x23)));
 }
 
-TEST(Dicom_Reader, RefusesAMissingOrShortPalette) {
+TEST(Dicom_Reader, refuses_a_missing_or_short_palette) {
     EXPECT_THAT(Error_Of(Palette_File().Remove(0x00281202).File()), HasSubstr("no usable colour palette"));
     EXPECT_THAT(Error_Of(Palette_File().Remove(0x00281103).File()), HasSubstr("no usable colour palette"));
     EXPECT_THAT(Error_Of(Palette_File().Shorts(0x00281201, "OW", {1}).File()), HasSubstr("shorter than it says"));
 }
 
-TEST(Dicom_Reader, DecodesRunLengths) {
+TEST(Dicom_Reader, decodes_run_lengths) {
     Dicom_Bytes bytes;
     bytes.Syntax(Dicom_Bytes::RUN_LENGTH).Fragments({Run_Length_Of({{10, 20, 30, 40, 50, 60}})});
     EXPECT_THAT(Opened(bytes.File()).volume.levels, ElementsAre(10, 20, 30, 40, 50, 60));
@@ -178,7 +178,7 @@ TEST(Dicom_Reader, DecodesRunLengths) {
     EXPECT_THAT(Opened(bytes.File()).volume.levels, ElementsAre(0x103, 0x204, 0x507, 0x608));
 }
 
-TEST(Dicom_Reader, RefusesRunLengthsThatAreDamagedOrMissing) {
+TEST(Dicom_Reader, refuses_run_lengths_that_are_damaged_or_missing) {
     Dicom_Bytes bytes;
     bytes.Syntax(Dicom_Bytes::RUN_LENGTH).Fragments({Run_Length_Of({{10, 20}})});
     EXPECT_THAT(Error_Of(bytes.File()), HasSubstr("cannot be decoded (frame 1"));
@@ -206,7 +206,7 @@ Bytes Deflated(const Dicom_Bytes& source) {
     return file;
 }
 
-TEST(Dicom_Reader, InflatesDeflatedDataSets) {
+TEST(Dicom_Reader, inflates_deflated_data_sets) {
     const Bytes file = Deflated(Dicom_Bytes());
     EXPECT_THAT(Opened(file).volume.levels, ElementsAre(10, 20, 30, 40, 50, 60));
     EXPECT_THAT(Error_Of(Bytes(file.begin(), file.end() - 9)), HasSubstr("cut short inside its deflated data"));
@@ -216,7 +216,7 @@ TEST(Dicom_Reader, InflatesDeflatedDataSets) {
     EXPECT_THAT(Error_Of(file, Load_Limits{1000}), HasSubstr("inflates to more than"));
 }
 
-TEST(Dicom_Reader, ReadsGeometry) {
+TEST(Dicom_Reader, reads_geometry) {
     Dicom_Bytes bytes;
     bytes.Place(-10, -20, 30).Text(TAG_PIXEL_SPACING, "DS", "2\\0.5").Text(TAG_SLICE_THICKNESS, "DS", "4");
     const Dicom_Image image = Opened(bytes.File());
@@ -229,7 +229,7 @@ TEST(Dicom_Reader, ReadsGeometry) {
     EXPECT_THAT(image.volume.affine[2], ElementsAre(0, 0, 4, 30));
 }
 
-TEST(Dicom_Reader, IgnoresGeometryThatMakesNoSense) {
+TEST(Dicom_Reader, ignores_geometry_that_makes_no_sense) {
     Dicom_Bytes bytes;
     bytes.Place(1, 2, 3).Text(TAG_DIRECTION, "DS", "0\\0\\0\\0\\0\\0").Text(TAG_PIXEL_SPACING, "DS", "-1\\nan");
     const Dicom_Image image = Opened(bytes.File());
@@ -241,7 +241,7 @@ TEST(Dicom_Reader, IgnoresGeometryThatMakesNoSense) {
     EXPECT_FALSE(Opened(bytes.File()).place.is_known);
 }
 
-TEST(Dicom_Reader, TakesFramesWithATimeAsCine) {
+TEST(Dicom_Reader, takes_frames_with_a_time_as_cine) {
     Dicom_Bytes bytes;
     bytes.Pixels_8({1, 2, 3, 4, 5, 6}, 1, 2).Text(TAG_FRAMES, "IS", "3").Text(TAG_FRAME_TIME, "DS", "40");
     const Volume volume = Opened(bytes.File()).volume;
@@ -251,7 +251,7 @@ TEST(Dicom_Reader, TakesFramesWithATimeAsCine) {
     EXPECT_THAT(volume.levels, ElementsAre(1, 2, 3, 4, 5, 6));
 }
 
-TEST(Dicom_Reader, TakesOtherFramesAsSlices) {
+TEST(Dicom_Reader, takes_other_frames_as_slices) {
     Dicom_Bytes bytes;
     bytes.Pixels_8({1, 2, 3, 4, 5, 6}, 1, 2).Text(TAG_FRAMES, "IS", "3");
     EXPECT_EQ(Opened(bytes.File()).volume.nz, 3);
@@ -293,7 +293,7 @@ Dicom_Bytes Enhanced_File(const std::vector<Bytes>& frames) {
     return bytes.Sequence(TAG_FRAMES_SHARED, {shared.Elements()}).Sequence(TAG_FRAMES_OWN, frames);
 }
 
-TEST(Dicom_Reader, OrdersFramesByTimeAndPosition) {
+TEST(Dicom_Reader, orders_frames_by_time_and_position) {
     const Dicom_Image image =
         Opened(Enhanced_File({Frame_Item(6, 2), Frame_Item(3, 2), Frame_Item(6, 1), Frame_Item(3, 1)}).File());
     EXPECT_EQ(image.volume.nz, 2);
@@ -303,7 +303,7 @@ TEST(Dicom_Reader, OrdersFramesByTimeAndPosition) {
     EXPECT_EQ(image.place.corner[2], 3);
 }
 
-TEST(Dicom_Reader, GivesFramesOffTheGridOfTheOthersAnImageOfTheirOwn) {
+TEST(Dicom_Reader, gives_frames_off_the_grid_of_the_others_an_image_of_their_own) {
     const Dicom_Result result =
         Dicom_Read(Enhanced_File({Frame_Item(6, 1), Frame_Item(3, 1), Frame_Item(6, 2)}).File());
     ASSERT_TRUE(result.image.has_value());
@@ -314,13 +314,13 @@ TEST(Dicom_Reader, GivesFramesOffTheGridOfTheOthersAnImageOfTheirOwn) {
     EXPECT_EQ(result.others[0].place.corner[2], 6);
 }
 
-TEST(Dicom_Reader, BringsFramesOfSeveralScalesToTheFinest) {
+TEST(Dicom_Reader, brings_frames_of_several_scales_to_the_finest) {
     const Volume volume = Opened(Enhanced_File({Frame_Item(1, 1, "1"), Frame_Item(2, 1, "0.5")}).File()).volume;
     EXPECT_EQ(volume.slope, 0.5);
     EXPECT_THAT(volume.levels, ElementsAre(20, 20));
 }
 
-TEST(Dicom_Reader, TakesFramesThatAllLieAtOnePlaceAsSlicesUnlessTheyHaveATime) {
+TEST(Dicom_Reader, takes_frames_that_all_lie_at_one_place_as_slices_unless_they_have_a_time) {
     Dicom_Bytes bytes;
     bytes.Pixels_8({1, 2, 3, 4}, 2, 1).Text(TAG_FRAMES, "IS", "2").Place(1, 2, 3);
     bytes.Text(0x3004000C, "DS", "0\\5");
@@ -330,7 +330,7 @@ TEST(Dicom_Reader, TakesFramesThatAllLieAtOnePlaceAsSlicesUnlessTheyHaveATime) {
     EXPECT_EQ(volume.spacing[2], 5);
 }
 
-TEST(Dicom_Reader, UnderstandsElementsOfUnknownForm) {
+TEST(Dicom_Reader, understands_elements_of_unknown_form) {
     Dicom_Bytes bytes;
     const auto raw = [](const std::string& text) { return Bytes(text.begin(), text.end()); };
     bytes.Raw(TAG_MODALITY, "UN", raw("CT")).Raw(TAG_SERIES_NUMBER, "UN", raw("12"));
@@ -342,17 +342,17 @@ TEST(Dicom_Reader, UnderstandsElementsOfUnknownForm) {
     EXPECT_EQ(image.volume.ny, 2);
 }
 
-TEST(Dicom_Reader, ReadsAFileWithoutPreamble) {
+TEST(Dicom_Reader, reads_a_file_without_preamble) {
     EXPECT_THAT(Opened(Dicom_Bytes().Elements()).volume.levels, ElementsAre(10, 20, 30, 40, 50, 60));
 }
 
-TEST(Dicom_Reader, RefusesWhatIsNoDicomFile) {
+TEST(Dicom_Reader, refuses_what_is_no_dicom_file) {
     EXPECT_EQ(Error_Of({}), "is empty");
     EXPECT_EQ(Error_Of(Bytes(500, 'x')), "is no DICOM file");
     EXPECT_EQ(Error_Of({8, 0}), "is no DICOM file");
 }
 
-TEST(Dicom_Reader, RefusesObjectsWithoutImage) {
+TEST(Dicom_Reader, refuses_objects_without_image) {
     Dicom_Bytes bytes;
     bytes.Remove(TAG_PIXELS).Text(TAG_KIND, "UI", "1.2.840.10008.5.1.4.1.1.481.3");
     EXPECT_THAT(Error_Of(bytes.File()), HasSubstr("holds no image (RTStructureSetStorage"));
@@ -363,7 +363,7 @@ TEST(Dicom_Reader, RefusesObjectsWithoutImage) {
                 HasSubstr("floating-point pixels"));
 }
 
-TEST(Dicom_Reader, NamesTheCompressionThatItDoesNotDecode) {
+TEST(Dicom_Reader, names_the_compression_that_it_does_not_decode) {
     Dicom_Bytes bytes;
     bytes.Fragments({{1, 2, 3, 4}});
     for (const auto& [uid, name] :
@@ -374,7 +374,7 @@ TEST(Dicom_Reader, NamesTheCompressionThatItDoesNotDecode) {
     EXPECT_THAT(Error_Of(bytes.Syntax("1.2.3.4.5.6").File()), HasSubstr("unknown transfer syntax (1.2.3.4.5.6)"));
 }
 
-TEST(Dicom_Reader, RefusesSizesAndBitsThatMakeNoSense) {
+TEST(Dicom_Reader, refuses_sizes_and_bits_that_make_no_sense) {
     EXPECT_THAT(Error_Of(Dicom_Bytes().Short(TAG_ROWS, 0).File()), HasSubstr("no usable size (3 x 0"));
     EXPECT_THAT(Error_Of(Dicom_Bytes().Remove(TAG_COLUMNS).File()), HasSubstr("no usable size"));
     EXPECT_THAT(Error_Of(Dicom_Bytes().Short(TAG_BITS_ALLOCATED, 12).File()), HasSubstr("12 bits allocated"));
@@ -394,13 +394,13 @@ TEST(Dicom_Reader, RefusesSizesAndBitsThatMakeNoSense) {
     EXPECT_THAT(Error_Of(halved.File()), HasSubstr("YBR_FULL_422"));
 }
 
-TEST(Dicom_Reader, SaysThatTheKindOfPixelsIsNotNamed) {
+TEST(Dicom_Reader, says_that_the_kind_of_pixels_is_not_named) {
     const Dicom_Result result = Dicom_Read(Dicom_Bytes().Remove(TAG_PHOTOMETRIC).File());
     ASSERT_TRUE(result.image.has_value());
     EXPECT_THAT(result.warnings, ElementsAre(HasSubstr("does not say what its pixels mean")));
 }
 
-TEST(Dicom_Reader, RefusesAFileCutAtAnyByte) {
+TEST(Dicom_Reader, refuses_a_file_cut_at_any_byte) {
     const Bytes file = Enhanced_File({Frame_Item(1, 1), Frame_Item(2, 1, "0.5")}).Place(1, 2, 3).File();
     ASSERT_TRUE(Dicom_Read(file).image.has_value());
     for (std::size_t size = 0; size < file.size(); ++size) {
@@ -411,7 +411,7 @@ TEST(Dicom_Reader, RefusesAFileCutAtAnyByte) {
     }
 }
 
-TEST(Dicom_Reader, GivesAnImageOrAReasonWhateverByteIsChanged) {
+TEST(Dicom_Reader, gives_an_image_or_a_reason_whatever_byte_is_changed) {
     Dicom_Bytes packed;
     packed.Syntax(Dicom_Bytes::RUN_LENGTH).Fragments({Run_Length_Of({{10, 20, 30, 40, 50, 60}})});
     for (const Bytes& file :
@@ -430,7 +430,7 @@ TEST(Dicom_Reader, GivesAnImageOrAReasonWhateverByteIsChanged) {
     }
 }
 
-TEST(Dicom_Reader, RefusesSequencesNestedWithoutEnd) {
+TEST(Dicom_Reader, refuses_sequences_nested_without_end) {
     Bytes nested;
     constexpr int levels = 200000;
     for (int level = 0; level < levels; ++level) {

@@ -63,7 +63,7 @@ class Installed_Dicom : public testing::Test {
     Image_Folder opened;
 };
 
-TEST_F(Installed_Dicom, OfPydicomEveryFileIsShownOrNamedWithAReason_IfInstalled) {
+TEST_F(Installed_Dicom, of_pydicom_every_file_is_shown_or_named_with_a_reason_if_installed) {
     Open(KIT_DICOM_PYTHON3_PYDICOM);
     if (IsSkipped()) {
         return;
@@ -78,7 +78,7 @@ TEST_F(Installed_Dicom, OfPydicomEveryFileIsShownOrNamedWithAReason_IfInstalled)
     EXPECT_THAT(Reasons(), Contains(HasSubstr("liver_1frame.dcm: has 1 bits allocated")));
 }
 
-TEST_F(Installed_Dicom, OfPydicomSeriesAreStackedByPosition_IfInstalled) {
+TEST_F(Installed_Dicom, of_pydicom_series_are_stacked_by_position_if_installed) {
     Open(KIT_DICOM_PYTHON3_PYDICOM);
     if (IsSkipped()) {
         return;
@@ -93,7 +93,7 @@ TEST_F(Installed_Dicom, OfPydicomSeriesAreStackedByPosition_IfInstalled) {
     EXPECT_TRUE(scout->is_scout);
 }
 
-TEST_F(Installed_Dicom, OfPydicomOneImageIsTheSameInEveryFormOfStorage_IfInstalled) {
+TEST_F(Installed_Dicom, of_pydicom_one_image_is_the_same_in_every_form_of_storage_if_installed) {
     Open(KIT_DICOM_PYTHON3_PYDICOM);
     if (IsSkipped()) {
         return;
@@ -120,7 +120,7 @@ TEST_F(Installed_Dicom, OfPydicomOneImageIsTheSameInEveryFormOfStorage_IfInstall
     EXPECT_EQ(Alone("SC_rgb_rle_32bit.dcm").levels, colors.levels);
 }
 
-TEST_F(Installed_Dicom, OfOctaveImagesOfEveryKindAreOpened_IfInstalled) {
+TEST_F(Installed_Dicom, of_octave_images_of_every_kind_are_opened_if_installed) {
     Open(KIT_DICOM_OCTAVE_DICOM);
     if (IsSkipped()) {
         return;
@@ -135,7 +135,7 @@ TEST_F(Installed_Dicom, OfOctaveImagesOfEveryKindAreOpened_IfInstalled) {
     EXPECT_THAT(Reasons(), Contains("rtstruct.dcm: holds no image (RTStructureSetStorage)"));
 }
 
-TEST_F(Installed_Dicom, OfNibabelFramesOfOneFileMakeAVolume_IfInstalled) {
+TEST_F(Installed_Dicom, of_nibabel_frames_of_one_file_make_a_volume_if_installed) {
     Open(KIT_DICOM_PYTHON3_NIBABEL);
     if (IsSkipped()) {
         return;

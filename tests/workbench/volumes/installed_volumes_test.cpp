@@ -54,7 +54,7 @@ class Installed_Volumes : public testing::TestWithParam<const char*> {
     std::filesystem::path path;
 };
 
-TEST_P(Installed_Volumes, AreReadAsTheScriptReadsThem_IfInstalled) {
+TEST_P(Installed_Volumes, are_read_as_the_script_reads_them_if_installed) {
     Answers answers = Answers_Read(std::filesystem::path(KIT_VOLUMES_ANSWERS) / (std::string(GetParam()) + ".txt"));
     ASSERT_EQ(answers.size(), 10U);
     const Load_Result result = Volume_Load(path);
@@ -97,7 +97,7 @@ TEST_P(Installed_Volumes, AreReadAsTheScriptReadsThem_IfInstalled) {
     EXPECT_EQ(statistics.window_high, number("percentiles", 1) * volume.slope + volume.intercept);
 }
 
-TEST_P(Installed_Volumes, AreOverlaidExactlyByTheirLabels_IfInstalled) {
+TEST_P(Installed_Volumes, are_overlaid_exactly_by_their_labels_if_installed) {
     const Load_Result source = Volume_Load(path);
     ASSERT_THAT(source.error, IsEmpty());
     const std::vector<std::int32_t>& levels = source.volume->levels;
@@ -111,7 +111,7 @@ TEST_P(Installed_Volumes, AreOverlaidExactlyByTheirLabels_IfInstalled) {
     EXPECT_EQ(copy.volume->spacing, source.volume->spacing);
 }
 
-TEST_P(Installed_Volumes, SayHowMuchOfThemIsThereWhenCutOff_IfInstalled) {
+TEST_P(Installed_Volumes, say_how_much_of_them_is_there_when_cut_off_if_installed) {
     Bytes file = File_Get(path);
     file.resize(file.size() / 2);
     Memory_Source source(file, "half.nii.gz");

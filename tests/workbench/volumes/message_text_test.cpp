@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(Message_Text, SeparatesThousandsAndChoosesUnits) {
+TEST(Message_Text, separates_thousands_and_chooses_units) {
     EXPECT_EQ(Count_Text(0), "0");
     EXPECT_EQ(Count_Text(999), "999");
     EXPECT_EQ(Count_Text(1000), "1,000");

@@ -45,7 +45,7 @@ void Expect_Affine(const Affine& affine, const std::array<double, 12>& expected,
     }
 }
 
-TEST(Nifti_Header, ReadsEveryFieldOfBothVersionsInBothByteOrders) {
+TEST(Nifti_Header, reads_every_field_of_both_versions_in_both_byte_orders) {
     for (Nifti_Bytes bytes : Variants()) {
         bytes.dim = {5, 7, 8, 9, 2, 3, 1, 1};
         bytes.datatype = 512;
@@ -83,7 +83,7 @@ TEST(Nifti_Header, ReadsEveryFieldOfBothVersionsInBothByteOrders) {
     }
 }
 
-TEST(Nifti_Header, RecognisesPairsAndAnalyze) {
+TEST(Nifti_Header, recognises_pairs_and_analyze) {
     for (Nifti_Bytes bytes : Variants()) {
         bytes.pair = true;
         const auto [header, error] = Decode(bytes);
@@ -104,7 +104,7 @@ TEST(Nifti_Header, RecognisesPairsAndAnalyze) {
     EXPECT_EQ(header.geometry.pixdim[2], 3);
 }
 
-TEST(Nifti_Header, RefusesForeignAndDamagedMarks) {
+TEST(Nifti_Header, refuses_foreign_and_damaged_marks) {
     const Bytes zeros(348);
     EXPECT_THAT(Nifti_Header_Decode(zeros).error, HasSubstr("not a NIfTI file"));
     EXPECT_THAT(Nifti_Header_Decode(Bytes(3)).error, HasSubstr("not a NIfTI file"));
@@ -116,7 +116,7 @@ TEST(Nifti_Header, RefusesForeignAndDamagedMarks) {
     EXPECT_THAT(Nifti_Header_Decode(header).error, HasSubstr("mark"));
 }
 
-TEST(Nifti_Header, RefusesWrongDimensions) {
+TEST(Nifti_Header, refuses_wrong_dimensions) {
     for (const Nifti_Bytes& right : Variants()) {
         const auto error_with = [&](std::size_t i, std::int64_t value) {
             Nifti_Bytes bytes = right;
@@ -134,7 +134,7 @@ TEST(Nifti_Header, RefusesWrongDimensions) {
     }
 }
 
-TEST(Nifti_Header, TakesZeroBeyondTheThirdDimensionAsNone) {
+TEST(Nifti_Header, takes_zero_beyond_the_third_dimension_as_none) {
     Nifti_Bytes bytes;
     bytes.dim = {4, 3, 2, 2, 0, 0, 0, 0};
     const auto [header, error] = Decode(bytes);
@@ -144,7 +144,7 @@ TEST(Nifti_Header, TakesZeroBeyondTheThirdDimensionAsNone) {
     EXPECT_THAT(Decode(bytes).error, HasSubstr("size -1 in dimension 4"));
 }
 
-TEST(Nifti_Header, RefusesSizesWhoseProductOverflows) {
+TEST(Nifti_Header, refuses_sizes_whose_product_overflows) {
     Nifti_Bytes bytes;
     bytes.version = 2;
     const std::int64_t half = std::int64_t{1} << 31U;
@@ -163,7 +163,7 @@ TEST(Nifti_Header, RefusesSizesWhoseProductOverflows) {
     EXPECT_THAT(Decode(bytes).error, HasSubstr("too large"));
 }
 
-TEST(Nifti_Header, RefusesUnknownAndContradictoryVoxelTypes) {
+TEST(Nifti_Header, refuses_unknown_and_contradictory_voxel_types) {
     Nifti_Bytes bytes;
     const auto error_with = [&](int datatype, int bitpix) {
         bytes.datatype = datatype;
@@ -193,7 +193,7 @@ TEST(Nifti_Header, RefusesUnknownAndContradictoryVoxelTypes) {
     EXPECT_THAT(error_with(77, 8), HasSubstr("type 77, which does not exist"));
 }
 
-TEST(Nifti_Header, ChecksThePositionOfTheVoxels) {
+TEST(Nifti_Header, checks_the_position_of_the_voxels) {
     for (Nifti_Bytes bytes : Variants()) {
         const double least = bytes.version == 2 ? 544 : 352;
         bytes.vox_offset = 0;
@@ -220,7 +220,7 @@ TEST(Nifti_Header, ChecksThePositionOfTheVoxels) {
     EXPECT_THAT(Nifti_Header_Decode(header).error, HasSubstr("impossible position"));
 }
 
-TEST(Nifti_Header, IgnoresAScaleThatIsNone) {
+TEST(Nifti_Header, ignores_a_scale_that_is_none) {
     for (Nifti_Bytes bytes : Variants()) {
         bytes.intercept = 5;
         for (const double none : {0.0, std::nan(""), std::numeric_limits<double>::infinity()}) {
@@ -235,7 +235,7 @@ TEST(Nifti_Header, IgnoresAScaleThatIsNone) {
     }
 }
 
-TEST(Nifti_Header, RefusesVoxelSizesThatAreNoNumbers) {
+TEST(Nifti_Header, refuses_voxel_sizes_that_are_no_numbers) {
     Nifti_Bytes bytes;
     bytes.pixdim[2] = std::nan("");
     EXPECT_THAT(Decode(bytes).error, HasSubstr("voxel size that is no number in dimension 2"));
@@ -267,7 +267,7 @@ TEST(Nifti_Header, the_scale_that_programs_add_to_analyze_is_read) {
     }
 }
 
-TEST(Nifti_Geometry, PrefersTheSform) {
+TEST(Nifti_Geometry, prefers_the_sform) {
     for (Nifti_Bytes bytes : Variants()) {
         bytes.pixdim = {1, 2, 3, 4, 0, 0, 0, 0};
         bytes.qform_code = 1;
@@ -280,7 +280,7 @@ TEST(Nifti_Geometry, PrefersTheSform) {
     }
 }
 
-TEST(Nifti_Geometry, TakesTheQformWhenTheSformIsAbsentOrUnusable) {
+TEST(Nifti_Geometry, takes_the_qform_when_the_sform_is_absent_or_unusable) {
     Nifti_Bytes bytes;
     bytes.pixdim = {1, 2, 3, 4, 0, 0, 0, 0};
     bytes.qform_code = 1;
@@ -295,7 +295,7 @@ TEST(Nifti_Geometry, TakesTheQformWhenTheSformIsAbsentOrUnusable) {
     Expect_Affine(Geometry_Of(bytes).affine, quarter_turn);
 }
 
-TEST(Nifti_Geometry, MirrorsTheThirdAxisOfALeftHandedQform) {
+TEST(Nifti_Geometry, mirrors_the_third_axis_of_a_left_handed_qform) {
     Nifti_Bytes bytes;
     bytes.pixdim = {-1, 2, 3, 4, 0, 0, 0, 0};
     bytes.qform_code = 1;
@@ -303,7 +303,7 @@ TEST(Nifti_Geometry, MirrorsTheThirdAxisOfALeftHandedQform) {
     Expect_Affine(Geometry_Of(bytes).affine, {2, 0, 0, 7, 0, 3, 0, 8, 0, 0, -4, 9});
 }
 
-TEST(Nifti_Geometry, TakesAHalfTurnWhoseQuaternionIsSlightlyTooLong) {
+TEST(Nifti_Geometry, takes_a_half_turn_whose_quaternion_is_slightly_too_long) {
     Nifti_Bytes bytes;
     bytes.qform_code = 1;
     bytes.quatern = {0, 1.0001, 0};  // half a turn about y
@@ -315,7 +315,7 @@ TEST(Nifti_Geometry, TakesAHalfTurnWhoseQuaternionIsSlightlyTooLong) {
     Expect_Affine(Geometry_Of(bytes).affine, {one, two, two, 0, two, one, two, 0, two, two, one, 0});
 }
 
-TEST(Nifti_Geometry, FallsBackOnTheVoxelSizes) {
+TEST(Nifti_Geometry, falls_back_on_the_voxel_sizes) {
     Nifti_Bytes bytes;
     bytes.pixdim = {1, -2, 3, 0, 0, 0, 0, 0};
     const Volume volume = Geometry_Of(bytes);
@@ -324,7 +324,7 @@ TEST(Nifti_Geometry, FallsBackOnTheVoxelSizes) {
     Expect_Affine(volume.affine, {2, 0, 0, 0, 0, 3, 0, 0, 0, 0, 1, 0});
 }
 
-TEST(Nifti_Geometry, TakesMissingVoxelSizesFromTheSform) {
+TEST(Nifti_Geometry, takes_missing_voxel_sizes_from_the_sform) {
     Nifti_Bytes bytes;
     bytes.pixdim = {1, 0, 0, 0, 0, 0, 0, 0};
     bytes.sform_code = 1;
@@ -332,7 +332,7 @@ TEST(Nifti_Geometry, TakesMissingVoxelSizesFromTheSform) {
     EXPECT_EQ(Geometry_Of(bytes).spacing, (std::array<double, 3>{5, 2, 6}));
 }
 
-TEST(Nifti_Geometry, ConvertsUnits) {
+TEST(Nifti_Geometry, converts_units) {
     Nifti_Bytes bytes;
     bytes.version = 2;
     bytes.pixdim = {1, 2, 3, 4, 500, 0, 0, 0};

@@ -15,7 +15,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-TEST(Nifti_Reader_Damage, SaysWhatIsWrongWithAFileThatIsNone) {
+TEST(Nifti_Reader_Damage, says_what_is_wrong_with_a_file_that_is_none) {
     Temporary_Folder folder;
     std::filesystem::create_directory(folder / "folder.nii");
     EXPECT_EQ(Volume_Load(folder / "absent.nii").error, "absent.nii does not exist.");
@@ -29,7 +29,7 @@ TEST(Nifti_Reader_Damage, SaysWhatIsWrongWithAFileThatIsNone) {
     EXPECT_EQ(Load(bytes.File()).error, "test.nii has 9 dimensions, and 1 to 7 are possible.");
 }
 
-TEST(Nifti_Reader_Damage, NoticesTruncationAtEveryByte) {
+TEST(Nifti_Reader_Damage, notices_truncation_at_every_byte) {
     for (const int version : {1, 2}) {
         Nifti_Bytes bytes = Small_File();
         bytes.version = version;
@@ -47,7 +47,7 @@ TEST(Nifti_Reader_Damage, NoticesTruncationAtEveryByte) {
     }
 }
 
-TEST(Nifti_Reader_Damage, NoticesTruncationOfCompressedFilesAtEveryByte) {
+TEST(Nifti_Reader_Damage, notices_truncation_of_compressed_files_at_every_byte) {
     Nifti_Bytes bytes;
     bytes.dim = {3, 20, 10, 10, 1, 1, 1, 1};
     std::mt19937 random(1);
@@ -65,7 +65,7 @@ TEST(Nifti_Reader_Damage, NoticesTruncationOfCompressedFilesAtEveryByte) {
               "test.nii is truncated: all 2,000 voxels are present, but not the checksum at its end.");
 }
 
-TEST(Nifti_Reader_Damage, NoticesEveryChangedBitOfACompressedFile) {
+TEST(Nifti_Reader_Damage, notices_every_changed_bit_of_a_compressed_file) {
     const Bytes whole = Gzip(Small_File().File());
     const std::vector<std::int32_t> levels = Load(whole).volume->levels;
     int harmless_nb = 0;
@@ -92,7 +92,7 @@ TEST(Nifti_Reader_Damage, NoticesEveryChangedBitOfACompressedFile) {
     EXPECT_THAT(Load(changed).error, HasSubstr("test.nii is corrupt: its compressed data are damaged"));
 }
 
-TEST(Nifti_Reader_Damage, ToleratesForeignBytesBehindCompressedContent) {
+TEST(Nifti_Reader_Damage, tolerates_foreign_bytes_behind_compressed_content) {
     for (const Bytes& garbage : {Bytes(1, 'x'), Bytes(1000), Bytes{0x1F}, Bytes{0x1F, 0x00}}) {
         Bytes file = Gzip(Small_File().File());
         file.insert(file.end(), garbage.begin(), garbage.end());
@@ -102,7 +102,7 @@ TEST(Nifti_Reader_Damage, ToleratesForeignBytesBehindCompressedContent) {
     }
 }
 
-TEST(Nifti_Reader_Damage, JoinsGzipMembers) {
+TEST(Nifti_Reader_Damage, joins_gzip_members) {
     const Bytes content = Small_File().File();
     for (const std::size_t cut : {std::size_t{0}, std::size_t{3}, std::size_t{348}, std::size_t{360}, content.size()}) {
         Bytes file = Gzip(std::span(content).first(cut));
@@ -115,7 +115,7 @@ TEST(Nifti_Reader_Damage, JoinsGzipMembers) {
     }
 }
 
-TEST(Nifti_Reader_Damage, TakesNoMemoryForClaimsThatTheFileDoesNotKeep) {
+TEST(Nifti_Reader_Damage, takes_no_memory_for_claims_that_the_file_does_not_keep) {
     constexpr std::size_t fixed_buffers = 2U * 1024U * 1024U;
     for (const int version : {1, 2}) {
         for (const bool compressed : {false, true}) {
@@ -131,7 +131,7 @@ TEST(Nifti_Reader_Damage, TakesNoMemoryForClaimsThatTheFileDoesNotKeep) {
     }
 }
 
-TEST(Nifti_Reader_Damage, ComparesThePlainFilesSizeWithItsClaimsBeforeReading) {
+TEST(Nifti_Reader_Damage, compares_the_plain_files_size_with_its_claims_before_reading) {
     Nifti_Bytes bytes;
     bytes.dim = {3, 200, 200, 100, 1, 1, 1, 1};
     bytes.voxels.resize(3999999);
@@ -144,7 +144,7 @@ TEST(Nifti_Reader_Damage, ComparesThePlainFilesSizeWithItsClaimsBeforeReading) {
     EXPECT_THAT(fractions, ElementsAre(0.0));
 }
 
-TEST(Nifti_Reader_Damage, RefusesWhatIsBeyondTheLimit) {
+TEST(Nifti_Reader_Damage, refuses_what_is_beyond_the_limit) {
     Nifti_Bytes bytes = Small_File();
     const Load_Limits limits{48};  // twelve levels of four bytes
     EXPECT_THAT(Load(bytes.File(), limits).error, HasSubstr("too large")) << "position of the voxels";
@@ -167,7 +167,7 @@ TEST(Nifti_Reader_Damage, RefusesWhatIsBeyondTheLimit) {
     EXPECT_THAT(Load(bytes.File()).error, HasSubstr("too large: its voxels would begin behind"));
 }
 
-TEST(Nifti_Reader_Damage, GivesUpOnEndlessDataBehindTheVoxels) {
+TEST(Nifti_Reader_Damage, gives_up_on_endless_data_behind_the_voxels) {
     Bytes content = Small_File().File();
     content.resize(content.size() + (std::size_t{8} << 20U));
     const Bytes file = Gzip(content);
@@ -175,7 +175,7 @@ TEST(Nifti_Reader_Damage, GivesUpOnEndlessDataBehindTheVoxels) {
     EXPECT_THAT(Load(file, Load_Limits{1U << 20U}).error, HasSubstr("other data follow its voxels"));
 }
 
-TEST(Nifti_Reader_Damage, SurvivesTenThousandRandomChanges) {
+TEST(Nifti_Reader_Damage, survives_ten_thousand_random_changes) {
     std::mt19937 random(20240607);
     std::vector<Bytes> files;
     for (const int version : {1, 2}) {
@@ -218,7 +218,7 @@ TEST(Nifti_Reader_Damage, SurvivesTenThousandRandomChanges) {
     EXPECT_LT(loaded_nb, 9500);
 }
 
-TEST(Nifti_Reader_Damage, SurvivesTheFailureOfEveryAllocation) {
+TEST(Nifti_Reader_Damage, survives_the_failure_of_every_allocation) {
     Nifti_Bytes bytes;
     bytes.datatype = 64;
     bytes.bitpix = 64;

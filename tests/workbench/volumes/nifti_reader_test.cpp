@@ -81,7 +81,7 @@ void Check_Type(const Type_Case<Value>& type) {
     }
 }
 
-TEST(Nifti_Reader, KeepsTheValuesOfIntegersThatFit) {
+TEST(Nifti_Reader, keeps_the_values_of_integers_that_fit) {
     Check_Type<std::uint8_t>({2, "uint8", {0, 1, 127, 128, 255}, true});
     Check_Type<std::int8_t>({256, "int8", {0, 1, -1, 127, -128}, true});
     Check_Type<std::int16_t>({4, "int16", {0, 1, -1, 258, 32767, -32768}, true});
@@ -94,7 +94,7 @@ TEST(Nifti_Reader, KeepsTheValuesOfIntegersThatFit) {
     Check_Type<std::uint64_t>({1280, "uint64", {0, 1, 0x01020304, LEVEL_LARGEST}, true});
 }
 
-TEST(Nifti_Reader, QuantisesIntegersThatDoNotFit) {
+TEST(Nifti_Reader, quantises_integers_that_do_not_fit) {
     Check_Type<std::int32_t>({8, "int32", {0, 5000, 1000000, LEVEL_LARGEST + 1}, false});
     Check_Type<std::uint32_t>({768, "uint32", {0, 5000, 1000000, 4000000000U}, false});
     Check_Type<std::int64_t>(
@@ -107,14 +107,14 @@ TEST(Nifti_Reader, QuantisesIntegersThatDoNotFit) {
         {1280, "uint64", {0, 7, 1234567890123456789, std::numeric_limits<std::uint64_t>::max() - 1}, false});
 }
 
-TEST(Nifti_Reader, QuantisesRealNumbers) {
+TEST(Nifti_Reader, quantises_real_numbers) {
     Check_Type<float>({16, "float32", {0.0F, 0.1F, 0.2F, 1.0F, 0.333F}, false});
     Check_Type<float>({16, "float32", {-1000.5F, 3071.25F, 12.125F, 13.0F}, false});
     Check_Type<double>({64, "float64", {0.0, 0.1, -0.2, 1e-12, 0.75}, false});
     Check_Type<double>({64, "float64", {1e20, -1e20, 3.3e19}, false});
 }
 
-TEST(Nifti_Reader, SeparatesNeighboursInANarrowRangeOfHugeIntegers) {
+TEST(Nifti_Reader, separates_neighbours_in_a_narrow_range_of_huge_integers) {
     Nifti_Bytes bytes;
     bytes.datatype = 1280;
     bytes.bitpix = 64;
@@ -128,7 +128,7 @@ TEST(Nifti_Reader, SeparatesNeighboursInANarrowRangeOfHugeIntegers) {
     EXPECT_THAT(result.volume->levels, ElementsAre(0, 32768, 65535));
 }
 
-TEST(Nifti_Reader, GivesOneLevelToAConstantImage) {
+TEST(Nifti_Reader, gives_one_level_to_a_constant_image) {
     for (const int datatype : {16, 64, 1280}) {
         Nifti_Bytes bytes;
         bytes.datatype = datatype;
@@ -153,7 +153,7 @@ TEST(Nifti_Reader, GivesOneLevelToAConstantImage) {
     }
 }
 
-TEST(Nifti_Reader, CountsValuesThatAreNoNumberAndLeavesThemOutside) {
+TEST(Nifti_Reader, counts_values_that_are_no_number_and_leaves_them_outside) {
     const float nan = std::nanf("");
     const float infinity = std::numeric_limits<float>::infinity();
     Nifti_Bytes bytes;
@@ -173,7 +173,7 @@ TEST(Nifti_Reader, CountsValuesThatAreNoNumberAndLeavesThemOutside) {
     EXPECT_EQ(result.warnings[0], "test.nii has 3 voxels that are no number; they are shown black and count nowhere.");
 }
 
-TEST(Nifti_Reader, SurvivesNothingButNoNumbersAndTheWholeRangeOfDouble) {
+TEST(Nifti_Reader, survives_nothing_but_no_numbers_and_the_whole_range_of_double) {
     Nifti_Bytes bytes;
     bytes.datatype = 64;
     bytes.bitpix = 64;
@@ -198,7 +198,7 @@ TEST(Nifti_Reader, SurvivesNothingButNoNumbersAndTheWholeRangeOfDouble) {
     }
 }
 
-TEST(Nifti_Reader, PacksColours) {
+TEST(Nifti_Reader, packs_colours) {
     for (const bool alpha : {false, true}) {
         Nifti_Bytes bytes;
         bytes.datatype = alpha ? 2304 : 128;
@@ -226,7 +226,7 @@ TEST(Nifti_Reader, PacksColours) {
 
 // --- structure
 
-TEST(Nifti_Reader, KeepsFileOrderAndMultipliesFurtherDimensions) {
+TEST(Nifti_Reader, keeps_file_order_and_multiplies_further_dimensions) {
     Nifti_Bytes bytes;
     bytes.dim = {6, 2, 3, 2, 2, 1, 2, 1};
     bytes.pixdim[4] = 2;
@@ -246,7 +246,7 @@ TEST(Nifti_Reader, KeepsFileOrderAndMultipliesFurtherDimensions) {
     EXPECT_EQ(volume.levels[volume.Index(0, 0, 0, 1)], 12);
 }
 
-TEST(Nifti_Reader, LoadsPairsAndAnalyze) {
+TEST(Nifti_Reader, loads_pairs_and_analyze) {
     for (const int version : {0, 1, 2}) {
         for (const bool compressed : {false, true}) {
             Nifti_Bytes bytes = Small_File();
@@ -267,7 +267,7 @@ TEST(Nifti_Reader, LoadsPairsAndAnalyze) {
     }
 }
 
-TEST(Nifti_Reader, FindsTheOtherFileOfAPair) {
+TEST(Nifti_Reader, finds_the_other_file_of_a_pair) {
     Nifti_Bytes bytes = Small_File();
     bytes.pair = true;
     Temporary_Folder folder;
@@ -289,7 +289,7 @@ TEST(Nifti_Reader, FindsTheOtherFileOfAPair) {
     EXPECT_EQ(Volume_Load(folder / "lonely.img").error, "lonely.img is not a NIfTI file.");
 }
 
-TEST(Nifti_Reader, PassesOverExtensions) {
+TEST(Nifti_Reader, passes_over_extensions) {
     for (const bool compressed : {false, true}) {
         Nifti_Bytes bytes = Small_File();
         bytes.vox_offset = 352 + 16 + 32;
@@ -320,7 +320,7 @@ TEST(Nifti_Reader, PassesOverExtensions) {
 
 // --- progress, names
 
-TEST(Nifti_Reader, ReportsRisingProgress) {
+TEST(Nifti_Reader, reports_rising_progress) {
     Nifti_Bytes bytes;
     bytes.dim = {3, 200, 200, 100, 1, 1, 1, 1};
     bytes.voxels.resize(4000000);
@@ -338,7 +338,7 @@ TEST(Nifti_Reader, ReportsRisingProgress) {
     }
 }
 
-TEST(Nifti_Reader, StopsWhenToldAtAnyReport) {
+TEST(Nifti_Reader, stops_when_told_at_any_report) {
     Nifti_Bytes bytes;
     bytes.dim = {3, 200, 200, 100, 1, 1, 1, 1};
     bytes.voxels.resize(4000000);
@@ -356,13 +356,13 @@ TEST(Nifti_Reader, StopsWhenToldAtAnyReport) {
     EXPECT_GE(stop_at, 5);
 }
 
-TEST(Nifti_Reader, KeepsExceptionsOfTheProgressCallbackInside) {
+TEST(Nifti_Reader, keeps_exceptions_of_the_progress_callback_inside) {
     const Load_Result result = Load(Small_File().File(), {}, [](double) -> bool { throw std::runtime_error("no"); });
     EXPECT_FALSE(result.volume.has_value());
     EXPECT_EQ(result.error, "test.nii could not be loaded: no.");
 }
 
-TEST(Nifti_Reader, LoadsFilesWithAnyName) {
+TEST(Nifti_Reader, loads_files_with_any_name) {
     Temporary_Folder folder;
     const std::u8string name = u8"Schädel-скан 日本.nii.gz";
     const std::string text(name.begin(), name.end());

@@ -75,7 +75,7 @@ void Check_Round_Trip(int version, const char* name, std::size_t count) {
     EXPECT_EQ(std::vector<Label>(volume.levels.begin(), volume.levels.end()), labels);
 }
 
-TEST(Nifti_Writer, WritesWhatTheReaderReads) {
+TEST(Nifti_Writer, writes_what_the_reader_reads) {
     for (const int version : {1, 2}) {
         for (const char* name : {"labels.nii", "labels.nii.gz"}) {
             for (const std::size_t count : {60U, 120U}) {
@@ -86,7 +86,7 @@ TEST(Nifti_Writer, WritesWhatTheReaderReads) {
     }
 }
 
-TEST(Nifti_Writer, RepeatsTheGeometryFieldsByteForByte) {
+TEST(Nifti_Writer, repeats_the_geometry_fields_byte_for_byte) {
     Temporary_Folder folder;
     const Bytes original = Source_Bytes().File();
     const std::vector<std::uint8_t> labels = Labels<std::uint8_t>(120);
@@ -112,7 +112,7 @@ TEST(Nifti_Writer, RepeatsTheGeometryFieldsByteForByte) {
     EXPECT_EQ(Gunzip(coded), plain);
 }
 
-TEST(Nifti_Writer, WritesTheAffineOfAVolumeWithoutStoredFields) {
+TEST(Nifti_Writer, writes_the_affine_of_a_volume_without_stored_fields) {
     Temporary_Folder folder;
     Volume source;
     source.nx = 3;
@@ -130,7 +130,7 @@ TEST(Nifti_Writer, WritesTheAffineOfAVolumeWithoutStoredFields) {
     EXPECT_EQ(result.volume->affine_source, Affine_Source::SFORM);
 }
 
-TEST(Nifti_Writer, WritesManyLabels) {
+TEST(Nifti_Writer, writes_many_labels) {
     Temporary_Folder folder;
     Volume source;
     source.nx = 1000;
@@ -148,7 +148,7 @@ TEST(Nifti_Writer, WritesManyLabels) {
     }
 }
 
-TEST(Nifti_Writer, ReplacesAFormerFile) {
+TEST(Nifti_Writer, replaces_a_former_file) {
     Temporary_Folder folder;
     File_Put(folder / "labels.nii", Bytes(10000, 'x'));
     ASSERT_THAT(Label_Volume_Write(folder / "labels.nii", Source(), Labels<std::uint8_t>(60)), IsEmpty());
@@ -156,7 +156,7 @@ TEST(Nifti_Writer, ReplacesAFormerFile) {
     EXPECT_EQ(folder.Entry_Nb(), 1U);
 }
 
-TEST(Nifti_Writer, LeavesAForeignTemporaryFileAlone) {
+TEST(Nifti_Writer, leaves_a_foreign_temporary_file_alone) {
     Temporary_Folder folder;
     File_Put(folder / "labels.nii.part0", Bytes(3, 'x'));
     ASSERT_THAT(Label_Volume_Write(folder / "labels.nii", Source(), Labels<std::uint8_t>(60)), IsEmpty());
@@ -164,7 +164,7 @@ TEST(Nifti_Writer, LeavesAForeignTemporaryFileAlone) {
     EXPECT_EQ(folder.Entry_Nb(), 2U);
 }
 
-TEST(Nifti_Writer, SaysWhyAFileCannotBeWritten) {
+TEST(Nifti_Writer, says_why_a_file_cannot_be_written) {
     Temporary_Folder folder;
     std::filesystem::create_directory(folder / "taken.nii");
     const Volume source = Source();
@@ -181,7 +181,7 @@ TEST(Nifti_Writer, SaysWhyAFileCannotBeWritten) {
     EXPECT_THAT(Label_Volume_Write(folder / "labels.nii", large, labels), HasSubstr("32768 voxels does not fit"));
 }
 
-TEST(Nifti_Writer, KeepsTheFormerFileWhenMemoryFails) {
+TEST(Nifti_Writer, keeps_the_former_file_when_memory_fails) {
     Temporary_Folder folder;
     const Volume source = Source();
     const std::vector<std::uint8_t> labels = Labels<std::uint8_t>(60);
@@ -205,7 +205,7 @@ TEST(Nifti_Writer, KeepsTheFormerFileWhenMemoryFails) {
     EXPECT_TRUE(Volume_Load(path).volume.has_value());
 }
 
-TEST(Nifti_Writer, WritesFilesWithAnyName) {
+TEST(Nifti_Writer, writes_files_with_any_name) {
     Temporary_Folder folder;
     const std::u8string name = u8"étiquettes-метки 標識.nii.gz";
     const std::filesystem::path path = folder / std::filesystem::path(name);
@@ -218,7 +218,7 @@ TEST(Nifti_Writer, WritesFilesWithAnyName) {
 
 #if !defined(_WIN32)
 // A limit on the size of files stands in for a full disk.
-TEST(Nifti_Writer, KeepsTheFormerFileWhenTheDiskIsFull_WhereFileSizesCanBeLimited) {
+TEST(Nifti_Writer, keeps_the_former_file_when_the_disk_is_full_where_file_sizes_can_be_limited) {
     Temporary_Folder folder;
     const Volume source = Source();
     File_Put(folder / "labels.nii", Bytes(7, 'x'));

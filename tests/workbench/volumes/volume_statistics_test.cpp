@@ -46,7 +46,7 @@ void Expect_As_Sorted(std::vector<double> values, const Volume_Statistics& stati
     EXPECT_NEAR(statistics.window_high, values[(count * 99 + 99) / 100 - 1], scale);
 }
 
-TEST(Volume_Statistics, AgreesWithSortingForAnyRange) {
+TEST(Volume_Statistics, agrees_with_sorting_for_any_range) {
     std::mt19937 random(7);
     for (const std::size_t count :
          {std::size_t{2}, std::size_t{99}, std::size_t{100}, std::size_t{101}, std::size_t{5000}}) {
@@ -67,7 +67,7 @@ TEST(Volume_Statistics, AgreesWithSortingForAnyRange) {
     }
 }
 
-TEST(Volume_Statistics, KeepsTheOrderUnderANegativeSlope) {
+TEST(Volume_Statistics, keeps_the_order_under_a_negative_slope) {
     const Volume_Statistics statistics = Volume_Statistics_Compute(Volume_Of({0, 1, 2, 3}, -10, 5));
     EXPECT_EQ(statistics.min, -25);
     EXPECT_EQ(statistics.max, 5);
@@ -77,7 +77,7 @@ TEST(Volume_Statistics, KeepsTheOrderUnderANegativeSlope) {
     EXPECT_NEAR(statistics.sd, 10 * std::sqrt(1.25), 1e-12);
 }
 
-TEST(Volume_Statistics, LeavesOutLevelsOutside) {
+TEST(Volume_Statistics, leaves_out_levels_outside) {
     std::vector<std::int32_t> levels = {LEVEL_OUTSIDE, 0, LEVEL_OUTSIDE, 65535, 30000, 20000, LEVEL_OUTSIDE};
     Volume volume = Volume_Of(levels);
     volume.level_max = 65535;
@@ -102,7 +102,7 @@ TEST(Volume_Statistics, LeavesOutLevelsOutside) {
     EXPECT_LT(statistics.window_low, statistics.window_high);
 }
 
-TEST(Volume_Statistics, LeavesRareExtremesOutsideTheWindow) {
+TEST(Volume_Statistics, leaves_rare_extremes_outside_the_window) {
     std::vector<std::int32_t> levels(10000);
     for (std::size_t i = 0; i < levels.size(); ++i) {
         levels[i] = static_cast<std::int32_t>(i % 100);
@@ -116,7 +116,7 @@ TEST(Volume_Statistics, LeavesRareExtremesOutsideTheWindow) {
     EXPECT_EQ(statistics.window_high, 99);
 }
 
-TEST(Volume_Statistics, AlwaysGivesAWindow) {
+TEST(Volume_Statistics, always_gives_a_window) {
     std::vector<std::int32_t> levels(1000, 7);
     levels[5] = 9;
     Volume_Statistics statistics = Volume_Statistics_Compute(Volume_Of(levels));
@@ -134,7 +134,7 @@ TEST(Volume_Statistics, AlwaysGivesAWindow) {
     EXPECT_LT(statistics.window_low, statistics.window_high);
 }
 
-TEST(Volume_Statistics, CountsAllComponentsOfColours) {
+TEST(Volume_Statistics, counts_all_components_of_colours) {
     Volume volume = Volume_Of({0x030201, 0x0780FA});
     volume.color = true;
     Expect_As_Sorted({1, 2, 3, 250, 128, 7}, Volume_Statistics_Compute(volume));
