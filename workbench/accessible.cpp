@@ -14,6 +14,8 @@
 #include "workbench/system_library.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 /** Loaded with the first question: most sessions are never asked. */
@@ -344,3 +346,5 @@ std::vector<Accessible_Part> Widget_Parts(HWND window, const std::function<std::
     }
     return parts;
 }
+
+}  // namespace workbench

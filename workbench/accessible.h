@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+namespace workbench {
+
 /** A thing in a window: a button, a row, a text. */
 struct Accessible_Part {
     std::wstring name;
@@ -45,3 +47,5 @@ std::vector<Accessible_Part> Widget_Parts(HWND window, const std::function<std::
 bool Accessible_Is_Pressed(const Accessible_Part& part);
 /** Presses what stands at a point, client pixels: as a click, when the window comes to it. */
 void Accessible_Press(HWND window, POINT point);
+
+}  // namespace workbench

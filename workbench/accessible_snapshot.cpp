@@ -5,6 +5,8 @@
 #include <mutex>
 #include <utility>
 
+namespace workbench {
+
 namespace {
 
 constexpr UINT patience = 5000;  // milliseconds for a window that is busy
@@ -97,3 +99,5 @@ bool Accessible_Snapshot_Answer(HWND window, UINT message, WPARAM wparam,
     }
     return true;
 }
+
+}  // namespace workbench

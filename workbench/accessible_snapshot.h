@@ -6,6 +6,8 @@
 
 #include "workbench/accessible.h"
 
+namespace workbench {
+
 /** A window and its parts at one moment. */
 struct Accessible_Snapshot {
     std::wstring name;
@@ -23,3 +25,5 @@ std::optional<Accessible_Snapshot> Accessible_Snapshot_Ask(HWND window);
  *  @return false: the message is another one */
 bool Accessible_Snapshot_Answer(HWND window, UINT message, WPARAM wparam,
                                 const std::shared_ptr<Accessible_Source>& source);
+
+}  // namespace workbench

@@ -11,6 +11,8 @@
 #include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int tool_width = 452;  // pixels at 96 dots per inch
@@ -130,7 +132,7 @@ bool Application::Start(int show) {
     } else if (!options.files.empty()) {
         std::vector<std::filesystem::path> paths;
         for (const std::string& file : options.files) {
-            paths.push_back(Path_From_Utf8(file));
+            paths.push_back(volumes::Path_From_Utf8(file));
         }
         Open_Paths(paths);
     }
@@ -489,3 +491,5 @@ void Application::Report_State() {
                                                                       [](std::uint8_t tag) { return tag != 0; })));
     report.Line("state_end " + std::to_string(report_nb));
 }
+
+}  // namespace workbench

@@ -46,6 +46,8 @@
 #include "workbench/volumes/volume_statistics.h"
 #include "workbench/warning_banner.h"
 
+namespace workbench {
+
 /** Lives from start to end of the program; there is one. */
 class Application : public Image_User, public Main_Window_User {
   public:
@@ -147,7 +149,7 @@ class Application : public Image_User, public Main_Window_User {
 
     // application_files.cpp
     void Execute_File(Command command);
-    std::optional<Load_Result> Load_With_Progress(const std::filesystem::path& path);
+    std::optional<volumes::Load_Result> Load_With_Progress(const std::filesystem::path& path);
     enum class Save_Outcome { SAVED, NOT_SAVED, LOAD_THEIRS };
     /** Asks where there is doubt about the file. LOAD_THEIRS: the user prefers what another program has written. */
     Save_Outcome Save_Labels_Asking(bool ask_for_name);
@@ -193,18 +195,19 @@ class Application : public Image_User, public Main_Window_User {
     void Labels_Adopt(const Label_Description& description);
     void Load_Labels(const std::filesystem::path& path);
     /** What to do with labels that lie elsewhere than the image; no value: the user gave up. */
-    std::optional<Grid_Choice> Labels_Place_Ask(const Volume& loaded, const std::filesystem::path& path);
+    std::optional<Grid_Choice> Labels_Place_Ask(const volumes::Volume& loaded, const std::filesystem::path& path);
     /** What is to be told about labels that lie on the image otherwise than by equal voxels; may be empty. */
-    std::string Labels_Place_Text(const Volume& loaded, const std::filesystem::path& path, Grid_Choice choice) const;
+    std::string Labels_Place_Text(const volumes::Volume& loaded, const std::filesystem::path& path,
+                                  Grid_Choice choice) const;
 
     // application_volumes.cpp
     /** Runs an action on a thread of its own while the window shows how far it is. Passes on what it throws. */
-    void Run_With_Progress(const std::wstring& what, const std::function<void(const Load_Progress&)>& action);
+    void Run_With_Progress(const std::wstring& what, const std::function<void(const volumes::Load_Progress&)>& action);
     /** Opens files and folders, all together, in place of what is open. */
     void Open_Paths(std::span<const std::filesystem::path> paths);
     /** Tells which files were not opened, and why. */
-    void Problems_Tell(const Image_Folder& opened, const std::filesystem::path& first);
-    void Show_Volumes(Image_Folder&& opened, std::vector<Volume_Statistics>&& numbers);
+    void Problems_Tell(const volumes::Image_Folder& opened, const std::filesystem::path& first);
+    void Show_Volumes(volumes::Image_Folder&& opened, std::vector<volumes::Volume_Statistics>&& numbers);
     /** Name and size of the volume in hand. */
     std::wstring Volume_Text() const;
     /** Shows how the volume in hand was read. */
@@ -295,7 +298,7 @@ class Application : public Image_User, public Main_Window_User {
     /** Lists the windows of the image at the end of a menu. */
     void Window_Menu(HMENU menu) const;
     void Window_Choose(int index);
-    std::vector<Display_Window> Windows() const;
+    std::vector<volumes::Display_Window> Windows() const;
     Tag_Overlay Overlay_Now() const;
     Paint_Ink Ink(bool erase);
     /** Tells of the pixel under the mouse as it is now. */
@@ -354,9 +357,9 @@ class Application : public Image_User, public Main_Window_User {
     Panel_Host* propagate_host = nullptr;
     Panel_Host* histogram_host = nullptr;
 
-    std::string not_opened;                     // files, and why; UTF-8, one per line
-    std::vector<Folder_Problem> read_warnings;  // of files that are open
-    Volume_Statistics statistics;
+    std::string not_opened;                              // files, and why; UTF-8, one per line
+    std::vector<volumes::Folder_Problem> read_warnings;  // of files that are open
+    volumes::Volume_Statistics statistics;
     Grey_Window grey_window;
     Panel_Scale panel_scale;           // of the volume in hand
     std::optional<double> background;  // of the volume in hand: grey value up to which it is left out
@@ -401,3 +404,5 @@ class Application : public Image_User, public Main_Window_User {
     Quorel_2D* database_frame = nullptr;
     bool is_redraw_asked = false;
 };
+
+}  // namespace workbench

@@ -7,6 +7,8 @@
 #include "workbench/accessible.h"
 #include "workbench/application.h"
 
+namespace workbench {
+
 namespace {
 
 Accessible_Source Plain_Source(LONG role, std::function<std::wstring()> name,
@@ -59,3 +61,5 @@ void Tool_Area::Accessible_Names() {
     };
     Accessible_Set(std::move(source));
 }
+
+}  // namespace workbench

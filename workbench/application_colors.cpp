@@ -8,6 +8,8 @@
 #include "workbench/text_dialog.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 std::wstring Distance_Text(double distance) {
@@ -138,3 +140,5 @@ void Application::Colors_Spread(const std::vector<int>& tags) {
     report.Line("alike_pairs " + std::to_string(left));
     Status(std::to_wstring(changed) + L" TAG colours were changed; pairs that look alike: " + std::to_wstring(left));
 }
+
+}  // namespace workbench

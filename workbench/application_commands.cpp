@@ -8,6 +8,8 @@
 #include "workbench/text_dialog.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 void Check(HMENU menu, Command command, bool is_checked) {
@@ -203,3 +205,5 @@ void Application::Execute_View(Command command) {
             return;
     }
 }
+
+}  // namespace workbench

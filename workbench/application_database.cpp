@@ -7,6 +7,8 @@
 #include "workbench/application.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 Database_Host Application::Database_Services() {
     Database_Host services;
     services.run = [this](const std::function<void()>& event) { Database_Run(event); };
@@ -201,3 +203,5 @@ void Application::Report_Database() {
     }
     report.Line("histogram_pixels " + std::to_string(pixels));
 }
+
+}  // namespace workbench

@@ -13,6 +13,8 @@
 #include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr std::size_t file_size_most = 64U << 20U;  // bytes; 65,535 bins of 255 TAGs are less
@@ -53,7 +55,7 @@ std::string Application::Table_Source() const {
     std::string source = "Histogram analysis\t1\n";
     if (session.Has_Volume()) {
         source += "Volume\t" + volumes.Facts(volumes.Current()).title + "\n";
-        source += "File\t" + File_Name_Text(session.Path()) + "\n";
+        source += "File\t" + volumes::File_Name_Text(session.Path()) + "\n";
     }
     return source + "Counted\t" + Histogram_Source();
 }
@@ -75,9 +77,9 @@ void Application::Table_Save(const std::string& text) {
     }
     const std::filesystem::path file(path.c_str());
     if (const std::string error = Text_File_Write(file, text); !error.empty()) {
-        return Warn("The table was not saved: " + File_Name_Text(file) + " " + error + ".");
+        return Warn("The table was not saved: " + volumes::File_Name_Text(file) + " " + error + ".");
     }
-    Status(L"The full table was saved to " + Wide_Of_Utf8(File_Name_Text(file)));
+    Status(L"The full table was saved to " + Wide_Of_Utf8(volumes::File_Name_Text(file)));
 }
 
 void Application::Export_Histogram() {
@@ -98,7 +100,7 @@ void Application::Export_Verify(const std::filesystem::path& path, bool is_new) 
         return;
     }
     std::string text;
-    const std::string name = File_Name_Text(path);
+    const std::string name = volumes::File_Name_Text(path);
     if (const std::string error = Text_File_Read(path, file_size_most, text); !error.empty()) {
         Warn(name + ' ' + error + '.');
         return;
@@ -112,3 +114,5 @@ void Application::Export_Verify(const std::filesystem::path& path, bool is_new) 
     Text_Show(window.Handle(), L"Export verified", Wide_Of_Panel(Export_Check_Report(check, name).c_str()),
               look.Fixed());
 }
+
+}  // namespace workbench

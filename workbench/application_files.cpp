@@ -12,6 +12,8 @@
 #include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr const wchar_t* volume_filter =
@@ -63,10 +65,10 @@ std::optional<std::filesystem::path> Ask_Save(HWND owner, std::filesystem::path 
 
 }  // namespace
 
-std::optional<Load_Result> Application::Load_With_Progress(const std::filesystem::path& path) {
-    Load_Result result;
-    Run_With_Progress(L"Loading " + Wide_Of_Utf8(File_Name_Text(path)),
-                      [&](const Load_Progress& progress) { result = Volume_Load(path, progress); });
+std::optional<volumes::Load_Result> Application::Load_With_Progress(const std::filesystem::path& path) {
+    volumes::Load_Result result;
+    Run_With_Progress(L"Loading " + Wide_Of_Utf8(volumes::File_Name_Text(path)),
+                      [&](const volumes::Load_Progress& progress) { result = volumes::Volume_Load(path, progress); });
     if (result.cancelled) {
         Status(L"Loading was given up");
         return std::nullopt;
@@ -150,7 +152,7 @@ Application::Save_Outcome Application::Save_Labels_Asking(bool ask_for_name) {
     if (!error.empty()) {
         return Save_Outcome::NOT_SAVED;
     }
-    Status(L"Labels saved to " + Wide_Of_Utf8(File_Name_Text(path)));
+    Status(L"Labels saved to " + Wide_Of_Utf8(volumes::File_Name_Text(path)));
     return Save_Outcome::SAVED;
 }
 
@@ -252,3 +254,5 @@ void Application::Execute_File(Command command) {
             return;
     }
 }
+
+}  // namespace workbench

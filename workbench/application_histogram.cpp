@@ -16,6 +16,8 @@
 #include "workbench/prompt_dialog.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int bins_least = 16;
@@ -353,3 +355,5 @@ void Application::Report_Peaks() {
         report.Line("peak " + Peak_Row_Text(peak, ' '));
     }
 }
+
+}  // namespace workbench

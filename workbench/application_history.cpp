@@ -5,6 +5,8 @@
 #include "workbench/list_choice_dialog.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 unsigned __int64 Application::Step_Show(const Undo_Step& done, bool redo, int& slice_of_step) {
     if (const auto* pixels = std::get_if<Slice_Change>(&done.change)) {
         slice_of_step = pixels->slice;
@@ -107,3 +109,5 @@ void Application::History_Ask() {
     Steps_Walk(static_cast<std::size_t>(chosen));
     Status(L"History: " + lines[static_cast<std::size_t>(chosen)]);
 }
+
+}  // namespace workbench

@@ -7,6 +7,8 @@
 #include "workbench/model/voxel_text.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr std::size_t window_menu_most = 15;
@@ -31,7 +33,7 @@ Image_Content Application::Content() const {
     if (!session.Has_Volume()) {
         return content;
     }
-    const Volume& volume = session.Image();
+    const volumes::Volume& volume = session.Image();
     content.source = {session.Width(),
                       session.Height(),
                       session.Levels(slice),
@@ -51,7 +53,7 @@ Image_Content Application::Content() const {
     }
     content.order = session.Order();
     const std::string& orientation = volumes.View(volumes.Current()).orientation;
-    const bool is_lost = volume.affine_source == Affine_Source::SPACING;
+    const bool is_lost = volume.affine_source == volumes::Affine_Source::SPACING;
     if (is_lost && !Letters_Set(orientation, content.order)) {
         // The file does not say how the patient lies.
         content.order.left = content.order.right = content.order.top = content.order.bottom = ' ';
@@ -115,11 +117,11 @@ void Application::Window_Reset() {
     image.Refresh();
 }
 
-std::vector<Display_Window> Application::Windows() const {
+std::vector<volumes::Display_Window> Application::Windows() const {
     if (!session.Has_Volume()) {
         return {};
     }
-    std::vector<Display_Window> windows =
+    std::vector<volumes::Display_Window> windows =
         Display_Windows_Of(session.Image(), volumes.Facts(volumes.Current()).modality == modality_ct);
     windows.resize(std::min(windows.size(), window_menu_most));
     return windows;
@@ -131,13 +133,13 @@ void Application::Window_Menu(HMENU menu) const {
     for (UINT at = 0; at <= most; ++at) {
         ::RemoveMenu(menu, first + at, MF_BYCOMMAND);
     }
-    const std::vector<Display_Window> windows = Windows();
+    const std::vector<volumes::Display_Window> windows = Windows();
     if (windows.empty()) {
         return;
     }
     ::AppendMenuW(menu, MF_SEPARATOR, first + most, nullptr);
     int number = 0;
-    for (const Display_Window& window_of : windows) {
+    for (const volumes::Display_Window& window_of : windows) {
         ++number;
         std::wstring name = Wide_Of_Utf8(Display_Window_Text(window_of, number));
         // A mark in a file's text would underline a letter.
@@ -152,11 +154,11 @@ void Application::Window_Menu(HMENU menu) const {
 }
 
 void Application::Window_Choose(int index) {
-    const std::vector<Display_Window> windows = Windows();
+    const std::vector<volumes::Display_Window> windows = Windows();
     if (index < 0 || static_cast<std::size_t>(index) >= windows.size()) {
         return;
     }
-    const Display_Window& chosen = windows[static_cast<std::size_t>(index)];
+    const volumes::Display_Window& chosen = windows[static_cast<std::size_t>(index)];
     grey_window = Grey_Window_Of(chosen);
     image.Refresh();
     Status(Wide_Of_Utf8(Display_Window_Text(chosen, index + 1)));
@@ -256,3 +258,5 @@ void Application::Voxel_Refresh() {
     status_line.Voxel_Set(Wide_Of_Utf8(
         Voxel_Text(session, hover_x, hover_y, slice, Utf8_Of_Wide(Wide_Of_Panel(variables.Tag_Name(tag).c_str())))));
 }
+
+}  // namespace workbench

@@ -8,6 +8,8 @@
 #include "workbench/prompt_dialog.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 // The parts in the order of the Tab key; the tool area's panels stand in the order in which they were added.
@@ -251,3 +253,5 @@ void Application::Histogram_Enlarge() {
     });
     Enlarged_Icon_Give();
 }
+
+}  // namespace workbench

@@ -8,6 +8,8 @@
 #include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 /** Between 0x00RRGGBB and 0x00BBGGRR. */
@@ -93,7 +95,8 @@ void Application::Labels_Adopt(const Label_Description& description) {
     Tag_Scroll_To(variables.Tag_Cur());
 }
 
-std::optional<Grid_Choice> Application::Labels_Place_Ask(const Volume& loaded, const std::filesystem::path& path) {
+std::optional<Grid_Choice> Application::Labels_Place_Ask(const volumes::Volume& loaded,
+                                                         const std::filesystem::path& path) {
     const Grid_Match match = session.Labels_Compare(loaded);
     if (match.relation != Grid_Relation::OTHER || loaded.color) {
         return Grid_Choice::REFUSE;  // nothing is to be chosen
@@ -111,7 +114,7 @@ std::optional<Grid_Choice> Application::Labels_Place_Ask(const Volume& loaded, c
         offer(L"Lay on by &index: voxel on voxel, whatever their places", Grid_Choice::BY_INDEX);
     }
     ways.emplace_back(L"&Cancel");
-    const std::wstring text = Wide_Of_Utf8(File_Name_Text(path)) +
+    const std::wstring text = Wide_Of_Utf8(volumes::File_Name_Text(path)) +
                               L" does not lie on the voxels of the image.\n\nLabels: " +
                               Wide_Of_Utf8(Volume_Grid_Text(Volume_Grid_Of(loaded))) + L".\n\nImage: " +
                               Wide_Of_Utf8(Volume_Grid_Text(Volume_Grid_Of(session.Image()))) + L".";
@@ -123,17 +126,17 @@ std::optional<Grid_Choice> Application::Labels_Place_Ask(const Volume& loaded, c
     return choices[static_cast<std::size_t>(way)];
 }
 
-std::string Application::Labels_Place_Text(const Volume& loaded, const std::filesystem::path& path,
+std::string Application::Labels_Place_Text(const volumes::Volume& loaded, const std::filesystem::path& path,
                                            Grid_Choice choice) const {
     const Grid_Match match = session.Labels_Compare(loaded);
     if (match.relation == Grid_Relation::TURNED) {
-        return File_Name_Text(path) + " holds the image's voxels in another order (" + Grid_Turn_Text(match) +
+        return volumes::File_Name_Text(path) + " holds the image's voxels in another order (" + Grid_Turn_Text(match) +
                "); they were put in the image's order, voxel for voxel.";
     }
     if (match.relation == Grid_Relation::SAME) {
         return {};
     }
-    return File_Name_Text(path) +
+    return volumes::File_Name_Text(path) +
            (choice == Grid_Choice::RESAMPLE ? " was resampled to the voxels of the image."
                                             : " was laid on by index, although its voxels lie elsewhere.") +
            " It is not the file of these labels: saving asks for a name.";
@@ -141,11 +144,11 @@ std::string Application::Labels_Place_Text(const Volume& loaded, const std::file
 
 void Application::Load_Labels(const std::filesystem::path& path) {
     const Label_Stamps stamps = Label_Stamps_Of(path);  // before it is read: what is written meanwhile is a change
-    const std::optional<Load_Result> loaded = Load_With_Progress(path);
+    const std::optional<volumes::Load_Result> loaded = Load_With_Progress(path);
     if (!loaded) {
         return;
     }
-    const Volume& volume = *loaded->volume;
+    const volumes::Volume& volume = *loaded->volume;
     const std::optional<Grid_Choice> choice = Labels_Place_Ask(volume, path);
     if (!choice) {
         Status(L"Labels were not loaded");
@@ -170,5 +173,7 @@ void Application::Load_Labels(const std::filesystem::path& path) {
     Histogram_Tag_Refresh();
     image.Refresh();
     Title_Refresh();
-    Status(L"Labels loaded from " + Wide_Of_Utf8(File_Name_Text(path)));
+    Status(L"Labels loaded from " + Wide_Of_Utf8(volumes::File_Name_Text(path)));
 }
+
+}  // namespace workbench

@@ -8,6 +8,8 @@
 #include "workbench/prompt_dialog.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 int Application::Propagate(int from, int to) {
     Propagation_Tags tags;
     std::ranges::copy(variables.Tag_Select(), tags.carried.begin());
@@ -64,3 +66,5 @@ void Application::Propagate_Repeat(int direction) {
     }
     Status(L"Propagated to " + std::to_wstring(done) + L" of " + std::to_wstring(count) + L" frames");
 }
+
+}  // namespace workbench

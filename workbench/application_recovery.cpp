@@ -11,6 +11,8 @@
 #include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr UINT_PTR recovery_timer = 41;
@@ -41,7 +43,7 @@ std::string Found_Text(const Recovery_Record& record) {
         "The workbench ended while work was not saved. The last of it was kept at " + Time_Text(record.time) + ":\n";
     for (std::size_t at = 0; at < std::min(record.volumes.size(), volumes_named); ++at) {
         const Recovery_Volume& volume = record.volumes[at];
-        text += "\n- " + volume.title + ": " + Count_Text(volume.tagged_nb) + " voxels with TAGs, " +
+        text += "\n- " + volume.title + ": " + volumes::Count_Text(volume.tagged_nb) + " voxels with TAGs, " +
                 std::to_string(Placed_Nb(Description_Of(volume).markers)) + " markers (" + volume.image + ")";
     }
     if (record.volumes.size() > volumes_named) {
@@ -114,7 +116,7 @@ void Application::Recovery_Look() {
     const std::string problem = recovery_keeper->Problem_Take();
     if (!problem.empty() && !std::exchange(is_recovery_problem_told, true)) {
         Warn("Work that is not saved is not kept for the next start any more: " +
-             File_Name_Text(recovery_claim->File()) + " " + problem + ". Save the labels.");
+             volumes::File_Name_Text(recovery_claim->File()) + " " + problem + ". Save the labels.");
     }
 }
 
@@ -164,7 +166,7 @@ bool Application::Recovery_Offer() {
             return true;
         }
         if (way == 2 && !found.claim.Remove()) {
-            Warn(File_Name_Text(found.claim.File()) + " cannot be removed.");
+            Warn(volumes::File_Name_Text(found.claim.File()) + " cannot be removed.");
         }
     }
     return false;
@@ -173,7 +175,7 @@ bool Application::Recovery_Offer() {
 void Application::Recovery_Take(Recovery_Found& found) {
     std::vector<std::filesystem::path> paths;
     for (const std::string& path : found.record.opened) {
-        paths.push_back(Path_From_Utf8(path));
+        paths.push_back(volumes::Path_From_Utf8(path));
     }
     Open_Paths(paths);
     const int shown = volumes.Current();
@@ -185,7 +187,7 @@ void Application::Recovery_Take(Recovery_Found& found) {
             volumes.Switch(volume, session);
         }
         const std::filesystem::path labels =
-            wanted.labels.empty() ? std::filesystem::path() : Path_From_Utf8(wanted.labels);
+            wanted.labels.empty() ? std::filesystem::path() : volumes::Path_From_Utf8(wanted.labels);
         if (volume < 0 || !session.Take_Up(Tags_Of(wanted), Description_Of(wanted).markers, labels, wanted.stamps)) {
             is_all = false;
             Warn("The image of " + wanted.title + " (" + wanted.image +
@@ -223,3 +225,5 @@ void Application::Changes_Note() {
     Activity_Note("change: " + (last != nullptr ? last->title : std::string("start of a history")) + ", step " +
                   std::to_string(journal.Undo_Nb()) + " of " + std::to_string(journal.Undo_Nb() + journal.Redo_Nb()));
 }
+
+}  // namespace workbench

@@ -10,6 +10,8 @@
 #include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int window_width = 1320;  // of the first start, pixels at 96 dots per inch
@@ -33,7 +35,7 @@ Window_Place Screen_Area() {
 }  // namespace
 
 void Application::Settings_Open() {
-    settings_file = options.settings.empty() ? Usual_Place() : Path_From_Utf8(options.settings);
+    settings_file = options.settings.empty() ? Usual_Place() : volumes::Path_From_Utf8(options.settings);
     settings = settings_file.empty() ? Settings{} : Settings_Load(settings_file, &settings_ignored);
     look.Theme_Set(settings.is_light ? Library_Theme::Light : Library_Theme::Dark);
     is_overlay_shown = settings.is_overlay_shown;
@@ -112,6 +114,8 @@ void Application::Recent_Open(int index) {
     if (index < 0 || static_cast<std::size_t>(index) >= settings.recent.size()) {
         return;
     }
-    const std::filesystem::path path = Path_From_Utf8(settings.recent[static_cast<std::size_t>(index)]);
+    const std::filesystem::path path = volumes::Path_From_Utf8(settings.recent[static_cast<std::size_t>(index)]);
     Open_Paths({&path, 1});
 }
+
+}  // namespace workbench

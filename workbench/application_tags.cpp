@@ -11,6 +11,8 @@
 #include "workbench/prompt_dialog.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int threshold_digits = 6;
@@ -189,3 +191,5 @@ void Application::Marker_Place(int marker, const Marker& place) {
     Announce(UPDATE_TAG_ENABLE);
     Title_Refresh();
 }
+
+}  // namespace workbench

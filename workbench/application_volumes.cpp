@@ -16,19 +16,22 @@
 #include "workbench/volumes/read_facts.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr unsigned __int64 volume_changed = UPDATE_WINDOW_CUR | UPDATE_FRAME_CUR | UPDATE_SELECTION | UPDATE_LEVEL_2D |
                                             UPDATE_TAG_ENABLE | UPDATE_TAG_LABEL | UPDATE_HISTO_PAINT;
 constexpr std::size_t problems_shown = 3;  // in the banner; more are only listed
 
-std::string Problem_Sentence(const Folder_Problem& problem) {
-    return File_Name_Text(problem.path) + ' ' + problem.reason + '.';
+std::string Problem_Sentence(const volumes::Folder_Problem& problem) {
+    return volumes::File_Name_Text(problem.path) + ' ' + problem.reason + '.';
 }
 
 }  // namespace
 
-void Application::Run_With_Progress(const std::wstring& what, const std::function<void(const Load_Progress&)>& action) {
+void Application::Run_With_Progress(const std::wstring& what,
+                                    const std::function<void(const volumes::Load_Progress&)>& action) {
     std::atomic<double> share = 0.0;
     std::atomic<bool> is_given_up = false;
     std::atomic<bool> is_done = false;
@@ -67,14 +70,15 @@ void Application::Open_Paths(std::span<const std::filesystem::path> paths) {
         Warn("The name of the file cannot be used on this system.");
         return;
     }
-    Image_Folder opened;
-    std::vector<Volume_Statistics> numbers;
-    Run_With_Progress(L"Loading " + Wide_Of_Utf8(File_Name_Text(paths.front())), [&](const Load_Progress& progress) {
-        opened = Image_Folder_Open(paths, progress);
-        for (const Folder_Volume& one : opened.volumes) {
-            numbers.push_back(Volume_Statistics_Compute(one.volume));
-        }
-    });
+    volumes::Image_Folder opened;
+    std::vector<volumes::Volume_Statistics> numbers;
+    Run_With_Progress(L"Loading " + Wide_Of_Utf8(volumes::File_Name_Text(paths.front())),
+                      [&](const volumes::Load_Progress& progress) {
+                          opened = volumes::Image_Folder_Open(paths, progress);
+                          for (const volumes::Folder_Volume& one : opened.volumes) {
+                              numbers.push_back(volumes::Volume_Statistics_Compute(one.volume));
+                          }
+                      });
     if (opened.is_cancelled) {
         Status(L"Loading was given up");
         return;
@@ -101,7 +105,7 @@ void Application::Open_Paths(std::span<const std::filesystem::path> paths) {
         Recent_Opened(paths.front());
     }
     if (!options.labels.empty()) {
-        const std::filesystem::path labels = Path_From_Utf8(std::exchange(options.labels, {}));
+        const std::filesystem::path labels = volumes::Path_From_Utf8(std::exchange(options.labels, {}));
         std::error_code unknown;
         if (std::filesystem::exists(labels, unknown)) {
             Load_Labels(labels);
@@ -111,29 +115,29 @@ void Application::Open_Paths(std::span<const std::filesystem::path> paths) {
     }
 }
 
-void Application::Problems_Tell(const Image_Folder& opened, const std::filesystem::path& first) {
+void Application::Problems_Tell(const volumes::Image_Folder& opened, const std::filesystem::path& first) {
     std::error_code unknown;
     const bool is_folder = std::filesystem::is_directory(first, unknown);
     read_warnings.clear();
-    std::ranges::copy_if(opened.problems, std::back_inserter(read_warnings), &Folder_Problem::is_opened);
-    not_opened = Image_Folder_Problems_Text(opened, is_folder ? first : first.parent_path());
-    for (const Folder_Problem& problem : opened.problems) {
+    std::ranges::copy_if(opened.problems, std::back_inserter(read_warnings), &volumes::Folder_Problem::is_opened);
+    not_opened = volumes::Image_Folder_Problems_Text(opened, is_folder ? first : first.parent_path());
+    for (const volumes::Folder_Problem& problem : opened.problems) {
         report.Line("problem " + Problem_Sentence(problem));
     }
     if (opened.problems.size() > problems_shown) {
-        Warn(Image_Folder_Text(opened) + ". File > Files not opened lists what was left out, and why.");
+        Warn(volumes::Image_Folder_Text(opened) + ". File > Files not opened lists what was left out, and why.");
         return;
     }
-    for (const Folder_Problem& problem : opened.problems) {
+    for (const volumes::Folder_Problem& problem : opened.problems) {
         Warn(Problem_Sentence(problem));
     }
     if (opened.problems.empty() && opened.volumes.empty()) {
-        Warn(File_Name_Text(first) + " holds no files.");
+        Warn(volumes::File_Name_Text(first) + " holds no files.");
     }
 }
 
-void Application::Show_Volumes(Image_Folder&& opened, std::vector<Volume_Statistics>&& numbers) {
-    const std::wstring found = Wide_Of_Utf8(Image_Folder_Text(opened));
+void Application::Show_Volumes(volumes::Image_Folder&& opened, std::vector<volumes::Volume_Statistics>&& numbers) {
+    const std::wstring found = Wide_Of_Utf8(volumes::Image_Folder_Text(opened));
     objects.Clear();
     try {
         volumes.Take(std::move(opened), std::move(numbers), session);
@@ -159,8 +163,8 @@ void Application::Show_Volumes(Image_Folder&& opened, std::vector<Volume_Statist
 }
 
 std::wstring Application::Volume_Text() const {
-    const Volume& image_now = session.Image();
-    const std::string losses = Read_Losses_Text(image_now);
+    const volumes::Volume& image_now = session.Image();
+    const std::string losses = volumes::Read_Losses_Text(image_now);
     std::wstring text = Wide_Of_Utf8(volumes.Facts(volumes.Current()).title) + L": ";
     if (volumes.Nb() > 1) {
         text = std::to_wstring(volumes.Current() + 1) + L" of " + std::to_wstring(volumes.Nb()) + L", " + text;
@@ -176,7 +180,7 @@ void Application::Read_Facts_Show() {
     }
     const Volume_Facts& facts = volumes.Facts(volumes.Current());
     std::vector<std::string> sentences;
-    for (const Folder_Problem& problem : read_warnings) {
+    for (const volumes::Folder_Problem& problem : read_warnings) {
         const bool is_of_this = std::ranges::any_of(facts.file_of_slice, [&](std::int32_t file) {
             return volumes.Files()[static_cast<std::size_t>(file)] == problem.path;
         });
@@ -185,13 +189,13 @@ void Application::Read_Facts_Show() {
         }
     }
     const std::string text =
-        Read_Facts_Text(facts.title, session.Image(), sentences, volumes.View(volumes.Current()).orientation);
-    report.Line("what_was_read " + Read_Losses_Text(session.Image()));
+        volumes::Read_Facts_Text(facts.title, session.Image(), sentences, volumes.View(volumes.Current()).orientation);
+    report.Line("what_was_read " + volumes::Read_Losses_Text(session.Image()));
     read_list.Open(window.Handle(), L"What was read", Wide_Of_Utf8(text));
 }
 
 void Application::Orientation_Ask() {
-    if (!session.Has_Volume() || session.Image().affine_source != Affine_Source::SPACING) {
+    if (!session.Has_Volume() || session.Image().affine_source != volumes::Affine_Source::SPACING) {
         Warn(session.Has_Volume() ? "The file says how the image lies; there is nothing to choose."
                                   : "Open an image first.");
         return;
@@ -230,7 +234,7 @@ void Application::Volume_Adopt() {
     histogram_first = 0;
     histogram_last = session.Slice_Nb() - 1;
     Title_Refresh();
-    const Volume& image_now = session.Image();
+    const volumes::Volume& image_now = session.Image();
     report.Line("volume " + std::to_string(image_now.nx) + " " + std::to_string(image_now.ny) + " " +
                 std::to_string(image_now.nz));
 }
@@ -290,3 +294,5 @@ unsigned __int64 Application::Frame_Follow(const Quorel_2D* frame) {
     }
     return flags;
 }
+
+}  // namespace workbench

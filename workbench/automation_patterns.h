@@ -7,6 +7,10 @@
 #include <oleauto.h>
 #include <unknwn.h>
 
+struct IRawElementProviderSimple;
+
+namespace workbench {
+
 inline constexpr int AUTOMATION_INVOKE_PATTERN = 10000;
 inline constexpr int AUTOMATION_VALUE_PATTERN = 10002;
 inline constexpr int AUTOMATION_SELECTION_ITEM_PATTERN = 10010;
@@ -17,8 +21,6 @@ inline constexpr GUID AUTOMATION_VALUE_ID = {
     0xc7935180, 0x6fb3, 0x4201, {0xb1, 0x74, 0x7d, 0xf7, 0x3a, 0xdb, 0xf6, 0x4a}};
 inline constexpr GUID AUTOMATION_SELECTION_ITEM_ID = {
     0x2acad808, 0xb2d4, 0x452d, {0xa4, 0x07, 0x91, 0xff, 0x1a, 0xd1, 0x67, 0xb2}};
-
-struct IRawElementProviderSimple;
 
 /** Can be pressed. */
 class Automation_Invoke : public IUnknown {
@@ -43,3 +45,5 @@ class Automation_Selection_Item : public IUnknown {
     virtual HRESULT STDMETHODCALLTYPE get_IsSelected(BOOL* is_selected) = 0;
     virtual HRESULT STDMETHODCALLTYPE get_SelectionContainer(IRawElementProviderSimple** container) = 0;
 };
+
+}  // namespace workbench

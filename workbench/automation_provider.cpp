@@ -13,6 +13,8 @@
 #include "workbench/com_object.h"
 #include "workbench/system_library.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr LONG root_object = -25;     // UiaRootObjectId: what the question is about
@@ -361,3 +363,5 @@ void Automation_Forget(HWND window) {
         give(window, 0, 0, nullptr);
     }
 }
+
+}  // namespace workbench

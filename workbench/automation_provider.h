@@ -6,6 +6,8 @@
 
 #include <uiautomationcore.h>
 
+namespace workbench {
+
 /** Answers WM_GETOBJECT when UI Automation asks.
  *  @return what the window procedure returns; 0 when somebody else asks, or the system has no UI Automation */
 LRESULT Automation_Answer(HWND window, WPARAM wparam, LPARAM lparam);
@@ -15,3 +17,5 @@ void Automation_Forget(HWND window);
 /** The provider of a window, which answers from any thread as long as the window lives (see accessible_snapshot.h).
  *  @return one reference, the caller's; null without memory */
 IRawElementProviderSimple* Automation_Provider_Make(HWND window);
+
+}  // namespace workbench

@@ -3,6 +3,8 @@
 #include "workbench/dialog_template.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int id_peaks = 100;
@@ -121,3 +123,5 @@ bool Bands_Ask(HWND owner, Band_Plan& plan, const Tag_Namer& namer) {
     return ::DialogBoxIndirectParamW(::GetModuleHandleW(nullptr), dialog.Finish(), owner, &Procedure,
                                      reinterpret_cast<LPARAM>(&asked)) == IDOK;
 }
+
+}  // namespace workbench

@@ -8,6 +8,8 @@
 
 #include "workbench/analysis/band_plan.h"
 
+namespace workbench {
+
 /** What the dialog tells of the TAGs. */
 struct Tag_Namer {
     std::function<std::string(int)> name;        ///< UTF-8
@@ -18,3 +20,5 @@ struct Tag_Namer {
  *  other windows are handled meanwhile.
  *  @param plan receives the user's choices @return false when the user gave up */
 bool Bands_Ask(HWND owner, Band_Plan& plan, const Tag_Namer& namer);
+
+}  // namespace workbench

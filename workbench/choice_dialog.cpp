@@ -4,6 +4,8 @@
 
 #include "workbench/dialog_template.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int id_way_0 = 200;
@@ -55,3 +57,5 @@ int Choice_Ask(HWND owner, const std::wstring& title, const std::wstring& text, 
         ::DialogBoxIndirectParamW(::GetModuleHandleW(nullptr), dialog.Finish(), owner, &Procedure, 0);
     return result >= id_way_0 ? static_cast<int>(result) - id_way_0 : -1;
 }
+
+}  // namespace workbench

@@ -5,6 +5,8 @@
 
 #include <atomic>
 
+namespace workbench {
+
 /** Begins with one holder, its maker; the last that gives it back ends it. What derives from it answers QueryInterface.
  */
 template <class... Interfaces>
@@ -29,3 +31,5 @@ class Com_Object : public Interfaces... {
   private:
     std::atomic<ULONG> references = 1;
 };
+
+}  // namespace workbench

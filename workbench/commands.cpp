@@ -7,6 +7,8 @@
 
 #include "host/kit_widgets.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int Control(char letter) {
@@ -287,3 +289,5 @@ std::string Command_Name(Command command) {
     }
     return std::to_string(static_cast<int>(command));
 }
+
+}  // namespace workbench

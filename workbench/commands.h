@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace workbench {
+
 enum class Command : WORD {
     NONE = 0,
     OPEN = 100,
@@ -135,3 +137,5 @@ struct Key_Line {
 };
 /** All commands in the order of the menus. */
 std::vector<Key_Line> Key_Lines();
+
+}  // namespace workbench

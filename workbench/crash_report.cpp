@@ -15,6 +15,8 @@
 #include "workbench/model/activity_log.h"
 #include "workbench/volumes/message_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr DWORD code_of_compiler = 0x20474343;    // how the compiler throws C++ exceptions
@@ -233,17 +235,19 @@ std::vector<std::filesystem::path> Crash_Reports_Take(const std::filesystem::pat
     std::vector<std::filesystem::path> found;
     std::error_code code;
     for (std::filesystem::directory_iterator entry(folder, code), end; !code && entry != end; entry.increment(code)) {
-        const std::string name = File_Name_Text(entry->path());
+        const std::string name = volumes::File_Name_Text(entry->path());
         if (name.starts_with("crash-") && name.ends_with(ending)) {
             found.push_back(entry->path());
         }
     }
     std::ranges::sort(found);
     for (std::filesystem::path& path : found) {
-        const std::string name = File_Name_Text(path);
+        const std::string name = volumes::File_Name_Text(path);
         const std::filesystem::path told = folder / (name.substr(0, name.size() - ending.size()) + ".txt");
         std::filesystem::rename(path, told, code);
         path = code ? path : told;
     }
     return found;
 }
+
+}  // namespace workbench

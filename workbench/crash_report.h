@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+namespace workbench {
+
 /** From now on faults of the system (access violations, stack overflow ...) and of C++ (exceptions that nobody handles,
  *  abort) write FOLDER/crash-DATE-TIME-PROCESS.new.txt, then the program ends. Nothing is written into memory that the
  *  fault may have damaged. @param version of the program @param folder is made */
@@ -17,3 +19,5 @@ void Activity_Note(std::string_view what);
 /** Reports that nobody has been told of; from now on they count as told: FOLDER/crash-DATE-TIME-PROCESS.txt.
  *  @return where they are now */
 std::vector<std::filesystem::path> Crash_Reports_Take(const std::filesystem::path& folder);
+
+}  // namespace workbench

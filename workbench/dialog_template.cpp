@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+namespace workbench {
+
 Dialog_Template::Dialog_Template(const std::wstring& title, short width, short height) {
     DLGTEMPLATE head = {};
     head.style = DS_SETFONT | DS_MODALFRAME | DS_CENTER | WS_POPUP | WS_CAPTION | WS_SYSMENU;
@@ -51,3 +53,5 @@ void Dialog_Template::Put_Text(const std::wstring& text) {
     }
     words.push_back(0);
 }
+
+}  // namespace workbench

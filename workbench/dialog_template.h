@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace workbench {
+
 inline constexpr WORD DIALOG_BUTTON = 0x0080;  ///< window classes by number
 inline constexpr WORD DIALOG_EDIT = 0x0081;
 inline constexpr WORD DIALOG_STATIC = 0x0082;
@@ -27,3 +29,5 @@ class Dialog_Template {
     std::vector<WORD> words;
     WORD count = 0;
 };
+
+}  // namespace workbench

@@ -4,6 +4,8 @@
 
 #include "workbench/enlarged_window.h"
 
+namespace workbench {
+
 namespace {
 
 BOOL CALLBACK Give(HWND window, LPARAM icon) {
@@ -21,3 +23,5 @@ void Enlarged_Icon_Give() {
     HICON icon = ::LoadIconW(::GetModuleHandleW(nullptr), L"MAINICON");
     ::EnumThreadWindows(::GetCurrentThreadId(), &Give, reinterpret_cast<LPARAM>(icon));
 }
+
+}  // namespace workbench

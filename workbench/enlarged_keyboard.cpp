@@ -7,6 +7,8 @@
 #include "workbench/enlarged_window.h"
 #include "workbench/model/enlarged_keys.h"
 
+namespace workbench {
+
 namespace {
 
 /** Alt is part of another message; with Ctrl, letters are other characters. */
@@ -84,3 +86,5 @@ bool Enlarged_Key_Dispatch(const MSG& message) {
     }
     return true;
 }
+
+}  // namespace workbench

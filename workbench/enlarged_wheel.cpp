@@ -3,6 +3,8 @@
 #include "workbench/enlarged_window.h"
 #include "workbench/model/wheel_notches.h"
 
+namespace workbench {
+
 bool Enlarged_Wheel_Dispatch(const MSG& message, bool is_turned) {
     if (message.message != WM_MOUSEWHEEL || !Is_Enlarged_Window(message.hwnd)) {
         return false;
@@ -14,3 +16,5 @@ bool Enlarged_Wheel_Dispatch(const MSG& message, bool is_turned) {
     }
     return true;
 }
+
+}  // namespace workbench

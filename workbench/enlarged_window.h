@@ -3,5 +3,9 @@
 
 #include <windows.h>
 
+namespace workbench {
+
 /** True when it is such a window; null is none. */
 bool Is_Enlarged_Window(HWND window);
+
+}  // namespace workbench

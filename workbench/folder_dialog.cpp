@@ -4,6 +4,8 @@
 
 #include <shobjidl.h>
 
+namespace workbench {
+
 namespace {
 
 /** Gives an interface back. */
@@ -64,3 +66,5 @@ std::optional<std::filesystem::path> Ask_Folder(HWND owner, const wchar_t* title
     ::CoTaskMemFree(name);
     return path;
 }
+
+}  // namespace workbench

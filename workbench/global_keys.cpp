@@ -2,6 +2,8 @@
 
 #include "host/kit_widgets.h"
 
+namespace workbench {
+
 int Global_Key_Code(WPARAM key, bool is_control, bool is_alt) {
     if (is_alt) {
         return 0;
@@ -27,3 +29,5 @@ bool Global_Key_Dispatch(const MSG& message, HWND main_window, const std::functi
     }
     return code != 0;
 }
+
+}  // namespace workbench

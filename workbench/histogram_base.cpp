@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace workbench {
+
 void Histogram_Base::Resize(Boxs* box) {
     const float scale = histogram.scale;
     Panel_Of<Tool_Histo>::Resize(box);
@@ -19,3 +21,5 @@ void Histogram_Base::Update(unsigned __int64 flags) {
 void Histogram_Base::Scale_Set(float scale) {
     histogram.scale = histogram.scale_valuator.value = std::clamp(scale, HISTO_SCALE_MIN, HISTO_SCALE_MAX);
 }
+
+}  // namespace workbench

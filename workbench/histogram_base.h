@@ -7,6 +7,8 @@
 #include "histogram/tool_histo.h"
 #include "workbench/panel_host.h"
 
+namespace workbench {
+
 /** Its magnification outlives a change of the layout, and nothing stays on the screen of counts that are gone. */
 class Histogram_Base : public Panel_Of<Tool_Histo> {
   public:
@@ -23,3 +25,5 @@ class Histogram_Base : public Panel_Of<Tool_Histo> {
 
     Tool_Histo& histogram;
 };
+
+}  // namespace workbench

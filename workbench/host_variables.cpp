@@ -8,6 +8,8 @@
 #include "workbench/model/marker_table.h"
 #include "workbench/model/tag_table.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr std::array<unsigned short, BRUSH_NB> brush_sizes = {1, 2, 3, 5, 8, 12, 18, 25};
@@ -305,3 +307,5 @@ void Host_Variables::Mouse_Set(Quorel_2D* frame, float x, float y) {
         mouse[1] = y;
     }
 }
+
+}  // namespace workbench

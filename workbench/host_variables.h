@@ -11,6 +11,8 @@
 #include "workbench/model/label_map.h"
 #include "workbench/model/painting.h"
 
+namespace workbench {
+
 inline constexpr float TAG_THRESHOLD_MIN_UNSET = -100000.0F;
 inline constexpr float TAG_THRESHOLD_MAX_UNSET = 100000.0F;
 inline constexpr int BRUSH_NB = 8;
@@ -85,3 +87,5 @@ class Host_Variables {
     std::vector<unsigned char> mask_bytes;
     std::vector<unsigned char*> mask_rows;
 };
+
+}  // namespace workbench

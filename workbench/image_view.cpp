@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace workbench {
+
 namespace {
 
 constexpr int slider_width = 16;  // pixels at 96 dots per inch
@@ -295,3 +297,5 @@ LRESULT Image_View::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             return Window_Base::On_Message(message, wparam, lparam);
     }
 }
+
+}  // namespace workbench

@@ -13,6 +13,8 @@
 #include "workbench/model/view_geometry.h"
 #include "workbench/window_base.h"
 
+namespace workbench {
+
 struct Shown_Marker {
     int x = 0;  ///< pixel of the slice
     int y = 0;
@@ -139,3 +141,5 @@ class Image_View : public Window_Base {
     POINT drag_at = {};
     int wheel_rest = 0;
 };
+
+}  // namespace workbench

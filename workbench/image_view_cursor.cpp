@@ -3,6 +3,8 @@
 
 #include "workbench/image_view.h"
 
+namespace workbench {
+
 void Image_View::Cursor_Set(bool on) {
     is_cursor = on && !content.source.levels.empty();
     if (!is_cursor) {
@@ -112,3 +114,5 @@ void Image_View::Draw_Keyboard_Marks(HDC dc) const {
         Fill(dc, line, RGB(255, 255, 255));
     }
 }
+
+}  // namespace workbench

@@ -3,6 +3,8 @@
 
 #include "workbench/image_view.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr COLORREF slice_text = RGB(236, 238, 242);
@@ -165,3 +167,5 @@ void Image_View::Draw_Slider(HDC dc) const {
     RECT place = {box.left + look.Px(3), y, box.right - look.Px(3), y + thumb};
     Fill(dc, place, drag == Drag::SLIDER ? look.accent : look.thumb);
 }
+
+}  // namespace workbench

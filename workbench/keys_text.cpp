@@ -6,6 +6,8 @@
 #include "workbench/commands.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 struct Gesture {
@@ -140,3 +142,5 @@ std::string Keys_Document() {
     text += "\n## Mouse\n\n" + Gesture_Table("Gesture", mouse_gestures);
     return text;
 }
+
+}  // namespace workbench

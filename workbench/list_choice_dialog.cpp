@@ -2,6 +2,8 @@
 
 #include "workbench/dialog_template.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int id_list = 100;
@@ -63,3 +65,5 @@ int List_Choice_Ask(HWND owner, const std::wstring& title, const std::wstring& l
                                                      reinterpret_cast<LPARAM>(&shown));
     return result == IDOK ? shown.chosen : -1;
 }
+
+}  // namespace workbench

@@ -6,7 +6,11 @@
 #include <string>
 #include <vector>
 
+namespace workbench {
+
 /** Runs a modal dialog. @param label stands above the list @param current the line that is marked at first
  *  @return index of the line; -1: given up */
 int List_Choice_Ask(HWND owner, const std::wstring& title, const std::wstring& label,
                     const std::vector<std::wstring>& lines, int current);
+
+}  // namespace workbench

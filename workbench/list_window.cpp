@@ -1,5 +1,7 @@
 #include "workbench/list_window.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int first_width = 760;  // pixels at 96 dots per inch
@@ -52,3 +54,5 @@ LRESULT List_Window::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             return Window_Base::On_Message(message, wparam, lparam);
     }
 }
+
+}  // namespace workbench

@@ -6,6 +6,8 @@
 #include "workbench/look.h"
 #include "workbench/window_base.h"
 
+namespace workbench {
+
 class List_Window : public Window_Base {
   public:
     explicit List_Window(const Look& shared_look) : look(shared_look) {}
@@ -20,3 +22,5 @@ class List_Window : public Window_Base {
     HWND label = nullptr;  // of the text, for those who hear the screen
     HWND lines = nullptr;  // the child that shows the text
 };
+
+}  // namespace workbench

@@ -6,6 +6,8 @@
 #include "workbench/model/theme_colors.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int dpi_normal = 96;
@@ -127,3 +129,5 @@ Buffered_Paint::~Buffered_Paint() {
                  dirty.left, dirty.top, SRCCOPY);
     }
 }
+
+}  // namespace workbench

@@ -8,6 +8,8 @@
 
 #include "kits/widgets/widgets_host.h"
 
+namespace workbench {
+
 /** The colours are those of model/theme_colors.h, where it is checked that they can be read. */
 class Look {
   public:
@@ -74,3 +76,5 @@ class Buffered_Paint {
     Gdi_Bitmap bitmap;
     std::optional<Selected_Object> selected;
 };
+
+}  // namespace workbench

@@ -10,6 +10,8 @@
 #include "workbench/application.h"
 #include "workbench/wide_text.h"
 
+using namespace workbench;
+
 namespace {
 
 constexpr int status_wrong_use = 2;

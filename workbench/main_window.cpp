@@ -5,6 +5,8 @@
 
 #include "host/kit_widgets.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr LONG least_width = 640;
@@ -83,3 +85,5 @@ LRESULT Main_Window::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             return Window_Base::On_Message(message, wparam, lparam);
     }
 }
+
+}  // namespace workbench

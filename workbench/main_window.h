@@ -6,6 +6,8 @@
 #include "workbench/commands.h"
 #include "workbench/window_base.h"
 
+namespace workbench {
+
 /** Who answers the window. */
 class Main_Window_User {
   public:
@@ -36,3 +38,5 @@ class Main_Window : public Window_Base {
     Main_Window_User& user;
     bool is_made = false;
 };
+
+}  // namespace workbench

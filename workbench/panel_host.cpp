@@ -7,6 +7,8 @@
 
 #include "kits/widgets/shown_widgets.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int face_font_most = 15;   // pixels; the rows of such panels are 18 pixels high on every screen
@@ -179,3 +181,5 @@ LRESULT Panel_Host::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             return Window_Base::On_Message(message, wparam, lparam);
     }
 }
+
+}  // namespace workbench

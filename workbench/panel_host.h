@@ -11,6 +11,8 @@
 #include "workbench/look.h"
 #include "workbench/window_base.h"
 
+namespace workbench {
+
 /** What all panel classes have in common. */
 class Panel_Base {
   public:
@@ -114,3 +116,5 @@ class Panel_Host : public Window_Base {
     bool is_laid_out = false;
     bool is_watched = false;  // the library notes what it paints, from the first question on
 };
+
+}  // namespace workbench

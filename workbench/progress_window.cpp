@@ -8,6 +8,8 @@
 
 #include "workbench/accessible.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int width = 420;  // pixels at 96 dots per inch
@@ -119,3 +121,5 @@ LRESULT Progress_Window::On_Message(UINT message, WPARAM wparam, LPARAM lparam) 
             return Window_Base::On_Message(message, wparam, lparam);
     }
 }
+
+}  // namespace workbench

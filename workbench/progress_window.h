@@ -6,6 +6,8 @@
 #include "workbench/look.h"
 #include "workbench/window_base.h"
 
+namespace workbench {
+
 /** Appears only when the action takes a while; from then on its owner takes no input. Until then the program answers
  *  nothing. */
 class Progress_Window : public Window_Base {
@@ -31,3 +33,5 @@ class Progress_Window : public Window_Base {
     DWORD start = 0;
     bool is_cancelled = false;
 };
+
+}  // namespace workbench

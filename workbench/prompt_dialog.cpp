@@ -2,6 +2,8 @@
 
 #include "workbench/dialog_template.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int id_entry = 100;
@@ -49,3 +51,5 @@ std::optional<std::wstring> Prompt(HWND owner, const std::wstring& title, const 
     }
     return answer;
 }
+
+}  // namespace workbench

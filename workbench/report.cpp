@@ -4,6 +4,8 @@
 
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 Report::~Report() {
     if (file != nullptr) {
         std::fclose(file);
@@ -23,3 +25,5 @@ void Report::Line(std::string text) {
     std::fprintf(file, "%s\n", text.c_str());
     std::fflush(file);
 }
+
+}  // namespace workbench

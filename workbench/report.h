@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <string>
 
+namespace workbench {
+
 /** Appends to a file; without a file it does nothing. Every line is written out at once. */
 class Report {
   public:
@@ -20,3 +22,5 @@ class Report {
   private:
     std::FILE* file = nullptr;
 };
+
+}  // namespace workbench

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace workbench {
+
 bool Status_Line::Make(HWND parent) {
     return Create(parent, WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, L"");
 }
@@ -64,3 +66,5 @@ LRESULT Status_Line::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
     }
     return 0;
 }
+
+}  // namespace workbench

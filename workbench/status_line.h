@@ -6,6 +6,8 @@
 #include "workbench/look.h"
 #include "workbench/window_base.h"
 
+namespace workbench {
+
 class Status_Line : public Window_Base {
   public:
     explicit Status_Line(const Look& shared_look) : look(shared_look) {}
@@ -30,3 +32,5 @@ class Status_Line : public Window_Base {
     std::wstring voxel;
     std::wstring mark;
 };
+
+}  // namespace workbench

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+namespace workbench {
+
 class System_Library {
   public:
     /** Loads it; it stays until the program ends. */
@@ -17,3 +19,5 @@ class System_Library {
   private:
     HMODULE handle;
 };
+
+}  // namespace workbench

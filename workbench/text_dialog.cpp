@@ -2,6 +2,8 @@
 
 #include "workbench/dialog_template.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int id_text = 100;
@@ -69,3 +71,5 @@ int Text_Show(HWND owner, const std::wstring& title, const std::wstring& lines, 
                                                      reinterpret_cast<LPARAM>(&shown));
     return result >= id_choice_0 ? static_cast<int>(result) - id_choice_0 : -1;
 }
+
+}  // namespace workbench

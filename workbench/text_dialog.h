@@ -6,8 +6,12 @@
 #include <string>
 #include <vector>
 
+namespace workbench {
+
 /** @param lines separated by \n @param font outlives the call @param choices further buttons beside "Close", with marks
  *  for their letters
  *  @return index of the button that was pressed; -1: closed */
 int Text_Show(HWND owner, const std::wstring& title, const std::wstring& lines, HFONT font,
               const std::vector<std::wstring>& choices = {});
+
+}  // namespace workbench

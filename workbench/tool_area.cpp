@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace workbench {
+
 namespace {
 
 constexpr int heading_height = 24;  // pixels at 96 dots per inch
@@ -287,3 +289,5 @@ LRESULT Tool_Area::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             return Window_Base::On_Message(message, wparam, lparam);
     }
 }
+
+}  // namespace workbench

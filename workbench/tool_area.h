@@ -9,6 +9,8 @@
 #include "workbench/model/scroll_thumb.h"
 #include "workbench/panel_host.h"
 
+namespace workbench {
+
 class Tool_Area : public Window_Base {
   public:
     explicit Tool_Area(const Look& shared_look) : look(shared_look) {}
@@ -70,3 +72,5 @@ class Tool_Area : public Window_Base {
     Scroll_Extent scroll;
     int grip = -1;  ///< where the dragged thumb is held, pixels from its top; -1: it is not
 };
+
+}  // namespace workbench

@@ -4,6 +4,8 @@
 
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr std::size_t entries_max = 2000;
@@ -96,3 +98,5 @@ LRESULT Trace_View::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             return Window_Base::On_Message(message, wparam, lparam);
     }
 }
+
+}  // namespace workbench

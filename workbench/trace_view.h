@@ -8,6 +8,8 @@
 #include "workbench/model/wheel_notches.h"
 #include "workbench/window_base.h"
 
+namespace workbench {
+
 /** Keeps the last lines always, also while it is hidden. */
 class Trace_View : public Window_Base {
   public:
@@ -38,3 +40,5 @@ class Trace_View : public Window_Base {
     int back = 0;  ///< lines scrolled back from the newest
     Wheel_Lines wheel{3};
 };
+
+}  // namespace workbench

@@ -8,6 +8,8 @@
 #include "workbench/model/slice_smoothing.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int grid_bins_max = 4096;
@@ -53,12 +55,12 @@ Histo_Grid Grid_Of(std::int32_t lowest, std::int32_t highest, float slope, float
     return Histo_Grid_Of_Levels(lowest, highest, slope, intercept, grid_bins_max - added);
 }
 
-void Histogram_Build(Level_Frame& frame, const Volume& image, const unsigned char* mask) {
+void Histogram_Build(Level_Frame& frame, const volumes::Volume& image, const unsigned char* mask) {
     Frame_Histogram_Build(&frame, Grid_Of(image.level_min, image.level_max, frame.slope, frame.intercept), mask);
 }
 
 /** Gives the frame the histogram of its 3 x 3 means. @param smooth room for them */
-void Smooth_Histogram_Build(Level_Frame& frame, const Volume& image, const unsigned char* mask,
+void Smooth_Histogram_Build(Level_Frame& frame, const volumes::Volume& image, const unsigned char* mask,
                             std::vector<std::int32_t>& smooth) {
     const std::size_t plane = std::size_t{frame.width} * frame.height;
     const std::int32_t steps = Smoothing_Steps(image.level_min, image.level_max);
@@ -116,7 +118,7 @@ void Volume_Objects::Build(const Open_Volumes& volumes, const Session& in_hand) 
 }
 
 void Volume_Objects::Volume_Build(int at, const Volume_Facts& facts, const Session& session) {
-    const Volume& image = session.Image();
+    const volumes::Volume& image = session.Image();
     const Panel_Scale scale = Panel_Scale_Of(image);
     const auto slope = static_cast<float>(scale.To_Panel(image.slope));
     const auto intercept = static_cast<float>(scale.To_Panel(image.intercept));
@@ -261,7 +263,7 @@ void Volume_Objects::Histograms_Build(const Session& session, const Counted_Pixe
     if (Current() == nullptr) {
         return;
     }
-    const Volume& image = session.Image();
+    const volumes::Volume& image = session.Image();
     const bool is_masked = counted.tag >= 0 || (counted.background && !image.color);
     std::vector<unsigned char> mask;
     std::vector<std::int32_t> smooth;
@@ -289,3 +291,5 @@ void Volume_Objects::Histograms_Build(const Session& session, const Counted_Pixe
         }
     }
 }
+
+}  // namespace workbench

@@ -12,6 +12,8 @@
 #include "workbench/model/open_volumes.h"
 #include "workbench/model/panel_scale.h"
 
+namespace workbench {
+
 /** Where a frame is: -1 for no frame. */
 struct Frame_Place {
     int volume = -1;
@@ -91,3 +93,5 @@ class Volume_Objects {
     std::unordered_map<const Quorel_2D*, Frame_Place> places;
     int current = -1;
 };
+
+}  // namespace workbench

@@ -4,6 +4,8 @@
 
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr DWORD together = 400;  // milliseconds within which messages belong together
@@ -123,3 +125,5 @@ LRESULT Warning_Banner::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             return Window_Base::On_Message(message, wparam, lparam);
     }
 }
+
+}  // namespace workbench

@@ -9,6 +9,8 @@
 #include "workbench/look.h"
 #include "workbench/window_base.h"
 
+namespace workbench {
+
 class Warning_Banner : public Window_Base {
   public:
     /** @param on_change called when the banner appears, grows or goes, so that it is given its place */
@@ -44,3 +46,5 @@ class Warning_Banner : public Window_Base {
     std::vector<Line> lines;
     DWORD last_time = 0;  ///< of the last message, milliseconds
 };
+
+}  // namespace workbench

@@ -6,6 +6,8 @@
 
 #include "host/kit_common.h"
 
+namespace workbench {
+
 std::wstring Wide_Of_Utf8(std::string_view text) {
     const int length = ::MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
     std::wstring wide(static_cast<std::size_t>(length), L' ');
@@ -39,3 +41,5 @@ std::string Panel_Of_Wide(std::wstring_view text) {
     bytes.resize(static_cast<std::size_t>(length));
     return bytes;
 }
+
+}  // namespace workbench

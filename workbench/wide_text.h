@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+namespace workbench {
+
 /** UTF-8 to wide; broken bytes become replacement characters. */
 std::wstring Wide_Of_Utf8(std::string_view text);
 std::string Utf8_Of_Wide(std::wstring_view text);
@@ -11,3 +13,5 @@ std::string Utf8_Of_Wide(std::wstring_view text);
 std::wstring Wide_Of_Panel(const char* text);
 /** The same the other way; letters that the code page lacks become question marks. */
 std::string Panel_Of_Wide(std::wstring_view text);
+
+}  // namespace workbench

@@ -10,6 +10,8 @@
 #include "workbench/accessible.h"
 #include "workbench/automation_provider.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr const wchar_t* class_name = L"Workbench_Window";
@@ -120,3 +122,5 @@ void Watch_Leave(HWND window) {
     TRACKMOUSEEVENT leave = {sizeof leave, TME_LEAVE, window, 0};
     ::TrackMouseEvent(&leave);
 }
+
+}  // namespace workbench

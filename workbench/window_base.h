@@ -5,6 +5,8 @@
 
 #include <memory>
 
+namespace workbench {
+
 struct Accessible_Source;
 
 /** Derive, call Create, answer messages in On_Message. The window is destroyed with the object. No exception leaves a
@@ -43,3 +45,5 @@ void Pointer_Take(HWND window, LPARAM client_position);
 int Held_Buttons(WPARAM keys);
 /** Asks for WM_MOUSELEAVE. */
 void Watch_Leave(HWND window);
+
+}  // namespace workbench

@@ -10,6 +10,8 @@
 #include "workbench/model/propagation.h"
 #include "workbench/model/slice_render.h"
 
+using namespace workbench;
+
 namespace {
 
 constexpr int side = 512;

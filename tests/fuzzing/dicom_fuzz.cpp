@@ -10,6 +10,8 @@
 #include "workbench/volumes/dicom_series.h"
 #include "workbench/volumes/volume_statistics.h"
 
+using namespace volumes;
+
 namespace {
 
 constexpr std::uint64_t decoded_most = 1U

@@ -12,6 +12,8 @@
 #include "workbench/model/marker_table.h"
 #include "workbench/model/settings.h"
 
+using namespace workbench;
+
 namespace {
 
 constexpr Label_Extent extent = {181, 181, 217};

@@ -8,6 +8,8 @@
 #include "workbench/volumes/nifti_reader.h"
 #include "workbench/volumes/volume_statistics.h"
 
+using namespace volumes;
+
 namespace {
 
 constexpr std::uint64_t decoded_most = 4U

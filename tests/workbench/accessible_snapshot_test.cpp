@@ -7,6 +7,8 @@
 #include "tests/workbench/automation_client.h"
 #include "tests/workbench/told_window.h"
 
+using namespace workbench;
+
 namespace {
 
 Accessible_Source Example(DWORD* thread) {

@@ -11,6 +11,8 @@
 #include "workbench/host_variables.h"
 #include "workbench/panel_host.h"
 
+using namespace workbench;
+
 namespace {
 
 Accessible_Source Example() {

@@ -15,6 +15,8 @@
 #include "workbench/host_variables.h"
 #include "workbench/panel_host.h"
 
+using namespace workbench;
+
 namespace {
 
 constexpr int control_button = 50000;

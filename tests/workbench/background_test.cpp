@@ -7,6 +7,9 @@
 #include <string>
 #include <vector>
 
+using namespace volumes;
+using namespace workbench;
+
 namespace {
 
 Volume Volume_Of(std::vector<std::int32_t> levels, double slope = 1, double intercept = 0) {

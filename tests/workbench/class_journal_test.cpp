@@ -14,6 +14,8 @@
 #include <sys/resource.h>
 #endif
 
+using namespace workbench;
+
 namespace {
 
 constexpr Class_Kind KIND = Class_Kind::CLASSES_3D;

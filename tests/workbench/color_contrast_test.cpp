@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace workbench;
+
 namespace {
 
 TEST(Color_Contrast, black_and_white_are_the_ends) {

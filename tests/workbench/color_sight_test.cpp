@@ -6,6 +6,8 @@
 
 #include "workbench/model/tag_table.h"
 
+using namespace workbench;
+
 namespace {
 
 struct Published {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace workbench;
+
 namespace {
 
 Command_Line Parse(std::vector<std::string> arguments) {

@@ -13,6 +13,8 @@
 #include "workbench/global_keys.h"
 #include "workbench/keys_text.h"
 
+using namespace workbench;
+
 namespace {
 
 std::string Narrow(const std::wstring& text) {

@@ -11,6 +11,8 @@
 #include <random>
 #include <stdexcept>
 
+using namespace workbench;
+
 namespace {
 
 namespace fs = std::filesystem;

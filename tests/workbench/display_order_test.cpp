@@ -6,6 +6,9 @@
 
 #include <numeric>
 
+using namespace volumes;
+using namespace workbench;
+
 namespace {
 
 Affine Diagonal(double x, double y, double z) {

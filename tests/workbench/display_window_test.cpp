@@ -5,6 +5,9 @@
 #include <cmath>
 #include <cstdlib>
 
+using namespace volumes;
+using namespace workbench;
+
 namespace {
 
 Volume Volume_Of(std::int32_t low, std::int32_t high) {

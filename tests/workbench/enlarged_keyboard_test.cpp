@@ -2,6 +2,8 @@
 
 #include "tests/histogram/blow_stage.h"
 
+using namespace workbench;
+
 namespace {
 
 class Enlarged_Keyboard : public Blow_Stage {

@@ -4,6 +4,8 @@
 
 #include <vector>
 
+using namespace workbench;
+
 namespace {
 
 struct Turn {

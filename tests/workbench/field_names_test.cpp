@@ -9,6 +9,8 @@
 #include "workbench/prompt_dialog.h"
 #include "workbench/text_dialog.h"
 
+using namespace workbench;
+
 namespace {
 
 /** What was heard of the field of a dialog, which is then given up. */

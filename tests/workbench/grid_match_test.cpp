@@ -6,6 +6,8 @@
 #include <limits>
 #include <numeric>
 
+using namespace workbench;
+
 namespace {
 
 constexpr Volume_Grid IMAGE = {{5, 4, 3}, {{{2, 0, 0, -10}, {0, 1, 0, 20}, {0, 0, 3, 5}}}};

@@ -4,6 +4,8 @@
 
 #include "tests/histogram/histo_stage.h"
 
+using namespace workbench;
+
 namespace {
 
 TEST(Histogram_Base, nothing_stays_on_the_screen_of_counts_that_are_gone) {

@@ -7,6 +7,8 @@
 
 #include "workbench/model/marker_table.h"
 
+using namespace workbench;
+
 namespace {
 
 class Host_Variables_Test : public ::testing::Test {

@@ -14,6 +14,8 @@
 #include <sys/resource.h>
 #endif
 
+using namespace workbench;
+
 namespace {
 
 constexpr Label_Extent extent = {10, 10, 10};

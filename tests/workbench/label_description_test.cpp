@@ -13,6 +13,8 @@
 #include "workbench/model/line_reader.h"
 #include "workbench/model/marker_table.h"
 
+using namespace workbench;
+
 namespace {
 
 constexpr Label_Extent extent = {100, 200, 300};

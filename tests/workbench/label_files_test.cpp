@@ -7,6 +7,9 @@
 
 #include "workbench/volumes/message_text.h"
 
+using namespace volumes;
+using namespace workbench;
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+using namespace workbench;
+
 namespace {
 
 TEST(Line_Reader, takes_words_numbers_and_texts_in_their_order) {

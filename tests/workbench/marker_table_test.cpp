@@ -4,6 +4,8 @@
 
 #include <set>
 
+using namespace workbench;
+
 namespace {
 
 TEST(Marker_Table, has_no_marker_placed_at_first) {

@@ -7,6 +7,8 @@
 #include <random>
 #include <vector>
 
+using namespace workbench;
+
 namespace {
 
 TEST(Number_Text, has_three_digits_at_least_and_never_rounds_before_the_point) {

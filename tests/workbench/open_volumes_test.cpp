@@ -5,6 +5,9 @@
 
 #include <numeric>
 
+using namespace volumes;
+using namespace workbench;
+
 namespace {
 
 using testing::ElementsAre;

@@ -7,6 +7,8 @@
 #include <random>
 #include <set>
 
+using namespace workbench;
+
 namespace {
 
 /** A disc as the brush panel builds them: dx * dx + dy * dy < size * size. */

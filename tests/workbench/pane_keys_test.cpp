@@ -6,6 +6,8 @@
 
 #include "host/kit_widgets.h"
 
+using namespace workbench;
+
 namespace {
 
 constexpr int columns = 4;

@@ -4,6 +4,9 @@
 
 #include <cmath>
 
+using namespace volumes;
+using namespace workbench;
+
 namespace {
 
 Volume Volume_Of(double low, double high, std::int32_t steps) {

@@ -6,6 +6,8 @@
 #include <random>
 #include <vector>
 
+using namespace workbench;
+
 namespace {
 
 /** Two frames of 40 x 30 pixels. */

@@ -20,6 +20,9 @@
 #include "workbench/model/recovery_recorder.h"
 #include "workbench/volumes/nifti_reader.h"
 
+using namespace volumes;
+using namespace workbench;
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -18,6 +18,9 @@
 #include "workbench/volumes/nifti_reader.h"
 #include "workbench/volumes/nifti_writer.h"
 
+using namespace volumes;
+using namespace workbench;
+
 namespace {
 
 namespace fs = std::filesystem;

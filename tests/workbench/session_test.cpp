@@ -11,6 +11,9 @@
 #include "workbench/model/label_description_file.h"
 #include "workbench/volumes/nifti_reader.h"
 
+using namespace volumes;
+using namespace workbench;
+
 namespace {
 
 constexpr int nx = 12;

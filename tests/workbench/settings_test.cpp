@@ -11,6 +11,8 @@
 #include <sys/resource.h>
 #endif
 
+using namespace workbench;
+
 namespace {
 
 Settings Example() {

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <vector>
 
+using namespace workbench;
+
 namespace {
 
 constexpr std::uint32_t marker = 0xDEADBEEF;

@@ -9,6 +9,9 @@
 
 #include "workbench/volumes/volume.h"
 
+using namespace volumes;
+using namespace workbench;
+
 namespace {
 
 std::vector<std::int32_t> Smooth(const std::vector<std::int32_t>& levels, int width, int height, std::int32_t steps) {

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace workbench;
+
 namespace {
 
 /** A window that holds the line. */

@@ -7,6 +7,8 @@
 
 #include "workbench/model/label_map.h"
 
+using namespace workbench;
+
 namespace {
 
 TEST(Tag_Table, the_first_tags_have_names_and_the_rest_their_numbers) {

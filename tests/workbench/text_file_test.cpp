@@ -6,6 +6,8 @@
 #include <iterator>
 #include <random>
 
+using namespace workbench;
+
 namespace {
 
 class Text_File : public ::testing::Test {

@@ -4,6 +4,8 @@
 
 #include "workbench/model/color_contrast.h"
 
+using namespace workbench;
+
 namespace {
 
 TEST(Theme_Colors, everything_can_be_read_in_both_themes) {

@@ -3,7 +3,7 @@
 
 #include "workbench/window_base.h"
 
-class Told_Window : public Window_Base {
+class Told_Window : public workbench::Window_Base {
   public:
     bool Make() { return Create(nullptr, WS_POPUP | WS_VISIBLE, L"plain"); }
     int presses = 0;  ///< of the left mouse button
@@ -11,6 +11,6 @@ class Told_Window : public Window_Base {
   protected:
     LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override {
         presses += message == WM_LBUTTONDOWN ? 1 : 0;
-        return Window_Base::On_Message(message, wparam, lparam);
+        return workbench::Window_Base::On_Message(message, wparam, lparam);
     }
 };

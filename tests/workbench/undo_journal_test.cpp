@@ -4,6 +4,8 @@
 
 #include <random>
 
+using namespace workbench;
+
 namespace {
 
 Undo_Step Step(const std::string& title) {

@@ -6,6 +6,8 @@
 #include <functional>
 #include <vector>
 
+using namespace workbench;
+
 namespace {
 
 TEST(Update_Delivery, delivers_at_once) {

@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+using namespace workbench;
+
 namespace {
 
 View_State State(int view_width, int view_height, int slice_width, int slice_height, double zoom) {

@@ -10,6 +10,9 @@
 
 #include "database/tool_db_file.h"
 
+using namespace volumes;
+using namespace workbench;
+
 namespace {
 
 using testing::ElementsAre;

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+using namespace volumes;
+using namespace workbench;
+
 namespace {
 
 Session Session_Of(std::vector<std::int32_t> levels, double slope, double intercept) {

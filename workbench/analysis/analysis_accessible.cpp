@@ -8,6 +8,8 @@
 #include "workbench/analysis/analysis_window.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 std::shared_ptr<Accessible_Source> Analysis_Window::Accessible_Make() {
     auto told = std::make_shared<Accessible_Source>();
     told->role = ROLE_SYSTEM_PANE;
@@ -59,3 +61,5 @@ std::vector<Accessible_Part> Analysis_Window::Accessible_Parts() {
                      0});
     return parts;
 }
+
+}  // namespace workbench

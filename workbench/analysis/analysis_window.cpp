@@ -18,6 +18,8 @@
 #include "workbench/model/number_text.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr const wchar_t* CLASS_NAME = L"Kit_Analysis";
@@ -480,3 +482,5 @@ LRESULT CALLBACK Analysis_Window::Procedure(HWND of_window, UINT message, WPARAM
     return self != nullptr && self->window != nullptr ? self->Handle(message, wparam, lparam)
                                                       : ::DefWindowProcW(of_window, message, wparam, lparam);
 }
+
+}  // namespace workbench

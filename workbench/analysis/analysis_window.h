@@ -14,9 +14,12 @@
 #include "workbench/look.h"
 #include "workbench/model/wheel_notches.h"
 
+class Tool_Histo;
+
+namespace workbench {
+
 struct Accessible_Part;
 struct Accessible_Source;
-class Tool_Histo;
 
 /** What the window needs of the application. */
 struct Analysis_Host {
@@ -112,3 +115,5 @@ class Analysis_Window {
     std::shared_ptr<Accessible_Source> accessible;  // while the window is open
     bool is_watched = false;                        // the library notes what it paints, from the first question on
 };
+
+}  // namespace workbench

@@ -4,6 +4,8 @@
 
 #include "workbench/model/number_text.h"
 
+namespace workbench {
+
 Band_Plan::Band_Plan(std::span<const Peak_Row> peaks, int background, int tag_count) : tag_nb(tag_count) {
     int next = 1;  // the background TAG claims no levels
     for (std::size_t at = 0; at < peaks.size(); ++at) {
@@ -35,3 +37,5 @@ std::string Band_Choice_Text(const Band_Choice& choice, const std::string& tag_n
     text += "TAG " + std::to_string(choice.tag) + " " + tag_name;
     return now.is_set ? text + ", now " + Number_Text(now.from, 4) + " to " + Number_Text(now.to, 4) : text;
 }
+
+}  // namespace workbench

@@ -7,6 +7,8 @@
 
 #include "workbench/analysis/peak_table.h"
 
+namespace workbench {
+
 /** The grey levels of a peak, and the TAG that is to claim them. */
 struct Band_Choice {
     int peak = 0;  ///< its number in the table
@@ -46,3 +48,5 @@ int Background_Peak(std::span<const Peak_Row> peaks, double mode);
 /** A choice for people: "Peak 2   12.3 to 45.6   TAG 1 Fluid, which claims 10.0 to 40.0 now". UTF-8
  *  @param now what the TAG claims */
 std::string Band_Choice_Text(const Band_Choice& choice, const std::string& tag_name, const Claimed_Levels& now);
+
+}  // namespace workbench

@@ -6,6 +6,8 @@
 
 #include "workbench/model/line_reader.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr double FILTERED_EXACT = 0.0000005;  // half of the last decimal
@@ -200,3 +202,5 @@ std::string Export_Check_Report(const Export_Check& check, const std::string& na
     }
     return report;
 }
+
+}  // namespace workbench

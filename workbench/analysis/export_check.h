@@ -11,6 +11,8 @@
 
 #include "workbench/analysis/peak_table.h"
 
+namespace workbench {
+
 /** The column of a TAG. */
 struct Export_Column {
     std::string name;  ///< as the file names it
@@ -44,3 +46,5 @@ Export_Check Export_Check_Text(std::string_view text, const Export_Expected& exp
 
 /** The result for people, lines separated by \n. @param name of the file */
 std::string Export_Check_Report(const Export_Check& check, const std::string& name);
+
+}  // namespace workbench

@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <limits>
 
+namespace workbench {
+
 namespace {
 
 constexpr int LEVEL_WARNING = 2;
@@ -117,3 +119,5 @@ std::vector<std::string> Fit_Log::Lines() const {
     }
     return lines;
 }
+
+}  // namespace workbench

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+namespace workbench {
+
 /** What became of one candidate. */
 struct Fit_Candidate {
     int bin = 0;              ///< where it was found
@@ -40,3 +42,5 @@ class Fit_Log {
     int passes = 0;
     int last_maxima = 0;
 };
+
+}  // namespace workbench

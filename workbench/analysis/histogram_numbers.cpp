@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+namespace workbench {
+
 namespace {
 
 /** The smallest level that at least this share of the pixels does not exceed. */
@@ -57,3 +59,5 @@ Histogram_Numbers Histogram_Numbers_Of(std::span<const std::uint32_t> counts, co
     numbers.percentile_99 = Percentile(counts, numbers.pixels, 0.99, level);
     return numbers;
 }
+
+}  // namespace workbench

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <span>
 
+namespace workbench {
+
 /** Grid of a histogram. */
 struct Numbers_Grid {
     double origin = 0.0;     ///< GLI value of the lower edge of bin 0
@@ -28,3 +30,5 @@ struct Histogram_Numbers {
  * wider bins */
 Histogram_Numbers Histogram_Numbers_Of(std::span<const std::uint32_t> counts, const Numbers_Grid& grid,
                                        double level_offset);
+
+}  // namespace workbench

@@ -9,6 +9,8 @@
 #include "host/kit_common.h"
 #include "workbench/model/number_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int PARAMETERS = 3;
@@ -280,3 +282,5 @@ std::string Analysis_Full_Text(const Peak_Table& table, const Analysed_Curve& cu
     }
     return text;
 }
+
+}  // namespace workbench

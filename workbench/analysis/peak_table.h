@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace workbench {
+
 /** A peak as the analysis leaves it, positions in bins. */
 struct Found_Peak {
     bool is_segment = false;
@@ -72,3 +74,5 @@ std::string Peak_Table_Text(const Peak_Table& table);
 /** Everything that is known of an analysis, numbers as exact as they are: peaks, and every bin of the curve. Columns
  * are separated by tabs, lines end with \n. @param source lines that tell what was counted, UTF-8 */
 std::string Analysis_Full_Text(const Peak_Table& table, const Analysed_Curve& curve, const std::string& source);
+
+}  // namespace workbench

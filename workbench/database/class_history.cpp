@@ -6,6 +6,8 @@
 #include "workbench/database/class_tree_objects.h"
 #include "workbench/volumes/message_text.h"
 
+namespace workbench {
+
 namespace {
 
 template <class Object>
@@ -136,8 +138,8 @@ std::string Class_History::Open(Quorel_2D* images, const std::filesystem::path& 
         problem = "Not every change of the class trees could be done again.";
     }
     if (is_without_data && problem.empty()) {
-        problem = "The changes of the class trees that were made before " + File_Name_Text(data) +
-                  " was opened are taken back: " + File_Name_Text(file) + " has others.";
+        problem = "The changes of the class trees that were made before " + volumes::File_Name_Text(data) +
+                  " was opened are taken back: " + volumes::File_Name_Text(file) + " has others.";
     }
     return problem;
 }
@@ -165,3 +167,5 @@ std::optional<Class_Step> Class_History::Go(bool redo) {
 std::string Class_History::Save() {
     return file.empty() || !journal.Is_Unsaved() ? std::string() : journal.Save(file);
 }
+
+}  // namespace workbench

@@ -16,6 +16,8 @@
 #include "kits/dataset/dataset_host.h"
 #include "workbench/model/class_journal.h"
 
+namespace workbench {
+
 /** How the objects' texts become the journal's UTF-8 and back. */
 struct Class_Text_Coding {
     std::function<std::string(const char*)> to_utf8 = [](const char* text) { return std::string(text); };
@@ -87,3 +89,5 @@ class Class_History {
     std::tuple<Known<Quorel_1D>, Known<Quorel_2D>, Known<Quorel_3D>> known;
     std::filesystem::path file;
 };
+
+}  // namespace workbench

@@ -4,6 +4,8 @@
 #include <map>
 #include <span>
 
+namespace workbench {
+
 namespace {
 
 /** One class: where it hangs, what it is, what it is called. A title has an icon "class TITLE.tga". */
@@ -71,3 +73,5 @@ Class_Objects::~Class_Objects() {
     Variable_Define_Pointer("$DB_1D_ROOT_PT", nullptr);
     Variable_Define_Pointer("$DB_3D_ROOT_PT", nullptr);
 }
+
+}  // namespace workbench

@@ -7,6 +7,8 @@
 
 #include "kits/dataset/dataset_host.h"
 
+namespace workbench {
+
 /** Owns the objects; the kit owns how they hang together. Named in "$DB_1D_ROOT_PT" and "$DB_3D_ROOT_PT" for as long as
  *  it lives. */
 class Class_Objects {
@@ -23,3 +25,5 @@ class Class_Objects {
     std::vector<std::unique_ptr<Quorel_1D>> curves;  // the root first
     std::vector<std::unique_ptr<Quorel_3D>> structures;
 };
+
+}  // namespace workbench

@@ -6,6 +6,8 @@
 
 #include "workbench/model/class_tree.h"
 
+namespace workbench {
+
 /** The tree below a root object. @param id_of gives each object its id; one without an id is left out with what hangs
  * on it. @param name_of gives its name as the tree is to have it */
 template <class Object>
@@ -48,3 +50,5 @@ bool Class_Action_Do(const Class_Action& action, const std::function<Object*(con
     }
     return parent == nullptr || parent->Child_Insert(move.to.position, object) != 0;
 }
+
+}  // namespace workbench

@@ -12,6 +12,8 @@
 #include "workbench/database/tree_parts.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int tab_height = 26;  // pixels at 96 dots per inch
@@ -421,3 +423,5 @@ LRESULT Database_Pane::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             return Window_Base::On_Message(message, wparam, lparam);
     }
 }
+
+}  // namespace workbench

@@ -12,6 +12,8 @@
 #include "workbench/database/find_view.h"
 #include "workbench/database/tree_base.h"
 
+namespace workbench {
+
 /** What the column shows. */
 enum class Database_View { FILES, CLASSES_2D, CLASSES_3D, CLASSES_1D };
 inline constexpr int DATABASE_VIEW_NB = 4;
@@ -103,3 +105,5 @@ class Database_Pane : public Window_Base {
     bool is_dragged = false;
     bool has_focus = false;
 };
+
+}  // namespace workbench

@@ -4,6 +4,8 @@
 #include <new>
 #include <utility>
 
+namespace workbench {
+
 namespace {
 
 constexpr const char* SOURCE = "workbench/database/find_view.cpp";
@@ -167,3 +169,5 @@ void Find_View::List_Select_To_DB(int nb, DB_List* list_pt) {
     }
     source->List_Select_To_DB(all_nb, all);
 }
+
+}  // namespace workbench

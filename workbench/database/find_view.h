@@ -7,6 +7,8 @@
 #include "database/tool_db_list.h"
 #include "workbench/database/find_words.h"
 
+namespace workbench {
+
 /** Lists the leaves of another view that match by their texts, their modality or the branches above them. Each row says
  *  in extra columns where in the tree it is, and of what modality.
  *
@@ -43,3 +45,5 @@ class Find_View : public Tool_DB_List {
     DB_List* all = nullptr;
     std::vector<int> found;  ///< records that are listed
 };
+
+}  // namespace workbench

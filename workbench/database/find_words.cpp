@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace workbench {
+
 namespace {
 
 std::string Small_Letters(std::string_view text) {
@@ -32,3 +34,5 @@ bool Find_Words::Match(std::string_view text) const {
         return small.find(word) != std::string::npos;
     });
 }
+
+}  // namespace workbench

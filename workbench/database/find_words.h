@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+namespace workbench {
+
 /** The words of a find field: a text matches when each of them occurs in it. Letters of the English alphabet match
  *  either case. */
 class Find_Words {
@@ -19,3 +21,5 @@ class Find_Words {
   private:
     std::vector<std::string> words;  ///< in small letters
 };
+
+}  // namespace workbench

@@ -8,6 +8,8 @@
 #include "kits/dataset/dataset_host.h"
 #include "workbench/database/tree_keys.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int row_height = 18;   // of a row in browse mode, pixels
@@ -214,3 +216,5 @@ std::string Class_At(const Tool_DB_List& editor, int x, int y) {
     const char* text = node.name != nullptr ? node.name : node.title;
     return text != nullptr ? text : "?";
 }
+
+}  // namespace workbench

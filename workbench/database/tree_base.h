@@ -7,6 +7,8 @@
 #include "database/tool_db_list.h"
 #include "workbench/panel_host.h"
 
+namespace workbench {
+
 class Tree_Base : public Panel_Of<Tool_DB_List> {
   public:
     /** @param may_remove asked in edit mode before the class of this name is taken out of the tree */
@@ -46,3 +48,5 @@ class Tree_Base : public Panel_Of<Tool_DB_List> {
 /** Name or title of the class that Delete takes out of the tree with the pointer at a position of the editor; empty:
  *  none. @param x, y of the window's axis */
 std::string Class_At(const Tool_DB_List& editor, int x, int y);
+
+}  // namespace workbench

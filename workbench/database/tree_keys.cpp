@@ -4,6 +4,8 @@
 
 #include "host/kit_widgets.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int row_height = 18;  // of the database panels, pixels
@@ -107,3 +109,5 @@ void Tree_Expand_All(int nb, DB_List* list_pt, bool open) {
         }
     }
 }
+
+}  // namespace workbench

@@ -5,6 +5,8 @@
 
 #include "database/db_list.h"
 
+namespace workbench {
+
 /** Record indices of the displayed rows, top first: what lies in collapsed branches is left out. */
 std::vector<int> Tree_Shown(int nb, const DB_List* list_pt);
 
@@ -29,3 +31,5 @@ int Tree_Shown_Middle(int row);
 
 /** Opens or closes every branch. */
 void Tree_Expand_All(int nb, DB_List* list_pt, bool open);
+
+}  // namespace workbench

@@ -11,6 +11,8 @@
 #include "workbench/database/tree_keys.h"
 #include "workbench/wide_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int row_height = 18;  // pixels
@@ -105,3 +107,5 @@ std::vector<Accessible_Part> Tree_Parts(const Tool_DB_List& tree, int current, H
     }
     return parts;
 }
+
+}  // namespace workbench

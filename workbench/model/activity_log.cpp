@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace workbench {
+
 void Activity_Log::Add(std::string_view line) {
     Kept_Line& kept = lines[added % ACTIVITY_LINES];
     kept.size = std::min(line.size(), kept.text.size());
@@ -17,3 +19,5 @@ std::string_view Activity_Log::Line(std::size_t index) const {
     const Kept_Line& kept = lines[(added < ACTIVITY_LINES ? index : added + index) % ACTIVITY_LINES];
     return {kept.text.data(), kept.size};
 }
+
+}  // namespace workbench

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string_view>
 
+namespace workbench {
+
 inline constexpr std::size_t ACTIVITY_LINES = 50;
 inline constexpr std::size_t ACTIVITY_LINE_SIZE = 160;  ///< bytes; what is longer is cut
 
@@ -25,3 +27,5 @@ class Activity_Log {
     std::array<Kept_Line, ACTIVITY_LINES> lines{};
     std::size_t added = 0;
 };
+
+}  // namespace workbench

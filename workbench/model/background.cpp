@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <vector>
 
+namespace workbench {
+
 namespace {
 
 constexpr std::int64_t BINS_MOST = 4096;
@@ -39,7 +41,7 @@ std::size_t Otsu_Bin(std::span<const std::uint64_t> counts) {
 
 }  // namespace
 
-std::optional<double> Background_Threshold(const Volume& volume) {
+std::optional<double> Background_Threshold(const volumes::Volume& volume) {
     if (volume.color || volume.level_min >= volume.level_max || volume.levels.empty()) {
         return std::nullopt;
     }
@@ -49,7 +51,7 @@ std::optional<double> Background_Threshold(const Volume& volume) {
     const bool is_falling = volume.slope < 0.0;  // the darkest grey value is the largest level
     const std::size_t last = counts.size() - 1;
     for (const std::int32_t level : volume.levels) {
-        if (level != LEVEL_OUTSIDE) {
+        if (level != volumes::LEVEL_OUTSIDE) {
             const auto bin = static_cast<std::size_t>((std::int64_t{level} - volume.level_min) / levels_per_bin);
             ++counts[is_falling ? last - bin : bin];
         }
@@ -71,7 +73,7 @@ void Background_Leave_Out(std::span<const std::int32_t> levels, int width, int h
     std::vector<std::size_t> open;  // pixels of the background whose neighbours are not looked at yet
     const auto take = [&](std::size_t at) {
         const std::int32_t level = levels[at];
-        if (mask[at] != 0 && (level == LEVEL_OUTSIDE || level * slope + intercept <= threshold)) {
+        if (mask[at] != 0 && (level == volumes::LEVEL_OUTSIDE || level * slope + intercept <= threshold)) {
             mask[at] = 0;
             open.push_back(at);
         }
@@ -102,3 +104,5 @@ void Background_Leave_Out(std::span<const std::int32_t> levels, int width, int h
         }
     }
 }
+
+}  // namespace workbench

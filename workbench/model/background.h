@@ -7,9 +7,11 @@
 
 #include "workbench/volumes/volume.h"
 
+namespace workbench {
+
 /** The grey value that parts a volume's voxels in two groups whose means lie as far apart as their spread allows
  * (Otsu's method): the largest one of the darker group. Colours and volumes of one value have none. */
-std::optional<double> Background_Threshold(const Volume& volume);
+std::optional<double> Background_Threshold(const volumes::Volume& volume);
 
 /** Marks what is to be counted in a slice. Background are the pixels whose grey value is not greater than the
  *  threshold, or that have none, and that reach the edge of the slice through such pixels from side to side: dark
@@ -17,3 +19,5 @@ std::optional<double> Background_Threshold(const Volume& volume);
  *  @param levels width * height values @param mask receives as many: 1 counts, 0 is background */
 void Background_Leave_Out(std::span<const std::int32_t> levels, int width, int height, double slope, double intercept,
                           double threshold, std::span<unsigned char> mask);
+
+}  // namespace workbench

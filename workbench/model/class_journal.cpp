@@ -8,6 +8,8 @@
 #include "workbench/model/text_file.h"
 #include "workbench/volumes/message_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr std::size_t FILE_SIZE_MOST = 64U << 20U;  // bytes
@@ -124,7 +126,7 @@ std::string Class_Journal::Save(const std::filesystem::path& file) {
         error = Text_File_Write(file, Class_Journal_Text(steps, done_nb));
     }
     if (!error.empty()) {
-        return "The changes of the class trees are not saved: " + File_Name_Text(file) + " " + error + ".";
+        return "The changes of the class trees are not saved: " + volumes::File_Name_Text(file) + " " + error + ".";
     }
     is_unsaved = false;
     return {};
@@ -146,8 +148,8 @@ std::string Class_Journal::Load(const std::filesystem::path& file) {
         error = error.empty() ? Take(std::move(read), read_done_nb) : "is damaged, " + error;
     }
     if (!error.empty()) {
-        return "The class trees are as they were built, without earlier changes: " + File_Name_Text(file) + " " +
-               error + ".";
+        return "The class trees are as they were built, without earlier changes: " + volumes::File_Name_Text(file) +
+               " " + error + ".";
     }
     is_damaged_kept = true;
     return {};
@@ -196,3 +198,5 @@ std::filesystem::path Class_Journal_Path(const std::filesystem::path& data) {
     file += ".classes.txt";
     return file;
 }
+
+}  // namespace workbench

@@ -24,6 +24,8 @@
 
 #include "workbench/model/class_tree.h"
 
+namespace workbench {
+
 /** The trees, by the dimension of their objects. */
 enum class Class_Kind { CLASSES_1D, CLASSES_2D, CLASSES_3D };
 inline constexpr int CLASS_KIND_NB = 3;
@@ -88,3 +90,5 @@ std::filesystem::path Class_Journal_Path(const std::filesystem::path& data);
 std::string Class_Journal_Text(const std::vector<Class_Step>& steps, std::size_t done_nb);
 /** @return empty, or what is wrong: "line 4: a text is not closed" */
 std::string Class_Journal_Parse(const std::string& text, std::vector<Class_Step>* steps, std::size_t* done_nb);
+
+}  // namespace workbench

@@ -7,6 +7,8 @@
 #include "workbench/model/class_journal.h"
 #include "workbench/model/line_reader.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr const char* KIND_NAME[CLASS_KIND_NB] = {"1D", "2D", "3D"};
@@ -167,3 +169,5 @@ std::string Class_Journal_Parse(const std::string& text, std::vector<Class_Step>
     }
     return reader.Is_Ended() ? std::string() : "its end is missing";
 }
+
+}  // namespace workbench

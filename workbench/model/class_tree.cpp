@@ -5,6 +5,8 @@
 #include <iterator>
 #include <utility>
 
+namespace workbench {
+
 namespace {
 
 std::string Quoted(const std::string& id) {
@@ -248,3 +250,5 @@ std::string Class_Tree::Apply_Move(const Class_Move& move) {
 std::vector<Class_Action> Class_Tree_Difference(Class_Tree& before, const Class_Tree& after) {
     return Tree_Difference(before, after).Make();
 }
+
+}  // namespace workbench

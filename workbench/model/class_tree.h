@@ -6,6 +6,8 @@
 #include <variant>
 #include <vector>
 
+namespace workbench {
+
 /** Where a class hangs. */
 struct Class_Place {
     std::string parent;  ///< id; empty: out of the tree
@@ -78,3 +80,5 @@ class Class_Tree {
  * out of the tree, those that only `after` has are added to `before` first, out of the tree. Both need the same root.
  *  @param before becomes equal to `after`, but for classes out of the tree */
 std::vector<Class_Action> Class_Tree_Difference(Class_Tree& before, const Class_Tree& after);
+
+}  // namespace workbench

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace workbench {
+
 double Linear_Of_Component(int component) {
     const double share = std::clamp(component, 0, 255) / 255.0;
     return share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
@@ -21,3 +23,5 @@ double Contrast_Ratio(std::uint32_t a, std::uint32_t b) {
     const double of_b = Relative_Luminance(b) + flare;
     return std::max(of_a, of_b) / std::min(of_a, of_b);
 }
+
+}  // namespace workbench

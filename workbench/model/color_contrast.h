@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+namespace workbench {
+
 inline constexpr double CONTRAST_TEXT = 4.5;     ///< least ratio for text
 inline constexpr double CONTRAST_GRAPHIC = 3.0;  ///< least ratio for large text, marks and the edges of controls
 
@@ -13,3 +15,5 @@ double Linear_Of_Component(int component);
 double Relative_Luminance(std::uint32_t color);
 /** 1 (the same) to 21 (black and white); the order of the two does not count. */
 double Contrast_Ratio(std::uint32_t a, std::uint32_t b);
+
+}  // namespace workbench

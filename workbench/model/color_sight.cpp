@@ -7,6 +7,8 @@
 
 #include "workbench/model/color_contrast.h"
 
+namespace workbench {
+
 namespace {
 
 using Triple = std::array<double, 3>;
@@ -245,3 +247,5 @@ std::optional<std::uint32_t> Color_Suggest(std::span<const std::uint32_t> colors
     }
     return std::nullopt;
 }
+
+}  // namespace workbench

@@ -7,6 +7,8 @@
 #include <span>
 #include <vector>
 
+namespace workbench {
+
 /** Kinds of sight: all three receptors, or without the one for long, middle or short waves. */
 enum class Sight { NORMAL, PROTANOPIA, DEUTERANOPIA, TRITANOPIA };
 inline constexpr std::array<Sight, 4> SIGHTS = {Sight::NORMAL, Sight::PROTANOPIA, Sight::DEUTERANOPIA,
@@ -47,3 +49,5 @@ std::vector<Alike_Pair> Alike_Pairs(std::span<const std::uint32_t> colors, doubl
  *  Lightness and saturation are changed before the hue. */
 std::optional<std::uint32_t> Color_Suggest(std::span<const std::uint32_t> colors, int index,
                                            double least = TAG_DISTANCE_LEAST);
+
+}  // namespace workbench

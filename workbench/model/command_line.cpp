@@ -1,5 +1,7 @@
 #include "workbench/model/command_line.h"
 
+namespace workbench {
+
 Command_Line Command_Line_Parse(std::span<const std::string> arguments) {
     Command_Line line;
     bool only_files = false;
@@ -48,3 +50,5 @@ std::string Command_Line_Help() {
            "  --settings FILE keep window, theme and recent files in FILE, not in the user's profile\n"
            "  --help          show this text\n";
 }
+
+}  // namespace workbench

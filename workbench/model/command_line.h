@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace workbench {
+
 struct Command_Line {
     bool help = false;
     bool trace = false;    ///< --trace: the trace view is open from the start
@@ -21,3 +23,5 @@ Command_Line Command_Line_Parse(std::span<const std::string> arguments);
 
 /** What --help prints. */
 std::string Command_Line_Help();
+
+}  // namespace workbench

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+namespace workbench {
+
 namespace {
 
 /** The patient axis that a voxel axis follows most, and whether it runs towards right, front or top. */
@@ -10,7 +12,7 @@ struct Patient_Axis {
     bool is_rising = true;
 };
 
-Patient_Axis Axis_Of(const Affine& affine, std::size_t column) {
+Patient_Axis Axis_Of(const volumes::Affine& affine, std::size_t column) {
     Patient_Axis found;
     double largest = 0.0;
     for (std::size_t row = 0; row < 3; ++row) {
@@ -29,7 +31,7 @@ constexpr std::array<std::array<char, 2>, 3> side_names = {{{'L', 'R'}, {'P', 'A
 
 }  // namespace
 
-Display_Order Display_Order_Of(const Affine& affine) {
+Display_Order Display_Order_Of(const volumes::Affine& affine) {
     const Patient_Axis x = Axis_Of(affine, 0);
     const Patient_Axis y = Axis_Of(affine, 1);
     Display_Order order;
@@ -73,3 +75,5 @@ bool Letters_Set(std::string_view towards, Display_Order& order) {
     order.bottom = order.flip_y ? found[1].away : found[1].towards;
     return true;
 }
+
+}  // namespace workbench

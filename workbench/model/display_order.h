@@ -9,6 +9,8 @@
 
 #include "workbench/volumes/volume.h"
 
+namespace workbench {
+
 /** Radiological display: the patient's right at the viewer's left, the front up. Other orientations by the same rule:
  *  top before bottom, and of an axis that runs left-right in the patient the right side first. */
 struct Display_Order {
@@ -19,7 +21,7 @@ struct Display_Order {
     char top = ' ';
     char bottom = ' ';
 };
-Display_Order Display_Order_Of(const Affine& affine);
+Display_Order Display_Order_Of(const volumes::Affine& affine);
 
 /** Puts letters to an image whose file does not say how the patient lies; the picture stays as it is.
  *  @param towards three letters, one each of R or L, A or P, S or I, in capitals or not: where columns, rows and slices
@@ -45,3 +47,5 @@ void Slices_Turn(std::span<Value> values, int nx, int ny, const Display_Order& o
         }
     }
 }
+
+}  // namespace workbench

@@ -4,6 +4,8 @@
 
 #include "host/kit_widgets.h"
 
+namespace workbench {
+
 namespace {
 
 // A turn of the wheel by n notches makes the view 1 + n/10 times as wide and high about the pointer. Half and double
@@ -94,3 +96,5 @@ std::vector<Enlarged_Act> Enlarged_Key_Acts(int key, const Enlarged_View& view) 
     }
     return {};
 }
+
+}  // namespace workbench

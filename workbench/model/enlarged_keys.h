@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+namespace workbench {
+
 /** A control that the window shows; client pixels, y down. */
 struct Enlarged_Control {
     std::string_view name;
@@ -42,3 +44,5 @@ struct Enlarged_Act {
  *  @param key KEY_* or a character
  *  @return one after the other; empty: the key means nothing here, or its control is not there */
 std::vector<Enlarged_Act> Enlarged_Key_Acts(int key, const Enlarged_View& view);
+
+}  // namespace workbench

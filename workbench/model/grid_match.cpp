@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdio>
 
+namespace workbench {
+
 namespace {
 
 constexpr double TOLERANCE = 0.1;   // voxels
@@ -14,7 +16,7 @@ using Map = std::array<std::array<double, 4>, 3>;
 using Point = std::array<double, 3>;
 
 /** The affine turned round; none when an axis has no length or lies in the plane of the two others. */
-std::optional<Map> Inverse(const Affine& of) {
+std::optional<Map> Inverse(const volumes::Affine& of) {
     const auto minor = [&](std::size_t row, std::size_t column) {
         const std::size_t r0 = (row + 1) % 3;
         const std::size_t r1 = (row + 2) % 3;
@@ -110,7 +112,7 @@ std::string Millimetres(double value) {
 }
 
 /** The side of the patient that an axis runs to, and whether it runs there askew. */
-char Side_Of(const Affine& affine, std::size_t column, bool& is_oblique) {
+char Side_Of(const volumes::Affine& affine, std::size_t column, bool& is_oblique) {
     std::size_t most = 0;
     double length = 0.0;
     for (std::size_t row = 0; row < 3; ++row) {
@@ -129,7 +131,7 @@ std::size_t Volume_Grid::Voxel_Nb() const {
     return static_cast<std::size_t>(size[0]) * static_cast<std::size_t>(size[1]) * static_cast<std::size_t>(size[2]);
 }
 
-Volume_Grid Volume_Grid_Of(const Volume& volume) {
+Volume_Grid Volume_Grid_Of(const volumes::Volume& volume) {
     return {{volume.nx, volume.ny, volume.nz}, volume.affine};
 }
 
@@ -261,3 +263,5 @@ std::optional<Grid_Voxel> Grid_Image_Voxel(const Volume_Grid& image, const Grid_
     }
     return voxel;
 }
+
+}  // namespace workbench

@@ -11,14 +11,16 @@
 
 #include "workbench/volumes/volume.h"
 
+namespace workbench {
+
 /** Where voxels lie: their number along the three axes of the file, and the millimetres of each. */
 struct Volume_Grid {
     std::array<std::int32_t, 3> size{};
-    Affine affine{};
+    volumes::Affine affine{};
     std::size_t Voxel_Nb() const;
     friend bool operator==(const Volume_Grid&, const Volume_Grid&) = default;
 };
-Volume_Grid Volume_Grid_Of(const Volume& volume);
+Volume_Grid Volume_Grid_Of(const volumes::Volume& volume);
 
 /** "181 x 217 x 181 voxels of 1 x 1 x 1 mm, the first at (-90, -126, -72) mm, axes to R, A, S". */
 std::string Volume_Grid_Text(const Volume_Grid& grid);
@@ -56,3 +58,5 @@ std::vector<std::uint8_t> Grid_Carry(const Volume_Grid& image, const Volume_Grid
                                      std::span<const std::uint8_t> labels, std::size_t* outside_nb = nullptr);
 /** The image's voxel nearest to one of the labels; none when it lies outside the image. */
 std::optional<Grid_Voxel> Grid_Image_Voxel(const Volume_Grid& image, const Grid_Match& match, const Grid_Voxel& labels);
+
+}  // namespace workbench

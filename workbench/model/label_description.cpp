@@ -10,6 +10,8 @@
 #include "workbench/model/line_reader.h"
 #include "workbench/model/marker_table.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr std::string_view FORMAT = "label description";
@@ -211,3 +213,5 @@ Label_Description_Reading Label_Description_Parse(std::string_view text, const L
     }
     return reading;
 }
+
+}  // namespace workbench

@@ -23,6 +23,8 @@
 #include <string_view>
 #include <vector>
 
+namespace workbench {
+
 inline constexpr int LABEL_DESCRIPTION_VERSION = 1;
 inline constexpr std::size_t LABEL_NAME_MAX = 1023;  ///< bytes of a name
 
@@ -79,3 +81,5 @@ struct Label_Description_Reading {
 /** Takes every line that is understood and leaves out every other one. Of two lines about one TAG or marker the first
  *  counts. Never throws but for lack of memory. */
 Label_Description_Reading Label_Description_Parse(std::string_view text, const Label_Extent& extent);
+
+}  // namespace workbench

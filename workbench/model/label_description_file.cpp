@@ -8,6 +8,8 @@
 #include "workbench/model/text_file.h"
 #include "workbench/volumes/message_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr std::size_t FILE_SIZE_MOST = 4U << 20U;  // bytes; a longer file is none of ours
@@ -24,8 +26,8 @@ bool Has_Extension(const std::filesystem::path& path, const char* extension) {
 }
 
 std::string Not_Saved(const std::filesystem::path& file, const std::string& error) {
-    return "The labels are saved, but not their names, colours, thresholds and markers: " + File_Name_Text(file) + " " +
-           error + ".";
+    return "The labels are saved, but not their names, colours, thresholds and markers: " +
+           volumes::File_Name_Text(file) + " " + error + ".";
 }
 
 }  // namespace
@@ -56,7 +58,8 @@ std::string Label_Description_Save(const std::filesystem::path& labels, const La
                 !error.empty()) {
                 return Not_Saved(file, error);
             }
-            kept = "The former " + File_Name_Text(file) + " is kept as " + File_Name_Text(aside) + ".";
+            kept =
+                "The former " + volumes::File_Name_Text(file) + " is kept as " + volumes::File_Name_Text(aside) + ".";
         }
     }
     const std::string error = Text_File_Write(file, Label_Description_Text(description));
@@ -78,16 +81,18 @@ Label_Description_Loading Label_Description_Load(const std::filesystem::path& la
         error = reading.refused;
     }
     if (!error.empty()) {
-        loading.warning =
-            "Names, colours, thresholds and markers are as they were: " + File_Name_Text(file) + " " + error + ".";
+        loading.warning = "Names, colours, thresholds and markers are as they were: " + volumes::File_Name_Text(file) +
+                          " " + error + ".";
         return loading;
     }
     loading.is_there = true;
     loading.description = std::move(reading.description);
     if (reading.left_out > 0) {
-        loading.warning = File_Name_Text(file) + ": " + std::to_string(reading.left_out) +
+        loading.warning = volumes::File_Name_Text(file) + ": " + std::to_string(reading.left_out) +
                           (reading.left_out == 1 ? " line was left out, " : " lines were left out; the first is ") +
                           reading.first_left_out + ".";
     }
     return loading;
 }
+
+}  // namespace workbench

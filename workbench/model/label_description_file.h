@@ -6,6 +6,8 @@
 
 #include "workbench/model/label_description.h"
 
+namespace workbench {
+
 /** "DATA.labels.txt" beside "DATA.nii" or "DATA.nii.gz". */
 std::filesystem::path Label_Description_Path(const std::filesystem::path& labels);
 
@@ -23,3 +25,5 @@ struct Label_Description_Loading {
 };
 /** Reads the description beside a label volume. */
 Label_Description_Loading Label_Description_Load(const std::filesystem::path& labels, const Label_Extent& extent);
+
+}  // namespace workbench

@@ -8,6 +8,8 @@
 #include "workbench/model/label_description_file.h"
 #include "workbench/volumes/message_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr std::size_t NAME_MOST = 80;  // bytes of a title that becomes a name
@@ -63,21 +65,21 @@ std::string Listed(const std::vector<std::string>& names, const char* one, const
 }  // namespace
 
 std::filesystem::path Label_Path_Proposed(const std::filesystem::path& image, const std::string& title) {
-    const std::string name = image.has_filename() ? File_Name_Text(image) : std::string();
+    const std::string name = image.has_filename() ? volumes::File_Name_Text(image) : std::string();
     std::string stem = Volume_Stem(name);
     if (stem.empty()) {
         stem = Name_From(title);
     }
     if (stem.empty()) {
-        stem = image.has_stem() ? File_Name_Text(image.stem()) : "image";
+        stem = image.has_stem() ? volumes::File_Name_Text(image.stem()) : "image";
     }
     std::error_code unknown;
     const std::filesystem::path folder = std::filesystem::absolute(image, unknown).parent_path();
-    return (unknown ? image.parent_path() : folder) / Path_From_Utf8(stem + "_labels.nii.gz");
+    return (unknown ? image.parent_path() : folder) / volumes::Path_From_Utf8(stem + "_labels.nii.gz");
 }
 
 Label_Stamps Label_Stamps_Of(const std::filesystem::path& labels) {
-    return {File_Stamp_Of(labels), File_Stamp_Of(Label_Description_Path(labels))};
+    return {volumes::File_Stamp_Of(labels), volumes::File_Stamp_Of(Label_Description_Path(labels))};
 }
 
 Save_Doubts Save_Doubts_Of(const std::filesystem::path& labels, const Label_Stamps& known) {
@@ -86,13 +88,14 @@ Save_Doubts Save_Doubts_Of(const std::filesystem::path& labels, const Label_Stam
     Save_Doubts doubts;
     std::vector<std::string> changed;
     std::vector<std::string> read_only;
-    const auto look = [&](const std::filesystem::path& file, const File_Stamp& was, const File_Stamp& is) {
+    const auto look = [&](const std::filesystem::path& file, const volumes::File_Stamp& was,
+                          const volumes::File_Stamp& is) {
         // A file that is gone is no loss to overwrite.
-        if (is.is_there && File_Is_Changed(was, is)) {
-            changed.push_back(File_Name_Text(file));
+        if (is.is_there && volumes::File_Is_Changed(was, is)) {
+            changed.push_back(volumes::File_Name_Text(file));
         }
-        if (File_Is_Read_Only(file)) {
-            read_only.push_back(File_Name_Text(file));
+        if (volumes::File_Is_Read_Only(file)) {
+            read_only.push_back(volumes::File_Name_Text(file));
         }
     };
     look(labels, known.labels, now.labels);
@@ -103,3 +106,5 @@ Save_Doubts Save_Doubts_Of(const std::filesystem::path& labels, const Label_Stam
     doubts.read_only = Listed(read_only, "is protected: it may only be read.", "are protected: they may only be read.");
     return doubts;
 }
+
+}  // namespace workbench

@@ -6,6 +6,8 @@
 
 #include "workbench/volumes/file_stamp.h"
 
+namespace workbench {
+
 /** Where the labels of an image are saved unless the user says otherwise: in the image's folder, under its name. A
  * NIfTI file gives its own name, a file of a series the title of the series.
  *  @param image the file, or the first of them @param title of the volume, UTF-8 */
@@ -13,8 +15,8 @@ std::filesystem::path Label_Path_Proposed(const std::filesystem::path& image, co
 
 /** A label volume and the text beside it. */
 struct Label_Stamps {
-    File_Stamp labels;
-    File_Stamp description;
+    volumes::File_Stamp labels;
+    volumes::File_Stamp description;
 };
 Label_Stamps Label_Stamps_Of(const std::filesystem::path& labels);
 
@@ -27,3 +29,5 @@ struct Save_Doubts {
 };
 /** @param known the files as they were read or written last */
 Save_Doubts Save_Doubts_Of(const std::filesystem::path& labels, const Label_Stamps& known);
+
+}  // namespace workbench

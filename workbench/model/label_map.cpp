@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace workbench {
+
 Pixel_Rect Rect_Union(const Pixel_Rect& a, const Pixel_Rect& b) {
     if (a.Is_Empty()) {
         return b;
@@ -64,3 +66,5 @@ std::array<std::uint64_t, TAG_MAX> Label_Map::Counts() const {
 int Label_Map::Highest_Tag() const {
     return tags.empty() ? 0 : *std::max_element(tags.begin(), tags.end());
 }
+
+}  // namespace workbench

@@ -7,6 +7,8 @@
 #include <span>
 #include <vector>
 
+namespace workbench {
+
 /** TAG numbers are 0 (background) .. TAG_MAX - 1. */
 inline constexpr int TAG_MAX = 256;
 
@@ -59,3 +61,5 @@ class Label_Map {
     int slices = 0;
     std::vector<std::uint8_t> tags;
 };
+
+}  // namespace workbench

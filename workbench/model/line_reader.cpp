@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstdio>
 
+namespace workbench {
+
 std::string Quoted_Text(std::string_view text) {
     std::string quoted = "\"";
     for (const char character : text) {
@@ -170,3 +172,5 @@ void Line_Reader::Fail(const std::string& what) {
         error = what;
     }
 }
+
+}  // namespace workbench

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+namespace workbench {
+
 /** A text between quotation marks, \" and \\ for those two characters and \xHH for control characters. */
 std::string Quoted_Text(std::string_view text);
 /** Whether all bytes are UTF-8: no broken, overlong or surrogate character. */
@@ -44,3 +46,5 @@ class Line_Reader {
     std::string_view rest;
     std::string error;
 };
+
+}  // namespace workbench

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace workbench {
+
 Marker Marker_Table::Get(int index) const {
     return index >= 0 && index < MARKER_NB ? marker[static_cast<std::size_t>(index)] : Marker{};
 }
@@ -39,3 +41,5 @@ std::uint32_t Marker_Default_Color(int index) {
                                                              0xFF6EB4, 0xC8FF5A, 0x78A0FF, 0xE6E6E6};
     return colors[static_cast<std::size_t>(index) % colors.size()];
 }
+
+}  // namespace workbench

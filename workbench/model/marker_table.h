@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <optional>
 
+namespace workbench {
+
 inline constexpr int MARKER_NB = 8;  ///< a multiple of four, for the marker panel lays out complete rows only
 
 struct Marker {
@@ -31,3 +33,5 @@ class Marker_Table {
 
 /** The colours markers start with, 0x00BBGGRR. */
 std::uint32_t Marker_Default_Color(int index);
+
+}  // namespace workbench

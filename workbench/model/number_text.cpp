@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <vector>
 
+namespace workbench {
+
 namespace {
 
 constexpr double SMALL = 1e-4;  // below this and from LARGE on numbers have an exponent
@@ -117,3 +119,5 @@ std::string Frames_Text(std::span<const int> frames) {
     }
     return text;
 }
+
+}  // namespace workbench

@@ -4,6 +4,8 @@
 #include <span>
 #include <string>
 
+namespace workbench {
+
 inline constexpr int NUMBER_DIGITS = 3;  ///< significant digits of every number that is not whole, at least
 
 /** A number with at least so many significant digits. The part before the point is never rounded, and whole numbers
@@ -24,3 +26,5 @@ std::string Frames_Text(std::span<const int> frames);
 
 /** Ten to a power as people write it, "10⁻⁶". @return UTF-8 */
 std::string Power_Text(int exponent);
+
+}  // namespace workbench

@@ -5,6 +5,8 @@
 
 #include "workbench/model/display_window.h"
 
+namespace workbench {
+
 void Open_Volumes::Clear(Session& in_hand) {
     volumes.clear();
     files.clear();
@@ -12,17 +14,18 @@ void Open_Volumes::Clear(Session& in_hand) {
     in_hand = Session();
 }
 
-void Open_Volumes::Take(Image_Folder&& folder, std::vector<Volume_Statistics>&& statistics, Session& in_hand) {
+void Open_Volumes::Take(volumes::Image_Folder&& folder, std::vector<volumes::Volume_Statistics>&& statistics,
+                        Session& in_hand) {
     Clear(in_hand);
     try {
         statistics.resize(folder.volumes.size());
         volumes.reserve(folder.volumes.size());
         for (std::size_t at = 0; at < folder.volumes.size(); ++at) {
-            Folder_Volume& opened = folder.volumes[at];
+            volumes::Folder_Volume& opened = folder.volumes[at];
             Entry& entry = volumes.emplace_back();
             entry.facts = {std::move(opened.title), std::move(opened.descriptor),   opened.modality, opened.is_scout,
                            opened.is_cine,          std::move(opened.file_of_slice)};
-            const Volume_Statistics& numbers = statistics[at];
+            const volumes::Volume_Statistics& numbers = statistics[at];
             Grey_Window window;
             window.low = static_cast<float>(numbers.window_low);
             window.high = static_cast<float>(numbers.window_high);
@@ -63,3 +66,5 @@ std::vector<int> Open_Volumes::Unsaved(const Session& in_hand) const {
     }
     return unsaved;
 }
+
+}  // namespace workbench

@@ -12,6 +12,8 @@
 #include "workbench/volumes/dicom_folder.h"
 #include "workbench/volumes/volume_statistics.h"
 
+namespace workbench {
+
 /** What a volume is called, and where its slices came from. */
 struct Volume_Facts {
     std::string title;       ///< UTF-8
@@ -24,7 +26,7 @@ struct Volume_Facts {
 
 /** How the user looks at a volume. */
 struct Volume_View {
-    Volume_Statistics statistics;
+    volumes::Volume_Statistics statistics;
     Grey_Window window;
     int slice = 0;
     std::optional<double> background;  ///< grey value up to which what surrounds the image is left out; none: not known
@@ -38,7 +40,7 @@ class Open_Volumes {
     /** Takes over what was opened, at least one volume. All former volumes go, and what was done to them. The one
      *  with most slices that is no scout comes into hand, at its middle, in the first window of its file.
      *  @param statistics of every volume @throw std::bad_alloc: no volume is open then */
-    void Take(Image_Folder&& folder, std::vector<Volume_Statistics>&& statistics, Session& in_hand);
+    void Take(volumes::Image_Folder&& folder, std::vector<volumes::Volume_Statistics>&& statistics, Session& in_hand);
     void Clear(Session& in_hand);
 
     int Nb() const { return static_cast<int>(volumes.size()); }
@@ -66,3 +68,5 @@ class Open_Volumes {
     std::vector<std::filesystem::path> files;
     int current = -1;
 };
+
+}  // namespace workbench

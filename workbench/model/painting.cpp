@@ -5,6 +5,8 @@
 #include <map>
 #include <utility>
 
+namespace workbench {
+
 Brush_Footprint::Brush_Footprint(const unsigned char* const* mask_rows, int radius) {
     if (mask_rows == nullptr) {
         return;
@@ -123,3 +125,5 @@ Pixel_Rect Paint_Line(const Paint_Target& target, const Brush_Footprint& brush, 
         }
     }
 }
+
+}  // namespace workbench

@@ -7,6 +7,8 @@
 
 #include "workbench/model/label_map.h"
 
+namespace workbench {
+
 /** The pixels that a brush covers, row by row. Positions are relative to the brush's centre pixel. */
 class Brush_Footprint {
   public:
@@ -58,3 +60,5 @@ Pixel_Rect Paint_Dab(const Paint_Target& target, const Brush_Footprint& brush, i
 /** Paints the brush at every pixel of a straight line, both ends included. */
 Pixel_Rect Paint_Line(const Paint_Target& target, const Brush_Footprint& brush, int x0, int y0, int x1, int y1,
                       const Paint_Ink& ink);
+
+}  // namespace workbench

@@ -4,6 +4,8 @@
 
 #include "host/kit_widgets.h"
 
+namespace workbench {
+
 std::optional<int> Grid_Step(int current, int count, int columns, int key) {
     if (count <= 0 || columns <= 0) {
         return std::nullopt;
@@ -27,3 +29,5 @@ std::optional<int> Grid_Step(int current, int count, int columns, int key) {
             return std::nullopt;
     }
 }
+
+}  // namespace workbench

@@ -5,6 +5,8 @@
 
 #include "workbench/model/number_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr double TOLD_LEAST = 100.0;    // largest magnitude that is told, at least: three digits before the point
@@ -18,7 +20,7 @@ std::string Panel_Scale::Text() const {
     return exponent == 0 ? std::string() : "\xC3\x97 " + Power_Text(-exponent);
 }
 
-Panel_Scale Panel_Scale_Of(const Volume& volume) {
+Panel_Scale Panel_Scale_Of(const volumes::Volume& volume) {
     Panel_Scale scale;
     if (volume.color) {
         return scale;
@@ -40,3 +42,5 @@ Panel_Scale Panel_Scale_Of(const Volume& volume) {
     scale.factor = std::pow(10.0, scale.exponent);
     return scale;
 }
+
+}  // namespace workbench

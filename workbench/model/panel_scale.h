@@ -11,6 +11,8 @@
 
 #include "workbench/volumes/volume.h"
 
+namespace workbench {
+
 struct Panel_Scale {
     int exponent = 0;     ///< panels are told grey * 10^exponent; a multiple of 3
     double factor = 1.0;  ///< 10^exponent
@@ -22,4 +24,6 @@ struct Panel_Scale {
     bool operator==(const Panel_Scale&) const = default;
 };
 
-Panel_Scale Panel_Scale_Of(const Volume& volume);
+Panel_Scale Panel_Scale_Of(const volumes::Volume& volume);
+
+}  // namespace workbench

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <vector>
 
+namespace workbench {
+
 namespace {
 
 constexpr std::uint8_t unreached = 255;  // distance of pixels that lie deeper than any band
@@ -209,3 +211,5 @@ double Overlap(std::span<const std::uint8_t> a, std::span<const std::uint8_t> b,
     }
     return areas == 0 ? 1.0 : 2.0 * static_cast<double>(common) / static_cast<double>(areas);
 }
+
+}  // namespace workbench

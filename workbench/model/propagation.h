@@ -6,6 +6,8 @@
 
 #include "workbench/model/label_map.h"
 
+namespace workbench {
+
 /** Two frames of one size: the one that was shown, and the one that is shown now and is to receive the TAGs. */
 struct Propagation_Frames {
     int width = 0;
@@ -44,3 +46,5 @@ std::size_t Propagate_Grow(const Propagation_Frames& frames, const Propagation_T
 /** How well two label slices agree for the TAGs that are carried: twice the common pixels by the sum of both areas,
  *  0 .. 1; 1 when both have none. */
 double Overlap(std::span<const std::uint8_t> a, std::span<const std::uint8_t> b, const Tag_Flags& carried);
+
+}  // namespace workbench

@@ -10,6 +10,8 @@
 #include "workbench/volumes/file_operations.h"
 #include "workbench/volumes/message_text.h"
 
+namespace workbench {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -25,15 +27,15 @@ fs::path With_Ending(fs::path stem, const char* ending) {
 /** Removes what writing a journal left behind: NAME.work.part0 and so on. */
 void Parts_Remove(const fs::path& journal) {
     std::error_code code;
-    const std::string begin = File_Name_Text(journal) + ".part";
+    const std::string begin = volumes::File_Name_Text(journal) + ".part";
     std::vector<fs::path> parts;
     for (fs::directory_iterator entry(journal.parent_path(), code), end; !code && entry != end; entry.increment(code)) {
-        if (File_Name_Text(entry->path()).starts_with(begin)) {
+        if (volumes::File_Name_Text(entry->path()).starts_with(begin)) {
             parts.push_back(entry->path());
         }
     }
     for (const fs::path& part : parts) {
-        File_Operations_In_Use().remove(part);
+        volumes::File_Operations_In_Use().remove(part);
     }
 }
 
@@ -43,7 +45,7 @@ std::set<fs::path> Stems(const fs::path& folder) {
     std::error_code code;
     for (fs::directory_iterator entry(folder, code), end; !code && entry != end; entry.increment(code)) {
         const fs::path name = entry->path().filename();
-        const std::string text = File_Name_Text(name);
+        const std::string text = volumes::File_Name_Text(name);
         const std::size_t work = text.find(ENDING);
         if (text.starts_with("session-") && (name.extension() == ".lock" || name.extension() == ENDING ||
                                              text.find(".work.part") != std::string::npos)) {
@@ -56,7 +58,7 @@ std::set<fs::path> Stems(const fs::path& folder) {
 }  // namespace
 
 bool Recovery_Claim::Remove() {
-    const bool is_gone = !File_Operations_In_Use().remove(file);
+    const bool is_gone = !volumes::File_Operations_In_Use().remove(file);
     Parts_Remove(file);
     return is_gone;
 }
@@ -69,7 +71,7 @@ std::optional<Recovery_Claim> Recovery_Claim_Make(const fs::path& folder) {
         char name[32] = {};
         std::snprintf(name, sizeof name, "session-%08x%08x", random(), random());
         const fs::path stem = folder / name;
-        std::optional<File_Lock> lock = File_Lock::Take(With_Ending(stem, ".lock"));
+        std::optional<volumes::File_Lock> lock = volumes::File_Lock::Take(With_Ending(stem, ".lock"));
         if (lock && !fs::exists(With_Ending(stem, ENDING), code)) {
             return Recovery_Claim(With_Ending(stem, ENDING), std::move(*lock));
         }
@@ -80,7 +82,7 @@ std::optional<Recovery_Claim> Recovery_Claim_Make(const fs::path& folder) {
 Recovery_Findings Recovery_Find(const fs::path& folder) {
     Recovery_Findings findings;
     for (const fs::path& stem : Stems(folder)) {
-        std::optional<File_Lock> lock = File_Lock::Take(With_Ending(stem, ".lock"));
+        std::optional<volumes::File_Lock> lock = volumes::File_Lock::Take(With_Ending(stem, ".lock"));
         if (!lock) {
             continue;  // of a program that runs
         }
@@ -92,8 +94,8 @@ Recovery_Findings Recovery_Find(const fs::path& folder) {
         }
         std::string bytes;
         if (const std::string error = Text_File_Read(journal, RECOVERY_FILE_MOST, bytes); !error.empty()) {
-            findings.told.push_back("Work that was not saved may be in " + File_Name_Text(journal) + ", which " +
-                                    error + ".");
+            findings.told.push_back("Work that was not saved may be in " + volumes::File_Name_Text(journal) +
+                                    ", which " + error + ".");
             continue;
         }
         Recovery_Reading reading = Recovery_Decode(bytes);
@@ -101,8 +103,9 @@ Recovery_Findings Recovery_Find(const fs::path& folder) {
             fs::path aside = journal;
             const std::string error = Text_File_Keep_Aside(journal, reading.is_newer ? ".newer" : ".damaged", &aside);
             findings.told.push_back(
-                "Work that was not saved cannot be taken up: " + File_Name_Text(journal) + " " + reading.problem +
-                (error.empty() ? ". It is kept as " + File_Name_Text(aside) + "." : ". It " + error + "."));
+                "Work that was not saved cannot be taken up: " + volumes::File_Name_Text(journal) + " " +
+                reading.problem +
+                (error.empty() ? ". It is kept as " + volumes::File_Name_Text(aside) + "." : ". It " + error + "."));
             continue;
         }
         findings.found.push_back({Recovery_Claim(journal, std::move(*lock)), std::move(*reading.record)});
@@ -111,3 +114,5 @@ Recovery_Findings Recovery_Find(const fs::path& folder) {
                       [](const Recovery_Found& a, const Recovery_Found& b) { return a.record.time > b.record.time; });
     return findings;
 }
+
+}  // namespace workbench

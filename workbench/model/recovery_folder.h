@@ -12,17 +12,20 @@
 #include "workbench/model/recovery_record.h"
 #include "workbench/volumes/file_lock.h"
 
+namespace workbench {
+
 /** One journal, and the right to it. */
 class Recovery_Claim {
   public:
-    Recovery_Claim(std::filesystem::path journal, File_Lock&& held) : file(std::move(journal)), lock(std::move(held)) {}
+    Recovery_Claim(std::filesystem::path journal, volumes::File_Lock&& held)
+        : file(std::move(journal)), lock(std::move(held)) {}
     const std::filesystem::path& File() const { return file; }
     /** Removes the journal and what was left of writing it. @return false: it is still there */
     bool Remove();
 
   private:
     std::filesystem::path file;
-    File_Lock lock;
+    volumes::File_Lock lock;
 };
 
 /** A journal of this program's own, not written yet. Makes the folder. @return no value: it cannot be made */
@@ -39,3 +42,5 @@ struct Recovery_Findings {
 /** Looks for work of programs that have died. A damaged journal is kept aside as NAME.work.damaged, one of a later
  *  version as NAME.work.newer; both are told. What dead programs left half written goes. */
 Recovery_Findings Recovery_Find(const std::filesystem::path& folder);
+
+}  // namespace workbench

@@ -7,6 +7,8 @@
 #include "workbench/model/text_file.h"
 #include "workbench/volumes/file_operations.h"
 
+namespace workbench {
+
 Recovery_Keeper::Recovery_Keeper(std::filesystem::path journal, std::string program) : file(std::move(journal)) {
     record.program = std::move(program);
     worker = std::thread([this] { Work(); });
@@ -107,8 +109,10 @@ void Recovery_Keeper::Merge(Recovery_Snapshot&& snapshot) {
 
 std::string Recovery_Keeper::Write_Out() {
     if (record.volumes.empty()) {
-        const std::error_code code = File_Operations_In_Use().remove(file);
+        const std::error_code code = volumes::File_Operations_In_Use().remove(file);
         return code ? "cannot be removed: " + code.message() : std::string();
     }
     return Text_File_Write(file, Recovery_Encode(record));
 }
+
+}  // namespace workbench

@@ -14,6 +14,8 @@
 #include "workbench/model/display_order.h"
 #include "workbench/model/recovery_record.h"
 
+namespace workbench {
+
 /** What changed on one volume since the last look. */
 struct Recovery_Part {
     std::uint64_t serial = 0;  ///< the volume's, see Session::Serial
@@ -68,3 +70,5 @@ class Recovery_Keeper {
     std::string problem;
     std::thread worker;  // last: it uses all of the others
 };
+
+}  // namespace workbench

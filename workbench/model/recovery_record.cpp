@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <bit>
 
+namespace workbench {
+
 namespace {
 
 constexpr std::string_view MAGIC = "work journal\n";
@@ -25,7 +27,7 @@ class Record_Writer {
         Number(text.size(), 4);
         bytes += text;
     }
-    void Stamp(const File_Stamp& stamp) {
+    void Stamp(const volumes::File_Stamp& stamp) {
         Number((stamp.is_there ? 1U : 0U) + (stamp.is_readable ? 2U : 0U), 1);
         Number(stamp.size, 8);
         Number(stamp.checksum, 4);
@@ -56,9 +58,9 @@ class Record_Reader {
         is_good = is_good && count <= LIST_MOST;
         return is_good ? static_cast<std::size_t>(count) : 0;
     }
-    File_Stamp Stamp() {
+    volumes::File_Stamp Stamp() {
         const std::uint64_t flags = Number(1);
-        File_Stamp stamp;
+        volumes::File_Stamp stamp;
         stamp.is_there = (flags & 1U) != 0;
         stamp.is_readable = (flags & 2U) != 0;
         stamp.size = Number(8);
@@ -201,7 +203,7 @@ std::string Recovery_Encode(const Recovery_Record& record) {
     file.bytes = MAGIC;
     file.Number(RECOVERY_VERSION, 4);
     file.Number(body.bytes.size(), 8);
-    file.Number(Checksum({reinterpret_cast<const std::uint8_t*>(body.bytes.data()), body.bytes.size()}), 4);
+    file.Number(volumes::Checksum({reinterpret_cast<const std::uint8_t*>(body.bytes.data()), body.bytes.size()}), 4);
     file.bytes += body.bytes;
     return std::move(file.bytes);
 }
@@ -223,7 +225,7 @@ Recovery_Reading Recovery_Decode(std::string_view bytes) {
     }
     const std::string_view body = bytes.substr(HEADER_SIZE);
     if (version != RECOVERY_VERSION || body.size() != size ||
-        Checksum({reinterpret_cast<const std::uint8_t*>(body.data()), body.size()}) != checksum) {
+        volumes::Checksum({reinterpret_cast<const std::uint8_t*>(body.data()), body.size()}) != checksum) {
         return reading;
     }
     Record_Reader in(body);
@@ -242,3 +244,5 @@ Recovery_Reading Recovery_Decode(std::string_view bytes) {
     }
     return reading;
 }
+
+}  // namespace workbench

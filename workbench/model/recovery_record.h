@@ -22,6 +22,8 @@
 #include "workbench/model/grid_match.h"
 #include "workbench/model/label_files.h"
 
+namespace workbench {
+
 inline constexpr std::uint32_t RECOVERY_VERSION = 1;
 inline constexpr std::size_t RECOVERY_FILE_MOST = std::size_t{2} << 30U;  ///< bytes; a longer file is none of ours
 
@@ -58,3 +60,5 @@ struct Recovery_Reading {
 };
 /** Takes only what is whole: every slice fills its volume. Never throws but for lack of memory. */
 Recovery_Reading Recovery_Decode(std::string_view bytes);
+
+}  // namespace workbench

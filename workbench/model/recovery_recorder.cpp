@@ -4,6 +4,8 @@
 #include <chrono>
 #include <exception>
 
+namespace workbench {
+
 namespace {
 
 std::uint64_t Tagged_Nb(const Label_Map& labels) {
@@ -81,3 +83,5 @@ int Recovery_Volume_Find(const Open_Volumes& volumes, const Session& in_hand, co
     }
     return found;
 }
+
+}  // namespace workbench

@@ -11,6 +11,8 @@
 #include "workbench/model/open_volumes.h"
 #include "workbench/model/recovery_keeper.h"
 
+namespace workbench {
+
 /** How often to look, and the longest that a change may stay outside the journal. */
 inline constexpr int RECOVERY_LOOK_MS = 5000;
 inline constexpr int RECOVERY_LOSS_MOST_MS = 30000;
@@ -34,3 +36,5 @@ int Recovery_Volume_Find(const Open_Volumes& volumes, const Session& in_hand, co
 
 /** UTF-8 of a path; empty when it cannot be expressed. */
 std::string Path_To_Utf8(const std::filesystem::path& path);
+
+}  // namespace workbench

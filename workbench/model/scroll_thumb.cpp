@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 
+namespace workbench {
+
 namespace {
 
 /** a * b / c, rounded; c is not 0. */
@@ -26,3 +28,5 @@ int Scroll_Offset_Of(const Scroll_Extent& extent, int length_least, int thumb_to
     const int way = extent.view - Scroll_Thumb_Of(extent, length_least).length;
     return way > 0 ? Share(std::clamp(thumb_top, 0, way), extent.Offset_Max(), way) : 0;
 }
+
+}  // namespace workbench

@@ -1,6 +1,8 @@
 /** A scroll bar in numbers: pixels of content, of the view and of the bar's track. Pure code. */
 #pragma once
 
+namespace workbench {
+
 /** What a bar tells. */
 struct Scroll_Extent {
     int content = 0;  ///< pixels that there are
@@ -22,3 +24,5 @@ struct Scroll_Thumb {
 Scroll_Thumb Scroll_Thumb_Of(const Scroll_Extent& extent, int length_least);
 /** The offset that puts the thumb's top there, within the limits. */
 int Scroll_Offset_Of(const Scroll_Extent& extent, int length_least, int thumb_top);
+
+}  // namespace workbench

@@ -9,20 +9,22 @@
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/nifti_writer.h"
 
+namespace workbench {
+
 namespace {
 
 /** Lets a protected file be replaced, and protects what is there afterwards. */
 class Writable_For_Now {
   public:
     explicit Writable_For_Now(std::filesystem::path of_file)
-        : file(std::move(of_file)), is_protected(File_Is_Read_Only(file)) {
+        : file(std::move(of_file)), is_protected(volumes::File_Is_Read_Only(file)) {
         if (is_protected) {
-            error = File_Read_Only_Set(file, false);
+            error = volumes::File_Read_Only_Set(file, false);
         }
     }
     ~Writable_For_Now() {
         if (is_protected) {
-            File_Read_Only_Set(file, true);
+            volumes::File_Read_Only_Set(file, true);
         }
     }
     Writable_For_Now(const Writable_For_Now&) = delete;
@@ -55,7 +57,7 @@ File_Voxel Session::To_File(int x, int y, int slice) const {
     return {order.flip_x ? Width() - 1 - x : x, order.flip_y ? Height() - 1 - y : y, slice};
 }
 
-void Session::Take(Volume&& loaded, const std::filesystem::path& loaded_from) {
+void Session::Take(volumes::Volume&& loaded, const std::filesystem::path& loaded_from) {
     static std::atomic<std::uint64_t> last_serial = 0;
     stroke.reset();
     volume.reset();
@@ -106,8 +108,8 @@ std::string Session::Save_Labels(const std::filesystem::path& file, Label_Descri
     {
         const Writable_For_Now writable(file);
         error = writable.Error().empty()
-                    ? Label_Volume_Write(file, *volume, std::span<const std::uint8_t>(in_file_order))
-                    : File_Name_Text(file) + " " + writable.Error() + ".";
+                    ? volumes::Label_Volume_Write(file, *volume, std::span<const std::uint8_t>(in_file_order))
+                    : volumes::File_Name_Text(file) + " " + writable.Error() + ".";
     }
     if (!error.empty()) {
         return error;
@@ -116,14 +118,14 @@ std::string Session::Save_Labels(const std::filesystem::path& file, Label_Descri
         label_path = file;
         stamps = {};
     }
-    stamps.labels = File_Stamp_Of(file);
+    stamps.labels = volumes::File_Stamp_Of(file);
     Markers_Describe(description.markers);
     {
         const Writable_For_Now writable(Label_Description_Path(file));
         error = Label_Description_Save(file, description, Extent(), kept);
     }
     if (error.empty()) {
-        stamps.description = File_Stamp_Of(Label_Description_Path(file));
+        stamps.description = volumes::File_Stamp_Of(Label_Description_Path(file));
         journal.Mark_Saved();
         ++change_nb;
     }
@@ -151,7 +153,7 @@ Save_Doubts Session::Doubts_Before(const std::filesystem::path& file, bool is_ch
     return Save_Doubts_Of(file, known);
 }
 
-Grid_Match Session::Labels_Compare(const Volume& loaded) const {
+Grid_Match Session::Labels_Compare(const volumes::Volume& loaded) const {
     return Grid_Compare(Volume_Grid_Of(*volume), Volume_Grid_Of(loaded));
 }
 
@@ -159,8 +161,8 @@ std::string Session::Take_Labels(const Labels_Read& read, Grid_Choice choice) {
     if (!volume) {
         return "Open an image first; labels lie on an image.";
     }
-    const Volume& loaded = read.volume;
-    const std::string name = File_Name_Text(read.file);
+    const volumes::Volume& loaded = read.volume;
+    const std::string name = volumes::File_Name_Text(read.file);
     if (loaded.color) {
         return name + " is a colour image; it holds no labels.";
     }
@@ -178,7 +180,7 @@ std::string Session::Take_Labels(const Labels_Read& read, Grid_Choice choice) {
     }
     std::vector<std::uint8_t> given(label_grid.Voxel_Nb());
     for (std::size_t at = 0; at < given.size(); ++at) {
-        const bool is_none = loaded.levels[at] == LEVEL_OUTSIDE;
+        const bool is_none = loaded.levels[at] == volumes::LEVEL_OUTSIDE;
         const double value = is_none ? 0.0 : loaded.levels[at] * loaded.slope + loaded.intercept;
         if (value < 0.0 || value > TAG_MAX - 1 || std::abs(value - std::round(value)) > 0.01) {
             return name + " holds values that are no TAG numbers (0 to 255).";
@@ -402,3 +404,5 @@ const Undo_Step* Session::Redo() {
     }
     return step;
 }
+
+}  // namespace workbench

@@ -24,6 +24,8 @@
 #include "workbench/volumes/nifti_reader.h"
 #include "workbench/volumes/volume.h"
 
+namespace workbench {
+
 enum class Propagation_Kind { COPY, GROW };
 
 /** What to do with labels whose voxels lie elsewhere than the image's. */
@@ -31,7 +33,7 @@ enum class Grid_Choice { REFUSE, RESAMPLE, BY_INDEX };
 
 /** Labels that were read from a file. */
 struct Labels_Read {
-    const Volume& volume;
+    const volumes::Volume& volume;
     const std::filesystem::path& file;
     const Label_Description* description = nullptr;  ///< null: there is none
     Label_Stamps stamps{};                           ///< of the files, from before they were read
@@ -51,7 +53,7 @@ class Session {
 
     bool Has_Volume() const { return volume.has_value(); }
     /** The volume, levels in the order of display. Only with a volume. */
-    const Volume& Image() const { return *volume; }
+    const volumes::Volume& Image() const { return *volume; }
     const Display_Order& Order() const { return order; }
     const std::filesystem::path& Path() const { return path; }
     int Width() const { return volume ? volume->nx : 0; }
@@ -66,7 +68,7 @@ class Session {
 
     /** Takes over a loaded volume; all TAGs become background, markers and history go. Names stay.
      *  @throw std::bad_alloc: there is no volume then */
-    void Take(Volume&& loaded, const std::filesystem::path& loaded_from);
+    void Take(volumes::Volume&& loaded, const std::filesystem::path& loaded_from);
 
     const Label_Map& Labels() const { return labels; }
     /** Writes a label volume that lies on the image, and beside it what describes the labels. Only when both are
@@ -80,14 +82,14 @@ class Session {
      *  name is replaced, so only a text beside it that belongs to no label volume is told, and protection */
     Save_Doubts Doubts_Before(const std::filesystem::path& file, bool is_chosen) const;
     /** How the voxels of a label volume lie on the image's. Only with a volume. */
-    Grid_Match Labels_Compare(const Volume& loaded) const;
+    Grid_Match Labels_Compare(const volumes::Volume& loaded) const;
     /** Replaces all TAGs by those of a loaded label volume, and the places of the markers by those that stand in its
      *  description. History goes. Labels whose voxels are the image's in another order are put into its order. When
      *  they were laid on otherwise, the file is not the labels' own any more.
      *  @param choice for voxels that lie elsewhere; BY_INDEX needs equal sizes
      *  @return empty, or one sentence; then nothing is changed */
     std::string Take_Labels(const Labels_Read& read, Grid_Choice choice = Grid_Choice::REFUSE);
-    std::string Take_Labels(const Volume& loaded, const std::filesystem::path& file,
+    std::string Take_Labels(const volumes::Volume& loaded, const std::filesystem::path& file,
                             const Label_Description* description = nullptr) {
         return Take_Labels(Labels_Read{loaded, file, description, Label_Stamps_Of(file)});
     }
@@ -178,7 +180,7 @@ class Session {
     /** Makes a step of what a slice differs from `before`. @return true when it differs */
     bool Push_Slice(const char* title, int slice, std::span<const std::uint8_t> before);
 
-    std::optional<Volume> volume;
+    std::optional<volumes::Volume> volume;
     Display_Order order;
     std::filesystem::path path;
     std::filesystem::path label_path;
@@ -195,3 +197,5 @@ class Session {
     std::vector<Tag_Band> bands;
     std::vector<std::uint32_t> colors;
 };
+
+}  // namespace workbench

@@ -9,6 +9,8 @@
 #include "workbench/model/line_reader.h"
 #include "workbench/model/text_file.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr std::string_view first_line = "workbench settings";
@@ -187,3 +189,5 @@ Window_Place Place_Inside(const Window_Place& place, const Window_Place& area) {
     inside.top = std::clamp(place.top, area.top, area.top + area.height - inside.height);
     return inside;
 }
+
+}  // namespace workbench

@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+namespace workbench {
+
 /** A window on the screen, pixels. */
 struct Window_Place {
     int left = 0;
@@ -54,3 +56,5 @@ bool Settings_Save(const std::filesystem::path& file, const Settings& settings);
 /** Moves and shrinks a place so that all of it lies in an area of the screen that is there now.
  *  @param area left, top, width and height of the screen without its bars */
 Window_Place Place_Inside(const Window_Place& place, const Window_Place& area);
+
+}  // namespace workbench

@@ -6,6 +6,8 @@
 
 #include "workbench/volumes/volume.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int range_percent = 35;  // colour of the range in its tint
@@ -53,7 +55,7 @@ void Slice_Render(const Slice_Source& source, const Grey_Window& window, const T
             if (source.color) {
                 const auto packed = static_cast<std::uint32_t>(level);
                 pixel = ((packed & 0xFFU) << 16U) | (packed & 0xFF00U) | ((packed >> 16U) & 0xFFU);
-            } else if (level != LEVEL_OUTSIDE) {
+            } else if (level != volumes::LEVEL_OUTSIDE) {
                 const float straight = static_cast<float>(level) * factor + offset;
                 const float bright = window.is_sigmoid ? Bent(straight) : std::clamp(straight, 0.0F, 255.0F);
                 const float shade = source.is_inverted ? 255.0F - bright : bright;
@@ -104,3 +106,5 @@ void Slice_Scale(std::span<const std::uint32_t> slice, const View_Layout& layout
         }
     }
 }
+
+}  // namespace workbench

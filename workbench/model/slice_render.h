@@ -9,6 +9,8 @@
 #include "workbench/model/label_map.h"
 #include "workbench/model/view_geometry.h"
 
+namespace workbench {
+
 /** The grey values that are shown black and white; high is greater than low. */
 struct Grey_Window {
     float low = 0.0F;
@@ -55,3 +57,5 @@ void Slice_Render(const Slice_Source& source, const Grey_Window& window, const T
  *  pixel become `outside` */
 void Slice_Scale(std::span<const std::uint32_t> slice, const View_Layout& layout, const Pixel_Rect& part,
                  int screen_width, int screen_height, std::uint32_t outside, std::span<std::uint32_t> screen);
+
+}  // namespace workbench

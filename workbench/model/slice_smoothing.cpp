@@ -7,6 +7,8 @@
 
 #include "workbench/volumes/volume.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr std::int32_t NEIGHBOUR_NB = 9;
@@ -29,11 +31,11 @@ void Smooth_Inside(std::span<const std::int32_t> levels, int width, int height, 
             std::int64_t count = 0;
             for (int neighbour = 0; neighbour < NEIGHBOUR_NB; ++neighbour) {
                 const std::int32_t level = levels[at(x + neighbour % 3 - 1, y + neighbour / 3 - 1)];
-                sum += level != LEVEL_OUTSIDE ? level : 0;
-                count += level != LEVEL_OUTSIDE ? 1 : 0;
+                sum += level != volumes::LEVEL_OUTSIDE ? level : 0;
+                count += level != volumes::LEVEL_OUTSIDE ? 1 : 0;
             }
-            smooth[at(x, y)] = levels[at(x, y)] == LEVEL_OUTSIDE
-                                   ? LEVEL_OUTSIDE
+            smooth[at(x, y)] = levels[at(x, y)] == volumes::LEVEL_OUTSIDE
+                                   ? volumes::LEVEL_OUTSIDE
                                    : static_cast<std::int32_t>(Floor_Divided(sum * steps, count));
         }
     }
@@ -50,7 +52,7 @@ void Slice_Smooth(std::span<const std::int32_t> levels, int width, int height, s
                   std::span<std::int32_t> smooth) {
     const auto nx = static_cast<std::size_t>(width);
     const auto ny = static_cast<std::size_t>(height);
-    if (std::ranges::find(levels, LEVEL_OUTSIDE) != levels.end()) {
+    if (std::ranges::find(levels, volumes::LEVEL_OUTSIDE) != levels.end()) {
         return Smooth_Inside(levels, width, height, steps, smooth);
     }
     std::vector<std::int64_t> column_sums(nx);
@@ -68,3 +70,5 @@ void Slice_Smooth(std::span<const std::int32_t> levels, int width, int height, s
         }
     }
 }
+
+}  // namespace workbench

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <span>
 
+namespace workbench {
+
 /** Into how many steps a stored level is cut: 9, so that the mean of nine levels is a whole number of steps; 1 where
  *  levels are too large for that. */
 std::int32_t Smoothing_Steps(std::int32_t level_min, std::int32_t level_max);
@@ -14,3 +16,5 @@ std::int32_t Smoothing_Steps(std::int32_t level_min, std::int32_t level_max);
  */
 void Slice_Smooth(std::span<const std::int32_t> levels, int width, int height, std::int32_t steps,
                   std::span<std::int32_t> smooth);
+
+}  // namespace workbench

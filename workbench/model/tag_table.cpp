@@ -6,6 +6,8 @@
 
 #include "workbench/model/label_map.h"
 
+namespace workbench {
+
 namespace {
 
 struct Named_Tag {
@@ -62,3 +64,5 @@ int Tag_Step(int tag, int step, int count) {
     }
     return ((tag + step) % count + count) % count;
 }
+
+}  // namespace workbench

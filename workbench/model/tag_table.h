@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+namespace workbench {
+
 /** How many TAGs a new session offers. */
 inline constexpr int TAG_DEFAULT_NB = 24;
 
@@ -23,3 +25,5 @@ int Tag_Count_For(int highest);
 
 /** The TAG `step` places after `tag`, before it for a negative step; goes round. */
 int Tag_Step(int tag, int step, int count);
+
+}  // namespace workbench

@@ -6,6 +6,8 @@
 #include "workbench/volumes/file_operations.h"
 #include "workbench/volumes/output_file.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr int KEPT_MOST = 99;  // files kept aside under one name
@@ -13,7 +15,7 @@ constexpr int KEPT_MOST = 99;  // files kept aside under one name
 }  // namespace
 
 std::string Text_File_Read(const std::filesystem::path& file, std::size_t size_most, std::string& text) {
-    const std::error_code code = File_Operations_In_Use().read(file, size_most, text);
+    const std::error_code code = volumes::File_Operations_In_Use().read(file, size_most, text);
     if (code == std::errc::file_too_large) {
         return "is too large";
     }
@@ -21,7 +23,7 @@ std::string Text_File_Read(const std::filesystem::path& file, std::size_t size_m
 }
 
 std::string Text_File_Write(const std::filesystem::path& file, std::string_view text) {
-    Output_File out(file);
+    volumes::Output_File out(file);
     out.Write({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
     out.Commit();
     return out.Error();
@@ -36,7 +38,7 @@ std::string Text_File_Keep_Aside(const std::filesystem::path& file, std::string_
         if (std::filesystem::exists(aside, code)) {
             continue;
         }
-        code = File_Operations_In_Use().rename(file, aside);
+        code = volumes::File_Operations_In_Use().rename(file, aside);
         if (code) {
             return "cannot be kept aside: " + code.message();
         }
@@ -47,3 +49,5 @@ std::string Text_File_Keep_Aside(const std::filesystem::path& file, std::string_
     }
     return "cannot be kept aside: there are too many of them";
 }
+
+}  // namespace workbench

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+namespace workbench {
+
 /** @param size_most bytes; a longer file is not read @param text receives all bytes; empty when something is wrong
  *  @return empty, or what is wrong, to follow the file's name: "cannot be read", "is too large" */
 std::string Text_File_Read(const std::filesystem::path& file, std::size_t size_most, std::string& text);
@@ -19,3 +21,5 @@ std::string Text_File_Write(const std::filesystem::path& file, std::string_view 
  *  @return empty, or what is wrong, to follow the file's name: then the file is where it was */
 std::string Text_File_Keep_Aside(const std::filesystem::path& file, std::string_view ending,
                                  std::filesystem::path* kept = nullptr);
+
+}  // namespace workbench

@@ -1,5 +1,7 @@
 #include "workbench/model/theme_colors.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr Theme_Colors dark = {
@@ -64,3 +66,5 @@ std::vector<Theme_Pair> Theme_Pairs(const Theme_Colors& colors) {
         {"dragged thumb of the slice slider", colors.accent, colors.ground, false},
     };
 }
+
+}  // namespace workbench

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace workbench {
+
 struct Theme_Colors {
     std::uint32_t ground = 0;   ///< tool area and status line
     std::uint32_t heading = 0;  ///< headings of the tool area, tabs, buttons
@@ -30,3 +32,5 @@ struct Theme_Pair {
     bool is_text = true;  ///< false: a mark, for which less contrast is enough
 };
 std::vector<Theme_Pair> Theme_Pairs(const Theme_Colors& colors);
+
+}  // namespace workbench

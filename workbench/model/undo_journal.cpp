@@ -7,6 +7,8 @@
 #define ZLIB_CONST
 #include <zlib.h>
 
+namespace workbench {
+
 namespace {
 
 constexpr std::size_t PLAIN_MOST = 4096;  // bytes of runs that are not worth compressing
@@ -195,3 +197,5 @@ void Undo_Journal::Clear() {
     oldest = ++last_id;
     saved = oldest;
 }
+
+}  // namespace workbench

@@ -12,6 +12,8 @@
 
 #include "workbench/model/marker_table.h"
 
+namespace workbench {
+
 /** Neighbouring pixels of a slice that changed from one TAG to another. */
 struct Voxel_Run {
     std::uint32_t offset = 0;  ///< first pixel, counted through the slice
@@ -138,3 +140,5 @@ class Undo_Journal {
     std::uint64_t oldest = 0;  ///< state before the oldest kept step
     std::uint64_t saved = 0;
 };
+
+}  // namespace workbench

@@ -1,6 +1,8 @@
 /** Announcing changes to listeners that may announce changes themselves. */
 #pragma once
 
+namespace workbench {
+
 /** Delivers change flags at once, also from inside a delivery. Listeners that go on answering each other are stopped:
  *  beyond MAX_DEPTH the flags are collected, and delivered when the outermost delivery is through; a collection that
  *  grows again and again is given up after MAX_ROUNDS. */
@@ -43,3 +45,5 @@ class Update_Delivery {
     int depth = 0;
     unsigned long long pending = 0;
 };
+
+}  // namespace workbench

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace workbench {
+
 namespace {
 
 /** Screen position of the slice's first side. @param center share of the slice in the middle of the view */
@@ -94,3 +96,5 @@ void View_Pan(View_State& state, int dx, int dy) {
     state.center_x = moved(state.center_x, dx, state.view_width, width);
     state.center_y = moved(state.center_y, dy, state.view_height, height);
 }
+
+}  // namespace workbench

@@ -3,6 +3,8 @@
 
 #include "workbench/model/label_map.h"
 
+namespace workbench {
+
 /** Zoom factors that can be asked for; 0 fits the slice into the view. */
 inline constexpr double ZOOM_FIT = 0.0;
 inline constexpr double ZOOM_MIN = 0.25;
@@ -48,3 +50,5 @@ View_Layout View_Layout_Make(const View_State& state);
 double Zoom_Step(const View_Layout& layout, int steps);
 /** Moves the centre so that the slice follows the pointer by so many screen pixels. */
 void View_Pan(View_State& state, int dx, int dy);
+
+}  // namespace workbench

@@ -5,11 +5,13 @@
 
 #include "workbench/model/number_text.h"
 
+namespace workbench {
+
 namespace {
 
 constexpr double PLACE_STEP = 0.1;  // mm
 
-std::string Grey_Text(const Volume& volume, float grey) {
+std::string Grey_Text(const volumes::Volume& volume, float grey) {
     if (std::isnan(grey)) {
         return "none";
     }
@@ -23,7 +25,7 @@ std::string Voxel_Text(const Session& session, int x, int y, int slice, const st
     if (x < 0 || x >= session.Width() || y < 0 || y >= session.Height() || slice < 0 || slice >= session.Slice_Nb()) {
         return {};
     }
-    const Volume& volume = session.Image();
+    const volumes::Volume& volume = session.Image();
     const File_Voxel voxel = session.To_File(x, y, slice);
     std::string text =
         "(" + std::to_string(voxel.x) + ", " + std::to_string(voxel.y) + ", " + std::to_string(voxel.z) + ")   ";
@@ -35,3 +37,5 @@ std::string Voxel_Text(const Session& session, int x, int y, int slice, const st
     text += "   grey " + Grey_Text(volume, session.Grey(x, y, slice));
     return text + "   TAG " + std::to_string(session.Labels().At(x, y, slice)) + " " + tag_name;
 }
+
+}  // namespace workbench

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdlib>
 
+namespace workbench {
+
 int Wheel_Lines::Turn(int delta) {
     rest += delta * lines_per_notch;
     const int lines = rest / WHEEL_NOTCH;
@@ -19,3 +21,5 @@ std::vector<int> Wheel_Notches(int delta, bool is_turned) {
     }
     return notches;
 }
+
+}  // namespace workbench

@@ -3,6 +3,8 @@
 
 #include <vector>
 
+namespace workbench {
+
 inline constexpr int WHEEL_NOTCH = 120;  ///< what one notch of the wheel tells
 
 /** Turns of the wheel as lines to scroll. Slow wheels and touch pads tell parts of a notch: what makes no whole line
@@ -23,3 +25,5 @@ class Wheel_Lines {
  *  @param delta what one message of the wheel tells @param is_turned the opposite direction
  *  @return the deltas of the messages to send instead, the rest last; together `delta`, or `-delta` */
 std::vector<int> Wheel_Notches(int delta, bool is_turned);
+
+}  // namespace workbench

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <type_traits>
 
+namespace volumes {
+
 enum class Byte_Order { LITTLE, BIG };
 
 namespace byte_order_detail {
@@ -58,3 +60,5 @@ void Value_Write(std::uint8_t* bytes, Value value, Byte_Order order) {
         bytes[position] = static_cast<std::uint8_t>(bits >> (8U * i));
     }
 }
+
+}  // namespace volumes

@@ -5,6 +5,8 @@
 
 #include "workbench/volumes/message_text.h"
 
+namespace volumes {
+
 File_Source::File_Source(const std::filesystem::path& path) : name(File_Name_Text(path)) {
     std::error_code code;
     const std::filesystem::file_status status = std::filesystem::status(path, code);
@@ -46,3 +48,5 @@ std::size_t Memory_Source::Read(std::span<std::uint8_t> buffer) {
     position += count;
     return count;
 }
+
+}  // namespace volumes

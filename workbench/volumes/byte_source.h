@@ -9,6 +9,8 @@
 #include <span>
 #include <string>
 
+namespace volumes {
+
 /** Bytes in order, read once from the beginning. */
 class Byte_Source {
   public:
@@ -65,3 +67,5 @@ class Memory_Source : public Byte_Source {
     std::size_t position = 0;
     std::string name;
 };
+
+}  // namespace volumes

@@ -9,6 +9,8 @@
 #define ZLIB_CONST
 #include <zlib.h>
 
+namespace volumes {
+
 namespace {
 constexpr std::size_t input_size = 256U * 1024U;  // bytes read from the file at once
 constexpr int gzip_window_bits = 15 + 16;         // zlib: largest window, gzip header and trailer
@@ -135,3 +137,5 @@ void Decoded_Source::Member_Finish() {
         end = Decode_End::COMPLETE;
     }
 }
+
+}  // namespace volumes

@@ -10,6 +10,8 @@
 
 #include "workbench/volumes/byte_source.h"
 
+namespace volumes {
+
 /** How reading ended. */
 enum class Decode_End {
     NOT_YET,         ///< more may follow
@@ -60,3 +62,5 @@ class Decoded_Source {
     Decode_End end = Decode_End::NOT_YET;
     bool garbage = false;
 };
+
+}  // namespace volumes

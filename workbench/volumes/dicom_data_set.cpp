@@ -17,6 +17,8 @@
 #include "workbench/volumes/dicom_stream.h"
 #include "workbench/volumes/message_text.h"
 
+namespace volumes {
+
 namespace {
 
 constexpr Uint32 value_kept = 4096;  // bytes: longer values are read when they are asked for
@@ -163,3 +165,5 @@ void Data_Set_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmF
         source.syntax_name = DcmXfer(data_set->getOriginalXfer()).getXferName();
     }
 }
+
+}  // namespace volumes

@@ -9,6 +9,8 @@
 #include "dcmtk/config/osconfig.h"
 #include "dcmtk/dcmdata/dcfilefo.h"
 
+namespace volumes {
+
 /** What is wrong with a file, in the words of Dicom_Result::error. */
 struct Dicom_Refusal {
     std::string text;
@@ -34,3 +36,5 @@ bool Dicom_Has_Meta(std::span<const std::uint8_t> head);
  *  @param most bytes of an inflated data set */
 void Data_Set_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmFileFormat& file,
                    Data_Set_Source& source);
+
+}  // namespace volumes

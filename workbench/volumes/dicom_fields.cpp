@@ -7,6 +7,8 @@
 #include "dcmtk/dcmdata/dcelem.h"
 #include "dcmtk/ofstd/ofstd.h"
 
+namespace volumes {
+
 namespace {
 
 constexpr unsigned char first_non_ascii = 0x80;
@@ -89,3 +91,5 @@ std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag, unsigned long positi
     }
     return utf8;
 }
+
+}  // namespace volumes

@@ -8,6 +8,8 @@
 #include "dcmtk/config/osconfig.h"
 #include "dcmtk/dcmdata/dcitem.h"
 
+namespace volumes {
+
 /** A text without blanks around it; empty when there is none. @param position of several values */
 std::string Field_Text(DcmItem& item, const DcmTagKey& tag, unsigned long position = 0);
 /** A number, finite; no value when there is none. Texts, integers and floating-point values alike. */
@@ -32,3 +34,5 @@ DcmItem* Field_Item(DcmItem& item, const DcmTagKey& tag, unsigned long position 
 /** Text of the data set's character set as UTF-8; characters that are not understood become question marks.
  *  @param position of several values */
 std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag, unsigned long position = 0);
+
+}  // namespace volumes

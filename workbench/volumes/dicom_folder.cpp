@@ -10,6 +10,8 @@
 #include "workbench/volumes/dicom_series.h"
 #include "workbench/volumes/message_text.h"
 
+namespace volumes {
+
 namespace {
 
 bool Ends_With(const std::string& name, std::string_view ending) {
@@ -361,3 +363,5 @@ std::string Image_Folder_Problems_Text(const Image_Folder& folder, const std::fi
     }
     return text;
 }
+
+}  // namespace volumes

@@ -11,6 +11,8 @@
 #include "workbench/volumes/nifti_reader.h"
 #include "workbench/volumes/volume.h"
 
+namespace volumes {
+
 /** A file that could not be opened, or not as a whole. */
 struct Folder_Problem {
     std::filesystem::path path;
@@ -60,3 +62,5 @@ Image_Folder Image_Folder_Open(std::span<const std::filesystem::path> paths, con
 std::string Image_Folder_Text(const Image_Folder& folder);
 /** One line per problem: the path below a folder, the reason, and whether the file is opened all the same. */
 std::string Image_Folder_Problems_Text(const Image_Folder& folder, const std::filesystem::path& below);
+
+}  // namespace volumes

@@ -5,6 +5,8 @@
 #include "dcmtk/dcmdata/dcpxitem.h"
 #include "workbench/volumes/byte_order.h"
 
+namespace volumes {
+
 namespace {
 
 constexpr std::size_t word_size = sizeof(std::uint32_t);
@@ -129,3 +131,5 @@ std::span<const std::uint8_t> Run_Length_Frames::Frame(std::int32_t frame) {
     }
     return joined;
 }
+
+}  // namespace volumes

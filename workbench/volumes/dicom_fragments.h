@@ -9,6 +9,8 @@
 #include "dcmtk/config/osconfig.h"
 #include "dcmtk/dcmdata/dcpixseq.h"
 
+namespace volumes {
+
 /** Run-length frames of a pixel sequence. */
 class Run_Length_Frames {
   public:
@@ -38,3 +40,5 @@ class Run_Length_Frames {
     std::vector<std::size_t> begins;  // the first fragment of every frame, and how many fragments there are
     std::vector<std::uint8_t> joined;
 };
+
+}  // namespace volumes

@@ -9,6 +9,8 @@
 #include "workbench/volumes/dicom_fields.h"
 #include "workbench/volumes/message_text.h"
 
+namespace volumes {
+
 namespace {
 
 constexpr double direction_least = 1e-3;  // length of a vector below which it has no direction
@@ -431,3 +433,5 @@ Frame_Plan Planner::Make() {
 Frame_Plan Frames_Plan(DcmItem& data_set, std::uint16_t modality, const Frame_Size& size) {
     return Planner(data_set, modality, size).Make();
 }
+
+}  // namespace volumes

@@ -11,6 +11,8 @@
 #include "workbench/volumes/dicom_reader.h"
 #include "workbench/volumes/slice_stack.h"
 
+namespace volumes {
+
 /** What a frame says of itself. */
 struct Frame_Facts {
     Slice_Place place;
@@ -48,3 +50,5 @@ struct Frame_Size {
 
 /** @param modality two letters, the first in the high byte */
 Frame_Plan Frames_Plan(DcmItem& data_set, std::uint16_t modality, const Frame_Size& size);
+
+}  // namespace volumes

@@ -7,6 +7,8 @@
 #include "dcmtk/dcmdata/dcelem.h"
 #include "workbench/volumes/dicom_fields.h"
 
+namespace volumes {
+
 namespace {
 
 constexpr std::int32_t entries_most = 65536;
@@ -96,3 +98,5 @@ std::optional<Palette> Palette_Read(DcmItem& data_set, bool is_signed, Lookup_Fa
     }
     return palette;
 }
+
+}  // namespace volumes

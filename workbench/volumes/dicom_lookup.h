@@ -9,6 +9,8 @@
 #include "dcmtk/dcmdata/dcitem.h"
 #include "workbench/volumes/dicom_pixels.h"
 
+namespace volumes {
+
 /** Entries for the stored values first, first + 1 ...; values outside take the nearest. */
 struct Lookup {
     std::int32_t first = 0;
@@ -25,3 +27,5 @@ std::optional<Lookup> Lookup_Read(DcmItem& item, const DcmTagKey& descriptor, co
                                   Lookup_Failure& failure);
 /** The three tables of a colour palette. No value: see failure. */
 std::optional<Palette> Palette_Read(DcmItem& data_set, bool is_signed, Lookup_Failure& failure);
+
+}  // namespace volumes

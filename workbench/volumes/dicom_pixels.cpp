@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstddef>
 
+namespace volumes {
+
 namespace {
 
 std::int32_t Packed(std::int32_t red, std::int32_t green, std::int32_t blue) {
@@ -104,3 +106,5 @@ void Frame_Decode(const Pixel_Format& format, std::span<const std::uint8_t> byte
         levels[at] = samples.Value(at);
     }
 }
+
+}  // namespace volumes

@@ -6,6 +6,8 @@
 #include <span>
 #include <vector>
 
+namespace volumes {
+
 /** How the pixels of a frame are stored. */
 struct Pixel_Format {
     enum class Kind { GREY, GREY_INVERTED, RGB, YBR_FULL, YBR_FULL_422, PALETTE };
@@ -37,3 +39,5 @@ struct Palette {
  *  sign included, and the caller brings them into range */
 void Frame_Decode(const Pixel_Format& format, std::span<const std::uint8_t> bytes, const Palette& palette,
                   std::span<std::int64_t> levels);
+
+}  // namespace volumes

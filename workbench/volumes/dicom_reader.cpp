@@ -25,6 +25,8 @@
 #include "workbench/volumes/level_scale.h"
 #include "workbench/volumes/message_text.h"
 
+namespace volumes {
+
 namespace {
 
 constexpr std::uint64_t level_size = sizeof(std::int32_t);
@@ -458,3 +460,5 @@ Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits& l
     }
     return failed;
 }
+
+}  // namespace volumes

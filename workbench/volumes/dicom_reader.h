@@ -12,6 +12,8 @@
 #include "workbench/volumes/slice_stack.h"
 #include "workbench/volumes/volume.h"
 
+namespace volumes {
+
 /** The pictures of one file, or those of them that lie on one grid.
  *
  *  Stored values are levels where they fit: sign, stored bits and high bit are taken into account, slopes of frames
@@ -53,3 +55,5 @@ bool Dicom_Is_Likely(std::span<const std::uint8_t> head);
  *  @param file all bytes, not kept
  *  @param limits most bytes of the decoded levels, and of an inflated data set, each for itself */
 Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits& limits = {}) noexcept;
+
+}  // namespace volumes

@@ -3,6 +3,8 @@
 
 #include "workbench/volumes/dicom_reader.h"
 
+namespace volumes {
+
 bool Dicom_Is_Likely(std::span<const std::uint8_t> head) {
     constexpr std::size_t preamble_size = 128;
     constexpr std::array<std::uint8_t, 4> mark = {'D', 'I', 'C', 'M'};
@@ -19,3 +21,5 @@ Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits&) 
     }
     return result;
 }
+
+}  // namespace volumes

@@ -6,6 +6,8 @@
 
 #include "workbench/volumes/byte_order.h"
 
+namespace volumes {
+
 namespace {
 
 constexpr std::size_t header_size = 64;  // bytes: a count and 15 offsets
@@ -72,3 +74,5 @@ const char* Run_Length_Decode(const Pixel_Format& format, std::span<const std::u
     }
     return nullptr;
 }
+
+}  // namespace volumes

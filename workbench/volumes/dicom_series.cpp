@@ -12,6 +12,8 @@
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/slice_stack.h"
 
+namespace volumes {
+
 namespace {
 
 constexpr std::string_view position_text = "position of every slice";
@@ -343,3 +345,5 @@ void Times_Split(Folder_Volume&& one, Image_Folder& folder) {
         folder.volumes.push_back(std::move(made));
     }
 }
+
+}  // namespace volumes

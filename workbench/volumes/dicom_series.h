@@ -7,6 +7,8 @@
 
 #include "workbench/volumes/dicom_folder.h"
 
+namespace volumes {
+
 /** One image with the file that it came from. */
 struct Series_Part {
     Dicom_Image image;
@@ -23,3 +25,5 @@ void Series_Assemble(std::vector<Series_Part>&& parts, Image_Folder& folder);
 /** Adds a volume of one or several times to the folder: one volume per time, or, when it has a single slice, one whose
  *  slices are the times. @param one path and title are known; file_of_slice holds one file for every slice of a time */
 void Times_Split(Folder_Volume&& one, Image_Folder& folder);
+
+}  // namespace volumes

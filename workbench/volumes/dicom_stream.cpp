@@ -7,6 +7,8 @@
 
 #include "host/platform.h"
 
+namespace volumes {
+
 namespace {
 
 // Bytes of stack that reading may take: a fraction of the smallest stack of a thread, and many times what real files
@@ -80,3 +82,5 @@ Memory_Stream::Memory_Stream(std::span<const std::uint8_t> memory, std::size_t b
 DcmInputStreamFactory* Memory_Stream::newFactory() const {
     return new Memory_Factory(bytes, start + static_cast<std::size_t>(tell()));
 }
+
+}  // namespace volumes

@@ -8,6 +8,8 @@
 #include "dcmtk/config/osconfig.h"
 #include "dcmtk/dcmdata/dcistrma.h"
 
+namespace volumes {
+
 /** Gives out bytes, and nothing more once it is called from too deep: sequences may be nested without end, and reading
  * them is recursive. */
 class Memory_Producer final : public DcmProducer {
@@ -41,3 +43,5 @@ class Memory_Stream final : public DcmInputStream {
     std::size_t start;
     Memory_Producer producer;
 };
+
+}  // namespace volumes

@@ -2,6 +2,8 @@
 
 #include "dcmtk/dcmdata/dcdeftag.h"
 
+namespace volumes {
+
 namespace {
 
 constexpr unsigned long WINDOW_MOST = 16;  // of one image
@@ -44,3 +46,5 @@ std::vector<Display_Window> Windows_Read(DcmItem& data_set) {
     }
     return windows;
 }
+
+}  // namespace volumes

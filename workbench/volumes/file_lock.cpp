@@ -14,6 +14,8 @@
 #include <unistd.h>
 #endif
 
+namespace volumes {
+
 namespace {
 
 #if defined(_WIN32)
@@ -75,3 +77,5 @@ File_Lock::~File_Lock() {
         Let_Go(descriptor, file);
     }
 }
+
+}  // namespace volumes

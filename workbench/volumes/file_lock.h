@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <optional>
 
+namespace volumes {
+
 /** A file that this program holds open alone. The system lets go of it when the program ends, however it ends. */
 class File_Lock {
   public:
@@ -21,3 +23,5 @@ class File_Lock {
     std::filesystem::path file;
     int descriptor = -1;
 };
+
+}  // namespace volumes

@@ -13,6 +13,8 @@
 #include <unistd.h>
 #endif
 
+namespace volumes {
+
 namespace {
 
 #if defined(_WIN32)
@@ -86,3 +88,5 @@ File_Operations& File_Operations_In_Use() {
     static File_Operations operations = File_Operations_Of_System();
     return operations;
 }
+
+}  // namespace volumes

@@ -7,6 +7,8 @@
 #include <string>
 #include <system_error>
 
+namespace volumes {
+
 /** A table, so that every single operation can be made to fail. Exclusive creation, and bringing bytes to the disk, are
  *  not in standard C++. */
 struct File_Operations {
@@ -29,3 +31,5 @@ struct File_Operations {
 const File_Operations& File_Operations_Of_System();
 /** Those that are used; may be replaced as a whole while no file is being written. */
 File_Operations& File_Operations_In_Use();
+
+}  // namespace volumes

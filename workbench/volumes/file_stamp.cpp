@@ -10,6 +10,8 @@
 #define ZLIB_CONST
 #include <zlib.h>
 
+namespace volumes {
+
 namespace {
 
 constexpr std::size_t BLOCK = 256U * 1024U;  // bytes read at once
@@ -79,3 +81,5 @@ std::string File_Read_Only_Set(const std::filesystem::path& file, bool is_read_o
         is_read_only ? std::filesystem::perm_options::remove : std::filesystem::perm_options::add, code);
     return code ? "cannot be made writable: " + code.message() : std::string();
 }
+
+}  // namespace volumes

@@ -6,6 +6,8 @@
 #include <span>
 #include <string>
 
+namespace volumes {
+
 /** CRC-32 of bytes, continued from that of what stands before them. */
 std::uint32_t Checksum(std::span<const std::uint8_t> bytes, std::uint32_t before = 0);
 
@@ -27,3 +29,5 @@ bool File_Is_Changed(const File_Stamp& was, const File_Stamp& now);
 bool File_Is_Read_Only(const std::filesystem::path& file);
 /** Takes the protection away, or brings it back. @return empty, or why not, to follow the file's name */
 std::string File_Read_Only_Set(const std::filesystem::path& file, bool is_read_only);
+
+}  // namespace volumes

@@ -12,6 +12,8 @@
 #include "workbench/volumes/value_outliers.h"
 #include "workbench/volumes/value_steps.h"
 
+namespace volumes {
+
 namespace {
 
 // Makes room for `more` elements: by doubling, but never beyond what was announced.
@@ -409,3 +411,5 @@ std::vector<std::string> Values_Outside_Texts(const Volume& volume) {
     }
     return texts;
 }
+
+}  // namespace volumes

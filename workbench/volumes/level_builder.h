@@ -10,6 +10,8 @@
 
 #include "workbench/volumes/nifti_header.h"
 
+namespace volumes {
+
 /** Collects voxels as they are read; memory grows with what has arrived, not with what was announced.
  *
  *  Levels: int8, uint8, int16, uint16 and int32 keep their values. So do uint32, int64 and uint64 as long as every
@@ -78,3 +80,5 @@ class Level_Builder {
 /** What a user has to know of the values that a volume leaves outside, each to follow the file's name; nothing when all
  * are inside: "has 3 voxels that are no number; they are shown black and count nowhere". */
 std::vector<std::string> Values_Outside_Texts(const Volume& volume);
+
+}  // namespace volumes

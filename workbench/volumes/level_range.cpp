@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <limits>
 
+namespace volumes {
+
 void Level_Range_Find(Volume& volume) {
     std::int32_t lowest = std::numeric_limits<std::int32_t>::max();
     std::int32_t highest = std::numeric_limits<std::int32_t>::min();
@@ -23,3 +25,5 @@ void Level_Range_Find(Volume& volume) {
     volume.level_min = lowest <= highest ? lowest : 0;
     volume.level_max = lowest <= highest ? highest : 0;
 }
+
+}  // namespace volumes

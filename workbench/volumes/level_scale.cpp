@@ -8,6 +8,8 @@
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/value_outliers.h"
 
+namespace volumes {
+
 namespace {
 
 constexpr double least_level = std::numeric_limits<std::int32_t>::min();
@@ -233,3 +235,5 @@ std::string Level_Scale_Warning(const Level_Scale& scale, const std::string& par
     }
     return text;
 }
+
+}  // namespace volumes

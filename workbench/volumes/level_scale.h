@@ -8,6 +8,8 @@
 
 #include "workbench/volumes/volume.h"
 
+namespace volumes {
+
 /** What one part holds: grey = stored * slope + intercept. */
 struct Scaled_Part {
     double slope = 1.0;  ///< may be negative
@@ -71,3 +73,5 @@ class Level_Map {
  *  most 1.8e-05 off".
  *  @param parts_name what the parts are: "slices", "frames" */
 std::string Level_Scale_Warning(const Level_Scale& scale, const std::string& parts_name);
+
+}  // namespace volumes

@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <system_error>
 
+namespace volumes {
+
 std::string Count_Text(std::uint64_t count) {
     const std::string digits = std::to_string(count);
     std::string text;
@@ -130,3 +132,5 @@ std::filesystem::path Path_From_Utf8(std::string_view text) {
         return {};
     }
 }
+
+}  // namespace volumes

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+namespace volumes {
+
 /** "7,109,137": a count with its thousands set apart. */
 std::string Count_Text(std::uint64_t count);
 /** "0.25", "1.2e-07": a value with six digits at most, the same in every language. */
@@ -25,3 +27,5 @@ std::string File_Name_Text(const std::filesystem::path& path);
 /** A path from UTF-8 text, on every system. Text that is not valid UTF-8 gives an empty path on systems with wide file
  * names. */
 std::filesystem::path Path_From_Utf8(std::string_view text);
+
+}  // namespace volumes

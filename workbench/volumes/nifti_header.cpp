@@ -7,6 +7,8 @@
 
 #include "workbench/volumes/message_text.h"
 
+namespace volumes {
+
 namespace {
 
 struct Voxel_Type_Row {
@@ -440,3 +442,5 @@ void Geometry_Apply(const Stored_Geometry& geometry, Volume& volume) {
     }
     volume.affine_source = Affine_Source::SPACING;
 }
+
+}  // namespace volumes

@@ -11,6 +11,8 @@
 #include "workbench/volumes/byte_order.h"
 #include "workbench/volumes/volume.h"
 
+namespace volumes {
+
 inline constexpr std::size_t NIFTI1_HEADER_SIZE = 348;   ///< bytes; Analyze 7.5 has the same
 inline constexpr std::size_t NIFTI2_HEADER_SIZE = 540;   ///< bytes
 inline constexpr std::size_t NIFTI_EXTENDER_SIZE = 4;    ///< bytes behind a header that tell whether extensions follow
@@ -74,3 +76,5 @@ Nifti_Header_Result Nifti_Header_Decode(std::span<const std::uint8_t> bytes);
  * (volume.nz) may have an sform without a step to the next. Lengths given in metres or micrometres become millimetres.
  * @param geometry present */
 void Geometry_Apply(const Stored_Geometry& geometry, Volume& volume);
+
+}  // namespace volumes

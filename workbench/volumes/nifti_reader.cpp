@@ -14,6 +14,8 @@
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/nifti_header.h"
 
+namespace volumes {
+
 namespace {
 
 constexpr std::size_t block_size =
@@ -425,3 +427,5 @@ Load_Result Volume_Load(Byte_Source& source, Byte_Source* image, const Load_Prog
         return No_Memory();
     }
 }
+
+}  // namespace volumes

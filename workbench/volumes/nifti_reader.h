@@ -12,6 +12,8 @@
 #include "workbench/volumes/byte_source.h"
 #include "workbench/volumes/volume.h"
 
+namespace volumes {
+
 /** Called now and then with the fraction done, 0 .. 1, never falling. @return false to give up */
 using Load_Progress = std::function<bool(double)>;
 
@@ -39,3 +41,5 @@ Load_Result Volume_Load(const std::filesystem::path& path, const Load_Progress& 
  *  @param source a single file or the header of a pair; @param image the voxels of a pair, null when there are none */
 Load_Result Volume_Load(Byte_Source& source, Byte_Source* image, const Load_Progress& progress = {},
                         const Load_Limits& limits = {}) noexcept;
+
+}  // namespace volumes

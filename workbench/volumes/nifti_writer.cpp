@@ -18,6 +18,8 @@
 #define ZLIB_CONST
 #include <zlib.h>
 
+namespace volumes {
+
 namespace {
 
 constexpr std::size_t voxel_offset = NIFTI1_HEADER_SIZE + NIFTI_EXTENDER_SIZE;
@@ -214,3 +216,5 @@ std::string Label_Volume_Write(const std::filesystem::path& path, const Volume& 
         return "Out of memory.";  // short enough to need none
     }
 }
+
+}  // namespace volumes

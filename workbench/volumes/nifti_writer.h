@@ -8,6 +8,8 @@
 
 #include "workbench/volumes/volume.h"
 
+namespace volumes {
+
 /** Writes labels as a NIfTI-1 file with the dimensions, voxel sizes, qform and sform of `source`; gzip-compressed when
  * the name ends in ".gz". A file of that name is replaced, and stays as it is when writing fails. Never throws.
  *
@@ -20,3 +22,5 @@ std::string Label_Volume_Write(const std::filesystem::path& path, const Volume& 
                                std::span<const std::uint8_t> labels) noexcept;
 std::string Label_Volume_Write(const std::filesystem::path& path, const Volume& source,
                                std::span<const std::uint16_t> labels) noexcept;
+
+}  // namespace volumes

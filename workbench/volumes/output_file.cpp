@@ -8,6 +8,8 @@
 
 #include "workbench/volumes/file_operations.h"
 
+namespace volumes {
+
 namespace {
 
 constexpr int attempt_nb = 1000;                         // names tried for the temporary file
@@ -100,3 +102,5 @@ bool Output_File::Commit() {
     }
     return true;
 }
+
+}  // namespace volumes

@@ -6,6 +6,8 @@
 #include <span>
 #include <string>
 
+namespace volumes {
+
 /** Writes to a file of another name beside the target and renames it at the end, so that a full disk or a crash leaves
  * what was there before. Operations after a failed one do nothing. */
 class Output_File {
@@ -34,3 +36,5 @@ class Output_File {
     std::string error;
     int descriptor = -1;
 };
+
+}  // namespace volumes

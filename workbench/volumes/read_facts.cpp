@@ -2,6 +2,8 @@
 
 #include "workbench/volumes/message_text.h"
 
+namespace volumes {
+
 namespace {
 
 std::string Scale_Text(const Volume& volume) {
@@ -78,3 +80,5 @@ std::string Read_Losses_Text(const Volume& volume) {
     }
     return text;
 }
+
+}  // namespace volumes

@@ -9,6 +9,8 @@
 
 #include "workbench/volumes/message_text.h"
 
+namespace volumes {
+
 namespace {
 
 using Vector = std::array<double, 3>;
@@ -437,3 +439,5 @@ std::string Stack_Warning_Text(const Stack_Warning& warning, bool is_frame) {
     }
     return {};
 }
+
+}  // namespace volumes

@@ -10,6 +10,8 @@
 
 #include "workbench/volumes/volume.h"
 
+namespace volumes {
+
 /** Where a slice lies in the patient. Millimetres to the patient's left, back and top. */
 struct Slice_Place {
     bool is_known = false;              ///< false: the file does not say; the directions mean nothing
@@ -34,7 +36,7 @@ Affine Affine_Of(const Slice_Place& first, const std::array<double, 3>& spacing,
 struct Slice_Moment {
     std::int32_t temporal_position = 0;
     std::int32_t acquisition = 0;
-    double trigger = 0;  ///< ms
+    double trigger = 0;                                     ///< ms
     auto operator<=>(const Slice_Moment&) const = default;  // NOLINT(modernize-use-nullptr): the generated 0 is none
 };
 
@@ -95,3 +97,5 @@ Stack_Plan Slices_Stack(std::span<const Stack_Slice> slices);
 /** What a warning says, to follow a file's name. @param is_frame the slices are frames of that file, else files; the
  *  name is then that of the slice warned of */
 std::string Stack_Warning_Text(const Stack_Warning& warning, bool is_frame);
+
+}  // namespace volumes

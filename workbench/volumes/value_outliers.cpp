@@ -6,6 +6,8 @@
 #include <optional>
 #include <utility>
 
+namespace volumes {
+
 namespace {
 
 constexpr std::uint64_t rare_share = 1000;  // outliers of several values are at most one in so many
@@ -160,3 +162,5 @@ std::vector<Value_Cluster> Value_Clusters::All() const {
     std::ranges::copy_if(bins, std::back_inserter(clusters), [](const Value_Cluster& bin) { return bin.count > 0; });
     return clusters;
 }
+
+}  // namespace volumes

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace volumes {
+
 /** Values that lie together. */
 struct Value_Cluster {
     double lowest = 0.0;
@@ -43,3 +45,5 @@ class Value_Clusters {
   private:
     std::vector<Value_Cluster> bins;  // by sign, exponent and the first four digits of the value
 };
+
+}  // namespace volumes

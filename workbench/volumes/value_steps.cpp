@@ -5,6 +5,8 @@
 
 #include "workbench/volumes/volume.h"
 
+namespace volumes {
+
 namespace {
 
 constexpr double CLOSE_SHARE = 1.0 / 64;  // of a step of QUANTISED_STEPS: the rounding of single precision
@@ -87,3 +89,5 @@ std::int32_t Value_Steps::Step_Of(std::int32_t step, const Value_Grid& grid) con
     const double value = std::max(one[static_cast<std::size_t>(step)], 0.0);
     return static_cast<std::int32_t>(std::lround(value / range * grid.step_nb));
 }
+
+}  // namespace volumes

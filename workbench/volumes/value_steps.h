@@ -5,6 +5,8 @@
 #include <optional>
 #include <vector>
 
+namespace volumes {
+
 /** Largest magnitude of whole numbers that real values keep as levels; every whole float32 up to it is exact. */
 inline constexpr double WHOLE_RANGE = 16777216.0;
 
@@ -40,3 +42,5 @@ class Value_Steps {
     bool is_spread = false;   // one step has values that are apart: no grid
     std::vector<double> one;  // a value of each step; negative: none
 };
+
+}  // namespace volumes

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+namespace volumes {
+
 /** Three rows of four: millimetres = first three columns * voxel index + fourth column. */
 using Affine = std::array<std::array<double, 4>, 3>;
 
@@ -115,3 +117,5 @@ struct Volume {
         return static_cast<std::size_t>(nx) * static_cast<std::size_t>(ny) * static_cast<std::size_t>(nz);
     }
 };
+
+}  // namespace volumes

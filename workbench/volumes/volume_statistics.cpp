@@ -8,6 +8,8 @@
 #include <tuple>
 #include <vector>
 
+namespace volumes {
+
 namespace {
 
 constexpr std::size_t half_size = std::size_t{1} << 16U;  // values of either half of a 32-bit number
@@ -149,3 +151,5 @@ Volume_Statistics Volume_Statistics_Compute(const Volume& volume) {
     Window_Mend(statistics);
     return statistics;
 }
+
+}  // namespace volumes

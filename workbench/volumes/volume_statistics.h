@@ -6,6 +6,8 @@
 
 #include "workbench/volumes/volume.h"
 
+namespace volumes {
+
 /** All in grey values; colour volumes: over all their components, 0 .. 255. */
 struct Volume_Statistics {
     std::uint64_t count = 0;  ///< values counted; those outside are left out. 0: everything else is 0 but window_high
@@ -24,3 +26,5 @@ inline constexpr double WINDOW_TAIL = 0.01;
  * exceed. A volume that is nearly all of one value would have no window: it gets min .. max instead. One that is all of
  * one value gets a window around it, in which it is mid grey. */
 Volume_Statistics Volume_Statistics_Compute(const Volume& volume);
+
+}  // namespace volumes

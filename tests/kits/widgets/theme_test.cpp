@@ -8,6 +8,8 @@
 #include "kits/widgets/widgets_host.h"
 #include "workbench/model/color_contrast.h"
 
+using namespace workbench;
+
 namespace {
 
 /** How far apart two colours are in brightness. */

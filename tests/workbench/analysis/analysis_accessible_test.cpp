@@ -14,6 +14,8 @@
 #include "workbench/accessible_snapshot.h"
 #include "workbench/analysis/analysis_window.h"
 
+using namespace workbench;
+
 namespace {
 
 constexpr int BINS = 400;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace workbench;
+
 namespace {
 
 std::vector<Peak_Row> Rows(int nb) {

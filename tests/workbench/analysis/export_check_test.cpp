@@ -5,6 +5,8 @@
 #include <random>
 #include <string>
 
+using namespace workbench;
+
 namespace {
 
 // The example of docs/export_format.md.

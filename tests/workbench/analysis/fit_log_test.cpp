@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace workbench;
+
 namespace {
 
 TEST(Fit_Log, tells_for_every_candidate_where_it_came_from_and_why_it_went) {

@@ -6,6 +6,8 @@
 #include <random>
 #include <vector>
 
+using namespace workbench;
+
 namespace {
 
 TEST(Histogram_Numbers_Of, an_empty_histogram_has_no_pixels) {

@@ -6,6 +6,8 @@
 #include <numbers>
 #include <random>
 
+using namespace workbench;
+
 namespace {
 
 std::vector<double> Curve_Of(const std::vector<Found_Peak>& peaks, int n) {

@@ -13,6 +13,8 @@
 #include "tests/database/typed_name.h"
 #include "workbench/database/class_history.h"
 
+using namespace workbench;
+
 namespace {
 
 constexpr int NODE_NB = 30;

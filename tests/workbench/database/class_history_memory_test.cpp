@@ -12,6 +12,8 @@
 #include "tests/support/panel_fixture.h"
 #include "workbench/database/class_history.h"
 
+using namespace workbench;
+
 namespace {
 
 /** Body(Head(A, B, C, D), Vessel): Head's list of children has no room left. */

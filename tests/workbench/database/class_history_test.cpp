@@ -12,6 +12,8 @@
 #include <type_traits>
 #include <vector>
 
+using namespace workbench;
+
 namespace {
 
 /** All trees of an application: Curves(One, Two), Images(head(1, 2, 3)), Body(Head(Brain, Skull), Vessel). */

@@ -11,6 +11,8 @@
 #include "kits/dataset/dataset_host.h"
 #include "workbench/model/class_journal.h"
 
+using namespace workbench;
+
 namespace {
 
 constexpr Class_Kind KIND = Class_Kind::CLASSES_3D;

@@ -10,6 +10,8 @@
 #include "database/tool_db_file.h"
 #include "tests/database/file_scene.h"
 
+using namespace workbench;
+
 namespace {
 
 constexpr int SELECTED = FLAG_SELECTED;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace workbench;
+
 namespace {
 
 TEST(Find_Words, every_word_must_occur) {

@@ -6,6 +6,8 @@
 
 #include "host/kit_widgets.h"
 
+using namespace workbench;
+
 namespace {
 
 /** root { a { a1, a2 }, b, c { c1 { c11 } } } */

@@ -9,6 +9,8 @@
 
 #include "tests/database/edit_scene.h"
 
+using namespace workbench;
+
 namespace {
 
 constexpr int WIDTH = 1500;  // pixels: four levels

@@ -11,6 +11,8 @@
 #include "tests/workbench/volumes/loading.h"
 #include "workbench/volumes/dicom_folder.h"
 
+using namespace volumes;
+
 namespace {
 
 struct Expected_Volume {

@@ -9,6 +9,8 @@
 #include "tests/workbench/volumes/dicom_bytes.h"
 #include "tests/workbench/volumes/loading.h"
 
+using namespace volumes;
+
 namespace {
 
 using testing::ElementsAre;

@@ -8,6 +8,8 @@
 #include "tests/workbench/volumes/loading.h"
 #include "workbench/volumes/dicom_folder.h"
 
+using namespace volumes;
+
 namespace {
 
 using testing::Contains;

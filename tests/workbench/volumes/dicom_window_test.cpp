@@ -5,6 +5,8 @@
 #include "tests/workbench/volumes/dicom_bytes.h"
 #include "workbench/volumes/dicom_reader.h"
 
+using namespace volumes;
+
 namespace {
 
 using testing::ElementsAre;

@@ -9,6 +9,8 @@
 #include "tests/workbench/volumes/loading.h"
 #include "workbench/volumes/dicom_folder.h"
 
+using namespace volumes;
+
 // Set by the build: the folders of the packages' files; empty when they are not installed.
 #if !defined(KIT_DICOM_PYTHON3_PYDICOM) || !defined(KIT_DICOM_OCTAVE_DICOM) || !defined(KIT_DICOM_PYTHON3_NIBABEL)
 #error "the build names the folders"

@@ -13,6 +13,8 @@
 #include "workbench/volumes/nifti_writer.h"
 #include "workbench/volumes/volume_statistics.h"
 
+using namespace volumes;
+
 // Set by the build: the folder of the images, and the folder with the script's answers; empty when they are not
 // installed.
 #ifndef KIT_VOLUMES_FOLDER

@@ -9,6 +9,8 @@
 #include <random>
 #include <vector>
 
+using namespace volumes;
+
 namespace {
 
 using testing::ElementsAre;

@@ -6,6 +6,8 @@
 #include <limits>
 #include <vector>
 
+using namespace volumes;
+
 namespace {
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();

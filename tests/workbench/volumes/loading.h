@@ -9,15 +9,16 @@
 #include "tests/workbench/volumes/nifti_bytes.h"
 #include "workbench/volumes/nifti_reader.h"
 
-inline Load_Result Load(const Bytes& bytes, const Load_Limits& limits = {}, const Load_Progress& progress = {}) {
-    Memory_Source source(bytes, "test.nii");
-    return Volume_Load(source, nullptr, progress, limits);
+inline volumes::Load_Result Load(const Bytes& bytes, const volumes::Load_Limits& limits = {},
+                                 const volumes::Load_Progress& progress = {}) {
+    volumes::Memory_Source source(bytes, "test.nii");
+    return volumes::Volume_Load(source, nullptr, progress, limits);
 }
 
-inline Load_Result Load_Pair(const Bytes& header, const Bytes& image) {
-    Memory_Source source(header, "test.hdr");
-    Memory_Source image_source(image, "test.img");
-    return Volume_Load(source, &image_source);
+inline volumes::Load_Result Load_Pair(const Bytes& header, const Bytes& image) {
+    volumes::Memory_Source source(header, "test.hdr");
+    volumes::Memory_Source image_source(image, "test.img");
+    return volumes::Volume_Load(source, &image_source);
 }
 
 // Twelve voxels whose value is ten times their number.
@@ -30,7 +31,7 @@ inline Nifti_Bytes Small_File() {
 }
 
 // What must hold of every volume, whatever the file said.
-inline void Expect_Sound(const Volume& volume) {
+inline void Expect_Sound(const volumes::Volume& volume) {
     ASSERT_GE(volume.nx, 1);
     ASSERT_GE(volume.ny, 1);
     ASSERT_GE(volume.nz, 1);
@@ -47,8 +48,8 @@ inline void Expect_Sound(const Volume& volume) {
         }
     }
     for (const std::int32_t level : volume.levels) {
-        ASSERT_EQ(std::isfinite(volume.grey(level)), level != LEVEL_OUTSIDE);
-        if (!volume.color && level != LEVEL_OUTSIDE) {
+        ASSERT_EQ(std::isfinite(volume.grey(level)), level != volumes::LEVEL_OUTSIDE);
+        if (!volume.color && level != volumes::LEVEL_OUTSIDE) {
             ASSERT_GE(level, volume.level_min);
             ASSERT_LE(level, volume.level_max);
         }

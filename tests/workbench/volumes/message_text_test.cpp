@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace volumes;
+
 namespace {
 
 TEST(Message_Text, separates_thousands_and_chooses_units) {

@@ -8,6 +8,8 @@
 
 #include "tests/workbench/volumes/nifti_bytes.h"
 
+using namespace volumes;
+
 namespace {
 
 using testing::HasSubstr;

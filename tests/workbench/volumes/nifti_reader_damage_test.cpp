@@ -9,6 +9,8 @@
 #include "tests/workbench/volumes/nifti_bytes.h"
 #include "workbench/volumes/nifti_reader.h"
 
+using namespace volumes;
+
 namespace {
 
 using testing::ElementsAre;

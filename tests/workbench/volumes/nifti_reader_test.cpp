@@ -11,6 +11,8 @@
 #include "tests/workbench/volumes/nifti_bytes.h"
 #include "workbench/volumes/message_text.h"
 
+using namespace volumes;
+
 namespace {
 
 using testing::ElementsAre;

@@ -13,6 +13,8 @@
 #include <csignal>
 #endif
 
+using namespace volumes;
+
 namespace {
 
 using testing::HasSubstr;

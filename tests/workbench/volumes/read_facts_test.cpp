@@ -4,6 +4,8 @@
 
 #include <vector>
 
+using namespace volumes;
+
 namespace {
 
 TEST(Read_Facts, the_page_tells_what_an_exact_volume_is) {

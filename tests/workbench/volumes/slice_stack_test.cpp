@@ -5,6 +5,8 @@
 
 #include <cmath>
 
+using namespace volumes;
+
 namespace {
 
 using testing::ElementsAre;

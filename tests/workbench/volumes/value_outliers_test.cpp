@@ -5,6 +5,8 @@
 #include <cmath>
 #include <limits>
 
+using namespace volumes;
+
 namespace {
 
 Value_Range Range_Of(const std::vector<double>& values) {

@@ -7,6 +7,8 @@
 #include <limits>
 #include <random>
 
+using namespace volumes;
+
 namespace {
 
 Volume Volume_Of(std::vector<std::int32_t> levels, double slope = 1, double intercept = 0) {

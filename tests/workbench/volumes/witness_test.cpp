@@ -18,6 +18,8 @@
 #include "workbench/volumes/dicom_folder.h"
 #include "workbench/volumes/message_text.h"
 
+using namespace volumes;
+
 namespace {
 
 struct Expected_Volume {
