@@ -303,9 +303,9 @@ void Application::Status(const std::wstring& text) {
     report.Line("status " + Utf8_Of_Wide(text));
 }
 
-void Application::Warn(std::string_view utf8) {
+void Application::Warn(std::string_view utf8, Warning_Subject subject) {
     report.Line("warning " + std::string(utf8));
-    banner.Add_Text(Wide_Of_Utf8(utf8));
+    banner.Add_Text(Wide_Of_Utf8(utf8), subject);
 }
 
 void Application::Notes_Refresh() {

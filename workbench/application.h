@@ -97,7 +97,7 @@ class Application : public Image_User, public Main_Window_User {
     void On_Redraw();
     void On_Message(int level, const char* text);
     void Status(const std::wstring& text);
-    void Warn(std::string_view utf8);
+    void Warn(std::string_view utf8, Warning_Subject subject = Warning_Subject::Other);
     void Notes_Refresh();
     void Title_Refresh();
     void Look_Changed();

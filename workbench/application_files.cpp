@@ -74,12 +74,12 @@ std::optional<volumes::Load_Result> Application::Load_With_Progress(const std::f
         return std::nullopt;
     }
     if (!result.volume) {
-        Warn(result.error);
+        Warn(result.error, Warning_Subject::Label_File);
         return std::nullopt;
     }
-    banner.Close();  // what was told of other files
+    banner.Close(Warning_Subject::Label_File);  // what was told of other label files
     for (const std::string& warning : result.warnings) {
-        Warn(warning);
+        Warn(warning, Warning_Subject::Label_File);
     }
     return result;
 }

@@ -158,12 +158,12 @@ void Application::Load_Labels(const std::filesystem::path& path) {
     const std::string placed = Labels_Place_Text(volume, path, *choice);
     const Label_Description* description = described.is_there ? &described.description : nullptr;
     if (const std::string error = session.Take_Labels({volume, path, description, stamps}, *choice); !error.empty()) {
-        Warn(error);
+        Warn(error, Warning_Subject::Label_File);
         return;
     }
     for (const std::string& sentence : {placed, described.warning}) {
         if (!sentence.empty()) {
-            Warn(sentence);
+            Warn(sentence, Warning_Subject::Label_File);
         }
     }
     Tag_Nb_Grow(session.Labels().Highest_Tag());

@@ -23,28 +23,28 @@ void Warning_Banner::Add(const std::vector<Message_Run>& runs) {
     for (const Message_Run& run : runs) {
         wide.push_back({run.style, Wide_Of_Panel(run.text.c_str())});
     }
-    Add_Lines(wide);
+    Add_Lines(wide, Warning_Subject::Other);
 }
 
-void Warning_Banner::Add_Text(const std::wstring& text) {
-    Add_Lines({{Message_Style::Warning, L"WARNING:"}, {Message_Style::Plain, L" " + text}});
+void Warning_Banner::Add_Text(const std::wstring& text, Warning_Subject subject) {
+    Add_Lines({{Message_Style::Warning, L"WARNING:"}, {Message_Style::Plain, L" " + text}}, subject);
 }
 
-void Warning_Banner::Add_Lines(const std::vector<Run>& runs) {
+void Warning_Banner::Add_Lines(const std::vector<Run>& runs, Warning_Subject subject) {
     const DWORD now = ::GetTickCount();
     if (now - last_time > together || lines.size() >= lines_max) {
         lines.clear();
     }
     last_time = now;
-    Line line;
+    Line line{{}, subject};
     for (Run run : runs) {
         for (std::size_t end = run.text.find(L'\n'); end != std::wstring::npos; end = run.text.find(L'\n')) {
-            line.push_back({run.style, run.text.substr(0, end)});
+            line.runs.push_back({run.style, run.text.substr(0, end)});
             lines.push_back(std::move(line));
-            line.clear();
+            line = {{}, subject};
             run.text.erase(0, end + 1);
         }
-        line.push_back(std::move(run));
+        line.runs.push_back(std::move(run));
     }
     lines.push_back(std::move(line));
     changed();
@@ -57,11 +57,18 @@ void Warning_Banner::Close() {
     changed();
 }
 
+void Warning_Banner::Close(Warning_Subject subject) {
+    if (std::erase_if(lines, [subject](const Line& line) { return line.subject == subject; }) > 0) {
+        changed();
+        Invalidate();
+    }
+}
+
 std::wstring Warning_Banner::Text() const {
     std::wstring text;
     for (const Line& line : lines) {
         text += text.empty() ? L"" : L"\n";
-        for (const Run& run : line) {
+        for (const Run& run : line.runs) {
             text += run.text;
         }
     }
@@ -84,7 +91,7 @@ void Warning_Banner::Draw_Lines(HDC dc) const {
     area.right = Close_Box().left - look.Px(6);
     for (const Line& line : lines) {
         RECT place = {look.Px(16), area.top, area.right, area.top + look.Px(line_height)};
-        for (const Run& run : line) {
+        for (const Run& run : line.runs) {
             const bool is_strong = run.style == Message_Style::Warning || run.style == Message_Style::Strong;
             place.left += run.style == Message_Style::Indented ? look.Px(24) : 0;
             if (place.left < place.right) {

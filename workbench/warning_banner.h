@@ -11,6 +11,9 @@
 
 namespace workbench {
 
+/** What a warning is about: a later success takes back only what was told of the same. */
+enum class Warning_Subject { Other, Label_File };
+
 class Warning_Banner : public Window_Base {
   public:
     /** @param on_change called when the banner appears, grows or goes, so that it is given its place */
@@ -20,8 +23,10 @@ class Warning_Banner : public Window_Base {
     /** Shows a message with its styles. Messages that follow one another at once stand below each other. */
     void Add(const std::vector<Message_Run>& runs);
     /** Shows the application's own warning. */
-    void Add_Text(const std::wstring& text);
+    void Add_Text(const std::wstring& text, Warning_Subject subject = Warning_Subject::Other);
     void Close();
+    /** Takes away the lines of one subject; the others stay. */
+    void Close(Warning_Subject subject);
     /** Everything that stands in the banner, line by line. */
     std::wstring Text() const;
     /** 0 while there is nothing to say. */
@@ -35,8 +40,11 @@ class Warning_Banner : public Window_Base {
         Message_Style style = Message_Style::Plain;
         std::wstring text;
     };
-    using Line = std::vector<Run>;
-    void Add_Lines(const std::vector<Run>& runs);
+    struct Line {
+        std::vector<Run> runs;
+        Warning_Subject subject = Warning_Subject::Other;
+    };
+    void Add_Lines(const std::vector<Run>& runs, Warning_Subject subject);
     void Paint();
     RECT Close_Box() const;
     void Draw_Lines(HDC dc) const;
