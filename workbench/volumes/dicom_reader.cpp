@@ -364,13 +364,14 @@ void File_Reader::Stack_Decode(const Frame_Stack& stack, Volume& volume) {
         volume.slope = scale.slope;
         volume.intercept = scale.intercept;
         volume.max_error = scale.max_error;
+        Outside_Note(scale, volume);
     }
     volume.levels.resize(values.size() * stack.order.size());
     auto level = volume.levels.begin();
     for (const std::int32_t frame : stack.order) {
         Frame_Values(frame);
         const Level_Map map(scales[static_cast<std::size_t>(frame)], scale);
-        const bool is_level = volume.color || (map.Is_Same() && scale.outlier_nb == 0);
+        const bool is_level = volume.color || (map.Is_Same() && !scale.Has_Outside());
         level = std::ranges::transform(values, level, [&](std::int64_t value) {
                     return is_level ? static_cast<std::int32_t>(value) : map.Level(value);
                 }).out;

@@ -74,7 +74,7 @@ Scaled_Part Scale_Of(const Volume& volume) {
 /** Brings a volume's levels to another scale. */
 void Scale_Change(Volume& volume, const Level_Scale& scale) {
     const Level_Map map(Scale_Of(volume), scale);
-    if (volume.color || (map.Is_Same() && scale.outlier_nb == 0)) {
+    if (volume.color || (map.Is_Same() && !scale.Has_Outside())) {
         return;
     }
     for (std::int32_t& level : volume.levels) {
@@ -231,6 +231,7 @@ void Group::Stack(const Slice_Stack& stack, std::int32_t time, const std::string
     }
     if (!volume.color) {
         volume.max_error = scale.max_error;
+        Outside_Note(scale, volume);
     }
     volume.nz = stack.nz;
     const auto middle = begin + static_cast<std::ptrdiff_t>(nz / 2);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <optional>
 
 #include "workbench/volumes/message_text.h"
@@ -17,7 +18,10 @@ constexpr double most_level = LEVEL_LARGEST;
 constexpr double whole_most = 9.0e15;       // whole numbers up to here are exact as double
 constexpr double whole_tolerance = 1.0e-6;  // levels: slopes are written as decimals, 0.3 is not quite three times 0.1
 constexpr double rounding = 1.0e-11;        // levels: what the arithmetic itself loses
-constexpr double parts_distance = 65536.0;  // of outliers: there are far more steps than for voxels of one scale
+constexpr double rounding_share = 1.0e-15;  // of a level's magnitude: the same for large levels
+constexpr double parts_distance = 65536.0;  // of outliers: nearer ones leave QUANTISED_STEPS to the others
+constexpr double steps_most = static_cast<double>(LEVEL_SCALE_STEPS);
+static_assert(static_cast<double>(LEVEL_SCALE_STEPS / QUANTISED_STEPS) >= parts_distance);
 
 struct Range {
     double lowest = 0.0;
@@ -28,6 +32,10 @@ Range Greys_Of(const Scaled_Part& part) {
     const double first = static_cast<double>(part.lowest) * part.slope + part.intercept;
     const double last = static_cast<double>(part.highest) * part.slope + part.intercept;
     return {std::min(first, last), std::max(first, last)};
+}
+
+bool Is_One_Value(const Scaled_Part& part) {
+    return part.lowest == part.highest;
 }
 
 bool Is_Usable(const Scaled_Part& part) {
@@ -58,8 +66,46 @@ std::optional<Whole_Map> Whole_Map_Of(const Scaled_Part& part, double slope, dou
     if (map.deviation > whole_tolerance) {
         return std::nullopt;
     }
-    map.deviation = map.deviation > rounding ? map.deviation : 0.0;
+    const double least = std::max(rounding, rounding_share * (std::abs(factor) * reach + std::abs(shift)));
+    map.deviation = map.deviation > least ? map.deviation : 0.0;
     return map;
+}
+
+/** The smallest number of even pieces of 1 that a number is a whole number of; 0: there are too many. */
+std::int64_t Pieces_Of(double number) {
+    constexpr double pieces_most = 1.0e6;
+    constexpr double whole = 1.0e-9;
+    // By continued fractions: the best approximations, with growing denominators.
+    double before = 0.0;
+    double pieces = 1.0;
+    double rest = std::abs(number);
+    while (pieces <= pieces_most && std::abs(number) * pieces < whole_most) {
+        if (std::abs(number * pieces - std::round(number * pieces)) <= whole) {
+            return std::llround(pieces);
+        }
+        rest = 1.0 / (rest - std::floor(rest));
+        const double next = std::floor(rest) * pieces + before;
+        before = pieces;
+        pieces = next;
+    }
+    return 0;
+}
+
+/** Into how many pieces the finest slope has to be cut so that the values of all parts are whole numbers of them; 0:
+ * that is not possible. */
+std::int64_t Pieces_Needed(const std::vector<Scaled_Part>& parts, const Scaled_Part& finest) {
+    constexpr std::int64_t most = std::int64_t{1} << 31U;
+    std::int64_t needed = 1;
+    for (const Scaled_Part& part : parts) {
+        for (const double number : {part.slope / finest.slope, (part.intercept - finest.intercept) / finest.slope}) {
+            const std::int64_t pieces = std::isfinite(number) ? Pieces_Of(number) : 0;
+            if (pieces == 0 || std::lcm(needed, pieces) > most) {
+                return 0;
+            }
+            needed = std::lcm(needed, pieces);
+        }
+    }
+    return needed;
 }
 
 /** Puts whole levels lowest .. highest where levels can be. @return false: too many */
@@ -67,7 +113,7 @@ bool Levels_Place(std::int64_t lowest, std::int64_t highest, Level_Scale& scale)
     std::int64_t base = 0;
     if (lowest < static_cast<std::int64_t>(least_level) || highest > LEVEL_LARGEST) {
         const std::int64_t span = highest - lowest;
-        if (span > static_cast<std::int64_t>(most_level - least_level)) {
+        if (span > LEVEL_SCALE_STEPS) {
             return false;
         }
         base = span <= LEVEL_LARGEST ? lowest : highest - LEVEL_LARGEST;
@@ -78,9 +124,11 @@ bool Levels_Place(std::int64_t lowest, std::int64_t highest, Level_Scale& scale)
     return true;
 }
 
-bool Exact_Choose(const std::vector<Scaled_Part>& parts, const Scaled_Part& finest, Level_Scale& scale) {
+/** @param pieces of the finest slope that make up a step */
+bool Exact_Choose(const std::vector<Scaled_Part>& parts, const Scaled_Part& finest, std::int64_t pieces,
+                  Level_Scale& scale) {
     Level_Scale exact = scale;
-    exact.slope = finest.slope;
+    exact.slope = finest.slope / static_cast<double>(pieces);
     exact.intercept = finest.intercept;
     std::int64_t lowest = std::numeric_limits<std::int64_t>::max();
     std::int64_t highest = std::numeric_limits<std::int64_t>::min();
@@ -108,6 +156,15 @@ bool Exact_Choose(const std::vector<Scaled_Part>& parts, const Scaled_Part& fine
     return true;
 }
 
+/** The same with the slope itself, or with even pieces of it. */
+bool Exact_Choose(const std::vector<Scaled_Part>& parts, const Scaled_Part& finest, Level_Scale& scale) {
+    if (Exact_Choose(parts, finest, 1, scale)) {
+        return true;
+    }
+    const std::int64_t pieces = Pieces_Needed(parts, finest);
+    return pieces > 1 && Exact_Choose(parts, finest, pieces, scale);
+}
+
 /** Leaves parts outside that would flatten all others. */
 Range Outliers_Leave(std::vector<Scaled_Part>& parts, Level_Scale& scale) {
     std::vector<Value_Cluster> clusters;
@@ -117,6 +174,8 @@ Range Outliers_Leave(std::vector<Scaled_Part>& parts, Level_Scale& scale) {
     }
     const Value_Range range = Value_Range_Find(std::move(clusters), parts_distance);
     scale.outlier_nb += range.outlier_nb;
+    scale.outlier_lowest = range.outlier_lowest;
+    scale.outlier_highest = range.outlier_highest;
     std::erase_if(parts, [&](const Scaled_Part& part) {
         const Range greys = Greys_Of(part);
         return greys.highest < range.lowest || greys.lowest > range.highest;
@@ -127,17 +186,35 @@ Range Outliers_Leave(std::vector<Scaled_Part>& parts, Level_Scale& scale) {
 /** The part with the finest step. One value alone has no step. */
 const Scaled_Part& Finest_Of(const std::vector<Scaled_Part>& parts) {
     return *std::ranges::min_element(parts, [](const Scaled_Part& left, const Scaled_Part& right) {
-        const bool is_left_one = left.lowest == left.highest;
-        const bool is_right_one = right.lowest == right.highest;
+        const bool is_left_one = Is_One_Value(left);
+        const bool is_right_one = Is_One_Value(right);
         return is_left_one != is_right_one ? is_right_one : std::abs(left.slope) < std::abs(right.slope);
     });
 }
 
 void Slopes_Note(const std::vector<Scaled_Part>& parts, Level_Scale& scale) {
-    const auto [finest, coarsest] =
-        std::ranges::minmax(parts, {}, [](const Scaled_Part& part) { return std::abs(part.slope); });
-    scale.finest_slope = std::abs(finest.slope);
-    scale.coarsest_slope = std::abs(coarsest.slope);
+    scale.finest_slope = scale.coarsest_slope = std::abs(Finest_Of(parts).slope);
+    for (const Scaled_Part& part : parts) {
+        if (!Is_One_Value(part)) {
+            scale.coarsest_slope = std::max(scale.coarsest_slope, std::abs(part.slope));
+        }
+    }
+}
+
+/** What has one value has no step of its own: the finest one's stands for it. */
+void Single_Values_Fit(std::vector<Scaled_Part>& parts, const Scaled_Part& finest) {
+    for (Scaled_Part& part : parts) {
+        if (Is_One_Value(part) && part.slope != finest.slope) {
+            part.intercept += static_cast<double>(part.lowest) * part.slope;
+            part.slope = finest.slope;
+            part.lowest = part.highest = 0;
+        }
+    }
+}
+
+/** Steps from the smallest value to the largest; may be more than a double where the step is tiny. */
+double Steps_Of(Range range, double step) {
+    return range.highest / step - range.lowest / step;
 }
 
 /** Equal steps over the whole range: the finest part's own where there is room. */
@@ -145,11 +222,13 @@ void Steps_Choose(const std::vector<Scaled_Part>& parts, const Scaled_Part& fine
     scale.slope = finest.slope;
     scale.intercept = finest.intercept;
     const auto level_of = [&](double grey) { return std::round((grey - scale.intercept) / scale.slope); };
-    const auto is_level = [&](double grey) { return std::abs(level_of(grey)) <= LEVEL_SCALE_STEPS; };
-    if (!is_level(range.lowest) || !is_level(range.highest)) {
-        const double least = range.highest / LEVEL_SCALE_STEPS - range.lowest / LEVEL_SCALE_STEPS;
-        scale.slope = std::max({least, std::abs(finest.slope), std::numeric_limits<double>::min()});
-        scale.intercept = range.lowest;
+    const auto is_level = [&](double grey) { return level_of(grey) >= least_level && level_of(grey) <= most_level; };
+    const bool has_room = Steps_Of(range, std::abs(finest.slope)) <= steps_most && !Is_One_Value(finest);
+    if (!has_room || !is_level(range.lowest) || !is_level(range.highest)) {
+        // A step more than needed: the ends may be rounded outwards.
+        const double least = range.highest / (steps_most - 1.0) - range.lowest / (steps_most - 1.0);
+        scale.slope = std::max({least, has_room ? std::abs(finest.slope) : 0.0, std::numeric_limits<double>::min()});
+        scale.intercept = range.lowest - least_level * scale.slope;
     }
     const auto [lowest, highest] = std::minmax({level_of(range.lowest), level_of(range.highest)});
     scale.lowest = static_cast<std::int32_t>(std::clamp(lowest, least_level, most_level));
@@ -170,32 +249,34 @@ Level_Scale Level_Scale_Choose(std::span<const Scaled_Part> parts) {
         if (Is_Usable(part)) {
             inside.push_back(part);
         } else {
-            scale.outlier_nb += part.count;
+            scale.nonfinite_nb += part.count;
         }
     }
     if (inside.empty()) {
         return scale;
     }
-    Scaled_Part finest = Finest_Of(inside);
-    Slopes_Note(inside, scale);
-    if (Exact_Choose(inside, finest, scale)) {
+    const auto exact_choose = [&] {
+        const Scaled_Part finest = Finest_Of(inside);
+        Slopes_Note(inside, scale);
+        std::vector<Scaled_Part> fitted = inside;
+        Single_Values_Fit(fitted, finest);
+        return Exact_Choose(fitted, finest, scale);
+    };
+    if (exact_choose()) {
         return scale;
     }
-    Range range = Greys_Of(finest);
+    Range range = Greys_Of(inside.front());
     for (const Scaled_Part& part : inside) {
         const Range greys = Greys_Of(part);
         range = {std::min(range.lowest, greys.lowest), std::max(range.highest, greys.highest)};
     }
-    const double step = std::abs(finest.slope);
-    if (!((range.highest / step) - (range.lowest / step) <= LEVEL_SCALE_STEPS)) {
+    if (!(Steps_Of(range, std::abs(Finest_Of(inside).slope)) <= steps_most)) {
         range = Outliers_Leave(inside, scale);
-        finest = Finest_Of(inside);
-        Slopes_Note(inside, scale);
-        if (scale.outlier_nb > 0 && Exact_Choose(inside, finest, scale)) {
+        if (scale.outlier_nb > 0 && exact_choose()) {
             return scale;
         }
     }
-    Steps_Choose(inside, finest, range, scale);
+    Steps_Choose(inside, Finest_Of(inside), range, scale);
     return scale;
 }
 
@@ -220,6 +301,13 @@ std::int32_t Level_Map::Level(std::int64_t stored) const {
     return level >= lowest && level <= highest ? static_cast<std::int32_t>(level) : LEVEL_OUTSIDE;
 }
 
+void Outside_Note(const Level_Scale& scale, Volume& volume) {
+    volume.nonfinite_nb = scale.nonfinite_nb;
+    volume.outlier_nb = scale.outlier_nb;
+    volume.outlier_lowest = scale.outlier_lowest;
+    volume.outlier_highest = scale.outlier_highest;
+}
+
 std::string Level_Scale_Warning(const Level_Scale& scale, const std::string& parts_name) {
     std::string text;
     // Half a step of the finest part is below what that part can tell apart.
@@ -230,8 +318,15 @@ std::string Level_Scale_Warning(const Level_Scale& scale, const std::string& par
     }
     if (scale.outlier_nb > 0) {
         text += text.empty() ? "has " : "; it has ";
-        text += parts_name + " whose scale is far from all others: up to " + Count_Text(scale.outlier_nb) +
-                " of their values are left outside the scale, are shown black and count nowhere";
+        text += parts_name + " whose scale is far from all others: " + Count_Text(scale.outlier_nb) +
+                " of their values (" + Value_Text(scale.outlier_lowest) +
+                (scale.outlier_lowest == scale.outlier_highest ? "" : " to " + Value_Text(scale.outlier_highest)) +
+                ") are left outside the scale, are shown black and count nowhere";
+    }
+    if (scale.nonfinite_nb > 0) {
+        text += text.empty() ? "has " : "; it has ";
+        text += parts_name + " without a usable scale: " + Count_Text(scale.nonfinite_nb) +
+                " of their values are left outside, are shown black and count nowhere";
     }
     return text;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <string>
 #include <vector>
@@ -24,26 +25,37 @@ struct Scaled_Part {
 struct Level_Scale {
     double slope = 1.0;  ///< not 0
     double intercept = 0.0;
-    double max_error = 0.0;        ///< greys of levels are at most this far from the parts' own; 0: exact
-    std::int32_t lowest = 0;       ///< levels are from here ..
-    std::int32_t highest = 0;      ///< .. to here; what would lie beyond is LEVEL_OUTSIDE
-    std::uint64_t outlier_nb = 0;  ///< values of parts so far from all others that they were left outside (at most:
-                                   ///< counted as whole parts)
-    double finest_slope = 1.0;     ///< magnitude of the smallest slope of the parts inside
-    double coarsest_slope = 1.0;   ///< magnitude of the largest
+    double max_error = 0.0;          ///< greys of levels are at most this far from the parts' own; 0: exact
+    std::int32_t lowest = 0;         ///< levels are from here ..
+    std::int32_t highest = 0;        ///< .. to here; what would lie beyond is LEVEL_OUTSIDE
+    std::uint64_t outlier_nb = 0;    ///< values of parts so far from all others that they were left outside
+    double outlier_lowest = 0.0;     ///< grey: the smallest of those; 0 without any
+    double outlier_highest = 0.0;    ///< grey: the largest
+    std::uint64_t nonfinite_nb = 0;  ///< values of parts that have no finite scale
+    double finest_slope = 1.0;       ///< magnitude of the smallest slope of the parts inside that have several values
+    double coarsest_slope = 1.0;     ///< magnitude of the largest
+
+    bool Has_Outside() const { return outlier_nb > 0 || nonfinite_nb > 0; }
 };
 
-/** Most levels that a scale has which is not exact: 0 .. LEVEL_SCALE_STEPS. */
-inline constexpr std::int32_t LEVEL_SCALE_STEPS = 0x40000000;
+/** Most steps from the lowest level to the highest: as many as levels can be told apart. */
+inline constexpr std::int64_t LEVEL_SCALE_STEPS =
+    std::int64_t{LEVEL_LARGEST} - std::numeric_limits<std::int32_t>::min();
 
 /** Picks the scale.
  *
  *  Where all parts have one slope and one intercept, levels are the stored values; where those are more than levels can
- *  be, the stored values less a common number, so that everything stays exact as long as highest - lowest fits 32 bits
- *  (less three). Where the slopes are whole multiples of the finest, and the intercepts too, and there is room, it is
- *  exact as well. Else the step is the finest slope, and where that has no room for the whole range, the smallest step
- *  that has: LEVEL_SCALE_STEPS from the smallest grey to the largest. Nothing is ever clamped. Parts whose greys lie
- * far from all others (see Value_Range_Find), are not finite, or whose slope is 0 or no number are outside.
+ *  be, the stored values less a common number, so that everything stays exact as long as highest - lowest is at most
+ *  LEVEL_SCALE_STEPS. Where all slopes and distances of intercepts are whole multiples of the finest slope, or of an
+ * even part of it, and there is room, it is exact as well. Else the step is the finest slope, and where that has no
+ * room for the whole range, the smallest step that has: LEVEL_SCALE_STEPS from the smallest grey to the largest.
+ * Nothing is ever clamped.
+ *
+ *  Parts that are not finite, or whose slope is 0 or no number, are outside. So are parts far from all others, but only
+ *  where the finest step has no room, and only those further away than 65,536 times the width of the rest (see
+ *  Value_Range_Find): up to there they cost the others no more than what is left of QUANTISED_STEPS. A part of a single
+ *  value is one of them like any other: nothing tells a mark from a true value there, and what is outside is told with
+ *  its values.
  *  @param parts at least one */
 Level_Scale Level_Scale_Choose(std::span<const Scaled_Part> parts);
 
@@ -68,9 +80,12 @@ class Level_Map {
     std::int32_t highest;
 };
 
+/** Writes down in a volume what its scale leaves outside. */
+void Outside_Note(const Level_Scale& scale, Volume& volume);
+
 /** What a user has to know of a scale, to follow a file's or a series' name; empty when nothing was lost that the parts
- *  had: "has slices of very different scales (slopes 1.2e-07 to 1.2): greys are rounded to steps of 3.7e-05 and are at
- *  most 1.8e-05 off".
+ *  had: "has slices of very different scales (slopes 1.2e-07 to 1.2): greys are rounded to steps of 9.2e-06 and are at
+ *  most 4.6e-06 off".
  *  @param parts_name what the parts are: "slices", "frames" */
 std::string Level_Scale_Warning(const Level_Scale& scale, const std::string& parts_name);
 
