@@ -21,7 +21,7 @@ constexpr double rounding = 1.0e-11;        // levels: what the arithmetic itsel
 constexpr double rounding_share = 1.0e-15;  // of a level's magnitude: the same for large levels
 constexpr double parts_distance = 65536.0;  // of outliers: nearer ones leave QUANTISED_STEPS to the others
 constexpr double steps_most = static_cast<double>(LEVEL_SCALE_STEPS);
-static_assert(static_cast<double>(LEVEL_SCALE_STEPS / QUANTISED_STEPS) >= parts_distance);
+static_assert(steps_most / QUANTISED_STEPS >= parts_distance);
 
 struct Range {
     double lowest = 0.0;
