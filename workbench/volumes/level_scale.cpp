@@ -311,10 +311,14 @@ void Outside_Note(const Level_Scale& scale, Volume& volume) {
 std::string Level_Scale_Warning(const Level_Scale& scale, const std::string& parts_name) {
     std::string text;
     // Half a step of the finest part is below what that part can tell apart.
-    if (std::abs(scale.slope) > scale.finest_slope * (1.0 + whole_tolerance) && scale.max_error > 0.0) {
-        text = "has " + parts_name + " of very different scales (slopes " + Value_Text(scale.finest_slope) + " to " +
-               Value_Text(scale.coarsest_slope) + "): greys are rounded to steps of " +
-               Value_Text(std::abs(scale.slope)) + " and are at most " + Value_Text(scale.max_error) + " off";
+    const double step = std::abs(scale.slope);
+    if (step > scale.finest_slope * (1.0 + rounding) && scale.max_error > 0.0) {
+        const bool is_one = scale.coarsest_slope == scale.finest_slope;
+        text = is_one ? "has " + parts_name + " of more values than levels can be"
+                      : "has " + parts_name + " of very different scales (slopes " + Value_Text(scale.finest_slope) +
+                            " to " + Value_Text(scale.coarsest_slope) + ")";
+        text += ": greys are rounded to steps of " + Value_Text(step) + " and are at most " +
+                Value_Text(scale.max_error) + " off";
     }
     if (scale.outlier_nb > 0) {
         text += text.empty() ? "has " : "; it has ";

@@ -145,6 +145,8 @@ TEST(Level_Scale, values_of_32_bits_are_exact_wherever_they_begin) {
     const Level_Scale of_widest = Level_Scale_Choose(widest);
     EXPECT_GT(of_widest.max_error, 0);
     EXPECT_LE(of_widest.max_error, 0.5001);
+    EXPECT_EQ(Level_Scale_Warning(of_widest, "frames"),
+              "has frames of more values than levels can be: greys are rounded to steps of 1 and are at most 0.5 off");
     const std::vector<Scaled_Part> negative = {{-3, 7, -2147483648, 2147483647, 100, 0}};
     const Level_Scale of_negative = Level_Scale_Choose(negative);
     EXPECT_LE(of_negative.max_error, 1.5001);

@@ -182,7 +182,7 @@ def color_files(witness, random):
         seen = numpy.asarray(nibabel.load(witness.path(name)).dataobj)
         packed = seen["R"].astype(int) | seen["G"].astype(int) << 8 | seen["B"].astype(int) << 16
         witness.item(name)
-        witness.volume(packed, affine.astype("f4") if kind is nibabel.Nifti1Image else affine, "sform")
+        witness.volume(packed, affine.astype("f4") if kind is nibabel.Nifti1Image else affine, "sform", color=0)
 
 
 def analyze_files(witness, random):

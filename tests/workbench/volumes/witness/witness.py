@@ -10,6 +10,7 @@ A set is a folder with `manifest.txt` and, for every volume, its values. The man
     values FILE      grey values, little-endian float64, x fastest; no number: outside the scale.
                      Colours: packed, red in the low byte
     error NUMBER     the largest error that the volume may own up to; 0: exact
+    colours NUMBER   the volume is one of colours, whose components may differ by so much
     told TEXT        a sentence that must be told about the item; there may be no other
 """
 import os
@@ -42,8 +43,9 @@ class Witness:
         self.item_nb += 1
         self.file_nb += files
 
-    def volume(self, values, affine, source, error=0.0):
-        """A volume that must open. values: array of axes x, y, z; affine: 3 x 4 or 4 x 4, None: not compared."""
+    def volume(self, values, affine, source, error=0.0, color=None):
+        """A volume that must open. values: array of axes x, y, z; affine: 3 x 4 or 4 x 4, None: not compared; color: it
+        is one of colours, and by how much their components may differ."""
         values = numpy.asarray(values)
         name = "values/%05d.f64" % self.value_nb
         self.value_nb += 1
@@ -56,6 +58,8 @@ class Witness:
         self.lines.append("source " + source)
         self.lines.append("values " + name)
         self.lines.append("error " + repr(float(error)))
+        if color is not None:
+            self.lines.append("colours %d" % color)
 
     def told(self, sentence):
         """A sentence that must be told."""
