@@ -125,7 +125,13 @@ void Label_Grid::Relayout(int count) {
     row_height = dimensions.Row_Height();
     Slider_Set(Label_Slider_Make(dimensions, frame.height, slider.height, Fitting(count)));
     slider.Init(nullptr);
-    Buttons_Lay_Out(count, [this](Buttons& button, int, const Label_Cell& cell) { Button_Place(button, cell); });
+    Buttons_Lay_Out(count, [this](Buttons& button, int index, const Label_Cell& cell) {
+        const bool is_behind_editor = Is_Editing() && index == edited;
+        if (button.y == LABEL_NOWHERE && !is_behind_editor && (button.style & STYLE_INACTIVE) == STYLE_EDITED) {
+            button.style &= ~STYLE_EDITED;  // its edit ended while the table did not have it
+        }
+        Button_Place(button, cell);
+    });
 }
 
 // ---- painting
@@ -258,10 +264,8 @@ void Label_Grid::Edit_Close(int count, char* text) {
         return;
     }
     if (text != nullptr) {
-        if (std::char_traits<char>::length(text) > BUTTON_CAPTION_MAX) {
-            text[BUTTON_CAPTION_MAX] = 0;
-        }
         button->Set_Name("%s", text);
+        text[std::char_traits<char>::length(button->name)] = 0;  // captions are cut between characters
     }
     button->style &= ~STYLE_EDITED;
     if (Is_Visible(*button)) {

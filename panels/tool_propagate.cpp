@@ -147,10 +147,10 @@ int Tool_Propagate::Propagate(int direction) {
     if (target == nullptr || volume == nullptr) {
         return 0;  // no frame to go on to, or the host closed what the window shows
     }
-    Quorel_2D* const known = frame_cur;
+    const unsigned int told_before = told;
     const Propagation_End end = Run_Held(propagation, shown, target);
     if (watch.Is_Alive()) {
-        Take_Run(window, stepped, known, target);
+        Take_Run(window, stepped, told_before, target);
     }
     if (end.failed) {
         Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 The propagation ended by an error%s",
@@ -161,15 +161,17 @@ int Tool_Propagate::Propagate(int direction) {
 
 /** After a run: the panel stands where the run went, unless an Update meanwhile told of another frame of that window,
  * or of none. */
-void Tool_Propagate::Take_Run(Quorel_Window* window, Quorel_2D* stepped, const Quorel_2D* known, Quorel_2D* target) {
+void Tool_Propagate::Take_Run(Quorel_Window* window, Quorel_2D* stepped, unsigned int told_before, Quorel_2D* target) {
     if (volume == nullptr) {
         return;
     }
-    if (frame_cur == known || window_told != window) {
+    const bool is_same_window = window_told == window;
+    if (told == told_before || !is_same_window) {
         frame_cur = target;
+        ++told;  // for the run that this step is part of
     }
     if (Focused_Window() != nullptr) {  // else the window may be gone, without a word
-        Refresh_Item(stepped, window);
+        Refresh_Item(is_same_window ? volume : stepped, window);
     }
 }
 
@@ -311,6 +313,7 @@ void Tool_Propagate::Take_Frame() {
     Quorel_2D** frames = Host_Pointer<Quorel_2D*>("$FRAME_CUR");
     Quorel_Window* const window = Focused_Window();
     window_told = window;
+    ++told;
     // Without a function there is nothing to propagate: the panel shows no frames.
     if (propagation == nullptr || frames == nullptr || window == nullptr || frames[window->Class_B_Get()] == nullptr) {
         frame_nb = 0;

@@ -78,7 +78,7 @@ class KIT_PANELS_API Tool_Propagate {
     void Take_Frame();
     void Take_Volume_Size(int nb);
     void Show_Frame_Of_Item();
-    void Take_Run(Quorel_Window* window, Quorel_2D* stepped, const Quorel_2D* known, Quorel_2D* target);
+    void Take_Run(Quorel_Window* window, Quorel_2D* stepped, unsigned int told_before, Quorel_2D* target);
     void Refresh_Item(const Quorel_2D* frames_of, Quorel_Window* window);
     void Refresh_List();
     void Refresh_Buttons();
@@ -93,5 +93,6 @@ class KIT_PANELS_API Tool_Propagate {
     Quorel_2D* volume;
     int (*propagation)(void*, void*);
     const Quorel_Window* window_told;  ///< of the last Update; only compared
+    unsigned int told = 0;             ///< how often frame_cur was learned anew; only compared
     Panel_Life life;
 };

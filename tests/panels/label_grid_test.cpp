@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
+#include "kits/common/text_conversion.h"
 #include "tests/panels/label_scene.h"
 
 namespace {
@@ -146,6 +149,36 @@ TEST_F(Grid, closing_keeps_the_caption_when_there_is_no_text_and_cuts_a_long_one
     EXPECT_STREQ(grid.Button(5).name, std::string(39, 'y').c_str());
 }
 
+TEST_F(Grid, a_text_is_cut_where_the_caption_is_cut_between_characters) {
+    Label_Widgets widgets = Label_Grid::Widgets_Make(8);
+    Label_Grid grid(widgets);
+    Lay_Out(grid, 8);
+    // Of two bytes, so that byte 39 falls inside the twentieth.
+    const auto expect_cut_between = [&grid](const char* character) {
+        std::string text;
+        for (int i = 0; i < 25; i++) {
+            text += character;
+        }
+        const std::string whole = text.substr(0, 38);
+        grid.Edit_Open(5, 8, nullptr);
+        grid.Edit_Close(8, text.data());
+        EXPECT_EQ(grid.Button(5).name, whole);
+        EXPECT_EQ(text.c_str(), whole);
+        grid.Edit_Cancel(8, false);
+    };
+#if defined(_WIN32)
+    constexpr unsigned int utf8 = 65001;
+    constexpr unsigned int japanese = 932;
+    Code_Page_Set(japanese);
+    expect_cut_between("\x83\x5C");
+    Code_Page_Set(utf8);
+    expect_cut_between("\xC3\xA4");
+    Code_Page_Set(0);
+#else
+    expect_cut_between("\xC3\xA4");
+#endif
+}
+
 TEST_F(Grid, cancelling_keeps_greying_and_touches_no_button_beyond_the_table) {
     Label_Widgets widgets = Label_Grid::Widgets_Make(8);
     Label_Grid grid(widgets);
@@ -159,6 +192,24 @@ TEST_F(Grid, cancelling_keeps_greying_and_touches_no_button_beyond_the_table) {
     grid.Edit_Cancel(4, true);
     EXPECT_FALSE(grid.Is_Editing());
     EXPECT_EQ(grid.Button(5).style, STYLE_GRID_BUTTON | STYLE_EDITED);
+}
+
+TEST_F(Grid, a_button_that_comes_into_sight_is_hidden_by_an_open_edit_alone) {
+    Label_Widgets widgets = Label_Grid::Widgets_Make(8);
+    Label_Grid grid(widgets);
+    Lay_Out(grid, 8);
+    grid.Edit_Open(7, 8, nullptr);
+    grid.Button(6).style |= STYLE_INACTIVE;
+    grid.Button(0).style |= STYLE_EDITED;  // as a label that could not be stored leaves it
+    grid.Relayout(4);
+    grid.Relayout(8);
+    EXPECT_EQ(grid.Button(7).style & STYLE_INACTIVE, STYLE_EDITED) << "its editor is open";
+    EXPECT_EQ(grid.Button(6).style & STYLE_INACTIVE, STYLE_INACTIVE) << "greyed";
+    EXPECT_EQ(grid.Button(0).style & STYLE_INACTIVE, STYLE_EDITED) << "was in its place all the time";
+    grid.Relayout(4);
+    grid.Edit_Cancel(4, false);
+    grid.Relayout(8);
+    EXPECT_EQ(grid.Button(7).style & STYLE_INACTIVE, 0U);
 }
 
 TEST_F(Grid, a_copy_shares_the_buttons_and_has_its_own_editor_and_slider) {

@@ -244,6 +244,26 @@ TEST_F(Marker_Panel, an_edit_ends_without_change_by_an_empty_text_or_a_click) {
     EXPECT_EQ(panel.Keyboard(KEY_ENTER), 0);
 }
 
+TEST_F(Marker_Panel, a_right_press_on_another_marker_draws_the_first_one_and_edits_that) {
+    Lay_Out(NB, Place());
+    Open_Editor(panel, model, 6);
+    Type(panel, "gone");
+    window.Wipe();
+    Take_Counters();
+    EXPECT_EQ(Open_Editor(panel, model, 9), NONE);
+    EXPECT_EQ(Take_Counters().draws, 3U) << "button 9 pressed, button 6 by the end of its edit, the editor";
+    Type(panel, "Left ear");
+    EXPECT_EQ(panel.Keyboard(KEY_ENTER), 1);
+    EXPECT_STREQ(Labels()[6], "M6");
+    EXPECT_STREQ(Labels()[9], "Left ear");
+    Look(9).caption = "Left ear";
+    Point_Away();
+    panel.Leave();
+    panel.Draw();
+    EXPECT_EQ(Wrong_Pixels(model), 0);
+    EXPECT_EQ(Press_Label(panel, model, 6), 6);
+}
+
 // -------------------------------------------------------------------------------------------------------------- update
 
 TEST_F(Marker_Panel, flags_that_the_panel_does_not_test_do_nothing_one_by_one) {

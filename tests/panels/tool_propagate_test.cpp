@@ -559,3 +559,50 @@ TEST_F(Propagate_Panel, a_function_may_take_itself_away_or_step_on) {
     EXPECT_EQ(Variable_Number("$INTERFACE_LOCK_FOCUS", -1), 0);
     EXPECT_FALSE(Wait_Cursor_Shown(false));
 }
+
+TEST_F(Propagate_Panel, an_update_during_the_run_may_tell_of_another_volume_in_the_same_window) {
+    Stage_Volume other(7);
+    Show(1);
+    panel.Draw();
+    during = [this, &other] {
+        Window_Frame_Set(&host.window, other.At(3));
+        panel.Update(UPDATE_FRAME_CUR);
+        return 2;
+    };
+    EXPECT_EQ(panel.Propagate(1), 2);
+    during = nullptr;
+    Quiet();
+    Point_At_Arrow(true);
+    EXPECT_EQ(panel.Click(PRESS), 1);
+    EXPECT_EQ(stage.Take_Changes(), (std::vector<Frame_Change>{{&host.window, other.At(4), other.At(3)}}))
+        << "the list stood at the frame that was told of";
+    Window_Frame_Set(&host.window, nullptr);
+}
+
+TEST_F(Propagate_Panel, an_update_during_the_run_may_tell_of_the_frame_shown_before) {
+    // The function steps back, and the host tells of it: the frame is the one that the panel had known all the time.
+    Show(1);
+    during = [this] {
+        Fct_Change_Child(&host.window, volume.At(1), volume.At(2));
+        panel.Update(UPDATE_FRAME_CUR);
+        return 1;
+    };
+    EXPECT_EQ(panel.Propagate(1), 1);
+    during = nullptr;
+    runs.clear();
+    EXPECT_EQ(panel.Propagate(1), RESULT);
+    EXPECT_EQ(runs[0].shown, volume.At(1)) << "not the target of the step before";
+    EXPECT_EQ(runs[0].target, volume.At(2));
+}
+
+TEST_F(Propagate_Panel, a_step_inside_the_run_leaves_the_panel_at_the_frame_it_went_to) {
+    Show(0);
+    int depth = 0;
+    during = [this, &depth] { return ++depth < 3 ? panel.Propagate(1) : 6; };
+    EXPECT_EQ(panel.Propagate(1), 6);
+    during = nullptr;
+    runs.clear();
+    EXPECT_EQ(panel.Propagate(1), RESULT);
+    EXPECT_EQ(runs[0].shown, volume.At(3));
+    EXPECT_EQ(runs[0].target, volume.At(4));
+}

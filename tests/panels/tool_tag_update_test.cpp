@@ -290,6 +290,25 @@ TEST_F(Tag_Update, tags_that_had_no_row_are_there_once_a_smaller_table_gives_the
     }
 }
 
+TEST_F(Tag_Update, a_tag_whose_edit_ended_while_it_was_gone_comes_back_as_a_plain_button) {
+    Lay_Out(8);
+    Open_Editor(panel, model, 7);
+    Change_Count(4);
+    panel.Update(UPDATE_TAG_TABLE);
+    Point_Away();
+    panel.Leave();  // ends the edit of a TAG that the table no longer has
+    Change_Count(8);
+    panel.Update(UPDATE_TAG_TABLE);
+    panel.Leave();
+    panel.Draw();
+    EXPECT_EQ(Wrong_Pixels(model), 0);
+    EXPECT_EQ(Press_Label(panel, model, 7), 7);
+    EXPECT_EQ(Open_Editor(panel, model, 7), -1);
+    Type(panel, "back");
+    EXPECT_EQ(panel.Keyboard(KEY_ENTER), 1);
+    EXPECT_STREQ(Labels()[7], "back");
+}
+
 TEST_F(Tag_Update, a_panel_that_moved_to_another_window_paints_nothing_into_the_former_one) {
     Lay_Out(NB);
     Define_Tags(8);
