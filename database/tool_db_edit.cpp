@@ -365,6 +365,9 @@ bool Take_Out(const Edit_Stage& stage, const DB_List& record) {
 
 /** @return whether the pointer came to another zone */
 bool Hover(const Edit_Stage& stage, int code) {
+    if (editor.owner != stage.list_pt && editor.dragged_in != nullptr && db_drag.Is_Of(editor.dragged_in)) {
+        return false;  // the codes are those of a drag that goes on in another panel
+    }
     Take_Over(stage.list_pt);
     Edit_Marks& marks = editor.marks;
     const int before = marks.highlighted;
@@ -468,7 +471,7 @@ int DB_Edit_Motion_DB(int mode, Boxs* box, int up_down, int nb, DB_List* list_pt
         if (hit.code != Marks_Of(list_pt).highlighted) {
             Lines_Take_Away(stage);  // what is drawn must not lie over inverting lines
         }
-        drawn = Hover(stage, hit.code);
+        drawn = Hover(stage, hit.code) && Has_Pixels(*box);
     }
     if (dragging) {
         drawn = DB_Edit_Drag(box, nb, list_pt, horizontal, vertical) != 0 || drawn;
@@ -481,7 +484,7 @@ int DB_Edit_Drag(Boxs* box, int nb, DB_List* list_pt, Sliders* horizontal, Slide
         editor.lines_shown = false;
         return 0;
     }
-    if (list_pt == nullptr || editor.owner != list_pt) {
+    if (list_pt == nullptr || editor.owner != list_pt || !Has_Pixels(*box)) {
         return 0;
     }
     const Tree_DC dc(*box, "tool_db_edit::DB_Edit_Drag");

@@ -176,28 +176,29 @@ int DB_List_Motion(Boxs* box, int up_down, int, DB_List*, Sliders* horizontal, S
         !DB_List_Pointer(*box, *horizontal, *vertical, "tool_db_fct: DB_List_Motion", &db_drag.current)) {
         return 0;
     }
-    DB_List_Draw_Box(box, horizontal, vertical);
-    return 1;
+    return DB_List_Draw_Box(box, horizontal, vertical) ? 1 : 0;
 }
 
-void DB_List_Draw_Box(Boxs* box, Sliders* horizontal, Sliders* vertical) {
+bool DB_List_Draw_Box(Boxs* box, Sliders* horizontal, Sliders* vertical) {
     if (box == nullptr) {
         db_drag.band_shown = false;
-        return;
+        return false;
     }
     const Tree_DC dc(*box, "tool_db_fct: DB_List_Draw_Box");
     if (!dc) {
-        return;
+        return false;
     }
     const Tree_View view{box, Tree_Pixels(horizontal->value), Tree_Pixels(vertical->value), Space()};
     const DB_Tree_Point& a = db_drag.press;
     const DB_Tree_Point& b = db_drag.current;
     const int band[4] = {view.Left() + std::min(a.x, b.x), view.Top() - std::max(a.y, b.y),
                          view.Left() + std::max(a.x, b.x), view.Top() - std::min(a.y, b.y)};
-    if (Tree_Band_Paint(dc.Get(), *box, db_drag.band, db_drag.band_shown, band)) {
-        std::copy(std::begin(band), std::end(band), db_drag.band);
-        db_drag.band_shown = true;
+    if (!Tree_Band_Paint(dc.Get(), *box, db_drag.band, db_drag.band_shown, band)) {
+        return false;
     }
+    std::copy(std::begin(band), std::end(band), db_drag.band);
+    db_drag.band_shown = true;
+    return true;
 }
 
 void DB_List_Forget(const DB_List* list_pt) {
@@ -206,7 +207,9 @@ void DB_List_Forget(const DB_List* list_pt) {
 
 void DB_Drag_Forget(const Boxs* box) {
     if (db_drag.owner == box) {
+        const Boxs* const left_in = db_drag.left_in;  // another tree, which still shows a band
         db_drag = {};
+        db_drag.left_in = left_in;
     }
     if (db_drag.left_in == box) {
         db_drag.left_in = nullptr;

@@ -60,8 +60,8 @@ int DB_List_Click(Boxs* box, int up_down, int nb, DB_List* list_pt, Sliders* hor
 int DB_List_Select_Range(Boxs* box, int mode, int nb, DB_List* list_pt, Sliders* horizontal, Sliders* vertical);
 /** Rubber-band feedback of a drag that began in this tree. @return 1 when it drew, else 0 */
 int DB_List_Motion(Boxs* box, int up_down, int nb, DB_List* list_pt, Sliders* horizontal, Sliders* vertical);
-/** Moves the rubber band (XOR) to the current point; a null box forgets the band on screen. */
-void DB_List_Draw_Box(Boxs* box, Sliders* horizontal, Sliders* vertical);
+/** Moves the rubber band (XOR) to the current point; a null box forgets the band on screen. @return whether it drew */
+bool DB_List_Draw_Box(Boxs* box, Sliders* horizontal, Sliders* vertical);
 /** The records are about to be freed: everything kept about them is forgotten. */
 void DB_List_Forget(const DB_List* list_pt);
 /** The tree gets other records or ends: a drag that began in it, and its anchors, are forgotten. */

@@ -360,7 +360,7 @@ int Tool_DB_List::Keyboard(int key) {
     if ((key & KEY_MASK) == KEY_DELETE && Is_Editor()) {
         const std::shared_ptr<DB_Rows> kept = rows;
         const Panel_Watch watch(life);
-        DB_Edit_Key_DB(mode, &list_box, key, Nb(), List_Pt(), &horizontal, &vertical);
+        DB_Edit_Key_DB(mode, &list_box, key, Nb(), List_Pt(), &horizontal, &vertical, &watch);
         if (watch.Is_Alive()) {
             Show_Changed();  // whatever the editor did
         }

@@ -34,8 +34,10 @@ int Plot_Scale::Count_To_Height(std::uint32_t count) const {
     if (count == 0 || !(count_full > 0.0F) || rectangle.height <= 0) {
         return 0;
     }
-    const float height = static_cast<float>(count) * static_cast<float>(rectangle.height) / count_full;
-    return height >= static_cast<float>(rectangle.height) ? rectangle.height : static_cast<int>(height);
+    // The full count is a float, so the count becomes one too; their product with the height would not fit into one.
+    const double height =
+        static_cast<double>(static_cast<float>(count)) * rectangle.height / static_cast<double>(count_full);
+    return height >= rectangle.height ? rectangle.height : static_cast<int>(height);
 }
 
 float Plot_Scale::Height_To_Count(int height) const {

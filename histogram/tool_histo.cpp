@@ -180,9 +180,11 @@ void Tool_Histo::Update(unsigned __int64 flags) {
     }
     if (Has_Any(flags, UPDATE_COLOR_COMPONENT)) {
         static Cached_Variable<std::uint8_t> component("$GLI_COLOR_COMPONENT");
-        if (const std::uint8_t* value = component.Address()) {
-            color_component = *value;
+        const std::uint8_t* const value = component.Address();
+        if (value == nullptr) {
+            return;
         }
+        color_component = *value;
         Histo_Cursor(*this);
         Histo_Paint(*this);
         Histo_Window_Notify(HISTO_WINDOW_DATA);

@@ -212,9 +212,10 @@ void Draw_Ground(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Colum
         if (first > last) {
             continue;
         }
-        const int begin = std::max(columns.Bin_Column(first), 0);
+        const int left = columns.Bin_Column(first);
+        const int begin = std::max(left, 0);
         // A band that is narrower than a column still shows.
-        const int end = std::min(std::max(columns.Bin_Column(last + 1), begin + 1), picture.Width());
+        const int end = std::min(std::max(columns.Bin_Column(last + 1), left + 1), picture.Width());
         for (auto column = static_cast<std::size_t>(begin); static_cast<int>(column) < end; ++column) {
             even[column] = column % 2 == 0 ? pixel : HALF_TONE_REST;
             odd[column] = column % 2 == 0 ? HALF_TONE_REST : pixel;

@@ -58,7 +58,7 @@ bool Begin(HWND window, const char* label) {
 
 HDC Y_setup(HWND window, const char* label) {
     if (!Begin(window, label)) {
-        Error_Fct(window, TRACE_LEVEL, "Y_setup(%s) GetDC failed", label != nullptr ? label : "");
+        Error_Fct(hwnd, TRACE_LEVEL, "Y_setup(%s) GetDC failed", label != nullptr ? label : "");
         return nullptr;
     }
     Y_Window = window;
@@ -78,7 +78,7 @@ int Y_release(HWND window, HDC dc) {
         released = running.dc.End();
     }
     if (!released) {
-        Error_Fct(window, TRACE_LEVEL, "Y_release() Failed!");
+        Error_Fct(hwnd, TRACE_LEVEL, "Y_release() Failed!");
     }
     return released ? 1 : 0;
 }

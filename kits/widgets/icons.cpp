@@ -10,6 +10,7 @@
 
 #include "host/kit_dataset.h"
 #include "host/kit_widgets.h"
+#include "kits/common/text_conversion.h"
 #include "kits/widgets/device.h"
 #include "kits/widgets/tga.h"
 #include "kits/widgets/theme.h"
@@ -59,21 +60,23 @@ const Tga_Picture* Picture_Find(const std::string& path) {
     return picture.pixels.empty() ? nullptr : &picture;
 }
 
-std::string Joined(const std::string& folder, const char* file) {
-    if (folder.empty() || folder.back() == '/' || folder.back() == '\\') {
-        return folder + file;
+/** Bytes up to and with the last separator of a path; 0 without one. */
+std::size_t Last_Separator_End(const char* path) {
+    std::size_t end = 0;
+    const char* at = path;
+    for (int bytes = 0; (bytes = Character_Bytes(at)) > 0; at += bytes) {
+        if (*at == '/' || *at == '\\') {
+            end = static_cast<std::size_t>(at - path) + 1;
+        }
     }
-    return folder + "/" + file;
+    return end;
 }
 
 const Tga_Picture* Icon_Find(const char* prog_name, const char* file) {
     const auto* folder = static_cast<const char*>(Fct_Variable_Value("$DEFAULT_ICON_PATH", nullptr, nullptr, nullptr));
-    const Tga_Picture* picture = folder != nullptr ? Picture_Find(Joined(folder, file)) : nullptr;
+    const Tga_Picture* picture = folder != nullptr ? Picture_Find(Icon_Path(folder, file)) : nullptr;
     if (picture == nullptr && prog_name != nullptr) {
-        const std::string program(prog_name);
-        const std::size_t separator = program.find_last_of("/\\");
-        const std::string beside = separator == std::string::npos ? std::string() : program.substr(0, separator + 1);
-        picture = Picture_Find(Joined(beside, file));
+        picture = Picture_Find(Icon_Path(Icon_Program_Folder(prog_name), file));
     }
     return picture;
 }
@@ -230,6 +233,15 @@ void No_Access(Lead_Cell& cell, bool goes_on) {
 }
 
 }  // namespace
+
+std::string Icon_Path(const std::string& folder, const char* file) {
+    const bool is_complete = folder.empty() || Last_Separator_End(folder.c_str()) == folder.size();
+    return folder + (is_complete ? "" : "/") + file;
+}
+
+std::string Icon_Program_Folder(const char* program) {
+    return {program, Last_Separator_End(program)};
+}
 
 void Icon_Draw_Tinted(HWND window, int x, int y, const char* prog_name, const char* file, Rgb tint) {
     try {

@@ -187,6 +187,44 @@ TEST_F(Tool_DB_Edit_Test, a_motion_over_a_copy_of_the_panel_leaves_the_lines_of_
     EXPECT_EQ(Pixels(), with_lines);
 }
 
+TEST_F(Tool_DB_Edit_Test, a_motion_over_another_panel_leaves_the_nodes_of_a_drag) {
+    Make_Study();
+    Draw();
+    int other_nb = 0;
+    DB_List* other_pt = nullptr;
+    view.List_Create_From_DB(&other_nb, &other_pt, 0, 0, nullptr);
+    Edit_Rows_Assign(other_nb, other_pt);
+    Press_On("b", Edit_Zone::Parent_Handle);
+    ASSERT_EQ(Motion(LEFT_DRAG), 1);
+    const Window_Picture with_lines = Pixels();
+    Boxs other = box;
+    Point_At_Zone("g", Edit_Zone::Body);
+    for (const int code : {LEFT_DRAG, HOVER}) {
+        EXPECT_EQ(DB_Edit_Motion_DB(mode, &other, code, other_nb, other_pt, &horizontal, &vertical), 0) << code;
+        EXPECT_EQ(Pixels(), with_lines) << code;
+    }
+    Point_At_Zone("c", Edit_Zone::Children_Handle);
+    EXPECT_EQ(Motion(LEFT_DRAG), 1);
+    EXPECT_EQ(Release_On("c", Edit_Zone::Children_Handle), 2);
+    EXPECT_EQ(Text(), "root(a(c(d,e,b),f),g)");
+    EXPECT_EQ(DB_Edit_Motion_DB(mode, &other, HOVER, other_nb, other_pt, &horizontal, &vertical), 1)
+        << "without a drag its nodes are highlighted again";
+    DB_Edit_Forget(other_pt);
+    DB_List_Array_Free(&other_nb, &other_pt);
+}
+
+TEST_F(Tool_DB_Edit_Test, in_a_box_without_pixels_no_line_is_drawn) {
+    Make_Study();
+    Draw();
+    Press_On("b", Edit_Zone::Parent_Handle);
+    const short width = box.width;
+    box.width = 0;
+    EXPECT_EQ(DB_Edit_Drag(&box, nb, list_pt, &horizontal, &vertical), 0);
+    EXPECT_EQ(Motion(LEFT_DRAG), 0);
+    box.width = width;
+    EXPECT_EQ(DB_Edit_Drag(&box, nb, list_pt, &horizontal, &vertical), 1);
+}
+
 TEST_F(Tool_DB_Edit_Test, a_drag_over_a_rebuild_is_forgotten) {
     Make_Study();
     Draw();

@@ -152,6 +152,14 @@ class Class_Panel_Ends : public Panel_Ends {
             }
         });
     }
+    /** The requests since the last call: U an update, R a redraw. */
+    std::string Told() {
+        std::string told;
+        for (const Panel_Request& request : requests.Take()) {
+            told += request.kind == Panel_Request::Kind::Update ? 'U' : 'R';
+        }
+        return told;
+    }
     void Point(Tool_DB_Class& panel, int record, Edit_Zone zone) {
         DB_Tree_Point at = Edit_Zone_Point(panel.List_Pt()[record], zone);
         at.x += zone == Edit_Zone::Body ? 100 : 0;
@@ -177,6 +185,7 @@ TEST_F(Class_Panel_Ends, when_the_editor_tells_of_a_drop) {
         EXPECT_EQ(panel->Click(RELEASE), 1);
         EXPECT_FALSE(panel.Is_There());
         EXPECT_EQ(objects[4].Child_Get_Nb(), 1 + answer) << "with the panel its drop ends";
+        EXPECT_EQ(Told(), std::string("URU").substr(0, static_cast<std::size_t>(2 * answer - 1)));
         requests.Answer_Never();
         for (int i = 2; i <= 3; ++i) {
             objects[1].Child_Add(&objects[i]);
@@ -192,6 +201,7 @@ TEST_F(Class_Panel_Ends, when_the_editor_tells_of_a_class_taken_out) {
     EXPECT_EQ(panel->Keyboard(KEY_DELETE), 0);
     EXPECT_FALSE(panel.Is_There());
     EXPECT_EQ(objects[1].Parent_Get_Pt(), nullptr);
+    EXPECT_EQ(Told(), "U") << "no redraw after the end";
 }
 
 TEST_F(Class_Panel_Ends, while_the_dialog_is_open_and_when_the_new_name_is_told) {
@@ -209,6 +219,7 @@ TEST_F(Class_Panel_Ends, while_the_dialog_is_open_and_when_the_new_name_is_told)
         EXPECT_EQ(panel->Click(RIGHT_PRESS), 1);
         EXPECT_FALSE(panel.Is_There());
         EXPECT_STREQ(objects[2].Name_Get(), in_dialog ? "name" : "typed");
+        EXPECT_EQ(Told(), in_dialog ? "" : "U");
         requests.Answer_Never();
     }
 }

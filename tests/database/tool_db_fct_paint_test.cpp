@@ -554,6 +554,28 @@ TEST_F(Tree_Paint_Test, without_a_device_context_nothing_changes_and_the_operati
     EXPECT_TRUE(db_drag.band_shown);
 }
 
+TEST_F(Tree_Paint_Test, a_motion_that_draws_no_band_says_so) {
+    Make_Branch(30);
+    Draw();
+    Point_At_Row(3);
+    Click(LEFT_PRESS);
+    Point_At_Row(5);
+    const short width = box.width;
+    box.width = 0;
+    EXPECT_EQ(Motion(LEFT_DRAG), 0) << "no pixels";
+    box.width = width;
+    {
+        Gdi_Recorder recorder("Kit_Widgets.dll");
+        Gdi_Recorder::Get_DC_Fail(2);
+        EXPECT_EQ(Motion(LEFT_DRAG), 0) << "where the pointer is can be asked, and nothing drawn";
+        Gdi_Recorder::Get_DC_Fail(0);
+    }
+    EXPECT_FALSE(db_drag.band_shown);
+    EXPECT_EQ(Motion(LEFT_DRAG), 1);
+    EXPECT_TRUE(db_drag.band_shown);
+    Click(RELEASE);
+}
+
 TEST_F(Tree_Paint_Test, every_device_context_may_fail) {
     Make_Branch(30);
     Draw();

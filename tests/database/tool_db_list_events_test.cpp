@@ -108,6 +108,47 @@ TEST_F(Panel_Events, a_press_in_another_panel_leaves_no_band_behind) {
     EXPECT_EQ(panel.calls, Calls{}) << "its drag is lost";
 }
 
+TEST_F(Panel_Events, the_end_of_the_panel_that_took_a_drag_over_leaves_the_former_band_to_be_taken_away) {
+    Wide_View panel;
+    Show(panel);
+    const Window_Picture before = Pixels();
+    Point_At_Row(panel, 4);
+    panel.Click(LEFT_PRESS);
+    Point_At_Row(panel, 8);
+    panel.Motion(LEFT_DRAG);
+    ASSERT_NE(Pixels(), before);
+    {
+        Wide_View other(panel);
+        EXPECT_EQ(other.Click(LEFT_PRESS), 1);
+        ASSERT_TRUE(db_drag.Is_Of(&other.list_box));
+    }
+    EXPECT_FALSE(db_drag.active);
+    Point_At(1, 1);
+    panel.Motion(HOVER);
+    EXPECT_EQ(Pixels(), before);
+}
+
+TEST_F(Panel_Events, the_release_of_one_of_two_held_buttons_is_a_release) {
+    for (const int still_held : {MOUSE_LEFT, MOUSE_RIGHT}) {
+        Wide_View panel;
+        Show(panel);
+        panel.calls.clear();
+        Point_At_Row(panel, 4);
+        EXPECT_EQ(panel.Click(LEFT_PRESS), 1);
+        EXPECT_EQ(panel.Click(still_held), 1);
+        EXPECT_EQ(panel.calls, (Calls{"to"})) << still_held;
+        EXPECT_FALSE(db_drag.active) << still_held;
+        EXPECT_EQ(panel.Click(still_held), 1);
+        EXPECT_FALSE(db_drag.active) << "it begins no drag";
+        panel.calls.clear();
+        for (const Buttons* const button : {&panel.select_all, &panel.select_none}) {
+            Point_At(button->x + 3, button->y + 3);
+            EXPECT_EQ(panel.Click(still_held), 0) << still_held;
+        }
+        EXPECT_EQ(panel.calls, Calls{}) << still_held;
+    }
+}
+
 TEST_F(Panel_Events, a_copy_that_ends_or_is_built_anew_leaves_the_drag_of_the_other) {
     Wide_View panel;
     Show(panel);

@@ -31,6 +31,28 @@ TEST(Plot_Scale, a_bin_of_the_full_count_reaches_the_top_and_higher_ones_are_cut
     EXPECT_FLOAT_EQ(scale.Height_To_Count(40), 50.0F);
 }
 
+TEST(Plot_Scale, the_fullest_bin_is_as_high_as_the_plot_however_many_pixels_it_counts) {
+    struct Full {
+        int height;
+        std::uint32_t count;
+    };
+    // Counts whose product with the height a float cannot hold.
+    for (const Full& full : {Full{94, 1493294}, Full{94, 1494293}, Full{100, 6973215}, Full{116, 4998718},
+                             Full{196, 1613764}, Full{21, 1966794}, Full{97, 4294967295U}}) {
+        const Plot_Scale scale({0, 100, full.height}, {10, 0.0F, 1.0F}, static_cast<float>(full.count));
+        EXPECT_EQ(scale.Count_To_Height(full.count), full.height) << full.count;
+    }
+    for (const int height : {21, 94, 100, 116, 196}) {
+        for (std::uint32_t count = 1; count < (1U << 24U); count += 997) {
+            const Plot_Scale scale({0, 100, height}, {10, 0.0F, 1.0F}, static_cast<float>(count));
+            ASSERT_EQ(scale.Count_To_Height(count), height) << count;
+            ASSERT_EQ(scale.Count_To_Height(count / 2),
+                      static_cast<int>(std::uint64_t{count / 2} * static_cast<unsigned int>(height) / count))
+                << count;
+        }
+    }
+}
+
 TEST(Plot_Scale, draws_nothing_without_counts_or_area) {
     EXPECT_EQ(Plot_Scale({0, 10, 10}, {10, 0.0F, 1.0F}, 0.0F).Count_To_Height(5), 0);
     EXPECT_EQ(Plot_Scale({0, 10, -3}, {10, 0.0F, 1.0F}, 5.0F).Count_To_Height(5), 0);

@@ -33,6 +33,9 @@ TEST(Missing_Host_Variables, stop_only_what_needs_them) {
         EXPECT_EQ(record->counts[0], 7U) << step;
     };
     expect_untouched("no variable");
+    panel.blow_button.current = 1;
+    panel.Update(UPDATE_COLOR_COMPONENT | UPDATE_ALL);
+    EXPECT_EQ(panel.blow_button.current, 1) << "without the component the update ends there";
     Variable_Define_Scalar("$GLI_COLOR_COMPONENT", VARIABLE_UNSIGNED_8, 2);
     expect_untouched("no largest number of bins");
     Variable_Define_Scalar("$GLI_HISTO_BINS_MAX", VARIABLE_UNSIGNED_16, 100);

@@ -37,9 +37,9 @@ class Picture {
         if (record.max_count == 0) {
             return 0;
         }
-        const float height = static_cast<float>(count) * static_cast<float>(Histo_Stage::PLOT_HEIGHT) /
-                             (static_cast<float>(record.max_count) * panel.scale);
-        return static_cast<int>(std::min(height, static_cast<float>(Histo_Stage::PLOT_HEIGHT)));
+        const double full = static_cast<double>(record.max_count) * static_cast<double>(panel.scale);
+        return std::min(static_cast<int>(static_cast<double>(count) * Histo_Stage::PLOT_HEIGHT / full),
+                        Histo_Stage::PLOT_HEIGHT);
     }
     /** @param parity which of the two checker phases: said by the device */
     void Band(int first, int last, std::uint32_t color, const std::uint32_t* counts, int parity) {

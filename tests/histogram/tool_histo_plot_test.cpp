@@ -311,6 +311,28 @@ TEST(Tool_Histo_Plot_Test, bands_are_clipped_to_the_plot_area_and_later_ones_hid
     EXPECT_TRUE(Is_Half_Tone(area, width, width - 1, top, 0x0000C8)) << "blue at the right";
 }
 
+TEST(Tool_Histo_Plot_Test, a_band_out_of_view_has_no_pixel) {
+    Plot_Stage plot;
+    plot.Counts_Give({}, Flat(2000, 1));
+    Unit_View(plot);
+    plot.scene.x = {500.5F, 900.5F};
+    plot.Draw();
+    const Pixels plain = Area_Of(plot);
+    plot.host.Tags(1);
+    plot.host.Tag_Color(0, 200, 0, 0);
+    plot.scene.tag = true;
+    for (const auto& [least, most] : {std::pair{20.0F, 30.0F}, {0.0F, 499.0F}, {950.0F, 1999.0F}}) {
+        plot.panel.range_nb = 0;
+        plot.Range_Give(0, least, most);
+        plot.Draw();
+        EXPECT_EQ(Area_Of(plot), plain) << least << " to " << most;
+    }
+    plot.panel.range_nb = 0;
+    plot.Range_Give(0, 0.0F, 500.0F);
+    plot.Draw();
+    EXPECT_NE(Area_Of(plot), plain) << "its last bin is in view";
+}
+
 TEST(Tool_Histo_Plot_Test, a_band_is_its_color_under_the_counts_and_a_half_tone_above) {
     Plot_Stage plot;
     plot.Counts_Give({}, Noise(300, 8));
@@ -408,13 +430,13 @@ TEST(Tool_Histo_Plot_Test, labels_name_the_centres_in_grey_levels) {
     plot.Peak_Give(20.2, 250, 3);
     plot.Peak_Give(120.4, 200, 3);
     EXPECT_TRUE(Labels_Drawn(plot).empty());
-    const std::vector<std::string> wanted = {"-60", "141"};
+    const std::vector<std::string> wanted = {"-59", "142"};  // the middles of bins 20.2 and 120.4
     plot.scene.peak = HISTO_PEAK_COMPOSITE;
     EXPECT_EQ(Labels_Drawn(plot), wanted);
     plot.scene.peak = HISTO_PEAK_INDIVIDUAL;
     EXPECT_EQ(Labels_Drawn(plot), wanted);
     plot.scene.x = {0.0F, 300.0F};
-    EXPECT_EQ(Labels_Drawn(plot), std::vector<std::string>{"141"}) << "only what is in view";
+    EXPECT_EQ(Labels_Drawn(plot), std::vector<std::string>{"142"}) << "only what is in view";
 }
 
 TEST(Tool_Histo_Plot_Test, segments_are_filled_side_by_side_under_the_curve) {

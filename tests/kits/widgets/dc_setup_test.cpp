@@ -12,6 +12,7 @@
 namespace {
 
 struct Message {
+    HWND window;
     int level;
     std::string text;
 };
@@ -26,8 +27,8 @@ class Message_Log {
     std::vector<Message> messages;
 
   private:
-    static void Receive(void* context, HWND, int level, const char* text) {
-        static_cast<Message_Log*>(context)->messages.push_back({level, text});
+    static void Receive(void* context, HWND window, int level, const char* text) {
+        static_cast<Message_Log*>(context)->messages.push_back({window, level, text});
     }
 };
 
@@ -80,22 +81,30 @@ TEST(Y_Setup, nests_and_restores_the_globals) {
 }
 
 TEST(Y_Setup, failure_is_reported_with_the_label_and_leaves_the_globals) {
+    const Test_Window main_window(20, 20, Window_Axis::Up);
+    hwnd = main_window.Get();
     const Message_Log log;
     EXPECT_EQ(Y_setup(nullptr, "tool_db_fct: DB_List_Draw"), nullptr);
+    hwnd = nullptr;
     ASSERT_EQ(log.messages.size(), 1U);
     EXPECT_EQ(log.messages[0].level, 16);
     EXPECT_EQ(log.messages[0].text, "Y_setup(tool_db_fct: DB_List_Draw) GetDC failed");
+    EXPECT_EQ(log.messages[0].window, main_window.Get());
     EXPECT_EQ(Y_Window, nullptr);
     EXPECT_EQ(Y_DC, nullptr);
 }
 
 TEST(Y_Release, of_something_else_is_reported) {
     const Test_Window window(50, 100, Window_Axis::Up);
+    const Test_Window main_window(20, 20, Window_Axis::Up);
+    hwnd = main_window.Get();
     const Message_Log log;
     EXPECT_EQ(Y_release(window.Get(), nullptr), 0);
     ASSERT_EQ(log.messages.size(), 1U);
     EXPECT_EQ(log.messages[0].level, 16);
     EXPECT_EQ(log.messages[0].text, "Y_release() Failed!");
+    EXPECT_EQ(log.messages[0].window, main_window.Get()) << "of the host, not of the box";
+    hwnd = nullptr;
     HDC dc = Y_setup(window.Get(), "test");
     EXPECT_EQ(Y_release(nullptr, dc), 0);
     EXPECT_EQ(Y_DC, dc);

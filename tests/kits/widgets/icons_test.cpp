@@ -6,7 +6,9 @@
 
 #include "host/kit_widgets.h"
 #include "kits/common/messages.h"
+#include "kits/common/text_conversion.h"
 #include "kits/dataset/dataset_host.h"
+#include "kits/widgets/icons.h"
 #include "tests/kits/widgets/test_window.h"
 
 namespace {
@@ -100,6 +102,28 @@ TEST_P(Icons_Test, leaf_line_goes_up_and_right_and_on_only_to_a_sibling) {
 
 INSTANTIATE_TEST_SUITE_P(BothAxes, Icons_Test, testing::Values(Window_Axis::Up, Window_Axis::Down),
                          [](const auto& axis) { return axis.param == Window_Axis::Up ? "Up" : "Down"; });
+
+TEST(Icons, a_file_stands_in_its_folder_or_beside_the_program) {
+    EXPECT_EQ(Icon_Path("", "a.tga"), "a.tga");
+    EXPECT_EQ(Icon_Path("icons", "a.tga"), "icons/a.tga");
+    EXPECT_EQ(Icon_Path("icons/", "a.tga"), "icons/a.tga");
+    EXPECT_EQ(Icon_Path("icons\\", "a.tga"), "icons\\a.tga");
+    EXPECT_EQ(Icon_Program_Folder("program.exe"), "");
+    EXPECT_EQ(Icon_Program_Folder("C:\\tools/bin\\program.exe"), "C:\\tools/bin\\");
+    EXPECT_EQ(Icon_Program_Folder("tools/program.exe"), "tools/");
+}
+
+#if defined(_WIN32)
+TEST(Icons, the_second_byte_of_a_character_is_no_separator) {
+    constexpr unsigned int japanese = 932;
+    Code_Page_Set(japanese);
+    EXPECT_EQ(Icon_Path("\x83\x5C", "a.tga"), "\x83\x5C/a.tga");
+    EXPECT_EQ(Icon_Path("\x83\x5C\\", "a.tga"), "\x83\x5C\\a.tga");
+    EXPECT_EQ(Icon_Program_Folder("tools\\\x83\x5C.exe"), "tools\\");
+    EXPECT_EQ(Icon_Program_Folder("\x83\x5C.exe"), "");
+    Code_Page_Set(0);
+}
+#endif
 
 TEST(Icons, unknown_file_draws_nothing_without_a_message) {
     const Test_Window window(60, 50, Window_Axis::Up);
