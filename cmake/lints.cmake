@@ -7,7 +7,7 @@ endfunction()
 if(KIT_TESTS AND MINGW AND CMAKE_BUILD_TYPE STREQUAL Debug)
     # One source for each header, that has nothing but it.
     file(GLOB_RECURSE headers RELATIVE "${PROJECT_SOURCE_DIR}" CONFIGURE_DEPENDS
-        host/*.h base/*.h kits/*.h panels/*.h histogram/*.h database/*.h workbench/*.h tests/*.h)
+        host/*.h base/*.h kits/*.h panels/*.h histogram/*.h database/*.h c_interface/*.h workbench/*.h tests/*.h)
     set(sources)
     foreach(header IN LISTS headers)
         string(REPLACE "/" "__" name "${header}")
@@ -40,6 +40,7 @@ if(KIT_TESTS AND MINGW AND CMAKE_BUILD_TYPE STREQUAL Debug)
     kit_lint(analysis "${CMAKE_BINARY_DIR}")
     kit_lint(headers_alone "${CMAKE_BINARY_DIR}")
     kit_lint(exports "${CMAKE_BINARY_DIR}")
+    kit_lint(c_description "${CMAKE_BINARY_DIR}")
 endif()
 
 if(KIT_SANITIZE)

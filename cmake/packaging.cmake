@@ -6,7 +6,7 @@ if(NOT WIN32)
 endif()
 include(CMakePackageConfigHelpers)
 
-set(kit_modules Kit_Common Kit_Widgets Kit_Dataset Kit_Graph Kit_Panels)
+set(kit_modules Kit_Common Kit_Widgets Kit_Dataset Kit_Graph Kit_Panels kit_panels_c)
 set(kit_package_folder lib/cmake/Kit_Panels)
 install(TARGETS ${kit_modules} host_contract windows_headers EXPORT Kit_Panels_Targets
     RUNTIME DESTINATION bin COMPONENT runtime
@@ -48,6 +48,15 @@ foreach(header IN LISTS kit_public_headers)
     cmake_path(GET header PARENT_PATH folder)
     install(FILES "${PROJECT_SOURCE_DIR}/${header}" DESTINATION include/kit_panels/${folder} COMPONENT development)
 endforeach()
+
+# The C interface: its header stands alone, and its import library is there in Microsoft's format too.
+install(FILES "${PROJECT_SOURCE_DIR}/c_interface/kit_panels.h" DESTINATION include/kit_panels/c COMPONENT development)
+install(FILES "${PROJECT_SOURCE_DIR}/c_interface/kit_panels_c.def" DESTINATION lib COMPONENT development)
+if(KIT_MICROSOFT_LIBRARY)
+    install(FILES "${KIT_MICROSOFT_LIBRARY}" DESTINATION lib COMPONENT development)
+endif()
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/c_host" DESTINATION share/kit_panels/examples
+    COMPONENT development)
 
 configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/Kit_PanelsConfig.cmake.in"
     "${CMAKE_BINARY_DIR}/Kit_PanelsConfig.cmake" INSTALL_DESTINATION ${kit_package_folder})
