@@ -63,6 +63,7 @@ std::vector<kit_handle> Handle_Table::All(Kind kind) const {
     }
     std::ranges::sort(found, {}, &Slot::made);
     std::vector<kit_handle> handles;
+    handles.reserve(found.size());
     for (const Slot* slot : found) {
         handles.push_back(slot->object->handle);
     }
