@@ -1,0 +1,37 @@
+// Streams of right and wrong calls: errors, never a crash.
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "tests/c_interface/call_stream.h"
+#include "tests/support/panel_window.h"
+
+#if !defined(_WIN32)
+#include "kits/widgets/select_drop_list.h"
+#endif
+
+namespace {
+
+constexpr int streams = 40;
+constexpr std::size_t stream_bytes = 3000;
+
+TEST(Storm, any_stream_of_calls_ends_with_errors_and_nothing_worse) {
+#if defined(_WIN32)
+    constexpr bool has_modal_loops = false;  // a list would wait for a user
+#else
+    constexpr bool has_modal_loops = true;
+    Drop_List_Runner_Set([](const Drop_List_Request&) { return -1; });
+#endif
+    const Panel_Window window(Window_Axis::Down, 300, 200);
+    for (unsigned seed = 1; seed <= streams; ++seed) {
+        std::mt19937 random(seed);
+        std::vector<std::uint8_t> bytes(stream_bytes);
+        for (std::uint8_t& byte : bytes) {
+            byte = static_cast<std::uint8_t>(random() >> 24);
+        }
+        SCOPED_TRACE(seed);
+        Call_Stream(bytes.data(), bytes.size(), window.Get(), has_modal_loops).Run();
+    }
+}
+
+}  // namespace
