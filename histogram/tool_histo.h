@@ -105,7 +105,8 @@ class KIT_PANELS_API Tool_Histo : public Boxs {
     /** UPDATE_SELECTION with UPDATE_LEVEL_2D, and UPDATE_HISTO_DATA: compute anew, and paint nothing of it: a host that
      *  wants the picture at once sends UPDATE_HISTO_PAINT too. UPDATE_HISTO_PAINT, UPDATE_TAG_TABLE, UPDATE_TAG_CUR:
      *  paint. UPDATE_MOUSE_FRAME: the cursor line follows. UPDATE_COLOR_COMPONENT: takes "$GLI_COLOR_COMPONENT" over
-     * and paints. UPDATE_ALL: only the mark of the "Blow" button. All but the last reach the enlarged window as well.
+     * and paints; without that variable Update ends there. UPDATE_ALL: only the mark of the "Blow" button. All but the
+     * last reach the enlarged window as well.
      *
      *  A computation reads the frames of "$WINDOW_CUR" that are selected, "$GLI_HISTO_BINS_MAX" and
      *  "$GLI_COLOR_COMPONENT", and writes "$GLI_HISTO_BINS_NB". "$SELECT_GLI_MIN" and "$SELECT_GLI_MAX" are looked up

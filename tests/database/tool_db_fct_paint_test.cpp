@@ -164,6 +164,27 @@ TEST_F(Tree_Paint_Test, a_text_at_the_right_edge_is_cut_by_it_and_by_nothing_els
     }
 }
 
+TEST_F(Tree_Paint_Test, a_text_is_asked_for_as_long_as_a_letter_of_it_may_reach_into_the_box) {
+    tree.Add(0, "title", "name");
+    Tidy();
+    Draw();
+    const auto drawn = [this](short width, const wchar_t* text) {
+        box.width = width;
+        Drawing_Recorder recorder;
+        Draw();
+        return std::count_if(recorder.texts.begin(), recorder.texts.end(),
+                             [text](const Drawn_Text& one) { return one.text == text; });
+    };
+    const int title = SPACE_DIM + TREE_TEXT_START;
+    const int name = title + Measured(Tree_Font::Regular, "title") + Measured(Tree_Font::Regular, TREE_SEPARATOR);
+    for (const auto& [begin, text] : {std::pair{title, L"title"}, {name, L"name"}}) {
+        for (int beyond = -3; beyond <= 3; ++beyond) {
+            EXPECT_EQ(drawn(static_cast<short>(begin - beyond), text), 1) << beyond;
+        }
+    }
+    EXPECT_EQ(drawn(1, L"name"), 0) << "far beyond the edge nothing is asked for";
+}
+
 TEST_F(Tree_Paint_Test, nothing_is_painted_outside_the_box) {
     for (int i = 0; i < 60; ++i) {
         tree.Add(i % 12, "a title that is wide enough to leave the box", "and a name beyond it");

@@ -96,6 +96,26 @@ TEST(Blow_View, a_notch_forward_widens_and_a_notch_back_narrows_around_the_point
     }
 }
 
+TEST(Blow_View, a_wheel_beside_the_area_acts_as_at_its_edge) {
+    struct Pointer {
+        int x;
+        int y;
+        int at_x;
+        int at_y;
+    };
+    const int right = AREA.left + AREA.width;
+    const int top = AREA.bottom + AREA.height;
+    for (const Pointer& pointer : {Pointer{AREA.left - 30, AREA.bottom - 20, AREA.left, AREA.bottom},
+                                   Pointer{right + 25, top + 9, right, top}}) {
+        Blow_View beside = Zoomed_View();
+        Blow_View at_edge = Zoomed_View();
+        beside.Zoom_Wheel(-2, pointer.x, pointer.y);
+        at_edge.Zoom_Wheel(-2, pointer.at_x, pointer.at_y);
+        EXPECT_EQ(beside.X().at.origin, at_edge.X().at.origin);
+        EXPECT_EQ(beside.Y().at.origin, at_edge.Y().at.origin);
+    }
+}
+
 TEST(Blow_View, a_big_turn_back_does_not_make_the_view_vanish) {
     Blow_View view = Zoomed_View();
     const float scale = view.X().at.scale;

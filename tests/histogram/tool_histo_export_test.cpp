@@ -75,8 +75,14 @@ class Blow_Export : public Blow_Stage {
 
 TEST_F(Blow_Export, asks_for_a_name_and_writes_there) {
     int shown_pressed = 0;
-    meanwhile = [&] { shown_pressed = histo_blow.export_button.current; };
+    unsigned int look_ups = 0;
+    meanwhile = [&] {
+        shown_pressed = histo_blow.export_button.current;
+        look_ups = Variable_Look_Ups("$REGIONAL_SEPARATOR");
+    };
+    Variable_Look_Ups_Reset();
     Press_Export();
+    EXPECT_EQ(look_ups, 1U) << "read before the question, and not used";
     ASSERT_EQ(questions.size(), 1U);
     EXPECT_EQ(questions[0].title, "Write histogram info to file");
     using namespace std::string_literals;

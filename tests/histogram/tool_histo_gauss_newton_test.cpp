@@ -313,6 +313,16 @@ TEST_F(Fit_Gaussian, traces_every_step_with_its_numbers) {
                                                                    "1\x02 peaks ..."});
 }
 
+TEST_F(Fit_Gaussian, leaves_the_spare_curve_to_the_other_method) {
+    Analysis_Panel test(Counts_Of({{150, 4000, 22}}, 400));
+    float* const spare = new float[4]();
+    test.Data().fit_spare = spare;
+    test.panel.Fit_Gaussian();
+    EXPECT_EQ(test.Data().fit_spare, spare);
+    test.panel.Fit_Derivative(5);
+    EXPECT_EQ(test.Data().fit_spare, nullptr);
+}
+
 TEST_F(Fit_Gaussian, each_peak_keeps_its_own_curve) {
     Analysis_Panel test(Counts_Of({{150, 4000, 22}}, 400));
     test.panel.Fit_Gaussian();
@@ -530,7 +540,26 @@ TEST_F(Gauss_Newton_Steps, a_wide_peak_is_deleted) {
     Add(100, 1.0F, 30.0F);
     Run();
     EXPECT_EQ(test.Data().peak_nb, 0);
-    EXPECT_TRUE(test.Has_Part(11, ": Peak to wide (amp="));
+    EXPECT_TRUE(test.Has(11, "******* Delete peak at 100.00: Peak to wide (amp=426.0, width=40.0)"));
+}
+
+// The numbers of these two come from the plain formulas, worked out apart.
+TEST_F(Gauss_Newton_Steps, a_peak_without_amplitude_is_deleted_as_too_small) {
+    Curve_Set({{100, 500, 8}});
+    Add(100, 1.0F, 12.0F);
+    Add(112, 1.0F, 5.0F);
+    Run();
+    EXPECT_TRUE(test.Has(11, "******* Delete peak at 113.25: Peak to small (amp=0.0, width=1.6)"));
+    EXPECT_TRUE(test.Has_Part(11, "++ mse: 393806.2247% delta mse = "));
+}
+
+TEST_F(Gauss_Newton_Steps, a_peak_of_one_bin_is_deleted_as_too_small) {
+    Curve_Set({});
+    test.Data().filtered[100] = 100.0;
+    test.Data().filtered[99] = test.Data().filtered[101] = 5.0;
+    Add(100, 1.0F, 3.0F);
+    Run();
+    EXPECT_TRUE(test.Has(11, "******* Delete peak at 100.00: Peak to small (amp=46.6, width=1.0)"));
 }
 
 TEST_F(Gauss_Newton_Steps, deleting_keeps_the_list_whole) {

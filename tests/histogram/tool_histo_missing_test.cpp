@@ -60,4 +60,6 @@ TEST(Missing_Host_Variables, stop_only_what_needs_them) {
     EXPECT_EQ(Histo_Compute(panel), 1);
     EXPECT_EQ(panel.color_component, 2);
     EXPECT_EQ(panel.data->record->nb_bins, 4);
+    EXPECT_GE(Variable_Look_Ups("$SELECT_GLI_MIN"), 1U) << "looked up all the same";
+    EXPECT_GE(Variable_Look_Ups("$SELECT_GLI_MAX"), 1U);
 }

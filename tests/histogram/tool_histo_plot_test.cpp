@@ -278,6 +278,28 @@ TEST(Tool_Histo_Plot_Test, range_ends_are_rounded_unlike_in_the_panel) {
     EXPECT_EQ(Colors_Of(Area_Of(plot)), (std::set<std::uint32_t>{GROUND, YELLOW}));
 }
 
+TEST(Tool_Histo_Plot_Test, range_ends_below_0_are_cut_towards_0_once_rounded) {
+    Plot_Stage plot;
+    plot.Counts_Give({-20.0F, 1.0F}, Flat(200, 1));
+    Unit_View(plot);
+    plot.scene.x.start -= 20.0F;
+    plot.scene.x.end -= 20.0F;
+    plot.host.Tags(1);
+    plot.host.Tag_Color(0, 0, 200, 0);
+    plot.Range_Give(0, -10.6F, -0.7F);  // -10.1 and -0.2: -10 and 0
+    plot.scene.tag = true;
+    plot.Draw();
+    const Pixels area = Area_Of(plot);
+    const int top = plot.scene.area.height - 1;
+    std::vector<int> shaded;
+    for (int column = 0; column < 100; ++column) {
+        if (area[static_cast<std::size_t>(top * plot.scene.area.width + column)] != GROUND) {
+            shaded.push_back(column - 20);
+        }
+    }
+    EXPECT_EQ(shaded, (std::vector<int>{-10, -9, -8, -7, -6, -5, -4, -3, -2, -1, 0}));
+}
+
 TEST(Tool_Histo_Plot_Test, bands_are_clipped_to_the_plot_area_and_later_ones_hide_earlier_ones) {
     Plot_Stage plot;
     plot.Counts_Give({}, Flat(2000, 1));

@@ -133,6 +133,17 @@ TEST_F(Histo_Export, counts_selected_frames_among_all_of_the_window) {
     EXPECT_EQ(heading(), "=========== Histogram information (0 frames) =========");
 }
 
+TEST_F(Histo_Export, the_total_is_a_signed_16_bit_number) {
+    Histo_Record_Give(panel, {}, {});
+    constexpr int frames = 32769;
+    for (int k = 0; k < frames; ++k) {
+        scene.Add_Frame();
+    }
+    const std::string text = Written();
+    EXPECT_NE(text.find("Histogram information (32769 frames out of -32767) ="), std::string::npos)
+        << text.substr(0, 99);
+}
+
 TEST_F(Histo_Export, without_a_free_iterator_both_counts_are_0) {
     Histo_Record_Give(panel, {}, {});
     scene.Add_Frame();
