@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <memory>
 #include <new>
 #include <string>
 #include <utility>
@@ -225,16 +224,16 @@ TEST_F(Class_Panel_Ends, while_the_dialog_is_open_and_when_the_new_name_is_told)
 }
 
 TEST_F(Class_Panel_Ends, with_all_classes_while_the_dialog_is_open) {
-    auto root = std::make_unique<Quorel_2D>();
+    Own_Pages<Quorel_2D> root;  // whoever asks the class for its name afterwards is found out
     root->Name_Set("root");
-    Variable_Define_Pointer("$DB_2D_ROOT_PT", root.get());
+    Variable_Define_Pointer("$DB_2D_ROOT_PT", &*root);
     Own_Pages<Tool_DB_Class> panel(2 | DB_MODE_EDIT);
     Show(*panel);
     Point(*panel, 0, Edit_Zone::Body);
     typed_name.typed = "typed";
     typed_name.meanwhile = [&] {
         Variable_Undefine("$DB_2D_ROOT_PT");
-        root.reset();
+        root.End();
     };
     EXPECT_EQ(panel->Click(RIGHT_PRESS), 1);
     EXPECT_EQ(typed_name.asked, "root");
