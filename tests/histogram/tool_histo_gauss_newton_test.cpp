@@ -562,7 +562,7 @@ TEST_F(Gauss_Newton_Steps, the_error_is_told_as_a_hundred_times_its_mean_square)
     }
     Run();
     char told[64];
-    std::snprintf(told, sizeof told, "++ mse: %.1f", squares * 100.0 / 200);
+    std::snprintf(told, sizeof told, "++ mse: %.4f%% delta mse = ", squares * 100.0 / 200);
     EXPECT_GT(squares, 1e5);
     EXPECT_TRUE(test.Has_Part(11, told)) << told;
 }
