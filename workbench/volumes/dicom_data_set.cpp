@@ -149,7 +149,7 @@ void Data_Set_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmF
     } else {
         const E_TransferSyntax told = named.empty() ? EXS_Unknown : DcmXfer(named.c_str()).getXfer();
         if (told == EXS_Unknown && !named.empty()) {
-            throw Dicom_Refusal{"has an unknown transfer syntax (" + Field_Shown(named) + ")"};
+            throw Dicom_Refusal{"has an unknown transfer syntax (" + Printable_Text(named, FIELD_SHOWN_MOST) + ")"};
         }
         read =
             data_set->read(stream, Form_Found(told, bytes.subspan(start), source.warnings), EGL_noChange, value_kept);

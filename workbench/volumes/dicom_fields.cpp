@@ -6,6 +6,7 @@
 #include "dcmtk/dcmdata/dcdeftag.h"
 #include "dcmtk/dcmdata/dcelem.h"
 #include "dcmtk/ofstd/ofstd.h"
+#include "workbench/volumes/message_text.h"
 
 namespace volumes {
 
@@ -13,24 +14,6 @@ namespace {
 
 constexpr unsigned char first_non_ascii = 0x80;
 constexpr unsigned long text_longest = 65536;  // bytes of a value that is read as a text or as numbers
-
-bool Is_Utf8(const std::string& text) {
-    int following = 0;
-    for (const char letter : text) {
-        const auto byte = static_cast<unsigned char>(letter);
-        if (following > 0) {
-            if (byte >> 6U != 2) {
-                return false;
-            }
-            --following;
-        } else if (byte >= 0xC2 && byte <= 0xF4) {
-            following = byte >= 0xF0 ? 3 : (byte >= 0xE0 ? 2 : 1);
-        } else if (byte >= first_non_ascii) {
-            return false;
-        }
-    }
-    return following == 0;
-}
 
 }  // namespace
 
@@ -71,8 +54,8 @@ DcmItem* Field_Item(DcmItem& item, const DcmTagKey& tag, unsigned long position)
 std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag, unsigned long position) {
     std::string text = Field_Text(item, tag, position);
     const std::string set = Field_Text(item, DCM_SpecificCharacterSet);
-    if (set == "ISO_IR 192" && Is_Utf8(text)) {
-        return text;
+    if (set == "ISO_IR 192") {
+        return Printable_Text(text);
     }
     const bool is_latin = set.empty() || set == "ISO_IR 100";
     std::string utf8;

@@ -31,7 +31,8 @@ std::optional<std::array<double, Count>> Field_Numbers(DcmItem& item, const DcmT
 }
 /** An item of a sequence; null when there is none. */
 DcmItem* Field_Item(DcmItem& item, const DcmTagKey& tag, unsigned long position = 0);
-/** Text of the data set's character set as UTF-8; characters that are not understood become question marks.
+/** Text of the data set's character set as UTF-8; bytes that are none become U+FFFD, characters of
+ *  other sets question marks.
  *  @param position of several values */
 std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag, unsigned long position = 0);
 

@@ -70,10 +70,48 @@ bool Scale_Read(DcmItem& item, const DcmTagKey& slope_tag, Frame_Facts& facts) {
         return false;
     }
     if (slope || intercept) {
+        facts.has_scale = true;
         facts.slope = slope.value_or(1.0);
         facts.intercept = intercept && std::abs(*intercept) <= scale_most ? *intercept : 0.0;
     }
     return true;
+}
+
+/** Whether a mapping to real-world values holds for all that a pixel can store. */
+bool Is_Mapping_Whole(DcmItem& mapping, const Frame_Size& size) {
+    const auto first = Field_Number(mapping, DCM_RealWorldValueFirstValueMapped);
+    const auto last = Field_Number(mapping, DCM_RealWorldValueLastValueMapped);
+    const auto first_real = Field_Number(mapping, DCM_DoubleFloatRealWorldValueFirstValueMapped);
+    const auto last_real = Field_Number(mapping, DCM_DoubleFloatRealWorldValueLastValueMapped);
+    return first_real.value_or(first.value_or(INFINITY)) <= size.stored_lowest &&
+           last_real.value_or(last.value_or(-INFINITY)) >= size.stored_highest;
+}
+
+/** What became of a file's real-world values. */
+enum class Real_World { NONE, SHOWN, BESIDE_SCALE, UNUSABLE };
+
+/** Real-world values where the file has no other scale: one straight line for all stored values. */
+Real_World Real_World_Read(DcmItem& item, const Frame_Size& size, Frame_Facts& facts) {
+    DcmItem* const mapping = Field_Item(item, DCM_RealWorldValueMappingSequence);
+    if (mapping == nullptr) {
+        return Real_World::NONE;
+    }
+    const auto slope = Field_Number(*mapping, DCM_RealWorldValueSlope);
+    const auto intercept = Field_Number(*mapping, DCM_RealWorldValueIntercept);
+    if (facts.has_scale) {
+        const bool is_same = slope == facts.slope && intercept == facts.intercept;
+        return is_same ? Real_World::SHOWN : Real_World::BESIDE_SCALE;
+    }
+    constexpr double scale_most = 1e30;
+    constexpr double scale_least = 1e-30;
+    if (Field_Item(item, DCM_RealWorldValueMappingSequence, 1) != nullptr || !slope || !intercept ||
+        !(std::abs(*slope) >= scale_least && std::abs(*slope) <= scale_most && std::abs(*intercept) <= scale_most) ||
+        !Is_Mapping_Whole(*mapping, size)) {
+        return Real_World::UNUSABLE;
+    }
+    facts.slope = *slope;
+    facts.intercept = *intercept;
+    return Real_World::SHOWN;
 }
 
 bool Is_Length(double length) {
@@ -83,7 +121,7 @@ bool Is_Length(double length) {
 }
 
 /** Where the size of pixels comes from. */
-enum class Pixel_Source { NONE, PATIENT, REGION, DETECTOR };
+enum class Pixel_Source { NONE, PATIENT, REGION, DETECTOR, PROPORTION };
 
 /** Ultrasound says for parts of the picture how large pixels are. @return whether all flat ones agree */
 bool Region_Read(DcmItem& data_set, std::array<double, 3>& spacing, bool& differs) {
@@ -115,6 +153,19 @@ bool Region_Read(DcmItem& data_set, std::array<double, 3>& spacing, bool& differ
         is_found = true;
     }
     return is_found;
+}
+
+/** The proportion of pixels without a size: height, width. @return whether there is one */
+bool Proportion_Read(DcmItem& data_set, std::array<double, 3>& spacing) {
+    constexpr double most = 1000.0;
+    const auto sides = Field_Numbers<2>(data_set, DCM_PixelAspectRatio);
+    if (!sides || !((*sides)[0] > 0.0) || !((*sides)[1] > 0.0) || (*sides)[0] > (*sides)[1] * most ||
+        (*sides)[1] > (*sides)[0] * most) {
+        return false;
+    }
+    spacing[0] = 1.0;
+    spacing[1] = (*sides)[0] / (*sides)[1];
+    return true;
 }
 
 Pixel_Source Spacing_Read(DcmItem& item, std::array<double, 3>& spacing) {
@@ -190,6 +241,10 @@ class Planner {
     void Frames_Read();
     void Frame_Read(std::size_t frame, DcmItem* shared);
     void Detector_Read(Frame_Facts& common);
+    void Real_World_Note(DcmItem* item, Frame_Facts& facts);
+    void Real_World_Tell();
+    void Vectors_Read();
+    std::vector<std::int32_t> Vector_Of(const DcmTagKey& tag);
     std::vector<double> Offsets();
     bool Offsets_Apply();
     bool Placed();
@@ -202,6 +257,8 @@ class Planner {
     Frame_Plan plan;
     Pixel_Source pixel_source = Pixel_Source::NONE;
     bool is_scale_usable = true;
+    Real_World real_world = Real_World::NONE;  // the worst of all frames
+    bool is_views = false;                     // frames show things that cannot be stacked
 };
 
 /** Nuclear medicine keeps the place with the detector. */
@@ -223,6 +280,10 @@ void Planner::Frames_Read() {
     if (pixel_source == Pixel_Source::NONE && Region_Read(data_set, common.spacing, differs)) {
         pixel_source = Pixel_Source::REGION;
     }
+    if (pixel_source == Pixel_Source::NONE && Proportion_Read(data_set, common.spacing)) {
+        pixel_source = Pixel_Source::PROPORTION;
+    }
+    common.has_scale = common.has_scale || Field_Item(data_set, DCM_ModalityLUTSequence) != nullptr;
     if (differs) {
         Warn("has regions whose pixels differ in size: lengths are right in the first of them only");
     }
@@ -230,9 +291,27 @@ void Planner::Frames_Read() {
     plan.facts.assign(static_cast<std::size_t>(size.frame_nb), common);
     for (std::size_t frame = 0; frame < plan.facts.size(); ++frame) {
         Frame_Read(frame, shared);
+        Real_World_Note(&data_set, plan.facts[frame]);
     }
+    Real_World_Tell();
     if (!is_scale_usable) {
         Warn("has a slope that cannot be used: stored values are shown as they are");
+    }
+}
+
+void Planner::Real_World_Note(DcmItem* item, Frame_Facts& facts) {
+    if (item != nullptr) {
+        real_world = std::max(real_world, Real_World_Read(*item, size, facts));
+    }
+}
+
+void Planner::Real_World_Tell() {
+    if (real_world == Real_World::BESIDE_SCALE) {
+        Warn("names real-world values beside its rescale: greys are those of the rescale");
+    } else if (real_world == Real_World::UNUSABLE) {
+        Warn(
+            "names real-world values in a way that is not read (a table, several, or not for all values): stored "
+            "values are shown as they are");
     }
 }
 
@@ -249,6 +328,9 @@ void Planner::Frame_Read(std::size_t frame, DcmItem* shared) {
     }
     if (DcmItem* const values = Group_Of(own, shared, DCM_PixelValueTransformationSequence)) {
         is_scale_usable = Scale_Read(*values, DCM_RescaleSlope, facts) && is_scale_usable;
+    }
+    for (DcmItem* const item : {own, shared}) {
+        Real_World_Note(item, facts);
     }
     if (DcmItem* const content = Group_Of(own, shared, DCM_FrameContentSequence)) {
         facts.moment.temporal_position = Field_Integer(*content, DCM_TemporalPositionIndex).value_or(0);
@@ -269,6 +351,14 @@ std::vector<double> Planner::Offsets() {
     std::vector<double> offsets;
     if (!data_set.tagExists(DCM_GridFrameOffsetVector)) {
         const auto distance = Field_Number(data_set, DCM_SpacingBetweenSlices);
+        const std::vector<std::int32_t> slices = Vector_Of(DCM_SliceVector);
+        if (const auto step = distance ? distance : Field_Number(data_set, DCM_SliceThickness);
+            !slices.empty() && step && Is_Length(std::abs(*step))) {
+            for (const std::int32_t slice : slices) {
+                offsets.push_back(*step * (slice - 1.0));  // the position is that of slice 1
+            }
+            return offsets;
+        }
         const bool has_times = Field_Integer(data_set, DCM_NumberOfTemporalPositions).value_or(1) > 1;
         if (distance && Is_Length(std::abs(*distance)) && !has_times && !Is_Cine(data_set, modality)) {
             for (std::int32_t frame = 0; frame < size.frame_nb; ++frame) {
@@ -296,6 +386,45 @@ std::vector<double> Planner::Offsets() {
         offset = sign * (offset - first);
     }
     return offsets;
+}
+
+/** Numbers of all frames; empty: the file does not say them. */
+std::vector<std::int32_t> Planner::Vector_Of(const DcmTagKey& tag) {
+    std::vector<std::int32_t> numbers;
+    for (unsigned long frame = 0; data_set.tagExists(tag) && frame < plan.facts.size(); ++frame) {
+        const auto number = Field_Integer(data_set, tag, frame);
+        if (!number) {
+            return {};
+        }
+        numbers.push_back(*number);
+    }
+    return numbers;
+}
+
+/** Nuclear medicine numbers its frames by what they show: slices, times, and views that are no slices of one image. */
+void Planner::Vectors_Read() {
+    for (const DcmTagKey& tag : {DCM_PhaseVector, DCM_RRIntervalVector, DCM_TimeSlotVector, DCM_TimeSliceVector}) {
+        constexpr std::int32_t numbers_most = 1000;
+        const std::vector<std::int32_t> numbers = Vector_Of(tag);
+        for (std::size_t frame = 0; frame < numbers.size(); ++frame) {
+            std::int32_t& position = plan.facts[frame].moment.temporal_position;
+            position =
+                std::clamp(position, 0, numbers_most) * numbers_most + std::clamp(numbers[frame], 0, numbers_most);
+        }
+    }
+    for (const DcmTagKey& tag :
+         {DCM_EnergyWindowVector, DCM_DetectorVector, DCM_RotationVector, DCM_AngularViewVector}) {
+        const std::vector<std::int32_t> numbers = Vector_Of(tag);
+        is_views = is_views || std::ranges::any_of(numbers, [&](std::int32_t number) { return number != numbers[0]; });
+    }
+    if (is_views) {
+        Warn(
+            "has frames of several energy windows, detectors or views: they are shown one after the other in the "
+            "file's order, without a place in the patient");
+        for (Frame_Facts& facts : plan.facts) {
+            facts.place = {};
+        }
+    }
 }
 
 /** Gives every frame a place of its own. @return false: nothing says where */
@@ -392,7 +521,7 @@ void Planner::Plain() {
         stack.nt = times;
     }
     stack.nz = size.frame_nb / stack.nt;
-    if (stack.nz > 1) {
+    if (stack.nz > 1 && !is_views) {
         Warn("does not say how far its frames lie apart: they are taken in the file's order, " +
              Amount_Text(stack.spacing[2]) + " mm from one to the next");
     }
@@ -412,6 +541,8 @@ std::string Pixel_Source_Text(Pixel_Source source) {
             return {};
         case Pixel_Source::REGION:
             return "; pixel size of the ultrasound region";
+        case Pixel_Source::PROPORTION:
+            return "; no pixel size, taken as 1 mm across; only the proportion of the sides is said";
         case Pixel_Source::DETECTOR:
             return "; pixel size at the detector, not in the patient";
         default:
@@ -421,7 +552,8 @@ std::string Pixel_Source_Text(Pixel_Source source) {
 
 Frame_Plan Planner::Make() {
     Frames_Read();
-    if (size.frame_nb == 1 || !Placed()) {
+    Vectors_Read();
+    if (size.frame_nb == 1 || is_views || !Placed()) {
         Plain();
     }
     plan.place_source += Pixel_Source_Text(pixel_source);

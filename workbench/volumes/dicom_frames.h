@@ -17,6 +17,7 @@ namespace volumes {
 struct Frame_Facts {
     Slice_Place place;
     bool is_own_place = false;  ///< the place is that of the frame, not of the file
+    bool has_scale = false;     ///< slope and intercept are said
     double slope = 1;
     double intercept = 0;
     Slice_Moment moment;
@@ -46,6 +47,8 @@ struct Frame_Size {
     std::int32_t width = 1;
     std::int32_t height = 1;
     std::int32_t frame_nb = 1;
+    double stored_lowest = 0;  ///< that pixels can have
+    double stored_highest = 0;
 };
 
 /** @param modality two letters, the first in the high byte */

@@ -48,6 +48,7 @@ class File_Reader {
     void Tables_Read();
     void Frame_Nb_Read();
     void Size_Check();
+    Frame_Size Frame_Size_Of() const;
     void Names_Read();
     void Frame_Bytes(std::int32_t frame);
     void Frame_Unpack(std::int32_t frame);
@@ -88,7 +89,7 @@ void File_Reader::Object_Check() {
         throw Dicom_Refusal{"is a directory of other files (DICOMDIR) and holds no image"};
     }
     const char* const name = dcmFindNameOfUID(kind.c_str(), kind.c_str());
-    const std::string kind_text = kind.empty() ? "no kind of object is named" : Field_Shown(name);
+    const std::string kind_text = kind.empty() ? "no kind of object is named" : Printable_Text(name, FIELD_SHOWN_MOST);
     if (data_set.tagExists(DCM_FloatPixelData) || data_set.tagExists(DCM_DoubleFloatPixelData)) {
         throw Dicom_Refusal{"has floating-point pixels, which are not read"};
     }
@@ -135,8 +136,8 @@ void File_Reader::Color_Kind_Read(const std::string& photometric, std::int32_t s
         return;
     }
     throw Dicom_Refusal{"has pixels of an unknown kind (" +
-                        (photometric.empty() ? "no name" : Field_Shown(photometric)) + ", " + std::to_string(samples) +
-                        " samples)"};
+                        (photometric.empty() ? "no name" : Printable_Text(photometric, FIELD_SHOWN_MOST)) + ", " +
+                        std::to_string(samples) + " samples)"};
 }
 
 void File_Reader::Format_Read() {
@@ -243,6 +244,12 @@ void File_Reader::Size_Check() {
     if (fragments->Packed_Size() * run_most < frame_size * frames) {
         throw Dicom_Refusal{"has compressed data too short for its frames"};
     }
+}
+
+Frame_Size File_Reader::Frame_Size_Of() const {
+    const double numbers = std::ldexp(1.0, format.bits_stored);
+    const double lowest = format.is_signed ? -numbers / 2.0 : 0.0;
+    return {format.width, format.height, frame_nb, lowest, lowest + numbers - 1.0};
 }
 
 void File_Reader::Names_Read() {
@@ -419,7 +426,7 @@ Dicom_Result File_Reader::Read() {
     Frame_Nb_Read();
     Size_Check();
     Names_Read();
-    plan = Frames_Plan(*file.getDataset(), image.modality, {format.width, format.height, frame_nb});
+    plan = Frames_Plan(*file.getDataset(), image.modality, Frame_Size_Of());
     result.warnings.insert(result.warnings.end(), plan.warnings.begin(), plan.warnings.end());
     Images_Make();
     return std::move(result);

@@ -60,15 +60,6 @@ std::string Amount_Text(double amount) {
     return {letters.data(), end};
 }
 
-std::string Field_Shown(std::string_view text) {
-    constexpr std::size_t longest = 64;
-    std::string shown;
-    for (const char letter : text.substr(0, longest)) {
-        shown += letter >= ' ' && letter < 0x7F ? letter : '?';
-    }
-    return text.size() > longest ? shown + "..." : shown;
-}
-
 namespace {
 
 /** Bytes of the UTF-8 character that a text begins with; 0: it is none. */
@@ -97,9 +88,12 @@ std::size_t Character_Size(std::string_view text) {
 
 }  // namespace
 
-std::string Printable_Text(std::string_view text) {
+std::string Printable_Text(std::string_view text, std::size_t most) {
     std::string made;
-    while (!text.empty()) {
+    for (std::size_t count = 0; !text.empty(); ++count) {
+        if (count == most) {
+            return made + "...";
+        }
         const std::size_t size = Character_Size(text);
         if (size == 0) {
             made += "\xEF\xBF\xBD";

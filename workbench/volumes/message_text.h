@@ -1,6 +1,7 @@
 /** Pieces of the sentences that tell a user what is wrong with a file. */
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -16,12 +17,11 @@ std::string Value_Text(double value);
 std::string Size_Text(std::uint64_t bytes);
 /** "0.25", "1,000", "1.5e-07": a measured amount with three digits that count. */
 std::string Amount_Text(double amount);
-/** What a file holds in a field, fit for a message: letters outside ASCII and control characters become question marks,
- *  and a long text is cut. */
-std::string Field_Shown(std::string_view text);
+/** Most characters of a field that a sentence repeats. */
+inline constexpr std::size_t FIELD_SHOWN_MOST = 64;
 /** Text from a file made fit for a sentence: UTF-8 stays, every byte that is none becomes U+FFFD, and control
- * characters become spaces. */
-std::string Printable_Text(std::string_view text);
+ * characters become spaces. @param most characters; what follows them becomes "..." */
+std::string Printable_Text(std::string_view text, std::size_t most = std::string::npos);
 /** The file's own name without its folders, in UTF-8. A name that cannot be expressed gives "The file". */
 std::string File_Name_Text(const std::filesystem::path& path);
 /** A path from UTF-8 text, on every system. Text that is not valid UTF-8 gives an empty path on systems with wide file

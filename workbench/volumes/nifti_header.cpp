@@ -443,4 +443,35 @@ void Geometry_Apply(const Stored_Geometry& geometry, Volume& volume) {
     volume.affine_source = Affine_Source::SPACING;
 }
 
+std::vector<std::string> Geometry_Warnings(const Stored_Geometry& geometry, const Volume& volume) {
+    std::vector<std::string> texts;
+    const bool is_placed = volume.affine_source == Affine_Source::SFORM || volume.affine_source == Affine_Source::QFORM;
+    const char* const instead =
+        is_placed ? "its qform says where it lies" : "which side of the patient is which is not known";
+    if (geometry.sform_code > 0 && volume.affine_source != Affine_Source::SFORM) {
+        texts.push_back(
+            std::string("has an sform that cannot be used (it is flat, or has elements that are no number): ") +
+            instead);
+    }
+    if (geometry.qform_code > 0 && !is_placed) {
+        texts.push_back(std::string("has a qform that cannot be used: ") + instead);
+    }
+    if (volume.affine_source != Affine_Source::SFORM) {
+        return texts;
+    }
+    constexpr double same = 0.01;  // share: single precision, and programs that round
+    const double unit = Millimetres_Per_Unit(geometry.units);
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        const std::array<std::int32_t, 3> size = {volume.nx, volume.ny, volume.nz};
+        const double told = std::fabs(geometry.pixdim[axis + 1]) * unit;
+        const double step = std::hypot(volume.affine[0][axis], volume.affine[1][axis], volume.affine[2][axis]);
+        if (size[axis] > 1 && told > 0 && std::isfinite(told) && std::fabs(told - step) > same * step) {
+            texts.push_back("says that voxels are " + Value_Text(told) + " mm long in dimension " +
+                            std::to_string(axis + 1) + ", and its sform that they are " + Value_Text(step) +
+                            " mm: places follow the sform, the picture's proportions the voxel sizes");
+        }
+    }
+    return texts;
+}
+
 }  // namespace volumes

@@ -7,6 +7,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "workbench/volumes/byte_order.h"
 #include "workbench/volumes/volume.h"
@@ -76,5 +77,9 @@ Nifti_Header_Result Nifti_Header_Decode(std::span<const std::uint8_t> bytes);
  * (volume.nz) may have an sform without a step to the next. Lengths given in metres or micrometres become millimetres.
  * @param geometry present */
 void Geometry_Apply(const Stored_Geometry& geometry, Volume& volume);
+
+/** What a user has to know of a geometry that Geometry_Apply has put into `volume`, each to follow the file's name:
+ *  nothing where the file's words agree. */
+std::vector<std::string> Geometry_Warnings(const Stored_Geometry& geometry, const Volume& volume);
 
 }  // namespace volumes

@@ -257,6 +257,9 @@ void Loader::Voxels_Load(Byte_Source* image) {
     volume.stored = header.geometry;
     Geometry_Apply(header.geometry, volume);
     builder.Finish(header.slope, header.intercept, volume);
+    for (const std::string& text : Geometry_Warnings(header.geometry, volume)) {
+        Warn(file, text);
+    }
     for (const std::string& text : Values_Outside_Texts(volume)) {
         Warn(name, text);
     }

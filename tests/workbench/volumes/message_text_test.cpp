@@ -24,6 +24,8 @@ TEST(Message_Text, bytes_of_a_file_become_valid_text) {
     EXPECT_EQ(Printable_Text("\xED\xA0\x80"), "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD") << "half a pair";
     EXPECT_EQ(Printable_Text("\xC0\x80"), "\xEF\xBF\xBD\xEF\xBF\xBD") << "longer than needed";
     EXPECT_EQ(Printable_Text("cut \xE2\x82"), "cut \xEF\xBF\xBD\xEF\xBF\xBD");
+    EXPECT_EQ(Printable_Text("1\xC3\xA4\xE2\x82\xAC", 3), "1\xC3\xA4\xE2\x82\xAC");
+    EXPECT_EQ(Printable_Text("1\xC3\xA4\xE2\x82\xAC.", 3), "1\xC3\xA4\xE2\x82\xAC...");
 }
 
 TEST(Message_Text, values_have_six_digits_in_every_language) {

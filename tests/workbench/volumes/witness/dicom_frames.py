@@ -222,6 +222,44 @@ def run_length_pieces(case):
     case.expect(stored, case.affine(case.corner, case.turn[2] * 2))
 
 
+def nuclear(case):
+    """Frames that are numbered by slice, by slice and time, or by what is no slice."""
+    rng = case.rng
+    case.modality = "NM"
+    kind = rng.choice(["slices", "times", "views"])
+    count, times = rng.randint(2, 5), rng.randint(2, 3) if kind == "times" else 1
+    order = [(time, at) for time in range(times) for at in range(count)]
+    rng.shuffle(order)
+    ds = case.data_set()
+    detector = item_of(ImagePositionPatient=decimals(case.corner),
+                       ImageOrientationPatient=decimals(list(case.turn[0]) + list(case.turn[1])))
+    ds.DetectorInformationSequence = Sequence([detector])
+    ds.PixelSpacing = decimals([case.spacing[1], case.spacing[0]])
+    gap = 2.5
+    ds.SliceThickness = "2.5"
+    if rng.random() < 0.5:
+        gap = 3.5
+        ds.SpacingBetweenSlices = "3.5"
+    stored = case.values(count * times)
+    case.pixels(ds, stored)
+    if kind == "views":
+        ds.FrameIncrementPointer = Tag(0x0054, 0x0010)
+        ds.EnergyWindowVector = [at + 1 for _, at in order]
+        case.write(ds, "nm.dcm")
+        case.expect(stored, case.no_place(gap), known=False)
+        case.told("nm.dcm", "has frames of several energy windows, detectors or views: they are shown one after the "
+                  "other in the file's order, without a place in the patient")
+        return
+    ds.FrameIncrementPointer = Tag(0x0054, 0x0080)
+    ds.SliceVector = [at + 1 for _, at in order]
+    if kind == "times":
+        ds.TimeSlotVector = [time + 1 for time, _ in order]
+    case.write(ds, "nm.dcm")
+    for time in range(times):
+        case.expect(stored[[order.index((time, at)) for at in range(count)]],
+                    case.affine(case.corner, case.turn[2] * gap))
+
+
 def dose(case):
     rng = case.rng
     kind = rng.choice(["rising", "falling", "height", "uneven"])
@@ -273,4 +311,4 @@ def dose_offsets_short(case):
 
 
 KINDS = [stack, tilted, missing, curved, no_direction, directions, unequal, one_place, cine, no_distance,
-         run_length_pieces, dose, dose_offsets_short]
+         run_length_pieces, nuclear, dose, dose_offsets_short]

@@ -11,7 +11,7 @@ from pydicom.sequence import Sequence
 from pydicom.uid import (ExplicitVRBigEndian, ExplicitVRLittleEndian, ImplicitVRLittleEndian, JPEGBaseline8Bit,
                          RLELossless)
 
-from dicom_case import decimal, item_of, scale_error, scale_told
+from dicom_case import decimal, item_of, scale_error, scale_told, scaled
 
 
 def greys_read(path):
@@ -142,6 +142,53 @@ def ultrasound(case):
     case.expect(greys_read(case.write(ds, "us.dcm")), case.no_place(1.0), known=False)
 
 
+def proportion(case):
+    """Only the proportion of a pixel's sides is said: height, width."""
+    rng = case.rng
+    ds = case.data_set()
+    case.pixels(ds, case.values(1, 8), 8)
+    height, width = rng.randint(1, 9), rng.randint(1, 9)
+    ds.PixelAspectRatio = [height, width]
+    case.spacing = [1.0, height / width]
+    case.expect(greys_read(case.write(ds, "x.dcm")), case.no_place(1.0), known=False)
+
+
+def real_world(case):
+    """Values of the real world: greys where the file has no other scale, and where they hold for all that is stored."""
+    rng = case.rng
+    ds = case.data_set()
+    case.place(ds, case.corner)
+    ds.SliceThickness = "2"
+    is_signed = rng.random() < 0.5
+    stored = case.values(1, 16, 12, is_signed)
+    case.pixels(ds, stored, 16, 12, is_signed)
+    lowest = -2048 if is_signed else 0
+    kind = rng.choice(["alone", "alone", "in group", "beside", "same", "part", "two", "table"])
+    slope, intercept = float(decimal(rng.uniform(0.001, 9))), float(decimal(rng.uniform(-50, 50)))
+    mapping = item_of(RealWorldValueSlope=slope, RealWorldValueIntercept=intercept, LUTLabel="X")
+    mapping.add_new(0x00409216, "SS" if is_signed else "US", lowest)
+    mapping.add_new(0x00409211, "SS" if is_signed else "US", lowest + (4095 if kind != "part" else 1000))
+    if kind == "table":
+        del mapping.RealWorldValueSlope, mapping.RealWorldValueIntercept
+        mapping.RealWorldValueLUTData = [1.0] * 4096
+    mappings = [mapping] * (2 if kind == "two" else 1)
+    if kind == "in group":
+        ds.SharedFunctionalGroupsSequence = Sequence([item_of(RealWorldValueMappingSequence=Sequence(mappings))])
+    else:
+        ds.RealWorldValueMappingSequence = Sequence(mappings)
+    scale = (slope, intercept) if kind in ("alone", "in group", "same") else None
+    if kind in ("beside", "same"):
+        scale = scale or (2.0, 1.0)
+        ds.RescaleSlope, ds.RescaleIntercept = decimal(scale[0]), decimal(scale[1])
+    case.write(ds, "x.dcm")
+    case.expect(scaled(stored, scale), case.affine(case.corner, case.turn[2] * 2))
+    if kind == "beside":
+        case.told("x.dcm", "names real-world values beside its rescale: greys are those of the rescale")
+    if kind in ("part", "two", "table"):
+        case.told("x.dcm", "names real-world values in a way that is not read (a table, several, or not for all "
+                  "values): stored values are shown as they are")
+
+
 def wrong_syntax(case):
     """The header names implicit elements and the data set has explicit ones, or the other way round."""
     ds = case.data_set()
@@ -232,4 +279,5 @@ def refused(case):
         case.told("x.dcm", "is compressed in a way that is not decoded (JPEG Baseline)")
 
 
-KINDS = [grey, grey_table, palette, palette_signed, color, ultrasound, wrong_syntax, frames_none, refused]
+KINDS = [grey, grey_table, palette, palette_signed, color, ultrasound, proportion, real_world, wrong_syntax, frames_none,
+         refused]

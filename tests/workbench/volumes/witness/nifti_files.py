@@ -220,11 +220,19 @@ def analyze_files(witness, random):
                          "multiplied by it" % (os.path.basename(name).replace(".img", ".hdr"), value_text(scale)))
 
 
+def sizes_told(name, size, affine):
+    """What has to be said where the second voxel size is not that of the matrix."""
+    return "%s says that voxels are %s mm long in dimension 2, and its sform that they are %s mm: places follow the " \
+           "sform, the picture's proportions the voxel sizes" % (
+               name, value_text(size), value_text(float(numpy.linalg.norm(affine[:3, 1]))))
+
+
 def odd_headers(witness, random):
     """Files that contradict the letter of the format, but leave no doubt."""
-    for index in range(60):
-        way = ["bitpix", "pixdim", "flat", "disguise", "offset", "capitals"][index % 6]
-        version = 1 + index // 6 % 2
+    ways = ["bitpix", "pixdim", "flat", "disguise", "offset", "capitals", "unusable", "sizes"]
+    for index in range(10 * len(ways)):
+        way = ways[index % len(ways)]
+        version = 1 + index // len(ways) % 2
         flat = way == "flat"
         stored = values_of(random, "i2", (5, 4, 1 if flat else 3), "few")
         affine = affine_of(random, "turned").astype("f4").astype(float)
@@ -239,12 +247,31 @@ def odd_headers(witness, random):
         nibabel.save(image, witness.path(name))
         header_path = witness.path(name.replace(".img", ".hdr"))
         number, size, bits, pixdim, srow = ("f", 4, 72, 76, 280) if version == 1 else ("d", 8, 14, 104, 400)
-        told = None
+        told, source = None, "sform"
         if way == "bitpix":
             patch(header_path, [(bits, b"\0\0")])
         elif way == "pixdim":
-            bad = [numpy.nan, numpy.inf, 0.0, -1.0][index // 6 % 4]
+            bad = [numpy.nan, numpy.inf, 0.0, -100.0][index // len(ways) % 4]
             patch(header_path, [(pixdim + 2 * size, struct.pack("<" + number, bad))])
+            if bad == -100.0:
+                told = sizes_told(os.path.basename(name), 100.0, affine)
+        elif way == "unusable":
+            # A flat matrix, or one of no numbers, and a rotation beside it, or not.
+            bad, has_qform = [0.0, numpy.nan][index // len(ways) // 2 % 2], index // len(ways) % 3 == 0
+            if has_qform:
+                image.set_qform(affine, 1)
+                image.set_sform(affine, 1)
+                nibabel.save(image, witness.path(name))
+                source, affine = "qform", image.get_qform()
+            else:
+                source, affine = "spacing", numpy.diag(list(image.header.get_zooms()) + [1.0]).astype(float)
+            patch(header_path, [(srow + 4 * row * size, struct.pack("<" + number, bad)) for row in range(3)])
+            told = "%s has an sform that cannot be used (it is flat, or has elements that are no number): %s" % (
+                os.path.basename(name), "its qform says where it lies" if has_qform else
+                "which side of the patient is which is not known")
+        elif way == "sizes":
+            patch(header_path, [(pixdim + 2 * size, struct.pack("<" + number, 64.0))])
+            told = sizes_told(os.path.basename(name), 64.0, affine)
         elif flat:
             for row in range(3):
                 patch(header_path, [(srow + (4 * row + 2) * size, struct.pack("<" + number, 0.0))])
@@ -259,7 +286,7 @@ def odd_headers(witness, random):
             os.rename(witness.path(name), witness.path(name.replace(".img", [".IMG", ".Img", ".iMG"][index % 3])))
         item = name.replace(".img", ".hdr")
         witness.item(item, files=2 if pair else 1)
-        witness.volume(stored, affine, "sform")
+        witness.volume(stored, affine, source)
         if told:
             witness.told(told)
 
