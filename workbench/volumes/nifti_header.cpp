@@ -264,6 +264,15 @@ double Determinant(const Affine& a) {
            a[0][2] * (a[1][0] * a[2][1] - a[1][1] * a[2][0]);
 }
 
+// The distance of the planes that the other two axes span, from one voxel to the next.
+double Height_Of(const Affine& a, std::size_t axis) {
+    const std::size_t b = (axis + 1) % 3;
+    const std::size_t c = (axis + 2) % 3;
+    const double area = std::hypot(a[1][b] * a[2][c] - a[2][b] * a[1][c], a[2][b] * a[0][c] - a[0][b] * a[2][c],
+                                   a[0][b] * a[1][c] - a[1][b] * a[0][c]);
+    return std::fabs(Determinant(a)) / area;
+}
+
 // True when voxels have a place each: finite, and not flattened to a plane.
 bool Affine_Usable(const Affine& affine) {
     for (const auto& row : affine) {
@@ -461,15 +470,23 @@ std::vector<std::string> Geometry_Warnings(const Stored_Geometry& geometry, cons
     }
     constexpr double same = 0.01;  // share: single precision, and programs that round
     const double unit = Millimetres_Per_Unit(geometry.units);
+    const std::array<std::int32_t, 3> size = {volume.nx, volume.ny, volume.nz};
+    bool differs = false;
+    std::string told_sizes;
+    std::string steps;
     for (std::size_t axis = 0; axis < 3; ++axis) {
-        const std::array<std::int32_t, 3> size = {volume.nx, volume.ny, volume.nz};
         const double told = std::fabs(geometry.pixdim[axis + 1]) * unit;
         const double step = std::hypot(volume.affine[0][axis], volume.affine[1][axis], volume.affine[2][axis]);
-        if (size[axis] > 1 && told > 0 && std::isfinite(told) && std::fabs(told - step) > same * step) {
-            texts.push_back("says that voxels are " + Value_Text(told) + " mm long in dimension " +
-                            std::to_string(axis + 1) + ", and its sform that they are " + Value_Text(step) +
-                            " mm: places follow the sform, the picture's proportions the voxel sizes");
-        }
+        // Slices of a sheared image lie as far apart as their planes do, or as its steps are long: both are written.
+        const double height = Height_Of(volume.affine, axis);
+        const auto is_apart = [&](double length) { return std::fabs(told - length) > same * length; };
+        differs = differs || (size[axis] > 1 && told > 0 && std::isfinite(told) && is_apart(step) && is_apart(height));
+        told_sizes += (axis > 0 ? " x " : "") + Value_Text(told);
+        steps += (axis > 0 ? " x " : "") + Value_Text(step);
+    }
+    if (differs) {
+        texts.push_back("says that voxels are " + told_sizes + " mm large, and its sform that they are " + steps +
+                        " mm: places follow the sform, the picture's proportions the voxel sizes");
     }
     return texts;
 }

@@ -220,11 +220,12 @@ def analyze_files(witness, random):
                          "multiplied by it" % (os.path.basename(name).replace(".img", ".hdr"), value_text(scale)))
 
 
-def sizes_told(name, size, affine):
-    """What has to be said where the second voxel size is not that of the matrix."""
-    return "%s says that voxels are %s mm long in dimension 2, and its sform that they are %s mm: places follow the " \
-           "sform, the picture's proportions the voxel sizes" % (
-               name, value_text(size), value_text(float(numpy.linalg.norm(affine[:3, 1]))))
+def sizes_told(name, sizes, affine):
+    """What has to be said where the voxel sizes are not those of the matrix."""
+    steps = numpy.linalg.norm(affine[:3, :3], axis=0)
+    return "%s says that voxels are %s mm large, and its sform that they are %s mm: places follow the sform, the " \
+           "picture's proportions the voxel sizes" % (name, " x ".join(value_text(float(size)) for size in sizes),
+                                                      " x ".join(value_text(float(step)) for step in steps))
 
 
 def odd_headers(witness, random):
@@ -247,14 +248,14 @@ def odd_headers(witness, random):
         nibabel.save(image, witness.path(name))
         header_path = witness.path(name.replace(".img", ".hdr"))
         number, size, bits, pixdim, srow = ("f", 4, 72, 76, 280) if version == 1 else ("d", 8, 14, 104, 400)
-        told, source = None, "sform"
+        told, source, zooms = None, "sform", image.header.get_zooms()
         if way == "bitpix":
             patch(header_path, [(bits, b"\0\0")])
         elif way == "pixdim":
             bad = [numpy.nan, numpy.inf, 0.0, -100.0][index // len(ways) % 4]
             patch(header_path, [(pixdim + 2 * size, struct.pack("<" + number, bad))])
             if bad == -100.0:
-                told = sizes_told(os.path.basename(name), 100.0, affine)
+                told = sizes_told(os.path.basename(name), [zooms[0], 100.0, zooms[2]], affine)
         elif way == "unusable":
             # A flat matrix, or one of no numbers, and a rotation beside it, or not.
             bad, has_qform = [0.0, numpy.nan][index // len(ways) // 2 % 2], index // len(ways) % 3 == 0
@@ -271,7 +272,7 @@ def odd_headers(witness, random):
                 "which side of the patient is which is not known")
         elif way == "sizes":
             patch(header_path, [(pixdim + 2 * size, struct.pack("<" + number, 64.0))])
-            told = sizes_told(os.path.basename(name), 64.0, affine)
+            told = sizes_told(os.path.basename(name), [zooms[0], 64.0, zooms[2]], affine)
         elif flat:
             for row in range(3):
                 patch(header_path, [(srow + (4 * row + 2) * size, struct.pack("<" + number, 0.0))])
