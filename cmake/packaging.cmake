@@ -55,8 +55,9 @@ install(FILES "${PROJECT_SOURCE_DIR}/c_interface/kit_panels_c.def" DESTINATION l
 if(KIT_MICROSOFT_LIBRARY)
     install(FILES "${KIT_MICROSOFT_LIBRARY}" DESTINATION lib COMPONENT development)
 endif()
-install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/c_host" DESTINATION share/kit_panels/examples
-    COMPONENT development)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/c_host" "${PROJECT_SOURCE_DIR}/examples/python"
+    "${PROJECT_SOURCE_DIR}/examples/rust" DESTINATION share/kit_panels/examples
+    COMPONENT development PATTERN CMakeLists.txt EXCLUDE)
 
 configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/Kit_PanelsConfig.cmake.in"
     "${CMAKE_BINARY_DIR}/Kit_PanelsConfig.cmake" INSTALL_DESTINATION ${kit_package_folder})

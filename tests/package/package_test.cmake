@@ -28,6 +28,18 @@ if(NOT output MATCHES "classes 210, files 210")
     message(FATAL_ERROR "the external host said: ${output}")
 endif()
 
+if(TOOLCHAIN)
+    set(example "${work}/installed/share/kit_panels/examples/c_host/host.c")
+    step("building the host in C" "${C_COMPILER}" -std=c11 "-I${work}/installed/include/kit_panels/c" "${example}"
+        -o "${work}/installed/bin/c_host.exe" "${work}/installed/lib/libkit_panels_c.dll.a" -luser32)
+    file(WRITE "${work}/installed/bin/slice.raw" "0123456789ABCDEF")
+    file(RELATIVE_PATH slice "${CMAKE_CURRENT_BINARY_DIR}" "${work}/installed/bin/slice.raw")
+    step("starting the host in C" ${EMULATOR} "${work}/installed/bin/c_host.exe" "${slice}" 4 4)
+    if(NOT output MATCHES "TAG 2 is called Grey matter")
+        message(FATAL_ERROR "the host in C said: ${output}")
+    endif()
+endif()
+
 cmake_path(GET CMAKE_COMMAND PARENT_PATH tools)
 step("packing" "${tools}/cpack" --config "${BUILD}/CPackConfig.cmake" -B "${work}/zip")
 file(GLOB zip "${work}/zip/*.zip")
