@@ -9,6 +9,7 @@
 #include "workbench/volumes/decoded_source.h"
 #include "workbench/volumes/dicom_series.h"
 #include "workbench/volumes/message_text.h"
+#include "workbench/volumes/unfinished_file.h"
 
 namespace volumes {
 
@@ -297,7 +298,7 @@ std::vector<std::filesystem::path> Folder_Files(const std::filesystem::path& fol
                 if (!entry->is_symlink(unknown)) {
                     waiting.push_back(entry->path());
                 }
-            } else {
+            } else if (Unfinished_Target(entry->path()).empty()) {
                 files.push_back(entry->path());
             }
         }

@@ -10,6 +10,7 @@
 #if defined(_WIN32)
 #include <io.h>
 #else
+#include <sys/file.h>
 #include <unistd.h>
 #endif
 
@@ -32,7 +33,11 @@ bool Close(int descriptor) {
 }
 #else
 int Create(const std::filesystem::path& path) {
-    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (descriptor >= 0) {
+        ::flock(descriptor, LOCK_EX | LOCK_NB);  // tells others that it is being written; not every folder can
+    }
+    return descriptor;
 }
 long long Write(int descriptor, const std::uint8_t* bytes, std::size_t count) {
     return ::write(descriptor, bytes, count);

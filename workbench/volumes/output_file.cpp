@@ -2,17 +2,19 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <random>
 #include <string>
 #include <system_error>
 #include <utility>
 
 #include "workbench/volumes/file_operations.h"
+#include "workbench/volumes/unfinished_file.h"
 
 namespace volumes {
 
 namespace {
 
-constexpr int attempt_nb = 1000;                         // names tried for the temporary file
+constexpr int attempt_nb = 20;                           // names tried for the temporary file
 constexpr std::size_t write_most = 16U * 1024U * 1024U;  // bytes given to the system at once
 
 }  // namespace
@@ -27,9 +29,9 @@ Output_File::Output_File(std::filesystem::path target_path) : target(std::move(t
         Fail("is a folder, not a file");
         return;
     }
+    std::random_device random;
     for (int attempt = 0; attempt < attempt_nb; ++attempt) {
-        temporary = target;
-        temporary += ".part" + std::to_string(attempt);
+        temporary = Unfinished_Name(target, random());
         descriptor = File_Operations_In_Use().create(temporary);
         if (descriptor >= 0) {
             return;
@@ -100,6 +102,7 @@ bool Output_File::Commit() {
         File_Operations_In_Use().remove(temporary);
         return false;
     }
+    Unfinished_Remove(target);  // of programs that were ended while they saved
     return true;
 }
 

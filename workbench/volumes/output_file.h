@@ -8,8 +8,8 @@
 
 namespace volumes {
 
-/** Writes to a file of another name beside the target and renames it at the end, so that a full disk or a crash leaves
- * what was there before. Operations after a failed one do nothing. */
+/** Writes to a file of another name beside the target (see Unfinished_Name) and renames it at the end, so that a full
+ * disk or a crash leaves what was there before. Operations after a failed one do nothing. */
 class Output_File {
   public:
     /** Creates the temporary file. @param target_path the name that the finished file will have */
@@ -20,7 +20,8 @@ class Output_File {
     Output_File& operator=(const Output_File&) = delete;
 
     bool Write(std::span<const std::uint8_t> bytes);
-    /** Brings the bytes to the disk and the file to its name, replacing a former one. */
+    /** Brings the bytes to the disk and the file to its name, replacing a former one. What ended programs had left
+     * unfinished beside it goes. */
     bool Commit();
     /** Empty as long as everything went well; else what is wrong, to follow the file's name: "cannot be written: No
      * space left on device" */

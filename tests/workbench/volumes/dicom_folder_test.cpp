@@ -7,6 +7,7 @@
 
 #include "tests/workbench/volumes/dicom_bytes.h"
 #include "tests/workbench/volumes/loading.h"
+#include "workbench/volumes/unfinished_file.h"
 
 using namespace volumes;
 
@@ -212,6 +213,15 @@ TEST_F(Dicom_Folder, goes_into_folders_and_keeps_the_files_of_each_together) {
     }
     EXPECT_THAT(names, ElementsAre("a.dcm", "z.dcm", "2.dcm", "3.dcm"));
     EXPECT_THAT(opened.volumes, SizeIs(1));
+}
+
+TEST_F(Dicom_Folder, does_not_take_for_an_image_what_a_killed_save_left) {
+    Write("a.dcm", Slice(10, 1).File());
+    Write(Unfinished_Name("a.dcm", 7).string(), Slice(12, 2).File());
+    const Image_Folder opened = Open();
+    EXPECT_THAT(Problems(opened), IsEmpty());
+    ASSERT_THAT(opened.volumes, SizeIs(1));
+    EXPECT_EQ(opened.volumes[0].volume.nz, 1);
 }
 
 TEST_F(Dicom_Folder, opens_several_named_files_whatever_their_names) {
