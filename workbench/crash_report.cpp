@@ -10,8 +10,10 @@
 #include <cstring>
 #include <cwchar>
 #include <exception>
+#include <iterator>
 #include <system_error>
 
+#include "host/platform.h"
 #include "workbench/model/activity_log.h"
 #include "workbench/volumes/message_text.h"
 
@@ -58,7 +60,7 @@ class Report_File {
             ::WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
         }
     }
-    __attribute__((format(gnu_printf, 2, 3))) void Format(const char* form, ...) {
+    KIT_PRINTF_FORMAT(2, 3) void Format(const char* form, ...) {
         char text[1024];
         va_list values;
         va_start(values, form);
@@ -137,8 +139,25 @@ void Fault_Put(Report_File& report, const EXCEPTION_RECORD& fault) {
     report.Place(address);
 }
 
+/** Where nothing can be kept of a fault, the user is told at once. */
+void Fault_Say(const EXCEPTION_RECORD& fault) {
+    wchar_t what[sizeof fault_text] = {};
+    if (fault.ExceptionCode == code_of_terminate) {
+        ::MultiByteToWideChar(CP_UTF8, 0, fault_text, -1, what, static_cast<int>(std::size(what)) - 1);
+    } else {
+        ::wsprintfW(what, L"0x%08lX", fault.ExceptionCode);
+    }
+    wchar_t text[sizeof fault_text + 200] = {};
+    ::wsprintfW(text, L"The workbench has to end by a fault: %s.\n\nThere is no folder for a report of it.", what);
+    ::MessageBoxW(nullptr, text, L"Workbench", MB_OK | MB_ICONERROR | MB_SETFOREGROUND | MB_TASKMODAL);
+}
+
 void Report_Write(const EXCEPTION_RECORD& fault, const CONTEXT& context) {
-    if (is_reporting.exchange(true) || report_folder[0] == 0) {
+    if (is_reporting.exchange(true)) {
+        return;
+    }
+    if (report_folder[0] == 0) {
+        Fault_Say(fault);
         return;
     }
     SYSTEMTIME now = {};
@@ -206,12 +225,14 @@ void On_Abort(int) {
 }  // namespace
 
 void Crash_Report_Install(const std::filesystem::path& folder, std::string_view version) {
-    std::error_code ignored;
-    std::filesystem::create_directories(folder, ignored);
-    const std::wstring whole = std::filesystem::absolute(folder, ignored).wstring();
-    if (whole.size() < path_size) {
-        std::ranges::copy(whole, report_folder);
-        report_folder[whole.size()] = 0;
+    if (!folder.empty()) {
+        std::error_code ignored;
+        std::filesystem::create_directories(folder, ignored);
+        const std::wstring whole = std::filesystem::absolute(folder, ignored).wstring();
+        if (whole.size() < path_size) {
+            std::ranges::copy(whole, report_folder);
+            report_folder[whole.size()] = 0;
+        }
     }
     std::snprintf(program_version, sizeof program_version, "%.*s", static_cast<int>(version.size()), version.data());
     ULONG kept_free = stack_for_handler;

@@ -10,7 +10,9 @@ namespace workbench {
 
 /** From now on faults of the system (access violations, stack overflow ...) and of C++ (exceptions that nobody handles,
  *  abort) write FOLDER/crash-DATE-TIME-PROCESS.new.txt, then the program ends. Nothing is written into memory that the
- *  fault may have damaged. @param version of the program @param folder is made */
+ *  fault may have damaged. The program's status is 3 after an exception or abort.
+ *  @param version of the program @param folder is made; empty: not known yet, what happened is said in a box instead.
+ *  May be called again. */
 void Crash_Report_Install(const std::filesystem::path& folder, std::string_view version);
 
 /** Notes what is being done, with the time; the last of these stand in the report. Window's thread only. */

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "workbench/application.h"
+#include "workbench/crash_report.h"
 #include "workbench/wide_text.h"
 
 using namespace workbench;
@@ -62,6 +63,8 @@ int Run(int show) {
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int show) {
-    // Exceptions pass: where they are not handled, crash_report.cpp still sees the stack that threw them.
+    // Exceptions pass: where they are not handled, crash_report.cpp still sees the stack that threw them. As long as
+    // the settings, and so the folder for reports, are not known, it says what happened.
+    Crash_Report_Install({}, WORKBENCH_VERSION);
     return Run(show);
 }

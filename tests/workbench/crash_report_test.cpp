@@ -10,6 +10,8 @@
 #include <iterator>
 #include <random>
 #include <stdexcept>
+#include <string_view>
+#include <utility>
 
 using namespace workbench;
 
@@ -18,6 +20,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* FOLDER_VARIABLE = "KIT_CRASH_FOLDER";
+constexpr const char* NO_FOLDER = "none";
+constexpr DWORD STATUS_CRASHED = 3;
 
 /** What a program does that is about to crash; run as a process of its own. */
 class Crash_Child : public ::testing::Test {
@@ -27,7 +31,7 @@ class Crash_Child : public ::testing::Test {
         if (folder == nullptr) {
             GTEST_SKIP() << "only as a process of its own";
         }
-        Crash_Report_Install(folder, "7.8.9");
+        Crash_Report_Install(std::string_view(folder) == NO_FOLDER ? "" : folder, "7.8.9");
         for (int at = 1; at <= 60; ++at) {
             Activity_Note("step " + std::to_string(at));
         }
@@ -58,11 +62,11 @@ class Crash_Report : public ::testing::Test {
         std::error_code ignored;
         fs::remove_all(folder, ignored);
     }
-    /** @return the only report that the crash left, whole */
-    std::string Report_Of(const std::string& test) {
+    /** Starts a program that crashes. */
+    static PROCESS_INFORMATION Child_Start(const std::string& test, const std::wstring& reports) {
         wchar_t program[MAX_PATH] = {};
         ::GetModuleFileNameW(nullptr, program, MAX_PATH);
-        ::SetEnvironmentVariableW(L"KIT_CRASH_FOLDER", folder.c_str());
+        ::SetEnvironmentVariableW(L"KIT_CRASH_FOLDER", reports.c_str());
         std::wstring line = L"\"" + std::wstring(program) +
                             L"\" --gtest_also_run_disabled_tests --gtest_catch_exceptions=0 "
                             L"--gtest_filter=Crash_Child.DISABLED_" +
@@ -73,17 +77,64 @@ class Crash_Report : public ::testing::Test {
         EXPECT_NE(
             ::CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &process), 0);
         ::SetEnvironmentVariableW(L"KIT_CRASH_FOLDER", nullptr);
+        return process;
+    }
+    /** @return its status */
+    static DWORD Child_End(const PROCESS_INFORMATION& process) {
         EXPECT_EQ(::WaitForSingleObject(process.hProcess, 120000), WAIT_OBJECT_0);
         DWORD status = 0;
         ::GetExitCodeProcess(process.hProcess, &status);
-        EXPECT_NE(status, 0U);
         ::CloseHandle(process.hThread);
         ::CloseHandle(process.hProcess);
+        return status;
+    }
+    /** @return the only report that the crash left, whole */
+    std::string Report_Of(const std::string& test) {
+        EXPECT_NE(Child_End(Child_Start(test, folder.wstring())), 0U);
         const std::vector<fs::path> reports = Crash_Reports_Take(folder);
         EXPECT_EQ(reports.size(), 1U);
         EXPECT_TRUE(Crash_Reports_Take(folder).empty()) << "told once";
         std::ifstream in(reports.empty() ? fs::path() : reports.front(), std::ios::binary);
         return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    }
+    /** Waits for the box of a program that has no folder. @return its text; empty: none came */
+    static std::wstring Box_Answer(const PROCESS_INFORMATION& process) {
+        const ULONGLONG end = ::GetTickCount64() + 60000;
+        while (::GetTickCount64() < end && ::WaitForSingleObject(process.hProcess, 20) == WAIT_TIMEOUT) {
+            if (const HWND label = Label_Of(process.dwProcessId); label != nullptr) {
+                wchar_t text[1000] = {};
+                ::SendMessageW(label, WM_GETTEXT, std::size(text), reinterpret_cast<LPARAM>(text));
+                ::PostMessageW(::GetParent(label), WM_COMMAND, IDOK, 0);
+                return text;
+            }
+        }
+        return {};
+    }
+    struct Label_Search {
+        DWORD process = 0;
+        HWND found = nullptr;
+    };
+    /** The child window with the sentence, in the box of a program; its icon has none. */
+    static HWND Label_Of(DWORD process) {
+        Label_Search search{process, nullptr};
+        const auto look_at_box = [](HWND box, LPARAM to) -> BOOL {
+            DWORD owner = 0;
+            ::GetWindowThreadProcessId(box, &owner);
+            if (owner == reinterpret_cast<Label_Search*>(to)->process) {
+                ::EnumChildWindows(box, &Look_At_Child, to);
+            }
+            return TRUE;
+        };
+        ::EnumWindows(look_at_box, reinterpret_cast<LPARAM>(&search));
+        return search.found;
+    }
+    static BOOL CALLBACK Look_At_Child(HWND child, LPARAM to) {
+        wchar_t kind[16] = {};
+        ::GetClassNameW(child, kind, static_cast<int>(std::size(kind)));
+        if (::_wcsicmp(kind, L"static") == 0 && ::SendMessageW(child, WM_GETTEXTLENGTH, 0, 0) > 20) {
+            reinterpret_cast<Label_Search*>(to)->found = child;
+        }
+        return TRUE;
     }
     static bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
     static void Expect_Common(const std::string& report) {
@@ -129,6 +180,18 @@ TEST_F(Crash_Report, of_an_abort_is_written) {
     const std::string report = Report_Of("aborts");
     Expect_Common(report);
     EXPECT_TRUE(Has(report, "\nfault abort\n")) << report;
+}
+
+TEST_F(Crash_Report, before_the_folder_is_known_is_a_box_that_says_what_happened_and_a_status) {
+    for (const auto& [test, said] : {std::pair("throws_what_nobody_handles", L"the disk is made of cheese"),
+                                     std::pair("writes_to_nowhere", L"0xC0000005")}) {
+        const PROCESS_INFORMATION process = Child_Start(test, L"none");
+        const std::wstring text = Box_Answer(process);
+        EXPECT_NE(text.find(said), std::wstring::npos) << test;
+        const DWORD status = Child_End(process);
+        EXPECT_NE(status, 0U);
+        EXPECT_TRUE(status == STATUS_CRASHED || std::string_view(test) == "writes_to_nowhere");
+    }
 }
 
 TEST_F(Crash_Report, nothing_is_told_when_nothing_happened) {
