@@ -165,9 +165,10 @@ class Application : public Image_User, public Main_Window_User {
     std::filesystem::path Recovery_Folder() const;
     /** Begins to keep work; after the settings are known. */
     void Recovery_Open();
-    /** Hands on what has changed since the last look. */
-    void Recovery_Look();
+    /** Hands on what has changed since the last look. @return true: nothing is left to hand on */
+    bool Recovery_Look();
     void Recovery_Look_If_Late();
+    void Recovery_Look_After(int ms);
     /** A clean end: nothing is left to take up. */
     void Recovery_End();
     /** Offers the work of a run that has died. @return true: it was taken up */
@@ -374,8 +375,6 @@ class Application : public Image_User, public Main_Window_User {
     bool is_histogram_of_tag = false;      // counts the current TAG's pixels only
     bool is_histogram_smoothed = false;    // counts means of 3 x 3 pixels
     bool is_background_left_out = false;   // the histogram does not count what surrounds the image
-    bool is_scale_chosen = false;          // the user has set the histogram's magnification
-    float suggested_scale = 0.0F;          // what it was set to otherwise
     bool is_histogram_of_checked = false;  // of the frames checked in the database
     int histogram_first = 0;               // slices
     int histogram_last = 0;
@@ -392,6 +391,7 @@ class Application : public Image_User, public Main_Window_User {
     Recovery_Recorder recovery_recorder;
     unsigned __int64 recovery_looked = 0;  // milliseconds of the system's clock
     int recovery_waited = 0;               // looks since writing failed
+    bool is_recovery_soon = false;         // a look did not suffice
     bool is_recovery_problem_told = false;
     std::uint64_t noted_state = 0;
     int settings_ignored = 0;                  // lines of the file that were not understood

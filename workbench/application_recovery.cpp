@@ -9,6 +9,7 @@
 #include "workbench/choice_dialog.h"
 #include "workbench/crash_report.h"
 #include "workbench/volumes/message_text.h"
+#include "workbench/volumes/unfinished_file.h"
 #include "workbench/wide_text.h"
 
 namespace workbench {
@@ -87,22 +88,33 @@ void Application::Recovery_Open() {
     }
     recovery_keeper = std::make_unique<Recovery_Keeper>(recovery_claim->File(), WORKBENCH_VERSION);
     recovery_looked = ::GetTickCount64();
+    Recovery_Look_After(RECOVERY_LOOK_MS);
+}
+
+void Application::Recovery_Look_After(int ms) {
     // A procedure of its own: it is called in every message loop, also those of dialogs and menus.
-    ::SetTimer(window.Handle(), recovery_timer, RECOVERY_LOOK_MS, [](HWND, UINT, UINT_PTR, DWORD) {
+    ::SetTimer(window.Handle(), recovery_timer, static_cast<UINT>(ms), [](HWND, UINT, UINT_PTR, DWORD) {
         if (Application* const application = The()) {
             application->Recovery_Look();
         }
     });
 }
 
-void Application::Recovery_Look() {
+bool Application::Recovery_Look() {
     if (!recovery_keeper) {
-        return;
+        return false;
     }
     recovery_looked = ::GetTickCount64();
+    bool is_complete = false;
+    bool is_soon = false;
     try {
+        if (recovery_keeper->Wants_Whole_Take()) {
+            recovery_recorder.Forget();
+        }
         std::optional<Recovery_Snapshot> snapshot = recovery_recorder.Look(
             volumes, session, [this] { return Labels_Describe(); }, opened_paths);
+        is_soon = recovery_recorder.Is_Unfinished();
+        is_complete = !is_soon;
         if (snapshot) {
             report.Line("recovery_looked " + std::to_string(snapshot->parts.size()));
             recovery_keeper->Offer(std::move(*snapshot));
@@ -112,12 +124,18 @@ void Application::Recovery_Look() {
         }
     } catch (const std::bad_alloc&) {
         report.Line("recovery_no_memory");  // the next look tries again
+        is_complete = false;
+    }
+    if (is_soon != is_recovery_soon) {
+        is_recovery_soon = is_soon;
+        Recovery_Look_After(is_soon ? RECOVERY_AGAIN_MS : RECOVERY_LOOK_MS);
     }
     const std::string problem = recovery_keeper->Problem_Take();
     if (!problem.empty() && !std::exchange(is_recovery_problem_told, true)) {
         Warn("Work that is not saved is not kept for the next start any more: " +
              volumes::File_Name_Text(recovery_claim->File()) + " " + problem + ". Save the labels.");
     }
+    return is_complete;
 }
 
 void Application::Recovery_Look_If_Late() {
@@ -157,6 +175,11 @@ bool Application::Recovery_Offer() {
         Warn(sentence);
     }
     for (Recovery_Found& found : findings.found) {
+        for (const Recovery_Volume& volume : found.record.volumes) {
+            if (!volume.labels.empty()) {  // the program may have ended while it saved
+                volumes::Unfinished_Remove(volumes::Path_From_Utf8(volume.labels));
+            }
+        }
         const std::string text = Found_Text(found.record);
         report.Line("ask recovery " + text);
         const int way = Choice_Ask(window.Handle(), L"Work that was not saved", Wide_Of_Utf8(text),
@@ -209,8 +232,11 @@ void Application::Recovery_Take(Recovery_Found& found) {
     }
     report.Line("recovered " + std::to_string(is_all ? 1 : 0));
     // The journal that was found may go only when one of this run holds the same.
-    Recovery_Look();
-    if (is_all && recovery_keeper && recovery_keeper->Wait()) {
+    bool is_held = false;
+    do {
+        is_held = Recovery_Look();
+    } while (is_recovery_soon);
+    if (is_all && is_held && recovery_keeper->Wait()) {
         found.claim.Remove();
     }
 }

@@ -8,6 +8,7 @@
 
 #include "workbench/application.h"
 #include "workbench/volumes/message_text.h"
+#include "workbench/volumes/unfinished_file.h"
 #include "workbench/wide_text.h"
 
 namespace workbench {
@@ -36,6 +37,9 @@ Window_Place Screen_Area() {
 
 void Application::Settings_Open() {
     settings_file = options.settings.empty() ? Usual_Place() : volumes::Path_From_Utf8(options.settings);
+    if (!settings_file.empty()) {
+        volumes::Unfinished_Remove(settings_file);
+    }
     settings = settings_file.empty() ? Settings{} : Settings_Load(settings_file, &settings_ignored);
     look.Theme_Set(settings.is_light ? Library_Theme::Light : Library_Theme::Dark);
     is_overlay_shown = settings.is_overlay_shown;

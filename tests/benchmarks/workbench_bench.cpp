@@ -3,11 +3,16 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
+#include <optional>
+#include <span>
+#include <utility>
 #include <vector>
 
 #include "workbench/model/painting.h"
 #include "workbench/model/propagation.h"
+#include "workbench/model/recovery_recorder.h"
 #include "workbench/model/slice_render.h"
 
 using namespace workbench;
@@ -125,5 +130,71 @@ void Render_Slice(benchmark::State& state) {
     }
 }
 BENCHMARK(Render_Slice)->Unit(benchmark::kMillisecond);
+
+/** All 300 slices of TAGs are new: what the window's thread is held up for by keeping them, at once or look by look. */
+void Recovery_Looks(benchmark::State& state) {
+    constexpr int slices = 300;
+    constexpr int rounds = 5;
+    volumes::Image_Folder folder;
+    volumes::Volume& image = folder.volumes.emplace_back().volume;
+    image.nx = image.ny = side;
+    image.nz = slices;
+    image.nt = 1;
+    image.affine = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
+    image.levels.resize(pixel_nb * slices);
+    Open_Volumes open;
+    Session session;
+    open.Take(std::move(folder), {}, session);
+    std::vector<std::uint8_t> tags;
+    for (int slice = 0; slice < slices; ++slice) {
+        const std::vector<std::uint8_t> one = Tags();
+        tags.insert(tags.end(), one.begin(), one.end());
+    }
+    session.Take_Up(std::move(tags), {}, {}, {});
+    using Clock = std::chrono::steady_clock;
+    const auto since = [](Clock::time_point start) {
+        return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+    };
+    std::vector<double> plain;
+    std::vector<double> longest;
+    int looks = 0;
+    for (auto _ : state) {
+        for (int round = 0; round < rounds; ++round) {
+            Clock::time_point start = Clock::now();
+            {
+                const std::span<const std::uint8_t> all = std::as_const(session).Labels().All();
+                auto background_nb = std::ranges::count(all, std::uint8_t{0});
+                benchmark::DoNotOptimize(background_nb);
+                std::vector<std::vector<std::uint8_t>> copies;
+                for (int slice = 0; slice < slices; ++slice) {
+                    const std::span<const std::uint8_t> shown = std::as_const(session).Labels().Slice(slice);
+                    copies.emplace_back(shown.begin(), shown.end());
+                }
+                benchmark::DoNotOptimize(copies.data());
+                plain.push_back(since(start));  // freeing them is the other thread's
+            }
+            Recovery_Recorder recorder;
+            double worst = 0.0;
+            looks = 0;
+            do {
+                start = Clock::now();
+                const std::optional<Recovery_Snapshot> snapshot =
+                    recorder.Look(open, session, [] { return Label_Description(); }, {});
+                worst = std::max(worst, since(start));
+                ++looks;
+            } while (recorder.Is_Unfinished());
+            longest.push_back(worst);
+        }
+    }
+    const auto median = [](std::vector<double>& times) {
+        std::ranges::sort(times);
+        return times[times.size() / 2];
+    };
+    state.counters["plain_ms"] = median(plain);
+    state.counters["longest_ms"] = median(longest);
+    state.counters["ratio"] = median(plain) / median(longest);
+    state.counters["looks"] = looks;
+}
+BENCHMARK(Recovery_Looks)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 }  // namespace

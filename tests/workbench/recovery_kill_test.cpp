@@ -19,6 +19,7 @@
 #include "workbench/model/recovery_keeper.h"
 #include "workbench/model/recovery_recorder.h"
 #include "workbench/volumes/nifti_reader.h"
+#include "workbench/volumes/unfinished_file.h"
 
 using namespace volumes;
 using namespace workbench;
@@ -179,7 +180,13 @@ std::uint32_t Next_Start(const fs::path& folder, std::uint32_t& saved) {
         EXPECT_TRUE(session.Take_Up(std::move(tags), {}, volume.labels, volume.stamps));
         EXPECT_TRUE(found.claim.Remove());
     }
-    return Sum_Of(session);
+    const std::uint32_t sum = Sum_Of(session);
+    std::string kept;
+    EXPECT_EQ(session.Save_Labels(labels, {}, kept), "");
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+        EXPECT_EQ(Unfinished_Target(entry.path()), fs::path()) << entry.path() << " was left";
+    }
+    return sum;
 }
 
 TEST(Recovery_Kill, whenever_the_program_is_killed_no_more_than_the_last_looks_are_lost_and_no_file_is_damaged) {

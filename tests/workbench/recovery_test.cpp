@@ -17,6 +17,7 @@
 #include "workbench/volumes/file_operations.h"
 #include "workbench/volumes/nifti_reader.h"
 #include "workbench/volumes/nifti_writer.h"
+#include "workbench/volumes/unfinished_file.h"
 
 using namespace volumes;
 using namespace workbench;
@@ -263,8 +264,9 @@ TEST_F(Recovery, only_what_is_not_saved_is_looked_at_and_only_what_changed_is_co
     std::optional<Recovery_Snapshot> first = Look();
     ASSERT_TRUE(first.has_value());
     ASSERT_EQ(first->parts.size(), 1U);
-    EXPECT_EQ(first->parts[0].slices.size(), std::size_t{nz});
-    EXPECT_EQ(first->parts[0].facts.tagged_nb, 8U);
+    EXPECT_TRUE(first->parts[0].is_whole);
+    ASSERT_EQ(first->parts[0].slices.size(), 1U) << "the others are background";
+    EXPECT_EQ(first->parts[0].slices[0].first, 1);
     EXPECT_FALSE(Look().has_value()) << "nothing new";
     Paint(4, 2, 9, 4, 3);
     std::optional<Recovery_Snapshot> second = Look();
@@ -280,6 +282,76 @@ TEST_F(Recovery, only_what_is_not_saved_is_looked_at_and_only_what_changed_is_co
     second = Look();
     ASSERT_TRUE(second.has_value());
     EXPECT_TRUE(second->parts[0].slices.empty());
+}
+
+/** A volume so large that one look does not suffice. */
+class Recovery_Of_Large : public Recovery {
+  protected:
+    static constexpr int SIDE = 1024;
+    static constexpr int SLICES = 20;
+    void SetUp() override {
+        Recovery::SetUp();
+        Image_Folder large = Folder(1);
+        Volume& image = large.volumes[0].volume;
+        image.nx = image.ny = SIDE;
+        image.nz = SLICES;
+        image.levels.resize(std::size_t{SIDE} * SIDE * SLICES);
+        volumes.Take(std::move(large), {}, session);
+        std::vector<std::uint8_t> tags(std::size_t{SIDE} * SIDE * SLICES, 7);
+        ASSERT_TRUE(session.Take_Up(std::move(tags), {}, {}, {}));
+    }
+};
+
+TEST_F(Recovery_Of_Large, no_look_copies_more_than_a_few_milliseconds_worth_and_together_they_give_the_last_state) {
+    constexpr int at_once = static_cast<int>(RECOVERY_COPY_MOST / (std::size_t{SIDE} * SIDE));
+    std::optional<Recovery_Snapshot> all = Look();
+    int looks = 1;
+    for (; recorder.Is_Unfinished() && looks < 100; ++looks) {
+        ASSERT_FALSE(all.has_value());
+        Paint(0, 5 * looks, 5 * looks, 1, 9);            // copied already
+        Paint(SLICES - 1, 5 * looks, 5 * looks, 1, 11);  // not yet
+        all = Look();
+    }
+    EXPECT_EQ(looks, (SLICES + at_once - 1) / at_once);
+    ASSERT_TRUE(all.has_value());
+    ASSERT_EQ(all->parts.size(), 1U);
+    ASSERT_EQ(all->parts[0].slices.size(), std::size_t{SLICES});
+    for (const auto& [slice, tags] : all->parts[0].slices) {
+        EXPECT_TRUE(std::ranges::equal(tags, std::as_const(session).Labels().Slice(slice))) << slice;
+    }
+    Paint(3, 1, 2, 1, 12);
+    const std::optional<Recovery_Snapshot> next = Look();
+    ASSERT_TRUE(next.has_value());
+    EXPECT_EQ(next->parts[0].slices.size(), 1U);
+}
+
+TEST_F(Recovery_Of_Large, what_is_saved_between_two_looks_is_forgotten) {
+    EXPECT_FALSE(Look().has_value());
+    EXPECT_TRUE(recorder.Is_Unfinished());
+    std::string kept;
+    ASSERT_EQ(session.Save_Labels(folder / "large.nii.gz", {}, kept), "");
+    EXPECT_FALSE(Look().has_value());
+    EXPECT_FALSE(recorder.Is_Unfinished());
+}
+
+TEST_F(Recovery, when_the_state_before_is_lost_all_is_asked_for_again_and_the_journal_stays) {
+    Recovery_Keeper keeper(journal, "test");
+    Paint(1, 2, 9, 4, 3);
+    keeper.Offer(*Look());
+    ASSERT_TRUE(keeper.Wait());
+    EXPECT_FALSE(keeper.Wants_Whole_Take());
+    Paint(2, 2, 9, 4, 3);
+    std::optional<Recovery_Snapshot> second = Look();
+    second->parts[0].serial += 1000;  // as if there had been no memory for what it builds on
+    keeper.Offer(std::move(*second));
+    EXPECT_FALSE(keeper.Wait());
+    EXPECT_EQ(Read().volumes[0].tagged_nb, 8U);
+    EXPECT_TRUE(keeper.Wants_Whole_Take());
+    EXPECT_FALSE(keeper.Wants_Whole_Take());
+    recorder.Forget();
+    keeper.Offer(*Look());
+    EXPECT_TRUE(keeper.Wait());
+    EXPECT_EQ(Read().volumes[0].tagged_nb, 16U);
 }
 
 TEST_F(Recovery, a_stroke_is_looked_at_while_the_button_is_held) {
@@ -312,6 +384,8 @@ TEST_F(Recovery, the_work_on_all_volumes_comes_back_with_names_markers_and_the_l
     EXPECT_EQ(record.opened, std::vector<std::string>{"/data/image0.nii"});
     EXPECT_GT(record.time, 1'600'000'000);
     ASSERT_EQ(record.volumes.size(), 2U);
+    EXPECT_EQ(record.volumes[0].tagged_nb, 8U);
+    EXPECT_EQ(record.volumes[1].tagged_nb, std::uint64_t{nx});
 
     Open_Volumes later;  // the next start
     Session hand;
@@ -398,13 +472,14 @@ TEST_F(Recovery, a_running_program_keeps_its_journal_from_others_and_a_dead_one_
     EXPECT_NE(other->File(), claim->File());
     const fs::path left = claim->File();
     claim.reset();  // as when the program is gone
-    std::ofstream(left.string() + ".part0") << "half";
+    const fs::path half = Unfinished_Name(left, 7);
+    std::ofstream(half) << "half";
     {
         Recovery_Findings findings = Recovery_Find(folder);
         ASSERT_EQ(findings.found.size(), 1U);
         EXPECT_EQ(findings.found[0].claim.File(), left);
         EXPECT_EQ(findings.found[0].record.time, 1234567);
-        EXPECT_FALSE(fs::exists(left.string() + ".part0"));
+        EXPECT_FALSE(fs::exists(half));
         EXPECT_TRUE(Recovery_Find(folder).found.empty()) << "somebody is asking the user about it";
     }
     Recovery_Findings findings = Recovery_Find(folder);

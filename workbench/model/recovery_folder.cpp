@@ -9,6 +9,7 @@
 #include "workbench/model/text_file.h"
 #include "workbench/volumes/file_operations.h"
 #include "workbench/volumes/message_text.h"
+#include "workbench/volumes/unfinished_file.h"
 
 namespace workbench {
 
@@ -24,32 +25,16 @@ fs::path With_Ending(fs::path stem, const char* ending) {
     return stem;
 }
 
-/** Removes what writing a journal left behind: NAME.work.part0 and so on. */
-void Parts_Remove(const fs::path& journal) {
-    std::error_code code;
-    const std::string begin = volumes::File_Name_Text(journal) + ".part";
-    std::vector<fs::path> parts;
-    for (fs::directory_iterator entry(journal.parent_path(), code), end; !code && entry != end; entry.increment(code)) {
-        if (volumes::File_Name_Text(entry->path()).starts_with(begin)) {
-            parts.push_back(entry->path());
-        }
-    }
-    for (const fs::path& part : parts) {
-        volumes::File_Operations_In_Use().remove(part);
-    }
-}
-
 /** The stems of all journals and locks of a folder. */
 std::set<fs::path> Stems(const fs::path& folder) {
     std::set<fs::path> stems;
     std::error_code code;
     for (fs::directory_iterator entry(folder, code), end; !code && entry != end; entry.increment(code)) {
-        const fs::path name = entry->path().filename();
-        const std::string text = volumes::File_Name_Text(name);
-        const std::size_t work = text.find(ENDING);
-        if (text.starts_with("session-") && (name.extension() == ".lock" || name.extension() == ENDING ||
-                                             text.find(".work.part") != std::string::npos)) {
-            stems.insert(folder / text.substr(0, work != std::string::npos ? work : text.size() - 5));
+        const fs::path unfinished = volumes::Unfinished_Target(entry->path());
+        fs::path name = (unfinished.empty() ? entry->path() : unfinished).filename();
+        if (volumes::File_Name_Text(name).starts_with("session-") &&
+            (name.extension() == ".lock" || name.extension() == ENDING)) {
+            stems.insert(folder / name.replace_extension());
         }
     }
     return stems;
@@ -59,7 +44,7 @@ std::set<fs::path> Stems(const fs::path& folder) {
 
 bool Recovery_Claim::Remove() {
     const bool is_gone = !volumes::File_Operations_In_Use().remove(file);
-    Parts_Remove(file);
+    volumes::Unfinished_Remove(file);
     return is_gone;
 }
 
@@ -87,7 +72,7 @@ Recovery_Findings Recovery_Find(const fs::path& folder) {
             continue;  // of a program that runs
         }
         const fs::path journal = With_Ending(stem, ENDING);
-        Parts_Remove(journal);
+        volumes::Unfinished_Remove(journal);
         std::error_code code;
         if (!fs::exists(journal, code)) {
             continue;

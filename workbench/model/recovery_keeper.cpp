@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <exception>
+#include <numeric>
+#include <stdexcept>
 #include <system_error>
 
 #include "workbench/model/text_file.h"
@@ -55,6 +57,11 @@ bool Recovery_Keeper::Has_Failed() {
     return has_failed;
 }
 
+bool Recovery_Keeper::Wants_Whole_Take() {
+    const std::lock_guard hold(mutex);
+    return std::exchange(wants_whole, false);
+}
+
 void Recovery_Keeper::Work() {
     std::unique_lock hold(mutex);
     for (;;) {
@@ -67,15 +74,18 @@ void Recovery_Keeper::Work() {
         is_busy = true;
         hold.unlock();
         std::string wrong;
+        bool is_merged = false;
         try {
             for (Recovery_Snapshot& snapshot : taken) {
                 Merge(std::move(snapshot));
             }
+            is_merged = true;
             wrong = Write_Out();
         } catch (const std::exception& failure) {
             wrong = std::string("cannot be written: ") + failure.what();
         }
         hold.lock();
+        wants_whole = wants_whole || !is_merged;
         if (!wrong.empty() && !has_failed) {
             problem = wrong;
         }
@@ -89,21 +99,31 @@ void Recovery_Keeper::Merge(Recovery_Snapshot&& snapshot) {
     record.time = snapshot.time;
     record.opened = std::move(snapshot.opened);
     record.volumes.clear();
-    std::map<std::uint64_t, std::vector<Packed_Slice>> former = std::exchange(kept, {});
-    std::vector<std::uint8_t> tags;
+    std::map<std::uint64_t, Kept_Volume> former = std::exchange(kept, {});
     for (Recovery_Part& part : snapshot.parts) {
         const auto& size = part.facts.grid.size;
-        std::vector<Packed_Slice>& slices = kept[part.serial];
-        if (!part.is_whole) {
-            slices = std::move(former[part.serial]);
+        const auto slice_nb = static_cast<std::size_t>(size[2]);
+        Kept_Volume& volume = kept[part.serial];
+        if (part.is_whole) {
+            const std::vector<std::uint8_t> background(static_cast<std::size_t>(size[0]) *
+                                                       static_cast<std::size_t>(size[1]));
+            volume.tagged_nb.assign(slice_nb, 0);
+            volume.slices.assign(slice_nb, Slice_Pack(background));
+        } else {
+            volume = std::move(former[part.serial]);
+            if (volume.slices.size() != slice_nb) {
+                throw std::runtime_error("what it builds on is lost");
+            }
         }
-        slices.resize(static_cast<std::size_t>(size[2]));
         for (auto& [slice, shown] : part.slices) {
+            const auto at = static_cast<std::size_t>(slice);
             Slices_Turn(std::span(shown), size[0], size[1], part.order);
-            slices[static_cast<std::size_t>(slice)] = Slice_Pack(shown);
+            volume.slices[at] = Slice_Pack(shown);
+            volume.tagged_nb[at] = shown.size() - static_cast<std::size_t>(std::ranges::count(shown, std::uint8_t{0}));
         }
-        record.volumes.push_back(std::move(part.facts));
-        record.volumes.back().slices = slices;
+        Recovery_Volume& written = record.volumes.emplace_back(std::move(part.facts));
+        written.slices = volume.slices;
+        written.tagged_nb = std::accumulate(volume.tagged_nb.begin(), volume.tagged_nb.end(), std::uint64_t{0});
     }
 }
 

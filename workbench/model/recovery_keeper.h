@@ -19,9 +19,9 @@ namespace workbench {
 /** What changed on one volume since the last look. */
 struct Recovery_Part {
     std::uint64_t serial = 0;  ///< the volume's, see Session::Serial
-    Recovery_Volume facts;     ///< without slices
+    Recovery_Volume facts;     ///< without slices and tagged_nb
     Display_Order order;
-    bool is_whole = false;                                          ///< all slices follow
+    bool is_whole = false;  ///< nothing was offered of it before: slices that do not follow are background
     std::vector<std::pair<int, std::vector<std::uint8_t>>> slices;  ///< in the order of display
 };
 /** All volumes with work that is not saved. */
@@ -50,6 +50,9 @@ class Recovery_Keeper {
      *  nothing new. */
     std::string Problem_Take();
     bool Has_Failed();
+    /** What was kept before an offer is lost, for lack of memory: nothing is written until an offer has whole volumes
+     *  only. Told once. */
+    bool Wants_Whole_Take();
 
   private:
     void Work();
@@ -58,8 +61,12 @@ class Recovery_Keeper {
     std::string Write_Out();
 
     std::filesystem::path file;
-    Recovery_Record record;                                   // of the worker
-    std::map<std::uint64_t, std::vector<Packed_Slice>> kept;  // of the worker, by serial
+    struct Kept_Volume {
+        std::vector<Packed_Slice> slices;
+        std::vector<std::uint64_t> tagged_nb;  // of every slice
+    };
+    Recovery_Record record;                     // of the worker
+    std::map<std::uint64_t, Kept_Volume> kept;  // of the worker, by serial
     std::mutex mutex;
     std::condition_variable change;
     std::vector<Recovery_Snapshot> offered;
@@ -67,6 +74,7 @@ class Recovery_Keeper {
     bool is_busy = false;
     bool is_ending = false;
     bool has_failed = false;
+    bool wants_whole = false;
     std::string problem;
     std::thread worker;  // last: it uses all of the others
 };

@@ -6,16 +6,6 @@
 
 namespace workbench {
 
-namespace {
-
-std::uint64_t Tagged_Nb(const Label_Map& labels) {
-    const std::span<const std::uint8_t> all = labels.All();
-    return static_cast<std::uint64_t>(all.size()) -
-           static_cast<std::uint64_t>(std::ranges::count(all, std::uint8_t{0}));
-}
-
-}  // namespace
-
 std::string Path_To_Utf8(const std::filesystem::path& path) {
     try {
         const std::u8string text = path.u8string();
@@ -25,17 +15,55 @@ std::string Path_To_Utf8(const std::filesystem::path& path) {
     }
 }
 
+bool Recovery_Recorder::Copy(const Session& session, std::size_t& room) {
+    const auto before = seen.find(session.Serial());
+    const std::uint64_t known = before != seen.end() ? before->second : 0;
+    std::map<int, Slice_Copy>& own = copies[session.Serial()];
+    const auto take = [&](int slice) {
+        const std::span<const std::uint8_t> tags = session.Labels().Slice(slice);
+        own[slice] = {session.Slice_Change_Nb(slice), {tags.begin(), tags.end()}};
+    };
+    for (int slice = 0; slice < session.Slice_Nb(); ++slice) {
+        if (session.Slice_Change_Nb(slice) <= known || own.contains(slice)) {
+            continue;
+        }
+        if (room == 0) {
+            return false;
+        }
+        take(slice);
+        room -= std::min(room, session.Labels().Slice_Size());
+    }
+    // All at once: a few slices, which changed while the others were copied.
+    for (const auto& [slice, copy] : own) {
+        if (copy.change_nb != session.Slice_Change_Nb(slice)) {
+            take(slice);
+        }
+    }
+    return true;
+}
+
 std::optional<Recovery_Snapshot> Recovery_Recorder::Look(const Open_Volumes& volumes, const Session& in_hand,
                                                          const std::function<Label_Description()>& describe,
                                                          const std::vector<std::string>& opened) {
     std::map<std::uint64_t, std::uint64_t> now;
+    std::vector<int> unsaved;
     for (int volume = 0; volume < volumes.Nb(); ++volume) {
         const Session& session = volumes.Session_Of(volume, in_hand);
         if (session.Has_Unsaved_Work()) {
             now[session.Serial()] = session.Change_Nb();
+            unsaved.push_back(volume);
         }
     }
+    std::erase_if(copies, [&](const auto& one) { return !now.contains(one.first); });
+    is_unfinished = false;
     if (now == seen) {
+        return std::nullopt;
+    }
+    std::size_t room = RECOVERY_COPY_MOST;
+    for (const int volume : unsaved) {
+        is_unfinished = !Copy(volumes.Session_Of(volume, in_hand), room) || is_unfinished;
+    }
+    if (is_unfinished) {
         return std::nullopt;
     }
     Recovery_Snapshot snapshot;
@@ -43,28 +71,34 @@ std::optional<Recovery_Snapshot> Recovery_Recorder::Look(const Open_Volumes& vol
         std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch()).count();
     snapshot.opened = opened;
     const Label_Description description = now.empty() ? Label_Description{} : describe();
-    for (int volume = 0; volume < volumes.Nb(); ++volume) {
+    for (const int volume : unsaved) {
         const Session& session = volumes.Session_Of(volume, in_hand);
-        if (!session.Has_Unsaved_Work()) {
-            continue;
-        }
         Recovery_Part& part = snapshot.parts.emplace_back();
         part.serial = session.Serial();
         part.order = session.Order();
         Label_Description own = description;
         session.Markers_Describe(own.markers);
-        part.facts = {Path_To_Utf8(session.Path()),    volumes.Facts(volume).title,        volume,
-                      Volume_Grid_Of(session.Image()), Path_To_Utf8(session.Label_Path()), session.Stamps(),
-                      Label_Description_Text(own),     Tagged_Nb(session.Labels()),        {}};
-        const auto before = seen.find(part.serial);
-        part.is_whole = before == seen.end();
-        for (int slice = 0; slice < session.Slice_Nb(); ++slice) {
-            if (part.is_whole || session.Slice_Change_Nb(slice) > before->second) {
-                const std::span<const std::uint8_t> tags = session.Labels().Slice(slice);
-                part.slices.emplace_back(slice, std::vector<std::uint8_t>(tags.begin(), tags.end()));
-            }
+        part.facts = {Path_To_Utf8(session.Path()),
+                      volumes.Facts(volume).title,
+                      volume,
+                      Volume_Grid_Of(session.Image()),
+                      Path_To_Utf8(session.Label_Path()),
+                      session.Stamps(),
+                      Label_Description_Text(own),
+                      0,
+                      {}};
+        part.is_whole = !seen.contains(part.serial);
+    }
+    // From here on nothing is thrown that would lose copies: the places are made before.
+    for (Recovery_Part& part : snapshot.parts) {
+        part.slices.reserve(copies[part.serial].size());
+    }
+    for (Recovery_Part& part : snapshot.parts) {
+        for (auto& [slice, copy] : copies[part.serial]) {
+            part.slices.emplace_back(slice, std::move(copy.tags));
         }
     }
+    copies.clear();
     seen = std::move(now);
     return snapshot;
 }

@@ -72,7 +72,8 @@ void Session::Take(volumes::Volume&& loaded, const std::filesystem::path& loaded
     label_path.clear();
     stamps = {};
     serial = ++last_serial;
-    All_Touch();
+    ++change_nb;
+    slice_changes.assign(static_cast<std::size_t>(Slice_Nb()), 0);
 }
 
 void Session::All_Touch() {

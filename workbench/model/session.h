@@ -110,7 +110,7 @@ class Session {
     std::uint64_t Serial() const { return serial; }
     /** Grows with everything that is done to the work, also within a stroke. */
     std::uint64_t Change_Nb() const { return change_nb; }
-    /** What Change_Nb was when a slice's TAGs changed last. */
+    /** What Change_Nb was when a slice's TAGs changed last; 0: never, they are background. */
     std::uint64_t Slice_Change_Nb(int slice) const { return slice_changes[static_cast<std::size_t>(slice)]; }
     /** Takes up work that a former run could not save; it counts as unsaved, and a new history begins.
      *  @param tags in the order of the volume's file @return false: there are not as many as voxels; nothing is changed
