@@ -159,14 +159,14 @@ void Application::Add_Panels() {
     });
     histogram_host = tool_area.Add(L"Histogram", histogram_base, Window_Axis::Down, [this](int is_used, int) {
         // A press beside the magnification's thumb changes it without painting the plot.
-        is_scale_chosen = is_scale_chosen || histogram_panel.scale != suggested_scale;
+        histogram_base.Scale_Note();
         if (is_used != 0) {
             Announce(UPDATE_HISTO_PAINT);
             Enlarged_Icon_Give();
         }
     });
     tool_area.Stretch(histogram_host, look.Px(histogram_height_most));
-    suggested_scale = histogram_panel.scale;
+    histogram_base.Scale_Release();
 }
 
 int Application::Run() {
@@ -390,7 +390,9 @@ void Application::Wheel(POINT screen, int delta, bool is_control) {
         YCursor_X = screen.x;
         YCursor_Y = screen.y;
         host->Wheel(delta);
-        is_scale_chosen = is_scale_chosen || (host == histogram_host && histogram_panel.scale != suggested_scale);
+        if (host == histogram_host) {
+            histogram_base.Scale_Note();
+        }
     } else if (under == tool_area.Handle()) {
         tool_area.Wheel(delta);
     } else if (under == image.Handle()) {

@@ -265,25 +265,7 @@ std::wstring Application::Histogram_Text() const {
 }
 
 void Application::Histogram_Scale_Suggest() {
-    constexpr float headroom = 1.1F;
-    if (is_scale_chosen || histogram_panel.data == nullptr || !histogram_panel.data->Has_Counts()) {
-        return;
-    }
-    const Histo_Record& record = *histogram_panel.data->record;
-    const std::span<const std::uint32_t> counts(record.counts, record.nb_bins);
-    const auto fullest = std::ranges::max_element(counts);
-    if (fullest == counts.end() || *fullest == 0) {
-        return;
-    }
-    // The largest count that does not stand beside the fullest bin.
-    std::uint32_t next = 0;
-    for (auto bin = counts.begin(); bin != counts.end(); ++bin) {
-        next = std::abs(bin - fullest) > 2 ? std::max(next, *bin) : next;
-    }
-    const float before = histogram_panel.scale;
-    histogram_base.Scale_Set(headroom * static_cast<float>(next) / static_cast<float>(*fullest));
-    suggested_scale = histogram_panel.scale;
-    if (suggested_scale != before) {
+    if (histogram_base.Scale_Suggest()) {
         histogram_host->Lay_Out();
     }
 }

@@ -64,7 +64,6 @@ void Application::Execute_Keyboard(Command command) {
         case Command::HISTOGRAM_LOWER:
             histogram_base.Scale_Set(command == Command::HISTOGRAM_HIGHER ? histogram_panel.scale / scale_factor
                                                                           : histogram_panel.scale * scale_factor);
-            is_scale_chosen = true;
             histogram_host->Refresh();
             return;
         case Command::HISTOGRAM_ENLARGE:

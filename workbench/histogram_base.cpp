@@ -1,13 +1,17 @@
 #include "workbench/histogram_base.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <span>
 
 namespace workbench {
 
 void Histogram_Base::Resize(Boxs* box) {
     const float scale = histogram.scale;
     Panel_Of<Tool_Histo>::Resize(box);
-    Scale_Set(scale);
+    Scale_Put(scale);
 }
 
 void Histogram_Base::Update(unsigned __int64 flags) {
@@ -19,6 +23,43 @@ void Histogram_Base::Update(unsigned __int64 flags) {
 }
 
 void Histogram_Base::Scale_Set(float scale) {
+    Scale_Put(scale);
+    is_scale_chosen = true;
+}
+
+void Histogram_Base::Scale_Note() {
+    is_scale_chosen = is_scale_chosen || histogram.scale != put_scale;
+}
+
+bool Histogram_Base::Scale_Suggest() {
+    constexpr float headroom = 1.1F;
+    constexpr std::ptrdiff_t beside = 2;  // bins that belong to the fullest one
+    Scale_Note();
+    if (is_scale_chosen || !Has_Counts()) {
+        return false;
+    }
+    const Histo_Record& record = *histogram.data->record;
+    const std::span<const std::uint32_t> counts(record.counts, record.nb_bins);
+    const auto fullest = std::ranges::max_element(counts);
+    if (fullest == counts.end() || *fullest == 0) {
+        return false;
+    }
+    std::uint32_t next = 0;
+    for (auto bin = counts.begin(); bin != counts.end(); ++bin) {
+        next = std::abs(bin - fullest) > beside ? std::max(next, *bin) : next;
+    }
+    const float before = histogram.scale;
+    Scale_Put(headroom * static_cast<float>(next) / static_cast<float>(*fullest));
+    put_scale = histogram.scale;
+    return histogram.scale != before;
+}
+
+void Histogram_Base::Scale_Release() {
+    is_scale_chosen = false;
+    put_scale = histogram.scale;
+}
+
+void Histogram_Base::Scale_Put(float scale) {
     histogram.scale = histogram.scale_valuator.value = std::clamp(scale, HISTO_SCALE_MIN, HISTO_SCALE_MAX);
 }
 

@@ -51,4 +51,63 @@ TEST(Histogram_Base, the_magnification_outlives_a_change_of_the_layout) {
     EXPECT_EQ(panel.scale, HISTO_SCALE_MAX);
 }
 
+/** Two frames of one grid, of which one is selected. */
+class Histogram_Magnification : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        other.Select(false);
+        Boxs box = stage.Place();
+        base.Resize(&box);
+        base.Scale_Release();
+        Show();
+    }
+    void Show() { base.Update(UPDATE_SELECTION | UPDATE_LEVEL_2D | UPDATE_HISTO_PAINT); }
+    void Select_Other() {
+        one.Select(false);
+        other.Select(true);
+        Show();
+    }
+    Histo_Scene scene;
+    Scene_Object& one = scene.Add_Grey({}, {1000, 2, 2, 500, 2, 2, 2, 2});
+    Scene_Object& other = scene.Add_Grey({}, {1000, 2, 2, 100, 2, 2, 2, 2});
+    const Histo_Stage stage{Window_Axis::Up};
+    Tool_Histo panel;
+    Histogram_Base base{panel, [](Tool_Histo& wanting) { return wanting.Height(100); }};
+};
+
+TEST_F(Histogram_Magnification, is_proposed_anew_when_the_selection_changes) {
+    EXPECT_TRUE(base.Scale_Suggest());
+    EXPECT_FLOAT_EQ(panel.scale, 0.55F);
+    EXPECT_FALSE(base.Scale_Suggest()) << "nothing new";
+    Select_Other();
+    EXPECT_TRUE(base.Scale_Suggest());
+    EXPECT_FLOAT_EQ(panel.scale, 0.11F);
+    EXPECT_EQ(panel.scale_valuator.value, panel.scale);
+}
+
+TEST_F(Histogram_Magnification, stays_when_the_user_has_set_it_by_key_or_on_the_panel) {
+    base.Scale_Suggest();
+    base.Scale_Set(0.3F);
+    Select_Other();
+    EXPECT_FALSE(base.Scale_Suggest());
+    EXPECT_EQ(panel.scale, 0.3F);
+    base.Scale_Release();
+    EXPECT_TRUE(base.Scale_Suggest()) << "another image";
+    panel.scale = panel.scale_valuator.value = 0.7F;  // as a press on the slider does
+    EXPECT_FALSE(base.Scale_Suggest());
+    EXPECT_EQ(panel.scale, 0.7F);
+}
+
+TEST_F(Histogram_Magnification, stays_when_there_are_no_counts_and_is_no_choice_of_the_users_after_a_layout) {
+    base.Scale_Suggest();
+    one.Select(false);
+    Show();
+    EXPECT_FALSE(base.Scale_Suggest());
+    Boxs box = stage.Place();
+    base.Resize(&box);
+    Select_Other();
+    EXPECT_TRUE(base.Scale_Suggest());
+    EXPECT_FLOAT_EQ(panel.scale, 0.11F);
+}
+
 }  // namespace
