@@ -7,7 +7,6 @@ namespace workbench {
 
 namespace {
 
-constexpr COLORREF slice_text = RGB(236, 238, 242);
 constexpr COLORREF slice_text_shadow = RGB(0, 0, 0);
 constexpr COLORREF outline_color = RGB(255, 255, 255);
 
@@ -15,16 +14,6 @@ constexpr COLORREF outline_color = RGB(255, 255, 255);
 std::uint32_t Pixel_Of(COLORREF color) {
     return (static_cast<std::uint32_t>(GetRValue(color)) << 16U) |
            (static_cast<std::uint32_t>(GetGValue(color)) << 8U) | GetBValue(color);
-}
-
-void Draw_Shadowed(HDC dc, const RECT& area, const std::wstring& text, HFONT font, UINT format) {
-    // Dark on every side: light letters can be read on a bright image too.
-    for (int side = 0; side < 9; ++side) {
-        RECT moved = area;
-        ::OffsetRect(&moved, side % 3 - 1, side / 3 - 1);
-        Draw_Line(dc, moved, text, font, slice_text_shadow, format);
-    }
-    Draw_Line(dc, area, text, font, slice_text, format);
 }
 
 std::wstring Side(char name) {
@@ -121,8 +110,8 @@ void Image_View::Draw_Markers(HDC dc) const {
         }
         Fill(dc, across, marker.color);
         Fill(dc, down, marker.color);
-        Draw_Shadowed(dc, {x + arm + look.Px(3), y - look.Px(10), x + look.Px(160), y + look.Px(10)}, marker.name,
-                      look.Font(), DT_LEFT);
+        Draw_Line_Shadowed(dc, {x + arm + look.Px(3), y - look.Px(10), x + look.Px(160), y + look.Px(10)}, marker.name,
+                           look.Font(), DT_LEFT);
     }
 }
 
@@ -132,7 +121,7 @@ void Image_View::Draw_Texts(HDC dc) const {
     RECT area = {margin, margin, state.view_width - margin, margin + height};
     for (std::size_t from = 0; from <= content.caption.size();) {
         const std::size_t end = std::min(content.caption.find(L'\n', from), content.caption.size());
-        Draw_Shadowed(dc, area, content.caption.substr(from, end - from), look.Font(), DT_LEFT);
+        Draw_Line_Shadowed(dc, area, content.caption.substr(from, end - from), look.Font(), DT_LEFT);
         ::OffsetRect(&area, 0, height);
         from = end + 1;
     }
@@ -145,14 +134,14 @@ void Image_View::Draw_Texts(HDC dc) const {
     const int middle_y = (top + bottom) / 2;
     const int half = look.Px(12);
     const HFONT font = look.Bold();
-    Draw_Shadowed(dc, {left + margin / 2, middle_y - half, left + 2 * half, middle_y + half}, Side(content.order.left),
-                  font, DT_LEFT);
-    Draw_Shadowed(dc, {right - 2 * half, middle_y - half, right - margin / 2, middle_y + half},
-                  Side(content.order.right), font, DT_RIGHT);
-    Draw_Shadowed(dc, {middle_x - half, top + margin / 2, middle_x + half, top + 2 * half}, Side(content.order.top),
-                  font, DT_CENTER);
-    Draw_Shadowed(dc, {middle_x - half, bottom - 2 * half, middle_x + half, bottom - margin / 2},
-                  Side(content.order.bottom), font, DT_CENTER);
+    Draw_Line_Shadowed(dc, {left + margin / 2, middle_y - half, left + 2 * half, middle_y + half},
+                       Side(content.order.left), font, DT_LEFT);
+    Draw_Line_Shadowed(dc, {right - 2 * half, middle_y - half, right - margin / 2, middle_y + half},
+                       Side(content.order.right), font, DT_RIGHT);
+    Draw_Line_Shadowed(dc, {middle_x - half, top + margin / 2, middle_x + half, top + 2 * half},
+                       Side(content.order.top), font, DT_CENTER);
+    Draw_Line_Shadowed(dc, {middle_x - half, bottom - 2 * half, middle_x + half, bottom - margin / 2},
+                       Side(content.order.bottom), font, DT_CENTER);
 }
 
 void Image_View::Draw_Slider(HDC dc) const {

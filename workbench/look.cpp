@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "workbench/font_choice.h"
 #include "workbench/model/theme_colors.h"
 #include "workbench/wide_text.h"
 
@@ -12,6 +13,8 @@ namespace {
 
 constexpr int dpi_normal = 96;
 constexpr int font_height = 13;  // pixels at 96 dots per inch
+constexpr COLORREF shadow_light = RGB(236, 238, 242);
+constexpr COLORREF shadow_dark = RGB(0, 0, 0);
 
 /** The system's order of the components. */
 COLORREF Colorref_Of(std::uint32_t color) {
@@ -82,7 +85,8 @@ void Frame(HDC dc, const RECT& area, int thickness, COLORREF color) {
 }
 
 int Draw_Line(HDC dc, const RECT& area, std::wstring_view text, HFONT font, COLORREF color, UINT format) {
-    const Selected_Object selected(dc, font);
+    Gdi_Font other;
+    const Selected_Object selected(dc, Font_For(dc, font, text, other));
     ::SetBkMode(dc, TRANSPARENT);
     ::SetTextColor(dc, color);
     RECT place = area;
@@ -91,6 +95,15 @@ int Draw_Line(HDC dc, const RECT& area, std::wstring_view text, HFONT font, COLO
     SIZE size = {};
     ::GetTextExtentPoint32W(dc, text.data(), length, &size);
     return size.cx;
+}
+
+void Draw_Line_Shadowed(HDC dc, const RECT& area, std::wstring_view text, HFONT font, UINT format) {
+    for (int side = 0; side < 9; ++side) {
+        RECT moved = area;
+        ::OffsetRect(&moved, side % 3 - 1, side / 3 - 1);
+        Draw_Line(dc, moved, text, font, shadow_dark, format);
+    }
+    Draw_Line(dc, area, text, font, shadow_light, format);
 }
 
 int Line_Height(HFONT font) {

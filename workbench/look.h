@@ -51,9 +51,11 @@ class Look {
 void Fill(HDC dc, const RECT& area, COLORREF color);
 /** The edges of a rectangle, to the inside. @param thickness pixels */
 void Frame(HDC dc, const RECT& area, int thickness, COLORREF color);
-/** Draws one line of text, centred in height, cut with an ellipsis. @param format DT_LEFT, DT_RIGHT or DT_CENTER
- *  @return its width */
+/** Draws one line of text, centred in height, cut with an ellipsis, in another font where this one lacks its letters.
+ *  @param format DT_LEFT, DT_RIGHT or DT_CENTER @return its width */
 int Draw_Line(HDC dc, const RECT& area, std::wstring_view text, HFONT font, COLORREF color, UINT format);
+/** A line of light letters that are dark on every side, so they can be read on dark and on bright images. */
+void Draw_Line_Shadowed(HDC dc, const RECT& area, std::wstring_view text, HFONT font, UINT format);
 /** Pixels from one line of a font to the next. */
 int Line_Height(HFONT font);
 /** Dots per inch of a window's screen; 96 where the system does not tell. */

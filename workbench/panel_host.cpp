@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "kits/widgets/shown_widgets.h"
+#include "workbench/name_tip.h"
 
 namespace workbench {
 
@@ -20,6 +21,7 @@ Panel_Host::Panel_Host(Panel_Base& hosted, const Look& shared_look, std::functio
     : panel(hosted), look(shared_look), clicked(std::move(on_click)) {}
 
 Panel_Host::~Panel_Host() {
+    Name_Tip_Forget(Handle());
     Window_Forget(Handle());
 }
 
@@ -48,6 +50,7 @@ void Panel_Host::Accessible_Names(const std::wstring& name, std::function<std::w
         }
         return parts;
     };
+    Name_Tip_Set(Handle(), look, source.parts);
     Accessible_Set(std::move(source));
 }
 
@@ -151,11 +154,15 @@ LRESULT Panel_Host::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             return 0;
         case WM_ERASEBKGND:
             return 1;
+        case WM_DESTROY:  // with its parent, maybe long before this object
+            Name_Tip_Forget(Handle());
+            return 0;
         case WM_LBUTTONDOWN:
         case WM_MBUTTONDOWN:
         case WM_RBUTTONDOWN:
         case WM_LBUTTONDBLCLK:
         case WM_RBUTTONDBLCLK:
+            Name_Tip_Hide();
             ::SetCapture(Handle());  // a slider follows the pointer also outside
             Click(lparam, MOUSE_PRESS | Held_Buttons(wparam));
             return 0;
@@ -169,12 +176,14 @@ LRESULT Panel_Host::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             return 0;
         case WM_MOUSEMOVE: {
             Watch_Leave(Handle());
+            Name_Tip_Follow(Handle(), {static_cast<short>(LOWORD(lparam)), static_cast<short>(HIWORD(lparam))});
             Pointer_Take(Handle(), lparam);
             const int held = Held_Buttons(wparam);
             Buffered([&] { return panel.Motion(held != 0 ? held | MOUSE_DRAG : 0); });
             return 0;
         }
         case WM_MOUSELEAVE:
+            Name_Tip_Hide();
             Buffered([&] { panel.Leave(); });
             return 0;
         default:

@@ -226,7 +226,7 @@ void Analysis_Window::Lay_Out() {
     const int height = look.Px(BUTTON_HEIGHT);
     int x = margin;
     // All stay in the window when it has no room for them at this scale.
-    constexpr int widths = 120 + 150 + 220 + 150 + 100 + 130 + 130;
+    constexpr int widths = 120 + 130 + 250 + 150 + 100 + 125 + 125;
     const int room = std::clamp<int>(static_cast<int>(client.right) - 8 * margin, widths / 2, look.Px(widths));
     const auto place = [&](Tools& widget, int own_width, const char* caption, unsigned int style) {
         const int width = own_width * room / widths;
@@ -243,18 +243,18 @@ void Analysis_Window::Lay_Out() {
     };
     place(gauss_button, 120, "Fit Gaussians", STYLE_BUTTON);
     gauss_button.Init(window);
-    place(derivative_button, 150, "Derivative method", STYLE_BUTTON);
+    place(derivative_button, 130, "Derivative method", STYLE_BUTTON);
     derivative_button.Init(window);
-    place(peaks_list, 220, " Peaks wanted: ", STYLE_FLAT);
+    place(peaks_list, 250, " Peaks wanted: ", STYLE_FLAT);
     peaks_list.arrow = static_cast<short>(look.Px(18));
     peaks_list.Init(window);
     place(bands_button, 150, "Peaks to TAG bands", STYLE_BUTTON);
     bands_button.Init(window);
     place(copy_button, 100, "Copy table", STYLE_BUTTON);
     copy_button.Init(window);
-    place(copy_full_button, 130, "Copy full table", STYLE_BUTTON);
+    place(copy_full_button, 125, "Copy full table", STYLE_BUTTON);
     copy_full_button.Init(window);
-    place(save_full_button, 130, "Save full table", STYLE_BUTTON);
+    place(save_full_button, 125, "Save full table", STYLE_BUTTON);
     save_full_button.Init(window);
 }
 
