@@ -204,14 +204,16 @@ TEST(Nifti_Writer, keeps_the_former_file_when_memory_fails) {
             error = Label_Volume_Write(path, source, labels);
             happened = failure.Happened();
         }
-        ASSERT_EQ(error.empty(), !happened) << fail_at;
-        if (happened) {
+        ASSERT_TRUE(happened || error.empty()) << fail_at;
+        ASSERT_EQ(folder.Entry_Nb(), 1U);
+        if (!error.empty()) {
             ASSERT_EQ(File_Get(path), Bytes(7, 'x'));
-            ASSERT_EQ(folder.Entry_Nb(), 1U);
+        } else {  // what fails after the file has its name is no failure of writing
+            ASSERT_TRUE(Volume_Load(path).volume.has_value()) << fail_at;
+            File_Put(path, Bytes(7, 'x'));
         }
     }
     EXPECT_GT(fail_at, 5);
-    EXPECT_TRUE(Volume_Load(path).volume.has_value());
 }
 
 TEST(Nifti_Writer, writes_files_with_any_name) {
