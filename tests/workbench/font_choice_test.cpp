@@ -93,7 +93,7 @@ TEST_F(Drawn_Line, over_an_image_stands_out_from_bright_and_from_dark_ground) {
         const std::ptrdiff_t dark_before = Dark();
         Draw_Line_Shadowed(dc.Get(), area, L"Slice 91 / 181", look.Font(), DT_LEFT);
         if (ground != RGB(255, 255, 255)) {
-            EXPECT_GT(Bright() - bright_before, 100);
+            EXPECT_GT(Bright() - bright_before, 50);
         }
         if (ground != RGB(0, 0, 0)) {
             EXPECT_GT(Dark() - dark_before, 300);
