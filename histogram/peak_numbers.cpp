@@ -86,8 +86,8 @@ std::optional<Covariance> Covariance_Find(const Histo_Data& data, std::span<cons
     if (!system.is_complete || freedom <= 0.0) {
         return std::nullopt;
     }
-    Matrix_NxM inverse = !(~system.jacobian * system.jacobian);
-    if (inverse.Invalid(0) != 0 || inverse.Rows() != system.parameters.Size()) {
+    Matrix_NxM inverse = !system.normal;
+    if (!system.is_valid || inverse.Invalid(0) != 0 || inverse.Rows() != system.parameters.Size()) {
         return std::nullopt;
     }
     return Covariance{std::move(inverse), system.squared_error / freedom};

@@ -67,14 +67,15 @@ double Gauss_Derivative(std::uint8_t index, double position, const Peak_Paramete
     if (p.width == 0.0) {
         return index == PEAK_AMPLITUDE ? 1.0 : 0.0;
     }
-    const Gauss_Slopes slopes = Gauss_Slopes_At(p, position, Gauss_Unit(distance, p.width));
+    const Gauss_Slopes slopes(p);
+    const double unit = Gauss_Unit(distance, p.width);
     switch (index) {
         case PEAK_CENTRE:
-            return slopes.by_centre;
+            return slopes.By_Centre(position, unit);
         case PEAK_AMPLITUDE:
-            return slopes.by_amplitude;
+            return Gauss_Slopes::By_Amplitude(unit);
         case PEAK_WIDTH:
-            return slopes.by_width;
+            return slopes.By_Width(position, unit);
         default:
             return 0.0;
     }
@@ -169,9 +170,7 @@ void Gauss_Unit_Values(const Peak_Parameters& parameters, const Bin_Span& suppor
     }
 }
 
-Gauss_Slopes Gauss_Slopes_At(const Peak_Parameters& p, double position, double unit) {
-    const double distance = position - p.centre;
-    const double value = p.amplitude * unit;
-    return {value * (-2.0) * (p.centre - position) * (LN_2 / (p.width * p.width)), unit,
-            value * (TWO_LN_2 / (p.width * p.width * p.width)) * (distance * distance)};
-}
+Gauss_Slopes::Gauss_Slopes(const Peak_Parameters& parameters)
+    : p(parameters),
+      sharpness(LN_2 / (parameters.width * parameters.width)),
+      widening(TWO_LN_2 / (parameters.width * parameters.width * parameters.width)) {}

@@ -35,10 +35,22 @@ Bin_Span Gauss_Support(const Peak_Parameters& parameters, int nb_bins);
  * exponential; relative error below 1e-8 over any support. @param unit support.last - support.first + 1 values */
 void Gauss_Unit_Values(const Peak_Parameters& parameters, const Bin_Span& support, std::span<double> unit);
 
-/** Derivatives of a Gaussian at a bin, from its unit value there. */
-struct Gauss_Slopes {
-    double by_centre;
-    double by_amplitude;
-    double by_width;
+/** Derivatives of one Gaussian at many bins, from its unit values there. The width must not be 0. */
+class Gauss_Slopes {
+  public:
+    explicit Gauss_Slopes(const Peak_Parameters& parameters);
+
+    double By_Centre(double position, double unit) const {
+        return p.amplitude * unit * (-2.0) * (p.centre - position) * sharpness;
+    }
+    static double By_Amplitude(double unit) { return unit; }
+    double By_Width(double position, double unit) const {
+        const double distance = position - p.centre;
+        return p.amplitude * unit * widening * (distance * distance);
+    }
+
+  private:
+    Peak_Parameters p;
+    double sharpness;  ///< ln 2 / width^2
+    double widening;   ///< 2 ln 2 / width^3
 };
-Gauss_Slopes Gauss_Slopes_At(const Peak_Parameters& parameters, double position, double unit);

@@ -33,6 +33,18 @@ struct Sse2 {
     static Float All(float value) { return _mm_set1_ps(value); }
     static Double Add(Double a, Double b) { return _mm_add_pd(a, b); }
     static Double Multiply(Double a, Double b) { return _mm_mul_pd(a, b); }
+    static Double Divide(Double a, Double b) { return _mm_div_pd(a, b); }
+    static Double Is_Less(Double a, Double b) { return _mm_cmplt_pd(a, b); }
+    static Double Or(Double a, Double b) { return _mm_or_pd(a, b); }
+    static Float Or(Float a, Float b) { return _mm_or_ps(a, b); }
+    static Double Select(Double mask, Double yes, Double no) {
+        return _mm_or_pd(_mm_and_pd(mask, yes), _mm_andnot_pd(mask, no));
+    }
+    static Float Select(Float mask, Float yes, Float no) {
+        return _mm_or_ps(_mm_and_ps(mask, yes), _mm_andnot_ps(mask, no));
+    }
+    static Float Without(Float a, Float mask) { return _mm_andnot_ps(mask, a); }
+    static Integer Without(Integer a, Float mask) { return _mm_andnot_si128(_mm_castps_si128(mask), a); }
     static Float Subtract(Float a, Float b) { return _mm_sub_ps(a, b); }
     static Float Positive(Float a) { return _mm_max_ps(a, _mm_setzero_ps()); }
     static Float Is_Less(Float a, Float b) { return _mm_cmplt_ps(a, b); }
@@ -85,25 +97,26 @@ Smoothing_Result Smooth_To_Maxima(std::span<double> curve, std::span<double> scr
         ++result.passes;
         more = maxima > options.max_maxima && result.passes < options.max_passes;
     };
+    const auto group = [&](int passes, int* maxima) {
+        if (lanes == SMOOTHING_WIDE_LANES) {
+            Smoothing_Group_Wide(curve.data(), n, options.threshold, passes, maxima);
+        } else {
+            Smoothing_Group<Sse2>(curve.data(), n, options.threshold, passes, maxima);
+        }
+    };
     while (more && lanes > 1 && result.passes + lanes <= options.max_passes) {
         std::array<int, LANES_MAX> maxima{};
         std::copy(curve.begin(), curve.end(), scratch.begin());
-        if (lanes == SMOOTHING_WIDE_LANES) {
-            Smoothing_Group_Wide(curve.data(), n, options.threshold, maxima.data());
-        } else {
-            Smoothing_Group<Sse2>(curve.data(), n, options.threshold, maxima.data());
-        }
+        group(lanes, maxima.data());
         int made = 0;
         while (made < lanes && more) {
             note(maxima[static_cast<std::size_t>(made)]);
             ++made;
         }
         if (made < lanes) {
-            // The limit was met inside the group: its first passes once more, plainly, from the group's input.
+            // The limit was met inside the group: its first passes once more, from the group's input.
             std::copy(scratch.begin(), scratch.end(), curve.begin());
-            for (int pass = 0; pass < made; ++pass) {
-                Plain_Pass(curve, options.threshold);
-            }
+            group(made, maxima.data());
         }
     }
     while (more) {

@@ -133,18 +133,101 @@ inline void Smoothing_Middle(Smoothing_Lanes<Set::LANES>& lanes, double* curve, 
     }
 }
 
-/** Set::LANES passes over a curve of n >= 4 x LANES bins. @param maxima receives LANES counts, in order of the passes
- */
+/** Counts the maxima of one step at the ends of the curve. @param bins of the lanes; moved on by one */
 template <class Set>
-inline void Smoothing_Group(double* curve, int n, float threshold, int* maxima) {
+inline void Smoothing_Edge_Count(Smoothing_Lanes<Set::LANES>& lanes, const typename Set::Double* made, float* bins,
+                                 float n, float threshold) {
+    constexpr int WIDTH = 2 * Set::WIDTH;
+    for (int v = 0; v < Set::FLOATS; ++v) {
+        const typename Set::Float bin = Set::Load(bins + v * WIDTH);
+        const typename Set::Float level = Set::Positive(Set::Subtract(Set::Narrow(made + 2 * v), Set::All(threshold)));
+        const typename Set::Float level_1 = Set::Load(lanes.level_1 + v * WIDTH);
+        const typename Set::Float fell = Set::Load_Mask(lanes.fell + v * WIDTH);
+        const typename Set::Float starts = Set::Is_Less(bin, Set::All(1.5F));
+        const typename Set::Float is_over = Set::Is_Less(Set::All(n - 0.5F), bin);
+        const typename Set::Float falls =
+            Set::Without(Set::Is_Less(level, Set::Load(lanes.level_2 + v * WIDTH)), starts);
+        // Behind the curve a lane has fallen for good; before it, it has counted nothing.
+        const typename Set::Integer maxima =
+            Set::Count(Set::Load_Counts(lanes.maxima + v * WIDTH), Set::Or(fell, is_over), falls);
+        Set::Store_Counts(lanes.maxima + v * WIDTH, Set::Without(maxima, starts));
+        Set::Store_Mask(lanes.fell + v * WIDTH, falls);
+        Set::Store(lanes.level_2 + v * WIDTH, Set::Select(starts, level, level_1));
+        Set::Store(lanes.level_1 + v * WIDTH, level);
+        Set::Store(bins + v * WIDTH, Set::Subtract(bin, Set::All(-1.0F)));
+    }
+}
+
+/** The steps first .. last wherever the lanes are: before the curve, at its ends, behind it. Lanes from `passes` on
+ * hand their bins on as they are. Slower than the middle, but much faster than lane by lane. */
+template <class Set>
+inline void Smoothing_Edges(Smoothing_Lanes<Set::LANES>& lanes, double* curve, int n, int first, int last,
+                            float threshold, int passes) {
+    typename Set::Double made[Set::DOUBLES];
+    typename Set::Double waiting[Set::DOUBLES];
+    typename Set::Double bin[Set::DOUBLES];
+    typename Set::Double is_idle[Set::DOUBLES];
+    alignas(32) double bins[Set::LANES];
+    alignas(32) float float_bins[Set::LANES];
+    alignas(32) double lane_numbers[Set::LANES];
+    for (int lane = 0; lane < Set::LANES; ++lane) {
+        bins[lane] = static_cast<double>(first - 2 * lane);
+        float_bins[lane] = static_cast<float>(bins[lane]);
+        lane_numbers[lane] = static_cast<double>(lane);
+    }
+    for (int v = 0; v < Set::DOUBLES; ++v) {
+        made[v] = Set::Load(lanes.made + v * Set::WIDTH);
+        waiting[v] = Set::Load(lanes.waiting + v * Set::WIDTH);
+        bin[v] = Set::Load(bins + v * Set::WIDTH);
+        is_idle[v] =
+            Set::Is_Less(Set::All(static_cast<double>(passes) - 0.5), Set::Load(lane_numbers + v * Set::WIDTH));
+    }
+    const typename Set::Double start = Set::All(1.5);
+    const typename Set::Double end = Set::All(static_cast<double>(n) - 1.5);
+    const typename Set::Double nothing = Set::All(-0.0);  // added to anything it changes nothing, not even a sign
+    for (int step = first; step <= last; ++step) {
+        typename Set::Double right[Set::DOUBLES];
+        for (int v = Set::DOUBLES - 1; v > 0; --v) {
+            right[v] = Set::Shift(made[v - 1], made[v]);
+        }
+        right[0] = Set::Shift_In(step + 1 < n ? curve[step + 1] : 0.0, made[0]);
+        for (int v = 0; v < Set::DOUBLES; ++v) {
+            const typename Set::Double starts = Set::Is_Less(bin[v], start);
+            const typename Set::Double ends = Set::Is_Less(end, bin[v]);
+            typename Set::Double sum = Set::Add(waiting[v], waiting[v]);
+            sum = Set::Add(sum, Set::Select(starts, nothing, made[v]));
+            sum = Set::Add(sum, Set::Select(ends, nothing, right[v]));
+            const typename Set::Double mean =
+                Set::Select(Set::Or(starts, ends), Set::Divide(sum, Set::All(3.0)), Set::Multiply(sum, Set::All(0.25)));
+            made[v] = Set::Select(is_idle[v], waiting[v], mean);
+            waiting[v] = right[v];
+            bin[v] = Set::Add(bin[v], Set::All(1.0));
+            Set::Store(lanes.made + v * Set::WIDTH, made[v]);
+        }
+        if (const int written = step - 2 * (Set::LANES - 1); written > 0) {
+            curve[written] = lanes.made[Set::LANES - 1];
+        }
+        Smoothing_Edge_Count<Set>(lanes, made, float_bins, static_cast<float>(n), threshold);
+    }
+    for (int v = 0; v < Set::DOUBLES; ++v) {
+        Set::Store(lanes.waiting + v * Set::WIDTH, waiting[v]);
+    }
+}
+
+/** `passes` (1 .. Set::LANES) passes over a curve of n >= 4 x LANES bins. @param maxima receives LANES counts, in order
+ * of the passes; those that were not made are of no meaning */
+template <class Set>
+inline void Smoothing_Group(double* curve, int n, float threshold, int passes, int* maxima) {
     Smoothing_Lanes<Set::LANES> lanes = {};
     lanes.waiting[0] = curve[1];
-    for (int step = 1; step < 2 * Set::LANES; ++step) {
-        Smoothing_End_Step(lanes, curve, step, n, threshold);
-    }
-    Smoothing_Middle<Set>(lanes, curve, 2 * Set::LANES, n - 2, threshold);
-    for (int step = n - 1; step <= n - 1 + 2 * (Set::LANES - 1); ++step) {
-        Smoothing_End_Step(lanes, curve, step, n, threshold);
+    constexpr int START = 2 * Set::LANES;
+    const int last = n - 1 + 2 * (Set::LANES - 1);
+    if (passes == Set::LANES) {
+        Smoothing_Edges<Set>(lanes, curve, n, 1, START - 1, threshold, passes);
+        Smoothing_Middle<Set>(lanes, curve, START, n - 2, threshold);
+        Smoothing_Edges<Set>(lanes, curve, n, n - 1, last, threshold, passes);
+    } else {
+        Smoothing_Edges<Set>(lanes, curve, n, 1, last, threshold, passes);
     }
     curve[0] = curve[1];
     for (int lane = 0; lane < Set::LANES; ++lane) {

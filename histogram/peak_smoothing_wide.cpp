@@ -28,6 +28,14 @@ struct Avx2 {
     static Float All(float value) { return _mm256_set1_ps(value); }
     static Double Add(Double a, Double b) { return _mm256_add_pd(a, b); }
     static Double Multiply(Double a, Double b) { return _mm256_mul_pd(a, b); }
+    static Double Divide(Double a, Double b) { return _mm256_div_pd(a, b); }
+    static Double Is_Less(Double a, Double b) { return _mm256_cmp_pd(a, b, _CMP_LT_OQ); }
+    static Double Or(Double a, Double b) { return _mm256_or_pd(a, b); }
+    static Float Or(Float a, Float b) { return _mm256_or_ps(a, b); }
+    static Double Select(Double mask, Double yes, Double no) { return _mm256_blendv_pd(no, yes, mask); }
+    static Float Select(Float mask, Float yes, Float no) { return _mm256_blendv_ps(no, yes, mask); }
+    static Float Without(Float a, Float mask) { return _mm256_andnot_ps(mask, a); }
+    static Integer Without(Integer a, Float mask) { return _mm256_andnot_si256(_mm256_castps_si256(mask), a); }
     static Float Subtract(Float a, Float b) { return _mm256_sub_ps(a, b); }
     static Float Positive(Float a) { return _mm256_max_ps(a, _mm256_setzero_ps()); }
     static Float Is_Less(Float a, Float b) { return _mm256_cmp_ps(a, b, _CMP_LT_OQ); }
@@ -51,6 +59,6 @@ struct Avx2 {
 
 }  // namespace
 
-void Smoothing_Group_Wide(double* curve, int n, float threshold, int* maxima) {
-    Smoothing_Group<Avx2>(curve, n, threshold, maxima);
+void Smoothing_Group_Wide(double* curve, int n, float threshold, int passes, int* maxima) {
+    Smoothing_Group<Avx2>(curve, n, threshold, passes, maxima);
 }

@@ -3,6 +3,6 @@
 
 inline constexpr int SMOOTHING_WIDE_LANES = 16;
 
-/** SMOOTHING_WIDE_LANES passes over a curve of n >= 4 x SMOOTHING_WIDE_LANES bins. @param maxima receives one count per
- * pass */
-void Smoothing_Group_Wide(double* curve, int n, float threshold, int* maxima);
+/** `passes` (1 .. SMOOTHING_WIDE_LANES) passes over a curve of n >= 4 x SMOOTHING_WIDE_LANES bins. @param maxima
+ * receives SMOOTHING_WIDE_LANES counts, one per pass; those that were not made are of no meaning */
+void Smoothing_Group_Wide(double* curve, int n, float threshold, int passes, int* maxima);

@@ -194,14 +194,13 @@ void Gauss_Newton(Histo_Data& peaks, std::uint16_t n, const double* data, double
         const double change = system.squared_error - previous;
         Error_Fct(hwnd, TRACE_STEP, "++ mse: %.4f%% delta mse = %10.2g", system.squared_error * 100.0 / n,
                   std::abs(change));
-        if (system.is_complete && std::abs(change) < threshold) {
+        if (system.is_complete && system.is_valid && std::abs(change) < threshold) {
             break;
         }
         previous = system.squared_error;
-        const Matrix_NxM transposed = ~system.jacobian;
-        Matrix_NxM inverse = !(transposed * system.jacobian);
-        const bool is_valid = system.is_complete && inverse.Invalid(0) == 0;
-        const Vector_N step = is_valid ? inverse * (transposed * system.residual) : Vector_N(0, ELEMENT_SIZE);
+        Matrix_NxM inverse = !system.normal;
+        const bool is_valid = system.is_complete && system.is_valid && inverse.Invalid(0) == 0;
+        const Vector_N step = is_valid ? inverse * system.gradient : Vector_N(0, ELEMENT_SIZE);
         const unsigned int wanted = system.parameters.Size();
         // A matrix without an inverse still has its size: one without a size had no memory.
         if (!system.is_complete || inverse.Rows() != wanted || (is_valid && step.Size() != wanted)) {

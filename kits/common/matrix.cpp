@@ -1,10 +1,29 @@
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <new>
+#include <thread>
 #include <utility>
 
 #include "kits/common/matrix_data.h"
 #include "kits/common/matrix_numeric.h"
+
+void Matrix_NxM::Data::Finish() {
+    // Several threads may read one matrix: one makes the values, the others wait.
+    Elements expected = Elements::Pending;
+    if (!elements.compare_exchange_strong(expected, Elements::In_Work, std::memory_order_acquire)) {
+        while (elements.load(std::memory_order_acquire) != Elements::Made) {
+            std::this_thread::yield();
+        }
+        return;
+    }
+    std::fill_n(values.get(), Count(), 0.0);
+    for (std::size_t i = 0; i < rows; ++i) {
+        values[i * columns + i] = 1.0;
+    }
+    factors.Solve(values.get(), columns);
+    elements.store(Elements::Made, std::memory_order_release);
+}
 
 Matrix_NxM::Matrix_NxM(unsigned int columns, unsigned int rows, unsigned char /*flag*/)
     : data(new (std::nothrow) Data) {
@@ -25,7 +44,7 @@ Matrix_NxM::Matrix_NxM(const Matrix_NxM& other) : Matrix_NxM(other.Columns(), ot
         return;
     }
     if (data->values != nullptr) {
-        std::memcpy(data->values.get(), other.data->values.get(), data->Count() * sizeof(double));
+        std::memcpy(data->values.get(), other.data->Finished(), data->Count() * sizeof(double));
     }
     data->invalid = data->invalid || other.data == nullptr || other.data->invalid;
     data->unmade = data->unmade || other.data == nullptr || other.data->unmade;
@@ -46,7 +65,7 @@ Matrix_NxM::~Matrix_NxM() = default;
 
 double* Matrix_NxM::operator[](int row) {
     return data != nullptr && data->values != nullptr
-               ? data->values.get() + std::size_t{data->columns} * static_cast<std::size_t>(row)
+               ? data->Finished() + std::size_t{data->columns} * static_cast<std::size_t>(row)
                : nullptr;
 }
 
@@ -79,7 +98,7 @@ Matrix_NxM Matrix_NxM::operator~() const {
         return result;
     }
     if (result.data->values != nullptr) {
-        Transpose(data->values.get(), data->rows, data->columns, result.data->values.get());
+        Transpose(data->Finished(), data->rows, data->columns, result.data->values.get());
     }
     result.data->invalid = result.data->invalid || data->invalid;
     return result;
@@ -94,10 +113,21 @@ Matrix_NxM Matrix_NxM::operator!() const {
         }
         return result;
     }
-    if (result.data->values != nullptr && !Invert(data->values.get(), data->rows, result.data->values.get())) {
-        result.data->invalid = true;
+    if (result.data->values != nullptr) {
+        result.data->Invert_From(data->Finished());
     }
     return result;
+}
+
+void Matrix_NxM::Data::Invert_From(const double* source) {
+    if (const Band band = Band_Of(source, rows); Band_Is_Narrow(band, rows)) {
+        if (factors.Make(source, rows, band) && factors.Is_Inverse_Bounded(values.get())) {
+            elements.store(Elements::Pending, std::memory_order_release);
+            return;
+        }
+    }
+    // Whatever is doubtful about the factors of the band, those of the whole matrix decide.
+    invalid = !Invert(source, rows, values.get());
 }
 
 Matrix_NxM Matrix_NxM::operator*(const Matrix_NxM& right) const {
@@ -112,8 +142,8 @@ Matrix_NxM Matrix_NxM::operator*(const Matrix_NxM& right) const {
         return result;
     }
     if (result.data->values != nullptr && data->values != nullptr && right.data->values != nullptr &&
-        !Multiply({data->values.get(), data->rows, data->columns},
-                  {right.data->values.get(), right.data->rows, right.data->columns}, result.data->values.get())) {
+        !Multiply({data->Finished(), data->rows, data->columns},
+                  {right.data->Finished(), right.data->rows, right.data->columns}, result.data->values.get())) {
         result.data->invalid = true;
     }
     return result;
@@ -124,7 +154,13 @@ Vector_N Matrix_NxM::operator*(const Vector_N& right) const {
         return Vector_N(0, sizeof(double));
     }
     Vector_N result(Rows(), sizeof(double));
-    if (result.Size() > 0 && data->values != nullptr) {
+    if (result.Size() == 0 || data->values == nullptr) {
+        return result;
+    }
+    if (!data->Is_Made()) {
+        std::copy_n(right.data->values.get(), right.Size(), result.data->values.get());
+        data->factors.Solve(result.data->values.get(), 1);
+    } else {
         Multiply_Vector({data->values.get(), data->rows, data->columns}, right.data->values.get(),
                         result.data->values.get());
     }

@@ -1,29 +1,12 @@
 /** What a matrix and a vector hold. For the kit's own use. */
 #pragma once
 
+#include <atomic>
 #include <cstddef>
-#include <cstdlib>
-#include <memory>
 
 #include "host/kit_common.h"
-#include "kits/common/block_cache.h"
-
-struct Free_Memory {
-    std::size_t size = 0;  ///< bytes
-
-    void operator()(double* values) const {
-        if (!Block_Cache_Keep(values, size)) {
-            std::free(values);
-        }
-    }
-};
-/** Doubles of the C heap, or of the blocks kept from it. */
-using Double_Array = std::unique_ptr<double[], Free_Memory>;
-
-/** `count` zeroed doubles; null without memory and for none. */
-Double_Array Doubles_Zeroed(std::size_t count);
-/** `count` doubles of any value, to be overwritten; null without memory and for none. */
-Double_Array Doubles_Raw(std::size_t count);
+#include "kits/common/double_array.h"
+#include "kits/common/matrix_band.h"
 
 struct Vector_N::Data {
     Double_Array values;
@@ -36,6 +19,23 @@ struct Matrix_NxM::Data {
     unsigned int rows = 0;
     bool invalid = false;
     bool unmade = false;  ///< there was no memory for its elements, or for those of the matrix it was copied from
+    /** Pending: the matrix is the inverse of what the factors are of, and its elements are made when they are read. */
+    enum class Elements : unsigned char { Made, Pending, In_Work };
+    std::atomic<Elements> elements = Elements::Made;
+    Band_Factors factors;
 
     std::size_t Count() const { return std::size_t{columns} * rows; }
+    bool Is_Made() const { return elements.load(std::memory_order_acquire) == Elements::Made; }
+    /** The elements; null without memory. Takes none. */
+    double* Finished() {
+        if (!Is_Made()) {
+            Finish();
+        }
+        return values.get();
+    }
+    /** Makes the inverse of the `rows` x `rows` matrix, or of its factors all that is needed to make it. */
+    void Invert_From(const double* source);
+
+  private:
+    void Finish();
 };

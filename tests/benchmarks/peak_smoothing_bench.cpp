@@ -129,10 +129,22 @@ void Bench_Sample(benchmark::State& state, Smoothing_Path path, const char* name
 
 }  // namespace
 
-BENCHMARK_CAPTURE(Bench_Smoothing, baseline, Smoothing_Path::Baseline)->Arg(1024)->Arg(4096)->Arg(65535)->Iterations(1);
-BENCHMARK_CAPTURE(Bench_Smoothing, wide, Smoothing_Path::Wide)->Arg(1024)->Arg(4096)->Arg(65535)->Iterations(1);
+BENCHMARK_CAPTURE(Bench_Smoothing, baseline, Smoothing_Path::Baseline)
+    ->Arg(256)
+    ->Arg(1024)
+    ->Arg(4096)
+    ->Arg(65535)
+    ->Iterations(1);
+BENCHMARK_CAPTURE(Bench_Smoothing, wide, Smoothing_Path::Wide)
+    ->Arg(256)
+    ->Arg(1024)
+    ->Arg(4096)
+    ->Arg(65535)
+    ->Iterations(1);
 // The number of peaks wanted.
 BENCHMARK_CAPTURE(Bench_Sample, ct_baseline, Smoothing_Path::Baseline, "ct")->Arg(4)->Iterations(1);
 BENCHMARK_CAPTURE(Bench_Sample, ct_wide, Smoothing_Path::Wide, "ct")->Arg(4)->Iterations(1);
 BENCHMARK_CAPTURE(Bench_Sample, brain_baseline, Smoothing_Path::Baseline, "brain_fine")->Arg(4)->Iterations(1);
 BENCHMARK_CAPTURE(Bench_Sample, brain_wide, Smoothing_Path::Wide, "brain_fine")->Arg(4)->Iterations(1);
+BENCHMARK_CAPTURE(Bench_Sample, small_baseline, Smoothing_Path::Baseline, "brain")->Arg(2)->Iterations(1);
+BENCHMARK_CAPTURE(Bench_Sample, small_wide, Smoothing_Path::Wide, "brain")->Arg(2)->Iterations(1);

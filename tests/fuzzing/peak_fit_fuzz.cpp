@@ -1,5 +1,6 @@
 // libFuzzer: the linear system of a fit from any peaks and any data, and one step of it. A step that cannot be solved
 // must say so.
+#include <cmath>
 #include <vector>
 
 #include "histogram/peak_fit_system.h"
@@ -8,7 +9,7 @@
 
 namespace {
 
-constexpr int peaks_most = 4;
+constexpr int peaks_most = 12;  // enough for a normal matrix that is mostly zeros
 
 }  // namespace
 
@@ -35,9 +36,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         value = input.Take<std::uint16_t>();
     }
     {
-        const Fit_System system = Fit_System_Make(peaks.empty() ? nullptr : peaks.front(), curve);
+        Fit_System system = Fit_System_Make(peaks.empty() ? nullptr : peaks.front(), curve);
         Require(system.is_complete);
         Require(system.parameters.Size() == static_cast<unsigned int>(peaks.size()) * PEAK_PARAM_NB);
+        Matrix_NxM inverse = !system.normal;
+        if (system.is_valid && inverse.Invalid(0) == 0) {
+            Require((inverse * system.gradient).Size() == system.parameters.Size());
+            for (unsigned int row = 0; row < inverse.Rows(); ++row) {
+                for (unsigned int column = 0; column < inverse.Columns(); ++column) {
+                    Require(std::isfinite(inverse[static_cast<int>(row)][column]));
+                }
+            }
+        }
     }
     for (Histo_Peak* peak : peaks) {
         Peak_Free(peak);

@@ -41,13 +41,67 @@ std::vector<double> Curve(int bins) {
     return curve;
 }
 
+/** The Jacobian and the residual in full, from parts of `run` bins. */
+struct Plain_System {
+    std::vector<std::vector<double>> jacobian;
+    std::vector<double> residual;
+};
+Plain_System Put_Together(const Histo_Peak* first, const std::vector<double>& data, int run) {
+    const auto nb = static_cast<int>(data.size());
+    const std::vector<Fit_Peak> peaks = Fit_Peaks_Of(first, nb);
+    const std::size_t columns = peaks.empty() ? 0 : static_cast<std::size_t>(peaks.back().column) + PEAK_PARAM_NB;
+    Plain_System whole;
+    for (int begin = 0; begin < nb; begin += run) {
+        const Fit_Part part = Fit_Part_Make(peaks, data, {begin, std::min(begin + run, nb) - 1});
+        EXPECT_TRUE(part.is_complete);
+        for (int row = 0; begin + row <= part.bins.last; ++row) {
+            std::vector<double> full(columns);
+            for (unsigned int column = 0; column < part.jacobian.Columns(); ++column) {
+                full[static_cast<std::size_t>(part.first_column) + column] = part.jacobian[row][column];
+            }
+            whole.jacobian.push_back(full);
+            whole.residual.push_back(part.residual[row]);
+        }
+    }
+    return whole;
+}
+
+/** The sums of the definition against what the system holds. */
+void Expect_Products(const Plain_System& whole, const Fit_System& system) {
+    const std::size_t columns = system.parameters.Size();
+    ASSERT_EQ(system.normal.Rows(), columns);
+    ASSERT_EQ(system.normal.Columns(), columns);
+    ASSERT_EQ(system.gradient.Size(), columns);
+    for (std::size_t i = 0; i < columns; ++i) {
+        double slope = 0.0;
+        double size = 0.0;
+        for (std::size_t bin = 0; bin < whole.residual.size(); ++bin) {
+            slope += whole.jacobian[bin][i] * whole.residual[bin];
+            size += std::abs(whole.jacobian[bin][i] * whole.residual[bin]);
+        }
+        EXPECT_NEAR(system.gradient[static_cast<int>(i)], slope, 1e-12 * size) << i;
+        for (std::size_t j = 0; j < columns; ++j) {
+            double sum = 0.0;
+            size = 0.0;
+            for (const std::vector<double>& row : whole.jacobian) {
+                sum += row[i] * row[j];
+                size += std::abs(row[i] * row[j]);
+            }
+            ASSERT_NEAR(system.normal[static_cast<int>(i)][j], sum, 1e-12 * size) << i << " " << j;
+        }
+    }
+}
+
 }  // namespace
 
 TEST(Fit_System, agrees_with_one_call_per_value) {
     const Peak_List list;
     const std::vector<double> data = Curve(BIN_NB);
     const Fit_System system = Fit_System_Make(list.histo.peak_first, data);
+    const Plain_System whole = Put_Together(list.histo.peak_first, data, 128);
     ASSERT_TRUE(system.is_complete);
+    ASSERT_TRUE(system.is_valid);
+    Expect_Products(whole, system);
     double squares = 0.0;
     for (int bin = 0; bin < BIN_NB; ++bin) {
         double residual = data[static_cast<std::size_t>(bin)];
@@ -56,16 +110,47 @@ TEST(Fit_System, agrees_with_one_call_per_value) {
             residual -= Peak_Value(peak->type, bin, *peak->param);
             for (std::uint8_t k = 0; k < 3; ++k, ++column) {
                 const double slope = Peak_Deriv(peak->type, k, bin, *peak->param);
-                const double ours = system.jacobian[bin][column];
+                const double ours = whole.jacobian[static_cast<std::size_t>(bin)][static_cast<std::size_t>(column)];
                 ASSERT_NEAR(ours, slope, 1e-8 * std::abs(slope)) << bin << " " << column;
                 ASSERT_EQ(ours == 0.0, slope == 0.0) << bin << " " << column;  // the same cut-off
                 ASSERT_EQ(system.parameters[column], (*peak->param)[k]);
             }
         }
-        ASSERT_NEAR(system.residual[bin], residual, 1e-6);
+        ASSERT_NEAR(whole.residual[static_cast<std::size_t>(bin)], residual, 1e-6);
         squares += residual * residual;
     }
     EXPECT_NEAR(system.squared_error, squares, 1e-9 * squares);
+}
+
+TEST(Fit_System, parts_of_any_length_give_one_system) {
+    const Peak_List list;
+    const std::vector<double> data = Curve(BIN_NB);
+    const Plain_System whole = Put_Together(list.histo.peak_first, data, BIN_NB);
+    for (const int run : {1, 7, 64, 599}) {
+        const Plain_System parts = Put_Together(list.histo.peak_first, data, run);
+        for (std::size_t bin = 0; bin < data.size(); ++bin) {
+            ASSERT_NEAR(parts.residual[bin], whole.residual[bin], 1e-6) << run << " " << bin;
+            for (std::size_t column = 0; column < whole.jacobian[bin].size(); ++column) {
+                const double slope = whole.jacobian[bin][column];
+                ASSERT_NEAR(parts.jacobian[bin][column], slope, 1e-8 * std::abs(slope)) << run << " " << bin;
+            }
+        }
+    }
+}
+
+TEST(Fit_System, a_part_has_the_columns_of_the_peaks_that_reach_into_it) {
+    const Peak_List list;
+    const std::vector<double> data = Curve(BIN_NB);
+    const std::vector<Fit_Peak> peaks = Fit_Peaks_Of(list.histo.peak_first, BIN_NB);
+    const Fit_Part empty = Fit_Part_Make(peaks, data, {60, 100});
+    EXPECT_EQ(empty.jacobian.Columns(), 3U) << "the widest peak reaches from bin 31 on";
+    EXPECT_EQ(empty.first_column, 9);
+    const Fit_Part nothing = Fit_Part_Make(peaks, data, {24, 28});
+    EXPECT_EQ(nothing.jacobian.Columns(), 0U);
+    EXPECT_EQ(nothing.residual[3], data[27]);
+    const Fit_Part two = Fit_Part_Make(peaks, data, {130, 140});
+    EXPECT_EQ(two.jacobian.Columns(), 6U);
+    EXPECT_EQ(two.first_column, 6);
 }
 
 TEST(Fit_System, other_shapes_are_asked_for_every_bin) {
@@ -74,12 +159,13 @@ TEST(Fit_System, other_shapes_are_asked_for_every_bin) {
     for (const std::uint8_t type : {PEAK_LORENTZ, PEAK_MIXED}) {
         Histo_Peak* peak = list.histo.peak_first->next->next;
         peak->type = type;
-        const Fit_System system = Fit_System_Make(list.histo.peak_first, data);
-        for (int bin = 0; bin < BIN_NB; ++bin) {
+        const Plain_System whole = Put_Together(list.histo.peak_first, data, 128);
+        for (std::size_t bin = 0; bin < data.size(); ++bin) {
             for (std::uint8_t k = 0; k < 3; ++k) {
-                ASSERT_EQ(system.jacobian[bin][6 + k], Peak_Deriv(type, k, bin, *peak->param));
+                ASSERT_EQ(whole.jacobian[bin][6U + k], Peak_Deriv(type, k, static_cast<double>(bin), *peak->param));
             }
         }
+        Expect_Products(whole, Fit_System_Make(list.histo.peak_first, data));
     }
 }
 
@@ -89,7 +175,7 @@ TEST(Fit_System, without_peaks_the_error_is_that_of_the_data) {
     EXPECT_TRUE(system.is_complete);
     EXPECT_EQ(system.squared_error, 169.0);
     EXPECT_EQ(system.parameters.Size(), 0u);
-    EXPECT_EQ(system.jacobian.Columns(), 0u);
+    EXPECT_EQ(system.normal.Columns(), 0u);
 }
 
 TEST(Fit_System, without_bins_it_is_empty) {
@@ -115,6 +201,36 @@ TEST(Fit_System, fits_of_all_sizes_end_and_leave_their_curves) {
             }
             EXPECT_EQ(histo.peak_nb, nb);
         }
+    }
+}
+
+TEST(Fit_System, many_peaks_of_a_long_curve_are_found_as_they_are) {
+    constexpr int nb_bins = 8192;
+    constexpr int nb_peaks = 60;
+    const auto centre = [](int k) { return 70 + 136 * k; };
+    const auto width = [](int k) { return 15.0 + k % 5; };
+    Histo_Data histo;
+    histo.filtered = new double[nb_bins]();
+    histo.curve_nb = nb_bins;
+    peak_width_max = nb_bins / 5.0F;
+    peak_centre_tol = 1.25F;
+    for (int bin = 0; bin < nb_bins; ++bin) {
+        for (int k = 0; k < nb_peaks; ++k) {
+            const double away = (bin - centre(k) - 0.4) / width(k);
+            histo.filtered[bin] += std::abs(away) > 10.0 ? 0.0 : (500.0 + k) * std::exp(-0.693147181 * away * away);
+        }
+    }
+    Histo_Peak* tail = nullptr;
+    for (int k = 0; k < nb_peaks; ++k) {
+        Peak_Gauss_Add(histo, tail, centre(k), 1.0F, 10.0F);
+    }
+    Gauss_Newton(histo, nb_bins, histo.filtered, 0.1);
+    ASSERT_EQ(histo.peak_nb, nb_peaks);
+    int k = 0;
+    for (const Histo_Peak* peak = histo.peak_first; peak != nullptr; peak = peak->next, ++k) {
+        EXPECT_NEAR((*peak->param)[PEAK_CENTRE], centre(k) + 0.4, 1e-3);
+        EXPECT_NEAR((*peak->param)[PEAK_AMPLITUDE], 500.0 + k, 0.1);
+        EXPECT_NEAR((*peak->param)[PEAK_WIDTH], width(k), 1e-2);
     }
 }
 
@@ -157,12 +273,13 @@ TEST(Fit_System, evaluates_a_record_by_the_functions_that_it_brings) {
     Histo_Peak& peak = *histo.peak_first;
     own_calls = 0;
     const std::vector<double> data(BIN_NB, 0.0);
-    const Fit_System system = Fit_System_Make(&peak, data);
+    const Plain_System whole = Put_Together(&peak, data, 128);
     EXPECT_EQ(own_calls, BIN_NB);
     for (int bin = 0; bin < BIN_NB; ++bin) {
-        ASSERT_EQ(system.residual[bin], -Triangle(PEAK_GAUSS, bin, *peak.param)) << bin;
+        const auto at = static_cast<std::size_t>(bin);
+        ASSERT_EQ(whole.residual[at], -Triangle(PEAK_GAUSS, bin, *peak.param)) << bin;
         for (std::uint8_t k = 0; k < 3; ++k) {
-            ASSERT_EQ(system.jacobian[bin][k], Triangle_Slope(PEAK_GAUSS, k, bin, *peak.param)) << bin;
+            ASSERT_EQ(whole.jacobian[at][k], Triangle_Slope(PEAK_GAUSS, k, bin, *peak.param)) << bin;
         }
     }
 }

@@ -101,6 +101,33 @@ TEST(Without_Memory, results_of_matrix_operations_are_marked_invalid) {
               2);
 }
 
+TEST(Without_Memory, the_inverse_of_a_band_is_invalid_or_complete) {
+    Matrix_NxM band(60, 60, 8);
+    for (int i = 0; i < 60; ++i) {
+        band[i][i] = 2.0;
+        band[i][(i + 1) % 60] = i + 1 < 60 ? 1.0 : 0.0;
+    }
+    const Vector_N ones = [] {
+        Vector_N vector(60, 8);
+        vector[59] = 2.0;
+        return vector;
+    }();
+    EXPECT_GE(Fail_Each_Allocation([&] {
+                  Matrix_NxM inverse = !band;
+                  if (inverse.Invalid(0) != 0) {
+                      EXPECT_TRUE(Failing_Allocation::Happened());
+                      return;
+                  }
+                  const bool had_failed = Failing_Allocation::Happened();
+                  EXPECT_EQ(inverse[59][59], 0.5);
+                  EXPECT_EQ(inverse[58][59], -0.25);
+                  EXPECT_EQ(Failing_Allocation::Happened(), had_failed) << "reading takes no memory";
+                  const Vector_N solution = inverse * ones;
+                  EXPECT_TRUE(solution.Size() == 0 ? Failing_Allocation::Happened() : solution[58] == -0.5);
+              }),
+              5);
+}
+
 TEST(Without_Memory, large_matrices_are_marked_invalid_or_live_in_a_kept_block) {
     Block_Cache_Empty();
     const auto make = [] {
