@@ -58,6 +58,8 @@ struct Sse2 {
 };
 
 constexpr int LANES_MAX = SMOOTHING_WIDE_LANES;
+/** So few passes are made faster one by one than by a group of lanes that are mostly idle. */
+constexpr int PLAIN_PASSES_MAX = 3;
 
 /** One pass by the step of the kernel's scalar ends. @return maxima */
 int Plain_Pass(std::span<double> curve, float threshold) {
@@ -116,7 +118,13 @@ Smoothing_Result Smooth_To_Maxima(std::span<double> curve, std::span<double> scr
         if (made < lanes) {
             // The limit was met inside the group: its first passes once more, from the group's input.
             std::copy(scratch.begin(), scratch.end(), curve.begin());
-            group(made, maxima.data());
+            if (made > PLAIN_PASSES_MAX) {
+                group(made, maxima.data());
+            } else {
+                for (int pass = 0; pass < made; ++pass) {
+                    Plain_Pass(curve, options.threshold);
+                }
+            }
         }
     }
     while (more) {

@@ -222,12 +222,21 @@ inline void Smoothing_Group(double* curve, int n, float threshold, int passes, i
     lanes.waiting[0] = curve[1];
     constexpr int START = 2 * Set::LANES;
     const int last = n - 1 + 2 * (Set::LANES - 1);
-    if (passes == Set::LANES) {
+    if (passes < Set::LANES) {
+        Smoothing_Edges<Set>(lanes, curve, n, 1, last, threshold, passes);
+    } else if constexpr (Set::WIDTH > 2) {
         Smoothing_Edges<Set>(lanes, curve, n, 1, START - 1, threshold, passes);
         Smoothing_Middle<Set>(lanes, curve, START, n - 2, threshold);
         Smoothing_Edges<Set>(lanes, curve, n, n - 1, last, threshold, passes);
     } else {
-        Smoothing_Edges<Set>(lanes, curve, n, 1, last, threshold, passes);
+        // Vectors of two are no faster there than one lane after the other.
+        for (int step = 1; step < START; ++step) {
+            Smoothing_End_Step(lanes, curve, step, n, threshold);
+        }
+        Smoothing_Middle<Set>(lanes, curve, START, n - 2, threshold);
+        for (int step = n - 1; step <= last; ++step) {
+            Smoothing_End_Step(lanes, curve, step, n, threshold);
+        }
     }
     curve[0] = curve[1];
     for (int lane = 0; lane < Set::LANES; ++lane) {
