@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <functional>
 
+#include "kits/widgets/select_drop_list.h"
 #include "tests/histogram/blow_stage.h"
 #include "tests/support/import_hook.h"
 
@@ -164,6 +165,26 @@ TEST_F(Blow_Going, and_another_panel_opens_the_window_before_the_drop_list_retur
     EXPECT_EQ(histo_blow.panel, &*other);
     EXPECT_EQ(histo_blow.display_tag, 0) << "the choice was another window's";
     EXPECT_FALSE(histo_blow.dragging);
+}
+
+TEST_F(Blow_Going, and_another_panel_opens_the_window_before_a_picked_item_is_told) {
+    Open_Going();
+    std::optional<Tool_Histo> other;
+    answer = [&] {
+        going->Go();
+        other.emplace();
+        stage.Lay_Out(*other);
+        Press_Blow(*other);
+    };
+    Drop_List_Runner_Set([](const Drop_List_Request& /*request*/) {
+        Answer_Once();
+        return 1;
+    });
+    Send(WM_LBUTTONDOWN, MK_LBUTTON, Field_Of(histo_blow.tag_select));
+    Drop_List_Runner_Set(nullptr);
+    ASSERT_NE(Window(), nullptr);
+    EXPECT_EQ(histo_blow.panel, &*other);
+    EXPECT_EQ(histo_blow.display_tag, 0) << "the pick was another window's";
 }
 
 TEST_F(Blow_Going, while_the_export_asks_for_a_file) {
