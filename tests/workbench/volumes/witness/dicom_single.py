@@ -19,7 +19,7 @@ def greys_read(path):
     return apply_modality_lut(ds.pixel_array, ds).astype(numpy.float64).reshape(-1, ds.Rows, ds.Columns)
 
 
-def grey(case):
+def grey(case, photometric="MONOCHROME2"):
     rng = case.rng
     bits = rng.choice([8, 16, 16, 32])
     stored = bits if bits != 16 else rng.choice([16, 14, 12, 10])
@@ -39,12 +39,16 @@ def grey(case):
     if rng.random() < 0.7:
         scale = float(decimal(rng.choice([1, -1]) * 10 ** rng.uniform(-6, 4))), float(decimal(rng.uniform(-2000, 2000)))
         ds.RescaleSlope, ds.RescaleIntercept = decimal(scale[0]), decimal(scale[1])
-    if rng.random() < 0.3:
-        ds.PhotometricInterpretation = "MONOCHROME1"
+    ds.PhotometricInterpretation = photometric
     greys = greys_read(case.write(ds, "one.dcm"))
     error = scale_error([(scale, values)])
     case.expect(greys, case.affine(case.corner, case.turn[2] * thickness), error)
     case.told("one.dcm", scale_told("frames", [abs(scale[0] if scale else 1.0)], error))
+
+
+def grey_inverted(case):
+    """Shown with dark and bright exchanged; greys are the same."""
+    grey(case, "MONOCHROME1")
 
 
 def grey_table(case):
@@ -279,5 +283,5 @@ def refused(case):
         case.told("x.dcm", "is compressed in a way that is not decoded (JPEG Baseline)")
 
 
-KINDS = [grey, grey_table, palette, palette_signed, color, ultrasound, proportion, real_world, wrong_syntax, frames_none,
-         refused]
+KINDS = [grey, grey_inverted, grey_table, palette, palette_signed, color, ultrasound, proportion, real_world, wrong_syntax,
+         frames_none, refused]
