@@ -283,5 +283,5 @@ def refused(case):
         case.told("x.dcm", "is compressed in a way that is not decoded (JPEG Baseline)")
 
 
-KINDS = [grey, grey_inverted, grey_table, palette, palette_signed, color, ultrasound, proportion, real_world, wrong_syntax,
-         frames_none, refused]
+KINDS = [grey, grey_inverted, grey_table, palette, palette_signed, color, ultrasound, proportion, real_world,
+         wrong_syntax, frames_none, refused]
