@@ -11,7 +11,7 @@ constexpr int BUTTON_GAP = 2;
 
 }  // namespace
 
-DB_Layout DB_Layout_Make(const DB_Place& panel, const DB_Metrics& metrics) {
+DB_Layout DB_Layout_Make(const Pixel_Rectangle& panel, const DB_Metrics& metrics) {
     const int space = metrics.space;
     const int slider = metrics.slider_width;
     const int button = metrics.button_height;

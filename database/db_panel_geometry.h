@@ -1,14 +1,7 @@
 /** Where the widgets and zones of a database panel stand. Pixels of the window's axis, y counted upward. */
 #pragma once
 
-/** A rectangle of a window: x .. x + width - 1, y .. y + height - 1. */
-struct DB_Place {
-    int x = 0;
-    int y = 0;
-    int width = 0;
-    int height = 0;
-    friend bool operator==(const DB_Place&, const DB_Place&) = default;
-};
+#include "base/pixel_rectangle.h"
 
 /** What the layout depends on besides the panel's rectangle, pixels. */
 struct DB_Metrics {
@@ -19,20 +12,20 @@ struct DB_Metrics {
 };
 
 struct DB_Layout {
-    DB_Place select_all;
-    DB_Place select_none;
-    DB_Place warning_title;  ///< edit mode: in place of the buttons
-    DB_Place warning_line;
-    DB_Place vertical;
-    DB_Place horizontal;
-    DB_Place list;      ///< the tree
-    DB_Place top_zone;  ///< auto-scroll zones around the tree; the upper one reaches 10 pixels into it
-    DB_Place bottom_zone;
-    DB_Place left_zone;
-    DB_Place right_zone;
+    Pixel_Rectangle select_all;
+    Pixel_Rectangle select_none;
+    Pixel_Rectangle warning_title;  ///< edit mode: in place of the buttons
+    Pixel_Rectangle warning_line;
+    Pixel_Rectangle vertical;
+    Pixel_Rectangle horizontal;
+    Pixel_Rectangle list;      ///< the tree
+    Pixel_Rectangle top_zone;  ///< auto-scroll zones around the tree; the upper one reaches 10 pixels into it
+    Pixel_Rectangle bottom_zone;
+    Pixel_Rectangle left_zone;
+    Pixel_Rectangle right_zone;
 };
 
-DB_Layout DB_Layout_Make(const DB_Place& panel, const DB_Metrics& metrics);
+DB_Layout DB_Layout_Make(const Pixel_Rectangle& panel, const DB_Metrics& metrics);
 
 /** The next larger font scale. 0, the library's own, stays 0. */
 constexpr short DB_Font_Scale_Larger(int scale) {

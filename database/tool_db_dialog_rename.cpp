@@ -8,10 +8,12 @@
 #include <cstring>
 
 #include "base/gdi_handles.h"
+#include "base/wheel_remainder.h"
 #include "database/db_panel_geometry.h"
 #include "host/kit_common.h"
 #include "host/kit_widgets.h"
 #include "panels/protocol/host_variables.h"
+#include "panels/protocol/widget_place.h"
 
 namespace {
 
@@ -39,15 +41,12 @@ struct Rename_Dialog {
     Buttons cancel;
     Texts entry;
     Texts prompt;
-    int wheel = 0;
+    Wheel_Remainder wheel;
 };
 Rename_Dialog* dialog = nullptr;  // while it is open
 
-void Place(Tools& widget, int x, int y, int width, int height) {
-    widget.x = static_cast<short>(x);
-    widget.y = static_cast<short>(y);
-    widget.width = static_cast<short>(width);
-    widget.height = static_cast<short>(height);
+void Frame_In(Tools& widget, const Pixel_Rectangle& place) {
+    Widget_Place(widget, place);
     widget.border = static_cast<unsigned short>(Host_Dimension("$INTERFACE_BORDER_DIM"));
 }
 
@@ -69,34 +68,34 @@ void Lay_Out(Rename_Dialog& rename, int width, int height) {
     const int half = (inner - space) / 2;
 
     rename.box.style = STYLE_FRAMED_BOX;
-    Place(rename.box, 0, 0, width - 1, height - 1);
+    Frame_In(rename.box, {0, 0, width - 1, height - 1});
     rename.box.font_name = Host_Pointer<const char>("$INTERFACE_TITLE_FONT_NAME");
     rename.box.font_weight = Host_Pointer<const char>("$INTERFACE_TITLE_FONT_WEIGHT");
     rename.box.font_scale = Host_Dimension("$INTERFACE_TITLE_FONT_SCALE");
     rename.box.Set_Color(GREY_BOX, GREY_BOX, GREY_BOX);
     rename.box.Init(rename.window);
 
-    Place(rename.save, space, space, half, button);
+    Frame_In(rename.save, {space, space, half, button});
     Tool_Font(rename.save, true);
     rename.save.Set_Color(GREY_BOX, GREY_BOX, GREY_BOX);
     rename.save.Set_Name("Save");
     rename.save.Init(rename.window);
 
     // The library's own space comes on top of the host's; kept.
-    Place(rename.cancel, 2 * space + half + SPACE, space, half, button);
+    Frame_In(rename.cancel, {2 * space + half + SPACE, space, half, button});
     Tool_Font(rename.cancel, true);
     rename.cancel.Set_Color(200, 200, 100);
     rename.cancel.Set_Name("Cancel");
     rename.cancel.Init(rename.window);
 
     rename.entry.style = STYLE_EDIT_LIVE;
-    Place(rename.entry, space, 2 * space + button, inner, button);
+    Frame_In(rename.entry, {space, 2 * space + button, inner, button});
     Tool_Font(rename.entry, false);
     rename.entry.Set_Color(GREY_ENTRY, GREY_ENTRY, GREY_ENTRY);
     rename.entry.Init(rename.window);
 
     const int above_entry = 3 * space + 2 * button;
-    Place(rename.prompt, space, above_entry, inner, height - 1 - above_entry - space);
+    Frame_In(rename.prompt, {space, above_entry, inner, height - 1 - above_entry - space});
     Tool_Font(rename.prompt, false);
     rename.prompt.Set_Color(GREY_BOX, GREY_BOX, GREY_BOX);
     rename.prompt.Init(rename.window);
@@ -276,12 +275,10 @@ bool Click(Rename_Dialog& rename, bool is_press) {
 }
 
 void Wheel(Rename_Dialog& rename, int delta) {
-    rename.wheel += delta;
-    if (rename.wheel > -WHEEL_DELTA && rename.wheel < WHEEL_DELTA) {
+    if (rename.wheel.Add(delta) == 0) {  // whole notches are dropped: nothing scrolls
         return;
     }
     Error_Fct(hwnd, TRACE_LEVEL, "tool_db_dialog_rename::Dialog_Proc(WM_MOUSEWHEEL)");
-    rename.wheel %= WHEEL_DELTA;  // whole notches are dropped: nothing scrolls
 }
 
 INT_PTR CALLBACK Dialog_Proc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {

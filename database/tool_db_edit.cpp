@@ -135,7 +135,7 @@ bool Locate(const Edit_Stage& stage, Edit_Hit* hit) {
 
 /** Draws the nodes of these zones that are in view. */
 void Nodes_Draw(const Edit_Stage& stage, const int* code, std::size_t code_nb, bool highlighted) {
-    const Tree_DC dc(*stage.box, "tool_db_edit::DB_Edit_Motion");
+    const Drawing_DC dc(stage.box->window, "tool_db_edit::DB_Edit_Motion");
     if (!dc) {
         return;
     }
@@ -177,7 +177,7 @@ void Lines_Take_Away(const Edit_Stage& stage) {
     if (!editor.lines_shown || editor.owner != stage.list_pt || editor.dragged_in != stage.box) {
         return;
     }
-    const Tree_DC dc(*stage.box, "tool_db_edit::DB_Edit_Drag");
+    const Drawing_DC dc(stage.box->window, "tool_db_edit::DB_Edit_Drag");
     if (dc) {
         Edit_Painter(dc.Get(), stage.View()).Drag_Lines(stage.nb, stage.list_pt, editor.marks.dragged, editor.lines_to);
         editor.lines_shown = false;
@@ -388,7 +388,7 @@ bool Hover(const Edit_Stage& stage, int code) {
 // ---- operations
 
 int DB_Edit_Draw(int mode, Boxs* box, int nb, DB_List* list_pt, Sliders* horizontal, Sliders* vertical) {
-    const Tree_DC dc(*box, "tool_db_edit::DB_Edit_Draw");
+    const Drawing_DC dc(box->window, "tool_db_edit::DB_Edit_Draw");
     if (!dc) {
         return 0;
     }
@@ -487,7 +487,7 @@ int DB_Edit_Drag(Boxs* box, int nb, DB_List* list_pt, Sliders* horizontal, Slide
     if (list_pt == nullptr || editor.owner != list_pt || !Has_Pixels(*box)) {
         return 0;
     }
-    const Tree_DC dc(*box, "tool_db_edit::DB_Edit_Drag");
+    const Drawing_DC dc(box->window, "tool_db_edit::DB_Edit_Drag");
     if (!dc) {
         return 0;
     }

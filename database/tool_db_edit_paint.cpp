@@ -307,7 +307,7 @@ void Edit_Painter::Drag_Lines(int nb, const DB_List* list_pt, const std::vector<
 }
 
 void DB_Draw_Circle(Boxs* box, int x, int y, int radius, std::uint32_t pen, std::uint32_t fill) {
-    const Tree_DC dc(*box, "tool_db_edit::DB_Draw_Circle");
+    const Drawing_DC dc(box->window, "tool_db_edit::DB_Draw_Circle");
     if (dc) {
         Edit_Painter(dc.Get(), {box}).Circle(x, y, radius, pen, fill);
     }
@@ -315,7 +315,7 @@ void DB_Draw_Circle(Boxs* box, int x, int y, int radius, std::uint32_t pen, std:
 
 void DB_Draw_Expand(Boxs* box, const DB_List* record, Sliders* horizontal, Sliders* vertical, std::uint32_t fill,
                     int kind) {
-    const Tree_DC dc(*box, "tool_db_edit::DB_Draw_Expand");
+    const Drawing_DC dc(box->window, "tool_db_edit::DB_Draw_Expand");
     if (dc) {
         Edit_Painter(dc.Get(), Edit_View_Of(*box, *horizontal, *vertical)).Toggle(*record, fill, kind);
     }

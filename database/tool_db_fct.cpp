@@ -66,7 +66,7 @@ void Press(const DB_Tree_Point& at, Boxs* box, int nb, DB_List* list_pt, Sliders
 
 bool DB_List_Pointer(const Boxs& box, const Sliders& horizontal, const Sliders& vertical, const char* label,
                      DB_Tree_Point* point) {
-    const Tree_DC dc(box, label);
+    const Drawing_DC dc(box.window, label);
     if (!dc) {
         return false;
     }
@@ -104,7 +104,7 @@ void DB_Slider_Fit(Sliders& slider, const Tree_Extent& extent) {
 
 int DB_List_Draw(Boxs* box, int nb, DB_List* list_pt, Sliders* horizontal, Sliders* vertical) {
     const int result = list_pt != nullptr ? 1 : 0;
-    const Tree_DC dc(*box, "tool_db_fct: DB_List_Draw");
+    const Drawing_DC dc(box->window, "tool_db_fct: DB_List_Draw");
     if (!dc) {
         return result;
     }
@@ -133,7 +133,7 @@ int DB_List_Text_Pos(Boxs* box, int nb, DB_List* list_pt) {
     if (list_pt == nullptr) {
         return 0;
     }
-    const Tree_DC dc(*box, "tool_db_fct: DB_List_Text_Pos");
+    const Drawing_DC dc(box->window, "tool_db_fct: DB_List_Text_Pos");
     return dc ? Width_Measure(dc.Get(), *box, nb, list_pt) : 0;
 }
 
@@ -184,7 +184,7 @@ bool DB_List_Draw_Box(Boxs* box, Sliders* horizontal, Sliders* vertical) {
         db_drag.band_shown = false;
         return false;
     }
-    const Tree_DC dc(*box, "tool_db_fct: DB_List_Draw_Box");
+    const Drawing_DC dc(box->window, "tool_db_fct: DB_List_Draw_Box");
     if (!dc) {
         return false;
     }

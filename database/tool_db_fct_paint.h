@@ -1,31 +1,12 @@
 /** Drawing of tree rows with GDI, for tool_db_fct.cpp. Windows only. */
 #pragma once
 
+#include "base/drawing_dc.h"
 #include "base/gdi_handles.h"
 
 #include "database/text_widths.h"
 #include "database/tree_rows.h"
 #include "host/kit_widgets.h"
-
-/** The device context of a box's window, cut at the box on demand. */
-class Tree_DC {
-  public:
-    /** @param label names the operation when there is none */
-    Tree_DC(const Boxs& box, const char* label) : window(box.window), dc(Y_setup(box.window, label)) {}
-    ~Tree_DC() {
-        if (dc != nullptr) {
-            Y_release(window, dc);
-        }
-    }
-    Tree_DC(const Tree_DC&) = delete;
-    Tree_DC& operator=(const Tree_DC&) = delete;
-    explicit operator bool() const { return dc != nullptr; }
-    HDC Get() const { return dc; }
-
-  private:
-    HWND window;
-    HDC dc;
-};
 
 /** A box without width or height has no pixels. */
 inline bool Has_Pixels(const Boxs& box) {

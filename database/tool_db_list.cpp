@@ -8,6 +8,7 @@
 #include "database/tool_db_fct.h"
 #include "host/kit_common.h"
 #include "panels/protocol/host_variables.h"
+#include "panels/protocol/widget_place.h"
 
 namespace {
 
@@ -29,20 +30,17 @@ constexpr const char* WARNING_LINE[] = {
 /** Which line the next drawing shows; one for all panels. */
 int warning_toggle = 0;
 
-void Place(Tools& widget, const DB_Place& place, const Boxs& host) {
-    widget.x = static_cast<short>(place.x);
-    widget.y = static_cast<short>(place.y);
-    widget.width = static_cast<short>(place.width);
-    widget.height = static_cast<short>(place.height);
+void Dress(Tools& widget, const Pixel_Rectangle& place, const Boxs& host) {
+    Widget_Place(widget, place);
     widget.Take_Look(host);
 }
 
 /** Gives a slider its place and its first range; the position stays, the next drawing of the tree limits it. */
-void Place_Slider(Sliders& slider, const DB_Place& place, const Boxs& host, float maximum) {
+void Place_Slider(Sliders& slider, const Pixel_Rectangle& place, const Boxs& host, float maximum) {
     const float position = slider.value;
     slider.minimum = 0.0F;
     slider.maximum = maximum;
-    Place(slider, place, host);
+    Dress(slider, place, host);
     slider.Init(host.window);
     slider.value = position;
 }
@@ -122,31 +120,32 @@ int Tool_DB_List::Resize(Boxs* box) {
     metrics.slider_width = Host_Dimension("$INTERFACE_VAL_DIM_SML");
     metrics.button_height = Host_Dimension("$INTERFACE_BUTTON_DIM_SML");
     metrics.margin = box->border;
-    const DB_Place panel{box->x, box->y, box->width, box->height};
+    const Pixel_Rectangle panel = Widget_Rectangle(*box);
     const DB_Layout layout = DB_Layout_Make(panel, metrics);
 
-    Place(panel_box, panel, *box);
+    Dress(panel_box, panel, *box);
     panel_box.Init(box->window);
-    Place(list_box, layout.list, *box);
+    Dress(list_box, layout.list, *box);
     list_box.Init(box->window);
     Boxs* const zone[] = {&top_zone, &bottom_zone, &left_zone, &right_zone};
-    const DB_Place* const zone_place[] = {&layout.top_zone, &layout.bottom_zone, &layout.left_zone, &layout.right_zone};
+    const Pixel_Rectangle* const zone_place[] = {&layout.top_zone, &layout.bottom_zone, &layout.left_zone,
+                                                 &layout.right_zone};
     for (int i = 0; i < 4; ++i) {
-        Place(*zone[i], *zone_place[i], *box);
+        Dress(*zone[i], *zone_place[i], *box);
         zone[i]->Init(box->window);
     }
 
-    Place(select_all, layout.select_all, *box);
+    Dress(select_all, layout.select_all, *box);
     select_all.Init(box->window);
-    Place(select_none, layout.select_none, *box);
+    Dress(select_none, layout.select_none, *box);
     select_none.Init(box->window);
 
-    Place(warning[0], layout.warning_title, *box);
+    Dress(warning[0], layout.warning_title, *box);
     warning[0].Set_Name(" Warning!");
     warning[0].Set_Color(255, 255, 0);
     warning[0].font_scale = DB_Font_Scale_Larger(box->font_scale);
     warning[0].Init(box->window);
-    Place(warning[1], layout.warning_line, *box);
+    Dress(warning[1], layout.warning_line, *box);
     warning[1].Set_Color(0, 1, 0);
     warning[1].Init(box->window);
 

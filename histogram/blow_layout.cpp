@@ -42,7 +42,7 @@ int Controls_Height(const Blow_Metrics& metrics, const Select_Rows& rows) {
     return 2 * metrics.space + metrics.button_height + row_nb * (rows.height + metrics.space);
 }
 
-Select_Rows Select_Rows_Choose(const Blow_Metrics& metrics, const Histo_Rectangle& plot) {
+Select_Rows Select_Rows_Choose(const Blow_Metrics& metrics, const Pixel_Rectangle& plot) {
     Select_Rows rows{metrics.select_nb, metrics.button_height};
     while (rows.per_row > 1 && Slot_Width(metrics, plot.width, rows.per_row) < Select_Width(metrics.font_height)) {
         --rows.per_row;
@@ -78,7 +78,7 @@ int Blow_Axis_Font(int font_height, int margin, int rows) {
 
 Blow_Layout Blow_Layout_Make(const Blow_Metrics& metrics) {
     Blow_Layout layout;
-    Histo_Rectangle& plot = layout.plot;
+    Pixel_Rectangle& plot = layout.plot;
     plot = {CLIENT_MARGIN, CLIENT_MARGIN, std::max(metrics.client_width - 2 * CLIENT_MARGIN, 0),
             std::max(metrics.client_height - 2 * CLIENT_MARGIN, 0)};
     const int top = plot.y + plot.height;

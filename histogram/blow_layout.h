@@ -25,10 +25,10 @@ struct Blow_Metrics {
 int Blow_Axis_Font(int font_height, int margin, int rows);
 
 struct Blow_Layout {
-    Histo_Rectangle plot;  ///< the plot box, border included; a client area that is too small leaves it without extent
-    Histo_Rectangle reset_button;
-    Histo_Rectangle export_button;
-    std::array<Histo_Rectangle, BLOW_SELECT_MAX> select{};
+    Pixel_Rectangle plot;  ///< the plot box, border included; a client area that is too small leaves it without extent
+    Pixel_Rectangle reset_button;
+    Pixel_Rectangle export_button;
+    std::array<Pixel_Rectangle, BLOW_SELECT_MAX> select{};
     int select_arrow = 0;  ///< width of a selector's arrow; 0 where the texts leave no room for arrows
     int select_font = 0;   ///< font height of the selectors
     int top_reserved = 0;  ///< rows below the plot box's upper edge that the controls cover

@@ -10,7 +10,6 @@ constexpr float WIDEN_X = 0.05F;
 constexpr float WIDEN_Y = 0.10F;
 constexpr float PINCH_MIN = 0.09F;
 constexpr float PINCH_MAX = 1.1F;
-constexpr int WHEEL_DELTA_NOTCH = 120;
 constexpr int NOTCHES_BACK_MAX = -9;  // one more would make the factor vanish
 
 Blow_Range Widened(float start, float end, float part) {
@@ -67,15 +66,14 @@ void Blow_Direction::Origin_Clamp() {
     }
 }
 
-void Blow_View::Full_View_Set(const Histo_Record& record, const Blow_Area& plot_area) {
+void Blow_View::Full_View_Set(const Histo_Record& record, const Pixel_Rectangle& plot_area) {
     if (plot_area.Is_Empty()) {
         x_direction.pixels = y_direction.pixels = 0;
         return;
     }
     const float last_bin = static_cast<float>(record.nb_bins - 1) * record.bin_width + record.origin;
-    x_direction.Full_Set(Widened(record.origin, last_bin, WIDEN_X), plot_area.left, plot_area.width);
-    y_direction.Full_Set(Widened(0.0F, static_cast<float>(record.max_count), WIDEN_Y), plot_area.bottom,
-                         plot_area.height);
+    x_direction.Full_Set(Widened(record.origin, last_bin, WIDEN_X), plot_area.x, plot_area.width);
+    y_direction.Full_Set(Widened(0.0F, static_cast<float>(record.max_count), WIDEN_Y), plot_area.y, plot_area.height);
     // A zoom of data without extent has no scale to go on with.
     if (!zoomed || !Is_Usable(x_direction.at.scale) || !Is_Usable(y_direction.at.scale)) {
         Reset();
@@ -132,11 +130,4 @@ bool Blow_View::Zoom_Pinch(const Gesture_Record& gesture) {
          {y_direction.at.origin, std::min(y_direction.at.scale / gesture.fy, y_direction.scale_max)});
     zoomed = true;
     return true;
-}
-
-int Wheel_Accumulator::Add(int delta) {
-    remainder += delta;
-    const int notches = remainder / WHEEL_DELTA_NOTCH;
-    remainder -= notches * WHEEL_DELTA_NOTCH;
-    return notches;
 }

@@ -5,16 +5,8 @@
  */
 #pragma once
 
+#include "base/pixel_rectangle.h"
 #include "host/kit_dataset.h"
-
-/** The plot area in window pixels, y upward. */
-struct Blow_Area {
-    int left = 0;
-    int bottom = 0;
-    int width = 0;   ///< 0 or less: nothing is computed
-    int height = 0;  ///< 0 or less: nothing is computed
-    bool Is_Empty() const { return width <= 0 || height <= 0; }
-};
 
 /** One direction of a range of data. */
 struct Blow_Range {
@@ -72,7 +64,7 @@ class Blow_View {
   public:
     /** Takes the unzoomed view of a record: all bins, widened by 5 % in x and 10 % in y at each end. The view itself
      * follows unless it is zoomed. */
-    void Full_View_Set(const Histo_Record& record, const Blow_Area& plot_area);
+    void Full_View_Set(const Histo_Record& record, const Pixel_Rectangle& plot_area);
     /** Back to the full view. */
     void Reset();
     /** Zooms to a dragged rectangle, its corners clamped into the plot area. No origin clamp and no scale limit, unlike
@@ -101,15 +93,4 @@ class Blow_View {
     Blow_Direction x_direction;
     Blow_Direction y_direction;
     bool zoomed = false;
-};
-
-/** Wheel deltas that have not made a whole notch yet. */
-class Wheel_Accumulator {
-  public:
-    /** Adds a delta. @return whole notches (toward zero); the remainder is kept */
-    int Add(int delta);
-    int Remainder() const { return remainder; }
-
-  private:
-    int remainder = 0;
 };

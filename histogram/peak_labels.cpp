@@ -11,14 +11,14 @@ constexpr int LEVELS_UP = 8;       // lines of text that a label may rise
 constexpr int LEVELS_DOWN = 3;     // or sink
 constexpr int COVER_PERCENT = 25;  // of the plot area that labels may hide
 
-struct Label_Rectangle {
+struct Label_Corners {
     int left;
     int bottom;
     int right;
     int top;
 };
 
-bool Collide(const Label_Rectangle& a, const Label_Rectangle& b) {
+bool Collide(const Label_Corners& a, const Label_Corners& b) {
     return a.left < b.right + PEAK_LABEL_APART && b.left < a.right + PEAK_LABEL_APART && a.bottom < b.top &&
            b.bottom < a.top;
 }
@@ -61,7 +61,7 @@ class Label_Placer {
         const int aside = request.width / 2;
         for (const int shift : std::array{0, -aside / 2, aside / 2, -aside, aside}) {
             const int left = std::clamp(middle + shift, 0, width - request.width);
-            const Label_Rectangle wanted = {left, bottom, left + request.width, bottom + request.height};
+            const Label_Corners wanted = {left, bottom, left + request.width, bottom + request.height};
             if (std::none_of(taken.begin(), taken.end(), [&](const auto& other) { return Collide(wanted, other); })) {
                 taken.push_back(wanted);
                 covered += static_cast<std::int64_t>(request.width) * request.height;
@@ -74,7 +74,7 @@ class Label_Placer {
     int width;
     int height;
     std::int64_t covered = 0;  // pixels under labels
-    std::vector<Label_Rectangle> taken;
+    std::vector<Label_Corners> taken;
 };
 
 }  // namespace

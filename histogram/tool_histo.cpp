@@ -14,22 +14,11 @@
 #include "histogram/tool_histo_window.h"
 #include "host/kit_common.h"
 #include "panels/protocol/host_variables.h"
+#include "panels/protocol/widget_place.h"
 
 namespace {
 
 constexpr float VALUATOR_STEP = 0.05F;
-
-short To_Short(int value) {
-    return static_cast<short>(
-        std::clamp<int>(value, std::numeric_limits<short>::min(), std::numeric_limits<short>::max()));
-}
-
-void Place(Tools& widget, const Histo_Rectangle& rectangle) {
-    widget.x = To_Short(rectangle.x);
-    widget.y = To_Short(rectangle.y);
-    widget.width = To_Short(rectangle.width);
-    widget.height = To_Short(rectangle.height);
-}
 
 std::shared_ptr<Histo_Data> Data_Make() {
     try {
@@ -77,13 +66,13 @@ int Tool_Histo::Resize(Boxs* box) {
 
     style = STYLE_FRAMED_BOX;
     Take_Look(*box);
-    Place(*this, layout.plot);
+    Widget_Place(*this, layout.plot);
     Init(box->window);
 
     scale = HISTO_SCALE_MAX;
     scale_valuator.style = STYLE_SLIDER_VERTICAL;
     scale_valuator.Take_Look(*box);
-    Place(scale_valuator, layout.valuator);
+    Widget_Place(scale_valuator, layout.valuator);
     scale_valuator.value = HISTO_SCALE_MAX;
     scale_valuator.minimum = HISTO_SCALE_MIN;
     scale_valuator.maximum = HISTO_SCALE_MAX;
@@ -91,7 +80,7 @@ int Tool_Histo::Resize(Boxs* box) {
 
     blow_button.style = STYLE_BUTTON;
     blow_button.Take_Look(*box);
-    Place(blow_button, layout.button);
+    Widget_Place(blow_button, layout.button);
     blow_button.Set_Name("Blow");
     blow_button.current = Histo_Window_Exists() ? 1 : 0;
     blow_button.Init(box->window);

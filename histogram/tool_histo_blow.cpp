@@ -15,6 +15,7 @@
 #include "host/kit_graph.h"
 #include "kits/widgets/widgets_host.h"
 #include "panels/protocol/host_variables.h"
+#include "panels/protocol/widget_place.h"
 
 Histo_Blow_State histo_blow;
 
@@ -128,30 +129,22 @@ bool Plot_Contains(int x, int y) {
 
 // ---- layout
 
-void Place(Tools& widget, const Histo_Rectangle& rectangle) {
-    // A client area is at most 32767 pixels wide and high, so everything in it fits.
-    widget.x = static_cast<short>(rectangle.x);
-    widget.y = static_cast<short>(rectangle.y);
-    widget.width = static_cast<short>(rectangle.width);
-    widget.height = static_cast<short>(rectangle.height);
-}
-
 void Select_Place(Selects& select, const Blow_Layout& layout, std::size_t slot) {
     tool_font.Give(select);
     select.font_scale = static_cast<short>(layout.select_font);
     select.Set_Color(PLOT_COLOR[0], PLOT_COLOR[1], PLOT_COLOR[2]);
     select.border = histo_blow.plot.border;
     select.arrow = static_cast<short>(layout.select_arrow);
-    Place(select, layout.select[slot]);
+    Widget_Place(select, layout.select[slot]);
     select.Init(histo_blow.window);
 }
 
-void Button_Place(Buttons& button, const char* caption, const Histo_Rectangle& rectangle) {
+void Button_Place(Buttons& button, const char* caption, const Pixel_Rectangle& rectangle) {
     title_font.Give(button);
     button.Set_Color(CONTROL_COLOR[0], CONTROL_COLOR[1], CONTROL_COLOR[2]);
     button.border = histo_blow.plot.border;
     button.Set_Name("%s", caption);
-    Place(button, rectangle);
+    Widget_Place(button, rectangle);
     button.Init(histo_blow.window);
 }
 
@@ -172,7 +165,7 @@ void Lay_Out() {
     plot.border = static_cast<unsigned short>(std::max<int>(Host_Dimension("$INTERFACE_BORDER_DIM"), 0));
     plot.Set_Color(PLOT_COLOR[0], PLOT_COLOR[1], PLOT_COLOR[2]);
     tool_font.Give(plot);
-    Place(plot, layout.plot);
+    Widget_Place(plot, layout.plot);
     plot.window = histo_blow.window;
     const Plot_Area area = Plot_Window_Area(plot, titles.x.data(), titles.y.data(), layout.top_reserved);
     const int free_above = plot.y + plot.height - layout.top_reserved - (area.bottom + area.height);

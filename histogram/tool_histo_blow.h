@@ -7,6 +7,7 @@
 
 #include <cstdint>
 
+#include "base/wheel_remainder.h"
 #include "histogram/blow_view.h"
 #include "host/kit_widgets.h"
 #include "host/platform.h"
@@ -25,7 +26,7 @@ struct Histo_Blow_State {
     int caption_height = 0;
     int frame_height = 0;
 
-    Wheel_Accumulator wheel;
+    Wheel_Remainder wheel;
     Blow_View view;  ///< zoom, origin, scale and their limits
     bool dragging = false;
     Blow_Drag drag;
@@ -35,7 +36,7 @@ struct Histo_Blow_State {
     int display_peak = 0;    ///< Histo_Peak_Display
 
     Boxs plot;
-    Blow_Area area;  ///< where data is drawn, inside the box's margins
+    Pixel_Rectangle area;  ///< where data is drawn, inside the box's margins
     Buttons reset_button;
     Buttons export_button;
     Selects peak_select;  ///< without items while the panel has no peaks: it does not exist then

@@ -1,4 +1,5 @@
 // Drawing of the histogram panel: GDI, no decisions about data.
+#include "base/drawing_dc.h"
 #include "base/gdi_handles.h"
 
 #include "histogram/tool_histo_paint.h"
@@ -26,40 +27,29 @@ constexpr COLORREF WHITE = 0xFFFFFF;
 /** The panel's device context, in device units whatever the window's axis: polygons land on the same pixels in both. */
 class Panel_DC {
   public:
-    Panel_DC(const Tool_Histo& panel, const char* label)
-        : window(panel.window), dc(Y_setup(panel.window, label)), saved(dc) {
-        if (dc == nullptr) {
+    Panel_DC(const Tool_Histo& panel, const char* label) : drawing(panel.window, label), saved(drawing.Get()) {
+        if (!drawing) {
             return;
         }
         std::array<POINT, 2> corners = {POINT{panel.x, panel.y},
                                         POINT{panel.x + panel.width - 1, panel.y + panel.height - 1}};
-        ::LPtoDP(dc, corners.data(), static_cast<int>(corners.size()));
+        ::LPtoDP(Get(), corners.data(), static_cast<int>(corners.size()));
         box = {std::min<int>(corners[0].x, corners[1].x), std::min<int>(corners[0].y, corners[1].y), panel.width,
                panel.height};
-        ::SetMapMode(dc, MM_TEXT);
-        ::SetWindowOrgEx(dc, 0, 0, nullptr);
-        ::SetViewportOrgEx(dc, 0, 0, nullptr);
+        ::SetMapMode(Get(), MM_TEXT);
+        ::SetWindowOrgEx(Get(), 0, 0, nullptr);
+        ::SetViewportOrgEx(Get(), 0, 0, nullptr);
     }
-    ~Panel_DC() {
-        if (dc != nullptr) {
-            saved.Restore();
-            Y_release(window, dc);
-        }
-    }
-    Panel_DC(const Panel_DC&) = delete;
-    Panel_DC& operator=(const Panel_DC&) = delete;
-
-    HDC Get() const { return dc; }
-    const Histo_Rectangle& Box() const { return box; }
+    HDC Get() const { return drawing.Get(); }
+    const Pixel_Rectangle& Box() const { return box; }
 
   private:
-    HWND window;
-    HDC dc;
-    Saved_DC saved;
-    Histo_Rectangle box;
+    Drawing_DC drawing;
+    Saved_DC saved;  // declared after the device context, so that it goes before it
+    Pixel_Rectangle box;
 };
 
-Plot_Scale Scale_Of(const Tool_Histo& panel, const Histo_Rectangle& inner) {
+Plot_Scale Scale_Of(const Tool_Histo& panel, const Pixel_Rectangle& inner) {
     const Histo_Record& record = *panel.data->record;
     return {{inner.x, inner.width, inner.height},
             {record.nb_bins, record.origin, record.bin_width},
@@ -152,7 +142,7 @@ Bin_Band Next_Visible(const Bin_Bands& bands, std::size_t range, std::size_t ran
 }
 
 /** A part of a TAG band: checkered over the full height, with the bars solid. */
-void Draw_Band(HDC dc, const Tool_Histo& panel, const Plot_Scale& scale, const Histo_Rectangle& inner,
+void Draw_Band(HDC dc, const Tool_Histo& panel, const Plot_Scale& scale, const Pixel_Rectangle& inner,
                const Bin_Band& bins, COLORREF color) {
     const RECT band = {scale.Bin_To_Column(bins.first), inner.y, scale.Bin_To_Column(bins.last + 1),
                        inner.y + inner.height};
@@ -163,7 +153,7 @@ void Draw_Band(HDC dc, const Tool_Histo& panel, const Plot_Scale& scale, const H
               bins.first, bins.last, color);
 }
 
-void Draw_Bands(HDC dc, const Tool_Histo& panel, const Plot_Scale& scale, const Histo_Rectangle& inner) {
+void Draw_Bands(HDC dc, const Tool_Histo& panel, const Plot_Scale& scale, const Pixel_Rectangle& inner) {
     Histo_Tag_Colors colors;
     colors.Look_Up();
     const Bin_Bands bands = Bands_Of(panel, scale);
@@ -254,14 +244,14 @@ void Draw_Outline(HDC dc, const Plot_Scale& scale, int base, const Histo_Curve& 
     }
 }
 
-void Draw_Plot(HDC dc, const Tool_Histo& panel, const Histo_Rectangle& box) {
+void Draw_Plot(HDC dc, const Tool_Histo& panel, const Pixel_Rectangle& box) {
     const RECT interior = {box.x + panel.border, box.y + panel.border, box.x + box.width - panel.border,
                            box.y + box.height - panel.border};
     if (interior.right <= interior.left || interior.bottom <= interior.top) {
         return;  // a rectangle turned inside out would be filled all the same
     }
     ::FillRect(dc, &interior, static_cast<HBRUSH>(::GetStockObject(BLACK_BRUSH)));
-    const Histo_Rectangle inner = Histo_Plot_Inner(box, panel.border);
+    const Pixel_Rectangle inner = Histo_Plot_Inner(box, panel.border);
     const Plot_Scale scale = Scale_Of(panel, inner);
     if (scale.Is_Empty()) {
         return;
@@ -274,7 +264,7 @@ void Draw_Plot(HDC dc, const Tool_Histo& panel, const Histo_Rectangle& box) {
 }
 
 /** Draws the cursor line in XOR mode: twice at one column leaves no trace. */
-void Invert_Line(const Panel_DC& panel_dc, int column, const Histo_Rectangle& inner) {
+void Invert_Line(const Panel_DC& panel_dc, int column, const Pixel_Rectangle& inner) {
     HDC dc = panel_dc.Get();
     const Gdi_Pen pen(::CreatePen(PS_SOLID, CURSOR_WIDTH, WHITE));
     const Selected_Object pen_selected(dc, pen.Get());
@@ -310,7 +300,7 @@ int Histo_Cursor(Tool_Histo& panel) {
     if (dc.Get() == nullptr) {
         return 1;
     }
-    const Histo_Rectangle inner = Histo_Plot_Inner(dc.Box(), panel.border);
+    const Pixel_Rectangle inner = Histo_Plot_Inner(dc.Box(), panel.border);
     if (panel.cursor_position != 0) {
         Invert_Line(dc, panel.cursor_position, inner);
         panel.cursor_position = 0;

@@ -1,3 +1,4 @@
+#include "base/drawing_dc.h"
 #include "base/gdi_handles.h"
 
 #include "histogram/tool_histo_plot.h"
@@ -39,41 +40,29 @@ constexpr COLORREF MARK_COLOR = 0x808080;
 /** The device context of the plot's window in device units, y down, and the plot area in it. */
 class Plot_DC {
   public:
-    Plot_DC(const Histo_Plot_Scene& scene, const char* label)
-        : window(scene.box.window), dc(Y_setup(scene.box.window, label)), saved(dc) {
-        if (dc == nullptr) {
+    Plot_DC(const Histo_Plot_Scene& scene, const char* label) : drawing(scene.box.window, label), saved(drawing.Get()) {
+        if (!drawing) {
             return;
         }
-        std::array<POINT, 2> corners = {
-            POINT{scene.area.left, scene.area.bottom},
-            POINT{scene.area.left + scene.area.width - 1, scene.area.bottom + scene.area.height - 1}};
-        ::LPtoDP(dc, corners.data(), static_cast<int>(corners.size()));
+        std::array<POINT, 2> corners = {POINT{scene.area.x, scene.area.y}, POINT{scene.area.x + scene.area.width - 1,
+                                                                                 scene.area.y + scene.area.height - 1}};
+        ::LPtoDP(Get(), corners.data(), static_cast<int>(corners.size()));
         left = static_cast<int>(std::min(corners[0].x, corners[1].x));
         top = static_cast<int>(std::min(corners[0].y, corners[1].y));
     }
-    ~Plot_DC() {
-        if (dc != nullptr) {
-            saved.Restore();
-            Y_release(window, dc);
-        }
-    }
-    Plot_DC(const Plot_DC&) = delete;
-    Plot_DC& operator=(const Plot_DC&) = delete;
-
-    HDC Get() const { return dc; }
+    HDC Get() const { return drawing.Get(); }
     int Left() const { return left; }
     int Top() const { return top; }
     /** From here on pixels of the device; before, those of the window's axis. */
     void Device_Units() const {
-        ::SetMapMode(dc, MM_TEXT);
-        ::SetWindowOrgEx(dc, 0, 0, nullptr);
-        ::SetViewportOrgEx(dc, 0, 0, nullptr);
+        ::SetMapMode(Get(), MM_TEXT);
+        ::SetWindowOrgEx(Get(), 0, 0, nullptr);
+        ::SetViewportOrgEx(Get(), 0, 0, nullptr);
     }
 
   private:
-    HWND window;
-    HDC dc;
-    Saved_DC saved;
+    Drawing_DC drawing;
+    Saved_DC saved;  // declared after the device context, so that it goes before it
     int left = 0;
     int top = 0;
 };
@@ -275,26 +264,17 @@ void Draw_Area(const Plot_DC& dc, const Tool_Histo& panel, const Histo_Plot_Scen
 
 // ---- marks
 
-/** Pixels of the device, relative to the plot area's upper left corner; empty: not on screen. */
-struct Mark_Rectangle {
-    int left = 0;
-    int top = 0;
-    int width = 0;
-    int height = 0;
-    bool Is_Empty() const { return width <= 0 || height <= 0; }
-};
-
 /** What is on the screen now: drawing it once more takes it away. */
 struct Marks {
-    Mark_Rectangle cursor;
-    Mark_Rectangle zoom;
+    Pixel_Rectangle cursor;
+    Pixel_Rectangle zoom;
     int zoom_thickness = 1;
 };
 Marks marks;
 
-void Invert(HDC dc, const Mark_Rectangle& mark) {
+void Invert(HDC dc, const Pixel_Rectangle& mark) {
     if (!mark.Is_Empty()) {
-        ::PatBlt(dc, mark.left, mark.top, mark.width, mark.height, PATINVERT);
+        ::PatBlt(dc, mark.x, mark.y, mark.width, mark.height, PATINVERT);
     }
 }
 
@@ -305,17 +285,17 @@ class Mark_Pen {
         : target(dc.Get()), brush(::CreateSolidBrush(MARK_COLOR)), selected(target, brush.Get()) {
         dc.Device_Units();
     }
-    void Line(const Mark_Rectangle& line) const { Invert(target, line); }
-    void Frame(const Mark_Rectangle& frame, int thickness) const {
+    void Line(const Pixel_Rectangle& line) const { Invert(target, line); }
+    void Frame(const Pixel_Rectangle& frame, int thickness) const {
         if (frame.width <= 2 * thickness || frame.height <= 2 * thickness) {
             Invert(target, frame);
             return;
         }
         const int inner = frame.height - 2 * thickness;
-        Invert(target, {frame.left, frame.top, frame.width, thickness});
-        Invert(target, {frame.left, frame.top + thickness, thickness, inner});
-        Invert(target, {frame.left + frame.width - thickness, frame.top + thickness, thickness, inner});
-        Invert(target, {frame.left, frame.top + frame.height - thickness, frame.width, thickness});
+        Invert(target, {frame.x, frame.y, frame.width, thickness});
+        Invert(target, {frame.x, frame.y + thickness, thickness, inner});
+        Invert(target, {frame.x + frame.width - thickness, frame.y + thickness, thickness, inner});
+        Invert(target, {frame.x, frame.y + frame.height - thickness, frame.width, thickness});
     }
 
   private:
@@ -325,17 +305,16 @@ class Mark_Pen {
 };
 
 /** The dragged rectangle as far as it lies in the plot area. */
-Mark_Rectangle Zoom_Of(const Histo_Plot_Scene& scene, const Plot_DC& dc, const Blow_Drag& drag) {
-    const Blow_Area& area = scene.area;
-    const int left = std::max(std::min(drag.x_start, drag.x_end), area.left);
-    const int right = std::min(std::max(drag.x_start, drag.x_end), area.left + area.width - 1);
-    const int bottom = std::max(std::min(drag.y_start, drag.y_end), area.bottom);
-    const int top = std::min(std::max(drag.y_start, drag.y_end), area.bottom + area.height - 1);
+Pixel_Rectangle Zoom_Of(const Histo_Plot_Scene& scene, const Plot_DC& dc, const Blow_Drag& drag) {
+    const Pixel_Rectangle& area = scene.area;
+    const int left = std::max(std::min(drag.x_start, drag.x_end), area.x);
+    const int right = std::min(std::max(drag.x_start, drag.x_end), area.x + area.width - 1);
+    const int bottom = std::max(std::min(drag.y_start, drag.y_end), area.y);
+    const int top = std::min(std::max(drag.y_start, drag.y_end), area.y + area.height - 1);
     if (left > right || bottom > top) {
         return {};
     }
-    return {dc.Left() + left - area.left, dc.Top() + area.bottom + area.height - 1 - top, right - left + 1,
-            top - bottom + 1};
+    return {dc.Left() + left - area.x, dc.Top() + area.y + area.height - 1 - top, right - left + 1, top - bottom + 1};
 }
 
 void Zoom_Erase(const Mark_Pen& pen) {
@@ -358,7 +337,7 @@ int Histo_Plot_Draw(const Tool_Histo& panel, const Histo_Plot_Scene& scene) {
         return 1;
     }
     // Whatever the ranges are: an axis without an extent is left out by the graph library, not by its caller.
-    const Plot_Area area{scene.area.left, scene.area.bottom, scene.area.width, scene.area.height};
+    const Plot_Area area{scene.area.x, scene.area.y, scene.area.width, scene.area.height};
     Plot_Window_Axes_X(dc.Get(), scene.box, area, panel.x_label, scene.x.start, scene.x.end);
     Plot_Window_Axes_Y(dc.Get(), scene.box, area, panel.y_label, scene.y.start, scene.y.end);
     if (scene.area.Is_Empty()) {
@@ -423,7 +402,7 @@ void Local_Drag_Draw(const Histo_Plot_Scene& scene, const Blow_Drag& drag) {
     if (dc.Get() == nullptr) {
         return;
     }
-    const Mark_Rectangle zoom = Zoom_Of(scene, dc, drag);
+    const Pixel_Rectangle zoom = Zoom_Of(scene, dc, drag);
     const Mark_Pen pen(dc);
     Zoom_Erase(pen);
     marks.zoom = zoom;

@@ -11,12 +11,12 @@ enum Histo_Peak_Display : int { HISTO_PEAK_OFF = 0, HISTO_PEAK_COMPOSITE = 1, HI
 
 /** One redraw: where it goes and what it shows. Window pixels, y counted upward. */
 struct Histo_Plot_Scene {
-    Boxs box;             ///< the plot box as it is laid out: colour, border, window, the axes' font
-    int font_height = 0;  ///< of the host's font for tools, pixels; 0: it has none
-    Blow_Area area;       ///< the plot area inside the axes' margins
-    Blow_Range x;         ///< visible grey levels (GLI)
-    Blow_Range y;         ///< visible pixel counts
-    bool tag = false;     ///< shade the TAG ranges
+    Boxs box;              ///< the plot box as it is laid out: colour, border, window, the axes' font
+    int font_height = 0;   ///< of the host's font for tools, pixels; 0: it has none
+    Pixel_Rectangle area;  ///< the plot area inside the axes' margins
+    Blow_Range x;          ///< visible grey levels (GLI)
+    Blow_Range y;          ///< visible pixel counts
+    bool tag = false;      ///< shade the TAG ranges
     int peak = HISTO_PEAK_OFF;
 };
 

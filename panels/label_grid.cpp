@@ -6,21 +6,11 @@
 
 #include "panels/label_panel.h"
 #include "panels/protocol/host_variables.h"
+#include "panels/protocol/widget_place.h"
 
 namespace {
 
 constexpr int KEY_CODE_MASK = 0xFFFF;
-
-void Place(Tools& widget, const Label_Rectangle& rectangle) {
-    widget.x = rectangle.x;
-    widget.y = rectangle.y;
-    widget.width = rectangle.width;
-    widget.height = rectangle.height;
-}
-
-Label_Rectangle Rectangle_Of(const Tools& widget) {
-    return {widget.x, widget.y, widget.width, widget.height};
-}
 
 std::shared_ptr<Buttons[]> Buttons_Make(int nb) {
     try {
@@ -75,7 +65,7 @@ void Label_Grid::Slider_Set(const Label_Slider& scroll) {
 void Label_Grid::Frame_Resize(const Boxs& host, int count) {
     frame.style = STYLE_FRAMED_BOX;
     frame.Take_Look(host);
-    Place(frame, Rectangle_Of(host));
+    Widget_Place(frame, Widget_Rectangle(host));
     frame.Init(host.window);
 
     const Label_Dimensions dimensions = Label_Dimensions_Read();
@@ -83,7 +73,7 @@ void Label_Grid::Frame_Resize(const Boxs& host, int count) {
         Label_Layout_Make(dimensions, {host.x, host.y, host.width, host.height, host.border}, Fitting(count));
     row_height = dimensions.Row_Height();
 
-    Place(slider, layout.slider);
+    Widget_Place(slider, layout.slider);
     slider.color = host.color;
     slider.minimum = 0.0F;
     Slider_Set(layout.scroll);
@@ -91,7 +81,7 @@ void Label_Grid::Frame_Resize(const Boxs& host, int count) {
 
     grid_box.style = STYLE_FRAMED_BOX | (host.style & STYLE_SHOW_CHECK);
     grid_box.color = host.color;
-    Place(grid_box, layout.grid);
+    Widget_Place(grid_box, layout.grid);
     grid_box.Init(host.window);
     visible_top = layout.visible_top;
     visible_bottom = layout.visible_bottom;
@@ -106,7 +96,7 @@ void Label_Grid::Button_Dress(Buttons& button, const Boxs& host) {
 }
 
 void Label_Grid::Button_Place(Buttons& button, const Label_Cell& cell) const {
-    Place(button, Label_Button(Rectangle_Of(grid_box), cell, row_height, slider.value));
+    Widget_Place(button, Label_Button(Widget_Rectangle(grid_box), cell, row_height, slider.value));
 }
 
 void Label_Grid::Editor_Resize(const Boxs& host) {

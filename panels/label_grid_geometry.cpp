@@ -61,7 +61,7 @@ std::int16_t Label_Button_Y(int top, const Label_Cell& cell, int row_height, flo
     return Label_To_Short(cell.row * row_height - Scroll_Offset(scroll) + top);
 }
 
-Label_Rectangle Label_Button(const Label_Rectangle& grid, const Label_Cell& cell, int row_height, float scroll) {
+Pixel_Rectangle Label_Button(const Pixel_Rectangle& grid, const Label_Cell& cell, int row_height, float scroll) {
     const int width = grid.width / LABEL_COLUMN_NB;
     return {Label_To_Short(grid.x + cell.column * width), Label_Button_Y(grid.y, cell, row_height, scroll),
             Label_To_Short(width), Label_To_Short(row_height)};

@@ -10,6 +10,8 @@
 
 #include <cstdint>
 
+#include "base/pixel_rectangle.h"
+
 inline constexpr int LABEL_COLUMN_NB = 4;  ///< columns of every grid
 /** y of a button that is not laid out. No button that is laid out has it. */
 inline constexpr std::int16_t LABEL_NOWHERE = -32768;
@@ -24,18 +26,6 @@ struct Label_Dimensions {
 
     /** Pixels from one row of buttons to the next: border and button. */
     int Row_Height() const { return border + button; }
-};
-
-/** A half-open rectangle in the numbers that widgets have. */
-struct Label_Rectangle {
-    ///@{
-    std::int16_t x = 0;  ///< pixels
-    std::int16_t y = 0;
-    std::int16_t width = 0;
-    std::int16_t height = 0;
-    ///@}
-    /** Same place and size. */
-    friend bool operator==(const Label_Rectangle&, const Label_Rectangle&) = default;
 };
 
 /** The host's box. */
@@ -59,8 +49,8 @@ struct Label_Slider {
 
 /** Everything that a resize places, but for the buttons. */
 struct Label_Layout {
-    Label_Rectangle slider;  ///< has its place whether it is needed or not
-    Label_Rectangle grid;    ///< right of the slider, or in its place when that is not needed
+    Pixel_Rectangle slider;  ///< has its place whether it is needed or not
+    Pixel_Rectangle grid;    ///< right of the slider, or in its place when that is not needed
     Label_Slider scroll;     ///< of that slider
     int visible_top = 0;     ///< smallest y of a visible button
     int visible_bottom = 0;  ///< largest y of a visible button
@@ -86,7 +76,7 @@ struct Label_Cell {
 Label_Cell Label_Cell_Of(int index, int count);
 
 /** A button's rectangle. @param grid, cell its place; @param row_height pixels; @param scroll the slider's value */
-Label_Rectangle Label_Button(const Label_Rectangle& grid, const Label_Cell& cell, int row_height, float scroll);
+Pixel_Rectangle Label_Button(const Pixel_Rectangle& grid, const Label_Cell& cell, int row_height, float scroll);
 /** A button's y alone. @param top the grid's y; @param cell, row_height, scroll as for Label_Button */
 std::int16_t Label_Button_Y(int top, const Label_Cell& cell, int row_height, float scroll);
 

@@ -9,6 +9,7 @@
 
 #include "host/kit_common.h"
 #include "panels/protocol/host_variables.h"
+#include "panels/protocol/widget_place.h"
 #include "panels/tool_propagate_geometry.h"
 
 namespace {
@@ -84,13 +85,6 @@ Propagation_End Run_Held(int (*propagation)(void*, void*), Quorel_2D* shown, Quo
     } catch (...) {
         return {0, true, {}};
     }
-}
-
-void Place(Tools& widget, const Propagate_Place& place) {
-    widget.x = place.x;
-    widget.y = place.y;
-    widget.width = place.width;
-    widget.height = place.height;
 }
 
 }  // namespace
@@ -182,28 +176,28 @@ int Tool_Propagate::Resize(Boxs* box) {
     const short arrow = Host_Dimension("$INTERFACE_LIST_DIM_ARROW");
     Host_Dimension("$INTERFACE_BUTTON_DIM_BIG");  // looked up and not used
 
-    const Propagate_Place host{box->x, box->y, box->width, box->height};
+    const Pixel_Rectangle host = Widget_Rectangle(*box);
     const Propagate_Layout layout = Propagate_Layout_Make(host, space, list_height);
 
     frame.style = STYLE_FRAMED_BOX;
     frame.Set_Name("Propagate");
-    Place(frame, host);
+    Widget_Place(frame, host);
     frame.Take_Look(*box);
     frame.Init(box->window);
 
     down.style = Propagate_Has_Previous(frame_nb, list.current) ? STYLE_BUTTON : STYLE_INACTIVE;
-    Place(down, layout.down);
+    Widget_Place(down, layout.down);
     down.Take_Look(*box);
     down.Init(box->window);
 
     list.style = frame_nb != 0 ? STYLE_FLAT : STYLE_FLAT_INACTIVE;
     list.arrow = arrow;
-    Place(list, layout.list);
+    Widget_Place(list, layout.list);
     list.Take_Look(*box);
     list.Init(box->window);
 
     up.style = Propagate_Has_Next(frame_nb, list.current) ? STYLE_BUTTON : STYLE_INACTIVE;
-    Place(up, layout.up);
+    Widget_Place(up, layout.up);
     up.Take_Look(*box);
     up.Init(box->window);
     return 1;

@@ -1,10 +1,9 @@
 #include "panels/tool_propagate_geometry.h"
 
-Propagate_Layout Propagate_Layout_Make(const Propagate_Place& host, int space, int list_height) {
+Propagate_Layout Propagate_Layout_Make(const Pixel_Rectangle& host, int space, int list_height) {
     const int column = (host.width - 4 * space) / 4;
     const auto place = [&host, space, list_height](int x, int width) {
-        return Propagate_Place{static_cast<short>(x), static_cast<short>(host.y + space), static_cast<short>(width),
-                               static_cast<short>(list_height)};
+        return Pixel_Rectangle{x, host.y + space, width, list_height};
     };
     const int down_x = host.x + space;
     const int list_x = down_x + column + space;

@@ -83,9 +83,7 @@ void Image_View::Zoom_Set(double zoom) {
 }
 
 void Image_View::Wheel(int delta, bool is_zoom, POINT screen_point) {
-    wheel_rest += delta;
-    const int notches = wheel_rest / WHEEL_DELTA;
-    wheel_rest -= notches * WHEEL_DELTA;
+    const int notches = wheel.Add(delta);
     if (notches == 0 || content.source.levels.empty()) {
         return;
     }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "base/wheel_remainder.h"
 #include "workbench/look.h"
 #include "workbench/model/display_order.h"
 #include "workbench/model/painting.h"
@@ -139,7 +140,7 @@ class Image_View : public Window_Base {
     int over_y = 0;
     Drag drag = Drag::NONE;
     POINT drag_at = {};
-    int wheel_rest = 0;
+    Wheel_Remainder wheel;
 };
 
 }  // namespace workbench

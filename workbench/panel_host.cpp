@@ -106,9 +106,7 @@ void Panel_Host::Update(unsigned __int64 flags) {
 }
 
 void Panel_Host::Wheel(int delta) {
-    wheel_rest += delta;
-    const int notches = wheel_rest / WHEEL_DELTA;
-    wheel_rest -= notches * WHEEL_DELTA;
+    const int notches = wheel.Add(delta);
     if (notches != 0 && is_laid_out) {
         Buffered([&] { return panel.Scroll(notches); });
     }

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/wheel_remainder.h"
 #include "host/kit_dataset.h"
 #include "kits/widgets/widgets_host.h"
 #include "workbench/accessible.h"
@@ -112,7 +113,7 @@ class Panel_Host : public Window_Base {
     std::function<void(int, int)> clicked;
     unsigned short face_grey = 0;  // 0: the look's
     int face_font = 0;
-    int wheel_rest = 0;
+    Wheel_Remainder wheel;
     bool is_laid_out = false;
     bool is_watched = false;  // the library notes what it paints, from the first question on
 };

@@ -38,7 +38,7 @@ int Trace_View::Lines_In_View() const {
 
 void Trace_View::Wheel(int delta) {
     const int most = std::max(static_cast<int>(entries.size()) - Lines_In_View(), 0);
-    back = std::clamp(back + wheel.Turn(delta), 0, most);
+    back = std::clamp(back + wheel.Add(delta), 0, most);
     Invalidate();
 }
 

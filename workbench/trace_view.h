@@ -4,8 +4,8 @@
 #include <deque>
 #include <string>
 
+#include "base/wheel_remainder.h"
 #include "workbench/look.h"
-#include "workbench/model/wheel_notches.h"
 #include "workbench/window_base.h"
 
 namespace workbench {
@@ -38,7 +38,7 @@ class Trace_View : public Window_Base {
     const Look& look;
     std::deque<Entry> entries;
     int back = 0;  ///< lines scrolled back from the newest
-    Wheel_Lines wheel{3};
+    Wheel_Remainder wheel{3};
 };
 
 }  // namespace workbench

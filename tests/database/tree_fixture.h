@@ -104,7 +104,7 @@ class Tree_Fixture : public Panel_Fixture {
         return records;
     }
     int Measured(Tree_Font font, const char* text) const {
-        const Tree_DC dc(box, "test");
+        const Drawing_DC dc(box.window, "test");
         return Gdi_Text_Measurer(dc.Get(), Tree_Fonts::For(box)).Width(font, text);
     }
     std::uint32_t Ground() const {

@@ -113,7 +113,7 @@ TEST(Brush_Faults, every_operation_survives_a_sample_of_failures_because_all_tak
 }
 
 TEST(Propagate_Faults, every_operation_survives_a_sample_of_failures_because_all_take_minutes) {
-    constexpr Propagate_Place place = {6, 8, 296, 48};
+    constexpr Pixel_Rectangle place = {6, 8, 296, 48};
     Propagate_Host host;
     const Stage_Volume volume(5);
     Panel_Stage stage(310, 64, Window_Axis::Up);
@@ -148,7 +148,7 @@ TEST(Propagate_Faults, every_operation_survives_a_sample_of_failures_because_all
     subject.picture = [&] { return Picture_Of(stage); };
     subject.end = [&] { panel.reset(); };
     const Propagate_Layout layout = Propagate_Layout_Make(place, PROPAGATE_SPACE, PROPAGATE_LIST_DIM);
-    const auto over = [&](const Propagate_Place& one) {
+    const auto over = [&](const Pixel_Rectangle& one) {
         stage.Point_At(one.x + one.width / 2, one.y + one.height / 2);
     };
     Faults_Run("Tool_Propagate", subject,

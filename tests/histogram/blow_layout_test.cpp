@@ -11,12 +11,12 @@ Blow_Metrics Metrics(int width, int height, int percent, int select_nb) {
     return {width, height, 30 * percent / 100, 4 * percent / 100, 13 * percent / 100, select_nb};
 }
 
-bool Inside(const Histo_Rectangle& inner, const Histo_Rectangle& outer) {
+bool Inside(const Pixel_Rectangle& inner, const Pixel_Rectangle& outer) {
     return inner.x >= outer.x && inner.y >= outer.y && inner.x + inner.width <= outer.x + outer.width &&
            inner.y + inner.height <= outer.y + outer.height;
 }
 
-bool Apart(const Histo_Rectangle& a, const Histo_Rectangle& b) {
+bool Apart(const Pixel_Rectangle& a, const Pixel_Rectangle& b) {
     return a.x + a.width <= b.x || b.x + b.width <= a.x || a.y + a.height <= b.y || b.y + b.height <= a.y;
 }
 
@@ -34,7 +34,7 @@ TEST(Blow_Layout, controls_stay_in_the_box_and_apart_at_every_size_and_scaling) 
             for (int height = 200 * percent / 100; height <= 2160; height += 151) {
                 for (int select_nb = 2; select_nb <= BLOW_SELECT_MAX; ++select_nb) {
                     const Blow_Layout layout = Blow_Layout_Make(Metrics(width, height, percent, select_nb));
-                    std::vector<Histo_Rectangle> controls = {layout.reset_button, layout.export_button};
+                    std::vector<Pixel_Rectangle> controls = {layout.reset_button, layout.export_button};
                     controls.insert(controls.end(), layout.select.begin(), layout.select.begin() + select_nb);
                     for (std::size_t i = 0; i < controls.size(); ++i) {
                         ASSERT_TRUE(Inside(controls[i], layout.plot)) << width << "x" << height << " " << i;
@@ -60,7 +60,7 @@ TEST(Blow_Layout, a_wide_window_has_all_selectors_in_one_row_below_the_buttons) 
     EXPECT_EQ(layout.reset_button.x, 5);
     EXPECT_EQ(layout.export_button.x, 5 + 393 + 4);
     EXPECT_EQ(layout.reset_button.y + layout.reset_button.height, 399 - 4);
-    for (const Histo_Rectangle& select : layout.select) {
+    for (const Pixel_Rectangle& select : layout.select) {
         EXPECT_EQ(select.y + select.height, layout.reset_button.y - 4);
         EXPECT_EQ(select.height, 30);
     }

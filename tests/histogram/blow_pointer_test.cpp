@@ -49,17 +49,17 @@ const Pointer_Record* Other_Pen(HWND, unsigned int, std::uintptr_t, std::intptr_
 }  // namespace
 
 TEST_F(Blow_Pointer, a_pen_drags_a_zoom_rectangle) {
-    const Blow_Area area = histo_blow.area;
-    Pen_Down(area.left + 50, area.bottom + 20);
+    const Pixel_Rectangle area = histo_blow.area;
+    Pen_Down(area.x + 50, area.y + 20);
     EXPECT_TRUE(histo_blow.dragging);
-    EXPECT_EQ(histo_blow.drag.x_start, area.left + 50);
-    EXPECT_EQ(histo_blow.drag.y_start, area.bottom + 20);
-    Pen_Move(area.left + 250, area.bottom + 120);
-    EXPECT_EQ(histo_blow.drag.x_end, area.left + 250);
-    EXPECT_EQ(histo_blow.drag.y_end, area.bottom + 120);
+    EXPECT_EQ(histo_blow.drag.x_start, area.x + 50);
+    EXPECT_EQ(histo_blow.drag.y_start, area.y + 20);
+    Pen_Move(area.x + 250, area.y + 120);
+    EXPECT_EQ(histo_blow.drag.x_end, area.x + 250);
+    EXPECT_EQ(histo_blow.drag.y_end, area.y + 120);
     EXPECT_EQ(YCursor_X, pointers.pen.x) << "the widgets follow the pen";
     EXPECT_EQ(YCursor_Y, pointers.pen.y);
-    Pen_Up(area.left + 250, area.bottom + 120);
+    Pen_Up(area.x + 250, area.y + 120);
     EXPECT_FALSE(histo_blow.dragging);
     EXPECT_TRUE(histo_blow.view.Is_Zoomed());
 }

@@ -147,9 +147,9 @@ class Blow_Stage : public testing::Test {
     }
     /** A zoomed view with room on every side, so that neither limits nor clamps act. */
     static void Zoom_Middle() {
-        const Blow_Area& area = histo_blow.area;
-        Drag(area.left + area.width / 3, area.bottom + area.height / 3, area.left + 2 * area.width / 3,
-             area.bottom + 2 * area.height / 3);
+        const Pixel_Rectangle& area = histo_blow.area;
+        Drag(area.x + area.width / 3, area.y + area.height / 3, area.x + 2 * area.width / 3,
+             area.y + 2 * area.height / 3);
     }
     /** A mark on the plot box's corner pixel that every repaint removes. */
     static void Mark_Set() {

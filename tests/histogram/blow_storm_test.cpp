@@ -35,11 +35,11 @@ struct Shown {
 
 Shown Shown_X() {
     const Blow_View& view = histo_blow.view;
-    return {view.Visible_X(), view.X().full, histo_blow.area.left, histo_blow.area.width};
+    return {view.Visible_X(), view.X().full, histo_blow.area.x, histo_blow.area.width};
 }
 Shown Shown_Y() {
     const Blow_View& view = histo_blow.view;
-    return {view.Visible_Y(), view.Y().full, histo_blow.area.bottom, histo_blow.area.height};
+    return {view.Visible_Y(), view.Y().full, histo_blow.area.y, histo_blow.area.height};
 }
 
 /** True when the unzoomed view cuts off a part of where the view stands: then the pixels stand for other data. */
@@ -118,7 +118,7 @@ class Blow_Storm : public Blow_Stage {
         const int y = Any_Y();
         const bool over = x >= 1 && y >= 1 && x < histo_blow.width - 1 && y < histo_blow.height - 1;
         const int delta = One_In(2) ? 120 : -120;
-        const bool turned = std::abs(histo_blow.wheel.Remainder() + delta) >= 120;
+        const bool turned = std::abs(histo_blow.wheel.Rest() + delta) >= 120;
         const Shown before_x = Shown_X();
         const Shown before_y = Shown_Y();
         const bool cut_x = Is_Cut(histo_blow.view.X());

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr Blow_Area AREA{60, 40, 700, 300};
+constexpr Pixel_Rectangle AREA{60, 40, 700, 300};
 
 Histo_Record Record_Of(int nb_bins, float origin, float bin_width, std::uint32_t max_count) {
     Histo_Record record;
@@ -85,14 +85,14 @@ TEST(Blow_View, a_notch_forward_widens_and_a_notch_back_narrows_around_the_point
         const float scale_y = view.Y().at.scale;
         const int x = 400;
         const int y = 190;
-        const float under_x = view.X().at.origin + static_cast<float>(x - AREA.left) * scale_x;
-        const float under_y = view.Y().at.origin + static_cast<float>(y - AREA.bottom) * scale_y;
+        const float under_x = view.X().at.origin + static_cast<float>(x - AREA.x) * scale_x;
+        const float under_y = view.Y().at.origin + static_cast<float>(y - AREA.y) * scale_y;
         view.Zoom_Wheel(notches, x, y);
         const float factor = static_cast<float>(notches + 10) / 10.0F;
         EXPECT_FLOAT_EQ(view.X().at.scale, scale_x * factor);
         EXPECT_FLOAT_EQ(view.Y().at.scale, scale_y * factor);
-        EXPECT_NEAR(view.X().at.origin + static_cast<float>(x - AREA.left) * view.X().at.scale, under_x, 1e-3);
-        EXPECT_NEAR(view.Y().at.origin + static_cast<float>(y - AREA.bottom) * view.Y().at.scale, under_y, 1e-3);
+        EXPECT_NEAR(view.X().at.origin + static_cast<float>(x - AREA.x) * view.X().at.scale, under_x, 1e-3);
+        EXPECT_NEAR(view.Y().at.origin + static_cast<float>(y - AREA.y) * view.Y().at.scale, under_y, 1e-3);
     }
 }
 
@@ -150,21 +150,21 @@ TEST(Blow_View, a_zoom_that_single_precision_cannot_tell_apart_is_refused) {
 }
 
 /** A view zoomed to the right half, whose area then grew: the unzoomed view cuts it off. */
-Blow_View Cut_View(const Blow_Area& area) {
+Blow_View Cut_View(const Pixel_Rectangle& area) {
     Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
-    EXPECT_TRUE(view.Zoom_Rectangle({AREA.left + 350, AREA.left + 700, AREA.bottom, AREA.bottom + 300}));
+    EXPECT_TRUE(view.Zoom_Rectangle({AREA.x + 350, AREA.x + 700, AREA.y, AREA.y + 300}));
     view.Full_View_Set(Record_Of(1001, 0.0F, 1.0F, 1000), area);
     EXPECT_FLOAT_EQ(view.Visible_X().end, view.X().full.end);
     return view;
 }
 
 TEST(Blow_View, a_rectangle_begins_from_where_the_view_stands_also_where_it_is_cut_off) {
-    Blow_Area area = AREA;
+    Pixel_Rectangle area = AREA;
     area.width *= 2;
     Blow_View view = Cut_View(area);
     const Blow_Step x = view.X().at;
     const Blow_Step y = view.Y().at;
-    ASSERT_TRUE(view.Zoom_Rectangle({area.left + 100, area.left + 450, area.bottom + 30, area.bottom + 180}));
+    ASSERT_TRUE(view.Zoom_Rectangle({area.x + 100, area.x + 450, area.y + 30, area.y + 180}));
     EXPECT_EQ(view.X().at.origin, x.origin + 100.0F * x.scale);
     EXPECT_EQ(view.X().at.scale, x.scale * 350.0F / 1400.0F);
     EXPECT_EQ(view.Y().at.origin, y.origin + 30.0F * y.scale);
@@ -173,21 +173,21 @@ TEST(Blow_View, a_rectangle_begins_from_where_the_view_stands_also_where_it_is_c
 
 TEST(Blow_View, a_rectangle_begins_from_where_the_view_stands_also_below_the_data) {
     Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
-    ASSERT_TRUE(view.Zoom_Rectangle({AREA.left, AREA.left + 350, AREA.bottom, AREA.bottom + 300}));
+    ASSERT_TRUE(view.Zoom_Rectangle({AREA.x, AREA.x + 350, AREA.y, AREA.y + 300}));
     view.Full_View_Set(Record_Of(1001, 200.0F, 1.0F, 1000), AREA);  // data that begin further right
     const Blow_Step x = view.X().at;
     ASSERT_GT(view.Visible_X().start, x.origin);
-    ASSERT_TRUE(view.Zoom_Rectangle({AREA.left + 70, AREA.left + 700, AREA.bottom, AREA.bottom + 300}));
+    ASSERT_TRUE(view.Zoom_Rectangle({AREA.x + 70, AREA.x + 700, AREA.y, AREA.y + 300}));
     EXPECT_EQ(view.X().at.origin, x.origin + 70.0F * x.scale);
     EXPECT_EQ(view.X().at.scale, x.scale * 630.0F / 700.0F);
 }
 
 TEST(Blow_View, the_wheel_begins_from_where_the_view_stands_and_not_from_what_is_left_of_it) {
-    Blow_Area area = AREA;
+    Pixel_Rectangle area = AREA;
     area.width *= 2;
     Blow_View view = Cut_View(area);
     const Blow_Step before = view.X().at;
-    view.Zoom_Wheel(-1, area.left + 350, 100);
+    view.Zoom_Wheel(-1, area.x + 350, 100);
     EXPECT_FLOAT_EQ(view.X().at.scale, before.scale * 0.9F);
     // The view would still pass the end: the clamp takes it back.
     EXPECT_NEAR(view.X().at.origin, view.X().full.end - static_cast<float>(area.width) * before.scale * 0.9F, 0.001F);
@@ -207,10 +207,10 @@ TEST(Blow_View, new_data_and_a_new_size_leave_where_a_zoomed_view_stands) {
 
 TEST(Blow_View, pinching_out_from_anywhere_ends_in_the_full_view) {
     const Blow_Drag drags[] = {
-        {AREA.left + 500, AREA.left + 700, AREA.bottom + 100, AREA.bottom + 300},  // at the right and upper end
-        {AREA.left, AREA.left + 100, AREA.bottom, AREA.bottom + 50},
-        {AREA.left + 300, AREA.left + 400, AREA.bottom + 100, AREA.bottom + 160},
-        {AREA.left + 690, AREA.left + 700, AREA.bottom, AREA.bottom + 300},
+        {AREA.x + 500, AREA.x + 700, AREA.y + 100, AREA.y + 300},  // at the right and upper end
+        {AREA.x, AREA.x + 100, AREA.y, AREA.y + 50},
+        {AREA.x + 300, AREA.x + 400, AREA.y + 100, AREA.y + 160},
+        {AREA.x + 690, AREA.x + 700, AREA.y, AREA.y + 300},
     };
     for (const Blow_Drag& drag : drags) {
         SCOPED_TRACE(drag.x_start);
@@ -230,7 +230,7 @@ TEST(Blow_View, pinching_out_from_anywhere_ends_in_the_full_view) {
 
 TEST(Blow_View, a_pinch_clamps_by_the_scale_of_before) {
     Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
-    ASSERT_TRUE(view.Zoom_Rectangle({AREA.left + 350, AREA.left + 700, AREA.bottom + 150, AREA.bottom + 300}));
+    ASSERT_TRUE(view.Zoom_Rectangle({AREA.x + 350, AREA.x + 700, AREA.y + 150, AREA.y + 300}));
     const Blow_Direction x = view.X();
     const Blow_Direction y = view.Y();
     ASSERT_TRUE(view.Zoom_Pinch({0.8F, 0.5F, -40.0F, 25.0F}));
@@ -293,7 +293,7 @@ TEST(Blow_View, nothing_happens_without_an_area) {
 TEST(Blow_View, keeps_its_limits_through_a_long_random_session) {
     std::mt19937 random(12);
     Blow_View view = View_Of(Record_Of(1001, 0.0F, 1.0F, 1000));
-    Blow_Area area = AREA;
+    Pixel_Rectangle area = AREA;
     const auto number = [&random](int below) { return static_cast<int>(random() % static_cast<unsigned>(below)); };
     for (int step = 0; step < 20000; ++step) {
         bool clamped = false;
@@ -336,18 +336,6 @@ TEST(Blow_View, keeps_its_limits_through_a_long_random_session) {
         ASSERT_LE(view.Visible_X().end, view.X().full.end);
         ASSERT_GE(view.Visible_X().start, view.X().full.start);
     }
-}
-
-TEST(Wheel_Accumulator, keeps_what_is_less_than_a_notch) {
-    Wheel_Accumulator wheel;
-    EXPECT_EQ(wheel.Add(40), 0);
-    EXPECT_EQ(wheel.Add(40), 0);
-    EXPECT_EQ(wheel.Add(40), 1);
-    EXPECT_EQ(wheel.Remainder(), 0);
-    EXPECT_EQ(wheel.Add(-40), 0);
-    EXPECT_EQ(wheel.Add(-80), -1);
-    EXPECT_EQ(wheel.Add(300), 2);
-    EXPECT_EQ(wheel.Remainder(), 60);
 }
 
 }  // namespace

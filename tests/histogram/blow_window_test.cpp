@@ -15,11 +15,11 @@ using Blow_Window = Blow_Stage;
 
 float Level_At(int x) {
     const Blow_View& view = histo_blow.view;
-    return view.X().at.origin + static_cast<float>(x - histo_blow.area.left) * view.X().at.scale;
+    return view.X().at.origin + static_cast<float>(x - histo_blow.area.x) * view.X().at.scale;
 }
 float Count_At(int y) {
     const Blow_View& view = histo_blow.view;
-    return view.Y().at.origin + static_cast<float>(y - histo_blow.area.bottom) * view.Y().at.scale;
+    return view.Y().at.origin + static_cast<float>(y - histo_blow.area.y) * view.Y().at.scale;
 }
 
 }  // namespace
@@ -58,7 +58,7 @@ TEST_F(Blow_Window, opens_unzoomed_with_everything_laid_out) {
     EXPECT_STREQ(histo_blow.tag_select.name, "Display TAG      ");
     EXPECT_STREQ(histo_blow.cursor_select.name, "Display Cursor ");
     EXPECT_EQ(histo_blow.tag_select.y + histo_blow.tag_select.height, reset.y - SPACE_PIXELS);
-    EXPECT_LE(histo_blow.area.bottom + histo_blow.area.height, histo_blow.tag_select.y) << "nothing under the controls";
+    EXPECT_LE(histo_blow.area.y + histo_blow.area.height, histo_blow.tag_select.y) << "nothing under the controls";
 }
 
 TEST_F(Blow_Window, the_full_view_is_all_bins_and_a_margin) {
@@ -75,24 +75,24 @@ TEST_F(Blow_Window, opened_before_the_first_histogram_it_makes_room_for_the_titl
     Press_Blow(*panel);
     Client_Size_Set(CLIENT_WIDTH, CLIENT_HEIGHT);
     Settle();
-    const Blow_Area untitled = histo_blow.area;
+    const Pixel_Rectangle untitled = histo_blow.area;
     Give_Record(*panel);
     std::snprintf(panel->x_label, sizeof panel->x_label, "Pixel Intensity");
     std::snprintf(panel->y_label, sizeof panel->y_label, "Nb of Pixels");
     Send(DATA);
-    const Blow_Area titled = histo_blow.area;
+    const Pixel_Rectangle titled = histo_blow.area;
     const Plot_Area wanted =
         Plot_Window_Area(histo_blow.plot, "Pixel Intensity", "Nb of Pixels",
                          histo_blow.plot.y + histo_blow.plot.height - histo_blow.tag_select.y + SPACE_PIXELS);
-    EXPECT_EQ(titled.bottom, wanted.bottom);
+    EXPECT_EQ(titled.y, wanted.bottom);
     EXPECT_EQ(titled.height, wanted.height);
-    EXPECT_GT(titled.bottom, untitled.bottom);
+    EXPECT_GT(titled.y, untitled.y);
     EXPECT_EQ(histo_blow.view.Y().pixels, titled.height) << "the view follows";
     Send(WM_SIZE, 0, MAKELPARAM(CLIENT_WIDTH, CLIENT_HEIGHT));
-    EXPECT_EQ(histo_blow.area.bottom, titled.bottom) << "and jumps no more";
+    EXPECT_EQ(histo_blow.area.y, titled.y) << "and jumps no more";
     panel->x_label[0] = panel->y_label[0] = 0;
     Send(DATA);
-    EXPECT_EQ(histo_blow.area.bottom, untitled.bottom) << "titles that go";
+    EXPECT_EQ(histo_blow.area.y, untitled.y) << "titles that go";
 }
 
 TEST_F(Blow_Window, a_press_on_blow_restores_a_minimised_window) {
@@ -210,8 +210,8 @@ TEST_F(Blow_Window, two_panels_share_one_window_that_shows_the_first) {
 TEST_F(Blow_Window, small_wheel_deltas_add_up_to_one_notch) {
     Open();
     Flag_Trace = 4;
-    const int x = histo_blow.area.left + 100;
-    const int y = histo_blow.area.bottom + 50;
+    const int x = histo_blow.area.x + 100;
+    const int y = histo_blow.area.y + 50;
     Wheel(40, x, y);
     Wheel(40, x, y);
     EXPECT_EQ(Lines("Scroll"), Lines_Of{});
@@ -219,22 +219,22 @@ TEST_F(Blow_Window, small_wheel_deltas_add_up_to_one_notch) {
     Wheel(40, x, y);
     EXPECT_EQ(Lines("Scroll"), Lines_Of{"14 Mode Histo: Histo_Blow_Scroll()"});
     EXPECT_TRUE(histo_blow.view.Is_Zoomed());
-    EXPECT_EQ(histo_blow.wheel.Remainder(), 0);
+    EXPECT_EQ(histo_blow.wheel.Rest(), 0);
     for (const int delta : {-40, -40, -40}) {
         Wheel(delta, x, y);
     }
     EXPECT_EQ(Lines("Scroll").size(), 1U);
-    EXPECT_EQ(histo_blow.wheel.Remainder(), 0);
+    EXPECT_EQ(histo_blow.wheel.Rest(), 0);
     Wheel(300, x, y);
     EXPECT_EQ(Lines("Scroll").size(), 1U) << "two notches at once";
-    EXPECT_EQ(histo_blow.wheel.Remainder(), 60);
+    EXPECT_EQ(histo_blow.wheel.Rest(), 60);
 }
 
 TEST_F(Blow_Window, a_notch_forward_widens_about_the_pointer_and_a_notch_back_narrows) {
     Open();
     Zoom_Middle();
-    const int x = histo_blow.area.left + 200;
-    const int y = histo_blow.area.bottom + 80;
+    const int x = histo_blow.area.x + 200;
+    const int y = histo_blow.area.y + 80;
     for (const int direction : {1, -1}) {
         const float scale_x = histo_blow.view.X().at.scale;
         const float scale_y = histo_blow.view.Y().at.scale;
@@ -292,13 +292,13 @@ TEST_F(Blow_Window, a_wheel_click_for_the_cursor_leaves_the_repaint_to_the_next_
 
 TEST_F(Blow_Window, a_drag_zooms_to_its_rectangle_and_reports_the_view) {
     Open();
-    const Blow_Area area = histo_blow.area;
+    const Pixel_Rectangle area = histo_blow.area;
     const float full = histo_blow.view.X().at.scale;
     const float full_y = histo_blow.view.Y().at.scale;
-    const float left = Level_At(area.left + 100);
-    const float bottom = Count_At(area.bottom + 30);
+    const float left = Level_At(area.x + 100);
+    const float bottom = Count_At(area.y + 30);
     Mark_Set();
-    Drag(area.left + 300, area.bottom + 90, area.left + 100, area.bottom + 30);
+    Drag(area.x + 300, area.y + 90, area.x + 100, area.y + 30);
     EXPECT_TRUE(histo_blow.view.Is_Zoomed());
     EXPECT_FLOAT_EQ(histo_blow.view.X().at.origin, left);
     EXPECT_FLOAT_EQ(histo_blow.view.Y().at.origin, bottom);
@@ -315,9 +315,9 @@ TEST_F(Blow_Window, a_drag_zooms_to_its_rectangle_and_reports_the_view) {
 
 TEST_F(Blow_Window, a_drag_below_ten_pixels_in_one_direction_does_not_zoom) {
     Open();
-    const Blow_Area area = histo_blow.area;
+    const Pixel_Rectangle area = histo_blow.area;
     const auto drag_by = [&](int dx, int dy) {
-        Drag(area.left + 20, area.bottom + 20, area.left + 20 + dx, area.bottom + 20 + dy);
+        Drag(area.x + 20, area.y + 20, area.x + 20 + dx, area.y + 20 + dy);
         return histo_blow.view.Is_Zoomed();
     };
     EXPECT_FALSE(drag_by(300, 9));
@@ -686,7 +686,7 @@ TEST_F(Blow_Window, no_control_is_still_lit_up_when_the_window_opens_again) {
 TEST_F(Blow_Window, a_minimised_window_keeps_its_layout) {
     Open();
     Zoom_Middle();
-    const Blow_Area before = histo_blow.area;
+    const Pixel_Rectangle before = histo_blow.area;
     const float scale = histo_blow.view.X().at.scale;
     Send(WM_SIZE, SIZE_MINIMIZED, 0);
     EXPECT_EQ(histo_blow.area.width, before.width);

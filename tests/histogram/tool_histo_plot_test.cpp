@@ -75,7 +75,7 @@ void Unit_View(Plot_Stage& plot) {
 
 /** The same curve by the window system: a line along every bin. */
 Pixels Drawn_By_Gdi(const Plot_Stage& plot) {
-    const Blow_Area& area = plot.scene.area;
+    const Pixel_Rectangle& area = plot.scene.area;
     const Histo_Record& record = *plot.panel.data->record;
     const Plot_Frame frame{area.width,
                            area.height,
@@ -610,8 +610,8 @@ TEST(Tool_Histo_Plot_Test, the_zoom_rectangle_is_a_frame_that_stands_out_on_any_
     plot.scene.tag = true;
     plot.Draw();
     const Pixels clean = plot.Read();
-    const Blow_Area& area = plot.scene.area;
-    Local_Drag_Draw(plot.scene, {area.left + 20, area.left + 119, area.bottom + 80, area.bottom + 31});
+    const Pixel_Rectangle& area = plot.scene.area;
+    Local_Drag_Draw(plot.scene, {area.x + 20, area.x + 119, area.y + 80, area.y + 31});
     const Pixels marked = plot.Read();
     for (int row = 0; row < area.height; ++row) {
         for (int column = 0; column < area.width; ++column) {

@@ -16,8 +16,8 @@ TEST(Label_Layout, without_need_for_a_slider_the_grid_fills_the_box_inside_its_m
     EXPECT_FALSE(layout.scroll.needed);
     EXPECT_EQ(layout.scroll.maximum, 1.0F);
     EXPECT_EQ(layout.scroll.value, 0.0F);
-    EXPECT_EQ(layout.slider, (Label_Rectangle{13, 11, 15, 114}));
-    EXPECT_EQ(layout.grid, (Label_Rectangle{13, 11, 274, 114}));
+    EXPECT_EQ(layout.slider, (Pixel_Rectangle{13, 11, 15, 114}));
+    EXPECT_EQ(layout.grid, (Pixel_Rectangle{13, 11, 274, 114}));
     EXPECT_EQ(layout.visible_top, 10);
     EXPECT_EQ(layout.visible_bottom, 11 + 1 + 114 - 20);
 }
@@ -25,7 +25,7 @@ TEST(Label_Layout, without_need_for_a_slider_the_grid_fills_the_box_inside_its_m
 TEST(Label_Layout, the_slider_takes_its_width_and_one_space_from_the_grid_and_starts_at_its_bottom) {
     const Label_Layout layout = Label_Layout_Make(DIMENSIONS, HOST, 24);  // content 120
     EXPECT_TRUE(layout.scroll.needed);
-    EXPECT_EQ(layout.grid, (Label_Rectangle{13 + 21, 11, 274 - 21, 114}));
+    EXPECT_EQ(layout.grid, (Pixel_Rectangle{13 + 21, 11, 274 - 21, 114}));
     EXPECT_EQ(layout.scroll.content, 120.0F);
     EXPECT_EQ(layout.scroll.maximum, 6.0F);
     EXPECT_EQ(layout.scroll.value, 6.0F);
@@ -74,9 +74,9 @@ TEST(Label_Layout, the_top_row_holds_the_highest_labels_each_row_ascending_from_
 }
 
 TEST(Label_Layout, buttons_stand_side_by_side_and_move_up_by_the_whole_part_of_the_scroll_position) {
-    const Label_Rectangle grid = {34, 11, 253, 114};  // columns of 63
-    EXPECT_EQ(Label_Button(grid, Label_Cell_Of(8, 12), 20, 0.0F), (Label_Rectangle{34, 11, 63, 20}));
-    EXPECT_EQ(Label_Button(grid, Label_Cell_Of(3, 12), 20, 0.0F), (Label_Rectangle{34 + 3 * 63, 51, 63, 20}));
+    const Pixel_Rectangle grid = {34, 11, 253, 114};  // columns of 63
+    EXPECT_EQ(Label_Button(grid, Label_Cell_Of(8, 12), 20, 0.0F), (Pixel_Rectangle{34, 11, 63, 20}));
+    EXPECT_EQ(Label_Button(grid, Label_Cell_Of(3, 12), 20, 0.0F), (Pixel_Rectangle{34 + 3 * 63, 51, 63, 20}));
     EXPECT_EQ(Label_Button(grid, Label_Cell_Of(3, 12), 20, 6.9F).y, 51 - 6);
     EXPECT_EQ(Label_Button(grid, Label_Cell_Of(3, 12), 20, -6.9F).y, 51 + 6);
     EXPECT_EQ(Label_Button_Y(11, Label_Cell_Of(3, 12), 20, 6.9F), 51 - 6);

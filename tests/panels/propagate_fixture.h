@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kits/widgets/select_drop_list.h"
+#include "panels/protocol/widget_place.h"
 #include "panels/tool_propagate.h"
 #include "panels/tool_propagate_geometry.h"
 #include "tests/panels/propagate_scene.h"
@@ -87,11 +88,11 @@ class Propagate_Panel : public testing::Test {
         return counters.draws + counters.adjusts + counters.clears;
     }
     Propagate_Layout Layout() const { return Propagate_Layout_Make(HOST, PROPAGATE_SPACE, PROPAGATE_LIST_DIM); }
-    void Point_At_Middle(const Propagate_Place& place) const {
+    void Point_At_Middle(const Pixel_Rectangle& place) const {
         stage.Point_At(place.x + place.width / 2, place.y + place.height / 2);
     }
     void Point_At_Arrow(bool next) const {
-        const Propagate_Place list = Layout().list;
+        const Pixel_Rectangle list = Layout().list;
         stage.Point_At(list.x + list.width - (next ? 1 : 3) * PROPAGATE_ARROW_DIM / 2, list.y + list.height / 2);
     }
     int Shown_Item() const { return volume.object.Child_Get_Cur(const_cast<Quorel_Window*>(&host.window)); }
@@ -112,12 +113,9 @@ class Propagate_Panel : public testing::Test {
         list.Set_Name(" Frame: ");
         up.Set_Name("Up");
         down.Set_Name("Down");
-        const auto place = [&](Tools& widget, const Propagate_Place& at) {
+        const auto place = [&](Tools& widget, const Pixel_Rectangle& at) {
             widget.Take_Look(box);
-            widget.x = at.x;
-            widget.y = at.y;
-            widget.width = at.width;
-            widget.height = at.height;
+            Widget_Place(widget, at);
         };
         place(frame, HOST);
         place(list, Layout().list);
@@ -146,7 +144,7 @@ class Propagate_Panel : public testing::Test {
         EXPECT_TRUE(shown == Picture(frame_nb, item, list_style, up_style, down_style)) << when;
     }
 
-    static constexpr Propagate_Place HOST = {6, 8, 296, 48};
+    static constexpr Pixel_Rectangle HOST = {6, 8, 296, 48};
     Panel_Stage stage{310, 64, Window_Axis::Up};
     Propagate_Host host;
     Stage_Volume volume{5};

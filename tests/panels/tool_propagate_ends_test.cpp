@@ -113,7 +113,7 @@ TEST_F(Propagate_Ends, during_the_run) {
         EXPECT_EQ(Variable_Number("$INTERFACE_LOCK_FOCUS", -1), 0);
         EXPECT_FALSE(Wait_Cursor_Shown(false));
     }
-    for (const Propagate_Place& place : {Layout().up, Layout().down}) {
+    for (const Pixel_Rectangle& place : {Layout().up, Layout().down}) {
         Show(2);
         Ending ending(panel);
         during = [&ending] {

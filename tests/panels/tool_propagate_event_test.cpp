@@ -15,7 +15,7 @@
 
 TEST_F(Propagate_Panel, a_release_is_ignored) {
     Show(2);
-    for (const Propagate_Place& place : {Layout().down, Layout().list, Layout().up}) {
+    for (const Pixel_Rectangle& place : {Layout().down, Layout().list, Layout().up}) {
         Point_At_Middle(place);
         for (const int still_held : {0, 0x10, 0x20, 0x40, 0x70}) {
             EXPECT_EQ(panel.Click(still_held), 0) << still_held;
@@ -29,7 +29,7 @@ TEST_F(Propagate_Panel, a_release_is_ignored) {
 TEST_F(Propagate_Panel, every_pixel_answers_for_the_widget_that_stands_there) {
     picked_item = DROP_LIST_NONE;
     const Propagate_Layout layout = Layout();
-    const auto inside = [](const Propagate_Place& place, int x, int y) {
+    const auto inside = [](const Pixel_Rectangle& place, int x, int y) {
         return x >= place.x && x < place.x + place.width && y >= place.y && y < place.y + place.height;
     };
     for (int y : {HOST.y + 0, HOST.y + 3, HOST.y + 4, HOST.y + 23, HOST.y + 24, HOST.y + 40}) {
@@ -123,7 +123,7 @@ TEST_F(Propagate_Panel, eight_keys_over_the_list_are_used) {
 
 TEST_F(Propagate_Panel, keys_elsewhere_are_not_used) {
     Show(2);
-    for (const Propagate_Place& place : {Layout().down, Layout().up}) {
+    for (const Pixel_Rectangle& place : {Layout().down, Layout().up}) {
         Point_At_Middle(place);
         EXPECT_EQ(panel.Keyboard(KEY_LEFT), 0);
     }
@@ -172,7 +172,7 @@ TEST_F(Propagate_Panel, motion_and_leave_give_feedback_and_leave_no_trace) {
     Show(2);
     panel.Draw();
     const auto before = stage.Read();
-    for (const Propagate_Place& place : {Layout().down, Layout().list, Layout().up}) {
+    for (const Pixel_Rectangle& place : {Layout().down, Layout().list, Layout().up}) {
         Point_At_Middle(place);
         EXPECT_EQ(panel.Motion(0), 0);
         EXPECT_FALSE(stage.Read() == before);

@@ -5,9 +5,9 @@
 TEST(Propagate_Geometry, the_list_takes_two_of_four_columns_between_down_and_up) {
     const Propagate_Layout layout = Propagate_Layout_Make({10, 20, 211, 60}, 3, 18);
     const int column = (211 - 12) / 4;  // 49, the rest stays free
-    EXPECT_EQ(layout.down, (Propagate_Place{13, 23, static_cast<short>(column), 18}));
-    EXPECT_EQ(layout.list, (Propagate_Place{13 + 49 + 3, 23, 98, 18}));
-    EXPECT_EQ(layout.up, (Propagate_Place{65 + 98 + 3, 23, 49, 18}));
+    EXPECT_EQ(layout.down, (Pixel_Rectangle{13, 23, static_cast<short>(column), 18}));
+    EXPECT_EQ(layout.list, (Pixel_Rectangle{13 + 49 + 3, 23, 98, 18}));
+    EXPECT_EQ(layout.up, (Pixel_Rectangle{65 + 98 + 3, 23, 49, 18}));
 }
 
 TEST(Propagate_Geometry, widgets_never_overlap_and_stay_in_the_host_box) {

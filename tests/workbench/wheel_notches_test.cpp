@@ -1,5 +1,7 @@
 #include "workbench/model/wheel_notches.h"
 
+#include "base/wheel_remainder.h"
+
 #include <gtest/gtest.h>
 
 using namespace workbench;
@@ -8,16 +10,28 @@ namespace {
 
 using Deltas = std::vector<int>;
 
-TEST(Wheel_Lines, slow_turns_add_up) {
-    Wheel_Lines wheel(3);
-    EXPECT_EQ(wheel.Turn(120), 3);
-    EXPECT_EQ(wheel.Turn(-240), -6);
-    EXPECT_EQ(wheel.Turn(30), 0) << "three quarters of a line";
-    EXPECT_EQ(wheel.Turn(30), 1);
-    EXPECT_EQ(wheel.Turn(-20), 0) << "the half that was left is used up first";
+TEST(Wheel_Remainder, keeps_what_is_less_than_a_notch) {
+    Wheel_Remainder wheel;
+    EXPECT_EQ(wheel.Add(40), 0);
+    EXPECT_EQ(wheel.Add(40), 0);
+    EXPECT_EQ(wheel.Add(40), 1);
+    EXPECT_EQ(wheel.Rest(), 0);
+    EXPECT_EQ(wheel.Add(-40), 0);
+    EXPECT_EQ(wheel.Add(-80), -1);
+    EXPECT_EQ(wheel.Add(300), 2);
+    EXPECT_EQ(wheel.Rest(), 60);
+}
+
+TEST(Wheel_Remainder, slow_turns_add_up_to_lines) {
+    Wheel_Remainder wheel(3);
+    EXPECT_EQ(wheel.Add(120), 3);
+    EXPECT_EQ(wheel.Add(-240), -6);
+    EXPECT_EQ(wheel.Add(30), 0) << "three quarters of a line";
+    EXPECT_EQ(wheel.Add(30), 1);
+    EXPECT_EQ(wheel.Add(-20), 0) << "the half that was left is used up first";
     int lines = 0;
     for (int turn = 0; turn < 120; ++turn) {
-        lines += wheel.Turn(-1);
+        lines += wheel.Add(-1);
     }
     EXPECT_EQ(lines, -3);
 }

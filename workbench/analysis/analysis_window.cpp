@@ -442,7 +442,7 @@ LRESULT Analysis_Window::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_MOUSEWHEEL: {
             POINT pointer = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
             ::ScreenToClient(window, &pointer);
-            const int lines = -wheel.Turn(GET_WHEEL_DELTA_WPARAM(wparam));
+            const int lines = -wheel.Add(GET_WHEEL_DELTA_WPARAM(wparam));
             if (pointer.y < Table_Area().bottom) {
                 Table_Scroll(lines);
             } else {

@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "base/wheel_remainder.h"
 #include "host/kit_widgets.h"
 #include "workbench/analysis/fit_log.h"
 #include "workbench/analysis/peak_table.h"
 #include "workbench/look.h"
-#include "workbench/model/wheel_notches.h"
 
 class Tool_Histo;
 
@@ -110,7 +110,7 @@ class Analysis_Window {
     Fit_Log log;
     std::vector<std::string> log_lines;
     int log_first = 0;  // first line shown
-    Wheel_Lines wheel{3};
+    Wheel_Remainder wheel{3};
     int table_first = 0;                            // first row shown
     std::shared_ptr<Accessible_Source> accessible;  // while the window is open
     bool is_watched = false;                        // the library notes what it paints, from the first question on

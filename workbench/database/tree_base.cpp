@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/drawing_dc.h"
 #include "base/gdi_handles.h"
 #include "database/editor_places.h"
 #include "kits/dataset/dataset_host.h"
@@ -94,11 +95,8 @@ void Tree_Base::Mark() {
         return;
     }
     const Boxs& box = tree.list_box;
-    const HDC dc = Y_setup(box.window, "Tree_Base::Mark");
-    if (dc == nullptr) {
-        return;
-    }
-    {
+    const Drawing_DC drawing(box.window, "Tree_Base::Mark");
+    if (const HDC dc = drawing.Get(); dc != nullptr) {
         const int middle = Row_Y(row);
         const Saved_DC saved(dc);
         ::IntersectClipRect(dc, box.x, box.y, box.x + box.width, box.y + box.height);
@@ -111,7 +109,6 @@ void Tree_Base::Mark() {
         const POINT frame[] = {{left, low}, {right, low}, {right, high}, {left, high}, {left, low}};
         ::Polyline(dc, frame, 5);
     }
-    Y_release(box.window, dc);
 }
 
 void Tree_Base::Show(int record) {

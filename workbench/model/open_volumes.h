@@ -9,7 +9,7 @@
 
 #include "workbench/model/session.h"
 #include "workbench/model/slice_render.h"
-#include "workbench/volumes/dicom_folder.h"
+#include "workbench/volumes/image_folder.h"
 #include "workbench/volumes/volume_statistics.h"
 
 namespace workbench {

@@ -3,14 +3,9 @@
 #include <cstddef>
 #include <cstdlib>
 
-namespace workbench {
+#include "base/wheel_remainder.h"
 
-int Wheel_Lines::Turn(int delta) {
-    rest += delta * lines_per_notch;
-    const int lines = rest / WHEEL_NOTCH;
-    rest -= lines * WHEEL_NOTCH;
-    return lines;
-}
+namespace workbench {
 
 std::vector<int> Wheel_Notches(int delta, bool is_turned) {
     const int wanted = is_turned ? -delta : delta;

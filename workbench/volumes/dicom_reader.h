@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "workbench/volumes/nifti_reader.h"
 #include "workbench/volumes/slice_stack.h"
 #include "workbench/volumes/volume.h"
+#include "workbench/volumes/volume_load.h"
 
 namespace volumes {
 

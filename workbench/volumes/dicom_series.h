@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "workbench/volumes/dicom_folder.h"
+#include "workbench/volumes/image_folder.h"
 
 namespace volumes {
 

@@ -6,7 +6,7 @@
 
 #include "tests/workbench/volumes/dicom_bytes.h"
 #include "tests/workbench/volumes/loading.h"
-#include "workbench/volumes/dicom_folder.h"
+#include "workbench/volumes/image_folder.h"
 
 using namespace volumes;
 

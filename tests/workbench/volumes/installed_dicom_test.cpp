@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/workbench/volumes/loading.h"
-#include "workbench/volumes/dicom_folder.h"
+#include "workbench/volumes/image_folder.h"
 
 using namespace volumes;
 

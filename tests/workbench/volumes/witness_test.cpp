@@ -18,7 +18,7 @@
 
 #include "tests/workbench/volumes/loading.h"
 #include "tests/workbench/volumes/nifti_bytes.h"
-#include "workbench/volumes/dicom_folder.h"
+#include "workbench/volumes/image_folder.h"
 #include "workbench/volumes/message_text.h"
 
 using namespace volumes;

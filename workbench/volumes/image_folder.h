@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "workbench/volumes/dicom_reader.h"
-#include "workbench/volumes/nifti_reader.h"
 #include "workbench/volumes/volume.h"
+#include "workbench/volumes/volume_load.h"
 
 namespace volumes {
 

@@ -1,4 +1,4 @@
-#include "workbench/volumes/dicom_folder.h"
+#include "workbench/volumes/image_folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

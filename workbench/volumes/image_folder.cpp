@@ -1,4 +1,4 @@
-#include "workbench/volumes/dicom_folder.h"
+#include "workbench/volumes/image_folder.h"
 
 #include <algorithm>
 #include <new>
@@ -9,6 +9,7 @@
 #include "workbench/volumes/decoded_source.h"
 #include "workbench/volumes/dicom_series.h"
 #include "workbench/volumes/message_text.h"
+#include "workbench/volumes/nifti_reader.h"
 #include "workbench/volumes/unfinished_file.h"
 
 namespace volumes {

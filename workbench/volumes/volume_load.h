@@ -1,0 +1,31 @@
+/** What every reader of images takes and gives. */
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "workbench/volumes/volume.h"
+
+namespace volumes {
+
+/** Called now and then with the fraction done, 0 .. 1, never falling. @return false to give up */
+using Load_Progress = std::function<bool(double)>;
+
+/** What a file may ask for. */
+struct Load_Limits {
+    /** Most bytes of the decoded voxels, of the levels made of them (4 bytes per voxel), and of anything else in the
+     * file, each for itself. */
+    std::uint64_t decoded_bytes = std::uint64_t{2} << 30U;
+};
+
+struct Load_Result {
+    std::optional<Volume> volume;       ///< no value: see error
+    std::string error;                  ///< one sentence for the user, UTF-8, naming the file; empty on success
+    bool cancelled = false;             ///< the progress callback gave up; `error` says so too
+    std::vector<std::string> warnings;  ///< sentences about oddities that did not prevent loading
+};
+
+}  // namespace volumes
