@@ -170,7 +170,8 @@ void Character_Type(Texts& entry, wchar_t unit) {
     }
     char bytes[4] = {};
     BOOL replaced = FALSE;
-    const int nb = ::WideCharToMultiByte(page, 0, &unit, 1, bytes, sizeof bytes, nullptr, &replaced);
+    const auto letter = static_cast<WCHAR>(unit);
+    const int nb = ::WideCharToMultiByte(page, 0, &letter, 1, bytes, sizeof bytes, nullptr, &replaced);
     for (int i = 0; i < nb && replaced == FALSE; ++i) {
         entry.Input(static_cast<unsigned char>(bytes[i]));
     }
@@ -366,7 +367,7 @@ class Dialog_Template {
         header->cx = static_cast<short>(TEMPLATE_WIDTH / LOWORD(units));
         header->cy = static_cast<short>(TEMPLATE_HEIGHT / HIWORD(units));
         // Behind the header: menu and class, one zero each, then the title.
-        auto* const title = reinterpret_cast<wchar_t*>(header + 1) + 2;
+        auto* const title = reinterpret_cast<WCHAR*>(header + 1) + 2;
         ::MultiByteToWideChar(CP_ACP, 0, TITLE, -1, title, TITLE_MAX);
         data = header;
     }

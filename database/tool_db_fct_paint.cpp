@@ -218,7 +218,8 @@ class Tree_Painter {
         wide.resize(std::max(wide.size(), length + 1));
         const int nb = Char_2_Wchar(text, wide.data(), static_cast<int>(wide.size()));
         if (nb > 0) {
-            ::ExtTextOutW(dc, x, top, 0, nullptr, wide.data(), static_cast<UINT>(nb), nullptr);
+            const void* const letters = wide.data();
+            ::ExtTextOutW(dc, x, top, 0, nullptr, static_cast<const WCHAR*>(letters), static_cast<UINT>(nb), nullptr);
         }
     }
 

@@ -42,7 +42,11 @@ constexpr std::array<const char*, 3> PEAK_CHOICES = {"Off", "Composite", "Indivi
 template <class... Arguments>
 void Trace_Mode(const char* format, Arguments... arguments) {
     if (Flag_Trace >= MODE_TRACE_FLAG) {
-        Error_Fct(hwnd, MODE_TRACE_LEVEL, format, arguments...);
+        if constexpr (sizeof...(arguments) == 0) {
+            Error_Fct(hwnd, MODE_TRACE_LEVEL, "%s", format);
+        } else {
+            Error_Fct(hwnd, MODE_TRACE_LEVEL, format, arguments...);
+        }
     }
 }
 

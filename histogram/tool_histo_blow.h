@@ -87,7 +87,7 @@ void Histo_Blow_Controls_Leave();
 void Histo_Blow_Enable(HWND window, bool enabled);
 
 /** Window procedure of the class "Histogram". */
-#if defined(_WIN32)
+#if defined(_WIN32) || defined(__stdcall)  // a macro of the system's headers elsewhere
 std::intptr_t __stdcall WndProc_Histo_Blow(HWND window, unsigned int message, std::uintptr_t wparam,
                                            std::intptr_t lparam);
 #endif

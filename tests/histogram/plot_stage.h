@@ -105,7 +105,7 @@ class Plot_Stage {
     }
     std::vector<std::uint32_t> Read() const { return stage.Read(); }
     /** Index in Read of a pixel of the plot area: columns from its left, rows from its bottom edge. */
-    std::size_t At(int column, int row) const { return stage.Index(scene.area.left + column, scene.area.bottom + row); }
+    std::size_t At(int column, int row) const { return stage.Index(scene.area.x + column, scene.area.y + row); }
 
     Histo_Scene host;
     Panel_Stage stage;
