@@ -1,8 +1,10 @@
 // libFuzzer: any stream of events, class trees, files and answers of the host on the database panels and their editor.
 #include <deque>
-#include <optional>
+#include <memory>
 #include <string>
 
+#include "database/edit_diagram.h"
+#include "database/editor_places.h"
 #include "database/tool_db_class.h"
 #include "database/tool_db_file.h"
 #include "kits/widgets/headless_windows.h"
@@ -130,22 +132,23 @@ class Class_View final : public Tool_DB_Class {
     using Tool_DB_Class::Tool_DB_Class;
 };
 
-/** One panel, of either view, that may end while one of its operations calls the host. */
+/** One panel, of either view, that may end while one of its operations calls the host: on the heap, so that a touch
+ *  after that is seen. */
 class Panel {
   public:
     Panel(int mode, bool is_file_view) {
         if (is_file_view) {
-            files.emplace(mode);
+            files = std::make_unique<File_View>(mode);
         } else {
-            classes.emplace(mode);
+            classes = std::make_unique<Class_View>(mode);
         }
     }
     /** Null once it has ended. */
     Tool_DB_List* Get() {
         if (files) {
-            return &*files;
+            return files.get();
         }
-        return classes ? &*classes : nullptr;
+        return classes.get();
     }
     void End() {
         files.reset();
@@ -153,17 +156,15 @@ class Panel {
     }
     void Copy() {
         if (files) {
-            const File_View copy(*files);
-            files.emplace(copy);
+            files = std::make_unique<File_View>(*files);
         } else if (classes) {
-            const Class_View copy(*classes);
-            classes.emplace(copy);
+            classes = std::make_unique<Class_View>(*classes);
         }
     }
 
   private:
-    std::optional<File_View> files;
-    std::optional<Class_View> classes;
+    std::unique_ptr<File_View> files;
+    std::unique_ptr<Class_View> classes;
 };
 
 void Event(Tool_DB_List& panel, const Panel_Stage& stage, Input_Bytes& input) {
@@ -194,6 +195,36 @@ void Event(Tool_DB_List& panel, const Panel_Stage& stage, Input_Bytes& input) {
             break;
         default:
             panel.Keyboard(KEY_DELETE);
+    }
+}
+
+/** Puts the pointer where something is: on a zone of a node of the editor. @return false when there is none */
+bool Aim(const Tool_DB_List& panel, const Panel_Stage& stage, int record, Edit_Zone zone) {
+    DB_Node_Box box;
+    if (!DB_Editor_Node_Box(panel, record, &box)) {
+        return false;
+    }
+    const DB_List& node = panel.List_Pt()[record];
+    const DB_Tree_Point at = Edit_Zone_Point(node, zone);
+    const DB_Tree_Point cell = Edit_Cell(node);
+    stage.Point_At(box.x + at.x - cell.x, box.y + EDIT_CELL_HEIGHT - (at.y - cell.y));
+    return true;
+}
+
+/** Drags a node to another one, or opens what is at a node: random places would hardly ever do. */
+void Gesture(Panel& panel, const Panel_Stage& stage, Input_Bytes& input) {
+    constexpr Edit_Zone zones[] = {Edit_Zone::Body, Edit_Zone::Toggle, Edit_Zone::Parent_Handle,
+                                   Edit_Zone::Children_Handle};
+    const int record = input.Below(classes_most);
+    const Edit_Zone zone = zones[input.Below(4)];
+    if (!Aim(*panel.Get(), stage, record, zone)) {
+        return;
+    }
+    panel.Get()->Click(zone == Edit_Zone::Body ? MOUSE_PRESS | MOUSE_RIGHT : MOUSE_PRESS | MOUSE_LEFT);
+    const int target = input.Below(classes_most);
+    if (panel.Get() != nullptr && Aim(*panel.Get(), stage, target, Edit_Zone::Children_Handle)) {
+        panel.Get()->Motion(MOUSE_DRAG | MOUSE_LEFT);
+        panel.Get()->Click(0);
     }
 }
 
@@ -232,7 +263,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if ((answer & 3) == 3) {
             host.Change(input);
         }
-        if ((answer & 0x1F) == 1) {
+        if ((answer & 0xF) == 1) {
             panel.End();
         } else if ((answer & 4) != 0 && panel.Get() != nullptr) {
             panel.Get()->Update(flags);
@@ -251,6 +282,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 panel.Get()->Update(UPDATE_STRUCTURE | UPDATE_LEVEL_1D | UPDATE_LEVEL_2D | UPDATE_LEVEL_3D);
                 break;
             case 1:
+            case 2:
+            case 3:
+                Gesture(panel, stage, input);
+                break;
+            case 4:
                 (input.Take<std::uint8_t>() & 15) == 0 ? panel.Copy() : panel.Get()->Draw();
                 break;
             default:

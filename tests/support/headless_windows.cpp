@@ -47,7 +47,7 @@ struct Object {
 };
 
 std::set<const void*>& Living() {
-    static std::set<const void*> living;
+    static auto& living = *new std::set<const void*>;
     return living;
 }
 
@@ -97,7 +97,7 @@ struct Dc {
 };
 
 Dc& Dc_Of(HDC handle) {
-    static std::map<HDC, Dc> contexts;
+    static auto& contexts = *new std::map<HDC, Dc>;  // objects that live to the end of the program ask for them
     Insist(handle != nullptr, "no device context");
     return contexts[handle];
 }
