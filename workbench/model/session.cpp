@@ -8,6 +8,7 @@
 #include "workbench/model/label_description_file.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/nifti_writer.h"
+#include "workbench/volumes/unfinished_file.h"
 
 namespace workbench {
 
@@ -119,6 +120,7 @@ std::string Session::Save_Labels(const std::filesystem::path& file, Label_Descri
         label_path = file;
         stamps = {};
     }
+    volumes::Unfinished_Remove(file);  // of programs that were ended while they saved
     stamps.labels = volumes::File_Stamp_Of(file);
     Markers_Describe(description.markers);
     {

@@ -5,6 +5,7 @@
 
 #include "workbench/volumes/file_operations.h"
 #include "workbench/volumes/output_file.h"
+#include "workbench/volumes/unfinished_file.h"
 
 namespace workbench {
 
@@ -25,7 +26,9 @@ std::string Text_File_Read(const std::filesystem::path& file, std::size_t size_m
 std::string Text_File_Write(const std::filesystem::path& file, std::string_view text) {
     volumes::Output_File out(file);
     out.Write({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
-    out.Commit();
+    if (out.Commit()) {
+        volumes::Unfinished_Remove(file);  // of programs that were ended while they saved
+    }
     return out.Error();
 }
 

@@ -102,7 +102,6 @@ bool Output_File::Commit() {
         File_Operations_In_Use().remove(temporary);
         return false;
     }
-    Unfinished_Remove(target);  // of programs that were ended while they saved
     return true;
 }
 

@@ -20,8 +20,7 @@ class Output_File {
     Output_File& operator=(const Output_File&) = delete;
 
     bool Write(std::span<const std::uint8_t> bytes);
-    /** Brings the bytes to the disk and the file to its name, replacing a former one. What ended programs had left
-     * unfinished beside it goes. */
+    /** Brings the bytes to the disk and the file to its name, replacing a former one. */
     bool Commit();
     /** Empty as long as everything went well; else what is wrong, to follow the file's name: "cannot be written: No
      * space left on device" */
