@@ -51,6 +51,7 @@ class File_Scene {
     /** A file of `frame_nb` plain frames. */
     File& Add_File(const std::string& path, int frame_nb) {
         std::vector<Quorel_2D_Frame*> its_frames;
+        its_frames.reserve(static_cast<std::size_t>(frame_nb));
         for (int i = 0; i < frame_nb; ++i) {
             its_frames.push_back(&Add_Frame());
         }
