@@ -6,6 +6,23 @@ function(kit_settings TARGET)
     target_link_libraries(${TARGET} PRIVATE kit_compiler_settings)
 endfunction()
 
+# kit_precompile(TARGET header ...)
+# Headers that most sources of TARGET read, compiled once for it. They come before each source's own, so these sources
+# no longer show that their headers stand alone; the lint of headers is told.
+function(kit_precompile TARGET)
+    if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+        # By content, not by time: ccache may bring it.
+        target_compile_options(${TARGET} PRIVATE "SHELL:-Xclang -fno-pch-timestamp")
+    endif()
+    target_precompile_headers(${TARGET} PRIVATE ${ARGN})
+    get_target_property(sources ${TARGET} SOURCES)
+    foreach(source IN LISTS sources)
+        cmake_path(ABSOLUTE_PATH source NORMALIZE)
+        cmake_path(RELATIVE_PATH source BASE_DIRECTORY "${PROJECT_SOURCE_DIR}")
+        set_property(GLOBAL APPEND PROPERTY kit_precompiled_sources "${source}")
+    endforeach()
+endfunction()
+
 # kit_objects(NAME DEFINE macro SOURCES ... [WINDOWS_SOURCES ...] [LIBRARIES ...])
 # Object files of one folder. DEFINE marks the module that they belong to; who links the objects gets it too, because
 # for him the module's operations are not imported.
