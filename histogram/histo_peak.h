@@ -42,8 +42,8 @@ using Peak_Deriv_Fct = double (*)(std::uint8_t type, std::uint8_t index, double 
 
 /** One peak of Histo_Data::peak_first, by ascending centre. Bins are those of the analysis, and a whole position is
  *  the middle of its bin: the grey level of a position is (position + 0.5) * `bin_width` + `origin` of the record that
- *  was analysed, as in Histo_Peak_Info and in the labels of the enlarged window.
- *  Contract: readers of exported files expect their centres without that half bin.
+ *  was analysed, as in Histo_Peak_Info.
+ *  Contract: the exported file, and with it the labels of the enlarged window, name centres without that half bin.
  *
  *  The panel's data own the record, the record its vectors and its curve: all of it is read only for a host, and gone
  *  with the next analysis and with the last panel that shares the data. */

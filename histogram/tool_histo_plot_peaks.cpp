@@ -27,11 +27,13 @@ int Values_Nb(const Histo_Peak& peak, const Plot_Columns& columns) {
     return peak.curve != nullptr ? std::min<int>(peak.nb_pts, columns.Grid().nb_bins) : 0;
 }
 
-/** A label over a position, in bins, which names its grey level; a bin's value stands at its middle. */
+/** A label over a position, in bins; a bin's value stands at its middle.
+ *  Contract: it names the centre without that half bin, as the exported file does, so that users find the one in the
+ *  other. */
 Histo_Plot_Peaks::Label Label_At(const Plot_Columns& columns, double centre, double top) {
     const Plot_Grid& grid = columns.Grid();
-    const double level = grid.origin + (centre + HALF_BIN) * grid.bin_width;
-    return {columns.Frame().Column(level), columns.Frame().Row(top), level};
+    return {columns.Frame().Column(grid.origin + (centre + HALF_BIN) * grid.bin_width), columns.Frame().Row(top),
+            grid.origin + centre * grid.bin_width};
 }
 
 /** The curve that segments cut: the smoothed one, else the counts. */
