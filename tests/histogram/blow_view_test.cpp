@@ -103,10 +103,10 @@ TEST(Blow_View, a_wheel_beside_the_area_acts_as_at_its_edge) {
         int at_x;
         int at_y;
     };
-    const int right = AREA.left + AREA.width;
-    const int top = AREA.bottom + AREA.height;
-    for (const Pointer& pointer : {Pointer{AREA.left - 30, AREA.bottom - 20, AREA.left, AREA.bottom},
-                                   Pointer{right + 25, top + 9, right, top}}) {
+    const int right = AREA.x + AREA.width;
+    const int top = AREA.y + AREA.height;
+    for (const Pointer& pointer :
+         {Pointer{AREA.x - 30, AREA.y - 20, AREA.x, AREA.y}, Pointer{right + 25, top + 9, right, top}}) {
         Blow_View beside = Zoomed_View();
         Blow_View at_edge = Zoomed_View();
         beside.Zoom_Wheel(-2, pointer.x, pointer.y);
