@@ -202,6 +202,16 @@ void Application::Report_Database() {
         pixels = std::accumulate(record.counts, record.counts + record.nb_bins, 0ULL);
     }
     report.Line("histogram_pixels " + std::to_string(pixels));
+    HMENU menu = ::GetMenu(window.Handle());
+    Menu_Refresh(menu);  // as when it opens
+    std::string marked;
+    for (const auto& [command, name] : {std::pair{Command::HISTOGRAM_ALL, "all"},
+                                        {Command::HISTOGRAM_SHOWN, "shown"},
+                                        {Command::HISTOGRAM_RANGE, "range"}}) {
+        const UINT state = ::GetMenuState(menu, static_cast<UINT>(command), MF_BYCOMMAND);
+        marked += state != static_cast<UINT>(-1) && (state & MF_CHECKED) != 0 ? name : "";
+    }
+    report.Line("histogram_mark " + marked);
 }
 
 }  // namespace workbench
