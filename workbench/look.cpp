@@ -84,26 +84,36 @@ void Frame(HDC dc, const RECT& area, int thickness, COLORREF color) {
     Fill(dc, {area.right - thickness, area.top, area.right, area.bottom}, color);
 }
 
+namespace {
+
+/** Draw_Line in the font that is selected. */
+void Draw_Selected(HDC dc, RECT area, std::wstring_view text, COLORREF color, UINT format) {
+    ::SetBkMode(dc, TRANSPARENT);
+    ::SetTextColor(dc, color);
+    ::DrawTextW(dc, text.data(), static_cast<int>(text.size()), &area,
+                format | DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
+}
+
+}  // namespace
+
 int Draw_Line(HDC dc, const RECT& area, std::wstring_view text, HFONT font, COLORREF color, UINT format) {
     Gdi_Font other;
     const Selected_Object selected(dc, Font_For(dc, font, text, other));
-    ::SetBkMode(dc, TRANSPARENT);
-    ::SetTextColor(dc, color);
-    RECT place = area;
-    const auto length = static_cast<int>(text.size());
-    ::DrawTextW(dc, text.data(), length, &place, format | DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
+    Draw_Selected(dc, area, text, color, format);
     SIZE size = {};
-    ::GetTextExtentPoint32W(dc, text.data(), length, &size);
+    ::GetTextExtentPoint32W(dc, text.data(), static_cast<int>(text.size()), &size);
     return size.cx;
 }
 
 void Draw_Line_Shadowed(HDC dc, const RECT& area, std::wstring_view text, HFONT font, UINT format) {
+    Gdi_Font other;
+    const Selected_Object selected(dc, Font_For(dc, font, text, other));  // once for all ten drawings
     for (int side = 0; side < 9; ++side) {
         RECT moved = area;
         ::OffsetRect(&moved, side % 3 - 1, side / 3 - 1);
-        Draw_Line(dc, moved, text, font, shadow_dark, format);
+        Draw_Selected(dc, moved, text, shadow_dark, format);
     }
-    Draw_Line(dc, area, text, font, shadow_light, format);
+    Draw_Selected(dc, area, text, shadow_light, format);
 }
 
 int Line_Height(HFONT font) {
