@@ -6,6 +6,9 @@ function(kit_settings TARGET)
     target_link_libraries(${TARGET} PRIVATE kit_compiler_settings)
 endfunction()
 
+# What most sources of the application and its readers read of the standard library.
+set(kit_standard_headers <algorithm> <cmath> <filesystem> <functional> <memory> <optional> <span> <string> <utility> <vector>)
+
 # kit_precompile(TARGET header ...)
 # Headers that most sources of TARGET read, compiled once for it. They come before each source's own, so these sources
 # no longer show that their headers stand alone; the lint of headers is told.
