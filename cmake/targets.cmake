@@ -88,7 +88,7 @@ set(kit_hang_seconds 3600)
 # A GoogleTest program and its one CTest entry. NATIVE: also without Windows, under the sanitizers; NATIVE_ONLY: only
 # there. DESKTOP: it uses the real cursor, keyboard or focus, so no other such test may run beside it.
 # FAIL_MEMORY: its sources stand in for the C library's allocation (__wrap_malloc, ...) and let it fail.
-# LIBRARIES: Kit_Panels for the module as a host sees it, label_panels and the like for what it does not export.
+# LIBRARIES: Kit_Panels for the module as a host sees it, painting_panels and the like for what it does not export.
 function(kit_panels_test)
     cmake_parse_arguments(PARSE_ARGV 0 arg "NATIVE;NATIVE_ONLY;DESKTOP;FAIL_MEMORY" "NAME;LABEL" "SOURCES;LIBRARIES")
     if(arg_UNPARSED_ARGUMENTS)

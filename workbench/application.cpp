@@ -36,11 +36,11 @@ Application::Application(const Command_Line& command_line)
       class_history({[](const char* text) { return Utf8_Of_Wide(Wide_Of_Panel(text)); },
                      [](const std::string& text) { return Panel_Of_Wide(Wide_Of_Utf8(text)); }}),
       tag_panel(static_cast<unsigned short>(TAG_CHECK_ENABLE | TAG_GREY_SELECTION)),
-      tag_base(tag_panel, [](Tool_Tag& panel) { return panel.Height(tag_rows); }),
-      marker_base(marker_panel, [](Tool_Marker& panel) { return panel.Height(marker_rows); }),
-      brush_base(brush_panel, [](Tool_Brush& panel) { return panel.Height(); }),
-      propagate_base(propagate_panel, [](Tool_Propagate& panel) { return panel.Height(); }),
-      histogram_base(
+      hosted_tag(tag_panel, [](Tool_Tag& panel) { return panel.Height(tag_rows); }),
+      hosted_marker(marker_panel, [](Tool_Marker& panel) { return panel.Height(marker_rows); }),
+      hosted_brush(brush_panel, [](Tool_Brush& panel) { return panel.Height(); }),
+      hosted_propagate(propagate_panel, [](Tool_Propagate& panel) { return panel.Height(); }),
+      hosted_histogram(
           histogram_panel,
           [this](Tool_Histo& panel) { return panel.Height(static_cast<unsigned short>(look.Px(histogram_height))); }),
       window(*this),
@@ -141,32 +141,32 @@ bool Application::Start(int show) {
 }
 
 void Application::Add_Panels() {
-    tag_host = tool_area.Add(L"TAG", tag_base, Window_Axis::Down, [this](int picked, int) {
+    tag_host = tool_area.Add(L"TAG", hosted_tag, Window_Axis::Down, [this](int picked, int) {
         if (picked >= 0) {
             Tag_Set(picked, false);
         }
     });
-    brush_host = tool_area.Add(L"Brush", brush_base, Window_Axis::Up, [this](int is_picked, int) {
+    brush_host = tool_area.Add(L"Brush", hosted_brush, Window_Axis::Up, [this](int is_picked, int) {
         if (is_picked != 0) {
             Brush_Set(brush_panel.Read());
         }
     });
-    propagate_host = tool_area.Add(L"Frames", propagate_base, Window_Axis::Up, [](int, int) {});
-    marker_host = tool_area.Add(L"Markers", marker_base, Window_Axis::Down, [this](int picked, int) {
+    propagate_host = tool_area.Add(L"Frames", hosted_propagate, Window_Axis::Up, [](int, int) {});
+    marker_host = tool_area.Add(L"Markers", hosted_marker, Window_Axis::Down, [this](int picked, int) {
         if (picked >= 0) {
             Marker_Set(picked);
         }
     });
-    histogram_host = tool_area.Add(L"Histogram", histogram_base, Window_Axis::Down, [this](int is_used, int) {
+    histogram_host = tool_area.Add(L"Histogram", hosted_histogram, Window_Axis::Down, [this](int is_used, int) {
         // A press beside the magnification's thumb changes it without painting the plot.
-        histogram_base.Scale_Note();
+        hosted_histogram.Scale_Note();
         if (is_used != 0) {
             Announce(UPDATE_HISTO_PAINT);
             Enlarged_Icon_Give();
         }
     });
     tool_area.Stretch(histogram_host, look.Px(histogram_height_most));
-    histogram_base.Scale_Release();
+    hosted_histogram.Scale_Release();
 }
 
 int Application::Run() {
@@ -391,7 +391,7 @@ void Application::Wheel(POINT screen, int delta, bool is_control) {
         YCursor_Y = screen.y;
         host->Wheel(delta);
         if (host == histogram_host) {
-            histogram_base.Scale_Note();
+            hosted_histogram.Scale_Note();
         }
     } else if (under == tool_area.Handle()) {
         tool_area.Wheel(delta);

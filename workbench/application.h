@@ -22,8 +22,8 @@
 #include "workbench/database/class_history.h"
 #include "workbench/database/class_objects.h"
 #include "workbench/database/database_pane.h"
-#include "workbench/histogram_base.h"
 #include "workbench/host_variables.h"
+#include "workbench/hosted_histogram.h"
 #include "workbench/image_view.h"
 #include "workbench/list_window.h"
 #include "workbench/main_window.h"
@@ -336,11 +336,11 @@ class Application : public Image_User, public Main_Window_User {
     Tool_Brush brush_panel;
     Tool_Propagate propagate_panel;
     Tool_Histo histogram_panel;
-    Panel_Of<Tool_Tag> tag_base;
-    Panel_Of<Tool_Marker> marker_base;
-    Panel_Of<Tool_Brush> brush_base;
-    Panel_Of<Tool_Propagate> propagate_base;
-    Histogram_Base histogram_base;
+    Panel_Of<Tool_Tag> hosted_tag;
+    Panel_Of<Tool_Marker> hosted_marker;
+    Panel_Of<Tool_Brush> hosted_brush;
+    Panel_Of<Tool_Propagate> hosted_propagate;
+    Hosted_Histogram hosted_histogram;
 
     Main_Window window;
     Tool_Area tool_area;

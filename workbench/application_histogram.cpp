@@ -265,7 +265,7 @@ std::wstring Application::Histogram_Text() const {
 }
 
 void Application::Histogram_Scale_Suggest() {
-    if (histogram_base.Scale_Suggest()) {
+    if (hosted_histogram.Scale_Suggest()) {
         histogram_host->Lay_Out();
     }
 }

@@ -62,8 +62,8 @@ void Application::Execute_Keyboard(Command command) {
             return Colors_Check();
         case Command::HISTOGRAM_HIGHER:
         case Command::HISTOGRAM_LOWER:
-            histogram_base.Scale_Set(command == Command::HISTOGRAM_HIGHER ? histogram_panel.scale / scale_factor
-                                                                          : histogram_panel.scale * scale_factor);
+            hosted_histogram.Scale_Set(command == Command::HISTOGRAM_HIGHER ? histogram_panel.scale / scale_factor
+                                                                            : histogram_panel.scale * scale_factor);
             histogram_host->Refresh();
             return;
         case Command::HISTOGRAM_ENLARGE:

@@ -154,7 +154,7 @@ void Application::Show_Volumes(volumes::Image_Folder&& opened, std::vector<volum
     is_histogram_smoothed = false;
     is_histogram_of_checked = false;
     is_background_left_out = false;
-    histogram_base.Scale_Release();
+    hosted_histogram.Scale_Release();
     Histogram_Select();
     Announce(UPDATE_ALL | UPDATE_STRUCTURE | volume_changed);
     Histogram_Scale_Suggest();

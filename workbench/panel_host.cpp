@@ -17,7 +17,7 @@ constexpr int box_size_max = 32767;  // rectangles of panels are 16 bits wide
 
 }  // namespace
 
-Panel_Host::Panel_Host(Panel_Base& hosted, const Look& shared_look, std::function<void(int, int)> on_click)
+Panel_Host::Panel_Host(Hosted_Panel& hosted, const Look& shared_look, std::function<void(int, int)> on_click)
     : panel(hosted), look(shared_look), clicked(std::move(on_click)) {}
 
 Panel_Host::~Panel_Host() {

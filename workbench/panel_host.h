@@ -14,13 +14,13 @@
 
 namespace workbench {
 
-/** What all panel classes have in common. */
-class Panel_Base {
+/** A panel of any class, as its window hosts it. */
+class Hosted_Panel {
   public:
-    Panel_Base() = default;
-    virtual ~Panel_Base() = default;
-    Panel_Base(const Panel_Base&) = delete;
-    Panel_Base& operator=(const Panel_Base&) = delete;
+    Hosted_Panel() = default;
+    virtual ~Hosted_Panel() = default;
+    Hosted_Panel(const Hosted_Panel&) = delete;
+    Hosted_Panel& operator=(const Hosted_Panel&) = delete;
     virtual void Resize(Boxs* box) = 0;
     virtual int Height() = 0;
     virtual void Draw() = 0;
@@ -32,9 +32,9 @@ class Panel_Base {
     virtual void Update(unsigned __int64 flags) = 0;
 };
 
-/** @tparam Panel one of the module's panel classes */
+/** A panel of the module, hosted as it is. @tparam Panel one of its classes */
 template <class Panel>
-class Panel_Of : public Panel_Base {
+class Panel_Of : public Hosted_Panel {
   public:
     /** @param wanted the height that the panel wants, pixels */
     Panel_Of(Panel& hosted, std::function<int(Panel&)> wanted) : panel(hosted), height(std::move(wanted)) {}
@@ -59,7 +59,7 @@ class Panel_Host : public Window_Base {
   public:
     /** @param hosted outlives the window
      *  @param on_click called with what Click returned and the event code, after every click */
-    Panel_Host(Panel_Base& hosted, const Look& shared_look, std::function<void(int, int)> on_click);
+    Panel_Host(Hosted_Panel& hosted, const Look& shared_look, std::function<void(int, int)> on_click);
     ~Panel_Host() override;
     /** Creates the window, hidden. @return false when the system refuses */
     bool Make(HWND parent, Window_Axis axis);
@@ -108,7 +108,7 @@ class Panel_Host : public Window_Base {
     void Clear();
     void Paint();
 
-    Panel_Base& panel;
+    Hosted_Panel& panel;
     const Look& look;
     std::function<void(int, int)> clicked;
     unsigned short face_grey = 0;  // 0: the look's

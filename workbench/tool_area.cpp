@@ -21,7 +21,7 @@ bool Tool_Area::Make(HWND parent) {
     return Create(parent, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, L"");
 }
 
-Panel_Host* Tool_Area::Add(const wchar_t* title, Panel_Base& panel, Window_Axis axis,
+Panel_Host* Tool_Area::Add(const wchar_t* title, Hosted_Panel& panel, Window_Axis axis,
                            std::function<void(int, int)> on_click) {
     Section section;
     section.title = title;

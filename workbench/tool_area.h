@@ -16,7 +16,8 @@ class Tool_Area : public Window_Base {
     explicit Tool_Area(const Look& shared_look) : look(shared_look) {}
     bool Make(HWND parent);
     /** Adds a panel below the others. @return its window, owned by the area */
-    Panel_Host* Add(const wchar_t* title, Panel_Base& panel, Window_Axis axis, std::function<void(int, int)> on_click);
+    Panel_Host* Add(const wchar_t* title, Hosted_Panel& panel, Window_Axis axis,
+                    std::function<void(int, int)> on_click);
     /** Lets a panel take the room that is left, up to so many pixels. */
     void Stretch(const Panel_Host* panel, int most);
     /** The text at the right of a panel's heading. */

@@ -402,7 +402,7 @@ std::wstring Analysis_Window::Quality_Line() const {
            Quality_Text(table);
 }
 
-LRESULT Analysis_Window::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
+LRESULT Analysis_Window::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
     if (const auto answer = Accessible_Message(window, message, wparam, lparam, accessible)) {
         return *answer;
     }
@@ -479,7 +479,7 @@ LRESULT CALLBACK Analysis_Window::Procedure(HWND of_window, UINT message, WPARAM
         ::SetWindowLongPtrW(of_window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(self));
     }
     auto* self = reinterpret_cast<Analysis_Window*>(::GetWindowLongPtrW(of_window, GWLP_USERDATA));
-    return self != nullptr && self->window != nullptr ? self->Handle(message, wparam, lparam)
+    return self != nullptr && self->window != nullptr ? self->On_Message(message, wparam, lparam)
                                                       : ::DefWindowProcW(of_window, message, wparam, lparam);
 }
 

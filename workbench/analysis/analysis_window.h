@@ -65,7 +65,7 @@ class Analysis_Window {
 
   private:
     static LRESULT CALLBACK Procedure(HWND of_window, UINT message, WPARAM wparam, LPARAM lparam);
-    LRESULT Handle(UINT message, WPARAM wparam, LPARAM lparam);
+    LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam);
     static void Receive(void* context, HWND of_window, int level, const char* text);
     void Lay_Out();
     void Paint();

@@ -46,25 +46,25 @@ std::wstring_view Tab_Text(HDC dc, HFONT font, std::wstring_view text, int room)
 }  // namespace
 
 /** Hands every event of a panel to the application, which does what the panel asked for when the event is over. */
-class Database_Pane::Relay : public Panel_Base {
+class Database_Pane::Relay : public Hosted_Panel {
   public:
-    Relay(Tree_Base& hosted, const std::function<void(const std::function<void()>&)>& runner)
-        : base(hosted), run(runner) {}
-    void Resize(Boxs* box) override { base.Resize(box); }
-    int Height() override { return base.Height(); }
-    void Draw() override { base.Draw(); }
+    Relay(Keyed_Tree& hosted, const std::function<void(const std::function<void()>&)>& runner)
+        : tree(hosted), run(runner) {}
+    void Resize(Boxs* box) override { tree.Resize(box); }
+    int Height() override { return tree.Height(); }
+    void Draw() override { tree.Draw(); }
     int Click(int up_down) override {
-        return Run([&] { return base.Click(up_down); });
+        return Run([&] { return tree.Click(up_down); });
     }
     int Motion(int up_down) override {
-        return Run([&] { return base.Motion(up_down); });
+        return Run([&] { return tree.Motion(up_down); });
     }
-    int Scroll(int notches) override { return base.Scroll(notches); }
+    int Scroll(int notches) override { return tree.Scroll(notches); }
     int Keyboard(int key) override {
-        return Run([&] { return base.Keyboard(key); });
+        return Run([&] { return tree.Keyboard(key); });
     }
-    void Leave() override { base.Leave(); }
-    void Update(unsigned __int64 flags) override { base.Update(flags); }
+    void Leave() override { tree.Leave(); }
+    void Update(unsigned __int64 flags) override { tree.Update(flags); }
 
   private:
     template <class Call>
@@ -73,7 +73,7 @@ class Database_Pane::Relay : public Panel_Base {
         run([&] { result = call(); });
         return result;
     }
-    Tree_Base& base;
+    Keyed_Tree& tree;
     const std::function<void(const std::function<void()>&)>& run;
 };
 
@@ -94,8 +94,8 @@ Database_Pane::~Database_Pane() = default;
 void Database_Pane::Panel_Make(int at, std::shared_ptr<Tool_DB_List> panel) {
     Hosted& hosted = panels[static_cast<std::size_t>(at)];
     hosted.panel = std::move(panel);
-    hosted.base = std::make_unique<Tree_Base>(*hosted.panel, look, host.may_remove);
-    hosted.relay = std::make_unique<Relay>(*hosted.base, host.run);
+    hosted.tree = std::make_unique<Keyed_Tree>(*hosted.panel, look, host.may_remove);
+    hosted.relay = std::make_unique<Relay>(*hosted.tree, host.run);
     hosted.host = std::make_unique<Panel_Host>(*hosted.relay, look, [](int, int) {});
     hosted.host->Face_Set(at >= EDITOR_FIRST && at < FIND ? editor_grey : tree_grey, tree_font);
 }
@@ -227,7 +227,7 @@ void Database_Pane::Editor_Set(bool on) {
 
 void Database_Pane::Expand_All(bool open) {
     Hosted& hosted = panels[static_cast<std::size_t>(Shown())];
-    hosted.host->Buffered([&] { hosted.base->Expand_All(open); });
+    hosted.host->Buffered([&] { hosted.tree->Expand_All(open); });
 }
 
 void Database_Pane::Find_Begin() {
@@ -282,9 +282,9 @@ void Database_Pane::Accessible_Names() {
     for (Hosted& hosted : panels) {
         if (hosted.host) {
             Panel_Host* const of = hosted.host.get();
-            Tree_Base* const base = hosted.base.get();
+            Keyed_Tree* const tree = hosted.tree.get();
             of->Accessible_Names(L"Tree", {},
-                                 [of, base] { return Tree_Parts(base->Tree(), base->Current(), of->Handle()); });
+                                 [of, tree] { return Tree_Parts(tree->Tree(), tree->Current(), of->Handle()); });
         }
     }
 }

@@ -10,7 +10,7 @@
 #include "database/tool_db_class.h"
 #include "database/tool_db_file.h"
 #include "workbench/database/find_view.h"
-#include "workbench/database/tree_base.h"
+#include "workbench/database/keyed_tree.h"
 
 namespace workbench {
 
@@ -73,8 +73,8 @@ class Database_Pane : public Window_Base {
     class Relay;
     struct Hosted {
         std::shared_ptr<Tool_DB_List> panel;  // shared: it deletes the panel as what it was made
-        std::unique_ptr<Tree_Base> base;
-        std::unique_ptr<Panel_Base> relay;
+        std::unique_ptr<Keyed_Tree> tree;
+        std::unique_ptr<Hosted_Panel> relay;
         std::unique_ptr<Panel_Host> host;
         unsigned __int64 pending = UPDATE_STRUCTURE | UPDATE_WINDOW_CUR;  ///< what it has not been told yet
     };

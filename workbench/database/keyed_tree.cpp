@@ -1,4 +1,4 @@
-#include "workbench/database/tree_base.h"
+#include "workbench/database/keyed_tree.h"
 
 #include <algorithm>
 #include <utility>
@@ -41,24 +41,25 @@ class Pointer_At {
 
 }  // namespace
 
-Tree_Base::Tree_Base(Tool_DB_List& hosted, const Look& shared_look, std::function<bool(const std::string&)> may_remove)
+Keyed_Tree::Keyed_Tree(Tool_DB_List& hosted, const Look& shared_look,
+                       std::function<bool(const std::string&)> may_remove)
     : Panel_Of<Tool_DB_List>(hosted, [](Tool_DB_List& of) { return of.Height(1); }),
       tree(hosted),
       look(shared_look),
       removal_allowed(std::move(may_remove)) {}
 
-void Tree_Base::Draw() {
+void Keyed_Tree::Draw() {
     Panel_Of<Tool_DB_List>::Draw();
     Mark();
 }
 
-int Tree_Base::Click(int up_down) {
+int Keyed_Tree::Click(int up_down) {
     const int result = Panel_Of<Tool_DB_List>::Click(up_down);
     is_marked = false;  // the mouse has taken over
     return result;
 }
 
-int Tree_Base::Motion(int up_down) {
+int Keyed_Tree::Motion(int up_down) {
     const int result = Panel_Of<Tool_DB_List>::Motion(up_down);
     if (result != 0) {
         Mark();
@@ -66,36 +67,36 @@ int Tree_Base::Motion(int up_down) {
     return result;
 }
 
-int Tree_Base::Scroll(int notches) {
+int Keyed_Tree::Scroll(int notches) {
     const int result = Panel_Of<Tool_DB_List>::Scroll(notches);
     Mark();
     return result;
 }
 
-void Tree_Base::Update(unsigned __int64 flags) {
+void Keyed_Tree::Update(unsigned __int64 flags) {
     Panel_Of<Tool_DB_List>::Update(flags);
     current = std::min(current, tree.Nb() - 1);
     Mark();
 }
 
-int Tree_Base::Row_Of(int record) const {
+int Keyed_Tree::Row_Of(int record) const {
     const std::vector<int> shown = Tree_Shown(tree.Nb(), tree.List_Pt());
     const auto found = std::ranges::lower_bound(shown, record);
     return found != shown.end() && *found == record ? static_cast<int>(found - shown.begin()) : -1;
 }
 
-int Tree_Base::Row_Y(int row) const {
+int Keyed_Tree::Row_Y(int row) const {
     return static_cast<int>(tree.vertical.value) + tree.list_box.y + tree.list_box.height - Tree_Shown_Middle(row);
 }
 
 /** A frame around the current row. */
-void Tree_Base::Mark() {
+void Keyed_Tree::Mark() {
     const int row = is_marked && current >= 0 && !Is_Editor() ? Row_Of(current) : -1;
     if (row < 0) {
         return;
     }
     const Boxs& box = tree.list_box;
-    const Drawing_DC drawing(box.window, "Tree_Base::Mark");
+    const Drawing_DC drawing(box.window, "Keyed_Tree::Mark");
     if (const HDC dc = drawing.Get(); dc != nullptr) {
         const int middle = Row_Y(row);
         const Saved_DC saved(dc);
@@ -111,7 +112,7 @@ void Tree_Base::Mark() {
     }
 }
 
-void Tree_Base::Show(int record) {
+void Keyed_Tree::Show(int record) {
     current = record;
     const int row = Row_Of(record);
     if (row >= 0) {
@@ -121,18 +122,18 @@ void Tree_Base::Show(int record) {
     Draw();
 }
 
-void Tree_Base::Go_To(int record) {
+void Keyed_Tree::Go_To(int record) {
     is_marked = true;
     Show(record);
 }
 
-void Tree_Base::Expand_All(bool open) {
+void Keyed_Tree::Expand_All(bool open) {
     Tree_Expand_All(tree.Nb(), tree.List_Pt(), open);
     Draw();
 }
 
 /** Checks or unchecks a row as a click on it does, and keeps the other marks. */
-void Tree_Base::Check(int record) {
+void Keyed_Tree::Check(int record) {
     Show(record);
     const int row = Row_Of(record);
     if (row < 0) {
@@ -150,7 +151,7 @@ void Tree_Base::Check(int record) {
     Draw();
 }
 
-int Tree_Base::Remove() {
+int Keyed_Tree::Remove() {
     POINT point = {YCursor_X, YCursor_Y};
     ::ScreenToClient(tree.list_box.window, &point);
     RECT client = {};
@@ -169,7 +170,7 @@ int Tree_Base::Remove() {
     return 1;
 }
 
-int Tree_Base::Keyboard(int key) {
+int Keyed_Tree::Keyboard(int key) {
     if (Is_Editor()) {
         return key == KEY_DELETE ? Remove() : Panel_Of<Tool_DB_List>::Keyboard(key);
     }

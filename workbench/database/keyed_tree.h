@@ -9,10 +9,10 @@
 
 namespace workbench {
 
-class Tree_Base : public Panel_Of<Tool_DB_List> {
+class Keyed_Tree : public Panel_Of<Tool_DB_List> {
   public:
     /** @param may_remove asked in edit mode before the class of this name is taken out of the tree */
-    Tree_Base(Tool_DB_List& hosted, const Look& shared_look, std::function<bool(const std::string&)> may_remove);
+    Keyed_Tree(Tool_DB_List& hosted, const Look& shared_look, std::function<bool(const std::string&)> may_remove);
     void Draw() override;
     int Click(int up_down) override;
     int Motion(int up_down) override;

@@ -1,4 +1,4 @@
-#include "workbench/histogram_base.h"
+#include "workbench/hosted_histogram.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -8,13 +8,13 @@
 
 namespace workbench {
 
-void Histogram_Base::Resize(Boxs* box) {
+void Hosted_Histogram::Resize(Boxs* box) {
     const float scale = histogram.scale;
     Panel_Of<Tool_Histo>::Resize(box);
     Scale_Put(scale);
 }
 
-void Histogram_Base::Update(unsigned __int64 flags) {
+void Hosted_Histogram::Update(unsigned __int64 flags) {
     const bool had_counts = Has_Counts();
     Panel_Of<Tool_Histo>::Update(flags);
     if (Has_Counts() != had_counts) {
@@ -22,16 +22,16 @@ void Histogram_Base::Update(unsigned __int64 flags) {
     }
 }
 
-void Histogram_Base::Scale_Set(float scale) {
+void Hosted_Histogram::Scale_Set(float scale) {
     Scale_Put(scale);
     is_scale_chosen = true;
 }
 
-void Histogram_Base::Scale_Note() {
+void Hosted_Histogram::Scale_Note() {
     is_scale_chosen = is_scale_chosen || histogram.scale != put_scale;
 }
 
-bool Histogram_Base::Scale_Suggest() {
+bool Hosted_Histogram::Scale_Suggest() {
     constexpr float headroom = 1.1F;
     constexpr std::ptrdiff_t beside = 2;  // bins that belong to the fullest one
     Scale_Note();
@@ -54,12 +54,12 @@ bool Histogram_Base::Scale_Suggest() {
     return histogram.scale != before;
 }
 
-void Histogram_Base::Scale_Release() {
+void Hosted_Histogram::Scale_Release() {
     is_scale_chosen = false;
     put_scale = histogram.scale;
 }
 
-void Histogram_Base::Scale_Put(float scale) {
+void Hosted_Histogram::Scale_Put(float scale) {
     histogram.scale = histogram.scale_valuator.value = std::clamp(scale, HISTO_SCALE_MIN, HISTO_SCALE_MAX);
 }
 

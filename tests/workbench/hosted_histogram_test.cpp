@@ -1,4 +1,4 @@
-#include "workbench/histogram_base.h"
+#include "workbench/hosted_histogram.h"
 
 #include <gtest/gtest.h>
 
@@ -8,46 +8,46 @@ using namespace workbench;
 
 namespace {
 
-TEST(Histogram_Base, nothing_stays_on_the_screen_of_counts_that_are_gone) {
+TEST(Hosted_Histogram, nothing_stays_on_the_screen_of_counts_that_are_gone) {
     for (const Window_Axis axis : {Window_Axis::Up, Window_Axis::Down}) {
         Histo_Scene scene;
         Scene_Object& frame = scene.Add_Grey({}, {5, 900, 30, 400, 7, 7, 60, 2});
         const Histo_Stage stage(axis);
         Tool_Histo panel;
-        Histogram_Base base(panel, [](Tool_Histo& wanting) { return wanting.Height(100); });
+        Hosted_Histogram hosted(panel, [](Tool_Histo& wanting) { return wanting.Height(100); });
         Boxs box = stage.Place();
-        base.Resize(&box);
-        base.Draw();
+        hosted.Resize(&box);
+        hosted.Draw();
         const auto empty = stage.Read();
         constexpr unsigned __int64 flags = UPDATE_SELECTION | UPDATE_LEVEL_2D | UPDATE_HISTO_PAINT;
-        base.Update(flags);
+        hosted.Update(flags);
         const auto full = stage.Read();
         EXPECT_NE(full, empty);
 
         frame.Select(false);
-        base.Update(flags);
+        hosted.Update(flags);
         EXPECT_EQ(stage.Read(), empty) << "no frame is selected";
         frame.Select(true);
-        base.Update(flags);
+        hosted.Update(flags);
         EXPECT_EQ(stage.Read(), full);
         frame.Histogram_Drop();
-        base.Update(UPDATE_HISTO_DATA);
+        hosted.Update(UPDATE_HISTO_DATA);
         EXPECT_EQ(stage.Read(), empty) << "the frame has no histogram any more";
     }
 }
 
-TEST(Histogram_Base, the_magnification_outlives_a_change_of_the_layout) {
+TEST(Hosted_Histogram, the_magnification_outlives_a_change_of_the_layout) {
     const Histo_Scene scene;
     const Histo_Stage stage(Window_Axis::Up);
     Tool_Histo panel;
-    Histogram_Base base(panel, [](Tool_Histo& wanting) { return wanting.Height(100); });
+    Hosted_Histogram hosted(panel, [](Tool_Histo& wanting) { return wanting.Height(100); });
     Boxs box = stage.Place();
-    base.Resize(&box);
-    base.Scale_Set(0.25F);
-    base.Resize(&box);
+    hosted.Resize(&box);
+    hosted.Scale_Set(0.25F);
+    hosted.Resize(&box);
     EXPECT_EQ(panel.scale, 0.25F);
     EXPECT_EQ(panel.scale_valuator.value, 0.25F);
-    base.Scale_Set(7.0F);
+    hosted.Scale_Set(7.0F);
     EXPECT_EQ(panel.scale, HISTO_SCALE_MAX);
 }
 
@@ -57,11 +57,11 @@ class Histogram_Magnification : public ::testing::Test {
     void SetUp() override {
         other.Select(false);
         Boxs box = stage.Place();
-        base.Resize(&box);
-        base.Scale_Release();
+        hosted.Resize(&box);
+        hosted.Scale_Release();
         Show();
     }
-    void Show() { base.Update(UPDATE_SELECTION | UPDATE_LEVEL_2D | UPDATE_HISTO_PAINT); }
+    void Show() { hosted.Update(UPDATE_SELECTION | UPDATE_LEVEL_2D | UPDATE_HISTO_PAINT); }
     void Select_Other() {
         one.Select(false);
         other.Select(true);
@@ -72,41 +72,41 @@ class Histogram_Magnification : public ::testing::Test {
     Scene_Object& other = scene.Add_Grey({}, {1000, 2, 2, 100, 2, 2, 2, 2});
     const Histo_Stage stage{Window_Axis::Up};
     Tool_Histo panel;
-    Histogram_Base base{panel, [](Tool_Histo& wanting) { return wanting.Height(100); }};
+    Hosted_Histogram hosted{panel, [](Tool_Histo& wanting) { return wanting.Height(100); }};
 };
 
 TEST_F(Histogram_Magnification, is_proposed_anew_when_the_selection_changes) {
-    EXPECT_TRUE(base.Scale_Suggest());
+    EXPECT_TRUE(hosted.Scale_Suggest());
     EXPECT_FLOAT_EQ(panel.scale, 0.55F);
-    EXPECT_FALSE(base.Scale_Suggest()) << "nothing new";
+    EXPECT_FALSE(hosted.Scale_Suggest()) << "nothing new";
     Select_Other();
-    EXPECT_TRUE(base.Scale_Suggest());
+    EXPECT_TRUE(hosted.Scale_Suggest());
     EXPECT_FLOAT_EQ(panel.scale, 0.11F);
     EXPECT_EQ(panel.scale_valuator.value, panel.scale);
 }
 
 TEST_F(Histogram_Magnification, stays_when_the_user_has_set_it_by_key_or_on_the_panel) {
-    base.Scale_Suggest();
-    base.Scale_Set(0.3F);
+    hosted.Scale_Suggest();
+    hosted.Scale_Set(0.3F);
     Select_Other();
-    EXPECT_FALSE(base.Scale_Suggest());
+    EXPECT_FALSE(hosted.Scale_Suggest());
     EXPECT_EQ(panel.scale, 0.3F);
-    base.Scale_Release();
-    EXPECT_TRUE(base.Scale_Suggest()) << "another image";
+    hosted.Scale_Release();
+    EXPECT_TRUE(hosted.Scale_Suggest()) << "another image";
     panel.scale = panel.scale_valuator.value = 0.7F;  // as a press on the slider does
-    EXPECT_FALSE(base.Scale_Suggest());
+    EXPECT_FALSE(hosted.Scale_Suggest());
     EXPECT_EQ(panel.scale, 0.7F);
 }
 
 TEST_F(Histogram_Magnification, stays_when_there_are_no_counts_and_is_no_choice_of_the_users_after_a_layout) {
-    base.Scale_Suggest();
+    hosted.Scale_Suggest();
     one.Select(false);
     Show();
-    EXPECT_FALSE(base.Scale_Suggest());
+    EXPECT_FALSE(hosted.Scale_Suggest());
     Boxs box = stage.Place();
-    base.Resize(&box);
+    hosted.Resize(&box);
     Select_Other();
-    EXPECT_TRUE(base.Scale_Suggest());
+    EXPECT_TRUE(hosted.Scale_Suggest());
     EXPECT_FLOAT_EQ(panel.scale, 0.11F);
 }
 

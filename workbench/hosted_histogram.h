@@ -10,9 +10,9 @@
 namespace workbench {
 
 /** Its magnification outlives a change of the layout, and nothing stays on the screen of counts that are gone. */
-class Histogram_Base : public Panel_Of<Tool_Histo> {
+class Hosted_Histogram : public Panel_Of<Tool_Histo> {
   public:
-    Histogram_Base(Tool_Histo& hosted, std::function<int(Tool_Histo&)> wanted)
+    Hosted_Histogram(Tool_Histo& hosted, std::function<int(Tool_Histo&)> wanted)
         : Panel_Of<Tool_Histo>(hosted, std::move(wanted)), histogram(hosted), put_scale(hosted.scale) {}
     void Resize(Boxs* box) override;
     /** Draws the whole panel when its counts come or go: an empty histogram paints nothing by itself. */
