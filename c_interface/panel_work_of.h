@@ -37,8 +37,7 @@ class Work_Of : public Panel_Work {
     Tool tool;
 };
 
-/** The panels that draw themselves, which need a window system. @param mode dimension and KIT_DATABASE_ bits
- *  Throws Failure without a window system. */
+/** The panels that draw themselves. @param mode dimension and KIT_DATABASE_ bits */
 std::unique_ptr<Panel_Work> Histogram_Work_Make();
 std::unique_ptr<Panel_Work> Classes_Work_Make(int mode);
 std::unique_ptr<Panel_Work> Files_Work_Make(int mode);

@@ -4,7 +4,9 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "c_interface/kit_panels.h"
@@ -15,6 +17,20 @@ class Call_Stream {
     /** @param host_window for the panels; @param has_modal_loops false: nothing is pressed that runs a loop */
     Call_Stream(const std::uint8_t* data, std::size_t size, void* host_window, bool with_modal_loops)
         : input(data, size), window(host_window), has_modal_loops(with_modal_loops) {}
+
+    Input_Bytes& Input() { return input; }
+    /** What happens between two calls, for example to windows of the module's own. */
+    void Between_Calls_Set(std::function<void(Input_Bytes&)> work) { between_calls = std::move(work); }
+    /** A call from within another one: of a call-back, or of a loop that the module runs. */
+    void Step_Inside() {
+        if (is_quiet || nested == nested_most || input.At_End()) {
+            return;
+        }
+        ++nested;
+        Step();
+        Require(kit_stop() == KIT_ERROR_STATE);
+        --nested;
+    }
 
     /** From the start to the end, whatever happens between. */
     void Run() {
@@ -28,6 +44,9 @@ class Call_Stream {
         Require(kit_start(&settings) == KIT_OK);
         for (int step = 0; step < steps_most && !input.At_End(); ++step) {
             Step();
+            if (between_calls) {
+                between_calls(input);
+            }
         }
         is_quiet = true;
         Require(kit_stop() == KIT_OK);
@@ -44,14 +63,8 @@ class Call_Stream {
         auto& stream = *static_cast<Call_Stream*>(context);
         Require(event->size == sizeof(kit_event) && event->kind >= KIT_EVENT_MESSAGE &&
                 event->kind <= KIT_EVENT_FILE_NAME);
-        if (stream.is_quiet || stream.nested == nested_most || stream.input.At_End()) {
-            return 0;
-        }
-        ++stream.nested;
-        stream.Step();
-        Require(kit_stop() == KIT_ERROR_STATE);
-        --stream.nested;
-        return stream.input.Below(3) - 1;
+        stream.Step_Inside();
+        return stream.is_quiet || stream.input.At_End() ? 0 : stream.input.Below(3) - 1;
     }
 
     kit_handle Handle() {
@@ -361,6 +374,15 @@ class Call_Stream {
         Keep(made);
     }
 
+    void Histogram_Read(kit_handle panel) {
+        std::vector<std::uint32_t> counts(static_cast<std::size_t>(input.Below(300)));
+        kit_histogram histogram = {};
+        histogram.size = Size(sizeof histogram);
+        std::uint32_t needed = 0;
+        kit_histogram_read(panel, input.Below(2) == 0 ? nullptr : &histogram, counts.data(),
+                           static_cast<std::uint32_t>(counts.size()), &needed);
+    }
+
     void Other_Call() {
         const kit_handle panel = Handle();
         std::array<kit_peak, 20> peaks = {};
@@ -370,10 +392,16 @@ class Call_Stream {
         kit_settings settings = {};
         settings.size = sizeof settings;
         settings.abi_version = KIT_ABI_VERSION;
-        switch (input.Below(6)) {
+        switch (input.Below(8)) {
             case 0:
                 kit_histogram_fit(panel, static_cast<std::uint32_t>(input.Below(5)),
                                   static_cast<std::uint32_t>(input.Below(300)));
+                break;
+            case 6:
+                Histogram_Read(panel);
+                break;
+            case 7:
+                kit_histogram_export(panel, input.Below(2) == 0 ? "/dev/null" : "no/such/folder/histogram.csv");
                 break;
             case 1:
                 // A size of another version that fits would be the step from one to the next.
@@ -398,6 +426,7 @@ class Call_Stream {
     Input_Bytes input;
     void* window;
     bool has_modal_loops;
+    std::function<void(Input_Bytes&)> between_calls;
     bool is_quiet = false;
     int nested = 0;
     std::vector<kit_handle> handles;

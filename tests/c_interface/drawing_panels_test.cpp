@@ -1,4 +1,4 @@
-// The histogram and database panels through the C interface: they need a window system.
+// The histogram and database panels through the C interface.
 #include <cstdio>
 #include <fstream>
 
@@ -122,10 +122,12 @@ TEST_F(Drawing_Panels_Through_C, everything_that_panels_read_is_there_from_the_s
     EXPECT_EQ(count, 0U) << text;
 }
 
+#if defined(_WIN32)  // elsewhere there is no file of the module that could be named
 TEST_F(Drawing_Panels_Through_C, the_module_says_its_version) {
     char line[200] = "";
     ASSERT_EQ(kit_module_version(line, sizeof line, nullptr), KIT_OK);
     EXPECT_NE(std::string(line).find("Kit_Panels.dll"), std::string::npos) << line;
 }
+#endif
 
 }  // namespace

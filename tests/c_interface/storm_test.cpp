@@ -7,7 +7,7 @@
 #include "tests/support/panel_window.h"
 
 #if !defined(_WIN32)
-#include "kits/widgets/select_drop_list.h"
+#include "tests/c_interface/own_windows.h"
 #endif
 
 namespace {
@@ -20,7 +20,6 @@ TEST(Storm, any_stream_of_calls_ends_with_errors_and_nothing_worse) {
     constexpr bool has_modal_loops = false;  // a list would wait for a user
 #else
     constexpr bool has_modal_loops = true;
-    Drop_List_Runner_Set([](const Drop_List_Request&) { return -1; });
 #endif
     const Panel_Window window(Window_Axis::Down, 300, 200);
     for (unsigned seed = 1; seed <= streams; ++seed) {
@@ -30,7 +29,11 @@ TEST(Storm, any_stream_of_calls_ends_with_errors_and_nothing_worse) {
             byte = static_cast<std::uint8_t>(random() >> 24);
         }
         SCOPED_TRACE(seed);
-        Call_Stream(bytes.data(), bytes.size(), window.Get(), has_modal_loops).Run();
+        Call_Stream stream(bytes.data(), bytes.size(), window.Get(), has_modal_loops);
+#if !defined(_WIN32)
+        const Own_Windows windows(stream);
+#endif
+        stream.Run();
     }
 }
 
