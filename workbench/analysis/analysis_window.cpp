@@ -50,6 +50,16 @@ std::wstring Quality_Text(const Peak_Table& table) {
                         "    reduced chi-square " + number(table.quality.reduced_chi_square));
 }
 
+/** Null: the component has none. */
+const std::uint32_t* Analysed_Counts(const Histo_Record& record, unsigned char component) {
+    if ((record.flags & HISTO_COLOR) == 0) {
+        return record.counts;
+    }
+    const std::array<const std::uint32_t*, 5> by_component = {record.counts_component0, record.counts_red,
+                                                              record.counts_green, record.counts_blue, record.counts};
+    return component < by_component.size() ? by_component[component] : nullptr;
+}
+
 }  // namespace
 
 Analysis_Window::Analysis_Window(Look& application_look, Analysis_Host application)
@@ -114,7 +124,7 @@ void Analysis_Window::Analyse(Fit fit) {
     Table_Make();
     log_lines = log.Lines();
     for (const Peak_Row& row : table.rows) {
-        if (row.is_doubtful) {
+        if (row.Is_Doubtful()) {
             log_lines.push_back(Peak_Doubt_Text(row));
         }
     }
@@ -143,19 +153,22 @@ void Analysis_Window::Table_Make() {
         return;
     }
     const Histo_Data& data = *panel->data;
-    std::vector<Found_Peak> peaks;
-    for (const Histo_Peak* peak = data.peak_first; peak != nullptr; peak = peak->next) {
-        peaks.push_back({peak->type == PEAK_SEGMENT, (*peak->param)[PEAK_CENTRE], (*peak->param)[PEAK_AMPLITUDE],
-                         (*peak->param)[PEAK_WIDTH]});
-    }
     const Histo_Record& record = *data.record;
     const std::size_t filtered_nb =
         data.filtered != nullptr ? static_cast<std::size_t>(std::min<int>(data.curve_nb, record.nb_bins)) : 0;
     const double unit = host.grey_unit();
-    const Analysed_Curve curve = {{record.counts, record.nb_bins},
+    const std::uint32_t* counts = Analysed_Counts(record, panel->color_component);
+    const Analysed_Curve curve = {{counts, counts != nullptr ? record.nb_bins : std::size_t{0}},
                                   {data.filtered, filtered_nb},
                                   static_cast<double>(record.origin) * unit,
                                   static_cast<double>(record.bin_width) * unit};
+    std::vector<Histo_Peak_Info> peaks(static_cast<std::size_t>(Histo_Peaks(*panel, nullptr, 0)));
+    Histo_Peaks(*panel, peaks.data(), static_cast<int>(peaks.size()));
+    for (Histo_Peak_Info& peak : peaks) {
+        for (double* length : {&peak.centre, &peak.full_width, &peak.centre_error, &peak.full_width_error}) {
+            *length *= unit;
+        }
+    }
     table = Peak_Table_Make(peaks, curve);
     full_text = Analysis_Full_Text(table, curve, host.table_source());
 }
@@ -285,7 +298,7 @@ void Analysis_Window::Paint_Table(HDC dc, RECT area) const {
         if (area.top + (row + 1) * row_height > area.bottom) {
             break;
         }
-        const bool is_grey = is_stale || table.rows[k].is_doubtful;
+        const bool is_grey = is_stale || table.rows[k].Is_Doubtful();
         draw_row(row++, Peak_Cells(table.rows[k]), look.Font(), is_grey ? look.text_grey : look.text);
     }
 }
@@ -394,7 +407,7 @@ std::wstring Analysis_Window::Row_Text(const Peak_Row& row) {
     for (std::size_t c = 0; c < cells.size(); ++c) {
         text += (c == 0 ? "" : ", ") + std::string(PEAK_TITLES[c]) + " " + cells[c];
     }
-    return Wide_Of_Utf8(text + (row.is_doubtful ? ", doubtful" : ""));
+    return Wide_Of_Utf8(text + (row.Is_Doubtful() ? ", doubtful" : ""));
 }
 
 std::wstring Analysis_Window::Quality_Line() const {

@@ -21,6 +21,14 @@ struct Export_Column {
     float high = 0.0F;
 };
 
+/** A peak as the analysis leaves it and the file tells it, positions in bins. */
+struct Found_Peak {
+    bool is_segment = false;
+    double centre = 0.0;
+    double amplitude = 0.0;  ///< counts; segments: first bin
+    double width = 0.0;      ///< half width at half height; segments: last bin
+};
+
 /** What the file should tell. */
 struct Export_Expected {
     char separator = ',';

@@ -6,15 +6,13 @@
 #include <initializer_list>
 #include <numbers>
 
-#include "host/kit_common.h"
 #include "workbench/model/number_text.h"
 
 namespace workbench {
 
 namespace {
 
-constexpr int PARAMETERS = 3;
-constexpr unsigned char ELEMENT_SIZE = 8;
+constexpr int PARAMETERS = 3;   // of a Gaussian
 constexpr int DIGITS = 4;       // of grey levels in the table
 constexpr int DIGITS_TEXT = 6;  // of numbers that other programs read
 
@@ -25,15 +23,15 @@ std::string Exact_Text(double value) {
     return text;
 }
 
-double Gauss(const Found_Peak& peak, double bin) {
-    const double u = (bin - peak.centre) / peak.width;
-    return peak.amplitude * std::exp(-std::numbers::ln2 * u * u);
+double Level(const Analysed_Curve& curve, std::size_t bin) {
+    return (static_cast<double>(bin) + 0.5) * curve.bin_width + curve.origin;
 }
 
-double Sum_At(std::span<const Found_Peak> peaks, std::size_t bin) {
+double Sum_At(std::span<const Histo_Peak_Info> peaks, double level) {
     double sum = 0.0;
-    for (const Found_Peak& peak : peaks) {
-        sum += Gauss(peak, static_cast<double>(bin));
+    for (const Histo_Peak_Info& peak : peaks) {
+        const double u = 2.0 * (level - peak.centre) / peak.full_width;
+        sum += peak.height * std::exp(-std::numbers::ln2 * u * u);
     }
     return sum;
 }
@@ -46,33 +44,23 @@ double Total(std::span<const std::uint32_t> counts) {
     return total;
 }
 
-Peak_Row Segment_Row(const Found_Peak& peak, const Analysed_Curve& curve) {
+Peak_Row Row_Of(const Histo_Peak_Info& peak, const Analysed_Curve& curve) {
     Peak_Row row;
-    const auto first = static_cast<std::size_t>(std::max(peak.amplitude, 0.0));
-    const auto last = static_cast<std::size_t>(std::max(peak.width, 0.0));
-    for (std::size_t bin = first; bin <= last && bin < curve.counts.size(); ++bin) {
-        row.area += curve.counts[bin];
-        const double height =
-            bin < curve.filtered.size() ? curve.filtered[bin] : static_cast<double>(curve.counts[bin]);
-        if (bin == first || height > row.height) {
-            row.height = height;
-            row.centre = (static_cast<double>(bin) + 0.5) * curve.bin_width + curve.origin;
-        }
+    row.centre = peak.centre;
+    row.height = peak.height;
+    row.full_width = peak.full_width;
+    row.area = peak.area_pixels;
+    row.centre_error = peak.centre_error;
+    row.height_error = peak.height_error;
+    row.full_width_error = peak.full_width_error;
+    row.doubt = peak.doubt;
+    if (peak.kind == PEAK_SEGMENT) {
+        row.from = static_cast<double>(peak.first) * curve.bin_width + curve.origin;
+        row.to = static_cast<double>(peak.last + 1) * curve.bin_width + curve.origin;
+    } else {
+        row.from = peak.centre - peak.full_width / 2.0;
+        row.to = peak.centre + peak.full_width / 2.0;
     }
-    row.from = static_cast<double>(first) * curve.bin_width + curve.origin;
-    row.to = static_cast<double>(last + 1) * curve.bin_width + curve.origin;
-    row.full_width = row.to - row.from;
-    return row;
-}
-
-Peak_Row Gauss_Row(const Found_Peak& peak, const Analysed_Curve& curve) {
-    Peak_Row row;
-    row.centre = (peak.centre + 0.5) * curve.bin_width + curve.origin;
-    row.height = peak.amplitude;
-    row.full_width = 2.0 * peak.width * curve.bin_width;
-    row.area = peak.amplitude * peak.width * std::sqrt(std::numbers::pi / std::numbers::ln2);
-    row.from = (peak.centre + 0.5 - peak.width) * curve.bin_width + curve.origin;
-    row.to = (peak.centre + 0.5 + peak.width) * curve.bin_width + curve.origin;
     return row;
 }
 
@@ -89,7 +77,7 @@ void Overlaps_Split(std::vector<Peak_Row>& rows) {
 
 /** 1 - residual variance / variance. */
 template <class Value>
-double R_Squared(std::span<const Value> values, std::span<const Found_Peak> peaks) {
+double R_Squared(std::span<const Value> values, std::span<const Histo_Peak_Info> peaks, const Analysed_Curve& curve) {
     double mean = 0.0;
     for (const Value value : values) {
         mean += static_cast<double>(value);
@@ -99,95 +87,52 @@ double R_Squared(std::span<const Value> values, std::span<const Found_Peak> peak
     double residual = 0.0;
     for (std::size_t bin = 0; bin < values.size(); ++bin) {
         const auto value = static_cast<double>(values[bin]);
+        const double left = value - Sum_At(peaks, Level(curve, bin));
         variance += (value - mean) * (value - mean);
-        residual += (value - Sum_At(peaks, bin)) * (value - Sum_At(peaks, bin));
+        residual += left * left;
     }
     return variance > 0.0 ? 1.0 - residual / variance : 0.0;
 }
 
-/** Standard errors of all parameters: the root of s^2 times the diagonal of the inverse normal matrix, s^2 = squared
- * residuals per degree of freedom of the filtered curve. @return false when the matrix is singular */
-bool Errors_Find(std::span<const Found_Peak> peaks, std::span<const double> filtered, std::vector<double>& errors) {
-    const auto columns = static_cast<unsigned int>(PARAMETERS * peaks.size());
-    const auto n = static_cast<unsigned int>(filtered.size());
-    if (columns == 0 || n <= columns) {
-        return false;
-    }
-    Matrix_NxM jacobian(columns, n, ELEMENT_SIZE);
-    if (jacobian.Invalid(0) != 0) {
-        return false;
-    }
-    double squares = 0.0;
-    for (unsigned int bin = 0; bin < n; ++bin) {
-        double* row = jacobian[static_cast<int>(bin)];
-        for (const Found_Peak& peak : peaks) {
-            const double distance = static_cast<double>(bin) - peak.centre;
-            const double value = Gauss(peak, static_cast<double>(bin));
-            const double slope = 2.0 * std::numbers::ln2 * distance / (peak.width * peak.width);
-            *row++ = value * slope;
-            *row++ = peak.amplitude != 0.0 ? value / peak.amplitude : 0.0;
-            *row++ = value * slope * distance / peak.width;
-        }
-        const double residual = filtered[bin] - Sum_At(peaks, bin);
-        squares += residual * residual;
-    }
-    Matrix_NxM inverse = !(~jacobian * jacobian);
-    if (inverse.Invalid(0) != 0) {
-        return false;
-    }
-    const double variance = squares / static_cast<double>(n - columns);
-    errors.resize(columns);
-    for (unsigned int k = 0; k < columns; ++k) {
-        errors[k] = std::sqrt(std::max(variance * inverse[static_cast<int>(k)][k], 0.0));
-    }
-    return true;
-}
-
-void Quality_Find(std::span<const Found_Peak> peaks, const Analysed_Curve& curve, Peak_Table& table) {
-    std::vector<double> errors;
-    if (!Errors_Find(peaks, curve.filtered, errors)) {
-        return;
-    }
-    for (std::size_t k = 0; k < table.rows.size(); ++k) {
-        table.rows[k].centre_error = errors[PARAMETERS * k] * curve.bin_width;
-        table.rows[k].height_error = errors[PARAMETERS * k + 1];
-        table.rows[k].full_width_error = 2.0 * errors[PARAMETERS * k + 2] * curve.bin_width;
-        table.rows[k].is_doubtful = !Peak_Doubt_Text(table.rows[k]).empty();
-    }
-    table.quality.is_known = true;
-    table.quality.r_squared_filtered = R_Squared(curve.filtered, peaks);
-    table.quality.r_squared_counts = R_Squared(curve.counts, peaks);
+Fit_Quality Quality_Of(std::span<const Histo_Peak_Info> peaks, const Analysed_Curve& curve) {
+    Fit_Quality quality;
+    quality.is_known = true;
+    quality.r_squared_filtered = R_Squared(curve.filtered, peaks, curve);
+    quality.r_squared_counts = R_Squared(curve.counts, peaks, curve);
     double chi_square = 0.0;
     for (std::size_t bin = 0; bin < curve.counts.size(); ++bin) {
-        const double residual = curve.counts[bin] - Sum_At(peaks, bin);
+        const double residual = curve.counts[bin] - Sum_At(peaks, Level(curve, bin));
         chi_square += residual * residual / std::max(static_cast<double>(curve.counts[bin]), 1.0);
     }
     const double freedom = static_cast<double>(curve.counts.size()) - static_cast<double>(PARAMETERS * peaks.size());
-    table.quality.reduced_chi_square = freedom > 0.0 ? chi_square / freedom : 0.0;
+    quality.reduced_chi_square = freedom > 0.0 ? chi_square / freedom : 0.0;
+    return quality;
 }
 
 }  // namespace
 
-Peak_Table Peak_Table_Make(std::span<const Found_Peak> peaks, const Analysed_Curve& curve) {
+Peak_Table Peak_Table_Make(std::span<const Histo_Peak_Info> peaks, const Analysed_Curve& curve) {
     Peak_Table table;
-    const double total = Total(curve.counts);
     double area = 0.0;
-    bool gauss = true;
-    for (const Found_Peak& peak : peaks) {
-        const bool usable = peak.is_segment || peak.width > 0.0;
-        Peak_Row row = peak.is_segment ? Segment_Row(peak, curve) : (usable ? Gauss_Row(peak, curve) : Peak_Row{});
+    bool is_gauss = !peaks.empty();
+    bool has_errors = true;
+    for (const Histo_Peak_Info& peak : peaks) {
+        Peak_Row row = Row_Of(peak, curve);
         row.number = static_cast<int>(table.rows.size()) + 1;
         area += std::max(row.area, 0.0);
         table.rows.push_back(row);
-        gauss = gauss && usable && !peak.is_segment;
+        is_gauss = is_gauss && peak.kind != PEAK_SEGMENT && peak.full_width > 0.0;
+        has_errors = has_errors && peak.has_errors != 0;
     }
-    const double whole = std::max(total, area);
+    const double whole = std::max(Total(curve.counts), area);
     for (Peak_Row& row : table.rows) {
         row.share = whole > 0.0 ? std::max(row.area, 0.0) / whole : 0.0;
     }
-    if (gauss && !peaks.empty()) {
+    if (is_gauss) {
         Overlaps_Split(table.rows);
-        Quality_Find(peaks, curve, table);
+        if (has_errors) {
+            table.quality = Quality_Of(peaks, curve);
+        }
     }
     return table;
 }
@@ -196,21 +141,20 @@ std::string Peak_Doubt_Text(const Peak_Row& row) {
     const auto sentence = [&](const char* what, double value, double error) {
         return "Peak " + std::to_string(row.number) + " is doubtful: " + what + " " + With_Error(value, error);
     };
-    if (row.height_error > std::abs(row.height)) {
+    if ((row.doubt & HISTO_DOUBT_HEIGHT) != 0) {
         return sentence("height", row.height, row.height_error);
     }
-    if (row.full_width_error > std::abs(row.full_width)) {
+    if ((row.doubt & HISTO_DOUBT_WIDTH) != 0) {
         return sentence("full width", row.full_width, row.full_width_error);
     }
-    // A centre may be near 0 and well known: it is measured by the peak's width.
-    if (row.centre_error > std::abs(row.full_width)) {
+    if ((row.doubt & HISTO_DOUBT_CENTRE) != 0) {
         return sentence("centre", row.centre, row.centre_error) + ", more than its width";
     }
     return {};
 }
 
 std::array<std::string, PEAK_TITLES.size()> Peak_Cells(const Peak_Row& row) {
-    return {std::to_string(row.number) + (row.is_doubtful ? " ?" : ""),
+    return {std::to_string(row.number) + (row.Is_Doubtful() ? " ?" : ""),
             With_Error(row.centre, row.centre_error),
             With_Error(row.height, row.height_error),
             With_Error(row.full_width, row.full_width_error),
@@ -237,7 +181,7 @@ std::string Peak_Table_Text(const Peak_Table& table) {
         for (const double value : {row.from, row.to, row.centre_error, row.height_error, row.full_width_error}) {
             text += '\t' + Number_Text(value, DIGITS_TEXT);
         }
-        text += row.is_doubtful ? "\tyes\n" : "\tno\n";
+        text += row.Is_Doubtful() ? "\tyes\n" : "\tno\n";
     }
     if (table.quality.is_known) {
         text += "R2 (filtered curve)\t" + Number_Text(table.quality.r_squared_filtered, DIGITS_TEXT) +
@@ -271,7 +215,7 @@ std::string Analysis_Full_Text(const Peak_Table& table, const Analysed_Curve& cu
     for (const Peak_Row& row : table.rows) {
         line(std::to_string(row.number),
              {row.centre, row.height, row.full_width, row.area, row.share, row.from, row.to, row.centre_error,
-              row.height_error, row.full_width_error, row.is_doubtful ? 1.0 : 0.0});
+              row.height_error, row.full_width_error, row.Is_Doubtful() ? 1.0 : 0.0});
     }
     text += "\nBin\tFrom\tTo\tPixels\tFiltered\n";
     for (std::size_t bin = 0; bin < curve.counts.size(); ++bin) {

@@ -7,15 +7,9 @@
 #include <string>
 #include <vector>
 
-namespace workbench {
+#include "histogram/histo_peaks.h"
 
-/** A peak as the analysis leaves it, positions in bins. */
-struct Found_Peak {
-    bool is_segment = false;
-    double centre = 0.0;
-    double amplitude = 0.0;  ///< counts; segments: first bin
-    double width = 0.0;      ///< half width at half height; segments: last bin
-};
+namespace workbench {
 
 /** The curve that was analysed. */
 struct Analysed_Curve {
@@ -34,15 +28,16 @@ struct Peak_Row {
     double share = 0.0;       ///< of all pixels, 0 .. 1; of all rows together at most 1
     double from = 0.0;        ///< GLI: lower end of the grey levels that the peak claims
     double to = 0.0;          ///< GLI: upper end
-    // standard errors, from the inverse of the normal matrix; 0 for segments and where they cannot be had
+    // standard errors; 0 for segments and where they cannot be had
     double centre_error = 0.0;
     double height_error = 0.0;
     double full_width_error = 0.0;
-    bool is_doubtful = false;  ///< height or width is not known but for its error, or the centre but for the width
+    std::uint8_t doubt = 0;  ///< HISTO_DOUBT_ bits
+    bool Is_Doubtful() const { return doubt != 0; }
 };
 
 struct Fit_Quality {
-    bool is_known = false;            ///< false for segments, without peaks, and when the normal matrix is singular
+    bool is_known = false;            ///< false for segments, without peaks, and where errors cannot be had
     double r_squared_filtered = 0.0;  ///< share of the filtered curve's variance that the peaks explain
     double r_squared_counts = 0.0;    ///< the same of the counts
     double reduced_chi_square = 0.0;  ///< counts against the sum of the peaks, variance of a count = the count, at
@@ -54,10 +49,11 @@ struct Peak_Table {
     Fit_Quality quality;
 };
 
-/** Rows in the order of the peaks. A Gaussian claims its centre plus and minus its half width, but not beyond the
- * middle to its neighbours. Gaussians that overlap may have more area together than there are pixels: shares are then
- * those of the areas' sum. */
-Peak_Table Peak_Table_Make(std::span<const Found_Peak> peaks, const Analysed_Curve& curve);
+/** Rows in the order of the peaks, with the numbers that the panel gives of them (Histo_Peaks). A Gaussian claims its
+ * centre plus and minus its half width, but not beyond the middle to its neighbours. Gaussians that overlap may have
+ * more area together than there are pixels: shares are then those of the areas' sum.
+ *  @param peaks centres, widths and their errors in the grey levels of `curve` */
+Peak_Table Peak_Table_Make(std::span<const Histo_Peak_Info> peaks, const Analysed_Curve& curve);
 
 /** Titles of a row's texts. */
 inline constexpr std::array<const char*, 8> PEAK_TITLES = {

@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
+#include "histogram/histo_peaks.h"
 #include "histogram/tool_histo.h"
 #include "tests/support/own_window.h"
 #include "tests/workbench/automation_client.h"
@@ -176,6 +178,28 @@ TEST_F(Analysis_Accessible, what_is_left_of_a_closed_window_answers_nothing) {
     window.Close();
     LONG count = 0;
     EXPECT_EQ(heard.object->get_accChildCount(&count), CO_E_OBJNOTCONNECTED);
+}
+
+TEST_F(Analysis_Accessible, the_table_counts_the_component_that_was_analysed) {
+    auto& record = *panel.data->record;
+    record.flags = HISTO_COLOR;
+    for (std::uint32_t** counts :
+         {&record.counts_component0, &record.counts_red, &record.counts_green, &record.counts_blue}) {
+        *counts = new std::uint32_t[BINS]();
+    }
+    for (int i = 0; i < BINS; ++i) {
+        record.counts_red[i] = static_cast<std::uint32_t>(900.0 * std::exp(-std::pow((i - 200) / 25.0, 2)));
+    }
+    panel.color_component = 1;
+    window.Fit_Derivative(1);
+    const auto& rows = window.Table().rows;
+    ASSERT_EQ(rows.size(), 1U);
+    std::vector<Histo_Peak_Info> peaks(1);
+    ASSERT_EQ(Histo_Peaks(panel, peaks.data(), 1), 1);
+    EXPECT_GT(peaks[0].area_pixels, 0.0);
+    EXPECT_EQ(rows[0].area, peaks[0].area_pixels);
+    const double pixels = std::accumulate(record.counts_red, record.counts_red + BINS, 0.0);
+    EXPECT_NEAR(rows[0].share, rows[0].area / pixels, 1e-12);
 }
 
 }  // namespace
