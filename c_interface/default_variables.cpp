@@ -14,7 +14,6 @@ namespace {
 constexpr int tag_start_nb = 8;
 constexpr int marker_start_nb = 4;
 constexpr int bins_most = 4096;
-constexpr float threshold_unset = 100000.0F;
 constexpr unsigned short brush_start[] = {1, 3, 6, 10, 16};
 
 struct Dimension {
@@ -76,8 +75,8 @@ void Tags_Define() {
     Variable_Define_Array("$TAG_LABEL", VARIABLE_TEXT, TAG_ROOM);
     for (int tag = 0; tag < TAG_ROOM; ++tag) {
         if (lowest != nullptr && highest != nullptr) {
-            lowest[tag] = -threshold_unset;
-            highest[tag] = threshold_unset;
+            lowest[tag] = TAG_THRESHOLD_MIN_UNSET;
+            highest[tag] = TAG_THRESHOLD_MAX_UNSET;
         }
         if (red != nullptr && green != nullptr && blue != nullptr) {
             // Neighbours differ: three bits of the number, turned to the bright half.
@@ -124,8 +123,8 @@ void Data_Define() {
     Variable_Define_Scalar("$GLI_COLOR_COMPONENT", VARIABLE_UNSIGNED_8, 0);
     Variable_Define_Scalar("$GLI_HISTO_BINS_MAX", VARIABLE_UNSIGNED_16, bins_most);
     Variable_Define_Scalar("$GLI_HISTO_BINS_NB", VARIABLE_UNSIGNED_16, 0);
-    Variable_Define_Scalar("$SELECT_GLI_MIN", VARIABLE_FLOAT, -threshold_unset);
-    Variable_Define_Scalar("$SELECT_GLI_MAX", VARIABLE_FLOAT, threshold_unset);
+    Variable_Define_Scalar("$SELECT_GLI_MIN", VARIABLE_FLOAT, TAG_THRESHOLD_MIN_UNSET);
+    Variable_Define_Scalar("$SELECT_GLI_MAX", VARIABLE_FLOAT, TAG_THRESHOLD_MAX_UNSET);
     Variable_Define_Pointer("$DB_1D_ROOT_PT", &World().root_1d);
     Variable_Define_Pointer("$DB_2D_ROOT_PT", &World().root_2d);
     Variable_Define_Pointer("$DB_3D_ROOT_PT", &World().root_3d);

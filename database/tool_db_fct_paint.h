@@ -1,4 +1,4 @@
-/** Drawing of tree rows with GDI, for tool_db_fct.cpp. Windows only. */
+/** Drawing of tree rows with GDI. */
 #pragma once
 
 #include "base/drawing_dc.h"

@@ -17,8 +17,6 @@
 namespace {
 
 constexpr const char* ITERATOR_NAME = "Tool_Histo::Write";
-constexpr float THRESHOLD_MIN_UNSET = -100000.0F;
-constexpr float THRESHOLD_MAX_UNSET = 100000.0F;
 
 // Lines under which failures are reported; hosts match them, so they stay as they are.
 constexpr int LINE_OPEN = 657;
@@ -102,9 +100,9 @@ struct Tag_Columns {
     }
 
     bool Claims(int tag, float centre) const {
-        const float low = min != nullptr ? min[tag] : THRESHOLD_MIN_UNSET;
-        const float high = max != nullptr ? max[tag] : THRESHOLD_MAX_UNSET;
-        const bool is_set = low != THRESHOLD_MIN_UNSET || high != THRESHOLD_MAX_UNSET;
+        const float low = min != nullptr ? min[tag] : TAG_THRESHOLD_MIN_UNSET;
+        const float high = max != nullptr ? max[tag] : TAG_THRESHOLD_MAX_UNSET;
+        const bool is_set = low != TAG_THRESHOLD_MIN_UNSET || high != TAG_THRESHOLD_MAX_UNSET;
         return is_set && low <= centre && centre <= high;
     }
 };

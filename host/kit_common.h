@@ -2,8 +2,8 @@
  *  Kit_Common: messages, paths, text conversion and dense linear algebra that the host offers to the panels.
  *
  *  Texts are zero-terminated and in the system's code page, which may have characters of several bytes, UTF-8 among
- * them. None is kept beyond the call that it is given to, but for Prog_Name. Vectors and matrices hold memory of
- * Kit_Common's own. */
+ *  them. None is kept beyond the call that it is given to, but for Prog_Name. Vectors and matrices hold memory of
+ *  Kit_Common's own. */
 #pragma once
 
 #include <memory>
@@ -17,8 +17,7 @@
 #define KIT_COMMON_API KIT_IMPORT
 #endif
 
-// ----------------------------------------------------------------------------------------------------------------
-// messages
+// ---------------- messages
 
 /** Levels of Error_Fct. Levels that are not listed (10 to 17) are traces; `TRACE_LEVEL` is the usual one. */
 inline constexpr int MESSAGE_MEMORY = 1;   ///< a failed allocation
@@ -39,8 +38,8 @@ extern KIT_COMMON_API const char* Prog_Name;
 /** Reports one message.
  *
  *  The text is made by printf rules (also "%ls" for wide text). In the text, byte 0xF1 followed by a style byte starts
- * a styled run and byte 0x02 ends it. Which levels the user sees is decided by the receivers that the application
- * registered. Never calls back into a panel.
+ *  a styled run and byte 0x02 ends it. Which levels the user sees is decided by the receivers that the application
+ *  registered. Never calls back into a panel.
  *  @param window the window that the message belongs to, may be null
  *  @param level  see the constants above
  *  @param format printf format of the text; its arguments follow
@@ -57,8 +56,7 @@ KIT_COMMON_API int Error_Fct(HWND window, int level, const char* format, ...) KI
  */
 KIT_COMMON_API int System_Message(int level, char* name, HWND window, unsigned int message);
 
-// ------------------------------------------------------------------------------------------------------------ paths
-// and texts
+// ---------------- paths and texts
 
 /** Longest path, with its terminating zero, that Get_Generic_Name can produce in any of its outputs. */
 inline constexpr int PATH_SIZE = 32768;
@@ -76,13 +74,12 @@ KIT_COMMON_API void Get_Generic_Name(const char* path, char* directory, char* na
  *  @param text     zero-terminated, or null
  *  @param out      receives the zero-terminated wide text
  *  @param out_size room in `out` in wide characters, the terminating zero included; longer texts are cut at a whole
- * character
+ *  character
  *  @return the number of wide characters written, the terminating zero not counted; 0 for a null text or no room
  */
 KIT_COMMON_API int Char_2_Wchar(const char* text, wchar_t* out, int out_size);
 
-// ------------------------------------------------------------------------------------------------------------- linear
-// algebra
+// ---------------- linear algebra
 
 /** Dense vector of doubles. Zero at creation; copies are deep. */
 class KIT_COMMON_API Vector_N {

@@ -4,13 +4,13 @@
  *  Texts are zero-terminated and in the system's code page.
  *
  *  Lifetimes. Volumes, frames and class objects outlive the panel operation that uses them. Objects and files that a
- * database panel shows live until the next change of structure is announced, and their texts do not change in place. A
- * histogram record and its arrays stay valid until the iterator that led to its frame has ended.
+ *  database panel shows live until the next change of structure is announced, and their texts do not change in place. A
+ *  histogram record and its arrays stay valid until the iterator that led to its frame has ended.
  *
  *  Memory. What a panel stores in a variable for the host to keep (the labels in "$TAG_LABEL" and "$MARKER_LABEL")
- * comes from malloc of the C runtime, and panels free the label that they replace: a host that fills these arrays
- * itself uses malloc of the same C runtime (Variable_Set_Array_Text does). Texts of objects belong to the object and
- * are copied.
+ *  comes from malloc of the C runtime, and panels free the label that they replace: a host that fills these arrays
+ *  itself uses malloc of the same C runtime (Variable_Set_Array_Text does). Texts of objects belong to the object and
+ *  are copied.
  */
 #pragma once
 
@@ -23,8 +23,7 @@
 #define KIT_DATASET_API KIT_IMPORT
 #endif
 
-// ----------------------------------------------------------------------------------------------------------------
-// change flags
+// ---------------- change flags
 
 inline constexpr unsigned __int64 UPDATE_ALL = 0x1000000000000000ULL;         ///< everything may have changed
 inline constexpr unsigned __int64 UPDATE_TAG_LABEL = 0x0000800000000000ULL;   ///< "$TAG_LABEL" or "$MARKER_LABEL"
@@ -76,8 +75,7 @@ inline Quorel_Window* All_Windows() {
     return reinterpret_cast<Quorel_Window*>(ALL_OBJECTS);
 }
 
-// -------------------------------------------------------------------------------------------------------------------
-// variables
+// ---------------- variables
 
 /** Form of a host variable, returned through `type`. */
 enum Variable_Type : unsigned short {
@@ -94,27 +92,30 @@ enum Variable_Type : unsigned short {
 
 /** The value of a host variable, widened to pointer width.
  *  @return scalar: the number itself (keep the low 16 bits of a 16-bit variable; a float is cut to its whole part), so
- * a scalar 0 and a missing scalar both give null; array or text: the address of the first element; object pointer: the
- * pointer; null: no such variable, or no value
+ *  a scalar 0 and a missing scalar both give null; array or text: the address of the first element; object pointer: the
+ *  pointer; null: no such variable, or no value
  *  @param name           the variable's name with its "$"
  *  @param nb, type, fct  receive the element count (1 for all but arrays), the Variable_Type and the change function
- * (null in this kit); each may be null. A missing variable gives 0, VARIABLE_NONE and null
+ *  (null in this kit); each may be null. A missing variable gives 0, VARIABLE_NONE and null
  */
 KIT_DATASET_API void* Fct_Variable_Value(const char* name, int* nb, unsigned short* type, int (**fct)(void));
 
-/** The address of a host variable's storage, null when there is no such variable.
- *  The address stays the same for the life of the process. Scalar: storage of the number; array: storage holds the
- * pointer to the first element; text: storage holds the text pointer; object: storage holds the pointer.
+/** The address of a host variable's storage, null when there is no such variable. The address stays the same for the
+ *  life of the process. Scalar: storage of the number; array: storage holds the pointer to the first element; text:
+ *  storage holds the text pointer; object: storage holds the pointer.
  *  @param name, nb, type, fct  as for Fct_Variable_Value
  *  @param flag  0
  */
 KIT_DATASET_API void* Fct_Variable_Get(const char* name, int* nb, unsigned short* type, int (**fct)(void), char flag);
 
-// --------------------------------------------------------------------------------------------------------------------
-// requests
+/** "$TAG_THRESHOLD_MIN" and "$TAG_THRESHOLD_MAX" of a TAG without a lower or an upper threshold, grey levels. */
+inline constexpr float TAG_THRESHOLD_MIN_UNSET = -100000.0F;
+inline constexpr float TAG_THRESHOLD_MAX_UNSET = 100000.0F;
+
+// ---------------- requests
 
 /** Tells the host, and through it every panel's Update, that shared state changed. The host may call Update before this
- * returns.
+ *  returns.
  *  @param flags UPDATE_* bits; @param a, b the objects concerned, null or ALL_OBJECTS; @param region null */
 KIT_DATASET_API void Fct_Update(unsigned __int64 flags, void* a, void* b, Region_2D* region);
 /** Asks the host to redraw its image windows. The mask is the host's. */
@@ -124,8 +125,7 @@ KIT_DATASET_API void Fct_Redraw(unsigned __int64 flags, void* a, void* b, Region
  * shown before, may be null */
 KIT_DATASET_API void Fct_Change_Child(Quorel_Window* window, Quorel_2D* new_frame, Quorel_2D* old_frame);
 
-// -------------------------------------------------------------------------------------------------------------------
-// iterators
+// ---------------- iterators
 
 inline constexpr int CLASS_MASK_2D = 0x2FFF;  ///< class mask of the plain 2D class
 
@@ -133,18 +133,17 @@ inline constexpr int CLASS_MASK_2D = 0x2FFF;  ///< class mask of the plain 2D cl
  * @return a handle; 0 when 16 are open already. */
 KIT_DATASET_API unsigned short Iterator_Init(const char* who, Quorel* object);
 /** The next object, in the order in which the host registered them; null at the end and for a handle that is not open.
- * Passed over are objects without a frame of their own (volumes and classes), objects whose class code is of another
- * dimension or has bits outside `mask`, objects that are not below the volume of `window` (at any depth, by their
- * parent links; a window without a volume has none), and with `selected_only` those without FLAG_SELECTED in the
- * selection's flag word. What the host selects or moves between two calls counts from the next call on.
+ *  Passed over are objects without a frame of their own (volumes and classes), objects whose class code is of another
+ *  dimension or has bits outside `mask`, objects that are not below the volume of `window` (at any depth, by their
+ *  parent links; a window without a volume has none), and with `selected_only` those without FLAG_SELECTED in the
+ *  selection's flag word. What the host selects or moves between two calls counts from the next call on.
  *  @param handle from Iterator_Init; @param mask CLASS_MASK_2D; @param window the window whose frames are meant, null:
- * none, or All_Windows(): all, also frames that no window shows; @param selected_only non-zero: only selected ones */
+ *  none, or All_Windows(): all, also frames that no window shows; @param selected_only non-zero: only selected ones */
 KIT_DATASET_API Quorel_2D* Iterator_Class_2D(unsigned short handle, int mask, Quorel_Window* window, int selected_only);
 /** Closes an iterator; to be called after every pass. */
 KIT_DATASET_API void Iterator_End(unsigned short handle);
 
-// ---------------------------------------------------------------------------------------------------------------
-// dialogs, input
+// ---------------- dialogs, input
 
 /** Stored value of a frame to its grey level; the value itself for a colour frame and for one without slope and
  * intercept. */
@@ -182,8 +181,7 @@ KIT_DATASET_API const Pointer_Record* Fct_Pointer_Pen(HWND window, unsigned int 
 KIT_DATASET_API const Gesture_Record* Fct_Pointer_Touch(HWND window, unsigned int message, std::uintptr_t wparam,
                                                         std::intptr_t lparam);
 
-// ---------------------------------------------------------------------------------------------------------------------
-// objects
+// ---------------- objects
 
 inline constexpr int FLAG_GROUP_SELECTION = 4;     ///< flag group of the selection
 inline constexpr int FLAG_MASK_SELECTION = 512;    ///< flag mask of the selection
@@ -274,8 +272,8 @@ class Quorel_Tree : public Quorel {
     /** Position of a child, -1 when it is not one. */
     int Child_Get_Id(const Class* object) const { return Tree_Position(object); }
     /** Appends. An object that is this one or one of its ancestors is refused and the user is warned: it stays where it
-     * is, or, when it was removed just before, goes back under its former parent at its former position. The same is
-     * done when memory is missing.
+     *  is, or, when it was removed just before, goes back under its former parent at its former position. The same is
+     *  done when memory is missing.
      *  @return 1, or 0 when refused, null or out of memory */
     int Child_Add(Class* object) { return Tree_Insert(child_nb, object); }
     /** Inserts before the child at `position` (clamped to 0 .. Child_Get_Nb()). The position counts the children as
@@ -374,7 +372,7 @@ class KIT_DATASET_API Quorel_2D_Frame {
      * a panel may read the counts of several frames at once. */
     Histo_Record* Histogram_Get() { return histogram; }
     /** The stored value at a position: grey: the stored level; colour: red in the low byte, green, blue above.
-     * SAMPLE_OUTSIDE or more: outside.
+     *  SAMPLE_OUTSIDE or more: outside.
      *  @param position x, y in pixels of the frame; @param slice slice and time index */
     virtual int Sample(const float* position, const int* slice) const;
 

@@ -22,7 +22,7 @@ struct Plot_Area {
 };
 
 /** The plot area of a box. With m = the smaller of width / 50 and height / 50 of the box: left margin 2m + 40, bottom
- * margin 2m + 20 (3m + 35 when a title is given), right margin 2m + 10, top margin 2m + `top_reserved`.
+ *  margin 2m + 20 (3m + 35 when a title is given), right margin 2m + 10, top margin 2m + `top_reserved`.
  *  @param box              plot box, pixels of the window's axis
  *  @param title_x, title_y axis titles; null or empty for none
  *  @param top_reserved     pixels below the box's upper edge that controls cover, 0 for none
@@ -31,7 +31,7 @@ KIT_GRAPH_API Plot_Area Plot_Window_Area(const Boxs& box, const char* title_x, c
                                          int top_reserved = 0);
 
 /** Draws the horizontal axis with ticks at round values (1, 2 or 5 times a power of ten), their numbers and the title
- * into the box's margins.
+ *  into the box's margins.
  *  @param dc a device context in the window's own axis, as made by Y_setup
  *  @param box      the plot box: gives place, font and colours
  *  @param area     as Plot_Window_Area gave it for the box

@@ -2,20 +2,20 @@
  *  Kit_Widgets: the widget library that panels are built from.
  *
  *  Coordinates. Every window has one vertical axis, up (the default: y counts from the bottom row) or down (y counts
- * from the top row); the host declares it, panels never ask. A widget at (x, y, width, height) covers the pixels x .. x
- * + width - 1 and y .. y + height - 1 of its window's axis. Sliders, titles and texts are visual: slider value 0 is at
- * the visual top (or left), titles stand at the visual top, text is upright, whichever the axis.
+ *  from the top row); the host declares it, panels never ask. A widget at (x, y, width, height) covers the pixels x ..
+ *  x + width - 1 and y .. y + height - 1 of its window's axis. Sliders, titles and texts are visual: slider value 0 is
+ *  at the visual top (or left), titles stand at the visual top, text is upright, whichever the axis.
  *
  *  Life of a widget: set the fields, Init(window) computes the inner geometry (draws nothing), Draw() paints
- * everything, Adjust() repaints the state marks only. A widget without a window, or with a width or height of 0 or
- * less, draws nothing and is never hit.
+ *  everything, Adjust() repaints the state marks only. A widget without a window, or with a width or height of 0 or
+ *  less, draws nothing and is never hit.
  *
  *  Events carry no position: the host sets YCursor_X and YCursor_Y (screen coordinates) before every event.
  *
  *  Texts. Captions, items, names of fonts and files, and edited texts are zero-terminated and in the system's code
- * page, which may have characters of several bytes (UTF-8 and the double-byte pages). Every limit in bytes cuts at a
- * whole character. Texts that a widget is given are copied; the font's name and weight are not: they must outlive it.
- * What a widget hands out belongs to the widget.
+ *  page, which may have characters of several bytes (UTF-8 and the double-byte pages). Every limit in bytes cuts at a
+ *  whole character. Texts that a widget is given are copied; the font's name and weight are not: they must outlive it.
+ *  What a widget hands out belongs to the widget.
  *
  *  Memory. A widget's images, items and texts are the widget's own, on the heap of Kit_Widgets: nobody else frees them.
  */
@@ -30,8 +30,7 @@
 #define KIT_WIDGETS_API KIT_IMPORT
 #endif
 
-// ------------------------------------------------------------------------------------------------------------------
-// style words
+// ---------------- style words
 
 inline constexpr unsigned int STYLE_FRAMED_BOX = 66;         ///< bordered (0x2) and filled (0x40) box
 inline constexpr unsigned int STYLE_GRID_BUTTON = 0x400000;  ///< plain button of a grid
@@ -51,8 +50,7 @@ inline constexpr unsigned int STYLE_EDIT_OPEN = 0x80000000U;  ///< text field th
 inline constexpr unsigned int STYLE_EDIT_IDLE = 0x80000003U;  ///< text field without the keyboard, not drawn
 inline constexpr unsigned int STYLE_EDIT_LIVE = 0xC0000000U;  ///< text field that yields its text after every key
 
-// -----------------------------------------------------------------------------------------------------------------
-// event codes
+// ---------------- event codes
 
 inline constexpr int MOUSE_DRAG = 0x01;   ///< in Motion: some button is held
 inline constexpr int MOUSE_PRESS = 0x02;  ///< in Click: a button went down
@@ -85,8 +83,7 @@ inline constexpr int KEY_INSERT = 0x82D;
 inline constexpr int KEY_DELETE = 0x82E;
 ///@}
 
-// ---------------------------------------------------------------------------------------------------------------------
-// globals
+// ---------------- globals
 
 extern KIT_WIDGETS_API short BORDER;   ///< the library's own border, pixels
 extern KIT_WIDGETS_API short SPACE;    ///< the library's own spacing, pixels; not "$INTERFACE_SPACE_DIM"
@@ -107,8 +104,7 @@ struct KIT_WIDGETS_API Colors {
     unsigned long get() const;
 };
 
-// -----------------------------------------------------------------------------------------------------------------
-// base class
+// ---------------- base class
 
 inline constexpr int TOOLS_NAME_SIZE = 128;    ///< bytes of a caption field, the terminating zero included
 inline constexpr int BUTTON_CAPTION_MAX = 39;  ///< longest caption of a button, bytes
@@ -235,7 +231,9 @@ class KIT_WIDGETS_API Sliders : public Tools {
     float Read();
     /** Feeds an event. A press: non-zero when it falls on the slider (starts a drag on the thumb, pages beside it). A
      * motion: non-zero only while the thumb is dragged; a drag ends by itself with the first motion without MOUSE_DRAG.
-     * A new value is not painted by itself: call Adjust (or Draw) after a non-zero result. */
+     * A new value is not painted by itself: call Adjust (or Draw) after a non-zero result. MOUSE_ASK only asks whether
+     * the pointer is over it. A slider that does not react (inactive, or not needed) answers 0 to all, MOUSE_ASK too.
+     */
     int Select(int up_down);
     /** Ends a drag and leaves the hover look; draws only when the look changes. */
     void Deselect();
@@ -396,8 +394,7 @@ class KIT_WIDGETS_API Labels : public Tools {
     ///@}
 };
 
-// --------------------------------------------------------------------------------------------------------------- free
-// functions
+// ---------------- free functions
 
 ///@{
 /** Shows the wait cursor over a window (null: the host's) until the matching Reset_Curs_Wait. Nests. */
@@ -421,7 +418,7 @@ KIT_WIDGETS_API int Parse_Dialog(HWND window, unsigned int message, std::uintptr
 KIT_WIDGETS_API HFONT Y_Create_Font(HWND window, const char* font_name, const char* style, int size);
 
 /** Begins drawing: a device context of the window in the window's own axis, with default text alignment. Nests; sets
- * Y_Window and Y_DC.
+ *  Y_Window and Y_DC.
  *  @param window a window that lives until Y_release
  *  @param label names the operation in "Y_setup(%s) GetDC failed"
  *  @return null on failure: draw nothing, and call no Y_release

@@ -2,8 +2,8 @@
  *  What differs between compilers and systems, in one place.
  *
  *  Everything else in the repository is standard C++20 plus the Windows API. This header declares the few Windows
- * handle types that the host contract mentions without pulling in <windows.h>, so that geometry, state and numeric code
- * compile everywhere. The declarations agree with those of <windows.h>; both may be included, in either order.
+ *  handle types that the host contract mentions without pulling in <windows.h>, so that geometry, state and numeric
+ *  code compile everywhere. The declarations agree with those of <windows.h>; both may be included, in either order.
  */
 #pragma once
 

@@ -125,7 +125,7 @@ class Application : public Image_User, public Main_Window_User {
     void Histogram_Enlarge();
 
     // application_accessible.cpp
-    /** Names of all parts of the window for those who hear the screen. */
+    /** Names of all parts of the window for screen readers. */
     void Accessible_Names();
 
     // application_settings.cpp
@@ -209,15 +209,15 @@ class Application : public Image_User, public Main_Window_User {
     /** Tells which files were not opened, and why. */
     void Problems_Tell(const volumes::Image_Folder& opened, const std::filesystem::path& first);
     void Show_Volumes(volumes::Image_Folder&& opened, std::vector<volumes::Volume_Statistics>&& numbers);
-    /** Name and size of the volume in hand. */
+    /** Name and size of the current volume. */
     std::wstring Volume_Text() const;
-    /** Shows how the volume in hand was read. */
+    /** Shows how the current volume was read. */
     void Read_Facts_Show();
     /** Asks how the patient lies in an image that does not say it; only the letters beside the picture change. */
     void Orientation_Ask();
-    /** Takes over what belongs to the volume that came into hand; tells no panel. */
+    /** Takes over what belongs to the volume that became the current one; tells no panel. */
     void Volume_Adopt();
-    /** Brings another volume into hand; tells no panel. @return false: it is in hand already, or there is none */
+    /** Makes another volume the current one; tells no panel. @return false: it is so already, or there is none */
     bool Volume_Set(int wanted);
     /** Goes to another volume and makes the histogram of all its frames. */
     void Volume_Go(int wanted);
@@ -316,14 +316,14 @@ class Application : public Image_User, public Main_Window_User {
     Claimed_Levels Claimed(int tag) const;
     double Grey_Of_Panel(float told) const { return panel_scale.To_Grey(static_cast<double>(told)); }
     float Panel_Of_Grey(double grey) const { return static_cast<float>(panel_scale.To_Panel(grey)); }
-    /** Brings the thresholds to the unit of the volume in hand. */
+    /** Brings the thresholds to the unit of the current volume. */
     void Panel_Scale_Adopt();
 
     Command_Line options;
     Look look;
     Report report;
     mutable Host_Variables variables;
-    Session session;  // of the volume in hand
+    Session session;  // of the current volume
     Open_Volumes volumes;
     Volume_Objects objects;
     std::optional<Class_Objects> classes;
@@ -362,8 +362,8 @@ class Application : public Image_User, public Main_Window_User {
     std::vector<volumes::Folder_Problem> read_warnings;  // of files that are open
     volumes::Volume_Statistics statistics;
     Grey_Window grey_window;
-    Panel_Scale panel_scale;           // of the volume in hand
-    std::optional<double> background;  // of the volume in hand: grey value up to which it is left out
+    Panel_Scale panel_scale;           // of the current volume
+    std::optional<double> background;  // of the current volume: grey value up to which it is left out
     int slice = 0;
     int hover_x = -1;  // pixel under the mouse; -1: none
     int hover_y = -1;

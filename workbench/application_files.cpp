@@ -180,7 +180,7 @@ bool Application::Ask_Unsaved() {
     if (answer != IDYES) {
         return answer == IDNO;
     }
-    // Each in turn is in hand while it is saved; nothing of it is shown.
+    // Each in turn is the current volume while it is saved; nothing of it is shown.
     const int shown = volumes.Current();
     Save_Outcome outcome = Save_Outcome::SAVED;
     int last = shown;

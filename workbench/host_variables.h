@@ -13,8 +13,6 @@
 
 namespace workbench {
 
-inline constexpr float TAG_THRESHOLD_MIN_UNSET = -100000.0F;
-inline constexpr float TAG_THRESHOLD_MAX_UNSET = 100000.0F;
 inline constexpr int BRUSH_NB = 8;
 
 /** Heights and distances that the tool area shares with the panels, pixels. */

@@ -19,7 +19,7 @@ class List_Window : public Window_Base {
 
   private:
     const Look& look;
-    HWND label = nullptr;  // of the text, for those who hear the screen
+    HWND label = nullptr;  // of the text, for screen readers
     HWND lines = nullptr;  // the child that shows the text
 };
 

@@ -70,7 +70,7 @@ class Panel_Host : public Window_Base {
         face_grey = grey;
         face_font = font_height;
     }
-    /** What the panel is called for those who hear the screen.
+    /** What the panel is called for screen readers.
      *  @param part_name names parts without a caption, by their number among these; may be empty
      *  @param own_parts for panels that draw more than the library's widgets; may be empty */
     void Accessible_Names(const std::wstring& name, std::function<std::wstring(int)> part_name = {},

@@ -30,7 +30,7 @@ class Tool_Area : public Window_Base {
     int Panel_Nb() const { return static_cast<int>(sections.size()); }
     /** Marks the panel that the keyboard acts on and scrolls to it; -1: none. */
     void Focus_Set(int panel);
-    /** Headings for those who hear the screen. */
+    /** Headings for screen readers. */
     void Accessible_Names();
     /** Bit per panel, the first one lowest. */
     unsigned int Folded() const;

@@ -103,13 +103,13 @@ void Volume_Objects::Clear() {
     current = -1;
 }
 
-void Volume_Objects::Build(const Open_Volumes& volumes, const Session& in_hand) {
+void Volume_Objects::Build(const Open_Volumes& volumes, const Session& current_session) {
     Clear();
     root = std::make_unique<Quorel_2D>();
     root->Title_Set("Images");
     Icon_Set(*root, "class Images.tga");
     for (int at = 0; at < volumes.Nb(); ++at) {
-        Volume_Build(at, volumes.Facts(at), volumes.Session_Of(at, in_hand));
+        Volume_Build(at, volumes.Facts(at), volumes.Session_Of(at, current_session));
     }
     Files_Build(volumes);
     current = volumes.Current();

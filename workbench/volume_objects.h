@@ -37,8 +37,8 @@ class Volume_Objects {
 
     /** Makes the objects of all open volumes, histograms included, and names them and their files in the host
      *  variables. Grey values are told in the unit of Panel_Scale_Of. The sessions' levels must outlive them; the
-     * volume in hand is the current one. */
-    void Build(const Open_Volumes& volumes, const Session& in_hand);
+     * current volume is selected. */
+    void Build(const Open_Volumes& volumes, const Session& current_session);
     /** Takes the objects away; nothing is shown. */
     void Clear();
 

@@ -12,7 +12,7 @@ int YCursor_Y = 0;
 
 namespace {
 Input_Source input_source;
-int key_in_hand = 0;
+int key_being_handled = 0;
 Widget_Counters counters;
 int wait_depth = 0;
 }  // namespace
@@ -49,10 +49,10 @@ int getkey(int virtual_key) {
 }
 
 void Key_In_Hand_Set(int key) {
-    key_in_hand = key;
+    key_being_handled = key;
 }
 int Key_In_Hand() {
-    return key_in_hand;
+    return key_being_handled;
 }
 
 // ---- counters

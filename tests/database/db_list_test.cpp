@@ -46,8 +46,7 @@ struct Rows {
     }
 };
 
-// --------------------------------------------------------------------------------------------------------------------
-// growing and freeing
+// ---------------- growing and freeing
 
 TEST(DB_List_Append, new_records_are_cleared_and_counted_and_the_older_ones_kept) {
     Rows rows;
@@ -165,8 +164,7 @@ TEST(DB_List_Array_Free, with_a_count_of_0_the_array_stays) {
     EXPECT_EQ(list_pt, &record);
 }
 
-// --------------------------------------------------------------------------------------------------------------------
-// check marks and last children
+// ---------------- check marks and last children
 
 TEST(DB_List_Set_State, branch_is_partly_checked_with_one_of_two_leaves) {
     const int expected[4][3] = {{0, 0, 0}, {1, 2, 0}, {1, 0, 2}, {2, 2, 2}};

@@ -159,7 +159,7 @@ class Dialog_Layout_Test : public Dialog_Scene {
     std::vector<const char*> text_variables;
 };
 
-// -------------------------------------------------------------------------------------------------------------- places
+// ---------------- places
 
 TEST_F(Dialog_Layout_Test, every_element_stands_in_its_place_at_every_size) {
     const Layout layouts[] = {
@@ -232,7 +232,7 @@ TEST_F(Dialog_Layout_Test, a_new_size_is_shown_at_once) {
          Save});
 }
 
-// --------------------------------------------------------------------------------------------------------------- looks
+// ---------------- looks
 
 TEST_F(Dialog_Layout_Test, every_element_has_its_look) {
     Text("$INTERFACE_TITLE_FONT_NAME", "Title Face");
@@ -308,8 +308,7 @@ TEST_F(Dialog_Layout_Test, painting_clears_the_texts_before_it_writes_them) {
          Save});
 }
 
-// --------------------------------------------------------------------------------------------------------------
-// opening
+// ---------------- opening
 
 TEST_F(Dialog_Layout_Test, the_template_is_one_header_without_controls) {
     Dialog_Opening opening;
@@ -438,7 +437,7 @@ TEST_F(Dialog_Layout_Test, the_layout_asks_for_all_variables_of_the_host_that_it
     }
 }
 
-// ------------------------------------------------------------------------------------------------------------- answers
+// ---------------- answers
 
 TEST_F(Dialog_Layout_Test, the_procedure_answers_what_it_handles) {
     Dialog_Opening opening;

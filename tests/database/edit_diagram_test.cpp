@@ -165,8 +165,7 @@ TEST(Edit_Rows, random_trees_agree_with_a_plain_recursion) {
     }
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// zones
+// ---------------- zones
 
 /** The zones by their description, for one point, looking at every record. */
 Edit_Hit Plain_Hit(Tree_Scene& scene, int x, int y) {
@@ -257,8 +256,7 @@ TEST(Edit_Zones, codes_name_record_and_zone) {
     EXPECT_EQ(Edit_Code_Zone(123), Edit_Zone::Toggle);
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// lines
+// ---------------- lines
 
 /** Every pixel of some lines. Lines are level or upright. */
 std::set<std::pair<int, int>> Pixels_Of(const std::vector<Edit_Line>& lines) {
@@ -349,8 +347,7 @@ TEST(Edit_Connectors, levels_beyond_those_that_are_remembered_stay_within_bounds
     EXPECT_EQ(last, 2);
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// sizes
+// ---------------- sizes
 
 TEST(Edit_Sizes, of_the_sliders_follow_rows_and_levels) {
     EXPECT_EQ(Edit_Height_Extent(7, 300).total, 355);

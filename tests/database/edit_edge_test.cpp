@@ -44,8 +44,7 @@ class Edit_Edge_Test : public Edit_Scene<Scene_2D> {
     }
 };
 
-// ----------------------------------------------------------------------------------------------------------------
-// edges
+// ---------------- edges
 
 TEST_F(Edit_Edge_Test, a_line_in_the_first_or_last_column_or_row_of_the_box_is_drawn) {
     Make_Study();
@@ -67,7 +66,7 @@ TEST_F(Edit_Edge_Test, handles_that_stand_out_of_a_node_are_drawn_when_the_node_
     EXPECT_EQ(At_Zone("a", Edit_Zone::Parent_Handle, -EDIT_HANDLE_RADIUS), 0U);
 }
 
-// --------------------------------------------------------------------------------------------------------------- looks
+// ---------------- looks
 
 TEST_F(Edit_Edge_Test, a_drawing_of_everything_keeps_a_handle_s_look_under_the_pointer) {
     Make_Study();
@@ -109,8 +108,7 @@ TEST_F(Edit_Edge_Test, a_class_without_a_title_has_no_icon) {
     std::remove("class .tga");
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// drags
+// ---------------- drags
 
 TEST_F(Edit_Edge_Test, hidden_children_have_no_drag_lines) {
     Make_Study();

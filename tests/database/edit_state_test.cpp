@@ -71,8 +71,7 @@ TEST_F(Edit_State_Test, drag_lines_of_other_records_are_not_erased_here) {
     EXPECT_EQ(Pixels(), expected);
 }
 
-// ----------------------------------------------------------------------------------------------------------- taking
-// out
+// ---------------- taking out
 
 const Quorel_2D* watched = nullptr;
 std::vector<const Quorel_2D*> parents_seen;  ///< the watched object's parent at each of the host's tree operations

@@ -84,8 +84,7 @@ class Edit_Paint_Test : public Edit_Scene<Scene_2D> {
     std::uint32_t Icon_Pixel(const std::string& title) const { return At(Cell(title), EDIT_NODE_WIDTH - 20, 21); }
 };
 
-// ------------------------------------------------------------------------------------------------------------------
-// nodes
+// ---------------- nodes
 
 TEST_F(Edit_Paint_Test, a_node_is_a_framed_box_below_the_gap_of_its_cell) {
     Make_Study();
@@ -216,8 +215,7 @@ TEST_F(Edit_Paint_Test, nothing_is_drawn_outside_the_box) {
     }
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// handles
+// ---------------- handles
 
 TEST_F(Edit_Paint_Test, what_changes_under_the_pointer_is_what_is_hit) {
     Make_Study();
@@ -299,8 +297,7 @@ TEST_F(Edit_Paint_Test, circles_and_toggles_can_be_drawn_alone) {
     EXPECT_EQ(At(Zone("a", Edit_Zone::Toggle), 3, 3), 0x00FF00U);
 }
 
-// ------------------------------------------------------------------------------------------------------------------
-// lines
+// ---------------- lines
 
 TEST_F(Edit_Paint_Test, lines_join_parents_and_children) {
     Make_Study();
@@ -337,8 +334,7 @@ TEST_F(Edit_Paint_Test, a_line_passes_through_a_view_without_either_of_its_ends)
     EXPECT_EQ(At(290, 600 + 5), CONNECTOR);
 }
 
-// ------------------------------------------------------------------------------------------------------------------
-// hover
+// ---------------- hover
 
 TEST_F(Edit_Paint_Test, hover_draws_only_what_changes) {
     const Icon_File icon("c");
@@ -387,8 +383,7 @@ TEST_F(Edit_Paint_Test, a_record_that_is_no_longer_there_is_not_redrawn) {
     Hover_Nothing();
 }
 
-// -------------------------------------------------------------------------------------------------------------------
-// drag
+// ---------------- drag
 
 TEST_F(Edit_Paint_Test, a_pressed_node_is_highlighted_and_its_handle_yellow) {
     const Icon_File icon("c");
@@ -488,8 +483,7 @@ TEST_F(Edit_Paint_Test, a_scrolled_drawing_covers_the_lines) {
     EXPECT_EQ(At(Zone("c", Edit_Zone::Parent_Handle)), GROUND) << "dragged no longer";
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// sliders
+// ---------------- sliders
 
 TEST_F(Edit_Paint_Test, sliders_follow_the_size_of_the_diagram) {
     Make_Study();
@@ -516,8 +510,7 @@ TEST_F(Edit_Paint_Test, sliders_follow_the_size_of_the_diagram) {
     EXPECT_EQ(vertical.style, STYLE_SLIDER_VERTICAL | STYLE_INACTIVE);
 }
 
-// ---------------------------------------------------------------------------------------------------------------
-// upkeep
+// ---------------- upkeep
 
 TEST_F(Edit_Paint_Test, everything_taken_from_gdi_is_given_back) {
     Make_Study();

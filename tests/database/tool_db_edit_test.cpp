@@ -9,8 +9,7 @@
 
 namespace {
 
-// ----------------------------------------------------------------------------------------------------------------
-// traces
+// ---------------- traces
 
 TEST_F(Tool_DB_Edit_Test, every_event_operation_traces_its_name) {
     Make_Study();
@@ -63,8 +62,7 @@ TEST_F(Tool_DB_Edit_Test, without_a_device_context_the_operation_is_named_and_no
     EXPECT_EQ(Text(), "root(a(b,c(d,e),f),g)");
 }
 
-// ------------------------------------------------------------------------------------------------------------------
-// zones
+// ---------------- zones
 
 TEST_F(Tool_DB_Edit_Test, the_pointer_finds_every_zone_of_a_scrolled_diagram) {
     Make_Study();
@@ -119,8 +117,7 @@ TEST_F(Tool_DB_Edit_Test, other_presses_on_a_body_do_nothing) {
     EXPECT_EQ(calls.Take(), Calls{});
 }
 
-// -------------------------------------------------------------------------------------------------------------
-// dimensions
+// ---------------- dimensions
 
 template <class Dimension>
 class Every_Dimension : public Edit_Scene<Dimension> {

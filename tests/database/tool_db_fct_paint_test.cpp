@@ -105,8 +105,7 @@ class Drawing_Recorder {
 
 using Tree_Paint_Test = Tree_Fixture;
 
-// --------------------------------------------------------------------------------------------------------------
-// drawing
+// ---------------- drawing
 
 TEST_F(Tree_Paint_Test, draw_numbers_the_rows) {
     Make_Branch(3);
@@ -534,8 +533,7 @@ TEST_F(Tree_Paint_Test, columns_are_drawn_at_their_places) {
     tree[0].column_nb = 0;
 }
 
-// ------------------------------------------------------------------------------------------- device contexts and
-// balance
+// ---------------- device contexts and balance
 
 TEST_F(Tree_Paint_Test, without_a_device_context_nothing_changes_and_the_operation_says_so) {
     Make_Flat(30);

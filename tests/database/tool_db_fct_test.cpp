@@ -6,8 +6,7 @@ namespace {
 
 using Tool_DB_Fct_Test = Tree_Fixture;
 
-// --------------------------------------------------------------------------------------------------------------
-// sliders
+// ---------------- sliders
 
 TEST_F(Tool_DB_Fct_Test, a_short_tree_disables_the_vertical_slider_at_the_top) {
     Make_Flat(11);  // 198 of 200 pixels
@@ -61,8 +60,7 @@ TEST_F(Tool_DB_Fct_Test, a_tree_that_became_short_is_drawn_at_its_new_position) 
     EXPECT_EQ(Pixels(), at_once);
 }
 
-// ---------------------------------------------------------------------------------------------------------------
-// clicks
+// ---------------- clicks
 
 TEST_F(Tool_DB_Fct_Test, a_click_traces_its_old_name) {
     Make_Flat(3);
@@ -254,8 +252,7 @@ TEST_F(Tool_DB_Fct_Test, a_press_on_an_empty_tree_begins_a_drag_like_any_other) 
     }
 }
 
-// ----------------------------------------------------------------------------------------------------------- rubber
-// band
+// ---------------- rubber band
 
 TEST_F(Tool_DB_Fct_Test, the_band_follows_the_pointer_and_leaves_nothing_behind) {
     Make_Flat(9);

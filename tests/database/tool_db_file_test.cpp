@@ -57,8 +57,7 @@ class Tool_DB_File_Test : public testing::Test {
     Message_Recorder messages;
 };
 
-// --------------------------------------------------------------------------------------------------------------------
-// creation
+// ---------------- creation
 
 TEST_F(Tool_DB_File_Test, empty_table_gives_no_array_and_one) {
     EXPECT_EQ(Create(), 1);
@@ -280,8 +279,7 @@ TEST_F(Tool_DB_File_Test, editor_of_a_file_view_has_no_dimension) {
     EXPECT_EQ(Tool_DB_File(2 | DB_MODE_EDIT | DB_MODE_ADD).mode, DB_MODE_EDIT | DB_MODE_ADD);
 }
 
-// --------------------------------------------------------------------------------------------------------------------
-// reading
+// ---------------- reading
 
 TEST_F(Tool_DB_File_Test, reading_checks_the_frames_of_selected_objects) {
     auto& file = scene.Add_File("x", 4);
@@ -355,8 +353,7 @@ TEST_F(Tool_DB_File_Test, count_without_an_array_is_taken_for_no_rows) {
     EXPECT_EQ(Iterator_Open_Nb(), 0);
 }
 
-// --------------------------------------------------------------------------------------------------------------------
-// writing
+// ---------------- writing
 
 TEST_F(Tool_DB_File_Test, only_objects_that_disagree_are_switched) {
     auto& file = scene.Add_File("x", 4);
@@ -475,8 +472,7 @@ TEST_F(Tool_DB_File_Test, host_that_answers_at_once_and_one_that_queues_are_told
     EXPECT_EQ(Iterator_Open_Nb(), 0);
 }
 
-// --------------------------------------------------------------------------------------------------------------------
-// against comparing every object with every row
+// ---------------- against comparing every object with every row
 
 const Quorel_2D_Frame* Frame_Of(const DB_List& record) {
     return static_cast<const File_Record*>(record.object)->frame[record.index];

@@ -422,8 +422,7 @@ TEST_F(Panel_Events, every_operation_bears_a_failed_creation_and_the_next_one_su
     }
 }
 
-// ------------------------------------------------------------------------------------- the editor, with a host's
-// answer
+// ---------------- the editor, with a host's answer
 
 enum class Answer { Never, At_Once, Queued };
 

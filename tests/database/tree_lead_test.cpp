@@ -129,7 +129,7 @@ TEST_F(Tree_Lead_Test, the_ground_reaches_every_edge_of_the_box_and_no_further) 
     }
 }
 
-// ------------------------------------------------------------------------------------------------- sliders, redrawing
+// ---------------- sliders, redrawing
 
 using Thumbs = std::vector<std::pair<float, float>>;
 Thumbs thumbs;  ///< visible and total of each call for the watched slider

@@ -9,7 +9,7 @@
 
 namespace {
 
-// ------------------------------------------------------------------------------------------------------ rows of a tree
+// ---------------- rows of a tree
 
 TEST(Tree_Walk, passes_over_the_subtree_of_a_collapsed_branch) {
     Tree_Scene tree;
@@ -121,8 +121,7 @@ TEST(Tree_Rows, survive_counts_that_wrapped) {
     EXPECT_EQ(Tree_Rows_Number(tree.Nb(), tree.Pt()), 1 + 65536);
 }
 
-// ---------------------------------------------------------------------------------------------------------------
-// ranges
+// ---------------- ranges
 
 /** The same by searching every row from the top. */
 void Plain_Range_Flip(std::vector<DB_List>& rows, int a, int b) {
@@ -219,8 +218,7 @@ TEST(Tree_Uncheck, keeps_the_other_bits) {
     EXPECT_EQ(tree[0].state, DB_STATE_NO_ACCESS);
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// lines
+// ---------------- lines
 
 TEST(Tree_Lines, go_on_below_whatever_is_not_the_last_child) {
     Tree_Lines lines;
@@ -249,8 +247,7 @@ TEST(Tree_Lines, know_nothing_of_level_100_and_beyond) {
     EXPECT_FALSE(lines.Goes_On(-1));
 }
 
-// ------------------------------------------------------------------------------------------------------------
-// positions
+// ---------------- positions
 
 TEST(Tree_Positions, row_and_column_are_truncated_toward_zero) {
     EXPECT_EQ(Tree_Row_At(9), 0);

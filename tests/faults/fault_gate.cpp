@@ -159,7 +159,7 @@ int Gate(int function, const void* from) {
     return fails ? 1 : 0;
 }
 
-// --------------------------------------------------------------------------------------------------------- allocations
+// ---------------- allocations
 
 const void* Caller(void* return_address) {
     return return_address;
@@ -201,8 +201,7 @@ void Free_Gate(void* memory) {
     std::free(memory);
 }
 
-// -------------------------------------------------------------------------------------------------------------
-// gateways
+// ---------------- gateways
 
 constexpr std::size_t gateway_size = 128;
 

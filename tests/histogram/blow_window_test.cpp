@@ -24,7 +24,7 @@ float Count_At(int y) {
 
 }  // namespace
 
-// ------------------------------------------------------------------------------------------------------------ opening
+// ---------------- opening
 
 TEST_F(Blow_Window, opens_unzoomed_with_everything_laid_out) {
     Open();
@@ -205,7 +205,7 @@ TEST_F(Blow_Window, two_panels_share_one_window_that_shows_the_first) {
     EXPECT_EQ(panel->blow_button.current, 0) << "the panel that it showed was drawn";
 }
 
-// -------------------------------------------------------------------------------------------------------------- wheel
+// ---------------- wheel
 
 TEST_F(Blow_Window, small_wheel_deltas_add_up_to_one_notch) {
     Open();
@@ -288,7 +288,7 @@ TEST_F(Blow_Window, a_wheel_click_for_the_cursor_leaves_the_repaint_to_the_next_
     }
 }
 
-// --------------------------------------------------------------------------------------------------------------- drag
+// ---------------- drag
 
 TEST_F(Blow_Window, a_drag_zooms_to_its_rectangle_and_reports_the_view) {
     Open();
@@ -449,7 +449,7 @@ TEST_F(Blow_Window, reset_zoom_returns_to_the_full_view) {
     Release(reset.x + 5, reset.y + 5);
 }
 
-// ---------------------------------------------------------------------------------------------------------- selectors
+// ---------------- selectors
 
 TEST_F(Blow_Window, selectors_store_their_choice_and_redraw) {
     Open();
@@ -565,7 +565,7 @@ TEST_F(Blow_Window, a_panel_without_data_leaves_an_empty_plot) {
     Send(WM_CLOSE);
 }
 
-// ----------------------------------------------------------------------------------------------------------- messages
+// ---------------- messages
 
 TEST_F(Blow_Window, new_data_redraws_and_one_redraw_serves_all_that_wait) {
     Open();

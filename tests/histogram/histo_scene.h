@@ -123,8 +123,8 @@ class Histo_Scene {
         tag_max = static_cast<float*>(Variable_Define_Array("$TAG_THRESHOLD_MAX", VARIABLE_FLOAT, nb));
         for (int tag = 0; tag < nb; ++tag) {
             tag_red[tag] = tag_green[tag] = tag_blue[tag] = 0;
-            tag_min[tag] = -100000.0F;
-            tag_max[tag] = 100000.0F;
+            tag_min[tag] = TAG_THRESHOLD_MIN_UNSET;
+            tag_max[tag] = TAG_THRESHOLD_MAX_UNSET;
         }
     }
     void Tag_Color(int tag, int red, int green, int blue) const {

@@ -234,8 +234,7 @@ TEST(Fit_System, many_peaks_of_a_long_curve_are_found_as_they_are) {
     }
 }
 
-// ------------------------------------------------------------------------------------------------- functions of one's
-// own
+// ---------------- functions of one's own
 
 namespace {
 

@@ -64,7 +64,7 @@ class Histo_Panel : public testing::Test {
 
 }  // namespace
 
-// -------------------------------------------------------------------------------------------------------------- layout
+// ---------------- layout
 
 TEST_F(Histo_Panel, three_columns_fill_the_host_box) {
     EXPECT_EQ(panel->x, 10);
@@ -147,7 +147,7 @@ TEST_F(Histo_Panel, draws_the_plot_last) {
     EXPECT_EQ(stage.Take_Lines(), (Lines{"16 in Tool_Histo::Draw()", "16 in Histo_Paint()"}));
 }
 
-// ----------------------------------------------------------------------------------------------------------------- Set
+// ---------------- Set
 
 TEST_F(Histo_Panel, keeps_ranges_as_16_bit_tags_and_floats) {
     EXPECT_EQ(panel->Set(2, 3, -1.5, 2.25, 65537, 0.1, 1e6), 1);
@@ -186,7 +186,7 @@ TEST_F(Histo_Panel, takes_32_ranges) {
     EXPECT_EQ(panel->range_tag[31], 31);
 }
 
-// ------------------------------------------------------------------------------------------------------------ valuator
+// ---------------- valuator
 
 TEST_F(Histo_Panel, a_press_on_the_valuator_takes_its_value_without_painting) {
     Histo_Record_Give(*panel, {}, {1, 2, 3});
@@ -240,7 +240,7 @@ TEST_F(Histo_Panel, a_code_without_a_press_is_a_release_whatever_buttons_are_sti
     }
 }
 
-// ---------------------------------------------------------------------------------------------------- enlarged window
+// ---------------- enlarged window
 
 TEST_F(Histo_Panel, the_button_opens_the_window_once) {
     EXPECT_EQ(Press_At(BUTTON_COLUMN, MIDDLE_ROW), 1);
@@ -344,7 +344,7 @@ TEST_F(Histo_Panel, drawing_and_layout_show_whether_the_window_exists) {
     EXPECT_EQ(second.blow_button.current, 1);
 }
 
-// -------------------------------------------------------------------------------------------------------------- Update
+// ---------------- Update
 
 TEST_F(Histo_Panel, each_change_flag_does_what_its_row_says_and_no_more) {
     scene.Add_Grey({}, {1, 2, 3});
@@ -408,7 +408,7 @@ TEST_F(Histo_Panel, everything_may_have_changed_sets_the_button_by_the_window) {
     EXPECT_EQ(panel->blow_button.current, 0);
 }
 
-// -------------------------------------------------------------------------------------------------------------- copies
+// ---------------- copies
 
 TEST_F(Histo_Panel, copies_share_what_was_computed_and_the_last_one_frees_it) {
     Histo_Record_Give(*panel, {}, {1, 20, 3});

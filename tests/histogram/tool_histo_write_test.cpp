@@ -311,7 +311,7 @@ TEST_F(Histo_Export, equals_the_example_of_the_manual) {
     EXPECT_EQ(Written(), Platform_Lines(example));
 }
 
-// ------------------------------------------------------------------------------------------------------------ failures
+// ---------------- failures
 
 TEST_F(Histo_Export, without_a_record_warns_and_makes_no_file) {
     EXPECT_EQ(panel.Write(path.c_str()), 0);

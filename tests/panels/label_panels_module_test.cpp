@@ -49,7 +49,7 @@ using Version_Function = char* (*)(char*);
 
 }  // namespace
 
-// ------------------------------------------------------------------------------------------------------------- version
+// ---------------- version
 
 TEST(Module_Version, names_the_module_file) {
     char version[] = "5.016b";
@@ -107,7 +107,7 @@ TEST(Module_Version, every_accepted_call_leaves_one_block_of_260_bytes) {
     EXPECT_EQ(freed, 0);
 }
 
-// --------------------------------------------------------------------------------------------------------- allocations
+// ---------------- allocations
 
 TEST_F(Tag_Module, every_allocation_of_the_module_may_fail_in_the_tag_panel) {
     Define_Tags(SCROLLED);
@@ -188,7 +188,7 @@ TEST_F(Tag_Module, every_allocation_of_the_widget_library_may_fail) {
     EXPECT_EQ(Press_Label(panel, model, 2), 2) << "all is well afterwards";
 }
 
-// ----------------------------------------------------------------------------------------------------------------- GDI
+// ---------------- GDI
 
 TEST_F(Tag_Module, an_update_without_a_change_makes_no_call_into_the_drawing_system) {
     Lay_Out(NB);

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-// --------------------------------------------------------------------------------------------------------------- model
+// ---------------- model
 
 Label_Model::Label_Model(const Boxs& host_box, int label_nb) : host(host_box), count(label_nb) {
     const int t = Margin();
@@ -74,7 +74,7 @@ void Label_Model::Draw(HWND window) const {
     }
 }
 
-// ------------------------------------------------------------------------------------------------------------- fixture
+// ---------------- fixture
 
 Label_Fixture::Label_Fixture(Window_Axis axis)
     : Panel_Fixture(axis, WINDOW_WIDTH, WINDOW_HEIGHT), expected_window(axis, WINDOW_WIDTH, WINDOW_HEIGHT) {
@@ -110,7 +110,7 @@ void Label_Fixture::Quiet() {
     Take_Counters();
 }
 
-// ---------------------------------------------------------------------------------------------------------------- TAGs
+// ---------------- TAGs
 
 std::uint32_t Tag_Fixture::Color_Of(int tag) {
     const auto n = static_cast<std::uint32_t>(tag);
@@ -168,7 +168,7 @@ Label_Model Tag_Fixture::Fresh_Model(const Boxs& box, int nb) const {
     return model;
 }
 
-// ------------------------------------------------------------------------------------------------------------- markers
+// ---------------- markers
 
 void Marker_Fixture::Define_Markers(int nb) {
     for (const char* name : {"$MARKER_COLOR", "$MARKER_ENABLE", "$MARKER_LABEL"}) {

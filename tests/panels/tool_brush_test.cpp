@@ -113,7 +113,7 @@ class Brush_Panel : public testing::Test {
 
 }  // namespace
 
-// ------------------------------------------------------------------------------------------------------------- placing
+// ---------------- placing
 
 TEST_F(Brush_Panel, a_new_panel_asks_for_nothing_and_draws_nothing) {
     Variable_Look_Ups_Reset();
@@ -189,7 +189,7 @@ TEST_F(Brush_Panel, without_brushes_no_button_is_placed) {
     panel.Update(~0ULL);
 }
 
-// -------------------------------------------------------------------------------------------------------------- discs
+// ---------------- discs
 
 TEST_F(Brush_Panel, discs_and_outlines_stand_in_the_plain_the_hover_and_the_pressed_look) {
     Bring_Up();
@@ -298,7 +298,7 @@ TEST_F(Brush_Panel, any_host_box_and_any_library_border_are_survived) {
     BORDER = usual;
 }
 
-// -------------------------------------------------------------------------------------------------------------- masks
+// ---------------- masks
 
 TEST_F(Brush_Panel, the_first_notification_builds_every_mask) {
     Lay_Out();
@@ -420,7 +420,7 @@ TEST_F(Brush_Panel, brushes_beyond_eight_get_masks_and_no_button) {
     EXPECT_TRUE(many.Untouched(10)) << "sizes without a button are not compared";
 }
 
-// ------------------------------------------------------------------------------------------------------------- events
+// ---------------- events
 
 TEST_F(Brush_Panel, a_release_is_ignored_and_traced) {
     Bring_Up();
@@ -518,7 +518,7 @@ TEST_F(Brush_Panel, drawing_sets_the_mark_of_the_current_brush_and_clears_no_oth
     EXPECT_EQ(Widget_Counters_Get().draws, 5U) << "frame and four buttons";
 }
 
-// ------------------------------------------------------------------------------------------------------ notifications
+// ---------------- notifications
 
 TEST_F(Brush_Panel, of_all_64_flags_four_are_read) {
     constexpr int BIT_ALL = 60;
@@ -634,7 +634,7 @@ TEST_F(Brush_Panel, recolouring_takes_a_button_out_of_its_hover_look) {
     EXPECT_EQ(Wrong_Pixels(1, sizes, COLOR_2, Grounds()[0]), 0);
 }
 
-// ------------------------------------------------------------------------------------------------- copies and storms
+// ---------------- copies and storms
 
 TEST_F(Brush_Panel, a_copy_shares_the_buttons_and_outlives_its_original) {
     Bring_Up();

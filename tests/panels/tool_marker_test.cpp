@@ -59,7 +59,7 @@ class Marker_Panel : public Marker_Fixture {
 
 }  // namespace
 
-// ------------------------------------------------------------------------------------------------------------ protocol
+// ---------------- protocol
 
 TEST_F(Marker_Panel, a_new_panel_asks_for_nothing_and_draws_nothing) {
     Variable_Look_Ups_Reset();
@@ -100,7 +100,7 @@ TEST_F(Marker_Panel, the_height_is_that_of_the_tag_panel) {
     EXPECT_EQ(panel.Height(4), 2 * BORDER_DIM + 5 + 4 * (BUTTON_DIM_SML + BORDER_DIM));
 }
 
-// -------------------------------------------------------------------------------------------------------------- layout
+// ---------------- layout
 
 TEST_F(Marker_Panel, a_resize_shows_colours_captions_and_the_current_mark) {
     Lay_Out(NB, Place());
@@ -176,7 +176,7 @@ TEST_F(Marker_Panel, markers_without_a_complete_row_are_not_shown) {
     }
 }
 
-// -------------------------------------------------------------------------------------------------------------- events
+// ---------------- events
 
 TEST_F(Marker_Panel, a_click_picks_what_is_painted_there_and_writes_nothing) {
     for (const int nb : {NB, SCROLLED}) {
@@ -264,7 +264,7 @@ TEST_F(Marker_Panel, a_right_press_on_another_marker_draws_the_first_one_and_edi
     EXPECT_EQ(Press_Label(panel, model, 6), 6);
 }
 
-// -------------------------------------------------------------------------------------------------------------- update
+// ---------------- update
 
 TEST_F(Marker_Panel, flags_that_the_panel_does_not_test_do_nothing_one_by_one) {
     Lay_Out(NB, Checked_Place());

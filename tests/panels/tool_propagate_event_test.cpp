@@ -11,7 +11,7 @@
 #include "panels/tool_propagate.h"
 #include "tests/panels/propagate_fixture.h"
 
-// ------------------------------------------------------------------------------------------------------------- events
+// ---------------- events
 
 TEST_F(Propagate_Panel, a_release_is_ignored) {
     Show(2);
@@ -184,7 +184,7 @@ TEST_F(Propagate_Panel, motion_and_leave_give_feedback_and_leave_no_trace) {
     EXPECT_EQ(Painted(), 0U);
 }
 
-// ------------------------------------------------------------------------------------------------- copies and storms
+// ---------------- copies and storms
 
 TEST_F(Propagate_Panel, a_copy_goes_its_own_way) {
     Show(1);

@@ -10,7 +10,7 @@
 
 #include "tests/panels/propagate_fixture.h"
 
-// ------------------------------------------------------------------------------------------------------------- placing
+// ---------------- placing
 
 TEST_F(Propagate_Panel, a_new_panel_asks_for_nothing_and_draws_nothing) {
     Quiet();
@@ -79,7 +79,7 @@ TEST_F(Propagate_Panel, laying_out_looks_up_a_dimension_that_decides_nothing) {
     Expect_Picture(0, 0, LIST_OFF, OFF, OFF, "another dimension");
 }
 
-// ------------------------------------------------------------------------------------------------------------- traces
+// ---------------- traces
 
 TEST_F(Propagate_Panel, set_resize_and_scroll_are_always_traced_and_set_names_the_brush_panel) {
     for (int level : {-128, 0, 5, 6, 127}) {
@@ -117,7 +117,7 @@ TEST_F(Propagate_Panel, the_other_entries_are_traced_from_level_6_on) {
                                                "16 in Tool_Propagate::Update(flag:1234567890000000)"}));
 }
 
-// ------------------------------------------------------------------------------------------------------ notifications
+// ---------------- notifications
 
 TEST_F(Propagate_Panel, before_a_function_is_set_there_are_no_frames) {
     Window_Frame_Set(&host.window, volume.At(2));
@@ -248,7 +248,7 @@ TEST_F(Propagate_Panel, of_all_64_flags_two_are_read_alone_and_two_as_a_pair) {
     }
 }
 
-// ---------------------------------------------------------------------------------------------------------- propagate
+// ---------------- propagate
 
 TEST_F(Propagate_Panel, a_step_moves_then_runs_the_function_on_the_former_and_the_new_frame) {
     for (bool at_once : {false, true}) {

@@ -39,7 +39,7 @@ class Tag_Panel : public Tag_Fixture {
 
 }  // namespace
 
-// ------------------------------------------------------------------------------------------------------------ protocol
+// ---------------- protocol
 
 TEST_F(Tag_Panel, a_new_panel_asks_for_nothing_and_draws_nothing) {
     Variable_Look_Ups_Reset();
@@ -84,7 +84,7 @@ TEST_F(Tag_Panel, the_height_counts_borders_and_rows) {
     EXPECT_EQ(panel.Height(65535), 2 * BORDER_DIM + 5 + 65535 * (BUTTON_DIM_SML + BORDER_DIM));
 }
 
-// -------------------------------------------------------------------------------------------------------------- layout
+// ---------------- layout
 
 TEST_F(Tag_Panel, all_tags_in_view_are_shown_as_laid_out_in_either_axis) {
     Lay_Out(ALL_IN_VIEW);
@@ -274,7 +274,7 @@ TEST_F(Tag_Panel, strange_boxes_and_dimensions_are_survived) {
     }
 }
 
-// ------------------------------------------------------------------------------------------------------------- picking
+// ---------------- picking
 
 TEST_F(Tag_Panel, a_click_picks_what_is_painted_there) {
     for (const int nb : {ALL_IN_VIEW, SCROLLED, 6}) {
@@ -333,7 +333,7 @@ TEST_F(Tag_Panel, greyed_buttons_are_not_picked) {
     EXPECT_EQ(panel.Read(), 0);
 }
 
-// -------------------------------------------------------------------------------------------------------------- slider
+// ---------------- slider
 
 TEST_F(Tag_Panel, the_wheel_scrolls_by_rows_wherever_the_pointer_is) {
     Lay_Out(SCROLLED);
@@ -415,7 +415,7 @@ TEST_F(Tag_Panel, a_count_without_its_variable_is_no_count) {
     EXPECT_THAT(messages.Take_Reports(), IsEmpty());
 }
 
-// -------------------------------------------------------------------------------------------------------------- copies
+// ---------------- copies
 
 TEST_F(Tag_Panel, copies_share_the_buttons_and_live_on_without_the_original) {
     Define_Tags(ALL_IN_VIEW);
@@ -446,7 +446,7 @@ TEST_F(Tag_Panel, copies_share_the_buttons_and_live_on_without_the_original) {
     }
 }
 
-// ----------------------------------------------------------------------------------------------------------- y upwards
+// ---------------- y upwards
 
 namespace {
 class Tag_Panel_Up : public Tag_Panel {

@@ -67,7 +67,7 @@ Element* Array(const char* name, Variable_Type type, int nb) {
 
 }  // namespace
 
-// ---------------------------------------------------------------------------------------------------------------- data
+// ---------------- data
 
 Soak_Host::Soak_Host(unsigned int seed) : random(seed) {
     const std::pair<const char*, int> dimensions[] = {{"$INTERFACE_SPACE_DIM", SPACE_DIM},
@@ -176,7 +176,7 @@ void Soak_Host::Data_Make() {
     }
 }
 
-// -------------------------------------------------------------------------------------------------------------- panels
+// ---------------- panels
 
 template <class Operation>
 void Soak_Host::Every_Panel(Operation operation) {
@@ -279,7 +279,7 @@ void Soak_Host::Pump() {
     }
 }
 
-// -------------------------------------------------------------------------------------------------------------- events
+// ---------------- events
 
 unsigned long long Soak_Host::Flags() {
     unsigned long long flags = 0;

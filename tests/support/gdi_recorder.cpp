@@ -46,7 +46,7 @@ void Context_Gone(HDC dc, const char* call) {
     }
 }
 
-// ------------------------------------------------------------------------------------------------------ replacements
+// ---------------- replacements
 
 HBRUSH WINAPI Create_Brush(COLORREF color) {
     return Created(::CreateSolidBrush(color), "CreateSolidBrush");

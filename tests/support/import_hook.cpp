@@ -9,7 +9,7 @@
 #include <functional>
 #include <utility>
 
-// ------------------------------------------------------------------------------------------------------- import tables
+// ---------------- import tables
 
 namespace {
 
@@ -92,7 +92,7 @@ std::vector<std::string> Import_Names(const char* module, const char* dll) {
     return names;
 }
 
-// ------------------------------------------------------------------------------------------------------------ counting
+// ---------------- counting
 
 namespace {
 
@@ -165,7 +165,7 @@ std::string Import_Counter::Text() const {
     return text;
 }
 
-// -------------------------------------------------------------------------------------------------------- allocations
+// ---------------- allocations
 
 namespace {
 

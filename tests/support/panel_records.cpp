@@ -9,7 +9,7 @@ std::ostream& operator<<(std::ostream& out, const Panel_Message& message) {
     return out << message.level << " \"" << message.text << '"';
 }
 
-// ------------------------------------------------------------------------------------------------------------ messages
+// ---------------- messages
 
 std::vector<Panel_Message> Message_Recorder::Take() {
     return std::exchange(messages, {});
@@ -33,7 +33,7 @@ void Message_Recorder::Receive(void* context, HWND /*window*/, int level, const 
     }
 }
 
-// ------------------------------------------------------------------------------------------------------------ requests
+// ---------------- requests
 
 Request_Recorder::Request_Recorder() {
     Request_Listener listener;

@@ -71,8 +71,7 @@ class Class_Journal_Test : public testing::Test {
     Class_Journal journal;
 };
 
-// ------------------------------------------------------------------------------------------------------------------
-// steps
+// ---------------- steps
 
 TEST_F(Class_Journal_Test, a_difference_becomes_a_step_and_no_difference_none) {
     EXPECT_FALSE(journal.Note(KIND, Study()));
@@ -195,8 +194,7 @@ TEST_F(Class_Journal_Test, random_edits_can_all_be_taken_back_and_done_again) {
     EXPECT_EQ(restored.Steps(), journal.Steps());
 }
 
-// ------------------------------------------------------------------------------------------------------------------
-// files
+// ---------------- files
 
 TEST_F(Class_Journal_Test, the_file_is_readable_and_restores_trees_steps_and_what_was_undone) {
     Edit();

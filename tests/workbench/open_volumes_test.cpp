@@ -53,7 +53,7 @@ class Open_Volumes_Test : public ::testing::Test {
     Session session;
 };
 
-TEST_F(Open_Volumes_Test, the_first_volume_that_is_no_scout_is_in_hand) {
+TEST_F(Open_Volumes_Test, the_first_volume_that_is_no_scout_is_the_current_one) {
     EXPECT_EQ(volumes.Nb(), 3);
     EXPECT_EQ(volumes.Current(), 1);
     EXPECT_EQ(session.Slice_Nb(), 4);
@@ -65,7 +65,7 @@ TEST_F(Open_Volumes_Test, the_first_volume_that_is_no_scout_is_in_hand) {
     EXPECT_EQ(&volumes.Session_Of(1, session), &session);
 }
 
-TEST_F(Open_Volumes_Test, the_volume_with_most_slices_is_in_hand_at_its_middle) {
+TEST_F(Open_Volumes_Test, the_volume_with_most_slices_is_the_current_one_at_its_middle) {
     Image_Folder folder;
     folder.volumes.push_back(Opened("scout", 30, true));
     folder.volumes.push_back(Opened("single", 1));
@@ -80,7 +80,7 @@ TEST_F(Open_Volumes_Test, the_volume_with_most_slices_is_in_hand_at_its_middle) 
     EXPECT_EQ(volumes.View(2).window, (Grey_Window{40.0F, 60.0F, false})) << "the file's own window";
 }
 
-TEST_F(Open_Volumes_Test, a_scout_is_in_hand_when_there_is_nothing_else) {
+TEST_F(Open_Volumes_Test, a_scout_is_the_current_one_when_there_is_nothing_else) {
     Image_Folder folder;
     folder.volumes.push_back(Opened("scout", 1, true));
     volumes.Take(std::move(folder), {}, session);
@@ -122,7 +122,7 @@ TEST_F(Open_Volumes_Test, a_volume_that_is_not_there_does_not_come_into_hand) {
     }
 }
 
-TEST_F(Open_Volumes_Test, clearing_leaves_nothing_in_hand) {
+TEST_F(Open_Volumes_Test, clearing_leaves_no_current_volume) {
     volumes.Clear(session);
     EXPECT_EQ(volumes.Nb(), 0);
     EXPECT_EQ(volumes.Current(), -1);

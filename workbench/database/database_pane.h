@@ -60,7 +60,7 @@ class Database_Pane : public Window_Base {
     bool Key(int key);
     /** The mark of what the keyboard acts on. */
     void Focus_Set(bool on);
-    /** Names for those who hear the screen. */
+    /** Names for screen readers. */
     void Accessible_Names();
     /** Keys of the find field. @return true: the message is used up */
     bool Key_Message(const MSG& message);

@@ -1,4 +1,4 @@
-/** The rows of a database panel for those who hear the screen. */
+/** The rows of a database panel for screen readers. */
 #pragma once
 
 #include <vector>

@@ -107,8 +107,7 @@ std::string Class_Journal::Redo_Title() const {
     return done_nb < steps.size() ? steps[done_nb].title : std::string();
 }
 
-// -----------------------------------------------------------------------------------------------------------------
-// files
+// ---------------- files
 
 /** Moves a file that could not be read to a name of its own. */
 std::string Class_Journal::Damaged_Keep(const std::filesystem::path& file) {

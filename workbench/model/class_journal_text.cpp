@@ -15,8 +15,7 @@ constexpr const char* KIND_NAME[CLASS_KIND_NB] = {"1D", "2D", "3D"};
 constexpr std::string_view FIRST_LINE = "class journal 1";
 constexpr std::string_view NOWHERE = "nowhere";
 
-// ---------------------------------------------------------------------------------------------------------------
-// writing
+// ---------------- writing
 
 std::string Place_Text(const Class_Place& place) {
     return place.parent.empty() ? std::string(NOWHERE)
@@ -33,8 +32,7 @@ std::string Action_Text(const Class_Action& action) {
            Quoted_Text(rename.after) + "\n";
 }
 
-// ---------------------------------------------------------------------------------------------------------------
-// reading
+// ---------------- reading
 
 std::string Id_Of(Line_Reader& reader) {
     std::string id = reader.Text();

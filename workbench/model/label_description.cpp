@@ -23,8 +23,7 @@ constexpr std::uint32_t COLOR_MAX = 0xFFFFFF;
 constexpr std::size_t COLOR_LENGTH = 7;  // of #RRGGBB
 constexpr std::size_t NUMBER_MAX = 1000000;
 
-// ---------------------------------------------------------------------------------------------------------------
-// writing
+// ---------------- writing
 
 std::string Color_Text(std::uint32_t color) {
     char text[COLOR_LENGTH + 1];
@@ -53,8 +52,7 @@ std::string Place_Text(const std::optional<Label_Voxel>& place) {
     return std::to_string(place->frame) + " " + std::to_string(place->column) + " " + std::to_string(place->row);
 }
 
-// ---------------------------------------------------------------------------------------------------------------
-// reading
+// ---------------- reading
 
 std::uint32_t Color_Of(Line_Reader& reader) {
     const std::string_view word = reader.Word();

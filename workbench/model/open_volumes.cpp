@@ -7,16 +7,16 @@
 
 namespace workbench {
 
-void Open_Volumes::Clear(Session& in_hand) {
+void Open_Volumes::Clear(Session& current_session) {
     volumes.clear();
     files.clear();
     current = -1;
-    in_hand = Session();
+    current_session = Session();
 }
 
 void Open_Volumes::Take(volumes::Image_Folder&& folder, std::vector<volumes::Volume_Statistics>&& statistics,
-                        Session& in_hand) {
-    Clear(in_hand);
+                        Session& current_session) {
+    Clear(current_session);
     try {
         statistics.resize(folder.volumes.size());
         volumes.reserve(folder.volumes.size());
@@ -35,32 +35,32 @@ void Open_Volumes::Take(volumes::Image_Folder&& folder, std::vector<volumes::Vol
         }
         files = std::move(folder.files);
     } catch (...) {
-        Clear(in_hand);
+        Clear(current_session);
         throw;
     }
     // What people have opened the folder for: no scout, and most frames.
     const auto worth = [](const Entry& entry) { return entry.facts.is_scout ? 0 : entry.session.Slice_Nb(); };
     current = static_cast<int>(std::ranges::max_element(volumes, {}, worth) - volumes.begin());
-    std::swap(in_hand, volumes[static_cast<std::size_t>(current)].session);
+    std::swap(current_session, volumes[static_cast<std::size_t>(current)].session);
 }
 
-const Session& Open_Volumes::Session_Of(int volume, const Session& in_hand) const {
-    return volume == current ? in_hand : volumes[static_cast<std::size_t>(volume)].session;
+const Session& Open_Volumes::Session_Of(int volume, const Session& current_session) const {
+    return volume == current ? current_session : volumes[static_cast<std::size_t>(volume)].session;
 }
 
-void Open_Volumes::Switch(int wanted, Session& in_hand) {
+void Open_Volumes::Switch(int wanted, Session& current_session) {
     if (wanted < 0 || wanted >= Nb() || wanted == current) {
         return;
     }
-    std::swap(in_hand, volumes[static_cast<std::size_t>(current)].session);
+    std::swap(current_session, volumes[static_cast<std::size_t>(current)].session);
     current = wanted;
-    std::swap(in_hand, volumes[static_cast<std::size_t>(current)].session);
+    std::swap(current_session, volumes[static_cast<std::size_t>(current)].session);
 }
 
-std::vector<int> Open_Volumes::Unsaved(const Session& in_hand) const {
+std::vector<int> Open_Volumes::Unsaved(const Session& current_session) const {
     std::vector<int> unsaved;
     for (int volume = 0; volume < Nb(); ++volume) {
-        if (Session_Of(volume, in_hand).Is_Unsaved()) {
+        if (Session_Of(volume, current_session).Is_Unsaved()) {
             unsaved.push_back(volume);
         }
     }

@@ -1,4 +1,4 @@
-/** All volumes that are open, each with the work on it; one of them is in hand. */
+/** All volumes that are open, each with the work on it; one of them is the current one. */
 #pragma once
 
 #include <cstdint>
@@ -33,36 +33,37 @@ struct Volume_View {
     std::string orientation;           ///< as Letters_Set takes it, chosen by the user; empty: not
 };
 
-/** Owns the sessions of the volumes that are not in hand; the one in hand is passed to every operation that needs it.
+/** Owns the sessions of the volumes but for the current one, whose session is passed to every operation that needs it.
  */
 class Open_Volumes {
   public:
     /** Takes over what was opened, at least one volume. All former volumes go, and what was done to them. The one
-     *  with most slices that is no scout comes into hand, at its middle, in the first window of its file.
+     *  with most slices that is no scout becomes the current one, at its middle, in the first window of its file.
      *  @param statistics of every volume @throw std::bad_alloc: no volume is open then */
-    void Take(volumes::Image_Folder&& folder, std::vector<volumes::Volume_Statistics>&& statistics, Session& in_hand);
-    void Clear(Session& in_hand);
+    void Take(volumes::Image_Folder&& folder, std::vector<volumes::Volume_Statistics>&& statistics,
+              Session& current_session);
+    void Clear(Session& current_session);
 
     int Nb() const { return static_cast<int>(volumes.size()); }
-    /** The volume in hand; -1 without volumes. */
+    /** The current volume; -1 without volumes. */
     int Current() const { return current; }
     const Volume_Facts& Facts(int volume) const { return volumes[static_cast<std::size_t>(volume)].facts; }
     const Volume_View& View(int volume) const { return volumes[static_cast<std::size_t>(volume)].view; }
     Volume_View& View(int volume) { return volumes[static_cast<std::size_t>(volume)].view; }
-    const Session& Session_Of(int volume, const Session& in_hand) const;
+    const Session& Session_Of(int volume, const Session& current_session) const;
     /** Files that the volumes came from. */
     const std::vector<std::filesystem::path>& Files() const { return files; }
 
-    /** Brings another volume into hand. Levels stay where they are in memory. */
-    void Switch(int wanted, Session& in_hand);
+    /** Makes another volume the current one. Levels stay where they are in memory. */
+    void Switch(int wanted, Session& current_session);
     /** Volumes with work that is not saved. */
-    std::vector<int> Unsaved(const Session& in_hand) const;
+    std::vector<int> Unsaved(const Session& current_session) const;
 
   private:
     struct Entry {
         Volume_Facts facts;
         Volume_View view;
-        Session session;  // without volume for the one in hand
+        Session session;  // without volume for the current one
     };
     std::vector<Entry> volumes;
     std::vector<std::filesystem::path> files;

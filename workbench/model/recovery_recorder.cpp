@@ -42,13 +42,13 @@ bool Recovery_Recorder::Copy(const Session& session, std::size_t& room) {
     return true;
 }
 
-std::optional<Recovery_Snapshot> Recovery_Recorder::Look(const Open_Volumes& volumes, const Session& in_hand,
+std::optional<Recovery_Snapshot> Recovery_Recorder::Look(const Open_Volumes& volumes, const Session& current_session,
                                                          const std::function<Label_Description()>& describe,
                                                          const std::vector<std::string>& opened) {
     std::map<std::uint64_t, std::uint64_t> now;
     std::vector<int> unsaved;
     for (int volume = 0; volume < volumes.Nb(); ++volume) {
-        const Session& session = volumes.Session_Of(volume, in_hand);
+        const Session& session = volumes.Session_Of(volume, current_session);
         if (session.Has_Unsaved_Work()) {
             now[session.Serial()] = session.Change_Nb();
             unsaved.push_back(volume);
@@ -61,7 +61,7 @@ std::optional<Recovery_Snapshot> Recovery_Recorder::Look(const Open_Volumes& vol
     }
     std::size_t room = RECOVERY_COPY_MOST;
     for (const int volume : unsaved) {
-        is_unfinished = !Copy(volumes.Session_Of(volume, in_hand), room) || is_unfinished;
+        is_unfinished = !Copy(volumes.Session_Of(volume, current_session), room) || is_unfinished;
     }
     if (is_unfinished) {
         return std::nullopt;
@@ -72,7 +72,7 @@ std::optional<Recovery_Snapshot> Recovery_Recorder::Look(const Open_Volumes& vol
     snapshot.opened = opened;
     const Label_Description description = now.empty() ? Label_Description{} : describe();
     for (const int volume : unsaved) {
-        const Session& session = volumes.Session_Of(volume, in_hand);
+        const Session& session = volumes.Session_Of(volume, current_session);
         Recovery_Part& part = snapshot.parts.emplace_back();
         part.serial = session.Serial();
         part.order = session.Order();
@@ -103,10 +103,10 @@ std::optional<Recovery_Snapshot> Recovery_Recorder::Look(const Open_Volumes& vol
     return snapshot;
 }
 
-int Recovery_Volume_Find(const Open_Volumes& volumes, const Session& in_hand, const Recovery_Volume& wanted) {
+int Recovery_Volume_Find(const Open_Volumes& volumes, const Session& current_session, const Recovery_Volume& wanted) {
     int found = -1;
     for (int volume = 0; volume < volumes.Nb(); ++volume) {
-        const Session& session = volumes.Session_Of(volume, in_hand);
+        const Session& session = volumes.Session_Of(volume, current_session);
         if (Path_To_Utf8(session.Path()) != wanted.image || volumes.Facts(volume).title != wanted.title ||
             Grid_Compare(Volume_Grid_Of(session.Image()), wanted.grid).relation != Grid_Relation::SAME) {
             continue;

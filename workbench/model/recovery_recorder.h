@@ -30,7 +30,7 @@ class Recovery_Recorder {
     /** @param describe names, colours and thresholds as they are now; the places of markers are put in here
      *  @param opened paths that the volumes came from, UTF-8
      *  @return what is new since the last look that gave something; no value: nothing, or not all of it yet */
-    std::optional<Recovery_Snapshot> Look(const Open_Volumes& volumes, const Session& in_hand,
+    std::optional<Recovery_Snapshot> Look(const Open_Volumes& volumes, const Session& current_session,
                                           const std::function<Label_Description()>& describe,
                                           const std::vector<std::string>& opened);
     /** The last look did not copy all that is new: look again soon. */
@@ -53,7 +53,7 @@ class Recovery_Recorder {
 };
 
 /** The open volume that a piece of work belongs to; -1: none. */
-int Recovery_Volume_Find(const Open_Volumes& volumes, const Session& in_hand, const Recovery_Volume& wanted);
+int Recovery_Volume_Find(const Open_Volumes& volumes, const Session& current_session, const Recovery_Volume& wanted);
 
 /** UTF-8 of a path; empty when it cannot be expressed. */
 std::string Path_To_Utf8(const std::filesystem::path& path);

@@ -57,7 +57,7 @@ struct Stored_Geometry {
     Affine srow{};
 };
 
-/** Voxels are kept in file order: x fastest, then y, z, t.
+/** Voxels are kept x fastest, then y, z, t.
  *
  *  Display: NIfTI's axes run to the patient's right (x), front (y) and top (z) when the affine's diagonal is positive,
  * so an axial frame stands upright when the picture's row r, counted from the top, shows y = ny - 1 - r. Where the

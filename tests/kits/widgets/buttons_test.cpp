@@ -50,7 +50,7 @@ class Buttons_Test : public testing::Test {
 
 }  // namespace
 
-// ------------------------------------------------------------------------------------------------------------- images
+// ---------------- images
 
 TEST(ButtonImages, backgrounds_are_four_distinct_colours_and_never_black) {
     for (int red = 0; red <= 255; red += 15) {
@@ -142,7 +142,7 @@ TEST(ButtonLayout, state_follows_the_checked_mark_directly) {
     EXPECT_EQ(reinterpret_cast<const char*>(&button.state) - reinterpret_cast<const char*>(&button.checked), 2);
 }
 
-// ------------------------------------------------------------------------------------------------------------ caption
+// ---------------- caption
 
 TEST(ButtonCaption, is_cut_at_39_characters) {
     Buttons button;
@@ -201,7 +201,7 @@ TEST(ButtonCaption, stays_cut_in_copies) {
     EXPECT_EQ(std::string(copy.name).size(), 39U);
 }
 
-// ------------------------------------------------------------------------------------------------------------ drawing
+// ---------------- drawing
 
 TEST_F(Buttons_Test, paints_its_rectangle_and_nothing_else) {
     const Window_Picture picture = window.Read();
@@ -379,7 +379,7 @@ TEST_F(Buttons_Test, smallest_buttons_draw_without_harm) {
     EXPECT_EQ(Draws(), 121U);
 }
 
-// ------------------------------------------------------------------------------------------------------------- events
+// ---------------- events
 
 TEST_F(Buttons_Test, hit_test_covers_exactly_the_painted_pixels) {
     const Window_Picture picture = window.Read();

@@ -50,7 +50,7 @@ TEST(Input, the_systems_clipboard_keeps_a_text_and_cuts_it_to_the_room) {
     EXPECT_STREQ(small, "Left");
 }
 
-TEST(Input, key_in_hand) {
+TEST(Input, key_being_handled) {
     Key_In_Hand_Set(KEY_HOME);
     EXPECT_EQ(Key_In_Hand(), KEY_HOME);
     Key_In_Hand_Set(0);

@@ -199,7 +199,7 @@ TEST_P(Selects_Test, wheel_moves_clamps_and_repaints) {
     EXPECT_EQ(3U, Widget_Counters_Get().adjusts);
 }
 
-TEST_P(Selects_Test, scroll_by_zero_applies_the_key_in_hand) {
+TEST_P(Selects_Test, scroll_by_zero_applies_the_key_being_handled) {
     Fill(list, 60);
     const auto after = [this](int key, int from) {
         list.current = static_cast<short>(from);
@@ -224,7 +224,7 @@ TEST_P(Selects_Test, scroll_by_zero_applies_the_key_in_hand) {
     EXPECT_EQ(31, after(KEY_RIGHT | 0x10000, 30));  // bits above the key code are the host's
 }
 
-TEST_P(Selects_Test, scroll_by_zero_without_a_key_in_hand_applies_the_held_key) {
+TEST_P(Selects_Test, scroll_by_zero_without_a_key_being_handled_applies_the_held_key) {
     held_key = KEY_END - KEY_SPECIAL;
     EXPECT_EQ(4, list.Scroll(0));
     held_key = KEY_LEFT - KEY_SPECIAL;

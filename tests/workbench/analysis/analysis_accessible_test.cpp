@@ -1,4 +1,4 @@
-// The window of the peak analysis, for those who hear the screen.
+// The window of the peak analysis, for screen readers.
 #include "base/gdi_handles.h"
 
 #include <gtest/gtest.h>

@@ -112,8 +112,7 @@ class Class_History_Test : public testing::Test {
     Class_History history;
 };
 
-// ------------------------------------------------------------------------------------------------------------------
-// undo
+// ---------------- undo
 
 TEST_F(Class_History_Test, changes_of_all_trees_are_taken_back_and_done_again_in_order) {
     EXPECT_EQ(history.Open(trees.images[0].get(), data), "");
@@ -158,8 +157,7 @@ TEST_F(Class_History_Test, a_deleted_class_comes_back_with_its_children) {
     EXPECT_EQ(head->Parent_Get_Pt(), nullptr);
 }
 
-// ------------------------------------------------------------------------------------------------------------------
-// ids
+// ---------------- ids
 
 TEST_F(Class_History_Test, classes_are_known_by_the_names_on_the_way_to_them) {
     Trees::Class(trees.structures, trees.Structure("Head"), "Skull");
@@ -202,8 +200,7 @@ TEST_F(Class_History_Test, names_are_written_in_utf_8_whatever_the_objects_have)
                  "t");
 }
 
-// ------------------------------------------------------------------------------------------------------------------
-// files
+// ---------------- files
 
 TEST_F(Class_History_Test, the_next_start_does_the_changes_again_and_can_take_them_back) {
     history.Open(trees.images[0].get(), data);
@@ -315,8 +312,7 @@ TEST_F(Class_History_Test, a_folder_that_takes_no_file_is_told_and_loses_nothing
     EXPECT_FALSE(history.Is_Unsaved());
 }
 
-// ------------------------------------------------------------------------------------------------------------------
-// journals that cannot be done
+// ---------------- journals that cannot be done
 
 TEST_F(Class_History_Test, a_change_that_the_objects_refuse_is_told_and_the_journal_tells_what_is_there) {
     Put("class journal 1\ndone 2\n"
