@@ -116,6 +116,9 @@ bool Application::Start(int show) {
     if (!options.report.empty() && !report.Open(options.report)) {
         Warn("The report file " + options.report + " cannot be written.");
     }
+    if (report.Is_Open()) {
+        report_questions.Begin(options.report + ".ask", [this] { Report_State(false); });
+    }
     Settings_Apply();
     Accessible_Names();
     Title_Refresh();
@@ -400,98 +403,6 @@ void Application::Wheel(POINT screen, int delta, bool is_control) {
     } else if (under == trace.Handle()) {
         trace.Wheel(delta);
     }
-}
-
-void Application::Report_Place(const char* name, HWND of_window) {
-    RECT place = {};
-    ::GetWindowRect(of_window, &place);
-    const bool is_shown = ::IsWindowVisible(of_window) != 0;
-    report.Line("place " + std::string(name) + " " + std::to_string(place.left) + " " + std::to_string(place.top) +
-                " " + std::to_string(place.right - place.left) + " " + std::to_string(place.bottom - place.top) +
-                (is_shown ? " shown" : " hidden"));
-}
-
-void Application::Report_State() {
-    const auto line = [this](const std::string& name, long long value) {
-        report.Line(name + " " + std::to_string(value));
-    };
-    report.Line("state_begin " + std::to_string(++report_nb));
-    Report_Place("window", window.Handle());
-    Report_Place("image", image.Handle());
-    Report_Place("tag", tag_host->Handle());
-    Report_Place("brush", brush_host->Handle());
-    Report_Place("frames", propagate_host->Handle());
-    Report_Place("marker", marker_host->Handle());
-    Report_Place("histogram", histogram_host->Handle());
-    Report_Place("banner", banner.Handle());
-    Report_Place("trace", trace.Handle());
-    Report_Place("database", database.Handle());
-    Report_Place("database_panel", database.Panel_Window());
-    const View_Layout view = image.Layout();
-    const RECT slider = image.Slider_Box();
-    const Panel_Dimensions sizes = variables.Dimensions();
-    report.Line("slice_place " + std::to_string(view.To_Screen_X(0)) + " " + std::to_string(view.To_Screen_Y(0)) + " " +
-                std::to_string(view.scale_x) + " " + std::to_string(view.scale_y));
-    line("slider_left", slider.left);
-    line("row_height", sizes.border + sizes.button);
-    line("space", sizes.space);
-    line("contract_reports", Contract_Report_Nb());
-    line("focus", focus_pane);
-    line("cursor_x", image.Is_Cursor() ? image.Cursor_X() : -1);
-    line("cursor_y", image.Is_Cursor() ? image.Cursor_Y() : -1);
-    line("alike", alike_nb);
-    line("light", look.Theme() == Library_Theme::Light ? 1 : 0);
-    line("scale_x100", std::lround(look.Scale() * 100.0F));
-    line("folded", tool_area.Folded());
-    line("histogram_scale_x1000", std::lround(histogram_panel.scale * 1000.0F));
-    line("recent_nb", static_cast<long long>(settings.recent.size()));
-    line("tag_nb", variables.Tag_Nb());
-    line("tag_cur", variables.Tag_Cur());
-    const auto cur = static_cast<std::size_t>(variables.Tag_Cur());
-    line("tag_enable", variables.Tag_Enable()[cur]);
-    line("tag_select", variables.Tag_Select()[cur]);
-    line("tag_lock", variables.Tag_Lock()[cur]);
-    line("threshold_mode", is_threshold_mode ? 1 : 0);
-    line("threshold_min", std::lround(variables.Threshold_Min()[cur]));
-    line("threshold_max", std::lround(variables.Threshold_Max()[cur]));
-    report.Line("voxel " + Utf8_Of_Wide(status_line.Voxel()));
-    line("histogram_exponent", panel_scale.exponent);
-    line("tag_color", variables.Tag_Color(variables.Tag_Cur()));
-    line("wheel_turned", settings.is_wheel_turned ? 1 : 0);
-    report.Line("tag_label " + variables.Tag_Name(variables.Tag_Cur()));
-    line("brush_cur", variables.Brush_Cur());
-    line("brush_pixels", static_cast<long long>(variables.Brush().Pixel_Nb()));
-    line("volume_nb", volumes.Nb());
-    line("volume_cur", volumes.Current());
-    report.Line("volume_title " + (session.Has_Volume() ? volumes.Facts(volumes.Current()).title : ""));
-    line("not_opened", std::ranges::count(not_opened, '\n'));
-    line("slice", slice);
-    line("slice_nb", session.Slice_Nb());
-    line("window_low_x100", std::lround(grey_window.low * 100.0F));
-    line("window_high_x100", std::lround(grey_window.high * 100.0F));
-    line("undo_nb", static_cast<long long>(session.Journal().Undo_Nb()));
-    line("redo_nb", static_cast<long long>(session.Journal().Redo_Nb()));
-    line("unsaved", session.Is_Unsaved() ? 1 : 0);
-    Report_Database();
-    Report_Peaks();
-    line("marker_cur", variables.Marker_Cur());
-    report.Line("marker_label " + variables.Marker_Name(variables.Marker_Cur()));
-    for (int marker = 0; marker < MARKER_NB; ++marker) {
-        const Marker place = session.Markers().Get(marker);
-        if (place.is_placed) {
-            report.Line("marker " + std::to_string(marker) + " " + std::to_string(place.x) + " " +
-                        std::to_string(place.y) + " " + std::to_string(place.slice));
-        }
-    }
-    const auto counts = session.Labels().Counts();
-    for (std::size_t tag = 1; tag < counts.size(); ++tag) {
-        if (counts[tag] != 0) {
-            line("count " + std::to_string(tag), static_cast<long long>(counts[tag]));
-        }
-    }
-    line("slice_pixels", static_cast<long long>(std::ranges::count_if(session.Labels().Slice(slice),
-                                                                      [](std::uint8_t tag) { return tag != 0; })));
-    report.Line("state_end " + std::to_string(report_nb));
 }
 
 }  // namespace workbench

@@ -39,6 +39,7 @@
 #include "workbench/model/settings.h"
 #include "workbench/model/update_delivery.h"
 #include "workbench/report.h"
+#include "workbench/report_questions.h"
 #include "workbench/status_line.h"
 #include "workbench/tool_area.h"
 #include "workbench/trace_view.h"
@@ -47,6 +48,8 @@
 #include "workbench/warning_banner.h"
 
 namespace workbench {
+
+class State_Members;
 
 /** Lives from start to end of the program; there is one. */
 class Application : public Image_User, public Main_Window_User {
@@ -101,9 +104,16 @@ class Application : public Image_User, public Main_Window_User {
     void Notes_Refresh();
     void Title_Refresh();
     void Look_Changed();
-    void Report_State();
-    void Report_Place(const char* name, HWND of_window);
-    void Report_Database();
+
+    // application_report.cpp
+    /** @param with_lines also as lines of their own */
+    void Report_State(bool with_lines);
+    void Report_Places(State_Members& out) const;
+    void Report_View(State_Members& out) const;
+    void Report_Tags(State_Members& out) const;
+    void Report_Volume(State_Members& out) const;
+    void Report_Database(State_Members& out);
+    void Report_Histogram(State_Members& out);
 
     // application_commands.cpp
     void Execute_Edit(Command command);
@@ -259,7 +269,6 @@ class Application : public Image_User, public Main_Window_User {
     void Histogram_Component_Next();
     void Histogram_Tag_Refresh();
     void Histograms_Refresh();
-    void Report_Peaks();
     std::wstring Histogram_Text() const;
     /** Magnifies so that one overfull bin, as the air around a head makes, does not flatten the rest; not when the user
      *  has chosen a magnification. */
@@ -322,6 +331,7 @@ class Application : public Image_User, public Main_Window_User {
     Command_Line options;
     Look look;
     Report report;
+    Report_Questions report_questions;
     mutable Host_Variables variables;
     Session session;  // of the current volume
     Open_Volumes volumes;

@@ -200,7 +200,7 @@ void Application::Execute_View(Command command) {
         case Command::CLOSE_BANNER:
             return banner.Close();
         case Command::REPORT_STATE:
-            return Report_State();
+            return Report_State(true);
         default:
             return;
     }

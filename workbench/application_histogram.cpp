@@ -328,14 +328,4 @@ void Application::Bands_Take(const std::vector<Peak_Row>& peaks) {
                       : std::to_wstring(count) + L" TAG bands were set from the peaks");
 }
 
-void Application::Report_Peaks() {
-    report.Line(std::string("histogram_smoothed ") + (is_histogram_smoothed ? "1" : "0"));
-    report.Line("histogram_source " + Histogram_Source());
-    report.Line("background " + (background ? Number_Text(*background, number_digits) : "none"));
-    report.Line(std::string("peaks_stale ") + (analysis.Is_Stale() ? "1" : "0"));
-    for (const Peak_Row& peak : analysis.Table().rows) {
-        report.Line("peak " + Peak_Row_Text(peak, ' '));
-    }
-}
-
 }  // namespace workbench
