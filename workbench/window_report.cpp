@@ -9,7 +9,6 @@
 #include "kits/widgets/shown_widgets.h"
 #include "workbench/accessible.h"
 #include "workbench/accessible_snapshot.h"
-#include "workbench/enlarged_window.h"
 #include "workbench/model/json_text.h"
 #include "workbench/wide_text.h"
 
@@ -63,8 +62,8 @@ void Parts_Write(Json_Text& out, const std::vector<Accessible_Part>& parts) {
     out.List_End();
 }
 
-/** The enlarged histogram is a window of the panels: its widgets are noted from the first question on. */
-void Enlarged_Parts_Write(Json_Text& out, HWND window) {
+/** Windows of the panels themselves: their widgets are noted from the first question on. */
+void Panel_Parts_Write(Json_Text& out, HWND window) {
     if (Window_Widget_Nb(window) == 0) {
         Window_Widgets_Watch(window, true);
         ::RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
@@ -74,6 +73,12 @@ void Enlarged_Parts_Write(Json_Text& out, HWND window) {
         ::MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&part.place), 2);
     }
     Parts_Write(out, parts);
+}
+
+/** Windows and dialogs that the panels open themselves are painted by their library and have no controls. */
+bool Is_Of_Panels(HWND window) {
+    return ::GetAncestor(window, GA_ROOT) == window && ::GetWindow(window, GW_CHILD) == nullptr &&
+           Class_Of(window) != "#32768";  // a menu
 }
 
 void Window_Begin(Json_Text& out, HWND window) {
@@ -87,8 +92,8 @@ void Window_Begin(Json_Text& out, HWND window) {
         out.Text("name", Utf8_Of_Wide(told->name));
         out.Text("value", Utf8_Of_Wide(told->value));
         Parts_Write(out, told->parts);
-    } else if (Is_Enlarged_Window(window)) {
-        Enlarged_Parts_Write(out, window);
+    } else if (Is_Of_Panels(window)) {
+        Panel_Parts_Write(out, window);
     }
 }
 
