@@ -1,0 +1,135 @@
+"""Folders of DICOM files: the folder of a package, in which every kind of file lies that cannot be shown, too."""
+import os
+
+from driver.scenario import Skipped, package_file, scenario
+from driver.state import Box
+from driver.workbench import windows_path
+from scenarios.database import click_row, show
+
+
+def opened(run, with_head=True):
+    """A workbench with a small image, and the folder."""
+    folder = package_file("python3-pydicom", "/dicomdirtests")
+    if folder is None or not os.path.isdir(folder):
+        raise Skipped("the package python3-pydicom is not there")
+    app = run.start(*([run.image()] if with_head else []))
+    app.key("ctrl+d")
+    app.window("Open folder")
+    app.type(windows_path(folder))
+    run.shot("dicom_dialog")
+    app.answer_key("Open folder", "Return")
+    app.wait_said("status [0-9]* volumes of")
+    if not app.state().is_shown("database"):
+        app.key("F3")
+    app.wait("the database", lambda s: s.is_shown("database"))
+    return app
+
+
+@scenario()
+def a_folder_is_stacked_and_shown(run):
+    """Its slices are stacked, its file's window is used; what was left out is told with its reason."""
+    app = opened(run)
+    app.expect("a folder of DICOM files is opened", lambda s: s.volume_nb >= 20)
+    app.expect("its slices are stacked", slice_nb=5)
+    app.expect("its file's window is used", window_low_x100=-16000, window_high_x100=23900)
+    for key, low, high, what in (("2", 0, 7900, "the brain's"), ("4", -13500 // 100, 14900, "the lung's")):
+        app.key("alt+i")
+        app.wait("a menu", lambda s: s.is_in_menu)
+        app.key(key)
+        app.expect(f"a CT can be looked at through {what} window", window_low_x100=low, window_high_x100=high)
+    app.key("alt+i")
+    app.wait("a menu", lambda s: s.is_in_menu)
+    app.key("1")
+    app.expect("and through its file's again", window_low_x100=-16000, window_high_x100=23900)
+    run.same("what was left out is told", len(app.said("warning .* files were not opened")), 1)
+    run.check("every file left out has its reason", len(app.said("problem .* holds no image")) >= 40)
+    app.menu("Files not opened")
+    app.window("Files not opened")
+    run.check("the list of files left out opens", True)
+    run.shot("dicom_left_out")
+    app.close("Files not opened")
+    app.expect("the workbench keeps its contract with folders too", contract_reports=0)
+    run.same("it closes after a folder with status 0", app.end(), 0)
+
+
+def opened_branch(app, name):
+    """Opens a branch of the tree; returns the name of its first row below."""
+    state = app.wait(f"the row {name}", lambda s: named(s, name))
+    click_row(app, named(state, name), is_lead=True)
+    state = app.wait(f"a row below {name}", lambda s: below(s, name))
+    return below(state, name)
+
+
+def named(state, name):
+    """The whole text of the row of that name."""
+    parts = state.item("Tree")["parts"]
+    return next((part["name"] for part in parts if part["level"] and part["name"].endswith(name)), None)
+
+
+def below(state, name):
+    parts = [part for part in state.item("Tree")["parts"] if part["level"]]
+    for part, following in zip(parts, parts[1:]):
+        if part["name"].endswith(name) and following["level"] > part["level"]:
+            return following
+    return None
+
+
+def click_part(app, part):
+    app.press_at(app.state().box("database_panel").left + 2 * app.last.space + 20 * (part["level"] - 1) + 70,
+                 Box(part["place"]).point()[1])
+
+
+@scenario()
+def files_of_a_folder_are_checked(run):
+    """A click on a file's frame checks it, shows it and makes the histogram of it, also of another series."""
+    app = opened(run)
+    state = app.state()
+    series, every = state.volume_title, state.histogram_pixels
+    show(app, "Files")
+    click_part(app, opened_branch(app, "2392"))
+    app.expect("a click on a file's frame checks it", db_checked=1)
+    app.expect("the histogram is made of that frame", histogram_pixels=every // 5)
+    app.expect("the image goes to that frame", volume_title=series, slice=3)
+    click_part(app, opened_branch(app, "6154"))
+    app.expect("a frame of another series brings that series", volume_title="CR 1: Cervical LAT")
+    app.expect("the histogram follows to the other series", histogram_pixels=256)
+    run.shot("dicom_files", " - Workbench")
+
+
+@scenario()
+def series_are_checked_in_the_class_view(run):
+    """Scouts and series have their names; a click on a series checks its frames; Ctrl+N and Ctrl+P go through them."""
+    app = opened(run)
+    state = app.state()
+    series, every = state.volume_title, state.histogram_pixels
+    state = show(app, "2D classes")
+    app.expect("the class view names scouts", lambda s: s.row("CT 4: Scout")["title"] == "Scout")
+    app.wheel(-1, app.find("Tree").point())
+    scout = app.wait("the scout", lambda s: below(s, "CT 4: Scout"))
+    click_part(app, below(scout, "CT 4: Scout"))
+    app.expect("a click in the class view brings the scout", volume_title="CT 4: Scout")
+    click_row(app, named(app.state(), series))
+    app.expect("a click on a series checks its frames", db_checked=5)
+    app.expect("and shows the series", volume_title=series)
+    app.expect("the histogram is that of the series", histogram_pixels=every)
+    run.shot("dicom_classes", " - Workbench")
+    before = app.state().volume_cur
+    app.key("ctrl+n")
+    app.expect("Ctrl+N goes to the next series", volume_cur=before + 1)
+    app.expect("its frames are the checked ones", lambda s: s.db_checked == s.slice_nb)
+    app.key("ctrl+p")
+    app.expect("Ctrl+P goes back", volume_title=series)
+
+
+@scenario()
+def every_series_has_work_of_its_own(run):
+    """Painting on one leaves the next alone; undo comes back with a series."""
+    app = opened(run)
+    app.press_at(*app.state().box("image").point())
+    app.expect("a series can be painted on", unsaved=1)
+    app.key("ctrl+n")
+    app.expect("the next series has no such work", unsaved=0)
+    app.key("ctrl+p")
+    app.expect("the work is that of its series", unsaved=1)
+    app.key("ctrl+z")
+    app.expect("its own undo comes back with a series", unsaved=0)
