@@ -197,7 +197,9 @@ void Application::Report_Histogram(State_Members& out) {
                                                     record->counts, record->counts + record->nb_bins, 0ULL))
                                               : 0);
     HMENU menu = ::GetMenu(window.Handle());
-    Menu_Refresh(menu);  // as when it opens
+    for (int at = 0; at < ::GetMenuItemCount(menu) && !Is_In_Menu(); ++at) {  // an open menu's entries must not change
+        Menu_Refresh(::GetSubMenu(menu, at));                                 // as when it opens
+    }
     std::string marked;
     for (const auto& [command, name] : {std::pair{Command::HISTOGRAM_ALL, "all"},
                                         {Command::HISTOGRAM_SHOWN, "shown"},

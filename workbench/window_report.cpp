@@ -151,11 +151,14 @@ void Windows_Write(Json_Text& out) {
     out.List_End();
 }
 
-void Menus_Write(Json_Text& out, HMENU menu) {
+bool Is_In_Menu() {
     GUITHREADINFO about = {};
     about.cbSize = sizeof about;
-    ::GetGUIThreadInfo(::GetCurrentThreadId(), &about);
-    out.Flag("is_in_menu", (about.flags & GUI_INMENUMODE) != 0);
+    return ::GetGUIThreadInfo(::GetCurrentThreadId(), &about) != 0 && (about.flags & GUI_INMENUMODE) != 0;
+}
+
+void Menus_Write(Json_Text& out, HMENU menu) {
+    out.Flag("is_in_menu", Is_In_Menu());
     out.Object_Begin("menus");
     if (menu != nullptr) {
         Entries_Write(out, menu);

@@ -12,6 +12,8 @@ class Json_Text;
  *  client area ("place": left, top, width, height on the screen), and "children" likewise: controls of the system with
  *  their texts, windows of the application with the parts that they tell (see accessible.h). */
 void Windows_Write(Json_Text& out);
+/** A menu of this thread is open. */
+bool Is_In_Menu();
 /** The members "menus", as they are marked now, and "is_in_menu". @param menu null: there is none */
 void Menus_Write(Json_Text& out, HMENU menu);
 /** A member of that name: a place on the screen, and whether it can be seen. */

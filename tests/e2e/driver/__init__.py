@@ -1,1 +1,1 @@
-"""Drives the workbench as a user does, by real mouse and keyboard input on a display of its own, and waits on its state."""
+"""Drives the workbench as a user does, by real mouse and keyboard input, and waits on its state."""

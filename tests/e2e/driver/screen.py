@@ -144,5 +144,6 @@ class Screen:
 
     def sum(self, place):
         """The same for the same picture."""
-        raw = subprocess.run(["import", "-window", "root", *self._crop(place), "rgb:-"], capture_output=True, check=True)
+        raw = subprocess.run(["import", "-window", "root", *self._crop(place), "rgb:-"], capture_output=True,
+                             check=True)
         return hashlib.sha256(raw.stdout).hexdigest()

@@ -85,7 +85,8 @@ class State:
         """The letters that lead to a command in the menus."""
         for menu in self.menus.get("entries", []):
             for entry in menu.get("entries", []):
-                if without_mnemonic(entry["text"]) == text or without_mnemonic(entry["text"]).startswith((text + " ", text + ":")):
+                words = without_mnemonic(entry["text"])
+                if words == text or words.startswith((text + " ", text + ":")):
                     return [item["text"].partition("&")[2][:1].lower() for item in (menu, entry)]
         raise Failure(f"no menu has the command '{text}'")
 
@@ -93,5 +94,6 @@ class State:
         """The values on one line, without windows and places."""
         left_out = ("windows", "menus", "db_rows", "places")
         values = ", ".join(f"{key} {value}" for key, value in self.report.items() if key not in left_out)
-        titles = ", ".join(repr(window["title"]) + (" (active)" if window["is_active"] else "") for window in self.windows)
+        titles = ", ".join(repr(window["title"]) + (" (active)" if window["is_active"] else "")
+                           for window in self.windows)
         return f"windows: {titles}; {values}"[:1500]

@@ -7,7 +7,8 @@ import time
 
 from driver.state import Box, Failure, State, without_mnemonic
 
-PATIENCE = float(os.environ.get("E2E_PATIENCE", 60))  # seconds for what must come; nothing waits that long when all is well
+# Seconds for what must come; nothing waits that long when all is well.
+PATIENCE = float(os.environ.get("E2E_PATIENCE", 60))
 START = 2 * PATIENCE  # seconds for Wine and the workbench to start
 LOOK_EVERY = 0.004
 FRAME = 60  # pixels: a window's frame is smaller

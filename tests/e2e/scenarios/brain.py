@@ -100,8 +100,8 @@ def histogram_settings_go_back(run):
     app.menu("Smoothed pixels (3 × 3)")
     ask(app, "Most bins", "Bins of the histogram", "4096")
     app.menu("Histogram of all frames")
-    app.expect("the histogram counts the stored levels again", histogram_smoothed=0, histogram_bins=before.histogram_bins,
-               histogram_pixels=before.histogram_pixels)
+    app.expect("the histogram counts the stored levels again", histogram_smoothed=0,
+               histogram_bins=before.histogram_bins, histogram_pixels=before.histogram_pixels)
 
 
 @scenario()
@@ -132,9 +132,9 @@ def the_head_without_the_air_around_it(run):
     def shares(picture):
         app.front()
         ask(app, "Derivative method", "Derivative method", "3")
-        app.window("Peak analysis")
         state = app.expect("three classes", lambda s: len(s.peaks) == 3 and not s.peaks_stale)
         box = state.box("histogram")
+        app.front("Peak analysis")
         app.place("Peak analysis", box.left + box.width + 12, box.top + 24, 1080, box.height - 24)
         run.screen.picture(run.folder / picture, (box.left, box.top - 2, box.width + 1100, box.height + 4))
         return [peak["share"] for peak in state.peaks]

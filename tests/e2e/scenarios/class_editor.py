@@ -108,7 +108,8 @@ def classes_are_moved_and_deleted(run):
     app.expect("its children stay", lambda s: s.row("Lesion 1"))
     hover(app, "Anatomy")
     app.key("Delete")
-    app.expect("the root cannot be deleted", lambda s: s.db_rows[0]["name"] == "Anatomy" and s.window("Class tree") is None)
+    app.expect("the root cannot be deleted",
+               lambda s: s.db_rows[0]["name"] == "Anatomy" and s.window("Class tree") is None)
     undone = app.state().undo_nb
     app.key("ctrl+z")
     app.expect("Ctrl+Z brings the class back", lambda s: (s.level("Lesions"), s.level("Lesion 1")) == (2, 3))

@@ -158,4 +158,5 @@ def the_enlarged_histogram_shows_and_exports_peaks(run):
     app.close(TITLE)
     app.menu("Verify export")
     app.choose_file("Verify export", export)
-    run.same("the enlarged window's file, with peaks, agrees", app.wait_said("export_differences"), "export_differences 0")
+    said = app.wait_said("export_differences")
+    run.same("the enlarged window's file, with peaks, agrees", said, "export_differences 0")

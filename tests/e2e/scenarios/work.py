@@ -48,7 +48,7 @@ def labels_of_another_order_are_put_right(run):
 
 @scenario()
 def labels_that_lie_elsewhere_are_asked_about(run):
-    """Escape changes nothing; by index every voxel stays where it is in the file; resampled where it is in the patient."""
+    """Escape changes nothing; by index every voxel stays where it is in the file, resampled in the patient."""
     app = run.start(run.image())
     load(app, run.box_labels("same"))
     app.expect("labels are loaded", lambda s: s.count(1) == BOX)
@@ -216,7 +216,7 @@ def wait_kept(app, run):
 
 
 def worked_and_killed(run):
-    """An image whose labels were saved, then a stroke and a marker, killed when they are kept. Returns the last state."""
+    """Saved labels, then a stroke and a marker; killed when these are kept. Returns the last state."""
     app, _ = with_own_labels(run)
     app.key("m")
     app.click_image(40, 40)
