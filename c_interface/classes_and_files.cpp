@@ -156,11 +156,7 @@ kit_status kit_class_create(uint32_t dimension, const char* title, const char* n
 }
 
 kit_status kit_class_destroy(kit_handle handle) {
-    return Call("kit_class_destroy", handle, [&] {
-        Object_Of<Class>(handle);
-        Session& session = Session::The();
-        session.Give_Back(session.handles.Take(handle));
-    });
+    return Destroy<Class>("kit_class_destroy", handle);
 }
 
 kit_status kit_class_move(kit_handle handle, kit_handle parent, int32_t position) {
@@ -227,11 +223,7 @@ kit_status kit_file_create(const char* path, kit_handle volume, kit_handle* file
 }
 
 kit_status kit_file_destroy(kit_handle file) {
-    return Call("kit_file_destroy", file, [&] {
-        Object_Of<File>(file);
-        Session& session = Session::The();
-        session.Give_Back(session.handles.Take(file));
-    });
+    return Destroy<File>("kit_file_destroy", file);
 }
 
 kit_status kit_file_access(kit_handle file, int32_t slice, int32_t allowed) {

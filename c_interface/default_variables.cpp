@@ -31,7 +31,7 @@ constexpr Dimension dimensions[] = {
 struct Masks {
     std::vector<unsigned char> bytes;
     std::vector<unsigned char*> rows;
-    int side = 0;
+    int radius = 0;
 };
 Masks masks;
 
@@ -151,8 +151,8 @@ void Variables_End() {
 
 void Brush_Masks_Make(int radius) {
     Masks made;
-    made.side = 2 * radius + 1;
-    const auto side = static_cast<std::size_t>(made.side);
+    made.radius = radius;
+    const auto side = static_cast<std::size_t>(2 * radius + 1);
     made.bytes.assign(side * side * BRUSH_ROOM, 0);
     made.rows.resize(side * BRUSH_ROOM);
     for (std::size_t row = 0; row < made.rows.size(); ++row) {
@@ -169,14 +169,8 @@ void Brush_Masks_Make(int radius) {
     masks = std::move(made);
 }
 
-int Brush_Mask_Side() {
-    return masks.side;
-}
-
-const unsigned char* Brush_Mask_Bytes(int brush, int* side) {
-    *side = masks.side;
-    const auto mask_side = static_cast<std::size_t>(masks.side);
-    return masks.bytes.data() + static_cast<std::size_t>(brush) * mask_side * mask_side;
+int Brush_Mask_Radius() {
+    return masks.radius;
 }
 
 bool Is_Kept_By_Tables(const std::string& name) {

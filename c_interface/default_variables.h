@@ -18,10 +18,8 @@ void Variables_Define(float scale, const std::string& icons);
 void Variables_End();
 /** Gives the masks of all brushes that half-width. Throws bad_alloc; then nothing has changed. */
 void Brush_Masks_Make(int radius);
-/** Width and height of the masks. */
-int Brush_Mask_Side();
-/** Row-wise bytes of a brush's mask; side x side. */
-const unsigned char* Brush_Mask_Bytes(int brush, int* side);
+/** Half-width of the masks, the middle not counted. */
+int Brush_Mask_Radius();
 
 /** True when panels trust a relation of this variable to another one, so that its functions alone may write it. */
 bool Is_Kept_By_Tables(const std::string& name);

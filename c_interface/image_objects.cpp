@@ -69,6 +69,21 @@ Volume::~Volume() {
     }
 }
 
+void Volume::Histogram_Make(std::size_t slice) {
+    Level_Frame& frame = *data[slice];
+    const std::int32_t* const all = frame.levels;
+    const bool is_masked = !masks[slice].empty();
+    if (is_masked) {
+        // The kit takes the first plane where there is a mask: for the moment that is the shown one.
+        frame.levels = all + static_cast<std::size_t>(time) * frame.width * frame.height;
+    }
+    const int made = Frame_Histogram_Build(&frame, grid, is_masked ? masks[slice].data() : nullptr);
+    frame.levels = all;
+    if (made == 0) {
+        throw std::bad_alloc();
+    }
+}
+
 Image_World& World() {
     return *world;
 }

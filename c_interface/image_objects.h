@@ -10,15 +10,22 @@
 
 namespace c_interface {
 
-/** A volume with an object for each slice. */
+/** A volume with an object for each slice. A slice's levels at all times follow each other. */
 class Volume : public Object {
   public:
     static constexpr Kind KIND = Kind::Volume;
     Volume() : Object(KIND) {}
     ~Volume() override;
 
+    /** Counts a slice anew: all its times, or where it has a mask the shown one. Throws bad_alloc. */
+    void Histogram_Make(std::size_t slice);
+
     std::vector<std::int32_t> levels;
-    std::string descriptor;  // in the code page
+    int times = 1;
+    int time = 0;  // the one that is shown
+    Histo_Grid grid;
+    std::vector<std::vector<std::uint8_t>> masks;  // of each slice; empty: all pixels count
+    std::string descriptor;                        // in the code page
     std::vector<std::unique_ptr<Level_Frame>> data;
     std::vector<std::unique_ptr<Quorel_2D>> frames;
     Quorel_2D object;

@@ -46,7 +46,7 @@ extern "C" {
 
 /** Version of this header: the higher 16 bits change when programs must be changed, the lower 16 when something was
  *  added. */
-#define KIT_ABI_VERSION 0x00010000u
+#define KIT_ABI_VERSION 0x00010001u
 
 typedef uint64_t kit_handle; /**< a panel, volume, class or file; 0: none */
 typedef int32_t kit_status;  /**< KIT_OK or one of the KIT_ERROR_ numbers, all below 0 */
@@ -308,11 +308,15 @@ KIT_C_API kit_status kit_marker_picked(uint32_t* index);
 /** Replaces the table of brushes. @param sizes `count` radii, pixels, 1 to 181: pixels nearer to
  *  the middle than that are covered @param count 1 to 8 */
 KIT_C_API kit_status kit_brushes_set(const uint16_t* sizes, uint32_t count);
+/** @param count receives the number of brushes */
+KIT_C_API kit_status kit_brushes_count(uint32_t* count);
+/** @param index below the count @param size receives the radius, pixels */
+KIT_C_API kit_status kit_brush_size(uint32_t index, uint16_t* size);
 /** Makes a brush the current one. @param index below the count */
 KIT_C_API kit_status kit_brush_pick(uint32_t index);
 /** @param index receives the current brush */
 KIT_C_API kit_status kit_brush_picked(uint32_t* index);
-/** The pixels that a brush covers, as a brush panel laid them out: 1 covered, 0 not; without a panel all 0.
+/** The pixels that a brush covers: 1 covered, 0 not. All masks are as wide as the largest brush needs.
  *  @param out receives side x side bytes, rows from the top @param needed receives side x side
  *  @param side receives the odd width and height of the mask, its middle the brush's; may be null */
 KIT_C_API kit_status kit_brush_mask(uint32_t index, uint8_t* out, uint32_t room, uint32_t* needed, uint32_t* side);
@@ -327,6 +331,11 @@ KIT_C_API kit_status kit_brush_mask(uint32_t index, uint8_t* out, uint32_t room,
 #define KIT_VARIABLE_UNSIGNED_32 5
 #define KIT_VARIABLE_FLOAT 6
 #define KIT_VARIABLE_TEXT 7
+#define KIT_VARIABLE_OBJECT 8 /**< an object of the interface's own: neither read nor written by name */
+
+/** What a variable is. @param name with its "$" @param type receives its KIT_VARIABLE_ number @param count receives the
+ *  length of an array, 0 for a single value; may be null */
+KIT_C_API kit_status kit_variable_type(const char* name, uint32_t* type, uint32_t* count);
 
 /** Sets a number, which must be defined as one. @param name with its "$" @param value cut to the variable's range */
 KIT_C_API kit_status kit_variable_set_number(const char* name, double value);
@@ -352,17 +361,17 @@ KIT_C_API kit_status kit_variable_array(const char* name, uint32_t type, void* o
 #define KIT_PIXEL_SIGNED_32 4
 #define KIT_PIXEL_COLOR 5 /**< four bytes: red, green, blue, one not used */
 
-/** Writes one row. @param context as given @param slice, row from 0 @param out receives `width` pixels of the type
- *  @return 1; 0 ends the making of the volume */
+/** Writes one row. @param context as given @param slice from 0; those of time t begin with t x slices @param row from
+ * 0, the upper one @param out receives `width` pixels of the type @return 1; 0 ends the making of the volume */
 typedef int32_t (*kit_row_function)(void* context, int32_t slice, int32_t row, void* out);
 
-/** A volume: slices of one size. A single image has one slice. */
+/** A volume: slices of one size, at one or several times. A single image has one slice. */
 typedef struct kit_volume_settings {
     uint32_t size;           /**< sizeof(kit_volume_settings) */
     uint32_t pixel;          /**< KIT_PIXEL_ number */
     int32_t width;           /**< pixels, 1 to 65535 */
     int32_t height;          /**< pixels, 1 to 65535 */
-    int32_t slices;          /**< 1 to 65535; width x height x slices at most 2^31 - 1 */
+    int32_t slices;          /**< 1 to 65535; width x height x slices x times at most 2^31 - 1 */
     float slope;             /**< grey levels per stored step; 0 counts as 1 */
     float intercept;         /**< grey level of the stored 0 */
     uint32_t modality;       /**< two letters, the first in the higher byte, for example 'M' * 256 + 'R' */
@@ -373,9 +382,13 @@ typedef struct kit_volume_settings {
     void* context;           /**< first argument of on_row */
     const char* name;        /**< shown in the trees; null: "Volume" */
     const char* descriptor;  /**< series text, shown in the histogram; null: none */
+    int32_t times;           /**< times at which all slices were taken, 0 counts as 1. Since version 1.1 */
+    int32_t reserved;        /**< 0 */
+    int64_t time_stride;     /**< bytes from a time to the next, 0: times follow each other */
 } kit_volume_settings;
 
-/** Makes a volume with a histogram for every slice, as the last child of the 2D class root. All panels are told.
+/** Makes a volume with a histogram for every slice, of all its times, as the last child of the 2D class root. All
+ * panels are told.
  *  @param volume receives the handle, 0 on failure */
 KIT_C_API kit_status kit_volume_create(const kit_volume_settings* settings, kit_handle* volume);
 /** The volume is gone, also from files. Inside of another function it goes when that ends; the handle is dead at once.
@@ -393,6 +406,18 @@ KIT_C_API kit_status kit_volume_select(kit_handle volume, int32_t slice, int32_t
 KIT_C_API kit_status kit_volume_selected(kit_handle volume, int32_t slice, int32_t* selected);
 /** @param slices receives the number of slices */
 KIT_C_API kit_status kit_volume_slices(kit_handle volume, int32_t* slices);
+/** @param times receives the number of times */
+KIT_C_API kit_status kit_volume_times(kit_handle volume, int32_t* times);
+/** Shows all slices of a volume at another time: the histogram's cursor reads there, and masked slices are counted
+ *  there. A new volume shows time 0. @param time from 0 */
+KIT_C_API kit_status kit_volume_time_show(kit_handle volume, int32_t time);
+/** @param time receives the time that is shown, from 0 */
+KIT_C_API kit_status kit_volume_time_shown(kit_handle volume, int32_t* time);
+/** Has the histogram of a slice count a part of its pixels only: those of the shown time whose byte is not 0.
+ *  @param slice -1: all, with the same mask @param mask width x height bytes, the upper row first; copied; null: all
+ *  pixels of all times count again @param row_stride bytes from a row to the one below, 0: rows follow each other; may
+ *  be negative */
+KIT_C_API kit_status kit_volume_mask_set(kit_handle volume, int32_t slice, const uint8_t* mask, int64_t row_stride);
 /** The mouse is over an image: the histogram's cursor follows. @param volume 0: it is over none @param x, y pixels of
  *  the slice, y down */
 KIT_C_API kit_status kit_volume_pointer(kit_handle volume, int32_t slice, float x, float y);

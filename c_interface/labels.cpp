@@ -102,11 +102,49 @@ void Index_Check(std::uint32_t index, const char* count_name) {
     Require(index < Count(count_name), KIT_ERROR_ARGUMENT, "index is not below the count");
 }
 
-void Pick(const char* current, const char* count_name, std::uint32_t index, std::uint64_t flags) {
-    Index_Check(index, count_name);
-    Variable_Set(current, index);
-    Session::The().Announce(flags);
+kit_label Tag_Read(std::uint32_t index) {
+    const auto is_on = [&](const char* name) { return Element<std::uint8_t>(name, VARIABLE_UNSIGNED_8, index) != 0; };
+    const auto colour = [&](const char* name) {
+        return static_cast<std::uint8_t>(Element<std::uint16_t>(name, VARIABLE_UNSIGNED_16, index) >> 8);
+    };
+    kit_label read = {};
+    read.flags = (is_on("$TAG_ENABLE") ? KIT_LABEL_ENABLED : 0U) | (is_on("$TAG_SELECT") ? KIT_LABEL_SELECTED : 0U) |
+                 (is_on("$TAG_LOCK") ? KIT_LABEL_LOCKED : 0U);
+    read.threshold_min = Element<float>("$TAG_THRESHOLD_MIN", VARIABLE_FLOAT, index);
+    read.threshold_max = Element<float>("$TAG_THRESHOLD_MAX", VARIABLE_FLOAT, index);
+    read.red = colour("$TAG_RED");
+    read.green = colour("$TAG_GRN");
+    read.blue = colour("$TAG_BLU");
+    return read;
 }
+
+kit_label Marker_Read(std::uint32_t index) {
+    const std::uint32_t color = Element<std::uint32_t>("$MARKER_COLOR", VARIABLE_UNSIGNED_32, index);
+    kit_label read = {};
+    read.flags = Element<std::uint8_t>("$MARKER_ENABLE", VARIABLE_UNSIGNED_8, index) != 0 ? KIT_LABEL_ENABLED : 0U;
+    read.red = static_cast<std::uint8_t>(color & 0xFF);
+    read.green = static_cast<std::uint8_t>((color >> 8) & 0xFF);
+    read.blue = static_cast<std::uint8_t>((color >> 16) & 0xFF);
+    return read;
+}
+
+/** A table of labels that one kind of panel shows. */
+struct Label_Table {
+    ///@{
+    /** Variables. */
+    const char* count;
+    const char* current;
+    const char* text;
+    ///@}
+    std::uint32_t most;
+    std::uint32_t panel_kind;
+    bool is_laid_out_always;  // its panels take colours and texts when they are laid out, and at no other time
+    void (*store)(std::uint32_t index, const Checked& checked);
+    kit_label (*read)(std::uint32_t index);
+};
+constexpr Label_Table tags = {"$TAG_NB", "$TAG_CUR", "$TAG_LABEL", TAG_ROOM, KIT_PANEL_TAG, false, Tag_Store, Tag_Read};
+constexpr Label_Table markers = {"$MARKER_NB",     "$MARKER_CUR", "$MARKER_LABEL", MARKER_ROOM,
+                                 KIT_PANEL_MARKER, true,          Marker_Store,    Marker_Read};
 
 void Count_Store(const char* count_name, const char* current, std::uint32_t count) {
     Variable_Set(count_name, count);
@@ -115,123 +153,128 @@ void Count_Store(const char* count_name, const char* current, std::uint32_t coun
     }
 }
 
+kit_status Labels_Set(const char* function, const Label_Table& table, const kit_label* labels, std::uint32_t count) {
+    return Call(function, 0, [&] {
+        const auto checked = Checked_Labels(labels, count, table.most);
+        for (std::uint32_t index = 0; index < count; ++index) {
+            table.store(index, checked[index]);
+        }
+        const bool is_other_count = Count(table.count) != count;
+        Count_Store(table.count, table.current, count);
+        if (is_other_count || table.is_laid_out_always) {
+            Panels_Lay_Out(table.panel_kind);
+        }
+        Session::The().Announce(update_table);
+    });
+}
+
+kit_status Label_Set(const char* function, const Label_Table& table, std::uint32_t index, const kit_label* label) {
+    return Call(function, 0, [&] {
+        Index_Check(index, table.count);
+        table.store(index, Checked_Label(label));
+        Session::The().Announce(update_table & ~UPDATE_TAG_CUR);
+    });
+}
+
+kit_status Label_Get(const char* function, const Label_Table& table, std::uint32_t index, kit_label* label) {
+    return Call(function, 0, [&] {
+        Index_Check(index, table.count);
+        Struct_Fill(label, table.read(index), label_least);
+    });
+}
+
+kit_status Label_Text(const char* function, const Label_Table& table, std::uint32_t index, char* out,
+                      std::uint32_t room, std::uint32_t* needed) {
+    return Call(function, 0, [&] {
+        Index_Check(index, table.count);
+        Text_Out(Element<const char*>(table.text, VARIABLE_TEXT, index), out, room, needed);
+    });
+}
+
+kit_status Number_Read(const char* function, const char* name, std::uint32_t* out) {
+    return Call(function, 0, [&] { Write_To(out, Count(name)); });
+}
+
+kit_status Pick(const char* function, const char* current, const char* count_name, std::uint32_t index,
+                std::uint64_t flags) {
+    return Call(function, 0, [&] {
+        Index_Check(index, count_name);
+        Variable_Set(current, index);
+        Session::The().Announce(flags);
+    });
+}
+
+/** Which pixels a brush covers, as brush panels lay them out: the middle alone, or all that are nearer to it than
+ * `size`. */
+std::vector<std::uint8_t> Mask_Of(int size, int radius) {
+    std::vector<std::uint8_t> mask;
+    mask.reserve(static_cast<std::size_t>(2 * radius + 1) * static_cast<std::size_t>(2 * radius + 1));
+    for (int y = -radius; y <= radius; ++y) {
+        for (int x = -radius; x <= radius; ++x) {
+            mask.push_back(x * x + y * y < size * size ? 1 : 0);
+        }
+    }
+    return mask;
+}
+
 }  // namespace
 
 extern "C" {
 
 kit_status kit_tags_set(const kit_label* labels, uint32_t count) {
-    return Call("kit_tags_set", 0, [&] {
-        const auto checked = Checked_Labels(labels, count, TAG_ROOM);
-        for (std::uint32_t index = 0; index < count; ++index) {
-            Tag_Store(index, checked[index]);
-        }
-        const bool is_other_count = Count("$TAG_NB") != count;
-        Count_Store("$TAG_NB", "$TAG_CUR", count);
-        if (is_other_count) {
-            Panels_Lay_Out(KIT_PANEL_TAG);
-        }
-        Session::The().Announce(update_table);
-    });
+    return Labels_Set("kit_tags_set", tags, labels, count);
 }
 
 kit_status kit_tags_count(uint32_t* count) {
-    return Call("kit_tags_count", 0, [&] { Write_To(count, Count("$TAG_NB")); });
+    return Number_Read("kit_tags_count", tags.count, count);
 }
 
 kit_status kit_tag_set(uint32_t index, const kit_label* label) {
-    return Call("kit_tag_set", 0, [&] {
-        Index_Check(index, "$TAG_NB");
-        Tag_Store(index, Checked_Label(label));
-        Session::The().Announce(update_table & ~UPDATE_TAG_CUR);
-    });
+    return Label_Set("kit_tag_set", tags, index, label);
 }
 
 kit_status kit_tag_get(uint32_t index, kit_label* label) {
-    return Call("kit_tag_get", 0, [&] {
-        Index_Check(index, "$TAG_NB");
-        kit_label read = {};
-        const auto is_on = [&](const char* name) {
-            return Element<std::uint8_t>(name, VARIABLE_UNSIGNED_8, index) != 0;
-        };
-        const auto colour = [&](const char* name) {
-            return static_cast<std::uint8_t>(Element<std::uint16_t>(name, VARIABLE_UNSIGNED_16, index) >> 8);
-        };
-        read.flags = (is_on("$TAG_ENABLE") ? KIT_LABEL_ENABLED : 0U) |
-                     (is_on("$TAG_SELECT") ? KIT_LABEL_SELECTED : 0U) | (is_on("$TAG_LOCK") ? KIT_LABEL_LOCKED : 0U);
-        read.threshold_min = Element<float>("$TAG_THRESHOLD_MIN", VARIABLE_FLOAT, index);
-        read.threshold_max = Element<float>("$TAG_THRESHOLD_MAX", VARIABLE_FLOAT, index);
-        read.red = colour("$TAG_RED");
-        read.green = colour("$TAG_GRN");
-        read.blue = colour("$TAG_BLU");
-        Struct_Fill(label, read, label_least);
-    });
+    return Label_Get("kit_tag_get", tags, index, label);
 }
 
 kit_status kit_tag_text(uint32_t index, char* out, uint32_t room, uint32_t* needed) {
-    return Call("kit_tag_text", 0, [&] {
-        Index_Check(index, "$TAG_NB");
-        Text_Out(Element<const char*>("$TAG_LABEL", VARIABLE_TEXT, index), out, room, needed);
-    });
+    return Label_Text("kit_tag_text", tags, index, out, room, needed);
 }
 
 kit_status kit_tag_pick(uint32_t index) {
-    return Call("kit_tag_pick", 0, [&] { Pick("$TAG_CUR", "$TAG_NB", index, UPDATE_TAG_CUR); });
+    return Pick("kit_tag_pick", tags.current, tags.count, index, UPDATE_TAG_CUR);
 }
 
 kit_status kit_tag_picked(uint32_t* index) {
-    return Call("kit_tag_picked", 0, [&] { Write_To(index, Count("$TAG_CUR")); });
+    return Number_Read("kit_tag_picked", tags.current, index);
 }
 
 kit_status kit_markers_set(const kit_label* labels, uint32_t count) {
-    return Call("kit_markers_set", 0, [&] {
-        const auto checked = Checked_Labels(labels, count, MARKER_ROOM);
-        for (std::uint32_t index = 0; index < count; ++index) {
-            Marker_Store(index, checked[index]);
-        }
-        Count_Store("$MARKER_NB", "$MARKER_CUR", count);
-        Panels_Lay_Out(KIT_PANEL_MARKER);
-        Session::The().Announce(update_table);
-    });
+    return Labels_Set("kit_markers_set", markers, labels, count);
 }
 
 kit_status kit_markers_count(uint32_t* count) {
-    return Call("kit_markers_count", 0, [&] { Write_To(count, Count("$MARKER_NB")); });
+    return Number_Read("kit_markers_count", markers.count, count);
 }
 
 kit_status kit_marker_set(uint32_t index, const kit_label* label) {
-    return Call("kit_marker_set", 0, [&] {
-        Index_Check(index, "$MARKER_NB");
-        Marker_Store(index, Checked_Label(label));
-        Session::The().Announce(update_table & ~UPDATE_TAG_CUR);
-    });
+    return Label_Set("kit_marker_set", markers, index, label);
 }
 
 kit_status kit_marker_get(uint32_t index, kit_label* label) {
-    return Call("kit_marker_get", 0, [&] {
-        Index_Check(index, "$MARKER_NB");
-        kit_label read = {};
-        const std::uint32_t color = Element<std::uint32_t>("$MARKER_COLOR", VARIABLE_UNSIGNED_32, index);
-        read.flags = Element<std::uint8_t>("$MARKER_ENABLE", VARIABLE_UNSIGNED_8, index) != 0 ? KIT_LABEL_ENABLED : 0U;
-        read.red = static_cast<std::uint8_t>(color & 0xFF);
-        read.green = static_cast<std::uint8_t>((color >> 8) & 0xFF);
-        read.blue = static_cast<std::uint8_t>((color >> 16) & 0xFF);
-        Struct_Fill(label, read, label_least);
-    });
+    return Label_Get("kit_marker_get", markers, index, label);
 }
 
 kit_status kit_marker_text(uint32_t index, char* out, uint32_t room, uint32_t* needed) {
-    return Call("kit_marker_text", 0, [&] {
-        Index_Check(index, "$MARKER_NB");
-        Text_Out(Element<const char*>("$MARKER_LABEL", VARIABLE_TEXT, index), out, room, needed);
-    });
+    return Label_Text("kit_marker_text", markers, index, out, room, needed);
 }
 
 kit_status kit_marker_pick(uint32_t index) {
-    return Call("kit_marker_pick", 0, [&] { Pick("$MARKER_CUR", "$MARKER_NB", index, UPDATE_TAG_CUR); });
+    return Pick("kit_marker_pick", markers.current, markers.count, index, UPDATE_TAG_CUR);
 }
 
 kit_status kit_marker_picked(uint32_t* index) {
-    return Call("kit_marker_picked", 0, [&] { Write_To(index, Count("$MARKER_CUR")); });
+    return Number_Read("kit_marker_picked", markers.current, index);
 }
 
 kit_status kit_brushes_set(const uint16_t* sizes, uint32_t count) {
@@ -245,7 +288,7 @@ kit_status kit_brushes_set(const uint16_t* sizes, uint32_t count) {
             radius = std::max<int>(radius, sizes[index]);
         }
         Element<std::uint16_t>("$BRUSH_SIZE", VARIABLE_UNSIGNED_16, 0);
-        if (2 * radius + 1 != Brush_Mask_Side()) {
+        if (radius != Brush_Mask_Radius()) {
             Brush_Masks_Make(radius);  // panels fill them only when a size differs, so the same masks stay
         }
         for (std::uint32_t index = 0; index < count; ++index) {
@@ -257,24 +300,34 @@ kit_status kit_brushes_set(const uint16_t* sizes, uint32_t count) {
     });
 }
 
+kit_status kit_brushes_count(uint32_t* count) {
+    return Number_Read("kit_brushes_count", "$BRUSH_NB", count);
+}
+
+kit_status kit_brush_size(uint32_t index, uint16_t* size) {
+    return Call("kit_brush_size", 0, [&] {
+        Index_Check(index, "$BRUSH_NB");
+        Write_To(size, Element<std::uint16_t>("$BRUSH_SIZE", VARIABLE_UNSIGNED_16, index));
+    });
+}
+
 kit_status kit_brush_pick(uint32_t index) {
-    return Call("kit_brush_pick", 0, [&] { Pick("$BRUSH_CUR", "$BRUSH_NB", index, UPDATE_BRUSH); });
+    return Pick("kit_brush_pick", "$BRUSH_CUR", "$BRUSH_NB", index, UPDATE_BRUSH);
 }
 
 kit_status kit_brush_picked(uint32_t* index) {
-    return Call("kit_brush_picked", 0, [&] { Write_To(index, Count("$BRUSH_CUR")); });
+    return Number_Read("kit_brush_picked", "$BRUSH_CUR", index);
 }
 
 kit_status kit_brush_mask(uint32_t index, uint8_t* out, uint32_t room, uint32_t* needed, uint32_t* side) {
     return Call("kit_brush_mask", 0, [&] {
         Index_Check(index, "$BRUSH_NB");
-        int mask_side = 0;
-        const unsigned char* const bytes = Brush_Mask_Bytes(static_cast<int>(index), &mask_side);
+        const int radius = Brush_Mask_Radius();
         if (side != nullptr) {
-            *side = static_cast<std::uint32_t>(mask_side);
+            *side = static_cast<std::uint32_t>(2 * radius + 1);
         }
-        Array_Out<std::uint8_t>({bytes, static_cast<std::size_t>(mask_side) * static_cast<std::size_t>(mask_side)}, out,
-                                room, needed);
+        const auto mask = Mask_Of(Element<std::uint16_t>("$BRUSH_SIZE", VARIABLE_UNSIGNED_16, index), radius);
+        Array_Out<std::uint8_t>(mask, out, room, needed);
     });
 }
 

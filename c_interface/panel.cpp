@@ -293,11 +293,7 @@ kit_status kit_panel_create(const kit_panel_settings* settings, kit_handle* pane
 }
 
 kit_status kit_panel_destroy(kit_handle panel) {
-    return Call("kit_panel_destroy", panel, [&] {
-        Object_Of<Panel>(panel);
-        Session& session = Session::The();
-        session.Give_Back(session.handles.Take(panel));
-    });
+    return Destroy<Panel>("kit_panel_destroy", panel);
 }
 
 kit_status kit_panel_place(kit_handle panel, int32_t x, int32_t y, int32_t width, int32_t height) {

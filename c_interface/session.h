@@ -175,6 +175,16 @@ Type& Object_Of(kit_handle handle) {
     return static_cast<Type&>(*object);
 }
 
+/** The body of every function that gives a handle back. */
+template <class Type>
+kit_status Destroy(const char* function, kit_handle handle) noexcept {
+    return Call(function, handle, [&] {
+        Object_Of<Type>(handle);
+        Session& session = Session::The();
+        session.Give_Back(session.handles.Take(handle));
+    });
+}
+
 /** The caller's struct in the present version: what its version does not have is 0.
  *  @tparam least bytes of the first version */
 template <class Struct>

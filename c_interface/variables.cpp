@@ -62,9 +62,21 @@ void Own_Check(const Known& known) {
 static_assert(KIT_VARIABLE_UNSIGNED_8 == VARIABLE_UNSIGNED_8 && KIT_VARIABLE_SIGNED_16 == VARIABLE_SIGNED_16 &&
               KIT_VARIABLE_UNSIGNED_16 == VARIABLE_UNSIGNED_16 && KIT_VARIABLE_SIGNED_32 == VARIABLE_SIGNED_32 &&
               KIT_VARIABLE_UNSIGNED_32 == VARIABLE_UNSIGNED_32 && KIT_VARIABLE_FLOAT == VARIABLE_FLOAT &&
-              KIT_VARIABLE_TEXT == VARIABLE_TEXT);
+              KIT_VARIABLE_TEXT == VARIABLE_TEXT && KIT_VARIABLE_OBJECT == VARIABLE_POINTER);
 
 extern "C" {
+
+kit_status kit_variable_type(const char* name, uint32_t* type, uint32_t* count) {
+    return Call("kit_variable_type", 0, [&] {
+        const Known known = Known_Variable(name);
+        int nb = 0;
+        const bool is_array = Variable_Array(known.name.c_str(), known.type, &nb) != nullptr;
+        Write_To<std::uint32_t>(type, known.type);
+        if (count != nullptr) {
+            *count = is_array ? static_cast<std::uint32_t>(nb) : 0;
+        }
+    });
+}
 
 kit_status kit_variable_set_number(const char* name, double value) {
     return Call("kit_variable_set_number", 0, [&] {

@@ -15,6 +15,7 @@ namespace {
 
 constexpr int side_most = 65535;
 constexpr int bins_most = 4096;
+constexpr std::int64_t most_pixels = std::numeric_limits<std::int32_t>::max();
 constexpr std::size_t settings_least = offsetof(kit_volume_settings, descriptor) + sizeof(const char*);
 
 std::size_t Pixel_Size(std::uint32_t pixel) {
@@ -62,11 +63,17 @@ void Row_Levels(std::uint32_t pixel, const unsigned char* from, std::span<std::i
     }
 }
 
+int Times_Of(const kit_volume_settings& wanted) {
+    return wanted.times > 0 ? wanted.times : 1;
+}
+
 void Settings_Check(const kit_volume_settings& wanted) {
     Require(wanted.width >= 1 && wanted.width <= side_most && wanted.height >= 1 && wanted.height <= side_most &&
                 wanted.slices >= 1 && wanted.slices <= side_most,
             KIT_ERROR_ARGUMENT, "width, height or slices is not from 1 to 65535");
-    Require(std::int64_t{wanted.width} * wanted.height * wanted.slices <= std::numeric_limits<std::int32_t>::max(),
+    Require(wanted.times >= 0 && wanted.times <= side_most, KIT_ERROR_ARGUMENT, "times is not from 0 to 65535");
+    const std::int64_t planes = std::int64_t{wanted.slices} * Times_Of(wanted);
+    Require(planes <= most_pixels && std::int64_t{wanted.width} * wanted.height * planes <= most_pixels,
             KIT_ERROR_ARGUMENT, "the volume is too large");
     Require(wanted.pixels != nullptr || wanted.on_row != nullptr, KIT_ERROR_ARGUMENT,
             "pixels and on_row are both null");
@@ -75,25 +82,49 @@ void Settings_Check(const kit_volume_settings& wanted) {
     Require(wanted.modality <= 0xFFFF, KIT_ERROR_ARGUMENT, "modality is not two letters");
 }
 
-void Levels_Read(const kit_volume_settings& wanted, std::vector<std::int32_t>& levels) {
-    const std::size_t pixel_size = Pixel_Size(wanted.pixel);
+/** The rows of a host, by address or by call-back. */
+class Row_Source {
+  public:
+    explicit Row_Source(const kit_volume_settings& settings)
+        : wanted(settings), row_bytes(static_cast<std::size_t>(settings.width) * Pixel_Size(settings.pixel)) {
+        row_stride = wanted.row_stride != 0 ? wanted.row_stride : static_cast<std::int64_t>(row_bytes);
+        slice_stride = wanted.slice_stride != 0 ? wanted.slice_stride : row_stride * wanted.height;
+        time_stride = wanted.time_stride != 0 ? wanted.time_stride : slice_stride * wanted.slices;
+        room.resize(wanted.pixels == nullptr ? row_bytes : 0);
+    }
+    const unsigned char* Row(int slice, int time, int row) {
+        if (wanted.pixels != nullptr) {
+            return static_cast<const unsigned char*>(wanted.pixels) + time * time_stride + slice * slice_stride +
+                   row * row_stride;
+        }
+        const auto plane = static_cast<std::int32_t>(std::int64_t{time} * wanted.slices + slice);
+        Require(wanted.on_row(wanted.context, plane, row, room.data()) == 1, KIT_ERROR_ARGUMENT,
+                "on_row ended the making of the volume");
+        return room.data();
+    }
+
+  private:
+    const kit_volume_settings& wanted;
+    std::size_t row_bytes;
+    std::int64_t row_stride;
+    std::int64_t slice_stride;
+    std::int64_t time_stride;
+    std::vector<unsigned char> room;
+};
+
+/** In the host's order, which is slice by slice of one time after the other; kept time by time of one slice. */
+void Levels_Read(const kit_volume_settings& wanted, Volume& volume) {
     const auto width = static_cast<std::size_t>(wanted.width);
-    const auto row_bytes = static_cast<std::int64_t>(width * pixel_size);
-    const std::int64_t row_stride = wanted.row_stride != 0 ? wanted.row_stride : row_bytes;
-    const std::int64_t slice_stride = wanted.slice_stride != 0 ? wanted.slice_stride : row_stride * wanted.height;
-    levels.resize(width * static_cast<std::size_t>(wanted.height) * static_cast<std::size_t>(wanted.slices));
-    std::vector<unsigned char> row_room(wanted.pixels == nullptr ? width * pixel_size : 0);
-    std::size_t at = 0;
-    for (std::int32_t slice = 0; slice < wanted.slices; ++slice) {
-        for (std::int32_t row = 0; row < wanted.height; ++row, at += width) {
-            const unsigned char* from = row_room.data();
-            if (wanted.pixels != nullptr) {
-                from = static_cast<const unsigned char*>(wanted.pixels) + slice * slice_stride + row * row_stride;
-            } else {
-                Require(wanted.on_row(wanted.context, slice, row, row_room.data()) == 1, KIT_ERROR_ARGUMENT,
-                        "on_row ended the making of the volume");
+    const std::size_t plane = width * static_cast<std::size_t>(wanted.height);
+    const auto times = static_cast<std::size_t>(Times_Of(wanted));
+    Row_Source source(wanted);
+    volume.levels.resize(plane * static_cast<std::size_t>(wanted.slices) * times);
+    for (int time = 0; time < Times_Of(wanted); ++time) {
+        for (int slice = 0; slice < wanted.slices; ++slice) {
+            std::size_t at = (static_cast<std::size_t>(slice) * times + static_cast<std::size_t>(time)) * plane;
+            for (int row = 0; row < wanted.height; ++row, at += width) {
+                Row_Levels(wanted.pixel, source.Row(slice, time, row), {volume.levels.data() + at, width});
             }
-            Row_Levels(wanted.pixel, from, {levels.data() + at, width});
         }
     }
 }
@@ -112,13 +143,14 @@ void Frames_Make(const kit_volume_settings& wanted, Volume& volume) {
     const bool is_color = wanted.pixel == KIT_PIXEL_COLOR;
     const float slope = wanted.slope > 0.0F ? wanted.slope : 1.0F;
     const auto [lowest, highest] = std::ranges::minmax(volume.levels);
-    const Histo_Grid grid = is_color ? Histo_Grid{} : Grid_Of(lowest, highest, slope, wanted.intercept);
-    const std::size_t plane = static_cast<std::size_t>(wanted.width) * static_cast<std::size_t>(wanted.height);
-    for (std::int32_t slice = 0; slice < wanted.slices; ++slice) {
-        auto data = std::make_unique<Level_Frame>(volume.levels.data() + static_cast<std::size_t>(slice) * plane,
-                                                  wanted.width, wanted.height, 1, 1, slope, wanted.intercept, is_color);
+    volume.times = Times_Of(wanted);
+    volume.grid = is_color ? Histo_Grid{} : Grid_Of(lowest, highest, slope, wanted.intercept);
+    volume.masks.resize(static_cast<std::size_t>(wanted.slices));
+    const std::size_t slice_levels = volume.levels.size() / static_cast<std::size_t>(wanted.slices);
+    for (std::size_t slice = 0; slice < volume.masks.size(); ++slice) {
+        auto data = std::make_unique<Level_Frame>(volume.levels.data() + slice * slice_levels, wanted.width,
+                                                  wanted.height, 1, volume.times, slope, wanted.intercept, is_color);
         data->modality = static_cast<unsigned short>(wanted.modality);
-        Require(Frame_Histogram_Build(data.get(), grid, nullptr) != 0, KIT_ERROR_MEMORY, "no histogram could be made");
         auto frame = std::make_unique<Quorel_2D>();
         frame->Title_Set("Frame");
         frame->Name_Set(std::to_string(slice + 1).c_str());
@@ -128,6 +160,7 @@ void Frames_Make(const kit_volume_settings& wanted, Volume& volume) {
         Require(volume.object.Child_Add(frame.get()) != 0, KIT_ERROR_MEMORY, "no memory for a slice");
         volume.data.push_back(std::move(data));
         volume.frames.push_back(std::move(frame));
+        volume.Histogram_Make(slice);
     }
 }
 
@@ -135,6 +168,20 @@ Quorel_2D& Slice_Of(Volume& volume, std::int32_t slice) {
     Require(slice >= 0 && static_cast<std::size_t>(slice) < volume.frames.size(), KIT_ERROR_ARGUMENT,
             "slice is not one of the volume");
     return *volume.frames[static_cast<std::size_t>(slice)];
+}
+
+void Mask_Set(Volume& volume, std::size_t slice, const std::uint8_t* mask, std::int64_t row_stride) {
+    const Level_Frame& frame = *volume.data[slice];
+    std::vector<std::uint8_t> kept;
+    if (mask != nullptr) {
+        kept.reserve(std::size_t{frame.width} * frame.height);
+        for (int row = 0; row < frame.height; ++row) {
+            const std::uint8_t* const from = mask + row * (row_stride != 0 ? row_stride : frame.width);
+            kept.insert(kept.end(), from, from + frame.width);
+        }
+    }
+    volume.masks[slice] = std::move(kept);
+    volume.Histogram_Make(slice);
 }
 
 void Select(Quorel_2D& frame, bool is_selected) {
@@ -161,7 +208,7 @@ kit_status kit_volume_create(const kit_volume_settings* settings, kit_handle* vo
         made->object.Name_Set(name.c_str());
         made->object.descriptor = made->descriptor.c_str();
         std::snprintf(made->object.icon, sizeof made->object.icon, "%s", "icon volume.tga");
-        Levels_Read(wanted, made->levels);
+        Levels_Read(wanted, *made);
         Frames_Make(wanted, *made);
         Volume& live = *made;
         Session& session = Session::The();
@@ -179,11 +226,7 @@ kit_status kit_volume_create(const kit_volume_settings* settings, kit_handle* vo
 }
 
 kit_status kit_volume_destroy(kit_handle volume) {
-    return Call("kit_volume_destroy", volume, [&] {
-        Object_Of<Volume>(volume);
-        Session& session = Session::The();
-        session.Give_Back(session.handles.Take(volume));
-    });
+    return Destroy<Volume>("kit_volume_destroy", volume);
 }
 
 kit_status kit_volume_show(kit_handle volume, int32_t slice) {
@@ -232,6 +275,44 @@ kit_status kit_volume_selected(kit_handle volume, int32_t slice, int32_t* select
 kit_status kit_volume_slices(kit_handle volume, int32_t* slices) {
     return Call("kit_volume_slices", volume,
                 [&] { Write_To(slices, static_cast<int32_t>(Object_Of<Volume>(volume).frames.size())); });
+}
+
+kit_status kit_volume_times(kit_handle volume, int32_t* times) {
+    return Call("kit_volume_times", volume, [&] { Write_To<int32_t>(times, Object_Of<Volume>(volume).times); });
+}
+
+kit_status kit_volume_time_show(kit_handle volume, int32_t time) {
+    return Call("kit_volume_time_show", volume, [&] {
+        auto& live = Object_Of<Volume>(volume);
+        Require(time >= 0 && time < live.times, KIT_ERROR_ARGUMENT, "time is not one of the volume");
+        live.time = time;
+        for (std::size_t slice = 0; slice < live.frames.size(); ++slice) {
+            live.frames[slice]->slice[1] = time;
+            if (!live.masks[slice].empty()) {
+                live.Histogram_Make(slice);
+            }
+        }
+        Session::The().Announce(UPDATE_FRAME_CUR | UPDATE_MOUSE_FRAME | UPDATE_HISTO_DATA);
+    });
+}
+
+kit_status kit_volume_time_shown(kit_handle volume, int32_t* time) {
+    return Call("kit_volume_time_shown", volume, [&] { Write_To<int32_t>(time, Object_Of<Volume>(volume).time); });
+}
+
+kit_status kit_volume_mask_set(kit_handle volume, int32_t slice, const uint8_t* mask, int64_t row_stride) {
+    return Call("kit_volume_mask_set", volume, [&] {
+        auto& live = Object_Of<Volume>(volume);
+        if (slice == -1) {
+            for (std::size_t one = 0; one < live.frames.size(); ++one) {
+                Mask_Set(live, one, mask, row_stride);
+            }
+        } else {
+            Slice_Of(live, slice);
+            Mask_Set(live, static_cast<std::size_t>(slice), mask, row_stride);
+        }
+        Session::The().Announce(UPDATE_HISTO_DATA);
+    });
 }
 
 kit_status kit_volume_pointer(kit_handle volume, int32_t slice, float x, float y) {

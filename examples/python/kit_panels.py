@@ -1,7 +1,7 @@
 """The C interface for ctypes. Written by scripts/lints/c_description from kit_panels.h: do not change it here."""
 import ctypes
 
-KIT_ABI_VERSION = 0x00010000
+KIT_ABI_VERSION = 0x00010001
 KIT_OK = 0
 KIT_ERROR_ARGUMENT = -1
 KIT_ERROR_HANDLE = -2
@@ -77,6 +77,7 @@ KIT_VARIABLE_SIGNED_32 = 4
 KIT_VARIABLE_UNSIGNED_32 = 5
 KIT_VARIABLE_FLOAT = 6
 KIT_VARIABLE_TEXT = 7
+KIT_VARIABLE_OBJECT = 8
 KIT_PIXEL_UNSIGNED_8 = 1
 KIT_PIXEL_SIGNED_16 = 2
 KIT_PIXEL_UNSIGNED_16 = 3
@@ -227,6 +228,9 @@ class kit_volume_settings(ctypes.Structure):
         ("context", ctypes.c_void_p),
         ("name", ctypes.c_char_p),
         ("descriptor", ctypes.c_char_p),
+        ("times", ctypes.c_int32),
+        ("reserved", ctypes.c_int32),
+        ("time_stride", ctypes.c_int64),
     ]
 
 
@@ -264,9 +268,12 @@ FUNCTIONS = {
     "kit_marker_pick": (ctypes.c_int32, [ctypes.c_uint32]),
     "kit_marker_picked": (ctypes.c_int32, [ctypes.POINTER(ctypes.c_uint32)]),
     "kit_brushes_set": (ctypes.c_int32, [ctypes.POINTER(ctypes.c_uint16), ctypes.c_uint32]),
+    "kit_brushes_count": (ctypes.c_int32, [ctypes.POINTER(ctypes.c_uint32)]),
+    "kit_brush_size": (ctypes.c_int32, [ctypes.c_uint32, ctypes.POINTER(ctypes.c_uint16)]),
     "kit_brush_pick": (ctypes.c_int32, [ctypes.c_uint32]),
     "kit_brush_picked": (ctypes.c_int32, [ctypes.POINTER(ctypes.c_uint32)]),
     "kit_brush_mask": (ctypes.c_int32, [ctypes.c_uint32, ctypes.POINTER(ctypes.c_uint8), ctypes.c_uint32, ctypes.POINTER(ctypes.c_uint32), ctypes.POINTER(ctypes.c_uint32)]),
+    "kit_variable_type": (ctypes.c_int32, [ctypes.c_char_p, ctypes.POINTER(ctypes.c_uint32), ctypes.POINTER(ctypes.c_uint32)]),
     "kit_variable_set_number": (ctypes.c_int32, [ctypes.c_char_p, ctypes.c_double]),
     "kit_variable_number": (ctypes.c_int32, [ctypes.c_char_p, ctypes.POINTER(ctypes.c_double)]),
     "kit_variable_set_text": (ctypes.c_int32, [ctypes.c_char_p, ctypes.c_char_p]),
@@ -280,6 +287,10 @@ FUNCTIONS = {
     "kit_volume_select": (ctypes.c_int32, [ctypes.c_uint64, ctypes.c_int32, ctypes.c_int32]),
     "kit_volume_selected": (ctypes.c_int32, [ctypes.c_uint64, ctypes.c_int32, ctypes.POINTER(ctypes.c_int32)]),
     "kit_volume_slices": (ctypes.c_int32, [ctypes.c_uint64, ctypes.POINTER(ctypes.c_int32)]),
+    "kit_volume_times": (ctypes.c_int32, [ctypes.c_uint64, ctypes.POINTER(ctypes.c_int32)]),
+    "kit_volume_time_show": (ctypes.c_int32, [ctypes.c_uint64, ctypes.c_int32]),
+    "kit_volume_time_shown": (ctypes.c_int32, [ctypes.c_uint64, ctypes.POINTER(ctypes.c_int32)]),
+    "kit_volume_mask_set": (ctypes.c_int32, [ctypes.c_uint64, ctypes.c_int32, ctypes.POINTER(ctypes.c_uint8), ctypes.c_int64]),
     "kit_volume_pointer": (ctypes.c_int32, [ctypes.c_uint64, ctypes.c_int32, ctypes.c_float, ctypes.c_float]),
     "kit_volume_histogram": (ctypes.c_int32, [ctypes.c_uint64, ctypes.c_int32, ctypes.POINTER(kit_histogram), ctypes.POINTER(ctypes.c_uint32), ctypes.c_uint32, ctypes.POINTER(ctypes.c_uint32)]),
     "kit_histogram_read": (ctypes.c_int32, [ctypes.c_uint64, ctypes.POINTER(kit_histogram), ctypes.POINTER(ctypes.c_uint32), ctypes.c_uint32, ctypes.POINTER(ctypes.c_uint32)]),

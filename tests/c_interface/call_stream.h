@@ -155,6 +155,7 @@ class Call_Stream {
         settings.slices = input.Below(5);
         settings.slope = static_cast<float>(input.Below(300)) / 100.0F;
         settings.intercept = static_cast<float>(input.Below(300)) - 150.0F;
+        settings.times = input.Below(4);
         settings.context = this;
         settings.on_row = [](void* context, std::int32_t, std::int32_t, void* out) {
             auto& stream = *static_cast<Call_Stream*>(context);
@@ -266,6 +267,9 @@ class Call_Stream {
         kit_tag_text(index, text.data(), room, &needed);
         kit_marker_text(index, text.data(), room, nullptr);
         kit_brush_mask(index, mask.data(), static_cast<std::uint32_t>(mask.size()), &needed, nullptr);
+        std::uint16_t size = 0;
+        kit_brushes_count(&needed);
+        kit_brush_size(index, &size);
         kit_error_text(Handle(), text.data(), room, &needed);
         kit_contract_check(&needed);
         kit_contract_text(index, text.data(), room, &needed);
@@ -293,6 +297,7 @@ class Call_Stream {
         numbers[0] = input.Take<std::uint64_t>();
         std::uint32_t needed = 0;
         double number = 0;
+        kit_variable_type(name, &needed, input.Below(2) == 0 ? nullptr : &needed);
         kit_variable_set_number(name, static_cast<double>(input.Take<std::int32_t>()));
         kit_variable_number(name, &number);
         kit_variable_set_text(name, made_up.c_str());
@@ -308,7 +313,8 @@ class Call_Stream {
         std::int32_t number = 0;
         kit_handle shown = 0;
         std::array<std::uint32_t, 40> counts = {};
-        switch (input.Below(7)) {
+        const std::array<std::uint8_t, 64> mask = {1, 0, 1, 1};
+        switch (input.Below(9)) {
             case 0:
                 kit_volume_destroy(volume);
                 break;
@@ -328,6 +334,14 @@ class Call_Stream {
                 break;
             case 5:
                 kit_volume_histogram(volume, slice, nullptr, counts.data(), 40, nullptr);
+                break;
+            case 6:
+                kit_volume_mask_set(volume, slice, input.Below(3) == 0 ? nullptr : mask.data(), 0);
+                break;
+            case 7:
+                kit_volume_times(volume, &number);
+                kit_volume_time_show(volume, slice);
+                kit_volume_time_shown(volume, &number);
                 break;
             default:
                 kit_volume_shown(&shown, &number);

@@ -1,6 +1,7 @@
 // The histogram and database panels through the C interface.
 #include <cstdio>
 #include <fstream>
+#include <numeric>
 
 #include "tests/c_interface/interface_stage.h"
 
@@ -39,6 +40,25 @@ TEST_F(Drawing_Panels_Through_C, selected_slices_are_counted_and_fitted) {
     EXPECT_NEAR(peaks.back().centre, 180.0, 4.0);
     EXPECT_EQ(peaks.back().size, sizeof(kit_peak));
     EXPECT_EQ(kit_histogram_peaks(panel, peaks.data(), nb - 1, nullptr), KIT_ERROR_ROOM);
+}
+
+TEST_F(Drawing_Panels_Through_C, a_masked_slice_is_counted_by_the_panel_where_its_mask_is) {
+    const kit_handle panel = Panel(KIT_PANEL_HISTOGRAM);
+    const kit_handle volume = Volume();
+    kit_volume_show(volume, 0);
+    kit_volume_select(volume, 0, 1);
+    const auto counted = [&] {
+        std::uint32_t bins = 0;
+        EXPECT_EQ(kit_histogram_read(panel, nullptr, nullptr, 0, &bins), KIT_OK) << Error(panel);
+        std::vector<std::uint32_t> counts(bins);
+        EXPECT_EQ(kit_histogram_read(panel, nullptr, counts.data(), bins, nullptr), KIT_OK);
+        return std::accumulate(counts.begin(), counts.end(), 0U);
+    };
+    EXPECT_EQ(counted(), 64U * 64U);
+    std::vector<std::uint8_t> mask(std::size_t{64} * 64);
+    std::fill_n(mask.begin(), 100, std::uint8_t{1});
+    ASSERT_EQ(kit_volume_mask_set(volume, 0, mask.data(), 0), KIT_OK);
+    EXPECT_EQ(counted(), 100U);
 }
 
 TEST_F(Drawing_Panels_Through_C, an_export_is_written_where_the_host_says) {

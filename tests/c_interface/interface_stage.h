@@ -80,6 +80,20 @@ class Interface_Stage : public testing::Test {
         EXPECT_EQ(kit_volume_create(&settings, &volume), KIT_OK) << Error();
         return volume;
     }
+    /** The counts of a slice, one for each level 0 to 255. */
+    static std::vector<std::uint32_t> Counts_By_Level(kit_handle volume, int slice) {
+        kit_histogram histogram = {};
+        histogram.size = sizeof histogram;
+        std::vector<std::uint32_t> counts(300);
+        std::uint32_t bins = 0;
+        EXPECT_EQ(kit_volume_histogram(volume, slice, &histogram, counts.data(), 300, &bins), KIT_OK) << Error(volume);
+        std::vector<std::uint32_t> by_level(256);
+        for (std::uint32_t bin = 0; bin < bins; ++bin) {
+            const float level = histogram.origin + (static_cast<float>(bin) + 0.5F) * histogram.bin_width;
+            by_level[static_cast<std::size_t>(level)] += counts[bin];
+        }
+        return by_level;
+    }
     /** An event at a pixel of the window, counted from its upper left corner. */
     kit_status Input(kit_handle panel, std::uint32_t kind, int x, int y, std::uint32_t buttons = 0, int value = 0,
                      std::int32_t* used = nullptr) {

@@ -1,6 +1,9 @@
 // What a host does with the panels through the C interface.
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 
+#include "kits/dataset/dataset_host.h"
 #include "tests/c_interface/interface_stage.h"
 
 namespace {
@@ -121,20 +124,188 @@ TEST_F(Panels_Through_C, pixels_by_row_with_strides_are_the_same_as_by_call_back
     kit_handle by_row = 0;
     ASSERT_EQ(kit_volume_create(&settings, &by_row), KIT_OK);
     for (const kit_handle volume : {by_stride, by_row}) {
-        kit_histogram histogram = {};
-        histogram.size = sizeof histogram;
-        std::uint32_t counts[64] = {};
-        std::uint32_t bins = 0;
-        ASSERT_EQ(kit_volume_histogram(volume, 1, &histogram, counts, 64, &bins), KIT_OK);
-        for (std::uint32_t bin = 0; bin < bins; ++bin) {
-            const int level =
-                static_cast<int>(histogram.origin + (static_cast<float>(bin) + 0.5F) * histogram.bin_width);
-            EXPECT_EQ(counts[bin], level >= 11 && level <= 16 ? 1U : 0U) << level;
+        const auto counts = Counts_By_Level(volume, 1);
+        for (std::size_t level = 0; level < counts.size(); ++level) {
+            EXPECT_EQ(counts[level], level >= 11 && level <= 16 ? 1U : 0U) << level;
         }
     }
     settings.on_row = [](void*, std::int32_t, std::int32_t, void*) { return std::int32_t{0}; };
     EXPECT_EQ(kit_volume_create(&settings, &by_row), KIT_ERROR_ARGUMENT);
     EXPECT_EQ(by_row, 0U);
+}
+
+TEST_F(Panels_Through_C, brushes_have_masks_without_a_panel_too) {
+    const std::uint16_t sizes[] = {1, 5};
+    ASSERT_EQ(kit_brushes_set(sizes, 2), KIT_OK);
+    std::uint32_t count = 0;
+    EXPECT_EQ(kit_brushes_count(&count), KIT_OK);
+    EXPECT_EQ(count, 2U);
+    std::uint16_t size = 0;
+    EXPECT_EQ(kit_brush_size(1, &size), KIT_OK);
+    EXPECT_EQ(size, 5U);
+    EXPECT_EQ(kit_brush_size(2, &size), KIT_ERROR_ARGUMENT);
+    std::vector<std::uint8_t> mask(121);
+    ASSERT_EQ(kit_brush_mask(0, mask.data(), 121, nullptr, nullptr), KIT_OK);
+    EXPECT_EQ(std::ranges::count(mask, 1), 1);
+    EXPECT_EQ(mask[60], 1);
+}
+
+TEST_F(Panels_Through_C, a_mask_is_what_a_brush_panel_lays_out) {
+    Panel(KIT_PANEL_BRUSH);
+    for (const int largest : {1, 2, 9, 40, 181}) {
+        const std::uint16_t sizes[] = {static_cast<std::uint16_t>(largest), 2, 1};
+        ASSERT_EQ(kit_brushes_set(sizes, 3), KIT_OK);
+        auto* const* const masks =
+            static_cast<unsigned char***>(Variable_Array("$BRUSH_PT", VARIABLE_POINTER, nullptr));
+        for (std::uint32_t brush = 0; brush < 3; ++brush) {
+            std::uint32_t side = 0;
+            std::uint32_t needed = 0;
+            ASSERT_EQ(kit_brush_mask(brush, nullptr, 0, &needed, &side), KIT_OK);
+            std::vector<std::uint8_t> mask(needed);
+            ASSERT_EQ(kit_brush_mask(brush, mask.data(), needed, nullptr, nullptr), KIT_OK);
+            for (std::uint32_t row = 0; row < side; ++row) {
+                EXPECT_TRUE(std::equal(masks[brush][row], masks[brush][row] + side, mask.data() + row * side))
+                    << "brush " << brush << " of " << largest << ", row " << row;
+            }
+        }
+    }
+}
+
+/** Two slices of 2 x 1 at three times: the level says slice, time and pixel. */
+class Times_Through_C : public Interface_Stage {
+  protected:
+    static kit_volume_settings Settings() {
+        kit_volume_settings settings = {};
+        settings.size = sizeof settings;
+        settings.pixel = KIT_PIXEL_UNSIGNED_8;
+        settings.width = 2;
+        settings.height = 1;
+        settings.slices = 2;
+        settings.times = 3;
+        return settings;
+    }
+    static kit_handle Made(const kit_volume_settings& settings) {
+        kit_handle volume = 0;
+        EXPECT_EQ(kit_volume_create(&settings, &volume), KIT_OK) << Error();
+        return volume;
+    }
+    /** The levels that a slice counts. */
+    static std::vector<int> Levels(kit_handle volume, int slice) {
+        std::vector<int> levels;
+        const auto counts = Counts_By_Level(volume, slice);
+        for (std::size_t level = 0; level < counts.size(); ++level) {
+            levels.insert(levels.end(), counts[level], static_cast<int>(level));
+        }
+        return levels;
+    }
+    static kit_handle By_Address() {
+        // One time after the other, two bytes between them.
+        static constexpr std::uint8_t stored[] = {10, 11, 110, 111, 0, 0, 20, 21, 120, 121, 0, 0, 30, 31, 130, 131};
+        kit_volume_settings settings = Settings();
+        settings.pixels = stored;
+        settings.time_stride = 6;
+        return Made(settings);
+    }
+};
+
+TEST_F(Times_Through_C, a_slice_counts_all_its_times) {
+    kit_volume_settings settings = Settings();
+    settings.on_row = [](void* /*context*/, std::int32_t slice, std::int32_t /*row*/, void* out) {
+        const int level = slice % 2 * 100 + (slice / 2 + 1) * 10;
+        static_cast<std::uint8_t*>(out)[0] = static_cast<std::uint8_t>(level);
+        static_cast<std::uint8_t*>(out)[1] = static_cast<std::uint8_t>(level + 1);
+        return std::int32_t{1};
+    };
+    for (const kit_handle volume : {By_Address(), Made(settings)}) {
+        EXPECT_EQ(Levels(volume, 0), (std::vector<int>{10, 11, 20, 21, 30, 31}));
+        EXPECT_EQ(Levels(volume, 1), (std::vector<int>{110, 111, 120, 121, 130, 131}));
+        std::int32_t number = 0;
+        EXPECT_EQ(kit_volume_times(volume, &number), KIT_OK);
+        EXPECT_EQ(number, 3);
+        EXPECT_EQ(kit_volume_slices(volume, &number), KIT_OK);
+        EXPECT_EQ(number, 2);
+    }
+}
+
+TEST_F(Times_Through_C, panels_read_at_the_time_that_is_shown) {
+    const kit_handle volume = By_Address();
+    ASSERT_EQ(kit_volume_time_show(volume, 2), KIT_OK);
+    std::int32_t time = 0;
+    EXPECT_EQ(kit_volume_time_shown(volume, &time), KIT_OK);
+    EXPECT_EQ(time, 2);
+    EXPECT_EQ(kit_volume_time_show(volume, 3), KIT_ERROR_ARGUMENT);
+    EXPECT_EQ(kit_volume_time_show(volume, -1), KIT_ERROR_ARGUMENT);
+    const unsigned short pass = Iterator_Init("test", nullptr);
+    std::vector<int> levels;
+    const float second_pixel[] = {1, 0};
+    while (const Quorel_2D* const slice = Iterator_Class_2D(pass, CLASS_MASK_2D, All_Windows(), 0)) {
+        levels.push_back(slice->frame->Sample(second_pixel, slice->slice));
+        EXPECT_EQ(slice->frame->times, 3);
+    }
+    Iterator_End(pass);
+    EXPECT_EQ(levels, (std::vector<int>{31, 131}));
+}
+
+TEST_F(Times_Through_C, a_masked_slice_counts_its_pixels_at_the_shown_time) {
+    const kit_handle volume = By_Address();
+    const std::uint8_t second[] = {0, 7};
+    ASSERT_EQ(kit_volume_time_show(volume, 1), KIT_OK);
+    ASSERT_EQ(kit_volume_mask_set(volume, 1, second, 0), KIT_OK);
+    EXPECT_EQ(Levels(volume, 1), std::vector<int>{121});
+    EXPECT_EQ(Levels(volume, 0), (std::vector<int>{10, 11, 20, 21, 30, 31}));
+    ASSERT_EQ(kit_volume_time_show(volume, 2), KIT_OK);
+    EXPECT_EQ(Levels(volume, 1), std::vector<int>{131});
+    ASSERT_EQ(kit_volume_mask_set(volume, -1, second, 0), KIT_OK);
+    EXPECT_EQ(Levels(volume, 0), std::vector<int>{31});
+    ASSERT_EQ(kit_volume_mask_set(volume, -1, nullptr, 0), KIT_OK);
+    EXPECT_EQ(Levels(volume, 0), (std::vector<int>{10, 11, 20, 21, 30, 31}));
+    EXPECT_EQ(kit_volume_mask_set(volume, 2, second, 0), KIT_ERROR_ARGUMENT);
+}
+
+TEST_F(Times_Through_C, rows_of_a_mask_have_a_stride) {
+    const std::uint8_t levels[] = {1, 2, 3, 4};
+    kit_volume_settings settings = Settings();
+    settings.height = 2;
+    settings.slices = 1;
+    settings.times = 0;  // counts as one
+    settings.pixels = levels;
+    const kit_handle volume = Made(settings);
+    const std::uint8_t bottom_up[] = {1, 0, 9, 0, 1, 9};
+    ASSERT_EQ(kit_volume_mask_set(volume, 0, bottom_up + 3, -3), KIT_OK);
+    EXPECT_EQ(Levels(volume, 0), (std::vector<int>{2, 3}));
+}
+
+TEST_F(Times_Through_C, a_host_of_the_first_version_knows_no_times) {
+    kit_volume_settings settings = Settings();
+    settings.size = offsetof(kit_volume_settings, times);  // what follows is not the host's
+    settings.times = -7;
+    const std::uint8_t levels[] = {1, 2, 3, 4};
+    settings.pixels = levels;
+    std::int32_t times = 0;
+    EXPECT_EQ(kit_volume_times(Made(settings), &times), KIT_OK);
+    EXPECT_EQ(times, 1);
+    settings.size = offsetof(kit_volume_settings, times) - 1;
+    kit_handle volume = 0;
+    EXPECT_EQ(kit_volume_create(&settings, &volume), KIT_ERROR_SIZE);
+    settings.size = sizeof settings;
+    EXPECT_EQ(kit_volume_create(&settings, &volume), KIT_ERROR_ARGUMENT);
+    settings.times = 65535;
+    settings.slices = 65535;
+    EXPECT_EQ(kit_volume_create(&settings, &volume), KIT_ERROR_ARGUMENT);
+}
+
+TEST_F(Panels_Through_C, a_variable_tells_what_it_is) {
+    std::uint32_t type = 0;
+    std::uint32_t count = 9;
+    EXPECT_EQ(kit_variable_type("$TAG_CUR", &type, &count), KIT_OK);
+    EXPECT_EQ(type, static_cast<std::uint32_t>(KIT_VARIABLE_UNSIGNED_16));
+    EXPECT_EQ(count, 0U);
+    EXPECT_EQ(kit_variable_type("$TAG_THRESHOLD_MIN", &type, &count), KIT_OK);
+    EXPECT_EQ(type, static_cast<std::uint32_t>(KIT_VARIABLE_FLOAT));
+    EXPECT_EQ(count, 256U);
+    EXPECT_EQ(kit_variable_type("$WINDOW_CUR", &type, nullptr), KIT_OK);
+    EXPECT_EQ(type, static_cast<std::uint32_t>(KIT_VARIABLE_OBJECT));
+    EXPECT_EQ(kit_variable_type("$NOT_THERE", &type, nullptr), KIT_ERROR_MISSING);
 }
 
 TEST_F(Panels_Through_C, the_propagate_panel_asks_the_host_to_carry_work_on) {
