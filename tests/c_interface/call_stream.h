@@ -27,6 +27,9 @@ class Call_Stream {
             return;
         }
         ++nested;
+        if (input.Below(4) == 0) {
+            kit_panel_destroy(at_work);
+        }
         Step();
         Require(kit_stop() == KIT_ERROR_STATE);
         --nested;
@@ -90,7 +93,10 @@ class Call_Stream {
     std::string Text() { return input.Text(40); }
 
     void Step() {
-        switch (input.Below(12)) {
+        switch (input.Below(13)) {
+            case 12:
+                Click_Around();
+                break;
             case 0:
                 Panel_Make();
                 break;
@@ -170,15 +176,38 @@ class Call_Stream {
         kit_volume_show(volume, 0);
     }
 
+    bool May_Press(kit_handle panel) const {
+        std::uint32_t kind = 0;
+        kit_panel_kind(panel, &kind);
+        return has_modal_loops || (kind != KIT_PANEL_PROPAGATE && kind != KIT_PANEL_HISTOGRAM);
+    }
+
+    /** Clicks all over a panel: by chance alone hardly any would meet a list, a node or a button. */
+    void Click_Around() {
+        const kit_handle panel = Handle();
+        const std::uint32_t button = input.Below(2) == 0 ? KIT_BUTTON_LEFT : KIT_BUTTON_RIGHT;
+        if (!May_Press(panel)) {
+            return;
+        }
+        constexpr int step = 22;
+        for (int y = step / 2; y < 200 && !input.At_End(); y += step) {
+            for (int x = step / 2; x < 300; x += 2 * step) {
+                kit_input event = {sizeof event, KIT_INPUT_PRESS, x + 40, y + 30, button, 0};
+                at_work = panel;
+                kit_panel_input(panel, &event, nullptr);
+                event.kind = KIT_INPUT_RELEASE;
+                event.buttons = 0;
+                kit_panel_input(panel, &event, nullptr);
+            }
+        }
+    }
+
     void Event() {
         const kit_handle panel = Handle();
         kit_input event = {};
         event.size = Size(sizeof event);
         event.kind = static_cast<std::uint32_t>(input.Below(8));
-        std::uint32_t kind = 0;
-        kit_panel_kind(panel, &kind);
-        const bool is_looping = kind == KIT_PANEL_PROPAGATE || kind == KIT_PANEL_HISTOGRAM;
-        if (event.kind == KIT_INPUT_PRESS && is_looping && !has_modal_loops) {
+        if (event.kind == KIT_INPUT_PRESS && !May_Press(panel)) {
             return;
         }
         event.x = input.Below(300);
@@ -186,6 +215,7 @@ class Call_Stream {
         event.buttons = static_cast<std::uint32_t>(input.Below(8)) << 4;
         event.value = input.Below(3) == 0 ? input.Take<std::int32_t>() : input.Below(256);
         std::int32_t used = 0;
+        at_work = panel;
         kit_panel_input(panel, input.Below(20) == 0 ? nullptr : &event, input.Below(2) == 0 ? nullptr : &used);
     }
 
@@ -442,6 +472,7 @@ class Call_Stream {
     bool has_modal_loops;
     std::function<void(Input_Bytes&)> between_calls;
     bool is_quiet = false;
+    kit_handle at_work = 0;  // what a call inside of another one ends now and then
     int nested = 0;
     std::vector<kit_handle> handles;
 };
