@@ -13,7 +13,12 @@ function(kit_header_only NAME HEADER)
         PATHS /usr/include PATH_SUFFIXES eigen3 NO_CMAKE_FIND_ROOT_PATH
         DOC "The folder that has ${HEADER}")
     if(NOT KIT_${NAME}_FOLDER)
-        message(FATAL_ERROR "The header ${HEADER} is missing; start scripts/install_packages run.")
+        message(FATAL_ERROR "The header ${HEADER} is missing: on Debian scripts/install_packages run brings it, elsewhere -D "
+            "KIT_${NAME}_FOLDER=FOLDER names the folder that has it.")
+    endif()
+    if(CMAKE_HOST_WIN32)  # no links without the right to, and no headers of another system beside it
+        target_include_directories(header_only SYSTEM INTERFACE "${KIT_${NAME}_FOLDER}")
+        return()
     endif()
     cmake_path(GET HEADER PARENT_PATH folder)
     file(MAKE_DIRECTORY "${kit_header_folder}")
@@ -21,7 +26,9 @@ function(kit_header_only NAME HEADER)
 endfunction()
 kit_header_only(EIGEN Eigen/Dense)
 kit_header_only(STB stb/stb_image_write.h)
-target_include_directories(header_only SYSTEM INTERFACE "${kit_header_folder}")
+if(NOT CMAKE_HOST_WIN32)
+    target_include_directories(header_only SYSTEM INTERFACE "${kit_header_folder}")
+endif()
 
 # What an option asks for and is not there ends the configuration with the command that brings it.
 function(kit_find OPTION PACKAGE TITLE COMMAND)

@@ -63,6 +63,7 @@ if(KIT_TESTS AND MINGW AND CMAKE_BUILD_TYPE STREQUAL Debug)
     kit_lint(headers_alone "${CMAKE_BINARY_DIR}")
     kit_lint(exports "${CMAKE_BINARY_DIR}")
     kit_lint(c_description "${CMAKE_BINARY_DIR}")
+    kit_lint(other_compilers)
 endif()
 
 if(KIT_SANITIZE)

@@ -55,8 +55,8 @@ install(FILES "${PROJECT_SOURCE_DIR}/c_interface/kit_panels_c.def" DESTINATION l
 if(KIT_MICROSOFT_LIBRARY)
     install(FILES "${KIT_MICROSOFT_LIBRARY}" DESTINATION lib COMPONENT development)
 endif()
-install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/c_host" "${PROJECT_SOURCE_DIR}/examples/python"
-    "${PROJECT_SOURCE_DIR}/examples/rust" DESTINATION share/kit_panels/examples
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/c_host" "${PROJECT_SOURCE_DIR}/examples/csharp"
+    "${PROJECT_SOURCE_DIR}/examples/python" "${PROJECT_SOURCE_DIR}/examples/rust" DESTINATION share/kit_panels/examples
     COMPONENT development PATTERN CMakeLists.txt EXCLUDE)
 
 configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/Kit_PanelsConfig.cmake.in"

@@ -2,8 +2,7 @@
  *
  *   c_host SLICE WIDTH HEIGHT    SLICE: a file of WIDTH x HEIGHT bytes, one grey level each
  *
- * Any compiler builds it: it needs kit_panels.h and an import library, nothing of the panels' compiler. Without a
- * fourth word it does its work, prints what it saw, and ends: that is how it is tested. */
+ * It needs kit_panels.h and an import library, nothing of the panels' compiler. A fourth word: it stays open. */
 #ifdef HOST_WITHOUT_SDK
 #include "without_sdk.h"
 #else
@@ -16,7 +15,6 @@
 #include "kit_panels.h"
 
 static int failures = 0;
-
 static void Check(kit_status status, kit_handle handle, const char* what) {
     char text[300] = "";
     if (status != KIT_OK) {

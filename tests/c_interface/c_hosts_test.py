@@ -1,4 +1,5 @@
 """Both hosts in C, one of the panels' compiler and one of another, do the same: c_hosts_test.py ROOT BIN_FOLDER HOST ...
+And the program that the guide shows can be built.
 
 Each gets a slice of the sample brain, picks and renames a TAG by messages to the panel's window, and prints the peaks.
 """
@@ -13,6 +14,19 @@ SAMPLE = "/usr/share/mricron/templates/ch2.nii.gz"
 WIDTH, HEIGHT, SLICE, HEADER = 181, 217, 90, 352
 
 
+def guide_builds(root, folder, work):
+    """The program of the page for C, copied from it, is built as the page says."""
+    with open(os.path.join(root, "docs/languages/c.md"), encoding="utf-8") as file:
+        program = re.search(r"```c\n(.*?)```", file.read(), re.DOTALL).group(1)
+    source = os.path.join(work, "guide.c")
+    with open(source, "w", encoding="utf-8") as file:
+        file.write(program)
+    library = os.path.join(folder, "../lib/libkit_panels_c.dll.a")
+    for compiler in ["x86_64-w64-mingw32-gcc", "-std=c11"], ["x86_64-w64-mingw32-g++", "-xc++", "-std=c++20"]:
+        subprocess.run([*compiler, "-Wall", "-Wextra", "-Werror", "-I", os.path.join(root, "c_interface"), source, "-xnone", library,
+                        "-o", os.path.join(work, "guide.exe")], check=True)
+
+
 def main():
     root, folder = sys.argv[1:3]
     with gzip.open(SAMPLE) as file:
@@ -20,6 +34,7 @@ def main():
     size = WIDTH * HEIGHT
     said = {}
     with tempfile.TemporaryDirectory(dir=folder) as work:
+        guide_builds(root, folder, work)
         path = os.path.join(work, "slice.raw")
         with open(path, "wb") as file:
             file.write(volume[HEADER + SLICE * size:HEADER + (SLICE + 1) * size])
