@@ -9,6 +9,19 @@
  *  **Threads.** The thread that called kit_start() is the user-interface thread. Every other function but
  *  kit_panels_abi_version() and kit_status_text() is called on it; elsewhere it gives KIT_ERROR_THREAD.
  *
+ *  **Errors.** A function that fails has changed nothing, and written nothing but null handles; only a lack of memory
+ *  in the middle may leave a part done. What each function may give, beyond what it says itself: KIT_ERROR_STATE before
+ *  kit_start() and after kit_stop(), and for a panel whose window the host has destroyed; KIT_ERROR_HANDLE and
+ *  KIT_ERROR_KIND for a handle that is not of the wanted kind; KIT_ERROR_ARGUMENT for a null pointer that is not said
+ *  to be allowed and for a number outside its range; KIT_ERROR_SIZE for a struct, KIT_ERROR_TEXT for a text,
+ *  KIT_ERROR_MISSING for the name of a variable, KIT_ERROR_ROOM for what is asked for; KIT_ERROR_MEMORY.
+ *
+ *  **Ownership.** The host gives back by the _destroy functions what it made; kit_stop() gives back the rest. No memory
+ *  changes hands: nothing that the host allocated is freed here, and nothing of here is freed by the host. The window
+ *  of a panel is the host's, a child window that a panel made for itself is the panel's.
+ *
+ *  **Units** are pixels of the window or of the image, grey levels, and numbers that count from 0.
+ *
  *  **Texts** are UTF-8 with an ending zero. Panels work in the system's code page: a text that has other characters
  * than that page gives KIT_ERROR_TEXT.
  *
