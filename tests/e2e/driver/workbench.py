@@ -11,7 +11,8 @@ from driver.state import Box, Failure, State, without_mnemonic
 PATIENCE = float(os.environ.get("E2E_PATIENCE", 60))
 START = 2 * PATIENCE  # seconds for Wine and the workbench to start
 LOOK_EVERY = 0.004
-FRAME = 60  # pixels: a window's frame is smaller
+FRAME = 60  # pixels: a window's frame with title and menu is lower
+FRAME_SIDE = 12  # and narrower than this at a side
 
 
 def windows_path(path):
@@ -225,7 +226,7 @@ class Workbench:
         """Waits until there is no such window."""
         return self.wait(f"'{title}' to go", lambda s: s.window(title) is None)
 
-    def front(self, title=" - Workbench"):
+    def front(self, title="Workbench"):
         """Brings a window to the front, as a click on its name elsewhere would."""
         asked = 0
         def is_in_front(state):
@@ -294,7 +295,7 @@ class Workbench:
         def is_there(state):
             box = Box(state.window(title)["place"])
             size = not width or (abs(box.width - width) < FRAME and abs(box.height - height) < FRAME)
-            return size and abs(box.left - left) < FRAME and abs(box.top - top) < FRAME
+            return size and abs(box.left - left) < FRAME_SIDE and 0 <= box.top - top < FRAME
         return self.wait(f"'{title}' at its new place", is_there)
 
     # ------------------------------------------------------------------------------------------------ the image, TAGs

@@ -32,7 +32,7 @@ def a_folder_is_stacked_and_shown(run):
     app.expect("a folder of DICOM files is opened", lambda s: s.volume_nb >= 20)
     app.expect("its slices are stacked", slice_nb=5)
     app.expect("its file's window is used", window_low_x100=-16000, window_high_x100=23900)
-    for key, low, high, what in (("2", 0, 7900, "the brain's"), ("4", -13500 // 100, 14900, "the lung's")):
+    for key, low, high, what in (("2", 0, 7900, "the brain's"), ("4", -135000, 14900, "the lung's")):
         app.key("alt+i")
         app.wait("a menu", lambda s: s.is_in_menu)
         app.key(key)
