@@ -10,7 +10,6 @@ namespace c_interface {
 namespace {
 
 constexpr int size_most = 32767;  // rectangles of panels are 16 bits wide
-constexpr int wheel_notch = 120;  // of the wheel's own unit
 constexpr int dark_grey = 70;
 constexpr int light_grey = 214;
 constexpr std::uint32_t buttons_all = KIT_BUTTON_LEFT | KIT_BUTTON_MIDDLE | KIT_BUTTON_RIGHT;
@@ -174,10 +173,7 @@ void Panel::Update(std::uint64_t flags) {
 }
 
 int Panel::Wheel_Notches(int delta) {
-    wheel_rest += delta;
-    const int notches = wheel_rest / wheel_notch;
-    wheel_rest -= notches * wheel_notch;
-    return notches;
+    return wheel.Add(delta);
 }
 
 int Panel::Click(int up_down) {

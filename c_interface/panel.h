@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "base/wheel_remainder.h"
 #include "c_interface/session.h"
 #include "host/kit_widgets.h"
 #include "kits/widgets/widgets_host.h"
@@ -74,7 +75,7 @@ class Panel : public Object {
     HWND window = nullptr;
     bool is_own = false;
     bool is_laid_out = false;
-    int wheel_rest = 0;
+    Wheel_Remainder wheel;
 };
 
 /** The panel, with a window to draw in, or a Failure. */

@@ -1,3 +1,13 @@
+// The rule is Map_Any: bin by bin. Every other path gives its bits and stands here for what it gains; measured on 4,096
+// bins a frame, optimised, as times of the whole merge without that path over times with it:
+//
+//   sums of a run of frames of one grid, mapped once          3.6
+//   four frames to a pass over the sums (1,000 frames)        1.6
+//   Map_Monotone, targets in blocks of TARGETS_NB             3.3
+//   Add_Consecutive, frames as wide as the record's bins      1.7
+//   sums of a target in a register, ten frame bins to one     1.5; five bins to three 1.2
+//   multiplication by an exact inverse, narrower frame bins   1.8
+//   Map_Wide, frame bins wider than the record's              1.5 to 2.0
 #include "histogram/histogram_merge.h"
 
 #include <emmintrin.h>
@@ -16,7 +26,9 @@ constexpr int ARRAYS_NB = 5;
 
 using Count_Array = std::array<std::uint32_t, BINS_MAX + 1>;
 
-// Sums of a run of frames that share a grid. One user-interface thread: no lock; static: no allocation that could fail.
+// Sums of a run of frames that share a grid. One user-interface thread: no lock. Static, so that nothing of a merge can
+// fail for want of memory; the 1.3 MB are not in the file, and the system gives a page only when a bin of it is
+// counted: a grey histogram of 4,096 bins takes 16 KB.
 std::array<Count_Array, ARRAYS_NB> run_sums;
 
 struct Array_List {

@@ -218,7 +218,9 @@ class Application : public Image_User, public Main_Window_User {
     void Open_Paths(std::span<const std::filesystem::path> paths);
     /** Tells which files were not opened, and why. */
     void Problems_Tell(const volumes::Image_Folder& opened, const std::filesystem::path& first);
-    void Show_Volumes(volumes::Image_Folder&& opened, std::vector<volumes::Volume_Statistics>&& numbers);
+    /** @param first of the paths that were opened: the class changes are kept beside it */
+    void Show_Volumes(const std::filesystem::path& first, volumes::Image_Folder&& opened,
+                      std::vector<volumes::Volume_Statistics>&& numbers, std::vector<Slice_Frames>&& frames);
     /** Name and size of the current volume. */
     std::wstring Volume_Text() const;
     /** Shows how the current volume was read. */
@@ -288,8 +290,8 @@ class Application : public Image_User, public Main_Window_User {
     /** Runs an event of a database panel. A panel asks for one thing per checked row; all is done once, afterwards. */
     void Database_Run(const std::function<void()>& event);
     bool May_Remove_Class(const std::string& class_name);
-    /** The class trees of data that were just opened. */
-    void Class_Changes_Open(const std::filesystem::path& data);
+    /** Tells of the class trees of data that were just opened. @param problem of reading their changes; may be empty */
+    void Class_Changes_Opened(const std::string& problem);
     /** Makes a step of what the editor has changed, and saves it. */
     void Class_Changes_Note();
     void Class_Changes_Save();

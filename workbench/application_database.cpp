@@ -96,13 +96,11 @@ bool Application::May_Remove_Class(const std::string& class_name) {
     return ::MessageBoxW(window.Handle(), question.c_str(), L"Class tree", MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 
-void Application::Class_Changes_Open(const std::filesystem::path& data) {
-    if (const std::string problem = class_history.Open(objects.Root(), data); !problem.empty()) {
+void Application::Class_Changes_Opened(const std::string& problem) {
+    if (!problem.empty()) {
         Warn(problem);
     }
     class_problem.clear();
-    // The trees were shown as they are built, or as other data had them.
-    Announce(UPDATE_STRUCTURE | UPDATE_LEVEL_1D | UPDATE_LEVEL_2D | UPDATE_LEVEL_3D);
     report.Line("class_changes " + std::to_string(class_history.Journal().Done_Nb()));
 }
 

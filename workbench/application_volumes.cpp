@@ -36,8 +36,8 @@ void Application::Run_With_Progress(const std::wstring& what,
     std::atomic<bool> is_given_up = false;
     std::atomic<bool> is_done = false;
     std::exception_ptr failure;
-    // The action goes on beside this thread, so that the window answers; nothing of the window or the kits is used
-    // there.
+    // The action goes on beside this thread, so that the window answers; nothing of the window is used there, and of
+    // the kits only what computes.
     std::thread worker([&] {
         try {
             action([&](double done) {
@@ -72,12 +72,20 @@ void Application::Open_Paths(std::span<const std::filesystem::path> paths) {
     }
     volumes::Image_Folder opened;
     std::vector<volumes::Volume_Statistics> numbers;
+    std::vector<Slice_Frames> frames;
     Run_With_Progress(L"Loading " + Wide_Of_Utf8(volumes::File_Name_Text(paths.front())),
                       [&](const volumes::Load_Progress& progress) {
-                          opened = volumes::Image_Folder_Open(paths, progress);
+                          constexpr double read_share = 0.8;  // of the time; the rest goes into the histograms
+                          opened = volumes::Image_Folder_Open(paths,
+                                                              [&](double done) { return progress(done * read_share); });
                           for (const volumes::Folder_Volume& one : opened.volumes) {
                               numbers.push_back(volumes::Volume_Statistics_Compute(one.volume));
                           }
+                          frames = Slice_Frames_Make(opened.volumes, [&](double done) {
+                              const bool goes_on = progress(read_share + done * (1.0 - read_share));
+                              opened.is_cancelled = opened.is_cancelled || !goes_on;
+                              return goes_on;
+                          });
                       });
     if (opened.is_cancelled) {
         Status(L"Loading was given up");
@@ -99,8 +107,7 @@ void Application::Open_Paths(std::span<const std::filesystem::path> paths) {
         const std::filesystem::path whole = std::filesystem::absolute(path, unknown);
         opened_paths.push_back(Path_To_Utf8(unknown ? path : whole));
     }
-    Show_Volumes(std::move(opened), std::move(numbers));
-    Class_Changes_Open(paths.front());
+    Show_Volumes(paths.front(), std::move(opened), std::move(numbers), std::move(frames));
     if (paths.size() == 1) {
         Recent_Opened(paths.front());
     }
@@ -136,17 +143,22 @@ void Application::Problems_Tell(const volumes::Image_Folder& opened, const std::
     }
 }
 
-void Application::Show_Volumes(volumes::Image_Folder&& opened, std::vector<volumes::Volume_Statistics>&& numbers) {
+void Application::Show_Volumes(const std::filesystem::path& first, volumes::Image_Folder&& opened,
+                               std::vector<volumes::Volume_Statistics>&& numbers, std::vector<Slice_Frames>&& frames) {
     const std::wstring found = Wide_Of_Utf8(volumes::Image_Folder_Text(opened));
+    std::string class_problem_found;
     objects.Clear();
     try {
         volumes.Take(std::move(opened), std::move(numbers), session);
-        objects.Build(volumes, session);
+        objects.Build(volumes, session, std::move(frames));
+        class_problem_found = class_history.Open(objects.Root(), first);
     } catch (const std::bad_alloc&) {
         objects.Clear();
         volumes.Clear(session);
         Announce(UPDATE_ALL | UPDATE_WINDOW_CUR | UPDATE_FRAME_CUR | UPDATE_STRUCTURE | UPDATE_LEVEL_2D);
         Warn("There is not enough memory for these images.");
+        Class_Changes_Opened(class_history.Open(nullptr, first));
+        Announce(UPDATE_STRUCTURE | UPDATE_LEVEL_1D | UPDATE_LEVEL_3D);
         return;
     }
     Volume_Adopt();
@@ -156,7 +168,9 @@ void Application::Show_Volumes(volumes::Image_Folder&& opened, std::vector<volum
     is_background_left_out = false;
     hosted_histogram.Scale_Release();
     Histogram_Select();
-    Announce(UPDATE_ALL | UPDATE_STRUCTURE | volume_changed);
+    // One announcement, when all class trees are as these data have them: each is built once.
+    Announce(UPDATE_ALL | UPDATE_STRUCTURE | UPDATE_LEVEL_1D | UPDATE_LEVEL_3D | volume_changed);
+    Class_Changes_Opened(class_problem_found);
     Histogram_Scale_Suggest();
     const std::wstring text = Volume_Text() + L"   " + Histogram_Text();
     Status(volumes.Nb() > 1 ? found + L"   " + text : text);

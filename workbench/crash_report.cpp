@@ -120,33 +120,34 @@ void Stack_Put(Report_File& report, CONTEXT context) {
     }
 }
 
-void Fault_Put(Report_File& report, const EXCEPTION_RECORD& fault) {
-    const auto address = reinterpret_cast<DWORD64>(fault.ExceptionAddress);
+/** What happened, in a few words. In static memory: a fault may be one of the stack. */
+const char* Fault_Words(const EXCEPTION_RECORD& fault) {
+    static char words[sizeof fault_text + 40];
     if (fault.ExceptionCode == code_of_terminate) {
-        report.Format("fault C++ exception: %s\n", fault_text);
+        std::snprintf(words, sizeof words, "C++ exception: %s", fault_text);
     } else if (fault.ExceptionCode == code_of_abort) {
-        report.Text("fault abort\n");
+        std::snprintf(words, sizeof words, "abort");
     } else if (fault.ExceptionCode == EXCEPTION_ACCESS_VIOLATION && fault.NumberParameters >= 2) {
-        report.Format("fault access violation, %s 0x%llX\n",
+        std::snprintf(words, sizeof words, "access violation, %s 0x%llX",
                       fault.ExceptionInformation[0] == 0   ? "reading"
                       : fault.ExceptionInformation[0] == 1 ? "writing"
                                                            : "executing",
                       static_cast<unsigned long long>(fault.ExceptionInformation[1]));
     } else {
-        report.Format("fault 0x%08lX\n", fault.ExceptionCode);
+        std::snprintf(words, sizeof words, "0x%08lX", fault.ExceptionCode);
     }
-    report.Text("at\n");
-    report.Place(address);
+    return words;
+}
+
+void Fault_Put(Report_File& report, const EXCEPTION_RECORD& fault) {
+    report.Format("fault %s\nat\n", Fault_Words(fault));
+    report.Place(reinterpret_cast<DWORD64>(fault.ExceptionAddress));
 }
 
 /** Where nothing can be kept of a fault, the user is told at once. */
 void Fault_Say(const EXCEPTION_RECORD& fault) {
-    wchar_t what[sizeof fault_text] = {};
-    if (fault.ExceptionCode == code_of_terminate) {
-        ::MultiByteToWideChar(CP_UTF8, 0, fault_text, -1, what, static_cast<int>(std::size(what)) - 1);
-    } else {
-        ::wsprintfW(what, L"0x%08lX", fault.ExceptionCode);
-    }
+    wchar_t what[sizeof fault_text + 40] = {};
+    ::MultiByteToWideChar(CP_UTF8, 0, Fault_Words(fault), -1, what, static_cast<int>(std::size(what)) - 1);
     wchar_t text[sizeof fault_text + 200] = {};
     ::wsprintfW(text, L"The workbench has to end by a fault: %s.\n\nThere is no folder for a report of it.", what);
     ::MessageBoxW(nullptr, text, L"Workbench", MB_OK | MB_ICONERROR | MB_SETFOREGROUND | MB_TASKMODAL);

@@ -12,8 +12,6 @@ namespace workbench {
 
 namespace {
 
-constexpr int grid_bins_max = 4096;
-
 void Icon_Set(Quorel_2D& object, const char* file) {
     std::snprintf(object.icon, sizeof object.icon, "%s", file);
 }
@@ -44,21 +42,6 @@ bool Is_Selected(const Quorel_2D& frame) {
     return frame.Flag_Get_Bit(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION) != 0;
 }
 
-/** The grid of levels; where bins are of several levels, with room for the bin that the panel adds. */
-Histo_Grid Grid_Of(std::int32_t lowest, std::int32_t highest, float slope, float intercept) {
-    const Histo_Grid grid = Histo_Grid_Of_Levels(lowest, highest, slope, intercept, grid_bins_max);
-    const bool is_one_level = std::int64_t{highest} - lowest < grid_bins_max;
-    if (is_one_level || !(grid.bin_width > 0.0F)) {
-        return grid;
-    }
-    const int added = static_cast<int>(std::clamp(1.0F / grid.bin_width, 0.0F, grid_bins_max / 2.0F)) + 1;
-    return Histo_Grid_Of_Levels(lowest, highest, slope, intercept, grid_bins_max - added);
-}
-
-void Histogram_Build(Level_Frame& frame, const volumes::Volume& image, const unsigned char* mask) {
-    Frame_Histogram_Build(&frame, Grid_Of(image.level_min, image.level_max, frame.slope, frame.intercept), mask);
-}
-
 /** Gives the frame the histogram of its 3 x 3 means. @param smooth room for them */
 void Smooth_Histogram_Build(Level_Frame& frame, const volumes::Volume& image, const unsigned char* mask,
                             std::vector<std::int32_t>& smooth) {
@@ -68,11 +51,22 @@ void Smooth_Histogram_Build(Level_Frame& frame, const volumes::Volume& image, co
     smooth.resize(plane);
     Slice_Smooth({frame.levels, plane}, frame.width, frame.height, steps, smooth);
     Level_Frame means(smooth.data(), frame.width, frame.height, 1, 1, slope, frame.intercept, false);
-    Frame_Histogram_Build(&means, Grid_Of(image.level_min * steps, image.level_max * steps, slope, frame.intercept),
+    Frame_Histogram_Build(&means, Slice_Grid(image.level_min * steps, image.level_max * steps, slope, frame.intercept),
                           mask);
     Frame_Histogram_Free(&frame);
     std::swap(frame.histogram, means.histogram);
     std::swap(frame.histogram_built, means.histogram_built);
+}
+
+/** The frame of a slice, with histogram: the one that was made for it, or a new one. */
+std::unique_ptr<Level_Frame> Frame_Take(Slice_Frames& made, const volumes::Volume& image, int slice) {
+    const auto at = static_cast<std::size_t>(slice);
+    if (at < made.size() && made[at] != nullptr && made[at]->levels == image.levels.data() + image.Index(0, 0, slice)) {
+        return std::move(made[at]);
+    }
+    std::unique_ptr<Level_Frame> frame = Slice_Frame_Make(image, slice, 1);
+    Slice_Histogram_Build(*frame, image, nullptr);
+    return frame;
 }
 
 }  // namespace
@@ -103,13 +97,16 @@ void Volume_Objects::Clear() {
     current = -1;
 }
 
-void Volume_Objects::Build(const Open_Volumes& volumes, const Session& current_session) {
+void Volume_Objects::Build(const Open_Volumes& volumes, const Session& current_session,
+                           std::vector<Slice_Frames>&& made) {
+    made.resize(static_cast<std::size_t>(volumes.Nb()));
     Clear();
     root = std::make_unique<Quorel_2D>();
     root->Title_Set("Images");
     Icon_Set(*root, "class Images.tga");
     for (int at = 0; at < volumes.Nb(); ++at) {
-        Volume_Build(at, volumes.Facts(at), volumes.Session_Of(at, current_session));
+        Volume_Build(at, volumes.Facts(at), volumes.Session_Of(at, current_session),
+                     std::move(made[static_cast<std::size_t>(at)]));
     }
     Files_Build(volumes);
     current = volumes.Current();
@@ -117,17 +114,11 @@ void Volume_Objects::Build(const Open_Volumes& volumes, const Session& current_s
     Variable_Define_Pointer("$DB_2D_ROOT_PT", root.get());
 }
 
-void Volume_Objects::Volume_Build(int at, const Volume_Facts& facts, const Session& session) {
+void Volume_Objects::Volume_Build(int at, const Volume_Facts& facts, const Session& session, Slice_Frames&& frames) {
     const volumes::Volume& image = session.Image();
-    const Panel_Scale scale = Panel_Scale_Of(image);
-    const auto slope = static_cast<float>(scale.To_Panel(image.slope));
-    const auto intercept = static_cast<float>(scale.To_Panel(image.intercept));
-    const auto frame_of = [&](int slice, int times) {
-        auto data = std::make_unique<Level_Frame>(session.Levels(slice).data(), image.nx, image.ny, 1, times, slope,
-                                                  intercept, image.color);
-        data->modality = facts.modality;
-        data->flags = facts.is_scout ? FRAME_FLAG_SCOUT : 0;
-        return data;
+    const auto facts_set = [&](Level_Frame& data) {
+        data.modality = facts.modality;
+        data.flags = facts.is_scout ? FRAME_FLAG_SCOUT : 0;
     };
     Shown_Volume& made = *shown.emplace_back(std::make_unique<Shown_Volume>());
     made.name = Panel_Of_Utf8(facts.title);
@@ -139,12 +130,13 @@ void Volume_Objects::Volume_Build(int at, const Volume_Facts& facts, const Sessi
     made.object->descriptor = made.descriptor.c_str();
     root->Child_Add(made.object.get());
     if (facts.is_cine) {
-        made.cine = frame_of(0, session.Slice_Nb());
+        made.cine = Slice_Frame_Make(image, 0, session.Slice_Nb());
+        facts_set(*made.cine);
         made.further[0] = made.cine.get();
     }
     for (int slice = 0; slice < session.Slice_Nb(); ++slice) {
-        auto data = frame_of(slice, 1);
-        Histogram_Build(*data, image, nullptr);
+        std::unique_ptr<Level_Frame> data = Frame_Take(frames, image, slice);
+        facts_set(*data);
         auto frame = std::make_unique<Quorel_2D>();
         frame->Title_Set("Frame");
         Icon_Set(*frame, facts.is_scout ? "icon scout.tga" : "icon image.tga");
@@ -287,7 +279,7 @@ void Volume_Objects::Histograms_Build(const Session& session, const Counted_Pixe
         if (counted.is_smoothed && !image.color) {
             Smooth_Histogram_Build(frame, image, chosen, smooth);
         } else {
-            Histogram_Build(frame, image, chosen);
+            Slice_Histogram_Build(frame, image, chosen);
         }
     }
 }

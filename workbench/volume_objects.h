@@ -11,6 +11,7 @@
 #include "kits/dataset/dataset_host.h"
 #include "workbench/model/open_volumes.h"
 #include "workbench/model/panel_scale.h"
+#include "workbench/slice_frames.h"
 
 namespace workbench {
 
@@ -37,8 +38,10 @@ class Volume_Objects {
 
     /** Makes the objects of all open volumes, histograms included, and names them and their files in the host
      *  variables. Grey values are told in the unit of Panel_Scale_Of. The sessions' levels must outlive them; the
-     * current volume is selected. */
-    void Build(const Open_Volumes& volumes, const Session& current_session);
+     *  current volume is selected.
+     *  @param made the frames of the volumes' slices, by Slice_Frames_Make before the sessions took the volumes; those
+     *  that are missing are made here */
+    void Build(const Open_Volumes& volumes, const Session& current_session, std::vector<Slice_Frames>&& made = {});
     /** Takes the objects away; nothing is shown. */
     void Clear();
 
@@ -82,7 +85,7 @@ class Volume_Objects {
         std::unique_ptr<Quorel_2D> object;
         std::vector<std::unique_ptr<Quorel_2D>> frames;
     };
-    void Volume_Build(int at, const Volume_Facts& facts, const Session& session);
+    void Volume_Build(int at, const Volume_Facts& facts, const Session& session, Slice_Frames&& frames);
     void Files_Build(const Open_Volumes& volumes);
     const Shown_Volume* Current() const;
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/wheel_remainder.h"
 #include "kits/widgets/painter.h"
 #include "kits/widgets/select_drop_list.h"
 #include "kits/widgets/widgets_host.h"
@@ -11,10 +12,9 @@
 namespace {
 
 constexpr wchar_t class_name[] = L"Kit_Widgets_Drop_List";
-constexpr int row_padding = 4;             ///< pixels between captions
-constexpr UINT_PTR watch_timer = 1;        ///< looks whether the application is still in front
-constexpr UINT watch_interval = 100;       ///< milliseconds
-constexpr unsigned int wheel_notch = 120;  ///< WHEEL_DELTA, signed below
+constexpr int row_padding = 4;        ///< pixels between captions
+constexpr UINT_PTR watch_timer = 1;   ///< looks whether the application is still in front
+constexpr UINT watch_interval = 100;  ///< milliseconds
 
 HINSTANCE Own_Module() {
     HMODULE module = nullptr;
@@ -123,12 +123,7 @@ class Drop_Window {
         }
     }
 
-    void Wheel(int delta) {
-        wheel_rest += delta;
-        const int notches = wheel_rest / static_cast<int>(wheel_notch);
-        wheel_rest -= notches * static_cast<int>(wheel_notch);
-        list.Wheel(notches);
-    }
+    void Wheel(int delta) { list.Wheel(wheel.Add(delta)); }
 
     void Repaint() const {
         if (window != nullptr) {
@@ -215,7 +210,7 @@ class Drop_Window {
     Drop_List list;
     HINSTANCE module;
     HWND window = nullptr;
-    int wheel_rest = 0;
+    Wheel_Remainder wheel;
     bool front_at_start = true;
 };
 

@@ -184,7 +184,7 @@ TEST_F(Crash_Report, of_an_abort_is_written) {
 
 TEST_F(Crash_Report, before_the_folder_is_known_is_a_box_that_says_what_happened_and_a_status) {
     for (const auto& [test, said] : {std::pair("throws_what_nobody_handles", L"the disk is made of cheese"),
-                                     std::pair("writes_to_nowhere", L"0xC0000005")}) {
+                                     std::pair("writes_to_nowhere", L"access violation, writing 0x0")}) {
         const PROCESS_INFORMATION process = Child_Start(test, L"none");
         const std::wstring text = Box_Answer(process);
         EXPECT_NE(text.find(said), std::wstring::npos) << test;

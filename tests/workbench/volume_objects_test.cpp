@@ -106,6 +106,31 @@ class Rows {
     DB_List* list = nullptr;
 };
 
+TEST_F(Volume_Objects_Test, takes_the_frames_that_were_made_with_their_histograms) {
+    Image_Folder folder;
+    folder.files = {"a.nii", "b.nii"};
+    folder.volumes.push_back(Opened("a.nii", 2, {0, 0}));
+    folder.volumes.push_back(Opened("b.nii", 3, {1, 1, 1}));
+    std::vector<Slice_Frames> made = Slice_Frames_Make(folder.volumes);
+    std::vector<std::pair<const Level_Frame*, const Histo_Record*>> expected;
+    for (const auto& frame : made[1]) {
+        expected.emplace_back(frame.get(), frame->Histogram_Get());
+    }
+    made[0].pop_back();  // one that is missing is made
+    objects.Clear();
+    volumes.Take(std::move(folder), {}, session);
+    objects.Build(volumes, session, std::move(made));
+    ASSERT_EQ(volumes.Current(), 1);
+    for (int slice = 0; slice < 3; ++slice) {
+        Quorel_2D_Frame* const frame = objects.Frame(slice)->frame;
+        EXPECT_EQ(frame, expected[static_cast<std::size_t>(slice)].first);
+        EXPECT_EQ(frame->Histogram_Get(), expected[static_cast<std::size_t>(slice)].second) << "not built again";
+        EXPECT_EQ(frame->modality, 'C' << 8 | 'T');
+    }
+    objects.Current_Set(0);
+    EXPECT_NE(objects.Frame(1)->frame->Histogram_Get(), nullptr);
+}
+
 TEST_F(Volume_Objects_Test, makes_one_frame_per_slice_of_one_volume) {
     ASSERT_NE(objects.Frame(0), nullptr);
     const Quorel_2D* volume = objects.Frame(0)->Parent_Get_Pt();

@@ -48,8 +48,7 @@ std::wstring_view Tab_Text(HDC dc, HFONT font, std::wstring_view text, int room)
 /** Hands every event of a panel to the application, which does what the panel asked for when the event is over. */
 class Database_Pane::Relay : public Hosted_Panel {
   public:
-    Relay(Keyed_Tree& hosted, const std::function<void(const std::function<void()>&)>& runner)
-        : tree(hosted), run(runner) {}
+    Relay(Database_Pane& column, Hosted& shown) : pane(column), hosted(shown), tree(*shown.tree) {}
     void Resize(Boxs* box) override { tree.Resize(box); }
     int Height() override { return tree.Height(); }
     void Draw() override { tree.Draw(); }
@@ -67,14 +66,28 @@ class Database_Pane::Relay : public Hosted_Panel {
     void Update(unsigned __int64 flags) override { tree.Update(flags); }
 
   private:
+    /** Puts `after_event` back to what it was. */
+    struct After_Event {
+        explicit After_Event(Database_Pane& column) : pane(column), before(column.after_event) {}
+        ~After_Event() { pane.after_event = before; }
+        After_Event(const After_Event&) = delete;
+        After_Event& operator=(const After_Event&) = delete;
+        Database_Pane& pane;
+        const Hosted* before;
+    };
     template <class Call>
     int Run(Call call) {
         int result = 0;
-        run([&] { result = call(); });
+        const After_Event restored(pane);
+        pane.host.run([&] {
+            result = call();
+            pane.after_event = &hosted;
+        });
         return result;
     }
+    Database_Pane& pane;
+    Hosted& hosted;
     Keyed_Tree& tree;
-    const std::function<void(const std::function<void()>&)>& run;
 };
 
 Database_Pane::Database_Pane(const Look& shared_look, Database_Host application)
@@ -95,7 +108,7 @@ void Database_Pane::Panel_Make(int at, std::shared_ptr<Tool_DB_List> panel) {
     Hosted& hosted = panels[static_cast<std::size_t>(at)];
     hosted.panel = std::move(panel);
     hosted.tree = std::make_unique<Keyed_Tree>(*hosted.panel, look, host.may_remove);
-    hosted.relay = std::make_unique<Relay>(*hosted.tree, host.run);
+    hosted.relay = std::make_unique<Relay>(*this, hosted);
     hosted.host = std::make_unique<Panel_Host>(*hosted.relay, look, [](int, int) {});
     hosted.host->Face_Set(at >= EDITOR_FIRST && at < FIND ? editor_grey : tree_grey, tree_font);
 }
@@ -188,9 +201,12 @@ void Database_Pane::Show_Panel() {
             continue;
         }
         if (at == shown && Is_Shown()) {
-            // First what the panel was not told: its records may name objects that are gone. Before its first layout it
-            // has none, and takes nothing.
-            hosted.host->Update(hosted.pending);
+            // First the records: they may name objects that are gone. Before its first layout the panel has none, and
+            // takes nothing.
+            if (hosted.host->Is_Ready()) {
+                hosted.host->Update(hosted.pending & UPDATE_STRUCTURE);
+                hosted.pending &= ~UPDATE_STRUCTURE;
+            }
             hosted.host->Lay_Out();
             hosted.host->Update(std::exchange(hosted.pending, 0));
         }
@@ -202,7 +218,9 @@ void Database_Pane::Update(unsigned __int64 flags) {
     for (int at = 0; at < PANEL_NB; ++at) {
         Hosted& hosted = panels[static_cast<std::size_t>(at)];
         if (hosted.host && at == Shown() && Is_Shown()) {
-            hosted.host->Update(flags);
+            // An editor has built its records anew before the event ended by which it changed the classes.
+            const bool is_built = &hosted == after_event && at >= EDITOR_FIRST && at < FIND;
+            hosted.host->Update(is_built ? flags & ~UPDATE_STRUCTURE : flags);
         } else {
             hosted.pending |= flags;  // nobody sees it: told when it is shown
         }

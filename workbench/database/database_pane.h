@@ -97,7 +97,8 @@ class Database_Pane : public Window_Base {
     const Look& look;
     Database_Host host;
     std::array<Hosted, PANEL_NB> panels;
-    Find_View* found = nullptr;  // the last panel
+    Find_View* found = nullptr;           // the last panel
+    const Hosted* after_event = nullptr;  // whose event is over, while the application does what it asked for
     HWND find_field = nullptr;
     std::wstring find_text;
     Database_View view = Database_View::FILES;

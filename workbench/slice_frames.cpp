@@ -1,0 +1,57 @@
+#include "workbench/slice_frames.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+#include "workbench/model/panel_scale.h"
+
+namespace workbench {
+
+namespace {
+
+constexpr int GRID_BINS_MOST = 4096;
+
+}  // namespace
+
+Histo_Grid Slice_Grid(std::int32_t lowest, std::int32_t highest, float slope, float intercept) {
+    const Histo_Grid grid = Histo_Grid_Of_Levels(lowest, highest, slope, intercept, GRID_BINS_MOST);
+    const bool is_one_level = std::int64_t{highest} - lowest < GRID_BINS_MOST;
+    if (is_one_level || !(grid.bin_width > 0.0F)) {
+        return grid;
+    }
+    const int added = static_cast<int>(std::clamp(1.0F / grid.bin_width, 0.0F, GRID_BINS_MOST / 2.0F)) + 1;
+    return Histo_Grid_Of_Levels(lowest, highest, slope, intercept, GRID_BINS_MOST - added);
+}
+
+void Slice_Histogram_Build(Level_Frame& frame, const volumes::Volume& image, const unsigned char* mask) {
+    Frame_Histogram_Build(&frame, Slice_Grid(image.level_min, image.level_max, frame.slope, frame.intercept), mask);
+}
+
+std::unique_ptr<Level_Frame> Slice_Frame_Make(const volumes::Volume& image, int slice, int times) {
+    const Panel_Scale scale = Panel_Scale_Of(image);
+    return std::make_unique<Level_Frame>(image.levels.data() + image.Index(0, 0, slice), image.nx, image.ny, 1, times,
+                                         static_cast<float>(scale.To_Panel(image.slope)),
+                                         static_cast<float>(scale.To_Panel(image.intercept)), image.color);
+}
+
+std::vector<Slice_Frames> Slice_Frames_Make(const std::vector<volumes::Folder_Volume>& opened,
+                                            const volumes::Load_Progress& progress) {
+    const int slice_nb =
+        std::accumulate(opened.begin(), opened.end(), 0,
+                        [](int slices, const volumes::Folder_Volume& one) { return slices + one.volume.nz; });
+    std::vector<Slice_Frames> made(opened.size());
+    int done = 0;
+    for (std::size_t at = 0; at < opened.size(); ++at) {
+        const volumes::Volume& image = opened[at].volume;
+        for (int slice = 0; slice < image.nz; ++slice) {
+            Slice_Histogram_Build(*made[at].emplace_back(Slice_Frame_Make(image, slice, 1)), image, nullptr);
+            if (progress && !progress(static_cast<double>(++done) / slice_nb)) {
+                return {};
+            }
+        }
+    }
+    return made;
+}
+
+}  // namespace workbench
