@@ -2,12 +2,12 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <ctime>
 #include <new>
 
 #include "workbench/application.h"
 #include "workbench/choice_dialog.h"
 #include "workbench/crash_report.h"
+#include "workbench/model/recovery_text.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/unfinished_file.h"
 #include "workbench/wide_text.h"
@@ -19,39 +19,6 @@ namespace {
 constexpr UINT_PTR recovery_timer = 41;
 constexpr ULONGLONG recovery_late_ms = RECOVERY_LOSS_MOST_MS / 3;
 constexpr int retry_looks = 6;  // between two tries to write what could not be written
-constexpr std::size_t volumes_named = 8;
-
-std::string Time_Text(std::int64_t seconds) {
-    const auto time = static_cast<std::time_t>(seconds);
-    const std::tm* local = std::localtime(&time);
-    char text[64] = {};
-    return local != nullptr && std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", local) > 0 ? text : "?";
-}
-
-int Placed_Nb(const std::vector<Marker_Description>& markers) {
-    return static_cast<int>(
-        std::ranges::count_if(markers, [](const Marker_Description& one) { return one.place.has_value(); }));
-}
-
-Label_Description Description_Of(const Recovery_Volume& volume) {
-    const auto& size = volume.grid.size;
-    return Label_Description_Parse(volume.description, {size[2], size[0], size[1]}).description;
-}
-
-/** What was found, for the user. */
-std::string Found_Text(const Recovery_Record& record) {
-    std::string text =
-        "The workbench ended while work was not saved. The last of it was kept at " + Time_Text(record.time) + ":\n";
-    for (std::size_t at = 0; at < std::min(record.volumes.size(), volumes_named); ++at) {
-        const Recovery_Volume& volume = record.volumes[at];
-        text += "\n- " + volume.title + ": " + volumes::Count_Text(volume.tagged_nb) + " voxels with TAGs, " +
-                std::to_string(Placed_Nb(Description_Of(volume).markers)) + " markers (" + volume.image + ")";
-    }
-    if (record.volumes.size() > volumes_named) {
-        text += "\n- and " + std::to_string(record.volumes.size() - volumes_named) + " more";
-    }
-    return text + "\n\nTaking it up opens the images again; nothing is written to a label file before you save.";
-}
 
 std::vector<std::uint8_t> Tags_Of(const Recovery_Volume& volume) {
     std::vector<std::uint8_t> tags(volume.grid.Voxel_Nb());
@@ -180,7 +147,7 @@ bool Application::Recovery_Offer() {
                 volumes::Unfinished_Remove(volumes::Path_From_Utf8(volume.labels));
             }
         }
-        const std::string text = Found_Text(found.record);
+        const std::string text = Recovery_Found_Text(found.record);
         report.Line("ask recovery " + text);
         const int way = Choice_Ask(window.Handle(), L"Work that was not saved", Wide_Of_Utf8(text),
                                    {L"&Take it up", L"Ask again at the &next start", L"&Discard it for good"});
@@ -211,7 +178,8 @@ void Application::Recovery_Take(Recovery_Found& found) {
         }
         const std::filesystem::path labels =
             wanted.labels.empty() ? std::filesystem::path() : volumes::Path_From_Utf8(wanted.labels);
-        if (volume < 0 || !session.Take_Up(Tags_Of(wanted), Description_Of(wanted).markers, labels, wanted.stamps)) {
+        if (volume < 0 ||
+            !session.Take_Up(Tags_Of(wanted), Recovery_Description(wanted).markers, labels, wanted.stamps)) {
             is_all = false;
             Warn("The image of " + wanted.title + " (" + wanted.image +
                  ") is not there as it was; the work on it is kept, and is offered again at the next start.");
@@ -225,10 +193,11 @@ void Application::Recovery_Take(Recovery_Found& found) {
     if (first >= 0) {
         Volume_Go(first);
         Tag_Nb_Grow(session.Labels().Highest_Tag());
-        Labels_Adopt(Description_Of(found.record.volumes.front()));
+        Labels_Adopt(Recovery_Description(found.record.volumes.front()));
         image.Refresh();
         Title_Refresh();
-        Status(L"The work of " + Wide_Of_Utf8(Time_Text(found.record.time)) + L" was taken up; it is not saved yet");
+        Status(L"The work of " + Wide_Of_Utf8(Recovery_Time_Text(found.record.time)) +
+               L" was taken up; it is not saved yet");
     }
     report.Line("recovered " + std::to_string(is_all ? 1 : 0));
     // The journal that was found may go only when one of this run holds the same.

@@ -13,6 +13,7 @@
 #include "workbench/model/recovery_folder.h"
 #include "workbench/model/recovery_keeper.h"
 #include "workbench/model/recovery_recorder.h"
+#include "workbench/model/recovery_text.h"
 #include "workbench/model/text_file.h"
 #include "workbench/volumes/file_operations.h"
 #include "workbench/volumes/nifti_reader.h"
@@ -289,6 +290,8 @@ class Recovery_Of_Large : public Recovery {
   protected:
     static constexpr int SIDE = 1024;
     static constexpr int SLICES = 20;
+    static constexpr int AT_ONCE = static_cast<int>(RECOVERY_COPY_MOST / (std::size_t{SIDE} * SIDE));
+    static constexpr int LOOKS = (SLICES + AT_ONCE - 1) / AT_ONCE;
     void SetUp() override {
         Recovery::SetUp();
         Image_Folder large = Folder(1);
@@ -303,7 +306,6 @@ class Recovery_Of_Large : public Recovery {
 };
 
 TEST_F(Recovery_Of_Large, no_look_copies_more_than_a_few_milliseconds_worth_and_together_they_give_the_last_state) {
-    constexpr int at_once = static_cast<int>(RECOVERY_COPY_MOST / (std::size_t{SIDE} * SIDE));
     std::optional<Recovery_Snapshot> all = Look();
     int looks = 1;
     for (; recorder.Is_Unfinished() && looks < 100; ++looks) {
@@ -312,7 +314,7 @@ TEST_F(Recovery_Of_Large, no_look_copies_more_than_a_few_milliseconds_worth_and_
         Paint(SLICES - 1, 5 * looks, 5 * looks, 1, 11);  // not yet
         all = Look();
     }
-    EXPECT_EQ(looks, (SLICES + at_once - 1) / at_once);
+    EXPECT_EQ(looks, LOOKS);
     ASSERT_TRUE(all.has_value());
     ASSERT_EQ(all->parts.size(), 1U);
     ASSERT_EQ(all->parts[0].slices.size(), std::size_t{SLICES});
@@ -332,6 +334,12 @@ TEST_F(Recovery_Of_Large, what_is_saved_between_two_looks_is_forgotten) {
     ASSERT_EQ(session.Save_Labels(folder / "large.nii.gz", {}, kept), "");
     EXPECT_FALSE(Look().has_value());
     EXPECT_FALSE(recorder.Is_Unfinished());
+    // All is to be copied again when there is work again: nothing of the copies was kept.
+    Paint(0, 1, 2, 1, 9);
+    for (int looks = 1; looks < LOOKS; ++looks) {
+        EXPECT_FALSE(Look().has_value()) << looks;
+    }
+    EXPECT_TRUE(Look().has_value());
 }
 
 TEST_F(Recovery, when_the_state_before_is_lost_all_is_asked_for_again_and_the_journal_stays) {
@@ -516,6 +524,68 @@ TEST_F(Recovery, a_journal_that_cannot_be_read_stays_where_it_is) {
     EXPECT_EQ(Recovery_Find(folder).found.size(), 1U);
 }
 
+TEST_F(Recovery, a_damaged_journal_that_cannot_be_kept_aside_stays_and_that_is_told) {
+    std::ofstream(journal, std::ios::binary) << Any_Record().substr(0, 100);
+    {
+        const Failing_Operations failing(1);  // behind reading
+        const Recovery_Findings findings = Recovery_Find(folder);
+        EXPECT_TRUE(Failing_Operations::Has_Failed());
+        ASSERT_EQ(findings.told.size(), 1U);
+        EXPECT_NE(findings.told[0].find("is damaged. It cannot be kept aside"), std::string::npos) << findings.told[0];
+    }
+    EXPECT_EQ(fs::file_size(journal), 100U);
+    EXPECT_EQ(Recovery_Find(folder).told.size(), 1U) << "the next start tries again";
+}
+
+TEST_F(Recovery, a_journal_whose_lock_cannot_be_made_is_told) {
+    std::ofstream(journal, std::ios::binary) << Any_Record();
+    fs::create_directory(folder / "session-1.lock");  // as good as a folder that may not be written to
+    const Recovery_Findings findings = Recovery_Find(folder);
+    EXPECT_TRUE(findings.found.empty());
+    ASSERT_EQ(findings.told.size(), 1U);
+    EXPECT_NE(findings.told[0].find("session-1.work, which cannot be taken up"), std::string::npos);
+    EXPECT_EQ(fs::file_size(journal), Any_Record().size());
+}
+
+TEST_F(Recovery, work_that_cannot_be_discarded_is_offered_again) {
+    std::ofstream(journal, std::ios::binary) << Any_Record();
+    {
+        Recovery_Findings findings = Recovery_Find(folder);
+        ASSERT_EQ(findings.found.size(), 1U);
+        const Failing_Operations failing(0);
+        EXPECT_FALSE(findings.found[0].claim.Remove());
+    }
+    EXPECT_EQ(Recovery_Find(folder).found.size(), 1U);
+}
+
+#if defined(__linux__)
+TEST_F(Recovery, a_disk_that_cannot_be_read_is_no_exception) {
+    std::string bytes = "former";
+    EXPECT_EQ(Text_File_Read("/proc/self/mem", RECOVERY_FILE_MOST, bytes), "cannot be read");
+    EXPECT_EQ(bytes, "");
+}
+#endif
+
+TEST_F(Recovery, what_was_found_is_told_in_words_that_count) {
+    Recovery_Record record = *Recovery_Decode(Any_Record()).record;
+    Recovery_Volume& volume = record.volumes[0];
+    volume.title = "head";
+    volume.image = "/data/head.nii";
+    volume.tagged_nb = 1;
+    Label_Description described = Described();
+    described.markers[1].place = Label_Voxel{1, 2, 3};
+    volume.description = Label_Description_Text(described);
+    EXPECT_NE(Recovery_Found_Text(record).find("\n-\xC2\xA0head: 1 voxel with a TAG, 1 marker (/data/head.nii)\n"),
+              std::string::npos)
+        << Recovery_Found_Text(record);
+    volume.tagged_nb = 12345;
+    described.markers[0].place = Label_Voxel{1, 2, 3};
+    volume.description = Label_Description_Text(described);
+    EXPECT_NE(Recovery_Found_Text(record).find("head: 12,345 voxels with TAGs, 2 markers ("), std::string::npos);
+    record.volumes.resize(10, record.volumes[0]);
+    EXPECT_NE(Recovery_Found_Text(record).find("\n- and 2 more\n"), std::string::npos);
+}
+
 TEST_F(Recovery, when_any_operation_of_keeping_fails_the_former_journal_is_whole_and_it_is_told_once) {
     Recovery_Keeper keeper(journal, "test");
     Paint(1, 2, 9, 4, 3);
@@ -613,6 +683,10 @@ TEST_F(Recovery, when_any_operation_of_saving_labels_fails_each_file_is_the_old_
             EXPECT_TRUE(fs::exists(text.string() + ".damaged")) << failing;
         }
         EXPECT_EQ(work.Is_Unsaved(), !error.empty()) << failing;
+        if (error.empty()) {
+            EXPECT_TRUE(is_new) << failing << ": what is not told has not happened";
+            EXPECT_EQ(described.description.tags, new_names.tags) << failing;
+        }
         std::vector<fs::path> parts;
         for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
             if (entry.path().string().find(".part") != std::string::npos) {

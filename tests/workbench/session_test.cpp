@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <new>
 #include <numeric>
 #include <random>
 
+#include "tests/workbench/volumes/failing_allocation.h"
 #include "workbench/model/label_description_file.h"
 #include "workbench/volumes/nifti_reader.h"
 
@@ -89,6 +91,30 @@ TEST_F(Session_Test, a_stroke_is_one_step_that_undo_takes_back) {
     EXPECT_FALSE(session.Is_Unsaved());
     ASSERT_NE(session.Redo(), nullptr);
     EXPECT_EQ(session.Labels().At(3, 4, 2), 7);
+}
+
+TEST_F(Session_Test, a_stroke_without_memory_for_its_step_is_unsaved_work_all_the_same) {
+    bool happened = true;
+    for (int failing = 0; happened; ++failing) {
+        SetUp();
+        session.Stroke_Begin(2, Dot(), 3, 4, Ink(7));
+        bool is_whole = false;
+        {
+            const Failing_Allocation failure(failing);
+            try {
+                is_whole = session.Stroke_End();
+            } catch (const std::bad_alloc&) {
+                is_whole = false;
+            }
+            happened = failure.Happened();
+        }
+        EXPECT_NE(is_whole, happened) << failing;
+        EXPECT_EQ(session.Labels().At(3, 4, 2), 7) << failing;
+        EXPECT_TRUE(session.Is_Unsaved()) << failing;
+        EXPECT_EQ(session.Journal().Undo_Nb(), is_whole ? 1U : 0U) << failing;
+        EXPECT_EQ(session.Undo() != nullptr, is_whole) << failing;
+        EXPECT_EQ(session.Is_Unsaved(), !is_whole) << failing;
+    }
 }
 
 TEST_F(Session_Test, a_stroke_that_changes_nothing_is_no_step) {

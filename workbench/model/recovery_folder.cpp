@@ -68,12 +68,18 @@ Recovery_Findings Recovery_Find(const fs::path& folder) {
     Recovery_Findings findings;
     for (const fs::path& stem : Stems(folder)) {
         std::optional<volumes::File_Lock> lock = volumes::File_Lock::Take(With_Ending(stem, ".lock"));
-        if (!lock) {
-            continue;  // of a program that runs
-        }
         const fs::path journal = With_Ending(stem, ENDING);
-        volumes::Unfinished_Remove(journal);
         std::error_code code;
+        if (!lock) {
+            // Somebody holds it, or it cannot be made: nobody can then say whether a program still writes there.
+            if (fs::exists(journal, code) && !fs::is_regular_file(With_Ending(stem, ".lock"), code)) {
+                findings.told.push_back("Work that was not saved may be in " + volumes::File_Name_Text(journal) +
+                                        ", which cannot be taken up: nothing can be written to " +
+                                        volumes::File_Name_Text(folder) + ".");
+            }
+            continue;
+        }
+        volumes::Unfinished_Remove(journal);
         if (!fs::exists(journal, code)) {
             continue;
         }

@@ -40,7 +40,8 @@ struct Recovery_Findings {
     std::vector<std::string> told;      ///< sentences about files that could not be taken
 };
 /** Looks for work of programs that have died. A damaged journal is kept aside as NAME.work.damaged, one of a later
- *  version as NAME.work.newer; both are told. What dead programs left half written goes. */
+ *  version as NAME.work.newer; both are told, and so is one whose lock cannot be made. What dead programs left half
+ *  written goes. */
 Recovery_Findings Recovery_Find(const std::filesystem::path& folder);
 
 }  // namespace workbench

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <new>
 #include <utility>
 
 #include "workbench/model/label_description_file.h"
@@ -259,12 +260,17 @@ bool Session::Stroke_End() {
 }
 
 bool Session::Push_Slice(const char* title, int slice, std::span<const std::uint8_t> before) {
-    std::optional<Slice_Change> change = Slice_Difference(slice, before, std::as_const(labels).Slice(slice));
-    if (!change) {
-        return false;
+    try {
+        std::optional<Slice_Change> change = Slice_Difference(slice, before, std::as_const(labels).Slice(slice));
+        if (!change) {
+            return false;
+        }
+        Push({title, std::move(*change)});
+        return true;
+    } catch (const std::bad_alloc&) {
+        journal.Mark_Unsaved();  // it cannot be taken back, but it is work
+        throw;
     }
-    Push({title, std::move(*change)});
-    return true;
 }
 
 std::size_t Session::Propagate(Propagation_Kind kind, int from, int to, const Propagation_Tags& tags) {

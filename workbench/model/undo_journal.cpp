@@ -145,9 +145,16 @@ void Undo_Journal::Push(Undo_Step step) {
         steps.pop_back();
         ids.pop_back();
     }
-    bytes += step.Bytes();
-    steps.push_back(std::move(step));
-    ids.push_back(++last_id);
+    const std::size_t step_bytes = step.Bytes();
+    ids.push_back(last_id + 1);
+    try {
+        steps.push_back(std::move(step));
+    } catch (...) {
+        ids.pop_back();
+        throw;
+    }
+    ++last_id;
+    bytes += step_bytes;
     ++done;
     while (steps.size() > JOURNAL_STEPS_MAX || (steps.size() > 1 && bytes > JOURNAL_BYTES)) {
         Drop_Oldest();

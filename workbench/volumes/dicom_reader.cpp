@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "dcmtk/config/osconfig.h"
@@ -46,6 +47,7 @@ class File_Reader {
     void Format_Read();
     void Color_Kind_Read(const std::string& photometric, std::int32_t samples);
     void Tables_Read();
+    void Padding_Read();
     void Frame_Nb_Read();
     void Size_Check();
     Frame_Size Frame_Size_Of() const;
@@ -68,8 +70,10 @@ class File_Reader {
     DcmPixelData* pixel_data = nullptr;  // owned by the data set
     Pixel_Format format;
     Palette palette;
-    std::optional<Lookup> greys;                 // grey values of the stored ones
-    std::optional<Run_Length_Frames> fragments;  // of compressed pixels
+    std::optional<std::pair<std::int64_t, std::int64_t>> padding;  // stored values that are no part of the image
+    std::vector<std::uint8_t> is_padding;                          // of the frame in `values`; empty: none is
+    std::optional<Lookup> greys;                                   // grey values of the stored ones
+    std::optional<Run_Length_Frames> fragments;                    // of compressed pixels
     std::int32_t frame_nb = 1;
     Frame_Plan plan;
     std::vector<Scaled_Part> scales;  // by the file's frame
@@ -196,6 +200,24 @@ void File_Reader::Tables_Read() {
     }
 }
 
+// Contract: scanners fill what lies outside their field with a value of its own; DICOM wants it left out of everything
+// that is made of the pixels.
+void File_Reader::Padding_Read() {
+    DcmDataset& data_set = *file.getDataset();
+    const std::optional<std::int32_t> value = Field_Integer(data_set, DCM_PixelPaddingValue);
+    if (!value || format.Is_Color()) {
+        return;
+    }
+    // Some programs write a negative number without its sign, and the other way round.
+    const auto stored = [&](std::int32_t told) {
+        constexpr std::int64_t numbers = 65536;
+        const bool is_beyond = format.is_signed ? told >= numbers / 2 && told < numbers : told < 0;
+        return is_beyond ? told + (format.is_signed ? -numbers : numbers) : std::int64_t{told};
+    };
+    const std::int64_t limit = stored(Field_Integer(data_set, DCM_PixelPaddingRangeLimit).value_or(*value));
+    padding = std::minmax({stored(*value), limit});
+}
+
 void File_Reader::Frame_Nb_Read() {
     constexpr std::int32_t one = 1;
     frame_nb = Field_Integer(*file.getDataset(), DCM_NumberOfFrames).value_or(one);
@@ -317,6 +339,12 @@ void File_Reader::Frame_Bytes(std::int32_t frame) {
 void File_Reader::Frame_Values(std::int32_t frame) {
     Frame_Bytes(frame);
     Frame_Decode(format, frame_bytes, palette, values);
+    if (padding) {
+        is_padding.resize(values.size());
+        std::ranges::transform(values, is_padding.begin(), [this](std::int64_t value) {
+            return static_cast<std::uint8_t>(value >= padding->first && value <= padding->second ? 1 : 0);
+        });
+    }
     if (greys) {
         const auto last = static_cast<std::int64_t>(greys->entries.size()) - 1;
         for (std::int64_t& value : values) {
@@ -382,6 +410,11 @@ void File_Reader::Stack_Decode(const Frame_Stack& stack, Volume& volume) {
         level = std::ranges::transform(values, level, [&](std::int64_t value) {
                     return is_level ? static_cast<std::int32_t>(value) : map.Level(value);
                 }).out;
+        for (std::size_t at = 0; at < is_padding.size(); ++at) {
+            if (is_padding[at] != 0) {
+                *(level - static_cast<std::ptrdiff_t>(is_padding.size() - at)) = LEVEL_OUTSIDE;
+            }
+        }
     }
     if (const std::string lost = Level_Scale_Warning(scale, "frames"); !lost.empty()) {
         Warn(lost);
@@ -423,6 +456,7 @@ Dicom_Result File_Reader::Read() {
     Syntax_Check();
     Format_Read();
     Tables_Read();
+    Padding_Read();
     Frame_Nb_Read();
     Size_Check();
     Names_Read();

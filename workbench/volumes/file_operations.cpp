@@ -5,7 +5,7 @@
 
 #include <cerrno>
 #include <fstream>
-#include <iterator>
+#include <vector>
 
 #if defined(_WIN32)
 #include <io.h>
@@ -17,6 +17,8 @@
 namespace volumes {
 
 namespace {
+
+constexpr std::size_t BLOCK = std::size_t{256} * 1024;  // bytes read at once
 
 #if defined(_WIN32)
 int Create(const std::filesystem::path& path) {
@@ -74,7 +76,15 @@ std::error_code Read(const std::filesystem::path& path, std::size_t most, std::s
         return std::make_error_code(std::errc::file_too_large);
     }
     std::ifstream in(path, std::ios::binary);
-    bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    std::vector<char> block(BLOCK);
+    // Not by iterators: a disk that cannot be read makes them throw.
+    while (in.read(block.data(), static_cast<std::streamsize>(block.size())) || in.gcount() > 0) {
+        bytes.append(block.data(), static_cast<std::size_t>(in.gcount()));
+        if (bytes.size() > most) {  // it has grown meanwhile
+            bytes.clear();
+            return std::make_error_code(std::errc::file_too_large);
+        }
+    }
     if (!in.is_open() || in.bad()) {
         bytes.clear();
         return std::make_error_code(std::errc::io_error);

@@ -51,6 +51,8 @@ constexpr std::array<std::uint8_t, 8> magic_2_single = {'n', '+', '2', 0, 0x0D, 
 constexpr std::array<std::uint8_t, 8> magic_2_pair = {'n', 'i', '2', 0, 0x0D, 0x0A, 0x1A, 0x0A};
 constexpr std::size_t dimension_most = 7;
 
+constexpr std::int32_t sform_of_scanner = 1;  // higher codes: of another image, or of an atlas
+
 // The fields of both layouts, widened, before any check.
 struct Raw_Header {
     std::array<std::int64_t, 8> dim{};
@@ -468,7 +470,9 @@ std::vector<std::string> Geometry_Warnings(const Stored_Geometry& geometry, cons
     if (volume.affine_source != Affine_Source::SFORM) {
         return texts;
     }
-    constexpr double same = 0.01;  // share: single precision, and programs that round
+    // A share. Where the sform leads to the scanner's own space: single precision, and programs that round.
+    // Registration to another image or an atlas makes heads larger or smaller, and means to.
+    const double same = geometry.sform_code > sform_of_scanner ? 0.3 : 0.01;
     const double unit = Millimetres_Per_Unit(geometry.units);
     const std::array<std::int32_t, 3> size = {volume.nx, volume.ny, volume.nz};
     bool differs = false;

@@ -98,8 +98,8 @@ bool Output_File::Commit() {
         code = File_Operations_In_Use().rename(temporary, target);
     }
     if (code) {
+        File_Operations_In_Use().remove(temporary);  // first: there may be no memory for the reason
         error = (closed ? "cannot be replaced: " : "cannot be written: ") + code.message();
-        File_Operations_In_Use().remove(temporary);
         return false;
     }
     return true;

@@ -1,5 +1,7 @@
 #include "workbench/volumes/read_facts.h"
 
+#include <cmath>
+
 #include "workbench/volumes/message_text.h"
 
 namespace volumes {
@@ -20,7 +22,9 @@ std::string Scale_Text(const Volume& volume) {
 std::string Outside_Text(const Volume& volume) {
     std::string text;
     if (volume.nonfinite_nb > 0) {
-        text = Count_Text(volume.nonfinite_nb) + " that are no number";
+        const bool may_be_padding = !volume.place_source.empty();  // DICOM
+        text = Count_Text(volume.nonfinite_nb) +
+               (may_be_padding ? " that only fill the picture up or have no usable scale" : " that are no number");
     }
     if (volume.outlier_nb > 0) {
         text += (text.empty() ? "" : ", ") + Count_Text(volume.outlier_nb) + " far from all others (" +
@@ -31,13 +35,27 @@ std::string Outside_Text(const Volume& volume) {
     return text.empty() ? "none" : text;
 }
 
+/** The steps of the file's sform where they are not the voxel sizes, as after a registration that scaled the head. */
+std::string Sform_Steps_Text(const Volume& volume) {
+    constexpr double same = 0.01;  // share
+    std::string steps;
+    bool differs = false;
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        const double step = std::hypot(volume.affine[0][axis], volume.affine[1][axis], volume.affine[2][axis]);
+        differs = differs || std::fabs(step - volume.spacing[axis]) > same * volume.spacing[axis];
+        steps += (axis > 0 ? " x " : "") + Value_Text(step);
+    }
+    return differs ? ", in which voxels lie " + steps + " mm apart" : "";
+}
+
 std::string Orientation_Text(const Volume& volume, const std::string& orientation) {
     if (!orientation.empty()) {
         return "chosen by the user: columns, rows and slices run towards " + orientation;
     }
     switch (volume.affine_source) {
         case Affine_Source::SFORM:
-            return "the file's sform (code " + std::to_string(volume.stored.sform_code) + ")";
+            return "the file's sform (code " + std::to_string(volume.stored.sform_code) + ")" +
+                   Sform_Steps_Text(volume);
         case Affine_Source::QFORM:
             return volume.stored.present ? "the file's qform (code " + std::to_string(volume.stored.qform_code) + ")"
                                          : "positions and directions in the files";

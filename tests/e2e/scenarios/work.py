@@ -244,7 +244,7 @@ def work_is_taken_up_after_a_kill(run):
     app = start_asking(run)
     run.shot("recovery")
     run.check("the next start offers it, and says what it is",
-              app.said("ask recovery .*head.nii: .* voxels with TAGs, 1 markers"))
+              app.said("ask recovery .*head.nii: .* voxels with TAGs, 1 marker "))
     app.answer_key(LEFT, "alt+n")
     app.wait_ready()
     run.same("it can wait", len(kept_work(run)), 1)

@@ -5,6 +5,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "tests/workbench/volumes/dicom_bytes.h"
 #include "tests/workbench/volumes/loading.h"
@@ -119,6 +120,41 @@ TEST(Dicom_Reader, applies_slope_and_intercept) {
     EXPECT_EQ(volume.grey(volume.levels[0]), -999.0F);
     bytes.Text(TAG_SLOPE, "DS", "0");
     EXPECT_EQ(Opened(bytes.File()).volume.slope, 1) << "a slope of 0 is a mistake";
+}
+
+TEST(Dicom_Reader, pixels_that_only_fill_the_picture_up_have_no_grey) {
+    Dicom_Bytes bytes;
+    bytes.Shorts(TAG_PADDING, "US", {20}).Text(TAG_INTERCEPT, "DS", "-5");
+    Volume volume = Opened(bytes.File()).volume;
+    EXPECT_THAT(volume.levels, ElementsAre(10, LEVEL_OUTSIDE, 30, 40, 50, 60));
+    EXPECT_TRUE(std::isnan(volume.grey(volume.levels[1])));
+    EXPECT_EQ(volume.nonfinite_nb, 1U);
+    bytes.Shorts(TAG_PADDING, "US", {60}).Shorts(TAG_PADDING_LIMIT, "US", {45});
+    volume = Opened(bytes.File()).volume;
+    EXPECT_THAT(volume.levels, ElementsAre(10, 20, 30, 40, LEVEL_OUTSIDE, LEVEL_OUTSIDE))
+        << "a range, either end first";
+    EXPECT_EQ(volume.level_max, 40);
+    bytes.Shorts(TAG_PADDING, "US", {0}).Shorts(TAG_PADDING_LIMIT, "US", {255});
+    volume = Opened(bytes.File()).volume;
+    EXPECT_EQ(volume.nonfinite_nb, 6U) << "nothing is left";
+    EXPECT_EQ(volume.level_max, 0);
+}
+
+TEST(Dicom_Reader, takes_padding_as_it_is_stored_whatever_sign_it_is_written_with) {
+    Dicom_Bytes bytes;
+    bytes.Pixels_16({0xF830, 5, 6, 0x07D0}, 2, 2).Short(TAG_SIGNED, 1).Shorts(TAG_PADDING, "US", {0xF830});
+    EXPECT_THAT(Opened(bytes.File()).volume.levels, ElementsAre(LEVEL_OUTSIDE, 5, 6, 2000));
+    bytes.Shorts(TAG_PADDING, "SS", {0xF830});
+    EXPECT_THAT(Opened(bytes.File()).volume.levels, ElementsAre(LEVEL_OUTSIDE, 5, 6, 2000));
+    bytes.Short(TAG_SIGNED, 0);
+    EXPECT_THAT(Opened(bytes.File()).volume.levels, ElementsAre(LEVEL_OUTSIDE, 5, 6, 2000));
+}
+
+TEST(Dicom_Reader, colours_have_no_padding) {
+    Dicom_Bytes bytes;
+    bytes.Pixels_8({1, 2, 3, 4, 5, 6}, 2, 1).Short(TAG_SAMPLES, 3).Text(TAG_PHOTOMETRIC, "CS", "RGB");
+    bytes.Shorts(TAG_PADDING, "US", {0}).Shorts(TAG_PADDING_LIMIT, "US", {0xFFFF});
+    EXPECT_THAT(Opened(bytes.File()).volume.levels, ElementsAre(Packed(1, 2, 3), Packed(4, 5, 6)));
 }
 
 TEST(Dicom_Reader, leaves_inverted_grey_to_the_display) {

@@ -124,6 +124,21 @@ TEST_F(Dicom_Volumes, of_slices_with_very_different_slopes_have_true_greys) {
     EXPECT_THAT(Problems(), IsEmpty());
 }
 
+TEST_F(Dicom_Volumes, of_slices_that_are_filled_up_keep_what_fills_them_outside) {
+    Write("1.dcm", Slice(1, 0, 1).Pixels_16({100, 7}, 2, 1).Shorts(TAG_PADDING, "US", {7}));
+    Write("2.dcm", Slice(2, 0, 2).Pixels_16({9, 7}, 2, 1).Shorts(TAG_PADDING, "US", {9}));
+    Write("3.dcm", Slice(3, 0, 3).Pixels_16({9, 9}, 2, 1).Text(TAG_SLOPE, "DS", "2"));
+    Open();
+    ASSERT_THAT(Greys(), SizeIs(6));
+    EXPECT_EQ(Greys()[0], 100.0F);
+    EXPECT_TRUE(std::isnan(Greys()[1]));
+    EXPECT_TRUE(std::isnan(Greys()[2])) << "each file has its own";
+    EXPECT_EQ(Greys()[3], 7.0F);
+    EXPECT_EQ(Greys()[5], 18.0F);
+    EXPECT_EQ(First().nonfinite_nb, 2U);
+    EXPECT_THAT(Problems(), IsEmpty());
+}
+
 TEST_F(Dicom_Volumes, of_slices_whose_scales_fit_no_common_one_are_as_near_as_levels_allow_and_told) {
     Write("1.dcm", Slice(1, 0, 1).Pixels_16({100, 32767}, 2, 1).Text(TAG_SLOPE, "DS", "1.2"));
     Write("2.dcm", Slice(2, 0, 2).Pixels_16({0, 32767}, 2, 1).Text(TAG_SLOPE, "DS", "1.2e-7"));

@@ -282,6 +282,24 @@ TEST(Nifti_Geometry, prefers_the_sform) {
     }
 }
 
+TEST(Nifti_Geometry, voxel_sizes_that_are_not_the_sforms_are_told_when_no_registration_meant_them) {
+    const auto told = [](int code, double scale) {
+        Nifti_Bytes bytes;
+        bytes.pixdim = {1, 2, 3, 4, 0, 0, 0, 0};
+        bytes.sform_code = code;
+        bytes.srow = {0, -3 * scale, 0, 10, 2, 0, 0, 20, 0, 0, 4, 30};
+        Volume volume = Geometry_Of(bytes);
+        volume.nx = volume.ny = volume.nz = 5;  // an axis of one voxel has no steps
+        return Geometry_Warnings(Decode(bytes).header.geometry, volume).size();
+    };
+    EXPECT_EQ(told(1, 1.0), 0U);
+    for (const int code : {2, 3, 4}) {
+        EXPECT_EQ(told(code, 1.12), 0U) << "the head was scaled to fit, code " << code;
+        EXPECT_EQ(told(code, 10.0), 1U) << "centimetres are no registration";
+    }
+    EXPECT_EQ(told(1, 1.12), 1U) << "the scanner's own space has the scanner's voxels";
+}
+
 TEST(Nifti_Geometry, takes_the_qform_when_the_sform_is_absent_or_unusable) {
     Nifti_Bytes bytes;
     bytes.pixdim = {1, 2, 3, 4, 0, 0, 0, 0};

@@ -63,13 +63,8 @@ void Check_Round_Trip(int version, const char* name, std::size_t count) {
     EXPECT_EQ(folder.Entry_Nb(), 1U) << "nothing else is left there";
     const Load_Result result = Volume_Load(folder / name);
     ASSERT_THAT(result.error, IsEmpty());
-    // The source's matrix is sheared: its steps are a little longer than the voxel sizes, and the labels say the same.
-    EXPECT_THAT(
-        result.warnings,
-        ElementsAre(std::string(name) +
-                    " says that voxels are 0.5 x 0.75 x 2.5 mm large, and its sform that they "
-                    "are 0.5625 x 0.800391 x 2.53106 mm: places follow the sform, the picture's proportions the "
-                    "voxel sizes."));
+    // The source's matrix is sheared, its steps are a little longer than the voxel sizes: it leads to an atlas.
+    EXPECT_THAT(result.warnings, IsEmpty());
     const Volume& volume = *result.volume;
     EXPECT_EQ(volume.scalar_type, sizeof(Label) == 1 ? "uint8" : "uint16");
     EXPECT_EQ(volume.nx, 5);
@@ -204,15 +199,13 @@ TEST(Nifti_Writer, keeps_the_former_file_when_memory_fails) {
             error = Label_Volume_Write(path, source, labels);
             happened = failure.Happened();
         }
-        ASSERT_TRUE(happened || error.empty()) << fail_at;
-        ASSERT_EQ(folder.Entry_Nb(), 1U);
-        if (!error.empty()) {
-            ASSERT_EQ(File_Get(path), Bytes(7, 'x'));
-        } else {  // what fails after the file has its name is no failure of writing
-            ASSERT_TRUE(Volume_Load(path).volume.has_value()) << fail_at;
-            File_Put(path, Bytes(7, 'x'));
+        ASSERT_EQ(error.empty(), !happened) << fail_at << ": a failure is told, and is one";
+        ASSERT_EQ(folder.Entry_Nb(), 1U) << fail_at;
+        if (happened) {
+            ASSERT_EQ(File_Get(path), Bytes(7, 'x')) << fail_at;
         }
     }
+    EXPECT_TRUE(Volume_Load(path).volume.has_value());
     EXPECT_GT(fail_at, 5);
 }
 

@@ -18,6 +18,7 @@ TEST(Read_Facts, the_page_tells_what_an_exact_volume_is) {
     volume.encoding = "NIfTI-1, little-endian";
     volume.affine_source = Affine_Source::SFORM;
     volume.stored.sform_code = 4;
+    volume.affine = {{{-2, 0, 0, 90}, {0, 2, 0, -126}, {0, 0, 2.5, -72}}};
     EXPECT_EQ(Read_Facts_Text("head.nii", volume, {}, ""),
               "head.nii\n\n"
               "Size: 91 x 109 x 1,000 voxels of 2 x 2 x 2.5 mm\n"
@@ -29,6 +30,17 @@ TEST(Read_Facts, the_page_tells_what_an_exact_volume_is) {
               "Orientation: the file's sform (code 4)\n"
               "Warnings: none\n");
     EXPECT_EQ(Read_Losses_Text(volume), "");
+    volume.affine[1] = {0, 0, 2.2, 0};
+    volume.affine[2] = {0, 2.4, 0, 0};
+    EXPECT_NE(Read_Facts_Text("head.nii", volume, {}, "")
+                  .find("the file's sform (code 4), in which voxels lie 2 x 2.4 x 2.2 mm apart\n"),
+              std::string::npos)
+        << "a registration has scaled the head";
+    volume.nonfinite_nb = 1234;
+    volume.place_source = "the files";
+    EXPECT_NE(Read_Facts_Text("head.nii", volume, {}, "")
+                  .find("outside the scale: 1,234 that only fill the picture up or have "),
+              std::string::npos);
 }
 
 TEST(Read_Facts, the_page_tells_what_was_lost) {
