@@ -2,7 +2,7 @@
 // bins a frame, optimised, as times of the whole merge without that path over times with it:
 //
 //   sums of a run of frames of one grid, mapped once          3.6
-//   four frames to a pass over the sums (1,000 frames)        1.6
+//   four frames to a pass over the sums (1,000 frames)        1.5
 //   Map_Monotone, targets in blocks of TARGETS_NB             3.3
 //   Add_Consecutive, frames as wide as the record's bins      1.7
 //   sums of a target in a register, ten frame bins to one     1.5; five bins to three 1.2
