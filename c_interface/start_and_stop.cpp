@@ -126,7 +126,7 @@ void Session::Start(const kit_settings& wanted) {
     Variables_Define(scale, icons);
     Library_Scale_Set(scale);
     Library_Theme_Set(wanted.theme == KIT_THEME_LIGHT ? Library_Theme::Light : Library_Theme::Dark);
-    Message_Receiver_Add(On_Message, nullptr);
+    Message_Receiver_Add(On_Message, nullptr, true);
     Request_Listener_Set(Listener_Of(true));
     is_started = true;
 }

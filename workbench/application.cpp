@@ -67,7 +67,7 @@ Application::Application(const Command_Line& command_line)
     propagate_panel.Set(&Application::Propagation_Function);
     Message_Receiver_Add([](void* context, HWND, int level,
                             const char* text) { static_cast<Application*>(context)->On_Message(level, text); },
-                         this);
+                         this, true);
     Request_Listener listener;
     listener.context = this;
     listener.update = [](void* context, unsigned __int64 flags, void*, void*) {

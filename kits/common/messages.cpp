@@ -1,5 +1,6 @@
 #include "kits/common/messages.h"
 
+#include <algorithm>
 #include <cstdarg>
 
 #include "kits/common/message_format.h"
@@ -13,18 +14,27 @@ namespace {
 struct Registration {
     Message_Receiver receiver = nullptr;
     void* context = nullptr;
+    bool with_traces = false;
 };
+
+constexpr int TRACE_FIRST = 10;
+constexpr int TRACE_LAST = 17;
+
+/** Whether only receivers that ask for traces get the message. */
+bool Is_Asked_For(int level) {
+    return level >= TRACE_FIRST && level <= TRACE_LAST && Flag_Trace == 0;
+}
 
 /** Who receives messages. A place that is left while messages are being delivered stays empty until the delivery is
  * over, so that receivers may come, go and send messages themselves. */
 class Receiver_List {
   public:
-    int Add(Message_Receiver receiver, void* context) {
+    int Add(Message_Receiver receiver, void* context, bool with_traces) {
         if (receiver == nullptr || Find(receiver, context) != nullptr) {
             return 0;
         }
         try {
-            registrations.push_back({receiver, context});
+            registrations.push_back({receiver, context, with_traces});
         } catch (...) {
             return 0;
         }
@@ -41,7 +51,13 @@ class Receiver_List {
         return 1;
     }
 
-    bool Empty() const { return registrations.empty(); }
+    /** Whether somebody gets messages of that level. */
+    bool Has_Receiver(int level) const {
+        return std::ranges::any_of(
+            registrations, [is_asked_for = Is_Asked_For(level)](const Registration& registration) {
+                return registration.receiver != nullptr && (registration.with_traces || !is_asked_for);
+            });
+    }
 
     void Deliver(HWND window, int level, const char* text) {
         // A receiver that answers every message with another one would never end.
@@ -50,10 +66,11 @@ class Receiver_List {
             return;
         }
         ++depth;
+        const bool is_asked_for = Is_Asked_For(level);
         const std::size_t count = registrations.size();
         for (std::size_t i = 0; i < count; ++i) {
             const Registration registration = registrations[i];
-            if (registration.receiver == nullptr) {
+            if (registration.receiver == nullptr || (is_asked_for && !registration.with_traces)) {
                 continue;
             }
             try {
@@ -102,8 +119,12 @@ Receiver_List& Receivers() {
 
 }  // namespace
 
+int Message_Receiver_Add(Message_Receiver receiver, void* context, bool with_traces) {
+    return Receivers().Add(receiver, context, with_traces);
+}
+
 int Message_Receiver_Add(Message_Receiver receiver, void* context) {
-    return Receivers().Add(receiver, context);
+    return Message_Receiver_Add(receiver, context, false);
 }
 
 int Message_Receiver_Remove(Message_Receiver receiver, void* context) {
@@ -112,7 +133,7 @@ int Message_Receiver_Remove(Message_Receiver receiver, void* context) {
 
 int Error_Fct(HWND window, int level, const char* format, ...) {
     Receiver_List& receivers = Receivers();
-    if (format == nullptr || receivers.Empty()) {
+    if (format == nullptr || !receivers.Has_Receiver(level)) {
         return 1;
     }
     Message_Text text;

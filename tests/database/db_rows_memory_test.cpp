@@ -17,7 +17,7 @@ constexpr DB_Source HERE{"some/view.cpp", 321};
 /** Keeps the last message; allocates nothing while it is told. */
 class Last_Message {
   public:
-    Last_Message() { Message_Receiver_Add(Receive, this); }
+    Last_Message() { Message_Receiver_Add(Receive, this, true); }
     ~Last_Message() { Message_Receiver_Remove(Receive, this); }
     Last_Message(const Last_Message&) = delete;
     Last_Message& operator=(const Last_Message&) = delete;

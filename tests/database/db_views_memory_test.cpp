@@ -26,7 +26,7 @@ bool Is_Selected(const Quorel& object) {
 /** Keeps the last message; allocates nothing while it is told. */
 class Last_Message {
   public:
-    Last_Message() { Message_Receiver_Add(Receive, this); }
+    Last_Message() { Message_Receiver_Add(Receive, this, true); }
     ~Last_Message() { Message_Receiver_Remove(Receive, this); }
     Last_Message(const Last_Message&) = delete;
     Last_Message& operator=(const Last_Message&) = delete;

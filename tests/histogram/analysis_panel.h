@@ -29,7 +29,7 @@ class Analysis_Panel {
   public:
     explicit Analysis_Panel(const std::vector<std::uint32_t>& counts) {
         Counts_Set(counts);
-        Message_Receiver_Add(&Analysis_Panel::Receive, this);
+        Message_Receiver_Add(&Analysis_Panel::Receive, this, true);
     }
     ~Analysis_Panel() { Message_Receiver_Remove(&Analysis_Panel::Receive, this); }
     Analysis_Panel(const Analysis_Panel&) = delete;

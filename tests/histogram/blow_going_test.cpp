@@ -92,7 +92,7 @@ class Blow_Going : public Blow_Stage {
     /** How many messages an operation tells. */
     int Messages_Of(const std::function<void(Tool_Histo&)>& operation) {
         message_nb = 0;
-        Message_Receiver_Add(Count, this);
+        Message_Receiver_Add(Count, this, true);
         operation(going->Panel());
         Message_Receiver_Remove(Count, this);
         return message_nb;
@@ -105,7 +105,7 @@ class Blow_Going : public Blow_Stage {
             Again();
             wait_for = at;
             answer = [this] { going->Go(); };
-            Message_Receiver_Add(Answer_Message, this);
+            Message_Receiver_Add(Answer_Message, this, true);
             operation(going->Panel());
             Message_Receiver_Remove(Answer_Message, this);
             EXPECT_TRUE(going->Is_Gone()) << at;

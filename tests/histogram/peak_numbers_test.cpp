@@ -220,7 +220,7 @@ TEST(Histo_Fit_Repeatable, leaves_an_analysis_that_runs_alone) {
             }
         }
     } asking{test};
-    Message_Receiver_Add(Asking::Receive, &asking);
+    Message_Receiver_Add(Asking::Receive, &asking, true);
     test.panel.Fit_Gaussian();
     Message_Receiver_Remove(Asking::Receive, &asking);
     EXPECT_EQ(asking.result, 0);

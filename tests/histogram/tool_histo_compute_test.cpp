@@ -346,7 +346,7 @@ TEST_F(Histo_Computation, the_first_message_is_the_trace_and_there_is_no_other) 
     const auto receive = [](void* context, HWND, int level, const char* text) {
         static_cast<std::vector<std::string>*>(context)->push_back(std::to_string(level) + " " + text);
     };
-    Message_Receiver_Add(receive, &texts);
+    Message_Receiver_Add(receive, &texts, true);
     EXPECT_EQ(Histo_Compute(panel), 0);
     scene.Add_Grey({}, {1});
     EXPECT_EQ(Histo_Compute(panel), 1);

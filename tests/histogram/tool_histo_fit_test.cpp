@@ -13,7 +13,7 @@ namespace {
 class Heard {
   public:
     explicit Heard(const std::vector<std::uint32_t>& counts) : test(std::make_unique<Analysis_Panel>(counts)) {
-        Message_Receiver_Add(Receive, this);
+        Message_Receiver_Add(Receive, this, true);
     }
     ~Heard() { Message_Receiver_Remove(Receive, this); }
     Heard(const Heard&) = delete;

@@ -20,7 +20,7 @@ namespace {
 /** Keeps what is reported (no traces) without allocating anything itself. */
 class Reports {
   public:
-    Reports() { Message_Receiver_Add(Receive, this); }
+    Reports() { Message_Receiver_Add(Receive, this, true); }
     ~Reports() { Message_Receiver_Remove(Receive, this); }
     Reports(const Reports&) = delete;
     Reports& operator=(const Reports&) = delete;

@@ -29,7 +29,7 @@ class Histo_Export : public testing::Test {
         ::GetTempPathA(MAX_PATH, folder);
         path = std::string(folder) + "histo_export_test.csv";
         std::remove(path.c_str());
-        Message_Receiver_Add(Receive, this);
+        Message_Receiver_Add(Receive, this, true);
     }
     ~Histo_Export() override {
         Message_Receiver_Remove(Receive, this);

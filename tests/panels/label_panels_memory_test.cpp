@@ -157,7 +157,7 @@ TEST_F(Tag_Memory, the_report_of_a_failed_label_copy_names_line_file_and_destina
     Type(panel, "Lung");
     messages.Listen(false);
     Report_Slot report;
-    Message_Receiver_Add(Report_Slot::Receive, &report);
+    Message_Receiver_Add(Report_Slot::Receive, &report, true);
     {
         const Failing_Allocation failing(1);
         EXPECT_EQ(panel.Keyboard(KEY_ENTER), 0);
@@ -180,7 +180,7 @@ TEST_F(Marker_Memory, the_report_of_a_failed_label_copy_names_line_file_and_dest
     Quiet();
     messages.Listen(false);
     Report_Slot report;
-    Message_Receiver_Add(Report_Slot::Receive, &report);
+    Message_Receiver_Add(Report_Slot::Receive, &report, true);
     {
         const Failing_Allocation failing(1);
         EXPECT_EQ(panel.Keyboard(KEY_ENTER), 0);

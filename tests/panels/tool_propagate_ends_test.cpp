@@ -150,7 +150,7 @@ TEST_F(Propagate_Ends, while_the_user_reads_a_warning) {
                 static_cast<Ending*>(context)->End();
             }
         };
-        Message_Receiver_Add(end, &ending);
+        Message_Receiver_Add(end, &ending, true);
         EXPECT_EQ(ending->Propagate(1), 0);
         Message_Receiver_Remove(end, &ending);
         EXPECT_TRUE(ending.Has_Ended()) << has_function;

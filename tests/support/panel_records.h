@@ -21,7 +21,7 @@ std::ostream& operator<<(std::ostream& out, const Panel_Message& message);
 /** Keeps every message of its life time, in order. */
 class Message_Recorder {
   public:
-    Message_Recorder() { Message_Receiver_Add(Receive, this); }
+    Message_Recorder() { Message_Receiver_Add(Receive, this, true); }
     ~Message_Recorder() { Message_Receiver_Remove(Receive, this); }
     Message_Recorder(const Message_Recorder&) = delete;
     Message_Recorder& operator=(const Message_Recorder&) = delete;

@@ -116,7 +116,7 @@ void Analysis_Window::Analyse(Fit fit) {
         return;
     }
     log.Clear();
-    Message_Receiver_Add(Receive, this);
+    Message_Receiver_Add(Receive, this, true);
     fit(*panel);
     Message_Receiver_Remove(Receive, this);
     log_first = 0;

@@ -40,7 +40,7 @@ void Listen(void* context, HWND /*window*/, int level, const char* text) {
 
 class Listening {
   public:
-    explicit Listening(Story& story) : listened(story) { Message_Receiver_Add(Listen, &listened); }
+    explicit Listening(Story& story) : listened(story) { Message_Receiver_Add(Listen, &listened, true); }
     ~Listening() { Message_Receiver_Remove(Listen, &listened); }
     Listening(const Listening&) = delete;
     Listening& operator=(const Listening&) = delete;

@@ -149,7 +149,7 @@ TEST(Without_Memory, large_matrices_are_marked_invalid_or_live_in_a_kept_block) 
 }
 
 TEST(Without_Memory, short_messages_need_none) {
-    ASSERT_EQ(Message_Receiver_Add(Receive, nullptr), 1);
+    ASSERT_EQ(Message_Receiver_Add(Receive, nullptr, true), 1);
     received_nb = 0;
     EXPECT_EQ(Fail_Each_Allocation([] {
                   Error_Fct(nullptr, 1, "line %-4d of %s \nmemory error in %ls (%.2f)", 244, "panels/tool_tag.cpp",
@@ -162,7 +162,7 @@ TEST(Without_Memory, short_messages_need_none) {
 }
 
 TEST(Without_Memory, long_messages_are_cut_and_still_arrive) {
-    ASSERT_EQ(Message_Receiver_Add(Receive, nullptr), 1);
+    ASSERT_EQ(Message_Receiver_Add(Receive, nullptr, true), 1);
     const std::string text(5000, 'x');
     const std::string front = text.substr(0, sizeof(received) - 1);
     received_nb = 0;

@@ -14,7 +14,7 @@ class Message_Sink {
         std::string text;
     };
 
-    Message_Sink() { Message_Receiver_Add(Receive, this); }
+    Message_Sink() { Message_Receiver_Add(Receive, this, true); }
     ~Message_Sink() { Message_Receiver_Remove(Receive, this); }
     Message_Sink(const Message_Sink&) = delete;
     Message_Sink& operator=(const Message_Sink&) = delete;

@@ -26,7 +26,7 @@ void Remove_Itself(void* context, HWND, int, const char*) {
 char late_name[] = "late:";
 
 void Add_Another(void*, HWND, int, const char*) {
-    Message_Receiver_Add(Note_Name, late_name);
+    Message_Receiver_Add(Note_Name, late_name, true);
 }
 
 void Answer(void*, HWND, int, const char* text) {
@@ -57,9 +57,9 @@ TEST_F(Messages, reach_a_receiver_with_window_and_level) {
 TEST_F(Messages, reach_receivers_in_the_order_of_their_registration) {
     char first[] = "a:";
     char second[] = "b:";
-    EXPECT_EQ(Message_Receiver_Add(Note_Name, first), 1);
-    EXPECT_EQ(Message_Receiver_Add(Note_Name, second), 1);
-    EXPECT_EQ(Message_Receiver_Add(Note_Name, first), 0) << "registered already";
+    EXPECT_EQ(Message_Receiver_Add(Note_Name, first, true), 1);
+    EXPECT_EQ(Message_Receiver_Add(Note_Name, second, true), 1);
+    EXPECT_EQ(Message_Receiver_Add(Note_Name, first, true), 0) << "registered already";
     Error_Fct(nullptr, 4, "x");
     EXPECT_EQ(order, (std::vector<std::string>{"a:x", "b:x"}));
     EXPECT_EQ(Message_Receiver_Remove(Note_Name, first), 1);
@@ -76,14 +76,14 @@ TEST_F(Messages, nobody_listening_and_no_format_are_harmless) {
     int (*report)(HWND, int, const char*, ...) = Error_Fct;
     EXPECT_EQ(report(nullptr, 1, nullptr), 1);
     EXPECT_TRUE(sink.messages.empty());
-    EXPECT_EQ(Message_Receiver_Add(nullptr, nullptr), 0);
+    EXPECT_EQ(Message_Receiver_Add(nullptr, nullptr, true), 0);
     EXPECT_EQ(Message_Receiver_Remove(nullptr, nullptr), 0);
 }
 
 TEST_F(Messages, a_receiver_may_leave_while_it_is_called) {
     char after[] = "after:";
-    Message_Receiver_Add(Remove_Itself, nullptr);
-    Message_Receiver_Add(Note_Name, after);
+    Message_Receiver_Add(Remove_Itself, nullptr, true);
+    Message_Receiver_Add(Note_Name, after, true);
     Error_Fct(nullptr, 4, "1");
     Error_Fct(nullptr, 4, "2");
     EXPECT_EQ(order, (std::vector<std::string>{"once", "after:1", "after:2"}));
@@ -91,7 +91,7 @@ TEST_F(Messages, a_receiver_may_leave_while_it_is_called) {
 }
 
 TEST_F(Messages, a_receiver_that_comes_during_a_delivery_gets_the_next_message) {
-    Message_Receiver_Add(Add_Another, nullptr);
+    Message_Receiver_Add(Add_Another, nullptr, true);
     Error_Fct(nullptr, 4, "1");
     EXPECT_TRUE(order.empty());
     Error_Fct(nullptr, 4, "2");
@@ -101,7 +101,7 @@ TEST_F(Messages, a_receiver_that_comes_during_a_delivery_gets_the_next_message) 
 }
 
 TEST_F(Messages, a_receiver_that_answers_every_message_comes_to_an_end) {
-    Message_Receiver_Add(Answer, nullptr);
+    Message_Receiver_Add(Answer, nullptr, true);
     Error_Fct(nullptr, 4, "q");
     Message_Receiver_Remove(Answer, nullptr);
     ASSERT_GE(order.size(), 2U);
@@ -114,7 +114,7 @@ TEST_F(Messages, a_receiver_that_answers_every_message_comes_to_an_end) {
 }
 
 TEST_F(Messages, a_receiver_that_throws_harms_nobody) {
-    Message_Receiver_Add(Fail, nullptr);
+    Message_Receiver_Add(Fail, nullptr, true);
     Message_Sink sink;
     EXPECT_EQ(Error_Fct(nullptr, 4, "on"), 1);
     EXPECT_EQ(sink.Last(), "on");
@@ -138,4 +138,26 @@ TEST_F(Messages, globals_have_safe_defaults) {
     EXPECT_EQ(Flag_Trace, 0);
     ASSERT_NE(Prog_Name, nullptr);
     EXPECT_STRNE(Prog_Name, "");
+}
+
+TEST(Message_Traces, come_to_who_asks_or_while_they_are_switched_on) {
+    std::vector<int> plain;
+    std::vector<int> tracing;
+    const Message_Receiver take = [](void* context, HWND, int level, const char*) {
+        static_cast<std::vector<int>*>(context)->push_back(level);
+    };
+    Message_Receiver_Add(take, &plain);
+    Message_Receiver_Add(take, &tracing, true);
+    for (const int level : {MESSAGE_WARNING, 9, 10, TRACE_LEVEL, 17, 18}) {
+        Error_Fct(nullptr, level, "level %d", level);
+    }
+    EXPECT_EQ(plain, (std::vector<int>{MESSAGE_WARNING, 9, 18}));
+    EXPECT_EQ(tracing, (std::vector<int>{MESSAGE_WARNING, 9, 10, TRACE_LEVEL, 17, 18}));
+    plain.clear();
+    Flag_Trace = 1;
+    Error_Fct(nullptr, TRACE_LEVEL, "a trace");
+    Flag_Trace = 0;
+    EXPECT_EQ(plain, std::vector<int>{TRACE_LEVEL});
+    Message_Receiver_Remove(take, &plain);
+    Message_Receiver_Remove(take, &tracing);
 }
