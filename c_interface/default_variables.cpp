@@ -13,7 +13,7 @@ namespace {
 
 constexpr int tag_start_nb = 8;
 constexpr int marker_start_nb = 4;
-constexpr int bins_most = 4096;
+constexpr int bins_most = 4097;  // a bin for each of 4096 levels needs one more
 constexpr unsigned short brush_start[] = {1, 3, 6, 10, 16};
 
 struct Dimension {

@@ -14,7 +14,7 @@ using namespace c_interface;
 namespace {
 
 constexpr int side_most = 65535;
-constexpr int bins_most = 4096;
+constexpr int bins_most = 4097;  // as "$GLI_HISTO_BINS_MAX" is at first
 constexpr std::int64_t most_pixels = std::numeric_limits<std::int32_t>::max();
 constexpr std::size_t settings_least = offsetof(kit_volume_settings, descriptor) + sizeof(const char*);
 
@@ -129,22 +129,12 @@ void Levels_Read(const kit_volume_settings& wanted, Volume& volume) {
     }
 }
 
-/** The grid of levels; where bins are of several levels, with room for the bin that the panel adds. */
-Histo_Grid Grid_Of(std::int32_t lowest, std::int32_t highest, float slope, float intercept) {
-    const Histo_Grid grid = Histo_Grid_Of_Levels(lowest, highest, slope, intercept, bins_most);
-    if (std::int64_t{highest} - lowest < bins_most || !(grid.bin_width > 0.0F)) {
-        return grid;
-    }
-    const int added = static_cast<int>(std::clamp(1.0F / grid.bin_width, 0.0F, bins_most / 2.0F)) + 1;
-    return Histo_Grid_Of_Levels(lowest, highest, slope, intercept, bins_most - added);
-}
-
 void Frames_Make(const kit_volume_settings& wanted, Volume& volume) {
     const bool is_color = wanted.pixel == KIT_PIXEL_COLOR;
     const float slope = wanted.slope > 0.0F ? wanted.slope : 1.0F;
     const auto [lowest, highest] = std::ranges::minmax(volume.levels);
     volume.times = Times_Of(wanted);
-    volume.grid = is_color ? Histo_Grid{} : Grid_Of(lowest, highest, slope, wanted.intercept);
+    volume.grid = is_color ? Histo_Grid{} : Histo_Grid_Of_Levels(lowest, highest, slope, wanted.intercept, bins_most);
     volume.masks.resize(static_cast<std::size_t>(wanted.slices));
     const std::size_t slice_levels = volume.levels.size() / static_cast<std::size_t>(wanted.slices);
     for (std::size_t slice = 0; slice < volume.masks.size(); ++slice) {

@@ -15,7 +15,7 @@ namespace {
 constexpr std::array<unsigned short, BRUSH_NB> brush_sizes = {1, 2, 3, 5, 8, 12, 18, 25};
 constexpr int brush_radius = 25;  // half-width of every mask; the largest brush reaches 24 pixels from its centre
 constexpr int brush_start = 4;
-constexpr int histogram_bins_max = 4096;
+constexpr int histogram_bins_max = 4097;  // a bin for each of 4096 levels needs one more
 
 struct Dimension {
     const char* name;

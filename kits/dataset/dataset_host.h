@@ -120,8 +120,12 @@ struct Histo_Grid {
     float bin_width = 1.0F;  ///< GLI units, > 0
     int nb_bins = 1;         ///< 1 .. 65535
 };
-/** The grid of levels lowest .. highest: one bin per stored level, or the smallest whole number of levels that keeps it
- * within `most_bins`. */
+/** The grid of levels lowest .. highest: one bin per stored level, or the smallest whole number of levels with which a
+ * histogram panel keeps the bins as they are.
+ *  @param lowest, highest stored levels, in either order; @param slope, intercept grey level of a level
+ *  @param most_bins what "$GLI_HISTO_BINS_MAX" is. The panel counts one grey level more than the frames cover, so one
+ *  bin per level needs the number of levels and 1 / slope more (257 for 256 levels of slope 1); with less it would
+ *  join bins, and this joins levels instead: frames and panel show the same bins */
 KIT_DATASET_API Histo_Grid Histo_Grid_Of_Levels(std::int32_t lowest, std::int32_t highest, float slope, float intercept,
                                                 int most_bins);
 
@@ -175,7 +179,9 @@ inline constexpr float GESTURE_STEP =
 
 // ---- checks of the host, see kits/common/contract.h
 
-/** Compares every count with its arrays and with what panels show. @return mistakes found that were not reported yet */
+/** Compares every variable with the table of kits/dataset/variable_rules.h, and looks at masks, files, frames and
+ * histograms that they lead to. To be called when no panel operation is running. @return mistakes found that were not
+ * reported yet */
 KIT_DATASET_API int Contract_Check_Variables();
 /** To be told of every set of change flags that the host sends to its panels: structure and selection need a level. */
 KIT_DATASET_API void Contract_Check_Update(unsigned __int64 flags);

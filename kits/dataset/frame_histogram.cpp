@@ -191,6 +191,13 @@ Record Build_Color(const Level_Frame& frame, const unsigned char* mask) {
     return record;
 }
 
+/** Whether a merge of frames on the grid keeps its bins: it counts one grey level more than they cover, in these very
+ * steps of single precision. */
+bool Is_Kept_By_Merge(const Histo_Grid& grid, std::int64_t most) {
+    const float edge = static_cast<float>(grid.nb_bins) * grid.bin_width + grid.origin;
+    return std::trunc((edge - grid.origin + 1.0F) / grid.bin_width) <= static_cast<float>(most);
+}
+
 }  // namespace
 
 Histo_Grid Histo_Grid_Of_Levels(std::int32_t lowest, std::int32_t highest, float slope, float intercept,
@@ -202,18 +209,29 @@ Histo_Grid Histo_Grid_Of_Levels(std::int32_t lowest, std::int32_t highest, float
     const double step = std::abs(static_cast<double>(slope));
     const auto level_nb = static_cast<std::int64_t>(highest) - lowest + 1;
     const std::int64_t most = std::clamp(most_bins, 1, BIN_NB_MAX);
-    const std::int64_t levels_per_bin = (level_nb + most - 1) / most;
     const double first = slope < 0.0F ? highest : lowest;  // the level with the lowest value
-    const auto bin_width = static_cast<float>(step * static_cast<double>(levels_per_bin));
-    if (!std::isfinite(bin_width) || bin_width <= 0.0F || !std::isfinite(intercept)) {
+    const auto with_bins_of = [&](std::int64_t levels_per_bin) {
+        Histo_Grid joined = grid;
+        joined.bin_width = static_cast<float>(step * static_cast<double>(levels_per_bin));
+        joined.nb_bins = static_cast<int>((level_nb + levels_per_bin - 1) / levels_per_bin);
+        return joined;
+    };
+    const std::int64_t fewest = (level_nb + most - 1) / most;
+    if (const float width = with_bins_of(fewest).bin_width;
+        !std::isfinite(width) || width <= 0.0F || !std::isfinite(intercept)) {
         // All levels have one value.
         grid.origin = std::isfinite(intercept) ? intercept : 0.0F;
         return grid;
     }
     grid.origin = static_cast<float>(first * static_cast<double>(slope) + static_cast<double>(intercept));
-    grid.bin_width = bin_width;
-    grid.nb_bins = static_cast<int>((level_nb + levels_per_bin - 1) / levels_per_bin);
-    return grid;
+    // The smallest number that fits, by halving; all levels in one bin is the most that joining can do.
+    std::int64_t too_few = fewest - 1;
+    std::int64_t enough = level_nb;
+    while (enough - too_few > 1) {
+        const std::int64_t middle = too_few + (enough - too_few) / 2;
+        (Is_Kept_By_Merge(with_bins_of(middle), most) ? enough : too_few) = middle;
+    }
+    return with_bins_of(enough);
 }
 
 int Frame_Histogram_Build(Level_Frame* frame, const Histo_Grid& grid, const unsigned char* mask) {

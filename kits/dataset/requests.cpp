@@ -1,5 +1,6 @@
 #include "kits/dataset/requests.h"
 
+#include "kits/common/contract.h"
 #include "kits/dataset/dataset_host.h"
 
 namespace {
@@ -31,9 +32,10 @@ void Request_Listener_Set(const Request_Listener& new_listener) {
 void Fct_Update(unsigned __int64 flags, void* a, void* b, Region_2D* /*region*/) {
     Contract_Check_Update(flags);
     const Request_Listener now = listener;
-    if (now.update != nullptr) {
-        now.update(now.context, flags, a, b);
+    if (now.update == nullptr) {
+        return Contract_Report(CONTRACT_LISTENER, "Fct_Update");
     }
+    now.update(now.context, flags, a, b);
 }
 
 void Fct_Redraw(unsigned __int64 flags, void* a, void* b, Region_2D* /*region*/) {

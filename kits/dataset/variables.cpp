@@ -198,6 +198,14 @@ Variable* Variable_Find(const char* name) {
     return table.Find(name);
 }
 
+void Variables_Visit(void (*visit)(const Variable& variable)) {
+    table.For_Each([visit](const Variable& variable) {
+        if (variable.form != Form::Undefined) {
+            visit(variable);
+        }
+    });
+}
+
 void Variable_Forget_Frame(const Quorel_2D* frame) {
     const Variable* variable = table.Find("$FRAME_CUR");
     if (variable == nullptr || variable->form != Form::Array || variable->type != VARIABLE_POINTER ||

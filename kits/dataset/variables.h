@@ -36,3 +36,5 @@ struct Variable {
 Variable* Variable_Find(const char* name);
 /** Frames that are destroyed must not stay in "$FRAME_CUR". Arrays of the application are its own business. */
 void Variable_Forget_Frame(const Quorel_2D* frame);
+/** Calls `visit` with every variable that exists. */
+void Variables_Visit(void (*visit)(const Variable& variable));

@@ -1,5 +1,7 @@
 #include "kits/widgets/axis.h"
 
+#include "kits/widgets/window_state.h"
+
 int Axis_Row(Window_Axis axis, int client_height, int y) {
     return axis == Window_Axis::Up ? client_height - 1 - y : y;
 }
@@ -9,6 +11,7 @@ bool Widget_Device_Rect(const Tools& widget, Rect* rect) {
     if (widget.width <= 0 || widget.height <= 0 || !Window_Client_Size(widget.window, &client)) {
         return false;
     }
+    Window_Drawn_Note(widget.window);
     // The visual top row is the widget's last row when y counts upwards, its first when y counts downwards.
     const Window_Axis axis = Window_Axis_Get(widget.window);
     const int top_row = axis == Window_Axis::Up ? widget.y + widget.height - 1 : widget.y;

@@ -41,6 +41,7 @@ bool Begin(HWND window, const char* label) {
         if (Contract_Checks()) {
             std::snprintf(running.label, sizeof running.label, "%s", label != nullptr ? label : "");
         }
+        Window_Drawn_Note(window);
         running.window_before = Y_Window;
         running.dc_before = Y_DC;
         const bool up = Window_Axis_Get(window) == Window_Axis::Up;
@@ -103,4 +104,8 @@ void Contract_Check_Drawing() {
     if (Wait_Cursor_Depth() > 0) {
         Contract_Report(CONTRACT_WAIT_CURSOR, "set and not reset");
     }
+    if (hwnd == nullptr) {
+        Contract_Report(CONTRACT_MAIN_WINDOW, "hwnd of host/kit_common.h");
+    }
+    Contract_Check_Axes();
 }

@@ -65,5 +65,6 @@ enum class Library_Theme { Dark, Light };
 KIT_WIDGETS_API void Library_Theme_Set(Library_Theme theme);
 
 /** To be called when no panel operation is running: reports device contexts that Y_setup gave and that Y_release did
- * not take back, and wait cursors that are still shown. See kits/common/contract.h. */
+ * not take back, wait cursors that are still shown, windows that were drawn in without a declared axis, and a main
+ * window that was never named. See kits/common/contract.h. */
 KIT_WIDGETS_API void Contract_Check_Drawing();

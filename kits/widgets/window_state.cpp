@@ -6,12 +6,14 @@
 #include <vector>
 
 #include "host/kit_widgets.h"
+#include "kits/common/contract.h"
 #include "kits/widgets/shown_widgets_note.h"
 
 namespace {
 
 struct Window_State {
     Window_Axis axis = Window_Axis::Up;
+    bool axis_declared = false;
     int buffer_depth = 0;
     bool buffer_ready = false;  // there is memory and it holds what the window shows
     bool changed_all = false;
@@ -69,6 +71,22 @@ void Changed_Add(Window_State& state, const Rect& rect) {
 void Window_Axis_Set(HWND window, Window_Axis axis) {
     if (Window_State* state = State_Make(window)) {
         state->axis = axis;
+        state->axis_declared = true;
+    }
+}
+
+void Window_Drawn_Note(HWND window) {
+    if (Contract_Checks()) {
+        State_Make(window);
+    }
+}
+
+void Contract_Check_Axes() {
+    Size client;
+    for (const auto& [window, state] : States()) {
+        if (!state.axis_declared && Window_Client_Size(window, &client)) {
+            Contract_Report(CONTRACT_AXIS, "Window_Axis_Set before the first panel is laid out");
+        }
     }
 }
 

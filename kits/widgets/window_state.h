@@ -10,6 +10,11 @@
  * there is not seen */
 HDC Window_Buffer_DC(HWND window);
 
+/** Notes, while the contract is checked, that something is drawn in a window. */
+void Window_Drawn_Note(HWND window);
+/** Reports windows that were drawn in and have no declared axis. */
+void Contract_Check_Axes();
+
 /** A picture for a painter, by nesting depth, so that a painter inside another one does not share its pixels. */
 class Scratch_Picture {
   public:

@@ -274,9 +274,9 @@ TEST(Volume_Objects_Scale, a_small_range_fills_the_bins_of_the_panel) {
     const Histo_Record* record = objects.Frame(0)->frame->Histogram_Get();
     ASSERT_NE(record, nullptr);
     EXPECT_GT(record->nb_bins, 3500);
-    // The panel adds 1 to the range before it counts bins, and keeps within 4096.
+    // The panel adds 1 to the range before it counts bins, and keeps within 4097.
     const float edge = static_cast<float>(record->nb_bins) * record->bin_width + record->origin;
-    EXPECT_LE(std::trunc((edge - record->origin + 1.0F) / record->bin_width), 4096.0F);
+    EXPECT_LE(std::trunc((edge - record->origin + 1.0F) / record->bin_width), 4097.0F);
     for (int bin = 0; bin + 1 < record->nb_bins; ++bin) {
         EXPECT_EQ(record->counts[bin], record->counts[0]) << "whole levels, and as many in each: no comb, bin " << bin;
     }

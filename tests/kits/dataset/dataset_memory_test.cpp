@@ -21,7 +21,7 @@ class Without_Memory : public testing::Test {
   protected:
     void SetUp() override {
         memory_message_nb = 0;
-        Message_Receiver_Add(Count_Memory_Messages, nullptr);
+        Message_Receiver_Add(Count_Memory_Messages, nullptr, true);
     }
     void TearDown() override { Message_Receiver_Remove(Count_Memory_Messages, nullptr); }
 };

@@ -57,10 +57,32 @@ TEST(Histogram_Grid, joins_whole_levels_to_keep_within_the_limit) {
     const Histo_Grid grid = Histo_Grid_Of_Levels(0, 9999, 2.0F, 0.0F, 4096);
     EXPECT_EQ(grid.bin_width, 6.0F) << "three levels";
     EXPECT_EQ(grid.nb_bins, 3334);
-    EXPECT_EQ(Histo_Grid_Of_Levels(0, 4095, 1.0F, 0.0F, 4096).nb_bins, 4096);
-    EXPECT_EQ(Histo_Grid_Of_Levels(0, 4096, 1.0F, 0.0F, 4096).nb_bins, 2049);
+    EXPECT_EQ(Histo_Grid_Of_Levels(0, 4095, 1.0F, 0.0F, 4097).nb_bins, 4096);
+    EXPECT_EQ(Histo_Grid_Of_Levels(0, 4096, 1.0F, 0.0F, 4097).nb_bins, 2049);
     EXPECT_EQ(Histo_Grid_Of_Levels(INT32_MIN, INT32_MAX, 1.0F, 0.0F, 1 << 30).nb_bins, 65535);
     EXPECT_EQ(Histo_Grid_Of_Levels(0, 100, 1.0F, 0.0F, 0).nb_bins, 1);
+}
+
+TEST(Histogram_Grid, is_kept_by_a_panel_whose_limit_is_the_same) {
+    struct Case {
+        int highest;
+        float slope;
+        float intercept;
+    };
+    for (const Case& each : {Case{255, 1.0F, 0.0F}, Case{4095, 0.1F, -3.0F}, Case{65535, 0.25F, -1024.0F},
+                             Case{1000, 3.7F, 12.5F}, Case{40000, 0.001F, 0.0F}}) {
+        for (int most = 2; most < 6000; most += most / 3 + 1) {
+            const Histo_Grid grid = Histo_Grid_Of_Levels(0, each.highest, each.slope, each.intercept, most);
+            // What a panel makes of frames on the grid: one grey level more than they cover.
+            const float edge = static_cast<float>(grid.nb_bins) * grid.bin_width + grid.origin;
+            const float bins = std::trunc((edge - grid.origin + 1.0F) / grid.bin_width);
+            if (grid.nb_bins > 1) {
+                EXPECT_LE(bins, static_cast<float>(most)) << each.highest << " x " << each.slope << ", " << most;
+            }
+        }
+    }
+    EXPECT_EQ(Histo_Grid_Of_Levels(0, 255, 1.0F, 0.0F, 257).nb_bins, 256);
+    EXPECT_EQ(Histo_Grid_Of_Levels(0, 255, 1.0F, 0.0F, 256).bin_width, 2.0F) << "256 bins and one more are 257";
 }
 
 TEST(Histogram_Grid, turns_with_a_falling_scale) {

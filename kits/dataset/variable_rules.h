@@ -1,0 +1,40 @@
+/** @file
+ *  The host variables that panels and kits read: what each is, what a host gives it first, and what follows a change.
+ *  One table: the contract checks go by it, and docs/host_variables.md shows it. */
+#pragma once
+
+#include "host/kit_dataset.h"
+
+/** How a variable is defined. */
+enum class Variable_Shape : unsigned char {
+    Scalar,  ///< Variable_Define_Scalar
+    Array,   ///< Variable_Define_Array, Variable_Define_Array_At
+    Text,    ///< Variable_Define_Text
+    Object,  ///< Variable_Define_Pointer
+};
+
+/** One variable. No text is null; those that do not apply are empty. */
+struct Variable_Rule {
+    const char* name;         ///< with its "$"
+    Variable_Type type;       ///< of the scalar or of an element
+    Variable_Shape shape;     ///< see above
+    const char* length;       ///< of an array: the variable with the least number of elements, or that number
+    int most;                 ///< of a count: largest number that panels show; 0: no limit
+    int multiple;             ///< of a count: it is a multiple of this; 0: any
+    const char* recommended;  ///< first value, of every element: a number at 96 dots per inch, a text, or "null"
+    const char* unit;         ///< "pixels", "GLI" (grey levels) ...
+    const char* writer;       ///< who changes it after the first definition
+    const char* reader;       ///< which panels look at it
+    const char* change;       ///< what the host sends after a change
+};
+
+/** The table. @param nb receives the number of rules; may be null. @return the first one, static */
+KIT_DATASET_API const Variable_Rule* Variable_Rules(int* nb);
+/** The rule of a name, null when no panel knows it. */
+KIT_DATASET_API const Variable_Rule* Variable_Rule_Find(const char* name);
+/** Defines every variable of the table that does not exist yet with its recommended value, so that a host defines only
+ *  what is its own. Arrays that follow a count get as many elements as panels show at most, objects are null.
+ *  @param scale multiplies what is in pixels: 1 for 96 dots per inch. @return number of variables defined */
+KIT_DATASET_API int Variable_Define_Recommended(float scale);
+/** "unsigned 16-bit" and the like. @param type any. @return static */
+KIT_DATASET_API const char* Variable_Type_Text(Variable_Type type);
