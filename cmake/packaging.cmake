@@ -26,11 +26,15 @@ set(kit_public_headers
     host/kit_common.h
     host/kit_dataset.h
     host/kit_graph.h
+    host/kit_names.h
     host/kit_widgets.h
     host/platform.h
     kits/common/contract.h
     kits/common/messages.h
     kits/dataset/dataset_host.h
+    kits/dataset/panel_flags.h
+    kits/dataset/variable_rules.h
+    kits/widgets/panel_window.h
     kits/widgets/shown_widgets.h
     kits/widgets/widgets_host.h
     panels/kit_panels.h
@@ -42,8 +46,9 @@ set(kit_public_headers
     panels/tool_marker.h
     panels/tool_propagate.h
     panels/tool_tag.h
+    panels/kit_version.h
     panels/version_export.h
-    base/gdi_handles.h)
+    base/wheel_remainder.h)
 foreach(header IN LISTS kit_public_headers)
     cmake_path(GET header PARENT_PATH folder)
     install(FILES "${PROJECT_SOURCE_DIR}/${header}" DESTINATION include/kit_panels/${folder} COMPONENT development)
@@ -55,10 +60,33 @@ install(FILES "${PROJECT_SOURCE_DIR}/c_interface/kit_panels_c.def" DESTINATION l
 if(KIT_MICROSOFT_LIBRARY)
     install(FILES "${KIT_MICROSOFT_LIBRARY}" DESTINATION lib COMPONENT development)
 endif()
+# Examples, as they stand in the sources: the projects among them find the installation by themselves or by
+# CMAKE_PREFIX_PATH, with the toolchain file beside them.
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/c_host" "${PROJECT_SOURCE_DIR}/examples/csharp"
     "${PROJECT_SOURCE_DIR}/examples/python" "${PROJECT_SOURCE_DIR}/examples/rust" DESTINATION share/kit_panels/examples
     COMPONENT development PATTERN CMakeLists.txt EXCLUDE)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/external_host" "${PROJECT_SOURCE_DIR}/examples/full_host"
+    DESTINATION share/kit_panels/examples COMPONENT development)
+install(FILES "${PROJECT_SOURCE_DIR}/examples/minimal_host.cpp" DESTINATION share/kit_panels/examples COMPONENT development)
+install(FILES "${PROJECT_SOURCE_DIR}/cmake/mingw_toolchain.cmake" DESTINATION share/kit_panels COMPONENT development)
+# The guide, at the places that the README's links name.
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION . COMPONENT documents PATTERN Doxyfile.in EXCLUDE)
+find_program(KIT_DOXYGEN doxygen)
+if(KIT_DOXYGEN)
+    install(CODE "execute_process(COMMAND \"${PROJECT_SOURCE_DIR}/scripts/reference\" OUTPUT_QUIET)"
+        COMPONENT development)
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/out/reference/html/" DESTINATION share/kit_panels/reference COMPONENT development)
+endif()
 
+# What a host must share with the module: the compiler's C++ interface, and the C runtime whose heap both use.
+include(CheckCXXSourceCompiles)
+check_cxx_source_compiles("#include <stdlib.h>\n#ifndef _UCRT\n#error other\n#endif\nint main() { return 0; }" KIT_HAS_UCRT)
+if(KIT_HAS_UCRT OR MSVC)
+    set(kit_c_runtime ucrt)
+else()
+    set(kit_c_runtime msvcrt)
+endif()
+string(REGEX MATCH "^[0-9]+" kit_compiler_major "${CMAKE_CXX_COMPILER_VERSION}")
 configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/Kit_PanelsConfig.cmake.in"
     "${CMAKE_BINARY_DIR}/Kit_PanelsConfig.cmake" INSTALL_DESTINATION ${kit_package_folder})
 write_basic_package_version_file("${CMAKE_BINARY_DIR}/Kit_PanelsConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
@@ -67,13 +95,19 @@ install(FILES "${CMAKE_BINARY_DIR}/Kit_PanelsConfig.cmake" "${CMAKE_BINARY_DIR}/
 
 install(TARGETS workbench RUNTIME DESTINATION bin COMPONENT runtime)
 install(DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/icons" DESTINATION bin COMPONENT runtime OPTIONAL)
-install(FILES "${PROJECT_SOURCE_DIR}/README.md" DESTINATION . COMPONENT runtime)
+install(FILES "${PROJECT_SOURCE_DIR}/README.md" DESTINATION . COMPONENT documents)
 
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_NAME Kit_Panels)
 set(CPACK_PACKAGE_FILE_NAME "Kit_Panels-${PROJECT_VERSION}-windows-x86_64")
-set(CPACK_COMPONENTS_ALL runtime)
+set(CPACK_COMPONENTS_ALL runtime documents)
 set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENT_INCLUDE_TOPLEVEL_DIRECTORY ON)
 set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
 include(CPack)
+# A second zip, for makers of hosts: cpack --config BUILD/CPackSdkConfig.cmake
+file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/CPackSdkConfig.cmake" CONTENT [[
+include("${CMAKE_CURRENT_LIST_DIR}/CPackConfig.cmake")
+set(CPACK_PACKAGE_FILE_NAME "Kit_Panels-@PROJECT_VERSION@-sdk-windows-x86_64")
+set(CPACK_COMPONENTS_ALL runtime documents development)
+]] @ONLY)

@@ -8,7 +8,6 @@
 
 #include <cstring>
 
-#include "base/gdi_handles.h"
 #include "host/kit_dataset.h"
 #include "host/kit_widgets.h"
 #include "kits/dataset/dataset_host.h"
@@ -153,15 +152,19 @@ HWND Make_Window() {
 
 /** True when the window has a pixel in TAG 1's colour. */
 bool Shows_Tag_Colors(HWND window) {
-    const Window_DC dc(window);
+    HDC dc = Y_setup(window, "Shows_Tag_Colors");
     RECT client = {};
     ::GetClientRect(window, &client);
     bool found = false;
+    if (dc == nullptr) {
+        return false;
+    }
     for (int y = 0; y < client.bottom && !found; y += 2) {
         for (int x = 0; x < client.right && !found; x += 2) {
-            found = ::GetPixel(dc.Get(), x, y) == RGB(0xE0, 0x40, 0x50);
+            found = ::GetPixel(dc, x, y) == RGB(0xE0, 0x40, 0x50);
         }
     }
+    Y_release(window, dc);
     return found;
 }
 

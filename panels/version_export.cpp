@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "host/kit_common.h"
+#include "panels/kit_version.h"
 #include "panels/module_file.h"
 
 namespace {
@@ -13,7 +14,6 @@ constexpr int path_size = 260;  // bytes
 constexpr int name_size = 80;   // bytes
 constexpr char version_number[] = "5.0";
 constexpr char revision[] = "16b";
-constexpr char full_version[] = "5.016b";
 constexpr int description_size = name_size + 40;  // bytes
 
 /** The file's name without folder and extension, cut at what `name` holds. */
@@ -27,7 +27,7 @@ void Generic_Name(const char* path, char (&name)[name_size]) {
 
 char* Get_Version_Quorel_Tools(char* version) {
     static char description[description_size];
-    if (version != nullptr && std::strcmp(version, full_version) != 0) {
+    if (version != nullptr && std::strcmp(version, KIT_PANELS_MODULE_VERSION) != 0) {
         return nullptr;
     }
     char name[name_size] = {};

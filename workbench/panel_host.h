@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "base/wheel_remainder.h"
 #include "host/kit_dataset.h"
+#include "kits/widgets/panel_window.h"
 #include "kits/widgets/widgets_host.h"
 #include "workbench/accessible.h"
 #include "workbench/look.h"
@@ -14,47 +14,10 @@
 
 namespace workbench {
 
-/** A panel of any class, as its window hosts it. */
-class Hosted_Panel {
-  public:
-    Hosted_Panel() = default;
-    virtual ~Hosted_Panel() = default;
-    Hosted_Panel(const Hosted_Panel&) = delete;
-    Hosted_Panel& operator=(const Hosted_Panel&) = delete;
-    virtual void Resize(Boxs* box) = 0;
-    virtual int Height() = 0;
-    virtual void Draw() = 0;
-    virtual int Click(int up_down) = 0;
-    virtual int Motion(int up_down) = 0;
-    virtual int Scroll(int notches) = 0;
-    virtual int Keyboard(int key) = 0;
-    virtual void Leave() = 0;
-    virtual void Update(unsigned __int64 flags) = 0;
-};
+using kit::Hosted_Panel;
+using kit::Panel_Of;
 
-/** A panel of the module, hosted as it is. @tparam Panel one of its classes */
-template <class Panel>
-class Panel_Of : public Hosted_Panel {
-  public:
-    /** @param wanted the height that the panel wants, pixels */
-    Panel_Of(Panel& hosted, std::function<int(Panel&)> wanted) : panel(hosted), height(std::move(wanted)) {}
-    void Resize(Boxs* box) override { panel.Resize(box); }
-    int Height() override { return height(panel); }
-    void Draw() override { panel.Draw(); }
-    int Click(int up_down) override { return panel.Click(up_down); }
-    int Motion(int up_down) override { return panel.Motion(up_down); }
-    int Scroll(int notches) override { return panel.Scroll(notches); }
-    int Keyboard(int key) override { return panel.Keyboard(key); }
-    void Leave() override { panel.Leave(); }
-    void Update(unsigned __int64 flags) override { panel.Update(flags); }
-
-  private:
-    Panel& panel;
-    std::function<int(Panel&)> height;
-};
-
-/** The window of one panel. Sets the pointer globals before every event, forwards it, and shows what the panel drew in
- *  one piece. */
+/** The window of one panel, in the look of the workbench, with names for those who hear the screen and tips. */
 class Panel_Host : public Window_Base {
   public:
     /** @param hosted outlives the window
@@ -78,43 +41,29 @@ class Panel_Host : public Window_Base {
     /** Gives the panel the whole window as its box. To be called again after a change of the look. */
     void Lay_Out();
     int Wanted_Height() { return panel.Height(); }
-    void Update(unsigned __int64 flags);
+    void Update(unsigned __int64 flags) { core.Update(flags); }
     /** Draws the panel anew, at once. */
-    void Refresh() { Paint(); }
+    void Refresh() { core.Refresh(); }
     /** The wheel over this window. @param delta of the message; parts of a notch are kept */
-    void Wheel(int delta);
+    void Wheel(int delta) { core.Wheel(delta); }
     /** @return true when the panel used the key */
-    bool Key(int key);
+    bool Key(int key) { return core.Key(key); }
     /** Runs a call of the panel and shows everything that it draws at once. */
     template <class Call>
-    auto Buffered(Call call) {
-        const Buffer buffer(Handle());
-        return call();
+    void Buffered(Call call) {
+        core.Buffered(call);
     }
-    bool Is_Ready() const { return is_laid_out; }
+    bool Is_Ready() const { return core.Is_Ready(); }
 
   protected:
     LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override;
 
   private:
-    struct Buffer {
-        explicit Buffer(HWND of_window) : window(of_window) { Window_Buffer_Begin(window); }
-        ~Buffer() { Window_Buffer_End(window); }
-        Buffer(const Buffer&) = delete;
-        Buffer& operator=(const Buffer&) = delete;
-        HWND window;
-    };
-    void Click(LPARAM position, int up_down);
-    void Clear();
-    void Paint();
-
     Hosted_Panel& panel;
     const Look& look;
-    std::function<void(int, int)> clicked;
+    kit::Panel_Window core;
     unsigned short face_grey = 0;  // 0: the look's
     int face_font = 0;
-    Wheel_Remainder wheel;
-    bool is_laid_out = false;
     bool is_watched = false;  // the library notes what it paints, from the first question on
 };
 

@@ -10,18 +10,14 @@ namespace workbench {
 
 namespace {
 
-constexpr int GRID_BINS_MOST = 4096;
+constexpr int GRID_BINS_FIRST = 4097;  // 4096 levels, and the one that a panel counts beyond them
+constexpr int GRID_BINS_MOST = 65535;  // that a panel can be asked for
 
 }  // namespace
 
 Histo_Grid Slice_Grid(std::int32_t lowest, std::int32_t highest, float slope, float intercept) {
-    const Histo_Grid grid = Histo_Grid_Of_Levels(lowest, highest, slope, intercept, GRID_BINS_MOST);
-    const bool is_one_level = std::int64_t{highest} - lowest < GRID_BINS_MOST;
-    if (is_one_level || !(grid.bin_width > 0.0F)) {
-        return grid;
-    }
-    const int added = static_cast<int>(std::clamp(1.0F / grid.bin_width, 0.0F, GRID_BINS_MOST / 2.0F)) + 1;
-    return Histo_Grid_Of_Levels(lowest, highest, slope, intercept, GRID_BINS_MOST - added);
+    const bool is_one_level = std::int64_t{highest} - lowest + 1 < GRID_BINS_FIRST;
+    return Histo_Grid_Of_Levels(lowest, highest, slope, intercept, is_one_level ? GRID_BINS_MOST : GRID_BINS_FIRST);
 }
 
 void Slice_Histogram_Build(Level_Frame& frame, const volumes::Volume& image, const unsigned char* mask) {

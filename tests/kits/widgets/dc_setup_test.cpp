@@ -20,7 +20,7 @@ struct Message {
 /** Keeps every message while it lives. */
 class Message_Log {
   public:
-    Message_Log() { Message_Receiver_Add(Receive, this); }
+    Message_Log() { Message_Receiver_Add(Receive, this, true); }
     ~Message_Log() { Message_Receiver_Remove(Receive, this); }
     Message_Log(const Message_Log&) = delete;
     Message_Log& operator=(const Message_Log&) = delete;

@@ -131,7 +131,7 @@ TEST(Icons, unknown_file_draws_nothing_without_a_message) {
     box.Init(window.Get());
     static int messages = 0;
     const auto count = [](void*, HWND, int, const char*) { messages++; };
-    Message_Receiver_Add(count, nullptr);
+    Message_Receiver_Add(count, nullptr, true);
     Icon_Draw_Image(box, 7, 20, "program", "there is no such icon.tga");
     Icon_Draw_Image(box, 7, 20, nullptr, nullptr);
     Icon_Draw_Image(box, 7, 20, "", "");

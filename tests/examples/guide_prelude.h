@@ -1,0 +1,48 @@
+/** What the guide's code is about: every block of its pages is compiled as a function after this. */
+#pragma once
+
+#include <windows.h>
+
+#include <cstdio>
+#include <cstring>
+#include <type_traits>
+#include <vector>
+
+#include "database/tool_db_class.h"
+#include "database/tool_db_file.h"
+#include "histogram/histo_peaks.h"
+#include "histogram/tool_histo.h"
+#include "host/kit_names.h"
+#include "kits/common/contract.h"
+#include "kits/common/messages.h"
+#include "kits/dataset/dataset_host.h"
+#include "kits/dataset/panel_flags.h"
+#include "kits/dataset/variable_rules.h"
+#include "kits/widgets/panel_window.h"
+#include "kits/widgets/widgets_host.h"
+#include "panels/kit_version.h"
+#include "panels/tool_brush.h"
+#include "panels/tool_marker.h"
+#include "panels/tool_propagate.h"
+#include "panels/tool_tag.h"
+#include "panels/version_export.h"
+
+/** A host that has a name of the contract for something of its own. */
+namespace my_host {
+struct Labels {
+    int nb = 0;
+};
+inline int Own_And_The_Contracts() {
+    const Labels own{3};
+    const kit::Labels widget;
+    return own.nb + widget.border;
+}
+}  // namespace my_host
+
+inline HWND window = nullptr;
+inline Boxs box;
+inline int x = 0;
+inline int y = 0;
+inline unsigned __int64 flags = 0;
+inline Tool_Histo histogram;
+inline std::vector<kit::Hosted_Panel*> all_panels;
