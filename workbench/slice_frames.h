@@ -13,7 +13,7 @@ namespace workbench {
 /** Of every slice of a volume; the levels are the volume's own and must outlive them. */
 using Slice_Frames = std::vector<std::unique_ptr<Level_Frame>>;
 
-/** The grid of levels; where bins are of several levels, with room for the bin that the panel adds. */
+/** The grid of levels: a bin per level where there are at most 4096, else as many as the panel keeps. */
 Histo_Grid Slice_Grid(std::int32_t lowest, std::int32_t highest, float slope, float intercept);
 /** (Re)builds the histogram of a slice of a volume. @param mask a byte per pixel, null: all count */
 void Slice_Histogram_Build(Level_Frame& frame, const volumes::Volume& image, const unsigned char* mask);
