@@ -50,8 +50,8 @@ class Panel_Host : public Window_Base {
     bool Key(int key) { return core.Key(key); }
     /** Runs a call of the panel and shows everything that it draws at once. */
     template <class Call>
-    void Buffered(Call call) {
-        core.Buffered(call);
+    std::invoke_result_t<Call> Buffered(Call call) {
+        return core.Buffered(call);
     }
     bool Is_Ready() const { return core.Is_Ready(); }
 

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <type_traits>
 #include <utility>
 
 #include "base/wheel_remainder.h"
@@ -206,11 +207,12 @@ class Panel_Window {
         Key_In_Hand_Set(0);
         return used != 0;
     }
-    /** Runs a call and shows everything that it draws in the window at once, also when the window ends meanwhile. */
+    /** Runs a call and shows everything that it draws in the window at once, also when the window ends meanwhile.
+     *  @return what the call returns */
     template <class Call>
-    void Buffered(Call call) {
+    std::invoke_result_t<Call> Buffered(Call call) {
         const Buffer buffer(window);
-        call();
+        return call();
     }
 
     /** Handles a message of the window.
