@@ -108,9 +108,11 @@ KIT_DATASET_API void* Fct_Variable_Value(const char* name, int* nb, unsigned sho
  */
 KIT_DATASET_API void* Fct_Variable_Get(const char* name, int* nb, unsigned short* type, int (**fct)(void), char flag);
 
+///@{
 /** "$TAG_THRESHOLD_MIN" and "$TAG_THRESHOLD_MAX" of a TAG without a lower or an upper threshold, grey levels. */
 inline constexpr float TAG_THRESHOLD_MIN_UNSET = -100000.0F;
 inline constexpr float TAG_THRESHOLD_MAX_UNSET = 100000.0F;
+///@}
 
 // ---------------- requests
 
