@@ -87,6 +87,9 @@ void Application::Execute_Histogram(Command command) {
             return;
         }
         default:
+            if (!analysis.Is_Open()) {
+                analysis.Open(window.Handle());  // the questions belong to it
+            }
             return analysis.Bands_Hand_On();
     }
 }
@@ -303,12 +306,16 @@ Claimed_Levels Application::Claimed(int tag) const {
 }
 
 void Application::Bands_Take(const std::vector<Peak_Row>& peaks) {
-    const Histo_Record& record = *histogram_panel.data->record;
-    const std::span<const std::uint32_t> counts(record.counts, record.nb_bins);
-    const auto fullest = static_cast<float>(std::ranges::max_element(counts) - counts.begin());
-    const double mode = Grey_Of_Panel((fullest + 0.5F) * record.bin_width + record.origin);
+    int of_background = -1;
     const bool is_background_counted = !(is_background_left_out && background);
-    Band_Plan plan(peaks, is_background_counted ? Background_Peak(peaks, mode) : -1, variables.Tag_Nb());
+    // No frame may be selected any more since the peaks were found.
+    if (is_background_counted && histogram_panel.data != nullptr && histogram_panel.data->Has_Counts()) {
+        const Histo_Record& record = *histogram_panel.data->record;
+        const std::span<const std::uint32_t> counts(record.counts, record.nb_bins);
+        const auto fullest = static_cast<float>(std::ranges::max_element(counts) - counts.begin());
+        of_background = Background_Peak(peaks, Grey_Of_Panel((fullest + 0.5F) * record.bin_width + record.origin));
+    }
+    Band_Plan plan(peaks, of_background, variables.Tag_Nb());
     const Tag_Namer namer = {[this](int tag) { return Utf8_Of_Wide(Wide_Of_Panel(variables.Tag_Name(tag).c_str())); },
                              [this](int tag) { return Claimed(tag); }};
     if (!Bands_Ask(analysis.Window(), plan, namer)) {

@@ -94,12 +94,14 @@ void Image_View::Wheel(int delta, bool is_zoom, POINT screen_point) {
     // The pixel under the pointer stays under it.
     ::ScreenToClient(Handle(), &screen_point);
     const Slice_Point fixed = layout.To_Slice(screen_point.x, screen_point.y);
-    Zoom_Set(Zoom_Step(layout, notches));
+    state.zoom = Zoom_Step(layout, notches);
+    Lay_Out();
     const Slice_Point now = layout.To_Slice(screen_point.x, screen_point.y);
     View_Pan(state, static_cast<int>(std::lround((now.x - fixed.x) * layout.scale_x)),
              static_cast<int>(std::lround((now.y - fixed.y) * layout.scale_y)));
     Lay_Out();
     Invalidate();
+    Pointer_Look();  // only now: on the way other pixels were under it
 }
 
 RECT Image_View::Screen_Of(const Pixel_Rect& pixels, int margin) const {

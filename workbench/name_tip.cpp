@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <string>
+
+#include "workbench/window_base.h"
 
 namespace workbench {
 
@@ -17,11 +20,41 @@ struct Source {
     std::function<std::vector<Accessible_Part>()> parts;
 };
 
+/** Never takes the mouse or the keys. */
+class Tip_Window : public Window_Base {
+  public:
+    Tip_Window(HWND owner, const Look& shared_look, const std::wstring& name) : look(shared_look), text(name) {
+        if (!Create(owner, WS_POPUP | WS_DISABLED, name.c_str())) {
+            return;
+        }
+        ::SetWindowLongPtrW(Handle(), GWL_EXSTYLE, WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE | WS_EX_TRANSPARENT);
+    }
+
+  protected:
+    LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override {
+        if (message == WM_ERASEBKGND) {
+            return 1;
+        }
+        if (message != WM_PAINT) {
+            return Window_Base::On_Message(message, wparam, lparam);
+        }
+        const Buffered_Paint paint(Handle());
+        Fill(paint.Dc(), paint.Client(), look.heading);
+        Frame(paint.Dc(), paint.Client(), look.Px(1), look.text_grey);
+        Draw_Line(paint.Dc(), paint.Client(), text, look.Font(), look.text, DT_CENTER);
+        return 0;
+    }
+
+  private:
+    const Look& look;
+    std::wstring text;
+};
+
 struct Tip {
     std::map<HWND, Source> sources;
     HWND over = nullptr;  // the window that the mouse is in
     POINT at = {-1, -1};
-    HWND shown = nullptr;
+    std::unique_ptr<Tip_Window> shown;
 };
 
 Tip& The_Tip() {
@@ -53,15 +86,8 @@ void Tip_Show(HWND owner, const Look& look, const std::wstring& text) {
     const int x = std::max<int>(screen.left, std::min<int>(place.x, screen.right - width));
     const bool is_above = place.y + look.Px(below_pointer) + height > screen.bottom;
     const int y = is_above ? place.y - height - look.Px(room_around) : place.y + look.Px(below_pointer);
-    // SS_NOPREFIX: a name may have an ampersand.
-    The_Tip().shown = ::CreateWindowExW(
-        WS_EX_TOPMOST | WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE | WS_EX_TRANSPARENT, L"STATIC", text.c_str(),
-        WS_POPUP | WS_BORDER | WS_DISABLED | SS_CENTER | SS_CENTERIMAGE | SS_NOPREFIX, x, y, width, height,
-        ::GetAncestor(owner, GA_ROOT), nullptr, ::GetModuleHandleW(nullptr), nullptr);
-    if (The_Tip().shown != nullptr) {
-        ::SendMessageW(The_Tip().shown, WM_SETFONT, reinterpret_cast<WPARAM>(look.Font()), TRUE);
-        ::ShowWindow(The_Tip().shown, SW_SHOWNOACTIVATE);
-    }
+    The_Tip().shown = std::make_unique<Tip_Window>(::GetAncestor(owner, GA_ROOT), look, text);
+    ::SetWindowPos(The_Tip().shown->Handle(), HWND_TOPMOST, x, y, width, height, SWP_NOACTIVATE | SWP_SHOWWINDOW);
 }
 
 void CALLBACK On_Rest(HWND window, UINT, UINT_PTR id, DWORD) {
@@ -114,14 +140,11 @@ void Name_Tip_Hide() {
         ::KillTimer(tip.over, timer_of_tip);
         tip.over = nullptr;
     }
-    if (tip.shown != nullptr) {
-        ::DestroyWindow(tip.shown);
-        tip.shown = nullptr;
-    }
+    tip.shown.reset();
 }
 
 HWND Name_Tip_Window() {
-    return The_Tip().shown;
+    return The_Tip().shown != nullptr ? The_Tip().shown->Handle() : nullptr;
 }
 
 const Accessible_Part* Part_Cut_At(const std::vector<Accessible_Part>& parts, POINT client,

@@ -92,6 +92,8 @@ TEST_F(Drawn_Line, over_an_image_stands_out_from_bright_and_from_dark_ground) {
         const std::ptrdiff_t bright_before = Bright();
         const std::ptrdiff_t dark_before = Dark();
         Draw_Line_Shadowed(dc.Get(), area, L"Slice 91 / 181", look.Font(), DT_LEFT);
+        // Strokes are one pixel thin and smoothed: only their middles have the full colour. The shadow is three pixels
+        // wide.
         if (ground != RGB(255, 255, 255)) {
             EXPECT_GT(Bright() - bright_before, 50);
         }

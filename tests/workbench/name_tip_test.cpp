@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 #include <vector>
+
+#include "base/gdi_handles.h"
 
 using namespace workbench;
 
@@ -64,6 +67,23 @@ class Name_Tip : public ::testing::Test {
             ::Sleep(5);
         }
     }
+    /** The name stands in the tip in the text's colour, on another ground. */
+    void Expect_Readable(HWND tip) const {
+        ::UpdateWindow(tip);
+        RECT client = {};
+        ::GetClientRect(tip, &client);
+        const Window_DC dc(tip);
+        EXPECT_EQ(::GetPixel(dc.Get(), 3, 3), look.heading);
+        int of_text = 0;
+        for (int y = 2; y < client.bottom - 2; ++y) {
+            for (int x = 2; x < client.right - 2; ++x) {
+                // The strokes are smoothed: nearer to the text's colour than to the ground is what can be seen.
+                const int away = std::abs(GetGValue(::GetPixel(dc.Get(), x, y)) - GetGValue(look.heading));
+                of_text += 4 * away > 3 * std::abs(GetGValue(look.text) - GetGValue(look.heading)) ? 1 : 0;
+            }
+        }
+        EXPECT_GT(of_text, 100) << "strokes of two dozen letters";
+    }
     const Look look;
     HWND window = nullptr;
     int asked = 0;
@@ -79,6 +99,7 @@ TEST_F(Name_Tip, tells_a_cut_name_in_full_when_the_mouse_rests_and_goes_when_it_
     ::GetWindowTextW(Name_Tip_Window(), text, 100);
     EXPECT_STREQ(text, L"A name that is far too long");
     const HWND shown = Name_Tip_Window();
+    Expect_Readable(shown);
     Name_Tip_Follow(window, {10, 10});
     EXPECT_EQ(Name_Tip_Window(), shown) << "the mouse has not moved";
     Name_Tip_Follow(window, {12, 10});
