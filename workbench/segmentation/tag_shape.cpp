@@ -14,6 +14,8 @@ namespace workbench::segmentation {
 
 namespace {
 
+constexpr double rounding = 1e-6;  // of distances, as a share of them
+
 /** Which regions touch the edge of their box. @param in_space also its first and last slice */
 std::vector<bool> Edge_Regions(const Region_Map& map, bool in_space) {
     const Voxel_Box& box = map.Box();
@@ -242,7 +244,9 @@ std::optional<Label_Edit> Slices_Between_Fill(const Edit_Input& input, std::uint
                 const double share = static_cast<double>(between - before_slice) / (z - before_slice);
                 std::uint8_t* const marks = &mask.on[static_cast<std::size_t>(between - first) * slice_size];
                 for (std::size_t at = 0; at < slice_size; ++at) {
-                    marks[at] = (1.0 - share) * before[at] + share * after[at] <= 0.0 ? 1 : 0;
+                    // Outlines often meet just halfway; which side that falls on is no matter of rounding.
+                    const double sum = (1.0 - share) * before[at] + share * after[at];
+                    marks[at] = sum <= rounding * (std::abs(before[at]) + std::abs(after[at])) ? 1 : 0;
                 }
             }
             before = after;

@@ -183,12 +183,12 @@ TEST(Region_Edits, the_largest_region_stays_and_the_others_become_background) {
 
 TEST(Region_Edits, regions_below_a_volume_become_background) {
     Label_Scene scene = Scene_Of(islands);
-    scene.grid.spacing = {0.1, 1.0, 1.0};
+    scene.grid.spacing = {0.7, 1.0, 1.0};
     const std::array<std::string_view, 5> below_two = {"11..1.3", "1...1.3", "....1..", ".......", "22...11"};
-    EXPECT_EQ(scene.After(*Regions_Drop_Below(scene.Input(), 1, 0.2, Neighbours::FACES)), Scene_Of(below_two).tags);
-    // Three times 0.1 is no less than 0.3.
+    EXPECT_EQ(scene.After(*Regions_Drop_Below(scene.Input(), 1, 1.4, Neighbours::FACES)), Scene_Of(below_two).tags);
+    // Three times 0.7 is no less than 2.1, though the product of the nearest binary fractions is.
     const std::array<std::string_view, 5> below_three = {"11..1.3", "1...1.3", "....1..", ".......", "22....."};
-    EXPECT_EQ(scene.After(*Regions_Drop_Below(scene.Input(), 1, 0.3, Neighbours::FACES)), Scene_Of(below_three).tags);
+    EXPECT_EQ(scene.After(*Regions_Drop_Below(scene.Input(), 1, 2.1, Neighbours::FACES)), Scene_Of(below_three).tags);
 }
 
 TEST(Region_Edits, a_region_is_picked_by_a_voxel_of_it) {
@@ -199,6 +199,7 @@ TEST(Region_Edits, a_region_is_picked_by_a_voxel_of_it) {
     EXPECT_EQ(Region_Keep_At(scene.Input(), 9, {0, 4, 0}, Neighbours::FACES)->voxel_nb, 0U);
     const std::array<std::string_view, 5> given = {"11..1.7", "1...1.7", "..1.1..", ".......", "22.1.11"};
     EXPECT_EQ(scene.After(*Region_Give(scene.Input(), {6, 0, 0}, 7, Neighbours::FACES)), Scene_Of(given).tags);
+    EXPECT_EQ(Region_Give(scene.Input(), {6, 4, 0}, 7, Neighbours::FACES)->voxel_nb, 2U);  // not the others of TAG 1
     EXPECT_EQ(Region_Give(scene.Input(), {7, 0, 0}, 7, Neighbours::FACES)->voxel_nb, 0U);
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -176,6 +177,36 @@ TEST(Tag_Shape, a_hole_is_what_cannot_reach_the_edge) {
     input.only_inside = 0;
     EXPECT_EQ(scene.After(*Holes_Fill(input, 1, Hole_Kind::PER_SLICE)), Scene_Of(only_free).tags);
     EXPECT_EQ(Holes_Fill(scene.Input(), 9, Hole_Kind::PER_SLICE)->voxel_nb, 0U);
+}
+
+TEST(Tag_Shape, what_is_open_at_any_side_is_no_hole) {
+    const std::array<std::string_view, 3> left = {"111", "..1", "111"};
+    const std::array<std::string_view, 3> right = {"111", "1..", "111"};
+    const std::array<std::string_view, 3> top = {"1.1", "1.1", "111"};
+    const std::array<std::string_view, 3> bottom = {"111", "1.1", "1.1"};
+    for (const auto& rows : {left, right, top, bottom}) {
+        EXPECT_EQ(Holes_Fill(Scene_Of(rows).Input(), 1, Hole_Kind::PER_SLICE)->voxel_nb, 0U) << rows[0] << rows[1];
+    }
+}
+
+TEST(Tag_Shape, a_block_inside_the_image_shrinks_from_all_sides) {
+    Label_Scene scene = Scene_Of(7, 7, 7);
+    for (int at = 0; at < 27; ++at) {
+        scene.tags[scene.grid.Index(2 + at % 3, 2 + at / 3 % 3, 2 + at / 9)] = 1;
+    }
+    EXPECT_EQ(Tag_Shrink(scene.Input(), 1, 1.0)->voxel_nb, 26U);
+}
+
+TEST(Tag_Shape, a_thin_line_that_moves_from_slice_to_slice_does_not_break) {
+    Label_Scene scene = Scene_Of(9, 4, 3);
+    for (int y = 0; y < 4; ++y) {
+        scene.tags[scene.grid.Index(4, y, 0)] = 1;
+        scene.tags[scene.grid.Index(5, y, 2)] = 1;
+    }
+    const std::vector<std::uint8_t> after = scene.After(*Slices_Between_Fill(scene.Input(), 1));
+    for (int x = 0; x < 9; ++x) {
+        EXPECT_EQ(after[scene.grid.Index(x, 2, 1)], x == 4 || x == 5 ? 1 : 0) << x;
+    }
 }
 
 TEST(Tag_Shape, a_hole_in_space_is_shut_above_and_below_too) {
