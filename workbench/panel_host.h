@@ -17,7 +17,7 @@ namespace workbench {
 using kit::Hosted_Panel;
 using kit::Panel_Of;
 
-/** The window of one panel, in the look of the workbench, with names for those who hear the screen and tips. */
+/** The window of one panel, in the look of the workbench, with names for screen readers and tips. */
 class Panel_Host : public Window_Base {
   public:
     /** @param hosted outlives the window
