@@ -363,6 +363,9 @@ int Buttons::Select(int up_down) {
     Point point;
     const bool inside = Widget_Pointer(*this, &point);
     if (Widget_Inactive(*this)) {
+        if (Widget_Hidden(*this)) {
+            state = look_plain;  // what was shown when it was hidden is over when it comes back
+        }
         return 0;
     }
     if (up_down == MOUSE_ASK) {

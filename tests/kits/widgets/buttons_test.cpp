@@ -457,6 +457,18 @@ TEST_F(Buttons_Test, inactive_or_edited_buttons_are_never_hit) {
     EXPECT_EQ(button.state, 0);
 }
 
+TEST_F(Buttons_Test, a_look_that_was_shown_when_it_was_hidden_is_gone_when_it_comes_back) {
+    const Window_Picture plain = window.Read();
+    Point_Inside();
+    button.Select(press);
+    button.style |= STYLE_EDITED;
+    Point_Outside();
+    button.Select(0);
+    button.style &= ~static_cast<unsigned int>(STYLE_EDITED);
+    button.Draw();
+    EXPECT_EQ(window.Read(), plain);
+}
+
 TEST_F(Buttons_Test, frame_bit_alone_does_not_disable) {
     button.style = STYLE_FRAMED_BOX;
     Point_Inside();
