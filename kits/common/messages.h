@@ -11,15 +11,14 @@
  * style bytes, not kept */
 using Message_Receiver = void (*)(void* context, HWND window, int level, const char* text);
 
-///@{
 /** Registers a receiver; it is called after those registered before it.
  *  @param receiver, context called with the context as first argument
  *  @param with_traces also the traces (levels 10 to 17), which panels send by the hundred; without it they come only
  *  while Flag_Trace is not 0
  *  @return 1; 0 when it is registered already with that context */
 KIT_COMMON_API int Message_Receiver_Add(Message_Receiver receiver, void* context, bool with_traces);
+/** The same without traces. */
 KIT_COMMON_API int Message_Receiver_Add(Message_Receiver receiver, void* context);
-///@}
 /** @return 1, or 0 when it was not registered */
 KIT_COMMON_API int Message_Receiver_Remove(Message_Receiver receiver, void* context);
 

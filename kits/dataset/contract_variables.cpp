@@ -90,7 +90,7 @@ void Count_Check(const Variable_Rule& rule) {
 
 void Length_Check(const Variable_Rule& rule, const Variable& array) {
     const bool follows_count = *rule.length == '$';
-    const long long least = follows_count ? Count(rule.length) : std::atoi(rule.length);
+    const long long least = follows_count ? Count(rule.length) : std::strtol(rule.length, nullptr, 10);
     if (array.nb < least) {
         Report(CONTRACT_COUNT_CAP, std::string(rule.name) + " has " + std::to_string(array.nb) + " elements, " +
                                        (follows_count ? std::string(rule.length) + " is " : "panels read ") +
@@ -120,8 +120,10 @@ void Currents_Check() {
         const std::string current = std::string(kind) + "_CUR";
         const std::string count = std::string(kind) + "_NB";
         if (const long long nb = Count(count.c_str()); nb > 0 && Count(current.c_str()) >= nb) {
-            Report(CONTRACT_CURRENT, current + " is " + std::to_string(Count(current.c_str())) + ", " + count + " is " +
-                                         std::to_string(nb));
+            std::string told = current;
+            told.append(" is ").append(std::to_string(Count(current.c_str())));
+            told.append(", ").append(count).append(" is ").append(std::to_string(nb));
+            Report(CONTRACT_CURRENT, told);
         }
     }
 }

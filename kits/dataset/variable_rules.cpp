@@ -128,7 +128,7 @@ int Length_Of(const Variable_Rule& rule) {
         constexpr int TABLE_MOST = 256;
         return count->most <= TABLE_MOST ? count->most : 0;
     }
-    return std::atoi(rule.length);
+    return static_cast<int>(std::strtol(rule.length, nullptr, 10));
 }
 
 template <class Number>
