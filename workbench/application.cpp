@@ -175,7 +175,13 @@ void Application::Add_Panels() {
 int Application::Run() {
     MSG message = {};
     while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
-        const auto take = [this](int key) { Execute(Command_Of_Key(key)); };
+        const auto take = [this](int key) {
+            const auto call = Command_Of_Key(key, Key_Context::Window, ::GetKeyState(VK_SHIFT) < 0);
+            if (call) {
+                Execute(*call);
+            }
+            return call.has_value();
+        };
         if (database.Key_Message(message) || Enlarged_Key_Dispatch(message) ||
             Global_Key_Dispatch(message, window.Handle(), take)) {
             continue;
@@ -378,11 +384,10 @@ void Application::Key(int key) {
     if (Panel_Host* host = database.Panel_At(pointer); host != nullptr && host->Key(key)) {
         return;
     }
-    Command command = Command_Of_Key(key);
-    if ((command == Command::UNDO || command == Command::REDO) && Is_Class_Undo(pointer)) {
-        command = command == Command::UNDO ? Command::CLASS_UNDO : Command::CLASS_REDO;
+    const Key_Context context = Is_Class_Undo(pointer) ? Key_Context::Class_Editor : Key_Context::Window;
+    if (const auto call = Command_Of_Key(key, context, ::GetKeyState(VK_SHIFT) < 0)) {
+        Execute(*call);
     }
-    Execute(command);
 }
 
 void Application::Wheel(POINT screen, int delta, bool is_control) {

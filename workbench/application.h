@@ -18,7 +18,7 @@
 #include "workbench/analysis/analysis_window.h"
 #include "workbench/analysis/band_plan.h"
 #include "workbench/analysis/export_check.h"
-#include "workbench/commands.h"
+#include "workbench/commands/command_table.h"
 #include "workbench/database/class_history.h"
 #include "workbench/database/class_objects.h"
 #include "workbench/database/database_pane.h"
@@ -27,6 +27,7 @@
 #include "workbench/image_view.h"
 #include "workbench/list_window.h"
 #include "workbench/main_window.h"
+#include "workbench/menu_bar.h"
 #include "workbench/model/color_sight.h"
 #include "workbench/model/command_line.h"
 #include "workbench/model/display_window.h"
@@ -52,7 +53,17 @@ namespace workbench {
 class State_Members;
 
 /** Lives from start to end of the program; there is one. */
-class Application : public Image_User, public Main_Window_User {
+class Application : public Image_User,
+                    public Main_Window_User,
+                    public File_Actions,
+                    public History_Actions,
+                    public Label_Actions,
+                    public View_Actions,
+                    public Cursor_Actions,
+                    public Propagation_Actions,
+                    public Histogram_Actions,
+                    public Database_Actions,
+                    public Window_Actions {
   public:
     explicit Application(const Command_Line& command_line);
     ~Application() override;
@@ -66,7 +77,7 @@ class Application : public Image_User, public Main_Window_User {
 
     // What the main window tells (Main_Window_User).
     void Lay_Out() override;
-    void Execute(Command command) override;
+    void Execute(const Command_Call& call) override;
     void Key(int key) override;
     void Wheel(POINT screen, int delta, bool is_control) override;
     void Menu_Refresh(HMENU menu) override;
@@ -87,6 +98,115 @@ class Application : public Image_User, public Main_Window_User {
     void Hover(int x, int y) override;
     void Hover_End() override;
     void Window_Drag(float dx, float dy) override;
+
+    // What commands ask for.
+    void Open_Ask() override;
+    void Open_Folder_Ask() override;
+    void Not_Opened_Show() override;
+    void Read_Facts_Show() override;
+    void Orientation_Ask() override;
+    void Load_Labels_Ask() override;
+    bool Save_Labels(bool ask_for_name) override;
+    void Export_Histogram() override;
+    void Export_Verify_Ask() override;
+    void Quit() override;
+    std::vector<Numbered_Entry> Recent_Entries() const override;
+    void Recent_Open(int number) override;
+
+    void Undo_Or_Redo(bool redo) override;
+    std::optional<std::string> Next_Step(bool redo) const override;
+    void History_Ask() override;
+
+    void Tag_Step_By(int step) override;
+    void Tag_Pick(int tag) override;
+    void Tag_Go_To() override;
+    void Tag_Rename_Ask() override;
+    void Colors_Check() override;
+    void Tag_Toggle(Tag_Mark mark) override;
+    bool Has_Tag_Mark(Tag_Mark mark) const override;
+    void Threshold_Mode_Set(bool on) override;
+    bool Is_Threshold_Mode() const override { return is_threshold_mode; }
+    void Threshold_Ask(bool is_upper) override;
+    void Tag_More() override;
+    void Check_Mark_Set(Tag_Mark mark) override;
+    bool Is_Check_Mark(Tag_Mark mark) const override { return mark == check_mark; }
+    void Brush_Step(int step) override;
+    void Marker_Mode_Set(bool on) override;
+    bool Is_Marker_Mode() const override { return is_marker_mode; }
+    void Marker_Step(int step) override;
+    void Marker_Rename_Ask() override;
+    void Marker_Remove() override;
+
+    void Slice_Step(int step) override;
+    void Slice_To_End(bool is_last) override;
+    void Volume_Step(int step) override;
+    void Zoom_To(double factor) override;
+    void Zoom_Step(int step) override;
+    void Window_Reset() override;
+    void Level_Step(int step) override;
+    void Window_Width_Step(int step) override;
+    std::vector<Numbered_Entry> Window_Entries() const override;
+    void Window_Choose(int number) override;
+    void Overlay_Set(bool on) override;
+    bool Is_Overlay() const override { return is_overlay_shown; }
+    void Range_Overlay_Set(bool on) override;
+    bool Is_Range_Overlay() const override { return is_range_shown; }
+
+    void Cursor_Set(bool on) override;
+    bool Is_Cursor() const override { return image.Is_Cursor(); }
+    void Cursor_Act(bool erase) override;
+    void Cursor_Pen_Set(bool down) override;
+    bool Is_Pen_Down() const override { return image.Is_Pen_Down(); }
+    void Cursor_Pick() override;
+
+    void Propagate_Step(int direction) override;
+    void Propagate_Repeat(int direction) override;
+    void Propagation_Kind_Set(Propagation_Kind kind) override;
+    Propagation_Kind Propagation_Kind_Now() const override { return propagation_kind; }
+
+    void Histogram_Of_All() override;
+    void Histogram_Of_Shown() override;
+    void Histogram_Range_Ask() override;
+    Histogram_Frames Histogram_Frames_Now() const override;
+    void Histogram_Of_Tag_Set(bool on) override;
+    bool Is_Histogram_Of_Tag() const override { return is_histogram_of_tag; }
+    void Histogram_Smoothed_Set(bool on) override;
+    bool Is_Histogram_Smoothed() const override { return is_histogram_smoothed; }
+    void Background_Leave_Out(bool on) override;
+    bool Is_Background_Left_Out() const override { return is_background_left_out; }
+    void Background_Ask() override;
+    void Histogram_Bins_Ask() override;
+    void Histogram_Component_Next() override;
+    void Histogram_Scale_Step(int step) override;
+    void Histogram_Enlarge() override;
+    void Wheel_Turned_Set(bool on) override;
+    bool Is_Wheel_Turned() const override { return settings.is_wheel_turned; }
+    void Peaks_Show() override;
+    void Peaks_Fit_Gaussian() override;
+    void Peaks_Fit_Derivative_Ask() override;
+    void Peaks_To_Bands() override;
+
+    void Database_Show(bool shown) override;
+    bool Is_Database() const override { return database.Is_Shown(); }
+    void Database_Find() override;
+    void Database_View_Set(int view) override;
+    void Database_Width_Step(int step) override;
+    void Database_Expand_All(bool open) override;
+    void Database_Editor_Set(bool on) override;
+    bool Is_Database_Editor() const override;
+    void Class_Undo_Or_Redo(bool redo) override;
+    std::optional<std::string> Next_Class_Step(bool redo) const override;
+
+    void Focus_Step(int step) override;
+    void Panel_Fold() override;
+    void Trace_Show(bool shown) override;
+    bool Is_Trace() const override { return trace.Is_Shown(); }
+    void Theme_Set(bool is_light) override;
+    bool Is_Light() const override;
+    void Keys_Show() override;
+    void About_Show() override;
+    void Banner_Close() override;
+    void Report_State() override { Report_State(true); }
 
   private:
     // application.cpp
@@ -115,24 +235,17 @@ class Application : public Image_User, public Main_Window_User {
     void Report_Database(State_Members& out);
     void Report_Histogram(State_Members& out);
 
-    // application_commands.cpp
-    void Execute_Edit(Command command);
-    void Execute_View(Command command);
-
     // application_keyboard.cpp
-    void Execute_Keyboard(Command command);
-    void Execute_Cursor(Command command);
     /** Marks what the keyboard acts on; -1: nothing in particular. */
     void Focus_Set(int pane);
-    void Focus_Step(int direction);
     /** @return true when the marked part used the key */
     bool Pane_Key(int key);
-    bool Pane_Command(int key, Command of_space, Command of_enter);
+    bool Pane_Command(int key, Key_Context context);
     bool Cursor_Key(int key);
     void Accessible_Focus();
-    void Database_Tab(Command command);
+    /** The keyboard's cursor is there; otherwise the user is told how it begins. */
+    bool Has_Cursor();
     void Label_Ask(Text_Table table);
-    void Histogram_Enlarge();
 
     // application_accessible.cpp
     /** Names of all parts of the window for screen readers. */
@@ -144,28 +257,22 @@ class Application : public Image_User, public Main_Window_User {
     void Settings_Apply();
     void Settings_Keep();
     void Recent_Opened(const std::filesystem::path& path);
-    /** Lists the files opened lately at the end of a menu. */
-    void Recent_Menu(HMENU menu);
-    void Recent_Open(int index);
 
     // application_colors.cpp
     std::vector<int> Colored_Tags() const;
     std::vector<std::uint32_t> Colors_Of(const std::vector<int>& tags) const;
     /** The mark of the status line, for the TAGs of the shown slice. */
     void Colors_Refresh();
-    void Colors_Check();
     void Colors_Spread(const std::vector<int>& tags);
     std::wstring Colors_Text(const std::vector<int>& tags, const std::vector<Alike_Pair>& pairs) const;
 
     // application_files.cpp
-    void Execute_File(Command command);
     std::optional<volumes::Load_Result> Load_With_Progress(const std::filesystem::path& path);
     enum class Save_Outcome { SAVED, NOT_SAVED, LOAD_THEIRS };
     /** Asks where there is doubt about the file. LOAD_THEIRS: the user prefers what another program has written. */
     Save_Outcome Save_Labels_Asking(bool ask_for_name);
     /** @param is_chosen the user has just agreed that the file is replaced @return no value: save under another name */
     std::optional<Save_Outcome> Save_Doubts_Ask(const std::filesystem::path& path, bool is_chosen);
-    bool Save_Labels(bool ask_for_name);
     /** About the work on all open volumes. @return false: the user wants to go on working */
     bool Ask_Unsaved();
     void Adopt_Names();
@@ -191,7 +298,6 @@ class Application : public Image_User, public Main_Window_User {
     // application_export.cpp
     /** What the file of the histogram should tell; only with counts. */
     Export_Expected Export_Wanted() const;
-    void Export_Histogram();
     /** What the table of the peak analysis was made of, as lines: volume, file, frames. */
     std::string Table_Source() const;
     void Table_Save(const std::string& text);
@@ -223,10 +329,6 @@ class Application : public Image_User, public Main_Window_User {
                       std::vector<volumes::Volume_Statistics>&& numbers, std::vector<Slice_Frames>&& frames);
     /** Name and size of the current volume. */
     std::wstring Volume_Text() const;
-    /** Shows how the current volume was read. */
-    void Read_Facts_Show();
-    /** Asks how the patient lies in an image that does not say it; only the letters beside the picture change. */
-    void Orientation_Ask();
     /** Takes over what belongs to the volume that became the current one; tells no panel. */
     void Volume_Adopt();
     /** Makes another volume the current one; tells no panel. @return false: it is so already, or there is none */
@@ -239,22 +341,14 @@ class Application : public Image_User, public Main_Window_User {
     // application_tags.cpp
     void Tag_Set(int tag, bool scroll_to_it);
     void Tag_Scroll_To(int tag);
-    void Tag_Go_To();
-    void Tag_Toggle(Command command);
     void Tag_Nb_Grow(int highest);
-    void Threshold_Mode_Set(bool on);
-    void Threshold_Ask(bool is_upper);
-    void Check_Mark_Set(unsigned short option);
+    std::span<std::uint8_t> Tag_Flags_Of(Tag_Mark mark) const;
     void Brush_Set(int brush);
     void Marker_Set(int marker);
-    void Marker_Mode_Set(bool on);
     void Marker_Place(int marker, const Marker& place);
     void Markers_Enable_Refresh();
 
     // application_history.cpp
-    void Undo_Or_Redo(bool redo);
-    /** Lists the steps and goes to the one that is chosen. */
-    void History_Ask();
     /** Takes steps back, or does them again, until so many are in force. @return title of the last; empty: none */
     std::string Steps_Walk(std::size_t wanted);
     /** Writes what a step holds besides voxels and markers where the panels read it.
@@ -262,13 +356,9 @@ class Application : public Image_User, public Main_Window_User {
     unsigned __int64 Step_Show(const Undo_Step& done, bool redo, int& slice_of_step);
 
     // application_histogram.cpp
-    void Execute_Histogram(Command command);
     void Histogram_Ranges_Refresh();
     void Histogram_Select();
     void Histogram_Selection_Set(int first, int last, bool follows_slice);
-    void Histogram_Range_Ask();
-    void Histogram_Bins_Ask();
-    void Histogram_Component_Next();
     void Histogram_Tag_Refresh();
     void Histograms_Refresh();
     std::wstring Histogram_Text() const;
@@ -278,15 +368,11 @@ class Application : public Image_User, public Main_Window_User {
     /** What the histogram counts: "frames 3, 5 to 9, smoothed". */
     std::string Histogram_Source() const;
     Counted_Pixels Histogram_Counted() const;
-    void Background_Toggle();
-    void Background_Ask();
     void Peaks_Changed();
     void Bands_Take(const std::vector<Peak_Row>& peaks);
 
     // application_database.cpp
-    void Execute_Database(Command command);
     Database_Host Database_Services();
-    void Database_Show(bool shown);
     /** Runs an event of a database panel. A panel asks for one thing per checked row; all is done once, afterwards. */
     void Database_Run(const std::function<void()>& event);
     bool May_Remove_Class(const std::string& class_name);
@@ -295,10 +381,8 @@ class Application : public Image_User, public Main_Window_User {
     /** Makes a step of what the editor has changed, and saves it. */
     void Class_Changes_Note();
     void Class_Changes_Save();
-    void Class_Undo_Or_Redo(bool redo);
     /** The keyboard's Ctrl+Z and Ctrl+Y are for the class trees. */
     bool Is_Class_Undo(POINT pointer) const;
-    void Class_Menu_Refresh(HMENU menu);
     /** @return false: changes of the class trees would be lost, and the user wants to go on working */
     bool Ask_Class_Changes();
     /** The user has checked other frames: they make up the histogram. */
@@ -306,10 +390,6 @@ class Application : public Image_User, public Main_Window_User {
 
     // application_image.cpp
     void Slice_Show(int wanted, bool tell_panels);
-    void Window_Reset();
-    /** Lists the windows of the image at the end of a menu. */
-    void Window_Menu(HMENU menu) const;
-    void Window_Choose(int index);
     std::vector<volumes::Display_Window> Windows() const;
     Tag_Overlay Overlay_Now() const;
     Paint_Ink Ink(bool erase);
@@ -321,8 +401,6 @@ class Application : public Image_User, public Main_Window_User {
     static Application* The();
     static int Propagation_Function(void* from, void* to);
     int Propagate(int from, int to);
-    void Propagation_Kind_Set(Propagation_Kind kind);
-    void Propagate_Repeat(int direction);
 
     Claimed_Levels Claimed(int tag) const;
     double Grey_Of_Panel(float told) const { return panel_scale.To_Grey(static_cast<double>(told)); }
@@ -330,6 +408,7 @@ class Application : public Image_User, public Main_Window_User {
     /** Brings the thresholds to the unit of the current volume. */
     void Panel_Scale_Adopt();
 
+    Command_Table commands{{*this, *this, *this, *this, *this, *this, *this, *this, *this}};
     Command_Line options;
     Look look;
     Report report;
@@ -390,7 +469,7 @@ class Application : public Image_User, public Main_Window_User {
     bool is_histogram_of_checked = false;  // of the frames checked in the database
     int histogram_first = 0;               // slices
     int histogram_last = 0;
-    unsigned short check_option = TAG_CHECK_ENABLE;
+    Tag_Mark check_mark = Tag_Mark::Enable;
     Propagation_Kind propagation_kind = Propagation_Kind::GROW;
     int dragged_marker = -1;
     Marker marker_before;

@@ -1,4 +1,5 @@
 // The database column: views, find, and the editor of the class trees.
+#include <algorithm>
 #include <functional>
 #include <numeric>
 #include <string>
@@ -8,6 +9,12 @@
 #include "workbench/wide_text.h"
 
 namespace workbench {
+
+namespace {
+
+constexpr int width_step = 40;  // of the column, pixels at 96 dots per inch
+
+}  // namespace
 
 Database_Host Application::Database_Services() {
     Database_Host services;
@@ -21,26 +28,35 @@ Database_Host Application::Database_Services() {
     return services;
 }
 
-void Application::Execute_Database(Command command) {
-    switch (command) {
-        case Command::DATABASE:
-            return Database_Show(!database.Is_Shown());
-        case Command::DATABASE_FIND:
-            Database_Show(true);
-            return database.Find_Begin();
-        case Command::DATABASE_EXPAND:
-        case Command::DATABASE_COLLAPSE:
-            Database_Show(true);
-            return database.Expand_All(command == Command::DATABASE_EXPAND);
-        case Command::CLASS_UNDO:
-        case Command::CLASS_REDO:
-            return Class_Undo_Or_Redo(command == Command::CLASS_REDO);
-        default: {
-            const bool is_on = database.Is_Shown() && database.Is_Editor();
-            Database_Show(true);
-            return database.Editor_Set(!is_on);
-        }
-    }
+void Application::Database_Find() {
+    Database_Show(true);
+    database.Find_Begin();
+}
+
+void Application::Database_View_Set(int view) {
+    Database_Show(true);
+    database.View_Set(static_cast<Database_View>(view));
+}
+
+void Application::Database_Width_Step(int step) {
+    Database_Show(true);
+    database_width = std::max<int>(static_cast<int>(database.Client().right) + step * look.Px(width_step),
+                                   look.Px(DATABASE_WIDTH_LEAST));
+    Lay_Out();
+}
+
+void Application::Database_Expand_All(bool open) {
+    Database_Show(true);
+    database.Expand_All(open);
+}
+
+void Application::Database_Editor_Set(bool on) {
+    Database_Show(true);
+    database.Editor_Set(on);
+}
+
+bool Application::Is_Database_Editor() const {
+    return database.Is_Shown() && database.Is_Editor();
 }
 
 void Application::Database_Show(bool shown) {
@@ -135,20 +151,9 @@ bool Application::Is_Class_Undo(POINT pointer) const {
     return database.Is_Shown() && database.Is_Editor_Shown() && tool_area.Panel_At(pointer) == nullptr;
 }
 
-void Application::Class_Menu_Refresh(HMENU menu) {
-    const auto name = [menu](Command command, const wchar_t* text, const std::string& title) {
-        std::wstring shown = Wide_Of_Utf8(title);
-        for (std::size_t at = shown.find(L'&'); at != std::wstring::npos; at = shown.find(L'&', at + 2)) {
-            shown.insert(at, 1, L'&');  // a class's own "&" is to be seen
-        }
-        const auto id = static_cast<UINT>(command);
-        ::ModifyMenuW(menu, id, static_cast<UINT>(MF_BYCOMMAND | MF_STRING | (title.empty() ? MF_GRAYED : MF_ENABLED)),
-                      id, (text + (title.empty() ? L"" : L": " + shown)).c_str());
-    };
-    if (::GetMenuState(menu, static_cast<UINT>(Command::CLASS_UNDO), MF_BYCOMMAND) != static_cast<UINT>(-1)) {
-        name(Command::CLASS_UNDO, L"&Undo in the class trees", class_history.Journal().Undo_Title());
-        name(Command::CLASS_REDO, L"&Redo in the class trees", class_history.Journal().Redo_Title());
-    }
+std::optional<std::string> Application::Next_Class_Step(bool redo) const {
+    const std::string title = redo ? class_history.Journal().Redo_Title() : class_history.Journal().Undo_Title();
+    return title.empty() ? std::nullopt : std::optional(title);
 }
 
 bool Application::Ask_Class_Changes() {

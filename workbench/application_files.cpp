@@ -207,52 +207,41 @@ bool Application::May_Close() {
     return true;
 }
 
-void Application::Execute_File(Command command) {
-    switch (command) {
-        case Command::OPEN:
-            if (const auto path = Ask_Open(window.Handle(), volume_filter, L"Open volume")) {
-                Open_Paths(std::span(&*path, 1));
-            }
-            return;
-        case Command::OPEN_FOLDER:
-            if (const auto path = Ask_Folder(window.Handle(), L"Open folder")) {
-                Open_Paths(std::span(&*path, 1));
-            }
-            return;
-        case Command::NOT_OPENED:
-            not_opened_list.Open(window.Handle(), L"Files not opened",
-                                 not_opened.empty() ? L"All files were opened." : Wide_Of_Utf8(not_opened));
-            return;
-        case Command::WHAT_WAS_READ:
-            return Read_Facts_Show();
-        case Command::ORIENTATION:
-            return Orientation_Ask();
-        case Command::LOAD_LABELS:
-            if (!session.Has_Volume()) {
-                Warn("Open an image first; labels lie on an image.");
-            } else if (!session.Is_Unsaved() || Ask_Unsaved()) {
-                if (const auto path = Ask_Open(window.Handle(), label_filter, L"Load labels")) {
-                    Load_Labels(*path);
-                }
-            }
-            return;
-        case Command::SAVE_LABELS:
-            Save_Labels(false);
-            return;
-        case Command::SAVE_LABELS_AS:
-            Save_Labels(true);
-            return;
-        case Command::EXPORT_HISTOGRAM:
-            return Export_Histogram();
-        case Command::VERIFY_EXPORT:
-            if (const auto path = Ask_Open(window.Handle(), export_filter, L"Verify export")) {
-                Export_Verify(*path, false);
-            }
-            return;
-        default:
-            ::SendMessageW(window.Handle(), WM_CLOSE, 0, 0);
-            return;
+void Application::Open_Ask() {
+    if (const auto path = Ask_Open(window.Handle(), volume_filter, L"Open volume")) {
+        Open_Paths(std::span(&*path, 1));
     }
+}
+
+void Application::Open_Folder_Ask() {
+    if (const auto path = Ask_Folder(window.Handle(), L"Open folder")) {
+        Open_Paths(std::span(&*path, 1));
+    }
+}
+
+void Application::Not_Opened_Show() {
+    not_opened_list.Open(window.Handle(), L"Files not opened",
+                         not_opened.empty() ? L"All files were opened." : Wide_Of_Utf8(not_opened));
+}
+
+void Application::Load_Labels_Ask() {
+    if (!session.Has_Volume()) {
+        Warn("Open an image first; labels lie on an image.");
+    } else if (!session.Is_Unsaved() || Ask_Unsaved()) {
+        if (const auto path = Ask_Open(window.Handle(), label_filter, L"Load labels")) {
+            Load_Labels(*path);
+        }
+    }
+}
+
+void Application::Export_Verify_Ask() {
+    if (const auto path = Ask_Open(window.Handle(), export_filter, L"Verify export")) {
+        Export_Verify(*path, false);
+    }
+}
+
+void Application::Quit() {
+    ::SendMessageW(window.Handle(), WM_CLOSE, 0, 0);
 }
 
 }  // namespace workbench

@@ -23,6 +23,7 @@ namespace {
 constexpr int bins_least = 16;
 constexpr int bins_most = 65535;
 constexpr int peaks_asked = 8;
+constexpr float scale_factor = 1.6F;     // of one step of the magnification
 constexpr int number_digits = 4;         // of means, deviations and thresholds
 constexpr double one_level_most = 1.01;  // widths are single precision
 
@@ -42,56 +43,69 @@ void Ranges_Set(Tool_Histo& panel, int count, const Ranges& range, std::index_se
 
 }  // namespace
 
-void Application::Execute_Histogram(Command command) {
-    switch (command) {
-        case Command::HISTOGRAM_ALL:
-            return Histogram_Selection_Set(0, session.Slice_Nb() - 1, false);
-        case Command::HISTOGRAM_SHOWN:
-            return Histogram_Selection_Set(slice, slice, true);
-        case Command::HISTOGRAM_RANGE:
-            return Histogram_Range_Ask();
-        case Command::HISTOGRAM_OF_TAG:
-            is_histogram_of_tag = !is_histogram_of_tag;
-            return Histograms_Refresh();
-        case Command::HISTOGRAM_SMOOTHED:
-            is_histogram_smoothed = !is_histogram_smoothed;
-            return Histograms_Refresh();
-        case Command::BACKGROUND_LEAVE_OUT:
-            return Background_Toggle();
-        case Command::BACKGROUND_THRESHOLD:
-            return Background_Ask();
-        case Command::HISTOGRAM_BINS:
-            return Histogram_Bins_Ask();
-        case Command::HISTOGRAM_COMPONENT:
-            return Histogram_Component_Next();
-        case Command::RANGE_OVERLAY:
-            is_range_shown = !is_range_shown;
-            return image.Refresh();
-        case Command::WHEEL_TURNED:
-            settings.is_wheel_turned = !settings.is_wheel_turned;
-            return Status(settings.is_wheel_turned ? L"Enlarged histogram: the wheel forward zooms in"
-                                                   : L"Enlarged histogram: the wheel forward zooms out");
-        case Command::ANALYSIS_WINDOW:
-            return analysis.Open(window.Handle());
-        case Command::FIT_GAUSSIAN:
-            analysis.Open(window.Handle());
-            return analysis.Fit_Gaussian();
-        case Command::FIT_DERIVATIVE: {
-            const auto answer = Prompt(window.Handle(), L"Derivative method", L"Largest number of peaks:",
-                                       std::to_wstring(peaks_asked));
-            const long peaks = answer ? std::wcstol(answer->c_str(), nullptr, 10) : 0;
-            if (peaks > 0) {
-                analysis.Open(window.Handle());
-                analysis.Fit_Derivative(static_cast<int>(std::min(peaks, 100L)));
-            }
-            return;
-        }
-        default:
-            if (!analysis.Is_Open()) {
-                analysis.Open(window.Handle());  // the questions belong to it
-            }
-            return analysis.Bands_Hand_On();
+void Application::Histogram_Of_All() {
+    Histogram_Selection_Set(0, session.Slice_Nb() - 1, false);
+}
+
+void Application::Histogram_Of_Shown() {
+    Histogram_Selection_Set(slice, slice, true);
+}
+
+Histogram_Frames Application::Histogram_Frames_Now() const {
+    if (is_histogram_of_checked) {
+        return Histogram_Frames::Checked;
     }
+    if (is_histogram_of_shown) {
+        return Histogram_Frames::Shown;
+    }
+    return histogram_first == 0 && histogram_last == session.Slice_Nb() - 1 ? Histogram_Frames::All
+                                                                            : Histogram_Frames::Range;
+}
+
+void Application::Histogram_Of_Tag_Set(bool on) {
+    is_histogram_of_tag = on;
+    Histograms_Refresh();
+}
+
+void Application::Histogram_Smoothed_Set(bool on) {
+    is_histogram_smoothed = on;
+    Histograms_Refresh();
+}
+
+void Application::Histogram_Scale_Step(int step) {
+    hosted_histogram.Scale_Set(step > 0 ? histogram_panel.scale / scale_factor : histogram_panel.scale * scale_factor);
+    histogram_host->Refresh();
+}
+
+void Application::Wheel_Turned_Set(bool on) {
+    settings.is_wheel_turned = on;
+    Status(on ? L"Enlarged histogram: the wheel forward zooms in" : L"Enlarged histogram: the wheel forward zooms out");
+}
+
+void Application::Peaks_Show() {
+    analysis.Open(window.Handle());
+}
+
+void Application::Peaks_Fit_Gaussian() {
+    Peaks_Show();
+    analysis.Fit_Gaussian();
+}
+
+void Application::Peaks_Fit_Derivative_Ask() {
+    const auto answer =
+        Prompt(window.Handle(), L"Derivative method", L"Largest number of peaks:", std::to_wstring(peaks_asked));
+    const long peaks = answer ? std::wcstol(answer->c_str(), nullptr, 10) : 0;
+    if (peaks > 0) {
+        Peaks_Show();
+        analysis.Fit_Derivative(static_cast<int>(std::min(peaks, 100L)));
+    }
+}
+
+void Application::Peaks_To_Bands() {
+    if (!analysis.Is_Open()) {
+        Peaks_Show();  // the questions belong to it
+    }
+    analysis.Bands_Hand_On();
 }
 
 void Application::Histogram_Select() {
@@ -212,19 +226,19 @@ std::string Application::Histogram_Source() const {
     return source;
 }
 
-void Application::Background_Toggle() {
-    if (!is_background_left_out && !background && session.Has_Volume()) {
+void Application::Background_Leave_Out(bool on) {
+    if (on && !background && session.Has_Volume()) {
         background = Background_Threshold(session.Image());
     }
-    if (!is_background_left_out && !background) {
+    if (on && !background) {
         return Status(L"This image has no background to leave out");
     }
-    is_background_left_out = !is_background_left_out;
+    is_background_left_out = on;
     Histograms_Refresh();
     Histogram_Scale_Suggest();
-    Status(is_background_left_out ? L"What surrounds the image, up to grey " +
-                                        Wide_Of_Utf8(Number_Text(*background, number_digits)) + L", is left out"
-                                  : L"All pixels are counted");
+    Status(on ? L"What surrounds the image, up to grey " + Wide_Of_Utf8(Number_Text(*background, number_digits)) +
+                    L", is left out"
+              : L"All pixels are counted");
 }
 
 void Application::Background_Ask() {
@@ -246,8 +260,7 @@ void Application::Background_Ask() {
         return;
     }
     background = value;
-    is_background_left_out = false;
-    Background_Toggle();
+    Background_Leave_Out(true);
 }
 
 std::wstring Application::Histogram_Text() const {

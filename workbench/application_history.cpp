@@ -91,6 +91,11 @@ void Application::Undo_Or_Redo(bool redo) {
     Status((redo ? L"Redone: " : L"Undone: ") + Wide_Of_Utf8(title));
 }
 
+std::optional<std::string> Application::Next_Step(bool redo) const {
+    const Undo_Step* step = redo ? session.Journal().Next_Redo() : session.Journal().Next_Undo();
+    return step != nullptr ? std::optional(step->title) : std::nullopt;
+}
+
 void Application::History_Ask() {
     session.Stroke_End();
     const Undo_Journal& journal = session.Journal();

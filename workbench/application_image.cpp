@@ -127,30 +127,16 @@ std::vector<volumes::Display_Window> Application::Windows() const {
     return windows;
 }
 
-void Application::Window_Menu(HMENU menu) const {
-    const auto first = static_cast<UINT>(Command::WINDOW_0);
-    const auto most = static_cast<UINT>(window_menu_most);
-    for (UINT at = 0; at <= most; ++at) {
-        ::RemoveMenu(menu, first + at, MF_BYCOMMAND);
-    }
-    const std::vector<volumes::Display_Window> windows = Windows();
-    if (windows.empty()) {
-        return;
-    }
-    ::AppendMenuW(menu, MF_SEPARATOR, first + most, nullptr);
+std::vector<Numbered_Entry> Application::Window_Entries() const {
+    std::vector<Numbered_Entry> entries;
     int number = 0;
-    for (const volumes::Display_Window& window_of : windows) {
+    for (const volumes::Display_Window& window_of : Windows()) {
         ++number;
-        std::wstring name = Wide_Of_Utf8(Display_Window_Text(window_of, number));
-        // A mark in a file's text would underline a letter.
-        for (std::size_t mark = name.find(L'&'); mark != std::wstring::npos; mark = name.find(L'&', mark + 2)) {
-            name.insert(mark, 1, L'&');
-        }
-        const std::wstring letter = number <= 9 ? L"&" + std::to_wstring(number) + L"  " : L"";
-        const bool is_shown = Grey_Window_Of(window_of) == grey_window;
-        ::AppendMenuW(menu, static_cast<UINT>(MF_STRING | (is_shown ? MF_CHECKED : MF_UNCHECKED)),
-                      first + static_cast<UINT>(number) - 1, (letter + name).c_str());
+        const std::string letter = number <= 9 ? "&" + std::to_string(number) + "  " : "";
+        entries.push_back(
+            {letter + Menu_Text(Display_Window_Text(window_of, number)), Grey_Window_Of(window_of) == grey_window});
     }
+    return entries;
 }
 
 void Application::Window_Choose(int index) {

@@ -21,11 +21,9 @@ constexpr int pane_frames = 3;
 constexpr int pane_marker = 4;
 constexpr int pane_histogram = 5;
 constexpr int pane_database = 6;
-constexpr int columns = 4;            // of the label panels
-constexpr int large_step = 10;        // pixels, with Shift
-constexpr float drag_step = 0.05F;    // share of the view that one key moves window or level by
-constexpr float scale_factor = 1.6F;  // of the histogram's magnification
-constexpr int width_step = 40;        // of the database column, pixels at 96 dots per inch
+constexpr int columns = 4;          // of the label panels
+constexpr int large_step = 10;      // pixels, with Shift
+constexpr float drag_step = 0.05F;  // share of the view that one key moves window or level by
 
 constexpr const wchar_t* pane_name[] = {L"Image", L"TAG", L"Brush", L"Frames", L"Markers", L"Histogram", L"Database"};
 
@@ -35,83 +33,63 @@ bool Is_Shift() {
 
 }  // namespace
 
-void Application::Execute_Keyboard(Command command) {
-    switch (command) {
-        case Command::FOCUS_NEXT:
-        case Command::FOCUS_PREVIOUS:
-            return Focus_Step(command == Command::FOCUS_NEXT && !Is_Shift() ? 1 : -1);
-        case Command::PANEL_FOLD:
-            return focus_pane >= pane_tag && focus_pane <= pane_histogram ? tool_area.Fold_Toggle(focus_pane - pane_tag)
-                                                                          : Status(L"Tab marks a panel, X folds it");
-        case Command::LEVEL_UP:
-        case Command::LEVEL_DOWN:
-            return Window_Drag(0.0F, command == Command::LEVEL_UP ? drag_step : -drag_step);
-        case Command::WINDOW_WIDER:
-        case Command::WINDOW_NARROWER:
-            return Window_Drag(command == Command::WINDOW_WIDER ? drag_step : -drag_step, 0.0F);
-        case Command::ZOOM_IN:
-        case Command::ZOOM_OUT:
-            return image.Zoom_By(command == Command::ZOOM_IN ? 1 : -1);
-        case Command::TAG_RENAME:
-            return focus_pane == pane_marker ? Label_Ask(Text_Table::MARKER_LABELS) : Label_Ask(Text_Table::TAG_LABELS);
-        case Command::MARKER_RENAME:
-            return Label_Ask(Text_Table::MARKER_LABELS);
-        case Command::TAG_THRESHOLD_MIN:
-            return Threshold_Ask(false);
-        case Command::TAG_COLORS:
-            return Colors_Check();
-        case Command::HISTOGRAM_HIGHER:
-        case Command::HISTOGRAM_LOWER:
-            hosted_histogram.Scale_Set(command == Command::HISTOGRAM_HIGHER ? histogram_panel.scale / scale_factor
-                                                                            : histogram_panel.scale * scale_factor);
-            histogram_host->Refresh();
-            return;
-        case Command::HISTOGRAM_ENLARGE:
-            return Histogram_Enlarge();
-        case Command::DATABASE_WIDER:
-        case Command::DATABASE_NARROWER:
-            Database_Show(true);
-            database_width = std::max<int>(static_cast<int>(database.Client().right) +
-                                               look.Px(command == Command::DATABASE_WIDER ? width_step : -width_step),
-                                           look.Px(DATABASE_WIDTH_LEAST));
-            return Lay_Out();
-        default:
-            return command >= Command::DATABASE_FILES && command <= Command::DATABASE_1D ? Database_Tab(command)
-                                                                                         : Execute_Cursor(command);
+void Application::Panel_Fold() {
+    if (focus_pane >= pane_tag && focus_pane <= pane_histogram) {
+        tool_area.Fold_Toggle(focus_pane - pane_tag);
+    } else {
+        Status(L"Tab marks a panel, X folds it");
     }
 }
 
-void Application::Database_Tab(Command command) {
-    Database_Show(true);
-    database.View_Set(
-        static_cast<Database_View>(static_cast<int>(command) - static_cast<int>(Command::DATABASE_FILES)));
+void Application::Level_Step(int step) {
+    Window_Drag(0.0F, static_cast<float>(step) * drag_step);
 }
 
-void Application::Execute_Cursor(Command command) {
-    if (command == Command::CURSOR_SHOW) {
-        image.Cursor_Set(!image.Is_Cursor());
-        if (image.Is_Cursor()) {
-            Focus_Set(pane_image);
-            Status(L"Arrows move the cursor, Shift+arrows by ten; Space paints, Backspace erases, Enter holds the pen");
-        } else {
-            Status(session.Has_Volume() ? L"The keyboard cursor is off" : L"Open an image volume first");
-        }
-        return;
+void Application::Window_Width_Step(int step) {
+    Window_Drag(static_cast<float>(step) * drag_step, 0.0F);
+}
+
+void Application::Tag_Rename_Ask() {
+    Label_Ask(Text_Table::TAG_LABELS);
+}
+
+void Application::Marker_Rename_Ask() {
+    Label_Ask(Text_Table::MARKER_LABELS);
+}
+
+void Application::Cursor_Set(bool on) {
+    image.Cursor_Set(on);
+    if (image.Is_Cursor()) {
+        Focus_Set(pane_image);
+        Status(L"Arrows move the cursor, Shift+arrows by ten; Space paints, Backspace erases, Enter holds the pen");
+    } else {
+        Status(session.Has_Volume() ? L"The keyboard cursor is off" : L"Open an image volume first");
     }
+}
+
+bool Application::Has_Cursor() {
     if (!image.Is_Cursor()) {
-        return Status(L"I starts the keyboard cursor in the image");
+        Status(L"I starts the keyboard cursor in the image");
     }
-    switch (command) {
-        case Command::CURSOR_PAINT:
-        case Command::CURSOR_ERASE:
-            return image.Cursor_Act(command == Command::CURSOR_ERASE);
-        case Command::CURSOR_PEN:
-            image.Pen_Set(!image.Is_Pen_Down());
-            return Status(image.Is_Pen_Down() ? L"The pen is down: arrows draw, Enter lifts it" : L"The pen is lifted");
-        case Command::CURSOR_PICK:
-            return image.Cursor_Pick();
-        default:
-            return;
+    return image.Is_Cursor();
+}
+
+void Application::Cursor_Act(bool erase) {
+    if (Has_Cursor()) {
+        image.Cursor_Act(erase);
+    }
+}
+
+void Application::Cursor_Pen_Set(bool down) {
+    if (Has_Cursor()) {
+        image.Pen_Set(down);
+        Status(image.Is_Pen_Down() ? L"The pen is down: arrows draw, Enter lifts it" : L"The pen is lifted");
+    }
+}
+
+void Application::Cursor_Pick() {
+    if (Has_Cursor()) {
+        image.Cursor_Pick();
     }
 }
 
@@ -156,7 +134,7 @@ bool Application::Pane_Key(int key) {
                 Tag_Set(*tag, true);
                 return true;
             }
-            return Pane_Command(key, Command::TAG_ENABLE, Command::TAG_RENAME);
+            return Pane_Command(key, Key_Context::Tag_Panel);
         case pane_brush:
             if (const auto brush = Grid_Step(variables.Brush_Cur(), BRUSH_NB, 1, key)) {
                 Brush_Set(*brush);
@@ -164,23 +142,15 @@ bool Application::Pane_Key(int key) {
             }
             return false;
         case pane_frames:
-            if (key == KEY_BACKSPACE) {
-                Execute(Command::PROPAGATE_PREVIOUS);
-                return true;
-            }
-            return Pane_Command(key, Command::NONE, Command::PROPAGATE_NEXT);
+            return Pane_Command(key, Key_Context::Frames_Panel);
         case pane_marker:
             if (const auto marker = Grid_Step(variables.Marker_Cur(), MARKER_NB, columns, key)) {
                 Marker_Set(*marker);
                 return true;
             }
-            return Pane_Command(key, Command::NONE, Command::MARKER_RENAME);
+            return Pane_Command(key, Key_Context::Marker_Panel);
         case pane_histogram:
-            if (key == KEY_UP || key == KEY_DOWN) {
-                Execute(key == KEY_UP ? Command::HISTOGRAM_HIGHER : Command::HISTOGRAM_LOWER);
-                return true;
-            }
-            return Pane_Command(key, Command::NONE, Command::HISTOGRAM_ENLARGE);
+            return Pane_Command(key, Key_Context::Histogram_Panel);
         case pane_database:
             return database.Is_Shown() && database.Key(key);
         default:
@@ -188,12 +158,12 @@ bool Application::Pane_Key(int key) {
     }
 }
 
-bool Application::Pane_Command(int key, Command of_space, Command of_enter) {
-    const Command command = key == ' ' ? of_space : key == KEY_ENTER ? of_enter : Command::NONE;
-    if (command != Command::NONE) {
-        Execute(command);
+bool Application::Pane_Command(int key, Key_Context context) {
+    const std::optional<Command_Call> call = Command_In_Context(key, context);
+    if (call) {
+        Execute(*call);
     }
-    return command != Command::NONE;
+    return call.has_value();
 }
 
 bool Application::Cursor_Key(int key) {

@@ -31,6 +31,10 @@ int Application::Propagate(int from, int to) {
     return static_cast<int>(std::min<std::size_t>(carried, INT_MAX));
 }
 
+void Application::Propagate_Step(int direction) {
+    propagate_host->Buffered([&] { propagate_panel.Propagate(direction); });
+}
+
 void Application::Propagation_Kind_Set(Propagation_Kind kind) {
     propagation_kind = kind;
     Notes_Refresh();

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <numeric>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "kits/common/contract.h"
@@ -196,16 +197,11 @@ void Application::Report_Histogram(State_Members& out) {
     out.Number("histogram_pixels", has_counts ? static_cast<long long>(std::accumulate(
                                                     record->counts, record->counts + record->nb_bins, 0ULL))
                                               : 0);
-    HMENU menu = ::GetMenu(window.Handle());
-    for (int at = 0; at < ::GetMenuItemCount(menu) && !Is_In_Menu(); ++at) {  // an open menu's entries must not change
-        Menu_Refresh(::GetSubMenu(menu, at));                                 // as when it opens
-    }
     std::string marked;
-    for (const auto& [command, name] : {std::pair{Command::HISTOGRAM_ALL, "all"},
-                                        {Command::HISTOGRAM_SHOWN, "shown"},
-                                        {Command::HISTOGRAM_RANGE, "range"}}) {
-        const UINT state = ::GetMenuState(menu, static_cast<UINT>(command), MF_BYCOMMAND);
-        marked += state != static_cast<UINT>(-1) && (state & MF_CHECKED) != 0 ? name : "";
+    for (const auto& [command, name] : {std::pair{Command::Histogram_All, "all"},
+                                        {Command::Histogram_Shown, "shown"},
+                                        {Command::Histogram_Range, "range"}}) {
+        marked += commands.Is_Checked(command) ? name : "";
     }
     out.Text("histogram_mark", marked);
     out.Number("histogram_smoothed", is_histogram_smoothed ? 1 : 0);
@@ -235,7 +231,11 @@ void Application::Report_State(bool with_lines) {
     Report_Database(out);
     Report_Histogram(out);
     Windows_Write(out.json);
-    Menus_Write(out.json, ::GetMenu(window.Handle()));
+    HMENU menu = ::GetMenu(window.Handle());
+    if (!Is_In_Menu()) {     // an open menu's entries must not change
+        Menu_Refresh(menu);  // as when it opens
+    }
+    Menus_Write(out.json, menu);
     out.json.Object_Begin("input");
     report_questions.Input_Write(out.json);
     out.json.Object_End();

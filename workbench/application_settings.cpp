@@ -10,6 +10,7 @@
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/unfinished_file.h"
 #include "workbench/wide_text.h"
+#include "workbench/window_places.h"
 
 namespace workbench {
 
@@ -17,6 +18,7 @@ namespace {
 
 constexpr int window_width = 1320;  // of the first start, pixels at 96 dots per inch
 constexpr int window_height = 860;
+constexpr int tool_width = 470;  // of the tools and the frame, at most
 
 /** In the user's profile; empty when there is none, and then nothing is kept. */
 std::filesystem::path Usual_Place() {
@@ -25,12 +27,6 @@ std::filesystem::path Usual_Place() {
         return {};
     }
     return std::filesystem::path(folder) / L"Workbench" / L"settings.txt";
-}
-
-Window_Place Screen_Area() {
-    RECT work = {};
-    ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
-    return {work.left, work.top, work.right - work.left, work.bottom - work.top, false};
 }
 
 }  // namespace
@@ -48,7 +44,7 @@ void Application::Settings_Open() {
 
 void Application::Settings_Apply() {
     report.Line("settings_ignored " + std::to_string(settings_ignored));
-    const Window_Place area = Screen_Area();
+    const Window_Place area = Screen_Of(nullptr);
     Window_Place place = settings.window;
     if (place.width <= 0) {
         place = {area.left, area.top, look.Px(window_width), look.Px(window_height), false};
@@ -57,6 +53,9 @@ void Application::Settings_Apply() {
     // What was not kept is left where the system puts it.
     ::SetWindowPos(window.Handle(), nullptr, place.left, place.top, place.width, place.height,
                    SWP_NOZORDER | (settings.window.width > 0 ? 0U : static_cast<UINT>(SWP_NOMOVE)));
+    analysis.Place_Set(settings.peaks_window, look.Px(tool_width));
+    not_opened_list.Place_Set(settings.list_window, look.Px(tool_width));
+    read_list.Place_Set(settings.facts_window, look.Px(tool_width));
     tool_area.Folded_Set(settings.folded);
     trace.Show(options.trace || settings.is_trace_shown);
     database.View_Set(static_cast<Database_View>(settings.database_view));
@@ -67,14 +66,12 @@ void Application::Settings_Keep() {
     if (settings_file.empty()) {
         return;
     }
-    WINDOWPLACEMENT place = {};
-    place.length = sizeof place;
-    if (::GetWindowPlacement(window.Handle(), &place) != 0) {
-        const RECT& normal = place.rcNormalPosition;
-        const bool is_maximized = place.showCmd == SW_SHOWMAXIMIZED || (place.flags & WPF_RESTORETOMAXIMIZED) != 0;
-        settings.window = {normal.left, normal.top, normal.right - normal.left, normal.bottom - normal.top,
-                           is_maximized};
+    if (const Window_Place place = Place_Of(window.Handle()); place.width > 0) {
+        settings.window = place;
     }
+    settings.peaks_window = analysis.Place_Now();
+    settings.list_window = not_opened_list.Place_Now();
+    settings.facts_window = read_list.Place_Now();
     settings.is_light = look.Theme() == Library_Theme::Light;
     settings.is_overlay_shown = is_overlay_shown;
     settings.is_trace_shown = trace.Is_Shown() && !options.trace;
@@ -95,23 +92,12 @@ void Application::Recent_Opened(const std::filesystem::path& path) {
     Settings_Keep();
 }
 
-void Application::Recent_Menu(HMENU menu) {
-    constexpr auto first = static_cast<UINT>(Command::RECENT_0);
-    for (UINT at = 0; at <= RECENT_MAX; ++at) {  // one more: the line above them
-        ::RemoveMenu(menu, first + at, MF_BYCOMMAND);
+std::vector<Numbered_Entry> Application::Recent_Entries() const {
+    std::vector<Numbered_Entry> entries;
+    for (const std::string& path : settings.recent) {
+        entries.push_back({"&" + std::to_string(entries.size() + 1) + "  " + Menu_Text(path)});
     }
-    if (settings.recent.empty()) {
-        return;
-    }
-    ::AppendMenuW(menu, MF_SEPARATOR, first + RECENT_MAX, nullptr);
-    for (UINT at = 0; at < settings.recent.size(); ++at) {
-        std::wstring name = Wide_Of_Utf8(settings.recent[at]);
-        // A mark in a file's name would underline a letter.
-        for (std::size_t mark = name.find(L'&'); mark != std::wstring::npos; mark = name.find(L'&', mark + 2)) {
-            name.insert(mark, 1, L'&');
-        }
-        ::AppendMenuW(menu, MF_STRING, first + at, (L"&" + std::to_wstring(at + 1) + L"  " + name).c_str());
-    }
+    return entries;
 }
 
 void Application::Recent_Open(int index) {

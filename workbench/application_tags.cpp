@@ -78,20 +78,33 @@ void Application::Tag_Go_To() {
     Warn("No TAG has \"" + Utf8_Of_Wide(*answer) + "\" in its name.");
 }
 
-void Application::Tag_Toggle(Command command) {
-    const auto tag = static_cast<std::size_t>(variables.Tag_Cur());
-    const auto toggle = [&](std::span<std::uint8_t> flags, unsigned __int64 flag) {
-        flags[tag] = flags[tag] == 0 ? 1 : 0;
-        // Select and lock grey the same buttons, so both are told.
-        Announce(flag | (flag == UPDATE_TAG_ENABLE ? 0 : UPDATE_TAG_SELECT | UPDATE_TAG_LOCK));
-    };
-    if (command == Command::TAG_ENABLE) {
-        toggle(variables.Tag_Enable(), UPDATE_TAG_ENABLE);
-    } else if (command == Command::TAG_SELECT) {
-        toggle(variables.Tag_Select(), UPDATE_TAG_SELECT);
-    } else {
-        toggle(variables.Tag_Lock(), UPDATE_TAG_LOCK);
-    }
+std::span<std::uint8_t> Application::Tag_Flags_Of(Tag_Mark mark) const {
+    return mark == Tag_Mark::Enable   ? variables.Tag_Enable()
+           : mark == Tag_Mark::Select ? variables.Tag_Select()
+                                      : variables.Tag_Lock();
+}
+
+bool Application::Has_Tag_Mark(Tag_Mark mark) const {
+    return Tag_Flags_Of(mark)[static_cast<std::size_t>(variables.Tag_Cur())] != 0;
+}
+
+void Application::Tag_Toggle(Tag_Mark mark) {
+    std::uint8_t& flag = Tag_Flags_Of(mark)[static_cast<std::size_t>(variables.Tag_Cur())];
+    flag = flag == 0 ? 1 : 0;
+    // Select and lock grey the same buttons, so both are told.
+    Announce(mark == Tag_Mark::Enable ? UPDATE_TAG_ENABLE : UPDATE_TAG_SELECT | UPDATE_TAG_LOCK);
+}
+
+void Application::Tag_Step_By(int step) {
+    Tag_Pick(Tag_Step(variables.Tag_Cur(), step, variables.Tag_Nb()));
+}
+
+void Application::Tag_Pick(int tag) {
+    Tag_Set(tag, true);
+}
+
+void Application::Tag_More() {
+    Tag_Nb_Grow(variables.Tag_Nb());
 }
 
 void Application::Tag_Nb_Grow(int highest) {
@@ -117,14 +130,17 @@ void Application::Tag_Nb_Grow(int highest) {
 
 void Application::Threshold_Mode_Set(bool on) {
     is_threshold_mode = on;
-    Check_Mark_Set(check_option);
+    Check_Mark_Set(check_mark);
     Histogram_Ranges_Refresh();
     Announce(UPDATE_TAG_LABEL | UPDATE_HISTO_PAINT);
     Status(on ? L"Threshold mode: a right press on a TAG edits its lower threshold" : L"Threshold mode is off");
 }
 
-void Application::Check_Mark_Set(unsigned short option) {
-    check_option = option;
+void Application::Check_Mark_Set(Tag_Mark mark) {
+    check_mark = mark;
+    const unsigned short option = mark == Tag_Mark::Enable   ? TAG_CHECK_ENABLE
+                                  : mark == Tag_Mark::Select ? TAG_CHECK_SELECT
+                                                             : TAG_CHECK_LOCK;
     tag_panel.Flag(
         static_cast<unsigned short>(option | TAG_GREY_SELECTION | (is_threshold_mode ? TAG_THRESHOLD_MODE : 0)));
     tag_host->Lay_Out();  // the marks of the former option go with the layout
@@ -158,6 +174,18 @@ void Application::Brush_Set(int brush) {
     variables.Brush_Cur_Set(brush);
     Announce(UPDATE_BRUSH);
     report.Line("brush_cur " + std::to_string(variables.Brush_Cur()));
+}
+
+void Application::Brush_Step(int step) {
+    Brush_Set(variables.Brush_Cur() + step);
+}
+
+void Application::Marker_Step(int step) {
+    Marker_Set(variables.Marker_Cur() + step);
+}
+
+void Application::Marker_Remove() {
+    Marker_Place(variables.Marker_Cur(), Marker{});
 }
 
 void Application::Marker_Set(int marker) {

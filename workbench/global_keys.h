@@ -1,4 +1,4 @@
-/** Keys that mean the same whatever window of the application has the focus. */
+/** Keys of the main window that count whatever window of the application has the keyboard. */
 #pragma once
 
 #include "base/gdi_handles.h"
@@ -7,12 +7,16 @@
 
 namespace workbench {
 
-/** The key code (see KEY_*) of function keys, Ctrl+Q and Ctrl+S; 0 for every other key. @param key virtual key */
-int Global_Key_Code(WPARAM key, bool is_control, bool is_alt);
+/** The key code (see KEY_*) of a key with which commands can be asked for from another window: function keys, and
+ *  letters with Ctrl except those that are another key's code and those with which texts are edited and copied. 0 for
+ *  every other key.
+ *  @param key virtual key @param is_field a field with text has the keyboard: it undoes by itself */
+int Global_Key_Code(WPARAM key, bool is_control, bool is_alt, bool is_field);
 
-/** Handles a message of the program's loop that is one of these keys, or Escape in a window other than the main one,
- *  which it closes. Keys of the main window itself go their usual way.
- *  @param take receives the key code @return true when the message is done with */
-bool Global_Key_Dispatch(const MSG& message, HWND main_window, const std::function<void(int)>& take);
+/** Handles a message of the program's loop that is one of these keys, a character in a window that is no field for
+ *  texts, or Escape in a window other than the main one, which it closes. Keys of the main window itself go their usual
+ *  way.
+ *  @param take receives the key code, false: no command has this key @return true when the message is done with */
+bool Global_Key_Dispatch(const MSG& message, HWND main_window, const std::function<bool(int)>& take);
 
 }  // namespace workbench

@@ -1,5 +1,7 @@
 #include "workbench/list_window.h"
 
+#include "workbench/window_places.h"
+
 namespace workbench {
 
 namespace {
@@ -20,10 +22,7 @@ void List_Window::Open(HWND owner, const std::wstring& title, const std::wstring
         lines = ::CreateWindowExW(0, L"EDIT", L"",
                                   WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_HSCROLL | ES_MULTILINE | ES_READONLY, 0, 0,
                                   10, 10, Handle(), nullptr, ::GetModuleHandleW(nullptr), nullptr);
-        RECT beside = {};
-        ::GetWindowRect(owner, &beside);
-        ::SetWindowPos(Handle(), nullptr, beside.left + look.Px(60), beside.top + look.Px(80), look.Px(first_width),
-                       look.Px(first_height), SWP_NOZORDER);
+        Place_Beside(Handle(), owner, tools_width, place, look.Px(first_width), look.Px(first_height));
     }
     std::wstring shown;
     for (const wchar_t letter : text) {
@@ -38,6 +37,15 @@ void List_Window::Open(HWND owner, const std::wstring& title, const std::wstring
     ::SetForegroundWindow(Handle());
 }
 
+void List_Window::Place_Set(const Window_Place& last, int tools) {
+    place = last;
+    tools_width = tools;
+}
+
+Window_Place List_Window::Place_Now() const {
+    return Handle() != nullptr ? Place_Of(Handle()) : place;
+}
+
 LRESULT List_Window::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
         case WM_SIZE: {
@@ -45,6 +53,9 @@ LRESULT List_Window::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             ::SetWindowPos(lines, nullptr, 0, 0, client.right, client.bottom, SWP_NOZORDER | SWP_NOACTIVATE);
             return 0;
         }
+        case WM_DESTROY:
+            place = Place_Of(Handle());
+            return 0;
         case WM_CTLCOLORSTATIC:
             ::SetTextColor(reinterpret_cast<HDC>(wparam), look.text);
             ::SetBkColor(reinterpret_cast<HDC>(wparam), look.ground);

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "workbench/look.h"
+#include "workbench/model/settings.h"
 #include "workbench/window_base.h"
 
 namespace workbench {
@@ -13,12 +14,19 @@ class List_Window : public Window_Base {
     explicit List_Window(const Look& shared_look) : look(shared_look) {}
     /** Shows a text, or another one in the window that is there already. @param text lines end with '\n' */
     void Open(HWND owner, const std::wstring& title, const std::wstring& text);
+    /** Where it opens. @param last as it stood before; without width: beside the owner
+     *  @param tools width of what at the owner's left must stay free */
+    void Place_Set(const Window_Place& last, int tools);
+    /** Where it stands, or stood last. */
+    Window_Place Place_Now() const;
 
   protected:
     LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override;
 
   private:
     const Look& look;
+    Window_Place place;
+    int tools_width = 0;
     HWND label = nullptr;  // of the text, for screen readers
     HWND lines = nullptr;  // the child that shows the text
 };

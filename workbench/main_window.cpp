@@ -4,6 +4,7 @@
 #include <windowsx.h>
 
 #include "host/kit_widgets.h"
+#include "workbench/menu_bar.h"
 
 namespace workbench {
 
@@ -47,7 +48,9 @@ LRESULT Main_Window::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_ERASEBKGND:
             return 1;
         case WM_COMMAND:
-            user.Execute(static_cast<Command>(LOWORD(wparam)));
+            if (const auto call = Command_Of_Menu(LOWORD(wparam))) {
+                user.Execute(*call);
+            }
             return 0;
         case WM_INITMENUPOPUP:
             user.Menu_Refresh(reinterpret_cast<HMENU>(wparam));

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "workbench/commands.h"
+#include "workbench/commands/command.h"
 #include "workbench/window_base.h"
 
 namespace workbench {
@@ -13,7 +13,7 @@ class Main_Window_User {
   public:
     virtual ~Main_Window_User() = default;
     virtual void Lay_Out() = 0;
-    virtual void Execute(Command command) = 0;
+    virtual void Execute(const Command_Call& call) = 0;
     /** @param key code as panels take it */
     virtual void Key(int key) = 0;
     virtual void Wheel(POINT screen, int delta, bool is_control) = 0;

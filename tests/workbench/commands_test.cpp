@@ -1,176 +1,301 @@
-#include "workbench/commands.h"
+#include "workbench/commands/command_table.h"
 
 #include <gtest/gtest.h>
 
-#include <cwctype>
+#include <algorithm>
+#include <cctype>
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
+#include <tuple>
+#include <utility>
 
 #include "host/kit_widgets.h"
-#include "workbench/global_keys.h"
-#include "workbench/keys_text.h"
+#include "tests/workbench/command_double.h"
+#include "workbench/commands/keys_text.h"
 
 using namespace workbench;
 
 namespace {
 
-std::string Narrow(const std::wstring& text) {
-    std::string narrow;
-    for (const wchar_t unit : text) {
-        narrow += static_cast<char>(unit);
+constexpr int KEY_CODES = 0x900;  // all that a key can be lie below
+constexpr Key_Context CONTEXTS[] = {Key_Context::Window,       Key_Context::Class_Editor, Key_Context::Tag_Panel,
+                                    Key_Context::Frames_Panel, Key_Context::Marker_Panel, Key_Context::Histogram_Panel};
+
+int Control(char letter) {
+    return letter - 'A' + 1;
+}
+int Function_Key(int number) {
+    return KEY_SPECIAL + 0x70 + number - 1;
+}
+
+std::optional<Command> Of_Key(int key, Key_Context context = Key_Context::Window, bool is_shift = false) {
+    const auto call = Command_Of_Key(key, context, is_shift);
+    return call ? std::optional(call->command) : std::nullopt;
+}
+
+/** What a command asks the parts for: one thing. */
+std::string Asked(Command_Double& parts, const Command_Call& call) {
+    parts.asked.clear();
+    Command_Table(parts.Parts()).Run(call);
+    EXPECT_EQ(parts.asked.size(), 1U) << Record_Of(call.command).name;
+    return parts.asked.empty() ? "" : parts.asked.front();
+}
+
+TEST(Command_Table, letters_count_in_both_cases_and_control_letters_are_others) {
+    EXPECT_EQ(Of_Key('n'), Command::Tag_Next);
+    EXPECT_EQ(Of_Key('N'), Command::Tag_Next);
+    EXPECT_EQ(Of_Key(Control('S')), Command::Save_Labels);
+    EXPECT_EQ(Of_Key('s'), Command::Tag_Select);
+    EXPECT_EQ(Of_Key(Control('Z')), Command::Undo);
+}
+
+TEST(Command_Table, digits_pick_tags) {
+    for (int digit = 0; digit <= 9; ++digit) {
+        EXPECT_EQ(Command_Of_Key('0' + digit), (Command_Call{Command::Tag_By_Number, digit}));
     }
-    return narrow;
+    Command_Double parts;
+    EXPECT_EQ(Asked(parts, {Command::Tag_By_Number, 7}), "Tag_Pick 7");
 }
 
-TEST(Commands, letters_count_in_both_cases_and_control_letters_are_others) {
-    EXPECT_EQ(Command_Of_Key('n'), Command::TAG_NEXT);
-    EXPECT_EQ(Command_Of_Key('N'), Command::TAG_NEXT);
-    EXPECT_EQ(Command_Of_Key('S' - 'A' + 1), Command::SAVE_LABELS);
-    EXPECT_EQ(Command_Of_Key('s'), Command::TAG_SELECT);
-    EXPECT_EQ(Command_Of_Key('Z' - 'A' + 1), Command::UNDO);
+TEST(Command_Table, special_keys_step_slices) {
+    EXPECT_EQ(Of_Key(KEY_PAGE_UP), Command::Slice_Next);
+    EXPECT_EQ(Of_Key(KEY_DOWN), Command::Slice_Previous);
+    EXPECT_EQ(Of_Key(KEY_ESCAPE), Command::Banner_Close);
+    EXPECT_EQ(Of_Key(Function_Key(3)), Command::Database);
 }
 
-TEST(Commands, digits_pick_tags) {
-    EXPECT_EQ(Command_Of_Key('0'), Command::TAG_DIGIT_0);
-    EXPECT_EQ(static_cast<int>(Command_Of_Key('9')), static_cast<int>(Command::TAG_DIGIT_0) + 9);
-}
-
-TEST(Commands, special_keys_step_slices) {
-    EXPECT_EQ(Command_Of_Key(KEY_PAGE_UP), Command::SLICE_NEXT);
-    EXPECT_EQ(Command_Of_Key(KEY_DOWN), Command::SLICE_PREVIOUS);
-    EXPECT_EQ(Command_Of_Key(KEY_ESCAPE), Command::CLOSE_BANNER);
-}
-
-TEST(Commands, function_keys_save_and_quit_work_in_every_window) {
-    EXPECT_EQ(Command_Of_Key(Global_Key_Code('Q', true, false)), Command::QUIT);
-    EXPECT_EQ(Command_Of_Key(Global_Key_Code('S', true, false)), Command::SAVE_LABELS);
-    EXPECT_EQ(Command_Of_Key(Global_Key_Code(VK_F4, false, false)), Command::ANALYSIS_WINDOW);
-    EXPECT_EQ(Command_Of_Key(Global_Key_Code(VK_F1, false, false)), Command::KEYS_HELP);
-    EXPECT_EQ(Global_Key_Code(VK_F4, false, true), 0) << "Alt+F4 closes";
-    EXPECT_EQ(Global_Key_Code(VK_F10, false, false), 0) << "the menu";
-    EXPECT_EQ(Global_Key_Code('S', false, false), 0);
-    EXPECT_EQ(Global_Key_Code('C', true, false), 0);
-}
-
-TEST(Commands, other_keys_mean_nothing) {
+TEST(Command_Table, other_keys_mean_nothing) {
     for (const int key : {0, -1, -300, 0x21, 0x7FFF, KEY_INSERT, 0xE9}) {
-        EXPECT_EQ(Command_Of_Key(key), Command::NONE) << key;
+        EXPECT_EQ(Of_Key(key), std::nullopt) << key;
     }
 }
 
-/** Every command of the menu bar with its text. */
-std::multimap<UINT, std::wstring> Menu_Commands(HMENU menu) {
-    std::multimap<UINT, std::wstring> found;
-    for (int at = 0; at < ::GetMenuItemCount(menu); ++at) {
-        if (const HMENU popup = ::GetSubMenu(menu, at)) {
-            found.merge(Menu_Commands(popup));
-        } else if (const UINT id = ::GetMenuItemID(menu, at); id != 0) {
-            wchar_t text[100] = {};
-            ::GetMenuStringW(menu, static_cast<UINT>(at), text, 100, MF_BYPOSITION);
-            found.emplace(id, text);
+TEST(Command_Table, shift_makes_another_key_only_where_a_command_asks_for_it) {
+    EXPECT_EQ(Of_Key(KEY_TAB), Command::Focus_Next);
+    EXPECT_EQ(Of_Key(KEY_TAB, Key_Context::Window, true), Command::Focus_Previous);
+    EXPECT_EQ(Of_Key('*', Key_Context::Window, true), Command::Zoom_In);
+}
+
+TEST(Command_Table, a_part_of_the_window_has_keys_of_its_own_before_those_of_the_window) {
+    EXPECT_EQ(Of_Key(' ', Key_Context::Tag_Panel), Command::Tag_Enable);
+    EXPECT_EQ(Of_Key(' '), Command::Cursor_Paint);
+    EXPECT_EQ(Of_Key(Control('Z'), Key_Context::Class_Editor), Command::Class_Undo);
+    EXPECT_EQ(Of_Key(Function_Key(2), Key_Context::Marker_Panel), Command::Marker_Rename);
+    EXPECT_EQ(Of_Key('n', Key_Context::Marker_Panel), Command::Tag_Next);
+    EXPECT_FALSE(Command_In_Context('n', Key_Context::Marker_Panel));
+}
+
+TEST(Command_Table, every_command_has_one_record_of_a_name_of_its_own) {
+    std::set<std::string> names;
+    ASSERT_EQ(Command_Records().size(), static_cast<std::size_t>(COMMAND_NB));
+    for (int at = 0; at < COMMAND_NB; ++at) {
+        const Command_Record& record = Record_Of(static_cast<Command>(at));
+        EXPECT_EQ(static_cast<int>(record.command), at);
+        EXPECT_TRUE(names.insert(record.name).second) << record.name;
+    }
+}
+
+TEST(Command_Table, every_command_is_carried_out_by_one_handler_of_its_own) {
+    Command_Double parts;
+    std::map<std::string, std::string> owner;
+    for (const Command_Record& record : Command_Records()) {
+        const std::string asked = Asked(parts, {record.command, 0});
+        const auto [other, is_new] = owner.emplace(asked, record.name);
+        // Number 0 of the numbered ones is no step.
+        EXPECT_TRUE(is_new) << record.name << " and " << other->second << " both ask for " << asked;
+    }
+    EXPECT_EQ(owner["Slice_Step 1"], "slice_next");
+    EXPECT_EQ(owner["Class_Undo_Or_Redo 1"], "class_redo");
+}
+
+TEST(Command_Table, switches_turn_off_what_is_on) {
+    struct Switch {
+        Command command;
+        const char* question;
+        const char* action;
+    };
+    constexpr Switch switches[] = {
+        {Command::Marker_Mode, "Is_Marker_Mode", "Marker_Mode_Set"},
+        {Command::Threshold_Mode, "Is_Threshold_Mode", "Threshold_Mode_Set"},
+        {Command::Overlay, "Is_Overlay", "Overlay_Set"},
+        {Command::Range_Overlay, "Is_Range_Overlay", "Range_Overlay_Set"},
+        {Command::Trace_View, "Is_Trace", "Trace_Show"},
+        {Command::Theme, "Is_Light", "Theme_Set"},
+        {Command::Cursor_Show, "Is_Cursor", "Cursor_Set"},
+        {Command::Cursor_Pen, "Is_Pen_Down", "Cursor_Pen_Set"},
+        {Command::Histogram_Of_Tag, "Is_Histogram_Of_Tag", "Histogram_Of_Tag_Set"},
+        {Command::Histogram_Smoothed, "Is_Histogram_Smoothed", "Histogram_Smoothed_Set"},
+        {Command::Background_Leave_Out, "Is_Background_Left_Out", "Background_Leave_Out"},
+        {Command::Wheel_Turned, "Is_Wheel_Turned", "Wheel_Turned_Set"},
+        {Command::Database, "Is_Database", "Database_Show"},
+        {Command::Database_Edit, "Is_Database_Editor", "Database_Editor_Set"},
+    };
+    for (const Switch& one : switches) {
+        Command_Double parts;
+        const Command_Table table(parts.Parts());
+        EXPECT_FALSE(table.Is_Checked(one.command)) << one.action;
+        EXPECT_EQ(Asked(parts, {one.command, 0}), std::string(one.action) + " 1");
+        parts.is_set[one.question] = true;
+        EXPECT_TRUE(table.Is_Checked(one.command)) << one.action;
+        EXPECT_EQ(Asked(parts, {one.command, 0}), std::string(one.action) + " 0");
+    }
+}
+
+TEST(Command_Table, marks_follow_the_state) {
+    Command_Double parts;
+    const Command_Table table(parts.Parts());
+    const auto marked = [&] {
+        std::string names;
+        for (const Command_Record& record : Command_Records()) {
+            names += table.Is_Checked(record.command) ? std::string(record.name) + " " : "";
+        }
+        return names;
+    };
+    EXPECT_EQ(marked(), "function_copy histogram_all ");
+    parts.frames_now = Histogram_Frames::Checked;
+    parts.kind_now = Propagation_Kind::GROW;
+    parts.is_set["Has_Tag_Mark 1"] = true;
+    parts.is_set["Is_Light"] = true;
+    EXPECT_EQ(marked(), "tag_select theme function_grow ");
+}
+
+TEST(Command_Table, entries_tell_what_the_next_step_is_and_are_grey_without_one) {
+    Command_Double parts;
+    const Command_Table table(parts.Parts());
+    EXPECT_FALSE(table.Is_Enabled(Command::Undo));
+    EXPECT_EQ(table.Text(Command::Undo), "&Undo");
+    parts.undo_title = "stroke";
+    parts.class_redo_title = "Q&A moved";
+    EXPECT_TRUE(table.Is_Enabled(Command::Undo));
+    EXPECT_FALSE(table.Is_Enabled(Command::Redo));
+    EXPECT_EQ(table.Text(Command::Undo), "&Undo: stroke");
+    EXPECT_EQ(table.Text(Command::Class_Redo), "&Redo in the class trees: Q&&A moved");
+    EXPECT_TRUE(table.Is_Enabled(Command::Quit));
+}
+
+TEST(Command_Table, every_key_is_unique_in_its_context) {
+    std::map<std::tuple<int, Key_Context, bool>, std::string> owner;
+    for (const Command_Record& record : Command_Records()) {
+        for (const Command_Key& key : record.keys) {
+            for (int number = 0; key.key != 0 && number < record.key_nb; ++number) {
+                const auto [other, is_new] =
+                    owner.emplace(std::tuple(key.key + number, key.context, key.is_shift), record.name);
+                EXPECT_TRUE(is_new) << Key_Text(key) << ": " << other->second << " and " << record.name;
+            }
         }
     }
-    return found;
+    EXPECT_GT(owner.size(), 70U);
 }
 
-TEST(Commands, the_menus_name_every_command_once) {
-    const HMENU bar = Menu_Make();
-    const auto commands = Menu_Commands(bar);
-    std::set<UINT> seen;
-    for (const auto& [id, text] : commands) {
-        EXPECT_TRUE(seen.insert(id).second) << id;
-        EXPECT_FALSE(text.empty());
-    }
-    for (int command = static_cast<int>(Command::OPEN); command <= static_cast<int>(Command::ABOUT); ++command) {
-        EXPECT_EQ(seen.count(static_cast<UINT>(command)), 1U) << command;
-    }
-    ::DestroyMenu(bar);
-}
-
-/** What Windows goes to when Alt or, in an open menu, a letter is pressed; 0: none. */
-wchar_t Mnemonic(const std::wstring& text) {
-    const std::size_t mark = text.find(L'&');
-    return mark == std::wstring::npos || mark + 1 >= text.size() ? L'\0'
-                                                                 : static_cast<wchar_t>(std::towlower(text[mark + 1]));
-}
-
-/** Every entry of a menu and its sub-menus has a letter, and no two entries of one menu have the same. */
-void Expect_Mnemonics(HMENU menu, const std::wstring& of) {
-    std::map<wchar_t, std::wstring> seen;
-    for (int at = 0; at < ::GetMenuItemCount(menu); ++at) {
-        wchar_t text[100] = {};
-        ::GetMenuStringW(menu, static_cast<UINT>(at), text, 100, MF_BYPOSITION);
-        if (text[0] == 0) {
-            continue;  // a line between entries
-        }
-        const wchar_t letter = Mnemonic(text);
-        EXPECT_NE(letter, L'\0') << Narrow(of) << ": " << Narrow(text);
-        const auto [clash, is_new] = seen.emplace(letter, text);
-        EXPECT_TRUE(is_new) << Narrow(of) << ": " << Narrow(text) << " and " << Narrow(clash->second);
-        if (const HMENU popup = ::GetSubMenu(menu, at)) {
-            Expect_Mnemonics(popup, text);
+TEST(Command_Table, every_key_leads_to_its_command) {
+    for (const Command_Record& record : Command_Records()) {
+        for (const Command_Key& key : record.keys) {
+            if (key.key != 0) {
+                EXPECT_EQ(Of_Key(key.key, key.context, key.is_shift), record.command) << record.name;
+            }
         }
     }
 }
 
-TEST(Commands, every_command_is_reached_by_letters_that_do_not_clash) {
-    const HMENU bar = Menu_Make();
-    Expect_Mnemonics(bar, L"menu bar");
-    ::DestroyMenu(bar);
+TEST(Command_Table, keys_have_names_that_differ) {
+    std::map<std::string, int> seen;
+    for (const Command_Record& record : Command_Records()) {
+        for (const Command_Key& key : record.keys) {
+            if (key.key != 0) {
+                const auto [other, is_new] = seen.emplace(Key_Text(key), key.key);
+                EXPECT_TRUE(is_new || other->second == key.key) << Key_Text(key);
+            }
+        }
+    }
+    EXPECT_EQ(seen.count("Ctrl+O"), 1U);
+    EXPECT_EQ(seen.count("Page Down"), 1U);
+    EXPECT_EQ(seen.count("F11"), 1U);
+    EXPECT_EQ(seen.count("Shift+Tab"), 1U);
+    EXPECT_EQ(seen.count("N"), 1U);
 }
 
-TEST(Commands, no_key_stands_for_two_commands) {
-    std::map<std::wstring, std::wstring> owner;
+/** What the menu system goes to when a letter is pressed; 0: none. */
+char Mnemonic(const std::string& text) {
+    const std::size_t mark = text.find('&');
+    return mark == std::string::npos || mark + 1 >= text.size()
+               ? '\0'
+               : static_cast<char>(std::tolower(static_cast<unsigned char>(text[mark + 1])));
+}
+
+TEST(Command_Table, every_command_stands_in_a_menu_and_is_reached_by_letters_that_do_not_clash) {
+    std::map<std::pair<Menu, char>, std::string> seen;
+    for (const Command_Record& record : Command_Records()) {
+        if (record.menu == Menu::None || Is_Numbered(record)) {
+            continue;
+        }
+        const char letter = Mnemonic(record.text);
+        EXPECT_NE(letter, '\0') << record.name;
+        const auto [other, is_new] = seen.emplace(std::pair(record.menu, letter), record.name);
+        EXPECT_TRUE(is_new) << record.name << " and " << other->second;
+    }
+    std::set<char> titles;
+    for (const char* title : MENU_TITLES) {
+        EXPECT_TRUE(titles.insert(Mnemonic(title)).second) << title;
+    }
+    EXPECT_GT(seen.size(), 90U);
+}
+
+TEST(Command_Table, what_stands_in_no_menu_has_a_key) {
+    std::string names;
+    for (const Command_Record& record : Command_Records()) {
+        if (record.menu == Menu::None) {
+            names += std::string(record.name) + " ";
+            EXPECT_NE(record.keys[0].key, 0) << record.name;
+        } else {
+            EXPECT_TRUE(record.text[0] != 0 || record.entries != nullptr) << record.name;
+        }
+    }
+    EXPECT_EQ(names, "tag_by_number banner_close report_state ");
+}
+
+TEST(Command_Table, no_other_key_does_anything) {
+    std::set<std::tuple<int, Key_Context>> known;
+    for (const Command_Record& record : Command_Records()) {
+        for (const Command_Key& key : record.keys) {
+            for (int number = 0; key.key != 0 && number < record.key_nb; ++number) {
+                known.emplace(key.key + number, key.context);
+            }
+        }
+    }
+    for (const Key_Context context : CONTEXTS) {
+        for (int key = -1; key < KEY_CODES; ++key) {
+            const bool is_letter = key >= 'A' && key <= 'Z';
+            EXPECT_EQ(Command_In_Context(key, context).has_value(),
+                      known.contains({is_letter ? key - 'A' + 'a' : key, context}))
+                << key;
+        }
+    }
+}
+
+TEST(Command_Table, the_list_of_keys_names_every_menu_entry) {
+    const auto entries = std::ranges::count_if(Command_Records(), [](const Command_Record& record) {
+        return record.menu != Menu::None && !Is_Numbered(record);
+    });
+    EXPECT_EQ(Key_Lines().size(), static_cast<std::size_t>(entries));
     for (const Key_Line& line : Key_Lines()) {
-        std::wstring keys = line.keys;
-        while (!keys.empty()) {
-            const std::size_t end = keys.find(L", ");
-            const std::wstring one = keys.substr(0, end);
-            const auto [other, is_new] = owner.emplace(one, line.menu + L" " + line.what);
-            // The class editor has its own history, on the same keys while it has the keyboard.
-            EXPECT_TRUE(is_new || one == L"Ctrl+Z" || one == L"Ctrl+Y")
-                << Narrow(one) << ": " << Narrow(other->second) << " and " << Narrow(line.what);
-            keys.erase(0, end == std::wstring::npos ? keys.size() : end + 2);
-        }
-    }
-    EXPECT_GT(owner.size(), 40U);
-}
-
-TEST(Commands, the_list_of_keys_names_every_menu_entry) {
-    const HMENU bar = Menu_Make();
-    EXPECT_EQ(Key_Lines().size(), Menu_Commands(bar).size());
-    ::DestroyMenu(bar);
-    for (const Key_Line& line : Key_Lines()) {
-        EXPECT_EQ(line.what.find(L'&'), std::wstring::npos);
-        EXPECT_NE(Keys_Text().find(line.what), std::wstring::npos) << Narrow(line.what);
+        EXPECT_EQ(line.what.find('&'), std::string::npos);
+        EXPECT_NE(Keys_Text().find(line.what), std::string::npos) << line.what;
     }
 }
 
-TEST(Commands, the_document_of_keys_is_up_to_date) {
+TEST(Command_Table, the_document_of_keys_is_up_to_date) {
     std::ifstream file(KEYS_DOCUMENT, std::ios::binary);
     ASSERT_TRUE(file) << KEYS_DOCUMENT;
     const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
     if (text != Keys_Document()) {
         std::ofstream("keys.md", std::ios::binary) << Keys_Document();
-        ADD_FAILURE() << "docs/keys.md does not agree with the menus; take the keys.md that was written here";
+        ADD_FAILURE()
+            << "docs/keys.md does not agree with the table of commands; take the keys.md that was written here";
     }
-}
-
-TEST(Commands, what_a_key_does_stands_in_a_menu) {
-    const HMENU bar = Menu_Make();
-    const auto commands = Menu_Commands(bar);
-    for (int key = 1; key < 0x900; ++key) {
-        const Command command = Command_Of_Key(key);
-        if (command == Command::NONE || command >= Command::TAG_DIGIT_0 || command == Command::CLOSE_BANNER ||
-            command == Command::REPORT_STATE) {
-            continue;
-        }
-        EXPECT_EQ(commands.count(static_cast<UINT>(command)), 1U) << key;
-    }
-    ::DestroyMenu(bar);
 }
 
 }  // namespace

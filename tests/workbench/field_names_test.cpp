@@ -56,6 +56,30 @@ TEST(Field_Names, a_text_to_read_is_named_by_its_title) {
     EXPECT_EQ(Dialog_Listener::value, L"one\r\ntwo");
 }
 
+TEST(List_Window, it_comes_back_where_it_was) {
+    const Look look;
+    List_Window window(look);
+    window.Place_Set({}, 0);
+    window.Open(nullptr, L"Files not opened", L"a.dcm\n");
+    EXPECT_GT(window.Place_Now().width, 0);
+    ::SetWindowPos(window.Handle(), nullptr, 40, 50, 410, 320, SWP_NOZORDER);
+    ::SendMessageW(window.Handle(), WM_CLOSE, 0, 0);
+    ASSERT_EQ(window.Handle(), nullptr);
+    window.Open(nullptr, L"Files not opened", L"a.dcm\n");
+    RECT box = {};
+    ::GetWindowRect(window.Handle(), &box);
+    EXPECT_EQ(box.left, 40);
+    EXPECT_EQ(box.top, 50);
+    EXPECT_EQ(box.right - box.left, 410);
+    EXPECT_EQ(box.bottom - box.top, 320);
+    // Kept from another start, on a screen that is no longer there.
+    List_Window other(look);
+    other.Place_Set({90000, 50, 410, 320, false}, 0);
+    other.Open(nullptr, L"What was read", L"b.dcm\n");
+    ::GetWindowRect(other.Handle(), &box);
+    EXPECT_LT(box.right, 40000);
+}
+
 TEST(Field_Names, a_list_is_named_by_its_windows_title_also_when_that_changes) {
     const Look look;
     List_Window window(look);

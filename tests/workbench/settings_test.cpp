@@ -18,6 +18,9 @@ namespace {
 Settings Example() {
     Settings settings;
     settings.window = {-7, 20, 1300, 800, true};
+    settings.peaks_window = {700, 30, 1100, 560, false};
+    settings.list_window = {-900, 40, 500, 300, false};
+    settings.facts_window = {11, 12, 13, 14, false};
     settings.is_light = true;
     settings.is_overlay_shown = false;
     settings.is_trace_shown = true;
@@ -56,6 +59,9 @@ TEST(Settings, text_and_back_changes_nothing) {
     Expect_Same(back, Example());
     EXPECT_EQ(back.window.left, -7);
     EXPECT_TRUE(back.window.is_maximized);
+    EXPECT_EQ(back.peaks_window.height, 560);
+    EXPECT_EQ(back.list_window.left, -900);
+    EXPECT_EQ(back.facts_window.top, 12);
     EXPECT_TRUE(back.is_light);
     EXPECT_EQ(back.folded, 0b10010U);
     EXPECT_TRUE(back.is_wheel_turned);

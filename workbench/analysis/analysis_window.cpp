@@ -17,6 +17,7 @@
 #include "workbench/accessible.h"
 #include "workbench/model/number_text.h"
 #include "workbench/wide_text.h"
+#include "workbench/window_places.h"
 
 namespace workbench {
 
@@ -87,16 +88,27 @@ void Analysis_Window::Open(HWND owner) {
     window_class.hIcon = ::LoadIconW(window_class.hInstance, L"MAINICON");
     window_class.lpszClassName = CLASS_NAME;
     ::RegisterClassW(&window_class);  // a second registration fails, which is fine
-    window =
-        ::CreateWindowExW(0, CLASS_NAME, TITLE, WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT, look.Px(FIRST_WIDTH),
-                          look.Px(FIRST_HEIGHT), owner, nullptr, window_class.hInstance, this);
+    const int width = look.Px(FIRST_WIDTH);
+    const int height = look.Px(FIRST_HEIGHT);
+    window = ::CreateWindowExW(0, CLASS_NAME, TITLE, WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT, width, height,
+                               owner, nullptr, window_class.hInstance, this);
     if (window == nullptr) {
         return;
     }
+    Place_Beside(window, owner, tools_width, place_last, width, height);
     Window_Axis_Set(window, Window_Axis::Down);
     accessible = Accessible_Make();
     Lay_Out();
     ::ShowWindow(window, SW_SHOW);
+}
+
+void Analysis_Window::Place_Set(const Window_Place& last, int tools) {
+    place_last = last;
+    tools_width = tools;
+}
+
+Window_Place Analysis_Window::Place_Now() const {
+    return window != nullptr ? Place_Of(window) : place_last;
 }
 
 void Analysis_Window::Close() {
@@ -475,6 +487,7 @@ LRESULT Analysis_Window::On_Message(UINT message, WPARAM wparam, LPARAM lparam) 
             }
             return 0;
         case WM_DESTROY:
+            place_last = Place_Of(window);
             Window_Forget(window);
             accessible.reset();
             is_watched = false;

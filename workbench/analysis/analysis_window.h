@@ -13,6 +13,7 @@
 #include "workbench/analysis/fit_log.h"
 #include "workbench/analysis/peak_table.h"
 #include "workbench/look.h"
+#include "workbench/model/settings.h"
 
 class Tool_Histo;
 
@@ -43,6 +44,11 @@ class Analysis_Window {
 
     /** Shows the window, or brings it to the front. */
     void Open(HWND owner);
+    /** Where it opens. @param last as it stood before; without width: beside the owner
+     *  @param tools width of what at the owner's left must stay free */
+    void Place_Set(const Window_Place& last, int tools);
+    /** Where it stands, or stood last. */
+    Window_Place Place_Now() const;
     void Close();
     bool Is_Open() const { return window != nullptr; }
     HWND Window() const { return window; }
@@ -96,6 +102,8 @@ class Analysis_Window {
     Look& look;
     Analysis_Host host;
     HWND window = nullptr;
+    Window_Place place_last;
+    int tools_width = 0;
     Buttons gauss_button;
     Buttons derivative_button;
     Buttons bands_button;

@@ -72,6 +72,15 @@ bool Take_Line(std::string_view name, std::string_view value, Settings& settings
     if (name == "window") {
         return Take_Place(value, settings.window);
     }
+    if (name == "peaks_window") {
+        return Take_Place(value, settings.peaks_window);
+    }
+    if (name == "list_window") {
+        return Take_Place(value, settings.list_window);
+    }
+    if (name == "facts_window") {
+        return Take_Place(value, settings.facts_window);
+    }
     if (name == "window_maximized") {
         return Take_Flag(value, settings.window.is_maximized);
     }
@@ -147,12 +156,17 @@ std::string Settings_Text(const Settings& settings) {
         text += std::string(name) + " " + value + "\n";
     };
     const auto flag = [&](const char* name, bool value) { line(name, value ? "1" : "0"); };
-    const Window_Place& place = settings.window;
-    if (place.width > 0 && place.height > 0) {
-        line("window", std::to_string(place.left) + " " + std::to_string(place.top) + " " +
+    const auto window = [&](const char* name, const Window_Place& place) {
+        if (place.width > 0 && place.height > 0) {
+            line(name, std::to_string(place.left) + " " + std::to_string(place.top) + " " +
                            std::to_string(place.width) + " " + std::to_string(place.height));
-    }
-    flag("window_maximized", place.is_maximized);
+        }
+    };
+    window("window", settings.window);
+    window("peaks_window", settings.peaks_window);
+    window("list_window", settings.list_window);
+    window("facts_window", settings.facts_window);
+    flag("window_maximized", settings.window.is_maximized);
     line("theme", settings.is_light ? "light" : "dark");
     flag("tag_colours", settings.is_overlay_shown);
     flag("trace_view", settings.is_trace_shown);

@@ -1,0 +1,156 @@
+/** Stands for all parts of the application: notes what it is asked for, and answers with what was set before. */
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "workbench/commands/command_actions.h"
+#include "workbench/model/session.h"
+
+namespace workbench {
+
+struct Command_Double : File_Actions,
+                        History_Actions,
+                        Label_Actions,
+                        View_Actions,
+                        Cursor_Actions,
+                        Propagation_Actions,
+                        Histogram_Actions,
+                        Database_Actions,
+                        Window_Actions {
+    void Open_Ask() override { Note("Open_Ask"); }
+    void Open_Folder_Ask() override { Note("Open_Folder_Ask"); }
+    void Not_Opened_Show() override { Note("Not_Opened_Show"); }
+    void Read_Facts_Show() override { Note("Read_Facts_Show"); }
+    void Orientation_Ask() override { Note("Orientation_Ask"); }
+    void Load_Labels_Ask() override { Note("Load_Labels_Ask"); }
+    bool Save_Labels(bool ask_for_name) override { return Note("Save_Labels", Number(ask_for_name)); }
+    void Export_Histogram() override { Note("Export_Histogram"); }
+    void Export_Verify_Ask() override { Note("Export_Verify_Ask"); }
+    void Quit() override { Note("Quit"); }
+    std::vector<Numbered_Entry> Recent_Entries() const override { return recent; }
+    void Recent_Open(int number) override { Note("Recent_Open", Number(number)); }
+    void Undo_Or_Redo(bool redo) override { Note("Undo_Or_Redo", Number(redo)); }
+    std::optional<std::string> Next_Step(bool redo) const override { return redo ? redo_title : undo_title; }
+    void History_Ask() override { Note("History_Ask"); }
+    void Tag_Step_By(int step) override { Note("Tag_Step_By", Number(step)); }
+    void Tag_Pick(int tag) override { Note("Tag_Pick", Number(tag)); }
+    void Tag_Go_To() override { Note("Tag_Go_To"); }
+    void Tag_Rename_Ask() override { Note("Tag_Rename_Ask"); }
+    void Colors_Check() override { Note("Colors_Check"); }
+    void Tag_Toggle(Tag_Mark mark) override { Note("Tag_Toggle", Number(mark)); }
+    bool Has_Tag_Mark(Tag_Mark mark) const override {
+        return Is(std::string("Has_Tag_Mark ") + std::to_string(Number(mark)));
+    }
+    void Threshold_Mode_Set(bool on) override { Note("Threshold_Mode_Set", Number(on)); }
+    bool Is_Threshold_Mode() const override { return Is("Is_Threshold_Mode"); }
+    void Threshold_Ask(bool is_upper) override { Note("Threshold_Ask", Number(is_upper)); }
+    void Tag_More() override { Note("Tag_More"); }
+    void Check_Mark_Set(Tag_Mark mark) override { Note("Check_Mark_Set", Number(mark)); }
+    bool Is_Check_Mark(Tag_Mark mark) const override {
+        return Is(std::string("Is_Check_Mark ") + std::to_string(Number(mark)));
+    }
+    void Brush_Step(int step) override { Note("Brush_Step", Number(step)); }
+    void Marker_Mode_Set(bool on) override { Note("Marker_Mode_Set", Number(on)); }
+    bool Is_Marker_Mode() const override { return Is("Is_Marker_Mode"); }
+    void Marker_Step(int step) override { Note("Marker_Step", Number(step)); }
+    void Marker_Rename_Ask() override { Note("Marker_Rename_Ask"); }
+    void Marker_Remove() override { Note("Marker_Remove"); }
+    void Slice_Step(int step) override { Note("Slice_Step", Number(step)); }
+    void Slice_To_End(bool is_last) override { Note("Slice_To_End", Number(is_last)); }
+    void Volume_Step(int step) override { Note("Volume_Step", Number(step)); }
+    void Zoom_To(double factor) override { Note("Zoom_To", Number(factor)); }
+    void Zoom_Step(int step) override { Note("Zoom_Step", Number(step)); }
+    void Window_Reset() override { Note("Window_Reset"); }
+    void Level_Step(int step) override { Note("Level_Step", Number(step)); }
+    void Window_Width_Step(int step) override { Note("Window_Width_Step", Number(step)); }
+    std::vector<Numbered_Entry> Window_Entries() const override { return windows; }
+    void Window_Choose(int number) override { Note("Window_Choose", Number(number)); }
+    void Overlay_Set(bool on) override { Note("Overlay_Set", Number(on)); }
+    bool Is_Overlay() const override { return Is("Is_Overlay"); }
+    void Range_Overlay_Set(bool on) override { Note("Range_Overlay_Set", Number(on)); }
+    bool Is_Range_Overlay() const override { return Is("Is_Range_Overlay"); }
+    void Cursor_Set(bool on) override { Note("Cursor_Set", Number(on)); }
+    bool Is_Cursor() const override { return Is("Is_Cursor"); }
+    void Cursor_Act(bool erase) override { Note("Cursor_Act", Number(erase)); }
+    void Cursor_Pen_Set(bool down) override { Note("Cursor_Pen_Set", Number(down)); }
+    bool Is_Pen_Down() const override { return Is("Is_Pen_Down"); }
+    void Cursor_Pick() override { Note("Cursor_Pick"); }
+    void Propagate_Step(int direction) override { Note("Propagate_Step", Number(direction)); }
+    void Propagate_Repeat(int direction) override { Note("Propagate_Repeat", Number(direction)); }
+    void Propagation_Kind_Set(Propagation_Kind kind) override { Note("Propagation_Kind_Set", Number(kind)); }
+    Propagation_Kind Propagation_Kind_Now() const override { return kind_now; }
+    void Histogram_Of_All() override { Note("Histogram_Of_All"); }
+    void Histogram_Of_Shown() override { Note("Histogram_Of_Shown"); }
+    void Histogram_Range_Ask() override { Note("Histogram_Range_Ask"); }
+    Histogram_Frames Histogram_Frames_Now() const override { return frames_now; }
+    void Histogram_Of_Tag_Set(bool on) override { Note("Histogram_Of_Tag_Set", Number(on)); }
+    bool Is_Histogram_Of_Tag() const override { return Is("Is_Histogram_Of_Tag"); }
+    void Histogram_Smoothed_Set(bool on) override { Note("Histogram_Smoothed_Set", Number(on)); }
+    bool Is_Histogram_Smoothed() const override { return Is("Is_Histogram_Smoothed"); }
+    void Background_Leave_Out(bool on) override { Note("Background_Leave_Out", Number(on)); }
+    bool Is_Background_Left_Out() const override { return Is("Is_Background_Left_Out"); }
+    void Background_Ask() override { Note("Background_Ask"); }
+    void Histogram_Bins_Ask() override { Note("Histogram_Bins_Ask"); }
+    void Histogram_Component_Next() override { Note("Histogram_Component_Next"); }
+    void Histogram_Scale_Step(int step) override { Note("Histogram_Scale_Step", Number(step)); }
+    void Histogram_Enlarge() override { Note("Histogram_Enlarge"); }
+    void Wheel_Turned_Set(bool on) override { Note("Wheel_Turned_Set", Number(on)); }
+    bool Is_Wheel_Turned() const override { return Is("Is_Wheel_Turned"); }
+    void Peaks_Show() override { Note("Peaks_Show"); }
+    void Peaks_Fit_Gaussian() override { Note("Peaks_Fit_Gaussian"); }
+    void Peaks_Fit_Derivative_Ask() override { Note("Peaks_Fit_Derivative_Ask"); }
+    void Peaks_To_Bands() override { Note("Peaks_To_Bands"); }
+    void Database_Show(bool shown) override { Note("Database_Show", Number(shown)); }
+    bool Is_Database() const override { return Is("Is_Database"); }
+    void Database_Find() override { Note("Database_Find"); }
+    void Database_View_Set(int view) override { Note("Database_View_Set", Number(view)); }
+    void Database_Width_Step(int step) override { Note("Database_Width_Step", Number(step)); }
+    void Database_Expand_All(bool open) override { Note("Database_Expand_All", Number(open)); }
+    void Database_Editor_Set(bool on) override { Note("Database_Editor_Set", Number(on)); }
+    bool Is_Database_Editor() const override { return Is("Is_Database_Editor"); }
+    void Class_Undo_Or_Redo(bool redo) override { Note("Class_Undo_Or_Redo", Number(redo)); }
+    std::optional<std::string> Next_Class_Step(bool redo) const override {
+        return redo ? class_redo_title : class_undo_title;
+    }
+    void Focus_Step(int step) override { Note("Focus_Step", Number(step)); }
+    void Panel_Fold() override { Note("Panel_Fold"); }
+    void Trace_Show(bool shown) override { Note("Trace_Show", Number(shown)); }
+    bool Is_Trace() const override { return Is("Is_Trace"); }
+    void Theme_Set(bool is_light) override { Note("Theme_Set", Number(is_light)); }
+    bool Is_Light() const override { return Is("Is_Light"); }
+    void Keys_Show() override { Note("Keys_Show"); }
+    void About_Show() override { Note("About_Show"); }
+    void Banner_Close() override { Note("Banner_Close"); }
+    void Report_State() override { Note("Report_State"); }
+
+    Command_Parts Parts() { return {*this, *this, *this, *this, *this, *this, *this, *this, *this}; }
+
+    std::vector<std::string> asked;      // "Slice_Step 1"
+    std::map<std::string, bool> is_set;  // answers of the questions, by their names; not there: no
+    std::optional<std::string> undo_title, redo_title, class_undo_title, class_redo_title;
+    std::vector<Numbered_Entry> recent, windows;
+    Propagation_Kind kind_now = Propagation_Kind::COPY;
+    Histogram_Frames frames_now = Histogram_Frames::All;
+
+  private:
+    template <class Value>
+    static int Number(Value value) {
+        return static_cast<int>(value);
+    }
+    template <class... Values>
+    bool Note(const char* what, Values... values) {
+        std::string text = what;
+        ((text += " " + std::to_string(values)), ...);
+        asked.push_back(text);
+        return true;
+    }
+    bool Is(const std::string& question) const {
+        const auto found = is_set.find(question);
+        return found != is_set.end() && found->second;
+    }
+};
+
+}  // namespace workbench

@@ -1,0 +1,197 @@
+/** What commands ask of the application, one interface per subject; whoever looks after the subject implements it.
+ *
+ *  Steps are +1 or -1. Texts are UTF-8. Every call may open a dialog, and so run a message loop.
+ */
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace workbench {
+
+enum class Propagation_Kind;
+
+/** One of the entries that a numbered command has now. */
+struct Numbered_Entry {
+    std::string text;
+    bool is_checked = false;
+};
+
+class File_Actions {
+  public:
+    virtual ~File_Actions() = default;
+    virtual void Open_Ask() = 0;
+    virtual void Open_Folder_Ask() = 0;
+    virtual void Not_Opened_Show() = 0;
+    /** How the volume in hand was read. */
+    virtual void Read_Facts_Show() = 0;
+    /** How the patient lies in an image that does not say it; only the letters beside the picture change. */
+    virtual void Orientation_Ask() = 0;
+    virtual void Load_Labels_Ask() = 0;
+    virtual bool Save_Labels(bool ask_for_name) = 0;
+    virtual void Export_Histogram() = 0;
+    virtual void Export_Verify_Ask() = 0;
+    virtual void Quit() = 0;
+    virtual std::vector<Numbered_Entry> Recent_Entries() const = 0;
+    virtual void Recent_Open(int number) = 0;
+};
+
+class History_Actions {
+  public:
+    virtual ~History_Actions() = default;
+    virtual void Undo_Or_Redo(bool redo) = 0;
+    /** Title of the step that Undo_Or_Redo would take; no value: none is left. */
+    virtual std::optional<std::string> Next_Step(bool redo) const = 0;
+    /** Lists the steps and goes to the one that is chosen. */
+    virtual void History_Ask() = 0;
+};
+
+/** The marks that a TAG carries, of which one is shown as the check mark of its button. */
+enum class Tag_Mark { Enable, Select, Lock };
+
+/** TAGs, brushes and markers. */
+class Label_Actions {
+  public:
+    virtual ~Label_Actions() = default;
+    virtual void Tag_Step_By(int step) = 0;
+    virtual void Tag_Pick(int tag) = 0;
+    virtual void Tag_Go_To() = 0;
+    virtual void Tag_Rename_Ask() = 0;
+    virtual void Colors_Check() = 0;
+    virtual void Tag_Toggle(Tag_Mark mark) = 0;
+    /** Of the current TAG. */
+    virtual bool Has_Tag_Mark(Tag_Mark mark) const = 0;
+    virtual void Threshold_Mode_Set(bool on) = 0;
+    virtual bool Is_Threshold_Mode() const = 0;
+    virtual void Threshold_Ask(bool is_upper) = 0;
+    virtual void Tag_More() = 0;
+    virtual void Check_Mark_Set(Tag_Mark mark) = 0;
+    virtual bool Is_Check_Mark(Tag_Mark mark) const = 0;
+    virtual void Brush_Step(int step) = 0;
+    virtual void Marker_Mode_Set(bool on) = 0;
+    virtual bool Is_Marker_Mode() const = 0;
+    virtual void Marker_Step(int step) = 0;
+    virtual void Marker_Rename_Ask() = 0;
+    virtual void Marker_Remove() = 0;
+};
+
+/** What of the image is shown, and how. */
+class View_Actions {
+  public:
+    virtual ~View_Actions() = default;
+    virtual void Slice_Step(int step) = 0;
+    virtual void Slice_To_End(bool is_last) = 0;
+    virtual void Volume_Step(int step) = 0;
+    /** @param factor screen pixels per slice pixel; 0: as large as there is room */
+    virtual void Zoom_To(double factor) = 0;
+    virtual void Zoom_Step(int step) = 0;
+    virtual void Window_Reset() = 0;
+    virtual void Level_Step(int step) = 0;
+    virtual void Window_Width_Step(int step) = 0;
+    virtual std::vector<Numbered_Entry> Window_Entries() const = 0;
+    virtual void Window_Choose(int number) = 0;
+    virtual void Overlay_Set(bool on) = 0;
+    virtual bool Is_Overlay() const = 0;
+    virtual void Range_Overlay_Set(bool on) = 0;
+    virtual bool Is_Range_Overlay() const = 0;
+};
+
+/** The keyboard's cursor in the image. */
+class Cursor_Actions {
+  public:
+    virtual ~Cursor_Actions() = default;
+    virtual void Cursor_Set(bool on) = 0;
+    virtual bool Is_Cursor() const = 0;
+    virtual void Cursor_Act(bool erase) = 0;
+    virtual void Cursor_Pen_Set(bool down) = 0;
+    virtual bool Is_Pen_Down() const = 0;
+    virtual void Cursor_Pick() = 0;
+};
+
+class Propagation_Actions {
+  public:
+    virtual ~Propagation_Actions() = default;
+    virtual void Propagate_Step(int direction) = 0;
+    virtual void Propagate_Repeat(int direction) = 0;
+    virtual void Propagation_Kind_Set(Propagation_Kind kind) = 0;
+    virtual Propagation_Kind Propagation_Kind_Now() const = 0;
+};
+
+/** Which frames the histogram counts. */
+enum class Histogram_Frames { All, Shown, Range, Checked };
+
+class Histogram_Actions {
+  public:
+    virtual ~Histogram_Actions() = default;
+    virtual void Histogram_Of_All() = 0;
+    virtual void Histogram_Of_Shown() = 0;
+    virtual void Histogram_Range_Ask() = 0;
+    virtual Histogram_Frames Histogram_Frames_Now() const = 0;
+    virtual void Histogram_Of_Tag_Set(bool on) = 0;
+    virtual bool Is_Histogram_Of_Tag() const = 0;
+    virtual void Histogram_Smoothed_Set(bool on) = 0;
+    virtual bool Is_Histogram_Smoothed() const = 0;
+    virtual void Background_Leave_Out(bool on) = 0;
+    virtual bool Is_Background_Left_Out() const = 0;
+    virtual void Background_Ask() = 0;
+    virtual void Histogram_Bins_Ask() = 0;
+    virtual void Histogram_Component_Next() = 0;
+    /** +1 magnifies the counts. */
+    virtual void Histogram_Scale_Step(int step) = 0;
+    virtual void Histogram_Enlarge() = 0;
+    virtual void Wheel_Turned_Set(bool on) = 0;
+    virtual bool Is_Wheel_Turned() const = 0;
+    virtual void Peaks_Show() = 0;
+    virtual void Peaks_Fit_Gaussian() = 0;
+    virtual void Peaks_Fit_Derivative_Ask() = 0;
+    virtual void Peaks_To_Bands() = 0;
+};
+
+class Database_Actions {
+  public:
+    virtual ~Database_Actions() = default;
+    virtual void Database_Show(bool shown) = 0;
+    virtual bool Is_Database() const = 0;
+    virtual void Database_Find() = 0;
+    /** @param view number of the tab, from the left */
+    virtual void Database_View_Set(int view) = 0;
+    virtual void Database_Width_Step(int step) = 0;
+    virtual void Database_Expand_All(bool open) = 0;
+    virtual void Database_Editor_Set(bool on) = 0;
+    virtual bool Is_Database_Editor() const = 0;
+    virtual void Class_Undo_Or_Redo(bool redo) = 0;
+    /** As History_Actions::Next_Step, of the class trees. */
+    virtual std::optional<std::string> Next_Class_Step(bool redo) const = 0;
+};
+
+/** The window itself: its parts, its looks, its help. */
+class Window_Actions {
+  public:
+    virtual ~Window_Actions() = default;
+    virtual void Focus_Step(int step) = 0;
+    virtual void Panel_Fold() = 0;
+    virtual void Trace_Show(bool shown) = 0;
+    virtual bool Is_Trace() const = 0;
+    virtual void Theme_Set(bool is_light) = 0;
+    virtual bool Is_Light() const = 0;
+    virtual void Keys_Show() = 0;
+    virtual void About_Show() = 0;
+    virtual void Banner_Close() = 0;
+    virtual void Report_State() = 0;
+};
+
+/** Who answers the commands. */
+struct Command_Parts {
+    File_Actions& file;
+    History_Actions& history;
+    Label_Actions& label;
+    View_Actions& view;
+    Cursor_Actions& cursor;
+    Propagation_Actions& propagation;
+    Histogram_Actions& histogram;
+    Database_Actions& database;
+    Window_Actions& window;
+};
+
+}  // namespace workbench

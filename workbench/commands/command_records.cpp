@@ -1,0 +1,331 @@
+// One record for each command, in the order of Command.
+#include <initializer_list>
+#include <iterator>
+
+#include "host/kit_widgets.h"
+#include "workbench/commands/command_table.h"
+#include "workbench/model/session.h"
+#include "workbench/model/view_geometry.h"
+
+namespace workbench {
+
+namespace {
+
+using Parts = Command_Parts;
+using enum Key_Context;
+
+constexpr int VIRTUAL_KEY_F1 = 0x70;  // of the window system
+
+constexpr int Control(char letter) {
+    return letter - 'A' + 1;
+}
+constexpr int Function_Key(int number) {
+    return KEY_SPECIAL + VIRTUAL_KEY_F1 + number - 1;
+}
+
+/** What only some records say. */
+struct More {
+    bool (*is_checked)(const Parts& of) = nullptr;
+    std::optional<std::string> (*detail)(const Parts& of) = nullptr;
+    std::vector<Numbered_Entry> (*entries)(const Parts& of) = nullptr;
+    int key_nb = 1;
+    bool is_group_begin = false;
+};
+
+constexpr Command_Record Entry(Command command, const char* name, Menu menu, const char* text,
+                               std::initializer_list<Command_Key> keys, void (*run)(const Parts& on, int number),
+                               const More& more = {}) {
+    Command_Record record = {command,
+                             name,
+                             menu,
+                             text,
+                             {},
+                             run,
+                             more.is_checked,
+                             more.detail,
+                             more.entries,
+                             more.key_nb,
+                             more.is_group_begin};
+    std::size_t at = 0;
+    for (const Command_Key& key : keys) {
+        record.keys[at++] = key;
+    }
+    return record;
+}
+
+constexpr Command_Record RECORDS[] = {
+    Entry(Command::Open, "open", Menu::File, "&Open image...", {{Control('O')}},
+          [](const Parts& on, int) { on.file.Open_Ask(); }),
+    Entry(Command::Open_Folder, "open_folder", Menu::File, "Open &folder...", {{Control('D')}},
+          [](const Parts& on, int) { on.file.Open_Folder_Ask(); }),
+    Entry(Command::Not_Opened, "not_opened", Menu::File, "Files &not opened...", {},
+          [](const Parts& on, int) { on.file.Not_Opened_Show(); }),
+    Entry(Command::What_Was_Read, "what_was_read", Menu::File, "&What was read...", {},
+          [](const Parts& on, int) { on.file.Read_Facts_Show(); }),
+    Entry(Command::Orientation, "orientation", Menu::File, "O&rientation of the image...", {},
+          [](const Parts& on, int) { on.file.Orientation_Ask(); }),
+    Entry(Command::Load_Labels, "load_labels", Menu::File, "&Load labels...", {{Control('L')}},
+          [](const Parts& on, int) { on.file.Load_Labels_Ask(); }, {.is_group_begin = true}),
+    Entry(Command::Save_Labels, "save_labels", Menu::File, "&Save labels", {{Control('S')}},
+          [](const Parts& on, int) { on.file.Save_Labels(false); }),
+    Entry(Command::Save_Labels_As, "save_labels_as", Menu::File, "Save labels &as...", {},
+          [](const Parts& on, int) { on.file.Save_Labels(true); }),
+    Entry(Command::Export_Histogram, "export_histogram", Menu::File, "&Export histogram...", {{Control('E')}},
+          [](const Parts& on, int) { on.file.Export_Histogram(); }, {.is_group_begin = true}),
+    Entry(Command::Verify_Export, "verify_export", Menu::File, "&Verify export...", {},
+          [](const Parts& on, int) { on.file.Export_Verify_Ask(); }),
+    Entry(Command::Quit, "quit", Menu::File, "&Quit", {{Control('Q')}}, [](const Parts& on, int) { on.file.Quit(); },
+          {.is_group_begin = true}),
+    Entry(Command::Recent, "recent", Menu::File, "", {},
+          [](const Parts& on, int number) { on.file.Recent_Open(number); },
+          {.entries = [](const Parts& of) { return of.file.Recent_Entries(); }, .is_group_begin = true}),
+    Entry(Command::Undo, "undo", Menu::Edit, "&Undo", {{Control('Z')}},
+          [](const Parts& on, int) { on.history.Undo_Or_Redo(false); },
+          {.detail = [](const Parts& of) { return of.history.Next_Step(false); }}),
+    Entry(Command::Redo, "redo", Menu::Edit, "&Redo", {{Control('Y')}},
+          [](const Parts& on, int) { on.history.Undo_Or_Redo(true); },
+          {.detail = [](const Parts& of) { return of.history.Next_Step(true); }}),
+    Entry(Command::History, "history", Menu::Edit, "&History...", {},
+          [](const Parts& on, int) { on.history.History_Ask(); }),
+    Entry(Command::Brush_Larger, "brush_larger", Menu::Edit, "Lar&ger brush", {{']'}, {'+'}},
+          [](const Parts& on, int) { on.label.Brush_Step(1); }, {.is_group_begin = true}),
+    Entry(Command::Brush_Smaller, "brush_smaller", Menu::Edit, "&Smaller brush", {{'['}, {'-'}},
+          [](const Parts& on, int) { on.label.Brush_Step(-1); }),
+    Entry(Command::Marker_Mode, "marker_mode", Menu::Edit, "Place &markers", {{'m'}},
+          [](const Parts& on, int) { on.label.Marker_Mode_Set(!on.label.Is_Marker_Mode()); },
+          {.is_checked = [](const Parts& of) { return of.label.Is_Marker_Mode(); }, .is_group_begin = true}),
+    Entry(Command::Marker_Next, "marker_next", Menu::Edit, "&Next marker", {{'.'}},
+          [](const Parts& on, int) { on.label.Marker_Step(1); }),
+    Entry(Command::Marker_Previous, "marker_previous", Menu::Edit, "Pre&vious marker", {{','}},
+          [](const Parts& on, int) { on.label.Marker_Step(-1); }),
+    Entry(Command::Marker_Rename, "marker_rename", Menu::Edit, "Name o&f the marker...",
+          {{KEY_ENTER, Marker_Panel}, {Function_Key(2), Marker_Panel}},
+          [](const Parts& on, int) { on.label.Marker_Rename_Ask(); }),
+    Entry(Command::Marker_Remove, "marker_remove", Menu::Edit, "Remove &current marker", {{KEY_DELETE}},
+          [](const Parts& on, int) { on.label.Marker_Remove(); }),
+    Entry(Command::Tag_Next, "tag_next", Menu::Tag, "&Next TAG", {{'n'}},
+          [](const Parts& on, int) { on.label.Tag_Step_By(1); }),
+    Entry(Command::Tag_Previous, "tag_previous", Menu::Tag, "&Previous TAG", {{'p'}},
+          [](const Parts& on, int) { on.label.Tag_Step_By(-1); }),
+    Entry(Command::Tag_Go_To, "tag_go_to", Menu::Tag, "&Go to TAG...", {{'g'}},
+          [](const Parts& on, int) { on.label.Tag_Go_To(); }),
+    Entry(Command::Tag_Rename, "tag_rename", Menu::Tag, "Na&me...", {{Function_Key(2)}, {KEY_ENTER, Tag_Panel}},
+          [](const Parts& on, int) { on.label.Tag_Rename_Ask(); }, {.is_group_begin = true}),
+    Entry(Command::Tag_Colors, "tag_colors", Menu::Tag, "Check TAG &colours...", {},
+          [](const Parts& on, int) { on.label.Colors_Check(); }),
+    Entry(Command::Tag_Enable, "tag_enable", Menu::Tag, "&Enabled (shown)", {{'e'}, {' ', Tag_Panel}},
+          [](const Parts& on, int) { on.label.Tag_Toggle(Tag_Mark::Enable); },
+          {.is_checked = [](const Parts& of) { return of.label.Has_Tag_Mark(Tag_Mark::Enable); },
+           .is_group_begin = true}),
+    Entry(Command::Tag_Select, "tag_select", Menu::Tag, "&Selected (propagated)", {{'s'}},
+          [](const Parts& on, int) { on.label.Tag_Toggle(Tag_Mark::Select); },
+          {.is_checked = [](const Parts& of) { return of.label.Has_Tag_Mark(Tag_Mark::Select); }}),
+    Entry(Command::Tag_Lock, "tag_lock", Menu::Tag, "&Locked (not overwritten)", {{'l'}},
+          [](const Parts& on, int) { on.label.Tag_Toggle(Tag_Mark::Lock); },
+          {.is_checked = [](const Parts& of) { return of.label.Has_Tag_Mark(Tag_Mark::Lock); }}),
+    Entry(Command::Threshold_Mode, "threshold_mode", Menu::Tag, "&Threshold mode", {{'t'}},
+          [](const Parts& on, int) { on.label.Threshold_Mode_Set(!on.label.Is_Threshold_Mode()); },
+          {.is_checked = [](const Parts& of) { return of.label.Is_Threshold_Mode(); }, .is_group_begin = true}),
+    Entry(Command::Threshold_Lower, "threshold_lower", Menu::Tag, "Lo&wer threshold...", {},
+          [](const Parts& on, int) { on.label.Threshold_Ask(false); }),
+    Entry(Command::Threshold_Upper, "threshold_upper", Menu::Tag, "&Upper threshold...", {},
+          [](const Parts& on, int) { on.label.Threshold_Ask(true); }),
+    Entry(Command::Tag_More, "tag_more", Menu::Tag, "&Four more TAGs", {},
+          [](const Parts& on, int) { on.label.Tag_More(); }),
+    Entry(Command::Check_Shows_Enable, "check_shows_enable", Menu::Tag, "Check mark shows ena&bled", {},
+          [](const Parts& on, int) { on.label.Check_Mark_Set(Tag_Mark::Enable); },
+          {.is_checked = [](const Parts& of) { return of.label.Is_Check_Mark(Tag_Mark::Enable); },
+           .is_group_begin = true}),
+    Entry(Command::Check_Shows_Select, "check_shows_select", Menu::Tag, "Check mark shows selecte&d", {},
+          [](const Parts& on, int) { on.label.Check_Mark_Set(Tag_Mark::Select); },
+          {.is_checked = [](const Parts& of) { return of.label.Is_Check_Mark(Tag_Mark::Select); }}),
+    Entry(Command::Check_Shows_Lock, "check_shows_lock", Menu::Tag, "Chec&k mark shows locked", {},
+          [](const Parts& on, int) { on.label.Check_Mark_Set(Tag_Mark::Lock); },
+          {.is_checked = [](const Parts& of) { return of.label.Is_Check_Mark(Tag_Mark::Lock); }}),
+    Entry(Command::Slice_Next, "slice_next", Menu::View, "&Next slice", {{KEY_PAGE_UP}, {KEY_UP}, {KEY_RIGHT}},
+          [](const Parts& on, int) { on.view.Slice_Step(1); }),
+    Entry(Command::Slice_Previous, "slice_previous", Menu::View, "&Previous slice",
+          {{KEY_PAGE_DOWN}, {KEY_DOWN}, {KEY_LEFT}}, [](const Parts& on, int) { on.view.Slice_Step(-1); }),
+    Entry(Command::Slice_First, "slice_first", Menu::View, "F&irst slice", {{KEY_HOME}},
+          [](const Parts& on, int) { on.view.Slice_To_End(false); }),
+    Entry(Command::Slice_Last, "slice_last", Menu::View, "L&ast slice", {{KEY_END}},
+          [](const Parts& on, int) { on.view.Slice_To_End(true); }),
+    Entry(Command::Volume_Next, "volume_next", Menu::View, "Next vol&ume", {{Control('N')}},
+          [](const Parts& on, int) { on.view.Volume_Step(1); }, {.is_group_begin = true}),
+    Entry(Command::Volume_Previous, "volume_previous", Menu::View, "Previous volu&me", {{Control('P')}},
+          [](const Parts& on, int) { on.view.Volume_Step(-1); }),
+    Entry(Command::Zoom_100, "zoom_100", Menu::View, "&100 %", {{Function_Key(5)}},
+          [](const Parts& on, int) { on.view.Zoom_To(1.0); }, {.is_group_begin = true}),
+    Entry(Command::Zoom_200, "zoom_200", Menu::View, "&200 %", {{Function_Key(6)}},
+          [](const Parts& on, int) { on.view.Zoom_To(2.0); }),
+    Entry(Command::Zoom_To_Fit, "zoom_to_fit", Menu::View, "&Fit", {{Function_Key(7)}},
+          [](const Parts& on, int) { on.view.Zoom_To(ZOOM_FIT); }),
+    Entry(Command::Window_Reset, "window_reset", Menu::View, "&Reset window and level", {{'r'}},
+          [](const Parts& on, int) { on.view.Window_Reset(); }),
+    Entry(Command::Overlay, "overlay", Menu::View, "Show TAG &colours", {{'o'}},
+          [](const Parts& on, int) { on.view.Overlay_Set(!on.view.Is_Overlay()); },
+          {.is_checked = [](const Parts& of) { return of.view.Is_Overlay(); }}),
+    Entry(Command::Range_Overlay, "range_overlay", Menu::View, "Threshold o&verlay", {{'v'}},
+          [](const Parts& on, int) { on.view.Range_Overlay_Set(!on.view.Is_Range_Overlay()); },
+          {.is_checked = [](const Parts& of) { return of.view.Is_Range_Overlay(); }, .is_group_begin = true}),
+    Entry(Command::Focus_Next, "focus_next", Menu::View, "Ne&xt panel by keyboard", {{KEY_TAB}},
+          [](const Parts& on, int) { on.window.Focus_Step(1); }, {.is_group_begin = true}),
+    Entry(Command::Focus_Previous, "focus_previous", Menu::View, "Previous panel &by keyboard",
+          {{KEY_TAB, Window, true}}, [](const Parts& on, int) { on.window.Focus_Step(-1); }),
+    Entry(Command::Panel_Fold, "panel_fold", Menu::View, "Fol&d the panel", {{'x'}},
+          [](const Parts& on, int) { on.window.Panel_Fold(); }),
+    Entry(Command::Trace_View, "trace_view", Menu::View, "&Trace view", {{Function_Key(9)}},
+          [](const Parts& on, int) { on.window.Trace_Show(!on.window.Is_Trace()); },
+          {.is_checked = [](const Parts& of) { return of.window.Is_Trace(); }, .is_group_begin = true}),
+    Entry(Command::Theme, "theme", Menu::View, "&Light theme", {{Function_Key(8)}},
+          [](const Parts& on, int) { on.window.Theme_Set(!on.window.Is_Light()); },
+          {.is_checked = [](const Parts& of) { return of.window.Is_Light(); }}),
+    Entry(Command::Cursor_Show, "cursor_show", Menu::Image, "&Keyboard cursor", {{'i'}},
+          [](const Parts& on, int) { on.cursor.Cursor_Set(!on.cursor.Is_Cursor()); },
+          {.is_checked = [](const Parts& of) { return of.cursor.Is_Cursor(); }}),
+    Entry(Command::Cursor_Paint, "cursor_paint", Menu::Image, "&Paint at the cursor", {{' '}},
+          [](const Parts& on, int) { on.cursor.Cursor_Act(false); }),
+    Entry(Command::Cursor_Erase, "cursor_erase", Menu::Image, "&Erase at the cursor", {{KEY_BACKSPACE}},
+          [](const Parts& on, int) { on.cursor.Cursor_Act(true); }),
+    Entry(Command::Cursor_Pen, "cursor_pen", Menu::Image, "Hold the pe&n down", {{KEY_ENTER}},
+          [](const Parts& on, int) { on.cursor.Cursor_Pen_Set(!on.cursor.Is_Pen_Down()); },
+          {.is_checked = [](const Parts& of) { return of.cursor.Is_Pen_Down(); }}),
+    Entry(Command::Cursor_Pick, "cursor_pick", Menu::Image, "Pick the &TAG at the cursor", {{'a'}},
+          [](const Parts& on, int) { on.cursor.Cursor_Pick(); }),
+    Entry(Command::Zoom_In, "zoom_in", Menu::Image, "Zoom &in", {{'*'}},
+          [](const Parts& on, int) { on.view.Zoom_Step(1); }, {.is_group_begin = true}),
+    Entry(Command::Zoom_Out, "zoom_out", Menu::Image, "Zoom &out", {{'/'}},
+          [](const Parts& on, int) { on.view.Zoom_Step(-1); }),
+    Entry(Command::Level_Up, "level_up", Menu::Image, "&Darker (level up)", {{')'}},
+          [](const Parts& on, int) { on.view.Level_Step(1); }, {.is_group_begin = true}),
+    Entry(Command::Level_Down, "level_down", Menu::Image, "&Brighter (level down)", {{'('}},
+          [](const Parts& on, int) { on.view.Level_Step(-1); }),
+    Entry(Command::Window_Wider, "window_wider", Menu::Image, "&Less contrast (wider window)", {{'}'}},
+          [](const Parts& on, int) { on.view.Window_Width_Step(1); }),
+    Entry(Command::Window_Narrower, "window_narrower", Menu::Image, "&More contrast (narrower window)", {{'{'}},
+          [](const Parts& on, int) { on.view.Window_Width_Step(-1); }),
+    Entry(Command::Window_Choose, "window_choose", Menu::Image, "", {},
+          [](const Parts& on, int number) { on.view.Window_Choose(number); },
+          {.entries = [](const Parts& of) { return of.view.Window_Entries(); }, .is_group_begin = true}),
+    Entry(Command::Propagate_Next, "propagate_next", Menu::Propagate, "To the &next frame",
+          {{'u'}, {KEY_ENTER, Frames_Panel}}, [](const Parts& on, int) { on.propagation.Propagate_Step(1); }),
+    Entry(Command::Propagate_Previous, "propagate_previous", Menu::Propagate, "To the &previous frame",
+          {{'d'}, {KEY_BACKSPACE, Frames_Panel}}, [](const Parts& on, int) { on.propagation.Propagate_Step(-1); }),
+    Entry(Command::Propagate_Repeat, "propagate_repeat", Menu::Propagate, "&Repeat upwards...", {{Control('R')}},
+          [](const Parts& on, int) { on.propagation.Propagate_Repeat(1); }),
+    Entry(Command::Propagate_Repeat_Back, "propagate_repeat_back", Menu::Propagate, "Repeat &downwards...", {},
+          [](const Parts& on, int) { on.propagation.Propagate_Repeat(-1); }),
+    Entry(
+        Command::Function_Copy, "function_copy", Menu::Propagate, "Function: &copy", {{'c'}},
+        [](const Parts& on, int) { on.propagation.Propagation_Kind_Set(Propagation_Kind::COPY); },
+        {.is_checked = [](const Parts& of) { return of.propagation.Propagation_Kind_Now() == Propagation_Kind::COPY; },
+         .is_group_begin = true}),
+    Entry(Command::Function_Grow, "function_grow", Menu::Propagate, "Function: &grow", {{'w'}},
+          [](const Parts& on, int) { on.propagation.Propagation_Kind_Set(Propagation_Kind::GROW); },
+          {.is_checked =
+               [](const Parts& of) { return of.propagation.Propagation_Kind_Now() == Propagation_Kind::GROW; }}),
+    Entry(Command::Histogram_All, "histogram_all", Menu::Analyze, "Histogram of &all frames", {},
+          [](const Parts& on, int) { on.histogram.Histogram_Of_All(); },
+          {.is_checked = [](const Parts& of) { return of.histogram.Histogram_Frames_Now() == Histogram_Frames::All; }}),
+    Entry(
+        Command::Histogram_Shown, "histogram_shown", Menu::Analyze, "Histogram of the &shown frame", {{'h'}},
+        [](const Parts& on, int) { on.histogram.Histogram_Of_Shown(); },
+        {.is_checked = [](const Parts& of) { return of.histogram.Histogram_Frames_Now() == Histogram_Frames::Shown; }}),
+    Entry(
+        Command::Histogram_Range, "histogram_range", Menu::Analyze, "Histogram of a &range of frames...", {},
+        [](const Parts& on, int) { on.histogram.Histogram_Range_Ask(); },
+        {.is_checked = [](const Parts& of) { return of.histogram.Histogram_Frames_Now() == Histogram_Frames::Range; }}),
+    Entry(Command::Histogram_Of_Tag, "histogram_of_tag", Menu::Analyze, "Only pixels of the current &TAG", {{'b'}},
+          [](const Parts& on, int) { on.histogram.Histogram_Of_Tag_Set(!on.histogram.Is_Histogram_Of_Tag()); },
+          {.is_checked = [](const Parts& of) { return of.histogram.Is_Histogram_Of_Tag(); }}),
+    Entry(Command::Histogram_Smoothed, "histogram_smoothed", Menu::Analyze, "S&moothed pixels (3 \xC3\x97 3)", {},
+          [](const Parts& on, int) { on.histogram.Histogram_Smoothed_Set(!on.histogram.Is_Histogram_Smoothed()); },
+          {.is_checked = [](const Parts& of) { return of.histogram.Is_Histogram_Smoothed(); }}),
+    Entry(Command::Background_Leave_Out, "background_leave_out", Menu::Analyze, "&Leave out the background", {},
+          [](const Parts& on, int) { on.histogram.Background_Leave_Out(!on.histogram.Is_Background_Left_Out()); },
+          {.is_checked = [](const Parts& of) { return of.histogram.Is_Background_Left_Out(); }}),
+    Entry(Command::Background_Threshold, "background_threshold", Menu::Analyze, "Background t&hreshold...", {},
+          [](const Parts& on, int) { on.histogram.Background_Ask(); }),
+    Entry(Command::Histogram_Bins, "histogram_bins", Menu::Analyze, "Most &bins...", {},
+          [](const Parts& on, int) { on.histogram.Histogram_Bins_Ask(); }),
+    Entry(Command::Histogram_Component, "histogram_component", Menu::Analyze, "Next colour &component", {{'k'}},
+          [](const Parts& on, int) { on.histogram.Histogram_Component_Next(); }),
+    Entry(Command::Histogram_Higher, "histogram_higher", Menu::Analyze, "Magnif&y the counts",
+          {{'>'}, {KEY_UP, Histogram_Panel}}, [](const Parts& on, int) { on.histogram.Histogram_Scale_Step(1); }),
+    Entry(Command::Histogram_Lower, "histogram_lower", Menu::Analyze, "Red&uce the counts",
+          {{'<'}, {KEY_DOWN, Histogram_Panel}}, [](const Parts& on, int) { on.histogram.Histogram_Scale_Step(-1); }),
+    Entry(Command::Histogram_Enlarge, "histogram_enlarge", Menu::Analyze, "&Enlarged histogram",
+          {{'z'}, {KEY_ENTER, Histogram_Panel}}, [](const Parts& on, int) { on.histogram.Histogram_Enlarge(); }),
+    Entry(Command::Wheel_Turned, "wheel_turned", Menu::Analyze, "Enlarged histogram: &wheel forward zooms in", {},
+          [](const Parts& on, int) { on.histogram.Wheel_Turned_Set(!on.histogram.Is_Wheel_Turned()); },
+          {.is_checked = [](const Parts& of) { return of.histogram.Is_Wheel_Turned(); }}),
+    Entry(Command::Peak_Analysis, "peak_analysis", Menu::Analyze, "&Peak analysis...", {{Function_Key(4)}},
+          [](const Parts& on, int) { on.histogram.Peaks_Show(); }, {.is_group_begin = true}),
+    Entry(Command::Fit_Gaussian, "fit_gaussian", Menu::Analyze, "Fit &Gaussians", {},
+          [](const Parts& on, int) { on.histogram.Peaks_Fit_Gaussian(); }),
+    Entry(Command::Fit_Derivative, "fit_derivative", Menu::Analyze, "&Derivative method...", {},
+          [](const Parts& on, int) { on.histogram.Peaks_Fit_Derivative_Ask(); }),
+    Entry(Command::Peaks_To_Bands, "peaks_to_bands", Menu::Analyze, "Peaks to TAG ba&nds", {},
+          [](const Parts& on, int) { on.histogram.Peaks_To_Bands(); }),
+    Entry(Command::Database, "database", Menu::Database, "&Show the database", {{Function_Key(3)}},
+          [](const Parts& on, int) { on.database.Database_Show(!on.database.Is_Database()); },
+          {.is_checked = [](const Parts& of) { return of.database.Is_Database(); }}),
+    Entry(Command::Database_Find, "database_find", Menu::Database, "&Find...", {{Control('F')}},
+          [](const Parts& on, int) { on.database.Database_Find(); }),
+    Entry(Command::Database_Files, "database_files", Menu::Database, "F&iles", {},
+          [](const Parts& on, int) { on.database.Database_View_Set(0); }, {.is_group_begin = true}),
+    Entry(Command::Database_2D, "database_2d", Menu::Database, "&2D classes", {},
+          [](const Parts& on, int) { on.database.Database_View_Set(1); }),
+    Entry(Command::Database_3D, "database_3d", Menu::Database, "&3D classes", {},
+          [](const Parts& on, int) { on.database.Database_View_Set(2); }),
+    Entry(Command::Database_1D, "database_1d", Menu::Database, "&1D classes", {},
+          [](const Parts& on, int) { on.database.Database_View_Set(3); }),
+    Entry(Command::Database_Wider, "database_wider", Menu::Database, "&Wider", {},
+          [](const Parts& on, int) { on.database.Database_Width_Step(1); }),
+    Entry(Command::Database_Narrower, "database_narrower", Menu::Database, "&Narrower", {},
+          [](const Parts& on, int) { on.database.Database_Width_Step(-1); }),
+    Entry(Command::Database_Expand, "database_expand", Menu::Database, "E&xpand all", {},
+          [](const Parts& on, int) { on.database.Database_Expand_All(true); }, {.is_group_begin = true}),
+    Entry(Command::Database_Collapse, "database_collapse", Menu::Database, "&Collapse all", {},
+          [](const Parts& on, int) { on.database.Database_Expand_All(false); }),
+    Entry(Command::Database_Edit, "database_edit", Menu::Database, "&Edit the class tree", {{Function_Key(11)}},
+          [](const Parts& on, int) { on.database.Database_Editor_Set(!on.database.Is_Database_Editor()); },
+          {.is_checked = [](const Parts& of) { return of.database.Is_Database_Editor(); }, .is_group_begin = true}),
+    Entry(Command::Class_Undo, "class_undo", Menu::Database, "&Undo in the class trees", {{Control('Z'), Class_Editor}},
+          [](const Parts& on, int) { on.database.Class_Undo_Or_Redo(false); },
+          {.detail = [](const Parts& of) { return of.database.Next_Class_Step(false); }}),
+    Entry(Command::Class_Redo, "class_redo", Menu::Database, "&Redo in the class trees", {{Control('Y'), Class_Editor}},
+          [](const Parts& on, int) { on.database.Class_Undo_Or_Redo(true); },
+          {.detail = [](const Parts& of) { return of.database.Next_Class_Step(true); }}),
+    Entry(Command::Keys_Help, "keys_help", Menu::Help, "&Keys and mouse", {{Function_Key(1)}},
+          [](const Parts& on, int) { on.window.Keys_Show(); }),
+    Entry(Command::About, "about", Menu::Help, "&About", {}, [](const Parts& on, int) { on.window.About_Show(); }),
+    Entry(Command::Tag_By_Number, "tag_by_number", Menu::None, "", {{'0'}},
+          [](const Parts& on, int number) { on.label.Tag_Pick(number); }, {.key_nb = 10}),
+    Entry(Command::Banner_Close, "banner_close", Menu::None, "", {{KEY_ESCAPE}},
+          [](const Parts& on, int) { on.window.Banner_Close(); }),
+    Entry(Command::Report_State, "report_state", Menu::None, "", {{Function_Key(12)}},
+          [](const Parts& on, int) { on.window.Report_State(); }),
+};
+
+/** In the order of Command, and each with somebody who carries it out. */
+constexpr bool Is_Complete() {
+    if (std::size(RECORDS) != COMMAND_NB) {
+        return false;
+    }
+    for (std::size_t at = 0; at < std::size(RECORDS); ++at) {
+        if (static_cast<std::size_t>(RECORDS[at].command) != at || RECORDS[at].run == nullptr) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(Is_Complete(), "a command has no record, or the records stand in another order than the commands");
+
+}  // namespace
+
+std::span<const Command_Record> Command_Records() {
+    return RECORDS;
+}
+
+}  // namespace workbench
