@@ -98,6 +98,15 @@ TEST_F(Histogram_Magnification, stays_when_the_user_has_set_it_by_key_or_on_the_
     EXPECT_EQ(panel.scale, 0.7F);
 }
 
+TEST_F(Histogram_Magnification, stays_when_the_user_has_set_the_very_one_that_was_proposed) {
+    hosted.Scale_Suggest();
+    const float proposed = panel.scale;
+    hosted.Scale_Set(proposed);
+    Select_Other();
+    EXPECT_FALSE(hosted.Scale_Suggest());
+    EXPECT_EQ(panel.scale, proposed);
+}
+
 TEST_F(Histogram_Magnification, stays_when_there_are_no_counts_and_is_no_choice_of_the_users_after_a_layout) {
     hosted.Scale_Suggest();
     one.Select(false);
