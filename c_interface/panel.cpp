@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/kit_common.h"
 #include "kits/dataset/dataset_host.h"
 
 namespace c_interface {
@@ -68,6 +69,9 @@ Panel::Panel(const kit_panel_settings& wanted, std::unique_ptr<Panel_Work> panel
     Rectangle_Check(wanted.x, wanted.y, wanted.width, wanted.height);
     Require(wanted.font_height >= 0 && wanted.font_height <= 1000, KIT_ERROR_ARGUMENT,
             "font_height is not from 0 to 1000");
+    if (hwnd == nullptr) {
+        hwnd = static_cast<HWND>(wanted.window);  // messages name it
+    }
     if (wanted.own_window == 0) {
         window = static_cast<HWND>(wanted.window);
         Window_Axis_Set(window, Axis_Of(wanted));

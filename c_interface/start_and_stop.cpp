@@ -8,6 +8,7 @@
 #include "c_interface/image_objects.h"
 #include "c_interface/panel.h"
 #include "c_interface/session.h"
+#include "host/kit_common.h"
 #include "kits/common/contract.h"
 #include "kits/common/messages.h"
 #include "panels/version_export.h"
@@ -176,6 +177,7 @@ kit_status kit_stop(void) {
         Message_Receiver_Remove(On_Message, nullptr);
         Request_Listener_Set({});
         session.Stop();
+        hwnd = nullptr;
         Variables_End();
         World_End();
     });
@@ -231,7 +233,9 @@ kit_status kit_contract_check(uint32_t* count) {
             Contract_Check_Variables();
             if (session.depth == 1) {
                 Contract_Check_Iterators();
-                Contract_Check_Drawing();
+                if (hwnd != nullptr) {  // the first panel names it; before, nothing can have been drawn
+                    Contract_Check_Drawing();
+                }
             }
         }
         *count = static_cast<uint32_t>(session.mistakes.size());

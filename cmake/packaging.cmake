@@ -6,11 +6,12 @@ if(NOT WIN32)
 endif()
 include(CMakePackageConfigHelpers)
 
-set(kit_modules Kit_Common Kit_Widgets Kit_Dataset Kit_Graph Kit_Panels kit_panels_c)
+set(kit_modules Kit_Common Kit_Widgets Kit_Dataset Kit_Graph Kit_Panels)
 set(kit_package_folder lib/cmake/Kit_Panels)
 install(TARGETS ${kit_modules} host_contract windows_headers EXPORT Kit_Panels_Targets
     RUNTIME DESTINATION bin COMPONENT runtime
     ARCHIVE DESTINATION lib COMPONENT development)
+install(TARGETS kit_panels_c RUNTIME DESTINATION bin COMPONENT runtime ARCHIVE DESTINATION lib COMPONENT development)
 install(EXPORT Kit_Panels_Targets NAMESPACE Kit_Panels:: DESTINATION ${kit_package_folder} COMPONENT development)
 
 # Every header that a host may include, with all that these include, in the folders that the sources have.
@@ -55,7 +56,7 @@ foreach(header IN LISTS kit_public_headers)
 endforeach()
 
 # The C interface: its header stands alone, and its import library is there in Microsoft's format too.
-install(FILES "${PROJECT_SOURCE_DIR}/c_interface/kit_panels.h" DESTINATION include/kit_panels/c COMPONENT development)
+install(FILES "${PROJECT_SOURCE_DIR}/c_interface/kit_panels.h" "${PROJECT_SOURCE_DIR}/c_interface/abi.txt" DESTINATION include/kit_panels/c COMPONENT development)
 install(FILES "${PROJECT_SOURCE_DIR}/c_interface/kit_panels_c.def" DESTINATION lib COMPONENT development)
 if(KIT_MICROSOFT_LIBRARY)
     install(FILES "${KIT_MICROSOFT_LIBRARY}" DESTINATION lib COMPONENT development)

@@ -1,6 +1,7 @@
 #include "workbench/application.h"
 
 #include <algorithm>
+#include <exception>
 
 #include "kits/common/contract.h"
 #include "kits/common/messages.h"
@@ -117,7 +118,7 @@ bool Application::Start(int show) {
         Warn("The report file " + options.report + " cannot be written.");
     }
     if (report.Is_Open()) {
-        report_questions.Begin(options.report + ".ask", [this] { Report_State(false); });
+        report_questions.Begin(options.report + ".ask", [this] { Report_State(); });
     }
     Settings_Apply();
     Accessible_Names();
@@ -178,7 +179,12 @@ int Application::Run() {
         const auto take = [this](int key) {
             const auto call = Command_Of_Key(key, Key_Context::Window, ::GetKeyState(VK_SHIFT) < 0);
             if (call) {
-                Execute(*call);
+                try {
+                    Execute(*call);
+                } catch (const std::exception& failure) {
+                    Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 The action was not finished: %s",
+                              failure.what());
+                }
             }
             return call.has_value();
         };

@@ -50,7 +50,7 @@
 
 namespace workbench {
 
-class State_Members;
+class Json_Text;
 
 /** Lives from start to end of the program; there is one. */
 class Application : public Image_User,
@@ -206,7 +206,7 @@ class Application : public Image_User,
     void Keys_Show() override;
     void About_Show() override;
     void Banner_Close() override;
-    void Report_State() override { Report_State(true); }
+    void Report_State() override;
 
   private:
     // application.cpp
@@ -226,14 +226,12 @@ class Application : public Image_User,
     void Look_Changed();
 
     // application_report.cpp
-    /** @param with_lines also as lines of their own */
-    void Report_State(bool with_lines);
-    void Report_Places(State_Members& out) const;
-    void Report_View(State_Members& out) const;
-    void Report_Tags(State_Members& out) const;
-    void Report_Volume(State_Members& out) const;
-    void Report_Database(State_Members& out);
-    void Report_Histogram(State_Members& out);
+    void Report_Places(Json_Text& out) const;
+    void Report_View(Json_Text& out) const;
+    void Report_Tags(Json_Text& out) const;
+    void Report_Volume(Json_Text& out) const;
+    void Report_Database(Json_Text& out);
+    void Report_Histogram(Json_Text& out);
 
     // application_keyboard.cpp
     /** Marks what the keyboard acts on; -1: nothing in particular. */

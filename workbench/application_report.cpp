@@ -4,7 +4,6 @@
 #include <numeric>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "kits/common/contract.h"
 #include "workbench/application.h"
@@ -22,64 +21,33 @@ constexpr int number_digits = 4;
 
 }  // namespace
 
-/** Members of one object, and the same as lines "NAME VALUE". */
-class State_Members {
-  public:
-    void Number(const std::string& name, long long value) {
-        json.Number(name, value);
-        lines.push_back(name + " " + std::to_string(value));
-    }
-    void Text(const std::string& name, const std::string& value) {
-        json.Text(name, value);
-        lines.push_back(name + " " + value);
-    }
-    void Place(const char* name, HWND window) {
-        Place_Write(json, name, window);
-        RECT place = {};
-        ::GetWindowRect(window, &place);
-        lines.push_back("place " + std::string(name) + " " + std::to_string(place.left) + " " +
-                        std::to_string(place.top) + " " + std::to_string(place.right - place.left) + " " +
-                        std::to_string(place.bottom - place.top) +
-                        (::IsWindowVisible(window) != 0 ? " shown" : " hidden"));
-    }
-
-    Json_Text json;
-    std::vector<std::string> lines;
-};
-
-void Application::Report_Places(State_Members& out) const {
-    out.json.Object_Begin("places");
-    out.Place("window", window.Handle());
-    out.Place("image", image.Handle());
-    out.Place("tag", tag_host->Handle());
-    out.Place("brush", brush_host->Handle());
-    out.Place("frames", propagate_host->Handle());
-    out.Place("marker", marker_host->Handle());
-    out.Place("histogram", histogram_host->Handle());
-    out.Place("banner", banner.Handle());
-    out.Place("trace", trace.Handle());
-    out.Place("database", database.Handle());
-    out.Place("database_panel", database.Panel_Window());
-    out.json.Object_End();
+void Application::Report_Places(Json_Text& out) const {
+    out.Object_Begin("places");
+    Place_Write(out, "window", window.Handle());
+    Place_Write(out, "image", image.Handle());
+    Place_Write(out, "tag", tag_host->Handle());
+    Place_Write(out, "brush", brush_host->Handle());
+    Place_Write(out, "frames", propagate_host->Handle());
+    Place_Write(out, "marker", marker_host->Handle());
+    Place_Write(out, "histogram", histogram_host->Handle());
+    Place_Write(out, "banner", banner.Handle());
+    Place_Write(out, "trace", trace.Handle());
+    Place_Write(out, "database", database.Handle());
+    Place_Write(out, "database_panel", database.Panel_Window());
+    out.Object_End();
 }
 
-void Application::Report_View(State_Members& out) const {
+void Application::Report_View(Json_Text& out) const {
     const View_Layout view = image.Layout();
-    const Panel_Dimensions sizes = variables.Dimensions();
-    out.json.Object_Begin("slice_place");  // in the image's window, real pixels
-    out.json.Real("left", view.To_Screen_X(0));
-    out.json.Real("top", view.To_Screen_Y(0));
-    out.json.Real("scale_x", view.scale_x);
-    out.json.Real("scale_y", view.scale_y);
-    out.json.Number("width", session.Has_Volume() ? session.Image().nx : 0);
-    out.json.Number("height", session.Has_Volume() ? session.Image().ny : 0);
-    out.json.Object_End();
-    out.lines.push_back("slice_place " + std::to_string(view.To_Screen_X(0)) + " " +
-                        std::to_string(view.To_Screen_Y(0)) + " " + std::to_string(view.scale_x) + " " +
-                        std::to_string(view.scale_y));
-    out.Number("slider_left", image.Slider_Box().left);
-    out.Number("row_height", sizes.border + sizes.button);
-    out.Number("space", sizes.space);
+    out.Object_Begin("slice_place");  // in the image's window, real pixels
+    out.Real("left", view.To_Screen_X(0));
+    out.Real("top", view.To_Screen_Y(0));
+    out.Real("scale_x", view.scale_x);
+    out.Real("scale_y", view.scale_y);
+    out.Number("width", session.Has_Volume() ? session.Image().nx : 0);
+    out.Number("height", session.Has_Volume() ? session.Image().ny : 0);
+    out.Object_End();
+    out.Number("space", variables.Dimensions().space);  // between widgets
     out.Number("contract_reports", Contract_Report_Nb());
     out.Number("focus", focus_pane);
     out.Number("cursor_x", image.Is_Cursor() ? image.Cursor_X() : -1);
@@ -96,7 +64,7 @@ void Application::Report_View(State_Members& out) const {
     out.Number("wheel_turned", settings.is_wheel_turned ? 1 : 0);
 }
 
-void Application::Report_Tags(State_Members& out) const {
+void Application::Report_Tags(Json_Text& out) const {
     out.Number("tag_nb", variables.Tag_Nb());
     out.Number("tag_cur", variables.Tag_Cur());
     const auto cur = static_cast<std::size_t>(variables.Tag_Cur());
@@ -114,7 +82,7 @@ void Application::Report_Tags(State_Members& out) const {
     out.Text("marker_label", variables.Marker_Name(variables.Marker_Cur()));
 }
 
-void Application::Report_Volume(State_Members& out) const {
+void Application::Report_Volume(Json_Text& out) const {
     out.Number("volume_nb", volumes.Nb());
     out.Number("volume_cur", volumes.Current());
     out.Text("volume_title", session.Has_Volume() ? volumes.Facts(volumes.Current()).title : "");
@@ -124,40 +92,37 @@ void Application::Report_Volume(State_Members& out) const {
     out.Number("undo_nb", static_cast<long long>(session.Journal().Undo_Nb()));
     out.Number("redo_nb", static_cast<long long>(session.Journal().Redo_Nb()));
     out.Number("unsaved", session.Is_Unsaved() ? 1 : 0);
-    out.json.Object_Begin("markers");
+    out.Object_Begin("markers");
     for (int marker = 0; marker < MARKER_NB; ++marker) {
         const Marker place = session.Markers().Get(marker);
         if (place.is_placed) {
-            out.json.List_Begin(std::to_string(marker));
-            out.json.Number({}, place.x);
-            out.json.Number({}, place.y);
-            out.json.Number({}, place.slice);
-            out.json.List_End();
-            out.lines.push_back("marker " + std::to_string(marker) + " " + std::to_string(place.x) + " " +
-                                std::to_string(place.y) + " " + std::to_string(place.slice));
+            out.List_Begin(std::to_string(marker));
+            out.Number({}, place.x);
+            out.Number({}, place.y);
+            out.Number({}, place.slice);
+            out.List_End();
         }
     }
-    out.json.Object_End();
-    out.json.Object_Begin("counts");
+    out.Object_End();
+    out.Object_Begin("counts");
     const auto counts = session.Labels().Counts();
     for (std::size_t tag = 1; tag < counts.size(); ++tag) {
         if (counts[tag] != 0) {
-            out.json.Number(std::to_string(tag), static_cast<long long>(counts[tag]));
-            out.lines.push_back("count " + std::to_string(tag) + " " + std::to_string(counts[tag]));
+            out.Number(std::to_string(tag), static_cast<long long>(counts[tag]));
         }
     }
-    out.json.Object_End();
+    out.Object_End();
     out.Number("slice_pixels", static_cast<long long>(std::ranges::count_if(
                                    session.Labels().Slice(slice), [](std::uint8_t tag) { return tag != 0; })));
 }
 
-void Application::Report_Database(State_Members& out) {
+void Application::Report_Database(Json_Text& out) {
     const Tool_DB_List& panel = database.Panel();
     const DB_List* const rows = panel.List_Pt();
     int leaves = 0;
     int checked = 0;
     int shown = 0;
-    out.json.List_Begin("db_rows");
+    out.List_Begin("db_rows");
     for (int at = 0; rows != nullptr && at < panel.Nb(); ++at) {
         const bool is_leaf = (rows[at].flag & DB_FLAG_LEAF) != 0;
         leaves += is_leaf ? 1 : 0;
@@ -166,18 +131,15 @@ void Application::Report_Database(State_Members& out) {
         if (at < db_rows_most) {
             const std::string title = rows[at].title != nullptr ? rows[at].title : "";
             const std::string name = rows[at].name != nullptr ? rows[at].name : "";
-            out.json.Object_Begin();
-            out.json.Number("level", rows[at].level);
-            out.json.Number("row", rows[at].row != DB_ROW_NONE ? static_cast<int>(rows[at].row) : -1);
-            out.json.Text("title", title);
-            out.json.Text("name", name);
-            out.json.Object_End();
-            out.lines.push_back("db_row " + std::to_string(at) + " " + std::to_string(rows[at].level) + " " +
-                                std::to_string(rows[at].row) + " " + std::to_string(rows[at].state) + " " + title +
-                                ": " + name);
+            out.Object_Begin();
+            out.Number("level", rows[at].level);
+            out.Number("row", rows[at].row != DB_ROW_NONE ? static_cast<int>(rows[at].row) : -1);
+            out.Text("title", title);
+            out.Text("name", name);
+            out.Object_End();
         }
     }
-    out.json.List_End();
+    out.List_End();
     out.Number("db_nb", panel.Nb());
     out.Number("db_leaves", leaves);
     out.Number("db_checked", checked);
@@ -189,7 +151,7 @@ void Application::Report_Database(State_Members& out) {
     out.Number("class_unsaved", class_history.Is_Unsaved() ? 1 : 0);
 }
 
-void Application::Report_Histogram(State_Members& out) {
+void Application::Report_Histogram(Json_Text& out) {
     const bool has_counts = histogram_panel.data != nullptr && histogram_panel.data->Has_Counts();
     const Histo_Record* const record = has_counts ? histogram_panel.data->record : nullptr;
     out.Number("histogram_exponent", panel_scale.exponent);
@@ -208,46 +170,38 @@ void Application::Report_Histogram(State_Members& out) {
     out.Text("histogram_source", Histogram_Source());
     out.Text("background", background ? Number_Text(*background, number_digits) : "none");
     out.Number("peaks_stale", analysis.Is_Stale() ? 1 : 0);
-    out.json.List_Begin("peaks");
+    out.List_Begin("peaks");
     for (const Peak_Row& peak : analysis.Table().rows) {
-        out.json.Object_Begin();
-        out.json.Text("text", Peak_Row_Text(peak, ' '));
-        out.json.Real("centre", peak.centre);
-        out.json.Real("share", peak.share);
-        out.json.Object_End();
-        out.lines.push_back("peak " + Peak_Row_Text(peak, ' '));
+        out.Object_Begin();
+        out.Text("text", Peak_Row_Text(peak, ' '));
+        out.Real("centre", peak.centre);
+        out.Real("share", peak.share);
+        out.Object_End();
     }
-    out.json.List_End();
+    out.List_End();
 }
 
-void Application::Report_State(bool with_lines) {
-    State_Members out;
-    out.json.Object_Begin();
-    out.json.Number("number", ++report_nb);
+void Application::Report_State() {
+    Json_Text out;
+    out.Object_Begin();
+    out.Number("number", ++report_nb);
     Report_Places(out);
     Report_View(out);
     Report_Tags(out);
     Report_Volume(out);
     Report_Database(out);
     Report_Histogram(out);
-    Windows_Write(out.json);
+    Windows_Write(out);
     HMENU menu = ::GetMenu(window.Handle());
     if (!Is_In_Menu()) {     // an open menu's entries must not change
         Menu_Refresh(menu);  // as when it opens
     }
-    Menus_Write(out.json, menu);
-    out.json.Object_Begin("input");
-    report_questions.Input_Write(out.json);
-    out.json.Object_End();
-    out.json.Object_End();
-    report.Line("state " + out.json.Written());
-    if (with_lines) {
-        report.Line("state_begin " + std::to_string(report_nb));
-        for (const std::string& line : out.lines) {
-            report.Line(line);
-        }
-        report.Line("state_end " + std::to_string(report_nb));
-    }
+    Menus_Write(out, menu);
+    out.Object_Begin("input");
+    report_questions.Input_Write(out);
+    out.Object_End();
+    out.Object_End();
+    report.Line("state " + out.Written());
 }
 
 }  // namespace workbench

@@ -61,7 +61,8 @@ void Smooth_Histogram_Build(Level_Frame& frame, const volumes::Volume& image, co
 /** The frame of a slice, with histogram: the one that was made for it, or a new one. */
 std::unique_ptr<Level_Frame> Frame_Take(Slice_Frames& made, const volumes::Volume& image, int slice) {
     const auto at = static_cast<std::size_t>(slice);
-    if (at < made.size() && made[at] != nullptr && made[at]->levels == image.levels.data() + image.Index(0, 0, slice)) {
+    if (at < made.size() && made[at] != nullptr && made[at]->histogram != nullptr &&
+        made[at]->levels == image.levels.data() + image.Index(0, 0, slice)) {
         return std::move(made[at]);
     }
     std::unique_ptr<Level_Frame> frame = Slice_Frame_Make(image, slice, 1);

@@ -5,9 +5,11 @@
 #include <map>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "base/drawing_dc.h"
 #include "host/kit_dataset.h"
 #include "host/kit_widgets.h"
 #include "kits/common/text_conversion.h"
@@ -87,26 +89,18 @@ const Tga_Picture* Icon_Find(const char* prog_name, const char* file) {
  * there is none. */
 class Icon_DC {
   public:
-    explicit Icon_DC(HWND of_window) : window(of_window) {
+    explicit Icon_DC(HWND window) {
         if (Y_DC != nullptr && (window == nullptr || Y_Window == window)) {
             dc = Y_DC;
         } else {
-            own = dc = Y_setup(window, "Icon_Draw_Image");
+            dc = own.emplace(window, "Icon_Draw_Image").Get();
         }
     }
-    ~Icon_DC() {
-        if (own != nullptr) {
-            Y_release(window, own);
-        }
-    }
-    Icon_DC(const Icon_DC&) = delete;
-    Icon_DC& operator=(const Icon_DC&) = delete;
     HDC Get() const { return dc; }
 
   private:
-    HWND window = nullptr;
+    std::optional<Drawing_DC> own;
     HDC dc = nullptr;
-    HDC own = nullptr;
 };
 
 std::uint32_t Tinted(std::uint32_t pixel, Rgb tint) {

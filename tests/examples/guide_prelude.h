@@ -45,4 +45,4 @@ inline int x = 0;
 inline int y = 0;
 inline unsigned __int64 flags = 0;
 inline Tool_Histo histogram;
-inline std::vector<kit::Hosted_Panel*> all_panels;
+inline std::vector<kit::Panel_Window*> all_panels;

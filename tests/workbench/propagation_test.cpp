@@ -6,6 +6,8 @@
 #include <random>
 #include <vector>
 
+#include "workbench/volumes/volume.h"
+
 using namespace workbench;
 
 namespace {
@@ -142,6 +144,18 @@ TEST(Propagate_Grow, carries_a_thin_tag_where_it_fits) {
     EXPECT_EQ(Propagate_Grow(frames.View(), frames.tags), 30U);
     EXPECT_EQ(frames.At(10, 10), 6);
     EXPECT_EQ(frames.At(30, 10), 0);
+}
+
+TEST(Propagate_Grow, pixels_without_a_level_say_nothing_of_a_tag_and_take_none) {
+    Frames frames = Moving_Block(2);
+    const Frames as_it_was = frames;
+    Frames without = as_it_was;
+    Propagate_Grow(without.View(), without.tags);
+    const std::size_t inside = 15 * Frames::width + 18;
+    frames.from_levels[inside] = volumes::LEVEL_OUTSIDE;
+    frames.to_levels[3 * Frames::width + 3] = volumes::LEVEL_OUTSIDE;
+    Propagate_Grow(frames.View(), frames.tags);
+    EXPECT_EQ(frames.to, without.to) << "one pixel without a level must not widen what fits";
 }
 
 TEST(Propagate_Grow, of_nothing_carries_nothing) {

@@ -53,7 +53,8 @@ class Database_Pane::Relay : public Hosted_Panel {
     int Height() override { return tree.Height(); }
     void Draw() override { tree.Draw(); }
     int Click(int up_down) override {
-        return Run([&] { return tree.Click(up_down); });
+        // A press renames, which leaves an editor's records as they are.
+        return Run([&] { return tree.Click(up_down); }, (up_down & MOUSE_PRESS) == 0);
     }
     int Motion(int up_down) override {
         return Run([&] { return tree.Motion(up_down); });
@@ -75,13 +76,14 @@ class Database_Pane::Relay : public Hosted_Panel {
         Database_Pane& pane;
         const Hosted* before;
     };
+    /** @param builds an editor has its records anew after it */
     template <class Call>
-    int Run(Call call) {
+    int Run(Call call, bool builds = true) {
         int result = 0;
         const After_Event restored(pane);
         pane.host.run([&] {
             result = call();
-            pane.after_event = &hosted;
+            pane.after_event = builds ? &hosted : nullptr;
         });
         return result;
     }

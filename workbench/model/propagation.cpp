@@ -5,6 +5,8 @@
 #include <cmath>
 #include <vector>
 
+#include "workbench/volumes/volume.h"
+
 namespace workbench {
 
 namespace {
@@ -25,6 +27,9 @@ std::array<Tag_Levels, TAG_MAX> Measure(const Propagation_Frames& frames, const 
     std::array<double, TAG_MAX> sum{};
     std::array<double, TAG_MAX> square{};
     for (std::size_t at = 0; at < frames.from_tags.size(); ++at) {
+        if (frames.from_levels[at] == volumes::LEVEL_OUTSIDE) {
+            continue;
+        }
         const std::uint8_t tag = frames.from_tags[at];
         const auto level = static_cast<double>(frames.from_levels[at]);
         count[tag] += 1.0;
@@ -151,7 +156,8 @@ std::size_t Propagate_Grow(const Propagation_Frames& frames, const Propagation_T
     const std::array<Tag_Levels, TAG_MAX> levels = Measure(frames, options);
     const auto& from = frames.from_tags;
     const auto level_fits = [&](std::int32_t level, std::uint8_t tag) {
-        return std::abs(static_cast<double>(level) - levels[tag].mean) <= levels[tag].range;
+        return level != volumes::LEVEL_OUTSIDE &&
+               std::abs(static_cast<double>(level) - levels[tag].mean) <= levels[tag].range;
     };
     const auto fits = [&](std::size_t at, std::uint8_t tag) { return level_fits(frames.to_levels[at], tag); };
     Ring_Walk walk(frames.width, frames.height);

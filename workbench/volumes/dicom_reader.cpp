@@ -214,8 +214,10 @@ void File_Reader::Padding_Read() {
         const bool is_beyond = format.is_signed ? told >= numbers / 2 && told < numbers : told < 0;
         return is_beyond ? told + (format.is_signed ? -numbers : numbers) : std::int64_t{told};
     };
-    const std::int64_t limit = stored(Field_Integer(data_set, DCM_PixelPaddingRangeLimit).value_or(*value));
-    padding = std::minmax({stored(*value), limit});
+    const std::int32_t limit = Field_Integer(data_set, DCM_PixelPaddingRangeLimit).value_or(*value);
+    // A range of which one end only is such a number would take in nearly everything: then it is the value alone.
+    const bool is_range = (stored(*value) == *value) == (stored(limit) == limit);
+    padding = std::minmax({stored(*value), stored(is_range ? limit : *value)});
 }
 
 void File_Reader::Frame_Nb_Read() {

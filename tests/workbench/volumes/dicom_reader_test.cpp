@@ -150,6 +150,13 @@ TEST(Dicom_Reader, takes_padding_as_it_is_stored_whatever_sign_it_is_written_wit
     EXPECT_THAT(Opened(bytes.File()).volume.levels, ElementsAre(LEVEL_OUTSIDE, 5, 6, 2000));
 }
 
+TEST(Dicom_Reader, a_padding_range_of_two_kinds_of_numbers_is_its_value_alone) {
+    Dicom_Bytes bytes;
+    bytes.Pixels_16({0xF830, 5, 6, 0x07D0}, 2, 2).Short(TAG_SIGNED, 0);
+    bytes.Shorts(TAG_PADDING, "SS", {0xF830}).Shorts(TAG_PADDING_LIMIT, "SS", {0});
+    EXPECT_THAT(Opened(bytes.File()).volume.levels, ElementsAre(LEVEL_OUTSIDE, 5, 6, 2000));
+}
+
 TEST(Dicom_Reader, colours_have_no_padding) {
     Dicom_Bytes bytes;
     bytes.Pixels_8({1, 2, 3, 4, 5, 6}, 2, 1).Short(TAG_SAMPLES, 3).Text(TAG_PHOTOMETRIC, "CS", "RGB");
