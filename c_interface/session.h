@@ -177,7 +177,7 @@ Type& Object_Of(kit_handle handle) {
 
 /** The body of every function that gives a handle back. */
 template <class Type>
-kit_status Destroy(const char* function, kit_handle handle) noexcept {
+kit_status Destroy(const char* function, kit_handle handle) {
     return Call(function, handle, [&] {
         Object_Of<Type>(handle);
         Session& session = Session::The();

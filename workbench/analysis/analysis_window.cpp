@@ -31,7 +31,8 @@ constexpr int FIRST_HEIGHT = 560;
 constexpr int MARGIN = 10;
 constexpr int ROW = 24;
 constexpr int BUTTON_HEIGHT = 28;
-constexpr int PEAKS_MAX = 30;  // peaks that can be asked for
+constexpr int ROW_WIDTHS = 500;  // of the buttons of one row, when they stand in two
+constexpr int PEAKS_MAX = 30;    // peaks that can be asked for
 constexpr int PEAKS_FIRST = 8;
 constexpr int TABLE_ROWS_MIN = 6;
 constexpr int QUALITY_DIGITS = 4;
@@ -244,20 +245,33 @@ std::array<Buttons*, 6> Analysis_Window::All_Buttons() {
     return {&gauss_button, &derivative_button, &bands_button, &copy_button, &copy_full_button, &save_full_button};
 }
 
+int Analysis_Window::Button_Rows() const {
+    RECT client = {};
+    ::GetClientRect(window, &client);
+    return client.right - 8 * look.Px(MARGIN) < look.Px(2 * ROW_WIDTHS) ? 2 : 1;
+}
+
+int Analysis_Window::Buttons_Height() const {
+    return Button_Rows() * (look.Px(BUTTON_HEIGHT) + look.Px(MARGIN)) + look.Px(MARGIN);
+}
+
 void Analysis_Window::Lay_Out() {
     RECT client = {};
     ::GetClientRect(window, &client);
     const int margin = look.Px(MARGIN);
     const int height = look.Px(BUTTON_HEIGHT);
+    const bool is_in_two = Button_Rows() == 2;
     int x = margin;
+    int y = margin;
     // All stay in the window when it has no room for them at this scale.
-    constexpr int widths = 120 + 130 + 250 + 150 + 100 + 125 + 125;
-    const int room = std::clamp<int>(static_cast<int>(client.right) - 8 * margin, widths / 2, look.Px(widths));
+    const int widths = is_in_two ? ROW_WIDTHS : 2 * ROW_WIDTHS;
+    const int gaps = is_in_two ? 5 : 8;
+    const int room = std::clamp<int>(static_cast<int>(client.right) - gaps * margin, widths / 2, look.Px(widths));
     const auto place = [&](Tools& widget, int own_width, const char* caption, unsigned int style) {
         const int width = own_width * room / widths;
         widget.style = style;
         widget.x = static_cast<short>(x);
-        widget.y = static_cast<short>(margin);
+        widget.y = static_cast<short>(y);
         widget.width = static_cast<short>(width);
         widget.height = static_cast<short>(height);
         widget.Set_Color(static_cast<unsigned char>(look.panel[0]), static_cast<unsigned char>(look.panel[1]),
@@ -273,6 +287,10 @@ void Analysis_Window::Lay_Out() {
     place(peaks_list, 250, " Peaks wanted: ", STYLE_FLAT);
     peaks_list.arrow = static_cast<short>(look.Px(18));
     peaks_list.Init(window);
+    if (is_in_two) {
+        x = margin;
+        y += height + margin;
+    }
     place(bands_button, 150, "Peaks to TAG bands", STYLE_BUTTON);
     bands_button.Init(window);
     place(copy_button, 100, "Copy table", STYLE_BUTTON);
@@ -321,7 +339,7 @@ RECT Analysis_Window::Table_Area() const {
     const int margin = look.Px(MARGIN);
     const int row_height = look.Px(ROW);
     const int rows = std::max<int>(static_cast<int>(table.rows.size()), TABLE_ROWS_MIN) + 1;
-    RECT area = {margin, 2 * margin + look.Px(BUTTON_HEIGHT), client.right - margin, 0};
+    RECT area = {margin, Buttons_Height(), client.right - margin, 0};
     area.bottom = std::min<LONG>(area.top + rows * row_height,
                                  std::max<LONG>(client.bottom - 6 * row_height, area.top + 2 * row_height));
     return area;

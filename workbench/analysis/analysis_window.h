@@ -74,6 +74,9 @@ class Analysis_Window {
     LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam);
     static void Receive(void* context, HWND of_window, int level, const char* text);
     void Lay_Out();
+    /** 2 where one row would cut the captions. */
+    int Button_Rows() const;
+    int Buttons_Height() const;
     void Paint();
     RECT Table_Area() const;
     int Table_Rows_Shown() const;
