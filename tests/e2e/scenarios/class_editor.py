@@ -66,7 +66,7 @@ def delete(app, name, key):
     return app.answer_key("Class tree", key)
 
 
-@scenario()
+@scenario(is_short=True)
 def classes_are_renamed(run):
     """The right button renames a class; letters outside ASCII arrive whole, Cancel leaves the name."""
     app = open_editor(run, run.image())

@@ -25,7 +25,7 @@ def opened(run, with_head=True):
     return app
 
 
-@scenario()
+@scenario(is_short=True)
 def a_folder_is_stacked_and_shown(run):
     """Its slices are stacked, its file's window is used; what was left out is told with its reason."""
     app = opened(run)

@@ -50,7 +50,7 @@ def small_grey_values_have_digits(run):
                lambda s: 0.0017 < (told(s, r"grey ([^ ]+) ") or 0) < 0.0027)
 
 
-@scenario()
+@scenario(is_short=True)
 def the_text_under_a_mouse_at_rest_is_true(run):
     """Slices, strokes, undo and zoom change it though the mouse does not move."""
     app = run.start(diffusion(run))
@@ -119,7 +119,7 @@ def peaks_stand_at_the_tissues(run):
     app.answer_key("Peaks of another selection", "Escape")
 
 
-@scenario()
+@scenario(is_short=True)
 def bands_are_asked_about(run):
     """Giving up changes nothing, agreeing sets them in one step."""
     app = fitted(run)

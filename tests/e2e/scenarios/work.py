@@ -32,7 +32,7 @@ def digest(path):
     return hashlib.sha256(path.read_bytes()).hexdigest()
 
 
-@scenario()
+@scenario(is_short=True)
 def labels_of_another_order_are_put_right(run):
     """Labels of the image's voxels are taken unasked, also when they are stored the other way round."""
     app = run.start(run.image())
@@ -46,7 +46,7 @@ def labels_of_another_order_are_put_right(run):
     run.same("nothing was asked", app.said("ask labels_place"), [])
 
 
-@scenario()
+@scenario(is_short=True)
 def labels_that_lie_elsewhere_are_asked_about(run):
     """Escape changes nothing; by index every voxel stays where it is in the file, resampled in the patient."""
     app = run.start(run.image())
@@ -73,7 +73,7 @@ def labels_that_lie_elsewhere_are_asked_about(run):
     run.same("after a question", len(app.said("ask labels_place")), 4)
 
 
-@scenario()
+@scenario(is_short=True)
 def labels_are_saved_beside_the_image(run):
     """The image's folder and name are proposed; then the labels' own file is saved unasked."""
     image = run.image()
@@ -115,7 +115,7 @@ def overwrite_from(path, source):
     path.write_bytes(source.read_bytes())
 
 
-@scenario()
+@scenario(is_short=True)
 def a_file_that_another_program_wrote_is_asked_about(run):
     """Escape leaves theirs and the work; Save as asks for a name; theirs can be loaded, or written over."""
     same, flipped = run.box_labels("same"), run.box_labels("flipped")
@@ -176,7 +176,7 @@ def a_protected_file_is_asked_about(run):
     run.check("it stays protected", labels.stat().st_mode & 0o222 == 0 and digest(labels) != before)
 
 
-@scenario()
+@scenario(is_short=True)
 def the_history_goes_back_and_forward_at_once(run):
     """The list of steps leads to the beginning and to the end."""
     app = run.start(run.image())
@@ -237,7 +237,7 @@ def start_asking(run):
     return app
 
 
-@scenario()
+@scenario(is_short=True)
 def work_is_taken_up_after_a_kill(run):
     """The next start offers it and says what it is; it can wait; taken up, all is there, also after another kill."""
     before = worked_and_killed(run)
