@@ -47,6 +47,24 @@ def labels_of_another_order_are_put_right(run):
 
 
 @scenario(is_short=True)
+def the_text_under_a_mouse_at_rest_follows_labels_and_volumes(run):
+    """Loaded labels and another image change it though the mouse does not move."""
+    first, second = run.image(), run.image("other.nii")
+    app = run.start(first, second)
+    load(app, run.box_labels("same"))
+    state = app.expect("labels are loaded", lambda s: s.count(1) == BOX)
+    places = [(x, y) for x in range(20, 80, 10) for y in range(20, 80, 10)]
+    app.move(*app.in_image(*places[0]))
+    while places and "TAG 1 " not in app.state().voxel:
+        app.move(*app.in_image(*places.pop()))
+    run.check("the mouse is on the labels", "TAG 1 " in app.state().voxel)
+    app.key("ctrl+n")
+    app.expect("it follows another volume", lambda s: s.volume_cur != state.volume_cur and "TAG 0 " in s.voxel)
+    load(app, run.box_labels("same"))
+    app.expect("it follows labels that are loaded", lambda s: s.count(1) == BOX and "TAG 1 " in s.voxel)
+
+
+@scenario(is_short=True)
 def labels_that_lie_elsewhere_are_asked_about(run):
     """Escape changes nothing; by index every voxel stays where it is in the file, resampled in the patient."""
     app = run.start(run.image())
