@@ -85,6 +85,12 @@ kit_panels_copy_dlls(c_project)\n")
             message(FATAL_ERROR "${program} said: ${output}")
         endif()
     endforeach()
+    execute_process(COMMAND "${CMAKE_COMMAND}" -G "${GENERATOR}" -S "${work}/c_project" -B "${work}/build/c_wrong"
+        -D "CMAKE_PREFIX_PATH=${work}/installed" RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE errors)
+    string(REGEX REPLACE "[ \n]+" " " errors "${errors}")
+    if(status EQUAL 0 OR NOT errors MATCHES "Kit_Panels does not fit: it is for Windows and this project builds for Linux")
+        message(FATAL_ERROR "a project in C for another system was told: ${errors}")
+    endif()
     # Without a C++ compiler there is the C interface only, and that is said.
     file(READ "${work}/c_project/CMakeLists.txt" text)
     string(REPLACE " COMPONENTS c" "" text "${text}")
