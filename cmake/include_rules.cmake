@@ -6,7 +6,7 @@ set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${kit_rules_file
 
 file(STRINGS "${kit_rules_file}" kit_rule_lines REGEX "^[a-z]")
 foreach(line IN LISTS kit_rule_lines)
-    if(line MATCHES "^([a-z_/]+): *(.*)$" AND NOT CMAKE_MATCH_1 STREQUAL "pure")
+    if(line MATCHES "^([a-z_/]+): *(.*)$" AND NOT CMAKE_MATCH_1 STREQUAL "pure" AND NOT CMAKE_MATCH_1 STREQUAL "apart")
         string(MAKE_C_IDENTIFIER "${CMAKE_MATCH_1}" room)
         string(REPLACE " " ";" entries "${CMAKE_MATCH_2}")
         list(APPEND kit_rules_${room} ${entries})

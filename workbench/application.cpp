@@ -124,7 +124,8 @@ bool Application::Start(int show) {
     Accessible_Names();
     Title_Refresh();
     Notes_Refresh();
-    ::ShowWindow(window.Handle(), settings.window.is_maximized && show == SW_SHOWNORMAL ? SW_SHOWMAXIMIZED : show);
+    ::ShowWindow(window.Handle(),
+                 settings.Now().window.is_maximized && show == SW_SHOWNORMAL ? SW_SHOWMAXIMIZED : show);
     ::UpdateWindow(window.Handle());
     image.Brush_Set(variables.Brush());
     Status(L"F1 shows keys and mouse");
@@ -192,7 +193,7 @@ int Application::Run() {
             Global_Key_Dispatch(message, window.Handle(), take)) {
             continue;
         }
-        if (!Enlarged_Wheel_Dispatch(message, settings.is_wheel_turned)) {
+        if (!Enlarged_Wheel_Dispatch(message, settings.Now().is_wheel_turned)) {
             ::TranslateMessage(&message);
             ::DispatchMessageW(&message);
         }
@@ -343,7 +344,7 @@ void Application::Notes_Refresh() {
     const std::string unit = panel_scale.Text();
     const std::wstring frames = Wide_Of_Utf8(counted + (unit.empty() ? "" : "   levels " + unit));
     tool_area.Note_Set(histogram_host, session.Has_Volume() ? frames : L"");
-    Colors_Refresh();
+    color_advisor.Slice_Look();
 }
 
 void Application::Title_Refresh() {
@@ -354,7 +355,7 @@ void Application::Title_Refresh() {
             Wide_Of_Utf8(volumes.Facts(volumes.Current()).title) + (session.Is_Unsaved() ? L"* - " : L" - ") + title;
     }
     ::SetWindowTextW(window.Handle(), title.c_str());
-    Colors_Refresh();
+    color_advisor.Slice_Look();
 }
 
 void Application::Look_Changed() {

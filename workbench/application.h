@@ -28,7 +28,6 @@
 #include "workbench/list_window.h"
 #include "workbench/main_window.h"
 #include "workbench/menu_bar.h"
-#include "workbench/model/color_sight.h"
 #include "workbench/model/command_line.h"
 #include "workbench/model/display_window.h"
 #include "workbench/model/open_volumes.h"
@@ -37,8 +36,10 @@
 #include "workbench/model/recovery_keeper.h"
 #include "workbench/model/recovery_recorder.h"
 #include "workbench/model/session.h"
-#include "workbench/model/settings.h"
 #include "workbench/model/update_delivery.h"
+#include "workbench/parts/color_advisor.h"
+#include "workbench/parts/focus.h"
+#include "workbench/parts/settings_keeper.h"
 #include "workbench/report.h"
 #include "workbench/report_questions.h"
 #include "workbench/status_line.h"
@@ -121,7 +122,6 @@ class Application : public Image_User,
     void Tag_Pick(int tag) override;
     void Tag_Go_To() override;
     void Tag_Rename_Ask() override;
-    void Colors_Check() override;
     void Tag_Toggle(Tag_Mark mark) override;
     bool Has_Tag_Mark(Tag_Mark mark) const override;
     void Threshold_Mode_Set(bool on) override;
@@ -180,7 +180,7 @@ class Application : public Image_User,
     void Histogram_Scale_Step(int step) override;
     void Histogram_Enlarge() override;
     void Wheel_Turned_Set(bool on) override;
-    bool Is_Wheel_Turned() const override { return settings.is_wheel_turned; }
+    bool Is_Wheel_Turned() const override { return settings.Now().is_wheel_turned; }
     void Peaks_Show() override;
     void Peaks_Fit_Gaussian() override;
     void Peaks_Fit_Derivative_Ask() override;
@@ -197,8 +197,6 @@ class Application : public Image_User,
     void Class_Undo_Or_Redo(bool redo) override;
     std::optional<std::string> Next_Class_Step(bool redo) const override;
 
-    void Focus_Step(int step) override;
-    void Panel_Fold() override;
     void Trace_Show(bool shown) override;
     bool Is_Trace() const override { return trace.Is_Shown(); }
     void Theme_Set(bool is_light) override;
@@ -234,13 +232,13 @@ class Application : public Image_User,
     void Report_Histogram(Json_Text& out);
 
     // application_keyboard.cpp
-    /** Marks what the keyboard acts on; -1: nothing in particular. */
-    void Focus_Set(int pane);
+    Focus_Host Focus_Services();
+    /** Draws the frame of the part that the keyboard acts on, and tells of it. */
+    void Focus_Mark(Pane pane);
     /** @return true when the marked part used the key */
     bool Pane_Key(int key);
-    bool Pane_Command(int key, Key_Context context);
+    bool Pane_Command(int key);
     bool Cursor_Key(int key);
-    void Accessible_Focus();
     /** The keyboard's cursor is there; otherwise the user is told how it begins. */
     bool Has_Cursor();
     void Label_Ask(Text_Table table);
@@ -257,12 +255,7 @@ class Application : public Image_User,
     void Recent_Opened(const std::filesystem::path& path);
 
     // application_colors.cpp
-    std::vector<int> Colored_Tags() const;
-    std::vector<std::uint32_t> Colors_Of(const std::vector<int>& tags) const;
-    /** The mark of the status line, for the TAGs of the shown slice. */
-    void Colors_Refresh();
-    void Colors_Spread(const std::vector<int>& tags);
-    std::wstring Colors_Text(const std::vector<int>& tags, const std::vector<Alike_Pair>& pairs) const;
+    Color_Host Color_Services();
 
     // application_files.cpp
     std::optional<volumes::Load_Result> Load_With_Progress(const std::filesystem::path& path);
@@ -406,7 +399,10 @@ class Application : public Image_User,
     /** Brings the thresholds to the unit of the current volume. */
     void Panel_Scale_Adopt();
 
-    Command_Table commands{{*this, *this, *this, *this, *this, *this, *this, *this, *this}};
+    Settings_Keeper settings;
+    Color_Advisor color_advisor{Color_Services()};
+    Focus focus{Focus_Services()};
+    Command_Table commands{{*this, *this, *this, color_advisor, *this, *this, *this, *this, *this, focus, *this}};
     Command_Line options;
     Look look;
     Report report;
@@ -472,8 +468,6 @@ class Application : public Image_User,
     int dragged_marker = -1;
     Marker marker_before;
     int report_nb = 0;
-    Settings settings;
-    std::filesystem::path settings_file;    // empty: nothing is kept
     std::vector<std::string> opened_paths;  // what is open came from there, UTF-8
     std::optional<Recovery_Claim> recovery_claim;
     std::unique_ptr<Recovery_Keeper> recovery_keeper;
@@ -483,13 +477,9 @@ class Application : public Image_User,
     bool is_recovery_soon = false;         // a look did not suffice
     bool is_recovery_problem_told = false;
     std::uint64_t noted_state = 0;
-    int settings_ignored = 0;                  // lines of the file that were not understood
-    int focus_pane = -1;                       // what the keyboard acts on; -1: nothing in particular
-    int alike_nb = 0;                          // pairs of alike TAG colours in the shown slice
-    std::vector<std::uint32_t> colors_before;  // of all TAGs, when colours were changed
-    int database_width = 0;                    // pixels; 0: not chosen yet
-    int database_events = 0;                   // running events of database panels
-    unsigned __int64 database_flags = 0;       // what they have asked for
+    int database_width = 0;               // pixels; 0: not chosen yet
+    int database_events = 0;              // running events of database panels
+    unsigned __int64 database_flags = 0;  // what they have asked for
     Quorel_2D* database_frame = nullptr;
     bool is_redraw_asked = false;
 };

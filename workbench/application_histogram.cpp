@@ -78,7 +78,7 @@ void Application::Histogram_Scale_Step(int step) {
 }
 
 void Application::Wheel_Turned_Set(bool on) {
-    settings.is_wheel_turned = on;
+    settings.Now().is_wheel_turned = on;
     Status(on ? L"Enlarged histogram: the wheel forward zooms in" : L"Enlarged histogram: the wheel forward zooms out");
 }
 

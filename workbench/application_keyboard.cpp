@@ -12,20 +12,9 @@ namespace workbench {
 
 namespace {
 
-// The parts in the order of the Tab key; the tool area's panels stand in the order in which they were added.
-constexpr int pane_none = -1;
-constexpr int pane_image = 0;
-constexpr int pane_tag = 1;
-constexpr int pane_brush = 2;
-constexpr int pane_frames = 3;
-constexpr int pane_marker = 4;
-constexpr int pane_histogram = 5;
-constexpr int pane_database = 6;
 constexpr int columns = 4;          // of the label panels
 constexpr int large_step = 10;      // pixels, with Shift
 constexpr float drag_step = 0.05F;  // share of the view that one key moves window or level by
-
-constexpr const wchar_t* pane_name[] = {L"Image", L"TAG", L"Brush", L"Frames", L"Markers", L"Histogram", L"Database"};
 
 bool Is_Shift() {
     return ::GetKeyState(VK_SHIFT) < 0;
@@ -33,12 +22,29 @@ bool Is_Shift() {
 
 }  // namespace
 
-void Application::Panel_Fold() {
-    if (focus_pane >= pane_tag && focus_pane <= pane_histogram) {
-        tool_area.Fold_Toggle(focus_pane - pane_tag);
-    } else {
-        Status(L"Tab marks a panel, X folds it");
+Focus_Host Application::Focus_Services() {
+    Focus_Host services;
+    services.is_database = [this] { return database.Is_Shown(); };
+    services.mark = [this](Pane pane) { Focus_Mark(pane); };
+    services.cursor_end = [this] { image.Cursor_Set(false); };
+    services.fold = [this](int tool) { tool_area.Fold_Toggle(tool); };
+    services.tell = [this](const char* text) { Status(Wide_Of_Utf8(text)); };
+    return services;
+}
+
+void Application::Focus_Mark(Pane pane) {
+    image.Focus_Set(pane == Pane::Image);
+    tool_area.Focus_Set(Is_Tool_Pane(pane) ? Tool_Of(pane) : -1);
+    database.Focus_Set(pane == Pane::Database);
+    report.Line("focus " + std::to_string(static_cast<int>(pane)));
+    if (pane == Pane::None) {
+        return;
     }
+    Panel_Host* const hosts[] = {tag_host, brush_host, propagate_host, marker_host, histogram_host};
+    HWND const place = pane == Pane::Image      ? image.Handle()
+                       : pane == Pane::Database ? database.Panel_Window()
+                                                : hosts[Tool_Of(pane)]->Handle();
+    ::NotifyWinEvent(EVENT_OBJECT_FOCUS, place, OBJID_CLIENT, CHILDID_SELF);
 }
 
 void Application::Level_Step(int step) {
@@ -60,7 +66,7 @@ void Application::Marker_Rename_Ask() {
 void Application::Cursor_Set(bool on) {
     image.Cursor_Set(on);
     if (image.Is_Cursor()) {
-        Focus_Set(pane_image);
+        focus.Set(Pane::Image);
         Status(L"Arrows move the cursor, Shift+arrows by ten; Space paints, Backspace erases, Enter holds the pen");
     } else {
         Status(session.Has_Volume() ? L"The keyboard cursor is off" : L"Open an image volume first");
@@ -93,73 +99,46 @@ void Application::Cursor_Pick() {
     }
 }
 
-void Application::Focus_Set(int pane) {
-    focus_pane = pane;
-    image.Focus_Set(pane == pane_image);
-    tool_area.Focus_Set(pane >= pane_tag && pane <= pane_histogram ? pane - pane_tag : -1);
-    database.Focus_Set(pane == pane_database);
-    report.Line("focus " + std::to_string(pane));
-    if (pane != pane_none) {
-        Status(std::wstring(pane_name[pane]) + L" has the keyboard; Tab goes on");
-        Accessible_Focus();
-    }
-}
-
-void Application::Focus_Step(int direction) {
-    const int count = database.Is_Shown() ? pane_database + 1 : pane_database;
-    const int start = focus_pane == pane_none ? (direction > 0 ? -1 : 0) : focus_pane;
-    image.Cursor_Set(false);
-    Focus_Set(((start + direction) % count + count) % count);
-}
-
-void Application::Accessible_Focus() {
-    Panel_Host* const hosts[] = {tag_host, brush_host, propagate_host, marker_host, histogram_host};
-    HWND const place = focus_pane == pane_image      ? image.Handle()
-                       : focus_pane == pane_database ? database.Panel_Window()
-                                                     : hosts[focus_pane - pane_tag]->Handle();
-    ::NotifyWinEvent(EVENT_OBJECT_FOCUS, place, OBJID_CLIENT, CHILDID_SELF);
-}
-
 bool Application::Pane_Key(int key) {
-    if (key == KEY_ESCAPE && (focus_pane != pane_none || image.Is_Cursor())) {
+    if (key == KEY_ESCAPE && (focus.Now() != Pane::None || image.Is_Cursor())) {
         image.Cursor_Set(false);
-        Focus_Set(pane_none);
+        focus.Set(Pane::None);
         return false;  // closes the banner too
     }
-    switch (focus_pane) {
-        case pane_image:
+    switch (focus.Now()) {
+        case Pane::Image:
             return Cursor_Key(key);
-        case pane_tag:
+        case Pane::Tag:
             if (const auto tag = Grid_Step(variables.Tag_Cur(), variables.Tag_Nb(), columns, key)) {
                 Tag_Set(*tag, true);
                 return true;
             }
-            return Pane_Command(key, Key_Context::Tag_Panel);
-        case pane_brush:
+            return Pane_Command(key);
+        case Pane::Brush:
             if (const auto brush = Grid_Step(variables.Brush_Cur(), BRUSH_NB, 1, key)) {
                 Brush_Set(*brush);
                 return true;
             }
             return false;
-        case pane_frames:
-            return Pane_Command(key, Key_Context::Frames_Panel);
-        case pane_marker:
+        case Pane::Frames:
+            return Pane_Command(key);
+        case Pane::Marker:
             if (const auto marker = Grid_Step(variables.Marker_Cur(), MARKER_NB, columns, key)) {
                 Marker_Set(*marker);
                 return true;
             }
-            return Pane_Command(key, Key_Context::Marker_Panel);
-        case pane_histogram:
-            return Pane_Command(key, Key_Context::Histogram_Panel);
-        case pane_database:
+            return Pane_Command(key);
+        case Pane::Histogram:
+            return Pane_Command(key);
+        case Pane::Database:
             return database.Is_Shown() && database.Key(key);
         default:
             return false;
     }
 }
 
-bool Application::Pane_Command(int key, Key_Context context) {
-    const std::optional<Command_Call> call = Command_In_Context(key, context);
+bool Application::Pane_Command(int key) {
+    const std::optional<Command_Call> call = Command_In_Context(key, Context_Of(focus.Now()));
     if (call) {
         Execute(*call);
     }

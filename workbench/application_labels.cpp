@@ -85,7 +85,7 @@ void Application::Labels_Adopt(const Label_Description& description) {
         Warn("Letters that this system's code page lacks became question marks in names: " +
              std::to_string(changed_names) + ".");
     }
-    colors_before.clear();
+    color_advisor.Former_Forget();
     Adopt_Names();
     Tag_Nb_Grow(highest);
     Markers_Enable_Refresh();

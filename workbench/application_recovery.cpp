@@ -32,11 +32,11 @@ std::vector<std::uint8_t> Tags_Of(const Recovery_Volume& volume) {
 }  // namespace
 
 std::filesystem::path Application::Recovery_Folder() const {
-    if (settings_file.empty()) {
+    if (settings.File().empty()) {
         return {};
     }
     std::error_code unknown;
-    std::filesystem::path folder = std::filesystem::absolute(settings_file, unknown);
+    std::filesystem::path folder = std::filesystem::absolute(settings.File(), unknown);
     folder.replace_extension(".recovery");
     return folder;
 }

@@ -49,19 +49,19 @@ void Application::Report_View(Json_Text& out) const {
     out.Object_End();
     out.Number("space", variables.Dimensions().space);  // between widgets
     out.Number("contract_reports", Contract_Report_Nb());
-    out.Number("focus", focus_pane);
+    out.Number("focus", static_cast<int>(focus.Now()));
     out.Number("cursor_x", image.Is_Cursor() ? image.Cursor_X() : -1);
     out.Number("cursor_y", image.Is_Cursor() ? image.Cursor_Y() : -1);
-    out.Number("alike", alike_nb);
+    out.Number("alike", color_advisor.Alike_Nb());
     out.Number("light", look.Theme() == Library_Theme::Light ? 1 : 0);
     out.Number("scale_x100", std::lround(look.Scale() * 100.0F));
     out.Number("folded", tool_area.Folded());
     out.Number("histogram_scale_x1000", std::lround(histogram_panel.scale * 1000.0F));
-    out.Number("recent_nb", static_cast<long long>(settings.recent.size()));
+    out.Number("recent_nb", static_cast<long long>(settings.Now().recent.size()));
     out.Text("voxel", Utf8_Of_Wide(status_line.Voxel()));
     out.Number("window_low_x100", std::lround(grey_window.low * 100.0F));
     out.Number("window_high_x100", std::lround(grey_window.high * 100.0F));
-    out.Number("wheel_turned", settings.is_wheel_turned ? 1 : 0);
+    out.Number("wheel_turned", settings.Now().is_wheel_turned ? 1 : 0);
 }
 
 void Application::Report_Tags(Json_Text& out) const {

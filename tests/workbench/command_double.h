@@ -14,11 +14,13 @@ namespace workbench {
 struct Command_Double : File_Actions,
                         History_Actions,
                         Label_Actions,
+                        Color_Actions,
                         View_Actions,
                         Cursor_Actions,
                         Propagation_Actions,
                         Histogram_Actions,
                         Database_Actions,
+                        Focus_Actions,
                         Window_Actions {
     void Open_Ask() override { Note("Open_Ask"); }
     void Open_Folder_Ask() override { Note("Open_Folder_Ask"); }
@@ -126,7 +128,7 @@ struct Command_Double : File_Actions,
     void Banner_Close() override { Note("Banner_Close"); }
     void Report_State() override { Note("Report_State"); }
 
-    Command_Parts Parts() { return {*this, *this, *this, *this, *this, *this, *this, *this, *this}; }
+    Command_Parts Parts() { return {*this, *this, *this, *this, *this, *this, *this, *this, *this, *this, *this}; }
 
     std::vector<std::string> asked;      // "Slice_Step 1"
     std::map<std::string, bool> is_set;  // answers of the questions, by their names; not there: no

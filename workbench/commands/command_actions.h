@@ -58,7 +58,6 @@ class Label_Actions {
     virtual void Tag_Pick(int tag) = 0;
     virtual void Tag_Go_To() = 0;
     virtual void Tag_Rename_Ask() = 0;
-    virtual void Colors_Check() = 0;
     virtual void Tag_Toggle(Tag_Mark mark) = 0;
     /** Of the current TAG. */
     virtual bool Has_Tag_Mark(Tag_Mark mark) const = 0;
@@ -74,6 +73,13 @@ class Label_Actions {
     virtual void Marker_Step(int step) = 0;
     virtual void Marker_Rename_Ask() = 0;
     virtual void Marker_Remove() = 0;
+};
+
+/** Colours of TAGs that are hard to tell apart. */
+class Color_Actions {
+  public:
+    virtual ~Color_Actions() = default;
+    virtual void Colors_Check() = 0;
 };
 
 /** What of the image is shown, and how. */
@@ -165,12 +171,18 @@ class Database_Actions {
     virtual std::optional<std::string> Next_Class_Step(bool redo) const = 0;
 };
 
+/** What the keys act on. */
+class Focus_Actions {
+  public:
+    virtual ~Focus_Actions() = default;
+    virtual void Focus_Step(int step) = 0;
+    virtual void Panel_Fold() = 0;
+};
+
 /** The window itself: its parts, its looks, its help. */
 class Window_Actions {
   public:
     virtual ~Window_Actions() = default;
-    virtual void Focus_Step(int step) = 0;
-    virtual void Panel_Fold() = 0;
     virtual void Trace_Show(bool shown) = 0;
     virtual bool Is_Trace() const = 0;
     virtual void Theme_Set(bool is_light) = 0;
@@ -186,11 +198,13 @@ struct Command_Parts {
     File_Actions& file;
     History_Actions& history;
     Label_Actions& label;
+    Color_Actions& color;
     View_Actions& view;
     Cursor_Actions& cursor;
     Propagation_Actions& propagation;
     Histogram_Actions& histogram;
     Database_Actions& database;
+    Focus_Actions& focus;
     Window_Actions& window;
 };
 
