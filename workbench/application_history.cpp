@@ -8,8 +8,8 @@
 namespace workbench {
 
 unsigned __int64 Application::Step_Show(const Undo_Step& done, bool redo, int& slice_of_step) {
-    if (const auto* pixels = std::get_if<Slice_Change>(&done.change)) {
-        slice_of_step = pixels->slice;
+    if (const auto* voxels = std::get_if<Voxel_Change>(&done.change)) {
+        slice_of_step = Slice_Nearest(*voxels, slice_of_step);
         return 0;
     }
     if (const auto* text = std::get_if<Text_Change>(&done.change)) {
@@ -56,7 +56,7 @@ std::string Application::Steps_Walk(std::size_t wanted) {
             break;
         }
         last = step->title;
-        is_painted = is_painted || std::holds_alternative<Slice_Change>(step->change);
+        is_painted = is_painted || std::holds_alternative<Voxel_Change>(step->change);
         flags |= Step_Show(*step, redo, slice_of_step);
     }
     if (last.empty()) {

@@ -64,6 +64,20 @@ std::int64_t Now() {
     return Clock::now().time_since_epoch().count();
 }
 
+/** A step over about half of the slices. */
+Voxel_Change Change_Of_Slices(const Session& session, std::mt19937& random) {
+    Voxel_Change change;
+    for (int slice = 0; slice < slices; ++slice) {
+        const std::span<const std::uint8_t> now = session.Labels().Slice(slice);
+        std::vector<std::uint8_t> after(now.begin(), now.end());
+        std::ranges::fill(std::span(after).subspan(random() % after.size()), static_cast<std::uint8_t>(random() % 6));
+        if (auto one = Slice_Difference(slice, now, after); one && random() % 2 == 0) {
+            change.slices.push_back(std::move(*one));
+        }
+    }
+    return change;
+}
+
 /** Edits until it is killed. */
 [[noreturn]] void Edit_For_Ever(const fs::path& folder, int pipe, std::uint32_t seed) {
     std::mt19937 random(seed);
@@ -92,6 +106,8 @@ std::int64_t Now() {
             told.is_saved = 1;
         } else if (kind < 6) {
             session.Undo();
+        } else if (kind < 12) {
+            session.Voxels_Change("Many slices", Change_Of_Slices(session, random));
         } else {
             Paint_Ink ink;
             ink.tag = static_cast<std::uint8_t>(random() % 6);

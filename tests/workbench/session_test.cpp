@@ -70,6 +70,94 @@ class Session_Test : public ::testing::Test {
     std::string kept;
 };
 
+/** Voxels of several slices that get a TAG, none to the same. */
+Voxel_Change Change_Of_Slices(const Session& of, std::span<const int> slices, std::uint32_t seed) {
+    std::mt19937 random(seed);
+    Voxel_Change change;
+    for (const int slice : slices) {
+        const std::span<const std::uint8_t> now = of.Labels().Slice(slice);
+        std::vector<std::uint8_t> after(now.begin(), now.end());
+        for (std::uint8_t& tag : after) {
+            tag = static_cast<std::uint8_t>(tag + random() % 3);
+        }
+        after.front() = static_cast<std::uint8_t>(now.front() + 1);
+        change.slices.push_back(*Slice_Difference(slice, now, after));
+    }
+    return change;
+}
+
+std::vector<std::uint8_t> Tags_Of(const Session& of) {
+    return {of.Labels().All().begin(), of.Labels().All().end()};
+}
+
+TEST_F(Session_Test, voxels_of_many_slices_change_in_one_step_and_come_back_in_one) {
+    Paint(1, 2, 6, 3, 9);
+    const std::vector<std::uint8_t> before = Tags_Of(session);
+    const std::uint64_t known = session.Change_Nb();
+    const int slices[] = {0, 1, 4};
+    session.Voxels_Change("Apply bands", Change_Of_Slices(session, slices, 5));
+    const std::vector<std::uint8_t> after = Tags_Of(session);
+    EXPECT_NE(before, after);
+    EXPECT_EQ(session.Journal().List().back(), "2  Apply bands, slices 1 to 5");
+    for (int slice = 0; slice < nz; ++slice) {
+        EXPECT_EQ(session.Slice_Change_Nb(slice) > known, std::ranges::find(slices, slice) != std::end(slices))
+            << slice;
+    }
+    const std::uint64_t changed = session.Change_Nb();
+    EXPECT_EQ(session.Undo()->title, "Apply bands");
+    EXPECT_EQ(Tags_Of(session), before);
+    EXPECT_GT(session.Slice_Change_Nb(4), changed);
+    EXPECT_EQ(session.Redo()->title, "Apply bands");
+    EXPECT_EQ(Tags_Of(session), after);
+    session.Voxels_Change("Nothing", {});
+    EXPECT_EQ(session.Journal().Undo_Nb(), 2U);
+}
+
+TEST_F(Session_Test, a_stroke_that_is_being_made_ends_before_voxels_change) {
+    session.Stroke_Begin(2, Dot(), 3, 3, Ink(4));
+    const int slices[] = {2};
+    session.Voxels_Change("Fill", Change_Of_Slices(session, slices, 6));
+    EXPECT_FALSE(session.Is_Stroking());
+    EXPECT_EQ(session.Undo()->title, "Fill");
+    EXPECT_EQ(session.Undo()->title, "Stroke");
+    EXPECT_EQ(Tags_Of(session), std::vector<std::uint8_t>(std::size_t{nx} * ny * nz));
+}
+
+TEST_F(Session_Test, a_change_of_many_slices_that_finds_no_memory_changes_none) {
+    const int slices[] = {0, 1, 2, 3, 4};
+    int failures = 0;
+    for (bool is_done = false; !is_done; ++failures) {
+        SetUp();
+        Paint(1, 2, 6, 3, 9);
+        const std::vector<std::uint8_t> before = Tags_Of(session);
+        Voxel_Change change = Change_Of_Slices(session, slices, 7);
+        try {
+            const Failing_Allocation failure(failures);
+            session.Voxels_Change("A title that is too long to need no memory of its own", std::move(change));
+            is_done = !failure.Happened();
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(Tags_Of(session), before) << failures;
+            EXPECT_EQ(session.Journal().Undo_Nb(), 1U) << failures;
+            EXPECT_TRUE(session.Is_Unsaved());
+        }
+    }
+    EXPECT_GT(failures, nz);  // a slice each, and the step
+    const std::vector<std::uint8_t> after = Tags_Of(session);
+    failures = 0;
+    for (bool is_done = false; !is_done; ++failures) {
+        try {
+            const Failing_Allocation failure(failures);
+            session.Undo();
+            is_done = true;
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(Tags_Of(session), after) << failures;
+            EXPECT_EQ(session.Journal().Undo_Nb(), 2U) << failures;
+        }
+    }
+    EXPECT_GE(failures, nz);
+    EXPECT_EQ(session.Journal().Undo_Nb(), 1U);
+}
+
 TEST_F(Session_Test, shows_the_image_turned_and_names_voxels_of_the_file) {
     EXPECT_EQ(session.Levels(0)[0], (ny - 1) * nx + nx - 1);  // upper left: last column and row of the file
     const File_Voxel voxel = session.To_File(0, 0, 3);

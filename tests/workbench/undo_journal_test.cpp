@@ -20,7 +20,7 @@ Undo_Step Heavy_Step(int width, std::mt19937& random) {
         before[at] = static_cast<std::uint8_t>(random());
         after[at] = static_cast<std::uint8_t>(before[at] + 1 + random() % 255);
     }
-    return {"Heavy", *Slice_Difference(0, before, after)};
+    return {"Heavy", Voxel_Change{{*Slice_Difference(0, before, after)}}};
 }
 
 TEST(Slice_Difference, of_equal_slices_is_nothing) {
@@ -151,16 +151,45 @@ TEST(Undo_Journal, forgets_the_oldest_beyond_its_memory_and_says_so) {
     EXPECT_EQ(journal.List(), std::vector<std::string>{"Start (saved)"});
 }
 
+TEST(Undo_Journal, weighs_all_slices_of_a_step) {
+    std::mt19937 random(3);
+    const Undo_Step one = Heavy_Step(512, random);
+    Undo_Step many = one;
+    auto& slices = std::get<Voxel_Change>(many.change).slices;
+    slices.assign(60, slices.front());
+    EXPECT_GE(many.Bytes(), 60 * slices.front().Bytes());
+    Undo_Journal journal;
+    for (int at = 0; at < 20; ++at) {
+        journal.Push(many);
+        EXPECT_LE(journal.Bytes(), JOURNAL_BYTES);
+    }
+    EXPECT_EQ(journal.Undo_Nb(), JOURNAL_BYTES / many.Bytes());
+    EXPECT_EQ(journal.Forgotten_Nb() + journal.Undo_Nb(), 20U);
+}
+
+TEST(Slice_Nearest, is_a_slice_that_changes) {
+    const Voxel_Run run = {0, 1, 0, 1};
+    const std::span<const Voxel_Run> runs(&run, 1);
+    const Voxel_Change change{{Slice_Change(3, runs), Slice_Change(7, runs), Slice_Change(20, runs)}};
+    EXPECT_EQ(Slice_Nearest(change, 0), 3);
+    EXPECT_EQ(Slice_Nearest(change, 7), 7);
+    EXPECT_EQ(Slice_Nearest(change, 12), 7);
+    EXPECT_EQ(Slice_Nearest(change, 90), 20);
+}
+
 TEST(Undo_Journal, lists_its_steps_by_name_with_what_is_saved_and_undone) {
     Undo_Journal journal;
     journal.Push(Step("a"));
     journal.Mark_Saved();
     const Voxel_Run run = {0, 1, 0, 1};
-    journal.Push({"Stroke", Slice_Change(90, std::span(&run, 1))});
+    const std::span<const Voxel_Run> runs(&run, 1);
+    journal.Push({"Stroke", Voxel_Change{{Slice_Change(90, runs)}}});
     journal.Push(Step("c"));
     journal.Undo();
     EXPECT_EQ(journal.List(),
               (std::vector<std::string>{"Start", "1  a (saved)", "2  Stroke, slice 91", "3  c (undone)"}));
+    journal.Push({"Bands", Voxel_Change{{Slice_Change(2, runs), Slice_Change(40, runs)}}});
+    EXPECT_EQ(journal.List()[3], "3  Bands, slices 3 to 41");
     journal.Mark_Unsaved();
     EXPECT_TRUE(journal.Is_Unsaved());
     EXPECT_EQ(journal.List()[1], "1  a");

@@ -265,7 +265,9 @@ bool Session::Push_Slice(const char* title, int slice, std::span<const std::uint
         if (!change) {
             return false;
         }
-        Push({title, std::move(*change)});
+        Voxel_Change voxels;
+        voxels.slices.push_back(std::move(*change));
+        Push({title, std::move(voxels)});
         return true;
     } catch (const std::bad_alloc&) {
         journal.Mark_Unsaved();  // it cannot be taken back, but it is work
@@ -287,6 +289,38 @@ std::size_t Session::Propagate(Propagation_Kind kind, int from, int to, const Pr
         kind == Propagation_Kind::COPY ? Propagate_Copy(frames, tags) : Propagate_Grow(frames, tags);
     Push_Slice(kind == Propagation_Kind::COPY ? "Propagate by copy" : "Propagate by grow", to, before);
     return carried;
+}
+
+void Session::Voxels_Change(const std::string& title, Voxel_Change&& change) {
+    Stroke_End();
+    if (change.slices.empty()) {
+        return;
+    }
+    Push({title, std::move(change)});
+    try {
+        Apply(*journal.Next_Undo(), true);
+    } catch (const std::bad_alloc&) {
+        journal.Undo();
+        throw;
+    }
+}
+
+void Session::Apply_Voxels(const Voxel_Change& change, bool redo) {
+    std::size_t done = 0;
+    try {
+        for (; done < change.slices.size(); ++done) {
+            const Slice_Change& one = change.slices[done];
+            Slice_Touch(one.slice);
+            Slice_Change_Apply(one, redo, labels.Slice(one.slice));
+        }
+    } catch (const std::bad_alloc&) {
+        journal.Mark_Unsaved();  // should not even taking it back find memory
+        while (done > 0) {
+            const Slice_Change& one = change.slices[--done];
+            Slice_Change_Apply(one, !redo, labels.Slice(one.slice));
+        }
+        throw;
+    }
 }
 
 void Session::Marker_Set(int index, const Marker& marker) {
@@ -378,9 +412,8 @@ void Session::Adopt_Colors(std::span<const std::uint32_t> color) {
 
 void Session::Apply(const Undo_Step& step, bool redo) {
     ++change_nb;
-    if (const auto* pixels = std::get_if<Slice_Change>(&step.change)) {
-        Slice_Touch(pixels->slice);
-        Slice_Change_Apply(*pixels, redo, labels.Slice(pixels->slice));
+    if (const auto* voxels = std::get_if<Voxel_Change>(&step.change)) {
+        Apply_Voxels(*voxels, redo);
     } else if (const auto* marker = std::get_if<Marker_Change>(&step.change)) {
         markers.Set(marker->index, redo ? marker->after : marker->before);
     } else if (const auto* text = std::get_if<Text_Change>(&step.change)) {
@@ -398,20 +431,20 @@ void Session::Apply(const Undo_Step& step, bool redo) {
 
 const Undo_Step* Session::Undo() {
     Stroke_End();
-    const Undo_Step* step = journal.Undo();
+    const Undo_Step* step = journal.Next_Undo();
     if (step != nullptr) {
         Apply(*step, false);
     }
-    return step;
+    return journal.Undo();
 }
 
 const Undo_Step* Session::Redo() {
     Stroke_End();
-    const Undo_Step* step = journal.Redo();
+    const Undo_Step* step = journal.Next_Redo();
     if (step != nullptr) {
         Apply(*step, true);
     }
-    return step;
+    return journal.Redo();
 }
 
 }  // namespace workbench

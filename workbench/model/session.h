@@ -129,6 +129,10 @@ class Session {
     /** Carries TAGs from one slice to another; one step. @return pixels carried; 0 also for slices outside */
     std::size_t Propagate(Propagation_Kind kind, int from, int to, const Propagation_Tags& tags);
 
+    /** Changes voxels of any slices; one step. Of the labels as they are now, by Slice_Difference or an operation that
+     *  was given them. @throw std::bad_alloc: no voxel is changed */
+    void Voxels_Change(const std::string& title, Voxel_Change&& change);
+
     const Marker_Table& Markers() const { return markers; }
     /** Places, moves or takes away a marker; one step when anything changed. */
     void Marker_Set(int index, const Marker& marker);
@@ -150,8 +154,9 @@ class Session {
     void Adopt_Thresholds(std::span<const float> low, std::span<const float> high);
     void Adopt_Colors(std::span<const std::uint32_t> color);
 
-    /** Takes the last step back, or does it again. Pixels and markers are changed here; for a name, threshold or
-     *  colour the caller writes the value it finds in the step. @return the step, null when there is none */
+    /** Takes the last step back, or does it again; when memory is short, nothing is changed. Pixels and markers are
+     * changed here; for a name, threshold or colour the caller writes the value it finds in the step. @return the step,
+     * null when there is none */
     const Undo_Step* Undo();
     const Undo_Step* Redo();
     const Undo_Journal& Journal() const { return journal; }
@@ -177,6 +182,8 @@ class Session {
     Label_Extent Extent() const { return {Slice_Nb(), Width(), Height()}; }
     std::vector<std::optional<std::string>>& Names(Text_Table table);
     void Apply(const Undo_Step& step, bool redo);
+    /** All slices, or none when memory is short. */
+    void Apply_Voxels(const Voxel_Change& change, bool redo);
     /** Makes a step of what a slice differs from `before`. @return true when it differs */
     bool Push_Slice(const char* title, int slice, std::span<const std::uint8_t> before);
 

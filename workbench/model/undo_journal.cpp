@@ -1,6 +1,7 @@
 #include "workbench/model/undo_journal.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <new>
 #include <string>
 
@@ -41,6 +42,18 @@ std::vector<std::uint8_t> Compressed(const std::vector<std::uint8_t>& plain) {
         return {};
     }
     return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)};
+}
+
+/** ", slice 5", ", slices 3 to 12"; empty for what lies in no slice. */
+std::string Slices_Text(const Undo_Change& change) {
+    const auto* voxels = std::get_if<Voxel_Change>(&change);
+    if (voxels == nullptr || voxels->slices.empty()) {
+        return {};
+    }
+    const int first = voxels->slices.front().slice;
+    const int last = voxels->slices.back().slice;
+    return first == last ? ", slice " + std::to_string(first + 1)
+                         : ", slices " + std::to_string(first + 1) + " to " + std::to_string(last + 1);
 }
 
 }  // namespace
@@ -96,8 +109,11 @@ std::vector<Voxel_Run> Slice_Change::Runs() const {
 
 std::size_t Undo_Step::Bytes() const {
     std::size_t sum = sizeof *this + title.size();
-    if (const auto* slice = std::get_if<Slice_Change>(&change)) {
-        sum += slice->Bytes();
+    if (const auto* voxels = std::get_if<Voxel_Change>(&change)) {
+        sum += voxels->slices.capacity() * sizeof(Slice_Change);
+        for (const Slice_Change& slice : voxels->slices) {
+            sum += slice.Bytes();
+        }
     } else if (const auto* text = std::get_if<Text_Change>(&change)) {
         sum += text->before.value_or("").size() + text->after.value_or("").size();
     } else if (const auto* thresholds = std::get_if<Threshold_Change>(&change)) {
@@ -137,6 +153,16 @@ void Slice_Change_Apply(const Slice_Change& change, bool redo, std::span<std::ui
             std::ranges::fill(pixels.subspan(run.offset, run.length), redo ? run.after : run.before);
         }
     }
+}
+
+int Slice_Nearest(const Voxel_Change& change, int slice) {
+    int nearest = change.slices.empty() ? slice : change.slices.front().slice;
+    for (const Slice_Change& one : change.slices) {
+        if (std::abs(one.slice - slice) < std::abs(nearest - slice)) {
+            nearest = one.slice;
+        }
+    }
+    return nearest;
 }
 
 void Undo_Journal::Push(Undo_Step step) {
@@ -179,9 +205,7 @@ std::vector<std::string> Undo_Journal::List() const {
         lines.front() += " (saved)";
     }
     for (std::size_t at = 0; at < steps.size(); ++at) {
-        const auto* pixels = std::get_if<Slice_Change>(&steps[at].change);
-        lines.push_back(std::to_string(forgotten + at + 1) + "  " + steps[at].title +
-                        (pixels != nullptr ? ", slice " + std::to_string(pixels->slice + 1) : "") +
+        lines.push_back(std::to_string(forgotten + at + 1) + "  " + steps[at].title + Slices_Text(steps[at].change) +
                         (ids[at] == saved ? " (saved)" : "") + (at >= done ? " (undone)" : ""));
     }
     return lines;

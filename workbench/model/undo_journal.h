@@ -21,7 +21,7 @@ struct Voxel_Run {
     std::uint8_t before = 0;
     std::uint8_t after = 0;
 };
-/** A stroke or a propagation: pixels of one slice. */
+/** Pixels of one slice. */
 class Slice_Change {
   public:
     Slice_Change() = default;
@@ -36,6 +36,10 @@ class Slice_Change {
     std::size_t run_nb = 0;
     std::size_t plain_size = 0;        // bytes before compression; 0: not compressed
     std::vector<std::uint8_t> packed;  // per run: gap to the run before and length in groups of 7 bits, before, after
+};
+/** A stroke, a propagation or an operation on TAGs: voxels of one slice or of many. */
+struct Voxel_Change {
+    std::vector<Slice_Change> slices;  ///< ascending, each slice once; at least one
 };
 enum class Text_Table { TAG_LABELS, MARKER_LABELS };
 /** A renaming. No text: the label is shown by its number. */
@@ -75,7 +79,7 @@ struct Marker_Change {
     Marker before;
     Marker after;
 };
-using Undo_Change = std::variant<Slice_Change, Text_Change, Threshold_Change, Color_Change, Marker_Change>;
+using Undo_Change = std::variant<Voxel_Change, Text_Change, Threshold_Change, Color_Change, Marker_Change>;
 
 struct Undo_Step {
     std::string title;  ///< for the menu, for example "Stroke"
@@ -89,13 +93,14 @@ std::optional<Slice_Change> Slice_Difference(int slice, std::span<const std::uin
                                              std::span<const std::uint8_t> after);
 /** Writes a change into its slice. @param redo true: the state after the change, false: before it */
 void Slice_Change_Apply(const Slice_Change& change, bool redo, std::span<std::uint8_t> pixels);
+/** The slice of a change that lies nearest to one. */
+int Slice_Nearest(const Voxel_Change& change, int slice);
 
 inline constexpr std::size_t JOURNAL_STEPS_MAX = 1000;     ///< more are never kept
 inline constexpr std::size_t JOURNAL_BYTES = 256U << 20U;  ///< of all steps; the last one is kept whatever it weighs
 
-/** Undo and redo. Memory is bounded by JOURNAL_BYTES: the oldest steps are forgotten, and the list says so. A step
- *  touches one slice at most and is packed, so that 200 steps that change every pixel of a slice of 512 x 512 to
- *  anything find room. */
+/** Undo and redo. Memory is bounded by JOURNAL_BYTES: the oldest steps are forgotten, and the list says so. Steps are
+ *  packed, so that 200 that change every pixel of a slice of 512 x 512 to anything find room. */
 class Undo_Journal {
   public:
     /** Adds a step that has been done already; what was undone before is forgotten. */
