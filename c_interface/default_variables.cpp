@@ -123,6 +123,7 @@ void Data_Define() {
     Variable_Define_Scalar("$GLI_COLOR_COMPONENT", VARIABLE_UNSIGNED_8, 0);
     Variable_Define_Scalar("$GLI_HISTO_BINS_MAX", VARIABLE_UNSIGNED_16, bins_most);
     Variable_Define_Scalar("$GLI_HISTO_BINS_NB", VARIABLE_UNSIGNED_16, 0);
+    Variable_Define_Array("$HISTO_WINDOW_PLACE", VARIABLE_SIGNED_32, 4);
     Variable_Define_Scalar("$SELECT_GLI_MIN", VARIABLE_FLOAT, TAG_THRESHOLD_MIN_UNSET);
     Variable_Define_Scalar("$SELECT_GLI_MAX", VARIABLE_FLOAT, TAG_THRESHOLD_MAX_UNSET);
     Variable_Define_Pointer("$DB_1D_ROOT_PT", &World().root_1d);

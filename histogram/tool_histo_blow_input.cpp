@@ -253,7 +253,11 @@ bool Window_Message(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
             return true;
         case WM_SIZE:
             Histo_Blow_Resize(window, GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam));
+            Histo_Window_Place_Keep();
             return true;
+        case WM_MOVE:
+            Histo_Window_Place_Keep();
+            return false;
         case WM_KILLFOCUS:
             return true;
         case WM_PAINT:

@@ -17,7 +17,9 @@ void Histo_Window_Panel_Gone(const Tool_Histo* panel);
 
 /** True while the window exists. */
 bool Histo_Window_Exists();
-/** Shows and raises the window, or creates it for this panel. */
+/** Shows and raises the window, or creates it for this panel: where it stood last, owned by whom the host names. */
 void Histo_Window_Open(Tool_Histo& panel);
+/** The window was moved or sized: tells the host where it stands now, unless it is the smallest or the largest. */
+void Histo_Window_Place_Keep();
 /** Posts HISTO_WINDOW_DATA or HISTO_WINDOW_CURSOR to the window, if it exists. */
 void Histo_Window_Notify(unsigned int message);

@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "workbench/application.h"
+#include "workbench/enlarged_window.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 #include "workbench/window_places.h"
@@ -51,6 +52,7 @@ void Application::Settings_Apply() {
     ::SetWindowPos(window.Handle(), nullptr, place.left, place.top, place.width, place.height,
                    SWP_NOZORDER | (kept.window.width > 0 ? 0U : static_cast<UINT>(SWP_NOMOVE)));
     analysis.Place_Set(kept.peaks_window, look.Px(tool_width));
+    Enlarged_Place_Set(window.Handle(), kept.enlarged_window);
     not_opened_list.Place_Set(kept.list_window, look.Px(tool_width));
     read_list.Place_Set(kept.facts_window, look.Px(tool_width));
     tool_area.Folded_Set(kept.folded);
@@ -65,6 +67,7 @@ void Application::Settings_Keep() {
         kept.window = place;
     }
     kept.peaks_window = analysis.Place_Now();
+    kept.enlarged_window = Enlarged_Place_Now();
     kept.list_window = not_opened_list.Place_Now();
     kept.facts_window = read_list.Place_Now();
     kept.is_light = look.Theme() == Library_Theme::Light;

@@ -130,7 +130,8 @@ void Currents_Check() {
 
 void Name_Check(const Variable& variable) {
     const std::string name = variable.name;
-    for (const char* family : {"$TAG_", "$MARKER_", "$BRUSH_", "$INTERFACE_", "$GLI_", "$DB_", "$REGIONAL_"}) {
+    for (const char* family :
+         {"$TAG_", "$MARKER_", "$BRUSH_", "$INTERFACE_", "$GLI_", "$HISTO_", "$DB_", "$REGIONAL_"}) {
         if (name.starts_with(family) && Variable_Rule_Find(variable.name) == nullptr) {
             Report(CONTRACT_UNKNOWN, name);
         }

@@ -76,6 +76,11 @@ constexpr Variable_Rule RULES[] = {
      "histogram", "nothing"},
     {"$SELECT_GLI_MAX", VARIABLE_FLOAT, Scalar, "", 0, 0, "100000", "GLI; looked up, restricts nothing", "host",
      "histogram", "nothing"},
+    {"$HISTO_WINDOW_OWNER", VARIABLE_POINTER, Object, "", 0, 0, "null",
+     "HWND that owns the enlarged window; may be missing: none", "host", "enlarged histogram", NEXT_OPENING, true},
+    {"$HISTO_WINDOW_PLACE", VARIABLE_SIGNED_32, Array, "4", 0, 0, "0",
+     "left, top, width, height on the screen; no width: not known; may be missing", "host, enlarged histogram",
+     "enlarged histogram", NEXT_OPENING, true},
     {"$REGIONAL_SEPARATOR", VARIABLE_UNSIGNED_8, Scalar, "", 0, 0, "44", "character code; 0: tab", "host",
      "histogram export", NEXT_EXPORT},
     {"$REGIONAL_FILLER", VARIABLE_TEXT, Text, "", 0, 0, "0", "", "host", "histogram export", NEXT_EXPORT},
@@ -149,6 +154,9 @@ bool Array_Define(const Variable_Rule& rule) {
             break;
         case VARIABLE_UNSIGNED_16:
             Fill<std::uint16_t>(first, nb, value);
+            break;
+        case VARIABLE_SIGNED_32:
+            Fill<std::int32_t>(first, nb, value);
             break;
         case VARIABLE_UNSIGNED_32:
             Fill<std::uint32_t>(first, nb, value);

@@ -15,17 +15,18 @@ enum class Variable_Shape : unsigned char {
 
 /** One variable. No text is null; those that do not apply are empty. */
 struct Variable_Rule {
-    const char* name;         ///< with its "$"
-    Variable_Type type;       ///< of the scalar or of an element
-    Variable_Shape shape;     ///< see above
-    const char* length;       ///< of an array: the variable with the least number of elements, or that number
-    int most;                 ///< of a count: largest number that panels show; 0: no limit
-    int multiple;             ///< of a count: it is a multiple of this; 0: any
-    const char* recommended;  ///< first value, of every element: a number at 96 dots per inch, a text, or "null"
-    const char* unit;         ///< "pixels", "GLI" (grey levels) ...
-    const char* writer;       ///< who changes it after the first definition
-    const char* reader;       ///< which panels look at it
-    const char* change;       ///< what the host sends after a change
+    const char* name;          ///< with its "$"
+    Variable_Type type;        ///< of the scalar or of an element
+    Variable_Shape shape;      ///< see above
+    const char* length;        ///< of an array: the variable with the least number of elements, or that number
+    int most;                  ///< of a count: largest number that panels show; 0: no limit
+    int multiple;              ///< of a count: it is a multiple of this; 0: any
+    const char* recommended;   ///< first value, of every element: a number at 96 dots per inch, a text, or "null"
+    const char* unit;          ///< "pixels", "GLI" (grey levels) ...
+    const char* writer;        ///< who changes it after the first definition
+    const char* reader;        ///< which panels look at it
+    const char* change;        ///< what the host sends after a change
+    bool is_optional = false;  ///< panels do without: its absence is no mistake
 };
 
 /** The table. @param nb receives the number of rules; may be null. @return the first one, static */

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "kits/common/contract.h"
+#include "kits/dataset/variable_rules.h"
 #include "kits/dataset/variable_table.h"
 
 namespace {
@@ -192,6 +193,13 @@ void Describe(const Variable* variable, int* nb, unsigned short* type, int (**fc
     }
 }
 
+void Missing_Report(const char* name) {
+    const Variable_Rule* rule = Contract_Checks() ? Variable_Rule_Find(name) : nullptr;
+    if (rule == nullptr || !rule->is_optional) {
+        Contract_Report(CONTRACT_VARIABLE_MISSING, name);
+    }
+}
+
 }  // namespace
 
 Variable* Variable_Find(const char* name) {
@@ -221,7 +229,7 @@ void* Fct_Variable_Value(const char* name, int* nb, unsigned short* type, int (*
     const Variable* variable = Look_Up(name);
     Describe(variable, nb, type, fct);
     if (variable == nullptr) {
-        Contract_Report(CONTRACT_VARIABLE_MISSING, name);
+        Missing_Report(name);
         return nullptr;
     }
     return variable->form == Form::Scalar ? Widened(*variable) : variable->storage.pointer;
@@ -231,7 +239,7 @@ void* Fct_Variable_Get(const char* name, int* nb, unsigned short* type, int (**f
     Variable* variable = Look_Up(name);
     Describe(variable, nb, type, fct);
     if (variable == nullptr) {
-        Contract_Report(CONTRACT_VARIABLE_MISSING, name);
+        Missing_Report(name);
         return nullptr;
     }
     return &variable->storage;

@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "histogram/blow_place.h"
 #include "host/kit_graph.h"
 #include "tests/histogram/blow_stage.h"
 #include "tests/support/import_hook.h"
@@ -102,6 +103,116 @@ TEST_F(Blow_Window, a_press_on_blow_restores_a_minimised_window) {
     Press_Blow(*panel);
     EXPECT_EQ(::IsIconic(Window()), 0);
     EXPECT_NE(::IsWindowVisible(Window()), 0);
+}
+
+namespace {
+
+Blow_Place Stands() {
+    RECT box = {};
+    ::GetWindowRect(histo_blow.window, &box);
+    return {box.left, box.top, box.right - box.left, box.bottom - box.top};
+}
+
+/** A host that names an owner and a place. */
+class Placed_Blow_Window : public Blow_Stage {
+  protected:
+    Placed_Blow_Window() {
+        kept = static_cast<std::int32_t*>(Variable_Define_Array("$HISTO_WINDOW_PLACE", VARIABLE_SIGNED_32, 4));
+        Variable_Define_Pointer("$HISTO_WINDOW_OWNER", stage.Window());
+        RECT work = {};
+        ::SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+        screen = {work.left, work.top, work.right - work.left, work.bottom - work.top};
+    }
+    ~Placed_Blow_Window() override {
+        panel.reset();
+        Variable_Undefine("$HISTO_WINDOW_PLACE");
+        Variable_Undefine("$HISTO_WINDOW_OWNER");
+    }
+    Blow_Place Kept() const { return {kept[0], kept[1], kept[2], kept[3]}; }
+    void Keep(const Blow_Place& place) const {
+        kept[0] = place.left;
+        kept[1] = place.top;
+        kept[2] = place.width;
+        kept[3] = place.height;
+    }
+
+    std::int32_t* kept = nullptr;
+    Blow_Place screen;
+};
+
+}  // namespace
+
+TEST_F(Blow_Window, without_an_owner_and_a_place_it_has_its_first_size_and_belongs_to_nobody) {
+    Press_Blow(*panel);
+    EXPECT_EQ(Stands().width, 800);
+    EXPECT_EQ(Stands().height, 400);
+    EXPECT_EQ(::GetWindow(Window(), GW_OWNER), nullptr);
+}
+
+TEST_F(Placed_Blow_Window, opens_beside_the_owner_that_the_host_names) {
+    RECT box = {};
+    ::GetWindowRect(stage.Window(), &box);
+    Press_Blow(*panel);
+    EXPECT_EQ(::GetWindow(Window(), GW_OWNER), stage.Window());
+    const Blow_Place owner = {box.left, box.top, box.right - box.left, box.bottom - box.top};
+    EXPECT_EQ(Stands(), Blow_Place_Beside(owner, screen));
+    EXPECT_EQ(Kept(), Stands()) << "the host knows at once";
+}
+
+TEST_F(Placed_Blow_Window, comes_back_where_it_stood_last) {
+    Press_Blow(*panel);
+    ::SetWindowPos(Window(), nullptr, 37, 23, 640, 333, SWP_NOZORDER);
+    EXPECT_EQ(Kept(), (Blow_Place{37, 23, 640, 333}));
+    Send(WM_CLOSE);
+    Press_Blow(*panel);
+    EXPECT_EQ(Stands(), (Blow_Place{37, 23, 640, 333}));
+}
+
+TEST_F(Placed_Blow_Window, the_smallest_and_the_largest_window_are_no_place) {
+    Keep({40, 30, 600, 300});
+    Press_Blow(*panel);
+    ::ShowWindow(Window(), SW_MAXIMIZE);
+    EXPECT_EQ(Kept(), (Blow_Place{40, 30, 600, 300}));
+    ::ShowWindow(Window(), SW_MINIMIZE);
+    EXPECT_EQ(Kept(), (Blow_Place{40, 30, 600, 300}));
+}
+
+TEST_F(Placed_Blow_Window, a_place_on_a_screen_that_is_gone_is_moved_onto_one_that_is_there) {
+    Keep({screen.left + screen.width + 5000, -7000, 600, 300});
+    Press_Blow(*panel);
+    EXPECT_EQ(Stands(), (Blow_Place{screen.left + screen.width - 600, screen.top, 600, 300}));
+}
+
+TEST_F(Placed_Blow_Window, opens_without_an_owner_when_that_is_gone) {
+    const HWND gone = ::CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    ::DestroyWindow(gone);
+    Variable_Define_Pointer("$HISTO_WINDOW_OWNER", gone);
+    Press_Blow(*panel);
+    ASSERT_NE(Window(), nullptr);
+    EXPECT_EQ(::GetWindow(Window(), GW_OWNER), nullptr);
+}
+
+TEST_F(Placed_Blow_Window, ends_with_its_owner_and_can_be_opened_again) {
+    const HWND owner = ::CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    Variable_Define_Pointer("$HISTO_WINDOW_OWNER", owner);
+    Open();
+    ::DestroyWindow(owner);
+    EXPECT_EQ(Window(), nullptr);
+    EXPECT_EQ(panel->blow_button.current, 0);
+    Press_Blow(*panel);
+    EXPECT_NE(Window(), nullptr);
+}
+
+TEST_F(Placed_Blow_Window, a_place_of_too_few_numbers_or_another_type_is_not_used) {
+    Variable_Define_Pointer("$HISTO_WINDOW_OWNER", nullptr);
+    const auto* three = static_cast<std::int32_t*>(Variable_Define_Array("$HISTO_WINDOW_PLACE", VARIABLE_SIGNED_32, 3));
+    Press_Blow(*panel);
+    EXPECT_EQ(three[2], 0);
+    Send(WM_CLOSE);
+    const auto* floats = static_cast<float*>(Variable_Define_Array("$HISTO_WINDOW_PLACE", VARIABLE_FLOAT, 4));
+    Press_Blow(*panel);
+    EXPECT_EQ(Stands().width, 800);
+    EXPECT_EQ(floats[2], 0.0F);
 }
 
 namespace {

@@ -525,6 +525,20 @@ BOOL WINAPI ShowWindow(HWND, INT) {
 BOOL WINAPI IsIconic(HWND) {
     return FALSE;
 }
+BOOL WINAPI IsZoomed(HWND) {
+    return FALSE;
+}
+BOOL WINAPI IsWindow(HWND window) {
+    Size size;
+    return Window_Client_Size(window, &size) ? TRUE : FALSE;
+}
+HMONITOR WINAPI MonitorFromRect(const RECT*, DWORD) {
+    return nullptr;
+}
+BOOL WINAPI GetMonitorInfoA(HMONITOR, MONITORINFO* screen) {
+    screen->rcMonitor = screen->rcWork = {0, 0, 1024, 768};
+    return TRUE;
+}
 BOOL WINAPI BringWindowToTop(HWND) {
     return TRUE;
 }

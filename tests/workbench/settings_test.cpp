@@ -19,6 +19,7 @@ Settings Example() {
     Settings settings;
     settings.window = {-7, 20, 1300, 800, true};
     settings.peaks_window = {700, 30, 1100, 560, false};
+    settings.enlarged_window = {60, -5, 820, 410, false};
     settings.list_window = {-900, 40, 500, 300, false};
     settings.facts_window = {11, 12, 13, 14, false};
     settings.is_light = true;
@@ -60,6 +61,7 @@ TEST(Settings, text_and_back_changes_nothing) {
     EXPECT_EQ(back.window.left, -7);
     EXPECT_TRUE(back.window.is_maximized);
     EXPECT_EQ(back.peaks_window.height, 560);
+    EXPECT_EQ(back.enlarged_window.top, -5);
     EXPECT_EQ(back.list_window.left, -900);
     EXPECT_EQ(back.facts_window.top, 12);
     EXPECT_TRUE(back.is_light);

@@ -72,6 +72,9 @@ bool Take_Line(std::string_view name, std::string_view value, Settings& settings
     if (name == "window") {
         return Take_Place(value, settings.window);
     }
+    if (name == "enlarged_window") {
+        return Take_Place(value, settings.enlarged_window);
+    }
     if (name == "peaks_window") {
         return Take_Place(value, settings.peaks_window);
     }
@@ -164,6 +167,7 @@ std::string Settings_Text(const Settings& settings) {
     };
     window("window", settings.window);
     window("peaks_window", settings.peaks_window);
+    window("enlarged_window", settings.enlarged_window);
     window("list_window", settings.list_window);
     window("facts_window", settings.facts_window);
     flag("window_maximized", settings.window.is_maximized);

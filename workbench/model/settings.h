@@ -25,9 +25,10 @@ struct Window_Place {
 struct Settings {
     Window_Place window;
     Window_Place peaks_window;
-    Window_Place list_window;   ///< of the files that were not opened
-    Window_Place facts_window;  ///< of what was read
-    bool is_light = false;      ///< theme
+    Window_Place enlarged_window;  ///< of the histogram
+    Window_Place list_window;      ///< of the files that were not opened
+    Window_Place facts_window;     ///< of what was read
+    bool is_light = false;         ///< theme
     bool is_overlay_shown = true;
     bool is_trace_shown = false;
     bool is_database_shown = false;

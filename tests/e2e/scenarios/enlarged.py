@@ -72,6 +72,26 @@ def the_wheel_zooms_the_enlarged_histogram(run):
 
 
 @scenario()
+def the_enlarged_histogram_comes_back_where_it_stood(run):
+    """Closed and opened again, and in the next session, it stands at its last place."""
+    image = run.image()
+    app = run.start(image)
+    app.click("Histogram", "Blow")
+    app.window(TITLE)
+    app.place(TITLE, 300, 200, 700, 350)
+    place = app.state().window(TITLE)["place"]
+    app.close(TITLE)
+    app.click("Histogram", "Blow")
+    app.window(TITLE)
+    app.expect("it comes back where it stood", lambda s: s.window(TITLE)["place"] == place)
+    app.end()
+    app = run.start(image)
+    app.click("Histogram", "Blow")
+    app.window(TITLE)
+    app.expect("also in the next session", lambda s: s.window(TITLE)["place"] == place)
+
+
+@scenario()
 def a_rectangle_zooms_the_enlarged_histogram(run):
     """A drag zooms to its rectangle, a flat one does not; Reset Zoom brings the full view back."""
     app = run.start(run.image())

@@ -49,6 +49,7 @@ class Sound_Host {
             Variable_Undefine(rules[k].name);
         }
         Variable_Undefine("$TAG_SELECTED");
+        Variable_Undefine("$HISTO_WINDOW_PARENT");
         Request_Listener_Set({});
         hwnd = nullptr;
     }
@@ -132,6 +133,10 @@ const Mistake MISTAKES[] = {
          }
          Variable_Set("$MARKER_NB", 68);
      }},
+    {"a_place_without_a_height", "count cap: $HISTO_WINDOW_PLACE has 3 elements, panels read 4",
+     [](Sound_Host&) { Variable_Define_Array("$HISTO_WINDOW_PLACE", VARIABLE_SIGNED_32, 3); }},
+    {"a_misspelt_name_of_the_enlarged_window", "variable that no panel knows: $HISTO_WINDOW_PARENT",
+     [](Sound_Host&) { Variable_Define_Pointer("$HISTO_WINDOW_PARENT", nullptr); }},
     {"a_row_of_tags_that_is_not_complete", "count not a multiple: $TAG_NB is 6, panels show complete rows of 4",
      [](Sound_Host&) { Variable_Set("$TAG_NB", 6); }},
     {"a_current_tag_that_is_none", "current beyond the count: $TAG_CUR is 8, $TAG_NB is 8",
@@ -221,6 +226,17 @@ std::string Mistake_Name(const testing::TestParamInfo<Mistake>& info) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Host, Planted_Mistake, testing::ValuesIn(MISTAKES), Mistake_Name);
+
+TEST_F(Planted_Mistake, is_not_what_panels_can_do_without) {
+    Sound_Host host;
+    for (const char* name : {"$HISTO_WINDOW_OWNER", "$HISTO_WINDOW_PLACE"}) {
+        Variable_Undefine(name);
+        EXPECT_EQ(Fct_Variable_Value(name, nullptr, nullptr, nullptr), nullptr);
+        EXPECT_EQ(Fct_Variable_Get(name, nullptr, nullptr, nullptr, 0), nullptr);
+    }
+    Look(host);
+    EXPECT_EQ(told, std::vector<std::string>{});
+}
 
 TEST(Variable_Rules, recommended_values_leave_what_the_host_defined) {
     Variable_Define_Scalar("$TAG_NB", VARIABLE_UNSIGNED_16, 12);
