@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <type_traits>
@@ -44,5 +46,6 @@ inline Boxs box;
 inline int x = 0;
 inline int y = 0;
 inline unsigned __int64 flags = 0;
+inline std::int32_t kept_place[4] = {};
 inline Tool_Histo histogram;
 inline std::vector<kit::Panel_Window*> all_panels;
