@@ -9,9 +9,9 @@ namespace c_interface {
 
 namespace {
 
-constexpr wchar_t panel_class[] = L"Kit_Panels_C_Panel";
-constexpr wchar_t settle_class[] = L"Kit_Panels_C_Settle";
-constexpr UINT settle_message = WM_APP + 1;
+constexpr wchar_t PANEL_CLASS[] = L"Kit_Panels_C_Panel";
+constexpr wchar_t SETTLE_CLASS[] = L"Kit_Panels_C_Settle";
+constexpr UINT SETTLE_MESSAGE = WM_APP + 1;
 
 HWND settle_window = nullptr;
 bool is_settle_posted = false;
@@ -40,7 +40,7 @@ LRESULT CALLBACK Panel_Procedure(HWND window, UINT message, WPARAM wparam, LPARA
 }
 
 LRESULT CALLBACK Settle_Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    if (message == settle_message) {
+    if (message == SETTLE_MESSAGE) {
         is_settle_posted = false;
         kit_deliver();
         return 0;
@@ -144,8 +144,8 @@ int Size(Panel& panel, LPARAM size) {
 }  // namespace
 
 HWND Child_Window_Make(HWND parent, int x, int y, int width, int height, kit_handle handle) {
-    Class_Register(panel_class, Panel_Procedure);
-    HWND window = ::CreateWindowExW(0, panel_class, L"", WS_CHILD | WS_CLIPSIBLINGS, x, y, width, height, parent,
+    Class_Register(PANEL_CLASS, Panel_Procedure);
+    HWND window = ::CreateWindowExW(0, PANEL_CLASS, L"", WS_CHILD | WS_CLIPSIBLINGS, x, y, width, height, parent,
                                     nullptr, Own_Module(), nullptr);
     if (window != nullptr) {
         ::SetWindowLongPtrW(window, GWLP_USERDATA, static_cast<LONG_PTR>(handle));
@@ -179,12 +179,12 @@ bool Client_Size(HWND window, int* width, int* height) {
 
 void Settle_Later() {
     if (settle_window == nullptr) {
-        Class_Register(settle_class, Settle_Procedure);
+        Class_Register(SETTLE_CLASS, Settle_Procedure);
         settle_window =
-            ::CreateWindowExW(0, settle_class, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, Own_Module(), nullptr);
+            ::CreateWindowExW(0, SETTLE_CLASS, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, Own_Module(), nullptr);
     }
     if (settle_window != nullptr && !is_settle_posted) {
-        is_settle_posted = ::PostMessageW(settle_window, settle_message, 0, 0) != FALSE;
+        is_settle_posted = ::PostMessageW(settle_window, SETTLE_MESSAGE, 0, 0) != FALSE;
     }
 }
 

@@ -10,7 +10,7 @@ using namespace c_interface;
 
 namespace {
 
-constexpr int dimension_2d = 2;
+constexpr int DIMENSION_2D = 2;
 
 /** A class or volume, whatever its dimension; null where it is not that one. */
 struct Node {
@@ -27,7 +27,7 @@ Node Node_Of(kit_handle handle) {
     Node node;
     if (object->kind == Kind::Volume) {
         node.two = &static_cast<Volume*>(object)->object;
-        node.dimension = dimension_2d;
+        node.dimension = DIMENSION_2D;
     } else {
         const auto& made = Object_Of<Class>(handle);
         node = {nullptr, made.one.get(), made.two.get(), made.three.get(), made.dimension};
@@ -42,8 +42,8 @@ Node Root_Of(int dimension) {
     switch (dimension) {
         case 1:
             return {&images.root_1d, &images.root_1d, nullptr, nullptr, 1};
-        case dimension_2d:
-            return {&images.root_2d, nullptr, &images.root_2d, nullptr, dimension_2d};
+        case DIMENSION_2D:
+            return {&images.root_2d, nullptr, &images.root_2d, nullptr, DIMENSION_2D};
         case 3:
             return {&images.root_3d, nullptr, nullptr, &images.root_3d, 3};
         default:
@@ -111,7 +111,7 @@ kit_handle Handle_Of_Object(const Quorel* object) {
 }
 
 std::uint64_t Level_Of(int dimension) {
-    return dimension == 1 ? UPDATE_LEVEL_1D : (dimension == dimension_2d ? UPDATE_LEVEL_2D : UPDATE_LEVEL_3D);
+    return dimension == 1 ? UPDATE_LEVEL_1D : (dimension == DIMENSION_2D ? UPDATE_LEVEL_2D : UPDATE_LEVEL_3D);
 }
 
 template <class Class_Object>
@@ -139,7 +139,7 @@ kit_status kit_class_create(uint32_t dimension, const char* title, const char* n
         one->dimension = static_cast<int>(dimension);
         if (dimension == 1) {
             one->one = Made<Quorel_1D>(title, name, icon_file);
-        } else if (dimension == dimension_2d) {
+        } else if (dimension == DIMENSION_2D) {
             one->two = Made<Quorel_2D>(title, name, icon_file);
         } else {
             one->three = Made<Quorel_3D>(title, name, icon_file);

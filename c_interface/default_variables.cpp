@@ -11,16 +11,16 @@ namespace c_interface {
 
 namespace {
 
-constexpr int tag_start_nb = 8;
-constexpr int marker_start_nb = 4;
-constexpr int bins_most = 4097;  // a bin for each of 4096 levels needs one more
-constexpr unsigned short brush_start[] = {1, 3, 6, 10, 16};
+constexpr int TAG_START_NB = 8;
+constexpr int MARKER_START_NB = 4;
+constexpr int BINS_MOST = 4097;  // a bin for each of 4096 levels needs one more
+constexpr unsigned short BRUSH_START[] = {1, 3, 6, 10, 16};
 
 struct Dimension {
     const char* name;
     int pixels;  // at 96 dots per inch
 };
-constexpr Dimension dimensions[] = {
+constexpr Dimension DIMENSIONS[] = {
     {"$INTERFACE_SPACE_DIM", 4},         {"$INTERFACE_BORDER_DIM", 2},      {"$INTERFACE_CURSOR_DIM", 14},
     {"$INTERFACE_BUTTON_DIM_SML", 24},   {"$INTERFACE_BUTTON_DIM_BIG", 30}, {"$INTERFACE_LIST_DIM_SML", 26},
     {"$INTERFACE_LIST_DIM_ARROW", 20},   {"$INTERFACE_TITLE_DIM_SML", 22},  {"$INTERFACE_VAL_DIM_SML", 22},
@@ -41,7 +41,7 @@ Type* Array(const char* name, Variable_Type type, int nb) {
 }
 
 void Interface_Define(float scale, const std::string& icons) {
-    for (const Dimension& dimension : dimensions) {
+    for (const Dimension& dimension : DIMENSIONS) {
         Variable_Define_Scalar(dimension.name, VARIABLE_SIGNED_16,
                                std::lround(static_cast<float>(dimension.pixels) * scale));
     }
@@ -86,7 +86,7 @@ void Tags_Define() {
         }
         Variable_Set_Array_Text("$TAG_LABEL", tag, nullptr);
     }
-    Variable_Define_Scalar("$TAG_NB", VARIABLE_UNSIGNED_16, tag_start_nb);
+    Variable_Define_Scalar("$TAG_NB", VARIABLE_UNSIGNED_16, TAG_START_NB);
     Variable_Define_Scalar("$TAG_CUR", VARIABLE_UNSIGNED_16, 0);
 }
 
@@ -101,17 +101,17 @@ void Markers_Define() {
         }
         Variable_Set_Array_Text("$MARKER_LABEL", marker, nullptr);
     }
-    Variable_Define_Scalar("$MARKER_NB", VARIABLE_UNSIGNED_16, marker_start_nb);
+    Variable_Define_Scalar("$MARKER_NB", VARIABLE_UNSIGNED_16, MARKER_START_NB);
     Variable_Define_Scalar("$MARKER_CUR", VARIABLE_UNSIGNED_16, 0);
 }
 
 void Brushes_Define() {
-    Brush_Masks_Make(brush_start[std::size(brush_start) - 1]);
+    Brush_Masks_Make(BRUSH_START[std::size(BRUSH_START) - 1]);
     auto* const sizes = Array<std::uint16_t>("$BRUSH_SIZE", VARIABLE_UNSIGNED_16, BRUSH_ROOM);
     if (sizes != nullptr) {
-        std::ranges::copy(brush_start, sizes);
+        std::ranges::copy(BRUSH_START, sizes);
     }
-    Variable_Define_Scalar("$BRUSH_NB", VARIABLE_UNSIGNED_16, std::size(brush_start));
+    Variable_Define_Scalar("$BRUSH_NB", VARIABLE_UNSIGNED_16, std::size(BRUSH_START));
     Variable_Define_Scalar("$BRUSH_CUR", VARIABLE_UNSIGNED_16, 0);
 }
 
@@ -121,7 +121,7 @@ void Data_Define() {
     Variable_Define_Pointer("$FRAME_OVR", nullptr);
     Variable_Define_Array("$MOUSE_FRM", VARIABLE_FLOAT, 4);
     Variable_Define_Scalar("$GLI_COLOR_COMPONENT", VARIABLE_UNSIGNED_8, 0);
-    Variable_Define_Scalar("$GLI_HISTO_BINS_MAX", VARIABLE_UNSIGNED_16, bins_most);
+    Variable_Define_Scalar("$GLI_HISTO_BINS_MAX", VARIABLE_UNSIGNED_16, BINS_MOST);
     Variable_Define_Scalar("$GLI_HISTO_BINS_NB", VARIABLE_UNSIGNED_16, 0);
     Variable_Define_Array("$HISTO_WINDOW_PLACE", VARIABLE_SIGNED_32, 4);
     Variable_Define_Scalar("$SELECT_GLI_MIN", VARIABLE_FLOAT, TAG_THRESHOLD_MIN_UNSET);

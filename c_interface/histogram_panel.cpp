@@ -16,8 +16,8 @@ static_assert(KIT_PEAK_GAUSSIAN == PEAK_GAUSS && KIT_PEAK_SEGMENT == PEAK_SEGMEN
 
 namespace {
 
-constexpr std::uint32_t segments_most = 255;
-constexpr std::uint32_t tag_most = 65535;
+constexpr std::uint32_t SEGMENTS_MOST = 255;
+constexpr std::uint32_t TAG_MOST = 65535;
 
 Tool_Histo& Histogram_Of_Handle(kit_handle handle) {
     Tool_Histo* const histogram = Panel_Of_Handle(handle).Work().Histogram();
@@ -89,7 +89,7 @@ kit_status kit_histogram_fit(kit_handle panel, uint32_t method, uint32_t most) {
                 result = histogram.Fit_Gaussian();
                 break;
             case KIT_FIT_SEGMENTS:
-                Require(most >= 1 && most <= segments_most, KIT_ERROR_ARGUMENT, "most is not from 1 to 255");
+                Require(most >= 1 && most <= SEGMENTS_MOST, KIT_ERROR_ARGUMENT, "most is not from 1 to 255");
                 result = histogram.Fit_Derivative(static_cast<unsigned char>(most));
                 break;
             default:
@@ -140,7 +140,7 @@ kit_status kit_histogram_ranges(kit_handle panel, const kit_range* ranges, uint3
             for (std::uint32_t index = 0; index < count; ++index, at += step) {
                 const kit_range range = Struct_Of(reinterpret_cast<const kit_range*>(at));
                 Require(range.size == step, KIT_ERROR_SIZE, "the structs have different sizes");
-                Require(range.tag <= tag_most, KIT_ERROR_ARGUMENT, "a tag is beyond 65535");
+                Require(range.tag <= TAG_MOST, KIT_ERROR_ARGUMENT, "a tag is beyond 65535");
                 Require(std::isfinite(range.lowest) && std::isfinite(range.highest), KIT_ERROR_ARGUMENT,
                         "a grey level is no number");
                 checked.push_back(range);

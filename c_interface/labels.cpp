@@ -13,10 +13,10 @@ using namespace c_interface;
 
 namespace {
 
-constexpr std::uint32_t flags_all = KIT_LABEL_ENABLED | KIT_LABEL_SELECTED | KIT_LABEL_LOCKED;
-constexpr std::size_t label_least = offsetof(kit_label, reserved) + 1;
-constexpr int columns = 4;
-constexpr std::uint64_t update_table =
+constexpr std::uint32_t FLAGS_ALL = KIT_LABEL_ENABLED | KIT_LABEL_SELECTED | KIT_LABEL_LOCKED;
+constexpr std::size_t LABEL_LEAST = offsetof(kit_label, reserved) + 1;
+constexpr int COLUMNS = 4;
+constexpr std::uint64_t UPDATE_TABLE =
     UPDATE_TAG_TABLE | UPDATE_TAG_LABEL | UPDATE_TAG_ENABLE | UPDATE_TAG_SELECT | UPDATE_TAG_LOCK | UPDATE_TAG_CUR;
 
 template <class Type>
@@ -41,8 +41,8 @@ struct Checked {
 
 Checked Checked_Label(const kit_label* given) {
     Checked checked;
-    checked.label = Struct_Of(given, label_least);
-    Require((checked.label.flags & ~flags_all) == 0, KIT_ERROR_ARGUMENT, "flags is no sum of KIT_LABEL_ bits");
+    checked.label = Struct_Of(given, LABEL_LEAST);
+    Require((checked.label.flags & ~FLAGS_ALL) == 0, KIT_ERROR_ARGUMENT, "flags is no sum of KIT_LABEL_ bits");
     Require(std::isfinite(checked.label.threshold_min) && std::isfinite(checked.label.threshold_max),
             KIT_ERROR_ARGUMENT, "a threshold is no number");
     if (checked.label.text != nullptr) {
@@ -54,9 +54,9 @@ Checked Checked_Label(const kit_label* given) {
 
 /** All or nothing: every label is checked before the first is stored. */
 std::vector<Checked> Checked_Labels(const kit_label* labels, std::uint32_t count, std::uint32_t most) {
-    Require(count >= columns && count <= most && count % columns == 0, KIT_ERROR_ARGUMENT,
+    Require(count >= COLUMNS && count <= most && count % COLUMNS == 0, KIT_ERROR_ARGUMENT,
             "count is no multiple of four that panels show");
-    const std::uint32_t step = Struct_Of(labels, label_least).size;
+    const std::uint32_t step = Struct_Of(labels, LABEL_LEAST).size;
     std::vector<Checked> checked;
     const auto* at = reinterpret_cast<const unsigned char*>(labels);
     for (std::uint32_t index = 0; index < count; ++index, at += step) {
@@ -142,8 +142,8 @@ struct Label_Table {
     void (*store)(std::uint32_t index, const Checked& checked);
     kit_label (*read)(std::uint32_t index);
 };
-constexpr Label_Table tags = {"$TAG_NB", "$TAG_CUR", "$TAG_LABEL", TAG_ROOM, KIT_PANEL_TAG, false, Tag_Store, Tag_Read};
-constexpr Label_Table markers = {"$MARKER_NB",     "$MARKER_CUR", "$MARKER_LABEL", MARKER_ROOM,
+constexpr Label_Table TAGS = {"$TAG_NB", "$TAG_CUR", "$TAG_LABEL", TAG_ROOM, KIT_PANEL_TAG, false, Tag_Store, Tag_Read};
+constexpr Label_Table MARKERS = {"$MARKER_NB",     "$MARKER_CUR", "$MARKER_LABEL", MARKER_ROOM,
                                  KIT_PANEL_MARKER, true,          Marker_Store,    Marker_Read};
 
 void Count_Store(const char* count_name, const char* current, std::uint32_t count) {
@@ -164,7 +164,7 @@ kit_status Labels_Set(const char* function, const Label_Table& table, const kit_
         if (is_other_count || table.is_laid_out_always) {
             Panels_Lay_Out(table.panel_kind);
         }
-        Session::The().Announce(update_table);
+        Session::The().Announce(UPDATE_TABLE);
     });
 }
 
@@ -172,14 +172,14 @@ kit_status Label_Set(const char* function, const Label_Table& table, std::uint32
     return Call(function, 0, [&] {
         Index_Check(index, table.count);
         table.store(index, Checked_Label(label));
-        Session::The().Announce(update_table & ~UPDATE_TAG_CUR);
+        Session::The().Announce(UPDATE_TABLE & ~UPDATE_TAG_CUR);
     });
 }
 
 kit_status Label_Get(const char* function, const Label_Table& table, std::uint32_t index, kit_label* label) {
     return Call(function, 0, [&] {
         Index_Check(index, table.count);
-        Struct_Fill(label, table.read(index), label_least);
+        Struct_Fill(label, table.read(index), LABEL_LEAST);
     });
 }
 
@@ -222,59 +222,59 @@ std::vector<std::uint8_t> Mask_Of(int size, int radius) {
 extern "C" {
 
 kit_status kit_tags_set(const kit_label* labels, uint32_t count) {
-    return Labels_Set("kit_tags_set", tags, labels, count);
+    return Labels_Set("kit_tags_set", TAGS, labels, count);
 }
 
 kit_status kit_tags_count(uint32_t* count) {
-    return Number_Read("kit_tags_count", tags.count, count);
+    return Number_Read("kit_tags_count", TAGS.count, count);
 }
 
 kit_status kit_tag_set(uint32_t index, const kit_label* label) {
-    return Label_Set("kit_tag_set", tags, index, label);
+    return Label_Set("kit_tag_set", TAGS, index, label);
 }
 
 kit_status kit_tag_get(uint32_t index, kit_label* label) {
-    return Label_Get("kit_tag_get", tags, index, label);
+    return Label_Get("kit_tag_get", TAGS, index, label);
 }
 
 kit_status kit_tag_text(uint32_t index, char* out, uint32_t room, uint32_t* needed) {
-    return Label_Text("kit_tag_text", tags, index, out, room, needed);
+    return Label_Text("kit_tag_text", TAGS, index, out, room, needed);
 }
 
 kit_status kit_tag_pick(uint32_t index) {
-    return Pick("kit_tag_pick", tags.current, tags.count, index, UPDATE_TAG_CUR);
+    return Pick("kit_tag_pick", TAGS.current, TAGS.count, index, UPDATE_TAG_CUR);
 }
 
 kit_status kit_tag_picked(uint32_t* index) {
-    return Number_Read("kit_tag_picked", tags.current, index);
+    return Number_Read("kit_tag_picked", TAGS.current, index);
 }
 
 kit_status kit_markers_set(const kit_label* labels, uint32_t count) {
-    return Labels_Set("kit_markers_set", markers, labels, count);
+    return Labels_Set("kit_markers_set", MARKERS, labels, count);
 }
 
 kit_status kit_markers_count(uint32_t* count) {
-    return Number_Read("kit_markers_count", markers.count, count);
+    return Number_Read("kit_markers_count", MARKERS.count, count);
 }
 
 kit_status kit_marker_set(uint32_t index, const kit_label* label) {
-    return Label_Set("kit_marker_set", markers, index, label);
+    return Label_Set("kit_marker_set", MARKERS, index, label);
 }
 
 kit_status kit_marker_get(uint32_t index, kit_label* label) {
-    return Label_Get("kit_marker_get", markers, index, label);
+    return Label_Get("kit_marker_get", MARKERS, index, label);
 }
 
 kit_status kit_marker_text(uint32_t index, char* out, uint32_t room, uint32_t* needed) {
-    return Label_Text("kit_marker_text", markers, index, out, room, needed);
+    return Label_Text("kit_marker_text", MARKERS, index, out, room, needed);
 }
 
 kit_status kit_marker_pick(uint32_t index) {
-    return Pick("kit_marker_pick", markers.current, markers.count, index, UPDATE_TAG_CUR);
+    return Pick("kit_marker_pick", MARKERS.current, MARKERS.count, index, UPDATE_TAG_CUR);
 }
 
 kit_status kit_marker_picked(uint32_t* index) {
-    return Number_Read("kit_marker_picked", markers.current, index);
+    return Number_Read("kit_marker_picked", MARKERS.current, index);
 }
 
 kit_status kit_brushes_set(const uint16_t* sizes, uint32_t count) {

@@ -10,20 +10,20 @@ namespace c_interface {
 
 namespace {
 
-constexpr int size_most = 32767;  // rectangles of panels are 16 bits wide
-constexpr int dark_grey = 70;
-constexpr int light_grey = 214;
-constexpr std::uint32_t buttons_all = KIT_BUTTON_LEFT | KIT_BUTTON_MIDDLE | KIT_BUTTON_RIGHT;
+constexpr int SIZE_MOST = 32767;  // rectangles of panels are 16 bits wide
+constexpr int DARK_GREY = 70;
+constexpr int LIGHT_GREY = 214;
+constexpr std::uint32_t BUTTONS_ALL = KIT_BUTTON_LEFT | KIT_BUTTON_MIDDLE | KIT_BUTTON_RIGHT;
 // What Resize does not read: marks, greying, frames, masks, rows.
-constexpr std::uint64_t update_laid_out = UPDATE_ALL | UPDATE_TAG_ENABLE | UPDATE_TAG_SELECT | UPDATE_TAG_LOCK |
+constexpr std::uint64_t UPDATE_LAID_OUT = UPDATE_ALL | UPDATE_TAG_ENABLE | UPDATE_TAG_SELECT | UPDATE_TAG_LOCK |
                                           UPDATE_TAG_CUR | UPDATE_BRUSH | UPDATE_FRAME_CUR;
-constexpr std::uint64_t update_first = update_laid_out | UPDATE_STRUCTURE | UPDATE_SELECTION | UPDATE_LEVEL_1D |
+constexpr std::uint64_t UPDATE_FIRST = UPDATE_LAID_OUT | UPDATE_STRUCTURE | UPDATE_SELECTION | UPDATE_LEVEL_1D |
                                        UPDATE_LEVEL_2D | UPDATE_LEVEL_3D | UPDATE_HISTO_DATA;
 
 void Rectangle_Check(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height) {
-    Require(x >= -size_most && x <= size_most && y >= -size_most && y <= size_most, KIT_ERROR_ARGUMENT,
+    Require(x >= -SIZE_MOST && x <= SIZE_MOST && y >= -SIZE_MOST && y <= SIZE_MOST, KIT_ERROR_ARGUMENT,
             "x or y is beyond 32767");
-    Require(width >= 1 && width <= size_most && height >= 1 && height <= size_most, KIT_ERROR_ARGUMENT,
+    Require(width >= 1 && width <= SIZE_MOST && height >= 1 && height <= SIZE_MOST, KIT_ERROR_ARGUMENT,
             "width or height is not from 1 to 32767");
 }
 
@@ -96,7 +96,7 @@ void Panel::Window_Make() {
     Lay_Out();
     if (window != nullptr) {
         const Buffered buffered(*this);
-        work->Update(update_first);
+        work->Update(UPDATE_FIRST);
         work->Draw();
     }
 }
@@ -141,10 +141,10 @@ void Panel::Lay_Out() {
     box.style = STYLE_FRAMED_BOX | STYLE_SHOW_CHECK;
     box.x = static_cast<short>(x);
     box.y = static_cast<short>(y);
-    box.width = static_cast<short>(std::min(width, size_most));
-    box.height = static_cast<short>(std::min(height, size_most));
+    box.width = static_cast<short>(std::min(width, SIZE_MOST));
+    box.height = static_cast<short>(std::min(height, SIZE_MOST));
     const bool is_given = settings.red != 0 || settings.green != 0 || settings.blue != 0;
-    const int grey = Session::The().settings.theme == KIT_THEME_LIGHT ? light_grey : dark_grey;
+    const int grey = Session::The().settings.theme == KIT_THEME_LIGHT ? LIGHT_GREY : DARK_GREY;
     box.color.red = static_cast<unsigned short>(is_given ? settings.red : grey);
     box.color.green = static_cast<unsigned short>(is_given ? settings.green : grey);
     box.color.blue = static_cast<unsigned short>(is_given ? settings.blue : grey);
@@ -154,7 +154,7 @@ void Panel::Lay_Out() {
     const Buffered buffered(*this);
     work->Resize(&box);
     is_laid_out = true;
-    work->Update(update_laid_out);
+    work->Update(UPDATE_LAID_OUT);
 }
 
 void Panel::Lay_Out_Again() {
@@ -212,7 +212,7 @@ int Panel::Click(int up_down) {
 int Panel::Input(const kit_input& input) {
     Require(input.kind >= KIT_INPUT_PRESS && input.kind <= KIT_INPUT_LEAVE, KIT_ERROR_ARGUMENT,
             "no such kind of input");
-    Require((input.buttons & ~buttons_all) == 0, KIT_ERROR_ARGUMENT, "buttons is no sum of KIT_BUTTON_ bits");
+    Require((input.buttons & ~BUTTONS_ALL) == 0, KIT_ERROR_ARGUMENT, "buttons is no sum of KIT_BUTTON_ bits");
     const int held = static_cast<int>(input.buttons);
     YCursor_X = input.x;
     YCursor_Y = input.y;
@@ -225,7 +225,7 @@ int Panel::Input(const kit_input& input) {
         case KIT_INPUT_MOTION:
             return work->Motion(held != 0 ? held | MOUSE_DRAG : 0) != 0 ? 1 : 0;
         case KIT_INPUT_WHEEL:
-            return work->Scroll(std::clamp(input.value, -size_most, size_most)) != 0 ? 1 : 0;
+            return work->Scroll(std::clamp(input.value, -SIZE_MOST, SIZE_MOST)) != 0 ? 1 : 0;
         case KIT_INPUT_KEY: {
             Key_In_Hand_Set(input.value);
             const int used = work->Keyboard(input.value);

@@ -11,7 +11,7 @@ namespace c_interface {
 
 namespace {
 
-constexpr int tag_options =
+constexpr int TAG_OPTIONS =
     TAG_CHECK_SELECT | TAG_CHECK_LOCK | TAG_GREY_SELECTION | TAG_CHECK_ENABLE | TAG_GREY_DISABLED | TAG_THRESHOLD_MODE;
 
 /** The propagate panel asks the host to carry the work on. */
@@ -48,7 +48,7 @@ std::unique_ptr<Panel_Work> Panel_Work_Make(std::uint32_t kind, std::int32_t opt
     const int dimension = option & dimension_bits;
     switch (kind) {
         case KIT_PANEL_TAG:
-            Require((option & ~tag_options) == 0, KIT_ERROR_ARGUMENT, "option is no sum of KIT_TAG_ bits");
+            Require((option & ~TAG_OPTIONS) == 0, KIT_ERROR_ARGUMENT, "option is no sum of KIT_TAG_ bits");
             return std::make_unique<Work_Of<Tool_Tag>>(
                 static_cast<unsigned short>(option != 0 ? option : int{TAG_GREY_SELECTION}));
         case KIT_PANEL_MARKER:

@@ -11,14 +11,14 @@ namespace c_interface {
 
 namespace {
 
-constexpr int slot_bits = 24;
-constexpr int generation_bits = 32;
-constexpr std::size_t slots_most = (std::size_t{1} << slot_bits) - 2;
-constexpr int events_at_once = 4096;  // a host that answers every event by making another one must come to an end
+constexpr int SLOT_BITS = 24;
+constexpr int GENERATION_BITS = 32;
+constexpr std::size_t SLOTS_MOST = (std::size_t{1} << SLOT_BITS) - 2;
+constexpr int EVENTS_AT_ONCE = 4096;  // a host that answers every event by making another one must come to an end
 
 kit_handle Handle_Of(Kind kind, std::uint32_t generation, std::size_t slot) {
-    return (static_cast<kit_handle>(kind) << (slot_bits + generation_bits)) |
-           (static_cast<kit_handle>(generation) << slot_bits) | static_cast<kit_handle>(slot + 1);
+    return (static_cast<kit_handle>(kind) << (SLOT_BITS + GENERATION_BITS)) |
+           (static_cast<kit_handle>(generation) << SLOT_BITS) | static_cast<kit_handle>(slot + 1);
 }
 
 }  // namespace
@@ -29,7 +29,7 @@ kit_handle Handle_Table::Add(std::unique_ptr<Object> object) {
         ++at;
     }
     if (at == slots.size()) {
-        Require(at < slots_most, KIT_ERROR_MEMORY, "too many handles");
+        Require(at < SLOTS_MOST, KIT_ERROR_MEMORY, "too many handles");
         slots.emplace_back();
     }
     Slot& slot = slots[at];
@@ -41,7 +41,7 @@ kit_handle Handle_Table::Add(std::unique_ptr<Object> object) {
 }
 
 Object* Handle_Table::Find(kit_handle handle) const {
-    const std::size_t at = static_cast<std::size_t>(handle & ((kit_handle{1} << slot_bits) - 1)) - 1;
+    const std::size_t at = static_cast<std::size_t>(handle & ((kit_handle{1} << SLOT_BITS) - 1)) - 1;
     return at < slots.size() && slots[at].object != nullptr && slots[at].object->handle == handle
                ? slots[at].object.get()
                : nullptr;
@@ -51,7 +51,7 @@ std::unique_ptr<Object> Handle_Table::Take(kit_handle handle) {
     if (Find(handle) == nullptr) {
         return nullptr;
     }
-    return std::move(slots[static_cast<std::size_t>(handle & ((kit_handle{1} << slot_bits) - 1)) - 1].object);
+    return std::move(slots[static_cast<std::size_t>(handle & ((kit_handle{1} << SLOT_BITS) - 1)) - 1].object);
 }
 
 std::vector<kit_handle> Handle_Table::All(Kind kind) const {
@@ -151,7 +151,7 @@ void Session::Panels_Learn(std::uint64_t flags) {
 }
 
 void Session::Deliver() {
-    for (int nb = 0; nb < events_at_once; ++nb) {
+    for (int nb = 0; nb < EVENTS_AT_ONCE; ++nb) {
         if (const std::uint64_t flags = requested | announced; flags != 0) {
             const std::uint64_t by_panels = std::exchange(requested, 0);
             announced = 0;

@@ -17,10 +17,10 @@ using namespace c_interface;
 
 namespace {
 
-constexpr std::string_view contract_prefix = "WARNING: Contract: ";
-constexpr int trace_first = 10;
-constexpr float scale_most = 8.0F;
-constexpr std::size_t settings_least = offsetof(kit_settings, traces) + sizeof(kit_settings::traces);
+constexpr std::string_view CONTRACT_PREFIX = "WARNING: Contract: ";
+constexpr int TRACE_FIRST = 10;
+constexpr float SCALE_MOST = 8.0F;
+constexpr std::size_t SETTINGS_LEAST = offsetof(kit_settings, traces) + sizeof(kit_settings::traces);
 
 /** What waits must not throw through a panel: a message without memory is lost. */
 template <class Work>
@@ -34,13 +34,13 @@ void Without_Exception(Work work) noexcept {
 
 void On_Message(void* /*context*/, HWND /*window*/, int level, const char* text) {
     Session& session = Session::The();
-    if (level >= trace_first && session.settings.traces == 0) {
+    if (level >= TRACE_FIRST && session.settings.traces == 0) {
         return;
     }
     Without_Exception([&] {
         std::string told = Utf8_Of_Page(Message_Plain(text).c_str());
-        if (told.starts_with(contract_prefix)) {
-            session.mistakes.push_back(told.substr(contract_prefix.size()));
+        if (told.starts_with(CONTRACT_PREFIX)) {
+            session.mistakes.push_back(told.substr(CONTRACT_PREFIX.size()));
         }
         Event event;
         event.kind = KIT_EVENT_MESSAGE;
@@ -106,7 +106,7 @@ int On_File_Name(void* /*context*/, const char* title, const char* filter, const
 void Settings_Check(const kit_settings& wanted) {
     Require((wanted.abi_version >> 16) == (KIT_ABI_VERSION >> 16) && wanted.abi_version <= KIT_ABI_VERSION,
             KIT_ERROR_ARGUMENT, "abi_version is not one that this DLL knows");
-    Require(wanted.scale >= 0.0F && wanted.scale <= scale_most, KIT_ERROR_ARGUMENT, "scale is not from 0 to 8");
+    Require(wanted.scale >= 0.0F && wanted.scale <= SCALE_MOST, KIT_ERROR_ARGUMENT, "scale is not from 0 to 8");
     Require(wanted.theme == KIT_THEME_DARK || wanted.theme == KIT_THEME_LIGHT, KIT_ERROR_ARGUMENT, "no such theme");
 }
 
@@ -160,7 +160,7 @@ kit_status kit_start(const kit_settings* settings) {
     Session& session = Session::The();
     try {
         Require(!session.is_started, KIT_ERROR_STATE, "started already");
-        session.Start(Struct_Of(settings, settings_least));
+        session.Start(Struct_Of(settings, SETTINGS_LEAST));
         return KIT_OK;
     } catch (const Failure& failure) {
         // Nothing of a session that another thread uses is touched.

@@ -13,10 +13,10 @@ using namespace c_interface;
 
 namespace {
 
-constexpr int side_most = 65535;
-constexpr int bins_most = 4097;  // as "$GLI_HISTO_BINS_MAX" is at first
-constexpr std::int64_t most_pixels = std::numeric_limits<std::int32_t>::max();
-constexpr std::size_t settings_least = offsetof(kit_volume_settings, descriptor) + sizeof(const char*);
+constexpr int SIDE_MOST = 65535;
+constexpr int BINS_MOST = 4097;  // as "$GLI_HISTO_BINS_MAX" is at first
+constexpr std::int64_t MOST_PIXELS = std::numeric_limits<std::int32_t>::max();
+constexpr std::size_t SETTINGS_LEAST = offsetof(kit_volume_settings, descriptor) + sizeof(const char*);
 
 std::size_t Pixel_Size(std::uint32_t pixel) {
     switch (pixel) {
@@ -68,12 +68,12 @@ int Times_Of(const kit_volume_settings& wanted) {
 }
 
 void Settings_Check(const kit_volume_settings& wanted) {
-    Require(wanted.width >= 1 && wanted.width <= side_most && wanted.height >= 1 && wanted.height <= side_most &&
-                wanted.slices >= 1 && wanted.slices <= side_most,
+    Require(wanted.width >= 1 && wanted.width <= SIDE_MOST && wanted.height >= 1 && wanted.height <= SIDE_MOST &&
+                wanted.slices >= 1 && wanted.slices <= SIDE_MOST,
             KIT_ERROR_ARGUMENT, "width, height or slices is not from 1 to 65535");
-    Require(wanted.times >= 0 && wanted.times <= side_most, KIT_ERROR_ARGUMENT, "times is not from 0 to 65535");
+    Require(wanted.times >= 0 && wanted.times <= SIDE_MOST, KIT_ERROR_ARGUMENT, "times is not from 0 to 65535");
     const std::int64_t planes = std::int64_t{wanted.slices} * Times_Of(wanted);
-    Require(planes <= most_pixels && std::int64_t{wanted.width} * wanted.height * planes <= most_pixels,
+    Require(planes <= MOST_PIXELS && std::int64_t{wanted.width} * wanted.height * planes <= MOST_PIXELS,
             KIT_ERROR_ARGUMENT, "the volume is too large");
     Require(wanted.pixels != nullptr || wanted.on_row != nullptr, KIT_ERROR_ARGUMENT,
             "pixels and on_row are both null");
@@ -134,7 +134,7 @@ void Frames_Make(const kit_volume_settings& wanted, Volume& volume) {
     const float slope = wanted.slope > 0.0F ? wanted.slope : 1.0F;
     const auto [lowest, highest] = std::ranges::minmax(volume.levels);
     volume.times = Times_Of(wanted);
-    volume.grid = is_color ? Histo_Grid{} : Histo_Grid_Of_Levels(lowest, highest, slope, wanted.intercept, bins_most);
+    volume.grid = is_color ? Histo_Grid{} : Histo_Grid_Of_Levels(lowest, highest, slope, wanted.intercept, BINS_MOST);
     volume.masks.resize(static_cast<std::size_t>(wanted.slices));
     const std::size_t slice_levels = volume.levels.size() / static_cast<std::size_t>(wanted.slices);
     for (std::size_t slice = 0; slice < volume.masks.size(); ++slice) {
@@ -189,7 +189,7 @@ extern "C" {
 kit_status kit_volume_create(const kit_volume_settings* settings, kit_handle* volume) {
     return Call("kit_volume_create", 0, [&] {
         Write_To<kit_handle>(volume, 0);
-        const kit_volume_settings wanted = Struct_Of(settings, settings_least);
+        const kit_volume_settings wanted = Struct_Of(settings, SETTINGS_LEAST);
         Settings_Check(wanted);
         auto made = std::make_unique<Volume>();
         const std::string name = wanted.name != nullptr ? Page_Text(wanted.name) : "Volume";

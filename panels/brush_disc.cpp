@@ -6,7 +6,7 @@
 namespace {
 
 /** Order of a button's pictures. */
-enum Picture_Index : std::size_t { PLAIN, HOVER, PRESSED, CURRENT };
+enum Picture_Index : std::size_t { Plain, Hover, Pressed, Current };
 
 constexpr unsigned int OUTLINE_COLOR = 0;
 
@@ -15,7 +15,7 @@ std::size_t Pixel_Index(const Button_Pictures& pictures, int x, int y) {
 }
 
 bool Inside_Disc(const Button_Pictures& pictures, std::size_t pixel) {
-    return pictures.image[CURRENT][pixel] == pictures.image[PLAIN][pixel];
+    return pictures.image[Current][pixel] == pictures.image[Plain][pixel];
 }
 
 bool Touches_Disc(const Button_Pictures& pictures, int x, int y) {
@@ -86,15 +86,15 @@ void Brush_Outline_Paint(const Button_Pictures& pictures, const Outline_Range& r
     For_Each_Pixel(range, [&pictures](int x, int y) {
         const std::size_t pixel = Pixel_Index(pictures, x, y);
         if (!Inside_Disc(pictures, pixel) && Touches_Disc(pictures, x, y)) {
-            pictures.image[PRESSED][pixel] = OUTLINE_COLOR;
+            pictures.image[Pressed][pixel] = OUTLINE_COLOR;
         }
     });
     For_Each_Pixel(range, [&pictures](int x, int y) {
         const std::size_t pixel = Pixel_Index(pictures, x, y);
-        if (pictures.image[PRESSED][pixel] == OUTLINE_COLOR) {
-            pictures.image[PLAIN][pixel] = OUTLINE_COLOR;
-            pictures.image[HOVER][pixel] = OUTLINE_COLOR;
-            pictures.image[CURRENT][pixel] = OUTLINE_COLOR;
+        if (pictures.image[Pressed][pixel] == OUTLINE_COLOR) {
+            pictures.image[Plain][pixel] = OUTLINE_COLOR;
+            pictures.image[Hover][pixel] = OUTLINE_COLOR;
+            pictures.image[Current][pixel] = OUTLINE_COLOR;
         }
     });
 }

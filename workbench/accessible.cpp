@@ -267,15 +267,15 @@ std::wstring Without_Blanks(const std::wstring& text) {
 
 LONG Role_Of(Widget_Kind kind) {
     switch (kind) {
-        case Widget_Kind::LABEL:
+        case Widget_Kind::Label:
             return ROLE_SYSTEM_STATICTEXT;
-        case Widget_Kind::LIST:
+        case Widget_Kind::List:
             return ROLE_SYSTEM_COMBOBOX;
-        case Widget_Kind::SLIDER:
+        case Widget_Kind::Slider:
             return ROLE_SYSTEM_SCROLLBAR;
-        case Widget_Kind::VALUE:
+        case Widget_Kind::Value:
             return ROLE_SYSTEM_SLIDER;
-        case Widget_Kind::TEXT:
+        case Widget_Kind::Text:
             return ROLE_SYSTEM_TEXT;
         default:
             return ROLE_SYSTEM_PUSHBUTTON;

@@ -9,7 +9,7 @@ namespace workbench {
 
 namespace {
 
-constexpr UINT patience = 5000;  // milliseconds for a window that is busy
+constexpr UINT PATIENCE = 5000;  // milliseconds for a window that is busy
 
 UINT Message_Number() {
     static const UINT number = ::RegisterWindowMessageW(L"Workbench_Accessible_Snapshot");
@@ -76,7 +76,7 @@ std::optional<Accessible_Snapshot> Accessible_Snapshot_Ask(HWND window) {
     const auto question = std::make_shared<Question>();
     const WPARAM number = Under_Way().Begin(question);
     DWORD_PTR result = 0;
-    ::SendMessageTimeoutW(window, Message_Number(), number, 0, SMTO_ABORTIFHUNG, patience, &result);
+    ::SendMessageTimeoutW(window, Message_Number(), number, 0, SMTO_ABORTIFHUNG, PATIENCE, &result);
     Under_Way().End(number);
     const std::lock_guard lock(question->guard);
     return std::move(question->answer);

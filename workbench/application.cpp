@@ -16,17 +16,17 @@ namespace workbench {
 
 namespace {
 
-constexpr int tool_width = 452;  // pixels at 96 dots per inch
-constexpr int tool_width_least = 320;
-constexpr int tool_percent = 45;  // of the window, when that is less than tool_width
-constexpr int database_width_first = 380;
-constexpr int image_width_least = 200;
-constexpr int histogram_height = 150;
-constexpr int histogram_height_most = 320;
-constexpr unsigned short tag_rows = 4;
-constexpr unsigned short marker_rows = 2;
-constexpr int message_trace = 10;  // this level and higher ones are traces
-constexpr unsigned __int64 flags_tag_state = UPDATE_TAG_ENABLE | UPDATE_TAG_SELECT | UPDATE_TAG_LOCK | UPDATE_TAG_CUR;
+constexpr int TOOL_WIDTH = 452;  // pixels at 96 dots per inch
+constexpr int TOOL_WIDTH_LEAST = 320;
+constexpr int TOOL_PERCENT = 45;  // of the window, when that is less than TOOL_WIDTH
+constexpr int DATABASE_WIDTH_FIRST = 380;
+constexpr int IMAGE_WIDTH_LEAST = 200;
+constexpr int HISTOGRAM_HEIGHT = 150;
+constexpr int HISTOGRAM_HEIGHT_MOST = 320;
+constexpr unsigned short TAG_ROWS = 4;
+constexpr unsigned short MARKER_ROWS = 2;
+constexpr int MESSAGE_TRACE = 10;  // this level and higher ones are traces
+constexpr unsigned __int64 FLAGS_TAG_STATE = UPDATE_TAG_ENABLE | UPDATE_TAG_SELECT | UPDATE_TAG_LOCK | UPDATE_TAG_CUR;
 
 Application* the_application = nullptr;
 
@@ -37,13 +37,13 @@ Application::Application(const Command_Line& command_line)
       class_history({[](const char* text) { return Utf8_Of_Wide(Wide_Of_Panel(text)); },
                      [](const std::string& text) { return Panel_Of_Wide(Wide_Of_Utf8(text)); }}),
       tag_panel(static_cast<unsigned short>(TAG_CHECK_ENABLE | TAG_GREY_SELECTION)),
-      hosted_tag(tag_panel, [](Tool_Tag& panel) { return panel.Height(tag_rows); }),
-      hosted_marker(marker_panel, [](Tool_Marker& panel) { return panel.Height(marker_rows); }),
+      hosted_tag(tag_panel, [](Tool_Tag& panel) { return panel.Height(TAG_ROWS); }),
+      hosted_marker(marker_panel, [](Tool_Marker& panel) { return panel.Height(MARKER_ROWS); }),
       hosted_brush(brush_panel, [](Tool_Brush& panel) { return panel.Height(); }),
       hosted_propagate(propagate_panel, [](Tool_Propagate& panel) { return panel.Height(); }),
       hosted_histogram(
           histogram_panel,
-          [this](Tool_Histo& panel) { return panel.Height(static_cast<unsigned short>(look.Px(histogram_height))); }),
+          [this](Tool_Histo& panel) { return panel.Height(static_cast<unsigned short>(look.Px(HISTOGRAM_HEIGHT))); }),
       window(*this),
       tool_area(look),
       image(look, *this),
@@ -170,7 +170,7 @@ void Application::Add_Panels() {
             Enlarged_Icon_Give();
         }
     });
-    tool_area.Stretch(histogram_host, look.Px(histogram_height_most));
+    tool_area.Stretch(histogram_host, look.Px(HISTOGRAM_HEIGHT_MOST));
     hosted_histogram.Scale_Release();
 }
 
@@ -216,8 +216,8 @@ void Application::Contract_Check() {
 void Application::Lay_Out() {
     const RECT client = window.Client();
     // On a screen with few pixels for its scale the panels leave room for the image.
-    const int share = std::max<int>(client.right * tool_percent / 100, look.Px(tool_width_least));
-    const int width = std::min<int>({look.Px(tool_width), share, static_cast<int>(client.right)});
+    const int share = std::max<int>(client.right * TOOL_PERCENT / 100, look.Px(TOOL_WIDTH_LEAST));
+    const int width = std::min<int>({look.Px(TOOL_WIDTH), share, static_cast<int>(client.right)});
     int bottom = client.bottom - status_line.Wanted_Height();
     status_line.Place({0, bottom, client.right, client.bottom});
     if (trace.Is_Shown()) {
@@ -230,8 +230,8 @@ void Application::Lay_Out() {
     if (database.Is_Shown()) {
         // The editor's diagram needs the image's room.
         const int room = client.right - width;
-        const int wanted = database_width > 0 ? database_width : look.Px(database_width_first);
-        const int most = std::max(room - look.Px(image_width_least), std::min(room, look.Px(DATABASE_WIDTH_LEAST)));
+        const int wanted = database_width > 0 ? database_width : look.Px(DATABASE_WIDTH_FIRST);
+        const int most = std::max(room - look.Px(IMAGE_WIDTH_LEAST), std::min(room, look.Px(DATABASE_WIDTH_LEAST)));
         right -= database.Is_Editor() ? room : std::min(wanted, most);
     }
     const int banner_height = banner.Wanted_Height();
@@ -272,8 +272,8 @@ void Application::On_Panel_Request(unsigned __int64 flags) {
     }
     if (Has_Any(flags, UPDATE_TAG_LABEL)) {
         // A panel has written a name or a threshold: that is a step of the user's work.
-        int steps = session.Note_Labels(Text_Table::TAG_LABELS, variables.Tag_Labels());
-        steps += session.Note_Labels(Text_Table::MARKER_LABELS, variables.Marker_Labels());
+        int steps = session.Note_Labels(Text_Table::Tag_Labels, variables.Tag_Labels());
+        steps += session.Note_Labels(Text_Table::Marker_Labels, variables.Marker_Labels());
         steps += session.Note_Thresholds(variables.Threshold_Min(), variables.Threshold_Max());
         Histogram_Ranges_Refresh();
         flags |= steps != 0 ? UPDATE_HISTO_PAINT : 0;
@@ -302,7 +302,7 @@ void Application::On_Change_Child(Quorel_2D* new_frame) {
 }
 
 void Application::On_Message(int level, const char* text) {
-    if (level >= message_trace) {
+    if (level >= MESSAGE_TRACE) {
         trace.Add(level, Message_Plain(text));
         return;
     }
@@ -333,7 +333,7 @@ void Application::Notes_Refresh() {
     note += variables.Tag_Select()[at] == 0 ? L", not selected" : L"";
     tool_area.Note_Set(tag_host, note);
     tool_area.Note_Set(brush_host, std::to_wstring(variables.Brush().Pixel_Nb()) + L" pixels");
-    tool_area.Note_Set(propagate_host, propagation_kind == Propagation_Kind::COPY ? L"copy" : L"grow");
+    tool_area.Note_Set(propagate_host, propagation_kind == Propagation_Kind::Copy ? L"copy" : L"grow");
     const int marker = variables.Marker_Cur();
     tool_area.Note_Set(marker_host,
                        Wide_Of_Panel(variables.Marker_Name(marker).c_str()) + (is_marker_mode ? L", placing" : L""));

@@ -259,8 +259,8 @@ class Application : public Image_User,
 
     // application_files.cpp
     std::optional<volumes::Load_Result> Load_With_Progress(const std::filesystem::path& path);
-    enum class Save_Outcome { SAVED, NOT_SAVED, LOAD_THEIRS };
-    /** Asks where there is doubt about the file. LOAD_THEIRS: the user prefers what another program has written. */
+    enum class Save_Outcome { Saved, Not_Saved, Load_Theirs };
+    /** Asks where there is doubt about the file. Load_Theirs: the user prefers what another program has written. */
     Save_Outcome Save_Labels_Asking(bool ask_for_name);
     /** @param is_chosen the user has just agreed that the file is replaced @return no value: save under another name */
     std::optional<Save_Outcome> Save_Doubts_Ask(const std::filesystem::path& path, bool is_chosen);
@@ -464,7 +464,7 @@ class Application : public Image_User,
     int histogram_first = 0;               // slices
     int histogram_last = 0;
     Tag_Mark check_mark = Tag_Mark::Enable;
-    Propagation_Kind propagation_kind = Propagation_Kind::GROW;
+    Propagation_Kind propagation_kind = Propagation_Kind::Grow;
     int dragged_marker = -1;
     Marker marker_before;
     int report_nb = 0;

@@ -12,7 +12,7 @@ namespace workbench {
 
 namespace {
 
-constexpr int width_step = 40;  // of the column, pixels at 96 dots per inch
+constexpr int WIDTH_STEP = 40;  // of the column, pixels at 96 dots per inch
 
 }  // namespace
 
@@ -40,7 +40,7 @@ void Application::Database_View_Set(int view) {
 
 void Application::Database_Width_Step(int step) {
     Database_Show(true);
-    database_width = std::max<int>(static_cast<int>(database.Client().right) + step * look.Px(width_step),
+    database_width = std::max<int>(static_cast<int>(database.Client().right) + step * look.Px(WIDTH_STEP),
                                    look.Px(DATABASE_WIDTH_LEAST));
     Lay_Out();
 }

@@ -17,7 +17,7 @@ namespace workbench {
 
 namespace {
 
-constexpr std::size_t file_size_most = 64U << 20U;  // bytes; 65,535 bins of 255 TAGs are less
+constexpr std::size_t FILE_SIZE_MOST = 64U << 20U;  // bytes; 65,535 bins of 255 TAGs are less
 
 }  // namespace
 
@@ -101,7 +101,7 @@ void Application::Export_Verify(const std::filesystem::path& path, bool is_new) 
     }
     std::string text;
     const std::string name = volumes::File_Name_Text(path);
-    if (const std::string error = Text_File_Read(path, file_size_most, text); !error.empty()) {
+    if (const std::string error = Text_File_Read(path, FILE_SIZE_MOST, text); !error.empty()) {
         Warn(name + ' ' + error + '.');
         return;
     }

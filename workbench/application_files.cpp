@@ -16,10 +16,10 @@ namespace workbench {
 
 namespace {
 
-constexpr const wchar_t* volume_filter =
+constexpr const wchar_t* VOLUME_FILTER =
     L"Images (*.nii, *.nii.gz, *.hdr, *.dcm)\0*.nii;*.nii.gz;*.gz;*.hdr;*.img;*.dcm;*.ima\0All files\0*.*\0";
-constexpr const wchar_t* label_filter = L"Label volumes (*.nii.gz, *.nii)\0*.nii.gz;*.nii;*.gz\0All files\0*.*\0";
-constexpr const wchar_t* export_filter = L"Histograms (*.csv, *.txt)\0*.csv;*.txt\0All files\0*.*\0";
+constexpr const wchar_t* LABEL_FILTER = L"Label volumes (*.nii.gz, *.nii)\0*.nii.gz;*.nii;*.gz\0All files\0*.*\0";
+constexpr const wchar_t* EXPORT_FILTER = L"Histograms (*.csv, *.txt)\0*.csv;*.txt\0All files\0*.*\0";
 
 OPENFILENAMEW File_Question(HWND owner, const wchar_t* filter, const wchar_t* title, std::wstring& buffer) {
     OPENFILENAMEW question = {};
@@ -50,7 +50,7 @@ std::optional<std::filesystem::path> Ask_Save(HWND owner, std::filesystem::path 
     // A folder that is gone would make the dialog refuse the name.
     std::wstring buffer =
         std::filesystem::is_directory(start.parent_path(), unknown) ? start.wstring() : start.filename().wstring();
-    OPENFILENAMEW question = File_Question(owner, label_filter, L"Save labels", buffer);
+    OPENFILENAMEW question = File_Question(owner, LABEL_FILTER, L"Save labels", buffer);
     question.lpstrInitialDir = folder.empty() ? nullptr : folder.c_str();
     question.Flags = OFN_OVERWRITEPROMPT | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
     if (::GetSaveFileNameW(&question) == 0) {
@@ -85,8 +85,8 @@ std::optional<volumes::Load_Result> Application::Load_With_Progress(const std::f
 }
 
 void Application::Adopt_Names() {
-    session.Adopt_Labels(Text_Table::TAG_LABELS, variables.Tag_Labels());
-    session.Adopt_Labels(Text_Table::MARKER_LABELS, variables.Marker_Labels());
+    session.Adopt_Labels(Text_Table::Tag_Labels, variables.Tag_Labels());
+    session.Adopt_Labels(Text_Table::Marker_Labels, variables.Marker_Labels());
     session.Adopt_Thresholds(variables.Threshold_Min(), variables.Threshold_Max());
     session.Adopt_Colors(variables.Tag_Colors());
 }
@@ -95,7 +95,7 @@ std::optional<Application::Save_Outcome> Application::Save_Doubts_Ask(const std:
                                                                       bool is_chosen) {
     const Save_Doubts doubts = session.Doubts_Before(path, is_chosen);
     if (doubts.Is_None()) {
-        return Save_Outcome::SAVED;
+        return Save_Outcome::Saved;
     }
     std::vector<std::wstring> ways = {doubts.read_only.empty() ? L"&Overwrite" : L"&Overwrite all the same",
                                       L"&Save under another name..."};
@@ -108,18 +108,18 @@ std::optional<Application::Save_Outcome> Application::Save_Doubts_Ask(const std:
     report.Line("ask save_doubts " + text);
     const int way = Choice_Ask(window.Handle(), L"Save labels", Wide_Of_Utf8(text), ways);
     if (way == 0) {
-        return Save_Outcome::SAVED;
+        return Save_Outcome::Saved;
     }
     if (way == 1) {
         return std::nullopt;
     }
-    return doubts.is_theirs && way == 2 ? Save_Outcome::LOAD_THEIRS : Save_Outcome::NOT_SAVED;
+    return doubts.is_theirs && way == 2 ? Save_Outcome::Load_Theirs : Save_Outcome::Not_Saved;
 }
 
 Application::Save_Outcome Application::Save_Labels_Asking(bool ask_for_name) {
     if (!session.Has_Volume()) {
         Warn("Open an image first; labels lie on an image.");
-        return Save_Outcome::NOT_SAVED;
+        return Save_Outcome::Not_Saved;
     }
     std::filesystem::path path = session.Label_Path();
     for (bool is_asked = ask_for_name || path.empty();; is_asked = true) {
@@ -129,12 +129,12 @@ Application::Save_Outcome Application::Save_Labels_Asking(bool ask_for_name) {
             report.Line("ask save_as " + Utf8_Of_Wide(start.wstring()));
             const std::optional<std::filesystem::path> answer = Ask_Save(window.Handle(), start);
             if (!answer) {
-                return Save_Outcome::NOT_SAVED;
+                return Save_Outcome::Not_Saved;
             }
             path = *answer;
         }
         const std::optional<Save_Outcome> wanted = Save_Doubts_Ask(path, is_asked);
-        if (wanted && *wanted != Save_Outcome::SAVED) {
+        if (wanted && *wanted != Save_Outcome::Saved) {
             return *wanted;
         }
         if (wanted) {
@@ -150,18 +150,18 @@ Application::Save_Outcome Application::Save_Labels_Asking(bool ask_for_name) {
     }
     Title_Refresh();
     if (!error.empty()) {
-        return Save_Outcome::NOT_SAVED;
+        return Save_Outcome::Not_Saved;
     }
     Status(L"Labels saved to " + Wide_Of_Utf8(volumes::File_Name_Text(path)));
-    return Save_Outcome::SAVED;
+    return Save_Outcome::Saved;
 }
 
 bool Application::Save_Labels(bool ask_for_name) {
     const Save_Outcome outcome = Save_Labels_Asking(ask_for_name);
-    if (outcome == Save_Outcome::LOAD_THEIRS) {
+    if (outcome == Save_Outcome::Load_Theirs) {
         Load_Labels(session.Label_Path());
     }
-    return outcome == Save_Outcome::SAVED;
+    return outcome == Save_Outcome::Saved;
 }
 
 bool Application::Ask_Unsaved() {
@@ -182,20 +182,20 @@ bool Application::Ask_Unsaved() {
     }
     // Each in turn is the current volume while it is saved; nothing of it is shown.
     const int shown = volumes.Current();
-    Save_Outcome outcome = Save_Outcome::SAVED;
+    Save_Outcome outcome = Save_Outcome::Saved;
     int last = shown;
-    for (std::size_t at = 0; at < unsaved.size() && outcome == Save_Outcome::SAVED; ++at) {
+    for (std::size_t at = 0; at < unsaved.size() && outcome == Save_Outcome::Saved; ++at) {
         last = unsaved[at];
         volumes.Switch(last, session);
         outcome = Save_Labels_Asking(false);
     }
     volumes.Switch(shown, session);
     Title_Refresh();
-    if (outcome == Save_Outcome::LOAD_THEIRS) {
+    if (outcome == Save_Outcome::Load_Theirs) {
         Volume_Go(last);
         Load_Labels(session.Label_Path());
     }
-    return outcome == Save_Outcome::SAVED;
+    return outcome == Save_Outcome::Saved;
 }
 
 bool Application::May_Close() {
@@ -208,7 +208,7 @@ bool Application::May_Close() {
 }
 
 void Application::Open_Ask() {
-    if (const auto path = Ask_Open(window.Handle(), volume_filter, L"Open volume")) {
+    if (const auto path = Ask_Open(window.Handle(), VOLUME_FILTER, L"Open volume")) {
         Open_Paths(std::span(&*path, 1));
     }
 }
@@ -228,14 +228,14 @@ void Application::Load_Labels_Ask() {
     if (!session.Has_Volume()) {
         Warn("Open an image first; labels lie on an image.");
     } else if (!session.Is_Unsaved() || Ask_Unsaved()) {
-        if (const auto path = Ask_Open(window.Handle(), label_filter, L"Load labels")) {
+        if (const auto path = Ask_Open(window.Handle(), LABEL_FILTER, L"Load labels")) {
             Load_Labels(*path);
         }
     }
 }
 
 void Application::Export_Verify_Ask() {
-    if (const auto path = Ask_Open(window.Handle(), export_filter, L"Verify export")) {
+    if (const auto path = Ask_Open(window.Handle(), EXPORT_FILTER, L"Verify export")) {
         Export_Verify(*path, false);
     }
 }

@@ -20,12 +20,12 @@ namespace workbench {
 
 namespace {
 
-constexpr int bins_least = 16;
-constexpr int bins_most = 65535;
-constexpr int peaks_asked = 8;
-constexpr float scale_factor = 1.6F;     // of one step of the magnification
-constexpr int number_digits = 4;         // of means, deviations and thresholds
-constexpr double one_level_most = 1.01;  // widths are single precision
+constexpr int BINS_LEAST = 16;
+constexpr int BINS_MOST = 65535;
+constexpr int PEAKS_ASKED = 8;
+constexpr float SCALE_FACTOR = 1.6F;     // of one step of the magnification
+constexpr int LEVEL_DIGITS = 4;          // of means, deviations and thresholds
+constexpr double ONE_LEVEL_MOST = 1.01;  // widths are single precision
 
 struct Range {
     int tag = 0;
@@ -73,7 +73,7 @@ void Application::Histogram_Smoothed_Set(bool on) {
 }
 
 void Application::Histogram_Scale_Step(int step) {
-    hosted_histogram.Scale_Set(step > 0 ? histogram_panel.scale / scale_factor : histogram_panel.scale * scale_factor);
+    hosted_histogram.Scale_Set(step > 0 ? histogram_panel.scale / SCALE_FACTOR : histogram_panel.scale * SCALE_FACTOR);
     histogram_host->Refresh();
 }
 
@@ -93,7 +93,7 @@ void Application::Peaks_Fit_Gaussian() {
 
 void Application::Peaks_Fit_Derivative_Ask() {
     const auto answer =
-        Prompt(window.Handle(), L"Derivative method", L"Largest number of peaks:", std::to_wstring(peaks_asked));
+        Prompt(window.Handle(), L"Derivative method", L"Largest number of peaks:", std::to_wstring(PEAKS_ASKED));
     const long peaks = answer ? std::wcstol(answer->c_str(), nullptr, 10) : 0;
     if (peaks > 0) {
         Peaks_Show();
@@ -157,7 +157,7 @@ void Application::Histogram_Bins_Ask() {
         return;
     }
     Variable_Set("$GLI_HISTO_BINS_MAX", static_cast<double>(std::clamp<long>(std::wcstol(answer->c_str(), nullptr, 10),
-                                                                             bins_least, bins_most)));
+                                                                             BINS_LEAST, BINS_MOST)));
     Announce(UPDATE_HISTO_DATA | UPDATE_HISTO_PAINT);
 }
 
@@ -221,7 +221,7 @@ std::string Application::Histogram_Source() const {
         source += ", smoothed";
     }
     if (is_background_left_out && background) {
-        source += ", without background (up to " + Number_Text(*background, number_digits) + ")";
+        source += ", without background (up to " + Number_Text(*background, LEVEL_DIGITS) + ")";
     }
     return source;
 }
@@ -236,7 +236,7 @@ void Application::Background_Leave_Out(bool on) {
     is_background_left_out = on;
     Histograms_Refresh();
     Histogram_Scale_Suggest();
-    Status(on ? L"What surrounds the image, up to grey " + Wide_Of_Utf8(Number_Text(*background, number_digits)) +
+    Status(on ? L"What surrounds the image, up to grey " + Wide_Of_Utf8(Number_Text(*background, LEVEL_DIGITS)) +
                     L", is left out"
               : L"All pixels are counted");
 }
@@ -246,10 +246,10 @@ void Application::Background_Ask() {
     if (!proposed) {
         return Status(L"This image has no background to leave out");
     }
-    const std::wstring otsu = Wide_Of_Utf8(Number_Text(*proposed, number_digits));
+    const std::wstring otsu = Wide_Of_Utf8(Number_Text(*proposed, LEVEL_DIGITS));
     const auto answer =
         Prompt(window.Handle(), L"Background", L"Largest grey value of the background (Otsu's method: " + otsu + L"):",
-               Wide_Of_Utf8(Number_Text(background.value_or(*proposed), number_digits)));
+               Wide_Of_Utf8(Number_Text(background.value_or(*proposed), LEVEL_DIGITS)));
     if (!answer) {
         return;
     }
@@ -270,12 +270,12 @@ std::wstring Application::Histogram_Text() const {
     const Histo_Record& record = *histogram_panel.data->record;
     const double width = Grey_Of_Panel(record.bin_width);
     // Bins of one stored level stand for that level, wider ones for their middle.
-    const bool is_one_level = session.Has_Volume() && width <= std::abs(session.Image().slope) * one_level_most;
+    const bool is_one_level = session.Has_Volume() && width <= std::abs(session.Image().slope) * ONE_LEVEL_MOST;
     const Histogram_Numbers numbers = Histogram_Numbers_Of(
         {record.counts, record.nb_bins}, {Grey_Of_Panel(record.origin), width}, is_one_level ? 0.0 : 0.5);
     const auto level = [&](double value) { return Number_Text_In_Steps(value, width); };
-    return Wide_Of_Utf8("grey: mean " + Number_Text(numbers.mean, number_digits) + ", deviation " +
-                        Number_Text(numbers.deviation, number_digits) + ", mode " + level(numbers.mode) + ", median " +
+    return Wide_Of_Utf8("grey: mean " + Number_Text(numbers.mean, LEVEL_DIGITS) + ", deviation " +
+                        Number_Text(numbers.deviation, LEVEL_DIGITS) + ", mode " + level(numbers.mode) + ", median " +
                         level(numbers.median) + ", " + level(numbers.minimum) + " to " + level(numbers.maximum) +
                         ", 1 % " + level(numbers.percentile_1) + ", 99 % " + level(numbers.percentile_99));
 }

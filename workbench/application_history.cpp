@@ -15,7 +15,7 @@ unsigned __int64 Application::Step_Show(const Undo_Step& done, bool redo, int& s
     if (const auto* text = std::get_if<Text_Change>(&done.change)) {
         const std::optional<std::string>& value = redo ? text->after : text->before;
         const char* label = value ? value->c_str() : nullptr;
-        if (text->table == Text_Table::TAG_LABELS) {
+        if (text->table == Text_Table::Tag_Labels) {
             variables.Tag_Label_Set(text->index, label);
         } else {
             variables.Marker_Label_Set(text->index, label);

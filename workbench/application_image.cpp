@@ -11,9 +11,9 @@ namespace workbench {
 
 namespace {
 
-constexpr std::size_t window_menu_most = 15;
-constexpr std::uint16_t modality_ct = ('C' << 8) | 'T';
-constexpr int marker_reach = 5;  // slice pixels within which a press takes hold of a marker
+constexpr std::size_t WINDOW_MENU_MOST = 15;
+constexpr std::uint16_t MODALITY_CT = ('C' << 8) | 'T';
+constexpr int MARKER_REACH = 5;  // slice pixels within which a press takes hold of a marker
 
 }  // namespace
 
@@ -53,7 +53,7 @@ Image_Content Application::Content() const {
     }
     content.order = session.Order();
     const std::string& orientation = volumes.View(volumes.Current()).orientation;
-    const bool is_lost = volume.affine_source == volumes::Affine_Source::SPACING;
+    const bool is_lost = volume.affine_source == volumes::Affine_Source::Spacing;
     if (is_lost && !Letters_Set(orientation, content.order)) {
         // The file does not say how the patient lies.
         content.order.left = content.order.right = content.order.top = content.order.bottom = ' ';
@@ -122,8 +122,8 @@ std::vector<volumes::Display_Window> Application::Windows() const {
         return {};
     }
     std::vector<volumes::Display_Window> windows =
-        Display_Windows_Of(session.Image(), volumes.Facts(volumes.Current()).modality == modality_ct);
-    windows.resize(std::min(windows.size(), window_menu_most));
+        Display_Windows_Of(session.Image(), volumes.Facts(volumes.Current()).modality == MODALITY_CT);
+    windows.resize(std::min(windows.size(), WINDOW_MENU_MOST));
     return windows;
 }
 
@@ -195,7 +195,7 @@ void Application::Marker_Press(int x, int y) {
     if (x < 0 || x >= session.Width() || y < 0 || y >= session.Height()) {
         return;
     }
-    dragged_marker = session.Markers().Near(x, y, slice, marker_reach).value_or(variables.Marker_Cur());
+    dragged_marker = session.Markers().Near(x, y, slice, MARKER_REACH).value_or(variables.Marker_Cur());
     marker_before = session.Markers().Get(dragged_marker);
     if (dragged_marker != variables.Marker_Cur()) {
         Marker_Set(dragged_marker);

@@ -12,9 +12,9 @@ namespace workbench {
 
 namespace {
 
-constexpr int columns = 4;          // of the label panels
-constexpr int large_step = 10;      // pixels, with Shift
-constexpr float drag_step = 0.05F;  // share of the view that one key moves window or level by
+constexpr int COLUMNS = 4;          // of the label panels
+constexpr int LARGE_STEP = 10;      // pixels, with Shift
+constexpr float DRAG_STEP = 0.05F;  // share of the view that one key moves window or level by
 
 bool Is_Shift() {
     return ::GetKeyState(VK_SHIFT) < 0;
@@ -48,19 +48,19 @@ void Application::Focus_Mark(Pane pane) {
 }
 
 void Application::Level_Step(int step) {
-    Window_Drag(0.0F, static_cast<float>(step) * drag_step);
+    Window_Drag(0.0F, static_cast<float>(step) * DRAG_STEP);
 }
 
 void Application::Window_Width_Step(int step) {
-    Window_Drag(static_cast<float>(step) * drag_step, 0.0F);
+    Window_Drag(static_cast<float>(step) * DRAG_STEP, 0.0F);
 }
 
 void Application::Tag_Rename_Ask() {
-    Label_Ask(Text_Table::TAG_LABELS);
+    Label_Ask(Text_Table::Tag_Labels);
 }
 
 void Application::Marker_Rename_Ask() {
-    Label_Ask(Text_Table::MARKER_LABELS);
+    Label_Ask(Text_Table::Marker_Labels);
 }
 
 void Application::Cursor_Set(bool on) {
@@ -109,7 +109,7 @@ bool Application::Pane_Key(int key) {
         case Pane::Image:
             return Cursor_Key(key);
         case Pane::Tag:
-            if (const auto tag = Grid_Step(variables.Tag_Cur(), variables.Tag_Nb(), columns, key)) {
+            if (const auto tag = Grid_Step(variables.Tag_Cur(), variables.Tag_Nb(), COLUMNS, key)) {
                 Tag_Set(*tag, true);
                 return true;
             }
@@ -123,7 +123,7 @@ bool Application::Pane_Key(int key) {
         case Pane::Frames:
             return Pane_Command(key);
         case Pane::Marker:
-            if (const auto marker = Grid_Step(variables.Marker_Cur(), MARKER_NB, columns, key)) {
+            if (const auto marker = Grid_Step(variables.Marker_Cur(), MARKER_NB, COLUMNS, key)) {
                 Marker_Set(*marker);
                 return true;
             }
@@ -149,7 +149,7 @@ bool Application::Cursor_Key(int key) {
     if (!image.Is_Cursor()) {
         return false;
     }
-    const int step = Is_Shift() ? large_step : 1;
+    const int step = Is_Shift() ? LARGE_STEP : 1;
     switch (key) {
         case KEY_LEFT:
             image.Cursor_Move(-step, 0);
@@ -169,7 +169,7 @@ bool Application::Cursor_Key(int key) {
 }
 
 void Application::Label_Ask(Text_Table table) {
-    const bool is_tag = table == Text_Table::TAG_LABELS;
+    const bool is_tag = table == Text_Table::Tag_Labels;
     const int index = is_tag ? variables.Tag_Cur() : variables.Marker_Cur();
     const std::wstring now = Wide_Of_Panel((is_tag ? variables.Tag_Name(index) : variables.Marker_Name(index)).c_str());
     const auto answer = Prompt(

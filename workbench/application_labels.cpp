@@ -98,8 +98,8 @@ void Application::Labels_Adopt(const Label_Description& description) {
 std::optional<Grid_Choice> Application::Labels_Place_Ask(const volumes::Volume& loaded,
                                                          const std::filesystem::path& path) {
     const Grid_Match match = session.Labels_Compare(loaded);
-    if (match.relation != Grid_Relation::OTHER || loaded.color) {
-        return Grid_Choice::REFUSE;  // nothing is to be chosen
+    if (match.relation != Grid_Relation::Other || loaded.color) {
+        return Grid_Choice::Refuse;  // nothing is to be chosen
     }
     std::vector<std::wstring> ways;
     std::vector<Grid_Choice> choices;
@@ -108,10 +108,10 @@ std::optional<Grid_Choice> Application::Labels_Place_Ask(const volumes::Volume& 
         choices.push_back(choice);
     };
     if (match.is_placed) {
-        offer(L"&Resample: every voxel of the image takes the nearest label", Grid_Choice::RESAMPLE);
+        offer(L"&Resample: every voxel of the image takes the nearest label", Grid_Choice::Resample);
     }
     if (match.is_same_size) {
-        offer(L"Lay on by &index: voxel on voxel, whatever their places", Grid_Choice::BY_INDEX);
+        offer(L"Lay on by &index: voxel on voxel, whatever their places", Grid_Choice::By_Index);
     }
     ways.emplace_back(L"&Cancel");
     const std::wstring text = Wide_Of_Utf8(volumes::File_Name_Text(path)) +
@@ -129,15 +129,15 @@ std::optional<Grid_Choice> Application::Labels_Place_Ask(const volumes::Volume& 
 std::string Application::Labels_Place_Text(const volumes::Volume& loaded, const std::filesystem::path& path,
                                            Grid_Choice choice) const {
     const Grid_Match match = session.Labels_Compare(loaded);
-    if (match.relation == Grid_Relation::TURNED) {
+    if (match.relation == Grid_Relation::Turned) {
         return volumes::File_Name_Text(path) + " holds the image's voxels in another order (" + Grid_Turn_Text(match) +
                "); they were put in the image's order, voxel for voxel.";
     }
-    if (match.relation == Grid_Relation::SAME) {
+    if (match.relation == Grid_Relation::Same) {
         return {};
     }
     return volumes::File_Name_Text(path) +
-           (choice == Grid_Choice::RESAMPLE ? " was resampled to the voxels of the image."
+           (choice == Grid_Choice::Resample ? " was resampled to the voxels of the image."
                                             : " was laid on by index, although its voxels lie elsewhere.") +
            " It is not the file of these labels: saving asks for a name.";
 }

@@ -16,7 +16,7 @@ int Application::Propagate(int from, int to) {
     std::ranges::copy(variables.Tag_Lock(), tags.locked.begin());
     tags.locked[0] = 0;  // see Ink
     const std::size_t carried = session.Propagate(propagation_kind, from, to, tags);
-    const wchar_t* name = propagation_kind == Propagation_Kind::COPY ? L"copy" : L"grow";
+    const wchar_t* name = propagation_kind == Propagation_Kind::Copy ? L"copy" : L"grow";
     if (carried == 0) {
         Status(L"Nothing to carry: frame " + std::to_wstring(from + 1) + L" shows no selected TAG");
         return 0;
@@ -38,7 +38,7 @@ void Application::Propagate_Step(int direction) {
 void Application::Propagation_Kind_Set(Propagation_Kind kind) {
     propagation_kind = kind;
     Notes_Refresh();
-    Status(kind == Propagation_Kind::COPY ? L"Propagation copies TAGs as they are"
+    Status(kind == Propagation_Kind::Copy ? L"Propagation copies TAGs as they are"
                                           : L"Propagation lets TAGs grow to the grey levels of the next frame");
 }
 

@@ -16,9 +16,9 @@ namespace workbench {
 
 namespace {
 
-constexpr UINT_PTR recovery_timer = 41;
-constexpr ULONGLONG recovery_late_ms = RECOVERY_LOSS_MOST_MS / 3;
-constexpr int retry_looks = 6;  // between two tries to write what could not be written
+constexpr UINT_PTR RECOVERY_TIMER = 41;
+constexpr ULONGLONG RECOVERY_LATE_MS = RECOVERY_LOSS_MOST_MS / 3;
+constexpr int RETRY_LOOKS = 6;  // between two tries to write what could not be written
 
 std::vector<std::uint8_t> Tags_Of(const Recovery_Volume& volume) {
     std::vector<std::uint8_t> tags(volume.grid.Voxel_Nb());
@@ -60,7 +60,7 @@ void Application::Recovery_Open() {
 
 void Application::Recovery_Look_After(int ms) {
     // A procedure of its own: it is called in every message loop, also those of dialogs and menus.
-    ::SetTimer(window.Handle(), recovery_timer, static_cast<UINT>(ms), [](HWND, UINT, UINT_PTR, DWORD) {
+    ::SetTimer(window.Handle(), RECOVERY_TIMER, static_cast<UINT>(ms), [](HWND, UINT, UINT_PTR, DWORD) {
         if (Application* const application = The()) {
             application->Recovery_Look();
         }
@@ -85,7 +85,7 @@ bool Application::Recovery_Look() {
         if (snapshot) {
             report.Line("recovery_looked " + std::to_string(snapshot->parts.size()));
             recovery_keeper->Offer(std::move(*snapshot));
-        } else if (recovery_keeper->Has_Failed() && ++recovery_waited >= retry_looks) {
+        } else if (recovery_keeper->Has_Failed() && ++recovery_waited >= RETRY_LOOKS) {
             recovery_waited = 0;
             recovery_keeper->Retry();
         }
@@ -107,7 +107,7 @@ bool Application::Recovery_Look() {
 
 void Application::Recovery_Look_If_Late() {
     // Timers come last; a queue that is never empty must not hold them back for ever.
-    if (recovery_keeper && ::GetTickCount64() - recovery_looked > recovery_late_ms) {
+    if (recovery_keeper && ::GetTickCount64() - recovery_looked > RECOVERY_LATE_MS) {
         Recovery_Look();
     }
 }

@@ -16,8 +16,8 @@ namespace workbench {
 
 namespace {
 
-constexpr int db_rows_most = 100;  // enough of the tree to click on
-constexpr int number_digits = 4;
+constexpr int DB_ROWS_MOST = 100;  // enough of the tree to click on
+constexpr int LEVEL_DIGITS = 4;
 
 }  // namespace
 
@@ -128,7 +128,7 @@ void Application::Report_Database(Json_Text& out) {
         leaves += is_leaf ? 1 : 0;
         checked += is_leaf && (rows[at].state & DB_STATE_CHECKED) != 0 ? 1 : 0;
         shown += rows[at].row != DB_ROW_NONE ? 1 : 0;
-        if (at < db_rows_most) {
+        if (at < DB_ROWS_MOST) {
             const std::string title = rows[at].title != nullptr ? rows[at].title : "";
             const std::string name = rows[at].name != nullptr ? rows[at].name : "";
             out.Object_Begin();
@@ -168,7 +168,7 @@ void Application::Report_Histogram(Json_Text& out) {
     out.Text("histogram_mark", marked);
     out.Number("histogram_smoothed", is_histogram_smoothed ? 1 : 0);
     out.Text("histogram_source", Histogram_Source());
-    out.Text("background", background ? Number_Text(*background, number_digits) : "none");
+    out.Text("background", background ? Number_Text(*background, LEVEL_DIGITS) : "none");
     out.Number("peaks_stale", analysis.Is_Stale() ? 1 : 0);
     out.List_Begin("peaks");
     for (const Peak_Row& peak : analysis.Table().rows) {

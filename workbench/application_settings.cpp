@@ -16,9 +16,9 @@ namespace workbench {
 
 namespace {
 
-constexpr int window_width = 1320;  // of the first start, pixels at 96 dots per inch
-constexpr int window_height = 860;
-constexpr int tool_width = 470;  // of the tools and the frame, at most
+constexpr int WINDOW_WIDTH = 1320;  // of the first start, pixels at 96 dots per inch
+constexpr int WINDOW_HEIGHT = 860;
+constexpr int TOOL_WIDTH = 470;  // of the tools and the frame, at most
 
 /** In the user's profile; empty when there is none, and then nothing is kept. */
 std::filesystem::path Usual_Place() {
@@ -45,16 +45,16 @@ void Application::Settings_Apply() {
     const Window_Place area = Screen_Of(nullptr);
     Window_Place place = kept.window;
     if (place.width <= 0) {
-        place = {area.left, area.top, look.Px(window_width), look.Px(window_height), false};
+        place = {area.left, area.top, look.Px(WINDOW_WIDTH), look.Px(WINDOW_HEIGHT), false};
     }
     place = Place_Inside(place, area);
     // What was not kept is left where the system puts it.
     ::SetWindowPos(window.Handle(), nullptr, place.left, place.top, place.width, place.height,
                    SWP_NOZORDER | (kept.window.width > 0 ? 0U : static_cast<UINT>(SWP_NOMOVE)));
-    analysis.Place_Set(kept.peaks_window, look.Px(tool_width));
+    analysis.Place_Set(kept.peaks_window, look.Px(TOOL_WIDTH));
     Enlarged_Place_Set(window.Handle(), kept.enlarged_window);
-    not_opened_list.Place_Set(kept.list_window, look.Px(tool_width));
-    read_list.Place_Set(kept.facts_window, look.Px(tool_width));
+    not_opened_list.Place_Set(kept.list_window, look.Px(TOOL_WIDTH));
+    read_list.Place_Set(kept.facts_window, look.Px(TOOL_WIDTH));
     tool_area.Folded_Set(kept.folded);
     trace.Show(options.trace || kept.is_trace_shown);
     database.View_Set(static_cast<Database_View>(kept.database_view));

@@ -15,7 +15,7 @@ namespace workbench {
 
 namespace {
 
-constexpr int threshold_digits = 6;
+constexpr int THRESHOLD_DIGITS = 6;
 
 std::wstring Lower(std::wstring text) {
     std::ranges::transform(text, text.begin(), [](wchar_t unit) { return static_cast<wchar_t>(std::towlower(unit)); });
@@ -156,7 +156,7 @@ void Application::Threshold_Ask(bool is_upper) {
         Prompt(window.Handle(), is_upper ? L"Upper threshold" : L"Lower threshold",
                (is_upper ? L"Largest grey value of " : L"Smallest grey value of ") +
                    Wide_Of_Panel(variables.Tag_Name(variables.Tag_Cur()).c_str()) + L" (empty: no limit):",
-               is_set ? Wide_Of_Utf8(Number_Text(Grey_Of_Panel(limit), threshold_digits)) : L"");
+               is_set ? Wide_Of_Utf8(Number_Text(Grey_Of_Panel(limit), THRESHOLD_DIGITS)) : L"");
     if (!answer) {
         return;
     }

@@ -20,9 +20,9 @@ namespace workbench {
 
 namespace {
 
-constexpr unsigned __int64 volume_changed = UPDATE_WINDOW_CUR | UPDATE_FRAME_CUR | UPDATE_SELECTION | UPDATE_LEVEL_2D |
+constexpr unsigned __int64 VOLUME_CHANGED = UPDATE_WINDOW_CUR | UPDATE_FRAME_CUR | UPDATE_SELECTION | UPDATE_LEVEL_2D |
                                             UPDATE_TAG_ENABLE | UPDATE_TAG_LABEL | UPDATE_HISTO_PAINT;
-constexpr std::size_t problems_shown = 3;  // in the banner; more are only listed
+constexpr std::size_t PROBLEMS_SHOWN = 3;  // in the banner; more are only listed
 
 std::string Problem_Sentence(const volumes::Folder_Problem& problem) {
     return volumes::File_Name_Text(problem.path) + ' ' + problem.reason + '.';
@@ -131,7 +131,7 @@ void Application::Problems_Tell(const volumes::Image_Folder& opened, const std::
     for (const volumes::Folder_Problem& problem : opened.problems) {
         report.Line("problem " + Problem_Sentence(problem));
     }
-    if (opened.problems.size() > problems_shown) {
+    if (opened.problems.size() > PROBLEMS_SHOWN) {
         Warn(volumes::Image_Folder_Text(opened) + ". File > Files not opened lists what was left out, and why.");
         return;
     }
@@ -169,7 +169,7 @@ void Application::Show_Volumes(const std::filesystem::path& first, volumes::Imag
     hosted_histogram.Scale_Release();
     Histogram_Select();
     // One announcement, when all class trees are as these data have them: each is built once.
-    Announce(UPDATE_ALL | UPDATE_STRUCTURE | UPDATE_LEVEL_1D | UPDATE_LEVEL_3D | volume_changed);
+    Announce(UPDATE_ALL | UPDATE_STRUCTURE | UPDATE_LEVEL_1D | UPDATE_LEVEL_3D | VOLUME_CHANGED);
     Class_Changes_Opened(class_problem_found);
     Histogram_Scale_Suggest();
     const std::wstring text = Volume_Text() + L"   " + Histogram_Text();
@@ -209,7 +209,7 @@ void Application::Read_Facts_Show() {
 }
 
 void Application::Orientation_Ask() {
-    if (!session.Has_Volume() || session.Image().affine_source != volumes::Affine_Source::SPACING) {
+    if (!session.Has_Volume() || session.Image().affine_source != volumes::Affine_Source::Spacing) {
         Warn(session.Has_Volume() ? "The file says how the image lies; there is nothing to choose."
                                   : "Open an image first.");
         return;
@@ -292,7 +292,7 @@ void Application::Volume_Go(int wanted) {
     }
     is_histogram_of_checked = false;
     Histogram_Select();
-    Announce(volume_changed);
+    Announce(VOLUME_CHANGED);
     Histogram_Scale_Suggest();
 }
 
@@ -301,7 +301,7 @@ unsigned __int64 Application::Frame_Follow(const Quorel_2D* frame) {
     if (place.volume < 0) {
         return 0;
     }
-    unsigned __int64 flags = Volume_Set(place.volume) ? volume_changed : 0;
+    unsigned __int64 flags = Volume_Set(place.volume) ? VOLUME_CHANGED : 0;
     if (place.slice != slice) {
         Slice_Show(place.slice, false);
         flags |= UPDATE_FRAME_CUR;

@@ -17,26 +17,26 @@ namespace workbench {
 
 namespace {
 
-constexpr LONG root_object = -25;     // UiaRootObjectId: what the question is about
-constexpr int append_runtime_id = 3;  // UiaAppendRuntimeId: the window's number goes before
-constexpr HRESULT not_available = static_cast<HRESULT>(0x80040201);  // UIA_E_ELEMENTNOTAVAILABLE
+constexpr LONG ROOT_OBJECT = -25;     // UiaRootObjectId: what the question is about
+constexpr int APPEND_RUNTIME_ID = 3;  // UiaAppendRuntimeId: the window's number goes before
+constexpr HRESULT NOT_AVAILABLE = static_cast<HRESULT>(0x80040201);  // UIA_E_ELEMENTNOTAVAILABLE
 
 // Numbers of properties.
-constexpr int property_control_type = 30003;
-constexpr int property_name = 30005;
-constexpr int property_is_enabled = 30010;
-constexpr int property_is_control = 30016;
-constexpr int property_is_content = 30017;
-constexpr int property_is_offscreen = 30022;
-constexpr int property_item_status = 30026;
-constexpr int property_level = 30154;
+constexpr int PROPERTY_CONTROL_TYPE = 30003;
+constexpr int PROPERTY_NAME = 30005;
+constexpr int PROPERTY_IS_ENABLED = 30010;
+constexpr int PROPERTY_IS_CONTROL = 30016;
+constexpr int PROPERTY_IS_CONTENT = 30017;
+constexpr int PROPERTY_IS_OFFSCREEN = 30022;
+constexpr int PROPERTY_ITEM_STATUS = 30026;
+constexpr int PROPERTY_LEVEL = 30154;
 
 struct Kind {
     LONG role;
     int control_type;
 };
-constexpr int control_custom = 50025;
-constexpr Kind kinds[] = {
+constexpr int CONTROL_CUSTOM = 50025;
+constexpr Kind KINDS[] = {
     {ROLE_SYSTEM_PUSHBUTTON, 50000}, {ROLE_SYSTEM_COMBOBOX, 50003},    {ROLE_SYSTEM_TEXT, 50004},
     {ROLE_SYSTEM_GRAPHIC, 50006},    {ROLE_SYSTEM_SCROLLBAR, 50014},   {ROLE_SYSTEM_SLIDER, 50015},
     {ROLE_SYSTEM_STATUSBAR, 50017},  {ROLE_SYSTEM_PAGETAB, 50019},     {ROLE_SYSTEM_STATICTEXT, 50020},
@@ -46,12 +46,12 @@ constexpr Kind kinds[] = {
 };
 
 int Control_Type(LONG role) {
-    for (const Kind& kind : kinds) {
+    for (const Kind& kind : KINDS) {
         if (kind.role == role) {
             return kind.control_type;
         }
     }
-    return control_custom;
+    return CONTROL_CUSTOM;
 }
 
 /** What has no property of its own, in words. */
@@ -132,20 +132,20 @@ class Automation_Element final
         value->vt = VT_EMPTY;
         return Of_Element([&](const Accessible_Part& asked) {
             switch (property) {
-                case property_name:
+                case PROPERTY_NAME:
                     return Text(asked.name, value);
-                case property_item_status:
+                case PROPERTY_ITEM_STATUS:
                     return Text(Status_Text(asked.state), value);
-                case property_control_type:
+                case PROPERTY_CONTROL_TYPE:
                     return Number(Control_Type(asked.role), value);
-                case property_level:
+                case PROPERTY_LEVEL:
                     return asked.level > 0 ? Number(asked.level, value) : S_OK;
-                case property_is_enabled:
+                case PROPERTY_IS_ENABLED:
                     return Truth((asked.state & STATE_SYSTEM_UNAVAILABLE) == 0, value);
-                case property_is_offscreen:
+                case PROPERTY_IS_OFFSCREEN:
                     return Truth((asked.state & STATE_SYSTEM_OFFSCREEN) != 0, value);
-                case property_is_control:
-                case property_is_content:
+                case PROPERTY_IS_CONTROL:
+                case PROPERTY_IS_CONTENT:
                     return Truth(true, value);
                 default:
                     return S_OK;
@@ -163,7 +163,7 @@ class Automation_Element final
         *to = nullptr;
         const std::optional<Accessible_Snapshot> asked = Accessible_Snapshot_Ask(window);
         if (!asked) {
-            return not_available;
+            return NOT_AVAILABLE;
         }
         const int count = static_cast<int>(asked->parts.size());
         switch (direction) {
@@ -190,7 +190,7 @@ class Automation_Element final
         if (*id == nullptr) {
             return E_OUTOFMEMORY;
         }
-        const int numbers[] = {append_runtime_id, part_number};
+        const int numbers[] = {APPEND_RUNTIME_ID, part_number};
         for (LONG at = 0; at < 2; ++at) {
             int number = numbers[at];
             ::SafeArrayPutElement(*id, &at, &number);
@@ -220,7 +220,7 @@ class Automation_Element final
         *at = nullptr;
         const std::optional<Accessible_Snapshot> asked = Accessible_Snapshot_Ask(window);
         if (!asked) {
-            return not_available;
+            return NOT_AVAILABLE;
         }
         const POINT point = {static_cast<LONG>(x), static_cast<LONG>(y)};
         int found = 0;
@@ -299,7 +299,7 @@ class Automation_Element final
     HRESULT Of_Element(Call call) {
         std::optional<Accessible_Snapshot> asked = Accessible_Snapshot_Ask(window);
         if (!asked || static_cast<std::size_t>(part_number) > asked->parts.size()) {
-            return not_available;
+            return NOT_AVAILABLE;
         }
         if (part_number != 0) {
             return call(asked->parts[static_cast<std::size_t>(part_number) - 1]);
@@ -342,7 +342,7 @@ IRawElementProviderSimple* Automation_Provider_Make(HWND window) {
 }
 
 LRESULT Automation_Answer(HWND window, WPARAM wparam, LPARAM lparam) {
-    if (static_cast<LONG>(lparam) != root_object) {
+    if (static_cast<LONG>(lparam) != ROOT_OBJECT) {
         return 0;
     }
     const auto give = Library().Find<Provider_To_Answer>("UiaReturnRawElementProvider");

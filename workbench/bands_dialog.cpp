@@ -7,15 +7,15 @@ namespace workbench {
 
 namespace {
 
-constexpr int id_peaks = 100;
-constexpr int id_tag = 101;
-constexpr short width = 320;  // dialog units
-constexpr short height = 176;
-constexpr short margin = 7;
-constexpr short line = 10;
-constexpr short list_height = 100;
-constexpr short button_width = 60;
-constexpr short button_height = 14;
+constexpr int ID_PEAKS = 100;
+constexpr int ID_TAG = 101;
+constexpr short WIDTH = 320;  // dialog units
+constexpr short HEIGHT = 176;
+constexpr short MARGIN = 7;
+constexpr short LINE = 10;
+constexpr short LIST_HEIGHT = 100;
+constexpr short BUTTON_WIDTH = 60;
+constexpr short BUTTON_HEIGHT = 14;
 
 struct Asked {
     Band_Plan& plan;
@@ -38,32 +38,32 @@ LPARAM Text_Parameter(const std::wstring& text) {
 
 /** Writes all lines anew and marks the one that was marked. */
 void Peaks_Fill(HWND dialog, const Asked& asked, LRESULT marked) {
-    Send(dialog, id_peaks, LB_RESETCONTENT, 0, 0);
+    Send(dialog, ID_PEAKS, LB_RESETCONTENT, 0, 0);
     for (const Band_Choice& choice : asked.plan.Choices()) {
-        Send(dialog, id_peaks, LB_ADDSTRING, 0, Text_Parameter(Peak_Line(asked, choice)));
+        Send(dialog, ID_PEAKS, LB_ADDSTRING, 0, Text_Parameter(Peak_Line(asked, choice)));
     }
-    Send(dialog, id_peaks, LB_SETCURSEL, static_cast<WPARAM>(marked), 0);
+    Send(dialog, ID_PEAKS, LB_SETCURSEL, static_cast<WPARAM>(marked), 0);
 }
 
 void Tag_Mark(HWND dialog, const Asked& asked) {
-    const LRESULT marked = Send(dialog, id_peaks, LB_GETCURSEL, 0, 0);
+    const LRESULT marked = Send(dialog, ID_PEAKS, LB_GETCURSEL, 0, 0);
     if (marked >= 0) {
         const int tag = asked.plan.Choices()[static_cast<std::size_t>(marked)].tag;
-        Send(dialog, id_tag, CB_SETCURSEL, static_cast<WPARAM>(tag), 0);
+        Send(dialog, ID_TAG, CB_SETCURSEL, static_cast<WPARAM>(tag), 0);
     }
 }
 
 void Start(HWND dialog, const Asked& asked) {
-    Send(dialog, id_tag, CB_ADDSTRING, 0, Text_Parameter(L"no TAG"));
+    Send(dialog, ID_TAG, CB_ADDSTRING, 0, Text_Parameter(L"no TAG"));
     for (int tag = 1; tag < asked.plan.Tag_Nb(); ++tag) {
         const Claimed_Levels now = asked.namer.claimed(tag);
         const std::wstring text = L"TAG " + std::to_wstring(tag) + L" " + Wide_Of_Utf8(asked.namer.name(tag)) +
                                   (now.is_set ? L" (has levels)" : L"");
-        Send(dialog, id_tag, CB_ADDSTRING, 0, Text_Parameter(text));
+        Send(dialog, ID_TAG, CB_ADDSTRING, 0, Text_Parameter(text));
     }
     Peaks_Fill(dialog, asked, 0);
     Tag_Mark(dialog, asked);
-    ::SetFocus(::GetDlgItem(dialog, id_peaks));
+    ::SetFocus(::GetDlgItem(dialog, ID_PEAKS));
 }
 
 INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -78,13 +78,13 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lpar
     }
     const int id = LOWORD(wparam);
     const int told = HIWORD(wparam);
-    if (id == id_peaks && told == LBN_SELCHANGE) {
+    if (id == ID_PEAKS && told == LBN_SELCHANGE) {
         Tag_Mark(dialog, *asked);
         return TRUE;
     }
-    if (id == id_tag && told == CBN_SELCHANGE) {
-        const LRESULT peak = Send(dialog, id_peaks, LB_GETCURSEL, 0, 0);
-        const LRESULT tag = Send(dialog, id_tag, CB_GETCURSEL, 0, 0);
+    if (id == ID_TAG && told == CBN_SELCHANGE) {
+        const LRESULT peak = Send(dialog, ID_PEAKS, LB_GETCURSEL, 0, 0);
+        const LRESULT tag = Send(dialog, ID_TAG, CB_GETCURSEL, 0, 0);
         if (peak >= 0 && tag >= 0) {
             asked->plan.Tag_Set(static_cast<std::size_t>(peak), static_cast<int>(tag));
             Peaks_Fill(dialog, *asked, peak);
@@ -101,23 +101,23 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lpar
 }  // namespace
 
 bool Bands_Ask(HWND owner, Band_Plan& plan, const Tag_Namer& namer) {
-    constexpr short inner = width - 2 * margin;
-    Dialog_Template dialog(L"Peaks to TAG bands", width, height);
-    short y = margin;
-    dialog.Add(DIALOG_STATIC, SS_LEFT, margin, y, inner, line, 0xFFFF,
+    constexpr short inner = WIDTH - 2 * MARGIN;
+    Dialog_Template dialog(L"Peaks to TAG bands", WIDTH, HEIGHT);
+    short y = MARGIN;
+    dialog.Add(DIALOG_STATIC, SS_LEFT, MARGIN, y, inner, LINE, 0xFFFF,
                L"&Peaks, their grey levels and the TAGs that get them:");
-    y = static_cast<short>(y + line + 2);
-    dialog.Add(DIALOG_LIST, WS_BORDER | WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT, margin, y, inner,
-               list_height, id_peaks, L"");
-    y = static_cast<short>(y + list_height + margin);
-    dialog.Add(DIALOG_STATIC, SS_LEFT, margin, static_cast<short>(y + 2), 90, line, 0xFFFF,
+    y = static_cast<short>(y + LINE + 2);
+    dialog.Add(DIALOG_LIST, WS_BORDER | WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT, MARGIN, y, inner,
+               LIST_HEIGHT, ID_PEAKS, L"");
+    y = static_cast<short>(y + LIST_HEIGHT + MARGIN);
+    dialog.Add(DIALOG_STATIC, SS_LEFT, MARGIN, static_cast<short>(y + 2), 90, LINE, 0xFFFF,
                L"&TAG of the marked peak:");
-    dialog.Add(DIALOG_COMBO, WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST, margin + 92, y, inner - 92, list_height,
-               id_tag, L"");
-    y = static_cast<short>(height - margin - button_height);
-    dialog.Add(DIALOG_BUTTON, BS_DEFPUSHBUTTON | WS_TABSTOP, width - 2 * (margin + button_width), y, button_width,
-               button_height, IDOK, L"&Set bands");
-    dialog.Add(DIALOG_BUTTON, BS_PUSHBUTTON | WS_TABSTOP, width - margin - button_width, y, button_width, button_height,
+    dialog.Add(DIALOG_COMBO, WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST, MARGIN + 92, y, inner - 92, LIST_HEIGHT,
+               ID_TAG, L"");
+    y = static_cast<short>(HEIGHT - MARGIN - BUTTON_HEIGHT);
+    dialog.Add(DIALOG_BUTTON, BS_DEFPUSHBUTTON | WS_TABSTOP, WIDTH - 2 * (MARGIN + BUTTON_WIDTH), y, BUTTON_WIDTH,
+               BUTTON_HEIGHT, IDOK, L"&Set bands");
+    dialog.Add(DIALOG_BUTTON, BS_PUSHBUTTON | WS_TABSTOP, WIDTH - MARGIN - BUTTON_WIDTH, y, BUTTON_WIDTH, BUTTON_HEIGHT,
                IDCANCEL, L"Cancel");
     Asked asked = {plan, namer};
     return ::DialogBoxIndirectParamW(::GetModuleHandleW(nullptr), dialog.Finish(), owner, &Procedure,

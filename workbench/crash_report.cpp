@@ -21,16 +21,16 @@ namespace workbench {
 
 namespace {
 
-constexpr DWORD code_of_compiler = 0x20474343;    // how the compiler throws C++ exceptions
-constexpr DWORD code_of_terminate = 0xE0000001;   // ours: C++ gave up
-constexpr DWORD code_of_abort = 0xE0000002;       // ours
-constexpr std::size_t path_size = 600;            // of the folder and the name
-constexpr ULONG stack_for_handler = 64U * 1024U;  // kept free for a stack overflow
-constexpr int frames_most = 64;
-constexpr UINT status_crashed = 3;
+constexpr DWORD CODE_OF_COMPILER = 0x20474343;    // how the compiler throws C++ exceptions
+constexpr DWORD CODE_OF_TERMINATE = 0xE0000001;   // ours: C++ gave up
+constexpr DWORD CODE_OF_ABORT = 0xE0000002;       // ours
+constexpr std::size_t REPORT_PATH_SIZE = 600;     // of the folder and the name
+constexpr ULONG STACK_FOR_HANDLER = 64U * 1024U;  // kept free for a stack overflow
+constexpr int FRAMES_MOST = 64;
+constexpr UINT STATUS_CRASHED = 3;
 
 // All that the report needs stands here: after a fault no memory is taken.
-wchar_t report_folder[path_size] = {};
+wchar_t report_folder[REPORT_PATH_SIZE] = {};
 char program_version[64] = {};
 char fault_text[512] = {};  // what a C++ exception says
 std::atomic<bool> is_reporting = false;
@@ -95,7 +95,7 @@ bool Is_Readable(DWORD64 address) {
 }
 
 void Stack_Put(Report_File& report, CONTEXT context) {
-    for (int frame = 0; frame < frames_most; ++frame) {
+    for (int frame = 0; frame < FRAMES_MOST; ++frame) {
         if (context.Rip != 0) {
             report.Place(context.Rip);
         } else {
@@ -123,9 +123,9 @@ void Stack_Put(Report_File& report, CONTEXT context) {
 /** What happened, in a few words. In static memory: a fault may be one of the stack. */
 const char* Fault_Words(const EXCEPTION_RECORD& fault) {
     static char words[sizeof fault_text + 40];
-    if (fault.ExceptionCode == code_of_terminate) {
+    if (fault.ExceptionCode == CODE_OF_TERMINATE) {
         std::snprintf(words, sizeof words, "C++ exception: %s", fault_text);
-    } else if (fault.ExceptionCode == code_of_abort) {
+    } else if (fault.ExceptionCode == CODE_OF_ABORT) {
         std::snprintf(words, sizeof words, "abort");
     } else if (fault.ExceptionCode == EXCEPTION_ACCESS_VIOLATION && fault.NumberParameters >= 2) {
         std::snprintf(words, sizeof words, "access violation, %s 0x%llX",
@@ -163,7 +163,7 @@ void Report_Write(const EXCEPTION_RECORD& fault, const CONTEXT& context) {
     }
     SYSTEMTIME now = {};
     ::GetLocalTime(&now);
-    wchar_t path[path_size + 80] = {};
+    wchar_t path[REPORT_PATH_SIZE + 80] = {};
     ::wsprintfW(path, L"%s\\crash-%04u%02u%02u-%02u%02u%02u-%lu.new.txt", report_folder, now.wYear, now.wMonth,
                 now.wDay, now.wHour, now.wMinute, now.wSecond, ::GetCurrentProcessId());
     Report_File report(path);
@@ -182,7 +182,7 @@ void Report_Write(const EXCEPTION_RECORD& fault, const CONTEXT& context) {
 }
 
 LONG WINAPI On_Fault(EXCEPTION_POINTERS* fault) {
-    if (fault->ExceptionRecord->ExceptionCode == code_of_compiler) {
+    if (fault->ExceptionRecord->ExceptionCode == CODE_OF_COMPILER) {
         return EXCEPTION_CONTINUE_EXECUTION;  // goes on to std::terminate, which knows what was thrown
     }
     Report_Write(*fault->ExceptionRecord, *fault->ContextRecord);
@@ -196,7 +196,7 @@ LONG WINAPI On_Fault(EXCEPTION_POINTERS* fault) {
     fault.ExceptionCode = code;
     fault.ExceptionAddress = reinterpret_cast<void*>(context.Rip);
     Report_Write(fault, context);
-    ::TerminateProcess(::GetCurrentProcess(), status_crashed);
+    ::TerminateProcess(::GetCurrentProcess(), STATUS_CRASHED);
     for (;;) {  // never: the process is gone
     }
 }
@@ -216,11 +216,11 @@ void On_Terminate() {
         std::snprintf(fault_text, sizeof fault_text, "%s", what);
     }
     std::fprintf(stderr, "workbench: %s\n", fault_text);
-    End_Here(code_of_terminate);
+    End_Here(CODE_OF_TERMINATE);
 }
 
 void On_Abort(int) {
-    End_Here(code_of_abort);
+    End_Here(CODE_OF_ABORT);
 }
 
 }  // namespace
@@ -230,13 +230,13 @@ void Crash_Report_Install(const std::filesystem::path& folder, std::string_view 
         std::error_code ignored;
         std::filesystem::create_directories(folder, ignored);
         const std::wstring whole = std::filesystem::absolute(folder, ignored).wstring();
-        if (whole.size() < path_size) {
+        if (whole.size() < REPORT_PATH_SIZE) {
             std::ranges::copy(whole, report_folder);
             report_folder[whole.size()] = 0;
         }
     }
     std::snprintf(program_version, sizeof program_version, "%.*s", static_cast<int>(version.size()), version.data());
-    ULONG kept_free = stack_for_handler;
+    ULONG kept_free = STACK_FOR_HANDLER;
     ::SetThreadStackGuarantee(&kept_free);
     ::SetUnhandledExceptionFilter(&On_Fault);
     std::set_terminate(&On_Terminate);

@@ -33,17 +33,17 @@ void Do(HWND window, const Enlarged_Act& act) {
     POINT point = {act.x, act.y};
     const LPARAM in_client = MAKELPARAM(static_cast<WORD>(point.x), static_cast<WORD>(point.y));
     switch (act.kind) {
-        case Enlarged_Act::Kind::WHEEL:
+        case Enlarged_Act::Kind::Wheel:
             ::ClientToScreen(window, &point);
             ::SendMessageW(window, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(act.notches * WHEEL_DELTA)),
                            MAKELPARAM(static_cast<WORD>(point.x), static_cast<WORD>(point.y)));
             break;
-        case Enlarged_Act::Kind::PRESS:
+        case Enlarged_Act::Kind::Press:
             ::SendMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, in_client);
             ::SendMessageW(window, WM_LBUTTONUP, 0, in_client);
             ::SendMessageW(window, WM_MOUSELEAVE, 0, 0);
             break;
-        case Enlarged_Act::Kind::CLOSE:
+        case Enlarged_Act::Kind::Close:
             ::SendMessageW(window, WM_CLOSE, 0, 0);
             break;
     }

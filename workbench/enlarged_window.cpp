@@ -8,7 +8,7 @@ namespace workbench {
 
 namespace {
 
-constexpr const wchar_t* class_name = L"Histogram";  // of the panels' module
+constexpr const wchar_t* CLASS_NAME = L"Histogram";  // of the panels' module
 constexpr const char* PLACE = "$HISTO_WINDOW_PLACE";
 constexpr int PLACE_NUMBERS = 4;
 
@@ -16,7 +16,7 @@ constexpr int PLACE_NUMBERS = 4;
 
 bool Is_Enlarged_Window(HWND window) {
     wchar_t name[32] = {};
-    return window != nullptr && ::GetClassNameW(window, name, 32) > 0 && std::wcscmp(name, class_name) == 0;
+    return window != nullptr && ::GetClassNameW(window, name, 32) > 0 && std::wcscmp(name, CLASS_NAME) == 0;
 }
 
 void Enlarged_Place_Set(HWND owner, const Window_Place& last) {

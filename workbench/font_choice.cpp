@@ -7,8 +7,8 @@ namespace workbench {
 
 namespace {
 
-constexpr WORD no_glyph = 0xFFFF;
-constexpr wchar_t last_common = 0x24F;  // Latin letters, which every face of ours has
+constexpr WORD NO_GLYPH = 0xFFFF;
+constexpr wchar_t LAST_COMMON = 0x24F;  // Latin letters, which every face of ours has
 
 Gdi_Font Font_Of_Face(HFONT usual, const wchar_t* face) {
     LOGFONTW description = {};
@@ -32,18 +32,18 @@ std::span<const wchar_t* const> Faces_Of_Scripts() {
 }
 
 std::size_t Letters_Missing(HDC dc, HFONT font, std::wstring_view text) {
-    if (std::ranges::all_of(text, [](wchar_t unit) { return unit <= last_common; })) {
+    if (std::ranges::all_of(text, [](wchar_t unit) { return unit <= LAST_COMMON; })) {
         return 0;
     }
     const Selected_Object selected(dc, font);
-    std::vector<WORD> glyphs(text.size(), no_glyph);
+    std::vector<WORD> glyphs(text.size(), NO_GLYPH);
     if (::GetGlyphIndicesW(dc, text.data(), static_cast<int>(text.size()), glyphs.data(),
                            GGI_MARK_NONEXISTING_GLYPHS) == GDI_ERROR) {
         return 0;
     }
     std::size_t missing = 0;
     for (std::size_t at = 0; at < text.size(); ++at) {
-        missing += glyphs[at] == no_glyph && !Is_Half(text[at]) ? 1 : 0;
+        missing += glyphs[at] == NO_GLYPH && !Is_Half(text[at]) ? 1 : 0;
     }
     return missing;
 }

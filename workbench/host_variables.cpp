@@ -12,16 +12,16 @@ namespace workbench {
 
 namespace {
 
-constexpr std::array<unsigned short, BRUSH_NB> brush_sizes = {1, 2, 3, 5, 8, 12, 18, 25};
-constexpr int brush_radius = 25;  // half-width of every mask; the largest brush reaches 24 pixels from its centre
-constexpr int brush_start = 4;
-constexpr int histogram_bins_max = 4097;  // a bin for each of 4096 levels needs one more
+constexpr std::array<unsigned short, BRUSH_NB> BRUSH_SIZES = {1, 2, 3, 5, 8, 12, 18, 25};
+constexpr int BRUSH_RADIUS = 25;  // half-width of every mask; the largest brush reaches 24 pixels from its centre
+constexpr int BRUSH_START = 4;
+constexpr int HISTOGRAM_BINS_MAX = 4097;  // a bin for each of 4096 levels needs one more
 
 struct Dimension {
     const char* name;
     int pixels;  // at 96 dots per inch
 };
-constexpr Dimension dimensions[] = {
+constexpr Dimension DIMENSIONS[] = {
     {"$INTERFACE_SPACE_DIM", 4},         {"$INTERFACE_BORDER_DIM", 2},      {"$INTERFACE_CURSOR_DIM", 14},
     {"$INTERFACE_BUTTON_DIM_SML", 24},   {"$INTERFACE_BUTTON_DIM_BIG", 30}, {"$INTERFACE_LIST_DIM_SML", 26},
     {"$INTERFACE_LIST_DIM_ARROW", 20},   {"$INTERFACE_TITLE_DIM_SML", 22},  {"$INTERFACE_VAL_DIM_SML", 22},
@@ -69,7 +69,7 @@ void Host_Variables::Define() {
 }
 
 void Host_Variables::Define_Interface() {
-    for (const Dimension& dimension : dimensions) {
+    for (const Dimension& dimension : DIMENSIONS) {
         Variable_Define_Scalar(dimension.name, VARIABLE_SIGNED_16, dimension.pixels);
     }
     Variable_Define_Text("$INTERFACE_TOOL_FONT_NAME", "Arial");
@@ -124,17 +124,17 @@ void Host_Variables::Define_Markers() {
 }
 
 void Host_Variables::Define_Brushes() {
-    constexpr std::size_t side = 2 * brush_radius + 1;
+    constexpr std::size_t side = 2 * BRUSH_RADIUS + 1;
     mask_bytes.assign(side * side * BRUSH_NB, 0);
     mask_rows.resize(side * BRUSH_NB);
     for (std::size_t row = 0; row < mask_rows.size(); ++row) {
         mask_rows[row] = mask_bytes.data() + row * side;
     }
     Variable_Define_Scalar("$BRUSH_NB", VARIABLE_UNSIGNED_16, BRUSH_NB);
-    Variable_Define_Scalar("$BRUSH_CUR", VARIABLE_UNSIGNED_16, brush_start);
-    Variable_Define_Scalar("$BRUSH_RADIUS", VARIABLE_UNSIGNED_16, brush_radius);
+    Variable_Define_Scalar("$BRUSH_CUR", VARIABLE_UNSIGNED_16, BRUSH_START);
+    Variable_Define_Scalar("$BRUSH_RADIUS", VARIABLE_UNSIGNED_16, BRUSH_RADIUS);
     Variable_Define_Array("$BRUSH_SIZE", VARIABLE_UNSIGNED_16, BRUSH_NB);
-    std::ranges::copy(brush_sizes, Array_Of<std::uint16_t>("$BRUSH_SIZE", VARIABLE_UNSIGNED_16).begin());
+    std::ranges::copy(BRUSH_SIZES, Array_Of<std::uint16_t>("$BRUSH_SIZE", VARIABLE_UNSIGNED_16).begin());
     Variable_Define_Array("$BRUSH_PT", VARIABLE_POINTER, BRUSH_NB);
     const auto tables = Array_Of<void*>("$BRUSH_PT", VARIABLE_POINTER);
     for (std::size_t brush = 0; brush < tables.size(); ++brush) {
@@ -148,7 +148,7 @@ void Host_Variables::Define_Data() {
     Variable_Define_Pointer("$FRAME_OVR", nullptr);
     Variable_Define_Array("$MOUSE_FRM", VARIABLE_FLOAT, 4);
     Variable_Define_Scalar("$GLI_COLOR_COMPONENT", VARIABLE_UNSIGNED_8, 0);
-    Variable_Define_Scalar("$GLI_HISTO_BINS_MAX", VARIABLE_UNSIGNED_16, histogram_bins_max);
+    Variable_Define_Scalar("$GLI_HISTO_BINS_MAX", VARIABLE_UNSIGNED_16, HISTOGRAM_BINS_MAX);
     Variable_Define_Scalar("$GLI_HISTO_BINS_NB", VARIABLE_UNSIGNED_16, 0);
     Variable_Define_Scalar("$SELECT_GLI_MIN", VARIABLE_FLOAT, TAG_THRESHOLD_MIN_UNSET);
     Variable_Define_Scalar("$SELECT_GLI_MAX", VARIABLE_FLOAT, TAG_THRESHOLD_MAX_UNSET);
@@ -166,7 +166,7 @@ void Host_Variables::Define_Data() {
 }
 
 void Host_Variables::Scale_Set(float scale) {
-    for (const Dimension& dimension : dimensions) {
+    for (const Dimension& dimension : DIMENSIONS) {
         Variable_Set(dimension.name, std::lround(static_cast<float>(dimension.pixels) * scale));
     }
 }
@@ -287,7 +287,7 @@ Brush_Footprint Host_Variables::Brush() const {
     if (brush >= tables.size()) {
         return {};
     }
-    return {static_cast<const unsigned char* const*>(tables[brush]), brush_radius};
+    return {static_cast<const unsigned char* const*>(tables[brush]), BRUSH_RADIUS};
 }
 
 char Host_Variables::Separator() const {

@@ -9,7 +9,7 @@ namespace workbench {
 
 namespace {
 
-constexpr int slider_width = 16;  // pixels at 96 dots per inch
+constexpr int SLIDER_WIDTH = 16;  // pixels at 96 dots per inch
 
 }  // namespace
 
@@ -19,7 +19,7 @@ bool Image_View::Make(HWND parent) {
 
 RECT Image_View::Slider_Box() const {
     RECT box = Client();
-    box.left = std::max<LONG>(box.right - look.Px(slider_width), 0);
+    box.left = std::max<LONG>(box.right - look.Px(SLIDER_WIDTH), 0);
     return box;
 }
 
@@ -179,7 +179,7 @@ void Image_View::Slider_Drag(int y) {
 }
 
 void Image_View::Press(UINT message, WPARAM keys, POINT point) {
-    if (content.source.levels.empty() || drag != Drag::NONE) {
+    if (content.source.levels.empty() || drag != Drag::None) {
         return;
     }
     const bool is_shift = (keys & MK_SHIFT) != 0;
@@ -190,19 +190,19 @@ void Image_View::Press(UINT message, WPARAM keys, POINT point) {
     int y = 0;
     Point_Pixel(point, &x, &y);
     if (is_left && point.x >= Slider_Box().left) {
-        drag = Drag::SLIDER;
+        drag = Drag::Slider;
         Slider_Drag(point.y);
     } else if (message == WM_MBUTTONDOWN || (message == WM_RBUTTONDOWN && is_shift)) {
-        drag = Drag::WINDOW;
+        drag = Drag::Window;
     } else if (is_left && is_shift) {
-        drag = Drag::PAN;
+        drag = Drag::Pan;
     } else if (is_left && (keys & MK_CONTROL) != 0) {
         user.Pick(x, y);
     } else if (is_left && is_marker_mode) {
-        drag = Drag::MARKER;
+        drag = Drag::Marker;
         user.Marker_Press(x, y);
     } else {
-        drag = Drag::STROKE;
+        drag = Drag::Stroke;
         const Pixel_Rect changed = user.Stroke_Begin(x, y, !is_left);
         Render(changed);
         const RECT area = Screen_Of(changed, 0);
@@ -212,19 +212,19 @@ void Image_View::Press(UINT message, WPARAM keys, POINT point) {
 
 void Image_View::Release() {
     const Drag ended = drag;
-    drag = Drag::NONE;
+    drag = Drag::None;
     if (::GetCapture() == Handle()) {
         ::ReleaseCapture();
     }
-    if (ended == Drag::STROKE) {
+    if (ended == Drag::Stroke) {
         user.Stroke_End();
-    } else if (ended == Drag::MARKER) {
+    } else if (ended == Drag::Marker) {
         user.Marker_Release();
     }
 }
 
 void Image_View::Move(WPARAM keys, POINT point) {
-    if (drag != Drag::NONE && (keys & (MK_LBUTTON | MK_MBUTTON | MK_RBUTTON)) == 0) {
+    if (drag != Drag::None && (keys & (MK_LBUTTON | MK_MBUTTON | MK_RBUTTON)) == 0) {
         Release();
     }
     int x = 0;
@@ -234,26 +234,26 @@ void Image_View::Move(WPARAM keys, POINT point) {
     const int dy = point.y - drag_at.y;
     drag_at = point;
     switch (drag) {
-        case Drag::STROKE: {
+        case Drag::Stroke: {
             const Pixel_Rect changed = user.Stroke_Move(x, y);
             Render(changed);
             const RECT area = Screen_Of(changed, 0);
             Invalidate(&area);
             break;
         }
-        case Drag::WINDOW:
+        case Drag::Window:
             user.Window_Drag(static_cast<float>(dx) / static_cast<float>(state.view_width),
                              static_cast<float>(dy) / static_cast<float>(state.view_height));
             break;
-        case Drag::PAN:
+        case Drag::Pan:
             View_Pan(state, dx, dy);
             Lay_Out();
             Invalidate();
             break;
-        case Drag::MARKER:
+        case Drag::Marker:
             user.Marker_Move(x, y);
             break;
-        case Drag::SLIDER:
+        case Drag::Slider:
             Slider_Drag(point.y);
             break;
         default:

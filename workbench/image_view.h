@@ -99,7 +99,7 @@ class Image_View : public Window_Base {
     LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override;
 
   private:
-    enum class Drag { NONE, STROKE, WINDOW, PAN, MARKER, SLIDER };
+    enum class Drag { None, Stroke, Window, Pan, Marker, Slider };
     void Lay_Out();
     void Render(const Pixel_Rect& part);
     void Paint();
@@ -138,7 +138,7 @@ class Image_View : public Window_Base {
     bool is_over = false;
     int over_x = 0;
     int over_y = 0;
-    Drag drag = Drag::NONE;
+    Drag drag = Drag::None;
     POINT drag_at = {};
     Wheel_Remainder wheel;
 };

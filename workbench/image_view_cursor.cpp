@@ -45,7 +45,7 @@ void Image_View::Cursor_Move(int dx, int dy) {
 }
 
 void Image_View::Cursor_Act(bool erase) {
-    if (!is_cursor || drag != Drag::NONE || is_pen_down) {
+    if (!is_cursor || drag != Drag::None || is_pen_down) {
         return;
     }
     if (is_marker_mode && !erase) {
@@ -59,7 +59,7 @@ void Image_View::Cursor_Act(bool erase) {
 }
 
 void Image_View::Pen_Set(bool down) {
-    if (down == is_pen_down || (down && (!is_cursor || drag != Drag::NONE))) {
+    if (down == is_pen_down || (down && (!is_cursor || drag != Drag::None))) {
         return;
     }
     is_pen_down = down;

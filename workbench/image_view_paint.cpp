@@ -7,8 +7,8 @@ namespace workbench {
 
 namespace {
 
-constexpr COLORREF slice_text_shadow = RGB(0, 0, 0);
-constexpr COLORREF outline_color = RGB(255, 255, 255);
+constexpr COLORREF SLICE_TEXT_SHADOW = RGB(0, 0, 0);
+constexpr COLORREF OUTLINE_COLOR = RGB(255, 255, 255);
 
 /** 0x00RRGGBB of a colour of the window system. */
 std::uint32_t Pixel_Of(COLORREF color) {
@@ -46,7 +46,7 @@ void Image_View::Paint() {
     } else {
         Draw_Slice(memory.Get(), dirty);
         Draw_Markers(memory.Get());
-        if (is_over && !is_marker_mode && drag != Drag::WINDOW && drag != Drag::SLIDER) {
+        if (is_over && !is_marker_mode && drag != Drag::Window && drag != Drag::Slider) {
             Draw_Outline(memory.Get());
         }
         Draw_Texts(memory.Get());
@@ -77,7 +77,7 @@ void Image_View::Draw_Slice(HDC dc, const RECT& dirty) {
 }
 
 void Image_View::Draw_Outline(HDC dc) const {
-    const Gdi_Brush white(::CreateSolidBrush(outline_color));
+    const Gdi_Brush white(::CreateSolidBrush(OUTLINE_COLOR));
     // On the covered side of every edge: what the line encloses, itself included, is what will be painted.
     for (const Outline_Edge& edge : outline) {
         RECT line = {layout.To_Screen_X(over_x + edge.x0), layout.To_Screen_Y(over_y + edge.y0),
@@ -106,7 +106,7 @@ void Image_View::Draw_Markers(HDC dc) const {
         const RECT down = {x - thick / 2, y - arm, x - thick / 2 + thick, y + arm + 1};
         for (RECT shadow : {across, down}) {
             ::InflateRect(&shadow, 1, 1);
-            Fill(dc, shadow, slice_text_shadow);
+            Fill(dc, shadow, SLICE_TEXT_SHADOW);
         }
         Fill(dc, across, marker.color);
         Fill(dc, down, marker.color);
@@ -154,7 +154,7 @@ void Image_View::Draw_Slider(HDC dc) const {
     const int thumb = std::max(length / content.slice_nb, look.Px(24));
     const int y = box.top + (length - thumb) * (content.slice_nb - 1 - content.slice) / (content.slice_nb - 1);
     RECT place = {box.left + look.Px(3), y, box.right - look.Px(3), y + thumb};
-    Fill(dc, place, drag == Drag::SLIDER ? look.accent : look.thumb);
+    Fill(dc, place, drag == Drag::Slider ? look.accent : look.thumb);
 }
 
 }  // namespace workbench

@@ -6,8 +6,8 @@ namespace workbench {
 
 namespace {
 
-constexpr int first_width = 760;  // pixels at 96 dots per inch
-constexpr int first_height = 420;
+constexpr int FIRST_WIDTH = 760;  // pixels at 96 dots per inch
+constexpr int FIRST_HEIGHT = 420;
 
 }  // namespace
 
@@ -22,7 +22,7 @@ void List_Window::Open(HWND owner, const std::wstring& title, const std::wstring
         lines = ::CreateWindowExW(0, L"EDIT", L"",
                                   WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_HSCROLL | ES_MULTILINE | ES_READONLY, 0, 0,
                                   10, 10, Handle(), nullptr, ::GetModuleHandleW(nullptr), nullptr);
-        Place_Beside(Handle(), owner, tools_width, place, look.Px(first_width), look.Px(first_height));
+        Place_Beside(Handle(), owner, tools_width, place, look.Px(FIRST_WIDTH), look.Px(FIRST_HEIGHT));
     }
     std::wstring shown;
     for (const wchar_t letter : text) {

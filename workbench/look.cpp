@@ -11,10 +11,10 @@ namespace workbench {
 
 namespace {
 
-constexpr int dpi_normal = 96;
-constexpr int font_height = 13;  // pixels at 96 dots per inch
-constexpr COLORREF shadow_light = RGB(236, 238, 242);
-constexpr COLORREF shadow_dark = RGB(0, 0, 0);
+constexpr int DPI_NORMAL = 96;
+constexpr int FONT_HEIGHT = 13;  // pixels at 96 dots per inch
+constexpr COLORREF SHADOW_LIGHT = RGB(236, 238, 242);
+constexpr COLORREF SHADOW_DARK = RGB(0, 0, 0);
 
 /** The system's order of the components. */
 COLORREF Colorref_Of(std::uint32_t color) {
@@ -36,7 +36,7 @@ Gdi_Font Font_Make(int height, int weight, const wchar_t* face, int pitch) {
 
 Look::Look() {
     Theme_Set(Library_Theme::Dark);
-    Dpi_Set(dpi_normal);
+    Dpi_Set(DPI_NORMAL);
 }
 
 void Look::Theme_Set(Library_Theme wanted) {
@@ -61,10 +61,10 @@ void Look::Theme_Set(Library_Theme wanted) {
 }
 
 void Look::Dpi_Set(int dpi) {
-    scale = static_cast<float>(std::clamp(dpi, dpi_normal / 2, dpi_normal * 6)) / dpi_normal;
-    font = Font_Make(Px(font_height), FW_NORMAL, L"Arial", FF_SWISS);
-    bold = Font_Make(Px(font_height), FW_BOLD, L"Arial", FF_SWISS);
-    fixed = Font_Make(Px(font_height), FW_NORMAL, L"Courier New", FIXED_PITCH | FF_MODERN);
+    scale = static_cast<float>(std::clamp(dpi, DPI_NORMAL / 2, DPI_NORMAL * 6)) / DPI_NORMAL;
+    font = Font_Make(Px(FONT_HEIGHT), FW_NORMAL, L"Arial", FF_SWISS);
+    bold = Font_Make(Px(FONT_HEIGHT), FW_BOLD, L"Arial", FF_SWISS);
+    fixed = Font_Make(Px(FONT_HEIGHT), FW_NORMAL, L"Courier New", FIXED_PITCH | FF_MODERN);
     Library_Scale_Set(scale);
 }
 
@@ -111,9 +111,9 @@ void Draw_Line_Shadowed(HDC dc, const RECT& area, std::wstring_view text, HFONT 
     for (int side = 0; side < 9; ++side) {
         RECT moved = area;
         ::OffsetRect(&moved, side % 3 - 1, side / 3 - 1);
-        Draw_Selected(dc, moved, text, shadow_dark, format);
+        Draw_Selected(dc, moved, text, SHADOW_DARK, format);
     }
-    Draw_Selected(dc, area, text, shadow_light, format);
+    Draw_Selected(dc, area, text, SHADOW_LIGHT, format);
 }
 
 int Line_Height(HFONT font) {
@@ -131,7 +131,7 @@ int Window_Dpi(HWND window) {
     void* const address =
         library == nullptr ? nullptr : reinterpret_cast<void*>(::GetProcAddress(library, "GetDpiForWindow"));
     const UINT dpi = address == nullptr ? 0 : reinterpret_cast<Dpi_Of_Window>(address)(window);
-    return dpi == 0 ? dpi_normal : static_cast<int>(dpi);
+    return dpi == 0 ? DPI_NORMAL : static_cast<int>(dpi);
 }
 
 Buffered_Paint::Buffered_Paint(HWND of_window) : paint(of_window), memory(paint.Get()) {

@@ -15,8 +15,8 @@ using namespace workbench;
 
 namespace {
 
-constexpr int status_wrong_use = 2;
-constexpr int status_failure = 1;
+constexpr int STATUS_WRONG_USE = 2;
+constexpr int STATUS_FAILURE = 1;
 
 std::vector<std::string> Arguments() {
     int count = 0;
@@ -46,7 +46,7 @@ int Run(int show) {
     const Command_Line line = Command_Line_Parse(Arguments());
     if (!line.error.empty()) {
         Say("workbench: " + line.error + "\n", STD_ERROR_HANDLE, MB_ICONERROR);
-        return status_wrong_use;
+        return STATUS_WRONG_USE;
     }
     if (line.help) {
         Say(Command_Line_Help(), STD_OUTPUT_HANDLE, MB_ICONINFORMATION);
@@ -55,7 +55,7 @@ int Run(int show) {
     const auto application = std::make_unique<Application>(line);
     if (!application->Start(show)) {
         Say("workbench: the system refuses to make a window; is there a display?\n", STD_ERROR_HANDLE, MB_ICONERROR);
-        return status_failure;
+        return STATUS_FAILURE;
     }
     return application->Run();
 }

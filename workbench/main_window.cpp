@@ -10,9 +10,9 @@ namespace workbench {
 
 namespace {
 
-constexpr LONG least_width = 640;
-constexpr LONG least_height = 420;
-constexpr UINT message_dpi_changed = 0x02E0;  // WM_DPICHANGED, unknown to older headers
+constexpr LONG LEAST_WIDTH = 640;
+constexpr LONG LEAST_HEIGHT = 420;
+constexpr UINT MESSAGE_DPI_CHANGED = 0x02E0;  // WM_DPICHANGED, unknown to older headers
 
 }  // namespace
 
@@ -42,7 +42,7 @@ LRESULT Main_Window::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             return 0;
         case WM_GETMINMAXINFO: {
             auto* limits = reinterpret_cast<MINMAXINFO*>(lparam);
-            limits->ptMinTrackSize = {least_width, least_height};
+            limits->ptMinTrackSize = {LEAST_WIDTH, LEAST_HEIGHT};
             return 0;
         }
         case WM_ERASEBKGND:
@@ -68,7 +68,7 @@ LRESULT Main_Window::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_DROPFILES:
             Drop(wparam);
             return 0;
-        case message_dpi_changed: {
+        case MESSAGE_DPI_CHANGED: {
             const auto* place = reinterpret_cast<const RECT*>(lparam);
             user.Dpi_Changed(LOWORD(wparam));
             Place(*place);

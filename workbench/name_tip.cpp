@@ -11,9 +11,9 @@ namespace workbench {
 
 namespace {
 
-constexpr UINT_PTR timer_of_tip = 43;
-constexpr int room_around = 4;     // pixels at 96 dots per inch, on each side of a name
-constexpr int below_pointer = 20;  // pixels at 96 dots per inch
+constexpr UINT_PTR TIMER_OF_TIP = 43;
+constexpr int ROOM_AROUND = 4;     // pixels at 96 dots per inch, on each side of a name
+constexpr int BELOW_POINTER = 20;  // pixels at 96 dots per inch
 
 struct Source {
     const Look* look = nullptr;
@@ -73,19 +73,19 @@ SIZE Text_Size(HFONT font, const std::wstring& text) {
 /** Below the pointer, inside its screen. */
 void Tip_Show(HWND owner, const Look& look, const std::wstring& text) {
     const SIZE size = Text_Size(look.Font(), text);
-    const int width = size.cx + look.Px(4 * room_around);
-    const int height = size.cy + look.Px(room_around);
+    const int width = size.cx + look.Px(4 * ROOM_AROUND);
+    const int height = size.cy + look.Px(ROOM_AROUND);
     POINT place = The_Tip().at;
     ::ClientToScreen(owner, &place);
     MONITORINFO monitor = {};
     monitor.cbSize = sizeof monitor;
-    RECT screen = {place.x - width, place.y - height, place.x + width, place.y + 2 * height + look.Px(below_pointer)};
+    RECT screen = {place.x - width, place.y - height, place.x + width, place.y + 2 * height + look.Px(BELOW_POINTER)};
     if (::GetMonitorInfoW(::MonitorFromPoint(place, MONITOR_DEFAULTTONEAREST), &monitor) != 0) {
         screen = monitor.rcWork;
     }
     const int x = std::max<int>(screen.left, std::min<int>(place.x, screen.right - width));
-    const bool is_above = place.y + look.Px(below_pointer) + height > screen.bottom;
-    const int y = is_above ? place.y - height - look.Px(room_around) : place.y + look.Px(below_pointer);
+    const bool is_above = place.y + look.Px(BELOW_POINTER) + height > screen.bottom;
+    const int y = is_above ? place.y - height - look.Px(ROOM_AROUND) : place.y + look.Px(BELOW_POINTER);
     The_Tip().shown = std::make_unique<Tip_Window>(::GetAncestor(owner, GA_ROOT), look, text);
     ::SetWindowPos(The_Tip().shown->Handle(), HWND_TOPMOST, x, y, width, height, SWP_NOACTIVATE | SWP_SHOWWINDOW);
 }
@@ -100,7 +100,7 @@ void CALLBACK On_Rest(HWND window, UINT, UINT_PTR id, DWORD) {
     const Look& look = *source->second.look;
     const std::vector<Accessible_Part> parts = source->second.parts();
     const Accessible_Part* part = Part_Cut_At(parts, tip.at, [&](const std::wstring& name) {
-        return static_cast<int>(Text_Size(look.Font(), name).cx) + look.Px(2 * room_around);
+        return static_cast<int>(Text_Size(look.Font(), name).cx) + look.Px(2 * ROOM_AROUND);
     });
     if (part != nullptr) {
         Tip_Show(window, look, part->name);
@@ -130,14 +130,14 @@ void Name_Tip_Follow(HWND window, POINT client) {
     if (tip.sources.contains(window)) {
         tip.over = window;
         tip.at = client;
-        ::SetTimer(window, timer_of_tip, NAME_TIP_REST_MS, &On_Rest);
+        ::SetTimer(window, TIMER_OF_TIP, NAME_TIP_REST_MS, &On_Rest);
     }
 }
 
 void Name_Tip_Hide() {
     Tip& tip = The_Tip();
     if (tip.over != nullptr) {
-        ::KillTimer(tip.over, timer_of_tip);
+        ::KillTimer(tip.over, TIMER_OF_TIP);
         tip.over = nullptr;
     }
     tip.shown.reset();

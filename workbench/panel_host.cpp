@@ -12,7 +12,7 @@ namespace workbench {
 
 namespace {
 
-constexpr int face_font_most = 15;  // pixels; the rows of such panels are 18 pixels high on every screen
+constexpr int FACE_FONT_MOST = 15;  // pixels; the rows of such panels are 18 pixels high on every screen
 
 }  // namespace
 
@@ -66,7 +66,7 @@ void Panel_Host::Lay_Out() {
     if (face_grey != 0) {
         box.Set_Color(static_cast<unsigned char>(face_grey), static_cast<unsigned char>(face_grey),
                       static_cast<unsigned char>(face_grey));
-        box.font_scale = static_cast<short>(std::min(look.Px(face_font), face_font_most));
+        box.font_scale = static_cast<short>(std::min(look.Px(face_font), FACE_FONT_MOST));
     }
     box.border = 1;
     core.ground.red = GetRValue(look.ground);

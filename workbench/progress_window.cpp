@@ -12,9 +12,9 @@ namespace workbench {
 
 namespace {
 
-constexpr int width = 420;  // pixels at 96 dots per inch
-constexpr int height = 130;
-constexpr DWORD patience = 300;  // milliseconds without a window: short actions show none
+constexpr int WIDTH = 420;  // pixels at 96 dots per inch
+constexpr int HEIGHT = 130;
+constexpr DWORD PATIENCE = 300;  // milliseconds without a window: short actions show none
 
 }  // namespace
 
@@ -26,7 +26,7 @@ Progress_Window::Progress_Window(const Look& shared_look, HWND owner_window, con
     }
     RECT frame = {};
     ::GetWindowRect(owner, &frame);
-    RECT size = {0, 0, look.Px(width), look.Px(height)};
+    RECT size = {0, 0, look.Px(WIDTH), look.Px(HEIGHT)};
     ::AdjustWindowRect(&size, style, FALSE);
     const int x = (frame.left + frame.right - (size.right - size.left)) / 2;
     const int y = (frame.top + frame.bottom - (size.bottom - size.top)) / 2;
@@ -54,7 +54,7 @@ bool Progress_Window::Step(double done, const std::wstring& text) {
     share = std::clamp(done, 0.0, 1.0);
     detail = text;
     if (!Is_Shown()) {
-        if (::GetTickCount() - start < patience) {
+        if (::GetTickCount() - start < PATIENCE) {
             return true;  // nobody is answered yet, so nothing can happen beside the action
         }
         ::EnableWindow(owner, FALSE);

@@ -9,7 +9,7 @@ namespace workbench {
 
 namespace {
 
-constexpr UINT look_every = 15;  // milliseconds
+constexpr UINT LOOK_EVERY = 15;  // milliseconds
 
 Report_Questions* the_questions = nullptr;  // the system gives its calls no context
 
@@ -32,7 +32,7 @@ void Report_Questions::Begin(const std::string& file, std::function<void()> call
     answer = std::move(call);
     the_questions = this;
     hook = ::SetWindowsHookExW(WH_GETMESSAGE, &On_Message, nullptr, ::GetCurrentThreadId());
-    timer = ::SetTimer(nullptr, 0, look_every, &On_Time);
+    timer = ::SetTimer(nullptr, 0, LOOK_EVERY, &On_Time);
 }
 
 void CALLBACK Report_Questions::On_Time(HWND, UINT, UINT_PTR, DWORD) {

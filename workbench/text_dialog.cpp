@@ -6,13 +6,13 @@ namespace workbench {
 
 namespace {
 
-constexpr int id_text = 100;
-constexpr int id_choice_0 = 200;
-constexpr short width = 380;  // dialog units
-constexpr short height = 260;
-constexpr short margin = 7;
-constexpr short button_width = 80;
-constexpr short button_height = 14;
+constexpr int ID_TEXT = 100;
+constexpr int ID_CHOICE_0 = 200;
+constexpr short WIDTH = 380;  // dialog units
+constexpr short HEIGHT = 260;
+constexpr short MARGIN = 7;
+constexpr short BUTTON_WIDTH = 80;
+constexpr short BUTTON_HEIGHT = 14;
 
 struct Shown_Text {
     const std::wstring& text;
@@ -22,17 +22,17 @@ struct Shown_Text {
 INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
     if (message == WM_INITDIALOG) {
         const auto* shown = reinterpret_cast<const Shown_Text*>(lparam);
-        ::SendDlgItemMessageW(dialog, id_text, WM_SETFONT, reinterpret_cast<WPARAM>(shown->font), FALSE);
-        ::SetDlgItemTextW(dialog, id_text, shown->text.c_str());
-        ::SetFocus(::GetDlgItem(dialog, id_text));
-        ::SendDlgItemMessageW(dialog, id_text, EM_SETSEL, 0, 0);
+        ::SendDlgItemMessageW(dialog, ID_TEXT, WM_SETFONT, reinterpret_cast<WPARAM>(shown->font), FALSE);
+        ::SetDlgItemTextW(dialog, ID_TEXT, shown->text.c_str());
+        ::SetFocus(::GetDlgItem(dialog, ID_TEXT));
+        ::SendDlgItemMessageW(dialog, ID_TEXT, EM_SETSEL, 0, 0);
         return FALSE;
     }
     if (message != WM_COMMAND) {
         return FALSE;
     }
     const int id = LOWORD(wparam);
-    if (id == IDOK || id == IDCANCEL || id >= id_choice_0) {
+    if (id == IDOK || id == IDCANCEL || id >= ID_CHOICE_0) {
         ::EndDialog(dialog, id);
         return TRUE;
     }
@@ -52,24 +52,24 @@ std::wstring Field_Text(const std::wstring& lines) {
 
 int Text_Show(HWND owner, const std::wstring& title, const std::wstring& lines, HFONT font,
               const std::vector<std::wstring>& choices) {
-    Dialog_Template dialog(title, width, height);
+    Dialog_Template dialog(title, WIDTH, HEIGHT);
     // A field is called by the label before it, also by one without extent.
     dialog.Add(DIALOG_STATIC, SS_LEFT, 0, 0, 0, 0, 0xFFFF, title);
-    dialog.Add(DIALOG_EDIT, WS_BORDER | WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_READONLY, margin, margin,
-               width - 2 * margin, height - 3 * margin - button_height, id_text, L"");
-    short x = width - margin - button_width;
-    const short y = height - margin - button_height;
-    dialog.Add(DIALOG_BUTTON, BS_DEFPUSHBUTTON | WS_TABSTOP, x, y, button_width, button_height, IDOK, L"&Close");
+    dialog.Add(DIALOG_EDIT, WS_BORDER | WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_READONLY, MARGIN, MARGIN,
+               WIDTH - 2 * MARGIN, HEIGHT - 3 * MARGIN - BUTTON_HEIGHT, ID_TEXT, L"");
+    short x = WIDTH - MARGIN - BUTTON_WIDTH;
+    const short y = HEIGHT - MARGIN - BUTTON_HEIGHT;
+    dialog.Add(DIALOG_BUTTON, BS_DEFPUSHBUTTON | WS_TABSTOP, x, y, BUTTON_WIDTH, BUTTON_HEIGHT, IDOK, L"&Close");
     for (std::size_t at = choices.size(); at > 0; --at) {
-        x = static_cast<short>(x - button_width - margin);
-        dialog.Add(DIALOG_BUTTON, BS_PUSHBUTTON | WS_TABSTOP, x, y, button_width, button_height,
-                   static_cast<WORD>(id_choice_0 + static_cast<int>(at) - 1), choices[at - 1]);
+        x = static_cast<short>(x - BUTTON_WIDTH - MARGIN);
+        dialog.Add(DIALOG_BUTTON, BS_PUSHBUTTON | WS_TABSTOP, x, y, BUTTON_WIDTH, BUTTON_HEIGHT,
+                   static_cast<WORD>(ID_CHOICE_0 + static_cast<int>(at) - 1), choices[at - 1]);
     }
     const std::wstring text = Field_Text(lines);
     const Shown_Text shown = {text, font};
     const INT_PTR result = ::DialogBoxIndirectParamW(::GetModuleHandleW(nullptr), dialog.Finish(), owner, &Procedure,
                                                      reinterpret_cast<LPARAM>(&shown));
-    return result >= id_choice_0 ? static_cast<int>(result) - id_choice_0 : -1;
+    return result >= ID_CHOICE_0 ? static_cast<int>(result) - ID_CHOICE_0 : -1;
 }
 
 }  // namespace workbench

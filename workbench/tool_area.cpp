@@ -8,12 +8,12 @@ namespace workbench {
 
 namespace {
 
-constexpr int heading_height = 24;  // pixels at 96 dots per inch
-constexpr int gap = 6;
-constexpr int margin = 6;
-constexpr int scroll_step = 40;
-constexpr int bar_width = 12;
-constexpr int thumb_least = 24;
+constexpr int HEADING_HEIGHT = 24;  // pixels at 96 dots per inch
+constexpr int GAP = 6;
+constexpr int MARGIN = 6;
+constexpr int SCROLL_STEP = 40;
+constexpr int BAR_WIDTH = 12;
+constexpr int THUMB_LEAST = 24;
 
 }  // namespace
 
@@ -51,9 +51,9 @@ void Tool_Area::Note_Set(const Panel_Host* panel, const std::wstring& note) {
 }
 
 int Tool_Area::Content_Height() const {
-    int height = look.Px(margin);
+    int height = look.Px(MARGIN);
     for (const Section& section : sections) {
-        height += look.Px(heading_height) + look.Px(gap);
+        height += look.Px(HEADING_HEIGHT) + look.Px(GAP);
         height += section.is_folded ? 0 : section.host->Wanted_Height();
     }
     return height;
@@ -65,11 +65,11 @@ void Tool_Area::Lay_Out() {
     scroll.content = content;
     scroll.view = static_cast<int>(client.bottom);
     scroll.offset = std::clamp(scroll.offset, 0, scroll.Offset_Max());
-    const int left = look.Px(margin);
-    const int right = std::max<int>(Bar().left - look.Px(margin), left + 1);
-    int y = look.Px(margin) - scroll.offset;
+    const int left = look.Px(MARGIN);
+    const int right = std::max<int>(Bar().left - look.Px(MARGIN), left + 1);
+    int y = look.Px(MARGIN) - scroll.offset;
     for (Section& section : sections) {
-        section.heading = {left, y, right, y + look.Px(heading_height)};
+        section.heading = {left, y, right, y + look.Px(HEADING_HEIGHT)};
         y = section.heading.bottom;
         int height = section.is_folded ? 0 : section.host->Wanted_Height();
         if (!section.is_folded && section.stretch_most > height) {
@@ -82,7 +82,7 @@ void Tool_Area::Lay_Out() {
                 section.host->Lay_Out();
             }
         }
-        y += height + look.Px(gap);
+        y += height + look.Px(GAP);
     }
     Invalidate();
 }
@@ -105,7 +105,7 @@ Panel_Host* Tool_Area::Panel_At(POINT screen) const {
 
 RECT Tool_Area::Bar() const {
     RECT bar = Client();
-    bar.left = bar.right - (scroll.Is_Needed() ? look.Px(bar_width) : 0);
+    bar.left = bar.right - (scroll.Is_Needed() ? look.Px(BAR_WIDTH) : 0);
     return bar;
 }
 
@@ -115,7 +115,7 @@ void Tool_Area::Scroll_To(int wanted) {
 }
 
 void Tool_Area::Wheel(int delta) {
-    Scroll_To(scroll.offset - delta * look.Px(scroll_step) / WHEEL_DELTA);
+    Scroll_To(scroll.offset - delta * look.Px(SCROLL_STEP) / WHEEL_DELTA);
 }
 
 void Tool_Area::Draw_Bar(HDC dc) const {
@@ -123,14 +123,14 @@ void Tool_Area::Draw_Bar(HDC dc) const {
         return;
     }
     const RECT bar = Bar();
-    const Scroll_Thumb thumb = Scroll_Thumb_Of(scroll, look.Px(thumb_least));
+    const Scroll_Thumb thumb = Scroll_Thumb_Of(scroll, look.Px(THUMB_LEAST));
     Fill(dc, bar, look.heading);
     Fill(dc, {bar.left + look.Px(2), thumb.top, bar.right - look.Px(2), thumb.top + thumb.length},
          grip >= 0 ? look.accent : look.thumb);
 }
 
 void Tool_Area::Bar_Press(int y) {
-    const Scroll_Thumb thumb = Scroll_Thumb_Of(scroll, look.Px(thumb_least));
+    const Scroll_Thumb thumb = Scroll_Thumb_Of(scroll, look.Px(THUMB_LEAST));
     if (y >= thumb.top && y < thumb.top + thumb.length) {
         grip = y - thumb.top;
         ::SetCapture(Handle());
@@ -184,8 +184,8 @@ void Tool_Area::Focus_Set(int panel) {
     focused = panel >= 0 && panel < Panel_Nb() ? panel : -1;
     if (focused >= 0) {
         const Section& section = sections[static_cast<std::size_t>(focused)];
-        const int below = static_cast<int>(Section_Bottom(section) - Client().bottom) + look.Px(margin);
-        const int above = static_cast<int>(section.heading.top) - look.Px(margin);
+        const int below = static_cast<int>(Section_Bottom(section) - Client().bottom) + look.Px(MARGIN);
+        const int above = static_cast<int>(section.heading.top) - look.Px(MARGIN);
         // The heading comes first when the panel is higher than the window.
         const int step = above < 0 ? above : std::min(std::max(below, 0), above);
         if (step != 0) {
@@ -271,7 +271,7 @@ LRESULT Tool_Area::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             return 0;
         case WM_MOUSEMOVE: {
             if (grip >= 0) {
-                Scroll_To(Scroll_Offset_Of(scroll, look.Px(thumb_least), point.y - grip));
+                Scroll_To(Scroll_Offset_Of(scroll, look.Px(THUMB_LEAST), point.y - grip));
                 return 0;
             }
             Watch_Leave(Handle());

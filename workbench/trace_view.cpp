@@ -8,9 +8,9 @@ namespace workbench {
 
 namespace {
 
-constexpr std::size_t entries_max = 2000;
-constexpr int line_height = 16;  // pixels at 96 dots per inch
-constexpr int heading = 20;
+constexpr std::size_t ENTRIES_MAX = 2000;
+constexpr int LINE_HEIGHT = 16;  // pixels at 96 dots per inch
+constexpr int HEADING = 20;
 
 }  // namespace
 
@@ -22,7 +22,7 @@ void Trace_View::Add(int level, const std::string& text) {
     if (!entries.empty() && entries.back().level == level && entries.back().text == text) {
         ++entries.back().repeats;
     } else {
-        if (entries.size() == entries_max) {
+        if (entries.size() == ENTRIES_MAX) {
             entries.pop_front();
         }
         entries.push_back({level, text});
@@ -33,7 +33,7 @@ void Trace_View::Add(int level, const std::string& text) {
 }
 
 int Trace_View::Lines_In_View() const {
-    return std::max(static_cast<int>(Client().bottom - look.Px(heading)) / look.Px(line_height), 1);
+    return std::max(static_cast<int>(Client().bottom - look.Px(HEADING)) / look.Px(LINE_HEIGHT), 1);
 }
 
 void Trace_View::Wheel(int delta) {
@@ -68,7 +68,7 @@ void Trace_View::Paint() {
     const HDC dc = paint.Dc();
     Fill(dc, paint.Client(), look.image_ground);
     RECT line = paint.Client();
-    line.bottom = look.Px(heading);
+    line.bottom = look.Px(HEADING);
     Fill(dc, line, look.heading);
     line.left += look.Px(10);
     Draw_Line(dc, line, L"Trace", look.Bold(), look.text, DT_LEFT);
@@ -77,7 +77,7 @@ void Trace_View::Paint() {
          ++at) {
         const Entry& entry = entries[at];
         line.top = line.bottom;
-        line.bottom += look.Px(line_height);
+        line.bottom += look.Px(LINE_HEIGHT);
         RECT level = line;
         level.right = level.left + look.Px(24);
         Draw_Line(dc, level, std::to_wstring(entry.level), look.Fixed(), look.text_grey, DT_LEFT);

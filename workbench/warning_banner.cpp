@@ -8,9 +8,9 @@ namespace workbench {
 
 namespace {
 
-constexpr DWORD together = 400;  // milliseconds within which messages belong together
-constexpr std::size_t lines_max = 6;
-constexpr int line_height = 20;  // pixels at 96 dots per inch
+constexpr DWORD TOGETHER = 400;  // milliseconds within which messages belong together
+constexpr std::size_t LINES_MAX = 6;
+constexpr int LINE_HEIGHT = 20;  // pixels at 96 dots per inch
 
 }  // namespace
 
@@ -32,7 +32,7 @@ void Warning_Banner::Add_Text(const std::wstring& text, Warning_Subject subject)
 
 void Warning_Banner::Add_Lines(const std::vector<Run>& runs, Warning_Subject subject) {
     const DWORD now = ::GetTickCount();
-    if (now - last_time > together || lines.size() >= lines_max) {
+    if (now - last_time > TOGETHER || lines.size() >= LINES_MAX) {
         lines.clear();
     }
     last_time = now;
@@ -76,7 +76,7 @@ std::wstring Warning_Banner::Text() const {
 }
 
 int Warning_Banner::Wanted_Height() const {
-    return lines.empty() ? 0 : static_cast<int>(lines.size()) * look.Px(line_height) + look.Px(14);
+    return lines.empty() ? 0 : static_cast<int>(lines.size()) * look.Px(LINE_HEIGHT) + look.Px(14);
 }
 
 RECT Warning_Banner::Close_Box() const {
@@ -90,7 +90,7 @@ void Warning_Banner::Draw_Lines(HDC dc) const {
     area.top += look.Px(7);
     area.right = Close_Box().left - look.Px(6);
     for (const Line& line : lines) {
-        RECT place = {look.Px(16), area.top, area.right, area.top + look.Px(line_height)};
+        RECT place = {look.Px(16), area.top, area.right, area.top + look.Px(LINE_HEIGHT)};
         for (const Run& run : line.runs) {
             const bool is_strong = run.style == Message_Style::Warning || run.style == Message_Style::Strong;
             place.left += run.style == Message_Style::Indented ? look.Px(24) : 0;

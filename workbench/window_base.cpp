@@ -14,7 +14,7 @@ namespace workbench {
 
 namespace {
 
-constexpr const wchar_t* class_name = L"Workbench_Window";
+constexpr const wchar_t* CLASS_NAME = L"Workbench_Window";
 
 void Register_Class() {
     static bool is_registered = false;
@@ -27,7 +27,7 @@ void Register_Class() {
     description.hInstance = ::GetModuleHandleW(nullptr);
     description.hCursor = ::LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));
     description.hIcon = ::LoadIconW(description.hInstance, L"MAINICON");
-    description.lpszClassName = class_name;
+    description.lpszClassName = CLASS_NAME;
     description.lpfnWndProc = ::DefWindowProcW;
     is_registered = ::RegisterClassExW(&description) != 0;
 }
@@ -44,7 +44,7 @@ Window_Base::~Window_Base() {
 
 bool Window_Base::Create(HWND parent, DWORD style, const wchar_t* title, HMENU menu) {
     Register_Class();
-    own_handle = ::CreateWindowExW(0, class_name, title, style, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT,
+    own_handle = ::CreateWindowExW(0, CLASS_NAME, title, style, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT,
                                    CW_USEDEFAULT, parent, menu, ::GetModuleHandleW(nullptr), nullptr);
     if (own_handle == nullptr) {
         return false;

@@ -16,7 +16,7 @@ namespace workbench {
 
 namespace {
 
-constexpr int text_most = 1024;  // characters of a title or a control's text
+constexpr int TEXT_MOST = 1024;  // characters of a title or a control's text
 
 void Rectangle_Write(Json_Text& out, const RECT& place) {
     out.List_Begin("place");
@@ -41,8 +41,8 @@ std::string Class_Of(HWND window) {
 }
 
 std::string Text_Of(HWND window) {
-    std::wstring text(text_most, L'\0');
-    text.resize(static_cast<std::size_t>(::GetWindowTextW(window, text.data(), text_most)));
+    std::wstring text(TEXT_MOST, L'\0');
+    text.resize(static_cast<std::size_t>(::GetWindowTextW(window, text.data(), TEXT_MOST)));
     return Utf8_Of_Wide(text);
 }
 

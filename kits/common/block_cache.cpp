@@ -39,7 +39,7 @@ struct Closing {
         Block_Cache_Empty();
     }
 };
-const Closing closing;
+const Closing CLOSING;
 
 }  // namespace
 

@@ -8,15 +8,15 @@
 
 namespace {
 
-constexpr int font_height_default = 12;  // pixels
-constexpr int font_height_min = 7;
-constexpr int tick_room = 9;  // pixels of the bottom margin that ticks and gaps take
+constexpr int FONT_HEIGHT_DEFAULT = 12;  // pixels
+constexpr int FONT_HEIGHT_MIN = 7;
+constexpr int TICK_ROOM = 9;  // pixels of the bottom margin that ticks and gaps take
 
 /** Pixels for a line of text so that numbers and title fit below the area. */
 int Font_Height(const Boxs& box, const Plot_Rect& box_rect, const Plot_Rect& area) {
-    const int wanted = box.font_scale > 0 ? box.font_scale : font_height_default;
-    const int line_max = (box_rect.bottom - area.bottom - tick_room) / 2;
-    return std::max(std::min(wanted, line_max * 5 / 6), font_height_min);
+    const int wanted = box.font_scale > 0 ? box.font_scale : FONT_HEIGHT_DEFAULT;
+    const int line_max = (box_rect.bottom - area.bottom - TICK_ROOM) / 2;
+    return std::max(std::min(wanted, line_max * 5 / 6), FONT_HEIGHT_MIN);
 }
 
 template <typename Make>

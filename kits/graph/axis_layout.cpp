@@ -7,14 +7,14 @@
 
 namespace {
 
-constexpr int tick_length = 4;  // pixels, outwards from the axis line
-constexpr int label_gap = 2;    // between a tick and its number
-constexpr int apart_x = 8;      // between numbers side by side
-constexpr int apart_y = 4;      // between numbers one above the other
-constexpr int tick_apart = 5;   // between ticks at least
+constexpr int TICK_LENGTH = 4;  // pixels, outwards from the axis line
+constexpr int LABEL_GAP = 2;    // between a tick and its number
+constexpr int APART_X = 8;      // between numbers side by side
+constexpr int APART_Y = 4;      // between numbers one above the other
+constexpr int TICK_APART = 5;   // between ticks at least
 
 /** The axis line stands just outside the area. */
-constexpr int outside = 1;
+constexpr int OUTSIDE = 1;
 
 double Pixel_Of(double value, double from, double to, int pixels) {
     return (value - from) / (to - from) * pixels;
@@ -101,15 +101,15 @@ Axis_Layout Axis_Layout_X(const Axis_Request& request) {
     const Plot_Rect& area = request.area;
     const Plot_Rect& box = request.box;
     const double per_pixel = (static_cast<double>(request.to) - request.from) / area.Width();
-    Numbers numbers = Numbers_Of(Tick_Scale_Make(request.from, request.to, per_pixel * tick_apart), false);
+    Numbers numbers = Numbers_Of(Tick_Scale_Make(request.from, request.to, per_pixel * TICK_APART), false);
     while (numbers.scale.Count() > 1 &&
-           Widest(request, numbers.scale, numbers.format) + apart_x > numbers.scale.step / per_pixel) {
+           Widest(request, numbers.scale, numbers.format) + APART_X > numbers.scale.step / per_pixel) {
         numbers = Numbers_Of(Tick_Scale_Coarser(request.from, request.to, numbers.scale), false);
     }
 
-    Line_Add(layout, {area.left - outside, area.bottom, area.right, area.bottom + outside}, box);
-    const int ticks_end = area.bottom + outside + tick_length;
-    const int label_top = ticks_end + label_gap;
+    Line_Add(layout, {area.left - OUTSIDE, area.bottom, area.right, area.bottom + OUTSIDE}, box);
+    const int ticks_end = area.bottom + OUTSIDE + TICK_LENGTH;
+    const int label_top = ticks_end + LABEL_GAP;
     if (!request.title.empty()) {
         const int width = request.width(request.title);
         const int middle = (area.left + area.right) / 2;
@@ -125,11 +125,11 @@ Axis_Layout Axis_Layout_X(const Axis_Request& request) {
         const double at = Pixel_Of(of.scale.Value(i), request.from, request.to, area.Width());
         const int x = area.left + std::clamp(static_cast<int>(std::floor(at + 0.5)), 0, area.Width() - 1);
         onto.tick_at.push_back(x);
-        Line_Add(onto, {x, area.bottom + outside, x + 1, ticks_end}, box);
+        Line_Add(onto, {x, area.bottom + OUTSIDE, x + 1, ticks_end}, box);
         const std::string text = Tick_Text(of.scale, of.format, i);
         const int width = request.width(text);
         const int left = std::clamp(x - width / 2, box.left, std::max(box.left, box.right - width));
-        return Label_Add(onto, {text, {left, label_top, left + width, label_top + request.line_height}}, box, apart_x);
+        return Label_Add(onto, {text, {left, label_top, left + width, label_top + request.line_height}}, box, APART_X);
     };
     return Numbers_Add(layout, request, numbers, per_pixel, number_add);
 }
@@ -139,14 +139,14 @@ Axis_Layout Axis_Layout_Y(const Axis_Request& request) {
     layout.box = request.box;
     const Plot_Rect& area = request.area;
     const Plot_Rect& box = request.box;
-    const int ticks_end = area.left - outside - tick_length;
-    const int numbers_right = ticks_end - label_gap;
-    Plot_Rect room = {box.left, box.top, numbers_right, std::min(box.bottom, area.bottom + tick_length)};
+    const int ticks_end = area.left - OUTSIDE - TICK_LENGTH;
+    const int numbers_right = ticks_end - LABEL_GAP;
+    Plot_Rect room = {box.left, box.top, numbers_right, std::min(box.bottom, area.bottom + TICK_LENGTH)};
     if (!request.title.empty()) {
-        room.left += request.line_height + label_gap;
+        room.left += request.line_height + LABEL_GAP;
     }
     const double per_pixel = (static_cast<double>(request.to) - request.from) / area.Height();
-    const double least = per_pixel * (request.line_height + apart_y);
+    const double least = per_pixel * (request.line_height + APART_Y);
     Numbers numbers = Numbers_Of(Tick_Scale_Make(request.from, request.to, least), false);
     for (bool compact = false;
          numbers.scale.Count() > 1 && Widest(request, numbers.scale, numbers.format) > room.Width();) {
@@ -167,12 +167,12 @@ Axis_Layout Axis_Layout_Y(const Axis_Request& request) {
         const int left = box.left + frame + (free_columns - frame) / 2;
         Label_Add(layout, {request.title, {left, top, left + request.line_height, top + length}, true}, box);
     }
-    Line_Add(layout, {area.left - outside, area.top, area.left, area.bottom + outside}, box);
+    Line_Add(layout, {area.left - OUTSIDE, area.top, area.left, area.bottom + OUTSIDE}, box);
     const auto number_add = [&](Axis_Layout& onto, const Numbers& of, std::int64_t i) {
         const double at = Pixel_Of(of.scale.Value(i), request.from, request.to, area.Height());
         const int y = area.bottom - 1 - std::clamp(static_cast<int>(std::floor(at + 0.5)), 0, area.Height() - 1);
         onto.tick_at.push_back(y);
-        Line_Add(onto, {ticks_end, y, area.left - outside, y + 1}, box);
+        Line_Add(onto, {ticks_end, y, area.left - OUTSIDE, y + 1}, box);
         const std::string text = Tick_Text(of.scale, of.format, i);
         const int top =
             std::clamp(y - request.line_height / 2, room.top, std::max(room.top, room.bottom - request.line_height));

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int text_max = 256;  // wide characters of a number or title
+constexpr int TEXT_MAX = 256;  // wide characters of a number or title
 
 /** Between the box's colour and black or white, whichever is farther. */
 COLORREF Ink(const Colors& ground, int percent) {
@@ -79,8 +79,8 @@ int Axis_Painter::Line_Height() const {
 }
 
 int Axis_Painter::Width(const std::string& text) const {
-    wchar_t wide[text_max];
-    const int length = Char_2_Wchar(text.c_str(), wide, text_max);
+    wchar_t wide[TEXT_MAX];
+    const int length = Char_2_Wchar(text.c_str(), wide, TEXT_MAX);
     SIZE size = {};
     ::GetTextExtentPoint32W(data->dc, wide, length, &size);
     return size.cx;
@@ -104,8 +104,8 @@ void Axis_Painter::Paint(const Axis_Layout& layout) const {
         if (label.upwards && font == nullptr) {
             continue;
         }
-        wchar_t wide[text_max];
-        const auto length = static_cast<UINT>(std::max(0, Char_2_Wchar(label.text.c_str(), wide, text_max)));
+        wchar_t wide[TEXT_MAX];
+        const auto length = static_cast<UINT>(std::max(0, Char_2_Wchar(label.text.c_str(), wide, TEXT_MAX)));
         const Selected_Object selected(data->dc, font);
         ::ExtTextOutW(data->dc, label.rect.left, label.upwards ? label.rect.bottom : label.rect.top, ETO_CLIPPED, &cut,
                       wide, length, nullptr);

@@ -6,13 +6,13 @@
 
 namespace {
 
-constexpr double slack = 1e-9;  // of a step: a tick that lies on the range's edge belongs to it
+constexpr double SLACK = 1e-9;  // of a step: a tick that lies on the range's edge belongs to it
 
 Tick_Scale Scale_Of_Step(double from, double to, double step) {
     Tick_Scale scale;
     scale.step = step;
-    scale.first = static_cast<std::int64_t>(std::ceil(from / step - slack));
-    scale.last = static_cast<std::int64_t>(std::floor(to / step + slack));
+    scale.first = static_cast<std::int64_t>(std::ceil(from / step - SLACK));
+    scale.last = static_cast<std::int64_t>(std::floor(to / step + SLACK));
     return scale;
 }
 
@@ -20,7 +20,7 @@ Tick_Scale Scale_Of_Step(double from, double to, double step) {
 int Decade(double value) {
     int decade = static_cast<int>(std::floor(std::log10(value)));
     // The logarithm of a power of ten may come out just below the whole number.
-    while (std::pow(10.0, decade + 1) <= value * (1.0 + slack)) {
+    while (std::pow(10.0, decade + 1) <= value * (1.0 + SLACK)) {
         decade++;
     }
     return decade;
@@ -38,7 +38,7 @@ Tick_Scale Tick_Scale_Make(double from, double to, double least) {
     const double floor_least = std::max(least, largest * 1e-12);
     const double decade = std::pow(10.0, Decade(floor_least));
     for (const double digit : {1.0, 2.0, 5.0}) {
-        if (digit * decade >= floor_least * (1.0 - slack)) {
+        if (digit * decade >= floor_least * (1.0 - SLACK)) {
             return Scale_Of_Step(from, to, digit * decade);
         }
     }

@@ -7,12 +7,12 @@
 
 namespace {
 
-constexpr unsigned int style_bordered = 0x2;
-constexpr unsigned int style_filled = 0x40;
-constexpr int title_band_default = 18;  // pixels, when the host names no height
-constexpr int title_margin = 4;         // pixels left of the title
-constexpr int band_shade = 10;          // percent
-constexpr int line_shade = 45;          // percent
+constexpr unsigned int STYLE_BORDERED = 0x2;
+constexpr unsigned int STYLE_FILLED = 0x40;
+constexpr int TITLE_BAND_DEFAULT = 18;  // pixels, when the host names no height
+constexpr int TITLE_MARGIN = 4;         // pixels left of the title
+constexpr int BAND_SHADE = 10;          // percent
+constexpr int LINE_SHADE = 45;          // percent
 
 /** Height of the title band; 0 without a title. */
 int Title_Band(const Boxs& box) {
@@ -22,11 +22,11 @@ int Title_Band(const Boxs& box) {
     const auto value =
         reinterpret_cast<std::uintptr_t>(Fct_Variable_Value("$INTERFACE_TITLE_DIM_SML", nullptr, nullptr, nullptr));
     const int named = static_cast<std::int16_t>(value & 0xFFFFU);
-    return std::min<int>(named > 0 ? named : title_band_default, box.height);
+    return std::min<int>(named > 0 ? named : TITLE_BAND_DEFAULT, box.height);
 }
 
 Rgb Box_Line(const Boxs& box) {
-    return Mix(Rgb_Of(box.color), Contrast_Color(Rgb_Of(box.color)), line_shade);
+    return Mix(Rgb_Of(box.color), Contrast_Color(Rgb_Of(box.color)), LINE_SHADE);
 }
 
 void Draw_Title(Painter& painter, const Boxs& box, const Rect& inner) {
@@ -34,15 +34,15 @@ void Draw_Title(Painter& painter, const Boxs& box, const Rect& inner) {
     if (band.Empty()) {
         return;
     }
-    const Rgb ground = Shade(Rgb_Of(box.color), band_shade);
+    const Rgb ground = Shade(Rgb_Of(box.color), BAND_SHADE);
     painter.Picture().Fill(band, ground);
-    Draw_Caption(painter.Picture(), {band.left + title_margin, band.top, band.width - 2 * title_margin, band.height},
+    Draw_Caption(painter.Picture(), {band.left + TITLE_MARGIN, band.top, band.width - 2 * TITLE_MARGIN, band.height},
                  box, box.name, Contrast_Color(ground), Align::Left);
 }
 
 /** Pixels of the border that is drawn. */
 int Border_Of(const Boxs& box) {
-    return (box.style & style_bordered) != 0 ? Widget_Border(box) : 0;
+    return (box.style & STYLE_BORDERED) != 0 ? Widget_Border(box) : 0;
 }
 
 /** The border and the title, over what the picture holds. */
@@ -82,7 +82,7 @@ void Boxs::Draw() {
         return;
     }
     Count_Draw();
-    if ((style & style_filled) != 0) {
+    if ((style & STYLE_FILLED) != 0) {
         painter.Picture().Fill(painter.Area(), Rgb_Of(color));
     } else {
         Show_Marks(painter, *this);

@@ -9,19 +9,19 @@
 // The four images lie in one block behind a record of the library's own, which the button reaches through image[0].
 namespace {
 
-constexpr int image_nb = 4;
-enum Image : int { image_plain, image_hover, image_pressed, image_current };
-constexpr unsigned short look_plain = 0;
-constexpr unsigned short look_hover = 1;
-constexpr unsigned short look_pressed = 2;
+constexpr int IMAGE_NB = 4;
+enum Image : int { Image_Plain, Image_Hover, Image_Pressed, Image_Current };
+constexpr unsigned short LOOK_PLAIN = 0;
+constexpr unsigned short LOOK_HOVER = 1;
+constexpr unsigned short LOOK_PRESSED = 2;
 
-constexpr std::size_t image_area_max = std::size_t{1} << 24U;  // pixels; larger buttons have no images
-constexpr int mark_thickness = 2;                              // pixels of the current mark's frame
-constexpr int inactive_mix = 50;                               // percent of the panel's colour
-constexpr int hover_shade = 25;                                // percent
-constexpr int pressed_shade = 48;                              // percent
-constexpr int border_mix = 75;                                 // percent of the line's colour in the border
-constexpr int caption_margin = 2;                              // pixels on either side of a caption
+constexpr std::size_t IMAGE_AREA_MAX = std::size_t{1} << 24U;  // pixels; larger buttons have no images
+constexpr int MARK_THICKNESS = 2;                              // pixels of the current mark's frame
+constexpr int INACTIVE_MIX = 50;                               // percent of the panel's colour
+constexpr int HOVER_SHADE = 25;                                // percent
+constexpr int PRESSED_SHADE = 48;                              // percent
+constexpr int BORDER_MIX = 75;                                 // percent of the line's colour in the border
+constexpr int CAPTION_MARGIN = 2;                              // pixels on either side of a caption
 
 struct Image_Block {
     int width;
@@ -30,12 +30,12 @@ struct Image_Block {
     std::uint64_t painted_mark_sum;  // of the image that its current mark showed; 0: no mark
     unsigned short painted_look;
 };
-constexpr std::size_t block_head = (sizeof(Image_Block) + 15U) & ~std::size_t{15U};
+constexpr std::size_t BLOCK_HEAD = (sizeof(Image_Block) + 15U) & ~std::size_t{15U};
 
 Image_Block* Block_Of(const Buttons& button) {
     return button.image[0] == nullptr
                ? nullptr
-               : reinterpret_cast<Image_Block*>(reinterpret_cast<unsigned char*>(button.image[0]) - block_head);
+               : reinterpret_cast<Image_Block*>(reinterpret_cast<unsigned char*>(button.image[0]) - BLOCK_HEAD);
 }
 
 std::size_t Pixel_Nb(const Buttons& button) {
@@ -48,12 +48,12 @@ bool Images_Fit(const Buttons& button) {
 }
 
 /** The backgrounds of the four images: distinct, and none of them 0, which stands for an outline painted by a panel. */
-void Background_Colors(Rgb face, Rgb out[image_nb]) {
-    out[image_plain] = face != 0 ? face : 0x010101U;
-    out[image_hover] = Shade(face, hover_shade);
-    out[image_pressed] = Shade(face, pressed_shade);
-    out[image_current] = Contrast_Color(face);
-    for (int i = 1; i < image_nb; i++) {
+void Background_Colors(Rgb face, Rgb out[IMAGE_NB]) {
+    out[Image_Plain] = face != 0 ? face : 0x010101U;
+    out[Image_Hover] = Shade(face, HOVER_SHADE);
+    out[Image_Pressed] = Shade(face, PRESSED_SHADE);
+    out[Image_Current] = Contrast_Color(face);
+    for (int i = 1; i < IMAGE_NB; i++) {
         while (out[i] == 0 || std::find(out, out + i, out[i]) != out + i) {
             out[i] = out[i] >= 0xFFFFFFU ? 0x010101U : out[i] + 1U;
         }
@@ -88,13 +88,13 @@ std::uint64_t Image_Sum(const unsigned int* pixels, std::size_t nb) {
 /** A sum over the image that is the face. Never 0. Runs over every visible button with every move of the pointer, so
  * the images that are not shown are left out: they are read when they come into sight. */
 std::uint64_t Face_Sum(const Buttons& button) {
-    const int face = std::clamp<int>(button.state, image_plain, image_pressed);
+    const int face = std::clamp<int>(button.state, Image_Plain, Image_Pressed);
     return Image_Sum(button.image[face], Pixel_Nb(button)) | 1U;
 }
 
 /** The same over the image that the current mark shows; 0: no mark. */
 std::uint64_t Mark_Sum(const Buttons& button) {
-    return button.current != 0 ? Image_Sum(button.image[image_current], Pixel_Nb(button)) | 1U : 0;
+    return button.current != 0 ? Image_Sum(button.image[Image_Current], Pixel_Nb(button)) | 1U : 0;
 }
 
 // ---- drawing
@@ -111,23 +111,23 @@ Button_Layout Layout_Of(const Buttons& button) {
     Button_Layout layout;
     layout.area = {0, 0, button.width, button.height};
     layout.mark = layout.area.Inner(Widget_Border(button));
-    const Rect inner = layout.mark.Inner(mark_thickness);
+    const Rect inner = layout.mark.Inner(MARK_THICKNESS);
     layout.caption = inner;
     if ((button.style & STYLE_SHOW_CHECK) != 0) {
         layout.check = Rect_Common({inner.left, inner.top, button.width / 4, inner.height}, inner);
         layout.caption.left += layout.check.width;
         layout.caption.width -= layout.check.width;
     }
-    layout.caption.left += caption_margin;
-    layout.caption.width -= 2 * caption_margin;
+    layout.caption.left += CAPTION_MARGIN;
+    layout.caption.width -= 2 * CAPTION_MARGIN;
     return layout;
 }
 
 /** What a button's look depends on besides its images. */
 struct Button_Look {
-    int face = image_plain;
+    int face = Image_Plain;
     bool inactive = false;
-    Rgb backgrounds[image_nb] = {};
+    Rgb backgrounds[IMAGE_NB] = {};
     Rgb ground = 0;  // the face's background as it is shown
     Rgb ink = 0;     // text and check mark on it
 };
@@ -136,14 +136,14 @@ Button_Look Look_Of(const Buttons& button) {
     Button_Look look;
     Background_Colors(Rgb_Of(button.color), look.backgrounds);
     look.inactive = Widget_Inactive(button);
-    look.face = look.inactive ? image_plain : std::clamp<int>(button.state, image_plain, image_pressed);
+    look.face = look.inactive ? Image_Plain : std::clamp<int>(button.state, Image_Plain, Image_Pressed);
     look.ground = look.backgrounds[look.face];
     if (look.inactive) {
-        look.ground = Mix(look.ground, Theme_Now().panel, inactive_mix);
+        look.ground = Mix(look.ground, Theme_Now().panel, INACTIVE_MIX);
     }
     look.ink = Contrast_Color(look.ground);
     if (look.inactive) {
-        look.ink = Mix(look.ink, look.ground, inactive_mix);
+        look.ink = Mix(look.ink, look.ground, INACTIVE_MIX);
     }
     return look;
 }
@@ -156,16 +156,16 @@ void Draw_Image(Surface& picture, const Buttons& button, const Button_Look& look
         picture.Fill(area, look.backgrounds[image]);
     }
     if (look.inactive) {
-        picture.Tint(area, Theme_Now().panel, inactive_mix);
+        picture.Tint(area, Theme_Now().panel, INACTIVE_MIX);
     }
 }
 
 /** The marks over a face: the current mark's frame shows the fourth image, whose background contrasts with the face. */
 void Draw_Marks(Surface& picture, const Buttons& button, const Button_Look& look, const Button_Layout& layout) {
     if (button.current != 0) {
-        for (const Rect& side : Frame_Sides(layout.mark, mark_thickness)) {
+        for (const Rect& side : Frame_Sides(layout.mark, MARK_THICKNESS)) {
             const Rect before = picture.Clip_Set(side);
-            Draw_Image(picture, button, look, image_current);
+            Draw_Image(picture, button, look, Image_Current);
             picture.Clip_Set(before);
         }
     }
@@ -175,9 +175,9 @@ void Draw_Marks(Surface& picture, const Buttons& button, const Button_Look& look
 }
 
 void Draw_Border(Surface& picture, const Buttons& button, const Button_Look& look, const Rect& area) {
-    const bool plain = look.inactive || button.state == look_plain;
+    const bool plain = look.inactive || button.state == LOOK_PLAIN;
     const Rgb line = plain ? Theme_Now().line : Contrast_Color(look.ground);
-    picture.Frame(area, Widget_Border(button), Mix(look.ground, line, border_mix));
+    picture.Frame(area, Widget_Border(button), Mix(look.ground, line, BORDER_MIX));
 }
 
 /** True when the caption reads upwards, over the whole button: a tall narrow button has room in that direction only. */
@@ -208,7 +208,7 @@ void Draw_Button_Caption(Surface& picture, const Buttons& button, const Button_L
 }
 
 void Note(const Buttons& button) {
-    Shown_Note(button, {Widget_Kind::BUTTON, button.name, {}, button.current != 0, button.checked != 0});
+    Shown_Note(button, {Widget_Kind::Button, button.name, {}, button.current != 0, button.checked != 0});
 }
 
 void Paint(Buttons& button) {
@@ -261,29 +261,29 @@ bool Out_Of_Date(const Buttons& button) {
 
 void Buttons::Images_Free() {
     std::free(Block_Of(*this));
-    std::fill_n(image, image_nb, nullptr);
+    std::fill_n(image, IMAGE_NB, nullptr);
 }
 
 int Buttons::Images_Make() {
     if (!Images_Fit(*this)) {
         Images_Free();
-        if (width <= 0 || height <= 0 || Pixel_Nb(*this) > image_area_max) {
+        if (width <= 0 || height <= 0 || Pixel_Nb(*this) > IMAGE_AREA_MAX) {
             return 0;
         }
         auto* bytes =
-            static_cast<unsigned char*>(std::calloc(1, block_head + Pixel_Nb(*this) * image_nb * sizeof(unsigned int)));
+            static_cast<unsigned char*>(std::calloc(1, BLOCK_HEAD + Pixel_Nb(*this) * IMAGE_NB * sizeof(unsigned int)));
         if (bytes == nullptr) {
             return 0;
         }
-        for (std::size_t i = 0; i < image_nb; i++) {
-            image[i] = reinterpret_cast<unsigned int*>(bytes + block_head) + i * Pixel_Nb(*this);
+        for (std::size_t i = 0; i < IMAGE_NB; i++) {
+            image[i] = reinterpret_cast<unsigned int*>(bytes + BLOCK_HEAD) + i * Pixel_Nb(*this);
         }
         Block_Of(*this)->width = width;
         Block_Of(*this)->height = height;
     }
-    Rgb backgrounds[image_nb];
+    Rgb backgrounds[IMAGE_NB];
     Background_Colors(Rgb_Of(color), backgrounds);
-    for (int i = 0; i < image_nb; i++) {
+    for (int i = 0; i < IMAGE_NB; i++) {
         std::fill_n(image[i], Pixel_Nb(*this), backgrounds[i]);
     }
     Block_Of(*this)->painted_sum = 0;
@@ -302,7 +302,7 @@ Buttons::~Buttons() {
 Buttons::Buttons(const Buttons& other)
     : Tools(other), current(other.current), checked(other.checked), state(other.state) {
     if (Images_Fit(other) && Images_Make() != 0) {
-        std::memcpy(image[0], other.image[0], Pixel_Nb(other) * image_nb * sizeof(unsigned int));
+        std::memcpy(image[0], other.image[0], Pixel_Nb(other) * IMAGE_NB * sizeof(unsigned int));
     }
 }
 
@@ -317,7 +317,7 @@ Buttons& Buttons::operator=(const Buttons& other) {
     if (!Images_Fit(other)) {
         Images_Free();
     } else if (Images_Make() != 0) {
-        std::memcpy(image[0], other.image[0], Pixel_Nb(other) * image_nb * sizeof(unsigned int));
+        std::memcpy(image[0], other.image[0], Pixel_Nb(other) * IMAGE_NB * sizeof(unsigned int));
     }
     return *this;
 }
@@ -350,7 +350,7 @@ void Buttons::Adjust() {
     if (name[0] != 0 && Is_Caption_Upwards(*this, layout)) {
         Draw_Button_Caption(painter.Picture(), *this, look, layout);  // it stands across the marks' places
     }
-    for (const Rect& side : Frame_Sides(layout.mark, mark_thickness)) {
+    for (const Rect& side : Frame_Sides(layout.mark, MARK_THICKNESS)) {
         painter.Show_Only(side);
     }
     painter.Show_Only(layout.check);
@@ -364,7 +364,7 @@ int Buttons::Select(int up_down) {
     const bool inside = Widget_Pointer(*this, &point);
     if (Widget_Inactive(*this)) {
         if (Widget_Hidden(*this)) {
-            state = look_plain;  // what was shown when it was hidden is over when it comes back
+            state = LOOK_PLAIN;  // what was shown when it was hidden is over when it comes back
         }
         return 0;
     }
@@ -376,11 +376,11 @@ int Buttons::Select(int up_down) {
         Paint(*this);
         return inside ? 1 : 0;
     }
-    const unsigned short pointed = (up_down & MOUSE_PRESS) != 0 ? look_pressed : look_hover;
-    Look_Set(*this, inside ? pointed : look_plain);
+    const unsigned short pointed = (up_down & MOUSE_PRESS) != 0 ? LOOK_PRESSED : LOOK_HOVER;
+    Look_Set(*this, inside ? pointed : LOOK_PLAIN);
     return inside ? 1 : 0;
 }
 
 void Buttons::Deselect() {
-    Look_Set(*this, look_plain);
+    Look_Set(*this, LOOK_PLAIN);
 }

@@ -19,9 +19,9 @@
 
 namespace {
 
-constexpr Rgb no_tint = 0xFFFFFF;
-constexpr std::size_t file_size_max = std::size_t{64} << 20U;
-constexpr std::size_t cache_max = 512;  // pictures; then the cache starts anew
+constexpr Rgb NO_TINT = 0xFFFFFF;
+constexpr std::size_t FILE_SIZE_MAX = std::size_t{64} << 20U;
+constexpr std::size_t CACHE_MAX = 512;  // pictures; then the cache starts anew
 
 // ---- files
 
@@ -35,7 +35,7 @@ bool File_Read(const std::string& path, std::vector<std::uint8_t>* bytes) {
     }
     std::uint8_t block[4096];
     for (std::size_t nb = 0; (nb = std::fread(block, 1, sizeof block, file.get())) > 0;) {
-        if (bytes->size() + nb > file_size_max) {
+        if (bytes->size() + nb > FILE_SIZE_MAX) {
             return false;
         }
         bytes->insert(bytes->end(), block, block + nb);
@@ -54,7 +54,7 @@ const Tga_Picture* Picture_Find(const std::string& path) {
     if (!File_Read(path, &bytes)) {
         return nullptr;
     }
-    if (cache.size() >= cache_max) {
+    if (cache.size() >= CACHE_MAX) {
         cache.clear();
     }
     Tga_Picture& picture = cache[path];
@@ -124,7 +124,7 @@ void Icon_Draw(HWND window, int x, int y, const char* prog_name, const char* fil
     }
     const Point middle = Dc_To_Device(dc.Get(), {x, y});
     const Rect target = {middle.x, middle.y - picture->height / 2, picture->width, picture->height};
-    if (tint == no_tint) {
+    if (tint == NO_TINT) {
         Dc_Blend(dc.Get(), target, picture->pixels.data());
         return;
     }
@@ -246,7 +246,7 @@ void Icon_Draw_Tinted(HWND window, int x, int y, const char* prog_name, const ch
 }
 
 void Icon_Draw_Image(const Boxs& box, int x, int y, const char* prog_name, const char* file) {
-    Icon_Draw_Tinted(box.window, x, y, prog_name, file, no_tint);
+    Icon_Draw_Tinted(box.window, x, y, prog_name, file, NO_TINT);
 }
 
 void Icon_Lead_Expand(const Boxs& box, int flag, int x0, int x1, int y0, int y1) {

@@ -6,32 +6,32 @@
 
 namespace {
 
-constexpr unsigned int message_key_down = 0x0100;
-constexpr unsigned int message_character = 0x0102;
-constexpr unsigned int message_system_key_down = 0x0104;
+constexpr unsigned int MESSAGE_KEY_DOWN = 0x0100;
+constexpr unsigned int MESSAGE_CHARACTER = 0x0102;
+constexpr unsigned int MESSAGE_SYSTEM_KEY_DOWN = 0x0104;
 
-constexpr int key_page_up = 0x21;  // Page Up, Page Down, End, Home and the arrows follow one another
-constexpr int key_down = 0x28;
-constexpr int key_insert = 0x2D;
-constexpr int key_delete = 0x2E;
-constexpr int key_f1 = 0x70;
-constexpr int key_f24 = 0x87;
-constexpr std::uintptr_t control_backspace = 0x7F;  // the character that Ctrl+Backspace makes
+constexpr int VIRTUAL_PAGE_UP = 0x21;  // Page Up, Page Down, End, Home and the arrows follow one another
+constexpr int VIRTUAL_DOWN = 0x28;
+constexpr int VIRTUAL_INSERT = 0x2D;
+constexpr int VIRTUAL_DELETE = 0x2E;
+constexpr int VIRTUAL_F1 = 0x70;
+constexpr int VIRTUAL_F24 = 0x87;
+constexpr std::uintptr_t CONTROL_BACKSPACE = 0x7F;  // the character that Ctrl+Backspace makes
 
 bool Has_No_Character(int key) {
-    return (key >= key_page_up && key <= key_down) || key == key_insert || key == key_delete ||
-           (key >= key_f1 && key <= key_f24);
+    return (key >= VIRTUAL_PAGE_UP && key <= VIRTUAL_DOWN) || key == VIRTUAL_INSERT || key == VIRTUAL_DELETE ||
+           (key >= VIRTUAL_F1 && key <= VIRTUAL_F24);
 }
 
 int Special_Key(unsigned int message, std::uintptr_t wparam) {
-    if (message != message_key_down && message != message_system_key_down) {
+    if (message != MESSAGE_KEY_DOWN && message != MESSAGE_SYSTEM_KEY_DOWN) {
         return 0;
     }
     return wparam <= 0xFF && Has_No_Character(static_cast<int>(wparam)) ? KEY_SPECIAL + static_cast<int>(wparam) : 0;
 }
 
 int Character(std::uintptr_t code) {
-    return code == control_backspace ? KEY_BACKSPACE : code <= 0xFF ? static_cast<int>(code) : 0;
+    return code == CONTROL_BACKSPACE ? KEY_BACKSPACE : code <= 0xFF ? static_cast<int>(code) : 0;
 }
 
 /** A number of UTF-16: the byte where the code page has one for the character, else the number itself. The halves of a
@@ -63,14 +63,14 @@ int Wide_Character(std::uintptr_t code) {
 }  // namespace
 
 int Parse_Keyboard(HWND window, unsigned int message, std::uintptr_t wparam, std::intptr_t) {
-    if (message != message_character) {
+    if (message != MESSAGE_CHARACTER) {
         return Special_Key(message, wparam);
     }
     return System_Window_Is_Wide(window) ? Wide_Character(wparam) : Character(wparam);
 }
 
 int Parse_Dialog(HWND, unsigned int message, std::uintptr_t wparam, std::intptr_t lparam) {
-    if (message != message_key_down || wparam > 0xFF) {
+    if (message != MESSAGE_KEY_DOWN || wparam > 0xFF) {
         return Special_Key(message, wparam);
     }
     const int special = Special_Key(message, wparam);

@@ -3,8 +3,8 @@
 #include "kits/widgets/shown_widgets_note.h"
 
 namespace {
-constexpr int text_margin = 3;    // pixels left of the text
-constexpr int grey_percent = 50;  // of the panel's colour in an inactive label
+constexpr int TEXT_MARGIN = 3;    // pixels left of the text
+constexpr int GREY_PERCENT = 50;  // of the panel's colour in an inactive label
 }  // namespace
 
 int Labels::Init(HWND init_window) {
@@ -20,14 +20,14 @@ void Labels::Draw() {
         return;
     }
     Count_Draw();
-    Shown_Note(*this, {Widget_Kind::LABEL, name, {}});
+    Shown_Note(*this, {Widget_Kind::Label, name, {}});
     const bool inactive = Widget_Inactive(*this);
-    const Rgb ground = inactive ? Mix(Rgb_Of(color), Theme_Now().panel, grey_percent) : Rgb_Of(color);
-    const Rgb text = inactive ? Mix(Contrast_Color(ground), ground, grey_percent) : Contrast_Color(ground);
+    const Rgb ground = inactive ? Mix(Rgb_Of(color), Theme_Now().panel, GREY_PERCENT) : Rgb_Of(color);
+    const Rgb text = inactive ? Mix(Contrast_Color(ground), ground, GREY_PERCENT) : Contrast_Color(ground);
     painter.Picture().Fill(painter.Area(), ground);
     Rect room = painter.Area();
-    room.left += text_margin;
-    room.width -= 2 * text_margin;
+    room.left += TEXT_MARGIN;
+    room.width -= 2 * TEXT_MARGIN;
     Draw_Caption(painter.Picture(), room, *this, name, text, Align::Left);
 }
 

@@ -66,7 +66,7 @@ Painter::operator bool() const {
 }
 
 void Painter::Show_Only(const Rect& part) {
-    if (part_nb < parts_max) {
+    if (part_nb < PARTS_MAX) {
         parts[part_nb++] = part;
         return;
     }
@@ -119,10 +119,10 @@ namespace {
 
 /** Opacity, 0 to 255, of a check mark and of its halo in a square. */
 struct Check_Mask {
-    static constexpr int side_max = 64;  // pixels; larger squares get a mark of this size in their middle
+    static constexpr int SIDE_MAX = 64;  // pixels; larger squares get a mark of this size in their middle
     int side = 0;
-    std::array<std::uint32_t, side_max* side_max> halo = {};
-    std::array<std::uint32_t, side_max* side_max> mark = {};
+    std::array<std::uint32_t, SIDE_MAX* SIDE_MAX> halo = {};
+    std::array<std::uint32_t, SIDE_MAX* SIDE_MAX> mark = {};
 };
 
 /** The mask of a square. All buttons of a panel have one size, so the last one is kept. */
@@ -147,7 +147,7 @@ const Check_Mask& Check_Mask_Of(int side) {
 
 void Draw_Check(Surface& picture, const Rect& rect, Rgb color) {
     constexpr int side_min = 5;
-    const int side = std::min({rect.width, rect.height, Check_Mask::side_max});
+    const int side = std::min({rect.width, rect.height, Check_Mask::SIDE_MAX});
     if (side < side_min) {
         return;
     }

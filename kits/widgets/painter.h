@@ -67,12 +67,12 @@ class Painter {
     void Show_Nothing() { Show_Only({}); }
 
   private:
-    static constexpr int parts_max = 6;
+    static constexpr int PARTS_MAX = 6;
     HWND window = nullptr;
     Rect device;
     bool found = false;
     Scratch_Picture scratch;
-    Rect parts[parts_max];
+    Rect parts[PARTS_MAX];
     int part_nb = 0;
 };
 

@@ -8,10 +8,10 @@
 
 namespace {
 
-constexpr int list_border = 1;  ///< pixels
-constexpr int text_margin = 4;  ///< pixels before a caption
-constexpr int key_blank = 32;
-constexpr int key_rubout = 127;
+constexpr int LIST_BORDER = 1;  ///< pixels
+constexpr int TEXT_MARGIN = 4;  ///< pixels before a caption
+constexpr int KEY_BLANK = 32;
+constexpr int KEY_RUBOUT = 127;
 
 Drop_List_Runner runner = nullptr;
 
@@ -32,13 +32,13 @@ Drop_List::Drop_List(const Drop_List_Request& list_request, const Rect& screen, 
     const int below = screen.Bottom() - field.Bottom();
     const int above = field.top - screen.top;
     const int wanted = std::clamp(Item_Nb(), 1, DROP_LIST_ROWS_MAX);
-    const auto rows_in = [&](int room) { return std::max((room - 2 * list_border) / row_height, 1); };
+    const auto rows_in = [&](int room) { return std::max((room - 2 * LIST_BORDER) / row_height, 1); };
     const bool fits_below = rows_in(below) >= wanted;
     const bool upwards = !fits_below && below < above;
     rows = std::min(wanted, rows_in(upwards ? above : below));
 
     area.width = std::max(field.width, DROP_LIST_BAR_WIDTH + 2 * row_height);
-    area.height = rows * row_height + 2 * list_border;
+    area.height = rows * row_height + 2 * LIST_BORDER;
     area.left = std::max(std::min(field.left, screen.Right() - area.width), screen.left);
     area.top = upwards ? field.top - area.height : field.Bottom();
     if (request.current >= 0 && request.current < Item_Nb()) {
@@ -48,11 +48,11 @@ Drop_List::Drop_List(const Drop_List_Request& list_request, const Rect& screen, 
 }
 
 int Drop_List::Item_At(Point point) const {
-    const int inner_width = area.width - 2 * list_border - (Has_Bar() ? DROP_LIST_BAR_WIDTH : 0);
-    if (!Rect{list_border, list_border, inner_width, rows * row_height}.Contains(point)) {
+    const int inner_width = area.width - 2 * LIST_BORDER - (Has_Bar() ? DROP_LIST_BAR_WIDTH : 0);
+    if (!Rect{LIST_BORDER, LIST_BORDER, inner_width, rows * row_height}.Contains(point)) {
         return DROP_LIST_NONE;
     }
-    const int item = first + (point.y - list_border) / row_height;
+    const int item = first + (point.y - LIST_BORDER) / row_height;
     return item < Item_Nb() ? item : DROP_LIST_NONE;
 }
 
@@ -60,7 +60,7 @@ Rect Drop_List::Bar() const {
     if (!Has_Bar()) {
         return {};
     }
-    return {area.width - list_border - DROP_LIST_BAR_WIDTH, list_border, DROP_LIST_BAR_WIDTH, rows * row_height};
+    return {area.width - LIST_BORDER - DROP_LIST_BAR_WIDTH, LIST_BORDER, DROP_LIST_BAR_WIDTH, rows * row_height};
 }
 
 int Drop_List::Thumb_Length() const {
@@ -159,7 +159,7 @@ void Drop_List::Key(int key) {
     if (state != State::Open) {
         return;
     }
-    if (key > key_blank && key < key_rubout) {
+    if (key > KEY_BLANK && key < KEY_RUBOUT) {
         Type(static_cast<char>(key));
         return;
     }
@@ -186,7 +186,7 @@ void Drop_List::Key(int key) {
             Highlight(Item_Nb() - 1);
             break;
         case KEY_ENTER:
-        case key_blank:
+        case KEY_BLANK:
             state = hot == DROP_LIST_NONE ? State::Closed : State::Picked;
             break;
         case KEY_ESCAPE:
@@ -228,12 +228,12 @@ void Drop_List::Close() {
 
 void Drop_List::Paint(Surface& picture) const {
     const Theme& theme = Theme_On(Rgb_Of(request.look.color));
-    Draw_Face(picture, {0, 0, area.width, area.height}, theme.field, theme.line_strong, list_border);
+    Draw_Face(picture, {0, 0, area.width, area.height}, theme.field, theme.line_strong, LIST_BORDER);
     const Rect bar = Bar();
-    const int width = area.width - 2 * list_border - bar.width;
+    const int width = area.width - 2 * LIST_BORDER - bar.width;
     for (int row = 0; row < rows && first + row < Item_Nb(); ++row) {
         const int item = first + row;
-        const Rect place{list_border, list_border + row * row_height, width, row_height};
+        const Rect place{LIST_BORDER, LIST_BORDER + row * row_height, width, row_height};
         Rgb color = theme.field_text;
         if (item == hot) {
             picture.Fill(place, theme.accent);
@@ -241,7 +241,7 @@ void Drop_List::Paint(Surface& picture) const {
         } else if (item == request.current) {
             picture.Fill(place, Mix(theme.field, theme.accent, 30));
         }
-        Draw_Caption(picture, {place.left + text_margin, place.top, width - 2 * text_margin, row_height}, request.look,
+        Draw_Caption(picture, {place.left + TEXT_MARGIN, place.top, width - 2 * TEXT_MARGIN, row_height}, request.look,
                      request.item[static_cast<std::size_t>(item)].text, color, Align::Left);
     }
     if (!bar.Empty()) {

@@ -11,15 +11,15 @@
 
 namespace {
 
-constexpr wchar_t class_name[] = L"Kit_Widgets_Drop_List";
-constexpr int row_padding = 4;        ///< pixels between captions
-constexpr UINT_PTR watch_timer = 1;   ///< looks whether the application is still in front
-constexpr UINT watch_interval = 100;  ///< milliseconds
+constexpr wchar_t CLASS_NAME[] = L"Kit_Widgets_Drop_List";
+constexpr int ROW_PADDING = 4;        ///< pixels between captions
+constexpr UINT_PTR WATCH_TIMER = 1;   ///< looks whether the application is still in front
+constexpr UINT WATCH_INTERVAL = 100;  ///< milliseconds
 
 HINSTANCE Own_Module() {
     HMODULE module = nullptr;
     ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                         class_name, &module);
+                         CLASS_NAME, &module);
     return module;
 }
 
@@ -42,20 +42,20 @@ class Drop_Window {
         window_class.lpfnWndProc = Procedure;
         window_class.hInstance = module;
         window_class.hCursor = ::LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));  // the arrow
-        window_class.lpszClassName = class_name;
+        window_class.lpszClassName = CLASS_NAME;
         window_class.style = CS_DROPSHADOW;
         ::RegisterClassW(&window_class);
         const Rect area = list.Area();
         POINT corner = {area.left, area.top};
         ::ClientToScreen(request.window, &corner);
-        window = ::CreateWindowExW(WS_EX_NOACTIVATE | WS_EX_TOOLWINDOW | WS_EX_TOPMOST, class_name, L"", WS_POPUP,
+        window = ::CreateWindowExW(WS_EX_NOACTIVATE | WS_EX_TOOLWINDOW | WS_EX_TOPMOST, CLASS_NAME, L"", WS_POPUP,
                                    corner.x, corner.y, area.width, area.height, request.window, nullptr, module, this);
         if (window != nullptr) {
             Window_Axis_Set(window, Window_Axis::Down);
             front_at_start = Foreground_Is_Own();
             ::ShowWindow(window, SW_SHOWNOACTIVATE);
             ::SetCapture(window);
-            ::SetTimer(window, watch_timer, watch_interval, nullptr);
+            ::SetTimer(window, WATCH_TIMER, WATCH_INTERVAL, nullptr);
         }
     }
     ~Drop_Window() {
@@ -64,7 +64,7 @@ class Drop_Window {
             window = nullptr;
             ::DestroyWindow(closing);
         }
-        ::UnregisterClassW(class_name, module);
+        ::UnregisterClassW(CLASS_NAME, module);
     }
     Drop_Window(const Drop_Window&) = delete;
     Drop_Window& operator=(const Drop_Window&) = delete;
@@ -234,6 +234,6 @@ int Drop_List_Show(const Drop_List_Request& request) {
     if (::IsWindow(request.window) == 0) {
         return DROP_LIST_NONE;
     }
-    const int row_height = Text_Height(Widget_Font(request.look)) + row_padding;
+    const int row_height = Text_Height(Widget_Font(request.look)) + ROW_PADDING;
     return Drop_Window(request, Screen_Of(request.window, request.field), row_height).Run();
 }

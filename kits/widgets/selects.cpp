@@ -14,22 +14,22 @@
 
 namespace {
 
-constexpr int text_margin = 4;            ///< pixels before and behind a caption
-constexpr int inactive_mix_percent = 60;  ///< how much of the panel's colour is in a greyed part
-constexpr int page_items = 10;            ///< items that Page Up and Page Down go
+constexpr int TEXT_MARGIN = 4;            ///< pixels before and behind a caption
+constexpr int INACTIVE_MIX_PERCENT = 60;  ///< how much of the panel's colour is in a greyed part
+constexpr int PAGE_ITEMS = 10;            ///< items that Page Up and Page Down go
 
 /** The list whose drop list is open; null when it was destroyed meanwhile, or when none is open. */
 const Selects* open_list = nullptr;
 
 Select_Layout Layout_Of(const Selects& list) {
-    const int caption = list.name[0] == 0 ? 0 : Text_Width(list.name, Widget_Font(list)) + 2 * text_margin;
+    const int caption = list.name[0] == 0 ? 0 : Text_Width(list.name, Widget_Font(list)) + 2 * TEXT_MARGIN;
     return Select_Layout_Of(list.width, list.height, list.arrow, caption);
 }
 
 /** A part's ground by its state. */
 Rgb Face_Of(const Theme& theme, bool inactive, bool hovered, bool pressed) {
     if (inactive) {
-        return Mix(theme.face, theme.panel, inactive_mix_percent);
+        return Mix(theme.face, theme.panel, INACTIVE_MIX_PERCENT);
     }
     return pressed ? theme.face_pressed : hovered ? theme.face_hover : theme.face;
 }
@@ -54,13 +54,13 @@ void Paint_Field(Surface& picture, const Selects& list, const Rect& rect, const 
     const bool inactive = Widget_Inactive(list);
     const bool hovered = state.hovered == Select_Part::Field;
     const bool pressed = state.pressed == Select_Part::Field;
-    Rgb ground = inactive ? Mix(theme.field, theme.panel, inactive_mix_percent) : theme.field;
+    Rgb ground = inactive ? Mix(theme.field, theme.panel, INACTIVE_MIX_PERCENT) : theme.field;
     ground = pressed ? Shade(ground, 28) : hovered ? Shade(ground, 14) : ground;
     Draw_Face(picture, rect, ground, hovered || pressed ? theme.line_strong : theme.line, 1);
     if (list.item != nullptr && list.current >= 0 && list.current < list.item_nb) {
         const Select_Item& item = list.item[list.current];
         const std::size_t length = ::strnlen(item.text, sizeof(item.text));
-        Draw_Caption(picture, {rect.left + text_margin, rect.top, rect.width - 2 * text_margin, rect.height}, list,
+        Draw_Caption(picture, {rect.left + TEXT_MARGIN, rect.top, rect.width - 2 * TEXT_MARGIN, rect.height}, list,
                      {item.text, length}, inactive ? theme.text_grey : theme.field_text, Align::Left);
     }
 }
@@ -75,7 +75,7 @@ bool Paint(const Selects& list, const Parts_State& state, bool item_only) {
     }
     const bool has_item = list.item != nullptr && list.current >= 0 && list.current < list.item_nb;
     const char* const item = has_item ? list.item[list.current].text : "";
-    Shown_Note(list, {Widget_Kind::LIST, list.name, {item, ::strnlen(item, sizeof(Select_Item::text))}});
+    Shown_Note(list, {Widget_Kind::List, list.name, {item, ::strnlen(item, sizeof(Select_Item::text))}});
     const Theme& theme = Theme_On(Rgb_Of(list.color));
     const Select_Layout layout = Layout_Of(list);
     Surface& picture = painter.Picture();
@@ -89,7 +89,7 @@ bool Paint(const Selects& list, const Parts_State& state, bool item_only) {
     const Rgb ground = Rgb_Of(list.color);
     picture.Fill(layout.caption, ground);
     Draw_Caption(picture,
-                 {layout.caption.left + text_margin, 0, layout.caption.width - text_margin, layout.caption.height},
+                 {layout.caption.left + TEXT_MARGIN, 0, layout.caption.width - TEXT_MARGIN, layout.caption.height},
                  list, list.name, Widget_Inactive(list) ? theme.text_grey : Contrast_Color(ground), Align::Left);
     return true;
 }
@@ -105,15 +105,15 @@ int Item_Moved(const Selects& list, int n) {
 struct Key_Move {
     int key;
     int virtual_key;
-    int items;  ///< steps; first_item and last_item go to the ends
+    int items;  ///< steps; FIRST_ITEM and LAST_ITEM go to the ends
 };
 
-constexpr int first_item = -0x10000;
-constexpr int last_item = 0x10000;
-constexpr std::array<Key_Move, 8> key_moves = {{{KEY_HOME, KEY_HOME - KEY_SPECIAL, first_item},
-                                                {KEY_END, KEY_END - KEY_SPECIAL, last_item},
-                                                {KEY_PAGE_UP, KEY_PAGE_UP - KEY_SPECIAL, -page_items},
-                                                {KEY_PAGE_DOWN, KEY_PAGE_DOWN - KEY_SPECIAL, page_items},
+constexpr int FIRST_ITEM = -0x10000;
+constexpr int LAST_ITEM = 0x10000;
+constexpr std::array<Key_Move, 8> KEY_MOVES = {{{KEY_HOME, KEY_HOME - KEY_SPECIAL, FIRST_ITEM},
+                                                {KEY_END, KEY_END - KEY_SPECIAL, LAST_ITEM},
+                                                {KEY_PAGE_UP, KEY_PAGE_UP - KEY_SPECIAL, -PAGE_ITEMS},
+                                                {KEY_PAGE_DOWN, KEY_PAGE_DOWN - KEY_SPECIAL, PAGE_ITEMS},
                                                 {KEY_LEFT, KEY_LEFT - KEY_SPECIAL, -1},
                                                 {KEY_RIGHT, KEY_RIGHT - KEY_SPECIAL, 1},
                                                 {KEY_INSERT, KEY_INSERT - KEY_SPECIAL, -1},
@@ -122,7 +122,7 @@ constexpr std::array<Key_Move, 8> key_moves = {{{KEY_HOME, KEY_HOME - KEY_SPECIA
 /** Steps of the navigation key that the host is passing on, or else of the one that is held; 0 for none. */
 int Navigation_Steps() {
     const int key = Key_In_Hand() & 0xFFFF;
-    for (const Key_Move& move : key_moves) {
+    for (const Key_Move& move : KEY_MOVES) {
         if (key != 0 ? key == move.key : Input_Key_Held(move.virtual_key)) {
             return move.items;
         }

@@ -5,13 +5,13 @@
 #include "host/kit_widgets.h"
 
 /** What a widget is to its user. */
-enum class Widget_Kind { BUTTON, LABEL, LIST, SLIDER, VALUE, TEXT };
+enum class Widget_Kind { Button, Label, List, Slider, Value, Text };
 
 inline constexpr int SHOWN_TEXT_SIZE = 80;  ///< bytes of a name or value, its zero included; longer ones are cut
 
 /** A widget as it was painted last. */
 struct Shown_Widget {
-    Widget_Kind kind = Widget_Kind::BUTTON;  ///< says which of the members below mean something
+    Widget_Kind kind = Widget_Kind::Button;  ///< says which of the members below mean something
     ///@{
     int left = 0;  ///< client pixels, y down, whatever the window's axis
     int top = 0;

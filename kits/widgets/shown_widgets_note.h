@@ -6,7 +6,7 @@
 #include "kits/widgets/shown_widgets.h"
 
 struct Widget_Note {
-    Widget_Kind kind = Widget_Kind::BUTTON;
+    Widget_Kind kind = Widget_Kind::Button;
     std::string_view name;
     std::string_view value;
     bool is_current = false;

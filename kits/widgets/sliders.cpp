@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr int thumb_gap = 1;              ///< pixels between the track's border and the thumb's sides
-constexpr int inactive_mix_percent = 60;  ///< how much of the panel's colour is in a greyed thumb
+constexpr int THUMB_GAP = 1;              ///< pixels between the track's border and the thumb's sides
+constexpr int INACTIVE_MIX_PERCENT = 60;  ///< how much of the panel's colour is in a greyed thumb
 
 /** The thumb of a slider along its axis, in the widget's own picture. */
 struct Thumb_Place {
@@ -20,7 +20,7 @@ struct Thumb_Place {
 
     int Along(Point point) const { return (vertical ? point.y : point.x) - start; }
     Rect Thumb(int width, int height, int border) const {
-        const int side = border + thumb_gap;
+        const int side = border + THUMB_GAP;
         return vertical ? Rect{side, start + offset, width - 2 * side, length}
                         : Rect{start + offset, side, length, height - 2 * side};
     }
@@ -44,14 +44,14 @@ bool Paint(const Sliders& slider, float visible_part, bool hovered, bool dragged
     if (!painter) {
         return false;
     }
-    Shown_Note(slider, {Widget_Kind::SLIDER, slider.name, Number_Text(slider.value).text});
+    Shown_Note(slider, {Widget_Kind::Slider, slider.name, Number_Text(slider.value).text});
     const Theme& theme = Theme_Now();
     const bool inactive = Widget_Inactive(slider);
     Rgb face = dragged ? theme.face_pressed : hovered ? theme.face_hover : theme.face;
     Rgb track = theme.field;
     if (inactive) {
-        face = Mix(theme.face, theme.panel, inactive_mix_percent);
-        track = Mix(theme.field, theme.panel, inactive_mix_percent);
+        face = Mix(theme.face, theme.panel, INACTIVE_MIX_PERCENT);
+        track = Mix(theme.field, theme.panel, INACTIVE_MIX_PERCENT);
     }
     const int border = Widget_Border(slider);
     Draw_Face(painter.Picture(), painter.Area(), track, theme.line, border);

@@ -15,9 +15,9 @@
 
 namespace {
 
-constexpr int ascii_nb = 128;
-constexpr int wide_max = 1100;        // longest text that is drawn, in wide characters
-constexpr std::size_t font_max = 64;  // cached caption fonts; the oldest goes first
+constexpr int ASCII_NB = 128;
+constexpr int WIDE_MAX = 1100;        // longest text that is drawn, in wide characters
+constexpr std::size_t FONT_MAX = 64;  // cached caption fonts; the oldest goes first
 
 COLORREF Color_Ref(Rgb color) {
     return RGB((color >> 16U) & 0xFFU, (color >> 8U) & 0xFFU, color & 0xFFU);
@@ -30,7 +30,7 @@ struct Cached_Font {
     int height = 0;
     Gdi_Font font;
     int line_height = 0;
-    int ascii_width[ascii_nb] = {};
+    int ascii_width[ASCII_NB] = {};
 };
 
 std::list<Cached_Font>& Fonts() {
@@ -64,9 +64,9 @@ void Measure_Font(Cached_Font& entry) {
     TEXTMETRICA metrics = {};
     ::GetTextMetricsA(Measure_DC(), &metrics);
     entry.line_height = metrics.tmHeight;
-    INT widths[ascii_nb] = {};
-    if (::GetCharWidth32W(Measure_DC(), 0, ascii_nb - 1, widths) != 0) {
-        std::copy_n(widths, ascii_nb, entry.ascii_width);
+    INT widths[ASCII_NB] = {};
+    if (::GetCharWidth32W(Measure_DC(), 0, ASCII_NB - 1, widths) != 0) {
+        std::copy_n(widths, ASCII_NB, entry.ascii_width);
     }
 }
 
@@ -91,7 +91,7 @@ const Cached_Font* Font_Find(const Font_Choice& choice) {
             return nullptr;
         }
         Measure_Font(made);
-        if (fonts.size() >= font_max) {
+        if (fonts.size() >= FONT_MAX) {
             fonts.pop_back();
         }
         fonts.push_front(std::move(made));
@@ -123,22 +123,22 @@ Ready_Font Font_Ready(const Font_Choice& choice) {
 class Wide_Text {
   public:
     explicit Wide_Text(std::string_view text) {
-        text = Text_Cut(text, wide_max);
+        text = Text_Cut(text, WIDE_MAX);
         const bool ascii = std::all_of(text.begin(), text.end(),
-                                       [](char byte) { return static_cast<unsigned char>(byte) < ascii_nb; });
+                                       [](char byte) { return static_cast<unsigned char>(byte) < ASCII_NB; });
         if (ascii) {
             std::copy(text.begin(), text.end(), characters);
             length = static_cast<int>(text.size());
         } else {
             length =
-                ::MultiByteToWideChar(Code_Page(), 0, text.data(), static_cast<int>(text.size()), characters, wide_max);
+                ::MultiByteToWideChar(Code_Page(), 0, text.data(), static_cast<int>(text.size()), characters, WIDE_MAX);
         }
     }
     const wchar_t* Data() const { return characters; }
     int Length() const { return length; }
 
   private:
-    wchar_t characters[wide_max];
+    wchar_t characters[WIDE_MAX];
     int length = 0;
 };
 
@@ -148,8 +148,8 @@ int Width_Of(std::string_view text, const Ready_Font& font) {
         bool ascii = true;
         for (const char character : text) {
             const auto code = static_cast<unsigned char>(character);
-            ascii = ascii && code < ascii_nb;
-            width += code < ascii_nb ? font.cached->ascii_width[code] : 0;
+            ascii = ascii && code < ASCII_NB;
+            width += code < ASCII_NB ? font.cached->ascii_width[code] : 0;
         }
         if (ascii) {
             return width;

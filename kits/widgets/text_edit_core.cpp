@@ -22,8 +22,8 @@ bool Is_Blank(std::string_view text, int at) {
     return text[static_cast<std::size_t>(at)] == ' ';
 }
 
-constexpr unsigned char delete_control = 127;
-constexpr unsigned char first_printable = 32;
+constexpr unsigned char DELETE_CONTROL = 127;
+constexpr unsigned char FIRST_PRINTABLE = 32;
 
 bool Is_Line_End(char c) {
     return c == '\r' || c == '\n';
@@ -43,7 +43,7 @@ std::string One_Line(std::string_view text) {
         }
         if (Is_Line_End(text[i]) || text[i] == '\t') {
             line.push_back(' ');
-        } else if (byte >= first_printable && byte != delete_control) {
+        } else if (byte >= FIRST_PRINTABLE && byte != DELETE_CONTROL) {
             line.push_back(text[i]);
         }
     }
@@ -190,7 +190,7 @@ bool Text_Edit::Insert(std::string_view inserted) {
 
 bool Text_Edit::Insert_Code_Point(std::uint32_t code_point) {
     constexpr std::uint32_t last_code_point = 0x10FFFF;
-    const bool control = code_point < first_printable || (code_point >= delete_control && code_point < 0xA0);
+    const bool control = code_point < FIRST_PRINTABLE || (code_point >= DELETE_CONTROL && code_point < 0xA0);
     const bool surrogate = code_point >= 0xD800 && code_point < 0xE000;
     if (control || surrogate || code_point > last_code_point) {
         return false;

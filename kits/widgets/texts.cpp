@@ -16,37 +16,37 @@
 
 namespace {
 
-constexpr int text_margin = 4;     ///< pixels between border and text
-constexpr int caret_margin = 2;    ///< rows that the caret stays away from the border
-constexpr int caret_width = 2;     ///< pixels
-constexpr short place_unset = -1;  ///< caret of a field that was not loaded since Init
-constexpr char styled_run_end = 2;
+constexpr int TEXT_MARGIN = 4;     ///< pixels between border and text
+constexpr int CARET_MARGIN = 2;    ///< rows that the caret stays away from the border
+constexpr int CARET_WIDTH = 2;     ///< pixels
+constexpr short PLACE_UNSET = -1;  ///< caret of a field that was not loaded since Init
+constexpr char STYLED_RUN_END = 2;
 
-constexpr int key_select_all = 1;  // Ctrl+A, C, X and V
-constexpr int key_copy = 3;
-constexpr int key_cut = 24;
-constexpr int key_paste = 22;
-constexpr int virtual_shift = 0x10;
-constexpr int virtual_control = 0x11;
-constexpr int first_printable = 32;
-constexpr int last_byte = 0xFF;
-constexpr int first_beyond_ascii = 0x80;
+constexpr int KEY_SELECT_ALL = 1;  // Ctrl+A, C, X and V
+constexpr int KEY_COPY = 3;
+constexpr int KEY_CUT = 24;
+constexpr int KEY_PASTE = 22;
+constexpr int VIRTUAL_SHIFT = 0x10;
+constexpr int VIRTUAL_CONTROL = 0x11;
+constexpr int FIRST_PRINTABLE = 32;
+constexpr int LAST_BYTE = 0xFF;
+constexpr int FIRST_BEYOND_ASCII = 0x80;
 
 // UTF-16 has characters beyond 0xFFFF in two halves of ten bits each.
-constexpr int first_half = 0xD800;
-constexpr int second_half = 0xDC00;
-constexpr int last_half = 0xDFFF;
-constexpr int half_bits = 10;
-constexpr int first_of_pairs = 0x10000;
+constexpr int FIRST_HALF = 0xD800;
+constexpr int SECOND_HALF = 0xDC00;
+constexpr int LAST_HALF = 0xDFFF;
+constexpr int HALF_BITS = 10;
+constexpr int FIRST_OF_PAIRS = 0x10000;
 
-constexpr unsigned int style_edit = STYLE_EDIT_OPEN;                     ///< the bit that makes an editor of it
-constexpr unsigned int style_live = STYLE_EDIT_LIVE & ~STYLE_EDIT_OPEN;  ///< yields its text after every key
+constexpr unsigned int STYLE_EDIT = STYLE_EDIT_OPEN;                     ///< the bit that makes an editor of it
+constexpr unsigned int STYLE_LIVE = STYLE_EDIT_LIVE & ~STYLE_EDIT_OPEN;  ///< yields its text after every key
 
 bool Is_Editor(const Texts& field) {
-    return (field.style & style_edit) != 0;
+    return (field.style & STYLE_EDIT) != 0;
 }
 bool Is_Live(const Texts& field) {
-    return Is_Editor(field) && (field.style & style_live) != 0;
+    return Is_Editor(field) && (field.style & STYLE_LIVE) != 0;
 }
 bool Has_Keyboard(const Texts& field) {
     return Is_Editor(field) && !Widget_Inactive(field);
@@ -55,7 +55,7 @@ bool Has_Keyboard(const Texts& field) {
 /** Where the characters stand, in the widget's own picture. */
 Rect Text_Area(const Texts& field) {
     const int border = Is_Editor(field) ? std::max(Widget_Border(field), 1) : 0;
-    const int side = border + text_margin;
+    const int side = border + TEXT_MARGIN;
     return {side, border, field.width - 2 * side, field.height - 2 * border};
 }
 
@@ -74,7 +74,7 @@ void Paint_Selection(Surface& picture, const Texts& field, const Text_Edit& edit
     const int end = std::max(edit.Selection_End(), first);
     const int from = area.left + Width_Of(field, Part(edit.Text(), first, start));
     const int to = area.left + Width_Of(field, Part(edit.Text(), first, end));
-    const Rect marked = Rect_Common({from, area.top + caret_margin, to - from, area.height - 2 * caret_margin}, area);
+    const Rect marked = Rect_Common({from, area.top + CARET_MARGIN, to - from, area.height - 2 * CARET_MARGIN}, area);
     if (marked.Empty()) {
         return;
     }
@@ -104,7 +104,7 @@ void Paint_Editor(Painter& painter, const Texts& field, const Text_Edit& edit, i
     }
     Paint_Selection(picture, field, edit, first);
     const int caret = area.left + Width_Of(field, Part(edit.Text(), first, edit.Caret()));
-    picture.Fill({caret, area.top + caret_margin, caret_width, area.height - 2 * caret_margin}, theme.line_strong);
+    picture.Fill({caret, area.top + CARET_MARGIN, CARET_WIDTH, area.height - 2 * CARET_MARGIN}, theme.line_strong);
 }
 
 /** A field that is no editor is a line of text on its own colour. */
@@ -158,20 +158,20 @@ bool Edit_Key(Text_Edit* edit, int key, bool shift, bool control) {
 bool Clipboard_Key(Text_Edit* edit, int key) {
     std::array<char, TEXTS_SIZE> clip{};
     switch (key) {
-        case key_select_all:
+        case KEY_SELECT_ALL:
             edit->Select_All();
             return true;
-        case key_copy:
-        case key_cut:
+        case KEY_COPY:
+        case KEY_CUT:
             if (!edit->Has_Selection()) {
                 return true;
             }
             std::copy_n(edit->Selected().data(), edit->Selected().size(), clip.begin());
-            if (Input_Clipboard_Set(clip.data()) != 0 && key == key_cut) {
+            if (Input_Clipboard_Set(clip.data()) != 0 && key == KEY_CUT) {
                 edit->Delete();  // a text that could not be copied is not lost
             }
             return true;
-        case key_paste: {
+        case KEY_PASTE: {
             const int got = Input_Clipboard_Get(clip.data(), TEXTS_SIZE);
             clip.back() = 0;
             edit->Insert(std::string_view(clip.data(), got > 0 ? std::strlen(clip.data()) : 0));
@@ -183,7 +183,7 @@ bool Clipboard_Key(Text_Edit* edit, int key) {
 }
 
 bool Is_First_Half(int number) {
-    return number >= first_half && number < second_half;
+    return number >= FIRST_HALF && number < SECOND_HALF;
 }
 
 /** Inserts a character that comes as one or two numbers of UTF-16. @param first as for Type */
@@ -192,24 +192,24 @@ void Type_Wide(Text_Edit* edit, int number, unsigned short before, unsigned shor
         *first = static_cast<unsigned short>(number);
         return;
     }
-    const bool joins = Is_First_Half(before) && number >= second_half && number <= last_half;
+    const bool joins = Is_First_Half(before) && number >= SECOND_HALF && number <= LAST_HALF;
     edit->Insert_Code_Point(static_cast<std::uint32_t>(
-        joins ? first_of_pairs + ((before - first_half) << half_bits) + (number - second_half) : number));
+        joins ? FIRST_OF_PAIRS + ((before - FIRST_HALF) << HALF_BITS) + (number - SECOND_HALF) : number));
 }
 
 /** Inserts a typed character: a byte of the system's code page, or a number of UTF-16 beyond its single bytes.
  *  @param first the first key code of a character whose second one is still to come, 0 for none; renewed */
 void Type(Text_Edit* edit, int key, unsigned short* first) {
     const unsigned short before = std::exchange(*first, static_cast<unsigned short>(0));
-    if (key >= KEY_SPECIAL && key <= KEY_SPECIAL + last_byte) {
+    if (key >= KEY_SPECIAL && key <= KEY_SPECIAL + LAST_BYTE) {
         return;
     }
     // No single key makes a character of UTF-8 byte by byte: it comes whole.
-    if (key > last_byte || (key >= first_beyond_ascii && Code_Page_Is_Utf8())) {
+    if (key > LAST_BYTE || (key >= FIRST_BEYOND_ASCII && Code_Page_Is_Utf8())) {
         Type_Wide(edit, key, before, first);
         return;
     }
-    const bool second = before != 0 && before <= last_byte;
+    const bool second = before != 0 && before <= LAST_BYTE;
     const char byte = static_cast<char>(static_cast<unsigned char>(key));
     const char typed[] = {second ? static_cast<char>(static_cast<unsigned char>(before)) : byte, second ? byte : '\0',
                           '\0'};
@@ -227,8 +227,8 @@ int Texts::Init(HWND init_window) {
     key_seen = false;
     selecting = false;
     typed_first = 0;
-    caret = place_unset;
-    anchor = place_unset;
+    caret = PLACE_UNSET;
+    anchor = PLACE_UNSET;
     return Widget_Init(*this, init_window);
 }
 
@@ -241,9 +241,9 @@ void Texts::Draw() {
         return;
     }
     const Text_Edit edit(text, TEXTS_SIZE, caret, anchor);
-    Shown_Note(*this, {Widget_Kind::TEXT, name, edit.Text()});
+    Shown_Note(*this, {Widget_Kind::Text, name, edit.Text()});
     if (Is_Editor(*this)) {
-        const int room = Text_Area(*this).width - caret_width;
+        const int room = Text_Area(*this).width - CARET_WIDTH;
         const auto width_of = [this](std::string_view part) { return Width_Of(*this, part); };
         position = static_cast<unsigned short>(Text_First_Shown(edit.Text(), edit.Caret(), position, room, width_of));
         Paint_Editor(painter, *this, edit, position);
@@ -265,7 +265,7 @@ void Texts::Read(const char* format, ...) {
     va_end(arguments);
 
     // The application of a live field hands the text back after every key, perhaps cut: the edit goes on then.
-    const bool goes_on = Is_Live(*this) && caret != place_unset && std::string_view(text).starts_with(loaded.data());
+    const bool goes_on = Is_Live(*this) && caret != PLACE_UNSET && std::string_view(text).starts_with(loaded.data());
     std::copy(loaded.begin(), loaded.end(), text);
     Text_Edit edit(text, TEXTS_SIZE, caret, anchor);
     if (!goes_on) {
@@ -286,7 +286,7 @@ void Texts::Write(const char* format, ...) {
     Print(&printed, format, arguments);
     va_end(arguments);
 
-    const auto start = printed.begin() + (printed[0] == styled_run_end ? 1 : 0);
+    const auto start = printed.begin() + (printed[0] == STYLED_RUN_END ? 1 : 0);
     std::fill(std::copy(start, printed.end(), text), text + TEXTS_SIZE, '\0');
     Text_Edit edit(text, TEXTS_SIZE, TEXTS_SIZE, TEXTS_SIZE);
     caret = static_cast<short>(edit.Caret());
@@ -329,7 +329,7 @@ int Texts::Select(int up_down, short pointer_x, short pointer_y) {
         const int right_gap = Width_Of(*this, shown.substr(0, next)) - along;
         place = first + static_cast<int>(left_gap <= right_gap ? whole : next);
     }
-    edit.Move_To(place, !pressed || Input_Key_Held(virtual_shift));
+    edit.Move_To(place, !pressed || Input_Key_Held(VIRTUAL_SHIFT));
     const bool changed = edit.Caret() != caret || edit.Anchor() != anchor;
     caret = static_cast<short>(edit.Caret());
     anchor = static_cast<short>(edit.Anchor());
@@ -357,8 +357,8 @@ void Texts::Input(int key) {
         return;
     }
     Text_Edit edit(text, TEXTS_SIZE, caret, anchor);
-    if (!Edit_Key(&edit, code, Input_Key_Held(virtual_shift), Input_Key_Held(virtual_control)) &&
-        !Clipboard_Key(&edit, code) && code >= first_printable) {
+    if (!Edit_Key(&edit, code, Input_Key_Held(VIRTUAL_SHIFT), Input_Key_Held(VIRTUAL_CONTROL)) &&
+        !Clipboard_Key(&edit, code) && code >= FIRST_PRINTABLE) {
         Type(&edit, code, &typed_first);
     } else {
         typed_first = 0;

@@ -4,12 +4,12 @@
 
 namespace {
 
-constexpr std::size_t header_size = 18;
-constexpr std::uint8_t type_plain = 2;
-constexpr std::uint8_t type_run_length = 10;
-constexpr std::uint8_t from_right = 0x10;  // bits of the descriptor byte
-constexpr std::uint8_t from_top = 0x20;
-constexpr std::uint8_t run_bit = 0x80;  // of a packet's first byte
+constexpr std::size_t HEADER_SIZE = 18;
+constexpr std::uint8_t TYPE_PLAIN = 2;
+constexpr std::uint8_t TYPE_RUN_LENGTH = 10;
+constexpr std::uint8_t FROM_RIGHT = 0x10;  // bits of the descriptor byte
+constexpr std::uint8_t FROM_TOP = 0x20;
+constexpr std::uint8_t RUN_BIT = 0x80;  // of a packet's first byte
 
 struct Header {
     std::uint8_t type = 0;
@@ -25,7 +25,7 @@ std::uint16_t Little_16(std::span<const std::uint8_t> file, std::size_t at) {
 }
 
 bool Header_Read(std::span<const std::uint8_t> file, Header* header) {
-    if (file.size() < header_size) {
+    if (file.size() < HEADER_SIZE) {
         return false;
     }
     header->type = file[2];
@@ -34,8 +34,8 @@ bool Header_Read(std::span<const std::uint8_t> file, Header* header) {
     header->pixel_bytes = file[16] / 8U;
     header->descriptor = file[17];
     const std::size_t map_bytes = file[1] == 0 ? 0 : Little_16(file, 5) * ((file[7] + 7U) / 8U);
-    header->pixels_at = header_size + file[0] + map_bytes;
-    return (header->type == type_plain || header->type == type_run_length) && (file[16] == 24 || file[16] == 32) &&
+    header->pixels_at = HEADER_SIZE + file[0] + map_bytes;
+    return (header->type == TYPE_PLAIN || header->type == TYPE_RUN_LENGTH) && (file[16] == 24 || file[16] == 32) &&
            header->width > 0 && header->height > 0 && header->width <= TGA_SIDE_MAX && header->height <= TGA_SIDE_MAX &&
            header->pixels_at <= file.size();
 }
@@ -49,7 +49,7 @@ std::uint32_t Pixel_Read(const std::uint8_t* bytes, std::size_t nb) {
 bool Pixels_Read(std::span<const std::uint8_t> bytes, const Header& header, std::vector<std::uint32_t>& pixels) {
     const std::size_t size = header.pixel_bytes;
     std::size_t at = 0;
-    if (header.type == type_plain) {
+    if (header.type == TYPE_PLAIN) {
         if (bytes.size() / size < pixels.size()) {
             return false;
         }
@@ -65,7 +65,7 @@ bool Pixels_Read(std::span<const std::uint8_t> bytes, const Header& header, std:
         }
         const std::uint8_t packet = bytes[at++];
         const std::size_t nb = (packet & 0x7FU) + 1U;
-        const bool run = (packet & run_bit) != 0;
+        const bool run = (packet & RUN_BIT) != 0;
         if (nb > pixels.size() - done || bytes.size() - at < (run ? size : nb * size)) {
             return false;
         }
@@ -97,12 +97,12 @@ bool Tga_Read(std::span<const std::uint8_t> file, Tga_Picture* picture) {
         return false;
     }
     const auto row = [&](int y) { return pixels.begin() + static_cast<std::ptrdiff_t>(y) * header.width; };
-    if ((header.descriptor & from_top) == 0) {
+    if ((header.descriptor & FROM_TOP) == 0) {
         for (int y = 0; y < header.height / 2; y++) {
             std::swap_ranges(row(y), row(y) + header.width, row(header.height - 1 - y));
         }
     }
-    if ((header.descriptor & from_right) != 0) {
+    if ((header.descriptor & FROM_RIGHT) != 0) {
         for (int y = 0; y < header.height; y++) {
             std::reverse(row(y), row(y) + header.width);
         }

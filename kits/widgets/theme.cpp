@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr Theme dark_theme = {
+constexpr Theme DARK_THEME = {
     .panel = 0x383A40,
     .field = 0x26282C,
     .field_text = 0xE6E8EB,
@@ -24,7 +24,7 @@ constexpr Theme dark_theme = {
     .accent_text = 0xFFFFFF,
 };
 
-constexpr Theme light_theme = {
+constexpr Theme LIGHT_THEME = {
     .panel = 0xECEDF0,
     .field = 0xFFFFFF,
     .field_text = 0x1D1F24,
@@ -39,11 +39,11 @@ constexpr Theme light_theme = {
     .accent_text = 0xFFFFFF,
 };
 
-constexpr int own_font_height = 13;  // pixels at scale 1
-constexpr short own_border = 1;
-constexpr short own_space = 3;
-constexpr float scale_min = 0.5F;
-constexpr float scale_max = 8.0F;
+constexpr int OWN_FONT_HEIGHT = 13;  // pixels at scale 1
+constexpr short OWN_BORDER = 1;
+constexpr short OWN_SPACE = 3;
+constexpr float SCALE_MIN = 0.5F;
+constexpr float SCALE_MAX = 8.0F;
 
 Library_Theme theme_now = Library_Theme::Dark;
 float library_scale = 1.0F;
@@ -71,19 +71,19 @@ float Luminance(Rgb color) {
 
 }  // namespace
 
-short BORDER = own_border;
-short SPACE = own_space;
+short BORDER = OWN_BORDER;
+short SPACE = OWN_SPACE;
 
 const Theme& Theme_Now() {
-    return theme_now == Library_Theme::Dark ? dark_theme : light_theme;
+    return theme_now == Library_Theme::Dark ? DARK_THEME : LIGHT_THEME;
 }
 
 const Theme& Theme_On(Rgb ground) {
     const int brightness = Brightness(ground);
-    if (brightness <= Brightness(dark_theme.panel)) {
-        return dark_theme;
+    if (brightness <= Brightness(DARK_THEME.panel)) {
+        return DARK_THEME;
     }
-    return brightness >= Brightness(light_theme.panel) ? light_theme : Theme_Now();
+    return brightness >= Brightness(LIGHT_THEME.panel) ? LIGHT_THEME : Theme_Now();
 }
 
 void Library_Theme_Set(Library_Theme theme) {
@@ -91,14 +91,14 @@ void Library_Theme_Set(Library_Theme theme) {
 }
 
 void Library_Scale_Set(float scale) {
-    library_scale = scale >= scale_min ? std::min(scale, scale_max) : scale_min;  // also for a scale that is no number
-    BORDER = Scaled(own_border);
-    SPACE = Scaled(own_space);
+    library_scale = scale >= SCALE_MIN ? std::min(scale, SCALE_MAX) : SCALE_MIN;  // also for a scale that is no number
+    BORDER = Scaled(OWN_BORDER);
+    SPACE = Scaled(OWN_SPACE);
     System_Fonts_Forget();
 }
 
 int Library_Font_Height() {
-    return Scaled(own_font_height);
+    return Scaled(OWN_FONT_HEIGHT);
 }
 
 Rgb Rgb_Make(int red, int green, int blue) {

@@ -7,12 +7,12 @@
 
 namespace {
 
-constexpr int mark_height = 3;            ///< line at the bar's end, which the pointer drags, pixels
-constexpr int inactive_mix_percent = 60;  ///< how much of the panel's colour is in a greyed bar
+constexpr int MARK_HEIGHT = 3;            ///< line at the bar's end, which the pointer drags, pixels
+constexpr int INACTIVE_MIX_PERCENT = 60;  ///< how much of the panel's colour is in a greyed bar
 
 /** A valuator is a slider whose thumb is the mark at the end of the bar. */
 int Mark_Offset(const Valuators& valuator, int track) {
-    return Slider_Thumb_Offset(track, mark_height, valuator.value, {valuator.minimum, valuator.maximum});
+    return Slider_Thumb_Offset(track, MARK_HEIGHT, valuator.value, {valuator.minimum, valuator.maximum});
 }
 
 int Track_Of(const Valuators& valuator) {
@@ -27,15 +27,15 @@ bool Paint(const Valuators& valuator, bool hovered, bool dragged) {
     if (!painter) {
         return false;
     }
-    Shown_Note(valuator, {Widget_Kind::VALUE, valuator.name, Number_Text(valuator.value).text});
+    Shown_Note(valuator, {Widget_Kind::Value, valuator.name, Number_Text(valuator.value).text});
     const Theme& theme = Theme_Now();
     const bool lively = hovered || dragged;
     Rgb field = theme.field;
     Rgb bar = lively ? Shade(theme.accent, dragged ? 28 : 14) : theme.accent;
     Rgb mark = theme.field_text;
     if (Widget_Inactive(valuator)) {
-        field = Mix(field, theme.panel, inactive_mix_percent);
-        bar = Mix(theme.accent, theme.panel, inactive_mix_percent);
+        field = Mix(field, theme.panel, INACTIVE_MIX_PERCENT);
+        bar = Mix(theme.accent, theme.panel, INACTIVE_MIX_PERCENT);
         mark = theme.text_grey;
     }
     const int border = Widget_Border(valuator);
@@ -44,7 +44,7 @@ bool Paint(const Valuators& valuator, bool hovered, bool dragged) {
     const Rect before = painter.Picture().Clip_Set(inner);
     const int offset = Mark_Offset(valuator, Track_Of(valuator));
     painter.Picture().Fill({inner.left, inner.top, inner.width, offset}, bar);
-    painter.Picture().Fill({inner.left, inner.top + offset, inner.width, mark_height}, mark);
+    painter.Picture().Fill({inner.left, inner.top + offset, inner.width, MARK_HEIGHT}, mark);
     painter.Picture().Clip_Set(before);
     return true;
 }
@@ -88,8 +88,8 @@ int Valuators::Select(int up_down) {
     hovered = over;
     dragged = pressed ? over : dragged && (up_down & MOUSE_DRAG) != 0 && !Widget_Inactive(*this);
     if (dragged) {
-        const int wanted = pointer.y - Widget_Border(*this) - mark_height / 2;
-        value = Slider_Value_At(Track_Of(*this), mark_height, wanted, value, {minimum, maximum});
+        const int wanted = pointer.y - Widget_Border(*this) - MARK_HEIGHT / 2;
+        value = Slider_Value_At(Track_Of(*this), MARK_HEIGHT, wanted, value, {minimum, maximum});
     }
     if (hovered != was_hovered || dragged != was_dragged) {
         Adjust();

@@ -22,7 +22,7 @@ struct Window_State {
     std::vector<Rect> changed;
 };
 
-constexpr std::size_t changed_max = 512;  // more parts than this are shown as one
+constexpr std::size_t CHANGED_MAX = 512;  // more parts than this are shown as one
 
 std::unordered_map<HWND, Window_State>& States() {
     static std::unordered_map<HWND, Window_State> states;
@@ -55,7 +55,7 @@ void Changed_Add(Window_State& state, const Rect& rect) {
         return;
     }
     try {
-        if (state.changed.size() < changed_max) {
+        if (state.changed.size() < CHANGED_MAX) {
             state.changed.push_back(rect);
             return;
         }
@@ -205,13 +205,13 @@ bool Window_Read(HWND window, const Rect& target, std::uint32_t* pixels) {
 // ---- scratch
 
 namespace {
-constexpr int scratch_depth_max = 4;
-Memory_Picture scratch_pictures[scratch_depth_max];
+constexpr int SCRATCH_DEPTH_MAX = 4;
+Memory_Picture scratch_pictures[SCRATCH_DEPTH_MAX];
 int scratch_depth = 0;
 }  // namespace
 
 Scratch_Picture::Scratch_Picture(int width, int height, const Rect& held) {
-    if (scratch_depth < scratch_depth_max && !held.Empty() &&
+    if (scratch_depth < SCRATCH_DEPTH_MAX && !held.Empty() &&
         scratch_pictures[scratch_depth].Reserve(held.width, held.height)) {
         Surface pixels = scratch_pictures[scratch_depth].View(held.width, held.height);
         view = Surface(pixels.Pixels(), width, height, held, pixels.Stride(), pixels.Get_DC());

@@ -10,9 +10,9 @@
 
 namespace {
 
-constexpr int rounds = 301;
-constexpr int events = 2000;  // a round; one is shorter than the clock's step
-constexpr int place = 40;
+constexpr int ROUNDS = 301;
+constexpr int EVENTS = 2000;  // a round; one is shorter than the clock's step
+constexpr int PLACE = 40;
 
 /** The pointer leaves a panel that it was not over: no window is asked and nothing drawn, so that what is measured is
  * the way to the panel. A motion costs some 90 microseconds by either way under Wine. */
@@ -33,14 +33,14 @@ void Forwarded_Event(benchmark::State& state) {
     Tool_Tag plain_panel;
     Boxs box = window.Host_Box(0, 0, 400, 120);
     plain_panel.Resize(&box);
-    window.Point_At(place, place);
+    window.Point_At(PLACE, PLACE);
     const kit_input input = {sizeof(kit_input), KIT_INPUT_LEAVE, YCursor_X, YCursor_Y, 0, 0};
     std::int64_t taken = 0;
     for (auto _ : state) {
         const Paired_Times times = Pair_Time(
-            rounds,
+            ROUNDS,
             [&] {
-                for (int event = 0; event < events; ++event) {
+                for (int event = 0; event < EVENTS; ++event) {
                     YCursor_X = input.x;
                     YCursor_Y = input.y;
                     plain_panel.Leave();
@@ -48,15 +48,15 @@ void Forwarded_Event(benchmark::State& state) {
                 }
             },
             [&] {
-                for (int event = 0; event < events; ++event) {
+                for (int event = 0; event < EVENTS; ++event) {
                     std::int32_t used = 0;
                     kit_panel_input(panel, &input, &used);
                     taken += used;
                 }
             });
-        state.counters["plain_ns"] = times.plain / events * 1e9;
-        state.counters["c_ns"] = times.ours / events * 1e9;
-        state.counters["more_ns"] = (times.ours - times.plain) / events * 1e9;
+        state.counters["plain_ns"] = times.plain / EVENTS * 1e9;
+        state.counters["c_ns"] = times.ours / EVENTS * 1e9;
+        state.counters["more_ns"] = (times.ours - times.plain) / EVENTS * 1e9;
     }
     benchmark::DoNotOptimize(taken);
     kit_stop();

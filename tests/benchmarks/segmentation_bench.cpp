@@ -13,8 +13,8 @@ using namespace workbench::segmentation;
 
 namespace {
 
-constexpr int side = 256;
-constexpr int slices = 200;
+constexpr int SIDE = 256;
+constexpr int SLICES = 200;
 
 /** A head of three tissues with noise, in air. */
 std::vector<std::int32_t> Head_Levels(const Label_Grid& grid) {
@@ -39,7 +39,7 @@ std::vector<std::int32_t> Head_Levels(const Label_Grid& grid) {
 
 /** @param claim_nb bands, one for each TAG */
 void Apply_Bands(benchmark::State& state) {
-    const Label_Grid grid = {side, side, slices, {1.0, 1.0, 1.0}};
+    const Label_Grid grid = {SIDE, SIDE, SLICES, {1.0, 1.0, 1.0}};
     const std::vector<std::int32_t> levels = Head_Levels(grid);
     std::vector<std::int32_t> copy(levels.size());
     const std::vector<std::uint8_t> before(levels.size());
@@ -53,7 +53,7 @@ void Apply_Bands(benchmark::State& state) {
     input.grid = grid;
     input.tags = before;
     input.levels = levels;
-    input.slices = {0, slices - 1};
+    input.slices = {0, SLICES - 1};
     input.locked[9] = 1;
     for (auto _ : state) {
         const Paired_Times times = Pair_Time(

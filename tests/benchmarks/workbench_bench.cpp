@@ -19,30 +19,30 @@ using namespace workbench;
 
 namespace {
 
-constexpr int side = 512;
-constexpr std::size_t pixel_nb = static_cast<std::size_t>(side) * side;
+constexpr int SIDE = 512;
+constexpr std::size_t PIXEL_NB = static_cast<std::size_t>(SIDE) * SIDE;
 
 /** Discs of several tissues with some texture. @param shift moves them */
 std::vector<std::int32_t> Levels(int shift) {
-    std::vector<std::int32_t> levels(pixel_nb);
-    for (int y = 0; y < side; ++y) {
-        for (int x = 0; x < side; ++x) {
-            const int dx = x - side / 2 - shift;
-            const int dy = y - side / 2;
+    std::vector<std::int32_t> levels(PIXEL_NB);
+    for (int y = 0; y < SIDE; ++y) {
+        for (int x = 0; x < SIDE; ++x) {
+            const int dx = x - SIDE / 2 - shift;
+            const int dy = y - SIDE / 2;
             const int ring = static_cast<int>(std::sqrt(static_cast<double>(dx * dx + dy * dy))) / 40;
-            levels[static_cast<std::size_t>(y * side + x)] = 200 * (ring % 4) + (x * 7 + y * 13) % 21;
+            levels[static_cast<std::size_t>(y * SIDE + x)] = 200 * (ring % 4) + (x * 7 + y * 13) % 21;
         }
     }
     return levels;
 }
 
 std::vector<std::uint8_t> Tags() {
-    std::vector<std::uint8_t> tags(pixel_nb);
-    for (int y = 0; y < side; ++y) {
-        for (int x = 0; x < side; ++x) {
-            const int dx = x - side / 2;
-            const int dy = y - side / 2;
-            tags[static_cast<std::size_t>(y * side + x)] =
+    std::vector<std::uint8_t> tags(PIXEL_NB);
+    for (int y = 0; y < SIDE; ++y) {
+        for (int x = 0; x < SIDE; ++x) {
+            const int dx = x - SIDE / 2;
+            const int dy = y - SIDE / 2;
+            tags[static_cast<std::size_t>(y * SIDE + x)] =
                 static_cast<std::uint8_t>(static_cast<int>(std::sqrt(static_cast<double>(dx * dx + dy * dy))) / 40 % 4);
         }
     }
@@ -69,33 +69,33 @@ Brush_Footprint Large_Brush() {
 void Stroke_Event(benchmark::State& state) {
     const std::vector<std::int32_t> levels = Levels(0);
     std::vector<std::uint8_t> tags = Tags();
-    std::vector<std::uint32_t> picture(pixel_nb);
-    std::vector<std::uint32_t> screen(4 * pixel_nb);
+    std::vector<std::uint32_t> picture(PIXEL_NB);
+    std::vector<std::uint32_t> screen(4 * PIXEL_NB);
     const Brush_Footprint brush = Large_Brush();
     Tag_Overlay overlay;
     overlay.shown.fill(1);
     View_State view;
-    view.view_width = view.view_height = 2 * side;
-    view.slice_width = view.slice_height = side;
+    view.view_width = view.view_height = 2 * SIDE;
+    view.slice_width = view.slice_height = SIDE;
     view.zoom = 2.0;
     const View_Layout layout = View_Layout_Make(view);
-    const Paint_Target target = {tags, side, side};
+    const Paint_Target target = {tags, SIDE, SIDE};
     Paint_Ink ink;
     int x = 100;
     int y = 100;
     for (auto _ : state) {
         // A fast hand: 40 pixels between two events.
-        const int x1 = (x + 37) % side;
-        const int y1 = (y + 15) % side;
+        const int x1 = (x + 37) % SIDE;
+        const int y1 = (y + 15) % SIDE;
         ink.tag = static_cast<std::uint8_t>(1 + x1 % 3);
         const Pixel_Rect changed = Paint_Line(target, brush, x, y, x1, y1, ink);
         x = x1;
         y = y1;
-        Slice_Render({side, side, levels, false, 1.0F, 0.0F, tags}, {0.0F, 800.0F}, overlay, std::nullopt, changed,
+        Slice_Render({SIDE, SIDE, levels, false, 1.0F, 0.0F, tags}, {0.0F, 800.0F}, overlay, std::nullopt, changed,
                      picture);
         const Pixel_Rect part = {layout.To_Screen_X(changed.left), layout.To_Screen_Y(changed.top),
                                  layout.To_Screen_X(changed.right), layout.To_Screen_Y(changed.bottom)};
-        Slice_Scale(picture, layout, part, 2 * side, 2 * side, 0, screen);
+        Slice_Scale(picture, layout, part, 2 * SIDE, 2 * SIDE, 0, screen);
         benchmark::DoNotOptimize(screen.data());
     }
     state.counters["events_per_second"] =
@@ -109,10 +109,10 @@ void Grow_Frame(benchmark::State& state) {
     const std::vector<std::uint8_t> tags = Tags();
     Propagation_Tags taking_part;
     taking_part.carried.fill(1);
-    std::vector<std::uint8_t> result(pixel_nb);
+    std::vector<std::uint8_t> result(PIXEL_NB);
     for (auto _ : state) {
         std::fill(result.begin(), result.end(), std::uint8_t{0});
-        benchmark::DoNotOptimize(Propagate_Grow({side, side, from, tags, to, result}, taking_part));
+        benchmark::DoNotOptimize(Propagate_Grow({SIDE, SIDE, from, tags, to, result}, taking_part));
     }
 }
 BENCHMARK(Grow_Frame)->Unit(benchmark::kMillisecond);
@@ -120,12 +120,12 @@ BENCHMARK(Grow_Frame)->Unit(benchmark::kMillisecond);
 void Render_Slice(benchmark::State& state) {
     const std::vector<std::int32_t> levels = Levels(0);
     const std::vector<std::uint8_t> tags = Tags();
-    std::vector<std::uint32_t> picture(pixel_nb);
+    std::vector<std::uint32_t> picture(PIXEL_NB);
     Tag_Overlay overlay;
     overlay.shown.fill(1);
     for (auto _ : state) {
-        Slice_Render({side, side, levels, false, 1.0F, 0.0F, tags}, {0.0F, 800.0F}, overlay, std::nullopt,
-                     {0, 0, side, side}, picture);
+        Slice_Render({SIDE, SIDE, levels, false, 1.0F, 0.0F, tags}, {0.0F, 800.0F}, overlay, std::nullopt,
+                     {0, 0, SIDE, SIDE}, picture);
         benchmark::DoNotOptimize(picture.data());
     }
 }
@@ -137,11 +137,11 @@ void Recovery_Looks(benchmark::State& state) {
     constexpr int rounds = 5;
     volumes::Image_Folder folder;
     volumes::Volume& image = folder.volumes.emplace_back().volume;
-    image.nx = image.ny = side;
+    image.nx = image.ny = SIDE;
     image.nz = slices;
     image.nt = 1;
     image.affine = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
-    image.levels.resize(pixel_nb * slices);
+    image.levels.resize(PIXEL_NB * slices);
     Open_Volumes open;
     Session session;
     open.Take(std::move(folder), {}, session);

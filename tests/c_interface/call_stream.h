@@ -23,7 +23,7 @@ class Call_Stream {
     void Between_Calls_Set(std::function<void(Input_Bytes&)> work) { between_calls = std::move(work); }
     /** A call from within another one: of a call-back, or of a loop that the module runs. */
     void Step_Inside() {
-        if (is_quiet || nested == nested_most || input.At_End()) {
+        if (is_quiet || nested == NESTED_MOST || input.At_End()) {
             return;
         }
         ++nested;
@@ -45,7 +45,7 @@ class Call_Stream {
         settings.contract_checks = input.Take<std::uint8_t>() & 1;
         settings.traces = input.Take<std::uint8_t>() & 1;
         Require(kit_start(&settings) == KIT_OK);
-        for (int step = 0; step < steps_most && !input.At_End(); ++step) {
+        for (int step = 0; step < STEPS_MOST && !input.At_End(); ++step) {
             Step();
             if (between_calls) {
                 between_calls(input);
@@ -59,8 +59,8 @@ class Call_Stream {
     }
 
   private:
-    static constexpr int steps_most = 80;
-    static constexpr int nested_most = 3;
+    static constexpr int STEPS_MOST = 80;
+    static constexpr int NESTED_MOST = 3;
 
     static std::int32_t On_Event(void* context, const kit_event* event) {
         auto& stream = *static_cast<Call_Stream*>(context);

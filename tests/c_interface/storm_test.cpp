@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr int streams = 40;
-constexpr std::size_t stream_bytes = 3000;
+constexpr int STREAMS = 40;
+constexpr std::size_t STREAM_BYTES = 3000;
 
 TEST(Storm, any_stream_of_calls_ends_with_errors_and_nothing_worse) {
 #if defined(_WIN32)
@@ -22,9 +22,9 @@ TEST(Storm, any_stream_of_calls_ends_with_errors_and_nothing_worse) {
     constexpr bool has_modal_loops = true;
 #endif
     const Panel_Window window(Window_Axis::Down, 300, 200);
-    for (unsigned seed = 1; seed <= streams; ++seed) {
+    for (unsigned seed = 1; seed <= STREAMS; ++seed) {
         std::mt19937 random(seed);
-        std::vector<std::uint8_t> bytes(stream_bytes);
+        std::vector<std::uint8_t> bytes(STREAM_BYTES);
         for (std::uint8_t& byte : bytes) {
             byte = static_cast<std::uint8_t>(random() >> 24);
         }

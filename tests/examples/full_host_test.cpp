@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr DWORD start_most = 120000;  // milliseconds on a busy machine
-constexpr DWORD pause = 50;
+constexpr DWORD START_MOST = 120000;  // milliseconds on a busy machine
+constexpr DWORD PAUSE = 50;
 
 struct Child {
     HWND window;
@@ -25,8 +25,8 @@ class Full_Host : public testing::Test {
         std::string command = "full_host.exe --check";
         is_started = ::CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
                                       &process) != FALSE;
-        for (DWORD waited = 0; is_started && waited < start_most && main_window == nullptr; waited += pause) {
-            ::Sleep(pause);
+        for (DWORD waited = 0; is_started && waited < START_MOST && main_window == nullptr; waited += PAUSE) {
+            ::Sleep(PAUSE);
             ::EnumThreadWindows(process.dwThreadId, Take_Main, reinterpret_cast<LPARAM>(&main_window));
         }
     }
@@ -52,11 +52,11 @@ class Full_Host : public testing::Test {
     }
     /** Waits: the host sends changes on after the message. */
     bool Says(const std::string& part) const {
-        for (DWORD waited = 0; waited < start_most / 4; waited += pause) {
+        for (DWORD waited = 0; waited < START_MOST / 4; waited += PAUSE) {
             if (Title().find(part) != std::string::npos) {
                 return true;
             }
-            ::Sleep(pause);
+            ::Sleep(PAUSE);
         }
         return false;
     }
@@ -125,7 +125,7 @@ TEST_F(Full_Host, answers_clicks_in_every_panel_and_owes_its_panels_nothing) {
     EXPECT_TRUE(Says("20 selected")) << Title();
 
     ::PostMessageA(main_window, WM_CLOSE, 0, 0);
-    ASSERT_EQ(::WaitForSingleObject(process.hProcess, start_most), WAIT_OBJECT_0);
+    ASSERT_EQ(::WaitForSingleObject(process.hProcess, START_MOST), WAIT_OBJECT_0);
     DWORD mistakes = 99;
     ::GetExitCodeProcess(process.hProcess, &mistakes);
     EXPECT_EQ(mistakes, 0U) << "the contract checks found nothing";

@@ -19,7 +19,7 @@ namespace {
 
 constexpr int WIDTH = 760;
 constexpr int HEIGHT = 240;
-constexpr int more_classes = 8;  // more rows than fit
+constexpr int MORE_CLASSES = 8;  // more rows than fit
 
 /** A view in a window, and its host's data. */
 template <class View>
@@ -38,7 +38,7 @@ class Database_Faults : public Panel_Fixture {
         Variable_Undefine("$DEFAULT_ICON_PATH");
     }
     void Host_Data() {
-        classes.emplace(more_classes);
+        classes.emplace(MORE_CLASSES);
         files.emplace();
         File_Scene_Fill(*files);
     }

@@ -18,95 +18,95 @@ struct Watched {
     const char* function;
     std::int64_t failure;
 };
-constexpr const char* gdi = "gdi32.dll";
-constexpr const char* user = "user32.dll";
-constexpr Watched watched[] = {
-    {gdi, "CreateCompatibleDC", 0},
-    {gdi, "CreateCompatibleBitmap", 0},
-    {gdi, "CreateBitmap", 0},
-    {gdi, "CreateDIBSection", 0},
-    {gdi, "CreateDIBPatternBrushPt", 0},
-    {gdi, "CreateFontA", 0},
-    {gdi, "CreateFontIndirectA", 0},
-    {gdi, "CreatePen", 0},
-    {gdi, "CreateSolidBrush", 0},
-    {gdi, "CreateRectRgn", 0},
-    {gdi, "CreateRectRgnIndirect", 0},
-    {gdi, "SelectObject", 0},
-    {gdi, "GetStockObject", 0},
-    {gdi, "GetObjectA", 0},
-    {gdi, "SaveDC", 0},
-    {gdi, "BitBlt", 0},
-    {gdi, "PatBlt", 0},
-    {gdi, "SetDIBitsToDevice", 0},
-    {gdi, "StretchDIBits", 0},
-    {gdi, "DPtoLP", 0},
-    {gdi, "LPtoDP", 0},
-    {gdi, "Ellipse", 0},
-    {gdi, "Rectangle", 0},
-    {gdi, "LineTo", 0},
-    {gdi, "MoveToEx", 0},
-    {gdi, "Polygon", 0},
-    {gdi, "Polyline", 0},
-    {gdi, "PolyPolyline", 0},
-    {gdi, "SetPixel", -1},
-    {gdi, "TextOutA", 0},
-    {gdi, "TextOutW", 0},
-    {gdi, "ExtTextOutA", 0},
-    {gdi, "ExtTextOutW", 0},
-    {gdi, "GetTextExtentPoint32A", 0},
-    {gdi, "GetTextExtentPoint32W", 0},
-    {gdi, "GetTextExtentExPointA", 0},
-    {gdi, "GetTextExtentExPointW", 0},
-    {gdi, "GetTextMetricsA", 0},
-    {gdi, "GetTextMetricsW", 0},
-    {gdi, "GetCharABCWidthsW", 0},
-    {gdi, "GetClipRgn", -1},
-    {gdi, "GetClipBox", 0},
-    {gdi, "SelectClipRgn", 0},
-    {gdi, "IntersectClipRect", 0},
-    {gdi, "SetBkMode", 0},
-    {gdi, "SetMapMode", 0},
-    {gdi, "SetROP2", 0},
-    {gdi, "SetTextAlign", -1},
-    {gdi, "SetTextColor", -1},
-    {gdi, "SetViewportOrgEx", 0},
-    {gdi, "SetWindowOrgEx", 0},
-    {gdi, "GetDeviceCaps", 0},
-    {user, "GetDC", 0},
-    {user, "BeginPaint", 0},
-    {user, "FillRect", 0},
-    {user, "InvertRect", 0},
-    {user, "DrawTextA", 0},
-    {user, "CreateWindowExA", 0},
-    {user, "CreateWindowExW", 0},
-    {user, "RegisterClassA", 0},
-    {user, "RegisterClassW", 0},
-    {user, "RegisterClassExA", 0},
-    {user, "DialogBoxIndirectParamA", -1},
-    {user, "GetDlgItem", 0},
-    {user, "GetWindowRect", 0},
-    {user, "GetClientRect", 0},
-    {user, "GetCursorPos", 0},
-    {user, "ClientToScreen", 0},
-    {user, "ScreenToClient", 0},
-    {user, "MapWindowPoints", 0},
-    {user, "LoadCursorA", 0},
-    {user, "LoadIconA", 0},
-    {user, "InvalidateRect", 0},
-    {user, "SetWindowPos", 0},
-    {user, "PostMessageA", 0},
-    {user, "TrackMouseEvent", 0},
-    {user, "GetCapture", 0},
-    {user, "GetActiveWindow", 0},
-    {user, "SetForegroundWindow", 0},
-    {user, "GetClassLongPtrA", 0},
-    {user, "SetTimer", 0},
-    {user, "SetPropA", 0},
+constexpr const char* GDI = "gdi32.dll";
+constexpr const char* USER = "user32.dll";
+constexpr Watched WATCHED[] = {
+    {GDI, "CreateCompatibleDC", 0},
+    {GDI, "CreateCompatibleBitmap", 0},
+    {GDI, "CreateBitmap", 0},
+    {GDI, "CreateDIBSection", 0},
+    {GDI, "CreateDIBPatternBrushPt", 0},
+    {GDI, "CreateFontA", 0},
+    {GDI, "CreateFontIndirectA", 0},
+    {GDI, "CreatePen", 0},
+    {GDI, "CreateSolidBrush", 0},
+    {GDI, "CreateRectRgn", 0},
+    {GDI, "CreateRectRgnIndirect", 0},
+    {GDI, "SelectObject", 0},
+    {GDI, "GetStockObject", 0},
+    {GDI, "GetObjectA", 0},
+    {GDI, "SaveDC", 0},
+    {GDI, "BitBlt", 0},
+    {GDI, "PatBlt", 0},
+    {GDI, "SetDIBitsToDevice", 0},
+    {GDI, "StretchDIBits", 0},
+    {GDI, "DPtoLP", 0},
+    {GDI, "LPtoDP", 0},
+    {GDI, "Ellipse", 0},
+    {GDI, "Rectangle", 0},
+    {GDI, "LineTo", 0},
+    {GDI, "MoveToEx", 0},
+    {GDI, "Polygon", 0},
+    {GDI, "Polyline", 0},
+    {GDI, "PolyPolyline", 0},
+    {GDI, "SetPixel", -1},
+    {GDI, "TextOutA", 0},
+    {GDI, "TextOutW", 0},
+    {GDI, "ExtTextOutA", 0},
+    {GDI, "ExtTextOutW", 0},
+    {GDI, "GetTextExtentPoint32A", 0},
+    {GDI, "GetTextExtentPoint32W", 0},
+    {GDI, "GetTextExtentExPointA", 0},
+    {GDI, "GetTextExtentExPointW", 0},
+    {GDI, "GetTextMetricsA", 0},
+    {GDI, "GetTextMetricsW", 0},
+    {GDI, "GetCharABCWidthsW", 0},
+    {GDI, "GetClipRgn", -1},
+    {GDI, "GetClipBox", 0},
+    {GDI, "SelectClipRgn", 0},
+    {GDI, "IntersectClipRect", 0},
+    {GDI, "SetBkMode", 0},
+    {GDI, "SetMapMode", 0},
+    {GDI, "SetROP2", 0},
+    {GDI, "SetTextAlign", -1},
+    {GDI, "SetTextColor", -1},
+    {GDI, "SetViewportOrgEx", 0},
+    {GDI, "SetWindowOrgEx", 0},
+    {GDI, "GetDeviceCaps", 0},
+    {USER, "GetDC", 0},
+    {USER, "BeginPaint", 0},
+    {USER, "FillRect", 0},
+    {USER, "InvertRect", 0},
+    {USER, "DrawTextA", 0},
+    {USER, "CreateWindowExA", 0},
+    {USER, "CreateWindowExW", 0},
+    {USER, "RegisterClassA", 0},
+    {USER, "RegisterClassW", 0},
+    {USER, "RegisterClassExA", 0},
+    {USER, "DialogBoxIndirectParamA", -1},
+    {USER, "GetDlgItem", 0},
+    {USER, "GetWindowRect", 0},
+    {USER, "GetClientRect", 0},
+    {USER, "GetCursorPos", 0},
+    {USER, "ClientToScreen", 0},
+    {USER, "ScreenToClient", 0},
+    {USER, "MapWindowPoints", 0},
+    {USER, "LoadCursorA", 0},
+    {USER, "LoadIconA", 0},
+    {USER, "InvalidateRect", 0},
+    {USER, "SetWindowPos", 0},
+    {USER, "PostMessageA", 0},
+    {USER, "TrackMouseEvent", 0},
+    {USER, "GetCapture", 0},
+    {USER, "GetActiveWindow", 0},
+    {USER, "SetForegroundWindow", 0},
+    {USER, "GetClassLongPtrA", 0},
+    {USER, "SetTimer", 0},
+    {USER, "SetPropA", 0},
     {"msvcrt.dll", "fopen", 0},
 };
-constexpr int watched_nb = static_cast<int>(sizeof watched / sizeof *watched);
-constexpr const char* allocators[] = {"malloc", "calloc", "realloc", "_strdup"};
+constexpr int WATCHED_NB = static_cast<int>(sizeof WATCHED / sizeof *WATCHED);
+constexpr const char* ALLOCATORS[] = {"malloc", "calloc", "realloc", "_strdup"};
 
 struct Module_Range {
     std::uintptr_t begin;
@@ -142,7 +142,7 @@ bool Fails(int function, const void* from) {
         return false;
     }
     if (state.keep) {
-        state.calls.push_back({function, Module_Of(from), from, function >= watched_nb});
+        state.calls.push_back({function, Module_Of(from), from, function >= WATCHED_NB});
     }
     if (state.countdown == 0 || --state.countdown != 0) {
         return false;
@@ -177,21 +177,21 @@ void Given(const void* memory) {
 }
 
 void* Malloc_Gate(std::size_t size) {
-    return Fails(watched_nb, Caller(__builtin_return_address(0))) ? nullptr : Taken(std::malloc(size), size);
+    return Fails(WATCHED_NB, Caller(__builtin_return_address(0))) ? nullptr : Taken(std::malloc(size), size);
 }
 void* Calloc_Gate(std::size_t nb, std::size_t size) {
-    return Fails(watched_nb + 1, Caller(__builtin_return_address(0))) ? nullptr
+    return Fails(WATCHED_NB + 1, Caller(__builtin_return_address(0))) ? nullptr
                                                                       : Taken(std::calloc(nb, size), nb * size);
 }
 void* Realloc_Gate(void* memory, std::size_t size) {
-    if (Fails(watched_nb + 2, Caller(__builtin_return_address(0)))) {
+    if (Fails(WATCHED_NB + 2, Caller(__builtin_return_address(0)))) {
         return nullptr;
     }
     Given(memory);
     return Taken(std::realloc(memory, size), size);
 }
 char* Strdup_Gate(const char* text) {
-    if (Fails(watched_nb + 3, Caller(__builtin_return_address(0)))) {
+    if (Fails(WATCHED_NB + 3, Caller(__builtin_return_address(0)))) {
         return nullptr;
     }
     return static_cast<char*>(Taken(::_strdup(text), std::strlen(text) + 1));
@@ -203,7 +203,7 @@ void Free_Gate(void* memory) {
 
 // ---------------- gateways
 
-constexpr std::size_t gateway_size = 128;
+constexpr std::size_t GATEWAY_SIZE = 128;
 
 /** Code that asks the gate and then goes on to the function or returns its failure. Every argument register is kept. */
 void Gateway_Write(unsigned char* code, int function, const void* original, std::int64_t failure) {
@@ -262,21 +262,21 @@ Fault_Gate::Fault_Gate(const std::vector<std::string>& modules) {
     for (const std::string& name : modules) {
         state.modules.push_back(Range_Of(name));
     }
-    const std::size_t size = modules.size() * watched_nb * gateway_size;
+    const std::size_t size = modules.size() * WATCHED_NB * GATEWAY_SIZE;
     code = static_cast<unsigned char*>(::VirtualAlloc(nullptr, size, MEM_COMMIT | MEM_RESERVE, PAGE_EXECUTE_READWRITE));
     unsigned char* place = code;
     void* const replacements[] = {reinterpret_cast<void*>(&Malloc_Gate), reinterpret_cast<void*>(&Calloc_Gate),
                                   reinterpret_cast<void*>(&Realloc_Gate), reinterpret_cast<void*>(&Strdup_Gate)};
     for (const std::string& name : modules) {
-        for (int i = 0; i < watched_nb; i++, place += gateway_size) {
-            Import_Hook hook(name.c_str(), watched[i].dll, watched[i].function, place);
+        for (int i = 0; i < WATCHED_NB; i++, place += GATEWAY_SIZE) {
+            Import_Hook hook(name.c_str(), WATCHED[i].dll, WATCHED[i].function, place);
             if (hook.Is_Set()) {
-                Gateway_Write(place, i, hook.Original(), watched[i].failure);
+                Gateway_Write(place, i, hook.Original(), WATCHED[i].failure);
                 hooks.push_back(std::move(hook));
             }
         }
         for (int i = 0; i < 4; i++) {
-            hooks.emplace_back(name.c_str(), "msvcrt.dll", allocators[i], replacements[i]);
+            hooks.emplace_back(name.c_str(), "msvcrt.dll", ALLOCATORS[i], replacements[i]);
         }
         hooks.emplace_back(name.c_str(), "msvcrt.dll", "free", reinterpret_cast<void*>(&Free_Gate));
     }
@@ -310,7 +310,7 @@ const std::vector<Fault_Call>& Fault_Gate::Calls() {
 
 std::string Fault_Gate::Name(const Fault_Call& call) {
     const char* function =
-        call.function < watched_nb ? watched[call.function].function : allocators[call.function - watched_nb];
+        call.function < WATCHED_NB ? WATCHED[call.function].function : ALLOCATORS[call.function - WATCHED_NB];
     const Module_Range& module = state.modules[static_cast<std::size_t>(call.module)];
     char text[160] = {};
     std::snprintf(text, sizeof text, "%s from %s+0x%llx", function, module.name.c_str(),

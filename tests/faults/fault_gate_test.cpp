@@ -140,6 +140,6 @@ class Table_Printer : public testing::Environment {
   public:
     void TearDown() override { std::printf("%s", Fault_Table().c_str()); }
 };
-const testing::Environment* const table_printer = testing::AddGlobalTestEnvironment(new Table_Printer);
+const testing::Environment* const TABLE_PRINTER = testing::AddGlobalTestEnvironment(new Table_Printer);
 
 }  // namespace

@@ -18,17 +18,17 @@
 namespace {
 
 // The panels' module comes first.
-const std::vector<std::string> modules = {"Kit_Panels.dll", "Kit_Widgets.dll", "Kit_Graph.dll", "Kit_Dataset.dll",
+const std::vector<std::string> MODULES = {"Kit_Panels.dll", "Kit_Widgets.dll", "Kit_Graph.dll", "Kit_Dataset.dll",
                                           "Kit_Common.dll"};
 // A place in a loop calls the same function again and again; so many of its first calls fail, and its last one. Every
 // allocation of the panels' module fails.
-constexpr std::size_t own_calls_of_a_place = 3;
-constexpr std::size_t kit_calls_of_a_place = 1;
-constexpr std::size_t kit_allocations_of_a_place = 6;
+constexpr std::size_t OWN_CALLS_OF_A_PLACE = 3;
+constexpr std::size_t KIT_CALLS_OF_A_PLACE = 1;
+constexpr std::size_t KIT_ALLOCATIONS_OF_A_PLACE = 6;
 // All of them take minutes: without the environment variable an operation has this many failures, spread evenly.
-constexpr const char* all_variable = "KIT_FAULTS_ALL";
-constexpr std::size_t sample_nb = 12;
-constexpr int reports_of_an_operation = 6;
+constexpr const char* ALL_VARIABLE = "KIT_FAULTS_ALL";
+constexpr std::size_t SAMPLE_NB = 12;
+constexpr int REPORTS_OF_AN_OPERATION = 6;
 
 std::vector<Fault_Row>& Rows() {
     static std::vector<Fault_Row> rows;
@@ -116,21 +116,21 @@ std::vector<int> Chosen(const std::vector<Fault_Call>& calls) {
     for (const auto& [place, numbers] : places) {
         const Fault_Call& first = calls[static_cast<std::size_t>(numbers.front())];
         const bool own = first.module == 0;
-        const std::size_t most = own ? (first.is_allocation ? calls.size() : own_calls_of_a_place)
-                                     : (first.is_allocation ? kit_allocations_of_a_place : kit_calls_of_a_place);
+        const std::size_t most = own ? (first.is_allocation ? calls.size() : OWN_CALLS_OF_A_PLACE)
+                                     : (first.is_allocation ? KIT_ALLOCATIONS_OF_A_PLACE : KIT_CALLS_OF_A_PLACE);
         for (std::size_t i = 0; i < most && i < numbers.size(); i++) {
             chosen.insert(numbers[i] + 1);
         }
         chosen.insert(numbers.back() + 1);
     }
     std::vector<int> all(chosen.begin(), chosen.end());
-    static const bool at_length = std::getenv(all_variable) != nullptr;
-    if (at_length || all.size() <= sample_nb) {
+    static const bool at_length = std::getenv(ALL_VARIABLE) != nullptr;
+    if (at_length || all.size() <= SAMPLE_NB) {
         return all;
     }
     std::vector<int> sample;
-    for (std::size_t i = 0; i < sample_nb; i++) {
-        sample.push_back(all[i * all.size() / sample_nb]);
+    for (std::size_t i = 0; i < SAMPLE_NB; i++) {
+        sample.push_back(all[i * all.size() / SAMPLE_NB]);
     }
     return sample;
 }
@@ -148,7 +148,7 @@ Fault_Row Run_Operation(const std::string& panel, const Fault_Subject& subject, 
     Holdings held = Holdings::Now();
     int reports = 0;
     const auto report = [&](const std::string& text) {
-        if (++reports <= reports_of_an_operation) {
+        if (++reports <= REPORTS_OF_AN_OPERATION) {
             ADD_FAILURE() << running << ": " << text;
         }
     };
@@ -198,14 +198,14 @@ Fault_Row Run_Operation(const std::string& panel, const Fault_Subject& subject, 
 void Faults_Run(const std::string& panel, const Fault_Subject& subject,
                 const std::vector<Fault_Operation>& operations) {
     ::SetUnhandledExceptionFilter(On_Crash);
-    const Fault_Gate gate(modules);
+    const Fault_Gate gate(MODULES);
     for (const Fault_Operation& operation : operations) {
         Rows().push_back(Run_Operation(panel, subject, operation));
     }
 }
 
 Fault_Row Faults_Run_One(const std::string& panel, const Fault_Subject& subject, const Fault_Operation& operation) {
-    const Fault_Gate gate(modules);
+    const Fault_Gate gate(MODULES);
     return Run_Operation(panel, subject, operation);
 }
 

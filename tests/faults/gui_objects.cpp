@@ -19,15 +19,15 @@ struct Gdi_Entry {
     std::uint64_t user;
 };
 static_assert(sizeof(Gdi_Entry) == 24);
-constexpr std::size_t gdi_entry_nb = 65536;
-constexpr std::size_t table_in_peb = 0xF8;  // on x86-64
+constexpr std::size_t GDI_ENTRY_NB = 65536;
+constexpr std::size_t TABLE_IN_PEB = 0xF8;  // on x86-64
 
 const Gdi_Entry* Gdi_Table() {
     using Peb_Function = const unsigned char*(WINAPI*)();
     const auto get = reinterpret_cast<Peb_Function>(
         reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleA("ntdll.dll"), "RtlGetCurrentPeb")));
     const unsigned char* peb = get();
-    return *reinterpret_cast<const Gdi_Entry* const*>(peb + table_in_peb);
+    return *reinterpret_cast<const Gdi_Entry* const*>(peb + TABLE_IN_PEB);
 }
 
 BOOL CALLBACK Window_Count(HWND window, LPARAM sum) {
@@ -51,7 +51,7 @@ int Gdi_Object_Nb() {
     }
     int nb = 0;
     const Gdi_Entry* table = Gdi_Table();
-    for (std::size_t i = 0; i < gdi_entry_nb; i++) {
+    for (std::size_t i = 0; i < GDI_ENTRY_NB; i++) {
         nb += table[i].type != 0 ? 1 : 0;
     }
     return nb;

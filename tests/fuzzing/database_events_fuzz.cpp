@@ -15,18 +15,18 @@
 
 namespace {
 
-constexpr int window_width = 320;
-constexpr int window_height = 240;
-constexpr int steps_most = 80;
-constexpr int classes_most = 24;
-constexpr int files_most = 6;
+constexpr int WINDOW_WIDTH = 320;
+constexpr int WINDOW_HEIGHT = 240;
+constexpr int STEPS_MOST = 80;
+constexpr int CLASSES_MOST = 24;
+constexpr int FILES_MOST = 6;
 
 /** A class tree of one dimension. Record 0 is the root; the others hang somewhere, or nowhere. */
 template <class Class>
 class Class_Scene {
   public:
     Class_Scene(const char* root_name, Input_Bytes& input) : root(root_name) {
-        const int nb = input.Below(classes_most);
+        const int nb = input.Below(CLASSES_MOST);
         for (int i = 0; i < nb; ++i) {
             Class& added = classes.emplace_back();
             added.Title_Set(input.Text(6).c_str());
@@ -79,7 +79,7 @@ class Class_Scene {
 struct Host {
     explicit Host(Input_Bytes& input)
         : lines("$DB_1D_ROOT_PT", input), images("$DB_2D_ROOT_PT", input), bodies("$DB_3D_ROOT_PT", input) {
-        for (int nb = input.Below(files_most); nb > 0; --nb) {
+        for (int nb = input.Below(FILES_MOST); nb > 0; --nb) {
             File_Add(input);
         }
     }
@@ -111,7 +111,7 @@ struct Host {
                 bodies.Change(input);
                 break;
             case 3:
-                if (files.table.size() < files_most) {
+                if (files.table.size() < FILES_MOST) {
                     File_Add(input);
                 }
                 break;
@@ -170,8 +170,8 @@ class Panel {
 void Event(Tool_DB_List& panel, const Panel_Stage& stage, Input_Bytes& input) {
     switch (input.Below(9)) {
         case 0: {
-            Boxs box = stage.Host_Box(input.Below(40), input.Below(40), input.Below(window_width) - 5,
-                                      input.Below(window_height) - 5);
+            Boxs box = stage.Host_Box(input.Below(40), input.Below(40), input.Below(WINDOW_WIDTH) - 5,
+                                      input.Below(WINDOW_HEIGHT) - 5);
             box.border = static_cast<unsigned short>(input.Below(6));
             panel.Resize(&box);
             break;
@@ -215,13 +215,13 @@ bool Aim(const Tool_DB_List& panel, const Panel_Stage& stage, int record, Edit_Z
 void Gesture(Panel& panel, const Panel_Stage& stage, Input_Bytes& input) {
     constexpr Edit_Zone zones[] = {Edit_Zone::Body, Edit_Zone::Toggle, Edit_Zone::Parent_Handle,
                                    Edit_Zone::Children_Handle};
-    const int record = input.Below(classes_most);
+    const int record = input.Below(CLASSES_MOST);
     const Edit_Zone zone = zones[input.Below(4)];
     if (!Aim(*panel.Get(), stage, record, zone)) {
         return;
     }
     panel.Get()->Click(zone == Edit_Zone::Body ? MOUSE_PRESS | MOUSE_RIGHT : MOUSE_PRESS | MOUSE_LEFT);
-    const int target = input.Below(classes_most);
+    const int target = input.Below(CLASSES_MOST);
     if (panel.Get() != nullptr && Aim(*panel.Get(), stage, target, Edit_Zone::Children_Handle)) {
         panel.Get()->Motion(MOUSE_DRAG | MOUSE_LEFT);
         panel.Get()->Click(0);
@@ -245,17 +245,17 @@ bool Dialog_Message(Input_Bytes& input, Headless_Message& message) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const bool is_defined = [] {
+    static const bool IS_DEFINED = [] {
         for (const char* name : {"$INTERFACE_SPACE_DIM", "$INTERFACE_BORDER_DIM", "$INTERFACE_VAL_DIM_SML",
                                  "$INTERFACE_BUTTON_DIM_SML", "$INTERFACE_BUTTON_DIM_BIG"}) {
             Variable_Define_Scalar(name, VARIABLE_SIGNED_16, 12);
         }
         return true;
     }();
-    Require(is_defined);
+    Require(IS_DEFINED);
     Input_Bytes input(data, size);
     Host host(input);
-    const Panel_Stage stage(window_width, window_height, Window_Axis::Up);
+    const Panel_Stage stage(WINDOW_WIDTH, WINDOW_HEIGHT, Window_Axis::Up);
     Panel panel(input.Below(5) | (input.Take<std::uint8_t>() & (DB_MODE_EDIT | DB_MODE_ADD)), input.Below(4) == 0);
     Request_Recorder requests;
     requests.Answer_At_Once([&](unsigned long long flags) {
@@ -270,11 +270,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
     });
     Headless_Dialog_Set([&](Headless_Message& message) { return Dialog_Message(input, message); });
-    Boxs box = stage.Host_Box(10, 10, window_width - 20, window_height - 20);
+    Boxs box = stage.Host_Box(10, 10, WINDOW_WIDTH - 20, WINDOW_HEIGHT - 20);
     panel.Get()->Resize(&box);
     panel.Get()->Update(UPDATE_STRUCTURE | UPDATE_LEVEL_1D | UPDATE_LEVEL_2D | UPDATE_LEVEL_3D);
-    for (int step = 0; step < steps_most && !input.At_End() && panel.Get() != nullptr; ++step) {
-        stage.Point_At(input.Below(window_width), input.Below(window_height));
+    for (int step = 0; step < STEPS_MOST && !input.At_End() && panel.Get() != nullptr; ++step) {
+        stage.Point_At(input.Below(WINDOW_WIDTH), input.Below(WINDOW_HEIGHT));
         Headless_Key_Set(0x11, (input.Take<std::uint8_t>() & 7) == 0);
         switch (input.Below(12)) {
             case 0:

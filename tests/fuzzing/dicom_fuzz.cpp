@@ -14,7 +14,7 @@ using namespace volumes;
 
 namespace {
 
-constexpr std::uint64_t decoded_most = 1U
+constexpr std::uint64_t DECODED_MOST = 1U
                                        << 20U;  // bytes: enough for every path, little enough for many runs per second
 
 void Require(bool condition) {
@@ -48,7 +48,7 @@ std::size_t Slice_Nb(const Dicom_Image& image) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    Dicom_Result result = Dicom_Read(std::span(data, size), Load_Limits{decoded_most});
+    Dicom_Result result = Dicom_Read(std::span(data, size), Load_Limits{DECODED_MOST});
     Require(result.image.has_value() == result.error.empty());
     if (!result.image) {
         return 0;
@@ -59,8 +59,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     Image_Folder folder;
     folder.files = {"first.dcm", "second.dcm", "third.dcm"};
-    const std::size_t slices = Slice_Nb(*result.image);
-    std::size_t wanted = slices * 3;
+    const std::size_t SLICES = Slice_Nb(*result.image);
+    std::size_t wanted = SLICES * 3;
     Series_Part other = {*result.image, 1};
     other.image.place.corner[size % 3] += static_cast<double>(size % 7);
     other.image.place.along_row[size % 3] += static_cast<double>(size % 5) * 1e-3;

@@ -13,12 +13,12 @@
 
 namespace {
 
-constexpr int window_width = 300;
-constexpr int window_height = 200;
-constexpr int steps_most = 60;
-constexpr int frames_most = 4;
-constexpr int bins_most = 400;
-constexpr int tags_most = 12;
+constexpr int WINDOW_WIDTH = 300;
+constexpr int WINDOW_HEIGHT = 200;
+constexpr int STEPS_MOST = 60;
+constexpr int FRAMES_MOST = 4;
+constexpr int BINS_MOST = 400;
+constexpr int TAGS_MOST = 12;
 
 /** Numbers as hosts have them: small, large, and none at all. */
 float Level(Input_Bytes& input) {
@@ -27,7 +27,7 @@ float Level(Input_Bytes& input) {
 
 void Frame_Add(Histo_Scene& scene, Input_Bytes& input) {
     const bool is_color = (input.Take<std::uint8_t>() & 3) == 0;
-    std::vector<std::uint32_t> counts(static_cast<std::size_t>(is_color ? 256 : 1 + input.Below(bins_most)));
+    std::vector<std::uint32_t> counts(static_cast<std::size_t>(is_color ? 256 : 1 + input.Below(BINS_MOST)));
     const std::uint32_t height = input.Take<std::uint32_t>();
     for (std::uint32_t& count : counts) {
         count = height / 256 * input.Take<std::uint8_t>();
@@ -49,7 +49,7 @@ void Change_Variable(Histo_Scene& scene, Input_Bytes& input) {
             Variable_Set("$INTERFACE_CURSOR_DIM", input.Below(60));
             break;
         case 3:
-            scene.Tags(input.Below(tags_most));
+            scene.Tags(input.Below(TAGS_MOST));
             break;
         case 4:
             if (!scene.objects.empty()) {
@@ -66,14 +66,14 @@ void Change_Variable(Histo_Scene& scene, Input_Bytes& input) {
             }
             break;
         default:
-            if (scene.objects.size() < frames_most) {
+            if (scene.objects.size() < FRAMES_MOST) {
                 Frame_Add(scene, input);
             }
     }
 }
 
 void Ranges_Set(Tool_Histo& panel, Input_Bytes& input) {
-    const int tag = input.Below(tags_most);
+    const int tag = input.Below(TAGS_MOST);
     const double low = Level(input);
     const double high = Level(input);
     panel.Set(input.Below(4), tag, low, high, tag + 1, high, low, 0, low, low);
@@ -96,8 +96,8 @@ void Window_Message(Input_Bytes& input) {
 void Event(Tool_Histo& panel, const Panel_Stage& stage, Input_Bytes& input) {
     switch (input.Below(10)) {
         case 0: {
-            Boxs box = stage.Host_Box(input.Below(40), input.Below(40), input.Below(window_width) - 5,
-                                      input.Below(window_height) - 5);
+            Boxs box = stage.Host_Box(input.Below(40), input.Below(40), input.Below(WINDOW_WIDTH) - 5,
+                                      input.Below(WINDOW_HEIGHT) - 5);
             box.border = static_cast<unsigned short>(input.Below(6));
             panel.Resize(&box);
             break;
@@ -132,7 +132,7 @@ void Event(Tool_Histo& panel, const Panel_Stage& stage, Input_Bytes& input) {
 }
 
 void Step(std::unique_ptr<Tool_Histo>& panel, Histo_Scene& scene, const Panel_Stage& stage, Input_Bytes& input) {
-    stage.Point_At(input.Below(window_width), input.Below(window_height));
+    stage.Point_At(input.Below(WINDOW_WIDTH), input.Below(WINDOW_HEIGHT));
     switch (input.Below(12)) {
         case 0:
             Change_Variable(scene, input);
@@ -173,16 +173,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Input_Bytes input(data, size);
     Headless_Windows_Allow((input.Take<std::uint8_t>() & 7) != 0);
     Histo_Scene scene;
-    for (int nb = input.Below(frames_most); nb > 0; --nb) {
+    for (int nb = input.Below(FRAMES_MOST); nb > 0; --nb) {
         Frame_Add(scene, input);
     }
-    const Panel_Stage stage(window_width, window_height,
+    const Panel_Stage stage(WINDOW_WIDTH, WINDOW_HEIGHT,
                             (input.Take<std::uint8_t>() & 1) != 0 ? Window_Axis::Up : Window_Axis::Down);
     auto panel = std::make_unique<Tool_Histo>();
-    Boxs box = stage.Host_Box(10, 10, window_width - 20, window_height - 20);
+    Boxs box = stage.Host_Box(10, 10, WINDOW_WIDTH - 20, WINDOW_HEIGHT - 20);
     panel->Resize(&box);
     panel->Update(UPDATE_SELECTION | UPDATE_LEVEL_2D);
-    for (int step = 0; step < steps_most && !input.At_End(); ++step) {
+    for (int step = 0; step < STEPS_MOST && !input.At_End(); ++step) {
         Step(panel, scene, stage, input);
     }
     panel.reset();

@@ -16,10 +16,10 @@ using namespace workbench;
 
 namespace {
 
-constexpr Label_Extent extent = {181, 181, 217};
+constexpr Label_Extent EXTENT = {181, 181, 217};
 
 void Describe_Labels(const std::string& text) {
-    const Label_Description_Reading reading = Label_Description_Parse(text, extent);
+    const Label_Description_Reading reading = Label_Description_Parse(text, EXTENT);
     const Label_Description& description = reading.description;
     Require(reading.refused.empty() || (description == Label_Description{} && reading.left_out == 0));
     Require((reading.left_out > 0) == !reading.first_left_out.empty());
@@ -32,10 +32,10 @@ void Describe_Labels(const std::string& text) {
     for (const Marker_Description& marker : description.markers) {
         Require(marker.number >= 0 && marker.number < MARKER_NB && marker.color <= 0xFFFFFF);
         const Label_Voxel place = marker.place.value_or(Label_Voxel{});
-        Require(place.frame >= 0 && place.frame < extent.frames && place.column >= 0 && place.column < extent.columns &&
-                place.row >= 0 && place.row < extent.rows);
+        Require(place.frame >= 0 && place.frame < EXTENT.frames && place.column >= 0 && place.column < EXTENT.columns &&
+                place.row >= 0 && place.row < EXTENT.rows);
     }
-    const Label_Description_Reading again = Label_Description_Parse(Label_Description_Text(description), extent);
+    const Label_Description_Reading again = Label_Description_Parse(Label_Description_Text(description), EXTENT);
     Require(again.refused.empty() && again.left_out == 0 && again.description == description);
 }
 

@@ -12,9 +12,9 @@ using namespace volumes;
 
 namespace {
 
-constexpr std::uint64_t decoded_most = 4U
+constexpr std::uint64_t DECODED_MOST = 4U
                                        << 20U;  // bytes: enough for every path, little enough for many runs per second
-constexpr std::size_t header_most = 540;        // bytes of the longest header
+constexpr std::size_t HEADER_MOST = 540;        // bytes of the longest header
 
 void Require(bool condition) {
     if (!condition) {
@@ -40,12 +40,12 @@ void Check(const Load_Result& result) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::span bytes(data, size);
-    const Load_Limits limits{decoded_most};
+    const Load_Limits LIMITS{DECODED_MOST};
     Memory_Source single(bytes, "fuzz.nii");
-    Check(Volume_Load(single, nullptr, {}, limits));
-    const std::size_t cut = std::min(size, header_most);
+    Check(Volume_Load(single, nullptr, {}, LIMITS));
+    const std::size_t CUT = std::min(size, HEADER_MOST);
     Memory_Source header(bytes, "fuzz.hdr");
-    Memory_Source image(bytes.subspan(cut), "fuzz.img");
-    Check(Volume_Load(header, &image, {}, limits));
+    Memory_Source image(bytes.subspan(CUT), "fuzz.img");
+    Check(Volume_Load(header, &image, {}, LIMITS));
     return 0;
 }

@@ -12,12 +12,12 @@
 
 namespace {
 
-constexpr int window_width = 300;
-constexpr int window_height = 200;
-constexpr int array_most = 300;
-constexpr int steps_most = 60;
-constexpr int radius_most = 6;
-constexpr int brushes_most = 9;
+constexpr int WINDOW_WIDTH = 300;
+constexpr int WINDOW_HEIGHT = 200;
+constexpr int ARRAY_MOST = 300;
+constexpr int STEPS_MOST = 60;
+constexpr int RADIUS_MOST = 6;
+constexpr int BRUSHES_MOST = 9;
 
 /** What the panels read, with room for every count that a stream may set. */
 void Variables_Define() {
@@ -30,62 +30,62 @@ void Variables_Define() {
         Variable_Define_Scalar(name, VARIABLE_UNSIGNED_16, 8);
     }
     for (const char* name : {"$TAG_ENABLE", "$TAG_SELECT", "$TAG_LOCK", "$MARKER_ENABLE"}) {
-        Variable_Define_Array(name, VARIABLE_UNSIGNED_8, array_most);
+        Variable_Define_Array(name, VARIABLE_UNSIGNED_8, ARRAY_MOST);
     }
     for (const char* name : {"$TAG_RED", "$TAG_GRN", "$TAG_BLU"}) {
-        Variable_Define_Array(name, VARIABLE_UNSIGNED_16, array_most);
+        Variable_Define_Array(name, VARIABLE_UNSIGNED_16, ARRAY_MOST);
     }
-    Variable_Define_Array("$MARKER_COLOR", VARIABLE_UNSIGNED_32, array_most);
-    Variable_Define_Array("$TAG_THRESHOLD_MIN", VARIABLE_FLOAT, array_most);
-    Variable_Define_Array("$TAG_LABEL", VARIABLE_TEXT, array_most);
-    Variable_Define_Array("$MARKER_LABEL", VARIABLE_TEXT, array_most);
-    Variable_Define_Array("$BRUSH_SIZE", VARIABLE_UNSIGNED_16, array_most);
-    Variable_Define_Scalar("$BRUSH_RADIUS", VARIABLE_UNSIGNED_16, radius_most);
+    Variable_Define_Array("$MARKER_COLOR", VARIABLE_UNSIGNED_32, ARRAY_MOST);
+    Variable_Define_Array("$TAG_THRESHOLD_MIN", VARIABLE_FLOAT, ARRAY_MOST);
+    Variable_Define_Array("$TAG_LABEL", VARIABLE_TEXT, ARRAY_MOST);
+    Variable_Define_Array("$MARKER_LABEL", VARIABLE_TEXT, ARRAY_MOST);
+    Variable_Define_Array("$BRUSH_SIZE", VARIABLE_UNSIGNED_16, ARRAY_MOST);
+    Variable_Define_Scalar("$BRUSH_RADIUS", VARIABLE_UNSIGNED_16, RADIUS_MOST);
     Variable_Define_Scalar("$INTERFACE_LOCK_FOCUS", VARIABLE_UNSIGNED_8, 0);
-    constexpr std::size_t row_nb = 2 * radius_most + 1;
-    static std::vector<unsigned char> bytes(array_most * row_nb * row_nb);
+    constexpr std::size_t row_nb = 2 * RADIUS_MOST + 1;
+    static std::vector<unsigned char> bytes(ARRAY_MOST * row_nb * row_nb);
     static std::vector<unsigned char*> rows;      // of every brush, one after the other
     static std::vector<unsigned char**> brushes;  // the first row of each
-    for (std::size_t row = 0; row < array_most * row_nb; ++row) {
+    for (std::size_t row = 0; row < ARRAY_MOST * row_nb; ++row) {
         rows.push_back(bytes.data() + row * row_nb);
     }
-    for (std::size_t brush = 0; brush < array_most; ++brush) {
+    for (std::size_t brush = 0; brush < ARRAY_MOST; ++brush) {
         brushes.push_back(rows.data() + brush * row_nb);
     }
-    Variable_Define_Array_At("$BRUSH_PT", VARIABLE_POINTER, array_most, brushes.data());
+    Variable_Define_Array_At("$BRUSH_PT", VARIABLE_POINTER, ARRAY_MOST, brushes.data());
 }
 
 void Change_Variable(Input_Bytes& input) {
     switch (input.Below(7)) {
         case 0:
-            Variable_Set("$TAG_NB", input.Below(array_most));
+            Variable_Set("$TAG_NB", input.Below(ARRAY_MOST));
             break;
         case 1:
-            Variable_Set("$TAG_CUR", input.Below(array_most));  // a host owes arrays as long as its numbers
+            Variable_Set("$TAG_CUR", input.Below(ARRAY_MOST));  // a host owes arrays as long as its numbers
             break;
         case 2:
-            Variable_Set("$MARKER_NB", input.Below(array_most));
+            Variable_Set("$MARKER_NB", input.Below(ARRAY_MOST));
             break;
         case 3:
-            Variable_Set("$BRUSH_NB", input.Below(brushes_most));
+            Variable_Set("$BRUSH_NB", input.Below(BRUSHES_MOST));
             break;
         case 4: {
             auto* sizes = static_cast<unsigned short*>(Variable_Array("$BRUSH_SIZE", VARIABLE_UNSIGNED_16, nullptr));
-            sizes[input.Below(brushes_most)] = static_cast<unsigned short>(input.Below(radius_most + 1));
+            sizes[input.Below(BRUSHES_MOST)] = static_cast<unsigned short>(input.Below(RADIUS_MOST + 1));
             break;
         }
         case 5:
-            Variable_Set_Array_Text("$TAG_LABEL", input.Below(array_most), input.Text(60).c_str());
+            Variable_Set_Array_Text("$TAG_LABEL", input.Below(ARRAY_MOST), input.Text(60).c_str());
             break;
         default: {
             auto* flags = static_cast<unsigned char*>(Variable_Array("$TAG_LOCK", VARIABLE_UNSIGNED_8, nullptr));
-            flags[input.Below(array_most)] ^= 1;
+            flags[input.Below(ARRAY_MOST)] ^= 1;
         }
     }
 }
 
 Boxs Host_Box(const Panel_Stage& stage, Input_Bytes& input) {
-    Boxs box = stage.Host_Box(input.Below(40), input.Below(40), input.Below(window_width), input.Below(window_height));
+    Boxs box = stage.Host_Box(input.Below(40), input.Below(40), input.Below(WINDOW_WIDTH), input.Below(WINDOW_HEIGHT));
     box.style |= (input.Take<std::uint8_t>() & 1) != 0 ? STYLE_SHOW_CHECK : 0;
     box.border = static_cast<unsigned short>(input.Below(6));
     return box;
@@ -93,7 +93,7 @@ Boxs Host_Box(const Panel_Stage& stage, Input_Bytes& input) {
 
 template <class Panel>
 void Step(Panel& panel, const Panel_Stage& stage, Input_Bytes& input) {
-    stage.Point_At(input.Below(window_width), input.Below(window_height));
+    stage.Point_At(input.Below(WINDOW_WIDTH), input.Below(WINDOW_HEIGHT));
     switch (input.Below(9)) {
         case 0: {
             Boxs box = Host_Box(stage, input);
@@ -128,11 +128,11 @@ void Step(Panel& panel, const Panel_Stage& stage, Input_Bytes& input) {
 
 template <class Panel>
 void Stream(Panel& panel, Input_Bytes& input) {
-    Panel_Stage stage(window_width, window_height,
+    Panel_Stage stage(WINDOW_WIDTH, WINDOW_HEIGHT,
                       (input.Take<std::uint8_t>() & 1) != 0 ? Window_Axis::Up : Window_Axis::Down);
     Boxs box = Host_Box(stage, input);
     panel.Resize(&box);
-    for (int step = 0; step < steps_most && !input.At_End(); ++step) {
+    for (int step = 0; step < STEPS_MOST && !input.At_End(); ++step) {
         Step(panel, stage, input);
         if (step % 16 == 0) {
             Panel copy(panel);
@@ -144,11 +144,11 @@ void Stream(Panel& panel, Input_Bytes& input) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const bool is_defined = [] {
+    static const bool IS_DEFINED = [] {
         Variables_Define();
         return true;
     }();
-    Require(is_defined);
+    Require(IS_DEFINED);
     Drop_List_Runner_Set([](const Drop_List_Request&) { return -1; });  // a list that nobody picks from
     Input_Bytes input(data, size);
     switch (input.Below(4)) {

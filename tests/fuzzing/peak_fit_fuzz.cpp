@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int peaks_most = 12;  // enough for a normal matrix that is mostly zeros
+constexpr int PEAKS_MOST = 12;  // enough for a normal matrix that is mostly zeros
 
 }  // namespace
 
@@ -17,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Input_Bytes input(data, size);
     std::vector<double> curve(static_cast<std::size_t>(2 + input.Below(100)));
     std::vector<Histo_Peak*> peaks;
-    for (int left = input.Below(peaks_most + 1); left > 0; --left) {
+    for (int left = input.Below(PEAKS_MOST + 1); left > 0; --left) {
         Histo_Peak* const peak = Peak_Make(static_cast<std::uint8_t>(1 + input.Below(3)), true);
         Require(peak != nullptr);
         for (int index = 0; index < PEAK_PARAM_NB; ++index) {

@@ -10,10 +10,10 @@
 
 namespace {
 
-constexpr int buffer_most = 64;
+constexpr int BUFFER_MOST = 64;
 
 void Edit(Input_Bytes& input) {
-    std::vector<char> buffer(static_cast<std::size_t>(1 + input.Below(buffer_most)));
+    std::vector<char> buffer(static_cast<std::size_t>(1 + input.Below(BUFFER_MOST)));
     const std::string start = input.Text(static_cast<int>(buffer.size()) - 1);
     std::copy(start.begin(), start.end(), buffer.begin());
     buffer[start.size()] = 0;
@@ -41,7 +41,7 @@ void Edit(Input_Bytes& input) {
                 edit.Select_All();
                 break;
             case 6:
-                edit.Insert(input.Text(buffer_most));
+                edit.Insert(input.Text(BUFFER_MOST));
                 break;
             case 7:
                 edit.Insert_Code_Point(input.Take<std::uint32_t>());
@@ -68,17 +68,17 @@ void Edit(Input_Bytes& input) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Input_Bytes input(data, size);
     Edit(input);
-    const std::string text = input.Text(400);
+    const std::string TEXT = input.Text(400);
     std::string plain;
-    for (const Message_Run& run : Message_Runs(text.c_str())) {
+    for (const Message_Run& run : Message_Runs(TEXT.c_str())) {
         plain += run.text;
     }
-    Require(plain == Message_Plain(text.c_str()));
-    const std::string path = input.Text(400);
+    Require(plain == Message_Plain(TEXT.c_str()));
+    const std::string PATH = input.Text(400);
     std::string parts[3];
     for (std::string& part : parts) {
-        part.resize(path.size() + 1);
+        part.resize(PATH.size() + 1);
     }
-    Get_Generic_Name(path.c_str(), parts[0].data(), parts[1].data(), parts[2].data());
+    Get_Generic_Name(PATH.c_str(), parts[0].data(), parts[1].data(), parts[2].data());
     return 0;
 }

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr int records_most = 300;
+constexpr int RECORDS_MOST = 300;
 
 }  // namespace
 
@@ -12,14 +12,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Input_Bytes input(data, size);
     int nb = 0;
     DB_List* list_pt = nullptr;
-    const int wanted = input.Below(records_most);
-    for (int at = 0; at < wanted; ++at) {
+    const int WANTED = input.Below(RECORDS_MOST);
+    for (int at = 0; at < WANTED; ++at) {
         DB_List* const record = DB_List_Append(&nb, &list_pt, {"fuzz", 0});
         Require(record != nullptr);
         record->flag = static_cast<std::uint16_t>(input.Take<std::uint8_t>());
         record->state = static_cast<std::uint16_t>(input.Take<std::uint8_t>());
         record->level = static_cast<std::uint16_t>(input.Take<std::uint8_t>());
-        record->desc_nb = static_cast<std::uint16_t>(input.Below(records_most));
+        record->desc_nb = static_cast<std::uint16_t>(input.Below(RECORDS_MOST));
         record->child_nb = record->desc_nb;
         Require(DB_List_Text_Copy(&record->title, input.Text(20).c_str(), "title", {"fuzz", 0}));
     }

@@ -52,7 +52,7 @@ class Soak_Host {
         Analysis,
         Rename,
         Copy,
-        KIND_NB
+        Kind_Nb
     };
     struct Place {
         Window_Axis axis;
@@ -83,7 +83,7 @@ class Soak_Host {
     static void Pump();
 
     std::mt19937 random;
-    std::vector<long> kind = std::vector<long>(KIND_NB, 0);
+    std::vector<long> kind = std::vector<long>(Kind_Nb, 0);
     bool delivering = false;
 
     Histo_Scene scene;

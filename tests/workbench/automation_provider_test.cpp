@@ -19,10 +19,10 @@ using namespace workbench;
 
 namespace {
 
-constexpr int control_button = 50000;
-constexpr int control_combo_box = 50003;
-constexpr int control_tree_item = 50024;
-constexpr int control_group = 50026;
+constexpr int CONTROL_BUTTON = 50000;
+constexpr int CONTROL_COMBO_BOX = 50003;
+constexpr int CONTROL_TREE_ITEM = 50024;
+constexpr int CONTROL_GROUP = 50026;
 
 Accessible_Source Example() {
     Accessible_Source source;
@@ -86,11 +86,11 @@ bool Truth(IRawElementProviderSimple& of, int number) {
     return Property(of, number).boolVal != VARIANT_FALSE;
 }
 
-constexpr int name_property = 30005;
-constexpr int control_type_property = 30003;
-constexpr int is_enabled_property = 30010;
-constexpr int item_status_property = 30026;
-constexpr int level_property = 30154;
+constexpr int NAME_PROPERTY = 30005;
+constexpr int CONTROL_TYPE_PROPERTY = 30003;
+constexpr int IS_ENABLED_PROPERTY = 30010;
+constexpr int ITEM_STATUS_PROPERTY = 30026;
+constexpr int LEVEL_PROPERTY = 30154;
 
 Fragment Step(const Fragment& from, NavigateDirection direction) {
     IRawElementProviderFragment* to = nullptr;
@@ -141,18 +141,18 @@ TEST(Automation_Client, a_client_hears_a_window_and_its_parts) {
     const std::vector<Heard_Element> heard = Automation_Client::Read(window.Handle());
     ASSERT_EQ(heard.size(), 4U);
     EXPECT_EQ(heard[0].name, L"Group");
-    EXPECT_EQ(heard[0].control_type, control_group);
+    EXPECT_EQ(heard[0].control_type, CONTROL_GROUP);
     EXPECT_TRUE(heard[0].is_enabled);
     EXPECT_EQ(heard[1].name, L"Up");
-    EXPECT_EQ(heard[1].control_type, control_button);
+    EXPECT_EQ(heard[1].control_type, CONTROL_BUTTON);
     EXPECT_TRUE(heard[1].is_enabled);
     EXPECT_EQ(heard[1].status, L"current, checked");
     EXPECT_EQ(heard[1].level, 0);
     EXPECT_EQ(heard[2].name, L"Frame");
-    EXPECT_EQ(heard[2].control_type, control_combo_box);
+    EXPECT_EQ(heard[2].control_type, CONTROL_COMBO_BOX);
     EXPECT_FALSE(heard[2].is_enabled);
     EXPECT_EQ(heard[3].name, L"Vessel");
-    EXPECT_EQ(heard[3].control_type, control_tree_item);
+    EXPECT_EQ(heard[3].control_type, CONTROL_TREE_ITEM);
     EXPECT_EQ(heard[3].status, L"expanded");
     EXPECT_EQ(heard[3].level, 2);
 }
@@ -179,7 +179,7 @@ TEST(Automation_Client, a_client_hears_every_tag_that_can_be_seen) {
     const auto white = std::ranges::find(heard, std::wstring(L"White matter"), &Heard_Element::name);
     ASSERT_NE(white, heard.end());
     EXPECT_EQ(white->status, L"current, checked");
-    EXPECT_GE(std::ranges::count(heard, control_button, &Heard_Element::control_type), 16);
+    EXPECT_GE(std::ranges::count(heard, CONTROL_BUTTON, &Heard_Element::control_type), 16);
 }
 
 TEST(Automation_Client, a_window_with_nothing_to_tell_has_no_provider) {
@@ -191,30 +191,30 @@ TEST(Automation_Client, a_window_with_nothing_to_tell_has_no_provider) {
 TEST_F(Automation_Provider, parts_tell_name_kind_state_and_level) {
     const Simple up = Part(1);
     ASSERT_TRUE(up);
-    EXPECT_EQ(Text(*up, name_property), L"Up");
-    EXPECT_EQ(Property(*up, control_type_property).lVal, control_button);
-    EXPECT_EQ(Text(*up, item_status_property), L"current, checked");
-    EXPECT_TRUE(Truth(*up, is_enabled_property));
-    EXPECT_EQ(Property(*up, level_property).vt, VT_EMPTY);
-    EXPECT_FALSE(Truth(*Part(2), is_enabled_property));
+    EXPECT_EQ(Text(*up, NAME_PROPERTY), L"Up");
+    EXPECT_EQ(Property(*up, CONTROL_TYPE_PROPERTY).lVal, CONTROL_BUTTON);
+    EXPECT_EQ(Text(*up, ITEM_STATUS_PROPERTY), L"current, checked");
+    EXPECT_TRUE(Truth(*up, IS_ENABLED_PROPERTY));
+    EXPECT_EQ(Property(*up, LEVEL_PROPERTY).vt, VT_EMPTY);
+    EXPECT_FALSE(Truth(*Part(2), IS_ENABLED_PROPERTY));
     const Simple vessel = Part(3);
-    EXPECT_EQ(Property(*vessel, level_property).lVal, 2);
-    EXPECT_EQ(Text(*vessel, item_status_property), L"expanded");
+    EXPECT_EQ(Property(*vessel, LEVEL_PROPERTY).lVal, 2);
+    EXPECT_EQ(Text(*vessel, ITEM_STATUS_PROPERTY), L"expanded");
 }
 
 TEST_F(Automation_Provider, parts_lie_beside_one_another_below_the_window) {
     const Fragment first = Step(Root(), NavigateDirection_FirstChild);
     const Fragment last = Step(Root(), NavigateDirection_LastChild);
     ASSERT_TRUE(first && last);
-    EXPECT_EQ(Text(*last.As<IRawElementProviderSimple>(), name_property), L"Vessel");
+    EXPECT_EQ(Text(*last.As<IRawElementProviderSimple>(), NAME_PROPERTY), L"Vessel");
     EXPECT_FALSE(Step(first, NavigateDirection_PreviousSibling));
     EXPECT_FALSE(Step(last, NavigateDirection_NextSibling));
     EXPECT_FALSE(Step(first, NavigateDirection_FirstChild));
     EXPECT_FALSE(Step(Root(), NavigateDirection_Parent)) << "the system knows what lies above a window";
     const Fragment before = Step(last, NavigateDirection_PreviousSibling);
-    EXPECT_EQ(Text(*before.As<IRawElementProviderSimple>(), name_property), L"Frame");
+    EXPECT_EQ(Text(*before.As<IRawElementProviderSimple>(), NAME_PROPERTY), L"Frame");
     const Fragment above = Step(first, NavigateDirection_Parent);
-    EXPECT_EQ(Text(*above.As<IRawElementProviderSimple>(), name_property), L"Group");
+    EXPECT_EQ(Text(*above.As<IRawElementProviderSimple>(), NAME_PROPERTY), L"Group");
     SAFEARRAY* number = nullptr;
     ASSERT_EQ(last->GetRuntimeId(&number), S_OK);
     LONG second = 1;
@@ -235,7 +235,7 @@ TEST_F(Automation_Provider, places_and_points_are_the_screens) {
     const auto name_at = [&](double x, double y) {
         IRawElementProviderFragment* at = nullptr;
         EXPECT_EQ(fragment_root->ElementProviderFromPoint(x, y, &at), S_OK);
-        return Text(*Fragment(at).As<IRawElementProviderSimple>(), name_property);
+        return Text(*Fragment(at).As<IRawElementProviderSimple>(), NAME_PROPERTY);
     };
     EXPECT_EQ(name_at(145.0, 65.0), L"Frame");
     EXPECT_EQ(name_at(101.0, 51.0), L"Group");
@@ -272,9 +272,9 @@ TEST_F(Automation_Provider, a_provider_outlives_its_window) {
     const Simple part = Part(1);
     window.reset();
     VARIANT name = {};
-    EXPECT_TRUE(FAILED(part->GetPropertyValue(name_property, &name)));
+    EXPECT_TRUE(FAILED(part->GetPropertyValue(NAME_PROPERTY, &name)));
     EXPECT_EQ(name.vt, VT_EMPTY);
-    EXPECT_TRUE(FAILED(root->GetPropertyValue(name_property, &name)));
+    EXPECT_TRUE(FAILED(root->GetPropertyValue(NAME_PROPERTY, &name)));
 }
 
 TEST_F(Automation_Provider, a_part_that_has_gone_is_refused) {
@@ -283,7 +283,7 @@ TEST_F(Automation_Provider, a_part_that_has_gone_is_refused) {
     less.parts = {};
     window->Accessible_Set(std::move(less));
     VARIANT name = {};
-    EXPECT_TRUE(FAILED(part->GetPropertyValue(name_property, &name)));
+    EXPECT_TRUE(FAILED(part->GetPropertyValue(NAME_PROPERTY, &name)));
 }
 
 }  // namespace

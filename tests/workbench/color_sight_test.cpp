@@ -17,7 +17,7 @@ struct Published {
 };
 
 // The test data that Sharma, Wu and Dalal published with "The CIEDE2000 color-difference formula" (2005).
-constexpr Published published[] = {
+constexpr Published PUBLISHED[] = {
     {{50.0000, 2.6772, -79.7751}, {50.0000, 0.0000, -82.7485}, 2.0425},
     {{50.0000, 3.1571, -77.2803}, {50.0000, 0.0000, -82.7485}, 2.8615},
     {{50.0000, 2.8361, -74.0200}, {50.0000, 0.0000, -82.7485}, 3.4412},
@@ -55,7 +55,7 @@ constexpr Published published[] = {
 };
 
 TEST(Color_Sight, the_distance_agrees_with_the_published_pairs) {
-    for (const Published& pair : published) {
+    for (const Published& pair : PUBLISHED) {
         EXPECT_NEAR(Color_Distance(pair.first, pair.second), pair.distance, 0.00006)
             << pair.first.a << " " << pair.second.a;
         EXPECT_NEAR(Color_Distance(pair.second, pair.first), pair.distance, 0.00006);
@@ -78,15 +78,15 @@ TEST(Color_Sight, screen_colours_have_their_published_lab_values) {
 
 // Columns of the published matrices, brought back to sRGB: what is seen of a pure colour.
 TEST(Color_Sight, pure_colours_are_seen_as_published) {
-    EXPECT_EQ(Seen_Color(0xFF0000, Sight::PROTANOPIA), 0x6D5F00U);
-    EXPECT_EQ(Seen_Color(0x00FF00, Sight::PROTANOPIA), 0xFFE500U);
-    EXPECT_EQ(Seen_Color(0x0000FF, Sight::PROTANOPIA), 0x0059FFU);
-    EXPECT_EQ(Seen_Color(0xFF0000, Sight::DEUTERANOPIA), 0xA39000U);
-    EXPECT_EQ(Seen_Color(0x00FF00, Sight::DEUTERANOPIA), 0xEFD63AU);
-    EXPECT_EQ(Seen_Color(0x0000FF, Sight::DEUTERANOPIA), 0x003DFBU);
-    EXPECT_EQ(Seen_Color(0xFF0000, Sight::TRITANOPIA), 0xFF000FU);
-    EXPECT_EQ(Seen_Color(0x00FF00, Sight::TRITANOPIA), 0x00F7D9U);
-    EXPECT_EQ(Seen_Color(0x0000FF, Sight::TRITANOPIA), 0x006B96U);
+    EXPECT_EQ(Seen_Color(0xFF0000, Sight::Protanopia), 0x6D5F00U);
+    EXPECT_EQ(Seen_Color(0x00FF00, Sight::Protanopia), 0xFFE500U);
+    EXPECT_EQ(Seen_Color(0x0000FF, Sight::Protanopia), 0x0059FFU);
+    EXPECT_EQ(Seen_Color(0xFF0000, Sight::Deuteranopia), 0xA39000U);
+    EXPECT_EQ(Seen_Color(0x00FF00, Sight::Deuteranopia), 0xEFD63AU);
+    EXPECT_EQ(Seen_Color(0x0000FF, Sight::Deuteranopia), 0x003DFBU);
+    EXPECT_EQ(Seen_Color(0xFF0000, Sight::Tritanopia), 0xFF000FU);
+    EXPECT_EQ(Seen_Color(0x00FF00, Sight::Tritanopia), 0x00F7D9U);
+    EXPECT_EQ(Seen_Color(0x0000FF, Sight::Tritanopia), 0x006B96U);
 }
 
 TEST(Color_Sight, greys_stay_greys_for_every_sight) {
@@ -103,14 +103,14 @@ TEST(Color_Sight, greys_stay_greys_for_every_sight) {
 
 TEST(Color_Sight, the_missing_receptor_merges_its_colours) {
     // Equal to one who lacks the receptor, far apart to normal sight.
-    EXPECT_GT(Color_Distance(0xB05A5A, 0x7A7A58, Sight::NORMAL), 15.0);
-    EXPECT_LT(Color_Distance(0xB05A5A, 0x7A7A58, Sight::DEUTERANOPIA),
-              Color_Distance(0xB05A5A, 0x7A7A58, Sight::NORMAL) / 2);
+    EXPECT_GT(Color_Distance(0xB05A5A, 0x7A7A58, Sight::Normal), 15.0);
+    EXPECT_LT(Color_Distance(0xB05A5A, 0x7A7A58, Sight::Deuteranopia),
+              Color_Distance(0xB05A5A, 0x7A7A58, Sight::Normal) / 2);
     // Red is dark without the receptor for long waves.
-    EXPECT_LT(Lab_Of(Seen_Color(0xFF0000, Sight::PROTANOPIA)).l, Lab_Of(0xFF0000).l - 10.0);
-    EXPECT_GT(Lab_Of(Seen_Color(0xFF0000, Sight::DEUTERANOPIA)).l, Lab_Of(0xFF0000).l);
+    EXPECT_LT(Lab_Of(Seen_Color(0xFF0000, Sight::Protanopia)).l, Lab_Of(0xFF0000).l - 10.0);
+    EXPECT_GT(Lab_Of(Seen_Color(0xFF0000, Sight::Deuteranopia)).l, Lab_Of(0xFF0000).l);
     // Without the receptor for short waves blue and green come near each other.
-    EXPECT_LT(Color_Distance(0x00A0C8, 0x00B09A, Sight::TRITANOPIA), Color_Distance(0x00A0C8, 0x00B09A, Sight::NORMAL));
+    EXPECT_LT(Color_Distance(0x00A0C8, 0x00B09A, Sight::Tritanopia), Color_Distance(0x00A0C8, 0x00B09A, Sight::Normal));
 }
 
 TEST(Color_Sight, alike_pairs_are_found_once_and_the_closest_comes_first) {
@@ -128,11 +128,11 @@ TEST(Color_Sight, alike_pairs_are_found_once_and_the_closest_comes_first) {
 
 TEST(Color_Sight, the_worst_sight_is_named) {
     // Red and a dark olive: alike only without a receptor.
-    const std::uint32_t colors[] = {Seen_Color(0xA04020, Sight::DEUTERANOPIA), 0xA04020};
+    const std::uint32_t colors[] = {Seen_Color(0xA04020, Sight::Deuteranopia), 0xA04020};
     const auto pairs = Alike_Pairs(colors, 100.0);
     ASSERT_EQ(pairs.size(), 1U);
-    EXPECT_EQ(pairs[0].sight, Sight::DEUTERANOPIA);
-    EXPECT_LT(pairs[0].distance, Color_Distance(colors[0], colors[1], Sight::NORMAL));
+    EXPECT_EQ(pairs[0].sight, Sight::Deuteranopia);
+    EXPECT_LT(pairs[0].distance, Color_Distance(colors[0], colors[1], Sight::Normal));
 }
 
 TEST(Color_Sight, a_suggestion_is_clear_of_all_others) {
@@ -171,7 +171,7 @@ TEST(Color_Sight, the_named_tags_can_be_told_apart_by_normal_sight) {
                 return (static_cast<std::uint32_t>(entry.red) << 16U) |
                        (static_cast<std::uint32_t>(entry.green) << 8U) | entry.blue;
             };
-            EXPECT_GE(Color_Distance(packed(a), packed(b), Sight::NORMAL), TAG_DISTANCE_LEAST)
+            EXPECT_GE(Color_Distance(packed(a), packed(b), Sight::Normal), TAG_DISTANCE_LEAST)
                 << first << " " << second;
         }
     }

@@ -134,7 +134,7 @@ struct Command_Double : File_Actions,
     std::map<std::string, bool> is_set;  // answers of the questions, by their names; not there: no
     std::optional<std::string> undo_title, redo_title, class_undo_title, class_redo_title;
     std::vector<Numbered_Entry> recent, windows;
-    Propagation_Kind kind_now = Propagation_Kind::COPY;
+    Propagation_Kind kind_now = Propagation_Kind::Copy;
     Histogram_Frames frames_now = Histogram_Frames::All;
 
   private:

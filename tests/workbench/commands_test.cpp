@@ -157,7 +157,7 @@ TEST(Command_Table, marks_follow_the_state) {
     };
     EXPECT_EQ(marked(), "function_copy histogram_all ");
     parts.frames_now = Histogram_Frames::Checked;
-    parts.kind_now = Propagation_Kind::GROW;
+    parts.kind_now = Propagation_Kind::Grow;
     parts.is_set["Has_Tag_Mark 1"] = true;
     parts.is_set["Is_Light"] = true;
     EXPECT_EQ(marked(), "tag_select theme function_grow ");

@@ -15,14 +15,14 @@ namespace {
 
 /** What was heard of the field of a dialog, which is then given up. */
 struct Dialog_Listener {
-    static constexpr UINT interval = 20;  // milliseconds
+    static constexpr UINT INTERVAL = 20;  // milliseconds
     static inline std::wstring title, name, value;
 
     explicit Dialog_Listener(const wchar_t* of_title) {
         title = of_title;
         name.clear();
         value.clear();
-        timer = ::SetTimer(nullptr, 0, interval, [](HWND, UINT, UINT_PTR, DWORD) {
+        timer = ::SetTimer(nullptr, 0, INTERVAL, [](HWND, UINT, UINT_PTR, DWORD) {
             const HWND dialog = Own_Window(L"#32770", title);
             const HWND field = dialog != nullptr ? ::FindWindowExW(dialog, nullptr, L"Edit", nullptr) : nullptr;
             if (field != nullptr) {

@@ -65,33 +65,33 @@ std::vector<std::uint8_t> By_Place(const Volume_Grid& grid) {
 }
 
 TEST(Grid_Compare, equal_grids_are_the_same_up_to_a_tenth_of_a_voxel) {
-    EXPECT_EQ(Grid_Compare(IMAGE, IMAGE).relation, Grid_Relation::SAME);
+    EXPECT_EQ(Grid_Compare(IMAGE, IMAGE).relation, Grid_Relation::Same);
     for (std::size_t axis = 0; axis < 3; ++axis) {
         const double voxel = IMAGE.affine[axis][axis];
-        EXPECT_EQ(Grid_Compare(IMAGE, Moved(axis, 0.09 * voxel)).relation, Grid_Relation::SAME) << axis;
-        EXPECT_EQ(Grid_Compare(IMAGE, Moved(axis, -0.09 * voxel)).relation, Grid_Relation::SAME) << axis;
-        EXPECT_EQ(Grid_Compare(IMAGE, Moved(axis, 0.11 * voxel)).relation, Grid_Relation::OTHER) << axis;
-        EXPECT_EQ(Grid_Compare(IMAGE, Moved(axis, -0.11 * voxel)).relation, Grid_Relation::OTHER) << axis;
+        EXPECT_EQ(Grid_Compare(IMAGE, Moved(axis, 0.09 * voxel)).relation, Grid_Relation::Same) << axis;
+        EXPECT_EQ(Grid_Compare(IMAGE, Moved(axis, -0.09 * voxel)).relation, Grid_Relation::Same) << axis;
+        EXPECT_EQ(Grid_Compare(IMAGE, Moved(axis, 0.11 * voxel)).relation, Grid_Relation::Other) << axis;
+        EXPECT_EQ(Grid_Compare(IMAGE, Moved(axis, -0.11 * voxel)).relation, Grid_Relation::Other) << axis;
     }
 }
 
 TEST(Grid_Compare, another_spacing_direction_or_size_is_another_grid) {
     Volume_Grid wider = IMAGE;
     wider.affine[0][0] = 2.2;
-    EXPECT_EQ(Grid_Compare(IMAGE, wider).relation, Grid_Relation::OTHER);
+    EXPECT_EQ(Grid_Compare(IMAGE, wider).relation, Grid_Relation::Other);
     EXPECT_TRUE(Grid_Compare(IMAGE, wider).is_same_size);
     wider.affine[0][0] = 2.01;  // 0.05 * 0.5 of a voxel at the far end
-    EXPECT_EQ(Grid_Compare(IMAGE, wider).relation, Grid_Relation::SAME);
-    EXPECT_EQ(Grid_Compare(IMAGE, Oblique(0.1)).relation, Grid_Relation::OTHER);
-    EXPECT_EQ(Grid_Compare(Oblique(0.1), Oblique(0.1001)).relation, Grid_Relation::SAME);
+    EXPECT_EQ(Grid_Compare(IMAGE, wider).relation, Grid_Relation::Same);
+    EXPECT_EQ(Grid_Compare(IMAGE, Oblique(0.1)).relation, Grid_Relation::Other);
+    EXPECT_EQ(Grid_Compare(Oblique(0.1), Oblique(0.1001)).relation, Grid_Relation::Same);
     Volume_Grid longer = IMAGE;
     longer.size[2] = 4;
-    EXPECT_EQ(Grid_Compare(IMAGE, longer).relation, Grid_Relation::OTHER);
+    EXPECT_EQ(Grid_Compare(IMAGE, longer).relation, Grid_Relation::Other);
     EXPECT_FALSE(Grid_Compare(IMAGE, longer).is_same_size);
     Volume_Grid thick = {{5, 4, 1}, IMAGE.affine};
     const Volume_Grid thin = thick;
     thick.affine[2][2] = 9.0;
-    EXPECT_EQ(Grid_Compare(thin, thick).relation, Grid_Relation::OTHER) << "a single slice has a thickness, too";
+    EXPECT_EQ(Grid_Compare(thin, thick).relation, Grid_Relation::Other) << "a single slice has a thickness, too";
 }
 
 TEST(Grid_Compare, every_order_of_the_axes_is_found_and_put_right_exactly) {
@@ -106,7 +106,7 @@ TEST(Grid_Compare, every_order_of_the_axes_is_found_and_put_right_exactly) {
             }
             const Grid_Match match = Grid_Compare(IMAGE, stored);
             const bool is_same = flips == 0 && order[0] == 0 && order[1] == 1;
-            ASSERT_EQ(match.relation, is_same ? Grid_Relation::SAME : Grid_Relation::TURNED);
+            ASSERT_EQ(match.relation, is_same ? Grid_Relation::Same : Grid_Relation::Turned);
             EXPECT_EQ(Grid_Turn_Text(match).empty(), is_same);
             std::size_t outside = 99;
             EXPECT_EQ(Grid_Carry(IMAGE, stored, match, By_Place(stored), &outside), wanted);
@@ -121,22 +121,22 @@ TEST(Grid_Compare, every_order_of_the_axes_is_found_and_put_right_exactly) {
 TEST(Grid_Compare, turned_and_moved_is_another_grid) {
     Volume_Grid flipped = Flipped(IMAGE, 0);
     flipped.affine[2][3] += 30;
-    EXPECT_EQ(Grid_Compare(IMAGE, flipped).relation, Grid_Relation::OTHER);
+    EXPECT_EQ(Grid_Compare(IMAGE, flipped).relation, Grid_Relation::Other);
     Volume_Grid in_place = IMAGE;  // the sign alone turns the volume about its first voxel
     in_place.affine[0][0] = -2;
-    EXPECT_EQ(Grid_Compare(IMAGE, in_place).relation, Grid_Relation::OTHER);
+    EXPECT_EQ(Grid_Compare(IMAGE, in_place).relation, Grid_Relation::Other);
 }
 
 TEST(Grid_Compare, an_affine_that_cannot_be_turned_round_is_no_place) {
     Volume_Grid flat = IMAGE;
     flat.affine[2] = {0, 0, 0, 0};
-    EXPECT_EQ(Grid_Compare(IMAGE, flat).relation, Grid_Relation::OTHER);
+    EXPECT_EQ(Grid_Compare(IMAGE, flat).relation, Grid_Relation::Other);
     EXPECT_FALSE(Grid_Compare(IMAGE, flat).is_placed);
-    EXPECT_EQ(Grid_Compare(flat, flat).relation, Grid_Relation::SAME) << "of equal fields there is no doubt";
-    EXPECT_EQ(Grid_Compare(flat, IMAGE).relation, Grid_Relation::OTHER);
+    EXPECT_EQ(Grid_Compare(flat, flat).relation, Grid_Relation::Same) << "of equal fields there is no doubt";
+    EXPECT_EQ(Grid_Compare(flat, IMAGE).relation, Grid_Relation::Other);
     flat.affine[0][0] = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_EQ(Grid_Compare(IMAGE, flat).relation, Grid_Relation::OTHER);
-    EXPECT_EQ(Grid_Compare(flat, IMAGE).relation, Grid_Relation::OTHER);
+    EXPECT_EQ(Grid_Compare(IMAGE, flat).relation, Grid_Relation::Other);
+    EXPECT_EQ(Grid_Compare(flat, IMAGE).relation, Grid_Relation::Other);
 }
 
 TEST(Grid_Carry, takes_the_nearest_voxel_and_counts_what_is_not_covered) {
@@ -148,7 +148,7 @@ TEST(Grid_Carry, takes_the_nearest_voxel_and_counts_what_is_not_covered) {
     }
     std::size_t outside = 0;
     const Grid_Match match = Grid_Compare(IMAGE, finer);
-    ASSERT_EQ(match.relation, Grid_Relation::OTHER);
+    ASSERT_EQ(match.relation, Grid_Relation::Other);
     const std::vector<std::uint8_t> carried = Grid_Carry(IMAGE, finer, match, labels, &outside);
     for (std::size_t at = 0; at < carried.size(); ++at) {
         EXPECT_EQ(carried[at], 2 * (at % 5));

@@ -18,8 +18,8 @@ using namespace workbench;
 
 namespace {
 
-constexpr Label_Extent extent = {10, 10, 10};
-constexpr std::string_view newer_text = "label description 7\ntags in another way\n";
+constexpr Label_Extent EXTENT = {10, 10, 10};
+constexpr std::string_view NEWER_TEXT = "label description 7\ntags in another way\n";
 
 class Label_Description_File : public ::testing::Test {
   protected:
@@ -43,8 +43,8 @@ class Label_Description_File : public ::testing::Test {
     std::size_t File_Nb() const {
         return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
     }
-    std::string Save() { return Label_Description_Save(labels, description, extent, kept); }
-    Label_Description_Loading Load() const { return Label_Description_Load(labels, extent); }
+    std::string Save() { return Label_Description_Save(labels, description, EXTENT, kept); }
+    Label_Description_Loading Load() const { return Label_Description_Load(labels, EXTENT); }
 
     std::filesystem::path folder;
     std::filesystem::path labels;
@@ -106,16 +106,16 @@ TEST_F(Label_Description_File, a_marker_outside_the_volume_is_left_out) {
 }
 
 TEST_F(Label_Description_File, a_later_version_is_refused_and_not_lost_by_saving) {
-    Put(newer_text);
+    Put(NEWER_TEXT);
     const Label_Description_Loading loading = Load();
     EXPECT_FALSE(loading.is_there);
     EXPECT_EQ(loading.warning,
               "Names, colours, thresholds and markers are as they were: head.labels.txt was written by a later version "
               "of this program.");
-    EXPECT_EQ(Get(file), newer_text);
+    EXPECT_EQ(Get(file), NEWER_TEXT);
     EXPECT_EQ(Save(), "");
     EXPECT_EQ(kept, "The former head.labels.txt is kept as head.labels.txt.newer.");
-    EXPECT_EQ(Get(folder / "head.labels.txt.newer"), newer_text);
+    EXPECT_EQ(Get(folder / "head.labels.txt.newer"), NEWER_TEXT);
     EXPECT_EQ(Load().description, description);
 }
 

@@ -17,7 +17,7 @@ using namespace workbench;
 
 namespace {
 
-constexpr Label_Extent extent = {100, 200, 300};
+constexpr Label_Extent EXTENT = {100, 200, 300};
 
 Label_Description Example() {
     Label_Description description;
@@ -29,7 +29,7 @@ Label_Description Example() {
 }
 
 Label_Description_Reading Read(const std::string& text) {
-    return Label_Description_Parse(text, extent);
+    return Label_Description_Parse(text, EXTENT);
 }
 
 Label_Description_Reading Read_Lines(const std::string& lines) {
@@ -68,7 +68,7 @@ class Random_Description {
         for (const int number : Numbers(MARKER_NB)) {
             Marker_Description marker = {number, Color(), {}, Name()};
             if (Coin()) {
-                marker.place = Label_Voxel{Below(extent.frames), Below(extent.columns), Below(extent.rows)};
+                marker.place = Label_Voxel{Below(EXTENT.frames), Below(EXTENT.columns), Below(EXTENT.rows)};
             }
             description.markers.push_back(marker);
         }
@@ -173,9 +173,9 @@ void Expect_In_Range(const Label_Description& description) {
         EXPECT_GE(marker.number, 0);
         EXPECT_LT(marker.number, MARKER_NB);
         const Label_Voxel place = marker.place.value_or(Label_Voxel{});
-        EXPECT_TRUE(place.frame >= 0 && place.frame < extent.frames);
-        EXPECT_TRUE(place.column >= 0 && place.column < extent.columns);
-        EXPECT_TRUE(place.row >= 0 && place.row < extent.rows);
+        EXPECT_TRUE(place.frame >= 0 && place.frame < EXTENT.frames);
+        EXPECT_TRUE(place.column >= 0 && place.column < EXTENT.columns);
+        EXPECT_TRUE(place.row >= 0 && place.row < EXTENT.rows);
         EXPECT_EQ(std::ranges::count(description.markers, marker.number, &Marker_Description::number), 1);
     }
 }

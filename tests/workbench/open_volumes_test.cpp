@@ -72,7 +72,7 @@ TEST_F(Open_Volumes_Test, the_volume_with_most_slices_is_the_current_one_at_its_
     folder.volumes.push_back(Opened("many", 11));
     folder.volumes.push_back(Opened("as_many", 11));
     folder.volumes[2].volume.level_max = 1000;
-    folder.volumes[2].volume.windows = {{"", 50, 20, Window_Function::LINEAR_EXACT}};
+    folder.volumes[2].volume.windows = {{"", 50, 20, Window_Function::Linear_Exact}};
     volumes.Take(std::move(folder), {}, session);
     EXPECT_EQ(volumes.Current(), 2);
     EXPECT_EQ(session.Slice_Nb(), 11);

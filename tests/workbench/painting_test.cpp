@@ -39,11 +39,11 @@ struct Disc {
 };
 
 struct Slice {
-    static constexpr int width = 30;
-    static constexpr int height = 20;
-    std::vector<std::uint8_t> pixels = std::vector<std::uint8_t>(width * height);
-    Paint_Target Target() { return {pixels, width, height}; }
-    std::uint8_t At(int x, int y) const { return pixels[static_cast<std::size_t>(y * width + x)]; }
+    static constexpr int WIDTH = 30;
+    static constexpr int HEIGHT = 20;
+    std::vector<std::uint8_t> pixels = std::vector<std::uint8_t>(WIDTH * HEIGHT);
+    Paint_Target Target() { return {pixels, WIDTH, HEIGHT}; }
+    std::uint8_t At(int x, int y) const { return pixels[static_cast<std::size_t>(y * WIDTH + x)]; }
 };
 
 TEST(Brush_Footprint, covers_exactly_the_bytes_of_the_mask) {
@@ -78,8 +78,8 @@ TEST(Paint_Dab, paints_every_covered_pixel_and_no_other_also_at_the_edges) {
         Paint_Ink ink;
         ink.tag = 3;
         const Pixel_Rect touched = Paint_Dab(slice.Target(), disc.Footprint(), cx, cy, ink);
-        for (int y = 0; y < Slice::height; ++y) {
-            for (int x = 0; x < Slice::width; ++x) {
+        for (int y = 0; y < Slice::HEIGHT; ++y) {
+            for (int x = 0; x < Slice::WIDTH; ++x) {
                 EXPECT_EQ(slice.At(x, y) == 3, disc.Covers(x - cx, y - cy)) << cx << ", " << cy;
                 if (slice.At(x, y) != 0) {
                     EXPECT_TRUE(x >= touched.left && x < touched.right && y >= touched.top && y < touched.bottom);
@@ -130,7 +130,7 @@ TEST(Paint_Line, far_outside_ends_without_touching_anything) {
     Paint_Ink ink;
     ink.tag = 1;
     EXPECT_TRUE(Paint_Line(slice.Target(), Disc(5).Footprint(), -200, -200, -100, -300, ink).Is_Empty());
-    EXPECT_EQ(std::ranges::count(slice.pixels, 0), Slice::width * Slice::height);
+    EXPECT_EQ(std::ranges::count(slice.pixels, 0), Slice::WIDTH * Slice::HEIGHT);
 }
 
 /** The unit edges of a footprint by definition: between a covered pixel and a free neighbour. */

@@ -14,25 +14,25 @@ namespace {
 
 /** Two frames of 40 x 30 pixels. */
 struct Frames {
-    static constexpr int width = 40;
-    static constexpr int height = 30;
-    std::vector<std::int32_t> from_levels = std::vector<std::int32_t>(width * height);
+    static constexpr int WIDTH = 40;
+    static constexpr int HEIGHT = 30;
+    std::vector<std::int32_t> from_levels = std::vector<std::int32_t>(WIDTH * HEIGHT);
     std::vector<std::int32_t> to_levels = from_levels;
-    std::vector<std::uint8_t> from = std::vector<std::uint8_t>(width * height);
+    std::vector<std::uint8_t> from = std::vector<std::uint8_t>(WIDTH * HEIGHT);
     std::vector<std::uint8_t> to = from;
     Propagation_Tags tags;
 
     Frames() { tags.carried.fill(1); }
-    Propagation_Frames View() { return {width, height, from_levels, from, to_levels, to}; }
+    Propagation_Frames View() { return {WIDTH, HEIGHT, from_levels, from, to_levels, to}; }
     template <class Value>
     static void Fill(std::vector<Value>& values, int left, int top, int right, int bottom, int value) {
         for (int y = top; y < bottom; ++y) {
             for (int x = left; x < right; ++x) {
-                values[static_cast<std::size_t>(y * width + x)] = static_cast<Value>(value);
+                values[static_cast<std::size_t>(y * WIDTH + x)] = static_cast<Value>(value);
             }
         }
     }
-    std::uint8_t At(int x, int y) const { return to[static_cast<std::size_t>(y * width + x)]; }
+    std::uint8_t At(int x, int y) const { return to[static_cast<std::size_t>(y * WIDTH + x)]; }
 };
 
 TEST(Propagate_Copy, writes_carried_tags_and_leaves_the_rest) {
@@ -68,8 +68,8 @@ Frames Moving_Block(int dx) {
     }
     for (int y = 6; y < 24; ++y) {
         for (int x = 8; x < 28; ++x) {
-            frames.from_levels[static_cast<std::size_t>(y * Frames::width + x)] = 100 + static_cast<int>(random() % 9);
-            frames.to_levels[static_cast<std::size_t>(y * Frames::width + x + dx)] =
+            frames.from_levels[static_cast<std::size_t>(y * Frames::WIDTH + x)] = 100 + static_cast<int>(random() % 9);
+            frames.to_levels[static_cast<std::size_t>(y * Frames::WIDTH + x + dx)] =
                 101 + static_cast<int>(random() % 7);
         }
     }
@@ -82,8 +82,8 @@ TEST(Propagate_Grow, follows_a_border_that_moved) {
         Frames frames = Moving_Block(dx);
         const std::size_t carried = Propagate_Grow(frames.View(), frames.tags);
         EXPECT_EQ(carried, 20U * 18U) << dx;
-        for (int y = 0; y < Frames::height; ++y) {
-            for (int x = 0; x < Frames::width; ++x) {
+        for (int y = 0; y < Frames::HEIGHT; ++y) {
+            for (int x = 0; x < Frames::WIDTH; ++x) {
                 const bool is_block = y >= 6 && y < 24 && x >= 8 + dx && x < 28 + dx;
                 EXPECT_EQ(frames.At(x, y), is_block ? 1 : 0) << dx << ": " << x << ", " << y;
             }
@@ -108,8 +108,8 @@ TEST(Propagate_Grow, never_leaves_the_band_and_keeps_the_inside) {
     Frames frames = Moving_Block(0);
     std::fill(frames.to_levels.begin(), frames.to_levels.end(), 104);  // everything fits now
     Propagate_Grow(frames.View(), frames.tags, {.band = 3});
-    for (int y = 0; y < Frames::height; ++y) {
-        for (int x = 0; x < Frames::width; ++x) {
+    for (int y = 0; y < Frames::HEIGHT; ++y) {
+        for (int x = 0; x < Frames::WIDTH; ++x) {
             const int distance = std::max({8 - x, x - 27, 0}) + std::max({6 - y, y - 23, 0});
             EXPECT_EQ(frames.At(x, y), distance <= 3 ? 1 : 0) << x << ", " << y;
         }
@@ -117,8 +117,8 @@ TEST(Propagate_Grow, never_leaves_the_band_and_keeps_the_inside) {
     std::fill(frames.to.begin(), frames.to.end(), std::uint8_t{0});
     std::fill(frames.to_levels.begin(), frames.to_levels.end(), 0);  // nothing fits
     Propagate_Grow(frames.View(), frames.tags, {.band = 3});
-    for (int y = 0; y < Frames::height; ++y) {
-        for (int x = 0; x < Frames::width; ++x) {
+    for (int y = 0; y < Frames::HEIGHT; ++y) {
+        for (int x = 0; x < Frames::WIDTH; ++x) {
             EXPECT_EQ(frames.At(x, y), x >= 11 && x < 25 && y >= 9 && y < 21 ? 1 : 0) << x << ", " << y;
         }
     }
@@ -151,9 +151,9 @@ TEST(Propagate_Grow, pixels_without_a_level_say_nothing_of_a_tag_and_take_none) 
     const Frames as_it_was = frames;
     Frames without = as_it_was;
     Propagate_Grow(without.View(), without.tags);
-    const std::size_t inside = 15 * Frames::width + 18;
+    const std::size_t inside = 15 * Frames::WIDTH + 18;
     frames.from_levels[inside] = volumes::LEVEL_OUTSIDE;
-    frames.to_levels[3 * Frames::width + 3] = volumes::LEVEL_OUTSIDE;
+    frames.to_levels[3 * Frames::WIDTH + 3] = volumes::LEVEL_OUTSIDE;
     Propagate_Grow(frames.View(), frames.tags);
     EXPECT_EQ(frames.to, without.to) << "one pixel without a level must not widen what fits";
 }
@@ -169,9 +169,9 @@ TEST(Propagate_Grow, of_nothing_carries_nothing) {
 TEST(Propagate_Grow, survives_every_size_and_any_tags) {
     std::mt19937 random(9);
     for (int round = 0; round < 200; ++round) {
-        const int width = 1 + static_cast<int>(random() % 7);
-        const int height = 1 + static_cast<int>(random() % 7);
-        const auto size = static_cast<std::size_t>(width * height);
+        const int WIDTH = 1 + static_cast<int>(random() % 7);
+        const int HEIGHT = 1 + static_cast<int>(random() % 7);
+        const auto size = static_cast<std::size_t>(WIDTH * HEIGHT);
         std::vector<std::int32_t> levels[2] = {std::vector<std::int32_t>(size), std::vector<std::int32_t>(size)};
         std::vector<std::uint8_t> from(size);
         std::vector<std::uint8_t> to(size);
@@ -185,7 +185,7 @@ TEST(Propagate_Grow, survives_every_size_and_any_tags) {
         tags.carried.fill(1);
         tags.locked[1] = 1;
         const std::vector<std::uint8_t> before = to;
-        Propagate_Grow({width, height, levels[0], from, levels[1], to}, tags,
+        Propagate_Grow({WIDTH, HEIGHT, levels[0], from, levels[1], to}, tags,
                        {.band = static_cast<int>(random() % 400)});
         for (std::size_t at = 0; at < size; ++at) {
             EXPECT_TRUE(before[at] != 1 || to[at] == 1);

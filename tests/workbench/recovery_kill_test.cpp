@@ -29,11 +29,11 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-constexpr int side = 40;
-constexpr int slices = 12;
-constexpr int look_ms = 10;            // the program looks every 5 s, and may lose 30 s
-constexpr int loss_ms = 60 * look_ms;  // generous for a loaded machine; only hanging breaks it
-constexpr std::uint32_t round_default = 25;
+constexpr int SIDE = 40;
+constexpr int SLICES = 12;
+constexpr int LOOK_MS = 10;            // the program looks every 5 s, and may lose 30 s
+constexpr int LOSS_MS = 60 * LOOK_MS;  // generous for a loaded machine; only hanging breaks it
+constexpr std::uint32_t ROUND_DEFAULT = 25;
 
 /** One edit as the killed program told it: how many it had made, when, and what the TAGs were then. */
 struct Told_Edit {
@@ -48,11 +48,11 @@ Image_Folder Opened() {
     Folder_Volume& one = folder.volumes.emplace_back();
     one.title = "head";
     one.path = "/data/head.nii";
-    one.volume.nx = one.volume.ny = side;
-    one.volume.nz = slices;
+    one.volume.nx = one.volume.ny = SIDE;
+    one.volume.nz = SLICES;
     one.volume.nt = 1;
     one.volume.affine = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
-    one.volume.levels.resize(std::size_t{side} * side * slices);
+    one.volume.levels.resize(std::size_t{SIDE} * SIDE * SLICES);
     return folder;
 }
 
@@ -67,7 +67,7 @@ std::int64_t Now() {
 /** A step over about half of the slices. */
 Voxel_Change Change_Of_Slices(const Session& session, std::mt19937& random) {
     Voxel_Change change;
-    for (int slice = 0; slice < slices; ++slice) {
+    for (int slice = 0; slice < SLICES; ++slice) {
         const std::span<const std::uint8_t> now = session.Labels().Slice(slice);
         std::vector<std::uint8_t> after(now.begin(), now.end());
         std::ranges::fill(std::span(after).subspan(random() % after.size()), static_cast<std::uint8_t>(random() % 6));
@@ -111,9 +111,9 @@ Voxel_Change Change_Of_Slices(const Session& session, std::mt19937& random) {
         } else {
             Paint_Ink ink;
             ink.tag = static_cast<std::uint8_t>(random() % 6);
-            session.Stroke_Begin(static_cast<int>(random() % slices), dot, static_cast<int>(random() % side),
-                                 static_cast<int>(random() % side), ink);
-            session.Stroke_Move(static_cast<int>(random() % side), static_cast<int>(random() % side));
+            session.Stroke_Begin(static_cast<int>(random() % SLICES), dot, static_cast<int>(random() % SIDE),
+                                 static_cast<int>(random() % SIDE), ink);
+            session.Stroke_Move(static_cast<int>(random() % SIDE), static_cast<int>(random() % SIDE));
             session.Stroke_End();
         }
         ++told.nb;
@@ -123,7 +123,7 @@ Voxel_Change Change_Of_Slices(const Session& session, std::mt19937& random) {
             ::_exit(3);
         }
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 1500));
-        if (Clock::now() - looked > std::chrono::milliseconds(look_ms)) {
+        if (Clock::now() - looked > std::chrono::milliseconds(LOOK_MS)) {
             looked = Clock::now();
             if (auto snapshot = recorder.Look(volumes, session, [] { return Label_Description{}; }, {"/data"})) {
                 keeper.Offer(std::move(*snapshot));
@@ -180,7 +180,7 @@ std::uint32_t Next_Start(const fs::path& folder, std::uint32_t& saved) {
         if (loaded.volume) {
             EXPECT_EQ(session.Take_Labels(*loaded.volume, labels), "");
         }
-        const Label_Description_Loading described = Label_Description_Load(labels, {slices, side, side});
+        const Label_Description_Loading described = Label_Description_Load(labels, {SLICES, SIDE, SIDE});
         EXPECT_TRUE(described.warning.empty()) << described.warning;
     }
     saved = Sum_Of(session);
@@ -190,8 +190,8 @@ std::uint32_t Next_Start(const fs::path& folder, std::uint32_t& saved) {
     for (Recovery_Found& found : findings.found) {
         const Recovery_Volume& volume = found.record.volumes.at(0);
         std::vector<std::uint8_t> tags(volume.grid.Voxel_Nb());
-        for (std::size_t slice = 0; slice < slices; ++slice) {
-            EXPECT_TRUE(Slice_Unpack(volume.slices[slice], std::span(tags).subspan(slice * side * side, side * side)));
+        for (std::size_t slice = 0; slice < SLICES; ++slice) {
+            EXPECT_TRUE(Slice_Unpack(volume.slices[slice], std::span(tags).subspan(slice * SIDE * SIDE, SIDE * SIDE)));
         }
         EXPECT_TRUE(session.Take_Up(std::move(tags), {}, volume.labels, volume.stamps));
         EXPECT_TRUE(found.claim.Remove());
@@ -208,7 +208,7 @@ std::uint32_t Next_Start(const fs::path& folder, std::uint32_t& saved) {
 TEST(Recovery_Kill, whenever_the_program_is_killed_no_more_than_the_last_looks_are_lost_and_no_file_is_damaged) {
     const char* wanted = std::getenv("KIT_KILLS");
     const auto rounds =
-        wanted != nullptr ? static_cast<std::uint32_t>(std::strtoul(wanted, nullptr, 10)) : round_default;
+        wanted != nullptr ? static_cast<std::uint32_t>(std::strtoul(wanted, nullptr, 10)) : ROUND_DEFAULT;
     std::mt19937 random(std::random_device{}());
     std::int64_t worst = 0;
     std::uint32_t kept_nb = 0;
@@ -217,7 +217,7 @@ TEST(Recovery_Kill, whenever_the_program_is_killed_no_more_than_the_last_looks_a
         fs::create_directories(folder);
         std::int64_t killed = 0;
         std::vector<Told_Edit> told = Edit_And_Kill(folder, random, killed);
-        told.insert(told.begin(), {0, Checksum(std::vector<std::uint8_t>(std::size_t{side} * side * slices)), 0,
+        told.insert(told.begin(), {0, Checksum(std::vector<std::uint8_t>(std::size_t{SIDE} * SIDE * SLICES)), 0,
                                    told.empty() ? killed : told.front().time});
         std::uint32_t saved = 0;
         const std::uint32_t found = Next_Start(folder, saved);
@@ -228,7 +228,7 @@ TEST(Recovery_Kill, whenever_the_program_is_killed_no_more_than_the_last_looks_a
                                            [&](const Told_Edit& one) { return one.nb == last_kept->nb + 1; });
             const std::int64_t lost = next != told.end() ? killed - next->time : 0;  // age of the oldest lost edit
             worst = std::max(worst, lost);
-            EXPECT_LE(lost, std::int64_t{loss_ms} * 1'000'000) << "round " << round;
+            EXPECT_LE(lost, std::int64_t{LOSS_MS} * 1'000'000) << "round " << round;
             kept_nb += found != saved ? 1 : 0;
         } else {
             ADD_FAILURE() << "what was kept in round " << round << " was never there";
@@ -237,7 +237,7 @@ TEST(Recovery_Kill, whenever_the_program_is_killed_no_more_than_the_last_looks_a
         fs::remove_all(folder, ignored);
     }
     std::printf("%u kills, %u with work to take up; the oldest lost edit was %.1f ms old, looks are %d ms apart\n",
-                rounds, kept_nb, static_cast<double>(worst) / 1e6, look_ms);
+                rounds, kept_nb, static_cast<double>(worst) / 1e6, LOOK_MS);
     EXPECT_GT(kept_nb, 0U);
 }
 

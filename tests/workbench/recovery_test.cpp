@@ -27,19 +27,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int nx = 14;
-constexpr int ny = 11;
-constexpr int nz = 6;
+constexpr int NX = 14;
+constexpr int NY = 11;
+constexpr int NZ = 6;
 
 Volume Image() {
     Volume volume;
-    volume.nx = nx;
-    volume.ny = ny;
-    volume.nz = nz;
+    volume.nx = NX;
+    volume.ny = NY;
+    volume.nz = NZ;
     volume.nt = 1;
     volume.affine = {{{1, 0, 0, -3}, {0, 1, 0, 4}, {0, 0, 2, 5}}};
     volume.spacing = {1, 1, 2};
-    volume.levels.resize(std::size_t{nx} * ny * nz);
+    volume.levels.resize(std::size_t{NX} * NY * NZ);
     return volume;
 }
 
@@ -160,9 +160,9 @@ class Recovery : public ::testing::Test {
     }
     /** TAGs of a kept volume, in the order of its file. */
     static std::vector<std::uint8_t> Tags_Of(const Recovery_Volume& volume) {
-        std::vector<std::uint8_t> tags(std::size_t{nx} * ny * nz);
+        std::vector<std::uint8_t> tags(std::size_t{NX} * NY * NZ);
         for (std::size_t slice = 0; slice < volume.slices.size(); ++slice) {
-            EXPECT_TRUE(Slice_Unpack(volume.slices[slice], std::span(tags).subspan(slice * nx * ny, nx * ny)));
+            EXPECT_TRUE(Slice_Unpack(volume.slices[slice], std::span(tags).subspan(slice * NX * NY, NX * NY)));
         }
         return tags;
     }
@@ -173,9 +173,9 @@ class Recovery : public ::testing::Test {
         record.opened = {"/a", "/b"};
         Recovery_Volume& volume = record.volumes.emplace_back();
         volume.grid = Volume_Grid_Of(Image());
-        std::vector<std::uint8_t> tags(std::size_t{nx} * ny);
+        std::vector<std::uint8_t> tags(std::size_t{NX} * NY);
         std::iota(tags.begin(), tags.end(), std::uint8_t{0});
-        for (int slice = 0; slice < nz; ++slice) {
+        for (int slice = 0; slice < NZ; ++slice) {
             volume.slices.push_back(Slice_Pack(tags));
         }
         return Recovery_Encode(record);
@@ -380,7 +380,7 @@ TEST_F(Recovery, the_work_on_all_volumes_comes_back_with_names_markers_and_the_l
     session.Label_Path_Set("/data/mine.nii.gz");
     const std::vector<std::uint8_t> first(session.Labels().All().begin(), session.Labels().All().end());
     volumes.Switch(1, session);
-    Paint(0, 0, nx - 1, 10, 200);
+    Paint(0, 0, NX - 1, 10, 200);
     const std::vector<std::uint8_t> second(session.Labels().All().begin(), session.Labels().All().end());
     {
         Recovery_Keeper keeper(journal, "test 1");
@@ -393,7 +393,7 @@ TEST_F(Recovery, the_work_on_all_volumes_comes_back_with_names_markers_and_the_l
     EXPECT_GT(record.time, 1'600'000'000);
     ASSERT_EQ(record.volumes.size(), 2U);
     EXPECT_EQ(record.volumes[0].tagged_nb, 8U);
-    EXPECT_EQ(record.volumes[1].tagged_nb, std::uint64_t{nx});
+    EXPECT_EQ(record.volumes[1].tagged_nb, std::uint64_t{NX});
 
     Open_Volumes later;  // the next start
     Session hand;
@@ -402,7 +402,7 @@ TEST_F(Recovery, the_work_on_all_volumes_comes_back_with_names_markers_and_the_l
         const int at = Recovery_Volume_Find(later, hand, volume);
         ASSERT_GE(at, 0);
         later.Switch(at, hand);
-        const Label_Description description = Label_Description_Parse(volume.description, {nz, nx, ny}).description;
+        const Label_Description description = Label_Description_Parse(volume.description, {NZ, NX, NY}).description;
         EXPECT_EQ(description.tags, Described().tags);
         EXPECT_FALSE(hand.Take_Up(std::vector<std::uint8_t>(5), {}, "", {}));
         ASSERT_TRUE(hand.Take_Up(Tags_Of(volume), description.markers, volume.labels, volume.stamps));
@@ -424,8 +424,8 @@ TEST_F(Recovery, changes_build_on_one_another_and_what_was_saved_goes) {
         if (random() % 5 == 0) {
             session.Undo();
         } else {
-            Paint(static_cast<int>(random() % nz), static_cast<int>(random() % nx), static_cast<int>(random() % nx),
-                  static_cast<int>(random() % ny), static_cast<int>(random() % 5));
+            Paint(static_cast<int>(random() % NZ), static_cast<int>(random() % NX), static_cast<int>(random() % NX),
+                  static_cast<int>(random() % NY), static_cast<int>(random() % 5));
         }
         if (std::optional<Recovery_Snapshot> snapshot = Look()) {
             keeper.Offer(std::move(*snapshot));
@@ -437,7 +437,7 @@ TEST_F(Recovery, changes_build_on_one_another_and_what_was_saved_goes) {
         for (const Recovery_Volume& volume : Read().volumes) {
             const Session& there = volumes.Session_Of(volume.index, session);
             std::vector<std::uint8_t> shown = Tags_Of(volume);
-            Slices_Turn(std::span(shown), nx, ny, there.Order());
+            Slices_Turn(std::span(shown), NX, NY, there.Order());
             ASSERT_TRUE(std::ranges::equal(there.Labels().All(), shown)) << round;
         }
     }
@@ -593,7 +593,7 @@ TEST_F(Recovery, when_any_operation_of_keeping_fails_the_former_journal_is_whole
     ASSERT_TRUE(keeper.Wait());
     for (int failing = 0;; ++failing) {
         const std::vector<std::uint8_t> before = Tags_Of(Read().volumes.at(0));
-        Paint(failing % nz, failing % nx, nx - 1, failing % ny, 10 + failing);
+        Paint(failing % NZ, failing % NX, NX - 1, failing % NY, 10 + failing);
         {
             const Failing_Operations operations(failing);
             keeper.Offer(*Look());
@@ -671,7 +671,7 @@ TEST_F(Recovery, when_any_operation_of_saving_labels_fails_each_file_is_the_old_
         ASSERT_TRUE(loaded.volume.has_value()) << failing << loaded.error;
         const bool is_new = std::ranges::count(loaded.volume->levels, 2) == 1;
         EXPECT_EQ(std::ranges::count(loaded.volume->levels, 1), 1) << failing;
-        const Label_Description_Loading described = Label_Description_Load(labels, {nz, nx, ny});
+        const Label_Description_Loading described = Label_Description_Load(labels, {NZ, NX, NY});
         if (described.is_there) {
             EXPECT_TRUE(described.warning.empty()) << failing << described.warning;
             const bool is_new_text = described.description.tags == new_names.tags;

@@ -18,25 +18,25 @@ using namespace workbench;
 
 namespace {
 
-constexpr int nx = 12;
-constexpr int ny = 9;
-constexpr int nz = 5;
+constexpr int NX = 12;
+constexpr int NY = 9;
+constexpr int NZ = 5;
 
 Volume Image(double x_direction = 1.0) {
     Volume volume;
-    volume.nx = nx;
-    volume.ny = ny;
-    volume.nz = nz;
+    volume.nx = NX;
+    volume.ny = NY;
+    volume.nz = NZ;
     volume.nt = 1;
     volume.affine[0][0] = x_direction;
-    volume.affine[0][3] = x_direction < 0.0 ? nx - 1 : 0;  // the same place, stored the other way round
+    volume.affine[0][3] = x_direction < 0.0 ? NX - 1 : 0;  // the same place, stored the other way round
     volume.affine[1][1] = 1.0;
     volume.affine[2][2] = 2.0;
     volume.spacing = {1.0, 1.0, 2.0};
     volume.scalar_type = "int16";
-    volume.levels.resize(nx * ny * nz);
+    volume.levels.resize(NX * NY * NZ);
     std::iota(volume.levels.begin(), volume.levels.end(), 0);
-    volume.level_max = nx * ny * nz - 1;
+    volume.level_max = NX * NY * NZ - 1;
     return volume;
 }
 
@@ -99,7 +99,7 @@ TEST_F(Session_Test, voxels_of_many_slices_change_in_one_step_and_come_back_in_o
     const std::vector<std::uint8_t> after = Tags_Of(session);
     EXPECT_NE(before, after);
     EXPECT_EQ(session.Journal().List().back(), "2  Apply bands, slices 1 to 5");
-    for (int slice = 0; slice < nz; ++slice) {
+    for (int slice = 0; slice < NZ; ++slice) {
         EXPECT_EQ(session.Slice_Change_Nb(slice) > known, std::ranges::find(slices, slice) != std::end(slices))
             << slice;
     }
@@ -120,7 +120,7 @@ TEST_F(Session_Test, a_stroke_that_is_being_made_ends_before_voxels_change) {
     EXPECT_FALSE(session.Is_Stroking());
     EXPECT_EQ(session.Undo()->title, "Fill");
     EXPECT_EQ(session.Undo()->title, "Stroke");
-    EXPECT_EQ(Tags_Of(session), std::vector<std::uint8_t>(std::size_t{nx} * ny * nz));
+    EXPECT_EQ(Tags_Of(session), std::vector<std::uint8_t>(std::size_t{NX} * NY * NZ));
 }
 
 TEST_F(Session_Test, a_change_of_many_slices_that_finds_no_memory_changes_none) {
@@ -141,7 +141,7 @@ TEST_F(Session_Test, a_change_of_many_slices_that_finds_no_memory_changes_none) 
             EXPECT_TRUE(session.Is_Unsaved());
         }
     }
-    EXPECT_GT(failures, nz);  // a slice each, and the step
+    EXPECT_GT(failures, NZ);  // a slice each, and the step
     const std::vector<std::uint8_t> after = Tags_Of(session);
     failures = 0;
     for (bool is_done = false; !is_done; ++failures) {
@@ -154,19 +154,19 @@ TEST_F(Session_Test, a_change_of_many_slices_that_finds_no_memory_changes_none) 
             EXPECT_EQ(session.Journal().Undo_Nb(), 2U) << failures;
         }
     }
-    EXPECT_GE(failures, nz);
+    EXPECT_GE(failures, NZ);
     EXPECT_EQ(session.Journal().Undo_Nb(), 1U);
 }
 
 TEST_F(Session_Test, shows_the_image_turned_and_names_voxels_of_the_file) {
-    EXPECT_EQ(session.Levels(0)[0], (ny - 1) * nx + nx - 1);  // upper left: last column and row of the file
+    EXPECT_EQ(session.Levels(0)[0], (NY - 1) * NX + NX - 1);  // upper left: last column and row of the file
     const File_Voxel voxel = session.To_File(0, 0, 3);
-    EXPECT_EQ(voxel.x, nx - 1);
-    EXPECT_EQ(voxel.y, ny - 1);
+    EXPECT_EQ(voxel.x, NX - 1);
+    EXPECT_EQ(voxel.y, NY - 1);
     EXPECT_EQ(voxel.z, 3);
-    EXPECT_FLOAT_EQ(session.Grey(0, 0, 3), static_cast<float>((3 * ny + voxel.y) * nx + voxel.x));
+    EXPECT_FLOAT_EQ(session.Grey(0, 0, 3), static_cast<float>((3 * NY + voxel.y) * NX + voxel.x));
     EXPECT_FLOAT_EQ(session.Grey(-1, 0, 0), 0.0F);
-    EXPECT_TRUE(session.Levels(nz).empty());
+    EXPECT_TRUE(session.Levels(NZ).empty());
 }
 
 TEST_F(Session_Test, a_stroke_is_one_step_that_undo_takes_back) {
@@ -224,11 +224,11 @@ TEST_F(Session_Test, propagation_is_one_step_and_refuses_slices_outside) {
     Paint(1, 2, 9, 4, 3);
     Propagation_Tags tags;
     tags.carried.fill(1);
-    EXPECT_EQ(session.Propagate(Propagation_Kind::COPY, 1, 2, tags), 8U);
+    EXPECT_EQ(session.Propagate(Propagation_Kind::Copy, 1, 2, tags), 8U);
     EXPECT_EQ(session.Labels().Counts()[3], 16U);
-    EXPECT_EQ(session.Propagate(Propagation_Kind::COPY, 1, nz, tags), 0U);
-    EXPECT_EQ(session.Propagate(Propagation_Kind::COPY, -1, 1, tags), 0U);
-    EXPECT_EQ(session.Propagate(Propagation_Kind::GROW, 1, 1, tags), 0U);
+    EXPECT_EQ(session.Propagate(Propagation_Kind::Copy, 1, NZ, tags), 0U);
+    EXPECT_EQ(session.Propagate(Propagation_Kind::Copy, -1, 1, tags), 0U);
+    EXPECT_EQ(session.Propagate(Propagation_Kind::Grow, 1, 1, tags), 0U);
     session.Undo();
     EXPECT_EQ(session.Labels().Counts()[3], 8U);
 }
@@ -251,11 +251,11 @@ TEST_F(Session_Test, markers_can_be_placed_moved_removed_and_all_of_it_undone) {
 
 TEST_F(Session_Test, names_that_a_panel_wrote_become_steps_with_both_texts) {
     const char* names[] = {"a", nullptr, "c"};
-    session.Adopt_Labels(Text_Table::TAG_LABELS, names);
-    EXPECT_EQ(session.Note_Labels(Text_Table::TAG_LABELS, names), 0);
+    session.Adopt_Labels(Text_Table::Tag_Labels, names);
+    EXPECT_EQ(session.Note_Labels(Text_Table::Tag_Labels, names), 0);
     names[1] = "new";
     names[2] = "other";
-    EXPECT_EQ(session.Note_Labels(Text_Table::TAG_LABELS, names), 2);
+    EXPECT_EQ(session.Note_Labels(Text_Table::Tag_Labels, names), 2);
     const Undo_Step* step = session.Undo();
     ASSERT_NE(step, nullptr);
     const auto* text = std::get_if<Text_Change>(&step->change);
@@ -264,7 +264,7 @@ TEST_F(Session_Test, names_that_a_panel_wrote_become_steps_with_both_texts) {
     EXPECT_EQ(text->before, "c");
     EXPECT_EQ(text->after, "other");
     names[2] = "c";  // what the application writes back is known already
-    EXPECT_EQ(session.Note_Labels(Text_Table::TAG_LABELS, names), 0);
+    EXPECT_EQ(session.Note_Labels(Text_Table::Tag_Labels, names), 0);
     session.Undo();
     EXPECT_EQ(session.Journal().Undo_Nb(), 0U);
 }
@@ -293,15 +293,15 @@ TEST_F(Session_Test, thresholds_that_a_panel_wrote_become_steps) {
 
 TEST_F(Session_Test, labels_of_another_size_kind_or_place_are_refused_with_a_reason) {
     Paint(1, 2, 9, 4, 3);
-    Volume smaller = Labels_Of(std::vector<std::int32_t>(nx * ny * (nz - 1)));
-    smaller.nz = nz - 1;
+    Volume smaller = Labels_Of(std::vector<std::int32_t>(NX * NY * (NZ - 1)));
+    smaller.nz = NZ - 1;
     EXPECT_NE(session.Take_Labels(smaller, "x.nii").find("12 x 9 x 4"), std::string::npos);
-    Volume fraction = Labels_Of(std::vector<std::int32_t>(nx * ny * nz, 1));
+    Volume fraction = Labels_Of(std::vector<std::int32_t>(NX * NY * NZ, 1));
     fraction.slope = 0.5;
     EXPECT_NE(session.Take_Labels(fraction, "x.nii").find("no TAG numbers"), std::string::npos);
-    EXPECT_FALSE(session.Take_Labels(Labels_Of(std::vector<std::int32_t>(nx * ny * nz, 256)), "x.nii").empty());
-    EXPECT_FALSE(session.Take_Labels(Labels_Of(std::vector<std::int32_t>(nx * ny * nz, -1)), "x.nii").empty());
-    Volume color = Labels_Of(std::vector<std::int32_t>(nx * ny * nz, 1));
+    EXPECT_FALSE(session.Take_Labels(Labels_Of(std::vector<std::int32_t>(NX * NY * NZ, 256)), "x.nii").empty());
+    EXPECT_FALSE(session.Take_Labels(Labels_Of(std::vector<std::int32_t>(NX * NY * NZ, -1)), "x.nii").empty());
+    Volume color = Labels_Of(std::vector<std::int32_t>(NX * NY * NZ, 1));
     color.color = true;
     EXPECT_FALSE(session.Take_Labels(color, "x.nii").empty());
     EXPECT_EQ(session.Labels().Counts()[3], 8U) << "a refused file must change nothing";
@@ -309,37 +309,37 @@ TEST_F(Session_Test, labels_of_another_size_kind_or_place_are_refused_with_a_rea
 }
 
 TEST_F(Session_Test, labels_stored_in_the_other_direction_come_to_lie_on_the_same_place) {
-    std::vector<std::int32_t> levels(nx * ny * nz);
+    std::vector<std::int32_t> levels(NX * NY * NZ);
     levels[0] = 9;
     ASSERT_EQ(session.Take_Labels(Labels_Of(levels), "a.nii"), "");
-    EXPECT_EQ(session.Labels().At(nx - 1, ny - 1, 0), 9);
+    EXPECT_EQ(session.Labels().At(NX - 1, NY - 1, 0), 9);
     ASSERT_EQ(session.Take_Labels(Labels_Of(levels, -1.0), "b.nii"), "");
-    EXPECT_EQ(session.Labels().At(0, ny - 1, 0), 9);
+    EXPECT_EQ(session.Labels().At(0, NY - 1, 0), 9);
 }
 
 TEST_F(Session_Test, labels_that_lie_elsewhere_are_laid_on_only_as_the_user_chose) {
-    std::vector<std::int32_t> levels(nx * ny * nz);
-    levels[nx * ny] = 9;  // first voxel of the second slice
+    std::vector<std::int32_t> levels(NX * NY * NZ);
+    levels[NX * NY] = 9;  // first voxel of the second slice
     Volume moved = Labels_Of(levels);
     moved.affine[2][3] = 4.0;  // two slices
     Paint(1, 2, 9, 4, 3);
     EXPECT_NE(session.Take_Labels(moved, "x.nii").find("lies elsewhere"), std::string::npos);
     EXPECT_EQ(session.Labels().Counts()[3], 8U) << "a refused file must change nothing";
-    EXPECT_EQ(session.Labels_Compare(moved).relation, Grid_Relation::OTHER);
+    EXPECT_EQ(session.Labels_Compare(moved).relation, Grid_Relation::Other);
 
     const std::filesystem::path path = "x.nii";
-    ASSERT_EQ(session.Take_Labels({moved, path}, Grid_Choice::RESAMPLE), "");
-    EXPECT_EQ(session.Labels().At(nx - 1, ny - 1, 3), 9);
+    ASSERT_EQ(session.Take_Labels({moved, path}, Grid_Choice::Resample), "");
+    EXPECT_EQ(session.Labels().At(NX - 1, NY - 1, 3), 9);
     EXPECT_EQ(session.Labels().Counts()[9], 1U);
     EXPECT_EQ(session.Label_Path(), "") << "saving must not replace a file of another geometry unasked";
-    ASSERT_EQ(session.Take_Labels({moved, path}, Grid_Choice::BY_INDEX), "");
-    EXPECT_EQ(session.Labels().At(nx - 1, ny - 1, 1), 9);
+    ASSERT_EQ(session.Take_Labels({moved, path}, Grid_Choice::By_Index), "");
+    EXPECT_EQ(session.Labels().At(NX - 1, NY - 1, 1), 9);
 
     Volume smaller = moved;
-    smaller.nz = nz - 1;
-    EXPECT_FALSE(session.Take_Labels({smaller, path}, Grid_Choice::BY_INDEX).empty());
-    ASSERT_EQ(session.Take_Labels({smaller, path}, Grid_Choice::RESAMPLE), "");
-    EXPECT_EQ(session.Labels().At(nx - 1, ny - 1, 3), 9);
+    smaller.nz = NZ - 1;
+    EXPECT_FALSE(session.Take_Labels({smaller, path}, Grid_Choice::By_Index).empty());
+    ASSERT_EQ(session.Take_Labels({smaller, path}, Grid_Choice::Resample), "");
+    EXPECT_EQ(session.Labels().At(NX - 1, NY - 1, 3), 9);
 }
 
 TEST_F(Session_Test, saved_labels_come_back_the_same_and_count_as_saved) {
@@ -353,8 +353,8 @@ TEST_F(Session_Test, saved_labels_come_back_the_same_and_count_as_saved) {
     const Load_Result loaded = Volume_Load(path);
     ASSERT_TRUE(loaded.volume.has_value()) << loaded.error;
     // The file is in the order of the image's file: what stands at the upper left is its last column and row.
-    EXPECT_EQ(loaded.volume->levels[loaded.volume->Index(nx - 1, ny - 1, 4)], 200);
-    Paint(2, 0, nx - 1, 5, 8);
+    EXPECT_EQ(loaded.volume->levels[loaded.volume->Index(NX - 1, NY - 1, 4)], 200);
+    Paint(2, 0, NX - 1, 5, 8);
     ASSERT_EQ(session.Take_Labels(*loaded.volume, path), "");
     EXPECT_TRUE(std::ranges::equal(session.Labels().All(), saved));
     EXPECT_FALSE(session.Is_Unsaved());
@@ -384,7 +384,7 @@ class Session_Files : public Session_Test {
         std::error_code ignored;
         std::filesystem::remove_all(folder, ignored);
     }
-    Label_Description_Loading Load_Description() const { return Label_Description_Load(labels, {nz, nx, ny}); }
+    Label_Description_Loading Load_Description() const { return Label_Description_Load(labels, {NZ, NX, NY}); }
 
     std::filesystem::path folder;
     std::filesystem::path labels;
@@ -400,7 +400,7 @@ TEST_F(Session_Files, markers_are_saved_without_a_single_painted_voxel_and_come_
     ASSERT_TRUE(loading.is_there) << loading.warning;
     EXPECT_EQ(loading.description.tags, described.tags);
     // The upper left of the display is the last column and row of the file.
-    EXPECT_EQ(loading.description.markers.at(0).place, (Label_Voxel{4, nx - 1 - 2, ny - 1 - 3}));
+    EXPECT_EQ(loading.description.markers.at(0).place, (Label_Voxel{4, NX - 1 - 2, NY - 1 - 3}));
     EXPECT_EQ(loading.description.markers.at(1).place, std::nullopt) << "it is not placed now";
 
     Session other;
@@ -419,15 +419,15 @@ TEST_F(Session_Files, markers_are_saved_without_a_single_painted_voxel_and_come_
 
 TEST_F(Session_Files, markers_of_a_file_in_the_other_direction_come_to_lie_on_the_same_place) {
     described.markers[0].place = Label_Voxel{2, 0, 0};
-    ASSERT_EQ(session.Take_Labels(Labels_Of(std::vector<std::int32_t>(nx * ny * nz), -1.0), labels, &described), "");
-    EXPECT_EQ(session.Markers().Get(0), (Marker{true, 0, ny - 1, 2}));
-    ASSERT_EQ(session.Take_Labels(Labels_Of(std::vector<std::int32_t>(nx * ny * nz)), labels, &described), "");
-    EXPECT_EQ(session.Markers().Get(0), (Marker{true, nx - 1, ny - 1, 2}));
+    ASSERT_EQ(session.Take_Labels(Labels_Of(std::vector<std::int32_t>(NX * NY * NZ), -1.0), labels, &described), "");
+    EXPECT_EQ(session.Markers().Get(0), (Marker{true, 0, NY - 1, 2}));
+    ASSERT_EQ(session.Take_Labels(Labels_Of(std::vector<std::int32_t>(NX * NY * NZ)), labels, &described), "");
+    EXPECT_EQ(session.Markers().Get(0), (Marker{true, NX - 1, NY - 1, 2}));
 }
 
 TEST_F(Session_Files, labels_that_are_refused_leave_the_markers) {
     session.Marker_Set(0, {true, 2, 3, 4});
-    const Volume wrong = Labels_Of(std::vector<std::int32_t>(nx * ny * nz, -1));
+    const Volume wrong = Labels_Of(std::vector<std::int32_t>(NX * NY * NZ, -1));
     EXPECT_FALSE(session.Take_Labels(wrong, labels, &described).empty());
     EXPECT_TRUE(session.Markers().Get(0).is_placed);
     EXPECT_FALSE(session.Markers().Get(5).is_placed);

@@ -9,7 +9,7 @@ using namespace workbench;
 
 namespace {
 
-constexpr std::uint32_t marker = 0xDEADBEEF;
+constexpr std::uint32_t MARKER = 0xDEADBEEF;
 
 struct Picture {
     std::vector<std::int32_t> levels;
@@ -20,7 +20,7 @@ struct Picture {
 
     explicit Picture(std::vector<std::int32_t> of_levels) : levels(std::move(of_levels)) {
         tags.assign(levels.size(), 0);
-        out.assign(levels.size(), marker);
+        out.assign(levels.size(), MARKER);
         source = {static_cast<int>(levels.size()), 1, levels, false, 1.0F, 0.0F, tags};
         overlay.shown.fill(1);
         overlay.color.fill(0xFF0000);
@@ -86,9 +86,9 @@ TEST(Slice_Render, draws_nothing_outside_the_part) {
     picture.source.width = 2;
     picture.source.height = 2;
     Slice_Render(picture.source, {0.0F, 1.0F}, picture.overlay, std::nullopt, {1, 0, 9, 1}, picture.out);
-    EXPECT_EQ(picture.out, (std::vector<std::uint32_t>{marker, 0, marker, marker}));
+    EXPECT_EQ(picture.out, (std::vector<std::uint32_t>{MARKER, 0, MARKER, MARKER}));
     Slice_Render(picture.source, {0.0F, 1.0F}, picture.overlay, std::nullopt, {5, 5, 3, 3}, picture.out);
-    EXPECT_EQ(picture.out[3], marker);
+    EXPECT_EQ(picture.out[3], MARKER);
 }
 
 TEST(Slice_Render, survives_a_window_without_width) {
@@ -119,7 +119,7 @@ TEST(Slice_Scale, every_screen_pixel_shows_the_slice_pixel_under_its_middle) {
     for (const double zoom : {0.5, 1.0, 1.7, 2.0, 3.3, 4.0}) {
         state.zoom = zoom;
         const View_Layout layout = View_Layout_Make(state);
-        std::vector<std::uint32_t> screen(13 * 9, marker);
+        std::vector<std::uint32_t> screen(13 * 9, MARKER);
         Slice_Scale(slice, layout, {0, 0, 13, 9}, 13, 9, 99, screen);
         for (int y = 0; y < 9; ++y) {
             for (int x = 0; x < 13; ++x) {
@@ -131,12 +131,12 @@ TEST(Slice_Scale, every_screen_pixel_shows_the_slice_pixel_under_its_middle) {
             }
         }
         // A part gives the same pixels, and no others.
-        std::vector<std::uint32_t> part(13 * 9, marker);
+        std::vector<std::uint32_t> part(13 * 9, MARKER);
         Slice_Scale(slice, layout, {4, 3, 20, 7}, 13, 9, 99, part);
         for (int y = 0; y < 9; ++y) {
             for (int x = 0; x < 13; ++x) {
                 const auto at = static_cast<std::size_t>(y * 13 + x);
-                EXPECT_EQ(part[at], x >= 4 && y >= 3 && y < 7 ? screen[at] : marker);
+                EXPECT_EQ(part[at], x >= 4 && y >= 3 && y < 7 ? screen[at] : MARKER);
             }
         }
     }

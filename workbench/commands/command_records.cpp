@@ -217,13 +217,13 @@ constexpr Command_Record RECORDS[] = {
           [](const Parts& on, int) { on.propagation.Propagate_Repeat(-1); }),
     Entry(
         Command::Function_Copy, "function_copy", Menu::Propagate, "Function: &copy", {{'c'}},
-        [](const Parts& on, int) { on.propagation.Propagation_Kind_Set(Propagation_Kind::COPY); },
-        {.is_checked = [](const Parts& of) { return of.propagation.Propagation_Kind_Now() == Propagation_Kind::COPY; },
+        [](const Parts& on, int) { on.propagation.Propagation_Kind_Set(Propagation_Kind::Copy); },
+        {.is_checked = [](const Parts& of) { return of.propagation.Propagation_Kind_Now() == Propagation_Kind::Copy; },
          .is_group_begin = true}),
     Entry(Command::Function_Grow, "function_grow", Menu::Propagate, "Function: &grow", {{'w'}},
-          [](const Parts& on, int) { on.propagation.Propagation_Kind_Set(Propagation_Kind::GROW); },
+          [](const Parts& on, int) { on.propagation.Propagation_Kind_Set(Propagation_Kind::Grow); },
           {.is_checked =
-               [](const Parts& of) { return of.propagation.Propagation_Kind_Now() == Propagation_Kind::GROW; }}),
+               [](const Parts& of) { return of.propagation.Propagation_Kind_Now() == Propagation_Kind::Grow; }}),
     Entry(Command::Histogram_All, "histogram_all", Menu::Analyze, "Histogram of &all frames", {},
           [](const Parts& on, int) { on.histogram.Histogram_Of_All(); },
           {.is_checked = [](const Parts& of) { return of.histogram.Histogram_Frames_Now() == Histogram_Frames::All; }}),

@@ -14,7 +14,7 @@ struct Gesture {
     const char* what;
 };
 
-constexpr Gesture panel_keys[] = {
+constexpr Gesture PANEL_KEYS[] = {
     {"Tab, Shift+Tab", "go on to the next or previous part of the window; a frame marks it, Escape takes it away"},
     {"X", "folds or unfolds the marked panel"},
     {"Image",
@@ -41,7 +41,7 @@ constexpr Gesture panel_keys[] = {
     {"Escape", "closes the warning banner, the enlarged histogram and dialogs"},
 };
 
-constexpr Gesture mouse_gestures[] = {
+constexpr Gesture MOUSE_GESTURES[] = {
     {"Left button on the image", "paint the current TAG"},
     {"Right button on the image", "erase"},
     {"Ctrl + left on the image", "pick the TAG under the pointer"},
@@ -147,8 +147,8 @@ std::string Keys_Text() {
         Pad(row, 36);
         text += row + line.keys + "\n";
     }
-    text += "\nBy keyboard in the parts of the window\n" + Gesture_Lines(panel_keys);
-    text += "\nMouse\n" + Gesture_Lines(mouse_gestures);
+    text += "\nBy keyboard in the parts of the window\n" + Gesture_Lines(PANEL_KEYS);
+    text += "\nMouse\n" + Gesture_Lines(MOUSE_GESTURES);
     return text;
 }
 
@@ -165,8 +165,8 @@ std::string Keys_Document() {
         }
         text += "| " + Cell(line.what) + " | " + Cell(line.keys) + " |\n";
     }
-    text += "\n## By keyboard in the parts of the window\n\n" + Gesture_Table("Where or which key", panel_keys);
-    text += "\n## Mouse\n\n" + Gesture_Table("Gesture", mouse_gestures);
+    text += "\n## By keyboard in the parts of the window\n\n" + Gesture_Table("Where or which key", PANEL_KEYS);
+    text += "\n## Mouse\n\n" + Gesture_Table("Gesture", MOUSE_GESTURES);
     return text;
 }
 

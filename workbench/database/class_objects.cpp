@@ -14,7 +14,7 @@ struct Entry {
     const char* title;
 };
 
-constexpr Entry structure_entries[] = {
+constexpr Entry STRUCTURE_ENTRIES[] = {
     {"Anatomy", "Anatomy"},
     {"Anatomy/Head", "Organ"},
     {"Anatomy/Head/Brain", "Organ"},
@@ -33,7 +33,7 @@ constexpr Entry structure_entries[] = {
     {"Anatomy/Lesions", "Lesion"},
     {"Anatomy/Lesions/Lesion 1", "Lesion"},
 };
-constexpr Entry curve_entries[] = {
+constexpr Entry CURVE_ENTRIES[] = {
     {"Curves", "Signal"},
     {"Curves/Histograms", "Signal"},
     {"Curves/Histograms/Whole volume", "Signal"},
@@ -63,8 +63,8 @@ void Build(std::span<const Entry> entries, std::vector<std::unique_ptr<Class>>& 
 }  // namespace
 
 Class_Objects::Class_Objects() {
-    Build<Quorel_1D>(curve_entries, curves);
-    Build<Quorel_3D>(structure_entries, structures);
+    Build<Quorel_1D>(CURVE_ENTRIES, curves);
+    Build<Quorel_3D>(STRUCTURE_ENTRIES, structures);
     Variable_Define_Pointer("$DB_1D_ROOT_PT", Root_1D());
     Variable_Define_Pointer("$DB_3D_ROOT_PT", Root_3D());
 }

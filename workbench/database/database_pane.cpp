@@ -16,24 +16,24 @@ namespace workbench {
 
 namespace {
 
-constexpr int tab_height = 26;  // pixels at 96 dots per inch
-constexpr int find_height = 24;
-constexpr int find_inset = 6;
-constexpr int gap = 6;
-constexpr int button_width = 26;
-constexpr int edit_width = 74;
-constexpr int edge = 5;                      // the left edge, by which the column is made wider
-constexpr unsigned short tree_grey = 140;    // yellow, blue, red and black texts can all be read on it
-constexpr unsigned short editor_grey = 200;  // the diagram's grey lines can be seen on it
-constexpr int tree_font = 13;
-constexpr int find_field_id = 1;
-constexpr UINT find_cue_banner = 0x1501;  // EM_SETCUEBANNER
-constexpr int button_nb = 3;              // expand all, collapse all, edit
+constexpr int TAB_HEIGHT = 26;  // pixels at 96 dots per inch
+constexpr int FIND_HEIGHT = 24;
+constexpr int FIND_INSET = 6;
+constexpr int GAP = 6;
+constexpr int BUTTON_WIDTH = 26;
+constexpr int EDIT_WIDTH = 74;
+constexpr int EDGE = 5;                      // the left edge, by which the column is made wider
+constexpr unsigned short TREE_GREY = 140;    // yellow, blue, red and black texts can all be read on it
+constexpr unsigned short EDITOR_GREY = 200;  // the diagram's grey lines can be seen on it
+constexpr int TREE_FONT = 13;
+constexpr int FIND_FIELD_ID = 1;
+constexpr UINT FIND_CUE_BANNER = 0x1501;  // EM_SETCUEBANNER
+constexpr int BUTTON_NB = 3;              // expand all, collapse all, edit
 
-constexpr const wchar_t* tab_text[DATABASE_VIEW_NB] = {L"Files", L"2D classes", L"3D classes", L"1D classes"};
-constexpr const wchar_t* button_text[button_nb] = {L"+", L"\u2212", L"Edit"};
-constexpr const wchar_t* button_name[button_nb] = {L"Expand all", L"Collapse all", L"Edit the class tree"};
-constexpr int view_mode[DATABASE_VIEW_NB] = {2, 2, 3, 1};
+constexpr const wchar_t* TAB_TEXT[DATABASE_VIEW_NB] = {L"Files", L"2D classes", L"3D classes", L"1D classes"};
+constexpr const wchar_t* BUTTON_TEXT[BUTTON_NB] = {L"+", L"\u2212", L"Edit"};
+constexpr const wchar_t* BUTTON_NAME[BUTTON_NB] = {L"Expand all", L"Collapse all", L"Edit the class tree"};
+constexpr int VIEW_MODE[DATABASE_VIEW_NB] = {2, 2, 3, 1};
 
 /** A tab's text; only its first word where there is no room for all. */
 std::wstring_view Tab_Text(HDC dc, HFONT font, std::wstring_view text, int room) {
@@ -94,10 +94,10 @@ class Database_Pane::Relay : public Hosted_Panel {
 
 Database_Pane::Database_Pane(const Look& shared_look, Database_Host application)
     : look(shared_look), host(std::move(application)) {
-    Panel_Make(static_cast<int>(Database_View::FILES), std::make_shared<Tool_DB_File>(view_mode[0]));
+    Panel_Make(static_cast<int>(Database_View::Files), std::make_shared<Tool_DB_File>(VIEW_MODE[0]));
     for (int at = 1; at < DATABASE_VIEW_NB; ++at) {
-        Panel_Make(at, std::make_shared<Tool_DB_Class>(view_mode[at]));
-        Panel_Make(EDITOR_FIRST + at - 1, std::make_shared<Tool_DB_Class>(view_mode[at] | DB_MODE_EDIT));
+        Panel_Make(at, std::make_shared<Tool_DB_Class>(VIEW_MODE[at]));
+        Panel_Make(EDITOR_FIRST + at - 1, std::make_shared<Tool_DB_Class>(VIEW_MODE[at] | DB_MODE_EDIT));
     }
     auto find = std::make_shared<Find_View>();
     found = find.get();
@@ -112,7 +112,7 @@ void Database_Pane::Panel_Make(int at, std::shared_ptr<Tool_DB_List> panel) {
     hosted.tree = std::make_unique<Keyed_Tree>(*hosted.panel, look, host.may_remove);
     hosted.relay = std::make_unique<Relay>(*this, hosted);
     hosted.host = std::make_unique<Panel_Host>(*hosted.relay, look, [](int, int) {});
-    hosted.host->Face_Set(at >= EDITOR_FIRST && at < FIND ? editor_grey : tree_grey, tree_font);
+    hosted.host->Face_Set(at >= EDITOR_FIRST && at < FIND ? EDITOR_GREY : TREE_GREY, TREE_FONT);
 }
 
 bool Database_Pane::Make(HWND parent) {
@@ -128,12 +128,12 @@ bool Database_Pane::Make(HWND parent) {
     const HWND label = ::CreateWindowExW(0, L"STATIC", L"Find", WS_CHILD, 0, 0, 0, 0, Handle(), nullptr,
                                          ::GetModuleHandleW(nullptr), nullptr);
     find_field = ::CreateWindowExW(0, L"EDIT", L"", WS_CHILD | WS_VISIBLE | ES_AUTOHSCROLL, 0, 0, 10, 10, Handle(),
-                                   reinterpret_cast<HMENU>(static_cast<INT_PTR>(find_field_id)),
+                                   reinterpret_cast<HMENU>(static_cast<INT_PTR>(FIND_FIELD_ID)),
                                    ::GetModuleHandleW(nullptr), nullptr);
     if (label == nullptr || find_field == nullptr) {
         return false;
     }
-    ::SendMessageW(find_field, find_cue_banner, TRUE, reinterpret_cast<LPARAM>(L"Find"));
+    ::SendMessageW(find_field, FIND_CUE_BANNER, TRUE, reinterpret_cast<LPARAM>(L"Find"));
     return true;
 }
 
@@ -141,35 +141,35 @@ int Database_Pane::Shown() const {
     if (!find_text.empty()) {
         return FIND;
     }
-    return is_editor && view != Database_View::FILES ? EDITOR_FIRST + static_cast<int>(view) - 1
+    return is_editor && view != Database_View::Files ? EDITOR_FIRST + static_cast<int>(view) - 1
                                                      : static_cast<int>(view);
 }
 
 int Database_Pane::Top_Height() const {
-    return look.Px(tab_height) + look.Px(find_height) + 3 * look.Px(gap);
+    return look.Px(TAB_HEIGHT) + look.Px(FIND_HEIGHT) + 3 * look.Px(GAP);
 }
 
 RECT Database_Pane::Tab(int at) const {
-    const int left = look.Px(edge) + look.Px(gap);
-    const int width = (Client().right - left - look.Px(gap)) / DATABASE_VIEW_NB;
-    const int top = look.Px(gap);
-    return {left + at * width, top, left + (at + 1) * width, top + look.Px(tab_height)};
+    const int left = look.Px(EDGE) + look.Px(GAP);
+    const int width = (Client().right - left - look.Px(GAP)) / DATABASE_VIEW_NB;
+    const int top = look.Px(GAP);
+    return {left + at * width, top, left + (at + 1) * width, top + look.Px(TAB_HEIGHT)};
 }
 
 RECT Database_Pane::Button(int at) const {
-    const int top = look.Px(tab_height) + 2 * look.Px(gap);
-    int right = Client().right - look.Px(gap);
-    for (int behind = button_nb - 1; behind > at; --behind) {
-        right -= look.Px(behind == button_nb - 1 ? edit_width : button_width) + look.Px(gap);
+    const int top = look.Px(TAB_HEIGHT) + 2 * look.Px(GAP);
+    int right = Client().right - look.Px(GAP);
+    for (int behind = BUTTON_NB - 1; behind > at; --behind) {
+        right -= look.Px(behind == BUTTON_NB - 1 ? EDIT_WIDTH : BUTTON_WIDTH) + look.Px(GAP);
     }
-    const int width = look.Px(at == button_nb - 1 ? edit_width : button_width);
-    return {right - width, top, right, top + look.Px(find_height)};
+    const int width = look.Px(at == BUTTON_NB - 1 ? EDIT_WIDTH : BUTTON_WIDTH);
+    return {right - width, top, right, top + look.Px(FIND_HEIGHT)};
 }
 
 RECT Database_Pane::Find_Box() const {
-    const int left = look.Px(edge) + look.Px(gap);
-    const int top = look.Px(tab_height) + 2 * look.Px(gap);
-    return {left, top, std::max<LONG>(Button(0).left - look.Px(gap), left + 10), top + look.Px(find_height)};
+    const int left = look.Px(EDGE) + look.Px(GAP);
+    const int top = look.Px(TAB_HEIGHT) + 2 * look.Px(GAP);
+    return {left, top, std::max<LONG>(Button(0).left - look.Px(GAP), left + 10), top + look.Px(FIND_HEIGHT)};
 }
 
 void Database_Pane::Lay_Out() {
@@ -177,18 +177,18 @@ void Database_Pane::Lay_Out() {
     if (client.right <= 0 || client.bottom <= 0) {
         return;
     }
-    const int left = look.Px(edge) + look.Px(gap);
+    const int left = look.Px(EDGE) + look.Px(GAP);
     ::SendMessageW(find_field, WM_SETFONT, reinterpret_cast<WPARAM>(look.Font()), TRUE);
     // A field of one line keeps its text at its top: as high as the text, in the middle of the box drawn for it.
     const RECT box = Find_Box();
     const int height = std::min<int>(Line_Height(look.Font()), box.bottom - box.top - 2);
-    ::SetWindowPos(find_field, nullptr, box.left + look.Px(find_inset), (box.top + box.bottom - height) / 2,
-                   std::max<int>(box.right - box.left - 2 * look.Px(find_inset), 1), height,
+    ::SetWindowPos(find_field, nullptr, box.left + look.Px(FIND_INSET), (box.top + box.bottom - height) / 2,
+                   std::max<int>(box.right - box.left - 2 * look.Px(FIND_INSET), 1), height,
                    SWP_NOZORDER | SWP_NOACTIVATE);
     for (Hosted& hosted : panels) {
         if (hosted.host) {
-            hosted.host->Place({left, Top_Height(), std::max<LONG>(client.right - look.Px(gap), left + 1),
-                                std::max<LONG>(client.bottom - look.Px(gap), Top_Height() + 1)});
+            hosted.host->Place({left, Top_Height(), std::max<LONG>(client.right - look.Px(GAP), left + 1),
+                                std::max<LONG>(client.bottom - look.Px(GAP), Top_Height() + 1)});
         }
     }
     Show_Panel();
@@ -239,8 +239,8 @@ void Database_Pane::View_Set(Database_View wanted) {
 
 void Database_Pane::Editor_Set(bool on) {
     is_editor = on;
-    if (on && view == Database_View::FILES) {
-        view = Database_View::CLASSES_3D;
+    if (on && view == Database_View::Files) {
+        view = Database_View::Classes_3d;
     }
     View_Set(view);
 }
@@ -290,11 +290,11 @@ void Database_Pane::Accessible_Names() {
         std::vector<Accessible_Part> parts;
         for (int at = 0; at < DATABASE_VIEW_NB; ++at) {
             const LONG state = static_cast<int>(view) == at ? STATE_SYSTEM_SELECTED : 0;
-            parts.push_back({tab_text[at], L"", ROLE_SYSTEM_PAGETAB, state, Tab(at)});
+            parts.push_back({TAB_TEXT[at], L"", ROLE_SYSTEM_PAGETAB, state, Tab(at)});
         }
-        for (int at = 0; at < button_nb; ++at) {
-            const LONG state = at == button_nb - 1 && is_editor ? STATE_SYSTEM_PRESSED : 0;
-            parts.push_back({button_name[at], L"", ROLE_SYSTEM_PUSHBUTTON, state, Button(at)});
+        for (int at = 0; at < BUTTON_NB; ++at) {
+            const LONG state = at == BUTTON_NB - 1 && is_editor ? STATE_SYSTEM_PRESSED : 0;
+            parts.push_back({BUTTON_NAME[at], L"", ROLE_SYSTEM_PUSHBUTTON, state, Button(at)});
         }
         return parts;
     };
@@ -349,16 +349,16 @@ void Database_Pane::Paint() {
         if (is_shown) {
             Fill(dc, {tab.left, tab.bottom - look.Px(2), tab.right, tab.bottom}, look.accent);
         }
-        Draw_Line(dc, tab, Tab_Text(dc, look.Bold(), tab_text[at], tab.right - tab.left),
+        Draw_Line(dc, tab, Tab_Text(dc, look.Bold(), TAB_TEXT[at], tab.right - tab.left),
                   is_shown ? look.Bold() : look.Font(), is_shown ? look.text : look.text_grey, DT_CENTER);
     }
     Fill(dc, Find_Box(), look.heading);
     Frame(dc, Find_Box(), 1, ::GetFocus() == find_field ? look.accent : look.text_grey);
-    for (int at = 0; at < button_nb; ++at) {
-        const bool is_on = at == button_nb - 1 && is_editor;
+    for (int at = 0; at < BUTTON_NB; ++at) {
+        const bool is_on = at == BUTTON_NB - 1 && is_editor;
         const RECT button = Button(at);
         Fill(dc, button, is_on ? look.accent : look.heading);
-        Draw_Line(dc, button, button_text[at], look.Bold(), is_on ? look.accent_text : look.text, DT_CENTER);
+        Draw_Line(dc, button, BUTTON_TEXT[at], look.Bold(), is_on ? look.accent_text : look.text, DT_CENTER);
     }
     if (has_focus) {
         Frame(dc, paint.Client(), look.Px(3), look.accent);
@@ -366,7 +366,7 @@ void Database_Pane::Paint() {
 }
 
 void Database_Pane::Press(POINT point) {
-    if (point.x < look.Px(edge)) {
+    if (point.x < look.Px(EDGE)) {
         is_dragged = true;
         ::SetCapture(Handle());
         return;
@@ -381,10 +381,10 @@ void Database_Pane::Press(POINT point) {
             return View_Set(static_cast<Database_View>(at));
         }
     }
-    for (int at = 0; at < button_nb; ++at) {
+    for (int at = 0; at < BUTTON_NB; ++at) {
         const RECT button = Button(at);
         if (::PtInRect(&button, point) != 0) {
-            return at == button_nb - 1 ? Editor_Set(!is_editor) : Expand_All(at == 0);
+            return at == BUTTON_NB - 1 ? Editor_Set(!is_editor) : Expand_All(at == 0);
         }
     }
 }
@@ -401,9 +401,9 @@ LRESULT Database_Pane::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_ERASEBKGND:
             return 1;
         case WM_COMMAND:
-            if (LOWORD(wparam) == find_field_id && HIWORD(wparam) == EN_CHANGE) {
+            if (LOWORD(wparam) == FIND_FIELD_ID && HIWORD(wparam) == EN_CHANGE) {
                 Find_Changed();
-            } else if (LOWORD(wparam) == find_field_id &&
+            } else if (LOWORD(wparam) == FIND_FIELD_ID &&
                        (HIWORD(wparam) == EN_SETFOCUS || HIWORD(wparam) == EN_KILLFOCUS)) {
                 const RECT box = Find_Box();
                 Invalidate(&box);
@@ -418,7 +418,7 @@ LRESULT Database_Pane::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             POINT pointer = {};
             ::GetCursorPos(&pointer);
             ::ScreenToClient(Handle(), &pointer);
-            if (reinterpret_cast<HWND>(wparam) == Handle() && pointer.x < look.Px(edge)) {
+            if (reinterpret_cast<HWND>(wparam) == Handle() && pointer.x < look.Px(EDGE)) {
                 ::SetCursor(::LoadCursorW(nullptr, MAKEINTRESOURCEW(32644)));  // sizing, left and right
                 return TRUE;
             }

@@ -15,7 +15,7 @@
 namespace workbench {
 
 /** What the column shows. */
-enum class Database_View { FILES, CLASSES_2D, CLASSES_3D, CLASSES_1D };
+enum class Database_View { Files, Classes_2d, Classes_3d, Classes_1d };
 inline constexpr int DATABASE_VIEW_NB = 4;
 inline constexpr int DATABASE_WIDTH_LEAST = 240;  ///< of the column, pixels at 96 dots per inch
 
@@ -101,7 +101,7 @@ class Database_Pane : public Window_Base {
     const Hosted* after_event = nullptr;  // whose event is over, while the application does what it asked for
     HWND find_field = nullptr;
     std::wstring find_text;
-    Database_View view = Database_View::FILES;
+    Database_View view = Database_View::Files;
     bool is_editor = false;
     bool is_dragged = false;
     bool has_focus = false;

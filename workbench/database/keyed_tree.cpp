@@ -13,8 +13,8 @@ namespace workbench {
 
 namespace {
 
-constexpr int row_height = 18;   // of a row in browse mode, pixels
-constexpr int indentation = 20;  // per level
+constexpr int ROW_HEIGHT = 18;   // of a row in browse mode, pixels
+constexpr int INDENTATION = 20;  // per level
 
 /** Puts the pointer globals somewhere for as long as it lives. */
 class Pointer_At {
@@ -105,8 +105,8 @@ void Keyed_Tree::Mark() {
         const Selected_Object selected(dc, pen.Get());
         const int left = box.x;
         const int right = box.x + box.width - 1;
-        const int low = middle - row_height / 2;
-        const int high = middle + row_height / 2 - 1;
+        const int low = middle - ROW_HEIGHT / 2;
+        const int high = middle + ROW_HEIGHT / 2 - 1;
         const POINT frame[] = {{left, low}, {right, low}, {right, high}, {left, high}, {left, low}};
         ::Polyline(dc, frame, 5);
     }
@@ -141,8 +141,8 @@ void Keyed_Tree::Check(int record) {
     }
     // Beside the lead cell, which would open or close the branch.
     const int level = tree.List_Pt()[record].level;
-    const int first = static_cast<int>(tree.horizontal.value) / indentation;
-    const int x = tree.list_box.x + indentation * (first + 1 == level ? 3 : 1) + indentation / 2;
+    const int first = static_cast<int>(tree.horizontal.value) / INDENTATION;
+    const int x = tree.list_box.x + INDENTATION * (first + 1 == level ? 3 : 1) + INDENTATION / 2;
     const Pointer_At pointer(tree.list_box.window, x, Row_Y(row));
     const int mode = std::exchange(tree.mode, tree.mode | DB_MODE_ADD);
     Panel_Of<Tool_DB_List>::Click(MOUSE_PRESS | MOUSE_LEFT);
@@ -195,7 +195,7 @@ int Keyed_Tree::Keyboard(int key) {
         default:
             return Panel_Of<Tool_DB_List>::Keyboard(key);
     }
-    const int page = std::max(tree.list_box.height / row_height - 1, 1);
+    const int page = std::max(tree.list_box.height / ROW_HEIGHT - 1, 1);
     const Tree_Step step = Tree_Key_Step(tree.Nb(), tree.List_Pt(), current, key, page);
     if (step.toggle) {
         tree.List_Pt()[step.record].flag ^= DB_FLAG_EXPANDED;

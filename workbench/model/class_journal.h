@@ -27,11 +27,11 @@
 namespace workbench {
 
 /** The trees, by the dimension of their objects. */
-enum class Class_Kind { CLASSES_1D, CLASSES_2D, CLASSES_3D };
+enum class Class_Kind { Classes_1d, Classes_2d, Classes_3d };
 inline constexpr int CLASS_KIND_NB = 3;
 
 struct Class_Step {
-    Class_Kind kind = Class_Kind::CLASSES_2D;
+    Class_Kind kind = Class_Kind::Classes_2d;
     std::string title;  ///< for the menu: "Rename CSF"
     std::vector<Class_Action> actions;
     friend bool operator==(const Class_Step&, const Class_Step&) = default;

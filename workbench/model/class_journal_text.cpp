@@ -62,16 +62,16 @@ class Journal_Reader {
         Line_Reader reader(line);
         if (is_ended) {
             reader.Fail("there is more after the end");
-        } else if (state == State::FIRST) {
+        } else if (state == State::First) {
             if (line != FIRST_LINE) {
                 reader.Fail("this is no journal of class trees, or one of a later version");
             }
-            state = State::DONE;
-        } else if (state == State::DONE) {
+            state = State::Done;
+        } else if (state == State::Done) {
             reader.Expect("done");
             *done_nb = reader.Number(SIZE_MAX);
             reader.End();
-            state = State::STEPS;
+            state = State::Steps;
         } else {
             Step_Line(reader);
         }
@@ -81,7 +81,7 @@ class Journal_Reader {
     bool Is_Ended() const { return is_ended; }
 
   private:
-    enum class State { FIRST, DONE, STEPS };
+    enum class State { First, Done, Steps };
 
     void Step_Line(Line_Reader& reader) {
         const std::string_view word = reader.Word();
@@ -126,12 +126,12 @@ class Journal_Reader {
             }
         }
         reader.Fail("\"1D\", \"2D\" or \"3D\" is expected");
-        return Class_Kind::CLASSES_2D;
+        return Class_Kind::Classes_2d;
     }
 
     std::vector<Class_Step>* steps;
     std::size_t* done_nb;
-    State state = State::FIRST;
+    State state = State::First;
     bool is_ended = false;
     std::string error;
 };

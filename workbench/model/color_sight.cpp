@@ -14,19 +14,19 @@ namespace {
 using Triple = std::array<double, 3>;
 using Matrix = std::array<Triple, 3>;
 
-constexpr Matrix protanopia = {
+constexpr Matrix PROTANOPIA = {
     {{0.152286, 1.052583, -0.204868}, {0.114503, 0.786281, 0.099216}, {-0.003882, -0.048116, 1.051998}}};
-constexpr Matrix deuteranopia = {
+constexpr Matrix DEUTERANOPIA = {
     {{0.367322, 0.860646, -0.227968}, {0.280085, 0.672501, 0.047413}, {-0.011820, 0.042940, 0.968881}}};
-constexpr Matrix tritanopia = {
+constexpr Matrix TRITANOPIA = {
     {{1.255528, -0.076749, -0.178779}, {-0.078411, 0.930809, 0.147602}, {0.004733, 0.691367, 0.303900}}};
 // Linear sRGB to CIE XYZ, and the white that it is measured against (D65).
-constexpr Matrix to_xyz = {
+constexpr Matrix TO_XYZ = {
     {{0.4124564, 0.3575761, 0.1804375}, {0.2126729, 0.7151522, 0.0721750}, {0.0193339, 0.1191920, 0.9503041}}};
-constexpr Matrix from_xyz = {
+constexpr Matrix FROM_XYZ = {
     {{3.2404542, -1.5371385, -0.4985314}, {-0.9692660, 1.8760108, 0.0415560}, {0.0556434, -0.2040259, 1.0572252}}};
-constexpr Triple white = {0.95047, 1.0, 1.08883};
-constexpr double lab_edge = 6.0 / 29.0;
+constexpr Triple WHITE = {0.95047, 1.0, 1.08883};
+constexpr double LAB_EDGE = 6.0 / 29.0;
 
 Triple Product(const Matrix& matrix, const Triple& vector) {
     Triple result = {};
@@ -56,10 +56,10 @@ std::uint32_t Color_Of_Linear(const Triple& light) {
 
 /** @return whether the screen can show it */
 bool Color_Of_Lab(const Lab& lab, std::uint32_t* color) {
-    const auto back = [](double f) { return f > lab_edge ? f * f * f : 3.0 * lab_edge * lab_edge * (f - 4.0 / 29.0); };
+    const auto back = [](double f) { return f > LAB_EDGE ? f * f * f : 3.0 * LAB_EDGE * LAB_EDGE * (f - 4.0 / 29.0); };
     const double fy = (lab.l + 16.0) / 116.0;
-    const Triple xyz = {white[0] * back(fy + lab.a / 500.0), white[1] * back(fy), white[2] * back(fy - lab.b / 200.0)};
-    const Triple light = Product(from_xyz, xyz);
+    const Triple xyz = {WHITE[0] * back(fy + lab.a / 500.0), WHITE[1] * back(fy), WHITE[2] * back(fy - lab.b / 200.0)};
+    const Triple light = Product(FROM_XYZ, xyz);
     *color = Color_Of_Linear(light);
     return std::ranges::all_of(light, [](double part) { return part > -0.002 && part < 1.002; });
 }
@@ -97,7 +97,7 @@ Hue_Pair Hues_Of(double first, double second, bool has_grey) {
 double Power_7(double value) {
     return std::pow(value, 7.0);
 }
-const double power_25 = Power_7(25.0);
+const double POWER_25 = Power_7(25.0);
 
 /** The colours of a table as each kind of sight sees them. */
 std::array<std::vector<Lab>, SIGHTS.size()> Seen_Table(std::span<const std::uint32_t> colors) {
@@ -114,11 +114,11 @@ std::array<std::vector<Lab>, SIGHTS.size()> Seen_Table(std::span<const std::uint
 
 const char* Sight_Name(Sight sight) {
     switch (sight) {
-        case Sight::PROTANOPIA:
+        case Sight::Protanopia:
             return "red-blind sight";
-        case Sight::DEUTERANOPIA:
+        case Sight::Deuteranopia:
             return "green-blind sight";
-        case Sight::TRITANOPIA:
+        case Sight::Tritanopia:
             return "blue-blind sight";
         default:
             return "normal sight";
@@ -127,12 +127,12 @@ const char* Sight_Name(Sight sight) {
 
 std::uint32_t Seen_Color(std::uint32_t color, Sight sight) {
     switch (sight) {
-        case Sight::PROTANOPIA:
-            return Color_Of_Linear(Product(protanopia, Linear_Of(color)));
-        case Sight::DEUTERANOPIA:
-            return Color_Of_Linear(Product(deuteranopia, Linear_Of(color)));
-        case Sight::TRITANOPIA:
-            return Color_Of_Linear(Product(tritanopia, Linear_Of(color)));
+        case Sight::Protanopia:
+            return Color_Of_Linear(Product(PROTANOPIA, Linear_Of(color)));
+        case Sight::Deuteranopia:
+            return Color_Of_Linear(Product(DEUTERANOPIA, Linear_Of(color)));
+        case Sight::Tritanopia:
+            return Color_Of_Linear(Product(TRITANOPIA, Linear_Of(color)));
         default:
             return color & 0xFFFFFFU;
     }
@@ -140,19 +140,19 @@ std::uint32_t Seen_Color(std::uint32_t color, Sight sight) {
 
 Lab Lab_Of(std::uint32_t color) {
     const auto forth = [](double t) {
-        return t > lab_edge * lab_edge * lab_edge ? std::cbrt(t) : t / (3.0 * lab_edge * lab_edge) + 4.0 / 29.0;
+        return t > LAB_EDGE * LAB_EDGE * LAB_EDGE ? std::cbrt(t) : t / (3.0 * LAB_EDGE * LAB_EDGE) + 4.0 / 29.0;
     };
-    const Triple xyz = Product(to_xyz, Linear_Of(color));
-    const double fx = forth(xyz[0] / white[0]);
-    const double fy = forth(xyz[1] / white[1]);
-    const double fz = forth(xyz[2] / white[2]);
+    const Triple xyz = Product(TO_XYZ, Linear_Of(color));
+    const double fx = forth(xyz[0] / WHITE[0]);
+    const double fy = forth(xyz[1] / WHITE[1]);
+    const double fz = forth(xyz[2] / WHITE[2]);
     return {116.0 * fy - 16.0, 500.0 * (fx - fy), 200.0 * (fy - fz)};
 }
 
 double Color_Distance(const Lab& first, const Lab& second) {
     // The names are those of the formula's publication: C chroma, h hue, S and R weights.
     const double chroma_mean = (std::hypot(first.a, first.b) + std::hypot(second.a, second.b)) / 2.0;
-    const double g = 0.5 * (1.0 - std::sqrt(Power_7(chroma_mean) / (Power_7(chroma_mean) + power_25)));
+    const double g = 0.5 * (1.0 - std::sqrt(Power_7(chroma_mean) / (Power_7(chroma_mean) + POWER_25)));
     const double a1 = (1.0 + g) * first.a;
     const double a2 = (1.0 + g) * second.a;
     const double c1 = std::hypot(a1, first.b);
@@ -167,7 +167,7 @@ double Color_Distance(const Lab& first, const Lab& second) {
                      0.32 * std::cos(Radians(3.0 * hue.mean + 6.0)) - 0.20 * std::cos(Radians(4.0 * hue.mean - 63.0));
     const double turn = (hue.mean - 275.0) / 25.0;
     const double theta = 30.0 * std::exp(-turn * turn);
-    const double rc = 2.0 * std::sqrt(Power_7(c_mean) / (Power_7(c_mean) + power_25));
+    const double rc = 2.0 * std::sqrt(Power_7(c_mean) / (Power_7(c_mean) + POWER_25));
     const double off_middle = (l_mean - 50.0) * (l_mean - 50.0);
     const double sl = 1.0 + 0.015 * off_middle / std::sqrt(20.0 + off_middle);
     const double sc = 1.0 + 0.045 * c_mean;
@@ -186,7 +186,7 @@ std::vector<Alike_Pair> Alike_Pairs(std::span<const std::uint32_t> colors, doubl
     std::vector<Alike_Pair> pairs;
     for (std::size_t first = 0; first < colors.size(); ++first) {
         for (std::size_t second = first + 1; second < colors.size(); ++second) {
-            Alike_Pair pair = {static_cast<int>(first), static_cast<int>(second), Sight::NORMAL,
+            Alike_Pair pair = {static_cast<int>(first), static_cast<int>(second), Sight::Normal,
                                std::numeric_limits<double>::max()};
             for (std::size_t sight = 0; sight < SIGHTS.size(); ++sight) {
                 const double distance = Color_Distance(seen[sight][first], seen[sight][second]);

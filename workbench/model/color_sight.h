@@ -10,9 +10,9 @@
 namespace workbench {
 
 /** Kinds of sight: all three receptors, or without the one for long, middle or short waves. */
-enum class Sight { NORMAL, PROTANOPIA, DEUTERANOPIA, TRITANOPIA };
-inline constexpr std::array<Sight, 4> SIGHTS = {Sight::NORMAL, Sight::PROTANOPIA, Sight::DEUTERANOPIA,
-                                                Sight::TRITANOPIA};
+enum class Sight { Normal, Protanopia, Deuteranopia, Tritanopia };
+inline constexpr std::array<Sight, 4> SIGHTS = {Sight::Normal, Sight::Protanopia, Sight::Deuteranopia,
+                                                Sight::Tritanopia};
 /** In the user's words. */
 const char* Sight_Name(Sight sight);
 
@@ -38,7 +38,7 @@ inline constexpr double TAG_DISTANCE_LEAST = 8.0;
 struct Alike_Pair {
     int first = 0;  ///< index in the table, smaller than `second`
     int second = 0;
-    Sight sight = Sight::NORMAL;  ///< the kind of sight that tells them apart worst
+    Sight sight = Sight::Normal;  ///< the kind of sight that tells them apart worst
     double distance = 0.0;        ///< to that sight
 };
 

@@ -27,7 +27,7 @@ Patient_Axis Axis_Of(const volumes::Affine& affine, std::size_t column) {
     return found;
 }
 
-constexpr std::array<std::array<char, 2>, 3> side_names = {{{'L', 'R'}, {'P', 'A'}, {'I', 'S'}}};
+constexpr std::array<std::array<char, 2>, 3> SIDE_NAMES = {{{'L', 'R'}, {'P', 'A'}, {'I', 'S'}}};
 
 }  // namespace
 
@@ -38,15 +38,15 @@ Display_Order Display_Order_Of(const volumes::Affine& affine) {
     // Right, front and top come first: at the left of the picture, or at its top.
     order.flip_x = x.is_rising;
     order.flip_y = y.is_rising;
-    order.left = side_names[x.axis][1];
-    order.right = side_names[x.axis][0];
-    order.top = side_names[y.axis][1];
-    order.bottom = side_names[y.axis][0];
+    order.left = SIDE_NAMES[x.axis][1];
+    order.right = SIDE_NAMES[x.axis][0];
+    order.top = SIDE_NAMES[y.axis][1];
+    order.bottom = SIDE_NAMES[y.axis][0];
     return order;
 }
 
 bool Letters_Set(std::string_view towards, Display_Order& order) {
-    if (towards.size() != side_names.size()) {
+    if (towards.size() != SIDE_NAMES.size()) {
         return false;
     }
     struct Sides {
@@ -58,8 +58,8 @@ bool Letters_Set(std::string_view towards, Display_Order& order) {
     for (std::size_t at = 0; at < found.size(); ++at) {
         const char letter =
             towards[at] >= 'a' && towards[at] <= 'z' ? static_cast<char>(towards[at] - 'a' + 'A') : towards[at];
-        for (std::size_t axis = 0; axis < side_names.size(); ++axis) {
-            const auto& names = side_names[axis];
+        for (std::size_t axis = 0; axis < SIDE_NAMES.size(); ++axis) {
+            const auto& names = SIDE_NAMES[axis];
             if (!is_used[axis] && (letter == names[0] || letter == names[1])) {
                 is_used[axis] = true;
                 found[at] = {letter, letter == names[0] ? names[1] : names[0]};

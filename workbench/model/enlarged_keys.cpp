@@ -10,13 +10,13 @@ namespace {
 
 // A turn of the wheel by n notches makes the view 1 + n/10 times as wide and high about the pointer. Half and double
 // undo one another to the last bit, and what comes first must make the view smaller: it cannot grow beyond the data.
-constexpr int notches_nearer = -2;  // 4/5
-constexpr int notches_half = -5;
-constexpr int notches_double = 10;
-constexpr int notches_two_and_half = 15;
+constexpr int NOTCHES_NEARER = -2;  // 4/5
+constexpr int NOTCHES_HALF = -5;
+constexpr int NOTCHES_DOUBLE = 10;
+constexpr int NOTCHES_TWO_AND_HALF = 15;
 
 // Half about one point and double about another one moves the view by half of what lies between them.
-constexpr int points_apart_percent = 20;  // of the window, for a tenth
+constexpr int POINTS_APART_PERCENT = 20;  // of the window, for a tenth
 
 struct Point {
     int x;
@@ -27,7 +27,7 @@ struct Letter {
     char letter;
     std::string_view control;  // how its name begins
 };
-constexpr Letter letters[] = {{'E', "Export"}, {'T', "Display TAG"}, {'C', "Display Cursor"}, {'P', "Display Peak"}};
+constexpr Letter LETTERS[] = {{'E', "Export"}, {'T', "Display TAG"}, {'C', "Display Cursor"}, {'P', "Display Peak"}};
 
 /** The middle of what the controls at the top leave. */
 Point Middle(const Enlarged_View& view) {
@@ -45,15 +45,15 @@ Point Foot(const Enlarged_View& view) {
 }
 
 Enlarged_Act Wheel(int notches, Point at) {
-    return {Enlarged_Act::Kind::WHEEL, notches, at.x, at.y};
+    return {Enlarged_Act::Kind::Wheel, notches, at.x, at.y};
 }
 
 /** @param right, up the direction, -1, 0 or 1: what lies there comes into view */
 std::vector<Enlarged_Act> Move(int right, int up, const Enlarged_View& view) {
     const Point middle = Middle(view);
-    const int x = right * view.width * points_apart_percent / 200;
-    const int y = -up * std::min(view.height * points_apart_percent / 200, view.height - 1 - middle.y);
-    return {Wheel(notches_half, {middle.x + x, middle.y + y}), Wheel(notches_double, {middle.x - x, middle.y - y})};
+    const int x = right * view.width * POINTS_APART_PERCENT / 200;
+    const int y = -up * std::min(view.height * POINTS_APART_PERCENT / 200, view.height - 1 - middle.y);
+    return {Wheel(NOTCHES_HALF, {middle.x + x, middle.y + y}), Wheel(NOTCHES_DOUBLE, {middle.x - x, middle.y - y})};
 }
 
 std::vector<Enlarged_Act> Press(std::string_view name, const Enlarged_View& view) {
@@ -62,7 +62,7 @@ std::vector<Enlarged_Act> Press(std::string_view name, const Enlarged_View& view
     if (found == view.controls.end()) {
         return {};
     }
-    return {{Enlarged_Act::Kind::PRESS, 0, found->left + found->width / 2, found->top + found->height / 2}};
+    return {{Enlarged_Act::Kind::Press, 0, found->left + found->width / 2, found->top + found->height / 2}};
 }
 
 }  // namespace
@@ -70,9 +70,9 @@ std::vector<Enlarged_Act> Press(std::string_view name, const Enlarged_View& view
 std::vector<Enlarged_Act> Enlarged_Key_Acts(int key, const Enlarged_View& view) {
     switch (key) {
         case '+':
-            return {Wheel(notches_nearer, Foot(view))};
+            return {Wheel(NOTCHES_NEARER, Foot(view))};
         case '-':
-            return {Wheel(notches_half, Foot(view)), Wheel(notches_two_and_half, Foot(view))};
+            return {Wheel(NOTCHES_HALF, Foot(view)), Wheel(NOTCHES_TWO_AND_HALF, Foot(view))};
         case KEY_LEFT:
             return Move(-1, 0, view);
         case KEY_RIGHT:
@@ -84,12 +84,12 @@ std::vector<Enlarged_Act> Enlarged_Key_Acts(int key, const Enlarged_View& view) 
         case KEY_HOME:
             return Press("Reset Zoom", view);
         case KEY_ESCAPE:
-            return {{Enlarged_Act::Kind::CLOSE}};
+            return {{Enlarged_Act::Kind::Close}};
         default:
             break;
     }
     const int upper = key >= 'a' && key <= 'z' ? key - 'a' + 'A' : key;
-    for (const Letter& letter : letters) {
+    for (const Letter& letter : LETTERS) {
         if (letter.letter == upper) {
             return Press(letter.control, view);
         }

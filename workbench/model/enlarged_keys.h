@@ -27,11 +27,11 @@ struct Enlarged_View {
 /** Something that the mouse does. */
 struct Enlarged_Act {
     enum class Kind {
-        WHEEL,  ///< `notches` at a point, forward positive
-        PRESS,  ///< the left button, pressed and released at a point
-        CLOSE   ///< of the window
+        Wheel,  ///< `notches` at a point, forward positive
+        Press,  ///< the left button, pressed and released at a point
+        Close   ///< of the window
     };
-    Kind kind = Kind::CLOSE;
+    Kind kind = Kind::Close;
     int notches = 0;
     int x = 0;  ///< client pixels, y down
     int y = 0;

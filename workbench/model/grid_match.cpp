@@ -158,7 +158,7 @@ Grid_Match Grid_Compare(const Volume_Grid& image, const Volume_Grid& labels) {
     match.is_same_size = image.size == labels.size;
     if (image == labels) {
         Grid_Match same = Grid_By_Index(image, labels);
-        same.relation = Grid_Relation::SAME;
+        same.relation = Grid_Relation::Same;
         return same;
     }
     const std::optional<Map> inverse = Inverse(labels.affine);
@@ -169,7 +169,7 @@ Grid_Match Grid_Compare(const Volume_Grid& image, const Volume_Grid& labels) {
     match.image_to_labels = Product(*inverse, image.affine);
     const std::optional<Map> turn = Turn_Near(match.image_to_labels, image, labels, match);
     if (turn && Is_Near(*turn, match.image_to_labels, image)) {
-        match.relation = *turn == IDENTITY ? Grid_Relation::SAME : Grid_Relation::TURNED;
+        match.relation = *turn == IDENTITY ? Grid_Relation::Same : Grid_Relation::Turned;
         match.image_to_labels = *turn;
     }
     return match;
@@ -185,7 +185,7 @@ Grid_Match Grid_By_Index(const Volume_Grid& image, const Volume_Grid& labels) {
 }
 
 std::string Grid_Turn_Text(const Grid_Match& match) {
-    if (match.relation != Grid_Relation::TURNED) {
+    if (match.relation != Grid_Relation::Turned) {
         return {};
     }
     constexpr const char* NAMES[] = {"x", "y", "z"};

@@ -26,16 +26,16 @@ Volume_Grid Volume_Grid_Of(const volumes::Volume& volume);
 std::string Volume_Grid_Text(const Volume_Grid& grid);
 
 enum class Grid_Relation {
-    SAME,    ///< voxel for voxel
-    TURNED,  ///< the same voxels, with axes exchanged or running the other way
-    OTHER,   ///< other places
+    Same,    ///< voxel for voxel
+    Turned,  ///< the same voxels, with axes exchanged or running the other way
+    Other,   ///< other places
 };
 
 /** A voxel by its index along the three axes. */
 using Grid_Voxel = std::array<std::int32_t, 3>;
 
 struct Grid_Match {
-    Grid_Relation relation = Grid_Relation::OTHER;
+    Grid_Relation relation = Grid_Relation::Other;
     bool is_same_size = false;          ///< along every axis
     std::array<std::size_t, 3> axis{};  ///< of the labels, that the image's axis runs along; not for OTHER
     std::array<bool, 3> is_flipped{};   ///< the image's axis runs the other way; not for OTHER

@@ -11,7 +11,7 @@ namespace workbench {
 
 namespace {
 
-constexpr std::uint8_t unreached = 255;  // distance of pixels that lie deeper than any band
+constexpr std::uint8_t UNREACHED = 255;  // distance of pixels that lie deeper than any band
 
 struct Tag_Levels {
     double mean = 0.0;
@@ -89,7 +89,7 @@ class Ring_Walk {
 std::vector<std::uint8_t> Border_Distance(const Propagation_Frames& frames, const Propagation_Tags& tags, int band) {
     const auto& from = frames.from_tags;
     const auto width = static_cast<std::size_t>(frames.width);
-    std::vector<std::uint8_t> distance(from.size(), unreached);
+    std::vector<std::uint8_t> distance(from.size(), UNREACHED);
     Ring_Walk walk(frames.width, frames.height);
     for (int y = 0; y < frames.height; ++y) {
         for (int x = 0; x < frames.width; ++x) {
@@ -105,7 +105,7 @@ std::vector<std::uint8_t> Border_Distance(const Propagation_Frames& frames, cons
     }
     for (int step = 2; step <= band && !walk.ring.empty(); ++step) {
         walk.Step([&](std::uint32_t at, std::uint32_t to) {
-            if (from[to] != from[at] || distance[to] != unreached) {
+            if (from[to] != from[at] || distance[to] != UNREACHED) {
                 return false;
             }
             distance[to] = static_cast<std::uint8_t>(step);
@@ -122,14 +122,14 @@ std::vector<std::uint32_t> Starts(const Propagation_Frames& frames, const Propag
     const auto& from = frames.from_tags;
     std::array<bool, TAG_MAX> has_inside{};
     for (std::size_t at = 0; at < from.size(); ++at) {
-        if (Is_Carried(tags, from[at]) && distance[at] == unreached) {
+        if (Is_Carried(tags, from[at]) && distance[at] == UNREACHED) {
             has_inside[from[at]] = true;
         }
     }
     std::vector<std::uint32_t> starts;
     for (std::size_t at = 0; at < from.size(); ++at) {
         const std::uint8_t tag = from[at];
-        if (Is_Carried(tags, tag) && (distance[at] == unreached || (!has_inside[tag] && fits(at, tag)))) {
+        if (Is_Carried(tags, tag) && (distance[at] == UNREACHED || (!has_inside[tag] && fits(at, tag)))) {
             starts.push_back(static_cast<std::uint32_t>(at));
         }
     }
@@ -152,7 +152,7 @@ std::size_t Propagate_Copy(const Propagation_Frames& frames, const Propagation_T
 
 std::size_t Propagate_Grow(const Propagation_Frames& frames, const Propagation_Tags& tags,
                            const Grow_Options& options) {
-    const int band = std::clamp(options.band, 1, unreached - 1);
+    const int band = std::clamp(options.band, 1, UNREACHED - 1);
     const std::array<Tag_Levels, TAG_MAX> levels = Measure(frames, options);
     const auto& from = frames.from_tags;
     const auto level_fits = [&](std::int32_t level, std::uint8_t tag) {

@@ -108,7 +108,7 @@ int Recovery_Volume_Find(const Open_Volumes& volumes, const Session& current_ses
     for (int volume = 0; volume < volumes.Nb(); ++volume) {
         const Session& session = volumes.Session_Of(volume, current_session);
         if (Path_To_Utf8(session.Path()) != wanted.image || volumes.Facts(volume).title != wanted.title ||
-            Grid_Compare(Volume_Grid_Of(session.Image()), wanted.grid).relation != Grid_Relation::SAME) {
+            Grid_Compare(Volume_Grid_Of(session.Image()), wanted.grid).relation != Grid_Relation::Same) {
             continue;
         }
         if (found < 0 || volume == wanted.index) {  // of equal ones the place in the list decides

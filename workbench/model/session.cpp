@@ -173,12 +173,12 @@ std::string Session::Take_Labels(const Labels_Read& read, Grid_Choice choice) {
     const Volume_Grid image_grid = Volume_Grid_Of(*volume);
     const Volume_Grid label_grid = Volume_Grid_Of(loaded);
     Grid_Match match = Grid_Compare(image_grid, label_grid);
-    const bool is_other = match.relation == Grid_Relation::OTHER;
-    if (is_other && choice == Grid_Choice::BY_INDEX) {
+    const bool is_other = match.relation == Grid_Relation::Other;
+    if (is_other && choice == Grid_Choice::By_Index) {
         match = Grid_By_Index(image_grid, label_grid);
     }
-    if (is_other && (choice == Grid_Choice::REFUSE || !match.is_placed ||
-                     (choice == Grid_Choice::BY_INDEX && !match.is_same_size))) {
+    if (is_other && (choice == Grid_Choice::Refuse || !match.is_placed ||
+                     (choice == Grid_Choice::By_Index && !match.is_same_size))) {
         return name + " lies elsewhere than the image: it has " + Volume_Grid_Text(label_grid) + ", and the image " +
                Volume_Grid_Text(image_grid) + ".";
     }
@@ -191,7 +191,7 @@ std::string Session::Take_Labels(const Labels_Read& read, Grid_Choice choice) {
         }
         given[at] = static_cast<std::uint8_t>(std::lround(value));
     }
-    if (match.relation != Grid_Relation::SAME) {
+    if (match.relation != Grid_Relation::Same) {
         given = Grid_Carry(image_grid, label_grid, match, given);
     }
     Slices_Turn(std::span(given), volume->nx, volume->ny, order);
@@ -286,8 +286,8 @@ std::size_t Session::Propagate(Propagation_Kind kind, int from, int to, const Pr
     Slice_Touch(to);
     const Propagation_Frames frames = {Width(), Height(), Levels(from), from_tags, Levels(to), to_tags};
     const std::size_t carried =
-        kind == Propagation_Kind::COPY ? Propagate_Copy(frames, tags) : Propagate_Grow(frames, tags);
-    Push_Slice(kind == Propagation_Kind::COPY ? "Propagate by copy" : "Propagate by grow", to, before);
+        kind == Propagation_Kind::Copy ? Propagate_Copy(frames, tags) : Propagate_Grow(frames, tags);
+    Push_Slice(kind == Propagation_Kind::Copy ? "Propagate by copy" : "Propagate by grow", to, before);
     return carried;
 }
 
@@ -333,7 +333,7 @@ void Session::Marker_Set(int index, const Marker& marker) {
 }
 
 std::vector<std::optional<std::string>>& Session::Names(Text_Table table) {
-    return table == Text_Table::TAG_LABELS ? tag_names : marker_names;
+    return table == Text_Table::Tag_Labels ? tag_names : marker_names;
 }
 
 int Session::Note_Labels(Text_Table table, std::span<const char* const> label) {
@@ -349,7 +349,7 @@ int Session::Note_Labels(Text_Table table, std::span<const char* const> label) {
             continue;
         }
         Text_Change change = {table, static_cast<int>(at), names[at], now};
-        Push({table == Text_Table::TAG_LABELS ? "Rename TAG" : "Rename marker", std::move(change)});
+        Push({table == Text_Table::Tag_Labels ? "Rename TAG" : "Rename marker", std::move(change)});
         names[at] = std::move(now);
         ++steps;
     }

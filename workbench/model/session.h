@@ -26,10 +26,10 @@
 
 namespace workbench {
 
-enum class Propagation_Kind { COPY, GROW };
+enum class Propagation_Kind { Copy, Grow };
 
 /** What to do with labels whose voxels lie elsewhere than the image's. */
-enum class Grid_Choice { REFUSE, RESAMPLE, BY_INDEX };
+enum class Grid_Choice { Refuse, Resample, By_Index };
 
 /** Labels that were read from a file. */
 struct Labels_Read {
@@ -86,9 +86,9 @@ class Session {
     /** Replaces all TAGs by those of a loaded label volume, and the places of the markers by those that stand in its
      *  description. History goes. Labels whose voxels are the image's in another order are put into its order. When
      *  they were laid on otherwise, the file is not the labels' own any more.
-     *  @param choice for voxels that lie elsewhere; BY_INDEX needs equal sizes
+     *  @param choice for voxels that lie elsewhere; By_Index needs equal sizes
      *  @return empty, or one sentence; then nothing is changed */
-    std::string Take_Labels(const Labels_Read& read, Grid_Choice choice = Grid_Choice::REFUSE);
+    std::string Take_Labels(const Labels_Read& read, Grid_Choice choice = Grid_Choice::Refuse);
     std::string Take_Labels(const volumes::Volume& loaded, const std::filesystem::path& file,
                             const Label_Description* description = nullptr) {
         return Take_Labels(Labels_Read{loaded, file, description, Label_Stamps_Of(file)});

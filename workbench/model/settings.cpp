@@ -13,10 +13,10 @@ namespace workbench {
 
 namespace {
 
-constexpr std::string_view first_line = "workbench settings";
-constexpr std::size_t file_size_max = 1U << 20U;  // bytes; a longer file is none of ours
-constexpr std::size_t path_size_max = 4096;
-constexpr int coordinate_max = 100000;
+constexpr std::string_view FIRST_LINE = "workbench settings";
+constexpr std::size_t FILE_SIZE_MAX = 1U << 20U;  // bytes; a longer file is none of ours
+constexpr std::size_t PATH_SIZE_MAX = 4096;
+constexpr int COORDINATE_MAX = 100000;
 
 std::optional<int> Number_Of(std::string_view text, int least, int most) {
     int value = 0;
@@ -50,8 +50,8 @@ bool Take_Place(std::string_view text, Window_Place& place) {
         if (blank == std::string_view::npos) {
             return false;
         }
-        const int least = at < 2 ? -coordinate_max : 1;
-        if (!Take_Number(text.substr(0, blank), least, coordinate_max, numbers[at])) {
+        const int least = at < 2 ? -COORDINATE_MAX : 1;
+        if (!Take_Number(text.substr(0, blank), least, COORDINATE_MAX, numbers[at])) {
             return false;
         }
         text.remove_prefix(std::min(blank + 1, text.size()));
@@ -64,7 +64,7 @@ bool Take_Place(std::string_view text, Window_Place& place) {
 }
 
 bool Is_Path(std::string_view text) {
-    return !text.empty() && text.size() <= path_size_max &&
+    return !text.empty() && text.size() <= PATH_SIZE_MAX &&
            std::ranges::all_of(text, [](char unit) { return static_cast<unsigned char>(unit) >= 0x20; });
 }
 
@@ -139,7 +139,7 @@ Settings Settings_Parse(std::string_view text, int* ignored) {
     int unknown = 0;
     while (!text.empty()) {
         const std::string_view line = Line_Take(text);
-        if (line.empty() || line == first_line) {
+        if (line.empty() || line == FIRST_LINE) {
             continue;
         }
         const std::size_t blank = line.find(' ');
@@ -154,7 +154,7 @@ Settings Settings_Parse(std::string_view text, int* ignored) {
 }
 
 std::string Settings_Text(const Settings& settings) {
-    std::string text = std::string(first_line) + "\n";
+    std::string text = std::string(FIRST_LINE) + "\n";
     const auto line = [&](const char* name, const std::string& value) {
         text += std::string(name) + " " + value + "\n";
     };
@@ -187,7 +187,7 @@ std::string Settings_Text(const Settings& settings) {
 
 Settings Settings_Load(const std::filesystem::path& file, int* ignored) {
     std::string text;
-    Text_File_Read(file, file_size_max, text);
+    Text_File_Read(file, FILE_SIZE_MAX, text);
     return Settings_Parse(text, ignored);
 }
 

@@ -10,7 +10,7 @@ namespace workbench {
 
 namespace {
 
-constexpr int range_percent = 35;  // colour of the range in its tint
+constexpr int RANGE_PERCENT = 35;  // colour of the range in its tint
 
 std::uint32_t Mix_Pixel(std::uint32_t ground, std::uint32_t color, int percent) {
     const auto weight = static_cast<std::uint32_t>(percent * 256 / 100);
@@ -63,7 +63,7 @@ void Slice_Render(const Slice_Source& source, const Grey_Window& window, const T
                 if (range.has_value()) {
                     const float grey = static_cast<float>(level) * source.slope + source.intercept;
                     if (grey >= range->low && grey <= range->high) {
-                        pixel = Mix_Pixel(pixel, range->color, range_percent);
+                        pixel = Mix_Pixel(pixel, range->color, RANGE_PERCENT);
                     }
                 }
             }

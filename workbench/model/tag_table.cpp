@@ -16,7 +16,7 @@ struct Named_Tag {
     std::uint8_t green;
     std::uint8_t blue;
 };
-constexpr std::array<Named_Tag, 16> named_tags = {{{"Background", 170, 170, 170},
+constexpr std::array<Named_Tag, 16> NAMED_TAGS = {{{"Background", 170, 170, 170},
                                                    {"Grey matter", 224, 86, 86},
                                                    {"White matter", 240, 206, 96},
                                                    {"CSF", 72, 150, 236},
@@ -43,8 +43,8 @@ std::uint8_t Wheel(double turn, double brightness) {
 }  // namespace
 
 Tag_Entry Tag_Default(int tag) {
-    if (tag >= 0 && static_cast<std::size_t>(tag) < named_tags.size()) {
-        const Named_Tag& named = named_tags[static_cast<std::size_t>(tag)];
+    if (tag >= 0 && static_cast<std::size_t>(tag) < NAMED_TAGS.size()) {
+        const Named_Tag& named = NAMED_TAGS[static_cast<std::size_t>(tag)];
         return {named.label, named.red, named.green, named.blue};
     }
     constexpr double golden_turn = 0.6180339887498949;  // spreads any number of hues evenly

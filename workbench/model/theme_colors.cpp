@@ -4,7 +4,7 @@ namespace workbench {
 
 namespace {
 
-constexpr Theme_Colors dark = {
+constexpr Theme_Colors DARK = {
     .ground = 0x2B2D32,
     .heading = 0x3E424A,
     .heading_hover = 0x4C515B,
@@ -20,7 +20,7 @@ constexpr Theme_Colors dark = {
     .panel = 0x383A40,
 };
 
-constexpr Theme_Colors light = {
+constexpr Theme_Colors LIGHT = {
     .ground = 0xE2E4E8,
     .heading = 0xCDD1D8,
     .heading_hover = 0xBFC5CE,
@@ -39,7 +39,7 @@ constexpr Theme_Colors light = {
 }  // namespace
 
 const Theme_Colors& Theme_Colors_Of(bool is_dark) {
-    return is_dark ? dark : light;
+    return is_dark ? DARK : LIGHT;
 }
 
 std::vector<Theme_Pair> Theme_Pairs(const Theme_Colors& colors) {

@@ -41,10 +41,10 @@ class Slice_Change {
 struct Voxel_Change {
     std::vector<Slice_Change> slices;  ///< ascending, each slice once; at least one
 };
-enum class Text_Table { TAG_LABELS, MARKER_LABELS };
+enum class Text_Table { Tag_Labels, Marker_Labels };
 /** A renaming. No text: the label is shown by its number. */
 struct Text_Change {
-    Text_Table table = Text_Table::TAG_LABELS;
+    Text_Table table = Text_Table::Tag_Labels;
     int index = 0;
     std::optional<std::string> before;
     std::optional<std::string> after;

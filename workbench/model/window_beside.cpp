@@ -6,7 +6,7 @@ namespace workbench {
 
 namespace {
 
-constexpr int width_least = 320;  // pixels; narrower it is of no use
+constexpr int WIDTH_LEAST = 320;  // pixels; narrower it is of no use
 
 }  // namespace
 
@@ -19,7 +19,7 @@ Window_Place Window_Beside(const Window_Place& main, int tools, int width, int h
             place.left = main.left - width;
         } else {
             const int room = area_right - std::max(main.left + tools, area.left);
-            place.width = std::min(width, std::max(room, width_least));
+            place.width = std::min(width, std::max(room, WIDTH_LEAST));
             place.left = area_right - place.width;
             place.top = area.top + area.height - height;  // what is lowest of the image is missed least
         }

@@ -8,9 +8,9 @@ namespace workbench::segmentation {
 
 namespace {
 
-constexpr float nowhere = std::numeric_limits<float>::infinity();
-constexpr std::size_t lines_at_once = 16;  // neighbouring lines share what the processor reads at once
-constexpr std::size_t few_rows = 64;       // of a ball: up to here rows are faster than distances
+constexpr float NOWHERE = std::numeric_limits<float>::infinity();
+constexpr std::size_t LINES_AT_ONCE = 16;  // neighbouring lines share what the processor reads at once
+constexpr std::size_t FEW_ROWS = 64;       // of a ball: up to here rows are faster than distances
 
 /** Squares of distances along a row. */
 void Row_Pass(std::span<const std::uint8_t> row, std::uint8_t value, double step, std::span<float> squared) {
@@ -22,7 +22,7 @@ void Row_Pass(std::span<const std::uint8_t> row, std::uint8_t value, double step
     std::ptrdiff_t last = -1;
     for (std::ptrdiff_t at = 0; at < size; ++at) {
         last = row[static_cast<std::size_t>(at)] == value ? at : last;
-        squared[static_cast<std::size_t>(at)] = last < 0 ? nowhere : square(at - last);
+        squared[static_cast<std::size_t>(at)] = last < 0 ? NOWHERE : square(at - last);
     }
     last = size;
     for (std::ptrdiff_t at = size - 1; at >= 0; --at) {
@@ -43,7 +43,7 @@ class Parabola_Envelope {
     void Apply(std::span<float> line) {
         std::size_t nb = 0;  // parabolas of the envelope
         for (std::size_t foot = 0; foot < line.size(); ++foot) {
-            if (line[foot] == nowhere) {
+            if (line[foot] == NOWHERE) {
                 continue;
             }
             double border = -std::numeric_limits<double>::infinity();
@@ -100,9 +100,9 @@ struct Crossing_Lines {
 
 void Lines_Pass(std::vector<float>& squared, const Crossing_Lines& lines, Parabola_Envelope& envelope,
                 std::vector<float>& buffer) {
-    buffer.resize(lines_at_once * lines.length);
-    for (std::size_t x = 0; x < lines.width; x += lines_at_once) {
-        const std::size_t nb = std::min(lines_at_once, lines.width - x);
+    buffer.resize(LINES_AT_ONCE * lines.length);
+    for (std::size_t x = 0; x < lines.width; x += LINES_AT_ONCE) {
+        const std::size_t nb = std::min(LINES_AT_ONCE, lines.width - x);
         for (std::size_t n = 0; n < lines.length; ++n) {
             for (std::size_t i = 0; i < nb; ++i) {
                 buffer[i * lines.length + n] = squared[lines.begin + n * lines.stride + x + i];
@@ -247,10 +247,10 @@ Voxel_Mask Mask_Within_By_Distance(const Voxel_Mask& mask, std::uint8_t value, d
 
 Voxel_Mask Mask_Within(const Voxel_Mask& mask, std::uint8_t value, double radius, const std::array<double, 3>& spacing,
                        const Step_Progress& progress) {
-    // More steps than few_rows along an axis are more rows than that, too.
+    // More steps than FEW_ROWS along an axis are more rows than that, too.
     const std::vector<Ball_Row> ball =
-        Ball_Rows(radius, spacing, std::max(mask.box.Width(), static_cast<int>(few_rows)));
-    if (ball.size() <= few_rows) {
+        Ball_Rows(radius, spacing, std::max(mask.box.Width(), static_cast<int>(FEW_ROWS)));
+    if (ball.size() <= FEW_ROWS) {
         return Mask_Within_By_Rows(mask, value, ball, progress);
     }
     return Mask_Within_By_Distance(mask, value, radius, spacing, progress);

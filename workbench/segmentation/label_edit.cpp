@@ -7,12 +7,12 @@ namespace workbench::segmentation {
 
 namespace {
 
-constexpr std::size_t word_size = sizeof(std::uint64_t);
-constexpr std::uint64_t each_byte = 0x0101010101010101U;
+constexpr std::size_t WORD_SIZE = sizeof(std::uint64_t);
+constexpr std::uint64_t EACH_BYTE = 0x0101010101010101U;
 
 std::uint64_t Word(const std::uint8_t* bytes) {
     std::uint64_t word = 0;
-    std::memcpy(&word, bytes, word_size);
+    std::memcpy(&word, bytes, WORD_SIZE);
     return word;
 }
 
@@ -36,8 +36,8 @@ void Edit_Builder::Slice_Set(int slice, std::span<const std::uint8_t> after) {
     std::size_t at = 0;
     while (at < size) {
         // Eight voxels at a time over what stays, and along a run.
-        if (at + word_size <= size && Word(&before[at]) == Word(&after[at])) {
-            at += word_size;
+        if (at + WORD_SIZE <= size && Word(&before[at]) == Word(&after[at])) {
+            at += WORD_SIZE;
             continue;
         }
         if (before[at] == after[at]) {
@@ -47,9 +47,9 @@ void Edit_Builder::Slice_Set(int slice, std::span<const std::uint8_t> after) {
         const std::uint8_t from = before[at];
         const std::uint8_t to = after[at];
         std::size_t end = at + 1;
-        while (end + word_size <= size && Word(&before[end]) == from * each_byte &&
-               Word(&after[end]) == to * each_byte) {
-            end += word_size;
+        while (end + WORD_SIZE <= size && Word(&before[end]) == from * EACH_BYTE &&
+               Word(&after[end]) == to * EACH_BYTE) {
+            end += WORD_SIZE;
         }
         while (end < size && before[end] == from && after[end] == to) {
             ++end;

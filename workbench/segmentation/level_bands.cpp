@@ -13,11 +13,11 @@ namespace workbench::segmentation {
 
 namespace {
 
-constexpr std::int64_t table_most = std::int64_t{1} << 16U;  // levels that a table is made for
-constexpr std::uint16_t no_tag = 0x100;
-constexpr std::size_t few_pieces = 8;    // so many comparisons, of many voxels at a time, are faster than a table
-constexpr std::size_t block_size = 16;   // voxels that are compared at once
-constexpr std::size_t part_size = 2048;  // voxels that stay in the fastest cache from band to band
+constexpr std::int64_t TABLE_MOST = std::int64_t{1} << 16U;  // levels that a table is made for
+constexpr std::uint16_t NO_TAG = 0x100;
+constexpr std::size_t FEW_PIECES = 8;    // so many comparisons, of many voxels at a time, are faster than a table
+constexpr std::size_t BLOCK_SIZE = 16;   // voxels that are compared at once
+constexpr std::size_t PART_SIZE = 2048;  // voxels that stay in the fastest cache from band to band
 
 /** The first level of a range whose grey value fulfils what all after it fulfil, one behind the range: none. */
 template <class Fits>
@@ -45,9 +45,9 @@ class Level_Claims {
                 Piece_Put({claim.band.low, std::int64_t{high} + 1, claim.tag});
             }
         }
-        if (!pieces.empty() && pieces.back().end - pieces.front().begin <= table_most) {
+        if (!pieces.empty() && pieces.back().end - pieces.front().begin <= TABLE_MOST) {
             const std::int64_t begin = pieces.front().begin;
-            table.resize(static_cast<std::size_t>(pieces.back().end - begin), no_tag);
+            table.resize(static_cast<std::size_t>(pieces.back().end - begin), NO_TAG);
             for (const Piece& piece : pieces) {
                 std::fill(table.begin() + static_cast<std::ptrdiff_t>(piece.begin - begin),
                           table.begin() + static_cast<std::ptrdiff_t>(piece.end - begin), piece.tag);
@@ -57,7 +57,7 @@ class Level_Claims {
 
     /** Writes over `tags` where a level is claimed. */
     void Apply(std::span<const std::int32_t> levels, std::span<std::uint8_t> tags) const {
-        if (pieces.size() <= few_pieces) {
+        if (pieces.size() <= FEW_PIECES) {
             Apply_Few(levels, tags);
         } else {
             table.empty() ? Apply_Search(levels, tags) : Apply_Table(levels, tags);
@@ -89,9 +89,9 @@ class Level_Claims {
     }
 
     void Apply_Few(std::span<const std::int32_t> levels, std::span<std::uint8_t> tags) const {
-        const std::size_t in_blocks = tags.size() / block_size * block_size;
-        for (std::size_t begin = 0; begin < in_blocks; begin += part_size) {
-            const std::size_t end = std::min(begin + part_size, in_blocks);
+        const std::size_t in_blocks = tags.size() / BLOCK_SIZE * BLOCK_SIZE;
+        for (std::size_t begin = 0; begin < in_blocks; begin += PART_SIZE) {
+            const std::size_t end = std::min(begin + PART_SIZE, in_blocks);
             for (const Piece& piece : pieces) {
                 Piece_Apply(piece, &levels[begin], &tags[begin], end - begin);
             }
@@ -101,7 +101,7 @@ class Level_Claims {
         }
     }
     /** Sixteen voxels at once: compilers make of a loop nothing that keeps up with copying.
-     *  @param size a multiple of block_size */
+     *  @param size a multiple of BLOCK_SIZE */
     static void Piece_Apply(const Piece& piece, const std::int32_t* levels, std::uint8_t* tags, std::size_t size) {
         // Moved so that the band's first level is the smallest number, one comparison tells what lies outside.
         constexpr std::uint32_t smallest = 0x80000000U;
@@ -110,7 +110,7 @@ class Level_Claims {
         const __m128i last = _mm_set1_epi32(
             static_cast<std::int32_t>(smallest + static_cast<std::uint32_t>(piece.end - 1 - piece.begin)));
         const __m128i tag = _mm_set1_epi8(static_cast<char>(piece.tag));
-        for (std::size_t at = 0; at < size; at += block_size) {
+        for (std::size_t at = 0; at < size; at += BLOCK_SIZE) {
             const auto outside = [&](std::size_t four) {
                 const __m128i level = _mm_loadu_si128(reinterpret_cast<const __m128i*>(levels + at + four));
                 return _mm_cmpgt_epi32(_mm_add_epi32(level, shift), last);
@@ -127,8 +127,8 @@ class Level_Claims {
         const std::int64_t begin = pieces.front().begin;
         for (std::size_t at = 0; at < tags.size(); ++at) {
             const auto index = static_cast<std::uint64_t>(levels[at] - begin);
-            const std::uint16_t tag = index < table.size() ? table[index] : no_tag;
-            tags[at] = tag == no_tag ? tags[at] : static_cast<std::uint8_t>(tag);
+            const std::uint16_t tag = index < table.size() ? table[index] : NO_TAG;
+            tags[at] = tag == NO_TAG ? tags[at] : static_cast<std::uint8_t>(tag);
         }
     }
     void Apply_Search(std::span<const std::int32_t> levels, std::span<std::uint8_t> tags) const {

@@ -12,7 +12,7 @@ namespace workbench::segmentation {
 namespace {
 
 // A volume that was summed voxel by voxel is not smaller than the same volume written as one number.
-constexpr double rounding = 1e-9;
+constexpr double ROUNDING = 1e-9;
 
 bool Is_Crossed(const Edit_Input& input, const Flood& flood, std::size_t at) {
     return flood.levels.Has(input.levels[at]) && input.levels[at] <= volumes::LEVEL_LARGEST &&
@@ -52,7 +52,7 @@ void Neighbours_Visit(const Voxel_Box& box, const Voxel_Place& place, Neighbours
         for (int dy = -1; dy <= 1; ++dy) {
             for (int dx = -1; dx <= 1; ++dx) {
                 const int steps = dx * dx + dy * dy + dz * dz;
-                if (steps != 0 && (steps == 1 || neighbours == Neighbours::CORNERS) &&
+                if (steps != 0 && (steps == 1 || neighbours == Neighbours::Corners) &&
                     box.Has(place.x + dx, place.y + dy, place.z + dz)) {
                     visit(Voxel_Place{place.x + dx, place.y + dy, place.z + dz});
                 }
@@ -173,7 +173,7 @@ std::optional<Label_Edit> Regions_Drop_Below(const Edit_Input& input, std::uint8
                                              Neighbours neighbours) {
     return Cancellable([&] {
         const Region_Map map = Regions_Of_Tag(input, tag, neighbours, Step_Progress(input.progress));
-        const double least = mm3 * (1.0 - rounding);
+        const double least = mm3 * (1.0 - ROUNDING);
         return Regions_Give(input, map, 0, [&](std::uint32_t region) {
             return static_cast<double>(map.Regions()[region].voxel_nb) * input.grid.Voxel_Mm3() < least;
         });

@@ -22,7 +22,7 @@ struct Flood {
     Voxel_Place seed;
     std::uint8_t tag = 0;
     Level_Band levels;
-    Neighbours neighbours = Neighbours::FACES;
+    Neighbours neighbours = Neighbours::Faces;
 };
 
 /** Gives a TAG to the voxels of a band that hang together with the seed; none when the seed is not one of them. Voxels

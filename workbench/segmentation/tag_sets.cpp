@@ -13,13 +13,13 @@ namespace {
 
 bool Is_In(Set_Operation operation, bool is_one, bool is_other) {
     switch (operation) {
-        case Set_Operation::ADD:
+        case Set_Operation::Add:
             return is_one || is_other;
-        case Set_Operation::SUBTRACT:
+        case Set_Operation::Subtract:
             return is_one && !is_other;
-        case Set_Operation::INTERSECT:
+        case Set_Operation::Intersect:
             return is_one && is_other;
-        case Set_Operation::COPY:
+        case Set_Operation::Copy:
             break;
     }
     return is_other;

@@ -10,10 +10,10 @@
 namespace workbench::segmentation {
 
 enum class Set_Operation {
-    COPY,       ///< the TAG has just the other set's voxels
-    ADD,        ///< and those of the other set
-    SUBTRACT,   ///< but not those of the other set
-    INTERSECT,  ///< only where the other set has voxels, too
+    Copy,       ///< the TAG has just the other set's voxels
+    Add,        ///< and those of the other set
+    Subtract,   ///< but not those of the other set
+    Intersect,  ///< only where the other set has voxels, too
 };
 
 /** The voxels of a TAG, in the same labels or in others. */

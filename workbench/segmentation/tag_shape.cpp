@@ -14,7 +14,7 @@ namespace workbench::segmentation {
 
 namespace {
 
-constexpr double rounding = 1e-6;  // of distances, as a share of them
+constexpr double ROUNDING = 1e-6;  // of distances, as a share of them
 
 /** Which regions touch the edge of their box. @param in_space also its first and last slice */
 std::vector<bool> Edge_Regions(const Region_Map& map, bool in_space) {
@@ -45,7 +45,7 @@ void Holes_Close(Voxel_Mask& mask, const Voxel_Box& box, bool in_space, const St
                 row[x] = marks[x] == 0 ? 1 : 0;
             }
         },
-        Neighbours::FACES, progress);
+        Neighbours::Faces, progress);
     const std::vector<bool> at_edge = Edge_Regions(map, in_space);
     for (int z = box.begin[2]; z < box.end[2]; ++z) {
         for (int y = box.begin[1]; y < box.end[1]; ++y) {
@@ -139,7 +139,7 @@ std::optional<Label_Edit> Holes_Fill(const Edit_Input& input, std::uint8_t tag, 
             return Label_Edit();
         }
         Voxel_Mask mask = Mask_Of_Tag(input, box, tag);
-        if (kind == Hole_Kind::IN_SPACE) {
+        if (kind == Hole_Kind::In_Space) {
             Holes_Close(mask, box, true, progress.Part(0.0, 0.8));
         } else {
             const Edit_Progress silent;
@@ -151,7 +151,7 @@ std::optional<Label_Edit> Holes_Fill(const Edit_Input& input, std::uint8_t tag, 
                 Holes_Close(mask, slice, false, Step_Progress(silent));
             }
         }
-        return Edit_Of_Mask(input, mask, tag, Outside_Mask::STAYS, progress.Part(0.8, 1.0));
+        return Edit_Of_Mask(input, mask, tag, Outside_Mask::Stays, progress.Part(0.8, 1.0));
     });
 }
 
@@ -182,7 +182,7 @@ std::optional<Label_Edit> Tag_Smooth(const Edit_Input& input, std::uint8_t tag, 
                 }
             }
         }
-        return Edit_Of_Mask(input, smooth, tag, Outside_Mask::BECOMES_BACKGROUND, progress.Part(0.9, 1.0));
+        return Edit_Of_Mask(input, smooth, tag, Outside_Mask::Becomes_Background, progress.Part(0.9, 1.0));
     });
 }
 
@@ -196,7 +196,7 @@ std::optional<Label_Edit> Tag_Grow(const Edit_Input& input, std::uint8_t tag, do
         box = Box_Grown(box, distance, input.grid.spacing, Box_Of_Slices(input));
         const Voxel_Mask within =
             Mask_Within(Mask_Of_Tag(input, box, tag), 1, distance, input.grid.spacing, progress.Part(0.0, 0.9));
-        return Edit_Of_Mask(input, within, tag, Outside_Mask::STAYS, progress.Part(0.9, 1.0));
+        return Edit_Of_Mask(input, within, tag, Outside_Mask::Stays, progress.Part(0.9, 1.0));
     });
 }
 
@@ -214,7 +214,7 @@ std::optional<Label_Edit> Tag_Shrink(const Edit_Input& input, std::uint8_t tag, 
         for (std::uint8_t& mark : mask.on) {
             mark = mark == 0 ? 1 : 0;
         }
-        return Edit_Of_Mask(input, mask, tag, Outside_Mask::BECOMES_BACKGROUND, progress.Part(0.9, 1.0));
+        return Edit_Of_Mask(input, mask, tag, Outside_Mask::Becomes_Background, progress.Part(0.9, 1.0));
     });
 }
 
@@ -246,13 +246,13 @@ std::optional<Label_Edit> Slices_Between_Fill(const Edit_Input& input, std::uint
                 for (std::size_t at = 0; at < slice_size; ++at) {
                     // Outlines often meet just halfway; which side that falls on is no matter of rounding.
                     const double sum = (1.0 - share) * before[at] + share * after[at];
-                    marks[at] = sum <= rounding * (std::abs(before[at]) + std::abs(after[at])) ? 1 : 0;
+                    marks[at] = sum <= ROUNDING * (std::abs(before[at]) + std::abs(after[at])) ? 1 : 0;
                 }
             }
             before = after;
             before_slice = z;
         }
-        return Edit_Of_Mask(input, mask, tag, Outside_Mask::STAYS, progress.Part(0.9, 1.0));
+        return Edit_Of_Mask(input, mask, tag, Outside_Mask::Stays, progress.Part(0.9, 1.0));
     });
 }
 

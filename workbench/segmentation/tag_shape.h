@@ -15,7 +15,7 @@
 namespace workbench::segmentation {
 
 /** Where a hole must be closed: all around in its slice, or in space. */
-enum class Hole_Kind { PER_SLICE, IN_SPACE };
+enum class Hole_Kind { Per_Slice, In_Space };
 
 /** Fills what a TAG encloses: what does not reach the edge of the image over the sides of voxels without crossing the
  *  TAG. Other TAGs inside are filled, too, where they may change. */

@@ -14,7 +14,7 @@ namespace workbench::segmentation {
 
 namespace {
 
-constexpr std::int64_t table_most = 65536;  // levels that are counted in a table instead of being sorted
+constexpr std::int64_t TABLE_MOST = 65536;  // levels that are counted in a table instead of being sorted
 
 struct Level_Count {
     std::int32_t level;
@@ -43,7 +43,7 @@ class Level_Counts {
             if (levels[at] > volumes::LEVEL_LARGEST) {
                 continue;
             }
-            if (size > table_most) {
+            if (size > TABLE_MOST) {
                 lists[tags[at]].push_back(levels[at]);
                 continue;
             }
@@ -110,7 +110,7 @@ double Level_Variance(std::span<const Level_Count> counts, std::int64_t sum, std
     const double mean = static_cast<double>(sum) / static_cast<double>(voxel_nb);
     const auto middle = std::llround(mean);
     const std::int64_t shifted_sum = sum - middle * static_cast<std::int64_t>(voxel_nb);
-    const bool is_narrow = std::int64_t{counts.back().level} - counts.front().level < 2 * table_most;
+    const bool is_narrow = std::int64_t{counts.back().level} - counts.front().level < 2 * TABLE_MOST;
     std::uint64_t whole = 0;
     double real = 0.0;
     for (const Level_Count& count : counts) {

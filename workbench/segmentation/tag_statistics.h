@@ -43,7 +43,7 @@ struct Grey_Scale {
 struct Statistics_Request {
     Grey_Scale scale;
     std::vector<double> percentiles{5.0, 95.0};   ///< 0 .. 100
-    Neighbours neighbours = Neighbours::CORNERS;  ///< of regions
+    Neighbours neighbours = Neighbours::Corners;  ///< of regions
 };
 
 /** The numbers of every TAG that the slices have, ascending, background included. What may change does not matter.

@@ -60,7 +60,7 @@ Voxel_Mask Mask_Of_Tag(const Edit_Input& input, const Voxel_Box& box, std::uint8
 Label_Edit Edit_Of_Mask(const Edit_Input& input, const Voxel_Mask& mask, std::uint8_t tag, Outside_Mask outside,
                         const Step_Progress& progress) {
     const Voxel_Box& box = mask.box;
-    const bool clears = outside == Outside_Mask::BECOMES_BACKGROUND;
+    const bool clears = outside == Outside_Mask::Becomes_Background;
     Edit_Builder builder(input);
     std::vector<std::uint8_t> after(input.grid.Slice_Size());
     for (int z = box.begin[2]; z < box.end[2]; ++z) {

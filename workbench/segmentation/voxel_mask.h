@@ -57,7 +57,7 @@ struct Voxel_Mask {
 Voxel_Mask Mask_Of_Tag(const Edit_Input& input, const Voxel_Box& box, std::uint8_t tag);
 
 /** What becomes of a TAG's voxels in the mask's box that the mask does not have. */
-enum class Outside_Mask { STAYS, BECOMES_BACKGROUND };
+enum class Outside_Mask { Stays, Becomes_Background };
 /** Gives the mask's voxels a TAG. @throw Edit_Cancelled */
 Label_Edit Edit_Of_Mask(const Edit_Input& input, const Voxel_Mask& mask, std::uint8_t tag, Outside_Mask outside,
                         const Step_Progress& progress);

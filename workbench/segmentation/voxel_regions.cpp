@@ -8,7 +8,7 @@ namespace workbench::segmentation {
  *  region meanwhile, or its own. */
 class Region_Finder {
   public:
-    Region_Finder(const Voxel_Box& box, Neighbours touching) : is_wide(touching == Neighbours::CORNERS) {
+    Region_Finder(const Voxel_Box& box, Neighbours touching) : is_wide(touching == Neighbours::Corners) {
         map.box = box;
         if (!box.Is_Empty()) {
             map.row_begin.reserve(box.Row_Nb() + 1);

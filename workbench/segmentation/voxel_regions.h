@@ -14,7 +14,7 @@
 namespace workbench::segmentation {
 
 /** Which voxels touch: FACES: 4 in a slice, 6 in space; CORNERS: 8 and 26. */
-enum class Neighbours { FACES, CORNERS };
+enum class Neighbours { Faces, Corners };
 
 /** Voxels of a row that lie together; x in the volume, half-open. */
 struct Region_Run {

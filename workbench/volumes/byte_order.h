@@ -9,7 +9,7 @@
 
 namespace volumes {
 
-enum class Byte_Order { LITTLE, BIG };
+enum class Byte_Order { Little, Big };
 
 namespace byte_order_detail {
 template <std::size_t size>
@@ -37,7 +37,7 @@ template <class Value>
 requires std::is_arithmetic_v<Value> Value Value_Read(const std::uint8_t* bytes, Byte_Order order) {
     using Bits = typename byte_order_detail::Bits<sizeof(Value)>::Type;
     std::uint64_t bits = 0;
-    if (order == Byte_Order::LITTLE) {
+    if (order == Byte_Order::Little) {
         for (std::size_t i = 0; i < sizeof(Value); ++i) {
             bits |= static_cast<std::uint64_t>(bytes[i]) << (8U * i);
         }
@@ -56,7 +56,7 @@ void Value_Write(std::uint8_t* bytes, Value value, Byte_Order order) {
     using Bits = typename byte_order_detail::Bits<sizeof(Value)>::Type;
     const std::uint64_t bits = std::bit_cast<Bits>(value);
     for (std::size_t i = 0; i < sizeof(Value); ++i) {
-        const std::size_t position = order == Byte_Order::LITTLE ? i : sizeof(Value) - 1U - i;
+        const std::size_t position = order == Byte_Order::Little ? i : sizeof(Value) - 1U - i;
         bytes[position] = static_cast<std::uint8_t>(bits >> (8U * i));
     }
 }

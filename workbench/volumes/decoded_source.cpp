@@ -12,16 +12,16 @@
 namespace volumes {
 
 namespace {
-constexpr std::size_t input_size = 256U * 1024U;  // bytes read from the file at once
-constexpr int gzip_window_bits = 15 + 16;         // zlib: largest window, gzip header and trailer
-constexpr std::array<std::uint8_t, 2> gzip_magic = {0x1F, 0x8B};
-constexpr std::size_t skip_size = 64U * 1024U;
+constexpr std::size_t INPUT_SIZE = 256U * 1024U;  // bytes read from the file at once
+constexpr int GZIP_WINDOW_BITS = 15 + 16;         // zlib: largest window, gzip header and trailer
+constexpr std::array<std::uint8_t, 2> GZIP_MAGIC = {0x1F, 0x8B};
+constexpr std::size_t SKIP_SIZE = 64U * 1024U;
 }  // namespace
 
 struct Decoded_Source::Inflater {
     z_stream stream{};
     bool ready = false;
-    Inflater() { ready = ::inflateInit2(&stream, gzip_window_bits) == Z_OK; }
+    Inflater() { ready = ::inflateInit2(&stream, GZIP_WINDOW_BITS) == Z_OK; }
     ~Inflater() {
         if (ready) {
             ::inflateEnd(&stream);
@@ -31,11 +31,11 @@ struct Decoded_Source::Inflater {
     Inflater& operator=(const Inflater&) = delete;
 };
 
-Decoded_Source::Decoded_Source(Byte_Source& coded_source) : source(coded_source), input(input_size) {
+Decoded_Source::Decoded_Source(Byte_Source& coded_source) : source(coded_source), input(INPUT_SIZE) {
     Refill();
-    if (input_end >= gzip_magic.size() && std::equal(gzip_magic.begin(), gzip_magic.end(), input.begin())) {
+    if (input_end >= GZIP_MAGIC.size() && std::equal(GZIP_MAGIC.begin(), GZIP_MAGIC.end(), input.begin())) {
         inflater = std::make_unique<Inflater>();
-        end = inflater->ready ? Decode_End::NOT_YET : Decode_End::NO_MEMORY;
+        end = inflater->ready ? Decode_End::Not_Yet : Decode_End::No_Memory;
     }
 }
 
@@ -46,14 +46,14 @@ std::optional<std::uint64_t> Decoded_Source::Size() const {
 }
 
 std::size_t Decoded_Source::Read(std::span<std::uint8_t> buffer) {
-    if (end != Decode_End::NOT_YET) {
+    if (end != Decode_End::Not_Yet) {
         return 0;
     }
     return Compressed() ? Read_Gzip(buffer) : Read_Plain(buffer);
 }
 
 std::uint64_t Decoded_Source::Skip(std::uint64_t count) {
-    std::vector<std::uint8_t> sink(static_cast<std::size_t>(std::min<std::uint64_t>(count, skip_size)));
+    std::vector<std::uint8_t> sink(static_cast<std::size_t>(std::min<std::uint64_t>(count, SKIP_SIZE)));
     std::uint64_t done = 0;
     while (done < count) {
         const std::size_t wanted = static_cast<std::size_t>(std::min<std::uint64_t>(count - done, sink.size()));
@@ -77,7 +77,7 @@ std::size_t Decoded_Source::Read_Plain(std::span<std::uint8_t> buffer) {
     std::size_t done = 0;
     while (done < buffer.size()) {
         if (input_begin == input_end && !Refill()) {
-            end = source.Failed() ? Decode_End::READ_ERROR : Decode_End::COMPLETE;
+            end = source.Failed() ? Decode_End::Read_Error : Decode_End::Complete;
             break;
         }
         const std::size_t count = std::min(buffer.size() - done, input_end - input_begin);
@@ -91,9 +91,9 @@ std::size_t Decoded_Source::Read_Plain(std::span<std::uint8_t> buffer) {
 std::size_t Decoded_Source::Read_Gzip(std::span<std::uint8_t> buffer) {
     z_stream& stream = inflater->stream;
     std::size_t done = 0;
-    while (done < buffer.size() && end == Decode_End::NOT_YET) {
+    while (done < buffer.size() && end == Decode_End::Not_Yet) {
         if (input_begin == input_end && !Refill()) {
-            end = source.Failed() ? Decode_End::READ_ERROR : Decode_End::CUT_OFF;
+            end = source.Failed() ? Decode_End::Read_Error : Decode_End::Cut_Off;
             break;
         }
         const std::size_t room = std::min<std::size_t>(buffer.size() - done, std::numeric_limits<uInt>::max());
@@ -107,11 +107,11 @@ std::size_t Decoded_Source::Read_Gzip(std::span<std::uint8_t> buffer) {
         if (result == Z_STREAM_END) {
             Member_Finish();
         } else if (result == Z_MEM_ERROR) {
-            end = Decode_End::NO_MEMORY;
+            end = Decode_End::No_Memory;
         } else if (result != Z_OK && result != Z_BUF_ERROR) {
             const std::string_view reason = stream.msg != nullptr ? stream.msg : "";
             const bool trailer = reason == "incorrect data check" || reason == "incorrect length check";
-            end = trailer ? Decode_End::WRONG_CHECKSUM : Decode_End::DAMAGED;
+            end = trailer ? Decode_End::Wrong_Checksum : Decode_End::Damaged;
         }
     }
     return done;
@@ -119,7 +119,7 @@ std::size_t Decoded_Source::Read_Gzip(std::span<std::uint8_t> buffer) {
 
 // After one member: another may follow at once, or the content is complete.
 void Decoded_Source::Member_Finish() {
-    if (input_end - input_begin < gzip_magic.size()) {
+    if (input_end - input_begin < GZIP_MAGIC.size()) {
         // The next member's mark may straddle two blocks: move the rest to the front and fill up.
         const std::size_t rest = input_end - input_begin;
         std::memmove(input.data(), input.data() + input_begin, rest);
@@ -128,13 +128,13 @@ void Decoded_Source::Member_Finish() {
     }
     const std::size_t left = input_end - input_begin;
     if (left == 0) {
-        end = source.Failed() ? Decode_End::READ_ERROR : Decode_End::COMPLETE;
-    } else if (left >= gzip_magic.size() &&
-               std::memcmp(input.data() + input_begin, gzip_magic.data(), gzip_magic.size()) == 0) {
-        end = ::inflateReset(&inflater->stream) == Z_OK ? Decode_End::NOT_YET : Decode_End::DAMAGED;
+        end = source.Failed() ? Decode_End::Read_Error : Decode_End::Complete;
+    } else if (left >= GZIP_MAGIC.size() &&
+               std::memcmp(input.data() + input_begin, GZIP_MAGIC.data(), GZIP_MAGIC.size()) == 0) {
+        end = ::inflateReset(&inflater->stream) == Z_OK ? Decode_End::Not_Yet : Decode_End::Damaged;
     } else {
         garbage = true;
-        end = Decode_End::COMPLETE;
+        end = Decode_End::Complete;
     }
 }
 

@@ -14,13 +14,13 @@ namespace volumes {
 
 /** How reading ended. */
 enum class Decode_End {
-    NOT_YET,         ///< more may follow
-    COMPLETE,        ///< the end of the file; for gzip: checksum and length were right
-    READ_ERROR,      ///< the system could not read the file
-    CUT_OFF,         ///< the file ends inside its compressed data
-    DAMAGED,         ///< the compressed data make no sense
-    WRONG_CHECKSUM,  ///< the compressed data decode, but to something else than was once stored
-    NO_MEMORY,       ///< no memory for decoding
+    Not_Yet,         ///< more may follow
+    Complete,        ///< the end of the file; for gzip: checksum and length were right
+    Read_Error,      ///< the system could not read the file
+    Cut_Off,         ///< the file ends inside its compressed data
+    Damaged,         ///< the compressed data make no sense
+    Wrong_Checksum,  ///< the compressed data decode, but to something else than was once stored
+    No_Memory,       ///< no memory for decoding
 };
 
 /** Passes plain bytes on and decodes gzip, which it recognises by content. Several gzip members in a row are one
@@ -59,7 +59,7 @@ class Decoded_Source {
     std::size_t input_begin = 0;
     std::size_t input_end = 0;
     std::unique_ptr<Inflater> inflater;  // only for gzip
-    Decode_End end = Decode_End::NOT_YET;
+    Decode_End end = Decode_End::Not_Yet;
     bool garbage = false;
 };
 

@@ -21,8 +21,8 @@ namespace volumes {
 
 namespace {
 
-constexpr Uint32 value_kept = 4096;  // bytes: longer values are read when they are asked for
-constexpr std::size_t mark_size = 4;
+constexpr Uint32 VALUE_KEPT = 4096;  // bytes: longer values are read when they are asked for
+constexpr std::size_t MARK_SIZE = 4;
 
 void Toolkit_Prepare() {
     static std::once_flag once;
@@ -109,7 +109,7 @@ std::string Toolkit_Text(const OFCondition& condition) {
 }
 
 bool Dicom_Has_Mark(std::span<const std::uint8_t> head) {
-    constexpr std::array<std::uint8_t, mark_size> mark = {'D', 'I', 'C', 'M'};
+    constexpr std::array<std::uint8_t, MARK_SIZE> mark = {'D', 'I', 'C', 'M'};
     return head.size() >= DICOM_PREAMBLE_SIZE + mark.size() &&
            std::ranges::equal(head.subspan(DICOM_PREAMBLE_SIZE, mark.size()), mark);
 }
@@ -117,7 +117,7 @@ bool Dicom_Has_Mark(std::span<const std::uint8_t> head) {
 bool Dicom_Has_Meta(std::span<const std::uint8_t> head) {
     // The length of group 2, in four bytes.
     constexpr std::array<std::uint8_t, 8> length = {2, 0, 0, 0, 'U', 'L', 4, 0};
-    constexpr std::size_t at = DICOM_PREAMBLE_SIZE + mark_size;
+    constexpr std::size_t at = DICOM_PREAMBLE_SIZE + MARK_SIZE;
     return head.size() >= at + length.size() && std::ranges::equal(head.subspan(at, length.size()), length);
 }
 
@@ -126,12 +126,12 @@ void Data_Set_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmF
     Toolkit_Prepare();
     if (!Dicom_Has_Mark(bytes) && Dicom_Has_Meta(bytes)) {
         source.warnings.emplace_back("has a damaged mark at its beginning");
-        bytes = bytes.subspan(DICOM_PREAMBLE_SIZE + mark_size);
+        bytes = bytes.subspan(DICOM_PREAMBLE_SIZE + MARK_SIZE);
     }
     Memory_Stream stream(bytes);
     DcmMetaInfo* const meta = file.getMetaInfo();
     meta->transferInit();
-    const OFCondition meta_read = meta->read(stream, EXS_Unknown, EGL_noChange, value_kept);
+    const OFCondition meta_read = meta->read(stream, EXS_Unknown, EGL_noChange, VALUE_KEPT);
     meta->transferEnd();
     if (meta_read.bad() && meta_read != EC_EndOfStream) {
         throw Dicom_Refusal{"is broken or cut short (" + Toolkit_Text(meta_read) + ")"};
@@ -145,14 +145,14 @@ void Data_Set_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmF
         source.inflated = Inflate(bytes.subspan(start), most);
         source.syntax_name = "Deflated Explicit VR Little Endian";
         Memory_Stream content(source.inflated);
-        read = data_set->read(content, EXS_LittleEndianExplicit, EGL_noChange, value_kept);
+        read = data_set->read(content, EXS_LittleEndianExplicit, EGL_noChange, VALUE_KEPT);
     } else {
         const E_TransferSyntax told = named.empty() ? EXS_Unknown : DcmXfer(named.c_str()).getXfer();
         if (told == EXS_Unknown && !named.empty()) {
             throw Dicom_Refusal{"has an unknown transfer syntax (" + Printable_Text(named, FIELD_SHOWN_MOST) + ")"};
         }
         read =
-            data_set->read(stream, Form_Found(told, bytes.subspan(start), source.warnings), EGL_noChange, value_kept);
+            data_set->read(stream, Form_Found(told, bytes.subspan(start), source.warnings), EGL_noChange, VALUE_KEPT);
     }
     data_set->transferEnd();
     if (read.bad() && read != EC_EndOfStream) {

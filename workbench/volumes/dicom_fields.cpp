@@ -12,15 +12,15 @@ namespace volumes {
 
 namespace {
 
-constexpr unsigned char first_non_ascii = 0x80;
-constexpr unsigned long text_longest = 65536;  // bytes of a value that is read as a text or as numbers
+constexpr unsigned char FIRST_NON_ASCII = 0x80;
+constexpr unsigned long TEXT_LONGEST = 65536;  // bytes of a value that is read as a text or as numbers
 
 }  // namespace
 
 std::string Field_Text(DcmItem& item, const DcmTagKey& tag, unsigned long position) {
     DcmElement* element = nullptr;
     OFString value;
-    if (item.findAndGetElement(tag, element).bad() || element == nullptr || element->getLength() > text_longest ||
+    if (item.findAndGetElement(tag, element).bad() || element == nullptr || element->getLength() > TEXT_LONGEST ||
         element->getOFString(value, position).bad()) {
         return {};
     }
@@ -63,7 +63,7 @@ std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag, unsigned long positi
         const auto byte = static_cast<unsigned char>(letter);
         if (byte < ' ') {
             utf8 += ' ';
-        } else if (byte < first_non_ascii) {
+        } else if (byte < FIRST_NON_ASCII) {
             utf8 += letter;
         } else if (is_latin) {
             utf8 += static_cast<char>(0xC0U | byte >> 6U);

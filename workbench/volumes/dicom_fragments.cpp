@@ -9,12 +9,12 @@ namespace volumes {
 
 namespace {
 
-constexpr std::size_t word_size = sizeof(std::uint32_t);
-constexpr std::size_t header_size = 64;  // of a run-length frame: a count and 15 offsets
-constexpr std::size_t item_head_size = 8;
+constexpr std::size_t WORD_SIZE = sizeof(std::uint32_t);
+constexpr std::size_t HEADER_SIZE = 64;  // of a run-length frame: a count and 15 offsets
+constexpr std::size_t ITEM_HEAD_SIZE = 8;
 
 std::uint32_t Word(std::span<const std::uint8_t> bytes, std::size_t number) {
-    return Value_Read<std::uint32_t>(bytes.data() + number * word_size, Byte_Order::LITTLE);
+    return Value_Read<std::uint32_t>(bytes.data() + number * WORD_SIZE, Byte_Order::Little);
 }
 
 }  // namespace
@@ -43,9 +43,9 @@ std::span<const std::uint8_t> Run_Length_Frames::Fragment(std::size_t number) co
 
 bool Run_Length_Frames::Begins_Frame(std::size_t number) const {
     const std::span<const std::uint8_t> bytes = Fragment(number);
-    constexpr std::size_t segment_most = header_size / word_size - 1;
-    if (bytes.size() < header_size || segment_nb > segment_most || Word(bytes, 0) != segment_nb ||
-        Word(bytes, 1) != header_size) {
+    constexpr std::size_t segment_most = HEADER_SIZE / WORD_SIZE - 1;
+    if (bytes.size() < HEADER_SIZE || segment_nb > segment_most || Word(bytes, 0) != segment_nb ||
+        Word(bytes, 1) != HEADER_SIZE) {
         return false;
     }
     for (std::size_t segment = 1; segment < segment_most; ++segment) {
@@ -67,7 +67,7 @@ std::vector<std::size_t> Run_Length_Frames::Table_Begins() const {
     const std::span<const std::uint8_t> table(bytes, item->getLength());
     std::vector<std::size_t> found;
     std::uint64_t offset = 0;
-    for (std::size_t number = 0; number < fragment_nb && found.size() < table.size() / word_size; ++number) {
+    for (std::size_t number = 0; number < fragment_nb && found.size() < table.size() / WORD_SIZE; ++number) {
         if (Word(table, found.size()) == offset) {
             found.push_back(number);
         }
@@ -75,7 +75,7 @@ std::vector<std::size_t> Run_Length_Frames::Table_Begins() const {
         if (sequence.getItem(fragment, static_cast<unsigned long>(number) + 1).bad() || fragment == nullptr) {
             return {};
         }
-        offset += item_head_size + fragment->getLength();
+        offset += ITEM_HEAD_SIZE + fragment->getLength();
     }
     return found;
 }

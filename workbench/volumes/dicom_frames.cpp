@@ -13,10 +13,10 @@ namespace volumes {
 
 namespace {
 
-constexpr double direction_least = 1e-3;  // length of a vector below which it has no direction
-constexpr std::uint16_t modality_ultrasound = 'U' << 8 | 'S';
-constexpr std::uint16_t modality_angiography = 'X' << 8 | 'A';
-constexpr std::uint16_t modality_fluoroscopy = 'R' << 8 | 'F';
+constexpr double DIRECTION_LEAST = 1e-3;  // length of a vector below which it has no direction
+constexpr std::uint16_t MODALITY_ULTRASOUND = 'U' << 8 | 'S';
+constexpr std::uint16_t MODALITY_ANGIOGRAPHY = 'X' << 8 | 'A';
+constexpr std::uint16_t MODALITY_FLUOROSCOPY = 'R' << 8 | 'F';
 
 double Length_Of(const std::array<double, 3>& vector) {
     return std::sqrt(vector[0] * vector[0] + vector[1] * vector[1] + vector[2] * vector[2]);
@@ -24,7 +24,7 @@ double Length_Of(const std::array<double, 3>& vector) {
 
 bool Normalise(std::array<double, 3>& vector) {
     const double length = Length_Of(vector);
-    if (!(length > direction_least)) {
+    if (!(length > DIRECTION_LEAST)) {
         return false;
     }
     for (double& part : vector) {
@@ -51,7 +51,7 @@ void Place_Read(DcmItem& position_item, DcmItem* orientation_item, Slice_Place& 
     place.along_row = {(*sides)[0], (*sides)[1], (*sides)[2]};
     place.along_column = {(*sides)[3], (*sides)[4], (*sides)[5]};
     place.is_known =
-        Normalise(place.along_row) && Normalise(place.along_column) && Length_Of(Slice_Normal(place)) > direction_least;
+        Normalise(place.along_row) && Normalise(place.along_column) && Length_Of(Slice_Normal(place)) > DIRECTION_LEAST;
 }
 
 /** The functional group of one frame: its own, else the one that all frames share; null when there is neither. */
@@ -88,30 +88,30 @@ bool Is_Mapping_Whole(DcmItem& mapping, const Frame_Size& size) {
 }
 
 /** What became of a file's real-world values. */
-enum class Real_World { NONE, SHOWN, BESIDE_SCALE, UNUSABLE };
+enum class Real_World { None, Shown, Beside_Scale, Unusable };
 
 /** Real-world values where the file has no other scale: one straight line for all stored values. */
 Real_World Real_World_Read(DcmItem& item, const Frame_Size& size, Frame_Facts& facts) {
     DcmItem* const mapping = Field_Item(item, DCM_RealWorldValueMappingSequence);
     if (mapping == nullptr) {
-        return Real_World::NONE;
+        return Real_World::None;
     }
     const auto slope = Field_Number(*mapping, DCM_RealWorldValueSlope);
     const auto intercept = Field_Number(*mapping, DCM_RealWorldValueIntercept);
     if (facts.has_scale) {
         const bool is_same = slope == facts.slope && intercept == facts.intercept;
-        return is_same ? Real_World::SHOWN : Real_World::BESIDE_SCALE;
+        return is_same ? Real_World::Shown : Real_World::Beside_Scale;
     }
     constexpr double scale_most = 1e30;
     constexpr double scale_least = 1e-30;
     if (Field_Item(item, DCM_RealWorldValueMappingSequence, 1) != nullptr || !slope || !intercept ||
         !(std::abs(*slope) >= scale_least && std::abs(*slope) <= scale_most && std::abs(*intercept) <= scale_most) ||
         !Is_Mapping_Whole(*mapping, size)) {
-        return Real_World::UNUSABLE;
+        return Real_World::Unusable;
     }
     facts.slope = *slope;
     facts.intercept = *intercept;
-    return Real_World::SHOWN;
+    return Real_World::Shown;
 }
 
 bool Is_Length(double length) {
@@ -121,7 +121,7 @@ bool Is_Length(double length) {
 }
 
 /** Where the size of pixels comes from. */
-enum class Pixel_Source { NONE, PATIENT, REGION, DETECTOR, PROPORTION };
+enum class Pixel_Source { None, Patient, Region, Detector, Proportion };
 
 /** Ultrasound says for parts of the picture how large pixels are. @return whether all flat ones agree */
 bool Region_Read(DcmItem& data_set, std::array<double, 3>& spacing, bool& differs) {
@@ -182,10 +182,10 @@ Pixel_Source Spacing_Read(DcmItem& item, std::array<double, 3>& spacing) {
         if (pixel && Is_Length((*pixel)[0]) && Is_Length((*pixel)[1])) {
             spacing[0] = (*pixel)[1];
             spacing[1] = (*pixel)[0];
-            return tag == DCM_PixelSpacing ? Pixel_Source::PATIENT : Pixel_Source::DETECTOR;
+            return tag == DCM_PixelSpacing ? Pixel_Source::Patient : Pixel_Source::Detector;
         }
     }
-    return Pixel_Source::NONE;
+    return Pixel_Source::None;
 }
 
 /** Frames that are moments of one place, not places. */
@@ -195,7 +195,7 @@ bool Is_Cine(DcmItem& data_set, std::uint16_t modality) {
         return pointer == "(0018,1063)" || pointer == "(0018,1065)";
     }
     return Field_Number(data_set, DCM_FrameTime) || Field_Number(data_set, DCM_CineRate) ||
-           modality == modality_ultrasound || modality == modality_angiography || modality == modality_fluoroscopy;
+           modality == MODALITY_ULTRASOUND || modality == MODALITY_ANGIOGRAPHY || modality == MODALITY_FLUOROSCOPY;
 }
 
 double Time_Step(DcmItem& data_set) {
@@ -255,9 +255,9 @@ class Planner {
     std::uint16_t modality;
     const Frame_Size& size;
     Frame_Plan plan;
-    Pixel_Source pixel_source = Pixel_Source::NONE;
+    Pixel_Source pixel_source = Pixel_Source::None;
     bool is_scale_usable = true;
-    Real_World real_world = Real_World::NONE;  // the worst of all frames
+    Real_World real_world = Real_World::None;  // the worst of all frames
     bool is_views = false;                     // frames show things that cannot be stacked
 };
 
@@ -277,11 +277,11 @@ void Planner::Frames_Read() {
     is_scale_usable = Scale_Read(data_set, is_dose ? DCM_DoseGridScaling : DCM_RescaleSlope, common);
     pixel_source = Spacing_Read(data_set, common.spacing);
     bool differs = false;
-    if (pixel_source == Pixel_Source::NONE && Region_Read(data_set, common.spacing, differs)) {
-        pixel_source = Pixel_Source::REGION;
+    if (pixel_source == Pixel_Source::None && Region_Read(data_set, common.spacing, differs)) {
+        pixel_source = Pixel_Source::Region;
     }
-    if (pixel_source == Pixel_Source::NONE && Proportion_Read(data_set, common.spacing)) {
-        pixel_source = Pixel_Source::PROPORTION;
+    if (pixel_source == Pixel_Source::None && Proportion_Read(data_set, common.spacing)) {
+        pixel_source = Pixel_Source::Proportion;
     }
     common.has_scale = common.has_scale || Field_Item(data_set, DCM_ModalityLUTSequence) != nullptr;
     if (differs) {
@@ -306,9 +306,9 @@ void Planner::Real_World_Note(DcmItem* item, Frame_Facts& facts) {
 }
 
 void Planner::Real_World_Tell() {
-    if (real_world == Real_World::BESIDE_SCALE) {
+    if (real_world == Real_World::Beside_Scale) {
         Warn("names real-world values beside its rescale: greys are those of the rescale");
-    } else if (real_world == Real_World::UNUSABLE) {
+    } else if (real_world == Real_World::Unusable) {
         Warn(
             "names real-world values in a way that is not read (a table, several, or not for all values): stored "
             "values are shown as they are");
@@ -341,7 +341,7 @@ void Planner::Frame_Read(std::size_t frame, DcmItem* shared) {
     }
     if (DcmItem* const measures = Group_Of(own, shared, DCM_PixelMeasuresSequence)) {
         const Pixel_Source source = Spacing_Read(*measures, facts.spacing);
-        pixel_source = source != Pixel_Source::NONE ? source : pixel_source;
+        pixel_source = source != Pixel_Source::None ? source : pixel_source;
     }
 }
 
@@ -491,7 +491,7 @@ bool Planner::Placed() {
         stack.order = one.order;
         stack.place = places[first];
         stack.spacing = plan.facts[first].spacing;
-        if (one.kind == Slice_Stack::Kind::SCATTERED) {
+        if (one.kind == Slice_Stack::Kind::Scattered) {
             stack.place = Place_Shown({});
             stack.step = {0, 0, stack.spacing[2]};
         } else if (one.nz > 1) {
@@ -500,7 +500,7 @@ bool Planner::Placed() {
         } else {
             stack.step = Scaled(Unit_Normal(stack.place), stack.spacing[2]);
         }
-        stack.place.is_known = is_known && one.kind != Slice_Stack::Kind::SCATTERED;
+        stack.place.is_known = is_known && one.kind != Slice_Stack::Kind::Scattered;
         plan.stacks.push_back(std::move(stack));
     }
     plan.place_source = has_offsets ? "position of the file, offset of every frame" : "position of every frame";
@@ -537,13 +537,13 @@ void Planner::Plain() {
 
 std::string Pixel_Source_Text(Pixel_Source source) {
     switch (source) {
-        case Pixel_Source::PATIENT:
+        case Pixel_Source::Patient:
             return {};
-        case Pixel_Source::REGION:
+        case Pixel_Source::Region:
             return "; pixel size of the ultrasound region";
-        case Pixel_Source::PROPORTION:
+        case Pixel_Source::Proportion:
             return "; no pixel size, taken as 1 mm across; only the proportion of the sides is said";
-        case Pixel_Source::DETECTOR:
+        case Pixel_Source::Detector:
             return "; pixel size at the detector, not in the patient";
         default:
             return "; no pixel size, taken as 1 mm";

@@ -11,7 +11,7 @@ namespace volumes {
 
 namespace {
 
-constexpr std::int32_t entries_most = 65536;
+constexpr std::int32_t ENTRIES_MOST = 65536;
 
 /** Elements of 16 bits, whichever form they are kept in; null when there are none. */
 const Uint16* Words_Of(DcmElement& element) {
@@ -30,7 +30,7 @@ const Uint16* Words_Of(DcmElement& element) {
 
 std::optional<Lookup> Lookup_Read(DcmItem& item, const DcmTagKey& descriptor, const DcmTagKey& data, bool is_signed,
                                   Lookup_Failure& failure) {
-    failure = Lookup_Failure::ABSENT;
+    failure = Lookup_Failure::Absent;
     const auto numbers = Field_Numbers<3>(item, descriptor);
     DcmElement* element = nullptr;
     if (!numbers || item.findAndGetElement(data, element).bad() || element == nullptr) {
@@ -41,21 +41,21 @@ std::optional<Lookup> Lookup_Read(DcmItem& item, const DcmTagKey& descriptor, co
     if (words == nullptr && (element->getUint8Array(octets).bad() || octets == nullptr)) {
         return std::nullopt;
     }
-    failure = Lookup_Failure::TOO_SHORT;
+    failure = Lookup_Failure::Too_Short;
     const auto count_told = static_cast<std::int32_t>((*numbers)[0]);
-    const std::int32_t count = count_told <= 0 ? count_told + entries_most : count_told;  // 0 stands for all
+    const std::int32_t count = count_told <= 0 ? count_told + ENTRIES_MOST : count_told;  // 0 stands for all
     Lookup lookup;
     lookup.bits = (*numbers)[2] > 8 ? 16 : 8;
     lookup.first = static_cast<std::int32_t>(std::clamp((*numbers)[1], -65536.0, 65536.0));
     constexpr std::int32_t sign_from = 32768;
     if (is_signed && lookup.first >= sign_from) {
-        lookup.first -= entries_most;
+        lookup.first -= ENTRIES_MOST;
     } else if (!is_signed && lookup.first < 0) {
-        lookup.first += entries_most;
+        lookup.first += ENTRIES_MOST;
     }
     const auto length = static_cast<std::int64_t>(element->getLength());
     const bool is_packed = words == nullptr || (lookup.bits == 8 && length < std::int64_t{count} * 2);
-    if (count < 1 || count > entries_most || length < (is_packed ? count : std::int64_t{count} * 2)) {
+    if (count < 1 || count > ENTRIES_MOST || length < (is_packed ? count : std::int64_t{count} * 2)) {
         return std::nullopt;
     }
     lookup.entries.reserve(static_cast<std::size_t>(count));
@@ -68,7 +68,7 @@ std::optional<Lookup> Lookup_Read(DcmItem& item, const DcmTagKey& descriptor, co
             lookup.entries.push_back(entry % 2 == 0 ? words[entry / 2] & 0xFF : words[entry / 2] >> 8);
         }
     }
-    failure = Lookup_Failure::NONE;
+    failure = Lookup_Failure::None;
     return lookup;
 }
 

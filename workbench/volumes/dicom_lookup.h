@@ -18,7 +18,7 @@ struct Lookup {
     std::vector<std::int32_t> entries;  ///< one or more
 };
 
-enum class Lookup_Failure { NONE, ABSENT, TOO_SHORT };
+enum class Lookup_Failure { None, Absent, Too_Short };
 
 /** @param descriptor count, first stored value, bits: as unsigned or signed numbers, whichever the file wrote
  *  @param is_signed the stored values have a sign

@@ -61,7 +61,7 @@ void Decode_Color(const Pixel_Format& format, const Samples& samples, std::span<
         const std::int32_t second = samples.Byte(at * pixel + plane);
         const std::int32_t third = samples.Byte(at * pixel + 2 * plane);
         levels[at] =
-            format.kind == Pixel_Format::Kind::RGB ? Packed(first, second, third) : Packed_Of_Ybr(first, second, third);
+            format.kind == Pixel_Format::Kind::Rgb ? Packed(first, second, third) : Packed_Of_Ybr(first, second, third);
     }
 }
 
@@ -78,7 +78,7 @@ void Decode_Halved(const Samples& samples, std::span<std::int64_t> levels) {
 std::uint64_t Pixel_Format::Frame_Size() const {
     const std::uint64_t pixels = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
     const std::uint64_t samples =
-        kind == Kind::YBR_FULL_422 ? pixels * 2 : pixels * static_cast<std::uint64_t>(Sample_Nb());
+        kind == Kind::Ybr_Full_422 ? pixels * 2 : pixels * static_cast<std::uint64_t>(Sample_Nb());
     return samples * static_cast<std::uint64_t>(bits_allocated / 8);
 }
 
@@ -86,12 +86,12 @@ void Frame_Decode(const Pixel_Format& format, std::span<const std::uint8_t> byte
                   std::span<std::int64_t> levels) {
     const Samples samples(format, bytes);
     switch (format.kind) {
-        case Pixel_Format::Kind::RGB:
-        case Pixel_Format::Kind::YBR_FULL:
+        case Pixel_Format::Kind::Rgb:
+        case Pixel_Format::Kind::Ybr_Full:
             return Decode_Color(format, samples, levels);
-        case Pixel_Format::Kind::YBR_FULL_422:
+        case Pixel_Format::Kind::Ybr_Full_422:
             return Decode_Halved(samples, levels);
-        case Pixel_Format::Kind::PALETTE: {
+        case Pixel_Format::Kind::Palette: {
             const auto last = static_cast<std::int64_t>(palette.colors.size()) - 1;
             for (std::size_t at = 0; at < levels.size(); ++at) {
                 const std::int64_t entry = std::clamp<std::int64_t>(samples.Value(at) - palette.first, 0, last);

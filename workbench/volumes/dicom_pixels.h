@@ -10,8 +10,8 @@ namespace volumes {
 
 /** How the pixels of a frame are stored. */
 struct Pixel_Format {
-    enum class Kind { GREY, GREY_INVERTED, RGB, YBR_FULL, YBR_FULL_422, PALETTE };
-    Kind kind = Kind::GREY;
+    enum class Kind { Grey, Grey_Inverted, Rgb, Ybr_Full, Ybr_Full_422, Palette };
+    Kind kind = Kind::Grey;
     std::int32_t width = 0;           ///< 1 .. 65535
     std::int32_t height = 0;          ///< 1 .. 65535
     std::int32_t bits_allocated = 0;  ///< 8, 16 or 32
@@ -20,8 +20,8 @@ struct Pixel_Format {
     bool is_signed = false;
     bool is_planar = false;  ///< colours: all red, then all green, then all blue
 
-    bool Is_Color() const { return kind != Kind::GREY && kind != Kind::GREY_INVERTED; }
-    int Sample_Nb() const { return Is_Color() && kind != Kind::PALETTE ? 3 : 1; }
+    bool Is_Color() const { return kind != Kind::Grey && kind != Kind::Grey_Inverted; }
+    int Sample_Nb() const { return Is_Color() && kind != Kind::Palette ? 3 : 1; }
     /** Bytes of a frame as stored. */
     std::uint64_t Frame_Size() const;
 };

@@ -30,8 +30,8 @@ namespace volumes {
 
 namespace {
 
-constexpr std::uint64_t level_size = sizeof(std::int32_t);
-constexpr std::uint16_t modality_unknown = 'O' << 8 | 'T';
+constexpr std::uint64_t LEVEL_SIZE = sizeof(std::int32_t);
+constexpr std::uint16_t MODALITY_UNKNOWN = 'O' << 8 | 'T';
 
 /** One file while it is read. */
 class File_Reader {
@@ -121,9 +121,9 @@ void File_Reader::Color_Kind_Read(const std::string& photometric, std::int32_t s
         std::int32_t samples;
     };
     constexpr Named kinds[] = {
-        {"MONOCHROME2", Pixel_Format::Kind::GREY, 1},      {"MONOCHROME1", Pixel_Format::Kind::GREY_INVERTED, 1},
-        {"PALETTE COLOR", Pixel_Format::Kind::PALETTE, 1}, {"RGB", Pixel_Format::Kind::RGB, 3},
-        {"YBR_FULL", Pixel_Format::Kind::YBR_FULL, 3},     {"YBR_FULL_422", Pixel_Format::Kind::YBR_FULL_422, 3}};
+        {"MONOCHROME2", Pixel_Format::Kind::Grey, 1},      {"MONOCHROME1", Pixel_Format::Kind::Grey_Inverted, 1},
+        {"PALETTE COLOR", Pixel_Format::Kind::Palette, 1}, {"RGB", Pixel_Format::Kind::Rgb, 3},
+        {"YBR_FULL", Pixel_Format::Kind::Ybr_Full, 3},     {"YBR_FULL_422", Pixel_Format::Kind::Ybr_Full_422, 3}};
     for (const Named& one : kinds) {
         if (photometric == one.name) {
             if (samples != one.samples) {
@@ -135,7 +135,7 @@ void File_Reader::Color_Kind_Read(const std::string& photometric, std::int32_t s
         }
     }
     if (photometric.empty() && (samples == 1 || samples == 3)) {
-        format.kind = samples == 1 ? Pixel_Format::Kind::GREY : Pixel_Format::Kind::RGB;
+        format.kind = samples == 1 ? Pixel_Format::Kind::Grey : Pixel_Format::Kind::Rgb;
         Warn("does not say what its pixels mean; taken as grey or RGB");
         return;
     }
@@ -168,25 +168,25 @@ void File_Reader::Format_Read() {
     }
     Color_Kind_Read(Field_Text(data_set, DCM_PhotometricInterpretation),
                     Field_Integer(data_set, DCM_SamplesPerPixel).value_or(1));
-    const bool is_indexed = format.kind == Pixel_Format::Kind::PALETTE;
+    const bool is_indexed = format.kind == Pixel_Format::Kind::Palette;
     format.is_signed =
         (!format.Is_Color() || is_indexed) && Field_Integer(data_set, DCM_PixelRepresentation).value_or(0) == 1;
     format.is_planar = format.Sample_Nb() > 1 && Field_Integer(data_set, DCM_PlanarConfiguration).value_or(0) == 1;
-    if (format.kind == Pixel_Format::Kind::YBR_FULL_422 && syntax == EXS_RLELossless) {
-        format.kind = Pixel_Format::Kind::YBR_FULL;  // run-length segments hold every sample
+    if (format.kind == Pixel_Format::Kind::Ybr_Full_422 && syntax == EXS_RLELossless) {
+        format.kind = Pixel_Format::Kind::Ybr_Full;  // run-length segments hold every sample
     }
-    if (format.kind == Pixel_Format::Kind::YBR_FULL_422 && (format.bits_allocated != 8 || format.width % 2 != 0)) {
+    if (format.kind == Pixel_Format::Kind::Ybr_Full_422 && (format.bits_allocated != 8 || format.width % 2 != 0)) {
         throw Dicom_Refusal{"shares colours between pixels (YBR_FULL_422) in an unusable way"};
     }
 }
 
 void File_Reader::Tables_Read() {
     DcmDataset& data_set = *file.getDataset();
-    Lookup_Failure failure = Lookup_Failure::NONE;
-    if (format.kind == Pixel_Format::Kind::PALETTE) {
+    Lookup_Failure failure = Lookup_Failure::None;
+    if (format.kind == Pixel_Format::Kind::Palette) {
         auto read = Palette_Read(data_set, format.is_signed, failure);
         if (!read) {
-            throw Dicom_Refusal{failure == Lookup_Failure::TOO_SHORT ? "has a colour palette shorter than it says"
+            throw Dicom_Refusal{failure == Lookup_Failure::Too_Short ? "has a colour palette shorter than it says"
                                                                      : "has no usable colour palette"};
         }
         palette = std::move(*read);
@@ -246,7 +246,7 @@ void File_Reader::Frame_Nb_Read() {
 void File_Reader::Size_Check() {
     const std::uint64_t pixels = static_cast<std::uint64_t>(format.width) * static_cast<std::uint64_t>(format.height);
     const auto frames = static_cast<std::uint64_t>(frame_nb);
-    if (pixels * level_size > limits.decoded_bytes / frames) {
+    if (pixels * LEVEL_SIZE > limits.decoded_bytes / frames) {
         throw Dicom_Refusal{"needs more memory than the limit of " + Size_Text(limits.decoded_bytes) + " (" +
                             Count_Text(frames) + " frames of " + Count_Text(pixels) + " pixels)"};
     }
@@ -291,7 +291,7 @@ void File_Reader::Names_Read() {
     image.moment.temporal_position = Field_Integer(data_set, DCM_TemporalPositionIdentifier).value_or(0);
     image.moment.trigger = Field_Number(data_set, DCM_TriggerTime).value_or(0.0);
     const std::string modality = Field_Text(data_set, DCM_Modality);
-    image.modality = modality_unknown;
+    image.modality = MODALITY_UNKNOWN;
     if (modality.size() >= 2) {
         const auto high = static_cast<unsigned char>(modality[0]);
         const auto low = static_cast<unsigned char>(modality[1]);
@@ -386,7 +386,7 @@ void File_Reader::Stack_Decode(const Frame_Stack& stack, Volume& volume) {
     volume.spacing = stack.spacing;
     volume.time_step = stack.time_step;
     volume.color = format.Is_Color();
-    volume.is_inverted = format.kind == Pixel_Format::Kind::GREY_INVERTED;
+    volume.is_inverted = format.kind == Pixel_Format::Kind::Grey_Inverted;
     volume.encoding = source.syntax_name;
     volume.place_source = plan.place_source;
     volume.scalar_type =
@@ -441,7 +441,7 @@ void File_Reader::Images_Make() {
         }
         Stack_Decode(stack, one.volume);
         one.volume.affine = Affine_Of(stack.place, stack.spacing, stack.step);
-        one.volume.affine_source = stack.place.is_known ? Affine_Source::QFORM : Affine_Source::SPACING;
+        one.volume.affine_source = stack.place.is_known ? Affine_Source::Qform : Affine_Source::Spacing;
         if (result.image) {
             result.others.push_back(std::move(one));
         } else {

@@ -10,8 +10,8 @@ namespace volumes {
 
 namespace {
 
-constexpr std::size_t header_size = 64;  // bytes: a count and 15 offsets
-constexpr std::size_t segment_most = 15;
+constexpr std::size_t HEADER_SIZE = 64;  // bytes: a count and 15 offsets
+constexpr std::size_t SEGMENT_MOST = 15;
 
 /** Unpacks a segment into every `stride`-th byte from `first` on. @return true: all `count` bytes were there */
 bool Segment_Decode(std::span<const std::uint8_t> packed, std::size_t count, std::span<std::uint8_t> bytes,
@@ -47,20 +47,20 @@ const char* Run_Length_Decode(const Pixel_Format& format, std::span<const std::u
     const auto sample_size = static_cast<std::size_t>(format.bits_allocated / 8);
     const std::size_t pixels = static_cast<std::size_t>(format.width) * static_cast<std::size_t>(format.height);
     const std::size_t segments = samples * sample_size;
-    if (packed.size() < header_size || bytes.size() != pixels * segments) {
+    if (packed.size() < HEADER_SIZE || bytes.size() != pixels * segments) {
         return "no table of segments";
     }
-    if (segments > segment_most || Value_Read<std::uint32_t>(packed.data(), Byte_Order::LITTLE) != segments) {
+    if (segments > SEGMENT_MOST || Value_Read<std::uint32_t>(packed.data(), Byte_Order::Little) != segments) {
         return "a number of segments that does not fit the samples";
     }
     std::vector<std::size_t> begin(segments + 1);
     for (std::size_t segment = 0; segment < segments; ++segment) {
         begin[segment] =
-            Value_Read<std::uint32_t>(packed.data() + (segment + 1) * sizeof(std::uint32_t), Byte_Order::LITTLE);
+            Value_Read<std::uint32_t>(packed.data() + (segment + 1) * sizeof(std::uint32_t), Byte_Order::Little);
     }
     begin[segments] = packed.size();
     for (std::size_t segment = 0; segment < segments; ++segment) {
-        if (begin[segment] < header_size || begin[segment] > begin[segment + 1]) {
+        if (begin[segment] < HEADER_SIZE || begin[segment] > begin[segment + 1]) {
             return "segments out of order";
         }
         const std::size_t sample = segment / sample_size;

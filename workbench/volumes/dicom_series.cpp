@@ -16,7 +16,7 @@ namespace volumes {
 
 namespace {
 
-constexpr std::string_view position_text = "position of every slice";
+constexpr std::string_view POSITION_TEXT = "position of every slice";
 
 /** What slices of one volume have in common; directions and pixel sizes are compared later. */
 using Key = std::tuple<std::string, std::int32_t, std::string, std::int32_t, std::vector<std::int32_t>>;
@@ -179,7 +179,7 @@ void Group::Placed() {
     }
     // Directions are told apart by what they show; only pieces of one direction need a number.
     const bool is_several = std::ranges::any_of(
-        plan.warnings, [](const Stack_Warning& warning) { return warning.kind == Stack_Warning::Kind::UNEQUAL; });
+        plan.warnings, [](const Stack_Warning& warning) { return warning.kind == Stack_Warning::Kind::Unequal; });
     const auto pieces = is_several ? static_cast<std::int32_t>(plan.stacks.size()) : 1;
     for (const Slice_Stack& stack : plan.stacks) {
         const auto piece = static_cast<std::int32_t>(&stack - plan.stacks.data());
@@ -195,7 +195,7 @@ void Group::Numbered() {
     }
     for (const std::vector<std::int32_t>& alike : Slices_Alike(Slices())) {
         Slice_Stack stack;
-        stack.kind = Slice_Stack::Kind::SCATTERED;
+        stack.kind = Slice_Stack::Kind::Scattered;
         stack.nz = static_cast<std::int32_t>(alike.size());
         stack.order = alike;
         Stack(stack, 0, {});
@@ -242,8 +242,8 @@ void Group::Stack(const Slice_Stack& stack, std::int32_t time, const std::string
 }
 
 void Group::Place_Set(const Slice_Stack& stack, const Slice_Place& first, Volume& volume) const {
-    const bool is_scattered = stack.kind == Slice_Stack::Kind::SCATTERED;
-    volume.place_source = std::string(position_text) + volume.place_source.substr(std::min(
+    const bool is_scattered = stack.kind == Slice_Stack::Kind::Scattered;
+    volume.place_source = std::string(POSITION_TEXT) + volume.place_source.substr(std::min(
                                                            volume.place_source.find(';'), volume.place_source.size()));
     if (!is_scattered && stack.nz > 1) {
         volume.spacing[2] = stack.distance;
@@ -254,10 +254,10 @@ void Group::Place_Set(const Slice_Stack& stack, const Slice_Place& first, Volume
         none.along_row = {1, 0, 0};
         none.along_column = {0, 1, 0};
         volume.affine = Affine_Of(none, volume.spacing, {0, 0, volume.spacing[2]});
-        volume.place_source.replace(0, position_text.size(), "no position");
+        volume.place_source.replace(0, POSITION_TEXT.size(), "no position");
     }
     if (is_scattered || is_assumed) {
-        volume.affine_source = Affine_Source::SPACING;
+        volume.affine_source = Affine_Source::Spacing;
     }
 }
 

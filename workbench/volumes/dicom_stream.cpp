@@ -13,7 +13,7 @@ namespace {
 
 // Bytes of stack that reading may take: a fraction of the smallest stack of a thread, and many times what real files
 // need.
-constexpr std::uintptr_t stack_most = 384U * 1024U;
+constexpr std::uintptr_t STACK_MOST = 384U * 1024U;
 
 class Memory_Factory final : public DcmInputStreamFactory {
   public:
@@ -37,7 +37,7 @@ void Memory_Producer::Depth_Check() {
     if (stack_start == 0) {
         stack_start = at;
     }
-    if (std::max(at, stack_start) - std::min(at, stack_start) > stack_most) {
+    if (std::max(at, stack_start) - std::min(at, stack_start) > STACK_MOST) {
         condition = EC_SequEnd;
     }
 }

@@ -9,9 +9,9 @@ namespace {
 constexpr unsigned long WINDOW_MOST = 16;  // of one image
 
 Window_Function Function_Of(const std::string& text) {
-    return text == "SIGMOID"        ? Window_Function::SIGMOID
-           : text == "LINEAR_EXACT" ? Window_Function::LINEAR_EXACT
-                                    : Window_Function::LINEAR;
+    return text == "SIGMOID"        ? Window_Function::Sigmoid
+           : text == "LINEAR_EXACT" ? Window_Function::Linear_Exact
+                                    : Window_Function::Linear;
 }
 
 std::vector<Display_Window> Windows_Of_Item(DcmItem& item) {
@@ -25,9 +25,9 @@ std::vector<Display_Window> Windows_Of_Item(DcmItem& item) {
         }
         if (*width > 0.0) {
             // Narrower than 1 DICOM's own function has no meaning.
-            const bool is_narrow = function == Window_Function::LINEAR && *width < 1.0;
+            const bool is_narrow = function == Window_Function::Linear && *width < 1.0;
             windows.push_back({Field_Utf8(item, DCM_WindowCenterWidthExplanation, at), *center, *width,
-                               is_narrow ? Window_Function::LINEAR_EXACT : function});
+                               is_narrow ? Window_Function::Linear_Exact : function});
         }
     }
     return windows;

@@ -108,7 +108,7 @@ std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uin
         return bytes;
     }
     constexpr std::size_t step = std::size_t{1} << 20U;
-    while (source.End() == Decode_End::NOT_YET) {
+    while (source.End() == Decode_End::Not_Yet) {
         const std::size_t had = bytes.size();
         if (had > most) {
             throw Refusal{"is larger than the limit of " + Size_Text(most)};
@@ -117,13 +117,13 @@ std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uin
         bytes.resize(had + source.Read(std::span(bytes).subspan(had)));
     }
     switch (source.End()) {
-        case Decode_End::COMPLETE:
+        case Decode_End::Complete:
             return bytes;
-        case Decode_End::READ_ERROR:
+        case Decode_End::Read_Error:
             throw Refusal{"cannot be read to its end"};
-        case Decode_End::CUT_OFF:
+        case Decode_End::Cut_Off:
             throw Refusal{"is cut short inside its compressed data"};
-        case Decode_End::NO_MEMORY:
+        case Decode_End::No_Memory:
             throw std::bad_alloc();
         default:
             throw Refusal{"has damaged compressed data"};

@@ -30,7 +30,7 @@ std::size_t Grow(std::vector<Element>& list, std::size_t more, std::uint64_t tot
 
 // Types whose every value is a level or may be kept aside as 32 bits until all are known.
 template <class Stored>
-constexpr bool is_small = sizeof(Stored) <= 4;
+constexpr bool IS_SMALL = sizeof(Stored) <= 4;
 
 }  // namespace
 
@@ -54,13 +54,13 @@ void Level_Builder::Append_As(std::span<const std::uint8_t> bytes) {
         }
     };
     const auto convert_to = [&](auto* out) {
-        if (order == Byte_Order::LITTLE) {  // the order known at compile time makes the loop several times faster
-            convert(out, Byte_Order::LITTLE);
+        if (order == Byte_Order::Little) {  // the order known at compile time makes the loop several times faster
+            convert(out, Byte_Order::Little);
         } else {
-            convert(out, Byte_Order::BIG);
+            convert(out, Byte_Order::Big);
         }
     };
-    if constexpr (is_small<Stored>) {
+    if constexpr (IS_SMALL<Stored>) {
         const std::size_t begin = Grow(levels, count, total_nb);
         convert_to(levels.data() + begin);
     } else {
@@ -82,28 +82,28 @@ void Level_Builder::Append_Color(std::span<const std::uint8_t> bytes, std::size_
 
 void Level_Builder::Append(std::span<const std::uint8_t> bytes) {
     switch (type) {
-        case Voxel_Type::UINT8:
+        case Voxel_Type::Uint8:
             return Append_As<std::uint8_t>(bytes);
-        case Voxel_Type::INT8:
+        case Voxel_Type::Int8:
             return Append_As<std::int8_t>(bytes);
-        case Voxel_Type::INT16:
+        case Voxel_Type::Int16:
             return Append_As<std::int16_t>(bytes);
-        case Voxel_Type::UINT16:
+        case Voxel_Type::Uint16:
             return Append_As<std::uint16_t>(bytes);
-        case Voxel_Type::INT32:
+        case Voxel_Type::Int32:
             return Append_As<std::int32_t>(bytes);
-        case Voxel_Type::UINT32:
+        case Voxel_Type::Uint32:
             return Append_As<std::uint32_t>(bytes);
-        case Voxel_Type::INT64:
+        case Voxel_Type::Int64:
             return Append_As<std::int64_t>(bytes);
-        case Voxel_Type::UINT64:
+        case Voxel_Type::Uint64:
             return Append_As<std::uint64_t>(bytes);
-        case Voxel_Type::FLOAT32:
+        case Voxel_Type::Float32:
             return Append_As<float>(bytes);
-        case Voxel_Type::FLOAT64:
+        case Voxel_Type::Float64:
             return Append_As<double>(bytes);
-        case Voxel_Type::RGB24:
-        case Voxel_Type::RGBA32:
+        case Voxel_Type::Rgb24:
+        case Voxel_Type::Rgba32:
             return Append_Color(bytes, Voxel_Type_Size(type));
     }
 }
@@ -342,38 +342,38 @@ void Level_Builder::Finish(double file_slope, double file_intercept, Volume& vol
     volume.slope = 1;
     volume.intercept = 0;
     switch (type) {
-        case Voxel_Type::UINT8:
+        case Voxel_Type::Uint8:
             Finish_Integer<std::uint8_t>(volume);
             break;
-        case Voxel_Type::INT8:
+        case Voxel_Type::Int8:
             Finish_Integer<std::int8_t>(volume);
             break;
-        case Voxel_Type::INT16:
+        case Voxel_Type::Int16:
             Finish_Integer<std::int16_t>(volume);
             break;
-        case Voxel_Type::UINT16:
+        case Voxel_Type::Uint16:
             Finish_Integer<std::uint16_t>(volume);
             break;
-        case Voxel_Type::INT32:
+        case Voxel_Type::Int32:
             Finish_Integer<std::int32_t>(volume);
             break;
-        case Voxel_Type::UINT32:
+        case Voxel_Type::Uint32:
             Finish_Integer<std::uint32_t>(volume);
             break;
-        case Voxel_Type::INT64:
+        case Voxel_Type::Int64:
             Finish_Integer<std::int64_t>(volume);
             break;
-        case Voxel_Type::UINT64:
+        case Voxel_Type::Uint64:
             Finish_Integer<std::uint64_t>(volume);
             break;
-        case Voxel_Type::FLOAT32:
+        case Voxel_Type::Float32:
             Finish_Real<float>(volume);
             break;
-        case Voxel_Type::FLOAT64:
+        case Voxel_Type::Float64:
             Finish_Real<double>(volume);
             break;
-        case Voxel_Type::RGB24:
-        case Voxel_Type::RGBA32:
+        case Voxel_Type::Rgb24:
+        case Voxel_Type::Rgba32:
             Finish_Color(volume);
             break;
     }

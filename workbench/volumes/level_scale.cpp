@@ -13,15 +13,15 @@ namespace volumes {
 
 namespace {
 
-constexpr double least_level = std::numeric_limits<std::int32_t>::min();
-constexpr double most_level = LEVEL_LARGEST;
-constexpr double whole_most = 9.0e15;       // whole numbers up to here are exact as double
-constexpr double whole_tolerance = 1.0e-6;  // levels: slopes are written as decimals, 0.3 is not quite three times 0.1
-constexpr double rounding = 1.0e-11;        // levels: what the arithmetic itself loses
-constexpr double rounding_share = 1.0e-15;  // of a level's magnitude: the same for large levels
-constexpr double parts_distance = 65536.0;  // of outliers: nearer ones leave QUANTISED_STEPS to the others
-constexpr double steps_most = static_cast<double>(LEVEL_SCALE_STEPS);
-static_assert(steps_most / QUANTISED_STEPS >= parts_distance);
+constexpr double LEAST_LEVEL = std::numeric_limits<std::int32_t>::min();
+constexpr double MOST_LEVEL = LEVEL_LARGEST;
+constexpr double WHOLE_MOST = 9.0e15;       // whole numbers up to here are exact as double
+constexpr double WHOLE_TOLERANCE = 1.0e-6;  // levels: slopes are written as decimals, 0.3 is not quite three times 0.1
+constexpr double ROUNDING = 1.0e-11;        // levels: what the arithmetic itself loses
+constexpr double ROUNDING_SHARE = 1.0e-15;  // of a level's magnitude: the same for large levels
+constexpr double PARTS_DISTANCE = 65536.0;  // of outliers: nearer ones leave QUANTISED_STEPS to the others
+constexpr double STEPS_MOST = static_cast<double>(LEVEL_SCALE_STEPS);
+static_assert(STEPS_MOST / QUANTISED_STEPS >= PARTS_DISTANCE);
 
 struct Range {
     double lowest = 0.0;
@@ -57,16 +57,16 @@ std::optional<Whole_Map> Whole_Map_Of(const Scaled_Part& part, double slope, dou
     const double shift = (part.intercept - intercept) / slope;
     const double reach =
         std::max(std::abs(static_cast<double>(part.lowest)), std::abs(static_cast<double>(part.highest)));
-    if (!(std::abs(factor) * std::max(reach, 1.0) < whole_most) || !(std::abs(shift) < whole_most)) {
+    if (!(std::abs(factor) * std::max(reach, 1.0) < WHOLE_MOST) || !(std::abs(shift) < WHOLE_MOST)) {
         return std::nullopt;
     }
     Whole_Map map{std::llround(factor), std::llround(shift), 0.0};
     map.deviation =
         std::abs(factor - static_cast<double>(map.factor)) * reach + std::abs(shift - static_cast<double>(map.shift));
-    if (map.deviation > whole_tolerance) {
+    if (map.deviation > WHOLE_TOLERANCE) {
         return std::nullopt;
     }
-    const double least = std::max(rounding, rounding_share * (std::abs(factor) * reach + std::abs(shift)));
+    const double least = std::max(ROUNDING, ROUNDING_SHARE * (std::abs(factor) * reach + std::abs(shift)));
     map.deviation = map.deviation > least ? map.deviation : 0.0;
     return map;
 }
@@ -79,7 +79,7 @@ std::int64_t Pieces_Of(double number) {
     double before = 0.0;
     double pieces = 1.0;
     double rest = std::abs(number);
-    while (pieces <= pieces_most && std::abs(number) * pieces < whole_most) {
+    while (pieces <= pieces_most && std::abs(number) * pieces < WHOLE_MOST) {
         if (std::abs(number * pieces - std::round(number * pieces)) <= whole) {
             return std::llround(pieces);
         }
@@ -111,7 +111,7 @@ std::int64_t Pieces_Needed(const std::vector<Scaled_Part>& parts, const Scaled_P
 /** Puts whole levels lowest .. highest where levels can be. @return false: too many */
 bool Levels_Place(std::int64_t lowest, std::int64_t highest, Level_Scale& scale) {
     std::int64_t base = 0;
-    if (lowest < static_cast<std::int64_t>(least_level) || highest > LEVEL_LARGEST) {
+    if (lowest < static_cast<std::int64_t>(LEAST_LEVEL) || highest > LEVEL_LARGEST) {
         const std::int64_t span = highest - lowest;
         if (span > LEVEL_SCALE_STEPS) {
             return false;
@@ -172,7 +172,7 @@ Range Outliers_Leave(std::vector<Scaled_Part>& parts, Level_Scale& scale) {
         const Range greys = Greys_Of(part);
         clusters.push_back({greys.lowest, greys.highest, std::max<std::uint64_t>(part.count, 1)});
     }
-    const Value_Range range = Value_Range_Find(std::move(clusters), parts_distance);
+    const Value_Range range = Value_Range_Find(std::move(clusters), PARTS_DISTANCE);
     scale.outlier_nb += range.outlier_nb;
     scale.outlier_lowest = range.outlier_lowest;
     scale.outlier_highest = range.outlier_highest;
@@ -222,17 +222,17 @@ void Steps_Choose(const std::vector<Scaled_Part>& parts, const Scaled_Part& fine
     scale.slope = finest.slope;
     scale.intercept = finest.intercept;
     const auto level_of = [&](double grey) { return std::round((grey - scale.intercept) / scale.slope); };
-    const auto is_level = [&](double grey) { return level_of(grey) >= least_level && level_of(grey) <= most_level; };
-    const bool has_room = Steps_Of(range, std::abs(finest.slope)) <= steps_most && !Is_One_Value(finest);
+    const auto is_level = [&](double grey) { return level_of(grey) >= LEAST_LEVEL && level_of(grey) <= MOST_LEVEL; };
+    const bool has_room = Steps_Of(range, std::abs(finest.slope)) <= STEPS_MOST && !Is_One_Value(finest);
     if (!has_room || !is_level(range.lowest) || !is_level(range.highest)) {
         // A step more than needed: the ends may be rounded outwards.
-        const double least = range.highest / (steps_most - 1.0) - range.lowest / (steps_most - 1.0);
+        const double least = range.highest / (STEPS_MOST - 1.0) - range.lowest / (STEPS_MOST - 1.0);
         scale.slope = std::max({least, has_room ? std::abs(finest.slope) : 0.0, std::numeric_limits<double>::min()});
-        scale.intercept = range.lowest - least_level * scale.slope;
+        scale.intercept = range.lowest - LEAST_LEVEL * scale.slope;
     }
     const auto [lowest, highest] = std::minmax({level_of(range.lowest), level_of(range.highest)});
-    scale.lowest = static_cast<std::int32_t>(std::clamp(lowest, least_level, most_level));
-    scale.highest = static_cast<std::int32_t>(std::clamp(highest, least_level, most_level));
+    scale.lowest = static_cast<std::int32_t>(std::clamp(lowest, LEAST_LEVEL, MOST_LEVEL));
+    scale.highest = static_cast<std::int32_t>(std::clamp(highest, LEAST_LEVEL, MOST_LEVEL));
     double earlier = 0.0;
     for (const Scaled_Part& part : parts) {
         earlier = std::max(earlier, part.max_error);
@@ -270,7 +270,7 @@ Level_Scale Level_Scale_Choose(std::span<const Scaled_Part> parts) {
         const Range greys = Greys_Of(part);
         range = {std::min(range.lowest, greys.lowest), std::max(range.highest, greys.highest)};
     }
-    if (!(Steps_Of(range, std::abs(Finest_Of(inside).slope)) <= steps_most)) {
+    if (!(Steps_Of(range, std::abs(Finest_Of(inside).slope)) <= STEPS_MOST)) {
         range = Outliers_Leave(inside, scale);
         if (scale.outlier_nb > 0 && exact_choose()) {
             return scale;
@@ -312,7 +312,7 @@ std::string Level_Scale_Warning(const Level_Scale& scale, const std::string& par
     std::string text;
     // Half a step of the finest part is below what that part can tell apart.
     const double step = std::abs(scale.slope);
-    if (step > scale.finest_slope * (1.0 + rounding) && scale.max_error > 0.0) {
+    if (step > scale.finest_slope * (1.0 + ROUNDING) && scale.max_error > 0.0) {
         const bool is_one = scale.coarsest_slope == scale.finest_slope;
         text = is_one ? "has " + parts_name + " of more values than levels can be"
                       : "has " + parts_name + " of very different scales (slopes " + Value_Text(scale.finest_slope) +

@@ -16,26 +16,26 @@ struct Voxel_Type_Row {
     std::size_t size;  // bytes
     const char* name;
 };
-constexpr std::array<Voxel_Type_Row, 12> voxel_types = {{
-    {Voxel_Type::UINT8, 1, "uint8"},
-    {Voxel_Type::INT16, 2, "int16"},
-    {Voxel_Type::INT32, 4, "int32"},
-    {Voxel_Type::FLOAT32, 4, "float32"},
-    {Voxel_Type::FLOAT64, 8, "float64"},
-    {Voxel_Type::RGB24, 3, "rgb24"},
-    {Voxel_Type::INT8, 1, "int8"},
-    {Voxel_Type::UINT16, 2, "uint16"},
-    {Voxel_Type::UINT32, 4, "uint32"},
-    {Voxel_Type::INT64, 8, "int64"},
-    {Voxel_Type::UINT64, 8, "uint64"},
-    {Voxel_Type::RGBA32, 4, "rgba32"},
+constexpr std::array<Voxel_Type_Row, 12> VOXEL_TYPES = {{
+    {Voxel_Type::Uint8, 1, "uint8"},
+    {Voxel_Type::Int16, 2, "int16"},
+    {Voxel_Type::Int32, 4, "int32"},
+    {Voxel_Type::Float32, 4, "float32"},
+    {Voxel_Type::Float64, 8, "float64"},
+    {Voxel_Type::Rgb24, 3, "rgb24"},
+    {Voxel_Type::Int8, 1, "int8"},
+    {Voxel_Type::Uint16, 2, "uint16"},
+    {Voxel_Type::Uint32, 4, "uint32"},
+    {Voxel_Type::Int64, 8, "int64"},
+    {Voxel_Type::Uint64, 8, "uint64"},
+    {Voxel_Type::Rgba32, 4, "rgba32"},
 }};
 
 struct Refused_Type {
     std::int32_t code;
     const char* name;
 };
-constexpr std::array<Refused_Type, 6> refused_types = {{
+constexpr std::array<Refused_Type, 6> REFUSED_TYPES = {{
     {0, "voxels of unknown type"},
     {1, "voxels of one bit"},
     {32, "complex voxels"},
@@ -45,13 +45,13 @@ constexpr std::array<Refused_Type, 6> refused_types = {{
 }};
 
 // Where the fields of the two header layouts stand, in bytes from the beginning.
-constexpr std::size_t magic_1 = 344;
-constexpr std::size_t magic_2 = 4;
-constexpr std::array<std::uint8_t, 8> magic_2_single = {'n', '+', '2', 0, 0x0D, 0x0A, 0x1A, 0x0A};
-constexpr std::array<std::uint8_t, 8> magic_2_pair = {'n', 'i', '2', 0, 0x0D, 0x0A, 0x1A, 0x0A};
-constexpr std::size_t dimension_most = 7;
+constexpr std::size_t MAGIC_1 = 344;
+constexpr std::size_t MAGIC_2 = 4;
+constexpr std::array<std::uint8_t, 8> MAGIC_2_SINGLE = {'n', '+', '2', 0, 0x0D, 0x0A, 0x1A, 0x0A};
+constexpr std::array<std::uint8_t, 8> MAGIC_2_PAIR = {'n', 'i', '2', 0, 0x0D, 0x0A, 0x1A, 0x0A};
+constexpr std::size_t DIMENSION_MOST = 7;
 
-constexpr std::int32_t sform_of_scanner = 1;  // higher codes: of another image, or of an atlas
+constexpr std::int32_t SFORM_OF_SCANNER = 1;  // higher codes: of another image, or of an atlas
 
 // The fields of both layouts, widened, before any check.
 struct Raw_Header {
@@ -121,37 +121,37 @@ Raw_Header Raw_Read_2(const std::uint8_t* bytes, Byte_Order order) {
 
 std::string Format_Check(std::span<const std::uint8_t> bytes, Nifti_Header& header) {
     if (bytes.size() == NIFTI2_HEADER_SIZE) {
-        header.format = Nifti_Format::NIFTI_2;
-        const auto magic = bytes.subspan(magic_2, magic_2_single.size());
-        if (std::equal(magic.begin(), magic.end(), magic_2_single.begin())) {
+        header.format = Nifti_Format::Nifti_2;
+        const auto magic = bytes.subspan(MAGIC_2, MAGIC_2_SINGLE.size());
+        if (std::equal(magic.begin(), magic.end(), MAGIC_2_SINGLE.begin())) {
             header.single_file = true;
-        } else if (std::equal(magic.begin(), magic.end(), magic_2_pair.begin())) {
+        } else if (std::equal(magic.begin(), magic.end(), MAGIC_2_PAIR.begin())) {
             header.single_file = false;
         } else {
             return "is not a NIfTI file: the mark of NIfTI-2 is missing or damaged";
         }
         return {};
     }
-    const auto* magic = reinterpret_cast<const char*>(bytes.data() + magic_1);
+    const auto* magic = reinterpret_cast<const char*>(bytes.data() + MAGIC_1);
     if (std::memcmp(magic, "n+1", 4) == 0) {
-        header.format = Nifti_Format::NIFTI_1;
+        header.format = Nifti_Format::Nifti_1;
         header.single_file = true;
     } else if (std::memcmp(magic, "ni1", 4) == 0) {
-        header.format = Nifti_Format::NIFTI_1;
+        header.format = Nifti_Format::Nifti_1;
         header.single_file = false;
     } else {
-        header.format = Nifti_Format::ANALYZE;
+        header.format = Nifti_Format::Analyze;
         header.single_file = false;
     }
     return {};
 }
 
 std::string Type_Check(const Raw_Header& raw, Nifti_Header& header) {
-    const auto* row = std::find_if(voxel_types.begin(), voxel_types.end(), [&](const Voxel_Type_Row& candidate) {
+    const auto* row = std::find_if(VOXEL_TYPES.begin(), VOXEL_TYPES.end(), [&](const Voxel_Type_Row& candidate) {
         return static_cast<std::int32_t>(candidate.type) == raw.datatype;
     });
-    if (row == voxel_types.end()) {
-        for (const Refused_Type& refused : refused_types) {
+    if (row == VOXEL_TYPES.end()) {
+        for (const Refused_Type& refused : REFUSED_TYPES) {
             if (refused.code == raw.datatype) {
                 return std::string("holds ") + refused.name + ", which cannot be shown";
             }
@@ -168,7 +168,7 @@ std::string Type_Check(const Raw_Header& raw, Nifti_Header& header) {
 }
 
 std::string Size_Check(const Raw_Header& raw, Nifti_Header& header) {
-    if (raw.dim[0] < 1 || raw.dim[0] > static_cast<std::int64_t>(dimension_most)) {
+    if (raw.dim[0] < 1 || raw.dim[0] > static_cast<std::int64_t>(DIMENSION_MOST)) {
         return "has " + std::to_string(raw.dim[0]) + " dimensions, and 1 to 7 are possible";
     }
     const std::uint64_t most =
@@ -193,7 +193,7 @@ std::string Size_Check(const Raw_Header& raw, Nifti_Header& header) {
 
 std::string Offset_Check(const Raw_Header& raw, Nifti_Header& header) {
     const char* const impossible = "has an impossible position of its voxels";
-    const bool second = header.format == Nifti_Format::NIFTI_2;
+    const bool second = header.format == Nifti_Format::Nifti_2;
     if (second) {
         if (raw.voxel_offset_whole < 0) {
             return impossible;
@@ -219,14 +219,14 @@ std::string Offset_Check(const Raw_Header& raw, Nifti_Header& header) {
 }
 
 void Scaling_Take(const Raw_Header& raw, Nifti_Header& header) {
-    const bool color = header.type == Voxel_Type::RGB24 || header.type == Voxel_Type::RGBA32;
+    const bool color = header.type == Voxel_Type::Rgb24 || header.type == Voxel_Type::Rgba32;
     if (color || raw.slope == 0 || !std::isfinite(raw.slope)) {
         return;
     }
     // Analyze itself has no scale. The programs that give it one put it where NIfTI has its own; anything else there
     // that reads as a number is far from a usable factor.
     constexpr double factor_most = 1.0e12;
-    if (header.format == Nifti_Format::ANALYZE &&
+    if (header.format == Nifti_Format::Analyze &&
         (std::abs(raw.slope) > factor_most || std::abs(raw.slope) < 1.0 / factor_most)) {
         return;
     }
@@ -234,11 +234,11 @@ void Scaling_Take(const Raw_Header& raw, Nifti_Header& header) {
     header.intercept = std::isfinite(raw.intercept) ? raw.intercept : 0;
 }
 
-constexpr int unit_mask = 0x07;  // of the field xyzt_units: length
-constexpr int time_mask = 0x38;  // of the field xyzt_units: time
+constexpr int UNIT_MASK = 0x07;  // of the field xyzt_units: length
+constexpr int TIME_MASK = 0x38;  // of the field xyzt_units: time
 
 double Millimetres_Per_Unit(std::int32_t units) {
-    switch (units & unit_mask) {
+    switch (units & UNIT_MASK) {
         case 1:
             return 1000.0;  // metre
         case 3:
@@ -249,7 +249,7 @@ double Millimetres_Per_Unit(std::int32_t units) {
 }
 
 double Seconds_Per_Unit(std::int32_t units) {
-    switch (units & time_mask) {
+    switch (units & TIME_MASK) {
         case 8:
             return 1.0;
         case 16:
@@ -355,7 +355,7 @@ Affine Affine_From_Quaternion(const Stored_Geometry& geometry, const std::array<
 }  // namespace
 
 const char* Voxel_Type_Name(Voxel_Type type) {
-    for (const Voxel_Type_Row& row : voxel_types) {
+    for (const Voxel_Type_Row& row : VOXEL_TYPES) {
         if (row.type == type) {
             return row.name;
         }
@@ -364,7 +364,7 @@ const char* Voxel_Type_Name(Voxel_Type type) {
 }
 
 std::size_t Voxel_Type_Size(Voxel_Type type) {
-    for (const Voxel_Type_Row& row : voxel_types) {
+    for (const Voxel_Type_Row& row : VOXEL_TYPES) {
         if (row.type == type) {
             return row.size;
         }
@@ -373,7 +373,7 @@ std::size_t Voxel_Type_Size(Voxel_Type type) {
 }
 
 std::optional<Nifti_Header_Kind> Nifti_Header_Recognise(std::span<const std::uint8_t, 4> bytes) {
-    for (const Byte_Order order : {Byte_Order::LITTLE, Byte_Order::BIG}) {
+    for (const Byte_Order order : {Byte_Order::Little, Byte_Order::Big}) {
         const auto size = Value_Read<std::uint32_t>(bytes.data(), order);
         if (size == NIFTI1_HEADER_SIZE || size == NIFTI2_HEADER_SIZE) {
             return Nifti_Header_Kind{size, order};
@@ -398,7 +398,7 @@ Nifti_Header_Result Nifti_Header_Decode(std::span<const std::uint8_t> bytes) {
     if (!result.error.empty()) {
         return result;
     }
-    const Raw_Header raw = header.format == Nifti_Format::NIFTI_2 ? Raw_Read_2(bytes.data(), header.order)
+    const Raw_Header raw = header.format == Nifti_Format::Nifti_2 ? Raw_Read_2(bytes.data(), header.order)
                                                                   : Raw_Read_1(bytes.data(), header.order);
     result.error = Type_Check(raw, header);
     if (result.error.empty()) {
@@ -410,7 +410,7 @@ Nifti_Header_Result Nifti_Header_Decode(std::span<const std::uint8_t> bytes) {
     Scaling_Take(raw, header);
     header.geometry = raw.geometry;
     header.geometry.present = true;
-    if (header.format == Nifti_Format::ANALYZE) {  // these bytes hold other things there
+    if (header.format == Nifti_Format::Analyze) {  // these bytes hold other things there
         header.geometry = Stored_Geometry{.present = true, .pixdim = raw.geometry.pixdim};
         header.geometry.pixdim[0] = 0;
     }
@@ -436,14 +436,14 @@ void Geometry_Apply(const Stored_Geometry& geometry, Volume& volume) {
 
     if (sform_usable) {
         volume.affine = sform;
-        volume.affine_source = Affine_Source::SFORM;
+        volume.affine_source = Affine_Source::Sform;
         return;
     }
     if (geometry.qform_code > 0) {
         const Affine qform = Affine_From_Quaternion(geometry, volume.spacing, unit);
         if (Affine_Usable(qform)) {
             volume.affine = qform;
-            volume.affine_source = Affine_Source::QFORM;
+            volume.affine_source = Affine_Source::Qform;
             return;
         }
     }
@@ -451,15 +451,15 @@ void Geometry_Apply(const Stored_Geometry& geometry, Volume& volume) {
     for (std::size_t i = 0; i < 3; ++i) {
         volume.affine[i][i] = volume.spacing[i];
     }
-    volume.affine_source = Affine_Source::SPACING;
+    volume.affine_source = Affine_Source::Spacing;
 }
 
 std::vector<std::string> Geometry_Warnings(const Stored_Geometry& geometry, const Volume& volume) {
     std::vector<std::string> texts;
-    const bool is_placed = volume.affine_source == Affine_Source::SFORM || volume.affine_source == Affine_Source::QFORM;
+    const bool is_placed = volume.affine_source == Affine_Source::Sform || volume.affine_source == Affine_Source::Qform;
     const char* const instead =
         is_placed ? "its qform says where it lies" : "which side of the patient is which is not known";
-    if (geometry.sform_code > 0 && volume.affine_source != Affine_Source::SFORM) {
+    if (geometry.sform_code > 0 && volume.affine_source != Affine_Source::Sform) {
         texts.push_back(
             std::string("has an sform that cannot be used (it is flat, or has elements that are no number): ") +
             instead);
@@ -467,12 +467,12 @@ std::vector<std::string> Geometry_Warnings(const Stored_Geometry& geometry, cons
     if (geometry.qform_code > 0 && !is_placed) {
         texts.push_back(std::string("has a qform that cannot be used: ") + instead);
     }
-    if (volume.affine_source != Affine_Source::SFORM) {
+    if (volume.affine_source != Affine_Source::Sform) {
         return texts;
     }
     // A share. Where the sform leads to the scanner's own space: single precision, and programs that round.
     // Registration to another image or an atlas makes heads larger or smaller, and means to.
-    const double same = geometry.sform_code > sform_of_scanner ? 0.3 : 0.01;
+    const double same = geometry.sform_code > SFORM_OF_SCANNER ? 0.3 : 0.01;
     const double unit = Millimetres_Per_Unit(geometry.units);
     const std::array<std::int32_t, 3> size = {volume.nx, volume.ny, volume.nz};
     bool differs = false;

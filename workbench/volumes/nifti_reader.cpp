@@ -18,7 +18,7 @@ namespace volumes {
 
 namespace {
 
-constexpr std::size_t block_size =
+constexpr std::size_t BLOCK_SIZE =
     1024U * 1024U;  // about as many bytes of voxels are read between two reports of progress
 
 // Ends a load; Volume_Load turns it into its result.
@@ -34,17 +34,17 @@ struct Load_Failure {
 // The clause for an end of data that is not a proper one; `present` says how far reading came.
 std::string End_Text(Decode_End end, const std::string& present) {
     switch (end) {
-        case Decode_End::READ_ERROR:
+        case Decode_End::Read_Error:
             return "cannot be read to its end: " + present;
-        case Decode_End::DAMAGED:
+        case Decode_End::Damaged:
             return "is corrupt: its compressed data are damaged, " + present;
-        case Decode_End::WRONG_CHECKSUM:
+        case Decode_End::Wrong_Checksum:
             return "is corrupt: its checksum does not fit its data, " + present;
-        case Decode_End::NO_MEMORY:
+        case Decode_End::No_Memory:
             return "cannot be decompressed for want of memory";
-        case Decode_End::NOT_YET:
-        case Decode_End::COMPLETE:
-        case Decode_End::CUT_OFF:
+        case Decode_End::Not_Yet:
+        case Decode_End::Complete:
+        case Decode_End::Cut_Off:
             break;
     }
     return "is truncated: " + present;
@@ -101,7 +101,7 @@ void Loader::Header_Load() {
     const auto fail_early = [&](std::size_t got, std::size_t wanted) {
         Fail(file, End_Text(decoded.End(), Count_Text(got) + " of " + Count_Text(wanted) + " header bytes present"));
     };
-    if (mark == 0 && decoded.End() == Decode_End::COMPLETE) {
+    if (mark == 0 && decoded.End() == Decode_End::Complete) {
         Fail(file, "is empty");
     }
     if (mark < 4) {
@@ -143,7 +143,7 @@ void Loader::Size_Check(const std::string& name, const Decoded_Source& voxels, s
     const std::uint64_t begin = std::max(header.voxel_offset, position);
     const std::uint64_t present = *size > begin ? (*size - begin) / Voxel_Type_Size(header.type) : 0;
     if (present < header.voxel_nb) {
-        Fail(name, End_Text(Decode_End::COMPLETE, Voxels_Present(present)));
+        Fail(name, End_Text(Decode_End::Complete, Voxels_Present(present)));
     }
 }
 
@@ -184,7 +184,7 @@ void Loader::Extensions_Pass(std::uint64_t position) {
 
 void Loader::Voxels_Read(const std::string& name, Decoded_Source& voxels, Level_Builder& builder) const {
     const std::size_t voxel_size = Voxel_Type_Size(header.type);
-    const std::size_t block_nb = block_size / voxel_size;
+    const std::size_t block_nb = BLOCK_SIZE / voxel_size;
     std::vector<std::uint8_t> block(static_cast<std::size_t>(std::min<std::uint64_t>(block_nb, header.voxel_nb)) *
                                     voxel_size);
     while (builder.Voxel_Nb() < header.voxel_nb) {
@@ -206,19 +206,19 @@ void Loader::Tail_Check(const std::string& name, Decoded_Source& voxels) {
         return;
     }
     std::uint64_t passed = 0;
-    while (voxels.End() == Decode_End::NOT_YET) {
-        passed += voxels.Skip(block_size);
+    while (voxels.End() == Decode_End::Not_Yet) {
+        passed += voxels.Skip(BLOCK_SIZE);
         if (passed > limits.decoded_bytes) {
             Fail(name,
                  "is too large: more than " + Size_Text(limits.decoded_bytes) + " of other data follow its voxels");
         }
         Report(0.95);
     }
-    if (voxels.End() == Decode_End::CUT_OFF) {
+    if (voxels.End() == Decode_End::Cut_Off) {
         Fail(name, "is truncated: all " + Count_Text(header.voxel_nb) +
                        " voxels are present, but not the checksum at its end");
     }
-    if (voxels.End() != Decode_End::COMPLETE) {
+    if (voxels.End() != Decode_End::Complete) {
         Fail(name, End_Text(voxels.End(), Voxels_Present(header.voxel_nb)));
     }
     if (voxels.Has_Garbage()) {
@@ -230,7 +230,7 @@ void Loader::Voxels_Load(Byte_Source* image) {
     std::optional<Decoded_Source> separate;
     std::string name = file;
     if (header.single_file) {
-        const std::uint64_t position = header.format == Nifti_Format::NIFTI_2 ? NIFTI2_HEADER_SIZE : NIFTI1_HEADER_SIZE;
+        const std::uint64_t position = header.format == Nifti_Format::Nifti_2 ? NIFTI2_HEADER_SIZE : NIFTI1_HEADER_SIZE;
         Size_Check(name, decoded, position);
         Extensions_Pass(position);
     } else {
@@ -263,7 +263,7 @@ void Loader::Voxels_Load(Byte_Source* image) {
     for (const std::string& text : Values_Outside_Texts(volume)) {
         Warn(name, text);
     }
-    if (header.format == Nifti_Format::ANALYZE && header.slope != 1) {
+    if (header.format == Nifti_Format::Analyze && header.slope != 1) {
         Warn(file, "has the scale factor " + Value_Text(header.slope) +
                        " that some programs add to Analyze files; its values are multiplied by it");
     }
@@ -273,11 +273,11 @@ void Loader::Voxels_Load(Byte_Source* image) {
 }
 
 std::string Loader::Encoding_Text(bool is_compressed) const {
-    std::string text = header.format == Nifti_Format::ANALYZE
+    std::string text = header.format == Nifti_Format::Analyze
                            ? "Analyze 7.5"
-                           : (header.format == Nifti_Format::NIFTI_1 ? "NIfTI-1" : "NIfTI-2");
+                           : (header.format == Nifti_Format::Nifti_1 ? "NIfTI-1" : "NIfTI-2");
     text += header.single_file ? "" : ", header and voxels in two files";
-    text += header.order == Byte_Order::LITTLE ? ", little-endian" : ", big-endian";
+    text += header.order == Byte_Order::Little ? ", little-endian" : ", big-endian";
     return text + (is_compressed ? ", gzip-compressed" : "");
 }
 

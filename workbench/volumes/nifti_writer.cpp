@@ -22,13 +22,13 @@ namespace volumes {
 
 namespace {
 
-constexpr std::size_t voxel_offset = NIFTI1_HEADER_SIZE + NIFTI_EXTENDER_SIZE;
-constexpr std::size_t block_nb = 256U * 1024U;  // labels prepared at once
-constexpr int gzip_window_bits = 15 + 16;       // zlib: largest window, gzip header and trailer
-constexpr int gzip_memory_level = 8;            // zlib's default
-constexpr std::int16_t intent_label = 1002;     // NIfTI's code for "values are labels"
-constexpr std::int32_t units_mm_s = 2 + 8;
-constexpr std::string_view description = "label volume";
+constexpr std::size_t VOXEL_OFFSET = NIFTI1_HEADER_SIZE + NIFTI_EXTENDER_SIZE;
+constexpr std::size_t BLOCK_NB = 256U * 1024U;  // labels prepared at once
+constexpr int GZIP_WINDOW_BITS = 15 + 16;       // zlib: largest window, gzip header and trailer
+constexpr int GZIP_MEMORY_LEVEL = 8;            // zlib's default
+constexpr std::int16_t INTENT_LABEL = 1002;     // NIfTI's code for "values are labels"
+constexpr std::int32_t UNITS_MM_S = 2 + 8;
+constexpr std::string_view DESCRIPTION = "label volume";
 
 float Float_From(double value) {
     constexpr double largest = std::numeric_limits<float>::max();
@@ -40,7 +40,7 @@ Stored_Geometry Geometry_Make(const Volume& source) {
     Stored_Geometry geometry;
     geometry.present = true;
     geometry.sform_code = 1;
-    geometry.units = units_mm_s;
+    geometry.units = UNITS_MM_S;
     geometry.pixdim = {1, source.spacing[0], source.spacing[1], source.spacing[2], source.time_step};
     geometry.srow = source.affine;
     return geometry;
@@ -48,34 +48,34 @@ Stored_Geometry Geometry_Make(const Volume& source) {
 
 class Header_Bytes {
   public:
-    std::array<std::uint8_t, voxel_offset> bytes{};
+    std::array<std::uint8_t, VOXEL_OFFSET> bytes{};
 
     void Whole(std::size_t at, std::int32_t value) {
-        Value_Write(bytes.data() + at, static_cast<std::int16_t>(value), Byte_Order::LITTLE);
+        Value_Write(bytes.data() + at, static_cast<std::int16_t>(value), Byte_Order::Little);
     }
-    void Real(std::size_t at, double value) { Value_Write(bytes.data() + at, Float_From(value), Byte_Order::LITTLE); }
+    void Real(std::size_t at, double value) { Value_Write(bytes.data() + at, Float_From(value), Byte_Order::Little); }
 };
 
 Header_Bytes Header_Make(const Volume& source, bool all_times, std::size_t label_size) {
     const Stored_Geometry geometry = source.stored.present ? source.stored : Geometry_Make(source);
     Header_Bytes header;
-    Value_Write(header.bytes.data(), static_cast<std::int32_t>(NIFTI1_HEADER_SIZE), Byte_Order::LITTLE);
+    Value_Write(header.bytes.data(), static_cast<std::int32_t>(NIFTI1_HEADER_SIZE), Byte_Order::Little);
     header.Whole(40, all_times ? 4 : 3);
     const std::array<std::int32_t, 7> size = {source.nx, source.ny, source.nz, all_times ? source.nt : 1, 1, 1, 1};
     for (std::size_t i = 0; i < size.size(); ++i) {
         header.Whole(42 + 2 * i, size[i]);
     }
-    header.Whole(68, intent_label);
-    header.Whole(70, static_cast<std::int32_t>(label_size == 1 ? Voxel_Type::UINT8 : Voxel_Type::UINT16));
+    header.Whole(68, INTENT_LABEL);
+    header.Whole(70, static_cast<std::int32_t>(label_size == 1 ? Voxel_Type::Uint8 : Voxel_Type::Uint16));
     header.Whole(72, static_cast<std::int32_t>(8 * label_size));
     for (std::size_t i = 0; i < 5;
          ++i) {  // the sizes of further dimensions do not outlive their being multiplied into one
         header.Real(76 + 4 * i, geometry.pixdim[i]);
     }
-    header.Real(108, static_cast<double>(voxel_offset));
+    header.Real(108, static_cast<double>(VOXEL_OFFSET));
     header.Real(112, 1.0);
     header.bytes[123] = static_cast<std::uint8_t>(geometry.units);
-    std::copy(description.begin(), description.end(), header.bytes.begin() + 148);
+    std::copy(DESCRIPTION.begin(), DESCRIPTION.end(), header.bytes.begin() + 148);
     header.Whole(252, geometry.qform_code);
     header.Whole(254, geometry.sform_code);
     for (std::size_t i = 0; i < 3; ++i) {
@@ -96,8 +96,8 @@ class Label_Stream {
         if (!compressed) {
             return;
         }
-        coded.resize(block_nb);  // before zlib's own memory: what throws here has nothing to free
-        if (::deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, gzip_window_bits, gzip_memory_level,
+        coded.resize(BLOCK_NB);  // before zlib's own memory: what throws here has nothing to free
+        if (::deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, GZIP_WINDOW_BITS, GZIP_MEMORY_LEVEL,
                            Z_DEFAULT_STRATEGY) != Z_OK) {
             throw std::bad_alloc();
         }
@@ -140,10 +140,10 @@ template <class Label>
 bool Labels_Write(Label_Stream& stream, std::span<const Label> labels) {
     std::vector<std::uint8_t> block;
     while (!labels.empty()) {
-        const std::size_t count = std::min(labels.size(), block_nb);
+        const std::size_t count = std::min(labels.size(), BLOCK_NB);
         block.resize(count * sizeof(Label));
         for (std::size_t i = 0; i < count; ++i) {
-            Value_Write(block.data() + i * sizeof(Label), labels[i], Byte_Order::LITTLE);
+            Value_Write(block.data() + i * sizeof(Label), labels[i], Byte_Order::Little);
         }
         if (!stream.Write(block)) {
             return false;

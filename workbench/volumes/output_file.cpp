@@ -14,8 +14,8 @@ namespace volumes {
 
 namespace {
 
-constexpr int attempt_nb = 20;                           // names tried for the temporary file
-constexpr std::size_t write_most = 16U * 1024U * 1024U;  // bytes given to the system at once
+constexpr int ATTEMPT_NB = 20;                           // names tried for the temporary file
+constexpr std::size_t WRITE_MOST = 16U * 1024U * 1024U;  // bytes given to the system at once
 
 }  // namespace
 
@@ -30,7 +30,7 @@ Output_File::Output_File(std::filesystem::path target_path) : target(std::move(t
         return;
     }
     std::random_device random;
-    for (int attempt = 0; attempt < attempt_nb; ++attempt) {
+    for (int attempt = 0; attempt < ATTEMPT_NB; ++attempt) {
         temporary = Unfinished_Name(target, random());
         descriptor = File_Operations_In_Use().create(temporary);
         if (descriptor >= 0) {
@@ -70,7 +70,7 @@ bool Output_File::Fail_System(const std::string& what) {
 bool Output_File::Write(std::span<const std::uint8_t> bytes) {
     while (descriptor >= 0 && !bytes.empty()) {
         const long long count =
-            File_Operations_In_Use().write(descriptor, bytes.data(), std::min(bytes.size(), write_most));
+            File_Operations_In_Use().write(descriptor, bytes.data(), std::min(bytes.size(), WRITE_MOST));
         if (count < 0 && errno == EINTR) {
             continue;
         }

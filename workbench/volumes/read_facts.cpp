@@ -53,10 +53,10 @@ std::string Orientation_Text(const Volume& volume, const std::string& orientatio
         return "chosen by the user: columns, rows and slices run towards " + orientation;
     }
     switch (volume.affine_source) {
-        case Affine_Source::SFORM:
+        case Affine_Source::Sform:
             return "the file's sform (code " + std::to_string(volume.stored.sform_code) + ")" +
                    Sform_Steps_Text(volume);
-        case Affine_Source::QFORM:
+        case Affine_Source::Qform:
             return volume.stored.present ? "the file's qform (code " + std::to_string(volume.stored.qform_code) + ")"
                                          : "positions and directions in the files";
         default:

@@ -17,13 +17,13 @@ using Vector = std::array<double, 3>;
 using Numbers = std::vector<std::int32_t>;
 
 // Parts of a pixel, or of the distance of slices where that is meant.
-constexpr double pixel_alike = 0.5;       // slices of one stack: what the far end of the picture may lie off
-constexpr double told_above = 0.1;        // what lies off by more is told
-constexpr double same_most = 0.02;        // slices at one place lie no further apart
-constexpr double same_least = 0.001;      // slices at several places lie further apart
-constexpr double same_of_gap = 0.2;       // nor is the distance of one place from itself a good part of the widest gap
-constexpr double direction_same = 0.999;  // cosine between normals
-constexpr std::size_t stacks_most = 32;   // more is no set of stacks, but a sweep or a fan of slices
+constexpr double PIXEL_ALIKE = 0.5;       // slices of one stack: what the far end of the picture may lie off
+constexpr double TOLD_ABOVE = 0.1;        // what lies off by more is told
+constexpr double SAME_MOST = 0.02;        // slices at one place lie no further apart
+constexpr double SAME_LEAST = 0.001;      // slices at several places lie further apart
+constexpr double SAME_OF_GAP = 0.2;       // nor is the distance of one place from itself a good part of the widest gap
+constexpr double DIRECTION_SAME = 0.999;  // cosine between normals
+constexpr std::size_t STACKS_MOST = 32;   // more is no set of stacks, but a sweep or a fan of slices
 
 std::size_t At(std::int32_t number) {
     return static_cast<std::size_t>(number);
@@ -70,10 +70,10 @@ bool Is_Alike(const Stack_Slice& left, const Stack_Slice& right) {
     if (left.place.is_known != right.place.is_known || left.size != right.size) {
         return false;
     }
-    return Edges_Off(left, right) <= pixel_alike * Pixel_Least(left) &&
+    return Edges_Off(left, right) <= PIXEL_ALIKE * Pixel_Least(left) &&
            (!left.place.is_known ||
             Dot(Slice_Normal(left.place), Slice_Normal(right.place)) >=
-                direction_same * Length(Slice_Normal(left.place)) * Length(Slice_Normal(right.place)));
+                DIRECTION_SAME * Length(Slice_Normal(left.place)) * Length(Slice_Normal(right.place)));
 }
 
 /** Makes the stacks of slices that have one direction. */
@@ -135,7 +135,7 @@ void Direction_Stacker::Places_Find(const Numbers& group) {
         widest = std::max(widest, Depth(sorted[at]) - Depth(sorted[at - 1]));
     }
     const double pixel = Pixel_Least(Slice(group.front()));
-    const double same = std::clamp(same_of_gap * widest, same_least * pixel, same_most * pixel);
+    const double same = std::clamp(SAME_OF_GAP * widest, SAME_LEAST * pixel, SAME_MOST * pixel);
     places.clear();
     for (const std::int32_t number : sorted) {
         if (places.empty() || Depth(number) - Depth(places.back().front()) > same) {
@@ -153,7 +153,7 @@ void Direction_Stacker::Places_Find(const Numbers& group) {
 bool Direction_Stacker::Is_Beside() const {
     return std::ranges::any_of(places, [&](const Numbers& place) {
         return std::ranges::any_of(place, [&](std::int32_t number) {
-            return Sideways(number, place.front()) > pixel_alike * Pixel_Least(Slice(number));
+            return Sideways(number, place.front()) > PIXEL_ALIKE * Pixel_Least(Slice(number));
         });
     });
 }
@@ -162,7 +162,7 @@ std::vector<Numbers> Direction_Stacker::Columns_Of(const Numbers& group) const {
     std::vector<Numbers> columns;
     for (const std::int32_t number : group) {
         const auto found = std::ranges::find_if(columns, [&](const Numbers& column) {
-            return Sideways(number, column.front()) <= pixel_alike * Pixel_Least(Slice(number));
+            return Sideways(number, column.front()) <= PIXEL_ALIKE * Pixel_Least(Slice(number));
         });
         (found != columns.end() ? *found : columns.emplace_back()).push_back(number);
     }
@@ -193,7 +193,7 @@ void Direction_Stacker::Equal_Times(std::size_t times) {
         }
     }
     if (is_guess) {
-        Warn(Stack_Warning::Kind::TIME_GUESSED, places.front().front(), static_cast<double>(times));
+        Warn(Stack_Warning::Kind::Time_Guessed, places.front().front(), static_cast<double>(times));
     }
     Add(ordered);
 }
@@ -220,7 +220,7 @@ void Direction_Stacker::Unequal_Times(std::size_t most) {
         const auto several = std::ranges::count_if(places, [](const Numbers& place) { return place.size() > 1; });
         if (static_cast<std::size_t>(several) * 2 > places.size()) {
             // More than a slice or two that came twice.
-            Warn(Stack_Warning::Kind::TIME_GUESSED, places.front().front(), static_cast<double>(most));
+            Warn(Stack_Warning::Kind::Time_Guessed, places.front().front(), static_cast<double>(most));
         }
         times.resize(most);
         for (std::size_t place = 0; place < places.size(); ++place) {
@@ -245,7 +245,7 @@ void Direction_Stacker::Unequal_Times(std::size_t most) {
         found->second.push_back(std::move(numbers));
     }
     const auto fewest = std::ranges::min_element(stacks, {}, [](const auto& stack) { return stack.first.size(); });
-    Warn(Stack_Warning::Kind::UNEQUAL, fewest->second.front().front(), static_cast<double>(stacks.size()));
+    Warn(Stack_Warning::Kind::Unequal, fewest->second.front().front(), static_cast<double>(stacks.size()));
     for (const auto& [has, ordered] : stacks) {
         Add(ordered);
     }
@@ -304,22 +304,22 @@ void Direction_Stacker::Grid_Fit(Slice_Stack& stack) {
         note(turned, Edges_Off(Slice(number), first), pixel, number);
         stack.error = std::max(stack.error, Length(off));
     }
-    if (uneven.share > told_above) {
-        stack.kind = Slice_Stack::Kind::UNEVEN;
-        Warn(Stack_Warning::Kind::UNEVEN, uneven.slice, uneven.off);
+    if (uneven.share > TOLD_ABOVE) {
+        stack.kind = Slice_Stack::Kind::Uneven;
+        Warn(Stack_Warning::Kind::Uneven, uneven.slice, uneven.off);
     }
-    if (curved.share > told_above) {
-        stack.kind = Slice_Stack::Kind::UNEVEN;
-        Warn(Stack_Warning::Kind::CURVED, curved.slice, curved.off);
+    if (curved.share > TOLD_ABOVE) {
+        stack.kind = Slice_Stack::Kind::Uneven;
+        Warn(Stack_Warning::Kind::Curved, curved.slice, curved.off);
     }
-    if (turned.share > told_above) {
-        Warn(Stack_Warning::Kind::TURNED, turned.slice, turned.off);
+    if (turned.share > TOLD_ABOVE) {
+        Warn(Stack_Warning::Kind::Turned, turned.slice, turned.off);
     }
-    if (Length(across) * static_cast<double>(last) > pixel_alike * pixel) {
-        if (stack.kind == Slice_Stack::Kind::REGULAR) {
-            stack.kind = Slice_Stack::Kind::TILTED;
+    if (Length(across) * static_cast<double>(last) > PIXEL_ALIKE * pixel) {
+        if (stack.kind == Slice_Stack::Kind::Regular) {
+            stack.kind = Slice_Stack::Kind::Tilted;
         }
-        Warn(Stack_Warning::Kind::TILTED, stack.order.front(),
+        Warn(Stack_Warning::Kind::Tilted, stack.order.front(),
              std::atan2(Length(across), stack.distance) * 180.0 / std::numbers::pi);
     }
 }
@@ -388,14 +388,14 @@ Stack_Plan Slices_Stack(std::span<const Stack_Slice> slices) {
     for (const Numbers& group : Slices_Alike(slices)) {
         stacker.Stack(group);
     }
-    if (plan.stacks.size() > stacks_most) {
+    if (plan.stacks.size() > STACKS_MOST) {
         Slice_Stack all;
-        all.kind = Slice_Stack::Kind::SCATTERED;
+        all.kind = Slice_Stack::Kind::Scattered;
         all.nz = static_cast<std::int32_t>(slices.size());
         for (std::int32_t number = 0; number < all.nz; ++number) {
             all.order.push_back(number);
         }
-        plan.warnings = {{Stack_Warning::Kind::SCATTERED, 0, static_cast<double>(plan.stacks.size())}};
+        plan.warnings = {{Stack_Warning::Kind::Scattered, 0, static_cast<double>(plan.stacks.size())}};
         plan.stacks = {std::move(all)};
     }
     return plan;
@@ -405,33 +405,33 @@ std::string Stack_Warning_Text(const Stack_Warning& warning, bool is_frame) {
     const std::string frame = "frame " + Count_Text(static_cast<std::uint64_t>(warning.slice) + 1);
     const std::string off = " mm from where they lie";
     switch (warning.kind) {
-        case Stack_Warning::Kind::TILTED:
+        case Stack_Warning::Kind::Tilted:
             return (is_frame ? "has a stack of frames tilted by " : "begins a stack of slices tilted by ") +
                    Amount_Text(warning.amount) +
                    " degrees: every position is right, but the slices do not lie straight above one another";
-        case Stack_Warning::Kind::UNEVEN:
+        case Stack_Warning::Kind::Uneven:
             return (is_frame ? "has frames at uneven distances (" + frame + "): they"
                              : std::string("lies at an uneven distance from its neighbours: slices")) +
                    " are shown up to " + Amount_Text(warning.amount) + off;
-        case Stack_Warning::Kind::CURVED:
+        case Stack_Warning::Kind::Curved:
             return (is_frame ? "has frames beside the line of the others (" + frame + "): they"
                              : std::string("lies beside the line of the other slices: slices")) +
                    " are shown up to " + Amount_Text(warning.amount) + off;
-        case Stack_Warning::Kind::TURNED:
+        case Stack_Warning::Kind::Turned:
             return (is_frame ? "has frames turned or sized a little otherwise than the first (" + frame + "): pixels"
                              : std::string("is turned or sized a little otherwise than the other slices: pixels")) +
                    " are shown up to " + Amount_Text(warning.amount) + off;
-        case Stack_Warning::Kind::UNEQUAL:
+        case Stack_Warning::Kind::Unequal:
             return (is_frame ? "has frames whose places do not occur equally often (" + frame + "): they"
                              : std::string("belongs to a series whose positions do not occur equally often: it")) +
                    (is_frame ? " are" : " is") + " shown as " + Count_Text(static_cast<std::uint64_t>(warning.amount)) +
                    " volumes";
-        case Stack_Warning::Kind::TIME_GUESSED:
+        case Stack_Warning::Kind::Time_Guessed:
             return std::string(is_frame ? "has several frames at one place, and does not say which is earlier: they "
                                           "are taken in the file's order"
                                         : "lies where other slices of its series lie, and does not say which is "
                                           "earlier: they are taken in order of number");
-        case Stack_Warning::Kind::SCATTERED:
+        case Stack_Warning::Kind::Scattered:
             return std::string(is_frame ? "has frames" : "belongs to a series with slices") + " in " +
                    Count_Text(static_cast<std::uint64_t>(warning.amount)) +
                    " directions or places beside one another: they are shown one after the other, without a place in "

@@ -50,12 +50,12 @@ struct Stack_Slice {
 /** Slices of one direction and one regular grid, as far as they make one up, at one or several times. */
 struct Slice_Stack {
     enum class Kind {
-        REGULAR,   ///< straight and even
-        TILTED,    ///< even, but not straight along the normal: the step says so
-        UNEVEN,    ///< slices lie off the grid that the stack stands for
-        SCATTERED  ///< too many directions: slices of all of them, as they came; there is no place
+        Regular,   ///< straight and even
+        Tilted,    ///< even, but not straight along the normal: the step says so
+        Uneven,    ///< slices lie off the grid that the stack stands for
+        Scattered  ///< too many directions: slices of all of them, as they came; there is no place
     };
-    Kind kind = Kind::REGULAR;
+    Kind kind = Kind::Regular;
     std::int32_t nz = 1;
     std::int32_t nt = 1;
     std::vector<std::int32_t> order;  ///< numbers of the slices: all places of the first time first, along the normal
@@ -66,15 +66,15 @@ struct Slice_Stack {
 
 struct Stack_Warning {
     enum class Kind {
-        TILTED,        ///< amount: degrees
-        UNEVEN,        ///< distances differ; amount: mm that slices lie off at most
-        CURVED,        ///< slices lie beside the line; amount: mm that slices lie off at most
-        TURNED,        ///< directions or pixel sizes differ a little; amount: mm that pixels lie off at most
-        UNEQUAL,       ///< places do not occur equally often: several stacks
-        TIME_GUESSED,  ///< slices of one place do not say which is earlier
-        SCATTERED      ///< amount: stacks that there would be
+        Tilted,        ///< amount: degrees
+        Uneven,        ///< distances differ; amount: mm that slices lie off at most
+        Curved,        ///< slices lie beside the line; amount: mm that slices lie off at most
+        Turned,        ///< directions or pixel sizes differ a little; amount: mm that pixels lie off at most
+        Unequal,       ///< places do not occur equally often: several stacks
+        Time_Guessed,  ///< slices of one place do not say which is earlier
+        Scattered      ///< amount: stacks that there would be
     };
-    Kind kind = Kind::UNEVEN;
+    Kind kind = Kind::Uneven;
     std::int32_t slice = 0;  ///< the number of a slice that it is about
     double amount = 0;
 };

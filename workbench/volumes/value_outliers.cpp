@@ -10,8 +10,8 @@ namespace volumes {
 
 namespace {
 
-constexpr std::uint64_t rare_share = 1000;  // outliers of several values are at most one in so many
-constexpr double groups_most = 8.0;         // a gap of this part of the range parts groups
+constexpr std::uint64_t RARE_SHARE = 1000;  // outliers of several values are at most one in so many
+constexpr double GROUPS_MOST = 8.0;         // a gap of this part of the range parts groups
 
 /** Clusters with what all up to them have in common. */
 struct Sorted_Clusters {
@@ -60,7 +60,7 @@ double Half_Width(const std::vector<Value_Cluster>& list, Part part) {
 
 /** A part cut at its wide gaps. */
 std::vector<Part> Groups_Of(const std::vector<Value_Cluster>& list, Part part) {
-    const double wide = Half_Width(list, part) / groups_most;
+    const double wide = Half_Width(list, part) / GROUPS_MOST;
     std::vector<Part> groups = {{part.first, part.first}};
     for (std::size_t at = part.first + 1; at <= part.last; ++at) {
         if (Half_Gap(list[at - 1].highest, list[at].lowest) > wide) {
@@ -73,7 +73,7 @@ std::vector<Part> Groups_Of(const std::vector<Value_Cluster>& list, Part part) {
 
 /** Whether `lost` may be left out for the sake of `kept`. */
 bool Is_Outlier(const std::vector<Value_Cluster>& list, Part lost, Part kept) {
-    return Is_One_Value(list, lost) || Count_Of(list, lost) <= Count_Of(list, kept) / rare_share;
+    return Is_One_Value(list, lost) || Count_Of(list, lost) <= Count_Of(list, kept) / RARE_SHARE;
 }
 
 /** The gap between two groups; 0 for one and the same. */

@@ -23,16 +23,16 @@ inline constexpr std::int32_t LEVEL_OUTSIDE = 0x7FFFFFFE;
 /** Most steps between the smallest and the largest level of quantised values: levels 0 .. QUANTISED_STEPS. */
 inline constexpr std::int32_t QUANTISED_STEPS = 65535;
 
-/** Where the affine of a volume comes from. QFORM: a rotation and an offset of the file, or DICOM's positions and
- * directions. SPACING: the file does not say how the patient lies, and the affine holds the voxel sizes alone. CHOSEN:
+/** Where the affine of a volume comes from. Qform: a rotation and an offset of the file, or DICOM's positions and
+ * directions. Spacing: the file does not say how the patient lies, and the affine holds the voxel sizes alone. Chosen:
  * the user said it. */
-enum class Affine_Source { SFORM, QFORM, SPACING, CHOSEN };
+enum class Affine_Source { Sform, Qform, Spacing, Chosen };
 
 /** How grey values become brightness between a window's ends. */
 enum class Window_Function {
-    LINEAR,        ///< DICOM's own: width - 1 grey values wide, and half a value lower
-    LINEAR_EXACT,  ///< from centre - width / 2 to centre + width / 2
-    SIGMOID,       ///< 1 / (1 + exp(-4 * (grey - centre) / width))
+    Linear,        ///< DICOM's own: width - 1 grey values wide, and half a value lower
+    Linear_Exact,  ///< from centre - width / 2 to centre + width / 2
+    Sigmoid,       ///< 1 / (1 + exp(-4 * (grey - centre) / width))
 };
 
 /** A window that a file proposes, in grey values. */
@@ -40,7 +40,7 @@ struct Display_Window {
     std::string name;  ///< UTF-8; empty: none
     double center = 0;
     double width = 1;  ///< positive; LINEAR: 1 or more
-    Window_Function function = Window_Function::LINEAR;
+    Window_Function function = Window_Function::Linear;
     bool operator==(const Display_Window&) const = default;
 };
 
@@ -71,7 +71,7 @@ struct Volume {
     std::array<double, 3> spacing{1, 1, 1};  ///< mm, positive
     double time_step = 0;                    ///< seconds; 0: unknown
     Affine affine{};                         ///< voxel index (x, y, z) to millimetres
-    Affine_Source affine_source = Affine_Source::SPACING;
+    Affine_Source affine_source = Affine_Source::Spacing;
     std::string scalar_type;  ///< type in the file: "uint8", "int16", "float32", "rgb24" ...
     bool color = false;       ///< levels are packed: red in the low byte, then green, then blue
     double slope = 1;         ///< grey = level * slope + intercept; may be negative, not 0

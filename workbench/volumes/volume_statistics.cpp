@@ -12,7 +12,7 @@ namespace volumes {
 
 namespace {
 
-constexpr std::size_t half_size = std::size_t{1} << 16U;  // values of either half of a 32-bit number
+constexpr std::size_t HALF_SIZE = std::size_t{1} << 16U;  // values of either half of a 32-bit number
 constexpr double WINDOW_REACH = 1e-6;                     // of a single value, at least: what a float can tell apart
 
 // The level's distance from the smallest possible one: keeps the order, and is never negative.
@@ -38,7 +38,7 @@ std::size_t Bin_Of_Rank(const std::vector<std::uint64_t>& bins, std::uint64_t& r
 class Level_Ranking {
   public:
     // Levels outside are the largest number: they come after all ranks that are asked for.
-    explicit Level_Ranking(std::span<const std::int32_t> all_levels) : levels(all_levels), upper(half_size) {
+    explicit Level_Ranking(std::span<const std::int32_t> all_levels) : levels(all_levels), upper(HALF_SIZE) {
         for (const std::int32_t level : levels) {
             ++upper[Ordered(level) >> 16U];
         }
@@ -47,7 +47,7 @@ class Level_Ranking {
     // The level at position `rank` of the sorted ones, from 0.
     std::int32_t Level_At(std::uint64_t rank) const {
         const std::size_t bin = Bin_Of_Rank(upper, rank);
-        std::vector<std::uint64_t> lower(half_size);
+        std::vector<std::uint64_t> lower(HALF_SIZE);
         for (const std::int32_t level : levels) {
             const std::uint32_t ordered = Ordered(level);
             if ((ordered >> 16U) == bin) {

@@ -11,22 +11,22 @@
 
 namespace {
 
-constexpr int width = 420;
-constexpr int height = 300;
-constexpr std::uint32_t ground = 0x383A40;  // the box's colour
+constexpr int WIDTH = 420;
+constexpr int HEIGHT = 300;
+constexpr std::uint32_t GROUND = 0x383A40;  // the box's colour
 
 /** A plot in a window of one axis, drawn by SetUp. */
 class Axes_Test : public testing::TestWithParam<Window_Axis> {
   protected:
-    Test_Window window{width, height, GetParam()};
+    Test_Window window{WIDTH, HEIGHT, GetParam()};
     Boxs box;
     Plot_Area area;
     void SetUp() override {
         box.style = STYLE_FRAMED_BOX;
         box.x = 4;
         box.y = 3;
-        box.width = width - 12;
-        box.height = height - 14;
+        box.width = WIDTH - 12;
+        box.height = HEIGHT - 14;
         box.Set_Color(0x38, 0x3A, 0x40);
         box.Init(window.Get());
         box.Draw();
@@ -40,7 +40,7 @@ class Axes_Test : public testing::TestWithParam<Window_Axis> {
         return done;
     }
     Rect Device(int x, int y, int of_width, int of_height) const {
-        return {x, GetParam() == Window_Axis::Up ? height - y - of_height : y, of_width, of_height};
+        return {x, GetParam() == Window_Axis::Up ? HEIGHT - y - of_height : y, of_width, of_height};
     }
 };
 
@@ -52,14 +52,14 @@ TEST_P(Axes_Test, draw_into_the_margins_only) {
     const Rect inner = Device(area.left, area.bottom, area.width, area.height);
     const Rect outer = Device(box.x, box.y, box.width, box.height);
     int ink = 0;
-    for (int y = 0; y < height; y++) {
-        for (int x = 0; x < width; x++) {
+    for (int y = 0; y < HEIGHT; y++) {
+        for (int x = 0; x < WIDTH; x++) {
             if (!outer.Contains({x, y})) {
-                ASSERT_EQ(picture.At(x, y), Test_Window::marker);
+                ASSERT_EQ(picture.At(x, y), Test_Window::MARKER);
             } else if (inner.Contains({x, y})) {
-                ASSERT_EQ(picture.At(x, y), ground) << x << "," << y;
+                ASSERT_EQ(picture.At(x, y), GROUND) << x << "," << y;
             } else {
-                ink += picture.At(x, y) != ground ? 1 : 0;
+                ink += picture.At(x, y) != GROUND ? 1 : 0;
             }
         }
     }
@@ -79,7 +79,7 @@ TEST_P(Axes_Test, axis_lines_run_along_the_areas_left_and_lower_edge) {
     const Window_Picture picture = window.Read();
     const Rect inner = Device(area.left, area.bottom, area.width, area.height);
     const std::uint32_t line = picture.At(inner.left - 1, inner.top + 1);
-    EXPECT_NE(line, ground);
+    EXPECT_NE(line, GROUND);
     for (int y = inner.top; y <= inner.Bottom(); y++) {
         EXPECT_EQ(picture.At(inner.left - 1, y), line);
     }
@@ -123,9 +123,9 @@ TEST_P(Axes_Test, titles_as_long_as_the_box_stay_inside) {
         Y_release(window.Get(), dc);
         const Window_Picture picture = window.Read();
         const Rect outer = Device(box.x, box.y, box.width, box.height);
-        for (int y = 0; y < height; y++) {
-            for (int x = 0; x < width; x++) {
-                ASSERT_TRUE(outer.Contains({x, y}) || picture.At(x, y) == Test_Window::marker)
+        for (int y = 0; y < HEIGHT; y++) {
+            for (int x = 0; x < WIDTH; x++) {
+                ASSERT_TRUE(outer.Contains({x, y}) || picture.At(x, y) == Test_Window::MARKER)
                     << x << "," << y << " height " << of_height;
             }
         }
@@ -158,9 +158,9 @@ TEST_P(Axes_Test, titles_of_any_font_and_length_stay_inside) {
                 const Window_Picture picture = window.Read();
                 const Rect outer = Device(box.x, box.y, box.width, box.height);
                 int outside = 0;
-                for (int y = 0; y < height; y++) {
-                    for (int x = 0; x < width; x++) {
-                        outside += !outer.Contains({x, y}) && picture.At(x, y) != Test_Window::marker ? 1 : 0;
+                for (int y = 0; y < HEIGHT; y++) {
+                    for (int x = 0; x < WIDTH; x++) {
+                        outside += !outer.Contains({x, y}) && picture.At(x, y) != Test_Window::MARKER ? 1 : 0;
                     }
                 }
                 EXPECT_EQ(outside, 0) << name << " " << weight << " " << scale;

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int line_height = 15;
+constexpr int LINE_HEIGHT = 15;
 
 Axis_Request Request(int width, int height, float from, float to, const char* title) {
     Axis_Request request;
@@ -16,7 +16,7 @@ Axis_Request Request(int width, int height, float from, float to, const char* ti
     request.title = title;
     request.from = from;
     request.to = to;
-    request.line_height = line_height;
+    request.line_height = LINE_HEIGHT;
     request.width = [](const std::string& text) { return static_cast<int>(text.size()) * 7; };
     return request;
 }
@@ -153,7 +153,7 @@ TEST(AxisLayout, two_numbers_stand_wherever_two_have_room) {
             }
             Axis_Request y = Request(600, 400, from, to, "");
             y.area = {60, 20, 560, 20 + length};
-            if (length >= 2 * line_height + 8) {
+            if (length >= 2 * LINE_HEIGHT + 8) {
                 EXPECT_GE(Numbers_Of(Axis_Layout_Y(y), y).size(), 2U) << from << " to " << to << ", " << length;
             }
         }

@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr int window_width = 90;
-constexpr int window_height = 70;
+constexpr int WINDOW_WIDTH = 90;
+constexpr int WINDOW_HEIGHT = 70;
 
 Boxs Framed_Box(HWND window) {
     Boxs box;
@@ -25,12 +25,12 @@ Boxs Framed_Box(HWND window) {
 
 /** The box's device rectangle in a window of the axis. */
 Rect Device(const Boxs& box, Window_Axis axis) {
-    return {box.x, axis == Window_Axis::Up ? window_height - box.y - box.height : box.y, box.width, box.height};
+    return {box.x, axis == Window_Axis::Up ? WINDOW_HEIGHT - box.y - box.height : box.y, box.width, box.height};
 }
 
 class Boxs_Test : public testing::TestWithParam<Window_Axis> {
   protected:
-    Test_Window window{window_width, window_height, GetParam()};
+    Test_Window window{WINDOW_WIDTH, WINDOW_HEIGHT, GetParam()};
 };
 
 }  // namespace
@@ -42,11 +42,11 @@ TEST_P(Boxs_Test, draw_paints_border_and_inside_and_nothing_else) {
     const Rect outer = Device(box, GetParam());
     const std::uint32_t line = picture.At(outer.left, outer.top);
     EXPECT_NE(line, Rgb_Of(box.color));
-    for (int y = 0; y < window_height; y++) {
-        for (int x = 0; x < window_width; x++) {
+    for (int y = 0; y < WINDOW_HEIGHT; y++) {
+        for (int x = 0; x < WINDOW_WIDTH; x++) {
             const std::uint32_t expected = outer.Inner(2).Contains({x, y}) ? Rgb_Of(box.color)
                                            : outer.Contains({x, y})        ? line
-                                                                           : Test_Window::marker;
+                                                                           : Test_Window::MARKER;
             ASSERT_EQ(picture.At(x, y), expected) << x << "," << y;
         }
     }
@@ -65,8 +65,8 @@ TEST_P(Boxs_Test, one_far_larger_than_its_window_is_painted_in_a_picture_of_the_
     }
     Painter painter(box);
     ASSERT_TRUE(painter);
-    EXPECT_EQ(painter.Picture().Held().width, window_width);
-    EXPECT_EQ(painter.Picture().Held().height, window_height);
+    EXPECT_EQ(painter.Picture().Held().width, WINDOW_WIDTH);
+    EXPECT_EQ(painter.Picture().Held().height, WINDOW_HEIGHT);
     EXPECT_EQ(painter.Area(), (Rect{0, 0, 24000, 24000}));
     painter.Show_Nothing();
 }
@@ -83,14 +83,14 @@ TEST_P(Boxs_Test, one_partly_in_its_window_shows_that_part) {
     box.Draw();
     const Window_Picture part = window.Read();
     const Rect now = Device(box, GetParam());
-    const Rect seen = Rect_Common(now, {0, 0, window_width, window_height});
+    const Rect seen = Rect_Common(now, {0, 0, WINDOW_WIDTH, WINDOW_HEIGHT});
     ASSERT_LT(seen.width, now.width);
     ASSERT_LT(seen.height, now.height);
-    for (int y = 0; y < window_height; y++) {
-        for (int x = 0; x < window_width; x++) {
+    for (int y = 0; y < WINDOW_HEIGHT; y++) {
+        for (int x = 0; x < WINDOW_WIDTH; x++) {
             const std::uint32_t expected = seen.Contains({x, y})
                                                ? whole.At(x - now.left + before.left, y - now.top + before.top)
-                                               : Test_Window::marker;
+                                               : Test_Window::MARKER;
             ASSERT_EQ(part.At(x, y), expected) << x << "," << y;
         }
     }
@@ -126,18 +126,18 @@ TEST_P(Boxs_Test, unfilled_box_leaves_its_inside_alone) {
     box.Draw();
     const Window_Picture picture = window.Read();
     const Rect outer = Device(box, GetParam());
-    EXPECT_EQ(picture.At(outer.left + 5, outer.top + 5), Test_Window::marker);
-    EXPECT_NE(picture.At(outer.left, outer.top + 5), Test_Window::marker);
+    EXPECT_EQ(picture.At(outer.left + 5, outer.top + 5), Test_Window::MARKER);
+    EXPECT_NE(picture.At(outer.left, outer.top + 5), Test_Window::MARKER);
 }
 
 TEST_P(Boxs_Test, select_hits_exactly_the_painted_pixels) {
     Boxs box = Framed_Box(window.Get());
     box.Draw();
     const Window_Picture picture = window.Read();
-    for (int y = 0; y < window_height; y++) {
-        for (int x = 0; x < window_width; x++) {
+    for (int y = 0; y < WINDOW_HEIGHT; y++) {
+        for (int x = 0; x < WINDOW_WIDTH; x++) {
             window.Point_At(x, y);
-            ASSERT_EQ(box.Select(MOUSE_ASK) != 0, picture.At(x, y) != Test_Window::marker) << x << "," << y;
+            ASSERT_EQ(box.Select(MOUSE_ASK) != 0, picture.At(x, y) != Test_Window::MARKER) << x << "," << y;
         }
     }
 }
@@ -146,19 +146,19 @@ INSTANTIATE_TEST_SUITE_P(BothAxes, Boxs_Test, testing::Values(Window_Axis::Up, W
                          [](const auto& axis) { return axis.param == Window_Axis::Up ? "Up" : "Down"; });
 
 TEST(Boxs, looks_the_same_in_both_axes) {
-    const Test_Window up(window_width, window_height, Window_Axis::Up);
-    const Test_Window down(window_width, window_height, Window_Axis::Down);
+    const Test_Window up(WINDOW_WIDTH, WINDOW_HEIGHT, Window_Axis::Up);
+    const Test_Window down(WINDOW_WIDTH, WINDOW_HEIGHT, Window_Axis::Down);
     Boxs box = Framed_Box(up.Get());
     box.Set_Name("Title");
     box.Draw();
     box.Init(down.Get());
-    box.y = static_cast<short>(window_height - box.y - box.height);
+    box.y = static_cast<short>(WINDOW_HEIGHT - box.y - box.height);
     box.Draw();
     EXPECT_EQ(up.Read(), down.Read());
 }
 
 TEST(Boxs, without_area_or_window_nothing_is_drawn_or_hit) {
-    const Test_Window window(window_width, window_height, Window_Axis::Up);
+    const Test_Window window(WINDOW_WIDTH, WINDOW_HEIGHT, Window_Axis::Up);
     Widget_Counters_Reset();
     Boxs box = Framed_Box(window.Get());
     box.width = 0;
@@ -173,12 +173,12 @@ TEST(Boxs, without_area_or_window_nothing_is_drawn_or_hit) {
     EXPECT_EQ(Widget_Counters_Get().draws, 0U);
     EXPECT_EQ(Widget_Counters_Get().clears, 0U);
     for (const std::uint32_t pixel : window.Read().pixels) {
-        ASSERT_EQ(pixel, Test_Window::marker);
+        ASSERT_EQ(pixel, Test_Window::MARKER);
     }
 }
 
 TEST(Boxs, hidden_box_is_not_drawn_greyed_one_is) {
-    const Test_Window window(window_width, window_height, Window_Axis::Up);
+    const Test_Window window(WINDOW_WIDTH, WINDOW_HEIGHT, Window_Axis::Up);
     Boxs box = Framed_Box(window.Get());
     Widget_Counters_Reset();
     box.style |= STYLE_EDITED;
@@ -190,7 +190,7 @@ TEST(Boxs, hidden_box_is_not_drawn_greyed_one_is) {
 }
 
 TEST(Boxs, reaching_beyond_the_window_is_cut) {
-    const Test_Window window(window_width, window_height, Window_Axis::Up);
+    const Test_Window window(WINDOW_WIDTH, WINDOW_HEIGHT, Window_Axis::Up);
     Boxs box = Framed_Box(window.Get());
     box.x = -20;
     box.y = 50;
@@ -199,6 +199,6 @@ TEST(Boxs, reaching_beyond_the_window_is_cut) {
     box.Draw();
     const Window_Picture picture = window.Read();
     EXPECT_EQ(picture.At(0, 0), Rgb_Of(box.color));
-    EXPECT_EQ(picture.At(window_width - 1, 0), Rgb_Of(box.color));
-    EXPECT_EQ(picture.At(0, 20), Test_Window::marker);
+    EXPECT_EQ(picture.At(WINDOW_WIDTH - 1, 0), Rgb_Of(box.color));
+    EXPECT_EQ(picture.At(0, 20), Test_Window::MARKER);
 }

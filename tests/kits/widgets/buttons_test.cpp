@@ -12,10 +12,10 @@
 
 namespace {
 
-constexpr int window_width = 100;
-constexpr int window_height = 60;
-constexpr int release = MOUSE_LEFT;  // a release with another button still held
-constexpr int press = MOUSE_PRESS | MOUSE_LEFT;
+constexpr int WINDOW_WIDTH = 100;
+constexpr int WINDOW_HEIGHT = 60;
+constexpr int RELEASE = MOUSE_LEFT;  // a release with another button still held
+constexpr int PRESS = MOUSE_PRESS | MOUSE_LEFT;
 
 Buttons Grid_Button(HWND window) {
     Buttons button;
@@ -31,12 +31,12 @@ Buttons Grid_Button(HWND window) {
 }
 
 Rect Device(const Buttons& button) {
-    return {button.x, window_height - button.y - button.height, button.width, button.height};
+    return {button.x, WINDOW_HEIGHT - button.y - button.height, button.width, button.height};
 }
 
 class Buttons_Test : public testing::Test {
   protected:
-    Test_Window window{window_width, window_height, Window_Axis::Up};
+    Test_Window window{WINDOW_WIDTH, WINDOW_HEIGHT, Window_Axis::Up};
     Buttons button = Grid_Button(window.Get());
 
     void Point_Inside() const { window.Point_At_Logical(button.x + 5, button.y + 5); }
@@ -109,7 +109,7 @@ TEST(ButtonImages, init_makes_room_for_a_new_size) {
 }
 
 TEST(ButtonImages, huge_buttons_have_none_and_are_still_usable) {
-    const Test_Window window(window_width, window_height, Window_Axis::Down);
+    const Test_Window window(WINDOW_WIDTH, WINDOW_HEIGHT, Window_Axis::Down);
     Buttons button = Grid_Button(nullptr);
     button.width = 32767;
     button.height = 32767;
@@ -206,15 +206,15 @@ TEST(ButtonCaption, stays_cut_in_copies) {
 TEST_F(Buttons_Test, paints_its_rectangle_and_nothing_else) {
     const Window_Picture picture = window.Read();
     const Rect outer = Device(button);
-    for (int y = 0; y < window_height; y++) {
-        for (int x = 0; x < window_width; x++) {
+    for (int y = 0; y < WINDOW_HEIGHT; y++) {
+        for (int x = 0; x < WINDOW_WIDTH; x++) {
             if (outer.Inner(1).Contains({x, y})) {
                 ASSERT_EQ(picture.At(x, y), button.image[0][0]);
             } else if (outer.Contains({x, y})) {
                 ASSERT_NE(picture.At(x, y), button.image[0][0]);
-                ASSERT_NE(picture.At(x, y), Test_Window::marker);
+                ASSERT_NE(picture.At(x, y), Test_Window::MARKER);
             } else {
-                ASSERT_EQ(picture.At(x, y), Test_Window::marker);
+                ASSERT_EQ(picture.At(x, y), Test_Window::MARKER);
             }
         }
     }
@@ -265,8 +265,8 @@ TEST_F(Buttons_Test, check_mark_stands_in_the_left_quarter_only_with_its_style) 
     const Window_Picture shown = window.Read();
     EXPECT_NE(shown, plain);
     const Rect outer = Device(button);
-    for (int y = 0; y < window_height; y++) {
-        for (int x = 0; x < window_width; x++) {
+    for (int y = 0; y < WINDOW_HEIGHT; y++) {
+        for (int x = 0; x < WINDOW_WIDTH; x++) {
             if (shown.At(x, y) != plain.At(x, y)) {
                 ASSERT_TRUE((Rect{outer.left, outer.top, button.width / 4 + 3, outer.height}.Contains({x, y})));
             }
@@ -309,8 +309,8 @@ TEST_F(Buttons_Test, looks_the_same_in_both_axes) {
     button.current = button.checked = 1;
     button.style |= STYLE_SHOW_CHECK;
     button.Draw();
-    const Test_Window down(window_width, window_height, Window_Axis::Down);
-    button.y = static_cast<short>(window_height - button.y - button.height);
+    const Test_Window down(WINDOW_WIDTH, WINDOW_HEIGHT, Window_Axis::Down);
+    button.y = static_cast<short>(WINDOW_HEIGHT - button.y - button.height);
     button.Init(down.Get());
     button.Draw();
     EXPECT_EQ(window.Read(), down.Read());
@@ -358,7 +358,7 @@ TEST_F(Buttons_Test, edited_button_is_not_drawn) {
     EXPECT_EQ(Draws(), 0U);
     EXPECT_EQ(Widget_Counters_Get().adjusts, 0U);
     for (const std::uint32_t pixel : window.Read().pixels) {
-        ASSERT_EQ(pixel, Test_Window::marker);
+        ASSERT_EQ(pixel, Test_Window::MARKER);
     }
 }
 
@@ -383,10 +383,10 @@ TEST_F(Buttons_Test, smallest_buttons_draw_without_harm) {
 
 TEST_F(Buttons_Test, hit_test_covers_exactly_the_painted_pixels) {
     const Window_Picture picture = window.Read();
-    for (int y = 0; y < window_height; y++) {
-        for (int x = 0; x < window_width; x++) {
+    for (int y = 0; y < WINDOW_HEIGHT; y++) {
+        for (int x = 0; x < WINDOW_WIDTH; x++) {
             window.Point_At(x, y);
-            ASSERT_EQ(button.Select(MOUSE_ASK) != 0, picture.At(x, y) != Test_Window::marker) << x << "," << y;
+            ASSERT_EQ(button.Select(MOUSE_ASK) != 0, picture.At(x, y) != Test_Window::MARKER) << x << "," << y;
         }
     }
     EXPECT_EQ(Draws(), 0U);
@@ -400,10 +400,10 @@ TEST_F(Buttons_Test, hover_and_press_and_leave_draw_once_each) {
     EXPECT_EQ(Draws(), 1U);
     EXPECT_NE(button.Select(0), 0);
     EXPECT_EQ(Draws(), 1U);
-    EXPECT_NE(button.Select(press), 0);
+    EXPECT_NE(button.Select(PRESS), 0);
     EXPECT_EQ(button.state, 2);
     EXPECT_EQ(Draws(), 2U);
-    EXPECT_NE(button.Select(release), 0);
+    EXPECT_NE(button.Select(RELEASE), 0);
     EXPECT_EQ(button.state, 1);
     EXPECT_EQ(Draws(), 3U);
     Point_Outside();
@@ -416,7 +416,7 @@ TEST_F(Buttons_Test, hover_and_press_and_leave_draw_once_each) {
 
 TEST_F(Buttons_Test, deselect_draws_only_when_the_look_changes) {
     Point_Inside();
-    button.Select(press);
+    button.Select(PRESS);
     button.Deselect();
     EXPECT_EQ(button.state, 0);
     EXPECT_EQ(Draws(), 2U);
@@ -437,7 +437,7 @@ TEST_F(Buttons_Test, select_of_zero_refreshes_what_a_panel_painted_into_the_imag
 
 TEST_F(Buttons_Test, select_of_zero_refreshes_a_state_that_a_panel_reset) {
     Point_Inside();
-    button.Select(press);
+    button.Select(PRESS);
     button.state = 0;
     EXPECT_NE(button.Select(0), 0);
     EXPECT_EQ(button.state, 0);
@@ -449,7 +449,7 @@ TEST_F(Buttons_Test, inactive_or_edited_buttons_are_never_hit) {
     Point_Inside();
     for (const unsigned int bits : {STYLE_INACTIVE, STYLE_EDITED}) {
         button.style = STYLE_GRID_BUTTON | bits;
-        for (const int code : {0, MOUSE_ASK, press, release, 66}) {
+        for (const int code : {0, MOUSE_ASK, PRESS, RELEASE, 66}) {
             EXPECT_EQ(button.Select(code), 0);
         }
     }
@@ -460,7 +460,7 @@ TEST_F(Buttons_Test, inactive_or_edited_buttons_are_never_hit) {
 TEST_F(Buttons_Test, a_look_that_was_shown_when_it_was_hidden_is_gone_when_it_comes_back) {
     const Window_Picture plain = window.Read();
     Point_Inside();
-    button.Select(press);
+    button.Select(PRESS);
     button.style |= STYLE_EDITED;
     Point_Outside();
     button.Select(0);
@@ -472,7 +472,7 @@ TEST_F(Buttons_Test, a_look_that_was_shown_when_it_was_hidden_is_gone_when_it_co
 TEST_F(Buttons_Test, frame_bit_alone_does_not_disable) {
     button.style = STYLE_FRAMED_BOX;
     Point_Inside();
-    EXPECT_NE(button.Select(press), 0);
+    EXPECT_NE(button.Select(PRESS), 0);
 }
 
 #if defined(_WIN32)
@@ -505,7 +505,7 @@ TEST(ButtonCaption, a_tall_narrow_buttons_caption_reads_upwards) {
 #endif
 
 TEST(ButtonCaptions, adjust_leaves_a_caption_that_reads_upwards_whole) {
-    const Test_Window window(window_width, window_height, Window_Axis::Down);
+    const Test_Window window(WINDOW_WIDTH, WINDOW_HEIGHT, Window_Axis::Down);
     Buttons button = Grid_Button(window.Get());
     button.width = 16;
     button.height = 50;

@@ -10,14 +10,14 @@
 
 namespace {
 
-constexpr int sheet_width = 760;
-constexpr int sheet_height = 560;
+constexpr int SHEET_WIDTH = 760;
+constexpr int SHEET_HEIGHT = 560;
 
 struct Face {
     const char* name;
     unsigned char red, green, blue;
 };
-constexpr Face faces[] = {{"Liver", 180, 70, 60},  {"Bone", 240, 235, 215}, {"Vessel", 60, 110, 220},
+constexpr Face FACES[] = {{"Liver", 180, 70, 60},  {"Bone", 240, 235, 215}, {"Vessel", 60, 110, 220},
                           {"Background", 0, 0, 0}, {"Air", 170, 170, 170},  {"Tumour", 90, 200, 90}};
 
 template <typename Widget>
@@ -63,7 +63,7 @@ void Button_Rows(HWND window) {
     for (const Column& column : columns) {
         Caption(window, x, 34, 80, column.name);
         int y = 54;
-        for (const Face& face : faces) {
+        for (const Face& face : FACES) {
             Buttons button;
             Place(button, x, y, 76, 22);
             button.style = STYLE_GRID_BUTTON | STYLE_SHOW_CHECK | column.bits;
@@ -219,9 +219,9 @@ void Tree_Rows(HWND window) {
 
 void Sheet(Library_Theme theme, const char* file) {
     Library_Theme_Set(theme);
-    const Test_Window window(sheet_width, sheet_height, Window_Axis::Down);
+    const Test_Window window(SHEET_WIDTH, SHEET_HEIGHT, Window_Axis::Down);
     Boxs ground;
-    Place(ground, 0, 0, sheet_width, sheet_height);
+    Place(ground, 0, 0, SHEET_WIDTH, SHEET_HEIGHT);
     ground.style = STYLE_FRAMED_BOX;
     Panel_Color(ground);
     ground.Set_Name("All looks of all widgets");
@@ -234,7 +234,7 @@ void Sheet(Library_Theme theme, const char* file) {
     Tree_Rows(window.Get());
     const Window_Picture picture = window.Read();
     EXPECT_TRUE(Write_Png(file, picture));
-    EXPECT_EQ(picture.At(sheet_width - 6, sheet_height - 6), Theme_Now().panel);
+    EXPECT_EQ(picture.At(SHEET_WIDTH - 6, SHEET_HEIGHT - 6), Theme_Now().panel);
     Library_Theme_Set(Library_Theme::Dark);
 }
 

@@ -119,10 +119,10 @@ TEST(Y_Setup, draws_into_the_back_buffer_while_there_is_one) {
     const std::vector<std::uint32_t> red(5 * 5, 0xFFFF0000U);
     Dc_Blend(dc, {10, 10, 5, 5}, red.data());
     EXPECT_EQ(Y_release(window.Get(), dc), 1);
-    EXPECT_EQ(window.Read().At(12, 12), Test_Window::marker);
+    EXPECT_EQ(window.Read().At(12, 12), Test_Window::MARKER);
     Window_Buffer_End(window.Get());
     EXPECT_EQ(window.Read().At(12, 12), 0xFF0000U);
-    EXPECT_EQ(window.Read().At(9, 12), Test_Window::marker);
+    EXPECT_EQ(window.Read().At(9, 12), Test_Window::MARKER);
 }
 
 TEST(Y_CreateFont, refuses_sizes_without_meaning) {

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int icon_size = 16;
+constexpr int ICON_SIZE = 16;
 
 /** A 16 x 16 icon file in the present folder: white, opaque, its upper left pixel red; gone at the end. */
 class Icon_File {
@@ -21,10 +21,10 @@ class Icon_File {
     explicit Icon_File(const char* name) : path(name) {
         std::vector<unsigned char> bytes(18, 0);
         bytes[2] = 2;
-        bytes[12] = bytes[14] = icon_size;
+        bytes[12] = bytes[14] = ICON_SIZE;
         bytes[16] = 32;
         bytes[17] = 0x28;
-        bytes.resize(18 + icon_size * icon_size * 4, 255);
+        bytes.resize(18 + ICON_SIZE * ICON_SIZE * 4, 255);
         bytes[18] = bytes[19] = 0;
         std::FILE* file = std::fopen(path.c_str(), "wb");
         std::fwrite(bytes.data(), 1, bytes.size(), file);
@@ -58,11 +58,11 @@ TEST_P(Icons_Test, stands_with_its_left_edge_at_x_and_its_middle_line_at_y) {
     Icon_Draw_Image(box, 7, 20, "program", "icon test middle.tga");
     Y_release(window.Get(), dc);
     const Window_Picture picture = window.Read();
-    const int top = Device_Row(20) - icon_size / 2;
+    const int top = Device_Row(20) - ICON_SIZE / 2;
     for (int y = 0; y < 50; y++) {
         for (int x = 0; x < 60; x++) {
-            const bool inside = Rect{7, top, icon_size, icon_size}.Contains({x, y});
-            const std::uint32_t expected = !inside ? Test_Window::marker : x == 7 && y == top ? 0xFF0000U : 0xFFFFFFU;
+            const bool inside = Rect{7, top, ICON_SIZE, ICON_SIZE}.Contains({x, y});
+            const std::uint32_t expected = !inside ? Test_Window::MARKER : x == 7 && y == top ? 0xFF0000U : 0xFFFFFFU;
             ASSERT_EQ(picture.At(x, y), expected) << x << "," << y;
         }
     }
@@ -89,7 +89,7 @@ TEST_P(Icons_Test, leaf_line_goes_up_and_right_and_on_only_to_a_sibling) {
     Y_release(window.Get(), dc);
     const Window_Picture picture = window.Read();
     const int middle = Device_Row(20);
-    const auto ink = [&](int x, int y) { return picture.At(x, y) != Test_Window::marker; };
+    const auto ink = [&](int x, int y) { return picture.At(x, y) != Test_Window::MARKER; };
     EXPECT_TRUE(ink(17, middle));
     EXPECT_TRUE(ink(29, middle));
     EXPECT_FALSE(ink(16, middle));
@@ -138,7 +138,7 @@ TEST(Icons, unknown_file_draws_nothing_without_a_message) {
     Message_Receiver_Remove(count, nullptr);
     EXPECT_EQ(messages, 0);
     for (const std::uint32_t pixel : window.Read().pixels) {
-        ASSERT_EQ(pixel, Test_Window::marker);
+        ASSERT_EQ(pixel, Test_Window::MARKER);
     }
 }
 
@@ -152,7 +152,7 @@ TEST(Icons, lead_cells_of_every_kind_differ_and_empty_ones_draw_nothing) {
             box.Init(window.Get());
             lead(box, flag, 10, 10, 5, 25);
             lead(box, flag, 10, 30, 25, 5);
-            EXPECT_EQ(window.Read().At(15, 30), Test_Window::marker);
+            EXPECT_EQ(window.Read().At(15, 30), Test_Window::MARKER);
             lead(box, flag, 10, 30, 11, 29);
             pictures.push_back(window.Read());
         }

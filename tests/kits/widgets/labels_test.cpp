@@ -28,7 +28,7 @@ TEST(Labels, fills_its_rectangle_with_its_colour) {
     for (int y = 0; y < 40; y++) {
         for (int x = 0; x < 70; x++) {
             const bool inside = Rect{4, 6, 50, 18}.Contains({x, y});
-            ASSERT_EQ(picture.At(x, y), inside ? 0xFFFF00U : Test_Window::marker);
+            ASSERT_EQ(picture.At(x, y), inside ? 0xFFFF00U : Test_Window::MARKER);
         }
     }
 }
@@ -45,7 +45,7 @@ TEST(Labels, text_leaves_ink_inside_the_label_only) {
             if (Rect{4, 6, 50, 18}.Contains({x, y})) {
                 ink += picture.At(x, y) != 0xFFFF00U ? 1 : 0;
             } else {
-                ASSERT_EQ(picture.At(x, y), Test_Window::marker);
+                ASSERT_EQ(picture.At(x, y), Test_Window::MARKER);
             }
         }
     }
@@ -63,7 +63,7 @@ TEST(Labels, inactive_looks_different_and_edited_is_not_drawn) {
     window.Wipe();
     label.style = STYLE_FLAT | STYLE_EDITED;
     label.Draw();
-    EXPECT_EQ(window.Read().At(10, 10), Test_Window::marker);
+    EXPECT_EQ(window.Read().At(10, 10), Test_Window::MARKER);
 }
 
 TEST(Labels, takes_no_input_and_has_no_value) {

@@ -14,11 +14,11 @@
 
 namespace {
 
-constexpr wchar_t pop_up_class[] = L"Kit_Widgets_Drop_List";
-constexpr UINT tick = 20;  // milliseconds
+constexpr wchar_t POP_UP_CLASS[] = L"Kit_Widgets_Drop_List";
+constexpr UINT TICK = 20;  // milliseconds
 
 HWND Pop_Up() {
-    return Own_Window(pop_up_class);
+    return Own_Window(POP_UP_CLASS);
 }
 
 using Act = void (*)(HWND pop_up);
@@ -86,7 +86,7 @@ class Drop_Window_Test : public testing::Test {
         selects = &list;
         ticks = acted = 0;
         shown_colors.clear();
-        timer = ::SetTimer(nullptr, 0, tick, On_Tick);
+        timer = ::SetTimer(nullptr, 0, TICK, On_Tick);
     }
     ~Drop_Window_Test() override { ::KillTimer(nullptr, timer); }
 
@@ -94,7 +94,7 @@ class Drop_Window_Test : public testing::Test {
     int Open(Act what) {
         act = what;
         window->Pointer(40, 20);
-        EXPECT_NE(0, list.Select(left_press));
+        EXPECT_NE(0, list.Select(LEFT_PRESS));
         EXPECT_EQ(1, acted);
         EXPECT_EQ(nullptr, Pop_Up());
         EXPECT_EQ(nullptr, ::GetCapture());
@@ -186,7 +186,7 @@ TEST_F(Drop_Window_Test, end_of_the_application_is_handed_on) {
 TEST_F(Drop_Window_Test, second_list_does_not_open_over_the_first) {
     EXPECT_EQ(1, Open([](HWND pop_up) {
                   Selects other(*selects);
-                  nested_result = other.Select(left_press);
+                  nested_result = other.Select(LEFT_PRESS);
                   EXPECT_EQ(DROP_LIST_NONE, other.Read());
                   EXPECT_EQ(pop_up, Pop_Up());
                   Click_At(pop_up, 10, 1 + Row_Height(pop_up) + 3);

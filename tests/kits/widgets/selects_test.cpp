@@ -12,11 +12,11 @@
 
 namespace {
 
-constexpr int left = 12;
-constexpr int top = 34;
-constexpr int width = 140;
-constexpr int height = 22;
-constexpr int arrow = 20;
+constexpr int LEFT = 12;
+constexpr int TOP = 34;
+constexpr int WIDTH = 140;
+constexpr int HEIGHT = 22;
+constexpr int ARROW = 20;
 
 int held_key = 0;
 int Key_Held(int virtual_key) {
@@ -72,20 +72,20 @@ class Selects_Test : public Both_Axes {
         Key_In_Hand_Set(0);
     }
     void Set_Up(Selects& one) const {
-        window.Place(one, left, top, width, height);
+        window.Place(one, LEFT, TOP, WIDTH, HEIGHT);
         one.style = STYLE_FLAT;
-        one.arrow = arrow;
+        one.arrow = ARROW;
         one.Set_Color(40, 44, 48);
         one.Set_Name(" F:");
         Fill(one, 5);
         one.Init(window.Handle());
     }
-    void Over_Previous() const { window.Pointer(left + width - arrow - 3, top + 8); }
-    void Over_Next() const { window.Pointer(left + width - 3, top + 8); }
-    void Over_Field() const { window.Pointer(left + width - 2 * arrow - 10, top + 8); }
+    void Over_Previous() const { window.Pointer(LEFT + WIDTH - ARROW - 3, TOP + 8); }
+    void Over_Next() const { window.Pointer(LEFT + WIDTH - 3, TOP + 8); }
+    void Over_Field() const { window.Pointer(LEFT + WIDTH - 2 * ARROW - 10, TOP + 8); }
     /** One press on what the pointer is over, as a panel handles it. */
     int Press() {
-        if (list.Select(left_press) == 0) {
+        if (list.Select(LEFT_PRESS) == 0) {
             return -99;
         }
         const int item = list.Read();
@@ -135,18 +135,18 @@ TEST_P(Selects_Test, arrows_pick_the_item_before_and_behind) {
 
 TEST_P(Selects_Test, picking_does_not_move_the_current_item_by_itself) {
     Over_Next();
-    list.Select(left_press);
+    list.Select(LEFT_PRESS);
     EXPECT_EQ(1, list.Read());
     EXPECT_EQ(0, list.current);
 }
 
 TEST_P(Selects_Test, every_event_forgets_the_last_pick) {
     Over_Next();
-    list.Select(left_press);
+    list.Select(LEFT_PRESS);
     EXPECT_EQ(1, list.Read());
     EXPECT_NE(0, list.Select(MOUSE_ASK));
     EXPECT_EQ(1, list.Read());  // asking is no event
-    EXPECT_EQ(0, list.Select(left_drag));
+    EXPECT_EQ(0, list.Select(LEFT_DRAG));
     EXPECT_EQ(-1, list.Read());
 }
 
@@ -157,8 +157,8 @@ TEST_P(Selects_Test, field_opens_the_drop_list_with_the_items_and_yields_its_pic
     EXPECT_EQ(1, asked);
     EXPECT_EQ("1,2,3,4,5,", asked_items);
     const int caption = Text_Width(" F:", Widget_Font(list)) + 8;
-    EXPECT_EQ((Rect{left + caption, top, width - 2 * arrow - caption, height}), asked_field);
-    window.Pointer(left + 2, top + 2);  // the caption belongs to the field
+    EXPECT_EQ((Rect{LEFT + caption, TOP, WIDTH - 2 * ARROW - caption, HEIGHT}), asked_field);
+    window.Pointer(LEFT + 2, TOP + 2);  // the caption belongs to the field
     answer = DROP_LIST_NONE;
     EXPECT_EQ(-1, Press());
     EXPECT_EQ(2, asked);
@@ -183,7 +183,7 @@ TEST_P(Selects_Test, list_that_is_destroyed_under_its_drop_list_is_not_touched_a
     answer = 2;
     Over_Field();
     Selects* address = other.get();
-    EXPECT_EQ(0, address->Select(left_press));
+    EXPECT_EQ(0, address->Select(LEFT_PRESS));
     EXPECT_EQ(nullptr, other.get());
     destroyed_meanwhile = nullptr;
     EXPECT_EQ(2, Press());  // and the next one opens again
@@ -247,7 +247,7 @@ TEST_P(Selects_Test, current_item_outside_is_painted_empty_and_scrolls_back_insi
     for (const int outside : {-1, -32768, 5, 32767}) {
         list.current = static_cast<short>(outside);
         list.Draw();
-        const int beside_arrows = left + width - 2 * arrow;
+        const int beside_arrows = LEFT + WIDTH - 2 * ARROW;
         const auto pixels = window.Pixels();
         for (int y = 0; y < 90; ++y) {
             for (int x = 0; x < beside_arrows; ++x) {
@@ -299,7 +299,7 @@ TEST_P(Selects_Test, copies_own_their_captions) {
     assigned = itself;
     EXPECT_EQ(5, assigned.item_nb);
     EXPECT_STREQ("5", assigned.item[4].text);
-    EXPECT_EQ(arrow, assigned.arrow);
+    EXPECT_EQ(ARROW, assigned.arrow);
 }
 
 TEST_P(Selects_Test, inactive_list_is_greyed_and_takes_nothing) {
@@ -310,10 +310,10 @@ TEST_P(Selects_Test, inactive_list_is_greyed_and_takes_nothing) {
     list.Draw();
     EXPECT_NE(active, window.Pixels());
     Over_Next();
-    EXPECT_EQ(0, list.Select(left_press));
+    EXPECT_EQ(0, list.Select(LEFT_PRESS));
     EXPECT_EQ(0, list.Select(MOUSE_ASK));
     Over_Field();
-    EXPECT_EQ(0, list.Select(left_press));
+    EXPECT_EQ(0, list.Select(LEFT_PRESS));
     EXPECT_EQ(0, asked);
     list.style = STYLE_FLAT | STYLE_EDITED;
     const auto before = window.Pixels();
@@ -328,33 +328,33 @@ TEST_P(Selects_Test, parts_on_the_ground_of_the_other_theme_have_its_colours) {
     const Rgb face_of_dark = Theme_Now().face;
     Library_Theme_Set(Library_Theme::Light);
     EXPECT_NE(field_of_dark, Theme_Now().field);
-    const int field_x = left + width - 2 * arrow - 4;
-    const int arrow_x = left + width - 3;
+    const int field_x = LEFT + WIDTH - 2 * ARROW - 4;
+    const int arrow_x = LEFT + WIDTH - 3;
     list.Set_Color(0, 0, 0);
     list.Draw();
-    EXPECT_EQ(field_of_dark, window.Pixel(field_x, top + 3));
-    EXPECT_EQ(face_of_dark, window.Pixel(arrow_x, top + 3));
+    EXPECT_EQ(field_of_dark, window.Pixel(field_x, TOP + 3));
+    EXPECT_EQ(face_of_dark, window.Pixel(arrow_x, TOP + 3));
     list.Set_Color(255, 255, 255);
     list.Draw();
-    EXPECT_EQ(Theme_Now().field, window.Pixel(field_x, top + 3));
-    EXPECT_EQ(Theme_Now().face, window.Pixel(arrow_x, top + 3));
+    EXPECT_EQ(Theme_Now().field, window.Pixel(field_x, TOP + 3));
+    EXPECT_EQ(Theme_Now().face, window.Pixel(arrow_x, TOP + 3));
     Library_Theme_Set(Library_Theme::Dark);
 }
 
 TEST_P(Selects_Test, part_under_the_pointer_is_lit_and_goes_out_again) {
     list.Draw();
-    const int x = left + width - 3;
+    const int x = LEFT + WIDTH - 3;
     Over_Next();
     EXPECT_EQ(0, list.Select(0));
-    EXPECT_EQ(Theme_Now().face_hover, window.Pixel(x, top + 3));
-    list.Select(left_press);
-    EXPECT_EQ(Theme_Now().face_pressed, window.Pixel(x, top + 3));
+    EXPECT_EQ(Theme_Now().face_hover, window.Pixel(x, TOP + 3));
+    list.Select(LEFT_PRESS);
+    EXPECT_EQ(Theme_Now().face_pressed, window.Pixel(x, TOP + 3));
     list.Select(0);
-    EXPECT_EQ(Theme_Now().face_hover, window.Pixel(x, top + 3));
+    EXPECT_EQ(Theme_Now().face_hover, window.Pixel(x, TOP + 3));
     Widget_Counters_Reset();
     list.Deselect();
     list.Deselect();
-    EXPECT_EQ(Theme_Now().face, window.Pixel(x, top + 3));
+    EXPECT_EQ(Theme_Now().face, window.Pixel(x, TOP + 3));
     EXPECT_EQ(1U, Widget_Counters_Get().adjusts);
 }
 
@@ -371,24 +371,24 @@ TEST_P(Selects_Test, without_window_or_area_nothing_is_hit_or_painted) {
     Selects bare;
     bare.Grow(3, 0);
     bare.Draw();
-    EXPECT_EQ(0, bare.Select(left_press));
+    EXPECT_EQ(0, bare.Select(LEFT_PRESS));
     EXPECT_EQ(1, bare.Scroll(1));
     list.width = 0;
     list.Init(nullptr);
     list.Draw();
-    window.Pointer(left, top);
-    EXPECT_EQ(0, list.Select(left_press));
+    window.Pointer(LEFT, TOP);
+    EXPECT_EQ(0, list.Select(LEFT_PRESS));
     list.width = 2;  // narrower than its arrows
     list.arrow = 500;
     list.Draw();
-    list.Select(left_press);
+    list.Select(LEFT_PRESS);
 }
 
 // A failed test of the drop list's model is easier to read without a window around it.
 
 namespace {
 
-constexpr int row = 18;
+constexpr int ROW = 18;
 
 struct Opened {
     Drop_List_Request request;
@@ -402,23 +402,23 @@ struct Opened {
         }
         request.current = current;
         request.field = field;
-        list = std::make_unique<Drop_List>(request, screen, row);
+        list = std::make_unique<Drop_List>(request, screen, ROW);
     }
     Drop_List* operator->() { return list.get(); }
     /** The middle of a shown row. */
-    Point Row(int shown) const { return {10, 1 + shown * row + row / 2}; }
+    Point Row(int shown) const { return {10, 1 + shown * ROW + ROW / 2}; }
 };
 
 }  // namespace
 
 TEST(Drop_List_Model, stands_below_its_field_or_above_where_there_is_more_room) {
     Opened below(5);
-    EXPECT_EQ((Rect{20, 122, 90, 5 * row + 2}), below->Area());
+    EXPECT_EQ((Rect{20, 122, 90, 5 * ROW + 2}), below->Area());
     Opened above(5, 0, {20, 560, 90, 22});
-    EXPECT_EQ(560 - (5 * row + 2), above->Area().top);
+    EXPECT_EQ(560 - (5 * ROW + 2), above->Area().top);
     Opened squeezed(30, 0, {20, 60, 90, 22}, {0, 0, 800, 140});
     EXPECT_EQ(3, squeezed->Rows());  // 60 rows of pixels above, 58 below
-    EXPECT_EQ(60 - (3 * row + 2), squeezed->Area().top);
+    EXPECT_EQ(60 - (3 * ROW + 2), squeezed->Area().top);
     Opened cramped(30, 0, {20, 40, 90, 22}, {0, 0, 800, 140});
     EXPECT_EQ(4, cramped->Rows());  // nor does it fit below, but there is more room
     EXPECT_EQ(62, cramped->Area().top);

@@ -45,7 +45,7 @@ TEST(Shown_Widgets, a_button_tells_its_name_place_and_marks) {
     button.Draw();
     ASSERT_EQ(Window_Widget_Nb(window.Get()), 1);
     Shown_Widget shown = At(window.Get(), 0);
-    EXPECT_EQ(shown.kind, Widget_Kind::BUTTON);
+    EXPECT_EQ(shown.kind, Widget_Kind::Button);
     EXPECT_EQ(std::string(shown.name), "White matter");
     EXPECT_EQ(shown.left, 10);
     EXPECT_EQ(shown.top, 60 - 10 - 20);  // y down, although the window's axis points up
@@ -82,11 +82,11 @@ TEST(Shown_Widgets, values_are_texts) {
     Put(label, window.Get(), 0, 30, "Note");
     label.Draw();
     ASSERT_EQ(Window_Widget_Nb(window.Get()), 3);
-    EXPECT_EQ(At(window.Get(), 0).kind, Widget_Kind::VALUE);
+    EXPECT_EQ(At(window.Get(), 0).kind, Widget_Kind::Value);
     EXPECT_EQ(std::string(At(window.Get(), 0).value), "0.25");
-    EXPECT_EQ(At(window.Get(), 1).kind, Widget_Kind::LIST);
+    EXPECT_EQ(At(window.Get(), 1).kind, Widget_Kind::List);
     EXPECT_EQ(std::string(At(window.Get(), 1).value), "17");
-    EXPECT_EQ(At(window.Get(), 2).kind, Widget_Kind::LABEL);
+    EXPECT_EQ(At(window.Get(), 2).kind, Widget_Kind::Label);
     list.current = 7;
     list.Draw();
     EXPECT_EQ(std::string(At(window.Get(), 1).value), "");

@@ -39,5 +39,5 @@ inline const char* Axis_Name(const testing::TestParamInfo<Window_Axis>& info) {
     return info.param == Window_Axis::Up ? "y_up" : "y_down";
 }
 
-inline constexpr int left_press = MOUSE_PRESS | MOUSE_LEFT;
-inline constexpr int left_drag = MOUSE_DRAG | MOUSE_LEFT;
+inline constexpr int LEFT_PRESS = MOUSE_PRESS | MOUSE_LEFT;
+inline constexpr int LEFT_DRAG = MOUSE_DRAG | MOUSE_LEFT;

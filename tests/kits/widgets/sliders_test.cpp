@@ -9,10 +9,10 @@
 
 namespace {
 
-constexpr int bar_left = 30;
-constexpr int bar_top = 20;
-constexpr int bar_length = 200;
-constexpr int bar_thickness = 16;
+constexpr int BAR_LEFT = 30;
+constexpr int BAR_TOP = 20;
+constexpr int BAR_LENGTH = 200;
+constexpr int BAR_THICKNESS = 16;
 
 /** A slider of 300 pixels of contents in a view of 100: values 0 to 200, the thumb a third of the track. */
 struct Scene {
@@ -22,32 +22,32 @@ struct Scene {
 
     Scene(Window_Axis axis, bool is_vertical) : window(300, 260, axis), vertical(is_vertical) {
         slider.style = vertical ? STYLE_SLIDER_VERTICAL : STYLE_SCROLL_BAR;
-        window.Place(slider, bar_left, bar_top, vertical ? bar_thickness : bar_length,
-                     vertical ? bar_length : bar_thickness);
+        window.Place(slider, BAR_LEFT, BAR_TOP, vertical ? BAR_THICKNESS : BAR_LENGTH,
+                     vertical ? BAR_LENGTH : BAR_THICKNESS);
         slider.maximum = 200.0F;
         slider.step = 20.0F;
         slider.Larg_Adjust(100.0F, 300.0F);
         slider.Init(window.Handle());
     }
     /** Puts the pointer at a distance from the slider's visual top or left end. */
-    void Pointer(int along, int across = bar_thickness / 2) const {
+    void Pointer(int along, int across = BAR_THICKNESS / 2) const {
         if (vertical) {
-            window.Pointer(bar_left + across, bar_top + along);
+            window.Pointer(BAR_LEFT + across, BAR_TOP + along);
         } else {
-            window.Pointer(bar_left + along, bar_top + across);
+            window.Pointer(BAR_LEFT + along, BAR_TOP + across);
         }
     }
     Rgb Pixel(int along) const {
-        return vertical ? window.Pixel(bar_left + bar_thickness / 2, bar_top + along)
-                        : window.Pixel(bar_left + along, bar_top + bar_thickness / 2);
+        return vertical ? window.Pixel(BAR_LEFT + BAR_THICKNESS / 2, BAR_TOP + along)
+                        : window.Pixel(BAR_LEFT + along, BAR_TOP + BAR_THICKNESS / 2);
     }
     /** First pixel of the painted thumb's face from the visual start, -1 without a thumb. */
     int Painted_Thumb(Rgb face) const {
         const Window_Picture shown = window.Shown();
-        for (int along = 0; along < bar_length; ++along) {
-            const int middle = bar_thickness / 2;
-            if ((vertical ? shown.At(bar_left + middle, bar_top + along)
-                          : shown.At(bar_left + along, bar_top + middle)) == face) {
+        for (int along = 0; along < BAR_LENGTH; ++along) {
+            const int middle = BAR_THICKNESS / 2;
+            if ((vertical ? shown.At(BAR_LEFT + middle, BAR_TOP + along)
+                          : shown.At(BAR_LEFT + along, BAR_TOP + middle)) == face) {
                 return along;
             }
         }
@@ -103,7 +103,7 @@ TEST_P(Sliders_Test, value_zero_is_painted_at_the_visual_start_and_the_maximum_a
     EXPECT_EQ(1, scene.Painted_Thumb(face));  // behind the thumb's own line
     slider.value = 200.0F;
     slider.Draw();
-    EXPECT_EQ(bar_length - 67 + 1, scene.Painted_Thumb(face));
+    EXPECT_EQ(BAR_LENGTH - 67 + 1, scene.Painted_Thumb(face));
     slider.value = 100.0F;
     slider.Adjust();
     EXPECT_EQ(67 + 1, scene.Painted_Thumb(face));  // (200 - 67) / 2, rounded
@@ -112,58 +112,58 @@ TEST_P(Sliders_Test, value_zero_is_painted_at_the_visual_start_and_the_maximum_a
 TEST_P(Sliders_Test, drag_keeps_the_point_that_was_grabbed_under_the_pointer) {
     slider.value = 100.0F;
     scene.Pointer(67 + 10);
-    EXPECT_NE(0, slider.Select(left_press));
-    EXPECT_NE(0, slider.Select(left_drag));
+    EXPECT_NE(0, slider.Select(LEFT_PRESS));
+    EXPECT_NE(0, slider.Select(LEFT_DRAG));
     EXPECT_EQ(100.0F, slider.Read());  // grabbing alone moves nothing, not even to the nearest pixel
     scene.Pointer(67 + 10 + 30, 100);  // the pointer may leave the bar sideways
-    EXPECT_NE(0, slider.Select(left_drag));
+    EXPECT_NE(0, slider.Select(LEFT_DRAG));
     slider.Draw();
     EXPECT_EQ(67 + 30 + 1, scene.Painted_Thumb(Theme_Now().face_pressed));
     EXPECT_NEAR(97.0F / 133.0F * 200.0F, slider.Read(), 0.001F);
     scene.Pointer(-500);
-    EXPECT_NE(0, slider.Select(left_drag));
+    EXPECT_NE(0, slider.Select(LEFT_DRAG));
     EXPECT_EQ(0.0F, slider.Read());
     scene.Pointer(900);
-    EXPECT_NE(0, slider.Select(left_drag));
+    EXPECT_NE(0, slider.Select(LEFT_DRAG));
     EXPECT_EQ(200.0F, slider.Read());
 }
 
 TEST_P(Sliders_Test, drag_ends_with_the_first_motion_without_a_held_button) {
     scene.Pointer(5);
-    ASSERT_NE(0, slider.Select(left_press));
+    ASSERT_NE(0, slider.Select(LEFT_PRESS));
     scene.Pointer(50);
     EXPECT_EQ(0, slider.Select(0));
     EXPECT_EQ(0.0F, slider.Read());
     scene.Pointer(80);
-    EXPECT_EQ(0, slider.Select(left_drag));  // not taken up again
+    EXPECT_EQ(0, slider.Select(LEFT_DRAG));  // not taken up again
     EXPECT_EQ(0.0F, slider.Read());
 }
 
 TEST_P(Sliders_Test, hover_and_drags_from_elsewhere_are_not_taken) {
     scene.Pointer(5);
     EXPECT_EQ(0, slider.Select(0));
-    EXPECT_EQ(0, slider.Select(left_drag));
+    EXPECT_EQ(0, slider.Select(LEFT_DRAG));
     EXPECT_EQ(0.0F, slider.Read());
     EXPECT_NE(0, slider.Select(MOUSE_ASK));
     scene.Pointer(-1);
     EXPECT_EQ(0, slider.Select(MOUSE_ASK));
-    EXPECT_EQ(0, slider.Select(left_press));
+    EXPECT_EQ(0, slider.Select(LEFT_PRESS));
 }
 
 TEST_P(Sliders_Test, press_beside_the_thumb_pages_by_the_visible_amount) {
     scene.Pointer(150);
-    EXPECT_NE(0, slider.Select(left_press));
+    EXPECT_NE(0, slider.Select(LEFT_PRESS));
     EXPECT_NEAR(100.0F, slider.Read(), 0.001F);
     EXPECT_EQ(0, slider.Select(0));
     scene.Pointer(190);
-    slider.Select(left_press);
-    slider.Select(left_press);
+    slider.Select(LEFT_PRESS);
+    slider.Select(LEFT_PRESS);
     EXPECT_EQ(200.0F, slider.Read());
     scene.Pointer(3);
-    slider.Select(left_press);
+    slider.Select(LEFT_PRESS);
     EXPECT_NEAR(100.0F, slider.Read(), 0.001F);
     scene.Pointer(190);
-    EXPECT_EQ(0, slider.Select(left_drag));  // a page is no drag
+    EXPECT_EQ(0, slider.Select(LEFT_DRAG));  // a page is no drag
 }
 
 TEST_P(Sliders_Test, a_slider_that_does_not_react_ignores_the_wheel_too) {
@@ -193,13 +193,13 @@ TEST_P(Sliders_Test, maximum_below_the_minimum_leaves_the_panels_value_alone) {
     EXPECT_EQ(1, scene.Painted_Thumb(Theme_Now().face));
     EXPECT_EQ(-4.0F, slider.Scroll(-1));
     scene.Pointer(150);
-    EXPECT_NE(0, slider.Select(left_press));
+    EXPECT_NE(0, slider.Select(LEFT_PRESS));
     EXPECT_EQ(-4.0F, slider.Read());
     EXPECT_EQ(0, slider.Select(0));
     scene.Pointer(5);
-    slider.Select(left_press);
+    slider.Select(LEFT_PRESS);
     scene.Pointer(60);
-    EXPECT_NE(0, slider.Select(left_drag));
+    EXPECT_NE(0, slider.Select(LEFT_DRAG));
     EXPECT_EQ(-4.0F, slider.Read());
 }
 
@@ -237,8 +237,8 @@ TEST_P(Sliders_Test, slider_that_is_not_needed_paints_nothing_and_takes_nothing)
     EXPECT_EQ(before, scene.window.Pixels());
     EXPECT_EQ(0U, Widget_Counters_Get().draws);
     scene.Pointer(5);
-    EXPECT_EQ(0, slider.Select(left_press));
-    EXPECT_EQ(0, slider.Select(left_drag));
+    EXPECT_EQ(0, slider.Select(LEFT_PRESS));
+    EXPECT_EQ(0, slider.Select(LEFT_DRAG));
     EXPECT_EQ(0, slider.Select(MOUSE_ASK));
 }
 
@@ -252,17 +252,17 @@ TEST_P(Sliders_Test, greyed_slider_is_painted_in_other_colours_and_takes_nothing
     EXPECT_NE(Theme_Now().face, scene.Pixel(20));
     EXPECT_NE(scene.Pixel(20), scene.Pixel(150));  // thumb and track can still be told apart
     scene.Pointer(5);
-    EXPECT_EQ(0, slider.Select(left_press));
+    EXPECT_EQ(0, slider.Select(LEFT_PRESS));
     EXPECT_EQ(0.0F, slider.Read());
 }
 
 TEST_P(Sliders_Test, becoming_inactive_ends_a_drag) {
     scene.Pointer(5);
-    ASSERT_NE(0, slider.Select(left_press));
+    ASSERT_NE(0, slider.Select(LEFT_PRESS));
     slider.style |= STYLE_INACTIVE;
-    EXPECT_EQ(0, slider.Select(left_drag));
+    EXPECT_EQ(0, slider.Select(LEFT_DRAG));
     slider.style &= ~STYLE_INACTIVE;
-    EXPECT_EQ(0, slider.Select(left_drag));
+    EXPECT_EQ(0, slider.Select(LEFT_DRAG));
 }
 
 TEST_P(Sliders_Test, hover_look_comes_and_goes_and_deselect_paints_only_a_change) {
@@ -282,7 +282,7 @@ TEST_P(Sliders_Test, paints_only_its_own_rectangle) {
     slider.border = 1;
     slider.Draw();
     const auto after = scene.window.Pixels();
-    const Rect own{bar_left, bar_top, slider.width, slider.height};
+    const Rect own{BAR_LEFT, BAR_TOP, slider.width, slider.height};
     int inside = 0;
     for (int y = 0; y < 260; ++y) {
         for (int x = 0; x < 300; ++x) {
@@ -294,7 +294,7 @@ TEST_P(Sliders_Test, paints_only_its_own_rectangle) {
             }
         }
     }
-    EXPECT_EQ(bar_length * bar_thickness, inside);
+    EXPECT_EQ(BAR_LENGTH * BAR_THICKNESS, inside);
 }
 
 TEST_P(Sliders_Test, without_an_area_it_is_never_hit_and_never_painted) {
@@ -302,24 +302,24 @@ TEST_P(Sliders_Test, without_an_area_it_is_never_hit_and_never_painted) {
     slider.Init(nullptr);
     slider.Draw();
     scene.Pointer(0);
-    EXPECT_EQ(0, slider.Select(left_press));
+    EXPECT_EQ(0, slider.Select(LEFT_PRESS));
     slider.width = -5;
     slider.height = -5;
     slider.Init(nullptr);
     slider.Draw();
     slider.Adjust();
-    EXPECT_EQ(0, slider.Select(left_press));
+    EXPECT_EQ(0, slider.Select(LEFT_PRESS));
     Sliders without_window;
     without_window.Draw();
-    EXPECT_EQ(0, without_window.Select(left_press));
+    EXPECT_EQ(0, without_window.Select(LEFT_PRESS));
 }
 
 TEST_P(Sliders_Test, full_thumb_has_no_travel) {
     slider.Larg_Adjust(100.0F, 0.0F);
     slider.value = 50.0F;
     scene.Pointer(100);
-    EXPECT_NE(0, slider.Select(left_press));
+    EXPECT_NE(0, slider.Select(LEFT_PRESS));
     scene.Pointer(150);
-    EXPECT_NE(0, slider.Select(left_drag));
+    EXPECT_NE(0, slider.Select(LEFT_DRAG));
     EXPECT_EQ(50.0F, slider.Read());
 }

@@ -9,81 +9,81 @@
 
 namespace {
 
-constexpr Rgb ground = 0x101010;
-constexpr Rgb ink = 0x00FF00;
+constexpr Rgb GROUND = 0x101010;
+constexpr Rgb INK = 0x00FF00;
 
 /** A picture of 20 x 12 inside a larger memory, so that writing beside it is seen. */
 class Surface_Test : public testing::Test {
   protected:
-    static constexpr int width = 20;
-    static constexpr int height = 12;
-    static constexpr int stride = 24;
-    std::vector<std::uint32_t> memory = std::vector<std::uint32_t>(stride * (height + 4), ground);
-    Surface picture{memory.data() + 2 * stride + 2, width, height, stride, nullptr};
+    static constexpr int WIDTH = 20;
+    static constexpr int HEIGHT = 12;
+    static constexpr int STRIDE = 24;
+    std::vector<std::uint32_t> memory = std::vector<std::uint32_t>(STRIDE * (HEIGHT + 4), GROUND);
+    Surface picture{memory.data() + 2 * STRIDE + 2, WIDTH, HEIGHT, STRIDE, nullptr};
 
     int Ink_Inside() const {
         int nb = 0;
-        for (int y = 0; y < height; y++) {
-            for (int x = 0; x < width; x++) {
-                nb += picture.Pixel(x, y) == ink ? 1 : 0;
+        for (int y = 0; y < HEIGHT; y++) {
+            for (int x = 0; x < WIDTH; x++) {
+                nb += picture.Pixel(x, y) == INK ? 1 : 0;
             }
         }
         return nb;
     }
-    int Ink_All() const { return static_cast<int>(std::count(memory.begin(), memory.end(), ink)); }
+    int Ink_All() const { return static_cast<int>(std::count(memory.begin(), memory.end(), INK)); }
 };
 
 }  // namespace
 
 TEST_F(Surface_Test, fill_is_cut_at_the_picture) {
-    picture.Fill({-5, -5, 100, 100}, ink);
-    EXPECT_EQ(Ink_Inside(), width * height);
-    EXPECT_EQ(Ink_All(), width * height);
+    picture.Fill({-5, -5, 100, 100}, INK);
+    EXPECT_EQ(Ink_Inside(), WIDTH * HEIGHT);
+    EXPECT_EQ(Ink_All(), WIDTH * HEIGHT);
 }
 
 TEST_F(Surface_Test, fill_is_cut_at_the_clip_rectangle_until_it_is_restored) {
     const Rect before = picture.Clip_Set({3, 4, 5, 2});
-    picture.Fill(picture.Area(), ink);
+    picture.Fill(picture.Area(), INK);
     EXPECT_EQ(Ink_All(), 10);
-    EXPECT_EQ(picture.Pixel(3, 4), ink);
-    EXPECT_EQ(picture.Pixel(7, 5), ink);
+    EXPECT_EQ(picture.Pixel(3, 4), INK);
+    EXPECT_EQ(picture.Pixel(7, 5), INK);
     picture.Clip_Set(before);
-    picture.Fill(picture.Area(), ink);
-    EXPECT_EQ(Ink_All(), width * height);
+    picture.Fill(picture.Area(), INK);
+    EXPECT_EQ(Ink_All(), WIDTH * HEIGHT);
 }
 
 TEST_F(Surface_Test, frame_covers_exactly_its_border) {
-    picture.Frame({2, 3, 10, 6}, 2, ink);
-    for (int y = 0; y < height; y++) {
-        for (int x = 0; x < width; x++) {
+    picture.Frame({2, 3, 10, 6}, 2, INK);
+    for (int y = 0; y < HEIGHT; y++) {
+        for (int x = 0; x < WIDTH; x++) {
             const bool in_outer = Rect{2, 3, 10, 6}.Contains({x, y});
             const bool in_inner = Rect{4, 5, 6, 2}.Contains({x, y});
-            EXPECT_EQ(picture.Pixel(x, y) == ink, in_outer && !in_inner) << x << "," << y;
+            EXPECT_EQ(picture.Pixel(x, y) == INK, in_outer && !in_inner) << x << "," << y;
         }
     }
 }
 
 TEST_F(Surface_Test, frame_thicker_than_its_rectangle_fills_it) {
-    picture.Frame({2, 3, 3, 5}, 9, ink);
+    picture.Frame({2, 3, 3, 5}, 9, INK);
     EXPECT_EQ(Ink_All(), 15);
 }
 
 TEST_F(Surface_Test, line_includes_both_ends) {
-    picture.Line({2, 2}, {9, 5}, ink);
-    EXPECT_EQ(picture.Pixel(2, 2), ink);
-    EXPECT_EQ(picture.Pixel(9, 5), ink);
+    picture.Line({2, 2}, {9, 5}, INK);
+    EXPECT_EQ(picture.Pixel(2, 2), INK);
+    EXPECT_EQ(picture.Pixel(9, 5), INK);
     EXPECT_EQ(Ink_All(), 8);
-    picture.Line({-50, 30}, {70, -20}, ink);  // from outside to outside
+    picture.Line({-50, 30}, {70, -20}, INK);  // from outside to outside
     EXPECT_EQ(Ink_All(), Ink_Inside());
 }
 
 TEST_F(Surface_Test, polygon_of_a_rectangle_fills_that_rectangle) {
     const std::array<Point, 4> corners = {{{2, 3}, {8, 3}, {8, 7}, {2, 7}}};
-    picture.Polygon(corners, ink);
+    picture.Polygon(corners, INK);
     EXPECT_EQ(Ink_All(), 24);
-    EXPECT_EQ(picture.Pixel(2, 3), ink);
-    EXPECT_EQ(picture.Pixel(7, 6), ink);
-    EXPECT_NE(picture.Pixel(8, 7), ink);
+    EXPECT_EQ(picture.Pixel(2, 3), INK);
+    EXPECT_EQ(picture.Pixel(7, 6), INK);
+    EXPECT_NE(picture.Pixel(8, 7), INK);
 }
 
 TEST_F(Surface_Test, invert_twice_restores) {
@@ -102,20 +102,20 @@ TEST_F(Surface_Test, blit_cuts_the_source_with_the_target) {
     picture.Blit({-2, -1, 6, 4}, source.data(), 6);
     EXPECT_EQ(picture.Pixel(0, 0), 9U);  // row 1, column 2
     EXPECT_EQ(picture.Pixel(3, 2), 24U);
-    EXPECT_EQ(picture.Pixel(4, 0), ground);
-    EXPECT_EQ(memory[static_cast<std::size_t>(2 * stride + 1)], ground);
+    EXPECT_EQ(picture.Pixel(4, 0), GROUND);
+    EXPECT_EQ(memory[static_cast<std::size_t>(2 * STRIDE + 1)], GROUND);
 }
 
 TEST_F(Surface_Test, alpha_mixes_by_opacity) {
     const std::array<std::uint32_t, 3> source = {0x00FFFFFFU, 0xFF00FF00U, 0x80FFFFFFU};
     picture.Blit_Alpha({0, 0, 3, 1}, source.data(), 3);
-    EXPECT_EQ(picture.Pixel(0, 0), ground);
-    EXPECT_EQ(picture.Pixel(1, 0), ink);
+    EXPECT_EQ(picture.Pixel(0, 0), GROUND);
+    EXPECT_EQ(picture.Pixel(1, 0), INK);
     EXPECT_NEAR(static_cast<int>(picture.Pixel(2, 0) & 0xFFU), (0x10 + 0xFF) / 2, 2);
 }
 
 TEST_F(Surface_Test, tint_of_100_percent_is_the_colour) {
-    picture.Tint({0, 0, 2, 2}, ink, 100);
+    picture.Tint({0, 0, 2, 2}, INK, 100);
     EXPECT_EQ(Ink_All(), 4);
     picture.Tint({0, 0, 2, 2}, 0xFFFFFF, 0);
     EXPECT_EQ(Ink_All(), 4);

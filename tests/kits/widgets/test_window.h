@@ -11,7 +11,7 @@
 
 class Test_Window {
   public:
-    static constexpr std::uint32_t marker = 0x123456;  ///< what a fresh window shows
+    static constexpr std::uint32_t MARKER = 0x123456;  ///< what a fresh window shows
 
     Test_Window(int width, int height, Window_Axis axis);
     ~Test_Window();

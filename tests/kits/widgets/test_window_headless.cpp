@@ -28,7 +28,7 @@ void Test_Window::Wipe() const {
     Memory_Picture fill;
     fill.Reserve(width, height);
     Surface view = fill.View(width, height);
-    view.Fill(view.Area(), marker);
+    view.Fill(view.Area(), MARKER);
     const Rect all = view.Area();
     Screen_Show(window, {0, 0}, view, {&all, 1});
 }

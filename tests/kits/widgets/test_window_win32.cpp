@@ -32,7 +32,7 @@ Window_Picture Test_Window::Read() const {
 
 void Test_Window::Wipe() const {
     const Window_DC dc(window);
-    const Gdi_Brush brush(::CreateSolidBrush(RGB(marker >> 16U, (marker >> 8U) & 0xFFU, marker & 0xFFU)));
+    const Gdi_Brush brush(::CreateSolidBrush(RGB(MARKER >> 16U, (MARKER >> 8U) & 0xFFU, MARKER & 0xFFU)));
     const RECT all = {0, 0, width, height};
     ::FillRect(dc.Get(), &all, brush.Get());
 }

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int buffer_size = 64;
+constexpr int BUFFER_SIZE = 64;
 
 /** A buffer between two guard bytes, and an edit of it. */
 struct Edited {
@@ -20,10 +20,10 @@ struct Edited {
         storage.fill('#');
         std::strcpy(storage.data() + 1, start);
     }
-    Text_Edit At(int caret, int anchor) { return {storage.data() + 1, buffer_size, caret, anchor}; }
+    Text_Edit At(int caret, int anchor) { return {storage.data() + 1, BUFFER_SIZE, caret, anchor}; }
     std::string Text() const { return storage.data() + 1; }
     bool Guards_Hold() const { return storage.front() == '#' && storage.back() == '#'; }
-    std::array<char, buffer_size + 2> storage{};
+    std::array<char, BUFFER_SIZE + 2> storage{};
 };
 
 /** What an editor does, said with characters instead of bytes. */
@@ -56,7 +56,7 @@ struct Plain_Model {
     void Insert(const std::vector<std::string>& inserted) {
         Erase_Selection();
         for (const std::string& one : inserted) {
-            if (Text().size() + one.size() > buffer_size - 1) {
+            if (Text().size() + one.size() > BUFFER_SIZE - 1) {
                 break;
             }
             characters.insert(characters.begin() + static_cast<std::ptrdiff_t>(caret), one);
@@ -67,13 +67,13 @@ struct Plain_Model {
 
 // Characters of the code page under test. In the Western one every byte is one, also where neighbours look like UTF-8.
 #if defined(_WIN32)
-const std::vector<std::string> alphabet = {"a", "b", " ", "Z", "~", "\xC3", "\xA9", "\xDF", "\x96", "\xE2", "\x82"};
-constexpr const char* euro = "\x80";
-constexpr const char* acute = "\xE9";
+const std::vector<std::string> ALPHABET = {"a", "b", " ", "Z", "~", "\xC3", "\xA9", "\xDF", "\x96", "\xE2", "\x82"};
+constexpr const char* EURO = "\x80";
+constexpr const char* ACUTE = "\xE9";
 #else
-const std::vector<std::string> alphabet = {"a", "b", " ", "Z", "~", "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\xA7\xA0"};
-constexpr const char* euro = "\xE2\x82\xAC";
-constexpr const char* acute = "\xC3\xA9";
+const std::vector<std::string> ALPHABET = {"a", "b", " ", "Z", "~", "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\xA7\xA0"};
+constexpr const char* EURO = "\xE2\x82\xAC";
+constexpr const char* ACUTE = "\xC3\xA9";
 #endif
 
 }  // namespace
@@ -95,7 +95,7 @@ TEST(Text_Edit_Core, ten_thousand_random_keys_agree_with_a_plain_model) {
             case 0:
             case 1:
             case 2: {
-                const std::string& one = alphabet[below(alphabet.size())];
+                const std::string& one = ALPHABET[below(ALPHABET.size())];
                 edit.Insert(one);
                 model.Insert({one});
                 break;
@@ -104,7 +104,7 @@ TEST(Text_Edit_Core, ten_thousand_random_keys_agree_with_a_plain_model) {
                 std::vector<std::string> several(below(12));
                 std::string joined;
                 for (std::string& one : several) {
-                    joined += one = alphabet[below(alphabet.size())];
+                    joined += one = ALPHABET[below(ALPHABET.size())];
                 }
                 if (!several.empty()) {
                     model.Insert(several);
@@ -164,12 +164,12 @@ TEST(Text_Edit_Core, ten_thousand_random_keys_agree_with_a_plain_model) {
         ASSERT_EQ(model.Bytes(first, last), std::string(edit.Selected())) << i;
         ASSERT_TRUE(edited.Guards_Hold()) << i;
     }
-    EXPECT_GE(longest, buffer_size - 4U);  // the session came to the buffer's end
+    EXPECT_GE(longest, BUFFER_SIZE - 4U);  // the session came to the buffer's end
 }
 
 TEST(Text_Edit_Core, places_from_outside_move_back_to_a_whole_character) {
-    const int length = static_cast<int>(std::strlen(euro));
-    Edited edited(("a" + std::string(euro) + "b").c_str());
+    const int length = static_cast<int>(std::strlen(EURO));
+    Edited edited(("a" + std::string(EURO) + "b").c_str());
     EXPECT_EQ(1, edited.At(length, length - 1).Caret());
     EXPECT_EQ(length > 2 ? 1 : 0, edited.At(length, length - 1).Anchor());
     EXPECT_EQ(1 + length, edited.At(1 + length, 0).Caret());
@@ -188,27 +188,27 @@ TEST(Text_Edit_Core, text_that_the_caller_cut_is_edited_from_its_new_end) {
 
 TEST(Text_Edit_Core, buffer_without_an_end_gets_one) {
     Edited edited("");
-    std::fill_n(edited.storage.begin() + 1, buffer_size, 'q');
-    EXPECT_EQ(buffer_size - 1, edited.At(0, 0).Length());
+    std::fill_n(edited.storage.begin() + 1, BUFFER_SIZE, 'q');
+    EXPECT_EQ(BUFFER_SIZE - 1, edited.At(0, 0).Length());
     EXPECT_TRUE(edited.Guards_Hold());
 }
 
 TEST(Text_Edit_Core, too_long_an_insertion_is_cut_at_a_whole_character) {
     Edited edited("");
     Text_Edit edit = edited.At(0, 0);
-    const int length = static_cast<int>(std::strlen(euro));
+    const int length = static_cast<int>(std::strlen(EURO));
     std::string many;
-    for (int i = 0; i < 2 * buffer_size; ++i) {
-        many += euro;
+    for (int i = 0; i < 2 * BUFFER_SIZE; ++i) {
+        many += EURO;
     }
     edit.Insert("x");
-    const int room = buffer_size - 2;
+    const int room = BUFFER_SIZE - 2;
     EXPECT_TRUE(edit.Insert(many));
     EXPECT_EQ(1 + room / length * length, edit.Length());
-    EXPECT_FALSE(edit.Insert(euro));
+    EXPECT_FALSE(edit.Insert(EURO));
     EXPECT_EQ(room % length > 0, edit.Insert(std::string(static_cast<std::size_t>(room % length), 'y')));
     EXPECT_FALSE(edit.Insert("!"));
-    EXPECT_EQ(buffer_size - 1, edit.Length());
+    EXPECT_EQ(BUFFER_SIZE - 1, edit.Length());
     EXPECT_TRUE(edited.Guards_Hold());
 }
 
@@ -255,9 +255,9 @@ TEST(Text_Edit_Core, code_points_are_inserted_as_whole_characters_or_refused) {
     for (const std::uint32_t code : {0U, 31U, 127U, 0x9FU, 0xD800U, 0xDFFFU, 0x110000U, 0xFFFFFFFFU}) {
         EXPECT_FALSE(edit.Insert_Code_Point(code)) << code;
     }
-    EXPECT_EQ("A" + std::string(acute) + euro, edited.Text());
+    EXPECT_EQ("A" + std::string(ACUTE) + EURO, edited.Text());
     edit.Backspace();
-    EXPECT_EQ("A" + std::string(acute), edited.Text());
+    EXPECT_EQ("A" + std::string(ACUTE), edited.Text());
     EXPECT_TRUE(edit.Insert_Code_Point(0x1F9E0U));
 #if defined(_WIN32)
     EXPECT_EQ('A', edited.Text()[0]);

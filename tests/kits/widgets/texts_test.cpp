@@ -10,13 +10,13 @@
 
 namespace {
 
-constexpr int left = 10;
-constexpr int top = 40;
-constexpr int width = 120;
-constexpr int height = 24;
+constexpr int LEFT = 10;
+constexpr int TOP = 40;
+constexpr int WIDTH = 120;
+constexpr int HEIGHT = 24;
 
-constexpr int shift_key = 0x10;
-constexpr int control_key = 0x11;
+constexpr int SHIFT_KEY = 0x10;
+constexpr int CONTROL_KEY = 0x11;
 
 bool shift_held = false;
 bool control_held = false;
@@ -24,7 +24,7 @@ std::string clipboard;
 bool clipboard_works = true;
 
 int Key_Held(int virtual_key) {
-    return (virtual_key == shift_key && shift_held) || (virtual_key == control_key && control_held) ? 1 : 0;
+    return (virtual_key == SHIFT_KEY && shift_held) || (virtual_key == CONTROL_KEY && control_held) ? 1 : 0;
 }
 int Clipboard_Get(char* out, int size) {
     const std::size_t count = std::min(clipboard.size(), static_cast<std::size_t>(size) - 1);
@@ -46,7 +46,7 @@ class Texts_Test : public Both_Axes {
         clipboard_works = true;
         clipboard = "none";
         Input_Source_Set({nullptr, Key_Held, Clipboard_Get, Clipboard_Set});
-        window.Place(field, left, top, width, height);
+        window.Place(field, LEFT, TOP, WIDTH, HEIGHT);
         field.style = STYLE_EDIT_OPEN;
         field.Init(window.Handle());
     }
@@ -71,10 +71,10 @@ class Texts_Test : public Both_Axes {
     /** Column of the caret from the field's left edge; -1 when none is painted. */
     int Caret_Column() const {
         const Window_Picture shown = window.Shown();
-        for (int x = 2; x < width - 2; ++x) {  // the border has the caret's colour too
+        for (int x = 2; x < WIDTH - 2; ++x) {  // the border has the caret's colour too
             bool all = true;
-            for (int y = 4; y < height - 4; ++y) {
-                all = all && shown.At(left + x, top + y) == Theme_Now().line_strong;
+            for (int y = 4; y < HEIGHT - 4; ++y) {
+                all = all && shown.At(LEFT + x, TOP + y) == Theme_Now().line_strong;
             }
             if (all) {
                 return x;
@@ -436,12 +436,12 @@ TEST_P(Texts_Test, selection_is_painted_on_the_accent_and_only_over_its_characte
     field.Input(KEY_RIGHT);
     Shifted(KEY_RIGHT);
     Shifted(KEY_RIGHT);
-    int first = width;
+    int first = WIDTH;
     int last = -1;
-    const int y = top + 3;  // above the characters
+    const int y = TOP + 3;  // above the characters
     const Window_Picture shown = window.Shown();
-    for (int x = 0; x < width; ++x) {
-        if (shown.At(left + x, y) == Theme_Now().accent) {
+    for (int x = 0; x < WIDTH; ++x) {
+        if (shown.At(LEFT + x, y) == Theme_Now().accent) {
             first = std::min(first, x);
             last = std::max(last, x);
         }
@@ -470,13 +470,13 @@ TEST_P(Texts_Test, press_places_the_caret_and_drag_selects) {
     field.Input(KEY_HOME);
     const int start = Caret_Column();
     const int wide = Character_Width();
-    window.Pointer(left + start + 2 * wide + 1, top + height / 2);
-    EXPECT_NE(0, field.Select(left_press, 0, 0));
+    window.Pointer(LEFT + start + 2 * wide + 1, TOP + HEIGHT / 2);
+    EXPECT_NE(0, field.Select(LEFT_PRESS, 0, 0));
     EXPECT_EQ(start + 2 * wide, Caret_Column());
-    window.Pointer(left + start + 5 * wide - 1, top - 30);  // the drag may leave the field
-    EXPECT_NE(0, field.Select(left_drag, 0, 0));
+    window.Pointer(LEFT + start + 5 * wide - 1, TOP - 30);  // the drag may leave the field
+    EXPECT_NE(0, field.Select(LEFT_DRAG, 0, 0));
     EXPECT_EQ(0, field.Select(0, 0, 0));
-    EXPECT_EQ(0, field.Select(left_drag, 0, 0));
+    EXPECT_EQ(0, field.Select(LEFT_DRAG, 0, 0));
     field.Input('-');
     EXPECT_EQ("mm-m", Finished());
 }
@@ -485,8 +485,8 @@ TEST_P(Texts_Test, shift_with_a_press_extends_the_selection) {
     field.Read("mmmmmm");
     field.Input(KEY_HOME);
     shift_held = true;
-    window.Pointer(left + Caret_Column() + 4 * Character_Width(), top + height / 2);
-    field.Select(left_press, 0, 0);
+    window.Pointer(LEFT + Caret_Column() + 4 * Character_Width(), TOP + HEIGHT / 2);
+    field.Select(LEFT_PRESS, 0, 0);
     shift_held = false;
     field.Input('-');
     EXPECT_EQ("-mm", Finished());
@@ -494,10 +494,10 @@ TEST_P(Texts_Test, shift_with_a_press_extends_the_selection) {
 
 TEST_P(Texts_Test, press_beside_the_field_and_motion_without_press_change_nothing) {
     field.Read("abc");
-    window.Pointer(left + width, top);
-    EXPECT_EQ(0, field.Select(left_press, 0, 0));
-    window.Pointer(left + 5, top + 5);
-    EXPECT_EQ(0, field.Select(left_drag, 0, 0));
+    window.Pointer(LEFT + WIDTH, TOP);
+    EXPECT_EQ(0, field.Select(LEFT_PRESS, 0, 0));
+    window.Pointer(LEFT + 5, TOP + 5);
+    EXPECT_EQ(0, field.Select(LEFT_DRAG, 0, 0));
     EXPECT_EQ(0, field.Select(0, 0, 0));
     EXPECT_NE(0, field.Select(MOUSE_ASK, 0, 0));
     field.Input('x');
@@ -511,7 +511,7 @@ TEST_P(Texts_Test, prompt_is_shown_without_its_leading_style_byte_and_without_a_
     field.Write("%c Enter", 2);
     const auto with_style = window.Pixels();
     EXPECT_EQ(-1, Caret_Column());
-    EXPECT_EQ(0x141E28U, window.Pixel(left, top));
+    EXPECT_EQ(0x141E28U, window.Pixel(LEFT, TOP));
     field.Write(" Enter");
     EXPECT_EQ(with_style, window.Pixels());
     field.Write("Other");
@@ -522,9 +522,9 @@ TEST_P(Texts_Test, cleanup_fills_the_area_with_its_own_colour) {
     field.Set_Color(200, 100, 50);
     field.Cleanup();
     const Window_Picture shown = window.Shown();
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            ASSERT_EQ(0xC86432U, shown.At(left + x, top + y));
+    for (int y = 0; y < HEIGHT; ++y) {
+        for (int x = 0; x < WIDTH; ++x) {
+            ASSERT_EQ(0xC86432U, shown.At(LEFT + x, TOP + y));
         }
     }
 }
@@ -536,7 +536,7 @@ TEST_P(Texts_Test, without_window_or_area_keys_still_edit_and_nothing_is_painted
     other.Read("abc");
     other.Input('x');
     other.Draw();
-    EXPECT_EQ(0, other.Select(left_press, 0, 0));
+    EXPECT_EQ(0, other.Select(LEFT_PRESS, 0, 0));
     other.Input(KEY_TAB);
     EXPECT_STREQ("x", other.Update());
     field.width = -4;

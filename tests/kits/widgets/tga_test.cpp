@@ -25,7 +25,7 @@ void Append(Bytes& bytes, const Bytes& more) {
     bytes.insert(bytes.end(), more.begin(), more.end());
 }
 
-constexpr int top_down = 0x20;
+constexpr int TOP_DOWN = 0x20;
 
 }  // namespace
 
@@ -40,7 +40,7 @@ TEST(Tga, plain_24_bit_picture_is_opaque_and_counts_from_the_bottom) {
 }
 
 TEST(Tga, rows_from_the_top_and_columns_from_the_right) {
-    Bytes file = Header(2, 2, 2, 24, top_down | 0x10);
+    Bytes file = Header(2, 2, 2, 24, TOP_DOWN | 0x10);
     Append(file, {1, 0, 0, 2, 0, 0, 3, 0, 0, 4, 0, 0});
     Tga_Picture picture;
     ASSERT_TRUE(Tga_Read(file, &picture));
@@ -48,7 +48,7 @@ TEST(Tga, rows_from_the_top_and_columns_from_the_right) {
 }
 
 TEST(Tga, runs_and_raw_packets_of_32_bits) {
-    Bytes file = Header(10, 3, 2, 32, top_down | 8);
+    Bytes file = Header(10, 3, 2, 32, TOP_DOWN | 8);
     Append(file, {0x83, 1, 2, 3, 128, 0x01, 4, 5, 6, 255, 7, 8, 9, 0});
     Tga_Picture picture;
     ASSERT_TRUE(Tga_Read(file, &picture));
@@ -57,7 +57,7 @@ TEST(Tga, runs_and_raw_packets_of_32_bits) {
 }
 
 TEST(Tga, no_opacity_at_all_means_opaque) {
-    Bytes file = Header(2, 1, 1, 32, top_down);
+    Bytes file = Header(2, 1, 1, 32, TOP_DOWN);
     Append(file, {1, 2, 3, 0});
     Tga_Picture picture;
     ASSERT_TRUE(Tga_Read(file, &picture));
@@ -65,7 +65,7 @@ TEST(Tga, no_opacity_at_all_means_opaque) {
 }
 
 TEST(Tga, comment_and_colour_map_are_skipped) {
-    Bytes file = Header(2, 1, 1, 24, top_down);
+    Bytes file = Header(2, 1, 1, 24, TOP_DOWN);
     file[0] = 3;
     file[1] = 1;
     file[5] = 2;   // two entries
@@ -78,7 +78,7 @@ TEST(Tga, comment_and_colour_map_are_skipped) {
 
 TEST(Tga, every_cut_of_a_file_is_refused) {
     for (const int type : {2, 10}) {
-        Bytes file = Header(type, 3, 2, 32, top_down);
+        Bytes file = Header(type, 3, 2, 32, TOP_DOWN);
         if (type == 2) {
             Append(file, Bytes(24, 5));
         } else {
@@ -118,7 +118,7 @@ TEST(Tga, empty_and_huge_sizes_are_refused) {
 }
 
 TEST(Tga, a_run_beyond_the_picture_is_refused) {
-    Bytes file = Header(10, 3, 1, 24, top_down);
+    Bytes file = Header(10, 3, 1, 24, TOP_DOWN);
     Append(file, {0x83, 1, 2, 3});
     Tga_Picture picture;
     EXPECT_FALSE(Tga_Read(file, &picture));

@@ -55,7 +55,7 @@ TEST(Tools, clear_fills_exactly_the_rectangle) {
     const Rect device = {10, 37, 20, 8};
     for (int y = 0; y < 50; y++) {
         for (int x = 0; x < 60; x++) {
-            ASSERT_EQ(picture.At(x, y), device.Contains({x, y}) ? 0x0A141EU : Test_Window::marker);
+            ASSERT_EQ(picture.At(x, y), device.Contains({x, y}) ? 0x0A141EU : Test_Window::MARKER);
         }
     }
     tool.Clear(Colors{255, 0, 0, 0});
@@ -74,10 +74,10 @@ TEST(Tools, cadre_draws_lines_only) {
     tool.window = window.Get();
     tool.Cadre();
     const Window_Picture picture = window.Read();
-    EXPECT_EQ(picture.At(11, 6), Test_Window::marker);
-    EXPECT_NE(picture.At(10, 5), Test_Window::marker);
-    EXPECT_NE(picture.At(29, 12), Test_Window::marker);
-    EXPECT_EQ(picture.At(30, 13), Test_Window::marker);
+    EXPECT_EQ(picture.At(11, 6), Test_Window::MARKER);
+    EXPECT_NE(picture.At(10, 5), Test_Window::MARKER);
+    EXPECT_NE(picture.At(29, 12), Test_Window::MARKER);
+    EXPECT_EQ(picture.At(30, 13), Test_Window::MARKER);
 }
 
 TEST(Tools, fill_select_fills_with_the_accent) {
@@ -88,7 +88,7 @@ TEST(Tools, fill_select_fills_with_the_accent) {
     tool.window = window.Get();
     tool.Fill_Select();
     EXPECT_EQ(window.Read().At(19, 7), Theme_Now().accent);
-    EXPECT_EQ(window.Read().At(20, 7), Test_Window::marker);
+    EXPECT_EQ(window.Read().At(20, 7), Test_Window::MARKER);
     tool.Text(nullptr);
     EXPECT_EQ(window.Read().At(19, 7), Theme_Now().accent);
     tool.Set_Color(5, 5, 5);

@@ -5,23 +5,23 @@
 
 namespace {
 
-constexpr int left = 25;
-constexpr int top = 30;
-constexpr int width = 14;
-constexpr int height = 123;  // a mark of 3 rows has 120 pixels of travel
+constexpr int LEFT = 25;
+constexpr int TOP = 30;
+constexpr int WIDTH = 14;
+constexpr int HEIGHT = 123;  // a mark of 3 rows has 120 pixels of travel
 
 class Valuators_Test : public Both_Axes {
   protected:
     Valuators_Test() {
-        window.Place(valuator, left, top, width, height);
+        window.Place(valuator, LEFT, TOP, WIDTH, HEIGHT);
         valuator.minimum = 0.001F;
         valuator.Init(window.Handle());
     }
-    void Pointer(int along) const { window.Pointer(left + width / 2, top + along); }
+    void Pointer(int along) const { window.Pointer(LEFT + WIDTH / 2, TOP + along); }
     int Bar_Rows() const {
         const Window_Picture shown = window.Shown();
         int rows = 0;
-        while (rows < height && shown.At(left + width / 2, top + rows) == Theme_Now().accent) {
+        while (rows < HEIGHT && shown.At(LEFT + WIDTH / 2, TOP + rows) == Theme_Now().accent) {
             ++rows;
         }
         return rows;
@@ -47,34 +47,34 @@ TEST_P(Valuators_Test, bar_reaches_from_the_visual_top_to_the_value) {
 
 TEST_P(Valuators_Test, press_anywhere_takes_the_value_there_and_drags_on) {
     Pointer(31);
-    EXPECT_NE(0, valuator.Select(left_press));
+    EXPECT_NE(0, valuator.Select(LEFT_PRESS));
     EXPECT_NEAR(0.001F + 0.999F * 0.25F, valuator.Read(), 0.0001F);
     Pointer(91);
-    EXPECT_NE(0, valuator.Select(left_drag));
+    EXPECT_NE(0, valuator.Select(LEFT_DRAG));
     EXPECT_NEAR(0.001F + 0.999F * 0.75F, valuator.Read(), 0.0001F);
     Pointer(-400);
-    EXPECT_NE(0, valuator.Select(left_drag));
+    EXPECT_NE(0, valuator.Select(LEFT_DRAG));
     EXPECT_EQ(0.001F, valuator.Read());
     Pointer(4000);
-    EXPECT_NE(0, valuator.Select(left_drag));
+    EXPECT_NE(0, valuator.Select(LEFT_DRAG));
     EXPECT_EQ(1.0F, valuator.Read());
 }
 
 TEST_P(Valuators_Test, drag_ends_by_itself_and_hover_is_not_taken) {
     Pointer(31);
-    valuator.Select(left_press);
+    valuator.Select(LEFT_PRESS);
     const float value = valuator.Read();
     Pointer(61);
     EXPECT_EQ(0, valuator.Select(0));
-    EXPECT_EQ(0, valuator.Select(left_drag));
+    EXPECT_EQ(0, valuator.Select(LEFT_DRAG));
     EXPECT_EQ(value, valuator.Read());
     EXPECT_NE(0, valuator.Select(MOUSE_ASK));
 }
 
 TEST_P(Valuators_Test, press_beside_it_is_not_taken) {
-    window.Pointer(left - 1, top + 5);
-    EXPECT_EQ(0, valuator.Select(left_press));
-    EXPECT_EQ(0, valuator.Select(left_drag));
+    window.Pointer(LEFT - 1, TOP + 5);
+    EXPECT_EQ(0, valuator.Select(LEFT_PRESS));
+    EXPECT_EQ(0, valuator.Select(LEFT_DRAG));
     EXPECT_EQ(1.0F, valuator.Read());
 }
 
@@ -96,18 +96,18 @@ TEST_P(Valuators_Test, inactive_is_greyed_and_takes_nothing_and_hidden_is_not_pa
     EXPECT_NE(blank, window.Pixels());
     EXPECT_EQ(0, Bar_Rows());  // not in the lively colour
     Pointer(31);
-    EXPECT_EQ(0, valuator.Select(left_press));
+    EXPECT_EQ(0, valuator.Select(LEFT_PRESS));
     EXPECT_EQ(1.0F, valuator.Read());
 }
 
 TEST_P(Valuators_Test, deselect_ends_the_drag_and_paints_only_a_change) {
     Pointer(31);
-    valuator.Select(left_press);
+    valuator.Select(LEFT_PRESS);
     Widget_Counters_Reset();
     valuator.Deselect();
     valuator.Deselect();
     EXPECT_EQ(1U, Widget_Counters_Get().adjusts);
-    EXPECT_EQ(0, valuator.Select(left_drag));
+    EXPECT_EQ(0, valuator.Select(LEFT_DRAG));
 }
 
 TEST_P(Valuators_Test, without_room_for_its_mark_it_keeps_its_value) {
@@ -116,10 +116,10 @@ TEST_P(Valuators_Test, without_room_for_its_mark_it_keeps_its_value) {
     valuator.Init(nullptr);
     valuator.Draw();
     YCursor_X = -9999;
-    EXPECT_EQ(0, valuator.Select(left_press));
-    window.Place(valuator, left, top, width, 2);
+    EXPECT_EQ(0, valuator.Select(LEFT_PRESS));
+    window.Place(valuator, LEFT, TOP, WIDTH, 2);
     Pointer(1);
-    EXPECT_NE(0, valuator.Select(left_press));
+    EXPECT_NE(0, valuator.Select(LEFT_PRESS));
     EXPECT_EQ(0.4F, valuator.Read());
 }
 

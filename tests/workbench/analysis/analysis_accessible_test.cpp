@@ -21,8 +21,8 @@ using namespace workbench;
 namespace {
 
 constexpr int BINS = 400;
-constexpr int control_button = 50000;
-constexpr int control_data_item = 50029;
+constexpr int CONTROL_BUTTON = 50000;
+constexpr int CONTROL_DATA_ITEM = 50029;
 
 class Analysis_Accessible : public testing::Test {
   protected:
@@ -66,7 +66,7 @@ TEST_F(Analysis_Accessible, a_client_hears_the_buttons_and_the_list) {
     for (const wchar_t* name : {L"Fit Gaussians", L"Derivative method", L"Peaks to TAG bands", L"Copy table"}) {
         const auto found = std::ranges::find(heard, std::wstring(name), &Heard_Element::name);
         ASSERT_NE(found, heard.end()) << name;
-        EXPECT_EQ(found->control_type, control_button);
+        EXPECT_EQ(found->control_type, CONTROL_BUTTON);
     }
     const Heard_Window again(Handle());
     LONG list = 0;
@@ -89,7 +89,7 @@ TEST_F(Analysis_Accessible, every_row_of_the_table_can_be_read) {
     EXPECT_NE(rows[0].name.find(L", Share 50.0 %"), std::wstring::npos);
     EXPECT_TRUE(rows[1].name.starts_with(L"Peak 2, Centre (GLI) 280."));
     const std::vector<Heard_Element> heard = Automation_Client::Read(Handle());
-    EXPECT_EQ(std::ranges::count(heard, control_data_item, &Heard_Element::control_type), 2);
+    EXPECT_EQ(std::ranges::count(heard, CONTROL_DATA_ITEM, &Heard_Element::control_type), 2);
     EXPECT_EQ(std::ranges::count(heard, rows[1].name, &Heard_Element::name), 1);
 }
 

@@ -10,7 +10,7 @@ using namespace workbench;
 namespace {
 
 // The example of docs/export_format.md.
-const std::string text =
+const std::string TEXT =
     "sep=;\n"
     "=========== Histogram information (2 frames out of 3) =========\n"
     "\n"
@@ -27,21 +27,21 @@ const std::string text =
     "Peak Number;Peak Center;Peak Height;Peak Width;\n"
     "1;3.25;38.40;1.20\n"
     "\n";
-const std::vector<std::uint32_t> counts = {12, 40, 35, 9, 3};
-const std::vector<double> filtered = {10.5, 31.25, 30.0, 16.75, 6.0};
+const std::vector<std::uint32_t> COUNTS = {12, 40, 35, 9, 3};
+const std::vector<double> FILTERED = {10.5, 31.25, 30.0, 16.75, 6.0};
 
 Export_Expected Example() {
     Export_Expected expected;
     expected.separator = ';';
     expected.filler = "-";
-    expected.curve = {counts, filtered, 0.0, 2.0};
+    expected.curve = {COUNTS, FILTERED, 0.0, 2.0};
     expected.columns = {{"Fat", true, -100000.0F, 5.0F}, {"TAG   2", true, 5.0F, 9.0F}};
     expected.peaks = {{false, 1.625, 38.4, 1.2}};
     return expected;
 }
 
 std::string Changed(const std::string& from, const std::string& to) {
-    std::string changed = text;
+    std::string changed = TEXT;
     changed.replace(changed.find(from), from.size(), to);
     return changed;
 }
@@ -53,7 +53,7 @@ std::vector<std::string> Differences(const std::string& of) {
 using Lines = std::vector<std::string>;
 
 TEST(Export_Check, the_file_of_the_format_agrees) {
-    const Export_Check check = Export_Check_Text(text, Example());
+    const Export_Check check = Export_Check_Text(TEXT, Example());
     EXPECT_EQ(check.differences, Lines{});
     EXPECT_EQ(check.difference_nb, 0U);
     EXPECT_EQ(check.bin_nb, 5U);
@@ -64,7 +64,7 @@ TEST(Export_Check, the_file_of_the_format_agrees) {
 }
 
 TEST(Export_Check, lines_may_end_as_windows_ends_them) {
-    std::string windows = text;
+    std::string windows = TEXT;
     for (std::size_t at = windows.find('\n'); at != std::string::npos; at = windows.find('\n', at + 2)) {
         windows.insert(at, 1, '\r');
     }
@@ -98,24 +98,24 @@ TEST(Export_Check, the_words_are_compared) {
     EXPECT_EQ(Differences(Changed("6.000000;-;1", "6.000000;-;1;1")),
               Lines{"line 9: bin 4, there is more than expected: \"1\""});
     EXPECT_EQ(Differences(Changed("1.20", "1.20;7")), Lines{"line 15: peak 1, there is more than expected: \"7\""});
-    EXPECT_EQ(Differences(text + "more\n").size(), 1U);
+    EXPECT_EQ(Differences(TEXT + "more\n").size(), 1U);
 }
 
 TEST(Export_Check, a_file_cut_off_is_told_once) {
-    EXPECT_EQ(Differences(text.substr(0, text.find("7;9"))).at(0), "line 7: the file ends after 3 of 5 bins");
+    EXPECT_EQ(Differences(TEXT.substr(0, TEXT.find("7;9"))).at(0), "line 7: the file ends after 3 of 5 bins");
     EXPECT_GT(Export_Check_Text("", Example()).difference_nb, 0U);
 }
 
 TEST(Export_Check, a_curve_that_is_shorter_than_the_counts_goes_on_with_zeros) {
     Export_Expected expected = Example();
-    expected.curve.filtered = std::span(filtered).first(4);
-    EXPECT_EQ(Export_Check_Text(text, expected).difference_nb, 1U);
+    expected.curve.filtered = std::span(FILTERED).first(4);
+    EXPECT_EQ(Export_Check_Text(TEXT, expected).difference_nb, 1U);
     EXPECT_EQ(Export_Check_Text(Changed("6.000000", "0.000000"), expected).difference_nb, 0U);
 }
 
 TEST(Export_Check, without_curve_tags_and_peaks_the_file_is_short) {
     Export_Expected expected;
-    expected.curve = {counts, {}, 0.0, 2.0};
+    expected.curve = {COUNTS, {}, 0.0, 2.0};
     const std::string plain =
         "sep=,\n=========== Histogram information (3 frames) =========\n\nGLI Value,Nb of pixels\n1,12\n3,40\n5,35\n"
         "7,9\n9,3\n\n";
@@ -126,7 +126,7 @@ TEST(Export_Check, without_curve_tags_and_peaks_the_file_is_short) {
 
 TEST(Export_Check, a_centre_on_the_edge_of_single_precision_may_stand_on_either_side) {
     Export_Expected expected;
-    expected.curve = {std::span(counts).first(1), {}, 29.95, 0.1};  // the centre is 30, or a little less
+    expected.curve = {std::span(COUNTS).first(1), {}, 29.95, 0.1};  // the centre is 30, or a little less
     for (const char* level : {"29", "30"}) {
         EXPECT_EQ(Export_Check_Text("sep=,\n=========== Histogram information (1 frames) =========\n\n"
                                     "GLI Value,Nb of pixels\n" +
@@ -160,14 +160,14 @@ TEST(Export_Check, every_single_wrong_byte_but_in_unread_places_is_found) {
     std::mt19937 random(7);
     int found = 0;
     int nb = 0;
-    for (std::size_t at = 0; at < text.size(); ++at) {
+    for (std::size_t at = 0; at < TEXT.size(); ++at) {
         // The numbers of frames are not compared.
-        if (at >= text.find("2 frames") && at < text.find("GLI")) {
+        if (at >= TEXT.find("2 frames") && at < TEXT.find("GLI")) {
             continue;
         }
-        std::string wrong = text;
+        std::string wrong = TEXT;
         wrong[at] = static_cast<char>('F' + random() % 20);  // no E, which makes an exponent
-        if (wrong == text) {
+        if (wrong == TEXT) {
             continue;
         }
         ++nb;

@@ -56,7 +56,7 @@ class Database_Pane_Builds : public ::testing::Test {
         pane.Show(true);
         pane.Place({0, 0, WIDTH, HEIGHT});
         pane.Lay_Out();
-        pane.View_Set(Database_View::CLASSES_2D);
+        pane.View_Set(Database_View::Classes_2d);
         root.built = 0;
     }
     Database_Host Services() {
@@ -102,17 +102,17 @@ TEST_F(Database_Pane_Builds, an_announced_change_builds_the_shown_tree_once_and_
 }
 
 TEST_F(Database_Pane_Builds, a_tree_that_missed_a_change_is_built_once_when_it_is_shown) {
-    pane.View_Set(Database_View::FILES);
+    pane.View_Set(Database_View::Files);
     a.Child_Add(&b);
     Quorel_2D c;
     b.Child_Add(&c);
     pane.Update(UPDATE_STRUCTURE | UPDATE_LEVEL_2D);
     EXPECT_EQ(root.built, 0) << "nobody sees it";
-    pane.View_Set(Database_View::CLASSES_2D);
+    pane.View_Set(Database_View::Classes_2d);
     EXPECT_EQ(root.built, 1);
     EXPECT_EQ(pane.Panel().Nb(), 4);
-    pane.View_Set(Database_View::FILES);
-    pane.View_Set(Database_View::CLASSES_2D);
+    pane.View_Set(Database_View::Files);
+    pane.View_Set(Database_View::Classes_2d);
     EXPECT_EQ(root.built, 1) << "nothing changed";
 }
 

@@ -46,7 +46,7 @@ Flags Walk(const Label_Grid& grid, const Flags& is_in, std::size_t seed, bool co
 }
 
 Neighbours Touching(unsigned int seed) {
-    return seed % 2 == 0 ? Neighbours::FACES : Neighbours::CORNERS;
+    return seed % 2 == 0 ? Neighbours::Faces : Neighbours::Corners;
 }
 
 Flags Voxels_Of(const Label_Scene& scene, std::uint8_t tag) {
@@ -129,7 +129,7 @@ TEST(Region_Edits, a_fill_stays_in_the_slices_that_are_worked_on) {
     const Label_Scene scene = Scene_Of(3, 3, 5);
     Edit_Input input = scene.Input();
     input.slices = {2, 2};
-    Flood flood{{1, 1, 2}, 6, {0, 0}, Neighbours::CORNERS};
+    Flood flood{{1, 1, 2}, 6, {0, 0}, Neighbours::Corners};
     EXPECT_EQ(Flood_Fill(input, flood)->voxel_nb, 9U);
     flood.seed.z = 3;
     EXPECT_EQ(Flood_Fill(input, flood)->voxel_nb, 0U);
@@ -162,7 +162,7 @@ TEST(Region_Edits, a_band_around_a_level_ends_where_levels_end) {
     EXPECT_EQ(Level_Band_Around(-2147483647, 100).low, -2147483647 - 1);
 }
 
-constexpr std::array<std::string_view, 5> islands = {
+constexpr std::array<std::string_view, 5> ISLANDS = {
     "11..1.3",  //
     "1...1.3",  //
     "..1.1..",  //
@@ -171,50 +171,50 @@ constexpr std::array<std::string_view, 5> islands = {
 };
 
 TEST(Region_Edits, the_largest_region_stays_and_the_others_become_background) {
-    const Label_Scene scene = Scene_Of(islands);
+    const Label_Scene scene = Scene_Of(ISLANDS);
     const std::array<std::string_view, 5> faces = {"11....3", "1.....3", ".......", ".......", "22....."};
-    EXPECT_EQ(scene.After(*Region_Keep_Largest(scene.Input(), 1, Neighbours::FACES)), Scene_Of(faces).tags);
+    EXPECT_EQ(scene.After(*Region_Keep_Largest(scene.Input(), 1, Neighbours::Faces)), Scene_Of(faces).tags);
     const std::array<std::string_view, 5> locked = {"11..1.3", "1...1.3", "..1.1..", ".......", "22.1.11"};
     Edit_Input input = scene.Input();
     input.locked[1] = 1;
-    EXPECT_EQ(scene.After(*Region_Keep_Largest(input, 1, Neighbours::FACES)), Scene_Of(locked).tags);
-    EXPECT_EQ(Region_Keep_Largest(scene.Input(), 9, Neighbours::FACES)->voxel_nb, 0U);
+    EXPECT_EQ(scene.After(*Region_Keep_Largest(input, 1, Neighbours::Faces)), Scene_Of(locked).tags);
+    EXPECT_EQ(Region_Keep_Largest(scene.Input(), 9, Neighbours::Faces)->voxel_nb, 0U);
 }
 
 TEST(Region_Edits, regions_below_a_volume_become_background) {
-    Label_Scene scene = Scene_Of(islands);
+    Label_Scene scene = Scene_Of(ISLANDS);
     scene.grid.spacing = {0.7, 1.0, 1.0};
     const std::array<std::string_view, 5> below_two = {"11..1.3", "1...1.3", "....1..", ".......", "22...11"};
-    EXPECT_EQ(scene.After(*Regions_Drop_Below(scene.Input(), 1, 1.4, Neighbours::FACES)), Scene_Of(below_two).tags);
+    EXPECT_EQ(scene.After(*Regions_Drop_Below(scene.Input(), 1, 1.4, Neighbours::Faces)), Scene_Of(below_two).tags);
     // Three times 0.7 is no less than 2.1, though the product of the nearest binary fractions is.
     const std::array<std::string_view, 5> below_three = {"11..1.3", "1...1.3", "....1..", ".......", "22....."};
-    EXPECT_EQ(scene.After(*Regions_Drop_Below(scene.Input(), 1, 2.1, Neighbours::FACES)), Scene_Of(below_three).tags);
+    EXPECT_EQ(scene.After(*Regions_Drop_Below(scene.Input(), 1, 2.1, Neighbours::Faces)), Scene_Of(below_three).tags);
 }
 
 TEST(Region_Edits, a_region_is_picked_by_a_voxel_of_it) {
-    const Label_Scene scene = Scene_Of(islands);
+    const Label_Scene scene = Scene_Of(ISLANDS);
     const std::array<std::string_view, 5> kept = {"......3", "......3", ".......", ".......", "22...11"};
-    EXPECT_EQ(scene.After(*Region_Keep_At(scene.Input(), 1, {6, 4, 0}, Neighbours::FACES)), Scene_Of(kept).tags);
-    EXPECT_EQ(Region_Keep_At(scene.Input(), 1, {0, 4, 0}, Neighbours::FACES)->voxel_nb, 0U);
-    EXPECT_EQ(Region_Keep_At(scene.Input(), 9, {0, 4, 0}, Neighbours::FACES)->voxel_nb, 0U);
+    EXPECT_EQ(scene.After(*Region_Keep_At(scene.Input(), 1, {6, 4, 0}, Neighbours::Faces)), Scene_Of(kept).tags);
+    EXPECT_EQ(Region_Keep_At(scene.Input(), 1, {0, 4, 0}, Neighbours::Faces)->voxel_nb, 0U);
+    EXPECT_EQ(Region_Keep_At(scene.Input(), 9, {0, 4, 0}, Neighbours::Faces)->voxel_nb, 0U);
     const std::array<std::string_view, 5> given = {"11..1.7", "1...1.7", "..1.1..", ".......", "22.1.11"};
-    EXPECT_EQ(scene.After(*Region_Give(scene.Input(), {6, 0, 0}, 7, Neighbours::FACES)), Scene_Of(given).tags);
-    EXPECT_EQ(Region_Give(scene.Input(), {6, 4, 0}, 7, Neighbours::FACES)->voxel_nb, 2U);  // not the others of TAG 1
-    EXPECT_EQ(Region_Give(scene.Input(), {7, 0, 0}, 7, Neighbours::FACES)->voxel_nb, 0U);
+    EXPECT_EQ(scene.After(*Region_Give(scene.Input(), {6, 0, 0}, 7, Neighbours::Faces)), Scene_Of(given).tags);
+    EXPECT_EQ(Region_Give(scene.Input(), {6, 4, 0}, 7, Neighbours::Faces)->voxel_nb, 2U);  // not the others of TAG 1
+    EXPECT_EQ(Region_Give(scene.Input(), {7, 0, 0}, 7, Neighbours::Faces)->voxel_nb, 0U);
 }
 
 TEST(Region_Edits, regions_that_touch_at_corners_are_one_when_corners_count) {
     const std::array<std::string_view, 3> diagonal = {"1..", ".1.", "..1"};
     const Label_Scene scene = Scene_Of(diagonal);
-    EXPECT_EQ(Region_Keep_Largest(scene.Input(), 1, Neighbours::CORNERS)->voxel_nb, 0U);
-    EXPECT_EQ(Region_Keep_Largest(scene.Input(), 1, Neighbours::FACES)->voxel_nb, 2U);
+    EXPECT_EQ(Region_Keep_Largest(scene.Input(), 1, Neighbours::Corners)->voxel_nb, 0U);
+    EXPECT_EQ(Region_Keep_Largest(scene.Input(), 1, Neighbours::Faces)->voxel_nb, 2U);
 }
 
 TEST(Region_Edits, giving_up_gives_no_change) {
     const Label_Scene scene = Scene_Of(4, 4, 4);
     Edit_Input input = scene.Input();
     input.progress = [](double fraction) { return fraction < 0.5; };
-    EXPECT_FALSE(Flood_Fill(input, {{0, 0, 0}, 1, {0, 0}, Neighbours::FACES}).has_value());
-    EXPECT_FALSE(Region_Keep_Largest(input, 0, Neighbours::FACES).has_value());
-    EXPECT_FALSE(Region_Growth::Find(input, {{0, 0, 0}, 1, {}, Neighbours::FACES}, 4).has_value());
+    EXPECT_FALSE(Flood_Fill(input, {{0, 0, 0}, 1, {0, 0}, Neighbours::Faces}).has_value());
+    EXPECT_FALSE(Region_Keep_Largest(input, 0, Neighbours::Faces).has_value());
+    EXPECT_FALSE(Region_Growth::Find(input, {{0, 0, 0}, 1, {}, Neighbours::Faces}, 4).has_value());
 }

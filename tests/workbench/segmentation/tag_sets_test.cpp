@@ -20,7 +20,7 @@ TEST(Tag_Sets, sets_of_voxels_are_joined_voxel_by_voxel) {
     input.locked[3] = 1;
     input.slices = {1, 3};
     for (const Set_Operation operation :
-         {Set_Operation::COPY, Set_Operation::ADD, Set_Operation::SUBTRACT, Set_Operation::INTERSECT}) {
+         {Set_Operation::Copy, Set_Operation::Add, Set_Operation::Subtract, Set_Operation::Intersect}) {
         std::vector<std::uint8_t> expected = scene.tags;
         for (std::size_t at = scene.grid.Slice_Size(); at < expected.size(); ++at) {
             const bool one = scene.tags[at] == 1;
@@ -34,7 +34,7 @@ TEST(Tag_Sets, sets_of_voxels_are_joined_voxel_by_voxel) {
     }
     // A TAG of the same labels is taken up.
     const std::vector<std::uint8_t> joined =
-        scene.After(*Tag_Combine(scene.Input(), 1, Set_Operation::ADD, {scene.tags, 2}));
+        scene.After(*Tag_Combine(scene.Input(), 1, Set_Operation::Add, {scene.tags, 2}));
     for (std::size_t at = 0; at < joined.size(); ++at) {
         EXPECT_EQ(joined[at], scene.tags[at] == 2 ? 1 : scene.tags[at]);
     }

@@ -17,7 +17,7 @@ using namespace workbench::segmentation;
 
 namespace {
 
-constexpr std::array<std::array<double, 3>, 4> spacings = {
+constexpr std::array<std::array<double, 3>, 4> SPACINGS = {
     {{1.0, 1.0, 1.0}, {0.1, 0.1, 0.3}, {0.9375, 0.9375, 3.0}, {2.0, 0.7, 1.3}}};
 
 Voxel_Place Place_Of(const Label_Grid& grid, std::size_t at) {
@@ -40,7 +40,7 @@ Label_Scene Sparse_Scene(unsigned int seed, int width, int height, int slices) {
     for (std::uint8_t& tag : scene.tags) {
         tag = tag > 2 ? 0 : tag;
     }
-    scene.grid.spacing = spacings[seed % spacings.size()];
+    scene.grid.spacing = SPACINGS[seed % SPACINGS.size()];
     return scene;
 }
 
@@ -172,11 +172,11 @@ TEST(Tag_Shape, a_hole_is_what_cannot_reach_the_edge) {
     const std::array<std::string_view, 7> only_free = {"1111111", "1111211", "1111111", "1111111",
                                                        "1111...", "1111..1", "111...."};
     // The way out at the corner of two voxels is none: the hole at the left is shut.
-    EXPECT_EQ(scene.After(*Holes_Fill(scene.Input(), 1, Hole_Kind::PER_SLICE)), Scene_Of(filled).tags);
+    EXPECT_EQ(scene.After(*Holes_Fill(scene.Input(), 1, Hole_Kind::Per_Slice)), Scene_Of(filled).tags);
     Edit_Input input = scene.Input();
     input.only_inside = 0;
-    EXPECT_EQ(scene.After(*Holes_Fill(input, 1, Hole_Kind::PER_SLICE)), Scene_Of(only_free).tags);
-    EXPECT_EQ(Holes_Fill(scene.Input(), 9, Hole_Kind::PER_SLICE)->voxel_nb, 0U);
+    EXPECT_EQ(scene.After(*Holes_Fill(input, 1, Hole_Kind::Per_Slice)), Scene_Of(only_free).tags);
+    EXPECT_EQ(Holes_Fill(scene.Input(), 9, Hole_Kind::Per_Slice)->voxel_nb, 0U);
 }
 
 TEST(Tag_Shape, what_is_open_at_any_side_is_no_hole) {
@@ -185,7 +185,7 @@ TEST(Tag_Shape, what_is_open_at_any_side_is_no_hole) {
     const std::array<std::string_view, 3> top = {"1.1", "1.1", "111"};
     const std::array<std::string_view, 3> bottom = {"111", "1.1", "1.1"};
     for (const auto& rows : {left, right, top, bottom}) {
-        EXPECT_EQ(Holes_Fill(Scene_Of(rows).Input(), 1, Hole_Kind::PER_SLICE)->voxel_nb, 0U) << rows[0] << rows[1];
+        EXPECT_EQ(Holes_Fill(Scene_Of(rows).Input(), 1, Hole_Kind::Per_Slice)->voxel_nb, 0U) << rows[0] << rows[1];
     }
 }
 
@@ -223,14 +223,14 @@ TEST(Tag_Shape, a_hole_in_space_is_shut_above_and_below_too) {
     for (int z = 2; z < 7; ++z) {
         scene.tags[scene.grid.Index(5, 5, z)] = 0;
     }
-    EXPECT_EQ(Holes_Fill(scene.Input(), 1, Hole_Kind::IN_SPACE)->voxel_nb, 1U);
-    EXPECT_EQ(Holes_Fill(scene.Input(), 1, Hole_Kind::PER_SLICE)->voxel_nb, 6U);
+    EXPECT_EQ(Holes_Fill(scene.Input(), 1, Hole_Kind::In_Space)->voxel_nb, 1U);
+    EXPECT_EQ(Holes_Fill(scene.Input(), 1, Hole_Kind::Per_Slice)->voxel_nb, 6U);
 }
 
 TEST(Tag_Shape, smoothing_is_a_vote_of_the_ball) {
     for (unsigned int seed = 0; seed < 12; ++seed) {
         Label_Scene scene = Random_Scene(seed, 9, 8, 5, 3);
-        scene.grid.spacing = spacings[seed % spacings.size()];
+        scene.grid.spacing = SPACINGS[seed % SPACINGS.size()];
         Edit_Input input = scene.Input();
         input.locked[2] = seed % 2 == 0 ? 1 : 0;
         const double radius = scene.grid.spacing[0] * (1.0 + seed % 3);
@@ -285,6 +285,6 @@ TEST(Tag_Shape, giving_up_gives_no_change) {
     EXPECT_FALSE(Tag_Grow(input, 1, 20.0).has_value());
     EXPECT_FALSE(Tag_Shrink(input, 1, 2.0).has_value());
     EXPECT_FALSE(Tag_Smooth(input, 1, 2.0).has_value());
-    EXPECT_FALSE(Holes_Fill(input, 1, Hole_Kind::IN_SPACE).has_value());
-    EXPECT_FALSE(Holes_Fill(input, 1, Hole_Kind::PER_SLICE).has_value());
+    EXPECT_FALSE(Holes_Fill(input, 1, Hole_Kind::In_Space).has_value());
+    EXPECT_FALSE(Holes_Fill(input, 1, Hole_Kind::Per_Slice).has_value());
 }

@@ -112,7 +112,7 @@ TEST(Tag_Statistics, regions_and_extent_are_told_for_the_slices_that_are_worked_
     EXPECT_EQ(one.last_slice, 4);
     EXPECT_EQ(one.slice_voxels, (std::vector<std::uint64_t>{0, 1, 1, 0, 1, 0}));
     EXPECT_EQ(Slice_Area(one, 2, scene.grid), 6.0);
-    request.neighbours = Neighbours::FACES;
+    request.neighbours = Neighbours::Faces;
     EXPECT_EQ((*Tag_Statistics(scene.Input(), request))[1].region_nb, 3U);
     Edit_Input input = scene.Input();
     input.slices = {2, 3};

@@ -23,11 +23,11 @@ using namespace workbench::segmentation;
 
 namespace {
 
-const std::filesystem::path folder = KIT_SEGMENTATION_WITNESS;
+const std::filesystem::path FOLDER = KIT_SEGMENTATION_WITNESS;
 
 template <class Value>
 std::vector<Value> Values_Of(const std::string& name) {
-    std::ifstream file(folder / name, std::ios::binary);
+    std::ifstream file(FOLDER / name, std::ios::binary);
     const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
     std::vector<Value> values(bytes.size() / sizeof(Value));
     std::memcpy(values.data(), bytes.data(), values.size() * sizeof(Value));
@@ -46,7 +46,7 @@ struct Case {
 
 std::map<std::string, Case> Cases_Read() {
     std::map<std::string, Case> cases;
-    std::ifstream manifest(folder / "manifest.txt");
+    std::ifstream manifest(FOLDER / "manifest.txt");
     for (std::string line; std::getline(manifest, line);) {
         std::istringstream words(line);
         std::string name;
@@ -73,7 +73,7 @@ void Near(double found, double expected) {
 
 void Regions_Check(const Label_Scene& scene, const Answer& answer) {
     const Edit_Input input = scene.Input();
-    const Region_Map map = Regions_Of_Tag(input, 1, answer.number == 6 ? Neighbours::FACES : Neighbours::CORNERS,
+    const Region_Map map = Regions_Of_Tag(input, 1, answer.number == 6 ? Neighbours::Faces : Neighbours::Corners,
                                           Step_Progress(input.progress));
     std::vector<std::int32_t> numbers(scene.tags.size());
     for (int z = 0; z < scene.grid.slices; ++z) {
@@ -139,7 +139,7 @@ std::optional<Label_Edit> Edit_Of(const Edit_Input& input, const Answer& answer)
         return Slices_Between_Fill(input, 1);
     }
     if (answer.operation == "holes") {
-        return Holes_Fill(input, 1, answer.number == 3 ? Hole_Kind::IN_SPACE : Hole_Kind::PER_SLICE);
+        return Holes_Fill(input, 1, answer.number == 3 ? Hole_Kind::In_Space : Hole_Kind::Per_Slice);
     }
     return std::nullopt;
 }

@@ -49,9 +49,9 @@ Bytes Bytes_Of(std::string_view text) {
     return {text.begin(), text.end()};
 }
 
-constexpr std::uint32_t tag_item = 0xFFFEE000;
-constexpr std::uint32_t tag_sequence_end = 0xFFFEE0DD;
-constexpr std::uint32_t length_open = 0xFFFFFFFF;
+constexpr std::uint32_t TAG_ITEM = 0xFFFEE000;
+constexpr std::uint32_t TAG_SEQUENCE_END = 0xFFFEE0DD;
+constexpr std::uint32_t LENGTH_OPEN = 0xFFFFFFFF;
 
 }  // namespace
 
@@ -94,7 +94,7 @@ Dicom_Bytes& Dicom_Bytes::Raw(std::uint32_t tag, const char* representation, con
 Dicom_Bytes& Dicom_Bytes::Sequence(std::uint32_t tag, const std::vector<Bytes>& items) {
     Bytes content;
     for (const Bytes& item : items) {
-        Put_Tag(content, tag_item);
+        Put_Tag(content, TAG_ITEM);
         Put_32(content, static_cast<std::uint32_t>(item.size()));
         content.insert(content.end(), item.begin(), item.end());
     }
@@ -123,18 +123,18 @@ Dicom_Bytes& Dicom_Bytes::Place(double x, double y, double z) {
 
 Dicom_Bytes& Dicom_Bytes::Fragments(const std::vector<Bytes>& fragments) {
     Bytes bytes;
-    Put_Head(bytes, TAG_PIXELS, "OB", length_open);
-    Put_Tag(bytes, tag_item);
+    Put_Head(bytes, TAG_PIXELS, "OB", LENGTH_OPEN);
+    Put_Tag(bytes, TAG_ITEM);
     Put_32(bytes, 0);
     for (Bytes fragment : fragments) {
         if (fragment.size() % 2 != 0) {
             fragment.push_back(0);
         }
-        Put_Tag(bytes, tag_item);
+        Put_Tag(bytes, TAG_ITEM);
         Put_32(bytes, static_cast<std::uint32_t>(fragment.size()));
         bytes.insert(bytes.end(), fragment.begin(), fragment.end());
     }
-    Put_Tag(bytes, tag_sequence_end);
+    Put_Tag(bytes, TAG_SEQUENCE_END);
     Put_32(bytes, 0);
     elements[TAG_PIXELS] = bytes;
     return *this;

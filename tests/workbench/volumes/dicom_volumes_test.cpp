@@ -280,7 +280,7 @@ TEST_F(Dicom_Volumes, of_frames_without_direction_are_in_order_of_position_and_t
     Open_One(File_Of({{0, 0, 6, 0, nullptr, nullptr}, {0, 0, 4, 0, nullptr, nullptr}, {0, 0, 2, 0, nullptr, nullptr}}));
     EXPECT_THAT(First().levels, ElementsAre(3, 2, 1));
     EXPECT_EQ(First().spacing[2], 2);
-    EXPECT_EQ(First().affine_source, Affine_Source::SPACING);
+    EXPECT_EQ(First().affine_source, Affine_Source::Spacing);
     EXPECT_THAT(Problems(), ElementsAre(HasSubstr("but not how they are turned")));
 }
 
@@ -429,7 +429,7 @@ TEST_F(Dicom_Volumes, of_slices_without_direction_are_in_order_of_position_and_t
     ASSERT_THAT(opened.volumes, SizeIs(1));
     EXPECT_THAT(First().levels, ElementsAre(1, 1, 2, 2, 3, 3));
     EXPECT_EQ(First().spacing[2], 2);
-    EXPECT_EQ(First().affine_source, Affine_Source::SPACING);
+    EXPECT_EQ(First().affine_source, Affine_Source::Spacing);
     EXPECT_THAT(Problems(),
                 ElementsAre(HasSubstr("1.dcm: belongs to a series that says where slices lie, but not how")));
 }

@@ -30,14 +30,14 @@ TEST(Dicom_Windows, several_have_names_centres_and_widths) {
     Dicom_Bytes bytes;
     bytes.Text(TAG_CENTER, "DS", "40\\-600 ").Text(TAG_WIDTH, "DS", "80\\1500");
     bytes.Text(TAG_EXPLANATION, "LO", "BRAIN \\LUNG");
-    EXPECT_THAT(Windows_Of(bytes), ElementsAre(Display_Window{"BRAIN", 40, 80, Window_Function::LINEAR},
-                                               Display_Window{"LUNG", -600, 1500, Window_Function::LINEAR}));
+    EXPECT_THAT(Windows_Of(bytes), ElementsAre(Display_Window{"BRAIN", 40, 80, Window_Function::Linear},
+                                               Display_Window{"LUNG", -600, 1500, Window_Function::Linear}));
 }
 
 TEST(Dicom_Windows, have_the_files_function) {
-    for (const auto& [text, function] : {std::pair{"SIGMOID", Window_Function::SIGMOID},
-                                         {"LINEAR_EXACT", Window_Function::LINEAR_EXACT},
-                                         {"LINEAR", Window_Function::LINEAR}}) {
+    for (const auto& [text, function] : {std::pair{"SIGMOID", Window_Function::Sigmoid},
+                                         {"LINEAR_EXACT", Window_Function::Linear_Exact},
+                                         {"LINEAR", Window_Function::Linear}}) {
         Dicom_Bytes bytes;
         bytes.Text(TAG_CENTER, "DS", "1.5").Text(TAG_WIDTH, "DS", "3").Text(TAG_FUNCTION, "CS", text);
         EXPECT_THAT(Windows_Of(bytes), ElementsAre(Display_Window{"", 1.5, 3, function})) << text;
@@ -49,7 +49,7 @@ TEST(Dicom_Windows, without_a_usable_width_there_is_none) {
     EXPECT_THAT(Windows_Of(Dicom_Bytes().Text(TAG_CENTER, "DS", "40")), IsEmpty());
     Dicom_Bytes bytes;
     bytes.Text(TAG_CENTER, "DS", "40\\0.5\\7").Text(TAG_WIDTH, "DS", "0\\0.25");
-    EXPECT_THAT(Windows_Of(bytes), ElementsAre(Display_Window{"", 0.5, 0.25, Window_Function::LINEAR_EXACT}));
+    EXPECT_THAT(Windows_Of(bytes), ElementsAre(Display_Window{"", 0.5, 0.25, Window_Function::Linear_Exact}));
 }
 
 TEST(Dicom_Windows, may_stand_in_the_functional_groups) {
@@ -59,7 +59,7 @@ TEST(Dicom_Windows, may_stand_in_the_functional_groups) {
     group.Clear().Sequence(TAG_FRAME_WINDOW, {window.Elements()});
     Dicom_Bytes bytes;
     bytes.Sequence(TAG_SHARED_GROUPS, {group.Elements()});
-    EXPECT_THAT(Windows_Of(bytes), ElementsAre(Display_Window{"", 50, 350, Window_Function::LINEAR}));
+    EXPECT_THAT(Windows_Of(bytes), ElementsAre(Display_Window{"", 50, 350, Window_Function::Linear}));
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 /** From its construction to its end the `fail_at`-th allocation (from 0) throws std::bad_alloc, once. */
 class Failing_Allocation {
   public:
-    static constexpr long long never = -1;
+    static constexpr long long NEVER = -1;
     explicit Failing_Allocation(long long fail_at);
     ~Failing_Allocation();
     Failing_Allocation(const Failing_Allocation&) = delete;

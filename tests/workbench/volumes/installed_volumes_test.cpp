@@ -70,7 +70,7 @@ TEST_P(Installed_Volumes, are_read_as_the_script_reads_them_if_installed) {
     EXPECT_EQ(volume.nt, number("size", 3));
     EXPECT_EQ(volume.scalar_type, answers["type"].at(0));
     ASSERT_GT(number("sform_code", 0), 0);
-    EXPECT_EQ(volume.affine_source, Affine_Source::SFORM);
+    EXPECT_EQ(volume.affine_source, Affine_Source::Sform);
     for (std::size_t i = 0; i < 12; ++i) {
         EXPECT_EQ(volume.affine[i / 4][i % 4], number("srow", i));
     }

@@ -18,7 +18,7 @@ using testing::ElementsAre;
 template <class Value>
 Volume Levels_Of(const std::vector<Value>& values, double slope = 1, double intercept = 0) {
     constexpr bool is_float = sizeof(Value) == sizeof(float);
-    Level_Builder builder(is_float ? Voxel_Type::FLOAT32 : Voxel_Type::FLOAT64, Byte_Order::LITTLE, values.size());
+    Level_Builder builder(is_float ? Voxel_Type::Float32 : Voxel_Type::Float64, Byte_Order::Little, values.size());
     std::vector<std::uint8_t> bytes(values.size() * sizeof(Value));
     std::memcpy(bytes.data(), values.data(), bytes.size());
     builder.Append(bytes);
@@ -102,7 +102,7 @@ TEST(Level_Builder, infinities_stay_outside_the_scale) {
 
 template <class Value>
 Volume Levels_Of_Type(Voxel_Type type, const std::vector<Value>& values) {
-    Level_Builder builder(type, Byte_Order::LITTLE, values.size());
+    Level_Builder builder(type, Byte_Order::Little, values.size());
     std::vector<std::uint8_t> bytes(values.size() * sizeof(Value));
     std::memcpy(bytes.data(), values.data(), bytes.size());
     builder.Append(bytes);
@@ -112,12 +112,12 @@ Volume Levels_Of_Type(Voxel_Type type, const std::vector<Value>& values) {
 }
 
 TEST(Level_Builder, a_mark_for_no_value_takes_nothing_from_the_others) {
-    const Volume of_int = Levels_Of_Type<std::int32_t>(Voxel_Type::INT32, {5, 2147483647, 9, -20, 2147483647});
+    const Volume of_int = Levels_Of_Type<std::int32_t>(Voxel_Type::Int32, {5, 2147483647, 9, -20, 2147483647});
     EXPECT_THAT(of_int.levels, ElementsAre(5, LEVEL_OUTSIDE, 9, -20, LEVEL_OUTSIDE));
     EXPECT_EQ(of_int.max_error, 0);
     EXPECT_EQ(of_int.level_max, 9);
     EXPECT_EQ(of_int.outlier_nb, 2U);
-    const Volume of_unsigned = Levels_Of_Type<std::uint32_t>(Voxel_Type::UINT32, {0, 5000000, 0xFFFFFFFFU, 17});
+    const Volume of_unsigned = Levels_Of_Type<std::uint32_t>(Voxel_Type::Uint32, {0, 5000000, 0xFFFFFFFFU, 17});
     EXPECT_THAT(of_unsigned.levels, ElementsAre(0, 5000000, LEVEL_OUTSIDE, 17));
     EXPECT_EQ(of_unsigned.max_error, 0);
     const Volume of_real = Levels_Of<double>({0.5, 1e300, 3, 0.25, -1e300, std::nan("")}, 2, 1);
@@ -135,7 +135,7 @@ TEST(Level_Builder, a_mark_for_no_value_takes_nothing_from_the_others) {
 }
 
 TEST(Level_Builder, values_that_keep_theirs_are_never_left_outside) {
-    const Volume volume = Levels_Of_Type<std::int32_t>(Voxel_Type::INT32, {5, 2147483645, 9, -2147483647});
+    const Volume volume = Levels_Of_Type<std::int32_t>(Voxel_Type::Int32, {5, 2147483645, 9, -2147483647});
     EXPECT_EQ(volume.outlier_nb, 0U);
     EXPECT_THAT(volume.levels, ElementsAre(5, 2147483645, 9, -2147483647));
 }
@@ -143,7 +143,7 @@ TEST(Level_Builder, values_that_keep_theirs_are_never_left_outside) {
 TEST(Level_Builder, marks_at_both_ends_of_a_wide_type_are_left_outside) {
     constexpr std::int64_t least = std::numeric_limits<std::int64_t>::min();
     constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
-    const Volume volume = Levels_Of_Type<std::int64_t>(Voxel_Type::INT64, {5, most, 9, least, -3});
+    const Volume volume = Levels_Of_Type<std::int64_t>(Voxel_Type::Int64, {5, most, 9, least, -3});
     EXPECT_THAT(volume.levels, ElementsAre(5, LEVEL_OUTSIDE, 9, LEVEL_OUTSIDE, -3));
     EXPECT_EQ(volume.outlier_nb, 2U);
 }

@@ -10,7 +10,7 @@ using namespace volumes;
 
 namespace {
 
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
 
 /** Every part's end values must come back within the error that the scale tells. */
 void Expect_True(const std::vector<Scaled_Part>& parts, const Level_Scale& scale) {
@@ -165,8 +165,10 @@ TEST(Level_Scale, values_of_32_bits_with_slopes_of_their_own) {
 }
 
 TEST(Level_Scale, a_part_of_an_absurd_slope_is_left_outside_and_told) {
-    const std::vector<Scaled_Part> parts = {
-        {1.5, 0, 0, 4000, 5000, 0}, {1.7, 0, 0, 4000, 5000, 0}, {1e290, 0, 7, 7, 5000, 0}, {nan, 0, 0, 9, 50, 0}};
+    const std::vector<Scaled_Part> parts = {{1.5, 0, 0, 4000, 5000, 0},
+                                            {1.7, 0, 0, 4000, 5000, 0},
+                                            {1e290, 0, 7, 7, 5000, 0},
+                                            {NOT_A_NUMBER, 0, 0, 9, 50, 0}};
     const Level_Scale scale = Level_Scale_Choose(parts);
     EXPECT_DOUBLE_EQ(scale.slope, 0.1);
     EXPECT_EQ(scale.outlier_nb, 5000U);
@@ -196,7 +198,7 @@ TEST(Level_Scale, falling_and_rising_slopes_meet) {
 }
 
 TEST(Level_Scale, no_usable_part_leaves_everything_outside) {
-    const std::vector<Scaled_Part> parts = {{nan, 0, 0, 10, 10, 0}};
+    const std::vector<Scaled_Part> parts = {{NOT_A_NUMBER, 0, 0, 10, 10, 0}};
     const Level_Scale scale = Level_Scale_Choose(parts);
     EXPECT_EQ(scale.nonfinite_nb, 10U);
     EXPECT_EQ(Level_Map(parts[0], scale).Level(0), LEVEL_OUTSIDE);

@@ -64,12 +64,12 @@ TEST(Nifti_Header, reads_every_field_of_both_versions_in_both_byte_orders) {
         bytes.srow = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
         const auto [header, error] = Decode(bytes);
         ASSERT_THAT(error, IsEmpty());
-        EXPECT_EQ(header.format, bytes.version == 2 ? Nifti_Format::NIFTI_2 : Nifti_Format::NIFTI_1);
-        EXPECT_EQ(header.order, bytes.big ? Byte_Order::BIG : Byte_Order::LITTLE);
+        EXPECT_EQ(header.format, bytes.version == 2 ? Nifti_Format::Nifti_2 : Nifti_Format::Nifti_1);
+        EXPECT_EQ(header.order, bytes.big ? Byte_Order::Big : Byte_Order::Little);
         EXPECT_TRUE(header.single_file);
         EXPECT_EQ(header.size, (std::array<std::int32_t, 4>{7, 8, 9, 6}));
         EXPECT_EQ(header.voxel_nb, 7U * 8U * 9U * 6U);
-        EXPECT_EQ(header.type, Voxel_Type::UINT16);
+        EXPECT_EQ(header.type, Voxel_Type::Uint16);
         EXPECT_EQ(header.voxel_offset, 560U);
         EXPECT_EQ(header.slope, 0.5);
         EXPECT_EQ(header.intercept, -3);
@@ -100,7 +100,7 @@ TEST(Nifti_Header, recognises_pairs_and_analyze) {
     bytes.pixdim = {0, 2, 3, 4, 0, 0, 0, 0};
     const auto [header, error] = Decode(bytes);
     ASSERT_THAT(error, IsEmpty());
-    EXPECT_EQ(header.format, Nifti_Format::ANALYZE);
+    EXPECT_EQ(header.format, Nifti_Format::Analyze);
     EXPECT_FALSE(header.single_file);
     EXPECT_EQ(header.slope, 1);
     EXPECT_EQ(header.geometry.pixdim[2], 3);
@@ -276,7 +276,7 @@ TEST(Nifti_Geometry, prefers_the_sform) {
         bytes.sform_code = 2;
         bytes.srow = {0, -3, 0, 10, 2, 0, 0, 20, 0, 0, 4, 30};
         const Volume volume = Geometry_Of(bytes);
-        EXPECT_EQ(volume.affine_source, Affine_Source::SFORM);
+        EXPECT_EQ(volume.affine_source, Affine_Source::Sform);
         Expect_Affine(volume.affine, bytes.srow);
         EXPECT_EQ(volume.spacing, (std::array<double, 3>{2, 3, 4}));
     }
@@ -308,7 +308,7 @@ TEST(Nifti_Geometry, takes_the_qform_when_the_sform_is_absent_or_unusable) {
     bytes.qoffset = {7, 8, 9};
     const std::array<double, 12> quarter_turn = {0, -3, 0, 7, 2, 0, 0, 8, 0, 0, 4, 9};
     Expect_Affine(Geometry_Of(bytes).affine, quarter_turn);
-    EXPECT_EQ(Geometry_Of(bytes).affine_source, Affine_Source::QFORM);
+    EXPECT_EQ(Geometry_Of(bytes).affine_source, Affine_Source::Qform);
     bytes.sform_code = 1;  // all zero: no volume at all
     Expect_Affine(Geometry_Of(bytes).affine, quarter_turn);
     bytes.srow = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, std::nan(""), 0};
@@ -339,7 +339,7 @@ TEST(Nifti_Geometry, falls_back_on_the_voxel_sizes) {
     Nifti_Bytes bytes;
     bytes.pixdim = {1, -2, 3, 0, 0, 0, 0, 0};
     const Volume volume = Geometry_Of(bytes);
-    EXPECT_EQ(volume.affine_source, Affine_Source::SPACING);
+    EXPECT_EQ(volume.affine_source, Affine_Source::Spacing);
     EXPECT_EQ(volume.spacing, (std::array<double, 3>{2, 3, 1}));
     Expect_Affine(volume.affine, {2, 0, 0, 0, 0, 3, 0, 0, 0, 0, 1, 0});
 }

@@ -125,7 +125,7 @@ TEST(Nifti_Reader_Damage, takes_no_memory_for_claims_that_the_file_does_not_keep
             bytes.version = version;
             bytes.dim = {3, 1000, 1000, 500, 1, 1, 1, 1};
             const Bytes file = compressed ? Gzip(bytes.File()) : bytes.File();
-            const Failing_Allocation watch(Failing_Allocation::never);
+            const Failing_Allocation watch(Failing_Allocation::NEVER);
             const Load_Result result = Load(file);
             EXPECT_EQ(result.error, "test.nii is truncated: 12 of 500,000,000 voxels present.");
             EXPECT_LT(watch.Largest(), fixed_buffers);

@@ -131,7 +131,7 @@ TEST(Nifti_Writer, writes_the_affine_of_a_volume_without_stored_fields) {
     ASSERT_THAT(result.error, IsEmpty());
     EXPECT_EQ(result.volume->affine, source.affine);
     EXPECT_EQ(result.volume->spacing, source.spacing);
-    EXPECT_EQ(result.volume->affine_source, Affine_Source::SFORM);
+    EXPECT_EQ(result.volume->affine_source, Affine_Source::Sform);
 }
 
 TEST(Nifti_Writer, writes_many_labels) {

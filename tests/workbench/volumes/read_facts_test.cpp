@@ -16,7 +16,7 @@ TEST(Read_Facts, the_page_tells_what_an_exact_volume_is) {
     volume.spacing = {2, 2, 2.5};
     volume.scalar_type = "int16";
     volume.encoding = "NIfTI-1, little-endian";
-    volume.affine_source = Affine_Source::SFORM;
+    volume.affine_source = Affine_Source::Sform;
     volume.stored.sform_code = 4;
     volume.affine = {{{-2, 0, 0, 90}, {0, 2, 0, -126}, {0, 0, 2.5, -72}}};
     EXPECT_EQ(Read_Facts_Text("head.nii", volume, {}, ""),
@@ -73,7 +73,7 @@ TEST(Read_Facts, an_orientation_that_no_file_tells_is_not_made_up) {
     volume.stored.present = true;
     EXPECT_NE(Read_Facts_Text("a", volume, {}, "").find("Orientation: not known"), std::string::npos);
     volume.stored.present = false;
-    volume.affine_source = Affine_Source::QFORM;
+    volume.affine_source = Affine_Source::Qform;
     EXPECT_NE(Read_Facts_Text("a", volume, {}, "").find("Orientation: positions and directions in the files"),
               std::string::npos);
 }

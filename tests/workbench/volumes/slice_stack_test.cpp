@@ -51,7 +51,7 @@ TEST(Slice_Stack, puts_slices_in_order_along_their_normal) {
     const Stack_Plan plan = Slices_Stack(Column({6, 2, 4}));
     ASSERT_THAT(plan.stacks, SizeIs(1));
     EXPECT_THAT(plan.warnings, IsEmpty());
-    EXPECT_EQ(plan.stacks[0].kind, Kind::REGULAR);
+    EXPECT_EQ(plan.stacks[0].kind, Kind::Regular);
     EXPECT_THAT(plan.stacks[0].order, ElementsAre(1, 2, 0));
     EXPECT_EQ(plan.stacks[0].distance, 2);
     EXPECT_THAT(plan.stacks[0].step, ElementsAre(0, 0, 2));
@@ -75,11 +75,11 @@ TEST(Slice_Stack, keeps_the_tilt_and_tells_its_angle) {
     }
     const Stack_Plan plan = Slices_Stack(slices);
     ASSERT_THAT(plan.stacks, SizeIs(1));
-    EXPECT_EQ(plan.stacks[0].kind, Kind::TILTED);
+    EXPECT_EQ(plan.stacks[0].kind, Kind::Tilted);
     EXPECT_THAT(plan.stacks[0].step, ElementsAre(0, 3, 3));
     EXPECT_EQ(plan.stacks[0].distance, 3);
     EXPECT_EQ(plan.stacks[0].error, 0);
-    ASSERT_THAT(Kinds(plan), ElementsAre(Warned::TILTED));
+    ASSERT_THAT(Kinds(plan), ElementsAre(Warned::Tilted));
     EXPECT_NEAR(plan.warnings[0].amount, 45, 1e-9);
     EXPECT_THAT(Stack_Warning_Text(plan.warnings[0], false),
                 HasSubstr("begins a stack of slices tilted by 45 degrees"));
@@ -87,8 +87,8 @@ TEST(Slice_Stack, keeps_the_tilt_and_tells_its_angle) {
 
 TEST(Slice_Stack, tells_which_slice_lies_furthest_off_an_even_grid) {
     const Stack_Plan plan = Slices_Stack(Column({0, 1, 2, 4}));
-    EXPECT_EQ(plan.stacks[0].kind, Kind::UNEVEN);
-    ASSERT_THAT(Kinds(plan), ElementsAre(Warned::UNEVEN));
+    EXPECT_EQ(plan.stacks[0].kind, Kind::Uneven);
+    ASSERT_THAT(Kinds(plan), ElementsAre(Warned::Uneven));
     EXPECT_EQ(plan.warnings[0].slice, 2);
     EXPECT_NEAR(plan.warnings[0].amount, 2.0 / 3, 1e-12);
     EXPECT_EQ(Stack_Warning_Text(plan.warnings[0], true),
@@ -102,8 +102,8 @@ TEST(Slice_Stack, tells_of_slices_beside_the_line) {
         slices[static_cast<std::size_t>(at)].place.corner[0] = at * (4 - at) * 0.1;
     }
     const Stack_Plan plan = Slices_Stack(slices);
-    EXPECT_EQ(plan.stacks[0].kind, Kind::UNEVEN);
-    ASSERT_THAT(Kinds(plan), ElementsAre(Warned::CURVED));
+    EXPECT_EQ(plan.stacks[0].kind, Kind::Uneven);
+    ASSERT_THAT(Kinds(plan), ElementsAre(Warned::Curved));
     EXPECT_EQ(plan.warnings[0].slice, 2);
     EXPECT_NEAR(plan.warnings[0].amount, 0.4, 1e-12);
     for (Stack_Slice& slice : slices) {
@@ -119,7 +119,7 @@ TEST(Slice_Stack, keeps_slices_together_that_are_turned_by_parts_of_a_pixel) {
     EXPECT_THAT(Slices_Stack(slices).warnings, IsEmpty());
     slices[1] = Turned(slices[1], 0.2);
     EXPECT_THAT(Slices_Stack(slices).stacks, SizeIs(1));
-    EXPECT_THAT(Kinds(Slices_Stack(slices)), ElementsAre(Warned::TURNED));
+    EXPECT_THAT(Kinds(Slices_Stack(slices)), ElementsAre(Warned::Turned));
     slices[1] = Turned(slices[1], 0.5);
     EXPECT_THAT(Slices_Stack(slices).stacks, SizeIs(2));
 }
@@ -165,7 +165,7 @@ TEST(Slice_Stack, tells_when_the_order_of_times_is_a_guess) {
     const Stack_Plan plan = Slices_Stack(Column({0, 1, 0, 1}));
     EXPECT_EQ(plan.stacks[0].nt, 2);
     EXPECT_THAT(plan.stacks[0].order, ElementsAre(0, 1, 2, 3));
-    EXPECT_THAT(Kinds(plan), ElementsAre(Warned::TIME_GUESSED));
+    EXPECT_THAT(Kinds(plan), ElementsAre(Warned::Time_Guessed));
     EXPECT_THAT(Stack_Warning_Text(plan.warnings[0], false), HasSubstr("does not say which is earlier"));
 }
 
@@ -173,10 +173,10 @@ TEST(Slice_Stack, shows_a_place_that_came_twice_in_a_stack_of_its_own) {
     const Stack_Plan plan = Slices_Stack(Column({3, 2, 2, 1}));
     ASSERT_THAT(plan.stacks, SizeIs(2));
     EXPECT_THAT(plan.stacks[0].order, ElementsAre(3, 1, 0));
-    EXPECT_EQ(plan.stacks[0].kind, Kind::REGULAR);
+    EXPECT_EQ(plan.stacks[0].kind, Kind::Regular);
     EXPECT_THAT(plan.stacks[0].step, ElementsAre(0, 0, 1));
     EXPECT_THAT(plan.stacks[1].order, ElementsAre(2));
-    ASSERT_THAT(Kinds(plan), ElementsAre(Warned::UNEQUAL));
+    ASSERT_THAT(Kinds(plan), ElementsAre(Warned::Unequal));
     EXPECT_EQ(plan.warnings[0].slice, 2);
     EXPECT_THAT(Stack_Warning_Text(plan.warnings[0], false), HasSubstr("do not occur equally often: it is shown as 2"));
 }
@@ -195,7 +195,7 @@ TEST(Slice_Stack, keeps_times_apart_when_one_lacks_a_slice) {
     EXPECT_EQ(plan.stacks[0].nt, 2);
     EXPECT_THAT(plan.stacks[0].order, ElementsAre(0, 1, 2, 3, 7, 8, 9, 10));
     EXPECT_THAT(plan.stacks[1].order, ElementsAre(4, 5, 6));
-    EXPECT_THAT(Kinds(plan), ElementsAre(Warned::UNEQUAL, Warned::UNEVEN));
+    EXPECT_THAT(Kinds(plan), ElementsAre(Warned::Unequal, Warned::Uneven));
 }
 
 TEST(Slice_Stack, takes_times_of_one_place_apart_however_little_they_differ) {
@@ -213,9 +213,9 @@ TEST(Slice_Stack, shows_a_fan_of_slices_one_after_the_other) {
     }
     const Stack_Plan plan = Slices_Stack(slices);
     ASSERT_THAT(plan.stacks, SizeIs(1));
-    EXPECT_EQ(plan.stacks[0].kind, Kind::SCATTERED);
+    EXPECT_EQ(plan.stacks[0].kind, Kind::Scattered);
     EXPECT_EQ(plan.stacks[0].nz, 40);
-    ASSERT_THAT(Kinds(plan), ElementsAre(Warned::SCATTERED));
+    ASSERT_THAT(Kinds(plan), ElementsAre(Warned::Scattered));
     EXPECT_THAT(Stack_Warning_Text(plan.warnings[0], true), HasSubstr("in 40 directions"));
 }
 

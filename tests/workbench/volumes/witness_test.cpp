@@ -120,7 +120,7 @@ void Volume_Compare(const Volume& volume, const Expected_Volume& expected, const
     const std::array<std::int32_t, 3> size = {volume.nx, volume.ny, volume.nz};
     ASSERT_EQ(size, expected.size);
     const std::map<std::string, Affine_Source> sources = {
-        {"sform", Affine_Source::SFORM}, {"qform", Affine_Source::QFORM}, {"spacing", Affine_Source::SPACING}};
+        {"sform", Affine_Source::Sform}, {"qform", Affine_Source::Qform}, {"spacing", Affine_Source::Spacing}};
     EXPECT_EQ(volume.affine_source, sources.at(expected.source));
     for (std::size_t at = 0; at < expected.affine.size(); ++at) {
         const double wanted = expected.affine[at];
