@@ -65,6 +65,7 @@ Application::Application(const Command_Line& command_line)
     classes.emplace();
     class_history.Begin(classes->Root_1D(), classes->Root_3D());
     Adopt_Names();
+    Listen();
     propagate_panel.Set(&Application::Propagation_Function);
     Message_Receiver_Add([](void* context, HWND, int level,
                             const char* text) { static_cast<Application*>(context)->On_Message(level, text); },
@@ -122,8 +123,7 @@ bool Application::Start(int show) {
     }
     Settings_Apply();
     Accessible_Names();
-    Title_Refresh();
-    Notes_Refresh();
+    hub.Note({Change::Mode, Change::Saved});  // notes and title as they are at first
     ::ShowWindow(window.Handle(),
                  settings.Now().window.is_maximized && show == SW_SHOWNORMAL ? SW_SHOWMAXIMIZED : show);
     ::UpdateWindow(window.Handle());
@@ -141,6 +141,7 @@ bool Application::Start(int show) {
         }
         Open_Paths(paths);
     }
+    Deliver();
     report.Line("ready");
     return true;
 }
@@ -166,7 +167,7 @@ void Application::Add_Panels() {
         // A press beside the magnification's thumb changes it without painting the plot.
         hosted_histogram.Scale_Note();
         if (is_used != 0) {
-            Announce(UPDATE_HISTO_PAINT);
+            hub.Ask(UPDATE_HISTO_PAINT);
             Enlarged_Icon_Give();
         }
     });
@@ -191,12 +192,14 @@ int Application::Run() {
         };
         if (database.Key_Message(message) || Enlarged_Key_Dispatch(message) ||
             Global_Key_Dispatch(message, window.Handle(), take)) {
+            Deliver();
             continue;
         }
         if (!Enlarged_Wheel_Dispatch(message, settings.Now().is_wheel_turned)) {
             ::TranslateMessage(&message);
             ::DispatchMessageW(&message);
         }
+        Deliver();
         Contract_Check();
         Recovery_Look_If_Late();
     }
@@ -241,28 +244,70 @@ void Application::Lay_Out() {
     database.Place({right, banner_height, client.right, bottom});
 }
 
-void Application::Announce(unsigned __int64 flags) {
-    Contract_Check_Update(flags);
-    delivery.Announce(flags, [this](unsigned long long delivered) {
-        tool_area.Update(delivered);
-        database.Update(delivered);
-        After_Update(delivered);
+void Application::Listen() {
+    using Stage = Change_Hub::Stage;
+    hub.Listen(Stage::Derived, [this](Told_Changes& told) { Derive(told); });
+    hub.Listen(Stage::Panels, [this](Told_Changes& told) {
+        if (told.panel_flags != 0) {
+            Contract_Check_Update(told.panel_flags);
+            tool_area.Update(told.panel_flags);
+            database.Update(told.panel_flags);
+        }
+    });
+    hub.Listen(Stage::Views, [this](Told_Changes& told) { Show_Changes(told.changes); });
+    hub.Listen(Stage::Report, [this](Told_Changes& told) {
+        rounds_told += told.changes.Is_Within({Change::Mouse, Change::Stroke}) ? 0 : 1;
     });
 }
 
-void Application::After_Update(unsigned __int64 flags) {
-    if (Has_Any(flags, UPDATE_TAG_ENABLE | UPDATE_TAG_TABLE | UPDATE_FRAME_CUR | UPDATE_TAG_LABEL | UPDATE_ALL) ||
-        ((is_threshold_mode || is_range_shown) && Has_Any(flags, UPDATE_TAG_CUR))) {
-        image.Refresh();
+void Application::Deliver() {
+    if (window.Handle() == nullptr) {
+        return;  // the last message has taken it away
     }
-    if (Has_Any(flags, UPDATE_BRUSH | UPDATE_ALL)) {
-        image.Brush_Set(variables.Brush());
+    try {
+        hub.Deliver();
+    } catch (const std::exception& failure) {
+        Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 Not everything was shown: %s", failure.what());
     }
-    if (!Has_Any(flags, UPDATE_MOUSE_FRAME)) {
-        Notes_Refresh();
-        Voxel_Refresh();
-        analysis.Source_Refresh();
+}
+
+void Application::Derive(Told_Changes& told) {
+    if (told.changes.Has_Any({Change::Markers, Change::Volume, Change::Opened})) {
+        Markers_Enable_Refresh();
     }
+    if (told.changes.Has_Any({Change::Bands, Change::Tag_Nb, Change::Volume, Change::Opened})) {
+        Histogram_Ranges_Refresh();
+    }
+    if (told.changes.Has(Change::Position) && is_histogram_of_shown) {
+        Histogram_Select();
+        Add_To(told, Change::Selection);
+    }
+    const bool is_other_tag = is_histogram_of_tag && told.changes.Has_Any({Change::Pixels, Change::Current_Tag});
+    if (session.Has_Volume() && (is_other_tag || told.changes.Has(Change::Counting))) {
+        objects.Histograms_Build(session, Histogram_Counted());
+        Add_To(told, Change::Counted);
+    }
+}
+
+void Application::Show_Changes(Changes changes) {
+    const auto show = [changes](Shown shown, const auto& action) {
+        if (Is_Shown_In(shown, changes)) {
+            action();
+        }
+    };
+    show(Shown::Image, [this] { image.Refresh(); });
+    show(Shown::Brush_Outline, [this] { image.Brush_Set(variables.Brush()); });
+    if (changes.Has_Any({Change::Selection, Change::Volume, Change::Opened})) {
+        Histogram_Scale_Suggest();
+    }
+    if (changes.Has(Change::Colors)) {
+        Tag_Scroll_To(variables.Tag_Cur());  // the buttons were made anew
+    }
+    show(Shown::Notes, [this] { Notes_Show(); });
+    show(Shown::Title, [this] { Title_Show(); });
+    show(Shown::Voxel, [this] { Voxel_Show(); });
+    show(Shown::Color_Advice, [this] { color_advisor.Slice_Look(); });
+    show(Shown::Peak_Source, [this] { analysis.Source_Refresh(); });
 }
 
 void Application::On_Panel_Request(unsigned __int64 flags) {
@@ -270,34 +315,30 @@ void Application::On_Panel_Request(unsigned __int64 flags) {
         database_flags |= flags;
         return;
     }
+    hub.Ask(flags);
     if (Has_Any(flags, UPDATE_TAG_LABEL)) {
-        // A panel has written a name or a threshold: that is a step of the user's work.
-        int steps = session.Note_Labels(Text_Table::Tag_Labels, variables.Tag_Labels());
-        steps += session.Note_Labels(Text_Table::Marker_Labels, variables.Marker_Labels());
-        steps += session.Note_Thresholds(variables.Threshold_Min(), variables.Threshold_Max());
-        Histogram_Ranges_Refresh();
-        flags |= steps != 0 ? UPDATE_HISTO_PAINT : 0;
-        Title_Refresh();
+        Labels_Note();
     }
-    Announce(flags);
+}
+
+void Application::Labels_Note() {
+    const int names = session.Note_Labels(Text_Table::Tag_Labels, variables.Tag_Labels()) +
+                      session.Note_Labels(Text_Table::Marker_Labels, variables.Marker_Labels());
+    const int bands = session.Note_Thresholds(variables.Threshold_Min(), variables.Threshold_Max());
+    hub.Note((names != 0 ? Changes(Change::Texts) : Changes()) | (bands != 0 ? Changes(Change::Bands) : Changes()));
 }
 
 void Application::On_Redraw() {
-    is_redraw_asked = true;
-    if (database_events == 0) {
-        image.Refresh();
-    }
+    hub.Note(Change::View);
 }
 
 void Application::On_Change_Child(Quorel_2D* new_frame) {
     if (database_events > 0) {
         database_frame = new_frame;
-        return;
-    }
-    if (objects.Slice_Of(new_frame) >= 0) {
-        Slice_Show(objects.Slice_Of(new_frame), true);
-    } else if (const unsigned __int64 flags = Frame_Follow(new_frame); flags != 0) {
-        Announce(flags);
+    } else if (objects.Slice_Of(new_frame) >= 0) {
+        Slice_Show(objects.Slice_Of(new_frame));
+    } else {
+        Frame_Follow(new_frame);
     }
 }
 
@@ -324,7 +365,7 @@ void Application::Warn(std::string_view utf8, Warning_Subject subject) {
     banner.Add_Text(Wide_Of_Utf8(utf8), subject);
 }
 
-void Application::Notes_Refresh() {
+void Application::Notes_Show() {
     const int tag = variables.Tag_Cur();
     const auto at = static_cast<std::size_t>(tag);
     std::wstring note = Wide_Of_Panel(variables.Tag_Name(tag).c_str());
@@ -344,10 +385,9 @@ void Application::Notes_Refresh() {
     const std::string unit = panel_scale.Text();
     const std::wstring frames = Wide_Of_Utf8(counted + (unit.empty() ? "" : "   levels " + unit));
     tool_area.Note_Set(histogram_host, session.Has_Volume() ? frames : L"");
-    color_advisor.Slice_Look();
 }
 
-void Application::Title_Refresh() {
+void Application::Title_Show() {
     Changes_Note();
     std::wstring title = L"Workbench";
     if (session.Has_Volume()) {
@@ -355,7 +395,6 @@ void Application::Title_Refresh() {
             Wide_Of_Utf8(volumes.Facts(volumes.Current()).title) + (session.Is_Unsaved() ? L"* - " : L" - ") + title;
     }
     ::SetWindowTextW(window.Handle(), title.c_str());
-    color_advisor.Slice_Look();
 }
 
 void Application::Look_Changed() {

@@ -28,6 +28,7 @@
 #include "workbench/list_window.h"
 #include "workbench/main_window.h"
 #include "workbench/menu_bar.h"
+#include "workbench/model/change_hub.h"
 #include "workbench/model/command_line.h"
 #include "workbench/model/display_window.h"
 #include "workbench/model/open_volumes.h"
@@ -36,7 +37,6 @@
 #include "workbench/model/recovery_keeper.h"
 #include "workbench/model/recovery_recorder.h"
 #include "workbench/model/session.h"
-#include "workbench/model/update_delivery.h"
 #include "workbench/parts/color_advisor.h"
 #include "workbench/parts/focus.h"
 #include "workbench/parts/settings_keeper.h"
@@ -85,6 +85,7 @@ class Application : public Image_User,
     bool May_Close() override;
     void Dpi_Changed(int dpi) override;
     void Files_Dropped(const std::wstring& path) override;
+    void Deliver() override;
 
     // What the image view tells (Image_User).
     Image_Content Content() const override;
@@ -210,17 +211,21 @@ class Application : public Image_User,
     // application.cpp
     void Add_Panels();
     void Contract_Check();
-    /** Tells every panel and the views what changed, at once. */
-    void Announce(unsigned __int64 flags);
-    void After_Update(unsigned __int64 flags);
+    /** Who is told of changes, in which order. */
+    void Listen();
+    /** Makes data anew that are made of what has changed. */
+    void Derive(Told_Changes& told);
+    void Show_Changes(Changes changes);
     void On_Panel_Request(unsigned __int64 flags);
+    /** Makes steps of the names and thresholds that differ from those known. */
+    void Labels_Note();
     void On_Change_Child(Quorel_2D* new_frame);
     void On_Redraw();
     void On_Message(int level, const char* text);
     void Status(const std::wstring& text);
     void Warn(std::string_view utf8, Warning_Subject subject = Warning_Subject::Other);
-    void Notes_Refresh();
-    void Title_Refresh();
+    void Notes_Show();
+    void Title_Show();
     void Look_Changed();
 
     // application_report.cpp
@@ -260,7 +265,7 @@ class Application : public Image_User,
     // application_files.cpp
     std::optional<volumes::Load_Result> Load_With_Progress(const std::filesystem::path& path);
     enum class Save_Outcome { Saved, Not_Saved, Load_Theirs };
-    /** Asks where there is doubt about the file. Load_Theirs: the user prefers what another program has written. */
+    /** Asks where there is doubt about the file. LOAD_THEIRS: the user prefers what another program has written. */
     Save_Outcome Save_Labels_Asking(bool ask_for_name);
     /** @param is_chosen the user has just agreed that the file is replaced @return no value: save under another name */
     std::optional<Save_Outcome> Save_Doubts_Ask(const std::filesystem::path& path, bool is_chosen);
@@ -320,14 +325,14 @@ class Application : public Image_User,
                       std::vector<volumes::Volume_Statistics>&& numbers, std::vector<Slice_Frames>&& frames);
     /** Name and size of the current volume. */
     std::wstring Volume_Text() const;
-    /** Takes over what belongs to the volume that became the current one; tells no panel. */
+    /** Takes over what belongs to the volume that became the current one. */
     void Volume_Adopt();
-    /** Makes another volume the current one; tells no panel. @return false: it is so already, or there is none */
+    /** Makes another volume the current one. @return false: it is so already, or there is none */
     bool Volume_Set(int wanted);
     /** Goes to another volume and makes the histogram of all its frames. */
     void Volume_Go(int wanted);
-    /** Shows a frame of whatever volume. @return what the panels are to be told */
-    unsigned __int64 Frame_Follow(const Quorel_2D* frame);
+    /** Shows a frame of whatever volume. */
+    void Frame_Follow(const Quorel_2D* frame);
 
     // application_tags.cpp
     void Tag_Set(int tag, bool scroll_to_it);
@@ -343,15 +348,13 @@ class Application : public Image_User,
     /** Takes steps back, or does them again, until so many are in force. @return title of the last; empty: none */
     std::string Steps_Walk(std::size_t wanted);
     /** Writes what a step holds besides voxels and markers where the panels read it.
-     *  @param slice_of_step receives where the step is seen @return what the panels are to be told */
-    unsigned __int64 Step_Show(const Undo_Step& done, bool redo, int& slice_of_step);
+     *  @param slice_of_step receives where the step is seen */
+    void Step_Show(const Undo_Step& done, bool redo, int& slice_of_step);
 
     // application_histogram.cpp
     void Histogram_Ranges_Refresh();
     void Histogram_Select();
     void Histogram_Selection_Set(int first, int last, bool follows_slice);
-    void Histogram_Tag_Refresh();
-    void Histograms_Refresh();
     std::wstring Histogram_Text() const;
     /** Magnifies so that one overfull bin, as the air around a head makes, does not flatten the rest; not when the user
      *  has chosen a magnification. */
@@ -380,12 +383,12 @@ class Application : public Image_User,
     void Selection_Taken();
 
     // application_image.cpp
-    void Slice_Show(int wanted, bool tell_panels);
+    void Slice_Show(int wanted);
     std::vector<volumes::Display_Window> Windows() const;
     Tag_Overlay Overlay_Now() const;
     Paint_Ink Ink(bool erase);
     /** Tells of the pixel under the mouse as it is now. */
-    void Voxel_Refresh();
+    void Voxel_Show();
 
     // application_propagation.cpp
     /** The application that runs; null: none. */
@@ -414,7 +417,8 @@ class Application : public Image_User,
     std::optional<Class_Objects> classes;
     Class_History class_history;
     std::string class_problem;  // why the journal was not saved, as the user was told
-    Update_Delivery delivery;
+    Change_Hub hub{[this] { window.Deliver_Soon(); }};
+    int rounds_told = 0;  // but for what follows the mouse
 
     Tool_Tag tag_panel;
     Tool_Marker marker_panel;
@@ -481,7 +485,6 @@ class Application : public Image_User,
     int database_events = 0;              // running events of database panels
     unsigned __int64 database_flags = 0;  // what they have asked for
     Quorel_2D* database_frame = nullptr;
-    bool is_redraw_asked = false;
 };
 
 }  // namespace workbench

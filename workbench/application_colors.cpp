@@ -46,10 +46,7 @@ Color_Host Application::Color_Services() {
             variables.Tag_Color_Set(tag, wanted[static_cast<std::size_t>(tag)]);
         }
         session.Note_Colors(variables.Tag_Colors());
-        Title_Refresh();
-        Announce(UPDATE_TAG_TABLE);
-        Tag_Scroll_To(variables.Tag_Cur());
-        image.Refresh();
+        hub.Note(Change::Colors);
     };
     services.ask = [this](const std::string& text, const std::vector<std::string>& choices) {
         std::vector<std::wstring> buttons;

@@ -40,12 +40,12 @@ void Application::Zoom_Step(int step) {
 
 void Application::Overlay_Set(bool on) {
     is_overlay_shown = on;
-    image.Refresh();
+    hub.Note(Change::View);
 }
 
 void Application::Range_Overlay_Set(bool on) {
     is_range_shown = on;
-    image.Refresh();
+    hub.Note(Change::View);
 }
 
 void Application::Trace_Show(bool shown) {

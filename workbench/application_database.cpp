@@ -80,7 +80,7 @@ void Application::Database_Run(const std::function<void()>& event) {
         return;
     }
     Quorel_2D* frame = std::exchange(database_frame, nullptr);
-    unsigned __int64 flags = std::exchange(database_flags, 0);
+    const unsigned __int64 flags = std::exchange(database_flags, 0);
     if (Has_Any(flags, UPDATE_STRUCTURE)) {
         Class_Changes_Note();
     }
@@ -88,17 +88,8 @@ void Application::Database_Run(const std::function<void()>& event) {
         Selection_Taken();
         frame = frame != nullptr ? frame : objects.Selected_Frame();  // the file view asks for no frame
     }
-    const int volume_before = volumes.Current();
-    flags |= Frame_Follow(frame);
-    if (flags != 0) {
-        On_Panel_Request(flags);
-    }
-    if (volume_before != volumes.Current() || Has_Any(flags, UPDATE_SELECTION)) {
-        Histogram_Scale_Suggest();
-    }
-    if (std::exchange(is_redraw_asked, false)) {
-        image.Refresh();
-    }
+    Frame_Follow(frame);
+    On_Panel_Request(flags);
 }
 
 void Application::Selection_Taken() {
@@ -142,7 +133,7 @@ void Application::Class_Undo_Or_Redo(bool redo) {
         return;
     }
     constexpr unsigned __int64 level[CLASS_KIND_NB] = {UPDATE_LEVEL_1D, UPDATE_LEVEL_2D, UPDATE_LEVEL_3D};
-    Announce(UPDATE_STRUCTURE | level[static_cast<std::size_t>(step->kind)]);
+    hub.Ask(UPDATE_STRUCTURE | level[static_cast<std::size_t>(step->kind)]);
     Status((redo ? L"Class trees, done again: " : L"Class trees, undone: ") + Wide_Of_Utf8(step->title));
     Class_Changes_Save();
 }

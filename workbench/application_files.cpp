@@ -148,7 +148,7 @@ Application::Save_Outcome Application::Save_Labels_Asking(bool ask_for_name) {
             Warn(sentence);
         }
     }
-    Title_Refresh();
+    hub.Note(Change::Saved);
     if (!error.empty()) {
         return Save_Outcome::Not_Saved;
     }
@@ -190,7 +190,7 @@ bool Application::Ask_Unsaved() {
         outcome = Save_Labels_Asking(false);
     }
     volumes.Switch(shown, session);
-    Title_Refresh();
+    hub.Note(Change::Saved);
     if (outcome == Save_Outcome::Load_Theirs) {
         Volume_Go(last);
         Load_Labels(session.Label_Path());

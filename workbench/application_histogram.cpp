@@ -64,12 +64,12 @@ Histogram_Frames Application::Histogram_Frames_Now() const {
 
 void Application::Histogram_Of_Tag_Set(bool on) {
     is_histogram_of_tag = on;
-    Histograms_Refresh();
+    hub.Note(Change::Counting);
 }
 
 void Application::Histogram_Smoothed_Set(bool on) {
     is_histogram_smoothed = on;
-    Histograms_Refresh();
+    hub.Note(Change::Counting);
 }
 
 void Application::Histogram_Scale_Step(int step) {
@@ -124,9 +124,8 @@ void Application::Histogram_Selection_Set(int first, int last, bool follows_slic
     is_histogram_of_shown = follows_slice;
     is_histogram_of_checked = false;
     Histogram_Select();
-    Announce(UPDATE_SELECTION | UPDATE_LEVEL_2D | UPDATE_HISTO_PAINT);
-    Histogram_Scale_Suggest();
-    Status(Histogram_Text());
+    hub.Note(Change::Selection);
+    hub.Then([this] { Status(Histogram_Text()); });
 }
 
 void Application::Histogram_Range_Ask() {
@@ -158,7 +157,7 @@ void Application::Histogram_Bins_Ask() {
     }
     Variable_Set("$GLI_HISTO_BINS_MAX", static_cast<double>(std::clamp<long>(std::wcstol(answer->c_str(), nullptr, 10),
                                                                              BINS_LEAST, BINS_MOST)));
-    Announce(UPDATE_HISTO_DATA | UPDATE_HISTO_PAINT);
+    hub.Note(Change::Counted);
 }
 
 void Application::Histogram_Component_Next() {
@@ -167,28 +166,13 @@ void Application::Histogram_Component_Next() {
         L"the three components, cursor by blue", L"all components, cursor by luminance"};
     const int next = (static_cast<int>(Variable_Number("$GLI_COLOR_COMPONENT", 0)) + 1) % 5;
     Variable_Set("$GLI_COLOR_COMPONENT", next);
-    Announce(UPDATE_COLOR_COMPONENT);
+    hub.Note(Change::Component);
     Status(std::wstring(L"The histogram of colour images shows ") + names[next]);
-}
-
-void Application::Histogram_Tag_Refresh() {
-    if (is_histogram_of_tag) {
-        return Histograms_Refresh();
-    }
-    Notes_Refresh();
 }
 
 Counted_Pixels Application::Histogram_Counted() const {
     return {is_histogram_of_tag ? variables.Tag_Cur() : -1, is_histogram_smoothed,
             is_background_left_out ? background : std::nullopt};
-}
-
-void Application::Histograms_Refresh() {
-    if (session.Has_Volume()) {
-        objects.Histograms_Build(session, Histogram_Counted());
-        Announce(UPDATE_HISTO_DATA | UPDATE_HISTO_PAINT);
-    }
-    Notes_Refresh();
 }
 
 std::string Application::Histogram_Source() const {
@@ -234,8 +218,8 @@ void Application::Background_Leave_Out(bool on) {
         return Status(L"This image has no background to leave out");
     }
     is_background_left_out = on;
-    Histograms_Refresh();
-    Histogram_Scale_Suggest();
+    hub.Note(Change::Counting);
+    hub.Then([this] { Histogram_Scale_Suggest(); });
     Status(on ? L"What surrounds the image, up to grey " + Wide_Of_Utf8(Number_Text(*background, LEVEL_DIGITS)) +
                     L", is left out"
               : L"All pixels are counted");
@@ -302,7 +286,7 @@ void Application::Histogram_Ranges_Refresh() {
 }
 
 void Application::Peaks_Changed() {
-    Announce(UPDATE_HISTO_PAINT);
+    hub.Note(Change::Peaks);
     const std::size_t found = analysis.Table().rows.size();
     Status(found == 0   ? L"No peaks were found"
            : found == 1 ? L"One peak was found"
@@ -343,7 +327,7 @@ void Application::Bands_Take(const std::vector<Peak_Row>& peaks) {
             ++count;
         }
     }
-    On_Panel_Request(UPDATE_TAG_LABEL);
+    Labels_Note();
     Status(count == 1 ? L"One TAG band was set from the peaks"
                       : std::to_wstring(count) + L" TAG bands were set from the peaks");
 }

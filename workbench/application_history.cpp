@@ -7,12 +7,11 @@
 
 namespace workbench {
 
-unsigned __int64 Application::Step_Show(const Undo_Step& done, bool redo, int& slice_of_step) {
+void Application::Step_Show(const Undo_Step& done, bool redo, int& slice_of_step) {
     if (const auto* voxels = std::get_if<Voxel_Change>(&done.change)) {
         slice_of_step = Slice_Nearest(*voxels, slice_of_step);
-        return 0;
-    }
-    if (const auto* text = std::get_if<Text_Change>(&done.change)) {
+        hub.Note(Change::Pixels);
+    } else if (const auto* text = std::get_if<Text_Change>(&done.change)) {
         const std::optional<std::string>& value = redo ? text->after : text->before;
         const char* label = value ? value->c_str() : nullptr;
         if (text->table == Text_Table::Tag_Labels) {
@@ -20,35 +19,29 @@ unsigned __int64 Application::Step_Show(const Undo_Step& done, bool redo, int& s
         } else {
             variables.Marker_Label_Set(text->index, label);
         }
-        return UPDATE_TAG_LABEL;
-    }
-    if (const auto* thresholds = std::get_if<Threshold_Change>(&done.change)) {
+        hub.Note(Change::Texts);
+    } else if (const auto* thresholds = std::get_if<Threshold_Change>(&done.change)) {
         for (const Threshold_Change::Entry& entry : thresholds->entries) {
             const Tag_Band& band = redo ? entry.after : entry.before;
             variables.Threshold_Min()[static_cast<std::size_t>(entry.tag)] = band.low;
             variables.Threshold_Max()[static_cast<std::size_t>(entry.tag)] = band.high;
         }
-        return UPDATE_TAG_LABEL | UPDATE_HISTO_PAINT;
-    }
-    if (const auto* colors = std::get_if<Color_Change>(&done.change)) {
+        hub.Note(Change::Bands);
+    } else if (const auto* colors = std::get_if<Color_Change>(&done.change)) {
         for (const Color_Change::Entry& entry : colors->entries) {
             variables.Tag_Color_Set(entry.tag, redo ? entry.after : entry.before);
         }
-        return UPDATE_TAG_TABLE;
-    }
-    if (const auto* marker = std::get_if<Marker_Change>(&done.change)) {
+        hub.Note(Change::Colors);
+    } else if (const auto* marker = std::get_if<Marker_Change>(&done.change)) {
         const Marker& place = redo ? marker->after : marker->before;
         slice_of_step = place.is_placed ? place.slice : slice_of_step;
-        return UPDATE_TAG_ENABLE;
+        hub.Note(Change::Markers);
     }
-    return 0;
 }
 
 std::string Application::Steps_Walk(std::size_t wanted) {
-    unsigned __int64 flags = 0;
     int slice_of_step = slice;
     std::string last;
-    bool is_painted = false;
     while (session.Journal().Undo_Nb() != wanted) {
         const bool redo = session.Journal().Undo_Nb() < wanted;
         const Undo_Step* step = redo ? session.Redo() : session.Undo();
@@ -56,26 +49,11 @@ std::string Application::Steps_Walk(std::size_t wanted) {
             break;
         }
         last = step->title;
-        is_painted = is_painted || std::holds_alternative<Voxel_Change>(step->change);
-        flags |= Step_Show(*step, redo, slice_of_step);
+        Step_Show(*step, redo, slice_of_step);
     }
-    if (last.empty()) {
-        return last;
+    if (!last.empty()) {
+        Slice_Show(slice_of_step);
     }
-    Markers_Enable_Refresh();
-    if (Has_Any(flags, UPDATE_HISTO_PAINT)) {
-        Histogram_Ranges_Refresh();
-    }
-    Slice_Show(slice_of_step, true);
-    if (is_painted) {
-        Histogram_Tag_Refresh();
-    }
-    Announce(flags);
-    if (Has_Any(flags, UPDATE_TAG_TABLE)) {
-        Tag_Scroll_To(variables.Tag_Cur());
-    }
-    image.Refresh();
-    Title_Refresh();
     return last;
 }
 

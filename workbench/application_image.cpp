@@ -80,30 +80,20 @@ Image_Content Application::Content() const {
     return content;
 }
 
-void Application::Slice_Show(int wanted, bool tell_panels) {
+void Application::Slice_Show(int wanted) {
     if (!session.Has_Volume()) {
         return;
     }
     Stroke_End();
     slice = std::clamp(wanted, 0, session.Slice_Nb() - 1);
     objects.Show(slice);
-    unsigned __int64 flags = UPDATE_FRAME_CUR;
-    if (is_histogram_of_shown) {
-        Histogram_Select();
-        flags |= UPDATE_SELECTION | UPDATE_LEVEL_2D | UPDATE_HISTO_PAINT;
-    }
-    if (tell_panels) {
-        Announce(flags);
-        if (is_histogram_of_shown) {
-            Histogram_Scale_Suggest();
-        }
-    }
+    hub.Note(Change::Position);
     report.Line("slice " + std::to_string(slice));
 }
 
 void Application::Slice_Go(int wanted) {
     if (session.Has_Volume() && std::clamp(wanted, 0, session.Slice_Nb() - 1) != slice) {
-        Slice_Show(wanted, true);
+        Slice_Show(wanted);
     }
 }
 
@@ -114,7 +104,7 @@ void Application::Window_Reset() {
     if (session.Has_Volume()) {
         grey_window = First_Window(session.Image()).value_or(grey_window);
     }
-    image.Refresh();
+    hub.Note(Change::View);
 }
 
 std::vector<volumes::Display_Window> Application::Windows() const {
@@ -146,13 +136,13 @@ void Application::Window_Choose(int index) {
     }
     const volumes::Display_Window& chosen = windows[static_cast<std::size_t>(index)];
     grey_window = Grey_Window_Of(chosen);
-    image.Refresh();
+    hub.Note(Change::View);
     Status(Wide_Of_Utf8(Display_Window_Text(chosen, index + 1)));
 }
 
 void Application::Window_Drag(float dx, float dy) {
     grey_window = grey_window.Dragged(dx, dy, static_cast<float>(statistics.max - statistics.min));
-    image.Refresh();
+    hub.Note(Change::View);
 }
 
 Paint_Ink Application::Ink(bool erase) {
@@ -169,20 +159,19 @@ Pixel_Rect Application::Stroke_Begin(int x, int y, bool erase) {
         Status(L"The current TAG is hidden: press E to show it");
     }
     const Pixel_Rect changed = session.Stroke_Begin(slice, variables.Brush(), x, y, Ink(erase));
-    Voxel_Refresh();
+    hub.Note(Change::Stroke);
     return changed;
 }
 
 Pixel_Rect Application::Stroke_Move(int x, int y) {
     const Pixel_Rect changed = session.Stroke_Move(x, y);
-    Voxel_Refresh();
+    hub.Note(Change::Stroke);
     return changed;
 }
 
 void Application::Stroke_End() {
     if (session.Stroke_End()) {
-        Title_Refresh();
-        Histogram_Tag_Refresh();
+        hub.Note(Change::Pixels);
         report.Line("stroke");
     }
 }
@@ -209,7 +198,7 @@ void Application::Marker_Move(int x, int y) {
     }
     const Marker place = {true, std::clamp(x, 0, session.Width() - 1), std::clamp(y, 0, session.Height() - 1), slice};
     session.Marker_Preview(dragged_marker, place);
-    image.Refresh();
+    hub.Note(Change::Marker_Drag);
 }
 
 void Application::Marker_Release() {
@@ -228,18 +217,16 @@ void Application::Hover(int x, int y) {
     hover_x = is_inside ? x : -1;
     hover_y = is_inside ? y : -1;
     variables.Mouse_Set(is_inside ? objects.Frame(slice) : nullptr, static_cast<float>(x), static_cast<float>(y));
-    Announce(UPDATE_MOUSE_FRAME);
-    Voxel_Refresh();
+    hub.Note(Change::Mouse);
 }
 
 void Application::Hover_End() {
     hover_x = hover_y = -1;
     variables.Mouse_Set(nullptr, 0.0F, 0.0F);
-    Announce(UPDATE_MOUSE_FRAME);
-    Voxel_Refresh();
+    hub.Note(Change::Mouse);
 }
 
-void Application::Voxel_Refresh() {
+void Application::Voxel_Show() {
     const int tag = hover_x >= 0 ? session.Labels().At(hover_x, hover_y, slice) : 0;
     status_line.Voxel_Set(Wide_Of_Utf8(
         Voxel_Text(session, hover_x, hover_y, slice, Utf8_Of_Wide(Wide_Of_Panel(variables.Tag_Name(tag).c_str())))));

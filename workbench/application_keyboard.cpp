@@ -185,7 +185,7 @@ void Application::Label_Ask(Text_Table table) {
     } else {
         variables.Marker_Label_Set(index, label.c_str());
     }
-    On_Panel_Request(UPDATE_TAG_LABEL);
+    Labels_Note();
 }
 
 void Application::Histogram_Enlarge() {

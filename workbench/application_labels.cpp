@@ -88,11 +88,8 @@ void Application::Labels_Adopt(const Label_Description& description) {
     color_advisor.Former_Forget();
     Adopt_Names();
     Tag_Nb_Grow(highest);
-    Markers_Enable_Refresh();
-    Histogram_Ranges_Refresh();
-    Announce(UPDATE_TAG_TABLE | UPDATE_TAG_LABEL | UPDATE_TAG_ENABLE | UPDATE_TAG_SELECT | UPDATE_TAG_LOCK |
-             UPDATE_HISTO_PAINT);
-    Tag_Scroll_To(variables.Tag_Cur());
+    hub.Note(
+        {Change::Colors, Change::Texts, Change::Bands, Change::Tag_Shown, Change::Tag_Selected, Change::Tag_Locked});
 }
 
 std::optional<Grid_Choice> Application::Labels_Place_Ask(const volumes::Volume& loaded,
@@ -170,9 +167,7 @@ void Application::Load_Labels(const std::filesystem::path& path) {
     if (described.is_there) {
         Labels_Adopt(described.description);
     }
-    Histogram_Tag_Refresh();
-    image.Refresh();
-    Title_Refresh();
+    hub.Note({Change::Pixels, Change::Markers, Change::Saved});
     Status(L"Labels loaded from " + Wide_Of_Utf8(volumes::File_Name_Text(path)));
 }
 

@@ -25,9 +25,7 @@ int Application::Propagate(int from, int to) {
     Status(std::wstring(L"Propagated by ") + name + L" from frame " + std::to_wstring(from + 1) + L" to " +
            std::to_wstring(to + 1) + L": " + std::to_wstring(carried) + L" pixels, overlap " +
            Wide_Of_Utf8(Number_Text(score)));
-    image.Refresh();
-    Title_Refresh();
-    Histogram_Tag_Refresh();
+    hub.Note(Change::Pixels);
     return static_cast<int>(std::min<std::size_t>(carried, INT_MAX));
 }
 
@@ -37,7 +35,7 @@ void Application::Propagate_Step(int direction) {
 
 void Application::Propagation_Kind_Set(Propagation_Kind kind) {
     propagation_kind = kind;
-    Notes_Refresh();
+    hub.Note(Change::Mode);
     Status(kind == Propagation_Kind::Copy ? L"Propagation copies TAGs as they are"
                                           : L"Propagation lets TAGs grow to the grey levels of the next frame");
 }
@@ -65,6 +63,7 @@ void Application::Propagate_Repeat(int direction) {
                              L"Frame " + std::to_wstring(done + 1) + L" of " + std::to_wstring(count)) &&
                propagate_host->Buffered([&] { return propagate_panel.Propagate(direction); }) != 0) {
             ++done;
+            Deliver();  // each frame is seen
             ::UpdateWindow(image.Handle());
         }
     }

@@ -194,8 +194,7 @@ void Application::Recovery_Take(Recovery_Found& found) {
         Volume_Go(first);
         Tag_Nb_Grow(session.Labels().Highest_Tag());
         Labels_Adopt(Recovery_Description(found.record.volumes.front()));
-        image.Refresh();
-        Title_Refresh();
+        hub.Note({Change::Pixels, Change::Markers, Change::Saved});
         Status(L"The work of " + Wide_Of_Utf8(Recovery_Time_Text(found.record.time)) +
                L" was taken up; it is not saved yet");
     }

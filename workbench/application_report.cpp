@@ -49,6 +49,7 @@ void Application::Report_View(Json_Text& out) const {
     out.Object_End();
     out.Number("space", variables.Dimensions().space);  // between widgets
     out.Number("contract_reports", Contract_Report_Nb());
+    out.Number("rounds_told", rounds_told);  // but for what follows the mouse
     out.Number("focus", static_cast<int>(focus.Now()));
     out.Number("cursor_x", image.Is_Cursor() ? image.Cursor_X() : -1);
     out.Number("cursor_y", image.Is_Cursor() ? image.Cursor_Y() : -1);

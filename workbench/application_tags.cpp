@@ -29,10 +29,9 @@ void Application::Tag_Set(int tag, bool scroll_to_it) {
         return;
     }
     variables.Tag_Cur_Set(tag);
-    Announce(UPDATE_TAG_CUR);
-    Histogram_Tag_Refresh();
+    hub.Note(Change::Current_Tag);
     if (scroll_to_it) {
-        Tag_Scroll_To(tag);
+        hub.Then([this, tag] { Tag_Scroll_To(tag); });
     }
     report.Line("tag_cur " + std::to_string(tag));
 }
@@ -91,8 +90,9 @@ bool Application::Has_Tag_Mark(Tag_Mark mark) const {
 void Application::Tag_Toggle(Tag_Mark mark) {
     std::uint8_t& flag = Tag_Flags_Of(mark)[static_cast<std::size_t>(variables.Tag_Cur())];
     flag = flag == 0 ? 1 : 0;
-    // Select and lock grey the same buttons, so both are told.
-    Announce(mark == Tag_Mark::Enable ? UPDATE_TAG_ENABLE : UPDATE_TAG_SELECT | UPDATE_TAG_LOCK);
+    hub.Note(mark == Tag_Mark::Enable   ? Change::Tag_Shown
+             : mark == Tag_Mark::Select ? Change::Tag_Selected
+                                        : Change::Tag_Locked);
 }
 
 void Application::Tag_Step_By(int step) {
@@ -114,25 +114,25 @@ void Application::Tag_Nb_Grow(int highest) {
         return;
     }
     variables.Tag_Nb_Set(wanted);
-    // The table, and everything that a button of a new TAG shows.
-    Announce(UPDATE_TAG_TABLE | UPDATE_TAG_LABEL | UPDATE_TAG_ENABLE | UPDATE_TAG_SELECT | UPDATE_TAG_LOCK);
+    hub.Note(Change::Tag_Nb);
     const Panel_Dimensions sizes = variables.Dimensions();
     const auto has_slider = [&](int count) {
         return count / 4 * (sizes.border + sizes.button) > tag_host->Client().bottom - 2 * SPACE;
     };
-    if (has_slider(wanted) != has_slider(before)) {
-        tag_host->Lay_Out();  // the slider takes its room from the columns
-    } else {
-        tag_host->Refresh();
-    }
-    Tag_Scroll_To(variables.Tag_Cur());
+    hub.Then([this, is_other_layout = has_slider(wanted) != has_slider(before)] {
+        if (is_other_layout) {
+            tag_host->Lay_Out();  // the slider takes its room from the columns
+        } else {
+            tag_host->Refresh();
+        }
+        Tag_Scroll_To(variables.Tag_Cur());
+    });
 }
 
 void Application::Threshold_Mode_Set(bool on) {
     is_threshold_mode = on;
     Check_Mark_Set(check_mark);
-    Histogram_Ranges_Refresh();
-    Announce(UPDATE_TAG_LABEL | UPDATE_HISTO_PAINT);
+    hub.Note({Change::Mode, Change::View, Change::Bands});
     Status(on ? L"Threshold mode: a right press on a TAG edits its lower threshold" : L"Threshold mode is off");
 }
 
@@ -167,12 +167,12 @@ void Application::Threshold_Ask(bool is_upper) {
         return;
     }
     limit = answer->empty() ? unset : Panel_Of_Grey(value);
-    On_Panel_Request(UPDATE_TAG_LABEL);
+    Labels_Note();
 }
 
 void Application::Brush_Set(int brush) {
     variables.Brush_Cur_Set(brush);
-    Announce(UPDATE_BRUSH);
+    hub.Note(Change::Brush);
     report.Line("brush_cur " + std::to_string(variables.Brush_Cur()));
 }
 
@@ -190,19 +190,17 @@ void Application::Marker_Remove() {
 
 void Application::Marker_Set(int marker) {
     variables.Marker_Cur_Set(((marker % MARKER_NB) + MARKER_NB) % MARKER_NB);
-    // Marker and TAG share the flag.
-    Announce(UPDATE_TAG_CUR);
+    hub.Note(Change::Current_Marker);
     const Marker place = session.Markers().Get(variables.Marker_Cur());
     if (place.is_placed) {
-        Slice_Show(place.slice, true);
+        Slice_Show(place.slice);
     }
-    image.Refresh();
 }
 
 void Application::Marker_Mode_Set(bool on) {
     is_marker_mode = on;
     image.Marker_Mode_Set(on);
-    Notes_Refresh();
+    hub.Note(Change::Mode);
     Status(on ? L"The left button places the current marker, or moves the one it hits" : L"The left button paints");
 }
 
@@ -215,9 +213,7 @@ void Application::Markers_Enable_Refresh() {
 
 void Application::Marker_Place(int marker, const Marker& place) {
     session.Marker_Set(marker, place);
-    Markers_Enable_Refresh();
-    Announce(UPDATE_TAG_ENABLE);
-    Title_Refresh();
+    hub.Note(Change::Markers);
 }
 
 }  // namespace workbench

@@ -20,8 +20,6 @@ namespace workbench {
 
 namespace {
 
-constexpr unsigned __int64 VOLUME_CHANGED = UPDATE_WINDOW_CUR | UPDATE_FRAME_CUR | UPDATE_SELECTION | UPDATE_LEVEL_2D |
-                                            UPDATE_TAG_ENABLE | UPDATE_TAG_LABEL | UPDATE_HISTO_PAINT;
 constexpr std::size_t PROBLEMS_SHOWN = 3;  // in the banner; more are only listed
 
 std::string Problem_Sentence(const volumes::Folder_Problem& problem) {
@@ -155,11 +153,10 @@ void Application::Show_Volumes(const std::filesystem::path& first, volumes::Imag
     } catch (const std::bad_alloc&) {
         objects.Clear();
         volumes.Clear(session);
-        Announce(UPDATE_ALL | UPDATE_WINDOW_CUR | UPDATE_FRAME_CUR | UPDATE_STRUCTURE | UPDATE_LEVEL_2D);
         Warn("There is not enough memory for these images.");
         Class_Changes_Opened(class_history.Open(nullptr, first));
-        Announce(UPDATE_STRUCTURE | UPDATE_LEVEL_1D | UPDATE_LEVEL_3D);
-        return;
+        hub.Note(Change::Opened);
+        return Deliver();
     }
     Volume_Adopt();
     is_histogram_of_tag = false;
@@ -168,10 +165,10 @@ void Application::Show_Volumes(const std::filesystem::path& first, volumes::Imag
     is_background_left_out = false;
     hosted_histogram.Scale_Release();
     Histogram_Select();
-    // One announcement, when all class trees are as these data have them: each is built once.
-    Announce(UPDATE_ALL | UPDATE_STRUCTURE | UPDATE_LEVEL_1D | UPDATE_LEVEL_3D | VOLUME_CHANGED);
+    // Told at once, when all class trees are as these data have them: no message loop may run before.
+    hub.Note({Change::Opened, Change::Volume});
+    Deliver();
     Class_Changes_Opened(class_problem_found);
-    Histogram_Scale_Suggest();
     const std::wstring text = Volume_Text() + L"   " + Histogram_Text();
     Status(volumes.Nb() > 1 ? found + L"   " + text : text);
 }
@@ -229,7 +226,7 @@ void Application::Orientation_Ask() {
         return;
     }
     orientation = letters;
-    image.Refresh();
+    hub.Note(Change::View);
 }
 
 void Application::Volume_Adopt() {
@@ -242,12 +239,9 @@ void Application::Volume_Adopt() {
     objects.Show(slice);
     Panel_Scale_Adopt();
     Adopt_Names();
-    Markers_Enable_Refresh();
-    Histogram_Ranges_Refresh();
     is_histogram_of_shown = false;
     histogram_first = 0;
     histogram_last = session.Slice_Nb() - 1;
-    Title_Refresh();
     const volumes::Volume& image_now = session.Image();
     report.Line("volume " + std::to_string(image_now.nx) + " " + std::to_string(image_now.ny) + " " +
                 std::to_string(image_now.nz));
@@ -282,6 +276,7 @@ bool Application::Volume_Set(int wanted) {
     left = {statistics, grey_window, slice, background, std::move(left.orientation)};
     volumes.Switch(wanted, session);
     Volume_Adopt();
+    hub.Note(Change::Volume);
     Status(Volume_Text());
     return true;
 }
@@ -292,21 +287,17 @@ void Application::Volume_Go(int wanted) {
     }
     is_histogram_of_checked = false;
     Histogram_Select();
-    Announce(VOLUME_CHANGED);
-    Histogram_Scale_Suggest();
 }
 
-unsigned __int64 Application::Frame_Follow(const Quorel_2D* frame) {
+void Application::Frame_Follow(const Quorel_2D* frame) {
     const Frame_Place place = objects.Place_Of(frame);
     if (place.volume < 0) {
-        return 0;
+        return;
     }
-    unsigned __int64 flags = Volume_Set(place.volume) ? VOLUME_CHANGED : 0;
+    Volume_Set(place.volume);
     if (place.slice != slice) {
-        Slice_Show(place.slice, false);
-        flags |= UPDATE_FRAME_CUR;
+        Slice_Show(place.slice);
     }
-    return flags;
 }
 
 }  // namespace workbench

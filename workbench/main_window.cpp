@@ -13,6 +13,7 @@ namespace {
 constexpr LONG LEAST_WIDTH = 640;
 constexpr LONG LEAST_HEIGHT = 420;
 constexpr UINT MESSAGE_DPI_CHANGED = 0x02E0;  // WM_DPICHANGED, unknown to older headers
+constexpr UINT MESSAGE_DELIVER = WM_APP + 7;
 
 }  // namespace
 
@@ -23,6 +24,12 @@ bool Main_Window::Make() {
     ::DragAcceptFiles(Handle(), TRUE);
     is_made = true;
     return true;
+}
+
+void Main_Window::Deliver_Soon() const {
+    if (is_made) {
+        ::PostMessageW(Handle(), MESSAGE_DELIVER, 0, 0);
+    }
 }
 
 void Main_Window::Drop(WPARAM handle) {
@@ -64,6 +71,9 @@ LRESULT Main_Window::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_MOUSEWHEEL:
             user.Wheel({GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)}, GET_WHEEL_DELTA_WPARAM(wparam),
                        (GET_KEYSTATE_WPARAM(wparam) & MK_CONTROL) != 0);
+            return 0;
+        case MESSAGE_DELIVER:
+            user.Deliver();
             return 0;
         case WM_DROPFILES:
             Drop(wparam);

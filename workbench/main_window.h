@@ -23,12 +23,16 @@ class Main_Window_User {
     virtual bool May_Close() = 0;
     virtual void Dpi_Changed(int dpi) = 0;
     virtual void Files_Dropped(const std::wstring& path) = 0;
+    /** What Deliver_Soon was called for. */
+    virtual void Deliver() = 0;
 };
 
 class Main_Window : public Window_Base {
   public:
     explicit Main_Window(Main_Window_User& window_user) : user(window_user) {}
     bool Make();
+    /** Has Deliver called by the next message loop that runs, whichever that is. */
+    void Deliver_Soon() const;
 
   protected:
     LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override;

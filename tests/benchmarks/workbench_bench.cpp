@@ -10,10 +10,12 @@
 #include <utility>
 #include <vector>
 
+#include "workbench/model/change_hub.h"
 #include "workbench/model/painting.h"
 #include "workbench/model/propagation.h"
 #include "workbench/model/recovery_recorder.h"
 #include "workbench/model/slice_render.h"
+#include "workbench/parts/color_advisor.h"
 
 using namespace workbench;
 
@@ -130,6 +132,51 @@ void Render_Slice(benchmark::State& state) {
     }
 }
 BENCHMARK(Render_Slice)->Unit(benchmark::kMillisecond);
+
+/** From the end of an event that changed everything until all are told, without drawing: telling, and the advice on
+ *  colours of a slice that shows 16 TAGs, others than before. */
+void Event_Delivered(benchmark::State& state) {
+    constexpr int tag_nb = 32;
+    std::vector<std::uint8_t> tags(PIXEL_NB);
+    std::vector<std::uint32_t> colors(256);
+    std::vector<int> shown;
+    for (int tag = 1; tag < tag_nb; ++tag) {
+        colors[static_cast<std::size_t>(tag)] = 0x123456U * static_cast<std::uint32_t>(tag) & 0xFFFFFFU;
+        shown.push_back(tag);
+    }
+    std::string mark;
+    Color_Host host;
+    host.colors = [&] { return colors; };
+    host.shown_tags = [&] { return shown; };
+    host.slice = [&] { return std::span<const std::uint8_t>(tags); };
+    host.mark = [&](const std::string& text) { mark = text; };
+    Color_Advisor advisor(std::move(host));
+    unsigned long long panel_flags = 0;
+    Change_Hub hub([] {});
+    hub.Listen(Change_Hub::Stage::Panels, [&](Told_Changes& told) { panel_flags |= told.panel_flags; });
+    hub.Listen(Change_Hub::Stage::Views, [&](Told_Changes& told) {
+        if (Is_Shown_In(Shown::Color_Advice, told.changes)) {
+            advisor.Slice_Look();
+        }
+    });
+    Changes all;
+    for (int change = 0; change < CHANGE_NB; ++change) {
+        all |= static_cast<Change>(change);
+    }
+    std::uint8_t first = 1;
+    for (auto _ : state) {
+        state.PauseTiming();
+        first = static_cast<std::uint8_t>(17 - first);
+        for (std::size_t pixel = 0; pixel < PIXEL_NB; ++pixel) {
+            tags[pixel] = static_cast<std::uint8_t>(first + pixel % 16);
+        }
+        hub.Note(all);
+        state.ResumeTiming();
+        hub.Deliver();
+        benchmark::DoNotOptimize(panel_flags);
+    }
+}
+BENCHMARK(Event_Delivered)->Unit(benchmark::kMillisecond);
 
 /** All 300 slices of TAGs are new: what the window's thread is held up for by keeping them, at once or look by look. */
 void Recovery_Looks(benchmark::State& state) {
