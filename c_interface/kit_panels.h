@@ -461,7 +461,10 @@ KIT_C_API kit_status kit_histogram_read(kit_handle panel, kit_histogram* histogr
 #define KIT_FIT_SEGMENTS 2      /**< pieces around the maxima, at most `most` */
 #define KIT_FIT_GAUSSIAN_NEXT 3 /**< goes on from the last fit of the process and may find other candidates */
 
-/** Analyses what the panel shows. @param method KIT_FIT_ number @param most 1 to 255, for segments
+/** Analyses what the panel shows. Gaussians are fitted to the counts smoothed over 21 bins: a variance of v bins
+ * squared comes out as v + 36.7, so peaks of a few bins are too wide; segments are not widened.
+ *  @param method KIT_FIT_ number @param most segments that are wanted, 1 to 255; the Gaussian fits take any number and
+ *  find as many peaks as there are
  *  @return KIT_ERROR_STATE without counts and while another analysis runs */
 KIT_C_API kit_status kit_histogram_fit(kit_handle panel, uint32_t method, uint32_t most);
 

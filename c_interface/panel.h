@@ -12,7 +12,9 @@ class Tool_Histo;
 
 namespace c_interface {
 
-/** What all panel classes have in common. */
+/** What all panel classes have in common. Not the kits' Hosted_Panel: that one comes with a window system's headers,
+ * which the native build has not, and knows its number of rows, which a caller of this interface gives with each
+ * question. */
 class Panel_Work {
   public:
     Panel_Work() = default;

@@ -35,6 +35,7 @@ set(kit_public_headers
     kits/dataset/dataset_host.h
     kits/dataset/panel_flags.h
     kits/dataset/variable_rules.h
+    kits/widgets/panel_set.h
     kits/widgets/panel_window.h
     kits/widgets/shown_widgets.h
     kits/widgets/widgets_host.h
@@ -96,7 +97,17 @@ install(FILES "${CMAKE_BINARY_DIR}/Kit_PanelsConfig.cmake" "${CMAKE_BINARY_DIR}/
 
 install(TARGETS workbench RUNTIME DESTINATION bin COMPONENT runtime)
 install(DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/icons" DESTINATION bin COMPONENT runtime OPTIONAL)
-install(FILES "${PROJECT_SOURCE_DIR}/README.md" DESTINATION . COMPONENT documents)
+# The README of a package is that of the sources, but for how to build them.
+file(READ "${PROJECT_SOURCE_DIR}/README.md" kit_readme)
+file(READ "${CMAKE_CURRENT_LIST_DIR}/package_start.md" kit_package_start)
+string(REGEX REPLACE "## Two commands.*(## In the workbench)" "<start>\\1" kit_readme "${kit_readme}")
+string(REGEX REPLACE "- `scripts/reference`.*" "" kit_readme "${kit_readme}")
+string(REPLACE "; `./bench` measures again" "" kit_readme "${kit_readme}")
+string(REPLACE " (`./fuzz`)" "" kit_readme "${kit_readme}")
+string(REPLACE "<start>" "${kit_package_start}" kit_readme "${kit_readme}")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/README.md" "${CMAKE_CURRENT_LIST_DIR}/package_start.md")
+file(WRITE "${CMAKE_BINARY_DIR}/package/README.md" "${kit_readme}")
+install(FILES "${CMAKE_BINARY_DIR}/package/README.md" DESTINATION . COMPONENT documents)
 
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_NAME Kit_Panels)

@@ -17,9 +17,8 @@
 #include "histogram/tool_histo.h"
 #include "kits/common/contract.h"
 #include "kits/common/messages.h"
-#include "kits/dataset/panel_flags.h"
 #include "kits/dataset/variable_rules.h"
-#include "kits/widgets/panel_window.h"
+#include "kits/widgets/panel_set.h"
 #include "made_data.h"
 #include "panels/kit_version.h"
 #include "panels/tool_brush.h"
@@ -56,12 +55,10 @@ class Host {
     static LRESULT CALLBACK Procedure(HWND of_window, UINT message, WPARAM wparam, LPARAM lparam);
     static int Propagated(void* from, void* to);
     void Lay_Out();
-    void Send(unsigned __int64 flags);
     void Title_Set();
     void Fit();
 
     Made_Data data;
-    Collected_Updates collected;
     HWND window = nullptr;
     std::string peaks_text = "no fit";
 
@@ -73,50 +70,14 @@ class Host {
     Tool_DB_Class classes{2};
     Tool_DB_File files{2};
 
-    kit::Panel_Of<Tool_Tag> hosted_tag{tag, [](Tool_Tag& panel) { return panel.Height(2); }};
-    kit::Panel_Of<Tool_Marker> hosted_marker{marker, [](Tool_Marker& panel) { return panel.Height(2); }};
-    kit::Panel_Of<Tool_Brush> hosted_brush{brush, [](Tool_Brush& panel) { return panel.Height(); }};
-    kit::Panel_Of<Tool_Propagate> hosted_propagate{propagate, [](Tool_Propagate& panel) { return panel.Height(); }};
-    kit::Panel_Of<Tool_Histo> hosted_histogram{histogram, [](Tool_Histo& panel) { return panel.Height(200); }};
-    kit::Panel_Of<Tool_DB_Class> hosted_classes{classes, [](Tool_DB_Class& panel) { return panel.Height(10); }};
-    kit::Panel_Of<Tool_DB_File> hosted_files{files, [](Tool_DB_File& panel) { return panel.Height(10); }};
-
-    // TAG and marker panels answer a click with what was picked, the brush panel with whether one was.
-    kit::Panel_Window tag_window{hosted_tag, [this](int picked, int) {
-                                     if (picked >= 0) {
-                                         Variable_Set("$TAG_CUR", picked);
-                                         collected.Add(UPDATE_TAG_CUR);
-                                     }
-                                 }};
-    kit::Panel_Window marker_window{hosted_marker, [this](int picked, int) {
-                                        if (picked >= 0) {
-                                            Variable_Set("$MARKER_CUR", picked);
-                                            collected.Add(UPDATE_TAG_CUR);
-                                        }
-                                    }};
-    kit::Panel_Window brush_window{hosted_brush, [this](int is_picked, int) {
-                                       if (is_picked != 0) {
-                                           Variable_Set("$BRUSH_CUR", brush.Read());
-                                           collected.Add(UPDATE_BRUSH);
-                                       }
-                                   }};
-    kit::Panel_Window propagate_window{hosted_propagate};
-    kit::Panel_Window histogram_window{hosted_histogram};
-    kit::Panel_Window classes_window{hosted_classes};
-    kit::Panel_Window files_window{hosted_files};
-
-    struct Panel {
-        kit::Panel_Window* window;
-        Panel_Kind kind;
-        Window_Axis axis;  // see docs/coordinates.md
-    };
-    const Panel panels[7] = {{&tag_window, Panel_Kind::Tag, Window_Axis::Down},
-                             {&brush_window, Panel_Kind::Brush, Window_Axis::Up},
-                             {&propagate_window, Panel_Kind::Propagate, Window_Axis::Up},
-                             {&marker_window, Panel_Kind::Marker, Window_Axis::Down},
-                             {&histogram_window, Panel_Kind::Histogram, Window_Axis::Down},
-                             {&classes_window, Panel_Kind::Classes, Window_Axis::Up},
-                             {&files_window, Panel_Kind::Files, Window_Axis::Up}};
+    kit::Panel_Set panels;
+    kit::Panel_Window& tag_window = panels.Add(tag, Panel_Kind::Tag, 2);
+    kit::Panel_Window& brush_window = panels.Add(brush, Panel_Kind::Brush);
+    kit::Panel_Window& propagate_window = panels.Add(propagate, Panel_Kind::Propagate);
+    kit::Panel_Window& marker_window = panels.Add(marker, Panel_Kind::Marker, 2);
+    kit::Panel_Window& histogram_window = panels.Add(histogram, Panel_Kind::Histogram, 200);
+    kit::Panel_Window& classes_window = panels.Add(classes, Panel_Kind::Classes, 10);
+    kit::Panel_Window& files_window = panels.Add(files, Panel_Kind::Files, 10);
 };
 
 /** Where work is carried from one frame to the next; this host has none to carry. */
@@ -134,35 +95,14 @@ bool Host::Make() {
     ::RegisterClassA(&window_class);
     window = ::CreateWindowExA(0, "Full_Host", "", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
                                860, 680, nullptr, nullptr, window_class.hInstance, nullptr);
-    if (window == nullptr) {
-        return false;
-    }
-    hwnd = window;  // messages name the main window
     propagate.Set(&Host::Propagated);
-    Request_Listener listener;
-    listener.context = this;
-    // Panels announce what they changed. It is sent on between two messages: one "Select All" makes a request per
-    // frame.
-    listener.update = [](void* host, unsigned __int64 flags, void*, void*) {
-        static_cast<Host*>(host)->collected.Add(flags);
-    };
-    listener.change_child = [](void* host, Quorel_Window*, Quorel_2D*, Quorel_2D*) {
-        static_cast<Host*>(host)->collected.Add(UPDATE_FRAME_CUR);
-    };
-    Request_Listener_Set(listener);
-    for (const Panel& panel : panels) {
-        panel.window->look.style = STYLE_FRAMED_BOX | STYLE_SHOW_CHECK;
-        panel.window->look.border = 1;
-        panel.window->look.Set_Color(70, 70, 70);
-        panel.window->after_resize = Update_After_Resize(panel.kind);
-        panel.window->untaken = [this](int key) {
-            if (key == 'f') {
-                Fit();
-            }
-        };
-        if (!panel.window->Make(window, panel.axis)) {
-            return false;
+    panels.untaken = [this](int key) {
+        if (key == 'f') {
+            Fit();
         }
+    };
+    if (window == nullptr || !panels.Make(window)) {
+        return false;
     }
     ::SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     Lay_Out();
@@ -187,17 +127,6 @@ void Host::Lay_Out() {
     files_window.Place(x, client.bottom / 2 + GAP, width, client.bottom - client.bottom / 2 - GAP);
 }
 
-void Host::Send(unsigned __int64 flags) {
-    Contract_Check_Update(flags);
-    if (Has_Any(flags, UPDATE_SELECTION | UPDATE_STRUCTURE)) {
-        flags |= UPDATE_HISTO_PAINT;  // a computation paints nothing of itself
-    }
-    for (const Panel& panel : panels) {
-        panel.window->Update(flags);
-    }
-    Title_Set();
-}
-
 void Host::Title_Set() {
     const auto selected = std::ranges::count_if(data.frame, [](const auto& frame) {
         return frame->Flag_Get_Bit(FLAG_SELECTED, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION) != 0;
@@ -218,7 +147,7 @@ void Host::Fit() {
     for (const Histo_Peak_Info& peak : peaks) {
         peaks_text += " at " + std::to_string(static_cast<int>(peak.centre));
     }
-    collected.Add(UPDATE_HISTO_PAINT);
+    panels.Announce(UPDATE_HISTO_PAINT);
 }
 
 LRESULT CALLBACK Host::Procedure(HWND of_window, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -242,7 +171,9 @@ int Host::Run(bool is_checked) {
     while (::GetMessageA(&message, nullptr, 0, 0) > 0) {
         ::TranslateMessage(&message);
         ::DispatchMessageA(&message);
-        collected.Send([this](unsigned __int64 flags) { Send(flags); });
+        if (panels.Send() != 0) {
+            Title_Set();
+        }
         if (is_checked && message.message != WM_QUIT && ::IsWindow(window) != FALSE) {
             Contract_Check_Variables();
             Contract_Check_Iterators();
@@ -272,7 +203,5 @@ int main(int argc, char** argv) {
         nullptr);
     Variables_Define();
     Host host;
-    const int mistakes = host.Make() ? host.Run(is_checked) : 1;
-    Request_Listener_Set({});
-    return mistakes;
+    return host.Make() ? host.Run(is_checked) : 1;
 }

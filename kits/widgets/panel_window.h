@@ -108,15 +108,11 @@ class Panel_Window {
      * docs/coordinates.md
      *  @return false when the system refuses */
     bool Make(HWND parent, Window_Axis axis) {
-        WNDCLASSW window_class = {};
-        window_class.style = CS_DBLCLKS;
-        window_class.lpfnWndProc = Procedure;
-        window_class.hInstance = ::GetModuleHandleW(nullptr);
-        window_class.hCursor = ::LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));
-        window_class.lpszClassName = L"Kit_Panel_Window";
-        ::RegisterClassW(&window_class);  // a second time is refused and does no harm
-        own_window = ::CreateWindowExW(0, window_class.lpszClassName, L"", WS_CHILD | WS_CLIPSIBLINGS | WS_VISIBLE, 0,
-                                       0, 0, 0, parent, nullptr, window_class.hInstance, nullptr);
+        if (!window_class) {
+            window_class = Window_Class::Shared();
+        }
+        own_window = ::CreateWindowExW(0, Window_Class::NAME, L"", WS_CHILD | WS_CLIPSIBLINGS | WS_VISIBLE, 0, 0, 0, 0,
+                                       parent, nullptr, window_class->module, nullptr);
         if (own_window == nullptr) {
             return false;
         }
@@ -269,6 +265,36 @@ class Panel_Window {
     }
 
   private:
+    /** The class of the windows that this module makes; it goes with the last of them. Another module has one of its
+     * own with the same name, and one that is unloaded leaves nothing behind that would run its code. */
+    struct Window_Class {
+        static constexpr const wchar_t* NAME = L"Kit_Panel_Window";
+
+        static std::shared_ptr<Window_Class> Shared() {
+            static std::weak_ptr<Window_Class> living;
+            std::shared_ptr<Window_Class> found = living.lock();
+            if (!found) {
+                living = found = std::make_shared<Window_Class>();
+            }
+            return found;
+        }
+        Window_Class() {
+            ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                                 reinterpret_cast<LPCWSTR>(&Procedure), &module);
+            WNDCLASSW made = {};
+            made.style = CS_DBLCLKS;
+            made.lpfnWndProc = Procedure;
+            made.hInstance = module;
+            made.hCursor = ::LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));
+            made.lpszClassName = NAME;
+            ::RegisterClassW(&made);
+        }
+        ~Window_Class() { ::UnregisterClassW(NAME, module); }
+        Window_Class(const Window_Class&) = delete;
+        Window_Class& operator=(const Window_Class&) = delete;
+
+        HMODULE module = nullptr;
+    };
     struct Buffer {
         explicit Buffer(HWND of_window) : buffered(of_window) { Window_Buffer_Begin(buffered); }
         ~Buffer() { Window_Buffer_End(buffered); }
@@ -359,6 +385,7 @@ class Panel_Window {
 
     Hosted_Panel& panel;
     Click_Answer clicked;
+    std::shared_ptr<Window_Class> window_class;  // while there may be a window of its own
     HWND window = nullptr;
     HWND own_window = nullptr;  // the same, when this made it
     Wheel_Remainder wheel;

@@ -20,6 +20,7 @@
 #include "kits/dataset/dataset_host.h"
 #include "kits/dataset/panel_flags.h"
 #include "kits/dataset/variable_rules.h"
+#include "kits/widgets/panel_set.h"
 #include "kits/widgets/panel_window.h"
 #include "kits/widgets/widgets_host.h"
 #include "panels/kit_version.h"
