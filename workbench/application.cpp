@@ -46,7 +46,7 @@ Application::Application(const Command_Line& command_line)
           [this](Tool_Histo& panel) { return panel.Height(static_cast<unsigned short>(look.Px(HISTOGRAM_HEIGHT))); }),
       window(*this),
       tool_area(look),
-      image(look, *this),
+      image(look, *this, planes),
       status_line(look),
       banner(look, [this] { Lay_Out(); }),
       trace(look),
@@ -296,6 +296,7 @@ void Application::Show_Changes(Changes changes) {
         }
     };
     show(Shown::Image, [this] { image.Refresh(); });
+    show(Shown::Other_Views, [this] { image.Others_Refresh(); });
     show(Shown::Brush_Outline, [this] { image.Brush_Set(variables.Brush()); });
     if (changes.Has_Any({Change::Selection, Change::Volume, Change::Opened})) {
         Histogram_Scale_Suggest();
@@ -449,8 +450,8 @@ void Application::Wheel(POINT screen, int delta, bool is_control) {
         }
     } else if (under == tool_area.Handle()) {
         tool_area.Wheel(delta);
-    } else if (under == image.Handle()) {
-        image.Wheel(delta, is_control, screen);
+    } else if (image.Has(under)) {
+        image.Wheel(under, delta, is_control, screen);
     } else if (under == trace.Handle()) {
         trace.Wheel(delta);
     }

@@ -24,7 +24,7 @@
 #include "workbench/database/database_pane.h"
 #include "workbench/host_variables.h"
 #include "workbench/hosted_histogram.h"
-#include "workbench/image_view.h"
+#include "workbench/image_area.h"
 #include "workbench/list_window.h"
 #include "workbench/main_window.h"
 #include "workbench/menu_bar.h"
@@ -99,6 +99,7 @@ class Application : public Image_User,
     void Marker_Release() override;
     void Hover(int x, int y) override;
     void Hover_End() override;
+    void Cross_Move(int x, int y) override;
     void Window_Drag(float dx, float dy) override;
 
     // What commands ask for.
@@ -152,12 +153,16 @@ class Application : public Image_User,
     bool Is_Overlay() const override { return is_overlay_shown; }
     void Range_Overlay_Set(bool on) override;
     bool Is_Range_Overlay() const override { return is_range_shown; }
+    void Overlay_Opacity_Ask() override;
+    void Planes_Show(bool shown) override;
+    bool Is_Planes() const override { return image.Is_Planes(); }
+    void Cross_To_Cursor() override;
 
     void Cursor_Set(bool on) override;
-    bool Is_Cursor() const override { return image.Is_Cursor(); }
+    bool Is_Cursor() const override { return image.Slices().Is_Cursor(); }
     void Cursor_Act(bool erase) override;
     void Cursor_Pen_Set(bool down) override;
-    bool Is_Pen_Down() const override { return image.Is_Pen_Down(); }
+    bool Is_Pen_Down() const override { return image.Slices().Is_Pen_Down(); }
     void Cursor_Pick() override;
 
     void Propagate_Step(int direction) override;
@@ -387,6 +392,14 @@ class Application : public Image_User,
     std::vector<volumes::Display_Window> Windows() const;
     Tag_Overlay Overlay_Now() const;
     Paint_Ink Ink(bool erase);
+    Plane_Host Plane_Services();
+    std::vector<Placed_Marker> Placed_Markers() const;
+    // What the mouse does in whatever view.
+    Paint_Ink Stroke_Ink(bool erase);
+    void Voxel_Pick(const Shown_Voxel& voxel);
+    void Voxel_Marker_Press(const Shown_Voxel& voxel, std::optional<int> hit);
+    void Voxel_Marker_Move(const Shown_Voxel& voxel);
+    void Voxel_Hover(const Shown_Voxel& voxel);
     /** Tells of the pixel under the mouse as it is now. */
     void Voxel_Show();
 
@@ -433,7 +446,8 @@ class Application : public Image_User,
 
     Main_Window window;
     Tool_Area tool_area;
-    Image_View image;
+    Plane_Views planes{session, Plane_Services()};
+    Image_Area image;
     Status_Line status_line;
     Warning_Banner banner;
     Trace_View trace;
@@ -454,8 +468,7 @@ class Application : public Image_User,
     Panel_Scale panel_scale;           // of the current volume
     std::optional<double> background;  // of the current volume: grey value up to which it is left out
     int slice = 0;
-    int hover_x = -1;  // pixel under the mouse; -1: none
-    int hover_y = -1;
+    std::optional<Shown_Voxel> hovered;  // under the mouse
     bool is_overlay_shown = true;
     bool is_marker_mode = false;
     bool is_threshold_mode = false;

@@ -30,9 +30,15 @@ void Application::Accessible_Names() {
     histogram_host->Accessible_Names(L"Histogram", [](int) { return std::wstring(L"Magnification"); });
     database.Accessible_Names();
     tool_area.Accessible_Names();
-    image.Accessible_Set(Plain_Source(
+    image.Slices().Accessible_Set(Plain_Source(
         ROLE_SYSTEM_GRAPHIC, [this] { return session.Has_Volume() ? L"Image: " + Volume_Text() : L"No image"; },
-        [this] { return image.Caption() + (status_line.Voxel().empty() ? L"" : L"\n" + status_line.Voxel()); }));
+        [this] {
+            return image.Slices().Caption() + (status_line.Voxel().empty() ? L"" : L"\n" + status_line.Voxel());
+        }));
+    for (int view = 0; view < Plane_Views::VIEW_NB; ++view) {
+        const auto caption = [this, view] { return image.Other(view).Caption(); };
+        image.Other(view).Accessible_Set(Plain_Source(ROLE_SYSTEM_GRAPHIC, caption, caption));
+    }
     status_line.Accessible_Set(Plain_Source(
         ROLE_SYSTEM_STATUSBAR, [] { return std::wstring(L"Status"); },
         [this] { return status_line.Message() + (status_line.Mark().empty() ? L"" : L"\n" + status_line.Mark()); }));

@@ -35,7 +35,7 @@ void Application::Zoom_To(double factor) {
 }
 
 void Application::Zoom_Step(int step) {
-    image.Zoom_By(step);
+    image.Slices().Zoom_By(step);
 }
 
 void Application::Overlay_Set(bool on) {

@@ -5,6 +5,7 @@
 #include "workbench/application.h"
 #include "workbench/model/number_text.h"
 #include "workbench/model/voxel_text.h"
+#include "workbench/prompt_dialog.h"
 #include "workbench/wide_text.h"
 
 namespace workbench {
@@ -19,6 +20,7 @@ constexpr int MARKER_REACH = 5;  // slice pixels within which a press takes hold
 
 Tag_Overlay Application::Overlay_Now() const {
     Tag_Overlay overlay;
+    overlay.opacity = settings.Now().overlay_opacity;
     for (int tag = 0; tag < TAG_MAX; ++tag) {
         overlay.color[static_cast<std::size_t>(tag)] = variables.Tag_Color(tag);
     }
@@ -58,17 +60,18 @@ Image_Content Application::Content() const {
         // The file does not say how the patient lies.
         content.order.left = content.order.right = content.order.top = content.order.bottom = ' ';
     }
-    for (int marker = 0; marker < MARKER_NB; ++marker) {
-        const Marker place = session.Markers().Get(marker);
-        if (place.is_placed && place.slice == slice) {
-            content.markers.push_back({place.x, place.y, variables.Marker_Color(marker),
-                                       Wide_Of_Panel(variables.Marker_Name(marker).c_str()),
-                                       marker == variables.Marker_Cur()});
+    for (const Placed_Marker& marker : Placed_Markers()) {
+        if (marker.voxel.slice == slice) {
+            content.markers.push_back({marker.voxel.x, marker.voxel.y, marker.color, marker.name, marker.is_current});
         }
     }
     content.slice = slice;
     content.slice_nb = session.Slice_Nb();
     content.pixel_aspect = volume.spacing[1] / volume.spacing[0];
+    content.pixel_mm = volume.spacing[0];
+    if (image.Is_Planes()) {
+        content.cross = planes.Cross_In_Slice();
+    }
     const double low_end = static_cast<double>(grey_window.low);
     const double high_end = static_cast<double>(grey_window.high);
     content.caption =
@@ -154,11 +157,15 @@ Paint_Ink Application::Ink(bool erase) {
     return ink;
 }
 
-Pixel_Rect Application::Stroke_Begin(int x, int y, bool erase) {
+Paint_Ink Application::Stroke_Ink(bool erase) {
     if (!erase && variables.Tag_Enable()[static_cast<std::size_t>(variables.Tag_Cur())] == 0) {
         Status(L"The current TAG is hidden: press E to show it");
     }
-    const Pixel_Rect changed = session.Stroke_Begin(slice, variables.Brush(), x, y, Ink(erase));
+    return Ink(erase);
+}
+
+Pixel_Rect Application::Stroke_Begin(int x, int y, bool erase) {
+    const Pixel_Rect changed = session.Stroke_Begin(slice, variables.Brush(), x, y, Stroke_Ink(erase));
     hub.Note(Change::Stroke);
     return changed;
 }
@@ -177,27 +184,37 @@ void Application::Stroke_End() {
 }
 
 void Application::Pick(int x, int y) {
-    Tag_Set(session.Labels().At(x, y, slice), true);
+    Voxel_Pick({x, y, slice});
+}
+
+void Application::Voxel_Pick(const Shown_Voxel& voxel) {
+    Tag_Set(session.Labels().At(voxel.x, voxel.y, voxel.slice), true);
 }
 
 void Application::Marker_Press(int x, int y) {
-    if (x < 0 || x >= session.Width() || y < 0 || y >= session.Height()) {
-        return;
+    if (x >= 0 && x < session.Width() && y >= 0 && y < session.Height()) {
+        Voxel_Marker_Press({x, y, slice}, session.Markers().Near(x, y, slice, MARKER_REACH));
     }
-    dragged_marker = session.Markers().Near(x, y, slice, MARKER_REACH).value_or(variables.Marker_Cur());
+}
+
+void Application::Voxel_Marker_Press(const Shown_Voxel& voxel, std::optional<int> hit) {
+    dragged_marker = hit.value_or(variables.Marker_Cur());
     marker_before = session.Markers().Get(dragged_marker);
     if (dragged_marker != variables.Marker_Cur()) {
         Marker_Set(dragged_marker);
     }
-    Marker_Move(x, y);
+    Voxel_Marker_Move(voxel);
 }
 
 void Application::Marker_Move(int x, int y) {
+    Voxel_Marker_Move({std::clamp(x, 0, session.Width() - 1), std::clamp(y, 0, session.Height() - 1), slice});
+}
+
+void Application::Voxel_Marker_Move(const Shown_Voxel& voxel) {
     if (dragged_marker < 0) {
         return;
     }
-    const Marker place = {true, std::clamp(x, 0, session.Width() - 1), std::clamp(y, 0, session.Height() - 1), slice};
-    session.Marker_Preview(dragged_marker, place);
+    session.Marker_Preview(dragged_marker, {true, voxel.x, voxel.y, voxel.slice});
     hub.Note(Change::Marker_Drag);
 }
 
@@ -213,23 +230,100 @@ void Application::Marker_Release() {
 }
 
 void Application::Hover(int x, int y) {
-    const bool is_inside = x >= 0 && x < session.Width() && y >= 0 && y < session.Height();
-    hover_x = is_inside ? x : -1;
-    hover_y = is_inside ? y : -1;
-    variables.Mouse_Set(is_inside ? objects.Frame(slice) : nullptr, static_cast<float>(x), static_cast<float>(y));
+    if (x >= 0 && x < session.Width() && y >= 0 && y < session.Height()) {
+        Voxel_Hover({x, y, slice});
+    } else {
+        Hover_End();
+    }
+}
+
+void Application::Voxel_Hover(const Shown_Voxel& voxel) {
+    hovered = voxel;
+    variables.Mouse_Set(objects.Frame(voxel.slice), static_cast<float>(voxel.x), static_cast<float>(voxel.y));
     hub.Note(Change::Mouse);
 }
 
 void Application::Hover_End() {
-    hover_x = hover_y = -1;
+    hovered.reset();
     variables.Mouse_Set(nullptr, 0.0F, 0.0F);
     hub.Note(Change::Mouse);
 }
 
 void Application::Voxel_Show() {
-    const int tag = hover_x >= 0 ? session.Labels().At(hover_x, hover_y, slice) : 0;
+    const Shown_Voxel at = hovered.value_or(Shown_Voxel{-1, -1, slice});
+    const int tag = hovered.has_value() ? session.Labels().At(at.x, at.y, at.slice) : 0;
     status_line.Voxel_Set(Wide_Of_Utf8(
-        Voxel_Text(session, hover_x, hover_y, slice, Utf8_Of_Wide(Wide_Of_Panel(variables.Tag_Name(tag).c_str())))));
+        Voxel_Text(session, at.x, at.y, at.slice, Utf8_Of_Wide(Wide_Of_Panel(variables.Tag_Name(tag).c_str())))));
+}
+
+std::vector<Placed_Marker> Application::Placed_Markers() const {
+    std::vector<Placed_Marker> placed;
+    for (int marker = 0; marker < MARKER_NB; ++marker) {
+        if (const Marker place = session.Markers().Get(marker); place.is_placed) {
+            placed.push_back({marker,
+                              {place.x, place.y, place.slice},
+                              variables.Marker_Color(marker),
+                              Wide_Of_Panel(variables.Marker_Name(marker).c_str()),
+                              marker == variables.Marker_Cur()});
+        }
+    }
+    return placed;
+}
+
+Plane_Host Application::Plane_Services() {
+    Plane_Host host;
+    host.slice = [this] { return slice; };
+    host.slice_go = [this](int wanted) { Slice_Go(wanted); };
+    host.sides = [this] { return volumes.View(volumes.Current()).orientation; };
+    host.ground = [this] { return Content(); };
+    host.markers = [this] { return Placed_Markers(); };
+    host.stroke_begin = [this](const Plane_Cut& cut, int x, int y, bool erase) {
+        const Pixel_Rect changed = session.Stroke_Begin(cut, variables.Brush(), x, y, Stroke_Ink(erase));
+        hub.Note(Change::Stroke);
+        return changed;
+    };
+    host.stroke_move = [this](int x, int y) { return Stroke_Move(x, y); };
+    host.stroke_end = [this] { Stroke_End(); };
+    host.pick = [this](const Shown_Voxel& voxel) { Voxel_Pick(voxel); };
+    host.marker_press = [this](const Shown_Voxel& voxel, std::optional<int> hit) { Voxel_Marker_Press(voxel, hit); };
+    host.marker_move = [this](const Shown_Voxel& voxel) { Voxel_Marker_Move(voxel); };
+    host.marker_release = [this] { Marker_Release(); };
+    host.hover = [this](const Shown_Voxel& voxel) { Voxel_Hover(voxel); };
+    host.hover_end = [this] { Hover_End(); };
+    host.window_drag = [this](float dx, float dy) { Window_Drag(dx, dy); };
+    host.moved = [this] { hub.Note(Change::View); };
+    return host;
+}
+
+void Application::Cross_Move(int x, int y) {
+    planes.Cross_Set({x, y, slice});
+}
+
+void Application::Cross_To_Cursor() {
+    if (Has_Cursor()) {
+        planes.Cross_Set({image.Slices().Cursor_X(), image.Slices().Cursor_Y(), slice});
+    }
+}
+
+void Application::Overlay_Opacity_Ask() {
+    const auto answer = Prompt(window.Handle(), L"Opacity of TAG colours", L"Per cent over the image (0 to 100):",
+                               std::to_wstring(settings.Now().overlay_opacity));
+    if (!answer) {
+        return;
+    }
+    wchar_t* rest = nullptr;
+    const long percent = std::wcstol(answer->c_str(), &rest, 10);
+    if (rest == answer->c_str() || *rest != 0 || percent < 0 || percent > 100) {
+        Warn("\"" + Utf8_Of_Wide(*answer) + "\" is no number from 0 to 100.");
+        return;
+    }
+    settings.Now().overlay_opacity = static_cast<int>(percent);
+    hub.Note(Change::View);
+}
+
+void Application::Planes_Show(bool shown) {
+    image.Planes_Show(shown);
+    report.Line(std::string("planes ") + (shown ? "shown" : "hidden"));
 }
 
 }  // namespace workbench

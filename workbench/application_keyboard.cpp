@@ -26,14 +26,14 @@ Focus_Host Application::Focus_Services() {
     Focus_Host services;
     services.is_database = [this] { return database.Is_Shown(); };
     services.mark = [this](Pane pane) { Focus_Mark(pane); };
-    services.cursor_end = [this] { image.Cursor_Set(false); };
+    services.cursor_end = [this] { image.Slices().Cursor_Set(false); };
     services.fold = [this](int tool) { tool_area.Fold_Toggle(tool); };
     services.tell = [this](const char* text) { Status(Wide_Of_Utf8(text)); };
     return services;
 }
 
 void Application::Focus_Mark(Pane pane) {
-    image.Focus_Set(pane == Pane::Image);
+    image.Slices().Focus_Set(pane == Pane::Image);
     tool_area.Focus_Set(Is_Tool_Pane(pane) ? Tool_Of(pane) : -1);
     database.Focus_Set(pane == Pane::Database);
     report.Line("focus " + std::to_string(static_cast<int>(pane)));
@@ -64,8 +64,8 @@ void Application::Marker_Rename_Ask() {
 }
 
 void Application::Cursor_Set(bool on) {
-    image.Cursor_Set(on);
-    if (image.Is_Cursor()) {
+    image.Slices().Cursor_Set(on);
+    if (image.Slices().Is_Cursor()) {
         focus.Set(Pane::Image);
         Status(L"Arrows move the cursor, Shift+arrows by ten; Space paints, Backspace erases, Enter holds the pen");
     } else {
@@ -74,34 +74,34 @@ void Application::Cursor_Set(bool on) {
 }
 
 bool Application::Has_Cursor() {
-    if (!image.Is_Cursor()) {
+    if (!image.Slices().Is_Cursor()) {
         Status(L"I starts the keyboard cursor in the image");
     }
-    return image.Is_Cursor();
+    return image.Slices().Is_Cursor();
 }
 
 void Application::Cursor_Act(bool erase) {
     if (Has_Cursor()) {
-        image.Cursor_Act(erase);
+        image.Slices().Cursor_Act(erase);
     }
 }
 
 void Application::Cursor_Pen_Set(bool down) {
     if (Has_Cursor()) {
-        image.Pen_Set(down);
-        Status(image.Is_Pen_Down() ? L"The pen is down: arrows draw, Enter lifts it" : L"The pen is lifted");
+        image.Slices().Pen_Set(down);
+        Status(image.Slices().Is_Pen_Down() ? L"The pen is down: arrows draw, Enter lifts it" : L"The pen is lifted");
     }
 }
 
 void Application::Cursor_Pick() {
     if (Has_Cursor()) {
-        image.Cursor_Pick();
+        image.Slices().Cursor_Pick();
     }
 }
 
 bool Application::Pane_Key(int key) {
-    if (key == KEY_ESCAPE && (focus.Now() != Pane::None || image.Is_Cursor())) {
-        image.Cursor_Set(false);
+    if (key == KEY_ESCAPE && (focus.Now() != Pane::None || image.Slices().Is_Cursor())) {
+        image.Slices().Cursor_Set(false);
         focus.Set(Pane::None);
         return false;  // closes the banner too
     }
@@ -146,22 +146,22 @@ bool Application::Pane_Command(int key) {
 }
 
 bool Application::Cursor_Key(int key) {
-    if (!image.Is_Cursor()) {
+    if (!image.Slices().Is_Cursor()) {
         return false;
     }
     const int step = Is_Shift() ? LARGE_STEP : 1;
     switch (key) {
         case KEY_LEFT:
-            image.Cursor_Move(-step, 0);
+            image.Slices().Cursor_Move(-step, 0);
             return true;
         case KEY_RIGHT:
-            image.Cursor_Move(step, 0);
+            image.Slices().Cursor_Move(step, 0);
             return true;
         case KEY_UP:
-            image.Cursor_Move(0, -step);
+            image.Slices().Cursor_Move(0, -step);
             return true;
         case KEY_DOWN:
-            image.Cursor_Move(0, step);
+            image.Slices().Cursor_Move(0, step);
             return true;
         default:
             return false;

@@ -25,6 +25,10 @@ void Application::Report_Places(Json_Text& out) const {
     out.Object_Begin("places");
     Place_Write(out, "window", window.Handle());
     Place_Write(out, "image", image.Handle());
+    if (image.Is_Planes()) {
+        Place_Write(out, "plane_0", image.Other(0).Handle());
+        Place_Write(out, "plane_1", image.Other(1).Handle());
+    }
     Place_Write(out, "tag", tag_host->Handle());
     Place_Write(out, "brush", brush_host->Handle());
     Place_Write(out, "frames", propagate_host->Handle());
@@ -38,21 +42,37 @@ void Application::Report_Places(Json_Text& out) const {
 }
 
 void Application::Report_View(Json_Text& out) const {
-    const View_Layout view = image.Layout();
-    out.Object_Begin("slice_place");  // in the image's window, real pixels
-    out.Real("left", view.To_Screen_X(0));
-    out.Real("top", view.To_Screen_Y(0));
-    out.Real("scale_x", view.scale_x);
-    out.Real("scale_y", view.scale_y);
-    out.Number("width", session.Has_Volume() ? session.Image().nx : 0);
-    out.Number("height", session.Has_Volume() ? session.Image().ny : 0);
-    out.Object_End();
+    // Pictures in the windows of their views, real pixels.
+    const auto place = [&out, this](const char* name, const View_Layout& view) {
+        out.Object_Begin(name);
+        out.Real("left", view.To_Screen_X(0));
+        out.Real("top", view.To_Screen_Y(0));
+        out.Real("scale_x", view.scale_x);
+        out.Real("scale_y", view.scale_y);
+        out.Number("width", session.Has_Volume() ? view.slice_width : 0);
+        out.Number("height", session.Has_Volume() ? view.slice_height : 0);
+        out.Object_End();
+    };
+    place("slice_place", image.Slices().Layout());
+    out.Number("planes", image.Is_Planes() ? 1 : 0);
+    for (int view = 0; image.Is_Planes() && session.Has_Volume() && view < Plane_Views::VIEW_NB; ++view) {
+        place(view == 0 ? "plane_place_0" : "plane_place_1", image.Other(view).Layout());
+        out.Text("plane_text_" + std::to_string(view), Utf8_Of_Wide(image.Other(view).Caption()));
+    }
+    if (session.Has_Volume()) {
+        const Shown_Voxel cross = planes.Cross();
+        out.List_Begin("cross");
+        for (const int at : {cross.x, cross.y, cross.slice}) {
+            out.Number({}, at);
+        }
+        out.List_End();
+    }
     out.Number("space", variables.Dimensions().space);  // between widgets
     out.Number("contract_reports", Contract_Report_Nb());
     out.Number("rounds_told", rounds_told);  // but for what follows the mouse
     out.Number("focus", static_cast<int>(focus.Now()));
-    out.Number("cursor_x", image.Is_Cursor() ? image.Cursor_X() : -1);
-    out.Number("cursor_y", image.Is_Cursor() ? image.Cursor_Y() : -1);
+    out.Number("cursor_x", image.Slices().Is_Cursor() ? image.Slices().Cursor_X() : -1);
+    out.Number("cursor_y", image.Slices().Is_Cursor() ? image.Slices().Cursor_Y() : -1);
     out.Number("alike", color_advisor.Alike_Nb());
     out.Number("light", look.Theme() == Library_Theme::Light ? 1 : 0);
     out.Number("scale_x100", std::lround(look.Scale() * 100.0F));

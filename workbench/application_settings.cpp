@@ -56,6 +56,7 @@ void Application::Settings_Apply() {
     not_opened_list.Place_Set(kept.list_window, look.Px(TOOL_WIDTH));
     read_list.Place_Set(kept.facts_window, look.Px(TOOL_WIDTH));
     tool_area.Folded_Set(kept.folded);
+    image.Planes_Show(kept.is_planes_shown);
     trace.Show(options.trace || kept.is_trace_shown);
     database.View_Set(static_cast<Database_View>(kept.database_view));
     Database_Show(kept.is_database_shown);
@@ -72,6 +73,7 @@ void Application::Settings_Keep() {
     kept.facts_window = read_list.Place_Now();
     kept.is_light = look.Theme() == Library_Theme::Light;
     kept.is_overlay_shown = is_overlay_shown;
+    kept.is_planes_shown = image.Is_Planes();
     kept.is_trace_shown = trace.Is_Shown() && !options.trace;
     kept.is_database_shown = database.Is_Shown();
     kept.database_view = static_cast<int>(database.View());

@@ -183,6 +183,7 @@ void Image_View::Press(UINT message, WPARAM keys, POINT point) {
         return;
     }
     const bool is_shift = (keys & MK_SHIFT) != 0;
+    const bool is_control = (keys & MK_CONTROL) != 0;
     const bool is_left = message == WM_LBUTTONDOWN;
     ::SetCapture(Handle());
     drag_at = point;
@@ -194,9 +195,12 @@ void Image_View::Press(UINT message, WPARAM keys, POINT point) {
         Slider_Drag(point.y);
     } else if (message == WM_MBUTTONDOWN || (message == WM_RBUTTONDOWN && is_shift)) {
         drag = Drag::Window;
+    } else if (is_left && is_shift && is_control) {
+        drag = Drag::Cross;
+        user.Cross_Move(x, y);
     } else if (is_left && is_shift) {
         drag = Drag::Pan;
-    } else if (is_left && (keys & MK_CONTROL) != 0) {
+    } else if (is_left && is_control) {
         user.Pick(x, y);
     } else if (is_left && is_marker_mode) {
         drag = Drag::Marker;
@@ -255,6 +259,9 @@ void Image_View::Move(WPARAM keys, POINT point) {
             break;
         case Drag::Slider:
             Slider_Drag(point.y);
+            break;
+        case Drag::Cross:
+            user.Cross_Move(x, y);
             break;
         default:
             break;

@@ -8,56 +8,12 @@
 
 #include "base/wheel_remainder.h"
 #include "workbench/look.h"
-#include "workbench/model/display_order.h"
+#include "workbench/model/image_user.h"
 #include "workbench/model/painting.h"
-#include "workbench/model/slice_render.h"
 #include "workbench/model/view_geometry.h"
 #include "workbench/window_base.h"
 
 namespace workbench {
-
-struct Shown_Marker {
-    int x = 0;  ///< pixel of the slice
-    int y = 0;
-    std::uint32_t color = 0;  ///< 0x00BBGGRR
-    std::wstring name;
-    bool is_current = false;
-};
-
-/** What the view shows. */
-struct Image_Content {
-    Slice_Source source;  ///< no levels: nothing is loaded
-    Grey_Window window;
-    Tag_Overlay overlay;
-    std::optional<Range_Overlay> range;
-    Display_Order order;
-    std::vector<Shown_Marker> markers;
-    int slice = 0;
-    int slice_nb = 0;
-    double pixel_aspect = 1.0;  ///< height of a pixel by its width
-    std::wstring caption;       ///< at the upper left, lines separated by \n
-};
-
-/** What the view tells the application. Positions are pixels of the slice and may lie outside it while a button is
- *  held. */
-class Image_User {
-  public:
-    virtual ~Image_User() = default;
-    virtual Image_Content Content() const = 0;
-    virtual void Slice_Go(int slice) = 0;
-    /** @param erase the right button. The view repaints the answer */
-    virtual Pixel_Rect Stroke_Begin(int x, int y, bool erase) = 0;
-    virtual Pixel_Rect Stroke_Move(int x, int y) = 0;
-    virtual void Stroke_End() = 0;
-    virtual void Pick(int x, int y) = 0;
-    virtual void Marker_Press(int x, int y) = 0;
-    virtual void Marker_Move(int x, int y) = 0;
-    virtual void Marker_Release() = 0;
-    virtual void Hover(int x, int y) = 0;
-    virtual void Hover_End() = 0;
-    /** Shares of the view that the pointer moved. */
-    virtual void Window_Drag(float dx, float dy) = 0;
-};
 
 class Image_View : public Window_Base {
   public:
@@ -99,13 +55,15 @@ class Image_View : public Window_Base {
     LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override;
 
   private:
-    enum class Drag { None, Stroke, Window, Pan, Marker, Slider };
+    enum class Drag { None, Stroke, Window, Pan, Marker, Slider, Cross };
     void Lay_Out();
     void Render(const Pixel_Rect& part);
     void Paint();
     void Draw_Slice(HDC dc, const RECT& dirty);
     void Draw_Outline(HDC dc) const;
     void Draw_Markers(HDC dc) const;
+    void Draw_Cross(HDC dc) const;
+    void Draw_Scale_Bar(HDC dc) const;
     void Draw_Texts(HDC dc) const;
     void Draw_Slider(HDC dc) const;
     void Draw_Keyboard_Marks(HDC dc) const;

@@ -2,6 +2,8 @@
 #include <cmath>
 
 #include "workbench/image_view.h"
+#include "workbench/model/number_text.h"
+#include "workbench/wide_text.h"
 
 namespace workbench {
 
@@ -9,6 +11,7 @@ namespace {
 
 constexpr COLORREF SLICE_TEXT_SHADOW = RGB(0, 0, 0);
 constexpr COLORREF OUTLINE_COLOR = RGB(255, 255, 255);
+constexpr COLORREF CROSS_COLOR = RGB(90, 170, 255);
 
 /** 0x00RRGGBB of a colour of the window system. */
 std::uint32_t Pixel_Of(COLORREF color) {
@@ -45,11 +48,13 @@ void Image_View::Paint() {
                   look.Font(), look.text_grey, DT_CENTER);
     } else {
         Draw_Slice(memory.Get(), dirty);
+        Draw_Cross(memory.Get());
         Draw_Markers(memory.Get());
         if (is_over && !is_marker_mode && drag != Drag::Window && drag != Drag::Slider) {
             Draw_Outline(memory.Get());
         }
         Draw_Texts(memory.Get());
+        Draw_Scale_Bar(memory.Get());
     }
     Draw_Slider(memory.Get());
     Draw_Keyboard_Marks(memory.Get());
@@ -113,6 +118,51 @@ void Image_View::Draw_Markers(HDC dc) const {
         Draw_Line_Shadowed(dc, {x + arm + look.Px(3), y - look.Px(10), x + look.Px(160), y + look.Px(10)}, marker.name,
                            look.Font(), DT_LEFT);
     }
+}
+
+void Image_View::Draw_Cross(HDC dc) const {
+    if (!content.cross.has_value()) {
+        return;
+    }
+    const int x = layout.To_Screen_X(content.cross->x + 0.5);
+    const int y = layout.To_Screen_Y(content.cross->y + 0.5);
+    const int gap = look.Px(8);  // what the cross-hair points at stays in sight
+    const Pixel_Rect slice = Rect_Common(layout.Slice_On_Screen(), {0, 0, state.view_width, state.view_height});
+    const Gdi_Brush color(::CreateSolidBrush(CROSS_COLOR));
+    const RECT lines[] = {{slice.left, y, std::min(x - gap, slice.right), y + 1},
+                          {std::max(x + gap, slice.left), y, slice.right, y + 1},
+                          {x, slice.top, x + 1, std::min(y - gap, slice.bottom)},
+                          {x, std::max(y + gap, slice.top), x + 1, slice.bottom}};
+    for (const RECT& line : lines) {
+        RECT inside = line;
+        const RECT view = {slice.left, slice.top, slice.right, slice.bottom};
+        if (::IntersectRect(&inside, &line, &view)) {
+            ::FillRect(dc, &inside, color.Get());
+        }
+    }
+}
+
+void Image_View::Draw_Scale_Bar(HDC dc) const {
+    const int margin = look.Px(12);
+    const Scale_Bar bar = Scale_Bar_Of(content.pixel_mm / layout.scale_x, (state.view_width - 2 * margin) / 4);
+    if (bar.length < 1) {
+        return;
+    }
+    const int tick = look.Px(4);
+    const int thick = std::max(look.Px(2), 1);
+    const int bottom = state.view_height - margin;
+    const RECT parts[] = {{margin, bottom - thick, margin + bar.length, bottom},
+                          {margin, bottom - tick - thick, margin + thick, bottom},
+                          {margin + bar.length - thick, bottom - tick - thick, margin + bar.length, bottom}};
+    for (RECT shadow : parts) {
+        ::InflateRect(&shadow, 1, 1);
+        Fill(dc, shadow, SLICE_TEXT_SHADOW);
+    }
+    for (const RECT& part : parts) {
+        Fill(dc, part, OUTLINE_COLOR);
+    }
+    Draw_Line_Shadowed(dc, {margin, bottom - tick - look.Px(20), margin + look.Px(160), bottom - tick - look.Px(2)},
+                       Wide_Of_Utf8(Number_Text(bar.mm) + " mm"), look.Font(), DT_LEFT);
 }
 
 void Image_View::Draw_Texts(HDC dc) const {

@@ -17,14 +17,15 @@ namespace {
 struct Expectation {
     Change change;
     unsigned long long panel_flags;
-    std::string shown;  // a letter for each: image, outline of the brush, notes, title, voxel, colours, peaks' source
+    std::string shown;  // a letter for each: image, its other views, outline of the brush, notes, title, voxel,
+                        // colours, peaks' source
 };
 
 constexpr unsigned long long STATES = UPDATE_TAG_ENABLE | UPDATE_TAG_SELECT | UPDATE_TAG_LOCK;
 constexpr unsigned long long VOLUME = UPDATE_WINDOW_CUR | UPDATE_FRAME_CUR | UPDATE_SELECTION | UPDATE_LEVEL_2D |
                                       UPDATE_TAG_ENABLE | UPDATE_TAG_LABEL | UPDATE_HISTO_PAINT;
 const Expectation EXPECTED[] = {
-    {Change::Stroke, 0, "v"},
+    {Change::Stroke, 0, "ov"},
     {Change::Pixels, 0, "itvc"},
     {Change::Markers, UPDATE_TAG_ENABLE, "it"},
     {Change::Marker_Drag, 0, "i"},
@@ -59,7 +60,7 @@ struct Heard {
         hub.Listen(Change_Hub::Stage::Views, [this](Told_Changes& told) {
             for (int shown = 0; shown < SHOWN_NB; ++shown) {
                 if (Is_Shown_In(static_cast<Shown>(shown), told.changes)) {
-                    views += "ibntvcp"[shown];
+                    views += "iobntvcp"[shown];
                 }
             }
         });

@@ -72,14 +72,18 @@ struct Command_Double : File_Actions,
     void Window_Choose(int number) override { Note("Window_Choose", Number(number)); }
     void Overlay_Set(bool on) override { Note("Overlay_Set", Number(on)); }
     bool Is_Overlay() const override { return Is("Is_Overlay"); }
+    void Overlay_Opacity_Ask() override { Note("Overlay_Opacity_Ask"); }
     void Range_Overlay_Set(bool on) override { Note("Range_Overlay_Set", Number(on)); }
     bool Is_Range_Overlay() const override { return Is("Is_Range_Overlay"); }
+    void Planes_Show(bool shown) override { Note("Planes_Show", Number(shown)); }
+    bool Is_Planes() const override { return Is("Is_Planes"); }
     void Cursor_Set(bool on) override { Note("Cursor_Set", Number(on)); }
     bool Is_Cursor() const override { return Is("Is_Cursor"); }
     void Cursor_Act(bool erase) override { Note("Cursor_Act", Number(erase)); }
     void Cursor_Pen_Set(bool down) override { Note("Cursor_Pen_Set", Number(down)); }
     bool Is_Pen_Down() const override { return Is("Is_Pen_Down"); }
     void Cursor_Pick() override { Note("Cursor_Pick"); }
+    void Cross_To_Cursor() override { Note("Cross_To_Cursor"); }
     void Propagate_Step(int direction) override { Note("Propagate_Step", Number(direction)); }
     void Propagate_Repeat(int direction) override { Note("Propagate_Repeat", Number(direction)); }
     void Propagation_Kind_Set(Propagation_Kind kind) override { Note("Propagation_Kind_Set", Number(kind)); }

@@ -24,6 +24,8 @@ Settings Example() {
     settings.facts_window = {11, 12, 13, 14, false};
     settings.is_light = true;
     settings.is_overlay_shown = false;
+    settings.overlay_opacity = 70;
+    settings.is_planes_shown = true;
     settings.is_trace_shown = true;
     settings.is_database_shown = true;
     settings.database_view = 2;
@@ -67,6 +69,8 @@ TEST(Settings, text_and_back_changes_nothing) {
     EXPECT_TRUE(back.is_light);
     EXPECT_EQ(back.folded, 0b10010U);
     EXPECT_TRUE(back.is_wheel_turned);
+    EXPECT_EQ(back.overlay_opacity, 70);
+    EXPECT_TRUE(back.is_planes_shown);
     EXPECT_EQ(back.recent.size(), 2U);
 }
 
@@ -76,16 +80,18 @@ TEST(Settings, nothing_gives_the_defaults) {
     EXPECT_TRUE(Settings_Parse("").is_overlay_shown);
     EXPECT_FALSE(Settings_Parse("").is_wheel_turned);
     EXPECT_EQ(Settings_Parse("").window.width, 0);
+    EXPECT_EQ(Settings_Parse("").overlay_opacity, 45);
+    EXPECT_FALSE(Settings_Parse("").is_planes_shown);
 }
 
 TEST(Settings, a_damaged_line_costs_only_itself) {
     int ignored = 0;
     const Settings settings = Settings_Parse(
         "workbench settings\ntheme purple\nwindow 1 2 3\nwindow 1 2 300 x\nwindow 1 2 0 5\ndatabase_width 99999999999\n"
-        "database_view -1\nfolded_panels 256\nenlarged_wheel_turned 2\ntag_colours yes\nnonsense\nrecent "
+        "database_view -1\nfolded_panels 256\nenlarged_wheel_turned 2\ntag_colours yes\ntag_opacity 101\nthree_planes 2\nnonsense\nrecent "
         "\n\r\ndatabase 1\r\ntheme light\n",
         &ignored);
-    EXPECT_EQ(ignored, 11);
+    EXPECT_EQ(ignored, 13);
     EXPECT_FALSE(settings.is_wheel_turned);
     EXPECT_TRUE(settings.is_database_shown);
     EXPECT_TRUE(settings.is_light);

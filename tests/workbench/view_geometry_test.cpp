@@ -86,4 +86,23 @@ TEST(View_Geometry, zoom_steps_stay_in_range_and_meet_whole_factors) {
     EXPECT_DOUBLE_EQ(Zoom_Step(layout, -100), ZOOM_MIN);
 }
 
+TEST(View_Geometry, the_scale_bar_is_the_longest_round_length_that_fits) {
+    struct Case {
+        double pixel_mm;
+        int most;
+        int length;
+        double mm;
+    };
+    for (const Case& of : {Case{1.0, 100, 100, 100.0}, Case{1.0, 99, 50, 50.0}, Case{0.5, 99, 40, 20.0},
+                           Case{0.03, 200, 167, 5.0}, Case{0.001, 200, 200, 0.2}, Case{12.5, 7, 4, 50.0}}) {
+        const Scale_Bar bar = Scale_Bar_Of(of.pixel_mm, of.most);
+        EXPECT_EQ(bar.length, of.length) << of.pixel_mm;
+        EXPECT_NEAR(bar.mm, of.mm, 1e-9) << of.pixel_mm;
+    }
+    for (const double unknown : {0.0, -1.0, std::nan("")}) {
+        EXPECT_EQ(Scale_Bar_Of(unknown, 100).length, 0);
+    }
+    EXPECT_EQ(Scale_Bar_Of(1.0, 0).length, 0);
+}
+
 }  // namespace

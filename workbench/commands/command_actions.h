@@ -99,8 +99,12 @@ class View_Actions {
     virtual void Window_Choose(int number) = 0;
     virtual void Overlay_Set(bool on) = 0;
     virtual bool Is_Overlay() const = 0;
+    virtual void Overlay_Opacity_Ask() = 0;
     virtual void Range_Overlay_Set(bool on) = 0;
     virtual bool Is_Range_Overlay() const = 0;
+    /** The other two planes of the volume beside its slices. */
+    virtual void Planes_Show(bool shown) = 0;
+    virtual bool Is_Planes() const = 0;
 };
 
 /** The keyboard's cursor in the image. */
@@ -113,6 +117,8 @@ class Cursor_Actions {
     virtual void Cursor_Pen_Set(bool down) = 0;
     virtual bool Is_Pen_Down() const = 0;
     virtual void Cursor_Pick() = 0;
+    /** Takes the cross-hair of the three planes to the cursor. */
+    virtual void Cross_To_Cursor() = 0;
 };
 
 class Propagation_Actions {

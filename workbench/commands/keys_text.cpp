@@ -19,7 +19,7 @@ constexpr Gesture PANEL_KEYS[] = {
     {"X", "folds or unfolds the marked panel"},
     {"Image",
      "with the keyboard cursor (I): arrows move it, Shift+arrows by ten pixels, Space paints or places the "
-     "marker, Backspace erases, Enter holds the pen down and lifts it, A picks the TAG"},
+     "marker, Backspace erases, Enter holds the pen down and lifts it, A picks the TAG, J takes the cross-hair there"},
     {"TAG", "arrows, Home, End: other TAG; Space: show or hide it; Enter: name"},
     {"Brush", "arrows, Home, End: other brush"},
     {"Frames",
@@ -47,6 +47,7 @@ constexpr Gesture MOUSE_GESTURES[] = {
     {"Ctrl + left on the image", "pick the TAG under the pointer"},
     {"Wheel over the image", "other slice; with Ctrl: zoom"},
     {"Shift + left drag", "move the image"},
+    {"Ctrl + Shift + left drag", "move the cross-hair; the other planes (Y) follow"},
     {"Middle drag, Shift + right drag", "window (sideways) and level (up and down)"},
     {"Left button on a panel", "pick"},
     {"Right button on a TAG or marker", "name it; in threshold mode: the TAG's lower threshold"},

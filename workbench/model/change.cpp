@@ -52,6 +52,8 @@ constexpr std::array<Changes, SHOWN_NB> SHOWN_CHANGES = {
     WORK | OTHER_IMAGE |
         Changes{Change::Marker_Drag, Change::Tag_Nb, Change::Tag_Shown, Change::Current_Tag, Change::Current_Marker,
                 Change::View},
+    // Other_Views
+    Changes{Change::Stroke},
     // Brush_Outline
     Changes{Change::Brush, Change::Opened},
     // Notes

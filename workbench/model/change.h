@@ -67,6 +67,7 @@ class Changes {
 /** What shows changes beside the panels. */
 enum class Shown {
     Image,
+    Other_Views,    ///< of the image, while one is painted in; Image shows all of them anew
     Brush_Outline,  ///< over the image
     Notes,          ///< in the headings of the panels
     Title,          ///< of the window, and the note of the last step for a report of a crash

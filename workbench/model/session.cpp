@@ -234,18 +234,47 @@ Pixel_Rect Session::Stroke_Begin(int slice, const Brush_Footprint& brush, int x,
     if (target.pixels.empty()) {
         return {};
     }
-    stroke = Stroke{slice, brush, ink, x, y, {target.pixels.begin(), target.pixels.end()}};
+    stroke = Stroke{slice, brush, ink, x, y, {target.pixels.begin(), target.pixels.end()}, std::nullopt, {}};
     Slice_Touch(slice);
     return Paint_Dab(target, stroke->brush, x, y, ink);
+}
+
+Pixel_Rect Session::Stroke_Begin(const Plane_Cut& cut, const Brush_Footprint& brush, int x, int y,
+                                 const Paint_Ink& ink) {
+    Stroke_End();
+    if (!volume || cut.geometry.voxel_nb != std::array<int, 3>{Width(), Height(), Slice_Nb()} || cut.depth < 0 ||
+        cut.depth >= cut.geometry.Depth_Nb()) {
+        return {};
+    }
+    std::vector<std::uint8_t> picture(cut.geometry.Pixel_Nb());
+    Plane_Copy(std::as_const(labels).All(), cut.geometry, cut.depth, cut.geometry.Whole(), std::span(picture));
+    std::vector<std::uint8_t> before = picture;
+    stroke = Stroke{0, brush, ink, x, y, std::move(before), cut, std::move(picture)};
+    return Picture_Take(Paint_Dab({stroke->picture, cut.geometry.Width(), cut.geometry.Height()}, brush, x, y, ink));
+}
+
+Pixel_Rect Session::Picture_Take(const Pixel_Rect& changed) {
+    const Plane_Cut& cut = *stroke->cut;
+    Plane_Write(stroke->picture, cut.geometry, cut.depth, changed, labels.All());
+    const Touched_Slices touched = Plane_Slices(cut.geometry, cut.depth, changed);
+    for (int slice = touched.first; slice <= touched.last; ++slice) {
+        Slice_Touch(slice);
+    }
+    return changed;
 }
 
 Pixel_Rect Session::Stroke_Move(int x, int y) {
     if (!stroke) {
         return {};
     }
-    Slice_Touch(stroke->slice);
     const int x0 = std::exchange(stroke->x, x);
     const int y0 = std::exchange(stroke->y, y);
+    if (stroke->cut.has_value()) {
+        const Plane_Geometry& geometry = stroke->cut->geometry;
+        const Paint_Target target = {stroke->picture, geometry.Width(), geometry.Height()};
+        return Picture_Take(Paint_Line(target, stroke->brush, x0, y0, x, y, stroke->ink));
+    }
+    Slice_Touch(stroke->slice);
     return Paint_Line(Target(stroke->slice), stroke->brush, x0, y0, x, y, stroke->ink);
 }
 
@@ -256,7 +285,23 @@ bool Session::Stroke_End() {
     const Stroke ended = std::move(*stroke);
     stroke.reset();
     ++change_nb;
-    return Push_Slice(ended.ink.tag == 0 ? "Erase" : "Stroke", ended.slice, ended.before);
+    const char* const title = ended.ink.tag == 0 ? "Erase" : "Stroke";
+    return ended.cut.has_value() ? Push_Cut(title, ended) : Push_Slice(title, ended.slice, ended.before);
+}
+
+bool Session::Push_Cut(const char* title, const Stroke& ended) {
+    try {
+        Voxel_Change change;
+        change.slices = Plane_Changes(ended.cut->geometry, ended.cut->depth, ended.before, ended.picture);
+        if (change.slices.empty()) {
+            return false;
+        }
+        Push({title, std::move(change)});
+        return true;
+    } catch (const std::bad_alloc&) {
+        journal.Mark_Unsaved();  // as in Push_Slice
+        throw;
+    }
 }
 
 bool Session::Push_Slice(const char* title, int slice, std::span<const std::uint8_t> before) {

@@ -21,6 +21,7 @@
 #include "workbench/model/painting.h"
 #include "workbench/model/propagation.h"
 #include "workbench/model/undo_journal.h"
+#include "workbench/model/volume_planes.h"
 #include "workbench/volumes/nifti_reader.h"
 #include "workbench/volumes/volume.h"
 
@@ -121,6 +122,8 @@ class Session {
     // A stroke: begin, any number of moves, end. Undo takes back the whole stroke.
     /** @param brush kept for the stroke */
     Pixel_Rect Stroke_Begin(int slice, const Brush_Footprint& brush, int x, int y, const Paint_Ink& ink);
+    /** The same on a picture of another plane. @return pixels of that picture, here and in Stroke_Move */
+    Pixel_Rect Stroke_Begin(const Plane_Cut& cut, const Brush_Footprint& brush, int x, int y, const Paint_Ink& ink);
     Pixel_Rect Stroke_Move(int x, int y);
     /** @return true when the stroke changed a pixel */
     bool Stroke_End();
@@ -168,8 +171,13 @@ class Session {
         Paint_Ink ink;
         int x = 0;
         int y = 0;
-        std::vector<std::uint8_t> before;
+        std::vector<std::uint8_t> before;   // of the slice or the picture
+        std::optional<Plane_Cut> cut;       // no value: the slice itself is painted on
+        std::vector<std::uint8_t> picture;  // of the cut, as it is now
     };
+    /** Takes over what was painted on the picture of a cut. @return the same pixels */
+    Pixel_Rect Picture_Take(const Pixel_Rect& changed);
+    bool Push_Cut(const char* title, const Stroke& ended);
     Paint_Target Target(int slice);
     /** Puts markers to places in a label volume that lies so on the image. */
     void Markers_Take(std::span<const Marker_Description> described, const Grid_Match& match);

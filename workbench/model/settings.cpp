@@ -112,6 +112,12 @@ bool Take_Line(std::string_view name, std::string_view value, Settings& settings
         settings.folded = is_known ? static_cast<unsigned int>(bits) : settings.folded;
         return is_known;
     }
+    if (name == "tag_opacity") {
+        return Take_Number(value, 0, 100, settings.overlay_opacity);
+    }
+    if (name == "three_planes") {
+        return Take_Flag(value, settings.is_planes_shown);
+    }
     if (name == "enlarged_wheel_turned") {
         return Take_Flag(value, settings.is_wheel_turned);
     }
@@ -173,6 +179,8 @@ std::string Settings_Text(const Settings& settings) {
     flag("window_maximized", settings.window.is_maximized);
     line("theme", settings.is_light ? "light" : "dark");
     flag("tag_colours", settings.is_overlay_shown);
+    line("tag_opacity", std::to_string(settings.overlay_opacity));
+    flag("three_planes", settings.is_planes_shown);
     flag("trace_view", settings.is_trace_shown);
     flag("database", settings.is_database_shown);
     line("database_view", std::to_string(settings.database_view));

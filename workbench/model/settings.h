@@ -30,6 +30,8 @@ struct Settings {
     Window_Place facts_window;     ///< of what was read
     bool is_light = false;         ///< theme
     bool is_overlay_shown = true;
+    int overlay_opacity = 45;      ///< per cent of the TAG colours over the image
+    bool is_planes_shown = false;  ///< the other two planes beside the slices
     bool is_trace_shown = false;
     bool is_database_shown = false;
     int database_view = 0;            ///< tab

@@ -97,4 +97,19 @@ void View_Pan(View_State& state, int dx, int dy) {
     state.center_y = moved(state.center_y, dy, state.view_height, height);
 }
 
+Scale_Bar Scale_Bar_Of(double pixel_mm, int most) {
+    const double room = pixel_mm * most;
+    if (most < 1 || !(pixel_mm > 0.0) || !std::isfinite(room)) {
+        return {};
+    }
+    const double decade = std::pow(10.0, std::floor(std::log10(room)));
+    // Rounding in the logarithm may be one decade off either way.
+    for (const double step : {10.0, 5.0, 2.0, 1.0, 0.5}) {
+        if (const double mm = step * decade; mm <= room * (1.0 + 1e-12)) {
+            return {std::min(static_cast<int>(std::lround(mm / pixel_mm)), most), mm};
+        }
+    }
+    return {};
+}
+
 }  // namespace workbench

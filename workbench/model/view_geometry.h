@@ -48,6 +48,13 @@ struct View_State {
 View_Layout View_Layout_Make(const View_State& state);
 /** The zoom after a step in or out. @param layout what is shown now; @param steps positive: larger */
 double Zoom_Step(const View_Layout& layout, int steps);
+/** A length to compare with: 1, 2 or 5 times a power of ten. */
+struct Scale_Bar {
+    int length = 0;  ///< screen pixels; 0: there is none
+    double mm = 0.0;
+};
+/** The longest that fits. @param pixel_mm millimetres of a screen pixel; 0 or less: not known */
+Scale_Bar Scale_Bar_Of(double pixel_mm, int most);
 /** Moves the centre so that the slice follows the pointer by so many screen pixels. */
 void View_Pan(View_State& state, int dx, int dy);
 

@@ -69,8 +69,9 @@ class Screen:
         self.test.XTestFakeKeyEvent(self.display, code, int(is_down), 0)
 
     def hold(self, modifier, is_down):
-        """Holds a modifier down, or lets it go."""
-        self._press(self._named(MODIFIERS[modifier])[0], is_down)
+        """Holds a modifier down, or several ("ctrl+shift"), or lets them go."""
+        for name in modifier.split("+"):
+            self._press(self._named(MODIFIERS[name])[0], is_down)
         self._sync()
 
     def _named(self, name):

@@ -305,18 +305,20 @@ class Workbench:
         buttons = [part for part in parts if part["name"]]
         return self.press_at(*Box(buttons[number]["place"]).point(), button)
 
-    def in_image(self, x, y):
-        """The place on the screen of a point of the slice, by shares of its width and height in percent."""
+    def in_image(self, x, y, plane=None):
+        """The place on the screen of a point of the slice, or of the picture of another plane (0 or 1), by shares of
+        its width and height in percent."""
         state = self.state()
-        box, slice_place = state.box("image"), state.slice_place
-        return (int(box.left + slice_place["left"] + slice_place["width"] * slice_place["scale_x"] * x / 100),
-                int(box.top + slice_place["top"] + slice_place["height"] * slice_place["scale_y"] * y / 100))
+        box = state.box("image" if plane is None else f"plane_{plane}")
+        picture = state.slice_place if plane is None else getattr(state, f"plane_place_{plane}")
+        return (int(box.left + picture["left"] + picture["width"] * picture["scale_x"] * x / 100),
+                int(box.top + picture["top"] + picture["height"] * picture["scale_y"] * y / 100))
 
-    def click_image(self, x, y, button=1, held=None):
-        return self.press_at(*self.in_image(x, y), button, held)
+    def click_image(self, x, y, button=1, held=None, plane=None):
+        return self.press_at(*self.in_image(x, y, plane), button, held)
 
-    def stroke(self, begin, end, button=1):
-        return self.drag(self.in_image(*begin), self.in_image(*end), button)
+    def stroke(self, begin, end, button=1, plane=None):
+        return self.drag(self.in_image(*begin, plane), self.in_image(*end, plane), button)
 
     # ------------------------------------------------------------------------------------------------------- the end
     def wait_ended(self):

@@ -1,0 +1,250 @@
+// What the views of the other planes show and tell, without their windows.
+#include "workbench/parts/plane_views.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <optional>
+#include <vector>
+
+using namespace workbench;
+
+namespace {
+
+constexpr int NX = 7;
+constexpr int NY = 5;
+constexpr int NZ = 4;
+
+/** A volume whose level tells its place: x + 10 y + 100 slice, in the order of the file. */
+volumes::Volume Numbered_Volume() {
+    volumes::Volume volume;
+    volume.nx = NX;
+    volume.ny = NY;
+    volume.nz = NZ;
+    volume.nt = 2;
+    volume.spacing = {1.0, 2.0, 4.0};
+    volume.affine = {{{1, 0, 0, 0}, {0, 2, 0, 0}, {0, 0, 4, 0}}};
+    volume.affine_source = volumes::Affine_Source::Sform;
+    for (int t = 0; t < volume.nt; ++t) {
+        for (int z = 0; z < NZ; ++z) {
+            for (int y = 0; y < NY; ++y) {
+                for (int x = 0; x < NX; ++x) {
+                    volume.levels.push_back(x + 10 * y + 100 * z + 1000 * t);
+                }
+            }
+        }
+    }
+    return volume;
+}
+
+/** An application that notes what it is asked for. */
+class Plane_Watch : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        session.Take(Numbered_Volume(), "numbered.nii");
+        views.Volume_Look();
+    }
+    Plane_Host Host() {
+        Plane_Host host;
+        host.slice = [this] { return slice; };
+        host.slice_go = [this](int wanted) {
+            slice = wanted;
+            ++slice_moves;
+        };
+        host.sides = [this] { return sides; };
+        host.ground = [] {
+            Image_Content content;
+            content.window = {3.0F, 9.0F};
+            content.source.slope = 2.0F;
+            content.caption = L"of the slices";
+            content.markers.push_back({1, 1, 0, L"of the slices", true});
+            return content;
+        };
+        host.markers = [this] { return markers; };
+        host.stroke_begin = [this](const Plane_Cut& cut, int x, int y, bool erase) {
+            stroke = cut.geometry.To_Voxel({x, y, cut.depth});
+            is_erasing = erase;
+            return Pixel_Rect{x, y, x + 1, y + 1};
+        };
+        host.stroke_move = [](int x, int y) { return Pixel_Rect{x, y, x + 1, y + 1}; };
+        host.stroke_end = [this] { ++stroke_ends; };
+        host.pick = [this](const Shown_Voxel& voxel) { picked = voxel; };
+        host.marker_press = [this](const Shown_Voxel& voxel, std::optional<int> marker) {
+            pressed = voxel;
+            hit = marker;
+        };
+        host.marker_move = [this](const Shown_Voxel& voxel) { pressed = voxel; };
+        host.marker_release = [] {};
+        host.hover = [this](const Shown_Voxel& voxel) { hovered = voxel; };
+        host.hover_end = [this] { hovered.reset(); };
+        host.window_drag = [](float, float) {};
+        host.moved = [this] { ++moves; };
+        return host;
+    }
+    /** The level that stands at a place of the display. */
+    std::int32_t Level(const Shown_Voxel& voxel) const {
+        return session.Image().levels[session.Image().Index(voxel.x, voxel.y, voxel.slice)];
+    }
+
+    Session session;
+    int slice = 1;
+    int slice_moves = 0;
+    int moves = 0;
+    int stroke_ends = 0;
+    bool is_erasing = false;
+    std::string sides;
+    std::vector<Placed_Marker> markers;
+    std::optional<Shown_Voxel> stroke;
+    std::optional<Shown_Voxel> picked;
+    std::optional<Shown_Voxel> pressed;
+    std::optional<Shown_Voxel> hovered;
+    std::optional<int> hit;
+    Plane_Views views{session, Host()};
+};
+
+TEST_F(Plane_Watch, shows_the_planes_that_the_slices_do_not_lie_in) {
+    EXPECT_EQ(views.Slice_Plane(), Plane::Axial);
+    EXPECT_EQ(views.Plane_Of(0), Plane::Coronal);
+    EXPECT_EQ(views.Plane_Of(1), Plane::Sagittal);
+    EXPECT_EQ(views.Cross(), (Shown_Voxel{3, 2, 1}));
+    const Image_Content coronal = views.User(0).Content();
+    EXPECT_EQ(coronal.source.width, NX);
+    EXPECT_EQ(coronal.source.height, NZ);
+    EXPECT_EQ(coronal.slice_nb, NY);
+    EXPECT_DOUBLE_EQ(coronal.pixel_aspect, 4.0);
+    EXPECT_DOUBLE_EQ(coronal.pixel_mm, 1.0);
+    EXPECT_EQ(coronal.order.top, 'S');
+    EXPECT_EQ(coronal.order.left, 'R');
+    const Image_Content sagittal = views.User(1).Content();
+    EXPECT_EQ(sagittal.source.width, NY);
+    EXPECT_EQ(sagittal.source.height, NZ);
+    EXPECT_DOUBLE_EQ(sagittal.pixel_aspect, 2.0);
+    EXPECT_DOUBLE_EQ(sagittal.pixel_mm, 2.0);
+    // The window is the slices' own; the texts and markers are not.
+    EXPECT_EQ(sagittal.window.low, 3.0F);
+    EXPECT_EQ(sagittal.source.slope, 2.0F);
+    EXPECT_EQ(sagittal.caption, L"Sagittal 4 / 7");
+    EXPECT_TRUE(sagittal.markers.empty());
+    // Top left of the coronal picture: the right side of the last slice, in the row of the cross-hair.
+    EXPECT_EQ(coronal.source.levels[0], Level({0, 2, NZ - 1}));
+    EXPECT_EQ(coronal.source.levels[NX * (NZ - 1) + 2], Level({2, 2, 0}));
+    EXPECT_EQ(sagittal.source.levels[1], Level({3, 1, NZ - 1}));
+}
+
+TEST_F(Plane_Watch, a_volume_of_sagittal_slices_gets_the_other_two) {
+    volumes::Volume volume = Numbered_Volume();
+    volume.affine = {{{0, 0, 4, 0}, {1, 0, 0, 0}, {0, 2, 0, 0}}};
+    session.Take(std::move(volume), "sagittal.nii");
+    views.Volume_Look();
+    EXPECT_EQ(views.Slice_Plane(), Plane::Sagittal);
+    EXPECT_EQ(views.Plane_Of(0), Plane::Axial);
+    EXPECT_EQ(views.Plane_Of(1), Plane::Coronal);
+    const Image_Content axial = views.User(0).Content();
+    EXPECT_EQ(axial.source.width, NZ);
+    EXPECT_EQ(axial.source.height, NX);
+    EXPECT_EQ(axial.order.left, 'R');
+    EXPECT_EQ(axial.order.top, 'A');
+}
+
+TEST_F(Plane_Watch, sides_that_the_file_does_not_tell_are_the_users) {
+    volumes::Volume volume = Numbered_Volume();
+    volume.affine_source = volumes::Affine_Source::Spacing;
+    session.Take(std::move(volume), "unknown.nii");
+    views.Volume_Look();
+    EXPECT_EQ(views.User(0).Content().order.left, ' ');
+    sides = "ASR";
+    views.Volume_Look();
+    EXPECT_EQ(views.Slice_Plane(), Plane::Sagittal);
+    EXPECT_EQ(views.User(0).Content().order.left, 'R');
+}
+
+TEST_F(Plane_Watch, the_cross_hair_ties_the_views) {
+    views.User(0).Cross_Move(5, 0);  // the coronal picture's top is the last slice
+    EXPECT_EQ(views.Cross(), (Shown_Voxel{5, 2, NZ - 1}));
+    EXPECT_EQ(slice, NZ - 1);
+    EXPECT_EQ(slice_moves, 1);
+    EXPECT_EQ(moves, 1);
+    EXPECT_EQ(views.Cross_In_Slice(), (Image_Cross{5, 2}));
+    EXPECT_EQ(views.User(1).Content().cross, (Image_Cross{2, 0}));
+    EXPECT_EQ(views.User(0).Content().cross, (Image_Cross{5, 0}));
+    views.User(0).Cross_Move(-9, 99);
+    EXPECT_EQ(views.Cross(), (Shown_Voxel{0, 2, 0}));
+    // The wheel moves it through the other planes, and stops at their ends.
+    views.User(0).Slice_Go(99);
+    EXPECT_EQ(views.Cross(), (Shown_Voxel{0, 0, 0})) << "depth rises to the front, which is the first row";
+    EXPECT_EQ(views.Depth(0), NY - 1);
+    views.User(0).Slice_Go(-1);
+    EXPECT_EQ(views.Cross(), (Shown_Voxel{0, NY - 1, 0}));
+    EXPECT_EQ(slice_moves, 2) << "no slice was left";
+    EXPECT_EQ(views.User(0).Content().source.levels[0], Level({0, NY - 1, NZ - 1}));
+}
+
+TEST_F(Plane_Watch, another_volume_takes_the_cross_hair_to_its_middle) {
+    views.Cross_Set({0, 0, 0});
+    views.Volume_Look();
+    EXPECT_EQ(views.Cross().x, 0);
+    session.Take(Numbered_Volume(), "another.nii");
+    EXPECT_TRUE(views.User(0).Content().source.levels.empty()) << "it was not looked at yet";
+    views.Volume_Look();
+    EXPECT_EQ(views.Cross().x, 3);
+    Session none;
+    Plane_Views empty(none, Host());
+    empty.Volume_Look();
+    empty.Cross_Set({1, 1, 1});
+    empty.User(0).Slice_Go(1);
+    EXPECT_TRUE(empty.User(0).Content().source.levels.empty());
+}
+
+TEST_F(Plane_Watch, a_stroke_shows_at_once_where_it_was_painted) {
+    const Image_Content content = views.User(1).Content();
+    Voxel_Change change;
+    const Voxel_Run run = {2 * NX + 3, 1, 0, 6};  // x 3, y 2
+    change.slices.emplace_back(2, std::span(&run, 1));
+    session.Voxels_Change("Painted", std::move(change));
+    // In the sagittal picture: column y, row from the top.
+    EXPECT_EQ(content.source.tags[1 * NY + 2], 0);
+    EXPECT_EQ(views.User(1).Stroke_Begin(2, 1, true), (Pixel_Rect{2, 1, 3, 2}));
+    EXPECT_EQ(stroke, (Shown_Voxel{3, 2, 2}));
+    EXPECT_TRUE(is_erasing);
+    EXPECT_EQ(content.source.tags[1 * NY + 2], 6);
+    views.User(1).Stroke_End();
+    EXPECT_EQ(stroke_ends, 1);
+    views.User(1).Slice_Go(0);
+    EXPECT_EQ(stroke_ends, 2) << "a stroke does not go on in another picture";
+}
+
+TEST_F(Plane_Watch, the_pointer_is_told_as_a_voxel) {
+    views.User(1).Hover(1, 3);
+    EXPECT_EQ(hovered, (Shown_Voxel{3, 1, 0}));
+    views.User(1).Hover(1, NZ);
+    EXPECT_FALSE(hovered.has_value());
+    views.User(1).Pick(4, 0);
+    EXPECT_EQ(picked, (Shown_Voxel{3, 4, 3}));
+    picked.reset();
+    views.User(1).Pick(-1, 0);
+    EXPECT_FALSE(picked.has_value());
+}
+
+TEST_F(Plane_Watch, markers_are_shown_and_caught_in_their_picture_only) {
+    markers = {{2, {3, 4, 0}, 0xFF, L"in the sagittal picture", false},
+               {3, {3, 4, 0}, 0xFF, L"above it", true},
+               {4, {2, 4, 0}, 0xFF, L"beside the picture", false}};
+    const Image_Content content = views.User(1).Content();
+    ASSERT_EQ(content.markers.size(), 2U);
+    EXPECT_EQ(content.markers[0].x, 4);
+    EXPECT_EQ(content.markers[0].y, NZ - 1);
+    EXPECT_TRUE(content.markers[1].is_current);
+    views.User(1).Marker_Press(2, 1);
+    EXPECT_EQ(hit, 3) << "the one that is drawn on top";
+    EXPECT_EQ(pressed, (Shown_Voxel{3, 2, 2}));
+    views.User(1).Marker_Move(99, 99);
+    EXPECT_EQ(pressed, (Shown_Voxel{3, NY - 1, 0}));
+    markers.clear();
+    views.User(1).Marker_Press(2, 1);
+    EXPECT_FALSE(hit.has_value());
+    pressed.reset();
+    views.User(1).Marker_Press(-1, 1);
+    EXPECT_FALSE(pressed.has_value());
+}
+
+}  // namespace

@@ -1,0 +1,56 @@
+/** The room of the image: the view of the slices, and when it is wanted the two other planes beside it. */
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "workbench/image_view.h"
+#include "workbench/parts/plane_views.h"
+
+namespace workbench {
+
+class Image_Area {
+  public:
+    /** All must outlive this. @param slices_user of the view of the slices */
+    Image_Area(const Look& shared_look, Image_User& slices_user, Plane_Views& plane_views);
+    bool Make(HWND parent);
+    void Place(const RECT& area);
+    /** With the other planes or without. */
+    void Planes_Show(bool shown);
+    bool Is_Planes() const { return is_planes; }
+    /** Another slice, window or TAG: draws all pictures anew. */
+    void Refresh();
+    /** The other views, while one is painted in; at most some 30 times a second. */
+    void Others_Refresh();
+    void Brush_Set(const Brush_Footprint& brush);
+    void Marker_Mode_Set(bool on);
+    /** @param zoom screen pixels per slice pixel, or ZOOM_FIT; of all views */
+    void Zoom_Set(double zoom);
+    /** Whether a window is one of the views. */
+    bool Has(HWND window) const;
+    /** The wheel over one of the views. */
+    void Wheel(HWND under, int delta, bool is_zoom, POINT screen);
+
+    /** The view of the slices, which the keyboard acts on. */
+    Image_View& Slices() { return slices; }
+    const Image_View& Slices() const { return slices; }
+    /** One of the others. @param view 0 or 1 */
+    Image_View& Other(int view) { return others[static_cast<std::size_t>(view)]; }
+    const Image_View& Other(int view) const { return others[static_cast<std::size_t>(view)]; }
+    /** Where the image stands: the view of the slices. */
+    HWND Handle() const { return slices.Handle(); }
+
+  private:
+    std::array<Image_View*, 1 + Plane_Views::VIEW_NB> All() { return {&slices, &others[0], &others[1]}; }
+    void Lay_Out();
+
+    const Look& look;
+    Plane_Views& planes;
+    Image_View slices;
+    std::array<Image_View, Plane_Views::VIEW_NB> others;
+    RECT room = {};
+    bool is_planes = false;
+    unsigned __int64 others_drawn = 0;  // milliseconds of the system's clock
+};
+
+}  // namespace workbench

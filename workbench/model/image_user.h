@@ -1,0 +1,68 @@
+/** What a view of the image shows, and what it tells; no window. */
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "workbench/model/display_order.h"
+#include "workbench/model/slice_render.h"
+
+namespace workbench {
+
+struct Shown_Marker {
+    int x = 0;  ///< pixel of the slice
+    int y = 0;
+    std::uint32_t color = 0;  ///< 0x00BBGGRR
+    std::wstring name;
+    bool is_current = false;
+};
+
+/** Where the planes of the other views cut this one: the middles of a column and a row of pixels. */
+struct Image_Cross {
+    int x = 0;
+    int y = 0;
+    bool operator==(const Image_Cross&) const = default;
+};
+
+/** What the view shows. */
+struct Image_Content {
+    Slice_Source source;  ///< no levels: nothing is loaded
+    Grey_Window window;
+    Tag_Overlay overlay;
+    std::optional<Range_Overlay> range;
+    Display_Order order;
+    std::vector<Shown_Marker> markers;
+    int slice = 0;
+    int slice_nb = 0;
+    double pixel_aspect = 1.0;  ///< height of a pixel by its width
+    double pixel_mm = 0.0;      ///< width of a pixel in millimetres; 0: not known
+    std::optional<Image_Cross> cross;
+    std::wstring caption;  ///< at the upper left, lines separated by \n
+};
+
+/** What the view tells its user. Positions are pixels of the slice and may lie outside it while a button is
+ *  held. */
+class Image_User {
+  public:
+    virtual ~Image_User() = default;
+    virtual Image_Content Content() const = 0;
+    virtual void Slice_Go(int slice) = 0;
+    /** @param erase the right button. The view repaints the answer */
+    virtual Pixel_Rect Stroke_Begin(int x, int y, bool erase) = 0;
+    virtual Pixel_Rect Stroke_Move(int x, int y) = 0;
+    virtual void Stroke_End() = 0;
+    virtual void Pick(int x, int y) = 0;
+    virtual void Marker_Press(int x, int y) = 0;
+    virtual void Marker_Move(int x, int y) = 0;
+    virtual void Marker_Release() = 0;
+    virtual void Hover(int x, int y) = 0;
+    virtual void Hover_End() = 0;
+    /** The cross-hair is taken to a pixel. */
+    virtual void Cross_Move(int x, int y) = 0;
+    /** Shares of the view that the pointer moved. */
+    virtual void Window_Drag(float dx, float dy) = 0;
+};
+
+}  // namespace workbench

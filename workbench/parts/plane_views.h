@@ -1,0 +1,125 @@
+/** The views of the planes that the volume's slices do not lie in, and the cross-hair that ties all views together. No
+ *  window.
+ */
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "workbench/model/image_user.h"
+#include "workbench/model/session.h"
+#include "workbench/model/volume_planes.h"
+
+namespace workbench {
+
+/** A marker wherever it lies. */
+struct Placed_Marker {
+    int index = 0;
+    Shown_Voxel voxel;
+    std::uint32_t color = 0;  ///< 0x00BBGGRR
+    std::wstring name;
+    bool is_current = false;
+};
+
+/** What the views need of the application. */
+struct Plane_Host {
+    std::function<int()> slice;         ///< the shown one
+    std::function<void(int)> slice_go;  ///< shows another
+    std::function<std::string()>
+        sides;  ///< how the patient lies as the user said it, where the file does not; else empty
+    std::function<Image_Content()> ground;  ///< what the slices' own view shows: window, TAG colours, range
+    std::function<std::vector<Placed_Marker>()> markers;
+    std::function<Pixel_Rect(const Plane_Cut& cut, int x, int y, bool erase)> stroke_begin;
+    std::function<Pixel_Rect(int x, int y)> stroke_move;
+    std::function<void()> stroke_end;
+    std::function<void(const Shown_Voxel&)> pick;
+    /** @param marker that was hit; no value: the current one is wanted there */
+    std::function<void(const Shown_Voxel&, std::optional<int> marker)> marker_press;
+    std::function<void(const Shown_Voxel&)> marker_move;
+    std::function<void()> marker_release;
+    std::function<void(const Shown_Voxel&)> hover;  ///< inside the volume
+    std::function<void()> hover_end;
+    std::function<void(float dx, float dy)> window_drag;
+    std::function<void()> moved;  ///< the cross-hair: all views show it anew
+};
+
+class Plane_Views {
+  public:
+    static constexpr int VIEW_NB = 2;
+
+    /** @param work must outlive this */
+    Plane_Views(const Session& work, Plane_Host application);
+    Plane_Views(const Plane_Views&) = delete;
+    Plane_Views& operator=(const Plane_Views&) = delete;
+    ~Plane_Views() = default;
+
+    /** Another volume is shown, or how its patient lies is known: the cross-hair goes to its middle when it is another
+     *  one. */
+    void Volume_Look();
+    /** The user of a view. @param view 0 or 1 */
+    Image_User& User(int view) { return panes[static_cast<std::size_t>(view)]; }
+    Plane Plane_Of(int view) const { return panes[static_cast<std::size_t>(view)].plane; }
+    /** The plane that the slices themselves lie in. */
+    Plane Slice_Plane() const { return slice_plane; }
+    /** Where the view stands in its plane. */
+    int Depth(int view) const { return panes[static_cast<std::size_t>(view)].Depth(); }
+    /** The voxel under the cross-hair; its slice is the shown one. Only with a volume. */
+    Shown_Voxel Cross() const;
+    /** Takes it to the voxel that lies nearest. */
+    void Cross_Set(const Shown_Voxel& voxel);
+    /** What the slices' own view draws. */
+    Image_Cross Cross_In_Slice() const { return {cross_x, cross_y}; }
+
+  private:
+    /** One of the views. */
+    class Pane : public Image_User {
+      public:
+        explicit Pane(Plane_Views& views) : owner(views) {}
+        Image_Content Content() const override;
+        void Slice_Go(int depth) override;
+        Pixel_Rect Stroke_Begin(int x, int y, bool erase) override;
+        Pixel_Rect Stroke_Move(int x, int y) override;
+        void Stroke_End() override { owner.host.stroke_end(); }
+        void Pick(int x, int y) override;
+        void Marker_Press(int x, int y) override;
+        void Marker_Move(int x, int y) override { owner.host.marker_move(Voxel_Near(x, y)); }
+        void Marker_Release() override { owner.host.marker_release(); }
+        void Hover(int x, int y) override;
+        void Hover_End() override { owner.host.hover_end(); }
+        void Cross_Move(int x, int y) override { owner.Cross_Set(Voxel_Near(x, y)); }
+        void Window_Drag(float dx, float dy) override { owner.host.window_drag(dx, dy); }
+
+        int Depth() const;
+
+        Plane plane = Plane::Coronal;
+        Plane_Geometry geometry;
+
+      private:
+        Shown_Voxel Voxel_At(int x, int y) const { return geometry.To_Voxel({x, y, Depth()}); }
+        /** The same for a pixel outside: that of the nearest side. */
+        Shown_Voxel Voxel_Near(int x, int y) const;
+        void Tags_Copy(const Pixel_Rect& part) const;
+
+        Plane_Views& owner;
+        // The picture as it was made last; grey levels do not change while a volume is shown.
+        mutable std::vector<std::int32_t> levels;
+        mutable std::vector<std::uint8_t> tags;
+        mutable std::uint64_t copied_serial = 0;
+        mutable Plane copied_plane = Plane::Axial;
+        mutable int copied_depth = -1;
+    };
+
+    const Session& session;
+    Plane_Host host;
+    std::array<Pane, VIEW_NB> panes{Pane(*this), Pane(*this)};
+    Plane slice_plane = Plane::Axial;
+    std::uint64_t serial = 0;  // of the volume that the cross-hair lies in
+    int cross_x = 0;
+    int cross_y = 0;
+};
+
+}  // namespace workbench
