@@ -39,10 +39,12 @@ class Image_Watcher : public Image_User {
         over = {x, y};
     }
     void Hover_End() override { over = {-1, -1}; }
+    void Cross_Move(int x, int y) override { cross = {x, y}; }
     void Window_Drag(float, float) override {}
 
     int told = 0;
     POINT over = {-1, -1};
+    POINT cross = {-1, -1};
     int slice = 3;
 
   private:
@@ -117,6 +119,22 @@ TEST_F(Image_Rest, is_told_anew_when_another_slice_is_shown) {
     ++user.slice;
     view.Refresh();
     Expect_Told(1);
+}
+
+TEST_F(Image_Rest, takes_the_cross_hair_along_with_control_and_shift) {
+    ::SendMessageW(view.Handle(), WM_LBUTTONDOWN, MK_LBUTTON | MK_CONTROL | MK_SHIFT, MAKELPARAM(POINTER.x, POINTER.y));
+    EXPECT_EQ(user.cross.x, user.over.x);
+    EXPECT_EQ(user.cross.y, user.over.y);
+    ::SendMessageW(view.Handle(), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(2, 398));
+    EXPECT_EQ(user.cross.x, 0);
+    EXPECT_EQ(user.cross.y, SIDE - 1);
+    ::SendMessageW(view.Handle(), WM_LBUTTONUP, 0, MAKELPARAM(2, 398));
+    ::SendMessageW(view.Handle(), WM_MOUSEMOVE, 0, MAKELPARAM(POINTER.x, POINTER.y));
+    EXPECT_EQ(user.cross.x, 0) << "the button is up";
+    // With Shift alone the image is moved, with Control alone a TAG is picked.
+    ::SendMessageW(view.Handle(), WM_LBUTTONDOWN, MK_LBUTTON | MK_SHIFT, MAKELPARAM(POINTER.x, POINTER.y));
+    ::SendMessageW(view.Handle(), WM_LBUTTONUP, 0, MAKELPARAM(POINTER.x, POINTER.y));
+    EXPECT_EQ(user.cross.x, 0);
 }
 
 }  // namespace
