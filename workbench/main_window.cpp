@@ -52,8 +52,12 @@ LRESULT Main_Window::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             limits->ptMinTrackSize = {LEAST_WIDTH, LEAST_HEIGHT};
             return 0;
         }
-        case WM_ERASEBKGND:
+        case WM_ERASEBKGND: {
+            // Nothing is seen of it but the lines between the views of the image.
+            const RECT client = Client();
+            ::FillRect(reinterpret_cast<HDC>(wparam), &client, static_cast<HBRUSH>(::GetStockObject(BLACK_BRUSH)));
             return 1;
+        }
         case WM_COMMAND:
             if (const auto call = Command_Of_Menu(LOWORD(wparam))) {
                 user.Execute(*call);

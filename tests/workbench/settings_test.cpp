@@ -88,7 +88,8 @@ TEST(Settings, a_damaged_line_costs_only_itself) {
     int ignored = 0;
     const Settings settings = Settings_Parse(
         "workbench settings\ntheme purple\nwindow 1 2 3\nwindow 1 2 300 x\nwindow 1 2 0 5\ndatabase_width 99999999999\n"
-        "database_view -1\nfolded_panels 256\nenlarged_wheel_turned 2\ntag_colours yes\ntag_opacity 101\nthree_planes 2\nnonsense\nrecent "
+        "database_view -1\nfolded_panels 256\nenlarged_wheel_turned 2\ntag_colours yes\ntag_opacity 101\nthree_planes "
+        "2\nnonsense\nrecent "
         "\n\r\ndatabase 1\r\ntheme light\n",
         &ignored);
     EXPECT_EQ(ignored, 13);

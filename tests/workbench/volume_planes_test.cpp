@@ -145,7 +145,8 @@ TEST(Volume_Planes, places_copies_and_changes_agree_in_every_orientation) {
             const auto width = static_cast<std::size_t>(geometry.Width());
             for (int depth = 0; depth < geometry.Depth_Nb(); ++depth) {
                 std::vector<std::uint8_t> picture(geometry.Pixel_Nb());
-                Plane_Copy(std::span<const std::uint8_t>(voxels), geometry, depth, {-9, -9, 99, 99}, std::span(picture));
+                Plane_Copy(std::span<const std::uint8_t>(voxels), geometry, depth, {-9, -9, 99, 99},
+                           std::span(picture));
                 for (int y = 0; y < geometry.Height(); ++y) {
                     for (int x = 0; x < geometry.Width(); ++x) {
                         const Shown_Voxel voxel = geometry.To_Voxel({x, y, depth});
