@@ -16,6 +16,23 @@ TEST(Panel_Flags, after_resize_is_a_part_of_everything) {
     EXPECT_FALSE(Has_Any(Update_Everything(Panel_Kind::Classes, 3), UPDATE_LEVEL_2D));
 }
 
+/** What each kind reads of the host besides its layout, as the panels' own headers tell it. */
+TEST(Panel_Flags, name_what_each_kind_follows) {
+    constexpr unsigned __int64 tag_marks = UPDATE_TAG_ENABLE | UPDATE_TAG_SELECT | UPDATE_TAG_LOCK | UPDATE_TAG_CUR;
+    EXPECT_EQ(Update_After_Resize(Panel_Kind::Tag), tag_marks);
+    EXPECT_EQ(Update_Everything(Panel_Kind::Tag), tag_marks | UPDATE_TAG_LABEL | UPDATE_TAG_TABLE);
+    EXPECT_EQ(Update_After_Resize(Panel_Kind::Marker), UPDATE_TAG_ENABLE | UPDATE_TAG_CUR);
+    EXPECT_EQ(Update_Everything(Panel_Kind::Marker),
+              UPDATE_TAG_ENABLE | UPDATE_TAG_CUR | UPDATE_TAG_LABEL | UPDATE_TAG_TABLE);
+    EXPECT_EQ(Update_Everything(Panel_Kind::Brush), UPDATE_ALL | UPDATE_BRUSH | UPDATE_TAG_CUR | UPDATE_TAG_TABLE);
+    EXPECT_EQ(Update_Everything(Panel_Kind::Propagate), UPDATE_ALL | UPDATE_FRAME_CUR);
+    EXPECT_EQ(Update_Everything(Panel_Kind::Histogram),
+              UPDATE_ALL | UPDATE_HISTO_DATA | UPDATE_COLOR_COMPONENT | UPDATE_HISTO_PAINT);
+    EXPECT_EQ(Update_Everything(Panel_Kind::Files), UPDATE_STRUCTURE | UPDATE_SELECTION | UPDATE_LEVEL_2D);
+    EXPECT_EQ(Update_Everything(Panel_Kind::Classes, 1), UPDATE_STRUCTURE | UPDATE_SELECTION | UPDATE_LEVEL_1D);
+    EXPECT_EQ(Update_After_Resize(Panel_Kind::Classes, 3), Update_Everything(Panel_Kind::Classes, 3));
+}
+
 TEST(Collected_Updates, sends_many_changes_as_one) {
     Collected_Updates collected;
     std::vector<unsigned __int64> sent;

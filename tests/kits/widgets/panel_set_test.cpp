@@ -169,6 +169,42 @@ TEST_F(Panel_Set_Test, keys_that_no_panel_uses_go_to_the_host) {
     EXPECT_EQ(keys, "f");
 }
 
+/** One that shows counts, and paints nothing by itself without them. */
+struct Counting_Panel : Noting_Panel {
+    struct Counts {
+        bool Has_Counts() const { return nb > 0; }
+        int nb = 0;
+    };
+    void Update(unsigned __int64 flags) {
+        Noting_Panel::Update(flags);
+        counts.nb = next;
+        data = next < 0 ? nullptr : &counts;
+    }
+    Counts counts;
+    Counts* data = nullptr;
+    int next = -1;
+};
+
+TEST_F(Panel_Set_Test, a_histogram_is_drawn_when_its_counts_come_and_when_they_go) {
+    Counting_Panel counting;
+    kit::Panel_Window& window = panels->Add(counting, Panel_Kind::Histogram);
+    Make();
+    window.Place(0, 100, 50, 50);
+    const auto draws_with = [&](int nb) {
+        counting.draws = 0;
+        counting.next = nb;
+        window.Update(UPDATE_HISTO_DATA);
+        return counting.draws;
+    };
+    EXPECT_EQ(draws_with(5), 1) << "they came";
+    EXPECT_EQ(draws_with(7), 0) << "other counts are the panel's own to paint";
+    EXPECT_EQ(draws_with(0), 1) << "they went";
+    EXPECT_EQ(draws_with(-1), 0);
+    EXPECT_EQ(draws_with(3), 1);
+    EXPECT_EQ(draws_with(-1), 1) << "all of it went";
+    panels.reset();
+}
+
 /** Whether this module has a class for the windows of panels. */
 bool Has_Class(HMODULE module) {
     WNDCLASSW found = {};
