@@ -1,11 +1,11 @@
 #include "c_interface/default_variables.h"
 
 #include <algorithm>
-#include <cmath>
 #include <vector>
 
 #include "c_interface/image_objects.h"
 #include "kits/dataset/dataset_host.h"
+#include "kits/dataset/variable_rules.h"
 
 namespace c_interface {
 
@@ -15,18 +15,6 @@ constexpr int TAG_START_NB = 8;
 constexpr int MARKER_START_NB = 4;
 constexpr int BINS_MOST = 4097;  // a bin for each of 4096 levels needs one more
 constexpr unsigned short BRUSH_START[] = {1, 3, 6, 10, 16};
-
-struct Dimension {
-    const char* name;
-    int pixels;  // at 96 dots per inch
-};
-constexpr Dimension DIMENSIONS[] = {
-    {"$INTERFACE_SPACE_DIM", 4},         {"$INTERFACE_BORDER_DIM", 2},      {"$INTERFACE_CURSOR_DIM", 14},
-    {"$INTERFACE_BUTTON_DIM_SML", 24},   {"$INTERFACE_BUTTON_DIM_BIG", 30}, {"$INTERFACE_LIST_DIM_SML", 26},
-    {"$INTERFACE_LIST_DIM_ARROW", 20},   {"$INTERFACE_TITLE_DIM_SML", 22},  {"$INTERFACE_VAL_DIM_SML", 22},
-    {"$INTERFACE_VAL_DIM_MID", 26},      {"$INTERFACE_NUM_BIG", 30},        {"$INTERFACE_TOOL_FONT_SCALE", 13},
-    {"$INTERFACE_TITLE_FONT_SCALE", 15},
-};
 
 struct Masks {
     std::vector<unsigned char> bytes;
@@ -41,15 +29,7 @@ Type* Array(const char* name, Variable_Type type, int nb) {
 }
 
 void Interface_Define(float scale, const std::string& icons) {
-    for (const Dimension& dimension : DIMENSIONS) {
-        Variable_Define_Scalar(dimension.name, VARIABLE_SIGNED_16,
-                               std::lround(static_cast<float>(dimension.pixels) * scale));
-    }
-    Variable_Define_Text("$INTERFACE_TOOL_FONT_NAME", "Arial");
-    Variable_Define_Text("$INTERFACE_TOOL_FONT_WEIGHT", "");
-    Variable_Define_Text("$INTERFACE_TITLE_FONT_NAME", "Arial");
-    Variable_Define_Text("$INTERFACE_TITLE_FONT_WEIGHT", "bold");
-    Variable_Define_Scalar("$INTERFACE_LOCK_FOCUS", VARIABLE_UNSIGNED_8, 0);
+    Variable_Define_Interface(scale);
     Variable_Define_Text("$DEFAULT_ICON_PATH", icons.c_str());
     Variable_Define_Text("$DEFAULT_FILE_PATH", "");
     Variable_Define_Text("$FILE_EXTENSION_EXCEL", "*.csv");

@@ -19,6 +19,7 @@ set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -Wl,--no-insert-timestamp")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static -Wl,--no-insert-timestamp")
 set(CMAKE_MODULE_LINKER_FLAGS_INIT "-static -Wl,--no-insert-timestamp")
 
+# An installation has this file, too, without the scripts: there the project that uses it says how programs run.
 if(EXISTS "${CMAKE_CURRENT_LIST_DIR}/../scripts/under_wine")
     set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/../scripts/under_wine")
 endif()

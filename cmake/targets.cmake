@@ -110,6 +110,15 @@ function(kit_panels_test)
     kit_test_properties(${arg_NAME} "${arg_LABEL}" ${arg_DESKTOP})
 endfunction()
 
+# kit_test_not_run(NAME WHAT): a CTest entry that is told as skipped and says in its name WHAT is missing, so that a test
+# that a machine cannot run does not vanish.
+function(kit_test_not_run NAME WHAT)
+    if(KIT_TESTS)
+        add_test(NAME ${NAME}_not_run_without_${WHAT} COMMAND "${CMAKE_COMMAND}" -E echo "not run: ${WHAT} is missing")
+        set_tests_properties(${NAME}_not_run_without_${WHAT} PROPERTIES LABELS unit SKIP_REGULAR_EXPRESSION "not run")
+    endif()
+endfunction()
+
 function(kit_test_properties NAME LABEL DESKTOP)
     if(NOT LABEL)
         set(LABEL unit)

@@ -5,7 +5,8 @@
 
 #include "database/tool_db_list.h"
 
-/** A rectangle of the window's axis (y upwards): x .. x + width - 1, y .. y + height - 1, pixels. Reaches beyond the
+/** Installed with the functions below, so it needs no header of the layouts (base/pixel_rectangle.h), which are not.
+ *  A rectangle of the window's axis (y upwards): x .. x + width - 1, y .. y + height - 1, pixels. Reaches beyond the
  *  tree's box where the diagram is scrolled. */
 struct DB_Node_Box {
     int x = 0;       ///< leftmost pixel

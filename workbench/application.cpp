@@ -16,9 +16,8 @@ namespace workbench {
 
 namespace {
 
-constexpr int TOOL_WIDTH = 452;  // pixels at 96 dots per inch
 constexpr int TOOL_WIDTH_LEAST = 320;
-constexpr int TOOL_PERCENT = 45;  // of the window, when that is less than TOOL_WIDTH
+constexpr int TOOL_PERCENT = 45;  // of the window, when that is less than TOOL_AREA_WIDTH
 constexpr int DATABASE_WIDTH_FIRST = 380;
 constexpr int IMAGE_WIDTH_LEAST = 200;
 constexpr int HISTOGRAM_HEIGHT = 150;
@@ -184,8 +183,7 @@ int Application::Run() {
                 try {
                     Execute(*call);
                 } catch (const std::exception& failure) {
-                    Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 The action was not finished: %s",
-                              failure.what());
+                    Failure_Tell(failure);
                 }
             }
             return call.has_value();
@@ -220,7 +218,7 @@ void Application::Lay_Out() {
     const RECT client = window.Client();
     // On a screen with few pixels for its scale the panels leave room for the image.
     const int share = std::max<int>(client.right * TOOL_PERCENT / 100, look.Px(TOOL_WIDTH_LEAST));
-    const int width = std::min<int>({look.Px(TOOL_WIDTH), share, static_cast<int>(client.right)});
+    const int width = std::min<int>({look.Px(TOOL_AREA_WIDTH), share, static_cast<int>(client.right)});
     int bottom = client.bottom - status_line.Wanted_Height();
     status_line.Place({0, bottom, client.right, client.bottom});
     if (trace.Is_Shown()) {

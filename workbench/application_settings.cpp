@@ -18,7 +18,7 @@ namespace {
 
 constexpr int WINDOW_WIDTH = 1320;  // of the first start, pixels at 96 dots per inch
 constexpr int WINDOW_HEIGHT = 860;
-constexpr int TOOL_WIDTH = 470;  // of the tools and the frame, at most
+constexpr int BESIDE_IMAGE = TOOL_AREA_WIDTH + 18;  // the tools and the frame, at most
 
 /** In the user's profile; empty when there is none, and then nothing is kept. */
 std::filesystem::path Usual_Place() {
@@ -51,10 +51,10 @@ void Application::Settings_Apply() {
     // What was not kept is left where the system puts it.
     ::SetWindowPos(window.Handle(), nullptr, place.left, place.top, place.width, place.height,
                    SWP_NOZORDER | (kept.window.width > 0 ? 0U : static_cast<UINT>(SWP_NOMOVE)));
-    analysis.Place_Set(kept.peaks_window, look.Px(TOOL_WIDTH));
+    analysis.Place_Set(kept.peaks_window, look.Px(BESIDE_IMAGE));
     Enlarged_Place_Set(window.Handle(), kept.enlarged_window);
-    not_opened_list.Place_Set(kept.list_window, look.Px(TOOL_WIDTH));
-    read_list.Place_Set(kept.facts_window, look.Px(TOOL_WIDTH));
+    not_opened_list.Place_Set(kept.list_window, look.Px(BESIDE_IMAGE));
+    read_list.Place_Set(kept.facts_window, look.Px(BESIDE_IMAGE));
     tool_area.Folded_Set(kept.folded);
     image.Planes_Show(kept.is_planes_shown);
     trace.Show(options.trace || kept.is_trace_shown);

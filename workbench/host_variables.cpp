@@ -3,8 +3,8 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cmath>
 
+#include "kits/dataset/variable_rules.h"
 #include "workbench/model/marker_table.h"
 #include "workbench/model/tag_table.h"
 
@@ -16,18 +16,6 @@ constexpr std::array<unsigned short, BRUSH_NB> BRUSH_SIZES = {1, 2, 3, 5, 8, 12,
 constexpr int BRUSH_RADIUS = 25;  // half-width of every mask; the largest brush reaches 24 pixels from its centre
 constexpr int BRUSH_START = 4;
 constexpr int HISTOGRAM_BINS_MAX = 4097;  // a bin for each of 4096 levels needs one more
-
-struct Dimension {
-    const char* name;
-    int pixels;  // at 96 dots per inch
-};
-constexpr Dimension DIMENSIONS[] = {
-    {"$INTERFACE_SPACE_DIM", 4},         {"$INTERFACE_BORDER_DIM", 2},      {"$INTERFACE_CURSOR_DIM", 14},
-    {"$INTERFACE_BUTTON_DIM_SML", 24},   {"$INTERFACE_BUTTON_DIM_BIG", 30}, {"$INTERFACE_LIST_DIM_SML", 26},
-    {"$INTERFACE_LIST_DIM_ARROW", 20},   {"$INTERFACE_TITLE_DIM_SML", 22},  {"$INTERFACE_VAL_DIM_SML", 22},
-    {"$INTERFACE_VAL_DIM_MID", 26},      {"$INTERFACE_NUM_BIG", 30},        {"$INTERFACE_TOOL_FONT_SCALE", 13},
-    {"$INTERFACE_TITLE_FONT_SCALE", 15},
-};
 
 template <class Type>
 std::span<Type> Array_Of(const char* name, Variable_Type type) {
@@ -60,23 +48,11 @@ std::string Icon_Folder() {
 }  // namespace
 
 void Host_Variables::Define() {
-    Define_Interface();
+    Variable_Define_Interface(1.0F);
     Define_Tags();
     Define_Markers();
     Define_Brushes();
     Define_Data();
-    Scale_Set(1.0F);
-}
-
-void Host_Variables::Define_Interface() {
-    for (const Dimension& dimension : DIMENSIONS) {
-        Variable_Define_Scalar(dimension.name, VARIABLE_SIGNED_16, dimension.pixels);
-    }
-    Variable_Define_Text("$INTERFACE_TOOL_FONT_NAME", "Arial");
-    Variable_Define_Text("$INTERFACE_TOOL_FONT_WEIGHT", "");
-    Variable_Define_Text("$INTERFACE_TITLE_FONT_NAME", "Arial");
-    Variable_Define_Text("$INTERFACE_TITLE_FONT_WEIGHT", "bold");
-    Variable_Define_Scalar("$INTERFACE_LOCK_FOCUS", VARIABLE_UNSIGNED_8, 0);
 }
 
 void Host_Variables::Define_Tags() {
@@ -166,9 +142,7 @@ void Host_Variables::Define_Data() {
 }
 
 void Host_Variables::Scale_Set(float scale) {
-    for (const Dimension& dimension : DIMENSIONS) {
-        Variable_Set(dimension.name, std::lround(static_cast<float>(dimension.pixels) * scale));
-    }
+    Variable_Scale(scale);
 }
 
 Panel_Dimensions Host_Variables::Dimensions() const {

@@ -76,7 +76,6 @@ class Host_Variables {
     void Mouse_Set(Quorel_2D* frame, float x, float y);
 
   private:
-    void Define_Interface();
     void Define_Tags();
     void Define_Markers();
     void Define_Brushes();

@@ -115,7 +115,7 @@ void Tool_Area::Scroll_To(int wanted) {
 }
 
 void Tool_Area::Wheel(int delta) {
-    Scroll_To(scroll.offset - delta * look.Px(SCROLL_STEP) / WHEEL_DELTA);
+    Scroll_To(scroll.offset - wheel.Pixels(delta, look.Px(SCROLL_STEP)));
 }
 
 void Tool_Area::Draw_Bar(HDC dc) const {

@@ -11,6 +11,8 @@
 
 namespace workbench {
 
+inline constexpr int TOOL_AREA_WIDTH = 452;  ///< pixels at 96 dots per inch, where the window has room
+
 class Tool_Area : public Window_Base {
   public:
     explicit Tool_Area(const Look& shared_look) : look(shared_look) {}
@@ -71,6 +73,7 @@ class Tool_Area : public Window_Base {
     int hovered = -1;
     int focused = -1;
     Scroll_Extent scroll;
+    Scroll_Wheel wheel;
     int grip = -1;  ///< where the dragged thumb is held, pixels from its top; -1: it is not
 };
 

@@ -70,9 +70,13 @@ LRESULT CALLBACK Window_Base::Procedure(HWND window, UINT message, WPARAM wparam
         }
         return object->On_Message(message, wparam, lparam);
     } catch (const std::exception& failure) {
-        Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 The action was not finished: %s", failure.what());
+        Failure_Tell(failure);
         return 0;
     }
+}
+
+void Failure_Tell(const std::exception& failure) {
+    Error_Fct(hwnd, MESSAGE_WARNING, "\xF1\x05WARNING:\x02 The action was not finished: %s", failure.what());
 }
 
 LRESULT Window_Base::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {

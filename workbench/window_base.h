@@ -3,6 +3,7 @@
 
 #include "base/gdi_handles.h"
 
+#include <exception>
 #include <memory>
 
 namespace workbench {
@@ -38,6 +39,9 @@ class Window_Base {
     HWND own_handle = nullptr;
     std::shared_ptr<Accessible_Source> accessible;
 };
+
+/** Warns that an action ended by an exception. */
+void Failure_Tell(const std::exception& failure);
 
 /** Sets the pointer globals of the widgets to a position of a window. */
 void Pointer_Take(HWND window, LPARAM client_position);

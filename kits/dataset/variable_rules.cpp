@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include <string_view>
 
 #include "kits/dataset/variables.h"
 
@@ -170,13 +171,18 @@ bool Array_Define(const Variable_Rule& rule) {
     return true;
 }
 
+bool Is_In_Pixels(const Variable_Rule& rule) {
+    return std::strcmp(rule.unit, PIXELS) == 0;
+}
+
 bool Define(const Variable_Rule& rule, float scale) {
     switch (rule.shape) {
         case Scalar: {
             const double value = std::strtod(rule.recommended, nullptr);
-            const bool is_scaled = std::strcmp(rule.unit, PIXELS) == 0;
+            // Single precision: at scales like 1.3 halves of pixels come out as hosts compute them.
+            const float scaled = std::round(static_cast<float>(value) * scale);
             return Variable_Define_Scalar(rule.name, rule.type,
-                                          is_scaled ? std::round(value * static_cast<double>(scale)) : value) != 0;
+                                          Is_In_Pixels(rule) ? static_cast<double>(scaled) : value) != 0;
         }
         case Array:
             return Array_Define(rule);
@@ -209,6 +215,22 @@ int Variable_Define_Recommended(float scale) {
         const Variable* variable = Variable_Find(rule.name);
         const bool exists = variable != nullptr && variable->form != Variable::Form::Undefined;
         nb += !exists && Define(rule, scale) ? 1 : 0;
+    }
+    return nb;
+}
+
+int Variable_Define_Interface(float scale) {
+    int nb = 0;
+    for (const Variable_Rule& rule : RULES) {
+        nb += std::string_view(rule.name).starts_with("$INTERFACE_") && Define(rule, scale) ? 1 : 0;
+    }
+    return nb;
+}
+
+int Variable_Scale(float scale) {
+    int nb = 0;
+    for (const Variable_Rule& rule : RULES) {
+        nb += Is_In_Pixels(rule) && Define(rule, scale) ? 1 : 0;
     }
     return nb;
 }

@@ -37,5 +37,14 @@ KIT_DATASET_API const Variable_Rule* Variable_Rule_Find(const char* name);
  *  what is its own. Arrays that follow a count get as many elements as panels show at most, objects are null.
  *  @param scale multiplies what is in pixels: 1 for 96 dots per inch. @return number of variables defined */
 KIT_DATASET_API int Variable_Define_Recommended(float scale);
+///@{
+/** The sizes, fonts and the lock of the interface ("$INTERFACE_...") get their recommended values, also those that
+ * exist. Variable_Scale gives them to what is in pixels only: for hosts whose window comes to a screen of another
+ * scale.
+ *  @param scale multiplies what is in pixels, in single precision, to the nearest pixel, halves away from zero
+ *  @return number of variables defined */
+KIT_DATASET_API int Variable_Define_Interface(float scale);
+KIT_DATASET_API int Variable_Scale(float scale);
+///@}
 /** "unsigned 16-bit" and the like. @param type any. @return static */
 KIT_DATASET_API const char* Variable_Type_Text(Variable_Type type);

@@ -14,9 +14,8 @@
 
 namespace {
 
-constexpr int TEXT_MARGIN = 4;            ///< pixels before and behind a caption
-constexpr int INACTIVE_MIX_PERCENT = 60;  ///< how much of the panel's colour is in a greyed part
-constexpr int PAGE_ITEMS = 10;            ///< items that Page Up and Page Down go
+constexpr int TEXT_MARGIN = 4;  ///< pixels before and behind a caption
+constexpr int PAGE_ITEMS = 10;  ///< items that Page Up and Page Down go
 
 /** The list whose drop list is open; null when it was destroyed meanwhile, or when none is open. */
 const Selects* open_list = nullptr;

@@ -7,8 +7,7 @@
 
 namespace {
 
-constexpr int THUMB_GAP = 1;              ///< pixels between the track's border and the thumb's sides
-constexpr int INACTIVE_MIX_PERCENT = 60;  ///< how much of the panel's colour is in a greyed thumb
+constexpr int THUMB_GAP = 1;  ///< pixels between the track's border and the thumb's sides
 
 /** The thumb of a slider along its axis, in the widget's own picture. */
 struct Thumb_Place {

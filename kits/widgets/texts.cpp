@@ -87,11 +87,10 @@ void Paint_Selection(Surface& picture, const Texts& field, const Text_Edit& edit
 
 /** The field with its text from `first` on, its selection and its caret. */
 void Paint_Editor(Painter& painter, const Texts& field, const Text_Edit& edit, int first) {
-    constexpr int inactive_mix_percent = 60;
     const Theme& theme = Theme_Now();
     Surface& picture = painter.Picture();
     const bool open = Has_Keyboard(field);
-    const Rgb ground = open ? theme.field : Mix(theme.field, theme.panel, inactive_mix_percent);
+    const Rgb ground = open ? theme.field : Mix(theme.field, theme.panel, INACTIVE_MIX_PERCENT);
     Draw_Face(picture, painter.Area(), ground, open ? theme.line_strong : theme.line,
               std::max(Widget_Border(field), 1));
     const Rect area = Text_Area(field);

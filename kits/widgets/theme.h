@@ -28,6 +28,9 @@ Rgb Rgb_Of(const Colors& color);
 Rgb Rgb_Make(int red, int green, int blue);  ///< components are cut to 0 .. 255
 /** `percent` of b in a. */
 Rgb Mix(Rgb a, Rgb b, int percent);
+
+/** How much of the panel's colour is in the face or ground of an inactive list, slider, field or text. */
+inline constexpr int INACTIVE_MIX_PERCENT = 60;
 /** Perceived brightness, 0 (black) to 255 (white). */
 int Brightness(Rgb color);
 /** Nearly black or white, whichever contrasts more with `ground`: at least 4.5 to 1 on every colour. Never 0. */

@@ -7,8 +7,7 @@
 
 namespace {
 
-constexpr int MARK_HEIGHT = 3;            ///< line at the bar's end, which the pointer drags, pixels
-constexpr int INACTIVE_MIX_PERCENT = 60;  ///< how much of the panel's colour is in a greyed bar
+constexpr int MARK_HEIGHT = 3;  ///< line at the bar's end, which the pointer drags, pixels
 
 /** A valuator is a slider whose thumb is the mark at the end of the bar. */
 int Mark_Offset(const Valuators& valuator, int track) {

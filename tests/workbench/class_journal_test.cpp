@@ -18,7 +18,7 @@ using namespace workbench;
 
 namespace {
 
-constexpr Class_Kind KIND = Class_Kind::Classes_3d;
+constexpr Class_Kind KIND = Class_Kind::Classes_3D;
 
 /** root(a(b, c), g) */
 Class_Tree Study() {
@@ -46,7 +46,7 @@ class Class_Journal_Test : public testing::Test {
         std::filesystem::create_directories(folder);
         file = folder / "head.nii.classes.txt";
         journal.Adopt(KIND, Study());
-        journal.Adopt(Class_Kind::Classes_1d, Class_Tree("curves", "Curves"));
+        journal.Adopt(Class_Kind::Classes_1D, Class_Tree("curves", "Curves"));
     }
     ~Class_Journal_Test() override {
         std::error_code code;
@@ -87,7 +87,7 @@ TEST_F(Class_Journal_Test, a_difference_becomes_a_step_and_no_difference_none) {
 
 TEST_F(Class_Journal_Test, a_tree_with_another_root_is_no_change_of_this_one) {
     EXPECT_FALSE(journal.Note(KIND, Class_Tree("other", "Other")));
-    EXPECT_FALSE(journal.Note(Class_Kind::Classes_2d, Study())) << "there is no 2D tree";
+    EXPECT_FALSE(journal.Note(Class_Kind::Classes_2D, Study())) << "there is no 2D tree";
     EXPECT_TRUE(journal.Steps().empty());
 }
 
@@ -146,9 +146,9 @@ TEST_F(Class_Journal_Test, actions_to_take_a_step_back_come_in_opposite_order) {
 
 TEST_F(Class_Journal_Test, another_tree_of_a_kind_forgets_the_steps_of_that_kind) {
     Edit();
-    Class_Tree curves = journal.Tree(Class_Kind::Classes_1d);
+    Class_Tree curves = journal.Tree(Class_Kind::Classes_1D);
     curves.Apply(Class_Rename{"curves", "Curves", "Graphs"});
-    EXPECT_TRUE(journal.Note(Class_Kind::Classes_1d, curves));
+    EXPECT_TRUE(journal.Note(Class_Kind::Classes_1D, curves));
     journal.Adopt(KIND, Study());
     ASSERT_EQ(journal.Steps().size(), 1U);
     EXPECT_EQ(journal.Done_Nb(), 1U);

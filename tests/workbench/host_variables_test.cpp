@@ -138,6 +138,10 @@ TEST_F(Host_Variables_Test, dimensions_follow_the_scale) {
     const int button = variables.Dimensions().button;
     variables.Scale_Set(2.0F);
     EXPECT_EQ(variables.Dimensions().button, 2 * button);
+    variables.Scale_Set(1.3F);
+    EXPECT_EQ(Variable_Number("$INTERFACE_TITLE_FONT_SCALE", 0), 20)
+        << "15 pixels times 1.3 in single precision are 19.5";
+    EXPECT_EQ(Variable_Number("$INTERFACE_TOOL_FONT_SCALE", 0), 17);
     variables.Scale_Set(1.0F);
 }
 

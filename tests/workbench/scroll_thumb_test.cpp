@@ -51,4 +51,17 @@ TEST(Scroll_Thumb, dragging_reaches_every_place_and_both_ends) {
     EXPECT_EQ(Scroll_Offset_Of({400, 500, 0}, LEAST, 60), 0) << "nothing to scroll";
 }
 
+TEST(Scroll_Wheel, small_turns_add_up_to_what_a_notch_scrolls) {
+    Scroll_Wheel wheel;
+    int pixels = 0;
+    for (int turn = 0; turn < WHEEL_NOTCH; ++turn) {
+        pixels += wheel.Pixels(1, 48);
+    }
+    EXPECT_EQ(pixels, 48);
+    EXPECT_EQ(wheel.Pixels(-WHEEL_NOTCH, 48), -48);
+    EXPECT_EQ(wheel.Pixels(2 * WHEEL_NOTCH, 72), 144) << "another scale";
+    EXPECT_EQ(wheel.Pixels(1, 72), 0);
+    EXPECT_EQ(wheel.Pixels(1, 48), 0) << "the part of the other scale is gone";
+}
+
 }  // namespace

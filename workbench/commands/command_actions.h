@@ -24,7 +24,7 @@ class File_Actions {
     virtual void Open_Ask() = 0;
     virtual void Open_Folder_Ask() = 0;
     virtual void Not_Opened_Show() = 0;
-    /** How the volume in hand was read. */
+    /** How the volume that is shown was read. */
     virtual void Read_Facts_Show() = 0;
     /** How the patient lies in an image that does not say it; only the letters beside the picture change. */
     virtual void Orientation_Ask() = 0;

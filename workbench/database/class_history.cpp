@@ -11,9 +11,9 @@ namespace workbench {
 namespace {
 
 template <class Object>
-constexpr Class_Kind KIND_OF = std::is_same_v<Object, Quorel_1D>   ? Class_Kind::Classes_1d
-                               : std::is_same_v<Object, Quorel_2D> ? Class_Kind::Classes_2d
-                                                                   : Class_Kind::Classes_3d;
+constexpr Class_Kind KIND_OF = std::is_same_v<Object, Quorel_1D>   ? Class_Kind::Classes_1D
+                               : std::is_same_v<Object, Quorel_2D> ? Class_Kind::Classes_2D
+                                                                   : Class_Kind::Classes_3D;
 
 const char* Text_Or_Empty(const char* text) {
     return text != nullptr ? text : "";
@@ -99,9 +99,9 @@ void Class_History::Rebuild() {
 bool Class_History::Do_Step(const Class_Step& step, bool redo) {
     const std::vector<Class_Action> actions = Class_Step_Actions(step, redo);
     switch (step.kind) {
-        case Class_Kind::Classes_1d:
+        case Class_Kind::Classes_1D:
             return Do<Quorel_1D>(actions);
-        case Class_Kind::Classes_2d:
+        case Class_Kind::Classes_2D:
             return Do<Quorel_2D>(actions);
         default:
             return Do<Quorel_3D>(actions);

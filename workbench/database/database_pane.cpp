@@ -240,7 +240,7 @@ void Database_Pane::View_Set(Database_View wanted) {
 void Database_Pane::Editor_Set(bool on) {
     is_editor = on;
     if (on && view == Database_View::Files) {
-        view = Database_View::Classes_3d;
+        view = Database_View::Classes_3D;
     }
     View_Set(view);
 }

@@ -15,7 +15,7 @@
 namespace workbench {
 
 /** What the column shows. */
-enum class Database_View { Files, Classes_2d, Classes_3d, Classes_1d };
+enum class Database_View { Files, Classes_2D, Classes_3D, Classes_1D };
 inline constexpr int DATABASE_VIEW_NB = 4;
 inline constexpr int DATABASE_WIDTH_LEAST = 240;  ///< of the column, pixels at 96 dots per inch
 

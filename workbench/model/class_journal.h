@@ -27,11 +27,11 @@
 namespace workbench {
 
 /** The trees, by the dimension of their objects. */
-enum class Class_Kind { Classes_1d, Classes_2d, Classes_3d };
+enum class Class_Kind { Classes_1D, Classes_2D, Classes_3D };
 inline constexpr int CLASS_KIND_NB = 3;
 
 struct Class_Step {
-    Class_Kind kind = Class_Kind::Classes_2d;
+    Class_Kind kind = Class_Kind::Classes_2D;
     std::string title;  ///< for the menu: "Rename CSF"
     std::vector<Class_Action> actions;
     friend bool operator==(const Class_Step&, const Class_Step&) = default;

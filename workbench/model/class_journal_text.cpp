@@ -126,7 +126,7 @@ class Journal_Reader {
             }
         }
         reader.Fail("\"1D\", \"2D\" or \"3D\" is expected");
-        return Class_Kind::Classes_2d;
+        return Class_Kind::Classes_2D;
     }
 
     std::vector<Class_Step>* steps;

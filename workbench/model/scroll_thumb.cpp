@@ -29,4 +29,12 @@ int Scroll_Offset_Of(const Scroll_Extent& extent, int length_least, int thumb_to
     return way > 0 ? Share(std::clamp(thumb_top, 0, way), extent.Offset_Max(), way) : 0;
 }
 
+int Scroll_Wheel::Pixels(int delta, int per_notch) {
+    if (per_notch != pixels_per_notch) {
+        pixels_per_notch = per_notch;
+        rest = Wheel_Remainder(per_notch);
+    }
+    return rest.Add(delta);
+}
+
 }  // namespace workbench

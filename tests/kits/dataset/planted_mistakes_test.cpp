@@ -255,6 +255,16 @@ TEST(Variable_Rules, recommended_values_leave_what_the_host_defined) {
     EXPECT_STREQ(static_cast<char*>(Fct_Variable_Value("$INTERFACE_TOOL_FONT_NAME", nullptr, nullptr, nullptr)),
                  "Arial");
     EXPECT_EQ(Variable_Define_Recommended(1.0F), 0) << "all are there";
+    Variable_Set("$INTERFACE_LOCK_FOCUS", 1);
+    EXPECT_EQ(Variable_Scale(1.3F), 13);
+    EXPECT_EQ(Variable_Number("$INTERFACE_TITLE_FONT_SCALE", 0), 20)
+        << "15 pixels times 1.3 in single precision are 19.5";
+    EXPECT_EQ(Variable_Number("$INTERFACE_TOOL_FONT_SCALE", 0), 17);
+    EXPECT_EQ(Variable_Number("$INTERFACE_LOCK_FOCUS", 0), 1) << "no size";
+    EXPECT_EQ(Variable_Define_Interface(1.0F), 18);
+    EXPECT_EQ(Variable_Number("$INTERFACE_TITLE_FONT_SCALE", 0), 15);
+    EXPECT_EQ(Variable_Number("$INTERFACE_LOCK_FOCUS", 0), 0);
+    EXPECT_EQ(Variable_Number("$TAG_NB", 0), 12) << "the host's";
     for (int k = 0; k < nb; ++k) {
         EXPECT_EQ(Variable_Undefine(rules[k].name), 1) << rules[k].name;
     }

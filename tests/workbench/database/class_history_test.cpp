@@ -122,8 +122,8 @@ TEST_F(Class_History_Test, changes_of_all_trees_are_taken_back_and_done_again_in
     ASSERT_EQ(trees.Text(), EDITED);
     EXPECT_EQ(history.Undo()->title, "Move Brain");
     EXPECT_EQ(trees.Text(), "Curves(One, Second) Images(head(3, 1, 2)) Body(Head(Brain, Skull), Vessel)");
-    EXPECT_EQ(history.Undo()->kind, Class_Kind::Classes_2d);
-    EXPECT_EQ(history.Undo()->kind, Class_Kind::Classes_1d);
+    EXPECT_EQ(history.Undo()->kind, Class_Kind::Classes_2D);
+    EXPECT_EQ(history.Undo()->kind, Class_Kind::Classes_1D);
     EXPECT_EQ(trees.Text(), BUILT);
     EXPECT_FALSE(history.Undo());
     EXPECT_EQ(history.Redo()->title, "Rename Two");
@@ -165,7 +165,7 @@ TEST_F(Class_History_Test, classes_are_known_by_the_names_on_the_way_to_them) {
     trees.structures.back()->Title_Set("Tissue");
     Class_History other;
     other.Begin(trees.curves[0].get(), trees.structures[0].get());
-    const Class_Tree& tree = other.Journal().Tree(Class_Kind::Classes_3d);
+    const Class_Tree& tree = other.Journal().Tree(Class_Kind::Classes_3D);
     EXPECT_EQ(tree.Children("Body/Head"), (std::vector<std::string>{"Body/Head/Brain", "Body/Head/Skull",
                                                                     "Body/Head/Skull (2)", "Body/Head/Tissue"}));
     EXPECT_EQ(tree.Name("Body/Head/Skull (2)"), "Skull");
@@ -418,8 +418,8 @@ TEST_F(Class_History_Test, images_that_leave_take_their_steps_along) {
     history.Images_Leave();
     trees.images.clear();
     EXPECT_FALSE(history.Note());
-    EXPECT_EQ(history.Undo()->kind, Class_Kind::Classes_3d);
-    EXPECT_EQ(history.Undo()->kind, Class_Kind::Classes_1d);
+    EXPECT_EQ(history.Undo()->kind, Class_Kind::Classes_3D);
+    EXPECT_EQ(history.Undo()->kind, Class_Kind::Classes_1D);
     EXPECT_FALSE(history.Undo());
 }
 

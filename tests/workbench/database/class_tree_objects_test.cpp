@@ -15,7 +15,7 @@ using namespace workbench;
 
 namespace {
 
-constexpr Class_Kind KIND = Class_Kind::Classes_3d;
+constexpr Class_Kind KIND = Class_Kind::Classes_3D;
 constexpr int OBJECT_NB = 30;
 
 /** Objects with numbers for ids, hanging on each other at random. */

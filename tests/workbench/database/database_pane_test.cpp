@@ -56,7 +56,7 @@ class Database_Pane_Builds : public ::testing::Test {
         pane.Show(true);
         pane.Place({0, 0, WIDTH, HEIGHT});
         pane.Lay_Out();
-        pane.View_Set(Database_View::Classes_2d);
+        pane.View_Set(Database_View::Classes_2D);
         root.built = 0;
     }
     Database_Host Services() {
@@ -108,11 +108,11 @@ TEST_F(Database_Pane_Builds, a_tree_that_missed_a_change_is_built_once_when_it_i
     b.Child_Add(&c);
     pane.Update(UPDATE_STRUCTURE | UPDATE_LEVEL_2D);
     EXPECT_EQ(root.built, 0) << "nobody sees it";
-    pane.View_Set(Database_View::Classes_2d);
+    pane.View_Set(Database_View::Classes_2D);
     EXPECT_EQ(root.built, 1);
     EXPECT_EQ(pane.Panel().Nb(), 4);
     pane.View_Set(Database_View::Files);
-    pane.View_Set(Database_View::Classes_2d);
+    pane.View_Set(Database_View::Classes_2D);
     EXPECT_EQ(root.built, 1) << "nothing changed";
 }
 
