@@ -1,4 +1,4 @@
-/** The rectangle that layouts compute with: pure numbers. */
+/** The rectangle that panels' layouts compute with. Pictures in memory have another: Rect of kits/widgets/surface.h. */
 #pragma once
 
 /** Covers x .. x + width - 1 and y .. y + height - 1, pixels of the window's axis, whichever way its y grows. */

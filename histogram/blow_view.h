@@ -47,9 +47,9 @@ struct Blow_Direction {
     Blow_Range Visible(bool zoomed) const;
     /** True when a view could stand there and show something: single precision still tells its two ends apart. */
     bool Can_Show(const Blow_Step& step) const;
-    /** The view of the part between two window pixels, from where the view stands. Contract: also where the unzoomed
-     *  view has cut the range off, and the pixels stand for other data on the picture: hosts and tests compute with it.
-     */
+    /** The view of the part between two window pixels, from where the view stands.
+     *  Contract: hosts compute the new view from the two pixels, also where the unzoomed view has cut the range off and
+     *  they stand for other data on the picture. */
     Blow_Step Rectangle(int from, int to) const;
     /** The view after the wheel, from where it stands; the data under the pointer stays. */
     Blow_Step Wheel(float factor, int pointer) const;

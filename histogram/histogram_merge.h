@@ -31,7 +31,7 @@ struct Histogram_Grid {
 };
 
 /** Chooses the grid: the smallest whole multiple of the finest width that keeps the bin count within `limit`.
- *  Contract: whole-number levels keep their top one: the span counts one GLI unit more than the extent.
+ *  Contract: hosts with whole-number levels find the top one counted: the span is one GLI unit more than the extent.
  *  An extent whose span is not positive (or not a number) gives one bin. A limit of 0 gives a grid of 0 bins. */
 Histogram_Grid Histogram_Grid_Choose(const Histogram_Extent& extent, std::uint16_t limit);
 

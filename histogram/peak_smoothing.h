@@ -4,7 +4,7 @@
  *  One pass smooths in place, ascending: every bin becomes the weighted mean of itself (2), its already smoothed left
  * neighbour (1; not for bin 1) and its right neighbour (1). Then bin 0 takes bin 1's value. Passes accumulate.
  *
- *  Contract: a high bin 0, the background of an image, must not spread into the curve: it never enters a mean.
+ *  Contract: users of images with much background find its bin 0 apart from their peaks: it never enters a mean.
  *
  *  After every pass the maxima of the thresholded curve are counted: the bins i with d[i] >= 0 and d[i + 1] < 0 of the
  * derivative below.

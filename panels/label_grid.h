@@ -72,7 +72,7 @@ class Label_Grid {
     /** Gives a button the host's fonts and border. */
     static void Button_Dress(Buttons& button, const Boxs& host);
     /** Fits the slider to the number of labels, back at its bottom end, and lays the buttons out again. Paints nothing.
-     *  Contract: columns move by the host's Resize alone, also when the slider came or went. */
+     *  Contract: hosts find a label in the column of their last Resize: a slider that comes or goes moves none. */
     void Relayout(int count);
 
     // ---- painting

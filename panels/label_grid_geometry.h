@@ -28,7 +28,7 @@ struct Label_Dimensions {
     int Row_Height() const { return border + button; }
 };
 
-/** The host's box. */
+/** The host's box: a rectangle with the width of its frame, which it counts within its sides. */
 struct Label_Host_Box {
     ///@{
     int x = 0;  ///< pixels

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/** The pixels left .. right - 1, top .. bottom - 1. */
+/** The pixels left .. right - 1, top .. bottom - 1: edges, not a corner and a size, as an axis is cut edge by edge. */
 struct Plot_Rect {
     int left = 0;
     int top = 0;

@@ -15,7 +15,7 @@ inline constexpr int TAG_MAX = 256;
 /** One byte per TAG. */
 using Tag_Flags = std::array<std::uint8_t, TAG_MAX>;
 
-/** A part of a slice in pixels, half-open; empty when right <= left or bottom <= top. */
+/** A part of a slice in pixels of the image, not of a window, half-open; empty: right <= left or bottom <= top. */
 struct Pixel_Rect {
     int left = 0;
     int top = 0;
