@@ -40,6 +40,14 @@ if(WIN32)
     endif()
 endif()
 
+# What reads files of strangers is compiled with the guards that Release goes without elsewhere; Debug has them throughout.
+add_library(kit_untrusted_input INTERFACE)
+if(NOT MSVC)
+    target_compile_options(kit_untrusted_input INTERFACE "$<$<CONFIG:Release>:-fstack-protector-strong;-fcf-protection=full>")
+    target_compile_definitions(kit_untrusted_input INTERFACE $<$<CONFIG:Release>:_FORTIFY_SOURCE=2>)
+    target_link_options(kit_untrusted_input INTERFACE $<$<CONFIG:Release>:-fstack-protector-strong>)
+endif()
+
 if(KIT_SANITIZE)
     set(kit_sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_compile_options(kit_compiler_settings INTERFACE ${kit_sanitizers})

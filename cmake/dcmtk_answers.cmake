@@ -1,5 +1,20 @@
-# What DCMTK's configuration finds out about Windows x86-64 with MinGW-w64, so that it need not compile and start some 300
-# small programs under Wine first: given to CMake by -C. Made from the cache of a configuration that asked all of it.
+# How DCMTK is built for Windows, given to CMake by -C. First what of it is wanted: the data set and the codecs.
+set(CMAKE_BUILD_TYPE Release CACHE STRING "")
+# Files come from strangers.
+set(CMAKE_C_FLAGS "-fstack-protector-strong -D_FORTIFY_SOURCE=2" CACHE STRING "")
+set(CMAKE_CXX_FLAGS "-fstack-protector-strong -D_FORTIFY_SOURCE=2" CACHE STRING "")
+set(CMAKE_EXE_LINKER_FLAGS -static CACHE STRING "")
+set(DCMTK_MODULES "ofstd;oflog;dcmdata;dcmimgle;dcmimage;dcmjpeg;dcmjpls" CACHE STRING "")
+set(BUILD_APPS OFF CACHE BOOL "")
+set(DCMTK_DEFAULT_DICT builtin CACHE STRING "")
+set(DCMTK_ENABLE_CXX11 ON CACHE STRING "")
+set(CMAKE_INSTALL_DATADIC share/libdcmtk CACHE STRING "")
+foreach(part IN ITEMS TIFF PNG XML OPENSSL SNDFILE ICONV ICU)
+    set(DCMTK_WITH_${part} OFF CACHE BOOL "")
+endforeach()
+
+# Then what its configuration finds out about Windows x86-64 with MinGW-w64, so that it need not compile and start some 300
+# small programs under Wine first. Made from the cache of a configuration that asked all of it.
 set(ATTRIBUTE_ALIGNED_SUPPORTS_TEMPLATES "1" CACHE INTERNAL "")
 set(C_CHAR_SIGNED_COMPILED "1" CACHE INTERNAL "")
 set(C_CHAR_UNSIGNED "0" CACHE INTERNAL "")
