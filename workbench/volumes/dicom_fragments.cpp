@@ -19,8 +19,8 @@ std::uint32_t Word(std::span<const std::uint8_t> bytes, std::size_t number) {
 
 }  // namespace
 
-Run_Length_Frames::Run_Length_Frames(DcmPixelSequence& fragments, std::size_t segments)
-    : sequence(fragments), segment_nb(segments) {
+Compressed_Frames::Compressed_Frames(DcmPixelSequence& fragments, Frame_Codec frame_codec, std::size_t segments)
+    : sequence(fragments), codec(frame_codec), segment_nb(segments) {
     const std::size_t items = fragments.card();
     fragment_nb = items > 0 ? items - 1 : 0;  // the first one is the table of offsets
     for (std::size_t number = 0; number < fragment_nb; ++number) {
@@ -31,7 +31,7 @@ Run_Length_Frames::Run_Length_Frames(DcmPixelSequence& fragments, std::size_t se
     }
 }
 
-std::span<const std::uint8_t> Run_Length_Frames::Fragment(std::size_t number) const {
+std::span<const std::uint8_t> Compressed_Frames::Fragment(std::size_t number) const {
     DcmPixelItem* item = nullptr;
     Uint8* bytes = nullptr;
     if (sequence.getItem(item, static_cast<unsigned long>(number) + 1).bad() || item == nullptr ||
@@ -41,8 +41,11 @@ std::span<const std::uint8_t> Run_Length_Frames::Fragment(std::size_t number) co
     return {bytes, item->getLength()};
 }
 
-bool Run_Length_Frames::Begins_Frame(std::size_t number) const {
+bool Compressed_Frames::Begins_Frame(std::size_t number) const {
     const std::span<const std::uint8_t> bytes = Fragment(number);
+    if (codec != Frame_Codec::None) {
+        return Is_Coded_Frame(codec, bytes);
+    }
     constexpr std::size_t segment_most = HEADER_SIZE / WORD_SIZE - 1;
     if (bytes.size() < HEADER_SIZE || segment_nb > segment_most || Word(bytes, 0) != segment_nb ||
         Word(bytes, 1) != HEADER_SIZE) {
@@ -57,7 +60,7 @@ bool Run_Length_Frames::Begins_Frame(std::size_t number) const {
     return true;
 }
 
-std::vector<std::size_t> Run_Length_Frames::Table_Begins() const {
+std::vector<std::size_t> Compressed_Frames::Table_Begins() const {
     DcmPixelItem* item = nullptr;
     Uint8* bytes = nullptr;
     if (sequence.getItem(item, 0).bad() || item == nullptr || item->getLength() == 0 ||
@@ -80,7 +83,7 @@ std::vector<std::size_t> Run_Length_Frames::Table_Begins() const {
     return found;
 }
 
-std::int32_t Run_Length_Frames::Frame_Nb() const {
+std::int32_t Compressed_Frames::Frame_Nb() const {
     std::int32_t begun = 0;
     for (std::size_t number = 0; number < fragment_nb; ++number) {
         begun += Begins_Frame(number) ? 1 : 0;
@@ -88,9 +91,10 @@ std::int32_t Run_Length_Frames::Frame_Nb() const {
     return begun;
 }
 
-bool Run_Length_Frames::Share_Out(std::int32_t frame_nb) {
+bool Compressed_Frames::Share_Out(std::int32_t frame_nb) {
     const auto frames = static_cast<std::size_t>(frame_nb);
     begins.clear();
+    pieces.clear();
     if (fragment_nb < frames) {
         return false;
     }
@@ -115,19 +119,21 @@ bool Run_Length_Frames::Share_Out(std::int32_t frame_nb) {
         }
     }
     begins.push_back(fragment_nb);
+    for (std::size_t number = 0; number < fragment_nb; ++number) {
+        pieces.push_back(Fragment(number));  // the list of fragments may be gone through on one thread only
+    }
     return true;
 }
 
-std::span<const std::uint8_t> Run_Length_Frames::Frame(std::int32_t frame) {
+std::span<const std::uint8_t> Compressed_Frames::Frame(std::int32_t frame, std::vector<std::uint8_t>& joined) const {
     const std::size_t first = begins[static_cast<std::size_t>(frame)];
     const std::size_t end = begins[static_cast<std::size_t>(frame) + 1];
     if (end - first == 1) {
-        return Fragment(first);
+        return pieces[first];
     }
     joined.clear();
     for (std::size_t number = first; number < end; ++number) {
-        const std::span<const std::uint8_t> bytes = Fragment(number);
-        joined.insert(joined.end(), bytes.begin(), bytes.end());
+        joined.insert(joined.end(), pieces[number].begin(), pieces[number].end());
     }
     return joined;
 }

@@ -82,6 +82,11 @@ std::uint64_t Pixel_Format::Frame_Size() const {
     return samples * static_cast<std::uint64_t>(bits_allocated / 8);
 }
 
+std::uint64_t Pixel_Format::Stored_Size(std::uint64_t frames) const {
+    constexpr std::uint64_t byte_bits = 8;
+    return is_bits ? (Frame_Size() * frames + byte_bits - 1) / byte_bits : Frame_Size() * frames;
+}
+
 void Frame_Decode(const Pixel_Format& format, std::span<const std::uint8_t> bytes, const Palette& palette,
                   std::span<std::int64_t> levels) {
     const Samples samples(format, bytes);

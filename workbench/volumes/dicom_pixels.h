@@ -14,16 +14,19 @@ struct Pixel_Format {
     Kind kind = Kind::Grey;
     std::int32_t width = 0;           ///< 1 .. 65535
     std::int32_t height = 0;          ///< 1 .. 65535
-    std::int32_t bits_allocated = 0;  ///< 8, 16 or 32
+    std::int32_t bits_allocated = 0;  ///< 8, 16 or 32; floating-point pixels: 32 or 64
     std::int32_t bits_stored = 0;     ///< 1 .. bits_allocated
     std::int32_t high_bit = 0;        ///< bits_stored - 1 .. bits_allocated - 1
     bool is_signed = false;
     bool is_planar = false;  ///< colours: all red, then all green, then all blue
+    bool is_bits = false;    ///< stored eight pixels to a byte, without gaps between frames; unpacked to bytes
 
     bool Is_Color() const { return kind != Kind::Grey && kind != Kind::Grey_Inverted; }
     int Sample_Nb() const { return Is_Color() && kind != Kind::Palette ? 3 : 1; }
-    /** Bytes of a frame as stored. */
+    /** Bytes of a frame, uncompressed. */
     std::uint64_t Frame_Size() const;
+    /** Bytes of frames as stored without a codec. */
+    std::uint64_t Stored_Size(std::uint64_t frames) const;
 };
 
 /** A colour palette: packed colours of the stored values first, first + 1 ...; values outside take the nearest. */

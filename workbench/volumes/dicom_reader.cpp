@@ -2,29 +2,30 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
+#include <functional>
+#include <mutex>
 #include <new>
+#include <numeric>
 #include <optional>
 #include <utility>
 
 #include "dcmtk/config/osconfig.h"
 #include "dcmtk/dcmdata/dcdeftag.h"
-#include "dcmtk/dcmdata/dcfcache.h"
 #include "dcmtk/dcmdata/dcfilefo.h"
 #include "dcmtk/dcmdata/dcmetinf.h"
-#include "dcmtk/dcmdata/dcpixel.h"
 #include "dcmtk/dcmdata/dcuid.h"
 #include "workbench/volumes/dicom_data_set.h"
 #include "workbench/volumes/dicom_fields.h"
-#include "workbench/volumes/dicom_fragments.h"
 #include "workbench/volumes/dicom_frames.h"
 #include "workbench/volumes/dicom_lookup.h"
 #include "workbench/volumes/dicom_pixels.h"
-#include "workbench/volumes/dicom_run_length.h"
+#include "workbench/volumes/dicom_real_levels.h"
+#include "workbench/volumes/dicom_stored_frames.h"
 #include "workbench/volumes/dicom_window.h"
 #include "workbench/volumes/level_range.h"
 #include "workbench/volumes/level_scale.h"
 #include "workbench/volumes/message_text.h"
+#include "workbench/volumes/work_share.h"
 
 namespace volumes {
 
@@ -33,52 +34,65 @@ namespace {
 constexpr std::uint64_t LEVEL_SIZE = sizeof(std::int32_t);
 constexpr std::uint16_t MODALITY_UNKNOWN = 'O' << 8 | 'T';
 
+/** A frame's values: every thread that decodes has room for one. */
+struct Value_Room {
+    Frame_Room frame;
+    std::vector<std::int64_t> values;
+    std::vector<std::uint8_t> is_padding;  // of the values; empty: none is
+};
+
+/** The progress callback gave up. */
+struct Given_Up {};
+
 /** One file while it is read. */
 class File_Reader {
   public:
-    File_Reader(std::span<const std::uint8_t> file_bytes, const Load_Limits& file_limits)
-        : bytes(file_bytes), limits(file_limits) {}
+    File_Reader(std::span<const std::uint8_t> file_bytes, const Load_Limits& file_limits,
+                const Load_Progress& file_progress)
+        : bytes(file_bytes), limits(file_limits), progress(file_progress) {}
 
     Dicom_Result Read();
 
   private:
     void Object_Check();
-    void Syntax_Check();
     void Format_Read();
     void Color_Kind_Read(const std::string& photometric, std::int32_t samples);
     void Tables_Read();
     void Padding_Read();
-    void Frame_Nb_Read();
-    void Size_Check();
+    void Frames_Open();
+    void Memory_Check() const;
     Frame_Size Frame_Size_Of() const;
     void Names_Read();
-    void Frame_Bytes(std::int32_t frame);
-    void Frame_Unpack(std::int32_t frame);
-    /** Decodes a frame into `values`. */
-    void Frame_Values(std::int32_t frame);
+    /** Decodes a frame into the room's values. */
+    void Frame_Values(std::int32_t frame, Value_Room& room);
+    /** Decodes frames, on several threads where that is possible, and gives each to `take` with its number in the list.
+     */
+    void Frames_Decode(std::span<const std::int32_t> frames, const std::function<void(std::size_t, Value_Room&)>& take);
     void Scales_Read();
     void Stack_Decode(const Frame_Stack& stack, Volume& volume);
+    void Levels_Decode(const Frame_Stack& stack, Volume& volume);
+    void Real_Levels_Decode(const Frame_Stack& stack, Volume& volume);
+    void Warnings_Tell();
     void Images_Make();
     void Warn(const std::string& text) { result.warnings.push_back(text); }
 
     std::span<const std::uint8_t> bytes;
     const Load_Limits& limits;
+    const Load_Progress& progress;
     Data_Set_Source source;  // outlives the data set
     DcmFileFormat file;
-    DcmFileCache cache;
     E_TransferSyntax syntax = EXS_Unknown;
-    DcmPixelData* pixel_data = nullptr;  // owned by the data set
+    std::optional<Stored_Frames> stored;
     Pixel_Format format;
     Palette palette;
     std::optional<std::pair<std::int64_t, std::int64_t>> padding;  // stored values that are no part of the image
-    std::vector<std::uint8_t> is_padding;                          // of the frame in `values`; empty: none is
     std::optional<Lookup> greys;                                   // grey values of the stored ones
-    std::optional<Run_Length_Frames> fragments;                    // of compressed pixels
     std::int32_t frame_nb = 1;
     Frame_Plan plan;
     std::vector<Scaled_Part> scales;  // by the file's frame
-    std::vector<std::uint8_t> frame_bytes;
-    std::vector<std::int64_t> values;  // of a frame
+    std::size_t decoded_nb = 0;       // frames, each as often as it is needed
+    std::size_t needed_nb = 0;
+    std::vector<std::uint8_t> has_warnings;  // by the file's frame: 1 where it was decoded with errors
     Dicom_Result result;
     Dicom_Image image;
 };
@@ -94,23 +108,13 @@ void File_Reader::Object_Check() {
     }
     const char* const name = dcmFindNameOfUID(kind.c_str(), kind.c_str());
     const std::string kind_text = kind.empty() ? "no kind of object is named" : Printable_Text(name, FIELD_SHOWN_MOST);
-    if (data_set.tagExists(DCM_FloatPixelData) || data_set.tagExists(DCM_DoubleFloatPixelData)) {
-        throw Dicom_Refusal{"has floating-point pixels, which are not read"};
-    }
-    DcmElement* element = nullptr;
-    if (data_set.findAndGetElement(DCM_PixelData, element).bad() || element == nullptr) {
-        throw Dicom_Refusal{"holds no image (" + kind_text + ")"};
-    }
-    pixel_data = dynamic_cast<DcmPixelData*>(element);
-    if (pixel_data == nullptr) {
-        throw Dicom_Refusal{"has pixel data of an unusable form"};
-    }
-}
-
-void File_Reader::Syntax_Check() {
-    const DcmXfer transfer(syntax);
-    if (transfer.isEncapsulated() && syntax != EXS_RLELossless) {
-        throw Dicom_Refusal{std::string("is compressed in a way that is not decoded (") + transfer.getXferName() + ")"};
+    try {
+        stored.emplace(data_set, syntax);
+    } catch (Dicom_Refusal& refusal) {
+        if (refusal.text == "holds no image") {
+            refusal.text += " (" + kind_text + ")";
+        }
+        throw;
     }
 }
 
@@ -123,8 +127,12 @@ void File_Reader::Color_Kind_Read(const std::string& photometric, std::int32_t s
     constexpr Named kinds[] = {
         {"MONOCHROME2", Pixel_Format::Kind::Grey, 1},      {"MONOCHROME1", Pixel_Format::Kind::Grey_Inverted, 1},
         {"PALETTE COLOR", Pixel_Format::Kind::Palette, 1}, {"RGB", Pixel_Format::Kind::Rgb, 3},
-        {"YBR_FULL", Pixel_Format::Kind::Ybr_Full, 3},     {"YBR_FULL_422", Pixel_Format::Kind::Ybr_Full_422, 3}};
-    for (const Named& one : kinds) {
+        {"YBR_FULL", Pixel_Format::Kind::Ybr_Full, 3},     {"YBR_FULL_422", Pixel_Format::Kind::Ybr_Full_422, 3},
+        {"YBR_RCT", Pixel_Format::Kind::Rgb, 3},           {"YBR_ICT", Pixel_Format::Kind::Rgb, 3}};
+    // The last two are ways of JPEG 2000 to store red, green, blue, which it undoes itself.
+    const std::size_t known_nb =
+        Frame_Codec_Of(syntax) == Frame_Codec::Jpeg_2000 ? std::size(kinds) : std::size(kinds) - 2;
+    for (const Named& one : std::span(kinds).first(known_nb)) {
         if (photometric == one.name) {
             if (samples != one.samples) {
                 throw Dicom_Refusal{"has " + std::to_string(samples) + " samples per pixel, which does not fit " +
@@ -153,13 +161,27 @@ void File_Reader::Format_Read() {
         throw Dicom_Refusal{"has no usable size (" + std::to_string(format.width) + " x " +
                             std::to_string(format.height) + " pixels)"};
     }
-    format.bits_allocated = Field_Integer(data_set, DCM_BitsAllocated).value_or(0);
-    if (format.bits_allocated != 8 && format.bits_allocated != 16 && format.bits_allocated != 32) {
+    format.bits_allocated = Field_Integer(data_set, DCM_BitsAllocated).value_or(stored->Real_Bits());
+    if (format.bits_allocated == 1 && stored->Real_Bits() == 0) {
+        format.is_bits = true;
+        format.bits_allocated = 8;
+    } else if (stored->Real_Bits() != 0 && format.bits_allocated != stored->Real_Bits()) {
+        throw Dicom_Refusal{"has floating-point pixels of " + std::to_string(format.bits_allocated) +
+                            " bits, which is no form of them"};
+    } else if (format.bits_allocated != 8 && format.bits_allocated != 16 && format.bits_allocated != 32 &&
+               stored->Real_Bits() == 0) {
         throw Dicom_Refusal{"has " + std::to_string(format.bits_allocated) +
-                            " bits allocated per sample; 8, 16 and 32 are read"};
+                            " bits allocated per sample; 1, 8, 16 and 32 are read"};
     }
-    format.bits_stored = Field_Integer(data_set, DCM_BitsStored).value_or(format.bits_allocated);
-    format.high_bit = Field_Integer(data_set, DCM_HighBit).value_or(format.bits_stored - 1);
+    if (stored->Real_Bits() != 0) {
+        format.bits_stored = format.bits_allocated;
+    } else {
+        format.bits_stored =
+            format.is_bits ? 1 : Field_Integer(data_set, DCM_BitsStored).value_or(format.bits_allocated);
+    }
+    const bool is_told = !format.is_bits && stored->Real_Bits() == 0;
+    format.high_bit =
+        is_told ? Field_Integer(data_set, DCM_HighBit).value_or(format.bits_stored - 1) : format.bits_stored - 1;
     if (format.bits_stored < 1 || format.bits_stored > format.bits_allocated ||
         format.high_bit < format.bits_stored - 1 || format.high_bit >= format.bits_allocated) {
         throw Dicom_Refusal{"has bits that do not fit one another (" + std::to_string(format.bits_stored) +
@@ -175,8 +197,13 @@ void File_Reader::Format_Read() {
     if (format.kind == Pixel_Format::Kind::Ybr_Full_422 && syntax == EXS_RLELossless) {
         format.kind = Pixel_Format::Kind::Ybr_Full;  // run-length segments hold every sample
     }
-    if (format.kind == Pixel_Format::Kind::Ybr_Full_422 && (format.bits_allocated != 8 || format.width % 2 != 0)) {
+    const bool is_decoded = Frame_Codec_Of(syntax) != Frame_Codec::None;
+    if (format.kind == Pixel_Format::Kind::Ybr_Full_422 && !is_decoded &&
+        (format.bits_allocated != 8 || format.width % 2 != 0)) {
         throw Dicom_Refusal{"shares colours between pixels (YBR_FULL_422) in an unusable way"};
+    }
+    if ((format.is_bits || stored->Real_Bits() != 0) && format.Is_Color()) {
+        throw Dicom_Refusal{"has pixels of an unknown kind (colours of one bit or of floating-point numbers)"};
     }
 }
 
@@ -209,65 +236,41 @@ void File_Reader::Padding_Read() {
         return;
     }
     // Some programs write a negative number without its sign, and the other way round.
-    const auto stored = [&](std::int32_t told) {
+    const auto as_stored = [&](std::int32_t told) {
         constexpr std::int64_t numbers = 65536;
         const bool is_beyond = format.is_signed ? told >= numbers / 2 && told < numbers : told < 0;
         return is_beyond ? told + (format.is_signed ? -numbers : numbers) : std::int64_t{told};
     };
     const std::int32_t limit = Field_Integer(data_set, DCM_PixelPaddingRangeLimit).value_or(*value);
     // A range of which one end only is such a number would take in nearly everything: then it is the value alone.
-    const bool is_range = (stored(*value) == *value) == (stored(limit) == limit);
-    padding = std::minmax({stored(*value), stored(is_range ? limit : *value)});
+    const bool is_range = (as_stored(*value) == *value) == (as_stored(limit) == limit);
+    padding = std::minmax({as_stored(*value), as_stored(is_range ? limit : *value)});
 }
 
-void File_Reader::Frame_Nb_Read() {
-    constexpr std::int32_t one = 1;
-    frame_nb = Field_Integer(*file.getDataset(), DCM_NumberOfFrames).value_or(one);
-    if (frame_nb < 0) {
-        throw Dicom_Refusal{"says that it has " + std::to_string(frame_nb) + " frames"};
-    }
-    if (syntax == EXS_RLELossless) {
-        DcmPixelSequence* sequence = nullptr;
-        if (pixel_data->getEncapsulatedRepresentation(syntax, nullptr, sequence).bad() || sequence == nullptr) {
-            throw Dicom_Refusal{"has fewer compressed frames than it says"};
-        }
-        fragments.emplace(*sequence, static_cast<std::size_t>(format.Sample_Nb()) *
-                                         static_cast<std::size_t>(format.bits_allocated / 8));
-    }
-    if (frame_nb == 0) {
-        const auto whole = static_cast<std::uint64_t>(pixel_data->getLength()) / format.Frame_Size();
-        constexpr std::uint64_t most = std::numeric_limits<std::int32_t>::max();
-        frame_nb = std::max(one, fragments ? fragments->Frame_Nb() : static_cast<std::int32_t>(std::min(whole, most)));
-        Warn("says that it has 0 frames; there " + std::string(frame_nb == 1 ? "is " : "are ") +
-             std::to_string(frame_nb));
-    }
-}
-
-void File_Reader::Size_Check() {
+void File_Reader::Memory_Check() const {
     const std::uint64_t pixels = static_cast<std::uint64_t>(format.width) * static_cast<std::uint64_t>(format.height);
     const auto frames = static_cast<std::uint64_t>(frame_nb);
     if (pixels * LEVEL_SIZE > limits.decoded_bytes / frames) {
         throw Dicom_Refusal{"needs more memory than the limit of " + Size_Text(limits.decoded_bytes) + " (" +
                             Count_Text(frames) + " frames of " + Count_Text(pixels) + " pixels)"};
     }
-    const std::uint64_t frame_size = format.Frame_Size();
-    if (!fragments) {
-        const std::uint64_t there = pixel_data->getLength();
-        if (there < frame_size * frames) {
-            throw Dicom_Refusal{"has fewer pixels than it says (" + Count_Text(there) + " of " +
-                                Count_Text(frame_size * frames) + " bytes)"};
-        }
-        return;
+}
+
+void File_Reader::Frames_Open() {
+    const std::int32_t told = Field_Integer(*file.getDataset(), DCM_NumberOfFrames).value_or(1);
+    if (told < 0) {
+        throw Dicom_Refusal{"says that it has " + std::to_string(told) + " frames"};
     }
-    if (!fragments->Share_Out(frame_nb)) {
-        throw Dicom_Refusal{fragments->Fragment_Nb() < frames
-                                ? "has fewer compressed frames than it says"
-                                : "has pieces of compressed data that cannot be shared out to its frames"};
+    frame_nb = std::max(told, 1);
+    Memory_Check();
+    frame_nb = stored->Open(told, format);
+    if (told == 0) {
+        Warn("says that it has 0 frames; there " + std::string(frame_nb == 1 ? "is " : "are ") +
+             std::to_string(frame_nb));
+        Memory_Check();
     }
-    constexpr std::uint64_t run_most = 64;  // bytes that one byte of run-length data can stand for
-    if (fragments->Packed_Size() * run_most < frame_size * frames) {
-        throw Dicom_Refusal{"has compressed data too short for its frames"};
-    }
+    stored->Length_Check();
+    has_warnings.assign(static_cast<std::size_t>(frame_nb), 0);
 }
 
 Frame_Size File_Reader::Frame_Size_Of() const {
@@ -304,46 +307,14 @@ void File_Reader::Names_Read() {
     }
 }
 
-void File_Reader::Frame_Unpack(std::int32_t frame) {
-    const std::span<const std::uint8_t> packed = fragments->Frame(frame);
-    const char* wrong = "no data";
-    if (!packed.empty()) {
-        wrong = Run_Length_Decode(format, packed, frame_bytes);
-    }
-    if (wrong != nullptr) {
-        throw Dicom_Refusal{"has pixels that cannot be decoded (frame " + std::to_string(frame + 1) + ": " + wrong +
-                            ")"};
-    }
-}
-
-void File_Reader::Frame_Bytes(std::int32_t frame) {
-    if (fragments) {
-        return Frame_Unpack(frame);
-    }
-    const auto size = static_cast<Uint32>(frame_bytes.size());
-    const std::uint64_t start = static_cast<std::uint64_t>(size) * static_cast<std::uint64_t>(frame);
-    const OFCondition taken =
-        pixel_data->getPartialValue(frame_bytes.data(), static_cast<Uint32>(start), size, &cache, EBO_LittleEndian);
-    if (taken.bad()) {
-        throw Dicom_Refusal{"has pixels that cannot be decoded (frame " + std::to_string(frame + 1) + ": " +
-                            Toolkit_Text(taken) + ")"};
-    }
-    constexpr std::size_t wide = 4;
-    if (format.bits_allocated == 8 * wide && DcmXfer(syntax).getByteOrder() == EBO_BigEndian &&
-        pixel_data->ident() != EVR_OB) {
-        // The toolkit turns the bytes of 16-bit words; the samples are of two words, of which the higher comes first.
-        for (std::size_t at = 0; at + wide <= frame_bytes.size(); at += wide) {
-            std::swap_ranges(frame_bytes.data() + at, frame_bytes.data() + at + 2, frame_bytes.data() + at + 2);
-        }
-    }
-}
-
-void File_Reader::Frame_Values(std::int32_t frame) {
-    Frame_Bytes(frame);
-    Frame_Decode(format, frame_bytes, palette, values);
+void File_Reader::Frame_Values(std::int32_t frame, Value_Room& room) {
+    stored->Frame(frame, room.frame);
+    std::vector<std::int64_t>& values = room.values;
+    values.resize(static_cast<std::size_t>(format.width) * static_cast<std::size_t>(format.height));
+    Frame_Decode(format, room.frame.bytes, palette, values);
     if (padding) {
-        is_padding.resize(values.size());
-        std::ranges::transform(values, is_padding.begin(), [this](std::int64_t value) {
+        room.is_padding.resize(values.size());
+        std::ranges::transform(values, room.is_padding.begin(), [this](std::int64_t value) {
             return static_cast<std::uint8_t>(value >= padding->first && value <= padding->second ? 1 : 0);
         });
     }
@@ -353,6 +324,49 @@ void File_Reader::Frame_Values(std::int32_t frame) {
             value = greys->entries[static_cast<std::size_t>(std::clamp<std::int64_t>(value - greys->first, 0, last))];
         }
     }
+}
+
+void File_Reader::Frames_Decode(std::span<const std::int32_t> frames,
+                                const std::function<void(std::size_t, Value_Room&)>& take) {
+    constexpr std::size_t rooms_most = std::size_t{1} << 28U;  // bytes of all threads' rooms together
+    const auto room_size = static_cast<std::size_t>(format.Frame_Size()) + static_cast<std::size_t>(format.width) *
+                                                                               static_cast<std::size_t>(format.height) *
+                                                                               (sizeof(std::int64_t) + 1);
+    const std::size_t threads =
+        stored->Is_Shared() ? Work_Thread_Nb(std::max<std::size_t>(rooms_most / room_size, 1)) : 1;
+    std::vector<Value_Room> rooms(threads);
+    std::vector<Value_Room*> idle;
+    for (Value_Room& room : rooms) {
+        idle.push_back(&room);
+    }
+    std::mutex mutex;
+    const auto decode = [&](std::size_t at) {
+        std::unique_lock lock(mutex);
+        Value_Room& room = *idle.back();
+        idle.pop_back();
+        lock.unlock();
+        struct Back {  // the room, also when decoding fails
+            std::mutex& mutex;
+            std::vector<Value_Room*>& idle;
+            Value_Room& room;
+            ~Back() {
+                const std::lock_guard lock(mutex);
+                idle.push_back(&room);
+            }
+        } const back{mutex, idle, room};
+        Frame_Values(frames[at], room);
+        if (room.frame.has_warnings) {
+            has_warnings[static_cast<std::size_t>(frames[at])] = 1;
+        }
+        take(at, room);
+    };
+    const auto go_on = [&](std::size_t done) {
+        return !progress || progress(static_cast<double>(decoded_nb + done) / static_cast<double>(needed_nb));
+    };
+    if (!Work_Share(frames.size(), threads, decode, go_on)) {
+        throw Given_Up();
+    }
+    decoded_nb += frames.size();
 }
 
 void File_Reader::Scales_Read() {
@@ -366,15 +380,72 @@ void File_Reader::Scales_Read() {
         is_one = is_one && scales[frame].slope == scales[0].slope && scales[frame].intercept == scales[0].intercept;
     }
     constexpr std::int32_t bits_always_levels = 30;
-    if (format.Is_Color() || (is_one && format.bits_stored <= bits_always_levels)) {
+    needed_nb = scales.size();
+    if (format.Is_Color() || stored->Real_Bits() != 0 || (is_one && format.bits_stored <= bits_always_levels)) {
         return;
     }
-    for (std::size_t frame = 0; frame < scales.size(); ++frame) {
-        Frame_Values(static_cast<std::int32_t>(frame));
-        const auto [lowest, highest] = std::ranges::minmax(values);
+    needed_nb += scales.size();
+    std::vector<std::int32_t> all(scales.size());
+    std::iota(all.begin(), all.end(), 0);
+    Frames_Decode(all, [this](std::size_t frame, const Value_Room& room) {
+        const auto [lowest, highest] = std::ranges::minmax(room.values);
         scales[frame].lowest = lowest;
         scales[frame].highest = highest;
-        scales[frame].count = values.size();
+        scales[frame].count = room.values.size();
+    });
+}
+
+void File_Reader::Levels_Decode(const Frame_Stack& stack, Volume& volume) {
+    Level_Scale scale;
+    if (!volume.color) {
+        std::vector<Scaled_Part> parts;
+        for (const std::int32_t frame : stack.order) {
+            parts.push_back(scales[static_cast<std::size_t>(frame)]);
+        }
+        scale = Level_Scale_Choose(parts);
+        volume.slope = scale.slope;
+        volume.intercept = scale.intercept;
+        volume.max_error = scale.max_error;
+        Outside_Note(scale, volume);
+    }
+    const auto pixels = static_cast<std::size_t>(format.width) * static_cast<std::size_t>(format.height);
+    volume.levels.resize(pixels * stack.order.size());
+    Frames_Decode(stack.order, [&](std::size_t at, const Value_Room& room) {
+        const Level_Map map(scales[static_cast<std::size_t>(stack.order[at])], scale);
+        const bool is_level = volume.color || (map.Is_Same() && !scale.Has_Outside());
+        const std::span levels = std::span(volume.levels).subspan(at * pixels, pixels);
+        for (std::size_t pixel = 0; pixel < pixels; ++pixel) {
+            const bool is_outside = !room.is_padding.empty() && room.is_padding[pixel] != 0;
+            const std::int64_t value = room.values[pixel];
+            levels[pixel] =
+                is_outside ? LEVEL_OUTSIDE : (is_level ? static_cast<std::int32_t>(value) : map.Level(value));
+        }
+    });
+    if (const std::string lost = Level_Scale_Warning(scale, "frames"); !lost.empty()) {
+        Warn(lost);
+    }
+    Level_Range_Find(volume);
+}
+
+void File_Reader::Real_Levels_Decode(const Frame_Stack& stack, Volume& volume) {
+    Real_Levels levels(*file.getDataset(), stored->Real_Bits());
+    for (const std::int32_t frame : stack.order) {
+        const Scaled_Part& part = scales[static_cast<std::size_t>(frame)];
+        levels.Scale_Add(part.slope, part.intercept);
+    }
+    levels.Begin(static_cast<std::uint64_t>(format.width) * static_cast<std::uint64_t>(format.height) *
+                 stack.order.size());
+    Frame_Room room;
+    for (const std::int32_t frame : stack.order) {
+        stored->Frame(frame, room);
+        levels.Frame_Add(room.bytes);
+        ++decoded_nb;
+        if (progress && !progress(static_cast<double>(decoded_nb) / static_cast<double>(needed_nb))) {
+            throw Given_Up();
+        }
+    }
+    for (const std::string& text : levels.Finish(volume)) {
+        Warn(text);
     }
 }
 
@@ -391,42 +462,24 @@ void File_Reader::Stack_Decode(const Frame_Stack& stack, Volume& volume) {
     volume.place_source = plan.place_source;
     volume.scalar_type =
         volume.color ? "rgb24" : (format.is_signed ? "int" : "uint") + std::to_string(format.bits_allocated);
-    Level_Scale scale;
-    if (!volume.color) {
-        std::vector<Scaled_Part> parts;
-        for (const std::int32_t frame : stack.order) {
-            parts.push_back(scales[static_cast<std::size_t>(frame)]);
-        }
-        scale = Level_Scale_Choose(parts);
-        volume.slope = scale.slope;
-        volume.intercept = scale.intercept;
-        volume.max_error = scale.max_error;
-        Outside_Note(scale, volume);
+    if (stored->Real_Bits() != 0) {
+        return Real_Levels_Decode(stack, volume);
     }
-    volume.levels.resize(values.size() * stack.order.size());
-    auto level = volume.levels.begin();
-    for (const std::int32_t frame : stack.order) {
-        Frame_Values(frame);
-        const Level_Map map(scales[static_cast<std::size_t>(frame)], scale);
-        const bool is_level = volume.color || (map.Is_Same() && !scale.Has_Outside());
-        level = std::ranges::transform(values, level, [&](std::int64_t value) {
-                    return is_level ? static_cast<std::int32_t>(value) : map.Level(value);
-                }).out;
-        for (std::size_t at = 0; at < is_padding.size(); ++at) {
-            if (is_padding[at] != 0) {
-                *(level - static_cast<std::ptrdiff_t>(is_padding.size() - at)) = LEVEL_OUTSIDE;
-            }
-        }
+    Levels_Decode(stack, volume);
+}
+
+// Contract: a damaged picture is shown, for it may be all that there is, but never without a word.
+void File_Reader::Warnings_Tell() {
+    const auto wrong_nb = std::ranges::count(has_warnings, 1);
+    if (wrong_nb > 0) {
+        const auto first = std::ranges::find(has_warnings, 1) - has_warnings.begin() + 1;
+        Warn("was decoded with errors (frame " + std::to_string(first) +
+             (wrong_nb > 1 ? " and " + Count_Text(static_cast<std::uint64_t>(wrong_nb) - 1) + " more" : "") +
+             "): its picture may be damaged");
     }
-    if (const std::string lost = Level_Scale_Warning(scale, "frames"); !lost.empty()) {
-        Warn(lost);
-    }
-    Level_Range_Find(volume);
 }
 
 void File_Reader::Images_Make() {
-    values.resize(static_cast<std::size_t>(format.width) * static_cast<std::size_t>(format.height));
-    frame_bytes.resize(static_cast<std::size_t>(format.Frame_Size()));
     Scales_Read();
     image.frame_nb = frame_nb;
     image.volume.windows = Windows_Read(*file.getDataset());
@@ -455,16 +508,15 @@ Dicom_Result File_Reader::Read() {
     result.warnings = source.warnings;
     syntax = file.getDataset()->getOriginalXfer();
     Object_Check();
-    Syntax_Check();
     Format_Read();
+    Frames_Open();
     Tables_Read();
     Padding_Read();
-    Frame_Nb_Read();
-    Size_Check();
     Names_Read();
     plan = Frames_Plan(*file.getDataset(), image.modality, Frame_Size_Of());
     result.warnings.insert(result.warnings.end(), plan.warnings.begin(), plan.warnings.end());
     Images_Make();
+    Warnings_Tell();
     return std::move(result);
 }
 
@@ -485,7 +537,8 @@ bool Dicom_Is_Likely(std::span<const std::uint8_t> head) {
     return head.size() >= element_least && Is_Group(head[0], head[1]);
 }
 
-Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits& limits) noexcept {
+Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits& limits,
+                        const Load_Progress& progress) noexcept {
     Dicom_Result failed;
     try {
         if (file.empty()) {
@@ -493,10 +546,13 @@ Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits& l
         } else if (!Dicom_Is_Likely(file)) {
             failed.error = "is no DICOM file";
         } else {
-            return File_Reader(file, limits).Read();
+            return File_Reader(file, limits, progress).Read();
         }
     } catch (const Dicom_Refusal& refusal) {
         failed.error = refusal.text;
+    } catch (const Given_Up&) {
+        failed.is_cancelled = true;
+        failed.error = "was given up";
     } catch (const std::bad_alloc&) {
         failed.error = "needs more memory than there is";
     } catch (...) {

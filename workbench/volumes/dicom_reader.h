@@ -42,6 +42,7 @@ struct Dicom_Result {
     std::vector<Dicom_Image> others;    ///< frames that do not lie on the first image's grid
     std::string error;                  ///< what the file is or has, "is no DICOM file"; empty on success
     std::vector<std::string> warnings;  ///< said in the same way
+    bool is_cancelled = false;          ///< the progress callback gave up; `error` says so too
 };
 
 /** Bytes at the beginning of a file that are enough for Dicom_Is_Likely. */
@@ -51,9 +52,13 @@ inline constexpr std::size_t DICOM_HEAD_SIZE = 140;
 bool Dicom_Is_Likely(std::span<const std::uint8_t> head);
 
 /** Reads a whole file. Never throws.
- *  Decoded: uncompressed pixels in either byte order, deflated data sets, run-length (RLE) pixels.
+ *  Decoded: uncompressed pixels in either byte order, of 1, 8, 16 or 32 bits or floating-point ones; deflated data
+ * sets; pixels compressed by run lengths (RLE), JPEG, JPEG-LS or JPEG 2000. A compressed picture that its codec had
+ * errors with is given with a warning. Frames of a codec are decoded on as many threads as there are processors.
  *  @param file all bytes, not kept
- *  @param limits most bytes of the decoded levels, and of an inflated data set, each for itself */
-Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits& limits = {}) noexcept;
+ *  @param limits most bytes of the decoded levels, and of an inflated data set, each for itself
+ *  @param progress may be empty; called on the caller's thread */
+Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits& limits = {},
+                        const Load_Progress& progress = {}) noexcept;
 
 }  // namespace volumes

@@ -20,8 +20,8 @@ void Put_Tag(Bytes& bytes, std::uint32_t tag) {
 }
 
 bool Is_Long(std::string_view representation) {
-    return representation == "OB" || representation == "OW" || representation == "OF" || representation == "SQ" ||
-           representation == "UN" || representation == "UT";
+    return representation == "OB" || representation == "OW" || representation == "OF" || representation == "OD" ||
+           representation == "SQ" || representation == "UN" || representation == "UT";
 }
 
 void Put_Head(Bytes& bytes, std::uint32_t tag, std::string_view representation, std::uint32_t length) {

@@ -20,6 +20,7 @@ namespace {
 
 using testing::Contains;
 using testing::HasSubstr;
+using testing::Not;
 
 class Installed_Dicom : public testing::Test {
   protected:
@@ -72,12 +73,11 @@ TEST_F(Installed_Dicom, of_pydicom_every_file_is_shown_or_named_with_a_reason_if
     }
     EXPECT_EQ(opened.files.size() + Refused_Nb(), File_Nb());
     EXPECT_GE(opened.volumes.size(), 30U);
-    EXPECT_THAT(Reasons(), Contains(HasSubstr("JPEG2000.dcm: is compressed in a way that is not decoded (JPEG 2000")));
+    EXPECT_THAT(Reasons(), Not(Contains(HasSubstr("is compressed in a way that is not decoded"))));
     EXPECT_THAT(Reasons(), Contains(HasSubstr("MR_truncated.dcm: is broken or cut short")));
     EXPECT_THAT(Reasons(), Contains(HasSubstr("rtplan.dcm: holds no image (RTPlanStorage)")));
     EXPECT_THAT(Reasons(), Contains(HasSubstr("DICOMDIR: is a directory of other files")));
     EXPECT_THAT(Reasons(), Contains(HasSubstr("rtplan.dump: is no DICOM file")));
-    EXPECT_THAT(Reasons(), Contains(HasSubstr("liver_1frame.dcm: has 1 bits allocated")));
 }
 
 TEST_F(Installed_Dicom, of_pydicom_series_are_stacked_by_position_if_installed) {
