@@ -6,13 +6,12 @@
 #include "dcmtk/dcmdata/dcdeftag.h"
 #include "dcmtk/dcmdata/dcelem.h"
 #include "dcmtk/ofstd/ofstd.h"
-#include "workbench/volumes/message_text.h"
+#include "workbench/volumes/dicom_text.h"
 
 namespace volumes {
 
 namespace {
 
-constexpr unsigned char FIRST_NON_ASCII = 0x80;
 constexpr unsigned long TEXT_LONGEST = 65536;  // bytes of a value that is read as a text or as numbers
 
 }  // namespace
@@ -52,27 +51,28 @@ DcmItem* Field_Item(DcmItem& item, const DcmTagKey& tag, unsigned long position)
 }
 
 std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag, unsigned long position) {
-    std::string text = Field_Text(item, tag, position);
-    const std::string set = Field_Text(item, DCM_SpecificCharacterSet);
-    if (set == "ISO_IR 192") {
-        return Printable_Text(text);
-    }
-    const bool is_latin = set.empty() || set == "ISO_IR 100";
-    std::string utf8;
-    for (const char letter : text) {
-        const auto byte = static_cast<unsigned char>(letter);
-        if (byte < ' ') {
-            utf8 += ' ';
-        } else if (byte < FIRST_NON_ASCII) {
-            utf8 += letter;
-        } else if (is_latin) {
-            utf8 += static_cast<char>(0xC0U | byte >> 6U);
-            utf8 += static_cast<char>(0x80U | (byte & 0x3FU));
-        } else {
-            utf8 += '?';
+    const auto whole = [&](const DcmTagKey& wanted) {
+        DcmElement* element = nullptr;
+        OFString value;
+        const bool is_there = item.findAndGetElement(wanted, element).good() && element != nullptr &&
+                              element->getLength() <= TEXT_LONGEST && element->getOFStringArray(value).good();
+        return is_there ? std::string(value.c_str(), value.size()) : std::string();
+    };
+    // Contract: the toolkit separates values at every backslash, and half a character of Japanese or Chinese may be
+    // one.
+    const std::string text = Dicom_Text_Utf8(whole(tag), whole(DCM_SpecificCharacterSet), false);
+    std::size_t begin = 0;
+    for (unsigned long before = 0; before < position; ++before) {
+        const std::size_t separator = text.find('\\', begin);
+        if (separator == std::string::npos) {
+            return {};
         }
+        begin = separator + 1;
     }
-    return utf8;
+    const std::string value = text.substr(begin, text.find('\\', begin) - begin);
+    const std::size_t first = value.find_first_not_of(' ');
+    const std::size_t last = value.find_last_not_of(' ');
+    return first == std::string::npos ? std::string() : value.substr(first, last - first + 1);
 }
 
 }  // namespace volumes

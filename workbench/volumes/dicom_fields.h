@@ -31,8 +31,7 @@ std::optional<std::array<double, Count>> Field_Numbers(DcmItem& item, const DcmT
 }
 /** An item of a sequence; null when there is none. */
 DcmItem* Field_Item(DcmItem& item, const DcmTagKey& tag, unsigned long position = 0);
-/** Text of the data set's character set as UTF-8; bytes that are none become U+FFFD, characters of
- *  other sets question marks.
+/** Text of the item's character sets as UTF-8 without blanks around it (see dicom_text.h).
  *  @param position of several values */
 std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag, unsigned long position = 0);
 
