@@ -226,7 +226,10 @@ class Folder_Reader {
     }
 
     void Read_Dicom(const std::filesystem::path& path, std::span<const std::uint8_t> bytes) {
-        Dicom_Result result = Dicom_Read(bytes, limits);
+        Dicom_Result result = Dicom_Read(bytes, limits, [this](double share) { return Go_On(share); });
+        if (result.is_cancelled) {
+            return;
+        }
         if (!result.image) {
             throw Refusal{result.error};
         }

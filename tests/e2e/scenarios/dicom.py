@@ -1,5 +1,8 @@
 """Folders of DICOM files: the folder of a package, in which every kind of file lies that cannot be shown, too."""
 import os
+import pathlib
+import shutil
+import subprocess
 
 from driver.scenario import Skipped, package_file, scenario
 from driver.state import Box
@@ -133,3 +136,33 @@ def every_series_has_work_of_its_own(run):
     app.expect("the work is that of its series", unsaved=1)
     app.key("ctrl+z")
     app.expect("its own undo comes back with a series", unsaved=0)
+
+
+def shown_series(run, folder):
+    """What a workbench shows and tells of a folder with one series."""
+    app = run.start(folder)
+    state = app.expect("a series is opened", slice_nb=5)
+    box = state.box("image")
+    picture = app.screen.sum((box.left, box.top, box.width, box.height))
+    told = (state.volume_title, state.slice, state.window_low_x100, state.window_high_x100, state.histogram_pixels)
+    run.shot(f"dicom_{folder.name}", " - Workbench")
+    run.same("no file has anything to be told of", app.said("status .* not opened|problem"), [])
+    run.same("it closes after the series with status 0", app.end(), 0)
+    return picture, told
+
+
+@scenario()
+def a_compressed_series_is_the_uncompressed_one(run):
+    """Compressed without loss by another program, a series has the same picture, window and greys."""
+    samples = package_file("python3-pydicom", "/dicomdirtests")
+    if samples is None or shutil.which("dcmcjpeg") is None:
+        raise Skipped("python3-pydicom or dcmtk is not there")
+    plain = run.data / "plain"
+    shutil.copytree(pathlib.Path(samples) / "98892001" / "CT5N", plain)
+    wanted = shown_series(run, plain)
+    for name, command in (("jpeg", ["dcmcjpeg", "+e1"]), ("jpeg_ls", ["dcmcjpls", "+el"])):
+        folder = run.data / name
+        folder.mkdir()
+        for path in plain.iterdir():
+            subprocess.run([*command, path, folder / path.name], check=True)
+        run.same(f"{name}: the picture and the greys are the uncompressed ones", shown_series(run, folder), wanted)

@@ -5,6 +5,7 @@
 
 #include <fstream>
 
+#include "tests/workbench/volumes/coded_frames.h"
 #include "tests/workbench/volumes/dicom_bytes.h"
 #include "tests/workbench/volumes/loading.h"
 #include "workbench/volumes/unfinished_file.h"
@@ -182,6 +183,28 @@ TEST_F(Dicom_Folder, lists_what_it_cannot_open_and_goes_on) {
     EXPECT_THAT(text, testing::StartsWith("1 text.txt: is no DICOM file\n2 empty: is empty\n"));
 }
 
+TEST_F(Dicom_Folder, is_given_up_inside_a_file_of_many_frames) {
+    const Coded_Sample& sample = Coded_Sample_Of("JPEG 2000 16");
+    Write("1.dcm", Coded_File(sample, std::vector<Bytes>(40, sample.stream), 40).File());
+    std::vector<double> told;
+    const auto open = [&](double last) {
+        told.clear();
+        return Image_Folder_Open(std::span(&folder.path, 1), [&](double done) {
+            told.push_back(done);
+            return done < last;
+        });
+    };
+    const Image_Folder given_up = open(0.01);
+    EXPECT_TRUE(given_up.is_cancelled);
+    EXPECT_THAT(given_up.volumes, IsEmpty());
+    EXPECT_THAT(given_up.problems, IsEmpty());
+    EXPECT_LE(told.back(), 1.0);
+    const Image_Folder whole = open(2.0);
+    EXPECT_FALSE(whole.is_cancelled);
+    EXPECT_THAT(whole.volumes, SizeIs(1));
+    EXPECT_TRUE(std::ranges::is_sorted(told));
+}
+
 TEST_F(Dicom_Folder, opens_nifti_volumes_beside_dicom_and_each_of_their_times) {
     Write("b.dcm", Dicom_Bytes().File());
     Nifti_Bytes nifti;
@@ -264,8 +287,7 @@ TEST_F(Dicom_Folder, stops_when_progress_says_so) {
     Write("1.dcm", Dicom_Bytes().Text(TAG_SERIES, "UI", "1").File());
     Write("2.dcm", Dicom_Bytes().Text(TAG_SERIES, "UI", "2").File());
     const std::filesystem::path path = folder.path;
-    int calls = 0;
-    const Image_Folder opened = Image_Folder_Open(std::span(&path, 1), [&](double) { return ++calls < 2; });
+    const Image_Folder opened = Image_Folder_Open(std::span(&path, 1), [](double done) { return done <= 0.5; });
     EXPECT_TRUE(opened.is_cancelled);
     EXPECT_THAT(opened.files, SizeIs(1));
 }
