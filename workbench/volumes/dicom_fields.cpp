@@ -55,7 +55,7 @@ std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag, unsigned long positi
         DcmElement* element = nullptr;
         OFString value;
         const bool is_there = item.findAndGetElement(wanted, element).good() && element != nullptr &&
-                              element->getLength() <= TEXT_LONGEST && element->getOFStringArray(value).good();
+                              element->getLength() <= TEXT_LONGEST && element->getOFStringArray(value, OFFalse).good();
         return is_there ? std::string(value.c_str(), value.size()) : std::string();
     };
     // Contract: the toolkit separates values at every backslash, and half a character of Japanese or Chinese may be
