@@ -2,6 +2,7 @@
 // witness/make_compressed.py.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -22,23 +23,22 @@ using namespace volumes;
 
 namespace {
 
-Volume Volume_Of(const std::filesystem::path& path) {
+Volume Volume_Of(const std::filesystem::path& path, bool is_warned) {
     Dicom_Result result = Dicom_Read(File_Get(path));
     EXPECT_EQ(result.error, "") << path;
     EXPECT_TRUE(result.others.empty()) << path;
     if (!result.image) {
         return {};
     }
-    for (const std::string& warning : result.warnings) {
-        EXPECT_EQ(warning.find("decoded with errors"), std::string::npos) << path << ": " << warning;
-    }
+    const auto has_errors = [](const std::string& warning) { return warning.starts_with("was decoded with errors"); };
+    EXPECT_EQ(std::ranges::any_of(result.warnings, has_errors), is_warned) << path;
     Expect_Sound(result.image->volume);
     return std::move(result.image->volume);
 }
 
-void Pair_Compare(const std::filesystem::path& compressed, const std::filesystem::path& plain) {
-    const Volume found = Volume_Of(compressed);
-    const Volume wanted = Volume_Of(plain);
+void Pair_Compare(const std::filesystem::path& compressed, const std::filesystem::path& plain, bool is_warned) {
+    const Volume found = Volume_Of(compressed, is_warned);
+    const Volume wanted = Volume_Of(plain, false);
     EXPECT_EQ(found.nx, wanted.nx);
     EXPECT_EQ(found.ny, wanted.ny);
     EXPECT_EQ(found.nz, wanted.nz);
@@ -51,7 +51,7 @@ void Pair_Compare(const std::filesystem::path& compressed, const std::filesystem
 }
 
 void Values_Compare(const std::filesystem::path& compressed, const std::filesystem::path& raw) {
-    const Volume found = Volume_Of(compressed);
+    const Volume found = Volume_Of(compressed, false);
     const Bytes bytes = File_Get(raw);
     std::vector<std::int32_t> wanted(bytes.size() / sizeof(std::int32_t));
     std::memcpy(wanted.data(), bytes.data(), wanted.size() * sizeof(std::int32_t));
@@ -70,10 +70,9 @@ TEST(Codec_Witness, every_level_is_what_the_codecs_own_programs_decode_if_instal
     std::string plain;
     while (manifest >> kind >> compressed >> plain) {
         SCOPED_TRACE(compressed);
-        if (kind == "pair") {
-            Pair_Compare(folder / compressed, folder / plain);
+        if (kind != "raw") {
+            Pair_Compare(folder / compressed, folder / plain, kind == "warned");
         } else {
-            ASSERT_EQ(kind, "raw");
             Values_Compare(folder / compressed, folder / plain);
         }
         ++compared_nb;
