@@ -74,7 +74,8 @@ class Set:
         plain = path.with_suffix(".plain")
         done = subprocess.run([program, path, plain], capture_output=True, text=True)
         if done.returncode == 0:
-            kind = "warned" if "W: " in done.stderr else "pair"
+            told = [line for line in done.stderr.splitlines() if line.startswith("W: ") and "DcmItem" not in line]
+            kind = "warned" if told else "pair"
             self.lines.append(f"{kind} {path.name} {plain.name}")
 
     def compressed(self, path, name):
