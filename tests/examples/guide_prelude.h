@@ -42,6 +42,13 @@ inline int Own_And_The_Contracts() {
 }
 }  // namespace my_host
 
+// The names in the namespace are the contract's own.
+static_assert(std::is_same_v<kit::Boxs, ::Boxs> && std::is_same_v<kit::Buttons, ::Buttons> &&
+              std::is_same_v<kit::Colors, ::Colors> && std::is_same_v<kit::Labels, ::Labels> &&
+              std::is_same_v<kit::Selects, ::Selects> && std::is_same_v<kit::Sliders, ::Sliders> &&
+              std::is_same_v<kit::Texts, ::Texts> && std::is_same_v<kit::Tools, ::Tools> &&
+              std::is_same_v<kit::Valuators, ::Valuators>);
+
 inline HWND window = nullptr;
 inline Boxs box;
 inline int x = 0;
