@@ -159,7 +159,8 @@ void Masks_Check() {
         // A brush of size s reaches s - 1 pixels from its centre.
         if (sizes != nullptr && brush < size_nb && sizes[brush] > radius + 1) {
             Report(CONTRACT_MASK, "brush " + std::to_string(brush) + " of size " + std::to_string(sizes[brush]) +
-                                      " is cut, $BRUSH_RADIUS is " + std::to_string(radius));
+                                      " is cut, $BRUSH_RADIUS is " + std::to_string(radius) + " and should be " +
+                                      std::to_string(sizes[brush] - 1));
         }
     }
 }

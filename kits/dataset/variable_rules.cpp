@@ -51,8 +51,8 @@ constexpr Variable_Rule RULES[] = {
      "marker", "UPDATE_TAG_LABEL"},
     {"$BRUSH_NB", VARIABLE_UNSIGNED_16, Scalar, "", 8, 0, "0", "", "host", "brush", "UPDATE_BRUSH"},
     {"$BRUSH_CUR", VARIABLE_UNSIGNED_16, Scalar, "", 0, 0, "0", "", "host", "brush", "UPDATE_BRUSH"},
-    {"$BRUSH_SIZE", VARIABLE_UNSIGNED_16, Array, "$BRUSH_NB", 0, 0, "1", "mask pixels", "host", "brush",
-     "UPDATE_BRUSH"},
+    {"$BRUSH_SIZE", VARIABLE_UNSIGNED_16, Array, "$BRUSH_NB", 0, 0, "1", "mask pixels: radius, it reaches one less",
+     "host", "brush", "UPDATE_BRUSH"},
     {"$BRUSH_RADIUS", VARIABLE_UNSIGNED_16, Scalar, "", 0, 0, "0", "mask pixels: half-width R of all masks", "host",
      "brush", "UPDATE_BRUSH; masks are written when the count or a size changed"},
     {"$BRUSH_PT", VARIABLE_POINTER, Array, "$BRUSH_NB", 0, 0, "null",
@@ -130,9 +130,11 @@ constexpr Variable_Rule RULES[] = {
 /** Elements that the recommended array has. */
 int Length_Of(const Variable_Rule& rule) {
     if (const Variable_Rule* count = Variable_Rule_Find(rule.length)) {
-        // A table of the host's own files is its own to make.
+        // What panels show at most, but not room for every file that there might be: that table begins with the count.
         constexpr int TABLE_MOST = 256;
-        return count->most <= TABLE_MOST ? count->most : 0;
+        const int least = count->most <= TABLE_MOST ? count->most : 0;
+        const double now = std::min<double>(Variable_Number(rule.length, 0), count->most);
+        return std::max(least, static_cast<int>(now));
     }
     return static_cast<int>(std::strtol(rule.length, nullptr, 10));
 }

@@ -34,7 +34,8 @@ KIT_DATASET_API const Variable_Rule* Variable_Rules(int* nb);
 /** The rule of a name, null when no panel knows it. */
 KIT_DATASET_API const Variable_Rule* Variable_Rule_Find(const char* name);
 /** Defines every variable of the table that does not exist yet with its recommended value, so that a host defines only
- *  what is its own. Arrays that follow a count get as many elements as panels show at most, objects are null.
+ *  what is its own. Arrays that follow a count get as many elements as panels show at most, the table of files as many
+ * as its count says (0 when the host has not defined it); objects are null.
  *  @param scale multiplies what is in pixels: 1 for 96 dots per inch. @return number of variables defined */
 KIT_DATASET_API int Variable_Define_Recommended(float scale);
 ///@{

@@ -31,6 +31,8 @@ class Panel_Set {
         look.style = STYLE_FRAMED_BOX | STYLE_SHOW_CHECK;
         look.border = 1;
         look.Set_Color(70, 70, 70);
+        tree_look = look;
+        tree_look.Set_Color(140, 140, 140);
     }
     /** Destroys the windows; nobody listens to requests any more. */
     ~Panel_Set() {
@@ -43,7 +45,9 @@ class Panel_Set {
     Panel_Set(const Panel_Set&) = delete;
     Panel_Set& operator=(const Panel_Set&) = delete;
 
-    Boxs look;                             ///< of every panel, but place and window; to be set before Make
+    Boxs look;       ///< of the panels, but place and window; to be set before Make
+    Boxs tree_look;  ///< of class and file views, which write names in black and dark blue; to be set before Make
+    std::function<void(unsigned __int64 flags)> redraw;  ///< Fct_Redraw of a panel; may be empty
     std::function<void(int key)> untaken;  ///< keys that no panel used; may be empty, to be set before Make
 
     /** Adds a panel, before Make. What is picked in a TAG, marker or brush panel goes into its variable and is
@@ -56,7 +60,7 @@ class Panel_Set {
         auto hosted = std::make_unique<Panel_Of<Panel>>(panel, [wanted](Panel& of) { return Height_Of(of, wanted); });
         auto window = std::make_unique<Panel_Window>(*hosted, Answer_To_Clicks(panel, kind));
         window->after_resize = Update_After_Resize(kind, dimension);
-        members.push_back({std::move(hosted), std::move(window), Panel_Axis(kind)});
+        members.push_back({std::move(hosted), std::move(window), Panel_Axis(kind), Is_Tree(kind)});
         return *members.back().window;
     }
     /** Makes all windows, without a place yet, and listens to the panels' requests. The variables are defined, see
@@ -71,12 +75,17 @@ class Panel_Set {
         listener.update = [](void* set, unsigned __int64 flags, void*, void*) {
             static_cast<Panel_Set*>(set)->Announce(flags);
         };
+        listener.redraw = [](void* set, unsigned __int64 flags, void*, void*) {
+            if (static_cast<Panel_Set*>(set)->redraw) {
+                static_cast<Panel_Set*>(set)->redraw(flags);
+            }
+        };
         listener.change_child = [](void* set, Quorel_Window*, Quorel_2D*, Quorel_2D*) {
             static_cast<Panel_Set*>(set)->Announce(UPDATE_FRAME_CUR);
         };
         Request_Listener_Set(listener);
         for (const Member& member : members) {
-            member.window->look = look;
+            member.window->look = member.is_tree ? tree_look : look;
             member.window->untaken = untaken;
             if (!member.window->Make(main, member.axis)) {
                 return false;
@@ -107,7 +116,9 @@ class Panel_Set {
         std::unique_ptr<Hosted_Panel> hosted;
         std::unique_ptr<Panel_Window> window;
         Window_Axis axis;
+        bool is_tree;
     };
+    static bool Is_Tree(Panel_Kind kind) { return kind == Panel_Kind::Classes || kind == Panel_Kind::Files; }
 
     template <class Panel>
     static int Height_Of(Panel& panel, unsigned short wanted) {

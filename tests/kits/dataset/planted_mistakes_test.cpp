@@ -143,7 +143,7 @@ const Mistake MISTAKES[] = {
      [](Sound_Host&) { Variable_Set("$TAG_CUR", 8); }},
     {"a_name_that_is_misspelt", "variable that no panel knows: $TAG_SELECTED",
      [](Sound_Host&) { Variable_Define_Array("$TAG_SELECTED", VARIABLE_UNSIGNED_8, 8); }},
-    {"a_brush_larger_than_its_mask", "brush mask: brush 1 of size 4 is cut, $BRUSH_RADIUS is 2",
+    {"a_brush_larger_than_its_mask", "brush mask: brush 1 of size 4 is cut, $BRUSH_RADIUS is 2 and should be 3",
      [](Sound_Host&) {
          static_cast<std::uint16_t*>(Variable_Array("$BRUSH_SIZE", VARIABLE_UNSIGNED_16, nullptr))[1] = 4;
      }},
@@ -236,6 +236,29 @@ TEST_F(Planted_Mistake, is_not_what_panels_can_do_without) {
     }
     Look(host);
     EXPECT_EQ(told, std::vector<std::string>{});
+}
+
+TEST(Variable_Rules, a_table_of_files_is_as_long_as_the_count_that_the_host_defined) {
+    Variable_Define_Scalar("$DB_2D_FILE_NB", VARIABLE_SIGNED_32, 5000);
+    Variable_Define_Recommended(1.0F);
+    int files = 0;
+    ASSERT_NE(Variable_Array("$DB_2D_FILE_PT", VARIABLE_POINTER, &files), nullptr);
+    EXPECT_EQ(files, 5000);
+    int nb = 0;
+    const Variable_Rule* rules = Variable_Rules(&nb);
+    for (int k = 0; k < nb; ++k) {
+        Variable_Undefine(rules[k].name);
+    }
+    for (const double wrong : {0.0, -7.0}) {
+        Variable_Define_Scalar("$DB_2D_FILE_NB", VARIABLE_SIGNED_32, wrong);
+        Variable_Define_Recommended(1.0F);
+        files = -1;
+        Variable_Array("$DB_2D_FILE_PT", VARIABLE_POINTER, &files);
+        EXPECT_EQ(files, 0) << wrong;
+        for (int k = 0; k < nb; ++k) {
+            Variable_Undefine(rules[k].name);
+        }
+    }
 }
 
 TEST(Variable_Rules, recommended_values_leave_what_the_host_defined) {
