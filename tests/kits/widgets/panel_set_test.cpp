@@ -149,6 +149,24 @@ TEST_F(Panel_Set_Test, windows_have_the_axis_and_the_height_of_their_kind) {
     panels.reset();
 }
 
+TEST_F(Panel_Set_Test, trees_have_a_look_of_their_own_and_a_request_to_draw_reaches_the_host) {
+    Noting_Panel classes;
+    Noting_Panel files;
+    kit::Panel_Window& class_window = panels->Add(classes, Panel_Kind::Classes, 0, 3);
+    kit::Panel_Window& file_window = panels->Add(files, Panel_Kind::Files);
+    panels->look.border = 3;
+    panels->tree_look.border = 5;
+    unsigned __int64 drawn = 0;
+    panels->redraw = [&drawn](unsigned __int64 flags) { drawn = flags; };
+    Make();
+    EXPECT_EQ(first_window.look.border, 3);
+    EXPECT_EQ(class_window.look.border, 5);
+    EXPECT_EQ(file_window.look.border, 5);
+    Fct_Redraw(0x3FFF, nullptr, nullptr, nullptr);
+    EXPECT_EQ(drawn, 0x3FFFU);
+    panels.reset();
+}
+
 TEST_F(Panel_Set_Test, the_main_window_owns_what_panels_open_until_the_end) {
     const auto owner = [] { return Fct_Variable_Value("$HISTO_WINDOW_OWNER", nullptr, nullptr, nullptr); };
     Make();
