@@ -235,7 +235,7 @@ void Application::Lay_Out() {
         const int most = std::max(room - look.Px(IMAGE_WIDTH_LEAST), std::min(room, look.Px(DATABASE_WIDTH_LEAST)));
         right -= database.Is_Editor() ? room : std::min(wanted, most);
     }
-    const int banner_height = banner.Wanted_Height();
+    const int banner_height = banner.Wanted_Height(static_cast<int>(client.right) - width);
     banner.Place({width, 0, client.right, banner_height});
     banner.Show(banner_height > 0);
     image.Place({width, banner_height, right, bottom});
@@ -403,6 +403,7 @@ void Application::Look_Changed() {
         host->Lay_Out();
     }
     database.Lay_Out();
+    analysis.Look_Changed();
     Lay_Out();
     ::RedrawWindow(window.Handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
 }

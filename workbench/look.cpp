@@ -116,6 +116,15 @@ void Draw_Line_Shadowed(HDC dc, const RECT& area, std::wstring_view text, HFONT 
     Draw_Selected(dc, area, text, SHADOW_LIGHT, format);
 }
 
+int Line_Width(HFONT font, std::wstring_view text) {
+    const Memory_DC dc(nullptr);
+    Gdi_Font other;
+    const Selected_Object selected(dc.Get(), Font_For(dc.Get(), font, text, other));
+    SIZE size = {};
+    ::GetTextExtentPoint32W(dc.Get(), text.data(), static_cast<int>(text.size()), &size);
+    return size.cx;
+}
+
 int Line_Height(HFONT font) {
     const Memory_DC dc(nullptr);
     const Selected_Object selected(dc.Get(), font);

@@ -58,6 +58,8 @@ int Draw_Line(HDC dc, const RECT& area, std::wstring_view text, HFONT font, COLO
 void Draw_Line_Shadowed(HDC dc, const RECT& area, std::wstring_view text, HFONT font, UINT format);
 /** Pixels from one line of a font to the next. */
 int Line_Height(HFONT font);
+/** Pixels that Draw_Line takes for a text. */
+int Line_Width(HFONT font, std::wstring_view text);
 /** Dots per inch of a window's screen; 96 where the system does not tell. */
 int Window_Dpi(HWND window);
 

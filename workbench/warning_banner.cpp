@@ -2,6 +2,9 @@
 
 #include <windowsx.h>
 
+#include <algorithm>
+
+#include "workbench/model/text_fold.h"
 #include "workbench/wide_text.h"
 
 namespace workbench {
@@ -10,6 +13,10 @@ namespace {
 
 constexpr DWORD TOGETHER = 400;  // milliseconds within which messages belong together
 constexpr std::size_t LINES_MAX = 6;
+constexpr int LEFT = 16;   // pixels at 96 dots per inch, before a row
+constexpr int RIGHT = 32;  // behind it, for the button that closes
+constexpr int INDENT = 24;
+constexpr int ROW_LEAST = 100;
 constexpr int LINE_HEIGHT = 20;  // pixels at 96 dots per inch
 
 }  // namespace
@@ -75,8 +82,37 @@ std::wstring Warning_Banner::Text() const {
     return text;
 }
 
-int Warning_Banner::Wanted_Height() const {
-    return lines.empty() ? 0 : static_cast<int>(lines.size()) * look.Px(LINE_HEIGHT) + look.Px(14);
+int Warning_Banner::Wanted_Height(int width) const {
+    return lines.empty() ? 0 : static_cast<int>(Rows(width).size()) * look.Px(LINE_HEIGHT) + look.Px(14);
+}
+
+HFONT Warning_Banner::Font_Of(const Run& run) const {
+    return run.style == Message_Style::Warning || run.style == Message_Style::Strong ? look.Bold() : look.Font();
+}
+
+std::vector<std::vector<Warning_Banner::Run>> Warning_Banner::Rows(int width) const {
+    const int room = std::max(width - look.Px(LEFT + RIGHT), look.Px(ROW_LEAST));
+    std::vector<std::vector<Run>> rows;
+    for (const Line& line : lines) {
+        rows.emplace_back();
+        int used = 0;
+        for (const Run& run : line.runs) {
+            used += run.style == Message_Style::Indented ? look.Px(INDENT) : 0;
+            const auto measure = [&](std::wstring_view part) { return Line_Width(Font_Of(run), part); };
+            const std::vector<std::wstring> parts = Text_Fold(run.text, room - used, room, measure);
+            for (std::size_t at = 0; at < parts.size(); ++at) {
+                if (at > 0) {
+                    rows.emplace_back();
+                    used = 0;
+                }
+                // What goes on below stands at the left.
+                const bool is_indented = at == 0 || run.style != Message_Style::Indented;
+                rows.back().push_back({is_indented ? run.style : Message_Style::Plain, parts[at]});
+            }
+            used += measure(parts.back());
+        }
+    }
+    return rows;
 }
 
 RECT Warning_Banner::Close_Box() const {
@@ -89,13 +125,12 @@ void Warning_Banner::Draw_Lines(HDC dc) const {
     RECT area = Client();
     area.top += look.Px(7);
     area.right = Close_Box().left - look.Px(6);
-    for (const Line& line : lines) {
-        RECT place = {look.Px(16), area.top, area.right, area.top + look.Px(LINE_HEIGHT)};
-        for (const Run& run : line.runs) {
-            const bool is_strong = run.style == Message_Style::Warning || run.style == Message_Style::Strong;
-            place.left += run.style == Message_Style::Indented ? look.Px(24) : 0;
+    for (const std::vector<Run>& row : Rows(static_cast<int>(Client().right))) {
+        RECT place = {look.Px(LEFT), area.top, area.right, area.top + look.Px(LINE_HEIGHT)};
+        for (const Run& run : row) {
+            place.left += run.style == Message_Style::Indented ? look.Px(INDENT) : 0;
             if (place.left < place.right) {
-                place.left += Draw_Line(dc, place, run.text, is_strong ? look.Bold() : look.Font(),
+                place.left += Draw_Line(dc, place, run.text, Font_Of(run),
                                         run.style == Message_Style::Warning ? look.warning_text : look.text, DT_LEFT);
             }
         }

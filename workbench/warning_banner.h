@@ -29,8 +29,8 @@ class Warning_Banner : public Window_Base {
     void Close(Warning_Subject subject);
     /** Everything that stands in the banner, line by line. */
     std::wstring Text() const;
-    /** 0 while there is nothing to say. */
-    int Wanted_Height() const;
+    /** In a window of that width; 0 while there is nothing to say. */
+    int Wanted_Height(int width) const;
 
   protected:
     LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override;
@@ -47,6 +47,9 @@ class Warning_Banner : public Window_Base {
     void Add_Lines(const std::vector<Run>& runs, Warning_Subject subject);
     void Paint();
     RECT Close_Box() const;
+    /** The rows that the lines take in a window of that width. */
+    std::vector<std::vector<Run>> Rows(int width) const;
+    HFONT Font_Of(const Run& run) const;
     void Draw_Lines(HDC dc) const;
 
     const Look& look;

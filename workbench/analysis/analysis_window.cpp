@@ -39,9 +39,9 @@ constexpr int QUALITY_DIGITS = 4;
 
 constexpr std::array<int, PEAK_TITLES.size()> WEIGHTS = {5, 15, 13, 15, 13, 8, 9, 9};  // widths of the columns
 
-std::wstring Quality_Text(const Peak_Table& table) {
+std::wstring Quality_Text(const Peak_Table& table, bool is_analysed) {
     if (table.rows.empty()) {
-        return L"No peaks. Start a fit above.";
+        return is_analysed ? L"No peaks were found." : L"No peaks. Start a fit above.";
     }
     if (!table.quality.is_known) {
         return L"Segments have no fit quality: each covers the grey levels between two valleys.";
@@ -142,6 +142,7 @@ void Analysis_Window::Analyse(Fit fit) {
         }
     }
     source = host.source();
+    is_analysed = true;
     is_stale = false;
     host.peaks_changed();
     if (window != nullptr) {
@@ -184,6 +185,13 @@ void Analysis_Window::Table_Make() {
     }
     table = Peak_Table_Make(peaks, curve);
     full_text = Analysis_Full_Text(table, curve, host.table_source());
+}
+
+void Analysis_Window::Look_Changed() {
+    if (window != nullptr) {
+        Lay_Out();
+        ::InvalidateRect(window, nullptr, FALSE);
+    }
 }
 
 void Analysis_Window::Source_Refresh() {
@@ -442,7 +450,7 @@ std::wstring Analysis_Window::Row_Text(const Peak_Row& row) {
 
 std::wstring Analysis_Window::Quality_Line() const {
     return (is_stale ? L"Of " + Wide_Of_Utf8(source) + L", not of what is counted now.    " : L"") +
-           Quality_Text(table);
+           Quality_Text(table, is_analysed && source == host.source());
 }
 
 LRESULT Analysis_Window::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {

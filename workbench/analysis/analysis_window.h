@@ -52,6 +52,8 @@ class Analysis_Window {
     void Close();
     bool Is_Open() const { return window != nullptr; }
     HWND Window() const { return window; }
+    /** Colours or scale have changed. */
+    void Look_Changed();
     /** Looks whether the panel's histogram is still the one that the peaks were found in. */
     void Source_Refresh();
     /** The peaks are those of another selection. */
@@ -118,6 +120,7 @@ class Analysis_Window {
     std::string full_text;  // of the histogram that the table was made of
     std::string source;     // what that was
     bool is_stale = false;
+    bool is_analysed = false;  // at least once
     Fit_Log log;
     std::vector<std::string> log_lines;
     int log_first = 0;  // first line shown

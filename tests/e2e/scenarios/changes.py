@@ -27,3 +27,19 @@ def every_action_is_told_once(run):
     app.expect("the histogram follows the slice", histogram_mark="shown")
     once("the next slice is counted", lambda: app.key("Next"))
     once("the window of the grey values", lambda: app.key("r"))
+
+
+@scenario()
+def a_long_warning_is_read_to_its_end(run):
+    """What has no room in one row goes on in the next; the image begins below."""
+    app = run.start(run.image(), run.folder / ("a_file_with_a_long_name_" * 8 + ".nii"))
+    state = app.expect("the warning takes more than a row", lambda s: s.is_shown("banner") and s.box("banner").height >= 54)
+    banner = state.box("banner")
+    run.same("the image begins below", state.box("image").top, banner.top + banner.height)
+    run.shot("long_warning", " - Workbench")
+    app.key("F4")
+    app.window("Peak analysis")
+    run.shot("peaks_dark")
+    app.key("F8")
+    app.expect("the light theme", light=1)
+    run.shot("peaks_light")
