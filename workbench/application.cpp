@@ -276,11 +276,11 @@ void Application::Derive(Told_Changes& told) {
     if (told.changes.Has_Any({Change::Bands, Change::Tag_Nb, Change::Volume, Change::Opened})) {
         Histogram_Ranges_Refresh();
     }
-    if (told.changes.Has(Change::Position) && is_histogram_of_shown) {
+    if (told.changes.Has(Change::Position) && session.Has_Volume() && histogram.Slice_Follow(slice)) {
         Histogram_Select();
         Add_To(told, Change::Selection);
     }
-    const bool is_other_tag = is_histogram_of_tag && told.changes.Has_Any({Change::Pixels, Change::Current_Tag});
+    const bool is_other_tag = histogram.Is_Of_Tag() && told.changes.Has_Any({Change::Pixels, Change::Current_Tag});
     if (session.Has_Volume() && (is_other_tag || told.changes.Has(Change::Counting))) {
         objects.Histograms_Build(session, Histogram_Counted());
         Add_To(told, Change::Counted);
@@ -378,7 +378,7 @@ void Application::Notes_Show() {
     tool_area.Note_Set(marker_host,
                        Wide_Of_Panel(variables.Marker_Name(marker).c_str()) + (is_marker_mode ? L", placing" : L""));
     std::string counted = Histogram_Source();
-    if (is_histogram_of_checked) {
+    if (histogram.Source_Now() == Histogram_Frames::Checked) {
         counted = "checked frames" + counted.substr(std::min(counted.find(", TAG"), counted.size()));
     }
     const std::string unit = panel_scale.Text();

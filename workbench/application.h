@@ -39,6 +39,7 @@
 #include "workbench/model/session.h"
 #include "workbench/parts/color_advisor.h"
 #include "workbench/parts/focus.h"
+#include "workbench/parts/histogram_control.h"
 #include "workbench/parts/settings_keeper.h"
 #include "workbench/report.h"
 #include "workbench/report_questions.h"
@@ -173,13 +174,13 @@ class Application : public Image_User,
     void Histogram_Of_All() override;
     void Histogram_Of_Shown() override;
     void Histogram_Range_Ask() override;
-    Histogram_Frames Histogram_Frames_Now() const override;
+    Histogram_Frames Histogram_Frames_Now() const override { return histogram.Source_Now(); }
     void Histogram_Of_Tag_Set(bool on) override;
-    bool Is_Histogram_Of_Tag() const override { return is_histogram_of_tag; }
+    bool Is_Histogram_Of_Tag() const override { return histogram.Is_Of_Tag(); }
     void Histogram_Smoothed_Set(bool on) override;
-    bool Is_Histogram_Smoothed() const override { return is_histogram_smoothed; }
+    bool Is_Histogram_Smoothed() const override { return histogram.Is_Smoothed(); }
     void Background_Leave_Out(bool on) override;
-    bool Is_Background_Left_Out() const override { return is_background_left_out; }
+    bool Is_Background_Left_Out() const override { return histogram.Is_Background_Left_Out(); }
     void Background_Ask() override;
     void Histogram_Bins_Ask() override;
     void Histogram_Component_Next() override;
@@ -359,7 +360,8 @@ class Application : public Image_User,
     // application_histogram.cpp
     void Histogram_Ranges_Refresh();
     void Histogram_Select();
-    void Histogram_Selection_Set(int first, int last, bool follows_slice);
+    /** Counts the frames that were chosen. */
+    void Histogram_Chosen();
     std::wstring Histogram_Text() const;
     /** Magnifies so that one overfull bin, as the air around a head makes, does not flatten the rest; not when the user
      *  has chosen a magnification. */
@@ -416,6 +418,7 @@ class Application : public Image_User,
     void Panel_Scale_Adopt();
 
     Settings_Keeper settings;
+    Histogram_Control histogram;
     Color_Advisor color_advisor{Color_Services()};
     Focus focus{Focus_Services()};
     Command_Table commands{{*this, *this, *this, color_advisor, *this, *this, *this, *this, *this, focus, *this}};
@@ -465,21 +468,13 @@ class Application : public Image_User,
     std::vector<volumes::Folder_Problem> read_warnings;  // of files that are open
     volumes::Volume_Statistics statistics;
     Grey_Window grey_window;
-    Panel_Scale panel_scale;           // of the current volume
-    std::optional<double> background;  // of the current volume: grey value up to which it is left out
+    Panel_Scale panel_scale;  // of the current volume
     int slice = 0;
     std::optional<Shown_Voxel> hovered;  // under the mouse
     bool is_overlay_shown = true;
     bool is_marker_mode = false;
     bool is_threshold_mode = false;
     bool is_range_shown = false;
-    bool is_histogram_of_shown = false;    // follows the shown slice
-    bool is_histogram_of_tag = false;      // counts the current TAG's pixels only
-    bool is_histogram_smoothed = false;    // counts means of 3 x 3 pixels
-    bool is_background_left_out = false;   // the histogram does not count what surrounds the image
-    bool is_histogram_of_checked = false;  // of the frames checked in the database
-    int histogram_first = 0;               // slices
-    int histogram_last = 0;
     Tag_Mark check_mark = Tag_Mark::Enable;
     Propagation_Kind propagation_kind = Propagation_Kind::Grow;
     int dragged_marker = -1;

@@ -93,8 +93,7 @@ void Application::Database_Run(const std::function<void()>& event) {
 }
 
 void Application::Selection_Taken() {
-    is_histogram_of_checked = true;
-    is_histogram_of_shown = false;
+    histogram.Checked_Take();
 }
 
 bool Application::May_Remove_Class(const std::string& class_name) {

@@ -44,31 +44,26 @@ void Ranges_Set(Tool_Histo& panel, int count, const Ranges& range, std::index_se
 }  // namespace
 
 void Application::Histogram_Of_All() {
-    Histogram_Selection_Set(0, session.Slice_Nb() - 1, false);
+    if (session.Has_Volume()) {
+        histogram.All_Take(session.Slice_Nb());
+        Histogram_Chosen();
+    }
 }
 
 void Application::Histogram_Of_Shown() {
-    Histogram_Selection_Set(slice, slice, true);
-}
-
-Histogram_Frames Application::Histogram_Frames_Now() const {
-    if (is_histogram_of_checked) {
-        return Histogram_Frames::Checked;
+    if (session.Has_Volume()) {
+        histogram.Shown_Take(slice);
+        Histogram_Chosen();
     }
-    if (is_histogram_of_shown) {
-        return Histogram_Frames::Shown;
-    }
-    return histogram_first == 0 && histogram_last == session.Slice_Nb() - 1 ? Histogram_Frames::All
-                                                                            : Histogram_Frames::Range;
 }
 
 void Application::Histogram_Of_Tag_Set(bool on) {
-    is_histogram_of_tag = on;
+    histogram.Of_Tag_Set(on);
     hub.Note(Change::Counting);
 }
 
 void Application::Histogram_Smoothed_Set(bool on) {
-    is_histogram_smoothed = on;
+    histogram.Smoothed_Set(on);
     hub.Note(Change::Counting);
 }
 
@@ -109,43 +104,30 @@ void Application::Peaks_To_Bands() {
 }
 
 void Application::Histogram_Select() {
-    if (is_histogram_of_shown) {
-        histogram_first = histogram_last = slice;
-    }
-    objects.Select(histogram_first, histogram_last);
+    objects.Select(histogram.Frames().first, histogram.Frames().last);
 }
 
-void Application::Histogram_Selection_Set(int first, int last, bool follows_slice) {
-    if (!session.Has_Volume()) {
-        return;
-    }
-    histogram_first = first;
-    histogram_last = last;
-    is_histogram_of_shown = follows_slice;
-    is_histogram_of_checked = false;
+void Application::Histogram_Chosen() {
     Histogram_Select();
     hub.Note(Change::Selection);
     hub.Then([this] { Status(Histogram_Text()); });
 }
 
 void Application::Histogram_Range_Ask() {
+    const Frame_Range now = histogram.Frames();
     const auto answer = Prompt(window.Handle(), L"Histogram of a range of frames",
                                L"First and last frame (1 to " + std::to_wstring(session.Slice_Nb()) + L"):",
-                               std::to_wstring(histogram_first + 1) + L"-" + std::to_wstring(histogram_last + 1));
+                               std::to_wstring(now.first + 1) + L"-" + std::to_wstring(now.last + 1));
     if (!answer) {
         return;
     }
-    wchar_t* rest = nullptr;
-    const long first = std::wcstol(answer->c_str(), &rest, 10);
-    while (*rest == L' ' || *rest == L'-') {
-        ++rest;
-    }
-    const long last = *rest == 0 ? first : std::wcstol(rest, nullptr, 10);
-    if (first < 1 || last < first || last > session.Slice_Nb()) {
+    const std::optional<Frame_Range> range = Frame_Range_Of(Utf8_Of_Wide(*answer), session.Slice_Nb());
+    if (!range) {
         Warn("\"" + Utf8_Of_Wide(*answer) + "\" is no range of frames, for example 80-100.");
         return;
     }
-    Histogram_Selection_Set(static_cast<int>(first) - 1, static_cast<int>(last) - 1, false);
+    histogram.Range_Take(*range, session.Slice_Nb());
+    Histogram_Chosen();
 }
 
 void Application::Histogram_Bins_Ask() {
@@ -171,8 +153,7 @@ void Application::Histogram_Component_Next() {
 }
 
 Counted_Pixels Application::Histogram_Counted() const {
-    return {is_histogram_of_tag ? variables.Tag_Cur() : -1, is_histogram_smoothed,
-            is_background_left_out ? background : std::nullopt};
+    return {histogram.Is_Of_Tag() ? variables.Tag_Cur() : -1, histogram.Is_Smoothed(), histogram.Left_Out()};
 }
 
 std::string Application::Histogram_Source() const {
@@ -198,26 +179,18 @@ std::string Application::Histogram_Source() const {
     }
     volume_end();
     source = source.empty() ? "no frames" : source;
-    if (is_histogram_of_tag) {
-        source += ", TAG " + std::to_string(variables.Tag_Cur()) + " only";
-    }
-    if (is_histogram_smoothed) {
-        source += ", smoothed";
-    }
-    if (is_background_left_out && background) {
-        source += ", without background (up to " + Number_Text(*background, LEVEL_DIGITS) + ")";
-    }
-    return source;
+    return source + histogram.Pixels_Text(variables.Tag_Cur());
 }
 
 void Application::Background_Leave_Out(bool on) {
-    if (on && !background && session.Has_Volume()) {
-        background = Background_Threshold(session.Image());
+    if (on && !histogram.Background() && session.Has_Volume()) {
+        histogram.Background_Set(Background_Threshold(session.Image()));
     }
+    const std::optional<double> background = histogram.Background();
     if (on && !background) {
         return Status(L"This image has no background to leave out");
     }
-    is_background_left_out = on;
+    histogram.Background_Leave_Out(on);
     hub.Note(Change::Counting);
     hub.Then([this] { Histogram_Scale_Suggest(); });
     Status(on ? L"What surrounds the image, up to grey " + Wide_Of_Utf8(Number_Text(*background, LEVEL_DIGITS)) +
@@ -233,7 +206,7 @@ void Application::Background_Ask() {
     const std::wstring otsu = Wide_Of_Utf8(Number_Text(*proposed, LEVEL_DIGITS));
     const auto answer =
         Prompt(window.Handle(), L"Background", L"Largest grey value of the background (Otsu's method: " + otsu + L"):",
-               Wide_Of_Utf8(Number_Text(background.value_or(*proposed), LEVEL_DIGITS)));
+               Wide_Of_Utf8(Number_Text(histogram.Background().value_or(*proposed), LEVEL_DIGITS)));
     if (!answer) {
         return;
     }
@@ -243,7 +216,7 @@ void Application::Background_Ask() {
         Warn("\"" + Utf8_Of_Wide(*answer) + "\" is no number.");
         return;
     }
-    background = value;
+    histogram.Background_Set(value);
     Background_Leave_Out(true);
 }
 
@@ -304,7 +277,7 @@ Claimed_Levels Application::Claimed(int tag) const {
 
 void Application::Bands_Take(const std::vector<Peak_Row>& peaks) {
     int of_background = -1;
-    const bool is_background_counted = !(is_background_left_out && background);
+    const bool is_background_counted = !histogram.Left_Out();
     // No frame may be selected any more since the peaks were found.
     if (is_background_counted && histogram_panel.data != nullptr && histogram_panel.data->Has_Counts()) {
         const Histo_Record& record = *histogram_panel.data->record;

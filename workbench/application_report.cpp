@@ -187,9 +187,9 @@ void Application::Report_Histogram(Json_Text& out) {
         marked += commands.Is_Checked(command) ? name : "";
     }
     out.Text("histogram_mark", marked);
-    out.Number("histogram_smoothed", is_histogram_smoothed ? 1 : 0);
+    out.Number("histogram_smoothed", histogram.Is_Smoothed() ? 1 : 0);
     out.Text("histogram_source", Histogram_Source());
-    out.Text("background", background ? Number_Text(*background, LEVEL_DIGITS) : "none");
+    out.Text("background", histogram.Background() ? Number_Text(*histogram.Background(), LEVEL_DIGITS) : "none");
     out.Number("peaks_stale", analysis.Is_Stale() ? 1 : 0);
     out.List_Begin("peaks");
     for (const Peak_Row& peak : analysis.Table().rows) {

@@ -159,10 +159,8 @@ void Application::Show_Volumes(const std::filesystem::path& first, volumes::Imag
         return Deliver();
     }
     Volume_Adopt();
-    is_histogram_of_tag = false;
-    is_histogram_smoothed = false;
-    is_histogram_of_checked = false;
-    is_background_left_out = false;
+    histogram.Plain_Take();
+    histogram.All_Take(session.Slice_Nb());
     hosted_histogram.Scale_Release();
     Histogram_Select();
     // Told at once, when all class trees are as these data have them: no message loop may run before.
@@ -234,14 +232,11 @@ void Application::Volume_Adopt() {
     statistics = view.statistics;
     grey_window = view.window;
     slice = view.slice;
-    background = view.background;
+    histogram.Volume_Follow(session.Slice_Nb(), view.background);
     objects.Current_Set(volumes.Current());
     objects.Show(slice);
     Panel_Scale_Adopt();
     Adopt_Names();
-    is_histogram_of_shown = false;
-    histogram_first = 0;
-    histogram_last = session.Slice_Nb() - 1;
     const volumes::Volume& image_now = session.Image();
     report.Line("volume " + std::to_string(image_now.nx) + " " + std::to_string(image_now.ny) + " " +
                 std::to_string(image_now.nz));
@@ -267,13 +262,11 @@ bool Application::Volume_Set(int wanted) {
         return false;
     }
     session.Stroke_End();
-    const bool is_other = is_histogram_of_tag || is_histogram_smoothed || is_background_left_out;
-    is_histogram_of_tag = is_histogram_smoothed = is_background_left_out = false;
-    if (is_other) {
+    if (histogram.Plain_Take()) {
         objects.Histograms_Build(session, {});
     }
     Volume_View& left = volumes.View(volumes.Current());
-    left = {statistics, grey_window, slice, background, std::move(left.orientation)};
+    left = {statistics, grey_window, slice, histogram.Background(), std::move(left.orientation)};
     volumes.Switch(wanted, session);
     Volume_Adopt();
     hub.Note(Change::Volume);
@@ -285,7 +278,7 @@ void Application::Volume_Go(int wanted) {
     if (!Volume_Set(wanted)) {
         return;
     }
-    is_histogram_of_checked = false;
+    histogram.All_Take(session.Slice_Nb());
     Histogram_Select();
 }
 
