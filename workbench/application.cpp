@@ -56,7 +56,8 @@ Application::Application(const Command_Line& command_line)
                       [this](const std::string& text) { Table_Save(text); }, [this] { return Table_Source(); }}),
       database(look, Database_Services()),
       not_opened_list(look),
-      read_list(look) {
+      read_list(look),
+      segmentation_services(Segmentation_Wires()) {
     the_application = this;
     Prog_Name = "workbench";
     Contract_Checks_Set(options.check);
@@ -253,6 +254,13 @@ void Application::Listen() {
         }
     });
     hub.Listen(Stage::Views, [this](Told_Changes& told) { Show_Changes(told.changes); });
+    hub.Listen(Stage::Views, [this](Told_Changes& told) {
+        if (told.changes.Has_Any({Change::Volume, Change::Opened})) {
+            segmentation_control.Volume_Follow();
+        } else if (told.changes.Has_Any({Change::Pixels, Change::Texts})) {
+            segmentation_control.Labels_Follow();
+        }
+    });
     hub.Listen(Stage::Report, [this](Told_Changes& told) {
         rounds_told += told.changes.Is_Within({Change::Mouse, Change::Stroke}) ? 0 : 1;
     });

@@ -22,6 +22,7 @@
 #include "workbench/database/class_history.h"
 #include "workbench/database/class_objects.h"
 #include "workbench/database/database_pane.h"
+#include "workbench/edits/segmentation_control.h"
 #include "workbench/host_variables.h"
 #include "workbench/hosted_histogram.h"
 #include "workbench/image_area.h"
@@ -43,6 +44,7 @@
 #include "workbench/parts/settings_keeper.h"
 #include "workbench/report.h"
 #include "workbench/report_questions.h"
+#include "workbench/segmentation_services.h"
 #include "workbench/status_line.h"
 #include "workbench/tool_area.h"
 #include "workbench/trace_view.h"
@@ -391,6 +393,9 @@ class Application : public Image_User,
 
     // application_image.cpp
     void Slice_Show(int wanted);
+    Segmentation_Wiring Segmentation_Wires();
+    /** What the image is tinted with: the band of the current TAG, or the bands of all. */
+    std::vector<Range_Overlay> Ranges_Now() const;
     std::vector<volumes::Display_Window> Windows() const;
     Tag_Overlay Overlay_Now() const;
     Paint_Ink Ink(bool erase);
@@ -421,7 +426,8 @@ class Application : public Image_User,
     Histogram_Control histogram;
     Color_Advisor color_advisor{Color_Services()};
     Focus focus{Focus_Services()};
-    Command_Table commands{{*this, *this, *this, color_advisor, *this, *this, *this, *this, *this, focus, *this}};
+    Command_Table commands{
+        {*this, *this, *this, color_advisor, *this, *this, *this, segmentation_control, *this, *this, focus, *this}};
     Command_Line options;
     Look look;
     Report report;
@@ -458,6 +464,8 @@ class Application : public Image_User,
     Database_Pane database;
     List_Window not_opened_list;
     List_Window read_list;
+    Segmentation_Services segmentation_services;
+    Segmentation_Control segmentation_control{segmentation_services};
     Panel_Host* tag_host = nullptr;  // owned by the tool area
     Panel_Host* marker_host = nullptr;
     Panel_Host* brush_host = nullptr;

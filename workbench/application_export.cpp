@@ -8,6 +8,7 @@
 #include "histogram/histo_peak.h"
 #include "workbench/analysis/export_check.h"
 #include "workbench/application.h"
+#include "workbench/file_dialog.h"
 #include "workbench/model/text_file.h"
 #include "workbench/text_dialog.h"
 #include "workbench/volumes/message_text.h"
@@ -61,21 +62,12 @@ std::string Application::Table_Source() const {
 }
 
 void Application::Table_Save(const std::string& text) {
-    std::wstring path = L"analysis.txt";
-    path.resize(FILE_NAME_SIZE);
-    OPENFILENAMEW question = {};
-    question.lStructSize = sizeof question;
-    question.hwndOwner = analysis.Window();
-    question.lpstrFilter = L"Texts (*.txt)\0*.txt\0All files\0*.*\0";
-    question.lpstrTitle = L"Save the full table";
-    question.lpstrDefExt = L"txt";
-    question.lpstrFile = path.data();
-    question.nMaxFile = FILE_NAME_SIZE;
-    question.Flags = OFN_OVERWRITEPROMPT | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
-    if (::GetSaveFileNameW(&question) == 0) {
+    const std::optional<std::filesystem::path> chosen = Save_Ask(
+        analysis.Window(), L"Save the full table", L"Texts (*.txt)\0*.txt\0All files\0*.*\0", L"analysis.txt", L"txt");
+    if (!chosen) {
         return;
     }
-    const std::filesystem::path file(path.c_str());
+    const std::filesystem::path& file = *chosen;
     if (const std::string error = Text_File_Write(file, text); !error.empty()) {
         return Warn("The table was not saved: " + volumes::File_Name_Text(file) + " " + error + ".");
     }

@@ -1,13 +1,12 @@
 // Opening and saving.
 #include <windows.h>
 
-#include <commdlg.h>
-
 #include <algorithm>
 #include <system_error>
 
 #include "workbench/application.h"
 #include "workbench/choice_dialog.h"
+#include "workbench/file_dialog.h"
 #include "workbench/folder_dialog.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
@@ -21,44 +20,10 @@ constexpr const wchar_t* VOLUME_FILTER =
 constexpr const wchar_t* LABEL_FILTER = L"Label volumes (*.nii.gz, *.nii)\0*.nii.gz;*.nii;*.gz\0All files\0*.*\0";
 constexpr const wchar_t* EXPORT_FILTER = L"Histograms (*.csv, *.txt)\0*.csv;*.txt\0All files\0*.*\0";
 
-OPENFILENAMEW File_Question(HWND owner, const wchar_t* filter, const wchar_t* title, std::wstring& buffer) {
-    OPENFILENAMEW question = {};
-    question.lStructSize = sizeof question;
-    question.hwndOwner = owner;
-    question.lpstrFilter = filter;
-    question.lpstrTitle = title;
-    buffer.resize(FILE_NAME_SIZE);
-    question.lpstrFile = buffer.data();
-    question.nMaxFile = FILE_NAME_SIZE;
-    return question;
-}
-
-std::optional<std::filesystem::path> Ask_Open(HWND owner, const wchar_t* filter, const wchar_t* title) {
-    std::wstring buffer;
-    OPENFILENAMEW question = File_Question(owner, filter, title, buffer);
-    question.Flags = OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
-    if (::GetOpenFileNameW(&question) == 0) {
-        return std::nullopt;
-    }
-    return std::filesystem::path(buffer.c_str());
-}
-
-std::optional<std::filesystem::path> Ask_Save(HWND owner, std::filesystem::path start) {
-    start.make_preferred();
-    std::error_code unknown;
-    const std::wstring folder = start.parent_path().wstring();
-    // A folder that is gone would make the dialog refuse the name.
-    std::wstring buffer =
-        std::filesystem::is_directory(start.parent_path(), unknown) ? start.wstring() : start.filename().wstring();
-    OPENFILENAMEW question = File_Question(owner, LABEL_FILTER, L"Save labels", buffer);
-    question.lpstrInitialDir = folder.empty() ? nullptr : folder.c_str();
-    question.Flags = OFN_OVERWRITEPROMPT | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
-    if (::GetSaveFileNameW(&question) == 0) {
-        return std::nullopt;
-    }
-    std::filesystem::path path(buffer.c_str());
-    if (!path.has_extension()) {
-        path += L".nii.gz";
+std::optional<std::filesystem::path> Label_Save_Ask(HWND owner, const std::filesystem::path& start) {
+    std::optional<std::filesystem::path> path = Save_Ask(owner, L"Save labels", LABEL_FILTER, start);
+    if (path && !path->has_extension()) {
+        *path += L".nii.gz";
     }
     return path;
 }
@@ -127,7 +92,7 @@ Application::Save_Outcome Application::Save_Labels_Asking(bool ask_for_name) {
             const std::filesystem::path start =
                 path.empty() ? Label_Path_Proposed(session.Path(), volumes.Facts(volumes.Current()).title) : path;
             report.Line("ask save_as " + Utf8_Of_Wide(start.wstring()));
-            const std::optional<std::filesystem::path> answer = Ask_Save(window.Handle(), start);
+            const std::optional<std::filesystem::path> answer = Label_Save_Ask(window.Handle(), start);
             if (!answer) {
                 return Save_Outcome::Not_Saved;
             }
@@ -208,7 +173,7 @@ bool Application::May_Close() {
 }
 
 void Application::Open_Ask() {
-    if (const auto path = Ask_Open(window.Handle(), VOLUME_FILTER, L"Open volume")) {
+    if (const auto path = workbench::Open_Ask(window.Handle(), L"Open volume", VOLUME_FILTER)) {
         Open_Paths(std::span(&*path, 1));
     }
 }
@@ -228,14 +193,14 @@ void Application::Load_Labels_Ask() {
     if (!session.Has_Volume()) {
         Warn("Open an image first; labels lie on an image.");
     } else if (!session.Is_Unsaved() || Ask_Unsaved()) {
-        if (const auto path = Ask_Open(window.Handle(), LABEL_FILTER, L"Load labels")) {
+        if (const auto path = workbench::Open_Ask(window.Handle(), L"Load labels", LABEL_FILTER)) {
             Load_Labels(*path);
         }
     }
 }
 
 void Application::Export_Verify_Ask() {
-    if (const auto path = Ask_Open(window.Handle(), EXPORT_FILTER, L"Verify export")) {
+    if (const auto path = workbench::Open_Ask(window.Handle(), L"Verify export", EXPORT_FILTER)) {
         Export_Verify(*path, false);
     }
 }

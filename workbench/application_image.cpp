@@ -30,6 +30,55 @@ Tag_Overlay Application::Overlay_Now() const {
     return overlay;
 }
 
+std::vector<Range_Overlay> Application::Ranges_Now() const {
+    std::vector<Range_Overlay> ranges;
+    const bool is_of_all = segmentation_control.Is_Bands_Preview();
+    if (!is_of_all && !is_threshold_mode && !is_range_shown) {
+        return ranges;
+    }
+    for (const Tag_Claim& claim : segmentation_services.Claims()) {
+        const segmentation::Level_Band band = segmentation::Level_Band_Of(claim.band, session.Image());
+        if ((is_of_all || claim.tag == variables.Tag_Cur()) && !band.Is_Empty()) {
+            ranges.push_back({band.low, band.high, variables.Tag_Color(claim.tag)});
+        }
+    }
+    return ranges;
+}
+
+Segmentation_Wiring Application::Segmentation_Wires() {
+    return {session,
+            variables,
+            look,
+            [this] { return window.Handle(); },
+            [this] { return slice; },
+            [this]() -> std::optional<segmentation::Voxel_Place> {
+                if (image.Slices().Is_Cursor()) {
+                    return segmentation::Voxel_Place{image.Slices().Cursor_X(), image.Slices().Cursor_Y(), slice};
+                }
+                return hovered ? std::optional(segmentation::Voxel_Place{hovered->x, hovered->y, hovered->slice})
+                               : std::nullopt;
+            },
+            [this](float told) { return Grey_Of_Panel(told); },
+            [this] {
+                return volumes.Nb() > 0 && volumes.Facts(volumes.Current()).modality == MODALITY_CT ? std::string("HU")
+                                                                                                    : std::string();
+            },
+            [this](const std::wstring& what,
+                   const std::function<void(const segmentation::Edit_Progress& progress)>& action) {
+                Run_With_Progress(what, [&](const volumes::Load_Progress& progress) { action(progress); });
+            },
+            [this](int changed) {
+                if (changed != slice) {
+                    Slice_Show(changed);
+                }
+                hub.Note(Change::Pixels);
+                report.Line("segmented");
+            },
+            [this] { image.Refresh(); },
+            [this](const std::wstring& text) { Status(text); },
+            [this](const std::string& text) { Warn(text); }};
+}
+
 Image_Content Application::Content() const {
     Image_Content content;
     if (!session.Has_Volume()) {
@@ -46,13 +95,7 @@ Image_Content Application::Content() const {
                       volume.is_inverted};
     content.window = grey_window;
     content.overlay = Overlay_Now();
-    const auto tag = static_cast<std::size_t>(variables.Tag_Cur());
-    const float low = variables.Threshold_Min()[tag];
-    const float high = variables.Threshold_Max()[tag];
-    if ((is_threshold_mode || is_range_shown) && (low > TAG_THRESHOLD_MIN_UNSET || high < TAG_THRESHOLD_MAX_UNSET)) {
-        content.range = Range_Overlay{static_cast<float>(Grey_Of_Panel(low)), static_cast<float>(Grey_Of_Panel(high)),
-                                      variables.Tag_Color(variables.Tag_Cur())};
-    }
+    content.ranges = Ranges_Now();
     content.order = session.Order();
     const std::string& orientation = volumes.View(volumes.Current()).orientation;
     const bool is_lost = volume.affine_source == volumes::Affine_Source::Spacing;

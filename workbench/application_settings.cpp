@@ -55,6 +55,7 @@ void Application::Settings_Apply() {
     Enlarged_Place_Set(window.Handle(), kept.enlarged_window);
     not_opened_list.Place_Set(kept.list_window, look.Px(BESIDE_IMAGE));
     read_list.Place_Set(kept.facts_window, look.Px(BESIDE_IMAGE));
+    segmentation_services.Statistics_Window().Place_Set(kept.statistics_window, look.Px(BESIDE_IMAGE));
     tool_area.Folded_Set(kept.folded);
     image.Planes_Show(kept.is_planes_shown);
     trace.Show(options.trace || kept.is_trace_shown);
@@ -71,6 +72,7 @@ void Application::Settings_Keep() {
     kept.enlarged_window = Enlarged_Place_Now();
     kept.list_window = not_opened_list.Place_Now();
     kept.facts_window = read_list.Place_Now();
+    kept.statistics_window = segmentation_services.Statistics_Window().Place_Now();
     kept.is_light = look.Theme() == Library_Theme::Light;
     kept.is_overlay_shown = is_overlay_shown;
     kept.is_planes_shown = image.Is_Planes();

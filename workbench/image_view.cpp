@@ -40,7 +40,7 @@ void Image_View::Lay_Out() {
 void Image_View::Render(const Pixel_Rect& part) {
     picture.resize(static_cast<std::size_t>(content.source.width) * static_cast<std::size_t>(content.source.height));
     if (!content.source.levels.empty()) {
-        Slice_Render(content.source, content.window, content.overlay, content.range, part, picture);
+        Slice_Render(content.source, content.window, content.overlay, content.ranges, part, picture);
     }
 }
 

@@ -7,11 +7,12 @@ namespace workbench {
 namespace {
 
 constexpr int FIRST_WIDTH = 760;  // pixels at 96 dots per inch
+constexpr int FIRST_TABLE_WIDTH = 880;
 constexpr int FIRST_HEIGHT = 420;
 
 }  // namespace
 
-void List_Window::Open(HWND owner, const std::wstring& title, const std::wstring& text) {
+void List_Window::Open(HWND owner, const std::wstring& title, const std::wstring& text, List_Font font) {
     if (Handle() == nullptr) {
         if (!Create(owner, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, title.c_str())) {
             return;
@@ -22,19 +23,25 @@ void List_Window::Open(HWND owner, const std::wstring& title, const std::wstring
         lines = ::CreateWindowExW(0, L"EDIT", L"",
                                   WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_HSCROLL | ES_MULTILINE | ES_READONLY, 0, 0,
                                   10, 10, Handle(), nullptr, ::GetModuleHandleW(nullptr), nullptr);
-        Place_Beside(Handle(), owner, tools_width, place, look.Px(FIRST_WIDTH), look.Px(FIRST_HEIGHT));
+        Place_Beside(Handle(), owner, tools_width, place,
+                     look.Px(font == List_Font::Fixed ? FIRST_TABLE_WIDTH : FIRST_WIDTH), look.Px(FIRST_HEIGHT));
     }
+    ::SendMessageW(lines, EM_SETLIMITTEXT, 0, 0);
+    ::SendMessageW(lines, WM_SETFONT, reinterpret_cast<WPARAM>(font == List_Font::Fixed ? look.Fixed() : look.Font()),
+                   TRUE);
+    Text_Set(title, text);
+    ::ShowWindow(Handle(), SW_SHOWNORMAL);
+    ::SetForegroundWindow(Handle());
+}
+
+void List_Window::Text_Set(const std::wstring& title, const std::wstring& text) {
     std::wstring shown;
     for (const wchar_t letter : text) {
         shown += letter == L'\n' ? L"\r\n" : std::wstring(1, letter);
     }
     ::SetWindowTextW(Handle(), title.c_str());
     ::SetWindowTextW(label, title.c_str());
-    ::SendMessageW(lines, EM_SETLIMITTEXT, 0, 0);
-    ::SendMessageW(lines, WM_SETFONT, reinterpret_cast<WPARAM>(look.Font()), TRUE);
     ::SetWindowTextW(lines, shown.c_str());
-    ::ShowWindow(Handle(), SW_SHOWNORMAL);
-    ::SetForegroundWindow(Handle());
 }
 
 void List_Window::Place_Set(const Window_Place& last, int tools) {

@@ -9,11 +9,16 @@
 
 namespace workbench {
 
+/** Tables need letters of one width. */
+enum class List_Font { Text, Fixed };
+
 class List_Window : public Window_Base {
   public:
     explicit List_Window(const Look& shared_look) : look(shared_look) {}
     /** Shows a text, or another one in the window that is there already. @param text lines end with '\n' */
-    void Open(HWND owner, const std::wstring& title, const std::wstring& text);
+    void Open(HWND owner, const std::wstring& title, const std::wstring& text, List_Font font = List_Font::Text);
+    /** Another text in the window that is there; it stays where it is and takes no keys. */
+    void Text_Set(const std::wstring& title, const std::wstring& text);
     /** Where it opens. @param last as it stood before; without width: beside the owner
      *  @param tools width of what at the owner's left must stay free */
     void Place_Set(const Window_Place& last, int tools);

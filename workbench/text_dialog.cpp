@@ -9,6 +9,7 @@ namespace {
 constexpr int ID_TEXT = 100;
 constexpr int ID_CHOICE_0 = 200;
 constexpr short WIDTH = 380;  // dialog units
+constexpr short TABLE_WIDTH = 460;
 constexpr short HEIGHT = 260;
 constexpr short MARGIN = 7;
 constexpr short BUTTON_WIDTH = 80;
@@ -51,13 +52,17 @@ std::wstring Field_Text(const std::wstring& lines) {
 }  // namespace
 
 int Text_Show(HWND owner, const std::wstring& title, const std::wstring& lines, HFONT font,
-              const std::vector<std::wstring>& choices) {
-    Dialog_Template dialog(title, WIDTH, HEIGHT);
+              const std::vector<std::wstring>& choices, Long_Lines long_lines) {
+    const bool is_scrolled = long_lines == Long_Lines::Scrolled;
+    const short width = is_scrolled ? TABLE_WIDTH : WIDTH;
+    Dialog_Template dialog(title, width, HEIGHT);
     // A field is called by the label before it, also by one without extent.
     dialog.Add(DIALOG_STATIC, SS_LEFT, 0, 0, 0, 0, 0xFFFF, title);
-    dialog.Add(DIALOG_EDIT, WS_BORDER | WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_READONLY, MARGIN, MARGIN,
-               WIDTH - 2 * MARGIN, HEIGHT - 3 * MARGIN - BUTTON_HEIGHT, ID_TEXT, L"");
-    short x = WIDTH - MARGIN - BUTTON_WIDTH;
+    dialog.Add(DIALOG_EDIT,
+               WS_BORDER | WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_READONLY |
+                   (is_scrolled ? WS_HSCROLL | ES_AUTOHSCROLL : 0),
+               MARGIN, MARGIN, width - 2 * MARGIN, HEIGHT - 3 * MARGIN - BUTTON_HEIGHT, ID_TEXT, L"");
+    short x = width - MARGIN - BUTTON_WIDTH;
     const short y = HEIGHT - MARGIN - BUTTON_HEIGHT;
     dialog.Add(DIALOG_BUTTON, BS_DEFPUSHBUTTON | WS_TABSTOP, x, y, BUTTON_WIDTH, BUTTON_HEIGHT, IDOK, L"&Close");
     for (std::size_t at = choices.size(); at > 0; --at) {

@@ -66,7 +66,7 @@ void Scroll_Plane(benchmark::State& state) {
         depth = (depth + 1) % SIDE;
         views.User(view).Slice_Go(depth);
         const Image_Content content = views.User(view).Content();
-        Slice_Render(content.source, content.window, content.overlay, content.range,
+        Slice_Render(content.source, content.window, content.overlay, content.ranges,
                      {0, 0, content.source.width, content.source.height}, picture);
         View_State shown;
         shown.view_width = VIEW_WIDTH;

@@ -93,8 +93,7 @@ void Stroke_Event(benchmark::State& state) {
         const Pixel_Rect changed = Paint_Line(target, brush, x, y, x1, y1, ink);
         x = x1;
         y = y1;
-        Slice_Render({SIDE, SIDE, levels, false, 1.0F, 0.0F, tags}, {0.0F, 800.0F}, overlay, std::nullopt, changed,
-                     picture);
+        Slice_Render({SIDE, SIDE, levels, false, 1.0F, 0.0F, tags}, {0.0F, 800.0F}, overlay, {}, changed, picture);
         const Pixel_Rect part = {layout.To_Screen_X(changed.left), layout.To_Screen_Y(changed.top),
                                  layout.To_Screen_X(changed.right), layout.To_Screen_Y(changed.bottom)};
         Slice_Scale(picture, layout, part, 2 * SIDE, 2 * SIDE, 0, screen);
@@ -126,8 +125,8 @@ void Render_Slice(benchmark::State& state) {
     Tag_Overlay overlay;
     overlay.shown.fill(1);
     for (auto _ : state) {
-        Slice_Render({SIDE, SIDE, levels, false, 1.0F, 0.0F, tags}, {0.0F, 800.0F}, overlay, std::nullopt,
-                     {0, 0, SIDE, SIDE}, picture);
+        Slice_Render({SIDE, SIDE, levels, false, 1.0F, 0.0F, tags}, {0.0F, 800.0F}, overlay, {}, {0, 0, SIDE, SIDE},
+                     picture);
         benchmark::DoNotOptimize(picture.data());
     }
 }

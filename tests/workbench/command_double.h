@@ -18,6 +18,7 @@ struct Command_Double : File_Actions,
                         View_Actions,
                         Cursor_Actions,
                         Propagation_Actions,
+                        Segmentation_Actions,
                         Histogram_Actions,
                         Database_Actions,
                         Focus_Actions,
@@ -88,6 +89,27 @@ struct Command_Double : File_Actions,
     void Propagate_Repeat(int direction) override { Note("Propagate_Repeat", Number(direction)); }
     void Propagation_Kind_Set(Propagation_Kind kind) override { Note("Propagation_Kind_Set", Number(kind)); }
     Propagation_Kind Propagation_Kind_Now() const override { return kind_now; }
+    void Bands_Apply(bool of_all_tags) override { Note("Bands_Apply", Number(of_all_tags)); }
+    void Bands_Preview_Set(bool on) override { Note("Bands_Preview_Set", Number(on)); }
+    bool Is_Bands_Preview() const override { return Is("Is_Bands_Preview"); }
+    void Flood(bool by_tolerance) override { Note("Flood", Number(by_tolerance)); }
+    void Region_Keep_Largest() override { Note("Region_Keep_Largest"); }
+    void Regions_Drop_Small() override { Note("Regions_Drop_Small"); }
+    void Region_Keep_At_Cursor() override { Note("Region_Keep_At_Cursor"); }
+    void Region_Take_At_Cursor() override { Note("Region_Take_At_Cursor"); }
+    void Holes_Fill(bool in_space) override { Note("Holes_Fill", Number(in_space)); }
+    void Tag_Smooth() override { Note("Tag_Smooth"); }
+    void Tag_Resize(int direction) override { Note("Tag_Resize", Number(direction)); }
+    void Slices_Between_Fill() override { Note("Slices_Between_Fill"); }
+    void Tag_Merge() override { Note("Tag_Merge"); }
+    void Tag_Join_File() override { Note("Tag_Join_File"); }
+    void Scope_Set(Edit_Scope scope) override { Note("Scope_Set", Number(scope)); }
+    Edit_Scope Scope_Now() const override { return scope_now; }
+    void Only_Inside_Ask() override { Note("Only_Inside_Ask"); }
+    std::optional<std::string> Only_Inside_Name() const override { return only_inside; }
+    void Statistics_Show() override { Note("Statistics_Show"); }
+    void Statistics_Save() override { Note("Statistics_Save"); }
+    void Labels_Compare_Ask() override { Note("Labels_Compare_Ask"); }
     void Histogram_Of_All() override { Note("Histogram_Of_All"); }
     void Histogram_Of_Shown() override { Note("Histogram_Of_Shown"); }
     void Histogram_Range_Ask() override { Note("Histogram_Range_Ask"); }
@@ -132,12 +154,16 @@ struct Command_Double : File_Actions,
     void Banner_Close() override { Note("Banner_Close"); }
     void Report_State() override { Note("Report_State"); }
 
-    Command_Parts Parts() { return {*this, *this, *this, *this, *this, *this, *this, *this, *this, *this, *this}; }
+    Command_Parts Parts() {
+        return {*this, *this, *this, *this, *this, *this, *this, *this, *this, *this, *this, *this};
+    }
 
     std::vector<std::string> asked;      // "Slice_Step 1"
     std::map<std::string, bool> is_set;  // answers of the questions, by their names; not there: no
     std::optional<std::string> undo_title, redo_title, class_undo_title, class_redo_title;
     std::vector<Numbered_Entry> recent, windows;
+    std::optional<std::string> only_inside;
+    Edit_Scope scope_now = Edit_Scope::Volume;
     Propagation_Kind kind_now = Propagation_Kind::Copy;
     Histogram_Frames frames_now = Histogram_Frames::All;
 

@@ -127,6 +127,7 @@ TEST(Command_Table, switches_turn_off_what_is_on) {
         {Command::Theme, "Is_Light", "Theme_Set"},
         {Command::Cursor_Show, "Is_Cursor", "Cursor_Set"},
         {Command::Cursor_Pen, "Is_Pen_Down", "Cursor_Pen_Set"},
+        {Command::Bands_Preview, "Is_Bands_Preview", "Bands_Preview_Set"},
         {Command::Histogram_Of_Tag, "Is_Histogram_Of_Tag", "Histogram_Of_Tag_Set"},
         {Command::Histogram_Smoothed, "Is_Histogram_Smoothed", "Histogram_Smoothed_Set"},
         {Command::Background_Leave_Out, "Is_Background_Left_Out", "Background_Leave_Out"},
@@ -155,12 +156,17 @@ TEST(Command_Table, marks_follow_the_state) {
         }
         return names;
     };
-    EXPECT_EQ(marked(), "function_copy histogram_all ");
+    EXPECT_EQ(marked(), "function_copy scope_volume histogram_all ");
     parts.frames_now = Histogram_Frames::Checked;
     parts.kind_now = Propagation_Kind::Grow;
     parts.is_set["Has_Tag_Mark 1"] = true;
     parts.is_set["Is_Light"] = true;
-    EXPECT_EQ(marked(), "tag_select theme function_grow ");
+    parts.scope_now = Edit_Scope::Shown_Slice;
+    parts.only_inside = "Fluid";
+    EXPECT_EQ(marked(), "tag_select theme function_grow scope_slice only_inside ");
+    EXPECT_EQ(table.Text(Command::Only_Inside), "Onl&y inside: Fluid");
+    parts.only_inside.reset();
+    EXPECT_EQ(table.Text(Command::Only_Inside), "Onl&y inside: all TAGs");
 }
 
 TEST(Command_Table, entries_tell_what_the_next_step_is_and_are_grey_without_one) {

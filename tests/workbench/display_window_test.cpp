@@ -56,7 +56,7 @@ TEST(Display_Windows, a_sigmoid_bends) {
     source.levels = levels;
     std::vector<std::uint32_t> out(5);
     const Grey_Window window = Grey_Window_Of({"", 40, 80, Window_Function::Sigmoid});
-    Slice_Render(source, window, {}, std::nullopt, {0, 0, 5, 1}, out);
+    Slice_Render(source, window, {}, {}, {0, 0, 5, 1}, out);
     for (std::size_t at = 0; at < levels.size(); ++at) {
         const double expected = 255.0 / (1.0 + std::exp(-4.0 * (levels[at] - 40.0) / 80.0));
         EXPECT_NEAR(static_cast<double>(out[at] & 0xFFU), expected, 1.0) << levels[at];

@@ -22,6 +22,7 @@ Settings Example() {
     settings.enlarged_window = {60, -5, 820, 410, false};
     settings.list_window = {-900, 40, 500, 300, false};
     settings.facts_window = {11, 12, 13, 14, false};
+    settings.statistics_window = {21, 22, 23, 24, false};
     settings.is_light = true;
     settings.is_overlay_shown = false;
     settings.overlay_opacity = 70;
@@ -66,6 +67,7 @@ TEST(Settings, text_and_back_changes_nothing) {
     EXPECT_EQ(back.enlarged_window.top, -5);
     EXPECT_EQ(back.list_window.left, -900);
     EXPECT_EQ(back.facts_window.top, 12);
+    EXPECT_EQ(back.statistics_window.width, 23);
     EXPECT_TRUE(back.is_light);
     EXPECT_EQ(back.folded, 0b10010U);
     EXPECT_TRUE(back.is_wheel_turned);

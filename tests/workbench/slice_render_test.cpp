@@ -25,8 +25,8 @@ struct Picture {
         overlay.shown.fill(1);
         overlay.color.fill(0xFF0000);
     }
-    void Render(const Grey_Window& window, const std::optional<Range_Overlay>& range = std::nullopt) {
-        Slice_Render(source, window, overlay, range, {0, 0, source.width, source.height}, out);
+    void Render(const Grey_Window& window, std::span<const Range_Overlay> ranges = {}) {
+        Slice_Render(source, window, overlay, ranges, {0, 0, source.width, source.height}, out);
     }
 };
 
@@ -73,7 +73,8 @@ TEST(Slice_Render, mixes_in_shown_tags_only) {
 
 TEST(Slice_Render, tints_the_range_with_both_ends) {
     Picture picture({9, 10, 20, 21});
-    picture.Render({0.0F, 1000.0F}, Range_Overlay{10.0F, 20.0F, 0x00FF00});
+    const Range_Overlay range = {10, 20, 0x00FF00};
+    picture.Render({0.0F, 1000.0F}, {&range, 1});
     const auto is_tinted = [](std::uint32_t pixel) { return ((pixel >> 8U) & 0xFFU) > 50U; };
     EXPECT_FALSE(is_tinted(picture.out[0]));
     EXPECT_TRUE(is_tinted(picture.out[1]));
@@ -81,13 +82,23 @@ TEST(Slice_Render, tints_the_range_with_both_ends) {
     EXPECT_FALSE(is_tinted(picture.out[3]));
 }
 
+TEST(Slice_Render, the_last_of_overlapping_ranges_tints) {
+    Picture picture({5, 15, 25});
+    const Range_Overlay ranges[] = {{0, 20, 0xFF0000}, {10, 30, 0x00FF00}};
+    picture.Render({0.0F, 1000.0F}, ranges);
+    EXPECT_GT(picture.out[0] >> 16U, 50U);
+    EXPECT_LT(picture.out[1] >> 16U, 50U);
+    EXPECT_GT((picture.out[1] >> 8U) & 0xFFU, 50U);
+    EXPECT_GT((picture.out[2] >> 8U) & 0xFFU, 50U);
+}
+
 TEST(Slice_Render, draws_nothing_outside_the_part) {
     Picture picture({0, 0, 0, 0});
     picture.source.width = 2;
     picture.source.height = 2;
-    Slice_Render(picture.source, {0.0F, 1.0F}, picture.overlay, std::nullopt, {1, 0, 9, 1}, picture.out);
+    Slice_Render(picture.source, {0.0F, 1.0F}, picture.overlay, {}, {1, 0, 9, 1}, picture.out);
     EXPECT_EQ(picture.out, (std::vector<std::uint32_t>{MARKER, 0, MARKER, MARKER}));
-    Slice_Render(picture.source, {0.0F, 1.0F}, picture.overlay, std::nullopt, {5, 5, 3, 3}, picture.out);
+    Slice_Render(picture.source, {0.0F, 1.0F}, picture.overlay, {}, {5, 5, 3, 3}, picture.out);
     EXPECT_EQ(picture.out[3], MARKER);
 }
 

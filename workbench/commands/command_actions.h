@@ -130,6 +130,45 @@ class Propagation_Actions {
     virtual Propagation_Kind Propagation_Kind_Now() const = 0;
 };
 
+/** Which slices operations on labels work on. */
+enum class Edit_Scope { Shown_Slice, Range, Volume };
+
+/** From bands to labels, correcting labels, measuring them. "The TAG" is the current one, "the cursor" the voxel that
+ * is pointed at. */
+class Segmentation_Actions {
+  public:
+    virtual ~Segmentation_Actions() = default;
+    virtual void Bands_Apply(bool of_all_tags) = 0;
+    /** Tints what the bands of all TAGs claim. */
+    virtual void Bands_Preview_Set(bool on) = 0;
+    virtual bool Is_Bands_Preview() const = 0;
+    /** Gives the TAG to what hangs together with the voxel at the cursor. */
+    virtual void Flood(bool by_tolerance) = 0;
+    virtual void Region_Keep_Largest() = 0;
+    virtual void Regions_Drop_Small() = 0;
+    virtual void Region_Keep_At_Cursor() = 0;
+    /** Gives the TAG to the region at the cursor, whatever TAG it has. */
+    virtual void Region_Take_At_Cursor() = 0;
+    virtual void Holes_Fill(bool in_space) = 0;
+    virtual void Tag_Smooth() = 0;
+    /** @param direction +1 grows, -1 shrinks */
+    virtual void Tag_Resize(int direction) = 0;
+    virtual void Slices_Between_Fill() = 0;
+    /** Gives the TAG to the voxels of another one. */
+    virtual void Tag_Merge() = 0;
+    /** Copies, adds, subtracts or intersects a TAG of a label file. */
+    virtual void Tag_Join_File() = 0;
+    virtual void Scope_Set(Edit_Scope scope) = 0;
+    virtual Edit_Scope Scope_Now() const = 0;
+    /** Asks for the TAG whose voxels alone may change. */
+    virtual void Only_Inside_Ask() = 0;
+    /** No value: voxels of all TAGs may change. */
+    virtual std::optional<std::string> Only_Inside_Name() const = 0;
+    virtual void Statistics_Show() = 0;
+    virtual void Statistics_Save() = 0;
+    virtual void Labels_Compare_Ask() = 0;
+};
+
 /** Which frames the histogram counts. */
 enum class Histogram_Frames { All, Shown, Range, Checked };
 
@@ -208,6 +247,7 @@ struct Command_Parts {
     View_Actions& view;
     Cursor_Actions& cursor;
     Propagation_Actions& propagation;
+    Segmentation_Actions& segmentation;
     Histogram_Actions& histogram;
     Database_Actions& database;
     Focus_Actions& focus;

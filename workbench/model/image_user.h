@@ -31,7 +31,7 @@ struct Image_Content {
     Slice_Source source;  ///< no levels: nothing is loaded
     Grey_Window window;
     Tag_Overlay overlay;
-    std::optional<Range_Overlay> range;
+    std::vector<Range_Overlay> ranges;
     Display_Order order;
     std::vector<Shown_Marker> markers;
     int slice = 0;

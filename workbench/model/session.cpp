@@ -161,7 +161,14 @@ Grid_Match Session::Labels_Compare(const volumes::Volume& loaded) const {
     return Grid_Compare(Volume_Grid_Of(*volume), Volume_Grid_Of(loaded));
 }
 
-std::string Session::Take_Labels(const Labels_Read& read, Grid_Choice choice) {
+Grid_Match Session::Labels_Match(const volumes::Volume& loaded, Grid_Choice choice) const {
+    const Grid_Match match = Labels_Compare(loaded);
+    return match.relation == Grid_Relation::Other && choice == Grid_Choice::By_Index
+               ? Grid_By_Index(Volume_Grid_Of(*volume), Volume_Grid_Of(loaded))
+               : match;
+}
+
+std::string Session::Labels_Lay(const Labels_Read& read, Grid_Choice choice, std::vector<std::uint8_t>& laid) const {
     if (!volume) {
         return "Open an image first; labels lie on an image.";
     }
@@ -172,13 +179,10 @@ std::string Session::Take_Labels(const Labels_Read& read, Grid_Choice choice) {
     }
     const Volume_Grid image_grid = Volume_Grid_Of(*volume);
     const Volume_Grid label_grid = Volume_Grid_Of(loaded);
-    Grid_Match match = Grid_Compare(image_grid, label_grid);
-    const bool is_other = match.relation == Grid_Relation::Other;
-    if (is_other && choice == Grid_Choice::By_Index) {
-        match = Grid_By_Index(image_grid, label_grid);
-    }
-    if (is_other && (choice == Grid_Choice::Refuse || !match.is_placed ||
-                     (choice == Grid_Choice::By_Index && !match.is_same_size))) {
+    const Grid_Match match = Labels_Match(loaded, choice);
+    if (Labels_Compare(loaded).relation == Grid_Relation::Other &&
+        (choice == Grid_Choice::Refuse || !match.is_placed ||
+         (choice == Grid_Choice::By_Index && !match.is_same_size))) {
         return name + " lies elsewhere than the image: it has " + Volume_Grid_Text(label_grid) + ", and the image " +
                Volume_Grid_Text(image_grid) + ".";
     }
@@ -195,6 +199,17 @@ std::string Session::Take_Labels(const Labels_Read& read, Grid_Choice choice) {
         given = Grid_Carry(image_grid, label_grid, match, given);
     }
     Slices_Turn(std::span(given), volume->nx, volume->ny, order);
+    laid = std::move(given);
+    return {};
+}
+
+std::string Session::Take_Labels(const Labels_Read& read, Grid_Choice choice) {
+    std::vector<std::uint8_t> given;
+    if (std::string error = Labels_Lay(read, choice, given); !error.empty()) {
+        return error;
+    }
+    const Grid_Match match = Labels_Match(read.volume, choice);
+    const bool is_other = Labels_Compare(read.volume).relation == Grid_Relation::Other;
     std::ranges::copy(given, labels.All().begin());
     if (read.description != nullptr) {
         Markers_Take(read.description->markers, match);

@@ -84,6 +84,9 @@ class Session {
     Save_Doubts Doubts_Before(const std::filesystem::path& file, bool is_chosen) const;
     /** How the voxels of a label volume lie on the image's. Only with a volume. */
     Grid_Match Labels_Compare(const volumes::Volume& loaded) const;
+    /** The TAGs of a loaded label volume as they lie on the image, in the order of display; no TAG of the work changes.
+     *  @param laid receives one per voxel @return empty, or one sentence: then `laid` is as it was */
+    std::string Labels_Lay(const Labels_Read& read, Grid_Choice choice, std::vector<std::uint8_t>& laid) const;
     /** Replaces all TAGs by those of a loaded label volume, and the places of the markers by those that stand in its
      *  description. History goes. Labels whose voxels are the image's in another order are put into its order. When
      *  they were laid on otherwise, the file is not the labels' own any more.
@@ -179,6 +182,8 @@ class Session {
     Pixel_Rect Picture_Take(const Pixel_Rect& changed);
     bool Push_Cut(const char* title, const Stroke& ended);
     Paint_Target Target(int slice);
+    /** How labels lie on the image when the user has so chosen. */
+    Grid_Match Labels_Match(const volumes::Volume& loaded, Grid_Choice choice) const;
     /** Puts markers to places in a label volume that lies so on the image. */
     void Markers_Take(std::span<const Marker_Description> described, const Grid_Match& match);
     void Slice_Touch(int slice) { slice_changes[static_cast<std::size_t>(slice)] = ++change_nb; }

@@ -84,6 +84,9 @@ bool Take_Line(std::string_view name, std::string_view value, Settings& settings
     if (name == "facts_window") {
         return Take_Place(value, settings.facts_window);
     }
+    if (name == "statistics_window") {
+        return Take_Place(value, settings.statistics_window);
+    }
     if (name == "window_maximized") {
         return Take_Flag(value, settings.window.is_maximized);
     }
@@ -176,6 +179,7 @@ std::string Settings_Text(const Settings& settings) {
     window("enlarged_window", settings.enlarged_window);
     window("list_window", settings.list_window);
     window("facts_window", settings.facts_window);
+    window("statistics_window", settings.statistics_window);
     flag("window_maximized", settings.window.is_maximized);
     line("theme", settings.is_light ? "light" : "dark");
     flag("tag_colours", settings.is_overlay_shown);

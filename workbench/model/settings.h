@@ -25,10 +25,11 @@ struct Window_Place {
 struct Settings {
     Window_Place window;
     Window_Place peaks_window;
-    Window_Place enlarged_window;  ///< of the histogram
-    Window_Place list_window;      ///< of the files that were not opened
-    Window_Place facts_window;     ///< of what was read
-    bool is_light = false;         ///< theme
+    Window_Place enlarged_window;    ///< of the histogram
+    Window_Place list_window;        ///< of the files that were not opened
+    Window_Place facts_window;       ///< of what was read
+    Window_Place statistics_window;  ///< of the table of the TAGs
+    bool is_light = false;           ///< theme
     bool is_overlay_shown = true;
     int overlay_opacity = 45;      ///< per cent of the TAG colours over the image
     bool is_planes_shown = false;  ///< the other two planes beside the slices

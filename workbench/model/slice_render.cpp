@@ -38,7 +38,7 @@ Grey_Window Grey_Window::Dragged(float dx, float dy, float whole_range) const {
 }
 
 void Slice_Render(const Slice_Source& source, const Grey_Window& window, const Tag_Overlay& overlay,
-                  const std::optional<Range_Overlay>& range, const Pixel_Rect& part, std::span<std::uint32_t> out) {
+                  std::span<const Range_Overlay> ranges, const Pixel_Rect& part, std::span<std::uint32_t> out) {
     const Pixel_Rect area = Rect_Common(part, {0, 0, source.width, source.height});
     if (area.Is_Empty()) {
         return;
@@ -60,11 +60,11 @@ void Slice_Render(const Slice_Source& source, const Grey_Window& window, const T
                 const float bright = window.is_sigmoid ? Bent(straight) : std::clamp(straight, 0.0F, 255.0F);
                 const float shade = source.is_inverted ? 255.0F - bright : bright;
                 pixel = static_cast<std::uint32_t>(shade + 0.5F) * 0x010101U;
-                if (range.has_value()) {
-                    const float grey = static_cast<float>(level) * source.slope + source.intercept;
-                    if (grey >= range->low && grey <= range->high) {
-                        pixel = Mix_Pixel(pixel, range->color, RANGE_PERCENT);
-                    }
+                const auto tint = std::find_if(ranges.rbegin(), ranges.rend(), [&](const Range_Overlay& range) {
+                    return level >= range.low && level <= range.high;
+                });
+                if (tint != ranges.rend()) {
+                    pixel = Mix_Pixel(pixel, tint->color, RANGE_PERCENT);
                 }
             }
             if (!source.tags.empty()) {

@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <span>
 
 #include "workbench/model/label_map.h"
@@ -40,17 +39,17 @@ struct Tag_Overlay {
     int opacity = 45;                            ///< per cent of the TAG colour in the mixture
 };
 
-/** Tints the pixels whose grey value lies in a range, both ends included. */
+/** Tints the pixels whose level lies in a range, both ends included. */
 struct Range_Overlay {
-    float low = 0.0F;
-    float high = 0.0F;
+    std::int32_t low = 0;
+    std::int32_t high = 0;
     std::uint32_t color = 0;  ///< 0x00RRGGBB
 };
 
-/** Draws a part of a slice. @param part cut to the slice; @param out width * height pixels 0x00RRGGBB, rows from the
- *  top; pixels outside the part stay */
+/** Draws a part of a slice. @param ranges the last one tints where they overlap @param part cut to the slice; @param
+ * out width * height pixels 0x00RRGGBB, rows from the top; pixels outside the part stay */
 void Slice_Render(const Slice_Source& source, const Grey_Window& window, const Tag_Overlay& overlay,
-                  const std::optional<Range_Overlay>& range, const Pixel_Rect& part, std::span<std::uint32_t> out);
+                  std::span<const Range_Overlay> ranges, const Pixel_Rect& part, std::span<std::uint32_t> out);
 
 /** Enlarges or shrinks a picture to the screen, every screen pixel showing the slice pixel under its middle.
  *  @param part of the screen, cut to it; @param screen screen_width * screen_height pixels; those that show no slice

@@ -1,0 +1,192 @@
+// Numbers about labels: the table of the TAGs, and how labels agree with those of a file.
+#include <chrono>
+#include <new>
+#include <set>
+#include <utility>
+
+#include "workbench/edits/segmentation_control.h"
+#include "workbench/edits/segmentation_tables.h"
+#include "workbench/model/text_file.h"
+#include "workbench/segmentation/label_comparison.h"
+#include "workbench/volumes/message_text.h"
+#include "workbench/volumes/nifti_reader.h"
+
+namespace workbench {
+
+using segmentation::Edit_Input;
+
+namespace {
+
+constexpr std::chrono::milliseconds QUICK{100};  // what may be counted after every change
+
+segmentation::Statistics_Request Request_Of(const volumes::Volume& volume) {
+    segmentation::Statistics_Request request;
+    request.scale = {volume.slope, volume.intercept};
+    return request;
+}
+
+segmentation::Csv_Words Words_Of(const Segmentation_Host& host) {
+    segmentation::Csv_Words words;
+    for (int tag = 0; tag < TAG_MAX; ++tag) {
+        words.names.push_back(tag == 0 ? "Background" : host.Tag_Name(tag));
+    }
+    words.grey_unit = host.Grey_Unit();
+    return words;
+}
+
+}  // namespace
+
+std::optional<std::vector<segmentation::Tag_Numbers>> Segmentation_Control::Numbers_Count() {
+    std::optional<std::vector<segmentation::Tag_Numbers>> numbers;
+    try {
+        Edit_Input input = Input();
+        const segmentation::Statistics_Request request = Request_Of(host.Work().Image());
+        host.Run("Counting the voxels of the TAGs", [&](const segmentation::Edit_Progress& progress) {
+            input.progress = progress;
+            numbers = segmentation::Tag_Statistics(input, request);
+        });
+        if (!numbers) {
+            host.Tell("Counting was given up");
+        }
+    } catch (const std::bad_alloc&) {
+        host.Warn("There is not enough memory to count the voxels of the TAGs.");
+        return std::nullopt;
+    }
+    return numbers;
+}
+
+std::string Segmentation_Control::Statistics_Title() const {
+    return "Statistics of the TAGs: " + Slices_Text();
+}
+
+void Segmentation_Control::Statistics_Fill(std::span<const segmentation::Tag_Numbers> numbers) {
+    host.Statistics_Show(Statistics_Title(), Statistics_Text(numbers, Request_Of(host.Work().Image()), Words_Of(host)));
+}
+
+void Segmentation_Control::Statistics_Show() {
+    if (Has_Volume()) {
+        host.Work().Stroke_End();
+        if (const auto numbers = Numbers_Count()) {
+            Statistics_Fill(*numbers);
+        }
+    }
+}
+
+void Segmentation_Control::Labels_Follow() {
+    if (!host.Is_Statistics_Shown() || !host.Work().Has_Volume()) {
+        return;
+    }
+    if (is_quick) {
+        const auto end = std::chrono::steady_clock::now() + QUICK;
+        Edit_Input input = Input();
+        input.progress = [end](double) { return std::chrono::steady_clock::now() < end; };
+        try {
+            if (const auto numbers = segmentation::Tag_Statistics(input, Request_Of(host.Work().Image()))) {
+                return Statistics_Fill(*numbers);
+            }
+            is_quick = false;
+        } catch (const std::bad_alloc&) {
+            is_quick = false;
+        }
+    }
+    host.Statistics_Show(Statistics_Title(), "The labels have changed. Segment, Statistics (Ctrl+T) counts again.\n");
+}
+
+void Segmentation_Control::Csv_Save(const std::string& title, const std::string& name, const std::string& text) {
+    const std::optional<std::filesystem::path> file = host.Csv_File_Ask(title, name);
+    if (!file) {
+        return;
+    }
+    if (const std::string error = Text_File_Write(*file, text); !error.empty()) {
+        return host.Warn("The table was not saved: " + volumes::File_Name_Text(*file) + " " + error + ".");
+    }
+    host.Tell("The table was saved to " + volumes::File_Name_Text(*file));
+}
+
+void Segmentation_Control::Statistics_Save() {
+    if (!Has_Volume()) {
+        return;
+    }
+    host.Work().Stroke_End();
+    if (const auto numbers = Numbers_Count()) {
+        Csv_Save("Save the statistics of the TAGs", "statistics.csv",
+                 segmentation::Statistics_Csv(*numbers, Request_Of(host.Work().Image()), Words_Of(host)));
+    }
+}
+
+bool Segmentation_Control::Label_File_Read(const std::string& title, std::vector<std::uint8_t>& laid) {
+    const std::optional<std::filesystem::path> file = host.Label_File_Ask(title);
+    if (!file) {
+        return false;
+    }
+    volumes::Load_Result loaded;
+    std::string error;
+    try {
+        host.Run("Reading " + volumes::File_Name_Text(*file), [&](const segmentation::Edit_Progress& progress) {
+            loaded = volumes::Volume_Load(*file, progress);
+            if (loaded.volume) {
+                error = host.Work().Labels_Lay({*loaded.volume, *file, nullptr, {}}, Grid_Choice::Refuse, laid);
+            }
+        });
+    } catch (const std::bad_alloc&) {
+        error = "There is not enough memory for the labels of " + volumes::File_Name_Text(*file) + ".";
+    }
+    if (loaded.cancelled) {
+        host.Tell("Reading was given up");
+        return false;
+    }
+    error = loaded.volume ? error : loaded.error;
+    if (!error.empty()) {
+        host.Warn(error);
+    }
+    return error.empty();
+}
+
+void Segmentation_Control::Labels_Compare_Ask() {
+    std::vector<std::uint8_t> laid;
+    if (!Has_Volume()) {
+        return;
+    }
+    host.Work().Stroke_End();
+    if (!Label_File_Read("Compare with a label file", laid)) {
+        return;
+    }
+    std::set<std::uint8_t> tags(laid.begin(), laid.end());
+    const std::span<const std::uint8_t> own = std::as_const(host.Work()).Labels().All();
+    tags.insert(own.begin(), own.end());
+    tags.erase(0);
+    std::vector<Tag_Agreement> rows;
+    bool is_given_up = false;
+    try {
+        Edit_Input input = Input();
+        std::vector<std::string> names;
+        names.reserve(tags.size());
+        for (const std::uint8_t tag : tags) {
+            names.push_back(host.Tag_Name(tag));
+        }
+        host.Run("Comparing TAGs", [&](const segmentation::Edit_Progress& progress) {
+            for (const std::uint8_t tag : tags) {
+                const auto done = static_cast<double>(rows.size());
+                input.progress = [&](double share) {
+                    return !progress || progress((done + share) / static_cast<double>(tags.size()));
+                };
+                const auto numbers = segmentation::Labels_Compare(input, tag, laid, tag);
+                if (!numbers) {
+                    is_given_up = true;
+                    return;
+                }
+                rows.push_back({tag, names[rows.size()], *numbers});
+            }
+        });
+    } catch (const std::bad_alloc&) {
+        return host.Warn("There is not enough memory to compare the labels.");
+    }
+    if (is_given_up) {
+        return host.Tell("Comparing was given up");
+    }
+    if (host.Table_Show("Agreement with the file: " + Slices_Text(), Agreement_Text(rows))) {
+        Csv_Save("Save how the labels agree", "agreement.csv", Agreement_Csv(rows));
+    }
+}
+
+}  // namespace workbench

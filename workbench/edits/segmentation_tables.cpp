@@ -1,0 +1,126 @@
+#include "workbench/edits/segmentation_tables.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "workbench/model/number_text.h"
+
+namespace workbench {
+
+namespace {
+
+constexpr int DIGITS = 4;  // of the numbers that people read
+
+/** Letters of a UTF-8 text. */
+std::size_t Letter_Nb(const std::string& text) {
+    return static_cast<std::size_t>(
+        std::ranges::count_if(text, [](char unit) { return (static_cast<unsigned char>(unit) & 0xC0U) != 0x80U; }));
+}
+
+/** The shortest text that reads back as the number. */
+std::string Exact_Text(double number) {
+    std::array<char, 32> text{};
+    const std::to_chars_result end = std::to_chars(text.data(), text.data() + text.size(), number);
+    return {text.data(), end.ptr};
+}
+
+std::string Quoted(const std::string& text) {
+    if (text.find_first_of(",\"\n\r") == std::string::npos) {
+        return text;
+    }
+    std::string quoted = "\"";
+    for (const char unit : text) {
+        quoted += unit == '"' ? "\"\"" : std::string(1, unit);
+    }
+    return quoted + '"';
+}
+
+}  // namespace
+
+std::string Columns_Text(std::span<const std::vector<std::string>> rows, std::size_t right_from) {
+    std::vector<std::size_t> widths;
+    for (const std::vector<std::string>& row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (std::size_t at = 0; at < row.size(); ++at) {
+            widths[at] = std::max(widths[at], Letter_Nb(row[at]));
+        }
+    }
+    std::string text;
+    for (const std::vector<std::string>& row : rows) {
+        std::string line;
+        for (std::size_t at = 0; at < row.size(); ++at) {
+            const std::string room(widths[at] - Letter_Nb(row[at]), ' ');
+            line += (at == 0 ? "" : "  ") + (at >= right_from ? room + row[at] : row[at] + room);
+        }
+        line.erase(line.find_last_not_of(' ') + 1);
+        text += line + '\n';
+    }
+    return text;
+}
+
+std::string Statistics_Text(std::span<const segmentation::Tag_Numbers> rows,
+                            const segmentation::Statistics_Request& request, const segmentation::Csv_Words& words) {
+    const std::string unit = words.grey_unit.empty() ? "" : " " + words.grey_unit;
+    std::vector<std::vector<std::string>> cells = {
+        {"TAG", "Name", "Voxels", "ml", "Mean" + unit, "SD", "Min", "Median", "Max"}};
+    for (const double percent : request.percentiles) {
+        cells[0].push_back(Number_Text(percent) + " %");
+    }
+    cells[0].insert(cells[0].end(), {"Regions", "Slices"});
+    for (const segmentation::Tag_Numbers& row : rows) {
+        const auto tag = static_cast<std::size_t>(row.tag);
+        std::vector<std::string>& line = cells.emplace_back(std::vector<std::string>{
+            std::to_string(row.tag), tag < words.names.size() ? words.names[tag] : std::string(),
+            std::to_string(row.voxel_nb), Number_Text(row.milliliters, DIGITS)});
+        const segmentation::Grey_Numbers& greys = row.greys;
+        std::vector<double> numbers = {greys.mean, greys.deviation, greys.least, greys.median, greys.greatest};
+        numbers.insert(numbers.end(), greys.percentiles.begin(), greys.percentiles.end());
+        numbers.resize(5 + request.percentiles.size());
+        for (const double number : numbers) {
+            line.push_back(greys.voxel_nb != 0 ? Number_Text(number, DIGITS) : std::string());
+        }
+        line.push_back(std::to_string(row.region_nb));
+        line.push_back(std::to_string(row.first_slice + 1) + " to " + std::to_string(row.last_slice + 1));
+    }
+    return Columns_Text(cells, 2);
+}
+
+std::string Agreement_Text(std::span<const Tag_Agreement> rows) {
+    std::vector<std::vector<std::string>> cells = {
+        {"TAG", "Name", "Voxels", "In the file", "Dice", "Jaccard", "Diff ml", "HD mm", "HD95 mm", "Mean mm"}};
+    for (const Tag_Agreement& row : rows) {
+        const segmentation::Label_Agreement& numbers = row.numbers;
+        std::vector<std::string>& line = cells.emplace_back(std::vector<std::string>{
+            std::to_string(row.tag), row.name, std::to_string(numbers.one_nb), std::to_string(numbers.other_nb),
+            Number_Text(numbers.dice, DIGITS), Number_Text(numbers.jaccard, DIGITS),
+            Number_Text(numbers.volume_difference, DIGITS)});
+        if (numbers.distances) {
+            line.push_back(Number_Text(numbers.distances->hausdorff, DIGITS));
+            line.push_back(Number_Text(numbers.distances->hausdorff_95, DIGITS));
+            line.push_back(Number_Text(numbers.distances->mean, DIGITS));
+        }
+    }
+    return Columns_Text(cells, 2);
+}
+
+std::string Agreement_Csv(std::span<const Tag_Agreement> rows) {
+    std::string text =
+        "TAG,Name,Voxels here,Voxels in the file,Common voxels,Dice,Jaccard,Volume difference (ml),Hausdorff (mm),"
+        "Hausdorff 95 % (mm),Mean surface distance (mm)\n";
+    for (const Tag_Agreement& row : rows) {
+        const segmentation::Label_Agreement& numbers = row.numbers;
+        text += std::to_string(row.tag) + ',' + Quoted(row.name) + ',' + std::to_string(numbers.one_nb) + ',' +
+                std::to_string(numbers.other_nb) + ',' + std::to_string(numbers.common_nb) + ',' +
+                Exact_Text(numbers.dice) + ',' + Exact_Text(numbers.jaccard) + ',' +
+                Exact_Text(numbers.volume_difference);
+        text += numbers.distances
+                    ? ',' + Exact_Text(numbers.distances->hausdorff) + ',' +
+                          Exact_Text(numbers.distances->hausdorff_95) + ',' + Exact_Text(numbers.distances->mean)
+                    : ",,,";
+        text += '\n';
+    }
+    return text;
+}
+
+}  // namespace workbench

@@ -1,0 +1,31 @@
+/** Tables of numbers about labels, for people and as CSV. UTF-8. */
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "workbench/segmentation/label_comparison.h"
+#include "workbench/segmentation/tag_statistics.h"
+
+namespace workbench {
+
+/** Rows of cells with the columns one below the other, for a font of one width; the columns from `right_from` on stand
+ *  at their right ends. */
+std::string Columns_Text(std::span<const std::vector<std::string>> rows, std::size_t right_from);
+
+/** The numbers of TAGs, one row each under one of titles with units. @param words names of TAGs, unit of grey values */
+std::string Statistics_Text(std::span<const segmentation::Tag_Numbers> rows,
+                            const segmentation::Statistics_Request& request, const segmentation::Csv_Words& words);
+
+/** How a TAG of the work agrees with the same TAG of another volume of labels. */
+struct Tag_Agreement {
+    int tag = 0;
+    std::string name;
+    segmentation::Label_Agreement numbers;
+};
+std::string Agreement_Text(std::span<const Tag_Agreement> rows);
+/** Comma, dot, shortest numbers that read back the same; empty where there is no number. */
+std::string Agreement_Csv(std::span<const Tag_Agreement> rows);
+
+}  // namespace workbench
