@@ -52,7 +52,7 @@ void Application::Settings_Apply() {
     ::SetWindowPos(window.Handle(), nullptr, place.left, place.top, place.width, place.height,
                    SWP_NOZORDER | (kept.window.width > 0 ? 0U : static_cast<UINT>(SWP_NOMOVE)));
     analysis.Place_Set(kept.peaks_window, look.Px(BESIDE_IMAGE));
-    Enlarged_Place_Set(window.Handle(), kept.enlarged_window);
+    Enlarged_Place_Set(window.Handle(), look.Px(BESIDE_IMAGE), kept.enlarged_window);
     not_opened_list.Place_Set(kept.list_window, look.Px(BESIDE_IMAGE));
     read_list.Place_Set(kept.facts_window, look.Px(BESIDE_IMAGE));
     segmentation_services.Statistics_Window().Place_Set(kept.statistics_window, look.Px(BESIDE_IMAGE));

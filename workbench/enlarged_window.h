@@ -10,9 +10,9 @@ namespace workbench {
 /** True when it is such a window; null is none. */
 bool Is_Enlarged_Window(HWND window);
 
-/** Names who owns the window, and where it stood last: it opens there. @param last without width: it opens beside its
- *  owner */
-void Enlarged_Place_Set(HWND owner, const Window_Place& last);
+/** Says where the window opens. @param main the main window, already in its place @param tools width of what at its
+ * left must stay free @param kept where it stood last; without width: beside the main window */
+void Enlarged_Place_Set(HWND main, int tools, const Window_Place& kept);
 /** Where it stands, or stood last; without width when it was never open. */
 Window_Place Enlarged_Place_Now();
 
