@@ -336,6 +336,7 @@ void File_Reader::Frames_Decode(std::span<const std::int32_t> frames,
         stored->Is_Shared() ? Work_Thread_Nb(std::max<std::size_t>(rooms_most / room_size, 1)) : 1;
     std::vector<Value_Room> rooms(threads);
     std::vector<Value_Room*> idle;
+    idle.reserve(rooms.size());
     for (Value_Room& room : rooms) {
         idle.push_back(&room);
     }
