@@ -20,8 +20,6 @@ constexpr int SCROLLED = 48;     ///< TAGs that need it
 
 class Tag_Panel : public Tag_Fixture {
   protected:
-    explicit Tag_Panel(Window_Axis axis = Window_Axis::Down) : Tag_Fixture(axis) {}
-
     void Lay_Out(int nb) {
         Define_Tags(nb);
         Boxs box = Place();
@@ -40,15 +38,6 @@ class Tag_Panel : public Tag_Fixture {
 }  // namespace
 
 // ---------------- protocol
-
-TEST_F(Tag_Panel, a_new_panel_asks_for_nothing_and_draws_nothing) {
-    Variable_Look_Ups_Reset();
-    Take_Counters();
-    const Tool_Tag fresh;
-    EXPECT_EQ(Variable_Look_Ups(nullptr), 0U);
-    EXPECT_EQ(Take_Counters().inits, 0U);
-    EXPECT_THAT(messages.Take(), IsEmpty());
-}
 
 TEST_F(Tag_Panel, operations_are_traced_at_level_16_and_these_only) {
     Define_Tags(ALL_IN_VIEW);
@@ -417,6 +406,8 @@ TEST_F(Tag_Panel, a_count_without_its_variable_is_no_count) {
 
 // ---------------- copies
 
+// ---------------- copies
+
 TEST_F(Tag_Panel, copies_share_the_buttons_and_live_on_without_the_original) {
     Define_Tags(ALL_IN_VIEW);
     auto original = std::make_unique<Tool_Tag>(TAG_CHECK_SELECT);
@@ -443,31 +434,5 @@ TEST_F(Tag_Panel, copies_share_the_buttons_and_live_on_without_the_original) {
         EXPECT_EQ(Wrong_Pixels(marked), 0);
         EXPECT_EQ(Press_Label(*panel_now, model, 13), 13);
         panel_now->Leave();
-    }
-}
-
-// ---------------- y upwards
-
-namespace {
-class Tag_Panel_Up : public Tag_Panel {
-  protected:
-    Tag_Panel_Up() : Tag_Panel(Window_Axis::Up) {}
-};
-}  // namespace
-
-TEST_F(Tag_Panel_Up, in_a_window_that_counts_upwards_everything_works_with_the_rows_turned_over) {
-    for (const int nb : {ALL_IN_VIEW, SCROLLED}) {
-        Lay_Out(nb);
-        Label_Model model = Fresh_Model(Place(), nb);
-        Expect_Shows(model, "up");
-        EXPECT_EQ(Press_Label(panel, model, 3), 3);
-        panel.Leave();
-        EXPECT_EQ(Open_Editor(panel, model, 2), NONE);
-        EXPECT_EQ(panel.Keyboard(KEY_ENTER), 1);
-        Point_Away();
-        panel.Leave();
-        panel.Scroll(1);
-        model.scroll = nb == SCROLLED ? model.scroll - Label_Model::ROW : 0;
-        Expect_Shows(model, "scrolled up");
     }
 }
