@@ -250,6 +250,10 @@ void Application::Listen() {
         if (told.panel_flags != 0) {
             Contract_Check_Update(told.panel_flags);
             tool_area.Update(told.panel_flags);
+        }
+    });
+    hub.Listen(Stage::Panels, [this](Told_Changes& told) {
+        if (told.panel_flags != 0) {
             database.Update(told.panel_flags);
         }
     });

@@ -406,7 +406,8 @@ class Application : public Image_User,
     void Voxel_Pick(const Shown_Voxel& voxel);
     void Voxel_Marker_Press(const Shown_Voxel& voxel, std::optional<int> hit);
     void Voxel_Marker_Move(const Shown_Voxel& voxel);
-    void Voxel_Hover(const Shown_Voxel& voxel);
+    void Voxel_Hover(const Image_User& by, const Shown_Voxel& voxel);
+    void View_Left(const Image_User& by);
     /** Tells of the pixel under the mouse as it is now. */
     void Voxel_Show();
 
@@ -478,7 +479,8 @@ class Application : public Image_User,
     Grey_Window grey_window;
     Panel_Scale panel_scale;  // of the current volume
     int slice = 0;
-    std::optional<Shown_Voxel> hovered;  // under the mouse
+    std::optional<Shown_Voxel> hovered;      // under the mouse
+    const Image_User* hovered_by = nullptr;  // the view that has told it
     bool is_overlay_shown = true;
     bool is_marker_mode = false;
     bool is_threshold_mode = false;

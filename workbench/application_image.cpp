@@ -111,7 +111,7 @@ Image_Content Application::Content() const {
     content.slice = slice;
     content.slice_nb = session.Slice_Nb();
     content.pixel_aspect = volume.spacing[1] / volume.spacing[0];
-    content.pixel_mm = volume.spacing[0];
+    content.pixel_mm = volume.is_size_known ? volume.spacing[0] : 0.0;
     if (image.Is_Planes()) {
         content.cross = planes.Cross_In_Slice();
     }
@@ -220,9 +220,15 @@ Pixel_Rect Application::Stroke_Move(int x, int y) {
 }
 
 void Application::Stroke_End() {
-    if (session.Stroke_End()) {
-        hub.Note(Change::Pixels);
-        report.Line("stroke");
+    image.Slices().Pen_Lifted();
+    try {
+        if (session.Stroke_End()) {
+            hub.Note(Change::Pixels);
+            report.Line("stroke");
+        }
+    } catch (const std::bad_alloc&) {
+        hub.Note(Change::Pixels);  // it was painted, only the step is missing
+        throw;
     }
 }
 
@@ -274,19 +280,27 @@ void Application::Marker_Release() {
 
 void Application::Hover(int x, int y) {
     if (x >= 0 && x < session.Width() && y >= 0 && y < session.Height()) {
-        Voxel_Hover({x, y, slice});
+        Voxel_Hover(*this, {x, y, slice});
     } else {
         Hover_End();
     }
 }
 
-void Application::Voxel_Hover(const Shown_Voxel& voxel) {
+void Application::Voxel_Hover(const Image_User& by, const Shown_Voxel& voxel) {
     hovered = voxel;
+    hovered_by = &by;
     variables.Mouse_Set(objects.Frame(voxel.slice), static_cast<float>(voxel.x), static_cast<float>(voxel.y));
     hub.Note(Change::Mouse);
 }
 
 void Application::Hover_End() {
+    View_Left(*this);
+}
+
+void Application::View_Left(const Image_User& by) {
+    if (hovered_by != &by) {
+        return;  // the pointer has come to another view already
+    }
     hovered.reset();
     variables.Mouse_Set(nullptr, 0.0F, 0.0F);
     hub.Note(Change::Mouse);
@@ -321,6 +335,7 @@ Plane_Host Application::Plane_Services() {
     host.ground = [this] { return Content(); };
     host.markers = [this] { return Placed_Markers(); };
     host.stroke_begin = [this](const Plane_Cut& cut, int x, int y, bool erase) {
+        Stroke_End();
         const Pixel_Rect changed = session.Stroke_Begin(cut, variables.Brush(), x, y, Stroke_Ink(erase));
         hub.Note(Change::Stroke);
         return changed;
@@ -331,8 +346,8 @@ Plane_Host Application::Plane_Services() {
     host.marker_press = [this](const Shown_Voxel& voxel, std::optional<int> hit) { Voxel_Marker_Press(voxel, hit); };
     host.marker_move = [this](const Shown_Voxel& voxel) { Voxel_Marker_Move(voxel); };
     host.marker_release = [this] { Marker_Release(); };
-    host.hover = [this](const Shown_Voxel& voxel) { Voxel_Hover(voxel); };
-    host.hover_end = [this] { Hover_End(); };
+    host.hover = [this](const Image_User& by, const Shown_Voxel& voxel) { Voxel_Hover(by, voxel); };
+    host.hover_end = [this](const Image_User& by) { View_Left(by); };
     host.window_drag = [this](float dx, float dy) { Window_Drag(dx, dy); };
     host.moved = [this] { hub.Note(Change::View); };
     return host;

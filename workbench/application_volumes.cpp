@@ -261,7 +261,8 @@ bool Application::Volume_Set(int wanted) {
     if (wanted < 0 || wanted >= volumes.Nb() || wanted == volumes.Current()) {
         return false;
     }
-    session.Stroke_End();
+    Marker_Release();
+    Stroke_End();
     if (histogram.Plain_Take()) {
         objects.Histograms_Build(session, {});
     }

@@ -1,6 +1,7 @@
 #include "workbench/image_area.h"
 
 #include <algorithm>
+#include <exception>
 
 namespace workbench {
 
@@ -81,11 +82,32 @@ void Image_Area::Refresh() {
             view.Refresh();
         }
         others_drawn = ::GetTickCount64();
+        Cursor_Look();
+    }
+}
+
+void Image_Area::Cursor_Look() {
+    if (slices.Is_Cursor()) {
+        slices.Pointer_Look();  // the keyboard's cursor goes before a pointer that rests over another view
+    }
+}
+
+void CALLBACK Image_Area::Late(HWND window, UINT, UINT_PTR area, DWORD) noexcept {
+    ::KillTimer(window, area);
+    try {
+        reinterpret_cast<Image_Area*>(area)->Others_Refresh();
+    } catch (const std::exception&) {
+        return;  // the end of the stroke draws them
     }
 }
 
 void Image_Area::Others_Refresh() {
-    if (!is_planes || ::GetTickCount64() - others_drawn < OTHERS_LEAST) {
+    if (!is_planes) {
+        return;
+    }
+    if (::GetTickCount64() - others_drawn < OTHERS_LEAST) {
+        // The hand may rest now: what it has just painted must be seen all the same.
+        ::SetTimer(slices.Handle(), reinterpret_cast<UINT_PTR>(this), 2 * OTHERS_LEAST, &Image_Area::Late);
         return;
     }
     for (Image_View* view : All()) {
@@ -94,6 +116,7 @@ void Image_Area::Others_Refresh() {
         }
     }
     others_drawn = ::GetTickCount64();
+    Cursor_Look();
 }
 
 void Image_Area::Brush_Set(const Brush_Footprint& brush) {

@@ -43,6 +43,9 @@ class Image_Area {
   private:
     std::array<Image_View*, 1 + Plane_Views::VIEW_NB> All() { return {&slices, &others[0], &others[1]}; }
     void Lay_Out();
+    void Cursor_Look();
+    /** Others_Refresh for what was painted just before the hand came to rest. */
+    static void CALLBACK Late(HWND window, UINT message, UINT_PTR area, DWORD time) noexcept;
 
     const Look& look;
     Plane_Views& planes;

@@ -206,6 +206,7 @@ void Image_View::Press(UINT message, WPARAM keys, POINT point) {
         drag = Drag::Marker;
         user.Marker_Press(x, y);
     } else {
+        Pen_Set(false);
         drag = Drag::Stroke;
         const Pixel_Rect changed = user.Stroke_Begin(x, y, !is_left);
         Render(changed);

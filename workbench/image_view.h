@@ -28,6 +28,9 @@ class Image_View : public Window_Base {
     void Zoom_Set(double zoom);
     void Wheel(int delta, bool is_zoom, POINT screen);
 
+    /** Tells what is under the pointer now that the picture has changed below it. */
+    void Pointer_Look();
+
     // Without a mouse (image_view_cursor.cpp).
     /** Shows a cursor that keys move, in the middle or where the pointer is. Only with a volume. */
     void Cursor_Set(bool on);
@@ -38,6 +41,8 @@ class Image_View : public Window_Base {
     void Cursor_Act(bool erase);
     /** With the pen down the cursor draws a stroke; it ends when the pen is lifted. */
     void Pen_Set(bool down);
+    /** The stroke has been ended: the pen is up, without another word to the user. */
+    void Pen_Lifted();
     bool Is_Pen_Down() const { return is_pen_down; }
     void Cursor_Pick();
     /** Notches of the wheel, about the middle of the view. */
@@ -76,8 +81,6 @@ class Image_View : public Window_Base {
     RECT Outline_Box() const;
     void Pointer_Over(POINT point);
     void Pointer_Gone();
-    /** Tells what is under the pointer now that the picture has changed below it. */
-    void Pointer_Look();
 
     const Look& look;
     Image_User& user;

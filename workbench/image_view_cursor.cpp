@@ -71,6 +71,13 @@ void Image_View::Pen_Set(bool down) {
     Invalidate();
 }
 
+void Image_View::Pen_Lifted() {
+    if (is_pen_down) {
+        is_pen_down = false;
+        Invalidate();
+    }
+}
+
 void Image_View::Cursor_Pick() {
     if (is_cursor) {
         user.Pick(over_x, over_y);

@@ -56,6 +56,7 @@ struct Plane_Geometry {
     struct Axis {
         std::size_t voxel_axis = 0;
         bool is_reversed = false;
+        bool operator==(const Axis&) const = default;
     };
     std::array<Axis, 3> axes;       ///< across, down, through
     std::array<int, 3> voxel_nb{};  ///< extents of the volume along x, y and slices

@@ -66,6 +66,9 @@ Shown_Voxel Plane_Views::Pane::Voxel_Near(int x, int y) const {
 }
 
 void Plane_Views::Pane::Tags_Copy(const Pixel_Rect& part) const {
+    if (tags.size() != geometry.Pixel_Nb()) {
+        return;  // the picture was not made for want of memory
+    }
     Plane_Copy(owner.session.Labels().All(), geometry, Depth(), part, std::span(tags));
 }
 
@@ -78,11 +81,11 @@ Image_Content Plane_Views::Pane::Content() const {
     const int depth = Depth();
     levels.resize(geometry.Pixel_Nb());
     tags.resize(geometry.Pixel_Nb());
-    if (copied_serial != owner.serial || copied_plane != plane || copied_depth != depth) {
+    if (copied_serial != owner.serial || copied_axes != geometry.axes || copied_depth != depth) {
         Plane_Copy(std::span(volume.levels).first(volume.Voxel_Nb_3D()), geometry, depth, geometry.Whole(),
                    std::span(levels));
         copied_serial = owner.serial;
-        copied_plane = plane;
+        copied_axes = geometry.axes;
         copied_depth = depth;
     }
     Tags_Copy(geometry.Whole());
@@ -105,7 +108,7 @@ Image_Content Plane_Views::Pane::Content() const {
     content.slice = depth;
     content.slice_nb = geometry.Depth_Nb();
     content.pixel_aspect = geometry.pixel_aspect;
-    content.pixel_mm = volume.spacing[geometry.axes[0].voxel_axis];
+    content.pixel_mm = volume.is_size_known ? volume.spacing[geometry.axes[0].voxel_axis] : 0.0;
     const std::string name = Plane_Name(plane);
     content.caption = std::wstring(name.begin(), name.end()) + L" " + std::to_wstring(depth + 1) + L" / " +
                       std::to_wstring(content.slice_nb);
@@ -158,9 +161,9 @@ void Plane_Views::Pane::Marker_Press(int x, int y) {
 
 void Plane_Views::Pane::Hover(int x, int y) {
     if (geometry.Has(x, y)) {
-        owner.host.hover(Voxel_At(x, y));
+        owner.host.hover(*this, Voxel_At(x, y));
     } else {
-        owner.host.hover_end();
+        owner.host.hover_end(*this);
     }
 }
 

@@ -41,8 +41,9 @@ struct Plane_Host {
     std::function<void(const Shown_Voxel&, std::optional<int> marker)> marker_press;
     std::function<void(const Shown_Voxel&)> marker_move;
     std::function<void()> marker_release;
-    std::function<void(const Shown_Voxel&)> hover;  ///< inside the volume
-    std::function<void()> hover_end;
+    /** @param by the view whose pointer it is; @param voxel inside the volume */
+    std::function<void(const Image_User& by, const Shown_Voxel& voxel)> hover;
+    std::function<void(const Image_User& by)> hover_end;
     std::function<void(float dx, float dy)> window_drag;
     std::function<void()> moved;  ///< the cross-hair: all views show it anew
 };
@@ -89,7 +90,7 @@ class Plane_Views {
         void Marker_Move(int x, int y) override { owner.host.marker_move(Voxel_Near(x, y)); }
         void Marker_Release() override { owner.host.marker_release(); }
         void Hover(int x, int y) override;
-        void Hover_End() override { owner.host.hover_end(); }
+        void Hover_End() override { owner.host.hover_end(*this); }
         void Cross_Move(int x, int y) override { owner.Cross_Set(Voxel_Near(x, y)); }
         void Window_Drag(float dx, float dy) override { owner.host.window_drag(dx, dy); }
 
@@ -109,7 +110,7 @@ class Plane_Views {
         mutable std::vector<std::int32_t> levels;
         mutable std::vector<std::uint8_t> tags;
         mutable std::uint64_t copied_serial = 0;
-        mutable Plane copied_plane = Plane::Axial;
+        mutable std::array<Plane_Geometry::Axis, 3> copied_axes;
         mutable int copied_depth = -1;
     };
 

@@ -557,6 +557,7 @@ Frame_Plan Planner::Make() {
         Plain();
     }
     plan.place_source += Pixel_Source_Text(pixel_source);
+    plan.is_size_known = pixel_source == Pixel_Source::Patient || pixel_source == Pixel_Source::Region;
     return std::move(plan);
 }
 

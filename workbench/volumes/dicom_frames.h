@@ -40,6 +40,7 @@ struct Frame_Plan {
     std::vector<Frame_Facts> facts;     ///< by the file's frame
     std::vector<Frame_Stack> stacks;    ///< one or more; together they have every frame once
     std::string place_source;           ///< for people: where the places come from
+    bool is_size_known = true;          ///< as Volume::is_size_known
     std::vector<std::string> warnings;  ///< as Dicom_Result::warnings
 };
 

@@ -461,6 +461,7 @@ void File_Reader::Stack_Decode(const Frame_Stack& stack, Volume& volume) {
     volume.is_inverted = format.kind == Pixel_Format::Kind::Grey_Inverted;
     volume.encoding = source.syntax_name;
     volume.place_source = plan.place_source;
+    volume.is_size_known = plan.is_size_known;
     volume.scalar_type =
         volume.color ? "rgb24" : (format.is_signed ? "int" : "uint") + std::to_string(format.bits_allocated);
     if (stored->Real_Bits() != 0) {

@@ -429,7 +429,9 @@ void Geometry_Apply(const Stored_Geometry& geometry, Volume& volume) {
         if (!(spacing > 0 && std::isfinite(spacing)) && sform_usable) {
             spacing = std::hypot(sform[0][i], sform[1][i], sform[2][i]);
         }
-        volume.spacing[i] = spacing > 0 && std::isfinite(spacing) ? spacing : 1.0;
+        const bool is_known = spacing > 0 && std::isfinite(spacing);
+        volume.spacing[i] = is_known ? spacing : 1.0;
+        volume.is_size_known = volume.is_size_known && is_known;
     }
     const double time_step = geometry.pixdim[4] * Seconds_Per_Unit(geometry.units);
     volume.time_step = time_step > 0 && std::isfinite(time_step) ? time_step : 0.0;

@@ -70,6 +70,7 @@ struct Volume {
     std::int32_t nt = 0;                     ///< 1 or more: time points, and all further dimensions multiplied
     std::array<double, 3> spacing{1, 1, 1};  ///< mm, positive
     double time_step = 0;                    ///< seconds; 0: unknown
+    bool is_size_known = true;               ///< false: the file does not say how large a voxel is in the patient
     Affine affine{};                         ///< voxel index (x, y, z) to millimetres
     Affine_Source affine_source = Affine_Source::Spacing;
     std::string scalar_type;  ///< type in the file: "uint8", "int16", "float32", "rgb24" ...

@@ -75,8 +75,14 @@ class Plane_Watch : public ::testing::Test {
         };
         host.marker_move = [this](const Shown_Voxel& voxel) { pressed = voxel; };
         host.marker_release = [] {};
-        host.hover = [this](const Shown_Voxel& voxel) { hovered = voxel; };
-        host.hover_end = [this] { hovered.reset(); };
+        host.hover = [this](const Image_User& by, const Shown_Voxel& voxel) {
+            hovered_by = &by;
+            hovered = voxel;
+        };
+        host.hover_end = [this](const Image_User& by) {
+            hovered_by = &by;
+            hovered.reset();
+        };
         host.window_drag = [](float, float) {};
         host.moved = [this] { ++moves; };
         return host;
@@ -99,6 +105,7 @@ class Plane_Watch : public ::testing::Test {
     std::optional<Shown_Voxel> pressed;
     std::optional<Shown_Voxel> hovered;
     std::optional<int> hit;
+    const Image_User* hovered_by = nullptr;
     Plane_Views views{session, Host()};
 };
 
@@ -156,6 +163,16 @@ TEST_F(Plane_Watch, sides_that_the_file_does_not_tell_are_the_users) {
     views.Volume_Look();
     EXPECT_EQ(views.Slice_Plane(), Plane::Sagittal);
     EXPECT_EQ(views.User(0).Content().order.left, 'R');
+    // The other side: the same picture, mirrored.
+    sides = "RAS";
+    views.Volume_Look();
+    const Image_Content right = views.User(0).Content();
+    const std::vector<std::int32_t> row(right.source.levels.begin(), right.source.levels.begin() + NX);
+    sides = "LAS";
+    views.Volume_Look();
+    const Image_Content left = views.User(0).Content();
+    EXPECT_TRUE(std::equal(row.rbegin(), row.rend(), left.source.levels.begin()));
+    EXPECT_NE(row.front(), left.source.levels[0]);
 }
 
 TEST_F(Plane_Watch, the_cross_hair_ties_the_views) {
@@ -216,8 +233,11 @@ TEST_F(Plane_Watch, a_stroke_shows_at_once_where_it_was_painted) {
 TEST_F(Plane_Watch, the_pointer_is_told_as_a_voxel) {
     views.User(1).Hover(1, 3);
     EXPECT_EQ(hovered, (Shown_Voxel{3, 1, 0}));
+    EXPECT_EQ(hovered_by, &views.User(1));
     views.User(1).Hover(1, NZ);
     EXPECT_FALSE(hovered.has_value());
+    views.User(0).Hover_End();
+    EXPECT_EQ(hovered_by, &views.User(0)) << "who has gone must be known: another view may have the pointer already";
     views.User(1).Pick(4, 0);
     EXPECT_EQ(picked, (Shown_Voxel{3, 4, 3}));
     picked.reset();
