@@ -52,6 +52,7 @@ TEST(Dicom_Reader, gives_stored_values_size_and_names) {
     EXPECT_EQ(image.volume.scalar_type, "uint8");
     EXPECT_EQ(image.volume.encoding, "Little Endian Explicit");
     EXPECT_EQ(image.volume.place_source, "no position; no pixel size, taken as 1 mm");
+    EXPECT_FALSE(image.volume.is_size_known);
     EXPECT_EQ(image.modality, 'M' << 8 | 'R');
     EXPECT_EQ(image.study, "1.2.3");
     EXPECT_EQ(image.series, "1.2.3.4");
