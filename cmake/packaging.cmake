@@ -14,7 +14,8 @@ install(TARGETS ${kit_modules} host_contract windows_headers EXPORT Kit_Panels_T
 install(TARGETS kit_panels_c RUNTIME DESTINATION bin COMPONENT runtime ARCHIVE DESTINATION lib COMPONENT development)
 install(EXPORT Kit_Panels_Targets NAMESPACE Kit_Panels:: DESTINATION ${kit_package_folder} COMPONENT development)
 
-# Every header that a host may include, with all that these include, in the folders that the sources have.
+# Every header that a host may include, with all that these include, in the folders that the sources have. So
+# panels/label_widgets.h and panels/protocol/panel_life.h are here: members of the panels' classes are of their types.
 set(kit_public_headers
     database/db_list.h
     database/editor_places.h
@@ -73,11 +74,21 @@ install(FILES "${PROJECT_SOURCE_DIR}/examples/minimal_host.cpp" DESTINATION shar
 install(FILES "${PROJECT_SOURCE_DIR}/cmake/mingw_toolchain.cmake" DESTINATION share/kit_panels COMPONENT development)
 # The guide, at the places that the README's links name.
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION . COMPONENT documents PATTERN Doxyfile.in EXCLUDE)
+# The reference is made while installing, in the build folder. Without doxygen there is none, which is told, and the start
+# page does not promise it; scripts/reference is for a shell.
 find_program(KIT_DOXYGEN doxygen)
-if(KIT_DOXYGEN)
-    install(CODE "execute_process(COMMAND \"${PROJECT_SOURCE_DIR}/scripts/reference\" OUTPUT_QUIET)"
-        COMPONENT development)
-    install(DIRECTORY "${PROJECT_SOURCE_DIR}/out/reference/html/" DESTINATION share/kit_panels/reference COMPONENT development)
+if(KIT_DOXYGEN AND CMAKE_HOST_UNIX)
+    set(kit_reference_promise ", and the reference (`share/kit_panels/reference/index.html`)")
+    install(CODE "execute_process(COMMAND \"${PROJECT_SOURCE_DIR}/scripts/reference\" \"${CMAKE_BINARY_DIR}/reference\"
+        RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
+    if(NOT status EQUAL 0)
+        message(FATAL_ERROR \"scripts/reference failed (\${status})\\n\${output}\")
+    endif()" COMPONENT development)
+    install(DIRECTORY "${CMAKE_BINARY_DIR}/reference/html/" DESTINATION share/kit_panels/reference COMPONENT development)
+else()
+    set(kit_reference_promise "")
+    install(CODE "message(WARNING \"no reference is installed: the package doxygen is missing (scripts/install_packages test), or the \"
+        \"system that builds has no shell. The README that is installed does not name it.\")" COMPONENT development)
 endif()
 
 # What a host must share with the module: the compiler's C++ interface, and the C runtime whose heap both use.
@@ -105,6 +116,7 @@ string(REGEX REPLACE "- `scripts/reference`.*" "" kit_readme "${kit_readme}")
 string(REPLACE "; `./bench` measures again" "" kit_readme "${kit_readme}")
 string(REPLACE " (`./fuzz`)" "" kit_readme "${kit_readme}")
 string(REPLACE "<start>" "${kit_package_start}" kit_readme "${kit_readme}")
+string(REPLACE "<reference>" "${kit_reference_promise}" kit_readme "${kit_readme}")
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/README.md" "${CMAKE_CURRENT_LIST_DIR}/package_start.md")
 file(WRITE "${CMAKE_BINARY_DIR}/package/README.md" "${kit_readme}")
 install(FILES "${CMAKE_BINARY_DIR}/package/README.md" DESTINATION . COMPONENT documents)

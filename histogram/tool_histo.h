@@ -127,13 +127,16 @@ class KIT_PANELS_API Tool_Histo : public Boxs {
      * Histo_Fit_Repeatable (histogram/histo_peaks.h) gives the same peaks again. @return as Fit_Derivative */
     int Fit_Gaussian();
 
-    Buttons blow_button;                       ///< current while the enlarged window is open, whichever panel it shows
-    Valuators scale_valuator;                  ///< HISTO_SCALE_MIN .. HISTO_SCALE_MAX
-    float scale = HISTO_SCALE_MAX;             ///< fraction of the largest count that reaches the top of the plot
-    char x_label[HISTO_LABEL_SIZE] = {};       ///< title of the grey-level axis
-    char y_label[HISTO_LABEL_SIZE] = {};       ///< title of the count axis
-    char source_label[HISTO_LABEL_SIZE] = {};  ///< the frames' common descriptor, or "mix"
-    std::shared_ptr<Histo_Data> data;          ///< never null but after a failed allocation
+    Buttons blow_button;            ///< current while the enlarged window is open, whichever panel it shows
+    Valuators scale_valuator;       ///< HISTO_SCALE_MIN .. HISTO_SCALE_MAX
+    float scale = HISTO_SCALE_MAX;  ///< fraction of the largest count that reaches the top of the plot
+    /** Title of the grey-level axis. Written by every computation; a host reads it. */
+    char x_label[HISTO_LABEL_SIZE] = {};
+    /** Title of the count axis. Written by every computation; a host reads it. */
+    char y_label[HISTO_LABEL_SIZE] = {};
+    /** The frames' common descriptor, or "mix". Written by every computation; a host reads it. */
+    char source_label[HISTO_LABEL_SIZE] = {};
+    std::shared_ptr<Histo_Data> data;   ///< never null but after a failed allocation
     int cursor_position = -1;           ///< column of the cursor line; -1 after a repaint, 0 when no line is shown
     unsigned char color_component = 0;  ///< value of "$GLI_COLOR_COMPONENT"
     std::uint16_t range_nb = 0;         ///< ranges in use, 0 .. HISTO_RANGE_MAX

@@ -1,5 +1,5 @@
 """Both hosts in C, one of the panels' compiler and one of another, do the same: c_hosts_test.py ROOT BIN_FOLDER HOST ...
-And the program that the guide shows can be built.
+And the programs that the guide shows can be built.
 
 Each gets a slice of the sample brain, picks and renames a TAG by messages to the panel's window, and prints the peaks.
 """
@@ -12,19 +12,35 @@ import tempfile
 
 SAMPLE = "/usr/share/mricron/templates/ch2.nii.gz"
 WIDTH, HEIGHT, SLICE, HEADER = 181, 217, 90, 352
+# What the reader of a block has already.
+PRELUDE = """#include "kit_panels.h"
+int32_t On_Event(void* context, const kit_event* event);
+void Block(void* window);
+"""
 
 
-def guide_builds(root, folder, work):
-    """The program of the page for C, copied from it, is built as the page says."""
-    with open(os.path.join(root, "docs/languages/c.md"), encoding="utf-8") as file:
-        program = re.search(r"```c\n(.*?)```", file.read(), re.DOTALL).group(1)
+def blocks(root, page):
+    with open(os.path.join(root, page), encoding="utf-8") as file:
+        return re.findall(r"```c\n(.*?)```", file.read(), re.DOTALL)
+
+
+def build(root, work, program, *what):
+    """As C and as C++."""
     source = os.path.join(work, "guide.c")
     with open(source, "w", encoding="utf-8") as file:
         file.write(program)
-    library = os.path.join(folder, "../lib/libkit_panels_c.dll.a")
     for compiler in ["x86_64-w64-mingw32-gcc", "-std=c11"], ["x86_64-w64-mingw32-g++", "-xc++", "-std=c++20"]:
-        subprocess.run([*compiler, "-Wall", "-Wextra", "-Werror", "-I", os.path.join(root, "c_interface"), source, "-xnone", library,
+        subprocess.run([*compiler, "-Wall", "-Wextra", "-Werror", "-I", os.path.join(root, "c_interface"), source, "-xnone", *what,
                         "-o", os.path.join(work, "guide.exe")], check=True)
+
+
+def guide_builds(root, folder, work):
+    """The program of the page for C, copied from it, is built as the page says; what the page before it shows compiles."""
+    build(root, work, blocks(root, "docs/languages/c.md")[0], os.path.join(folder, "../lib/libkit_panels_c.dll.a"))
+    shown = blocks(root, "docs/c_interface.md")
+    assert shown, "docs/c_interface.md shows no C"
+    for block in shown:
+        build(root, work, PRELUDE + "void Block(void* window) {\n" + block + "}\n", "-c", "-Wno-missing-field-initializers")
 
 
 def main():

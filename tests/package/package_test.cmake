@@ -145,7 +145,8 @@ file(GLOB sdk "${work}/unpacked_sdk/*")
 foreach(needed bin/Kit_Panels.dll include/kit_panels/kits/widgets/panel_window.h include/kit_panels/c/kit_panels.h
         lib/libKit_Panels.dll.a lib/cmake/Kit_Panels/Kit_PanelsConfig.cmake share/kit_panels/mingw_toolchain.cmake
         share/kit_panels/examples/full_host/main.cpp share/kit_panels/examples/rust/host.rs
-        share/kit_panels/examples/python/kit_panels.py docs/hosting.md README.md)
+        share/kit_panels/examples/python/kit_panels.py share/kit_panels/reference/index.html
+        docs/hosting.md README.md)
     if(TOOLCHAIN AND NOT EXISTS "${sdk}/${needed}")
         message(FATAL_ERROR "the zip for makers of hosts lacks ${needed}")
     endif()
@@ -159,7 +160,7 @@ foreach(folder "${users}" "${sdk}")
             message(FATAL_ERROR "${folder}/README.md lacks ${needed}")
         endif()
     endforeach()
-    if(text MATCHES "Two commands|[.]/(run|test|bench|fuzz)|scripts/|cmake --preset|<start>|<semicolon>")
+    if(text MATCHES "Two commands|[.]/(run|test|bench|fuzz)|scripts/|cmake --preset|<start>|<reference>|<semicolon>")
         message(FATAL_ERROR "${folder}/README.md tells of the sources: ${CMAKE_MATCH_0}")
     endif()
 endforeach()

@@ -1,4 +1,6 @@
 // A sheet of every look of every widget, written as a picture for people to judge, in both themes.
+#include <windows.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -217,6 +219,14 @@ void Tree_Rows(HWND window) {
     Y_release(window, dc);
 }
 
+/** In the folder of this program, wherever it is started. */
+std::string Beside_Program(const char* file) {
+    char path[MAX_PATH] = {};
+    ::GetModuleFileNameA(nullptr, path, MAX_PATH - 1);
+    const std::string program = path;
+    return program.substr(0, program.find_last_of("/\\") + 1) + file;
+}
+
 void Sheet(Library_Theme theme, const char* file) {
     Library_Theme_Set(theme);
     const Test_Window window(SHEET_WIDTH, SHEET_HEIGHT, Window_Axis::Down);
@@ -233,7 +243,7 @@ void Sheet(Library_Theme theme, const char* file) {
     Box_And_Label_Rows(window.Get());
     Tree_Rows(window.Get());
     const Window_Picture picture = window.Read();
-    EXPECT_TRUE(Write_Png(file, picture));
+    EXPECT_TRUE(Write_Png(Beside_Program(file).c_str(), picture));
     EXPECT_EQ(picture.At(SHEET_WIDTH - 6, SHEET_HEIGHT - 6), Theme_Now().panel);
     Library_Theme_Set(Library_Theme::Dark);
 }
