@@ -6,6 +6,7 @@
 
 #include "workbench/volumes/dicom_jpeg.h"
 #include "workbench/volumes/dicom_jpeg_2000.h"
+#include "workbench/volumes/dicom_jpeg_2000_stream.h"
 
 namespace volumes {
 
@@ -73,7 +74,7 @@ Decode_Report Coded_Frame_Decode(Frame_Codec codec, const Coded_Format& format, 
     // Two frames of one file may differ, and a decoder believes its own header.
     const std::optional<Coded_Format> own = Coded_Format_Read(codec, packed);
     if (!own) {
-        return {"no usable beginning", false};
+        return {CODED_BEGINNING_WRONG, false};
     }
     if (*own != format || bytes.size() != format.Frame_Size()) {
         return {"another size or depth than the file says", false};

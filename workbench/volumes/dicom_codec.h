@@ -41,6 +41,9 @@ struct Coded_Format {
 /** Reads the beginning of a frame; no value when there is none that can be decoded. Decodes no pixel. */
 std::optional<Coded_Format> Coded_Format_Read(Frame_Codec codec, std::span<const std::uint8_t> packed);
 
+/** Why Coded_Format_Read has no value. */
+inline constexpr const char* CODED_BEGINNING_WRONG = "its beginning is damaged or of a form that is not read";
+
 /** How decoding went. */
 struct Decode_Report {
     std::string error;          ///< why there is no picture, without the frame's name; empty: there is one

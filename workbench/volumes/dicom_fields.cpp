@@ -51,16 +51,21 @@ DcmItem* Field_Item(DcmItem& item, const DcmTagKey& tag, unsigned long position)
 }
 
 std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag, unsigned long position) {
-    const auto whole = [&](const DcmTagKey& wanted) {
+    const auto whole = [](DcmItem& holder, const DcmTagKey& wanted) {
         DcmElement* element = nullptr;
         OFString value;
-        const bool is_there = item.findAndGetElement(wanted, element).good() && element != nullptr &&
+        const bool is_there = holder.findAndGetElement(wanted, element).good() && element != nullptr &&
                               element->getLength() <= TEXT_LONGEST && element->getOFStringArray(value, OFFalse).good();
         return is_there ? std::string(value.c_str(), value.size()) : std::string();
     };
+    // An item of a sequence has the character set of what it is in, if it has none of its own.
+    DcmItem* speaker = &item;
+    while (!speaker->tagExists(DCM_SpecificCharacterSet) && speaker->getParentItem() != nullptr) {
+        speaker = speaker->getParentItem();
+    }
     // Contract: the toolkit separates values at every backslash, and half a character of Japanese or Chinese may be
     // one.
-    const std::string text = Dicom_Text_Utf8(whole(tag), whole(DCM_SpecificCharacterSet), false);
+    const std::string text = Dicom_Text_Utf8(whole(item, tag), whole(*speaker, DCM_SpecificCharacterSet), false);
     std::size_t begin = 0;
     for (unsigned long before = 0; before < position; ++before) {
         const std::size_t separator = text.find('\\', begin);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "dcmtk/dcmdata/dcpxitem.h"
 #include "workbench/volumes/byte_order.h"
 
 namespace volumes {
@@ -20,22 +19,23 @@ std::uint32_t Word(std::span<const std::uint8_t> bytes, std::size_t number) {
 }  // namespace
 
 Compressed_Frames::Compressed_Frames(DcmPixelSequence& fragments, Frame_Codec frame_codec, std::size_t segments)
-    : sequence(fragments), codec(frame_codec), segment_nb(segments) {
-    const std::size_t items = fragments.card();
-    fragment_nb = items > 0 ? items - 1 : 0;  // the first one is the table of offsets
+    : codec(frame_codec), segment_nb(segments) {
+    // The toolkit keeps a list: a look at its n-th item goes through all before.
+    for (DcmObject* object = fragments.nextInContainer(nullptr); object != nullptr;
+         object = fragments.nextInContainer(object)) {
+        items.push_back(dynamic_cast<DcmPixelItem*>(object));
+    }
+    fragment_nb = items.empty() ? 0 : items.size() - 1;  // the first one is the table of offsets
     for (std::size_t number = 0; number < fragment_nb; ++number) {
-        DcmPixelItem* item = nullptr;
-        if (sequence.getItem(item, static_cast<unsigned long>(number) + 1).good() && item != nullptr) {
-            packed_size += item->getLength();
-        }
+        DcmPixelItem* const item = items[number + 1];
+        packed_size += item != nullptr ? item->getLength() : 0;
     }
 }
 
 std::span<const std::uint8_t> Compressed_Frames::Fragment(std::size_t number) const {
-    DcmPixelItem* item = nullptr;
+    DcmPixelItem* const item = items[number + 1];
     Uint8* bytes = nullptr;
-    if (sequence.getItem(item, static_cast<unsigned long>(number) + 1).bad() || item == nullptr ||
-        item->getUint8Array(bytes).bad() || bytes == nullptr) {
+    if (item == nullptr || item->getUint8Array(bytes).bad() || bytes == nullptr) {
         return {};
     }
     return {bytes, item->getLength()};
@@ -61,10 +61,9 @@ bool Compressed_Frames::Begins_Frame(std::size_t number) const {
 }
 
 std::vector<std::size_t> Compressed_Frames::Table_Begins() const {
-    DcmPixelItem* item = nullptr;
+    DcmPixelItem* const item = items.empty() ? nullptr : items.front();
     Uint8* bytes = nullptr;
-    if (sequence.getItem(item, 0).bad() || item == nullptr || item->getLength() == 0 ||
-        item->getUint8Array(bytes).bad() || bytes == nullptr) {
+    if (item == nullptr || item->getLength() == 0 || item->getUint8Array(bytes).bad() || bytes == nullptr) {
         return {};
     }
     const std::span<const std::uint8_t> table(bytes, item->getLength());
@@ -74,8 +73,8 @@ std::vector<std::size_t> Compressed_Frames::Table_Begins() const {
         if (Word(table, found.size()) == offset) {
             found.push_back(number);
         }
-        DcmPixelItem* fragment = nullptr;
-        if (sequence.getItem(fragment, static_cast<unsigned long>(number) + 1).bad() || fragment == nullptr) {
+        DcmPixelItem* const fragment = items[number + 1];
+        if (fragment == nullptr) {
             return {};
         }
         offset += ITEM_HEAD_SIZE + fragment->getLength();
@@ -120,7 +119,7 @@ bool Compressed_Frames::Share_Out(std::int32_t frame_nb) {
     }
     begins.push_back(fragment_nb);
     for (std::size_t number = 0; number < fragment_nb; ++number) {
-        pieces.push_back(Fragment(number));  // the list of fragments may be gone through on one thread only
+        pieces.push_back(Fragment(number));  // the toolkit may read a fragment now, and that on one thread only
     }
     return true;
 }

@@ -8,6 +8,7 @@
 
 #include "dcmtk/config/osconfig.h"
 #include "dcmtk/dcmdata/dcpixseq.h"
+#include "dcmtk/dcmdata/dcpxitem.h"
 #include "workbench/volumes/dicom_codec.h"
 
 namespace volumes {
@@ -37,7 +38,7 @@ class Compressed_Frames {
     bool Begins_Frame(std::size_t number) const;
     std::vector<std::size_t> Table_Begins() const;
 
-    DcmPixelSequence& sequence;
+    std::vector<DcmPixelItem*> items;  // the table of offsets, and every fragment
     Frame_Codec codec;
     std::size_t segment_nb;
     std::size_t fragment_nb = 0;

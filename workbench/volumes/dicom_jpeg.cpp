@@ -183,11 +183,33 @@ std::size_t Jpeg_End(std::span<const std::uint8_t> packed, bool is_ls) {
     return 0;
 }
 
+namespace {
+
+/** Whether a picture has more scans than any program writes: every one makes the decoder go through all pixels. */
+bool Has_Too_Many_Scans(std::span<const std::uint8_t> packed) {
+    constexpr int scans_most = 100;
+    int scans = 0;
+    Markers markers(packed, false);
+    for (std::uint8_t marker = markers.Next(); marker != 0 && marker != END_OF_IMAGE && scans <= scans_most;
+         marker = markers.Next()) {
+        scans += marker == START_OF_SCAN ? 1 : 0;
+        if (!Is_Alone(marker)) {
+            markers.Content(marker);
+        }
+    }
+    return scans > scans_most;
+}
+
+}  // namespace
+
 Decode_Report Jpeg_Decode(const Coded_Format& format, bool is_ybr, std::span<const std::uint8_t> packed,
                           std::span<std::uint8_t> bytes) {
     constexpr std::int32_t bits_byte = 8;
     constexpr std::int32_t bits_extended = 12;
     const bool is_color_converted = is_ybr && format.sample_nb > 1;
+    if (Has_Too_Many_Scans(packed)) {
+        return {"it has more than 100 scans", false};
+    }
     std::ranges::fill(bytes, std::uint8_t{0});
     if (format.bits <= bits_byte) {
         return Decode_With<DJDecompressIJG8Bit>(format, is_color_converted, packed, bytes);

@@ -3,20 +3,15 @@
 #include <openjpeg.h>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <memory>
 #include <new>
 
+#include "workbench/volumes/dicom_jpeg_2000_stream.h"
+
 namespace volumes {
 
 namespace {
-
-constexpr std::array<std::uint8_t, 2> END_MARK = {0xFF, 0xD9};
-
-bool Begins_With(std::span<const std::uint8_t> bytes, std::span<const std::uint8_t> mark) {
-    return bytes.size() >= mark.size() && std::ranges::equal(bytes.first(mark.size()), mark);
-}
 
 /** Bytes in memory, as the library reads them. */
 struct Memory {
@@ -69,15 +64,26 @@ struct Image_End {
     void operator()(opj_image_t* image) const { opj_image_destroy(image); }
 };
 
+/** The library takes a last tile part of untold length to reach to the end of all bytes, filling included. */
+std::span<const std::uint8_t> Without_Filling(std::span<const std::uint8_t> packed) {
+    while (!packed.empty() && packed.back() == 0) {
+        packed = packed.first(packed.size() - 1);
+    }
+    return packed;
+}
+
 /** One frame while it is read. */
 class Frame_Reader {
   public:
-    explicit Frame_Reader(std::span<const std::uint8_t> packed) : memory{packed} {
-        const bool is_file = Begins_With(packed, JPEG_2000_FILE_MARK);
-        if (!is_file && !Begins_With(packed, JPEG_2000_MARK)) {
+    explicit Frame_Reader(std::span<const std::uint8_t> packed)
+        : memory{packed}, codestream(Jpeg_2000_Stream_Find(packed)) {
+        if (!codestream) {
             return;
         }
-        codec.reset(opj_create_decompress(is_file ? OPJ_CODEC_JP2 : OPJ_CODEC_J2K));
+        if (!codestream->is_file) {
+            memory.bytes = Without_Filling(packed);
+        }
+        codec.reset(opj_create_decompress(codestream->is_file ? OPJ_CODEC_JP2 : OPJ_CODEC_J2K));
         stream.reset(opj_stream_create(OPJ_J2K_STREAM_CHUNK_SIZE, OPJ_TRUE));
         if (!codec || !stream) {
             throw std::bad_alloc();
@@ -88,7 +94,7 @@ class Frame_Reader {
         opj_stream_set_skip_function(stream.get(), Memory_Skip);
         opj_stream_set_seek_function(stream.get(), Memory_Seek);
         opj_stream_set_user_data(stream.get(), &memory, nullptr);
-        opj_stream_set_user_data_length(stream.get(), packed.size());
+        opj_stream_set_user_data_length(stream.get(), memory.bytes.size());
         opj_dparameters_t parameters;
         opj_set_default_decoder_parameters(&parameters);
         opj_image_t* made = nullptr;
@@ -124,27 +130,18 @@ class Frame_Reader {
                             first.sgnd != 0};
     }
     std::span<const opj_image_comp_t> Components() const { return {image->comps, image->numcomps}; }
-    bool Has_Warnings() const { return has_warnings; }
+    /** Whether the codec was content with a picture of which nothing is missing. */
+    bool Is_Sound() const { return !has_warnings && codestream && Jpeg_2000_Is_Whole(*codestream); }
 
   private:
     Memory memory;
+    std::optional<Jpeg_2000_Stream> codestream;
     bool is_read = false;
     bool has_warnings = false;
     std::unique_ptr<opj_codec_t, Codec_End> codec;
     std::unique_ptr<opj_stream_t, Stream_End> stream;
     std::unique_ptr<opj_image_t, Image_End> image;
 };
-
-/** Whether the stream ends with its end marker; filling may follow. A file has other parts behind it. */
-bool Has_End(std::span<const std::uint8_t> packed) {
-    if (Begins_With(packed, JPEG_2000_FILE_MARK)) {
-        return true;
-    }
-    while (!packed.empty() && packed.back() == 0) {
-        packed = packed.first(packed.size() - 1);
-    }
-    return packed.size() >= END_MARK.size() && std::ranges::equal(packed.last(END_MARK.size()), END_MARK);
-}
 
 }  // namespace
 
@@ -176,7 +173,7 @@ Decode_Report Jpeg_2000_Decode(const Coded_Format& format, std::span<const std::
             }
         }
     }
-    return {{}, reader.Has_Warnings() || !Has_End(packed)};
+    return {{}, !reader.Is_Sound()};
 }
 
 }  // namespace volumes

@@ -191,8 +191,8 @@ void File_Reader::Format_Read() {
     Color_Kind_Read(Field_Text(data_set, DCM_PhotometricInterpretation),
                     Field_Integer(data_set, DCM_SamplesPerPixel).value_or(1));
     const bool is_indexed = format.kind == Pixel_Format::Kind::Palette;
-    format.is_signed =
-        (!format.Is_Color() || is_indexed) && Field_Integer(data_set, DCM_PixelRepresentation).value_or(0) == 1;
+    format.is_signed = (!format.Is_Color() || is_indexed) && !format.is_bits &&
+                       Field_Integer(data_set, DCM_PixelRepresentation).value_or(0) == 1;
     format.is_planar = format.Sample_Nb() > 1 && Field_Integer(data_set, DCM_PlanarConfiguration).value_or(0) == 1;
     if (format.kind == Pixel_Format::Kind::Ybr_Full_422 && syntax == EXS_RLELossless) {
         format.kind = Pixel_Format::Kind::Ybr_Full;  // run-length segments hold every sample

@@ -20,14 +20,27 @@ bool Is_Scale(std::pair<double, double> scale) {
     return std::isfinite(scale.first) && scale.first != 0.0 && std::isfinite(scale.second);
 }
 
+/** A number of either width to its last bit: the toolkit's decimal text has not all digits of it. */
+std::optional<double> Real_Field(DcmItem& data_set, const DcmTagKey& tag) {
+    Float64 wide = 0.0;
+    if (data_set.findAndGetFloat64(tag, wide).good()) {
+        return std::isfinite(wide) ? std::optional(wide) : std::nullopt;
+    }
+    Float32 narrow = 0.0F;
+    if (data_set.findAndGetFloat32(tag, narrow).good()) {
+        return std::isfinite(narrow) ? std::optional<double>(narrow) : std::nullopt;
+    }
+    return Field_Number(data_set, tag);
+}
+
 }  // namespace
 
 Real_Levels::Real_Levels(DcmItem& data_set, std::int32_t pixel_bits) : bits(pixel_bits) {
     const bool is_wide = bits == WIDE_BITS;
-    const auto value = Field_Number(data_set, is_wide ? DCM_DoubleFloatPixelPaddingValue : DCM_FloatPixelPaddingValue);
+    const auto value = Real_Field(data_set, is_wide ? DCM_DoubleFloatPixelPaddingValue : DCM_FloatPixelPaddingValue);
     if (value) {
         const auto limit =
-            Field_Number(data_set, is_wide ? DCM_DoubleFloatPixelPaddingRangeLimit : DCM_FloatPixelPaddingRangeLimit);
+            Real_Field(data_set, is_wide ? DCM_DoubleFloatPixelPaddingRangeLimit : DCM_FloatPixelPaddingRangeLimit);
         padding = std::minmax({*value, limit.value_or(*value)});
     }
 }

@@ -69,7 +69,7 @@ void Stored_Frames::Codec_Format_Take(Pixel_Format& pixel_format) {
     std::vector<std::uint8_t> joined;
     coded = Coded_Format_Read(codec, fragments->Frame(0, joined));
     if (!coded) {
-        throw Frame_Refusal(0, "no usable beginning");
+        throw Frame_Refusal(0, CODED_BEGINNING_WRONG);
     }
     if (coded->width != pixel_format.width || coded->height != pixel_format.height ||
         coded->sample_nb != pixel_format.Sample_Nb()) {

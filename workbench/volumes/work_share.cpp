@@ -5,7 +5,6 @@
 #include <condition_variable>
 #include <exception>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -98,7 +97,7 @@ class Workers {
                     }
                 });
             }
-        } catch (const std::system_error&) {
+        } catch (const std::exception&) {  // no thread, or no room for one
             // Those that there are do it all; without any the caller does.
         }
     }
@@ -146,6 +145,9 @@ bool Work_Share(std::size_t count, std::size_t threads, const std::function<void
             shared.Wait();
             tell();
         }
+    }
+    if (is_given_up) {
+        return false;
     }
     shared.Throw_On();
     if (told < count) {

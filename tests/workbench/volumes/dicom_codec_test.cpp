@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -217,6 +218,25 @@ TEST(Dicom_Codec, room_is_asked_for_before_anything_is_decoded) {
     EXPECT_THAT(result.error, HasSubstr("needs more memory than the limit"));
 }
 
+TEST(Dicom_Codec, pictures_of_very_many_scans_are_refused) {
+    const Coded_Sample& sample = Coded_Sample_Of("JPEG baseline 8");
+    constexpr std::array<std::uint8_t, 2> scan_mark = {0xFF, 0xDA};
+    const auto scan = std::search(sample.stream.begin(), sample.stream.end(), scan_mark.begin(), scan_mark.end());
+    ASSERT_NE(scan, sample.stream.end());
+    const auto end = sample.stream.end() - 2;
+    const Bytes one(scan, end);
+    for (const int scans : {100, 101}) {
+        Bytes stream(sample.stream.begin(), scan);
+        for (int at = 0; at < scans; ++at) {
+            stream.insert(stream.end(), one.begin(), one.end());
+        }
+        stream.insert(stream.end(), end, sample.stream.end());
+        stream.resize(stream.size() + stream.size() % 2, 0);
+        const Dicom_Result result = Dicom_Read(Coded_File(sample, {stream}).File());
+        EXPECT_EQ(result.error.find("more than 100 scans") != std::string::npos, scans > 100) << result.error;
+    }
+}
+
 TEST(Dicom_Codec, other_compression_is_named) {
     for (const auto& [uid, name] : {std::pair("1.2.840.10008.1.2.4.92", "JPEG 2000 "),
                                     std::pair("1.2.840.10008.1.2.4.100", "MPEG2 Main Profile")}) {
@@ -237,6 +257,9 @@ TEST(Dicom_Codec, pixels_of_one_bit_follow_without_gaps) {
     EXPECT_THAT(levels, ElementsAre(1, 0, 0, 1, 0, 1, 0, 1, 1,  //
                                     1, 0, 0, 0, 0, 0, 0, 0, 0,  //
                                     0, 1, 1, 1, 1, 1, 1, 0, 1));
+    // They have no sign, whatever the file says.
+    bytes.Short(TAG_SIGNED, 1);
+    EXPECT_EQ(Levels_Of(bytes), levels);
     bytes.Raw(TAG_PIXELS, "OB", {1, 2});
     EXPECT_THAT(Error_Of(bytes), HasSubstr("has fewer pixels than it says (2 of 4 bytes)"));
 }
@@ -297,6 +320,36 @@ TEST(Dicom_Codec, floating_point_padding_is_outside_and_no_number_is_told) {
     EXPECT_THAT(padded.warnings, IsEmpty());
     bytes.Raw(TAG_FLOAT_PIXELS, "OF", Reals<float>({3.0F, -1000.0F, NAN, 5.0F}));
     EXPECT_THAT(Read(bytes).warnings, Contains(HasSubstr("1 voxels that are no number")));
+}
+
+TEST(Dicom_Codec, floating_point_padding_is_taken_to_its_last_bit) {
+    constexpr std::uint32_t padding = 0x00280122;
+    constexpr std::uint32_t double_padding = 0x00280123;
+    constexpr std::uint32_t double_pixels = 0x7FE00009;
+    constexpr double outside = std::numeric_limits<double>::infinity();
+    constexpr double moderate = 1e6;  // others have no neighbour that is not far from all other values
+    for (const float value : {-999.9F, -std::numeric_limits<float>::max(), 1e-7F / 3.0F}) {
+        Dicom_Bytes bytes = Real_File(32);
+        bytes.Raw(padding, "FL", Reals<float>({value}));
+        const float other = std::abs(value) < moderate ? std::nextafter(value, 0.0F) : 3.0F;
+        bytes.Raw(TAG_FLOAT_PIXELS, "OF", Reals<float>({1.0F, value, other, 2.0F}));
+        const Dicom_Result result = Read(bytes);
+        ASSERT_TRUE(result.image);
+        const std::vector<double> greys = Greys_Of(result.image->volume);
+        EXPECT_EQ(greys[1], outside) << value;
+        EXPECT_EQ(std::ranges::count(greys, outside), 1) << value;
+    }
+    for (const double value : {-999.9, -std::numeric_limits<double>::max() / 3.0, 1.0 / 3.0}) {
+        Dicom_Bytes bytes = Real_File(64);
+        bytes.Raw(double_padding, "FD", Reals<double>({value}));
+        const double other = std::abs(value) < moderate ? std::nextafter(value, 0.0) : 3.0;
+        bytes.Raw(double_pixels, "OD", Reals<double>({1.0, value, other, 2.0}));
+        const Dicom_Result result = Read(bytes);
+        ASSERT_TRUE(result.image);
+        const std::vector<double> greys = Greys_Of(result.image->volume);
+        EXPECT_EQ(greys[1], outside) << value;
+        EXPECT_EQ(std::ranges::count(greys, outside), 1) << value;
+    }
 }
 
 }  // namespace

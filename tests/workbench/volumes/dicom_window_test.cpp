@@ -12,6 +12,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+constexpr std::uint32_t TAG_CHARACTERS = 0x00080005;
 constexpr std::uint32_t TAG_CENTER = 0x00281050;
 constexpr std::uint32_t TAG_WIDTH = 0x00281051;
 constexpr std::uint32_t TAG_EXPLANATION = 0x00281055;
@@ -60,6 +61,21 @@ TEST(Dicom_Windows, may_stand_in_the_functional_groups) {
     Dicom_Bytes bytes;
     bytes.Sequence(TAG_SHARED_GROUPS, {group.Elements()});
     EXPECT_THAT(Windows_Of(bytes), ElementsAre(Display_Window{"", 50, 350, Window_Function::Linear}));
+}
+
+TEST(Dicom_Windows, in_a_functional_group_are_named_in_the_files_characters) {
+    Dicom_Bytes window;
+    window.Clear().Text(TAG_CENTER, "DS", "50").Text(TAG_WIDTH, "DS", "350").Text(TAG_EXPLANATION, "LO", "Sch\xC3\xA4");
+    Dicom_Bytes group;
+    group.Clear().Sequence(TAG_FRAME_WINDOW, {window.Elements()});
+    Dicom_Bytes bytes;
+    bytes.Text(TAG_CHARACTERS, "CS", "ISO_IR 192").Sequence(TAG_SHARED_GROUPS, {group.Elements()});
+    EXPECT_THAT(Windows_Of(bytes), ElementsAre(Display_Window{"Sch\xC3\xA4", 50, 350, Window_Function::Linear}));
+    // An item may have a set of its own.
+    window.Text(TAG_CHARACTERS, "CS", "ISO_IR 144").Text(TAG_EXPLANATION, "LO", "a\xE4");
+    group.Clear().Sequence(TAG_FRAME_WINDOW, {window.Elements()});
+    bytes.Sequence(TAG_SHARED_GROUPS, {group.Elements()});
+    EXPECT_THAT(Windows_Of(bytes), ElementsAre(Display_Window{"a\u0444", 50, 350, Window_Function::Linear}));
 }
 
 }  // namespace

@@ -4,10 +4,13 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <set>
 #include <stdexcept>
 #include <thread>
 #include <vector>
+
+#include "tests/workbench/volumes/failing_allocation.h"
 
 using namespace volumes;
 
@@ -67,6 +70,37 @@ TEST_P(Work_Share_Test, giving_up_ends_it_soon) {
 }
 
 INSTANTIATE_TEST_SUITE_P(threads, Work_Share_Test, testing::Values(1, 2, 7));
+
+TEST(Work_Share, what_fails_after_giving_up_is_not_thrown) {
+    std::atomic<bool> is_given_up = false;
+    EXPECT_FALSE(Work_Share(
+        2, 2,
+        [&](std::size_t at) {
+            while (at == 1 && !is_given_up) {
+                std::this_thread::yield();
+            }
+            if (at == 1) {
+                throw std::runtime_error("late");
+            }
+        },
+        [&](std::size_t count) {
+            is_given_up = is_given_up || count > 0;
+            return count == 0;
+        }));
+}
+
+TEST(Work_Share, without_memory_for_threads_fewer_or_none_do_it_all) {
+    std::vector<std::atomic<int>> done(20);
+    const std::function<void(std::size_t)> work = [&done](std::size_t at) { ++done[at]; };
+    for (const int fail_at : {0, 1, 2, 3}) {
+        const Failing_Allocation failure(fail_at);
+        EXPECT_TRUE(Work_Share(done.size(), 4, work, {}));
+        EXPECT_TRUE(failure.Happened());
+    }
+    for (const std::atomic<int>& one : done) {
+        EXPECT_EQ(one, 4);
+    }
+}
 
 TEST(Work_Share, threads_are_as_many_as_are_of_use) {
     EXPECT_EQ(Work_Thread_Nb(1), 1U);
