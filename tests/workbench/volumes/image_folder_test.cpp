@@ -175,7 +175,8 @@ TEST_F(Dicom_Folder, lists_what_it_cannot_open_and_goes_on) {
     EXPECT_THAT(
         Problems(opened),
         ElementsAre("1 text.txt: is no DICOM file", "2 empty: is empty", HasSubstr("3 cut.dcm: is broken or cut"),
-                    HasSubstr("4 jpeg.dcm: has pixels that cannot be decoded (frame 1: its beginning is damaged or of a form that is not read)"),
+                    HasSubstr("4 jpeg.dcm: has pixels that cannot be decoded (frame 1: its beginning is damaged or of "
+                              "a form that is not read)"),
                     HasSubstr("5 report.dcm: holds no image"), HasSubstr("6 broken.nii: is ")));
     EXPECT_EQ(Image_Folder_Text(opened), "1 volume of 1 file; 6 files were not opened");
     const std::string text = Image_Folder_Problems_Text(opened, folder.path);
