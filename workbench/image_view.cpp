@@ -153,6 +153,10 @@ void Image_View::Pointer_Look() {
         POINT point = {};
         ::GetCursorPos(&point);
         ::ScreenToClient(Handle(), &point);
+        const RECT view = {0, 0, Slider_Box().left, Client().bottom};
+        if (drag == Drag::None && ::PtInRect(&view, point) == 0) {
+            return Pointer_Gone();  // it has left, and the message that says so is still to come
+        }
         Point_Pixel(point, &over_x, &over_y);
     }
     user.Hover(over_x, over_y);

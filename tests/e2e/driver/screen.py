@@ -1,6 +1,7 @@
 """The X display: input as from real devices, the window manager, pictures."""
 import ctypes
 import hashlib
+import re
 import subprocess
 
 MODIFIERS = {"shift": "Shift_L", "ctrl": "Control_L", "alt": "Alt_L"}
@@ -116,7 +117,8 @@ class Screen:
 
     @staticmethod
     def _found(title):
-        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title], capture_output=True, text=True)
+        plain = re.sub(r"([.*+?^$|(){}\[\]\\])", r"\\\1", title)  # a star of unsaved work is no pattern
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", plain], capture_output=True, text=True)
         return found.stdout.split()[:1]
 
     def manage(self, title, *orders):
