@@ -20,6 +20,7 @@ std::string Distance_Text(double distance) {
 
 std::vector<std::uint32_t> Colors_Of(const std::vector<int>& tags, const std::vector<std::uint32_t>& all) {
     std::vector<std::uint32_t> colors;
+    colors.reserve(tags.size());
     for (const int tag : tags) {
         colors.push_back(all[static_cast<std::size_t>(tag)]);
     }
