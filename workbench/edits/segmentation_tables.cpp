@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <utility>
 
 #include "workbench/model/number_text.h"
 
@@ -70,9 +71,9 @@ std::string Statistics_Text(std::span<const segmentation::Tag_Numbers> rows,
     cells[0].insert(cells[0].end(), {"Regions", "Slices"});
     for (const segmentation::Tag_Numbers& row : rows) {
         const auto tag = static_cast<std::size_t>(row.tag);
-        std::vector<std::string>& line = cells.emplace_back(std::vector<std::string>{
-            std::to_string(row.tag), tag < words.names.size() ? words.names[tag] : std::string(),
-            std::to_string(row.voxel_nb), Number_Text(row.milliliters, DIGITS)});
+        std::vector<std::string> line = {std::to_string(row.tag),
+                                         tag < words.names.size() ? words.names[tag] : std::string(),
+                                         std::to_string(row.voxel_nb), Number_Text(row.milliliters, DIGITS)};
         const segmentation::Grey_Numbers& greys = row.greys;
         std::vector<double> numbers = {greys.mean, greys.deviation, greys.least, greys.median, greys.greatest};
         numbers.insert(numbers.end(), greys.percentiles.begin(), greys.percentiles.end());
@@ -82,6 +83,7 @@ std::string Statistics_Text(std::span<const segmentation::Tag_Numbers> rows,
         }
         line.push_back(std::to_string(row.region_nb));
         line.push_back(std::to_string(row.first_slice + 1) + " to " + std::to_string(row.last_slice + 1));
+        cells.push_back(std::move(line));
     }
     return Columns_Text(cells, 2);
 }
@@ -91,15 +93,19 @@ std::string Agreement_Text(std::span<const Tag_Agreement> rows) {
         {"TAG", "Name", "Voxels", "In the file", "Dice", "Jaccard", "Diff ml", "HD mm", "HD95 mm", "Mean mm"}};
     for (const Tag_Agreement& row : rows) {
         const segmentation::Label_Agreement& numbers = row.numbers;
-        std::vector<std::string>& line = cells.emplace_back(std::vector<std::string>{
-            std::to_string(row.tag), row.name, std::to_string(numbers.one_nb), std::to_string(numbers.other_nb),
-            Number_Text(numbers.dice, DIGITS), Number_Text(numbers.jaccard, DIGITS),
-            Number_Text(numbers.volume_difference, DIGITS)});
+        std::vector<std::string> line = {std::to_string(row.tag),
+                                         row.name,
+                                         std::to_string(numbers.one_nb),
+                                         std::to_string(numbers.other_nb),
+                                         Number_Text(numbers.dice, DIGITS),
+                                         Number_Text(numbers.jaccard, DIGITS),
+                                         Number_Text(numbers.volume_difference, DIGITS)};
         if (numbers.distances) {
             line.push_back(Number_Text(numbers.distances->hausdorff, DIGITS));
             line.push_back(Number_Text(numbers.distances->hausdorff_95, DIGITS));
             line.push_back(Number_Text(numbers.distances->mean, DIGITS));
         }
+        cells.push_back(std::move(line));
     }
     return Columns_Text(cells, 2);
 }

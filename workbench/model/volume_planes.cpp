@@ -107,7 +107,7 @@ Plane Plane_Of_Slices(const Patient_Axes& axes) {
 }
 
 const char* Plane_Name(Plane plane) {
-    constexpr std::array<const char*, PLANE_NB> NAMES = {"Axial", "Coronal", "Sagittal"};
+    constexpr const char* NAMES[] = {"Axial", "Coronal", "Sagittal"};
     return NAMES[static_cast<std::size_t>(plane)];
 }
 

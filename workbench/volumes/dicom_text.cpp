@@ -77,14 +77,15 @@ std::optional<std::string> Converted(const Character_Set& set, const std::string
     return text;
 }
 #else
-std::optional<std::string> Converted(const Character_Set& set, std::string bytes) {
+std::optional<std::string> Converted(const Character_Set& set, const std::string& bytes) {
     ::iconv_t converter = ::iconv_open("UTF-8", set.encoding);
     if (converter == reinterpret_cast<::iconv_t>(-1)) {
         return std::nullopt;
     }
     constexpr std::size_t utf8_most = 4;  // bytes of a character
     std::string text(bytes.size() * utf8_most, '\0');
-    char* from = bytes.data();
+    std::string read = bytes;  // the converter takes no constant
+    char* from = read.data();
     std::size_t from_size = bytes.size();
     char* to = text.data();
     std::size_t to_size = text.size();
