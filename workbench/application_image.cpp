@@ -67,6 +67,7 @@ Segmentation_Wiring Application::Segmentation_Wires() {
                    const std::function<void(const segmentation::Edit_Progress& progress)>& action) {
                 Run_With_Progress(what, [&](const volumes::Load_Progress& progress) { action(progress); });
             },
+            [this] { Stroke_End(); },
             [this](int changed) {
                 if (changed != slice) {
                     Slice_Show(changed);

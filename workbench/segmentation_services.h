@@ -28,6 +28,7 @@ struct Segmentation_Wiring {
     std::function<void(const std::wstring& what,
                        const std::function<void(const segmentation::Edit_Progress& progress)>& action)>
         run;
+    std::function<void()> stroke_end;
     std::function<void(int slice)> labels_changed;
     std::function<void()> refresh;  ///< of the image
     std::function<void(const std::wstring& text)> tell;
@@ -51,6 +52,7 @@ class Segmentation_Services : public Segmentation_Host {
     std::optional<std::filesystem::path> Csv_File_Ask(const std::string& title, const std::string& name) override;
     void Run(const std::string& what,
              const std::function<void(const segmentation::Edit_Progress& progress)>& action) override;
+    void Stroke_End() override { wiring.stroke_end(); }
     void Labels_Changed(int slice) override { wiring.labels_changed(slice); }
     void Preview_Changed() override { wiring.refresh(); }
     void Statistics_Show(const std::string& title, const std::string& table) override;

@@ -135,7 +135,7 @@ std::string Segmentation_Control::Limits_Text() const {
 
 void Segmentation_Control::Operate(const std::string& title, const Operation& operation) {
     Session& work = host.Work();
-    work.Stroke_End();
+    host.Stroke_End();
     try {
         Edit_Input input = Input();
         std::optional<Label_Edit> edit;

@@ -55,6 +55,8 @@ class Segmentation_Host {
     virtual void Run(const std::string& what,
                      const std::function<void(const segmentation::Edit_Progress& progress)>& action) = 0;
 
+    /** Ends the stroke that is being painted, and lifts the pen: what is done next is a step of its own. */
+    virtual void Stroke_End() = 0;
     /** Voxels have changed, among others in this slice: everything that shows them or counts them follows. */
     virtual void Labels_Changed(int slice) = 0;
     /** The preview of the bands was turned on or off. */

@@ -65,7 +65,7 @@ void Segmentation_Control::Statistics_Fill(std::span<const segmentation::Tag_Num
 
 void Segmentation_Control::Statistics_Show() {
     if (Has_Volume()) {
-        host.Work().Stroke_End();
+        host.Stroke_End();
         if (const auto numbers = Numbers_Count()) {
             Statistics_Fill(*numbers);
         }
@@ -107,7 +107,7 @@ void Segmentation_Control::Statistics_Save() {
     if (!Has_Volume()) {
         return;
     }
-    host.Work().Stroke_End();
+    host.Stroke_End();
     if (const auto numbers = Numbers_Count()) {
         Csv_Save("Save the statistics of the TAGs", "statistics.csv",
                  segmentation::Statistics_Csv(*numbers, Request_Of(host.Work().Image()), Words_Of(host)));
@@ -147,7 +147,7 @@ void Segmentation_Control::Labels_Compare_Ask() {
     if (!Has_Volume()) {
         return;
     }
-    host.Work().Stroke_End();
+    host.Stroke_End();
     if (!Label_File_Read("Compare with a label file", laid)) {
         return;
     }

@@ -71,6 +71,10 @@ class Told_Host : public Segmentation_Host {
         }
         action([this](double) { return !is_given_up; });
     }
+    void Stroke_End() override {
+        ++stroke_end_nb;
+        session.Stroke_End();
+    }
     void Labels_Changed(int slice) override { changed_slice = slice; }
     void Preview_Changed() override { ++preview_nb; }
     void Statistics_Show(const std::string& title, const std::string& text) override {
@@ -96,6 +100,7 @@ class Told_Host : public Segmentation_Host {
     bool is_statistics_shown = false;
     int changed_slice = -1;
     int preview_nb = 0;
+    int stroke_end_nb = 0;
     std::vector<std::string> lines;
     std::string asked, told, warned, table;
 };
@@ -142,6 +147,19 @@ TEST_F(Segmentation_Control_Test, all_bands_become_labels_of_the_volume_in_one_s
     EXPECT_EQ(Tags(), std::vector<std::uint8_t>(SLICE_SIZE * SLICES));
     host.session.Redo();
     EXPECT_EQ(Tags(), tags);
+}
+
+TEST_F(Segmentation_Control_Test, a_stroke_is_ended_by_the_host_whose_pen_it_is) {
+    host.claims = {{1, {-100.0F, -80.0F}}};
+    static const unsigned char dot = 1;
+    static const unsigned char* const mask[] = {&dot};
+    Paint_Ink ink;
+    ink.tag = 2;
+    host.session.Stroke_Begin(3, {mask, 0}, 1, 1, ink);
+    control.Bands_Apply(true);
+    EXPECT_EQ(host.stroke_end_nb, 1);
+    EXPECT_FALSE(host.session.Is_Stroking());
+    EXPECT_EQ(Step_Nb(), 2U) << "the stroke, and the operation";
 }
 
 TEST_F(Segmentation_Control_Test, the_band_of_one_tag_leaves_the_others_alone) {
