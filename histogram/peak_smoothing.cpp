@@ -6,6 +6,7 @@
 #include <array>
 
 #include "histogram/peak_smoothing_kernel.h"
+#include "histogram/peak_smoothing_ring.h"
 #include "histogram/peak_smoothing_wide.h"
 #include "host/platform.h"
 
@@ -60,6 +61,8 @@ struct Sse2 {
 constexpr int LANES_MAX = SMOOTHING_WIDE_LANES;
 /** So few passes are made faster one by one than by a group of lanes that are mostly idle. */
 constexpr int PLAIN_PASSES_MAX = 3;
+/** Longer curves lose little at the ends of a group of passes, and their history would leave the processor's cache. */
+constexpr int RING_BINS_MAX = 512;
 
 /** One pass by the step of the kernel's scalar ends. @return maxima */
 int Plain_Pass(std::span<double> curve, float threshold) {
@@ -76,10 +79,47 @@ int Plain_Pass(std::span<double> curve, float threshold) {
 int Lanes_Of(Smoothing_Path path, std::size_t n, std::size_t scratch) {
     const int lanes =
         path == Smoothing_Path::Wide ? SMOOTHING_WIDE_LANES : (path == Smoothing_Path::Baseline ? Sse2::LANES : 1);
-    return lanes > 1 && scratch == n && n >= static_cast<std::size_t>(4 * lanes) ? lanes : 1;
+    return lanes > 1 && scratch >= n && n >= static_cast<std::size_t>(4 * lanes) ? lanes : 1;
+}
+
+/** Passes by the ring. @param note receives the maxima of each pass and tells if more are wanted */
+template <class Note>
+void Smooth_By_Ring(std::span<double> curve, double* history, float threshold, int lane_nb, Note note) {
+    const auto n = static_cast<int>(curve.size());
+    const bool wide = lane_nb == SMOOTHING_WIDE_LANES;
+    Smoothing_Wide_Lanes wide_lanes = {};
+    Smoothing_Lanes<Sse2::LANES> lanes = {};
+    if (wide) {
+        Smoothing_Ring_Begin_Wide(wide_lanes, curve.data(), n, history, threshold);
+    } else {
+        Smoothing_Ring_Begin<Sse2>(lanes, curve.data(), n, history, threshold);
+    }
+    for (bool is_first = true;; is_first = false) {
+        std::array<int, LANES_MAX> maxima{};
+        if (wide) {
+            Smoothing_Ring_Turn_Wide(wide_lanes, n, history, threshold, is_first, maxima.data());
+        } else {
+            Smoothing_Ring_Turn<Sse2>(lanes, n, history, threshold, is_first, maxima.data());
+        }
+        for (int lane = 0; lane < lane_nb; ++lane) {
+            if (!note(maxima[static_cast<std::size_t>(lane)])) {
+                for (int bin = 1; bin < n; ++bin) {
+                    curve[static_cast<std::size_t>(bin)] = history[(bin + 2 * lane + 1) * lane_nb + lane];
+                }
+                curve[0] = curve[1];
+                return;
+            }
+        }
+    }
 }
 
 }  // namespace
+
+std::size_t Smoothing_Scratch_Nb(std::size_t bins) {
+    return bins <= RING_BINS_MAX
+               ? static_cast<std::size_t>(Smoothing_History_Nb<SMOOTHING_WIDE_LANES>(static_cast<int>(bins)))
+               : bins;
+}
 
 Smoothing_Path Smoothing_Path_Best() {
     return Processor_Has_Avx2() ? Smoothing_Path::Wide : Smoothing_Path::Baseline;
@@ -98,7 +138,12 @@ Smoothing_Result Smooth_To_Maxima(std::span<double> curve, std::span<double> scr
         result.maxima = maxima;
         ++result.passes;
         more = maxima > options.max_maxima && result.passes < options.max_passes;
+        return more;
     };
+    if (more && lanes > 1 && n <= RING_BINS_MAX && scratch.size() >= Smoothing_Scratch_Nb(curve.size())) {
+        Smooth_By_Ring(curve, scratch.data(), options.threshold, lanes, note);
+        return result;
+    }
     const auto group = [&](int passes, int* maxima) {
         if (lanes == SMOOTHING_WIDE_LANES) {
             Smoothing_Group_Wide(curve.data(), n, options.threshold, passes, maxima);

@@ -11,6 +11,7 @@
  */
 #pragma once
 
+#include <cstddef>
 #include <span>
 
 /** Receives the number of maxima after each pass, in order of the passes. */
@@ -37,8 +38,13 @@ enum class Smoothing_Path {
 /** The fastest path that this processor runs. */
 Smoothing_Path Smoothing_Path_Best();
 
+/** Numbers of scratch memory that a curve of `bins` bins is smoothed fastest with: for short curves more than bins, so
+ * that no pass is made twice. */
+std::size_t Smoothing_Scratch_Nb(std::size_t bins);
+
 /** Smooths `curve` (2 bins or more) in place. Allocates nothing inside the loop.
- *  @param scratch as many bins as the curve; without it (another size) the plain path is taken
+ *  @param scratch Smoothing_Scratch_Nb numbers; with less, but as many as the curve has bins, a short curve takes
+ * longer; with less than that the plain path is taken
  *  @param sink    may be null
  */
 Smoothing_Result Smooth_To_Maxima(std::span<double> curve, std::span<double> scratch, const Smoothing_Options& options,

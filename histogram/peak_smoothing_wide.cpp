@@ -4,6 +4,7 @@
 #include <immintrin.h>
 
 #include "histogram/peak_smoothing_kernel.h"
+#include "histogram/peak_smoothing_ring.h"
 
 namespace {
 
@@ -61,4 +62,14 @@ struct Avx2 {
 
 void Smoothing_Group_Wide(double* curve, int n, float threshold, int passes, int* maxima) {
     Smoothing_Group<Avx2>(curve, n, threshold, passes, maxima);
+}
+
+void Smoothing_Ring_Begin_Wide(Smoothing_Wide_Lanes& lanes, const double* curve, int n, double* history,
+                               float threshold) {
+    Smoothing_Ring_Begin<Avx2>(lanes, curve, n, history, threshold);
+}
+
+void Smoothing_Ring_Turn_Wide(Smoothing_Wide_Lanes& lanes, int n, double* history, float threshold, bool is_first,
+                              int* counts) {
+    Smoothing_Ring_Turn<Avx2>(lanes, n, history, threshold, is_first, counts);
 }

@@ -61,15 +61,16 @@ void Peak_Find_Segments(Histo_Data& data, int n, const double* curve, std::uint8
         return;  // nothing to smooth and no maximum
     }
 
-    // The scratch curve only makes the smoothing faster; without it the plain path gives the same bits.
-    const std::unique_ptr<double[]> scratch(new (std::nothrow) double[source.size()]);
+    // The scratch memory only makes the smoothing faster; without it the plain path gives the same bits.
+    const std::size_t scratch_nb = Smoothing_Scratch_Nb(source.size());
+    const std::unique_ptr<double[]> scratch(new (std::nothrow) double[scratch_nb]);
     if (scratch == nullptr) {
         Histo_Report_New(__LINE__, TOOL_HISTO_DERIVATIVE_SOURCE);
     }
     const std::span<double> filtered(data.filtered, source.size());
     const std::span<float> derivative(data.derivative, source.size());
-    Smooth_To_Maxima(filtered, {scratch.get(), scratch != nullptr ? source.size() : 0},
-                     {threshold, max_peak, MAX_PASSES}, Smoothing_Path_Best(), Trace_Pass, nullptr);
+    Smooth_To_Maxima(filtered, {scratch.get(), scratch != nullptr ? scratch_nb : 0}, {threshold, max_peak, MAX_PASSES},
+                     Smoothing_Path_Best(), Trace_Pass, nullptr);
     Thresholded_Derivative(filtered, threshold, derivative);
 
     const Segment_List segments = Segments_Find(derivative);

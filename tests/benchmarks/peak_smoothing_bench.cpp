@@ -15,6 +15,8 @@
 namespace {
 
 constexpr int ROUNDS = 9;
+constexpr int SHORT_ROUNDS = 199;
+constexpr std::size_t SHORT_BINS = 512;
 constexpr int PASSES_MAX = 10000;
 
 /** The loop bin by bin and pass by pass. @param counts receives the number of maxima after each pass */
@@ -70,14 +72,15 @@ void Compare(benchmark::State& state, Smoothing_Path path, const std::vector<dou
     const std::size_t n = curve.size();
     std::vector<double> plain;
     std::vector<double> ours;
-    std::vector<double> scratch(n);
+    std::vector<double> scratch(Smoothing_Scratch_Nb(n));
     std::vector<float> derivative(n);
     std::vector<int> plain_counts;
     std::vector<int> our_counts;
     Paired_Times times;
     for (auto _ : state) {
+        const bool is_short = n <= SHORT_BINS && options.max_maxima > 0;  // to its own end: microseconds
         times = Pair_Time(
-            ROUNDS,
+            is_short ? SHORT_ROUNDS : ROUNDS,
             [&] {
                 plain = curve;
                 Smooth_Plainly(plain, derivative, options, plain_counts);
@@ -86,7 +89,8 @@ void Compare(benchmark::State& state, Smoothing_Path path, const std::vector<dou
                 ours = curve;
                 our_counts.clear();
                 Smooth_To_Maxima(ours, scratch, options, path, Count_Take, &our_counts);
-            });
+            },
+            is_short ? Of_Rounds::Least : Of_Rounds::Median);
     }
     const auto steps = static_cast<double>(n * plain_counts.size());
     state.counters["bins"] = static_cast<double>(n);

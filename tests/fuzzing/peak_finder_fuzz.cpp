@@ -21,7 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         value = IS_RAW ? input.Take<double>() : static_cast<double>(input.Take<std::uint16_t>());
     }
     std::vector<double> plain = curve;
-    std::vector<double> scratch(N);
+    std::vector<double> scratch(Smoothing_Scratch_Nb(N));
     const Smoothing_Result RESULT = Smooth_To_Maxima(plain, scratch, options, Smoothing_Path::Plain, nullptr, nullptr);
     Require(RESULT.passes >= 1 && RESULT.passes <= options.max_passes);
     for (const Smoothing_Path path : {Smoothing_Path::Baseline, Smoothing_Path_Best()}) {
@@ -29,6 +29,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const Smoothing_Result same = Smooth_To_Maxima(other, scratch, options, path, nullptr, nullptr);
         Require(same.passes == RESULT.passes && same.maxima == RESULT.maxima);
         Require(std::memcmp(other.data(), plain.data(), N * sizeof(double)) == 0);
+        // With room for the curve alone passes come in groups.
+        std::vector<double> grouped = curve;
+        const Smoothing_Result third =
+            Smooth_To_Maxima(grouped, std::span(scratch).first(N), options, path, nullptr, nullptr);
+        Require(third.passes == RESULT.passes && third.maxima == RESULT.maxima);
+        Require(std::memcmp(grouped.data(), plain.data(), N * sizeof(double)) == 0);
     }
     std::vector<float> derivative(N);
     Thresholded_Derivative(plain, options.threshold, derivative);

@@ -59,10 +59,17 @@ Outcome Smooth_Plainly(std::vector<double> f, float threshold, int max_maxima, i
     return outcome;
 }
 
+/** How much scratch memory there is. */
+enum class Room { None, Curve, Whole };
+
+std::vector<double> Room_Make(Room room, std::size_t n) {
+    return std::vector<double>(room == Room::None ? 0 : (room == Room::Curve ? n : Smoothing_Scratch_Nb(n)));
+}
+
 Outcome Smooth(std::vector<double> f, float threshold, int max_maxima, int max_passes, Smoothing_Path path,
-               bool scratch = true) {
+               Room with = Room::Whole) {
     Outcome outcome;
-    std::vector<double> room(scratch ? f.size() : 0);
+    std::vector<double> room = Room_Make(with, f.size());
     outcome.derivative.resize(f.size());
     const auto sink = [](void* context, int pass, int maxima) {
         auto& list = *static_cast<std::vector<int>*>(context);
@@ -88,6 +95,7 @@ void Expect_Same_Bits(const Outcome& a, const Outcome& b) {
 
 std::vector<double> Random_Curve(std::mt19937& random, int n) {
     std::vector<double> curve(static_cast<std::size_t>(n));
+    const int middle = n / 2;
     const auto kind = random() % 5;
     for (int i = 0; i < n; ++i) {
         double& value = curve[static_cast<std::size_t>(i)];
@@ -99,7 +107,7 @@ std::vector<double> Random_Curve(std::mt19937& random, int n) {
                 value = random() % 40 == 0 ? static_cast<double>(random() % 100000) : 0.0;
                 break;
             case 2:
-                value = std::floor(1000.0 * std::exp(-std::pow((i - n / 2) / 20.0, 2)));
+                value = std::floor(1000.0 * std::exp(-std::pow((i - middle) / 20.0, 2)));
                 break;
             case 3:
                 value = static_cast<double>(random() % 3);
@@ -135,6 +143,7 @@ TEST(Smooth_To_Maxima, gives_the_same_bits_on_every_path_as_the_plain_loop) {
         for (const Smoothing_Path path : Paths()) {
             SCOPED_TRACE(::testing::Message() << "round " << round << " path " << static_cast<int>(path));
             Expect_Same_Bits(Smooth(curve, threshold, max_maxima, max_passes, path), plain);
+            Expect_Same_Bits(Smooth(curve, threshold, max_maxima, max_passes, path, Room::Curve), plain);
         }
     }
 }
@@ -145,6 +154,7 @@ TEST(Smooth_To_Maxima, stays_exact_in_subnormal_numbers) {
     const Outcome plain = Smooth_Plainly(curve, 0.0F, -1, 300);
     for (const Smoothing_Path path : Paths()) {
         Expect_Same_Bits(Smooth(curve, 0.0F, -1, 300, path), plain);
+        Expect_Same_Bits(Smooth(curve, 0.0F, -1, 300, path, Room::Curve), plain);
     }
 }
 
@@ -162,10 +172,27 @@ TEST(Smooth_To_Maxima, stops_at_the_first_pass_that_satisfies_the_limit_although
     EXPECT_GT(inside_groups, 0) << "no round ended inside a group of passes: the redo was not reached";
 }
 
+TEST(Smooth_To_Maxima, keeps_the_bits_of_whichever_pass_is_the_last_and_around_every_length) {
+    std::mt19937 random(11);
+    // Lengths at which the paths change, and each lane as the one that makes the last pass.
+    for (const int n : {63, 64, 65, 66, 127, 128, 256, 511, 512, 513}) {
+        const std::vector<double> curve = Random_Curve(random, n);
+        for (int passes = 1; passes <= 50; ++passes) {
+            const Outcome plain = Smooth_Plainly(curve, 0.5F, -1, passes);
+            for (const Smoothing_Path path : Paths()) {
+                SCOPED_TRACE(::testing::Message()
+                             << n << " bins, " << passes << " passes, path " << static_cast<int>(path));
+                Expect_Same_Bits(Smooth(curve, 0.5F, -1, passes, path), plain);
+            }
+        }
+    }
+}
+
 TEST(Smooth_To_Maxima, needs_no_scratch_curve) {
     std::mt19937 random(4);
     const std::vector<double> curve = Random_Curve(random, 500);
-    Expect_Same_Bits(Smooth(curve, 1.0F, 2, 500, Smoothing_Path_Best(), false), Smooth_Plainly(curve, 1.0F, 2, 500));
+    Expect_Same_Bits(Smooth(curve, 1.0F, 2, 500, Smoothing_Path_Best(), Room::None),
+                     Smooth_Plainly(curve, 1.0F, 2, 500));
 }
 
 TEST(Smooth_To_Maxima, bin_0_never_enters_the_smoothing_of_bin_1) {
