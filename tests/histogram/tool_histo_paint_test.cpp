@@ -1,12 +1,19 @@
+#include "base/drawing_dc.h"
+#include "base/gdi_handles.h"
+
 #include "histogram/tool_histo_paint.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <random>
+#include <utility>
+#include <vector>
 
+#include "histogram/histo_colors.h"
 #include "tests/histogram/histo_stage.h"
 
 namespace {
@@ -93,6 +100,66 @@ std::vector<std::uint32_t> Hills(int n, unsigned seed = 5) {
         counts.push_back(static_cast<std::uint32_t>(random() % 1000));
     }
     return counts;
+}
+
+/** A brush of 2 x 2 pixels: two in the colour, two black. */
+Gdi_Brush Checker_Brush(std::uint32_t color) {
+    struct {
+        BITMAPINFOHEADER header;
+        std::array<std::uint32_t, 4> pixels;
+    } dib = {};
+    dib.header.biSize = sizeof dib.header;
+    dib.header.biWidth = 2;
+    dib.header.biHeight = 2;
+    dib.header.biPlanes = 1;
+    dib.header.biBitCount = 32;
+    dib.pixels = {color, 0, 0, color};
+    return Gdi_Brush(::CreateDIBPatternBrushPt(&dib, DIB_RGB_COLORS));
+}
+
+/** The panel's plot by the window system's own brushes and lines, bin by bin. @param band_color of a range */
+void Gdi_Draw(const Tool_Histo& panel, Window_Axis axis, const Picture& places, std::uint32_t (*band_color)(int tag),
+              const std::vector<std::pair<const std::uint32_t*, std::uint32_t>>& curves) {
+    const Drawing_DC drawing(panel.window, "test");
+    HDC dc = drawing.Get();
+    if (axis == Window_Axis::Up) {
+        ::SetMapMode(dc, MM_TEXT);
+        ::SetWindowOrgEx(dc, 0, 0, nullptr);
+        ::SetViewportOrgEx(dc, 0, 0, nullptr);
+    }
+    constexpr int base = Histo_Stage::PLOT_TOP + Histo_Stage::PLOT_HEIGHT;
+    const Histo_Record& record = *panel.data->record;
+    const auto color_ref = [](std::uint32_t pixel) { return RGB(pixel >> 16, pixel >> 8 & 0xFF, pixel & 0xFF); };
+    const RECT ground = {Histo_Stage::PLOT_LEFT - 1, Histo_Stage::PLOT_TOP - 1,
+                         Histo_Stage::PLOT_LEFT + Histo_Stage::PLOT_WIDTH + 1, base + 1};
+    ::FillRect(dc, &ground, static_cast<HBRUSH>(::GetStockObject(BLACK_BRUSH)));
+    const std::uint32_t* bars = Histo_Band_Counts(record, panel.color_component);
+    for (int range = 0; range < panel.range_nb; ++range) {
+        const int first = std::clamp(static_cast<int>(panel.range_min[range]), 0, record.nb_bins - 1);
+        const int last = std::clamp(static_cast<int>(panel.range_max[range]), 0, record.nb_bins - 1);
+        const std::uint32_t color = band_color(panel.range_tag[range]);
+        const RECT all = {places.Column(first), Histo_Stage::PLOT_TOP, places.Column(last + 1), base};
+        const Gdi_Brush checker = Checker_Brush(color);
+        const Gdi_Brush solid(::CreateSolidBrush(color_ref(color)));
+        if (first <= last) {
+            ::FillRect(dc, &all, checker.Get());
+        }
+        for (int bin = first; bin <= last; ++bin) {
+            const RECT bar = {places.Column(bin), base - places.Height(bars[bin]), places.Column(bin + 1), base};
+            ::FillRect(dc, &bar, solid.Get());
+        }
+    }
+    for (const auto& [counts, color] : curves) {
+        std::vector<POINT> points;
+        for (int bin = 0; bin < record.nb_bins; ++bin) {
+            const int row = base - places.Height(counts[bin]);
+            points.push_back({places.Column(bin), row});
+            points.push_back({places.Column(bin + 1), row});
+        }
+        const Gdi_Pen pen(::CreatePen(PS_SOLID, 1, color_ref(color)));
+        const Selected_Object selected(dc, pen.Get());
+        ::Polyline(dc, points.data(), static_cast<int>(points.size()));
+    }
 }
 
 class Histo_Plot : public testing::TestWithParam<Window_Axis> {
@@ -239,6 +306,48 @@ TEST_P(Histo_Plot, the_last_of_many_ranges_covers_the_others) {
         expected.Outline(panel.data->record->counts, YELLOW);
         SCOPED_TRACE(round);
         Expect_Picture(expected);
+    }
+}
+
+TEST_P(Histo_Plot, random_contents_are_what_the_window_system_would_draw) {
+    scene.Tags(3);
+    scene.Tag_Color(1, 255, 0, 0);
+    scene.Tag_Color(2, 0, 0, 255);
+    std::mt19937 random(29);
+    const auto below = [&random](unsigned end) { return static_cast<int>(random() % end); };
+    for (int round = 0; round < 60; ++round) {
+        SCOPED_TRACE(round);
+        const int nb_bins = 1 + below(round % 3 == 0 ? 30 : (round % 3 == 1 ? 400 : 3000));
+        const bool is_color = round % 2 == 1;
+        if (is_color) {
+            Color_Record(nb_bins);
+        } else {
+            Histo_Record_Give(panel, {}, Hills(nb_bins, random()));
+        }
+        // Flat ends now and then: what the last point of the line reaches.
+        for (int bin = std::max(0, nb_bins - below(6)); bin < nb_bins; ++bin) {
+            panel.data->record->counts[bin] = static_cast<std::uint32_t>(500 + below(2) * below(200));
+        }
+        panel.color_component = static_cast<unsigned char>(is_color ? below(5) : 4);
+        panel.scale = round % 4 == 0 ? 0.4F : 1.0F;
+        panel.range_nb = static_cast<std::uint16_t>(below(HISTO_RANGE_MAX + 1));
+        for (int range = 0; range < panel.range_nb; ++range) {
+            panel.range_tag[range] = static_cast<std::uint16_t>(1 + below(2));
+            panel.range_min[range] = static_cast<float>(below(static_cast<unsigned>(nb_bins)));
+            panel.range_max[range] = panel.range_min[range] + static_cast<float>(below(200) - 20);
+        }
+        Paint();
+        const std::vector<std::uint32_t> ours = stage.Read();
+        const Histo_Record& record = *panel.data->record;
+        std::vector<std::pair<const std::uint32_t*, std::uint32_t>> curves = {{record.counts, YELLOW}};
+        if (is_color && panel.color_component == 0) {
+            curves = {{record.counts_component0, YELLOW}};
+        } else if (is_color && panel.color_component < 4) {
+            curves = {{record.counts_red, RED}, {record.counts_green, GREEN}, {record.counts_blue, BLUE}};
+        }
+        Gdi_Draw(
+            panel, GetParam(), Picture(panel, empty), [](int tag) { return tag == 1 ? RED : BLUE; }, curves);
+        EXPECT_EQ(ours, stage.Read());
     }
 }
 

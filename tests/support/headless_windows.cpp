@@ -362,6 +362,17 @@ BOOL WINAPI BitBlt(HDC dc, INT, INT, INT, INT, HDC from, INT, INT, DWORD) {
     Insist(Dc_Of(from).is_memory, "a picture is copied from a device context that has none");
     return TRUE;
 }
+INT WINAPI SetDIBitsToDevice(HDC dc, INT, INT, DWORD width, DWORD height, INT, INT, UINT, UINT lines, const void* bits,
+                             const BITMAPINFO* info, UINT) {
+    Dc_Of(dc);
+    const auto nb = static_cast<std::size_t>(width) * height;
+    Insist(
+        info->bmiHeader.biWidth == static_cast<LONG>(width) && info->bmiHeader.biHeight == -static_cast<LONG>(height),
+        "pixels are shown that are not as many as their picture has");
+    const auto* pixels = static_cast<const std::uint32_t*>(bits);
+    const std::vector<std::uint32_t> read(pixels, pixels + nb);
+    return static_cast<INT>(lines);
+}
 BOOL WINAPI GdiFlush() {
     return TRUE;
 }
