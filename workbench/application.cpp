@@ -127,7 +127,6 @@ bool Application::Start(int show) {
     ::ShowWindow(window.Handle(),
                  settings.Now().window.is_maximized && show == SW_SHOWNORMAL ? SW_SHOWMAXIMIZED : show);
     ::UpdateWindow(window.Handle());
-    image.Brush_Set(variables.Brush());
     Status(L"F1 shows keys and mouse");
     Recovery_Open();
     Crash_Tell();
@@ -307,7 +306,7 @@ void Application::Show_Changes(Changes changes) {
     };
     show(Shown::Image, [this] { image.Refresh(); });
     show(Shown::Other_Views, [this] { image.Others_Refresh(); });
-    show(Shown::Brush_Outline, [this] { image.Brush_Set(variables.Brush()); });
+    show(Shown::Brush_Outline, [this] { image.Outline_Refresh(); });
     if (changes.Has_Any({Change::Selection, Change::Volume, Change::Opened})) {
         Histogram_Scale_Suggest();
     }
@@ -384,11 +383,12 @@ void Application::Notes_Show() {
     note += variables.Tag_Lock()[at] != 0 ? L", locked" : L"";
     note += variables.Tag_Select()[at] == 0 ? L", not selected" : L"";
     tool_area.Note_Set(tag_host, note);
-    tool_area.Note_Set(brush_host, std::to_wstring(variables.Brush().Pixel_Nb()) + L" pixels");
+    tool_area.Note_Set(brush_host,
+                       std::to_wstring(variables.Brush().Pixel_Nb()) + L" pixels" + Wide_Of_Utf8(tools.Brush_Note()));
     tool_area.Note_Set(propagate_host, propagation_kind == Propagation_Kind::Copy ? L"copy" : L"grow");
     const int marker = variables.Marker_Cur();
-    tool_area.Note_Set(marker_host,
-                       Wide_Of_Panel(variables.Marker_Name(marker).c_str()) + (is_marker_mode ? L", placing" : L""));
+    tool_area.Note_Set(marker_host, Wide_Of_Panel(variables.Marker_Name(marker).c_str()) +
+                                        (tools.Tool_Now() == Tool_Kind::Markers ? L", placing" : L""));
     std::string counted = Histogram_Source();
     if (histogram.Source_Now() == Histogram_Frames::Checked) {
         counted = "checked frames" + counted.substr(std::min(counted.find(", TAG"), counted.size()));

@@ -47,6 +47,7 @@
 #include "workbench/segmentation_services.h"
 #include "workbench/status_line.h"
 #include "workbench/tool_area.h"
+#include "workbench/tools/tool_box.h"
 #include "workbench/trace_view.h"
 #include "workbench/volume_objects.h"
 #include "workbench/volumes/volume_statistics.h"
@@ -93,13 +94,12 @@ class Application : public Image_User,
     // What the image view tells (Image_User).
     Image_Content Content() const override;
     void Slice_Go(int slice) override;
-    Pixel_Rect Stroke_Begin(int x, int y, bool erase) override;
-    Pixel_Rect Stroke_Move(int x, int y) override;
-    void Stroke_End() override;
+    Pixel_Rect Tool_Press(const Slice_Point& at, Tool_Hand hand) override;
+    Pixel_Rect Tool_Move(const Slice_Point& at) override;
+    void Tool_Release() override { tools.Release(); }
+    Brush_Footprint Tool_Outline(const Slice_Point& at) const override;
+    std::vector<Shown_Path> Tool_Paths() const override;
     void Pick(int x, int y) override;
-    void Marker_Press(int x, int y) override;
-    void Marker_Move(int x, int y) override;
-    void Marker_Release() override;
     void Hover(int x, int y) override;
     void Hover_End() override;
     void Cross_Move(int x, int y) override;
@@ -136,8 +136,6 @@ class Application : public Image_User,
     void Check_Mark_Set(Tag_Mark mark) override;
     bool Is_Check_Mark(Tag_Mark mark) const override { return mark == check_mark; }
     void Brush_Step(int step) override;
-    void Marker_Mode_Set(bool on) override;
-    bool Is_Marker_Mode() const override { return is_marker_mode; }
     void Marker_Step(int step) override;
     void Marker_Rename_Ask() override;
     void Marker_Remove() override;
@@ -398,18 +396,19 @@ class Application : public Image_User,
     std::vector<Range_Overlay> Ranges_Now() const;
     std::vector<volumes::Display_Window> Windows() const;
     Tag_Overlay Overlay_Now() const;
-    Paint_Ink Ink(bool erase);
     Plane_Host Plane_Services();
     std::vector<Placed_Marker> Placed_Markers() const;
     // What the mouse does in whatever view.
-    Paint_Ink Stroke_Ink(bool erase);
     void Voxel_Pick(const Shown_Voxel& voxel);
-    void Voxel_Marker_Press(const Shown_Voxel& voxel, std::optional<int> hit);
-    void Voxel_Marker_Move(const Shown_Voxel& voxel);
     void Voxel_Hover(const Image_User& by, const Shown_Voxel& voxel);
     void View_Left(const Image_User& by);
     /** Tells of the pixel under the mouse as it is now. */
     void Voxel_Show();
+
+    // application_tools.cpp
+    Tool_Host Tool_Services();
+    /** A point of the shown slice. */
+    Tool_Spot Spot(const Slice_Point& at) const { return {{session.Slice_Pictures(), slice}, at}; }
 
     // application_propagation.cpp
     /** The application that runs; null: none. */
@@ -427,8 +426,8 @@ class Application : public Image_User,
     Histogram_Control histogram;
     Color_Advisor color_advisor{Color_Services()};
     Focus focus{Focus_Services()};
-    Command_Table commands{
-        {*this, *this, *this, color_advisor, *this, *this, *this, segmentation_control, *this, *this, focus, *this}};
+    Command_Table commands{{*this, *this, *this, tools, color_advisor, *this, *this, *this, segmentation_control, *this,
+                            *this, focus, *this}};
     Command_Line options;
     Look look;
     Report report;
@@ -467,6 +466,7 @@ class Application : public Image_User,
     List_Window read_list;
     Segmentation_Services segmentation_services;
     Segmentation_Control segmentation_control{segmentation_services};
+    Tool_Box tools{Tool_Services()};
     Panel_Host* tag_host = nullptr;  // owned by the tool area
     Panel_Host* marker_host = nullptr;
     Panel_Host* brush_host = nullptr;
@@ -482,13 +482,10 @@ class Application : public Image_User,
     std::optional<Shown_Voxel> hovered;      // under the mouse
     const Image_User* hovered_by = nullptr;  // the view that has told it
     bool is_overlay_shown = true;
-    bool is_marker_mode = false;
     bool is_threshold_mode = false;
     bool is_range_shown = false;
     Tag_Mark check_mark = Tag_Mark::Enable;
     Propagation_Kind propagation_kind = Propagation_Kind::Grow;
-    int dragged_marker = -1;
-    Marker marker_before;
     int report_nb = 0;
     std::vector<std::string> opened_paths;  // what is open came from there, UTF-8
     std::optional<Recovery_Claim> recovery_claim;

@@ -130,8 +130,7 @@ bool Application::Save_Labels(bool ask_for_name) {
 }
 
 bool Application::Ask_Unsaved() {
-    Marker_Release();
-    Stroke_End();  // also what a pen that is held down has drawn is work
+    tools.Settle();  // also what a pen that is held down has drawn is work
     const std::vector<int> unsaved = volumes.Unsaved(session);
     if (unsaved.empty()) {
         return true;
@@ -192,7 +191,7 @@ void Application::Not_Opened_Show() {
 }
 
 void Application::Load_Labels_Ask() {
-    Stroke_End();
+    tools.Stroke_End();
     if (!session.Has_Volume()) {
         Warn("Open an image first; labels lie on an image.");
     } else if (!session.Is_Unsaved() || Ask_Unsaved()) {

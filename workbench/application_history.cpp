@@ -58,8 +58,7 @@ std::string Application::Steps_Walk(std::size_t wanted) {
 }
 
 void Application::Undo_Or_Redo(bool redo) {
-    Marker_Release();
-    Stroke_End();
+    tools.Settle();
     const Undo_Journal& journal = session.Journal();
     const std::size_t nb = redo ? journal.Redo_Nb() : journal.Undo_Nb();
     if (nb == 0) {
@@ -76,8 +75,7 @@ std::optional<std::string> Application::Next_Step(bool redo) const {
 }
 
 void Application::History_Ask() {
-    Marker_Release();
-    Stroke_End();
+    tools.Settle();
     const Undo_Journal& journal = session.Journal();
     std::vector<std::wstring> lines;
     for (const std::string& line : journal.List()) {

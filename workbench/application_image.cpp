@@ -14,7 +14,6 @@ namespace {
 
 constexpr std::size_t WINDOW_MENU_MOST = 15;
 constexpr std::uint16_t MODALITY_CT = ('C' << 8) | 'T';
-constexpr int MARKER_REACH = 5;  // slice pixels within which a press takes hold of a marker
 
 }  // namespace
 
@@ -67,7 +66,7 @@ Segmentation_Wiring Application::Segmentation_Wires() {
                    const std::function<void(const segmentation::Edit_Progress& progress)>& action) {
                 Run_With_Progress(what, [&](const volumes::Load_Progress& progress) { action(progress); });
             },
-            [this] { Stroke_End(); },
+            [this] { tools.Stroke_End(); },
             [this](int changed) {
                 if (changed != slice) {
                     Slice_Show(changed);
@@ -131,7 +130,7 @@ void Application::Slice_Show(int wanted) {
     if (!session.Has_Volume()) {
         return;
     }
-    Stroke_End();
+    tools.Stroke_End();
     slice = std::clamp(wanted, 0, session.Slice_Nb() - 1);
     objects.Show(slice);
     hub.Note(Change::Position);
@@ -192,47 +191,6 @@ void Application::Window_Drag(float dx, float dy) {
     hub.Note(Change::View);
 }
 
-Paint_Ink Application::Ink(bool erase) {
-    Paint_Ink ink;
-    ink.tag = erase ? std::uint8_t{0} : static_cast<std::uint8_t>(variables.Tag_Cur());
-    std::ranges::copy(variables.Tag_Lock(), ink.locked.begin());
-    // The background cannot be locked away from painting: there would be nothing to paint on.
-    ink.locked[0] = 0;
-    return ink;
-}
-
-Paint_Ink Application::Stroke_Ink(bool erase) {
-    if (!erase && variables.Tag_Enable()[static_cast<std::size_t>(variables.Tag_Cur())] == 0) {
-        Status(L"The current TAG is hidden: press E to show it");
-    }
-    return Ink(erase);
-}
-
-Pixel_Rect Application::Stroke_Begin(int x, int y, bool erase) {
-    const Pixel_Rect changed = session.Stroke_Begin(slice, variables.Brush(), x, y, Stroke_Ink(erase));
-    hub.Note(Change::Stroke);
-    return changed;
-}
-
-Pixel_Rect Application::Stroke_Move(int x, int y) {
-    const Pixel_Rect changed = session.Stroke_Move(x, y);
-    hub.Note(Change::Stroke);
-    return changed;
-}
-
-void Application::Stroke_End() {
-    image.Slices().Pen_Lifted();
-    try {
-        if (session.Stroke_End()) {
-            hub.Note(Change::Pixels);
-            report.Line("stroke");
-        }
-    } catch (const std::bad_alloc&) {
-        hub.Note(Change::Pixels);  // it was painted, only the step is missing
-        throw;
-    }
-}
-
 void Application::Pick(int x, int y) {
     Voxel_Pick({x, y, slice});
 }
@@ -241,47 +199,10 @@ void Application::Voxel_Pick(const Shown_Voxel& voxel) {
     Tag_Set(session.Labels().At(voxel.x, voxel.y, voxel.slice), true);
 }
 
-void Application::Marker_Press(int x, int y) {
-    if (x >= 0 && x < session.Width() && y >= 0 && y < session.Height()) {
-        Voxel_Marker_Press({x, y, slice}, session.Markers().Near(x, y, slice, MARKER_REACH));
-    }
-}
-
-void Application::Voxel_Marker_Press(const Shown_Voxel& voxel, std::optional<int> hit) {
-    dragged_marker = hit.value_or(variables.Marker_Cur());
-    marker_before = session.Markers().Get(dragged_marker);
-    if (dragged_marker != variables.Marker_Cur()) {
-        Marker_Set(dragged_marker);
-    }
-    Voxel_Marker_Move(voxel);
-}
-
-void Application::Marker_Move(int x, int y) {
-    Voxel_Marker_Move({std::clamp(x, 0, session.Width() - 1), std::clamp(y, 0, session.Height() - 1), slice});
-}
-
-void Application::Voxel_Marker_Move(const Shown_Voxel& voxel) {
-    if (dragged_marker < 0) {
-        return;
-    }
-    session.Marker_Preview(dragged_marker, {true, voxel.x, voxel.y, voxel.slice});
-    hub.Note(Change::Marker_Drag);
-}
-
-void Application::Marker_Release() {
-    if (dragged_marker < 0) {
-        return;
-    }
-    // The whole way is one step of the history.
-    const int marker = std::exchange(dragged_marker, -1);
-    const Marker place = session.Markers().Get(marker);
-    session.Marker_Preview(marker, marker_before);
-    Marker_Place(marker, place);
-}
-
 void Application::Hover(int x, int y) {
     if (x >= 0 && x < session.Width() && y >= 0 && y < session.Height()) {
         Voxel_Hover(*this, {x, y, slice});
+        tools.Hover(Spot({x + 0.5, y + 0.5}));
     } else {
         Hover_End();
     }
@@ -335,19 +256,20 @@ Plane_Host Application::Plane_Services() {
     host.sides = [this] { return volumes.View(volumes.Current()).orientation; };
     host.ground = [this] { return Content(); };
     host.markers = [this] { return Placed_Markers(); };
-    host.stroke_begin = [this](const Plane_Cut& cut, int x, int y, bool erase) {
-        Stroke_End();
-        const Pixel_Rect changed = session.Stroke_Begin(cut, variables.Brush(), x, y, Stroke_Ink(erase));
-        hub.Note(Change::Stroke);
-        return changed;
+    host.tool_press = [this](const Plane_Cut& cut, const Slice_Point& at, Tool_Hand hand) {
+        return tools.Press({cut, at}, hand);
     };
-    host.stroke_move = [this](int x, int y) { return Stroke_Move(x, y); };
-    host.stroke_end = [this] { Stroke_End(); };
+    host.tool_move = [this](const Plane_Cut& cut, const Slice_Point& at) { return tools.Move({cut, at}); };
+    host.tool_release = [this] { tools.Release(); };
+    host.tool_outline = [this](const Plane_Cut& cut, const Slice_Point& at) { return tools.Outline({cut, at}); };
+    host.tool_paths = [this](const Plane_Cut& cut) { return tools.Paths(cut); };
+    host.stroke_end = [this] { tools.Stroke_End(); };
     host.pick = [this](const Shown_Voxel& voxel) { Voxel_Pick(voxel); };
-    host.marker_press = [this](const Shown_Voxel& voxel, std::optional<int> hit) { Voxel_Marker_Press(voxel, hit); };
-    host.marker_move = [this](const Shown_Voxel& voxel) { Voxel_Marker_Move(voxel); };
-    host.marker_release = [this] { Marker_Release(); };
-    host.hover = [this](const Image_User& by, const Shown_Voxel& voxel) { Voxel_Hover(by, voxel); };
+    host.hover = [this](const Image_User& by, const Plane_Cut& cut, const Slice_Point& at) {
+        const Tool_Spot spot = {cut, at};
+        Voxel_Hover(by, spot.Voxel());
+        tools.Hover(spot);
+    };
     host.hover_end = [this](const Image_User& by) { View_Left(by); };
     host.window_drag = [this](float dx, float dy) { Window_Drag(dx, dy); };
     host.moved = [this] { hub.Note(Change::View); };

@@ -11,7 +11,7 @@
 namespace workbench {
 
 int Application::Propagate(int from, int to) {
-    Stroke_End();
+    tools.Stroke_End();
     Propagation_Tags tags;
     std::ranges::copy(variables.Tag_Select(), tags.carried.begin());
     std::ranges::copy(variables.Tag_Lock(), tags.locked.begin());

@@ -197,13 +197,6 @@ void Application::Marker_Set(int marker) {
     }
 }
 
-void Application::Marker_Mode_Set(bool on) {
-    is_marker_mode = on;
-    image.Marker_Mode_Set(on);
-    hub.Note(Change::Mode);
-    Status(on ? L"The left button places the current marker, or moves the one it hits" : L"The left button paints");
-}
-
 void Application::Markers_Enable_Refresh() {
     for (int marker = 0; marker < MARKER_NB; ++marker) {
         variables.Marker_Enable()[static_cast<std::size_t>(marker)] =

@@ -261,8 +261,7 @@ bool Application::Volume_Set(int wanted) {
     if (wanted < 0 || wanted >= volumes.Nb() || wanted == volumes.Current()) {
         return false;
     }
-    Marker_Release();
-    Stroke_End();
+    tools.Settle();
     if (histogram.Plain_Take()) {
         objects.Histograms_Build(session, {});
     }

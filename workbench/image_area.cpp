@@ -119,15 +119,9 @@ void Image_Area::Others_Refresh() {
     Cursor_Look();
 }
 
-void Image_Area::Brush_Set(const Brush_Footprint& brush) {
+void Image_Area::Outline_Refresh() {
     for (Image_View* view : All()) {
-        view->Brush_Set(brush);
-    }
-}
-
-void Image_Area::Marker_Mode_Set(bool on) {
-    for (Image_View* view : All()) {
-        view->Marker_Mode_Set(on);
+        view->Outline_Refresh();
     }
 }
 

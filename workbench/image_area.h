@@ -22,8 +22,8 @@ class Image_Area {
     void Refresh();
     /** The other views, while one is painted in; at most some 30 times a second. */
     void Others_Refresh();
-    void Brush_Set(const Brush_Footprint& brush);
-    void Marker_Mode_Set(bool on);
+    /** The tool in hand is another one. */
+    void Outline_Refresh();
     /** @param zoom screen pixels per slice pixel, or ZOOM_FIT; of all views */
     void Zoom_Set(double zoom);
     /** Whether a window is one of the views. */

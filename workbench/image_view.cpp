@@ -60,19 +60,27 @@ void Image_View::Refresh() {
     Pointer_Look();
 }
 
-void Image_View::Brush_Set(const Brush_Footprint& wanted) {
-    brush = wanted;
-    outline = Brush_Outline(brush);
-    brush_box = {};
-    for (const Brush_Footprint::Row& row : brush.Rows()) {
-        brush_box = Rect_Union(brush_box, {row.first, row.y, row.last + 1, row.y + 1});
+void Image_View::Outline_Look() {
+    const Brush_Footprint footprint = user.Tool_Outline(Over_Point());
+    outline = Brush_Outline(footprint);
+    outline_box = footprint.Box();
+}
+
+void Image_View::Outline_Refresh() {
+    if (is_over) {
+        Outline_Look();
     }
     Invalidate();
 }
 
-void Image_View::Marker_Mode_Set(bool on) {
-    is_marker_mode = on;
-    Invalidate();
+void Image_View::Tool_Show(const Pixel_Rect& changed) {
+    Render(changed);
+    const RECT area = Screen_Of(changed, 0);
+    if (has_paths) {
+        Invalidate();
+    } else if (!changed.Is_Empty()) {
+        Invalidate(&area);
+    }
 }
 
 void Image_View::Zoom_Set(double zoom) {
@@ -111,7 +119,8 @@ RECT Image_View::Screen_Of(const Pixel_Rect& pixels, int margin) const {
 
 RECT Image_View::Outline_Box() const {
     return Screen_Of(
-        {over_x + brush_box.left, over_y + brush_box.top, over_x + brush_box.right, over_y + brush_box.bottom}, 2);
+        {over_x + outline_box.left, over_y + outline_box.top, over_x + outline_box.right, over_y + outline_box.bottom},
+        2);
 }
 
 void Image_View::Point_Pixel(POINT point, int* x, int* y) const {
@@ -136,9 +145,13 @@ void Image_View::Pointer_Over(POINT point) {
         Invalidate(&before);
     }
     if (is_over) {
+        Outline_Look();
         const RECT now = Outline_Box();
         Invalidate(&now);
         user.Hover(x, y);
+    }
+    if (has_paths) {
+        Invalidate();  // a line may follow the pointer
     }
 }
 
@@ -159,6 +172,7 @@ void Image_View::Pointer_Look() {
         }
         Point_Pixel(point, &over_x, &over_y);
     }
+    Outline_Look();
     user.Hover(over_x, over_y);
 }
 
@@ -206,16 +220,10 @@ void Image_View::Press(UINT message, WPARAM keys, POINT point) {
         drag = Drag::Pan;
     } else if (is_left && is_control) {
         user.Pick(x, y);
-    } else if (is_left && is_marker_mode) {
-        drag = Drag::Marker;
-        user.Marker_Press(x, y);
     } else {
         Pen_Set(false);
-        drag = Drag::Stroke;
-        const Pixel_Rect changed = user.Stroke_Begin(x, y, !is_left);
-        Render(changed);
-        const RECT area = Screen_Of(changed, 0);
-        Invalidate(&area);
+        drag = Drag::Tool;
+        Tool_Show(user.Tool_Press(layout.To_Slice(point.x, point.y), is_left ? Tool_Hand::Left : Tool_Hand::Right));
     }
 }
 
@@ -225,10 +233,8 @@ void Image_View::Release() {
     if (::GetCapture() == Handle()) {
         ::ReleaseCapture();
     }
-    if (ended == Drag::Stroke) {
-        user.Stroke_End();
-    } else if (ended == Drag::Marker) {
-        user.Marker_Release();
+    if (ended == Drag::Tool) {
+        user.Tool_Release();
     }
 }
 
@@ -243,13 +249,9 @@ void Image_View::Move(WPARAM keys, POINT point) {
     const int dy = point.y - drag_at.y;
     drag_at = point;
     switch (drag) {
-        case Drag::Stroke: {
-            const Pixel_Rect changed = user.Stroke_Move(x, y);
-            Render(changed);
-            const RECT area = Screen_Of(changed, 0);
-            Invalidate(&area);
+        case Drag::Tool:
+            Tool_Show(user.Tool_Move(layout.To_Slice(point.x, point.y)));
             break;
-        }
         case Drag::Window:
             user.Window_Drag(static_cast<float>(dx) / static_cast<float>(state.view_width),
                              static_cast<float>(dy) / static_cast<float>(state.view_height));
@@ -258,9 +260,6 @@ void Image_View::Move(WPARAM keys, POINT point) {
             View_Pan(state, dx, dy);
             Lay_Out();
             Invalidate();
-            break;
-        case Drag::Marker:
-            user.Marker_Move(x, y);
             break;
         case Drag::Slider:
             Slider_Drag(point.y);

@@ -21,9 +21,8 @@ class Image_View : public Window_Base {
     bool Make(HWND parent);
     /** Another slice, window or TAG: draws the picture anew. */
     void Refresh();
-    /** The brush whose outline follows the pointer. */
-    void Brush_Set(const Brush_Footprint& brush);
-    void Marker_Mode_Set(bool on);
+    /** The tool in hand is another one: its outline follows the pointer. */
+    void Outline_Refresh();
     /** @param zoom screen pixels per slice pixel, or ZOOM_FIT */
     void Zoom_Set(double zoom);
     void Wheel(int delta, bool is_zoom, POINT screen);
@@ -60,13 +59,14 @@ class Image_View : public Window_Base {
     LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override;
 
   private:
-    enum class Drag { None, Stroke, Window, Pan, Marker, Slider, Cross };
+    enum class Drag { None, Tool, Window, Pan, Slider, Cross };
     void Lay_Out();
     void Render(const Pixel_Rect& part);
     void Paint();
     void Draw_Slice(HDC dc, const RECT& dirty);
     void Draw_Outline(HDC dc) const;
     void Draw_Markers(HDC dc) const;
+    void Draw_Paths(HDC dc);
     void Draw_Cross(HDC dc) const;
     void Draw_Scale_Bar(HDC dc) const;
     void Draw_Texts(HDC dc) const;
@@ -79,6 +79,12 @@ class Image_View : public Window_Base {
     void Point_Pixel(POINT point, int* x, int* y) const;
     RECT Screen_Of(const Pixel_Rect& pixels, int margin) const;
     RECT Outline_Box() const;
+    /** Asks for the outline where the pointer is now. */
+    void Outline_Look();
+    /** Draws anew what a tool has changed. */
+    void Tool_Show(const Pixel_Rect& changed);
+    /** The middle of the pixel under the pointer or the keyboard's cursor. */
+    Slice_Point Over_Point() const { return {over_x + 0.5, over_y + 0.5}; }
     void Pointer_Over(POINT point);
     void Pointer_Gone();
 
@@ -89,11 +95,10 @@ class Image_View : public Window_Base {
     View_Layout layout;
     std::vector<std::uint32_t> picture;  ///< the slice, 0x00RRGGBB
     std::vector<std::uint32_t> screen;   ///< the view
-    Brush_Footprint brush;
-    std::vector<Outline_Edge> outline;
-    Pixel_Rect brush_box;  ///< of the footprint, relative to its centre
-    bool is_marker_mode = false;
-    bool is_cursor = false;  ///< keys move what the pointer moves
+    std::vector<Outline_Edge> outline;   ///< of what the tool would touch, relative to the pixel under the pointer
+    Pixel_Rect outline_box;              ///< the same
+    bool has_paths = false;              ///< the tool draws lines
+    bool is_cursor = false;              ///< keys move what the pointer moves
     bool is_pen_down = false;
     bool has_focus = false;
     bool is_over = false;

@@ -38,8 +38,9 @@ void Image_View::Cursor_Move(int dx, int dy) {
         Lay_Out();
     }
     if (is_pen_down) {
-        Render(user.Stroke_Move(over_x, over_y));
+        Render(user.Tool_Move(Over_Point()));
     }
+    Outline_Look();
     Invalidate();
     user.Hover(over_x, over_y);
 }
@@ -48,25 +49,21 @@ void Image_View::Cursor_Act(bool erase) {
     if (!is_cursor || drag != Drag::None || is_pen_down) {
         return;
     }
-    if (is_marker_mode && !erase) {
-        user.Marker_Press(over_x, over_y);
-        user.Marker_Release();
-        return;
-    }
-    Render(user.Stroke_Begin(over_x, over_y, erase));
-    user.Stroke_End();
-    Invalidate();
+    Render(user.Tool_Press(Over_Point(), erase ? Tool_Hand::Right : Tool_Hand::Left));
+    user.Tool_Release();
+    Outline_Refresh();
 }
 
 void Image_View::Pen_Set(bool down) {
     if (down == is_pen_down || (down && (!is_cursor || drag != Drag::None))) {
         return;
     }
-    is_pen_down = down;
     if (down) {
-        Render(user.Stroke_Begin(over_x, over_y, false));
+        Render(user.Tool_Press(Over_Point(), Tool_Hand::Pen));  // ends the stroke before it, whose pen it may have been
+        is_pen_down = true;
     } else {
-        user.Stroke_End();
+        is_pen_down = false;
+        user.Tool_Release();
     }
     Invalidate();
 }

@@ -11,6 +11,7 @@ namespace {
 
 constexpr COLORREF SLICE_TEXT_SHADOW = RGB(0, 0, 0);
 constexpr COLORREF OUTLINE_COLOR = RGB(255, 255, 255);
+constexpr COLORREF PATH_COLOR = RGB(255, 225, 80);
 constexpr COLORREF CROSS_COLOR = RGB(90, 170, 255);
 
 /** 0x00RRGGBB of a colour of the window system. */
@@ -50,7 +51,8 @@ void Image_View::Paint() {
         Draw_Slice(memory.Get(), dirty);
         Draw_Cross(memory.Get());
         Draw_Markers(memory.Get());
-        if (is_over && !is_marker_mode && drag != Drag::Window && drag != Drag::Slider) {
+        Draw_Paths(memory.Get());
+        if (is_over && drag != Drag::Window && drag != Drag::Slider) {
             Draw_Outline(memory.Get());
         }
         Draw_Texts(memory.Get());
@@ -117,6 +119,43 @@ void Image_View::Draw_Markers(HDC dc) const {
         Fill(dc, down, marker.color);
         Draw_Line_Shadowed(dc, {x + arm + look.Px(3), y - look.Px(10), x + look.Px(160), y + look.Px(10)}, marker.name,
                            look.Font(), DT_LEFT);
+    }
+}
+
+void Image_View::Draw_Paths(HDC dc) {
+    const std::vector<Shown_Path> paths = user.Tool_Paths();
+    has_paths = !paths.empty();
+    const int thick = std::max(look.Px(1), 1);
+    const Gdi_Pen dark(::CreatePen(PS_SOLID, thick + 2, SLICE_TEXT_SHADOW));
+    const Gdi_Pen light(::CreatePen(PS_SOLID, thick, PATH_COLOR));
+    const int knot = look.Px(3);
+    for (const Shown_Path& path : paths) {
+        std::vector<POINT> points;
+        for (const Slice_Point& at : path.points) {
+            points.push_back({layout.To_Screen_X(at.x), layout.To_Screen_Y(at.y)});
+        }
+        if (points.empty()) {
+            continue;
+        }
+        const std::vector<POINT> knots = points;
+        if (path.is_closed) {
+            points.push_back(points.front());
+        }
+        for (const Gdi_Pen* pen : {&dark, &light}) {
+            const Selected_Object selected(dc, pen->Get());
+            ::Polyline(dc, points.data(), static_cast<int>(points.size()));
+        }
+        for (const POINT& at : knots) {
+            RECT mark = {at.x - knot, at.y - knot, at.x + knot + 1, at.y + knot + 1};
+            if (path.has_knots) {
+                Fill(dc, mark, SLICE_TEXT_SHADOW);
+                ::InflateRect(&mark, -1, -1);
+                Fill(dc, mark, PATH_COLOR);
+            }
+        }
+        const POINT& last = knots.back();
+        Draw_Line_Shadowed(dc, {last.x + look.Px(8), last.y - look.Px(9), last.x + look.Px(200), last.y + look.Px(9)},
+                           Wide_Of_Utf8(path.text), look.Bold(), DT_LEFT);
     }
 }
 

@@ -15,6 +15,7 @@
 #include "workbench/model/propagation.h"
 #include "workbench/model/recovery_recorder.h"
 #include "workbench/model/slice_render.h"
+#include "workbench/model/voxel_stroke.h"
 #include "workbench/parts/color_advisor.h"
 
 using namespace workbench;
@@ -81,7 +82,7 @@ void Stroke_Event(benchmark::State& state) {
     view.slice_width = view.slice_height = SIDE;
     view.zoom = 2.0;
     const View_Layout layout = View_Layout_Make(view);
-    const Paint_Target target = {tags, SIDE, SIDE};
+    const Plane_Cut cut = {Plane_Geometry_Of_Slices({SIDE, SIDE, 1}, {1.0, 1.0, 1.0}), 0};
     Paint_Ink ink;
     int x = 100;
     int y = 100;
@@ -90,7 +91,10 @@ void Stroke_Event(benchmark::State& state) {
         const int x1 = (x + 37) % SIDE;
         const int y1 = (y + 15) % SIDE;
         ink.tag = static_cast<std::uint8_t>(1 + x1 % 3);
-        const Pixel_Rect changed = Paint_Line(target, brush, x, y, x1, y1, ink);
+        // A stroke of one event each, so that what it notes of the voxels counts.
+        Voxel_Stroke stroke(cut, brush, ink);
+        const Pixel_Rect begun = stroke.Dab({tags, {}}, x, y);
+        const Pixel_Rect changed = Rect_Union(begun, stroke.Line_To({tags, {}}, x1, y1));
         x = x1;
         y = y1;
         Slice_Render({SIDE, SIDE, levels, false, 1.0F, 0.0F, tags}, {0.0F, 800.0F}, overlay, {}, changed, picture);

@@ -14,6 +14,7 @@ namespace workbench {
 struct Command_Double : File_Actions,
                         History_Actions,
                         Label_Actions,
+                        Tool_Actions,
                         Color_Actions,
                         View_Actions,
                         Cursor_Actions,
@@ -56,8 +57,14 @@ struct Command_Double : File_Actions,
         return Is(std::string("Is_Check_Mark ") + std::to_string(Number(mark)));
     }
     void Brush_Step(int step) override { Note("Brush_Step", Number(step)); }
-    void Marker_Mode_Set(bool on) override { Note("Marker_Mode_Set", Number(on)); }
-    bool Is_Marker_Mode() const override { return Is("Is_Marker_Mode"); }
+    void Tool_Choose(Tool_Kind kind) override { Note("Tool_Choose", Number(kind)); }
+    Tool_Kind Tool_Now() const override { return tool_now; }
+    void Band_Only_Set(bool on) override { Note("Band_Only_Set", Number(on)); }
+    bool Is_Band_Only() const override { return Is("Is_Band_Only"); }
+    void Ball_Set(bool on) override { Note("Ball_Set", Number(on)); }
+    bool Is_Ball() const override { return Is("Is_Ball"); }
+    void Brush_Mm_Set(bool on) override { Note("Brush_Mm_Set", Number(on)); }
+    bool Is_Brush_Mm() const override { return Is("Is_Brush_Mm"); }
     void Marker_Step(int step) override { Note("Marker_Step", Number(step)); }
     void Marker_Rename_Ask() override { Note("Marker_Rename_Ask"); }
     void Marker_Remove() override { Note("Marker_Remove"); }
@@ -155,7 +162,7 @@ struct Command_Double : File_Actions,
     void Report_State() override { Note("Report_State"); }
 
     Command_Parts Parts() {
-        return {*this, *this, *this, *this, *this, *this, *this, *this, *this, *this, *this, *this};
+        return {*this, *this, *this, *this, *this, *this, *this, *this, *this, *this, *this, *this, *this};
     }
 
     std::vector<std::string> asked;      // "Slice_Step 1"
@@ -163,6 +170,7 @@ struct Command_Double : File_Actions,
     std::optional<std::string> undo_title, redo_title, class_undo_title, class_redo_title;
     std::vector<Numbered_Entry> recent, windows;
     std::optional<std::string> only_inside;
+    Tool_Kind tool_now = Tool_Kind::Paint;
     Edit_Scope scope_now = Edit_Scope::Volume;
     Propagation_Kind kind_now = Propagation_Kind::Copy;
     Histogram_Frames frames_now = Histogram_Frames::All;

@@ -69,7 +69,7 @@ TEST(Command_Table, special_keys_step_slices) {
 }
 
 TEST(Command_Table, other_keys_mean_nothing) {
-    for (const int key : {0, -1, -300, 0x21, 0x7FFF, KEY_INSERT, 0xE9}) {
+    for (const int key : {0, -1, -300, int{'&'}, 0x7FFF, KEY_INSERT, 0xE9}) {
         EXPECT_EQ(Of_Key(key), std::nullopt) << key;
     }
 }
@@ -119,7 +119,9 @@ TEST(Command_Table, switches_turn_off_what_is_on) {
         const char* action;
     };
     constexpr Switch switches[] = {
-        {Command::Marker_Mode, "Is_Marker_Mode", "Marker_Mode_Set"},
+        {Command::Brush_In_Band, "Is_Band_Only", "Band_Only_Set"},
+        {Command::Brush_Ball, "Is_Ball", "Ball_Set"},
+        {Command::Brush_Mm, "Is_Brush_Mm", "Brush_Mm_Set"},
         {Command::Threshold_Mode, "Is_Threshold_Mode", "Threshold_Mode_Set"},
         {Command::Overlay, "Is_Overlay", "Overlay_Set"},
         {Command::Range_Overlay, "Is_Range_Overlay", "Range_Overlay_Set"},
@@ -146,6 +148,14 @@ TEST(Command_Table, switches_turn_off_what_is_on) {
     }
 }
 
+TEST(Command_Table, a_tool_that_is_chosen_again_gives_way_to_the_brush) {
+    Command_Double parts;
+    EXPECT_EQ(Asked(parts, {Command::Marker_Mode, 0}), "Tool_Choose 1");
+    parts.tool_now = Tool_Kind::Markers;
+    EXPECT_EQ(Asked(parts, {Command::Marker_Mode, 0}), "Tool_Choose 0");
+    EXPECT_EQ(Asked(parts, {Command::Tool_Brush, 0}), "Tool_Choose 0");
+}
+
 TEST(Command_Table, marks_follow_the_state) {
     Command_Double parts;
     const Command_Table table(parts.Parts());
@@ -156,14 +166,15 @@ TEST(Command_Table, marks_follow_the_state) {
         }
         return names;
     };
-    EXPECT_EQ(marked(), "function_copy scope_volume histogram_all ");
+    EXPECT_EQ(marked(), "tool_brush function_copy scope_volume histogram_all ");
     parts.frames_now = Histogram_Frames::Checked;
     parts.kind_now = Propagation_Kind::Grow;
     parts.is_set["Has_Tag_Mark 1"] = true;
     parts.is_set["Is_Light"] = true;
     parts.scope_now = Edit_Scope::Shown_Slice;
     parts.only_inside = "Fluid";
-    EXPECT_EQ(marked(), "tag_select theme function_grow scope_slice only_inside ");
+    parts.tool_now = Tool_Kind::Markers;
+    EXPECT_EQ(marked(), "tag_select theme marker_mode function_grow scope_slice only_inside ");
     EXPECT_EQ(table.Text(Command::Only_Inside), "Onl&y inside: Fluid");
     parts.only_inside.reset();
     EXPECT_EQ(table.Text(Command::Only_Inside), "Onl&y inside: all TAGs");

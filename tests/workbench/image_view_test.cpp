@@ -27,13 +27,12 @@ class Image_Watcher : public Image_User {
         return content;
     }
     void Slice_Go(int wanted) override { slice = wanted; }
-    Pixel_Rect Stroke_Begin(int, int, bool) override { return {}; }
-    Pixel_Rect Stroke_Move(int, int) override { return {}; }
-    void Stroke_End() override {}
+    Pixel_Rect Tool_Press(const Slice_Point&, Tool_Hand) override { return {}; }
+    Pixel_Rect Tool_Move(const Slice_Point&) override { return {}; }
+    void Tool_Release() override {}
+    Brush_Footprint Tool_Outline(const Slice_Point&) const override { return {}; }
+    std::vector<Shown_Path> Tool_Paths() const override { return {}; }
     void Pick(int, int) override {}
-    void Marker_Press(int, int) override {}
-    void Marker_Move(int, int) override {}
-    void Marker_Release() override {}
     void Hover(int x, int y) override {
         ++told;
         over = {x, y};

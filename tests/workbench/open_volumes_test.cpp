@@ -46,7 +46,7 @@ class Open_Volumes_Test : public ::testing::Test {
         static const unsigned char* const row = &byte;
         Paint_Ink ink;
         ink.tag = 3;
-        session.Stroke_Begin(0, {&row, 0}, 1, 1, ink);
+        session.Stroke_Begin(0, Brush_Footprint(&row, 0), 1, 1, ink);
         session.Stroke_End();
     }
     Open_Volumes volumes;

@@ -7,6 +7,8 @@
 #include <random>
 #include <set>
 
+#include "workbench/model/voxel_stroke.h"
+
 using namespace workbench;
 
 namespace {
@@ -42,7 +44,14 @@ struct Slice {
     static constexpr int WIDTH = 30;
     static constexpr int HEIGHT = 20;
     std::vector<std::uint8_t> pixels = std::vector<std::uint8_t>(WIDTH * HEIGHT);
-    Paint_Target Target() { return {pixels, WIDTH, HEIGHT}; }
+    Plane_Cut Cut() const { return {Plane_Geometry_Of_Slices({WIDTH, HEIGHT, 1}, {1.0, 1.0, 1.0}), 0}; }
+    Pixel_Rect Dab(const Brush_Footprint& brush, int x, int y, const Paint_Ink& ink) {
+        return Voxel_Stroke(Cut(), brush, ink).Dab({pixels, {}}, x, y);
+    }
+    Pixel_Rect Line(const Brush_Footprint& brush, int x0, int y0, int x1, int y1, const Paint_Ink& ink) {
+        Voxel_Stroke stroke(Cut(), brush, ink);
+        return Rect_Union(stroke.Dab({pixels, {}}, x0, y0), stroke.Line_To({pixels, {}}, x1, y1));
+    }
     std::uint8_t At(int x, int y) const { return pixels[static_cast<std::size_t>(y * WIDTH + x)]; }
 };
 
@@ -71,13 +80,13 @@ TEST(Brush_Footprint, survives_missing_rows) {
     EXPECT_FALSE(brush.Covers(0, 0));
 }
 
-TEST(Paint_Dab, paints_every_covered_pixel_and_no_other_also_at_the_edges) {
+TEST(Voxel_Stroke, a_dab_paints_every_covered_pixel_and_no_other_also_at_the_edges) {
     const Disc disc(5);
     for (const auto& [cx, cy] : {std::pair{15, 10}, {0, 0}, {29, 19}, {-2, 10}, {31, 22}, {-100, 5}}) {
         Slice slice;
         Paint_Ink ink;
         ink.tag = 3;
-        const Pixel_Rect touched = Paint_Dab(slice.Target(), disc.Footprint(), cx, cy, ink);
+        const Pixel_Rect touched = slice.Dab(disc.Footprint(), cx, cy, ink);
         for (int y = 0; y < Slice::HEIGHT; ++y) {
             for (int x = 0; x < Slice::WIDTH; ++x) {
                 EXPECT_EQ(slice.At(x, y) == 3, disc.Covers(x - cx, y - cy)) << cx << ", " << cy;
@@ -89,14 +98,14 @@ TEST(Paint_Dab, paints_every_covered_pixel_and_no_other_also_at_the_edges) {
     }
 }
 
-TEST(Paint_Dab, leaves_locked_tags_alone_and_erases_the_others) {
+TEST(Voxel_Stroke, a_dab_leaves_locked_tags_alone_and_erases_the_others) {
     Slice slice;
     for (std::size_t at = 0; at < slice.pixels.size(); ++at) {
         slice.pixels[at] = static_cast<std::uint8_t>(at % 2 == 0 ? 4 : 5);
     }
     Paint_Ink eraser;
     eraser.locked[4] = 1;
-    Paint_Dab(slice.Target(), Disc(6).Footprint(), 15, 10, eraser);
+    slice.Dab(Disc(6).Footprint(), 15, 10, eraser);
     for (std::size_t at = 0; at < slice.pixels.size(); ++at) {
         if (at % 2 == 0) {
             EXPECT_EQ(slice.pixels[at], 4);
@@ -105,13 +114,13 @@ TEST(Paint_Dab, leaves_locked_tags_alone_and_erases_the_others) {
     EXPECT_EQ(slice.At(15, 10), 15 % 2 == 0 ? 4 : 0);
 }
 
-TEST(Paint_Line, is_the_dabs_of_its_pixels_without_a_gap) {
+TEST(Voxel_Stroke, a_line_is_the_dabs_of_its_pixels_without_a_gap) {
     const Disc disc(2);
     for (const auto& [x1, y1] : {std::pair{25, 3}, {3, 15}, {25, 15}, {2, 1}, {15, 10}}) {
         Slice slice;
         Paint_Ink ink;
         ink.tag = 1;
-        Paint_Line(slice.Target(), disc.Footprint(), 15, 10, x1, y1, ink);
+        slice.Line(disc.Footprint(), 15, 10, x1, y1, ink);
         EXPECT_EQ(slice.At(15, 10), 1);
         EXPECT_EQ(slice.At(x1, y1), 1);
         // Every column (or row) between the ends has a painted pixel near the straight line.
@@ -125,11 +134,11 @@ TEST(Paint_Line, is_the_dabs_of_its_pixels_without_a_gap) {
     }
 }
 
-TEST(Paint_Line, far_outside_ends_without_touching_anything) {
+TEST(Voxel_Stroke, a_line_far_outside_ends_without_touching_anything) {
     Slice slice;
     Paint_Ink ink;
     ink.tag = 1;
-    EXPECT_TRUE(Paint_Line(slice.Target(), Disc(5).Footprint(), -200, -200, -100, -300, ink).Is_Empty());
+    EXPECT_TRUE(slice.Line(Disc(5).Footprint(), -200, -200, -100, -300, ink).Is_Empty());
     EXPECT_EQ(std::ranges::count(slice.pixels, 0), Slice::WIDTH * Slice::HEIGHT);
 }
 

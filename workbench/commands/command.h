@@ -25,7 +25,6 @@ enum class Command {
     History,
     Brush_Larger,
     Brush_Smaller,
-    Marker_Mode,
     Marker_Next,
     Marker_Previous,
     Marker_Rename,
@@ -80,6 +79,12 @@ enum class Command {
     Window_Wider,
     Window_Narrower,
     Window_Choose,  ///< numbered: windows of the image
+    // Tools
+    Tool_Brush,
+    Marker_Mode,
+    Brush_In_Band,
+    Brush_Ball,
+    Brush_Mm,
     // Propagate
     Propagate_Next,
     Propagate_Previous,

@@ -68,8 +68,6 @@ class Label_Actions {
     virtual void Check_Mark_Set(Tag_Mark mark) = 0;
     virtual bool Is_Check_Mark(Tag_Mark mark) const = 0;
     virtual void Brush_Step(int step) = 0;
-    virtual void Marker_Mode_Set(bool on) = 0;
-    virtual bool Is_Marker_Mode() const = 0;
     virtual void Marker_Step(int step) = 0;
     virtual void Marker_Rename_Ask() = 0;
     virtual void Marker_Remove() = 0;
@@ -128,6 +126,25 @@ class Propagation_Actions {
     virtual void Propagate_Repeat(int direction) = 0;
     virtual void Propagation_Kind_Set(Propagation_Kind kind) = 0;
     virtual Propagation_Kind Propagation_Kind_Now() const = 0;
+};
+
+/** What the buttons do in the pictures of the image. */
+enum class Tool_Kind { Paint, Markers };
+
+class Tool_Actions {
+  public:
+    virtual ~Tool_Actions() = default;
+    virtual void Tool_Choose(Tool_Kind kind) = 0;
+    virtual Tool_Kind Tool_Now() const = 0;
+    /** The brush takes only voxels of the current TAG's band. */
+    virtual void Band_Only_Set(bool on) = 0;
+    virtual bool Is_Band_Only() const = 0;
+    /** The brush reaches into the pictures before and behind. */
+    virtual void Ball_Set(bool on) = 0;
+    virtual bool Is_Ball() const = 0;
+    /** The brush's radius counts as millimetres. */
+    virtual void Brush_Mm_Set(bool on) = 0;
+    virtual bool Is_Brush_Mm() const = 0;
 };
 
 /** Which slices operations on labels work on. */
@@ -243,6 +260,7 @@ struct Command_Parts {
     File_Actions& file;
     History_Actions& history;
     Label_Actions& label;
+    Tool_Actions& tool;
     Color_Actions& color;
     View_Actions& view;
     Cursor_Actions& cursor;

@@ -53,6 +53,17 @@ constexpr Command_Record Entry(Command command, const char* name, Menu menu, con
     return record;
 }
 
+template <Tool_Kind kind>
+bool Is_Tool(const Parts& of) {
+    return of.tool.Tool_Now() == kind;
+}
+
+/** Takes a tool into the hand; the one that is there gives way to the brush. */
+template <Tool_Kind kind>
+void Tool_Toggle(const Parts& on, int) {
+    on.tool.Tool_Choose(Is_Tool<kind>(on) ? Tool_Kind::Paint : kind);
+}
+
 constexpr Command_Record RECORDS[] = {
     Entry(Command::Open, "open", Menu::File, "&Open image...", {{Control('O')}},
           [](const Parts& on, int) { on.file.Open_Ask(); }),
@@ -91,11 +102,8 @@ constexpr Command_Record RECORDS[] = {
           [](const Parts& on, int) { on.label.Brush_Step(1); }, {.is_group_begin = true}),
     Entry(Command::Brush_Smaller, "brush_smaller", Menu::Edit, "&Smaller brush", {{'['}, {'-'}},
           [](const Parts& on, int) { on.label.Brush_Step(-1); }),
-    Entry(Command::Marker_Mode, "marker_mode", Menu::Edit, "Place &markers", {{'m'}},
-          [](const Parts& on, int) { on.label.Marker_Mode_Set(!on.label.Is_Marker_Mode()); },
-          {.is_checked = [](const Parts& of) { return of.label.Is_Marker_Mode(); }, .is_group_begin = true}),
     Entry(Command::Marker_Next, "marker_next", Menu::Edit, "&Next marker", {{'.'}},
-          [](const Parts& on, int) { on.label.Marker_Step(1); }),
+          [](const Parts& on, int) { on.label.Marker_Step(1); }, {.is_group_begin = true}),
     Entry(Command::Marker_Previous, "marker_previous", Menu::Edit, "Pre&vious marker", {{','}},
           [](const Parts& on, int) { on.label.Marker_Step(-1); }),
     Entry(Command::Marker_Rename, "marker_rename", Menu::Edit, "Name o&f the marker...",
@@ -214,6 +222,20 @@ constexpr Command_Record RECORDS[] = {
     Entry(Command::Window_Choose, "window_choose", Menu::Image, "", {},
           [](const Parts& on, int number) { on.view.Window_Choose(number); },
           {.entries = [](const Parts& of) { return of.view.Window_Entries(); }, .is_group_begin = true}),
+    Entry(Command::Tool_Brush, "tool_brush", Menu::Tools, "&Brush", {{'!'}},
+          [](const Parts& on, int) { on.tool.Tool_Choose(Tool_Kind::Paint); },
+          {.is_checked = &Is_Tool<Tool_Kind::Paint>}),
+    Entry(Command::Marker_Mode, "marker_mode", Menu::Tools, "Place &markers", {{'m'}}, &Tool_Toggle<Tool_Kind::Markers>,
+          {.is_checked = &Is_Tool<Tool_Kind::Markers>}),
+    Entry(Command::Brush_In_Band, "brush_in_band", Menu::Tools, "Brush only &within the band", {{'\\'}},
+          [](const Parts& on, int) { on.tool.Band_Only_Set(!on.tool.Is_Band_Only()); },
+          {.is_checked = [](const Parts& of) { return of.tool.Is_Band_Only(); }, .is_group_begin = true}),
+    Entry(Command::Brush_Ball, "brush_ball", Menu::Tools, "B&all instead of disc", {{'|'}},
+          [](const Parts& on, int) { on.tool.Ball_Set(!on.tool.Is_Ball()); },
+          {.is_checked = [](const Parts& of) { return of.tool.Is_Ball(); }}),
+    Entry(Command::Brush_Mm, "brush_mm", Menu::Tools, "Brush in m&illimetres", {{'='}},
+          [](const Parts& on, int) { on.tool.Brush_Mm_Set(!on.tool.Is_Brush_Mm()); },
+          {.is_checked = [](const Parts& of) { return of.tool.Is_Brush_Mm(); }}),
     Entry(Command::Propagate_Next, "propagate_next", Menu::Propagate, "To the &next frame",
           {{'u'}, {KEY_ENTER, Frames_Panel}}, [](const Parts& on, int) { on.propagation.Propagate_Step(1); }),
     Entry(Command::Propagate_Previous, "propagate_previous", Menu::Propagate, "To the &previous frame",

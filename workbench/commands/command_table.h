@@ -31,9 +31,9 @@ struct Command_Key {
     bool is_shift = false;  ///< counts with Shift held only; others do not look at Shift
 };
 
-enum class Menu { File, Edit, Tag, View, Image, Propagate, Segment, Analyze, Database, Help, None };
-inline constexpr std::array<const char*, 10> MENU_TITLES = {"&File",      "&Edit",    "&TAG",     "&View",     "&Image",
-                                                            "&Propagate", "&Segment", "&Analyze", "&Database", "&Help"};
+enum class Menu { File, Edit, Tag, View, Image, Tools, Propagate, Segment, Analyze, Database, Help, None };
+inline constexpr std::array<const char*, 11> MENU_TITLES = {
+    "&File", "&Edit", "&TAG", "&View", "&Image", "Too&ls", "&Propagate", "&Segment", "&Analyze", "&Database", "&Help"};
 
 inline constexpr std::size_t COMMAND_KEY_MAX = 4;
 

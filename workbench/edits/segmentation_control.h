@@ -44,6 +44,11 @@ class Segmentation_Control : public Segmentation_Actions {
     void Statistics_Save() override;
     void Labels_Compare_Ask() override;
 
+    /** The slices that are worked on. Only with a volume. */
+    segmentation::Slice_Range Slices() const;
+    /** The TAG whose voxels alone may change; no value: those of all. */
+    std::optional<std::uint8_t> Only_Inside() const { return only_inside; }
+
     /** The labels have changed by whatever: the table follows if it is shown and quickly counted. */
     void Labels_Follow();
     /** Another volume is in hand: what was chosen of the slices of the last one goes. */
@@ -54,7 +59,6 @@ class Segmentation_Control : public Segmentation_Actions {
 
     /** The labels, what may change of them, and where. Only with a volume. */
     segmentation::Edit_Input Input() const;
-    segmentation::Slice_Range Slices() const;
     /** "slice 5", "slices 3 to 12", "all 181 slices". */
     std::string Slices_Text() const;
     /** Runs an operation with progress, makes a step of it and tells how many voxels have changed. */

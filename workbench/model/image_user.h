@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "workbench/model/display_order.h"
+#include "workbench/model/painting.h"
 #include "workbench/model/slice_render.h"
+#include "workbench/model/view_geometry.h"
 
 namespace workbench {
 
@@ -24,6 +26,21 @@ struct Image_Cross {
     int x = 0;
     int y = 0;
     bool operator==(const Image_Cross&) const = default;
+};
+
+/** Lines that a tool draws over a picture. */
+struct Shown_Path {
+    std::vector<Slice_Point> points;  ///< pixels of the picture, their sides at whole numbers
+    bool is_closed = false;           ///< a line leads from the last point to the first
+    bool has_knots = false;           ///< the points are marked: they can be taken hold of
+    std::string text;                 ///< beside the last point, UTF-8; may be empty
+};
+
+/** What a tool is led by. */
+enum class Tool_Hand {
+    Left,   ///< the left button, or the key that paints
+    Right,  ///< the right button, or the key that erases
+    Pen,    ///< the keyboard's pen, which stays down until it is lifted
 };
 
 /** What the view shows. */
@@ -49,14 +66,14 @@ class Image_User {
     virtual ~Image_User() = default;
     virtual Image_Content Content() const = 0;
     virtual void Slice_Go(int slice) = 0;
-    /** @param erase the right button. The view repaints the answer */
-    virtual Pixel_Rect Stroke_Begin(int x, int y, bool erase) = 0;
-    virtual Pixel_Rect Stroke_Move(int x, int y) = 0;
-    virtual void Stroke_End() = 0;
+    /** The tool in hand. The view repaints the answer */
+    virtual Pixel_Rect Tool_Press(const Slice_Point& at, Tool_Hand hand) = 0;
+    virtual Pixel_Rect Tool_Move(const Slice_Point& at) = 0;
+    virtual void Tool_Release() = 0;
+    /** What a press there would touch, relative to the pixel; empty: nothing is drawn. */
+    virtual Brush_Footprint Tool_Outline(const Slice_Point& at) const = 0;
+    virtual std::vector<Shown_Path> Tool_Paths() const = 0;
     virtual void Pick(int x, int y) = 0;
-    virtual void Marker_Press(int x, int y) = 0;
-    virtual void Marker_Move(int x, int y) = 0;
-    virtual void Marker_Release() = 0;
     virtual void Hover(int x, int y) = 0;
     virtual void Hover_End() = 0;
     /** The cross-hair is taken to a pixel. */

@@ -16,22 +16,6 @@ bool Marker_Table::Set(int index, const Marker& value) {
     return true;
 }
 
-std::optional<int> Marker_Table::Near(int x, int y, int slice, int reach) const {
-    std::optional<int> nearest;
-    int least = reach * reach;
-    for (int index = 0; index < MARKER_NB; ++index) {
-        const Marker& candidate = marker[static_cast<std::size_t>(index)];
-        const int dx = candidate.x - x;
-        const int dy = candidate.y - y;
-        // Of two at one place the later one is drawn on top, so it is the one that is meant.
-        if (candidate.is_placed && candidate.slice == slice && dx * dx + dy * dy <= least) {
-            least = dx * dx + dy * dy;
-            nearest = index;
-        }
-    }
-    return nearest;
-}
-
 int Marker_Table::Placed_Nb() const {
     return static_cast<int>(std::ranges::count_if(marker, &Marker::is_placed));
 }

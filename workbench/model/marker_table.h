@@ -23,8 +23,6 @@ class Marker_Table {
     Marker Get(int index) const;
     /** @return false for an index outside the table */
     bool Set(int index, const Marker& marker);
-    /** The placed marker of a slice that lies nearest to a point, if one lies within `reach` pixels. */
-    std::optional<int> Near(int x, int y, int slice, int reach) const;
     int Placed_Nb() const;
 
   private:

@@ -1,8 +1,11 @@
-/** Painting TAGs with a brush mask. */
+/** Brushes: which pixels they cover, and what they may do to the TAGs there. */
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
+#include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "workbench/model/label_map.h"
@@ -19,6 +22,8 @@ class Brush_Footprint {
     };
     /** A brush that covers nothing. */
     Brush_Footprint() = default;
+    /** @param footprint_rows by ascending y, then x, apart from one another */
+    explicit Brush_Footprint(std::vector<Row> footprint_rows) : rows(std::move(footprint_rows)) {}
     /** The non-zero bytes of a mask of 2 * radius + 1 rows of 2 * radius + 1 bytes; null rows cover nothing. */
     Brush_Footprint(const unsigned char* const* mask_rows, int radius);
 
@@ -26,6 +31,8 @@ class Brush_Footprint {
     std::span<const Row> Rows() const { return rows; }
     std::size_t Pixel_Nb() const;
     bool Covers(int x, int y) const;
+    /** The smallest rectangle around it. */
+    Pixel_Rect Box() const;
 
   private:
     std::vector<Row> rows;
@@ -43,22 +50,61 @@ struct Outline_Edge {
 /** The edges between covered and free pixels, straight pieces joined: exactly around what a dab paints. */
 std::vector<Outline_Edge> Brush_Outline(const Brush_Footprint& brush);
 
-/** A slice to paint on. */
-struct Paint_Target {
-    std::span<std::uint8_t> pixels;  ///< width * height
-    int width = 0;
-    int height = 0;
-};
-/** What to paint. */
-struct Paint_Ink {
-    std::uint8_t tag = 0;  ///< 0 erases
-    Tag_Flags locked{};    ///< not 0: pixels of that TAG stay
+/** A brush that reaches into the pictures before and behind the one it is held over. */
+struct Brush_Body {
+    struct Layer {
+        int depth = 0;  ///< of its picture, from the one that the brush is held over
+        Brush_Footprint footprint;
+    };
+    std::vector<Layer> layers;  ///< by ascending depth, each depth once
+
+    Brush_Body() = default;
+    Brush_Body(Brush_Footprint flat) : layers{{0, std::move(flat)}} {}  // NOLINT: a flat brush is one of a single layer
 };
 
-/** Paints the brush at one place; what lies outside the slice is cut off. @return the pixels that may have changed */
-Pixel_Rect Paint_Dab(const Paint_Target& target, const Brush_Footprint& brush, int x, int y, const Paint_Ink& ink);
-/** Paints the brush at every pixel of a straight line, both ends included. */
-Pixel_Rect Paint_Line(const Paint_Target& target, const Brush_Footprint& brush, int x0, int y0, int x1, int y1,
-                      const Paint_Ink& ink);
+/** Levels from low to high, both included; none when high < low. */
+struct Paint_Band {
+    std::int32_t low = 0;
+    std::int32_t high = -1;
+    bool Has(std::int32_t level) const { return level >= low && level <= high; }
+};
+
+/** What to paint, and on what. */
+struct Paint_Ink {
+    std::uint8_t tag = 0;                     ///< 0 erases
+    Tag_Flags locked{};                       ///< not 0: voxels of that TAG stay
+    std::optional<std::uint8_t> only_inside;  ///< only voxels of this TAG change
+    std::optional<Paint_Band> band;           ///< only voxels with a level in it change
+
+    /** Whether voxels of a TAG may get another one. */
+    bool May_Change(std::uint8_t there) const {
+        return locked[there] == 0 && (!only_inside.has_value() || *only_inside == there);
+    }
+};
+
+/** Calls `visit` for every pixel of a straight line, both ends included. */
+template <class Visit>
+void Line_Visit(int x0, int y0, int x1, int y1, Visit visit) {
+    const int dx = std::abs(x1 - x0);
+    const int dy = -std::abs(y1 - y0);
+    const int step_x = x0 < x1 ? 1 : -1;
+    const int step_y = y0 < y1 ? 1 : -1;
+    int error = dx + dy;
+    for (;;) {
+        visit(x0, y0);
+        if (x0 == x1 && y0 == y1) {
+            return;
+        }
+        const int doubled = 2 * error;
+        if (doubled >= dy) {
+            error += dy;
+            x0 += step_x;
+        }
+        if (doubled <= dx) {
+            error += dx;
+            y0 += step_y;
+        }
+    }
+}
 
 }  // namespace workbench

@@ -48,6 +48,11 @@ std::span<const std::int32_t> Session::Levels(int slice) const {
     return std::span(volume->levels).subspan(volume->Index(0, 0, slice), labels.Slice_Size());
 }
 
+std::span<const std::int32_t> Session::Plain_Levels() const {
+    return volume && !volume->color ? std::span(volume->levels).first(volume->Voxel_Nb_3D())
+                                    : std::span<const std::int32_t>();
+}
+
 float Session::Grey(int x, int y, int slice) const {
     if (!volume || x < 0 || x >= volume->nx || y < 0 || y >= volume->ny || slice < 0 || slice >= volume->nz) {
         return 0.0F;
@@ -76,6 +81,12 @@ void Session::Take(volumes::Volume&& loaded, const std::filesystem::path& loaded
     serial = ++last_serial;
     ++change_nb;
     slice_changes.assign(static_cast<std::size_t>(Slice_Nb()), 0);
+}
+
+void Session::Touch(const Touched_Slices& touched) {
+    for (int slice = touched.first; slice <= touched.last; ++slice) {
+        Slice_Touch(slice);
+    }
 }
 
 void Session::All_Touch() {
@@ -239,79 +250,46 @@ void Session::Markers_Take(std::span<const Marker_Description> described, const 
     }
 }
 
-Paint_Target Session::Target(int slice) {
-    return {labels.Slice(slice), labels.Width(), labels.Height()};
+Stroke_Ground Session::Ground() {
+    return {labels.All(), Plain_Levels()};
 }
 
-Pixel_Rect Session::Stroke_Begin(int slice, const Brush_Footprint& brush, int x, int y, const Paint_Ink& ink) {
-    Stroke_End();
-    const Paint_Target target = Target(slice);
-    if (target.pixels.empty()) {
-        return {};
-    }
-    stroke = Stroke{slice, brush, ink, x, y, {target.pixels.begin(), target.pixels.end()}, std::nullopt, {}};
-    Slice_Touch(slice);
-    return Paint_Dab(target, stroke->brush, x, y, ink);
+Pixel_Rect Session::Stroke_Begin(int slice, const Brush_Body& brush, int x, int y, const Paint_Ink& ink) {
+    return volume ? Stroke_Begin({Slice_Pictures(), slice}, brush, x, y, ink) : Pixel_Rect{};
 }
 
-Pixel_Rect Session::Stroke_Begin(const Plane_Cut& cut, const Brush_Footprint& brush, int x, int y,
-                                 const Paint_Ink& ink) {
+Pixel_Rect Session::Stroke_Begin(const Plane_Cut& cut, const Brush_Body& brush, int x, int y, const Paint_Ink& ink) {
     Stroke_End();
     if (!volume || cut.geometry.voxel_nb != std::array<int, 3>{Width(), Height(), Slice_Nb()} || cut.depth < 0 ||
         cut.depth >= cut.geometry.Depth_Nb()) {
         return {};
     }
-    std::vector<std::uint8_t> picture(cut.geometry.Pixel_Nb());
-    Plane_Copy(std::as_const(labels).All(), cut.geometry, cut.depth, cut.geometry.Whole(), std::span(picture));
-    std::vector<std::uint8_t> before = picture;
-    stroke = Stroke{0, brush, ink, x, y, std::move(before), cut, std::move(picture)};
-    return Picture_Take(Paint_Dab({stroke->picture, cut.geometry.Width(), cut.geometry.Height()}, brush, x, y, ink));
-}
-
-Pixel_Rect Session::Picture_Take(const Pixel_Rect& changed) {
-    const Plane_Cut& cut = *stroke->cut;
-    Plane_Write(stroke->picture, cut.geometry, cut.depth, changed, labels.All());
-    const Touched_Slices touched = Plane_Slices(cut.geometry, cut.depth, changed);
-    for (int slice = touched.first; slice <= touched.last; ++slice) {
-        Slice_Touch(slice);
-    }
-    return changed;
+    stroke.emplace(cut, brush, ink);
+    Touch(stroke->Slices(x, y, x, y));
+    return stroke->Dab(Ground(), x, y);
 }
 
 Pixel_Rect Session::Stroke_Move(int x, int y) {
     if (!stroke) {
         return {};
     }
-    const int x0 = std::exchange(stroke->x, x);
-    const int y0 = std::exchange(stroke->y, y);
-    if (stroke->cut.has_value()) {
-        const Plane_Geometry& geometry = stroke->cut->geometry;
-        const Paint_Target target = {stroke->picture, geometry.Width(), geometry.Height()};
-        return Picture_Take(Paint_Line(target, stroke->brush, x0, y0, x, y, stroke->ink));
-    }
-    Slice_Touch(stroke->slice);
-    return Paint_Line(Target(stroke->slice), stroke->brush, x0, y0, x, y, stroke->ink);
+    Touch(stroke->Slices(stroke->X(), stroke->Y(), x, y));
+    return stroke->Line_To(Ground(), x, y);
 }
 
 bool Session::Stroke_End() {
     if (!stroke) {
         return false;
     }
-    const Stroke ended = std::move(*stroke);
+    Voxel_Stroke ended = std::move(*stroke);
     stroke.reset();
     ++change_nb;
-    const char* const title = ended.ink.tag == 0 ? "Erase" : "Stroke";
-    return ended.cut.has_value() ? Push_Cut(title, ended) : Push_Slice(title, ended.slice, ended.before);
-}
-
-bool Session::Push_Cut(const char* title, const Stroke& ended) {
     try {
-        Voxel_Change change;
-        change.slices = Plane_Changes(ended.cut->geometry, ended.cut->depth, ended.before, ended.picture);
+        Voxel_Change change{ended.Changes()};
         if (change.slices.empty()) {
             return false;
         }
-        Push({title, std::move(change)});
+        Push({ended.Ink().tag == 0 ? "Erase" : "Stroke", std::move(change)});
         return true;
     } catch (const std::bad_alloc&) {
         journal.Mark_Unsaved();  // as in Push_Slice

@@ -22,6 +22,7 @@
 #include "workbench/model/propagation.h"
 #include "workbench/model/undo_journal.h"
 #include "workbench/model/volume_planes.h"
+#include "workbench/model/voxel_stroke.h"
 #include "workbench/volumes/nifti_reader.h"
 #include "workbench/volumes/volume.h"
 
@@ -59,6 +60,12 @@ class Session {
     const std::filesystem::path& Path() const { return path; }
     int Width() const { return volume ? volume->nx : 0; }
     int Height() const { return volume ? volume->ny : 0; }
+    /** The pictures that the slices are. Only with a volume. */
+    Plane_Geometry Slice_Pictures() const {
+        return Plane_Geometry_Of_Slices({Width(), Height(), Slice_Nb()}, volume->spacing);
+    }
+    /** Levels of the first time point; none for colours. */
+    std::span<const std::int32_t> Plain_Levels() const;
     /** Slices of the first time point. */
     int Slice_Nb() const { return volume ? volume->nz : 0; }
     /** Levels of a slice of the first time point; nothing outside. */
@@ -123,10 +130,11 @@ class Session {
                  const std::filesystem::path& file, const Label_Stamps& file_stamps);
 
     // A stroke: begin, any number of moves, end. Undo takes back the whole stroke.
-    /** @param brush kept for the stroke */
-    Pixel_Rect Stroke_Begin(int slice, const Brush_Footprint& brush, int x, int y, const Paint_Ink& ink);
-    /** The same on a picture of another plane. @return pixels of that picture, here and in Stroke_Move */
-    Pixel_Rect Stroke_Begin(const Plane_Cut& cut, const Brush_Footprint& brush, int x, int y, const Paint_Ink& ink);
+    /** On a slice. @param brush kept for the stroke */
+    Pixel_Rect Stroke_Begin(int slice, const Brush_Body& brush, int x, int y, const Paint_Ink& ink);
+    /** On a picture of whatever plane. @return pixels of that picture, here and in Stroke_Move
+     *  @throw std::bad_alloc: what was painted is part of the stroke all the same, here and in Stroke_Move */
+    Pixel_Rect Stroke_Begin(const Plane_Cut& cut, const Brush_Body& brush, int x, int y, const Paint_Ink& ink);
     Pixel_Rect Stroke_Move(int x, int y);
     /** @return true when the stroke changed a pixel */
     bool Stroke_End();
@@ -168,25 +176,13 @@ class Session {
     const Undo_Journal& Journal() const { return journal; }
 
   private:
-    struct Stroke {
-        int slice = 0;
-        Brush_Footprint brush;
-        Paint_Ink ink;
-        int x = 0;
-        int y = 0;
-        std::vector<std::uint8_t> before;   // of the slice or the picture
-        std::optional<Plane_Cut> cut;       // no value: the slice itself is painted on
-        std::vector<std::uint8_t> picture;  // of the cut, as it is now
-    };
-    /** Takes over what was painted on the picture of a cut. @return the same pixels */
-    Pixel_Rect Picture_Take(const Pixel_Rect& changed);
-    bool Push_Cut(const char* title, const Stroke& ended);
-    Paint_Target Target(int slice);
+    Stroke_Ground Ground();
     /** How labels lie on the image when the user has so chosen. */
     Grid_Match Labels_Match(const volumes::Volume& loaded, Grid_Choice choice) const;
     /** Puts markers to places in a label volume that lies so on the image. */
     void Markers_Take(std::span<const Marker_Description> described, const Grid_Match& match);
     void Slice_Touch(int slice) { slice_changes[static_cast<std::size_t>(slice)] = ++change_nb; }
+    void Touch(const Touched_Slices& touched);
     void All_Touch();
     void Push(Undo_Step step) {
         journal.Push(std::move(step));
@@ -211,7 +207,7 @@ class Session {
     Label_Map labels;
     Marker_Table markers;
     Undo_Journal journal;
-    std::optional<Stroke> stroke;
+    std::optional<Voxel_Stroke> stroke;
     std::vector<std::optional<std::string>> tag_names;
     std::vector<std::optional<std::string>> marker_names;
     std::vector<Tag_Band> bands;

@@ -101,6 +101,14 @@ Plane_Geometry Plane_Geometry_Of(Plane plane, const Patient_Axes& axes, const st
     return geometry;
 }
 
+Plane_Geometry Plane_Geometry_Of_Slices(const std::array<int, 3>& voxel_nb, const std::array<double, 3>& spacing) {
+    Plane_Geometry geometry;
+    geometry.axes = {{{0, false}, {1, false}, {2, false}}};
+    geometry.voxel_nb = voxel_nb;
+    geometry.pixel_aspect = spacing[1] / spacing[0];
+    return geometry;
+}
+
 Plane Plane_Of_Slices(const Patient_Axes& axes) {
     constexpr std::array<Plane, 3> ACROSS = {Plane::Sagittal, Plane::Coronal, Plane::Axial};
     return ACROSS[axes.patient[SLICE_AXIS]];

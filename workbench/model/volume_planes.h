@@ -88,6 +88,8 @@ struct Plane_Cut {
 /** @param spacing millimetres from voxel to voxel along x, y and slices */
 Plane_Geometry Plane_Geometry_Of(Plane plane, const Patient_Axes& axes, const std::array<int, 3>& voxel_nb,
                                  const std::array<double, 3>& spacing);
+/** The pictures that the slices themselves are, as they are displayed. */
+Plane_Geometry Plane_Geometry_Of_Slices(const std::array<int, 3>& voxel_nb, const std::array<double, 3>& spacing);
 /** The plane that a volume's slices lie in. */
 Plane Plane_Of_Slices(const Patient_Axes& axes);
 const char* Plane_Name(Plane plane);

@@ -6,12 +6,6 @@
 
 namespace workbench {
 
-namespace {
-
-constexpr int MARKER_REACH = 5;  // pixels within which a press takes hold of a marker
-
-}  // namespace
-
 Plane_Views::Plane_Views(const Session& work, Plane_Host application) : session(work), host(std::move(application)) {}
 
 void Plane_Views::Volume_Look() {
@@ -73,7 +67,7 @@ void Plane_Views::Pane::Tags_Copy(const Pixel_Rect& part) const {
 }
 
 Image_Content Plane_Views::Pane::Content() const {
-    if (!owner.session.Has_Volume() || owner.serial != owner.session.Serial()) {
+    if (!Has_Picture()) {
         return {};
     }
     Image_Content content = owner.host.ground();
@@ -124,16 +118,24 @@ void Plane_Views::Pane::Slice_Go(int depth) {
     owner.Cross_Set(geometry.To_Voxel(at));
 }
 
-Pixel_Rect Plane_Views::Pane::Stroke_Begin(int x, int y, bool erase) {
-    const Pixel_Rect changed = owner.host.stroke_begin({geometry, Depth()}, x, y, erase);
+Pixel_Rect Plane_Views::Pane::Tool_Press(const Slice_Point& at, Tool_Hand hand) {
+    const Pixel_Rect changed = owner.host.tool_press(Cut(), at, hand);
     Tags_Copy(changed);
     return changed;
 }
 
-Pixel_Rect Plane_Views::Pane::Stroke_Move(int x, int y) {
-    const Pixel_Rect changed = owner.host.stroke_move(x, y);
+Pixel_Rect Plane_Views::Pane::Tool_Move(const Slice_Point& at) {
+    const Pixel_Rect changed = owner.host.tool_move(Cut(), at);
     Tags_Copy(changed);
     return changed;
+}
+
+Brush_Footprint Plane_Views::Pane::Tool_Outline(const Slice_Point& at) const {
+    return Has_Picture() ? owner.host.tool_outline(Cut(), at) : Brush_Footprint();
+}
+
+std::vector<Shown_Path> Plane_Views::Pane::Tool_Paths() const {
+    return Has_Picture() ? owner.host.tool_paths(Cut()) : std::vector<Shown_Path>();
 }
 
 void Plane_Views::Pane::Pick(int x, int y) {
@@ -142,26 +144,9 @@ void Plane_Views::Pane::Pick(int x, int y) {
     }
 }
 
-void Plane_Views::Pane::Marker_Press(int x, int y) {
-    if (!geometry.Has(x, y)) {
-        return;
-    }
-    std::optional<int> hit;
-    int nearest = MARKER_REACH * MARKER_REACH;
-    for (const Placed_Marker& marker : owner.host.markers()) {
-        const Plane_Pixel at = geometry.To_Pixel(marker.voxel);
-        const int distance = (at.x - x) * (at.x - x) + (at.y - y) * (at.y - y);
-        if (at.depth == Depth() && distance <= nearest) {  // of two at one place the one that is drawn on top
-            hit = marker.index;
-            nearest = distance;
-        }
-    }
-    owner.host.marker_press(Voxel_At(x, y), hit);
-}
-
 void Plane_Views::Pane::Hover(int x, int y) {
     if (geometry.Has(x, y)) {
-        owner.host.hover(*this, Voxel_At(x, y));
+        owner.host.hover(*this, Cut(), {x + 0.5, y + 0.5});
     } else {
         owner.host.hover_end(*this);
     }

@@ -33,16 +33,15 @@ struct Plane_Host {
         sides;  ///< how the patient lies as the user said it, where the file does not; else empty
     std::function<Image_Content()> ground;  ///< what the slices' own view shows: window, TAG colours, range
     std::function<std::vector<Placed_Marker>()> markers;
-    std::function<Pixel_Rect(const Plane_Cut& cut, int x, int y, bool erase)> stroke_begin;
-    std::function<Pixel_Rect(int x, int y)> stroke_move;
-    std::function<void()> stroke_end;
+    std::function<Pixel_Rect(const Plane_Cut& cut, const Slice_Point& at, Tool_Hand hand)> tool_press;
+    std::function<Pixel_Rect(const Plane_Cut& cut, const Slice_Point& at)> tool_move;
+    std::function<void()> tool_release;
+    std::function<Brush_Footprint(const Plane_Cut& cut, const Slice_Point& at)> tool_outline;
+    std::function<std::vector<Shown_Path>(const Plane_Cut& cut)> tool_paths;
+    std::function<void()> stroke_end;  ///< the picture becomes another one
     std::function<void(const Shown_Voxel&)> pick;
-    /** @param marker that was hit; no value: the current one is wanted there */
-    std::function<void(const Shown_Voxel&, std::optional<int> marker)> marker_press;
-    std::function<void(const Shown_Voxel&)> marker_move;
-    std::function<void()> marker_release;
-    /** @param by the view whose pointer it is; @param voxel inside the volume */
-    std::function<void(const Image_User& by, const Shown_Voxel& voxel)> hover;
+    /** @param by the view whose pointer it is; @param cut its picture @param at the middle of a pixel of it */
+    std::function<void(const Image_User& by, const Plane_Cut& cut, const Slice_Point& at)> hover;
     std::function<void(const Image_User& by)> hover_end;
     std::function<void(float dx, float dy)> window_drag;
     std::function<void()> moved;  ///< the cross-hair: all views show it anew
@@ -82,13 +81,12 @@ class Plane_Views {
         explicit Pane(Plane_Views& views) : owner(views) {}
         Image_Content Content() const override;
         void Slice_Go(int depth) override;
-        Pixel_Rect Stroke_Begin(int x, int y, bool erase) override;
-        Pixel_Rect Stroke_Move(int x, int y) override;
-        void Stroke_End() override { owner.host.stroke_end(); }
+        Pixel_Rect Tool_Press(const Slice_Point& at, Tool_Hand hand) override;
+        Pixel_Rect Tool_Move(const Slice_Point& at) override;
+        void Tool_Release() override { owner.host.tool_release(); }
+        Brush_Footprint Tool_Outline(const Slice_Point& at) const override;
+        std::vector<Shown_Path> Tool_Paths() const override;
         void Pick(int x, int y) override;
-        void Marker_Press(int x, int y) override;
-        void Marker_Move(int x, int y) override { owner.host.marker_move(Voxel_Near(x, y)); }
-        void Marker_Release() override { owner.host.marker_release(); }
         void Hover(int x, int y) override;
         void Hover_End() override { owner.host.hover_end(*this); }
         void Cross_Move(int x, int y) override { owner.Cross_Set(Voxel_Near(x, y)); }
@@ -100,6 +98,8 @@ class Plane_Views {
         Plane_Geometry geometry;
 
       private:
+        Plane_Cut Cut() const { return {geometry, Depth()}; }
+        bool Has_Picture() const { return owner.session.Has_Volume() && owner.serial == owner.session.Serial(); }
         Shown_Voxel Voxel_At(int x, int y) const { return geometry.To_Voxel({x, y, Depth()}); }
         /** The same for a pixel outside: that of the nearest side. */
         Shown_Voxel Voxel_Near(int x, int y) const;

@@ -155,7 +155,7 @@ TEST_F(Segmentation_Control_Test, a_stroke_is_ended_by_the_host_whose_pen_it_is)
     static const unsigned char* const mask[] = {&dot};
     Paint_Ink ink;
     ink.tag = 2;
-    host.session.Stroke_Begin(3, {mask, 0}, 1, 1, ink);
+    host.session.Stroke_Begin(3, Brush_Footprint(mask, 0), 1, 1, ink);
     control.Bands_Apply(true);
     EXPECT_EQ(host.stroke_end_nb, 1);
     EXPECT_FALSE(host.session.Is_Stroking());

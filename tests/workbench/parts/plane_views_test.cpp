@@ -61,23 +61,26 @@ class Plane_Watch : public ::testing::Test {
             return content;
         };
         host.markers = [this] { return markers; };
-        host.stroke_begin = [this](const Plane_Cut& cut, int x, int y, bool erase) {
-            stroke = cut.geometry.To_Voxel({x, y, cut.depth});
-            is_erasing = erase;
-            return Pixel_Rect{x, y, x + 1, y + 1};
+        host.tool_press = [this](const Plane_Cut& cut, const Slice_Point& at, Tool_Hand by) {
+            stroke = cut.geometry.To_Voxel({static_cast<int>(at.x), static_cast<int>(at.y), cut.depth});
+            hand = by;
+            return Pixel_Rect{2, 1, 3, 2};
         };
-        host.stroke_move = [](int x, int y) { return Pixel_Rect{x, y, x + 1, y + 1}; };
+        host.tool_move = [](const Plane_Cut&, const Slice_Point&) { return Pixel_Rect{2, 1, 3, 2}; };
+        host.tool_release = [this] { ++tool_releases; };
+        host.tool_outline = [](const Plane_Cut& cut, const Slice_Point&) {
+            return Brush_Footprint({{cut.depth, 0, 0}});
+        };
+        host.tool_paths = [](const Plane_Cut& cut) {
+            Shown_Path path;
+            path.text = std::to_string(cut.depth);
+            return std::vector<Shown_Path>{path};
+        };
         host.stroke_end = [this] { ++stroke_ends; };
         host.pick = [this](const Shown_Voxel& voxel) { picked = voxel; };
-        host.marker_press = [this](const Shown_Voxel& voxel, std::optional<int> marker) {
-            pressed = voxel;
-            hit = marker;
-        };
-        host.marker_move = [this](const Shown_Voxel& voxel) { pressed = voxel; };
-        host.marker_release = [] {};
-        host.hover = [this](const Image_User& by, const Shown_Voxel& voxel) {
+        host.hover = [this](const Image_User& by, const Plane_Cut& cut, const Slice_Point& at) {
             hovered_by = &by;
-            hovered = voxel;
+            hovered = cut.geometry.To_Voxel({static_cast<int>(at.x), static_cast<int>(at.y), cut.depth});
         };
         host.hover_end = [this](const Image_User& by) {
             hovered_by = &by;
@@ -97,14 +100,13 @@ class Plane_Watch : public ::testing::Test {
     int slice_moves = 0;
     int moves = 0;
     int stroke_ends = 0;
-    bool is_erasing = false;
+    int tool_releases = 0;
+    Tool_Hand hand = Tool_Hand::Left;
     std::string sides;
     std::vector<Placed_Marker> markers;
     std::optional<Shown_Voxel> stroke;
     std::optional<Shown_Voxel> picked;
-    std::optional<Shown_Voxel> pressed;
     std::optional<Shown_Voxel> hovered;
-    std::optional<int> hit;
     const Image_User* hovered_by = nullptr;
     Plane_Views views{session, Host()};
 };
@@ -220,14 +222,16 @@ TEST_F(Plane_Watch, a_stroke_shows_at_once_where_it_was_painted) {
     session.Voxels_Change("Painted", std::move(change));
     // In the sagittal picture: column y, row from the top.
     EXPECT_EQ(content.source.tags[1 * NY + 2], 0);
-    EXPECT_EQ(views.User(1).Stroke_Begin(2, 1, true), (Pixel_Rect{2, 1, 3, 2}));
+    EXPECT_EQ(views.User(1).Tool_Press({2.5, 1.5}, Tool_Hand::Right), (Pixel_Rect{2, 1, 3, 2}));
     EXPECT_EQ(stroke, (Shown_Voxel{3, 2, 2}));
-    EXPECT_TRUE(is_erasing);
+    EXPECT_EQ(hand, Tool_Hand::Right);
     EXPECT_EQ(content.source.tags[1 * NY + 2], 6);
-    views.User(1).Stroke_End();
-    EXPECT_EQ(stroke_ends, 1);
+    EXPECT_EQ(views.User(1).Tool_Move({2.5, 1.5}), (Pixel_Rect{2, 1, 3, 2}));
+    views.User(1).Tool_Release();
+    EXPECT_EQ(tool_releases, 1);
+    EXPECT_EQ(stroke_ends, 0);
     views.User(1).Slice_Go(0);
-    EXPECT_EQ(stroke_ends, 2) << "a stroke does not go on in another picture";
+    EXPECT_EQ(stroke_ends, 1) << "a stroke does not go on in another picture";
 }
 
 TEST_F(Plane_Watch, the_pointer_is_told_as_a_voxel) {
@@ -245,7 +249,7 @@ TEST_F(Plane_Watch, the_pointer_is_told_as_a_voxel) {
     EXPECT_FALSE(picked.has_value());
 }
 
-TEST_F(Plane_Watch, markers_are_shown_and_caught_in_their_picture_only) {
+TEST_F(Plane_Watch, markers_are_shown_in_their_picture_only) {
     markers = {{2, {3, 4, 0}, 0xFF, L"in the sagittal picture", false},
                {3, {3, 4, 0}, 0xFF, L"above it", true},
                {4, {2, 4, 0}, 0xFF, L"beside the picture", false}};
@@ -254,17 +258,12 @@ TEST_F(Plane_Watch, markers_are_shown_and_caught_in_their_picture_only) {
     EXPECT_EQ(content.markers[0].x, 4);
     EXPECT_EQ(content.markers[0].y, NZ - 1);
     EXPECT_TRUE(content.markers[1].is_current);
-    views.User(1).Marker_Press(2, 1);
-    EXPECT_EQ(hit, 3) << "the one that is drawn on top";
-    EXPECT_EQ(pressed, (Shown_Voxel{3, 2, 2}));
-    views.User(1).Marker_Move(99, 99);
-    EXPECT_EQ(pressed, (Shown_Voxel{3, NY - 1, 0}));
-    markers.clear();
-    views.User(1).Marker_Press(2, 1);
-    EXPECT_FALSE(hit.has_value());
-    pressed.reset();
-    views.User(1).Marker_Press(-1, 1);
-    EXPECT_FALSE(pressed.has_value());
+}
+
+TEST_F(Plane_Watch, a_tool_is_told_which_picture_it_is_over) {
+    const int depth = views.User(1).Content().slice;
+    EXPECT_EQ(views.User(1).Tool_Outline({0.5, 0.5}).Rows()[0].y, depth);
+    EXPECT_EQ(views.User(1).Tool_Paths()[0].text, std::to_string(depth));
 }
 
 }  // namespace

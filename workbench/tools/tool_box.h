@@ -1,0 +1,66 @@
+/** All tools, and which one is in hand. */
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "workbench/commands/command_actions.h"
+#include "workbench/tools/marker_tool.h"
+#include "workbench/tools/paint_tool.h"
+
+namespace workbench {
+
+class Tool_Box : public Tool_Actions {
+  public:
+    /** @param application is not asked for anything here */
+    explicit Tool_Box(Tool_Host application) : host(std::move(application)) {}
+    Tool_Box(const Tool_Box&) = delete;
+    Tool_Box& operator=(const Tool_Box&) = delete;
+    ~Tool_Box() override = default;
+
+    void Tool_Choose(Tool_Kind kind) override;
+    Tool_Kind Tool_Now() const override { return now; }
+    void Band_Only_Set(bool on) override;
+    bool Is_Band_Only() const override { return paint.Is_Band_Only(); }
+    void Ball_Set(bool on) override;
+    bool Is_Ball() const override { return paint.Shape().is_ball; }
+    void Brush_Mm_Set(bool on) override;
+    bool Is_Brush_Mm() const override { return paint.Shape().is_in_mm; }
+
+    // What the pictures tell.
+    Pixel_Rect Press(const Tool_Spot& spot, Tool_Hand hand);
+    Pixel_Rect Move(const Tool_Spot& spot);
+    void Release();
+    void Hover(const Tool_Spot& spot) { In_Hand().Hover(spot); }
+    Brush_Footprint Outline(const Tool_Spot& spot) const { return In_Hand().Outline(spot); }
+    std::vector<Shown_Path> Paths(const Plane_Cut& cut) const;
+
+    /** Ends a stroke, also one that was begun without the brush; a marker that is being dragged stays in hand. */
+    void Stroke_End();
+    /** Ends whatever is being done by a button. */
+    void Settle();
+    /** @return true: there was something to take over, drop, take back or make larger */
+    bool Accept() { return In_Hand().Accept(); }
+    bool Cancel() { return In_Hand().Cancel(); }
+    bool Step_Back() { return In_Hand().Step_Back(); }
+    bool Step(int step) { return In_Hand().Step(step); }
+    void Follow(Changes changes);
+    /** What the brush is, beyond its size: ", in the band, ball". */
+    std::string Brush_Note() const;
+
+  private:
+    Image_Tool& Of(Tool_Kind kind);
+    Image_Tool& In_Hand() { return Of(now); }
+    const Image_Tool& In_Hand() const { return const_cast<Tool_Box*>(this)->Of(now); }
+    /** The brush is another one. */
+    void Brush_Changed(const std::string& told);
+
+    Tool_Host host;
+    Paint_Tool paint{host};
+    Marker_Tool marker{host};
+    Tool_Kind now = Tool_Kind::Paint;
+    Image_Tool* held = nullptr;  // acts by a button that is down
+};
+
+}  // namespace workbench
