@@ -119,6 +119,7 @@ bool Application::Start(int show) {
         Warn("The report file " + options.report + " cannot be written.");
     }
     if (report.Is_Open()) {
+        report.Time("settings_read");
         report_questions.Begin(options.report + ".ask", [this] { Report_State(); });
     }
     Settings_Apply();
@@ -127,6 +128,7 @@ bool Application::Start(int show) {
     ::ShowWindow(window.Handle(),
                  settings.Now().window.is_maximized && show == SW_SHOWNORMAL ? SW_SHOWMAXIMIZED : show);
     ::UpdateWindow(window.Handle());
+    report.Time("window_shown");
     Status(L"F1 shows keys and mouse");
     Recovery_Open();
     Crash_Tell();
@@ -141,6 +143,7 @@ bool Application::Start(int show) {
         Open_Paths(paths);
     }
     Deliver();
+    report.Time("ready");
     report.Line("ready");
     return true;
 }

@@ -76,15 +76,18 @@ void Application::Open_Paths(std::span<const std::filesystem::path> paths) {
                           constexpr double read_share = 0.8;  // of the time; the rest goes into the histograms
                           opened = volumes::Image_Folder_Open(paths,
                                                               [&](double done) { return progress(done * read_share); });
+                          report.Time("read");
                           for (const volumes::Folder_Volume& one : opened.volumes) {
                               numbers.push_back(volumes::Volume_Statistics_Compute(one.volume));
                           }
+                          report.Time("statistics");
                           frames = Slice_Frames_Make(opened.volumes, [&](double done) {
                               const bool goes_on = progress(read_share + done * (1.0 - read_share));
                               opened.is_cancelled = opened.is_cancelled || !goes_on;
                               return goes_on;
                           });
                       });
+    report.Time("histograms");
     if (opened.is_cancelled) {
         Status(L"Loading was given up");
         return;
@@ -105,6 +108,7 @@ void Application::Open_Paths(std::span<const std::filesystem::path> paths) {
         const std::filesystem::path whole = std::filesystem::absolute(path, unknown);
         opened_paths.push_back(Path_To_Utf8(unknown ? path : whole));
     }
+    report.Time("asked");
     Show_Volumes(paths.front(), std::move(opened), std::move(numbers), std::move(frames));
     if (paths.size() == 1) {
         Recent_Opened(paths.front());
@@ -158,6 +162,7 @@ void Application::Show_Volumes(const std::filesystem::path& first, volumes::Imag
         hub.Note(Change::Opened);
         return Deliver();
     }
+    report.Time("objects");
     Volume_Adopt();
     histogram.Plain_Take();
     histogram.All_Take(session.Slice_Nb());
@@ -166,6 +171,9 @@ void Application::Show_Volumes(const std::filesystem::path& first, volumes::Imag
     // Told at once, when all class trees are as these data have them: no message loop may run before.
     hub.Note({Change::Opened, Change::Volume});
     Deliver();
+    report.Time("told");
+    ::UpdateWindow(window.Handle());
+    report.Time("picture");
     Class_Changes_Opened(class_problem_found);
     const std::wstring text = Volume_Text() + L"   " + Histogram_Text();
     Status(volumes.Nb() > 1 ? found + L"   " + text : text);

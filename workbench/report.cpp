@@ -1,6 +1,9 @@
 #include "workbench/report.h"
 
+#include <windows.h>
+
 #include <algorithm>
+#include <cstdint>
 
 #include "workbench/wide_text.h"
 
@@ -24,6 +27,21 @@ void Report::Line(std::string text) {
     std::ranges::replace(text, '\n', ' ');
     std::fprintf(file, "%s\n", text.c_str());
     std::fflush(file);
+}
+
+void Report::Time(const char* what) {
+    FILETIME made = {};
+    FILETIME other = {};
+    FILETIME now = {};
+    if (file == nullptr || ::GetProcessTimes(::GetCurrentProcess(), &made, &other, &other, &other) == 0) {
+        return;
+    }
+    ::GetSystemTimeAsFileTime(&now);
+    const auto ticks = [](const FILETIME& time) {  // of 100 nanoseconds
+        return static_cast<std::int64_t>(static_cast<std::uint64_t>(time.dwHighDateTime) << 32U | time.dwLowDateTime);
+    };
+    constexpr std::int64_t ticks_per_ms = 10'000;
+    Line("time " + std::string(what) + " " + std::to_string((ticks(now) - ticks(made)) / ticks_per_ms));
 }
 
 }  // namespace workbench

@@ -18,6 +18,8 @@ class Report {
     bool Is_Open() const { return file != nullptr; }
     /** One line; line ends inside become blanks. */
     void Line(std::string text);
+    /** "time WHAT MS": milliseconds since the process was made. For any thread, but not for two at once. */
+    void Time(const char* what);
 
   private:
     std::FILE* file = nullptr;

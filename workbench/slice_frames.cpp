@@ -1,10 +1,9 @@
 #include "workbench/slice_frames.h"
 
-#include <algorithm>
-#include <numeric>
 #include <utility>
 
 #include "workbench/model/panel_scale.h"
+#include "workbench/volumes/work_share.h"
 
 namespace workbench {
 
@@ -33,19 +32,30 @@ std::unique_ptr<Level_Frame> Slice_Frame_Make(const volumes::Volume& image, int 
 
 std::vector<Slice_Frames> Slice_Frames_Make(const std::vector<volumes::Folder_Volume>& opened,
                                             const volumes::Load_Progress& progress) {
-    const int slice_nb =
-        std::accumulate(opened.begin(), opened.end(), 0,
-                        [](int slices, const volumes::Folder_Volume& one) { return slices + one.volume.nz; });
+    struct Place {
+        std::size_t volume = 0;
+        int slice = 0;
+    };
+    std::vector<Place> places;
     std::vector<Slice_Frames> made(opened.size());
-    int done = 0;
     for (std::size_t at = 0; at < opened.size(); ++at) {
-        const volumes::Volume& image = opened[at].volume;
-        for (int slice = 0; slice < image.nz; ++slice) {
-            Slice_Histogram_Build(*made[at].emplace_back(Slice_Frame_Make(image, slice, 1)), image, nullptr);
-            if (progress && !progress(static_cast<double>(++done) / slice_nb)) {
-                return {};
-            }
+        made[at].resize(static_cast<std::size_t>(opened[at].volume.nz));
+        for (int slice = 0; slice < opened[at].volume.nz; ++slice) {
+            places.push_back({at, slice});
         }
+    }
+    const auto make = [&](std::size_t number) {
+        const auto [at, slice] = places[number];
+        const volumes::Volume& image = opened[at].volume;
+        std::unique_ptr<Level_Frame>& frame = made[at][static_cast<std::size_t>(slice)];
+        frame = Slice_Frame_Make(image, slice, 1);
+        Slice_Histogram_Build(*frame, image, nullptr);
+    };
+    const auto go_on = [&](std::size_t done) {
+        return !progress || progress(static_cast<double>(done) / static_cast<double>(places.size()));
+    };
+    if (!volumes::Work_Share(places.size(), volumes::Work_Thread_Nb(places.size()), make, go_on)) {
+        return {};
     }
     return made;
 }

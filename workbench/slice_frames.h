@@ -21,8 +21,8 @@ void Slice_Histogram_Build(Level_Frame& frame, const volumes::Volume& image, con
  */
 std::unique_ptr<Level_Frame> Slice_Frame_Make(const volumes::Volume& image, int slice, int times);
 
-/** Makes the frames of all volumes, with histograms. Reports to nobody and uses nothing that belongs to a thread.
- *  @param progress called after every slice with the share that is done; may be empty
+/** Makes the frames of all volumes, with histograms. On as many threads as there are processors; reports to nobody.
+ *  @param progress called on the caller's thread now and then with the share that is done; may be empty
  *  @return of every volume; empty: `progress` gave up @throw std::bad_alloc */
 std::vector<Slice_Frames> Slice_Frames_Make(const std::vector<volumes::Folder_Volume>& opened,
                                             const volumes::Load_Progress& progress = {});

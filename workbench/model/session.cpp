@@ -10,6 +10,7 @@
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/nifti_writer.h"
 #include "workbench/volumes/unfinished_file.h"
+#include "workbench/volumes/work_share.h"
 
 namespace workbench {
 
@@ -38,6 +39,20 @@ class Writable_For_Now {
     bool is_protected;
     std::string error;
 };
+
+/** Puts all levels into the order of display, on as many threads as there are processors. */
+void Levels_Turn(volumes::Volume& volume, const Display_Order& order) {
+    const std::size_t size = volume.Index(0, 0, 1);
+    const std::size_t slices = size > 0 ? volume.levels.size() / size : 0;
+    if (order.flip_x || order.flip_y) {
+        volumes::Work_Share(slices, volumes::Work_Thread_Nb(slices),
+                            [&](std::size_t slice) {
+                                Slices_Turn(std::span(volume.levels).subspan(slice * size, size), volume.nx, volume.ny,
+                                            order);
+                            },
+                            {});
+    }
+}
 
 }  // namespace
 
@@ -72,7 +87,7 @@ void Session::Take(volumes::Volume&& loaded, const std::filesystem::path& loaded
     labels = Label_Map(loaded.nx, loaded.ny, loaded.nz);
     volume = std::move(loaded);
     order = Display_Order_Of(volume->affine);
-    Slices_Turn(std::span(volume->levels), volume->nx, volume->ny, order);
+    Levels_Turn(*volume, order);
     markers = Marker_Table();
     journal.Clear();
     path = loaded_from;

@@ -73,6 +73,43 @@ void Decode_Halved(const Samples& samples, std::span<std::int64_t> levels) {
     }
 }
 
+/** Samples of grey pixels, as Samples::Value gives them. Their size is known to the compiler, which makes this many
+ * times faster. */
+template <std::size_t SIZE, class Level>
+void Decode_Grey(const Pixel_Format& format, std::span<const std::uint8_t> bytes, std::span<Level> levels) {
+    const auto stored = static_cast<unsigned>(format.bits_stored);
+    const unsigned below = static_cast<unsigned>(format.high_bit + 1) - stored;
+    const std::uint32_t mask = (std::uint32_t{1} << stored) - 1;
+    // A negative number's highest bit counts downwards: subtracting it twice is what its sign means.
+    const std::uint32_t sign = format.is_signed ? std::uint32_t{1} << (stored - 1) : 0;
+    const std::uint8_t* from = bytes.data();
+    for (Level& level : levels) {
+        std::uint32_t word = from[0];
+        if constexpr (SIZE == 2) {
+            word |= std::uint32_t{from[1]} << 8U;
+        }
+        word = word >> below & mask;
+        level = static_cast<std::int32_t>(word ^ sign) - static_cast<std::int32_t>(sign);
+        from += SIZE;
+    }
+}
+
+template <class Level>
+void Decode_Grey(const Pixel_Format& format, std::span<const std::uint8_t> bytes, std::span<Level> levels) {
+    switch (format.bits_allocated) {
+        case 8:
+            return Decode_Grey<1>(format, bytes, levels);
+        case 16:
+            return Decode_Grey<2>(format, bytes, levels);
+        default:
+            break;
+    }
+    const Samples samples(format, bytes);
+    for (std::size_t at = 0; at < levels.size(); ++at) {
+        levels[at] = static_cast<Level>(samples.Value(at));
+    }
+}
+
 }  // namespace
 
 std::uint64_t Pixel_Format::Frame_Size() const {
@@ -107,9 +144,12 @@ void Frame_Decode(const Pixel_Format& format, std::span<const std::uint8_t> byte
         default:
             break;
     }
-    for (std::size_t at = 0; at < levels.size(); ++at) {
-        levels[at] = samples.Value(at);
-    }
+    Decode_Grey(format, bytes, levels);
+}
+
+void Levels_Decode_Grey(const Pixel_Format& format, std::span<const std::uint8_t> bytes,
+                        std::span<std::int32_t> levels) {
+    Decode_Grey(format, bytes, levels);
 }
 
 }  // namespace volumes

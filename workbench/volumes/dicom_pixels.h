@@ -43,4 +43,8 @@ struct Palette {
 void Frame_Decode(const Pixel_Format& format, std::span<const std::uint8_t> bytes, const Palette& palette,
                   std::span<std::int64_t> levels);
 
+/** The same for pixels that are grey and whose values fit into levels as they are. */
+void Levels_Decode_Grey(const Pixel_Format& format, std::span<const std::uint8_t> bytes,
+                        std::span<std::int32_t> levels);
+
 }  // namespace volumes

@@ -32,6 +32,7 @@ namespace volumes {
 namespace {
 
 constexpr std::uint64_t LEVEL_SIZE = sizeof(std::int32_t);
+constexpr std::int32_t BITS_ALWAYS_LEVELS = 30;  // values of so many bits can all be levels
 constexpr std::uint16_t MODALITY_UNKNOWN = 'O' << 8 | 'T';
 
 /** A frame's values: every thread that decodes has room for one. */
@@ -63,10 +64,14 @@ class File_Reader {
     void Memory_Check() const;
     Frame_Size Frame_Size_Of() const;
     void Names_Read();
-    /** Decodes a frame into the room's values. */
-    void Frame_Values(std::int32_t frame, Value_Room& room);
-    /** Decodes frames, on several threads where that is possible, and gives each to `take` with its number in the list.
-     */
+    /** Makes values of the bytes of the room's frame. */
+    void Values_Make(Value_Room& room) const;
+    /** Whether the stored values of the pixels are all that counts, and fit into levels. */
+    bool Is_Plain() const {
+        return !format.Is_Color() && !padding && !greys && format.bits_stored <= BITS_ALWAYS_LEVELS;
+    }
+    /** Gets the bytes of frames, on several threads where that is possible, and gives each frame to `take` with its
+     * number in the list. */
     void Frames_Decode(std::span<const std::int32_t> frames, const std::function<void(std::size_t, Value_Room&)>& take);
     void Scales_Read();
     void Stack_Decode(const Frame_Stack& stack, Volume& volume);
@@ -307,8 +312,7 @@ void File_Reader::Names_Read() {
     }
 }
 
-void File_Reader::Frame_Values(std::int32_t frame, Value_Room& room) {
-    stored->Frame(frame, room.frame);
+void File_Reader::Values_Make(Value_Room& room) const {
     std::vector<std::int64_t>& values = room.values;
     values.resize(static_cast<std::size_t>(format.width) * static_cast<std::size_t>(format.height));
     Frame_Decode(format, room.frame.bytes, palette, values);
@@ -355,7 +359,7 @@ void File_Reader::Frames_Decode(std::span<const std::int32_t> frames,
                 idle.push_back(&room);
             }
         } const back{mutex, idle, room};
-        Frame_Values(frames[at], room);
+        stored->Frame(frames[at], room.frame);
         if (room.frame.has_warnings) {
             has_warnings[static_cast<std::size_t>(frames[at])] = 1;
         }
@@ -380,15 +384,15 @@ void File_Reader::Scales_Read() {
         }
         is_one = is_one && scales[frame].slope == scales[0].slope && scales[frame].intercept == scales[0].intercept;
     }
-    constexpr std::int32_t bits_always_levels = 30;
     needed_nb = scales.size();
-    if (format.Is_Color() || stored->Real_Bits() != 0 || (is_one && format.bits_stored <= bits_always_levels)) {
+    if (format.Is_Color() || stored->Real_Bits() != 0 || (is_one && format.bits_stored <= BITS_ALWAYS_LEVELS)) {
         return;
     }
     needed_nb += scales.size();
     std::vector<std::int32_t> all(scales.size());
     std::iota(all.begin(), all.end(), 0);
-    Frames_Decode(all, [this](std::size_t frame, const Value_Room& room) {
+    Frames_Decode(all, [this](std::size_t frame, Value_Room& room) {
+        Values_Make(room);
         const auto [lowest, highest] = std::ranges::minmax(room.values);
         scales[frame].lowest = lowest;
         scales[frame].highest = highest;
@@ -411,10 +415,14 @@ void File_Reader::Levels_Decode(const Frame_Stack& stack, Volume& volume) {
     }
     const auto pixels = static_cast<std::size_t>(format.width) * static_cast<std::size_t>(format.height);
     volume.levels.resize(pixels * stack.order.size());
-    Frames_Decode(stack.order, [&](std::size_t at, const Value_Room& room) {
+    Frames_Decode(stack.order, [&](std::size_t at, Value_Room& room) {
         const Level_Map map(scales[static_cast<std::size_t>(stack.order[at])], scale);
         const bool is_level = volume.color || (map.Is_Same() && !scale.Has_Outside());
         const std::span levels = std::span(volume.levels).subspan(at * pixels, pixels);
+        if (is_level && Is_Plain()) {
+            return Levels_Decode_Grey(format, room.frame.bytes, levels);
+        }
+        Values_Make(room);
         for (std::size_t pixel = 0; pixel < pixels; ++pixel) {
             const bool is_outside = !room.is_padding.empty() && room.is_padding[pixel] != 0;
             const std::int64_t value = room.values[pixel];

@@ -71,17 +71,18 @@ Scaled_Part Scale_Of(const Volume& volume) {
     return {volume.slope, volume.intercept, volume.level_min, volume.level_max, volume.levels.size(), volume.max_error};
 }
 
-/** Brings a volume's levels to another scale. */
-void Scale_Change(Volume& volume, const Level_Scale& scale) {
+/** Brings a volume's levels to another scale. @return false: it is theirs */
+bool Scale_Change(Volume& volume, const Level_Scale& scale) {
     const Level_Map map(Scale_Of(volume), scale);
     if (volume.color || (map.Is_Same() && !scale.Has_Outside())) {
-        return;
+        return false;
     }
     for (std::int32_t& level : volume.levels) {
         level = map.Level_Again(level);
     }
     volume.slope = scale.slope;
     volume.intercept = scale.intercept;
+    return true;
 }
 
 Stack_Slice Slice_Of(const Series_Part& part) {
@@ -214,10 +215,13 @@ void Group::Stack(const Slice_Stack& stack, std::int32_t time, const std::string
     made.title += title_end;
     const Level_Scale scale = Level_Scale_Choose(scales);
     Volume& volume = made.volume;
+    Joined_Range range;
+    bool is_range_known = true;
     for (auto at = begin; at != begin + static_cast<std::ptrdiff_t>(nz); ++at) {
         Series_Part& part = *parts[static_cast<std::size_t>(*at)];
         Volume& slice = part.image.volume;
-        Scale_Change(slice, scale);
+        is_range_known = !Scale_Change(slice, scale) && slice.outlier_nb == 0 && is_range_known;
+        range.Add(slice);
         std::vector<std::int32_t> levels = std::exchange(slice.levels, {});
         if (&part == &first) {
             volume = slice;
@@ -236,7 +240,11 @@ void Group::Stack(const Slice_Stack& stack, std::int32_t time, const std::string
     volume.nz = stack.nz;
     const auto middle = begin + static_cast<std::ptrdiff_t>(nz / 2);
     volume.windows = parts[static_cast<std::size_t>(*middle)]->image.volume.windows;
-    Level_Range_Find(volume);
+    if (is_range_known) {
+        range.Put(volume);
+    } else {
+        Level_Range_Find(volume);
+    }
     Place_Set(stack, first.image.place, volume);
     folder.volumes.push_back(std::move(made));
 }

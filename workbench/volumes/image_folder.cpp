@@ -1,6 +1,8 @@
 #include "workbench/volumes/image_folder.h"
 
 #include <algorithm>
+#include <atomic>
+#include <exception>
 #include <new>
 #include <optional>
 #include <system_error>
@@ -11,6 +13,7 @@
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/nifti_reader.h"
 #include "workbench/volumes/unfinished_file.h"
+#include "workbench/volumes/work_share.h"
 
 namespace volumes {
 
@@ -107,6 +110,11 @@ std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uin
     if (!bytes.empty() && !Dicom_Is_Likely(bytes)) {
         return bytes;
     }
+    if (const std::uint64_t size = source.Size().value_or(0); size > bytes.size() && size <= most) {
+        const std::size_t had = bytes.size();
+        bytes.resize(static_cast<std::size_t>(size) + 1);  // one more, which is not there, shows the end
+        bytes.resize(had + source.Read(std::span(bytes).subspan(had)));
+    }
     constexpr std::size_t step = std::size_t{1} << 20U;
     while (source.End() == Decode_End::Not_Yet) {
         const std::size_t had = bytes.size();
@@ -130,7 +138,7 @@ std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uin
     }
 }
 
-/** Opens one file after the other. */
+/** Opens files, small ones side by side. */
 class Folder_Reader {
   public:
     Folder_Reader(Image_Folder& filled, const Load_Progress& load_progress, const Load_Limits& load_limits)
@@ -138,13 +146,21 @@ class Folder_Reader {
 
     void Read(std::span<const Wanted> files) {
         file_nb = files.size();
-        for (std::size_t at = 0; at < files.size() && Go_On(0.0); ++at, ++done_nb) {
-            if (at >= FOLDER_FILES_MOST) {
-                folder.problems.push_back(
-                    {files[at].path, "and all files after it were left out: there are too many", false});
-                break;
+        const std::span taken = files.first(std::min(files.size(), FOLDER_FILES_MOST));
+        for (std::size_t at = 0; at < taken.size() && Go_On(0.0);) {
+            const std::span together = taken.subspan(at, Small_Nb(taken.subspan(at)));
+            if (together.size() > 1) {
+                Read_Together(together);
+                at += together.size();
+            } else {
+                Read_One(taken[at]);
+                ++done_nb;
+                ++at;
             }
-            Read_One(files[at]);
+        }
+        if (files.size() > taken.size() && !folder.is_cancelled) {
+            folder.problems.push_back(
+                {files[taken.size()].path, "and all files after it were left out: there are too many", false});
         }
         Series_Assemble(std::move(parts), folder);
         for (Folder_Volume& one : niftis) {
@@ -163,19 +179,121 @@ class Folder_Reader {
         return !folder.is_cancelled;
     }
 
-    void Read_One(const Wanted& file) {
-        const std::filesystem::path& path = file.path;
+    /** How a file is to be read. */
+    enum class Kind { Nifti, Any, None };
+    static Kind Kind_Of(const Wanted& file, const std::string& name) {
+        if (Is_Nifti_Name(name) && !Is_Dicom_Content(file.path)) {
+            return Kind::Nifti;
+        }
+        return Is_Voxels_Of_Pair(file, name) ? Kind::None : Kind::Any;
+    }
+
+    /** Runs what reads a file; why it cannot be read becomes a problem. */
+    template <class Reading>
+    void Guarded(const std::filesystem::path& path, Reading reading) {
         try {
-            const std::string name = File_Name_Text(path);
-            if (Is_Nifti_Name(name) && !Is_Dicom_Content(path)) {
-                Read_Nifti(path, name);
-            } else if (!Is_Voxels_Of_Pair(file, name)) {
-                Read_Any(file, name);
-            }
+            reading();
         } catch (const Refusal& refusal) {
             folder.problems.push_back({path, Bare_Reason(refusal.text, File_Name_Text(path)), false});
         } catch (const std::bad_alloc&) {
             folder.problems.push_back({path, "needs more memory than there is", false});
+        }
+    }
+
+    void Read_One(const Wanted& file) {
+        Guarded(file.path, [&] {
+            const std::string name = File_Name_Text(file.path);
+            const Kind kind = Kind_Of(file, name);
+            if (kind == Kind::Nifti) {
+                Read_Nifti(file.path, name);
+            } else if (kind == Kind::Any) {
+                Read_Any(file, name, Bytes_Read(file.path, limits.decoded_bytes));
+            }
+        });
+    }
+
+    /** Files at the beginning of a list that are read side by side: they are small, so that what is read of all of them
+     *  takes little room until it is taken over, and are no volumes by their names. */
+    static std::size_t Small_Nb(std::span<const Wanted> files) {
+        constexpr std::size_t together_most = 64;
+        constexpr std::uintmax_t size_most = std::uintmax_t{4} << 20U;
+        std::size_t count = 0;
+        while (count < std::min(files.size(), together_most)) {
+            std::error_code unknown;
+            const std::uintmax_t size = std::filesystem::file_size(files[count].path, unknown);
+            if (unknown || size > size_most || Is_Nifti_Name(File_Name_Text(files[count].path))) {
+                break;
+            }
+            ++count;
+        }
+        return count;
+    }
+
+    /** What a thread has made of a file. */
+    struct Early {
+        Kind kind = Kind::None;
+        std::vector<std::uint8_t> bytes;
+        std::optional<Dicom_Result> result;  // no value: `bytes` is not looked into yet
+        std::exception_ptr failure;
+    };
+
+    /** Reads small files side by side, and takes them over in their order: the outcome is that of one after the other.
+     */
+    void Read_Together(std::span<const Wanted> files) {
+        std::vector<Early> early(files.size());
+        std::atomic<bool> is_given_up = false;
+        std::atomic<std::uint64_t> decoded = 0;
+        const auto read = [&](std::size_t at) {
+            try {
+                early[at] = Read_Early(files[at], decoded, is_given_up);
+            } catch (...) {
+                early[at].failure = std::current_exception();
+            }
+        };
+        const std::size_t begun_at = done_nb;
+        const auto go_on = [&](std::size_t done) {
+            done_nb = begun_at + done;
+            is_given_up = !Go_On(0.0);
+            return !is_given_up;
+        };
+        const bool is_done = Work_Share(files.size(), Work_Thread_Nb(files.size()), read, go_on);
+        done_nb = begun_at + files.size();
+        for (std::size_t at = 0; is_done && at < files.size() && !folder.is_cancelled; ++at) {
+            Guarded(files[at].path, [&] { Take_Early(files[at], std::move(early[at])); });
+        }
+    }
+
+    /** @param decoded bytes of levels that have been made and not taken over yet */
+    Early Read_Early(const Wanted& file, std::atomic<std::uint64_t>& decoded,
+                     const std::atomic<bool>& is_given_up) const {
+        Early early;
+        early.kind = Kind_Of(file, File_Name_Text(file.path));
+        if (early.kind != Kind::Any) {
+            return early;
+        }
+        early.bytes = Bytes_Read(file.path, limits.decoded_bytes);
+        if (Dicom_Is_Likely(early.bytes) && decoded <= room) {
+            early.result = Dicom_Read(early.bytes, limits, [&](double) { return !is_given_up; });
+            early.bytes = {};
+            const auto note = [&](const Dicom_Image& image) {
+                decoded += image.volume.levels.size() * sizeof(std::int32_t);
+            };
+            if (early.result->image) {
+                note(*early.result->image);
+            }
+            std::ranges::for_each(early.result->others, note);
+        }
+        return early;
+    }
+
+    void Take_Early(const Wanted& file, Early&& early) {
+        if (early.failure != nullptr) {
+            std::rethrow_exception(early.failure);
+        }
+        if (early.result) {
+            Take_Dicom(file.path, std::move(*early.result));
+        } else if (early.kind == Kind::Any) {
+            Read_Any(file, File_Name_Text(file.path), std::move(early.bytes));
         }
     }
 
@@ -209,13 +327,13 @@ class Folder_Reader {
         return static_cast<std::int32_t>(folder.files.size()) - 1;
     }
 
-    void Read_Any(const Wanted& file, const std::string& name) {
-        const std::vector<std::uint8_t> bytes = Bytes_Read(file.path, limits.decoded_bytes);
+    void Read_Any(const Wanted& file, const std::string& name, std::vector<std::uint8_t>&& bytes) {
         const bool is_dicom = Dicom_Is_Likely(bytes);
         const bool may_be_nifti = Is_Nifti_Content(bytes) || (file.is_named && !bytes.empty() && !Is_Dicom_Name(name));
         if (is_dicom || !may_be_nifti) {
-            return Read_Dicom(file.path, bytes);
+            return Take_Dicom(file.path, Dicom_Read(bytes, limits, [this](double share) { return Go_On(share); }));
         }
+        bytes = {};
         try {
             Read_Nifti(file.path, name);
         } catch (const Refusal& refusal) {
@@ -225,8 +343,7 @@ class Folder_Reader {
         }
     }
 
-    void Read_Dicom(const std::filesystem::path& path, std::span<const std::uint8_t> bytes) {
-        Dicom_Result result = Dicom_Read(bytes, limits, [this](double share) { return Go_On(share); });
+    void Take_Dicom(const std::filesystem::path& path, Dicom_Result&& result) {
         if (result.is_cancelled) {
             return;
         }

@@ -37,6 +37,10 @@ constexpr bool IS_SMALL = sizeof(Stored) <= 4;
 Level_Builder::Level_Builder(Voxel_Type voxel_type, Byte_Order byte_order, std::uint64_t total)
     : type(voxel_type), order(byte_order), total_nb(total) {}
 
+void Level_Builder::Reserve() {
+    levels.reserve(static_cast<std::size_t>(total_nb));
+}
+
 template <class Stored>
 void Level_Builder::Append_As(std::span<const std::uint8_t> bytes) {
     const std::size_t count = bytes.size() / sizeof(Stored);
@@ -191,6 +195,14 @@ void Level_Builder::Finish_Integer(Volume& volume) {
     const auto range_find = [&] {
         smallest = std::numeric_limits<Stored>::max();
         largest = std::numeric_limits<Stored>::min();
+        if (inside_low == std::numeric_limits<double>::lowest() && inside_high == std::numeric_limits<double>::max()) {
+            for (std::size_t i = 0; i < count; ++i) {  // several values in one instruction
+                const Stored value = Value<Stored>(i);
+                smallest = std::min(smallest, value);
+                largest = std::max(largest, value);
+            }
+            return;
+        }
         for (std::size_t i = 0; i < count; ++i) {
             const Stored value = Value<Stored>(i);
             if (Is_Inside(static_cast<double>(value))) {

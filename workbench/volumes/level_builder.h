@@ -32,6 +32,8 @@ class Level_Builder {
     /** @param total voxels that will come at most */
     Level_Builder(Voxel_Type voxel_type, Byte_Order byte_order, std::uint64_t total);
 
+    /** Makes room for all voxels at once. For those that are known to be there. Throws std::bad_alloc. */
+    void Reserve();
     /** Adds voxels. @param bytes whole voxels. Throws std::bad_alloc. */
     void Append(std::span<const std::uint8_t> bytes);
     std::uint64_t Voxel_Nb() const { return voxel_nb; }

@@ -246,6 +246,10 @@ void Loader::Voxels_Load(Byte_Source* image) {
     }
     Decoded_Source& voxels = separate ? *separate : decoded;
     Level_Builder builder(header.type, header.order, header.voxel_nb);
+    constexpr std::size_t small_size = 4;  // wider values are kept aside until all are known
+    if (voxels.Size() && Voxel_Type_Size(header.type) <= small_size) {
+        builder.Reserve();  // that so many voxels are there is known
+    }
     Voxels_Read(name, voxels, builder);
     Tail_Check(name, voxels);
 

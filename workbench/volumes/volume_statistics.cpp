@@ -4,9 +4,14 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <functional>
 #include <limits>
+#include <numeric>
 #include <tuple>
+#include <utility>
 #include <vector>
+
+#include "workbench/volumes/work_share.h"
 
 namespace volumes {
 
@@ -110,7 +115,106 @@ Volume_Statistics Statistics_Of_Color(std::span<const std::int32_t> levels) {
     return statistics;
 }
 
+// Levels of a narrow range, counted one by one: everything else follows from the counts. Spread over the processors.
+class Level_Counts {
+  public:
+    static constexpr std::int64_t RANGE_MOST = std::int64_t{1} << 18U;
+
+    explicit Level_Counts(const Volume& volume) : lowest(volume.level_min) {
+        const auto level_nb = static_cast<std::size_t>(std::int64_t{volume.level_max} - volume.level_min + 1);
+        const std::size_t size = volume.levels.size();
+        const std::size_t parts = std::max<std::size_t>(Work_Thread_Nb(size / PART_LEAST), 1);
+        std::vector<std::vector<std::uint64_t>> of_parts(parts);
+        const auto count = [&](std::size_t part) {
+            // Neighbours are often alike: they must not wait for each other's store.
+            std::vector<std::uint32_t> banks((level_nb + 1) * BANKS);
+            const std::size_t end = size * (part + 1) / parts;
+            std::size_t i = size * part / parts;
+            std::vector<std::uint64_t>& own = of_parts[part];
+            own.resize(level_nb);
+            while (i < end) {
+                const std::size_t block_end = std::min(end, i + BLOCK);
+                for (; i < block_end; ++i) {
+                    const auto from_lowest =
+                        static_cast<std::uint32_t>(volume.levels[i]) - static_cast<std::uint32_t>(volume.level_min);
+                    // What lies outside is counted beside the levels.
+                    ++banks[std::min<std::size_t>(from_lowest, level_nb) * BANKS + i % BANKS];
+                }
+                for (std::size_t level = 0; level < level_nb; ++level) {
+                    for (std::size_t bank = 0; bank < BANKS; ++bank) {
+                        own[level] += std::exchange(banks[level * BANKS + bank], 0U);
+                    }
+                }
+            }
+        };
+        Work_Share(parts, parts, count, {});
+        counts = std::move(of_parts.front());
+        for (std::size_t part = 1; part < parts; ++part) {
+            std::ranges::transform(counts, of_parts[part], counts.begin(), std::plus<>());
+        }
+    }
+
+    std::uint64_t Count() const { return std::accumulate(counts.begin(), counts.end(), std::uint64_t{0}); }
+    /** Calls `take` with every level and how often it occurs. */
+    template <class Take>
+    void For_Each(Take take) const {
+        for (std::size_t at = 0; at < counts.size(); ++at) {
+            take(Level(at), counts[at]);
+        }
+    }
+    /** The level at position `rank` of the sorted ones, from 0. */
+    std::int32_t Level_At(std::uint64_t rank) const { return Level(Bin_Of_Rank(counts, rank)); }
+
+  private:
+    static constexpr std::size_t BANKS = 4;
+    static constexpr std::size_t PART_LEAST = std::size_t{1} << 20U;  // levels that are worth a thread
+    static constexpr std::size_t BLOCK = std::size_t{1} << 30U;       // levels: their counts fit into 32 bits
+    std::int32_t Level(std::size_t at) const {
+        return static_cast<std::int32_t>(std::int64_t{lowest} + static_cast<std::int64_t>(at));
+    }
+
+    std::int32_t lowest;
+    std::vector<std::uint64_t> counts;
+};
+
+// What levels that were counted, or are looked through, have in common.
+template <class Ranking>
+Volume_Statistics Statistics_Of(const Volume& volume, std::uint64_t count, double mean, double square_sum,
+                                const Ranking& ranking) {
+    Volume_Statistics statistics;
+    statistics.count = count;
+    const auto grey = [&](double level) { return level * volume.slope + volume.intercept; };
+    const auto percentile = [&](double share) { return grey(ranking.Level_At(Rank_Of_Share(share, count))); };
+    // A negative slope turns the order round.
+    std::tie(statistics.min, statistics.max) = std::minmax({grey(volume.level_min), grey(volume.level_max)});
+    std::tie(statistics.window_low, statistics.window_high) =
+        std::minmax({percentile(WINDOW_TAIL), percentile(1.0 - WINDOW_TAIL)});
+    statistics.mean = grey(mean);
+    statistics.sd = std::sqrt(std::max(0.0, square_sum / static_cast<double>(count))) * std::fabs(volume.slope);
+    return statistics;
+}
+
+Volume_Statistics Statistics_Of_Counts(const Volume& volume) {
+    const Level_Counts counts(volume);
+    const std::uint64_t count = counts.Count();
+    if (count == 0) {
+        return {};
+    }
+    std::int64_t sum = 0;
+    counts.For_Each([&](std::int32_t level, std::uint64_t times) { sum += level * static_cast<std::int64_t>(times); });
+    const double mean = static_cast<double>(sum) / static_cast<double>(count);
+    double square_sum = 0.0;
+    counts.For_Each([&](std::int32_t level, std::uint64_t times) {
+        square_sum += (level - mean) * (level - mean) * static_cast<double>(times);
+    });
+    return Statistics_Of(volume, count, mean, square_sum, counts);
+}
+
 Volume_Statistics Statistics_Of_Grey(const Volume& volume) {
+    if (volume.level_max <= LEVEL_LARGEST &&
+        std::int64_t{volume.level_max} - volume.level_min < Level_Counts::RANGE_MOST) {
+        return Statistics_Of_Counts(volume);
+    }
     Volume_Statistics statistics;
     std::int64_t sum = 0;
     for (const std::int32_t level : volume.levels) {
@@ -121,24 +225,12 @@ Volume_Statistics Statistics_Of_Grey(const Volume& volume) {
     if (statistics.count == 0) {
         return statistics;
     }
-    const auto count = static_cast<double>(statistics.count);
-    const double mean = static_cast<double>(sum) / count;
+    const double mean = static_cast<double>(sum) / static_cast<double>(statistics.count);
     double square_sum = 0.0;
     for (const std::int32_t level : volume.levels) {
         square_sum += level != LEVEL_OUTSIDE ? (level - mean) * (level - mean) : 0.0;
     }
-    const auto grey = [&](double level) { return level * volume.slope + volume.intercept; };
-    const Level_Ranking ranking(volume.levels);
-    const auto percentile = [&](double share) {
-        return grey(ranking.Level_At(Rank_Of_Share(share, statistics.count)));
-    };
-    // A negative slope turns the order round.
-    std::tie(statistics.min, statistics.max) = std::minmax({grey(volume.level_min), grey(volume.level_max)});
-    std::tie(statistics.window_low, statistics.window_high) =
-        std::minmax({percentile(WINDOW_TAIL), percentile(1.0 - WINDOW_TAIL)});
-    statistics.mean = grey(mean);
-    statistics.sd = std::sqrt(std::max(0.0, square_sum / count)) * std::fabs(volume.slope);
-    return statistics;
+    return Statistics_Of(volume, statistics.count, mean, square_sum, Level_Ranking(volume.levels));
 }
 
 }  // namespace

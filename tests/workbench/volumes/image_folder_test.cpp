@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 
 #include "tests/workbench/volumes/coded_frames.h"
@@ -285,12 +286,50 @@ TEST_F(Dicom_Folder, leaves_out_volumes_with_more_slices_than_can_be_listed) {
 }
 
 TEST_F(Dicom_Folder, stops_when_progress_says_so) {
-    Write("1.dcm", Dicom_Bytes().Text(TAG_SERIES, "UI", "1").File());
-    Write("2.dcm", Dicom_Bytes().Text(TAG_SERIES, "UI", "2").File());
+    constexpr std::size_t file_nb = 70;
+    for (std::size_t at = 10; at < 10 + file_nb; ++at) {
+        Write(std::to_string(at) + ".dcm", Dicom_Bytes().Text(TAG_SERIES, "UI", std::to_string(at)).File());
+    }
     const std::filesystem::path path = folder.path;
-    const Image_Folder opened = Image_Folder_Open(std::span(&path, 1), [](double done) { return done <= 0.5; });
+    const Image_Folder opened = Image_Folder_Open(std::span(&path, 1), [](double done) { return done <= 0.95; });
     EXPECT_TRUE(opened.is_cancelled);
-    EXPECT_THAT(opened.files, SizeIs(1));
+    EXPECT_THAT(opened.files, SizeIs(testing::AllOf(testing::Ge(1U), testing::Lt(file_nb))));
+}
+
+TEST_F(Dicom_Folder, reads_many_small_files_as_it_reads_them_one_by_one) {
+    // Kinds of files in turn: images, a copy of one, damaged ones, others. Whatever reads them, the outcome is in
+    // order.
+    const Bytes image = Dicom_Bytes().File();
+    for (int at = 100; at < 230; ++at) {
+        const std::string name = std::to_string(at);
+        switch (at % 5) {
+            case 0:
+                Write(name + ".dcm", Dicom_Bytes().Text(TAG_SERIES, "UI", name).Text(TAG_INSTANCE, "UI", name).File());
+                break;
+            case 1:
+                Write(name + ".dcm", image);
+                break;
+            case 2:
+                Write(name + ".dcm", Bytes(image.begin(), image.end() - 3));
+                break;
+            case 3:
+                Write(name + ".txt", {'n', 'o', 'n', 'e'});
+                break;
+            default:
+                Write(name + ".dcm", {});
+        }
+    }
+    const Image_Folder opened = Open();
+    EXPECT_FALSE(opened.is_cancelled);
+    EXPECT_EQ(opened.volumes.size(), 27U);  // the copies are one
+    EXPECT_EQ(opened.files.size(), 52U);
+    EXPECT_TRUE(std::ranges::is_sorted(opened.files));
+    EXPECT_EQ(std::ranges::count(opened.problems, false, &Folder_Problem::is_opened), 78);
+    EXPECT_EQ(std::ranges::count(opened.problems, true, &Folder_Problem::is_opened), 25);
+    EXPECT_TRUE(std::ranges::is_sorted(opened.problems, {}, &Folder_Problem::path));
+    for (const Folder_Volume& one : opened.volumes) {
+        EXPECT_EQ(opened.files[static_cast<std::size_t>(one.file_of_slice.front())], one.path);
+    }
 }
 
 TEST_F(Dicom_Folder, gives_a_reason_for_a_folder_that_is_not_there) {

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Says what a NIfTI-1 file holds, read by the simplest means, for comparison with the library: read_nifti.py FILE"""
 import gzip
+import math
 import struct
 import sys
 
@@ -39,7 +40,7 @@ def main(name):
     print("scale", repr(slope), repr(intercept))
     print("range", min(voxels), max(voxels))
     print("sum", total, weighted)
-    print("sd", repr((sum((value - mean) ** 2 for value in voxels) / count) ** 0.5))
+    print("sd", repr((math.fsum((value - mean) ** 2 for value in voxels) / count) ** 0.5))
     ordered = sorted(voxels)
     print("percentiles", ordered[-(-count // 100) - 1], ordered[-(-count * 99 // 100) - 1])
 
