@@ -2,8 +2,8 @@
  *  Ownership of GDI handles and of changes to device contexts.
  *
  *  Every handle that must be given back and every selection that must be undone lives in one of these types; nothing
- * else in the repository calls DeleteObject, SelectObject, ReleaseDC, EndPaint, DeleteDC or RestoreDC. All types can be
- * moved and not copied, except the guards, which stay where they are.
+ *  else in the repository calls DeleteObject, SelectObject, ReleaseDC, EndPaint, DeleteDC or RestoreDC. All types can
+ *  be moved and not copied, except the guards, which stay where they are.
  */
 #pragma once
 

@@ -2,9 +2,9 @@
  *  The tool panels for hosts of any compiler and language: plain C11, fixed-width types, no C++ and no system header.
  *
  *  Behind it stand the module and its four kits. Handles are numbers: one that was given back, that never was, or that
- * is of another kind is an error and nothing worse. No exception and no heap crosses the border: texts and arrays that
- * are passed in are copied before the function returns, texts and arrays that are asked for are written into the
- * caller's memory.
+ *  is of another kind is an error and nothing worse. No exception and no heap crosses the border: texts and arrays that
+ *  are passed in are copied before the function returns, texts and arrays that are asked for are written into the
+ *  caller's memory.
  *
  *  **Threads.** The thread that called kit_start() is the user-interface thread. Every other function but
  *  kit_panels_abi_version() and kit_status_text() is called on it; elsewhere it gives KIT_ERROR_THREAD.
@@ -23,11 +23,11 @@
  *  **Units** are pixels of the window or of the image, grey levels, and numbers that count from 0.
  *
  *  **Texts** are UTF-8 with an ending zero. Panels work in the system's code page: a text that has other characters
- * than that page gives KIT_ERROR_TEXT.
+ *  than that page gives KIT_ERROR_TEXT.
  *
  *  **Texts and arrays that are asked for.** `room` is the size of `out` in elements (bytes for texts, the ending zero
  *  included), `needed` receives the size that all of it takes. With too little room nothing is written and the status
- * is KIT_ERROR_ROOM; `out` null with `room` 0 asks for the size and gives KIT_OK.
+ *  is KIT_ERROR_ROOM; `out` null with `room` 0 asks for the size and gives KIT_OK.
  *
  *  **Structs** begin with their `size`, which the caller sets to sizeof before it hands one over, also when it is to be
  *  filled. Later versions only append members; members that the caller's version does not have count as 0.
@@ -35,7 +35,7 @@
  *  **Call-backs.** One function hears everything (kit_settings::on_event). Panels ask and report in the middle of their
  *  work; what they said is kept, and told when the outermost function of this interface returns. So any function may be
  *  called in it. Only events that want an answer (KIT_EVENT_PROPAGATE, KIT_EVENT_FILE_NAME) are told at once, inside
- * the operation that asks: there too every function may be called but kit_stop().
+ *  the operation that asks: there too every function may be called but kit_stop().
  */
 #ifndef KIT_PANELS_C_H
 #define KIT_PANELS_C_H
@@ -401,7 +401,7 @@ typedef struct kit_volume_settings {
 } kit_volume_settings;
 
 /** Makes a volume with a histogram for every slice, of all its times, as the last child of the 2D class root. All
- * panels are told.
+ *  panels are told.
  *  @param volume receives the handle, 0 on failure */
 KIT_C_API kit_status kit_volume_create(const kit_volume_settings* settings, kit_handle* volume);
 /** The volume is gone, also from files. Inside of another function it goes when that ends; the handle is dead at once.
@@ -462,7 +462,7 @@ KIT_C_API kit_status kit_histogram_read(kit_handle panel, kit_histogram* histogr
 #define KIT_FIT_GAUSSIAN_NEXT 3 /**< goes on from the last fit of the process and may find other candidates */
 
 /** Analyses what the panel shows. Gaussians are fitted to the counts smoothed over 21 bins: a variance of v bins
- * squared comes out as v + 36.7, so peaks of a few bins are too wide; segments are not widened.
+ *  squared comes out as v + 36.7, so peaks of a few bins are too wide; segments are not widened.
  *  @param method KIT_FIT_ number @param most segments that are wanted, 1 to 255; the Gaussian fits take any number and
  *  find as many peaks as there are
  *  @return KIT_ERROR_STATE without counts and while another analysis runs */

@@ -81,10 +81,10 @@ void Records_Free(int nb, DB_List* list_pt) {
 /** Records that an array of `nb` has room for; nothing stores it. Rooms double, but for one large step: the system
  * gives large blocks page by page, and to move them through every size would take longer than to fill them. */
 std::size_t Room(int nb) {
-    constexpr unsigned int STEP_FROM = 8192;
-    constexpr unsigned int STEP_TO = 65536;  // as many as a tree can number
+    constexpr unsigned int step_from = 8192;
+    constexpr unsigned int step_to = 65536;  // as many as a tree can number
     const unsigned int doubled = std::bit_ceil(static_cast<unsigned int>(nb));
-    return doubled > STEP_FROM && doubled < STEP_TO ? STEP_TO : doubled;
+    return doubled > step_from && doubled < step_to ? step_to : doubled;
 }
 
 }  // namespace

@@ -4,10 +4,10 @@
  *
  *  The array and the texts of its records come from the heap of this module's C library: a view of a host's own makes
  *  them by DB_List_Append and DB_List_Text_Copy and by nothing else, and DB_List_Array_Free gives them back. A text
- * does not change in place while its record is shown: its width is kept by its address. Another text is another copy.
+ *  does not change in place while its record is shown: its width is kept by its address. Another text is another copy.
  *
  *  After a failed creation `list_pt` is null while `nb` still counts the records that were lost: whoever walks the
- * array asks for `list_pt` first.
+ *  array asks for `list_pt` first.
  */
 #pragma once
 
@@ -74,7 +74,7 @@ struct DB_Source {
 KIT_PANELS_API DB_List* DB_List_Append(int* nb, DB_List** list_pt, const DB_Source& source);
 /** A copy of the host's text into `*field` (null for a null or empty text).
  *  @param field not freed before; @param text copied as it is; @param field_name "title" or "name", for the message;
- * @param source where the caller stands. @return false: no memory, reported; the records stay */
+ *  @param source where the caller stands. @return false: no memory, reported; the records stay */
 KIT_PANELS_API bool DB_List_Text_Copy(char** field, const char* text, const char* field_name, const DB_Source& source);
 /** Frees what every record owns, then the array; both variables end empty. With a null array or a count of 0 only the
  *  count is reset. */

@@ -49,7 +49,7 @@ int Record_In(int nb, const DB_List* list_pt, int level, int row) {
 Edit_Hit Zone_At(int record, const DB_List& node, int x, int y) {
     if (Is_Near(y, EDIT_MIDDLE_Y)) {
         for (const Edit_Zone zone : {Edit_Zone::Parent_Handle, Edit_Zone::Children_Handle, Edit_Zone::Toggle}) {
-            if (Is_Near(x, Zone_X(zone)) && Edit_Zone_Exists(record, node, zone)) {
+            if (Is_Near(x, Zone_X(zone)) && Has_Edit_Zone(record, node, zone)) {
                 return {true, Edit_Code(record, zone)};
             }
         }
@@ -62,7 +62,7 @@ Edit_Hit Zone_At(int record, const DB_List& node, int x, int y) {
 
 }  // namespace
 
-bool Edit_Zone_Exists(int record, const DB_List& node, Edit_Zone zone) {
+bool Has_Edit_Zone(int record, const DB_List& node, Edit_Zone zone) {
     switch (zone) {
         case Edit_Zone::Parent_Handle:
             return record != 0;

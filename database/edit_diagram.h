@@ -39,7 +39,7 @@ constexpr Edit_Zone Edit_Code_Zone(int code) {
 }
 
 /** The first record has no parent handle; handles for children need children, the toggle two of them. */
-bool Edit_Zone_Exists(int record, const DB_List& node, Edit_Zone zone);
+bool Has_Edit_Zone(int record, const DB_List& node, Edit_Zone zone);
 
 // ---- rows
 

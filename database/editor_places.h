@@ -1,6 +1,6 @@
 /** @file
  *  Where the nodes of the class tree editor stand in its window, for hosts that point at them: for screen readers, or
- * to ask before a class is taken out. */
+ *  to ask before a class is taken out. */
 #pragma once
 
 #include "database/tool_db_list.h"
@@ -22,6 +22,6 @@ struct DB_Node_Box {
 KIT_PANELS_API bool DB_Editor_Node_Box(const Tool_DB_List& editor, int record, DB_Node_Box* box);
 
 /** The record whose node's body is under a point of the window, inside the tree's box: what Delete takes out and a
- * right press renames there. Record 0, the root, can be renamed only.
+ *  right press renames there. Record 0, the root, can be renamed only.
  *  @return -1 for none, also on a handle or an expand toggle */
 KIT_PANELS_API int DB_Editor_Body_At(const Tool_DB_List& editor, int x, int y);

@@ -140,13 +140,13 @@ bool Leaves_Write_And_Show(int nb, const DB_List* list_pt, const Panel_Watch& pa
 template <class Classes>
 bool Selection_Write(int nb, const DB_List* list_pt, const Panel_Watch& panel) {
     using Object = typename Classes::Object;
-    constexpr bool IS_SHOWN = std::is_same_v<Object, Quorel_2D>;
+    constexpr bool is_shown = std::is_same_v<Object, Quorel_2D>;
     auto* const root = Host_Pointer<Object>(Classes::ROOT);
-    if (root == nullptr || (IS_SHOWN && Host_Pointer<Quorel_Window>("$WINDOW_CUR") == nullptr)) {
+    if (root == nullptr || (is_shown && Host_Pointer<Quorel_Window>("$WINDOW_CUR") == nullptr)) {
         return false;
     }
     root->Flag_Set_Off(FLAG_OF_ROOT, FLAG_GROUP_SELECTION, FLAG_MASK_SELECTION);
-    if constexpr (IS_SHOWN) {
+    if constexpr (is_shown) {
         if (!Leaves_Write_And_Show(nb, list_pt, panel)) {
             return false;
         }

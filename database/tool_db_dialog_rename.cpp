@@ -156,11 +156,11 @@ void Typed_Take(Rename_Dialog& rename) {
 /** Types one character of UTF-16 as the entry takes it: by the bytes of the code page, or in UTF-8 by its number.
  *  Numbers that mean a key without a character, and those beyond 16 bits, cannot be typed. */
 void Character_Type(Texts& entry, wchar_t unit) {
-    constexpr wchar_t FIRST_PRINTABLE = 32;
-    constexpr wchar_t KEYS_FROM = KEY_SPECIAL;
-    constexpr wchar_t KEYS_TO = KEY_SPECIAL + 0xFF;
-    if (unit < FIRST_PRINTABLE || (unit >= HIGH_SURROGATE_START && unit <= LOW_SURROGATE_END) ||
-        (unit >= KEYS_FROM && unit <= KEYS_TO)) {
+    constexpr wchar_t first_printable = 32;
+    constexpr wchar_t keys_from = KEY_SPECIAL;
+    constexpr wchar_t keys_to = KEY_SPECIAL + 0xFF;
+    if (unit < first_printable || (unit >= HIGH_SURROGATE_START && unit <= LOW_SURROGATE_END) ||
+        (unit >= keys_from && unit <= keys_to)) {
         return;
     }
     const UINT page = ::GetACP();
@@ -182,7 +182,7 @@ void Character_Type(Texts& entry, wchar_t unit) {
  *  the system keeps from one key to the next, and letters that are no single byte.
  *  @return false when it made none */
 bool Waiting_Characters_Type(Rename_Dialog& rename) {
-    constexpr wchar_t CONTROL_BACKSPACE = 0x7F;
+    constexpr wchar_t control_backspace = 0x7F;
     bool any = false;
     for (MSG waiting; ::PeekMessageW(&waiting, rename.window, WM_CHAR, WM_DEADCHAR, PM_REMOVE | PM_NOYIELD) != FALSE;) {
         if (waiting.message == WM_QUIT) {  // comes whatever is asked for, and is the message loop's
@@ -194,8 +194,8 @@ bool Waiting_Characters_Type(Rename_Dialog& rename) {
         if (waiting.message != WM_CHAR) {
             continue;  // an accent: the system puts it on the next letter
         }
-        if (unit < L' ' || unit == CONTROL_BACKSPACE) {
-            rename.entry.Input(unit == CONTROL_BACKSPACE ? KEY_BACKSPACE : unit);
+        if (unit < L' ' || unit == control_backspace) {
+            rename.entry.Input(unit == control_backspace ? KEY_BACKSPACE : unit);
         } else {
             Character_Type(rename.entry, unit);
         }

@@ -297,7 +297,7 @@ void Press(const Edit_Stage& stage, int up_down, const Edit_Hit& hit) {
 
 /** Moves the objects of the dragged nodes below the object of a record. All objects are taken from the records before
  *  the first one is moved: then the host may build the records anew. It may also end objects that are still to be
- * moved: those are left out. @return false without memory: nothing was moved */
+ *  moved: those are left out. @return false without memory: nothing was moved */
 template <class Classes>
 bool Drop(const Edit_Stage& stage, const std::vector<int>& codes, int record) {
     const Object_Watch<Classes> target(Object_Of<Classes>(stage.list_pt[record]));

@@ -8,7 +8,7 @@
  *  Without a device context nothing is drawn and nothing changes.
  *
  *  The host may also end the panel while it is told or while the dialog is open: the operations that take a `panel`
- * then do no more, and touch neither the box nor the sliders.
+ *  then do no more, and touch neither the box nor the sliders.
  */
 #pragma once
 
@@ -23,7 +23,7 @@ int DB_Edit_Draw(int mode, Boxs* box, int nb, DB_List* list_pt, Sliders* horizon
  *  the pointer is on no node. */
 int DB_Edit_Locate(Boxs* box, int nb, DB_List* list_pt, Sliders* horizontal, Sliders* vertical);
 /** A press begins a drag (parent handle: that node; children handle: all children), shows or hides children (toggle)
- * or, with MOUSE_RIGHT on a body, renames. The release of a drag on a children handle moves the dragged nodes there.
+ *  or, with MOUSE_RIGHT on a body, renames. The release of a drag on a children handle moves the dragged nodes there.
  *  @return 2 when nodes were dropped (the caller rebuilds), else 1 */
 int DB_Edit_Click_DB(int mode, Boxs* box, int up_down, int nb, DB_List* list_pt, Sliders* horizontal, Sliders* vertical,
                      const Panel_Watch* panel = nullptr);
@@ -49,7 +49,6 @@ inline constexpr int DB_EXPAND_LOCKED = 4;     ///< red
 /** The expand toggle of a record with a row. @param fill colour 0x00BBGGRR; @param kind DB_EXPAND_* */
 void DB_Draw_Expand(Boxs* box, const DB_List* record, Sliders* horizontal, Sliders* vertical, std::uint32_t fill,
                     int kind);
-/** A filled circle, cut at the box. @param x, y its middle pixel, window's axis; @param radius pixels beside the
- * middle;
+/** A filled circle, cut at the box. @param x, y its middle pixel, window's axis; @param radius pixels beside it;
  *  @param pen, fill colours 0x00BBGGRR */
 void DB_Draw_Circle(Boxs* box, int x, int y, int radius, std::uint32_t pen, std::uint32_t fill);

@@ -178,7 +178,7 @@ void Edit_Painter::Diagram(int mode, int nb, const DB_List* list_pt, const Edit_
             continue;
         }
         Node({walk.Record(), &walk.Node(), object}, marks.Is_Node_Highlighted(walk.Record()), marks);
-        if (Edit_Zone_Exists(walk.Record(), walk.Node(), Edit_Zone::Toggle)) {
+        if (Has_Edit_Zone(walk.Record(), walk.Node(), Edit_Zone::Toggle)) {
             const int code = Edit_Code(walk.Record(), Edit_Zone::Toggle);
             Toggle(walk.Node(), Fill_Of(code, marks), Edit_Toggle_Kind(walk.Node()));
         }
@@ -262,7 +262,7 @@ COLORREF Edit_Painter::Fill_Of(int code, const Edit_Marks& marks) const {
 }
 
 void Edit_Painter::Handle(const Edit_Node& node, Edit_Zone zone, const Edit_Marks& marks) const {
-    if (Edit_Zone_Exists(node.record, *node.row, zone)) {
+    if (Has_Edit_Zone(node.record, *node.row, zone)) {
         const POINT at = Place_Of(Edit_Zone_Point(*node.row, zone));
         Circle(at.x, at.y, EDIT_HANDLE_RADIUS, EDIT_OUTLINE_COLOR, Fill_Of(Edit_Code(node.record, zone), marks));
     }

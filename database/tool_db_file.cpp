@@ -326,7 +326,7 @@ void Tool_DB_File::List_Select_From_DB(int nb, DB_List* list_pt) {
 }
 
 void Tool_DB_File::List_Select_To_DB(int nb, DB_List* list_pt) {
-    constexpr const char* WHO = "Tool_DB_File::List_Select_To_DB";
+    constexpr const char* who = "Tool_DB_File::List_Select_To_DB";
     auto* const window = Host_Pointer<Quorel_Window>("$WINDOW_CUR");
     if (window == nullptr) {
         return;
@@ -334,11 +334,11 @@ void Tool_DB_File::List_Select_To_DB(int nb, DB_List* list_pt) {
     const int row_nb = list_pt != nullptr ? nb : 0;
     Frame_Index index;  // holds the check marks: the host may have them read anew after each change
     if (!Index_Rows(row_nb, list_pt, index)) {
-        Write_Plainly(WHO, row_nb, list_pt);
+        Write_Plainly(who, row_nb, list_pt);
         return;
     }
     const Panel_Watch panel(life);
-    Each_Object(WHO, [&](Quorel_2D& object) {
+    Each_Object(who, [&](Quorel_2D& object) {
         const bool selected = Object_Is_Selected(object);  // asked once: the last row that disagrees decides
         index.Visit_Rows(Frames_Of(object), [&](const Frame_Index::Row& row) {
             if (row.checked != selected && panel.Is_Alive()) {

@@ -3,8 +3,8 @@
  *  the editor of the class tree.
  *
  *  Click, Keyboard and List_Select_To_DB call the host back (Fct_Update, Fct_Redraw, Fct_Change_Child), and a right
- * press in the editor runs a dialog with a message loop of its own. The host may rebuild the panel meanwhile, and it
- * may destroy it: the operation then returns without touching it, and does no more of what it was about. */
+ *  press in the editor runs a dialog with a message loop of its own. The host may rebuild the panel meanwhile, and it
+ *  may destroy it: the operation then returns without touching it, and does no more of what it was about. */
 #pragma once
 
 #include <memory>
@@ -54,7 +54,7 @@ class KIT_PANELS_API Tool_DB_List {
     /** Paints everything; in the editor the warning's line is another one with every call. */
     void Draw();
     /** A drag belongs to the panel in which it began: a release over another one ends nothing. A rename draws nothing
-     * by itself: the host's answer to its Fct_Update does. See above for what the host may do meanwhile.
+     *  by itself: the host's answer to its Fct_Update does. See above for what the host may do meanwhile.
      *  @return 1 when the event was taken, else 0 */
     int Click(int up_down);
     /** Hover, the marking of a range, moving rows in the editor, and scrolling while a drag is held beside the tree. A

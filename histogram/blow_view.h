@@ -1,7 +1,7 @@
 /** Zoom and pan of the enlarged histogram window: pure numbers, single precision.
  *
  *  Pixels are those of the plot area (inside the margins), y counted upward from its bottom edge's window coordinate.
- * Data: grey levels (GLI) in x, pixel counts in y.
+ *  Data: grey levels (GLI) in x, pixel counts in y.
  */
 #pragma once
 
@@ -68,9 +68,9 @@ class Blow_View {
     /** Back to the full view. */
     void Reset();
     /** Zooms to a dragged rectangle, its corners clamped into the plot area. No origin clamp and no scale limit, unlike
-     * the wheel.
+     *  the wheel.
      *  @return false: nothing changed, because the drag is shorter than BLOW_DRAG_MIN in one direction or single
-     * precision could not tell the new view's ends apart */
+     *  precision could not tell the new view's ends apart */
     bool Zoom_Rectangle(const Blow_Drag& drag);
     /** Zooms by wheel notches, forward widens; the data under the pointer stays where it is as far as the limits allow.
      */

@@ -18,9 +18,9 @@ inline constexpr std::uint8_t HISTO_DOUBT_WIDTH = 2;
 inline constexpr std::uint8_t HISTO_DOUBT_CENTRE = 4;
 ///@}
 
-/** A peak in the units of the histogram: grey levels (GLI) and pixels. Bin k covers the grey levels from
- *  k * `bin_width` + `origin` to (k + 1) * `bin_width` + `origin` of the record; a position in bins is the middle of
- * its bin. */
+/** A peak in the units of the histogram: grey levels (GLI) and pixels. Bin k covers the grey levels from k *
+ *  `bin_width` + `origin` to (k + 1) * `bin_width` + `origin` of the record; a position in bins is the middle of its
+ *  bin. */
 struct Histo_Peak_Info {
     std::uint8_t kind = PEAK_NONE;  ///< PEAK_GAUSS (Fit_Gaussian) or PEAK_SEGMENT (Fit_Derivative)
     std::uint8_t doubt = 0;         ///< HISTO_DOUBT_ bits; 0 for segments and where the errors are not known
@@ -43,12 +43,12 @@ struct Histo_Peak_Info {
 
 /** The peaks of the panel's last analysis, by ascending centre. Reads only: nothing is drawn, told or kept, and nobody
  *  is called. Ask after the analysis and before the next computation: the peaks stand in the bins that were analysed
- * and are turned into grey levels by the record of now.
+ *  and are turned into grey levels by the record of now.
  *  @param panel whose analysis it was
  *  @param out receives the first `most` peaks; may be null when `most` is 0
  *  @param most room in `out`; below 0 counts as 0
  *  @return number of peaks that there are, which may be more than `most`; 0 without counts, without an analysis and
- * when it found none */
+ *  when it found none */
 KIT_PANELS_API int Histo_Peaks(const Tool_Histo& panel, Histo_Peak_Info* out, int most);
 
 /** Tool_Histo::Fit_Gaussian as the first fit of a process: the same counts give the same peaks, whatever was fitted

@@ -308,7 +308,7 @@ Histogram_Merger::~Histogram_Merger() {
     Finish();
 }
 
-bool Histogram_Merger::Fits_Run(const Histo_Record& frame) const {
+bool Histogram_Merger::Is_Of_Run(const Histo_Record& frame) const {
     return frame.nb_bins == run->nb_bins && frame.origin == run->origin && frame.bin_width == run->bin_width &&
            Arrays_Of(frame).nb == Arrays_Of(*run).nb;
 }
@@ -341,7 +341,7 @@ void Histogram_Merger::Add(const Histo_Record& frame) {
     if (frame.counts == nullptr) {
         return;
     }
-    if (run != nullptr && !Fits_Run(frame)) {
+    if (run != nullptr && !Is_Of_Run(frame)) {
         Finish();
     }
     if (run == nullptr) {

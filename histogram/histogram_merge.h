@@ -1,8 +1,8 @@
 /** Merging of per-frame histograms onto one common grid: pure numeric code over the records, no panel, no host
- * variable.
+ *  variable.
  *
  *  All grid arithmetic is in single precision, in the order written here; targets are truncated toward zero. Counts are
- * unsigned and wrap, so that sums may be regrouped without changing a bit of the result.
+ *  unsigned and wrap, so that sums may be regrouped without changing a bit of the result.
  */
 #pragma once
 
@@ -38,10 +38,10 @@ Histogram_Grid Histogram_Grid_Choose(const Histogram_Extent& extent, std::uint16
 /** Adds frames to a merged record, frame after frame.
  *
  *  Frame bin i goes whole to record bin trunc(((i + 0.5) * frame width + frame origin - record origin) / record width).
- * A bin is dropped when that target is negative, at or beyond the frame's own bin count, or beyond the record.
- * Successive frames of one grid are summed first and mapped once.
+ *  A bin is dropped when that target is negative, at or beyond the frame's own bin count, or beyond the record.
+ *  Successive frames of one grid are summed first and mapped once.
  *
- * Contract: hosts compare totals with earlier ones; a bound by the record's bin count would keep more of them.
+ *  Contract: hosts compare totals with earlier ones; a bound by the record's bin count would keep more of them.
  */
 class Histogram_Merger {
   public:
@@ -62,7 +62,7 @@ class Histogram_Merger {
   private:
     static constexpr int GROUP = 4;  // frames that are summed at a time
 
-    bool Fits_Run(const Histo_Record& frame) const;  // the same grid and as many arrays
+    bool Is_Of_Run(const Histo_Record& frame) const;  // the same grid and as many arrays
     void Sum_Group();
 
     Histo_Record& record;

@@ -5,7 +5,7 @@
 
 /** Downward zero crossing of the derivative with clear slopes on both sides.
  *  @param derivative the derivative curve; @param x a bin, 1 .. n - 1; @param gap bins on each side that must rise and
- * fall strictly
+ *  fall strictly
  *  @param slope      steepness that at least one bin on each side must exceed
  *  @param last_zero  the last crossing seen; moves to x at every crossing, also when the test fails afterwards
  *  @return 0: no candidate; otherwise how many bins may be skipped: 1 + the length of the falling side */

@@ -1,8 +1,8 @@
 /** The linearised least-squares system of a peak fit.
  *
  *  A peak reaches a few of the bins only, so the Jacobian is almost all zeros. It is made and multiplied in parts: a
- * run of bins, with the columns of the peaks that reach into it. Any host's matrices gain by that, and none has to hold
- * a row per bin with a column per parameter. */
+ *  run of bins, with the columns of the peaks that reach into it. Any host's matrices gain by that, and none has to
+ *  hold a row per bin with a column per parameter. */
 #pragma once
 
 #include <span>

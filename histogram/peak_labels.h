@@ -28,9 +28,9 @@ inline constexpr int PEAK_LABEL_GAP = 3;
 inline constexpr int PEAK_LABEL_APART = 4;
 
 /** Places labels, higher peaks first: above the top if there is room, else a little aside or higher up, else below; a
- * label without a place near its peak is left out, as are those that would hide more than a quarter of the area, and so
- * is that of a peak whose top is not in view: left, right or below. A top above the area has its label at the area's
- * upper edge.
+ *  label without a place near its peak is left out, as are those that would hide more than a quarter of the area, and
+ *  so is that of a peak whose top is not in view: left, right or below. A top above the area has its label at the
+ *  area's upper edge.
  *  @return one place per request, in their order */
 std::vector<Peak_Label_Place> Peak_Labels_Place(std::span<const Peak_Label_Request> requests, int area_width,
                                                 int area_height);

@@ -30,9 +30,9 @@ struct Bin_Span {
 /** The bins of 0 .. nb_bins - 1 inside a Gaussian's cut-off. */
 Bin_Span Gauss_Support(const Peak_Parameters& parameters, int nb_bins);
 
-/** Values of a Gaussian of amplitude 1 at the bins of its support, one element per bin from `support.first` on.
- *  Forward differencing of the exponent from the centre outwards: two multiplications per bin instead of an
- * exponential; relative error below 1e-8 over any support. @param unit support.last - support.first + 1 values */
+/** Values of a Gaussian of amplitude 1 at the bins of its support, one element per bin from `support.first` on. Forward
+ *  differencing of the exponent from the centre outwards: two multiplications per bin instead of an exponential;
+ *  relative error below 1e-8 over any support. @param unit support.last - support.first + 1 values */
 void Gauss_Unit_Values(const Peak_Parameters& parameters, const Bin_Span& support, std::span<double> unit);
 
 /** Derivatives of one Gaussian at many bins, from its unit values there. The width must not be 0. */

@@ -1,13 +1,13 @@
 /** Repeated smoothing of a curve until it has few enough maxima: the numeric core of the derivative peak finder. Pure
- * code over spans.
+ *  code over spans.
  *
  *  One pass smooths in place, ascending: every bin becomes the weighted mean of itself (2), its already smoothed left
- * neighbour (1; not for bin 1) and its right neighbour (1). Then bin 0 takes bin 1's value. Passes accumulate.
+ *  neighbour (1; not for bin 1) and its right neighbour (1). Then bin 0 takes bin 1's value. Passes accumulate.
  *
  *  Contract: users of images with much background find its bin 0 apart from their peaks: it never enters a mean.
  *
  *  After every pass the maxima of the thresholded curve are counted: the bins i with d[i] >= 0 and d[i + 1] < 0 of the
- * derivative below.
+ *  derivative below.
  */
 #pragma once
 
@@ -44,7 +44,7 @@ std::size_t Smoothing_Scratch_Nb(std::size_t bins);
 
 /** Smooths `curve` (2 bins or more) in place. Allocates nothing inside the loop.
  *  @param scratch Smoothing_Scratch_Nb numbers; with less, but as many as the curve has bins, a short curve takes
- * longer; with less than that the plain path is taken
+ *  longer; with less than that the plain path is taken
  *  @param sink    may be null
  */
 Smoothing_Result Smooth_To_Maxima(std::span<double> curve, std::span<double> scratch, const Smoothing_Options& options,

@@ -1,12 +1,12 @@
 /** The loop of peak_smoothing.cpp for one instruction set: LANES passes in flight, two bins apart.
  *
  *  Pass p + 1 may treat a bin once pass p has treated the next one. So lane k works on bin s - 2k in step s: its right
- * neighbour is what lane k - 1 made in the step before, its own old value what lane k - 1 made two steps before. One
- * step costs the latency of two additions and one multiplication, whatever the number of lanes. x 0.25 equals / 4
- * exactly.
+ *  neighbour is what lane k - 1 made in the step before, its own old value what lane k - 1 made two steps before. One
+ *  step costs the latency of two additions and one multiplication, whatever the number of lanes. x 0.25 equals / 4
+ *  exactly.
  *
  *  Included once per instruction set. Calls nothing of the standard library: an inline function compiled here for a
- * newer processor could be the copy that the linker keeps for everybody.
+ *  newer processor could be the copy that the linker keeps for everybody.
  */
 #pragma once
 
@@ -137,24 +137,24 @@ inline void Smoothing_Middle(Smoothing_Lanes<Set::LANES>& lanes, double* curve, 
 template <class Set>
 inline void Smoothing_Edge_Count(Smoothing_Lanes<Set::LANES>& lanes, const typename Set::Double* made, float* bins,
                                  float n, float threshold) {
-    constexpr int WIDTH = 2 * Set::WIDTH;
+    constexpr int width = 2 * Set::WIDTH;
     for (int v = 0; v < Set::FLOATS; ++v) {
-        const typename Set::Float bin = Set::Load(bins + v * WIDTH);
+        const typename Set::Float bin = Set::Load(bins + v * width);
         const typename Set::Float level = Set::Positive(Set::Subtract(Set::Narrow(made + 2 * v), Set::All(threshold)));
-        const typename Set::Float level_1 = Set::Load(lanes.level_1 + v * WIDTH);
-        const typename Set::Float fell = Set::Load_Mask(lanes.fell + v * WIDTH);
+        const typename Set::Float level_1 = Set::Load(lanes.level_1 + v * width);
+        const typename Set::Float fell = Set::Load_Mask(lanes.fell + v * width);
         const typename Set::Float starts = Set::Is_Less(bin, Set::All(1.5F));
         const typename Set::Float is_over = Set::Is_Less(Set::All(n - 0.5F), bin);
         const typename Set::Float falls =
-            Set::Without(Set::Is_Less(level, Set::Load(lanes.level_2 + v * WIDTH)), starts);
+            Set::Without(Set::Is_Less(level, Set::Load(lanes.level_2 + v * width)), starts);
         // Behind the curve a lane has fallen for good; before it, it has counted nothing.
         const typename Set::Integer maxima =
-            Set::Count(Set::Load_Counts(lanes.maxima + v * WIDTH), Set::Or(fell, is_over), falls);
-        Set::Store_Counts(lanes.maxima + v * WIDTH, Set::Without(maxima, starts));
-        Set::Store_Mask(lanes.fell + v * WIDTH, falls);
-        Set::Store(lanes.level_2 + v * WIDTH, Set::Select(starts, level, level_1));
-        Set::Store(lanes.level_1 + v * WIDTH, level);
-        Set::Store(bins + v * WIDTH, Set::Subtract(bin, Set::All(-1.0F)));
+            Set::Count(Set::Load_Counts(lanes.maxima + v * width), Set::Or(fell, is_over), falls);
+        Set::Store_Counts(lanes.maxima + v * width, Set::Without(maxima, starts));
+        Set::Store_Mask(lanes.fell + v * width, falls);
+        Set::Store(lanes.level_2 + v * width, Set::Select(starts, level, level_1));
+        Set::Store(lanes.level_1 + v * width, level);
+        Set::Store(bins + v * width, Set::Subtract(bin, Set::All(-1.0F)));
     }
 }
 
@@ -220,20 +220,20 @@ template <class Set>
 inline void Smoothing_Group(double* curve, int n, float threshold, int passes, int* maxima) {
     Smoothing_Lanes<Set::LANES> lanes = {};
     lanes.waiting[0] = curve[1];
-    constexpr int START = 2 * Set::LANES;
+    constexpr int start = 2 * Set::LANES;
     const int last = n - 1 + 2 * (Set::LANES - 1);
     if (passes < Set::LANES) {
         Smoothing_Edges<Set>(lanes, curve, n, 1, last, threshold, passes);
     } else if constexpr (Set::WIDTH > 2) {
-        Smoothing_Edges<Set>(lanes, curve, n, 1, START - 1, threshold, passes);
-        Smoothing_Middle<Set>(lanes, curve, START, n - 2, threshold);
+        Smoothing_Edges<Set>(lanes, curve, n, 1, start - 1, threshold, passes);
+        Smoothing_Middle<Set>(lanes, curve, start, n - 2, threshold);
         Smoothing_Edges<Set>(lanes, curve, n, n - 1, last, threshold, passes);
     } else {
         // Vectors of two are no faster there than one lane after the other.
-        for (int step = 1; step < START; ++step) {
+        for (int step = 1; step < start; ++step) {
             Smoothing_End_Step(lanes, curve, step, n, threshold);
         }
-        Smoothing_Middle<Set>(lanes, curve, START, n - 2, threshold);
+        Smoothing_Middle<Set>(lanes, curve, start, n - 2, threshold);
         for (int step = n - 1; step <= last; ++step) {
             Smoothing_End_Step(lanes, curve, step, n, threshold);
         }

@@ -1,7 +1,7 @@
 /** The loop of peak_smoothing.cpp for short curves and one instruction set: LANES passes in flight, two bins apart, as
- * in peak_smoothing_kernel.h, but a lane that has reached the end of the curve begins the next pass that nobody has at
- * once, while the others still come to their ends. So no lane ever waits, where a group of passes that begins and ends
- * by itself stands idle for 2 x LANES steps of each: much of a curve of 256 bins.
+ *  in peak_smoothing_kernel.h, but a lane that has reached the end of the curve begins the next pass that nobody has at
+ *  once, while the others still come to their ends. So no lane ever waits, where a group of passes that begins and ends
+ *  by itself stands idle for 2 x LANES steps of each: much of a curve of 256 bins.
  *
  *  Time runs in turns of n steps; lane k works on bin t - 2k in step t of a turn. Every step leaves what all lanes made
  *  as a row of the history: from there lane 0 takes what the last lane made one turn ago, and there the last pass is
@@ -26,9 +26,8 @@ constexpr int Smoothing_History_Row(int t) {
 }
 
 /** The steps first .. last of a turn. Lane 0 takes its right neighbours from the rows of the steps behind + first ..
- * behind + last.
- *  With EDGES every other step, beginning with the first, ends the pass of one lane and begins one of the lane before
- * it; counts[k] receives the maxima of the pass that lane k ends. */
+ *  behind + last. With EDGES every other step, beginning with the first, ends the pass of one lane and begins one of
+ *  the lane before it; counts[k] receives the maxima of the pass that lane k ends. */
 template <class Set, bool EDGES>
 inline void Smoothing_Ring_Steps(Smoothing_Lanes<Set::LANES>& lanes, double* history, int first, int last, int behind,
                                  float threshold, int* counts) {
@@ -38,16 +37,16 @@ inline void Smoothing_Ring_Steps(Smoothing_Lanes<Set::LANES>& lanes, double* his
     typename Set::Float level_2[Set::FLOATS];
     typename Set::Float fell[Set::FLOATS];
     typename Set::Integer maxima[Set::FLOATS];
-    constexpr int WIDTH = 2 * Set::WIDTH;  // of a vector of floats
+    constexpr int width = 2 * Set::WIDTH;  // of a vector of floats
     for (int v = 0; v < Set::DOUBLES; ++v) {
         made[v] = Set::Load(lanes.made + v * Set::WIDTH);
         waiting[v] = Set::Load(lanes.waiting + v * Set::WIDTH);
     }
     for (int v = 0; v < Set::FLOATS; ++v) {
-        level_1[v] = Set::Load(lanes.level_1 + v * WIDTH);
-        level_2[v] = Set::Load(lanes.level_2 + v * WIDTH);
-        fell[v] = Set::Load_Mask(lanes.fell + v * WIDTH);
-        maxima[v] = Set::Load_Counts(lanes.maxima + v * WIDTH);
+        level_1[v] = Set::Load(lanes.level_1 + v * width);
+        level_2[v] = Set::Load(lanes.level_2 + v * width);
+        fell[v] = Set::Load_Mask(lanes.fell + v * width);
+        maxima[v] = Set::Load_Counts(lanes.maxima + v * width);
     }
     // Read from LANES - k on, the mark stands in lane k.
     double marks[2 * Set::LANES + 1] = {};
@@ -88,8 +87,8 @@ inline void Smoothing_Ring_Steps(Smoothing_Lanes<Set::LANES>& lanes, double* his
             maxima[v] = Set::Count(maxima[v], fell[v], falls);
             level_2[v] = level_1[v];
             if (turns) {
-                Set::Store_Counts(lanes.maxima + v * WIDTH, maxima[v]);
-                const float* marked = float_marks + Set::LANES - ending + 1 + v * WIDTH;
+                Set::Store_Counts(lanes.maxima + v * width, maxima[v]);
+                const float* marked = float_marks + Set::LANES - ending + 1 + v * width;
                 const typename Set::Float starts = Set::Is_Less(Set::All(0.0F), Set::Load(marked));
                 falls = Set::Without(falls, starts);
                 maxima[v] = Set::Without(maxima[v], starts);
@@ -107,10 +106,10 @@ inline void Smoothing_Ring_Steps(Smoothing_Lanes<Set::LANES>& lanes, double* his
         Set::Store(lanes.waiting + v * Set::WIDTH, waiting[v]);
     }
     for (int v = 0; v < Set::FLOATS; ++v) {
-        Set::Store(lanes.level_1 + v * WIDTH, level_1[v]);
-        Set::Store(lanes.level_2 + v * WIDTH, level_2[v]);
-        Set::Store_Mask(lanes.fell + v * WIDTH, fell[v]);
-        Set::Store_Counts(lanes.maxima + v * WIDTH, maxima[v]);
+        Set::Store(lanes.level_1 + v * width, level_1[v]);
+        Set::Store(lanes.level_2 + v * width, level_2[v]);
+        Set::Store_Mask(lanes.fell + v * width, fell[v]);
+        Set::Store_Counts(lanes.maxima + v * width, maxima[v]);
     }
 }
 
@@ -119,28 +118,28 @@ inline void Smoothing_Ring_Steps(Smoothing_Lanes<Set::LANES>& lanes, double* his
 template <class Set>
 inline void Smoothing_Ring_Begin(Smoothing_Lanes<Set::LANES>& lanes, const double* curve, int n, double* history,
                                  float threshold) {
-    constexpr int BEHIND = 2 * (Set::LANES - 1);
+    constexpr int behind = 2 * (Set::LANES - 1);
     for (int bin = 0; bin < n; ++bin) {
-        history[Smoothing_History_Row<Set::LANES>(bin + BEHIND) + Set::LANES - 1] = curve[bin];
+        history[Smoothing_History_Row<Set::LANES>(bin + behind) + Set::LANES - 1] = curve[bin];
     }
     int none[Set::LANES] = {};
-    Smoothing_Ring_Steps<Set, true>(lanes, history, -1, 2 * Set::LANES - 1, BEHIND + 1, threshold, none);
+    Smoothing_Ring_Steps<Set, true>(lanes, history, -1, 2 * Set::LANES - 1, behind + 1, threshold, none);
 }
 
 /** Ends LANES passes and begins the next.
  *  @param counts receives their maxima; bin b of the pass that lane k ended stands in column k of the history's row of
- * step b + 2k until the next turn */
+ *  step b + 2k until the next turn */
 template <class Set>
 inline void Smoothing_Ring_Turn(Smoothing_Lanes<Set::LANES>& lanes, int n, double* history, float threshold,
                                 bool is_first, int* counts) {
-    constexpr int BEHIND = 2 * (Set::LANES - 1);
-    constexpr int LAPPED = 2 * Set::LANES + 1;  // steps that belong to two turns
+    constexpr int behind = 2 * (Set::LANES - 1);
+    constexpr int lapped = 2 * Set::LANES + 1;  // steps that belong to two turns
     if (!is_first) {
         const double* from = history + Smoothing_History_Row<Set::LANES>(n - 1);
-        for (int i = 0; i < LAPPED * Set::LANES; i += Set::WIDTH) {
+        for (int i = 0; i < lapped * Set::LANES; i += Set::WIDTH) {
             Set::Store(history + i, Set::Load(from + i));
         }
     }
-    Smoothing_Ring_Steps<Set, false>(lanes, history, 2 * Set::LANES, n - 2, BEHIND + 1, threshold, counts);
-    Smoothing_Ring_Steps<Set, true>(lanes, history, n - 1, n - 1 + 2 * Set::LANES, BEHIND + 1 - n, threshold, counts);
+    Smoothing_Ring_Steps<Set, false>(lanes, history, 2 * Set::LANES, n - 2, behind + 1, threshold, counts);
+    Smoothing_Ring_Steps<Set, true>(lanes, history, n - 1, n - 1 + 2 * Set::LANES, behind + 1 - n, threshold, counts);
 }

@@ -2,7 +2,7 @@
  *  per pixel column. Pure numbers.
  *
  *  Columns count from the left edge of the plot area, rows from its bottom edge upward. A value stands on the pixel
- * whose middle is nearest, as the ticks of the axes do.
+ *  whose middle is nearest, as the ticks of the axes do.
  */
 #pragma once
 

@@ -2,7 +2,7 @@
  *  black. Pure numbers; allocates nothing.
  *
  *  The picture leaves one pixel around the plot rectangle: row 0 is the base line, on which counts of 0 lie, row n
- * stands n pixels above it.
+ *  stands n pixels above it.
  */
 #pragma once
 

@@ -1,7 +1,7 @@
 /** Drawing into a picture in memory: shaded columns, curves, half-transparent fills. No window system.
  *
  *  Pixels are 0x00RRGGBB, top row first; columns count from the left, rows from the bottom upward. Everything is
- * clipped to the picture.
+ *  clipped to the picture.
  */
 #pragma once
 

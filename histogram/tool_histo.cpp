@@ -82,14 +82,14 @@ int Tool_Histo::Resize(Boxs* box) {
     blow_button.Take_Look(*box);
     Widget_Place(blow_button, layout.button);
     blow_button.Set_Name("Blow");
-    blow_button.current = Histo_Window_Exists() ? 1 : 0;
+    blow_button.current = Has_Histo_Window() ? 1 : 0;
     blow_button.Init(box->window);
     return 1;
 }
 
 void Tool_Histo::Draw() {
     Error_Fct(hwnd, TRACE_LEVEL, "in Tool_Histo::Draw()");
-    blow_button.current = Histo_Window_Exists() ? 1 : 0;
+    blow_button.current = Has_Histo_Window() ? 1 : 0;
     Boxs::Draw();
     blow_button.Draw();
     scale_valuator.Draw();
@@ -179,7 +179,7 @@ void Tool_Histo::Update(unsigned __int64 flags) {
         Histo_Window_Notify(HISTO_WINDOW_DATA);
     }
     if (Has_Any(flags, UPDATE_ALL)) {
-        blow_button.current = Histo_Window_Exists() ? 1 : 0;
+        blow_button.current = Has_Histo_Window() ? 1 : 0;
         blow_button.Adjust();
     }
 }

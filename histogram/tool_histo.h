@@ -1,13 +1,13 @@
 /** @file
  *  The histogram panel: the grey-level histogram of the selected frames of the current window, with TAG bands, a cursor
- * at the grey level under the image mouse, an enlarged window, automatic peak analysis and export to a text file.
+ *  at the grey level under the image mouse, an enlarged window, automatic peak analysis and export to a text file.
  *
  *  **An empty histogram paints nothing**, so what was painted before stays on the screen. When counts come or go
  *  (nothing selected any more, a window closed, no frame with a histogram), the host calls Draw, which paints the empty
  *  box; Update alone does not.
  *
  *  The host constructs the panel, gives it a rectangle by Resize, and then forwards events and change flags. Everything
- * runs on the user-interface thread.
+ *  runs on the user-interface thread.
  */
 #pragma once
 
@@ -27,7 +27,7 @@ inline constexpr float HISTO_SCALE_MIN = 0.001F;  ///< largest magnification: a 
 inline constexpr float HISTO_SCALE_MAX = 1.0F;    ///< no magnification
 
 /** What a panel computed. Shared by the copies of a panel: recomputing in one is seen by the other; the last one frees
- * it.
+ *  it.
  *
  *  A host reads it (histogram/histo_peaks.h gives the peaks as numbers); pointers that it keeps are good until the next
  *  computation or analysis. Everything is freed by `delete` and `delete[]` of the module, so only a program that shares
@@ -65,7 +65,7 @@ struct KIT_PANELS_API Histo_Data {
  *  One enlarged window serves all panels of the process and shows the one that opened it. The end of **any** histogram
  *  panel closes it, also that of a temporary copy: hand panels on by reference. Its "Export" button and the fields of
  *  its selectors run modal loops (the save dialog, a drop list), in which the host's windows live on: the host may
- * close the window or destroy the panel there.
+ *  close the window or destroy the panel there.
  *
  *  Operations that may call the host back, and after whose call-back the panel need not exist any more: Click (a window
  *  that opens or comes to the front tells the other windows of the program at once), Fit_Derivative, Fit_Gaussian and
@@ -105,12 +105,12 @@ class KIT_PANELS_API Tool_Histo : public Boxs {
     /** UPDATE_SELECTION with UPDATE_LEVEL_2D, and UPDATE_HISTO_DATA: compute anew, and paint nothing of it: a host that
      *  wants the picture at once sends UPDATE_HISTO_PAINT too. UPDATE_HISTO_PAINT, UPDATE_TAG_TABLE, UPDATE_TAG_CUR:
      *  paint. UPDATE_MOUSE_FRAME: the cursor line follows. UPDATE_COLOR_COMPONENT: takes "$GLI_COLOR_COMPONENT" over
-     * and paints; without that variable Update ends there. UPDATE_ALL: only the mark of the "Blow" button. All but the
-     * last reach the enlarged window as well.
+     *  and paints; without that variable Update ends there. UPDATE_ALL: only the mark of the "Blow" button. All but the
+     *  last reach the enlarged window as well.
      *
      *  A computation reads the frames of "$WINDOW_CUR" that are selected, "$GLI_HISTO_BINS_MAX" and
      *  "$GLI_COLOR_COMPONENT", and writes "$GLI_HISTO_BINS_NB". "$SELECT_GLI_MIN" and "$SELECT_GLI_MAX" are looked up
-     * with them and restrict nothing. */
+     *  with them and restrict nothing. */
     void Update(unsigned __int64 flags);
     /** Sets the TAG ranges to shade: n (0 .. 32, read as a signed 16-bit number) groups of TAG number (int), minimum
      * and maximum (double, GLI). Repaints nothing. @return 1; 0 when n is out of range (the old ranges stay) */

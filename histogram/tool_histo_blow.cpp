@@ -110,7 +110,7 @@ bool View_Refresh() {
     return true;
 }
 
-bool Peak_Select_Exists() {
+bool Has_Peak_Select() {
     return histo_blow.peak_select.item_nb > 0;
 }
 
@@ -122,11 +122,11 @@ Histo_Plot_Scene Scene_Now() {
     scene.x = histo_blow.view.Visible_X();
     scene.y = histo_blow.view.Visible_Y();
     scene.tag = histo_blow.display_tag != 0;
-    scene.peak = Peak_Select_Exists() ? histo_blow.display_peak : HISTO_PEAK_OFF;
+    scene.peak = Has_Peak_Select() ? histo_blow.display_peak : HISTO_PEAK_OFF;
     return scene;
 }
 
-bool Plot_Contains(int x, int y) {
+bool Is_In_Plot(int x, int y) {
     const Boxs& plot = histo_blow.plot;
     return x >= plot.x && x < plot.x + plot.width && y >= plot.y && y < plot.y + plot.height;
 }
@@ -161,7 +161,7 @@ void Lay_Out() {
     metrics.button_height = std::max<int>(Host_Dimension("$INTERFACE_BUTTON_DIM_BIG"), 0);
     metrics.space = std::max<int>(Host_Dimension("$INTERFACE_SPACE_DIM"), 0);
     metrics.font_height = tool_font.height;
-    metrics.select_nb = Peak_Select_Exists() ? 3 : 2;
+    metrics.select_nb = Has_Peak_Select() ? 3 : 2;
     const Blow_Layout layout = Blow_Layout_Make(metrics);
 
     Boxs& plot = histo_blow.plot;
@@ -181,7 +181,7 @@ void Lay_Out() {
     Button_Place(histo_blow.export_button, "Export", layout.export_button);
     Select_Place(histo_blow.tag_select, layout, 0);
     Select_Place(histo_blow.cursor_select, layout, 1);
-    if (Peak_Select_Exists()) {
+    if (Has_Peak_Select()) {
         Select_Place(histo_blow.peak_select, layout, 2);
     }
 }
@@ -429,7 +429,7 @@ int Histo_Blow_Redraw() {
     histo_blow.export_button.Draw();
     histo_blow.tag_select.Draw();
     histo_blow.cursor_select.Draw();
-    if (Peak_Select_Exists()) {
+    if (Has_Peak_Select()) {
         histo_blow.peak_select.Draw();
     }
     // A press on a control has begun a rectangle without extent, which is nothing to see.
@@ -459,7 +459,7 @@ int Histo_Blow_Click(int up_down, int x, int y) {
     if (up_down == 0) {
         return Drag_End();
     }
-    const bool inside = Plot_Contains(x, y);
+    const bool inside = Is_In_Plot(x, y);
     // Buttons and selectors lie inside the plot box: a press on them begins a rectangle too, too small to zoom.
     if (inside) {
         if (histo_blow.dragging) {
@@ -486,7 +486,7 @@ int Histo_Blow_Key(int /*key*/, int /*x*/, int /*y*/) {
 int Histo_Blow_Motion(int up_down, int x, int y) {
     Trace_Mode("Mode Histo: Histo_Blow_Motion()");
     Error_Fct(hwnd, MOTION_LEVEL, "Mode Histo: Histo_Blow_Motion()");
-    if (histo_blow.dragging && Plot_Contains(x, y)) {
+    if (histo_blow.dragging && Is_In_Plot(x, y)) {
         histo_blow.drag.x_end = x;
         histo_blow.drag.y_end = y;
         Local_Drag_Draw(Scene_Now(), histo_blow.drag);
@@ -503,7 +503,7 @@ int Histo_Blow_Motion(int up_down, int x, int y) {
 
 int Histo_Blow_Scroll(int notches, int x, int y) {
     Trace_Mode("Mode Histo: Histo_Blow_Scroll()");
-    if (Plot_Contains(x, y) && View_Refresh()) {
+    if (Is_In_Plot(x, y) && View_Refresh()) {
         histo_blow.view.Zoom_Wheel(notches, x, y);
         Histo_Blow_Redraw();
     }

@@ -1,7 +1,7 @@
 /** The enlarged histogram window: its state, its handlers and its window procedure. One instance in the process.
  *
  *  Positions are client pixels, y counted upward from the bottom row. The widgets take the pointer from the library's
- * globals, which the window procedure sets before it calls a handler.
+ *  globals, which the window procedure sets before it calls a handler.
  */
 #pragma once
 

@@ -6,7 +6,7 @@
 class Tool_Histo;
 
 /** Asks for a file name and writes the panel's histogram there; the button shows the time between. Other messages are
- * handled while the name is asked for: afterwards panel and window may be gone.
+ *  handled while the name is asked for: afterwards panel and window may be gone.
  *  @return 1 when a file was written; 0 when the user cancelled, the panel went away meanwhile or writing failed
- * (reported) */
+ *  (reported) */
 int Histo_Export(Tool_Histo& panel, Buttons& button);

@@ -8,9 +8,8 @@ struct Histo_Data;
 struct Histo_Record;
 
 ///@{
-/** Analyses the record's counts as chosen by the colour component. The messages of an analysis may let the host
- *  destroy the panel or begin another analysis: the data live until this one ends, and another one meanwhile is
- * refused.
+/** Analyses the record's counts as chosen by the colour component. The messages of an analysis may let the host destroy
+ *  the panel or begin another analysis: the data live until this one ends, and another one meanwhile is refused.
  *  @param panel_data of a panel; null: there is nothing to analyse
  *  @return 1; 0 without counts and while an analysis runs */
 int Histo_Fit_Derivative(const std::shared_ptr<Histo_Data>& panel_data, std::uint8_t component, std::uint8_t max_peak);

@@ -123,7 +123,7 @@ void Histo_Window_Panel_Gone(const Tool_Histo* panel) {
     background.Reset();
 }
 
-bool Histo_Window_Exists() {
+bool Has_Histo_Window() {
     return histo_blow.window != nullptr;
 }
 

@@ -16,7 +16,7 @@ void Histo_Window_Panel_Born();
 void Histo_Window_Panel_Gone(const Tool_Histo* panel);
 
 /** True while the window exists. */
-bool Histo_Window_Exists();
+bool Has_Histo_Window();
 /** Shows and raises the window, or creates it for this panel: where it stood last, owned by whom the host names. */
 void Histo_Window_Open(Tool_Histo& panel);
 /** The window was moved or sized: tells the host where it stands now, unless it is the smallest or the largest. */

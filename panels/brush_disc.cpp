@@ -14,14 +14,14 @@ std::size_t Pixel_Index(const Button_Pictures& pictures, int x, int y) {
     return static_cast<std::size_t>(y) * static_cast<std::size_t>(pictures.width) + static_cast<std::size_t>(x);
 }
 
-bool Inside_Disc(const Button_Pictures& pictures, std::size_t pixel) {
+bool Is_In_Disc(const Button_Pictures& pictures, std::size_t pixel) {
     return pictures.image[Current][pixel] == pictures.image[Plain][pixel];
 }
 
-bool Touches_Disc(const Button_Pictures& pictures, int x, int y) {
+bool Is_Beside_Disc(const Button_Pictures& pictures, int x, int y) {
     for (int row = y - 1; row <= y + 1; row++) {
         for (int column = x - 1; column <= x + 1; column++) {
-            if ((row != y || column != x) && Inside_Disc(pictures, Pixel_Index(pictures, column, row))) {
+            if ((row != y || column != x) && Is_In_Disc(pictures, Pixel_Index(pictures, column, row))) {
                 return true;
             }
         }
@@ -85,7 +85,7 @@ void Brush_Outline_Paint(const Button_Pictures& pictures, const Outline_Range& r
     // The pressed picture carries the marks: the two that tell inside from outside must stay as they are meanwhile.
     For_Each_Pixel(range, [&pictures](int x, int y) {
         const std::size_t pixel = Pixel_Index(pictures, x, y);
-        if (!Inside_Disc(pictures, pixel) && Touches_Disc(pictures, x, y)) {
+        if (!Is_In_Disc(pictures, pixel) && Is_Beside_Disc(pictures, x, y)) {
             pictures.image[Pressed][pixel] = OUTLINE_COLOR;
         }
     });

@@ -108,7 +108,7 @@ class Label_Grid {
     bool Editor_Has_Keyboard() { return editor.Select(1, 0, 0) != 0; }
     /** Opens the editor over a button, loaded with its caption. An edit that is still open is cancelled.
      *  @param index of a button, 0 .. Button_Nb(count) - 1; @param count as everywhere; @param window handed to the
-     * editor; null keeps its own */
+     *  editor; null keeps its own */
     void Edit_Open(int index, int count, HWND window);
     /** Cancels an open edit. @param count as everywhere; @param redraw also draws its button */
     void Edit_Cancel(int count, bool redraw);

@@ -10,8 +10,8 @@ constexpr int HEIGHT_MARGIN = 5;  // pixels
 
 /** The whole pixels of a scroll position; of one that is no number 0. */
 int Scroll_Offset(float scroll) {
-    constexpr float LIMIT = 1.0e8F;
-    return scroll == scroll ? static_cast<int>(std::clamp(scroll, -LIMIT, LIMIT)) : 0;
+    constexpr float limit = 1.0e8F;
+    return scroll == scroll ? static_cast<int>(std::clamp(scroll, -limit, limit)) : 0;
 }
 
 }  // namespace

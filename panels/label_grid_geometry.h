@@ -2,9 +2,9 @@
  *  Where a grid of label buttons stands: pure numbers, no widget.
  *
  *  Pixels of a window whose y grows downwards; rectangles are half-open (x .. x + width - 1). The grid has four
- * columns; the top row holds the four highest labels, the bottom row labels 0 to 3. Only complete rows are laid out.
+ *  columns; the top row holds the four highest labels, the bottom row labels 0 to 3. Only complete rows are laid out.
  *
- * Contract: hosts ask for the height of count / 4 rows; the lowest labels of another count have no room, so no button.
+ *  Contract: hosts ask for the height of count / 4 rows; the lowest labels of another count have no room, so no button.
  */
 #pragma once
 

@@ -36,8 +36,8 @@ void Label_Color_Set(Buttons& button, std::uint32_t color) {
 }
 
 void Label_Color_Show(Buttons& button, std::uint32_t color, Label_Change& change) {
-    constexpr std::uint32_t COLOR_MASK = 0xFFFFFF;
-    if (button.color.get() != (color & COLOR_MASK)) {
+    constexpr std::uint32_t color_mask = 0xFFFFFF;
+    if (button.color.get() != (color & color_mask)) {
         Label_Color_Set(button, color);
         change.Add(Label_Change::INIT | Label_Change::REDRAW);
     }

@@ -14,15 +14,15 @@ Label_Dimensions Label_Dimensions_Read();
  *  @return the picked label, -1 for none */
 template <class Panel>
 int Label_Click(Panel& panel, Label_Grid grid, int& current, int count, int up_down, HWND editor_window) {
-    constexpr int RIGHT_PRESS_CODE = MOUSE_PRESS | MOUSE_RIGHT;
+    constexpr int right_press_code = MOUSE_PRESS | MOUSE_RIGHT;
     // Contract: hosts name label 0 themselves (of TAGs the background) and count on a right press to pick it.
-    constexpr int FIRST_EDITABLE = 1;
-    constexpr int CURRENT_MASK = 0xFF;
+    constexpr int first_editable = 1;
+    constexpr int current_mask = 0xFF;
     if ((up_down & MOUSE_PRESS) == 0) {
         return Label_Grid::NONE;  // a release, whichever buttons are still held
     }
-    if (up_down == RIGHT_PRESS_CODE && count > FIRST_EDITABLE) {
-        if (const int index = grid.Button_Hit(FIRST_EDITABLE, count, up_down); index != Label_Grid::NONE) {
+    if (up_down == right_press_code && count > first_editable) {
+        if (const int index = grid.Button_Hit(first_editable, count, up_down); index != Label_Grid::NONE) {
             grid.Edit_Open(index, count, editor_window);
             return Label_Grid::NONE;
         }
@@ -35,7 +35,7 @@ int Label_Click(Panel& panel, Label_Grid grid, int& current, int count, int up_d
     }
     const int picked = grid.Button_Hit(0, count, up_down);
     if (picked != Label_Grid::NONE) {
-        current = picked & CURRENT_MASK;
+        current = picked & current_mask;
     }
     return picked;
 }
@@ -101,7 +101,7 @@ struct Label_Copy_Failure {
 bool Label_Replace(char** label, const char* text, const Label_Copy_Failure& failure);
 
 /** Feeds a key to the open editor. A finished edit ends with Fct_Update, in which the host may destroy the panel:
- * nothing of it is touched afterwards.
+ *  nothing of it is touched afterwards.
  *  @param count_now the table's count, asked when the edit is finished: it may have shrunk below the label meanwhile
  *  @param store (int label, const char* text) takes a text that is not empty over; false: it could not, and the button
  *  stays behind the closed editor. Contract: hosts bring it back by the next Resize or Leave.

@@ -13,9 +13,9 @@
  *  "$TAG_RED", "$TAG_GRN", "$TAG_BLU" the colour of the discs. The masks "$BRUSH_PT" (one per brush, 2R + 1 row
  *  pointers each, R = "$BRUSH_RADIUS") are the host's memory; the panel only writes them, during Update. "$BRUSH_PT" is
  *  an array of VARIABLE_POINTER with "$BRUSH_NB" elements; each is an unsigned char** that names the 2R + 1 rows, and
- * each row has 2R + 1 bytes: 1 where the brush covers, else 0. A mask with a null row, and a null element, is left
- * alone. The host defines all of these before the first Resize. The panel shows at most 8 brushes; further ones get
- * their mask only.
+ *  each row has 2R + 1 bytes: 1 where the brush covers, else 0. A mask with a null row, and a null element, is left
+ *  alone. The host defines all of these before the first Resize. The panel shows at most 8 brushes; further ones get
+ *  their mask only.
  *
  *  No operation runs a message loop or calls the host back, but for the traces by Error_Fct.
  *

@@ -142,7 +142,7 @@ void Tool_Marker::Leave() {
 void Tool_Marker::Update(unsigned __int64 flags) {
     Error_Fct(hwnd, MARKER_TRACE_LEVEL, "in Tool_Marker::Update()");
     Label_Grid grid(widgets);
-    // Contract: every step looks the count up, so that a host may change it between two of them.
+    // Contract: hosts change the count in what a step calls: every step looks it up.
     Label_Change change;
     if (Has_Any(flags, UPDATE_TAG_CUR)) {
         current = Host_Count("$MARKER_CUR");

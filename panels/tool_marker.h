@@ -13,8 +13,8 @@ inline constexpr int MARKER_CAPACITY = 64;  ///< most markers that are shown; fu
  *
  *  Works like Tool_Tag, with "$MARKER_NB", "$MARKER_CUR" and "$MARKER_LABEL". What differs: colours come from
  *  "$MARKER_COLOR" (0x00BBGGRR) and marker 0 has no colour of its own; there is no option word, no threshold mode and
- * no greying; the check mark shows "$MARKER_ENABLE" where the host box asks for check marks (STYLE_SHOW_CHECK); a
- * change of "$MARKER_NB" needs a Resize.
+ *  no greying; the check mark shows "$MARKER_ENABLE" where the host box asks for check marks (STYLE_SHOW_CHECK); a
+ *  change of "$MARKER_NB" needs a Resize.
  */
 class KIT_PANELS_API Tool_Marker {
   public:
@@ -44,8 +44,8 @@ class KIT_PANELS_API Tool_Marker {
     /** Wherever the pointer is. @param val notches, forward positive. @return 1 */
     int Scroll(int val);
     /** Feeds the open editor. A finished text replaces the host's "$MARKER_LABEL" element; an empty one changes
-     * nothing. Both end with Fct_Update(UPDATE_TAG_LABEL), the flag that markers share with TAGs, in which the host may
-     * call any operation and may destroy the panel. Labels are the C runtime's, as those of Tool_Tag.
+     *  nothing. Both end with Fct_Update(UPDATE_TAG_LABEL), the flag that markers share with TAGs, in which the host
+     *  may call any operation and may destroy the panel. Labels are the C runtime's, as those of Tool_Tag.
      *  @param key its low 16 bits count
      *  @return 1 when an editor took the key; 0 without one, without "$MARKER_LABEL", and after a failed copy, which is
      *  reported and leaves the label null */

@@ -9,13 +9,13 @@
 
 /** Steps the focused image window to the next ("Up") or previous ("Down") frame of its volume and runs the host's
  *  propagation function on the frame that was shown and the one that is shown now; jumps to any frame by a list, by
- * keys or by the wheel without running it.
+ *  keys or by the wheel without running it.
  *
  *  Shared state: "$WINDOW_CUR" the focused window, "$FRAME_CUR" the frame shown in each window, "$INTERFACE_LOCK_FOCUS"
  *  1 while the function runs. The panel asks for another frame by Fct_Change_Child and learns what is shown by Update,
  *  which the host may call before Fct_Change_Child returns. Frames and volumes are the host's; the panel keeps pointers
  *  to the shown frame and its volume from one Update to the next. They outlive the operation that uses them, whatever
- * the host does meanwhile.
+ *  the host does meanwhile.
  *
  *  Click, Scroll, Keyboard and Propagate call out: the drop list of Click runs a message loop until it is closed,
  *  Fct_Change_Child and the propagation function are the host's. In each of these the host may call any operation, and
@@ -36,14 +36,14 @@ class KIT_PANELS_API Tool_Propagate {
     /** Stores the propagation function; null: none. Refreshes nothing: the host sends UPDATE_FRAME_CUR or UPDATE_ALL
      *  afterwards. Without a function Update shows a panel without frames.
      *  @param fct called with the frame that was shown and the frame shown now (Quorel_2D*), on the caller's thread;
-     * its result is that of Propagate. It may change frames, variables and panels, also this one. @return 1 */
+     *  its result is that of Propagate. It may change frames, variables and panels, also this one. @return 1 */
     int Set(int (*fct)(void*, void*));
     /** Moves by `direction` frames (1: next, -1: previous) in "$WINDOW_CUR", then runs the function on the frame that
-     * was shown when Propagate was called and the one moved to, also when the host meanwhile answers by Update or gives
-     * the focus to a window with another volume. Without a function the move stays and the user is warned. While the
-     *  function runs the focus is locked and the wait cursor shown; both end with it, also by an exception, which goes
-     * no farther, counts as result 0 and is told to the user. Afterwards the panel stands at the frame moved to, unless
-     * an Update during the run told of another frame of that window.
+     *  was shown when Propagate was called and the one moved to, also when the host meanwhile answers by Update or
+     *  gives the focus to a window with another volume. Without a function the move stays and the user is warned. While
+     *  the function runs the focus is locked and the wait cursor shown; both end with it, also by an exception, which
+     *  goes no farther, counts as result 0 and is told to the user. Afterwards the panel stands at the frame moved to,
+     *  unless an Update during the run told of another frame of that window.
      *  @return the function's result; 0 when nothing was run: at the first and last frame, where nothing moves, without
      *  window, volume or function, when Update told during the move that no volume is shown, and when the panel was
      *  destroyed during it */

@@ -35,10 +35,10 @@ struct Tag_Colors {
         if (tag == 0) {
             return BACKGROUND_COLOR;
         }
-        constexpr unsigned int HIGH_BYTE = 8;
-        const std::uint32_t high_red = red[tag] >> HIGH_BYTE;
-        const std::uint32_t high_green = green[tag] >> HIGH_BYTE;
-        const std::uint32_t high_blue = blue[tag] >> HIGH_BYTE;
+        constexpr unsigned int high_byte = 8;
+        const std::uint32_t high_red = red[tag] >> high_byte;
+        const std::uint32_t high_green = green[tag] >> high_byte;
+        const std::uint32_t high_blue = blue[tag] >> high_byte;
         return high_red | (high_green << 8U) | (high_blue << 16U);
     }
 };

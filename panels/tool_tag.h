@@ -22,10 +22,10 @@ inline constexpr unsigned short TAG_THRESHOLD_MODE =
 /** Picks the current TAG, shows each TAG's state, and edits its label or lower threshold in place after a right press.
  *
  *  Lives in a window whose y grows downwards. The top row holds the four highest TAGs, the bottom row TAGs 0 to 3, and
- * a freshly laid out panel is scrolled to its bottom. Only complete rows are shown, so a host makes the count a
- * multiple of four. The panel does not write "$TAG_CUR": the host stores what Click returned and announces it; the host
- * also toggles enable, select and lock. Arrays of the host have "$TAG_NB" elements at least. A copy shares the buttons
- * with its original; they live until the last of both is gone.
+ *  a freshly laid out panel is scrolled to its bottom. Only complete rows are shown, so a host makes the count a
+ *  multiple of four. The panel does not write "$TAG_CUR": the host stores what Click returned and announces it; the
+ *  host also toggles enable, select and lock. Arrays of the host have "$TAG_NB" elements at least. A copy shares the
+ *  buttons with its original; they live until the last of both is gone.
  */
 class KIT_PANELS_API Tool_Tag {
   public:
@@ -60,9 +60,9 @@ class KIT_PANELS_API Tool_Tag {
     int Scroll(int val);
     /** Feeds the open editor. A finished text replaces the host's "$TAG_LABEL" element or, in threshold mode, the
      *  "$TAG_THRESHOLD_MIN" element, by the number (float)atof(text); an empty one changes nothing. Both end with
-     *  Fct_Update(UPDATE_TAG_LABEL), in which the host may call any operation and may destroy the panel.
-     *  Labels are the C runtime's: the old one is given back by free, the new one comes from malloc. So the host's
-     * labels come from the same runtime (Variable_Set_Array_Text of kits/dataset/dataset_host.h sees to that).
+     *  Fct_Update(UPDATE_TAG_LABEL), in which the host may call any operation and may destroy the panel. Labels are the
+     *  C runtime's: the old one is given back by free, the new one comes from malloc. So the host's labels come from
+     *  the same runtime (Variable_Set_Array_Text of kits/dataset/dataset_host.h sees to that).
      *  @param key its low 16 bits count
      *  @return 1 when an editor took the key; 0 without one, without "$TAG_LABEL", and after a failed copy, which is
      *  reported and leaves the label null */
@@ -72,9 +72,9 @@ class KIT_PANELS_API Tool_Tag {
     /** Tests UPDATE_TAG_ENABLE, _SELECT, _LOCK, _CUR, _LABEL and _TABLE, in this order. A missing array ends the update
      *  at its step, without painting. UPDATE_TAG_TABLE lays out the buttons of the present count and scrolls to the
      *  bottom again. TAGs that it brings can be drawn, picked and edited at once; their captions, marks and greying
-     * come by the flags of the arrays, so a host sends those along. It repaints the buttons only when a colour changed,
-     * so a host that changed the count draws the panel; and the columns stay where Resize put them, so it lays the
-     * panel out when the slider came or went. */
+     *  come by the flags of the arrays, so a host sends those along. It repaints the buttons only when a colour
+     *  changed, so a host that changed the count draws the panel; and the columns stay where Resize put them, so it
+     *  lays the panel out when the slider came or went. */
     void Update(unsigned __int64 flags);
 
   private:

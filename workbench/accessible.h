@@ -35,7 +35,7 @@ struct Accessible_Source {
 std::optional<LRESULT> Accessible_Message(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
                                           const std::shared_ptr<Accessible_Source>& source);
 /** Active Accessibility's question alone, WM_GETOBJECT. @param source may die before the answer: the answer then says
- * that it is not connected
+ *  that it is not connected
  *  @return what the window procedure returns; 0 when something else than the client area is asked about */
 LRESULT Accessible_Answer(HWND window, WPARAM wparam, LPARAM lparam, const std::shared_ptr<Accessible_Source>& source);
 

@@ -25,10 +25,10 @@ bool Is_Half(wchar_t unit) {
 }  // namespace
 
 std::span<const wchar_t* const> Faces_Of_Scripts() {
-    static constexpr const wchar_t* FACES[] = {L"Segoe UI",     L"Microsoft YaHei UI", L"Microsoft JhengHei UI",
+    static constexpr const wchar_t* faces[] = {L"Segoe UI",     L"Microsoft YaHei UI", L"Microsoft JhengHei UI",
                                                L"Yu Gothic UI", L"Malgun Gothic",      L"MS UI Gothic",
                                                L"SimSun",       L"Arial Unicode MS",   L"Noto Sans CJK SC"};
-    return FACES;
+    return faces;
 }
 
 std::size_t Letters_Missing(HDC dc, HFONT font, std::wstring_view text) {

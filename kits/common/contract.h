@@ -2,7 +2,7 @@
  *  Checks of what a host owes its panels. Off by default; a host turns them on while it is being written.
  *
  *  Every mistake is reported once as a warning of the form "WARNING: Contract: MISTAKE: SUBJECT", for example
- * "Contract: variable missing: $TAG_NB", and counted. */
+ *  "Contract: variable missing: $TAG_NB", and counted. */
 #pragma once
 
 #include "host/kit_common.h"

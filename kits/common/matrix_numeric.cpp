@@ -68,21 +68,21 @@ bool All_Finite(const double* values, std::size_t count) {
 
 /** Per group of rows: the columns that hold anything but zeros. */
 Filling Columns_Filled(const Matrix_View& matrix) {
-    constexpr std::size_t STRIDE = 16;
+    constexpr std::size_t stride = 16;
     Filling filling;
     filling.ranges.resize(Groups(matrix.rows, ROW_GROUP));
     for (std::size_t row = 0; row < matrix.rows; ++row) {
         const double* values = matrix.values + row * matrix.columns;
         std::size_t begin = 0;
         std::size_t end = matrix.columns;
-        while (begin + STRIDE <= end && All_Zero(values + begin, STRIDE)) {
-            begin += STRIDE;
+        while (begin + stride <= end && All_Zero(values + begin, stride)) {
+            begin += stride;
         }
         while (begin < end && values[begin] == 0.0) {
             ++begin;
         }
-        while (end >= begin + STRIDE && All_Zero(values + end - STRIDE, STRIDE)) {
-            end -= STRIDE;
+        while (end >= begin + stride && All_Zero(values + end - stride, stride)) {
+            end -= stride;
         }
         while (end > begin && values[end - 1] == 0.0) {
             --end;
@@ -194,12 +194,12 @@ void Multiply_Ranges(const Matrix_View& left, const Matrix_View& right, const Fi
 
 void Transpose(const double* values, std::size_t rows, std::size_t columns, double* out) {
     // Rows that lie a power of two apart share a few places of the first cache: no more than eight at once.
-    constexpr std::size_t TILE_COLUMNS = 8;
-    constexpr std::size_t TILE_ROWS = 32;
-    for (std::size_t row_begin = 0; row_begin < rows; row_begin += TILE_ROWS) {
-        const std::size_t row_end = std::min(row_begin + TILE_ROWS, rows);
-        for (std::size_t column_begin = 0; column_begin < columns; column_begin += TILE_COLUMNS) {
-            const std::size_t column_end = std::min(column_begin + TILE_COLUMNS, columns);
+    constexpr std::size_t tile_columns = 8;
+    constexpr std::size_t tile_rows = 32;
+    for (std::size_t row_begin = 0; row_begin < rows; row_begin += tile_rows) {
+        const std::size_t row_end = std::min(row_begin + tile_rows, rows);
+        for (std::size_t column_begin = 0; column_begin < columns; column_begin += tile_columns) {
+            const std::size_t column_end = std::min(column_begin + tile_columns, columns);
             for (std::size_t column = column_begin; column < column_end; ++column) {
                 for (std::size_t row = row_begin; row < row_end; ++row) {
                     out[column * rows + row] = values[row * columns + column];
@@ -233,10 +233,10 @@ bool Multiply(const Matrix_View& left, const Matrix_View& right, double* out) tr
     const Filling right_filling = Rows_Filled(right);
     // Zero times infinity is not zero, so nothing may be left out then.
     if (left_filling.is_finite && right_filling.is_finite) {
-        constexpr double WORTH_SKIPPING = 0.4;  // of all products; Eigen is faster at each
+        constexpr double worth_skipping = 0.4;  // of all products; Eigen is faster at each
         const double full =
             static_cast<double>(left.rows) * static_cast<double>(left.columns) * static_cast<double>(right.columns);
-        if (Work(left_filling, right_filling) < WORTH_SKIPPING * full) {
+        if (Work(left_filling, right_filling) < worth_skipping * full) {
             Multiply_Ranges(left, right, left_filling, right_filling, out);
             return true;
         }

@@ -293,11 +293,11 @@ const char* Message_Text::Print_Conversion(const char* format, Arguments& argume
         const char* text;
         Length length;
     };
-    constexpr Prefix PREFIXES[] = {{"hh", Length::Char},      {"h", Length::Short},       {"ll", Length::Long_Long},
+    constexpr Prefix prefixes[] = {{"hh", Length::Char},      {"h", Length::Short},       {"ll", Length::Long_Long},
                                    {"l", Length::Long},       {"j", Length::Max},         {"z", Length::Size},
                                    {"t", Length::Difference}, {"L", Length::Long_Double}, {"I64", Length::Long_Long},
                                    {"I32", Length::Int},      {"w", Length::Long}};
-    for (const Prefix& prefix : PREFIXES) {
+    for (const Prefix& prefix : prefixes) {
         const std::size_t count = std::strlen(prefix.text);
         if (std::strncmp(format, prefix.text, count) == 0) {
             conversion.length = prefix.length;

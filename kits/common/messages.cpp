@@ -61,8 +61,8 @@ class Receiver_List {
 
     void Deliver(HWND window, int level, const char* text) {
         // A receiver that answers every message with another one would never end.
-        constexpr int DEPTH_MAX = 8;
-        if (depth >= DEPTH_MAX) {
+        constexpr int depth_max = 8;
+        if (depth >= depth_max) {
             return;
         }
         ++depth;

@@ -14,7 +14,7 @@ bool Code_Page_Is_Utf8() {
 }
 
 int Wide_Of_Character(const char* text, int bytes, wchar_t* out) {
-    constexpr std::uint32_t REPLACEMENT_CHARACTER = 0xFFFD;
+    constexpr std::uint32_t replacement_character = 0xFFFD;
     const auto lead = static_cast<unsigned char>(text[0]);
     std::uint32_t code = lead;
     if (bytes > 1) {
@@ -23,7 +23,7 @@ int Wide_Of_Character(const char* text, int bytes, wchar_t* out) {
             code = code << 6 | (static_cast<unsigned char>(text[i]) & 0x3FU);
         }
     } else if (lead >= 0x80) {
-        code = REPLACEMENT_CHARACTER;
+        code = replacement_character;
     }
     out[0] = static_cast<wchar_t>(code);
     return 1;
@@ -37,11 +37,11 @@ int Bytes_Of_Wide_Character(const wchar_t* text, int units, char* out) {
         code = '?';
     }
     const int length = code < 0x80 ? 1 : code < 0x800 ? 2 : code < 0x10000 ? 3 : 4;
-    constexpr std::uint32_t LEAD[] = {0, 0, 0xC0, 0xE0, 0xF0};
+    constexpr std::uint32_t lead[] = {0, 0, 0xC0, 0xE0, 0xF0};
     for (int i = length - 1; i > 0; --i) {
         out[i] = static_cast<char>(0x80 | (code & 0x3F));
         code >>= 6;
     }
-    out[0] = static_cast<char>(LEAD[length] | code);
+    out[0] = static_cast<char>(lead[length] | code);
     return length;
 }

@@ -2,7 +2,7 @@
  *  The application's side of Kit_Dataset: what a host defines so that panels find it.
  *
  *  A host defines its variables, creates its objects, registers one listener for the panels' requests, and from then on
- * changes values with the setters below and announces each change to its panels by their Update.
+ *  changes values with the setters below and announces each change to its panels by their Update.
  */
 #pragma once
 
@@ -17,9 +17,9 @@
  * memory, for a null name and for a type that is no number */
 KIT_DATASET_API int Variable_Define_Scalar(const char* name, Variable_Type type, double value);
 /** Defines an array of `nb` elements, zeroed. An existing array of the same type that this call made keeps its first
- * elements. Texts are freed when cut off.
+ *  elements. Texts are freed when cut off.
  *  @return the first element, not null for an empty array either; null without memory, for a negative count or
- * VARIABLE_NONE (the variable then keeps its old array) */
+ *  VARIABLE_NONE (the variable then keeps its old array) */
 KIT_DATASET_API void* Variable_Define_Array(const char* name, Variable_Type type, int nb);
 /** Defines an array that belongs to the application; the kit stores its address only.
  * @return 1; 0 without memory, for a null name, a negative count or VARIABLE_NONE */
@@ -121,11 +121,11 @@ struct Histo_Grid {
     int nb_bins = 1;         ///< 1 .. 65535
 };
 /** The grid of levels lowest .. highest: one bin per stored level, or the smallest whole number of levels with which a
- * histogram panel keeps the bins as they are.
+ *  histogram panel keeps the bins as they are.
  *  @param lowest, highest stored levels, in either order; @param slope, intercept grey level of a level
  *  @param most_bins what "$GLI_HISTO_BINS_MAX" is. The panel counts one grey level more than the frames cover, so one
- *  bin per level needs the number of levels and 1 / slope more (257 for 256 levels of slope 1); with less it would
- *  join bins, and this joins levels instead: frames and panel show the same bins */
+ *  bin per level needs the number of levels and 1 / slope more (257 for 256 levels of slope 1); with less it would join
+ *  bins, and this joins levels instead: frames and panel show the same bins */
 KIT_DATASET_API Histo_Grid Histo_Grid_Of_Levels(std::int32_t lowest, std::int32_t highest, float slope, float intercept,
                                                 int most_bins);
 
@@ -133,10 +133,10 @@ KIT_DATASET_API Histo_Grid Histo_Grid_Of_Levels(std::int32_t lowest, std::int32_
  *  @param frame must have its levels
  *  @param grid values outside it do not count; not used for colour frames
  *  @param mask width x height bytes: only the first slice of the first time counts, and of it only pixels whose byte is
- * not zero; null: all. Colour frames get all five arrays on 256 bins from 0 (`counts` and `counts_component0` count the
- * largest component).
+ *  not zero; null: all. Colour frames get all five arrays on 256 bins from 0 (`counts` and `counts_component0` count
+ *  the largest component).
  *  @return 1; 0 without levels, with a dimension of 0, without memory, or with a grid outside what Histo_Grid says or
- * not finite (the frame then has no histogram) */
+ *  not finite (the frame then has no histogram) */
 KIT_DATASET_API int Frame_Histogram_Build(Level_Frame* frame, const Histo_Grid& grid, const unsigned char* mask);
 /** Frees the record that Frame_Histogram_Build made; one of the application's is only forgotten. */
 KIT_DATASET_API void Frame_Histogram_Free(Quorel_2D_Frame* frame);

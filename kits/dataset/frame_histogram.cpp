@@ -114,8 +114,8 @@ void Visit_Levels(const Level_Frame& frame, const unsigned char* mask, Take take
  *  @return false when the levels are spread too far or memory is missing */
 bool Count_By_Level(const Level_Frame& frame, const unsigned char* mask, const Level_Scale& scale,
                     std::uint32_t* counts) {
-    constexpr std::int64_t LEVEL_NB_MAX = 1 << 20;
-    constexpr std::size_t BANKS = 4;  // neighbours of equal level must not wait for each other's store
+    constexpr std::int64_t level_nb_max = 1 << 20;
+    constexpr std::size_t bank_nb = 4;  // neighbours of equal level must not wait for each other's store
     std::int32_t lowest = INT32_MAX;
     std::int32_t highest = INT32_MIN;
     Visit_Levels(frame, mask, [&](std::int32_t level, std::size_t) {
@@ -126,11 +126,11 @@ bool Count_By_Level(const Level_Frame& frame, const unsigned char* mask, const L
         return true;
     }
     const std::int64_t level_nb = std::int64_t{highest} - lowest + 1;
-    if (level_nb > LEVEL_NB_MAX) {
+    if (level_nb > level_nb_max) {
         return false;
     }
     const auto nb = static_cast<std::size_t>(level_nb);
-    const Count_Array by_level = Counts_Zeroed(nb * BANKS);
+    const Count_Array by_level = Counts_Zeroed(nb * bank_nb);
     if (by_level == nullptr) {
         return false;
     }
@@ -140,10 +140,10 @@ bool Count_By_Level(const Level_Frame& frame, const unsigned char* mask, const L
             return;  // outside the image
         }
         // The four counts of a level stand side by side, in one cache line.
-        ++banks[static_cast<std::size_t>(std::int64_t{level} - lowest) * BANKS + i % BANKS];
+        ++banks[static_cast<std::size_t>(std::int64_t{level} - lowest) * bank_nb + i % bank_nb];
     });
     for (std::size_t i = 0; i < nb; ++i) {
-        const std::uint32_t* bank = banks + i * BANKS;
+        const std::uint32_t* bank = banks + i * bank_nb;
         const std::uint32_t count = bank[0] + bank[1] + bank[2] + bank[3];
         const int bin = count > 0 ? scale.Bin(static_cast<std::int32_t>(lowest + static_cast<std::int64_t>(i))) : -1;
         if (bin >= 0) {

@@ -54,8 +54,8 @@ bool Room_For_One() {
     if (list.size < list.room) {
         return true;
     }
-    constexpr int FIRST_ROOM = 64;
-    const int room = list.room == 0 ? FIRST_ROOM : list.room * 2;
+    constexpr int first_room = 64;
+    const int room = list.room == 0 ? first_room : list.room * 2;
     auto* grown =
         static_cast<Quorel_2D**>(std::realloc(list.objects, static_cast<std::size_t>(room) * sizeof(Quorel_2D*)));
     if (grown == nullptr) {
@@ -135,8 +135,8 @@ unsigned short Iterator_Init(const char* who, Quorel* /*object*/) {
         if (pass.open) {
             continue;
         }
-        constexpr int NUMBER_MAX = 0xFFFF >> HANDLE_BITS;
-        pass.number = static_cast<unsigned short>(pass.number % NUMBER_MAX + 1);
+        constexpr int number_max = 0xFFFF >> HANDLE_BITS;
+        pass.number = static_cast<unsigned short>(pass.number % number_max + 1);
         pass.open = true;
         pass.next = 0;
         std::snprintf(pass.who, sizeof pass.who, "%s", who != nullptr ? who : "");

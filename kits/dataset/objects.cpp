@@ -165,8 +165,8 @@ bool Quorel::Tree_Room(int count) {
     if (count <= child_room) {
         return true;
     }
-    constexpr int FIRST_ROOM = 4;
-    const int room = std::max({count, FIRST_ROOM, child_room > INT_MAX / 2 ? INT_MAX : child_room * 2});
+    constexpr int first_room = 4;
+    const int room = std::max({count, first_room, child_room > INT_MAX / 2 ? INT_MAX : child_room * 2});
     auto* grown = static_cast<Quorel**>(std::realloc(child, sizeof(Quorel*) * static_cast<std::size_t>(room)));
     if (grown == nullptr) {
         return false;

@@ -131,8 +131,8 @@ constexpr Variable_Rule RULES[] = {
 int Length_Of(const Variable_Rule& rule) {
     if (const Variable_Rule* count = Variable_Rule_Find(rule.length)) {
         // What panels show at most, but not room for every file that there might be: that table begins with the count.
-        constexpr int TABLE_MOST = 256;
-        const int least = count->most <= TABLE_MOST ? count->most : 0;
+        constexpr int table_most = 256;
+        const int least = count->most <= table_most ? count->most : 0;
         const double now = std::min<double>(Variable_Number(rule.length, 0), count->most);
         return std::max(least, static_cast<int>(now));
     }
@@ -238,8 +238,8 @@ int Variable_Scale(float scale) {
 }
 
 const char* Variable_Type_Text(Variable_Type type) {
-    constexpr const char* TEXTS[] = {"nothing",         "unsigned 8-bit", "signed 16-bit",
+    constexpr const char* texts[] = {"nothing",         "unsigned 8-bit", "signed 16-bit",
                                      "unsigned 16-bit", "signed 32-bit",  "unsigned 32-bit",
                                      "float",           "text",           "object pointer"};
-    return type < std::size(TEXTS) ? TEXTS[type] : TEXTS[0];
+    return type < std::size(texts) ? texts[type] : texts[0];
 }

@@ -35,13 +35,13 @@ KIT_DATASET_API const Variable_Rule* Variable_Rules(int* nb);
 KIT_DATASET_API const Variable_Rule* Variable_Rule_Find(const char* name);
 /** Defines every variable of the table that does not exist yet with its recommended value, so that a host defines only
  *  what is its own. Arrays that follow a count get as many elements as panels show at most, the table of files as many
- * as its count says (0 when the host has not defined it); objects are null.
+ *  as its count says (0 when the host has not defined it); objects are null.
  *  @param scale multiplies what is in pixels: 1 for 96 dots per inch. @return number of variables defined */
 KIT_DATASET_API int Variable_Define_Recommended(float scale);
 ///@{
 /** The sizes, fonts and the lock of the interface ("$INTERFACE_...") get their recommended values, also those that
- * exist. Variable_Scale gives them to what is in pixels only: for hosts whose window comes to a screen of another
- * scale.
+ *  exist. Variable_Scale gives them to what is in pixels only: for hosts whose window comes to a screen of another
+ *  scale.
  *  @param scale multiplies what is in pixels, in single precision, to the nearest pixel, halves away from zero
  *  @return number of variables defined */
 KIT_DATASET_API int Variable_Define_Interface(float scale);

@@ -16,7 +16,7 @@ std::uint64_t Word_At(const char* text) {
 
 /** Whether two texts of `size` bytes agree. Written out: names are short, and a call of the C library costs more than
  * the comparison. */
-bool Equal(const char* a, const char* b, std::size_t size) {
+bool Is_Equal(const char* a, const char* b, std::size_t size) {
     if (size < WORD_SIZE) {
         for (std::size_t i = 0; i < size; ++i) {
             if (a[i] != b[i]) {
@@ -36,7 +36,7 @@ bool Equal(const char* a, const char* b, std::size_t size) {
 }  // namespace
 
 Variable_Table::Key Variable_Table::Key_Of(const char* name) {
-    constexpr std::uint64_t MULTIPLIER = 0x9E3779B97F4A7C15ULL;
+    constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15ULL;
     const std::size_t size = std::strlen(name);
     std::uint64_t hash = size;
     std::uint64_t last = 0;
@@ -46,12 +46,12 @@ Variable_Table::Key Variable_Table::Key_Of(const char* name) {
         }
     } else {
         for (std::size_t at = 0; at + WORD_SIZE < size; at += WORD_SIZE) {
-            hash = (hash ^ Word_At(name + at)) * MULTIPLIER;
+            hash = (hash ^ Word_At(name + at)) * multiplier;
             hash ^= hash >> 32;
         }
         last = Word_At(name + size - WORD_SIZE);  // some bytes again
     }
-    hash = (hash ^ last) * MULTIPLIER;
+    hash = (hash ^ last) * multiplier;
     return {name, size, hash ^ hash >> 32};
 }
 
@@ -60,7 +60,7 @@ Variable** Variable_Table::Slot(const Key& key) const {
     for (;; at = (at + 1) & (room - 1)) {
         const Variable* variable = slots[at];
         if (variable == nullptr || (variable->hash == key.hash && variable->name_size == key.size &&
-                                    Equal(variable->name, key.name, key.size))) {
+                                    Is_Equal(variable->name, key.name, key.size))) {
             return &slots[at];
         }
     }
@@ -71,8 +71,8 @@ Variable* Variable_Table::Find(const char* name) const {
 }
 
 bool Variable_Table::Grow() {
-    constexpr std::size_t FIRST_ROOM = 256;
-    const std::size_t new_room = room == 0 ? FIRST_ROOM : room * 2;
+    constexpr std::size_t first_room = 256;
+    const std::size_t new_room = room == 0 ? first_room : room * 2;
     auto** new_slots = static_cast<Variable**>(std::calloc(new_room, sizeof(Variable*)));
     if (new_slots == nullptr) {
         return false;

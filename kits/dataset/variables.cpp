@@ -46,9 +46,9 @@ Number Nearest(double value) {
     if (std::isnan(value)) {
         return 0;
     }
-    constexpr auto LOWEST = static_cast<double>(std::numeric_limits<Number>::lowest());
-    constexpr auto HIGHEST = static_cast<double>(std::numeric_limits<Number>::max());
-    return static_cast<Number>(std::clamp(value, LOWEST, HIGHEST));
+    constexpr auto lowest = static_cast<double>(std::numeric_limits<Number>::lowest());
+    constexpr auto highest = static_cast<double>(std::numeric_limits<Number>::max());
+    return static_cast<Number>(std::clamp(value, lowest, highest));
 }
 
 void Store_Number(Variable& variable, double value) {
@@ -171,8 +171,8 @@ Variable* Look_Up(const char* name) {
     if (variable == nullptr) {
         // Counted too, so that a host sees which variables its panels miss; a limit, because names may be made up
         // without end.
-        constexpr std::size_t NAMES_MAX = 4096;
-        variable = table.Size() < NAMES_MAX ? table.Find_Or_Make(name) : nullptr;
+        constexpr std::size_t names_max = 4096;
+        variable = table.Size() < names_max ? table.Find_Or_Make(name) : nullptr;
         if (variable == nullptr) {
             return nullptr;
         }

@@ -22,7 +22,7 @@ int Font_Height(const Boxs& box, const Plot_Rect& box_rect, const Plot_Rect& are
 template <typename Make>
 int Axis_Draw(HDC dc, const Boxs& box, const Plot_Area& area, const char* title, float from, float to, Make make) {
     if (dc == nullptr || area.width <= 0 || area.height <= 0 || box.width <= 0 || box.height <= 0 ||
-        !Range_Is_Valid(from, to)) {
+        !Is_Range_Valid(from, to)) {
         return 0;
     }
     try {

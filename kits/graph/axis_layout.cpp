@@ -47,11 +47,11 @@ void Line_Add(Axis_Layout& layout, const Plot_Rect& rect, const Plot_Rect& box) 
     }
 }
 
-bool Overlap(const Plot_Rect& a, const Plot_Rect& b) {
+bool Has_Overlap(const Plot_Rect& a, const Plot_Rect& b) {
     return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
 }
 
-bool Inside(const Plot_Rect& inner, const Plot_Rect& outer) {
+bool Is_Inside(const Plot_Rect& inner, const Plot_Rect& outer) {
     return inner.left >= outer.left && inner.right <= outer.right && inner.top >= outer.top &&
            inner.bottom <= outer.bottom;
 }
@@ -61,8 +61,8 @@ bool Inside(const Plot_Rect& inner, const Plot_Rect& outer) {
 bool Label_Add(Axis_Layout& layout, Plot_Label label, const Plot_Rect& room, int apart = 0) {
     const Plot_Rect around = {label.rect.left - apart, label.rect.top, label.rect.right + apart, label.rect.bottom};
     const bool free = std::none_of(layout.labels.begin(), layout.labels.end(),
-                                   [&](const Plot_Label& other) { return Overlap(around, other.rect); });
-    const bool added = label.rect.Width() > 0 && free && Inside(label.rect, room);
+                                   [&](const Plot_Label& other) { return Has_Overlap(around, other.rect); });
+    const bool added = label.rect.Width() > 0 && free && Is_Inside(label.rect, room);
     if (added) {
         layout.labels.push_back(std::move(label));
     }

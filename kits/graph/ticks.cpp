@@ -28,7 +28,7 @@ int Decade(double value) {
 
 }  // namespace
 
-bool Range_Is_Valid(float from, float to) {
+bool Is_Range_Valid(float from, float to) {
     return std::isfinite(from) && std::isfinite(to) && from < to;
 }
 

@@ -14,7 +14,7 @@ struct Tick_Scale {
 };
 
 /** True when both are finite and from < to. */
-bool Range_Is_Valid(float from, float to);
+bool Is_Range_Valid(float from, float to);
 
 /** The finest scale whose ticks are at least `least` apart. @param least in the units of the range, above 0; a valid
  * range */

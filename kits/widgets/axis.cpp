@@ -27,7 +27,7 @@ bool Widget_Pointer(const Tools& widget, Point* point) {
         return false;
     }
     *point = {client.x - rect.left, client.y - rect.top};
-    return rect.Contains(client);
+    return rect.Has_Point(client);
 }
 
 bool Window_Pointer(HWND window, int* x, int* y) {

@@ -31,7 +31,7 @@ Rgb Box_Line(const Boxs& box) {
 
 void Draw_Title(Painter& painter, const Boxs& box, const Rect& inner) {
     const Rect band = {inner.left, inner.top, inner.width, std::min(Title_Band(box), inner.height)};
-    if (band.Empty()) {
+    if (band.Is_Empty()) {
         return;
     }
     const Rgb ground = Shade(Rgb_Of(box.color), BAND_SHADE);

@@ -35,7 +35,7 @@ Rect Showable(HWND window, const Rect& device) {
     }
     const Rect area = {0, 0, device.width, device.height};
     const Rect shown = Rect_Common(area, {-device.left, -device.top, client.width, client.height});
-    return shown.Empty() ? Rect_Common(area, {0, 0, 1, 1}) : shown;
+    return shown.Is_Empty() ? Rect_Common(area, {0, 0, 1, 1}) : shown;
 }
 
 }  // namespace
@@ -48,7 +48,7 @@ Painter::Painter(const Tools& widget)
 Painter::Painter(HWND in_window, const Rect& at)
     : window(in_window),
       device(at),
-      found(in_window != nullptr && !at.Empty()),
+      found(in_window != nullptr && !at.Is_Empty()),
       scratch(at.width, at.height, found ? Showable(window, device) : Rect{}) {}
 
 Painter::~Painter() {
@@ -95,7 +95,7 @@ void Draw_Face(Surface& picture, const Rect& rect, Rgb face, Rgb line, int borde
 void Draw_Caption(Surface& picture, const Rect& rect, const Tools& widget, std::string_view text, Rgb color,
                   Align align) {
     const Font_Choice font = Widget_Font(widget);
-    if (rect.Empty() || text.empty()) {
+    if (rect.Is_Empty() || text.empty()) {
         return;
     }
     if (Text_Width(text, font) <= rect.width) {

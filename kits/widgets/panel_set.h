@@ -1,6 +1,6 @@
 /** @file
  *  The panels of a host, each in a window of its own (panel_window.h): what a pick changes, who is told of a change,
- * and when. A host adds its panels, makes their windows, places them, and sends between two messages. One per process.
+ *  and when. A host adds its panels, makes their windows, places them, and sends between two messages. One per process.
  *  User-interface thread.
  *
  *  Includes <windows.h>, as panel_window.h does. */
@@ -51,7 +51,7 @@ class Panel_Set {
     std::function<void(int key)> untaken;  ///< keys that no panel used; may be empty, to be set before Make
 
     /** Adds a panel, before Make. What is picked in a TAG, marker or brush panel goes into its variable and is
-     * announced.
+     *  announced.
      *  @param panel one of the module's, outlives this; @param kind what it is
      *  @param wanted what its Height takes: rows, or pixels of a histogram; @param dimension of a class view
      *  @return its window, which lives as long as this */

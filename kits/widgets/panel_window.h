@@ -105,7 +105,7 @@ class Panel_Window {
     std::function<void(int key)> untaken;  ///< keys that the panel did not use; may be empty
 
     /** Creates a child window of its own, shown as soon as it is placed. @param parent its window; @param axis see
-     * docs/coordinates.md
+     *  docs/coordinates.md
      *  @return false when the system refuses */
     bool Make(HWND parent, Window_Axis axis) {
         if (!window_class) {
@@ -213,7 +213,7 @@ class Panel_Window {
 
     /** Handles a message of the window.
      *  @param message, wparam, lparam as the window procedure got them; @param answer receives the window procedure's
-     * result. @return false for a message that is not its own */
+     *  result. @return false for a message that is not its own */
     bool Message(UINT message, WPARAM wparam, LPARAM lparam, LRESULT* answer) {
         *answer = 0;
         switch (message) {

@@ -49,7 +49,7 @@ Drop_List::Drop_List(const Drop_List_Request& list_request, const Rect& screen, 
 
 int Drop_List::Item_At(Point point) const {
     const int inner_width = area.width - 2 * LIST_BORDER - (Has_Bar() ? DROP_LIST_BAR_WIDTH : 0);
-    if (!Rect{LIST_BORDER, LIST_BORDER, inner_width, rows * row_height}.Contains(point)) {
+    if (!Rect{LIST_BORDER, LIST_BORDER, inner_width, rows * row_height}.Has_Point(point)) {
         return DROP_LIST_NONE;
     }
     const int item = first + (point.y - LIST_BORDER) / row_height;
@@ -94,12 +94,12 @@ void Drop_List::Press(Point point) {
         return;
     }
     opening_press = false;
-    if (!Rect{0, 0, area.width, area.height}.Contains(point)) {
+    if (!Rect{0, 0, area.width, area.height}.Has_Point(point)) {
         Close();
         return;
     }
     const Rect bar = Bar();
-    if (bar.Contains(point)) {
+    if (bar.Has_Point(point)) {
         const int along = point.y - bar.top - Thumb_Offset();
         bar_dragged = along >= 0 && along < Thumb_Length();
         grab = along;
@@ -244,7 +244,7 @@ void Drop_List::Paint(Surface& picture) const {
         Draw_Caption(picture, {place.left + TEXT_MARGIN, place.top, width - 2 * TEXT_MARGIN, row_height}, request.look,
                      request.item[static_cast<std::size_t>(item)].text, color, Align::Left);
     }
-    if (!bar.Empty()) {
+    if (!bar.Is_Empty()) {
         picture.Fill(bar, Mix(theme.field, theme.panel, 50));
         Draw_Face(picture, {bar.left + 1, bar.top + Thumb_Offset(), bar.width - 2, Thumb_Length()},
                   bar_dragged ? theme.face_pressed : theme.face, theme.line, 1);

@@ -15,13 +15,13 @@ struct Select_Layout {
     Rect next;      ///< arrow to the item behind
 
     Select_Part Part_At(Point point) const {
-        if (previous.Contains(point)) {
+        if (previous.Has_Point(point)) {
             return Select_Part::Previous;
         }
-        if (next.Contains(point)) {
+        if (next.Has_Point(point)) {
             return Select_Part::Next;
         }
-        return caption.Contains(point) || field.Contains(point) ? Select_Part::Field : Select_Part::None;
+        return caption.Has_Point(point) || field.Has_Point(point) ? Select_Part::Field : Select_Part::None;
     }
 };
 

@@ -29,7 +29,7 @@ Widget_List* Watched_Find(HWND window) {
 
 /** Neighbours share their border lines, so that a common pixel does not count. */
 bool Is_Covered(const Shown_Widget& widget, const Rect& rect) {
-    return rect.Contains({widget.left + widget.width / 2, widget.top + widget.height / 2});
+    return rect.Has_Point({widget.left + widget.width / 2, widget.top + widget.height / 2});
 }
 
 void Text_Put(char (&out)[SHOWN_TEXT_SIZE], std::string_view text) {

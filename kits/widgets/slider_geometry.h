@@ -15,7 +15,7 @@ inline constexpr int SLIDER_THUMB_MIN = 12;  ///< shortest thumb that can be gra
 struct Slider_Range {
     float minimum = 0.0F;
     float maximum = 1.0F;
-    bool Empty() const { return !(maximum > minimum); }
+    bool Is_Empty() const { return !(maximum > minimum); }
     /** The value inside the range; a range without any value leaves it as it is. */
     float Clamp(float value) const {
         if (!(maximum >= minimum)) {
@@ -46,7 +46,7 @@ inline int Slider_Thumb_Length(int track, float visible_part) {
 /** Value to pixel: where the thumb starts. Values beyond the range stand at its ends, an empty range at 0. */
 inline int Slider_Thumb_Offset(int track, int thumb, float value, const Slider_Range& range) {
     const int travel = track - thumb;
-    if (travel <= 0 || range.Empty()) {
+    if (travel <= 0 || range.Is_Empty()) {
         return 0;
     }
     const double span = static_cast<double>(range.maximum) - range.minimum;
@@ -58,7 +58,7 @@ inline int Slider_Thumb_Offset(int track, int thumb, float value, const Slider_R
  *  @param value the value until now, kept when the thumb has no travel or stands at `offset` already */
 inline float Slider_Value_At(int track, int thumb, int offset, float value, const Slider_Range& range) {
     const int travel = track - thumb;
-    if (travel <= 0 || range.Empty()) {
+    if (travel <= 0 || range.Is_Empty()) {
         return value;
     }
     const int place = std::clamp(offset, 0, travel);
@@ -79,7 +79,7 @@ inline float Slider_Scrolled(float value, int notches, float step, const Slider_
 
 /** What a press beside the thumb adds or takes away: the visible amount in units of the value, one step at least. */
 inline float Slider_Page(float visible_part, float step, const Slider_Range& range) {
-    if (range.Empty()) {
+    if (range.Is_Empty()) {
         return 0.0F;
     }
     const float span = range.maximum - range.minimum;

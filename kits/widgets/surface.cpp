@@ -16,10 +16,10 @@ Rect Rect_Common(const Rect& a, const Rect& b) {
 }
 
 Rect Rect_Around(const Rect& a, const Rect& b) {
-    if (a.Empty()) {
+    if (a.Is_Empty()) {
         return b;
     }
-    if (b.Empty()) {
+    if (b.Is_Empty()) {
         return a;
     }
     const int left = std::min(a.left, b.left);
@@ -67,7 +67,7 @@ void Surface::Fill(const Rect& rect, Rgb color) {
 
 void Surface::Frame(const Rect& rect, int thickness, Rgb color) {
     const int t = std::min({thickness, (rect.width + 1) / 2, (rect.height + 1) / 2});
-    if (t <= 0 || rect.Empty()) {
+    if (t <= 0 || rect.Is_Empty()) {
         return;
     }
     Fill({rect.left, rect.top, rect.width, t}, color);
@@ -88,7 +88,7 @@ void Surface::Line(Point from, Point to, Rgb color) {
     const int step_x = from.x < to.x ? 1 : -1;
     const int step_y = from.y < to.y ? 1 : -1;
     for (int error = dx + dy;;) {
-        if (clip.Contains(from)) {
+        if (clip.Has_Point(from)) {
             Row(from.y)[from.x] = color;
         }
         if (from == to) {
@@ -189,7 +189,7 @@ void Surface::Tint(const Rect& rect, Rgb color, int percent) {
 
 void Surface::Blit(const Rect& target, const std::uint32_t* source, int source_stride) {
     const Rect part = Rect_Common(target, clip);
-    if (part.Empty() || source == nullptr) {
+    if (part.Is_Empty() || source == nullptr) {
         return;
     }
     Settle();
@@ -201,7 +201,7 @@ void Surface::Blit(const Rect& target, const std::uint32_t* source, int source_s
 
 void Surface::Blit_Alpha(const Rect& target, const std::uint32_t* source, int source_stride) {
     const Rect part = Rect_Common(target, clip);
-    if (part.Empty() || source == nullptr) {
+    if (part.Is_Empty() || source == nullptr) {
         return;
     }
     Settle();
@@ -232,7 +232,7 @@ void Surface::Stencil(const Rect& target, const std::uint32_t* opacity, Rgb colo
 }
 
 Rgb Surface::Pixel(int x, int y) const {
-    if (!held.Contains({x, y})) {
+    if (!held.Has_Point({x, y})) {
         return 0;
     }
     const_cast<Surface*>(this)->Settle();

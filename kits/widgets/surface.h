@@ -1,11 +1,11 @@
 /** The kit's edge to the window system: pictures, windows, text and input.
  *
  *  Everything above this header is plain C++. surface.cpp holds the drawing that only writes pixels; surface_win32.cpp
- * answers the rest with GDI and user input, surface_headless.cpp with memory alone, so that the same widget code runs
- * where there is no window system.
+ *  answers the rest with GDI and user input, surface_headless.cpp with memory alone, so that the same widget code runs
+ *  where there is no window system.
  *
  *  All coordinates here are pixels, x to the right and y DOWN, whatever the axis of a window; see axis.h for the way
- * there.
+ *  there.
  */
 #pragma once
 
@@ -34,8 +34,8 @@ struct Rect {
     int height = 0;
     int Right() const { return left + width; }   ///< first column beyond
     int Bottom() const { return top + height; }  ///< first row beyond
-    bool Empty() const { return width <= 0 || height <= 0; }
-    bool Contains(Point point) const {
+    bool Is_Empty() const { return width <= 0 || height <= 0; }
+    bool Has_Point(Point point) const {
         return point.x >= left && point.x < Right() && point.y >= top && point.y < Bottom();
     }
     /** The rectangle less `margin` pixels on every side; negative margins grow it. */

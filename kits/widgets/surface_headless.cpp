@@ -177,7 +177,7 @@ void Screen_Show(HWND window, Point target, Surface& picture, std::span<const Re
     for (const Rect& part : parts) {
         const Rect inside = Rect_Common(part, picture.Held());
         view.Blit({target.x + inside.left, target.y + inside.top, inside.width, inside.height},
-                  inside.Empty() ? nullptr : picture.Pixels_From(inside.left, inside.top), picture.Stride());
+                  inside.Is_Empty() ? nullptr : picture.Pixels_From(inside.left, inside.top), picture.Stride());
     }
 }
 

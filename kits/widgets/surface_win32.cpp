@@ -180,7 +180,7 @@ void Device_Units(HDC dc) {
 
 void Surface::Text(const Rect& box, std::string_view text, const Font_Choice& choice, Rgb color, Align align) {
     const Rect part = Rect_Common(box, clip);
-    if (memory_dc == nullptr || text.empty() || part.Empty()) {
+    if (memory_dc == nullptr || text.empty() || part.Is_Empty()) {
         return;
     }
     const Ready_Font font = Font_Ready(choice);
@@ -201,7 +201,7 @@ void Surface::Text(const Rect& box, std::string_view text, const Font_Choice& ch
 
 void Surface::Text_Upwards(const Rect& box, std::string_view text, const Font_Choice& choice, Rgb color) {
     const Rect part = Rect_Common(box, clip);
-    if (memory_dc == nullptr || text.empty() || part.Empty()) {
+    if (memory_dc == nullptr || text.empty() || part.Is_Empty()) {
         return;
     }
     LOGFONTA description = {};
@@ -283,7 +283,7 @@ void Screen_Show(HWND window, Point target, Surface& picture, std::span<const Re
     for (const Rect& part : parts) {
         const Rect& held = picture.Held();
         const Rect inside = Rect_Common(part, held);
-        if (!inside.Empty()) {
+        if (!inside.Is_Empty()) {
             ::BitBlt(dc.Get(), target.x + inside.left, target.y + inside.top, inside.width, inside.height,
                      picture.Get_DC(), inside.left - held.left, inside.top - held.top, SRCCOPY);
         }
@@ -440,7 +440,7 @@ Rect Dc_Clip(HDC dc, const Rect& rect) {
 
 void Dc_Blend(HDC dc, const Rect& target, const std::uint32_t* pixels) {
     static Memory_Picture blend;
-    if (target.Empty() || pixels == nullptr || !blend.Reserve(target.width, target.height)) {
+    if (target.Is_Empty() || pixels == nullptr || !blend.Reserve(target.width, target.height)) {
         return;
     }
     Surface picture = blend.View(target.width, target.height);

@@ -1,5 +1,5 @@
 /** The editing model of a one-line text: caret, selection, insertion and deletion. Knows no window and no font. Texts
- * are in the system's code page.
+ *  are in the system's code page.
  *
  *  Offsets count bytes and always stand on a whole character; an offset from outside is moved back to one.
  */

@@ -75,7 +75,7 @@ void Paint_Selection(Surface& picture, const Texts& field, const Text_Edit& edit
     const int from = area.left + Width_Of(field, Part(edit.Text(), first, start));
     const int to = area.left + Width_Of(field, Part(edit.Text(), first, end));
     const Rect marked = Rect_Common({from, area.top + CARET_MARGIN, to - from, area.height - 2 * CARET_MARGIN}, area);
-    if (marked.Empty()) {
+    if (marked.Is_Empty()) {
         return;
     }
     picture.Fill(marked, theme.accent);
@@ -302,7 +302,7 @@ int Texts::Select(int up_down, short pointer_x, short pointer_y) {
     bool over = Widget_Pointer(*this, &pointer);
     if (pointer_x != 0 || pointer_y != 0) {  // the application gave the place itself
         pointer = {pointer_x - x, pointer_y - y};
-        over = Rect{0, 0, width, height}.Contains(pointer);
+        over = Rect{0, 0, width, height}.Has_Point(pointer);
     }
     over = over && Has_Keyboard(*this);
     if (up_down == MOUSE_ASK) {

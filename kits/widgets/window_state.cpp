@@ -51,7 +51,7 @@ Window_State* Buffered(HWND window) {
 }
 
 void Changed_Add(Window_State& state, const Rect& rect) {
-    if (state.changed_all || rect.Empty()) {
+    if (state.changed_all || rect.Is_Empty()) {
         return;
     }
     try {
@@ -176,13 +176,13 @@ void Window_Show(HWND window, const Rect& target, Surface& picture, std::span<co
     for (const Rect& part : parts) {
         const Rect inside = Rect_Common(part, picture.Held());
         const Rect there = {target.left + inside.left, target.top + inside.top, inside.width, inside.height};
-        view.Blit(there, inside.Empty() ? nullptr : picture.Pixels_From(inside.left, inside.top), picture.Stride());
+        view.Blit(there, inside.Is_Empty() ? nullptr : picture.Pixels_From(inside.left, inside.top), picture.Stride());
         Changed_Add(*state, Rect_Common(there, view.Area()));
     }
 }
 
 bool Window_Read(HWND window, const Rect& target, std::uint32_t* pixels) {
-    if (target.Empty() || pixels == nullptr) {
+    if (target.Is_Empty() || pixels == nullptr) {
         return false;
     }
     Surface out(pixels, target.width, target.height, target.width, nullptr);
@@ -192,7 +192,7 @@ bool Window_Read(HWND window, const Rect& target, std::uint32_t* pixels) {
         const Rect inside = Rect_Common(target, view.Area());
         out.Blit({inside.left - target.left, inside.top - target.top, inside.width, inside.height},
                  view.Pixels() + static_cast<std::ptrdiff_t>(inside.top) * view.Stride() + inside.left, view.Stride());
-        return !inside.Empty();
+        return !inside.Is_Empty();
     }
     Scratch_Picture scratch(target.width, target.height);
     if (!scratch.Has_Pixels() || !Screen_Read(window, target, scratch.View())) {
@@ -211,7 +211,7 @@ int scratch_depth = 0;
 }  // namespace
 
 Scratch_Picture::Scratch_Picture(int width, int height, const Rect& held) {
-    if (scratch_depth < SCRATCH_DEPTH_MAX && !held.Empty() &&
+    if (scratch_depth < SCRATCH_DEPTH_MAX && !held.Is_Empty() &&
         scratch_pictures[scratch_depth].Reserve(held.width, held.height)) {
         Surface pixels = scratch_pictures[scratch_depth].View(held.width, held.height);
         view = Surface(pixels.Pixels(), width, height, held, pixels.Stride(), pixels.Get_DC());

@@ -7,7 +7,7 @@
 
 /** A window's back buffer while one is being collected.
  *  @return its device context, null when drawing goes to the screen. Marks everything as changed: what panels draw
- * there is not seen */
+ *  there is not seen */
 HDC Window_Buffer_DC(HWND window);
 
 /** Notes, while the contract is checked, that something is drawn in a window. */

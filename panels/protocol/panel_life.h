@@ -2,9 +2,9 @@
  *  How an operation learns that its panel ended while it called out.
  *
  *  A drop list, a dialog, Fct_Update, Fct_Change_Child and the functions of the host may run the host's message loop,
- * and there the host may destroy the very panel whose operation is running. The panel has a Panel_Life among its
- * members; the operation makes a Panel_Watch before it calls out, asks it afterwards, and touches no member once the
- * panel has ended.
+ *  and there the host may destroy the very panel whose operation is running. The panel has a Panel_Life among its
+ *  members; the operation makes a Panel_Watch before it calls out, asks it afterwards, and touches no member once the
+ *  panel has ended.
  */
 #pragma once
 

@@ -12,13 +12,13 @@
 
 /** In MB; 0 when the system does not tell. */
 inline double Peak_Memory() {
-    constexpr double MEGABYTE = 1e6;
+    constexpr double megabyte = 1e6;
 #ifdef _WIN32
     PROCESS_MEMORY_COUNTERS counters = {};
     const BOOL is_told = ::K32GetProcessMemoryInfo(::GetCurrentProcess(), &counters, sizeof counters);
-    return is_told != FALSE ? static_cast<double>(counters.PeakWorkingSetSize) / MEGABYTE : 0.0;
+    return is_told != FALSE ? static_cast<double>(counters.PeakWorkingSetSize) / megabyte : 0.0;
 #else
     rusage usage = {};
-    return ::getrusage(RUSAGE_SELF, &usage) == 0 ? static_cast<double>(usage.ru_maxrss) * 1024.0 / MEGABYTE : 0.0;
+    return ::getrusage(RUSAGE_SELF, &usage) == 0 ? static_cast<double>(usage.ru_maxrss) * 1024.0 / megabyte : 0.0;
 #endif
 }

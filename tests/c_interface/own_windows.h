@@ -1,5 +1,5 @@
 /** What a user and the system do to windows of the module's own while a stream of calls runs: the enlarged histogram,
- * the dialog for a new name, drop lists. Their loops let the host call again, as a message loop does. Without a window
+ *  the dialog for a new name, drop lists. Their loops let the host call again, as a message loop does. Without a window
  *  system only. */
 #pragma once
 

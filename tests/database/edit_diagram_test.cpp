@@ -225,7 +225,7 @@ TEST(Edit_Zones, handles_lie_in_their_own_zones) {
     Edit_Rows_Assign(scene.Nb(), scene.Pt());
     for (int i = 0; i < scene.Nb(); ++i) {
         for (const Edit_Zone zone : {Edit_Zone::Parent_Handle, Edit_Zone::Children_Handle, Edit_Zone::Toggle}) {
-            if (!Edit_Zone_Exists(i, scene[i], zone)) {
+            if (!Has_Edit_Zone(i, scene[i], zone)) {
                 continue;
             }
             const DB_Tree_Point middle = Edit_Zone_Point(scene[i], zone);

@@ -42,7 +42,7 @@ class Random_Edits : public Tool_DB_Edit_Test {
     bool Point(int node, Edit_Zone zone) {
         for (int i = 0; i < nb; ++i) {
             if (list_pt[i].object == objects[Plain_Tree::At(node)].get() && list_pt[i].row != DB_ROW_NONE &&
-                Edit_Zone_Exists(i, list_pt[i], zone)) {
+                Has_Edit_Zone(i, list_pt[i], zone)) {
                 DB_Tree_Point at = Edit_Zone_Point(list_pt[i], zone);
                 at.x += zone == Edit_Zone::Body ? 100 : 0;
                 horizontal.value = static_cast<float>(std::max(0, at.x - 10));
@@ -136,8 +136,8 @@ class Random_Edits : public Tool_DB_Edit_Test {
 };
 
 TEST_F(Random_Edits, agree_with_a_plain_model_and_lose_nothing) {
-    constexpr int EDIT_NB = 10000;
-    for (int edit = 0; edit < EDIT_NB; ++edit) {
+    constexpr int edit_nb = 10000;
+    for (int edit = 0; edit < edit_nb; ++edit) {
         switch (random() % 8) {
             case 0:
             case 1:

@@ -446,15 +446,15 @@ TYPED_TEST(Tool_DB_Class_Test, chain_is_cut_at_level_4096) {
 
 TYPED_TEST(Tool_DB_Class_Test, counts_wrap_but_every_record_is_made) {
     auto& root = this->Add(nullptr, "root");
-    constexpr int LEAVES = 65540;
-    for (int i = 0; i < LEAVES; ++i) {
+    constexpr int leaves = 65540;
+    for (int i = 0; i < leaves; ++i) {
         this->classes.Add(&root);
     }
-    EXPECT_EQ(this->rows.Create(this->view), LEAVES + 1 - 65536);
-    ASSERT_EQ(this->rows.nb, LEAVES + 1);
-    EXPECT_EQ(this->rows[0].desc_nb, LEAVES - 65536);
-    EXPECT_EQ(this->rows[0].child_nb, LEAVES - 65536);
-    EXPECT_EQ(this->rows[LEAVES].object, &this->classes.objects.back());
+    EXPECT_EQ(this->rows.Create(this->view), leaves + 1 - 65536);
+    ASSERT_EQ(this->rows.nb, leaves + 1);
+    EXPECT_EQ(this->rows[0].desc_nb, leaves - 65536);
+    EXPECT_EQ(this->rows[0].child_nb, leaves - 65536);
+    EXPECT_EQ(this->rows[leaves].object, &this->classes.objects.back());
     while (!this->classes.objects.empty()) {
         this->classes.objects.pop_back();
     }

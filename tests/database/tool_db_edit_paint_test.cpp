@@ -226,7 +226,7 @@ TEST_F(Edit_Paint_Test, what_changes_under_the_pointer_is_what_is_hit) {
     for (int i = 0; i < nb; ++i) {
         for (const Edit_Zone zone : {Edit_Zone::Parent_Handle, Edit_Zone::Children_Handle, Edit_Zone::Toggle}) {
             const DB_Tree_Point middle = Edit_Zone_Point(list_pt[i], zone);
-            if (!Edit_Zone_Exists(i, list_pt[i], zone) || Left() + middle.x + 10 > box.x + box.width) {
+            if (!Has_Edit_Zone(i, list_pt[i], zone) || Left() + middle.x + 10 > box.x + box.width) {
                 continue;
             }
             Point_At_Tree(middle.x, middle.y);

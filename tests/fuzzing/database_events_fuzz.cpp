@@ -245,14 +245,14 @@ bool Dialog_Message(Input_Bytes& input, Headless_Message& message) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const bool IS_DEFINED = [] {
+    static const bool is_defined = [] {
         for (const char* name : {"$INTERFACE_SPACE_DIM", "$INTERFACE_BORDER_DIM", "$INTERFACE_VAL_DIM_SML",
                                  "$INTERFACE_BUTTON_DIM_SML", "$INTERFACE_BUTTON_DIM_BIG"}) {
             Variable_Define_Scalar(name, VARIABLE_SIGNED_16, 12);
         }
         return true;
     }();
-    Require(IS_DEFINED);
+    Require(is_defined);
     Input_Bytes input(data, size);
     Host host(input);
     const Panel_Stage stage(WINDOW_WIDTH, WINDOW_HEIGHT, Window_Axis::Up);

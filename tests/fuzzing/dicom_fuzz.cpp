@@ -59,8 +59,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     Image_Folder folder;
     folder.files = {"first.dcm", "second.dcm", "third.dcm"};
-    const std::size_t SLICES = Slice_Nb(*result.image);
-    std::size_t wanted = SLICES * 3;
+    const std::size_t slices = Slice_Nb(*result.image);
+    std::size_t wanted = slices * 3;
     Series_Part other = {*result.image, 1};
     other.image.place.corner[size % 3] += static_cast<double>(size % 7);
     other.image.place.along_row[size % 3] += static_cast<double>(size % 5) * 1e-3;

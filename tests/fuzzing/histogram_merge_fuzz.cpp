@@ -52,10 +52,10 @@ void Add_Plainly(Frame& to, const Frame& frame) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Input_Bytes input(data, size);
     std::array<Frame, FRAMES_MOST> frames;
-    const int FRAME_NB = 1 + input.Below(FRAMES_MOST);
+    const int frame_nb = 1 + input.Below(FRAMES_MOST);
     Histogram_Extent extent;
     bool is_color = false;
-    for (int i = 0; i < FRAME_NB; ++i) {
+    for (int i = 0; i < frame_nb; ++i) {
         Frame& frame = frames[static_cast<std::size_t>(i)];
         const std::uint8_t kind = input.Take<std::uint8_t>();
         frame.Arrays_Make(input.Below(BINS_MOST), (kind & 1) != 0);
@@ -69,17 +69,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
         extent.Add(frame.record);
     }
-    const Histogram_Grid GRID = Histogram_Grid_Choose(extent, static_cast<std::uint16_t>(input.Below(2000)));
+    const Histogram_Grid grid = Histogram_Grid_Choose(extent, static_cast<std::uint16_t>(input.Below(2000)));
     Frame merged;
     Frame plain;
     for (Frame* record : {&merged, &plain}) {
-        record->Arrays_Make(GRID.nb_bins, is_color);
-        record->record.origin = GRID.origin;
-        record->record.bin_width = GRID.bin_width;
+        record->Arrays_Make(grid.nb_bins, is_color);
+        record->record.origin = grid.origin;
+        record->record.bin_width = grid.bin_width;
     }
     {
         Histogram_Merger merger(merged.record);
-        for (int i = 0; i < FRAME_NB; ++i) {
+        for (int i = 0; i < frame_nb; ++i) {
             merger.Add(frames[static_cast<std::size_t>(i)].record);
             Add_Plainly(plain, frames[static_cast<std::size_t>(i)]);
         }

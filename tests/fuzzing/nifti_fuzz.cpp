@@ -40,12 +40,12 @@ void Check(const Load_Result& result) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::span bytes(data, size);
-    const Load_Limits LIMITS{DECODED_MOST};
+    const Load_Limits limits{DECODED_MOST};
     Memory_Source single(bytes, "fuzz.nii");
-    Check(Volume_Load(single, nullptr, {}, LIMITS));
-    const std::size_t CUT = std::min(size, HEADER_MOST);
+    Check(Volume_Load(single, nullptr, {}, limits));
+    const std::size_t cut = std::min(size, HEADER_MOST);
     Memory_Source header(bytes, "fuzz.hdr");
-    Memory_Source image(bytes.subspan(CUT), "fuzz.img");
-    Check(Volume_Load(header, &image, {}, LIMITS));
+    Memory_Source image(bytes.subspan(cut), "fuzz.img");
+    Check(Volume_Load(header, &image, {}, limits));
     return 0;
 }

@@ -144,11 +144,11 @@ void Stream(Panel& panel, Input_Bytes& input) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const bool IS_DEFINED = [] {
+    static const bool is_defined = [] {
         Variables_Define();
         return true;
     }();
-    Require(IS_DEFINED);
+    Require(is_defined);
     Drop_List_Runner_Set([](const Drop_List_Request&) { return -1; });  // a list that nobody picks from
     Input_Bytes input(data, size);
     switch (input.Below(4)) {

@@ -68,17 +68,17 @@ void Edit(Input_Bytes& input) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Input_Bytes input(data, size);
     Edit(input);
-    const std::string TEXT = input.Text(400);
+    const std::string message = input.Text(400);
     std::string plain;
-    for (const Message_Run& run : Message_Runs(TEXT.c_str())) {
+    for (const Message_Run& run : Message_Runs(message.c_str())) {
         plain += run.text;
     }
-    Require(plain == Message_Plain(TEXT.c_str()));
-    const std::string PATH = input.Text(400);
+    Require(plain == Message_Plain(message.c_str()));
+    const std::string path = input.Text(400);
     std::string parts[3];
     for (std::string& part : parts) {
-        part.resize(PATH.size() + 1);
+        part.resize(path.size() + 1);
     }
-    Get_Generic_Name(PATH.c_str(), parts[0].data(), parts[1].data(), parts[2].data());
+    Get_Generic_Name(path.c_str(), parts[0].data(), parts[1].data(), parts[2].data());
     return 0;
 }

@@ -4,9 +4,9 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Tga_Picture picture;
-    const bool IS_READ = Tga_Read({data, size}, &picture);
-    Require(IS_READ == !picture.pixels.empty());
-    if (IS_READ) {
+    const bool is_read = Tga_Read({data, size}, &picture);
+    Require(is_read == !picture.pixels.empty());
+    if (is_read) {
         Require(picture.width > 0 && picture.width <= TGA_SIDE_MAX);
         Require(picture.height > 0 && picture.height <= TGA_SIDE_MAX);
         Require(picture.pixels.size() ==

@@ -12,8 +12,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Input_Bytes input(data, size);
     int nb = 0;
     DB_List* list_pt = nullptr;
-    const int WANTED = input.Below(RECORDS_MOST);
-    for (int at = 0; at < WANTED; ++at) {
+    const int wanted = input.Below(RECORDS_MOST);
+    for (int at = 0; at < wanted; ++at) {
         DB_List* const record = DB_List_Append(&nb, &list_pt, {"fuzz", 0});
         Require(record != nullptr);
         record->flag = static_cast<std::uint16_t>(input.Take<std::uint8_t>());

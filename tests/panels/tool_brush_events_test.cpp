@@ -103,10 +103,10 @@ TEST_F(Brush_Panel, drawing_sets_the_mark_of_the_current_brush_and_clears_no_oth
 // ---------------- notifications
 
 TEST_F(Brush_Panel, of_all_64_flags_four_are_read) {
-    constexpr int BIT_ALL = 60;
-    constexpr int BIT_BRUSH = 23;
-    constexpr int BIT_TAG_CUR = 22;
-    constexpr int BIT_TAG_TABLE = 38;
+    constexpr int bit_all = 60;
+    constexpr int bit_brush = 23;
+    constexpr int bit_tag_cur = 22;
+    constexpr int bit_tag_table = 38;
     for (int bit = 0; bit < 64; bit++) {
         Variable_Set("$BRUSH_CUR", NO_BRUSH);
         Variable_Set("$TAG_CUR", 1);
@@ -118,14 +118,14 @@ TEST_F(Brush_Panel, of_all_64_flags_four_are_read) {
         Brush_Host::Sizes({2, 3, 9, 21});
         Quiet();
         panel.Update(1ULL << bit);
-        const bool brush = bit == BIT_ALL || bit == BIT_BRUSH;
-        const bool color = brush || bit == BIT_TAG_CUR || bit == BIT_TAG_TABLE;
+        const bool brush = bit == bit_all || bit == bit_brush;
+        const bool color = brush || bit == bit_tag_cur || bit == bit_tag_table;
         EXPECT_EQ(panel.Read(), brush ? 1 : NO_BRUSH) << bit;
         const auto messages = Lines_Of(stage.Take_Messages());
         ASSERT_FALSE(messages.empty());
         EXPECT_EQ(messages[0], "16 in Tool_Brush::Update()");
         EXPECT_EQ(std::count(messages.begin(), messages.end(), "17 in Tool_Brush::Init()"), brush ? 1 : 0) << bit;
-        EXPECT_EQ(std::count(messages.begin(), messages.end(), "17 in Tool_Brush::Set_Color()"), bit == BIT_ALL ? 2
+        EXPECT_EQ(std::count(messages.begin(), messages.end(), "17 in Tool_Brush::Set_Color()"), bit == bit_all ? 2
                                                                                                  : color        ? 1
                                                                                                                 : 0)
             << bit;

@@ -263,9 +263,9 @@ TEST_F(Marker_Panel, flags_that_the_panel_does_not_test_do_nothing_one_by_one) {
     Variable_Set_Array_Text("$MARKER_LABEL", 6, "other");
     Colors_Array()[6] = 0x123456;
     Variable_Set("$MARKER_CUR", 5);
-    constexpr unsigned __int64 TESTED = UPDATE_TAG_CUR | UPDATE_TAG_LABEL | UPDATE_TAG_ENABLE | UPDATE_TAG_TABLE;
+    constexpr unsigned __int64 tested = UPDATE_TAG_CUR | UPDATE_TAG_LABEL | UPDATE_TAG_ENABLE | UPDATE_TAG_TABLE;
     for (int bit = 0; bit < 64; bit++) {
-        if (((TESTED >> bit) & 1U) == 0) {
+        if (((tested >> bit) & 1U) == 0) {
             panel.Update(1ULL << bit);
             const Widget_Counters painted = Take_Counters();
             EXPECT_EQ(painted.draws + painted.adjusts + painted.inits, 0U) << "bit " << bit;

@@ -219,14 +219,14 @@ TEST_F(Propagate_Panel, a_window_that_shows_no_frame_of_the_volume_stands_at_the
 }
 
 TEST_F(Propagate_Panel, of_all_64_flags_two_are_read_alone_and_two_as_a_pair) {
-    constexpr int BIT_ALL = 60;
-    constexpr int BIT_FRAME = 21;
+    constexpr int bit_all = 60;
+    constexpr int bit_frame = 21;
     for (int bit = 0; bit < 64; bit++) {
         Show(1);
         Window_Frame_Set(&host.window, volume.At(4));
         Quiet();
         panel.Update(1ULL << bit);
-        const bool read = bit == BIT_ALL || bit == BIT_FRAME;
+        const bool read = bit == bit_all || bit == bit_frame;
         EXPECT_EQ(Variable_Look_Ups(nullptr) > 0, read) << bit;
         EXPECT_EQ(Painted() > 0, read) << bit;
         EXPECT_EQ(panel.Propagate(1), read ? 0 : RESULT) << bit << ": at the last frame once it is known";

@@ -1,7 +1,7 @@
 /** The window system as far as the module's drawing, dialog and window need it, in memory: the same sources run where
  *  there is none, under the sanitizers. Objects are real allocations, so what is not given back is a leak; what is
- * given back twice, while selected or by the wrong call ends the program with a message. Nothing is drawn but into
- * pictures in memory, which stay as they were made. */
+ *  given back twice, while selected or by the wrong call ends the program with a message. Nothing is drawn but into
+ *  pictures in memory, which stay as they were made. */
 #pragma once
 
 #include <cstddef>

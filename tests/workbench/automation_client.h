@@ -1,6 +1,6 @@
 /** A program that reads the screen by UI Automation: asks from a thread of its own, while the windows' thread serves
- * its messages. Uses the operations of uiautomationcore.dll itself, which its COM objects are made of: not every system
- *  has those objects. */
+ *  its messages. Uses the operations of uiautomationcore.dll itself, which its COM objects are made of: not every
+ *  system has those objects. */
 #pragma once
 
 #include "base/gdi_handles.h"

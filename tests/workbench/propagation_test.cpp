@@ -169,9 +169,9 @@ TEST(Propagate_Grow, of_nothing_carries_nothing) {
 TEST(Propagate_Grow, survives_every_size_and_any_tags) {
     std::mt19937 random(9);
     for (int round = 0; round < 200; ++round) {
-        const int WIDTH = 1 + static_cast<int>(random() % 7);
-        const int HEIGHT = 1 + static_cast<int>(random() % 7);
-        const auto size = static_cast<std::size_t>(WIDTH * HEIGHT);
+        const int width = 1 + static_cast<int>(random() % 7);
+        const int height = 1 + static_cast<int>(random() % 7);
+        const auto size = static_cast<std::size_t>(width * height);
         std::vector<std::int32_t> levels[2] = {std::vector<std::int32_t>(size), std::vector<std::int32_t>(size)};
         std::vector<std::uint8_t> from(size);
         std::vector<std::uint8_t> to(size);
@@ -185,7 +185,7 @@ TEST(Propagate_Grow, survives_every_size_and_any_tags) {
         tags.carried.fill(1);
         tags.locked[1] = 1;
         const std::vector<std::uint8_t> before = to;
-        Propagate_Grow({WIDTH, HEIGHT, levels[0], from, levels[1], to}, tags,
+        Propagate_Grow({width, height, levels[0], from, levels[1], to}, tags,
                        {.band = static_cast<int>(random() % 400)});
         for (std::size_t at = 0; at < size; ++at) {
             EXPECT_TRUE(before[at] != 1 || to[at] == 1);

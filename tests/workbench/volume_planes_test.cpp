@@ -63,13 +63,13 @@ std::vector<std::uint8_t> Random_Tags(std::size_t size, unsigned int seed, int t
 
 TEST(Volume_Planes, pictures_lie_as_the_patient_does_in_every_orientation) {
     // Millimetres grow to the right, the front and the head. First: where a step across, down and through leads.
-    constexpr std::array<std::array<std::size_t, 3>, PLANE_NB> AXES = {{{0, 1, 2}, {0, 2, 1}, {1, 2, 0}}};
+    constexpr std::array<std::array<std::size_t, 3>, PLANE_NB> step_axes = {{{0, 1, 2}, {0, 2, 1}, {1, 2, 0}}};
     for (const volumes::Affine& affine : Straight_Affines()) {
         const Display_Order order = Display_Order_Of(affine);
         const Patient_Axes axes = Patient_Axes_Of(affine, order);
         for (const Plane plane : PLANES) {
             const Plane_Geometry geometry = Plane_Geometry_Of(plane, axes, VOXEL_NB, SPACING);
-            const auto& patient = AXES[static_cast<std::size_t>(plane)];
+            const auto& patient = step_axes[static_cast<std::size_t>(plane)];
             const auto across = Step(geometry, {1, 0, 0}, affine, order);
             const auto down = Step(geometry, {0, 1, 0}, affine, order);
             const auto through = Step(geometry, {0, 0, 1}, affine, order);

@@ -27,7 +27,7 @@ struct Claimed_Levels {
 class Band_Plan {
   public:
     /** Proposes TAGs 1, 2, 3 ... to the peaks in their order; none to the background's, and none when there are no
-     * more.
+     *  more.
      *  @param background index of the peak of the background; -1: none @param tag_count number of TAGs, 0 included */
     Band_Plan(std::span<const Peak_Row> peaks, int background, int tag_count);
 

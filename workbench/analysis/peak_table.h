@@ -50,8 +50,8 @@ struct Peak_Table {
 };
 
 /** Rows in the order of the peaks, with the numbers that the panel gives of them (Histo_Peaks). A Gaussian claims its
- * centre plus and minus its half width, but not beyond the middle to its neighbours. Gaussians that overlap may have
- * more area together than there are pixels: shares are then those of the areas' sum.
+ *  centre plus and minus its half width, but not beyond the middle to its neighbours. Gaussians that overlap may have
+ *  more area together than there are pixels: shares are then those of the areas' sum.
  *  @param peaks centres, widths and their errors in the grey levels of `curve` */
 Peak_Table Peak_Table_Make(std::span<const Histo_Peak_Info> peaks, const Analysed_Curve& curve);
 

@@ -89,7 +89,7 @@ Changes Changes_Of_Panel(unsigned long long flags) {
         unsigned long long mask;
         Change change;
     };
-    constexpr Meaning MEANINGS[] = {
+    constexpr Meaning meanings[] = {
         {UPDATE_ALL, Change::Opened},
         {UPDATE_TAG_LABEL, Change::Texts},
         {UPDATE_TAG_SELECT, Change::Tag_Selected},
@@ -108,7 +108,7 @@ Changes Changes_Of_Panel(unsigned long long flags) {
         {UPDATE_SELECTION, Change::Selection},
     };
     Changes changes;
-    for (const Meaning& meaning : MEANINGS) {
+    for (const Meaning& meaning : meanings) {
         changes |= Has_Any(flags, meaning.mask) ? Changes(meaning.change) : Changes();
     }
     return changes;

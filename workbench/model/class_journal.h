@@ -12,7 +12,7 @@
  *      end 2
  *
  *  Ids stand for classes, numbers for places among the parent's children; "nowhere" is out of the tree. Steps beyond
- * the done ones were taken back. Lines that begin with # mean nothing.
+ *  the done ones were taken back. Lines that begin with # mean nothing.
  */
 #pragma once
 

@@ -20,9 +20,9 @@ int Position_Of(const std::vector<std::string>& ids, const std::string& id) {
 /** Which of some different numbers can stay where they are so that as few as possible must be moved to put them in
  *  ascending order: the longest ascending ones. */
 std::vector<bool> Longest_Ascending(const std::vector<int>& numbers) {
-    constexpr std::size_t NONE = static_cast<std::size_t>(-1);
+    constexpr std::size_t none = static_cast<std::size_t>(-1);
     std::vector<std::size_t> tail;  // index of the smallest last number of an ascent, by its length
-    std::vector<std::size_t> before(numbers.size(), NONE);
+    std::vector<std::size_t> before(numbers.size(), none);
     for (std::size_t i = 0; i < numbers.size(); ++i) {
         const auto place = std::lower_bound(tail.begin(), tail.end(), numbers[i],
                                             [&](std::size_t at, int number) { return numbers[at] < number; });
@@ -36,7 +36,7 @@ std::vector<bool> Longest_Ascending(const std::vector<int>& numbers) {
         }
     }
     std::vector<bool> stays(numbers.size(), false);
-    for (std::size_t at = tail.empty() ? NONE : tail.back(); at != NONE; at = before[at]) {
+    for (std::size_t at = tail.empty() ? none : tail.back(); at != none; at = before[at]) {
         stays[at] = true;
     }
     return stays;

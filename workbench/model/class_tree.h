@@ -77,7 +77,7 @@ class Class_Tree {
 
 /** What makes `after` of `before`, renamings first: few moves, and each of them leads from a tree to a tree without a
  *  cycle, forwards and, inverted from the last to the first, backwards. Classes that `after` does not have are moved
- * out of the tree, those that only `after` has are added to `before` first, out of the tree. Both need the same root.
+ *  out of the tree, those that only `after` has are added to `before` first, out of the tree. Both need the same root.
  *  @param before becomes equal to `after`, but for classes out of the tree */
 std::vector<Class_Action> Class_Tree_Difference(Class_Tree& before, const Class_Tree& after);
 

@@ -39,8 +39,8 @@ struct Enlarged_Act {
 };
 
 /** + and - zoom to 4/5 and back, the foot of the counts staying where it is; arrows move the view by a tenth of the
- * window, Home presses "Reset Zoom", E "Export"; T, C and P open the selectors of TAGs, cursor and peaks; Escape
- * closes.
+ *  window, Home presses "Reset Zoom", E "Export"; T, C and P open the selectors of TAGs, cursor and peaks; Escape
+ *  closes.
  *  @param key KEY_* or a character
  *  @return one after the other; empty: the key means nothing here, or its control is not there */
 std::vector<Enlarged_Act> Enlarged_Key_Acts(int key, const Enlarged_View& view);

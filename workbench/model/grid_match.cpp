@@ -188,7 +188,7 @@ std::string Grid_Turn_Text(const Grid_Match& match) {
     if (match.relation != Grid_Relation::Turned) {
         return {};
     }
-    constexpr const char* NAMES[] = {"x", "y", "z"};
+    constexpr const char* names[] = {"x", "y", "z"};
     std::string text;
     const auto add = [&](const std::string& words) { text += (text.empty() ? "" : ", ") + words; };
     int moved = 0;
@@ -196,18 +196,18 @@ std::string Grid_Turn_Text(const Grid_Match& match) {
     for (std::size_t axis = 0; axis < 3; ++axis) {
         if (match.axis[axis] != axis) {
             ++moved;
-            exchanged += (exchanged.empty() ? "" : moved == 2 ? " and " : ", ") + std::string(NAMES[axis]);
+            exchanged += (exchanged.empty() ? "" : moved == 2 ? " and " : ", ") + std::string(names[axis]);
         }
     }
     if (moved == 2) {
         add(exchanged + " exchanged");
     } else if (moved == 3) {
-        add("x, y and z stand for " + std::string(NAMES[match.axis[0]]) + ", " + NAMES[match.axis[1]] + " and " +
-            NAMES[match.axis[2]]);
+        add("x, y and z stand for " + std::string(names[match.axis[0]]) + ", " + names[match.axis[1]] + " and " +
+            names[match.axis[2]]);
     }
     for (std::size_t axis = 0; axis < 3; ++axis) {
         if (match.is_flipped[axis]) {
-            add(std::string(NAMES[axis]) + " flipped");
+            add(std::string(names[axis]) + " flipped");
         }
     }
     return text;

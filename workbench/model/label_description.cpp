@@ -145,21 +145,21 @@ void Marker_Line(Line_Reader& reader, Label_Description& description, const Labe
 }
 
 void First_Line(std::string_view line, Label_Description_Reading& reading) {
-    constexpr const char* OTHER = "is no description of labels";
+    constexpr const char* other = "is no description of labels";
     if (!line.starts_with(FORMAT)) {
-        reading.refused = OTHER;
+        reading.refused = other;
         return;
     }
     Line_Reader reader(line.substr(FORMAT.size()));
     const std::size_t version = reader.Number(NUMBER_MAX);
     if (!reader.Error().empty() || version == 0) {
-        reading.refused = OTHER;
+        reading.refused = other;
     } else if (version > LABEL_DESCRIPTION_VERSION) {
         // A later version may say more in this line.
         reading.refused = "was written by a later version of this program";
         reading.is_newer = true;
     } else if (reader.End(); !reader.Error().empty()) {
-        reading.refused = OTHER;
+        reading.refused = other;
     }
 }
 

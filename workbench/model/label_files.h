@@ -9,7 +9,7 @@
 namespace workbench {
 
 /** Where the labels of an image are saved unless the user says otherwise: in the image's folder, under its name. A
- * NIfTI file gives its own name, a file of a series the title of the series.
+ *  NIfTI file gives its own name, a file of a series the title of the series.
  *  @param image the file, or the first of them @param title of the volume, UTF-8 */
 std::filesystem::path Label_Path_Proposed(const std::filesystem::path& image, const std::string& title);
 

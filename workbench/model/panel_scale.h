@@ -2,7 +2,7 @@
  *
  *  Contract: the histogram panel adds 1 to the range of its grey levels before it counts bins, thresholds are shown as
  *  whole numbers, and 100000 and more means that there is no upper threshold. Images whose grey values are small or
- * huge are therefore told in another unit, a power of ten (of a thousand) finer or coarser.
+ *  huge are therefore told in another unit, a power of ten (of a thousand) finer or coarser.
  */
 #pragma once
 

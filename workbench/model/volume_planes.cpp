@@ -110,13 +110,13 @@ Plane_Geometry Plane_Geometry_Of_Slices(const std::array<int, 3>& voxel_nb, cons
 }
 
 Plane Plane_Of_Slices(const Patient_Axes& axes) {
-    constexpr std::array<Plane, 3> ACROSS = {Plane::Sagittal, Plane::Coronal, Plane::Axial};
-    return ACROSS[axes.patient[SLICE_AXIS]];
+    constexpr std::array<Plane, 3> across = {Plane::Sagittal, Plane::Coronal, Plane::Axial};
+    return across[axes.patient[SLICE_AXIS]];
 }
 
 const char* Plane_Name(Plane plane) {
-    constexpr const char* NAMES[] = {"Axial", "Coronal", "Sagittal"};
-    return NAMES[static_cast<std::size_t>(plane)];
+    constexpr const char* names[] = {"Axial", "Coronal", "Sagittal"};
+    return names[static_cast<std::size_t>(plane)];
 }
 
 Shown_Voxel Plane_Geometry::To_Voxel(const Plane_Pixel& pixel) const {

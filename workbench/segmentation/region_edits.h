@@ -1,5 +1,5 @@
 /** Filling, growing and choosing regions. What is locked, or outside the chosen TAG, is neither changed nor crossed by
- * a fill; operations on a TAG's regions look at all its voxels and change those that they may.
+ *  a fill; operations on a TAG's regions look at all its voxels and change those that they may.
  *
  *  Every operation returns nothing when it is cancelled, and throws std::bad_alloc when memory is short.
  */

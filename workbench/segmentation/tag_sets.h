@@ -33,8 +33,8 @@ struct Outline_Point {
 };
 
 /** Gives a TAG to the pixels of a slice whose centre lies inside an outline, which is closed from the last corner to
- * the first. Of an outline that crosses itself the parts inside an odd number of times count. Outlines that share a
- * side share no pixel and leave none between them. No change for a slice that is not worked on, or corners that are no
+ *  the first. Of an outline that crosses itself the parts inside an odd number of times count. Outlines that share a
+ *  side share no pixel and leave none between them. No change for a slice that is not worked on, or corners that are no
  *  numbers. */
 Label_Edit Outline_Fill(const Edit_Input& input, int slice, std::span<const Outline_Point> outline, std::uint8_t tag);
 

@@ -55,7 +55,7 @@ struct Decode_Report {
  *  @param format as Coded_Format_Read gave it for this frame, or for another: then a difference is an error
  *  @param packed whatever it holds
  *  @param bytes format.Frame_Size() bytes: filled pixel by pixel, samples in little-endian order; signed ones of JPEG
- * 2000 in two's complement of `bits` bits */
+ *  2000 in two's complement of `bits` bits */
 Decode_Report Coded_Frame_Decode(Frame_Codec codec, const Coded_Format& format, bool is_ybr,
                                  std::span<const std::uint8_t> packed, std::span<std::uint8_t> bytes);
 

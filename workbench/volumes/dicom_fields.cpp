@@ -63,8 +63,8 @@ std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag, unsigned long positi
     while (!speaker->tagExists(DCM_SpecificCharacterSet) && speaker->getParentItem() != nullptr) {
         speaker = speaker->getParentItem();
     }
-    // Contract: the toolkit separates values at every backslash, and half a character of Japanese or Chinese may be
-    // one.
+    // Contract: patients with Japanese or Chinese names are found by them. Half a character may be a backslash, at
+    // which the toolkit would separate values, so the whole text is converted first.
     const std::string text = Dicom_Text_Utf8(whole(item, tag), whole(*speaker, DCM_SpecificCharacterSet), false);
     std::size_t begin = 0;
     for (unsigned long before = 0; before < position; ++before) {

@@ -190,7 +190,8 @@ class Tile_Parts {
 
 }  // namespace
 
-// Contract: decoders make room by this header alone, for tiles before the first of them is there.
+// Contract: decoders make room by this header alone, before the first tile is there: one that promises more than the
+// stream can hold would take all memory.
 std::optional<Jpeg_2000_Stream> Jpeg_2000_Stream_Find(std::span<const std::uint8_t> packed) {
     constexpr std::size_t sizes_end = 42;
     constexpr std::uint32_t side_most = 65535;

@@ -232,8 +232,8 @@ void File_Reader::Tables_Read() {
     }
 }
 
-// Contract: scanners fill what lies outside their field with a value of its own; DICOM wants it left out of everything
-// that is made of the pixels.
+// Contract: users count on histograms and means without the padding, the value by which scanners fill what lies outside
+// their field; DICOM wants it left out of everything that is made of the pixels.
 void File_Reader::Padding_Read() {
     DcmDataset& data_set = *file.getDataset();
     const std::optional<std::int32_t> value = Field_Integer(data_set, DCM_PixelPaddingValue);
@@ -478,7 +478,8 @@ void File_Reader::Stack_Decode(const Frame_Stack& stack, Volume& volume) {
     Levels_Decode(stack, volume);
 }
 
-// Contract: a damaged picture is shown, for it may be all that there is, but never without a word.
+// Contract: users judge by what they see: a damaged picture is shown, for it may be all that there is, but never
+// without a word.
 void File_Reader::Warnings_Tell() {
     const auto wrong_nb = std::ranges::count(has_warnings, 1);
     if (wrong_nb > 0) {

@@ -51,10 +51,10 @@ inline constexpr std::size_t DICOM_HEAD_SIZE = 140;
  * at */
 bool Dicom_Is_Likely(std::span<const std::uint8_t> head);
 
-/** Reads a whole file. Never throws.
- *  Decoded: uncompressed pixels in either byte order, of 1, 8, 16 or 32 bits or floating-point ones; deflated data
- * sets; pixels compressed by run lengths (RLE), JPEG, JPEG-LS or JPEG 2000. A compressed picture that its codec had
- * errors with is given with a warning. Frames of a codec are decoded on as many threads as there are processors.
+/** Reads a whole file. Never throws. Decoded: uncompressed pixels in either byte order, of 1, 8, 16 or 32 bits or
+ *  floating-point ones; deflated data sets; pixels compressed by run lengths (RLE), JPEG, JPEG-LS or JPEG 2000. A
+ *  compressed picture that its codec had errors with is given with a warning. Frames of a codec are decoded on as many
+ *  threads as there are processors.
  *  @param file all bytes, not kept
  *  @param limits most bytes of the decoded levels, and of an inflated data set, each for itself
  *  @param progress may be empty; called on the caller's thread */

@@ -64,7 +64,8 @@ void Stored_Frames::Fragments_Open(const Pixel_Format& pixel_format) {
                           static_cast<std::size_t>(pixel_format.bits_allocated) / BYTE_BITS);
 }
 
-// Contract: what dcmdjpeg and its like write down of a decoded image, so that all programs show the same greys.
+// Contract: users compare greys with those of other programs: the format becomes what dcmdjpeg and its like write down
+// of a decoded image.
 void Stored_Frames::Codec_Format_Take(Pixel_Format& pixel_format) {
     std::vector<std::uint8_t> joined;
     coded = Coded_Format_Read(codec, fragments->Frame(0, joined));

@@ -95,8 +95,8 @@ std::error_code Read(const std::filesystem::path& path, std::size_t most, std::s
 }  // namespace
 
 const File_Operations& File_Operations_Of_System() {
-    static constexpr File_Operations OPERATIONS = {&Create, &Write, &Flush, &Close, &Rename, &Remove, &Read};
-    return OPERATIONS;
+    static constexpr File_Operations operations = {&Create, &Write, &Flush, &Close, &Rename, &Remove, &Read};
+    return operations;
 }
 
 File_Operations& File_Operations_In_Use() {

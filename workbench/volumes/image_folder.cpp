@@ -19,7 +19,7 @@ namespace volumes {
 
 namespace {
 
-bool Ends_With(const std::string& name, std::string_view ending) {
+bool Has_Ending(const std::string& name, std::string_view ending) {
     return name.size() >= ending.size() &&
            std::equal(ending.rbegin(), ending.rend(), name.rbegin(), [](char wanted, char letter) {
                return letter == wanted || (letter >= 'A' && letter <= 'Z' && letter - 'A' + 'a' == wanted);
@@ -28,12 +28,12 @@ bool Ends_With(const std::string& name, std::string_view ending) {
 
 bool Is_Nifti_Name(const std::string& name) {
     return std::ranges::any_of(std::initializer_list<std::string_view>{".nii", ".nii.gz", ".hdr", ".hdr.gz"},
-                               [&](std::string_view ending) { return Ends_With(name, ending); });
+                               [&](std::string_view ending) { return Has_Ending(name, ending); });
 }
 
 bool Is_Dicom_Name(const std::string& name) {
     return std::ranges::any_of(std::initializer_list<std::string_view>{".dcm", ".dicom", ".ima", ".dcm.gz"},
-                               [&](std::string_view ending) { return Ends_With(name, ending); });
+                               [&](std::string_view ending) { return Has_Ending(name, ending); });
 }
 
 /** A file to be opened. */
@@ -44,11 +44,11 @@ struct Wanted {
 
 /** The voxels of a pair: they are read with their header, if that is read too. */
 bool Is_Voxels_Of_Pair(const Wanted& file, const std::string& name) {
-    if (file.is_named || (!Ends_With(name, ".img") && !Ends_With(name, ".img.gz"))) {
+    if (file.is_named || (!Has_Ending(name, ".img") && !Has_Ending(name, ".img.gz"))) {
         return false;
     }
     std::filesystem::path stem = file.path;
-    if (Ends_With(name, ".gz")) {
+    if (Has_Ending(name, ".gz")) {
         stem.replace_extension();
     }
     stem.replace_extension();

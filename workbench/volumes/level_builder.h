@@ -15,17 +15,17 @@ namespace volumes {
 /** Collects voxels as they are read; memory grows with what has arrived, not with what was announced.
  *
  *  Levels: int8, uint8, int16, uint16 and int32 keep their values. So do uint32, int64 and uint64 as long as every
- * value lies in -2^31 .. LEVEL_LARGEST. float32 and float64 keep their values where all are whole numbers of a range
- * up to WHOLE_RANGE. Otherwise they, and other integers, are quantised: the range from the smallest to the largest
- * finite value is cut into equal steps and each value gets the number of the nearest. There are QUANTISED_STEPS of
- * them, or fewer where all values lie on a grid of fewer (see Value_Steps): an image of 256 greys between 0 and 1 has
- * 255. The quantised value differs from the file's by at most half a step of QUANTISED_STEPS, (largest - smallest) /
- * 131,070, times the file's scale factor (`Volume::max_error`; rounding of the arithmetic, some 2^-52 of the largest
- * magnitude, comes on top). Values that are infinite or no number get LEVEL_OUTSIDE and are counted. So do, where the
- * values could not all keep theirs, those so far from all others that a scale which reached them would flatten the rest
- * (see Value_Range_Find), and the largest and smallest number of an integer type when they are further from all others
- * than those are from each other: marks for "no value". Colours are packed with red in the low byte, then green, then
- * blue; alpha is dropped.
+ *  value lies in -2^31 .. LEVEL_LARGEST. float32 and float64 keep their values where all are whole numbers of a range
+ *  up to WHOLE_RANGE. Otherwise they, and other integers, are quantised: the range from the smallest to the largest
+ *  finite value is cut into equal steps and each value gets the number of the nearest. There are QUANTISED_STEPS of
+ *  them, or fewer where all values lie on a grid of fewer (see Value_Steps): an image of 256 greys between 0 and 1 has
+ *  255. The quantised value differs from the file's by at most half a step of QUANTISED_STEPS, (largest - smallest) /
+ *  131,070, times the file's scale factor (`Volume::max_error`; rounding of the arithmetic, some 2^-52 of the largest
+ *  magnitude, comes on top). Values that are infinite or no number get LEVEL_OUTSIDE and are counted. So do, where the
+ *  values could not all keep theirs, those so far from all others that a scale which reached them would flatten the
+ *  rest (see Value_Range_Find), and the largest and smallest number of an integer type when they are further from all
+ *  others than those are from each other: marks for "no value". Colours are packed with red in the low byte, then
+ *  green, then blue; alpha is dropped.
  */
 class Level_Builder {
   public:
@@ -38,7 +38,7 @@ class Level_Builder {
     void Append(std::span<const std::uint8_t> bytes);
     std::uint64_t Voxel_Nb() const { return voxel_nb; }
     /** Moves the levels into `volume` and fills in color, scalar_type, slope, intercept, max_error, nonfinite_nb,
-     * level_min and level_max.
+     *  level_min and level_max.
      *  @param file_slope, file_intercept the file's own scale, finite, slope not 0 */
     void Finish(double file_slope, double file_intercept, Volume& volume);
 

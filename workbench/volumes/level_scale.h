@@ -47,9 +47,9 @@ inline constexpr std::int64_t LEVEL_SCALE_STEPS =
  *  Where all parts have one slope and one intercept, levels are the stored values; where those are more than levels can
  *  be, the stored values less a common number, so that everything stays exact as long as highest - lowest is at most
  *  LEVEL_SCALE_STEPS. Where all slopes and distances of intercepts are whole multiples of the finest slope, or of an
- * even part of it, and there is room, it is exact as well. Else the step is the finest slope, and where that has no
- * room for the whole range, the smallest step that has: LEVEL_SCALE_STEPS from the smallest grey to the largest.
- * Nothing is ever clamped.
+ *  even part of it, and there is room, it is exact as well. Else the step is the finest slope, and where that has no
+ *  room for the whole range, the smallest step that has: LEVEL_SCALE_STEPS from the smallest grey to the largest.
+ *  Nothing is ever clamped.
  *
  *  Parts that are not finite, or whose slope is 0 or no number, are outside. So are parts far from all others, but only
  *  where the finest step has no room, and only those further away than 65,536 times the width of the rest (see

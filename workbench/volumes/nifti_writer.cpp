@@ -170,7 +170,7 @@ std::string Size_Check(const Volume& source, std::size_t label_nb) {
     return {};
 }
 
-bool Ends_In_Gz(const std::filesystem::path& path) {
+bool Is_Gz_Name(const std::filesystem::path& path) {
     const std::filesystem::path extension = path.extension();
     return extension == ".gz" || extension == ".GZ" || extension == ".Gz";
 }
@@ -186,7 +186,7 @@ std::string Write(const std::filesystem::path& path, const Volume& source, std::
         const bool all_times = labels.size() != source.Voxel_Nb_3D();
         const Header_Bytes header = Header_Make(source, all_times, sizeof(Label));
         Output_File file(path);
-        Label_Stream stream(file, Ends_In_Gz(path));
+        Label_Stream stream(file, Is_Gz_Name(path));
         const bool written =
             stream.Write(header.bytes) && Labels_Write(stream, labels) && stream.Finish() && file.Commit();
         return written ? std::string() : name + ' ' + file.Error() + '.';

@@ -11,10 +11,10 @@
 namespace volumes {
 
 /** Writes labels as a NIfTI-1 file with the dimensions, voxel sizes, qform and sform of `source`; gzip-compressed when
- * the name ends in ".gz". A file of that name is replaced, and stays as it is when writing fails. Never throws.
+ *  the name ends in ".gz". A file of that name is replaced, and stays as it is when writing fails. Never throws.
  *
  *  A source whose geometry came from NIfTI passes its geometry fields on unchanged (NIfTI-2's doubles become floats,
- * the format's own type); any other gets its affine as sform.
+ *  the format's own type); any other gets its affine as sform.
  *
  *  @param labels one per voxel of `source`, of one time point or of all, in the order of Volume::levels
  *  @return empty on success, else one sentence for the user, UTF-8, naming the file */

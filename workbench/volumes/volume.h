@@ -60,8 +60,8 @@ struct Stored_Geometry {
 /** Voxels are kept x fastest, then y, z, t.
  *
  *  Display: NIfTI's axes run to the patient's right (x), front (y) and top (z) when the affine's diagonal is positive,
- * so an axial frame stands upright when the picture's row r, counted from the top, shows y = ny - 1 - r. Where the
- * affine's element [0][0] (or [1][1]) is negative, the x (or y) axis runs the other way.
+ *  so an axial frame stands upright when the picture's row r, counted from the top, shows y = ny - 1 - r. Where the
+ *  affine's element [0][0] (or [1][1]) is negative, the x (or y) axis runs the other way.
  */
 struct Volume {
     std::int32_t nx = 0;                     ///< 1 or more

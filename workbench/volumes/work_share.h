@@ -13,7 +13,7 @@ std::size_t Work_Thread_Nb(std::size_t most);
  *  own where that is 1 or no other can be had.
  *
  *  An exception of a piece ends the handing out; when all that began have ended, that of the lowest number is thrown
- * on.
+ *  on.
  *  @param on_done called on the caller's thread now and then with the number of pieces done. @return false to give up:
  *  no more pieces begin. May be empty
  *  @return false: it was given up */

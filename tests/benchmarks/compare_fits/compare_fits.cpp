@@ -12,13 +12,13 @@ namespace {
 
 /** 30 peaks on 2,048 bins, noise as of counted pixels. */
 std::vector<double> Synthetic_Curve() {
-    constexpr std::size_t BIN_NB = 2048;
-    constexpr int PEAK_NB = 30;
+    constexpr std::size_t bin_nb = 2048;
+    constexpr int peak_nb = 30;
     std::mt19937 random(1);
-    std::vector<double> counts(BIN_NB);
-    for (std::size_t bin = 0; bin < BIN_NB; ++bin) {
+    std::vector<double> counts(bin_nb);
+    for (std::size_t bin = 0; bin < bin_nb; ++bin) {
         double mean = 0.0;
-        for (int k = 0; k < PEAK_NB; ++k) {
+        for (int k = 0; k < peak_nb; ++k) {
             const double away = (static_cast<double>(bin) - 40.4 - 66.0 * k) / (9.0 + k % 5);
             mean += (5000.0 + 370.0 * (k % 7)) * std::exp(-0.693147181 * away * away);
         }

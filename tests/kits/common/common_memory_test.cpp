@@ -176,14 +176,14 @@ TEST(Without_Memory, long_messages_are_cut_and_still_arrive) {
 }
 
 TEST(Without_Memory, a_receiver_is_refused) {
-    constexpr int RECEIVER_NB = 40;
+    constexpr int receiver_nb = 40;
     const int failed = Fail_Each_Allocation([] {
         int refused = 0;
-        for (int i = 0; i < RECEIVER_NB; ++i) {
+        for (int i = 0; i < receiver_nb; ++i) {
             refused += Message_Receiver_Add(Receive_Too, &received[i]) == 0 ? 1 : 0;
         }
         EXPECT_EQ(refused, Failing_Allocation::Happened() ? 1 : 0);
-        for (int i = 0; i < RECEIVER_NB; ++i) {
+        for (int i = 0; i < receiver_nb; ++i) {
             Message_Receiver_Remove(Receive_Too, &received[i]);
         }
     });

@@ -50,16 +50,16 @@ TEST(Wide_Text, of_nothing_is_empty) {
 
 #if defined(_WIN32)
 TEST(Characters, of_a_double_byte_page_take_two_bytes_after_a_lead_byte) {
-    constexpr unsigned int JAPANESE = 932;
-    EXPECT_EQ(Character_Bytes_In(JAPANESE, "\x83\x5C"), 2) << "its second byte is a backslash elsewhere";
-    EXPECT_EQ(Character_Bytes_In(JAPANESE, "\xB1\xB2"), 1) << "half width";
-    EXPECT_EQ(Character_Bytes_In(JAPANESE, "\x83"), 0) << "cut off";
-    EXPECT_EQ(Character_Bytes_In(JAPANESE, "a"), 1);
-    EXPECT_EQ(Character_Bytes_In(JAPANESE, ""), 0);
-    constexpr unsigned int WESTERN = 1252;
-    EXPECT_EQ(Character_Bytes_In(WESTERN, "\xDF\x96"), 1);
-    constexpr unsigned int UTF8 = 65001;
-    EXPECT_EQ(Character_Bytes_In(UTF8, "\xE2\x82\xAC"), 3);
+    constexpr unsigned int japanese = 932;
+    EXPECT_EQ(Character_Bytes_In(japanese, "\x83\x5C"), 2) << "its second byte is a backslash elsewhere";
+    EXPECT_EQ(Character_Bytes_In(japanese, "\xB1\xB2"), 1) << "half width";
+    EXPECT_EQ(Character_Bytes_In(japanese, "\x83"), 0) << "cut off";
+    EXPECT_EQ(Character_Bytes_In(japanese, "a"), 1);
+    EXPECT_EQ(Character_Bytes_In(japanese, ""), 0);
+    constexpr unsigned int western = 1252;
+    EXPECT_EQ(Character_Bytes_In(western, "\xDF\x96"), 1);
+    constexpr unsigned int utf8 = 65001;
+    EXPECT_EQ(Character_Bytes_In(utf8, "\xE2\x82\xAC"), 3);
 }
 #endif
 

@@ -203,15 +203,15 @@ TEST_F(Tree, a_destroyed_child_leaves_and_its_children_become_roots) {
 }
 
 TEST_F(Tree, random_moves_keep_it_a_tree) {
-    constexpr int NODE_NB = 60;
+    constexpr int node_nb = 60;
     std::vector<std::unique_ptr<Quorel_2D>> nodes;
-    for (int i = 0; i < NODE_NB; ++i) {
+    for (int i = 0; i < node_nb; ++i) {
         nodes.push_back(std::make_unique<Quorel_2D>());
     }
     std::mt19937 generator(3);
     for (int round = 0; round < 20000; ++round) {
-        Quorel_2D& node = *nodes[generator() % NODE_NB];
-        Quorel_2D& target = *nodes[generator() % NODE_NB];
+        Quorel_2D& node = *nodes[generator() % node_nb];
+        Quorel_2D& target = *nodes[generator() % node_nb];
         switch (generator() % 4) {
             case 0:
                 target.Child_Add(&node);
@@ -229,7 +229,7 @@ TEST_F(Tree, random_moves_keep_it_a_tree) {
                 break;
         }
         if (round % 200 == 0) {
-            nodes[generator() % NODE_NB] = std::make_unique<Quorel_2D>();
+            nodes[generator() % node_nb] = std::make_unique<Quorel_2D>();
         }
     }
     int linked = 0;
@@ -242,7 +242,7 @@ TEST_F(Tree, random_moves_keep_it_a_tree) {
         }
         int depth = 0;
         for (const Quorel_2D* above = node.get(); above != nullptr; above = above->Parent_Get_Pt()) {
-            ASSERT_LE(++depth, NODE_NB) << "a ring";
+            ASSERT_LE(++depth, node_nb) << "a ring";
         }
     }
     EXPECT_EQ(linked, with_parent);

@@ -54,9 +54,9 @@ TEST_P(Axes_Test, draw_into_the_margins_only) {
     int ink = 0;
     for (int y = 0; y < HEIGHT; y++) {
         for (int x = 0; x < WIDTH; x++) {
-            if (!outer.Contains({x, y})) {
+            if (!outer.Has_Point({x, y})) {
                 ASSERT_EQ(picture.At(x, y), Test_Window::MARKER);
-            } else if (inner.Contains({x, y})) {
+            } else if (inner.Has_Point({x, y})) {
                 ASSERT_EQ(picture.At(x, y), GROUND) << x << "," << y;
             } else {
                 ink += picture.At(x, y) != GROUND ? 1 : 0;
@@ -125,7 +125,7 @@ TEST_P(Axes_Test, titles_as_long_as_the_box_stay_inside) {
         const Rect outer = Device(box.x, box.y, box.width, box.height);
         for (int y = 0; y < HEIGHT; y++) {
             for (int x = 0; x < WIDTH; x++) {
-                ASSERT_TRUE(outer.Contains({x, y}) || picture.At(x, y) == Test_Window::MARKER)
+                ASSERT_TRUE(outer.Has_Point({x, y}) || picture.At(x, y) == Test_Window::MARKER)
                     << x << "," << y << " height " << of_height;
             }
         }
@@ -160,7 +160,7 @@ TEST_P(Axes_Test, titles_of_any_font_and_length_stay_inside) {
                 int outside = 0;
                 for (int y = 0; y < HEIGHT; y++) {
                     for (int x = 0; x < WIDTH; x++) {
-                        outside += !outer.Contains({x, y}) && picture.At(x, y) != Test_Window::MARKER ? 1 : 0;
+                        outside += !outer.Has_Point({x, y}) && picture.At(x, y) != Test_Window::MARKER ? 1 : 0;
                     }
                 }
                 EXPECT_EQ(outside, 0) << name << " " << weight << " " << scale;
@@ -176,5 +176,5 @@ TEST_P(Axes_Test, missing_titles_are_allowed) {
     Y_release(window.Get(), dc);
 }
 
-INSTANTIATE_TEST_SUITE_P(BothAxes, Axes_Test, testing::Values(Window_Axis::Up, Window_Axis::Down),
+INSTANTIATE_TEST_SUITE_P(Both_Axes, Axes_Test, testing::Values(Window_Axis::Up, Window_Axis::Down),
                          [](const auto& axis) { return axis.param == Window_Axis::Up ? "Up" : "Down"; });

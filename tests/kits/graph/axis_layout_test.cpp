@@ -48,7 +48,7 @@ void Expect_Clean(const Axis_Layout& layout, const Axis_Request& request) {
 
 }  // namespace
 
-TEST(AxisLayout, texts_never_overlap_nor_leave_the_box_nor_cover_the_data) {
+TEST(Axis_Layout, texts_never_overlap_nor_leave_the_box_nor_cover_the_data) {
     constexpr float ranges[][2] = {{0, 255},      {-1024, 3071}, {0, 1},          {0.001F, 0.0012F},
                                    {-1e9F, 2e9F}, {0, 123456},   {99999, 100001}, {-3e-7F, 3e38F}};
     for (int width = 60; width <= 1600; width += 77) {
@@ -67,7 +67,7 @@ TEST(AxisLayout, texts_never_overlap_nor_leave_the_box_nor_cover_the_data) {
     }
 }
 
-TEST(AxisLayout, usual_plots_have_numbers_and_titles) {
+TEST(Axis_Layout, usual_plots_have_numbers_and_titles) {
     const Axis_Request request = Request(600, 400, 0, 255, "GLI");
     const Axis_Layout x = Axis_Layout_X(request);
     const Axis_Layout y = Axis_Layout_Y(request);
@@ -81,7 +81,7 @@ TEST(AxisLayout, usual_plots_have_numbers_and_titles) {
     EXPECT_EQ(y.tick_at.size(), y.labels.size() - 1);
 }
 
-TEST(AxisLayout, the_upright_title_stands_midway_between_the_edge_and_the_numbers) {
+TEST(Axis_Layout, the_upright_title_stands_midway_between_the_edge_and_the_numbers) {
     for (const int width : {300, 800, 3800}) {
         const Axis_Request request = Request(width, width / 2, 0.0F, 3.0e6F, "Pixels");
         const Axis_Layout layout = Axis_Layout_Y(request);
@@ -99,7 +99,7 @@ TEST(AxisLayout, the_upright_title_stands_midway_between_the_edge_and_the_number
     }
 }
 
-TEST(AxisLayout, the_upright_title_leaves_the_frame_of_its_box_free) {
+TEST(Axis_Layout, the_upright_title_leaves_the_frame_of_its_box_free) {
     Axis_Request request = Request(800, 400, 0.0F, 3.0e6F, "Pixels");
     const auto title_left = [&] {
         const Axis_Layout layout = Axis_Layout_Y(request);
@@ -114,7 +114,7 @@ TEST(AxisLayout, the_upright_title_leaves_the_frame_of_its_box_free) {
     EXPECT_LT(title_left(), request.area.left) << "a frame that leaves no room";
 }
 
-TEST(AxisLayout, ticks_stand_at_their_values) {
+TEST(Axis_Layout, ticks_stand_at_their_values) {
     Axis_Request request = Request(600, 400, 0, 100, "");
     request.area = {60, 20, 560, 320};
     const Axis_Layout x = Axis_Layout_X(request);
@@ -127,7 +127,7 @@ TEST(AxisLayout, ticks_stand_at_their_values) {
     EXPECT_NEAR(y.tick_at.back(), 20, 1);
 }
 
-TEST(AxisLayout, wide_numbers_are_shortened_rather_than_lost) {
+TEST(Axis_Layout, wide_numbers_are_shortened_rather_than_lost) {
     const Axis_Request request = Request(300, 200, 0, 90000, "Pixels");
     const Axis_Layout y = Axis_Layout_Y(request);
     ASSERT_GE(y.labels.size(), 2U);
@@ -142,7 +142,7 @@ std::vector<Plot_Label> Numbers_Of(const Axis_Layout& layout, const Axis_Request
 }
 }  // namespace
 
-TEST(AxisLayout, two_numbers_stand_wherever_two_have_room) {
+TEST(Axis_Layout, two_numbers_stand_wherever_two_have_room) {
     for (const auto& [from, to] : {std::pair{3.0F, 8.0F}, {4.0F, 9.5F}, {0.9F, 4.2F}, {-3.0F, 1.0F}, {12.0F, 19.0F}}) {
         for (int length = 20; length <= 120; ++length) {
             // A number is at most four characters, 28 pixels and a gap of 8; it may reach beyond the area's ends.
@@ -160,7 +160,7 @@ TEST(AxisLayout, two_numbers_stand_wherever_two_have_room) {
     }
 }
 
-TEST(AxisLayout, a_turned_title_is_as_long_as_its_turned_letters) {
+TEST(Axis_Layout, a_turned_title_is_as_long_as_its_turned_letters) {
     Axis_Request request = Request(600, 400, 0, 255, "Pixels");
     request.width_upwards = [](const std::string& text) { return static_cast<int>(text.size()) * 9; };
     const Axis_Layout layout = Axis_Layout_Y(request);
@@ -172,7 +172,7 @@ TEST(AxisLayout, a_turned_title_is_as_long_as_its_turned_letters) {
     }
 }
 
-TEST(AxisLayout, numbers_are_centred_under_their_ticks) {
+TEST(Axis_Layout, numbers_are_centred_under_their_ticks) {
     const Axis_Request request = Request(600, 400, 0, 100, "");
     const Axis_Layout x = Axis_Layout_X(request);
     for (std::size_t i = 1; i + 1 < x.labels.size(); i++) {

@@ -17,7 +17,7 @@ Boxs Plot_Box(HWND window) {
 
 }  // namespace
 
-TEST(PlotArea, margins_follow_the_smaller_side) {
+TEST(Plot_Area, margins_follow_the_smaller_side) {
     const Test_Window window(640, 420, Window_Axis::Up);
     const Plot_Area area = Plot_Window_Area(Plot_Box(window.Get()), "GLI", "Pixels");
     // m = min(600 / 50, 400 / 50) = 8
@@ -27,7 +27,7 @@ TEST(PlotArea, margins_follow_the_smaller_side) {
     EXPECT_EQ(area.height, 400 - 59 - 16);
 }
 
-TEST(PlotArea, without_titles_the_bottom_margin_is_smaller) {
+TEST(Plot_Area, without_titles_the_bottom_margin_is_smaller) {
     const Test_Window window(640, 420, Window_Axis::Up);
     for (const char* none : {static_cast<const char*>(nullptr), ""}) {
         const Plot_Area area = Plot_Window_Area(Plot_Box(window.Get()), none, none);
@@ -37,7 +37,7 @@ TEST(PlotArea, without_titles_the_bottom_margin_is_smaller) {
     EXPECT_EQ(Plot_Window_Area(Plot_Box(window.Get()), nullptr, "Pixels").bottom, 2 + 59);
 }
 
-TEST(PlotArea, reserved_rows_are_left_free_at_the_top) {
+TEST(Plot_Area, reserved_rows_are_left_free_at_the_top) {
     const Test_Window window(640, 420, Window_Axis::Up);
     const Plot_Area area = Plot_Window_Area(Plot_Box(window.Get()), "GLI", "Pixels", 30);
     EXPECT_EQ(area.height, 400 - 59 - 46);
@@ -45,14 +45,14 @@ TEST(PlotArea, reserved_rows_are_left_free_at_the_top) {
     EXPECT_EQ(Plot_Window_Area(Plot_Box(window.Get()), "GLI", "Pixels", -9).height, 400 - 59 - 16);
 }
 
-TEST(PlotArea, the_large_margin_is_at_the_visual_bottom_in_either_axis) {
+TEST(Plot_Area, the_large_margin_is_at_the_visual_bottom_in_either_axis) {
     const Test_Window window(640, 420, Window_Axis::Down);
     const Plot_Area area = Plot_Window_Area(Plot_Box(window.Get()), "GLI", "Pixels", 30);
     EXPECT_EQ(area.bottom, 2 + 46);
     EXPECT_EQ(area.height, 400 - 59 - 46);
 }
 
-TEST(PlotArea, small_boxes_have_none) {
+TEST(Plot_Area, small_boxes_have_none) {
     Boxs box;
     box.width = 40;
     box.height = 20;

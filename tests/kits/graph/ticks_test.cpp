@@ -80,17 +80,17 @@ TEST(Ticks, a_wish_beyond_precision_is_cut_down) {
 TEST(Ticks, ranges_that_are_none) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const float infinite = std::numeric_limits<float>::infinity();
-    EXPECT_TRUE(Range_Is_Valid(0, 1));
-    EXPECT_TRUE(Range_Is_Valid(-FLT_MAX, FLT_MAX));
-    EXPECT_FALSE(Range_Is_Valid(1, 1));
-    EXPECT_FALSE(Range_Is_Valid(2, 1));
-    EXPECT_FALSE(Range_Is_Valid(nan, 1));
-    EXPECT_FALSE(Range_Is_Valid(0, nan));
-    EXPECT_FALSE(Range_Is_Valid(-infinite, 1));
-    EXPECT_FALSE(Range_Is_Valid(0, infinite));
+    EXPECT_TRUE(Is_Range_Valid(0, 1));
+    EXPECT_TRUE(Is_Range_Valid(-FLT_MAX, FLT_MAX));
+    EXPECT_FALSE(Is_Range_Valid(1, 1));
+    EXPECT_FALSE(Is_Range_Valid(2, 1));
+    EXPECT_FALSE(Is_Range_Valid(nan, 1));
+    EXPECT_FALSE(Is_Range_Valid(0, nan));
+    EXPECT_FALSE(Is_Range_Valid(-infinite, 1));
+    EXPECT_FALSE(Is_Range_Valid(0, infinite));
 }
 
-TEST(TickText, plain_numbers_with_the_decimals_of_the_step) {
+TEST(Tick_Text, plain_numbers_with_the_decimals_of_the_step) {
     EXPECT_EQ(Text_At(0, 100, 20, 2), "40");
     EXPECT_EQ(Text_At(0, 1, 0.25, 1), "0.5");
     EXPECT_EQ(Text_At(0, 1, 0.05, 3), "0.15");
@@ -98,12 +98,12 @@ TEST(TickText, plain_numbers_with_the_decimals_of_the_step) {
     EXPECT_EQ(Text_At(0, 80000, 10000, 8), "80000");
 }
 
-TEST(TickText, zero_is_just_zero) {
+TEST(Tick_Text, zero_is_just_zero) {
     EXPECT_EQ(Text_At(0, 1, 0.1, 0), "0");
     EXPECT_EQ(Text_At(-5e6, 5e6, 1e6, 0), "0");
 }
 
-TEST(TickText, large_and_small_numbers_carry_their_unit) {
+TEST(Tick_Text, large_and_small_numbers_carry_their_unit) {
     EXPECT_EQ(Text_At(0, 200000, 50000, 3), "150k");
     EXPECT_EQ(Text_At(0, 2e6, 5e5, 3), "1.5M");
     EXPECT_EQ(Text_At(0, 3e9, 1e9, 2), "2G");

@@ -44,9 +44,9 @@ TEST_P(Boxs_Test, draw_paints_border_and_inside_and_nothing_else) {
     EXPECT_NE(line, Rgb_Of(box.color));
     for (int y = 0; y < WINDOW_HEIGHT; y++) {
         for (int x = 0; x < WINDOW_WIDTH; x++) {
-            const std::uint32_t expected = outer.Inner(2).Contains({x, y}) ? Rgb_Of(box.color)
-                                           : outer.Contains({x, y})        ? line
-                                                                           : Test_Window::MARKER;
+            const std::uint32_t expected = outer.Inner(2).Has_Point({x, y}) ? Rgb_Of(box.color)
+                                           : outer.Has_Point({x, y})        ? line
+                                                                            : Test_Window::MARKER;
             ASSERT_EQ(picture.At(x, y), expected) << x << "," << y;
         }
     }
@@ -88,7 +88,7 @@ TEST_P(Boxs_Test, one_partly_in_its_window_shows_that_part) {
     ASSERT_LT(seen.height, now.height);
     for (int y = 0; y < WINDOW_HEIGHT; y++) {
         for (int x = 0; x < WINDOW_WIDTH; x++) {
-            const std::uint32_t expected = seen.Contains({x, y})
+            const std::uint32_t expected = seen.Has_Point({x, y})
                                                ? whole.At(x - now.left + before.left, y - now.top + before.top)
                                                : Test_Window::MARKER;
             ASSERT_EQ(part.At(x, y), expected) << x << "," << y;
@@ -142,7 +142,7 @@ TEST_P(Boxs_Test, select_hits_exactly_the_painted_pixels) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(BothAxes, Boxs_Test, testing::Values(Window_Axis::Up, Window_Axis::Down),
+INSTANTIATE_TEST_SUITE_P(Both_Axes, Boxs_Test, testing::Values(Window_Axis::Up, Window_Axis::Down),
                          [](const auto& axis) { return axis.param == Window_Axis::Up ? "Up" : "Down"; });
 
 TEST(Boxs, looks_the_same_in_both_axes) {

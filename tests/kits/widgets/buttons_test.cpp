@@ -52,7 +52,7 @@ class Buttons_Test : public testing::Test {
 
 // ---------------- images
 
-TEST(ButtonImages, backgrounds_are_four_distinct_colours_and_never_black) {
+TEST(Button_Images, backgrounds_are_four_distinct_colours_and_never_black) {
     for (int red = 0; red <= 255; red += 15) {
         for (int green = 0; green <= 255; green += 15) {
             for (int blue = 0; blue <= 255; blue += 15) {
@@ -76,7 +76,7 @@ TEST(ButtonImages, backgrounds_are_four_distinct_colours_and_never_black) {
     }
 }
 
-TEST(ButtonImages, init_refills_without_a_new_allocation_while_the_size_stays) {
+TEST(Button_Images, init_refills_without_a_new_allocation_while_the_size_stays) {
     Buttons button = Grid_Button(nullptr);
     unsigned int* const before = button.image[0];
     const unsigned int plain = before[0];
@@ -90,7 +90,7 @@ TEST(ButtonImages, init_refills_without_a_new_allocation_while_the_size_stays) {
     EXPECT_EQ(before[0], 0x0102C8U);
 }
 
-TEST(ButtonImages, init_makes_room_for_a_new_size) {
+TEST(Button_Images, init_makes_room_for_a_new_size) {
     Buttons button = Grid_Button(nullptr);
     button.width = 200;
     button.height = 3;
@@ -108,7 +108,7 @@ TEST(ButtonImages, init_makes_room_for_a_new_size) {
     EXPECT_EQ(button.image[0], nullptr);
 }
 
-TEST(ButtonImages, huge_buttons_have_none_and_are_still_usable) {
+TEST(Button_Images, huge_buttons_have_none_and_are_still_usable) {
     const Test_Window window(WINDOW_WIDTH, WINDOW_HEIGHT, Window_Axis::Down);
     Buttons button = Grid_Button(nullptr);
     button.width = 32767;
@@ -119,7 +119,7 @@ TEST(ButtonImages, huge_buttons_have_none_and_are_still_usable) {
     EXPECT_EQ(button.Select(0), 0);
 }
 
-TEST(ButtonImages, copies_own_their_images) {
+TEST(Button_Images, copies_own_their_images) {
     Buttons original = Grid_Button(nullptr);
     original.image[2][7] = 0xABCDEF;
     Buttons copy(original);
@@ -137,14 +137,14 @@ TEST(ButtonImages, copies_own_their_images) {
     EXPECT_EQ(assigned.image[0], nullptr);
 }
 
-TEST(ButtonLayout, state_follows_the_checked_mark_directly) {
+TEST(Button_Layout, state_follows_the_checked_mark_directly) {
     const Buttons button;
     EXPECT_EQ(reinterpret_cast<const char*>(&button.state) - reinterpret_cast<const char*>(&button.checked), 2);
 }
 
 // ---------------- caption
 
-TEST(ButtonCaption, is_cut_at_39_characters) {
+TEST(Button_Caption, is_cut_at_39_characters) {
     Buttons button;
     button.Set_Name("%s", std::string(50, 'x').c_str());
     EXPECT_EQ(std::string(button.name), std::string(39, 'x'));
@@ -152,7 +152,7 @@ TEST(ButtonCaption, is_cut_at_39_characters) {
     EXPECT_EQ(std::string(button.name), std::string(39, 'y'));
 }
 
-TEST(ButtonCaption, cut_never_splits_a_character) {
+TEST(Button_Caption, cut_never_splits_a_character) {
 #if defined(_WIN32)
     const Other_Code_Page utf8(PAGE_UTF8);
 #endif
@@ -164,7 +164,7 @@ TEST(ButtonCaption, cut_never_splits_a_character) {
 }
 
 #if defined(_WIN32)
-TEST(ButtonCaption, of_a_double_byte_page_is_cut_between_letters) {
+TEST(Button_Caption, of_a_double_byte_page_is_cut_between_letters) {
     const Other_Code_Page japanese(PAGE_JAPANESE);
     std::string letters;
     for (int i = 0; i < 60; i++) {
@@ -182,7 +182,7 @@ TEST(ButtonCaption, of_a_double_byte_page_is_cut_between_letters) {
     EXPECT_EQ(std::string(tool.name), (letters + letters).substr(0, TOOLS_NAME_SIZE - 2));
 }
 
-TEST(ButtonCaption, of_a_double_byte_page_is_shortened_between_letters_where_room_is_short) {
+TEST(Button_Caption, of_a_double_byte_page_is_shortened_between_letters_where_room_is_short) {
     const Other_Code_Page japanese(PAGE_JAPANESE);
     const std::string letters = "\x83\x5C\x83\x5C\x83\x5C";
     const int whole = Text_Width(letters, {});
@@ -194,7 +194,7 @@ TEST(ButtonCaption, of_a_double_byte_page_is_shortened_between_letters_where_roo
 }
 #endif
 
-TEST(ButtonCaption, stays_cut_in_copies) {
+TEST(Button_Caption, stays_cut_in_copies) {
     Buttons original;
     Buttons copy(original);
     copy.Set_Name("%s", std::string(60, 'x').c_str());
@@ -208,9 +208,9 @@ TEST_F(Buttons_Test, paints_its_rectangle_and_nothing_else) {
     const Rect outer = Device(button);
     for (int y = 0; y < WINDOW_HEIGHT; y++) {
         for (int x = 0; x < WINDOW_WIDTH; x++) {
-            if (outer.Inner(1).Contains({x, y})) {
+            if (outer.Inner(1).Has_Point({x, y})) {
                 ASSERT_EQ(picture.At(x, y), button.image[0][0]);
-            } else if (outer.Contains({x, y})) {
+            } else if (outer.Has_Point({x, y})) {
                 ASSERT_NE(picture.At(x, y), button.image[0][0]);
                 ASSERT_NE(picture.At(x, y), Test_Window::MARKER);
             } else {
@@ -247,7 +247,7 @@ TEST_F(Buttons_Test, current_mark_is_a_two_pixel_frame_inside_the_border_from_th
     const Rect mark = Device(button).Inner(1);
     for (int y = mark.top; y < mark.Bottom(); y++) {
         for (int x = mark.left; x < mark.Right(); x++) {
-            const bool inside = mark.Inner(2).Contains({x, y});
+            const bool inside = mark.Inner(2).Has_Point({x, y});
             ASSERT_EQ(picture.At(x, y), inside ? button.image[0][0] : button.image[3][0]);
         }
     }
@@ -268,7 +268,7 @@ TEST_F(Buttons_Test, check_mark_stands_in_the_left_quarter_only_with_its_style) 
     for (int y = 0; y < WINDOW_HEIGHT; y++) {
         for (int x = 0; x < WINDOW_WIDTH; x++) {
             if (shown.At(x, y) != plain.At(x, y)) {
-                ASSERT_TRUE((Rect{outer.left, outer.top, button.width / 4 + 3, outer.height}.Contains({x, y})));
+                ASSERT_TRUE((Rect{outer.left, outer.top, button.width / 4 + 3, outer.height}.Has_Point({x, y})));
             }
         }
     }
@@ -476,7 +476,7 @@ TEST_F(Buttons_Test, frame_bit_alone_does_not_disable) {
 }
 
 #if defined(_WIN32)
-TEST(ButtonCaption, a_tall_narrow_buttons_caption_reads_upwards) {
+TEST(Button_Caption, a_tall_narrow_buttons_caption_reads_upwards) {
     const Test_Window window{40, 120, Window_Axis::Down};
     Buttons button;
     button.style = STYLE_BUTTON;
@@ -504,7 +504,7 @@ TEST(ButtonCaption, a_tall_narrow_buttons_caption_reads_upwards) {
 }
 #endif
 
-TEST(ButtonCaptions, adjust_leaves_a_caption_that_reads_upwards_whole) {
+TEST(Button_Captions, adjust_leaves_a_caption_that_reads_upwards_whole) {
     const Test_Window window(WINDOW_WIDTH, WINDOW_HEIGHT, Window_Axis::Down);
     Buttons button = Grid_Button(window.Get());
     button.width = 16;

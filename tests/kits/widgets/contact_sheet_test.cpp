@@ -250,9 +250,9 @@ void Sheet(Library_Theme theme, const char* file) {
 
 }  // namespace
 
-TEST(ContactSheet, is_written_in_the_dark_theme) {
+TEST(Contact_Sheet, is_written_in_the_dark_theme) {
     Sheet(Library_Theme::Dark, "widgets_dark.png");
 }
-TEST(ContactSheet, is_written_in_the_light_theme) {
+TEST(Contact_Sheet, is_written_in_the_light_theme) {
     Sheet(Library_Theme::Light, "widgets_light.png");
 }

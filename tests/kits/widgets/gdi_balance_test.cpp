@@ -84,7 +84,7 @@ void Everything(HWND window) {
 
 }  // namespace
 
-TEST(GdiBalance, no_operation_leaves_objects_behind) {
+TEST(Gdi_Balance, no_operation_leaves_objects_behind) {
     const Test_Window window(220, 60, Window_Axis::Up);
     Everything(window.Get());  // fonts and pictures that the library keeps are made here
     const int before = Gdi_Object_Nb();
@@ -94,7 +94,7 @@ TEST(GdiBalance, no_operation_leaves_objects_behind) {
     EXPECT_EQ(Gdi_Object_Nb(), before);
 }
 
-TEST(GdiBalance, the_counter_sees_an_object_that_is_left_behind) {
+TEST(Gdi_Balance, the_counter_sees_an_object_that_is_left_behind) {
     if (Gdi_Object_Nb() == 0) {
         GTEST_SKIP() << "the table of GDI objects is not readable on this system";
     }
@@ -157,7 +157,7 @@ TEST(Y_Setup_Gdi, fill_rect_covers_exactly_the_rows_of_a_widget_in_either_axis) 
     }
 }
 
-TEST(WaitCursor, nests_and_comes_back) {
+TEST(Wait_Cursor, nests_and_comes_back) {
     const Test_Window window(60, 50, Window_Axis::Up);
     ::SetCursor(::LoadCursorA(nullptr, reinterpret_cast<LPCSTR>(IDC_CROSS)));
     const HCURSOR before = ::GetCursor();
@@ -173,7 +173,7 @@ TEST(WaitCursor, nests_and_comes_back) {
     EXPECT_EQ(::GetCursor(), before);
 }
 
-TEST(ButtonSpeed, a_full_paint_of_256_buttons_takes_less_than_a_frame) {
+TEST(Button_Speed, a_full_paint_of_256_buttons_takes_less_than_a_frame) {
     const Test_Window window(600, 700, Window_Axis::Down);
     std::vector<Buttons> buttons(256);
     for (int i = 0; i < 256; i++) {

@@ -61,7 +61,7 @@ TEST_P(Icons_Test, stands_with_its_left_edge_at_x_and_its_middle_line_at_y) {
     const int top = Device_Row(20) - ICON_SIZE / 2;
     for (int y = 0; y < 50; y++) {
         for (int x = 0; x < 60; x++) {
-            const bool inside = Rect{7, top, ICON_SIZE, ICON_SIZE}.Contains({x, y});
+            const bool inside = Rect{7, top, ICON_SIZE, ICON_SIZE}.Has_Point({x, y});
             const std::uint32_t expected = !inside ? Test_Window::MARKER : x == 7 && y == top ? 0xFF0000U : 0xFFFFFFU;
             ASSERT_EQ(picture.At(x, y), expected) << x << "," << y;
         }
@@ -100,7 +100,7 @@ TEST_P(Icons_Test, leaf_line_goes_up_and_right_and_on_only_to_a_sibling) {
     EXPECT_FALSE(ink(17, middle - 10));
 }
 
-INSTANTIATE_TEST_SUITE_P(BothAxes, Icons_Test, testing::Values(Window_Axis::Up, Window_Axis::Down),
+INSTANTIATE_TEST_SUITE_P(Both_Axes, Icons_Test, testing::Values(Window_Axis::Up, Window_Axis::Down),
                          [](const auto& axis) { return axis.param == Window_Axis::Up ? "Up" : "Down"; });
 
 TEST(Icons, a_file_stands_in_its_folder_or_beside_the_program) {

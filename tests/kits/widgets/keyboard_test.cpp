@@ -14,7 +14,7 @@ constexpr unsigned int MESSAGE_CHARACTER = 0x102;
 constexpr unsigned int MESSAGE_SYSTEM_KEY_DOWN = 0x104;
 }  // namespace
 
-TEST(ParseKeyboard, characters_come_from_character_messages) {
+TEST(Parse_Keyboard, characters_come_from_character_messages) {
     EXPECT_EQ(Parse_Keyboard(nullptr, MESSAGE_CHARACTER, 'a', 0), 'a');
     EXPECT_EQ(Parse_Keyboard(nullptr, MESSAGE_CHARACTER, 27, 0), KEY_ESCAPE);
     EXPECT_EQ(Parse_Keyboard(nullptr, MESSAGE_CHARACTER, 13, 0), KEY_ENTER);
@@ -23,7 +23,7 @@ TEST(ParseKeyboard, characters_come_from_character_messages) {
     EXPECT_EQ(Parse_Keyboard(nullptr, MESSAGE_CHARACTER, 0x821, 0), 0);  // would be taken for Page Up
 }
 
-TEST(ParseKeyboard, keys_without_a_character_come_from_key_down) {
+TEST(Parse_Keyboard, keys_without_a_character_come_from_key_down) {
     EXPECT_EQ(Parse_Keyboard(nullptr, MESSAGE_KEY_DOWN, 0x21, 0), KEY_PAGE_UP);
     EXPECT_EQ(Parse_Keyboard(nullptr, MESSAGE_KEY_DOWN, 0x28, 0), KEY_DOWN);
     EXPECT_EQ(Parse_Keyboard(nullptr, MESSAGE_KEY_DOWN, 0x2D, 0), KEY_INSERT);
@@ -31,7 +31,7 @@ TEST(ParseKeyboard, keys_without_a_character_come_from_key_down) {
     EXPECT_EQ(Parse_Keyboard(nullptr, MESSAGE_SYSTEM_KEY_DOWN, 0x79, 0), KEY_SPECIAL + 0x79);
 }
 
-TEST(ParseKeyboard, no_key_is_reported_twice_and_releases_are_nothing) {
+TEST(Parse_Keyboard, no_key_is_reported_twice_and_releases_are_nothing) {
     EXPECT_EQ(Parse_Keyboard(nullptr, MESSAGE_KEY_DOWN, 'A', 0), 0);
     EXPECT_EQ(Parse_Keyboard(nullptr, MESSAGE_KEY_DOWN, 13, 0), 0);
     EXPECT_EQ(Parse_Keyboard(nullptr, MESSAGE_KEY_DOWN, 0x10, 0), 0);  // Shift alone
@@ -39,7 +39,7 @@ TEST(ParseKeyboard, no_key_is_reported_twice_and_releases_are_nothing) {
     EXPECT_EQ(Parse_Keyboard(nullptr, 0x200, 0x21, 0), 0);  // a mouse message
 }
 
-TEST(ParseDialog, translates_the_key_itself) {
+TEST(Parse_Dialog, translates_the_key_itself) {
     EXPECT_EQ(Parse_Dialog(nullptr, MESSAGE_KEY_DOWN, 0x2E, 0), KEY_DELETE);
     EXPECT_EQ(Parse_Dialog(nullptr, MESSAGE_KEY_DOWN, '5', 0x60001), '5');
     EXPECT_EQ(Parse_Dialog(nullptr, MESSAGE_CHARACTER, 'a', 0), 0);
@@ -48,7 +48,7 @@ TEST(ParseDialog, translates_the_key_itself) {
 }
 
 #if defined(_WIN32)
-TEST(ParseKeyboard, characters_of_a_unicode_window_become_bytes_of_the_code_page) {
+TEST(Parse_Keyboard, characters_of_a_unicode_window_become_bytes_of_the_code_page) {
     const HWND wide = ::CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
     ASSERT_NE(wide, nullptr);
     EXPECT_EQ(Parse_Keyboard(wide, MESSAGE_CHARACTER, 'a', 0), 'a');
@@ -64,7 +64,7 @@ TEST(ParseKeyboard, characters_of_a_unicode_window_become_bytes_of_the_code_page
     ::DestroyWindow(wide);
 }
 
-TEST(ParseKeyboard, characters_of_a_unicode_window_without_a_single_byte_keep_their_numbers) {
+TEST(Parse_Keyboard, characters_of_a_unicode_window_without_a_single_byte_keep_their_numbers) {
     const HWND wide = ::CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
     ASSERT_NE(wide, nullptr);
     {

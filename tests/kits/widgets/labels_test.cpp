@@ -27,7 +27,7 @@ TEST(Labels, fills_its_rectangle_with_its_colour) {
     const Window_Picture picture = window.Read();
     for (int y = 0; y < 40; y++) {
         for (int x = 0; x < 70; x++) {
-            const bool inside = Rect{4, 6, 50, 18}.Contains({x, y});
+            const bool inside = Rect{4, 6, 50, 18}.Has_Point({x, y});
             ASSERT_EQ(picture.At(x, y), inside ? 0xFFFF00U : Test_Window::MARKER);
         }
     }
@@ -42,7 +42,7 @@ TEST(Labels, text_leaves_ink_inside_the_label_only) {
     int ink = 0;
     for (int y = 0; y < 40; y++) {
         for (int x = 0; x < 70; x++) {
-            if (Rect{4, 6, 50, 18}.Contains({x, y})) {
+            if (Rect{4, 6, 50, 18}.Has_Point({x, y})) {
                 ink += picture.At(x, y) != 0xFFFF00U ? 1 : 0;
             } else {
                 ASSERT_EQ(picture.At(x, y), Test_Window::MARKER);

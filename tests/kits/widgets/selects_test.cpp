@@ -110,8 +110,8 @@ TEST(Select_Layout, parts_fill_the_list_without_gap_or_overlap) {
             for (int x = 0; x < list_width; ++x) {
                 const Point at{x, 5};
                 const int parts =
-                    static_cast<int>(layout.caption.Contains(at)) + static_cast<int>(layout.field.Contains(at)) +
-                    static_cast<int>(layout.previous.Contains(at)) + static_cast<int>(layout.next.Contains(at));
+                    static_cast<int>(layout.caption.Has_Point(at)) + static_cast<int>(layout.field.Has_Point(at)) +
+                    static_cast<int>(layout.previous.Has_Point(at)) + static_cast<int>(layout.next.Has_Point(at));
                 ASSERT_EQ(1, parts) << x << " of " << list_width << ", arrow " << arrow_width;
             }
             EXPECT_EQ(Select_Part::None, layout.Part_At({-1, 5}));

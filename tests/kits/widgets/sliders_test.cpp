@@ -287,7 +287,7 @@ TEST_P(Sliders_Test, paints_only_its_own_rectangle) {
     for (int y = 0; y < 260; ++y) {
         for (int x = 0; x < 300; ++x) {
             const auto at = static_cast<std::size_t>(y * 300 + x);
-            if (!own.Contains({x, y})) {
+            if (!own.Has_Point({x, y})) {
                 ASSERT_EQ(before[at], after[at]) << x << " " << y;
             } else {
                 inside += before[at] != after[at] ? 1 : 0;

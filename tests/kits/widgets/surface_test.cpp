@@ -56,8 +56,8 @@ TEST_F(Surface_Test, frame_covers_exactly_its_border) {
     picture.Frame({2, 3, 10, 6}, 2, INK);
     for (int y = 0; y < HEIGHT; y++) {
         for (int x = 0; x < WIDTH; x++) {
-            const bool in_outer = Rect{2, 3, 10, 6}.Contains({x, y});
-            const bool in_inner = Rect{4, 5, 6, 2}.Contains({x, y});
+            const bool in_outer = Rect{2, 3, 10, 6}.Has_Point({x, y});
+            const bool in_inner = Rect{4, 5, 6, 2}.Has_Point({x, y});
             EXPECT_EQ(picture.Pixel(x, y) == INK, in_outer && !in_inner) << x << "," << y;
         }
     }
@@ -121,16 +121,16 @@ TEST_F(Surface_Test, tint_of_100_percent_is_the_colour) {
     EXPECT_EQ(Ink_All(), 4);
 }
 
-TEST(RectTest, common_and_around) {
+TEST(Rect_Test, common_and_around) {
     EXPECT_EQ(Rect_Common({0, 0, 10, 10}, {5, 6, 10, 10}), (Rect{5, 6, 5, 4}));
-    EXPECT_TRUE(Rect_Common({0, 0, 5, 5}, {5, 0, 5, 5}).Empty());
+    EXPECT_TRUE(Rect_Common({0, 0, 5, 5}, {5, 0, 5, 5}).Is_Empty());
     EXPECT_EQ(Rect_Around({0, 0, 2, 2}, {5, 6, 1, 1}), (Rect{0, 0, 6, 7}));
     EXPECT_EQ(Rect_Around({}, {5, 6, 1, 1}), (Rect{5, 6, 1, 1}));
 }
 
 #if defined(_WIN32)
 
-TEST(TextTest, every_byte_of_the_western_code_page_is_a_character) {
+TEST(Text_Test, every_byte_of_the_western_code_page_is_a_character) {
     ASSERT_FALSE(Code_Page_Is_Utf8());
     for (const std::string text : {"\xDF\x96", "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"}) {  // UTF-8, if it were
         for (std::size_t i = 0; i < text.size(); i++) {
@@ -147,7 +147,7 @@ TEST(TextTest, every_byte_of_the_western_code_page_is_a_character) {
 
 #else
 
-TEST(TextTest, characters_of_utf_8_and_of_other_bytes) {
+TEST(Text_Test, characters_of_utf_8_and_of_other_bytes) {
     const std::string text = "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80z";
     EXPECT_EQ(Character_Length(text, 0), 1U);
     EXPECT_EQ(Character_Length(text, 1), 2U);
@@ -165,7 +165,7 @@ TEST(TextTest, characters_of_utf_8_and_of_other_bytes) {
 
 #endif
 
-TEST(TextTest, fit_keeps_whole_characters_within_the_room) {
+TEST(Text_Test, fit_keeps_whole_characters_within_the_room) {
     const Font_Choice font;
     const std::string text = "\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9";
     for (int room = 0; room < Text_Width(text, font) + 3; room++) {

@@ -55,7 +55,7 @@ TEST(Tools, clear_fills_exactly_the_rectangle) {
     const Rect device = {10, 37, 20, 8};
     for (int y = 0; y < 50; y++) {
         for (int x = 0; x < 60; x++) {
-            ASSERT_EQ(picture.At(x, y), device.Contains({x, y}) ? 0x0A141EU : Test_Window::MARKER);
+            ASSERT_EQ(picture.At(x, y), device.Has_Point({x, y}) ? 0x0A141EU : Test_Window::MARKER);
         }
     }
     tool.Clear(Colors{255, 0, 0, 0});

@@ -21,7 +21,7 @@ Boxs Red_Box(HWND window) {
 
 }  // namespace
 
-TEST(WindowBuffer, shows_everything_at_the_outer_end_only) {
+TEST(Window_Buffer, shows_everything_at_the_outer_end_only) {
     const Test_Window window(60, 50, Window_Axis::Down);
     Boxs box = Red_Box(window.Get());
     Window_Buffer_Begin(window.Get());
@@ -39,7 +39,7 @@ TEST(WindowBuffer, shows_everything_at_the_outer_end_only) {
     EXPECT_EQ(window.Read(), shown);
 }
 
-TEST(WindowBuffer, uneven_ends_are_harmless) {
+TEST(Window_Buffer, uneven_ends_are_harmless) {
     const Test_Window window(60, 50, Window_Axis::Down);
     Boxs box = Red_Box(window.Get());
     Window_Buffer_End(window.Get());
@@ -49,7 +49,7 @@ TEST(WindowBuffer, uneven_ends_are_harmless) {
     EXPECT_EQ(window.Read().At(15, 15), 0xFF0000U);
 }
 
-TEST(WindowBuffer, collects_again_after_the_window_grew) {
+TEST(Window_Buffer, collects_again_after_the_window_grew) {
     Test_Window window(60, 50, Window_Axis::Down);
     Boxs box = Red_Box(window.Get());
     Window_Buffer_Begin(window.Get());
@@ -63,7 +63,7 @@ TEST(WindowBuffer, collects_again_after_the_window_grew) {
     EXPECT_EQ(window.Read().At(100, 70), 0xFF0000U);
 }
 
-TEST(WindowBuffer, many_parts_are_all_shown) {
+TEST(Window_Buffer, many_parts_are_all_shown) {
     const Test_Window window(60, 50, Window_Axis::Down);
     Boxs box = Red_Box(window.Get());
     box.width = box.height = 1;
@@ -81,7 +81,7 @@ TEST(WindowBuffer, many_parts_are_all_shown) {
     }
 }
 
-TEST(WindowRead, reads_the_buffer_while_there_is_one_and_the_screen_otherwise) {
+TEST(Window_Read, reads_the_buffer_while_there_is_one_and_the_screen_otherwise) {
     const Test_Window window(60, 50, Window_Axis::Down);
     Boxs box = Red_Box(window.Get());
     std::uint32_t pixels[4] = {};
@@ -97,7 +97,7 @@ TEST(WindowRead, reads_the_buffer_while_there_is_one_and_the_screen_otherwise) {
     EXPECT_FALSE(Window_Read(nullptr, {9, 15, 2, 2}, pixels));
 }
 
-TEST(ScratchPicture, nested_ones_do_not_share_their_pixels) {
+TEST(Scratch_Picture, nested_ones_do_not_share_their_pixels) {
     Scratch_Picture outer(8, 8);
     outer.View().Fill(outer.View().Area(), 0x111111);
     {
@@ -107,7 +107,7 @@ TEST(ScratchPicture, nested_ones_do_not_share_their_pixels) {
     EXPECT_EQ(outer.View().Pixel(7, 7), 0x111111U);
 }
 
-TEST(ScratchPicture, empty_or_too_deep_has_no_pixels) {
+TEST(Scratch_Picture, empty_or_too_deep_has_no_pixels) {
     EXPECT_FALSE(Scratch_Picture(0, 5).Has_Pixels());
     const Scratch_Picture a(1, 1);
     const Scratch_Picture b(1, 1);

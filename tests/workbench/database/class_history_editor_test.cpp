@@ -83,7 +83,7 @@ class Journalled_Edits : public Edit_Scene<Dimension> {
     bool Point(int node, Edit_Zone zone) {
         for (int i = 0; i < this->nb; ++i) {
             if (this->list_pt[i].object == this->objects[Plain_Tree::At(node)].get() &&
-                this->list_pt[i].row != DB_ROW_NONE && Edit_Zone_Exists(i, this->list_pt[i], zone)) {
+                this->list_pt[i].row != DB_ROW_NONE && Has_Edit_Zone(i, this->list_pt[i], zone)) {
                 DB_Tree_Point place = Edit_Zone_Point(this->list_pt[i], zone);
                 place.x += zone == Edit_Zone::Body ? 100 : 0;
                 this->horizontal.value = static_cast<float>(std::max(0, place.x - 50));
