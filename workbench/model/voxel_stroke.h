@@ -55,7 +55,7 @@ class Voxel_Stroke {
 
 /** The pixels of a footprint at a place that a stroke would leave with the ink's TAG, those that have it included.
  *  @param tags, levels of the volume; no levels: no voxel lies in a band @return relative to the place, as the
- * footprint is */
+ *  footprint is */
 Brush_Footprint Footprint_Taken(const Brush_Footprint& footprint, int x, int y, const Paint_Ink& ink,
                                 std::span<const std::uint8_t> tags, std::span<const std::int32_t> levels,
                                 const Plane_Cut& cut);
