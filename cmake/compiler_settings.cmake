@@ -54,6 +54,11 @@ if(KIT_SANITIZE)
     target_link_options(kit_compiler_settings INTERFACE ${kit_sanitizers})
 endif()
 
+if(KIT_TSAN)
+    target_compile_options(kit_compiler_settings INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
+    target_link_options(kit_compiler_settings INTERFACE -fsanitize=thread)
+endif()
+
 if(KIT_FUZZ)
     if(WIN32 OR NOT CMAKE_CXX_COMPILER_ID MATCHES Clang)
         message(FATAL_ERROR "Fuzz programs need clang and no Windows target.")

@@ -46,6 +46,8 @@ class Decoded_Source {
     bool Has_Garbage() const { return garbage; }
     /** Bytes of content in all; only known for plain files of known size. */
     std::optional<std::uint64_t> Size() const;
+    /** Bytes of the source, which are fewer than those of the content where it is compressed; not always known. */
+    std::optional<std::uint64_t> Stored_Size() const { return source.Size(); }
 
   private:
     struct Inflater;

@@ -49,8 +49,8 @@ struct Given_Up {};
 class File_Reader {
   public:
     File_Reader(std::span<const std::uint8_t> file_bytes, const Load_Limits& file_limits,
-                const Load_Progress& file_progress)
-        : bytes(file_bytes), limits(file_limits), progress(file_progress) {}
+                const Load_Progress& file_progress, std::vector<std::uint8_t>& spare_room)
+        : bytes(file_bytes), limits(file_limits), progress(file_progress), spare(spare_room) {}
 
     Dicom_Result Read();
 
@@ -84,7 +84,8 @@ class File_Reader {
     std::span<const std::uint8_t> bytes;
     const Load_Limits& limits;
     const Load_Progress& progress;
-    Data_Set_Source source;  // outlives the data set
+    std::vector<std::uint8_t>& spare;  // room for a frame's bytes
+    Data_Set_Source source;            // outlives the data set
     DcmFileFormat file;
     E_TransferSyntax syntax = EXS_Unknown;
     std::optional<Stored_Frames> stored;
@@ -339,6 +340,8 @@ void File_Reader::Frames_Decode(std::span<const std::int32_t> frames,
     const std::size_t threads =
         stored->Is_Shared() ? Work_Thread_Nb(std::max<std::size_t>(rooms_most / room_size, 1)) : 1;
     std::vector<Value_Room> rooms(threads);
+    spare.clear();  // what a damaged frame leaves out is zero, not a part of another file
+    rooms.front().frame.bytes = std::move(spare);
     std::vector<Value_Room*> idle;
     idle.reserve(rooms.size());
     for (Value_Room& room : rooms) {
@@ -372,6 +375,7 @@ void File_Reader::Frames_Decode(std::span<const std::int32_t> frames,
         throw Given_Up();
     }
     decoded_nb += frames.size();
+    spare = std::move(rooms.front().frame.bytes);
 }
 
 void File_Reader::Scales_Read() {
@@ -548,8 +552,8 @@ bool Dicom_Is_Likely(std::span<const std::uint8_t> head) {
     return head.size() >= element_least && Is_Group(head[0], head[1]);
 }
 
-Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits& limits,
-                        const Load_Progress& progress) noexcept {
+Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits& limits, const Load_Progress& progress,
+                        Reading_Room* room) noexcept {
     Dicom_Result failed;
     try {
         if (file.empty()) {
@@ -557,7 +561,8 @@ Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits& l
         } else if (!Dicom_Is_Likely(file)) {
             failed.error = "is no DICOM file";
         } else {
-            return File_Reader(file, limits, progress).Read();
+            std::vector<std::uint8_t> own;
+            return File_Reader(file, limits, progress, room != nullptr ? room->frame : own).Read();
         }
     } catch (const Dicom_Refusal& refusal) {
         failed.error = refusal.text;

@@ -51,14 +51,22 @@ inline constexpr std::size_t DICOM_HEAD_SIZE = 140;
  * at */
 bool Dicom_Is_Likely(std::span<const std::uint8_t> head);
 
+/** Memory that outlives the reading of a file, so that the next one need not ask the system for it: large blocks that
+ *  come and go are what many small files spend their time on. For one thread at a time. */
+struct Reading_Room {
+    std::vector<std::uint8_t> file;
+    std::vector<std::uint8_t> frame;
+};
+
 /** Reads a whole file. Never throws. Decoded: uncompressed pixels in either byte order, of 1, 8, 16 or 32 bits or
  *  floating-point ones; deflated data sets; pixels compressed by run lengths (RLE), JPEG, JPEG-LS or JPEG 2000. A
  *  compressed picture that its codec had errors with is given with a warning. Frames of a codec are decoded on as many
  *  threads as there are processors.
  *  @param file all bytes, not kept
  *  @param limits most bytes of the decoded levels, and of an inflated data set, each for itself
- *  @param progress may be empty; called on the caller's thread */
+ *  @param progress may be empty; called on the caller's thread
+ *  @param room its `frame` is used and left for the next file; may be null */
 Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits& limits = {},
-                        const Load_Progress& progress = {}) noexcept;
+                        const Load_Progress& progress = {}, Reading_Room* room = nullptr) noexcept;
 
 }  // namespace volumes

@@ -12,7 +12,8 @@ bool Dicom_Is_Likely(std::span<const std::uint8_t> head) {
            std::ranges::equal(head.subspan(preamble_size, mark.size()), mark);
 }
 
-Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits&, const Load_Progress&) noexcept {
+Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits&, const Load_Progress&,
+                        Reading_Room*) noexcept {
     Dicom_Result result;
     try {
         result.error = Dicom_Is_Likely(file) ? "is a DICOM file, which this program was built without a reader for"

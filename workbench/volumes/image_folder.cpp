@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <atomic>
 #include <exception>
+#include <memory>
+#include <mutex>
 #include <new>
 #include <optional>
 #include <system_error>
@@ -96,8 +98,10 @@ bool Is_Dicom_Content(const std::filesystem::path& path) {
     return head.size() == mark_at + mark.size() && std::equal(mark.begin(), mark.end(), head.begin() + mark_at);
 }
 
-/** All bytes of a file, unpacked if it is gzip-compressed. Only the first ones when it is no DICOM file. */
-std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uint64_t most) {
+/** All bytes of a file, unpacked if it is gzip-compressed. Only the first ones when it is no DICOM file.
+ *  @param bytes room for them, whatever it holds */
+std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uint64_t most,
+                                     std::vector<std::uint8_t> bytes = {}) {
     File_Source plain(path);
     if (!plain.Error().empty()) {
         throw Refusal{plain.Error()};
@@ -105,7 +109,7 @@ std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uin
     Decoded_Source source(plain);
     constexpr std::size_t head_size = 352;  // of a NIfTI file; that of a DICOM file is shorter
     static_assert(head_size >= DICOM_HEAD_SIZE);
-    std::vector<std::uint8_t> bytes(head_size);
+    bytes.resize(head_size);
     bytes.resize(source.Read(bytes));
     if (!bytes.empty() && !Dicom_Is_Likely(bytes)) {
         return bytes;
@@ -137,6 +141,28 @@ std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uin
             throw Refusal{"has damaged compressed data"};
     }
 }
+
+/** Rooms of the threads that read files side by side: as many as there are threads at most. */
+class Reading_Rooms {
+  public:
+    std::unique_ptr<Reading_Room> Take() {
+        const std::lock_guard lock(mutex);
+        if (idle.empty()) {
+            return std::make_unique<Reading_Room>();
+        }
+        std::unique_ptr<Reading_Room> taken = std::move(idle.back());
+        idle.pop_back();
+        return taken;
+    }
+    void Give_Back(std::unique_ptr<Reading_Room> room) {
+        const std::lock_guard lock(mutex);
+        idle.push_back(std::move(room));
+    }
+
+  private:
+    std::mutex mutex;
+    std::vector<std::unique_ptr<Reading_Room>> idle;
+};
 
 /** Opens files, small ones side by side. */
 class Folder_Reader {
@@ -243,9 +269,12 @@ class Folder_Reader {
         std::vector<Early> early(files.size());
         std::atomic<bool> is_given_up = false;
         std::atomic<std::uint64_t> decoded = 0;
+        Reading_Rooms rooms;
         const auto read = [&](std::size_t at) {
             try {
-                early[at] = Read_Early(files[at], decoded, is_given_up);
+                std::unique_ptr<Reading_Room> own = rooms.Take();
+                early[at] = Read_Early(files[at], *own, decoded, is_given_up);
+                rooms.Give_Back(std::move(own));
             } catch (...) {
                 early[at].failure = std::current_exception();
             }
@@ -264,17 +293,18 @@ class Folder_Reader {
     }
 
     /** @param decoded bytes of levels that have been made and not taken over yet */
-    Early Read_Early(const Wanted& file, std::atomic<std::uint64_t>& decoded,
+    Early Read_Early(const Wanted& file, Reading_Room& own, std::atomic<std::uint64_t>& decoded,
                      const std::atomic<bool>& is_given_up) const {
         Early early;
         early.kind = Kind_Of(file, File_Name_Text(file.path));
         if (early.kind != Kind::Any) {
             return early;
         }
-        early.bytes = Bytes_Read(file.path, limits.decoded_bytes);
+        early.bytes = Bytes_Read(file.path, limits.decoded_bytes, std::move(own.file));
         if (Dicom_Is_Likely(early.bytes) && decoded <= room) {
-            early.result = Dicom_Read(early.bytes, limits, [&](double) { return !is_given_up; });
-            early.bytes = {};
+            early.result = Dicom_Read(
+                early.bytes, limits, [&](double) { return !is_given_up; }, &own);
+            own.file = std::exchange(early.bytes, {});
             const auto note = [&](const Dicom_Image& image) {
                 decoded += image.volume.levels.size() * sizeof(std::int32_t);
             };

@@ -37,8 +37,13 @@ constexpr bool IS_SMALL = sizeof(Stored) <= 4;
 Level_Builder::Level_Builder(Voxel_Type voxel_type, Byte_Order byte_order, std::uint64_t total)
     : type(voxel_type), order(byte_order), total_nb(total) {}
 
-void Level_Builder::Reserve() {
-    levels.reserve(static_cast<std::size_t>(total_nb));
+void Level_Builder::Reserve(std::uint64_t voxels) {
+    const auto count = static_cast<std::size_t>(std::min(voxels, total_nb));
+    if (Voxel_Type_Size(type) <= sizeof(std::int32_t)) {
+        levels.reserve(count);
+    } else {
+        wide.reserve(count);
+    }
 }
 
 template <class Stored>

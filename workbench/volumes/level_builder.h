@@ -32,8 +32,9 @@ class Level_Builder {
     /** @param total voxels that will come at most */
     Level_Builder(Voxel_Type voxel_type, Byte_Order byte_order, std::uint64_t total);
 
-    /** Makes room for all voxels at once. For those that are known to be there. Throws std::bad_alloc. */
-    void Reserve();
+    /** Makes room for so many voxels at once, but for no more than will come at most. For those that are known to be
+     *  there, or likely. Throws std::bad_alloc. */
+    void Reserve(std::uint64_t voxels);
     /** Adds voxels. @param bytes whole voxels. Throws std::bad_alloc. */
     void Append(std::span<const std::uint8_t> bytes);
     std::uint64_t Voxel_Nb() const { return voxel_nb; }

@@ -246,10 +246,11 @@ void Loader::Voxels_Load(Byte_Source* image) {
     }
     Decoded_Source& voxels = separate ? *separate : decoded;
     Level_Builder builder(header.type, header.order, header.voxel_nb);
-    constexpr std::size_t small_size = 4;  // wider values are kept aside until all are known
-    if (voxels.Size() && Voxel_Type_Size(header.type) <= small_size) {
-        builder.Reserve();  // that so many voxels are there is known
-    }
+    // Voxels of a plain file are known to be there. Images are seldom packed to less than an eighth: with that much in
+    // the file room for them is no leap in the dark, and growing little by little would copy them again and again.
+    constexpr std::uint64_t likely_ratio = 8;
+    builder.Reserve(voxels.Stored_Size().value_or(0) * (voxels.Compressed() ? likely_ratio : 1) /
+                    Voxel_Type_Size(header.type));
     Voxels_Read(name, voxels, builder);
     Tail_Check(name, voxels);
 

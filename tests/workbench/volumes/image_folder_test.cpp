@@ -4,12 +4,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <fstream>
+#include <thread>
 
 #include "tests/workbench/volumes/coded_frames.h"
 #include "tests/workbench/volumes/dicom_bytes.h"
 #include "tests/workbench/volumes/loading.h"
 #include "workbench/volumes/unfinished_file.h"
+#include "workbench/volumes/volume_statistics.h"
 
 using namespace volumes;
 
@@ -330,6 +333,50 @@ TEST_F(Dicom_Folder, reads_many_small_files_as_it_reads_them_one_by_one) {
     for (const Folder_Volume& one : opened.volumes) {
         EXPECT_EQ(opened.files[static_cast<std::size_t>(one.file_of_slice.front())], one.path);
     }
+}
+
+TEST_F(Dicom_Folder, may_be_given_up_by_another_thread_at_any_moment) {
+    constexpr int side = 64;
+    constexpr int file_nb = 90;
+    for (int at = 0; at < file_nb; ++at) {
+        Dicom_Bytes bytes;
+        bytes.Pixels_8(std::vector<std::uint8_t>(side * side, static_cast<std::uint8_t>(at)), side, side);
+        bytes.Place(0, 0, at).Text(TAG_INSTANCE_NUMBER, "IS", std::to_string(at + 1)).Remove(TAG_INSTANCE);
+        Write(std::to_string(100 + at) + ".dcm", bytes.File());
+    }
+    const std::filesystem::path path = folder.path;
+    int cancelled_nb = 0;
+    constexpr int turns = 20;
+    for (int turn = 0; turn < turns; ++turn) {
+        std::atomic<bool> is_given_up = turn == 0;
+        std::atomic<double> share = 0.0;
+        Image_Folder opened;
+        Volume_Statistics statistics;
+        std::thread reader([&] {
+            opened = Image_Folder_Open(std::span(&path, 1), [&](double done) {
+                EXPECT_GE(done, share);
+                share = done;
+                return !is_given_up;
+            });
+            if (!opened.volumes.empty()) {
+                statistics = Volume_Statistics_Compute(opened.volumes.front().volume);
+            }
+        });
+        while (turn < turns - 1 && share * turns < turn) {  // the last turn reads to the end
+            std::this_thread::yield();
+        }
+        is_given_up = is_given_up || turn < turns - 1;
+        reader.join();
+        cancelled_nb += opened.is_cancelled ? 1 : 0;
+        EXPECT_THAT(Problems(opened), IsEmpty());
+        if (!opened.is_cancelled) {
+            ASSERT_THAT(opened.volumes, SizeIs(1));
+            EXPECT_EQ(opened.volumes[0].volume.nz, file_nb);
+            EXPECT_EQ(statistics.max, file_nb - 1);
+        }
+    }
+    EXPECT_GE(cancelled_nb, 1);
+    EXPECT_LT(cancelled_nb, turns);
 }
 
 TEST_F(Dicom_Folder, gives_a_reason_for_a_folder_that_is_not_there) {
