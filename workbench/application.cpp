@@ -247,7 +247,10 @@ void Application::Lay_Out() {
 
 void Application::Listen() {
     using Stage = Change_Hub::Stage;
-    hub.Listen(Stage::Derived, [this](Told_Changes& told) { Derive(told); });
+    hub.Listen(Stage::Derived, [this](Told_Changes& told) {
+        tools.Follow(told.changes);
+        Derive(told);
+    });
     hub.Listen(Stage::Panels, [this](Told_Changes& told) {
         if (told.panel_flags != 0) {
             Contract_Check_Update(told.panel_flags);

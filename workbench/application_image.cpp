@@ -26,6 +26,9 @@ Tag_Overlay Application::Overlay_Now() const {
     if (is_overlay_shown) {
         std::ranges::copy(variables.Tag_Enable(), overlay.shown.begin());
     }
+    if (const auto growing = tools.Preview_Tag()) {
+        overlay.shown[*growing] = 1;
+    }
     return overlay;
 }
 
@@ -91,7 +94,7 @@ Image_Content Application::Content() const {
                       volume.color,
                       static_cast<float>(volume.slope),
                       static_cast<float>(volume.intercept),
-                      session.Labels().Slice(slice),
+                      tools.With_Preview(Spot({}).cut, session.Labels().Slice(slice)),
                       volume.is_inverted};
     content.window = grey_window;
     content.overlay = Overlay_Now();
@@ -262,6 +265,9 @@ Plane_Host Application::Plane_Services() {
     host.tool_move = [this](const Plane_Cut& cut, const Slice_Point& at) { return tools.Move({cut, at}); };
     host.tool_release = [this] { tools.Release(); };
     host.tool_outline = [this](const Plane_Cut& cut, const Slice_Point& at) { return tools.Outline({cut, at}); };
+    host.tool_preview = [this](const Plane_Cut& cut, std::span<const std::uint8_t> tags) {
+        return tools.With_Preview(cut, tags);
+    };
     host.tool_paths = [this](const Plane_Cut& cut) { return tools.Paths(cut); };
     host.stroke_end = [this] { tools.Stroke_End(); };
     host.pick = [this](const Shown_Voxel& voxel) { Voxel_Pick(voxel); };

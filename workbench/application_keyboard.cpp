@@ -81,12 +81,18 @@ bool Application::Has_Cursor() {
 }
 
 void Application::Cursor_Act(bool erase) {
+    if (erase && tools.Step_Back()) {
+        return;
+    }
     if (Has_Cursor()) {
         image.Slices().Cursor_Act(erase);
     }
 }
 
 void Application::Cursor_Pen_Set(bool down) {
+    if (tools.Accept()) {
+        return;
+    }
     if (Has_Cursor()) {
         image.Slices().Pen_Set(down);
         Status(image.Slices().Is_Pen_Down() ? L"The pen is down: arrows draw, Enter lifts it" : L"The pen is lifted");
@@ -100,6 +106,9 @@ void Application::Cursor_Pick() {
 }
 
 bool Application::Pane_Key(int key) {
+    if (key == KEY_ESCAPE && tools.Cancel()) {
+        return true;
+    }
     if (key == KEY_ESCAPE && (focus.Now() != Pane::None || image.Slices().Is_Cursor())) {
         image.Slices().Cursor_Set(false);
         focus.Set(Pane::None);

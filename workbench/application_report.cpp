@@ -67,6 +67,11 @@ void Application::Report_View(Json_Text& out) const {
         }
         out.List_End();
     }
+    out.List_Begin("measurements");
+    for (const std::string& text : tools.Measurements().Texts()) {
+        out.Text({}, text);
+    }
+    out.List_End();
     out.Number("space", variables.Dimensions().space);  // between widgets
     out.Number("contract_reports", Contract_Report_Nb());
     out.Number("rounds_told", rounds_told);  // but for what follows the mouse

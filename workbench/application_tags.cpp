@@ -177,6 +177,9 @@ void Application::Brush_Set(int brush) {
 }
 
 void Application::Brush_Step(int step) {
+    if (tools.Step(step)) {
+        return;
+    }
     Brush_Set(variables.Brush_Cur() + step);
 }
 

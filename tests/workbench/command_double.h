@@ -65,6 +65,16 @@ struct Command_Double : File_Actions,
     bool Is_Ball() const override { return Is("Is_Ball"); }
     void Brush_Mm_Set(bool on) override { Note("Brush_Mm_Set", Number(on)); }
     bool Is_Brush_Mm() const override { return Is("Is_Brush_Mm"); }
+    void Fill_In_Space_Set(bool on) override { Note("Fill_In_Space_Set", Number(on)); }
+    bool Is_Fill_In_Space() const override { return Is("Is_Fill_In_Space"); }
+    void Fill_Corners_Set(bool on) override { Note("Fill_Corners_Set", Number(on)); }
+    bool Is_Fill_Corners() const override { return Is("Is_Fill_Corners"); }
+    void Fill_By_Tolerance_Set(bool on) override { Note("Fill_By_Tolerance_Set", Number(on)); }
+    bool Is_Fill_By_Tolerance() const override { return Is("Is_Fill_By_Tolerance"); }
+    void Fill_Tolerance_Ask() override { Note("Fill_Tolerance_Ask"); }
+    void Tool_Accept() override { Note("Tool_Accept"); }
+    void Tool_Cancel() override { Note("Tool_Cancel"); }
+    void Measurements_Remove() override { Note("Measurements_Remove"); }
     void Marker_Step(int step) override { Note("Marker_Step", Number(step)); }
     void Marker_Rename_Ask() override { Note("Marker_Rename_Ask"); }
     void Marker_Remove() override { Note("Marker_Remove"); }

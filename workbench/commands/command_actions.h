@@ -129,7 +129,7 @@ class Propagation_Actions {
 };
 
 /** What the buttons do in the pictures of the image. */
-enum class Tool_Kind { Paint, Markers };
+enum class Tool_Kind { Paint, Markers, Fill, Growth, Polygon, Lasso, Distance, Angle };
 
 class Tool_Actions {
   public:
@@ -145,6 +145,19 @@ class Tool_Actions {
     /** The brush's radius counts as millimetres. */
     virtual void Brush_Mm_Set(bool on) = 0;
     virtual bool Is_Brush_Mm() const = 0;
+    // What fills and growing regions go by.
+    virtual void Fill_In_Space_Set(bool on) = 0;
+    virtual bool Is_Fill_In_Space() const = 0;
+    virtual void Fill_Corners_Set(bool on) = 0;
+    virtual bool Is_Fill_Corners() const = 0;
+    virtual void Fill_By_Tolerance_Set(bool on) = 0;
+    virtual bool Is_Fill_By_Tolerance() const = 0;
+    virtual void Fill_Tolerance_Ask() = 0;
+    /** What a tool has begun is taken over, or dropped. */
+    virtual void Tool_Accept() = 0;
+    virtual void Tool_Cancel() = 0;
+    /** Of the volume in hand. */
+    virtual void Measurements_Remove() = 0;
 };
 
 /** Which slices operations on labels work on. */

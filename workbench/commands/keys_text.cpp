@@ -38,12 +38,14 @@ constexpr Gesture PANEL_KEYS[] = {
      "field; Enter, Escape and Tab do nothing there: the buttons are for the mouse. Characters beyond 16 bits (some "
      "rare Chinese ones, pictures), those of U+0800 to U+08FF and Alt with a number cannot be typed"},
     {"0 to 9", "pick the TAG of that number"},
+    {"Enter, Backspace, Escape with a tool",
+     "takes over what is begun (polygon, growing region), takes its last corner back, drops it"},
     {"Escape", "closes the warning banner, the enlarged histogram and dialogs"},
 };
 
 constexpr Gesture MOUSE_GESTURES[] = {
-    {"Left button on the image", "paint the current TAG"},
-    {"Right button on the image", "erase"},
+    {"Left button on the image", "paint the current TAG, or what the tool in hand does (Tools)"},
+    {"Right button on the image", "erase; with a polygon, a lasso: its inside; with a measurement: remove it"},
     {"Ctrl + left on the image", "pick the TAG under the pointer"},
     {"Wheel over the image", "other slice; with Ctrl: zoom"},
     {"Shift + left drag", "move the image"},

@@ -83,6 +83,9 @@ Image_Content Plane_Views::Pane::Content() const {
         copied_depth = depth;
     }
     Tags_Copy(geometry.Whole());
+    if (const auto seen = owner.host.tool_preview(Cut(), tags); seen.data() != tags.data()) {
+        std::ranges::copy(seen, tags.begin());
+    }
     content.source.width = geometry.Width();
     content.source.height = geometry.Height();
     content.source.levels = levels;

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,8 @@ struct Plane_Host {
     std::function<void()> tool_release;
     std::function<Brush_Footprint(const Plane_Cut& cut, const Slice_Point& at)> tool_outline;
     std::function<std::vector<Shown_Path>(const Plane_Cut& cut)> tool_paths;
+    /** TAGs of a picture with what is seen before it is taken over; what is answered lives until the next call. */
+    std::function<std::span<const std::uint8_t>(const Plane_Cut& cut, std::span<const std::uint8_t> tags)> tool_preview;
     std::function<void()> stroke_end;  ///< the picture becomes another one
     std::function<void(const Shown_Voxel&)> pick;
     /** @param by the view whose pointer it is; @param cut its picture @param at the middle of a pixel of it */

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "workbench/segmentation/label_edit.h"
@@ -39,6 +40,10 @@ class Region_Growth {
     static std::optional<Region_Growth> Find(const Edit_Input& input, const Flood& flood, std::int32_t tolerance_most);
     /** Voxels within a tolerance. */
     std::uint64_t Voxel_Nb(std::int32_t tolerance) const;
+    /** The same, their positions in the grid. */
+    std::span<const std::size_t> Voxels(std::int32_t tolerance) const {
+        return std::span(voxels).first(static_cast<std::size_t>(Voxel_Nb(tolerance)));
+    }
     /** What Flood_Fill gives for that tolerance. @param input as at Find */
     Label_Edit Edit(const Edit_Input& input, std::int32_t tolerance) const;
 

@@ -1,6 +1,12 @@
 #include "workbench/tools/tool_box.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <initializer_list>
 #include <utility>
+
+#include "workbench/model/number_text.h"
 
 namespace workbench {
 
@@ -10,6 +16,17 @@ Image_Tool& Tool_Box::Of(Tool_Kind kind) {
             return paint;
         case Tool_Kind::Markers:
             return marker;
+        case Tool_Kind::Fill:
+            return fill;
+        case Tool_Kind::Growth:
+            return growth;
+        case Tool_Kind::Polygon:
+            return polygon;
+        case Tool_Kind::Lasso:
+            return lasso;
+        case Tool_Kind::Distance:
+        case Tool_Kind::Angle:
+            return measure;
     }
     return paint;
 }
@@ -18,6 +35,7 @@ void Tool_Box::Tool_Choose(Tool_Kind kind) {
     Settle();
     In_Hand().Cancel();
     now = kind;
+    measure.Kind_Set(kind == Tool_Kind::Angle ? Measure_Kind::Angle : Measure_Kind::Distance);
     host.note({Change::Mode, Change::View});
     host.tell(In_Hand().Hint());
 }
@@ -46,6 +64,70 @@ void Tool_Box::Brush_Mm_Set(bool on) {
     paint.Shape_Set({Is_Ball(), on});
     Brush_Changed((on ? "The brush reaches " : "The brush reaches ") + std::to_string(Brush_Radius_Of(host.brush())) +
                   (on ? " mm" : " pixels"));
+}
+
+void Tool_Box::Fill_Changed() {
+    growth.Cancel();
+    host.note(Change::Mode);
+    host.tell(fill.Hint());
+}
+
+void Tool_Box::Fill_In_Space_Set(bool on) {
+    fill_settings.is_in_space = on;
+    Fill_Changed();
+}
+
+void Tool_Box::Fill_Corners_Set(bool on) {
+    fill_settings.is_over_corners = on;
+    Fill_Changed();
+}
+
+void Tool_Box::Fill_By_Tolerance_Set(bool on) {
+    fill_settings.is_by_tolerance = on;
+    Fill_Changed();
+}
+
+void Tool_Box::Fill_Tolerance_Ask() {
+    const std::optional<std::string> answer =
+        host.text_ask("Tolerance of fills",
+                      "Grey values at most so far from the clicked voxel's own:", Number_Text(fill_settings.tolerance));
+    if (!answer) {
+        return;
+    }
+    std::string text = *answer;
+    std::ranges::replace(text, ',', '.');
+    char* end = nullptr;
+    const double value = std::strtod(text.c_str(), &end);
+    if (text.empty() || *end != 0 || !std::isfinite(value) || value < 0.0) {
+        return host.warn("\"" + *answer + "\" is no number of 0 or more.");
+    }
+    fill_settings.tolerance = value;
+    Fill_Changed();
+}
+
+void Tool_Box::Tool_Accept() {
+    if (!Accept()) {
+        host.tell("Nothing is begun");
+    }
+}
+
+void Tool_Box::Tool_Cancel() {
+    if (!Cancel()) {
+        host.tell("Nothing is begun");
+    }
+}
+
+std::optional<std::uint8_t> Tool_Box::Preview_Tag() const {
+    return growth.Is_Growing() ? std::optional(growth.Tag()) : std::nullopt;
+}
+
+std::span<const std::uint8_t> Tool_Box::With_Preview(const Plane_Cut& cut, std::span<const std::uint8_t> tags) const {
+    if (!growth.Is_Growing()) {
+        return tags;
+    }
+    previewed.assign(tags.begin(), tags.end());
+    growth.Preview(cut, previewed);
+    return previewed;
 }
 
 std::string Tool_Box::Brush_Note() const {
@@ -81,13 +163,16 @@ void Tool_Box::Settle() {
 
 std::vector<Shown_Path> Tool_Box::Paths(const Plane_Cut& cut) const {
     std::vector<Shown_Path> paths;
-    In_Hand().Paths_Add(cut, paths);
+    measure.Paths_Add(cut, paths);
+    if (&In_Hand() != &measure) {
+        In_Hand().Paths_Add(cut, paths);
+    }
     return paths;
 }
 
 void Tool_Box::Follow(Changes changes) {
-    for (const Tool_Kind kind : {Tool_Kind::Paint, Tool_Kind::Markers}) {
-        Of(kind).Follow(changes);
+    for (Image_Tool* const tool : std::initializer_list<Image_Tool*>{&growth, &polygon, &lasso}) {
+        tool->Follow(changes);
     }
 }
 

@@ -76,6 +76,13 @@ class Plane_Watch : public ::testing::Test {
             path.text = std::to_string(cut.depth);
             return std::vector<Shown_Path>{path};
         };
+        host.tool_preview = [this](const Plane_Cut&, std::span<const std::uint8_t> tags) {
+            seen.assign(tags.begin(), tags.end());
+            if (is_growing) {
+                seen[0] = 9;
+            }
+            return std::span<const std::uint8_t>(seen);
+        };
         host.stroke_end = [this] { ++stroke_ends; };
         host.pick = [this](const Shown_Voxel& voxel) { picked = voxel; };
         host.hover = [this](const Image_User& by, const Plane_Cut& cut, const Slice_Point& at) {
@@ -101,6 +108,8 @@ class Plane_Watch : public ::testing::Test {
     int moves = 0;
     int stroke_ends = 0;
     int tool_releases = 0;
+    bool is_growing = false;
+    std::vector<std::uint8_t> seen;
     Tool_Hand hand = Tool_Hand::Left;
     std::string sides;
     std::vector<Placed_Marker> markers;
@@ -258,6 +267,14 @@ TEST_F(Plane_Watch, markers_are_shown_in_their_picture_only) {
     EXPECT_EQ(content.markers[0].x, 4);
     EXPECT_EQ(content.markers[0].y, NZ - 1);
     EXPECT_TRUE(content.markers[1].is_current);
+}
+
+TEST_F(Plane_Watch, what_a_tool_has_not_taken_over_yet_is_seen) {
+    EXPECT_EQ(views.User(1).Content().source.tags[0], 0);
+    is_growing = true;
+    EXPECT_EQ(views.User(1).Content().source.tags[0], 9);
+    is_growing = false;
+    EXPECT_EQ(views.User(1).Content().source.tags[0], 0);
 }
 
 TEST_F(Plane_Watch, a_tool_is_told_which_picture_it_is_over) {

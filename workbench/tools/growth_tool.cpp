@@ -1,0 +1,182 @@
+#include "workbench/tools/growth_tool.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+#include <utility>
+
+#include "workbench/model/number_text.h"
+
+namespace workbench {
+
+namespace {
+
+constexpr double STEP_SHARE = 0.1;   // of the tolerance, by which a step changes it
+constexpr double DRAG_SHARE = 0.04;  // of the tolerance at the press, per pixel
+
+}  // namespace
+
+segmentation::Edit_Input Growth_Tool::Input() const {
+    return growing->ground ? growing->ground->Input(host) : Volume_Input(host);
+}
+
+Pixel_Rect Growth_Tool::Press(const Tool_Spot& spot, Tool_Hand) {
+    Cancel();
+    Session& work = host.work();
+    if (!work.Has_Volume() || !spot.Is_Inside()) {
+        return {};
+    }
+    if (work.Plain_Levels().empty()) {
+        host.tell("Images in colour have no grey values to grow by");
+        return {};
+    }
+    try {
+        growing.emplace();
+        growing->flood.tag = static_cast<std::uint8_t>(host.tag());
+        growing->flood.neighbours = settings.Neighbours();
+        growing->begun_at = spot.at.x;
+        growing->begun_tolerance = settings.tolerance;
+        const Shown_Voxel seed = spot.Voxel();
+        growing->flood.seed = {seed.x, seed.y, seed.slice};
+        if (!settings.is_in_space) {
+            growing->ground.emplace(work, spot.cut);
+            growing->flood.seed = {spot.X(), spot.Y(), 0};
+        }
+    } catch (const std::bad_alloc&) {
+        growing.reset();
+        host.warn("There is not enough memory to grow a region.");
+        return {};
+    }
+    if (Find(2 * Levels())) {
+        Tell();
+    }
+    return {};
+}
+
+bool Growth_Tool::Find(std::int32_t reach) {
+    try {
+        std::optional<segmentation::Region_Growth> found;
+        host.run("Grow a region", [&](const segmentation::Edit_Progress& progress) {
+            segmentation::Edit_Input input = Input();
+            input.progress = progress;
+            found = segmentation::Region_Growth::Find(input, growing->flood, reach);
+        });
+        if (found) {
+            growing->growth = std::move(*found);
+            growing->reach = reach;
+            return true;
+        }
+        host.tell("Growing was given up: nothing has changed");
+    } catch (const std::bad_alloc&) {
+        host.warn("There is not enough memory to grow a region. Nothing has changed.");
+    }
+    growing.reset();
+    host.note(Change::View);
+    return false;
+}
+
+void Growth_Tool::Tolerance_Set(double wanted) {
+    const double level = std::abs(host.work().Image().slope);
+    settings.tolerance = std::clamp(wanted, 0.0, level * volumes::LEVEL_LARGEST / 4);
+    if (Levels() > growing->reach && !Find(2 * Levels())) {
+        return;
+    }
+    Tell();
+}
+
+void Growth_Tool::Tell() const {
+    const std::uint64_t nb = growing->growth.Voxel_Nb(Levels());
+    host.note(Change::View);
+    host.tell("Growing " + host.tag_name(growing->flood.tag) + " by a tolerance of " + Number_Text(settings.tolerance) +
+              ": " + std::to_string(nb) + (nb == 1 ? " voxel" : " voxels") + "; Enter takes it over, Escape drops it");
+}
+
+Pixel_Rect Growth_Tool::Move(const Tool_Spot& spot) {
+    if (growing) {
+        const double level = std::abs(host.work().Image().slope);
+        const double per_pixel = std::max(growing->begun_tolerance * DRAG_SHARE, level);
+        const double steps = std::round(spot.at.x - growing->begun_at);
+        const double wanted = std::max(growing->begun_tolerance + steps * per_pixel, 0.0);
+        if (wanted != settings.tolerance) {
+            Tolerance_Set(wanted);
+        }
+    }
+    return {};
+}
+
+bool Growth_Tool::Step(int step) {
+    if (!growing) {
+        return false;
+    }
+    const double level = std::abs(host.work().Image().slope);
+    const double by = std::max(std::round(settings.tolerance * STEP_SHARE / level), 1.0) * level;
+    Tolerance_Set(settings.tolerance + step * by);
+    return true;
+}
+
+bool Growth_Tool::Accept() {
+    if (!growing) {
+        return false;
+    }
+    const std::string title = "Grow " + host.tag_name(growing->flood.tag);
+    try {
+        segmentation::Label_Edit edit = growing->growth.Edit(Input(), Levels());
+        const std::uint64_t voxel_nb = edit.voxel_nb;
+        Voxel_Change change = growing->ground ? growing->ground->Change_By(edit) : Voxel_Change{std::move(edit.slices)};
+        growing.reset();
+        host.note(Change::View);
+        Change_Take(host, title, std::move(change), voxel_nb);
+    } catch (const std::bad_alloc&) {
+        growing.reset();
+        host.note(Change::View);
+        host.warn(title + ": there is not enough memory. Nothing has changed.");
+    }
+    return true;
+}
+
+bool Growth_Tool::Cancel() {
+    if (!growing) {
+        return false;
+    }
+    growing.reset();
+    host.note(Change::View);
+    host.tell("The region was dropped: nothing has changed");
+    return true;
+}
+
+void Growth_Tool::Follow(Changes changes) {
+    // What it was found in is no more.
+    if (changes.Has_Any({Change::Pixels, Change::Stroke, Change::Volume, Change::Opened, Change::Current_Tag,
+                         Change::Tag_Locked, Change::Mode})) {
+        Cancel();
+    }
+}
+
+void Growth_Tool::Preview(const Plane_Cut& cut, std::span<std::uint8_t> picture) const {
+    if (!growing || picture.size() != cut.geometry.Pixel_Nb()) {
+        return;
+    }
+    const std::span<const std::size_t> voxels = growing->growth.Voxels(Levels());
+    if (growing->ground) {
+        const Plane_Cut& grown = growing->ground->Cut();
+        if (grown.geometry.axes == cut.geometry.axes && grown.depth == cut.depth) {
+            for (const std::size_t at : voxels) {
+                picture[at] = growing->flood.tag;
+            }
+        }
+        return;
+    }
+    const auto width = static_cast<std::size_t>(cut.geometry.voxel_nb[0]);
+    const auto height = static_cast<std::size_t>(cut.geometry.voxel_nb[1]);
+    for (const std::size_t at : voxels) {
+        const Shown_Voxel voxel = {static_cast<int>(at % width), static_cast<int>(at / width % height),
+                                   static_cast<int>(at / (width * height))};
+        const Plane_Pixel pixel = cut.geometry.To_Pixel(voxel);
+        if (pixel.depth == cut.depth) {
+            picture[static_cast<std::size_t>(pixel.y) * static_cast<std::size_t>(cut.geometry.Width()) +
+                    static_cast<std::size_t>(pixel.x)] = growing->flood.tag;
+        }
+    }
+}
+
+}  // namespace workbench
