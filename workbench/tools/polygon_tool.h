@@ -10,8 +10,8 @@
 
 namespace workbench {
 
-/** The pixels whose middles lie inside a closed line, where lines that cross make holes (even-odd). A middle on a left
- * or upper side counts, one on a right or lower side does not.
+/** The pixels whose middles lie inside a closed line; where lines cross, even and odd decide. A middle on a left or
+ *  upper side counts, one on a right or lower side does not.
  *  @return rows of the picture, cut to it */
 Brush_Footprint Polygon_Pixels(const std::vector<Slice_Point>& points, int width, int height);
 

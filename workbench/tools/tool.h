@@ -1,5 +1,5 @@
 /** Tools: what the buttons do in the pictures of a volume. Each has a state of its own while it acts; none knows
- * another, a window, or the application. */
+ *  another, a window, or the application. */
 #pragma once
 
 #include <optional>
