@@ -22,16 +22,19 @@
 #include "workbench/database/class_history.h"
 #include "workbench/database/class_objects.h"
 #include "workbench/database/database_pane.h"
+#include "workbench/edits/label_objects.h"
 #include "workbench/edits/segmentation_control.h"
 #include "workbench/host_variables.h"
 #include "workbench/hosted_histogram.h"
 #include "workbench/image_area.h"
+#include "workbench/label_object_services.h"
 #include "workbench/list_window.h"
 #include "workbench/main_window.h"
 #include "workbench/menu_bar.h"
 #include "workbench/model/change_hub.h"
 #include "workbench/model/command_line.h"
 #include "workbench/model/display_window.h"
+#include "workbench/model/label_description_file.h"
 #include "workbench/model/open_volumes.h"
 #include "workbench/model/panel_scale.h"
 #include "workbench/model/recovery_folder.h"
@@ -313,6 +316,13 @@ class Application : public Image_User,
     /** Takes over what was loaded, without a step. */
     void Labels_Adopt(const Label_Description& description);
     void Load_Labels(const std::filesystem::path& path);
+    /** Labels of a file, whatever its kind, and what describes them. */
+    struct Labels_File {
+        volumes::Volume volume;
+        Label_Description_Loading described;
+        bool is_object = false;  ///< labels are never saved into a segmentation object of somebody's
+    };
+    std::optional<Labels_File> Labels_File_Read(const std::filesystem::path& path);
     /** What to do with labels that lie elsewhere than the image; no value: the user gave up. */
     std::optional<Grid_Choice> Labels_Place_Ask(const volumes::Volume& loaded, const std::filesystem::path& path);
     /** What is to be told about labels that lie on the image otherwise than by equal voxels; may be empty. */
@@ -392,6 +402,7 @@ class Application : public Image_User,
     // application_image.cpp
     void Slice_Show(int wanted);
     Segmentation_Wiring Segmentation_Wires();
+    Label_Object_Wiring Label_Object_Wires();
     /** What the image is tinted with: the band of the current TAG, or the bands of all. */
     std::vector<Range_Overlay> Ranges_Now() const;
     std::vector<volumes::Display_Window> Windows() const;
@@ -426,8 +437,8 @@ class Application : public Image_User,
     Histogram_Control histogram;
     Color_Advisor color_advisor{Color_Services()};
     Focus focus{Focus_Services()};
-    Command_Table commands{{*this, *this, *this, tools, color_advisor, *this, *this, *this, segmentation_control, *this,
-                            *this, focus, *this}};
+    Command_Table commands{{*this, label_objects, *this, *this, tools, color_advisor, *this, *this, *this,
+                            segmentation_control, *this, *this, focus, *this}};
     Command_Line options;
     Look look;
     Report report;
@@ -467,6 +478,8 @@ class Application : public Image_User,
     Segmentation_Services segmentation_services;
     Segmentation_Control segmentation_control{segmentation_services};
     Tool_Box tools{Tool_Services()};
+    Label_Object_Services label_object_services{Label_Object_Wires()};
+    Label_Objects label_objects{label_object_services};
     Panel_Host* tag_host = nullptr;  // owned by the tool area
     Panel_Host* marker_host = nullptr;
     Panel_Host* brush_host = nullptr;

@@ -139,24 +139,59 @@ std::string Application::Labels_Place_Text(const volumes::Volume& loaded, const 
            " It is not the file of these labels: saving asks for a name.";
 }
 
+std::optional<Application::Labels_File> Application::Labels_File_Read(const std::filesystem::path& path) {
+    if (Label_Objects::Is_Object_File(path)) {
+        banner.Close(Warning_Subject::Label_File);  // what was told of other label files
+        std::optional<Object_Labels> object = label_objects.Load(path);
+        if (!object) {
+            return std::nullopt;
+        }
+        return Labels_File{std::move(object->volume), {std::move(object->description), true, {}}, true};
+    }
+    std::optional<volumes::Load_Result> loaded = Load_With_Progress(path);
+    if (!loaded) {
+        return std::nullopt;
+    }
+    volumes::Volume& volume = *loaded->volume;
+    Label_Description_Loading described = Label_Description_Load(path, {volume.nz, volume.nx, volume.ny});
+    return Labels_File{std::move(volume), std::move(described), false};
+}
+
+Label_Object_Wiring Application::Label_Object_Wires() {
+    return {session,
+            volumes,
+            variables,
+            [this] { return window.Handle(); },
+            [this] { return Labels_Describe(); },
+            [this] { Labels_Note(); },
+            [this](const std::wstring& what, const std::function<void(const volumes::Load_Progress&)>& action) {
+                Run_With_Progress(what, action);
+            },
+            [this](const std::wstring& text) { Status(text); },
+            [this](const std::string& text) { Warn(text, Warning_Subject::Label_File); }};
+}
+
 void Application::Load_Labels(const std::filesystem::path& path) {
     const Label_Stamps stamps = Label_Stamps_Of(path);  // before it is read: what is written meanwhile is a change
-    const std::optional<volumes::Load_Result> loaded = Load_With_Progress(path);
+    const std::optional<Labels_File> loaded = Labels_File_Read(path);
     if (!loaded) {
         return;
     }
-    const volumes::Volume& volume = *loaded->volume;
+    const volumes::Volume& volume = loaded->volume;
+    const Label_Description_Loading& described = loaded->described;
     const std::optional<Grid_Choice> choice = Labels_Place_Ask(volume, path);
     if (!choice) {
         Status(L"Labels were not loaded");
         return;
     }
-    const Label_Description_Loading described = Label_Description_Load(path, {volume.nz, volume.nx, volume.ny});
     const std::string placed = Labels_Place_Text(volume, path, *choice);
     const Label_Description* description = described.is_there ? &described.description : nullptr;
     if (const std::string error = session.Take_Labels({volume, path, description, stamps}, *choice); !error.empty()) {
         Warn(error, Warning_Subject::Label_File);
         return;
+    }
+    if (loaded->is_object) {
+        session.Label_Path_Set({});
     }
     for (const std::string& sentence : {placed, described.warning}) {
         if (!sentence.empty()) {

@@ -1,5 +1,5 @@
-// libFuzzer: any bytes as a DICOM file, alone and beside itself at another place of the same series. Whatever is read
-// must be sound, and so must be what it is put together to.
+// libFuzzer: any bytes as a DICOM file, alone and beside itself at another place of the same series, and as a segmentation
+// object of a small image. Whatever is read must be sound, and so must be what it is put together to.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -7,6 +7,7 @@
 #include <span>
 
 #include "workbench/volumes/dicom_reader.h"
+#include "workbench/volumes/dicom_segmentation.h"
 #include "workbench/volumes/dicom_series.h"
 #include "workbench/volumes/volume_statistics.h"
 
@@ -45,9 +46,35 @@ std::size_t Slice_Nb(const Dicom_Image& image) {
     return static_cast<std::size_t>(image.volume.nz) * static_cast<std::size_t>(image.volume.nt);
 }
 
+/** The image that the objects of the corpus belong to: 12 x 9 x 7 voxels, turned by ten degrees. */
+Volume Segmented_Image() {
+    Volume image;
+    image.nx = 12;
+    image.ny = 9;
+    image.nz = 7;
+    image.nt = 1;
+    image.spacing = {0.8, 1.1, 2.5};
+    image.affine = {{{-0.7878462024097664, 0.19101299543362338, 0.0, 31.5},
+                     {-0.13891854213354424, -1.0832885283134289, 0.0, -12.25},
+                     {0.0, 0.0, 2.5, 80.0}}};
+    return image;
+}
+
+void Segmentation_Check(std::span<const std::uint8_t> bytes) {
+    static const Volume image = Segmented_Image();
+    const Segmentation_Result read = Dicom_Segmentation_Read(bytes, image, 0.5, Load_Limits{DECODED_MOST});
+    Require(read.labels.has_value() == read.error.empty());
+    if (read.labels) {
+        Check(*read.labels);
+        Require(read.labels->level_min >= 0 && read.labels->level_max <= 255);
+        Require(!read.is_on_image || read.labels->nx == image.nx);
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Segmentation_Check(std::span(data, size));
     Dicom_Result result = Dicom_Read(std::span(data, size), Load_Limits{DECODED_MOST});
     Require(result.image.has_value() == result.error.empty());
     if (!result.image) {

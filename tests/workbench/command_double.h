@@ -12,6 +12,7 @@
 namespace workbench {
 
 struct Command_Double : File_Actions,
+                        Object_Actions,
                         History_Actions,
                         Label_Actions,
                         Tool_Actions,
@@ -31,6 +32,8 @@ struct Command_Double : File_Actions,
     void Orientation_Ask() override { Note("Orientation_Ask"); }
     void Load_Labels_Ask() override { Note("Load_Labels_Ask"); }
     bool Save_Labels(bool ask_for_name) override { return Note("Save_Labels", Number(ask_for_name)); }
+    void Object_Save() override { Note("Object_Save"); }
+    void Tag_Meaning_Ask() override { Note("Tag_Meaning_Ask"); }
     void Export_Histogram() override { Note("Export_Histogram"); }
     void Export_Verify_Ask() override { Note("Export_Verify_Ask"); }
     void Quit() override { Note("Quit"); }

@@ -332,6 +332,7 @@ TEST_F(Session_Test, labels_that_lie_elsewhere_are_laid_on_only_as_the_user_chos
     EXPECT_EQ(session.Labels().At(NX - 1, NY - 1, 3), 9);
     EXPECT_EQ(session.Labels().Counts()[9], 1U);
     EXPECT_EQ(session.Label_Path(), "") << "saving must not replace a file of another geometry unasked";
+    EXPECT_TRUE(session.Is_Unsaved()) << "no file holds the labels as they lie now";
     ASSERT_EQ(session.Take_Labels({moved, path}, Grid_Choice::By_Index), "");
     EXPECT_EQ(session.Labels().At(NX - 1, NY - 1, 1), 9);
 

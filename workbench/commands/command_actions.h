@@ -37,6 +37,16 @@ class File_Actions {
     virtual void Recent_Open(int number) = 0;
 };
 
+/** Labels as DICOM keeps them. */
+class Object_Actions {
+  public:
+    virtual ~Object_Actions() = default;
+    /** Saves the labels as a segmentation object of the images. */
+    virtual void Object_Save() = 0;
+    /** Names the current TAG from a table of what has a code. */
+    virtual void Tag_Meaning_Ask() = 0;
+};
+
 class History_Actions {
   public:
     virtual ~History_Actions() = default;
@@ -271,6 +281,7 @@ class Window_Actions {
 /** Who answers the commands. */
 struct Command_Parts {
     File_Actions& file;
+    Object_Actions& object;
     History_Actions& history;
     Label_Actions& label;
     Tool_Actions& tool;

@@ -126,13 +126,18 @@ bool Session::Take_Up(std::vector<std::uint8_t>&& tags, std::span<const Marker_D
     return true;
 }
 
+std::vector<std::uint8_t> Session::Tags_In_File_Order() const {
+    std::vector<std::uint8_t> tags(labels.All().begin(), labels.All().end());
+    Slices_Turn(std::span(tags), volume->nx, volume->ny, order);
+    return tags;
+}
+
 std::string Session::Save_Labels(const std::filesystem::path& file, Label_Description description, std::string& kept) {
     kept.clear();
     if (!volume) {
         return "There is no volume whose labels could be saved.";
     }
-    std::vector<std::uint8_t> in_file_order(labels.All().begin(), labels.All().end());
-    Slices_Turn(std::span(in_file_order), volume->nx, volume->ny, order);
+    const std::vector<std::uint8_t> in_file_order = Tags_In_File_Order();
     std::string error;
     {
         const Writable_For_Now writable(file);
@@ -244,6 +249,10 @@ std::string Session::Take_Labels(const Labels_Read& read, Grid_Choice choice) {
     journal.Clear();
     All_Touch();
     // What was laid on otherwise is another volume than the file's: saving must not replace it unasked.
+    // No file holds them as they lie now, so leaving them would lose work.
+    if (is_other) {
+        journal.Mark_Unsaved();
+    }
     label_path = is_other ? std::filesystem::path() : read.file;
     stamps = is_other ? Label_Stamps{} : read.stamps;
     return {};

@@ -86,6 +86,8 @@ class Session {
      *  @param kept receives one sentence for the user when a former description was kept aside, else is emptied
      *  @return empty, or one sentence for the user */
     std::string Save_Labels(const std::filesystem::path& file, Label_Description description, std::string& kept);
+    /** The TAG of every voxel, in the order of the volume's file. Only with a volume. */
+    std::vector<std::uint8_t> Tags_In_File_Order() const;
     /** What speaks against saving to a file. @param is_chosen the user has just agreed that the label volume of that
      *  name is replaced, so only a text beside it that belongs to no label volume is told, and protection */
     Save_Doubts Doubts_Before(const std::filesystem::path& file, bool is_chosen) const;

@@ -166,3 +166,59 @@ def a_compressed_series_is_the_uncompressed_one(run):
         for path in plain.iterdir():
             subprocess.run([*command, path, folder / path.name], check=True)
         run.same(f"{name}: the picture and the greys are the uncompressed ones", shown_series(run, folder), wanted)
+
+
+def ct_series(run):
+    """A folder with one CT series of five slices."""
+    samples = package_file("python3-pydicom", "/dicomdirtests")
+    if samples is None:
+        raise Skipped("python3-pydicom is not there")
+    folder = run.data / "ct"
+    shutil.copytree(pathlib.Path(samples) / "98892001" / "CT5N", folder)
+    return folder
+
+
+@scenario()
+def labels_leave_and_come_back_as_a_segmentation_object(run):
+    """An independent library finds the TAG's voxels, name and image in the object; the workbench loads it again."""
+    try:
+        import pydicom
+    except ImportError as missing:
+        raise Skipped("python3-pydicom is not there") from missing
+    folder = ct_series(run)
+    target = run.folder / "seg.dcm"
+    app = run.start(folder)
+    app.key("2")
+    app.menu("Name by anatomy")
+    app.window("Name by anatomy")
+    app.type("l")
+    run.shot("dicom_anatomy", "Name by anatomy")
+    app.answer_key("Name by anatomy", "Return")
+    app.expect("the TAG has the name", tag_label="Lateral ventricle")
+    app.stroke((40, 45), (60, 45))
+    painted = app.expect("work is unsaved", unsaved=1).count(2)
+    app.menu("Save as DICOM segmentation")
+    app.answer("Save as DICOM segmentation", "Plain: every system reads it")
+    app.choose_file("Save as DICOM segmentation", target)
+    app.wait_said("status Segmentation object saved to seg.dcm")
+    data = pydicom.dcmread(target)
+    run.same("it has the segment with the name", [item.SegmentLabel for item in data.SegmentSequence], ["Lateral ventricle"])
+    run.same("and its code", data.SegmentSequence[0].SegmentedPropertyTypeCodeSequence[0].CodeValue, "66720007")
+    run.same("it has the voxels", int(data.pixel_array.sum()), painted)
+    slices = {pydicom.dcmread(path).SOPInstanceUID for path in folder.iterdir()}
+    derivation = data.PerFrameFunctionalGroupsSequence[0].DerivationImageSequence[0]
+    run.check("it belongs to an image of the series",
+              derivation.SourceImageSequence[0].ReferencedSOPInstanceUID in slices)
+    app.expect("markers and thresholds are not in it, so the work is still to be saved", unsaved=1)
+    app.key("ctrl+z")
+    app.expect("undo takes the voxels away", lambda s: s.count(2) == 0)
+    app.key("ctrl+l")
+    if app.dialog() == "Unsaved work":
+        app.answer("Unsaved work", "No")
+    app.choose_file("Load labels", target)
+    app.expect("the object brings them back", lambda s: s.count(2) == painted)
+    before = target.read_bytes()
+    app.key("ctrl+s")
+    app.window("Save labels")
+    app.answer_key("Save labels", "Escape")
+    run.check("saving asks for another file and leaves the object alone", target.read_bytes() == before)

@@ -1,0 +1,271 @@
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <map>
+#include <new>
+#include <set>
+#include <utility>
+
+#include "dcmtk/config/osconfig.h"
+#include "dcmtk/dcmdata/dcdeftag.h"
+#include "dcmtk/dcmdata/dcfilefo.h"
+#include "dcmtk/dcmdata/dcuid.h"
+#include "workbench/volumes/dicom_data_set.h"
+#include "workbench/volumes/dicom_fields.h"
+#include "workbench/volumes/dicom_reader.h"
+#include "workbench/volumes/dicom_segmentation.h"
+#include "workbench/volumes/frame_voxels.h"
+#include "workbench/volumes/message_text.h"
+#include "workbench/volumes/polygon_fill.h"
+
+namespace volumes {
+
+namespace {
+
+constexpr int TAG_MOST = 255;
+
+/** The progress callback gave up. */
+struct Given_Up {};
+
+/** All numbers of a value; empty when one is none. */
+std::vector<double> Numbers_Of(DcmItem& item, const DcmTagKey& tag) {
+    DcmElement* element = nullptr;
+    OFString text;
+    if (item.findAndGetElement(tag, element).bad() || element == nullptr ||
+        element->getOFStringArray(text, OFFalse).bad()) {
+        return {};
+    }
+    std::vector<double> numbers;
+    const char* at = text.c_str();
+    const char* const end = at + text.size();
+    while (at != end) {
+        const char* const separator = std::find(at, end, '\\');
+        const char* first = std::find_if(at, separator, [](char letter) { return letter != ' ' && letter != '+'; });
+        double number = 0.0;
+        const auto [stopped, failure] = std::from_chars(first, separator, number);
+        const bool is_whole = std::all_of(stopped, separator, [](char letter) { return letter == ' ' || letter == 0; });
+        if (failure != std::errc() || !is_whole || !std::isfinite(number)) {
+            return {};
+        }
+        numbers.push_back(number);
+        at = separator == end ? end : separator + 1;
+    }
+    return numbers;
+}
+
+/** One structure set while it is read. */
+class Structure_Reader {
+  public:
+    Structure_Reader(std::span<const std::uint8_t> file_bytes, const Volume& shown_image,
+                     const Load_Limits& file_limits, const Load_Progress& file_progress)
+        : bytes(file_bytes),
+          image(shown_image),
+          limits(file_limits),
+          progress(file_progress),
+          to_voxels(shown_image.affine) {}
+
+    Segmentation_Result Read() {
+        Data_Set_Source source;
+        DcmFileFormat file;
+        Data_Set_Read(bytes, limits.decoded_bytes, file, source);
+        result.warnings = source.warnings;
+        DcmDataset& data_set = *file.getDataset();
+        if (Field_Text(data_set, DCM_SOPClassUID) != UID_RTStructureSetStorage) {
+            result.is_other_object = true;
+            result.error = "is neither a segmentation object nor a structure set";
+            return std::move(result);
+        }
+        if (!to_voxels.Is_Usable()) {
+            throw Dicom_Refusal{"cannot be laid on the image: it is not known where its voxels lie"};
+        }
+        Regions_Read(data_set);
+        Labels_Begin();
+        unsigned long at = 0;
+        for (DcmItem* region = Field_Item(data_set, DCM_ROIContourSequence); region != nullptr;
+             region = Field_Item(data_set, DCM_ROIContourSequence, ++at)) {
+            if (progress && !progress(static_cast<double>(at) / static_cast<double>(regions.size() + at))) {
+                throw Given_Up();
+            }
+            Region_Fill(*region);
+        }
+        Finish();
+        return std::move(result);
+    }
+
+  private:
+    void Regions_Read(DcmItem& data_set) {
+        unsigned long at = 0;
+        bool is_number = true;
+        for (DcmItem* item = Field_Item(data_set, DCM_StructureSetROISequence); item != nullptr;
+             item = Field_Item(data_set, DCM_StructureSetROISequence, ++at)) {
+            const std::optional<std::int32_t> number = Field_Integer(*item, DCM_ROINumber);
+            if (!number || regions.contains(*number)) {
+                throw Dicom_Refusal{"has a region without a number of its own"};
+            }
+            is_number = is_number && *number >= 1 && *number <= TAG_MOST;
+            regions[*number] = result.segments.size();
+            Segment one;
+            one.tag = *number;
+            one.label = Field_Utf8(*item, DCM_ROIName);
+            result.segments.push_back(std::move(one));
+        }
+        if (regions.empty()) {
+            throw Dicom_Refusal{"describes no region"};
+        }
+        if (regions.size() > static_cast<std::size_t>(TAG_MOST)) {
+            throw Dicom_Refusal{"has " + Count_Text(regions.size()) + " regions; there are " +
+                                std::to_string(TAG_MOST) + " TAGs"};
+        }
+        for (std::size_t one = 0; one < result.segments.size() && !is_number; ++one) {
+            result.segments[one].tag = static_cast<int>(one) + 1;
+        }
+    }
+
+    void Labels_Begin() {
+        if (static_cast<std::uint64_t>(image.Voxel_Nb_3D()) * sizeof(std::int32_t) > limits.decoded_bytes) {
+            throw Dicom_Refusal{"needs more memory than the limit of " + Size_Text(limits.decoded_bytes)};
+        }
+        Volume& labels = result.labels.emplace();
+        labels.nx = image.nx;
+        labels.ny = image.ny;
+        labels.nz = image.nz;
+        labels.nt = 1;
+        labels.spacing = image.spacing;
+        labels.affine = image.affine;
+        labels.affine_source = image.affine_source;
+        labels.scalar_type = "uint8";
+        labels.levels.resize(image.Voxel_Nb_3D());
+        result.is_on_image = true;
+    }
+
+    void Region_Fill(DcmItem& region) {
+        const std::optional<std::int32_t> number = Field_Integer(region, DCM_ReferencedROINumber);
+        const auto known = number ? regions.find(*number) : regions.end();
+        if (known == regions.end()) {
+            throw Dicom_Refusal{"has contours of a region that it does not describe"};
+        }
+        Segment& segment = result.segments[known->second];
+        if (const auto color = Field_Numbers<3>(region, DCM_ROIDisplayColor)) {
+            segment.color = 0;
+            for (const double part : *color) {
+                segment.color = *segment.color << 8U | static_cast<std::uint32_t>(std::clamp(part, 0.0, 255.0));
+            }
+        }
+        std::map<std::int32_t, std::vector<std::uint8_t>> masks;  // by slice
+        unsigned long at = 0;
+        for (DcmItem* contour = Field_Item(region, DCM_ContourSequence); contour != nullptr;
+             contour = Field_Item(region, DCM_ContourSequence, ++at)) {
+            Contour_Toggle(*contour, masks);
+        }
+        for (const auto& [z, mask] : masks) {
+            std::int32_t* const levels = &result.labels->levels[image.Index(0, 0, z)];
+            for (std::size_t pixel = 0; pixel < mask.size(); ++pixel) {
+                if (mask[pixel] != 0) {
+                    overlapping_nb += levels[pixel] != 0 && levels[pixel] != segment.tag ? 1 : 0;
+                    levels[pixel] = segment.tag;
+                }
+            }
+        }
+    }
+
+    void Contour_Toggle(DcmItem& contour, std::map<std::int32_t, std::vector<std::uint8_t>>& masks) {
+        const std::string kind = Field_Text(contour, DCM_ContourGeometricType);
+        const std::vector<double> numbers = Numbers_Of(contour, DCM_ContourData);
+        if (!kind.starts_with("CLOSED")) {
+            ++open_nb;  // points and open lines enclose nothing
+            return;
+        }
+        if (numbers.size() % 3 != 0 || numbers.size() < 9) {
+            ++unusable_nb;
+            return;
+        }
+        std::vector<Picture_Point> points;
+        double lowest = 0.0;
+        double highest = 0.0;
+        bool is_beyond = false;
+        for (std::size_t at = 0; at < numbers.size(); at += 3) {
+            // DICOM's axes run to the left and back.
+            const std::array<double, 3> voxel = to_voxels.Place({-numbers[at], -numbers[at + 1], numbers[at + 2]});
+            points.push_back({voxel[0], voxel[1]});
+            is_beyond = is_beyond ||
+                        !(voxel[0] > -0.5 && voxel[0] < image.nx - 0.5 && voxel[1] > -0.5 && voxel[1] < image.ny - 0.5);
+            lowest = at == 0 ? voxel[2] : std::min(lowest, voxel[2]);
+            highest = at == 0 ? voxel[2] : std::max(highest, voxel[2]);
+        }
+        const double z = std::round((lowest + highest) / 2.0);
+        constexpr double tilt_most = 0.5;  // slices
+        if (!(highest - lowest <= tilt_most)) {
+            ++tilted_nb;
+            return;
+        }
+        if (!(z >= 0.0 && z < image.nz)) {
+            ++outside_nb;
+            return;
+        }
+        cut_nb += is_beyond ? 1 : 0;
+        std::vector<std::uint8_t>& mask = masks[static_cast<std::int32_t>(z)];
+        mask.resize(static_cast<std::size_t>(image.nx) * static_cast<std::size_t>(image.ny));
+        Polygon_Toggle(points, image.nx, image.ny, mask);
+    }
+
+    // Contract: nothing of a person's contours is left out or decided without a word.
+    void Finish() {
+        const auto tell = [&](std::uint64_t count, const char* what) {
+            if (count > 0) {
+                result.warnings.push_back("has " + Count_Text(count) + (count == 1 ? " contour" : " contours") + what);
+            }
+        };
+        tell(open_nb, " of open lines or points; left out");
+        tell(unusable_nb, " without usable points; left out");
+        tell(tilted_nb, " across the slices of the image; left out");
+        tell(outside_nb, " beyond the image's slices; left out");
+        tell(cut_nb, " reaching beyond the image; cut off there");
+        if (overlapping_nb > 0) {
+            result.warnings.push_back("has regions that overlap: " + Count_Text(overlapping_nb) +
+                                      (overlapping_nb == 1 ? " voxel" : " voxels") + " went to the later region");
+        }
+        const auto [lowest, highest] = std::ranges::minmax(result.labels->levels);
+        result.labels->level_min = lowest;
+        result.labels->level_max = highest;
+    }
+
+    std::span<const std::uint8_t> bytes;
+    const Volume& image;
+    const Load_Limits& limits;
+    const Load_Progress& progress;
+    To_Voxels to_voxels;
+    std::map<std::int32_t, std::size_t> regions;  // by number: index into the result's segments
+    std::uint64_t open_nb = 0;
+    std::uint64_t unusable_nb = 0;
+    std::uint64_t tilted_nb = 0;
+    std::uint64_t outside_nb = 0;
+    std::uint64_t cut_nb = 0;
+    std::uint64_t overlapping_nb = 0;
+    Segmentation_Result result;
+};
+
+}  // namespace
+
+Segmentation_Result Dicom_Structure_Set_Read(std::span<const std::uint8_t> file, const Volume& image,
+                                             const Load_Limits& limits, const Load_Progress& progress) noexcept {
+    Segmentation_Result failed;
+    try {
+        if (!Dicom_Is_Likely(file)) {
+            failed.error = "is no DICOM file";
+            return failed;
+        }
+        return Structure_Reader(file, image, limits, progress).Read();
+    } catch (const Dicom_Refusal& refusal) {
+        failed.error = refusal.text;
+    } catch (const Given_Up&) {
+        failed.is_cancelled = true;
+        failed.error = "was given up";
+    } catch (const std::bad_alloc&) {
+        failed.error = "needs more memory than there is";
+    } catch (...) {
+        failed.error = "cannot be read";
+    }
+    return failed;
+}
+
+}  // namespace volumes
