@@ -51,7 +51,8 @@ std::optional<std::string> Label_Object_Services::Text_Ask(const std::string& ti
 
 int Label_Object_Services::Line_Ask(const std::string& title, const std::string& label,
                                     const std::vector<std::string>& lines, int current) {
-    return List_Choice_Ask(wiring.owner(), Wide_Of_Utf8(title), Wide_Of_Utf8(label), Wide_Lines(lines), current);
+    return List_Choice_Ask(wiring.owner(), Wide_Of_Utf8(title), Wide_Of_Utf8(label), Wide_Lines(lines), current,
+                           L"&Choose");
 }
 
 int Label_Object_Services::Way_Ask(const std::string& title, const std::string& text,

@@ -49,7 +49,7 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lpar
 }  // namespace
 
 int List_Choice_Ask(HWND owner, const std::wstring& title, const std::wstring& label,
-                    const std::vector<std::wstring>& lines, int current) {
+                    const std::vector<std::wstring>& lines, int current, const wchar_t* accept) {
     Dialog_Template dialog(title, WIDTH, HEIGHT);
     const short list_top = 2 * MARGIN + LABEL_HEIGHT;
     const short buttons_top = HEIGHT - MARGIN - BUTTON_HEIGHT;
@@ -57,7 +57,7 @@ int List_Choice_Ask(HWND owner, const std::wstring& title, const std::wstring& l
     dialog.Add(DIALOG_LIST, WS_BORDER | WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT, MARGIN, list_top,
                WIDTH - 2 * MARGIN, buttons_top - list_top - MARGIN, ID_LIST, L"");
     dialog.Add(DIALOG_BUTTON, BS_DEFPUSHBUTTON | WS_TABSTOP, WIDTH - 2 * (MARGIN + BUTTON_WIDTH), buttons_top,
-               BUTTON_WIDTH, BUTTON_HEIGHT, IDOK, L"&Go there");
+               BUTTON_WIDTH, BUTTON_HEIGHT, IDOK, accept);
     dialog.Add(DIALOG_BUTTON, BS_PUSHBUTTON | WS_TABSTOP, WIDTH - MARGIN - BUTTON_WIDTH, buttons_top, BUTTON_WIDTH,
                BUTTON_HEIGHT, IDCANCEL, L"&Close");
     Shown_List shown = {lines, current};

@@ -9,8 +9,9 @@
 namespace workbench {
 
 /** Runs a modal dialog. @param label stands above the list @param current the line that is marked at first
+ *  @param accept what the button says that takes the line
  *  @return index of the line; -1: given up */
 int List_Choice_Ask(HWND owner, const std::wstring& title, const std::wstring& label,
-                    const std::vector<std::wstring>& lines, int current);
+                    const std::vector<std::wstring>& lines, int current, const wchar_t* accept = L"&Go there");
 
 }  // namespace workbench

@@ -60,7 +60,7 @@ int Segmentation_Services::Line_Ask(const std::string& title, const std::string&
     for (const std::string& line : lines) {
         shown.push_back(Wide_Of_Utf8(line));
     }
-    return List_Choice_Ask(wiring.owner(), Wide_Of_Utf8(title), Wide_Of_Utf8(label), shown, current);
+    return List_Choice_Ask(wiring.owner(), Wide_Of_Utf8(title), Wide_Of_Utf8(label), shown, current, L"&Choose");
 }
 
 std::optional<std::filesystem::path> Segmentation_Services::Label_File_Ask(const std::string& title) {

@@ -15,7 +15,7 @@ namespace workbench {
 
 namespace {
 
-constexpr const char* SAVE_TITLE = "Save as DICOM segmentation";
+constexpr const char* SAVE_TITLE = "Labels as a DICOM object";
 
 /** The name that is offered: beside the image, under its name. */
 std::filesystem::path Object_Path_Proposed(const std::filesystem::path& image, const std::string& title) {
@@ -122,7 +122,7 @@ void Label_Objects::Tag_Meaning_Ask() {
         if (now.type.value == code.type) {
             current = static_cast<int>(lines.size());
         }
-        lines.push_back(std::string(code.meaning) + " (" + code.category_meaning + ", SNOMED CT " + code.type + ")");
+        lines.push_back(std::string(code.meaning) + "   (SNOMED CT " + code.type + ")");
     }
     const int chosen = host.Line_Ask("Name by anatomy", "TAG " + std::to_string(tag) + " is:", lines, current);
     if (chosen >= 0) {

@@ -198,7 +198,7 @@ def labels_leave_and_come_back_as_a_segmentation_object(run):
     app.stroke((40, 45), (60, 45))
     painted = app.expect("work is unsaved", unsaved=1).count(2)
     app.menu("Save as DICOM segmentation")
-    app.answer("Save as DICOM segmentation", "Plain: every system reads it")
+    app.answer("Labels as a DICOM object", "Plain: every system reads it")
     app.choose_file("Save as DICOM segmentation", target)
     app.wait_said("status Segmentation object saved to seg.dcm")
     data = pydicom.dcmread(target)

@@ -234,7 +234,7 @@ TEST_F(Label_Objects_Test, shares_of_voxels_ask_for_a_threshold) {
 TEST_F(Label_Objects_Test, a_tag_is_named_from_the_table) {
     host.line_answer = 0;
     objects.Tag_Meaning_Ask();
-    EXPECT_THAT(host.lines[static_cast<std::size_t>(host.line_offered)], StartsWith("Liver ("));
+    EXPECT_THAT(host.lines[static_cast<std::size_t>(host.line_offered)], StartsWith("Liver  "));
     EXPECT_THAT(host.told, ElementsAre("name 2 Adrenal gland"));
     host.line_answer = -1;
     objects.Tag_Meaning_Ask();
