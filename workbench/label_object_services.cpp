@@ -37,6 +37,11 @@ std::string Label_Object_Services::Program_Version() const {
     return WORKBENCH_VERSION;
 }
 
+std::string Label_Object_Services::User_Name() const {
+    const wchar_t* const name = ::_wgetenv(L"USERNAME");
+    return name != nullptr ? Utf8_Of_Wide(name) : std::string();
+}
+
 std::optional<std::filesystem::path> Label_Object_Services::Object_File_Ask(const std::filesystem::path& start) {
     return Save_Ask(wiring.owner(), L"Save as DICOM segmentation",
                     L"DICOM segmentation objects (*.dcm)\0*.dcm\0All files\0*.*\0", start, L"dcm");

@@ -40,6 +40,7 @@ class Label_Object_Services : public Label_Object_Host {
     int Current_Tag() const override { return wiring.variables.Tag_Cur(); }
     void Tag_Name_Set(int tag, const std::string& name) override;
     std::string Program_Version() const override;
+    std::string User_Name() const override;
     std::optional<std::filesystem::path> Object_File_Ask(const std::filesystem::path& start) override;
     std::optional<std::string> Text_Ask(const std::string& title, const std::string& question,
                                         const std::string& start) override;

@@ -1,5 +1,5 @@
-// libFuzzer: any bytes as a DICOM file, alone and beside itself at another place of the same series, and as a segmentation
-// object of a small image. Whatever is read must be sound, and so must be what it is put together to.
+// libFuzzer: any bytes as a DICOM file, alone and beside itself at another place of the same series, and as a
+// segmentation object of a small image. Whatever is read must be sound, and so must be what it is put together to.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -54,6 +54,7 @@ Volume Segmented_Image() {
     image.nz = 7;
     image.nt = 1;
     image.spacing = {0.8, 1.1, 2.5};
+    image.affine_source = Affine_Source::Qform;
     image.affine = {{{-0.7878462024097664, 0.19101299543362338, 0.0, 31.5},
                      {-0.13891854213354424, -1.0832885283134289, 0.0, -12.25},
                      {0.0, 0.0, 2.5, 80.0}}};
@@ -62,7 +63,10 @@ Volume Segmented_Image() {
 
 void Segmentation_Check(std::span<const std::uint8_t> bytes) {
     static const Volume image = Segmented_Image();
-    const Segmentation_Result read = Dicom_Segmentation_Read(bytes, image, 0.5, Load_Limits{DECODED_MOST});
+    Segmentation_Result read = Dicom_Segmentation_Read(bytes, image, 0.5, Load_Limits{DECODED_MOST});
+    if (read.is_other_object) {
+        read = Dicom_Structure_Set_Read(bytes, image, Load_Limits{DECODED_MOST});
+    }
     Require(read.labels.has_value() == read.error.empty());
     if (read.labels) {
         Check(*read.labels);

@@ -63,10 +63,9 @@ bool Label_Objects::Is_Object_File(const std::filesystem::path& file) {
 }
 
 bool Label_Objects::Is_Image_File(const std::filesystem::path& file) const {
-    const volumes::Slice_Files slices = host.Slices();
-    return std::ranges::any_of(slices.file_of_slice, [&](std::int32_t one) {
+    return std::ranges::any_of(host.Slices().files, [&](const std::filesystem::path& one) {
         std::error_code unknown;
-        return std::filesystem::equivalent(slices.files[static_cast<std::size_t>(one)], file, unknown);
+        return std::filesystem::equivalent(one, file, unknown);
     });
 }
 
@@ -97,6 +96,7 @@ void Label_Objects::Object_Save() {
         content.segments.push_back(Segment_Of(tag));
     }
     content.program_version = host.Program_Version();
+    content.creator = host.User_Name();
     content.is_deflated = way == 1;
     std::string error;
     host.Run("Writing " + volumes::File_Name_Text(*path), [&](const volumes::Load_Progress& progress) {
@@ -148,6 +148,26 @@ std::optional<double> Label_Objects::Threshold_Ask() {
     return share;
 }
 
+bool Label_Objects::May_Load(const std::string& name, const volumes::Object_Owner& owner) {
+    const volumes::Slice_Files slices = host.Slices();
+    if (slices.file_of_slice.empty()) {
+        return true;
+    }
+    const volumes::Object_Owner of_image =
+        volumes::Object_Owner_Read(slices.files[static_cast<std::size_t>(slices.file_of_slice.front())]);
+    if (!owner.Is_Other(of_image)) {
+        return true;
+    }
+    const bool is_patient = owner.patient != of_image.patient && !owner.patient.empty() && !of_image.patient.empty();
+    const std::string what = is_patient ? "another patient (" + owner.patient + " instead of " + of_image.patient + ")"
+                                        : std::string("another frame of reference");
+    return host.Way_Ask("Labels of another image",
+                        name + " is of " + what +
+                            " than the image. Its places mean nothing here unless the images "
+                            "were brought onto one another.",
+                        {"&Cancel", "&Load all the same"}) == 1;
+}
+
 std::optional<Object_Labels> Label_Objects::Load(const std::filesystem::path& file) {
     const std::string name = volumes::File_Name_Text(file);
     if (!host.Work().Has_Volume()) {
@@ -183,6 +203,9 @@ std::optional<Object_Labels> Label_Objects::Load(const std::filesystem::path& fi
     }
     if (!read.labels) {
         host.Warn(name + ' ' + read.error + '.');
+        return std::nullopt;
+    }
+    if (!May_Load(name, read.owner)) {
         return std::nullopt;
     }
     for (const std::string& warning : read.warnings) {

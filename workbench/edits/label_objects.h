@@ -31,6 +31,8 @@ class Label_Object_Host {
     /** One step of the history. */
     virtual void Tag_Name_Set(int tag, const std::string& name) = 0;
     virtual std::string Program_Version() const = 0;
+    /** Who works; may be empty. */
+    virtual std::string User_Name() const = 0;
 
     virtual std::optional<std::filesystem::path> Object_File_Ask(const std::filesystem::path& start) = 0;
     /** @return what was entered; no value: given up */
@@ -71,7 +73,10 @@ class Label_Objects : public Object_Actions {
   private:
     /** @return no value: given up, or told what is wrong */
     std::optional<double> Threshold_Ask();
+    /** Of any volume that is open. */
     bool Is_Image_File(const std::filesystem::path& file) const;
+    /** An object of another patient is loaded only if the user says so. */
+    bool May_Load(const std::string& name, const volumes::Object_Owner& owner);
 
     Label_Object_Host& host;
 };

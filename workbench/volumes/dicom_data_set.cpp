@@ -14,6 +14,7 @@
 #include "dcmtk/dcmdata/dcvr.h"
 #include "dcmtk/oflog/oflog.h"
 #include "workbench/volumes/dicom_fields.h"
+#include "workbench/volumes/dicom_segmentation.h"
 #include "workbench/volumes/dicom_stream.h"
 #include "workbench/volumes/message_text.h"
 
@@ -119,6 +120,15 @@ bool Dicom_Has_Meta(std::span<const std::uint8_t> head) {
     constexpr std::array<std::uint8_t, 8> length = {2, 0, 0, 0, 'U', 'L', 4, 0};
     constexpr std::size_t at = DICOM_PREAMBLE_SIZE + MARK_SIZE;
     return head.size() >= at + length.size() && std::ranges::equal(head.subspan(at, length.size()), length);
+}
+
+Object_Owner Owner_Of(DcmItem& data_set) {
+    Object_Owner owner{Field_Utf8(data_set, DCM_PatientID), Field_Text(data_set, DCM_FrameOfReferenceUID)};
+    if (DcmItem* const referenced = Field_Item(data_set, DCM_ReferencedFrameOfReferenceSequence);
+        referenced != nullptr && owner.frame_of_reference.empty()) {
+        owner.frame_of_reference = Field_Text(*referenced, DCM_FrameOfReferenceUID);  // of a structure set
+    }
+    return owner;
 }
 
 void Data_Set_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmFileFormat& file,

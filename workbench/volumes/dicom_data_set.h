@@ -32,6 +32,10 @@ bool Dicom_Has_Mark(std::span<const std::uint8_t> head);
 /** Whether the elements that follow the mark are there, although the mark itself may not be. */
 bool Dicom_Has_Meta(std::span<const std::uint8_t> head);
 
+struct Object_Owner;
+/** Whose a data set is. */
+Object_Owner Owner_Of(DcmItem& data_set);
+
 /** Reads meta information and data set; throws Dicom_Refusal. Long values stay in `bytes` until they are asked for.
  *  @param most bytes of an inflated data set */
 void Data_Set_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmFileFormat& file,

@@ -5,6 +5,7 @@
 
 #include "dcmtk/dcmdata/dcdeftag.h"
 #include "dcmtk/dcmdata/dcelem.h"
+#include "dcmtk/dcmdata/dcsequen.h"
 #include "dcmtk/ofstd/ofstd.h"
 #include "workbench/volumes/dicom_text.h"
 
@@ -48,6 +49,20 @@ std::optional<std::int32_t> Field_Integer(DcmItem& item, const DcmTagKey& tag, u
 DcmItem* Field_Item(DcmItem& item, const DcmTagKey& tag, unsigned long position) {
     DcmItem* found = nullptr;
     return item.findAndGetSequenceItem(tag, found, static_cast<signed long>(position)).good() ? found : nullptr;
+}
+
+std::vector<DcmItem*> Field_Items(DcmItem& item, const DcmTagKey& tag) {
+    DcmSequenceOfItems* sequence = nullptr;
+    std::vector<DcmItem*> items;
+    if (item.findAndGetSequence(tag, sequence).good() && sequence != nullptr) {
+        items.reserve(sequence->card());
+        for (DcmObject* at = sequence->nextInContainer(nullptr); at != nullptr; at = sequence->nextInContainer(at)) {
+            if (auto* const one = dynamic_cast<DcmItem*>(at)) {
+                items.push_back(one);
+            }
+        }
+    }
+    return items;
 }
 
 std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag, unsigned long position) {

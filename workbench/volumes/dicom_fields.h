@@ -4,6 +4,7 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "dcmtk/config/osconfig.h"
 #include "dcmtk/dcmdata/dcitem.h"
@@ -31,6 +32,8 @@ std::optional<std::array<double, Count>> Field_Numbers(DcmItem& item, const DcmT
 }
 /** An item of a sequence; null when there is none. */
 DcmItem* Field_Item(DcmItem& item, const DcmTagKey& tag, unsigned long position = 0);
+/** All items of a sequence, in order; asking for each by its number takes time that grows with the square of them. */
+std::vector<DcmItem*> Field_Items(DcmItem& item, const DcmTagKey& tag);
 /** Text of the item's character sets as UTF-8 without blanks around it (see dicom_text.h).
  *  @param position of several values */
 std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag, unsigned long position = 0);

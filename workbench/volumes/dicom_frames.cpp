@@ -236,10 +236,12 @@ class Planner {
     Planner(DcmItem& read_set, std::uint16_t image_modality, const Frame_Size& frame_size)
         : data_set(read_set), modality(image_modality), size(frame_size) {}
     Frame_Plan Make();
+    /** What the frames say, without a plan. */
+    Frame_Plan Read();
 
   private:
     void Frames_Read();
-    void Frame_Read(std::size_t frame, DcmItem* shared);
+    void Frame_Read(Frame_Facts& facts, DcmItem* own, DcmItem* shared);
     void Detector_Read(Frame_Facts& common);
     void Real_World_Note(DcmItem* item, Frame_Facts& facts);
     void Real_World_Tell();
@@ -289,8 +291,9 @@ void Planner::Frames_Read() {
     }
     DcmItem* const shared = Field_Item(data_set, DCM_SharedFunctionalGroupsSequence);
     plan.facts.assign(static_cast<std::size_t>(size.frame_nb), common);
+    const std::vector<DcmItem*> own = Field_Items(data_set, DCM_PerFrameFunctionalGroupsSequence);
     for (std::size_t frame = 0; frame < plan.facts.size(); ++frame) {
-        Frame_Read(frame, shared);
+        Frame_Read(plan.facts[frame], frame < own.size() ? own[frame] : nullptr, shared);
         Real_World_Note(&data_set, plan.facts[frame]);
     }
     Real_World_Tell();
@@ -315,9 +318,7 @@ void Planner::Real_World_Tell() {
     }
 }
 
-void Planner::Frame_Read(std::size_t frame, DcmItem* shared) {
-    Frame_Facts& facts = plan.facts[frame];
-    DcmItem* const own = Field_Item(data_set, DCM_PerFrameFunctionalGroupsSequence, static_cast<unsigned long>(frame));
+void Planner::Frame_Read(Frame_Facts& facts, DcmItem* own, DcmItem* shared) {
     if (own == nullptr && shared == nullptr) {
         return;
     }
@@ -550,6 +551,12 @@ std::string Pixel_Source_Text(Pixel_Source source) {
     }
 }
 
+Frame_Plan Planner::Read() {
+    Frames_Read();
+    plan.is_size_known = pixel_source == Pixel_Source::Patient || pixel_source == Pixel_Source::Region;
+    return std::move(plan);
+}
+
 Frame_Plan Planner::Make() {
     Frames_Read();
     Vectors_Read();
@@ -565,6 +572,10 @@ Frame_Plan Planner::Make() {
 
 Frame_Plan Frames_Plan(DcmItem& data_set, std::uint16_t modality, const Frame_Size& size) {
     return Planner(data_set, modality, size).Make();
+}
+
+Frame_Plan Frames_Read(DcmItem& data_set, const Frame_Size& size) {
+    return Planner(data_set, 0, size).Read();
 }
 
 }  // namespace volumes

@@ -55,4 +55,7 @@ struct Frame_Size {
 /** @param modality two letters, the first in the high byte */
 Frame_Plan Frames_Plan(DcmItem& data_set, std::uint16_t modality, const Frame_Size& size);
 
+/** The facts alone, and whether the size of a pixel is known: no stacks. */
+Frame_Plan Frames_Read(DcmItem& data_set, const Frame_Size& size);
+
 }  // namespace volumes

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <span>
 #include <string>
@@ -29,12 +30,28 @@ struct Segment {
     Coded_Concept type;                  ///< "White matter"
 };
 
-/** Shares of a voxel need a threshold: from which share on it is of the segment. */
+/** Whose images an object belongs to, or an image is. Empty: it does not say. */
+struct Object_Owner {
+    std::string patient;             ///< number, not name
+    std::string frame_of_reference;  ///< unique identifier
+    /** Whether both say something, and not the same. */
+    bool Is_Other(const Object_Owner& than) const {
+        const auto differs = [](const std::string& a, const std::string& b) {
+            return !a.empty() && !b.empty() && a != b;
+        };
+        return differs(patient, than.patient) || differs(frame_of_reference, than.frame_of_reference);
+    }
+};
+
+/** Of a file; says nothing when the file is no DICOM file or cannot be read. Never throws. */
+Object_Owner Object_Owner_Read(const std::filesystem::path& file) noexcept;
+
 struct Segmentation_Result {
     /** Levels are TAG numbers, 0 is background. On the voxels of the image where the object's frames lie on them,
      *  whatever their order; else on the object's own. No value: see the other members. */
     std::optional<Volume> labels;
     std::vector<Segment> segments;
+    Object_Owner owner;
     bool is_on_image = false;           ///< `labels` has the image's voxels
     bool needs_threshold = false;       ///< it holds shares, and no threshold was given: ask, and read it again
     std::string error;                  ///< to follow the file's name: "is no segmentation object"; empty on success

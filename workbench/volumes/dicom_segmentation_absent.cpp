@@ -26,6 +26,10 @@ std::string Dicom_Segmentation_Write(const std::filesystem::path& /*path*/, cons
     return "This program was built without DICOM.";
 }
 
+Object_Owner Object_Owner_Read(const std::filesystem::path& /*file*/) noexcept {
+    return {};
+}
+
 std::string Tag_Description_Text(int tag) {
     return "TAG " + std::to_string(tag);
 }

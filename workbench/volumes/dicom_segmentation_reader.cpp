@@ -82,12 +82,14 @@ class Segmentation_Reader {
     void Segments_Read();
     void Tags_Give(const std::vector<std::string>& descriptions);
     void Format_Read();
-    std::int32_t Segment_Of_Frame(std::int32_t frame);
+    std::int32_t Segment_Of_Frame(std::int32_t frame, DcmItem* own, DcmItem* shared);
     void Frames_Read();
     Placed_Picture Picture_Of(std::int32_t frame) const;
+    bool Is_Coarser(const std::map<std::array<std::int32_t, 3>, double>& depth_of) const;
     bool On_Image();
     void On_Own_Grid();
-    double Own_Distance(const std::vector<double>& depths, const std::array<double, 3>& spacing) const;
+    bool Is_Distance_Told();
+    double Own_Distance(const std::vector<double>& depths, const std::array<double, 3>& spacing);
     void Labels_Begin(const Volume& like);
     void Labels_Fill();
     /** Gives voxels to a TAG, or to those of a label map. */
@@ -141,11 +143,7 @@ void Segmentation_Reader::Kind_Read() {
 void Segmentation_Reader::Segments_Read() {
     std::vector<std::string> descriptions;
     std::vector<std::int32_t> numbers;
-    for (unsigned long at = 0;; ++at) {
-        DcmItem* const item = Field_Item(Data_Set(), DCM_SegmentSequence, at);
-        if (item == nullptr) {
-            break;
-        }
+    for (DcmItem* const item : Field_Items(Data_Set(), DCM_SegmentSequence)) {
         // A label map may describe its background.
         const std::optional<std::int32_t> number = Field_Integer(*item, DCM_SegmentNumber);
         if (kind == Kind::Label_Map && number == 0) {
@@ -165,6 +163,9 @@ void Segmentation_Reader::Segments_Read() {
         if (one.label.empty()) {
             one.label = one.type.meaning;
         }
+        if (numbers.size() == static_cast<std::size_t>(TAG_MOST)) {
+            throw Dicom_Refusal{"has more than " + std::to_string(TAG_MOST) + " segments, as there are TAGs"};
+        }
         if (std::ranges::find(numbers, *number) != numbers.end()) {
             throw Dicom_Refusal{"has two segments of the number " + std::to_string(*number)};
         }
@@ -174,10 +175,6 @@ void Segmentation_Reader::Segments_Read() {
     }
     if (numbers.empty()) {
         throw Dicom_Refusal{"describes no segment"};
-    }
-    if (numbers.size() > static_cast<std::size_t>(TAG_MOST)) {
-        throw Dicom_Refusal{"has " + Count_Text(numbers.size()) + " segments; there are " + std::to_string(TAG_MOST) +
-                            " TAGs"};
     }
     for (std::size_t at = 0; at < numbers.size(); ++at) {
         result.segments[at].tag = numbers[at];
@@ -203,6 +200,10 @@ void Segmentation_Reader::Tags_Give(const std::vector<std::string>& descriptions
         int& tag = result.segments[at].tag;
         tag = is_told ? told[at] : is_number ? tag : next++;
     }
+    if (!is_told && !is_number) {
+        result.warnings.push_back("numbers its segments beyond " + std::to_string(TAG_MOST) +
+                                  ": they became TAGs 1 to " + std::to_string(next - 1));
+    }
 }
 
 void Segmentation_Reader::Format_Read() {
@@ -222,18 +223,26 @@ void Segmentation_Reader::Format_Read() {
     format.bits_allocated = bits == 1 ? 8 : bits;
     format.bits_stored = bits;
     format.high_bit = bits - 1;
+    const std::uint64_t frame_room = static_cast<std::uint64_t>(format.width) *
+                                     static_cast<std::uint64_t>(format.height) * (sizeof(std::int64_t) + 1);
+    if (frame_room > limits.decoded_bytes) {
+        throw Dicom_Refusal{"needs more memory than the limit of " + Size_Text(limits.decoded_bytes)};
+    }
+    // A number that is nearly another one is another segment.
+    const E_TransferSyntax syntax = Data_Set().getOriginalXfer();
+    const bool is_lossy = syntax == EXS_JPEGProcess1 || syntax == EXS_JPEGProcess2_4 || syntax == EXS_JPEGLSLossy;
+    if (is_lossy && kind != Kind::Shares) {
+        throw Dicom_Refusal{"is compressed with losses, so that its segments cannot be told"};
+    }
     if (kind == Kind::Shares) {
-        share_whole = Field_Integer(Data_Set(), DCM_MaximumFractionalValue).value_or(TAG_MOST);
+        share_whole = Field_Integer(Data_Set(), DCM_MaximumFractionalValue).value_or(0);
         if (share_whole < 1 || share_whole > TAG_MOST) {
             throw Dicom_Refusal{"does not say which value is a whole voxel"};
         }
     }
 }
 
-std::int32_t Segmentation_Reader::Segment_Of_Frame(std::int32_t frame) {
-    DcmItem* const own =
-        Field_Item(Data_Set(), DCM_PerFrameFunctionalGroupsSequence, static_cast<unsigned long>(frame));
-    DcmItem* const shared = Field_Item(Data_Set(), DCM_SharedFunctionalGroupsSequence);
+std::int32_t Segmentation_Reader::Segment_Of_Frame(std::int32_t frame, DcmItem* own, DcmItem* shared) {
     for (DcmItem* const group : {own, shared}) {
         DcmItem* const named = group != nullptr ? Field_Item(*group, DCM_SegmentIdentificationSequence) : nullptr;
         const auto number = named != nullptr ? Field_Integer(*named, DCM_ReferencedSegmentNumber) : std::nullopt;
@@ -260,12 +269,18 @@ void Segmentation_Reader::Frames_Read() {
     const std::int32_t frame_nb = stored->Open(told, format);
     stored->Length_Check();
     constexpr double largest = 65535;
-    plan = Frames_Plan(Data_Set(), 0, {format.width, format.height, frame_nb, 0, largest});
+    plan = volumes::Frames_Read(Data_Set(), {format.width, format.height, frame_nb, 0, largest});
+    if (!plan.is_size_known) {
+        throw Dicom_Refusal{"does not say how large its pixels are"};
+    }
+    const std::vector<DcmItem*> own = Field_Items(Data_Set(), DCM_PerFrameFunctionalGroupsSequence);
+    DcmItem* const shared = Field_Item(Data_Set(), DCM_SharedFunctionalGroupsSequence);
     frames.resize(static_cast<std::size_t>(frame_nb));
     for (std::int32_t at = 0; at < frame_nb; ++at) {
         Frame& frame = frames[static_cast<std::size_t>(at)];
         frame.number = at;
-        frame.segment = kind == Kind::Label_Map ? 0 : Segment_Of_Frame(at);
+        DcmItem* const group = static_cast<std::size_t>(at) < own.size() ? own[static_cast<std::size_t>(at)] : nullptr;
+        frame.segment = kind == Kind::Label_Map ? 0 : Segment_Of_Frame(at, group, shared);
         if (!plan.facts[static_cast<std::size_t>(at)].place.is_known) {
             throw Dicom_Refusal{"does not say where frame " + std::to_string(at + 1) + " lies in the patient"};
         }
@@ -277,6 +292,34 @@ void Segmentation_Reader::Frames_Read() {
 Placed_Picture Segmentation_Reader::Picture_Of(std::int32_t frame) const {
     const Frame_Facts& facts = plan.facts[static_cast<std::size_t>(frame)];
     return {facts.place, {facts.spacing[0], facts.spacing[1]}, {format.width, format.height}};
+}
+
+// Its frames lie on slices of the image, but stand for thicker ones: those between must not stay empty.
+bool Segmentation_Reader::Is_Coarser(const std::map<std::array<std::int32_t, 3>, double>& depth_of) const {
+    if (depth_of.size() < 2) {
+        return false;
+    }
+    std::vector<double> depths;
+    for (const auto& [origin, depth] : depth_of) {
+        depths.push_back(depth);
+    }
+    std::ranges::sort(depths);
+    double gap = depths.back() - depths.front();
+    for (std::size_t at = 1; at < depths.size(); ++at) {
+        gap = std::min(gap, depths[at] - depths[at - 1]);
+    }
+    const std::array<double, 3> normal = Slice_Normal(Picture_Of(frames.front().number).place);
+    double step = 0.0;  // mm from slice to slice of the image
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        double along = 0.0;
+        for (std::size_t row = 0; row < 3; ++row) {
+            along += image.affine[row][axis] * normal[row] * (row < 2 ? -1.0 : 1.0);
+        }
+        step = std::max(step, std::abs(along));
+    }
+    constexpr double coarser = 1.5;
+    const double told = plan.facts[static_cast<std::size_t>(frames.front().number)].spacing[2];
+    return gap > coarser * step && told > coarser * step;
 }
 
 bool Segmentation_Reader::On_Image() {
@@ -298,6 +341,9 @@ bool Segmentation_Reader::On_Image() {
             return false;
         }
     }
+    if (Is_Coarser(depth_of)) {
+        return false;
+    }
     constexpr double told_above = 0.1;
     if (off > told_above) {
         result.warnings.push_back("has frames that lie up to " + Amount_Text(off) +
@@ -308,15 +354,21 @@ bool Segmentation_Reader::On_Image() {
     return true;
 }
 
-double Segmentation_Reader::Own_Distance(const std::vector<double>& depths,
-                                         const std::array<double, 3>& spacing) const {
+bool Segmentation_Reader::Is_Distance_Told() {
+    DcmItem* const shared = Field_Item(Data_Set(), DCM_SharedFunctionalGroupsSequence);
+    DcmItem* const measures = shared != nullptr ? Field_Item(*shared, DCM_PixelMeasuresSequence) : nullptr;
+    return measures != nullptr && Field_Number(*measures, DCM_SpacingBetweenSlices).has_value();
+}
+
+double Segmentation_Reader::Own_Distance(const std::vector<double>& depths, const std::array<double, 3>& spacing) {
     if (depths.size() < 2) {
         return spacing[2];
     }
     std::vector<double> gaps(depths.size());
     std::adjacent_difference(depths.begin(), depths.end(), gaps.begin());
     gaps.erase(gaps.begin());
-    for (const double distance : {spacing[2], std::ranges::min(gaps)}) {
+    const double least = std::ranges::min(gaps);
+    for (const double distance : {Is_Distance_Told() ? spacing[2] : least, least}) {
         constexpr double off_most = 0.05;  // of the distance
         const bool is_even = std::ranges::all_of(gaps, [&](double gap) {
             const double steps = std::round(gap / distance);
@@ -442,6 +494,9 @@ void Segmentation_Reader::Labels_Fill() {
         Frame_Decode(format, room.bytes, none, values);
         Frame_Lay(frames[at], values);
     }
+    if (outside_nb > 0 && std::ranges::all_of(result.labels->levels, [](std::int32_t level) { return level == 0; })) {
+        throw Dicom_Refusal{"lies wholly beyond the image"};
+    }
     const auto [lowest, highest] = std::ranges::minmax(result.labels->levels);
     result.labels->level_min = lowest;
     result.labels->level_max = highest;
@@ -468,6 +523,10 @@ void Segmentation_Reader::Warnings_Tell() {
 Segmentation_Result Segmentation_Reader::Read() {
     Data_Set_Read(bytes, limits.decoded_bytes, file, source);
     result.warnings = source.warnings;
+    if (image.affine_source == Affine_Source::Spacing || image.affine_source == Affine_Source::Chosen) {
+        throw Dicom_Refusal{"cannot be laid on the image, whose file does not say where it lies in the patient"};
+    }
+    result.owner = Owner_Of(Data_Set());
     Kind_Read();
     if (result.is_other_object) {
         return std::move(result);
@@ -499,20 +558,22 @@ Segmentation_Result Dicom_Segmentation_Read(std::span<const std::uint8_t> file, 
                                             const Load_Progress& progress) noexcept {
     Segmentation_Result failed;
     try {
-        if (!Dicom_Is_Likely(file)) {
-            failed.error = "is no DICOM file";
-            return failed;
+        try {
+            if (!Dicom_Is_Likely(file)) {
+                failed.error = "is no DICOM file";
+                return failed;
+            }
+            return Segmentation_Reader(file, image, threshold, limits, progress).Read();
+        } catch (const Dicom_Refusal& refusal) {
+            failed.error = refusal.text;
+        } catch (const Given_Up&) {
+            failed.is_cancelled = true;
+            failed.error = "was given up";
+        } catch (const std::bad_alloc&) {
+            failed.error = "needs more memory than there is";
         }
-        return Segmentation_Reader(file, image, threshold, limits, progress).Read();
-    } catch (const Dicom_Refusal& refusal) {
-        failed.error = refusal.text;
-    } catch (const Given_Up&) {
-        failed.is_cancelled = true;
-        failed.error = "was given up";
-    } catch (const std::bad_alloc&) {
-        failed.error = "needs more memory than there is";
     } catch (...) {
-        failed.error = "cannot be read";
+        failed.error = "cannot be read";  // short enough to need no memory
     }
     return failed;
 }

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdio>
+#include <ctime>
 #include <exception>
 #include <limits>
 #include <map>
@@ -100,22 +100,26 @@ std::string Letters_First(std::string text, std::size_t most) {
 }
 
 struct Moment_Text {
-    std::string date;  ///< UTC
+    std::string date;
     std::string time;
 };
+/** Local time, as the dates and times of the images that the object repeats. */
 Moment_Text Now_Text() {
-    using namespace std::chrono;
-    const auto now = floor<seconds>(system_clock::now());
-    const auto day = floor<days>(now);
-    const year_month_day date(day);
-    const hh_mm_ss time(now - day);
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%04d%02u%02u", static_cast<int>(date.year()),
-                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
-    Moment_Text moment{text.data(), {}};
-    std::snprintf(text.data(), text.size(), "%02d%02d%02d", static_cast<int>(time.hours().count()),
-                  static_cast<int>(time.minutes().count()), static_cast<int>(time.seconds().count()));
-    moment.time = text.data();
+    const std::time_t now = std::time(nullptr);
+    std::tm parts = {};
+#if defined(_WIN32)
+    localtime_s(&parts, &now);
+#else
+    localtime_r(&now, &parts);
+#endif
+    std::array<char, 16> text{};
+    Moment_Text moment;
+    if (std::strftime(text.data(), text.size(), "%Y%m%d", &parts) > 0) {
+        moment.date = text.data();
+    }
+    if (std::strftime(text.data(), text.size(), "%H%M%S", &parts) > 0) {
+        moment.time = text.data();
+    }
     return moment;
 }
 
@@ -217,7 +221,6 @@ class Object_Maker {
                                LONG_STRING_MOST));
         Text_Put(data_set, DCM_SeriesDate, now.date);
         Text_Put(data_set, DCM_SeriesTime, now.time);
-        Text_Put(data_set, DCM_TimezoneOffsetFromUTC, "+0000");
         Text_Put(data_set, DCM_Manufacturer, "Kit_Panels");
         Text_Put(data_set, DCM_ManufacturerModelName, PROGRAM);
         Text_Put(data_set, DCM_DeviceSerialNumber, "0");
@@ -243,7 +246,13 @@ class Object_Maker {
         Number_Put(data_set, DCM_BitsStored, 1);
         Number_Put(data_set, DCM_HighBit, 0);
         Number_Put(data_set, DCM_PixelRepresentation, 0);
-        Text_Put(data_set, DCM_LossyImageCompression, "00");
+        Text_Put(data_set, DCM_LossyImageCompression, source.is_lossy ? "01" : "00");
+        if (source.is_lossy && !source.lossy_ratio.empty()) {
+            Text_Put(data_set, DCM_LossyImageCompressionRatio, source.lossy_ratio);
+        }
+        if (source.is_lossy && !source.lossy_method.empty()) {
+            Text_Put(data_set, DCM_LossyImageCompressionMethod, source.lossy_method);
+        }
         Text_Put(data_set, DCM_SegmentationType, "BINARY");
         Text_Put(data_set, DCM_SegmentsOverlap, "NO");
         Text_Put(data_set, DCM_NumberOfFrames, std::to_string(frames.size()));
@@ -315,7 +324,7 @@ class Object_Maker {
         DcmItem& image_item = Item_New(derivation, DCM_SourceImageSequence);
         Text_Put(image_item, DCM_ReferencedSOPClassUID, from.kind);
         Text_Put(image_item, DCM_ReferencedSOPInstanceUID, from.instance);
-        if (from.places.size() > 1) {
+        if (slice.is_frame_told) {
             Text_Put(image_item, DCM_ReferencedFrameNumber, std::to_string(slice.frame + 1));
         }
         Concept_Put(image_item, DCM_PurposeOfReferenceCodeSequence,

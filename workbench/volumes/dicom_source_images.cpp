@@ -112,6 +112,11 @@ class Images_Reader {
         if (size.width != image.nx || size.height != image.ny) {
             throw Refusal_Of(path, "has another size than when it was opened");
         }
+        if (Field_Text(data_set, DCM_LossyImageCompression) == "01") {
+            read.is_lossy = true;
+            read.lossy_ratio = Field_Text(data_set, DCM_LossyImageCompressionRatio);
+            read.lossy_method = Field_Text(data_set, DCM_LossyImageCompressionMethod);
+        }
         const Frame_Plan plan = Frames_Plan(data_set, 0, size);
         for (const Frame_Facts& facts : plan.facts) {
             one.places.push_back(facts.place);
@@ -146,6 +151,7 @@ class Images_Reader {
         const double most = image.nz > 1 ? 0.5 * image.spacing[2] + 1e-3 : 1e-3;
         std::optional<std::int32_t> nearest;
         double least = most;
+        bool is_several = false;
         for (std::size_t frame = 0; frame < source.places.size(); ++frame) {
             const Slice_Place& place = source.places[frame];
             if (!place.is_known) {
@@ -153,15 +159,21 @@ class Images_Reader {
             }
             const double off =
                 std::hypot(place.corner[0] - corner[0], place.corner[1] - corner[1], place.corner[2] - corner[2]);
-            if (off <= least) {
+            constexpr double same_place = 1e-3;  // mm
+            if (nearest && std::abs(off - least) < same_place) {
+                is_several = true;  // at other times
+            } else if (off <= least) {
                 least = off;
                 nearest = static_cast<std::int32_t>(frame);
+                is_several = false;
             }
         }
         if (!nearest || !Has_Directions(source.places[static_cast<std::size_t>(*nearest)])) {
-            throw Refusal_Of(path, "lies elsewhere than when it was opened");
+            throw Refusal_Of(
+                path, "does not lie where the volume has its slice; a segmentation object could not refer to it");
         }
-        read.slices.push_back({at, *nearest, source.places[static_cast<std::size_t>(*nearest)].corner});
+        read.slices.push_back({at, *nearest, !is_several && source.places.size() > 1,
+                               source.places[static_cast<std::size_t>(*nearest)].corner});
     }
 
     bool Has_Directions(const Slice_Place& place) const {
@@ -187,6 +199,18 @@ class Images_Reader {
 
 Source_Images Source_Images_Read(const Volume& image, const Slice_Files& slices, const Load_Progress& progress) {
     return Images_Reader(image, slices, progress).Read();
+}
+
+Object_Owner Object_Owner_Read(const std::filesystem::path& file) noexcept {
+    try {
+        const std::vector<std::uint8_t> bytes = Bytes_Of(file);
+        Data_Set_Source source;
+        DcmFileFormat format;
+        Data_Set_Read(bytes, FILE_MOST, format, source);
+        return Owner_Of(*format.getDataset());
+    } catch (...) {
+        return {};
+    }
 }
 
 }  // namespace volumes

@@ -23,8 +23,9 @@ struct Source_Image {
 
 /** The frame that a slice is. */
 struct Source_Slice {
-    std::size_t image = 0;   ///< index into Source_Images::images
-    std::int32_t frame = 0;  ///< from 0
+    std::size_t image = 0;       ///< index into Source_Images::images
+    std::int32_t frame = 0;      ///< from 0
+    bool is_frame_told = false;  ///< the file has several frames, and this one alone lies there
     std::array<double, 3> corner{};
 };
 
@@ -38,6 +39,9 @@ struct Source_Images {
     std::vector<Source_Image> images;
     std::vector<Source_Slice> slices;      ///< of the volume, by z
     std::vector<Repeated_Field> repeated;  ///< patient and study, of the first image
+    bool is_lossy = false;                 ///< an image was compressed with losses
+    std::string lossy_ratio;
+    std::string lossy_method;
     std::string series_text;
     std::int32_t series_number = 0;
 };

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <map>
 #include <new>
 #include <set>
@@ -75,18 +76,18 @@ class Structure_Reader {
             result.error = "is neither a segmentation object nor a structure set";
             return std::move(result);
         }
-        if (!to_voxels.Is_Usable()) {
-            throw Dicom_Refusal{"cannot be laid on the image: it is not known where its voxels lie"};
+        if (!to_voxels.Is_Usable() || image.affine_source == Affine_Source::Spacing ||
+            image.affine_source == Affine_Source::Chosen) {
+            throw Dicom_Refusal{"cannot be laid on the image, whose file does not say where it lies in the patient"};
         }
+        result.owner = Owner_Of(data_set);
         Regions_Read(data_set);
         Labels_Begin();
-        unsigned long at = 0;
-        for (DcmItem* region = Field_Item(data_set, DCM_ROIContourSequence); region != nullptr;
-             region = Field_Item(data_set, DCM_ROIContourSequence, ++at)) {
-            if (progress && !progress(static_cast<double>(at) / static_cast<double>(regions.size() + at))) {
-                throw Given_Up();
-            }
-            Region_Fill(*region);
+        const std::vector<DcmItem*> contoured = Field_Items(data_set, DCM_ROIContourSequence);
+        for (std::size_t at = 0; at < contoured.size(); ++at) {
+            done = static_cast<double>(at) / static_cast<double>(contoured.size());
+            share = 1.0 / static_cast<double>(contoured.size());
+            Region_Fill(*contoured[at]);
         }
         Finish();
         return std::move(result);
@@ -94,10 +95,8 @@ class Structure_Reader {
 
   private:
     void Regions_Read(DcmItem& data_set) {
-        unsigned long at = 0;
         bool is_number = true;
-        for (DcmItem* item = Field_Item(data_set, DCM_StructureSetROISequence); item != nullptr;
-             item = Field_Item(data_set, DCM_StructureSetROISequence, ++at)) {
+        for (DcmItem* const item : Field_Items(data_set, DCM_StructureSetROISequence)) {
             const std::optional<std::int32_t> number = Field_Integer(*item, DCM_ROINumber);
             if (!number || regions.contains(*number)) {
                 throw Dicom_Refusal{"has a region without a number of its own"};
@@ -118,6 +117,10 @@ class Structure_Reader {
         }
         for (std::size_t one = 0; one < result.segments.size() && !is_number; ++one) {
             result.segments[one].tag = static_cast<int>(one) + 1;
+        }
+        if (!is_number) {
+            result.warnings.push_back("numbers its regions otherwise than TAGs: they became TAGs 1 to " +
+                                      std::to_string(regions.size()));
         }
     }
 
@@ -151,13 +154,43 @@ class Structure_Reader {
                 segment.color = *segment.color << 8U | static_cast<std::uint32_t>(std::clamp(part, 0.0, 255.0));
             }
         }
-        std::map<std::int32_t, std::vector<std::uint8_t>> masks;  // by slice
-        unsigned long at = 0;
-        for (DcmItem* contour = Field_Item(region, DCM_ContourSequence); contour != nullptr;
-             contour = Field_Item(region, DCM_ContourSequence, ++at)) {
-            Contour_Toggle(*contour, masks);
+        std::map<double, std::vector<std::vector<Picture_Point>>> planes;  // contours by depth, in slices of the image
+        const std::vector<DcmItem*> contours = Field_Items(region, DCM_ContourSequence);
+        for (std::size_t at = 0; at < contours.size(); ++at) {
+            if (progress && !progress(done + share * static_cast<double>(at) / static_cast<double>(contours.size()))) {
+                throw Given_Up();
+            }
+            Contour_Read(*contours[at], planes);
         }
-        for (const auto& [z, mask] : masks) {
+        Planes_Fill(planes, segment);
+    }
+
+    // What is drawn on several planes of one slice is drawn several times: the nearest plane counts.
+    void Planes_Fill(const std::map<double, std::vector<std::vector<Picture_Point>>>& planes, const Segment& segment) {
+        std::map<std::int32_t, double> nearest;  // by slice: depth of the plane
+        for (const auto& [depth, contours] : planes) {
+            const double slice = std::round(depth);
+            const auto [known, is_new] = nearest.emplace(static_cast<std::int32_t>(slice), depth);
+            if (!is_new && std::abs(depth - slice) < std::abs(known->second - slice)) {
+                known->second = depth;
+            }
+        }
+        constexpr double same_plane = 0.02;  // slices
+        for (const auto& [depth, contours] : planes) {
+            const double slice = std::round(depth);
+            if (std::abs(depth - nearest.at(static_cast<std::int32_t>(slice))) > same_plane) {
+                between_nb += contours.size();
+            }
+            off_most = std::max(off_most, std::abs(nearest.at(static_cast<std::int32_t>(slice)) - slice));
+        }
+        for (const auto& [z, depth] : nearest) {
+            std::vector<std::uint8_t> mask(static_cast<std::size_t>(image.nx) * static_cast<std::size_t>(image.ny));
+            for (auto plane = planes.lower_bound(depth - same_plane);
+                 plane != planes.end() && plane->first <= depth + same_plane; ++plane) {
+                for (const std::vector<Picture_Point>& points : plane->second) {
+                    Polygon_Toggle(points, image.nx, image.ny, mask);
+                }
+            }
             std::int32_t* const levels = &result.labels->levels[image.Index(0, 0, z)];
             for (std::size_t pixel = 0; pixel < mask.size(); ++pixel) {
                 if (mask[pixel] != 0) {
@@ -166,16 +199,28 @@ class Structure_Reader {
                 }
             }
         }
+        Gaps_Note(nearest);
     }
 
-    void Contour_Toggle(DcmItem& contour, std::map<std::int32_t, std::vector<std::uint8_t>>& masks) {
+    /** Notes whether the planes leave slices out all the way. */
+    void Gaps_Note(const std::map<std::int32_t, double>& slices) {
+        std::int32_t least = image.nz;
+        for (auto at = slices.begin(); at != slices.end() && std::next(at) != slices.end(); ++at) {
+            least = std::min(least, std::next(at)->first - at->first);
+        }
+        sparse_nb += slices.size() > 1 && least > 1 ? 1 : 0;
+    }
+
+    void Contour_Read(DcmItem& contour, std::map<double, std::vector<std::vector<Picture_Point>>>& planes) {
         const std::string kind = Field_Text(contour, DCM_ContourGeometricType);
-        const std::vector<double> numbers = Numbers_Of(contour, DCM_ContourData);
         if (!kind.starts_with("CLOSED")) {
             ++open_nb;  // points and open lines enclose nothing
             return;
         }
-        if (numbers.size() % 3 != 0 || numbers.size() < 9) {
+        const std::vector<double> numbers = Numbers_Of(contour, DCM_ContourData);
+        constexpr double coordinate_most = 1e6;  // mm: anything further away is a mistake
+        if (numbers.size() % 3 != 0 || numbers.size() < 9 ||
+            std::ranges::any_of(numbers, [](double number) { return std::abs(number) > coordinate_most; })) {
             ++unusable_nb;
             return;
         }
@@ -192,20 +237,18 @@ class Structure_Reader {
             lowest = at == 0 ? voxel[2] : std::min(lowest, voxel[2]);
             highest = at == 0 ? voxel[2] : std::max(highest, voxel[2]);
         }
-        const double z = std::round((lowest + highest) / 2.0);
         constexpr double tilt_most = 0.5;  // slices
         if (!(highest - lowest <= tilt_most)) {
             ++tilted_nb;
             return;
         }
-        if (!(z >= 0.0 && z < image.nz)) {
+        const double depth = (lowest + highest) / 2.0;
+        if (!(std::round(depth) >= 0.0 && std::round(depth) < image.nz)) {
             ++outside_nb;
             return;
         }
         cut_nb += is_beyond ? 1 : 0;
-        std::vector<std::uint8_t>& mask = masks[static_cast<std::int32_t>(z)];
-        mask.resize(static_cast<std::size_t>(image.nx) * static_cast<std::size_t>(image.ny));
-        Polygon_Toggle(points, image.nx, image.ny, mask);
+        planes[depth].push_back(std::move(points));
     }
 
     // Contract: nothing of a person's contours is left out or decided without a word.
@@ -220,9 +263,23 @@ class Structure_Reader {
         tell(tilted_nb, " across the slices of the image; left out");
         tell(outside_nb, " beyond the image's slices; left out");
         tell(cut_nb, " reaching beyond the image; cut off there");
+        tell(between_nb, " between the slices of the image, beside others that are nearer; left out");
+        constexpr double told_above = 0.1;
+        if (off_most > told_above) {
+            result.warnings.push_back("has contours that lie up to " + Amount_Text(off_most) +
+                                      " slices beside those of the image; each is on the nearest");
+        }
+        if (sparse_nb > 0) {
+            result.warnings.push_back("has " + Count_Text(sparse_nb) + (sparse_nb == 1 ? " region" : " regions") +
+                                      " without contours on every slice; those between stay empty");
+        }
         if (overlapping_nb > 0) {
             result.warnings.push_back("has regions that overlap: " + Count_Text(overlapping_nb) +
                                       (overlapping_nb == 1 ? " voxel" : " voxels") + " went to the later region");
+        }
+        if (outside_nb + cut_nb > 0 &&
+            std::ranges::all_of(result.labels->levels, [](std::int32_t level) { return level == 0; })) {
+            throw Dicom_Refusal{"lies wholly beyond the image"};
         }
         const auto [lowest, highest] = std::ranges::minmax(result.labels->levels);
         result.labels->level_min = lowest;
@@ -240,6 +297,11 @@ class Structure_Reader {
     std::uint64_t tilted_nb = 0;
     std::uint64_t outside_nb = 0;
     std::uint64_t cut_nb = 0;
+    std::uint64_t between_nb = 0;
+    std::uint64_t sparse_nb = 0;  // regions with contours on every second slice or fewer
+    double off_most = 0.0;        // slices
+    double done = 0.0;            // of the work, when a region is begun
+    double share = 1.0;           // of the region in it
     std::uint64_t overlapping_nb = 0;
     Segmentation_Result result;
 };
@@ -250,20 +312,22 @@ Segmentation_Result Dicom_Structure_Set_Read(std::span<const std::uint8_t> file,
                                              const Load_Limits& limits, const Load_Progress& progress) noexcept {
     Segmentation_Result failed;
     try {
-        if (!Dicom_Is_Likely(file)) {
-            failed.error = "is no DICOM file";
-            return failed;
+        try {
+            if (!Dicom_Is_Likely(file)) {
+                failed.error = "is no DICOM file";
+                return failed;
+            }
+            return Structure_Reader(file, image, limits, progress).Read();
+        } catch (const Dicom_Refusal& refusal) {
+            failed.error = refusal.text;
+        } catch (const Given_Up&) {
+            failed.is_cancelled = true;
+            failed.error = "was given up";
+        } catch (const std::bad_alloc&) {
+            failed.error = "needs more memory than there is";
         }
-        return Structure_Reader(file, image, limits, progress).Read();
-    } catch (const Dicom_Refusal& refusal) {
-        failed.error = refusal.text;
-    } catch (const Given_Up&) {
-        failed.is_cancelled = true;
-        failed.error = "was given up";
-    } catch (const std::bad_alloc&) {
-        failed.error = "needs more memory than there is";
     } catch (...) {
-        failed.error = "cannot be read";
+        failed.error = "cannot be read";  // short enough to need no memory
     }
     return failed;
 }

@@ -36,6 +36,7 @@ class Told_Host : public Label_Object_Host {
         told.push_back("name " + std::to_string(named) + " " + name);
     }
     std::string Program_Version() const override { return "1"; }
+    std::string User_Name() const override { return "Ada"; }
     std::optional<fs::path> Object_File_Ask(const fs::path& start) override {
         offered = start;
         return file_answer;
@@ -50,8 +51,8 @@ class Told_Host : public Label_Object_Host {
         return line_answer;
     }
     int Way_Ask(const std::string&, const std::string&, const std::vector<std::string>& ways) override {
-        EXPECT_THAT(ways, SizeIs(3));
-        return way_answer;
+        ++ways_asked;
+        return ways.size() == 3 ? way_answer : load_answer;
     }
     void Run(const std::string& what, const std::function<void(const volumes::Load_Progress&)>& action) override {
         ran.push_back(what);
@@ -69,6 +70,8 @@ class Told_Host : public Label_Object_Host {
     std::optional<std::string> text_answer;
     int line_answer = -1;
     int way_answer = 0;
+    int load_answer = -1;  // whether what belongs to another image is loaded
+    int ways_asked = 0;
     bool is_giving_up = false;
     fs::path offered;
     std::vector<std::string> lines;
@@ -84,13 +87,7 @@ class Label_Objects_Test : public testing::Test {
         folder = fs::temp_directory_path() / ("kit_label_objects_" + std::to_string(std::random_device()()));
         fs::create_directories(folder);
         for (int z = 0; z < SLICES; ++z) {
-            Dicom_Bytes bytes;
-            bytes.Pixels_16(std::vector<std::uint16_t>(SIDE * SIDE, 100), SIDE, SIDE);
-            bytes.Text(TAG_KIND, "UI", "1.2.840.10008.5.1.4.1.1.2")
-                .Text(TAG_INSTANCE, "UI", "1.7." + std::to_string(z));
-            bytes.Text(TAG_STUDY, "UI", "1.2").Text(TAG_MODALITY, "CS", "CT").Text(TAG_PIXEL_SPACING, "DS", "1\\1");
-            bytes.Place(0, 0, 3.0 * z);
-            const Bytes file = bytes.File();
+            const Bytes file = Image(z).File();
             std::ofstream(folder / (std::to_string(z) + ".dcm"), std::ios::binary)
                 .write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
         }
@@ -107,10 +104,19 @@ class Label_Objects_Test : public testing::Test {
         Paint(9, 2, 3, 0);
     }
     void TearDown() override { fs::remove_all(folder); }
+    static Dicom_Bytes Image(int z) {
+        Dicom_Bytes bytes;
+        bytes.Pixels_16(std::vector<std::uint16_t>(SIDE * SIDE, 100), SIDE, SIDE);
+        bytes.Text(TAG_KIND, "UI", "1.2.840.10008.5.1.4.1.1.2").Text(TAG_INSTANCE, "UI", "1.7." + std::to_string(z));
+        bytes.Text(TAG_STUDY, "UI", "1.2").Text(TAG_MODALITY, "CS", "CT").Text(TAG_PIXEL_SPACING, "DS", "1\\1");
+        bytes.Place(0, 0, 3.0 * z);
+        return bytes;
+    }
     void Paint(int tag, int slice, int x, int y) {
         const unsigned char pixel = 1;
         const unsigned char* const row = &pixel;
-        const Paint_Ink ink{static_cast<std::uint8_t>(tag), {}};
+        Paint_Ink ink;
+        ink.tag = static_cast<std::uint8_t>(tag);
         host.session.Stroke_Begin(slice, Brush_Footprint(&row, 0), x, y, ink);
         host.session.Stroke_End();
     }
@@ -184,7 +190,8 @@ TEST_F(Label_Objects_Test, labels_of_a_volume_that_is_no_dicom_image_are_refused
 TEST_F(Label_Objects_Test, a_file_that_holds_no_segments_is_told) {
     EXPECT_FALSE(objects.Load(folder / "1.dcm"));
     EXPECT_FALSE(objects.Load(folder / "none.dcm"));
-    EXPECT_THAT(host.warned, ElementsAre("1.dcm is neither a segmentation object nor a structure set.", "none.dcm does not exist."));
+    EXPECT_THAT(host.warned,
+                ElementsAre("1.dcm is neither a segmentation object nor a structure set.", "none.dcm does not exist."));
     EXPECT_FALSE(Label_Objects::Is_Object_File(folder / "none.dcm"));
 }
 
@@ -229,6 +236,23 @@ TEST_F(Label_Objects_Test, shares_of_voxels_ask_for_a_threshold) {
     ASSERT_TRUE(loaded);
     EXPECT_EQ(std::ranges::count(loaded->volume.levels, 1), 16 - 9);  // 90 of 150 and more
     EXPECT_EQ(loaded->description.tags.front().name, "Tumour");
+}
+
+TEST_F(Label_Objects_Test, labels_of_another_patient_are_loaded_only_if_the_user_says_so) {
+    const auto patient = [&](int z, const char* number) {
+        const Bytes file = Image(z).Text(0x00100020, "LO", number).File();
+        std::ofstream(folder / (std::to_string(z) + ".dcm"), std::ios::binary)
+            .write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
+    };
+    patient(0, "P-1");
+    objects.Object_Save();
+    EXPECT_TRUE(objects.Load(folder / "out.dcm"));
+    EXPECT_EQ(host.ways_asked, 1);
+    patient(0, "P-2");
+    EXPECT_FALSE(objects.Load(folder / "out.dcm"));
+    EXPECT_EQ(host.ways_asked, 2);
+    host.load_answer = 1;
+    EXPECT_TRUE(objects.Load(folder / "out.dcm"));
 }
 
 TEST_F(Label_Objects_Test, a_tag_is_named_from_the_table) {

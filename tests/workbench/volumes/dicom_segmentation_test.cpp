@@ -162,11 +162,15 @@ TEST_F(Segmentation_Of_Series, images_that_are_gone_or_others_are_told) {
     std::filesystem::remove(folder / "image3.dcm");
     EXPECT_EQ(Save(Content()), "The image image3.dcm does not exist.");
     Write(3, Image(3).Place(-10.5, 20.25, 900));
-    EXPECT_EQ(Save(Content()), "The image image3.dcm lies elsewhere than when it was opened.");
+    EXPECT_EQ(Save(Content()),
+              "The image image3.dcm does not lie where the volume has its slice; a segmentation object could not refer "
+              "to it.");
     Write(3, Image(3).Text(TAG_STUDY, "UI", "1.2.4"));
     EXPECT_THAT(Save(Content()), StartsWith("The image image3.dcm is of another study"));
     Write(3, Image(3).Text(TAG_DIRECTION, "DS", "0\\1\\0\\-1\\0\\0"));
-    EXPECT_EQ(Save(Content()), "The image image3.dcm lies elsewhere than when it was opened.");
+    EXPECT_EQ(Save(Content()),
+              "The image image3.dcm does not lie where the volume has its slice; a segmentation object could not refer "
+              "to it.");
     Write(3, Image(3).Remove(TAG_INSTANCE));
     EXPECT_THAT(Save(Content()), StartsWith("The image image3.dcm does not name itself"));
     Write(3, Image(3).Remove(TAG_DIRECTION));
@@ -178,7 +182,7 @@ TEST_F(Segmentation_Of_Series, images_that_are_gone_or_others_are_told) {
     EXPECT_EQ(Save(Content()), "");
 }
 
-TEST_F(Segmentation_Of_Series, cut_short_or_changed_objects_never_become_other_labels) {
+TEST_F(Segmentation_Of_Series, cut_short_objects_are_refused_and_changed_ones_are_read_or_refused) {
     ASSERT_EQ(Save(Content()), "");
     const Bytes whole = File_Get(target());
     for (std::size_t length = 0; length < whole.size(); length += 13) {
@@ -206,6 +210,24 @@ TEST_F(Segmentation_Of_Series, reading_can_be_given_up_and_has_a_limit) {
     Load_Limits limits;
     limits.decoded_bytes = static_cast<std::uint64_t>(WIDTH * HEIGHT * SLICES) * 4 - 1;
     EXPECT_THAT(Dicom_Segmentation_Read(whole, Opened(), {}, limits).error, StartsWith("needs more memory"));
+}
+
+TEST_F(Segmentation_Of_Series, an_image_without_a_place_takes_no_objects) {
+    ASSERT_EQ(Save(Content()), "");
+    Volume placeless = Opened();
+    placeless.affine_source = Affine_Source::Spacing;
+    EXPECT_EQ(Dicom_Segmentation_Read(File_Get(target()), placeless, {}).error,
+              "cannot be laid on the image, whose file does not say where it lies in the patient");
+}
+
+TEST_F(Segmentation_Of_Series, losses_of_the_images_are_passed_on) {
+    Write(0,
+          Image(0).Text(0x00282110, "CS", "01").Text(0x00282112, "DS", "12.5").Text(0x00282114, "CS", "ISO_10918_1"));
+    ASSERT_EQ(Save(Content()), "");
+    const Bytes bytes = File_Get(target());
+    const std::string text(bytes.begin(), bytes.end());
+    EXPECT_NE(text.find("ISO_10918_1"), std::string::npos);
+    EXPECT_NE(text.find("12.5"), std::string::npos);
 }
 
 TEST_F(Segmentation_Of_Series, an_image_is_no_segmentation) {
@@ -240,6 +262,7 @@ Volume Geometry_Read(const std::filesystem::path& path) {
     std::ifstream stream(path);
     Volume volume;
     volume.nt = 1;
+    volume.affine_source = Affine_Source::Qform;
     stream >> volume.nx >> volume.ny >> volume.nz;
     for (auto& row : volume.affine) {
         for (double& number : row) {
@@ -301,7 +324,7 @@ TEST(Dicom_Segmentation, objects_of_every_form_have_the_labels_that_they_mean) {
             }
         }
     }
-    EXPECT_EQ(case_nb, 32);
+    EXPECT_EQ(case_nb, 39);
 }
 #endif
 

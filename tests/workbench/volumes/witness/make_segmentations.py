@@ -186,7 +186,7 @@ made.segment(7, "B")
 made.axial()
 for number, z in [(n, z) for n in (1, 2) for z in slices_of(labels, n)]:
     made.frame((labels[:, :, z] == number).T, place_of([0, 0, z]), (1000, 7)[number - 1])
-case("large_numbers", made, labels)
+case("large_numbers", made, labels, "numbers its segments beyond 255: they became TAGs 1 to 2")
 
 # Two segments have the same voxels.
 first = random.integers(0, 2, size)
@@ -381,7 +381,8 @@ labels = numpy.zeros(size, int)
 labels[2:10, 2:8, 2] = 1
 labels[4:7, 4:6, 2] = 0
 regions_case("regions_with_a_hole", structures([(1, "Ring", [1, 2, 3], ring)]), labels)
-regions_case("regions_of_large_numbers", structures([(700, "Ring", [1, 2, 3], ring)]), labels)
+regions_case("regions_of_large_numbers", structures([(700, "Ring", [1, 2, 3], ring)]), labels,
+             "numbers its regions otherwise than TAGs: they became TAGs 1 to 1")
 regions_case("regions_open", structures([(1, "Ring", [1, 2, 3], ring)], "OPEN_PLANAR"), 0 * labels,
              "has 2 contours of open lines or points; left out")
 beyond = [(2, numpy.array([[-3, 1.2], [2.5, 1.2], [2.5, 4.5], [-3, 4.5]])), (9, ring[0][1])]
@@ -402,5 +403,48 @@ made.data.ROIContourSequence[0].ReferencedROINumber = 2
 regions_case("regions_unknown", made, None, "has contours of a region that it does not describe")
 made = structures([(1, "A", [1, 2, 3], ring), (1, "B", [1, 2, 3], ring)])
 regions_case("regions_same_number", made, None, "has a region without a number of its own")
+
+# Planes between the slices, and on every third one only.
+labels = numpy.zeros(size, int)
+labels[2:10, 2:8, 1:4] = 1
+planes = [(z, ring[0][1]) for z in (1, 1.4, 2.2, 2.45, 3)]
+regions_case("regions_between", structures([(1, "Between", [1, 2, 3], planes)]), labels,
+             "has 2 contours between the slices of the image, beside others that are nearer; left out|"
+             "has contours that lie up to 0.2 slices beside those of the image; each is on the nearest")
+labels = numpy.zeros(size, int)
+labels[2:10, 2:8, ::3] = 1
+regions_case("regions_sparse", structures([(1, "Sparse", [1, 2, 3], [(z, ring[0][1]) for z in (0, 3, 6)])]), labels,
+             "has 1 region without contours on every slice; those between stay empty")
+regions_case("regions_elsewhere", structures([(1, "Elsewhere", [1, 2, 3], [(40, ring[0][1])])]), None,
+             "lies wholly beyond the image")
+
+# Thicker slices than the image's: the slices between must not stay empty.
+labels = random.integers(0, 2, [*size[:2], 3])
+made = Object()
+made.segment(1, "Thick")
+made.shared(spacing[1], spacing[0], 3 * spacing[2], directions[0], directions[1])
+for z in range(3):
+    made.frame(labels[:, :, z].T, place_of([0, 0, 3 * z]), 1)
+thick_steps = [spacing[0] * directions[0], spacing[1] * directions[1], 3 * spacing[2] * directions[2]]
+case("thick", made, labels, is_on_image=0, grid=affine_text([*size[:2], 3], corner, thick_steps))
+# Thickness is not distance: frames that lie twice as far apart as they are thick have nothing between them.
+made = Object()
+made.segment(1, "Gaps")
+made.shared(2.0, 1.5, 2.0, directions[0], directions[1])
+for z in range(3):
+    made.frame(labels[:, :, z].T, first_corner + 4.0 * z * directions[2], 1)
+case("thin", made, labels, is_on_image=0,
+     grid=affine_text([*size[:2], 3], first_corner, [1.5 * directions[0], 2.0 * directions[1], 4.0 * directions[2]]))
+made = Object()
+made.segment(1, "Elsewhere")
+made.axial()
+made.frame(numpy.ones([size[1], size[0]], int), place_of([0, 0, 50]), 1)
+case("elsewhere", made, None, "lies wholly beyond the image")
+made = Object()
+made.segment(1, "Sizeless")
+made.axial()
+del made.data.SharedFunctionalGroupsSequence[0].PixelMeasuresSequence[0].PixelSpacing
+made.frame(numpy.ones([size[1], size[0]], int), place_of([0, 0, 0]), 1)
+case("sizeless", made, None, "does not say how large its pixels are")
 
 (folder / "manifest.txt").write_text("".join(line + "\n" for line in cases))
