@@ -84,6 +84,9 @@ endfunction()
 # Seconds after which a test counts as hanging, far beyond what any needs on a busy machine. Lints have no limit: they end.
 set(kit_hang_seconds 3600)
 
+# The own flags of what only tests are made of.
+separate_arguments(kit_test_flags NATIVE_COMMAND "${KIT_TEST_FLAGS}")
+
 # kit_panels_test(NAME x SOURCES ... [LIBRARIES ...] [NATIVE | NATIVE_ONLY] [DESKTOP] [FAIL_MEMORY] [LABEL kind])
 # A GoogleTest program and its one CTest entry. NATIVE: also without Windows, under the sanitizers; NATIVE_ONLY: only
 # there. DESKTOP: it uses the real cursor, keyboard or focus, so no other such test may run beside it.
@@ -100,6 +103,7 @@ function(kit_panels_test)
     add_executable(${arg_NAME} ${arg_SOURCES})
     kit_settings(${arg_NAME})
     target_link_libraries(${arg_NAME} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest GTest::gtest_main)
+    target_compile_options(${arg_NAME} PRIVATE ${kit_test_flags})
     target_precompile_headers(${arg_NAME} REUSE_FROM test_headers)
     if(arg_FAIL_MEMORY)
         target_link_options(${arg_NAME} PRIVATE -Wl,--wrap=malloc,--wrap=calloc,--wrap=realloc)
