@@ -73,8 +73,8 @@ Segmentation_Result Dicom_Segmentation_Read(std::span<const std::uint8_t> file, 
 
 /** Reads a radiotherapy structure set: the closed contours of each region are filled into a TAG on the slice that they
  *  lie in, by the even-odd rule at the centres of the voxels, all contours of a region and a slice together, so that
- * one inside another is a hole. The TAG of a region is its number where all numbers are TAGs. Never throws; otherwise
- * as Dicom_Segmentation_Read, with labels that are always on the image. */
+ *  one inside another is a hole. The TAG of a region is its number where all numbers are TAGs. Never throws; otherwise
+ *  as Dicom_Segmentation_Read, with labels that are always on the image. */
 Segmentation_Result Dicom_Structure_Set_Read(std::span<const std::uint8_t> file, const Volume& image,
                                              const Load_Limits& limits = {},
                                              const Load_Progress& progress = {}) noexcept;

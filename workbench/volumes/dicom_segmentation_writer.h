@@ -28,7 +28,7 @@ struct Segmentation_Content {
 /** Writes a binary segmentation: one segment per TAG that a voxel has, frames of those slices only that have one.
  *
  *  Patient, study, frame of reference and the places of the slices come from the images' files, which are read again
- * for that: they must be where they were, and what they were. The object is read back before it takes its name, and
+ *  for that: they must be where they were, and what they were. The object is read back before it takes its name, and
  *  compared with the labels voxel by voxel. A file of that name is replaced, and stays as it is when writing fails.
  *  Never throws.
  *  @param image that the labels lie on: of one time point or of several, of which the labels are those of one
