@@ -4,6 +4,7 @@
 #include <new>
 #include <string>
 
+#include "kits/widgets/widgets_host.h"
 #include "panels/label_panel.h"
 #include "panels/protocol/host_variables.h"
 #include "panels/protocol/widget_place.h"
@@ -126,7 +127,24 @@ void Label_Grid::Relayout(int count) {
 
 // ---- painting
 
+namespace {
+
+/** Collects what many widgets paint and shows it at once: one copy to the screen instead of one for each. */
+class Collected {
+  public:
+    explicit Collected(HWND of_window) : window(of_window) { Window_Buffer_Begin(window); }
+    ~Collected() { Window_Buffer_End(window); }
+    Collected(const Collected&) = delete;
+    Collected& operator=(const Collected&) = delete;
+
+  private:
+    HWND window;
+};
+
+}  // namespace
+
 void Label_Grid::Draw(int count) {
+    const Collected collected(frame.window);
     frame.Draw();
     slider.Draw();
     for (int index = 0; index < Button_Nb(count); index++) {

@@ -63,10 +63,10 @@ void Background_Colors(Rgb face, Rgb out[IMAGE_NB]) {
 /** A sum over one image that tells whether a panel painted into it. Two pixels at a time, and several sums side by
  * side, so that none waits for the multiplication of another. */
 std::uint64_t Image_Sum(const unsigned int* pixels, std::size_t nb) {
-    constexpr std::size_t lane_nb = 4;
+    constexpr std::size_t lane_nb = 8;
     constexpr std::size_t step = 2 * lane_nb;
     constexpr std::uint64_t factor = 0x9E3779B97F4A7C15ULL;
-    std::uint64_t lanes[lane_nb] = {1, 2, 3, 4};
+    std::uint64_t lanes[lane_nb] = {1, 2, 3, 4, 5, 6, 7, 8};
     const auto take = [&](std::size_t lane, std::uint64_t pair) {
         lanes[lane] = (lanes[lane] ^ pair) * factor;
         lanes[lane] ^= lanes[lane] >> 32U;
@@ -82,7 +82,11 @@ std::uint64_t Image_Sum(const unsigned int* pixels, std::size_t nb) {
     for (; pixels != end; pixels++) {
         take(0, *pixels);
     }
-    return lanes[0] ^ (lanes[1] << 1U) ^ (lanes[2] << 2U) ^ (lanes[3] << 3U);
+    std::uint64_t sum = 0;
+    for (std::size_t lane = 0; lane < lane_nb; lane++) {
+        sum ^= lanes[lane] << lane;
+    }
+    return sum;
 }
 
 /** A sum over the image that is the face. Never 0. Runs over every visible button with every move of the pointer, so

@@ -34,7 +34,8 @@ void Device_Flush();
 /** Copies parts of a picture onto the screen. Parts are rectangles of the picture, `target` is where its upper left
  * pixel stands. */
 void Screen_Show(HWND window, Point target, Surface& picture, std::span<const Rect> parts);
-/** Copies what the window shows into the upper left of a picture. @return false when that cannot be had */
+/** Copies what the window shows into the upper left of a picture, as far as its clip rectangle goes. @return false when
+ * that cannot be had */
 bool Screen_Read(HWND window, const Rect& source, Surface& picture);
 
 // ---- device contexts for panels' drawing

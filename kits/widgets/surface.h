@@ -77,6 +77,7 @@ class Surface {
 
     /** Further drawing stays inside `rect`. @return the clip rectangle until now, to be set again afterwards */
     Rect Clip_Set(const Rect& rect);
+    const Rect& Clip() const { return clip; }
     void Fill(const Rect& rect, Rgb color);
     /** The border lines of a rectangle, `thickness` pixels to the inside. */
     void Frame(const Rect& rect, int thickness, Rgb color);

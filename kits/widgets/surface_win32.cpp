@@ -300,9 +300,9 @@ bool Screen_Read(HWND window, const Rect& source, Surface& picture) {
         return false;
     }
     Device_Units(dc.Get());
-    const Rect area = Rect_Common(picture.Area(), {0, 0, source.width, source.height});
-    const bool done =
-        ::BitBlt(picture.Get_DC(), 0, 0, area.width, area.height, dc.Get(), source.left, source.top, SRCCOPY) != 0;
+    const Rect area = Rect_Common(picture.Clip(), {0, 0, source.width, source.height});
+    const bool done = ::BitBlt(picture.Get_DC(), area.left, area.top, area.width, area.height, dc.Get(),
+                               source.left + area.left, source.top + area.top, SRCCOPY) != 0;
     ::GdiFlush();
     return done;
 }

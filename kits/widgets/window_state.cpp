@@ -1,7 +1,9 @@
 #include "kits/widgets/window_state.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <new>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -15,7 +17,8 @@ struct Window_State {
     Window_Axis axis = Window_Axis::Up;
     bool axis_declared = false;
     int buffer_depth = 0;
-    bool buffer_ready = false;  // there is memory and it holds what the window shows
+    bool buffer_ready = false;  // there is memory
+    bool buffer_whole = false;  // it holds what the window shows, not only what has changed
     bool changed_all = false;
     Size buffer_size;
     Memory_Picture buffer;
@@ -50,8 +53,52 @@ Window_State* Buffered(HWND window) {
     return state != nullptr && state->buffer_depth > 0 && state->buffer_ready ? state : nullptr;
 }
 
-void Changed_Add(Window_State& state, const Rect& rect) {
-    if (state.changed_all || rect.Is_Empty()) {
+Surface Buffer_View(Window_State& state) {
+    return state.buffer.View(state.buffer_size.width, state.buffer_size.height);
+}
+
+bool Is_Inside(const Rect& inner, const Rect& outer) {
+    return outer.left <= inner.left && outer.top <= inner.top && inner.Right() <= outer.Right() &&
+           inner.Bottom() <= outer.Bottom();
+}
+
+/** Reads what the window shows, as far as it has not changed. Most drawings need none of it, and those that do have
+ * painted their ground before. */
+void Buffer_Complete(HWND window, Window_State& state) {
+    if (state.buffer_whole) {
+        return;
+    }
+    state.buffer_whole = true;
+    Surface view = Buffer_View(state);
+    const Rect all = view.Area();
+    const auto largest = std::max_element(state.changed.begin(), state.changed.end(), [](const Rect& a, const Rect& b) {
+        return static_cast<std::int64_t>(a.width) * a.height < static_cast<std::int64_t>(b.width) * b.height;
+    });
+    if (largest == state.changed.end()) {
+        Screen_Read(window, all, view);
+        return;
+    }
+    const Rect known = *largest;
+    std::swap(*largest, state.changed.front());
+    if (const std::span<const Rect> others = std::span(state.changed).subspan(1); !others.empty()) {
+        Screen_Show(window, {0, 0}, view, others);
+    }
+    for (const Rect& unknown :
+         {Rect{0, 0, all.width, known.top}, Rect{0, known.Bottom(), all.width, all.height - known.Bottom()},
+          Rect{0, known.top, known.left, known.height},
+          Rect{known.Right(), known.top, all.width - known.Right(), known.height}}) {
+        if (!unknown.Is_Empty()) {
+            const Rect before = view.Clip_Set(unknown);
+            Screen_Read(window, all, view);
+            view.Clip_Set(before);
+        }
+    }
+}
+
+void Changed_Add(HWND window, Window_State& state, const Rect& rect) {
+    if (state.changed_all || rect.Is_Empty() ||
+        std::any_of(state.changed.begin(), state.changed.end(),
+                    [&rect](const Rect& other) { return Is_Inside(rect, other); })) {
         return;
     }
     try {
@@ -61,7 +108,14 @@ void Changed_Add(Window_State& state, const Rect& rect) {
         }
     } catch (const std::bad_alloc&) {
     }
-    state.changed_all = true;
+    if (state.buffer_whole) {
+        state.changed_all = true;
+        return;
+    }
+    Surface view = Buffer_View(state);
+    Screen_Show(window, {0, 0}, view, state.changed);
+    Screen_Show(window, {0, 0}, view, {&rect, 1});
+    state.changed.clear();
 }
 
 }  // namespace
@@ -112,11 +166,8 @@ void Window_Buffer_Begin(HWND window) {
     Size size;
     state->buffer_ready = Window_Client_Size(window, &size) && size.width > 0 && size.height > 0 &&
                           state->buffer.Reserve(size.width, size.height);
-    if (state->buffer_ready) {
-        state->buffer_size = size;
-        Surface view = state->buffer.View(size.width, size.height);
-        Screen_Read(window, view.Area(), view);
-    }
+    state->buffer_whole = false;
+    state->buffer_size = size;
 }
 
 void Window_Buffer_End(HWND window) {
@@ -125,7 +176,7 @@ void Window_Buffer_End(HWND window) {
         return;
     }
     state->buffer_ready = false;
-    Surface view = state->buffer.View(state->buffer_size.width, state->buffer_size.height);
+    Surface view = Buffer_View(*state);
     if (state->changed_all) {
         const Rect all = view.Area();
         Screen_Show(window, {0, 0}, view, {&all, 1});
@@ -139,6 +190,7 @@ HDC Window_Buffer_DC(HWND window) {
     if (state == nullptr) {
         return nullptr;
     }
+    Buffer_Complete(window, *state);
     state->changed_all = true;
     return state->buffer.Get_DC();
 }
@@ -172,12 +224,12 @@ void Window_Show(HWND window, const Rect& target, Surface& picture, std::span<co
         return;
     }
     Device_Flush();
-    Surface view = state->buffer.View(state->buffer_size.width, state->buffer_size.height);
+    Surface view = Buffer_View(*state);
     for (const Rect& part : parts) {
         const Rect inside = Rect_Common(part, picture.Held());
         const Rect there = {target.left + inside.left, target.top + inside.top, inside.width, inside.height};
         view.Blit(there, inside.Is_Empty() ? nullptr : picture.Pixels_From(inside.left, inside.top), picture.Stride());
-        Changed_Add(*state, Rect_Common(there, view.Area()));
+        Changed_Add(window, *state, Rect_Common(there, view.Area()));
     }
 }
 
@@ -187,8 +239,9 @@ bool Window_Read(HWND window, const Rect& target, std::uint32_t* pixels) {
     }
     Surface out(pixels, target.width, target.height, target.width, nullptr);
     if (Window_State* state = Buffered(window)) {
+        Buffer_Complete(window, *state);
         Device_Flush();
-        Surface view = state->buffer.View(state->buffer_size.width, state->buffer_size.height);
+        Surface view = Buffer_View(*state);
         const Rect inside = Rect_Common(target, view.Area());
         out.Blit({inside.left - target.left, inside.top - target.top, inside.width, inside.height},
                  view.Pixels() + static_cast<std::ptrdiff_t>(inside.top) * view.Stride() + inside.left, view.Stride());

@@ -206,6 +206,38 @@ void Bench_Build_File(benchmark::State& state) {
     });
 }
 
+/** The memory of a row beside its texts is the difference to what the texts alone would take. */
+void Bench_Build_Million(benchmark::State& state) {
+    constexpr int million = 1000000;
+    File_Scene scene;
+    for (int i = 0; i < million; i += FRAMES_PER_FILE) {
+        scene.Add_File("folder\\file" + std::to_string(i), FRAMES_PER_FILE - 1);
+    }
+    Tool_DB_File view(2);
+    double least = 1e9;
+    for (auto _ : state) {
+        for (int round = 0; round < 5; ++round) {
+            Rows rows;
+            const auto start = std::chrono::steady_clock::now();
+            view.List_Create_From_DB(&rows.nb, &rows.list_pt, 0, 0, nullptr);
+            least = std::min(least, Seconds(start));
+            if (round == 0) {
+                double texts = 0.0;
+                for (int i = 0; i < rows.nb; ++i) {
+                    for (const char* text : {rows.list_pt[i].title, rows.list_pt[i].name}) {
+                        texts +=
+                            text != nullptr ? static_cast<double>(std::char_traits<char>::length(text)) + 1.0 : 0.0;
+                    }
+                }
+                state.counters["text_bytes"] = texts / rows.nb;
+                state.counters["row_bytes"] = static_cast<double>(sizeof(DB_List));
+                state.counters["rows"] = rows.nb;
+            }
+        }
+    }
+    state.counters["build_ms"] = least * 1e3;
+}
+
 /** A tree of classes, twenty below each. */
 std::deque<Quorel_2D> Classes_Make(int nb) {
     std::deque<Quorel_2D> objects(static_cast<std::size_t>(nb));
@@ -254,5 +286,6 @@ void Bench_Set_State(benchmark::State& state) {
 BENCHMARK_CAPTURE(Bench_Selection, objects_and_rows_1000, 1000, 51)->Iterations(1);
 BENCHMARK_CAPTURE(Bench_Selection, objects_and_rows_10000, 10000, 3)->Iterations(1);
 BENCHMARK(Bench_Build_File)->Iterations(1);
+BENCHMARK(Bench_Build_Million)->Iterations(1);
 BENCHMARK(Bench_Build_Class)->Iterations(1);
 BENCHMARK(Bench_Set_State)->Unit(benchmark::kMillisecond);

@@ -1,5 +1,6 @@
-// The tree of the database panel with 60,000 rows: redraw, scroll step, click and range selection. Times, not ratios,
-// because a redraw must fit into one picture of a screen; and the calls to GDI, which do not depend on the machine.
+// The tree of the database panel with 60,000 rows and a million: redraw, scroll step, click and range selection. Times,
+// not ratios, because a redraw must fit into one picture of a screen; and the calls to GDI, which do not depend on the
+// machine.
 #include "base/gdi_handles.h"
 
 #include <benchmark/benchmark.h>
@@ -28,13 +29,13 @@ struct Shown_Tree {
     Sliders vertical;
     Sliders horizontal;
 
-    Shown_Tree() {
+    explicit Shown_Tree(int record_nb) {
         char path[MAX_PATH] = {};
         ::GetModuleFileNameA(nullptr, path, MAX_PATH - 1);
         const std::string program = path;
         Variable_Define_Text("$DEFAULT_ICON_PATH",
                              (program.substr(0, program.find_last_of("/\\") + 1) + "icons").c_str());
-        for (int i = 0; i < RECORD_NB; ++i) {
+        for (int i = 0; i < record_nb; ++i) {
             const bool branch = i % (LEAVES + 1) == 0;
             const std::string name = "text of record " + std::to_string(i);
             tree.Add(branch ? 0 : 1, branch ? "File" : "Frame", name.c_str());
@@ -66,19 +67,24 @@ struct Shown_Tree {
 };
 
 Shown_Tree& Shown() {
-    static const auto shown = std::make_unique<Shown_Tree>();
+    static const auto shown = std::make_unique<Shown_Tree>(RECORD_NB);
     return *shown;
 }
 
 template <class Operation>
-double Milliseconds(Operation operation) {
+double Milliseconds(const Shown_Tree& shown, int rounds, Operation operation) {
     const Paired_Times times = Pair_Time(
-        ROUNDS, [] { Shown().Finish(); },
+        rounds, [&shown] { shown.Finish(); },
         [&] {
             operation();
-            Shown().Finish();
-        });
+            shown.Finish();
+        },
+        Of_Rounds::Least);
     return (times.ours - times.plain) * 1e3;
+}
+template <class Operation>
+double Milliseconds(Operation operation) {
+    return Milliseconds(Shown(), ROUNDS, operation);
 }
 
 void Bench_Redraw(benchmark::State& state) {
@@ -156,6 +162,33 @@ void Bench_Toggle(benchmark::State& state) {
     }
 }
 
+/** A million rows, all in sight of the slider or, with `collapsed`, in branches that are not. */
+void Bench_Million(benchmark::State& state, bool collapsed) {
+    constexpr int million = 1000000;
+    constexpr int few_rounds = 15;
+    Shown_Tree shown(million);
+    if (collapsed) {
+        for (DB_List& record : shown.tree.rows) {
+            record.flag = static_cast<std::uint16_t>(record.flag & ~DB_FLAG_EXPANDED);
+        }
+        shown.Draw();
+    }
+    const int middle = collapsed ? million / (LEAVES + 1) / 2 : million / 2;
+    for (auto _ : state) {
+        shown.vertical.value = static_cast<float>(middle * DB_ROW_HEIGHT);
+        state.counters["redraw_ms"] = Milliseconds(shown, few_rounds, [&shown] { shown.Draw(); });
+        state.counters["click_ms"] = Milliseconds(shown, few_rounds, [&shown, middle] { shown.Click(middle + 5); });
+        db_drag = {};
+        shown.vertical.value = 0.0F;
+        db_drag.anchor_row = 0;
+        db_drag.end_row = million - 1;
+        state.counters["all_ms"] = Milliseconds(shown, few_rounds, [&shown] {
+            DB_List_Select_Range(&shown.box, 2, shown.tree.Nb(), shown.tree.Pt(), &shown.horizontal, &shown.vertical);
+        });
+        db_drag = {};
+    }
+}
+
 /** Every text is measured: the first drawing. */
 void Bench_First_Drawing(benchmark::State& state) {
     Shown_Tree& shown = Shown();
@@ -174,3 +207,5 @@ BENCHMARK(Bench_Range)->Iterations(1);
 BENCHMARK(Bench_Range_Of_One_Row)->Iterations(1);
 BENCHMARK(Bench_Toggle)->Iterations(1);
 BENCHMARK(Bench_First_Drawing)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK_CAPTURE(Bench_Million, expanded, false)->Iterations(1);
+BENCHMARK_CAPTURE(Bench_Million, collapsed, true)->Iterations(1);

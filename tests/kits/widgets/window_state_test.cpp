@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "host/kit_widgets.h"
 #include "tests/kits/widgets/test_window.h"
 
@@ -95,6 +97,48 @@ TEST(Window_Read, reads_the_buffer_while_there_is_one_and_the_screen_otherwise) 
     Window_Buffer_End(window.Get());
     EXPECT_FALSE(Window_Read(window.Get(), {9, 15, 0, 2}, pixels));
     EXPECT_FALSE(Window_Read(nullptr, {9, 15, 2, 2}, pixels));
+}
+
+TEST(Window_Read, sees_what_was_painted_on_what_the_window_showed) {
+    const Test_Window window(60, 50, Window_Axis::Down);
+    Boxs large = Red_Box(window.Get());
+    Boxs small = Red_Box(window.Get());
+    small.x = 41;
+    small.y = 33;
+    small.width = small.height = 5;
+    large.Draw();
+    small.Draw();
+    const Window_Picture expected = window.Read();
+    // Painted in either order, above, below and beside each other.
+    for (const bool is_large_first : {true, false}) {
+        window.Wipe();
+        Window_Buffer_Begin(window.Get());
+        (is_large_first ? large : small).Draw();
+        (is_large_first ? small : large).Draw();
+        std::vector<std::uint32_t> pixels(60 * 50);
+        ASSERT_TRUE(Window_Read(window.Get(), {0, 0, 60, 50}, pixels.data()));
+        for (std::size_t i = 0; i < pixels.size(); i++) {
+            ASSERT_EQ(pixels[i] & 0xFFFFFFU, expected.pixels[i]) << i % 60 << ", " << i / 60;
+        }
+        Window_Buffer_End(window.Get());
+        EXPECT_EQ(window.Read(), expected);
+    }
+}
+
+TEST(Window_Buffer, what_covers_the_window_is_shown_at_the_end_only_although_a_device_context_was_asked_for) {
+    const Test_Window window(60, 50, Window_Axis::Down);
+    Boxs box = Red_Box(window.Get());
+    box.x = box.y = 0;
+    box.width = 60;
+    box.height = 50;
+    Window_Buffer_Begin(window.Get());
+    box.Draw();
+    std::uint32_t pixel = 0;
+    ASSERT_TRUE(Window_Read(window.Get(), {15, 15, 1, 1}, &pixel));
+    EXPECT_EQ(pixel & 0xFFFFFFU, 0xFF0000U);
+    EXPECT_EQ(window.Read().At(15, 15), Test_Window::MARKER);
+    Window_Buffer_End(window.Get());
+    EXPECT_EQ(window.Read().At(15, 15), 0xFF0000U);
 }
 
 TEST(Scratch_Picture, nested_ones_do_not_share_their_pixels) {
