@@ -44,6 +44,7 @@
 #include "workbench/parts/color_advisor.h"
 #include "workbench/parts/focus.h"
 #include "workbench/parts/histogram_control.h"
+#include "workbench/parts/picture_control.h"
 #include "workbench/parts/settings_keeper.h"
 #include "workbench/report.h"
 #include "workbench/report_questions.h"
@@ -405,6 +406,8 @@ class Application : public Image_User,
     Label_Object_Wiring Label_Object_Wires();
     /** What the image is tinted with: the band of the current TAG, or the bands of all. */
     std::vector<Range_Overlay> Ranges_Now() const;
+    Image_Content Slice_Content(int of) const;
+    Picture_Host Picture_Services();
     std::vector<volumes::Display_Window> Windows() const;
     Tag_Overlay Overlay_Now() const;
     Plane_Host Plane_Services();
@@ -437,7 +440,8 @@ class Application : public Image_User,
     Histogram_Control histogram;
     Color_Advisor color_advisor{Color_Services()};
     Focus focus{Focus_Services()};
-    Command_Table commands{{*this, label_objects, *this, *this, tools, color_advisor, *this, *this, *this,
+    Picture_Control pictures{Picture_Services()};
+    Command_Table commands{{*this, label_objects, *this, *this, tools, color_advisor, *this, pictures, *this, *this,
                             segmentation_control, *this, *this, focus, *this}};
     Command_Line options;
     Look look;

@@ -83,19 +83,24 @@ Segmentation_Wiring Application::Segmentation_Wires() {
 }
 
 Image_Content Application::Content() const {
+    return Slice_Content(slice);
+}
+
+Image_Content Application::Slice_Content(int of) const {
     Image_Content content;
     if (!session.Has_Volume()) {
         return content;
     }
     const volumes::Volume& volume = session.Image();
-    content.source = {session.Width(),
-                      session.Height(),
-                      session.Levels(slice),
-                      volume.color,
-                      static_cast<float>(volume.slope),
-                      static_cast<float>(volume.intercept),
-                      tools.With_Preview(Spot({}).cut, session.Labels().Slice(slice)),
-                      volume.is_inverted};
+    content.source = {
+        session.Width(),
+        session.Height(),
+        session.Levels(of),
+        volume.color,
+        static_cast<float>(volume.slope),
+        static_cast<float>(volume.intercept),
+        of == slice ? tools.With_Preview(Spot({}).cut, session.Labels().Slice(of)) : session.Labels().Slice(of),
+        volume.is_inverted};
     content.window = grey_window;
     content.overlay = Overlay_Now();
     content.ranges = Ranges_Now();
@@ -107,11 +112,11 @@ Image_Content Application::Content() const {
         content.order.left = content.order.right = content.order.top = content.order.bottom = ' ';
     }
     for (const Placed_Marker& marker : Placed_Markers()) {
-        if (marker.voxel.slice == slice) {
+        if (marker.voxel.slice == of) {
             content.markers.push_back({marker.voxel.x, marker.voxel.y, marker.color, marker.name, marker.is_current});
         }
     }
-    content.slice = slice;
+    content.slice = of;
     content.slice_nb = session.Slice_Nb();
     content.pixel_aspect = volume.spacing[1] / volume.spacing[0];
     content.pixel_mm = volume.is_size_known ? volume.spacing[0] : 0.0;
@@ -121,7 +126,7 @@ Image_Content Application::Content() const {
     const double low_end = static_cast<double>(grey_window.low);
     const double high_end = static_cast<double>(grey_window.high);
     content.caption =
-        L"Slice " + std::to_wstring(slice + 1) + L" / " + std::to_wstring(session.Slice_Nb()) +
+        L"Slice " + std::to_wstring(of + 1) + L" / " + std::to_wstring(session.Slice_Nb()) +
         Wide_Of_Utf8("\nW " + Number_Text(high_end - low_end) + "  L " + Number_Text((high_end + low_end) / 2.0));
     if (is_lost) {
         content.caption += orientation.empty() ? L"\nOrientation not known" : L"\nOrientation as chosen";

@@ -11,6 +11,7 @@
 #include "workbench/model/image_user.h"
 #include "workbench/model/painting.h"
 #include "workbench/model/view_geometry.h"
+#include "workbench/volumes/png_writer.h"
 #include "workbench/window_base.h"
 
 namespace workbench {
@@ -51,6 +52,9 @@ class Image_View : public Window_Base {
     const std::wstring& Caption() const { return content.caption; }
     int Cursor_X() const { return over_x; }
     int Cursor_Y() const { return over_y; }
+    /** What is shown, as large as it is on the screen, without slider, outline and the marks of the keyboard.
+     *  @param is_plain the image alone @return empty without memory or image */
+    volumes::Picture Picture_Now(bool is_plain);
     /** Where the slice stands, for the report. */
     View_Layout Layout() const { return layout; }
     RECT Slider_Box() const;

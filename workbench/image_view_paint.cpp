@@ -63,6 +63,33 @@ void Image_View::Paint() {
     ::BitBlt(paint.Get(), dirty.left, dirty.top, width, height, memory.Get(), dirty.left, dirty.top, SRCCOPY);
 }
 
+volumes::Picture Image_View::Picture_Now(bool is_plain) {
+    const Dib_Picture drawn(nullptr, state.view_width, state.view_height);
+    if (!drawn || content.source.levels.empty()) {
+        return {};
+    }
+    const Pixel_Rect whole = {0, 0, content.source.width, content.source.height};
+    if (is_plain) {
+        Slice_Render(content.source, content.window, {}, {}, whole, picture);
+    }
+    Draw_Slice(drawn.Get_DC(), {0, 0, state.view_width, state.view_height});
+    if (is_plain) {
+        Render(whole);
+    } else {
+        Draw_Cross(drawn.Get_DC());
+        Draw_Markers(drawn.Get_DC());
+        Draw_Paths(drawn.Get_DC());
+        Draw_Texts(drawn.Get_DC());
+        Draw_Scale_Bar(drawn.Get_DC());
+    }
+    Dib_Picture::Flush();
+    volumes::Picture copy{drawn.Width(), drawn.Height(), {}};
+    const std::span pixels(drawn.Pixels(), screen.size());
+    copy.pixels.resize(pixels.size());
+    std::ranges::transform(pixels, copy.pixels.begin(), [](std::uint32_t pixel) { return pixel & 0xFFFFFFU; });
+    return copy;
+}
+
 void Image_View::Draw_Slice(HDC dc, const RECT& dirty) {
     const Pixel_Rect part =
         Rect_Common({dirty.left, dirty.top, dirty.right, dirty.bottom}, {0, 0, state.view_width, state.view_height});

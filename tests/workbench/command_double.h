@@ -18,6 +18,7 @@ struct Command_Double : File_Actions,
                         Tool_Actions,
                         Color_Actions,
                         View_Actions,
+                        Picture_Actions,
                         Cursor_Actions,
                         Propagation_Actions,
                         Segmentation_Actions,
@@ -91,6 +92,8 @@ struct Command_Double : File_Actions,
     void Window_Width_Step(int step) override { Note("Window_Width_Step", Number(step)); }
     std::vector<Numbered_Entry> Window_Entries() const override { return windows; }
     void Window_Choose(int number) override { Note("Window_Choose", Number(number)); }
+    void Picture_Save() override { Note("Picture_Save"); }
+    void Sheet_Save() override { Note("Sheet_Save"); }
     void Overlay_Set(bool on) override { Note("Overlay_Set", Number(on)); }
     bool Is_Overlay() const override { return Is("Is_Overlay"); }
     void Overlay_Opacity_Ask() override { Note("Overlay_Opacity_Ask"); }

@@ -18,6 +18,8 @@ enum class Command {
     Object_Save,
     Export_Histogram,
     Verify_Export,
+    Picture_Save,
+    Sheet_Save,
     Quit,
     Recent,  ///< numbered: files opened lately
     // Edit

@@ -115,6 +115,15 @@ class View_Actions {
     virtual bool Is_Planes() const = 0;
 };
 
+/** Pictures of what is shown, as files. */
+class Picture_Actions {
+  public:
+    virtual ~Picture_Actions() = default;
+    virtual void Picture_Save() = 0;
+    /** Every n-th slice, in one picture. */
+    virtual void Sheet_Save() = 0;
+};
+
 /** The keyboard's cursor in the image. */
 class Cursor_Actions {
   public:
@@ -287,6 +296,7 @@ struct Command_Parts {
     Tool_Actions& tool;
     Color_Actions& color;
     View_Actions& view;
+    Picture_Actions& picture;
     Cursor_Actions& cursor;
     Propagation_Actions& propagation;
     Segmentation_Actions& segmentation;

@@ -330,3 +330,49 @@ def a_full_disk_keeps_the_former_table(run):
     finally:
         time.sleep(0.5)
         subprocess.run(["umount", "-l", disk], check=False)
+
+
+@scenario()
+def slices_are_saved_as_pictures(run):
+    """A view as on the screen and voxel for voxel, with and without colours; a sheet of slices; read by ImageMagick."""
+    image, _ = ct(run)
+    app = run.start(image)
+    band(app, 2, 280, 3000)
+    app.key("ctrl+b")
+    state = app.expect("the slice has the TAG", lambda s: s.slice_pixels > 0)
+
+    def picture(way, view=0):
+        app.menu("Save picture")
+        app.window("Save picture")
+        app.key(*["Down"] * (4 * view + way), "Return")
+        name = f"view_{view}_{way}.png"
+        app.choose_file("Save picture", run.folder / name)
+        app.wait_said(f"status The picture was saved to {name}")
+        return read(run.folder / name)
+
+    def read(path):
+        """Width, height, and the pixels that are not grey."""
+        size = subprocess.run(["identify", "-format", "%w %h", path], capture_output=True, text=True, check=True)
+        raw = subprocess.run(["convert", path, "-depth", "8", "rgb:-"], capture_output=True, check=True).stdout
+        numpy, _, _ = witnesses()
+        pixels = numpy.frombuffer(raw, numpy.uint8).reshape(-1, 3).astype(int)
+        return [int(side) for side in size.stdout.split()], int((pixels.max(1) != pixels.min(1)).sum())
+    run.same("one pixel per voxel, those of the TAG are coloured", picture(2), ([SIDE, SIDE], state.slice_pixels))
+    run.same("the image alone is grey", picture(3), ([SIDE, SIDE], 0))
+    size, colored = picture(0)
+    scale = state.slice_place["scale_x"] * state.slice_place["scale_y"]
+    run.check("the TAG is as large as on the screen", abs(colored - state.slice_pixels * scale) < 0.02 * colored,
+              f"({colored} pixels)")
+    run.same("the screen's image alone is as large, and grey", picture(1), (size, 0))
+    app.key("y")
+    run.same("the coronal view is told apart", picture(2, 1)[0], [SIDE, SLICES])
+    app.key("y")
+    app.menu("Save contact sheet")
+    app.fill("Save contact sheet", "5")
+    app.choose_file("Save contact sheet", run.folder / "sheet.png")
+    app.wait_said("status The picture was saved to sheet.png")
+    size, colored = read(run.folder / "sheet.png")
+    run.check("eight slices and a list", size[0] >= 320 and size[1] > 2 * SIDE and colored > 0, f"({size})")
+    app.menu("Save picture")
+    app.answer_key("Save picture", "Escape")
+    run.same("Escape saves none", len(list(run.folder.glob("*.png"))), 6)
