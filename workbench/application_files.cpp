@@ -16,9 +16,14 @@ namespace workbench {
 namespace {
 
 constexpr const wchar_t* VOLUME_FILTER =
-    L"Images (*.nii, *.nii.gz, *.hdr, *.dcm)\0*.nii;*.nii.gz;*.gz;*.hdr;*.img;*.dcm;*.ima\0All files\0*.*\0";
-constexpr const wchar_t* LABEL_SAVE_FILTER = L"Label volumes (*.nii.gz, *.nii)\0*.nii.gz;*.nii;*.gz\0All files\0*.*\0";
-constexpr const wchar_t* LABEL_FILTER = L"Labels (*.nii.gz, *.nii, *.dcm)\0*.nii.gz;*.nii;*.gz;*.dcm\0All files\0*.*\0";
+    L"Images (*.nii, *.nii.gz, *.hdr, *.dcm, *.nrrd, *.mha)\0"
+    L"*.nii;*.nii.gz;*.gz;*.hdr;*.img;*.dcm;*.ima;*.nrrd;*.nhdr;*.mha;*.mhd\0All files\0*.*\0";
+constexpr const wchar_t* LABEL_SAVE_FILTER =
+    L"Label volumes (*.nii.gz, *.nii, *.nrrd, *.mha)\0"
+    L"*.nii.gz;*.nii;*.gz;*.nrrd;*.nhdr;*.mha;*.mhd\0All files\0*.*\0";
+constexpr const wchar_t* LABEL_FILTER =
+    L"Labels (*.nii.gz, *.nii, *.dcm, *.nrrd, *.mha)\0"
+    L"*.nii.gz;*.nii;*.gz;*.dcm;*.nrrd;*.nhdr;*.mha;*.mhd\0All files\0*.*\0";
 constexpr const wchar_t* EXPORT_FILTER = L"Histograms (*.csv, *.txt)\0*.csv;*.txt\0All files\0*.*\0";
 
 std::optional<std::filesystem::path> Label_Save_Ask(HWND owner, const std::filesystem::path& start) {

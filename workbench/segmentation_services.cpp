@@ -65,7 +65,8 @@ int Segmentation_Services::Line_Ask(const std::string& title, const std::string&
 
 std::optional<std::filesystem::path> Segmentation_Services::Label_File_Ask(const std::string& title) {
     return Open_Ask(wiring.owner(), Wide_Of_Utf8(title).c_str(),
-                    L"Label volumes (*.nii.gz, *.nii)\0*.nii.gz;*.nii;*.gz\0All files\0*.*\0");
+                    L"Label volumes (*.nii.gz, *.nii, *.nrrd, *.mha)\0"
+                    L"*.nii.gz;*.nii;*.gz;*.nrrd;*.nhdr;*.mha;*.mhd\0All files\0*.*\0");
 }
 
 std::optional<std::filesystem::path> Segmentation_Services::Csv_File_Ask(const std::string& title,

@@ -40,7 +40,8 @@ Command_Line Command_Line_Parse(std::span<const std::string> arguments) {
 std::string Command_Line_Help() {
     return "workbench [OPTION ...] [FILE_OR_FOLDER ...]\n"
            "\n"
-           "Shows image volumes (DICOM, NIfTI .nii or .nii.gz, Analyze .hdr/.img) and edits their TAGs.\n"
+           "Shows image volumes (DICOM, NIfTI .nii or .nii.gz, NRRD, MetaImage, Analyze .hdr/.img) and edits their "
+           "TAGs.\n"
            "A folder is opened with everything below it.\n"
            "\n"
            "  --labels FILE   label volume of the first volume: loaded if it is there, and where the labels are saved\n"

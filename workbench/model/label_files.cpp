@@ -22,7 +22,8 @@ std::string Lower(std::string text) {
 /** A file's name without the endings of volumes; empty when it has none of them. */
 std::string Volume_Stem(const std::string& name) {
     const std::string lower = Lower(name);
-    for (const std::string_view ending : {".nii.gz", ".hdr.gz", ".img.gz", ".nii", ".hdr", ".img"}) {
+    for (const std::string_view ending :
+         {".nii.gz", ".hdr.gz", ".img.gz", ".nii", ".hdr", ".img", ".nrrd", ".nhdr", ".mha", ".mhd"}) {
         if (lower.size() > ending.size() && lower.ends_with(ending)) {
             return name.substr(0, name.size() - ending.size());
         }

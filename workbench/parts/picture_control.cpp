@@ -147,19 +147,17 @@ void Picture_Control::Picture_Save() {
     }
     const Pictured_View& view = views[static_cast<std::size_t>(chosen) / std::size(WAYS)];
     const Way& way = WAYS[static_cast<std::size_t>(chosen) % std::size(WAYS)];
-    const volumes::Picture picture =
-        way.is_screen ? view.screen(way.is_plain) : Slice_Picture(view.shown(), way.is_plain);
-    Save("Save picture", File_Name_Of(view.name), [&](const volumes::Load_Progress&) { return picture; });
+    volumes::Picture picture = way.is_screen ? view.screen(way.is_plain) : Slice_Picture(view.shown(), way.is_plain);
+    Save("Save picture", File_Name_Of(view.name), [&](const volumes::Load_Progress&) { return std::move(picture); });
 }
 
 void Picture_Control::Sheet_Save() {
-    const std::string title = "Save contact sheet";
     if (host.views().empty()) {
         return host.tell("There is no image to save a picture of");
     }
     const int slice_nb = host.slice_nb();
     const std::optional<std::string> answer =
-        host.text(title, "Every how many slices (1 to " + std::to_string(slice_nb) + "):",
+        host.text("Contact sheet", "Every how many slices (1 to " + std::to_string(slice_nb) + "):",
                   std::to_string(std::max((slice_nb + SHEET_SLICES - 1) / SHEET_SLICES, 1)));
     if (!answer) {
         return;
@@ -180,7 +178,8 @@ void Picture_Control::Sheet_Save() {
             parts.names.emplace_back(tag, host.letters(host.tag_name(tag)));
         }
     }
-    Save(title, "slices.png", [&](const volumes::Load_Progress& progress) { return Sheet_Draw(parts, progress); });
+    Save("Save contact sheet", "slices.png",
+         [&](const volumes::Load_Progress& progress) { return Sheet_Draw(parts, progress); });
 }
 
 }  // namespace workbench

@@ -28,9 +28,10 @@ bool Has_Ending(const std::string& name, std::string_view ending) {
            });
 }
 
-bool Is_Nifti_Name(const std::string& name) {
-    return std::ranges::any_of(std::initializer_list<std::string_view>{".nii", ".nii.gz", ".hdr", ".hdr.gz"},
-                               [&](std::string_view ending) { return Has_Ending(name, ending); });
+bool Is_Volume_Name(const std::string& name) {
+    return std::ranges::any_of(
+        std::initializer_list<std::string_view>{".nii", ".nii.gz", ".hdr", ".hdr.gz", ".nrrd", ".nhdr", ".mha", ".mhd"},
+        [&](std::string_view ending) { return Has_Ending(name, ending); });
 }
 
 bool Is_Dicom_Name(const std::string& name) {
@@ -46,7 +47,9 @@ struct Wanted {
 
 /** The voxels of a pair: they are read with their header, if that is read too. */
 bool Is_Voxels_Of_Pair(const Wanted& file, const std::string& name) {
-    if (file.is_named || (!Has_Ending(name, ".img") && !Has_Ending(name, ".img.gz"))) {
+    const auto ends = [&](const char* ending) { return Has_Ending(name, ending); };
+    const bool is_image = ends(".img") || ends(".img.gz");
+    if (file.is_named || (!is_image && !ends(".raw") && !ends(".raw.gz") && !ends(".zraw"))) {
         return false;
     }
     std::filesystem::path stem = file.path;
@@ -55,10 +58,12 @@ bool Is_Voxels_Of_Pair(const Wanted& file, const std::string& name) {
     }
     stem.replace_extension();
     std::error_code unknown;
-    return std::ranges::any_of(std::initializer_list<const char*>{".hdr", ".hdr.gz"}, [&](const char* ending) {
-        std::filesystem::path header = stem;
-        return std::filesystem::exists(header.concat(ending), unknown);
-    });
+    using Endings = std::initializer_list<const char*>;
+    return std::ranges::any_of(is_image ? Endings{".hdr", ".hdr.gz"} : Endings{".mhd", ".nhdr"},
+                               [&](const char* ending) {
+                                   std::filesystem::path header = stem;
+                                   return std::filesystem::exists(header.concat(ending), unknown);
+                               });
 }
 
 /** A sentence without the file's name at its beginning and the point at its end. */
@@ -208,7 +213,7 @@ class Folder_Reader {
     /** How a file is to be read. */
     enum class Kind { Nifti, Any, None };
     static Kind Kind_Of(const Wanted& file, const std::string& name) {
-        if (Is_Nifti_Name(name) && !Is_Dicom_Content(file.path)) {
+        if (Is_Volume_Name(name) && !Is_Dicom_Content(file.path)) {
             return Kind::Nifti;
         }
         return Is_Voxels_Of_Pair(file, name) ? Kind::None : Kind::Any;
@@ -247,7 +252,7 @@ class Folder_Reader {
         while (count < std::min(files.size(), together_most)) {
             std::error_code unknown;
             const std::uintmax_t size = std::filesystem::file_size(files[count].path, unknown);
-            if (unknown || size > size_most || Is_Nifti_Name(File_Name_Text(files[count].path))) {
+            if (unknown || size > size_most || Is_Volume_Name(File_Name_Text(files[count].path))) {
                 break;
             }
             ++count;

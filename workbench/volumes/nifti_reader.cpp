@@ -13,6 +13,7 @@
 #include "workbench/volumes/level_builder.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/nifti_header.h"
+#include "workbench/volumes/text_header_reader.h"
 
 namespace volumes {
 
@@ -416,6 +417,9 @@ void Path_Load(const std::filesystem::path& path, const Load_Progress& progress,
 
 Load_Result Volume_Load(const std::filesystem::path& path, const Load_Progress& progress,
                         const Load_Limits& limits) noexcept {
+    if (Text_Header_Find(path)) {
+        return Text_Header_Load(path, progress, limits);
+    }
     try {
         return Guarded(File_Name_Text(path), [&](Load_Result& result) { Path_Load(path, progress, limits, result); });
     } catch (...) {

@@ -9,7 +9,8 @@
 
 namespace volumes {
 
-/** Loads a file. Never throws. Memory is taken only for bytes that are there.
+/** Loads a file; one that begins as NRRD or MetaImage do is loaded as such (text_header_reader.h). Never throws. Memory
+ *  is taken only for bytes that are there.
  *  @param path the .nii file, or either file of a pair; UTF-8 text becomes a path by Path_From_Utf8 (message_text.h)
  *  @param progress may be empty; called on the caller's thread */
 Load_Result Volume_Load(const std::filesystem::path& path, const Load_Progress& progress = {},

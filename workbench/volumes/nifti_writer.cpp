@@ -14,6 +14,7 @@
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/nifti_header.h"
 #include "workbench/volumes/output_file.h"
+#include "workbench/volumes/text_header_writer.h"
 
 #define ZLIB_CONST
 #include <zlib.h>
@@ -202,6 +203,9 @@ std::string Write(const std::filesystem::path& path, const Volume& source, std::
 std::string Label_Volume_Write(const std::filesystem::path& path, const Volume& source,
                                std::span<const std::uint8_t> labels) noexcept {
     try {
+        if (Text_Header_Is_Name(path)) {
+            return Text_Header_Labels_Write(path, source, labels);
+        }
         return Write(path, source, labels);
     } catch (...) {
         return "Out of memory.";  // short enough to need none
