@@ -39,7 +39,7 @@ Picture_Host Application::Picture_Services() {
                              [&view](bool is_plain) { return view.Picture_Now(is_plain); }});
         };
         if (session.Has_Volume()) {
-            Stroke_End();
+            tools.Stroke_End();
             add(image.Slices(), *this);
             for (int view = 0; view < Plane_Views::VIEW_NB && image.Is_Planes(); ++view) {
                 add(image.Other(view), planes.User(view));

@@ -1,4 +1,5 @@
 // Numbers about labels: the table of the TAGs, and how labels agree with those of a file.
+#include <algorithm>
 #include <chrono>
 #include <new>
 #include <set>
@@ -60,7 +61,13 @@ std::string Segmentation_Control::Statistics_Title() const {
 }
 
 void Segmentation_Control::Statistics_Fill(std::span<const segmentation::Tag_Numbers> numbers) {
-    host.Statistics_Show(Statistics_Title(), Statistics_Text(numbers, Request_Of(host.Work().Image()), Words_Of(host)));
+    std::string text = Statistics_Text(numbers, Request_Of(host.Work().Image()), Words_Of(host));
+    const int tag = host.Hand().tag;
+    const auto own = std::ranges::find(numbers, tag, &segmentation::Tag_Numbers::tag);
+    if (tag != 0 && own != numbers.end()) {
+        text += '\n' + Areas_Text(*own, Input().grid, Name());
+    }
+    host.Statistics_Show(Statistics_Title(), text);
 }
 
 void Segmentation_Control::Statistics_Show() {

@@ -11,7 +11,8 @@ namespace workbench {
 
 namespace {
 
-constexpr int DIGITS = 4;  // of the numbers that people read
+constexpr int DIGITS = 4;       // of the numbers that people read
+constexpr double CURVE = 50.0;  // signs of the largest area
 
 /** Letters of a UTF-8 text. */
 std::size_t Letter_Nb(const std::string& text) {
@@ -86,6 +87,26 @@ std::string Statistics_Text(std::span<const segmentation::Tag_Numbers> rows,
         cells.push_back(std::move(line));
     }
     return Columns_Text(cells, 2);
+}
+
+std::string Areas_Text(const segmentation::Tag_Numbers& numbers, const segmentation::Label_Grid& grid,
+                       const std::string& name) {
+    double most = 0.0;
+    for (int slice = numbers.first_slice; slice <= numbers.last_slice; ++slice) {
+        most = std::max(most, segmentation::Slice_Area(numbers, slice, grid));
+    }
+    std::vector<std::vector<std::string>> cells = {{"Slice", "mm\xC2\xB2", ""}};
+    for (int slice = numbers.first_slice; slice <= numbers.last_slice; ++slice) {
+        const double area = segmentation::Slice_Area(numbers, slice, grid);
+        const double length = most > 0.0 ? area / most * CURVE : 0.0;
+        cells.push_back({std::to_string(slice + 1), Number_Text(area, DIGITS),
+                         '|' + std::string(static_cast<std::size_t>(length + 0.5), '#')});
+    }
+    // The signs begin below one another: their cells are as long as the longest.
+    for (std::vector<std::string>& line : cells) {
+        line[2].resize(static_cast<std::size_t>(CURVE) + 1, ' ');
+    }
+    return "Area of " + name + " in each slice\n\n" + Columns_Text(cells, 0);
 }
 
 std::string Agreement_Text(std::span<const Tag_Agreement> rows) {

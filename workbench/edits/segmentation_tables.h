@@ -18,6 +18,11 @@ std::string Columns_Text(std::span<const std::vector<std::string>> rows, std::si
 std::string Statistics_Text(std::span<const segmentation::Tag_Numbers> rows,
                             const segmentation::Statistics_Request& request, const segmentation::Csv_Words& words);
 
+/** The area of a TAG in each of its slices as a curve of signs, a line for a slice, under a title; the largest area is
+ *  as long as the line. @param name of the TAG */
+std::string Areas_Text(const segmentation::Tag_Numbers& numbers, const segmentation::Label_Grid& grid,
+                       const std::string& name);
+
 /** How a TAG of the work agrees with the same TAG of another volume of labels. */
 struct Tag_Agreement {
     int tag = 0;

@@ -497,6 +497,20 @@ TEST_F(With_Label_File, saves_the_statistics_as_a_table_with_units) {
     EXPECT_NE(host.warned.find("The table was not saved: statistics.csv"), std::string::npos) << host.warned;
 }
 
+TEST_F(Segmentation_Control_Test, the_area_of_the_tag_in_each_slice_is_a_curve_below_the_table) {
+    Set(1, {0, 1, 2, 6}, 1);
+    Set(3, {5}, 1);
+    control.Statistics_Show();
+    EXPECT_NE(host.table.find("\n\nArea of T1 in each slice\n\nSlice  mm\xC2\xB2\n"), std::string::npos) << host.table;
+    for (const std::string& wanted : {"\n    2    4  |" + std::string(50, '#') + '\n', std::string("\n    3    0  |\n"),
+                                      "\n    4    1  |" + std::string(13, '#') + '\n'}) {
+        EXPECT_NE(host.table.find(wanted), std::string::npos) << wanted << host.table;
+    }
+    host.hand.tag = 5;
+    control.Statistics_Show();
+    EXPECT_EQ(host.table.find("Area of"), std::string::npos) << "the TAG has no voxel";
+}
+
 TEST_F(Segmentation_Control_Test, the_table_follows_the_labels_while_it_is_shown) {
     control.Labels_Follow();
     EXPECT_EQ(host.table, "");
