@@ -178,7 +178,8 @@ struct Command_Double : File_Actions,
     void Report_State() override { Note("Report_State"); }
 
     Command_Parts Parts() {
-        return {*this, *this, *this, *this, *this, *this, *this, *this, *this, *this, *this, *this, *this, *this};
+        return {*this, *this, *this, *this, *this, *this, *this, *this,
+                *this, *this, *this, *this, *this, *this, *this};
     }
 
     std::vector<std::string> asked;      // "Slice_Step 1"

@@ -12,6 +12,7 @@
 
 #include "tests/workbench/volumes/loading.h"
 #include "tests/workbench/volumes/nifti_bytes.h"
+#include "workbench/volumes/image_folder.h"
 #include "workbench/volumes/nifti_reader.h"
 #include "workbench/volumes/nifti_writer.h"
 #include "workbench/volumes/text_header_reader.h"
@@ -330,4 +331,22 @@ TEST(Text_Header, labels_are_written_as_their_name_says) {
         EXPECT_EQ(read.volume->nt, 2);
         EXPECT_EQ(read.volume->levels, std::vector<std::int32_t>(labels.begin(), labels.end()));
     }
+}
+
+TEST(Text_Header, a_folder_gives_its_volumes_and_passes_over_the_voxels_of_their_headers) {
+    Temporary_Folder folder;
+    const auto write = [&](const char* name, const std::string& text) {
+        std::ofstream(folder / name, std::ios::binary) << text;
+    };
+    write("a.mhd", meta_head + "ElementDataFile = a.raw\n");
+    write("a.raw", Shorts(24, false));
+    write("b.NRRD", nrrd_head + "endian: little\nencoding: raw\n\n" + Shorts(24, false));
+    write("lonely.raw", Shorts(24, false));
+    const std::vector<std::filesystem::path> paths = {folder.path};
+    const Image_Folder opened = Image_Folder_Open(paths);
+    ASSERT_EQ(opened.volumes.size(), 2U);
+    EXPECT_EQ(opened.volumes[0].volume.levels, Levels(24));
+    EXPECT_EQ(opened.volumes[1].volume.levels, Levels(24));
+    ASSERT_EQ(opened.problems.size(), 1U);
+    EXPECT_EQ(opened.problems[0].path.filename(), "lonely.raw");
 }
