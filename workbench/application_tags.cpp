@@ -188,6 +188,7 @@ void Application::Marker_Step(int step) {
 }
 
 void Application::Marker_Remove() {
+    tools.Settle();  // a marker that is being dragged is put down first
     Marker_Place(variables.Marker_Cur(), Marker{});
 }
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -56,45 +57,44 @@ TEST(Slice_Frames, every_slice_of_every_volume_gets_a_frame_with_its_histogram) 
 TEST(Slice_Frames, the_share_that_is_done_grows_to_all_of_it) {
     const std::vector<volumes::Folder_Volume> opened = Two_Volumes();
     std::vector<double> told;
-    Slice_Frames_Make(opened, [&](double done) {
-        told.push_back(done);
-        return true;
-    });
-    ASSERT_EQ(told.size(), 10U) << "after every slice";
-    for (std::size_t at = 0; at < told.size(); ++at) {
-        EXPECT_DOUBLE_EQ(told[at], static_cast<double>(at + 1) / 10.0);
-    }
+    EXPECT_FALSE(Slice_Frames_Make(opened, [&](double done) {
+                     told.push_back(done);
+                     return true;
+                 }).empty());
+    ASSERT_FALSE(told.empty());
+    EXPECT_TRUE(std::ranges::is_sorted(told));
+    EXPECT_GE(told.front(), 0.0);
+    EXPECT_EQ(told.back(), 1.0);
 }
 
-TEST(Slice_Frames, giving_up_ends_it_at_the_next_slice) {
+TEST(Slice_Frames, giving_up_ends_it_and_is_not_asked_again) {
     const std::vector<volumes::Folder_Volume> opened = Two_Volumes();
     int asked = 0;
-    EXPECT_TRUE(Slice_Frames_Make(opened, [&](double) { return ++asked < 3; }).empty());
-    EXPECT_EQ(asked, 3);
+    EXPECT_TRUE(Slice_Frames_Make(opened, [&](double) { return ++asked < 1; }).empty());
+    EXPECT_EQ(asked, 1);
 }
 
 TEST(Slice_Frames, another_thread_makes_them_and_this_one_gives_up) {
     const std::vector<volumes::Folder_Volume> opened = Two_Volumes();
     for (int round = 0; round < 20; ++round) {
-        std::atomic<double> share = 0.0;
+        std::atomic<bool> is_asked = false;
         std::atomic<bool> is_given_up = false;
         std::vector<Slice_Frames> made;
         std::thread worker([&] {
-            made = Slice_Frames_Make(opened, [&](double done) {
-                share = done;
-                while (done >= 0.5 && !is_given_up) {
+            made = Slice_Frames_Make(opened, [&](double) {
+                is_asked = true;
+                while (!is_given_up) {
                     std::this_thread::yield();
                 }
-                return !is_given_up;
+                return false;
             });
         });
-        while (share < 0.5) {
+        while (!is_asked) {
             std::this_thread::yield();
         }
         is_given_up = true;
         worker.join();
         EXPECT_TRUE(made.empty());
-        EXPECT_EQ(share, 0.5);
     }
 }
 

@@ -11,13 +11,20 @@ namespace workbench {
 
 namespace {
 
-constexpr double STEP_SHARE = 0.1;   // of the tolerance, by which a step changes it
-constexpr double DRAG_SHARE = 0.04;  // of the tolerance at the press, per pixel
+constexpr double STEP_SHARE = 0.1;                           // of the tolerance, by which a step changes it
+constexpr std::int64_t REACH_MOST = std::int64_t{1} << 22U;  // levels: each takes room, and a step of finding
+constexpr double DRAG_SHARE = 0.04;                          // of the tolerance at the press, per pixel
 
 }  // namespace
 
-segmentation::Edit_Input Growth_Tool::Input() const {
-    return growing->ground ? growing->ground->Input(host) : Volume_Input(host);
+segmentation::Edit_Input Growth_Tool::Input(const Growing_Region& of) const {
+    return of.ground ? of.ground->Input(host) : Volume_Input(host);
+}
+
+std::int32_t Growth_Tool::Reach_Wanted() const {
+    const volumes::Volume& image = host.work().Image();
+    const std::int64_t all = std::int64_t{image.level_max} - image.level_min;
+    return static_cast<std::int32_t>(std::min({2 * std::int64_t{Levels()}, all, REACH_MOST}));
 }
 
 Pixel_Rect Growth_Tool::Press(const Tool_Spot& spot, Tool_Hand) {
@@ -47,30 +54,33 @@ Pixel_Rect Growth_Tool::Press(const Tool_Spot& spot, Tool_Hand) {
         host.warn("There is not enough memory to grow a region.");
         return {};
     }
-    if (Find(2 * Levels())) {
+    if (Find()) {
         Tell();
     }
     return {};
 }
 
-bool Growth_Tool::Find(std::int32_t reach) {
+bool Growth_Tool::Find() {
+    // The window's messages go on meanwhile, and may drop what is in hand: the thread has the region to itself.
+    Growing_Region region = std::move(*growing);
+    growing.reset();
+    region.reach = Reach_Wanted();
     try {
         std::optional<segmentation::Region_Growth> found;
         host.run("Grow a region", [&](const segmentation::Edit_Progress& progress) {
-            segmentation::Edit_Input input = Input();
+            segmentation::Edit_Input input = Input(region);
             input.progress = progress;
-            found = segmentation::Region_Growth::Find(input, growing->flood, reach);
+            found = segmentation::Region_Growth::Find(input, region.flood, region.reach);
         });
         if (found) {
-            growing->growth = std::move(*found);
-            growing->reach = reach;
+            region.growth = std::move(*found);
+            growing = std::move(region);
             return true;
         }
         host.tell("Growing was given up: nothing has changed");
     } catch (const std::bad_alloc&) {
         host.warn("There is not enough memory to grow a region. Nothing has changed.");
     }
-    growing.reset();
     host.note(Change::View);
     return false;
 }
@@ -78,7 +88,7 @@ bool Growth_Tool::Find(std::int32_t reach) {
 void Growth_Tool::Tolerance_Set(double wanted) {
     const double level = std::abs(host.work().Image().slope);
     settings.tolerance = std::clamp(wanted, 0.0, level * volumes::LEVEL_LARGEST / 4);
-    if (Levels() > growing->reach && !Find(2 * Levels())) {
+    if (Levels() > growing->reach && Reach_Wanted() > growing->reach && !Find()) {
         return;
     }
     Tell();
@@ -120,7 +130,7 @@ bool Growth_Tool::Accept() {
     }
     const std::string title = "Grow " + host.tag_name(growing->flood.tag);
     try {
-        segmentation::Label_Edit edit = growing->growth.Edit(Input(), Levels());
+        segmentation::Label_Edit edit = growing->growth.Edit(Input(*growing), Levels());
         const std::uint64_t voxel_nb = edit.voxel_nb;
         Voxel_Change change = growing->ground ? growing->ground->Change_By(edit) : Voxel_Change{std::move(edit.slices)};
         growing.reset();

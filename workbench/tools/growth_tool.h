@@ -47,9 +47,12 @@ class Growth_Tool : public Image_Tool {
     void Preview(const Plane_Cut& cut, std::span<std::uint8_t> picture) const;
 
   private:
-    segmentation::Edit_Input Input() const;
-    /** Finds what a tolerance reaches. @return false: given up, or no memory; nothing is begun then */
-    bool Find(std::int32_t reach);
+    segmentation::Edit_Input Input(const Growing_Region& of) const;
+    /** Finds what the tolerance, and as much again, reaches. @return false: given up, or no memory; nothing is begun
+     *  then */
+    bool Find();
+    /** Levels that a growth should know for the tolerance: never more than the image has. */
+    std::int32_t Reach_Wanted() const;
     void Tolerance_Set(double wanted);
     std::int32_t Levels() const { return Levels_Of_Greys(settings.tolerance, host.work().Image()); }
     void Tell() const;

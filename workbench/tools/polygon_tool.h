@@ -37,7 +37,7 @@ class Polygon_Tool : public Image_Tool {
     Polygon_Tool(const Tool_Host& tool_host, Polygon_Kind polygon_kind) : host(tool_host), kind(polygon_kind) {}
 
     std::string Hint() const override;
-    bool Is_For(Tool_Hand hand) const override { return hand != Tool_Hand::Pen || kind == Polygon_Kind::Lasso; }
+    bool Is_For(Tool_Hand hand) const override { return hand != Tool_Hand::Pen; }
     Pixel_Rect Press(const Tool_Spot& spot, Tool_Hand hand) override;
     Pixel_Rect Move(const Tool_Spot& spot) override;
     void Release() override;

@@ -136,7 +136,7 @@ std::string Tool_Box::Brush_Note() const {
 }
 
 Pixel_Rect Tool_Box::Press(const Tool_Spot& spot, Tool_Hand hand) {
-    Stroke_End();  // a stroke belongs to one picture
+    Settle();  // what is held belongs to one picture
     held = In_Hand().Is_For(hand) ? &In_Hand() : &paint;
     return held->Press(spot, hand);
 }

@@ -252,7 +252,9 @@ class Folder_Reader {
         while (count < std::min(files.size(), together_most)) {
             std::error_code unknown;
             const std::uintmax_t size = std::filesystem::file_size(files[count].path, unknown);
-            if (unknown || size > size_most || Is_Volume_Name(File_Name_Text(files[count].path))) {
+            const std::string name = File_Name_Text(files[count].path);
+            // What is packed may become large, and then each must find the room that those before have left.
+            if (unknown || size > size_most || Is_Volume_Name(name) || name.ends_with(".gz")) {
                 break;
             }
             ++count;
@@ -291,10 +293,11 @@ class Folder_Reader {
             return !is_given_up;
         };
         const bool is_done = Work_Share(files.size(), Work_Thread_Nb(files.size()), read, go_on);
-        done_nb = begun_at + files.size();
         for (std::size_t at = 0; is_done && at < files.size() && !folder.is_cancelled; ++at) {
+            done_nb = begun_at + at;
             Guarded(files[at].path, [&] { Take_Early(files[at], std::move(early[at])); });
         }
+        done_nb = begun_at + files.size();
     }
 
     /** @param decoded bytes of levels that have been made and not taken over yet */

@@ -102,6 +102,31 @@ TEST_F(Fill_Test, without_a_band_it_says_so_and_outside_nothing_happens) {
     EXPECT_EQ(app.Step_Nb(), 0U);
 }
 
+TEST_F(Fill_Test, a_tolerance_beyond_all_levels_grows_over_all_of_them) {
+    settings.is_in_space = true;
+    settings.tolerance = 1e12;
+    Click(growth, app.In_Slice(4.5, 4.5, 3));
+    ASSERT_TRUE(growth.Is_Growing());
+    EXPECT_TRUE(growth.Step(1));
+    EXPECT_TRUE(growth.Accept());
+    EXPECT_EQ(std::ranges::count(app.Tags(), 1), std::ssize(app.Tags()));
+}
+
+TEST_F(Fill_Test, what_is_told_while_a_region_is_found_does_not_take_it_from_the_thread) {
+    const auto run = host.run;
+    host.run = [&](const std::string& what, const std::function<void(const segmentation::Edit_Progress&)>& action) {
+        growth.Follow(Change::Pixels);
+        run(what, action);
+        growth.Follow(Change::Pixels);
+    };
+    settings.tolerance = 20.0;
+    Click(growth, app.In_Slice(4.5, 4.5, 3));
+    EXPECT_TRUE(growth.Is_Growing());
+    settings.tolerance = 40.0;
+    EXPECT_TRUE(growth.Step(3));
+    EXPECT_TRUE(growth.Accept());
+}
+
 TEST_F(Fill_Test, random_fills_and_growths_in_all_planes_agree_with_a_plain_model) {
     std::mt19937 random(11);
     const auto below = [&random](int most) { return std::uniform_int_distribution<int>(0, most - 1)(random); };

@@ -29,6 +29,7 @@ inline volumes::Volume Tool_Volume() {
     for (std::size_t at = 0; at < volume.levels.size(); ++at) {
         volume.levels[at] = static_cast<std::int32_t>(at);
     }
+    volume.level_max = volume.levels.back();
     return volume;
 }
 
