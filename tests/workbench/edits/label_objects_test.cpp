@@ -97,8 +97,9 @@ class Label_Objects_Test : public testing::Test {
         host.files = opened.files;
         host.file_of_slice = opened.volumes.front().file_of_slice;
         host.session.Take(std::move(opened.volumes.front().volume), opened.files.front());
-        host.description.tags = {{.number = 2, .color = 0x123456, .is_locked = true, .low = 95.0F, .name = "Liver"},
-                                 {.number = 9, .color = 0xABCDEF, .name = {}}};
+        host.description.tags = {
+            {.number = 2, .color = 0x123456, .is_locked = true, .low = 95.0F, .high = {}, .name = "Liver"},
+            {.number = 9, .color = 0xABCDEF, .low = {}, .high = {}, .name = {}}};
         host.file_answer = folder / "out.dcm";
         Paint(2, 0, 1, 1);
         Paint(9, 2, 3, 0);
@@ -133,7 +134,7 @@ TEST_F(Label_Objects_Test, what_was_saved_is_loaded_with_names_and_colours) {
     EXPECT_EQ(host.offered.filename(), "CT 3 abdomen_seg.dcm");
     EXPECT_TRUE(Label_Objects::Is_Object_File(folder / "out.dcm"));
 
-    host.description.tags = {{.number = 2, .color = 0, .is_locked = true, .low = 95.0F, .name = "Other"}};
+    host.description.tags = {{.number = 2, .color = 0, .is_locked = true, .low = 95.0F, .high = {}, .name = "Other"}};
     const std::optional<Object_Labels> loaded = objects.Load(folder / "out.dcm");
     ASSERT_TRUE(loaded);
     std::vector<std::uint8_t> tags = host.session.Tags_In_File_Order();
@@ -143,7 +144,8 @@ TEST_F(Label_Objects_Test, what_was_saved_is_loaded_with_names_and_colours) {
     ASSERT_THAT(loaded->description.tags, SizeIs(2));
     const Tag_Description& liver = loaded->description.tags[0];
     EXPECT_EQ(liver,
-              (Tag_Description{.number = 2, .color = 0x123456, .is_locked = true, .low = 95.0F, .name = "Liver"}));
+              (Tag_Description{
+                  .number = 2, .color = 0x123456, .is_locked = true, .low = 95.0F, .high = {}, .name = "Liver"}));
     EXPECT_EQ(loaded->description.tags[1].name, "TAG 9");
     EXPECT_EQ(loaded->description.tags[1].color, 0xABCDEFU);
     EXPECT_EQ(host.session.Labels_Compare(loaded->volume).relation, Grid_Relation::Same);
