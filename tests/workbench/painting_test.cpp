@@ -50,7 +50,8 @@ struct Slice {
     }
     Pixel_Rect Line(const Brush_Footprint& brush, int x0, int y0, int x1, int y1, const Paint_Ink& ink) {
         Voxel_Stroke stroke(Cut(), brush, ink);
-        return Rect_Union(stroke.Dab({pixels, {}}, x0, y0), stroke.Line_To({pixels, {}}, x1, y1));
+        const Pixel_Rect begin = stroke.Dab({pixels, {}}, x0, y0);
+        return Rect_Union(begin, stroke.Line_To({pixels, {}}, x1, y1));
     }
     std::uint8_t At(int x, int y) const { return pixels[static_cast<std::size_t>(y * WIDTH + x)]; }
 };

@@ -13,8 +13,10 @@ GEOMETRY = "Labels of another geometry"
 LEFT = "Work that was not saved"
 
 
-def load(app, labels):
+def load(app, labels, drops_work=False):
     app.key("ctrl+l")
+    if drops_work:
+        app.answer_key("Unsaved work", "alt+n")
     return app.choose_file("Load labels", labels)
 
 
@@ -81,11 +83,12 @@ def labels_that_lie_elsewhere_are_asked_about(run):
     app.answer_key(GEOMETRY, "alt+i")
     app.expect("by index every voxel stays where it is in the file", lambda s: s.count(1) == PART, slice_pixels=0)
     run.same("and says so", len(app.said("warning moved.nii.gz was laid on by index")), 1)
+    app.expect("no file holds them so: they are to be saved", unsaved=1)
     app.key("Escape")
-    load(app, moved)
+    load(app, moved, drops_work=True)
     app.answer_key(GEOMETRY, "alt+r")
     app.expect("resampled, the box is where it is in the patient", lambda s: s.count(1) == PART, slice_pixels=21 * 16)
-    load(app, run.box_labels("coarse"))
+    load(app, run.box_labels("coarse"), drops_work=True)
     app.answer_key(GEOMETRY, "alt+r")
     app.expect("labels of larger voxels are resampled", lambda s: 3000 < s.count(1) != PART)
     run.same("after a question", len(app.said("ask labels_place")), 4)
