@@ -201,15 +201,19 @@ std::optional<Object_Labels> Label_Objects::Load(const std::filesystem::path& fi
         host.Tell("Loading was given up");
         return std::nullopt;
     }
+    const auto said_of_it = [&](const std::string& what) {
+        std::string text = name;
+        return text.append(" ").append(what).append(".");
+    };
     if (!read.labels) {
-        host.Warn(name + ' ' + read.error + '.');
+        host.Warn(said_of_it(read.error));
         return std::nullopt;
     }
     if (!May_Load(name, read.owner)) {
         return std::nullopt;
     }
     for (const std::string& warning : read.warnings) {
-        host.Warn(name + ' ' + warning + '.');
+        host.Warn(said_of_it(warning));
     }
     Object_Labels loaded{std::move(*read.labels), {}};
     // What an object does not say of a TAG stays as it is.

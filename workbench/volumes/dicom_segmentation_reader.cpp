@@ -188,6 +188,7 @@ void Segmentation_Reader::Segments_Read() {
 // On entry the TAGs are the segments' numbers.
 void Segmentation_Reader::Tags_Give(const std::vector<std::string>& descriptions) {
     std::vector<int> told;
+    told.reserve(descriptions.size());
     for (const std::string& text : descriptions) {
         told.push_back(Tag_Of_Description(text));
     }
@@ -300,6 +301,7 @@ bool Segmentation_Reader::Is_Coarser(const std::map<std::array<std::int32_t, 3>,
         return false;
     }
     std::vector<double> depths;
+    depths.reserve(depth_of.size());
     for (const auto& [origin, depth] : depth_of) {
         depths.push_back(depth);
     }
@@ -384,6 +386,7 @@ double Segmentation_Reader::Own_Distance(const std::vector<double>& depths, cons
 void Segmentation_Reader::On_Own_Grid() {
     Placed_Picture first = Picture_Of(frames.front().number);
     std::vector<double> depths;
+    depths.reserve(frames.size());
     for (const Frame& frame : frames) {
         depths.push_back(Slice_Depth(Picture_Of(frame.number).place));
         first = depths.back() < Slice_Depth(first.place) ? Picture_Of(frame.number) : first;

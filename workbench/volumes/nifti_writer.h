@@ -16,8 +16,8 @@ namespace volumes {
  *  A source whose geometry came from NIfTI passes its geometry fields on unchanged (NIfTI-2's doubles become floats,
  *  the format's own type); any other gets its affine as sform.
  *
- *  A name that ends in ".nrrd", ".nhdr", ".mha" or ".mhd" gives labels of eight bits in that format
- * (text_header_writer.h).
+ *  A name that ends in ".nrrd", ".nhdr", ".mha" or ".mhd" gives labels of eight bits in that format (see
+ *  text_header_writer.h).
  *
  *  @param labels one per voxel of `source`, of one time point or of all, in the order of Volume::levels
  *  @return empty on success, else one sentence for the user, UTF-8, naming the file */

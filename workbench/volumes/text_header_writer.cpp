@@ -166,6 +166,8 @@ bool Text_Header_Is_Name(const std::filesystem::path& path) {
 
 std::string Text_Header_Labels_Write(const std::filesystem::path& path, const Volume& source,
                                      std::span<const std::uint8_t> labels) noexcept {
+    // Guarded catches what is thrown.
+    // cppcheck-suppress throwInNoexceptFunction
     return Guarded(path, [&](Text_Header_Kind kind, Output_File& file) {
         const std::size_t one_time = source.Voxel_Nb_3D();
         const bool is_of_one = labels.size() == one_time;
