@@ -20,7 +20,7 @@ std::uint64_t Word(const std::uint8_t* bytes) {
 
 }  // namespace
 
-Voxel_Stroke::Voxel_Stroke(Plane_Cut picture, Brush_Body stroke_brush, const Paint_Ink& stroke_ink)
+Voxel_Stroke::Voxel_Stroke(const Plane_Cut& picture, Brush_Body stroke_brush, const Paint_Ink& stroke_ink)
     : cut(picture), brush(std::move(stroke_brush)), ink(stroke_ink) {
     for (std::size_t tag = 0; tag < takes.size(); ++tag) {
         // A voxel that has the ink's TAG stays: so each is noted once, with the TAG that it had before the stroke.

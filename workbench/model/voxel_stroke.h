@@ -22,7 +22,7 @@ struct Stroke_Ground {
 class Voxel_Stroke {
   public:
     /** @param picture that the brush is led over, of the volume that the grounds are */
-    Voxel_Stroke(Plane_Cut picture, Brush_Body stroke_brush, const Paint_Ink& stroke_ink);
+    Voxel_Stroke(const Plane_Cut& picture, Brush_Body stroke_brush, const Paint_Ink& stroke_ink);
 
     /** The slices that the brush may touch on a straight way; outside there are none. */
     Touched_Slices Slices(int x0, int y0, int x1, int y1) const;

@@ -2,7 +2,6 @@
 #include <charconv>
 #include <cmath>
 #include <map>
-#include <new>
 #include <numeric>
 #include <utility>
 
@@ -14,8 +13,8 @@
 #include "workbench/volumes/dicom_data_set.h"
 #include "workbench/volumes/dicom_fields.h"
 #include "workbench/volumes/dicom_frames.h"
+#include "workbench/volumes/dicom_label_reading.h"
 #include "workbench/volumes/dicom_pixels.h"
-#include "workbench/volumes/dicom_reader.h"
 #include "workbench/volumes/dicom_segmentation.h"
 #include "workbench/volumes/dicom_stored_frames.h"
 #include "workbench/volumes/frame_voxels.h"
@@ -32,9 +31,6 @@ constexpr int TAG_MOST = 255;
 constexpr std::int32_t SEGMENT_NUMBER_MOST = 65535;
 
 enum class Kind { Binary, Label_Map, Shares };
-
-/** The progress callback gave up. */
-struct Given_Up {};
 
 Coded_Concept Concept_Read(DcmItem& item, const DcmTagKey& tag) {
     DcmItem* const code = Field_Item(item, tag);
@@ -425,21 +421,8 @@ void Segmentation_Reader::On_Own_Grid() {
 }
 
 void Segmentation_Reader::Labels_Begin(const Volume& like) {
-    const std::uint64_t size = static_cast<std::uint64_t>(like.Voxel_Nb_3D()) * sizeof(std::int32_t);
-    if (size > limits.decoded_bytes) {
-        throw Dicom_Refusal{"needs more memory than the limit of " + Size_Text(limits.decoded_bytes)};
-    }
-    Volume& labels = result.labels.emplace();
-    labels.nx = like.nx;
-    labels.ny = like.ny;
-    labels.nz = like.nz;
-    labels.nt = 1;
-    labels.spacing = like.spacing;
-    labels.affine = like.affine;
-    labels.affine_source = like.affine_source;
-    labels.scalar_type = "uint8";
-    labels.encoding = source.syntax_name;
-    labels.levels.resize(like.Voxel_Nb_3D());
+    result.labels = Labels_Like(like, limits);
+    result.labels->encoding = source.syntax_name;
 }
 
 void Segmentation_Reader::Frame_Lay(const Frame& frame, std::span<const std::int64_t> values) {
@@ -490,7 +473,7 @@ void Segmentation_Reader::Labels_Fill() {
     std::vector<std::int64_t> values(static_cast<std::size_t>(format.width) * static_cast<std::size_t>(format.height));
     for (std::size_t at = 0; at < frames.size(); ++at) {
         if (progress && !progress(static_cast<double>(at) / static_cast<double>(frames.size()))) {
-            throw Given_Up();
+            throw Label_Reading_Given_Up();
         }
         stored->Frame(frames[at].number, room);
         has_damage = has_damage || room.has_warnings;
@@ -526,9 +509,7 @@ void Segmentation_Reader::Warnings_Tell() {
 Segmentation_Result Segmentation_Reader::Read() {
     Data_Set_Read(bytes, limits.decoded_bytes, file, source);
     result.warnings = source.warnings;
-    if (image.affine_source == Affine_Source::Spacing || image.affine_source == Affine_Source::Chosen) {
-        throw Dicom_Refusal{"cannot be laid on the image, whose file does not say where it lies in the patient"};
-    }
+    Image_Place_Demand(image);
     result.owner = Owner_Of(Data_Set());
     Kind_Read();
     if (result.is_other_object) {
@@ -559,26 +540,10 @@ std::string Tag_Description_Text(int tag) {
 Segmentation_Result Dicom_Segmentation_Read(std::span<const std::uint8_t> file, const Volume& image,
                                             std::optional<double> threshold, const Load_Limits& limits,
                                             const Load_Progress& progress) noexcept {
-    Segmentation_Result failed;
-    try {
-        try {
-            if (!Dicom_Is_Likely(file)) {
-                failed.error = "is no DICOM file";
-                return failed;
-            }
-            return Segmentation_Reader(file, image, threshold, limits, progress).Read();
-        } catch (const Dicom_Refusal& refusal) {
-            failed.error = refusal.text;
-        } catch (const Given_Up&) {
-            failed.is_cancelled = true;
-            failed.error = "was given up";
-        } catch (const std::bad_alloc&) {
-            failed.error = "needs more memory than there is";
-        }
-    } catch (...) {
-        failed.error = "cannot be read";  // short enough to need no memory
-    }
-    return failed;
+    // What is thrown is caught by Labels_Read_Guarded.
+    // cppcheck-suppress throwInNoexceptFunction
+    const auto read = [&] { return Segmentation_Reader(file, image, threshold, limits, progress).Read(); };
+    return Labels_Read_Guarded(file, read);
 }
 
 }  // namespace volumes

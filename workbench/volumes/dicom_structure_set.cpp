@@ -3,7 +3,6 @@
 #include <cmath>
 #include <iterator>
 #include <map>
-#include <new>
 #include <set>
 #include <utility>
 
@@ -13,7 +12,7 @@
 #include "dcmtk/dcmdata/dcuid.h"
 #include "workbench/volumes/dicom_data_set.h"
 #include "workbench/volumes/dicom_fields.h"
-#include "workbench/volumes/dicom_reader.h"
+#include "workbench/volumes/dicom_label_reading.h"
 #include "workbench/volumes/dicom_segmentation.h"
 #include "workbench/volumes/frame_voxels.h"
 #include "workbench/volumes/message_text.h"
@@ -24,9 +23,6 @@ namespace volumes {
 namespace {
 
 constexpr int TAG_MOST = 255;
-
-/** The progress callback gave up. */
-struct Given_Up {};
 
 /** All numbers of a value; empty when one is none. */
 std::vector<double> Numbers_Of(DcmItem& item, const DcmTagKey& tag) {
@@ -76,13 +72,14 @@ class Structure_Reader {
             result.error = "is neither a segmentation object nor a structure set";
             return std::move(result);
         }
-        if (!to_voxels.Is_Usable() || image.affine_source == Affine_Source::Spacing ||
-            image.affine_source == Affine_Source::Chosen) {
+        Image_Place_Demand(image);
+        if (!to_voxels.Is_Usable()) {
             throw Dicom_Refusal{"cannot be laid on the image, whose file does not say where it lies in the patient"};
         }
         result.owner = Owner_Of(data_set);
         Regions_Read(data_set);
-        Labels_Begin();
+        result.labels = Labels_Like(image, limits);
+        result.is_on_image = true;
         const std::vector<DcmItem*> contoured = Field_Items(data_set, DCM_ROIContourSequence);
         for (std::size_t at = 0; at < contoured.size(); ++at) {
             done = static_cast<double>(at) / static_cast<double>(contoured.size());
@@ -124,23 +121,6 @@ class Structure_Reader {
         }
     }
 
-    void Labels_Begin() {
-        if (static_cast<std::uint64_t>(image.Voxel_Nb_3D()) * sizeof(std::int32_t) > limits.decoded_bytes) {
-            throw Dicom_Refusal{"needs more memory than the limit of " + Size_Text(limits.decoded_bytes)};
-        }
-        Volume& labels = result.labels.emplace();
-        labels.nx = image.nx;
-        labels.ny = image.ny;
-        labels.nz = image.nz;
-        labels.nt = 1;
-        labels.spacing = image.spacing;
-        labels.affine = image.affine;
-        labels.affine_source = image.affine_source;
-        labels.scalar_type = "uint8";
-        labels.levels.resize(image.Voxel_Nb_3D());
-        result.is_on_image = true;
-    }
-
     void Region_Fill(DcmItem& region) {
         const std::optional<std::int32_t> number = Field_Integer(region, DCM_ReferencedROINumber);
         const auto known = number ? regions.find(*number) : regions.end();
@@ -158,7 +138,7 @@ class Structure_Reader {
         const std::vector<DcmItem*> contours = Field_Items(region, DCM_ContourSequence);
         for (std::size_t at = 0; at < contours.size(); ++at) {
             if (progress && !progress(done + share * static_cast<double>(at) / static_cast<double>(contours.size()))) {
-                throw Given_Up();
+                throw Label_Reading_Given_Up();
             }
             Contour_Read(*contours[at], planes);
         }
@@ -310,26 +290,9 @@ class Structure_Reader {
 
 Segmentation_Result Dicom_Structure_Set_Read(std::span<const std::uint8_t> file, const Volume& image,
                                              const Load_Limits& limits, const Load_Progress& progress) noexcept {
-    Segmentation_Result failed;
-    try {
-        try {
-            if (!Dicom_Is_Likely(file)) {
-                failed.error = "is no DICOM file";
-                return failed;
-            }
-            return Structure_Reader(file, image, limits, progress).Read();
-        } catch (const Dicom_Refusal& refusal) {
-            failed.error = refusal.text;
-        } catch (const Given_Up&) {
-            failed.is_cancelled = true;
-            failed.error = "was given up";
-        } catch (const std::bad_alloc&) {
-            failed.error = "needs more memory than there is";
-        }
-    } catch (...) {
-        failed.error = "cannot be read";  // short enough to need no memory
-    }
-    return failed;
+    // What is thrown is caught there.
+    // cppcheck-suppress throwInNoexceptFunction
+    return Labels_Read_Guarded(file, [&] { return Structure_Reader(file, image, limits, progress).Read(); });
 }
 
 }  // namespace volumes
