@@ -52,6 +52,8 @@ void Scroll_Plane(benchmark::State& state) {
         return content;
     };
     host.markers = [] { return std::vector<Placed_Marker>(); };
+    host.tool_paths = [](const Plane_Cut&) { return std::vector<Shown_Path>(); };
+    host.tool_preview = [](const Plane_Cut&, std::span<const std::uint8_t> tags) { return tags; };
     host.stroke_end = [] {};
     host.moved = [] {};
     Plane_Views views(session, std::move(host));

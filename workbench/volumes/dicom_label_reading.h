@@ -20,14 +20,14 @@ void Image_Place_Demand(const Volume& image);
 /** Background everywhere, on the voxels of another volume. Throws Dicom_Refusal: more than the limit. */
 Volume Labels_Like(const Volume& like, const Load_Limits& limits);
 
-/** Runs a reader of any bytes. @return what it gives, or why there is nothing */
-template <class Reading>
-Segmentation_Result Labels_Read_Guarded(std::span<const std::uint8_t> file, Reading reading) noexcept {
+/** Runs a Reader, made of any bytes and what else it needs. @return what it gives, or why there is nothing */
+template <class Reader, class... Needs>
+Segmentation_Result Labels_Read_Guarded(std::span<const std::uint8_t> file, const Needs&... needs) noexcept {
     Segmentation_Result failed;
     try {
         try {
             if (Dicom_Is_Likely(file)) {
-                return reading();
+                return Reader(file, needs...).Read();
             }
             failed.error = "is no DICOM file";
         } catch (const Dicom_Refusal& refusal) {

@@ -540,10 +540,7 @@ std::string Tag_Description_Text(int tag) {
 Segmentation_Result Dicom_Segmentation_Read(std::span<const std::uint8_t> file, const Volume& image,
                                             std::optional<double> threshold, const Load_Limits& limits,
                                             const Load_Progress& progress) noexcept {
-    // What is thrown is caught by Labels_Read_Guarded.
-    // cppcheck-suppress throwInNoexceptFunction
-    const auto read = [&] { return Segmentation_Reader(file, image, threshold, limits, progress).Read(); };
-    return Labels_Read_Guarded(file, read);
+    return Labels_Read_Guarded<Segmentation_Reader>(file, image, threshold, limits, progress);
 }
 
 }  // namespace volumes

@@ -290,9 +290,7 @@ class Structure_Reader {
 
 Segmentation_Result Dicom_Structure_Set_Read(std::span<const std::uint8_t> file, const Volume& image,
                                              const Load_Limits& limits, const Load_Progress& progress) noexcept {
-    // What is thrown is caught there.
-    // cppcheck-suppress throwInNoexceptFunction
-    return Labels_Read_Guarded(file, [&] { return Structure_Reader(file, image, limits, progress).Read(); });
+    return Labels_Read_Guarded<Structure_Reader>(file, image, limits, progress);
 }
 
 }  // namespace volumes
