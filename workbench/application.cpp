@@ -5,6 +5,7 @@
 
 #include "kits/common/contract.h"
 #include "kits/common/messages.h"
+#include "workbench/crash_report.h"
 #include "workbench/enlarged_icon.h"
 #include "workbench/enlarged_keyboard.h"
 #include "workbench/enlarged_wheel.h"
@@ -64,7 +65,8 @@ Application::Application(const Command_Line& command_line)
     variables.Define();
     classes.emplace();
     class_history.Begin(classes->Root_1D(), classes->Root_3D());
-    Adopt_Names();
+    labels.Adopt();
+    tag_rows_shown = variables.Tag_Nb();
     Listen();
     propagate_panel.Set(&Application::Propagation_Function);
     Message_Receiver_Add([](void* context, HWND, int level,
@@ -130,9 +132,15 @@ bool Application::Start(int show) {
     ::UpdateWindow(window.Handle());
     report.Time("window_shown");
     Status(L"F1 shows keys and mouse");
-    Recovery_Open();
-    Crash_Tell();
-    const bool is_recovered = Recovery_Offer();
+    const std::filesystem::path kept = Recovery_Folder_Of(settings.File());
+    if (!kept.empty()) {
+        Crash_Report_Install(kept, WORKBENCH_VERSION);
+    }
+    recovery.Begin(kept, WORKBENCH_VERSION);
+    if (!kept.empty()) {
+        recovery.Crashes_Tell(Crash_Reports_Take(kept));
+    }
+    const bool is_recovered = recovery.Offer();
     if (is_recovered && !options.files.empty()) {
         report.Line("files_not_opened");
     } else if (!options.files.empty()) {
@@ -202,9 +210,9 @@ int Application::Run() {
         }
         Deliver();
         Contract_Check();
-        Recovery_Look_If_Late();
+        recovery.Look_If_Late();
     }
-    Recovery_End();
+    recovery.End();
     return static_cast<int>(message.wParam);
 }
 
@@ -316,6 +324,9 @@ void Application::Show_Changes(Changes changes) {
     if (changes.Has_Any({Change::Selection, Change::Volume, Change::Opened})) {
         Histogram_Scale_Suggest();
     }
+    if (changes.Has(Change::Tag_Nb)) {
+        Tag_Rows_Show();
+    }
     if (changes.Has(Change::Colors)) {
         Tag_Scroll_To(variables.Tag_Cur());  // the buttons were made anew
     }
@@ -333,15 +344,8 @@ void Application::On_Panel_Request(unsigned __int64 flags) {
     }
     hub.Ask(flags);
     if (Has_Any(flags, UPDATE_TAG_LABEL)) {
-        Labels_Note();
+        labels.Note();
     }
-}
-
-void Application::Labels_Note() {
-    const int names = session.Note_Labels(Text_Table::Tag_Labels, variables.Tag_Labels()) +
-                      session.Note_Labels(Text_Table::Marker_Labels, variables.Marker_Labels());
-    const int bands = session.Note_Thresholds(variables.Threshold_Min(), variables.Threshold_Max());
-    hub.Note((names != 0 ? Changes(Change::Texts) : Changes()) | (bands != 0 ? Changes(Change::Bands) : Changes()));
 }
 
 void Application::On_Redraw() {
@@ -372,13 +376,11 @@ void Application::On_Message(int level, const char* text) {
 }
 
 void Application::Status(const std::wstring& text) {
-    status_line.Message_Set(text);
-    report.Line("status " + Utf8_Of_Wide(text));
+    dialogs.Tell(Utf8_Of_Wide(text));
 }
 
 void Application::Warn(std::string_view utf8, Warning_Subject subject) {
-    report.Line("warning " + std::string(utf8));
-    banner.Add_Text(Wide_Of_Utf8(utf8), subject);
+    dialogs.Warn(std::string(utf8), subject);
 }
 
 void Application::Notes_Show() {
@@ -405,7 +407,7 @@ void Application::Notes_Show() {
 }
 
 void Application::Title_Show() {
-    Changes_Note();
+    recovery.Step_Note();
     std::wstring title = L"Workbench";
     if (session.Has_Volume()) {
         title =

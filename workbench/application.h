@@ -34,17 +34,17 @@
 #include "workbench/model/change_hub.h"
 #include "workbench/model/command_line.h"
 #include "workbench/model/display_window.h"
+#include "workbench/model/label_attributes.h"
 #include "workbench/model/label_description_file.h"
 #include "workbench/model/open_volumes.h"
 #include "workbench/model/panel_scale.h"
-#include "workbench/model/recovery_folder.h"
-#include "workbench/model/recovery_keeper.h"
-#include "workbench/model/recovery_recorder.h"
 #include "workbench/model/session.h"
+#include "workbench/model/workspace.h"
 #include "workbench/parts/color_advisor.h"
 #include "workbench/parts/focus.h"
 #include "workbench/parts/histogram_control.h"
 #include "workbench/parts/picture_control.h"
+#include "workbench/parts/recovery_control.h"
 #include "workbench/parts/settings_keeper.h"
 #include "workbench/report.h"
 #include "workbench/report_questions.h"
@@ -56,6 +56,7 @@
 #include "workbench/volume_objects.h"
 #include "workbench/volumes/volume_statistics.h"
 #include "workbench/warning_banner.h"
+#include "workbench/window_dialogs.h"
 
 namespace workbench {
 
@@ -227,8 +228,6 @@ class Application : public Image_User,
     void Derive(Told_Changes& told);
     void Show_Changes(Changes changes);
     void On_Panel_Request(unsigned __int64 flags);
-    /** Makes steps of the names and thresholds that differ from those known. */
-    void Labels_Note();
     void On_Change_Child(Quorel_2D* new_frame);
     void On_Redraw();
     void On_Message(int level, const char* text);
@@ -281,25 +280,9 @@ class Application : public Image_User,
     std::optional<Save_Outcome> Save_Doubts_Ask(const std::filesystem::path& path, bool is_chosen);
     /** About the work on all open volumes. @return false: the user wants to go on working */
     bool Ask_Unsaved();
-    void Adopt_Names();
 
     // application_recovery.cpp
-    /** Where work that is not saved and reports of crashes are kept; empty: nowhere. */
-    std::filesystem::path Recovery_Folder() const;
-    /** Begins to keep work; after the settings are known. */
-    void Recovery_Open();
-    /** Hands on what has changed since the last look. @return true: nothing is left to hand on */
-    bool Recovery_Look();
-    void Recovery_Look_If_Late();
-    void Recovery_Look_After(int ms);
-    /** A clean end: nothing is left to take up. */
-    void Recovery_End();
-    /** Offers the work of a run that has died. @return true: it was taken up */
-    bool Recovery_Offer();
-    void Recovery_Take(Recovery_Found& found);
-    void Crash_Tell();
-    /** Notes a change of the work for a report of a crash. */
-    void Changes_Note();
+    Recovery_Host Recovery_Services();
 
     // application_export.cpp
     /** What the file of the histogram should tell; only with counts. */
@@ -312,8 +295,6 @@ class Application : public Image_User,
     void Export_Verify(const std::filesystem::path& path, bool is_new);
 
     // application_labels.cpp
-    /** Names, colours, thresholds and state as they are now; markers without their places. */
-    Label_Description Labels_Describe() const;
     /** Takes over what was loaded, without a step. */
     void Labels_Adopt(const Label_Description& description);
     void Load_Labels(const std::filesystem::path& path);
@@ -331,8 +312,6 @@ class Application : public Image_User,
                                   Grid_Choice choice) const;
 
     // application_volumes.cpp
-    /** Runs an action on a thread of its own while the window shows how far it is. Passes on what it throws. */
-    void Run_With_Progress(const std::wstring& what, const std::function<void(const volumes::Load_Progress&)>& action);
     /** Opens files and folders, all together, in place of what is open. */
     void Open_Paths(std::span<const std::filesystem::path> paths);
     /** Tells which files were not opened, and why. */
@@ -354,7 +333,8 @@ class Application : public Image_User,
     // application_tags.cpp
     void Tag_Set(int tag, bool scroll_to_it);
     void Tag_Scroll_To(int tag);
-    void Tag_Nb_Grow(int highest);
+    /** Another number of TAGs is offered. */
+    void Tag_Rows_Show();
     std::span<std::uint8_t> Tag_Flags_Of(Tag_Mark mark) const;
     void Brush_Set(int brush);
     void Marker_Set(int marker);
@@ -431,10 +411,8 @@ class Application : public Image_User,
     int Propagate(int from, int to);
 
     Claimed_Levels Claimed(int tag) const;
-    double Grey_Of_Panel(float told) const { return panel_scale.To_Grey(static_cast<double>(told)); }
-    float Panel_Of_Grey(double grey) const { return static_cast<float>(panel_scale.To_Panel(grey)); }
-    /** Brings the thresholds to the unit of the current volume. */
-    void Panel_Scale_Adopt();
+    double Grey_Of_Panel(float told) const { return labels.Grey_Of(told); }
+    float Panel_Of_Grey(double grey) const { return labels.Told_Of(grey); }
 
     Settings_Keeper settings;
     Histogram_Control histogram;
@@ -448,14 +426,16 @@ class Application : public Image_User,
     Report report;
     Report_Questions report_questions;
     mutable Host_Variables variables;
-    Session session;  // of the current volume
-    Open_Volumes volumes;
+    Workspace work{[this] { window.Deliver_Soon(); }};
+    Session& session = work.session;
+    Open_Volumes& volumes = work.volumes;
+    Change_Hub& hub = work.hub;
+    Label_Attributes labels{work, variables};
     Volume_Objects objects;
     std::optional<Class_Objects> classes;
     Class_History class_history;
     std::string class_problem;  // why the journal was not saved, as the user was told
-    Change_Hub hub{[this] { window.Deliver_Soon(); }};
-    int rounds_told = 0;  // but for what follows the mouse
+    int rounds_told = 0;        // but for what follows the mouse
 
     Tool_Tag tag_panel;
     Tool_Marker marker_panel;
@@ -474,6 +454,8 @@ class Application : public Image_User,
     Image_Area image;
     Status_Line status_line;
     Warning_Banner banner;
+    Window_Dialogs dialogs{look, status_line, banner, report, [this] { return window.Handle(); }};
+    Recovery_Control recovery{work, labels, dialogs, Recovery_Services()};
     Trace_View trace;
     Analysis_Window analysis;
     Database_Pane database;
@@ -492,10 +474,11 @@ class Application : public Image_User,
 
     std::string not_opened;                              // files, and why; UTF-8, one per line
     std::vector<volumes::Folder_Problem> read_warnings;  // of files that are open
-    volumes::Volume_Statistics statistics;
-    Grey_Window grey_window;
-    Panel_Scale panel_scale;  // of the current volume
-    int slice = 0;
+    volumes::Volume_Statistics& statistics = work.statistics;
+    Grey_Window& grey_window = work.grey_window;
+    Panel_Scale& panel_scale = work.panel_scale;
+    int& slice = work.slice;
+    int tag_rows_shown = 0;                  // by how many TAGs the panel was laid out
     std::optional<Shown_Voxel> hovered;      // under the mouse
     const Image_User* hovered_by = nullptr;  // the view that has told it
     bool is_overlay_shown = true;
@@ -504,15 +487,6 @@ class Application : public Image_User,
     Tag_Mark check_mark = Tag_Mark::Enable;
     Propagation_Kind propagation_kind = Propagation_Kind::Grow;
     int report_nb = 0;
-    std::vector<std::string> opened_paths;  // what is open came from there, UTF-8
-    std::optional<Recovery_Claim> recovery_claim;
-    std::unique_ptr<Recovery_Keeper> recovery_keeper;
-    Recovery_Recorder recovery_recorder;
-    unsigned __int64 recovery_looked = 0;  // milliseconds of the system's clock
-    int recovery_waited = 0;               // looks since writing failed
-    bool is_recovery_soon = false;         // a look did not suffice
-    bool is_recovery_problem_told = false;
-    std::uint64_t noted_state = 0;
     int database_width = 0;               // pixels; 0: not chosen yet
     int database_events = 0;              // running events of database panels
     unsigned __int64 database_flags = 0;  // what they have asked for

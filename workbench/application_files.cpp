@@ -38,8 +38,8 @@ std::optional<std::filesystem::path> Label_Save_Ask(HWND owner, const std::files
 
 std::optional<volumes::Load_Result> Application::Load_With_Progress(const std::filesystem::path& path) {
     volumes::Load_Result result;
-    Run_With_Progress(L"Loading " + Wide_Of_Utf8(volumes::File_Name_Text(path)),
-                      [&](const volumes::Load_Progress& progress) { result = volumes::Volume_Load(path, progress); });
+    dialogs.Run("Loading " + volumes::File_Name_Text(path),
+                [&](const volumes::Load_Progress& progress) { result = volumes::Volume_Load(path, progress); });
     if (result.cancelled) {
         Status(L"Loading was given up");
         return std::nullopt;
@@ -53,13 +53,6 @@ std::optional<volumes::Load_Result> Application::Load_With_Progress(const std::f
         Warn(warning, Warning_Subject::Label_File);
     }
     return result;
-}
-
-void Application::Adopt_Names() {
-    session.Adopt_Labels(Text_Table::Tag_Labels, variables.Tag_Labels());
-    session.Adopt_Labels(Text_Table::Marker_Labels, variables.Marker_Labels());
-    session.Adopt_Thresholds(variables.Threshold_Min(), variables.Threshold_Max());
-    session.Adopt_Colors(variables.Tag_Colors());
 }
 
 std::optional<Application::Save_Outcome> Application::Save_Doubts_Ask(const std::filesystem::path& path,
@@ -113,7 +106,7 @@ Application::Save_Outcome Application::Save_Labels_Asking(bool ask_for_name) {
         }
     }
     std::string kept;
-    const std::string error = session.Save_Labels(path, Labels_Describe(), kept);
+    const std::string error = session.Save_Labels(path, labels.Describe(), kept);
     for (const std::string& sentence : {kept, error}) {
         if (!sentence.empty()) {
             Warn(sentence);

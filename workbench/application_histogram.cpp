@@ -300,7 +300,7 @@ void Application::Bands_Take(const std::vector<Peak_Row>& peaks) {
             ++count;
         }
     }
-    Labels_Note();
+    labels.Note();
     Status(count == 1 ? L"One TAG band was set from the peaks"
                       : std::to_wstring(count) + L" TAG bands were set from the peaks");
 }

@@ -67,7 +67,7 @@ Segmentation_Wiring Application::Segmentation_Wires() {
             },
             [this](const std::wstring& what,
                    const std::function<void(const segmentation::Edit_Progress& progress)>& action) {
-                Run_With_Progress(what, [&](const volumes::Load_Progress& progress) { action(progress); });
+                dialogs.Run(Utf8_Of_Wide(what), [&](const volumes::Load_Progress& progress) { action(progress); });
             },
             [this] { tools.Stroke_End(); },
             [this](int changed) {

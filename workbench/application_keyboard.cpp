@@ -194,7 +194,7 @@ void Application::Label_Ask(Text_Table table) {
     } else {
         variables.Marker_Label_Set(index, label.c_str());
     }
-    Labels_Note();
+    labels.Note();
 }
 
 void Application::Histogram_Enlarge() {

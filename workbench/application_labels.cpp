@@ -10,86 +10,12 @@
 
 namespace workbench {
 
-namespace {
-
-/** Between 0x00RRGGBB and 0x00BBGGRR. */
-std::uint32_t Turned_Color(std::uint32_t color) {
-    return ((color & 0xFFU) << 16U) | (color & 0xFF00U) | ((color >> 16U) & 0xFFU);
-}
-
-std::optional<std::string> Utf8_Name(const char* label) {
-    return label != nullptr ? std::optional(Utf8_Of_Wide(Wide_Of_Panel(label))) : std::nullopt;
-}
-
-/** Hands a name to what sets it as a text of the panels; null: none. @return false: letters were lost */
-template <class Set>
-bool Name_Hand_On(const std::optional<std::string>& name, const Set& set) {
-    const std::string label = name ? Panel_Of_Wide(Wide_Of_Utf8(*name)) : std::string();
-    set(name ? label.c_str() : nullptr);
-    return !name || Utf8_Name(label.c_str()) == name;
-}
-
-}  // namespace
-
-Label_Description Application::Labels_Describe() const {
-    Label_Description description;
-    for (int number = 0; number < variables.Tag_Nb(); ++number) {
-        const auto at = static_cast<std::size_t>(number);
-        Tag_Description tag;
-        tag.number = number;
-        tag.color = variables.Tag_Color(number);
-        tag.is_shown = variables.Tag_Enable()[at] != 0;
-        tag.is_selected = variables.Tag_Select()[at] != 0;
-        tag.is_locked = variables.Tag_Lock()[at] != 0;
-        if (const float low = variables.Threshold_Min()[at]; low > TAG_THRESHOLD_MIN_UNSET) {
-            tag.low = static_cast<float>(Grey_Of_Panel(low));
-        }
-        if (const float high = variables.Threshold_Max()[at]; high < TAG_THRESHOLD_MAX_UNSET) {
-            tag.high = static_cast<float>(Grey_Of_Panel(high));
-        }
-        tag.name = Utf8_Name(variables.Tag_Labels()[at]);
-        description.tags.push_back(std::move(tag));
-    }
-    for (int number = 0; number < MARKER_NB; ++number) {
-        Marker_Description marker;
-        marker.number = number;
-        marker.color = Turned_Color(variables.Marker_Color(number));
-        marker.name = Utf8_Name(variables.Marker_Labels()[static_cast<std::size_t>(number)]);
-        description.markers.push_back(std::move(marker));
-    }
-    return description;
-}
-
 void Application::Labels_Adopt(const Label_Description& description) {
-    int highest = 0;
-    int changed_names = 0;
-    for (const Tag_Description& tag : description.tags) {
-        const auto at = static_cast<std::size_t>(tag.number);
-        highest = std::max(highest, tag.number);
-        variables.Tag_Color_Set(tag.number, tag.color);
-        variables.Tag_Enable()[at] = tag.is_shown ? 1 : 0;
-        variables.Tag_Select()[at] = tag.is_selected ? 1 : 0;
-        variables.Tag_Lock()[at] = tag.is_locked ? 1 : 0;
-        const auto told = [this](float grey) { return Panel_Of_Grey(static_cast<double>(grey)); };
-        variables.Threshold_Min()[at] = tag.low ? told(*tag.low) : TAG_THRESHOLD_MIN_UNSET;
-        variables.Threshold_Max()[at] = tag.high ? told(*tag.high) : TAG_THRESHOLD_MAX_UNSET;
-        const auto set = [&](const char* label) { variables.Tag_Label_Set(tag.number, label); };
-        changed_names += Name_Hand_On(tag.name, set) ? 0 : 1;
-    }
-    for (const Marker_Description& marker : description.markers) {
-        variables.Marker_Color_Set(marker.number, Turned_Color(marker.color));
-        const auto set = [&](const char* label) { variables.Marker_Label_Set(marker.number, label); };
-        changed_names += Name_Hand_On(marker.name, set) ? 0 : 1;
-    }
-    if (changed_names > 0) {
+    if (const int changed_names = labels.Take(description); changed_names > 0) {
         Warn("Letters that this system's code page lacks became question marks in names: " +
              std::to_string(changed_names) + ".");
     }
     color_advisor.Former_Forget();
-    Adopt_Names();
-    Tag_Nb_Grow(highest);
-    hub.Note(
-        {Change::Colors, Change::Texts, Change::Bands, Change::Tag_Shown, Change::Tag_Selected, Change::Tag_Locked});
 }
 
 std::optional<Grid_Choice> Application::Labels_Place_Ask(const volumes::Volume& loaded,
@@ -162,10 +88,10 @@ Label_Object_Wiring Application::Label_Object_Wires() {
             volumes,
             variables,
             [this] { return window.Handle(); },
-            [this] { return Labels_Describe(); },
-            [this] { Labels_Note(); },
+            [this] { return labels.Describe(); },
+            [this] { labels.Note(); },
             [this](const std::wstring& what, const std::function<void(const volumes::Load_Progress&)>& action) {
-                Run_With_Progress(what, action);
+                dialogs.Run(Utf8_Of_Wide(what), action);
             },
             [this](const std::wstring& text) { Status(text); },
             [this](const std::string& text) { Warn(text, Warning_Subject::Label_File); }};
@@ -198,7 +124,7 @@ void Application::Load_Labels(const std::filesystem::path& path) {
             Warn(sentence, Warning_Subject::Label_File);
         }
     }
-    Tag_Nb_Grow(session.Labels().Highest_Tag());
+    labels.Nb_Grow(session.Labels().Highest_Tag());
     if (described.is_there) {
         Labels_Adopt(described.description);
     }

@@ -63,7 +63,7 @@ Picture_Host Application::Picture_Services() {
                         Wide_Of_Utf8(name), L"png");
     };
     host.run = [this](const std::string& what, const std::function<void(const volumes::Load_Progress&)>& action) {
-        Run_With_Progress(Wide_Of_Utf8(what), action);
+        dialogs.Run(what, action);
     };
     host.tell = [this](const std::string& text) { Status(Wide_Of_Utf8(text)); };
     host.warn = [this](const std::string& text) { Warn(text); };

@@ -104,29 +104,20 @@ void Application::Tag_Pick(int tag) {
 }
 
 void Application::Tag_More() {
-    Tag_Nb_Grow(variables.Tag_Nb());
+    labels.Nb_Grow(variables.Tag_Nb());
 }
 
-void Application::Tag_Nb_Grow(int highest) {
-    const int before = variables.Tag_Nb();
-    const int wanted = Tag_Count_For(highest);
-    if (wanted <= before) {
-        return;
-    }
-    variables.Tag_Nb_Set(wanted);
-    hub.Note(Change::Tag_Nb);
+void Application::Tag_Rows_Show() {
     const Panel_Dimensions sizes = variables.Dimensions();
     const auto has_slider = [&](int count) {
         return count / 4 * (sizes.border + sizes.button) > tag_host->Client().bottom - 2 * SPACE;
     };
-    hub.Then([this, is_other_layout = has_slider(wanted) != has_slider(before)] {
-        if (is_other_layout) {
-            tag_host->Lay_Out();  // the slider takes its room from the columns
-        } else {
-            tag_host->Refresh();
-        }
-        Tag_Scroll_To(variables.Tag_Cur());
-    });
+    if (has_slider(variables.Tag_Nb()) != has_slider(std::exchange(tag_rows_shown, variables.Tag_Nb()))) {
+        tag_host->Lay_Out();  // the slider takes its room from the columns
+    } else {
+        tag_host->Refresh();
+    }
+    Tag_Scroll_To(variables.Tag_Cur());
 }
 
 void Application::Threshold_Mode_Set(bool on) {
@@ -167,7 +158,7 @@ void Application::Threshold_Ask(bool is_upper) {
         return;
     }
     limit = answer->empty() ? unset : Panel_Of_Grey(value);
-    Labels_Note();
+    labels.Note();
 }
 
 void Application::Brush_Set(int brush) {

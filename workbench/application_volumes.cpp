@@ -2,15 +2,11 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <atomic>
-#include <exception>
 #include <iterator>
 #include <new>
-#include <thread>
 #include <utility>
 
 #include "workbench/application.h"
-#include "workbench/progress_window.h"
 #include "workbench/prompt_dialog.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/read_facts.h"
@@ -28,41 +24,6 @@ std::string Problem_Sentence(const volumes::Folder_Problem& problem) {
 
 }  // namespace
 
-void Application::Run_With_Progress(const std::wstring& what,
-                                    const std::function<void(const volumes::Load_Progress&)>& action) {
-    std::atomic<double> share = 0.0;
-    std::atomic<bool> is_given_up = false;
-    std::atomic<bool> is_done = false;
-    std::exception_ptr failure;
-    // The action goes on beside this thread, so that the window answers; nothing of the window is used there, and of
-    // the kits only what computes.
-    std::thread worker([&] {
-        try {
-            action([&](double done) {
-                share = done;
-                return !is_given_up;
-            });
-        } catch (...) {
-            failure = std::current_exception();
-        }
-        is_done = true;
-    });
-    {
-        Progress_Window progress(look, window.Handle(), what);
-        while (!is_done) {
-            const double done = share;
-            if (!progress.Step(done, std::to_wstring(static_cast<int>(done * 100.0)) + L" %")) {
-                is_given_up = true;
-            }
-            ::MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
-        }
-    }
-    worker.join();
-    if (failure) {
-        std::rethrow_exception(failure);
-    }
-}
-
 void Application::Open_Paths(std::span<const std::filesystem::path> paths) {
     if (paths.empty() || std::ranges::any_of(paths, &std::filesystem::path::empty)) {
         Warn("The name of the file cannot be used on this system.");
@@ -71,22 +32,20 @@ void Application::Open_Paths(std::span<const std::filesystem::path> paths) {
     volumes::Image_Folder opened;
     std::vector<volumes::Volume_Statistics> numbers;
     std::vector<Slice_Frames> frames;
-    Run_With_Progress(L"Loading " + Wide_Of_Utf8(volumes::File_Name_Text(paths.front())),
-                      [&](const volumes::Load_Progress& progress) {
-                          constexpr double read_share = 0.8;  // of the time; the rest goes into the histograms
-                          opened = volumes::Image_Folder_Open(paths,
-                                                              [&](double done) { return progress(done * read_share); });
-                          report.Time("read");
-                          for (const volumes::Folder_Volume& one : opened.volumes) {
-                              numbers.push_back(volumes::Volume_Statistics_Compute(one.volume));
-                          }
-                          report.Time("statistics");
-                          frames = Slice_Frames_Make(opened.volumes, [&](double done) {
-                              const bool goes_on = progress(read_share + done * (1.0 - read_share));
-                              opened.is_cancelled = opened.is_cancelled || !goes_on;
-                              return goes_on;
-                          });
-                      });
+    dialogs.Run("Loading " + volumes::File_Name_Text(paths.front()), [&](const volumes::Load_Progress& progress) {
+        constexpr double read_share = 0.8;  // of the time; the rest goes into the histograms
+        opened = volumes::Image_Folder_Open(paths, [&](double done) { return progress(done * read_share); });
+        report.Time("read");
+        for (const volumes::Folder_Volume& one : opened.volumes) {
+            numbers.push_back(volumes::Volume_Statistics_Compute(one.volume));
+        }
+        report.Time("statistics");
+        frames = Slice_Frames_Make(opened.volumes, [&](double done) {
+            const bool goes_on = progress(read_share + done * (1.0 - read_share));
+            opened.is_cancelled = opened.is_cancelled || !goes_on;
+            return goes_on;
+        });
+    });
     report.Time("histograms");
     if (opened.is_cancelled) {
         Status(L"Loading was given up");
@@ -102,11 +61,11 @@ void Application::Open_Paths(std::span<const std::filesystem::path> paths) {
     banner.Close();  // what was told of the images before; what these have to tell comes now
     Problems_Tell(opened, paths.front());
     class_history.Images_Leave();
-    opened_paths.clear();
+    work.opened_paths.clear();
     for (const std::filesystem::path& path : paths) {
         std::error_code unknown;
         const std::filesystem::path whole = std::filesystem::absolute(path, unknown);
-        opened_paths.push_back(Path_To_Utf8(unknown ? path : whole));
+        work.opened_paths.push_back(Path_To_Utf8(unknown ? path : whole));
     }
     report.Time("asked");
     Show_Volumes(paths.front(), std::move(opened), std::move(numbers), std::move(frames));
@@ -114,12 +73,12 @@ void Application::Open_Paths(std::span<const std::filesystem::path> paths) {
         Recent_Opened(paths.front());
     }
     if (!options.labels.empty()) {
-        const std::filesystem::path labels = volumes::Path_From_Utf8(std::exchange(options.labels, {}));
+        const std::filesystem::path file = volumes::Path_From_Utf8(std::exchange(options.labels, {}));
         std::error_code unknown;
-        if (std::filesystem::exists(labels, unknown)) {
-            Load_Labels(labels);
+        if (std::filesystem::exists(file, unknown)) {
+            Load_Labels(file);
         } else {
-            session.Label_Path_Set(labels);
+            session.Label_Path_Set(file);
         }
     }
 }
@@ -243,26 +202,11 @@ void Application::Volume_Adopt() {
     histogram.Volume_Follow(session.Slice_Nb(), view.background);
     objects.Current_Set(volumes.Current());
     objects.Show(slice);
-    Panel_Scale_Adopt();
-    Adopt_Names();
+    labels.Unit_Follow();
+    labels.Adopt();
     const volumes::Volume& image_now = session.Image();
     report.Line("volume " + std::to_string(image_now.nx) + " " + std::to_string(image_now.ny) + " " +
                 std::to_string(image_now.nz));
-}
-
-void Application::Panel_Scale_Adopt() {
-    const Panel_Scale former = std::exchange(panel_scale, Panel_Scale_Of(session.Image()));
-    if (former == panel_scale) {
-        return;
-    }
-    // Thresholds are grey values: they stay while the unit changes that panels are told them in.
-    constexpr float most = TAG_THRESHOLD_MAX_UNSET - 1.0F;
-    for (const std::span<float> thresholds : {variables.Threshold_Min(), variables.Threshold_Max()}) {
-        for (float& told : thresholds) {
-            const bool is_set = told > TAG_THRESHOLD_MIN_UNSET && told < TAG_THRESHOLD_MAX_UNSET;
-            told = is_set ? std::clamp(Panel_Of_Grey(former.To_Grey(static_cast<double>(told))), -most, most) : told;
-        }
-    }
 }
 
 bool Application::Volume_Set(int wanted) {

@@ -7,6 +7,7 @@
 #include "kits/dataset/variable_rules.h"
 #include "workbench/model/marker_table.h"
 #include "workbench/model/tag_table.h"
+#include "workbench/wide_text.h"
 
 namespace workbench {
 
@@ -247,6 +248,14 @@ void Host_Variables::Marker_Color_Set(int marker, std::uint32_t color) {
 }
 std::string Host_Variables::Marker_Name(int marker) const {
     return Name_Of(Marker_Labels(), marker);
+}
+
+std::string Host_Variables::Utf8_Of(const char* panel_text) const {
+    return Utf8_Of_Wide(Wide_Of_Panel(panel_text));
+}
+
+std::string Host_Variables::Panel_Text_Of(const std::string& utf8) const {
+    return Panel_Of_Wide(Wide_Of_Utf8(utf8));
 }
 
 int Host_Variables::Brush_Cur() const {

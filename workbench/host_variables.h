@@ -9,6 +9,7 @@
 
 #include "kits/dataset/dataset_host.h"
 #include "workbench/model/label_map.h"
+#include "workbench/model/label_values.h"
 #include "workbench/model/painting.h"
 
 namespace workbench {
@@ -23,7 +24,7 @@ struct Panel_Dimensions {
 };
 
 /** Arrays per TAG have 256 elements always, so that no address moves when the number of TAGs does. */
-class Host_Variables {
+class Host_Variables : public Label_Values {
   public:
     /** Defines everything that any panel reads, with starting values. Once, before the first panel is placed. */
     void Define();
@@ -31,39 +32,36 @@ class Host_Variables {
     void Scale_Set(float scale);
     Panel_Dimensions Dimensions() const;
 
-    int Tag_Nb() const;
-    void Tag_Nb_Set(int nb);
-    int Tag_Cur() const;
-    void Tag_Cur_Set(int tag);
-    std::span<std::uint8_t> Tag_Enable();
-    std::span<std::uint8_t> Tag_Select();
-    std::span<std::uint8_t> Tag_Lock();
-    std::span<float> Threshold_Min();
-    std::span<float> Threshold_Max();
-    std::span<const char* const> Tag_Labels() const;
-    /** null: none */
-    void Tag_Label_Set(int tag, const char* label);
-    /** 0x00RRGGBB, as the panels show it; the background is grey. */
-    std::uint32_t Tag_Color(int tag) const;
-    /** @param tag 1 .. TAG_MAX - 1; @param color 0x00RRGGBB */
-    void Tag_Color_Set(int tag, std::uint32_t color);
-    /** Of all TAGs, 0x00RRGGBB. */
-    std::vector<std::uint32_t> Tag_Colors() const;
-    /** The label, or the number of a TAG without one. */
-    std::string Tag_Name(int tag) const;
+    int Tag_Nb() const override;
+    void Tag_Nb_Set(int nb) override;
+    int Tag_Cur() const override;
+    void Tag_Cur_Set(int tag) override;
+    std::span<std::uint8_t> Tag_Enable() override;
+    std::span<std::uint8_t> Tag_Select() override;
+    std::span<std::uint8_t> Tag_Lock() override;
+    std::span<float> Threshold_Min() override;
+    std::span<float> Threshold_Max() override;
+    std::span<const char* const> Tag_Labels() const override;
+    void Tag_Label_Set(int tag, const char* label) override;
+    std::uint32_t Tag_Color(int tag) const override;
+    void Tag_Color_Set(int tag, std::uint32_t color) override;
+    std::vector<std::uint32_t> Tag_Colors() const override;
+    std::string Tag_Name(int tag) const override;
 
-    int Marker_Cur() const;
-    void Marker_Cur_Set(int marker);
-    std::span<std::uint8_t> Marker_Enable();
-    std::span<const char* const> Marker_Labels() const;
-    void Marker_Label_Set(int marker, const char* label);
-    /** 0x00BBGGRR */
-    std::uint32_t Marker_Color(int marker) const;
-    void Marker_Color_Set(int marker, std::uint32_t color);
-    std::string Marker_Name(int marker) const;
+    int Marker_Cur() const override;
+    void Marker_Cur_Set(int marker) override;
+    std::span<std::uint8_t> Marker_Enable() override;
+    std::span<const char* const> Marker_Labels() const override;
+    void Marker_Label_Set(int marker, const char* label) override;
+    std::uint32_t Marker_Color(int marker) const override;
+    void Marker_Color_Set(int marker, std::uint32_t color) override;
+    std::string Marker_Name(int marker) const override;
 
-    int Brush_Cur() const;
-    void Brush_Cur_Set(int brush);
+    std::string Utf8_Of(const char* panel_text) const override;
+    std::string Panel_Text_Of(const std::string& utf8) const override;
+
+    int Brush_Cur() const override;
+    void Brush_Cur_Set(int brush) override;
     /** The mask that the brush panel built for the current brush. */
     Brush_Footprint Brush() const;
 

@@ -7,12 +7,10 @@
 
 #include "kits/common/messages.h"
 #include "workbench/look.h"
+#include "workbench/model/dialogs.h"
 #include "workbench/window_base.h"
 
 namespace workbench {
-
-/** What a warning is about: a later success takes back only what was told of the same. */
-enum class Warning_Subject { Other, Label_File };
 
 class Warning_Banner : public Window_Base {
   public:

@@ -1,0 +1,42 @@
+/** What describes the labels beside their voxels: names, colours, thresholds and states, between the panels, the
+ *  history and files. No window. */
+#pragma once
+
+#include <string>
+
+#include "workbench/model/label_description.h"
+#include "workbench/model/label_values.h"
+#include "workbench/model/workspace.h"
+
+namespace workbench {
+
+class Label_Attributes {
+  public:
+    /** Both outlive it. */
+    Label_Attributes(Workspace& workspace, Label_Values& panel_values) : work(workspace), values(panel_values) {}
+
+    /** Makes steps of the names and thresholds that differ from those known. */
+    void Note();
+    /** Takes names, thresholds and colours as they are, without a step. */
+    void Adopt();
+    /** As they are now; markers without their places. */
+    Label_Description Describe() const;
+    /** Takes over what was loaded, without a step. @return names that lost letters which the code page lacks */
+    int Take(const Label_Description& description);
+    /** Offers so many TAGs at least that the highest is among them. */
+    void Nb_Grow(int highest);
+    /** The current volume's grey values are told in another unit: brings the thresholds to it. */
+    void Unit_Follow();
+
+    /** UTF-8 */
+    std::string Tag_Name(int tag) const { return values.Utf8_Of(values.Tag_Name(tag).c_str()); }
+    std::string Marker_Name(int marker) const { return values.Utf8_Of(values.Marker_Name(marker).c_str()); }
+    double Grey_Of(float told) const { return work.panel_scale.To_Grey(static_cast<double>(told)); }
+    float Told_Of(double grey) const { return static_cast<float>(work.panel_scale.To_Panel(grey)); }
+
+  private:
+    Workspace& work;
+    Label_Values& values;
+};
+
+}  // namespace workbench
