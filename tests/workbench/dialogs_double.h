@@ -77,7 +77,7 @@ struct Dialogs_Double : Dialogs {
             ADD_FAILURE() << "nobody expected the question " << asked.back();
             return given_up;
         }
-        const Reply reply = replies.front();
+        Reply reply = replies.front();
         replies.pop_front();
         return reply;
     }
