@@ -1,0 +1,135 @@
+#include "tests/workbench/archive/archive_server.h"
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <thread>
+
+using namespace workbench::archive;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* PROGRAM = "/usr/sbin/Orthanc";
+
+void Text_Write(const fs::path& file, const std::string& text) {
+    std::ofstream(file, std::ios::binary) << text;
+}
+
+}  // namespace
+
+int Free_Port() {
+    const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    const bool is_bound = ::bind(socket, reinterpret_cast<const sockaddr*>(&address), size) == 0 &&
+                          ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size) == 0;
+    ::close(socket);
+    return is_bound ? ntohs(address.sin_port) : 0;
+}
+
+bool Archive_Server::Is_Installed() {
+    return ::access(PROGRAM, X_OK) == 0;
+}
+
+Archive_Server::Archive_Server() : port(Free_Port()) {
+    const std::string place = folder.path.string();
+    Text_Write(folder.path / "archive.json",
+               "{\"StorageDirectory\": \"" + place + "/images\", \"IndexDirectory\": \"" + place +
+                   "/images\", \"Plugins\": [], \"HttpServerEnabled\": false, \"DicomServerEnabled\": true, "
+                   "\"DicomAet\": \"" +
+                   TITLE + "\", \"DicomCheckCalledAet\": true, \"DicomPort\": " + std::to_string(port) +
+                   ", \"DicomAlwaysAllowEcho\": true, \"DicomAlwaysAllowStore\": true, \"DicomAlwaysAllowFind\": true, "
+                   "\"DicomAlwaysAllowGet\": true, \"RemoteAccessAllowed\": false, \"DefaultEncoding\": \"Utf8\"}");
+    const std::string configuration = place + "/archive.json";
+    process = ::fork();
+    if (process == 0) {
+        ::setenv("TCP_NODELAY", "1", 1);
+        const int nothing = ::open("/dev/null", O_RDWR);
+        ::dup2(nothing, 0);
+        ::dup2(nothing, 1);
+        ::dup2(nothing, 2);
+        ::execl(PROGRAM, PROGRAM, configuration.c_str(), nullptr);
+        ::_exit(127);
+    }
+    for (int attempt = 0; process > 0 && attempt < 300 && !is_ready; ++attempt) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        is_ready = Archive_Test(Settings(), {}).Is_Done();
+    }
+}
+
+Archive_Server::~Archive_Server() {
+    Kill();
+}
+
+Archive_Settings Archive_Server::Settings() const {
+    Archive_Settings settings;
+    settings.name = "Test";
+    settings.host = "127.0.0.1";
+    settings.port = port;
+    settings.called_title = TITLE;
+    return settings;
+}
+
+void Archive_Server::Freeze() const {
+    ::kill(process, SIGSTOP);
+}
+
+void Archive_Server::Go_On() const {
+    ::kill(process, SIGCONT);
+}
+
+void Archive_Server::Kill() {
+    if (process > 0) {
+        ::kill(process, SIGKILL);
+        ::waitpid(process, nullptr, 0);
+        process = 0;
+    }
+}
+
+Bytes Image_File(const Image_Facts& facts) {
+    std::vector<std::uint16_t> values;
+    for (int at = 0; at < facts.side * facts.side; ++at) {
+        values.push_back(static_cast<std::uint16_t>(facts.number * 7 + at));
+    }
+    return Dicom_Bytes()
+        .Text(TAG_KIND, "UI", "1.2.840.10008.5.1.4.1.1.4")
+        .Text(0x00080005, "CS", facts.character_set)
+        .Text(TAG_INSTANCE, "UI", facts.series + "." + std::to_string(facts.number))
+        .Text(0x00080020, "DA", facts.date)
+        .Text(TAG_MODALITY, "CS", facts.modality)
+        .Text(0x00081030, "LO", facts.study_text)
+        .Text(TAG_SERIES_TEXT, "LO", "Sagittal")
+        .Text(0x00100010, "PN", facts.patient_name)
+        .Text(0x00100020, "LO", facts.patient_id)
+        .Text(TAG_STUDY, "UI", facts.study)
+        .Text(TAG_SERIES, "UI", facts.series)
+        .Text(TAG_SERIES_NUMBER, "IS", "3")
+        .Text(TAG_INSTANCE_NUMBER, "IS", std::to_string(facts.number))
+        .Place(0, 0, facts.number)
+        .Pixels_16(values, facts.side, facts.side)
+        .File();
+}
+
+std::vector<fs::path> Series_Write(const fs::path& folder, Image_Facts facts, int count) {
+    std::vector<fs::path> files;
+    fs::create_directories(folder);
+    for (facts.number = 1; facts.number <= count; ++facts.number) {
+        const Bytes bytes = Image_File(facts);
+        files.push_back(folder / (facts.series + "." + std::to_string(facts.number)));
+        Text_Write(files.back(), {bytes.begin(), bytes.end()});
+    }
+    return files;
+}

@@ -1,0 +1,380 @@
+#include "workbench/archive/archive_association.h"
+
+#include <algorithm>
+#include <array>
+#include <mutex>
+#include <tuple>
+
+#include "dcmtk/dcmdata/dcdeftag.h"
+#include "dcmtk/dcmdata/dcistrmb.h"
+#include "dcmtk/dcmdata/dcuid.h"
+#include "dcmtk/dcmnet/assoc.h"
+#include "dcmtk/dcmnet/cond.h"
+#include "dcmtk/oflog/oflog.h"
+#include "dcmtk/ofstd/ofstd.h"
+#include "workbench/archive/archive_socket.h"
+#include "workbench/volumes/dicom_fields.h"
+#include "workbench/volumes/message_text.h"
+
+namespace workbench::archive {
+
+namespace {
+
+constexpr std::chrono::milliseconds GOODBYE_PATIENCE{1000};
+/** Bytes besides those that were asked for: lengths and marks, and a whole piece that is read ahead. */
+constexpr std::uint64_t ROOM_BESIDES = 2U * ASC_MAXIMUMPDUSIZE;
+
+void Network_Prepare() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        OFStandard::initializeNetwork();
+        OFLog::configure(OFLogger::OFF_LOG_LEVEL);  // what is wrong is told by the result
+    });
+}
+
+Archive_Failure Fail(Archive_Fault fault, std::string text) {
+    return {{fault, std::move(text)}};
+}
+
+std::string Seconds_Text(std::chrono::milliseconds time) {
+    return volumes::Amount_Text(std::chrono::duration<double>(time).count()) + " seconds";
+}
+
+}  // namespace
+
+std::vector<const char*> Plain_Syntaxes() {
+    return {UID_LittleEndianExplicitTransferSyntax, UID_LittleEndianImplicitTransferSyntax};
+}
+
+int Archive_Message::Number(const DcmTagKey& tag) const {
+    Uint16 number = 0;
+    return command->findAndGetUint16(tag, number).good() ? number : -1;
+}
+
+std::string Archive_Message::Text(const DcmTagKey& tag) const {
+    OFString text;
+    // All of it: an identifier with a backslash is none.
+    if (command->findAndGetOFStringArray(tag, text).bad()) {
+        return {};
+    }
+    const std::string whole(text.c_str(), text.size());
+    const std::size_t last = whole.find_last_not_of(std::string_view(" \0", 2));
+    return last == std::string::npos ? std::string() : whole.substr(0, last + 1);
+}
+
+bool Archive_Message::Has_Content() const {
+    const int kind = Number(DCM_CommandDataSetType);
+    return kind >= 0 && kind != DIMSE_DATASET_NULL;
+}
+
+void Archive_Association::Network_End::operator()(T_ASC_Network* ended) const {
+    ASC_dropNetwork(&ended);
+}
+
+void Archive_Association::Parameters_End::operator()(T_ASC_Parameters* ended) const {
+    ASC_destroyAssociationParameters(&ended);
+}
+
+void Archive_Association::Association_End::operator()(T_ASC_Association* ended) const {
+    ASC_destroyAssociation(&ended);
+}
+
+Archive_Association::Archive_Association(const Archive_Settings& archive, Connection_Watch& its_watch,
+                                         std::span<const Proposal> proposals)
+    : settings(archive), watch(its_watch), layer(its_watch) {
+    if (const std::string doubt = Settings_Doubt(settings); !doubt.empty()) {
+        throw Fail(Archive_Fault::Settings, doubt);
+    }
+    Network_Prepare();
+    Request(Reach(), proposals);
+}
+
+std::string Archive_Association::Reach() {
+    watch.Begin();
+    watch.Patience_Set(settings.times.connect, false);
+    const Reached reached = Archive_Reach(settings.host, settings.port, settings.times.connect, [this] {
+        return watch.May_Go_On() || watch.End() == Connection_End::Silent;  // Archive_Reach has the same patience
+    });
+    const std::string title = Archive_Title(settings);
+    switch (reached.fault) {
+        case Reach_Fault::Cancelled:
+            throw Fail(Archive_Fault::Cancelled, title + ": given up.");
+        case Reach_Fault::Unknown_Host:
+            throw Fail(Archive_Fault::Unknown_Host,
+                       title + " is not found: there is no address for that name on this network.");
+        case Reach_Fault::Nothing_Listens:
+            throw Fail(
+                Archive_Fault::Nothing_Listens,
+                title + " is not there: nothing listens at that port. Is the archive running, and the port right?");
+        case Reach_Fault::Too_Slow:
+            throw Fail(Archive_Fault::Not_Reached, title + " does not answer within " +
+                                                       Seconds_Text(settings.times.connect) +
+                                                       ". Is the address right, and the network connected?");
+        case Reach_Fault::None:
+            break;
+    }
+    return reached.address + ":" + std::to_string(settings.port);
+}
+
+void Archive_Association::Request(const std::string& address, std::span<const Proposal> proposals) {
+    watch.Begin();
+    watch.Patience_Set(settings.times.associate, false);
+    watch.Room_Set(ROOM_BESIDES);
+    dcmConnectionTimeout.set(static_cast<Sint32>(
+        std::max<std::int64_t>(1, std::chrono::duration_cast<std::chrono::seconds>(settings.times.connect).count())));
+    T_ASC_Network* opened = nullptr;
+    OFCondition condition = ASC_initializeNetwork(NET_REQUESTOR, 0, DUL_TIMEOUT, &opened);
+    network.reset(opened);
+    T_ASC_Parameters* made = nullptr;
+    if (condition.good()) {
+        condition = ASC_setTransportLayer(opened, &layer, 0);
+    }
+    if (condition.good()) {
+        condition = ASC_createAssociationParameters(&made, ASC_MAXIMUMPDUSIZE);
+    }
+    std::unique_ptr<T_ASC_Parameters, Parameters_End> parameters(made);
+    if (condition.good()) {
+        condition = ASC_setAPTitles(made, settings.own_title.c_str(), settings.called_title.c_str(), nullptr);
+    }
+    if (condition.good()) {
+        condition = ASC_setPresentationAddresses(made, "localhost", address.c_str());
+    }
+    int number = 1;
+    for (const Proposal& proposal : proposals) {
+        std::vector<const char*> syntaxes = proposal.syntaxes;
+        if (condition.good()) {
+            condition = ASC_addPresentationContext(
+                made, static_cast<T_ASC_PresentationContextID>(number), proposal.sop_class.c_str(), syntaxes.data(),
+                static_cast<int>(syntaxes.size()), proposal.is_received ? ASC_SC_ROLE_SCP : ASC_SC_ROLE_DEFAULT);
+        }
+        number += 2;
+    }
+    if (condition.bad()) {
+        throw Fail(Archive_Fault::Refused, Archive_Title(settings) + " cannot be asked (" + condition.text() + ").");
+    }
+    T_ASC_Association* requested = nullptr;
+    condition = ASC_requestAssociation(opened, made, &requested);
+    if (requested != nullptr) {
+        association.reset(requested);
+        if (requested->params == made) {
+            std::ignore = parameters.release();
+        }
+    }
+    if (condition == DUL_ASSOCIATIONREJECTED && requested != nullptr) {
+        throw Rejection();
+    }
+    if (condition.bad()) {
+        throw Failure(condition);
+    }
+    is_associated = true;
+    watch.Patience_Set(settings.times.silence, true);
+}
+
+Archive_Association::~Archive_Association() {
+    if (is_associated) {
+        watch.Lose();  // what is still to come is not waited for
+        ASC_abortAssociation(association.get());
+    }
+}
+
+Archive_Failure Archive_Association::Rejection() const {
+    T_ASC_RejectParameters rejection = {};
+    ASC_getRejectParameters(association->params, &rejection);
+    const std::string title = Archive_Title(settings);
+    switch (rejection.reason) {
+        case ASC_REASON_SU_CALLEDAETITLENOTRECOGNIZED:
+            return Fail(Archive_Fault::Called_Title,
+                        title + " refuses: its AE title is not \"" + settings.called_title + "\".");
+        case ASC_REASON_SU_CALLINGAETITLENOTRECOGNIZED:
+            return Fail(Archive_Fault::Own_Title, title + " refuses: it does not know this program by the AE title \"" +
+                                                      settings.own_title + "\". Whoever looks after it can add it.");
+        case ASC_REASON_SP_PRES_TEMPORARYCONGESTION:
+        case ASC_REASON_SP_PRES_LOCALLIMITEXCEEDED:
+            return Fail(Archive_Fault::Refused, title + " refuses for now: it is busy. Try again later.");
+        default:
+            return Fail(Archive_Fault::Refused,
+                        title + (rejection.result == ASC_RESULT_REJECTEDTRANSIENT ? " refuses for now" : " refuses") +
+                            " to speak with this program.");
+    }
+}
+
+Archive_Failure Archive_Association::Nonsense() const {
+    return Fail(Archive_Fault::Garbled, Archive_Title(settings) +
+                                            " sends what does not follow the DICOM protocol. Is it an archive, and the "
+                                            "port its DICOM port?");
+}
+
+Archive_Failure Archive_Association::Failure(const OFCondition& condition) const {
+    const std::string title = Archive_Title(settings);
+    switch (watch.End()) {
+        case Connection_End::Cancelled:
+            return Fail(Archive_Fault::Cancelled, title + ": given up.");
+        case Connection_End::Silent:
+            return Fail(Archive_Fault::Silent,
+                        title + " is silent for " +
+                            Seconds_Text(is_associated ? settings.times.silence : settings.times.associate) +
+                            ", so the connection was ended.");
+        case Connection_End::Flooded:
+            return Fail(Archive_Fault::Garbled, title + " sends more than was asked for, so the connection was ended.");
+        case Connection_End::Lost:
+            break;
+        case Connection_End::Open:
+            if (condition != DUL_PEERABORTEDASSOCIATION && condition != DUL_PEERREQUESTEDRELEASE &&
+                condition != DUL_NETWORKCLOSED) {
+                return Nonsense();
+            }
+    }
+    if (condition == DUL_PEERABORTEDASSOCIATION || condition == DUL_PEERREQUESTEDRELEASE) {
+        return Fail(Archive_Fault::Lost, title + " has ended the connection.");
+    }
+    return Fail(Archive_Fault::Lost, "The connection was lost: " + title + " has ended, or the network has.");
+}
+
+T_ASC_PresentationContextID Archive_Association::Context_Of(const std::string& sop_class,
+                                                            const std::string& syntax) const {
+    if (syntax.empty()) {
+        return ASC_findAcceptedPresentationContextID(association.get(), sop_class.c_str());
+    }
+    const T_ASC_PresentationContextID context =
+        ASC_findAcceptedPresentationContextID(association.get(), sop_class.c_str(), syntax.c_str());
+    return context != 0 && Syntax_Of(context) == syntax ? context : T_ASC_PresentationContextID{0};
+}
+
+std::string Archive_Association::Syntax_Of(T_ASC_PresentationContextID context) const {
+    T_ASC_PresentationContext agreed = {};
+    return ASC_findAcceptedPresentationContext(association->params, context, &agreed).good()
+               ? agreed.acceptedTransferSyntax
+               : "";
+}
+
+std::string Archive_Association::Class_Of(T_ASC_PresentationContextID context) const {
+    T_ASC_PresentationContext agreed = {};
+    return ASC_findAcceptedPresentationContext(association->params, context, &agreed).good() ? agreed.abstractSyntax
+                                                                                             : "";
+}
+
+void Archive_Association::Send(T_ASC_PresentationContextID context, T_DIMSE_Message& message, DcmDataset* content) {
+    watch.Patience_Set(settings.times.silence, true);
+    const OFCondition condition =
+        DIMSE_sendMessageUsingMemoryData(association.get(), context, &message, nullptr, content, nullptr, nullptr);
+    if (condition.bad()) {
+        throw Failure(condition);
+    }
+}
+
+void Archive_Association::Pieces_Receive(DUL_DATAPDV kind, T_ASC_PresentationContextID& context, std::uint64_t most,
+                                         const std::function<void(std::span<const std::uint8_t>)>& sink) {
+    watch.Room_Set(most + ROOM_BESIDES + most / 8);  // pieces may be small
+    std::uint64_t got = 0;
+    for (bool is_last = false; !is_last;) {
+        DUL_PDV piece = {};
+        OFCondition condition = DUL_NextPDV(&association->DULassociation, &piece);
+        if (condition.bad()) {
+            condition = DUL_ReadPDVs(&association->DULassociation, nullptr, DUL_BLOCK, 0);
+            if (condition != DUL_PDATAPDUARRIVED) {
+                throw Failure(condition);
+            }
+            condition = DUL_NextPDV(&association->DULassociation, &piece);
+        }
+        if (condition.bad() || piece.pdvType != kind || (context != 0 && piece.presentationContextID != context)) {
+            throw Nonsense();
+        }
+        context = piece.presentationContextID;
+        got += piece.fragmentLength;
+        if (got > most) {
+            throw Fail(Archive_Fault::Garbled,
+                       Archive_Title(settings) + " sends an object of more than " + volumes::Size_Text(most) + ".");
+        }
+        sink({static_cast<const std::uint8_t*>(piece.data), piece.fragmentLength});
+        is_last = piece.lastPDV != OFFalse;
+    }
+}
+
+namespace {
+
+/** @return nothing: not a data set */
+std::unique_ptr<DcmDataset> Parsed(const std::vector<std::uint8_t>& bytes, E_TransferSyntax syntax) {
+    auto parsed = std::make_unique<DcmDataset>();
+    DcmInputBufferStream stream;
+    stream.setBuffer(bytes.data(), static_cast<offile_off_t>(bytes.size()));
+    stream.setEos();
+    parsed->transferInit();
+    const OFCondition condition = parsed->read(stream, syntax);
+    parsed->transferEnd();
+    return condition.good() || condition == EC_EndOfStream ? std::move(parsed) : nullptr;
+}
+
+}  // namespace
+
+Archive_Message Archive_Association::Receive() {
+    Archive_Message message;
+    std::vector<std::uint8_t> bytes;
+    Pieces_Receive(DUL_COMMANDPDV, message.context, COMMAND_MOST,
+                   [&](std::span<const std::uint8_t> piece) { bytes.insert(bytes.end(), piece.begin(), piece.end()); });
+    message.command = Parsed(bytes, EXS_LittleEndianImplicit);
+    if (!message.command || message.Number(DCM_CommandField) < 0) {
+        throw Nonsense();
+    }
+    return message;
+}
+
+void Archive_Association::Receive_Content(const Archive_Message& message, std::uint64_t most,
+                                          const std::function<void(std::span<const std::uint8_t>)>& sink) {
+    T_ASC_PresentationContextID context = message.context;
+    Pieces_Receive(DUL_DATASETPDV, context, most, sink);
+}
+
+std::unique_ptr<DcmDataset> Archive_Association::Receive_Data_Set(const Archive_Message& message, std::size_t most) {
+    std::vector<std::uint8_t> bytes;
+    Receive_Content(message, most, [&](std::span<const std::uint8_t> piece) {
+        bytes.insert(bytes.end(), piece.begin(), piece.end());
+    });
+    std::unique_ptr<DcmDataset> parsed = Parsed(bytes, DcmXfer(Syntax_Of(message.context).c_str()).getXfer());
+    if (!parsed) {
+        throw Nonsense();
+    }
+    return parsed;
+}
+
+void Archive_Association::Release() {
+    is_associated = false;
+    watch.Patience_Set(GOODBYE_PATIENCE, false);
+    watch.Room_Set(ROOM_BESIDES);
+    ASC_releaseAssociation(association.get());
+}
+
+std::string Status_Text(int status) {
+    constexpr int class_mask = 0xF000;
+    constexpr int family_mask = 0xFF00;
+    std::string meaning = "it gives no reason";
+    if ((status & family_mask) == 0xA700) {
+        meaning = "it has no room, or no time";
+    } else if ((status & family_mask) == 0xA900) {
+        meaning = "what was sent does not fit its kind";
+    } else if (status == 0xA801) {
+        meaning = "it does not know where to send to";
+    } else if ((status & class_mask) == 0xC000) {
+        meaning = "it cannot process that";
+    } else if (status == 0x0122) {
+        meaning = "it does not take this kind of object";
+    } else if (status == 0x0124) {
+        meaning = "this program is not allowed to";
+    } else if (status == 0x0110) {
+        meaning = "it failed";
+    } else if (status == 0xFE00) {
+        meaning = "it gave up";
+    } else if ((status & class_mask) == 0xB000) {
+        meaning = "with a warning";
+    }
+    std::array<char, 8> digits{};
+    std::snprintf(digits.data(), digits.size(), "%04X", static_cast<unsigned>(status) & 0xFFFFU);
+    return meaning + " (" + digits.data() + ")";
+}
+
+std::string Status_Text(const Archive_Message& message) {
+    const std::string comment = message.Text(DCM_ErrorComment);
+    const std::string text = Status_Text(message.Number(DCM_Status));
+    return comment.empty() ? text : text + ": " + volumes::Printable_Text(comment, volumes::FIELD_SHOWN_MOST);
+}
+
+}  // namespace workbench::archive
