@@ -11,39 +11,35 @@
 #include "workbench/host_variables.h"
 #include "workbench/list_window.h"
 #include "workbench/look.h"
+#include "workbench/model/dialogs.h"
+#include "workbench/model/label_attributes.h"
+#include "workbench/model/workspace.h"
 
 namespace workbench {
 
 /** The application's side. Everything outlives the services. */
 struct Segmentation_Wiring {
-    Session& session;
+    Workspace& work;
     Host_Variables& variables;
+    Label_Attributes& labels;
+    Dialogs& dialogs;
     const Look& look;
-    std::function<HWND()> owner;  ///< of dialogs
-    std::function<int()> slice;   ///< the one that is shown
-    std::function<std::optional<segmentation::Voxel_Place>()> cursor;
-    std::function<double(float told)> grey;  ///< grey value of what the panels are told
-    std::function<std::string()> grey_unit;
-    /** Runs an action beside the window's thread with a window that shows how far it is. */
-    std::function<void(const std::wstring& what,
-                       const std::function<void(const segmentation::Edit_Progress& progress)>& action)>
-        run;
+    std::function<HWND()> owner;                                       ///< of the table's window
+    std::function<std::optional<segmentation::Voxel_Place>()> cursor;  ///< the voxel that is pointed at
     std::function<void()> stroke_end;
-    std::function<void(int slice)> labels_changed;
+    std::function<void(int slice)> slice_go;
     std::function<void()> refresh;  ///< of the image
-    std::function<void(const std::wstring& text)> tell;
-    std::function<void(const std::string& text)> warn;
 };
 
 class Segmentation_Services : public Segmentation_Host {
   public:
     explicit Segmentation_Services(Segmentation_Wiring to_application);
 
-    Session& Work() override { return wiring.session; }
+    Session& Work() override { return wiring.work.session; }
     Segmentation_Hand Hand() const override;
     std::vector<Tag_Claim> Claims() const override;
-    std::string Tag_Name(int tag) const override;
-    std::string Grey_Unit() const override { return wiring.grey_unit(); }
+    std::string Tag_Name(int tag) const override { return wiring.labels.Tag_Name(tag); }
+    std::string Grey_Unit() const override;
     std::optional<std::string> Text_Ask(const std::string& title, const std::string& question,
                                         const std::string& start) override;
     int Line_Ask(const std::string& title, const std::string& label, const std::vector<std::string>& lines,
@@ -53,13 +49,13 @@ class Segmentation_Services : public Segmentation_Host {
     void Run(const std::string& what,
              const std::function<void(const segmentation::Edit_Progress& progress)>& action) override;
     void Stroke_End() override { wiring.stroke_end(); }
-    void Labels_Changed(int slice) override { wiring.labels_changed(slice); }
+    void Labels_Changed(int slice) override;
     void Preview_Changed() override { wiring.refresh(); }
     void Statistics_Show(const std::string& title, const std::string& table) override;
     bool Is_Statistics_Shown() const override { return statistics.Is_Shown(); }
     bool Table_Show(const std::string& title, const std::string& table) override;
-    void Tell(const std::string& text) override;
-    void Warn(const std::string& text) override { wiring.warn(text); }
+    void Tell(const std::string& text) override { wiring.dialogs.Tell(text); }
+    void Warn(const std::string& text) override { wiring.dialogs.Warn(text); }
 
     /** The window of the table, for what is kept of its place. */
     List_Window& Statistics_Window() { return statistics; }

@@ -11,7 +11,9 @@
 
 namespace workbench {
 
-struct Command_Double : File_Actions,
+struct Command_Double : Volume_File_Actions,
+                        Label_File_Actions,
+                        Export_Actions,
                         Object_Actions,
                         History_Actions,
                         Label_Actions,
@@ -178,8 +180,8 @@ struct Command_Double : File_Actions,
     void Report_State() override { Note("Report_State"); }
 
     Command_Parts Parts() {
-        return {*this, *this, *this, *this, *this, *this, *this, *this,
-                *this, *this, *this, *this, *this, *this, *this};
+        return {*this, *this, *this, *this, *this, *this, *this, *this, *this,
+                *this, *this, *this, *this, *this, *this, *this, *this};
     }
 
     std::vector<std::string> asked;      // "Slice_Step 1"

@@ -18,9 +18,10 @@ struct Numbered_Entry {
     bool is_checked = false;
 };
 
-class File_Actions {
+/** Images in files. */
+class Volume_File_Actions {
   public:
-    virtual ~File_Actions() = default;
+    virtual ~Volume_File_Actions() = default;
     virtual void Open_Ask() = 0;
     virtual void Open_Folder_Ask() = 0;
     virtual void Not_Opened_Show() = 0;
@@ -28,13 +29,24 @@ class File_Actions {
     virtual void Read_Facts_Show() = 0;
     /** How the patient lies in an image that does not say it; only the letters beside the picture change. */
     virtual void Orientation_Ask() = 0;
-    virtual void Load_Labels_Ask() = 0;
-    virtual bool Save_Labels(bool ask_for_name) = 0;
-    virtual void Export_Histogram() = 0;
-    virtual void Export_Verify_Ask() = 0;
-    virtual void Quit() = 0;
     virtual std::vector<Numbered_Entry> Recent_Entries() const = 0;
     virtual void Recent_Open(int number) = 0;
+};
+
+/** Labels in files. */
+class Label_File_Actions {
+  public:
+    virtual ~Label_File_Actions() = default;
+    virtual void Load_Labels_Ask() = 0;
+    virtual bool Save_Labels(bool ask_for_name) = 0;
+};
+
+/** The histogram as a file. */
+class Export_Actions {
+  public:
+    virtual ~Export_Actions() = default;
+    virtual void Export_Histogram() = 0;
+    virtual void Export_Verify_Ask() = 0;
 };
 
 /** Labels as DICOM keeps them. */
@@ -285,11 +297,14 @@ class Window_Actions {
     virtual void About_Show() = 0;
     virtual void Banner_Close() = 0;
     virtual void Report_State() = 0;
+    virtual void Quit() = 0;
 };
 
 /** Who answers the commands. */
 struct Command_Parts {
-    File_Actions& file;
+    Volume_File_Actions& file;
+    Label_File_Actions& label_file;
+    Export_Actions& exports;
     Object_Actions& object;
     History_Actions& history;
     Label_Actions& label;

@@ -1,4 +1,5 @@
-// The histogram's file: writing it, and reading it back.
+#include "workbench/histogram_export.h"
+
 #include <windows.h>
 
 #include <commdlg.h>
@@ -6,11 +7,8 @@
 #include <algorithm>
 
 #include "histogram/histo_peak.h"
-#include "workbench/analysis/export_check.h"
-#include "workbench/application.h"
 #include "workbench/file_dialog.h"
 #include "workbench/model/text_file.h"
-#include "workbench/text_dialog.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 
@@ -22,9 +20,9 @@ constexpr std::size_t FILE_SIZE_MOST = 64U << 20U;  // bytes; 65,535 bins of 255
 
 }  // namespace
 
-Export_Expected Application::Export_Wanted() const {
+Export_Expected Histogram_Export::Wanted() const {
     Export_Expected wanted;
-    const Histo_Data& data = *histogram_panel.data;
+    const Histo_Data& data = *panels.Histogram().data;
     const Histo_Record& record = *data.record;
     wanted.separator = variables.Separator();
     wanted.filler = variables.Filler();
@@ -52,59 +50,64 @@ Export_Expected Application::Export_Wanted() const {
     return wanted;
 }
 
-std::string Application::Table_Source() const {
-    std::string source = "Histogram analysis\t1\n";
-    if (session.Has_Volume()) {
-        source += "Volume\t" + volumes.Facts(volumes.Current()).title + "\n";
-        source += "File\t" + volumes::File_Name_Text(session.Path()) + "\n";
+std::string Histogram_Export::Table_Source() const {
+    std::string lines = "Histogram analysis\t1\n";
+    if (work.session.Has_Volume()) {
+        lines += "Volume\t" + work.volumes.Facts(work.volumes.Current()).title + "\n";
+        lines += "File\t" + volumes::File_Name_Text(work.session.Path()) + "\n";
     }
-    return source + "Counted\t" + Histogram_Source();
+    return lines + "Counted\t" + source();
 }
 
-void Application::Table_Save(const std::string& text) {
-    const std::optional<std::filesystem::path> chosen = Save_Ask(
-        analysis.Window(), L"Save the full table", L"Texts (*.txt)\0*.txt\0All files\0*.*\0", L"analysis.txt", L"txt");
+void Histogram_Export::Table_Save(HWND owner, const std::string& text) {
+    const std::optional<std::filesystem::path> chosen =
+        Save_Ask(owner, L"Save the full table", L"Texts (*.txt)\0*.txt\0All files\0*.*\0", L"analysis.txt", L"txt");
     if (!chosen) {
         return;
     }
     const std::filesystem::path& file = *chosen;
     if (const std::string error = Text_File_Write(file, text); !error.empty()) {
-        return Warn("The table was not saved: " + volumes::File_Name_Text(file) + " " + error + ".");
+        return dialogs.Warn("The table was not saved: " + volumes::File_Name_Text(file) + " " + error + ".");
     }
-    Status(L"The full table was saved to " + Wide_Of_Utf8(volumes::File_Name_Text(file)));
+    dialogs.Tell("The full table was saved to " + volumes::File_Name_Text(file));
 }
 
-void Application::Export_Histogram() {
+void Histogram_Export::Export_Histogram() {
     std::string path(FILE_NAME_SIZE, '\0');
     const char* filter =
         Fct_Create_szFilter(2, "CSV files", "$FILE_EXTENSION_EXCEL", "All files", "$FILE_EXTENSION_ALL");
     if (Fct_Save_FileName("Export histogram", filter, "histogram", "csv", path.data(), 0) == 0 ||
-        histogram_panel.Write(path.c_str()) == 0) {
+        panels.Histogram().Write(path.c_str()) == 0) {
         return;
     }
     // What a disk or a network has made of it shows only when it is read back.
-    Export_Verify(std::filesystem::path(Wide_Of_Panel(path.c_str())), true);
+    Verify(std::filesystem::path(Wide_Of_Panel(path.c_str())), true);
 }
 
-void Application::Export_Verify(const std::filesystem::path& path, bool is_new) {
-    if (histogram_panel.data == nullptr || !histogram_panel.data->Has_Counts()) {
-        Warn("There is no histogram that the file could be compared with.");
+void Histogram_Export::Verify(const std::filesystem::path& path, bool is_new) {
+    if (panels.Histogram().data == nullptr || !panels.Histogram().data->Has_Counts()) {
+        dialogs.Warn("There is no histogram that the file could be compared with.");
         return;
     }
     std::string text;
     const std::string name = volumes::File_Name_Text(path);
     if (const std::string error = Text_File_Read(path, FILE_SIZE_MOST, text); !error.empty()) {
-        Warn(name + ' ' + error + '.');
+        dialogs.Warn(name + ' ' + error + '.');
         return;
     }
-    const Export_Check check = Export_Check_Text(text, Export_Wanted());
-    report.Line("export_differences " + std::to_string(check.difference_nb));
+    const Export_Check check = Export_Check_Text(text, Wanted());
+    dialogs.Log("export_differences " + std::to_string(check.difference_nb));
     if (is_new && check.difference_nb == 0) {
-        Status(L"Histogram exported; the file agrees with the panel");
+        dialogs.Tell("Histogram exported; the file agrees with the panel");
         return;
     }
-    Text_Show(window.Handle(), L"Export verified", Wide_Of_Panel(Export_Check_Report(check, name).c_str()),
-              look.Fixed());
+    dialogs.Text_Show("Export verified", variables.Utf8_Of(Export_Check_Report(check, name).c_str()), {});
+}
+
+void Histogram_Export::Export_Verify_Ask() {
+    if (const auto path = dialogs.File_To_Open("Verify export", File_Kind::Histograms)) {
+        Verify(*path, false);
+    }
 }
 
 }  // namespace workbench

@@ -1,11 +1,19 @@
-// What programs that read the screen aloud are told.
+#include "workbench/accessible_names.h"
+
+#include <windows.h>
+
 #include <oleacc.h>
 
 #include <string>
 #include <utility>
 
 #include "workbench/accessible.h"
-#include "workbench/application.h"
+#include "workbench/database/database_pane.h"
+#include "workbench/image_area.h"
+#include "workbench/panel_set.h"
+#include "workbench/status_line.h"
+#include "workbench/trace_view.h"
+#include "workbench/warning_banner.h"
 
 namespace workbench {
 
@@ -22,29 +30,34 @@ Accessible_Source Plain_Source(LONG role, std::function<std::wstring()> name,
 
 }  // namespace
 
-void Application::Accessible_Names() {
-    tag_host->Accessible_Names(L"TAG");
-    brush_host->Accessible_Names(L"Brush", [](int index) { return L"Brush " + std::to_wstring(index + 1); });
-    propagate_host->Accessible_Names(L"Frames");
-    marker_host->Accessible_Names(L"Markers");
-    histogram_host->Accessible_Names(L"Histogram", [](int) { return std::wstring(L"Magnification"); });
-    database.Accessible_Names();
-    tool_area.Accessible_Names();
+void Accessible_Names_Give(Named_Parts parts) {
+    parts.panels.Accessible_Names();
+    parts.database.Accessible_Names();
+    Image_Area& image = parts.image;
+    Status_Line& status_line = parts.status_line;
+    Trace_View& trace = parts.trace;
+    Warning_Banner& banner = parts.banner;
     image.Slices().Accessible_Set(Plain_Source(
-        ROLE_SYSTEM_GRAPHIC, [this] { return session.Has_Volume() ? L"Image: " + Volume_Text() : L"No image"; },
-        [this] {
+        ROLE_SYSTEM_GRAPHIC,
+        [volume = std::move(parts.volume)] {
+            const std::wstring text = volume();
+            return text.empty() ? std::wstring(L"No image") : L"Image: " + text;
+        },
+        [&image, &status_line] {
             return image.Slices().Caption() + (status_line.Voxel().empty() ? L"" : L"\n" + status_line.Voxel());
         }));
     for (int view = 0; view < Plane_Views::VIEW_NB; ++view) {
-        const auto caption = [this, view] { return image.Other(view).Caption(); };
+        const auto caption = [&image, view] { return image.Other(view).Caption(); };
         image.Other(view).Accessible_Set(Plain_Source(ROLE_SYSTEM_GRAPHIC, caption, caption));
     }
     status_line.Accessible_Set(Plain_Source(
         ROLE_SYSTEM_STATUSBAR, [] { return std::wstring(L"Status"); },
-        [this] { return status_line.Message() + (status_line.Mark().empty() ? L"" : L"\n" + status_line.Mark()); }));
+        [&status_line] {
+            return status_line.Message() + (status_line.Mark().empty() ? L"" : L"\n" + status_line.Mark());
+        }));
     trace.Accessible_Set(Plain_Source(
-        ROLE_SYSTEM_TEXT, [] { return std::wstring(L"Trace"); }, [this] { return trace.Text(); }));
-    banner.Accessible_Set(Plain_Source(ROLE_SYSTEM_ALERT, [this] { return banner.Text(); }));
+        ROLE_SYSTEM_TEXT, [] { return std::wstring(L"Trace"); }, [&trace] { return trace.Text(); }));
+    banner.Accessible_Set(Plain_Source(ROLE_SYSTEM_ALERT, [&banner] { return banner.Text(); }));
 }
 
 void Tool_Area::Accessible_Names() {

@@ -1,0 +1,108 @@
+#include "workbench/application_parts.h"
+
+#include <windows.h>
+
+#include "workbench/part_wiring.h"
+#include "workbench/wide_text.h"
+
+namespace workbench {
+
+namespace {
+
+// For what the system and the propagation panel call without saying whom they mean.
+Application_Parts* the_parts = nullptr;
+
+void CALLBACK Recovery_Timer(HWND /*window*/, UINT /*message*/, UINT_PTR /*id*/, DWORD /*time*/) {
+    if (the_parts != nullptr) {
+        the_parts->recovery.Look();
+    }
+}
+
+int Carry(void* from, void* to) {
+    if (the_parts == nullptr) {
+        return 0;
+    }
+    const Volume_Objects& objects = the_parts->objects;
+    return the_parts->propagation.Carry(objects.Slice_Of(static_cast<Quorel_2D*>(from)),
+                                        objects.Slice_Of(static_cast<Quorel_2D*>(to)));
+}
+
+}  // namespace
+
+Application_Parts::Application_Parts(const Command_Line& command_line, Main_Window_User& user)
+    : options(command_line),
+      work([this] { window.Deliver_Soon(); }),
+      window(user),
+      banner(look, [&user] { user.Lay_Out(); }),
+      dialogs(look, status_line, banner, report, [this] { return window.Handle(); }),
+      slices({work, variables, labels, objects, settings.Now(), tools, tags, view, segmentation, segmentation_services,
+              planes, status_line}),
+      planes(work.session, slices.Plane_Services()),
+      image(look, slices, planes),
+      segmentation_services(Segmentation_Wires(*this)),
+      tools(Tool_Wires(*this)),
+      view(work, settings.Now(), dialogs, View_Wires(*this)),
+      tags(work, variables, labels, dialogs, Tag_Wires(*this)),
+      color_advisor(Color_Wires(*this)),
+      propagation(work, variables, dialogs, Propagation_Wires(*this, [&user] { user.Deliver(); })),
+      history(work, variables, dialogs, History_Wires(*this)),
+      label_files(work, labels, dialogs, Label_File_Wires(*this)),
+      pictures(Picture_Wires(*this)),
+      recovery(work, labels, dialogs, Recovery_Wires(*this, &Recovery_Timer)),
+      histogram(
+          {look, work, variables, labels, objects, panels, dialogs, settings, [this] { return window.Handle(); }}),
+      database({look, work, objects, dialogs, [this] { return window.Handle(); }, [&user] { user.Lay_Out(); },
+                [this] { histogram.Control().Checked_Take(); },
+                [this](const Quorel_2D* frame) { opener.Frame_Follow(frame); },
+                [this](unsigned __int64 flags) { Ask(flags); }}),
+      opener(
+          {look, work, labels, objects, dialogs, report, settings.Now(), label_files, database, histogram, tools, view,
+           [this] { return window.Handle(); }, [&user] { user.Deliver(); }, [this] { window_control.Settings_Keep(); }},
+          options.labels),
+      keyboard({work, variables, dialogs, panels, image, planes, database, tools, tags, focus,
+                [&user](const Command_Call& call) { user.Execute(call); }}),
+      focus(keyboard.Focus_Services()),
+      window_control({options, look, settings, variables, dialogs, panels, image, trace, database, histogram, opener,
+                      segmentation_services, state_report, [this] { return window.Handle(); },
+                      [&user] { user.Lay_Out(); }}),
+      commands({opener, label_files, histogram.Exports(), label_objects, history, tags, tools, color_advisor, view,
+                pictures, keyboard, propagation, segmentation, histogram, database, focus, window_control}),
+      state_report({look,
+                    work,
+                    variables,
+                    panels,
+                    image,
+                    planes,
+                    status_line,
+                    banner,
+                    trace,
+                    database.Column(),
+                    database.History(),
+                    histogram,
+                    commands,
+                    color_advisor,
+                    focus,
+                    tags,
+                    tools,
+                    settings,
+                    opener,
+                    [this] { return window.Handle(); },
+                    [&user](HMENU menu) { user.Menu_Refresh(menu); }},
+                   report) {
+    the_parts = this;
+    panels.Propagation_Set(&Carry);
+}
+
+Application_Parts::~Application_Parts() {
+    the_parts = nullptr;
+    objects.Clear();
+}
+
+void Application_Parts::Ask(unsigned __int64 panel_flags) {
+    work.hub.Ask(panel_flags);
+    if (Has_Any(panel_flags, UPDATE_TAG_LABEL)) {
+        labels.Note();
+    }
+}
+
+}  // namespace workbench

@@ -1,0 +1,98 @@
+/** The open volumes: opening files and folders, going from one volume to another. */
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "workbench/commands/command_actions.h"
+#include "workbench/list_window.h"
+#include "workbench/model/dialogs.h"
+#include "workbench/model/label_attributes.h"
+#include "workbench/model/settings.h"
+#include "workbench/model/workspace.h"
+#include "workbench/report.h"
+#include "workbench/slice_frames.h"
+#include "workbench/volume_objects.h"
+
+namespace workbench {
+
+class Database_Control;
+class Histogram_Desk;
+class Label_File_Control;
+class Tool_Box;
+class View_Control;
+
+/** What it works on, and what it asks of the application. All outlive it. */
+struct Opener_Parts {
+    const Look& look;
+    Workspace& work;
+    Label_Attributes& labels;
+    Volume_Objects& objects;
+    Dialogs& dialogs;
+    Report& report;
+    Settings& settings;
+    Label_File_Control& label_files;
+    Database_Control& database;
+    Histogram_Desk& histogram;
+    Tool_Box& tools;
+    View_Control& view;
+    std::function<HWND()> window;         ///< the main one
+    std::function<void()> deliver;        ///< tells everybody at once
+    std::function<void()> settings_keep;  ///< the files that were opened lately have changed
+};
+
+class Volume_Opener : public Volume_File_Actions {
+  public:
+    /** @param its_labels of the first images that are opened, UTF-8; empty: none */
+    Volume_Opener(Opener_Parts parts, std::string its_labels)
+        : of(std::move(parts)), first_labels(std::move(its_labels)), not_opened_list(of.look), read_list(of.look) {}
+
+    void Open_Ask() override;
+    void Open_Folder_Ask() override;
+    void Not_Opened_Show() override;
+    void Read_Facts_Show() override;
+    void Orientation_Ask() override;
+    std::vector<Numbered_Entry> Recent_Entries() const override;
+    void Recent_Open(int number) override;
+
+    /** Opens files and folders, all together, in place of what is open. */
+    void Open(std::span<const std::filesystem::path> paths);
+    /** Goes to another volume and makes the histogram of all its frames; nothing for one that there is not. */
+    void Go(int wanted);
+    /** Shows a frame of whatever volume. */
+    void Frame_Follow(const Quorel_2D* frame);
+    /** Name and size of the current volume. */
+    std::string Volume_Text() const;
+    /** Files that were left out. */
+    long long Not_Opened_Nb() const;
+
+    // Their places are kept.
+    List_Window& Not_Opened_List() { return not_opened_list; }
+    List_Window& Read_List() { return read_list; }
+
+  private:
+    /** Tells which files were not opened, and why. */
+    void Problems_Tell(const volumes::Image_Folder& opened, const std::filesystem::path& first);
+    void Paths_Note(std::span<const std::filesystem::path> paths);
+    void Labels_Take();
+    /** @param first of the paths that were opened: the class changes are kept beside it */
+    void Show(const std::filesystem::path& first, volumes::Image_Folder&& opened,
+              std::vector<volumes::Volume_Statistics>&& numbers, std::vector<Slice_Frames>&& frames);
+    /** Takes over what belongs to the volume that became the current one. */
+    void Adopt();
+    /** Makes another volume the current one. @return false: it is so already, or there is none */
+    bool Set(int wanted);
+
+    Opener_Parts of;
+    std::string first_labels;
+    std::string not_opened;                              // files, and why; UTF-8, one per line
+    std::vector<volumes::Folder_Problem> read_warnings;  // of files that are open
+    List_Window not_opened_list;
+    List_Window read_list;
+};
+
+}  // namespace workbench
