@@ -52,6 +52,7 @@ Database_Host Database_Control::Services() {
         of.lay_out();
     };
     services.changed = of.lay_out;
+    services.origin_of = [this](const void* record) { return of.objects.Origin_Of(record); };
     return services;
 }
 

@@ -86,6 +86,7 @@ void Volume_Objects::Clear() {
     Variable_Define_Pointer("$DB_2D_ROOT_PT", nullptr);
     Variable_Define_Scalar("$DB_2D_FILE_NB", VARIABLE_SIGNED_32, 0);
     Variable_Define_Array("$DB_2D_FILE_PT", VARIABLE_POINTER, 0);
+    file_of_record.clear();
     files.clear();
     places.clear();
     // Parents first: a frame that hangs nowhere need not be looked for among its neighbours.
@@ -156,8 +157,14 @@ void Volume_Objects::Volume_Build(int at, const Volume_Facts& facts, const Sessi
 
 void Volume_Objects::Files_Build(const Open_Volumes& volumes) {
     const std::filesystem::path common = Common_Folder(volumes.Files());
-    for (const std::filesystem::path& path : volumes.Files()) {
-        files.emplace_back(std::make_unique<File>())->path = Shown_Path(path, common);
+    for (std::size_t at = 0; at < volumes.Files().size(); ++at) {
+        File& file = *files.emplace_back(std::make_unique<File>());
+        file.path = Shown_Path(volumes.Files()[at], common);
+        file.origin = volumes.Origins()[at];
+        for (std::string* const text : {&file.origin.patient_name, &file.origin.patient_id, &file.origin.study_text,
+                                        &file.origin.series_text, &file.origin.study_date}) {
+            *text = Panel_Of_Utf8(*text);
+        }
     }
     for (int at = 0; at < volumes.Nb(); ++at) {
         const Volume_Facts& facts = volumes.Facts(at);
@@ -178,6 +185,7 @@ void Volume_Objects::Files_Build(const Open_Volumes& volumes) {
         file.flags.assign(file.frames.size(), 0);
         file.record = {file.path.c_str(), static_cast<int>(file.frames.size()), file.frames.data(), file.flags.data()};
         table[at] = &file.record;
+        file_of_record[&file.record] = &file;
     }
     Variable_Define_Scalar("$DB_2D_FILE_NB", VARIABLE_SIGNED_32, table != nullptr ? nb : 0);
 }
@@ -193,6 +201,11 @@ Quorel_2D* Volume_Objects::Frame(int slice) const {
     return one != nullptr && slice >= 0 && static_cast<std::size_t>(slice) < one->frames.size()
                ? one->frames[static_cast<std::size_t>(slice)].get()
                : nullptr;
+}
+
+const volumes::File_Origin* Volume_Objects::Origin_Of(const void* file_record) const {
+    const auto found = file_of_record.find(file_record);
+    return found != file_of_record.end() ? &found->second->origin : nullptr;
 }
 
 Frame_Place Volume_Objects::Place_Of(const Quorel_2D* frame) const {

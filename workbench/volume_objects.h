@@ -63,6 +63,8 @@ class Volume_Objects {
     /** The frame to show when the selection has changed: the shown one if it is selected, else the first selected one
      *  of the current volume, else of all; null when none is. */
     Quorel_2D* Selected_Frame() const;
+    /** Whose images a file of "$DB_2D_FILE_PT" holds, in the panels' letters; null for anything else. */
+    const volumes::File_Origin* Origin_Of(const void* file_record) const;
     /** All selected frames, of whatever volume, by volume and slice. */
     std::vector<Frame_Place> Selected() const;
     /** Builds the current volume's histograms anew. */
@@ -73,6 +75,7 @@ class Volume_Objects {
     struct File {
         File_Record record;
         std::string path;
+        volumes::File_Origin origin;
         std::vector<Quorel_2D_Frame*> frames;
         std::vector<unsigned short> flags;
     };
@@ -93,6 +96,7 @@ class Volume_Objects {
     std::unique_ptr<Quorel_2D> root;
     std::vector<std::unique_ptr<Shown_Volume>> shown;
     std::vector<std::unique_ptr<File>> files;
+    std::unordered_map<const void*, const File*> file_of_record;
     std::unordered_map<const Quorel_2D*, Frame_Place> places;
     int current = -1;
 };

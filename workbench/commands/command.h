@@ -156,6 +156,7 @@ enum class Command {
     Database,
     Database_Find,
     Database_Files,
+    Database_Patients,
     Database_2D,
     Database_3D,
     Database_1D,

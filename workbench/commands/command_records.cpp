@@ -396,6 +396,8 @@ constexpr Command_Record RECORDS[] = {
           [](const Parts& on, int) { on.database.Database_Find(); }),
     Entry(Command::Database_Files, "database_files", Menu::Database, "F&iles", {},
           [](const Parts& on, int) { on.database.Database_View_Set(0); }, {.is_group_begin = true}),
+    Entry(Command::Database_Patients, "database_patients", Menu::Database, "&Patients", {},
+          [](const Parts& on, int) { on.database.Database_View_Set(4); }),
     Entry(Command::Database_2D, "database_2d", Menu::Database, "&2D classes", {},
           [](const Parts& on, int) { on.database.Database_View_Set(1); }),
     Entry(Command::Database_3D, "database_3d", Menu::Database, "&3D classes", {},

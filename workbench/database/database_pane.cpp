@@ -30,10 +30,19 @@ constexpr int FIND_FIELD_ID = 1;
 constexpr UINT FIND_CUE_BANNER = 0x1501;  // EM_SETCUEBANNER
 constexpr int BUTTON_NB = 3;              // expand all, collapse all, edit
 
-constexpr const wchar_t* TAB_TEXT[DATABASE_VIEW_NB] = {L"Files", L"2D classes", L"3D classes", L"1D classes"};
+struct Tab_Of_View {
+    Database_View view;
+    const wchar_t* text;
+};
+constexpr Tab_Of_View TABS[DATABASE_VIEW_NB] = {{Database_View::Files, L"Files"},
+                                                {Database_View::Patients, L"Patients"},
+                                                {Database_View::Classes_2D, L"2D classes"},
+                                                {Database_View::Classes_3D, L"3D classes"},
+                                                {Database_View::Classes_1D, L"1D classes"}};
 constexpr const wchar_t* BUTTON_TEXT[BUTTON_NB] = {L"+", L"\u2212", L"Edit"};
 constexpr const wchar_t* BUTTON_NAME[BUTTON_NB] = {L"Expand all", L"Collapse all", L"Edit the class tree"};
-constexpr int VIEW_MODE[DATABASE_VIEW_NB] = {2, 2, 3, 1};
+constexpr int FILE_MODE = 2;
+constexpr int CLASS_MODE[] = {2, 3, 1};  // the dimension of the class views, in their order
 
 /** A tab's text; only its first word where there is no room for all. */
 std::wstring_view Tab_Text(HDC dc, HFONT font, std::wstring_view text, int room) {
@@ -94,10 +103,14 @@ class Database_Pane::Relay : public Hosted_Panel {
 
 Database_Pane::Database_Pane(const Look& shared_look, Database_Host application)
     : look(shared_look), host(std::move(application)) {
-    Panel_Make(static_cast<int>(Database_View::Files), std::make_shared<Tool_DB_File>(VIEW_MODE[0]));
-    for (int at = 1; at < DATABASE_VIEW_NB; ++at) {
-        Panel_Make(at, std::make_shared<Tool_DB_Class>(VIEW_MODE[at]));
-        Panel_Make(EDITOR_FIRST + at - 1, std::make_shared<Tool_DB_Class>(VIEW_MODE[at] | DB_MODE_EDIT));
+    auto files = std::make_shared<Tool_DB_File>(FILE_MODE);
+    auto patients = std::make_shared<Patient_View>(host.origin_of);
+    patients->Source_Set(files.get());
+    Panel_Make(static_cast<int>(Database_View::Files), std::move(files));
+    Panel_Make(static_cast<int>(Database_View::Patients), std::move(patients));
+    for (int at = 0; at < EDITOR_NB; ++at) {
+        Panel_Make(static_cast<int>(Database_View::Classes_2D) + at, std::make_shared<Tool_DB_Class>(CLASS_MODE[at]));
+        Panel_Make(EDITOR_FIRST + at, std::make_shared<Tool_DB_Class>(CLASS_MODE[at] | DB_MODE_EDIT));
     }
     auto find = std::make_shared<Find_View>();
     found = find.get();
@@ -141,8 +154,9 @@ int Database_Pane::Shown() const {
     if (!find_text.empty()) {
         return FIND;
     }
-    return is_editor && view != Database_View::Files ? EDITOR_FIRST + static_cast<int>(view) - 1
-                                                     : static_cast<int>(view);
+    return is_editor && Is_Of_Classes()
+               ? EDITOR_FIRST + static_cast<int>(view) - static_cast<int>(Database_View::Classes_2D)
+               : static_cast<int>(view);
 }
 
 int Database_Pane::Top_Height() const {
@@ -239,7 +253,7 @@ void Database_Pane::View_Set(Database_View wanted) {
 
 void Database_Pane::Editor_Set(bool on) {
     is_editor = on;
-    if (on && view == Database_View::Files) {
+    if (on && !Is_Of_Classes()) {
         view = Database_View::Classes_3D;
     }
     View_Set(view);
@@ -289,8 +303,8 @@ void Database_Pane::Accessible_Names() {
     source.parts = [this] {
         std::vector<Accessible_Part> parts;
         for (int at = 0; at < DATABASE_VIEW_NB; ++at) {
-            const LONG state = static_cast<int>(view) == at ? STATE_SYSTEM_SELECTED : 0;
-            parts.push_back({TAB_TEXT[at], L"", ROLE_SYSTEM_PAGETAB, state, Tab(at)});
+            const LONG state = view == TABS[at].view ? STATE_SYSTEM_SELECTED : 0;
+            parts.push_back({TABS[at].text, L"", ROLE_SYSTEM_PAGETAB, state, Tab(at)});
         }
         for (int at = 0; at < BUTTON_NB; ++at) {
             const LONG state = at == BUTTON_NB - 1 && is_editor ? STATE_SYSTEM_PRESSED : 0;
@@ -344,12 +358,12 @@ void Database_Pane::Paint() {
     Fill(dc, {0, 0, 1, paint.Client().bottom}, look.line);
     for (int at = 0; at < DATABASE_VIEW_NB; ++at) {
         const RECT tab = Tab(at);
-        const bool is_shown = static_cast<int>(view) == at;
+        const bool is_shown = view == TABS[at].view;
         Fill(dc, tab, is_shown ? look.heading_hover : look.heading);
         if (is_shown) {
             Fill(dc, {tab.left, tab.bottom - look.Px(2), tab.right, tab.bottom}, look.accent);
         }
-        Draw_Line(dc, tab, Tab_Text(dc, look.Bold(), TAB_TEXT[at], tab.right - tab.left),
+        Draw_Line(dc, tab, Tab_Text(dc, look.Bold(), TABS[at].text, tab.right - tab.left),
                   is_shown ? look.Bold() : look.Font(), is_shown ? look.text : look.text_grey, DT_CENTER);
     }
     Fill(dc, Find_Box(), look.heading);
@@ -378,7 +392,7 @@ void Database_Pane::Press(POINT point) {
     for (int at = 0; at < DATABASE_VIEW_NB; ++at) {
         const RECT tab = Tab(at);
         if (::PtInRect(&tab, point) != 0) {
-            return View_Set(static_cast<Database_View>(at));
+            return View_Set(TABS[at].view);
         }
     }
     for (int at = 0; at < BUTTON_NB; ++at) {

@@ -11,12 +11,13 @@
 #include "database/tool_db_file.h"
 #include "workbench/database/find_view.h"
 #include "workbench/database/keyed_tree.h"
+#include "workbench/database/patient_view.h"
 
 namespace workbench {
 
 /** What the column shows. */
-enum class Database_View { Files, Classes_2D, Classes_3D, Classes_1D };
-inline constexpr int DATABASE_VIEW_NB = 4;
+enum class Database_View { Files, Classes_2D, Classes_3D, Classes_1D, Patients };
+inline constexpr int DATABASE_VIEW_NB = 5;
 inline constexpr int DATABASE_WIDTH_LEAST = 240;  ///< of the column, pixels at 96 dots per inch
 
 /** What the column needs of the application. */
@@ -26,6 +27,7 @@ struct Database_Host {
     std::function<bool(const std::string&)> may_remove;  ///< asks before a class is taken out of its tree
     std::function<void(int)> width_set;                  ///< the user drags the column's left edge
     std::function<void()> changed;                       ///< view or editor was switched
+    Patient_View::Origin_Of origin_of;                   ///< whose images a file holds
 };
 
 class Database_Pane : public Window_Base {
@@ -79,15 +81,18 @@ class Database_Pane : public Window_Base {
         unsigned __int64 pending = UPDATE_STRUCTURE | UPDATE_WINDOW_CUR;  ///< what it has not been told yet
     };
     static constexpr int EDITOR_FIRST = DATABASE_VIEW_NB;  // editors of 2D, 3D, 1D
-    static constexpr int FIND = EDITOR_FIRST + 3;          // what the find field found
+    static constexpr int EDITOR_NB = 3;
+    static constexpr int FIND = EDITOR_FIRST + EDITOR_NB;  // what the find field found
     static constexpr int PANEL_NB = FIND + 1;
 
     void Panel_Make(int at, std::shared_ptr<Tool_DB_List> panel);
+    bool Is_Of_Classes() const { return view != Database_View::Files && view != Database_View::Patients; }
     int Shown() const;
     void Show_Panel();
     void Find_Changed();
     void Paint();
     void Press(POINT point);
+    /** @param at from the left */
     RECT Tab(int at) const;
     /** The frame around the find field. */
     RECT Find_Box() const;

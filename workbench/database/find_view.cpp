@@ -1,7 +1,6 @@
 #include "workbench/database/find_view.h"
 
 #include <cstdlib>
-#include <new>
 #include <utility>
 
 namespace workbench {
@@ -55,50 +54,24 @@ bool Columns_Set(DB_List& record, const std::vector<std::pair<const char*, std::
 
 }  // namespace
 
-Find_View::~Find_View() {
-    Source_Free();
-}
-
-void Find_View::Source_Set(Tool_DB_List* view) {
-    source = view;
-    mode = view != nullptr ? view->mode & ~DB_MODE_EDIT : 0;
-}
-
-void Find_View::Source_Free() {
-    found.clear();
-    DB_List_Array_Free(&all_nb, &all);
-}
-
-int Find_View::Source_Row(int listed) const {
-    return listed >= 0 && listed < static_cast<int>(found.size()) ? found[static_cast<std::size_t>(listed)] : -1;
-}
-
 /** Appends the row of a leaf when it matches. @param branches above it, the root first. @return false without memory */
 bool Find_View::List_Row(int at, const std::vector<int>& branches, int* nb, DB_List** list_pt) {
-    const DB_List& leaf = all[at];
+    const DB_List& leaf = Source()[at];
     std::string place;
     std::string text = Own_Texts(leaf);
     std::uint16_t modality = leaf.modality;
     for (const int branch : branches) {
-        place += (place.empty() ? "" : PLACE_SEPARATOR) + Place_Name(all[branch]);
-        text += ' ' + Own_Texts(all[branch]);
-        modality = modality != 0 ? modality : all[branch].modality;
+        place += (place.empty() ? "" : PLACE_SEPARATOR) + Place_Name(Source()[branch]);
+        text += ' ' + Own_Texts(Source()[branch]);
+        modality = modality != 0 ? modality : Source()[branch].modality;
     }
     if (!words.Match(text + ' ' + Modality_Text(modality))) {
         return true;
     }
-    found.push_back(at);
-    DB_List* const row = DB_List_Append(nb, list_pt, {SOURCE, __LINE__});
+    DB_List* const row = Leaf_Append(at, nb, list_pt);
     if (row == nullptr) {
         return false;
     }
-    row->flag = static_cast<std::uint16_t>(leaf.flag & (DB_FLAG_LEAF | DB_FLAG_LOCKED));
-    row->state = leaf.state;
-    row->modality = leaf.modality;
-    row->index = leaf.index;
-    row->object = leaf.object;
-    row->color = leaf.color;
-    row->icon = leaf.icon;
     std::vector<std::pair<const char*, std::string>> columns;
     if (!place.empty()) {
         columns.emplace_back(PLACE_LABEL, place);
@@ -110,64 +83,19 @@ bool Find_View::List_Row(int at, const std::vector<int>& branches, int* nb, DB_L
            DB_List_Text_Copy(&row->name, leaf.name, "name", {SOURCE, __LINE__}) && Columns_Set(*row, columns);
 }
 
-unsigned short Find_View::List_Create_From_DB(int* nb, DB_List** list_pt, int /*level*/, int /*parent*/,
-                                              void* /*object*/) {
-    const int first = *nb;
-    Source_Free();
-    if (source == nullptr || words.Is_Empty() || first != 0) {
-        return 0;
-    }
-    source->List_Create_From_DB(&all_nb, &all, 0, 0, nullptr);
-    if (all == nullptr) {
-        return 0;
-    }
-    source->List_Select_From_DB(all_nb, all);
-    DB_List_Set_State(all_nb, all);
-    try {
-        std::vector<int> branches;
-        for (int i = 0; i < all_nb; ++i) {
-            while (!branches.empty() && all[branches.back()].level >= all[i].level) {
-                branches.pop_back();
-            }
-            if ((all[i].flag & DB_FLAG_LEAF) == 0) {
-                branches.push_back(i);
-            } else if (!List_Row(i, branches, nb, list_pt)) {
-                return 0;
-            }
+bool Find_View::List_Rows(int* nb, DB_List** list_pt) {
+    std::vector<int> branches;
+    for (int i = 0; i < Source_Nb(); ++i) {
+        while (!branches.empty() && Source()[branches.back()].level >= Source()[i].level) {
+            branches.pop_back();
         }
-    } catch (const std::bad_alloc&) {
-        return 0;
+        if ((Source()[i].flag & DB_FLAG_LEAF) == 0) {
+            branches.push_back(i);
+        } else if (!List_Row(i, branches, nb, list_pt)) {
+            return false;
+        }
     }
-    return static_cast<unsigned short>(*nb - first);
-}
-
-bool Find_View::Source_Read(int nb, const DB_List* list_pt) {
-    if (source == nullptr || all == nullptr || list_pt == nullptr || nb > static_cast<int>(found.size())) {
-        return false;
-    }
-    source->List_Select_From_DB(all_nb, all);
-    DB_List_Set_State(all_nb, all);
     return true;
-}
-
-void Find_View::List_Select_From_DB(int nb, DB_List* list_pt) {
-    if (!Source_Read(nb, list_pt)) {
-        return;
-    }
-    for (int i = 0; i < nb; ++i) {
-        list_pt[i].state = all[Source_Row(i)].state;
-    }
-}
-
-void Find_View::List_Select_To_DB(int nb, DB_List* list_pt) {
-    if (!Source_Read(nb, list_pt)) {
-        return;
-    }
-    for (int i = 0; i < nb; ++i) {
-        DB_List& record = all[Source_Row(i)];
-        record.state = static_cast<std::uint16_t>((record.state & ~DB_STATE_MASK) | (list_pt[i].state & DB_STATE_MASK));
-    }
-    source->List_Select_To_DB(all_nb, all);
 }
 
 }  // namespace workbench

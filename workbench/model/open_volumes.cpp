@@ -10,6 +10,7 @@ namespace workbench {
 void Open_Volumes::Clear(Session& current_session) {
     volumes.clear();
     files.clear();
+    origins.clear();
     current = -1;
     current_session = Session();
 }
@@ -34,6 +35,8 @@ void Open_Volumes::Take(volumes::Image_Folder&& folder, std::vector<volumes::Vol
             entry.session.Take(std::move(opened.volume), opened.path);
         }
         files = std::move(folder.files);
+        origins = std::move(folder.origins);
+        origins.resize(files.size());
     } catch (...) {
         Clear(current_session);
         throw;

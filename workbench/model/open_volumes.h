@@ -53,6 +53,8 @@ class Open_Volumes {
     const Session& Session_Of(int volume, const Session& current_session) const;
     /** Files that the volumes came from. */
     const std::vector<std::filesystem::path>& Files() const { return files; }
+    /** Whose images each of them holds. */
+    const std::vector<volumes::File_Origin>& Origins() const { return origins; }
 
     /** Makes another volume the current one. Levels stay where they are in memory. */
     void Switch(int wanted, Session& current_session);
@@ -67,6 +69,7 @@ class Open_Volumes {
     };
     std::vector<Entry> volumes;
     std::vector<std::filesystem::path> files;
+    std::vector<volumes::File_Origin> origins;
     int current = -1;
 };
 

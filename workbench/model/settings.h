@@ -43,7 +43,7 @@ struct Settings {
 };
 
 inline constexpr std::size_t RECENT_MAX = 8;
-inline constexpr int DATABASE_VIEW_MAX = 3;       ///< the highest tab
+inline constexpr int DATABASE_VIEW_MAX = 4;       ///< the highest tab
 inline constexpr int DATABASE_WIDTH_MAX = 4000;   ///< pixels at 96 dots per inch
 inline constexpr unsigned int FOLDED_MAX = 0xFF;  ///< all bits that mean something
 

@@ -1,5 +1,6 @@
 #include "workbench/volumes/dicom_fields.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -93,6 +94,38 @@ std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag, unsigned long positi
     const std::size_t first = value.find_first_not_of(' ');
     const std::size_t last = value.find_last_not_of(' ');
     return first == std::string::npos ? std::string() : value.substr(first, last - first + 1);
+}
+
+std::string Field_Person(DcmItem& item, const DcmTagKey& tag) {
+    const std::string written = Field_Utf8(item, tag);
+    std::string name;
+    for (const char letter : written) {
+        if (letter == '=' && !name.empty()) {
+            break;
+        }
+        const bool is_gap = letter == '^' || letter == ' ' || letter == '=';
+        if (!is_gap) {
+            name += letter;
+        } else if (!name.empty() && name.back() != ' ') {
+            name += ' ';
+        }
+    }
+    if (!name.empty() && name.back() == ' ') {
+        name.pop_back();
+    }
+    return name;
+}
+
+std::string Field_Date(DcmItem& item, const DcmTagKey& tag) {
+    constexpr std::size_t digit_nb = 8;
+    const std::string written = Field_Text(item, tag);
+    std::string digits = written;
+    std::erase(digits, '.');  // as in files of the eighties
+    const auto is_digit = [](char letter) { return letter >= '0' && letter <= '9'; };
+    if (digits.size() != digit_nb || !std::ranges::all_of(digits, is_digit)) {
+        return written;
+    }
+    return digits.substr(0, 4) + '-' + digits.substr(4, 2) + '-' + digits.substr(6);
 }
 
 }  // namespace volumes

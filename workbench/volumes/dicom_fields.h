@@ -37,5 +37,9 @@ std::vector<DcmItem*> Field_Items(DcmItem& item, const DcmTagKey& tag);
 /** Text of the item's character sets as UTF-8 without blanks around it (see dicom_text.h).
  *  @param position of several values */
 std::string Field_Utf8(DcmItem& item, const DcmTagKey& tag, unsigned long position = 0);
+/** A person's name as UTF-8, its parts with blanks between them: "Doe Jane". Of several ways to write it, the first. */
+std::string Field_Person(DcmItem& item, const DcmTagKey& tag);
+/** A date, "2004-01-19"; what is no date comes as it is. */
+std::string Field_Date(DcmItem& item, const DcmTagKey& tag);
 
 }  // namespace volumes

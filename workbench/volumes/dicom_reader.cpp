@@ -288,23 +288,27 @@ Frame_Size File_Reader::Frame_Size_Of() const {
 void File_Reader::Names_Read() {
     DcmDataset& data_set = *file.getDataset();
     image.instance = Field_Text(data_set, DCM_SOPInstanceUID);
-    image.study = Field_Text(data_set, DCM_StudyInstanceUID);
-    image.series = Field_Text(data_set, DCM_SeriesInstanceUID);
-    image.series_text = Field_Utf8(data_set, DCM_SeriesDescription);
-    if (image.series_text.empty()) {
-        image.series_text = Field_Utf8(data_set, DCM_ProtocolName);
+    image.origin.patient_name = Field_Person(data_set, DCM_PatientName);
+    image.origin.patient_id = Field_Utf8(data_set, DCM_PatientID);
+    image.origin.study = Field_Text(data_set, DCM_StudyInstanceUID);
+    image.origin.study_date = Field_Date(data_set, DCM_StudyDate);
+    image.origin.study_text = Field_Utf8(data_set, DCM_StudyDescription);
+    image.origin.series = Field_Text(data_set, DCM_SeriesInstanceUID);
+    image.origin.series_text = Field_Utf8(data_set, DCM_SeriesDescription);
+    if (image.origin.series_text.empty()) {
+        image.origin.series_text = Field_Utf8(data_set, DCM_ProtocolName);
     }
-    image.series_number = Field_Integer(data_set, DCM_SeriesNumber).value_or(0);
-    image.instance_number = Field_Integer(data_set, DCM_InstanceNumber).value_or(0);
+    image.origin.series_number = Field_Integer(data_set, DCM_SeriesNumber).value_or(0);
+    image.origin.instance_number = Field_Integer(data_set, DCM_InstanceNumber).value_or(0);
     image.moment.acquisition = Field_Integer(data_set, DCM_AcquisitionNumber).value_or(0);
     image.moment.temporal_position = Field_Integer(data_set, DCM_TemporalPositionIdentifier).value_or(0);
     image.moment.trigger = Field_Number(data_set, DCM_TriggerTime).value_or(0.0);
     const std::string modality = Field_Text(data_set, DCM_Modality);
-    image.modality = MODALITY_UNKNOWN;
+    image.origin.modality = MODALITY_UNKNOWN;
     if (modality.size() >= 2) {
         const auto high = static_cast<unsigned char>(modality[0]);
         const auto low = static_cast<unsigned char>(modality[1]);
-        image.modality = static_cast<std::uint16_t>(high << 8U | low);
+        image.origin.modality = static_cast<std::uint16_t>(high << 8U | low);
     }
     constexpr unsigned long kind_most = 8;  // values of the image type that are looked at
     for (unsigned long at = 0; at < kind_most; ++at) {
@@ -528,7 +532,7 @@ Dicom_Result File_Reader::Read() {
     Tables_Read();
     Padding_Read();
     Names_Read();
-    plan = Frames_Plan(*file.getDataset(), image.modality, Frame_Size_Of());
+    plan = Frames_Plan(*file.getDataset(), image.origin.modality, Frame_Size_Of());
     result.warnings.insert(result.warnings.end(), plan.warnings.begin(), plan.warnings.end());
     Images_Make();
     Warnings_Tell();

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "workbench/volumes/file_origin.h"
 #include "workbench/volumes/slice_stack.h"
 #include "workbench/volumes/volume.h"
 #include "workbench/volumes/volume_load.h"
@@ -27,14 +28,9 @@ struct Dicom_Image {
     std::int32_t part = 0;      ///< of part_nb that the file's frames make up, from 0
     std::int32_t part_nb = 1;
     std::string instance;  ///< unique identifier of the image itself; may be empty
-    std::string study;
-    std::string series;       ///< unique identifiers; may be empty
-    std::string series_text;  ///< description, or the protocol's name; UTF-8, may be empty
-    std::int32_t series_number = 0;
-    std::int32_t instance_number = 0;
-    Slice_Moment moment;         ///< of the first slice
-    std::uint16_t modality = 0;  ///< two letters, the first in the high byte
-    bool is_scout = false;       ///< a localizer
+    File_Origin origin;
+    Slice_Moment moment;    ///< of the first slice
+    bool is_scout = false;  ///< a localizer
 };
 
 struct Dicom_Result {

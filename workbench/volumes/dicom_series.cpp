@@ -34,7 +34,7 @@ Key Key_Of(const Series_Part& part, const std::string& series) {
                                       image.place.is_known ? 1 : 0,
                                       image.place.has_corner ? 1 : 0,
                                       image.part};
-    return {image.study, image.series_number, series, is_alone ? part.file : -1, std::move(kind)};
+    return {image.origin.study, image.origin.series_number, series, is_alone ? part.file : -1, std::move(kind)};
 }
 
 std::string Modality_Text(std::uint16_t modality) {
@@ -47,12 +47,12 @@ std::string Modality_Text(std::uint16_t modality) {
 }
 
 std::string Title_Of(const Dicom_Image& image) {
-    std::string title = Modality_Text(image.modality);
-    if (image.series_number != 0) {
-        title += ' ' + std::to_string(image.series_number);
+    std::string title = Modality_Text(image.origin.modality);
+    if (image.origin.series_number != 0) {
+        title += ' ' + std::to_string(image.origin.series_number);
     }
-    if (!image.series_text.empty()) {
-        title += ": " + image.series_text;
+    if (!image.origin.series_text.empty()) {
+        title += ": " + image.origin.series_text;
     }
     return title;
 }
@@ -99,7 +99,7 @@ class Group {
         if (parts.size() == 1) {
             return Alone();
         }
-        std::ranges::stable_sort(parts, {}, [](const Series_Part* part) { return part->image.instance_number; });
+        std::ranges::stable_sort(parts, {}, [](const Series_Part* part) { return part->image.origin.instance_number; });
         const Dicom_Image& first = parts.front()->image;
         if (first.place.is_known || (first.place.has_corner && Places_Assume())) {
             Placed();
@@ -140,7 +140,7 @@ class Group {
 Folder_Volume Group::Begin(const Series_Part& part) const {
     Folder_Volume made;
     made.title = Title_Of(part.image);
-    made.modality = part.image.modality;
+    made.modality = part.image.origin.modality;
     made.is_scout = part.image.is_scout;
     made.descriptor = part.image.is_scout ? "Scout" : (part.image.volume.color ? "Colour image" : "Grey image");
     made.descriptor += ", " + part.image.volume.scalar_type;
@@ -274,7 +274,7 @@ bool Is_Same(const Series_Part& left_part, const Series_Part& right_part) {
     const Dicom_Image& left = left_part.image;
     const Dicom_Image& right = right_part.image;
     return left_part.file != right_part.file && left.place.corner == right.place.corner &&
-           left.moment == right.moment && left.part == right.part && left.series == right.series &&
+           left.moment == right.moment && left.part == right.part && left.origin.series == right.origin.series &&
            left.volume.nx == right.volume.nx && left.volume.nz == right.volume.nz &&
            left.volume.slope == right.volume.slope && left.volume.intercept == right.volume.intercept &&
            left.volume.levels == right.volume.levels;
@@ -305,12 +305,12 @@ void Copies_Remove(std::vector<Series_Part>& parts, Image_Folder& folder) {
 /** The series of a part; where the file names none, what its slices share stands for it. */
 std::string Series_Of(const Series_Part& part, const Image_Folder& folder) {
     const Dicom_Image& image = part.image;
-    if (!image.series.empty() || (!image.place.has_corner && image.instance_number == 0)) {
-        return image.series;
+    if (!image.origin.series.empty() || (!image.place.has_corner && image.origin.instance_number == 0)) {
+        return image.origin.series;
     }
     const std::size_t below =
         std::filesystem::hash_value(folder.files[static_cast<std::size_t>(part.file)].parent_path());
-    return "? " + Modality_Text(image.modality) + ' ' + image.series_text + ' ' + std::to_string(below);
+    return "? " + Modality_Text(image.origin.modality) + ' ' + image.origin.series_text + ' ' + std::to_string(below);
 }
 
 }  // namespace
@@ -322,7 +322,7 @@ void Series_Assemble(std::vector<Series_Part>&& parts, Image_Folder& folder) {
         groups[Key_Of(part, Series_Of(part, folder))].push_back(&part);
     }
     for (auto& [key, group] : groups) {
-        if (group.size() > 1 && group.front()->image.series.empty()) {
+        if (group.size() > 1 && group.front()->image.origin.series.empty()) {
             folder.problems.push_back({folder.files[static_cast<std::size_t>(group.front()->file)],
                                        "names no series: it was put together with " + Count_Text(group.size() - 1) +
                                            " of the same folder, study, series number, description and size",

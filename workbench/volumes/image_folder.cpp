@@ -360,7 +360,9 @@ class Folder_Reader {
         room -= size;
     }
 
-    std::int32_t File_Add(const std::filesystem::path& path) {
+    std::int32_t File_Add(const std::filesystem::path& path, const File_Origin& origin) {
+        folder.origins.resize(folder.files.size());  // one more when the last file found no memory
+        folder.origins.push_back(origin);
         folder.files.push_back(path);
         return static_cast<std::int32_t>(folder.files.size()) - 1;
     }
@@ -395,7 +397,7 @@ class Folder_Reader {
         for (const std::string& warning : result.warnings) {
             folder.problems.push_back({path, warning, true});
         }
-        const std::int32_t file = File_Add(path);
+        const std::int32_t file = File_Add(path, result.image->origin);
         parts.push_back({std::move(*result.image), file});
         for (Dicom_Image& other : result.others) {
             parts.push_back({std::move(other), file});
@@ -423,7 +425,7 @@ class Folder_Reader {
         made.modality = made.volume.color ? modality_other : modality_magnetic_resonance;
         made.descriptor = made.volume.color ? "Colour image" : "Grey image, " + made.volume.scalar_type;
         made.path = path;
-        made.file_of_slice.assign(static_cast<std::size_t>(made.volume.nz), File_Add(path));
+        made.file_of_slice.assign(static_cast<std::size_t>(made.volume.nz), File_Add(path, {}));
         niftis.push_back(std::move(made));
     }
 
@@ -487,6 +489,7 @@ Image_Folder Image_Folder_Open(std::span<const std::filesystem::path> paths, con
     } catch (...) {
         result.volumes.clear();
         result.files.clear();
+        result.origins.clear();
         result.problems.push_back(
             {paths.empty() ? std::filesystem::path() : paths.front(), "needs more memory than there is", false});
     }

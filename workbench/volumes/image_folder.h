@@ -35,6 +35,7 @@ struct Folder_Volume {
 
 struct Image_Folder {
     std::vector<std::filesystem::path> files;  ///< those that were opened, in order of folders and names
+    std::vector<File_Origin> origins;          ///< of each of the files
     std::vector<Folder_Volume> volumes;        ///< in order of study, series number, and time
     std::vector<Folder_Problem> problems;      ///< in order of the files' names
     bool is_cancelled = false;                 ///< the progress callback gave up; the rest is what was read so far

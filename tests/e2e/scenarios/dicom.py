@@ -125,6 +125,28 @@ def series_are_checked_in_the_class_view(run):
 
 
 @scenario()
+def images_are_checked_by_patient_and_series(run):
+    """The patients stand in the order of their names; a click on a series checks its frames and shows it."""
+    app = opened(run, with_head=False)
+    state = app.state()
+    series, every = state.volume_title, state.histogram_pixels
+    state = show(app, "Patients")
+    names = [part["name"] for part in state.item("Tree")["parts"] if part["level"] == 1]
+    run.check("there are several patients", len(names) >= 2)
+    run.same("they are in the order of their names", names, sorted(names))
+    rows = [part for part in app.state().item("Tree")["parts"] if part["level"] == 3]
+    run.check("series stand below their studies", len(rows) >= 4)
+    wanted = next(part["name"] for part in rows if series.split(":")[1].strip() in part["name"])
+    click_row(app, wanted)
+    app.expect("a click on a series checks its frames", db_checked=5)
+    app.expect("and shows the series", volume_title=series)
+    app.expect("the histogram is that of the series", histogram_pixels=every)
+    run.shot("dicom_patients", " - Workbench")
+    app.click("Database", "Edit the class tree")
+    app.expect("the editor is that of classes", lambda s: s.item("Database", "3D classes")["is_selected"])
+
+
+@scenario()
 def every_series_has_work_of_its_own(run):
     """Painting on one leaves the next alone; undo comes back with a series."""
     app = opened(run)

@@ -70,6 +70,7 @@ class Database_Pane_Builds : public ::testing::Test {
         services.may_remove = [](const std::string&) { return true; };
         services.width_set = [](int) {};
         services.changed = [this] { pane.Lay_Out(); };
+        services.origin_of = [](const void*) { return nullptr; };
         return services;
     }
     /** The pointer goes to a node of the shown panel. */

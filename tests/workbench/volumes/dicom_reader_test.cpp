@@ -53,14 +53,37 @@ TEST(Dicom_Reader, gives_stored_values_size_and_names) {
     EXPECT_EQ(image.volume.encoding, "Little Endian Explicit");
     EXPECT_EQ(image.volume.place_source, "no position; no pixel size, taken as 1 mm");
     EXPECT_FALSE(image.volume.is_size_known);
-    EXPECT_EQ(image.modality, 'M' << 8 | 'R');
-    EXPECT_EQ(image.study, "1.2.3");
-    EXPECT_EQ(image.series, "1.2.3.4");
-    EXPECT_EQ(image.series_number, 7);
-    EXPECT_EQ(image.instance_number, 12);
-    EXPECT_EQ(image.series_text, "t1 sagittal");
+    EXPECT_EQ(image.origin.modality, 'M' << 8 | 'R');
+    EXPECT_EQ(image.origin.study, "1.2.3");
+    EXPECT_EQ(image.origin.series, "1.2.3.4");
+    EXPECT_EQ(image.origin.series_number, 7);
+    EXPECT_EQ(image.origin.instance_number, 12);
+    EXPECT_EQ(image.origin.series_text, "t1 sagittal");
     EXPECT_FALSE(image.is_scout);
     EXPECT_FALSE(image.place.is_known);
+}
+
+TEST(Dicom_Reader, tells_whose_image_it_is) {
+    Dicom_Bytes bytes;
+    bytes.Text(0x00100010, "PN", "Doe^Jane^^Dr=ideographic")
+        .Text(0x00100020, "LO", "17")
+        .Text(0x00080020, "DA", "20040119")
+        .Text(0x00081030, "LO", "Head");
+    const File_Origin origin = Opened(bytes.File()).origin;
+    EXPECT_EQ(origin.patient_name, "Doe Jane Dr");
+    EXPECT_EQ(origin.patient_id, "17");
+    EXPECT_EQ(origin.study_date, "2004-01-19");
+    EXPECT_EQ(origin.study_text, "Head");
+}
+
+TEST(Dicom_Reader, old_dates_and_what_is_no_date) {
+    Dicom_Bytes old;
+    old.Text(0x00080020, "DA", "1993.08.22");
+    EXPECT_EQ(Opened(old.File()).origin.study_date, "1993-08-22");
+    Dicom_Bytes wrong;
+    wrong.Text(0x00080020, "DA", "someday").Text(0x00100010, "PN", "^^=^^=");
+    EXPECT_EQ(Opened(wrong.File()).origin.study_date, "someday");
+    EXPECT_EQ(Opened(wrong.File()).origin.patient_name, "");
 }
 
 TEST(Dicom_Reader, tells_scouts_by_their_image_type) {
@@ -76,18 +99,18 @@ TEST(Dicom_Reader, turns_descriptions_into_utf_8) {
     bytes.Text(TAG_SERIES_TEXT, "LO",
                "Sch\xE4"
                "del");
-    EXPECT_EQ(Opened(bytes.File()).series_text,
+    EXPECT_EQ(Opened(bytes.File()).origin.series_text,
               "Sch\xC3\xA4"
               "del");
     bytes.Text(0x00080005, "CS", "ISO_IR 192")
         .Text(TAG_SERIES_TEXT, "LO",
               "Sch\xC3\xA4"
               "del");
-    EXPECT_EQ(Opened(bytes.File()).series_text,
+    EXPECT_EQ(Opened(bytes.File()).origin.series_text,
               "Sch\xC3\xA4"
               "del");
     bytes.Text(0x00080005, "CS", "ISO_IR 144").Text(TAG_SERIES_TEXT, "LO", "a\xE4");
-    EXPECT_EQ(Opened(bytes.File()).series_text, "a\u0444");
+    EXPECT_EQ(Opened(bytes.File()).origin.series_text, "a\u0444");
 }
 
 TEST(Dicom_Reader, masks_bits_outside_the_stored_ones_and_extends_the_sign) {
@@ -382,8 +405,8 @@ TEST(Dicom_Reader, understands_elements_of_unknown_form) {
     bytes.Raw(TAG_MODALITY, "UN", raw("CT")).Raw(TAG_SERIES_NUMBER, "UN", raw("12"));
     bytes.Raw(TAG_PIXEL_SPACING, "UN", raw("2\\3 ")).Raw(TAG_ROWS, "UN", {2, 0});
     const Dicom_Image image = Opened(bytes.File());
-    EXPECT_EQ(image.modality, 'C' << 8 | 'T');
-    EXPECT_EQ(image.series_number, 12);
+    EXPECT_EQ(image.origin.modality, 'C' << 8 | 'T');
+    EXPECT_EQ(image.origin.series_number, 12);
     EXPECT_EQ(image.volume.spacing[0], 3);
     EXPECT_EQ(image.volume.ny, 2);
 }

@@ -91,12 +91,12 @@ TEST(Dicom_Text, a_series_has_its_name) {
     constexpr std::uint32_t sets = 0x00080005;
     Dicom_Bytes bytes;
     bytes.Text(sets, "CS", "\\ISO 2022 IR 87").Text(TAG_SERIES_TEXT, "LO", "T1 \033$B;3ED\033(B\\two");
-    EXPECT_EQ(Dicom_Read(bytes.File()).image->series_text, "T1 \u5C71\u7530");
+    EXPECT_EQ(Dicom_Read(bytes.File()).image->origin.series_text, "T1 \u5C71\u7530");
     // The second byte of a character is the one that separates values elsewhere.
     bytes.Text(sets, "CS", "GBK").Text(TAG_SERIES_TEXT, "LO", "\201\\ b\\two");
-    EXPECT_EQ(Dicom_Read(bytes.File()).image->series_text, "\u4E57 b");
+    EXPECT_EQ(Dicom_Read(bytes.File()).image->origin.series_text, "\u4E57 b");
     bytes.Text(sets, "CS", "ISO_IR 144").Text(TAG_SERIES_TEXT, "LO", "\273\356\332");
-    EXPECT_EQ(Dicom_Read(bytes.File()).image->series_text, "\u041B\u044E\u043A");
+    EXPECT_EQ(Dicom_Read(bytes.File()).image->origin.series_text, "\u041B\u044E\u043A");
 }
 
 }  // namespace
