@@ -1,5 +1,7 @@
 #include "workbench/slice_frames.h"
 
+#include <mutex>
+#include <type_traits>
 #include <utility>
 
 #include "workbench/model/panel_scale.h"
@@ -11,22 +13,70 @@ namespace {
 
 constexpr int GRID_BINS_FIRST = 4097;  // 4096 levels, and the one that a panel counts beyond them
 constexpr int GRID_BINS_MOST = 65535;  // that a panel can be asked for
+constexpr std::int32_t ANY_LEVEL = 0;
 
 }  // namespace
+
+// The base class takes no size without levels, and then has none of its own.
+Slice_Frame::Slice_Frame(const volumes::Level_View& frame_voxels, int frame_width, int frame_height, int frame_times,
+                         float frame_slope, float frame_intercept, bool packed_color)
+    : Level_Frame(&ANY_LEVEL, frame_width, frame_height, 1, frame_times, frame_slope, frame_intercept, packed_color),
+      voxels(frame_voxels) {
+    levels = nullptr;
+}
+
+int Slice_Frame::Sample(const float* position, const int* slice_index) const {
+    const int slice = slice_index != nullptr ? slice_index[0] : 0;
+    const int time = slice_index != nullptr ? slice_index[1] : 0;
+    // Written so that a position that is not a number is outside.
+    const bool is_inside = position != nullptr && position[0] >= 0.0F && position[0] < static_cast<float>(width) &&
+                           position[1] >= 0.0F && position[1] < static_cast<float>(height) && slice == 0 && time >= 0 &&
+                           time < times;
+    if (!is_inside) {
+        return SAMPLE_OUTSIDE;
+    }
+    const auto x = static_cast<std::size_t>(position[0]);
+    const auto y = static_cast<std::size_t>(position[1]);
+    return voxels[(static_cast<std::size_t>(time) * height + y) * width + x];
+}
+
+const std::int32_t* Slice_Levels(const Slice_Frame& frame, Level_Room& room) {
+    return frame.Voxels().Visit([&](const auto& own) -> const std::int32_t* {
+        if constexpr (std::is_same_v<std::decay_t<decltype(own)>, volumes::Wide_Levels>) {
+            return own.data();
+        } else {
+            room.resize(own.size());
+            frame.Voxels().Copy_To(room);
+            return room.data();
+        }
+    });
+}
 
 Histo_Grid Slice_Grid(std::int32_t lowest, std::int32_t highest, float slope, float intercept) {
     const bool is_one_level = std::int64_t{highest} - lowest + 1 < GRID_BINS_FIRST;
     return Histo_Grid_Of_Levels(lowest, highest, slope, intercept, is_one_level ? GRID_BINS_MOST : GRID_BINS_FIRST);
 }
 
-void Slice_Histogram_Build(Level_Frame& frame, const volumes::Volume& image, const unsigned char* mask) {
-    Frame_Histogram_Build(&frame, Slice_Grid(image.level_min, image.level_max, frame.slope, frame.intercept), mask);
+void Frame_Histogram_Of(Slice_Frame& frame, const std::int32_t* levels, float slope, const Histo_Grid& grid,
+                        const unsigned char* mask) {
+    Level_Frame counted(levels, frame.width, frame.height, 1, 1, slope, frame.intercept, frame.color);
+    Frame_Histogram_Build(&counted, grid, mask);
+    Frame_Histogram_Free(&frame);
+    std::swap(frame.histogram, counted.histogram);
+    std::swap(frame.histogram_built, counted.histogram_built);
 }
 
-std::unique_ptr<Level_Frame> Slice_Frame_Make(const volumes::Volume& image, int slice, int times) {
+void Slice_Histogram_Build(Slice_Frame& frame, const volumes::Volume& image, const unsigned char* mask,
+                           Level_Room& room) {
+    const Histo_Grid grid = Slice_Grid(image.level_min, image.level_max, frame.slope, frame.intercept);
+    Frame_Histogram_Of(frame, Slice_Levels(frame, room), frame.slope, grid, mask);
+}
+
+std::unique_ptr<Slice_Frame> Slice_Frame_Make(const volumes::Volume& image, int slice, int times) {
     const Panel_Scale scale = Panel_Scale_Of(image);
-    return std::make_unique<Level_Frame>(image.levels.data() + image.Index(0, 0, slice), image.nx, image.ny, 1, times,
-                                         static_cast<float>(scale.To_Panel(image.slope)),
+    const std::size_t nb = image.Index(0, 0, 1) * static_cast<std::size_t>(times);
+    return std::make_unique<Slice_Frame>(image.levels.View().subspan(image.Index(0, 0, slice), nb), image.nx, image.ny,
+                                         times, static_cast<float>(scale.To_Panel(image.slope)),
                                          static_cast<float>(scale.To_Panel(image.intercept)), image.color);
 }
 
@@ -44,12 +94,24 @@ std::vector<Slice_Frames> Slice_Frames_Make(const std::vector<volumes::Folder_Vo
             places.push_back({at, slice});
         }
     }
+    std::mutex mutex;
+    std::vector<Level_Room> rooms;  // that no thread uses now
     const auto make = [&](std::size_t number) {
         const auto [at, slice] = places[number];
         const volumes::Volume& image = opened[at].volume;
-        std::unique_ptr<Level_Frame>& frame = made[at][static_cast<std::size_t>(slice)];
+        std::unique_ptr<Slice_Frame>& frame = made[at][static_cast<std::size_t>(slice)];
         frame = Slice_Frame_Make(image, slice, 1);
-        Slice_Histogram_Build(*frame, image, nullptr);
+        Level_Room room;
+        {
+            const std::lock_guard lock(mutex);
+            if (!rooms.empty()) {
+                room = std::move(rooms.back());
+                rooms.pop_back();
+            }
+        }
+        Slice_Histogram_Build(*frame, image, nullptr, room);
+        const std::lock_guard lock(mutex);
+        rooms.push_back(std::move(room));
     };
     const auto go_on = [&](std::size_t done) {
         return !progress || progress(static_cast<double>(done) / static_cast<double>(places.size()));

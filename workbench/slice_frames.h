@@ -10,16 +10,38 @@
 
 namespace workbench {
 
+/** A frame over levels of either width, without a copy of them: its member `levels` is null. */
+class Slice_Frame : public Level_Frame {
+  public:
+    /** @param voxels width x height x times levels, which must outlive the frame; for the rest see Level_Frame */
+    Slice_Frame(const volumes::Level_View& voxels, int frame_width, int frame_height, int frame_times,
+                float frame_slope, float frame_intercept, bool packed_color);
+    int Sample(const float* position, const int* slice_index) const override;
+    const volumes::Level_View& Voxels() const { return voxels; }
+
+  private:
+    volumes::Level_View voxels;
+};
+
 /** Of every slice of a volume; the levels are the volume's own and must outlive them. */
-using Slice_Frames = std::vector<std::unique_ptr<Level_Frame>>;
+using Slice_Frames = std::vector<std::unique_ptr<Slice_Frame>>;
+/** Room for the levels of one slice in 32 bits, which histograms are counted from; kept from slice to slice. */
+using Level_Room = std::vector<std::int32_t>;
+
+/** The levels of a frame of one time in 32 bits: its own, or in the room where they are narrow. */
+const std::int32_t* Slice_Levels(const Slice_Frame& frame, Level_Room& room);
+/** Gives a frame the histogram of other levels in its place. @param levels width x height of them, in either unit */
+void Frame_Histogram_Of(Slice_Frame& frame, const std::int32_t* levels, float slope, const Histo_Grid& grid,
+                        const unsigned char* mask);
 
 /** The grid of levels: a bin per level where there are at most 4096, else as many as the panel keeps. */
 Histo_Grid Slice_Grid(std::int32_t lowest, std::int32_t highest, float slope, float intercept);
 /** (Re)builds the histogram of a slice of a volume. @param mask a byte per pixel, null: all count */
-void Slice_Histogram_Build(Level_Frame& frame, const volumes::Volume& image, const unsigned char* mask);
+void Slice_Histogram_Build(Slice_Frame& frame, const volumes::Volume& image, const unsigned char* mask,
+                           Level_Room& room);
 /** The frame of `times` slices from `slice` on, without histogram. Its grey values are in the unit of Panel_Scale_Of.
  */
-std::unique_ptr<Level_Frame> Slice_Frame_Make(const volumes::Volume& image, int slice, int times);
+std::unique_ptr<Slice_Frame> Slice_Frame_Make(const volumes::Volume& image, int slice, int times);
 
 /** Makes the frames of all volumes, with histograms. On as many threads as there are processors; reports to nobody.
  *  @param progress called on the caller's thread now and then with the share that is done; may be empty

@@ -43,30 +43,26 @@ bool Is_Selected(const Quorel_2D& frame) {
 }
 
 /** Gives the frame the histogram of its 3 x 3 means. @param smooth room for them */
-void Smooth_Histogram_Build(Level_Frame& frame, const volumes::Volume& image, const unsigned char* mask,
-                            std::vector<std::int32_t>& smooth) {
+void Smooth_Histogram_Build(Slice_Frame& frame, const volumes::Volume& image, const unsigned char* mask,
+                            Level_Room& room, Level_Room& smooth) {
     const std::size_t plane = std::size_t{frame.width} * frame.height;
     const std::int32_t steps = Smoothing_Steps(image.level_min, image.level_max);
     const float slope = frame.slope / static_cast<float>(steps);
     smooth.resize(plane);
-    Slice_Smooth({frame.levels, plane}, frame.width, frame.height, steps, smooth);
-    Level_Frame means(smooth.data(), frame.width, frame.height, 1, 1, slope, frame.intercept, false);
-    Frame_Histogram_Build(&means, Slice_Grid(image.level_min * steps, image.level_max * steps, slope, frame.intercept),
-                          mask);
-    Frame_Histogram_Free(&frame);
-    std::swap(frame.histogram, means.histogram);
-    std::swap(frame.histogram_built, means.histogram_built);
+    Slice_Smooth({Slice_Levels(frame, room), plane}, frame.width, frame.height, steps, smooth);
+    Frame_Histogram_Of(frame, smooth.data(), slope,
+                       Slice_Grid(image.level_min * steps, image.level_max * steps, slope, frame.intercept), mask);
 }
 
 /** The frame of a slice, with histogram: the one that was made for it, or a new one. */
-std::unique_ptr<Level_Frame> Frame_Take(Slice_Frames& made, const volumes::Volume& image, int slice) {
+std::unique_ptr<Slice_Frame> Frame_Take(Slice_Frames& made, const volumes::Volume& image, int slice, Level_Room& room) {
     const auto at = static_cast<std::size_t>(slice);
     if (at < made.size() && made[at] != nullptr && made[at]->histogram != nullptr &&
-        made[at]->levels == image.levels.data() + image.Index(0, 0, slice)) {
+        made[at]->Voxels().Is_At(image.levels.View().subspan(image.Index(0, 0, slice), image.Index(0, 0, 1)))) {
         return std::move(made[at]);
     }
-    std::unique_ptr<Level_Frame> frame = Slice_Frame_Make(image, slice, 1);
-    Slice_Histogram_Build(*frame, image, nullptr);
+    std::unique_ptr<Slice_Frame> frame = Slice_Frame_Make(image, slice, 1);
+    Slice_Histogram_Build(*frame, image, nullptr, room);
     return frame;
 }
 
@@ -136,8 +132,9 @@ void Volume_Objects::Volume_Build(int at, const Volume_Facts& facts, const Sessi
         facts_set(*made.cine);
         made.further[0] = made.cine.get();
     }
+    Level_Room room;
     for (int slice = 0; slice < session.Slice_Nb(); ++slice) {
-        std::unique_ptr<Level_Frame> data = Frame_Take(frames, image, slice);
+        std::unique_ptr<Slice_Frame> data = Frame_Take(frames, image, slice, room);
         facts_set(*data);
         auto frame = std::make_unique<Quorel_2D>();
         frame->Title_Set("Frame");
@@ -272,7 +269,8 @@ void Volume_Objects::Histograms_Build(const Session& session, const Counted_Pixe
     const volumes::Volume& image = session.Image();
     const bool is_masked = counted.tag >= 0 || (counted.background && !image.color);
     std::vector<unsigned char> mask;
-    std::vector<std::int32_t> smooth;
+    Level_Room room;
+    Level_Room smooth;
     for (std::size_t slice = 0; slice < Current()->data.size(); ++slice) {
         const int at = static_cast<int>(slice);
         if (is_masked) {
@@ -288,12 +286,12 @@ void Volume_Objects::Histograms_Build(const Session& session, const Counted_Pixe
                                        return static_cast<unsigned char>(is_in != 0 && tag == counted.tag ? 1 : 0);
                                    });
         }
-        Level_Frame& frame = *Current()->data[slice];
+        Slice_Frame& frame = *Current()->data[slice];
         const unsigned char* const chosen = is_masked ? mask.data() : nullptr;
         if (counted.is_smoothed && !image.color) {
-            Smooth_Histogram_Build(frame, image, chosen, smooth);
+            Smooth_Histogram_Build(frame, image, chosen, room, smooth);
         } else {
-            Slice_Histogram_Build(frame, image, chosen);
+            Slice_Histogram_Build(frame, image, chosen, room);
         }
     }
 }

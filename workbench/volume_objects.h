@@ -82,8 +82,8 @@ class Volume_Objects {
     struct Shown_Volume {
         std::string name;
         std::string descriptor;
-        std::unique_ptr<Level_Frame> cine;               // all moments as one
-        std::vector<std::unique_ptr<Level_Frame>> data;  // outlive the frames
+        std::unique_ptr<Slice_Frame> cine;               // all moments as one
+        std::vector<std::unique_ptr<Slice_Frame>> data;  // outlive the frames
         Quorel_2D_Frame* further[1] = {nullptr};
         std::unique_ptr<Quorel_2D> object;
         std::vector<std::unique_ptr<Quorel_2D>> frames;

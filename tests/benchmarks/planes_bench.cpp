@@ -28,9 +28,9 @@ volumes::Volume Large_Volume() {
     volume.nt = 1;
     volume.affine = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
     volume.affine_source = volumes::Affine_Source::Sform;
-    volume.levels.resize(volume.Voxel_Nb_3D());
+    volume.levels = volumes::Voxel_Levels::Of_Range(volume.Voxel_Nb_3D(), 0, 1023, false);
     for (std::size_t at = 0; at < volume.levels.size(); ++at) {
-        volume.levels[at] = static_cast<std::int32_t>(at * 2654435761U >> 22U & 1023U);
+        volume.levels.Set(at, static_cast<std::int32_t>(at * 2654435761U >> 22U & 1023U));
     }
     return volume;
 }

@@ -191,7 +191,7 @@ void Recovery_Looks(benchmark::State& state) {
     image.nz = slices;
     image.nt = 1;
     image.affine = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
-    image.levels.resize(PIXEL_NB * slices);
+    image.levels = volumes::Voxel_Levels::Of_Range(PIXEL_NB * slices, 0, 0, false);
     Open_Volumes open;
     Session session;
     open.Take(std::move(folder), {}, session);

@@ -23,8 +23,9 @@ Folder_Volume Opened(const std::string& title, int nz, bool is_scout = false) {
     made.volume.nz = nz;
     made.volume.nt = 1;
     made.volume.affine[0][0] = made.volume.affine[1][1] = made.volume.affine[2][2] = 1.0;
-    made.volume.levels.resize(made.volume.Voxel_Nb_3D());
-    std::iota(made.volume.levels.begin(), made.volume.levels.end(), 100 * nz);
+    std::vector<std::int32_t> levels(made.volume.Voxel_Nb_3D());
+    std::iota(levels.begin(), levels.end(), 100 * nz);
+    made.volume.levels = std::move(levels);
     made.file_of_slice.assign(static_cast<std::size_t>(nz), 0);
     return made;
 }
@@ -89,13 +90,13 @@ TEST_F(Open_Volumes_Test, a_scout_is_the_current_one_when_there_is_nothing_else)
 }
 
 TEST_F(Open_Volumes_Test, levels_stay_where_they_are_when_volumes_change_hands) {
-    const std::int32_t* const first = session.Levels(0).data();
-    const std::int32_t* const second = volumes.Session_Of(2, session).Levels(0).data();
+    const Level_View first = session.Levels(0);
+    const Level_View second = volumes.Session_Of(2, session).Levels(0);
     volumes.Switch(2, session);
-    EXPECT_EQ(session.Levels(0).data(), second);
-    EXPECT_EQ(volumes.Session_Of(1, session).Levels(0).data(), first);
+    EXPECT_TRUE(session.Levels(0).Is_At(second));
+    EXPECT_TRUE(volumes.Session_Of(1, session).Levels(0).Is_At(first));
     volumes.Switch(1, session);
-    EXPECT_EQ(session.Levels(0).data(), first);
+    EXPECT_TRUE(session.Levels(0).Is_At(first));
 }
 
 TEST_F(Open_Volumes_Test, every_volume_keeps_the_work_on_it) {

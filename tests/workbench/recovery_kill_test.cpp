@@ -52,7 +52,7 @@ Image_Folder Opened() {
     one.volume.nz = SLICES;
     one.volume.nt = 1;
     one.volume.affine = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
-    one.volume.levels.resize(std::size_t{SIDE} * SIDE * SLICES);
+    one.volume.levels = volumes::Voxel_Levels::Of_Range(std::size_t{SIDE} * SIDE * SLICES, 0, 0, false);
     return folder;
 }
 

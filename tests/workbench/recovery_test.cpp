@@ -39,7 +39,7 @@ Volume Image() {
     volume.nt = 1;
     volume.affine = {{{1, 0, 0, -3}, {0, 1, 0, 4}, {0, 0, 2, 5}}};
     volume.spacing = {1, 1, 2};
-    volume.levels.resize(std::size_t{NX} * NY * NZ);
+    volume.levels = volumes::Voxel_Levels::Of_Range(std::size_t{NX} * NY * NZ, 0, 0, false);
     return volume;
 }
 
@@ -298,7 +298,7 @@ class Recovery_Of_Large : public Recovery {
         Volume& image = large.volumes[0].volume;
         image.nx = image.ny = SIDE;
         image.nz = SLICES;
-        image.levels.resize(std::size_t{SIDE} * SIDE * SLICES);
+        image.levels = volumes::Voxel_Levels::Of_Range(std::size_t{SIDE} * SIDE * SLICES, 0, 0, false);
         volumes.Take(std::move(large), {}, session);
         std::vector<std::uint8_t> tags(std::size_t{SIDE} * SIDE * SLICES, 7);
         ASSERT_TRUE(session.Take_Up(std::move(tags), {}, {}, {}));

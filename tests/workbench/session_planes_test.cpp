@@ -28,7 +28,7 @@ volumes::Volume Blank_Volume() {
     volume.affine = {{{0, 2, 0, 0}, {-1, 0, 0, 0}, {0, 0, 3, 0}}};
     volume.spacing = {1.0, 2.0, 3.0};
     volume.affine_source = volumes::Affine_Source::Sform;
-    volume.levels.resize(volume.Voxel_Nb_3D());
+    volume.levels = volumes::Voxel_Levels::Of_Range(volume.Voxel_Nb_3D(), 0, 0, false);
     return volume;
 }
 

@@ -34,8 +34,9 @@ Volume Image(double x_direction = 1.0) {
     volume.affine[2][2] = 2.0;
     volume.spacing = {1.0, 1.0, 2.0};
     volume.scalar_type = "int16";
-    volume.levels.resize(NX * NY * NZ);
-    std::iota(volume.levels.begin(), volume.levels.end(), 0);
+    std::vector<std::int32_t> levels(NX * NY * NZ);
+    std::iota(levels.begin(), levels.end(), 0);
+    volume.levels = std::move(levels);
     volume.level_max = NX * NY * NZ - 1;
     return volume;
 }

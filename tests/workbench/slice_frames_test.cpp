@@ -22,7 +22,7 @@ volumes::Folder_Volume Opened(int slice_nb) {
     made.volume.nz = slice_nb;
     made.volume.nt = 1;
     for (int slice = 0; slice < slice_nb; ++slice) {
-        made.volume.levels.insert(made.volume.levels.end(), WIDTH * HEIGHT, slice);
+        made.volume.levels.Append(std::vector<std::int32_t>(WIDTH * HEIGHT, slice));
     }
     made.volume.level_max = slice_nb - 1;
     return made;
@@ -42,8 +42,10 @@ TEST(Slice_Frames, every_slice_of_every_volume_gets_a_frame_with_its_histogram) 
     ASSERT_EQ(made[0].size(), 6U);
     ASSERT_EQ(made[1].size(), 4U);
     for (int slice = 0; slice < 4; ++slice) {
-        Level_Frame& frame = *made[1][static_cast<std::size_t>(slice)];
-        EXPECT_EQ(frame.levels, opened[1].volume.levels.data() + WIDTH * HEIGHT * slice);
+        Slice_Frame& frame = *made[1][static_cast<std::size_t>(slice)];
+        EXPECT_TRUE(frame.Voxels().Is_At(
+            opened[1].volume.levels.View().subspan(static_cast<std::size_t>(WIDTH * HEIGHT * slice), WIDTH * HEIGHT)));
+        EXPECT_EQ(frame.levels, nullptr) << "the frame must keep no levels of its own";
         const Histo_Record* const record = frame.Histogram_Get();
         ASSERT_NE(record, nullptr);
         ASSERT_GE(record->nb_bins, 4);

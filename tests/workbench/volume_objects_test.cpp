@@ -24,9 +24,11 @@ Volume Image(int nz) {
     volume.nz = nz;
     volume.nt = 1;
     volume.affine[0][0] = volume.affine[1][1] = volume.affine[2][2] = 1.0;
+    std::vector<std::int32_t> levels;
     for (int at = 0; at < 12 * nz; ++at) {
-        volume.levels.push_back(at % 7);
+        levels.push_back(at % 7);
     }
+    volume.levels = std::move(levels);
     volume.level_max = 6;
     return volume;
 }
@@ -261,8 +263,9 @@ TEST(Volume_Objects_Scale, a_small_range_fills_the_bins_of_the_panel) {
     opened.volume.nz = opened.volume.nt = 1;
     opened.volume.slope = 0.003 / 65535;
     opened.volume.level_max = 65535;
-    opened.volume.levels.resize(65536);
-    std::iota(opened.volume.levels.begin(), opened.volume.levels.end(), 0);
+    std::vector<std::int32_t> levels(65536);
+    std::iota(levels.begin(), levels.end(), 0);
+    opened.volume.levels = std::move(levels);
     opened.file_of_slice = {0};
     folder.files = {"diffusion.nii"};
     folder.volumes.push_back(std::move(opened));

@@ -112,7 +112,7 @@ Edit_Input Segmentation_Control::Input() const {
     input.grid = {volume.nx, volume.ny, volume.nz, volume.spacing};
     input.tags = work.Labels().All();
     if (!volume.color) {
-        input.levels = std::span(volume.levels).first(input.grid.Voxel_Nb());
+        input.levels = volume.levels.View().first(input.grid.Voxel_Nb());
     }
     input.slices = Slices();
     input.locked = host.Hand().locked;

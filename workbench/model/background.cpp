@@ -50,12 +50,14 @@ std::optional<double> Background_Threshold(const volumes::Volume& volume) {
     std::vector<std::uint64_t> counts(static_cast<std::size_t>((level_nb + levels_per_bin - 1) / levels_per_bin));
     const bool is_falling = volume.slope < 0.0;  // the darkest grey value is the largest level
     const std::size_t last = counts.size() - 1;
-    for (const std::int32_t level : volume.levels) {
-        if (level != volumes::LEVEL_OUTSIDE) {
-            const auto bin = static_cast<std::size_t>((std::int64_t{level} - volume.level_min) / levels_per_bin);
-            ++counts[is_falling ? last - bin : bin];
+    volume.levels.Visit([&](const auto& levels) {
+        for (const std::int32_t level : levels) {
+            if (level != volumes::LEVEL_OUTSIDE) {
+                const auto bin = static_cast<std::size_t>((std::int64_t{level} - volume.level_min) / levels_per_bin);
+                ++counts[is_falling ? last - bin : bin];
+            }
         }
-    }
+    });
     const std::size_t bin = Otsu_Bin(counts);
     const std::int64_t first = volume.level_min;
     const auto at = static_cast<std::int64_t>(is_falling ? last - bin : bin);
@@ -66,7 +68,7 @@ std::optional<double> Background_Threshold(const volumes::Volume& volume) {
     return static_cast<double>(level) * volume.slope + volume.intercept;
 }
 
-void Background_Leave_Out(std::span<const std::int32_t> levels, int width, int height, double slope, double intercept,
+void Background_Leave_Out(const volumes::Level_View& levels, int width, int height, double slope, double intercept,
                           double threshold, std::span<unsigned char> mask) {
     std::ranges::fill(mask, static_cast<unsigned char>(1));
     const auto nx = static_cast<std::size_t>(width);

@@ -17,7 +17,7 @@ std::optional<double> Background_Threshold(const volumes::Volume& volume);
  *  threshold, or that have none, and that reach the edge of the slice through such pixels from side to side: dark
  *  places inside, such as fluid, count.
  *  @param levels width * height values @param mask receives as many: 1 counts, 0 is background */
-void Background_Leave_Out(std::span<const std::int32_t> levels, int width, int height, double slope, double intercept,
+void Background_Leave_Out(const volumes::Level_View& levels, int width, int height, double slope, double intercept,
                           double threshold, std::span<unsigned char> mask);
 
 }  // namespace workbench

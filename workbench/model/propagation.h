@@ -5,6 +5,7 @@
 #include <span>
 
 #include "workbench/model/label_map.h"
+#include "workbench/volumes/voxel_levels.h"
 
 namespace workbench {
 
@@ -12,9 +13,9 @@ namespace workbench {
 struct Propagation_Frames {
     int width = 0;
     int height = 0;
-    std::span<const std::int32_t> from_levels;  ///< width * height stored levels
+    volumes::Level_View from_levels;  ///< width * height stored levels
     std::span<const std::uint8_t> from_tags;
-    std::span<const std::int32_t> to_levels;
+    volumes::Level_View to_levels;
     std::span<std::uint8_t> to_tags;  ///< written
 };
 /** Which TAGs take part. */

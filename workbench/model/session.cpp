@@ -16,27 +16,23 @@ void Levels_Turn(volumes::Volume& volume, const Display_Order& order) {
     const std::size_t size = volume.Index(0, 0, 1);
     const std::size_t slices = size > 0 ? volume.levels.size() / size : 0;
     if (order.flip_x || order.flip_y) {
+        const auto turn = [&](auto codes) { Slices_Turn(codes, volume.nx, volume.ny, order); };
         volumes::Work_Share(slices, volumes::Work_Thread_Nb(slices),
-                            [&](std::size_t slice) {
-                                Slices_Turn(std::span(volume.levels).subspan(slice * size, size), volume.nx, volume.ny,
-                                            order);
-                            },
-                            {});
+                            [&](std::size_t slice) { volume.levels.Reorder(slice * size, size, turn); }, {});
     }
 }
 
 }  // namespace
 
-std::span<const std::int32_t> Session::Levels(int slice) const {
+volumes::Level_View Session::Levels(int slice) const {
     if (!volume || slice < 0 || slice >= volume->nz) {
         return {};
     }
-    return std::span(volume->levels).subspan(volume->Index(0, 0, slice), labels.Slice_Size());
+    return volume->levels.View().subspan(volume->Index(0, 0, slice), labels.Slice_Size());
 }
 
-std::span<const std::int32_t> Session::Plain_Levels() const {
-    return volume && !volume->color ? std::span(volume->levels).first(volume->Voxel_Nb_3D())
-                                    : std::span<const std::int32_t>();
+volumes::Level_View Session::Plain_Levels() const {
+    return volume && !volume->color ? volume->levels.View().first(volume->Voxel_Nb_3D()) : volumes::Level_View();
 }
 
 float Session::Grey(int x, int y, int slice) const {

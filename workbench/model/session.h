@@ -65,11 +65,11 @@ class Session {
         return Plane_Geometry_Of_Slices({Width(), Height(), Slice_Nb()}, volume->spacing);
     }
     /** Levels of the first time point; none for colours. */
-    std::span<const std::int32_t> Plain_Levels() const;
+    volumes::Level_View Plain_Levels() const;
     /** Slices of the first time point. */
     int Slice_Nb() const { return volume ? volume->nz : 0; }
     /** Levels of a slice of the first time point; nothing outside. */
-    std::span<const std::int32_t> Levels(int slice) const;
+    volumes::Level_View Levels(int slice) const;
     /** Grey value at a pixel of a slice; 0 outside. */
     float Grey(int x, int y, int slice) const;
     File_Voxel To_File(int x, int y, int slice) const;

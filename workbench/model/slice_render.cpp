@@ -27,22 +27,11 @@ float Bent(float straight) {
     return whole / (1.0F + std::exp(-4.0F * (straight / whole - 0.5F)));
 }
 
-}  // namespace
-
-Grey_Window Grey_Window::Dragged(float dx, float dy, float whole_range) const {
-    constexpr float least_share = 0.001F;
-    const float range = whole_range > 0.0F ? whole_range : 1.0F;
-    const float center = (low + high) / 2.0F + dy * range;
-    const float width = std::clamp(high - low + dx * range, range * least_share, range * 4.0F);
-    return {center - width / 2.0F, center + width / 2.0F, is_sigmoid};
-}
-
-void Slice_Render(const Slice_Source& source, const Grey_Window& window, const Tag_Overlay& overlay,
-                  std::span<const Range_Overlay> ranges, const Pixel_Rect& part, std::span<std::uint32_t> out) {
-    const Pixel_Rect area = Rect_Common(part, {0, 0, source.width, source.height});
-    if (area.Is_Empty()) {
-        return;
-    }
+/** The picture of a part, all of it inside. @param levels the source's */
+template <class Levels>
+void Part_Render(const Slice_Source& source, const Levels& levels, const Grey_Window& window,
+                 const Tag_Overlay& overlay, std::span<const Range_Overlay> ranges, const Pixel_Rect& area,
+                 std::span<std::uint32_t> out) {
     const float width = window.high > window.low ? window.high - window.low : 1.0F;
     const float factor = source.slope * 255.0F / width;
     const float offset = (source.intercept - window.low) * 255.0F / width;
@@ -50,7 +39,7 @@ void Slice_Render(const Slice_Source& source, const Grey_Window& window, const T
         const std::size_t row = static_cast<std::size_t>(y) * static_cast<std::size_t>(source.width);
         for (int x = area.left; x < area.right; ++x) {
             const std::size_t at = row + static_cast<std::size_t>(x);
-            const std::int32_t level = source.levels[at];
+            const std::int32_t level = levels[at];
             std::uint32_t pixel = 0;
             if (source.color) {
                 const auto packed = static_cast<std::uint32_t>(level);
@@ -76,6 +65,25 @@ void Slice_Render(const Slice_Source& source, const Grey_Window& window, const T
             out[at] = pixel;
         }
     }
+}
+
+}  // namespace
+
+Grey_Window Grey_Window::Dragged(float dx, float dy, float whole_range) const {
+    constexpr float least_share = 0.001F;
+    const float range = whole_range > 0.0F ? whole_range : 1.0F;
+    const float center = (low + high) / 2.0F + dy * range;
+    const float width = std::clamp(high - low + dx * range, range * least_share, range * 4.0F);
+    return {center - width / 2.0F, center + width / 2.0F, is_sigmoid};
+}
+
+void Slice_Render(const Slice_Source& source, const Grey_Window& window, const Tag_Overlay& overlay,
+                  std::span<const Range_Overlay> ranges, const Pixel_Rect& part, std::span<std::uint32_t> out) {
+    const Pixel_Rect area = Rect_Common(part, {0, 0, source.width, source.height});
+    if (area.Is_Empty()) {
+        return;
+    }
+    source.levels.Visit([&](const auto& levels) { Part_Render(source, levels, window, overlay, ranges, area, out); });
 }
 
 void Slice_Scale(std::span<const std::uint32_t> slice, const View_Layout& layout, const Pixel_Rect& part,

@@ -7,6 +7,7 @@
 
 #include "workbench/model/label_map.h"
 #include "workbench/model/view_geometry.h"
+#include "workbench/volumes/voxel_levels.h"
 
 namespace workbench {
 
@@ -25,9 +26,9 @@ struct Grey_Window {
 struct Slice_Source {
     int width = 0;
     int height = 0;
-    std::span<const std::int32_t> levels;  ///< width * height, rows from the top
-    bool color = false;                    ///< levels are packed: red in the low byte, then green, then blue
-    float slope = 1.0F;                    ///< grey = level * slope + intercept
+    volumes::Level_View levels;  ///< width * height, rows from the top
+    bool color = false;          ///< levels are packed: red in the low byte, then green, then blue
+    float slope = 1.0F;          ///< grey = level * slope + intercept
     float intercept = 0.0F;
     std::span<const std::uint8_t> tags;  ///< width * height, or none
     bool is_inverted = false;            ///< small greys are bright, large ones dark

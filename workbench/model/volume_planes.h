@@ -94,19 +94,20 @@ Plane_Geometry Plane_Geometry_Of_Slices(const std::array<int, 3>& voxel_nb, cons
 Plane Plane_Of_Slices(const Patient_Axes& axes);
 const char* Plane_Name(Plane plane);
 
-/** Makes a part of a picture. @param voxels one time point @param depth inside @param part cut to the picture
+/** Makes a part of a picture. @param voxels one time point, with an index operator @param depth inside @param part cut
+ * to the picture
  *  @param picture Pixel_Nb() values, rows from the top; those outside the part stay */
-template <class Value>
-void Plane_Copy(std::span<const Value> voxels, const Plane_Geometry& geometry, int depth, const Pixel_Rect& part,
+template <class Voxels, class Value>
+void Plane_Copy(const Voxels& voxels, const Plane_Geometry& geometry, int depth, const Pixel_Rect& part,
                 std::span<Value> picture) {
     const Pixel_Rect area = Rect_Common(part, geometry.Whole());
     const auto [across, down, through] = geometry.Steps();
-    const Value* const first = voxels.data() + geometry.First(depth);
+    const auto first = static_cast<std::ptrdiff_t>(geometry.First(depth));
     for (int y = area.top; y < area.bottom; ++y) {
-        const Value* from = first + y * down + area.left * across;
+        std::ptrdiff_t from = first + y * down + area.left * across;
         Value* to = picture.data() + static_cast<std::ptrdiff_t>(y) * geometry.Width() + area.left;
         for (int x = area.left; x < area.right; ++x, from += across) {
-            *to++ = *from;
+            *to++ = voxels[static_cast<std::size_t>(from)];
         }
     }
 }

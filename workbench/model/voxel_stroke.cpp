@@ -133,7 +133,7 @@ std::vector<Slice_Change> Voxel_Stroke::Changes() {
 }
 
 Brush_Footprint Footprint_Taken(const Brush_Footprint& footprint, int x, int y, const Paint_Ink& ink,
-                                std::span<const std::uint8_t> tags, std::span<const std::int32_t> levels,
+                                std::span<const std::uint8_t> tags, const volumes::Level_View& levels,
                                 const Plane_Cut& cut) {
     const auto [across, down, through] = cut.geometry.Steps();
     const auto origin = static_cast<std::ptrdiff_t>(cut.geometry.First(cut.depth));

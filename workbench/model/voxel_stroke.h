@@ -10,13 +10,14 @@
 #include "workbench/model/painting.h"
 #include "workbench/model/undo_journal.h"
 #include "workbench/model/volume_planes.h"
+#include "workbench/volumes/voxel_levels.h"
 
 namespace workbench {
 
 /** What a stroke is painted on: one time point, in the order of display. */
 struct Stroke_Ground {
     std::span<std::uint8_t> tags;
-    std::span<const std::int32_t> levels;  ///< as many; none: no voxel lies in a band
+    volumes::Level_View levels;  ///< as many; none: no voxel lies in a band
 };
 
 class Voxel_Stroke {
@@ -57,7 +58,7 @@ class Voxel_Stroke {
  *  @param tags, levels of the volume; no levels: no voxel lies in a band @return relative to the place, as the
  *  footprint is */
 Brush_Footprint Footprint_Taken(const Brush_Footprint& footprint, int x, int y, const Paint_Ink& ink,
-                                std::span<const std::uint8_t> tags, std::span<const std::int32_t> levels,
+                                std::span<const std::uint8_t> tags, const volumes::Level_View& levels,
                                 const Plane_Cut& cut);
 
 }  // namespace workbench

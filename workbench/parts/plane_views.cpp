@@ -76,8 +76,8 @@ Image_Content Plane_Views::Pane::Content() const {
     levels.resize(geometry.Pixel_Nb());
     tags.resize(geometry.Pixel_Nb());
     if (copied_serial != owner.serial || copied_axes != geometry.axes || copied_depth != depth) {
-        Plane_Copy(std::span(volume.levels).first(volume.Voxel_Nb_3D()), geometry, depth, geometry.Whole(),
-                   std::span(levels));
+        volume.levels.Visit(
+            [&](const auto& voxels) { Plane_Copy(voxels, geometry, depth, geometry.Whole(), std::span(levels)); });
         copied_serial = owner.serial;
         copied_axes = geometry.axes;
         copied_depth = depth;

@@ -14,6 +14,7 @@
 
 #include "workbench/model/label_map.h"
 #include "workbench/model/undo_journal.h"
+#include "workbench/volumes/voxel_levels.h"
 
 namespace workbench::segmentation {
 
@@ -55,7 +56,7 @@ using Edit_Progress = std::function<bool(double)>;
 struct Edit_Input {
     Label_Grid grid;
     std::span<const std::uint8_t> tags;       ///< one per voxel of the grid
-    std::span<const std::int32_t> levels;     ///< as many; may be empty for operations that do not look at grey levels
+    volumes::Level_View levels;               ///< as many; may be empty for operations that do not look at grey levels
     Slice_Range slices;                       ///< worked on as if they were a volume of their own: nothing lies beyond
     Tag_Flags locked{};                       ///< not 0: voxels of that TAG stay
     std::optional<std::uint8_t> only_inside;  ///< only voxels of this TAG change
@@ -76,7 +77,7 @@ struct Edit_Input {
         std::memcpy(to.data(), Slice_Tags(slice).data(), grid.Slice_Size());
     }
     /** The same of levels. */
-    std::span<const std::int32_t> Slice_Levels(int slice) const {
+    volumes::Level_View Slice_Levels(int slice) const {
         return levels.subspan(static_cast<std::size_t>(slice) * grid.Slice_Size(), grid.Slice_Size());
     }
 };

@@ -56,12 +56,14 @@ class Level_Claims {
     }
 
     /** Writes over `tags` where a level is claimed. */
-    void Apply(std::span<const std::int32_t> levels, std::span<std::uint8_t> tags) const {
-        if (pieces.size() <= FEW_PIECES) {
-            Apply_Few(levels, tags);
-        } else {
-            table.empty() ? Apply_Search(levels, tags) : Apply_Table(levels, tags);
-        }
+    void Apply(const volumes::Level_View& levels, std::span<std::uint8_t> tags) const {
+        levels.Visit([&](const auto& own) {
+            if (pieces.size() <= FEW_PIECES) {
+                Apply_Few(own, tags);
+            } else {
+                table.empty() ? Apply_Search(own, 0, tags) : Apply_Table(own, tags);
+            }
+        });
     }
 
   private:
@@ -88,21 +90,22 @@ class Level_Claims {
         pieces = std::move(kept);
     }
 
-    void Apply_Few(std::span<const std::int32_t> levels, std::span<std::uint8_t> tags) const {
+    template <class Levels>
+    void Apply_Few(const Levels& levels, std::span<std::uint8_t> tags) const {
         const std::size_t in_blocks = tags.size() / BLOCK_SIZE * BLOCK_SIZE;
         for (std::size_t begin = 0; begin < in_blocks; begin += PART_SIZE) {
             const std::size_t end = std::min(begin + PART_SIZE, in_blocks);
             for (const Piece& piece : pieces) {
-                Piece_Apply(piece, &levels[begin], &tags[begin], end - begin);
+                Piece_Apply(piece, levels, begin, tags.subspan(begin, end - begin));
             }
         }
-        if (in_blocks < tags.size()) {
-            Apply_Search(levels.subspan(in_blocks), tags.subspan(in_blocks));
-        }
+        Apply_Search(levels, in_blocks, tags);
     }
     /** Sixteen voxels at once: compilers make of a loop nothing that keeps up with copying.
-     *  @param size a multiple of BLOCK_SIZE */
-    static void Piece_Apply(const Piece& piece, const std::int32_t* levels, std::uint8_t* tags, std::size_t size) {
+     *  @param first the level of the first of the TAGs @param tags a multiple of BLOCK_SIZE */
+    static void Piece_Apply(const Piece& piece, const volumes::Wide_Levels& all_levels, std::size_t first,
+                            std::span<std::uint8_t> tags) {
+        const std::int32_t* levels = &all_levels[first];
         // Moved so that the band's first level is the smallest number, one comparison tells what lies outside.
         constexpr std::uint32_t smallest = 0x80000000U;
         const __m128i shift =
@@ -110,7 +113,7 @@ class Level_Claims {
         const __m128i last = _mm_set1_epi32(
             static_cast<std::int32_t>(smallest + static_cast<std::uint32_t>(piece.end - 1 - piece.begin)));
         const __m128i tag = _mm_set1_epi8(static_cast<char>(piece.tag));
-        for (std::size_t at = 0; at < size; at += BLOCK_SIZE) {
+        for (std::size_t at = 0; at < tags.size(); at += BLOCK_SIZE) {
             const auto outside = [&](std::size_t four) {
                 const __m128i level = _mm_loadu_si128(reinterpret_cast<const __m128i*>(levels + at + four));
                 return _mm_cmpgt_epi32(_mm_add_epi32(level, shift), last);
@@ -118,12 +121,39 @@ class Level_Claims {
             // All bits or none of each number, and so of each byte that it is narrowed to.
             const __m128i stays =
                 _mm_packs_epi16(_mm_packs_epi32(outside(0), outside(4)), _mm_packs_epi32(outside(8), outside(12)));
-            auto* block = reinterpret_cast<__m128i*>(tags + at);
+            auto* block = reinterpret_cast<__m128i*>(&tags[at]);
             _mm_storeu_si128(block,
                              _mm_or_si128(_mm_and_si128(stays, _mm_loadu_si128(block)), _mm_andnot_si128(stays, tag)));
         }
     }
-    void Apply_Table(std::span<const std::int32_t> levels, std::span<std::uint8_t> tags) const {
+    /** The same for codes: eight in one instruction. */
+    static void Piece_Apply(const Piece& piece, const volumes::Narrow_Levels& all_levels, std::size_t first,
+                            std::span<std::uint8_t> tags) {
+        const volumes::Level_Code& code = all_levels.Code();
+        const std::int64_t code_last = volumes::Level_Code::LAST - (code.last == volumes::LEVEL_OUTSIDE ? 1 : 0);
+        const std::int64_t low = std::max<std::int64_t>(piece.begin - code.base, 0);
+        const std::int64_t high = std::min(piece.end - 1 - code.base, code_last);
+        if (low > high) {
+            return;
+        }
+        const std::uint16_t* codes = &all_levels.Codes()[first];
+        const __m128i shift = _mm_set1_epi16(static_cast<std::int16_t>(low));
+        const __m128i reach = _mm_set1_epi16(static_cast<std::int16_t>(high - low));
+        const __m128i tag = _mm_set1_epi8(static_cast<char>(piece.tag));
+        for (std::size_t at = 0; at < tags.size(); at += BLOCK_SIZE) {
+            const auto inside = [&](std::size_t eight) {
+                const __m128i one = _mm_loadu_si128(reinterpret_cast<const __m128i*>(codes + at + eight));
+                // What is left of the distance to the first code beyond the piece's reach: nothing inside.
+                return _mm_cmpeq_epi16(_mm_subs_epu16(_mm_sub_epi16(one, shift), reach), _mm_setzero_si128());
+            };
+            const __m128i takes = _mm_packs_epi16(inside(0), inside(8));
+            auto* block = reinterpret_cast<__m128i*>(&tags[at]);
+            _mm_storeu_si128(block,
+                             _mm_or_si128(_mm_andnot_si128(takes, _mm_loadu_si128(block)), _mm_and_si128(takes, tag)));
+        }
+    }
+    template <class Levels>
+    void Apply_Table(const Levels& levels, std::span<std::uint8_t> tags) const {
         const std::int64_t begin = pieces.front().begin;
         for (std::size_t at = 0; at < tags.size(); ++at) {
             const auto index = static_cast<std::uint64_t>(levels[at] - begin);
@@ -131,8 +161,10 @@ class Level_Claims {
             tags[at] = tag == NO_TAG ? tags[at] : static_cast<std::uint8_t>(tag);
         }
     }
-    void Apply_Search(std::span<const std::int32_t> levels, std::span<std::uint8_t> tags) const {
-        for (std::size_t at = 0; at < tags.size(); ++at) {
+    /** @param first where to begin */
+    template <class Levels>
+    void Apply_Search(const Levels& levels, std::size_t first, std::span<std::uint8_t> tags) const {
+        for (std::size_t at = first; at < tags.size(); ++at) {
             const auto piece = std::upper_bound(pieces.begin(), pieces.end(), std::int64_t{levels[at]},
                                                 [](std::int64_t level, const Piece& one) { return level < one.end; });
             if (piece != pieces.end() && piece->begin <= levels[at]) {

@@ -14,8 +14,8 @@ namespace {
 // A volume that was summed voxel by voxel is not smaller than the same volume written as one number.
 constexpr double ROUNDING = 1e-9;
 
-bool Is_Crossed(const Edit_Input& input, const Flood& flood, std::size_t at) {
-    return flood.levels.Has(input.levels[at]) && input.levels[at] <= volumes::LEVEL_LARGEST &&
+bool Is_Crossed(const Edit_Input& input, const Flood& flood, std::int32_t level, std::size_t at) {
+    return flood.levels.Has(level) && level <= volumes::LEVEL_LARGEST &&
            (input.May_Change(input.tags[at]) || input.tags[at] == flood.tag);
 }
 
@@ -72,16 +72,19 @@ Level_Band Level_Band_Around(std::int32_t level, std::int32_t tolerance) {
 std::optional<Label_Edit> Flood_Fill(const Edit_Input& input, const Flood& flood) {
     return Cancellable([&] {
         if (!Is_Inside(input, flood.seed) ||
-            !Is_Crossed(input, flood, input.grid.Index(flood.seed.x, flood.seed.y, flood.seed.z))) {
+            !Is_Crossed(input, flood, input.levels[input.grid.Index(flood.seed.x, flood.seed.y, flood.seed.z)],
+                        input.grid.Index(flood.seed.x, flood.seed.y, flood.seed.z))) {
             return Label_Edit();
         }
         const Region_Map map = Regions_Find(
             Box_Of_Slices(input),
             [&](int y, int z, std::span<std::uint8_t> row) {
                 const std::size_t begin = input.grid.Index(0, y, z);
-                for (std::size_t x = 0; x < row.size(); ++x) {
-                    row[x] = Is_Crossed(input, flood, begin + x) ? 1 : 0;
-                }
+                input.levels.Visit([&](const auto& levels) {
+                    for (std::size_t x = 0; x < row.size(); ++x) {
+                        row[x] = Is_Crossed(input, flood, levels[begin + x], begin + x) ? 1 : 0;
+                    }
+                });
             },
             flood.neighbours, Step_Progress(input.progress));
         const std::uint32_t region = map.At(flood.seed);
@@ -109,9 +112,10 @@ std::optional<Region_Growth> Region_Growth::Find(const Edit_Input& input, const 
         std::vector<bool> is_seen(box.Voxel_Nb());
         const std::size_t origin = input.grid.Index(0, 0, box.begin[2]);
         const auto see = [&](std::size_t at, std::size_t step) {
-            if (!is_seen[at - origin] && Is_Crossed(input, widest, at)) {
+            const std::int32_t own_level = input.levels[at];
+            if (!is_seen[at - origin] && Is_Crossed(input, widest, own_level, at)) {
                 is_seen[at - origin] = true;
-                const auto own = static_cast<std::size_t>(std::abs(std::int64_t{input.levels[at]} - level));
+                const auto own = static_cast<std::size_t>(std::abs(std::int64_t{own_level} - level));
                 waiting[std::max(own, step)].push_back(at);
             }
         };

@@ -29,30 +29,19 @@ class Level_Counts {
         std::int32_t greatest = std::numeric_limits<std::int32_t>::min();
         const Slice_Range slices = input.Slices();
         for (int z = slices.first; z <= slices.last && !input.levels.empty(); ++z) {
-            for (const std::int32_t level : input.Slice_Levels(z)) {
-                least = std::min(least, level);
-                greatest = std::max(greatest, level <= volumes::LEVEL_LARGEST ? level : greatest);
-            }
+            input.Slice_Levels(z).Visit([&](const auto& levels) {
+                for (const std::int32_t level : levels) {
+                    least = std::min(least, level);
+                    greatest = std::max(greatest, level <= volumes::LEVEL_LARGEST ? level : greatest);
+                }
+            });
         }
         first = least;
         size = greatest >= least ? std::int64_t{greatest} - least + 1 : 0;
     }
 
-    void Add(std::span<const std::uint8_t> tags, std::span<const std::int32_t> levels) {
-        for (std::size_t at = 0; at < levels.size(); ++at) {
-            if (levels[at] > volumes::LEVEL_LARGEST) {
-                continue;
-            }
-            if (size > TABLE_MOST) {
-                lists[tags[at]].push_back(levels[at]);
-                continue;
-            }
-            std::vector<std::uint64_t>& table = tables[tags[at]];
-            if (table.empty()) {
-                table.resize(static_cast<std::size_t>(size));
-            }
-            ++table[static_cast<std::size_t>(std::int64_t{levels[at]} - first)];
-        }
+    void Add(std::span<const std::uint8_t> tags, const volumes::Level_View& levels) {
+        levels.Visit([&](const auto& own) { Add_Typed(tags, own); });
     }
 
     /** The levels of a TAG, ascending, each once; the collected ones are given free. */
@@ -76,6 +65,25 @@ class Level_Counts {
     }
 
   private:
+    template <class Levels>
+    void Add_Typed(std::span<const std::uint8_t> tags, const Levels& levels) {
+        for (std::size_t at = 0; at < levels.size(); ++at) {
+            const std::int32_t level = levels[at];
+            if (level > volumes::LEVEL_LARGEST) {
+                continue;
+            }
+            if (size > TABLE_MOST) {
+                lists[tags[at]].push_back(level);
+                continue;
+            }
+            std::vector<std::uint64_t>& table = tables[tags[at]];
+            if (table.empty()) {
+                table.resize(static_cast<std::size_t>(size));
+            }
+            ++table[static_cast<std::size_t>(std::int64_t{level} - first)];
+        }
+    }
+
     std::int64_t first = 0;
     std::int64_t size = 0;
     std::array<std::vector<std::uint64_t>, TAG_MAX> tables;

@@ -28,7 +28,7 @@ Pixel_Rect Fill_Tool::Press(const Tool_Spot& spot, Tool_Hand) {
     if (!work.Has_Volume() || !spot.Is_Inside()) {
         return {};
     }
-    const std::span<const std::int32_t> levels = work.Plain_Levels();
+    const volumes::Level_View levels = work.Plain_Levels();
     if (levels.empty()) {
         host.tell("Images in colour have no grey values to fill by");
         return {};

@@ -14,9 +14,11 @@ Picture_Ground::Picture_Ground(const Session& work, const Plane_Cut& picture)
             {spacing[cut.geometry.axes[0].voxel_axis], spacing[cut.geometry.axes[1].voxel_axis],
              spacing[cut.geometry.axes[2].voxel_axis]}};
     Plane_Copy(work.Labels().All(), cut.geometry, cut.depth, cut.geometry.Whole(), std::span(tags));
-    if (const std::span<const std::int32_t> all = work.Plain_Levels(); !all.empty()) {
+    if (const volumes::Level_View all = work.Plain_Levels(); !all.empty()) {
         levels.resize(tags.size());
-        Plane_Copy(all, cut.geometry, cut.depth, cut.geometry.Whole(), std::span(levels));
+        all.Visit([&](const auto& voxels) {
+            Plane_Copy(voxels, cut.geometry, cut.depth, cut.geometry.Whole(), std::span(levels));
+        });
     }
 }
 

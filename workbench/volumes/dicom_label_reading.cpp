@@ -1,5 +1,8 @@
 #include "workbench/volumes/dicom_label_reading.h"
 
+#include <cstdint>
+#include <limits>
+
 #include "workbench/volumes/message_text.h"
 
 namespace volumes {
@@ -23,7 +26,7 @@ Volume Labels_Like(const Volume& like, const Load_Limits& limits) {
     labels.affine = like.affine;
     labels.affine_source = like.affine_source;
     labels.scalar_type = "uint8";
-    labels.levels.resize(like.Voxel_Nb_3D());
+    labels.levels = Voxel_Levels::Of_Range(like.Voxel_Nb_3D(), 0, std::numeric_limits<std::uint8_t>::max(), false);
     return labels;
 }
 

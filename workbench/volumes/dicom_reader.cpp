@@ -40,6 +40,7 @@ struct Value_Room {
     Frame_Room frame;
     std::vector<std::int64_t> values;
     std::vector<std::uint8_t> is_padding;  // of the values; empty: none is
+    std::vector<std::int32_t> levels;
 };
 
 /** The progress callback gave up. */
@@ -76,6 +77,10 @@ class File_Reader {
     void Scales_Read();
     void Stack_Decode(const Frame_Stack& stack, Volume& volume);
     void Levels_Decode(const Frame_Stack& stack, Volume& volume);
+    /** From where to where the values of pixels can be, if 16 bits may be enough for them. */
+    std::optional<std::pair<std::int32_t, std::int32_t>> Value_Range() const;
+    /** Makes levels of the room's frame. @param is_level the values are levels as they are; if not, `map` makes them */
+    void Frame_Levels_Make(bool is_level, const Level_Map& map, Value_Room& room, std::span<std::int32_t> levels) const;
     void Real_Levels_Decode(const Frame_Stack& stack, Volume& volume);
     void Warnings_Tell();
     void Images_Make();
@@ -408,6 +413,35 @@ void File_Reader::Scales_Read() {
     });
 }
 
+std::optional<std::pair<std::int32_t, std::int32_t>> File_Reader::Value_Range() const {
+    constexpr std::int32_t bits_most = 16;
+    if (format.Is_Color() || padding) {
+        return std::nullopt;
+    }
+    if (greys) {
+        const auto [lowest, highest] = std::ranges::minmax(greys->entries);
+        return std::pair(lowest, highest);
+    }
+    if (format.bits_stored > bits_most) {
+        return std::nullopt;
+    }
+    const std::int32_t value_nb = std::int32_t{1} << format.bits_stored;
+    return format.is_signed ? std::pair(-value_nb / 2, value_nb / 2 - 1) : std::pair(0, value_nb - 1);
+}
+
+void File_Reader::Frame_Levels_Make(bool is_level, const Level_Map& map, Value_Room& room,
+                                    std::span<std::int32_t> levels) const {
+    if (is_level && Is_Plain()) {
+        return Levels_Decode_Grey(format, room.frame.bytes, levels);
+    }
+    Values_Make(room);
+    for (std::size_t pixel = 0; pixel < levels.size(); ++pixel) {
+        const bool is_outside = !room.is_padding.empty() && room.is_padding[pixel] != 0;
+        const std::int64_t value = room.values[pixel];
+        levels[pixel] = is_outside ? LEVEL_OUTSIDE : (is_level ? static_cast<std::int32_t>(value) : map.Level(value));
+    }
+}
+
 void File_Reader::Levels_Decode(const Frame_Stack& stack, Volume& volume) {
     Level_Scale scale;
     if (!volume.color) {
@@ -422,22 +456,28 @@ void File_Reader::Levels_Decode(const Frame_Stack& stack, Volume& volume) {
         Outside_Note(scale, volume);
     }
     const auto pixels = static_cast<std::size_t>(format.width) * static_cast<std::size_t>(format.height);
-    volume.levels.resize(pixels * stack.order.size());
+    const auto map_of = [&](std::int32_t frame) { return Level_Map(scales[static_cast<std::size_t>(frame)], scale); };
+    const auto is_level = [&](std::int32_t frame) {
+        return volume.color || (map_of(frame).Is_Same() && !scale.Has_Outside());
+    };
+    const auto range = std::ranges::all_of(stack.order, is_level) ? Value_Range() : std::nullopt;
+    Voxel_Levels known;
+    std::vector<std::int32_t> unknown;  // of a range that shows when all are there
+    if (range) {
+        known = Voxel_Levels::Of_Range(pixels * stack.order.size(), range->first, range->second, false);
+    } else {
+        unknown.resize(pixels * stack.order.size());
+    }
     Frames_Decode(stack.order, [&](std::size_t at, Value_Room& room) {
-        const Level_Map map(scales[static_cast<std::size_t>(stack.order[at])], scale);
-        const bool is_level = volume.color || (map.Is_Same() && !scale.Has_Outside());
-        const std::span levels = std::span(volume.levels).subspan(at * pixels, pixels);
-        if (is_level && Is_Plain()) {
-            return Levels_Decode_Grey(format, room.frame.bytes, levels);
-        }
-        Values_Make(room);
-        for (std::size_t pixel = 0; pixel < pixels; ++pixel) {
-            const bool is_outside = !room.is_padding.empty() && room.is_padding[pixel] != 0;
-            const std::int64_t value = room.values[pixel];
-            levels[pixel] =
-                is_outside ? LEVEL_OUTSIDE : (is_level ? static_cast<std::int32_t>(value) : map.Level(value));
+        const std::int32_t frame = stack.order[at];
+        room.levels.resize(range ? pixels : 0);
+        const std::span levels = range ? std::span(room.levels) : std::span(unknown).subspan(at * pixels, pixels);
+        Frame_Levels_Make(is_level(frame), map_of(frame), room, levels);
+        if (range) {
+            known.Put(at * pixels, levels);
         }
     });
+    volume.levels = range ? std::move(known) : Voxel_Levels(std::move(unknown));
     if (const std::string lost = Level_Scale_Warning(scale, "frames"); !lost.empty()) {
         Warn(lost);
     }

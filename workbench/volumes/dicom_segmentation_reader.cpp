@@ -460,9 +460,10 @@ void Segmentation_Reader::Frame_Lay(const Frame& frame, std::span<const std::int
                 ++outside_nb;
                 continue;
             }
-            std::int32_t& level = labels.levels[labels.Index(at[0], at[1], at[2])];
-            overlapping_nb += level != 0 && level != tag ? 1 : 0;
-            level = tag;
+            const std::size_t voxel = labels.Index(at[0], at[1], at[2]);
+            const std::int32_t before = labels.levels[voxel];
+            overlapping_nb += before != 0 && before != tag ? 1 : 0;
+            labels.levels.Set(voxel, tag);
         }
     }
 }

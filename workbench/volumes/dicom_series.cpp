@@ -77,9 +77,9 @@ bool Scale_Change(Volume& volume, const Level_Scale& scale) {
     if (volume.color || (map.Is_Same() && !scale.Has_Outside())) {
         return false;
     }
-    for (std::int32_t& level : volume.levels) {
-        level = map.Level_Again(level);
-    }
+    std::vector<std::int32_t> levels(volume.levels.size());
+    std::ranges::transform(volume.levels, levels.begin(), [&](std::int32_t level) { return map.Level_Again(level); });
+    volume.levels = std::move(levels);
     volume.slope = scale.slope;
     volume.intercept = scale.intercept;
     return true;
@@ -222,12 +222,12 @@ void Group::Stack(const Slice_Stack& stack, std::int32_t time, const std::string
         Volume& slice = part.image.volume;
         is_range_known = !Scale_Change(slice, scale) && slice.outlier_nb == 0 && is_range_known;
         range.Add(slice);
-        std::vector<std::int32_t> levels = std::exchange(slice.levels, {});
+        const Voxel_Levels levels = std::exchange(slice.levels, {});
         if (&part == &first) {
             volume = slice;
             volume.levels.reserve(levels.size() * nz);
         }
-        volume.levels.insert(volume.levels.end(), levels.begin(), levels.end());
+        volume.levels.Append(levels);
         made.file_of_slice.push_back(part.file);
     }
     if (const std::string lost = Level_Scale_Warning(scale, "slices"); !volume.color && !lost.empty()) {
@@ -343,13 +343,13 @@ void Times_Split(Folder_Volume&& one, Image_Folder& folder) {
         folder.volumes.push_back(std::move(one));
         return;
     }
-    const std::vector<std::int32_t> all = std::exchange(volume.levels, {});
+    const Voxel_Levels all = std::exchange(volume.levels, {});
     const std::int32_t times = std::exchange(volume.nt, 1);
-    const auto size = static_cast<std::ptrdiff_t>(volume.Voxel_Nb_3D());
+    const std::size_t size = volume.Voxel_Nb_3D();
     for (std::int32_t time = 0; time < times; ++time) {
         Folder_Volume made = one;
         made.title += Time_Text(time, times);
-        made.volume.levels.assign(all.begin() + time * size, all.begin() + (time + 1) * size);
+        made.volume.levels.Append(all.View().subspan(static_cast<std::size_t>(time) * size, size));
         Level_Range_Find(made.volume);
         folder.volumes.push_back(std::move(made));
     }

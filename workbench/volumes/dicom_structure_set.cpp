@@ -171,11 +171,13 @@ class Structure_Reader {
                     Polygon_Toggle(points, image.nx, image.ny, mask);
                 }
             }
-            std::int32_t* const levels = &result.labels->levels[image.Index(0, 0, z)];
+            Voxel_Levels& levels = result.labels->levels;
+            const std::size_t first = image.Index(0, 0, z);
             for (std::size_t pixel = 0; pixel < mask.size(); ++pixel) {
                 if (mask[pixel] != 0) {
-                    overlapping_nb += levels[pixel] != 0 && levels[pixel] != segment.tag ? 1 : 0;
-                    levels[pixel] = segment.tag;
+                    const std::int32_t before = levels[first + pixel];
+                    overlapping_nb += before != 0 && before != segment.tag ? 1 : 0;
+                    levels.Set(first + pixel, segment.tag);
                 }
             }
         }

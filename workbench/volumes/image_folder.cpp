@@ -352,7 +352,7 @@ class Folder_Reader {
     }
 
     void Room_Take(const Volume& volume) {
-        const std::uint64_t size = volume.levels.size() * sizeof volume.levels.front();
+        const std::uint64_t size = volume.levels.size() * sizeof(std::int32_t);
         if (size > room) {
             throw Refusal{"does not fit beside the other images: all together may take " +
                           Size_Text(limits.decoded_bytes)};

@@ -28,18 +28,40 @@ std::size_t Grow(std::vector<Element>& list, std::size_t more, std::uint64_t tot
     return old_size;
 }
 
-// Types whose every value is a level or may be kept aside as 32 bits until all are known.
+// Types whose every value is a level of 16 bits.
 template <class Stored>
-constexpr bool IS_SMALL = sizeof(Stored) <= 4;
+constexpr bool IS_NARROW = sizeof(Stored) <= 2;
+
+template <class Stored>
+Level_Code Code_Of_Type() {
+    return Level_Code::For(std::numeric_limits<Stored>::min(), std::numeric_limits<Stored>::max(), false).value();
+}
+
+Level_Code Code_Of(Voxel_Type type) {
+    switch (type) {
+        case Voxel_Type::Uint8:
+            return Code_Of_Type<std::uint8_t>();
+        case Voxel_Type::Int8:
+            return Code_Of_Type<std::int8_t>();
+        case Voxel_Type::Int16:
+            return Code_Of_Type<std::int16_t>();
+        case Voxel_Type::Uint16:
+            return Code_Of_Type<std::uint16_t>();
+        default:
+            return {};
+    }
+}
 
 }  // namespace
 
 Level_Builder::Level_Builder(Voxel_Type voxel_type, Byte_Order byte_order, std::uint64_t total)
-    : type(voxel_type), order(byte_order), total_nb(total) {}
+    : type(voxel_type), order(byte_order), total_nb(total), code(Code_Of(voxel_type)) {}
 
 void Level_Builder::Reserve(std::uint64_t voxels) {
     const auto count = static_cast<std::size_t>(std::min(voxels, total_nb));
-    if (Voxel_Type_Size(type) <= sizeof(std::int32_t)) {
+    if (Voxel_Type_Size(type) <= sizeof(std::uint16_t)) {
+        narrow.reserve(count);
+    } else if (Voxel_Type_Size(type) <= sizeof(std::int32_t)) {
         levels.reserve(count);
     } else {
         wide.reserve(count);
@@ -58,7 +80,7 @@ void Level_Builder::Append_As(std::span<const std::uint8_t> bytes) {
             } else if constexpr (sizeof(Stored) == 4) {
                 out[i] = std::bit_cast<std::int32_t>(value);
             } else {
-                out[i] = value;
+                out[i] = static_cast<std::uint16_t>(value - code.base);
             }
         }
     };
@@ -69,7 +91,10 @@ void Level_Builder::Append_As(std::span<const std::uint8_t> bytes) {
             convert(out, Byte_Order::Big);
         }
     };
-    if constexpr (IS_SMALL<Stored>) {
+    if constexpr (IS_NARROW<Stored>) {
+        const std::size_t begin = Grow(narrow, count, total_nb);
+        convert_to(narrow.data() + begin);
+    } else if constexpr (sizeof(Stored) <= sizeof(std::int32_t)) {
         const std::size_t begin = Grow(levels, count, total_nb);
         convert_to(levels.data() + begin);
     } else {
@@ -122,10 +147,8 @@ template <class Stored>
 Stored Level_Builder::Value(std::size_t i) const {
     if constexpr (sizeof(Stored) == 8) {
         return std::bit_cast<Stored>(wide[i]);
-    } else if constexpr (sizeof(Stored) == 4) {
-        return std::bit_cast<Stored>(levels[i]);
     } else {
-        return static_cast<Stored>(levels[i]);
+        return std::bit_cast<Stored>(levels[i]);
     }
 }
 
@@ -192,6 +215,20 @@ bool Level_Builder::Type_Ends_Find(Volume& volume) {
     return true;
 }
 
+void Level_Builder::Finish_Narrow(Volume& volume) const {
+    if (narrow.empty()) {
+        return;
+    }
+    std::uint16_t smallest = Level_Code::LAST;
+    std::uint16_t largest = 0;
+    for (const std::uint16_t one : narrow) {  // several in one instruction
+        smallest = std::min(smallest, one);
+        largest = std::max(largest, one);
+    }
+    volume.level_min = code.Level(smallest);
+    volume.level_max = code.Level(largest);
+}
+
 template <class Stored>
 void Level_Builder::Finish_Integer(Volume& volume) {
     const auto count = static_cast<std::size_t>(voxel_nb);
@@ -229,11 +266,9 @@ void Level_Builder::Finish_Integer(Volume& volume) {
         range_find();
     }
     if (is_level()) {
-        if constexpr (sizeof(Stored) >= 4) {
-            for (std::size_t i = 0; i < count; ++i) {
-                const Stored value = Value<Stored>(i);
-                levels[i] = Is_Inside(static_cast<double>(value)) ? static_cast<std::int32_t>(value) : LEVEL_OUTSIDE;
-            }
+        for (std::size_t i = 0; i < count; ++i) {
+            const Stored value = Value<Stored>(i);
+            levels[i] = Is_Inside(static_cast<double>(value)) ? static_cast<std::int32_t>(value) : LEVEL_OUTSIDE;
         }
         volume.level_min = static_cast<std::int32_t>(smallest);
         volume.level_max = static_cast<std::int32_t>(largest);
@@ -360,16 +395,10 @@ void Level_Builder::Finish(double file_slope, double file_intercept, Volume& vol
     volume.intercept = 0;
     switch (type) {
         case Voxel_Type::Uint8:
-            Finish_Integer<std::uint8_t>(volume);
-            break;
         case Voxel_Type::Int8:
-            Finish_Integer<std::int8_t>(volume);
-            break;
         case Voxel_Type::Int16:
-            Finish_Integer<std::int16_t>(volume);
-            break;
         case Voxel_Type::Uint16:
-            Finish_Integer<std::uint16_t>(volume);
+            Finish_Narrow(volume);
             break;
         case Voxel_Type::Int32:
             Finish_Integer<std::int32_t>(volume);
@@ -395,7 +424,13 @@ void Level_Builder::Finish(double file_slope, double file_intercept, Volume& vol
             break;
     }
     Wide_Release();
-    volume.levels = std::move(levels);
+    if (Voxel_Type_Size(type) <= sizeof(std::uint16_t)) {
+        volume.levels = Voxel_Levels::Of_Codes(std::move(narrow), code);
+    } else if (volume.color) {
+        volume.levels = Voxel_Levels::Of_Wide(std::move(levels));
+    } else {
+        volume.levels = std::move(levels);
+    }
     // A file's scale that leaves the range of double is of no use; the stored values then stand for themselves.
     const double slope = volume.slope * file_slope;
     const double intercept = volume.intercept * file_slope + file_intercept;

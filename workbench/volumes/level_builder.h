@@ -49,6 +49,7 @@ class Level_Builder {
     void Append_Color(std::span<const std::uint8_t> bytes, std::size_t voxel_size);
     template <class Stored>
     Stored Value(std::size_t i) const;
+    void Finish_Narrow(Volume& volume) const;
     template <class Stored>
     void Finish_Integer(Volume& volume);
     template <class Stored>
@@ -76,8 +77,10 @@ class Level_Builder {
     std::uint64_t voxel_nb = 0;
     double inside_low = std::numeric_limits<double>::lowest();  // values beyond are LEVEL_OUTSIDE, as are no numbers
     double inside_high = std::numeric_limits<double>::max();
-    std::vector<std::int32_t> levels;  // values of up to 4 bytes: the level, or the bits of a uint32 or float32
-    std::vector<std::uint64_t> wide;   // the bits of values of 8 bytes
+    Level_Code code;                    // of `narrow`
+    std::vector<std::uint16_t> narrow;  // values of up to 2 bytes: the level's code
+    std::vector<std::int32_t> levels;   // values of 4 bytes and colours: the level, or the bits of a uint32 or float32
+    std::vector<std::uint64_t> wide;    // the bits of values of 8 bytes
 };
 
 /** What a user has to know of the values that a volume leaves outside, each to follow the file's name; nothing when all

@@ -10,19 +10,23 @@ void Level_Range_Find(Volume& volume) {
     std::int32_t highest = std::numeric_limits<std::int32_t>::min();
     std::uint64_t outside_nb = 0;
     if (volume.color) {
-        for (const std::int32_t level : volume.levels) {
-            for (const int bits : {0, 8, 16}) {
-                lowest = std::min(lowest, level >> bits & 0xFF);
-                highest = std::max(highest, level >> bits & 0xFF);
+        volume.levels.Visit([&](const auto& levels) {
+            for (const std::int32_t level : levels) {
+                for (const int bits : {0, 8, 16}) {
+                    lowest = std::min(lowest, level >> bits & 0xFF);
+                    highest = std::max(highest, level >> bits & 0xFF);
+                }
             }
-        }
+        });
     } else {
         // Without a branch, several levels are looked at in one instruction. Those outside are greater than all others.
-        for (const std::int32_t level : volume.levels) {
-            lowest = std::min(lowest, level);
-            highest = std::max(highest, level == LEVEL_OUTSIDE ? std::numeric_limits<std::int32_t>::min() : level);
-            outside_nb += level == LEVEL_OUTSIDE ? 1 : 0;
-        }
+        volume.levels.Visit([&](const auto& levels) {
+            for (const std::int32_t level : levels) {
+                lowest = std::min(lowest, level);
+                highest = std::max(highest, level == LEVEL_OUTSIDE ? std::numeric_limits<std::int32_t>::min() : level);
+                outside_nb += level == LEVEL_OUTSIDE ? 1 : 0;
+            }
+        });
         lowest = outside_nb == volume.levels.size() ? std::numeric_limits<std::int32_t>::max() : lowest;
     }
     volume.nonfinite_nb = outside_nb;

@@ -10,16 +10,13 @@
 #include <string>
 #include <vector>
 
+#include "workbench/volumes/voxel_levels.h"
+
 namespace volumes {
 
 /** Three rows of four: millimetres = first three columns * voxel index + fourth column. */
 using Affine = std::array<std::array<double, 4>, 3>;
 
-/** Largest value that `Volume::levels` holds; the few numbers above it are free to mean "outside the image". */
-inline constexpr std::int32_t LEVEL_LARGEST = 0x7FFFFFFD;
-/** The level of a voxel that has no grey value: it was no number, infinite, or outside the volume's scale. The panels
- * take it for a place outside the image. */
-inline constexpr std::int32_t LEVEL_OUTSIDE = 0x7FFFFFFE;
 /** Most steps between the smallest and the largest level of quantised values: levels 0 .. QUANTISED_STEPS. */
 inline constexpr std::int32_t QUANTISED_STEPS = 65535;
 
@@ -84,7 +81,7 @@ struct Volume {
     double outlier_highest = 0;      ///< grey: the largest
     std::int32_t level_min = 0;      ///< smallest level present but LEVEL_OUTSIDE; colour: smallest component
     std::int32_t level_max = 0;      ///< largest level present but LEVEL_OUTSIDE; colour: largest component
-    std::vector<std::int32_t> levels;  ///< nx * ny * nz * nt values, at most LEVEL_LARGEST, or LEVEL_OUTSIDE
+    Voxel_Levels levels;             ///< nx * ny * nz * nt values, at most LEVEL_LARGEST, or LEVEL_OUTSIDE
     Stored_Geometry stored;
     bool is_inverted = false;  ///< to be shown with small greys bright; levels and greys are the file's all the same
     std::string encoding;      ///< what the file is: "NIfTI-1, little-endian"; DICOM's transfer syntax; empty: not told

@@ -43,28 +43,32 @@ std::size_t Bin_Of_Rank(const std::vector<std::uint64_t>& bins, std::uint64_t& r
 class Level_Ranking {
   public:
     // Levels outside are the largest number: they come after all ranks that are asked for.
-    explicit Level_Ranking(std::span<const std::int32_t> all_levels) : levels(all_levels), upper(HALF_SIZE) {
-        for (const std::int32_t level : levels) {
-            ++upper[Ordered(level) >> 16U];
-        }
+    explicit Level_Ranking(const Level_View& all_levels) : levels(all_levels), upper(HALF_SIZE) {
+        levels.Visit([this](const auto& own) {
+            for (const std::int32_t level : own) {
+                ++upper[Ordered(level) >> 16U];
+            }
+        });
     }
 
     // The level at position `rank` of the sorted ones, from 0.
     std::int32_t Level_At(std::uint64_t rank) const {
         const std::size_t bin = Bin_Of_Rank(upper, rank);
         std::vector<std::uint64_t> lower(HALF_SIZE);
-        for (const std::int32_t level : levels) {
-            const std::uint32_t ordered = Ordered(level);
-            if ((ordered >> 16U) == bin) {
-                ++lower[ordered & 0xFFFFU];
+        levels.Visit([&](const auto& own) {
+            for (const std::int32_t level : own) {
+                const std::uint32_t ordered = Ordered(level);
+                if ((ordered >> 16U) == bin) {
+                    ++lower[ordered & 0xFFFFU];
+                }
             }
-        }
+        });
         const std::size_t low = Bin_Of_Rank(lower, rank);
         return Level_From_Ordered(static_cast<std::uint32_t>((bin << 16U) | low));
     }
 
   private:
-    std::span<const std::int32_t> levels;
+    Level_View levels;
     std::vector<std::uint64_t> upper;
 };
 
@@ -88,13 +92,15 @@ void Window_Mend(Volume_Statistics& statistics) {
     }
 }
 
-Volume_Statistics Statistics_Of_Color(std::span<const std::int32_t> levels) {
+Volume_Statistics Statistics_Of_Color(const Level_View& levels) {
     std::array<std::uint64_t, 256> bins{};
-    for (const std::int32_t level : levels) {
-        for (int shift = 0; shift < 24; shift += 8) {
-            ++bins[static_cast<std::size_t>((level >> shift) & 0xFF)];
+    levels.Visit([&](const auto& own) {
+        for (const std::int32_t level : own) {
+            for (int shift = 0; shift < 24; shift += 8) {
+                ++bins[static_cast<std::size_t>((level >> shift) & 0xFF)];
+            }
         }
-    }
+    });
     Volume_Statistics statistics;
     statistics.count = static_cast<std::uint64_t>(levels.size()) * 3;
     double sum = 0;
@@ -134,12 +140,14 @@ class Level_Counts {
             own.resize(level_nb);
             while (i < end) {
                 const std::size_t block_end = std::min(end, i + BLOCK);
-                for (; i < block_end; ++i) {
-                    const auto from_lowest =
-                        static_cast<std::uint32_t>(volume.levels[i]) - static_cast<std::uint32_t>(volume.level_min);
-                    // What lies outside is counted beside the levels.
-                    ++banks[std::min<std::size_t>(from_lowest, level_nb) * BANKS + i % BANKS];
-                }
+                volume.levels.Visit([&](const auto& levels) {
+                    for (; i < block_end; ++i) {
+                        const auto from_lowest =
+                            static_cast<std::uint32_t>(levels[i]) - static_cast<std::uint32_t>(volume.level_min);
+                        // What lies outside is counted beside the levels.
+                        ++banks[std::min<std::size_t>(from_lowest, level_nb) * BANKS + i % BANKS];
+                    }
+                });
                 for (std::size_t level = 0; level < level_nb; ++level) {
                     for (std::size_t bank = 0; bank < BANKS; ++bank) {
                         own[level] += std::exchange(banks[level * BANKS + bank], 0U);
@@ -217,19 +225,23 @@ Volume_Statistics Statistics_Of_Grey(const Volume& volume) {
     }
     Volume_Statistics statistics;
     std::int64_t sum = 0;
-    for (const std::int32_t level : volume.levels) {
-        const bool is_inside = level != LEVEL_OUTSIDE;
-        sum += is_inside ? level : 0;
-        statistics.count += is_inside ? 1 : 0;
-    }
+    volume.levels.Visit([&](const auto& levels) {
+        for (const std::int32_t level : levels) {
+            const bool is_inside = level != LEVEL_OUTSIDE;
+            sum += is_inside ? level : 0;
+            statistics.count += is_inside ? 1 : 0;
+        }
+    });
     if (statistics.count == 0) {
         return statistics;
     }
     const double mean = static_cast<double>(sum) / static_cast<double>(statistics.count);
     double square_sum = 0.0;
-    for (const std::int32_t level : volume.levels) {
-        square_sum += level != LEVEL_OUTSIDE ? (level - mean) * (level - mean) : 0.0;
-    }
+    volume.levels.Visit([&](const auto& levels) {
+        for (const std::int32_t level : levels) {
+            square_sum += level != LEVEL_OUTSIDE ? (level - mean) * (level - mean) : 0.0;
+        }
+    });
     return Statistics_Of(volume, statistics.count, mean, square_sum, Level_Ranking(volume.levels));
 }
 

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <new>
+#include <numeric>
 #include <random>
 #include <utility>
 
@@ -33,10 +34,9 @@ volumes::Volume Image() {
     volume.slope = 2.0;
     volume.intercept = -100.0;
     volume.scalar_type = "int16";
-    volume.levels.resize(SLICE_SIZE * SLICES);
-    for (std::size_t at = 0; at < volume.levels.size(); ++at) {
-        volume.levels[at] = static_cast<std::int32_t>(at);
-    }
+    std::vector<std::int32_t> levels(SLICE_SIZE * SLICES);
+    std::iota(levels.begin(), levels.end(), 0);
+    volume.levels = std::move(levels);
     volume.level_max = static_cast<std::int32_t>(volume.levels.size()) - 1;
     return volume;
 }

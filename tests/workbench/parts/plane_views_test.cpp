@@ -25,15 +25,17 @@ volumes::Volume Numbered_Volume() {
     volume.spacing = {1.0, 2.0, 4.0};
     volume.affine = {{{1, 0, 0, 0}, {0, 2, 0, 0}, {0, 0, 4, 0}}};
     volume.affine_source = volumes::Affine_Source::Sform;
+    std::vector<std::int32_t> levels;
     for (int t = 0; t < volume.nt; ++t) {
         for (int z = 0; z < NZ; ++z) {
             for (int y = 0; y < NY; ++y) {
                 for (int x = 0; x < NX; ++x) {
-                    volume.levels.push_back(x + 10 * y + 100 * z + 1000 * t);
+                    levels.push_back(x + 10 * y + 100 * z + 1000 * t);
                 }
             }
         }
     }
+    volume.levels = std::move(levels);
     return volume;
 }
 

@@ -21,8 +21,8 @@ volumes::Volume Patches(unsigned seed) {
     volumes::Volume volume = Tool_Volume();
     std::mt19937 random(seed);
     volume.slope = 2.0;
-    for (std::int32_t& level : volume.levels) {
-        level = static_cast<std::int32_t>(random() % 4) * 10;
+    for (std::size_t at = 0; at < volume.levels.size(); ++at) {
+        volume.levels.Set(at, static_cast<std::int32_t>(random() % 4) * 10);
     }
     return volume;
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <numeric>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,10 +26,9 @@ inline volumes::Volume Tool_Volume() {
     volume.spacing = {1.0, 2.0, 3.0};
     volume.is_size_known = true;
     volume.affine_source = volumes::Affine_Source::Sform;
-    volume.levels.resize(volume.Voxel_Nb_3D());
-    for (std::size_t at = 0; at < volume.levels.size(); ++at) {
-        volume.levels[at] = static_cast<std::int32_t>(at);
-    }
+    std::vector<std::int32_t> levels(volume.Voxel_Nb_3D());
+    std::iota(levels.begin(), levels.end(), 0);
+    volume.levels = std::move(levels);
     volume.level_max = volume.levels.back();
     return volume;
 }

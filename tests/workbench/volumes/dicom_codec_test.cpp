@@ -35,7 +35,8 @@ Dicom_Result Read(const Dicom_Bytes& bytes) {
 
 std::vector<std::int32_t> Levels_Of(const Dicom_Bytes& bytes) {
     const Dicom_Result result = Read(bytes);
-    return result.image ? result.image->volume.levels : std::vector<std::int32_t>();
+    const Voxel_Levels levels = result.image ? result.image->volume.levels : Voxel_Levels();
+    return {levels.begin(), levels.end()};
 }
 
 std::string Error_Of(const Dicom_Bytes& bytes) {

@@ -102,7 +102,7 @@ TEST_P(Installed_Volumes, are_read_as_the_script_reads_them_if_installed) {
 TEST_P(Installed_Volumes, are_overlaid_exactly_by_their_labels_if_installed) {
     const Load_Result source = Volume_Load(path);
     ASSERT_THAT(source.error, IsEmpty());
-    const std::vector<std::int32_t>& levels = source.volume->levels;
+    const Voxel_Levels& levels = source.volume->levels;
     const std::vector<std::uint16_t> labels(levels.begin(), levels.end());
     Temporary_Folder folder;
     ASSERT_THAT(Label_Volume_Write(folder / "labels.nii.gz", *source.volume, labels), IsEmpty());

@@ -69,7 +69,7 @@ TEST(Nifti_Reader_Damage, notices_truncation_of_compressed_files_at_every_byte) 
 
 TEST(Nifti_Reader_Damage, notices_every_changed_bit_of_a_compressed_file) {
     const Bytes whole = Gzip(Small_File().File());
-    const std::vector<std::int32_t> levels = Load(whole).volume->levels;
+    const Voxel_Levels levels = Load(whole).volume->levels;
     int harmless_nb = 0;
     constexpr std::size_t gzip_header_size = 10;  // of which some bits mean nothing
     for (std::size_t bit = 8 * gzip_header_size; bit < 8 * whole.size(); ++bit) {

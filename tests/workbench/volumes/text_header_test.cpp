@@ -265,7 +265,7 @@ TEST(Text_Header, greys_that_are_no_whole_numbers_are_written_as_real_ones) {
     source.slope = 0.25;
     source.nt = 2;
     source.nz = 2;
-    source.levels[5] = LEVEL_OUTSIDE;
+    source.levels.Set(5, LEVEL_OUTSIDE);
     source.nonfinite_nb = 1;
     for (const char* const name : {"image.nrrd", "image.mha"}) {
         const auto path = folder / name;
