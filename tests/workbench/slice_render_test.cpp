@@ -36,6 +36,18 @@ TEST(Slice_Render, maps_the_window_to_black_and_white) {
     EXPECT_EQ(picture.out, (std::vector<std::uint32_t>{0, 0, 0x808080, 0xFFFFFF, 0xFFFFFF}));
 }
 
+TEST(Slice_Render, levels_of_either_width_give_the_same_picture) {
+    Picture wide({-32768, -50, 0, 7, 100, 32766, volumes::LEVEL_OUTSIDE, 1000});
+    const volumes::Voxel_Levels levels(wide.levels);
+    ASSERT_TRUE(levels.Is_Narrow());
+    Picture narrow(wide.levels);
+    narrow.source.levels = levels;
+    const std::vector<Range_Overlay> ranges = {{-32768, -40, 0x00FF00}, {90, 32766, 0x0000FF}};
+    wide.Render({-20.0F, 100.0F}, ranges);
+    narrow.Render({-20.0F, 100.0F}, ranges);
+    EXPECT_EQ(narrow.out, wide.out);
+}
+
 TEST(Slice_Render, applies_slope_and_intercept) {
     Picture picture({10, 20});
     picture.source.slope = -2.0F;

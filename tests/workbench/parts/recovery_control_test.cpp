@@ -33,7 +33,7 @@ volumes::Image_Folder Images() {
         one.volume.nt = 1;
         one.volume.affine = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 2, 0}}};
         one.volume.spacing = {1, 1, 2};
-        one.volume.levels.resize(24);
+        one.volume.levels = volumes::Voxel_Levels::Of_Range(24, 0, 0, false);
     }
     return folder;
 }

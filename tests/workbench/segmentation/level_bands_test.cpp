@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <limits>
 #include <random>
 #include <vector>
 
 #include "tests/workbench/segmentation/label_scene.h"
+#include "workbench/segmentation/region_edits.h"
+#include "workbench/segmentation/tag_statistics.h"
 
 using namespace workbench::segmentation;
 
@@ -124,4 +127,43 @@ TEST(Level_Bands, a_band_of_greys_has_just_the_levels_whose_grey_lies_in_it) {
     volumes::Volume colors;
     colors.color = true;
     EXPECT_TRUE(Level_Band_Of({}, colors).Is_Empty());
+}
+
+// Levels of 16 bits are compared as codes: whatever a band covers of them, the outcome is that of 32 bits.
+TEST(Level_Bands, levels_of_either_width_give_the_same) {
+    constexpr std::array<std::int32_t, 4> bases = {-32768, 0, 1'000'000, std::numeric_limits<std::int32_t>::min()};
+    for (unsigned int seed = 0; seed < 120; ++seed) {
+        std::mt19937 random(seed);
+        Label_Scene scene = Random_Scene(seed, 19, 11, 3, 5);
+        const std::int32_t base = bases[seed % bases.size()];
+        const bool has_outside = seed % 3 == 0;
+        const auto any_level = [&] { return base + static_cast<std::int32_t>(random() % 65'536); };
+        for (std::int32_t& level : scene.levels) {
+            const std::int32_t near = base + static_cast<std::int32_t>(random() % 3) * 32'767;
+            level = has_outside && random() % 9 == 0 ? volumes::LEVEL_OUTSIDE : random() % 2 == 0 ? near : any_level();
+            level = has_outside && level == base + 65'535 ? base : level;
+        }
+        scene.levels[0] = base;
+        scene.levels[1] = base + (has_outside ? 65'534 : 65'535);
+        const volumes::Voxel_Levels narrow(scene.levels);
+        ASSERT_TRUE(narrow.Is_Narrow());
+        std::vector<Tag_Levels_Claim> claims(seed % 2 == 0 ? 1 + seed % 5 : 30);
+        for (Tag_Levels_Claim& claim : claims) {
+            claim.tag = static_cast<std::uint8_t>(random() % 256);
+            claim.band.low = random() % 4 == 0 ? std::numeric_limits<std::int32_t>::min() : any_level();
+            claim.band.high = random() % 4 == 0   ? std::numeric_limits<std::int32_t>::max()
+                              : claims.size() > 5 ? claim.band.low + 9
+                                                  : any_level();
+        }
+        Edit_Input wide_input = scene.Input();
+        Edit_Input narrow_input = scene.Input();
+        narrow_input.levels = narrow;
+        ASSERT_FALSE(wide_input.levels.Is_Narrow());
+        EXPECT_EQ(scene.After(*Bands_Apply(narrow_input, claims)), Expected(wide_input, claims)) << "seed " << seed;
+        const Flood flood{{9, 5, 1}, 7, Level_Band_Around(scene.levels[scene.grid.Index(9, 5, 1)], 30'000), {}};
+        EXPECT_EQ(scene.After(*Flood_Fill(narrow_input, flood)), scene.After(*Flood_Fill(wide_input, flood)));
+        const auto narrow_numbers = Tag_Statistics(narrow_input, {});
+        const auto wide_numbers = Tag_Statistics(wide_input, {});
+        EXPECT_EQ(Statistics_Csv(*narrow_numbers, {}, {}), Statistics_Csv(*wide_numbers, {}, {}));
+    }
 }
