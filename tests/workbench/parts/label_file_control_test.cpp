@@ -203,7 +203,7 @@ TEST_F(Label_File_Watch, a_segmentation_object_is_not_the_labels_own_file) {
     Open(1);
     Labels_File taken;
     taken.volume = Image();
-    std::ranges::fill(taken.volume.levels, 3);
+    taken.volume.levels = volumes::Voxel_Levels::Of_Range(taken.volume.levels.size(), 3, 3, false);
     taken.described.description.tags = {{3, 0x112233, true, true, false, {}, {}, "Lunge \xC3\xBC"}};
     taken.described.is_there = true;
     taken.is_object = true;

@@ -36,7 +36,7 @@ struct Work_Scene {
         volume.nt = 1;
         volume.affine = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 2, 0}}};
         volume.spacing = {1, 1, 2};
-        volume.levels.resize(std::size_t{NX} * NY * NZ);
+        volume.levels = volumes::Voxel_Levels::Of_Range(std::size_t{NX} * NY * NZ, 0, 0, false);
         return volume;
     }
     /** Opens so many volumes; the first is the current one. */
