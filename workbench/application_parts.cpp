@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "workbench/archive_wiring.h"
 #include "workbench/part_wiring.h"
 #include "workbench/wide_text.h"
 
@@ -40,6 +41,7 @@ Application_Parts::Application_Parts(const Command_Line& command_line, Main_Wind
       planes(work.session, slices.Plane_Services()),
       image(look, slices, planes),
       segmentation_services(Segmentation_Wires(*this)),
+      archives(work, dialogs, Archive_Wires(*this)),
       tools(Tool_Wires(*this)),
       view(work, settings.Now(), dialogs, View_Wires(*this)),
       tags(work, variables, labels, dialogs, Tag_Wires(*this)),
@@ -65,8 +67,8 @@ Application_Parts::Application_Parts(const Command_Line& command_line, Main_Wind
       window_control({options, look, settings, variables, dialogs, panels, image, trace, database, histogram, opener,
                       segmentation_services, state_report, [this] { return window.Handle(); },
                       [&user] { user.Lay_Out(); }}),
-      commands({opener, label_files, histogram.Exports(), label_objects, history, tags, tools, color_advisor, view,
-                pictures, keyboard, propagation, segmentation, histogram, database, focus, window_control}),
+      commands({opener, label_files, histogram.Exports(), label_objects, archives, history, tags, tools, color_advisor,
+                view, pictures, keyboard, propagation, segmentation, histogram, database, focus, window_control}),
       state_report({look,
                     work,
                     variables,

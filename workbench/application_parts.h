@@ -15,6 +15,7 @@
 #include "workbench/model/label_attributes.h"
 #include "workbench/model/workspace.h"
 #include "workbench/panel_set.h"
+#include "workbench/parts/archive_control.h"
 #include "workbench/parts/color_advisor.h"
 #include "workbench/parts/focus.h"
 #include "workbench/parts/history_control.h"
@@ -77,6 +78,7 @@ struct Application_Parts {
     Segmentation_Control segmentation{segmentation_services};
     Label_Object_Services label_object_services{work, variables, labels, dialogs};
     Label_Objects label_objects{label_object_services};
+    Archive_Control archives;
     Tool_Box tools;
     View_Control view;
     Tag_Control tags;

@@ -10,7 +10,7 @@ namespace {
 
 // An entry's number: the command in the lower byte, which of them in the upper one. The first ones are those of the
 // system's buttons (IDOK and so on).
-constexpr UINT FIRST_ID = 100;
+constexpr UINT FIRST_ID = 20;
 constexpr UINT NUMBER_STEP = 0x100;
 constexpr int NUMBER_MAX = 0xFE;  // the last one is the line before the entries
 static_assert(FIRST_ID + COMMAND_NB <= NUMBER_STEP, "the numbers of menu entries run into each other");

@@ -15,6 +15,7 @@ struct Command_Double : Volume_File_Actions,
                         Label_File_Actions,
                         Export_Actions,
                         Object_Actions,
+                        Archive_Actions,
                         History_Actions,
                         Label_Actions,
                         Tool_Actions,
@@ -36,6 +37,8 @@ struct Command_Double : Volume_File_Actions,
     void Load_Labels_Ask() override { Note("Load_Labels_Ask"); }
     bool Save_Labels(bool ask_for_name) override { return Note("Save_Labels", Number(ask_for_name)); }
     void Object_Save() override { Note("Object_Save"); }
+    void Archive_Open() override { Note("Archive_Open"); }
+    void Labels_Send() override { Note("Labels_Send"); }
     void Tag_Meaning_Ask() override { Note("Tag_Meaning_Ask"); }
     void Export_Histogram() override { Note("Export_Histogram"); }
     void Export_Verify_Ask() override { Note("Export_Verify_Ask"); }
@@ -181,7 +184,7 @@ struct Command_Double : Volume_File_Actions,
 
     Command_Parts Parts() {
         return {*this, *this, *this, *this, *this, *this, *this, *this, *this,
-                *this, *this, *this, *this, *this, *this, *this, *this};
+                *this, *this, *this, *this, *this, *this, *this, *this, *this};
     }
 
     std::vector<std::string> asked;      // "Slice_Step 1"

@@ -33,6 +33,7 @@ Settings Example() {
     settings.database_width = 444;
     settings.folded = 0b10010;
     settings.is_wheel_turned = true;
+    settings.archives = {"Radiology|pacs|104|PACS|ME|5|5|30", "B|b|1|B|ME|5|5|30"};
     settings.recent = {"C:\\data\\head one.nii.gz", "C:\\data\\K\xC3\xB6pfe\\zwei.nii"};
     return settings;
 }
@@ -74,6 +75,7 @@ TEST(Settings, text_and_back_changes_nothing) {
     EXPECT_EQ(back.overlay_opacity, 70);
     EXPECT_TRUE(back.is_planes_shown);
     EXPECT_EQ(back.recent.size(), 2U);
+    EXPECT_EQ(back.archives, Example().archives);
 }
 
 TEST(Settings, nothing_gives_the_defaults) {

@@ -1,12 +1,44 @@
 #include "workbench/archive/archive_settings.h"
 
 #include <algorithm>
+#include <charconv>
+#include <system_error>
+#include <vector>
 
 #include "workbench/volumes/message_text.h"
 
 namespace workbench::archive {
 
 namespace {
+
+constexpr char SEPARATOR = '|';
+constexpr std::size_t NAME_MOST = 200;  // bytes
+constexpr std::size_t PART_NB = 8;
+constexpr int SECONDS_MOST = 3600;
+
+/** A part of a line: what would end it, or is no text, becomes a blank. */
+std::string Part(std::string_view text) {
+    std::string part(text.substr(0, NAME_MOST));
+    std::ranges::replace_if(
+        part, [](char letter) { return letter == SEPARATOR || static_cast<unsigned char>(letter) < ' '; }, ' ');
+    return part;
+}
+
+std::string Seconds_Part(std::chrono::milliseconds time) {
+    return std::to_string(std::chrono::duration_cast<std::chrono::seconds>(time).count());
+}
+
+bool Number_Of(const std::string& text, int least, int most, int& number) {
+    const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return failure == std::errc() && end == text.data() + text.size() && number >= least && number <= most;
+}
+
+bool Time_Of(const std::string& text, std::chrono::milliseconds& time) {
+    int seconds = 0;
+    const bool is_good = Number_Of(text, 1, SECONDS_MOST, seconds);
+    time = is_good ? std::chrono::seconds(seconds) : time;
+    return is_good;
+}
 
 bool Is_Printable(char letter) {
     return letter >= ' ' && letter <= '~';
@@ -16,7 +48,8 @@ bool Is_Printable(char letter) {
 
 bool Is_Title(std::string_view text) {
     return text.size() <= TITLE_MOST &&
-           std::ranges::all_of(text, [](char letter) { return Is_Printable(letter) && letter != '\\'; }) &&
+           std::ranges::all_of(
+               text, [](char letter) { return Is_Printable(letter) && letter != '\\' && letter != SEPARATOR; }) &&
            text.find_first_not_of(' ') != std::string_view::npos;
 }
 
@@ -51,6 +84,38 @@ std::string Settings_Doubt(const Archive_Settings& settings) {
         return "The own AE title is to have 1 to 16 letters without accents, and no backslash.";
     }
     return {};
+}
+
+std::string Archive_Line(const Archive_Settings& settings) {
+    std::string line = Part(settings.name);
+    for (const std::string& part : {Part(settings.host), std::to_string(settings.port), Part(settings.called_title),
+                                    Part(settings.own_title), Seconds_Part(settings.times.connect),
+                                    Seconds_Part(settings.times.associate), Seconds_Part(settings.times.silence)}) {
+        line += SEPARATOR + part;
+    }
+    return line;
+}
+
+std::optional<Archive_Settings> Archive_Of_Line(std::string_view line) {
+    std::vector<std::string> parts(1);
+    for (const char letter : line) {
+        if (letter == SEPARATOR) {
+            parts.emplace_back();
+        } else {
+            parts.back() += letter;
+        }
+    }
+    Archive_Settings settings;
+    if (parts.size() != PART_NB || parts[0].size() > NAME_MOST || !Number_Of(parts[2], 1, PORT_MAX, settings.port) ||
+        !Time_Of(parts[5], settings.times.connect) || !Time_Of(parts[6], settings.times.associate) ||
+        !Time_Of(parts[7], settings.times.silence)) {
+        return std::nullopt;
+    }
+    settings.name = parts[0];
+    settings.host = parts[1];
+    settings.called_title = parts[3];
+    settings.own_title = parts[4];
+    return Settings_Doubt(settings).empty() ? std::optional(settings) : std::nullopt;
 }
 
 std::string Archive_Title(const Archive_Settings& settings) {

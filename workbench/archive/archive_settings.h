@@ -2,6 +2,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -35,6 +37,10 @@ bool Is_Title(std::string_view text);
 bool Is_Identifier(std::string_view text);
 /** @return empty, or one sentence about what is wrong with the settings */
 std::string Settings_Doubt(const Archive_Settings& settings);
+/** An archive as one line of the settings' file, without control characters. */
+std::string Archive_Line(const Archive_Settings& settings);
+/** @return no value: the line is none, or what it says cannot be right */
+std::optional<Archive_Settings> Archive_Of_Line(std::string_view line);
 /** "The archive Radiology (pacs.example:104)", to begin a sentence with. */
 std::string Archive_Title(const Archive_Settings& settings);
 

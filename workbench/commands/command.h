@@ -9,6 +9,7 @@ enum class Command {
     // File
     Open,
     Open_Folder,
+    Archive_Open,
     Not_Opened,
     What_Was_Read,
     Orientation,
@@ -16,6 +17,7 @@ enum class Command {
     Save_Labels,
     Save_Labels_As,
     Object_Save,
+    Labels_Send,
     Export_Histogram,
     Verify_Export,
     Picture_Save,

@@ -59,6 +59,16 @@ class Object_Actions {
     virtual void Tag_Meaning_Ask() = 0;
 };
 
+/** Archives of images in the network. */
+class Archive_Actions {
+  public:
+    virtual ~Archive_Actions() = default;
+    /** Searches an archive, fetches a series and opens it. */
+    virtual void Archive_Open() = 0;
+    /** Sends the labels as a segmentation object of the images. */
+    virtual void Labels_Send() = 0;
+};
+
 class History_Actions {
   public:
     virtual ~History_Actions() = default;
@@ -306,6 +316,7 @@ struct Command_Parts {
     Label_File_Actions& label_file;
     Export_Actions& exports;
     Object_Actions& object;
+    Archive_Actions& archive;
     History_Actions& history;
     Label_Actions& label;
     Tool_Actions& tool;

@@ -14,6 +14,9 @@ namespace {
 using Parts = Command_Parts;
 using enum Key_Context;
 
+/** A build without the network has no entries for it. */
+constexpr Menu ARCHIVE_MENU = KIT_HAS_ARCHIVES != 0 ? Menu::File : Menu::None;
+
 constexpr int VIRTUAL_KEY_F1 = 0x70;  // of the window system
 
 constexpr int Control(char letter) {
@@ -69,6 +72,8 @@ constexpr Command_Record RECORDS[] = {
           [](const Parts& on, int) { on.file.Open_Ask(); }),
     Entry(Command::Open_Folder, "open_folder", Menu::File, "Open &folder...", {{Control('D')}},
           [](const Parts& on, int) { on.file.Open_Folder_Ask(); }),
+    Entry(Command::Archive_Open, "archive_open", ARCHIVE_MENU, "Open from an arc&hive...", {},
+          [](const Parts& on, int) { on.archive.Archive_Open(); }),
     Entry(Command::Not_Opened, "not_opened", Menu::File, "Files &not opened...", {},
           [](const Parts& on, int) { on.file.Not_Opened_Show(); }),
     Entry(Command::What_Was_Read, "what_was_read", Menu::File, "&What was read...", {},
@@ -83,6 +88,8 @@ constexpr Command_Record RECORDS[] = {
           [](const Parts& on, int) { on.label_file.Save_Labels(true); }),
     Entry(Command::Object_Save, "object_save", Menu::File, "Save as &DICOM segmentation...", {},
           [](const Parts& on, int) { on.object.Object_Save(); }),
+    Entry(Command::Labels_Send, "labels_send", ARCHIVE_MENU, "Send labels &to an archive...", {},
+          [](const Parts& on, int) { on.archive.Labels_Send(); }),
     Entry(Command::Export_Histogram, "export_histogram", Menu::File, "&Export histogram...", {{Control('E')}},
           [](const Parts& on, int) { on.exports.Export_Histogram(); }, {.is_group_begin = true}),
     Entry(Command::Verify_Export, "verify_export", Menu::File, "&Verify export...", {},

@@ -89,6 +89,14 @@ void Label_Objects::Object_Save() {
     if (Is_Image_File(*path)) {
         return host.Warn(volumes::File_Name_Text(*path) + " is one of the images; choose another name.");
     }
+    if (const std::string error = Object_Write(*path, way == 1); !error.empty()) {
+        return host.Warn(error);
+    }
+    host.Tell("Segmentation object saved to " + volumes::File_Name_Text(*path));
+}
+
+std::string Label_Objects::Object_Write(const std::filesystem::path& path, bool is_deflated) {
+    const Session& work = host.Work();
     volumes::Segmentation_Content content;
     const std::vector<std::uint8_t> tags = work.Tags_In_File_Order();
     content.tags = tags;
@@ -97,15 +105,12 @@ void Label_Objects::Object_Save() {
     }
     content.program_version = host.Program_Version();
     content.creator = host.User_Name();
-    content.is_deflated = way == 1;
+    content.is_deflated = is_deflated;
     std::string error;
-    host.Run("Writing " + volumes::File_Name_Text(*path), [&](const volumes::Load_Progress& progress) {
-        error = volumes::Dicom_Segmentation_Write(*path, work.Image(), host.Slices(), content, progress);
+    host.Run("Writing " + volumes::File_Name_Text(path), [&](const volumes::Load_Progress& progress) {
+        error = volumes::Dicom_Segmentation_Write(path, work.Image(), host.Slices(), content, progress);
     });
-    if (!error.empty()) {
-        return host.Warn(error);
-    }
-    host.Tell("Segmentation object saved to " + volumes::File_Name_Text(*path));
+    return error;
 }
 
 void Label_Objects::Tag_Meaning_Ask() {

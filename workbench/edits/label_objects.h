@@ -62,6 +62,8 @@ class Label_Objects : public Object_Actions {
     explicit Label_Objects(Label_Object_Host& application) : host(application) {}
 
     void Object_Save() override;
+    /** Writes the labels as an object, without a question. @return empty, or one sentence */
+    std::string Object_Write(const std::filesystem::path& path, bool is_deflated);
     void Tag_Meaning_Ask() override;
 
     /** Whether a file may hold an object; looks at its first bytes. */

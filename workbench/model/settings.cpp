@@ -124,6 +124,10 @@ bool Take_Line(std::string_view name, std::string_view value, Settings& settings
     if (name == "enlarged_wheel_turned") {
         return Take_Flag(value, settings.is_wheel_turned);
     }
+    if (name == "archive" && Is_Path(value) && settings.archives.size() < ARCHIVE_MAX) {
+        settings.archives.emplace_back(value);
+        return true;
+    }
     if (name == "recent" && Is_Path(value) && settings.recent.size() < RECENT_MAX &&
         std::ranges::find(settings.recent, value) == settings.recent.end()) {
         settings.recent.emplace_back(value);
@@ -191,6 +195,9 @@ std::string Settings_Text(const Settings& settings) {
     line("database_width", std::to_string(settings.database_width));
     line("folded_panels", std::to_string(settings.folded));
     flag("enlarged_wheel_turned", settings.is_wheel_turned);
+    for (const std::string& one : settings.archives) {
+        line("archive", one);
+    }
     for (const std::string& path : settings.recent) {
         line("recent", path);
     }

@@ -35,14 +35,16 @@ struct Settings {
     bool is_planes_shown = false;  ///< the other two planes beside the slices
     bool is_trace_shown = false;
     bool is_database_shown = false;
-    int database_view = 0;            ///< tab
-    int database_width = 0;           ///< pixels at 96 dots per inch; 0: not chosen
-    unsigned int folded = 0;          ///< bit per panel of the tool area, the first one lowest
-    bool is_wheel_turned = false;     ///< of the enlarged histogram: forward narrows
-    std::vector<std::string> recent;  ///< paths in UTF-8, the last opened first
+    int database_view = 0;              ///< tab
+    int database_width = 0;             ///< pixels at 96 dots per inch; 0: not chosen
+    unsigned int folded = 0;            ///< bit per panel of the tool area, the first one lowest
+    bool is_wheel_turned = false;       ///< of the enlarged histogram: forward narrows
+    std::vector<std::string> archives;  ///< one line each, whatever is in it
+    std::vector<std::string> recent;    ///< paths in UTF-8, the last opened first
 };
 
 inline constexpr std::size_t RECENT_MAX = 8;
+inline constexpr std::size_t ARCHIVE_MAX = 50;
 inline constexpr int DATABASE_VIEW_MAX = 4;       ///< the highest tab
 inline constexpr int DATABASE_WIDTH_MAX = 4000;   ///< pixels at 96 dots per inch
 inline constexpr unsigned int FOLDED_MAX = 0xFF;  ///< all bits that mean something
