@@ -94,6 +94,9 @@ bool Application::Start(int show) {
         parts.state_report.Begin(report_file);
     }
     parts.window_control.Settings_Apply();
+    const auto row = [this](int line) { parts.segmentation.Statistics_Row(line); };
+    parts.segmentation_services.Statistics_Window().Row_Listen(row);
+    parts.image.Table().Row_Listen(row);
     Accessible_Names_Give(
         {parts.panels, parts.database.Column(), parts.image, parts.status_line, parts.trace, parts.banner, [this] {
              return parts.work.session.Has_Volume() ? Wide_Of_Utf8(parts.opener.Volume_Text()) : std::wstring();

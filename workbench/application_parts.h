@@ -20,6 +20,7 @@
 #include "workbench/parts/focus.h"
 #include "workbench/parts/history_control.h"
 #include "workbench/parts/label_file_control.h"
+#include "workbench/parts/layout_control.h"
 #include "workbench/parts/picture_control.h"
 #include "workbench/parts/propagation_control.h"
 #include "workbench/parts/recovery_control.h"
@@ -86,6 +87,7 @@ struct Application_Parts {
     Propagation_Control propagation;
     History_Control history;
     Label_File_Control label_files;
+    Layout_Control layouts;
     Picture_Control pictures;
     Recovery_Control recovery;
     Histogram_Desk histogram;

@@ -167,6 +167,12 @@ void Histogram_Desk::Chosen() {
     of.work.hub.Then([this] { of.dialogs.Tell(Numbers_Text()); });
 }
 
+void Histogram_Desk::Tag_Take(int first, int last) {
+    control.Range_Take({first, last}, of.work.session.Slice_Nb());
+    Histogram_Of_Tag_Set(true);
+    Chosen();
+}
+
 void Histogram_Desk::Histogram_Range_Ask() {
     const Frame_Range now = control.Frames();
     const auto answer =

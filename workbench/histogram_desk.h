@@ -66,6 +66,8 @@ class Histogram_Desk : public Histogram_Actions {
     void Volume_Leave();
     /** Counts anew what has changed, and adds what follows. */
     void Derive(Told_Changes& told);
+    /** Counts the current TAG's pixels in these frames from now on. */
+    void Tag_Take(int first, int last);
     /** What the histogram counts: "frames 3, 5 to 9, smoothed". UTF-8, as all texts here */
     std::string Source_Text() const;
     /** What stands in the heading of the panel. */

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <exception>
+#include <vector>
 
 namespace workbench {
 
 namespace {
 
 constexpr int GAP = 2;                     // pixels at 96 dots per inch, between the views
-constexpr int SLICES_PERCENT = 60;         // of the longer side
 constexpr unsigned int OTHERS_LEAST = 33;  // milliseconds from drawing to drawing
 
 }  // namespace
@@ -17,19 +17,21 @@ Image_Area::Image_Area(const Look& shared_look, Image_User& slices_user, Plane_V
     : look(shared_look),
       planes(plane_views),
       slices(shared_look, slices_user),
-      others{Image_View(shared_look, plane_views.User(0)), Image_View(shared_look, plane_views.User(1))} {}
+      others{Image_View(shared_look, plane_views.User(0)), Image_View(shared_look, plane_views.User(1))},
+      table(shared_look) {
+    for (Image_View* view : All()) {
+        view->Placed_Listen([this](const Image_View& of) { On_Placed(of); });
+    }
+}
 
 bool Image_Area::Make(HWND parent) {
-    if (!slices.Make(parent)) {
-        return false;
-    }
-    for (Image_View& view : others) {
-        if (!view.Make(parent)) {
+    for (Image_View* view : All()) {
+        if (!view->Make(parent)) {
             return false;
         }
-        view.Show(false);
+        view->Show(view == &slices);
     }
-    return true;
+    return table.Make(parent);
 }
 
 void Image_Area::Place(const RECT& area) {
@@ -38,49 +40,103 @@ void Image_Area::Place(const RECT& area) {
 }
 
 void Image_Area::Lay_Out() {
-    if (!is_planes) {
-        slices.Place(room);
-        return;
+    const auto places =
+        View_Places({room.left, room.top, room.right, room.bottom}, shown, static_cast<int>(look.Px(GAP)));
+    const auto place = [&](int view) {
+        const Pixel_Rect& at = places[static_cast<std::size_t>(view)];
+        return RECT{at.left, at.top, at.right, at.bottom};
+    };
+    for (int view = 0; view < PLANE_VIEW_NB; ++view) {
+        if (shown.Has(view)) {
+            All()[static_cast<std::size_t>(view)]->Place(place(view));
+        }
     }
-    // The others stand where there is more room: beside the slices, or below them.
-    const LONG gap = look.Px(GAP);
-    const LONG width = std::max<LONG>(room.right - room.left, 0);
-    const LONG height = std::max<LONG>(room.bottom - room.top, 0);
-    RECT large = room;
-    RECT one = room;
-    RECT other = room;
-    if (width >= height) {
-        large.right = room.left + width * SLICES_PERCENT / 100;
-        one.left = other.left = std::min(large.right + gap, room.right);
-        one.bottom = room.top + (height - gap) / 2;
-        other.top = std::min(one.bottom + gap, room.bottom);
-    } else {
-        large.bottom = room.top + height * SLICES_PERCENT / 100;
-        one.top = other.top = std::min(large.bottom + gap, room.bottom);
-        one.right = room.left + (width - gap) / 2;
-        other.left = std::min(one.right + gap, room.right);
+    if (shown.Has(TABLE_VIEW)) {
+        table.Place(place(TABLE_VIEW));
     }
-    slices.Place(large);
-    others[0].Place(one);
-    others[1].Place(other);
+    if (shown.is_linked) {
+        Link_To(Is_Planes() ? SLICES_VIEW : shown.large);
+    }
 }
 
-void Image_Area::Planes_Show(bool shown) {
-    is_planes = shown;
-    for (Image_View& view : others) {
-        view.Show(shown);
+void Image_Area::Arrange(const Views_Shown& wanted) {
+    const bool was_linked = shown.is_linked;
+    shown = wanted;
+    if (!shown.Has(SLICES_VIEW)) {
+        slices.Cursor_Set(false);
     }
+    for (int view = 0; view < PLANE_VIEW_NB; ++view) {
+        Image_View& of = *All()[static_cast<std::size_t>(view)];
+        of.Show(shown.Has(view));
+        if (was_linked && !shown.is_linked) {
+            View_State own = of.State();
+            own.fit_most = 0.0;
+            of.Follow(own);
+        }
+    }
+    table.Show(shown.Has(TABLE_VIEW));
+    Focus_Set(is_focus);
     Lay_Out();
     Refresh();
 }
 
+void Image_Area::Focus_Set(bool on) {
+    is_focus = on;
+    for (Image_View* view : All()) {
+        view->Focus_Set(on && view == &Led());
+    }
+}
+
+Linked_View Image_Area::Linked_Of(int view) const {
+    const Image_View& of = view == SLICES_VIEW ? slices : others[static_cast<std::size_t>(view - 1)];
+    return {of.State(), view == SLICES_VIEW ? planes.Slice_Axes() : planes.Geometry_Of(view - 1).axes,
+            of.Pixel_Width()};
+}
+
+void Image_Area::Link_To(int leader) {
+    if (is_following) {
+        return;
+    }
+    is_following = true;
+    std::vector<Linked_View> all;
+    for (int view = 0; view < PLANE_VIEW_NB; ++view) {
+        if (shown.Has(view)) {
+            all.push_back(Linked_Of(view));
+        }
+    }
+    const double fit = Linked_Fit(all);
+    const Linked_View lead = Linked_Of(leader);
+    for (int view = 0; view < PLANE_VIEW_NB; ++view) {
+        if (shown.Has(view)) {
+            const Linked_View own = Linked_Of(view);
+            View_State state = view == leader ? own.state : Linked_State(own, lead);
+            state.fit_most = fit * own.pixel_width;
+            All()[static_cast<std::size_t>(view)]->Follow(state);
+        }
+    }
+    is_following = false;
+}
+
+void Image_Area::On_Placed(const Image_View& view) {
+    for (int at = 0; shown.is_linked && at < PLANE_VIEW_NB; ++at) {
+        if (All()[static_cast<std::size_t>(at)] == &view) {
+            Link_To(at);
+        }
+    }
+}
+
 void Image_Area::Refresh() {
     planes.Volume_Look();
-    slices.Refresh();
-    if (is_planes) {
-        for (Image_View& view : others) {
-            view.Refresh();
+    for (int view = 0; view < PLANE_VIEW_NB; ++view) {
+        // The slices are kept current though they are hidden: keys and programs go by them.
+        if (view == SLICES_VIEW || shown.Has(view)) {
+            All()[static_cast<std::size_t>(view)]->Refresh();
         }
+    }
+    if (shown.is_linked) {
+        Link_To(Is_Planes() ? SLICES_VIEW : shown.large);
+    }
+    if (Is_Planes()) {
         others_drawn = ::GetTickCount64();
         Cursor_Look();
     }
@@ -102,7 +158,7 @@ void CALLBACK Image_Area::Late(HWND window, UINT, UINT_PTR area, DWORD) noexcept
 }
 
 void Image_Area::Others_Refresh() {
-    if (!is_planes) {
+    if (!Is_Planes()) {
         return;
     }
     if (::GetTickCount64() - others_drawn < OTHERS_LEAST) {
@@ -126,14 +182,17 @@ void Image_Area::Outline_Refresh() {
 }
 
 void Image_Area::Zoom_Set(double zoom) {
+    if (shown.is_linked) {
+        return Led().Zoom_Set(zoom);
+    }
     for (Image_View* view : All()) {
         view->Zoom_Set(zoom);
     }
 }
 
 bool Image_Area::Has(HWND window) const {
-    return window != nullptr &&
-           (window == slices.Handle() || window == others[0].Handle() || window == others[1].Handle());
+    return window != nullptr && (::IsChild(table.Handle(), window) != 0 || window == slices.Handle() ||
+                                 window == others[0].Handle() || window == others[1].Handle());
 }
 
 void Image_Area::Wheel(HWND under, int delta, bool is_zoom, POINT screen) {
@@ -141,6 +200,9 @@ void Image_Area::Wheel(HWND under, int delta, bool is_zoom, POINT screen) {
         if (view->Handle() == under) {
             view->Wheel(delta, is_zoom, screen);
         }
+    }
+    if (::IsChild(table.Handle(), under) != 0) {
+        table.Wheel(delta);
     }
 }
 

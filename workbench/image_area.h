@@ -1,11 +1,14 @@
-/** The room of the image: the view of the slices, and when it is wanted the two other planes beside it. */
+/** The room of the image: the view of the slices, and as it is wanted the two other planes and a table. */
 #pragma once
 
 #include <array>
 #include <string>
 
 #include "workbench/image_view.h"
+#include "workbench/model/linked_views.h"
+#include "workbench/model/view_places.h"
 #include "workbench/parts/plane_views.h"
+#include "workbench/table_view.h"
 
 namespace workbench {
 
@@ -15,9 +18,10 @@ class Image_Area {
     Image_Area(const Look& shared_look, Image_User& slices_user, Plane_Views& plane_views);
     bool Make(HWND parent);
     void Place(const RECT& area);
-    /** With the other planes or without. */
-    void Planes_Show(bool shown);
-    bool Is_Planes() const { return is_planes; }
+    void Arrange(const Views_Shown& wanted);
+    bool Is_Shown(int view) const { return shown.Has(view); }
+    /** There is more than one plane. */
+    bool Is_Planes() const { return shown.arrangement != View_Arrangement::One; }
     /** Another slice, window or TAG: draws all pictures anew. */
     void Refresh();
     /** The other views, while one is painted in; at most some 30 times a second. */
@@ -31,17 +35,31 @@ class Image_Area {
     /** The wheel over one of the views. */
     void Wheel(HWND under, int delta, bool is_zoom, POINT screen);
 
-    /** The view of the slices, which the keyboard acts on. */
+    /** The view that keys scroll and zoom: that of the slices, or the one that stands alone. */
+    Image_View& Led() { return *All()[static_cast<std::size_t>(Is_Planes() ? SLICES_VIEW : shown.large)]; }
+    /** The mark of what the keyboard acts on. */
+    void Focus_Set(bool on);
+
+    /** The view of the slices, which the keyboard's cursor is in. */
     Image_View& Slices() { return slices; }
     const Image_View& Slices() const { return slices; }
     /** One of the others. @param view 0 or 1 */
     Image_View& Other(int view) { return others[static_cast<std::size_t>(view)]; }
     const Image_View& Other(int view) const { return others[static_cast<std::size_t>(view)]; }
+    /** The fourth view. */
+    Table_View& Table() { return table; }
+    const Table_View& Table() const { return table; }
     /** Where the image stands: the view of the slices. */
     HWND Handle() const { return slices.Handle(); }
 
   private:
-    std::array<Image_View*, 1 + Plane_Views::VIEW_NB> All() { return {&slices, &others[0], &others[1]}; }
+    std::array<Image_View*, PLANE_VIEW_NB> All() { return {&slices, &others[0], &others[1]}; }
+    /** As far as views go along with one another. */
+    Linked_View Linked_Of(int view) const;
+    /** Those that are shown go along with one of them. */
+    void Link_To(int leader);
+    /** The user has zoomed or moved one. */
+    void On_Placed(const Image_View& view);
     void Lay_Out();
     void Cursor_Look();
     /** Others_Refresh for what was painted just before the hand came to rest. */
@@ -51,8 +69,11 @@ class Image_Area {
     Plane_Views& planes;
     Image_View slices;
     std::array<Image_View, Plane_Views::VIEW_NB> others;
+    Table_View table;
     RECT room = {};
-    bool is_planes = false;
+    Views_Shown shown;
+    bool is_focus = false;
+    bool is_following = false;
     unsigned __int64 others_drawn = 0;  // milliseconds of the system's clock
 };
 

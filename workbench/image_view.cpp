@@ -37,7 +37,33 @@ void Image_View::Lay_Out() {
     }
 }
 
+void Image_View::Kept_Slice::Take(const Slice_Source& of, const Pixel_Rect& part) {
+    const auto take = [&](const auto& from, auto& to) {
+        if (to.size() != from.size()) {
+            to.assign(from.begin(), from.end());
+            return;
+        }
+        const Pixel_Rect area = from.empty() ? Pixel_Rect() : Rect_Common(part, {0, 0, of.width, of.height});
+        for (int y = area.top; y < area.bottom; ++y) {
+            const std::ptrdiff_t first = static_cast<std::ptrdiff_t>(y) * of.width + area.left;
+            std::copy_n(from.begin() + first, area.right - area.left, to.begin() + first);
+        }
+    };
+    take(of.levels, levels);
+    take(of.tags, tags);
+    take(of.compared, compared);
+    source = of;
+    source.levels = levels;
+    source.tags = tags;
+    source.compared = compared;
+}
+
 void Image_View::Render(const Pixel_Rect& part) {
+    if (content.is_linear) {
+        kept.Take(content.source, part);
+        return;
+    }
+    kept = {};
     picture.resize(static_cast<std::size_t>(content.source.width) * static_cast<std::size_t>(content.source.height));
     if (!content.source.levels.empty()) {
         Slice_Render(content.source, content.window, content.overlay, content.ranges, part, picture);
@@ -88,6 +114,21 @@ void Image_View::Zoom_Set(double zoom) {
     Lay_Out();
     Invalidate();
     Pointer_Look();
+    placed(*this);
+}
+
+void Image_View::Follow(const View_State& shown) {
+    if (shown.zoom == state.zoom && shown.fit_most == state.fit_most && shown.center_x == state.center_x &&
+        shown.center_y == state.center_y) {
+        return;
+    }
+    state.zoom = shown.zoom;
+    state.fit_most = shown.fit_most;
+    state.center_x = shown.center_x;
+    state.center_y = shown.center_y;
+    Lay_Out();
+    Invalidate();
+    Pointer_Look();
 }
 
 void Image_View::Wheel(int delta, bool is_zoom, POINT screen_point) {
@@ -110,6 +151,7 @@ void Image_View::Wheel(int delta, bool is_zoom, POINT screen_point) {
     Lay_Out();
     Invalidate();
     Pointer_Look();  // only now: on the way other pixels were under it
+    placed(*this);
 }
 
 RECT Image_View::Screen_Of(const Pixel_Rect& pixels, int margin) const {
@@ -203,6 +245,7 @@ void Image_View::Press(UINT message, WPARAM keys, POINT point) {
     const bool is_shift = (keys & MK_SHIFT) != 0;
     const bool is_control = (keys & MK_CONTROL) != 0;
     const bool is_left = message == WM_LBUTTONDOWN;
+    ::SetFocus(::GetAncestor(Handle(), GA_ROOT));  // a table beside the image may have the keyboard
     ::SetCapture(Handle());
     drag_at = point;
     int x = 0;
@@ -211,6 +254,8 @@ void Image_View::Press(UINT message, WPARAM keys, POINT point) {
     if (is_left && point.x >= Slider_Box().left) {
         drag = Drag::Slider;
         Slider_Drag(point.y);
+    } else if (is_left && Tool_Slider_Press(point)) {
+        return;
     } else if (message == WM_MBUTTONDOWN || (message == WM_RBUTTONDOWN && is_shift)) {
         drag = Drag::Window;
     } else if (is_left && is_shift && is_control) {
@@ -260,9 +305,13 @@ void Image_View::Move(WPARAM keys, POINT point) {
             View_Pan(state, dx, dy);
             Lay_Out();
             Invalidate();
+            placed(*this);
             break;
         case Drag::Slider:
             Slider_Drag(point.y);
+            break;
+        case Drag::Tool_Slider:
+            Tool_Slider_Drag(point.x);
             break;
         case Drag::Cross:
             user.Cross_Move(x, y);

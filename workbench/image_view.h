@@ -2,8 +2,10 @@
  */
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/wheel_remainder.h"
@@ -16,6 +18,15 @@
 
 namespace workbench {
 
+/** Where the parts of a tool's slider stand in the view. */
+struct Slider_Boxes {
+    RECT all = {};
+    RECT text = {};
+    RECT track = {};
+    RECT take = {};
+    RECT drop = {};
+};
+
 class Image_View : public Window_Base {
   public:
     Image_View(const Look& shared_look, Image_User& image_user) : look(shared_look), user(image_user) {}
@@ -27,6 +38,17 @@ class Image_View : public Window_Base {
     /** @param zoom screen pixels per slice pixel, or ZOOM_FIT */
     void Zoom_Set(double zoom);
     void Wheel(int delta, bool is_zoom, POINT screen);
+    /** Other pictures of its plane. @param step positive: upwards */
+    void Slice_By(int step) { user.Slice_Go(content.slice + step); }
+    void Slice_End(bool is_last) { user.Slice_Go(is_last ? content.slice_nb - 1 : 0); }
+
+    /** Told when the user has zoomed or moved the picture. Not called while Follow runs. */
+    void Placed_Listen(std::function<void(Image_View&)> listener) { placed = std::move(listener); }
+    const View_State& State() const { return state; }
+    /** Width of a pixel, in the unit of all views of the volume. */
+    double Pixel_Width() const { return content.pixel_width; }
+    /** Takes over zoom and centre. */
+    void Follow(const View_State& shown);
 
     /** Tells what is under the pointer now that the picture has changed below it. */
     void Pointer_Look();
@@ -58,12 +80,21 @@ class Image_View : public Window_Base {
     /** Where the slice stands, for the report. */
     View_Layout Layout() const { return layout; }
     RECT Slider_Box() const;
+    Slider_Boxes Tool_Slider_Boxes() const;
 
   protected:
     LRESULT On_Message(UINT message, WPARAM wparam, LPARAM lparam) override;
 
   private:
-    enum class Drag { None, Tool, Window, Pan, Slider, Cross };
+    /** What was rendered, for drawing it later: the voxels may be others by then. */
+    struct Kept_Slice {
+        std::vector<std::int32_t> levels;
+        std::vector<std::uint8_t> tags;
+        std::vector<std::uint8_t> compared;
+        Slice_Source source;  ///< of these
+        void Take(const Slice_Source& of, const Pixel_Rect& part);
+    };
+    enum class Drag { None, Tool, Window, Pan, Slider, Cross, Tool_Slider };
     void Lay_Out();
     void Render(const Pixel_Rect& part);
     void Paint();
@@ -75,6 +106,11 @@ class Image_View : public Window_Base {
     void Draw_Scale_Bar(HDC dc) const;
     void Draw_Texts(HDC dc) const;
     void Draw_Slider(HDC dc) const;
+    // image_view_slider.cpp
+    void Draw_Tool_Slider(HDC dc) const;
+    /** @return false: the tool has none there */
+    bool Tool_Slider_Press(POINT point);
+    void Tool_Slider_Drag(int x);
     void Draw_Keyboard_Marks(HDC dc) const;
     void Press(UINT message, WPARAM keys, POINT point);
     void Release();
@@ -111,6 +147,8 @@ class Image_View : public Window_Base {
     Drag drag = Drag::None;
     POINT drag_at = {};
     Wheel_Remainder wheel;
+    Kept_Slice kept;
+    std::function<void(Image_View&)> placed = [](Image_View&) {};
 };
 
 }  // namespace workbench

@@ -36,6 +36,7 @@ void Image_View::Cursor_Move(int dx, int dy) {
     if (pan_x != 0 || pan_y != 0) {
         View_Pan(state, pan_x, pan_y);
         Lay_Out();
+        placed(*this);
     }
     if (is_pen_down) {
         Render(user.Tool_Move(Over_Point()));

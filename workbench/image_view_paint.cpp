@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 #include "workbench/image_view.h"
 #include "workbench/model/number_text.h"
@@ -13,11 +14,30 @@ constexpr COLORREF SLICE_TEXT_SHADOW = RGB(0, 0, 0);
 constexpr COLORREF OUTLINE_COLOR = RGB(255, 255, 255);
 constexpr COLORREF PATH_COLOR = RGB(255, 225, 80);
 constexpr COLORREF CROSS_COLOR = RGB(90, 170, 255);
+constexpr int DASH = 8;  // pixels at 96 dots per inch
 
 /** 0x00RRGGBB of a colour of the window system. */
 std::uint32_t Pixel_Of(COLORREF color) {
     return (static_cast<std::uint32_t>(GetRValue(color)) << 16U) |
            (static_cast<std::uint32_t>(GetGValue(color)) << 8U) | GetBValue(color);
+}
+
+/** Lines and gaps of one length between points, with the selected pen: pens of the system have no dashes when they are
+ *  thick. */
+void Draw_Dashes(HDC dc, std::span<const POINT> points, int length) {
+    for (std::size_t at = 1; at < points.size(); ++at) {
+        const POINT& from = points[at - 1];
+        const POINT& to = points[at];
+        const double whole = std::hypot(to.x - from.x, to.y - from.y);
+        const auto on_line = [&](double way) {
+            const double share = std::min(way / std::max(whole, 1.0), 1.0);
+            return POINT{from.x + std::lround((to.x - from.x) * share), from.y + std::lround((to.y - from.y) * share)};
+        };
+        for (int dash = 0; dash * 2.0 * length <= whole; ++dash) {
+            const POINT ends[] = {on_line(dash * 2.0 * length), on_line((dash * 2.0 + 1.0) * length)};
+            ::Polyline(dc, ends, 2);
+        }
+    }
 }
 
 std::wstring Side(char name) {
@@ -52,11 +72,12 @@ void Image_View::Paint() {
         Draw_Cross(memory.Get());
         Draw_Markers(memory.Get());
         Draw_Paths(memory.Get());
-        if (is_over && drag != Drag::Window && drag != Drag::Slider) {
+        if (is_over && drag != Drag::Window && drag != Drag::Slider && drag != Drag::Tool_Slider) {
             Draw_Outline(memory.Get());
         }
         Draw_Texts(memory.Get());
         Draw_Scale_Bar(memory.Get());
+        Draw_Tool_Slider(memory.Get());
     }
     Draw_Slider(memory.Get());
     Draw_Keyboard_Marks(memory.Get());
@@ -69,11 +90,19 @@ volumes::Picture Image_View::Picture_Now(bool is_plain) {
         return {};
     }
     const Pixel_Rect whole = {0, 0, content.source.width, content.source.height};
+    const auto tints = [this](Tag_Overlay overlay, std::vector<Range_Overlay> ranges) {
+        content.overlay = std::move(overlay);
+        content.ranges = std::move(ranges);
+    };
+    const Tag_Overlay overlay = content.overlay;
+    const std::vector<Range_Overlay> ranges = content.ranges;
     if (is_plain) {
-        Slice_Render(content.source, content.window, {}, {}, whole, picture);
+        tints({}, {});
+        Render(whole);
     }
     Draw_Slice(drawn.Get_DC(), {0, 0, state.view_width, state.view_height});
     if (is_plain) {
+        tints(overlay, ranges);
         Render(whole);
     } else {
         Draw_Cross(drawn.Get_DC());
@@ -96,7 +125,13 @@ void Image_View::Draw_Slice(HDC dc, const RECT& dirty) {
     if (part.Is_Empty()) {
         return;
     }
-    Slice_Scale(picture, layout, part, state.view_width, state.view_height, Pixel_Of(look.image_ground), screen);
+    const std::uint32_t ground = Pixel_Of(look.image_ground);
+    if (content.is_linear) {
+        Slice_Draw_Linear(kept.source, content.window, content.overlay, content.ranges, layout,
+                          {part, state.view_width, state.view_height, ground, screen});
+    } else {
+        Slice_Scale(picture, layout, part, state.view_width, state.view_height, ground, screen);
+    }
     BITMAPINFO info = {};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
     info.bmiHeader.biWidth = state.view_width;
@@ -164,23 +199,26 @@ void Image_View::Draw_Paths(HDC dc) {
         if (points.empty()) {
             continue;
         }
-        const std::vector<POINT> knots = points;
+        const POINT last = points.back();
         if (path.is_closed) {
             points.push_back(points.front());
         }
         for (const Gdi_Pen* pen : {&dark, &light}) {
             const Selected_Object selected(dc, pen->Get());
-            ::Polyline(dc, points.data(), static_cast<int>(points.size()));
-        }
-        for (const POINT& at : knots) {
-            RECT mark = {at.x - knot, at.y - knot, at.x + knot + 1, at.y + knot + 1};
-            if (path.has_knots) {
-                Fill(dc, mark, SLICE_TEXT_SHADOW);
-                ::InflateRect(&mark, -1, -1);
-                Fill(dc, mark, PATH_COLOR);
+            if (path.is_dashed) {
+                Draw_Dashes(dc, points, look.Px(DASH));
+            } else {
+                ::Polyline(dc, points.data(), static_cast<int>(points.size()));
             }
         }
-        const POINT& last = knots.back();
+        for (const Slice_Point& at : path.knots) {
+            const int x = layout.To_Screen_X(at.x);
+            const int y = layout.To_Screen_Y(at.y);
+            RECT mark = {x - knot, y - knot, x + knot + 1, y + knot + 1};
+            Fill(dc, mark, SLICE_TEXT_SHADOW);
+            ::InflateRect(&mark, -1, -1);
+            Fill(dc, mark, PATH_COLOR);
+        }
         Draw_Line_Shadowed(dc, {last.x + look.Px(8), last.y - look.Px(9), last.x + look.Px(200), last.y + look.Px(9)},
                            Wide_Of_Utf8(path.text), look.Bold(), DT_LEFT);
     }
@@ -240,6 +278,16 @@ void Image_View::Draw_Texts(HDC dc) const {
         Draw_Line_Shadowed(dc, area, content.caption.substr(from, end - from), look.Font(), DT_LEFT);
         ::OffsetRect(&area, 0, height);
         from = end + 1;
+    }
+    area.left += look.Px(16);
+    for (const Legend_Entry& entry : content.legend) {
+        const int side = look.Px(10);
+        RECT swatch = {margin, area.top + (height - side) / 2, margin + side, area.top + (height + side) / 2};
+        Fill(dc, swatch, SLICE_TEXT_SHADOW);
+        ::InflateRect(&swatch, -1, -1);
+        Fill(dc, swatch, RGB(entry.color >> 16U & 0xFFU, entry.color >> 8U & 0xFFU, entry.color & 0xFFU));
+        Draw_Line_Shadowed(dc, area, entry.text, look.Font(), DT_LEFT);
+        ::OffsetRect(&area, 0, height);
     }
     const Pixel_Rect slice = layout.Slice_On_Screen();
     const int left = std::max(slice.left, 0);

@@ -5,6 +5,7 @@
 
 #include "workbench/database_control.h"
 #include "workbench/model/pane_keys.h"
+#include "workbench/parts/layout_control.h"
 #include "workbench/parts/tag_control.h"
 #include "workbench/tools/tool_box.h"
 
@@ -32,7 +33,7 @@ Focus_Host Keyboard_Control::Focus_Services() {
 }
 
 void Keyboard_Control::Mark(Pane pane) {
-    of.image.Slices().Focus_Set(pane == Pane::Image);
+    of.image.Focus_Set(pane == Pane::Image);
     of.panels.Area().Focus_Set(Is_Tool_Pane(pane) ? Tool_Of(pane) : -1);
     of.database.Column().Focus_Set(pane == Pane::Database);
     of.dialogs.Log("focus " + std::to_string(static_cast<int>(pane)));
@@ -46,6 +47,9 @@ void Keyboard_Control::Mark(Pane pane) {
 }
 
 void Keyboard_Control::Cursor_Set(bool on) {
+    if (on) {
+        of.layouts.Slices_Show();
+    }
     of.image.Slices().Cursor_Set(on);
     if (of.image.Slices().Is_Cursor()) {
         of.focus.Set(Pane::Image);

@@ -14,6 +14,7 @@
 namespace workbench {
 
 class Database_Control;
+class Layout_Control;
 class Tag_Control;
 class Tool_Box;
 
@@ -28,6 +29,7 @@ struct Keyboard_Parts {
     Database_Control& database;
     Tool_Box& tools;
     Tag_Control& tags;
+    Layout_Control& layouts;
     Focus& focus;
     std::function<void(const Command_Call&)> execute;
 };

@@ -17,16 +17,11 @@ void List_Window::Open(HWND owner, const std::wstring& title, const std::wstring
         if (!Create(owner, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, title.c_str())) {
             return;
         }
-        // A field is called by the label before it, also by one that is not shown.
-        label = ::CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 0, 0, Handle(), nullptr,
-                                  ::GetModuleHandleW(nullptr), nullptr);
-        lines = ::CreateWindowExW(0, L"EDIT", L"",
-                                  WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_HSCROLL | ES_MULTILINE | ES_READONLY, 0, 0,
-                                  10, 10, Handle(), nullptr, ::GetModuleHandleW(nullptr), nullptr);
+        lines = Lines_Make(Handle(), &label);
+        row_choice.Watch(lines);
         Place_Beside(Handle(), owner, tools_width, place,
                      look.Px(font == List_Font::Fixed ? FIRST_TABLE_WIDTH : FIRST_WIDTH), look.Px(FIRST_HEIGHT));
     }
-    ::SendMessageW(lines, EM_SETLIMITTEXT, 0, 0);
     ::SendMessageW(lines, WM_SETFONT, reinterpret_cast<WPARAM>(font == List_Font::Fixed ? look.Fixed() : look.Font()),
                    TRUE);
     Text_Set(title, text);
@@ -35,13 +30,9 @@ void List_Window::Open(HWND owner, const std::wstring& title, const std::wstring
 }
 
 void List_Window::Text_Set(const std::wstring& title, const std::wstring& text) {
-    std::wstring shown;
-    for (const wchar_t letter : text) {
-        shown += letter == L'\n' ? L"\r\n" : std::wstring(1, letter);
-    }
     ::SetWindowTextW(Handle(), title.c_str());
     ::SetWindowTextW(label, title.c_str());
-    ::SetWindowTextW(lines, shown.c_str());
+    Lines_Set(lines, text);
 }
 
 void List_Window::Place_Set(const Window_Place& last, int tools) {
@@ -60,6 +51,9 @@ LRESULT List_Window::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             ::SetWindowPos(lines, nullptr, 0, 0, client.right, client.bottom, SWP_NOZORDER | SWP_NOACTIVATE);
             return 0;
         }
+        case WM_SETFOCUS:
+            ::SetFocus(lines);
+            return 0;
         case WM_DESTROY:
             place = Place_Of(Handle());
             return 0;

@@ -1,10 +1,13 @@
 /** A window with a text to read, to scroll and to copy from. */
 #pragma once
 
+#include <functional>
 #include <string>
+#include <utility>
 
 #include "workbench/look.h"
 #include "workbench/model/settings.h"
+#include "workbench/text_lines.h"
 #include "workbench/window_base.h"
 
 namespace workbench {
@@ -19,6 +22,8 @@ class List_Window : public Window_Base {
     void Open(HWND owner, const std::wstring& title, const std::wstring& text, List_Font font = List_Font::Text);
     /** Another text in the window that is there; it stays where it is and takes no keys. */
     void Text_Set(const std::wstring& title, const std::wstring& text);
+    /** Told which line was chosen by a double click or Enter, from 0. */
+    void Row_Listen(std::function<void(int line)> listener) { row_choice.Listen(std::move(listener)); }
     /** Where it opens. @param last as it stood before; without width: beside the owner
      *  @param tools width of what at the owner's left must stay free */
     void Place_Set(const Window_Place& last, int tools);
@@ -30,6 +35,7 @@ class List_Window : public Window_Base {
 
   private:
     const Look& look;
+    Row_Choice row_choice;
     Window_Place place;
     int tools_width = 0;
     HWND label = nullptr;  // of the text, for screen readers

@@ -8,11 +8,11 @@ namespace workbench {
 
 namespace {
 
-// An entry's number: the command in the lower byte, which of them in the upper one. The first ones are those of the
+// An entry's number: the command in the lower nine bits, which of them in the others. The first ones are those of the
 // system's buttons (IDOK and so on).
-constexpr UINT FIRST_ID = 20;
-constexpr UINT NUMBER_STEP = 0x100;
-constexpr int NUMBER_MAX = 0xFE;  // the last one is the line before the entries
+constexpr UINT FIRST_ID = 100;
+constexpr UINT NUMBER_STEP = 0x200;
+constexpr int NUMBER_MAX = 0x7D;  // the last one is the line before the entries
 static_assert(FIRST_ID + COMMAND_NB <= NUMBER_STEP, "the numbers of menu entries run into each other");
 
 UINT Menu_Id(Command command, int number = 0) {

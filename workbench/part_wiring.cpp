@@ -103,7 +103,12 @@ Segmentation_Wiring Segmentation_Wires(Application_Parts& parts) {
             },
             [&parts] { parts.tools.Stroke_End(); },
             [&parts](int slice) { parts.view.Slice_Go(slice); },
-            [&parts] { parts.image.Refresh(); }};
+            [&parts] { parts.image.Refresh(); },
+            [&parts] { return parts.image.Is_Shown(TABLE_VIEW) ? &parts.image.Table() : nullptr; },
+            [&parts](int tag, const segmentation::Slice_Range& slices) {
+                parts.tags.Tag_Set(tag, true);
+                parts.histogram.Tag_Take(slices.first, slices.last);
+            }};
 }
 
 Color_Host Color_Wires(Application_Parts& parts) {
@@ -160,9 +165,13 @@ Picture_Host Picture_Wires(Application_Parts& parts) {
         };
         if (parts.work.session.Has_Volume()) {
             parts.tools.Stroke_End();
-            add(parts.image.Slices(), parts.slices);
-            for (int view = 0; view < Plane_Views::VIEW_NB && parts.image.Is_Planes(); ++view) {
-                add(parts.image.Other(view), parts.planes.User(view));
+            if (parts.image.Is_Shown(SLICES_VIEW)) {
+                add(parts.image.Slices(), parts.slices);
+            }
+            for (int view = 0; view < Plane_Views::VIEW_NB; ++view) {
+                if (parts.image.Is_Shown(view + 1)) {
+                    add(parts.image.Other(view), parts.planes.User(view));
+                }
             }
         }
         return shown;
@@ -274,9 +283,40 @@ View_Host View_Wires(Application_Parts& parts) {
     host.place = [&parts](int slice) { parts.objects.Show(slice); };
     host.go = [&parts](int volume) { parts.opener.Go(volume); };
     host.zoom_to = [&parts](double factor) { parts.image.Zoom_Set(factor); };
-    host.zoom_by = [&parts](int step) { parts.image.Slices().Zoom_By(step); };
-    host.planes_show = [&parts](bool shown) { parts.image.Planes_Show(shown); };
-    host.is_planes = [&parts] { return parts.image.Is_Planes(); };
+    host.zoom_by = [&parts](int step) { parts.image.Led().Zoom_By(step); };
+    host.plane_step = [&parts](int step) {
+        const bool is_alone = !parts.image.Is_Shown(SLICES_VIEW);
+        if (is_alone) {
+            parts.image.Led().Slice_By(step);
+        }
+        return is_alone;
+    };
+    host.plane_end = [&parts](bool is_last) {
+        const bool is_alone = !parts.image.Is_Shown(SLICES_VIEW);
+        if (is_alone) {
+            parts.image.Led().Slice_End(is_last);
+        }
+        return is_alone;
+    };
+    return host;
+}
+
+Layout_Host Layout_Wires(Application_Parts& parts) {
+    Layout_Host host;
+    host.settings = [&parts]() -> Settings& { return parts.settings.Now(); };
+    host.arrange = [&parts](const Views_Shown& views) {
+        const bool is_new_table = views.Has(TABLE_VIEW) && !parts.image.Is_Shown(TABLE_VIEW);
+        parts.image.Arrange(views);
+        if (is_new_table && parts.work.session.Has_Volume()) {
+            parts.segmentation.Statistics_Show();
+        }
+    };
+    host.redraw = [&parts] { parts.work.hub.Note(Change::View); };
+    host.plane_name = [&parts](int view) {
+        return std::string(
+            Plane_Name(view == SLICES_VIEW ? parts.planes.Slice_Plane() : parts.planes.Plane_Of(view - 1)));
+    };
+    host.tell = [&parts](const std::string& text) { parts.dialogs.Tell(text); };
     return host;
 }
 

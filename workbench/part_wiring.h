@@ -5,6 +5,7 @@
 #include "workbench/parts/color_advisor.h"
 #include "workbench/parts/history_control.h"
 #include "workbench/parts/label_file_control.h"
+#include "workbench/parts/layout_control.h"
 #include "workbench/parts/picture_control.h"
 #include "workbench/parts/propagation_control.h"
 #include "workbench/parts/recovery_control.h"
@@ -21,6 +22,7 @@ struct Application_Parts;
 Segmentation_Wiring Segmentation_Wires(Application_Parts& parts);
 Tool_Host Tool_Wires(Application_Parts& parts);
 View_Host View_Wires(Application_Parts& parts);
+Layout_Host Layout_Wires(Application_Parts& parts);
 Tag_Host Tag_Wires(Application_Parts& parts);
 Color_Host Color_Wires(Application_Parts& parts);
 /** @param deliver tells everybody of changes at once */

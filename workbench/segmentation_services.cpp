@@ -84,8 +84,15 @@ void Segmentation_Services::Labels_Changed(int slice) {
 }
 
 void Segmentation_Services::Statistics_Show(const std::string& title, const std::string& table) {
+    Table_View* const beside = wiring.table();
+    if (beside != nullptr) {
+        beside->Text_Set(Wide_Of_Utf8(title), Wide_Of_Utf8(table));
+    }
     if (statistics.Is_Shown()) {
         return statistics.Text_Set(Wide_Of_Utf8(title), Wide_Of_Utf8(table));
+    }
+    if (beside != nullptr) {
+        return;
     }
     statistics.Open(wiring.owner(), Wide_Of_Utf8(title), Wide_Of_Utf8(table), List_Font::Fixed);
 }

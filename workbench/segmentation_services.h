@@ -14,6 +14,7 @@
 #include "workbench/model/dialogs.h"
 #include "workbench/model/label_attributes.h"
 #include "workbench/model/workspace.h"
+#include "workbench/table_view.h"
 
 namespace workbench {
 
@@ -29,6 +30,9 @@ struct Segmentation_Wiring {
     std::function<void()> stroke_end;
     std::function<void(int slice)> slice_go;
     std::function<void()> refresh;  ///< of the image
+    /** The table in the room of the image, while it is shown there; null: it is not. */
+    std::function<Table_View*()> table;
+    std::function<void(int tag, const segmentation::Slice_Range& slices)> histogram_of;
 };
 
 class Segmentation_Services : public Segmentation_Host {
@@ -52,7 +56,8 @@ class Segmentation_Services : public Segmentation_Host {
     void Labels_Changed(int slice) override;
     void Preview_Changed() override { wiring.refresh(); }
     void Statistics_Show(const std::string& title, const std::string& table) override;
-    bool Is_Statistics_Shown() const override { return statistics.Is_Shown(); }
+    bool Is_Statistics_Shown() const override { return statistics.Is_Shown() || wiring.table() != nullptr; }
+    void Histogram_Of(int tag, const segmentation::Slice_Range& slices) override { wiring.histogram_of(tag, slices); }
     bool Table_Show(const std::string& title, const std::string& table) override;
     void Tell(const std::string& text) override { wiring.dialogs.Tell(text); }
     void Warn(const std::string& text) override { wiring.dialogs.Warn(text); }

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "workbench/edits/segmentation_control.h"
+#include "workbench/model/label_difference.h"
 #include "workbench/model/number_text.h"
 #include "workbench/model/voxel_text.h"
 #include "workbench/parts/tag_control.h"
@@ -61,6 +62,7 @@ Image_Content Slices_User::Content_Of(int slice) const {
                       volume.is_inverted};
     content.window = of.work.grey_window;
     content.overlay = Overlay_Now();
+    Differences_Add(content, slice);
     content.ranges = Ranges_Now();
     content.order = of.work.session.Order();
     const std::string& orientation = of.work.volumes.View(of.work.volumes.Current()).orientation;
@@ -77,8 +79,10 @@ Image_Content Slices_User::Content_Of(int slice) const {
     content.slice = slice;
     content.slice_nb = of.work.session.Slice_Nb();
     content.pixel_aspect = volume.spacing[1] / volume.spacing[0];
-    content.pixel_mm = volume.is_size_known ? volume.spacing[0] : 0.0;
-    if (of.view.Is_Planes()) {
+    content.pixel_width = volume.spacing[0];
+    content.pixel_mm = volume.is_size_known ? content.pixel_width : 0.0;
+    content.is_linear = of.settings.is_linear;
+    if (of.settings.views.arrangement != View_Arrangement::One) {
         content.cross = of.planes.Cross_In_Slice();
     }
     const double low_end = static_cast<double>(of.work.grey_window.low);
@@ -90,6 +94,26 @@ Image_Content Slices_User::Content_Of(int slice) const {
         content.caption += orientation.empty() ? L"\nOrientation not known" : L"\nOrientation as chosen";
     }
     return content;
+}
+
+void Slices_User::Differences_Add(Image_Content& content, int slice) const {
+    const std::span<const std::uint8_t> compared = of.segmentation.Compared();
+    if (compared.empty()) {
+        return;
+    }
+    const std::size_t size = content.source.tags.size();
+    content.source.compared = compared.subspan(static_cast<std::size_t>(slice) * size, size);
+    content.overlay.is_difference = true;
+    content.overlay.shown = {};  // a list of the TAGs would tell of other colours
+    for (const auto difference :
+         {Label_Difference::Only_Here, Label_Difference::Only_There, Label_Difference::Other_Tag}) {
+        content.legend.push_back(
+            {DIFFERENCE_COLOR[static_cast<std::size_t>(difference)], Wide_Of_Utf8(Difference_Text(difference))});
+    }
+}
+
+std::optional<Tool_Slider> Slices_User::Slider() const {
+    return of.work.session.Has_Volume() ? of.tools.Slider(Spot({}).cut) : std::nullopt;
 }
 
 void Slices_User::Slice_Go(int slice) {
@@ -182,6 +206,10 @@ Plane_Host Slices_User::Plane_Services() {
         return of.tools.With_Preview(cut, shown);
     };
     host.tool_paths = [this](const Plane_Cut& cut) { return of.tools.Paths(cut); };
+    host.compared = [this] { return of.segmentation.Compared(); };
+    host.tool_slider = [this](const Plane_Cut& cut) { return of.tools.Slider(cut); };
+    host.tool_slide = [this](double share) { Slide(share); };
+    host.tool_end = [this](bool is_taken) { Slider_End(is_taken); };
     host.stroke_end = [this] { of.tools.Stroke_End(); };
     host.pick = [this](const Shown_Voxel& voxel) { Voxel_Pick(voxel); };
     host.hover = [this](const Image_User& by, const Plane_Cut& cut, const Slice_Point& at) {

@@ -50,6 +50,9 @@ class Slices_User : public Image_User {
     void Tool_Release() override { of.tools.Release(); }
     Brush_Footprint Tool_Outline(const Slice_Point& at) const override;
     std::vector<Shown_Path> Tool_Paths() const override;
+    std::optional<Tool_Slider> Slider() const override;
+    void Slide(double share) override { of.tools.Slide(share); }
+    void Slider_End(bool is_taken) override { is_taken ? of.tools.Tool_Accept() : of.tools.Tool_Cancel(); }
     void Pick(int x, int y) override { Voxel_Pick({x, y, of.work.slice}); }
     void Hover(int x, int y) override;
     void Hover_End() override { View_Left(*this); }
@@ -68,6 +71,8 @@ class Slices_User : public Image_User {
     /** What the image is tinted with: the band of the current TAG, or the bands of all. */
     std::vector<Range_Overlay> Ranges_Now() const;
     Tag_Overlay Overlay_Now() const;
+    /** Where the slice's labels differ from those that they are compared with. */
+    void Differences_Add(Image_Content& content, int slice) const;
     std::vector<Placed_Marker> Placed_Markers() const;
     /** A point of the shown slice. */
     Tool_Spot Spot(const Slice_Point& at) const { return {{of.work.session.Slice_Pictures(), of.work.slice}, at}; }

@@ -1,6 +1,7 @@
 #include "workbench/state_report.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numeric>
 #include <string>
@@ -35,9 +36,13 @@ void State_Report::Places(Json_Text& out) const {
     out.Object_Begin("places");
     Place_Write(out, "window", of.window());
     Place_Write(out, "image", of.image.Handle());
-    if (of.image.Is_Planes()) {
-        Place_Write(out, "plane_0", of.image.Other(0).Handle());
-        Place_Write(out, "plane_1", of.image.Other(1).Handle());
+    for (int view = 0; view < Plane_Views::VIEW_NB; ++view) {
+        if (of.image.Is_Shown(view + 1)) {
+            Place_Write(out, view == 0 ? "plane_0" : "plane_1", of.image.Other(view).Handle());
+        }
+    }
+    if (of.image.Is_Shown(TABLE_VIEW)) {
+        Place_Write(out, "table", of.image.Table().Handle());
     }
     Place_Write(out, "tag", of.panels.Host(Pane::Tag).Handle());
     Place_Write(out, "brush", of.panels.Host(Pane::Brush).Handle());
@@ -49,6 +54,30 @@ void State_Report::Places(Json_Text& out) const {
     Place_Write(out, "database", of.database.Handle());
     Place_Write(out, "database_panel", of.database.Panel_Window());
     out.Object_End();
+}
+
+void State_Report::Views(Json_Text& out) const {
+    const Settings& kept = of.settings.Now();
+    out.Number("views", 1 + std::ranges::count_if(std::array{1, 2, TABLE_VIEW}, [this](int view) {
+                            return of.image.Is_Planes() && of.image.Is_Shown(view);
+                        }));
+    out.Number("large_view", kept.views.large);
+    out.Number("linked", kept.views.is_linked ? 1 : 0);
+    out.Number("linear", kept.is_linear ? 1 : 0);
+    out.Number("differences", of.commands.Is_Checked(Command::Differences) ? 1 : 0);
+    if (of.work.session.Has_Volume() && of.tools.Slider({of.work.session.Slice_Pictures(), of.work.slice})) {
+        const Slider_Boxes boxes = of.image.Slices().Tool_Slider_Boxes();
+        out.Object_Begin("tool_slider");  // in the window of the slices, left, top, width and height
+        for (const auto& [name, box] :
+             {std::pair("track", boxes.track), std::pair("take", boxes.take), std::pair("drop", boxes.drop)}) {
+            out.List_Begin(name);
+            for (const LONG at : {box.left, box.top, box.right - box.left, box.bottom - box.top}) {
+                out.Number({}, at);
+            }
+            out.List_End();
+        }
+        out.Object_End();
+    }
 }
 
 void State_Report::View(Json_Text& out) const {
@@ -65,7 +94,11 @@ void State_Report::View(Json_Text& out) const {
     };
     place("slice_place", of.image.Slices().Layout());
     out.Number("planes", of.image.Is_Planes() ? 1 : 0);
-    for (int view = 0; of.image.Is_Planes() && of.work.session.Has_Volume() && view < Plane_Views::VIEW_NB; ++view) {
+    Views(out);
+    for (int view = 0; view < Plane_Views::VIEW_NB; ++view) {
+        if (!of.work.session.Has_Volume() || !of.image.Is_Shown(view + 1)) {
+            continue;
+        }
         place(view == 0 ? "plane_place_0" : "plane_place_1", of.image.Other(view).Layout());
         out.Text("plane_text_" + std::to_string(view), Utf8_Of_Wide(of.image.Other(view).Caption()));
     }

@@ -65,6 +65,8 @@ class State_Report {
 
   private:
     void Places(Json_Text& out) const;
+    /** Which views there are, and what is seen in them. */
+    void Views(Json_Text& out) const;
     void View(Json_Text& out) const;
     void Tags(Json_Text& out) const;
     void Volume(Json_Text& out) const;

@@ -65,7 +65,7 @@ void Window_Control::Settings_Apply() {
     of.opener.Read_List().Place_Set(kept.facts_window, of.look.Px(BESIDE_IMAGE));
     of.segmentation_services.Statistics_Window().Place_Set(kept.statistics_window, of.look.Px(BESIDE_IMAGE));
     of.panels.Area().Folded_Set(kept.folded);
-    of.image.Planes_Show(kept.is_planes_shown);
+    of.image.Arrange(kept.views);
     of.trace.Show(of.options.trace || kept.is_trace_shown);
     of.database.Column().View_Set(static_cast<Database_View>(kept.database_view));
     of.database.Database_Show(kept.is_database_shown);
@@ -82,7 +82,6 @@ void Window_Control::Settings_Keep() {
     kept.facts_window = of.opener.Read_List().Place_Now();
     kept.statistics_window = of.segmentation_services.Statistics_Window().Place_Now();
     kept.is_light = of.look.Theme() == Library_Theme::Light;
-    kept.is_planes_shown = of.image.Is_Planes();
     kept.is_trace_shown = of.trace.Is_Shown() && !of.options.trace;
     kept.is_database_shown = of.database.Is_Database();
     kept.database_view = static_cast<int>(of.database.Column().View());

@@ -8,6 +8,7 @@
 
 #include "workbench/commands/command_actions.h"
 #include "workbench/model/session.h"
+#include "workbench/model/view_places.h"
 
 namespace workbench {
 
@@ -21,6 +22,7 @@ struct Command_Double : Volume_File_Actions,
                         Tool_Actions,
                         Color_Actions,
                         View_Actions,
+                        Layout_Actions,
                         Picture_Actions,
                         Cursor_Actions,
                         Propagation_Actions,
@@ -104,8 +106,13 @@ struct Command_Double : Volume_File_Actions,
     void Overlay_Opacity_Ask() override { Note("Overlay_Opacity_Ask"); }
     void Range_Overlay_Set(bool on) override { Note("Range_Overlay_Set", Number(on)); }
     bool Is_Range_Overlay() const override { return Is("Is_Range_Overlay"); }
-    void Planes_Show(bool shown) override { Note("Planes_Show", Number(shown)); }
-    bool Is_Planes() const override { return Is("Is_Planes"); }
+    void Arrangement_Set(View_Arrangement wanted) override { Note("Arrangement_Set", Number(wanted)); }
+    View_Arrangement Arrangement_Now() const override { return arrangement_now; }
+    void Large_Plane_Next() override { Note("Large_Plane_Next"); }
+    void Views_Link(bool on) override { Note("Views_Link", Number(on)); }
+    bool Is_Linked() const override { return Is("Is_Linked"); }
+    void Linear_Set(bool on) override { Note("Linear_Set", Number(on)); }
+    bool Is_Linear() const override { return Is("Is_Linear"); }
     void Cursor_Set(bool on) override { Note("Cursor_Set", Number(on)); }
     bool Is_Cursor() const override { return Is("Is_Cursor"); }
     void Cursor_Act(bool erase) override { Note("Cursor_Act", Number(erase)); }
@@ -138,6 +145,8 @@ struct Command_Double : Volume_File_Actions,
     void Statistics_Show() override { Note("Statistics_Show"); }
     void Statistics_Save() override { Note("Statistics_Save"); }
     void Labels_Compare_Ask() override { Note("Labels_Compare_Ask"); }
+    void Differences_Show(bool on) override { Note("Differences_Show", Number(on)); }
+    bool Is_Differences() const override { return Is("Is_Differences"); }
     void Histogram_Of_All() override { Note("Histogram_Of_All"); }
     void Histogram_Of_Shown() override { Note("Histogram_Of_Shown"); }
     void Histogram_Range_Ask() override { Note("Histogram_Range_Ask"); }
@@ -183,7 +192,7 @@ struct Command_Double : Volume_File_Actions,
     void Report_State() override { Note("Report_State"); }
 
     Command_Parts Parts() {
-        return {*this, *this, *this, *this, *this, *this, *this, *this, *this,
+        return {*this, *this, *this, *this, *this, *this, *this, *this, *this, *this,
                 *this, *this, *this, *this, *this, *this, *this, *this, *this};
     }
 
@@ -195,6 +204,7 @@ struct Command_Double : Volume_File_Actions,
     Tool_Kind tool_now = Tool_Kind::Paint;
     Edit_Scope scope_now = Edit_Scope::Volume;
     Propagation_Kind kind_now = Propagation_Kind::Copy;
+    View_Arrangement arrangement_now = View_Arrangement::One;
     Histogram_Frames frames_now = Histogram_Frames::All;
 
   private:

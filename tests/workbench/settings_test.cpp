@@ -26,7 +26,8 @@ Settings Example() {
     settings.is_light = true;
     settings.is_overlay_shown = false;
     settings.overlay_opacity = 70;
-    settings.is_planes_shown = true;
+    settings.views = {View_Arrangement::Four, 2, true};
+    settings.is_linear = true;
     settings.is_trace_shown = true;
     settings.is_database_shown = true;
     settings.database_view = 2;
@@ -73,7 +74,8 @@ TEST(Settings, text_and_back_changes_nothing) {
     EXPECT_EQ(back.folded, 0b10010U);
     EXPECT_TRUE(back.is_wheel_turned);
     EXPECT_EQ(back.overlay_opacity, 70);
-    EXPECT_TRUE(back.is_planes_shown);
+    EXPECT_EQ(back.views, (Views_Shown{View_Arrangement::Four, 2, true}));
+    EXPECT_TRUE(back.is_linear);
     EXPECT_EQ(back.recent.size(), 2U);
     EXPECT_EQ(back.archives, Example().archives);
 }
@@ -85,7 +87,22 @@ TEST(Settings, nothing_gives_the_defaults) {
     EXPECT_FALSE(Settings_Parse("").is_wheel_turned);
     EXPECT_EQ(Settings_Parse("").window.width, 0);
     EXPECT_EQ(Settings_Parse("").overlay_opacity, 45);
-    EXPECT_FALSE(Settings_Parse("").is_planes_shown);
+    EXPECT_EQ(Settings_Parse("").views, Views_Shown());
+    EXPECT_FALSE(Settings_Parse("").is_linear);
+}
+
+TEST(Settings, three_planes_of_earlier_versions_are_three_views) {
+    EXPECT_EQ(Settings_Parse("three_planes 1\n").views.arrangement, View_Arrangement::Three);
+    EXPECT_EQ(Settings_Parse("three_planes 0\n").views.arrangement, View_Arrangement::One);
+}
+
+TEST(Settings, views_are_known_ones_or_none) {
+    for (const char* const text : {"views 2 0", "views 5 0", "views 3", "views 3 3", "views 3 -1", "views 4 x"}) {
+        int ignored = 0;
+        EXPECT_EQ(Settings_Parse(text, &ignored).views, Views_Shown()) << text;
+        EXPECT_EQ(ignored, 1) << text;
+    }
+    EXPECT_EQ(Settings_Parse("views 1 2\nlinked_views 1\n").views, (Views_Shown{View_Arrangement::One, 2, true}));
 }
 
 TEST(Settings, a_damaged_line_costs_only_itself) {

@@ -11,6 +11,7 @@
 namespace workbench {
 
 enum class Propagation_Kind;
+enum class View_Arrangement;
 
 /** One of the entries that a numbered command has now. */
 struct Numbered_Entry {
@@ -132,9 +133,22 @@ class View_Actions {
     virtual void Overlay_Opacity_Ask() = 0;
     virtual void Range_Overlay_Set(bool on) = 0;
     virtual bool Is_Range_Overlay() const = 0;
-    /** The other two planes of the volume beside its slices. */
-    virtual void Planes_Show(bool shown) = 0;
-    virtual bool Is_Planes() const = 0;
+};
+
+/** Which views of the image there are. */
+class Layout_Actions {
+  public:
+    virtual ~Layout_Actions() = default;
+    virtual void Arrangement_Set(View_Arrangement wanted) = 0;
+    virtual View_Arrangement Arrangement_Now() const = 0;
+    /** Another plane is the large view. */
+    virtual void Large_Plane_Next() = 0;
+    /** Zoom and centre of one view are those of all. */
+    virtual void Views_Link(bool on) = 0;
+    virtual bool Is_Linked() const = 0;
+    /** Grey values run in straight lines from voxel to voxel. */
+    virtual void Linear_Set(bool on) = 0;
+    virtual bool Is_Linear() const = 0;
 };
 
 /** Pictures of what is shown, as files. */
@@ -238,6 +252,9 @@ class Segmentation_Actions {
     virtual void Statistics_Show() = 0;
     virtual void Statistics_Save() = 0;
     virtual void Labels_Compare_Ask() = 0;
+    /** Tints where the labels differ from those that they were compared with last. */
+    virtual void Differences_Show(bool on) = 0;
+    virtual bool Is_Differences() const = 0;
 };
 
 /** Which frames the histogram counts. */
@@ -322,6 +339,7 @@ struct Command_Parts {
     Tool_Actions& tool;
     Color_Actions& color;
     View_Actions& view;
+    Layout_Actions& layout;
     Picture_Actions& picture;
     Cursor_Actions& cursor;
     Propagation_Actions& propagation;

@@ -6,6 +6,7 @@
 #include "workbench/commands/command_table.h"
 #include "workbench/model/session.h"
 #include "workbench/model/view_geometry.h"
+#include "workbench/model/view_places.h"
 
 namespace workbench {
 
@@ -65,6 +66,17 @@ bool Is_Tool(const Parts& of) {
 template <Tool_Kind kind>
 void Tool_Toggle(const Parts& on, int) {
     on.tool.Tool_Choose(Is_Tool<kind>(on) ? Tool_Kind::Paint : kind);
+}
+
+template <View_Arrangement arrangement>
+bool Is_Arrangement(const Parts& of) {
+    return of.layout.Arrangement_Now() == arrangement;
+}
+
+/** Divides the room of the image; what it is divided into already gives way to one view. */
+template <View_Arrangement arrangement>
+void Arrangement_Toggle(const Parts& on, int) {
+    on.layout.Arrangement_Set(Is_Arrangement<arrangement>(on) ? View_Arrangement::One : arrangement);
 }
 
 constexpr Command_Record RECORDS[] = {
@@ -193,9 +205,21 @@ constexpr Command_Record RECORDS[] = {
     Entry(Command::Range_Overlay, "range_overlay", Menu::View, "Threshold o&verlay", {{'v'}},
           [](const Parts& on, int) { on.view.Range_Overlay_Set(!on.view.Is_Range_Overlay()); },
           {.is_checked = [](const Parts& of) { return of.view.Is_Range_Overlay(); }, .is_group_begin = true}),
-    Entry(Command::Planes, "planes", Menu::View, "T&hree planes", {{'y'}},
-          [](const Parts& on, int) { on.view.Planes_Show(!on.view.Is_Planes()); },
-          {.is_checked = [](const Parts& of) { return of.view.Is_Planes(); }, .is_group_begin = true}),
+    Entry(Command::Differences, "differences", Menu::View, "Diff&erences to compared labels", {{Control('G')}},
+          [](const Parts& on, int) { on.segmentation.Differences_Show(!on.segmentation.Is_Differences()); },
+          {.is_checked = [](const Parts& of) { return of.segmentation.Is_Differences(); }}),
+    Entry(Command::Planes, "planes", Menu::View, "T&hree planes", {{'y'}}, &Arrangement_Toggle<View_Arrangement::Three>,
+          {.is_checked = &Is_Arrangement<View_Arrangement::Three>, .is_group_begin = true}),
+    Entry(Command::Four_Views, "four_views", Menu::View, "Four vie&ws with statistics", {{'&'}},
+          &Arrangement_Toggle<View_Arrangement::Four>, {.is_checked = &Is_Arrangement<View_Arrangement::Four>}),
+    Entry(Command::Large_Plane, "large_plane", Menu::View, "Another plane lar&ge", {{'~'}},
+          [](const Parts& on, int) { on.layout.Large_Plane_Next(); }),
+    Entry(Command::Views_Link, "views_link", Menu::View, "Lin&k zoom and centre of views", {{'`'}},
+          [](const Parts& on, int) { on.layout.Views_Link(!on.layout.Is_Linked()); },
+          {.is_checked = [](const Parts& of) { return of.layout.Is_Linked(); }}),
+    Entry(Command::Linear, "linear", Menu::View, "&Smooth image (linear)", {{'^'}},
+          [](const Parts& on, int) { on.layout.Linear_Set(!on.layout.Is_Linear()); },
+          {.is_checked = [](const Parts& of) { return of.layout.Is_Linear(); }}),
     Entry(Command::Focus_Next, "focus_next", Menu::View, "Ne&xt panel by keyboard", {{KEY_TAB}},
           [](const Parts& on, int) { on.focus.Focus_Step(1); }, {.is_group_begin = true}),
     Entry(Command::Focus_Previous, "focus_previous", Menu::View, "Previous panel &by keyboard",

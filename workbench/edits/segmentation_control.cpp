@@ -60,6 +60,10 @@ std::optional<segmentation::Slice_Range> Range_Of(const std::string& text) {
 /** Voxels of a TAG's neighbours in space hang together over corners, too, as people see them. */
 constexpr Neighbours TOGETHER = Neighbours::Corners;
 
+std::string Volume_Unit(Segmentation_Host& host) {
+    return host.Work().Image().is_size_known ? "mm\xC2\xB3" : "voxels";
+}
+
 }  // namespace
 
 bool Segmentation_Control::Has_Volume() {
@@ -161,6 +165,10 @@ void Segmentation_Control::Operate(const std::string& title, const Operation& op
     } catch (const std::bad_alloc&) {
         host.Warn(title + ": there is not enough memory. Nothing has changed.");
     }
+}
+
+std::string Segmentation_Control::Length_Unit() const {
+    return host.Work().Image().is_size_known ? "mm" : "voxels";
 }
 
 void Segmentation_Control::Bands_Apply(bool of_all_tags) {
@@ -265,8 +273,9 @@ void Segmentation_Control::Region_Keep_Largest() {
 }
 
 void Segmentation_Control::Regions_Drop_Small() {
-    if (Has_Tag() && Number_Ask("Drop small regions", "Least volume of a region that stays, mm\xC2\xB3:", least_mm3)) {
-        Operate("Drop regions of " + Name() + " below " + Number_Text(least_mm3) + " mm\xC2\xB3",
+    if (Has_Tag() && Number_Ask("Drop small regions", "Least volume of a region that stays, " + Volume_Unit(host) + ":",
+                                least_mm3)) {
+        Operate("Drop regions of " + Name() + " below " + Number_Text(least_mm3) + " " + Volume_Unit(host),
                 [this, tag = Byte_Of(host.Hand().tag)](const Edit_Input& input) {
                     return segmentation::Regions_Drop_Below(input, tag, least_mm3, TOGETHER);
                 });
@@ -318,8 +327,8 @@ void Segmentation_Control::Holes_Fill(bool in_space) {
 }
 
 void Segmentation_Control::Tag_Smooth() {
-    if (Has_Tag() && Number_Ask("Smooth", "Radius, mm:", smooth_mm)) {
-        Operate("Smooth " + Name() + " by " + Number_Text(smooth_mm) + " mm",
+    if (Has_Tag() && Number_Ask("Smooth", "Radius, " + Length_Unit() + ":", smooth_mm)) {
+        Operate("Smooth " + Name() + " by " + Number_Text(smooth_mm) + " " + Length_Unit(),
                 [this, tag = Byte_Of(host.Hand().tag)](const Edit_Input& input) {
                     return segmentation::Tag_Smooth(input, tag, smooth_mm);
                 });
@@ -328,8 +337,8 @@ void Segmentation_Control::Tag_Smooth() {
 
 void Segmentation_Control::Tag_Resize(int direction) {
     const bool grows = direction > 0;
-    if (Has_Tag() && Number_Ask(grows ? "Grow" : "Shrink", "Distance, mm:", resize_mm)) {
-        Operate((grows ? "Grow " : "Shrink ") + Name() + " by " + Number_Text(resize_mm) + " mm",
+    if (Has_Tag() && Number_Ask(grows ? "Grow" : "Shrink", "Distance, " + Length_Unit() + ":", resize_mm)) {
+        Operate((grows ? "Grow " : "Shrink ") + Name() + " by " + Number_Text(resize_mm) + " " + Length_Unit(),
                 [this, grows, tag = Byte_Of(host.Hand().tag)](const Edit_Input& input) {
                     return grows ? segmentation::Tag_Grow(input, tag, resize_mm)
                                  : segmentation::Tag_Shrink(input, tag, resize_mm);
@@ -469,6 +478,10 @@ std::optional<std::string> Segmentation_Control::Only_Inside_Name() const {
 void Segmentation_Control::Volume_Follow() {
     if (scope == Edit_Scope::Range) {
         scope = Edit_Scope::Volume;  // the slices of another image
+    }
+    if (!host.Work().Has_Volume() || compared.serial != host.Work().Serial()) {
+        compared = {};
+        is_difference = false;
     }
     is_quick = true;
     Labels_Follow();

@@ -43,11 +43,19 @@ class Segmentation_Control : public Segmentation_Actions {
     void Statistics_Show() override;
     void Statistics_Save() override;
     void Labels_Compare_Ask() override;
+    void Differences_Show(bool on) override;
+    bool Is_Differences() const override { return !Compared().empty(); }
 
     /** The slices that are worked on. Only with a volume. */
     segmentation::Slice_Range Slices() const;
     /** The TAG whose voxels alone may change; no value: those of all. */
     std::optional<std::uint8_t> Only_Inside() const { return only_inside; }
+
+    /** Labels of a file, one per voxel as those of the work, while the differences to them are shown; else none. */
+    std::span<const std::uint8_t> Compared() const;
+    /** Makes the histogram that of the TAG whose row stands on a line of the statistics, in the slices that the table
+     *  counts. @param line from 0, whichever */
+    void Statistics_Row(int line);
 
     /** The labels have changed by whatever: the table follows if it is shown and quickly counted. */
     void Labels_Follow();
@@ -74,6 +82,8 @@ class Segmentation_Control : public Segmentation_Actions {
     /** Asks for a number of 0 or more. @param last the answer before, which is offered; receives the answer
      *  @return false: given up, or no such number, which is told */
     bool Number_Ask(const std::string& title, const std::string& question, double& last);
+    /** "mm", or what stands for it where the size of voxels is not known. */
+    std::string Length_Unit() const;
     std::string Name() const { return host.Tag_Name(host.Hand().tag); }
     /** @return no value: given up, or no memory */
     std::optional<std::vector<segmentation::Tag_Numbers>> Numbers_Count();
@@ -92,6 +102,14 @@ class Segmentation_Control : public Segmentation_Actions {
     double least_mm3 = 100.0;
     double smooth_mm = 2.0;
     double resize_mm = 2.0;
+    /** What the labels were compared with last; goes with the volume. */
+    struct Compared_Labels {
+        std::uint64_t serial = 0;  // of the volume
+        std::vector<std::uint8_t> tags;
+    };
+    Compared_Labels compared;
+    bool is_difference = false;
+    std::string table;     // of the TAGs, as it is shown
     bool is_quick = true;  // a change was counted in no time, up to now
 };
 

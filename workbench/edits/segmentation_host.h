@@ -64,6 +64,8 @@ class Segmentation_Host {
     /** Shows the table of the TAGs, or another one in the window that is there. */
     virtual void Statistics_Show(const std::string& title, const std::string& table) = 0;
     virtual bool Is_Statistics_Shown() const = 0;
+    /** Makes a TAG current, and the histogram that of its voxels in these slices. */
+    virtual void Histogram_Of(int tag, const segmentation::Slice_Range& slices) = 0;
     /** Shows a table until it is closed. @return true: it is to be saved */
     virtual bool Table_Show(const std::string& title, const std::string& table) = 0;
     /** One line about what was done. */

@@ -1,5 +1,6 @@
 // Numbers about labels: the table of the TAGs, and how labels agree with those of a file.
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <new>
 #include <set>
@@ -7,6 +8,7 @@
 
 #include "workbench/edits/segmentation_control.h"
 #include "workbench/edits/segmentation_tables.h"
+#include "workbench/model/label_difference.h"
 #include "workbench/model/text_file.h"
 #include "workbench/segmentation/label_comparison.h"
 #include "workbench/volumes/message_text.h"
@@ -26,12 +28,13 @@ segmentation::Statistics_Request Request_Of(const volumes::Volume& volume) {
     return request;
 }
 
-segmentation::Csv_Words Words_Of(const Segmentation_Host& host) {
+segmentation::Csv_Words Words_Of(Segmentation_Host& host) {
     segmentation::Csv_Words words;
     for (int tag = 0; tag < TAG_MAX; ++tag) {
         words.names.push_back(tag == 0 ? "Background" : host.Tag_Name(tag));
     }
     words.grey_unit = host.Grey_Unit();
+    words.is_size_known = host.Work().Image().is_size_known;
     return words;
 }
 
@@ -61,13 +64,14 @@ std::string Segmentation_Control::Statistics_Title() const {
 }
 
 void Segmentation_Control::Statistics_Fill(std::span<const segmentation::Tag_Numbers> numbers) {
-    std::string text = Statistics_Text(numbers, Request_Of(host.Work().Image()), Words_Of(host));
+    table = Statistics_Text(numbers, Request_Of(host.Work().Image()), Words_Of(host));
     const int tag = host.Hand().tag;
     const auto own = std::ranges::find(numbers, tag, &segmentation::Tag_Numbers::tag);
+    table += "\nA double click on a row, or Enter in it, shows the histogram of its TAG.\n";
     if (tag != 0 && own != numbers.end()) {
-        text += '\n' + Areas_Text(*own, Input().grid, Name());
+        table += '\n' + Areas_Text(*own, Input().grid, Name(), host.Work().Image().is_size_known);
     }
-    host.Statistics_Show(Statistics_Title(), text);
+    host.Statistics_Show(Statistics_Title(), table);
 }
 
 void Segmentation_Control::Statistics_Show() {
@@ -77,6 +81,29 @@ void Segmentation_Control::Statistics_Show() {
             Statistics_Fill(*numbers);
         }
     }
+}
+
+void Segmentation_Control::Statistics_Row(int line) {
+    const std::optional<int> tag = Statistics_Row_Tag(table, line);
+    if (tag && host.Work().Has_Volume()) {
+        host.Stroke_End();
+        host.Histogram_Of(*tag, Slices());
+    }
+}
+
+std::span<const std::uint8_t> Segmentation_Control::Compared() const {
+    const bool is_of_volume = host.Work().Has_Volume() && compared.serial == host.Work().Serial();
+    return is_difference && is_of_volume ? std::span<const std::uint8_t>(compared.tags)
+                                         : std::span<const std::uint8_t>();
+}
+
+void Segmentation_Control::Differences_Show(bool on) {
+    if (on && (compared.tags.empty() || !host.Work().Has_Volume())) {
+        return host.Tell("Compare with a label file first: the differences to its labels are shown then");
+    }
+    is_difference = on;
+    host.Preview_Changed();
+    host.Tell(on ? "The differences to the file are shown in place of the TAG colours" : "The TAG colours are shown");
 }
 
 void Segmentation_Control::Labels_Follow() {
@@ -96,6 +123,7 @@ void Segmentation_Control::Labels_Follow() {
             is_quick = false;
         }
     }
+    table.clear();
     host.Statistics_Show(Statistics_Title(), "The labels have changed. Segment, Statistics (Ctrl+T) counts again.\n");
 }
 
@@ -164,6 +192,7 @@ void Segmentation_Control::Labels_Compare_Ask() {
     tags.erase(0);
     std::vector<Tag_Agreement> rows;
     bool is_given_up = false;
+    std::array<std::uint64_t, DIFFERENCE_NB> differences{};
     try {
         Edit_Input input = Input();
         std::vector<std::string> names;
@@ -172,6 +201,10 @@ void Segmentation_Control::Labels_Compare_Ask() {
             names.push_back(host.Tag_Name(tag));
         }
         host.Run("Comparing TAGs", [&](const segmentation::Edit_Progress& progress) {
+            const segmentation::Slice_Range slices = input.Slices();
+            const std::size_t first = static_cast<std::size_t>(slices.first) * input.grid.Slice_Size();
+            const std::size_t size = static_cast<std::size_t>(slices.last - slices.first + 1) * input.grid.Slice_Size();
+            differences = Differences_Count(own.subspan(first, size), std::span(laid).subspan(first, size));
             for (const std::uint8_t tag : tags) {
                 const auto done = static_cast<double>(rows.size());
                 input.progress = [&](double share) {
@@ -191,8 +224,13 @@ void Segmentation_Control::Labels_Compare_Ask() {
     if (is_given_up) {
         return host.Tell("Comparing was given up");
     }
-    if (host.Table_Show("Agreement with the file: " + Slices_Text(), Agreement_Text(rows))) {
-        Csv_Save("Save how the labels agree", "agreement.csv", Agreement_Csv(rows));
+    compared = {host.Work().Serial(), std::move(laid)};
+    is_difference = true;
+    host.Preview_Changed();
+    host.Tell("Differences in " + Slices_Text() + ": " + Differences_Text(differences));
+    const bool is_size_known = host.Work().Image().is_size_known;
+    if (host.Table_Show("Agreement with the file: " + Slices_Text(), Agreement_Text(rows, is_size_known))) {
+        Csv_Save("Save how the labels agree", "agreement.csv", Agreement_Csv(rows, is_size_known));
     }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <system_error>
 #include <utility>
 
 #include "workbench/model/number_text.h"
@@ -64,8 +65,8 @@ std::string Columns_Text(std::span<const std::vector<std::string>> rows, std::si
 std::string Statistics_Text(std::span<const segmentation::Tag_Numbers> rows,
                             const segmentation::Statistics_Request& request, const segmentation::Csv_Words& words) {
     const std::string unit = words.grey_unit.empty() ? "" : " " + words.grey_unit;
-    std::vector<std::vector<std::string>> cells = {
-        {"TAG", "Name", "Voxels", "ml", "Mean" + unit, "SD", "Min", "Median", "Max"}};
+    std::vector<std::vector<std::string>> cells = {{"TAG", "Name", "Voxels", words.is_size_known ? "ml" : "1000 voxels",
+                                                    "Mean" + unit, "SD", "Min", "Median", "Max"}};
     for (const double percent : request.percentiles) {
         cells[0].push_back(Number_Text(percent) + " %");
     }
@@ -89,13 +90,29 @@ std::string Statistics_Text(std::span<const segmentation::Tag_Numbers> rows,
     return Columns_Text(cells, 2);
 }
 
+std::optional<int> Statistics_Row_Tag(std::string_view table, int line) {
+    for (int at = 0; !table.empty(); ++at) {
+        const std::string_view text = table.substr(0, table.find('\n'));
+        table.remove_prefix(std::min(text.size() + 1, table.size()));
+        if (text.empty()) {
+            break;  // what follows are other tables
+        }
+        if (at == line) {
+            int tag = 0;
+            const auto [end, problem] = std::from_chars(text.data(), text.data() + text.size(), tag);
+            return problem == std::errc() ? std::optional(tag) : std::nullopt;
+        }
+    }
+    return std::nullopt;
+}
+
 std::string Areas_Text(const segmentation::Tag_Numbers& numbers, const segmentation::Label_Grid& grid,
-                       const std::string& name) {
+                       const std::string& name, bool is_size_known) {
     double most = 0.0;
     for (int slice = numbers.first_slice; slice <= numbers.last_slice; ++slice) {
         most = std::max(most, segmentation::Slice_Area(numbers, slice, grid));
     }
-    std::vector<std::vector<std::string>> cells = {{"Slice", "mm\xC2\xB2", ""}};
+    std::vector<std::vector<std::string>> cells = {{"Slice", is_size_known ? "mm\xC2\xB2" : "voxels", ""}};
     for (int slice = numbers.first_slice; slice <= numbers.last_slice; ++slice) {
         const double area = segmentation::Slice_Area(numbers, slice, grid);
         const double length = most > 0.0 ? area / most * CURVE : 0.0;
@@ -109,9 +126,11 @@ std::string Areas_Text(const segmentation::Tag_Numbers& numbers, const segmentat
     return "Area of " + name + " in each slice\n\n" + Columns_Text(cells, 0);
 }
 
-std::string Agreement_Text(std::span<const Tag_Agreement> rows) {
-    std::vector<std::vector<std::string>> cells = {
-        {"TAG", "Name", "Voxels", "In the file", "Dice", "Jaccard", "Diff ml", "HD mm", "HD95 mm", "Mean mm"}};
+std::string Agreement_Text(std::span<const Tag_Agreement> rows, bool is_size_known) {
+    const std::string mm = is_size_known ? " mm" : " voxels";
+    std::vector<std::vector<std::string>> cells = {{"TAG", "Name", "Voxels", "In the file", "Dice", "Jaccard",
+                                                    is_size_known ? "Diff ml" : "Diff 1000 voxels", "HD" + mm,
+                                                    "HD95" + mm, "Mean" + mm}};
     for (const Tag_Agreement& row : rows) {
         const segmentation::Label_Agreement& numbers = row.numbers;
         std::vector<std::string> line = {std::to_string(row.tag),
@@ -131,10 +150,11 @@ std::string Agreement_Text(std::span<const Tag_Agreement> rows) {
     return Columns_Text(cells, 2);
 }
 
-std::string Agreement_Csv(std::span<const Tag_Agreement> rows) {
-    std::string text =
-        "TAG,Name,Voxels here,Voxels in the file,Common voxels,Dice,Jaccard,Volume difference (ml),Hausdorff (mm),"
-        "Hausdorff 95 % (mm),Mean surface distance (mm)\n";
+std::string Agreement_Csv(std::span<const Tag_Agreement> rows, bool is_size_known) {
+    const std::string mm = is_size_known ? " (mm)" : " (voxels)";
+    std::string text = "TAG,Name,Voxels here,Voxels in the file,Common voxels,Dice,Jaccard,Volume difference " +
+                       std::string(is_size_known ? "(ml)" : "(1000 voxels)") + ",Hausdorff" + mm + ",Hausdorff 95 %" +
+                       mm + ",Mean surface distance" + mm + '\n';
     for (const Tag_Agreement& row : rows) {
         const segmentation::Label_Agreement& numbers = row.numbers;
         text += std::to_string(row.tag) + ',' + Quoted(row.name) + ',' + std::to_string(numbers.one_nb) + ',' +

@@ -28,12 +28,25 @@ struct Image_Cross {
     bool operator==(const Image_Cross&) const = default;
 };
 
+/** What a colour over the picture means. */
+struct Legend_Entry {
+    std::uint32_t color = 0;  ///< 0x00RRGGBB
+    std::wstring text;
+};
+
 /** Lines that a tool draws over a picture. */
 struct Shown_Path {
     std::vector<Slice_Point> points;  ///< pixels of the picture, their sides at whole numbers
     bool is_closed = false;           ///< a line leads from the last point to the first
-    bool has_knots = false;           ///< the points are marked: they can be taken hold of
+    bool is_dashed = false;           ///< part of it lies in other pictures: this is where it would be in this one
+    std::vector<Slice_Point> knots;   ///< marked: they can be taken hold of
     std::string text;                 ///< beside the last point, UTF-8; may be empty
+};
+
+/** A number that a tool offers to choose while what it does is only seen: a slider in the picture. */
+struct Tool_Slider {
+    double share = 0.0;  ///< where its thumb stands, 0 .. 1
+    std::string text;    ///< what is chosen, UTF-8
 };
 
 /** What a tool is led by. */
@@ -55,8 +68,11 @@ struct Image_Content {
     int slice_nb = 0;
     double pixel_aspect = 1.0;  ///< height of a pixel by its width
     double pixel_mm = 0.0;      ///< width of a pixel in millimetres; 0: not known
+    double pixel_width = 1.0;   ///< the same in the unit of all views of the volume, whatever it is
+    bool is_linear = false;     ///< grey values run in straight lines from pixel to pixel
     std::optional<Image_Cross> cross;
     std::wstring caption;  ///< at the upper left, lines separated by \n
+    std::vector<Legend_Entry> legend;
 };
 
 /** What the view tells its user. Positions are pixels of the slice and may lie outside it while a button is
@@ -73,6 +89,12 @@ class Image_User {
     /** What a press there would touch, relative to the pixel; empty: nothing is drawn. */
     virtual Brush_Footprint Tool_Outline(const Slice_Point& at) const = 0;
     virtual std::vector<Shown_Path> Tool_Paths() const = 0;
+    /** No value: the tool has none in this picture now. */
+    virtual std::optional<Tool_Slider> Slider() const { return std::nullopt; }
+    /** @param share 0 .. 1 */
+    virtual void Slide(double) {}
+    /** What the tool has begun is taken over, or dropped. */
+    virtual void Slider_End(bool) {}
     virtual void Pick(int x, int y) = 0;
     virtual void Hover(int x, int y) = 0;
     virtual void Hover_End() = 0;

@@ -17,6 +17,7 @@ constexpr std::string_view FIRST_LINE = "workbench settings";
 constexpr std::size_t FILE_SIZE_MAX = 1U << 20U;  // bytes; a longer file is none of ours
 constexpr std::size_t PATH_SIZE_MAX = 4096;
 constexpr int COORDINATE_MAX = 100000;
+constexpr std::array<std::string_view, 3> ARRANGEMENT_NAMES = {"1", "3", "4"};  // as in View_Arrangement
 
 std::optional<int> Number_Of(std::string_view text, int least, int most) {
     int value = 0;
@@ -60,6 +61,23 @@ bool Take_Place(std::string_view text, Window_Place& place) {
     place.top = numbers[1];
     place.width = numbers[2];
     place.height = numbers[3];
+    return true;
+}
+
+/** "3 0": how many views, and which plane is the large one. */
+bool Take_Views(std::string_view text, Views_Shown& views) {
+    const std::size_t blank = text.find(' ');
+    if (blank == std::string_view::npos) {
+        return false;
+    }
+    const std::string_view nb = text.substr(0, blank);
+    const std::optional<int> large = Number_Of(text.substr(blank + 1), 0, PLANE_VIEW_NB - 1);
+    const auto found = std::ranges::find(ARRANGEMENT_NAMES, nb);
+    if (!large || found == ARRANGEMENT_NAMES.end()) {
+        return false;
+    }
+    views.arrangement = static_cast<View_Arrangement>(found - ARRANGEMENT_NAMES.begin());
+    views.large = *large;
     return true;
 }
 
@@ -118,8 +136,20 @@ bool Take_Line(std::string_view name, std::string_view value, Settings& settings
     if (name == "tag_opacity") {
         return Take_Number(value, 0, 100, settings.overlay_opacity);
     }
-    if (name == "three_planes") {
-        return Take_Flag(value, settings.is_planes_shown);
+    if (name == "views") {
+        return Take_Views(value, settings.views);
+    }
+    if (name == "linked_views") {
+        return Take_Flag(value, settings.views.is_linked);
+    }
+    if (name == "linear") {
+        return Take_Flag(value, settings.is_linear);
+    }
+    if (name == "three_planes") {  // of versions that had no other views
+        bool is_three = false;
+        const bool is_known = Take_Flag(value, is_three);
+        settings.views.arrangement = is_three ? View_Arrangement::Three : settings.views.arrangement;
+        return is_known;
     }
     if (name == "enlarged_wheel_turned") {
         return Take_Flag(value, settings.is_wheel_turned);
@@ -188,7 +218,10 @@ std::string Settings_Text(const Settings& settings) {
     line("theme", settings.is_light ? "light" : "dark");
     flag("tag_colours", settings.is_overlay_shown);
     line("tag_opacity", std::to_string(settings.overlay_opacity));
-    flag("three_planes", settings.is_planes_shown);
+    line("views", std::string(ARRANGEMENT_NAMES[static_cast<std::size_t>(settings.views.arrangement)]) + " " +
+                      std::to_string(settings.views.large));
+    flag("linked_views", settings.views.is_linked);
+    flag("linear", settings.is_linear);
     flag("trace_view", settings.is_trace_shown);
     flag("database", settings.is_database_shown);
     line("database_view", std::to_string(settings.database_view));

@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+#include "workbench/model/view_places.h"
+
 namespace workbench {
 
 /** A window on the screen, pixels. */
@@ -31,8 +33,9 @@ struct Settings {
     Window_Place statistics_window;  ///< of the table of the TAGs
     bool is_light = false;           ///< theme
     bool is_overlay_shown = true;
-    int overlay_opacity = 45;      ///< per cent of the TAG colours over the image
-    bool is_planes_shown = false;  ///< the other two planes beside the slices
+    int overlay_opacity = 45;  ///< per cent of the TAG colours over the image
+    Views_Shown views;         ///< of the image
+    bool is_linear = false;    ///< grey values run in straight lines from pixel to pixel
     bool is_trace_shown = false;
     bool is_database_shown = false;
     int database_view = 0;              ///< tab

@@ -30,14 +30,16 @@ struct Slice_Source {
     bool color = false;          ///< levels are packed: red in the low byte, then green, then blue
     float slope = 1.0F;          ///< grey = level * slope + intercept
     float intercept = 0.0F;
-    std::span<const std::uint8_t> tags;  ///< width * height, or none
-    bool is_inverted = false;            ///< small greys are bright, large ones dark
+    std::span<const std::uint8_t> tags;           ///< width * height, or none
+    bool is_inverted = false;                     ///< small greys are bright, large ones dark
+    std::span<const std::uint8_t> compared = {};  ///< labels that the TAGs are compared with: as many as TAGs, or none
 };
 
 struct Tag_Overlay {
     std::array<std::uint32_t, TAG_MAX> color{};  ///< 0x00RRGGBB
     Tag_Flags shown{};                           ///< not 0: pixels of the TAG are coloured; the background never is
     int opacity = 45;                            ///< per cent of the TAG colour in the mixture
+    bool is_difference = false;                  ///< in place of TAGs: where they differ from those compared with
 };
 
 /** Tints the pixels whose level lies in a range, both ends included. */
@@ -57,5 +59,20 @@ void Slice_Render(const Slice_Source& source, const Grey_Window& window, const T
  *  pixel become `outside` */
 void Slice_Scale(std::span<const std::uint32_t> slice, const View_Layout& layout, const Pixel_Rect& part,
                  int screen_width, int screen_height, std::uint32_t outside, std::span<std::uint32_t> screen);
+
+/** A part of the screen. */
+struct Screen_Part {
+    Pixel_Rect part;  ///< cut to the screen
+    int width = 0;
+    int height = 0;
+    std::uint32_t outside = 0;        ///< of pixels that show nothing of the slice
+    std::span<std::uint32_t> pixels;  ///< width * height; those outside the part stay
+};
+
+/** Slice_Render and Slice_Scale in one, with grey values (colours: their components) in straight lines from the middle
+ *  of a pixel to those of its four neighbours, and as they are at the outermost middles beyond them. TAG colours and
+ *  ranges keep the sides of the pixels. Nothing is mixed with a pixel without a value: there each shows its own. */
+void Slice_Draw_Linear(const Slice_Source& source, const Grey_Window& window, const Tag_Overlay& overlay,
+                       std::span<const Range_Overlay> ranges, const View_Layout& layout, const Screen_Part& screen);
 
 }  // namespace workbench

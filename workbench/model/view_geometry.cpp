@@ -65,6 +65,7 @@ View_Layout View_Layout_Make(const View_State& state) {
         zoom = std::min(state.view_width / static_cast<double>(std::max(state.slice_width, 1)),
                         state.view_height / (std::max(state.slice_height, 1) * aspect));
         zoom = std::clamp(zoom, ZOOM_MIN / 4.0, ZOOM_MAX);
+        zoom = state.fit_most > 0.0 ? std::min(zoom, state.fit_most) : zoom;
     }
     layout.scale_x = zoom;
     layout.scale_y = zoom * aspect;

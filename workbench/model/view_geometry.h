@@ -41,7 +41,9 @@ struct View_State {
     int slice_height = 1;
     double pixel_aspect = 1.0;  ///< height of a pixel by its width, in millimetres
     double zoom = ZOOM_FIT;     ///< screen pixels per slice pixel in x, or ZOOM_FIT
-    double center_x = 0.5;      ///< share of the slice that stands in the middle of the view
+    double fit_most =
+        0.0;  ///< ZOOM_FIT goes no further: screen pixels per slice pixel in x; 0: as far as there is room
+    double center_x = 0.5;  ///< share of the slice that stands in the middle of the view
     double center_y = 0.5;
 };
 /** A slice smaller than the view is centred; a larger one never leaves a gap at a side of the view. */

@@ -90,6 +90,12 @@ Image_Content Plane_Views::Pane::Content() const {
     content.source.height = geometry.Height();
     content.source.levels = levels;
     content.source.tags = tags;
+    const std::span<const std::uint8_t> others = owner.host.compared();
+    compared.resize(others.empty() ? 0 : geometry.Pixel_Nb());
+    if (!others.empty()) {
+        Plane_Copy(others, geometry, depth, geometry.Whole(), std::span(compared));
+    }
+    content.source.compared = compared;
     content.order.left = geometry.left;
     content.order.right = geometry.right;
     content.order.top = geometry.top;
@@ -105,7 +111,8 @@ Image_Content Plane_Views::Pane::Content() const {
     content.slice = depth;
     content.slice_nb = geometry.Depth_Nb();
     content.pixel_aspect = geometry.pixel_aspect;
-    content.pixel_mm = volume.is_size_known ? volume.spacing[geometry.axes[0].voxel_axis] : 0.0;
+    content.pixel_width = volume.spacing[geometry.axes[0].voxel_axis];
+    content.pixel_mm = volume.is_size_known ? content.pixel_width : 0.0;
     const std::string name = Plane_Name(plane);
     content.caption = std::wstring(name.begin(), name.end()) + L" " + std::to_wstring(depth + 1) + L" / " +
                       std::to_wstring(content.slice_nb);
@@ -139,6 +146,10 @@ Brush_Footprint Plane_Views::Pane::Tool_Outline(const Slice_Point& at) const {
 
 std::vector<Shown_Path> Plane_Views::Pane::Tool_Paths() const {
     return Has_Picture() ? owner.host.tool_paths(Cut()) : std::vector<Shown_Path>();
+}
+
+std::optional<Tool_Slider> Plane_Views::Pane::Slider() const {
+    return Has_Picture() ? owner.host.tool_slider(Cut()) : std::nullopt;
 }
 
 void Plane_Views::Pane::Pick(int x, int y) {

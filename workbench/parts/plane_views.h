@@ -41,6 +41,13 @@ struct Plane_Host {
     std::function<std::vector<Shown_Path>(const Plane_Cut& cut)> tool_paths;
     /** TAGs of a picture with what is seen before it is taken over; what is answered lives until the next call. */
     std::function<std::span<const std::uint8_t>(const Plane_Cut& cut, std::span<const std::uint8_t> tags)> tool_preview;
+    /** Labels that those of the work are compared with, one per voxel; none: they are not. */
+    std::function<std::span<const std::uint8_t>()> compared = [] { return std::span<const std::uint8_t>(); };
+    std::function<std::optional<Tool_Slider>(const Plane_Cut& cut)> tool_slider = [](const Plane_Cut&) {
+        return std::optional<Tool_Slider>();
+    };
+    std::function<void(double share)> tool_slide = [](double) {};
+    std::function<void(bool is_taken)> tool_end = [](bool) {};
     std::function<void()> stroke_end;  ///< the picture becomes another one
     std::function<void(const Shown_Voxel&)> pick;
     /** @param by the view whose pointer it is; @param cut its picture @param at the middle of a pixel of it */
@@ -65,7 +72,10 @@ class Plane_Views {
     void Volume_Look();
     /** The user of a view. @param view 0 or 1 */
     Image_User& User(int view) { return panes[static_cast<std::size_t>(view)]; }
+    const Plane_Geometry& Geometry_Of(int view) const { return panes[static_cast<std::size_t>(view)].geometry; }
     Plane Plane_Of(int view) const { return panes[static_cast<std::size_t>(view)].plane; }
+    /** Of the pictures that the slices themselves are. */
+    std::array<Plane_Geometry::Axis, 3> Slice_Axes() const { return Plane_Geometry_Of_Slices({}, {1, 1, 1}).axes; }
     /** The plane that the slices themselves lie in. */
     Plane Slice_Plane() const { return slice_plane; }
     /** Where the view stands in its plane. */
@@ -89,6 +99,9 @@ class Plane_Views {
         void Tool_Release() override { owner.host.tool_release(); }
         Brush_Footprint Tool_Outline(const Slice_Point& at) const override;
         std::vector<Shown_Path> Tool_Paths() const override;
+        std::optional<Tool_Slider> Slider() const override;
+        void Slide(double share) override { owner.host.tool_slide(share); }
+        void Slider_End(bool is_taken) override { owner.host.tool_end(is_taken); }
         void Pick(int x, int y) override;
         void Hover(int x, int y) override;
         void Hover_End() override { owner.host.hover_end(*this); }
@@ -112,6 +125,7 @@ class Plane_Views {
         // The picture as it was made last; grey levels do not change while a volume is shown.
         mutable std::vector<std::int32_t> levels;
         mutable std::vector<std::uint8_t> tags;
+        mutable std::vector<std::uint8_t> compared;
         mutable std::uint64_t copied_serial = 0;
         mutable std::array<Plane_Geometry::Axis, 3> copied_axes;
         mutable int copied_depth = -1;

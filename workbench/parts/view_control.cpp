@@ -16,6 +16,18 @@ constexpr float DRAG_STEP = 0.05F;  // share of the view that one key moves wind
 
 }  // namespace
 
+void View_Control::Slice_Step(int step) {
+    if (!host.plane_step(step)) {
+        Slice_Go(work.slice + step);
+    }
+}
+
+void View_Control::Slice_To_End(bool is_last) {
+    if (!host.plane_end(is_last)) {
+        Slice_Go(is_last ? work.session.Slice_Nb() - 1 : 0);
+    }
+}
+
 void View_Control::Slice_Show(int wanted) {
     if (!work.session.Has_Volume()) {
         return;
@@ -114,11 +126,6 @@ void View_Control::Overlay_Opacity_Ask() {
 void View_Control::Range_Overlay_Set(bool on) {
     is_range_shown = on;
     work.hub.Note(Change::View);
-}
-
-void View_Control::Planes_Show(bool shown) {
-    host.planes_show(shown);
-    dialogs.Log(std::string("planes ") + (shown ? "shown" : "hidden"));
 }
 
 }  // namespace workbench

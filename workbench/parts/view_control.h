@@ -1,4 +1,4 @@
-/** What of the image is shown, and how: slice, grey window, overlays, planes. No window. */
+/** What of the image is shown, and how: slice, grey window, overlays. No window. */
 #pragma once
 
 #include <functional>
@@ -22,8 +22,11 @@ struct View_Host {
     std::function<void(int volume)> go;    ///< makes a volume the current one
     std::function<void(double factor)> zoom_to;
     std::function<void(int step)> zoom_by;
-    std::function<void(bool shown)> planes_show;
-    std::function<bool()> is_planes;
+    /** Where another plane than that of the slices stands alone: goes by so many of its pictures. @return false: it
+     *  does not */
+    std::function<bool(int step)> plane_step = [](int) { return false; };
+    /** The same, to its first or last picture. */
+    std::function<bool(bool is_last)> plane_end = [](bool) { return false; };
 };
 
 class View_Control : public View_Actions {
@@ -32,8 +35,8 @@ class View_Control : public View_Actions {
     View_Control(Workspace& workspace, Settings& kept, Dialogs& application_dialogs, View_Host application)
         : work(workspace), settings(kept), dialogs(application_dialogs), host(std::move(application)) {}
 
-    void Slice_Step(int step) override { Slice_Go(work.slice + step); }
-    void Slice_To_End(bool is_last) override { Slice_Go(is_last ? work.session.Slice_Nb() - 1 : 0); }
+    void Slice_Step(int step) override;
+    void Slice_To_End(bool is_last) override;
     void Volume_Step(int step) override { host.go(work.volumes.Current() + step); }
     void Zoom_To(double factor) override { host.zoom_to(factor); }
     void Zoom_Step(int step) override { host.zoom_by(step); }
@@ -47,8 +50,6 @@ class View_Control : public View_Actions {
     void Overlay_Opacity_Ask() override;
     void Range_Overlay_Set(bool on) override;
     bool Is_Range_Overlay() const override { return is_range_shown; }
-    void Planes_Show(bool shown) override;
-    bool Is_Planes() const override { return host.is_planes(); }
 
     /** Shows a slice, the nearest one for a number outside; also when it is shown already. */
     void Slice_Show(int wanted);

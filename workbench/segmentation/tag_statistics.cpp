@@ -243,7 +243,7 @@ double Slice_Area(const Tag_Numbers& numbers, int slice, const Label_Grid& grid)
 std::string Statistics_Csv(std::span<const Tag_Numbers> rows, const Statistics_Request& request,
                            const Csv_Words& words) {
     const std::string unit = words.grey_unit.empty() ? "" : " (" + words.grey_unit + ')';
-    std::string text = "TAG,Name,Voxels,Volume (ml)";
+    std::string text = words.is_size_known ? "TAG,Name,Voxels,Volume (ml)" : "TAG,Name,Voxels,Volume (1000 voxels)";
     for (const char* const title : {"Mean", "SD", "Minimum", "Median", "Maximum"}) {
         text += ',' + Quoted(title + unit);
     }
@@ -271,7 +271,8 @@ std::string Areas_Csv(std::span<const Tag_Numbers> rows, const Label_Grid& grid,
     std::string text = "Slice";
     for (const Tag_Numbers& row : rows) {
         const std::string name = Name_Of(words, row.tag);
-        text += ',' + Quoted((name.empty() ? "TAG " + std::to_string(row.tag) : name) + " (mm²)");
+        text += ',' + Quoted((name.empty() ? "TAG " + std::to_string(row.tag) : name) +
+                             (words.is_size_known ? " (mm²)" : " (voxels)"));
     }
     text += '\n';
     for (int z = 0; z < grid.slices; ++z) {

@@ -58,6 +58,7 @@ double Slice_Area(const Tag_Numbers& numbers, int slice, const Label_Grid& grid)
 struct Csv_Words {
     std::vector<std::string> names;  ///< of TAGs by number; what is missing has none
     std::string grey_unit;           ///< "HU"; empty: none
+    bool is_size_known = true;       ///< false: volumes and areas are told in voxels, which they are then
 };
 /** One row per TAG under one row of titles with units; comma, dot, line ends "\n", shortest numbers that read back the
  *  same. Slices count from 1. */

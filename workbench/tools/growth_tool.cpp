@@ -41,6 +41,7 @@ Pixel_Rect Growth_Tool::Press(const Tool_Spot& spot, Tool_Hand) {
         growing.emplace();
         growing->flood.tag = static_cast<std::uint8_t>(host.tag());
         growing->flood.neighbours = settings.Neighbours();
+        growing->axes = spot.cut.geometry.axes;
         growing->begun_at = spot.at.x;
         growing->begun_tolerance = settings.tolerance;
         const Shown_Voxel seed = spot.Voxel();
@@ -94,11 +95,38 @@ void Growth_Tool::Tolerance_Set(double wanted) {
     Tell();
 }
 
-void Growth_Tool::Tell() const {
+std::string Growth_Tool::Text() const {
     const std::uint64_t nb = growing->growth.Voxel_Nb(Levels());
+    return "Growing " + host.tag_name(growing->flood.tag) + " by a tolerance of " + Number_Text(settings.tolerance) +
+           ": " + std::to_string(nb) + (nb == 1 ? " voxel" : " voxels");
+}
+
+void Growth_Tool::Tell() const {
     host.note(Change::View);
-    host.tell("Growing " + host.tag_name(growing->flood.tag) + " by a tolerance of " + Number_Text(settings.tolerance) +
-              ": " + std::to_string(nb) + (nb == 1 ? " voxel" : " voxels") + "; Enter takes it over, Escape drops it");
+    host.tell(Text() + "; Enter takes it over, Escape drops it");
+}
+
+std::optional<Tool_Slider> Growth_Tool::Slider(const Plane_Cut& cut) const {
+    if (!growing || growing->axes != cut.geometry.axes) {
+        return std::nullopt;
+    }
+    const double most = Slider_Most();
+    return Tool_Slider{most > 0.0 ? std::sqrt(std::clamp(Levels() / most, 0.0, 1.0)) : 0.0, Text()};
+}
+
+void Growth_Tool::Slide(double share) {
+    if (!growing) {
+        return;
+    }
+    const double wanted = std::round(share * share * Slider_Most()) * std::abs(host.work().Image().slope);
+    if (wanted != settings.tolerance) {
+        Tolerance_Set(wanted);
+    }
+}
+
+double Growth_Tool::Slider_Most() const {
+    const volumes::Volume& image = host.work().Image();
+    return std::min(static_cast<double>(image.level_max) - image.level_min, static_cast<double>(REACH_MOST) / 2.0);
 }
 
 Pixel_Rect Growth_Tool::Move(const Tool_Spot& spot) {

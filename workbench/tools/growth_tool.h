@@ -1,6 +1,7 @@
 /** Growing a region from a click, shown before it is taken over. */
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -19,7 +20,8 @@ struct Growing_Region {
     std::optional<Picture_Ground> ground;  ///< in a picture; no value: in space
     std::int32_t reach = 0;                ///< levels that the growth knows
     segmentation::Region_Growth growth;
-    double begun_at = 0.0;  ///< the pointer's place across the picture
+    std::array<Plane_Geometry::Axis, 3> axes;  ///< of the picture that was clicked
+    double begun_at = 0.0;                     ///< the pointer's place across the picture
     double begun_tolerance = 0.0;
 };
 
@@ -38,6 +40,9 @@ class Growth_Tool : public Image_Tool {
     bool Accept() override;
     bool Cancel() override;
     bool Step(int step) override;
+    /** In the plane that was clicked in: the tolerance, small ones with more room. */
+    std::optional<Tool_Slider> Slider(const Plane_Cut& cut) const override;
+    void Slide(double share) override;
     void Follow(Changes changes) override;
 
     bool Is_Growing() const { return growing.has_value(); }
@@ -54,7 +59,11 @@ class Growth_Tool : public Image_Tool {
     /** Levels that a growth should know for the tolerance: never more than the image has. */
     std::int32_t Reach_Wanted() const;
     void Tolerance_Set(double wanted);
+    /** Levels at the slider's end. */
+    double Slider_Most() const;
     std::int32_t Levels() const { return Levels_Of_Greys(settings.tolerance, host.work().Image()); }
+    /** "Growing T by a tolerance of 12: 345 voxels". */
+    std::string Text() const;
     void Tell() const;
 
     const Tool_Host& host;

@@ -11,15 +11,47 @@ namespace {
 
 constexpr double POINT_REACH = 2.5;  // pixels within which a press takes hold of a point
 
-/** The place in a picture; no value: it does not lie in it. */
-std::optional<Slice_Point> Seen(const Measured_Point& point, const Plane_Cut& cut) {
+/** A point as the pictures of a plane count it. */
+struct Projected_Point {
+    Slice_Point at;
+    int depth = 0;  ///< the picture that it lies in
+};
+
+Projected_Point Projected(const Measured_Point& point, const Plane_Geometry& geometry) {
     std::array<double, 3> at{};
     for (std::size_t axis = 0; axis < at.size(); ++axis) {
-        const Plane_Geometry::Axis& along = cut.geometry.axes[axis];
+        const Plane_Geometry::Axis& along = geometry.axes[axis];
         const double value = point[along.voxel_axis];
-        at[axis] = along.is_reversed ? cut.geometry.voxel_nb[along.voxel_axis] - value : value;
+        at[axis] = along.is_reversed ? geometry.voxel_nb[along.voxel_axis] - value : value;
     }
-    return static_cast<int>(std::floor(at[2])) == cut.depth ? std::optional(Slice_Point{at[0], at[1]}) : std::nullopt;
+    return {{at[0], at[1]}, static_cast<int>(std::floor(at[2]))};
+}
+
+/** The place in a picture; no value: it does not lie in it. */
+std::optional<Slice_Point> Seen(const Measured_Point& point, const Plane_Cut& cut) {
+    const Projected_Point projected = Projected(point, cut.geometry);
+    return projected.depth == cut.depth ? std::optional(projected.at) : std::nullopt;
+}
+
+/** What a picture shows of a line; no points: it does not reach the picture. */
+Shown_Path Path_In(const std::vector<Measured_Point>& points, const Plane_Cut& cut) {
+    Shown_Path path;
+    int first = cut.depth + 1;
+    int last = cut.depth - 1;
+    for (const Measured_Point& point : points) {
+        const Projected_Point projected = Projected(point, cut.geometry);
+        first = std::min(first, projected.depth);
+        last = std::max(last, projected.depth);
+        path.points.push_back(projected.at);
+        if (projected.depth == cut.depth) {
+            path.knots.push_back(projected.at);
+        }
+    }
+    if (first > cut.depth || last < cut.depth) {
+        return {};
+    }
+    path.is_dashed = path.knots.size() < path.points.size();
+    return path;
 }
 
 std::array<double, 3> Way_Mm(const Measured_Point& from, const Measured_Point& to,
@@ -204,14 +236,8 @@ void Measure_Tool::Paths_Add(const Plane_Cut& cut, std::vector<Shown_Path>& path
         if (!shown.Is_Done() && pointer) {
             shown.points.push_back(*pointer);
         }
-        Shown_Path path;
-        path.has_knots = true;
-        for (const Measured_Point& point : shown.points) {
-            if (const std::optional<Slice_Point> seen = Seen(point, cut)) {
-                path.points.push_back(*seen);
-            }
-        }
-        if (!path.points.empty() && path.points.size() == shown.points.size()) {
+        Shown_Path path = Path_In(shown.points, cut);
+        if (!path.points.empty()) {
             path.text = shown.Is_Done() ? Text_Of(shown) : std::string();
             paths.push_back(path);
         }

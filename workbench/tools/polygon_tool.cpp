@@ -202,10 +202,12 @@ void Polygon_Tool::Paths_Add(const Plane_Cut& cut, std::vector<Shown_Path>& path
     }
     Shown_Path path;
     path.points = drawn->points;
-    path.has_knots = kind == Polygon_Kind::Corners;
+    if (kind == Polygon_Kind::Corners) {
+        path.knots = path.points;
+    }
     paths.push_back(path);
     if (kind == Polygon_Kind::Corners && drawn->pointer && !drawn->dragged) {
-        paths.push_back({{drawn->points.back(), *drawn->pointer}, false, false, {}});
+        paths.push_back({.points = {drawn->points.back(), *drawn->pointer}, .knots = {}, .text = {}});
     }
 }
 

@@ -51,6 +51,10 @@ class Image_Tool {
     virtual bool Step_Back() { return false; }
     /** Larger or smaller, of what is begun. @return false: nothing is */
     virtual bool Step(int) { return false; }
+    /** What is chosen by a slider in this picture; no value: nothing. */
+    virtual std::optional<Tool_Slider> Slider(const Plane_Cut&) const { return std::nullopt; }
+    /** @param share of the slider, 0 .. 1 */
+    virtual void Slide(double) {}
     /** Something has changed that was not its own doing. */
     virtual void Follow(Changes) {}
 

@@ -60,10 +60,17 @@ void Tool_Box::Ball_Set(bool on) {
                      : "The brush paints in the picture alone");
 }
 
+bool Tool_Box::Is_Mm_Known() const {
+    const Session& work = host.work();
+    return !work.Has_Volume() || work.Image().is_size_known;
+}
+
 void Tool_Box::Brush_Mm_Set(bool on) {
     paint.Shape_Set({Is_Ball(), on});
-    Brush_Changed((on ? "The brush reaches " : "The brush reaches ") + std::to_string(Brush_Radius_Of(host.brush())) +
-                  (on ? " mm" : " pixels"));
+    Brush_Changed("The brush reaches " + std::to_string(Brush_Radius_Of(host.brush())) +
+                  (!on             ? " pixels"
+                   : Is_Mm_Known() ? " mm"
+                                   : " voxels: how large these are is not known"));
 }
 
 void Tool_Box::Fill_Changed() {
@@ -131,7 +138,7 @@ std::span<const std::uint8_t> Tool_Box::With_Preview(const Plane_Cut& cut, std::
 }
 
 std::string Tool_Box::Brush_Note() const {
-    return std::string(Is_Brush_Mm() ? ", in mm" : "") + (Is_Ball() ? ", ball" : "") +
+    return std::string(Is_Brush_Mm() && Is_Mm_Known() ? ", in mm" : "") + (Is_Ball() ? ", ball" : "") +
            (Is_Band_Only() ? ", in the band" : "");
 }
 

@@ -59,6 +59,8 @@ class Tool_Box : public Tool_Actions {
     bool Cancel() { return In_Hand().Cancel(); }
     bool Step_Back() { return In_Hand().Step_Back(); }
     bool Step(int step) { return In_Hand().Step(step); }
+    std::optional<Tool_Slider> Slider(const Plane_Cut& cut) const { return In_Hand().Slider(cut); }
+    void Slide(double share) { In_Hand().Slide(share); }
     void Follow(Changes changes);
     /** The TAG of a region that is growing: it is seen though it is hidden. */
     std::optional<std::uint8_t> Preview_Tag() const;
@@ -73,6 +75,8 @@ class Tool_Box : public Tool_Actions {
     Image_Tool& Of(Tool_Kind kind);
     Image_Tool& In_Hand() { return Of(now); }
     const Image_Tool& In_Hand() const { return const_cast<Tool_Box*>(this)->Of(now); }
+    /** The volume tells how large its voxels are. */
+    bool Is_Mm_Known() const;
     /** What fills go by is something else. */
     void Fill_Changed();
     /** The brush is another one. */

@@ -174,6 +174,12 @@ class Workbench:
             self.state()
         return state
 
+    def double_click(self, x, y):
+        self.move(x, y)
+        for is_down in (True, False, True, False):  # the second must follow soon
+            self.screen.button(1, is_down)
+        return self.state()
+
     def find(self, panel, part=None):
         """Waits until it can be seen; returns its place."""
         wanted = f"'{panel}'" + (f", '{part}'" if part else "")

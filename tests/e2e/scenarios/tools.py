@@ -175,3 +175,27 @@ def distances_and_angles_are_true(run):
     app.expect("the right button removes one", lambda s: len(s.measurements) == 2)
     app.menu("Remove all measurements")
     app.expect("the menu removes all", lambda s: not s.measurements)
+
+
+@scenario(is_short=True)
+def a_distance_through_slices_is_dashed(run):
+    """From one slice to another: told in space, drawn dashed in both and between them, and in no other."""
+    image, _ = ct(run)
+    app = run.start(image)
+    app.key("quotedbl")
+    app.click_image(30, 30)
+    app.key(*["Page_Up"] * 6)
+    app.click_image(70, 60)
+    width = app.state().slice_place["width"]
+    mm = ((0.4 * width * SPACING[0]) ** 2 + (0.3 * width * SPACING[1]) ** 2 + (6 * SPACING[2]) ** 2) ** 0.5
+    state = app.expect("the distance is that in space",
+                       lambda s: s.measurements and abs(float(s.measurements[0].split()[0]) - mm) < 0.6)
+    app.key(*["Page_Down"] * 3, "y")
+    state = app.expect("a slice between", slice=state.slice - 3, planes=1)
+    app.move(state.box("tag").left + 5, state.box("tag").top + 5)
+    run.shot("tool_measure_dashed", " - Workbench")
+    image_place = state.places["image"]["place"]
+    drawn = run.screen.sum(image_place)
+    app.menu("Remove all measurements")
+    app.expect("no measurement is left", measurements=[])
+    run.check("it was drawn there", run.screen.sum(image_place) != drawn)

@@ -82,6 +82,10 @@ class Told_Host : public Segmentation_Host {
         table = title + "\n" + text;
     }
     bool Is_Statistics_Shown() const override { return is_statistics_shown; }
+    void Histogram_Of(int tag, const segmentation::Slice_Range& slices) override {
+        told = "histogram of " + std::to_string(tag) + " in " + std::to_string(slices.first) + " to " +
+               std::to_string(slices.last);
+    }
     bool Table_Show(const std::string& title, const std::string& text) override {
         table = title + "\n" + text;
         return csv_answer.has_value();
@@ -467,6 +471,86 @@ TEST_F(With_Label_File, tells_how_labels_agree_with_the_file_and_saves_it) {
     host.warned.clear();
     control.Labels_Compare_Ask();
     EXPECT_NE(host.warned.find("none.nii"), std::string::npos);
+}
+
+TEST_F(With_Label_File, shows_where_labels_differ_from_those_compared_with) {
+    control.Differences_Show(true);
+    EXPECT_EQ(host.told, "Compare with a label file first: the differences to its labels are shown then");
+    EXPECT_FALSE(control.Is_Differences());
+    Set(1, {1, 2, 3}, 1);  // the file: 0, 1, 2, and TAG 6 at 30
+    control.Labels_Compare_Ask();
+    EXPECT_EQ(host.told, "Differences in all 4 slices: 1 voxel only here, 2 only in the file, 0 of another TAG");
+    ASSERT_EQ(control.Compared().size(), SLICE_SIZE * SLICES);
+    const std::span<const std::uint8_t> slice = control.Compared().subspan(SLICE_SIZE, SLICE_SIZE);
+    for (std::size_t at = 0; at < SLICE_SIZE; ++at) {
+        EXPECT_EQ(slice[at], at < 3 ? 1 : at == 30 ? 6 : 0) << at;
+    }
+    const int drawn = host.preview_nb;
+    control.Differences_Show(false);
+    EXPECT_TRUE(control.Compared().empty());
+    EXPECT_EQ(host.preview_nb, drawn + 1);
+    control.Differences_Show(true);
+    EXPECT_TRUE(control.Is_Differences()) << "without another comparison";
+    host.session.Take(Image(), "other.nii");
+    EXPECT_TRUE(control.Compared().empty()) << "they are labels of another volume";
+    control.Volume_Follow();
+    control.Differences_Show(true);
+    EXPECT_FALSE(control.Is_Differences()) << "what the volume was compared with is gone with it";
+}
+
+TEST_F(With_Label_File, a_size_that_is_not_known_is_not_told_in_mm) {
+    volumes::Volume image = Image();
+    image.is_size_known = false;
+    host.session.Take(std::move(image), "image.nii");
+    Set(1, {1, 2, 3}, 1);
+    control.Statistics_Show();
+    EXPECT_EQ(host.table.find("mm"), std::string::npos) << host.table;
+    EXPECT_EQ(host.table.find("ml"), std::string::npos) << host.table;
+    EXPECT_NE(host.table.find("1000 voxels"), std::string::npos);
+    for (const bool is_comparison : {false, true}) {
+        host.csv_answer = folder / "unknown.csv";
+        is_comparison ? control.Labels_Compare_Ask() : control.Statistics_Save();
+        EXPECT_EQ(Text_Of(*host.csv_answer).find("(mm"), std::string::npos);
+        EXPECT_EQ(Text_Of(*host.csv_answer).find("(ml)"), std::string::npos);
+        EXPECT_NE(Text_Of(*host.csv_answer).find("voxels)"), std::string::npos);
+    }
+    EXPECT_EQ(host.table.find("mm"), std::string::npos) << host.table;
+    control.Tag_Smooth();
+    EXPECT_EQ(host.asked.substr(0, host.asked.rfind('|')), "Smooth|Radius, voxels:");
+    control.Tag_Resize(1);
+    EXPECT_EQ(host.asked.substr(0, host.asked.rfind('|')), "Grow|Distance, voxels:");
+    control.Regions_Drop_Small();
+    EXPECT_EQ(host.asked.substr(0, host.asked.rfind('|')),
+              "Drop small regions|Least volume of a region that stays, voxels:");
+}
+
+TEST_F(Segmentation_Control_Test, a_row_of_the_statistics_is_the_histogram_of_its_tag) {
+    Set(1, {1, 2, 3}, 1);
+    Set(2, {7, 8}, 5);
+    host.hand.tag = 5;
+    control.Statistics_Show();
+    const std::string table = host.table.substr(host.table.find('\n') + 1);  // without the title
+    std::vector<std::string> told;
+    const auto lines = static_cast<int>(std::ranges::count(table, '\n'));
+    ASSERT_GT(lines, 8) << "the areas of the TAG follow";
+    for (int line = -1; line <= lines + 1; ++line) {
+        host.told.clear();
+        control.Statistics_Row(line);
+        if (!host.told.empty()) {
+            told.push_back(host.told);
+        }
+    }
+    const bool has_background = table.find("Background") != std::string::npos;
+    std::vector<std::string> expected = {"histogram of 1 in 0 to 3", "histogram of 5 in 0 to 3"};
+    if (has_background) {
+        expected.insert(expected.begin(), "histogram of 0 in 0 to 3");
+    }
+    EXPECT_EQ(told, expected);
+    host.hand.slice = 2;
+    control.Scope_Set(Edit_Scope::Shown_Slice);
+    control.Statistics_Show();
+    control.Statistics_Row(has_background ? 2 : 1);
+    EXPECT_EQ(host.told, "histogram of 5 in 2 to 2") << "in the slices that the table counts";
 }
 
 TEST_F(With_Label_File, labels_that_lie_elsewhere_are_refused) {

@@ -85,6 +85,7 @@ class Plane_Watch : public ::testing::Test {
             }
             return std::span<const std::uint8_t>(seen);
         };
+        host.compared = [this] { return std::span<const std::uint8_t>(compared); };
         host.stroke_end = [this] { ++stroke_ends; };
         host.pick = [this](const Shown_Voxel& voxel) { picked = voxel; };
         host.hover = [this](const Image_User& by, const Plane_Cut& cut, const Slice_Point& at) {
@@ -112,6 +113,7 @@ class Plane_Watch : public ::testing::Test {
     int tool_releases = 0;
     bool is_growing = false;
     std::vector<std::uint8_t> seen;
+    std::vector<std::uint8_t> compared;
     Tool_Hand hand = Tool_Hand::Left;
     std::string sides;
     std::vector<Placed_Marker> markers;
@@ -121,6 +123,25 @@ class Plane_Watch : public ::testing::Test {
     const Image_User* hovered_by = nullptr;
     Plane_Views views{session, Host()};
 };
+
+TEST_F(Plane_Watch, shows_what_labels_are_compared_with_in_its_own_plane) {
+    EXPECT_TRUE(views.User(0).Content().source.compared.empty());
+    compared.resize(std::size_t{NX} * NY * NZ);
+    const Shown_Voxel marked = {5, 2, 3};  // in the coronal picture of the cross-hair, and not in the sagittal one
+    compared[(static_cast<std::size_t>(marked.slice) * NY + marked.y) * NX + marked.x] = 7;
+    for (const int view : {0, 1}) {
+        const Image_Content content = views.User(view).Content();
+        ASSERT_EQ(content.source.compared.size(), content.source.tags.size());
+        const Plane_Pixel at = views.Geometry_Of(view).To_Pixel(marked);
+        EXPECT_EQ(at.depth == content.slice, view == 0);
+        for (std::size_t pixel = 0; pixel < content.source.compared.size(); ++pixel) {
+            const bool is_marked = view == 0 && pixel == static_cast<std::size_t>(at.y * content.source.width + at.x);
+            EXPECT_EQ(content.source.compared[pixel], is_marked ? 7 : 0) << view << " " << pixel;
+        }
+    }
+    compared.clear();
+    EXPECT_TRUE(views.User(0).Content().source.compared.empty());
+}
 
 TEST_F(Plane_Watch, shows_the_planes_that_the_slices_do_not_lie_in) {
     EXPECT_EQ(views.Slice_Plane(), Plane::Axial);

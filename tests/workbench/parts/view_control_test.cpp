@@ -22,15 +22,19 @@ class View_Watch : public ::testing::Test, protected Work_Scene {
         host.go = [this](int volume) { gone.push_back(volume); };
         host.zoom_to = [this](double factor) { zoom = factor; };
         host.zoom_by = [this](int step) { zoom += step; };
-        host.planes_show = [this](bool shown) { is_planes = shown; };
-        host.is_planes = [this] { return is_planes; };
+        host.plane_step = [this](int step) {
+            plane_steps += is_plane_alone ? step : 0;
+            return is_plane_alone;
+        };
+        host.plane_end = host.plane_step;
         return host;
     }
     int strokes_ended = 0;
     std::vector<int> placed;
     std::vector<int> gone;
     double zoom = 0.0;
-    bool is_planes = false;
+    bool is_plane_alone = false;
+    int plane_steps = 0;
     Settings settings;
     View_Control view{work, settings, dialogs, Host()};
 };
@@ -112,15 +116,21 @@ TEST_F(View_Watch, opacity_is_a_share_in_per_cent) {
     EXPECT_EQ(settings.overlay_opacity, 100);
 }
 
-TEST_F(View_Watch, overlays_and_planes_are_shown_and_hidden) {
+TEST_F(View_Watch, overlays_are_shown_and_hidden) {
     view.Overlay_Set(false);
     EXPECT_FALSE(settings.is_overlay_shown);
     EXPECT_FALSE(view.Is_Overlay());
     view.Range_Overlay_Set(true);
     EXPECT_TRUE(view.Is_Range_Overlay());
-    view.Planes_Show(true);
-    EXPECT_TRUE(view.Is_Planes());
-    EXPECT_THAT(dialogs.logged, ElementsAre("planes shown"));
+}
+
+TEST_F(View_Watch, keys_go_through_a_plane_that_stands_alone) {
+    is_plane_alone = true;
+    const int slice = work.slice;
+    view.Slice_Step(3);
+    view.Slice_To_End(true);
+    EXPECT_EQ(plane_steps, 3 + 1);
+    EXPECT_EQ(work.slice, slice);
 }
 
 }  // namespace

@@ -127,6 +127,35 @@ TEST_F(Fill_Test, what_is_told_while_a_region_is_found_does_not_take_it_from_the
     EXPECT_TRUE(growth.Accept());
 }
 
+TEST_F(Fill_Test, a_slider_sets_the_tolerance_in_the_plane_that_was_clicked) {
+    const Plane_Cut cut = app.In_Slice(0, 0, 3).cut;
+    EXPECT_FALSE(growth.Slider(cut)) << "nothing is growing";
+    settings.tolerance = 0.0;
+    Click(growth, app.In_Slice(4.5, 4.5, 3));
+    ASSERT_TRUE(growth.Slider(cut));
+    EXPECT_DOUBLE_EQ(growth.Slider(cut)->share, 0.0);
+    EXPECT_FALSE(growth.Slider(app.Spot(Plane::Coronal, 0, 0, 3).cut));
+    const volumes::Volume& image = app.session.Image();
+    const double most = (image.level_max - image.level_min) * image.slope;
+    ASSERT_GT(most, 0.0);
+    for (const double share : {0.5, 1.0, 0.1, 0.0}) {
+        growth.Slide(share);
+        EXPECT_NEAR(settings.tolerance, share * share * most, image.slope / 2.0) << share;
+        EXPECT_EQ(std::remainder(settings.tolerance, image.slope), 0.0) << "whole levels";
+        EXPECT_NEAR(growth.Slider(cut)->share, std::sqrt(settings.tolerance / most), 1e-9) << share;
+        EXPECT_NE(app.told.find(growth.Slider(cut)->text), std::string::npos) << app.told;
+    }
+    growth.Slide(0.8);
+    const std::vector<std::uint8_t> expected = Flooded(
+        app.In_Slice(4.5, 4.5, 3), Level(app.In_Slice(4.5, 4.5, 3)) - static_cast<int>(settings.tolerance / 2.0),
+        Level(app.In_Slice(4.5, 4.5, 3)) + static_cast<int>(settings.tolerance / 2.0));
+    EXPECT_TRUE(growth.Accept());
+    EXPECT_EQ(app.Tags(), expected);
+    EXPECT_FALSE(growth.Slider(cut));
+    growth.Slide(0.5);
+    EXPECT_FALSE(growth.Is_Growing()) << "there is nothing to slide";
+}
+
 TEST_F(Fill_Test, random_fills_and_growths_in_all_planes_agree_with_a_plain_model) {
     std::mt19937 random(11);
     const auto below = [&random](int most) { return std::uniform_int_distribution<int>(0, most - 1)(random); };

@@ -48,6 +48,35 @@ TEST_F(Measure_Test, two_clicks_measure_a_distance_that_stays_in_its_picture) {
     EXPECT_FALSE(app.session.Has_Unsaved_Work());
 }
 
+TEST_F(Measure_Test, a_line_through_several_pictures_is_dashed_where_it_passes) {
+    Click(app.In_Slice(1.5, 1.5, 1));
+    Click(app.In_Slice(4.5, 3.5, 3));
+    for (int slice = 0; slice < 5; ++slice) {
+        const std::vector<Shown_Path> paths = Paths(app.In_Slice(0, 0, slice).cut);
+        ASSERT_EQ(paths.size(), slice >= 1 && slice <= 3 ? 1U : 0U) << slice;
+        if (paths.empty()) {
+            continue;
+        }
+        EXPECT_TRUE(paths[0].is_dashed);
+        ASSERT_EQ(paths[0].points.size(), 2U) << "its shadow on the picture";
+        EXPECT_EQ(paths[0].points[1].x, 4.5);
+        EXPECT_EQ(paths[0].points[1].y, 3.5);
+        EXPECT_EQ(paths[0].text, tool.Texts()[0]);
+        ASSERT_EQ(paths[0].knots.size(), slice == 2 ? 0U : 1U) << "points are taken hold of where they lie";
+        if (slice != 2) {
+            EXPECT_EQ(paths[0].knots[0].x, slice == 1 ? 1.5 : 4.5);
+        }
+    }
+}
+
+TEST_F(Measure_Test, a_line_within_one_picture_is_not_dashed) {
+    Click(app.In_Slice(1.5, 1.5, 3));
+    Click(app.In_Slice(4.5, 3.5, 3));
+    ASSERT_EQ(Paths(app.In_Slice(0, 0, 3).cut).size(), 1U);
+    EXPECT_FALSE(Paths(app.In_Slice(0, 0, 3).cut)[0].is_dashed);
+    EXPECT_EQ(Paths(app.In_Slice(0, 0, 3).cut)[0].knots.size(), 2U);
+}
+
 TEST_F(Measure_Test, three_clicks_in_another_plane_measure_an_angle) {
     tool.Kind_Set(Measure_Kind::Angle);
     // Across a coronal picture a pixel is 1 mm, down it is 3 mm.
