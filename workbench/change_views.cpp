@@ -25,6 +25,11 @@ void Change_Views::Listen() {
             of.database.Column().Update(told.panel_flags);
         }
     });
+    hub.Listen(Stage::Views, [this](Told_Changes& told) {
+        if (told.changes.Has(Change::Tag_Nb)) {
+            of.panels.Tag_Rows_Show();
+        }
+    });
     hub.Listen(Stage::Views, [this](Told_Changes& told) { Show(told.changes); });
     hub.Listen(Stage::Views, [this](Told_Changes& told) {
         if (told.changes.Has_Any({Change::Volume, Change::Opened})) {
@@ -58,9 +63,6 @@ void Change_Views::Show(Changes changes) {
     show(Shown::Brush_Outline, [this] { of.image.Outline_Refresh(); });
     if (changes.Has_Any({Change::Selection, Change::Volume, Change::Opened})) {
         of.panels.Histogram_Scale_Suggest();
-    }
-    if (changes.Has(Change::Tag_Nb)) {
-        of.panels.Tag_Rows_Show();
     }
     if (changes.Has(Change::Colors)) {
         of.panels.Tag_Scroll_To(of.variables.Tag_Cur());  // the buttons were made anew

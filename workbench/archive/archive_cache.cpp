@@ -34,6 +34,25 @@ bool Is_Own_Name(const std::string& name, bool& is_unfinished) {
     return Is_Identifier(name.substr(0, is_unfinished ? mark : name.find(COPY_MARK)));
 }
 
+/** Whether a folder holds what was fetched and nothing else: labels that were saved beside the images are somebody's
+ *  work. */
+bool Is_All_Fetched(const fs::path& folder) {
+    std::error_code code;
+    for (fs::directory_iterator at(folder, code), end; !code && at != end; at.increment(code)) {
+        std::error_code kind;
+        if (at->is_symlink(kind) || !at->is_regular_file(kind) || at->path().extension() != ".dcm" ||
+            !Is_Identifier(at->path().stem().string())) {
+            return false;
+        }
+    }
+    return !code;
+}
+
+bool Is_Same(const fs::path& left, const fs::path& right) {
+    std::error_code code;
+    return left == right || fs::equivalent(left, right, code);
+}
+
 std::uint64_t Bytes_In(const fs::path& folder) {
     std::uint64_t bytes = 0;
     std::error_code code;
@@ -53,7 +72,8 @@ std::vector<Entry> Entries(const fs::path& root) {
         std::error_code entry_code;
         // A link is followed by nobody: what it leads to is not ours.
         if (at->is_symlink(entry_code) || !at->is_directory(entry_code) ||
-            !Is_Own_Name(at->path().filename().string(), entry.is_unfinished)) {
+            !Is_Own_Name(at->path().filename().string(), entry.is_unfinished) ||
+            (!entry.is_unfinished && !Is_All_Fetched(at->path()))) {
             continue;
         }
         entry.path = at->path();
@@ -123,7 +143,8 @@ std::uint64_t Cache_Trim(const fs::path& root, std::uint64_t most, std::span<con
         for (const Entry& entry : entries) {
             const bool is_left_behind = entry.is_unfinished && now - entry.time > LEFT_BEHIND_AGE;
             const bool is_too_much = !entry.is_unfinished && sum > most;
-            if ((!is_left_behind && !is_too_much) || std::ranges::find(kept, entry.path) != kept.end()) {
+            if ((!is_left_behind && !is_too_much) ||
+                std::ranges::any_of(kept, [&](const fs::path& one) { return Is_Same(one, entry.path); })) {
                 continue;
             }
             std::error_code code;

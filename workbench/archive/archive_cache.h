@@ -34,8 +34,9 @@ class Fetched_Folder {
 };
 
 /** Removes the oldest series until what is left takes no more than `most` bytes, and what a killed program left a day
- *  ago. What cannot be removed, and whatever is not such a folder, stays. Never throws.
- *  @param kept folders that are in use
+ *  ago. What cannot be removed, and whatever is not such a folder, stays; so does a folder with anything beside the
+ *  images, such as labels saved there. Never throws.
+ *  @param kept folders that are in use, by whatever name
  *  @return bytes that are left */
 std::uint64_t Cache_Trim(const std::filesystem::path& root, std::uint64_t most,
                          std::span<const std::filesystem::path> kept) noexcept;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <system_error>
 
 #include "workbench/archive/archive_cache.h"
@@ -68,12 +69,14 @@ std::vector<Archive_Settings> Known(const std::vector<std::string>& lines) {
     return known;
 }
 
-std::vector<std::string> Lines_Of(const std::vector<Archive_Settings>& known) {
+/** @param kept the lines so far: what is not understood in them stays, for people to mend */
+std::vector<std::string> Lines_Of(const std::vector<Archive_Settings>& known, const std::vector<std::string>& kept) {
     std::vector<std::string> lines;
-    lines.reserve(known.size());
     for (const Archive_Settings& one : known) {
         lines.push_back(archive::Archive_Line(one));
     }
+    std::ranges::copy_if(kept, std::back_inserter(lines),
+                         [](const std::string& line) { return !archive::Archive_Of_Line(line); });
     return lines;
 }
 
@@ -130,7 +133,7 @@ std::optional<Archive_Settings> Archive_Control::Settings_Ask(std::optional<std:
         }
         if (way == 2) {
             known.erase(known.begin() + static_cast<std::ptrdiff_t>(*index));
-            host.archives_keep(Lines_Of(known));
+            host.archives_keep(Lines_Of(known, host.archives()));
             return std::nullopt;
         }
         now.name = fields[0].value.empty() ? fields[1].value : fields[0].value;
@@ -149,7 +152,7 @@ std::optional<Archive_Settings> Archive_Control::Settings_Ask(std::optional<std:
         } else {
             (index ? known[*index] : known.emplace_back()) = now;
             last_archive = static_cast<int>(index.value_or(known.size() - 1));
-            host.archives_keep(Lines_Of(known));
+            host.archives_keep(Lines_Of(known, host.archives()));
             return now;
         }
     }
@@ -338,13 +341,12 @@ void Archive_Control::Labels_Send() {
                                {"&Send", "&Cancel"}) != 0) {
         return;
     }
-    std::error_code code;
-    const std::filesystem::path folder = host.cache_folder();
-    std::filesystem::create_directories(folder, code);
-    const std::filesystem::path file = folder / "labels_going_out.dcm";
-    const std::string error = Send(*to, file);
-    std::filesystem::remove(file, code);
-    if (!error.empty()) {
+    // Of its own: other windows of this program may be sending, too. It goes whatever happens.
+    const archive::Fetched_Folder going_out(host.cache_folder(), "0");
+    if (!going_out.Error().empty()) {
+        return dialogs.Warn("The folder for what is sent " + going_out.Error());
+    }
+    if (const std::string error = Send(*to, going_out.Path() / "labels.dcm"); !error.empty()) {
         dialogs.Warn(error);
     }
 }

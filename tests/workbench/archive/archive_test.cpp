@@ -476,6 +476,27 @@ TEST(Archive_Cache, leaves_alone_what_is_not_its_own) {
     EXPECT_TRUE(fs::exists(root.path / "1.8"));
 }
 
+TEST(Archive_Cache, leaves_alone_what_somebody_has_saved_beside_the_images) {
+    const Temporary_Folder root;
+    const fs::path worked_on = Cached(root.path, "1.1", 1000, 500);
+    std::ofstream(worked_on / "head_labels.nii.gz") << "work";
+    fs::last_write_time(worked_on, fs::file_time_type::clock::now() - std::chrono::hours(500));
+    Cache_Trim(root.path, 0, {});
+    EXPECT_THAT(Files_In(root.path), ElementsAre(worked_on));
+    EXPECT_TRUE(fs::exists(worked_on / "1.2.dcm")) << "what the labels lie on";
+}
+
+TEST(Archive_Cache, knows_a_folder_in_use_by_another_name) {
+    const Temporary_Folder root;
+    const fs::path used = Cached(root.path, "1.1", 1000, 500);
+    Cache_Trim(root.path, 0, std::vector<fs::path>{root.path / "nothing" / ".." / "1.1", used / "." / "."});
+    EXPECT_TRUE(fs::exists(used));
+    Cache_Trim(root.path, 0, std::vector<fs::path>{fs::relative(used)});
+    EXPECT_TRUE(fs::exists(used));
+    Cache_Trim(root.path, 0, {});
+    EXPECT_FALSE(fs::exists(used));
+}
+
 TEST(Archive_Cache, removes_what_a_killed_program_left_behind_a_day_ago) {
     const Temporary_Folder root;
     const fs::path old = Cached(root.path, "1.1.fetching-77", 10, 25);

@@ -238,6 +238,14 @@ TEST_F(Archive_Use, leaves_alone_what_cannot_be_a_setting) {
     EXPECT_THAT(dialogs.offered, SizeIs(3));
 }
 
+TEST_F(Archive_Use, keeps_lines_that_are_not_understood_when_another_is_removed) {
+    lines = {"nonsense", archive::Archive_Line(Radiology())};
+    dialogs.ways = {2, 0};
+    forms = {{{}, 2}};
+    archives.Archive_Open();
+    EXPECT_THAT(lines, ElementsAre("nonsense"));
+}
+
 TEST_F(Archive_Use, needs_a_folder_for_what_it_fetches) {
     cache.clear();
     archives.Archive_Open();
@@ -252,6 +260,7 @@ TEST_F(Archive_Use, sends_labels_after_a_question_and_tells_what_became_of_them)
     EXPECT_EQ(asked_of, "Radiology");
     EXPECT_THAT(dialogs.asked.back(), HasSubstr("without encryption"));
     EXPECT_THAT(dialogs.told, ElementsAre(HasSubstr("1 object accepted")));
+    EXPECT_TRUE(std::filesystem::is_empty(cache)) << "what was written for it goes";
     EXPECT_THAT(dialogs.warned, IsEmpty());
 }
 
