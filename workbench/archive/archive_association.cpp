@@ -6,7 +6,6 @@
 #include <tuple>
 
 #include "dcmtk/dcmdata/dcdeftag.h"
-#include "dcmtk/dcmdata/dcistrmb.h"
 #include "dcmtk/dcmdata/dcuid.h"
 #include "dcmtk/dcmnet/assoc.h"
 #include "dcmtk/dcmnet/cond.h"
@@ -14,6 +13,7 @@
 #include "dcmtk/ofstd/ofstd.h"
 #include "workbench/archive/archive_socket.h"
 #include "workbench/volumes/dicom_fields.h"
+#include "workbench/volumes/dicom_stream.h"
 #include "workbench/volumes/message_text.h"
 
 namespace workbench::archive {
@@ -292,16 +292,21 @@ void Archive_Association::Pieces_Receive(DUL_DATAPDV kind, T_ASC_PresentationCon
 
 namespace {
 
+/** Longest value that is read at once: a length that is told makes no room for it before the bytes are there. */
+constexpr Uint32 VALUE_READ_MOST = 4096;
+
 /** @return nothing: not a data set */
 std::unique_ptr<DcmDataset> Parsed(const std::vector<std::uint8_t>& bytes, E_TransferSyntax syntax) {
     auto parsed = std::make_unique<DcmDataset>();
-    DcmInputBufferStream stream;
-    stream.setBuffer(bytes.data(), static_cast<offile_off_t>(bytes.size()));
-    stream.setEos();
+    volumes::Memory_Stream stream(bytes);
     parsed->transferInit();
-    const OFCondition condition = parsed->read(stream, syntax);
+    const OFCondition condition = parsed->read(stream, syntax, EGL_noChange, VALUE_READ_MOST);
     parsed->transferEnd();
-    return condition.good() || condition == EC_EndOfStream ? std::move(parsed) : nullptr;
+    // All of it now: the bytes are gone after this.
+    if ((condition.bad() && condition != EC_EndOfStream) || parsed->loadAllDataIntoMemory().bad()) {
+        return nullptr;
+    }
+    return parsed;
 }
 
 }  // namespace
@@ -329,7 +334,11 @@ std::unique_ptr<DcmDataset> Archive_Association::Receive_Data_Set(const Archive_
     Receive_Content(message, most, [&](std::span<const std::uint8_t> piece) {
         bytes.insert(bytes.end(), piece.begin(), piece.end());
     });
-    std::unique_ptr<DcmDataset> parsed = Parsed(bytes, DcmXfer(Syntax_Of(message.context).c_str()).getXfer());
+    const std::string syntax = Syntax_Of(message.context);
+    std::unique_ptr<DcmDataset> parsed;
+    if (std::ranges::any_of(Plain_Syntaxes(), [&](const char* plain) { return syntax == plain; })) {
+        parsed = Parsed(bytes, DcmXfer(syntax.c_str()).getXfer());
+    }
     if (!parsed) {
         throw Nonsense();
     }

@@ -1,7 +1,6 @@
 #include "workbench/archive/archive_connection.h"
 
 #include <algorithm>
-#include <cerrno>
 
 #include "dcmtk/dcmnet/dcmtrans.h"
 #include "workbench/archive/archive_socket.h"
@@ -27,9 +26,12 @@ class Watched_Connection : public DcmTCPConnection {
     bool is_prepared = false;
 };
 
+/** Most bytes of a message that ends an association. */
+constexpr std::size_t GOODBYE_MOST = 64;
+
 /** The toolkit repeats what was interrupted; nothing that ends here was. */
 ssize_t Ended() {
-    errno = ECONNABORTED;
+    Socket_Ended_Tell();
     return -1;
 }
 
@@ -64,6 +66,9 @@ ssize_t Watched_Connection::write(void* bytes, size_t count) {
     while (went < count && Prepare()) {
         // What says goodbye after the end goes out where it can at once.
         const bool may_wait = watch.May_Go_On();
+        if (!may_wait && count > GOODBYE_MOST) {
+            return Ended();
+        }
         const std::ptrdiff_t step = Socket_Send(getSocket(), from + went, count - went);
         if (step > 0) {
             went += static_cast<std::size_t>(step);

@@ -10,6 +10,8 @@
 #include "workbench/archive/archive_cache.h"
 #include "workbench/archive/archive_client.h"
 #include "workbench/archive/archive_requests.h"
+#include "workbench/volumes/dicom_data_set.h"
+#include "workbench/volumes/dicom_fields.h"
 #include "workbench/volumes/file_operations.h"
 #include "workbench/volumes/message_text.h"
 
@@ -17,7 +19,8 @@ namespace workbench::archive {
 
 namespace {
 
-constexpr std::size_t LIST_MOST = 256U * 1024U;  // bytes of the list of those that failed
+constexpr std::size_t LIST_MOST = 256U * 1024U;           // bytes of the list of those that failed
+constexpr std::size_t FILE_MOST = std::size_t{2} << 30U;  // bytes of an image, as everywhere that files are read
 constexpr int STATUS_OUT_OF_ROOM = 0xA700;
 
 /** Objects with pixels, and those that labels come in. */
@@ -183,6 +186,8 @@ class Retrieval {
   private:
     void Ask();
     void Take(const Archive_Message& message, const std::filesystem::path& into);
+    /** Whether what came is what was asked for. */
+    void Image_Check(const std::filesystem::path& path, const std::string& identifier) const;
     void Answer(const Archive_Message& message, const std::string& sop_class, const std::string& identifier,
                 int status);
     /** @return whether that was the last answer */
@@ -261,9 +266,32 @@ void Retrieval::Take(const Archive_Message& message, const std::filesystem::path
         throw Archive_Failure{{Archive_Fault::Disk, "The images cannot be kept: " + volumes::File_Name_Text(path) +
                                                         " cannot be written: " + file.Error() + "."}};
     }
+    Image_Check(path, identifier);
     received.insert(identifier);
     Progress_Tell(-1);
     Answer(message, sop_class, identifier, STATUS_SUCCESS);
+}
+
+void Retrieval::Image_Check(const std::filesystem::path& path, const std::string& identifier) const {
+    std::string bytes;
+    if (const std::error_code code = volumes::File_Operations_In_Use().read(path, FILE_MOST, bytes)) {
+        throw Archive_Failure{{Archive_Fault::Disk, "The images cannot be kept: " + volumes::File_Name_Text(path) +
+                                                        " cannot be read again: " + code.message() + "."}};
+    }
+    DcmFileFormat file;
+    volumes::Data_Set_Source source;
+    try {
+        volumes::Data_Set_Read({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()}, FILE_MOST, file,
+                               source);
+    } catch (const volumes::Dicom_Refusal& refusal) {
+        throw Refusal(Archive_Fault::Garbled, archive, "sends an image that " + refusal.text + ".");
+    }
+    DcmDataset& image = *file.getDataset();
+    if (volumes::Field_Text(image, DCM_StudyInstanceUID) != series.study ||
+        volumes::Field_Text(image, DCM_SeriesInstanceUID) != series.identifier ||
+        volumes::Field_Text(image, DCM_SOPInstanceUID) != identifier) {
+        throw Refusal(Archive_Fault::Garbled, archive, "sends an image of another series.");
+    }
 }
 
 void Retrieval::Progress_Tell(int remaining) {

@@ -243,6 +243,13 @@ bool Is_Socket_Writable(DcmNativeSocketType socket) {
     return Socket_Wait(socket, true);
 }
 
+void Socket_Ended_Tell() {
+    errno = ECONNABORTED;
+#ifdef _WIN32
+    ::WSASetLastError(WSAECONNABORTED);  // what would have to wait left a mark that asks for a repetition
+#endif
+}
+
 std::ptrdiff_t Socket_Receive(DcmNativeSocketType socket, void* bytes, std::size_t count) {
     const auto got = ::recv(socket, static_cast<char*>(bytes), Bounded(count), 0);
     if (got > 0) {

@@ -33,6 +33,9 @@ bool Is_Socket_Readable(DcmNativeSocketType socket);
 /** Waits for WAIT_SLICE at most. @return whether something can be sent, or the end be seen */
 bool Is_Socket_Writable(DcmNativeSocketType socket);
 
+/** Leaves the mark of an ended connection where the toolkit looks for what went wrong last. */
+void Socket_Ended_Tell();
+
 /** Bytes of one operation; 0: none now; negative: the connection has ended. */
 std::ptrdiff_t Socket_Receive(DcmNativeSocketType socket, void* bytes, std::size_t count);
 std::ptrdiff_t Socket_Send(DcmNativeSocketType socket, const void* bytes, std::size_t count);

@@ -312,7 +312,7 @@ std::string Archive_Control::Send(const Archive_Settings& to, const std::filesys
         sent = operations.send(to, {&file, 1}, progress);
     });
     if (sent.outcome.fault == Archive_Fault::Cancelled) {
-        return "The labels were not sent: given up.";
+        return "Sending was given up; the archive may have the labels already.";
     }
     if (!sent.outcome.Is_Done()) {
         return sent.outcome.error;

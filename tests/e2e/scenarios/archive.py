@@ -39,7 +39,7 @@ class Archive:
         while self.ask("echoscu").returncode != 0:
             if time.monotonic() > end:
                 self.end()
-                raise Skipped("orthanc does not start")
+                raise RuntimeError("orthanc is installed but does not start")
             time.sleep(0.2)
 
     def ask(self, program, *arguments):

@@ -6,6 +6,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "dcmtk/dcmdata/dcdeftag.h"
 #include "dcmtk/dcmdata/dcuid.h"
 #include "dcmtk/oflog/oflog.h"
@@ -180,8 +182,51 @@ void Lying_Archive::Talk::Answer(int status, DcmDataset* content, int completed,
     DIMSE_sendMessageUsingMemoryData(association, context, &message, nullptr, content, nullptr, nullptr);
 }
 
-int Lying_Archive::Talk::Store(const std::string& identifier, const std::string& sop_class) {
+namespace {
+
+void Pieces_Send(T_ASC_Association& association, T_ASC_PresentationContextID context, DUL_DATAPDV kind,
+                 std::vector<unsigned char> bytes) {
+    constexpr std::size_t piece_most = 8192;
+    for (std::size_t at = 0; at < bytes.size(); at += piece_most) {
+        const std::size_t size = std::min(piece_most, bytes.size() - at);
+        DUL_PDV piece = {};
+        piece.fragmentLength = static_cast<unsigned long>(size);
+        piece.presentationContextID = context;
+        piece.pdvType = kind;
+        piece.lastPDV = at + size == bytes.size() ? OFTrue : OFFalse;
+        piece.data = bytes.data() + at;
+        DUL_PDVLIST pieces = {};
+        pieces.count = 1;
+        pieces.pdv = &piece;
+        DUL_WritePDVs(&association.DULassociation, &pieces);
+    }
+}
+
+}  // namespace
+
+void Lying_Archive::Talk::Answer_Raw(std::vector<unsigned char> bytes) {
+    const bool is_get = request.CommandField == DIMSE_C_GET_RQ;
+    const int answered = is_get ? request.msg.CGetRQ.MessageID : request.msg.CFindRQ.MessageID;
+    std::vector<unsigned char> command;
+    const auto append = [&](int element, int value) {
+        for (const int byte : {0, 0, element & 0xFF, element >> 8, 2, 0, 0, 0, value & 0xFF, value >> 8}) {
+            command.push_back(static_cast<unsigned char>(byte));
+        }
+    };
+    append(0x0100, is_get ? DIMSE_C_GET_RSP : DIMSE_C_FIND_RSP);
+    append(0x0120, answered);
+    append(0x0800, DIMSE_DATASET_PRESENT);
+    append(0x0900, 0xFF00);  // there is more to come
+    Pieces_Send(*association, context, DUL_COMMANDPDV, command);
+    Pieces_Send(*association, context, DUL_DATASETPDV, std::move(bytes));
+}
+
+int Lying_Archive::Talk::Store(const std::string& identifier, const Stored_Image& image) {
+    const std::string sop_class = UID_MRImageStorage;
     DcmDataset content;
+    content.putAndInsertString(DCM_StudyInstanceUID, image.study.c_str());
+    content.putAndInsertString(DCM_SeriesInstanceUID, image.series.c_str());
+    content.putAndInsertString(DCM_SOPInstanceUID, (image.identifier.empty() ? identifier : image.identifier).c_str());
     content.putAndInsertString(DCM_SOPClassUID, sop_class.c_str());
     content.putAndInsertString(DCM_PatientName, "Doe");
     T_DIMSE_Message message = {};
@@ -190,8 +235,7 @@ int Lying_Archive::Talk::Store(const std::string& identifier, const std::string&
     message.msg.CStoreRQ.DataSetType = DIMSE_DATASET_PRESENT;
     OFStandard::strlcpy(message.msg.CStoreRQ.AffectedSOPClassUID, sop_class.c_str(), 65);
     OFStandard::strlcpy(message.msg.CStoreRQ.AffectedSOPInstanceUID, identifier.c_str(), 65);
-    const T_ASC_PresentationContextID stored =
-        ASC_findAcceptedPresentationContextID(association, "1.2.840.10008.5.1.4.1.1.4");
+    const T_ASC_PresentationContextID stored = ASC_findAcceptedPresentationContextID(association, UID_MRImageStorage);
     DIMSE_sendMessageUsingMemoryData(association, stored, &message, nullptr, &content, nullptr, nullptr);
     T_DIMSE_Message answer = {};
     T_ASC_PresentationContextID answered = 0;

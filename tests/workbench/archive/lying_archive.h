@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "dcmtk/config/osconfig.h"
 #include "dcmtk/dcmnet/assoc.h"
@@ -32,6 +33,13 @@ class Raw_Peer {
     std::thread thread;
 };
 
+/** What stands in an image; its identifier is the one that it is sent by where none is given. */
+struct Stored_Image {
+    std::string study = "1.2";
+    std::string series = "1.2.3";
+    std::string identifier;
+};
+
 /** Agrees to everything, takes one request with its keys, and then follows its script. */
 class Lying_Archive {
   public:
@@ -41,9 +49,10 @@ class Lying_Archive {
         T_DIMSE_Message request;
         /** Answers a C-FIND or C-GET. @param content may be null */
         void Answer(int status, DcmDataset* content = nullptr, int completed = -1, int failed = -1);
-        /** Sends an image of class and identifier; its content is another one's. @return the other side's status, -1:
-         * none */
-        int Store(const std::string& identifier, const std::string& sop_class = "1.2.840.10008.5.1.4.1.1.4");
+        /** Answers a C-FIND or C-GET: there is more to come, with bytes as they are for a data set. */
+        void Answer_Raw(std::vector<unsigned char> bytes);
+        /** Sends an image by its class and identifier. @return the other side's status, -1: none */
+        int Store(const std::string& identifier, const Stored_Image& image = {});
     };
 
     explicit Lying_Archive(std::function<void(Talk&)> its_script);

@@ -4,15 +4,20 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <filesystem>
+#include <memory>
 #include <random>
 
 #include "dcmtk/dcmdata/dcdatset.h"
 #include "dcmtk/dcmdata/dcdeftag.h"
+#include "dcmtk/dcmnet/dcmtrans.h"
 #include "tests/workbench/archive/archive_server.h"
 #include "tests/workbench/archive/lying_archive.h"
 #include "workbench/archive/archive_client.h"
+#include "workbench/archive/archive_connection.h"
 
 using namespace workbench::archive;
 using testing::HasSubstr;
@@ -40,6 +45,12 @@ Series Wanted(int image_count) {
 
 std::size_t Entry_Count(const fs::path& folder) {
     return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+}
+
+/** Files in a folder and below it. */
+std::ptrdiff_t File_Count(const fs::path& folder) {
+    return std::count_if(fs::recursive_directory_iterator(folder), fs::recursive_directory_iterator(),
+                         [](const fs::directory_entry& entry) { return entry.is_regular_file(); });
 }
 
 /** What a series ends with that a script gives. */
@@ -101,7 +112,9 @@ TEST(Lying_Archive_Test, that_gives_what_it_promised_is_believed) {
 }
 
 TEST(Lying_Archive_Test, that_names_an_image_by_a_path_writes_nowhere) {
-    for (const std::string name : {"../../evil", "..", "/tmp/evil", "1.2.3\\evil"}) {
+    const Temporary_Folder elsewhere;
+    for (const std::string& name : {std::string("../../evil"), std::string("../../../evil"), std::string(".."),
+                                    (elsewhere.path / "evil").string(), std::string("1.2.3\\evil")}) {
         const Temporary_Folder cache;
         const fs::path root = cache.path / "a" / "b";
         const Retrieve_Result result = Retrieved(
@@ -111,8 +124,10 @@ TEST(Lying_Archive_Test, that_names_an_image_by_a_path_writes_nowhere) {
             },
             1, root);
         EXPECT_EQ(result.outcome.fault, Archive_Fault::Garbled) << name;
+        for (const fs::path& folder : {cache.path, elsewhere.path}) {
+            EXPECT_EQ(File_Count(folder), 0) << name;
+        }
         EXPECT_EQ(Entry_Count(root), 0U);
-        EXPECT_EQ(Entry_Count(cache.path), 1U);
     }
 }
 
@@ -127,6 +142,49 @@ TEST(Lying_Archive_Test, that_sends_an_image_twice_is_refused) {
         2, cache.path);
     EXPECT_EQ(result.outcome.fault, Archive_Fault::Garbled);
     EXPECT_EQ(Entry_Count(cache.path), 0U);
+}
+
+TEST(Lying_Archive_Test, that_sends_an_image_of_something_else_is_refused) {
+    const Stored_Image others[] = {{.series = "1.2.4"}, {.study = "1.3"}, {.identifier = "1.2.3.9"}};
+    for (const Stored_Image& other : others) {
+        const Temporary_Folder cache;
+        const Retrieve_Result result = Retrieved(
+            [&](Talk& talk) {
+                talk.Store("1.2.3.1", other);
+                talk.Answer(GET_SUCCESS, nullptr, 1, 0);
+            },
+            1, cache.path);
+        EXPECT_EQ(result.outcome.fault, Archive_Fault::Garbled);
+        EXPECT_THAT(result.outcome.error, HasSubstr("an image of another series"));
+        EXPECT_EQ(Entry_Count(cache.path), 0U);
+    }
+}
+
+/** Bytes of sequences in each other, whose lengths are not told. */
+std::vector<unsigned char> Nested(int levels) {
+    constexpr std::array<unsigned char, 20> level = {0x08, 0,    0x40, 0x11, 'S', 'Q',  0,    0,    0xFF, 0xFF,
+                                                     0xFF, 0xFF, 0xFE, 0xFF, 0,   0xE0, 0xFF, 0xFF, 0xFF, 0xFF};
+    std::vector<unsigned char> bytes;
+    for (int at = 0; at < levels; ++at) {
+        bytes.insert(bytes.end(), level.begin(), level.end());
+    }
+    return bytes;
+}
+
+TEST(Lying_Archive_Test, that_nests_sequences_without_end_is_refused) {
+    const Temporary_Folder cache;
+    const Retrieve_Result result = Retrieved(
+        [](Talk& talk) {
+            talk.Answer_Raw(Nested(12000));
+            talk.Answer(GET_SUCCESS, nullptr, 0, 0);
+        },
+        0, cache.path);
+    EXPECT_EQ(result.outcome.fault, Archive_Fault::Garbled);
+    const Lying_Archive archive([](Talk& talk) {
+        talk.Answer_Raw(Nested(3000));
+        talk.Answer(GET_SUCCESS);
+    });
+    EXPECT_EQ(Studies_Search(archive.Settings(), {}, {}).outcome.fault, Archive_Fault::Garbled);
 }
 
 TEST(Lying_Archive_Test, that_answers_another_question_is_refused) {
@@ -209,6 +267,23 @@ TEST(Lying_Archive_Test, that_takes_a_file_with_a_warning_has_taken_it) {
     const Send_Result result = Files_Send(archive.Settings(), files, {});
     EXPECT_EQ(result.accepted, 1);
     EXPECT_THAT(result.files[0].remark, HasSubstr("with a warning (B000)"));
+}
+
+TEST(Watched_Connection, sends_nothing_but_a_goodbye_once_it_was_given_up) {
+    int ends[2] = {};
+    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
+    Connection_Watch watch([](double) { return false; });
+    watch.Patience_Set(std::chrono::seconds(5), true);
+    Watched_Layer layer(watch);
+    const std::unique_ptr<DcmTransportConnection> connection(layer.createConnection(ends[0], OFFalse));
+    std::array<char, 1000> bytes{};
+    EXPECT_EQ(connection->write(bytes.data(), bytes.size()), -1);
+    EXPECT_EQ(watch.End(), Connection_End::Cancelled);
+    EXPECT_EQ(::recv(ends[1], bytes.data(), bytes.size(), MSG_DONTWAIT), -1) << "nothing came";
+    EXPECT_EQ(connection->write(bytes.data(), 10), 10);
+    EXPECT_EQ(::recv(ends[1], bytes.data(), bytes.size(), MSG_DONTWAIT), 10);
+    connection->close();
+    ::close(ends[1]);
 }
 
 /** @return whether all of it went */

@@ -292,6 +292,10 @@ TEST_F(Archive_Use, tells_why_labels_did_not_arrive) {
     dialogs.ways = {0, 0};
     archives.Labels_Send();
     EXPECT_EQ(dialogs.warned.back(), "The connection was lost.");
+    sent.outcome = {Archive_Fault::Cancelled, "given up"};
+    dialogs.ways = {0, 0};
+    archives.Labels_Send();
+    EXPECT_THAT(dialogs.warned.back(), HasSubstr("the archive may have the labels already"));
     EXPECT_THAT(dialogs.told, IsEmpty());
 }
 
