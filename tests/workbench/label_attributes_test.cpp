@@ -58,8 +58,8 @@ TEST_F(Attributes_Watch, thresholds_are_grey_values_whatever_the_unit) {
     values.Threshold_Max()[2] = 99000.0F;
     labels.Unit_Follow();
     EXPECT_EQ(work.panel_scale, Panel_Scale_Of(work.session.Image()));
-    EXPECT_FLOAT_EQ(labels.Grey_Of(values.Threshold_Min()[1]), 2.5F);
-    EXPECT_FLOAT_EQ(labels.Grey_Of(values.Threshold_Max()[2]), 99.0F);
+    EXPECT_DOUBLE_EQ(labels.Grey_Of(values.Threshold_Min()[1]), 2.5);
+    EXPECT_DOUBLE_EQ(labels.Grey_Of(values.Threshold_Max()[2]), 99.0);
     EXPECT_EQ(values.Threshold_Max()[1], TAG_THRESHOLD_MAX_UNSET);
     EXPECT_EQ(values.Threshold_Min()[2], TAG_THRESHOLD_MIN_UNSET);
 }

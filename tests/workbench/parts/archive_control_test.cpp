@@ -22,7 +22,12 @@ using testing::SizeIs;
 namespace {
 
 Archive_Settings Radiology() {
-    return {.name = "Radiology", .host = "pacs.example", .port = 11112, .called_title = "PACS", .own_title = "ME"};
+    return {.name = "Radiology",
+            .host = "pacs.example",
+            .port = 11112,
+            .called_title = "PACS",
+            .own_title = "ME",
+            .times = {}};
 }
 
 /** What is entered into a form, by the number of a field; and the button. */
