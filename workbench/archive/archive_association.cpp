@@ -120,8 +120,7 @@ void Archive_Association::Request(const std::string& address, std::span<const Pr
     watch.Begin();
     watch.Patience_Set(settings.times.associate, false);
     watch.Room_Set(ROOM_BESIDES);
-    dcmConnectionTimeout.set(static_cast<Sint32>(
-        std::max<std::int64_t>(1, std::chrono::duration_cast<std::chrono::seconds>(settings.times.connect).count())));
+    dcmConnectionTimeout.set(1);  // nobody can end this wait; and the way was just found
     T_ASC_Network* opened = nullptr;
     OFCondition condition = ASC_initializeNetwork(NET_REQUESTOR, 0, DUL_TIMEOUT, &opened);
     network.reset(opened);
@@ -204,6 +203,19 @@ Archive_Failure Archive_Association::Nonsense() const {
                                             "port its DICOM port?");
 }
 
+std::optional<Archive_Failure> Archive_Association::Own_Failure(const OFCondition& condition) const {
+    if (condition.module() == OFM_dcmnet && condition.code() == DULC_TCPINITERROR) {
+        return Fail(Archive_Fault::Not_Reached, Archive_Title(settings) +
+                                                    " was reached, but does not take the connection. It may have too "
+                                                    "many, or be ending. Try again later.");
+    }
+    if (condition == EC_MemoryExhausted || condition == DIMSE_SENDFAILED) {
+        return Fail(Archive_Fault::Refused,
+                    "What was to go to " + Archive_Title(settings) + " could not be sent (" + condition.text() + ").");
+    }
+    return std::nullopt;
+}
+
 Archive_Failure Archive_Association::Failure(const OFCondition& condition) const {
     const std::string title = Archive_Title(settings);
     switch (watch.End()) {
@@ -221,7 +233,7 @@ Archive_Failure Archive_Association::Failure(const OFCondition& condition) const
         case Connection_End::Open:
             if (condition != DUL_PEERABORTEDASSOCIATION && condition != DUL_PEERREQUESTEDRELEASE &&
                 condition != DUL_NETWORKCLOSED) {
-                return Nonsense();
+                return Own_Failure(condition).value_or(Nonsense());
             }
     }
     if (condition == DUL_PEERABORTEDASSOCIATION || condition == DUL_PEERREQUESTEDRELEASE) {

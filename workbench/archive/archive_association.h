@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -90,6 +91,8 @@ class Archive_Association {
     void Request(const std::string& address, std::span<const Proposal> proposals);
     Archive_Failure Rejection() const;
     Archive_Failure Nonsense() const;
+    /** What this side could not do, or what its system says. */
+    std::optional<Archive_Failure> Own_Failure(const OFCondition& condition) const;
     void Pieces_Receive(DUL_DATAPDV kind, T_ASC_PresentationContextID& context, std::uint64_t most,
                         const std::function<void(std::span<const std::uint8_t>)>& sink);
 

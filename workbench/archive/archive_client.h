@@ -87,7 +87,8 @@ struct Retrieve_Result {
 };
 
 struct Retrieve_Limits {
-    std::uint64_t bytes = std::uint64_t{20} << 30U;  ///< of one series
+    std::uint64_t bytes = std::uint64_t{20} << 30U;  ///< of one series; an image counts as 4 KiB at least
+    std::size_t images = 100'000;                    ///< of one series
 };
 
 /** Fetches a series by C-GET into a folder of its own. All files are named by the images' identifiers. A series that

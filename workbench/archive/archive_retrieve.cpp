@@ -21,6 +21,8 @@ namespace {
 
 constexpr std::size_t LIST_MOST = 256U * 1024U;           // bytes of the list of those that failed
 constexpr std::size_t FILE_MOST = std::size_t{2} << 30U;  // bytes of an image, as everywhere that files are read
+constexpr std::uint64_t FILE_LEAST = 4096;                // bytes that a file takes on a disk, however small it is
+constexpr std::size_t PENDING_EACH = 2;                   // answers for an image, at most
 constexpr int STATUS_OUT_OF_ROOM = 0xA700;
 
 /** Objects with pixels, and those that labels come in. */
@@ -176,6 +178,7 @@ class Retrieval {
         : archive(its_archive),
           series(its_series),
           room(limits.bytes),
+          image_most(limits.images),
           watch(progress),
           association(its_archive, watch, Proposals()) {}
 
@@ -198,6 +201,8 @@ class Retrieval {
     const Archive_Settings& archive;
     const Series& series;
     std::uint64_t room;
+    std::size_t image_most;
+    std::size_t pending = 0;  ///< answers that came
     Connection_Watch watch;
     Archive_Association association;
     std::uint16_t number = 0;
@@ -249,7 +254,12 @@ void Retrieval::Take(const Archive_Message& message, const std::filesystem::path
     if (received.contains(identifier)) {
         throw Refusal(Archive_Fault::Garbled, archive, "sends an image twice.");
     }
+    if (received.size() >= image_most) {
+        throw Refusal(Archive_Fault::Garbled, archive,
+                      "sends more than " + volumes::Count_Text(image_most) + " images.");
+    }
     const std::filesystem::path path = into / (identifier + ".dcm");
+    const std::uint64_t room_before = room;
     Received_File file(path);
     file.Write(File_Head(sop_class, identifier, syntax));
     association.Receive_Content(message, room, [&](std::span<const std::uint8_t> piece) {
@@ -260,6 +270,7 @@ void Retrieval::Take(const Archive_Message& message, const std::filesystem::path
                                                             " cannot be written: " + file.Error() + "."}};
         }
     });
+    room = std::min(room, room_before - std::min(room_before, FILE_LEAST));
     file.Close();
     if (!file.Error().empty()) {
         Answer(message, sop_class, identifier, STATUS_OUT_OF_ROOM);
@@ -313,7 +324,13 @@ bool Retrieval::Note(const Archive_Message& message) {
     failed = std::max(failed, message.Number(DCM_NumberOfFailedSuboperations));
     completed = std::max(completed, message.Number(DCM_NumberOfCompletedSuboperations));
     warned = std::max(warned, message.Number(DCM_NumberOfWarningSuboperations));
-    return !Is_Pending(message.Number(DCM_Status));
+    if (!Is_Pending(message.Number(DCM_Status))) {
+        return true;
+    }
+    if (++pending > PENDING_EACH * image_most) {
+        throw Refusal(Archive_Fault::Garbled, archive, "answers without end.");
+    }
+    return false;
 }
 
 void Retrieval::Check(const Archive_Message& last) const {
@@ -333,6 +350,13 @@ void Retrieval::Check(const Archive_Message& last) const {
                       "sent " + volumes::Count_Text(static_cast<std::uint64_t>(came)) + " of " +
                           volumes::Count_Text(static_cast<std::uint64_t>(promised)) + " images" +
                           (status == STATUS_SUCCESS ? "." : ": " + Status_Text(last) + "."));
+    }
+    const int last_completed = last.Number(DCM_NumberOfCompletedSuboperations);
+    const int last_claimed = last_completed + std::max(0, last.Number(DCM_NumberOfWarningSuboperations));
+    if (status == STATUS_SUCCESS && last_completed >= 0 && last_claimed != came) {
+        throw Refusal(Archive_Fault::Incomplete, archive,
+                      "counts " + volumes::Count_Text(static_cast<std::uint64_t>(last_claimed)) + " images, but " +
+                          volumes::Count_Text(static_cast<std::uint64_t>(came)) + " came.");
     }
     if (status != STATUS_SUCCESS || failed > 0) {
         throw Refusal(Archive_Fault::Incomplete, archive,

@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <fcntl.h>
 #include <netinet/in.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -20,6 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr int START_NB = 3;
 constexpr const char* PROGRAM = "/usr/sbin/Orthanc";
 
 void Text_Write(const fs::path& file, const std::string& text) {
@@ -44,7 +46,16 @@ bool Archive_Server::Is_Installed() {
     return ::access(PROGRAM, X_OK) == 0;
 }
 
-Archive_Server::Archive_Server() : port(Free_Port()) {
+Archive_Server::Archive_Server() {
+    // Somebody else may take the port before the archive does; it ends then.
+    for (int attempt = 0; attempt < START_NB && !is_ready; ++attempt) {
+        Kill();
+        Start();
+    }
+}
+
+void Archive_Server::Start() {
+    port = Free_Port();
     const std::string place = folder.path.string();
     Text_Write(folder.path / "archive.json",
                "{\"StorageDirectory\": \"" + place + "/images\", \"IndexDirectory\": \"" + place +
@@ -54,8 +65,12 @@ Archive_Server::Archive_Server() : port(Free_Port()) {
                    ", \"DicomAlwaysAllowEcho\": true, \"DicomAlwaysAllowStore\": true, \"DicomAlwaysAllowFind\": true, "
                    "\"DicomAlwaysAllowGet\": true, \"RemoteAccessAllowed\": false, \"DefaultEncoding\": \"Utf8\"}");
     const std::string configuration = place + "/archive.json";
+    const pid_t own = ::getpid();
     process = ::fork();
     if (process == 0) {
+        if (::prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || ::getppid() != own) {
+            ::_exit(127);
+        }
         ::setenv("TCP_NODELAY", "1", 1);
         const int nothing = ::open("/dev/null", O_RDWR);
         ::dup2(nothing, 0);
@@ -66,6 +81,10 @@ Archive_Server::Archive_Server() : port(Free_Port()) {
     }
     for (int attempt = 0; process > 0 && attempt < 300 && !is_ready; ++attempt) {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        if (::waitpid(process, nullptr, WNOHANG) != 0) {
+            process = 0;  // ended by itself
+            return;
+        }
         is_ready = Archive_Test(Settings(), {}).Is_Done();
     }
 }

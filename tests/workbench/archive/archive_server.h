@@ -18,7 +18,7 @@ class Archive_Server {
     static constexpr const char* TITLE = "ARCHIVE";
     static bool Is_Installed();
 
-    /** Started, and ready. */
+    /** Started, and ready; ends with the test whatever becomes of it. */
     Archive_Server();
     /** Killed at once: what it stored goes, too. */
     ~Archive_Server();
@@ -33,6 +33,8 @@ class Archive_Server {
     void Kill();
 
   private:
+    void Start();
+
     Temporary_Folder folder;
     int port = 0;
     pid_t process = 0;

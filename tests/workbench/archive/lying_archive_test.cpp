@@ -1,6 +1,8 @@
 // Archives that do wrong, by design or because they are none.
+#include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -54,9 +56,10 @@ std::ptrdiff_t File_Count(const fs::path& folder) {
 }
 
 /** What a series ends with that a script gives. */
-Retrieve_Result Retrieved(const std::function<void(Talk&)>& script, int promised, const fs::path& cache) {
+Retrieve_Result Retrieved(const std::function<void(Talk&)>& script, int promised, const fs::path& cache,
+                          const Retrieve_Limits& limits = {}) {
     const Lying_Archive archive(script);
-    return Series_Retrieve(archive.Settings(), Wanted(promised), cache, {});
+    return Series_Retrieve(archive.Settings(), Wanted(promised), cache, {}, limits);
 }
 
 TEST(Lying_Archive_Test, whose_status_is_success_although_an_image_is_missing_is_told) {
@@ -70,6 +73,49 @@ TEST(Lying_Archive_Test, whose_status_is_success_although_an_image_is_missing_is
     EXPECT_EQ(result.outcome.fault, Archive_Fault::Incomplete);
     EXPECT_THAT(result.outcome.error, HasSubstr("1 of 2 images"));
     EXPECT_EQ(Entry_Count(result.folder), 1U);
+}
+
+TEST(Lying_Archive_Test, that_counts_fewer_images_than_came_is_told) {
+    const Temporary_Folder cache;
+    const Retrieve_Result result = Retrieved(
+        [](Talk& talk) {
+            talk.Store("1.2.3.1");
+            talk.Store("1.2.3.2");
+            talk.Answer(GET_SUCCESS, nullptr, 1, 0);
+        },
+        2, cache.path);
+    EXPECT_EQ(result.outcome.fault, Archive_Fault::Incomplete);
+    EXPECT_THAT(result.outcome.error, HasSubstr("counts 1 images, but 2 came"));
+    EXPECT_EQ(result.image_count, 2);
+}
+
+TEST(Lying_Archive_Test, that_sends_more_images_than_a_series_has_is_refused) {
+    const auto script = [](Talk& talk) {
+        for (const std::string end : {"1", "2", "3"}) {
+            talk.Store("1.2.3." + end);
+        }
+        talk.Answer(GET_SUCCESS, nullptr, 3, 0);
+    };
+    const Temporary_Folder cache;
+    const Retrieve_Result result = Retrieved(script, -1, cache.path, {.images = 2});
+    EXPECT_EQ(result.outcome.fault, Archive_Fault::Garbled);
+    EXPECT_THAT(result.outcome.error, HasSubstr("more than 2 images"));
+    EXPECT_EQ(Retrieved(script, -1, cache.path, {.images = 3}).outcome.error, "");
+    EXPECT_EQ(Retrieved(script, -1, cache.path, {.bytes = 8192}).outcome.fault, Archive_Fault::Garbled)
+        << "small ones take room, too";
+}
+
+TEST(Lying_Archive_Test, that_answers_without_end_and_without_images_is_refused) {
+    const Temporary_Folder cache;
+    const Retrieve_Result result = Retrieved(
+        [](Talk& talk) {
+            for (int at = 0; at < 7; ++at) {
+                talk.Answer(GET_PENDING, nullptr, 0, 0);
+            }
+            talk.Answer(CANNOT_PROCESS, nullptr, 0, 0);
+        },
+        -1, cache.path, {.images = 3});
+    EXPECT_EQ(result.outcome.fault, Archive_Fault::Garbled) << result.outcome.error;
 }
 
 TEST(Lying_Archive_Test, that_counts_failures_beside_success_is_told) {
@@ -306,6 +352,27 @@ void Drain(int socket) {
     char bytes[4096];
     while (::recv(socket, bytes, sizeof bytes, 0) > 0) {
     }
+}
+
+TEST(Raw_Peer_Test, that_takes_no_second_connection_is_not_reached_soon) {
+    // One that nobody takes: the system answers the first connection, and leaves the second one waiting.
+    const int listening = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    ASSERT_EQ(::bind(listening, reinterpret_cast<const sockaddr*>(&address), size), 0);
+    ASSERT_EQ(::getsockname(listening, reinterpret_cast<sockaddr*>(&address), &size), 0);
+    ASSERT_EQ(::listen(listening, 0), 0);
+    Archive_Settings settings;
+    settings.host = "127.0.0.1";
+    settings.port = ntohs(address.sin_port);
+    settings.called_title = "ANY";
+    const auto begin = Clock::now();
+    const Archive_Outcome outcome = Archive_Test(settings, {});
+    EXPECT_EQ(outcome.fault, Archive_Fault::Not_Reached) << outcome.error;
+    EXPECT_LT(Clock::now() - begin, std::chrono::seconds(4));
+    ::close(listening);
 }
 
 TEST(Raw_Peer_Test, that_does_not_know_the_own_title_is_told) {
