@@ -106,6 +106,9 @@ std::string Archive_Association::Reach() {
             throw Fail(
                 Archive_Fault::Nothing_Listens,
                 title + " is not there: nothing listens at that port. Is the archive running, and the port right?");
+        case Reach_Fault::No_Way:
+            throw Fail(Archive_Fault::Not_Reached,
+                       title + " cannot be reached: there is no way to it. Is this computer connected to its network?");
         case Reach_Fault::Too_Slow:
             throw Fail(Archive_Fault::Not_Reached, title + " does not answer within " +
                                                        Seconds_Text(settings.times.connect) +

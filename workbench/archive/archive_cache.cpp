@@ -5,6 +5,7 @@
 #include <random>
 #include <string_view>
 #include <system_error>
+#include <thread>
 #include <vector>
 
 #include "workbench/archive/archive_settings.h"
@@ -16,6 +17,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int NAME_NB = 1000;  // tried
+// On Windows a folder cannot be renamed while a virus scanner reads one of the new files.
+constexpr int BUSY_NB = 20;
+constexpr std::chrono::milliseconds BUSY_PAUSE{100};
 constexpr std::string_view UNFINISHED = ".fetching-";
 constexpr char COPY_MARK = '-';
 constexpr std::chrono::hours LEFT_BEHIND_AGE{24};
@@ -113,9 +117,11 @@ Fetched_Folder::~Fetched_Folder() {
 
 fs::path Fetched_Folder::Keep() {
     std::error_code code;
-    for (int copy = 1; copy < NAME_NB; ++copy) {
+    int busy = 0;
+    for (int copy = 1; copy < NAME_NB;) {
         fs::path name = root / (copy == 1 ? series : series + COPY_MARK + std::to_string(copy));
         if (fs::exists(fs::symlink_status(name, code))) {
+            ++copy;
             continue;
         }
         fs::rename(path, name, code);
@@ -123,9 +129,14 @@ fs::path Fetched_Folder::Keep() {
             path.clear();
             return name;
         }
+        if (code == std::errc::permission_denied && ++busy < BUSY_NB) {
+            std::this_thread::sleep_for(BUSY_PAUSE);
+            continue;
+        }
         if (code != std::errc::file_exists && code != std::errc::directory_not_empty) {
             break;
         }
+        ++copy;
     }
     error = "cannot be given its name: " + (code ? code.message() : std::string("too many of that name"));
     return {};

@@ -31,6 +31,11 @@ using Clock = std::chrono::steady_clock;
 #ifdef _WIN32
 constexpr DcmNativeSocketType NO_SOCKET = INVALID_SOCKET;
 constexpr int SEND_OPTIONS = 0;
+constexpr int REFUSED = WSAECONNREFUSED;
+
+int Last_Code() {
+    return ::WSAGetLastError();
+}
 
 void Socket_Close(DcmNativeSocketType socket) {
     ::closesocket(socket);
@@ -56,6 +61,11 @@ int Set_Width(DcmNativeSocketType) {
 #else
 constexpr DcmNativeSocketType NO_SOCKET = -1;
 constexpr int SEND_OPTIONS = MSG_NOSIGNAL;  // an ended connection is an error, not a signal
+constexpr int REFUSED = ECONNREFUSED;
+
+int Last_Code() {
+    return errno;
+}
 
 void Socket_Close(DcmNativeSocketType socket) {
     ::close(socket);
@@ -171,16 +181,21 @@ std::vector<sockaddr_in> Host_Find(const std::string& host, Clock::time_point un
     return lookup->addresses;
 }
 
+/** Only a host that refuses says that nothing listens there. */
+Reach_Fault Fault_Of(int code) {
+    return code == REFUSED ? Reach_Fault::Nothing_Listens : Reach_Fault::No_Way;
+}
+
 Reach_Fault Address_Try(sockaddr_in address, int port, Clock::time_point until,
                         const std::function<bool()>& may_go_on) {
     address.sin_port = htons(static_cast<std::uint16_t>(port));
     const Socket_Owner socket(::socket(AF_INET, SOCK_STREAM, 0));
     if (socket.Get() == NO_SOCKET || !Fits_Set(socket.Get()) || !Socket_Unblock(socket.Get())) {
-        return Reach_Fault::Too_Slow;
+        return Reach_Fault::No_Way;
     }
     if (::connect(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
         if (!Is_To_Be_Repeated()) {
-            return Reach_Fault::Nothing_Listens;
+            return Fault_Of(Last_Code());
         }
         while (!Socket_Wait(socket.Get(), true)) {
             if (!may_go_on()) {
@@ -193,10 +208,10 @@ Reach_Fault Address_Try(sockaddr_in address, int port, Clock::time_point until,
     }
     int code = 0;
     Address_Size size = sizeof code;
-    if (::getsockopt(socket.Get(), SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&code), &size) != 0 || code != 0) {
-        return Reach_Fault::Nothing_Listens;
+    if (::getsockopt(socket.Get(), SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&code), &size) != 0) {
+        return Reach_Fault::No_Way;
     }
-    return Reach_Fault::None;
+    return code == 0 ? Reach_Fault::None : Fault_Of(code);
 }
 
 std::string Address_Text(const sockaddr_in& address) {

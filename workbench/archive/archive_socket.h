@@ -11,7 +11,7 @@
 
 namespace workbench::archive {
 
-enum class Reach_Fault { None, Unknown_Host, Nothing_Listens, Too_Slow, Cancelled };
+enum class Reach_Fault { None, Unknown_Host, Nothing_Listens, No_Way, Too_Slow, Cancelled };
 
 struct Reached {
     Reach_Fault fault = Reach_Fault::None;

@@ -404,6 +404,16 @@ TEST(Archive_Address, at_which_nothing_listens_is_told) {
     EXPECT_THAT(outcome.error, HasSubstr("nothing listens"));
 }
 
+TEST(Archive_Address, to_which_there_is_no_way_is_told) {
+    Archive_Settings settings;
+    settings.host = "255.255.255.255";  // of all, so of nobody
+    settings.port = 104;
+    settings.called_title = "ANY";
+    const Archive_Outcome outcome = Archive_Test(settings, {});
+    EXPECT_EQ(outcome.fault, Archive_Fault::Not_Reached);
+    EXPECT_THAT(outcome.error, HasSubstr("no way to it"));
+}
+
 TEST(Archive_Address, that_does_not_exist_is_told) {
     Archive_Settings settings;
     settings.host = "no-such-host.invalid";
