@@ -72,9 +72,7 @@ std::vector<Archive_Settings> Known(const std::vector<std::string>& lines) {
 /** @param kept the lines so far: what is not understood in them stays, for people to mend */
 std::vector<std::string> Lines_Of(const std::vector<Archive_Settings>& known, const std::vector<std::string>& kept) {
     std::vector<std::string> lines;
-    for (const Archive_Settings& one : known) {
-        lines.push_back(archive::Archive_Line(one));
-    }
+    std::ranges::transform(known, std::back_inserter(lines), archive::Archive_Line);
     std::ranges::copy_if(kept, std::back_inserter(lines),
                          [](const std::string& line) { return !archive::Archive_Of_Line(line); });
     return lines;

@@ -118,7 +118,7 @@ std::string Field_Person(DcmItem& item, const DcmTagKey& tag) {
 
 std::string Field_Date(DcmItem& item, const DcmTagKey& tag) {
     constexpr std::size_t digit_nb = 8;
-    const std::string written = Field_Text(item, tag);
+    std::string written = Field_Text(item, tag);
     std::string digits = written;
     std::erase(digits, '.');  // as in files of the eighties
     const auto is_digit = [](char letter) { return letter >= '0' && letter <= '9'; };
