@@ -217,7 +217,7 @@ constexpr Command_Record RECORDS[] = {
     Entry(Command::Views_Link, "views_link", Menu::View, "Lin&k zoom and centre of views", {{'`'}},
           [](const Parts& on, int) { on.layout.Views_Link(!on.layout.Is_Linked()); },
           {.is_checked = [](const Parts& of) { return of.layout.Is_Linked(); }}),
-    Entry(Command::Linear, "linear", Menu::View, "&Smooth image (linear)", {{'^'}},
+    Entry(Command::Linear, "linear", Menu::View, "&Show image interpolated (linear)", {{'^'}},
           [](const Parts& on, int) { on.layout.Linear_Set(!on.layout.Is_Linear()); },
           {.is_checked = [](const Parts& of) { return of.layout.Is_Linear(); }}),
     Entry(Command::Focus_Next, "focus_next", Menu::View, "Ne&xt panel by keyboard", {{KEY_TAB}},
