@@ -66,7 +66,7 @@ void Image_Area::Arrange(const Views_Shown& wanted) {
         slices.Cursor_Set(false);
     }
     for (int view = 0; view < PLANE_VIEW_NB; ++view) {
-        Image_View& of = *All()[static_cast<std::size_t>(view)];
+        Image_View& of = View(view);
         of.Show(shown.Has(view));
         if (was_linked && !shown.is_linked) {
             View_State own = of.State();

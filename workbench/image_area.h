@@ -36,7 +36,7 @@ class Image_Area {
     void Wheel(HWND under, int delta, bool is_zoom, POINT screen);
 
     /** The view that keys scroll and zoom: that of the slices, or the one that stands alone. */
-    Image_View& Led() { return *All()[static_cast<std::size_t>(Is_Planes() ? SLICES_VIEW : shown.large)]; }
+    Image_View& Led() { return View(Is_Planes() ? SLICES_VIEW : shown.large); }
     /** The mark of what the keyboard acts on. */
     void Focus_Set(bool on);
 
@@ -53,6 +53,7 @@ class Image_Area {
     HWND Handle() const { return slices.Handle(); }
 
   private:
+    Image_View& View(int view) { return view == SLICES_VIEW ? slices : others[static_cast<std::size_t>(view - 1)]; }
     std::array<Image_View*, PLANE_VIEW_NB> All() { return {&slices, &others[0], &others[1]}; }
     /** As far as views go along with one another. */
     Linked_View Linked_Of(int view) const;

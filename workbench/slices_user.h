@@ -41,7 +41,7 @@ struct Slices_Parts {
 /** Answers the view of the slices, and the other planes through Plane_Services. */
 class Slices_User : public Image_User {
   public:
-    explicit Slices_User(Slices_Parts parts) : of(parts) {}
+    explicit Slices_User(const Slices_Parts& parts) : of(parts) {}
 
     Image_Content Content() const override { return Content_Of(of.work.slice); }
     void Slice_Go(int slice) override;

@@ -94,8 +94,8 @@ Plane_Geometry Plane_Geometry_Of_Slices(const std::array<int, 3>& voxel_nb, cons
 Plane Plane_Of_Slices(const Patient_Axes& axes);
 const char* Plane_Name(Plane plane);
 
-/** Makes a part of a picture. @param voxels one time point, with an index operator @param depth inside @param part cut
- * to the picture
+/** Makes a part of a picture. @param voxels one time point, with an index operator @param depth inside
+ *  @param part cut to the picture
  *  @param picture Pixel_Nb() values, rows from the top; those outside the part stay */
 template <class Voxels, class Value>
 void Plane_Copy(const Voxels& voxels, const Plane_Geometry& geometry, int depth, const Pixel_Rect& part,

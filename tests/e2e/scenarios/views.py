@@ -168,7 +168,7 @@ def differences_to_a_file_are_seen(run):
     run.shot("differences_light", " - Workbench")
 
 
-@scenario(is_short=True)
+@scenario()
 def a_row_of_the_table_is_its_histogram(run):
     """A double click or Enter on a row makes its TAG current, and the histogram that of its voxels."""
     witnesses()
@@ -185,7 +185,10 @@ def a_row_of_the_table_is_its_histogram(run):
     app.key("ampersand")
     state = app.expect("four views", lambda s: row(s, 3), views=4)
     x, y = state.box("table").tuple()[:2]
-    app.double_click(x + 60, y + 24 + 4 * 15 + 7)  # the fifth line, below the title of 24 pixels
+    for _ in range(3):  # on a busy machine the second press may come too late to make it a double one
+        # The fifth line, below the title of 24 pixels.
+        if app.double_click(x + 60, y + 24 + 4 * 15 + 7).tag_cur == 3:
+            break
     app.expect("so does a double click in the fourth view", lambda s: s.tag_cur == 3 and s.histogram_pixels == s.count(3))
     app.key("n")
     app.expect("letters are still keys of the application", tag_cur=4)
