@@ -53,7 +53,12 @@ class Image_Area {
     HWND Handle() const { return slices.Handle(); }
 
   private:
-    Image_View& View(int view) { return view == SLICES_VIEW ? slices : others[static_cast<std::size_t>(view - 1)]; }
+    Image_View& View(int view) {
+        if (view == SLICES_VIEW) {
+            return slices;
+        }
+        return Other(view - 1);
+    }
     std::array<Image_View*, PLANE_VIEW_NB> All() { return {&slices, &others[0], &others[1]}; }
     /** As far as views go along with one another. */
     Linked_View Linked_Of(int view) const;
