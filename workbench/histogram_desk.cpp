@@ -323,12 +323,8 @@ void Histogram_Desk::Peaks_Changed() {
 }
 
 Claimed_Levels Histogram_Desk::Claimed(int tag) const {
-    const float low = of.variables.Threshold_Min()[static_cast<std::size_t>(tag)];
-    const float high = of.variables.Threshold_Max()[static_cast<std::size_t>(tag)];
-    return {low > TAG_THRESHOLD_MIN_UNSET || high<TAG_THRESHOLD_MAX_UNSET, low> TAG_THRESHOLD_MIN_UNSET
-                ? of.labels.Grey_Of(low)
-                : of.work.statistics.min,
-            high < TAG_THRESHOLD_MAX_UNSET ? of.labels.Grey_Of(high) : of.work.statistics.max};
+    const Claimed_Band band = of.labels.Band_Of(tag);
+    return {band.Is_Set(), band.low.value_or(of.work.statistics.min), band.high.value_or(of.work.statistics.max)};
 }
 
 int Histogram_Desk::Peak_Of_Background(const std::vector<Peak_Row>& peaks) const {

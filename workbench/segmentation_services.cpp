@@ -32,16 +32,15 @@ Segmentation_Hand Segmentation_Services::Hand() const {
 std::vector<Tag_Claim> Segmentation_Services::Claims() const {
     std::vector<Tag_Claim> claims;
     for (int tag = 1; tag < wiring.variables.Tag_Nb(); ++tag) {
-        const float low = wiring.variables.Threshold_Min()[static_cast<std::size_t>(tag)];
-        const float high = wiring.variables.Threshold_Max()[static_cast<std::size_t>(tag)];
+        const Claimed_Band told = wiring.labels.Band_Of(tag);
         segmentation::Grey_Band band;
-        if (low > TAG_THRESHOLD_MIN_UNSET) {
-            band.low = static_cast<float>(wiring.labels.Grey_Of(low));
+        if (told.low) {
+            band.low = static_cast<float>(*told.low);
         }
-        if (high < TAG_THRESHOLD_MAX_UNSET) {
-            band.high = static_cast<float>(wiring.labels.Grey_Of(high));
+        if (told.high) {
+            band.high = static_cast<float>(*told.high);
         }
-        if (band.low || band.high) {
+        if (told.Is_Set()) {
             claims.push_back({tag, band});
         }
     }

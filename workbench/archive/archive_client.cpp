@@ -40,6 +40,13 @@ Archive_Failure Refusal(Archive_Fault fault, const Archive_Settings& archive, co
     return {{fault, Archive_Title(archive) + " " + what}};
 }
 
+void Answer_Demand(const Archive_Settings& archive, const Archive_Message& message, T_DIMSE_Command kind,
+                   std::uint16_t request) {
+    if (message.Number(DCM_CommandField) != kind || message.Number(DCM_MessageIDBeingRespondedTo) != request) {
+        throw Refusal(Archive_Fault::Garbled, archive, "answers what it was not asked.");
+    }
+}
+
 Archive_Outcome Archive_Test(const Archive_Settings& archive, const Load_Progress& progress,
                              Archive_Abilities* abilities) {
     return Outcome_Of(archive, [&] {

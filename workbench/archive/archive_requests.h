@@ -26,6 +26,10 @@ T_DIMSE_Message Request_Of(T_DIMSE_Command command, const std::string& sop_class
 /** A failure of the archive's own doing. */
 Archive_Failure Refusal(Archive_Fault fault, const Archive_Settings& archive, const std::string& what);
 
+/** @throw Archive_Failure: a message is no answer of that kind to that request */
+void Answer_Demand(const Archive_Settings& archive, const Archive_Message& message, T_DIMSE_Command kind,
+                   std::uint16_t request);
+
 /** The outcome of an operation that ends by returning, or throws whatever it likes. */
 template <class Operation>
 Archive_Outcome Outcome_Of(const Archive_Settings& archive, const Operation& operation) noexcept {

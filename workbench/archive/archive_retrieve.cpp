@@ -171,6 +171,11 @@ class Received_File {
     std::string error;
 };
 
+/** @param why "cannot be written: ..." */
+Archive_Failure Not_Kept(const std::filesystem::path& path, const std::string& why) {
+    return {{Archive_Fault::Disk, "The images cannot be kept: " + volumes::File_Name_Text(path) + " " + why + "."}};
+}
+
 class Retrieval {
   public:
     Retrieval(const Archive_Settings& its_archive, const Series& its_series, const Load_Progress& progress,
@@ -266,16 +271,14 @@ void Retrieval::Take(const Archive_Message& message, const std::filesystem::path
         room -= piece.size();
         file.Write(piece);
         if (!file.Error().empty()) {
-            throw Archive_Failure{{Archive_Fault::Disk, "The images cannot be kept: " + volumes::File_Name_Text(path) +
-                                                            " cannot be written: " + file.Error() + "."}};
+            throw Not_Kept(path, "cannot be written: " + file.Error());
         }
     });
     room = std::min(room, room_before - std::min(room_before, FILE_LEAST));
     file.Close();
     if (!file.Error().empty()) {
         Answer(message, sop_class, identifier, STATUS_OUT_OF_ROOM);
-        throw Archive_Failure{{Archive_Fault::Disk, "The images cannot be kept: " + volumes::File_Name_Text(path) +
-                                                        " cannot be written: " + file.Error() + "."}};
+        throw Not_Kept(path, "cannot be written: " + file.Error());
     }
     Image_Check(path, identifier);
     received.insert(identifier);
@@ -286,8 +289,7 @@ void Retrieval::Take(const Archive_Message& message, const std::filesystem::path
 void Retrieval::Image_Check(const std::filesystem::path& path, const std::string& identifier) const {
     std::string bytes;
     if (const std::error_code code = volumes::File_Operations_In_Use().read(path, FILE_MOST, bytes)) {
-        throw Archive_Failure{{Archive_Fault::Disk, "The images cannot be kept: " + volumes::File_Name_Text(path) +
-                                                        " cannot be read again: " + code.message() + "."}};
+        throw Not_Kept(path, "cannot be read again: " + code.message());
     }
     DcmFileFormat file;
     volumes::Data_Set_Source source;
@@ -314,9 +316,7 @@ void Retrieval::Progress_Tell(int remaining) {
 }
 
 bool Retrieval::Note(const Archive_Message& message) {
-    if (message.Number(DCM_MessageIDBeingRespondedTo) != number) {
-        throw Refusal(Archive_Fault::Garbled, archive, "answers what it was not asked.");
-    }
+    Answer_Demand(archive, message, DIMSE_C_GET_RSP, number);
     if (message.Has_Content()) {
         association.Receive_Data_Set(message, LIST_MOST);
     }

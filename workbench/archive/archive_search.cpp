@@ -46,18 +46,6 @@ std::string Part(const std::string& text) {
     return key.empty() || Has_Wildcard(key) ? key : "*" + key + "*";
 }
 
-/** "Doe^Jane=..." as it is said. */
-std::string Name_Shown(const std::string& name) {
-    std::string shown;
-    for (const char letter : name.substr(0, name.find('='))) {
-        const char next = letter == '^' ? ' ' : letter;
-        if (next != ' ' || (!shown.empty() && shown.back() != ' ')) {
-            shown += next;
-        }
-    }
-    return shown.substr(0, shown.find_last_not_of(' ') + 1);
-}
-
 int Count(DcmItem& item, const DcmTagKey& tag) {
     const std::optional<std::int32_t> count = volumes::Field_Integer(item, tag);
     return count && *count >= 0 ? *count : -1;
@@ -83,10 +71,7 @@ void Find(const Archive_Settings& archive, const Load_Progress& progress, DcmDat
     association.Send(context, request, &keys);
     while (true) {
         const Archive_Message answer = association.Receive();
-        if (answer.Number(DCM_CommandField) != DIMSE_C_FIND_RSP ||
-            answer.Number(DCM_MessageIDBeingRespondedTo) != request.msg.CFindRQ.MessageID) {
-            throw Refusal(Archive_Fault::Garbled, archive, "answers what it was not asked.");
-        }
+        Answer_Demand(archive, answer, DIMSE_C_FIND_RSP, request.msg.CFindRQ.MessageID);
         std::unique_ptr<DcmDataset> content;
         if (answer.Has_Content()) {
             content = association.Receive_Data_Set(answer, ANSWER_SIZE_MOST);
@@ -138,7 +123,7 @@ Search_Result<Answer> Search(const Archive_Settings& archive, const Load_Progres
 Study Study_Of(DcmItem& item) {
     Study study;
     study.identifier = volumes::Field_Text(item, DCM_StudyInstanceUID);
-    study.patient_name = Name_Shown(volumes::Field_Utf8(item, DCM_PatientName));
+    study.patient_name = volumes::Field_Person(item, DCM_PatientName);
     study.patient_id = volumes::Field_Utf8(item, DCM_PatientID);
     study.birth_date = volumes::Field_Text(item, DCM_PatientBirthDate);
     study.date = volumes::Field_Text(item, DCM_StudyDate);

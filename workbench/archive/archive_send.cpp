@@ -132,10 +132,7 @@ Sent_File Sending::Send(const std::filesystem::path& path) {
                         sizeof request.msg.CStoreRQ.AffectedSOPInstanceUID);
     association->Send(context, request, &out.Data_Set());
     const Archive_Message answer = association->Receive();
-    if (answer.Number(DCM_CommandField) != DIMSE_C_STORE_RSP ||
-        answer.Number(DCM_MessageIDBeingRespondedTo) != request.msg.CStoreRQ.MessageID) {
-        throw Refusal(Archive_Fault::Garbled, archive, "answers what it was not asked.");
-    }
+    Answer_Demand(archive, answer, DIMSE_C_STORE_RSP, request.msg.CStoreRQ.MessageID);
     const int status = answer.Number(DCM_Status);
     sent.is_accepted = status == STATUS_SUCCESS || Is_Warning(status);
     if (status != STATUS_SUCCESS) {

@@ -47,6 +47,18 @@ void Label_Attributes::Adopt() {
     work.session.Adopt_Colors(values.Tag_Colors());
 }
 
+Claimed_Band Label_Attributes::Band_Of(int tag) const {
+    Claimed_Band band;
+    const auto at = static_cast<std::size_t>(tag);
+    if (const float low = values.Threshold_Min()[at]; low > TAG_THRESHOLD_MIN_UNSET) {
+        band.low = Grey_Of(low);
+    }
+    if (const float high = values.Threshold_Max()[at]; high < TAG_THRESHOLD_MAX_UNSET) {
+        band.high = Grey_Of(high);
+    }
+    return band;
+}
+
 Label_Description Label_Attributes::Describe() const {
     Label_Description description;
     for (int number = 0; number < values.Tag_Nb(); ++number) {
@@ -57,11 +69,12 @@ Label_Description Label_Attributes::Describe() const {
         tag.is_shown = values.Tag_Enable()[at] != 0;
         tag.is_selected = values.Tag_Select()[at] != 0;
         tag.is_locked = values.Tag_Lock()[at] != 0;
-        if (const float low = values.Threshold_Min()[at]; low > TAG_THRESHOLD_MIN_UNSET) {
-            tag.low = static_cast<float>(Grey_Of(low));
+        const Claimed_Band band = Band_Of(number);
+        if (band.low) {
+            tag.low = static_cast<float>(*band.low);
         }
-        if (const float high = values.Threshold_Max()[at]; high < TAG_THRESHOLD_MAX_UNSET) {
-            tag.high = static_cast<float>(Grey_Of(high));
+        if (band.high) {
+            tag.high = static_cast<float>(*band.high);
         }
         tag.name = Utf8_Name(values, values.Tag_Labels()[at]);
         description.tags.push_back(std::move(tag));

@@ -2,6 +2,7 @@
  *  history and files. No window. */
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "workbench/model/label_description.h"
@@ -9,6 +10,13 @@
 #include "workbench/model/workspace.h"
 
 namespace workbench {
+
+/** Grey values between which a TAG claims levels; no value: open to that side. */
+struct Claimed_Band {
+    std::optional<double> low;
+    std::optional<double> high;
+    bool Is_Set() const { return low || high; }
+};
 
 class Label_Attributes {
   public:
@@ -32,6 +40,8 @@ class Label_Attributes {
     std::string Tag_Name(int tag) const { return values.Utf8_Of(values.Tag_Name(tag).c_str()); }
     std::string Marker_Name(int marker) const { return values.Utf8_Of(values.Marker_Name(marker).c_str()); }
     double Grey_Of(float told) const { return work.panel_scale.To_Grey(static_cast<double>(told)); }
+    /** By the thresholds that the panels show. */
+    Claimed_Band Band_Of(int tag) const;
     float Told_Of(double grey) const { return static_cast<float>(work.panel_scale.To_Panel(grey)); }
 
   private:

@@ -8,7 +8,7 @@ import subprocess
 import time
 
 from driver.scenario import Skipped, scenario
-from scenarios.dicom import ct_series
+from scenarios.dicom import ct_series, pydicom_library
 
 TITLE = "ARCHIVE"
 PATIENCE = 60  # seconds, on a busy machine
@@ -60,10 +60,7 @@ class Archive:
 @scenario()
 def a_series_comes_from_an_archive_and_labels_go_back(run):
     """Searched, fetched and opened; labels are sent, and another program finds them in the archive, voxel by voxel."""
-    try:
-        import pydicom
-    except ImportError as missing:
-        raise Skipped("python3-pydicom is not there") from missing
+    pydicom = pydicom_library()
     folder = ct_series(run)
     files = sorted(folder.iterdir())
     wanted = pydicom.dcmread(files[0])

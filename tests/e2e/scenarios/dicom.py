@@ -200,13 +200,18 @@ def ct_series(run):
     return folder
 
 
-@scenario()
-def labels_leave_and_come_back_as_a_segmentation_object(run):
-    """An independent library finds the TAG's voxels, name and image in the object; the workbench loads it again."""
+def pydicom_library():
     try:
         import pydicom
     except ImportError as missing:
         raise Skipped("python3-pydicom is not there") from missing
+    return pydicom
+
+
+@scenario()
+def labels_leave_and_come_back_as_a_segmentation_object(run):
+    """An independent library finds the TAG's voxels, name and image in the object; the workbench loads it again."""
+    pydicom = pydicom_library()
     folder = ct_series(run)
     target = run.folder / "seg.dcm"
     app = run.start(folder)
