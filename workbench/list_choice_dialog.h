@@ -14,4 +14,9 @@ namespace workbench {
 int List_Choice_Ask(HWND owner, const std::wstring& title, const std::wstring& label,
                     const std::vector<std::wstring>& lines, int current, const wchar_t* accept = L"&Go there");
 
+/** The same for several lines, marked as lists of files let mark them; the first one is at the beginning.
+ *  @return indices of the lines; none: given up */
+std::vector<int> List_Choices_Ask(HWND owner, const std::wstring& title, const std::wstring& label,
+                                  const std::vector<std::wstring>& lines, const wchar_t* accept);
+
 }  // namespace workbench

@@ -41,6 +41,7 @@ struct Command_Double : Volume_File_Actions,
     void Object_Save() override { Note("Object_Save"); }
     void Archive_Open() override { Note("Archive_Open"); }
     void Labels_Send() override { Note("Labels_Send"); }
+    void Images_Send() override { Note("Images_Send"); }
     void Tag_Meaning_Ask() override { Note("Tag_Meaning_Ask"); }
     void Export_Histogram() override { Note("Export_Histogram"); }
     void Export_Verify_Ask() override { Note("Export_Verify_Ask"); }

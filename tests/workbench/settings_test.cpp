@@ -35,6 +35,8 @@ Settings Example() {
     settings.folded = 0b10010;
     settings.is_wheel_turned = true;
     settings.archives = {"Radiology|pacs|104|PACS|ME|5|5|30", "B|b|1|B|ME|5|5|30"};
+    settings.is_sent_anonymously = true;
+    settings.archive_secret = std::string(64, 'a');
     settings.recent = {"C:\\data\\head one.nii.gz", "C:\\data\\K\xC3\xB6pfe\\zwei.nii"};
     return settings;
 }
@@ -78,6 +80,8 @@ TEST(Settings, text_and_back_changes_nothing) {
     EXPECT_TRUE(back.is_linear);
     EXPECT_EQ(back.recent.size(), 2U);
     EXPECT_EQ(back.archives, Example().archives);
+    EXPECT_TRUE(back.is_sent_anonymously);
+    EXPECT_EQ(back.archive_secret, Example().archive_secret);
 }
 
 TEST(Settings, nothing_gives_the_defaults) {

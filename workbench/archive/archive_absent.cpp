@@ -16,11 +16,11 @@ Archive_Outcome Archive_Test(const Archive_Settings&, const Load_Progress&, Arch
 }
 
 Search_Result<Study> Studies_Search(const Archive_Settings&, const Study_Query&, const Load_Progress&) {
-    return {Absent(), {}};
+    return {.outcome = Absent()};
 }
 
 Search_Result<Series> Series_Search(const Archive_Settings&, const std::string&, const Load_Progress&) {
-    return {Absent(), {}};
+    return {.outcome = Absent()};
 }
 
 std::string Query_Doubt(const Study_Query&) {
@@ -29,11 +29,12 @@ std::string Query_Doubt(const Study_Query&) {
 
 Retrieve_Result Series_Retrieve(const Archive_Settings&, const Series&, const std::filesystem::path&,
                                 const Load_Progress&, const Retrieve_Limits&) {
-    return {Absent(), {}};
+    return {.outcome = Absent()};
 }
 
-Send_Result Files_Send(const Archive_Settings&, std::span<const std::filesystem::path>, const Load_Progress&) {
-    return {Absent(), {}};
+Send_Result Files_Send(const Archive_Settings&, std::span<const std::filesystem::path>, const Load_Progress&,
+                       const Send_Wishes&) {
+    return {.outcome = Absent()};
 }
 
 }  // namespace workbench::archive

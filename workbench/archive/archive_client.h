@@ -42,7 +42,7 @@ struct Study {
     std::string identifier;
     std::string patient_name;  ///< "Doe Jane"
     std::string patient_id;
-    std::string birth_date;  ///< "19700131"
+    std::string birth_date;  ///< "1970-01-31"
     std::string date;
     std::string description;
     std::string modalities;  ///< "CT, SEG"
@@ -102,7 +102,15 @@ Retrieve_Result Series_Retrieve(const Archive_Settings& archive, const Series& s
 struct Sent_File {
     std::filesystem::path file;
     bool is_accepted = false;
-    std::string remark;  ///< why not, or what the archive warns of; may be empty
+    bool is_held = false;  ///< not sent at all: its picture may show who the patient is
+    std::string remark;    ///< why not, or what the archive warns of; may be empty
+};
+
+/** What becomes of the patient's identity in what is sent. */
+struct Send_Wishes {
+    bool is_anonymous = false;
+    bool is_picture_trusted = false;  ///< anonymous images go although texts may be burnt into them
+    std::string secret;               ///< of this installation, for what is made up instead (see secret_hash.h)
 };
 
 struct Send_Result {
@@ -110,11 +118,13 @@ struct Send_Result {
     std::vector<Sent_File> files;  ///< those that were answered
     int accepted = 0;
     int refused = 0;
+    int held = 0;  ///< neither
 };
 
 /** Stores files in the archive by C-STORE, as they are, or without compression where it takes them only so and they
- * have none. One that cannot be read counts as refused. */
+ * have none. One that cannot be read counts as refused. An anonymous one never leaves with anything that
+ * anonymous_rules.h takes out of it; it is changed in memory only. */
 Send_Result Files_Send(const Archive_Settings& archive, std::span<const std::filesystem::path> files,
-                       const Load_Progress& progress);
+                       const Load_Progress& progress, const Send_Wishes& wishes = {});
 
 }  // namespace workbench::archive

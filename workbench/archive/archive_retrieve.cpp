@@ -10,8 +10,7 @@
 #include "workbench/archive/archive_cache.h"
 #include "workbench/archive/archive_client.h"
 #include "workbench/archive/archive_requests.h"
-#include "workbench/volumes/dicom_data_set.h"
-#include "workbench/volumes/dicom_fields.h"
+#include "workbench/archive/stored_object.h"
 #include "workbench/volumes/file_operations.h"
 #include "workbench/volumes/message_text.h"
 
@@ -19,10 +18,9 @@ namespace workbench::archive {
 
 namespace {
 
-constexpr std::size_t LIST_MOST = 256U * 1024U;           // bytes of the list of those that failed
-constexpr std::size_t FILE_MOST = std::size_t{2} << 30U;  // bytes of an image, as everywhere that files are read
-constexpr std::uint64_t FILE_LEAST = 4096;                // bytes that a file takes on a disk, however small it is
-constexpr std::size_t PENDING_EACH = 2;                   // answers for an image, at most
+constexpr std::size_t LIST_MOST = 256U * 1024U;  // bytes of the list of those that failed
+constexpr std::uint64_t FILE_LEAST = 4096;       // bytes that a file takes on a disk, however small it is
+constexpr std::size_t PENDING_EACH = 2;          // answers for an image, at most
 constexpr int STATUS_OUT_OF_ROOM = 0xA700;
 
 /** Objects with pixels, and those that labels come in. */
@@ -94,43 +92,6 @@ std::vector<Proposal> Proposals() {
     return proposals;
 }
 
-void Element_Append(std::vector<std::uint8_t>& bytes, std::uint8_t element, const char* form, std::string value,
-                    char filling = '\0') {
-    if (value.size() % 2 != 0) {
-        value += filling;
-    }
-    bytes.insert(bytes.end(),
-                 {2, 0, element, 0, static_cast<std::uint8_t>(form[0]), static_cast<std::uint8_t>(form[1])});
-    if (std::string_view(form) == "OB") {
-        bytes.insert(bytes.end(), {0, 0});
-    }
-    const std::size_t size = value.size();  // below 256
-    bytes.insert(bytes.end(), {static_cast<std::uint8_t>(size), 0});
-    if (std::string_view(form) == "OB") {
-        bytes.insert(bytes.end(), {0, 0});
-    }
-    bytes.insert(bytes.end(), value.begin(), value.end());
-}
-
-/** What stands before a data set in a file. */
-std::vector<std::uint8_t> File_Head(const std::string& sop_class, const std::string& identifier,
-                                    const std::string& syntax) {
-    std::vector<std::uint8_t> content;
-    Element_Append(content, 0x01, "OB", std::string("\0\1", 2));
-    Element_Append(content, 0x02, "UI", sop_class);
-    Element_Append(content, 0x03, "UI", identifier);
-    Element_Append(content, 0x10, "UI", syntax);
-    Element_Append(content, 0x12, "UI", OFFIS_IMPLEMENTATION_CLASS_UID);
-    constexpr std::size_t preamble = 128;
-    std::vector<std::uint8_t> head(preamble, 0);
-    head.insert(head.end(), {'D', 'I', 'C', 'M'});
-    const auto size = static_cast<std::uint32_t>(content.size());
-    Element_Append(head, 0x00, "UL",
-                   {static_cast<char>(size & 0xFFU), static_cast<char>(size >> 8U & 0xFFU), '\0', '\0'});
-    head.insert(head.end(), content.begin(), content.end());
-    return head;
-}
-
 /** A file that is being received. The folder that it stands in takes its name only when all is there. */
 class Received_File {
   public:
@@ -195,7 +156,7 @@ class Retrieval {
     void Ask();
     void Take(const Archive_Message& message, const std::filesystem::path& into);
     /** Whether what came is what was asked for. */
-    void Image_Check(const std::filesystem::path& path, const std::string& identifier) const;
+    void Image_Check(std::string bytes, const std::string& identifier) const;
     void Answer(const Archive_Message& message, const std::string& sop_class, const std::string& identifier,
                 int status);
     /** @return whether that was the last answer */
@@ -266,9 +227,12 @@ void Retrieval::Take(const Archive_Message& message, const std::filesystem::path
     const std::filesystem::path path = into / (identifier + ".dcm");
     const std::uint64_t room_before = room;
     Received_File file(path);
-    file.Write(File_Head(sop_class, identifier, syntax));
-    association.Receive_Content(message, room, [&](std::span<const std::uint8_t> piece) {
+    std::string bytes = File_Head(sop_class, identifier, syntax);
+    file.Write({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+    const std::uint64_t most = std::min<std::uint64_t>(room, STORED_OBJECT_MOST - bytes.size());
+    association.Receive_Content(message, most, [&](std::span<const std::uint8_t> piece) {
         room -= piece.size();
+        bytes.append(piece.begin(), piece.end());
         file.Write(piece);
         if (!file.Error().empty()) {
             throw Not_Kept(path, "cannot be written: " + file.Error());
@@ -280,29 +244,19 @@ void Retrieval::Take(const Archive_Message& message, const std::filesystem::path
         Answer(message, sop_class, identifier, STATUS_OUT_OF_ROOM);
         throw Not_Kept(path, "cannot be written: " + file.Error());
     }
-    Image_Check(path, identifier);
+    Image_Check(std::move(bytes), identifier);
     received.insert(identifier);
     Progress_Tell(-1);
     Answer(message, sop_class, identifier, STATUS_SUCCESS);
 }
 
-void Retrieval::Image_Check(const std::filesystem::path& path, const std::string& identifier) const {
-    std::string bytes;
-    if (const std::error_code code = volumes::File_Operations_In_Use().read(path, FILE_MOST, bytes)) {
-        throw Not_Kept(path, "cannot be read again: " + code.message());
+void Retrieval::Image_Check(std::string bytes, const std::string& identifier) const {
+    Stored_Object image;
+    image.bytes = std::move(bytes);
+    if (const std::string error = Object_Parse(image); !error.empty()) {
+        throw Refusal(Archive_Fault::Garbled, archive, "sends an image that " + error + ".");
     }
-    DcmFileFormat file;
-    volumes::Data_Set_Source source;
-    try {
-        volumes::Data_Set_Read({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()}, FILE_MOST, file,
-                               source);
-    } catch (const volumes::Dicom_Refusal& refusal) {
-        throw Refusal(Archive_Fault::Garbled, archive, "sends an image that " + refusal.text + ".");
-    }
-    DcmDataset& image = *file.getDataset();
-    if (volumes::Field_Text(image, DCM_StudyInstanceUID) != series.study ||
-        volumes::Field_Text(image, DCM_SeriesInstanceUID) != series.identifier ||
-        volumes::Field_Text(image, DCM_SOPInstanceUID) != identifier) {
+    if (image.study != series.study || image.series != series.identifier || image.identifier != identifier) {
         throw Refusal(Archive_Fault::Garbled, archive, "sends an image of another series.");
     }
 }

@@ -125,8 +125,8 @@ Study Study_Of(DcmItem& item) {
     study.identifier = volumes::Field_Text(item, DCM_StudyInstanceUID);
     study.patient_name = volumes::Field_Person(item, DCM_PatientName);
     study.patient_id = volumes::Field_Utf8(item, DCM_PatientID);
-    study.birth_date = volumes::Field_Text(item, DCM_PatientBirthDate);
-    study.date = volumes::Field_Text(item, DCM_StudyDate);
+    study.birth_date = volumes::Field_Date(item, DCM_PatientBirthDate);
+    study.date = volumes::Field_Date(item, DCM_StudyDate);
     study.description = volumes::Field_Utf8(item, DCM_StudyDescription);
     for (unsigned long position = 0;; ++position) {
         const std::string modality = volumes::Field_Text(item, DCM_ModalitiesInStudy, position);

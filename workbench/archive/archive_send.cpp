@@ -1,54 +1,28 @@
-#include <algorithm>
-#include <memory>
 #include <optional>
+#include <utility>
 
 #include "dcmtk/dcmdata/dcdeftag.h"
-#include "dcmtk/dcmdata/dcfilefo.h"
-#include "dcmtk/dcmdata/dcuid.h"
 #include "dcmtk/ofstd/ofstd.h"
+#include "workbench/archive/anonymous_object.h"
 #include "workbench/archive/archive_client.h"
 #include "workbench/archive/archive_requests.h"
-#include "workbench/volumes/dicom_data_set.h"
+#include "workbench/archive/secret_hash.h"
+#include "workbench/archive/stored_object.h"
 #include "workbench/volumes/dicom_fields.h"
-#include "workbench/volumes/file_operations.h"
 #include "workbench/volumes/message_text.h"
 
 namespace workbench::archive {
 
 namespace {
 
-constexpr std::size_t FILE_MOST = std::size_t{2} << 30U;  // bytes, and of what a deflated one inflates to
-
-/** A file in memory, as it goes out. */
-struct Outgoing {
-    std::string bytes;
-    volumes::Data_Set_Source source;
-    DcmFileFormat file;
-    std::string sop_class;
-    std::string identifier;
-    std::string syntax;
-
-    DcmDataset& Data_Set() { return *file.getDataset(); }
-};
-
-/** @return empty, or what is wrong, to follow the file's name */
-std::string Outgoing_Read(const std::filesystem::path& path, Outgoing& out) {
-    if (const std::error_code code = volumes::File_Operations_In_Use().read(path, FILE_MOST, out.bytes)) {
-        return "cannot be read: " + code.message();
+/** A file in memory, as it goes out. @return empty, or what is wrong, to follow the file's name */
+std::string Outgoing_Read(const std::filesystem::path& path, Stored_Object& out) {
+    if (std::string error = Object_Read(path, out); !error.empty()) {
+        return error;
     }
-    try {
-        volumes::Data_Set_Read({reinterpret_cast<const std::uint8_t*>(out.bytes.data()), out.bytes.size()}, FILE_MOST,
-                               out.file, out.source);
-    } catch (const volumes::Dicom_Refusal& refusal) {
-        return refusal.text;
-    }
-    out.sop_class = volumes::Field_Text(out.Data_Set(), DCM_SOPClassUID);
-    out.identifier = volumes::Field_Text(out.Data_Set(), DCM_SOPInstanceUID);
     if (!Is_Identifier(out.sop_class) || !Is_Identifier(out.identifier)) {
         return "has no usable identifiers";
     }
-    const DcmXfer form(out.Data_Set().getOriginalXfer());
-    out.syntax = form.getXferID();
     // Long values are read now: the memory that they come from is not to be asked for while something waits for them.
     out.Data_Set().loadAllDataIntoMemory();
     return {};
@@ -56,8 +30,8 @@ std::string Outgoing_Read(const std::filesystem::path& path, Outgoing& out) {
 
 class Sending {
   public:
-    Sending(const Archive_Settings& its_archive, const Load_Progress& progress)
-        : archive(its_archive), watch(progress) {}
+    Sending(const Archive_Settings& its_archive, const Load_Progress& progress, const Send_Wishes& its_wishes)
+        : archive(its_archive), watch(progress), wishes(its_wishes), anonymiser(its_wishes.secret) {}
 
     /** @throw Archive_Failure */
     Sent_File Send(const std::filesystem::path& path);
@@ -72,10 +46,15 @@ class Sending {
     void Ask();
 
   private:
-    T_ASC_PresentationContextID Context_For(const Outgoing& out);
+    /** Takes the patient's identity away where that is wished.
+     *  @return whether it may go */
+    bool Prepare(Stored_Object& out, Sent_File& sent) const;
+    T_ASC_PresentationContextID Context_For(const Stored_Object& out);
 
     const Archive_Settings& archive;
     Connection_Watch watch;
+    const Send_Wishes& wishes;
+    Anonymiser anonymiser;
     std::optional<Archive_Association> association;
     std::string proposed;  ///< class and form that the association was made for
 };
@@ -86,7 +65,7 @@ void Sending::Ask() {
     }
 }
 
-T_ASC_PresentationContextID Sending::Context_For(const Outgoing& out) {
+T_ASC_PresentationContextID Sending::Context_For(const Stored_Object& out) {
     const std::string wanted = out.sop_class + " " + out.syntax;
     if (!association || proposed != wanted) {
         End();
@@ -109,12 +88,32 @@ T_ASC_PresentationContextID Sending::Context_For(const Outgoing& out) {
     return 0;
 }
 
+bool Sending::Prepare(Stored_Object& out, Sent_File& sent) const {
+    if (!wishes.is_anonymous) {
+        return true;
+    }
+    if (std::string doubt = Burnt_In_Doubt(out.Data_Set()); !wishes.is_picture_trusted && !doubt.empty()) {
+        sent.is_held = true;
+        sent.remark = std::move(doubt);
+        return false;
+    }
+    if (const std::string error = anonymiser.Anonymise(out.Data_Set()); !error.empty()) {
+        sent.remark = volumes::File_Name_Text(sent.file) + " " + error + ".";
+        return false;
+    }
+    out.identifier = volumes::Field_Text(out.Data_Set(), DCM_SOPInstanceUID);
+    return true;
+}
+
 Sent_File Sending::Send(const std::filesystem::path& path) {
     Sent_File sent;
     sent.file = path;
-    Outgoing out;
+    Stored_Object out;
     if (std::string error = Outgoing_Read(path, out); !error.empty()) {
         sent.remark = volumes::File_Name_Text(path) + " " + error + ".";
+        return sent;
+    }
+    if (!Prepare(out, sent)) {
         return sent;
     }
     const T_ASC_PresentationContextID context = Context_For(out);
@@ -145,15 +144,18 @@ Sent_File Sending::Send(const std::filesystem::path& path) {
 }  // namespace
 
 Send_Result Files_Send(const Archive_Settings& archive, std::span<const std::filesystem::path> files,
-                       const Load_Progress& progress) {
+                       const Load_Progress& progress, const Send_Wishes& wishes) {
     Send_Result result;
     result.outcome = Outcome_Of(archive, [&] {
-        Sending sending(archive, progress);
+        if (wishes.is_anonymous && !Is_Secret(wishes.secret)) {
+            throw Archive_Failure{{Archive_Fault::Settings, "There is no secret to anonymise with."}};
+        }
+        Sending sending(archive, progress, wishes);
         for (std::size_t at = 0; at < files.size(); ++at) {
             sending.Done_Set(static_cast<double>(at) / static_cast<double>(files.size()));
             sending.Ask();
             Sent_File sent = sending.Send(files[at]);
-            ++(sent.is_accepted ? result.accepted : result.refused);
+            ++(sent.is_accepted ? result.accepted : sent.is_held ? result.held : result.refused);
             result.files.push_back(std::move(sent));
         }
         sending.End();

@@ -18,6 +18,7 @@ enum class Command {
     Save_Labels_As,
     Object_Save,
     Labels_Send,
+    Images_Send,
     Export_Histogram,
     Verify_Export,
     Picture_Save,

@@ -68,6 +68,8 @@ class Archive_Actions {
     virtual void Archive_Open() = 0;
     /** Sends the labels as a segmentation object of the images. */
     virtual void Labels_Send() = 0;
+    /** Sends the images of the volume in hand as they lie on the disk. */
+    virtual void Images_Send() = 0;
 };
 
 class History_Actions {

@@ -102,6 +102,8 @@ constexpr Command_Record RECORDS[] = {
           [](const Parts& on, int) { on.object.Object_Save(); }),
     Entry(Command::Labels_Send, "labels_send", ARCHIVE_MENU, "Send labels &to an archive...", {},
           [](const Parts& on, int) { on.archive.Labels_Send(); }),
+    Entry(Command::Images_Send, "images_send", ARCHIVE_MENU, "Send &images to an archive...", {},
+          [](const Parts& on, int) { on.archive.Images_Send(); }),
     Entry(Command::Export_Histogram, "export_histogram", Menu::File, "&Export histogram...", {{Control('E')}},
           [](const Parts& on, int) { on.exports.Export_Histogram(); }, {.is_group_begin = true}),
     Entry(Command::Verify_Export, "verify_export", Menu::File, "&Verify export...", {},

@@ -158,6 +158,13 @@ bool Take_Line(std::string_view name, std::string_view value, Settings& settings
         settings.archives.emplace_back(value);
         return true;
     }
+    if (name == "send_anonymously") {
+        return Take_Flag(value, settings.is_sent_anonymously);
+    }
+    if (name == "archive_secret" && Is_Path(value)) {
+        settings.archive_secret = value;
+        return true;
+    }
     if (name == "recent" && Is_Path(value) && settings.recent.size() < RECENT_MAX &&
         std::ranges::find(settings.recent, value) == settings.recent.end()) {
         settings.recent.emplace_back(value);
@@ -230,6 +237,10 @@ std::string Settings_Text(const Settings& settings) {
     flag("enlarged_wheel_turned", settings.is_wheel_turned);
     for (const std::string& one : settings.archives) {
         line("archive", one);
+    }
+    flag("send_anonymously", settings.is_sent_anonymously);
+    if (!settings.archive_secret.empty()) {
+        line("archive_secret", settings.archive_secret);
     }
     for (const std::string& path : settings.recent) {
         line("recent", path);

@@ -43,6 +43,8 @@ struct Settings {
     unsigned int folded = 0;            ///< bit per panel of the tool area, the first one lowest
     bool is_wheel_turned = false;       ///< of the enlarged histogram: forward narrows
     std::vector<std::string> archives;  ///< one line each, whatever is in it
+    bool is_sent_anonymously = false;   ///< what was chosen last
+    std::string archive_secret;         ///< of this installation, for what is sent anonymously; empty: none yet
     std::vector<std::string> recent;    ///< paths in UTF-8, the last opened first
 };
 

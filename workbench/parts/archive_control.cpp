@@ -6,6 +6,8 @@
 #include <system_error>
 
 #include "workbench/archive/archive_cache.h"
+#include "workbench/archive/archive_texts.h"
+#include "workbench/archive/secret_hash.h"
 #include "workbench/volumes/message_text.h"
 
 namespace workbench {
@@ -16,47 +18,12 @@ using archive::Archive_Settings;
 namespace {
 
 constexpr const char* OPEN_TITLE = "Open from an archive";
-constexpr const char* SEND_TITLE = "Send labels to an archive";
-constexpr const char* IN_CLEAR = "Names and images travel without encryption: use it within a network that you trust.";
 constexpr std::uint64_t CACHE_MOST = std::uint64_t{20} << 30U;  // bytes of fetched series that are kept
-
-/** "2024-01-31"; as it is where it is no date. */
-std::string Date_Shown(const std::string& date) {
-    constexpr std::size_t length = 8;
-    return date.size() == length ? date.substr(0, 4) + "-" + date.substr(4, 2) + "-" + date.substr(6) : date;
-}
 
 /** "2024-01-31" or "20240131" as archives have it. */
 std::string Date_Asked(std::string date) {
     std::erase_if(date, [](char letter) { return letter == '-' || letter == ' '; });
     return date;
-}
-
-std::string Counted(int count, const char* one, const char* many) {
-    return count < 0 ? std::string()
-                     : volumes::Count_Text(static_cast<std::uint64_t>(count)) + " " + (count == 1 ? one : many);
-}
-
-std::string Joined(const std::vector<std::string>& parts) {
-    std::string joined;
-    for (const std::string& part : parts) {
-        if (!part.empty()) {
-            joined += (joined.empty() ? "" : "   ") + volumes::Printable_Text(part, volumes::FIELD_SHOWN_MOST);
-        }
-    }
-    return joined;
-}
-
-std::string Study_Line(const archive::Study& study) {
-    return Joined({Date_Shown(study.date), study.patient_name.empty() ? "(no name)" : study.patient_name,
-                   study.patient_id, study.birth_date.empty() ? "" : "born " + Date_Shown(study.birth_date),
-                   study.modalities, study.description, Counted(study.series_count, "series", "series"),
-                   Counted(study.image_count, "image", "images")});
-}
-
-std::string Series_Line(const archive::Series& series) {
-    return Joined({series.number, series.modality, series.description.empty() ? "(no description)" : series.description,
-                   Counted(series.image_count, "image", "images")});
 }
 
 std::vector<Archive_Settings> Known(const std::vector<std::string>& lines) {
@@ -125,7 +92,7 @@ std::optional<Archive_Settings> Archive_Control::Settings_Ask(std::optional<std:
         ways.emplace_back("&Remove");
     }
     while (true) {
-        const int way = host.form("Settings of an archive", IN_CLEAR, fields, ways);
+        const int way = host.form("Settings of an archive", archive::IN_CLEAR, fields, ways);
         if (way < 0) {
             return std::nullopt;
         }
@@ -165,7 +132,8 @@ std::optional<Archive_Settings> Archive_Control::Archive_Choose(const std::strin
         std::vector<std::string> lines;
         lines.reserve(known.size() + 2);
         for (const Archive_Settings& one : known) {
-            lines.push_back(Joined({one.name, one.host + ":" + std::to_string(one.port), one.called_title}));
+            lines.push_back(
+                archive::Joined_Text({one.name, one.host + ":" + std::to_string(one.port), one.called_title}));
         }
         lines.emplace_back("Add an archive...");
         lines.emplace_back("Change the settings of an archive...");
@@ -207,8 +175,8 @@ void Archive_Control::Archive_Open() {
                                       {"&Modality (MR, CT ...)", last_query.modality},
                                       {"&Description", last_query.description}};
     while (host.form("Search " + asked->name,
-                     std::string("What is left empty is not asked for. * stands for any letters. ") + IN_CLEAR, fields,
-                     {"&Search"}) == 0) {
+                     std::string("What is left empty is not asked for. * stands for any letters. ") + archive::IN_CLEAR,
+                     fields, {"&Search"}) == 0) {
         last_query = {fields[0].value, fields[1].value, Date_Asked(fields[2].value), Date_Asked(fields[3].value),
                       fields[4].value, fields[5].value};
         if (Studies_Show(*asked, last_query)) {
@@ -234,10 +202,10 @@ bool Archive_Control::Studies_Show(const Archive_Settings& asked, const archive:
     std::vector<std::string> lines;
     lines.reserve(found.answers.size());
     for (const archive::Study& study : found.answers) {
-        lines.push_back(Study_Line(study));
+        lines.push_back(archive::Study_Text(study));
     }
-    const std::string label =
-        Counted(static_cast<int>(lines.size()), "study", "studies") + Cut_Text(found.is_cut) + ", the latest first:";
+    const std::string label = archive::Counted_Text(static_cast<int>(lines.size()), "study", "studies") +
+                              Cut_Text(found.is_cut) + ", the latest first:";
     for (int line = 0;;) {
         line = dialogs.Line_Ask("Studies found", label, lines, line, "&Series");
         if (line < 0) {
@@ -265,62 +233,172 @@ bool Archive_Control::Series_Show(const Archive_Settings& asked, const archive::
     std::vector<std::string> lines;
     lines.reserve(found.answers.size());
     for (const archive::Series& series : found.answers) {
-        lines.push_back(Series_Line(series));
+        lines.push_back(archive::Series_Text(series));
     }
-    const int line = dialogs.Line_Ask("Series of the study", Study_Line(study), lines, 0, "&Open");
-    return line >= 0 && Fetch(asked, found.answers[static_cast<std::size_t>(line)]);
+    return Series_Choose(asked, archive::Study_Text(study), lines, found.answers);
 }
 
-bool Archive_Control::Fetch(const Archive_Settings& asked, const archive::Series& series) {
-    const std::filesystem::path root = host.cache_folder();
-    std::vector<std::filesystem::path> in_use;
-    for (const std::filesystem::path& file : work.volumes.Files()) {
-        in_use.push_back(file.parent_path());
+bool Archive_Control::Series_Choose(const Archive_Settings& asked, const std::string& study,
+                                    const std::vector<std::string>& lines, const std::vector<archive::Series>& found) {
+    const std::vector<int> chosen = host.lines_ask(
+        "Series of the study", study + (lines.size() > 1 ? "\nCtrl and Shift mark several." : ""), lines, "&Open");
+    std::vector<archive::Series> wanted;
+    wanted.reserve(chosen.size());
+    for (const int line : chosen) {
+        wanted.push_back(found[static_cast<std::size_t>(line)]);
     }
-    archive::Retrieve_Result result;
-    dialogs.Run("Fetching " + (series.description.empty() ? std::string("a series") : series.description),
-                [&](const volumes::Load_Progress& progress) {
-                    archive::Cache_Trim(root, CACHE_MOST, in_use);
-                    result = operations.retrieve(asked, series, root, progress);
-                });
+    return !wanted.empty() && Fetch(asked, wanted);
+}
+
+Archive_Control::Fetched Archive_Control::Fetch_One(const Archive_Settings& asked, const archive::Series& series,
+                                                    const std::string& title, archive::Retrieve_Result& result,
+                                                    std::string& error) {
+    dialogs.Run(title, [&](const volumes::Load_Progress& progress) {
+        result = operations.retrieve(asked, series, host.cache_folder(), progress);
+    });
     if (result.outcome.fault == Archive_Fault::Cancelled) {
-        return false;
+        return Fetched::Given_Up;
     }
     if (result.outcome.fault == Archive_Fault::Incomplete && !result.folder.empty()) {
         if (dialogs.Way_Ask(OPEN_TITLE, result.outcome.error, {"&Open what came", "&Cancel"}) != 0) {
             std::error_code code;
             std::filesystem::remove_all(result.folder, code);
-            return false;
+            return Fetched::Given_Up;
         }
     } else if (!result.outcome.Is_Done()) {
-        dialogs.Way_Ask(OPEN_TITLE, result.outcome.error, {"&Close"});
+        error = result.outcome.error;
+        return Fetched::Not_There;
+    }
+    return Fetched::Kept;
+}
+
+bool Archive_Control::Fetch(const Archive_Settings& asked, std::span<const archive::Series> wanted) {
+    std::vector<std::filesystem::path> in_use;
+    for (const std::filesystem::path& file : work.volumes.Files()) {
+        in_use.push_back(file.parent_path());
+    }
+    std::vector<std::filesystem::path> folders;
+    int image_nb = 0;
+    for (std::size_t at = 0; at < wanted.size(); ++at) {
+        const std::string name = wanted[at].description.empty() ? "a series" : wanted[at].description;
+        const std::string title =
+            "Fetching " +
+            (wanted.size() == 1 ? name : std::to_string(at + 1) + " of " + std::to_string(wanted.size()) + ": " + name);
+        archive::Cache_Trim(host.cache_folder(), CACHE_MOST, in_use);
+        archive::Retrieve_Result result;
+        std::string error;
+        const Fetched fetched = Fetch_One(asked, wanted[at], title, result, error);
+        if (fetched == Fetched::Kept) {
+            folders.push_back(result.folder);
+            in_use.push_back(result.folder);  // the next ones do not push it out
+            image_nb += result.image_count;
+            continue;
+        }
+        const bool is_last = at + 1 == wanted.size();
+        if (is_last && !error.empty()) {
+            dialogs.Way_Ask(OPEN_TITLE, error, {"&Close"});
+        } else if (!is_last && dialogs.Way_Ask(OPEN_TITLE,
+                                               (error.empty() ? "A series was given up." : error) +
+                                                   " Fetch the series that are left?",
+                                               {"&Fetch them", "&Stop"}) != 0) {
+            break;
+        }
+    }
+    if (folders.empty()) {
         return false;
     }
-    host.open(result.folder);
-    dialogs.Tell(Counted(result.image_count, "image", "images") + " fetched from " + asked.name);
+    host.open(folders);
+    dialogs.Tell(archive::Counted_Text(image_nb, "image", "images") + " fetched from " + asked.name);
     return true;
 }
 
-std::string Archive_Control::Send(const Archive_Settings& to, const std::filesystem::path& file) {
-    if (std::string error = host.labels_write(file); !error.empty()) {
-        return error;
+std::optional<archive::Send_Wishes> Archive_Control::Send_Ask(const std::string& title, const std::string& text) {
+    archive::Send_Wishes wishes = host.send_wishes();
+    constexpr const char* named = "&Send with names";
+    constexpr const char* anonymous = "Send &anonymously";
+    const int way = dialogs.Way_Ask(
+        title,
+        text +
+            "\n\nAnonymously: names, numbers, dates and free texts are taken out or replaced, always in the same way "
+            "for the same patient. What the pictures themselves show stays, and so do the names of TAGs.\n\n" +
+            archive::IN_CLEAR,
+        wishes.is_anonymous ? std::vector<std::string>{anonymous, named, "&Cancel"}
+                            : std::vector<std::string>{named, anonymous, "&Cancel"});
+    if (way != 0 && way != 1) {
+        return std::nullopt;
     }
+    const archive::Send_Wishes before = wishes;
+    wishes.is_anonymous = wishes.is_anonymous == (way == 0);
+    if (wishes.is_anonymous && !archive::Is_Secret(wishes.secret)) {
+        wishes.secret = archive::Secret_New();
+    }
+    if (wishes.is_anonymous != before.is_anonymous || wishes.secret != before.secret) {
+        host.send_wishes_keep(wishes);
+    }
+    return wishes;
+}
+
+std::string Archive_Control::Sent_Tell(const Archive_Settings& to, const std::string& what,
+                                       const archive::Send_Result& sent) {
+    if (sent.accepted == 0) {
+        return "The " + what + " were not taken. " + archive::Reasons_Text(sent, false);
+    }
+    const auto remark = std::ranges::find_if(
+        sent.files, [](const archive::Sent_File& file) { return file.is_accepted && !file.remark.empty(); });
+    std::string text = what + " sent to " + to.name + ": " + archive::Objects_Text(sent.accepted) + " accepted";
+    text[0] = static_cast<char>(text[0] - 'a' + 'A');
+    if (sent.refused == 0) {
+        dialogs.Tell(text + (remark == sent.files.end() ? "" : ". " + remark->remark));
+        return {};
+    }
+    return text + ", " + archive::Objects_Text(sent.refused) + " not. " + archive::Reasons_Text(sent, false);
+}
+
+std::string Archive_Control::Held_Send(const Archive_Settings& to, const std::string& what,
+                                       const archive::Send_Result& before, archive::Send_Wishes wishes) {
+    std::vector<std::filesystem::path> held;
+    for (const archive::Sent_File& file : before.files) {
+        if (file.is_held) {
+            held.push_back(file.file);
+        }
+    }
+    const std::string text = (held.size() == 1 ? "1 image may show in its picture who the patient is: "
+                                               : volumes::Count_Text(held.size()) +
+                                                     " images may show in their pictures who the patient is: ") +
+                             archive::Reasons_Text(before, true) +
+                             ". Texts in pictures are not taken out. Look at them before you send them.";
+    if (dialogs.Way_Ask("Send anonymously", text, {"&Do not send them", "&Send them all the same"}) == 1) {
+        wishes.is_picture_trusted = true;
+        return Send(to, what, held, wishes);
+    }
+    dialogs.Tell(archive::Counted_Text(before.held, "image", "images") + " not sent");
+    return {};
+}
+
+std::string Archive_Control::Send(const Archive_Settings& to, const std::string& what,
+                                  std::span<const std::filesystem::path> files, archive::Send_Wishes wishes) {
     archive::Send_Result sent;
-    dialogs.Run("Sending labels to " + to.name, [&](const volumes::Load_Progress& progress) {
-        sent = operations.send(to, {&file, 1}, progress);
-    });
+    dialogs.Run("Sending " + what + " to " + to.name,
+                [&](const volumes::Load_Progress& progress) { sent = operations.send(to, files, progress, wishes); });
+    const std::string so_far = files.size() > 1
+                                   ? " Before that, the archive accepted " + archive::Objects_Text(sent.accepted) + "."
+                                   : std::string();
     if (sent.outcome.fault == Archive_Fault::Cancelled) {
-        return "Sending was given up; the archive may have the labels already.";
+        return files.size() > 1 ? "Sending was given up." + so_far
+                                : "Sending was given up; the archive may have the " + what + " already.";
     }
     if (!sent.outcome.Is_Done()) {
-        return sent.outcome.error;
+        return sent.outcome.error + so_far;
     }
-    if (sent.accepted != 1 || sent.refused != 0) {
-        return "The labels were not taken. " + (sent.files.empty() ? std::string() : sent.files.front().remark);
+    std::string error;
+    if (sent.accepted + sent.refused > 0 || sent.held == 0) {
+        error = Sent_Tell(to, what, sent);
     }
-    const std::string& remark = sent.files.front().remark;
-    dialogs.Tell("Labels sent to " + to.name + ": 1 object accepted" + (remark.empty() ? "" : ". " + remark));
-    return {};
+    if (sent.held > 0) {
+        const std::string later = Held_Send(to, what, sent, std::move(wishes));
+        error += (error.empty() || later.empty() ? "" : "\n") + later;
+    }
+    return error;
 }
 
 void Archive_Control::Labels_Send() {
@@ -330,13 +408,15 @@ void Archive_Control::Labels_Send() {
     if (host.cache_folder().empty()) {
         return dialogs.Warn("There is no folder to write the labels into, because settings are not kept.");
     }
-    const std::optional<Archive_Settings> to = Archive_Choose(SEND_TITLE);
-    if (!to || dialogs.Way_Ask("Send labels",
-                               "The labels go to " + to->name +
-                                   " as a DICOM segmentation, with the patient's name and number, and the names of the "
-                                   "TAGs.\n\n" +
-                                   IN_CLEAR,
-                               {"&Send", "&Cancel"}) != 0) {
+    const std::optional<Archive_Settings> to = Archive_Choose("Send labels to an archive");
+    if (!to) {
+        return;
+    }
+    const std::optional<archive::Send_Wishes> wishes =
+        Send_Ask("Send labels", "The labels go to " + to->name +
+                                    " as a DICOM segmentation, with the patient's name and number, and the names of "
+                                    "the TAGs.");
+    if (!wishes) {
         return;
     }
     // Of its own: other windows of this program may be sending, too. It goes whatever happens.
@@ -344,7 +424,33 @@ void Archive_Control::Labels_Send() {
     if (!going_out.Error().empty()) {
         return dialogs.Warn("The folder for what is sent " + going_out.Error());
     }
-    if (const std::string error = Send(*to, going_out.Path() / "labels.dcm"); !error.empty()) {
+    const std::filesystem::path file = going_out.Path() / "labels.dcm";
+    std::string error = host.labels_write(file);
+    if (error.empty()) {
+        error = Send(*to, "labels", {&file, 1}, *wishes);
+    }
+    if (!error.empty()) {
+        dialogs.Warn(error);
+    }
+}
+
+void Archive_Control::Images_Send() {
+    const std::vector<std::filesystem::path> files =
+        work.session.Has_Volume() ? host.images() : std::vector<std::filesystem::path>();
+    if (files.empty()) {
+        return dialogs.Warn("Open a DICOM image first.");
+    }
+    const std::optional<Archive_Settings> to = Archive_Choose("Send images to an archive");
+    if (!to) {
+        return;
+    }
+    const std::optional<archive::Send_Wishes> wishes =
+        Send_Ask("Send images", archive::Counted_Text(static_cast<int>(files.size()), "file goes", "files go") +
+                                    " to " + to->name + " as on the disk, with the patient's name and number.");
+    if (!wishes) {
+        return;
+    }
+    if (const std::string error = Send(*to, "images", files, *wishes); !error.empty()) {
         dialogs.Warn(error);
     }
 }

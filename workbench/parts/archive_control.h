@@ -1,4 +1,5 @@
-/** Archives as the user meets them: searching one, fetching a series and opening it, sending labels. No window.
+/** Archives as the user meets them: searching one, fetching series and opening them, sending labels
+ *  and images. No window.
  *
  *  Everything that goes over the network runs beside the window's thread, with a button to give it up.
  */
@@ -32,8 +33,14 @@ struct Archive_Host {
     std::function<void(const std::vector<std::string>&)> archives_keep;
     /** Where fetched series are kept; empty: nowhere. */
     std::function<std::filesystem::path()> cache_folder;
-    /** Opens the images of a folder, in place of what is open. */
-    std::function<void(const std::filesystem::path&)> open;
+    /** Opens the images of folders, together, in place of what is open. */
+    std::function<void(std::span<const std::filesystem::path>)> open;
+    /** The files of the volume in hand that are of one series, as they lie on the disk. */
+    std::function<std::vector<std::filesystem::path>()> images;
+    /** What is wished of everything that is sent; the secret is empty while there is none. */
+    std::function<archive::Send_Wishes()> send_wishes;
+    /** Keeps whether it is anonymous, and the secret. */
+    std::function<void(const archive::Send_Wishes&)> send_wishes_keep;
     /** Writes the labels of the volume in hand as a segmentation object; shows how far it is.
      *  @return empty, or one sentence */
     std::function<std::string(const std::filesystem::path&)> labels_write;
@@ -42,6 +49,10 @@ struct Archive_Host {
     std::function<int(const std::string& title, const std::string& text, std::vector<Form_Field>& fields,
                       const std::vector<std::string>& ways)>
         form;
+    /** Lets the user mark lines of a list, the first one at the beginning. @return their indices; none: given up */
+    std::function<std::vector<int>(const std::string& title, const std::string& label,
+                                   const std::vector<std::string>& lines, const std::string& accept)>
+        lines_ask;
 };
 
 /** What is asked of an archive; those of archive_client.h, or others in tests. */
@@ -59,7 +70,7 @@ struct Archive_Operations {
                                            const std::filesystem::path& root, const volumes::Load_Progress&)>
         retrieve;
     std::function<archive::Send_Result(const archive::Archive_Settings&, std::span<const std::filesystem::path>,
-                                       const volumes::Load_Progress&)>
+                                       const volumes::Load_Progress&, const archive::Send_Wishes&)>
         send;
 };
 Archive_Operations Archive_Operations_Of_Network();
@@ -76,6 +87,7 @@ class Archive_Control : public Archive_Actions {
 
     void Archive_Open() override;
     void Labels_Send() override;
+    void Images_Send() override;
 
   private:
     /** @return no value: given up */
@@ -87,8 +99,26 @@ class Archive_Control : public Archive_Actions {
     /** @return whether a series was opened, and so for the next ones */
     bool Studies_Show(const archive::Archive_Settings& asked, const archive::Study_Query& query);
     bool Series_Show(const archive::Archive_Settings& asked, const archive::Study& study);
-    bool Fetch(const archive::Archive_Settings& asked, const archive::Series& series);
-    std::string Send(const archive::Archive_Settings& to, const std::filesystem::path& file);
+    /** @param lines of the series */
+    bool Series_Choose(const archive::Archive_Settings& asked, const std::string& study,
+                       const std::vector<std::string>& lines, const std::vector<archive::Series>& found);
+    /** Fetches several, one after the other. @param wanted at least one @return whether any was opened */
+    bool Fetch(const archive::Archive_Settings& asked, std::span<const archive::Series> wanted);
+    enum class Fetched { Kept, Given_Up, Not_There };
+    /** @param title of the window that shows how far it is @param error receives one sentence */
+    Fetched Fetch_One(const archive::Archive_Settings& asked, const archive::Series& series, const std::string& title,
+                      archive::Retrieve_Result& result, std::string& error);
+
+    /** Asks whether something may go, and in which way. @return no value: it may not */
+    std::optional<archive::Send_Wishes> Send_Ask(const std::string& title, const std::string& text);
+    /** @param what "labels" @return empty, or a sentence about what did not arrive */
+    std::string Send(const archive::Archive_Settings& to, const std::string& what,
+                     std::span<const std::filesystem::path> files, archive::Send_Wishes wishes);
+    /** Asks about pictures that may show who the patient is, and sends them then. @return as Send */
+    std::string Held_Send(const archive::Archive_Settings& to, const std::string& what,
+                          const archive::Send_Result& before, archive::Send_Wishes wishes);
+    std::string Sent_Tell(const archive::Archive_Settings& to, const std::string& what,
+                          const archive::Send_Result& sent);
 
     const Workspace& work;
     Dialogs& dialogs;

@@ -1,5 +1,7 @@
 """An archive in the network: the distribution's Orthanc, started on a port of the scenario's own."""
 import contextlib
+import datetime
+import hmac
 import json
 import os
 import shutil
@@ -86,7 +88,7 @@ def a_series_comes_from_an_archive_and_labels_go_back(run):
         app.answer_key("Send labels to an archive", "Return")
         app.window("Send labels")
         run.shot("archive_send", "Send labels")
-        app.answer("Send labels", "Send")
+        app.answer("Send labels", "Send with names")
         app.wait_said("status Labels sent to Test: 1 object accepted")
         back = [pydicom.dcmread(path) for path in archive.fetch(run.folder / "back", wanted.StudyInstanceUID)]
         objects = [one for one in back if one.Modality == "SEG"]
@@ -96,6 +98,7 @@ def a_series_comes_from_an_archive_and_labels_go_back(run):
         run.same("of the patient", data.PatientID, wanted.PatientID)
         run.check("what was written for it is gone",
                   not list((run.folder / "from_archives").glob("0.fetching-*")))
+        images_go_anonymously(run, app, archive, files)
         archive.end()
         app.menu("Open from an archive")
         app.answer_key("Open from an archive", "Return")
@@ -108,6 +111,65 @@ def a_series_comes_from_an_archive_and_labels_go_back(run):
         app.expect("the workbench keeps its contract with archives too", contract_reports=0)
     finally:
         archive.end()
+
+
+class Stand_In:
+    """What stands for a patient in anonymous images, worked out a second time."""
+
+    def __init__(self, settings, patient):
+        line = next(line for line in settings.read_text().splitlines() if line.startswith("archive_secret "))
+        self.secret = line.split()[1].encode()
+        self.patient = "ANON" + self.hash(f"patient {patient}")[:5].hex().upper()
+        self.days = 1 + int.from_bytes(self.hash(f"days {patient}")[:7], "big") % 3650
+
+    def hash(self, text):
+        return hmac.new(self.secret, text.encode(), "sha256").digest()
+
+    def identifier(self, identifier):
+        number = int.from_bytes(self.hash(f"identifier {identifier}")[:16], "big")
+        number = number & ~(0xF << 76) | 8 << 76
+        number = number & ~(3 << 62) | 2 << 62
+        return f"2.25.{number}"
+
+    def day(self, day):
+        return (datetime.datetime.strptime(day, "%Y%m%d") - datetime.timedelta(self.days)).strftime("%Y%m%d")
+
+
+def images_go_anonymously(run, app, archive, files):
+    """Element by element, as another program reads what the archive has then."""
+    pydicom = pydicom_library()
+    app.menu("Send images to an archive")
+    app.answer_key("Send images to an archive", "Return")
+    app.window("Send images")
+    run.shot("archive_send_images", "Send images")
+    app.answer("Send images", "Send anonymously")
+    app.wait_said(f"status Images sent to Test: {len(files)} objects accepted")
+    before = {str(one.SOPInstanceUID): one for one in map(pydicom.dcmread, files)}
+    any_before = next(iter(before.values()))
+    stand_in = Stand_In(run.settings, any_before.PatientID)
+    back = [pydicom.dcmread(path) for path in
+            archive.fetch(run.folder / "anonymous", stand_in.identifier(any_before.StudyInstanceUID))]
+    run.same("all images are there", sorted(str(one.SOPInstanceUID) for one in back),
+             sorted(map(stand_in.identifier, before)))
+    of = {stand_in.identifier(name): one for name, one in before.items()}
+    for one in back:
+        old = of[str(one.SOPInstanceUID)]
+        left = [element.keyword or str(element.tag) for element in one.iterall()
+                if element.tag.is_private or element.VR in ("LT", "ST", "UT", "AE", "AS")]
+        run.same("nothing private and no free text", left, [])
+        run.same("the patient", (str(one.PatientName), one.PatientID), (stand_in.patient, stand_in.patient))
+        run.same("no birthday, no sex", (one.get("PatientBirthDate"), one.get("PatientSex")),
+                 ("" if "PatientBirthDate" in old else None, "" if "PatientSex" in old else None))
+        for element in old:
+            if element.tag.is_private:
+                continue
+            if element.VR == "UI" and not str(element.value).startswith("1.2.840.10008."):
+                run.same(element.keyword, str(one[element.tag].value), stand_in.identifier(str(element.value)))
+            if element.VR == "DA" and element.value and element.keyword != "PatientBirthDate":
+                run.same(element.keyword, one[element.tag].value, stand_in.day(element.value))
+        run.same("marked", (one.PatientIdentityRemoved, [item.CodeValue for item in one.DeidentificationMethodCodeSequence]),
+                 ("YES", ["113100", "113107"]))
+        run.check("the same pixels", one.PixelData == old.PixelData)
 
 
 def run_search(run, app, patient):

@@ -11,6 +11,7 @@
 
 #include "dcmtk/dcmdata/dcdeftag.h"
 #include "tests/workbench/archive/archive_server.h"
+#include "workbench/archive/anonymous_object.h"
 #include "workbench/archive/archive_cache.h"
 #include "workbench/archive/archive_client.h"
 #include "workbench/volumes/dicom_data_set.h"
@@ -167,7 +168,7 @@ TEST_F(Archive_Client, knows_of_a_study_and_its_series_what_the_archive_knows) {
     ASSERT_THAT(studies.answers, SizeIs(1));
     const Study& study = studies.answers[0];
     EXPECT_EQ(study.identifier, "1.2.3.1");
-    EXPECT_EQ(study.date, "20240131");
+    EXPECT_EQ(study.date, "2024-01-31");
     EXPECT_EQ(study.description, "Head routine");
     EXPECT_EQ(study.modalities, "MR");
     EXPECT_EQ(study.series_count, 1);
@@ -271,6 +272,79 @@ TEST_F(Archive_Client, refuses_to_send_what_is_no_image_and_goes_on) {
     EXPECT_TRUE(result.files[1].is_accepted);
 }
 
+TEST_F(Archive_Client, sends_images_without_who_the_patient_is) {
+    Temporary_Folder folder;
+    Image_Facts facts;
+    facts.patient_name = "Roe^Richard";
+    facts.patient_id = "P3";
+    facts.study = "1.2.3.3";
+    facts.series = "1.2.3.3.1";
+    const auto files = Series_Write(folder.path / "r", facts, 2);
+    const std::string before = File_Text(files[0]);
+    const Send_Wishes wishes = {.is_anonymous = true, .is_picture_trusted = false, .secret = std::string(64, '5')};
+    const Send_Result result = Files_Send(server->Settings(), files, {}, wishes);
+    EXPECT_EQ(result.outcome.error, "");
+    EXPECT_EQ(result.accepted, 2);
+    EXPECT_EQ(File_Text(files[0]), before) << "the file on the disk stays";
+    const Anonymiser anonymiser(wishes.secret);
+    Study_Query query;
+    query.patient_id = "P3";
+    EXPECT_THAT(Names(query), ElementsAre(""));
+    query.patient_id = anonymiser.Patient_Name("P3");
+    const Search_Result<Study> found = Studies_Search(server->Settings(), query, {});
+    ASSERT_THAT(found.answers, SizeIs(1));
+    EXPECT_EQ(found.answers[0].identifier, anonymiser.Identifier("1.2.3.3"));
+    EXPECT_EQ(found.answers[0].patient_name, anonymiser.Patient_Name("P3"));
+    EXPECT_EQ(found.answers[0].description, "");
+    Series series;
+    series.study = found.answers[0].identifier;
+    series.identifier = anonymiser.Identifier("1.2.3.3.1");
+    series.image_count = 2;
+    const Retrieve_Result back = Series_Retrieve(server->Settings(), series, cache.path, {});
+    ASSERT_EQ(back.outcome.error, "");
+    const std::vector<fs::path> came = Files_In(back.folder);
+    ASSERT_THAT(came, SizeIs(2));
+    std::vector<std::string> pixels;
+    for (const fs::path& file : {files[0], came[0], came[1]}) {
+        const std::string content = Content_Of(file);
+        pixels.push_back(content.substr(content.rfind('|')));
+    }
+    EXPECT_TRUE(pixels[0] == pixels[1] || pixels[0] == pixels[2]);
+    for (const fs::path& file : came) {
+        EXPECT_THAT(File_Text(file), testing::Not(testing::AnyOf(HasSubstr("Roe"), HasSubstr("1.2.3.3"))));
+    }
+}
+
+TEST_F(Archive_Client, holds_back_pictures_that_may_show_who_the_patient_is) {
+    Temporary_Folder folder;
+    Image_Facts facts;
+    facts.patient_id = "P4";
+    facts.study = "1.2.3.4";
+    facts.series = "1.2.3.4.1";
+    facts.modality = "US";
+    const auto files = Series_Write(folder.path / "u", facts, 1);
+    Send_Wishes wishes = {.is_anonymous = true, .is_picture_trusted = false, .secret = std::string(64, '5')};
+    Send_Result result = Files_Send(server->Settings(), files, {}, wishes);
+    EXPECT_EQ(result.accepted + result.refused, 0);
+    ASSERT_EQ(result.held, 1);
+    EXPECT_EQ(result.files[0].remark, "they are ultrasound");
+    Study_Query query;
+    query.patient_id = Anonymiser(wishes.secret).Patient_Name("P4");
+    EXPECT_THAT(Studies_Search(server->Settings(), query, {}).answers, IsEmpty());
+    wishes.is_picture_trusted = true;
+    result = Files_Send(server->Settings(), files, {}, wishes);
+    EXPECT_EQ(result.accepted, 1);
+    EXPECT_THAT(Studies_Search(server->Settings(), query, {}).answers, SizeIs(1));
+}
+
+TEST_F(Archive_Client, sends_nothing_anonymously_without_a_secret) {
+    Send_Wishes wishes;
+    wishes.is_anonymous = true;
+    const Send_Result result = Files_Send(server->Settings(), stored, {}, wishes);
+    EXPECT_EQ(result.outcome.fault, Archive_Fault::Settings);
+    EXPECT_THAT(result.files, IsEmpty());
+}
+
 TEST_F(Archive_Client, tells_a_wrong_title) {
     Archive_Settings wrong = server->Settings();
     wrong.called_title = "OTHER";
@@ -301,17 +375,17 @@ class Failing_Archive : public testing::Test {
         ASSERT_TRUE(server->Is_Ready());
         Image_Facts facts;
         facts.side = 256;  // so that the series does not come in one piece
-        const std::vector<fs::path> files = Series_Write(source.path, facts, image_count);
-        ASSERT_EQ(Files_Send(server->Settings(), files, {}).accepted, image_count);
+        const std::vector<fs::path> files = Series_Write(source.path, facts, IMAGE_COUNT);
+        ASSERT_EQ(Files_Send(server->Settings(), files, {}).accepted, IMAGE_COUNT);
         settings = server->Settings();
         settings.times.associate = settings.times.silence = std::chrono::milliseconds(600);
         series.study = facts.study;
         series.identifier = facts.series;
-        series.image_count = image_count;
+        series.image_count = IMAGE_COUNT;
     }
 
   protected:
-    static constexpr int image_count = 20;
+    static constexpr int IMAGE_COUNT = 20;
     std::optional<Archive_Server> server;
     Temporary_Folder source;
     Temporary_Folder cache;
@@ -363,8 +437,8 @@ TEST_F(Failing_Archive, that_is_killed_while_it_takes_files_is_lost_and_those_be
     });
     EXPECT_TRUE(result.outcome.fault == Archive_Fault::Lost || result.outcome.fault == Archive_Fault::Nothing_Listens)
         << result.outcome.error;
-    EXPECT_GE(result.accepted, image_count / 2 - 1);
-    EXPECT_LT(result.accepted, image_count);
+    EXPECT_GE(result.accepted, IMAGE_COUNT / 2 - 1);
+    EXPECT_LT(result.accepted, IMAGE_COUNT);
 }
 
 TEST_F(Failing_Archive, is_given_up_at_once_while_it_is_silent) {
@@ -456,7 +530,7 @@ TEST(Archive_Identifier, is_numbers_between_dots_and_nothing_else) {
 
 /** A series in the cache. @param age hours */
 fs::path Cached(const fs::path& root, const std::string& name, std::size_t bytes, int age) {
-    const fs::path folder = root / name;
+    fs::path folder = root / name;
     fs::create_directories(folder);
     std::ofstream(folder / "1.2.dcm") << std::string(bytes, 'x');
     fs::last_write_time(folder, fs::file_time_type::clock::now() - std::chrono::hours(age));

@@ -5,10 +5,14 @@
 
 #include <deque>
 #include <filesystem>
+#include <map>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "tests/workbench/dialogs_double.h"
+#include "workbench/archive/secret_hash.h"
 #include "workbench/volumes/volume.h"
 
 using namespace workbench;
@@ -42,7 +46,7 @@ class Archive_Use : public testing::Test {
         archive::Study study;
         study.identifier = "1.2";
         study.patient_name = "Doe Jane";
-        study.date = "20240131";
+        study.date = "2024-01-31";
         study.modalities = "MR";
         study.series_count = 1;
         study.image_count = 3;
@@ -57,7 +61,7 @@ class Archive_Use : public testing::Test {
         fetched.folder = "/cache/1.2.3";
         fetched.image_count = 3;
         sent.accepted = 1;
-        sent.files = {{"/cache/x.dcm", true, ""}};
+        sent.files = {{"/cache/x.dcm", true, false, ""}};
     }
 
   protected:
@@ -72,7 +76,17 @@ class Archive_Use : public testing::Test {
         return {[this] { return lines; },
                 [this](const std::vector<std::string>& kept) { lines = kept; },
                 [this] { return cache; },
-                [this](const std::filesystem::path& folder) { opened.push_back(folder.generic_string()); },
+                [this](std::span<const std::filesystem::path> folders) {
+                    for (const std::filesystem::path& folder : folders) {
+                        opened.push_back(folder.generic_string());
+                    }
+                },
+                [this] { return image_files; },
+                [this] { return wishes; },
+                [this](const archive::Send_Wishes& kept) {
+                    wishes = kept;
+                    ++wishes_kept;
+                },
                 [this](const std::filesystem::path& file) {
                     written.push_back(file.filename().string());
                     return write_error;
@@ -90,6 +104,12 @@ class Archive_Use : public testing::Test {
                     const int way = forms.front().way;
                     forms.pop_front();
                     return way;
+                },
+                [this](const std::string&, const std::string& label, const std::vector<std::string>& shown,
+                       const std::string&) {
+                    series_label = label;
+                    series_shown = shown;
+                    return series_marked;
                 }};
     }
     Archive_Operations Operations() {
@@ -106,11 +126,18 @@ class Archive_Use : public testing::Test {
             [this](const Archive_Settings&, const std::string&, const volumes::Load_Progress&) { return series; },
             [this](const Archive_Settings&, const archive::Series& wanted, const std::filesystem::path&,
                    const volumes::Load_Progress&) {
-                fetched_series = wanted.identifier;
-                return fetched;
+                fetched_series.push_back(wanted.identifier);
+                const auto own = fetched_of.find(wanted.identifier);
+                return own == fetched_of.end() ? fetched : own->second;
             },
-            [this](const Archive_Settings& to, std::span<const std::filesystem::path>, const volumes::Load_Progress&) {
+            [this](const Archive_Settings& to, std::span<const std::filesystem::path> files,
+                   const volumes::Load_Progress&, const archive::Send_Wishes& how) {
                 asked_of = to.name;
+                sent_wishes.push_back(how);
+                sent_files.emplace_back(files.begin(), files.end());
+                if (sent_later && sent_wishes.size() > 1) {
+                    return *sent_later;
+                }
                 return sent;
             }};
     }
@@ -118,7 +145,16 @@ class Archive_Use : public testing::Test {
     std::vector<std::string> lines = {archive::Archive_Line(Radiology())};
     std::filesystem::path cache = std::filesystem::temp_directory_path() / "archive_use_test";
     std::vector<std::string> opened, written, form_titles;
-    std::string form_text, write_error, asked_of, fetched_series;
+    std::vector<std::string> fetched_series, series_shown;
+    std::vector<int> series_marked = {0};
+    std::string form_text, write_error, asked_of, series_label;
+    std::vector<std::filesystem::path> image_files = {"/images/1.dcm", "/images/2.dcm"};
+    archive::Send_Wishes wishes;
+    int wishes_kept = 0;
+    std::vector<archive::Send_Wishes> sent_wishes;
+    std::vector<std::vector<std::filesystem::path>> sent_files;
+    std::optional<archive::Send_Result> sent_later;
+    std::map<std::string, archive::Retrieve_Result> fetched_of;
     std::deque<Filled_Form> forms;
     std::vector<archive::Study_Query> queries;
     archive::Archive_Outcome tested;
@@ -132,19 +168,19 @@ class Archive_Use : public testing::Test {
 };
 
 TEST_F(Archive_Use, searches_fetches_and_opens) {
-    dialogs.ways = {0, 0, 0};  // the archive, the study, the series
+    dialogs.ways = {0, 0};  // the archive, the study
     forms = {{{{0, "Doe"}, {2, "2024-01-01"}}, 0}};
     archives.Archive_Open();
     EXPECT_EQ(asked_of, "Radiology");
     ASSERT_THAT(queries, SizeIs(1));
     EXPECT_EQ(queries[0].patient_name, "Doe");
     EXPECT_EQ(queries[0].date_from, "20240101");
-    EXPECT_EQ(fetched_series, "1.2.3");
+    EXPECT_THAT(fetched_series, ElementsAre("1.2.3"));
     EXPECT_THAT(opened, ElementsAre("/cache/1.2.3"));
     EXPECT_THAT(dialogs.told, ElementsAre("3 images fetched from Radiology"));
     EXPECT_THAT(dialogs.asked[1], HasSubstr("1 study, the latest first"));
-    EXPECT_THAT(dialogs.asked[2], HasSubstr("2024-01-31   Doe Jane   MR   1 series   3 images"));
-    EXPECT_THAT(dialogs.offered, ElementsAre("MR   Sagittal   3 images"));
+    EXPECT_EQ(series_label, "2024-01-31   Doe Jane   MR   1 series   3 images");
+    EXPECT_THAT(series_shown, ElementsAre("MR   Sagittal   3 images"));
 }
 
 TEST_F(Archive_Use, says_that_names_travel_in_clear_before_anything_is_asked) {
@@ -155,12 +191,14 @@ TEST_F(Archive_Use, says_that_names_travel_in_clear_before_anything_is_asked) {
 }
 
 TEST_F(Archive_Use, goes_back_a_step_where_a_list_is_closed_and_keeps_the_query) {
-    dialogs.ways = {0, 0, -1, -1};  // the series are closed, then the studies
+    series_marked.clear();      // the series are closed
+    dialogs.ways = {0, 0, -1};  // and then the studies
     forms = {{{{1, "P7"}}, 0}, {{}, -1}};
     archives.Archive_Open();
     EXPECT_THAT(form_titles, SizeIs(2));
     EXPECT_THAT(opened, IsEmpty());
-    dialogs.ways = {0, 0, 0};
+    series_marked = {0};
+    dialogs.ways = {0, 0};
     forms = {{{}, 0}};
     archives.Archive_Open();
     EXPECT_EQ(queries.back().patient_id, "P7");
@@ -187,7 +225,7 @@ TEST_F(Archive_Use, opens_an_incomplete_series_only_if_the_user_says_so) {
     fetched.outcome = {Archive_Fault::Incomplete, "2 of 3 images."};
     for (const int answer : {1, 0}) {
         opened.clear();
-        dialogs.ways = {0, 0, 0, answer, -1, -1};
+        dialogs.ways = {0, 0, answer, -1, -1};
         forms = {{{}, 0}};
         archives.Archive_Open();
         EXPECT_EQ(opened.size(), answer == 0 ? 1U : 0U);
@@ -197,10 +235,61 @@ TEST_F(Archive_Use, opens_an_incomplete_series_only_if_the_user_says_so) {
 TEST_F(Archive_Use, opens_nothing_that_failed) {
     fetched = {};
     fetched.outcome = {Archive_Fault::Lost, "The connection was lost."};
-    dialogs.ways = {0, 0, 0, 0, -1};
+    dialogs.ways = {0, 0, 0, -1};
     forms = {{{}, 0}};
     archives.Archive_Open();
     EXPECT_THAT(opened, IsEmpty());
+}
+
+/** Three series of the study. */
+class Several_Series : public Archive_Use {
+  public:
+    Several_Series() {
+        for (const char* const last : {"4", "5"}) {
+            archive::Series more = series.answers.front();
+            more.identifier = std::string("1.2.") + last;
+            more.description = std::string("Other ") + last;
+            series.answers.push_back(more);
+            archive::Retrieve_Result result;
+            result.folder = "/cache/" + more.identifier;
+            result.image_count = 10;
+            fetched_of[more.identifier] = result;
+        }
+        series_marked = {0, 1, 2};
+        dialogs.ways = {0, 0};
+        forms = {{{}, 0}};
+    }
+};
+
+TEST_F(Several_Series, are_fetched_one_after_the_other_and_opened_together) {
+    archives.Archive_Open();
+    EXPECT_THAT(fetched_series, ElementsAre("1.2.3", "1.2.4", "1.2.5"));
+    EXPECT_THAT(dialogs.run, testing::Contains("Fetching 2 of 3: Other 4"));
+    EXPECT_THAT(opened, ElementsAre("/cache/1.2.3", "/cache/1.2.4", "/cache/1.2.5"));
+    EXPECT_THAT(dialogs.told, ElementsAre("23 images fetched from Radiology"));
+}
+
+TEST_F(Several_Series, go_on_without_one_that_was_given_up_or_failed) {
+    fetched_of["1.2.4"].outcome = {Archive_Fault::Cancelled, "given up"};
+    dialogs.ways = {0, 0, 0};
+    archives.Archive_Open();
+    EXPECT_THAT(dialogs.asked.back(), HasSubstr("A series was given up. Fetch the series that are left?"));
+    EXPECT_THAT(opened, ElementsAre("/cache/1.2.3", "/cache/1.2.5"));
+    opened.clear();
+    fetched_of["1.2.4"].outcome = {Archive_Fault::Lost, "The connection was lost."};
+    dialogs.ways = {0, 0, 0};
+    forms = {{{}, 0}};
+    archives.Archive_Open();
+    EXPECT_THAT(dialogs.asked.back(), HasSubstr("The connection was lost. Fetch the series that are left?"));
+    EXPECT_THAT(opened, ElementsAre("/cache/1.2.3", "/cache/1.2.5"));
+}
+
+TEST_F(Several_Series, are_given_up_all_together_and_what_came_is_opened) {
+    fetched_of["1.2.4"].outcome = {Archive_Fault::Cancelled, "given up"};
+    dialogs.ways = {0, 0, 1};
+    archives.Archive_Open();
+    EXPECT_THAT(fetched_series, ElementsAre("1.2.3", "1.2.4"));
+    EXPECT_THAT(opened, ElementsAre("/cache/1.2.3"));
 }
 
 TEST_F(Archive_Use, asks_for_the_settings_where_there_is_no_archive_and_keeps_what_can_be_right) {
@@ -273,7 +362,7 @@ TEST_F(Archive_Use, sends_nothing_without_an_image_or_a_yes) {
     archives.Labels_Send();
     EXPECT_THAT(dialogs.warned, SizeIs(1));
     Volume_Take();
-    dialogs.ways = {0, 1};
+    dialogs.ways = {0, 2};
     archives.Labels_Send();
     EXPECT_THAT(written, IsEmpty());
 }
@@ -288,7 +377,7 @@ TEST_F(Archive_Use, tells_why_labels_did_not_arrive) {
     write_error.clear();
     sent.accepted = 0;
     sent.refused = 1;
-    sent.files = {{"/cache/x.dcm", false, "The archive refuses it: no room."}};
+    sent.files = {{"/cache/x.dcm", false, false, "The archive refuses it: no room."}};
     dialogs.ways = {0, 0};
     archives.Labels_Send();
     EXPECT_THAT(dialogs.warned.back(), HasSubstr("not taken. The archive refuses it: no room."));
@@ -302,6 +391,87 @@ TEST_F(Archive_Use, tells_why_labels_did_not_arrive) {
     archives.Labels_Send();
     EXPECT_THAT(dialogs.warned.back(), HasSubstr("the archive may have the labels already"));
     EXPECT_THAT(dialogs.told, IsEmpty());
+}
+
+TEST_F(Archive_Use, sends_images_as_they_lie_on_the_disk_and_tells_how_many_were_taken) {
+    Volume_Take();
+    sent.accepted = 2;
+    dialogs.ways = {0, 0};
+    archives.Images_Send();
+    ASSERT_THAT(sent_files, SizeIs(1));
+    EXPECT_EQ(sent_files[0], image_files);
+    EXPECT_FALSE(sent_wishes[0].is_anonymous);
+    EXPECT_THAT(dialogs.told, ElementsAre("Images sent to Radiology: 2 objects accepted"));
+    EXPECT_EQ(wishes_kept, 0);
+    sent.accepted = 1;
+    sent.refused = 1;
+    sent.files = {{"/images/1.dcm", true, false, ""},
+                  {"/images/2.dcm", false, false, "The archive refuses it: no room."}};
+    dialogs.ways = {0, 0};
+    archives.Images_Send();
+    EXPECT_EQ(dialogs.warned.back(),
+              "Images sent to Radiology: 1 object accepted, 1 object not. The archive refuses it: no room.");
+    sent.outcome = {Archive_Fault::Cancelled, "given up"};
+    dialogs.ways = {0, 0};
+    archives.Images_Send();
+    EXPECT_EQ(dialogs.warned.back(), "Sending was given up. Before that, the archive accepted 1 object.");
+}
+
+TEST_F(Archive_Use, sends_no_images_where_there_are_none) {
+    archives.Images_Send();
+    Volume_Take();
+    image_files.clear();
+    archives.Images_Send();
+    EXPECT_THAT(dialogs.warned, ElementsAre(HasSubstr("Open a DICOM image"), HasSubstr("Open a DICOM image")));
+    EXPECT_THAT(sent_files, IsEmpty());
+}
+
+TEST_F(Archive_Use, sends_anonymously_where_that_is_chosen_and_offers_it_first_the_next_time) {
+    Volume_Take();
+    dialogs.ways = {0, 1};  // the second way
+    archives.Images_Send();
+    EXPECT_THAT(dialogs.offered, ElementsAre("&Send with names", "Send &anonymously", "&Cancel"));
+    EXPECT_TRUE(sent_wishes.back().is_anonymous);
+    EXPECT_FALSE(sent_wishes.back().is_picture_trusted);
+    EXPECT_TRUE(archive::Is_Secret(wishes.secret));
+    EXPECT_EQ(wishes_kept, 1);
+    const std::string secret = wishes.secret;
+    dialogs.ways = {0, 0};
+    archives.Labels_Send();
+    EXPECT_THAT(dialogs.offered, ElementsAre("Send &anonymously", "&Send with names", "&Cancel"));
+    EXPECT_TRUE(sent_wishes.back().is_anonymous);
+    EXPECT_EQ(sent_wishes.back().secret, secret) << "the same for good";
+    EXPECT_EQ(wishes_kept, 1);
+    dialogs.ways = {0, 1};
+    archives.Images_Send();
+    EXPECT_FALSE(sent_wishes.back().is_anonymous);
+    EXPECT_EQ(wishes.secret, secret);
+    dialogs.ways = {0, 2};
+    archives.Images_Send();
+    EXPECT_THAT(sent_wishes, SizeIs(3));
+}
+
+TEST_F(Archive_Use, sends_pictures_with_texts_in_them_only_after_another_question) {
+    Volume_Take();
+    wishes = {.is_anonymous = true, .is_picture_trusted = false, .secret = std::string(64, '1')};
+    sent = {};
+    sent.held = 2;
+    sent.files = {{"/images/1.dcm", false, true, "they are ultrasound"},
+                  {"/images/2.dcm", false, true, "they are ultrasound"}};
+    dialogs.ways = {0, 0, 0};
+    archives.Images_Send();
+    EXPECT_THAT(dialogs.asked.back(),
+                HasSubstr("2 images may show in their pictures who the patient is: they are ultrasound."));
+    EXPECT_THAT(sent_wishes, SizeIs(1));
+    EXPECT_THAT(dialogs.told, ElementsAre("2 images not sent"));
+    sent_wishes.clear();
+    sent_later.emplace().accepted = 2;
+    dialogs.ways = {0, 0, 1};
+    archives.Images_Send();
+    ASSERT_THAT(sent_wishes, SizeIs(2));
+    EXPECT_TRUE(sent_wishes[1].is_picture_trusted);
+    EXPECT_EQ(sent_files.back(), image_files);
+    EXPECT_THAT(dialogs.told.back(), HasSubstr("2 objects accepted"));
 }
 
 TEST(Archive_Lines, say_everything_of_an_archive) {
