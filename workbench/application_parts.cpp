@@ -65,7 +65,7 @@ Application_Parts::Application_Parts(const Command_Line& command_line, Main_Wind
       keyboard({work, variables, dialogs, panels, image, planes, database, tools, tags, layouts, focus,
                 [&user](const Command_Call& call) { user.Execute(call); }}),
       focus(keyboard.Focus_Services()),
-      window_control({options, look, settings, variables, dialogs, panels, image, trace, database, histogram, opener,
+      window_control({options, look, settings, variables, labels, dialogs, panels, image, trace, database, histogram, opener,
                       segmentation_services, state_report, [this] { return window.Handle(); },
                       [&user] { user.Lay_Out(); }}),
       commands({opener, label_files, histogram.Exports(), label_objects, archives, history, tags, tools, color_advisor,

@@ -129,6 +129,7 @@ void Volume_Opener::Show(const std::filesystem::path& first, volumes::Image_Fold
     of.objects.Clear();
     try {
         of.work.volumes.Take(std::move(opened), std::move(numbers), of.work.session);
+        of.labels.Opened();
         of.objects.Build(of.work.volumes, of.work.session, std::move(frames));
         class_problem_found = of.database.Open(of.objects.Root(), first);
     } catch (const std::bad_alloc&) {
@@ -238,8 +239,7 @@ void Volume_Opener::Adopt() {
     of.histogram.Control().Volume_Follow(of.work.session.Slice_Nb(), view.background);
     of.objects.Current_Set(of.work.volumes.Current());
     of.objects.Show(of.work.slice);
-    of.labels.Unit_Follow();
-    of.labels.Adopt();
+    of.labels.Enter();
     const volumes::Volume& image_now = of.work.session.Image();
     of.dialogs.Log("volume " + std::to_string(image_now.nx) + " " + std::to_string(image_now.ny) + " " +
                    std::to_string(image_now.nz));
@@ -254,6 +254,7 @@ bool Volume_Opener::Set(int wanted) {
     Volume_View& left = of.work.volumes.View(of.work.volumes.Current());
     left = {of.work.statistics, of.work.grey_window, of.work.slice, of.histogram.Control().Background(),
             std::move(left.orientation)};
+    of.labels.Leave();
     of.work.volumes.Switch(wanted, of.work.session);
     Adopt();
     of.work.hub.Note(Change::Volume);

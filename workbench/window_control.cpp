@@ -12,6 +12,7 @@
 #include "workbench/enlarged_window.h"
 #include "workbench/histogram_desk.h"
 #include "workbench/image_area.h"
+#include "workbench/model/label_attributes.h"
 #include "workbench/panel_set.h"
 #include "workbench/segmentation_services.h"
 #include "workbench/state_report.h"
@@ -44,6 +45,7 @@ void Window_Control::Settings_Open() {
     of.settings.Open(of.options.settings.empty() ? Usual_Place() : volumes::Path_From_Utf8(of.options.settings));
     const Settings& kept = of.settings.Now();
     of.look.Theme_Set(kept.is_light ? Library_Theme::Light : Library_Theme::Dark);
+    of.labels.Share(kept.are_labels_shared);
     of.database.Width_Choose(of.look.Px(kept.database_width));
 }
 

@@ -16,6 +16,7 @@ namespace workbench {
 class Database_Control;
 class Histogram_Desk;
 class Image_Area;
+class Label_Attributes;
 class Panel_Set;
 class Segmentation_Services;
 class State_Report;
@@ -28,6 +29,7 @@ struct Window_Parts {
     Look& look;
     Settings_Keeper& settings;
     Host_Variables& variables;
+    Label_Attributes& labels;
     Dialogs& dialogs;
     Panel_Set& panels;
     Image_Area& image;

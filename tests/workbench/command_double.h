@@ -56,6 +56,8 @@ struct Command_Double : Volume_File_Actions,
     void Tag_Go_To() override { Note("Tag_Go_To"); }
     void Tag_Rename_Ask() override { Note("Tag_Rename_Ask"); }
     void Colors_Check() override { Note("Colors_Check"); }
+    void Labels_Share(bool on) override { Note("Labels_Share", Number(on)); }
+    bool Are_Labels_Shared() const override { return Is("Are_Labels_Shared"); }
     void Tag_Toggle(Tag_Mark mark) override { Note("Tag_Toggle", Number(mark)); }
     bool Has_Tag_Mark(Tag_Mark mark) const override {
         return Is(std::string("Has_Tag_Mark ") + std::to_string(Number(mark)));

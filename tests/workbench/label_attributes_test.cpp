@@ -4,7 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "host/kit_dataset.h"
 #include "tests/workbench/parts/work_scene.h"
+#include "workbench/model/label_state.h"
 
 using namespace workbench;
 
@@ -74,6 +76,86 @@ TEST_F(Attributes_Watch, differences_are_steps_of_their_kind) {
     labels.Note();
     EXPECT_TRUE(Told().Is_Empty());
     EXPECT_EQ(work.session.Journal().Undo_Nb(), 2U);
+}
+
+TEST_F(Attributes_Watch, each_volume_has_names_colours_and_states_of_its_own) {
+    Open(3);
+    values.Tag_Label_Set(1, "Liver");
+    values.Marker_Label_Set(2, "Apex");
+    values.Tag_Color_Set(1, 0xAA5500);
+    values.Marker_Color_Set(2, 0x0102FF);
+    values.Tag_Lock()[1] = 1;
+    values.Tag_Enable()[2] = 0;
+    values.Tag_Select()[3] = 0;
+    values.Threshold_Min()[1] = 12.5F;
+    values.Threshold_Max()[200] = 0.1F;
+    const Label_State mine = Label_State_Of(values, work.panel_scale);
+    Told();
+
+    Go(1);
+    EXPECT_EQ(work.session.Journal().Undo_Nb(), 0U);
+    EXPECT_EQ(values.Tag_Labels()[1], nullptr);
+    EXPECT_EQ(values.Marker_Labels()[2], nullptr);
+    EXPECT_NE(values.Tag_Color(1), 0xAA5500U);
+    EXPECT_EQ(values.Tag_Lock()[1], 0);
+    EXPECT_EQ(values.Threshold_Min()[1], TAG_THRESHOLD_MIN_UNSET);
+    EXPECT_TRUE(Changes({Change::Colors, Change::Texts, Change::Bands, Change::Tag_Shown, Change::Tag_Selected,
+                         Change::Tag_Locked})
+                    .Is_Within(Told()));
+    values.Tag_Label_Set(1, "Spleen");
+    labels.Note();
+
+    Go(2);
+    EXPECT_EQ(values.Tag_Labels()[1], nullptr);
+    Go(0);
+    EXPECT_EQ(Label_State_Of(values, work.panel_scale), mine);
+    EXPECT_EQ(work.session.Journal().Undo_Nb(), 3U);  // two names and the thresholds, noted when it was left
+    Go(1);
+    EXPECT_EQ(labels.Tag_Name(1), "Spleen");
+    EXPECT_EQ(work.session.Journal().Undo_Nb(), 1U);
+}
+
+TEST_F(Attributes_Watch, volumes_are_opened_with_the_names_that_there_are) {
+    values.Tag_Label_Set(1, "Liver");
+    Open(2);
+    Go(1);
+    EXPECT_EQ(labels.Tag_Name(1), "Liver");
+    Told();
+    Go(0);
+    EXPECT_TRUE(Told().Is_Empty());  // nothing is another way
+}
+
+TEST_F(Attributes_Watch, all_volumes_have_the_same_names_when_they_are_to) {
+    Open(2);
+    Go(1);
+    values.Tag_Label_Set(1, "Spleen");
+    Go(0);
+    values.Tag_Label_Set(1, "Liver");
+    labels.Share(true);
+    EXPECT_TRUE(labels.Is_Shared());
+    EXPECT_EQ(labels.Describe(1).tags[1].name, "Liver");
+    Go(1);
+    EXPECT_EQ(labels.Tag_Name(1), "Liver");
+    values.Tag_Label_Set(1, "Kidney");
+    labels.Share(false);
+    values.Tag_Label_Set(1, "Lung");
+    EXPECT_EQ(labels.Describe(0).tags[1].name, "Kidney");
+    Go(0);
+    EXPECT_EQ(labels.Tag_Name(1), "Kidney");
+    Go(1);
+    EXPECT_EQ(labels.Tag_Name(1), "Lung");
+}
+
+TEST_F(Attributes_Watch, another_volume_is_described_with_its_own_thresholds) {
+    Open(2);
+    work.panel_scale = {3, 1000.0};
+    values.Threshold_Min()[3] = 2500.0F;
+    values.Tag_Label_Set(3, "Liver");
+    const Label_Description mine = labels.Describe();
+    Go(1);
+    EXPECT_NE(labels.Describe(), mine);
+    EXPECT_EQ(labels.Describe(0), mine);
+    EXPECT_EQ(labels.Describe(1), labels.Describe());
 }
 
 }  // namespace

@@ -149,7 +149,7 @@ class Recovery : public ::testing::Test {
         session.Stroke_End();
     }
     std::optional<Recovery_Snapshot> Look() {
-        return recorder.Look(volumes, session, &Described, {"/data/image0.nii"});
+        return recorder.Look(volumes, session, [](int) { return Described(); }, {"/data/image0.nii"});
     }
     Recovery_Record Read() const {
         std::string bytes;

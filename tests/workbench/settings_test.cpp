@@ -28,6 +28,7 @@ Settings Example() {
     settings.overlay_opacity = 70;
     settings.views = {View_Arrangement::Four, 2, true};
     settings.is_linear = true;
+    settings.are_labels_shared = true;
     settings.is_trace_shown = true;
     settings.is_database_shown = true;
     settings.database_view = 2;
@@ -78,6 +79,7 @@ TEST(Settings, text_and_back_changes_nothing) {
     EXPECT_EQ(back.overlay_opacity, 70);
     EXPECT_EQ(back.views, (Views_Shown{View_Arrangement::Four, 2, true}));
     EXPECT_TRUE(back.is_linear);
+    EXPECT_TRUE(back.are_labels_shared);
     EXPECT_EQ(back.recent.size(), 2U);
     EXPECT_EQ(back.archives, Example().archives);
     EXPECT_TRUE(back.is_sent_anonymously);
@@ -93,6 +95,7 @@ TEST(Settings, nothing_gives_the_defaults) {
     EXPECT_EQ(Settings_Parse("").overlay_opacity, 45);
     EXPECT_EQ(Settings_Parse("").views, Views_Shown());
     EXPECT_FALSE(Settings_Parse("").is_linear);
+    EXPECT_FALSE(Settings_Parse("").are_labels_shared);
 }
 
 TEST(Settings, three_planes_of_earlier_versions_are_three_views) {

@@ -52,6 +52,7 @@ enum class Command {
     Check_Shows_Enable,
     Check_Shows_Select,
     Check_Shows_Lock,
+    Labels_Share,
     // View
     Slice_Next,
     Slice_Previous,

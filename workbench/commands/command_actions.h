@@ -102,6 +102,9 @@ class Label_Actions {
     virtual void Tag_More() = 0;
     virtual void Check_Mark_Set(Tag_Mark mark) = 0;
     virtual bool Is_Check_Mark(Tag_Mark mark) const = 0;
+    /** All open volumes have the names, colours, thresholds and states of the current one, or each its own. */
+    virtual void Labels_Share(bool on) = 0;
+    virtual bool Are_Labels_Shared() const = 0;
     virtual void Brush_Step(int step) = 0;
     virtual void Marker_Step(int step) = 0;
     virtual void Marker_Rename_Ask() = 0;

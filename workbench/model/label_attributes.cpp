@@ -1,6 +1,8 @@
 #include "workbench/model/label_attributes.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <memory>
 #include <optional>
 #include <span>
 #include <utility>
@@ -13,13 +15,59 @@ namespace workbench {
 
 namespace {
 
+constexpr Changes DESCRIBED = {Change::Colors,    Change::Texts,        Change::Bands,
+                               Change::Tag_Shown, Change::Tag_Selected, Change::Tag_Locked};
+
 /** Between 0x00RRGGBB and 0x00BBGGRR. */
 std::uint32_t Turned_Color(std::uint32_t color) {
     return ((color & 0xFFU) << 16U) | (color & 0xFF00U) | ((color >> 16U) & 0xFFU);
 }
 
-std::optional<std::string> Utf8_Name(const Label_Values& values, const char* label) {
-    return label != nullptr ? std::optional(values.Utf8_Of(label)) : std::nullopt;
+std::optional<std::string> Utf8_Name(const Label_Values& values, const std::optional<std::string>& label) {
+    return label ? std::optional(values.Utf8_Of(label->c_str())) : std::nullopt;
+}
+
+Claimed_Band Band_In(float low, float high, const Panel_Scale& scale) {
+    Claimed_Band band;
+    if (low > TAG_THRESHOLD_MIN_UNSET) {
+        band.low = scale.To_Grey(static_cast<double>(low));
+    }
+    if (high < TAG_THRESHOLD_MAX_UNSET) {
+        band.high = scale.To_Grey(static_cast<double>(high));
+    }
+    return band;
+}
+
+/** Of the TAGs that are offered. */
+Label_Description Description_Of(const Label_State& state, const Label_Values& values) {
+    Label_Description description;
+    for (int number = 0; number < values.Tag_Nb(); ++number) {
+        const auto at = static_cast<std::size_t>(number);
+        Tag_Description tag;
+        tag.number = number;
+        tag.color = state.tag_colors[at];
+        tag.is_shown = state.is_shown[at] != 0;
+        tag.is_selected = state.is_selected[at] != 0;
+        tag.is_locked = state.is_locked[at] != 0;
+        const Claimed_Band band = Band_In(state.low[at], state.high[at], state.scale);
+        if (band.low) {
+            tag.low = static_cast<float>(*band.low);
+        }
+        if (band.high) {
+            tag.high = static_cast<float>(*band.high);
+        }
+        tag.name = Utf8_Name(values, state.tag_names[at]);
+        description.tags.push_back(std::move(tag));
+    }
+    for (int number = 0; number < MARKER_NB; ++number) {
+        Marker_Description marker;
+        marker.number = number;
+        const auto at = static_cast<std::size_t>(number);
+        marker.color = Turned_Color(state.marker_colors[at]);
+        marker.name = Utf8_Name(values, state.marker_names[at]);
+        description.markers.push_back(std::move(marker));
+    }
+    return description;
 }
 
 /** Hands a name to what sets it as a text of the panels; null: none. @return false: letters were lost */
@@ -27,7 +75,7 @@ template <class Set>
 bool Name_Hand_On(const Label_Values& values, const std::optional<std::string>& name, const Set& set) {
     const std::string label = name ? values.Panel_Text_Of(*name) : std::string();
     set(name ? label.c_str() : nullptr);
-    return !name || Utf8_Name(values, label.c_str()) == name;
+    return !name || Utf8_Name(values, label) == name;
 }
 
 }  // namespace
@@ -48,45 +96,68 @@ void Label_Attributes::Adopt() {
 }
 
 Claimed_Band Label_Attributes::Band_Of(int tag) const {
-    Claimed_Band band;
     const auto at = static_cast<std::size_t>(tag);
-    if (const float low = values.Threshold_Min()[at]; low > TAG_THRESHOLD_MIN_UNSET) {
-        band.low = Grey_Of(low);
-    }
-    if (const float high = values.Threshold_Max()[at]; high < TAG_THRESHOLD_MAX_UNSET) {
-        band.high = Grey_Of(high);
-    }
-    return band;
+    return Band_In(values.Threshold_Min()[at], values.Threshold_Max()[at], work.panel_scale);
 }
 
 Label_Description Label_Attributes::Describe() const {
-    Label_Description description;
-    for (int number = 0; number < values.Tag_Nb(); ++number) {
-        const auto at = static_cast<std::size_t>(number);
-        Tag_Description tag;
-        tag.number = number;
-        tag.color = values.Tag_Color(number);
-        tag.is_shown = values.Tag_Enable()[at] != 0;
-        tag.is_selected = values.Tag_Select()[at] != 0;
-        tag.is_locked = values.Tag_Lock()[at] != 0;
-        const Claimed_Band band = Band_Of(number);
-        if (band.low) {
-            tag.low = static_cast<float>(*band.low);
-        }
-        if (band.high) {
-            tag.high = static_cast<float>(*band.high);
-        }
-        tag.name = Utf8_Name(values, values.Tag_Labels()[at]);
-        description.tags.push_back(std::move(tag));
+    return Description_Of(Label_State_Of(values, work.panel_scale), values);
+}
+
+Label_Description Label_Attributes::Describe(int volume) const {
+    return Has_Own(volume) ? Description_Of(*work.volumes.Labels_Kept(volume), values) : Describe();
+}
+
+bool Label_Attributes::Has_Own(int volume) const {
+    return !is_shared && volume != work.volumes.Current() && work.volumes.Labels_Kept(volume) != nullptr;
+}
+
+void Label_Attributes::All_Keep() {
+    const auto state = std::make_shared<const Label_State>(Label_State_Of(values, work.panel_scale));
+    for (int volume = 0; volume < work.volumes.Nb(); ++volume) {
+        work.volumes.Labels_Keep(volume, state);
     }
-    for (int number = 0; number < MARKER_NB; ++number) {
-        Marker_Description marker;
-        marker.number = number;
-        marker.color = Turned_Color(values.Marker_Color(number));
-        marker.name = Utf8_Name(values, values.Marker_Labels()[static_cast<std::size_t>(number)]);
-        description.markers.push_back(std::move(marker));
+}
+
+void Label_Attributes::Opened() {
+    if (!is_shared) {
+        All_Keep();
     }
-    return description;
+}
+
+void Label_Attributes::Leave() {
+    Note();
+    if (!is_shared && work.volumes.Current() >= 0) {
+        work.volumes.Labels_Keep(work.volumes.Current(),
+                                 std::make_shared<const Label_State>(Label_State_Of(values, work.panel_scale)));
+    }
+}
+
+void Label_Attributes::Enter() {
+    const Label_State* own = is_shared ? nullptr : work.volumes.Labels_Kept(work.volumes.Current());
+    if (own != nullptr && *own != Label_State_Of(values, work.panel_scale)) {
+        Label_State_Put(*own, values);
+        work.panel_scale = own->scale;
+        work.hub.Note(DESCRIBED);
+    }
+    Unit_Follow();
+    Adopt();
+}
+
+void Label_Attributes::Switch(int volume) {
+    if (volume < 0 || volume >= work.volumes.Nb() || volume == work.volumes.Current()) {
+        return;
+    }
+    Leave();
+    work.volumes.Switch(volume, work.session);
+    Enter();
+}
+
+void Label_Attributes::Share(bool on) {
+    if (!std::exchange(is_shared, on) || on) {
+        return;
+    }
+    All_Keep();
 }
 
 int Label_Attributes::Take(const Label_Description& description) {
@@ -112,8 +183,7 @@ int Label_Attributes::Take(const Label_Description& description) {
     }
     Adopt();
     Nb_Grow(highest);
-    work.hub.Note(
-        {Change::Colors, Change::Texts, Change::Bands, Change::Tag_Shown, Change::Tag_Selected, Change::Tag_Locked});
+    work.hub.Note(DESCRIBED);
     return changed_names;
 }
 

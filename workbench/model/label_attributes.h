@@ -1,5 +1,9 @@
 /** What describes the labels beside their voxels: names, colours, thresholds and states, between the panels, the
- *  history and files. No window. */
+ *  history, the open volumes and files. No window.
+ *
+ *  Each open volume has its own; the panels read those of the current one. By the user's choice all volumes have those
+ * of the current one instead.
+ */
 #pragma once
 
 #include <optional>
@@ -29,6 +33,22 @@ class Label_Attributes {
     void Adopt();
     /** As they are now; markers without their places. */
     Label_Description Describe() const;
+    /** Of whatever open volume. */
+    Label_Description Describe(int volume) const;
+
+    /** After volumes were opened: each begins with names and colours as they are now. Then Enter. */
+    void Opened();
+    /** Before another volume becomes the current one: keeps what belongs to this one. */
+    void Leave();
+    /** After another volume became the current one: hands what belongs to it to the panels. */
+    void Enter();
+    /** Makes another volume the current one for as long as nothing is shown, Leave and Enter included. */
+    void Switch(int volume);
+    /** Whether all open volumes have the names, colours, thresholds and states of the current one. What the others had
+     *  goes when they are to; they begin with the same when they are not to any more. */
+    void Share(bool on);
+    bool Is_Shared() const { return is_shared; }
+
     /** Takes over what was loaded, without a step. @return names that lost letters which the code page lacks */
     int Take(const Label_Description& description);
     /** Offers so many TAGs at least that the highest is among them. */
@@ -45,8 +65,12 @@ class Label_Attributes {
     float Told_Of(double grey) const { return static_cast<float>(work.panel_scale.To_Panel(grey)); }
 
   private:
+    bool Has_Own(int volume) const;
+    void All_Keep();
+
     Workspace& work;
     Label_Values& values;
+    bool is_shared = false;
 };
 
 }  // namespace workbench

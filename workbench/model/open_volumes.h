@@ -3,10 +3,13 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "workbench/model/label_state.h"
 #include "workbench/model/session.h"
 #include "workbench/model/slice_render.h"
 #include "workbench/volumes/image_folder.h"
@@ -56,7 +59,14 @@ class Open_Volumes {
     /** Whose images each of them holds. */
     const std::vector<volumes::File_Origin>& Origins() const { return origins; }
 
-    /** Makes another volume the current one. Levels stay where they are in memory. */
+    /** What describes the labels of a volume that is not the current one; null: nothing was kept. */
+    const Label_State* Labels_Kept(int volume) const { return volumes[static_cast<std::size_t>(volume)].labels.get(); }
+    /** @param state may be shared by many volumes; null: nothing is kept any more */
+    void Labels_Keep(int volume, std::shared_ptr<const Label_State> state) {
+        volumes[static_cast<std::size_t>(volume)].labels = std::move(state);
+    }
+
+    /** Makes another volume the current one; Label_Attributes::Switch also brings its labels' names. Levels stay where they are in memory. */
     void Switch(int wanted, Session& current_session);
     /** Volumes with work that is not saved. */
     std::vector<int> Unsaved(const Session& current_session) const;
@@ -66,6 +76,7 @@ class Open_Volumes {
         Volume_Facts facts;
         Volume_View view;
         Session session;  // without volume for the current one
+        std::shared_ptr<const Label_State> labels;
     };
     std::vector<Entry> volumes;
     std::vector<std::filesystem::path> files;

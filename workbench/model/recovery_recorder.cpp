@@ -43,7 +43,7 @@ bool Recovery_Recorder::Copy(const Session& session, std::size_t& room) {
 }
 
 std::optional<Recovery_Snapshot> Recovery_Recorder::Look(const Open_Volumes& volumes, const Session& current_session,
-                                                         const std::function<Label_Description()>& describe,
+                                                         const std::function<Label_Description(int volume)>& describe,
                                                          const std::vector<std::string>& opened) {
     std::map<std::uint64_t, std::uint64_t> now;
     std::vector<int> unsaved;
@@ -70,13 +70,12 @@ std::optional<Recovery_Snapshot> Recovery_Recorder::Look(const Open_Volumes& vol
     snapshot.time =
         std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch()).count();
     snapshot.opened = opened;
-    const Label_Description description = now.empty() ? Label_Description{} : describe();
     for (const int volume : unsaved) {
         const Session& session = volumes.Session_Of(volume, current_session);
         Recovery_Part& part = snapshot.parts.emplace_back();
         part.serial = session.Serial();
         part.order = session.Order();
-        Label_Description own = description;
+        Label_Description own = describe(volume);
         session.Markers_Describe(own.markers);
         part.facts = {Path_To_Utf8(session.Path()),
                       volumes.Facts(volume).title,

@@ -27,11 +27,11 @@ inline constexpr std::size_t RECOVERY_COPY_MOST = std::size_t{6} << 20U;
  *  there are many of them, several looks share the work; together they give one state, that of the last of them. */
 class Recovery_Recorder {
   public:
-    /** @param describe names, colours and thresholds as they are now; the places of markers are put in here
+    /** @param describe names, colours and thresholds of a volume as they are now; the places of markers are put in here
      *  @param opened paths that the volumes came from, UTF-8
      *  @return what is new since the last look that gave something; no value: nothing, or not all of it yet */
     std::optional<Recovery_Snapshot> Look(const Open_Volumes& volumes, const Session& current_session,
-                                          const std::function<Label_Description()>& describe,
+                                          const std::function<Label_Description(int volume)>& describe,
                                           const std::vector<std::string>& opened);
     /** The last look did not copy all that is new: look again soon. */
     bool Is_Unfinished() const { return is_unfinished; }

@@ -136,6 +136,9 @@ bool Take_Line(std::string_view name, std::string_view value, Settings& settings
     if (name == "tag_opacity") {
         return Take_Number(value, 0, 100, settings.overlay_opacity);
     }
+    if (name == "shared_labels") {
+        return Take_Flag(value, settings.are_labels_shared);
+    }
     if (name == "views") {
         return Take_Views(value, settings.views);
     }
@@ -225,6 +228,7 @@ std::string Settings_Text(const Settings& settings) {
     line("theme", settings.is_light ? "light" : "dark");
     flag("tag_colours", settings.is_overlay_shown);
     line("tag_opacity", std::to_string(settings.overlay_opacity));
+    flag("shared_labels", settings.are_labels_shared);
     line("views", std::string(ARRANGEMENT_NAMES[static_cast<std::size_t>(settings.views.arrangement)]) + " " +
                       std::to_string(settings.views.large));
     flag("linked_views", settings.views.is_linked);

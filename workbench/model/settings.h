@@ -33,9 +33,10 @@ struct Settings {
     Window_Place statistics_window;  ///< of the table of the TAGs
     bool is_light = false;           ///< theme
     bool is_overlay_shown = true;
-    int overlay_opacity = 45;  ///< per cent of the TAG colours over the image
-    Views_Shown views;         ///< of the image
-    bool is_linear = false;    ///< grey values run in straight lines from pixel to pixel
+    int overlay_opacity = 45;        ///< per cent of the TAG colours over the image
+    bool are_labels_shared = false;  ///< all open volumes have the names and colours of the current one
+    Views_Shown views;               ///< of the image
+    bool is_linear = false;          ///< grey values run in straight lines from pixel to pixel
     bool is_trace_shown = false;
     bool is_database_shown = false;
     int database_view = 0;              ///< tab

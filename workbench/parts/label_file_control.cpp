@@ -241,10 +241,10 @@ bool Label_File_Control::May_Leave() {
     int last = shown;
     for (std::size_t at = 0; at < unsaved.size() && outcome == Outcome::Saved; ++at) {
         last = unsaved[at];
-        work.volumes.Switch(last, work.session);
+        labels.Switch(last);
         outcome = Save_Asking(false);
     }
-    work.volumes.Switch(shown, work.session);
+    labels.Switch(shown);
     work.hub.Note(Change::Saved);
     if (outcome == Outcome::Load_Theirs) {
         host.go(last);

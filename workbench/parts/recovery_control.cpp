@@ -65,7 +65,7 @@ bool Recovery_Control::Look() {
             recorder.Forget();
         }
         std::optional<Recovery_Snapshot> snapshot = recorder.Look(
-            work.volumes, work.session, [this] { return labels.Describe(); }, work.opened_paths);
+            work.volumes, work.session, [this](int volume) { return labels.Describe(volume); }, work.opened_paths);
         is_unfinished = recorder.Is_Unfinished();
         is_complete = !is_unfinished;
         if (snapshot) {
@@ -143,15 +143,22 @@ bool Recovery_Control::Offer() {
     return false;
 }
 
-bool Recovery_Control::Take_Volume(const Recovery_Volume& wanted, int& volume) {
+bool Recovery_Control::Take_Volume(const Recovery_Volume& wanted, bool is_first, int& volume) {
     volume = Recovery_Volume_Find(work.volumes, work.session, wanted);
     if (volume >= 0) {
-        work.volumes.Switch(volume, work.session);
+        labels.Switch(volume);
     }
     const std::filesystem::path file =
         wanted.labels.empty() ? std::filesystem::path() : volumes::Path_From_Utf8(wanted.labels);
-    return volume >= 0 &&
-           work.session.Take_Up(Tags_Of(wanted), Recovery_Description(wanted).markers, file, wanted.stamps);
+    const Label_Description description = Recovery_Description(wanted);
+    if (volume < 0 || !work.session.Take_Up(Tags_Of(wanted), description.markers, file, wanted.stamps)) {
+        return false;
+    }
+    labels.Nb_Grow(work.session.Labels().Highest_Tag());
+    if (is_first || !labels.Is_Shared()) {  // names that all volumes have are those of the first
+        host.take(description);
+    }
+    return true;
 }
 
 void Recovery_Control::Take(Recovery_Found& found) {
@@ -165,7 +172,7 @@ void Recovery_Control::Take(Recovery_Found& found) {
     bool is_all = true;
     for (const Recovery_Volume& wanted : found.record.volumes) {
         int volume = -1;
-        if (!Take_Volume(wanted, volume)) {
+        if (!Take_Volume(wanted, first < 0, volume)) {
             is_all = false;
             dialogs.Warn("The image of " + wanted.title + " (" + wanted.image +
                          ") is not there as it was; the work on it is kept, and is offered again at the next start.");
@@ -173,13 +180,9 @@ void Recovery_Control::Take(Recovery_Found& found) {
             first = volume;
         }
     }
-    if (work.volumes.Nb() > 0) {
-        work.volumes.Switch(shown, work.session);
-    }
+    labels.Switch(shown);
     if (first >= 0) {
         host.go(first);
-        labels.Nb_Grow(work.session.Labels().Highest_Tag());
-        host.take(Recovery_Description(found.record.volumes.front()));
         work.hub.Note({Change::Pixels, Change::Markers, Change::Saved});
         dialogs.Tell("The work of " + Recovery_Time_Text(found.record.time) + " was taken up; it is not saved yet");
     }

@@ -25,8 +25,8 @@ struct Recovery_Host {
     std::function<void(int ms)> look_after;  ///< has Look called at such intervals, also in dialogs and menus
     std::function<void(std::span<const std::filesystem::path>)> open;  ///< opens images, in place of what is open
     std::function<void(int volume)> go;                                ///< makes a volume the current one
-    std::function<void(const Label_Description&)> take;                ///< takes over names and colours
-    std::function<void(const std::string&)> note;                      ///< what is being done, for a report of a crash
+    std::function<void(const Label_Description&)> take;  ///< takes over names and colours of the current volume
+    std::function<void(const std::string&)> note;        ///< what is being done, for a report of a crash
 };
 
 /** Where it is kept, beside the settings; empty when these are kept nowhere. */
@@ -57,7 +57,7 @@ class Recovery_Control {
   private:
     void Take(Recovery_Found& found);
     /** @return true: it lies on its volume again, which `volume` receives */
-    bool Take_Volume(const Recovery_Volume& wanted, int& volume);
+    bool Take_Volume(const Recovery_Volume& wanted, bool is_first, int& volume);
 
     Workspace& work;
     Label_Attributes& labels;

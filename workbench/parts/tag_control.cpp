@@ -94,6 +94,14 @@ void Tag_Control::Check_Mark_Set(Tag_Mark mark) {
     host.panel_set(check_mark, is_threshold_mode);
 }
 
+void Tag_Control::Labels_Share(bool on) {
+    host.settle();
+    labels.Share(on);
+    host.shared_keep(on);
+    dialogs.Tell(on ? "All open volumes have these names, colours and thresholds now"
+                    : "Each volume has names, colours and thresholds of its own now");
+}
+
 void Tag_Control::Threshold_Ask(bool is_upper) {
     const auto tag = static_cast<std::size_t>(values.Tag_Cur());
     float& limit = (is_upper ? values.Threshold_Max() : values.Threshold_Min())[tag];

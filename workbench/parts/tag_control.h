@@ -23,6 +23,7 @@ struct Tag_Host {
     /** The panel's check mark shows this, and its editor sets thresholds or not. */
     std::function<void(Tag_Mark check_mark, bool is_threshold_mode)> panel_set;
     std::function<bool(int step)> tool_step;  ///< @return true: the tool in hand has made itself larger or smaller
+    std::function<void(bool are_shared)> shared_keep;            ///< the choice, for the next start
     std::function<std::string(const std::string& text)> folded;  ///< the same for texts that differ in case only
 };
 
@@ -49,6 +50,8 @@ class Tag_Control : public Label_Actions {
     void Tag_More() override { labels.Nb_Grow(values.Tag_Nb()); }
     void Check_Mark_Set(Tag_Mark mark) override;
     bool Is_Check_Mark(Tag_Mark mark) const override { return mark == check_mark; }
+    void Labels_Share(bool on) override;
+    bool Are_Labels_Shared() const override { return labels.Is_Shared(); }
     void Brush_Step(int step) override;
     void Marker_Step(int step) override { Marker_Set(values.Marker_Cur() + step); }
     void Marker_Rename_Ask() override { Name_Ask(Text_Table::Marker_Labels); }

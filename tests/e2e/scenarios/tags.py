@@ -73,3 +73,27 @@ def the_wheel_scrolls_the_tags(run):
     app.click("TAG", "21")
     app.expect("the wheel scrolls the TAGs into view", tag_cur=21)
     run.shot("scrolled", " - Workbench")
+
+
+@scenario(is_short=True)
+def each_volume_has_names_of_its_own(run):
+    """A name, a threshold and a lock stay with their volume; a choice of the menu gives them to all."""
+    app = run.start(run.image("one.nii"), run.image("two.nii"))
+    first = app.expect("two images are open", volume_nb=2).volume_cur
+    app.click("TAG", "White matter", button=3)
+    app.type("Tissue")
+    app.key("Return", "2", "l")
+    app.expect("the TAG has another name and is locked", tag_label="Tissue", tag_lock=1)
+    app.key("ctrl+n")
+    app.expect("the other volume has its own", lambda s: s.volume_cur != first and s.tag_label == "White matter",
+               tag_lock=0, undo_nb=0)
+    run.shot("own_names", " - Workbench")
+    app.key("ctrl+p")
+    app.expect("the first has its name still", volume_cur=first, tag_label="Tissue", tag_lock=1, undo_nb=1)
+    app.key("ctrl+z")
+    app.expect("undo works on its own name", tag_label="White matter")
+    app.key("ctrl+y")
+    app.expect("and brings it back", tag_label="Tissue")
+    app.menu("Names and colours for all open volumes")
+    app.key("ctrl+n")
+    app.expect("all volumes have one name now", lambda s: s.volume_cur != first, tag_label="Tissue", tag_lock=1)

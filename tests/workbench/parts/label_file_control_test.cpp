@@ -220,4 +220,22 @@ TEST_F(Label_File_Watch, a_segmentation_object_is_not_the_labels_own_file) {
     EXPECT_THAT(dialogs.told, IsEmpty());
 }
 
+TEST_F(Label_File_Watch, each_volume_is_saved_with_its_own_names) {
+    Open(2);
+    values.Tag_Label_Set(1, "Liver");
+    Marker_Put(1, 2);
+    Go(1);
+    values.Tag_Label_Set(1, "Spleen");
+    Marker_Put(1, 2);
+    dialogs.answers = {Answer::Yes};
+    dialogs.files = {folder / "liver.nii", folder / "spleen.nii"};
+    EXPECT_TRUE(files.May_Leave());
+    EXPECT_EQ(labels.Tag_Name(1), "Spleen");
+    for (const std::string& organ : {std::string("liver"), std::string("spleen")}) {
+        const Label_Description_Loading read = Label_Description_Load(folder / (organ + ".nii"), {NZ, NX, NY});
+        ASSERT_TRUE(read.is_there);
+        EXPECT_EQ(read.description.tags[1].name, organ == "liver" ? "Liver" : "Spleen");
+    }
+}
+
 }  // namespace

@@ -43,9 +43,11 @@ struct Program {
     explicit Program(const fs::path& its_folder) : folder(its_folder) {}
     void Open() {
         work.volumes.Take(Images(), {}, work.session);
+        labels.Opened();
+        labels.Enter();
         work.opened_paths = {"/data"};
     }
-    void Go(int volume) { work.volumes.Switch(volume, work.session); }
+    void Go(int volume) { labels.Switch(volume); }
     Recovery_Host Host() {
         Recovery_Host host;
         host.now_ms = [this] { return now; };
@@ -210,6 +212,39 @@ TEST_F(Recovery_Watch, the_newest_report_of_a_crash_is_named) {
     const std::vector<fs::path> reports = {"crash-1.txt", "crash-2.txt"};
     program.recovery.Crashes_Tell(reports);
     EXPECT_THAT(program.dialogs.warned, ElementsAre(testing::AllOf(HasSubstr("crash-2.txt"), HasSubstr("1 more"))));
+}
+
+TEST_F(Recovery_Watch, each_volume_gets_its_own_names_back) {
+    {
+        Program died(folder);
+        died.recovery.Begin(folder, "1");
+        died.Open();
+        for (const int volume : {0, 1}) {
+            died.Go(volume);
+            died.values.Tag_Label_Set(3, volume == 0 ? "Liver" : "Spleen");
+            died.work.session.Marker_Set(2, {true, 1, 2, 1});
+        }
+        EXPECT_TRUE(died.recovery.Look());
+    }
+    Program next(folder);
+    next.recovery.Begin(folder, "1");
+    next.dialogs.ways = {0};
+    EXPECT_TRUE(next.recovery.Offer());
+    EXPECT_EQ(next.work.volumes.Current(), 0);
+    EXPECT_EQ(next.labels.Tag_Name(3), "Liver");
+    next.Go(1);
+    EXPECT_EQ(next.labels.Tag_Name(3), "Spleen");
+}
+
+TEST_F(Recovery_Watch, names_that_all_volumes_have_are_those_of_the_first) {
+    A_Run_Dies();
+    Program next(folder);
+    next.labels.Share(true);
+    next.recovery.Begin(folder, "1");
+    next.dialogs.ways = {0};
+    EXPECT_TRUE(next.recovery.Offer());
+    next.Go(0);
+    EXPECT_EQ(next.labels.Tag_Name(3), "Liver");
 }
 
 }  // namespace

@@ -50,10 +50,11 @@ struct Work_Scene {
         }
         work.volumes.Take(std::move(opened), {}, work.session);
         work.volumes.Switch(0, work.session);
-        labels.Adopt();
+        labels.Opened();
+        labels.Enter();
         work.hub.Listen(Change_Hub::Stage::Views, [this](Told_Changes& told) { changes |= told.changes; });
     }
-    void Go(int volume) { work.volumes.Switch(volume, work.session); }
+    void Go(int volume) { labels.Switch(volume); }
     /** Delivers what was noted. @return that */
     Changes Told() {
         changes = {};
