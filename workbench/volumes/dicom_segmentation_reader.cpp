@@ -1,23 +1,14 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <map>
-#include <numeric>
 #include <utility>
 
-#include "dcmtk/config/osconfig.h"
 #include "dcmtk/dcmdata/dcdeftag.h"
-#include "dcmtk/dcmdata/dcfilefo.h"
 #include "dcmtk/dcmdata/dcmetinf.h"
 #include "dcmtk/dcmdata/dcuid.h"
-#include "workbench/volumes/dicom_data_set.h"
 #include "workbench/volumes/dicom_fields.h"
-#include "workbench/volumes/dicom_frames.h"
 #include "workbench/volumes/dicom_label_reading.h"
-#include "workbench/volumes/dicom_pixels.h"
-#include "workbench/volumes/dicom_segmentation.h"
-#include "workbench/volumes/dicom_stored_frames.h"
-#include "workbench/volumes/frame_voxels.h"
+#include "workbench/volumes/dicom_segmentation_object.h"
 #include "workbench/volumes/lab_color.h"
 #include "workbench/volumes/message_text.h"
 
@@ -29,8 +20,6 @@ constexpr const char* LABEL_MAP_CLASS = "1.2.840.10008.5.1.4.1.1.66.7";  // Labe
 constexpr const char* TAG_DESCRIPTION = "TAG ";
 constexpr int TAG_MOST = 255;
 constexpr std::int32_t SEGMENT_NUMBER_MOST = 65535;
-
-enum class Kind { Binary, Label_Map, Shares };
 
 Coded_Concept Concept_Read(DcmItem& item, const DcmTagKey& tag) {
     DcmItem* const code = Field_Item(item, tag);
@@ -52,66 +41,7 @@ int Tag_Of_Description(const std::string& text) {
     return tag >= 1 && tag <= TAG_MOST ? tag : 0;
 }
 
-/** One object while it is read. */
-class Segmentation_Reader {
-  public:
-    Segmentation_Reader(std::span<const std::uint8_t> file_bytes, const Volume& shown_image,
-                        std::optional<double> share_threshold, const Load_Limits& file_limits,
-                        const Load_Progress& file_progress)
-        : bytes(file_bytes),
-          image(shown_image),
-          threshold(share_threshold),
-          limits(file_limits),
-          progress(file_progress) {}
-
-    Segmentation_Result Read();
-
-  private:
-    struct Frame {
-        std::int32_t number = 0;  ///< of the file, from 0
-        std::int32_t segment = 0;
-        Picture_Voxels voxels;
-    };
-
-    DcmDataset& Data_Set() { return *file.getDataset(); }
-    void Kind_Read();
-    void Segments_Read();
-    void Tags_Give(const std::vector<std::string>& descriptions);
-    void Format_Read();
-    std::int32_t Segment_Of_Frame(std::int32_t frame, DcmItem* own, DcmItem* shared);
-    void Frames_Read();
-    Placed_Picture Picture_Of(std::int32_t frame) const;
-    bool Is_Coarser(const std::map<std::array<std::int32_t, 3>, double>& depth_of) const;
-    bool On_Image();
-    void On_Own_Grid();
-    bool Is_Distance_Told();
-    double Own_Distance(const std::vector<double>& depths, const std::array<double, 3>& spacing);
-    void Labels_Begin(const Volume& like);
-    void Labels_Fill();
-    /** Gives voxels to a TAG, or to those of a label map. */
-    void Frame_Lay(const Frame& frame, std::span<const std::int64_t> values);
-    void Warnings_Tell();
-
-    std::span<const std::uint8_t> bytes;
-    const Volume& image;
-    std::optional<double> threshold;
-    const Load_Limits& limits;
-    const Load_Progress& progress;
-    Data_Set_Source source;  // outlives the data set
-    DcmFileFormat file;
-    std::optional<Stored_Frames> stored;
-    Kind kind = Kind::Binary;
-    Pixel_Format format;
-    std::int64_t share_whole = 0;  // value of a voxel that is wholly of the segment
-    std::map<std::int32_t, int> tag_of_segment;
-    Frame_Plan plan;
-    std::vector<Frame> frames;
-    std::uint64_t overlapping_nb = 0;
-    std::uint64_t outside_nb = 0;
-    std::uint64_t unknown_nb = 0;  // of a label map: numbers that are no segments
-    bool has_damage = false;       // frames that their codec had errors with
-    Segmentation_Result result;
-};
+}  // namespace
 
 void Segmentation_Reader::Kind_Read() {
     std::string object = Field_Text(Data_Set(), DCM_SOPClassUID);
@@ -286,140 +216,6 @@ void Segmentation_Reader::Frames_Read() {
     std::ranges::stable_sort(frames, {}, &Frame::segment);
 }
 
-Placed_Picture Segmentation_Reader::Picture_Of(std::int32_t frame) const {
-    const Frame_Facts& facts = plan.facts[static_cast<std::size_t>(frame)];
-    return {facts.place, {facts.spacing[0], facts.spacing[1]}, {format.width, format.height}};
-}
-
-// Its frames lie on slices of the image, but stand for thicker ones: those between must not stay empty.
-bool Segmentation_Reader::Is_Coarser(const std::map<std::array<std::int32_t, 3>, double>& depth_of) const {
-    if (depth_of.size() < 2) {
-        return false;
-    }
-    std::vector<double> depths;
-    depths.reserve(depth_of.size());
-    for (const auto& [origin, depth] : depth_of) {
-        depths.push_back(depth);
-    }
-    std::ranges::sort(depths);
-    double gap = depths.back() - depths.front();
-    for (std::size_t at = 1; at < depths.size(); ++at) {
-        gap = std::min(gap, depths[at] - depths[at - 1]);
-    }
-    const std::array<double, 3> normal = Slice_Normal(Picture_Of(frames.front().number).place);
-    double step = 0.0;  // mm from slice to slice of the image
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-        double along = 0.0;
-        for (std::size_t row = 0; row < 3; ++row) {
-            along += image.affine[row][axis] * normal[row] * (row < 2 ? -1.0 : 1.0);
-        }
-        step = std::max(step, std::abs(along));
-    }
-    constexpr double coarser = 1.5;
-    const double told = plan.facts[static_cast<std::size_t>(frames.front().number)].spacing[2];
-    return gap > coarser * step && told > coarser * step;
-}
-
-bool Segmentation_Reader::On_Image() {
-    std::map<std::array<std::int32_t, 3>, double> depth_of;  // of the slices of the image that frames lie on
-    double off = 0.0;
-    for (Frame& frame : frames) {
-        const Placed_Picture picture = Picture_Of(frame.number);
-        const std::optional<Picture_Voxels> found = Picture_Voxels_Find(image, picture);
-        if (!found) {
-            return false;
-        }
-        frame.voxels = *found;
-        off = std::max(off, found->off);
-        // Two frames that lie apart must not become one slice.
-        const double depth = Slice_Depth(picture.place);
-        constexpr double apart = 0.02;  // mm
-        const auto [place, is_new] = depth_of.emplace(found->origin, depth);
-        if (!is_new && std::abs(place->second - depth) > apart) {
-            return false;
-        }
-    }
-    if (Is_Coarser(depth_of)) {
-        return false;
-    }
-    constexpr double told_above = 0.1;
-    if (off > told_above) {
-        result.warnings.push_back("has frames that lie up to " + Amount_Text(off) +
-                                  " slices beside those of the image; each is on the nearest");
-    }
-    Labels_Begin(image);
-    result.is_on_image = true;
-    return true;
-}
-
-bool Segmentation_Reader::Is_Distance_Told() {
-    DcmItem* const shared = Field_Item(Data_Set(), DCM_SharedFunctionalGroupsSequence);
-    DcmItem* const measures = shared != nullptr ? Field_Item(*shared, DCM_PixelMeasuresSequence) : nullptr;
-    return measures != nullptr && Field_Number(*measures, DCM_SpacingBetweenSlices).has_value();
-}
-
-double Segmentation_Reader::Own_Distance(const std::vector<double>& depths, const std::array<double, 3>& spacing) {
-    if (depths.size() < 2) {
-        return spacing[2];
-    }
-    std::vector<double> gaps(depths.size());
-    std::adjacent_difference(depths.begin(), depths.end(), gaps.begin());
-    gaps.erase(gaps.begin());
-    const double least = std::ranges::min(gaps);
-    for (const double distance : {Is_Distance_Told() ? spacing[2] : least, least}) {
-        constexpr double off_most = 0.05;  // of the distance
-        const bool is_even = std::ranges::all_of(gaps, [&](double gap) {
-            const double steps = std::round(gap / distance);
-            return steps >= 1.0 && std::abs(gap - steps * distance) <= off_most * distance;
-        });
-        if (is_even) {
-            return distance;
-        }
-    }
-    throw Dicom_Refusal{"has frames that lie neither on the voxels of the image nor at even distances"};
-}
-
-void Segmentation_Reader::On_Own_Grid() {
-    Placed_Picture first = Picture_Of(frames.front().number);
-    std::vector<double> depths;
-    depths.reserve(frames.size());
-    for (const Frame& frame : frames) {
-        depths.push_back(Slice_Depth(Picture_Of(frame.number).place));
-        first = depths.back() < Slice_Depth(first.place) ? Picture_Of(frame.number) : first;
-    }
-    std::ranges::sort(depths);
-    constexpr double same = 0.02;  // mm
-    const auto is_same = [](double a, double b) { return b - a <= same; };
-    depths.erase(std::unique(depths.begin(), depths.end(), is_same), depths.end());
-    const std::array<double, 3>& spacing = plan.facts[static_cast<std::size_t>(frames.front().number)].spacing;
-    const double distance = Own_Distance(depths, spacing);
-    const double slices = std::round((depths.back() - depths.front()) / distance) + 1.0;
-    constexpr double slices_most = 65535;
-    if (!(slices <= slices_most)) {
-        throw Dicom_Refusal{"has frames that lie too far from one another"};
-    }
-    std::array<double, 3> normal = Slice_Normal(first.place);
-    for (double& part : normal) {
-        part *= distance;
-    }
-    Volume own;
-    own.nx = format.width;
-    own.ny = format.height;
-    own.nz = static_cast<std::int32_t>(slices);
-    own.nt = 1;
-    own.spacing = {first.pixel[0], first.pixel[1], distance};
-    own.affine = Affine_Of(first.place, own.spacing, normal);
-    own.affine_source = Affine_Source::Qform;
-    for (Frame& frame : frames) {
-        const std::optional<Picture_Voxels> found = Picture_Voxels_Find(own, Picture_Of(frame.number));
-        if (!found) {
-            throw Dicom_Refusal{"has frames that do not lie on one another"};
-        }
-        frame.voxels = *found;
-    }
-    Labels_Begin(own);
-}
-
 void Segmentation_Reader::Labels_Begin(const Volume& like) {
     result.labels = Labels_Like(like, limits);
     result.labels->encoding = source.syntax_name;
@@ -531,8 +327,6 @@ Segmentation_Result Segmentation_Reader::Read() {
     Warnings_Tell();
     return std::move(result);
 }
-
-}  // namespace
 
 std::string Tag_Description_Text(int tag) {
     return TAG_DESCRIPTION + std::to_string(tag);

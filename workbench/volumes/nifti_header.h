@@ -1,4 +1,4 @@
-/** The headers of NIfTI-1, NIfTI-2 and Analyze 7.5 files: decoding, checking, geometry. */
+/** The headers of NIfTI-1, NIfTI-2 and Analyze 7.5 files: decoding and checking. */
 #pragma once
 
 #include <array>
@@ -71,15 +71,5 @@ struct Nifti_Header_Result {
 /** Decodes and checks a header. Never throws but for want of memory.
  *  @param bytes exactly as many as Nifti_Header_Recognise asks for */
 Nifti_Header_Result Nifti_Header_Decode(std::span<const std::uint8_t> bytes);
-
-/** Voxel sizes, time step, affine and its source into `volume`: from the sform if it is usable, else the qform, else
- * the voxel sizes alone; voxel sizes that are no positive number follow from a usable sform. An image of one slice
- * (volume.nz) may have an sform without a step to the next. Lengths given in metres or micrometres become millimetres.
- * @param geometry present */
-void Geometry_Apply(const Stored_Geometry& geometry, Volume& volume);
-
-/** What a user has to know of a geometry that Geometry_Apply has put into `volume`, each to follow the file's name:
- *  nothing where the file's words agree. */
-std::vector<std::string> Geometry_Warnings(const Stored_Geometry& geometry, const Volume& volume);
 
 }  // namespace volumes

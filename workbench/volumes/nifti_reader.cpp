@@ -12,6 +12,7 @@
 #include "workbench/volumes/decoded_source.h"
 #include "workbench/volumes/level_builder.h"
 #include "workbench/volumes/message_text.h"
+#include "workbench/volumes/nifti_geometry.h"
 #include "workbench/volumes/nifti_header.h"
 #include "workbench/volumes/text_header_reader.h"
 

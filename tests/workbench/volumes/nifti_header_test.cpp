@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "tests/workbench/volumes/nifti_bytes.h"
+#include "workbench/volumes/nifti_geometry.h"
 
 using namespace volumes;
 
