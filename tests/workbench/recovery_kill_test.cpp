@@ -125,7 +125,7 @@ Voxel_Change Change_Of_Slices(const Session& session, std::mt19937& random) {
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 1500));
         if (Clock::now() - looked > std::chrono::milliseconds(LOOK_MS)) {
             looked = Clock::now();
-            if (auto snapshot = recorder.Look(volumes, session, [] { return Label_Description{}; }, {"/data"})) {
+            if (auto snapshot = recorder.Look(volumes, session, [](int) { return Label_Description{}; }, {"/data"})) {
                 keeper.Offer(std::move(*snapshot));
             }
         }
