@@ -16,41 +16,15 @@ namespace workbench {
 
 namespace {
 
-constexpr int TAB_HEIGHT = 26;  // pixels at 96 dots per inch
-constexpr int FIND_HEIGHT = 24;
-constexpr int FIND_INSET = 6;
-constexpr int GAP = 6;
-constexpr int BUTTON_WIDTH = 26;
-constexpr int EDIT_WIDTH = 74;
-constexpr int EDGE = 5;                      // the left edge, by which the column is made wider
+constexpr int FIND_INSET = 6;                // pixels at 96 dots per inch
+constexpr int GAP = 6;                       // below and right of the panels
 constexpr unsigned short TREE_GREY = 140;    // yellow, blue, red and black texts can all be read on it
 constexpr unsigned short EDITOR_GREY = 200;  // the diagram's grey lines can be seen on it
 constexpr int TREE_FONT = 13;
 constexpr int FIND_FIELD_ID = 1;
 constexpr UINT FIND_CUE_BANNER = 0x1501;  // EM_SETCUEBANNER
-constexpr int BUTTON_NB = 3;              // expand all, collapse all, edit
-
-struct Tab_Of_View {
-    Database_View view;
-    const wchar_t* text;
-};
-constexpr Tab_Of_View TABS[DATABASE_VIEW_NB] = {{Database_View::Files, L"Files"},
-                                                {Database_View::Patients, L"Patients"},
-                                                {Database_View::Classes_2D, L"2D classes"},
-                                                {Database_View::Classes_3D, L"3D classes"},
-                                                {Database_View::Classes_1D, L"1D classes"}};
-constexpr const wchar_t* BUTTON_TEXT[BUTTON_NB] = {L"+", L"\u2212", L"Edit"};
-constexpr const wchar_t* BUTTON_NAME[BUTTON_NB] = {L"Expand all", L"Collapse all", L"Edit the class tree"};
 constexpr int FILE_MODE = 2;
 constexpr int CLASS_MODE[] = {2, 3, 1};  // the dimension of the class views, in their order
-
-/** A tab's text; only its first word where there is no room for all. */
-std::wstring_view Tab_Text(HDC dc, HFONT font, std::wstring_view text, int room) {
-    const Selected_Object selected(dc, font);
-    SIZE size = {};
-    ::GetTextExtentPoint32W(dc, text.data(), static_cast<int>(text.size()), &size);
-    return size.cx < room ? text : text.substr(0, text.find(L' '));
-}
 
 }  // namespace
 
@@ -102,7 +76,7 @@ class Database_Pane::Relay : public Hosted_Panel {
 };
 
 Database_Pane::Database_Pane(const Look& shared_look, Database_Host application)
-    : look(shared_look), host(std::move(application)) {
+    : look(shared_look), strip(shared_look), host(std::move(application)) {
     auto files = std::make_shared<Tool_DB_File>(FILE_MODE);
     auto patients = std::make_shared<Patient_View>(host.origin_of);
     patients->Source_Set(files.get());
@@ -159,50 +133,24 @@ int Database_Pane::Shown() const {
                : static_cast<int>(view);
 }
 
-int Database_Pane::Top_Height() const {
-    return look.Px(TAB_HEIGHT) + look.Px(FIND_HEIGHT) + 3 * look.Px(GAP);
-}
-
-RECT Database_Pane::Tab(int at) const {
-    const int left = look.Px(EDGE) + look.Px(GAP);
-    const int width = (Client().right - left - look.Px(GAP)) / DATABASE_VIEW_NB;
-    const int top = look.Px(GAP);
-    return {left + at * width, top, left + (at + 1) * width, top + look.Px(TAB_HEIGHT)};
-}
-
-RECT Database_Pane::Button(int at) const {
-    const int top = look.Px(TAB_HEIGHT) + 2 * look.Px(GAP);
-    int right = Client().right - look.Px(GAP);
-    for (int behind = BUTTON_NB - 1; behind > at; --behind) {
-        right -= look.Px(behind == BUTTON_NB - 1 ? EDIT_WIDTH : BUTTON_WIDTH) + look.Px(GAP);
-    }
-    const int width = look.Px(at == BUTTON_NB - 1 ? EDIT_WIDTH : BUTTON_WIDTH);
-    return {right - width, top, right, top + look.Px(FIND_HEIGHT)};
-}
-
-RECT Database_Pane::Find_Box() const {
-    const int left = look.Px(EDGE) + look.Px(GAP);
-    const int top = look.Px(TAB_HEIGHT) + 2 * look.Px(GAP);
-    return {left, top, std::max<LONG>(Button(0).left - look.Px(GAP), left + 10), top + look.Px(FIND_HEIGHT)};
-}
-
 void Database_Pane::Lay_Out() {
     const RECT client = Client();
     if (client.right <= 0 || client.bottom <= 0) {
         return;
     }
-    const int left = look.Px(EDGE) + look.Px(GAP);
+    const int left = strip.Left();
+    const int gap = look.Px(GAP);
     ::SendMessageW(find_field, WM_SETFONT, reinterpret_cast<WPARAM>(look.Font()), TRUE);
     // A field of one line keeps its text at its top: as high as the text, in the middle of the box drawn for it.
-    const RECT box = Find_Box();
+    const RECT box = strip.Find_Box(Client());
     const int height = std::min<int>(Line_Height(look.Font()), box.bottom - box.top - 2);
     ::SetWindowPos(find_field, nullptr, box.left + look.Px(FIND_INSET), (box.top + box.bottom - height) / 2,
                    std::max<int>(box.right - box.left - 2 * look.Px(FIND_INSET), 1), height,
                    SWP_NOZORDER | SWP_NOACTIVATE);
     for (Hosted& hosted : panels) {
         if (hosted.host) {
-            hosted.host->Place({left, Top_Height(), std::max<LONG>(client.right - look.Px(GAP), left + 1),
-                                std::max<LONG>(client.bottom - look.Px(GAP), Top_Height() + 1)});
+            hosted.host->Place({left, strip.Height(), std::max<LONG>(client.right - gap, left + 1),
+                                std::max<LONG>(client.bottom - gap, strip.Height() + 1)});
         }
     }
     Show_Panel();
@@ -303,12 +251,13 @@ void Database_Pane::Accessible_Names() {
     source.parts = [this] {
         std::vector<Accessible_Part> parts;
         for (int at = 0; at < DATABASE_VIEW_NB; ++at) {
-            const LONG state = view == TABS[at].view ? STATE_SYSTEM_SELECTED : 0;
-            parts.push_back({TABS[at].text, L"", ROLE_SYSTEM_PAGETAB, state, Tab(at)});
+            const LONG state = view == Database_Strip::Tab_View(at) ? STATE_SYSTEM_SELECTED : 0;
+            parts.push_back({Database_Strip::Tab_Name(at), L"", ROLE_SYSTEM_PAGETAB, state, strip.Tab(Client(), at)});
         }
-        for (int at = 0; at < BUTTON_NB; ++at) {
-            const LONG state = at == BUTTON_NB - 1 && is_editor ? STATE_SYSTEM_PRESSED : 0;
-            parts.push_back({BUTTON_NAME[at], L"", ROLE_SYSTEM_PUSHBUTTON, state, Button(at)});
+        for (int at = 0; at < Database_Strip::BUTTON_NB; ++at) {
+            const LONG state = at == Database_Strip::EDIT_BUTTON && is_editor ? STATE_SYSTEM_PRESSED : 0;
+            parts.push_back(
+                {Database_Strip::Button_Name(at), L"", ROLE_SYSTEM_PUSHBUTTON, state, strip.Button(Client(), at)});
         }
         return parts;
     };
@@ -356,50 +305,31 @@ void Database_Pane::Paint() {
     const HDC dc = paint.Dc();
     Fill(dc, paint.Client(), look.ground);
     Fill(dc, {0, 0, 1, paint.Client().bottom}, look.line);
-    for (int at = 0; at < DATABASE_VIEW_NB; ++at) {
-        const RECT tab = Tab(at);
-        const bool is_shown = view == TABS[at].view;
-        Fill(dc, tab, is_shown ? look.heading_hover : look.heading);
-        if (is_shown) {
-            Fill(dc, {tab.left, tab.bottom - look.Px(2), tab.right, tab.bottom}, look.accent);
-        }
-        Draw_Line(dc, tab, Tab_Text(dc, look.Bold(), TABS[at].text, tab.right - tab.left),
-                  is_shown ? look.Bold() : look.Font(), is_shown ? look.text : look.text_grey, DT_CENTER);
-    }
-    Fill(dc, Find_Box(), look.heading);
-    Frame(dc, Find_Box(), 1, ::GetFocus() == find_field ? look.accent : look.text_grey);
-    for (int at = 0; at < BUTTON_NB; ++at) {
-        const bool is_on = at == BUTTON_NB - 1 && is_editor;
-        const RECT button = Button(at);
-        Fill(dc, button, is_on ? look.accent : look.heading);
-        Draw_Line(dc, button, BUTTON_TEXT[at], look.Bold(), is_on ? look.accent_text : look.text, DT_CENTER);
-    }
+    strip.Paint(dc, paint.Client(), view, is_editor, ::GetFocus() == find_field);
     if (has_focus) {
         Frame(dc, paint.Client(), look.Px(3), look.accent);
     }
 }
 
 void Database_Pane::Press(POINT point) {
-    if (point.x < look.Px(EDGE)) {
-        is_dragged = true;
-        ::SetCapture(Handle());
-        return;
-    }
-    const RECT find = Find_Box();
-    if (::PtInRect(&find, point) != 0) {
-        return Find_Begin();
-    }
-    for (int at = 0; at < DATABASE_VIEW_NB; ++at) {
-        const RECT tab = Tab(at);
-        if (::PtInRect(&tab, point) != 0) {
-            return View_Set(TABS[at].view);
-        }
-    }
-    for (int at = 0; at < BUTTON_NB; ++at) {
-        const RECT button = Button(at);
-        if (::PtInRect(&button, point) != 0) {
-            return at == BUTTON_NB - 1 ? Editor_Set(!is_editor) : Expand_All(at == 0);
-        }
+    const Database_Strip::Hit hit = strip.Part_At(Client(), point);
+    switch (hit.part) {
+        case Database_Strip::Part::Edge:
+            is_dragged = true;
+            ::SetCapture(Handle());
+            return;
+        case Database_Strip::Part::Find:
+            return Find_Begin();
+        case Database_Strip::Part::Tab:
+            return View_Set(hit.view);
+        case Database_Strip::Part::Expand:
+            return Expand_All(true);
+        case Database_Strip::Part::Collapse:
+            return Expand_All(false);
+        case Database_Strip::Part::Edit:
+            return Editor_Set(!is_editor);
+        case Database_Strip::Part::None:
+            return;
     }
 }
 
@@ -419,7 +349,7 @@ LRESULT Database_Pane::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
                 Find_Changed();
             } else if (LOWORD(wparam) == FIND_FIELD_ID &&
                        (HIWORD(wparam) == EN_SETFOCUS || HIWORD(wparam) == EN_KILLFOCUS)) {
-                const RECT box = Find_Box();
+                const RECT box = strip.Find_Box(Client());
                 Invalidate(&box);
             }
             return 0;
@@ -432,7 +362,7 @@ LRESULT Database_Pane::On_Message(UINT message, WPARAM wparam, LPARAM lparam) {
             POINT pointer = {};
             ::GetCursorPos(&pointer);
             ::ScreenToClient(Handle(), &pointer);
-            if (reinterpret_cast<HWND>(wparam) == Handle() && pointer.x < look.Px(EDGE)) {
+            if (reinterpret_cast<HWND>(wparam) == Handle() && strip.Is_Edge(pointer)) {
                 ::SetCursor(::LoadCursorW(nullptr, MAKEINTRESOURCEW(32644)));  // sizing, left and right
                 return TRUE;
             }

@@ -9,15 +9,13 @@
 
 #include "database/tool_db_class.h"
 #include "database/tool_db_file.h"
+#include "workbench/database/database_strip.h"
 #include "workbench/database/find_view.h"
 #include "workbench/database/keyed_tree.h"
 #include "workbench/database/patient_view.h"
 
 namespace workbench {
 
-/** What the column shows. */
-enum class Database_View { Files, Classes_2D, Classes_3D, Classes_1D, Patients };
-inline constexpr int DATABASE_VIEW_NB = 5;
 inline constexpr int DATABASE_WIDTH_LEAST = 240;  ///< of the column, pixels at 96 dots per inch
 
 /** What the column needs of the application. */
@@ -92,14 +90,9 @@ class Database_Pane : public Window_Base {
     void Find_Changed();
     void Paint();
     void Press(POINT point);
-    /** @param at from the left */
-    RECT Tab(int at) const;
-    /** The frame around the find field. */
-    RECT Find_Box() const;
-    RECT Button(int at) const;
-    int Top_Height() const;
 
     const Look& look;
+    Database_Strip strip;
     Database_Host host;
     std::array<Hosted, PANEL_NB> panels;
     Find_View* found = nullptr;           // the last panel
