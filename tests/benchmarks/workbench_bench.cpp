@@ -229,7 +229,7 @@ void Recovery_Looks(benchmark::State& state) {
             do {
                 start = Clock::now();
                 const std::optional<Recovery_Snapshot> snapshot =
-                    recorder.Look(open, session, [] { return Label_Description(); }, {});
+                    recorder.Look(open, session, [](int) { return Label_Description(); }, {});
                 worst = std::max(worst, since(start));
                 ++looks;
             } while (recorder.Is_Unfinished());
