@@ -117,9 +117,8 @@ void Database_Control::Run(const std::function<void()>& event) {
 }
 
 bool Database_Control::May_Remove(const std::string& class_name) {
-    const std::wstring question = L"Take \"" + Wide_Of_Panel(class_name.c_str()) +
-                                  L"\" out of the class tree?\n\nIts children move up to its parent.";
-    return ::MessageBoxW(of.window(), question.c_str(), L"Class tree", MB_YESNO | MB_ICONQUESTION) == IDYES;
+    return of.dialogs.Yes_No_Ask("Class tree", "Take \"" + Utf8_Of_Wide(Wide_Of_Panel(class_name.c_str())) +
+                                                   "\" out of the class tree?\n\nIts children move up to its parent.");
 }
 
 void Database_Control::Opened_Tell(const std::string& found) {
@@ -168,11 +167,9 @@ bool Database_Control::May_Leave() {
     if (!history.Is_Unsaved()) {
         return true;
     }
-    const std::wstring why = problem.empty()
-                                 ? L"The changes of the class trees are kept beside an image, and none is open."
-                                 : Wide_Of_Utf8(problem);
-    return ::MessageBoxW(of.window(), (why + L"\n\nGo on without them?").c_str(), L"Class tree",
-                         MB_YESNO | MB_ICONWARNING) == IDYES;
+    const std::string why =
+        problem.empty() ? "The changes of the class trees are kept beside an image, and none is open." : problem;
+    return of.dialogs.Yes_No_Ask("Class tree", why + "\n\nGo on without them?");
 }
 
 }  // namespace workbench

@@ -23,7 +23,6 @@ struct Database_Parts {
     Workspace& work;
     Volume_Objects& objects;
     Dialogs& dialogs;
-    std::function<HWND()> window;                     ///< the main one
     std::function<void()> lay_out;                    ///< the column wants other room
     std::function<void()> checked;                    ///< the user has checked other frames
     std::function<void(const Quorel_2D*)> go;         ///< shows a frame of whatever volume; null: none

@@ -100,6 +100,11 @@ int Window_Dialogs::Way_Ask(const std::string& title, const std::string& text, c
     return Choice_Ask(owner(), Wide_Of_Utf8(title), Wide_Of_Utf8(text), Wide_Lines(ways));
 }
 
+bool Window_Dialogs::Yes_No_Ask(const std::string& title, const std::string& question) {
+    return ::MessageBoxW(owner(), Wide_Of_Utf8(question).c_str(), Wide_Of_Utf8(title).c_str(),
+                         MB_YESNO | MB_ICONQUESTION) == IDYES;
+}
+
 Dialogs::Answer Window_Dialogs::Yes_No_Cancel_Ask(const std::string& title, const std::string& question) {
     const int answer = ::MessageBoxW(owner(), Wide_Of_Utf8(question).c_str(), Wide_Of_Utf8(title).c_str(),
                                      MB_YESNOCANCEL | MB_ICONQUESTION);

@@ -36,6 +36,7 @@ class Window_Dialogs : public Dialogs {
     int Line_Ask(const std::string& title, const std::string& label, const std::vector<std::string>& lines, int current,
                  const std::string& accept) override;
     int Way_Ask(const std::string& title, const std::string& text, const std::vector<std::string>& ways) override;
+    bool Yes_No_Ask(const std::string& title, const std::string& question) override;
     Answer Yes_No_Cancel_Ask(const std::string& title, const std::string& question) override;
     int Text_Show(const std::string& title, const std::string& text, const std::vector<std::string>& choices) override;
     std::optional<std::filesystem::path> File_To_Open(const std::string& title, File_Kind kind) override;

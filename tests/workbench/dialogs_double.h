@@ -52,6 +52,9 @@ struct Dialogs_Double : Dialogs {
         offered = its_ways;
         return Asked(ways, title, text, -1);
     }
+    bool Yes_No_Ask(const std::string& title, const std::string& question) override {
+        return Asked(answers, title, question, Answer::No) == Answer::Yes;
+    }
     Answer Yes_No_Cancel_Ask(const std::string& title, const std::string& question) override {
         return Asked(answers, title, question, Answer::Cancel);
     }

@@ -45,6 +45,7 @@ class Dialogs {
     /** @param ways what the buttons say, with marks of their letters; Enter presses the first
      *  @return index of a way; -1: given up */
     virtual int Way_Ask(const std::string& title, const std::string& text, const std::vector<std::string>& ways) = 0;
+    virtual bool Yes_No_Ask(const std::string& title, const std::string& question) = 0;
     virtual Answer Yes_No_Cancel_Ask(const std::string& title, const std::string& question) = 0;
     /** Shows a text to read, in letters of one width. @param choices further buttons beside "Close", with marks of
      *  their letters @return index of a choice; -1: closed */
