@@ -89,6 +89,74 @@ Archive_Association::Archive_Association(const Archive_Settings& archive, Connec
     Request(Reach(), proposals);
 }
 
+Archive_Association::Archive_Association(const Archive_Settings& archive, Connection_Watch& its_watch,
+                                         T_ASC_Network& listening, std::span<const Proposal> taken)
+    : settings(archive), watch(its_watch), layer(its_watch) {
+    Network_Prepare();
+    watch.Begin();
+    watch.Patience_Set(settings.times.associate, false);
+    watch.Room_Set(ROOM_BESIDES);
+    Accept(listening, taken);
+}
+
+std::optional<T_ASC_RejectParametersReason> Archive_Association::Doubt_Of_Caller() const {
+    constexpr std::size_t room = 64;
+    std::array<char, room> calling{};
+    std::array<char, room> called{};
+    std::array<char, room> responding{};
+    if (ASC_getAPTitles(association->params, calling.data(), room, called.data(), room, responding.data(), room)
+            .bad()) {
+        return ASC_REASON_SU_NOREASON;
+    }
+    const auto is_same = [](std::string_view one, std::string_view other) {
+        const auto bare = [](std::string_view text) {
+            const std::size_t first = std::min(text.find_first_not_of(' '), text.size());
+            return text.substr(first, text.find_last_not_of(' ') + 1 - first);
+        };
+        return bare(one) == bare(other);
+    };
+    if (!is_same(called.data(), settings.own_title)) {
+        return ASC_REASON_SU_CALLEDAETITLENOTRECOGNIZED;
+    }
+    if (!is_same(calling.data(), settings.called_title)) {
+        return ASC_REASON_SU_CALLINGAETITLENOTRECOGNIZED;
+    }
+    return std::nullopt;
+}
+
+void Archive_Association::Accept(T_ASC_Network& listening, std::span<const Proposal> taken) {
+    dcmDisableGethostbyaddr.set(OFTrue);  // nobody can end the wait for a name that is not needed
+    ASC_setTransportLayer(&listening, &layer, 0);
+    T_ASC_Association* made = nullptr;
+    OFCondition condition = ASC_receiveAssociation(&listening, &made, ASC_MAXIMUMPDUSIZE);
+    association.reset(made);
+    if (condition.bad() || made == nullptr) {
+        throw Failure(condition);
+    }
+    is_associated = true;
+    if (const std::optional<T_ASC_RejectParametersReason> doubt = Doubt_Of_Caller()) {
+        const T_ASC_RejectParameters rejection = {ASC_RESULT_REJECTEDPERMANENT, ASC_SOURCE_SERVICEUSER, *doubt};
+        ASC_rejectAssociation(made, &rejection);
+        is_associated = false;
+        throw Fail(Archive_Fault::Refused, "Somebody else was refused.");
+    }
+    for (const Proposal& proposal : taken) {
+        std::vector<const char*> syntaxes = proposal.syntaxes;
+        const char* classes[] = {proposal.sop_class.c_str()};
+        if (condition.good()) {
+            condition = ASC_acceptContextsWithPreferredTransferSyntaxes(made->params, classes, 1, syntaxes.data(),
+                                                                        static_cast<int>(syntaxes.size()));
+        }
+    }
+    if (condition.good()) {
+        condition = ASC_acknowledgeAssociation(made);
+    }
+    if (condition.bad()) {
+        throw Failure(condition);
+    }
+    watch.Patience_Set(settings.times.silence, true);
+}
+
 std::string Archive_Association::Reach() {
     watch.Begin();
     watch.Patience_Set(settings.times.connect, false);
@@ -173,7 +241,7 @@ void Archive_Association::Request(const std::string& address, std::span<const Pr
 }
 
 Archive_Association::~Archive_Association() {
-    if (is_associated) {
+    if (is_associated && association) {
         watch.Lose();  // what is still to come is not waited for
         ASC_abortAssociation(association.get());
     }
@@ -287,6 +355,7 @@ void Archive_Association::Pieces_Receive(DUL_DATAPDV kind, T_ASC_PresentationCon
         if (condition.bad()) {
             condition = DUL_ReadPDVs(&association->DULassociation, nullptr, DUL_BLOCK, 0);
             if (condition != DUL_PDATAPDUARRIVED) {
+                has_said_goodbye = condition == DUL_PEERREQUESTEDRELEASE && kind == DUL_COMMANDPDV && context == 0;
                 throw Failure(condition);
             }
             condition = DUL_NextPDV(&association->DULassociation, &piece);
@@ -336,6 +405,20 @@ Archive_Message Archive_Association::Receive() {
         throw Nonsense();
     }
     return message;
+}
+
+std::optional<Archive_Message> Archive_Association::Receive_Or_End() {
+    try {
+        return Receive();
+    } catch (const Archive_Failure&) {
+        if (!has_said_goodbye) {
+            throw;
+        }
+    }
+    is_associated = false;
+    watch.Patience_Set(GOODBYE_PATIENCE, false);
+    ASC_acknowledgeRelease(association.get());
+    return std::nullopt;
 }
 
 void Archive_Association::Receive_Content(const Archive_Message& message, std::uint64_t most,

@@ -48,6 +48,10 @@ class Archive_Association {
     /** Connects and agrees. @throw Archive_Failure */
     Archive_Association(const Archive_Settings& archive, Connection_Watch& its_watch,
                         std::span<const Proposal> proposals);
+    /** Takes the connection that waits, of a caller with the archive's title that asks for this program's; others are
+     *  told why not. @param taken what it may send @throw Archive_Failure */
+    Archive_Association(const Archive_Settings& archive, Connection_Watch& its_watch, T_ASC_Network& listening,
+                        std::span<const Proposal> taken);
     /** Ends without a word where it was not released. */
     ~Archive_Association();
     Archive_Association(const Archive_Association&) = delete;
@@ -64,6 +68,8 @@ class Archive_Association {
     /** @param content may be null @throw Archive_Failure, also below */
     void Send(T_ASC_PresentationContextID context, T_DIMSE_Message& message, DcmDataset* content);
     Archive_Message Receive();
+    /** The same, of a caller. @return no value: it has said goodbye */
+    std::optional<Archive_Message> Receive_Or_End();
     /** Takes the object that comes with a message, piece by piece. @param most bytes: more is a failure */
     void Receive_Content(const Archive_Message& message, std::uint64_t most,
                          const std::function<void(std::span<const std::uint8_t>)>& sink);
@@ -88,6 +94,9 @@ class Archive_Association {
 
     /** @return the address with its port */
     std::string Reach();
+    void Accept(T_ASC_Network& listening, std::span<const Proposal> taken);
+    /** @return no value: it may speak */
+    std::optional<T_ASC_RejectParametersReason> Doubt_Of_Caller() const;
     void Request(const std::string& address, std::span<const Proposal> proposals);
     Archive_Failure Rejection() const;
     Archive_Failure Nonsense() const;
@@ -102,6 +111,7 @@ class Archive_Association {
     std::unique_ptr<T_ASC_Network, Network_End> network;
     std::unique_ptr<T_ASC_Association, Association_End> association;
     std::uint16_t message_number = 0;
+    bool has_said_goodbye = false;  ///< the caller
     bool is_associated = false;
 };
 

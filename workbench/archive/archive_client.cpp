@@ -27,6 +27,9 @@ T_DIMSE_Message Request_Of(T_DIMSE_Command command, const std::string& sop_class
         case DIMSE_C_GET_RQ:
             fill(message.msg.CGetRQ);
             break;
+        case DIMSE_C_MOVE_RQ:
+            fill(message.msg.CMoveRQ);
+            break;
         case DIMSE_C_STORE_RQ:
             fill(message.msg.CStoreRQ);
             break;
@@ -34,6 +37,10 @@ T_DIMSE_Message Request_Of(T_DIMSE_Command command, const std::string& sop_class
             break;
     }
     return message;
+}
+
+void Move_Destination_Set(T_DIMSE_Message& request, const std::string& title) {
+    OFStandard::strlcpy(request.msg.CMoveRQ.MoveDestination, title.c_str(), sizeof request.msg.CMoveRQ.MoveDestination);
 }
 
 Archive_Failure Refusal(Archive_Fault fault, const Archive_Settings& archive, const std::string& what) {
@@ -54,7 +61,9 @@ Archive_Outcome Archive_Test(const Archive_Settings& archive, const Load_Progres
         const std::array proposals = {
             Proposal{UID_VerificationSOPClass, Plain_Syntaxes()},
             Proposal{UID_FINDStudyRootQueryRetrieveInformationModel, Plain_Syntaxes()},
-            Proposal{UID_GETStudyRootQueryRetrieveInformationModel, Plain_Syntaxes()},
+            Proposal{archive.is_moved ? UID_MOVEStudyRootQueryRetrieveInformationModel
+                                      : UID_GETStudyRootQueryRetrieveInformationModel,
+                     Plain_Syntaxes()},
         };
         Archive_Association association(archive, watch, proposals);
         const T_ASC_PresentationContextID context = association.Context_Of(UID_VerificationSOPClass);
@@ -73,7 +82,7 @@ Archive_Outcome Archive_Test(const Archive_Settings& archive, const Load_Progres
         }
         if (abilities != nullptr) {
             abilities->is_searched = association.Context_Of(UID_FINDStudyRootQueryRetrieveInformationModel) != 0;
-            abilities->is_fetched_from = association.Context_Of(UID_GETStudyRootQueryRetrieveInformationModel) != 0;
+            abilities->is_fetched_from = association.Context_Of(proposals.back().sop_class) != 0;
         }
         association.Release();
     });

@@ -19,7 +19,7 @@ using volumes::Load_Progress;
 /** What the archive says that it does. */
 struct Archive_Abilities {
     bool is_searched = false;
-    bool is_fetched_from = false;  ///< by C-GET
+    bool is_fetched_from = false;  ///< in the way that the settings say
 };
 
 /** Asks whether it is there. @param abilities may be null */
@@ -91,9 +91,9 @@ struct Retrieve_Limits {
     std::size_t images = 100'000;                    ///< of one series
 };
 
-/** Fetches a series by C-GET into a folder of its own. All files are named by the images' identifiers. A series that
- *  was fetched before stays where it is; each fetching has a new folder. What came before a failure is removed, but
- *  for Incomplete.
+/** Fetches a series by C-GET or C-MOVE into a folder of its own. All files are named by the images' identifiers. A
+ * series that was fetched before stays where it is; each fetching has a new folder. What came before a failure is
+ * removed, but for Incomplete.
  *  @param root folder for such folders, is made; see archive_cache.h */
 Retrieve_Result Series_Retrieve(const Archive_Settings& archive, const Series& series,
                                 const std::filesystem::path& root, const Load_Progress& progress,

@@ -23,6 +23,9 @@ inline bool Is_Warning(int status) {
 /** A request with nothing in it but its class and number. */
 T_DIMSE_Message Request_Of(T_DIMSE_Command command, const std::string& sop_class, std::uint16_t number);
 
+/** Names whom the images of a C-MOVE request go to. */
+void Move_Destination_Set(T_DIMSE_Message& request, const std::string& title);
+
 /** A failure of the archive's own doing. */
 Archive_Failure Refusal(Archive_Fault fault, const Archive_Settings& archive, const std::string& what);
 

@@ -1,17 +1,15 @@
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <set>
+#include <atomic>
+#include <optional>
 #include <system_error>
 
 #include "dcmtk/dcmdata/dcdeftag.h"
 #include "dcmtk/dcmdata/dcuid.h"
-#include "dcmtk/ofstd/ofstd.h"
 #include "workbench/archive/archive_cache.h"
 #include "workbench/archive/archive_client.h"
+#include "workbench/archive/archive_intake.h"
+#include "workbench/archive/archive_receiver.h"
 #include "workbench/archive/archive_requests.h"
-#include "workbench/archive/stored_object.h"
-#include "workbench/volumes/file_operations.h"
 #include "workbench/volumes/message_text.h"
 
 namespace workbench::archive {
@@ -19,146 +17,43 @@ namespace workbench::archive {
 namespace {
 
 constexpr std::size_t LIST_MOST = 256U * 1024U;  // bytes of the list of those that failed
-constexpr std::uint64_t FILE_LEAST = 4096;       // bytes that a file takes on a disk, however small it is
 constexpr std::size_t PENDING_EACH = 2;          // answers for an image, at most
-constexpr int STATUS_OUT_OF_ROOM = 0xA700;
 
-/** Objects with pixels, and those that labels come in. */
-constexpr std::array STORED_CLASSES = {
-    UID_CTImageStorage,
-    UID_EnhancedCTImageStorage,
-    UID_LegacyConvertedEnhancedCTImageStorage,
-    UID_MRImageStorage,
-    UID_EnhancedMRImageStorage,
-    UID_EnhancedMRColorImageStorage,
-    UID_LegacyConvertedEnhancedMRImageStorage,
-    UID_PositronEmissionTomographyImageStorage,
-    UID_EnhancedPETImageStorage,
-    UID_LegacyConvertedEnhancedPETImageStorage,
-    UID_NuclearMedicineImageStorage,
-    UID_UltrasoundImageStorage,
-    UID_UltrasoundMultiframeImageStorage,
-    UID_EnhancedUSVolumeStorage,
-    UID_ComputedRadiographyImageStorage,
-    UID_DigitalXRayImageStorageForPresentation,
-    UID_DigitalXRayImageStorageForProcessing,
-    UID_DigitalMammographyXRayImageStorageForPresentation,
-    UID_DigitalMammographyXRayImageStorageForProcessing,
-    UID_DigitalIntraOralXRayImageStorageForPresentation,
-    UID_DigitalIntraOralXRayImageStorageForProcessing,
-    UID_BreastTomosynthesisImageStorage,
-    UID_XRayAngiographicImageStorage,
-    UID_EnhancedXAImageStorage,
-    UID_XRay3DAngiographicImageStorage,
-    UID_XRay3DCraniofacialImageStorage,
-    UID_XRayRadiofluoroscopicImageStorage,
-    UID_EnhancedXRFImageStorage,
-    UID_SecondaryCaptureImageStorage,
-    UID_MultiframeSingleBitSecondaryCaptureImageStorage,
-    UID_MultiframeGrayscaleByteSecondaryCaptureImageStorage,
-    UID_MultiframeGrayscaleWordSecondaryCaptureImageStorage,
-    UID_MultiframeTrueColorSecondaryCaptureImageStorage,
-    UID_VLEndoscopicImageStorage,
-    UID_VLMicroscopicImageStorage,
-    UID_VLSlideCoordinatesMicroscopicImageStorage,
-    UID_VLPhotographicImageStorage,
-    UID_VLWholeSlideMicroscopyImageStorage,
-    UID_OphthalmicPhotography8BitImageStorage,
-    UID_OphthalmicPhotography16BitImageStorage,
-    UID_OphthalmicTomographyImageStorage,
-    UID_IntravascularOpticalCoherenceTomographyImageStorageForPresentation,
-    UID_IntravascularOpticalCoherenceTomographyImageStorageForProcessing,
-    UID_ParametricMapStorage,
-    UID_SegmentationStorage,
-    UID_RTImageStorage,
-    UID_RTDoseStorage,
-    UID_RTStructureSetStorage,
-};
-
-/** Compressed ways that images are read in, those without loss first. */
-std::vector<const char*> Compressed_Syntaxes() {
-    return {UID_JPEGProcess14SV1TransferSyntax,     UID_JPEGProcess14TransferSyntax, UID_JPEGLSLosslessTransferSyntax,
-            UID_JPEG2000LosslessOnlyTransferSyntax, UID_RLELosslessTransferSyntax,   UID_JPEGProcess1TransferSyntax,
-            UID_JPEGProcess2_4TransferSyntax,       UID_JPEGLSLossyTransferSyntax,   UID_JPEG2000TransferSyntax};
+const char* Model_Of(const Archive_Settings& archive) {
+    return archive.is_moved ? UID_MOVEStudyRootQueryRetrieveInformationModel
+                            : UID_GETStudyRootQueryRetrieveInformationModel;
 }
 
-std::vector<Proposal> Proposals() {
-    std::vector<Proposal> proposals = {{UID_GETStudyRootQueryRetrieveInformationModel, Plain_Syntaxes()}};
-    for (const char* const stored : STORED_CLASSES) {
-        proposals.push_back({stored, Plain_Syntaxes(), true});
-        proposals.push_back({stored, Compressed_Syntaxes(), true});
+std::vector<Proposal> Proposals(const Archive_Settings& archive) {
+    std::vector<Proposal> proposals;
+    if (!archive.is_moved) {
+        proposals = Stored_Proposals();
     }
-    static_assert(1 + 2 * STORED_CLASSES.size() <= PROPOSAL_MOST);
+    proposals.insert(proposals.begin(), {Model_Of(archive), Plain_Syntaxes()});
     return proposals;
 }
 
-/** A file that is being received. The folder that it stands in takes its name only when all is there. */
-class Received_File {
-  public:
-    explicit Received_File(const std::filesystem::path& path)
-        : descriptor(volumes::File_Operations_In_Use().create(path)) {
-        if (descriptor < 0) {
-            error = std::generic_category().message(errno);
-        }
-    }
-    ~Received_File() { Close(); }
-    Received_File(const Received_File&) = delete;
-    Received_File& operator=(const Received_File&) = delete;
-
-    void Write(std::span<const std::uint8_t> bytes) {
-        while (error.empty() && !bytes.empty()) {
-            errno = 0;
-            const long long count = volumes::File_Operations_In_Use().write(descriptor, bytes.data(), bytes.size());
-            if (count < 0 && errno == EINTR) {
-                continue;
-            }
-            if (count <= 0) {
-                error = std::generic_category().message(count == 0 ? ENOSPC : errno);
-                return;
-            }
-            bytes = bytes.subspan(static_cast<std::size_t>(count));
-        }
-    }
-    void Close() {
-        if (descriptor >= 0 && !volumes::File_Operations_In_Use().close(descriptor) && error.empty()) {
-            error = std::generic_category().message(errno);
-        }
-        descriptor = -1;
-    }
-    const std::string& Error() const { return error; }
-
-  private:
-    int descriptor;
-    std::string error;
-};
-
-/** @param why "cannot be written: ..." */
-Archive_Failure Not_Kept(const std::filesystem::path& path, const std::string& why) {
-    return {{Archive_Fault::Disk, "The images cannot be kept: " + volumes::File_Name_Text(path) + " " + why + "."}};
-}
-
+/** Fetches one series: over the connection that it was asked for by (C-GET), or over one that the archive makes to
+ *  this program (C-MOVE). */
 class Retrieval {
   public:
     Retrieval(const Archive_Settings& its_archive, const Series& its_series, const Load_Progress& progress,
               const Retrieve_Limits& limits)
         : archive(its_archive),
           series(its_series),
-          room(limits.bytes),
-          image_most(limits.images),
-          watch(progress),
-          association(its_archive, watch, Proposals()) {}
+          its_limits(limits),
+          watch([this, progress](double done) { return May_Go_On(progress, done); }),
+          association(its_archive, watch, Proposals(its_archive)) {}
 
     /** @throw Archive_Failure */
     void Run(const std::filesystem::path& into);
-    int Image_Count() const { return static_cast<int>(received.size()); }
+    int Image_Count() const { return intake ? intake->Count() : 0; }
 
   private:
+    bool May_Go_On(const Load_Progress& progress, double done);
     void Ask();
-    void Take(const Archive_Message& message, const std::filesystem::path& into);
-    /** Whether what came is what was asked for. */
-    void Image_Check(std::string bytes, const std::string& identifier) const;
-    void Answer(const Archive_Message& message, const std::string& sop_class, const std::string& identifier,
-                int status);
+    /** Takes what comes until the last answer. */
+    void Take_All();
     /** @return whether that was the last answer */
     bool Note(const Archive_Message& message);
     void Check(const Archive_Message& last) const;
@@ -166,23 +61,40 @@ class Retrieval {
 
     const Archive_Settings& archive;
     const Series& series;
-    std::uint64_t room;
-    std::size_t image_most;
+    const Retrieve_Limits& its_limits;
     std::size_t pending = 0;  ///< answers that came
+    std::uint64_t heard = 0;  ///< signs of life of the connection that the archive makes
+    std::optional<Series_Intake> intake;
+    std::optional<Store_Receiver> receiver;
     Connection_Watch watch;
     Archive_Association association;
     std::uint16_t number = 0;
-    std::set<std::string> received;
     int failed = -1;
     int completed = -1;
     int warned = 0;
 };
 
+bool Retrieval::May_Go_On(const Load_Progress& progress, double done) {
+    if (receiver) {
+        // The archive need not say a word here while it speaks there.
+        if (const std::uint64_t now = receiver->Signs_Of_Life(); now != heard) {
+            heard = now;
+            watch.Moved();
+            Progress_Tell(-1);
+        }
+        if (receiver->Has_Failed()) {
+            return false;
+        }
+    }
+    return !progress || progress(done);
+}
+
 void Retrieval::Ask() {
-    const std::string model = UID_GETStudyRootQueryRetrieveInformationModel;
+    const std::string model = Model_Of(archive);
     const T_ASC_PresentationContextID context = association.Context_Of(model);
     if (context == 0) {
-        throw Refusal(Archive_Fault::Refused, archive, "does not give images by C-GET.");
+        throw Refusal(Archive_Fault::Refused, archive,
+                      std::string("does not give images by ") + (archive.is_moved ? "C-MOVE." : "C-GET."));
     }
     DcmDataset keys;
     if (keys.putAndInsertString(DCM_QueryRetrieveLevel, "SERIES").bad() ||
@@ -191,74 +103,11 @@ void Retrieval::Ask() {
         throw std::bad_alloc();
     }
     number = association.Message_Number();
-    T_DIMSE_Message request = Request_Of(DIMSE_C_GET_RQ, model, number);
+    T_DIMSE_Message request = Request_Of(archive.is_moved ? DIMSE_C_MOVE_RQ : DIMSE_C_GET_RQ, model, number);
+    if (archive.is_moved) {
+        Move_Destination_Set(request, archive.own_title);
+    }
     association.Send(context, request, &keys);
-}
-
-void Retrieval::Answer(const Archive_Message& message, const std::string& sop_class, const std::string& identifier,
-                       int status) {
-    T_DIMSE_Message answer = {};
-    answer.CommandField = DIMSE_C_STORE_RSP;
-    T_DIMSE_C_StoreRSP& content = answer.msg.CStoreRSP;
-    content.MessageIDBeingRespondedTo = static_cast<DIC_US>(message.Number(DCM_MessageID));
-    OFStandard::strlcpy(content.AffectedSOPClassUID, sop_class.c_str(), sizeof content.AffectedSOPClassUID);
-    OFStandard::strlcpy(content.AffectedSOPInstanceUID, identifier.c_str(), sizeof content.AffectedSOPInstanceUID);
-    content.DataSetType = DIMSE_DATASET_NULL;
-    content.DimseStatus = static_cast<DIC_US>(status);
-    content.opts = O_STORE_AFFECTEDSOPCLASSUID | O_STORE_AFFECTEDSOPINSTANCEUID;
-    association.Send(message.context, answer, nullptr);
-}
-
-void Retrieval::Take(const Archive_Message& message, const std::filesystem::path& into) {
-    const std::string sop_class = message.Text(DCM_AffectedSOPClassUID);
-    const std::string identifier = message.Text(DCM_AffectedSOPInstanceUID);
-    const std::string syntax = association.Syntax_Of(message.context);
-    if (!Is_Identifier(identifier) || syntax.empty() || association.Class_Of(message.context) != sop_class ||
-        !message.Has_Content()) {
-        throw Refusal(Archive_Fault::Garbled, archive, "sends an image without a usable identifier or kind.");
-    }
-    if (received.contains(identifier)) {
-        throw Refusal(Archive_Fault::Garbled, archive, "sends an image twice.");
-    }
-    if (received.size() >= image_most) {
-        throw Refusal(Archive_Fault::Garbled, archive,
-                      "sends more than " + volumes::Count_Text(image_most) + " images.");
-    }
-    const std::filesystem::path path = into / (identifier + ".dcm");
-    const std::uint64_t room_before = room;
-    Received_File file(path);
-    std::string bytes = File_Head(sop_class, identifier, syntax);
-    file.Write({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
-    const std::uint64_t most = std::min<std::uint64_t>(room, STORED_OBJECT_MOST - bytes.size());
-    association.Receive_Content(message, most, [&](std::span<const std::uint8_t> piece) {
-        room -= piece.size();
-        bytes.append(piece.begin(), piece.end());
-        file.Write(piece);
-        if (!file.Error().empty()) {
-            throw Not_Kept(path, "cannot be written: " + file.Error());
-        }
-    });
-    room = std::min(room, room_before - std::min(room_before, FILE_LEAST));
-    file.Close();
-    if (!file.Error().empty()) {
-        Answer(message, sop_class, identifier, STATUS_OUT_OF_ROOM);
-        throw Not_Kept(path, "cannot be written: " + file.Error());
-    }
-    Image_Check(std::move(bytes), identifier);
-    received.insert(identifier);
-    Progress_Tell(-1);
-    Answer(message, sop_class, identifier, STATUS_SUCCESS);
-}
-
-void Retrieval::Image_Check(std::string bytes, const std::string& identifier) const {
-    Stored_Object image;
-    image.bytes = std::move(bytes);
-    if (const std::string error = Object_Parse(image); !error.empty()) {
-        throw Refusal(Archive_Fault::Garbled, archive, "sends an image that " + error + ".");
-    }
-    if (image.study != series.study || image.series != series.identifier || image.identifier != identifier) {
-        throw Refusal(Archive_Fault::Garbled, archive, "sends an image of another series.");
-    }
 }
 
 void Retrieval::Progress_Tell(int remaining) {
@@ -270,7 +119,7 @@ void Retrieval::Progress_Tell(int remaining) {
 }
 
 bool Retrieval::Note(const Archive_Message& message) {
-    Answer_Demand(archive, message, DIMSE_C_GET_RSP, number);
+    Answer_Demand(archive, message, archive.is_moved ? DIMSE_C_MOVE_RSP : DIMSE_C_GET_RSP, number);
     if (message.Has_Content()) {
         association.Receive_Data_Set(message, LIST_MOST);
     }
@@ -281,7 +130,7 @@ bool Retrieval::Note(const Archive_Message& message) {
     if (!Is_Pending(message.Number(DCM_Status))) {
         return true;
     }
-    if (++pending > PENDING_EACH * image_most) {
+    if (++pending > PENDING_EACH * its_limits.images) {
         throw Refusal(Archive_Fault::Garbled, archive, "answers without end.");
     }
     return false;
@@ -319,24 +168,45 @@ void Retrieval::Check(const Archive_Message& last) const {
     }
 }
 
-void Retrieval::Run(const std::filesystem::path& into) {
+void Retrieval::Take_All() {
     Ask();
     while (true) {
         const Archive_Message message = association.Receive();
-        switch (message.Number(DCM_CommandField)) {
-            case DIMSE_C_STORE_RQ:
-                Take(message, into);
-                break;
-            case DIMSE_C_GET_RSP:
-                if (Note(message)) {
-                    association.Release();
-                    Check(message);
-                    return;
-                }
-                break;
-            default:
-                throw Refusal(Archive_Fault::Garbled, archive, "answers what it was not asked.");
+        const int kind = message.Number(DCM_CommandField);
+        if (kind == DIMSE_C_STORE_RQ && !archive.is_moved) {
+            intake->Take(association, message);
+            Progress_Tell(-1);
+            continue;
         }
+        if (Note(message)) {
+            association.Release();
+            if (receiver) {
+                receiver->End();
+            }
+            Check(message);
+            return;
+        }
+    }
+}
+
+void Retrieval::Run(const std::filesystem::path& into) {
+    intake.emplace(archive, series, into, its_limits);
+    if (!archive.is_moved) {
+        return Take_All();
+    }
+    receiver.emplace(archive, *intake);
+    try {
+        Take_All();
+    } catch (const Archive_Failure&) {
+        receiver->End();
+        // What went wrong there is why it ended here.
+        if (const std::optional<Archive_Failure> failure = receiver->Failure()) {
+            throw *failure;
+        }
+        throw;
+    }
+    if (const std::optional<Archive_Failure> failure = receiver->Failure()) {
+        throw *failure;
     }
 }
 

@@ -12,8 +12,9 @@ namespace workbench::archive {
 namespace {
 
 constexpr char SEPARATOR = '|';
-constexpr std::size_t NAME_MOST = 200;  // bytes
-constexpr std::size_t PART_NB = 8;
+constexpr std::size_t NAME_MOST = 200;    // bytes
+constexpr std::size_t PART_NB = 8;        // of archives that images are fetched from by C-GET
+constexpr std::size_t MOVED_PART_NB = 9;  // by C-MOVE
 constexpr int SECONDS_MOST = 3600;
 
 /** A part of a line: what would end it, or is no text, becomes a blank. */
@@ -77,6 +78,9 @@ std::string Settings_Doubt(const Archive_Settings& settings) {
     if (settings.port < 1 || settings.port > PORT_MAX) {
         return "The archive's port is to be a number from 1 to 65535.";
     }
+    if (settings.is_moved && (settings.own_port < 1 || settings.own_port > PORT_MAX)) {
+        return "The own port is to be a number from 1 to 65535.";
+    }
     if (!Is_Title(settings.called_title)) {
         return "The archive's AE title is to have 1 to 16 letters without accents, and no backslash.";
     }
@@ -93,7 +97,7 @@ std::string Archive_Line(const Archive_Settings& settings) {
                                     Seconds_Part(settings.times.associate), Seconds_Part(settings.times.silence)}) {
         line += SEPARATOR + part;
     }
-    return line;
+    return settings.is_moved ? line + SEPARATOR + std::to_string(settings.own_port) : line;
 }
 
 std::optional<Archive_Settings> Archive_Of_Line(std::string_view line) {
@@ -106,9 +110,11 @@ std::optional<Archive_Settings> Archive_Of_Line(std::string_view line) {
         }
     }
     Archive_Settings settings;
-    if (parts.size() != PART_NB || parts[0].size() > NAME_MOST || !Number_Of(parts[2], 1, PORT_MAX, settings.port) ||
-        !Time_Of(parts[5], settings.times.connect) || !Time_Of(parts[6], settings.times.associate) ||
-        !Time_Of(parts[7], settings.times.silence)) {
+    settings.is_moved = parts.size() == MOVED_PART_NB;
+    if ((settings.is_moved && !Number_Of(parts[8], 1, PORT_MAX, settings.own_port)) ||
+        (!settings.is_moved && parts.size() != PART_NB) || parts[0].size() > NAME_MOST ||
+        !Number_Of(parts[2], 1, PORT_MAX, settings.port) || !Time_Of(parts[5], settings.times.connect) ||
+        !Time_Of(parts[6], settings.times.associate) || !Time_Of(parts[7], settings.times.silence)) {
         return std::nullopt;
     }
     settings.name = parts[0];

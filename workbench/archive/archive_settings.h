@@ -23,6 +23,8 @@ struct Archive_Settings {
     std::string called_title;             ///< the archive's application entity title
     std::string own_title = "WORKBENCH";  ///< what the archive knows this program by
     Archive_Times times;
+    bool is_moved = false;  ///< images come by C-MOVE, over a connection that the archive makes; else by C-GET
+    int own_port = 11112;   ///< that the archive knows for it
 };
 
 inline constexpr int PORT_MAX = 65535;

@@ -26,6 +26,13 @@ std::string Date_Asked(std::string date) {
     return date;
 }
 
+/** @return 0, which is none: the text is no number */
+int Port_Of(const std::string& text) {
+    int port = 0;
+    const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), port);
+    return failure == std::errc() && end == text.data() + text.size() ? port : 0;
+}
+
 std::vector<Archive_Settings> Known(const std::vector<std::string>& lines) {
     std::vector<Archive_Settings> known;
     for (const std::string& line : lines) {
@@ -74,7 +81,8 @@ void Archive_Control::Test(const Archive_Settings& asked) {
         text += "\nIt does not let itself be searched.";
     }
     if (!abilities.is_fetched_from) {
-        text += "\nIt does not give images by C-GET, so nothing can be opened from it.";
+        text += std::string("\nIt does not give images by ") + (asked.is_moved ? "C-MOVE" : "C-GET") +
+                ", so nothing can be opened from it.";
     }
     dialogs.Way_Ask("Test of the connection", text, {"&Close"});
 }
@@ -82,11 +90,13 @@ void Archive_Control::Test(const Archive_Settings& asked) {
 std::optional<Archive_Settings> Archive_Control::Settings_Ask(std::optional<std::size_t> index) {
     std::vector<Archive_Settings> known = Known(host.archives());
     Archive_Settings now = index ? known[*index] : Archive_Settings{};
-    std::vector<Form_Field> fields = {{"&Name", now.name},
-                                      {"&Address (host name)", now.host},
-                                      {"&Port", std::to_string(now.port)},
-                                      {"AE &title of the archive", now.called_title},
-                                      {"AE title of this p&rogram", now.own_title}};
+    std::vector<Form_Field> fields = {
+        {"&Name", now.name},
+        {"&Address (host name)", now.host},
+        {"&Port", std::to_string(now.port)},
+        {"AE &title of the archive", now.called_title},
+        {"AE title of this p&rogram", now.own_title},
+        {"&Own port, for C-MOVE (empty: C-GET)", now.is_moved ? std::to_string(now.own_port) : std::string()}};
     std::vector<std::string> ways = {"&Keep", "T&est"};
     if (index) {
         ways.emplace_back("&Remove");
@@ -103,11 +113,9 @@ std::optional<Archive_Settings> Archive_Control::Settings_Ask(std::optional<std:
         }
         now.name = fields[0].value.empty() ? fields[1].value : fields[0].value;
         now.host = fields[1].value;
-        const std::string& port = fields[2].value;
-        const auto [end, failure] = std::from_chars(port.data(), port.data() + port.size(), now.port);
-        if (failure != std::errc() || end != port.data() + port.size()) {
-            now.port = 0;  // which is none
-        }
+        now.port = Port_Of(fields[2].value);
+        now.is_moved = !fields[5].value.empty();
+        now.own_port = now.is_moved ? Port_Of(fields[5].value) : now.own_port;
         now.called_title = fields[3].value;
         now.own_title = fields[4].value;
         if (const std::string doubt = archive::Settings_Doubt(now); !doubt.empty()) {

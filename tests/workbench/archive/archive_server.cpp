@@ -56,6 +56,7 @@ Archive_Server::Archive_Server() {
 
 void Archive_Server::Start() {
     port = Free_Port();
+    called_port = Free_Port();
     const std::string place = folder.path.string();
     Text_Write(folder.path / "archive.json",
                "{\"StorageDirectory\": \"" + place + "/images\", \"IndexDirectory\": \"" + place +
@@ -63,7 +64,9 @@ void Archive_Server::Start() {
                    "\"DicomAet\": \"" +
                    TITLE + "\", \"DicomCheckCalledAet\": true, \"DicomPort\": " + std::to_string(port) +
                    ", \"DicomAlwaysAllowEcho\": true, \"DicomAlwaysAllowStore\": true, \"DicomAlwaysAllowFind\": true, "
-                   "\"DicomAlwaysAllowGet\": true, \"RemoteAccessAllowed\": false, \"DefaultEncoding\": \"Utf8\"}");
+                   "\"DicomAlwaysAllowGet\": true, \"DicomAlwaysAllowMove\": true, \"DicomModalities\": {\"caller\": "
+                   "[\"WORKBENCH\", \"127.0.0.1\", " +
+                   std::to_string(called_port) + "]}, \"RemoteAccessAllowed\": false, \"DefaultEncoding\": \"Utf8\"}");
     const std::string configuration = place + "/archive.json";
     const pid_t own = ::getpid();
     process = ::fork();
@@ -99,6 +102,7 @@ Archive_Settings Archive_Server::Settings() const {
     settings.host = "127.0.0.1";
     settings.port = port;
     settings.called_title = TITLE;
+    settings.own_port = called_port;
     return settings;
 }
 
@@ -120,6 +124,7 @@ void Archive_Server::Kill() {
 
 Bytes Image_File(const Image_Facts& facts) {
     std::vector<std::uint16_t> values;
+    values.reserve(static_cast<std::size_t>(facts.side) * static_cast<std::size_t>(facts.side));
     for (int at = 0; at < facts.side * facts.side; ++at) {
         values.push_back(static_cast<std::uint16_t>(facts.number * 7 + at));
     }

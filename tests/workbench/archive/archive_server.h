@@ -37,6 +37,7 @@ class Archive_Server {
 
     Temporary_Folder folder;
     int port = 0;
+    int called_port = 0;  ///< where it knows the program to be
     pid_t process = 0;
     bool is_ready = false;
 };

@@ -47,10 +47,10 @@ Raw_Peer::Raw_Peer(std::function<void(int)> its_script) : script(std::move(its_s
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof address;
-    ::bind(listening, reinterpret_cast<const sockaddr*>(&address), size);
-    ::getsockname(listening, reinterpret_cast<sockaddr*>(&address), &size);
-    ::listen(listening, 8);
-    port = ntohs(address.sin_port);
+    const bool is_listening = ::bind(listening, reinterpret_cast<const sockaddr*>(&address), size) == 0 &&
+                              ::getsockname(listening, reinterpret_cast<sockaddr*>(&address), &size) == 0 &&
+                              ::listen(listening, 8) == 0;
+    port = is_listening ? ntohs(address.sin_port) : 0;
     thread = std::thread([this] { Run(); });
 }
 
@@ -164,6 +164,20 @@ void Lying_Archive::Talk::Answer(int status, DcmDataset* content, int completed,
             if (failed >= 0) {
                 message.msg.CGetRSP.NumberOfFailedSubOperations = static_cast<DIC_US>(failed);
                 message.msg.CGetRSP.opts |= O_GET_NUMBEROFFAILEDSUBOPERATIONS;
+            }
+            break;
+        case DIMSE_C_MOVE_RQ:
+            message.CommandField = DIMSE_C_MOVE_RSP;
+            message.msg.CMoveRSP.MessageIDBeingRespondedTo = request.msg.CMoveRQ.MessageID;
+            message.msg.CMoveRSP.DimseStatus = static_cast<DIC_US>(status);
+            message.msg.CMoveRSP.DataSetType = kind;
+            if (completed >= 0) {
+                message.msg.CMoveRSP.NumberOfCompletedSubOperations = static_cast<DIC_US>(completed);
+                message.msg.CMoveRSP.opts |= O_MOVE_NUMBEROFCOMPLETEDSUBOPERATIONS;
+            }
+            if (failed >= 0) {
+                message.msg.CMoveRSP.NumberOfFailedSubOperations = static_cast<DIC_US>(failed);
+                message.msg.CMoveRSP.opts |= O_MOVE_NUMBEROFFAILEDSUBOPERATIONS;
             }
             break;
         case DIMSE_C_ECHO_RQ:

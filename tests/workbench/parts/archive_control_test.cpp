@@ -318,6 +318,23 @@ TEST_F(Archive_Use, tests_a_connection_and_tells_what_the_archive_does_not_do) {
     EXPECT_THAT(lines, SizeIs(1));
 }
 
+TEST_F(Archive_Use, keeps_the_port_that_images_are_brought_to) {
+    lines.clear();
+    dialogs.ways = {0};  // the doubt is read
+    forms = {{{{1, "pacs"}, {3, "PACS"}, {5, "70000"}}, 0}, {{{5, "11113"}}, 0}};
+    archives.Archive_Open();
+    EXPECT_THAT(dialogs.asked[0], HasSubstr("The own port"));
+    ASSERT_THAT(lines, SizeIs(1));
+    const auto kept = archive::Archive_Of_Line(lines[0]);
+    ASSERT_TRUE(kept);
+    EXPECT_TRUE(kept->is_moved);
+    EXPECT_EQ(kept->own_port, 11113);
+    dialogs.ways = {2, 0, -1};  // change settings, of the first
+    forms = {{{{5, ""}}, 0}};
+    archives.Archive_Open();
+    EXPECT_FALSE(archive::Archive_Of_Line(lines[0])->is_moved) << lines[0];
+}
+
 TEST_F(Archive_Use, removes_an_archive) {
     dialogs.ways = {2, 0};  // change settings, of the first
     forms = {{{}, 2}};
@@ -487,8 +504,15 @@ TEST(Archive_Lines, say_everything_of_an_archive) {
     EXPECT_EQ(back->own_title, "ME");
     EXPECT_EQ(back->times.silence, std::chrono::seconds(77));
     EXPECT_EQ(back->times.connect, std::chrono::seconds(5));
-    for (const char* const line :
-         {"", "|||||||", "a|b|0|C|D|5|5|30", "a|b|104|C|D|5|5|0", "a|b|104|C|D|5|5|30|9", "a|b c|104|C|D|5|5|30"}) {
+    EXPECT_FALSE(back->is_moved);
+    settings.is_moved = true;
+    settings.own_port = 4242;
+    const auto moved = archive::Archive_Of_Line(archive::Archive_Line(settings));
+    ASSERT_TRUE(moved);
+    EXPECT_TRUE(moved->is_moved);
+    EXPECT_EQ(moved->own_port, 4242);
+    for (const char* const line : {"", "|||||||", "a|b|0|C|D|5|5|30", "a|b|104|C|D|5|5|0", "a|b|104|C|D|5|5|30|0",
+                                   "a|b|104|C|D|5|5|30|x", "a|b|104|C|D|5|5|30|1|2", "a|b c|104|C|D|5|5|30"}) {
         EXPECT_FALSE(archive::Archive_Of_Line(line)) << line;
     }
 }
