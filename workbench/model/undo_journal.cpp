@@ -1,48 +1,11 @@
 #include "workbench/model/undo_journal.h"
 
-#include <algorithm>
 #include <cstdlib>
-#include <new>
 #include <string>
-
-#define ZLIB_CONST
-#include <zlib.h>
 
 namespace workbench {
 
 namespace {
-
-constexpr std::size_t PLAIN_MOST = 4096;  // bytes of runs that are not worth compressing
-constexpr int FAST = 1;                   // zlib's level
-
-void Number_Put(std::vector<std::uint8_t>& bytes, std::uint32_t number) {
-    for (; number >= 0x80; number >>= 7U) {
-        bytes.push_back(static_cast<std::uint8_t>(number | 0x80U));
-    }
-    bytes.push_back(static_cast<std::uint8_t>(number));
-}
-
-std::uint32_t Number_Take(std::span<const std::uint8_t>& bytes) {
-    std::uint32_t number = 0;
-    for (unsigned int shift = 0; !bytes.empty() && shift < 32; shift += 7) {
-        const std::uint8_t byte = bytes.front();
-        bytes = bytes.subspan(1);
-        number |= static_cast<std::uint32_t>(byte & 0x7FU) << shift;
-        if (byte < 0x80) {
-            break;
-        }
-    }
-    return number;
-}
-
-std::vector<std::uint8_t> Compressed(const std::vector<std::uint8_t>& plain) {
-    uLongf size = ::compressBound(static_cast<uLong>(plain.size()));
-    std::vector<std::uint8_t> bytes(size);
-    if (::compress2(bytes.data(), &size, plain.data(), static_cast<uLong>(plain.size()), FAST) != Z_OK) {
-        return {};
-    }
-    return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)};
-}
 
 /** ", slice 5", ", slices 3 to 12"; empty for what lies in no slice. */
 std::string Slices_Text(const Undo_Change& change) {
@@ -57,55 +20,6 @@ std::string Slices_Text(const Undo_Change& change) {
 }
 
 }  // namespace
-
-Slice_Change::Slice_Change(int of_slice, std::span<const Voxel_Run> runs) : slice(of_slice), run_nb(runs.size()) {
-    std::uint32_t end = 0;
-    for (const Voxel_Run& run : runs) {
-        Number_Put(packed, run.offset - end);
-        Number_Put(packed, run.length);
-        packed.push_back(run.before);
-        packed.push_back(run.after);
-        end = run.offset + run.length;
-    }
-    if (packed.size() > PLAIN_MOST) {
-        std::vector<std::uint8_t> smaller = Compressed(packed);
-        if (!smaller.empty() && smaller.size() < packed.size()) {
-            plain_size = packed.size();
-            packed = std::move(smaller);
-        }
-    }
-    packed.shrink_to_fit();
-}
-
-std::vector<Voxel_Run> Slice_Change::Runs() const {
-    std::vector<std::uint8_t> plain;
-    std::span<const std::uint8_t> bytes = packed;
-    if (plain_size != 0) {
-        plain.resize(plain_size);
-        auto size = static_cast<uLongf>(plain_size);
-        if (::uncompress(plain.data(), &size, packed.data(), static_cast<uLong>(packed.size())) != Z_OK) {
-            throw std::bad_alloc();  // nothing else can go wrong with bytes of our own
-        }
-        bytes = plain;
-    }
-    std::vector<Voxel_Run> runs;
-    runs.reserve(run_nb);
-    std::uint32_t end = 0;
-    while (bytes.size() > 3) {
-        Voxel_Run run;
-        run.offset = end + Number_Take(bytes);
-        run.length = Number_Take(bytes);
-        if (bytes.size() < 2) {
-            break;
-        }
-        run.before = bytes[0];
-        run.after = bytes[1];
-        bytes = bytes.subspan(2);
-        end = run.offset + run.length;
-        runs.push_back(run);
-    }
-    return runs;
-}
 
 std::size_t Undo_Step::Bytes() const {
     std::size_t sum = sizeof *this + title.size();
@@ -122,37 +36,6 @@ std::size_t Undo_Step::Bytes() const {
         sum += colors->entries.size() * sizeof(Color_Change::Entry);
     }
     return sum;
-}
-
-std::optional<Slice_Change> Slice_Difference(int slice, std::span<const std::uint8_t> before,
-                                             std::span<const std::uint8_t> after) {
-    std::vector<Voxel_Run> runs;
-    const std::size_t size = std::min(before.size(), after.size());
-    std::size_t at = 0;
-    while (at < size) {
-        if (before[at] == after[at]) {
-            ++at;
-            continue;
-        }
-        std::size_t end = at + 1;
-        while (end < size && before[end] == before[at] && after[end] == after[at]) {
-            ++end;
-        }
-        runs.push_back({static_cast<std::uint32_t>(at), static_cast<std::uint32_t>(end - at), before[at], after[at]});
-        at = end;
-    }
-    if (runs.empty()) {
-        return std::nullopt;
-    }
-    return Slice_Change(slice, runs);
-}
-
-void Slice_Change_Apply(const Slice_Change& change, bool redo, std::span<std::uint8_t> pixels) {
-    for (const Voxel_Run& run : change.Runs()) {
-        if (std::size_t{run.offset} + run.length <= pixels.size()) {
-            std::ranges::fill(pixels.subspan(run.offset, run.length), redo ? run.after : run.before);
-        }
-    }
 }
 
 int Slice_Nearest(const Voxel_Change& change, int slice) {

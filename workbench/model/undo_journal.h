@@ -11,32 +11,10 @@
 #include <vector>
 
 #include "workbench/model/marker_table.h"
+#include "workbench/model/slice_change.h"
 
 namespace workbench {
 
-/** Neighbouring pixels of a slice that changed from one TAG to another. */
-struct Voxel_Run {
-    std::uint32_t offset = 0;  ///< first pixel, counted through the slice
-    std::uint32_t length = 0;
-    std::uint8_t before = 0;
-    std::uint8_t after = 0;
-};
-/** Pixels of one slice. */
-class Slice_Change {
-  public:
-    Slice_Change() = default;
-    /** @param runs by ascending offset, none over another */
-    Slice_Change(int of_slice, std::span<const Voxel_Run> runs);
-    int slice = 0;
-    std::vector<Voxel_Run> Runs() const;
-    /** Memory that the runs take, packed. */
-    std::size_t Bytes() const { return packed.capacity(); }
-
-  private:
-    std::size_t run_nb = 0;
-    std::size_t plain_size = 0;        // bytes before compression; 0: not compressed
-    std::vector<std::uint8_t> packed;  // per run: gap to the run before and length in groups of 7 bits, before, after
-};
 /** A stroke, a propagation or an operation on TAGs: voxels of one slice or of many. */
 struct Voxel_Change {
     std::vector<Slice_Change> slices;  ///< ascending, each slice once; at least one
@@ -88,11 +66,15 @@ struct Undo_Step {
     std::size_t Bytes() const;
 };
 
-/** The runs in which two states of a slice differ; no value when they are equal. Both have one size. */
-std::optional<Slice_Change> Slice_Difference(int slice, std::span<const std::uint8_t> before,
-                                             std::span<const std::uint8_t> after);
+/** What two states of a slice of one size differ in; no value when they are equal. */
+inline std::optional<Slice_Change> Slice_Difference(int slice, std::span<const std::uint8_t> before,
+                                                    std::span<const std::uint8_t> after) {
+    return Slice_Change::Of_Difference(slice, before, after);
+}
 /** Writes a change into its slice. @param redo true: the state after the change, false: before it */
-void Slice_Change_Apply(const Slice_Change& change, bool redo, std::span<std::uint8_t> pixels);
+inline void Slice_Change_Apply(const Slice_Change& change, bool redo, std::span<std::uint8_t> pixels) {
+    change.Apply(redo, pixels);
+}
 /** The slice of a change that lies nearest to one. */
 int Slice_Nearest(const Voxel_Change& change, int slice);
 

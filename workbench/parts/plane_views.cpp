@@ -4,7 +4,29 @@
 #include <span>
 #include <utility>
 
+#include "workbench/volumes/work_share.h"
+
 namespace workbench {
+
+namespace {
+
+/** A whole picture. In planes across the slices every pixel lies in a line of memory of its own: waiting for these is
+ *  most of the time, and done by several threads at once. */
+template <class Voxels, class Value>
+void Picture_Copy(const Voxels& voxels, const Plane_Geometry& geometry, int depth, std::span<Value> picture) {
+    constexpr std::size_t bands = 8;
+    constexpr std::size_t pixels_worth_it = std::size_t{128} * 1024;
+    const std::size_t threads = geometry.Pixel_Nb() < pixels_worth_it ? 1 : volumes::Work_Thread_Nb(bands);
+    const auto row = [&](std::size_t band) {
+        return static_cast<int>(band * static_cast<std::size_t>(geometry.Height()) / bands);
+    };
+    const auto band_copy = [&](std::size_t band) {
+        Plane_Copy(voxels, geometry, depth, {0, row(band), geometry.Width(), row(band + 1)}, picture);
+    };
+    volumes::Work_Share(bands, threads, band_copy, {});
+}
+
+}  // namespace
 
 Plane_Views::Plane_Views(const Session& work, Plane_Host application) : session(work), host(std::move(application)) {}
 
@@ -76,13 +98,12 @@ Image_Content Plane_Views::Pane::Content() const {
     levels.resize(geometry.Pixel_Nb());
     tags.resize(geometry.Pixel_Nb());
     if (copied_serial != owner.serial || copied_axes != geometry.axes || copied_depth != depth) {
-        volume.levels.Visit(
-            [&](const auto& voxels) { Plane_Copy(voxels, geometry, depth, geometry.Whole(), std::span(levels)); });
+        volume.levels.Visit([&](const auto& voxels) { Picture_Copy(voxels, geometry, depth, std::span(levels)); });
         copied_serial = owner.serial;
         copied_axes = geometry.axes;
         copied_depth = depth;
     }
-    Tags_Copy(geometry.Whole());
+    Picture_Copy(owner.session.Labels().All(), geometry, depth, std::span(tags));
     if (const auto seen = owner.host.tool_preview(Cut(), tags); seen.data() != tags.data()) {
         std::ranges::copy(seen, tags.begin());
     }
@@ -93,7 +114,7 @@ Image_Content Plane_Views::Pane::Content() const {
     const std::span<const std::uint8_t> others = owner.host.compared();
     compared.resize(others.empty() ? 0 : geometry.Pixel_Nb());
     if (!others.empty()) {
-        Plane_Copy(others, geometry, depth, geometry.Whole(), std::span(compared));
+        Picture_Copy(others, geometry, depth, std::span(compared));
     }
     content.source.compared = compared;
     content.order.left = geometry.left;

@@ -94,7 +94,7 @@ void Edit_Apply(const Label_Edit& edit, bool redo, const Label_Grid& grid, std::
 /** Collects what slices shall be. */
 class Edit_Builder {
   public:
-    explicit Edit_Builder(const Edit_Input& edit_input) : input(edit_input) {}
+    explicit Edit_Builder(const Edit_Input& edit_input);
     /** Notes what `after` differs in from the slice where voxels may change; elsewhere they stay, whatever it says.
      *  Slices come in ascending order. @param after Slice_Size() TAGs */
     void Slice_Set(int slice, std::span<const std::uint8_t> after);
@@ -102,7 +102,7 @@ class Edit_Builder {
 
   private:
     const Edit_Input& input;
-    std::vector<Voxel_Run> runs;
+    Tag_Flags stays{};  // not 0: voxels of the TAG
     Label_Edit edit;
 };
 

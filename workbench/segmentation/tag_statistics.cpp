@@ -4,91 +4,17 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <limits>
 #include <utility>
 
 #include "workbench/segmentation/cancelling.h"
-#include "workbench/volumes/volume.h"
+#include "workbench/segmentation/label_counts.h"
+#include "workbench/volumes/work_share.h"
 
 namespace workbench::segmentation {
 
 namespace {
 
-constexpr std::int64_t TABLE_MOST = 65536;  // levels that are counted in a table instead of being sorted
-
-struct Level_Count {
-    std::int32_t level;
-    std::uint64_t nb;
-};
-
-/** The levels of each TAG's voxels. */
-class Level_Counts {
-  public:
-    explicit Level_Counts(const Edit_Input& input) {
-        std::int32_t least = std::numeric_limits<std::int32_t>::max();
-        std::int32_t greatest = std::numeric_limits<std::int32_t>::min();
-        const Slice_Range slices = input.Slices();
-        for (int z = slices.first; z <= slices.last && !input.levels.empty(); ++z) {
-            input.Slice_Levels(z).Visit([&](const auto& levels) {
-                for (const std::int32_t level : levels) {
-                    least = std::min(least, level);
-                    greatest = std::max(greatest, level <= volumes::LEVEL_LARGEST ? level : greatest);
-                }
-            });
-        }
-        first = least;
-        size = greatest >= least ? std::int64_t{greatest} - least + 1 : 0;
-    }
-
-    void Add(std::span<const std::uint8_t> tags, const volumes::Level_View& levels) {
-        levels.Visit([&](const auto& own) { Add_Typed(tags, own); });
-    }
-
-    /** The levels of a TAG, ascending, each once; the collected ones are given free. */
-    std::vector<Level_Count> Take(std::size_t tag) {
-        std::vector<Level_Count> counts;
-        for (std::size_t at = 0; at < tables[tag].size(); ++at) {
-            if (tables[tag][at] != 0) {
-                counts.push_back({static_cast<std::int32_t>(first + static_cast<std::int64_t>(at)), tables[tag][at]});
-            }
-        }
-        std::ranges::sort(lists[tag]);
-        for (const std::int32_t level : lists[tag]) {
-            if (counts.empty() || counts.back().level != level) {
-                counts.push_back({level, 0});
-            }
-            ++counts.back().nb;
-        }
-        tables[tag] = {};
-        lists[tag] = {};
-        return counts;
-    }
-
-  private:
-    template <class Levels>
-    void Add_Typed(std::span<const std::uint8_t> tags, const Levels& levels) {
-        for (std::size_t at = 0; at < levels.size(); ++at) {
-            const std::int32_t level = levels[at];
-            if (level > volumes::LEVEL_LARGEST) {
-                continue;
-            }
-            if (size > TABLE_MOST) {
-                lists[tags[at]].push_back(level);
-                continue;
-            }
-            std::vector<std::uint64_t>& table = tables[tags[at]];
-            if (table.empty()) {
-                table.resize(static_cast<std::size_t>(size));
-            }
-            ++table[static_cast<std::size_t>(std::int64_t{level} - first)];
-        }
-    }
-
-    std::int64_t first = 0;
-    std::int64_t size = 0;
-    std::array<std::vector<std::uint64_t>, TAG_MAX> tables;
-    std::array<std::vector<std::int32_t>, TAG_MAX> lists;
-};
+constexpr std::size_t THREADS_MOST = 8;
 
 /** The value at a share of the way from the first to the last of ordered greys. @param share 0 .. 1 */
 double Grey_At(std::span<const Level_Count> counts, std::uint64_t voxel_nb, double share, const Grey_Scale& scale) {
@@ -111,6 +37,8 @@ double Grey_At(std::span<const Level_Count> counts, std::uint64_t voxel_nb, doub
     return between * scale.slope + scale.intercept;
 }
 
+constexpr std::int64_t NARROW_MOST = 131072;
+
 /** The mean of the squares of distances of levels to their mean. */
 double Level_Variance(std::span<const Level_Count> counts, std::int64_t sum, std::uint64_t voxel_nb) {
     // Distances are taken to the whole number nearest to the mean, so that nothing is lost before the last step: their
@@ -118,7 +46,7 @@ double Level_Variance(std::span<const Level_Count> counts, std::int64_t sum, std
     const double mean = static_cast<double>(sum) / static_cast<double>(voxel_nb);
     const auto middle = std::llround(mean);
     const std::int64_t shifted_sum = sum - middle * static_cast<std::int64_t>(voxel_nb);
-    const bool is_narrow = std::int64_t{counts.back().level} - counts.front().level < 2 * TABLE_MOST;
+    const bool is_narrow = std::int64_t{counts.back().level} - counts.front().level < NARROW_MOST;
     std::uint64_t whole = 0;
     double real = 0.0;
     for (const Level_Count& count : counts) {
@@ -157,6 +85,22 @@ Grey_Numbers Greys_Measure(std::span<const Level_Count> counts, const Statistics
     return numbers;
 }
 
+/** All but the TAG and its voxels in the slices, which are known. @param levels its own are taken out */
+void Row_Measure(const Edit_Input& input, const Statistics_Request& request, Level_Counts& levels, Tag_Numbers& row) {
+    const auto tag = static_cast<std::uint8_t>(row.tag);
+    row.first_slice = -1;
+    for (int z = 0; z < input.grid.slices; ++z) {
+        const std::uint64_t nb = row.slice_voxels[static_cast<std::size_t>(z)];
+        row.voxel_nb += nb;
+        row.first_slice = row.first_slice < 0 && nb != 0 ? z : row.first_slice;
+        row.last_slice = nb != 0 ? z : row.last_slice;
+    }
+    row.milliliters = static_cast<double>(row.voxel_nb) * input.grid.Voxel_Mm3() / 1000.0;
+    row.greys = Greys_Measure(levels.Take(tag), request);
+    const Edit_Progress silent;
+    row.region_nb = Regions_Of_Tag(input, tag, request.neighbours, Step_Progress(silent)).Regions().size();
+}
+
 std::string Number_Text(double number) {
     std::array<char, 40> text{};
     const std::to_chars_result end = std::to_chars(text.data(), text.data() + text.size(), number);
@@ -187,49 +131,18 @@ std::string Name_Of(const Csv_Words& words, int tag) {
 std::optional<std::vector<Tag_Numbers>> Tag_Statistics(const Edit_Input& input, const Statistics_Request& request) {
     return Cancellable([&] {
         const Step_Progress progress(input.progress);
-        const Slice_Range slices = input.Slices();
-        Level_Counts levels(input);
-        std::array<std::vector<std::uint64_t>, TAG_MAX> slice_voxels;
-        for (int z = slices.first; z <= slices.last; ++z) {
-            progress.Part(0.0, 0.6).Report(z - slices.first, slices.last - slices.first + 1);
-            std::array<std::uint64_t, TAG_MAX> in_slice{};
-            for (const std::uint8_t tag : input.Slice_Tags(z)) {
-                ++in_slice[tag];
-            }
-            for (std::size_t tag = 0; tag < in_slice.size(); ++tag) {
-                if (in_slice[tag] != 0) {
-                    slice_voxels[tag].resize(static_cast<std::size_t>(input.grid.slices));
-                    slice_voxels[tag][static_cast<std::size_t>(z)] = in_slice[tag];
-                }
-            }
-            if (!input.levels.empty()) {
-                levels.Add(input.Slice_Tags(z), input.Slice_Levels(z));
-            }
-        }
+        const std::size_t threads = volumes::Work_Thread_Nb(THREADS_MOST);
+        Label_Counts counts = Labels_Count(input, threads, progress.Part(0.0, 0.6));
         std::vector<Tag_Numbers> rows;
-        const Edit_Progress silent;
-        for (std::size_t tag = 0; tag < slice_voxels.size(); ++tag) {
-            progress.Part(0.6, 1.0).Report(static_cast<std::int64_t>(tag), TAG_MAX);
-            if (slice_voxels[tag].empty()) {
-                continue;
+        for (std::size_t tag = 0; tag < counts.slice_voxels.size(); ++tag) {
+            if (!counts.slice_voxels[tag].empty()) {
+                Tag_Numbers& row = rows.emplace_back();
+                row.tag = static_cast<int>(tag);
+                row.slice_voxels = std::move(counts.slice_voxels[tag]);
             }
-            Tag_Numbers& row = rows.emplace_back();
-            row.tag = static_cast<int>(tag);
-            row.slice_voxels = std::move(slice_voxels[tag]);
-            row.first_slice = -1;
-            for (int z = 0; z < input.grid.slices; ++z) {
-                const std::uint64_t nb = row.slice_voxels[static_cast<std::size_t>(z)];
-                row.voxel_nb += nb;
-                row.first_slice = row.first_slice < 0 && nb != 0 ? z : row.first_slice;
-                row.last_slice = nb != 0 ? z : row.last_slice;
-            }
-            row.milliliters = static_cast<double>(row.voxel_nb) * input.grid.Voxel_Mm3() / 1000.0;
-            row.greys = Greys_Measure(levels.Take(tag), request);
-            row.region_nb =
-                Regions_Of_Tag(input, static_cast<std::uint8_t>(tag), request.neighbours, Step_Progress(silent))
-                    .Regions()
-                    .size();
         }
+        Pieces_Share(rows.size(), threads, progress.Part(0.6, 1.0),
+                     [&](std::size_t at) { Row_Measure(input, request, counts.levels, rows[at]); });
         progress.Report(1, 1);
         return rows;
     });
