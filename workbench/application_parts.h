@@ -19,6 +19,7 @@
 #include "workbench/parts/color_advisor.h"
 #include "workbench/parts/focus.h"
 #include "workbench/parts/history_control.h"
+#include "workbench/parts/image_file_control.h"
 #include "workbench/parts/label_file_control.h"
 #include "workbench/parts/layout_control.h"
 #include "workbench/parts/picture_control.h"
@@ -89,6 +90,7 @@ struct Application_Parts {
     Label_File_Control label_files;
     Layout_Control layouts;
     Picture_Control pictures;
+    Image_File_Control image_files;
     Recovery_Control recovery;
     Histogram_Desk histogram;
     Database_Control database;

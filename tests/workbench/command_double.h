@@ -24,6 +24,7 @@ struct Command_Double : Volume_File_Actions,
                         View_Actions,
                         Layout_Actions,
                         Picture_Actions,
+                        Image_File_Actions,
                         Cursor_Actions,
                         Propagation_Actions,
                         Segmentation_Actions,
@@ -103,6 +104,7 @@ struct Command_Double : Volume_File_Actions,
     std::vector<Numbered_Entry> Window_Entries() const override { return windows; }
     void Window_Choose(int number) override { Note("Window_Choose", Number(number)); }
     void Picture_Save() override { Note("Picture_Save"); }
+    void Image_Save_As() override { Note("Image_Save_As"); }
     void Sheet_Save() override { Note("Sheet_Save"); }
     void Overlay_Set(bool on) override { Note("Overlay_Set", Number(on)); }
     bool Is_Overlay() const override { return Is("Is_Overlay"); }
@@ -196,7 +198,7 @@ struct Command_Double : Volume_File_Actions,
 
     Command_Parts Parts() {
         return {*this, *this, *this, *this, *this, *this, *this, *this, *this, *this,
-                *this, *this, *this, *this, *this, *this, *this, *this, *this};
+                *this, *this, *this, *this, *this, *this, *this, *this, *this, *this};
     }
 
     std::vector<std::string> asked;      // "Slice_Step 1"

@@ -16,6 +16,7 @@ enum class Command {
     Load_Labels,
     Save_Labels,
     Save_Labels_As,
+    Save_Image_As,
     Object_Save,
     Labels_Send,
     Images_Send,

@@ -165,6 +165,13 @@ class Picture_Actions {
     virtual void Sheet_Save() = 0;
 };
 
+/** The image as a file of another format. */
+class Image_File_Actions {
+  public:
+    virtual ~Image_File_Actions() = default;
+    virtual void Image_Save_As() = 0;
+};
+
 /** The keyboard's cursor in the image. */
 class Cursor_Actions {
   public:
@@ -346,6 +353,7 @@ struct Command_Parts {
     View_Actions& view;
     Layout_Actions& layout;
     Picture_Actions& picture;
+    Image_File_Actions& image_file;
     Cursor_Actions& cursor;
     Propagation_Actions& propagation;
     Segmentation_Actions& segmentation;

@@ -98,6 +98,8 @@ constexpr Command_Record RECORDS[] = {
           [](const Parts& on, int) { on.label_file.Save_Labels(false); }),
     Entry(Command::Save_Labels_As, "save_labels_as", Menu::File, "Save labels &as...", {},
           [](const Parts& on, int) { on.label_file.Save_Labels(true); }),
+    Entry(Command::Save_Image_As, "save_image_as", Menu::File, "Save ima&ge as...", {},
+          [](const Parts& on, int) { on.image_file.Image_Save_As(); }),
     Entry(Command::Object_Save, "object_save", Menu::File, "Save as &DICOM segmentation...", {},
           [](const Parts& on, int) { on.object.Object_Save(); }),
     Entry(Command::Labels_Send, "labels_send", ARCHIVE_MENU, "Send labels &to an archive...", {},

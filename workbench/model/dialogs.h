@@ -15,7 +15,17 @@ namespace workbench {
 enum class Warning_Subject { Other, Label_File };
 
 /** What is read from a file or written into it. */
-enum class File_Kind { Images, Labels, Label_Volumes, Segmentations, Histograms, Tables, Pictures, Texts };
+enum class File_Kind {
+    Images,
+    Labels,
+    Label_Volumes,
+    Image_Volumes,
+    Segmentations,
+    Histograms,
+    Tables,
+    Pictures,
+    Texts
+};
 
 /** Texts are UTF-8. What asks or runs something runs a message loop, in which everything else may happen but input for
  *  the main window. Window's thread only. */

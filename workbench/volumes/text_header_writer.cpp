@@ -22,7 +22,6 @@ namespace volumes {
 
 namespace {
 
-constexpr std::size_t BLOCK_VOXELS = 64U * 1024U;
 constexpr int WINDOW_BITS = 15;
 constexpr int GZIP_FRAME = 16;  // added to the window: gzip's header and trailer
 constexpr int MEMORY_LEVEL = 8;
@@ -181,17 +180,28 @@ std::string Text_Header_Labels_Write(const std::filesystem::path& path, const Vo
     });
 }
 
-std::string Text_Header_Image_Write(const std::filesystem::path& path, const Volume& image) noexcept {
+std::string Text_Header_Image_Write(const std::filesystem::path& path, const Volume& image,
+                                    const Image_Writing& writing) noexcept {
+    // Guarded catches what is thrown.
+    // cppcheck-suppress throwInNoexceptFunction
     return Guarded(path, [&](Text_Header_Kind kind, Output_File& file) {
         const Voxel_Type type = Type_Of(image);
         const std::size_t size = Voxel_Type_Size(type);
+        const std::size_t slice_size = static_cast<std::size_t>(image.nx) * static_cast<std::size_t>(image.ny);
         bool is_written = Text_Write(file, Text_Header_Make(kind, Header_Of(image, type, image.nt), 0));
-        std::vector<std::uint8_t> block;
-        for (std::size_t at = 0; is_written && at < image.levels.size(); at += BLOCK_VOXELS) {
-            const std::size_t nb = std::min(BLOCK_VOXELS, image.levels.size() - at);
-            block.resize(nb * size);
-            for (std::size_t i = 0; i < nb; ++i) {
-                Voxel_Put(image, image.levels[at + i], type, &block[i * size]);
+        std::vector<std::int32_t> levels(slice_size);
+        std::vector<std::uint8_t> block(slice_size * size);
+        for (std::size_t at = 0; is_written && at + slice_size <= image.levels.size(); at += slice_size) {
+            if (writing.progress &&
+                !writing.progress(static_cast<double>(at) / static_cast<double>(image.levels.size()))) {
+                throw std::runtime_error("it was given up");
+            }
+            image.levels.View().subspan(at, slice_size).Copy_To(levels);
+            if (writing.turn) {
+                writing.turn(levels);
+            }
+            for (std::size_t i = 0; i < slice_size; ++i) {
+                Voxel_Put(image, levels[i], type, &block[i * size]);
             }
             is_written = file.Write(block);
         }
