@@ -19,6 +19,12 @@ void CALLBACK Recovery_Timer(HWND /*window*/, UINT /*message*/, UINT_PTR /*id*/,
     }
 }
 
+void CALLBACK Counting_Timer(HWND /*window*/, UINT /*message*/, UINT_PTR /*id*/, DWORD /*time*/) {
+    if (the_parts != nullptr) {
+        the_parts->counting.Look();
+    }
+}
+
 int Carry(void* from, void* to) {
     if (the_parts == nullptr) {
         return 0;
@@ -55,14 +61,15 @@ Application_Parts::Application_Parts(const Command_Line& command_line, Main_Wind
       recovery(work, labels, dialogs, Recovery_Wires(*this, &Recovery_Timer)),
       histogram(
           {look, work, variables, labels, objects, panels, dialogs, settings, [this] { return window.Handle(); }}),
+      counting(Counting_Wires(*this, &Counting_Timer)),
       database({look, work, objects, dialogs, [&user] { user.Lay_Out(); },
                 [this] { histogram.Control().Checked_Take(); },
                 [this](const Quorel_2D* frame) { opener.Frame_Follow(frame); },
                 [this](unsigned __int64 flags) { Ask(flags); }}),
-      opener(
-          {look, work, labels, objects, dialogs, report, settings.Now(), label_files, database, histogram, tools, view,
-           [this] { return window.Handle(); }, [&user] { user.Deliver(); }, [this] { window_control.Settings_Keep(); }},
-          options.labels),
+      opener({look, work, labels, objects, dialogs, report, settings.Now(), label_files, database, histogram, counting,
+              tools, view, [this] { return window.Handle(); }, [&user] { user.Deliver(); },
+              [this] { window_control.Settings_Keep(); }},
+             options.labels),
       keyboard({work, variables, dialogs, panels, image, planes, database, tools, tags, layouts, focus,
                 [&user](const Command_Call& call) { user.Execute(call); }}),
       focus(keyboard.Focus_Services()),
@@ -85,6 +92,7 @@ Application_Parts::Application_Parts(const Command_Line& command_line, Main_Wind
                     database.Column(),
                     database.History(),
                     histogram,
+                    counting,
                     commands,
                     color_advisor,
                     focus,
@@ -101,6 +109,7 @@ Application_Parts::Application_Parts(const Command_Line& command_line, Main_Wind
 
 Application_Parts::~Application_Parts() {
     the_parts = nullptr;
+    counting.Cancel();
     objects.Clear();
 }
 

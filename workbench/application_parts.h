@@ -5,6 +5,7 @@
 #include "workbench/database_control.h"
 #include "workbench/edits/label_objects.h"
 #include "workbench/edits/segmentation_control.h"
+#include "workbench/histogram_counting.h"
 #include "workbench/histogram_desk.h"
 #include "workbench/host_variables.h"
 #include "workbench/image_area.h"
@@ -93,6 +94,7 @@ struct Application_Parts {
     Image_File_Control image_files;
     Recovery_Control recovery;
     Histogram_Desk histogram;
+    Histogram_Counting counting;
     Database_Control database;
     Volume_Opener opener;
     Keyboard_Control keyboard;

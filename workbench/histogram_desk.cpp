@@ -98,6 +98,7 @@ std::string Histogram_Desk::Note() const {
         counted = "checked frames" + counted.substr(std::min(counted.find(", TAG"), counted.size()));
     }
     const std::string unit = of.work.panel_scale.Text();
+    counted += of.objects.Is_Counted() ? "" : ", being counted";
     return of.work.session.Has_Volume() ? counted + (unit.empty() ? "" : "   levels " + unit) : "";
 }
 
@@ -283,7 +284,8 @@ void Histogram_Desk::Background_Ask() {
 
 std::string Histogram_Desk::Numbers_Text() const {
     if (of.panels.Histogram().data == nullptr || !of.panels.Histogram().data->Has_Counts()) {
-        return "The histogram is empty";
+        const bool is_coming = of.work.session.Has_Volume() && !of.objects.Is_Counted();
+        return is_coming ? "The histogram is still being counted" : "The histogram is empty";
     }
     const Histo_Record& record = *of.panels.Histogram().data->record;
     const double width = of.labels.Grey_Of(record.bin_width);

@@ -19,6 +19,7 @@ namespace workbench {
 namespace {
 
 constexpr UINT_PTR RECOVERY_TIMER = 41;
+constexpr UINT_PTR COUNTING_TIMER = 42;
 
 /** A line of light letters on black; empty without memory. */
 volumes::Picture Letters_Drawn(const std::wstring& text, HFONT font) {
@@ -210,6 +211,25 @@ Recovery_Host Recovery_Wires(Application_Parts& parts, TIMERPROC on_timer) {
     host.take = [&parts](const Label_Description& description) { parts.label_files.Take(description); };
     host.note = [](const std::string& text) { Activity_Note(text); };
     return host;
+}
+
+Counting_Parts Counting_Wires(Application_Parts& parts, TIMERPROC on_timer) {
+    return {parts.work,
+            parts.objects,
+            parts.dialogs,
+            parts.report,
+            [&parts, on_timer](int ms) {
+                // As above: results are handed over in every message loop.
+                if (ms > 0) {
+                    ::SetTimer(parts.window.Handle(), COUNTING_TIMER, static_cast<UINT>(ms), on_timer);
+                } else {
+                    ::KillTimer(parts.window.Handle(), COUNTING_TIMER);
+                }
+            },
+            [&parts] { return Utf8_Of_Wide(parts.status_line.Message()); },
+            [&parts](const std::string& text) { parts.status_line.Message_Set(Wide_Of_Utf8(text)); },
+            [&parts] { return parts.histogram.Numbers_Text(); },
+            [&parts] { parts.panels.Histogram_Scale_Suggest(); }};
 }
 
 Label_File_Host Label_File_Wires(Application_Parts& parts) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "workbench/edits/segmentation_control.h"
+#include "workbench/histogram_counting.h"
 #include "workbench/parts/color_advisor.h"
 #include "workbench/parts/history_control.h"
 #include "workbench/parts/label_file_control.h"
@@ -32,5 +33,7 @@ Label_File_Host Label_File_Wires(Application_Parts& parts);
 Picture_Host Picture_Wires(Application_Parts& parts);
 /** @param on_timer called when a look is due, with nothing but what is global */
 Recovery_Host Recovery_Wires(Application_Parts& parts, TIMERPROC on_timer);
+/** @param on_timer as above */
+Counting_Parts Counting_Wires(Application_Parts& parts, TIMERPROC on_timer);
 
 }  // namespace workbench

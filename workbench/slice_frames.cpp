@@ -66,9 +66,9 @@ void Frame_Histogram_Of(Slice_Frame& frame, const std::int32_t* levels, float sl
     std::swap(frame.histogram_built, counted.histogram_built);
 }
 
-void Slice_Histogram_Build(Slice_Frame& frame, const volumes::Volume& image, const unsigned char* mask,
+void Slice_Histogram_Build(Slice_Frame& frame, std::int32_t lowest, std::int32_t highest, const unsigned char* mask,
                            Level_Room& room) {
-    const Histo_Grid grid = Slice_Grid(image.level_min, image.level_max, frame.slope, frame.intercept);
+    const Histo_Grid grid = Slice_Grid(lowest, highest, frame.slope, frame.intercept);
     Frame_Histogram_Of(frame, Slice_Levels(frame, room), frame.slope, grid, mask);
 }
 
@@ -80,27 +80,29 @@ std::unique_ptr<Slice_Frame> Slice_Frame_Make(const volumes::Volume& image, int 
                                          static_cast<float>(scale.To_Panel(image.intercept)), image.color);
 }
 
-std::vector<Slice_Frames> Slice_Frames_Make(const std::vector<volumes::Folder_Volume>& opened,
-                                            const volumes::Load_Progress& progress) {
+Slices_To_Count Slices_To_Count_Of(const volumes::Volume& image) {
+    Slices_To_Count wanted{{}, image.level_min, image.level_max};
+    for (int slice = 0; slice < image.nz; ++slice) {
+        wanted.frames.push_back(Slice_Frame_Make(image, slice, 1));
+    }
+    return wanted;
+}
+
+bool Slices_Count(std::vector<Slices_To_Count>& wanted, const volumes::Load_Progress& progress) {
     struct Place {
         std::size_t volume = 0;
-        int slice = 0;
+        std::size_t slice = 0;
     };
     std::vector<Place> places;
-    std::vector<Slice_Frames> made(opened.size());
-    for (std::size_t at = 0; at < opened.size(); ++at) {
-        made[at].resize(static_cast<std::size_t>(opened[at].volume.nz));
-        for (int slice = 0; slice < opened[at].volume.nz; ++slice) {
+    for (std::size_t at = 0; at < wanted.size(); ++at) {
+        for (std::size_t slice = 0; slice < wanted[at].frames.size(); ++slice) {
             places.push_back({at, slice});
         }
     }
     std::mutex mutex;
     std::vector<Level_Room> rooms;  // that no thread uses now
-    const auto make = [&](std::size_t number) {
+    const auto count = [&](std::size_t number) {
         const auto [at, slice] = places[number];
-        const volumes::Volume& image = opened[at].volume;
-        std::unique_ptr<Slice_Frame>& frame = made[at][static_cast<std::size_t>(slice)];
-        frame = Slice_Frame_Make(image, slice, 1);
         Level_Room room;
         {
             const std::lock_guard lock(mutex);
@@ -109,17 +111,15 @@ std::vector<Slice_Frames> Slice_Frames_Make(const std::vector<volumes::Folder_Vo
                 rooms.pop_back();
             }
         }
-        Slice_Histogram_Build(*frame, image, nullptr, room);
+        Slice_Histogram_Build(*wanted[at].frames[slice], wanted[at].lowest, wanted[at].highest, nullptr, room);
         const std::lock_guard lock(mutex);
         rooms.push_back(std::move(room));
     };
     const auto go_on = [&](std::size_t done) {
-        return !progress || progress(static_cast<double>(done) / static_cast<double>(places.size()));
+        const double share = places.empty() ? 1.0 : static_cast<double>(done) / static_cast<double>(places.size());
+        return !progress || progress(share);
     };
-    if (!volumes::Work_Share(places.size(), volumes::Work_Thread_Nb(places.size()), make, go_on)) {
-        return {};
-    }
-    return made;
+    return volumes::Work_Share(places.size(), volumes::Work_Thread_Nb(places.size()), count, go_on);
 }
 
 }  // namespace workbench

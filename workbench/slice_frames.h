@@ -36,17 +36,26 @@ void Frame_Histogram_Of(Slice_Frame& frame, const std::int32_t* levels, float sl
 
 /** The grid of levels: a bin per level where there are at most 4096, else as many as the panel keeps. */
 Histo_Grid Slice_Grid(std::int32_t lowest, std::int32_t highest, float slope, float intercept);
-/** (Re)builds the histogram of a slice of a volume. @param mask a byte per pixel, null: all count */
-void Slice_Histogram_Build(Slice_Frame& frame, const volumes::Volume& image, const unsigned char* mask,
+/** (Re)builds the histogram of a slice of a volume whose levels are lowest .. highest.
+ *  @param mask a byte per pixel, null: all count */
+void Slice_Histogram_Build(Slice_Frame& frame, std::int32_t lowest, std::int32_t highest, const unsigned char* mask,
                            Level_Room& room);
 /** The frame of `times` slices from `slice` on, without histogram. Its grey values are in the unit of Panel_Scale_Of.
  */
 std::unique_ptr<Slice_Frame> Slice_Frame_Make(const volumes::Volume& image, int slice, int times);
 
-/** Makes the frames of all volumes, with histograms. On as many threads as there are processors; reports to nobody.
+/** The slices of a volume, to be counted on any thread: no more of the volume is needed than where its levels are. */
+struct Slices_To_Count {
+    Slice_Frames frames;
+    std::int32_t lowest = 0;  ///< of the whole volume's levels
+    std::int32_t highest = 0;
+};
+/** Of a whole volume, without histograms. */
+Slices_To_Count Slices_To_Count_Of(const volumes::Volume& image);
+
+/** Gives all frames of all volumes their histograms. On as many threads as there are processors; reports to nobody.
  *  @param progress called on the caller's thread now and then with the share that is done; may be empty
- *  @return of every volume; empty: `progress` gave up @throw std::bad_alloc */
-std::vector<Slice_Frames> Slice_Frames_Make(const std::vector<volumes::Folder_Volume>& opened,
-                                            const volumes::Load_Progress& progress = {});
+ *  @return false: `progress` gave up; some are missing @throw std::bad_alloc */
+bool Slices_Count(std::vector<Slices_To_Count>& wanted, const volumes::Load_Progress& progress = {});
 
 }  // namespace workbench

@@ -10,6 +10,7 @@
 #include "kits/common/contract.h"
 #include "workbench/database/class_history.h"
 #include "workbench/database/database_pane.h"
+#include "workbench/histogram_counting.h"
 #include "workbench/histogram_desk.h"
 #include "workbench/model/json_text.h"
 #include "workbench/model/number_text.h"
@@ -225,6 +226,7 @@ void State_Report::Database(Json_Text& out) const {
 void State_Report::Histogram(Json_Text& out) const {
     const bool has_counts = of.panels.Histogram().data != nullptr && of.panels.Histogram().data->Has_Counts();
     const Histo_Record* const record = has_counts ? of.panels.Histogram().data->record : nullptr;
+    out.Number("histogram_counting", of.counting.Is_Busy() ? 1 : 0);
     out.Number("histogram_exponent", of.work.panel_scale.exponent);
     out.Number("histogram_bins", has_counts ? record->nb_bins : 0);
     out.Number("histogram_pixels", has_counts ? static_cast<long long>(std::accumulate(

@@ -18,6 +18,7 @@ namespace workbench {
 class Class_History;
 class Color_Advisor;
 class Database_Pane;
+class Histogram_Counting;
 class Histogram_Desk;
 class Json_Text;
 class Settings_Keeper;
@@ -41,6 +42,7 @@ struct Reported_Parts {
     Database_Pane& database;
     const Class_History& class_history;
     Histogram_Desk& histogram;
+    const Histogram_Counting& counting;
     const Command_Table& commands;
     const Color_Advisor& color_advisor;
     const Focus& focus;

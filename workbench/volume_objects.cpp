@@ -54,18 +54,6 @@ void Smooth_Histogram_Build(Slice_Frame& frame, const volumes::Volume& image, co
                        Slice_Grid(image.level_min * steps, image.level_max * steps, slope, frame.intercept), mask);
 }
 
-/** The frame of a slice, with histogram: the one that was made for it, or a new one. */
-std::unique_ptr<Slice_Frame> Frame_Take(Slice_Frames& made, const volumes::Volume& image, int slice, Level_Room& room) {
-    const auto at = static_cast<std::size_t>(slice);
-    if (at < made.size() && made[at] != nullptr && made[at]->histogram != nullptr &&
-        made[at]->Voxels().Is_At(image.levels.View().subspan(image.Index(0, 0, slice), image.Index(0, 0, 1)))) {
-        return std::move(made[at]);
-    }
-    std::unique_ptr<Slice_Frame> frame = Slice_Frame_Make(image, slice, 1);
-    Slice_Histogram_Build(*frame, image, nullptr, room);
-    return frame;
-}
-
 }  // namespace
 
 Volume_Objects::Volume_Objects() {
@@ -95,16 +83,13 @@ void Volume_Objects::Clear() {
     current = -1;
 }
 
-void Volume_Objects::Build(const Open_Volumes& volumes, const Session& current_session,
-                           std::vector<Slice_Frames>&& made) {
-    made.resize(static_cast<std::size_t>(volumes.Nb()));
+void Volume_Objects::Build(const Open_Volumes& volumes, const Session& current_session) {
     Clear();
     root = std::make_unique<Quorel_2D>();
     root->Title_Set("Images");
     Icon_Set(*root, "class Images.tga");
     for (int at = 0; at < volumes.Nb(); ++at) {
-        Volume_Build(at, volumes.Facts(at), volumes.Session_Of(at, current_session),
-                     std::move(made[static_cast<std::size_t>(at)]));
+        Volume_Build(at, volumes.Facts(at), volumes.Session_Of(at, current_session));
     }
     Files_Build(volumes);
     current = volumes.Current();
@@ -112,7 +97,7 @@ void Volume_Objects::Build(const Open_Volumes& volumes, const Session& current_s
     Variable_Define_Pointer("$DB_2D_ROOT_PT", root.get());
 }
 
-void Volume_Objects::Volume_Build(int at, const Volume_Facts& facts, const Session& session, Slice_Frames&& frames) {
+void Volume_Objects::Volume_Build(int at, const Volume_Facts& facts, const Session& session) {
     const volumes::Volume& image = session.Image();
     const auto facts_set = [&](Level_Frame& data) {
         data.modality = facts.modality;
@@ -132,9 +117,8 @@ void Volume_Objects::Volume_Build(int at, const Volume_Facts& facts, const Sessi
         facts_set(*made.cine);
         made.further[0] = made.cine.get();
     }
-    Level_Room room;
     for (int slice = 0; slice < session.Slice_Nb(); ++slice) {
-        std::unique_ptr<Slice_Frame> data = Frame_Take(frames, image, slice, room);
+        std::unique_ptr<Slice_Frame> data = Slice_Frame_Make(image, slice, 1);
         facts_set(*data);
         auto frame = std::make_unique<Quorel_2D>();
         frame->Title_Set("Frame");
@@ -262,10 +246,36 @@ std::vector<Frame_Place> Volume_Objects::Selected() const {
     return selected;
 }
 
+std::vector<Slices_To_Count> Volume_Objects::Slices_Uncounted(const Open_Volumes& volumes,
+                                                              const Session& current_session) const {
+    std::vector<Slices_To_Count> wanted(shown.size());
+    for (std::size_t at = 0; at < shown.size(); ++at) {
+        if (!shown[at]->is_counted) {
+            wanted[at] = Slices_To_Count_Of(volumes.Session_Of(static_cast<int>(at), current_session).Image());
+        }
+    }
+    return wanted;
+}
+
+void Volume_Objects::Counts_Take(std::vector<Slices_To_Count>&& counted) {
+    for (std::size_t at = 0; at < std::min(shown.size(), counted.size()); ++at) {
+        Shown_Volume& one = *shown[at];
+        if (one.is_counted || counted[at].frames.size() != one.data.size()) {
+            continue;
+        }
+        for (std::size_t slice = 0; slice < one.data.size(); ++slice) {
+            std::swap(one.data[slice]->histogram, counted[at].frames[slice]->histogram);
+            std::swap(one.data[slice]->histogram_built, counted[at].frames[slice]->histogram_built);
+        }
+        one.is_counted = true;
+    }
+}
+
 void Volume_Objects::Histograms_Build(const Session& session, const Counted_Pixels& counted) {
     if (Current() == nullptr) {
         return;
     }
+    shown[static_cast<std::size_t>(current)]->is_counted = true;
     const volumes::Volume& image = session.Image();
     const bool is_masked = counted.tag >= 0 || (counted.background && !image.color);
     std::vector<unsigned char> mask;
@@ -291,7 +301,7 @@ void Volume_Objects::Histograms_Build(const Session& session, const Counted_Pixe
         if (counted.is_smoothed && !image.color) {
             Smooth_Histogram_Build(frame, image, chosen, room, smooth);
         } else {
-            Slice_Histogram_Build(frame, image, chosen, room);
+            Slice_Histogram_Build(frame, image.level_min, image.level_max, chosen, room);
         }
     }
 }

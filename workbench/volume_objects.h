@@ -36,12 +36,18 @@ class Volume_Objects {
     Volume_Objects(const Volume_Objects&) = delete;
     Volume_Objects& operator=(const Volume_Objects&) = delete;
 
-    /** Makes the objects of all open volumes, histograms included, and names them and their files in the host
+    /** Makes the objects of all open volumes, without histograms, and names them and their files in the host
      *  variables. Grey values are told in the unit of Panel_Scale_Of. The sessions' levels must outlive them; the
-     *  current volume is selected.
-     *  @param made the frames of the volumes' slices, by Slice_Frames_Make before the sessions took the volumes; those
-     *  that are missing are made here */
-    void Build(const Open_Volumes& volumes, const Session& current_session, std::vector<Slice_Frames>&& made = {});
+     *  current volume is selected. */
+    void Build(const Open_Volumes& volumes, const Session& current_session);
+    /** The slices of every volume, in frames of their own, for whoever counts them; none of volumes that have
+     *  histograms. */
+    std::vector<Slices_To_Count> Slices_Uncounted(const Open_Volumes& volumes, const Session& current_session) const;
+    /** Takes the histograms over that were counted of all pixels. Volumes that were counted in the meantime, perhaps in
+     *  another way, keep theirs. @param counted of every volume, by Slices_Uncounted since the last Build */
+    void Counts_Take(std::vector<Slices_To_Count>&& counted);
+    /** Whether the current volume has histograms. */
+    bool Is_Counted() const { return Current() != nullptr && Current()->is_counted; }
     /** Takes the objects away; nothing is shown. */
     void Clear();
 
@@ -85,10 +91,11 @@ class Volume_Objects {
         std::unique_ptr<Slice_Frame> cine;               // all moments as one
         std::vector<std::unique_ptr<Slice_Frame>> data;  // outlive the frames
         Quorel_2D_Frame* further[1] = {nullptr};
+        bool is_counted = false;
         std::unique_ptr<Quorel_2D> object;
         std::vector<std::unique_ptr<Quorel_2D>> frames;
     };
-    void Volume_Build(int at, const Volume_Facts& facts, const Session& session, Slice_Frames&& frames);
+    void Volume_Build(int at, const Volume_Facts& facts, const Session& session);
     void Files_Build(const Open_Volumes& volumes);
     const Shown_Volume* Current() const;
 

@@ -9,6 +9,7 @@
 
 #include "workbench/commands/command_table.h"
 #include "workbench/database_control.h"
+#include "workbench/histogram_counting.h"
 #include "workbench/histogram_desk.h"
 #include "workbench/model/recovery_recorder.h"
 #include "workbench/parts/label_file_control.h"
@@ -38,22 +39,14 @@ void Volume_Opener::Open(std::span<const std::filesystem::path> paths) {
     }
     volumes::Image_Folder opened;
     std::vector<volumes::Volume_Statistics> numbers;
-    std::vector<Slice_Frames> frames;
     of.dialogs.Run("Loading " + volumes::File_Name_Text(paths.front()), [&](const volumes::Load_Progress& progress) {
-        constexpr double read_share = 0.8;  // of the time; the rest goes into the histograms
-        opened = volumes::Image_Folder_Open(paths, [&](double done) { return progress(done * read_share); });
+        opened = volumes::Image_Folder_Open(paths, progress);
         of.report.Time("read");
         for (const volumes::Folder_Volume& one : opened.volumes) {
             numbers.push_back(volumes::Volume_Statistics_Compute(one.volume));
         }
         of.report.Time("statistics");
-        frames = Slice_Frames_Make(opened.volumes, [&](double done) {
-            const bool goes_on = progress(read_share + done * (1.0 - read_share));
-            opened.is_cancelled = opened.is_cancelled || !goes_on;
-            return goes_on;
-        });
     });
-    of.report.Time("histograms");
     if (opened.is_cancelled) {
         of.dialogs.Tell("Loading was given up");
         return;
@@ -70,7 +63,7 @@ void Volume_Opener::Open(std::span<const std::filesystem::path> paths) {
     of.database.Images_Leave();
     Paths_Note(paths);
     of.report.Time("asked");
-    Show(paths.front(), std::move(opened), std::move(numbers), std::move(frames));
+    Show(paths.front(), std::move(opened), std::move(numbers));
     if (paths.size() == 1) {
         Recent_Add(of.settings.recent, of.work.opened_paths.front());
         of.settings_keep();
@@ -123,14 +116,15 @@ void Volume_Opener::Problems_Tell(const volumes::Image_Folder& opened, const std
 }
 
 void Volume_Opener::Show(const std::filesystem::path& first, volumes::Image_Folder&& opened,
-                         std::vector<volumes::Volume_Statistics>&& numbers, std::vector<Slice_Frames>&& frames) {
+                         std::vector<volumes::Volume_Statistics>&& numbers) {
     const std::string found = volumes::Image_Folder_Text(opened);
     std::string class_problem_found;
+    of.counting.Cancel();  // it reads the voxels of the images that go
     of.objects.Clear();
     try {
         of.work.volumes.Take(std::move(opened), std::move(numbers), of.work.session);
         of.labels.Opened();
-        of.objects.Build(of.work.volumes, of.work.session, std::move(frames));
+        of.objects.Build(of.work.volumes, of.work.session);
         class_problem_found = of.database.Open(of.objects.Root(), first);
     } catch (const std::bad_alloc&) {
         of.objects.Clear();
@@ -150,8 +144,7 @@ void Volume_Opener::Show(const std::filesystem::path& first, volumes::Image_Fold
     ::UpdateWindow(of.window());
     of.report.Time("picture");
     of.database.Opened_Tell(class_problem_found);
-    const std::string text = Volume_Text() + "   " + of.histogram.Numbers_Text();
-    of.dialogs.Tell(of.work.volumes.Nb() > 1 ? found + "   " + text : text);
+    of.counting.Begin(of.work.volumes.Nb() > 1 ? found + "   " + Volume_Text() : Volume_Text());
 }
 
 std::string Volume_Opener::Volume_Text() const {

@@ -15,12 +15,12 @@
 #include "workbench/model/settings.h"
 #include "workbench/model/workspace.h"
 #include "workbench/report.h"
-#include "workbench/slice_frames.h"
 #include "workbench/volume_objects.h"
 
 namespace workbench {
 
 class Database_Control;
+class Histogram_Counting;
 class Histogram_Desk;
 class Label_File_Control;
 class Tool_Box;
@@ -38,6 +38,7 @@ struct Opener_Parts {
     Label_File_Control& label_files;
     Database_Control& database;
     Histogram_Desk& histogram;
+    Histogram_Counting& counting;
     Tool_Box& tools;
     View_Control& view;
     std::function<HWND()> window;         ///< the main one
@@ -81,7 +82,7 @@ class Volume_Opener : public Volume_File_Actions {
     void Labels_Take();
     /** @param first of the paths that were opened: the class changes are kept beside it */
     void Show(const std::filesystem::path& first, volumes::Image_Folder&& opened,
-              std::vector<volumes::Volume_Statistics>&& numbers, std::vector<Slice_Frames>&& frames);
+              std::vector<volumes::Volume_Statistics>&& numbers);
     /** Takes over what belongs to the volume that became the current one. */
     void Adopt();
     /** Makes another volume the current one. @return false: it is so already, or there is none */

@@ -51,10 +51,15 @@ class Volume_Objects_Test : public ::testing::Test {
         folder.volumes.push_back(Opened("brain.nii", 5, {0, 0, 0, 0, 0}));
         Build(std::move(folder));
     }
-    void Build(Image_Folder&& folder) {
+    void Build(Image_Folder&& folder, bool is_counted = true) {
         objects.Clear();
         volumes.Take(std::move(folder), {}, session);
         objects.Build(volumes, session);
+        if (is_counted) {
+            std::vector<Slices_To_Count> counted = objects.Slices_Uncounted(volumes, session);
+            ASSERT_TRUE(Slices_Count(counted));
+            objects.Counts_Take(std::move(counted));
+        }
     }
     /** A series of three slices in two files, a cine and a scout of a file each, and a file that gave nothing. */
     void Build_Folder() {
@@ -108,29 +113,39 @@ class Rows {
     DB_List* list = nullptr;
 };
 
-TEST_F(Volume_Objects_Test, takes_the_frames_that_were_made_with_their_histograms) {
+TEST_F(Volume_Objects_Test, histograms_arrive_when_all_slices_of_all_volumes_are_counted) {
     Image_Folder folder;
     folder.files = {"a.nii", "b.nii"};
     folder.volumes.push_back(Opened("a.nii", 2, {0, 0}));
     folder.volumes.push_back(Opened("b.nii", 3, {1, 1, 1}));
-    std::vector<Slice_Frames> made = Slice_Frames_Make(folder.volumes);
-    std::vector<std::pair<const Level_Frame*, const Histo_Record*>> expected;
-    for (const auto& frame : made[1]) {
-        expected.emplace_back(frame.get(), frame->Histogram_Get());
-    }
-    made[0].pop_back();  // one that is missing is made
-    objects.Clear();
-    volumes.Take(std::move(folder), {}, session);
-    objects.Build(volumes, session, std::move(made));
+    Build(std::move(folder), false);
     ASSERT_EQ(volumes.Current(), 1);
-    for (int slice = 0; slice < 3; ++slice) {
-        Quorel_2D_Frame* const frame = objects.Frame(slice)->frame;
-        EXPECT_EQ(frame, expected[static_cast<std::size_t>(slice)].first);
-        EXPECT_EQ(frame->Histogram_Get(), expected[static_cast<std::size_t>(slice)].second) << "not built again";
-        EXPECT_EQ(frame->modality, 'C' << 8 | 'T');
-    }
+    EXPECT_FALSE(objects.Is_Counted());
+    EXPECT_EQ(objects.Frame(2)->frame->Histogram_Get(), nullptr) << "nothing rather than something wrong";
+    EXPECT_EQ(objects.Frame(2)->frame->modality, 'C' << 8 | 'T');
+    std::vector<Slices_To_Count> counted = objects.Slices_Uncounted(volumes, session);
+    ASSERT_TRUE(Slices_Count(counted));
+    const Histo_Record* const expected = counted[1].frames[2]->histogram;
+    objects.Counts_Take(std::move(counted));
+    EXPECT_TRUE(objects.Is_Counted());
+    EXPECT_EQ(objects.Frame(2)->frame->Histogram_Get(), expected) << "not counted again";
     objects.Current_Set(0);
     EXPECT_NE(objects.Frame(1)->frame->Histogram_Get(), nullptr);
+    EXPECT_TRUE(objects.Slices_Uncounted(volumes, session)[0].frames.empty()) << "nothing is left to be counted";
+}
+
+TEST_F(Volume_Objects_Test, a_volume_that_was_counted_in_another_way_meanwhile_keeps_its_histograms) {
+    Image_Folder folder;
+    folder.files = {"a.nii"};
+    folder.volumes.push_back(Opened("a.nii", 3, {0, 0, 0}));
+    Build(std::move(folder), false);
+    std::vector<Slices_To_Count> counted = objects.Slices_Uncounted(volumes, session);
+    ASSERT_TRUE(Slices_Count(counted));
+    objects.Histograms_Build(session, {4, false, std::nullopt});  // of a TAG that no pixel has
+    objects.Counts_Take(std::move(counted));
+    const Histo_Record* const record = objects.Frame(1)->frame->Histogram_Get();
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(std::accumulate(record->counts, record->counts + record->nb_bins, 0U), 0U);
 }
 
 TEST_F(Volume_Objects_Test, makes_one_frame_per_slice_of_one_volume) {
@@ -274,6 +289,7 @@ TEST(Volume_Objects_Scale, a_small_range_fills_the_bins_of_the_panel) {
     volumes.Take(std::move(folder), {}, session);
     Volume_Objects objects;
     objects.Build(volumes, session);
+    objects.Histograms_Build(session, {});
     const Histo_Record* record = objects.Frame(0)->frame->Histogram_Get();
     ASSERT_NE(record, nullptr);
     EXPECT_GT(record->nb_bins, 3500);

@@ -89,10 +89,10 @@ class Run:
         self.workbenches.append(workbench)
         return workbench
 
-    def start(self, *files, labels=None):
-        """The same, and waits until it is ready and in front."""
+    def start(self, *files, labels=None, is_counted=True):
+        """The same, and waits until it is ready and in front, the histogram counted or not."""
         workbench = self.launch(*files, labels=labels)
-        workbench.wait_ready()
+        workbench.wait_ready(is_counted)
         workbench.front("Workbench")
         return workbench
 

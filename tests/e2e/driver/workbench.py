@@ -80,11 +80,13 @@ class Workbench:
         patience = PATIENCE if self.last else START
         return self._until(f"'{pattern}'", lambda: self.said(pattern)[count - 1:], patience)[-1]
 
-    def wait_ready(self):
+    def wait_ready(self, is_counted=True):
+        """@param is_counted whether the histogram must be there too"""
         self._until("ready", lambda: self.has_ended() or self.said("ready"), START)
         if self.has_ended():
             raise Failure(f"the workbench ended with status {self.program.returncode} when it started")
-        return self.wait("the window is in front", lambda s: s.active is not None)
+        return self.wait("the window is in front",
+                         lambda s: s.active is not None and not (is_counted and s.histogram_counting))
 
     def state(self):
         """Asked anew; None when the workbench has ended."""

@@ -81,3 +81,43 @@ def closing_with_unsaved_work_asks(run):
     app.key("ctrl+q")
     app.answer_key("Unsaved work", "alt+n")
     run.same("it closes with status 0", app.wait_ended(), 0)
+
+
+def large_image(run):
+    """512 x 512 x 300 voxels, two halves of one value each."""
+    half = 512 * 512 * 150 * 2
+    header = bytearray(352)
+    struct.pack_into("<i", header, 0, 348)
+    struct.pack_into("<8h", header, 40, 3, 512, 512, 300, 1, 1, 1, 1)
+    struct.pack_into("<hh", header, 70, 512, 16)
+    struct.pack_into("<8f", header, 76, *[1.0] * 8)
+    struct.pack_into("<f", header, 108, 352.0)
+    header[344:348] = b"n+1\0"
+    path = run.data / "large.nii"
+    with open(path, "wb") as file:
+        file.write(header)
+        file.write(b"\x05\x00" * (half // 2))
+        file.truncate(352 + 2 * half)
+    return path
+
+
+@scenario()
+def the_picture_is_there_before_the_histogram(run):
+    """A large image is shown and painted in while its histogram is counted; the end does not wait for it."""
+    image = large_image(run)
+    app = run.start(image, is_counted=False)
+    state = app.state()
+    run.same("the image is shown", state.slice_nb, 300)
+    run.check("no part of the histogram is shown for the whole", state.histogram_counting == 0 or
+              state.histogram_pixels == 0)
+    app.stroke((40, 45), (60, 45))
+    painted = app.expect("it is painted in", lambda s: s.count(1) > 0, unsaved=1).count(1)
+    state = app.expect("the histogram comes by itself", histogram_counting=0, histogram_pixels=512 * 512 * 300)
+    run.same("what was painted stays", state.count(1), painted)
+    order = [line.split()[1] for line in app.said("time (picture|counted) ")]
+    run.same("the picture was first", order, ["picture", "counted"])
+    run.shot("counted", " - Workbench")
+    run.same("it ends well", app.end(), 0)
+    app = run.launch(image)
+    app.wait_ready(is_counted=False)
+    run.same("it ends well in the middle of counting", app.end(), 0)
