@@ -54,6 +54,7 @@ class Segmentation_Services : public Segmentation_Host {
              const std::function<void(const segmentation::Edit_Progress& progress)>& action) override;
     void Stroke_End() override { wiring.stroke_end(); }
     void Labels_Changed(int slice) override;
+    void Limits_Changed() override { wiring.work.hub.Note(Change::Mode); }
     void Preview_Changed() override { wiring.refresh(); }
     void Statistics_Show(const std::string& title, const std::string& table) override;
     bool Is_Statistics_Shown() const override { return statistics.Is_Shown() || wiring.table() != nullptr; }

@@ -449,6 +449,7 @@ void Segmentation_Control::Scope_Set(Edit_Scope wanted) {
         range = *entered;
     }
     scope = wanted;
+    host.Limits_Changed();
     host.Tell("Operations on TAGs work on " + (host.Work().Has_Volume() ? Slices_Text() : std::string("the volume")));
     Labels_Follow();
 }
@@ -464,6 +465,7 @@ void Segmentation_Control::Only_Inside_Ask() {
         return;
     }
     only_inside = chosen == 0 ? std::nullopt : std::optional(Byte_Of(chosen - 1));
+    host.Limits_Changed();
     host.Tell(only_inside ? "Operations change only voxels of " + *Only_Inside_Name()
                           : "Operations change voxels of all TAGs but locked ones");
 }

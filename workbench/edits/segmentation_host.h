@@ -59,6 +59,8 @@ class Segmentation_Host {
     virtual void Stroke_End() = 0;
     /** Voxels have changed, among others in this slice: everything that shows them or counts them follows. */
     virtual void Labels_Changed(int slice) = 0;
+    /** Other slices, or voxels of another TAG, were chosen for what operations may change. */
+    virtual void Limits_Changed() = 0;
     /** The preview of the bands was turned on or off. */
     virtual void Preview_Changed() = 0;
     /** Shows the table of the TAGs, or another one in the window that is there. */

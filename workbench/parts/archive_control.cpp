@@ -259,9 +259,11 @@ bool Archive_Control::Series_Choose(const Archive_Settings& asked, const std::st
 }
 
 Archive_Control::Fetched Archive_Control::Fetch_One(const Archive_Settings& asked, const archive::Series& series,
-                                                    const std::string& title, archive::Retrieve_Result& result,
-                                                    std::string& error) {
+                                                    const std::string& title,
+                                                    std::span<const std::filesystem::path> in_use,
+                                                    archive::Retrieve_Result& result, std::string& error) {
     dialogs.Run(title, [&](const volumes::Load_Progress& progress) {
+        archive::Cache_Trim(host.cache_folder(), CACHE_MOST, in_use);
         result = operations.retrieve(asked, series, host.cache_folder(), progress);
     });
     if (result.outcome.fault == Archive_Fault::Cancelled) {
@@ -292,10 +294,9 @@ bool Archive_Control::Fetch(const Archive_Settings& asked, std::span<const archi
         const std::string title =
             "Fetching " +
             (wanted.size() == 1 ? name : std::to_string(at + 1) + " of " + std::to_string(wanted.size()) + ": " + name);
-        archive::Cache_Trim(host.cache_folder(), CACHE_MOST, in_use);
         archive::Retrieve_Result result;
         std::string error;
-        const Fetched fetched = Fetch_One(asked, wanted[at], title, result, error);
+        const Fetched fetched = Fetch_One(asked, wanted[at], title, in_use, result, error);
         if (fetched == Fetched::Kept) {
             folders.push_back(result.folder);
             in_use.push_back(result.folder);  // the next ones do not push it out

@@ -105,9 +105,11 @@ class Archive_Control : public Archive_Actions {
     /** Fetches several, one after the other. @param wanted at least one @return whether any was opened */
     bool Fetch(const archive::Archive_Settings& asked, std::span<const archive::Series> wanted);
     enum class Fetched { Kept, Given_Up, Not_There };
-    /** @param title of the window that shows how far it is @param error receives one sentence */
+    /** @param title of the window that shows how far it is @param in_use folders that the cache keeps
+     *  @param error receives one sentence */
     Fetched Fetch_One(const archive::Archive_Settings& asked, const archive::Series& series, const std::string& title,
-                      archive::Retrieve_Result& result, std::string& error);
+                      std::span<const std::filesystem::path> in_use, archive::Retrieve_Result& result,
+                      std::string& error);
 
     /** Asks whether something may go, and in which way. @return no value: it may not */
     std::optional<archive::Send_Wishes> Send_Ask(const std::string& title, const std::string& text);

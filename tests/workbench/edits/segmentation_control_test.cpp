@@ -76,6 +76,7 @@ class Told_Host : public Segmentation_Host {
         session.Stroke_End();
     }
     void Labels_Changed(int slice) override { changed_slice = slice; }
+    void Limits_Changed() override { ++limits_nb; }
     void Preview_Changed() override { ++preview_nb; }
     void Statistics_Show(const std::string& title, const std::string& text) override {
         is_statistics_shown = true;
@@ -104,6 +105,7 @@ class Told_Host : public Segmentation_Host {
     bool is_statistics_shown = false;
     int changed_slice = -1;
     int preview_nb = 0;
+    int limits_nb = 0;
     int stroke_end_nb = 0;
     std::vector<std::string> lines;
     std::string asked, told, warned, table;
@@ -184,6 +186,7 @@ TEST_F(Segmentation_Control_Test, the_band_of_one_tag_leaves_the_others_alone) {
 TEST_F(Segmentation_Control_Test, works_on_the_chosen_slices_only) {
     host.claims = {{1, {}}};
     control.Scope_Set(Edit_Scope::Shown_Slice);
+    EXPECT_EQ(host.limits_nb, 1);  // a region that is growing goes
     control.Bands_Apply(true);
     EXPECT_EQ(Nb(1), SLICE_SIZE);
     EXPECT_EQ(host.told, "Apply all bands: 36 voxels in slice 2");
@@ -215,6 +218,7 @@ TEST_F(Segmentation_Control_Test, a_range_that_names_no_slices_is_refused_and_th
     control.Scope_Set(Edit_Scope::Range);
     EXPECT_EQ(host.warned, "");
     EXPECT_EQ(control.Scope_Now(), Edit_Scope::Shown_Slice);
+    EXPECT_EQ(host.limits_nb, 1);  // the first choice alone
 }
 
 TEST_F(Segmentation_Control_Test, changes_only_voxels_inside_the_chosen_tag_and_never_locked_ones) {
@@ -227,6 +231,7 @@ TEST_F(Segmentation_Control_Test, changes_only_voxels_inside_the_chosen_tag_and_
     EXPECT_EQ(host.lines[1], "Only 0  Background");
     EXPECT_EQ(host.lines[4], "Only 3  T3");
     EXPECT_EQ(control.Only_Inside_Name(), "T3");
+    EXPECT_EQ(host.limits_nb, 1);
     control.Bands_Apply(true);
     EXPECT_EQ(Nb(1), 3U);
     EXPECT_EQ(Nb(4), 2U);
