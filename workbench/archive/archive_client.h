@@ -91,9 +91,9 @@ struct Retrieve_Limits {
     std::size_t images = 100'000;                    ///< of one series
 };
 
-/** Fetches a series by C-GET or C-MOVE into a folder of its own. All files are named by the images' identifiers. A
- * series that was fetched before stays where it is; each fetching has a new folder. What came before a failure is
- * removed, but for Incomplete.
+/** Fetches a series by C-GET or C-MOVE into a folder of its own. All files are named by the images' identifiers.
+ *  A series that was fetched before stays where it is; each fetching has a new folder. What came before a failure is
+ *  removed, but for Incomplete.
  *  @param root folder for such folders, is made; see archive_cache.h */
 Retrieve_Result Series_Retrieve(const Archive_Settings& archive, const Series& series,
                                 const std::filesystem::path& root, const Load_Progress& progress,

@@ -1,8 +1,8 @@
 /** What describes the labels beside their voxels: names, colours, thresholds and states, between the panels, the
  *  history, the open volumes and files. No window.
  *
- *  Each open volume has its own; the panels read those of the current one. By the user's choice all volumes have those
- * of the current one instead.
+ *  Each open volume has its own; the panels read those of the current one. By the user's choice all have those of the
+ *  current one instead.
  */
 #pragma once
 

@@ -66,7 +66,7 @@ class Open_Volumes {
         volumes[static_cast<std::size_t>(volume)].labels = std::move(state);
     }
 
-    /** Makes another volume the current one; Label_Attributes::Switch also brings its labels' names. Levels stay where they are in memory. */
+    /** Makes another one the current one, but see Label_Attributes::Switch. Levels stay where they are in memory. */
     void Switch(int wanted, Session& current_session);
     /** Volumes with work that is not saved. */
     std::vector<int> Unsaved(const Session& current_session) const;
