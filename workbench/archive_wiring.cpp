@@ -63,6 +63,7 @@ Archive_Host Archive_Wires(Application_Parts& parts) {
             [&parts](std::span<const std::filesystem::path> folders) { parts.opener.Open(folders); },
             [&parts] { return Images_In_Hand(parts); },
             [&parts] {
+                parts.settings.Secret_Read();
                 const Settings& settings = parts.settings.Now();
                 return archive::Send_Wishes{.is_anonymous = settings.is_sent_anonymously,
                                             .is_picture_trusted = false,
@@ -71,7 +72,7 @@ Archive_Host Archive_Wires(Application_Parts& parts) {
             [&parts](const archive::Send_Wishes& wishes) {
                 parts.settings.Now().is_sent_anonymously = wishes.is_anonymous;
                 parts.settings.Now().archive_secret = wishes.secret;
-                parts.window_control.Settings_Keep();
+                return !parts.settings.File().empty() && parts.settings.Keep();
             },
             [&parts](const std::filesystem::path& file) { return parts.label_objects.Object_Write(file, false); },
             [&parts](const std::string& title, const std::string& text, std::vector<Form_Field>& fields,

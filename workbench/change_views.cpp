@@ -46,6 +46,9 @@ void Change_Views::Listen() {
 }
 
 void Change_Views::Derive(Told_Changes& told) {
+    if (told.changes.Has_Any({Change::Volume, Change::Opened})) {
+        of.color_advisor.Former_Forget();  // they were those of another volume
+    }
     if (told.changes.Has_Any({Change::Markers, Change::Volume, Change::Opened})) {
         of.tags.Markers_Refresh();
     }

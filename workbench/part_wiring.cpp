@@ -264,7 +264,7 @@ Tag_Host Tag_Wires(Application_Parts& parts) {
     host.panel_set = [&parts](Tag_Mark check_mark, bool is_threshold_mode) {
         parts.panels.Tag_Options_Set(check_mark, is_threshold_mode);
     };
-    host.shared_keep = [&parts](bool are_shared) { parts.settings.Now().are_labels_shared = are_shared; };
+    host.shared_keep = [&parts] { parts.window_control.Settings_Keep(); };
     host.tool_step = [&parts](int step) { return parts.tools.Step(step); };
     host.folded = [](const std::string& text) {
         std::wstring lower = Wide_Of_Utf8(text);

@@ -83,6 +83,7 @@ void Window_Control::Settings_Keep() {
     kept.list_window = of.opener.Not_Opened_List().Place_Now();
     kept.facts_window = of.opener.Read_List().Place_Now();
     kept.statistics_window = of.segmentation_services.Statistics_Window().Place_Now();
+    kept.are_labels_shared = of.labels.Is_Shared();
     kept.is_light = of.look.Theme() == Library_Theme::Light;
     kept.is_trace_shown = of.trace.Is_Shown() && !of.options.trace;
     kept.is_database_shown = of.database.Is_Database();

@@ -158,4 +158,17 @@ TEST_F(Attributes_Watch, another_volume_is_described_with_its_own_thresholds) {
     EXPECT_EQ(labels.Describe(1), labels.Describe());
 }
 
+TEST_F(Attributes_Watch, a_choice_that_is_taken_back_at_once_loses_no_names) {
+    Open(2);
+    Go(1);
+    values.Tag_Label_Set(1, "Spleen");
+    Go(0);
+    values.Tag_Label_Set(1, "Liver");
+    EXPECT_TRUE(labels.Are_Others_Different());
+    labels.Share(true);
+    labels.Share(false);
+    Go(1);
+    EXPECT_EQ(labels.Tag_Name(1), "Spleen");
+}
+
 }  // namespace

@@ -23,7 +23,6 @@ namespace {
 constexpr int NESTING_MOST = 64;  // sequences in sequences
 constexpr int DAYS_MOST = 3650;
 constexpr const char* DUMMY_TEXT = "ANONYMOUS";
-constexpr std::string_view STANDARD_ROOT = "1.2.840.10008.";
 
 /** The toolkit refuses nothing but for want of memory here. */
 void Demand(const OFCondition& condition) {
@@ -150,6 +149,39 @@ class Walk {
     const Subject& subject;
 };
 
+/** Who a data set is about, in letters that do not depend on its character set: images and what is made of them agree.
+ *  Numbers are given by each hospital anew; without number and name the study stands for the patient. */
+std::string Patient_Key(DcmItem& data_set) {
+    const std::string issuer = volumes::Field_Utf8(data_set, DCM_IssuerOfPatientID);
+    if (const std::string number = volumes::Field_Utf8(data_set, DCM_PatientID); !number.empty()) {
+        return issuer.empty() ? number : number + " of " + issuer;
+    }
+    if (std::string name = volumes::Field_Utf8(data_set, DCM_PatientName); !name.empty()) {
+        return name;
+    }
+    return "study " + volumes::Field_Text(data_set, DCM_StudyInstanceUID);
+}
+
+/** An object that was made just now would tell by how many days its dates were moved: it was made with the study.
+ *  @param data_set dates of the study moved already */
+void Making_Hide(DcmItem& data_set) {
+    constexpr const char* no_date = "19000101";
+    constexpr const char* no_time = "000000";
+    const std::string date = volumes::Field_Text(data_set, DCM_StudyDate);
+    const std::string time = volumes::Field_Text(data_set, DCM_StudyTime);
+    const auto put = [&](const DcmTagKey& tag, const std::string& value, const char* without) {
+        if (data_set.tagExists(tag)) {
+            Demand(data_set.putAndInsertString(tag, value.empty() ? without : value.c_str()));
+        }
+    };
+    for (const DcmTagKey& tag : {DCM_SeriesDate, DCM_ContentDate, DCM_InstanceCreationDate}) {
+        put(tag, date, no_date);
+    }
+    for (const DcmTagKey& tag : {DCM_SeriesTime, DCM_ContentTime, DCM_InstanceCreationTime}) {
+        put(tag, time, no_time);
+    }
+}
+
 void Marks_Write(DcmItem& data_set) {
     Demand(data_set.putAndInsertString(DCM_PatientIdentityRemoved, "YES"));
     Demand(data_set.putAndInsertString(DCM_DeidentificationMethod,
@@ -175,10 +207,11 @@ void Marks_Write(DcmItem& data_set) {
 }  // namespace
 
 std::string Anonymiser::Identifier(std::string_view identifier) const {
-    if (identifier.empty() || identifier.starts_with(STANDARD_ROOT)) {
-        return std::string(identifier);
+    std::string whole(identifier);
+    if (identifier.empty() || dcmFindNameOfUID(whole.c_str()) != nullptr) {
+        return whole;
     }
-    const Hash_Bytes hash = Secret_Hash_Of(secret, "identifier " + std::string(identifier));
+    const Hash_Bytes hash = Secret_Hash_Of(secret, "identifier " + whole);
     std::array<std::uint32_t, 4> words{};
     for (std::size_t at = 0; at < 16; ++at) {
         words[at / 4] = words[at / 4] << 8U | hash[at];
@@ -234,20 +267,41 @@ std::string Anonymiser::Anonymise(DcmItem& data_set) const {
         !data_set.tagExists(DCM_DoubleFloatPixelData)) {
         return "is no image, and only images can be sent without the patient's identity";
     }
-    std::string patient = volumes::Field_Text(data_set, DCM_PatientID);
-    if (patient.empty()) {
-        patient = volumes::Field_Text(data_set, DCM_PatientName);
-    }
+    const std::string patient = Patient_Key(data_set);
     const Subject subject = {Patient_Name(patient), Days(patient)};
+    const bool is_segmentation = volumes::Field_Text(data_set, DCM_Modality) == "SEG";
     Walk(*this, subject).Item(data_set, 0);
+    if (is_segmentation) {
+        Making_Hide(data_set);
+    }
     Marks_Write(data_set);
     return {};
 }
+
+namespace {
+
+/** Older devices draw texts into bits that no grey value uses. */
+bool Has_Overlay_In_Pixels(DcmItem& data_set) {
+    constexpr std::uint16_t groups_end = 0x6020;
+    for (std::uint16_t group = 0x6000; group < groups_end; group += 2) {
+        const bool is_there = data_set.tagExists(DcmTagKey(group, 0x0010)) ||  // Overlay Rows
+                              data_set.tagExists(DcmTagKey(group, 0x0102));    // Overlay Bit Position
+        if (is_there && !data_set.tagExists(DcmTagKey(group, 0x3000))) {       // Overlay Data
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
 
 std::string Burnt_In_Doubt(DcmItem& data_set) {
     const std::string told = volumes::Field_Text(data_set, DCM_BurnedInAnnotation);
     if (told == "YES") {
         return "they say that texts are burnt into them";
+    }
+    if (Has_Overlay_In_Pixels(data_set)) {
+        return "they have an overlay in the unused bits of their pixels";
     }
     struct Kind {
         const char* modality;
@@ -255,7 +309,8 @@ std::string Burnt_In_Doubt(DcmItem& data_set) {
     };
     constexpr std::array kinds = {Kind{"US", "ultrasound"},          Kind{"IVUS", "ultrasound"},
                                   Kind{"ES", "endoscopy"},           Kind{"XC", "photographs"},
-                                  Kind{"GM", "microscopy"},          Kind{"RF", "fluoroscopy"},
+                                  Kind{"GM", "microscopy"},          Kind{"SM", "microscopy"},
+                                  Kind{"OP", "photographs"},         Kind{"RF", "fluoroscopy"},
                                   Kind{"OT", "of another modality"}, Kind{"SC", "secondary captures"}};
     const std::string modality = volumes::Field_Text(data_set, DCM_Modality);
     const auto kind = std::ranges::find(kinds, modality, &Kind::modality);
@@ -264,6 +319,9 @@ std::string Burnt_In_Doubt(DcmItem& data_set) {
         const std::string value = volumes::Field_Text(data_set, DCM_ImageType, at);
         if (value.find("SCREEN") != std::string::npos || value.find("DOSE") != std::string::npos) {
             return "they are pictures of a screen";
+        }
+        if (value == "LABEL" || value == "OVERVIEW") {
+            return "they show the label of a slide";
         }
     }
     if (told == "NO") {

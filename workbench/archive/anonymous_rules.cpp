@@ -55,6 +55,7 @@ constexpr Element_Rule ELEMENT_RULES[] = {
     {0x00180024, Keep},     // Sequence Name
     {0x00180031, Keep},     // Radiopharmaceutical
     {0x00180085, Keep},     // Imaged Nucleus
+    {0x00181000, Dummy},    // Device Serial Number: enhanced objects have to have one
     {0x0018100A, Remove},   // UDI Sequence
     {0x00181016, Keep},     // Secondary Capture Device Manufacturer
     {0x00181018, Keep},     // Secondary Capture Device Manufacturer's Model Name
@@ -112,6 +113,8 @@ constexpr Element_Rule ELEMENT_RULES[] = {
     {0x00620006, Keep},     // Segment Description
     {0x00620009, Keep},     // Segment Algorithm Name
     {0x00620021, Remove},   // Tracking UID: goes with Tracking ID
+    {0x00660031, Keep},     // Algorithm Version
+    {0x00660036, Keep},     // Algorithm Name
     {0x00700001, Remove},   // Graphic Annotation Sequence
     {0x00700081, Empty},    // Content Description
     {0x00700084, Empty},    // Content Creator's Name

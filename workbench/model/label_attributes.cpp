@@ -154,10 +154,26 @@ void Label_Attributes::Switch(int volume) {
 }
 
 void Label_Attributes::Share(bool on) {
-    if (!std::exchange(is_shared, on) || on) {
+    if (std::exchange(is_shared, on) == on || work.volumes.Nb() == 0) {
         return;
     }
-    All_Keep();
+    Label_State now = Label_State_Of(values, work.panel_scale);
+    if (on) {
+        Note();
+        shared_first = std::move(now);
+    } else if (now != shared_first) {
+        All_Keep();
+    }
+}
+
+bool Label_Attributes::Are_Others_Different() const {
+    const Label_State now = Label_State_Of(values, work.panel_scale);
+    for (int volume = 0; volume < work.volumes.Nb(); ++volume) {
+        if (Has_Own(volume) && *work.volumes.Labels_Kept(volume) != now) {
+            return true;
+        }
+    }
+    return false;
 }
 
 int Label_Attributes::Take(const Label_Description& description) {

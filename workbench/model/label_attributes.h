@@ -10,6 +10,7 @@
 #include <string>
 
 #include "workbench/model/label_description.h"
+#include "workbench/model/label_state.h"
 #include "workbench/model/label_values.h"
 #include "workbench/model/workspace.h"
 
@@ -44,9 +45,11 @@ class Label_Attributes {
     void Enter();
     /** Makes another volume the current one for as long as nothing is shown, Leave and Enter included. */
     void Switch(int volume);
-    /** Whether all open volumes have the names, colours, thresholds and states of the current one. What the others had
-     *  goes when they are to; they begin with the same when they are not to any more. */
+    /** Whether all open volumes have the names, colours, thresholds and states of the current one. When they are not to
+     *  any more, all begin with the same; but where nothing was changed meanwhile each has its own again. */
     void Share(bool on);
+    /** Some other volume has names, colours, thresholds or states that the current one has not. */
+    bool Are_Others_Different() const;
     bool Is_Shared() const { return is_shared; }
 
     /** Takes over what was loaded, without a step. @return names that lost letters which the code page lacks */
@@ -71,6 +74,7 @@ class Label_Attributes {
     Workspace& work;
     Label_Values& values;
     bool is_shared = false;
+    Label_State shared_first;  // what all had when they began to have the same
 };
 
 }  // namespace workbench

@@ -341,8 +341,15 @@ std::optional<archive::Send_Wishes> Archive_Control::Send_Ask(const std::string&
     if (wishes.is_anonymous && !archive::Is_Secret(wishes.secret)) {
         wishes.secret = archive::Secret_New();
     }
-    if (wishes.is_anonymous != before.is_anonymous || wishes.secret != before.secret) {
-        host.send_wishes_keep(wishes);
+    const bool is_new = wishes.secret != before.secret;
+    if (is_new || wishes.is_anonymous != before.is_anonymous) {
+        if (!host.send_wishes_keep(wishes) && is_new) {
+            // What is sent later would not belong to what is sent now.
+            dialogs.Warn(
+                "Nothing was sent: the secret that stands for names when images are sent anonymously cannot "
+                "be kept in the settings.");
+            return std::nullopt;
+        }
     }
     return wishes;
 }

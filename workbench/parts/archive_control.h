@@ -39,8 +39,8 @@ struct Archive_Host {
     std::function<std::vector<std::filesystem::path>()> images;
     /** What is wished of everything that is sent; the secret is empty while there is none. */
     std::function<archive::Send_Wishes()> send_wishes;
-    /** Keeps whether it is anonymous, and the secret. */
-    std::function<void(const archive::Send_Wishes&)> send_wishes_keep;
+    /** Keeps whether it is anonymous, and the secret. @return false: they are gone when the program ends */
+    std::function<bool(const archive::Send_Wishes&)> send_wishes_keep;
     /** Writes the labels of the volume in hand as a segmentation object; shows how far it is.
      *  @return empty, or one sentence */
     std::function<std::string(const std::filesystem::path&)> labels_write;

@@ -25,6 +25,14 @@ std::vector<std::uint8_t> Tags_Of(const Recovery_Volume& volume) {
     return tags;
 }
 
+/** Names, colours and thresholds of all volumes are the same. */
+bool Is_One_Scheme(const std::vector<Recovery_Volume>& volumes) {
+    const auto differs = [](const Recovery_Volume& one, const Recovery_Volume& other) {
+        return Recovery_Description(one).tags != Recovery_Description(other).tags;
+    };
+    return std::ranges::adjacent_find(volumes, differs) == volumes.end();
+}
+
 }  // namespace
 
 std::filesystem::path Recovery_Folder_Of(const std::filesystem::path& settings_file) {
@@ -170,6 +178,10 @@ void Recovery_Control::Take(Recovery_Found& found) {
     const int shown = work.volumes.Current();
     int first = -1;
     bool is_all = true;
+    if (labels.Is_Shared() && !Is_One_Scheme(found.record.volumes)) {
+        labels.Share(false);
+        dialogs.Warn("The volumes had names and colours of their own, so they do not share one set any more.");
+    }
     for (const Recovery_Volume& wanted : found.record.volumes) {
         int volume = -1;
         if (!Take_Volume(wanted, first < 0, volume)) {

@@ -14,7 +14,17 @@ void Settings_Keeper::Open(const std::filesystem::path& settings_file) {
     }
 }
 
-bool Settings_Keeper::Keep() const {
+void Settings_Keeper::Secret_Read() {
+    if (file.empty()) {
+        return;
+    }
+    if (const std::string kept = Settings_Load(file).archive_secret; !kept.empty()) {
+        settings.archive_secret = kept;
+    }
+}
+
+bool Settings_Keeper::Keep() {
+    Secret_Read();
     return file.empty() || Settings_Save(file, settings);
 }
 

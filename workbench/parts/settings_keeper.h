@@ -18,8 +18,11 @@ class Settings_Keeper {
     const std::filesystem::path& File() const { return file; }
     /** Lines of the file that were not understood. */
     int Ignored() const { return ignored; }
-    /** Writes the settings as they are. @return false: they could not be written; the file is as it was */
-    bool Keep() const;
+    /** Takes over the secret of the file where there is one: another window may have made it since. */
+    void Secret_Read();
+    /** Writes the settings as they are, but never another secret over the file's: what was sent with it would belong to
+     *  nobody any more. @return false: they could not be written; the file is as it was */
+    bool Keep();
 
   private:
     Settings settings;

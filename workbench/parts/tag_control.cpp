@@ -96,8 +96,15 @@ void Tag_Control::Check_Mark_Set(Tag_Mark mark) {
 
 void Tag_Control::Labels_Share(bool on) {
     host.settle();
+    if (on && labels.Are_Others_Different() &&
+        !dialogs.Yes_No_Ask(
+            "Names and colours",
+            "Other open volumes have names, colours, thresholds or states of their own. Give all of them "
+            "those of this volume?")) {
+        return;
+    }
     labels.Share(on);
-    host.shared_keep(on);
+    host.shared_keep();
     dialogs.Tell(on ? "All open volumes have these names, colours and thresholds now"
                     : "Each volume has names, colours and thresholds of its own now");
 }

@@ -23,7 +23,7 @@ struct Tag_Host {
     /** The panel's check mark shows this, and its editor sets thresholds or not. */
     std::function<void(Tag_Mark check_mark, bool is_threshold_mode)> panel_set;
     std::function<bool(int step)> tool_step;  ///< @return true: the tool in hand has made itself larger or smaller
-    std::function<void(bool are_shared)> shared_keep;            ///< the choice, for the next start
+    std::function<void()> shared_keep;        ///< keeps the choice at once: this run may not end well
     std::function<std::string(const std::string& text)> folded;  ///< the same for texts that differ in case only
 };
 

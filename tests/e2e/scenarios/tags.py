@@ -95,5 +95,6 @@ def each_volume_has_names_of_its_own(run):
     app.key("ctrl+y")
     app.expect("and brings it back", tag_label="Tissue")
     app.menu("Names and colours for all open volumes")
+    app.answer("Names and colours", "Yes")
     app.key("ctrl+n")
     app.expect("all volumes have one name now", lambda s: s.volume_cur != first, tag_label="Tissue", tag_lock=1)

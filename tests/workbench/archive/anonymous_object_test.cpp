@@ -141,7 +141,7 @@ TEST(Anonymous_Object, keeps_no_text_of_the_dictionary_but_those_that_devices_wr
                             "(0018,1019)", "(0018,1020)", "(0018,1160)", "(0018,1210)", "(0018,1250)", "(0018,1251)",
                             "(0018,9005)", "(0020,1040)", "(0020,9056)", "(0020,9421)", "(0028,1054)", "(0028,1055)",
                             "(0028,3003)", "(0040,9210)", "(0054,0018)", "(0054,1101)", "(0054,1103)", "(0054,1104)",
-                            "(0054,1105)", "(0062,0005)", "(0062,0006)", "(0062,0009)"));
+                            "(0054,1105)", "(0062,0005)", "(0062,0006)", "(0062,0009)", "(0066,0031)", "(0066,0036)"));
 }
 
 TEST(Anonymous_Object, replaces_every_identifier_that_is_not_a_kind_of_object) {
@@ -245,6 +245,7 @@ TEST(Anonymous_Object, belongs_together_with_others_of_the_patient_and_tells_nob
     EXPECT_NE(anonymiser.Identifier("1.2.3"), other.Identifier("1.2.3"));
     EXPECT_EQ(anonymiser.Identifier(UID_CTImageStorage), UID_CTImageStorage);
     EXPECT_EQ(anonymiser.Identifier(""), "");
+    EXPECT_THAT(anonymiser.Identifier("1.2.840.10008.99.1"), StartsWith("2.25.")) << "none of the standard's";
     EXPECT_NE(anonymiser.Patient_Name("P1"), anonymiser.Patient_Name("P2"));
     EXPECT_NE(anonymiser.Patient_Name("P1"), other.Patient_Name("P1"));
     EXPECT_EQ(anonymiser.Patient_Name("P1").size(), 14U);
@@ -255,6 +256,69 @@ TEST(Anonymous_Object, belongs_together_with_others_of_the_patient_and_tells_nob
     EXPECT_GT(days.size(), 150U);
     EXPECT_GE(*days.begin(), 1);
     EXPECT_LE(*days.rbegin(), 3650);
+}
+
+TEST(Anonymous_Object, does_not_tell_by_the_day_of_its_making_how_far_dates_were_moved) {
+    const std::string today = "20261123";
+    DcmFileFormat file;
+    DcmDataset& labels = Image(file);
+    Put(labels, DCM_Modality, "SEG");
+    Put(labels, DCM_StudyDate, "20240131");
+    Put(labels, DCM_StudyTime, "101500");
+    for (const DcmTagKey& tag : {DCM_SeriesDate, DCM_ContentDate, DCM_InstanceCreationDate}) {
+        Put(labels, tag, today);
+    }
+    Put(labels, DCM_ContentTime, "170000");
+    const Anonymiser anonymiser(SECRET);
+    EXPECT_EQ(anonymiser.Anonymise(labels), "");
+    const std::string study = Field_Text(labels, DCM_StudyDate);
+    EXPECT_NE(study, "20240131");
+    for (const DcmTagKey& tag : {DCM_SeriesDate, DCM_ContentDate, DCM_InstanceCreationDate}) {
+        EXPECT_EQ(Field_Text(labels, tag), study) << tag.toString().c_str();
+    }
+    EXPECT_EQ(Field_Text(labels, DCM_ContentTime), "101500");
+}
+
+TEST(Anonymous_Object, is_of_the_same_patient_whatever_its_letters_and_of_another_in_another_hospital) {
+    const auto name_of = [](const std::function<void(DcmDataset&)>& fill) {
+        DcmFileFormat file;
+        DcmDataset& image = Image(file);
+        for (const DcmTagKey& tag : {DCM_PatientID, DCM_PatientName, DCM_IssuerOfPatientID}) {
+            image.findAndDeleteElement(tag);
+        }
+        Put(image, DCM_PatientName, "");  // it is there, and gets a name
+        fill(image);
+        EXPECT_EQ(Anonymiser(SECRET).Anonymise(image), "");
+        return Field_Text(image, DCM_PatientName);
+    };
+    const std::string latin = name_of([](DcmDataset& image) {
+        Put(image, DCM_SpecificCharacterSet, "ISO_IR 100");
+        Put(image, DCM_PatientName, "M\xFCller^Eva");
+    });
+    EXPECT_EQ(latin, name_of([](DcmDataset& image) {
+                  Put(image, DCM_SpecificCharacterSet, "ISO_IR 192");
+                  Put(image, DCM_PatientName, "M\xC3\xBCller^Eva");
+              }));
+    const auto of_hospital = [&](const char* issuer) {
+        return name_of([issuer](DcmDataset& image) {
+            Put(image, DCM_PatientID, "1");
+            Put(image, DCM_IssuerOfPatientID, issuer);
+        });
+    };
+    EXPECT_NE(of_hospital("A"), of_hospital("B"));
+    const auto of_study = [&](const char* study) {
+        return name_of([study](DcmDataset& image) { Put(image, DCM_StudyInstanceUID, study); });
+    };
+    EXPECT_NE(of_study("1.2.3"), of_study("1.2.4")) << "nobody knows whether they are one patient";
+    EXPECT_EQ(of_study("1.2.3"), of_study("1.2.3"));
+}
+
+TEST(Anonymous_Object, has_what_enhanced_objects_must_have) {
+    DcmFileFormat file;
+    DcmDataset& image = Image(file);
+    Put(image, DCM_DeviceSerialNumber, "SN 4711");
+    EXPECT_EQ(Anonymiser(SECRET).Anonymise(image), "");
+    EXPECT_EQ(Field_Text(image, DCM_DeviceSerialNumber), "ANONYMOUS");
 }
 
 TEST(Anonymous_Object, is_an_image) {
@@ -294,4 +358,20 @@ TEST(Burnt_In, texts_are_expected_in_pictures_of_screens_and_of_some_modalities)
     EXPECT_EQ(doubt("CT", "NO", "DERIVED\\SECONDARY\\SCREEN SAVE", UID_CTImageStorage),
               "they are pictures of a screen");
     EXPECT_EQ(doubt("CT", "", "DERIVED\\SECONDARY", UID_SecondaryCaptureImageStorage), "they are secondary captures");
+    EXPECT_EQ(doubt("SM", "", "ORIGINAL\\PRIMARY\\VOLUME", UID_VLWholeSlideMicroscopyImageStorage),
+              "they are microscopy");
+    EXPECT_EQ(doubt("SM", "NO", "ORIGINAL\\PRIMARY\\LABEL\\NONE", UID_VLWholeSlideMicroscopyImageStorage),
+              "they show the label of a slide");
+}
+
+TEST(Burnt_In, an_overlay_in_the_bits_of_the_pixels_is_noticed) {
+    DcmDataset image;
+    Put(image, DCM_Modality, "CT");
+    Put(image, DCM_BurnedInAnnotation, "NO");
+    ASSERT_TRUE(image.putAndInsertUint16(DcmTag(0x6000, 0x0010, EVR_US), 512).good());
+    ASSERT_TRUE(image.putAndInsertUint16(DcmTag(0x6000, 0x0102, EVR_US), 12).good());
+    EXPECT_EQ(Burnt_In_Doubt(image), "they have an overlay in the unused bits of their pixels");
+    constexpr Uint16 bits[] = {0};
+    ASSERT_TRUE(image.putAndInsertUint16Array(DcmTag(0x6000, 0x3000, EVR_OW), bits, 1).good());
+    EXPECT_EQ(Burnt_In_Doubt(image), "") << "goes with its group";
 }

@@ -86,6 +86,7 @@ class Archive_Use : public testing::Test {
                 [this](const archive::Send_Wishes& kept) {
                     wishes = kept;
                     ++wishes_kept;
+                    return are_wishes_kept;
                 },
                 [this](const std::filesystem::path& file) {
                     written.push_back(file.filename().string());
@@ -151,6 +152,7 @@ class Archive_Use : public testing::Test {
     std::vector<std::filesystem::path> image_files = {"/images/1.dcm", "/images/2.dcm"};
     archive::Send_Wishes wishes;
     int wishes_kept = 0;
+    bool are_wishes_kept = true;
     std::vector<archive::Send_Wishes> sent_wishes;
     std::vector<std::vector<std::filesystem::path>> sent_files;
     std::optional<archive::Send_Result> sent_later;
@@ -441,6 +443,19 @@ TEST_F(Archive_Use, sends_no_images_where_there_are_none) {
     archives.Images_Send();
     EXPECT_THAT(dialogs.warned, ElementsAre(HasSubstr("Open a DICOM image"), HasSubstr("Open a DICOM image")));
     EXPECT_THAT(sent_files, IsEmpty());
+}
+
+TEST_F(Archive_Use, sends_nothing_anonymously_when_the_secret_cannot_be_kept) {
+    Volume_Take();
+    are_wishes_kept = false;
+    dialogs.ways = {0, 1};
+    archives.Images_Send();
+    EXPECT_THAT(sent_files, IsEmpty());
+    EXPECT_THAT(dialogs.warned, ElementsAre(HasSubstr("cannot be kept")));
+    wishes = {};
+    dialogs.ways = {0, 0};
+    archives.Images_Send();
+    EXPECT_THAT(sent_wishes, SizeIs(1)) << "with names it needs none";
 }
 
 TEST_F(Archive_Use, sends_anonymously_where_that_is_chosen_and_offers_it_first_the_next_time) {

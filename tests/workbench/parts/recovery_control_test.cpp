@@ -236,6 +236,30 @@ TEST_F(Recovery_Watch, each_volume_gets_its_own_names_back) {
     EXPECT_EQ(next.labels.Tag_Name(3), "Spleen");
 }
 
+TEST_F(Recovery_Watch, names_of_several_volumes_survive_the_choice_of_one_set) {
+    {
+        Program died(folder);
+        died.recovery.Begin(folder, "1");
+        died.Open();
+        for (const int volume : {0, 1}) {
+            died.Go(volume);
+            died.values.Tag_Label_Set(3, volume == 0 ? "Liver" : "Spleen");
+            died.work.session.Marker_Set(2, {true, 1, 2, 1});
+        }
+        EXPECT_TRUE(died.recovery.Look());
+    }
+    Program next(folder);
+    next.labels.Share(true);
+    next.recovery.Begin(folder, "1");
+    next.dialogs.ways = {0};
+    EXPECT_TRUE(next.recovery.Offer());
+    EXPECT_FALSE(next.labels.Is_Shared());
+    EXPECT_THAT(next.dialogs.warned, ElementsAre(HasSubstr("names and colours of their own")));
+    EXPECT_EQ(next.labels.Tag_Name(3), "Liver");
+    next.Go(1);
+    EXPECT_EQ(next.labels.Tag_Name(3), "Spleen");
+}
+
 TEST_F(Recovery_Watch, names_that_all_volumes_have_are_those_of_the_first) {
     A_Run_Dies();
     Program next(folder);

@@ -65,4 +65,25 @@ TEST_F(Settings_Kept, a_file_that_cannot_be_written_is_told) {
     EXPECT_FALSE(keeper.Keep());
 }
 
+TEST_F(Settings_Kept, a_secret_in_the_file_is_never_replaced) {
+    std::filesystem::create_directories(folder);
+    Settings_Keeper first;
+    Settings_Keeper second;
+    first.Open(file);
+    second.Open(file);
+    first.Now().archive_secret = std::string(64, 'a');
+    EXPECT_TRUE(first.Keep());
+    EXPECT_TRUE(second.Keep());  // has none itself
+    EXPECT_EQ(Settings_Load(file).archive_secret, std::string(64, 'a'));
+    second.Now().archive_secret = std::string(64, 'b');
+    EXPECT_TRUE(second.Keep());
+    EXPECT_EQ(Settings_Load(file).archive_secret, std::string(64, 'a'));
+    EXPECT_EQ(second.Now().archive_secret, std::string(64, 'a'));
+    Settings_Keeper third;
+    third.Open(file);
+    third.Now().archive_secret.clear();
+    third.Secret_Read();
+    EXPECT_EQ(third.Now().archive_secret, std::string(64, 'a'));
+}
+
 }  // namespace

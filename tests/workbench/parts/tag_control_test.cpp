@@ -28,7 +28,7 @@ class Tag_Watch : public ::testing::Test, protected Work_Scene {
         host.panel_set = [this](Tag_Mark mark, bool is_threshold) {
             panel += std::to_string(static_cast<int>(mark)) + (is_threshold ? "t" : "-");
         };
-        host.shared_keep = [this](bool are_shared) { is_share_kept = are_shared; };
+        host.shared_keep = [this] { ++shares_kept; };
         host.tool_step = [this](int) { return is_tool_stepped; };
         host.folded = [](const std::string& text) {
             std::string lower = text;
@@ -42,7 +42,7 @@ class Tag_Watch : public ::testing::Test, protected Work_Scene {
     std::vector<int> scrolled;
     std::string panel;
     bool is_tool_stepped = false;
-    bool is_share_kept = false;
+    int shares_kept = 0;
     Tag_Control tags{work, values, labels, dialogs, Host()};
 };
 
@@ -169,12 +169,23 @@ TEST_F(Tag_Watch, more_tags_come_in_rows_up_to_the_last) {
 TEST_F(Tag_Watch, all_volumes_may_have_one_set_of_names) {
     tags.Labels_Share(true);
     EXPECT_TRUE(tags.Are_Labels_Shared());
-    EXPECT_TRUE(is_share_kept);
     EXPECT_EQ(settled, 1);
     tags.Labels_Share(false);
     EXPECT_FALSE(tags.Are_Labels_Shared());
-    EXPECT_FALSE(is_share_kept);
+    EXPECT_EQ(shares_kept, 2);
     EXPECT_THAT(dialogs.told, ElementsAre(HasSubstr("All open volumes"), HasSubstr("Each volume")));
+}
+
+TEST_F(Tag_Watch, names_of_other_volumes_do_not_go_unasked) {
+    Open(2);
+    values.Tag_Label_Set(1, "Liver");
+    dialogs.answers = {Dialogs::Answer::No};
+    tags.Labels_Share(true);
+    EXPECT_FALSE(tags.Are_Labels_Shared());
+    EXPECT_EQ(shares_kept, 0);
+    dialogs.answers = {Dialogs::Answer::Yes};
+    tags.Labels_Share(true);
+    EXPECT_TRUE(tags.Are_Labels_Shared());
 }
 
 }  // namespace
