@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <exception>
+
 #include "workbench/archive_wiring.h"
 #include "workbench/part_wiring.h"
 #include "workbench/wide_text.h"
@@ -21,7 +23,11 @@ void CALLBACK Recovery_Timer(HWND /*window*/, UINT /*message*/, UINT_PTR /*id*/,
 
 void CALLBACK Counting_Timer(HWND /*window*/, UINT /*message*/, UINT_PTR /*id*/, DWORD /*time*/) {
     if (the_parts != nullptr) {
-        the_parts->counting.Look();
+        try {
+            the_parts->counting.Look();
+        } catch (const std::exception&) {  // no memory; nothing may be thrown through the system's loops
+            the_parts->counting.Cancel();
+        }
     }
 }
 

@@ -275,7 +275,8 @@ void Volume_Objects::Histograms_Build(const Session& session, const Counted_Pixe
     if (Current() == nullptr) {
         return;
     }
-    shown[static_cast<std::size_t>(current)]->is_counted = true;
+    Shown_Volume& counting = *shown[static_cast<std::size_t>(current)];
+    counting.is_counted = false;  // until all of them are
     const volumes::Volume& image = session.Image();
     const bool is_masked = counted.tag >= 0 || (counted.background && !image.color);
     std::vector<unsigned char> mask;
@@ -304,6 +305,7 @@ void Volume_Objects::Histograms_Build(const Session& session, const Counted_Pixe
             Slice_Histogram_Build(frame, image.level_min, image.level_max, chosen, room);
         }
     }
+    counting.is_counted = true;
 }
 
 }  // namespace workbench

@@ -43,7 +43,7 @@ Kind_Of_File Kind_Of(File_Kind kind) {
                 L"*.nii.gz;*.nii;*.gz;*.nrrd;*.nhdr;*.mha;*.mhd\0All files\0*.*\0",
                 nullptr};
         case File_Kind::Image_Volumes:
-            return {L"NRRD (*.nrrd)\0*.nrrd;*.nhdr\0MetaImage (*.mha)\0*.mha;*.mhd\0All files\0*.*\0", nullptr};
+            return {L"NRRD (*.nrrd)\0*.nrrd;*.nhdr\0MetaImage (*.mha)\0*.mha;*.mhd\0All files\0*.*\0", L"nrrd"};
         case File_Kind::Segmentations:
             return {L"DICOM segmentation objects (*.dcm)\0*.dcm\0All files\0*.*\0", L"dcm"};
         case File_Kind::Histograms:

@@ -140,7 +140,9 @@ void Archive_Association::Accept(T_ASC_Network& listening, std::span<const Propo
         is_associated = false;
         throw Fail(Archive_Fault::Refused, "Somebody else was refused.");
     }
-    for (const Proposal& proposal : taken) {
+    // Contract: the toolkit lets the last acceptance of a class stand, so those that come first are accepted last.
+    for (std::size_t left = taken.size(); left-- > 0;) {
+        const Proposal& proposal = taken[left];
         std::vector<const char*> syntaxes = proposal.syntaxes;
         const char* classes[] = {proposal.sop_class.c_str()};
         if (condition.good()) {

@@ -167,7 +167,8 @@ void Series_Intake::Answer(Archive_Association& association, const Archive_Messa
     association.Send(message.context, answer, nullptr);
 }
 
-void Series_Intake::Take(Archive_Association& association, const Archive_Message& message) {
+void Series_Intake::Take(Archive_Association& association, const Archive_Message& message,
+                         const std::function<void()>& on_piece) {
     const std::string sop_class = message.Text(DCM_AffectedSOPClassUID);
     const std::string identifier = message.Text(DCM_AffectedSOPInstanceUID);
     const std::string syntax = association.Syntax_Of(message.context);
@@ -189,6 +190,7 @@ void Series_Intake::Take(Archive_Association& association, const Archive_Message
     file.Write({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
     const std::uint64_t most = std::min<std::uint64_t>(room, STORED_OBJECT_MOST - bytes.size());
     association.Receive_Content(message, most, [&](std::span<const std::uint8_t> piece) {
+        on_piece();
         room -= piece.size();
         bytes.append(piece.begin(), piece.end());
         file.Write(piece);

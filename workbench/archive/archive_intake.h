@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <set>
 #include <string>
 #include <utility>
@@ -30,8 +31,10 @@ class Series_Intake {
           image_most(limits.images) {}
 
     /** Takes the image that a C-STORE request announces, and answers. What is no image of the series leaves no file.
-     *  @throw Archive_Failure */
-    void Take(Archive_Association& association, const Archive_Message& message);
+     *  @param on_piece after each part that came @throw Archive_Failure */
+    void Take(
+        Archive_Association& association, const Archive_Message& message,
+        const std::function<void()>& on_piece = [] {});
     /** Images that are there. */
     int Count() const { return count; }
 

@@ -1,5 +1,6 @@
 #include "workbench/archive/archive_receiver.h"
 
+#include <algorithm>
 #include <chrono>
 
 #include "dcmtk/dcmdata/dcdeftag.h"
@@ -16,7 +17,10 @@ void Store_Receiver::Network_End::operator()(T_ASC_Network* ended) const {
 Store_Receiver::Store_Receiver(const Archive_Settings& its_archive, Series_Intake& its_intake)
     : archive(its_archive), intake(its_intake) {
     T_ASC_Network* opened = nullptr;
-    const OFCondition condition = ASC_initializeNetwork(NET_ACCEPTOR, archive.own_port, 1, &opened);
+    const auto patience =  // for the first word of whoever connects; the watch ends it when the fetching ends
+        std::max(std::chrono::ceil<std::chrono::seconds>(archive.times.associate), std::chrono::seconds(1));
+    const OFCondition condition =
+        ASC_initializeNetwork(NET_ACCEPTOR, archive.own_port, static_cast<int>(patience.count()), &opened);
     network.reset(opened);
     if (condition.bad()) {
         throw Archive_Failure{
@@ -77,7 +81,7 @@ void Store_Receiver::Serve() {
             if (message->Number(DCM_CommandField) != DIMSE_C_STORE_RQ) {
                 throw Refusal(Archive_Fault::Garbled, archive, "sends what it was not asked for.");
             }
-            intake.Take(*caller, *message);
+            intake.Take(*caller, *message, [this] { ++signs; });
         }
     } catch (const Archive_Failure& what) {
         if (what.outcome.fault != Archive_Fault::Lost) {  // it may come again; what is missing is counted at the end

@@ -204,6 +204,9 @@ void Retrieval::Run(const std::filesystem::path& into) {
             throw *failure;
         }
         throw;
+    } catch (...) {
+        receiver->End();  // before the folder goes that it writes into
+        throw;
     }
     if (const std::optional<Archive_Failure> failure = receiver->Failure()) {
         throw *failure;

@@ -10,6 +10,7 @@
 #include "workbench/model/recovery_recorder.h"
 #include "workbench/volumes/file_stamp.h"
 #include "workbench/volumes/message_text.h"
+#include "workbench/volumes/read_facts.h"
 #include "workbench/volumes/text_header_writer.h"
 
 namespace workbench {
@@ -42,6 +43,11 @@ bool Image_File_Control::Is_In_Use(const std::filesystem::path& path) const {
 void Image_File_Control::Image_Save_As() {
     if (!work.session.Has_Volume()) {
         return dialogs.Tell("There is no image to save");
+    }
+    if (const std::string losses = volumes::Read_Losses_Text(work.session.Image());
+        !losses.empty() && !dialogs.Yes_No_Ask("Save image as", "The image here is not exactly what its file holds: " +
+                                                                    losses + ". Save it as it is here?")) {
+        return;
     }
     std::filesystem::path start =
         Image_Path_Proposed(Label_Path_Proposed(work.session.Path(), work.volumes.Facts(work.volumes.Current()).title));

@@ -82,7 +82,8 @@ Voxel_Type Type_Of(const Volume& image) {
     if (image.color) {
         return Voxel_Type::Rgb24;
     }
-    const bool is_whole = std::trunc(image.slope) == image.slope && std::trunc(image.intercept) == image.intercept;
+    const bool is_whole = image.max_error == 0 && std::trunc(image.slope) == image.slope &&
+                          std::trunc(image.intercept) == image.intercept;
     if (!is_whole || image.nonfinite_nb > 0 || image.outlier_nb > 0) {
         return Voxel_Type::Float32;
     }

@@ -69,8 +69,8 @@ class Caller {
         ASC_createAssociationParameters(&parameters, ASC_DEFAULTMAXPDU);
         ASC_setAPTitles(parameters, own_title, called_title, nullptr);
         ASC_setPresentationAddresses(parameters, "localhost", ("127.0.0.1:" + std::to_string(port)).c_str());
-        const char* syntaxes[] = {UID_LittleEndianExplicitTransferSyntax};
-        ASC_addPresentationContext(parameters, 1, UID_MRImageStorage, syntaxes, 1);
+        const char* syntaxes[] = {UID_JPEGProcess1TransferSyntax, UID_LittleEndianExplicitTransferSyntax};
+        ASC_addPresentationContext(parameters, 1, UID_MRImageStorage, syntaxes, 2);
         is_taken = ASC_requestAssociation(network, parameters, &association).good();
     }
     ~Caller() {
@@ -86,6 +86,13 @@ class Caller {
     Caller& operator=(const Caller&) = delete;
 
     bool Is_Taken() const { return is_taken; }
+    /** How images are to be written that are sent. */
+    std::string Syntax() const {
+        T_ASC_PresentationContext context = {};
+        return ASC_findAcceptedPresentationContext(association->params, 1, &context).good()
+                   ? context.acceptedTransferSyntax
+                   : "";
+    }
     int Store(const std::string& identifier, const Stored_Image& image = {}) {
         Talk talk = {association, 0, {}};
         return talk.Store(identifier, image);
@@ -138,6 +145,8 @@ TEST_F(Moved_Images, come_over_a_connection_that_the_archive_makes) {
             destination = talk.request.msg.CMoveRQ.MoveDestination;
             {
                 Caller caller(own_port, "LIAR", "WORKBENCH");
+                EXPECT_EQ(caller.Syntax(), UID_LittleEndianExplicitTransferSyntax)
+                    << "nothing lossy where it need not be";
                 EXPECT_EQ(caller.Store("1.2.3.1"), SUCCESS);
             }
             Caller again(own_port, "LIAR", "WORKBENCH");
