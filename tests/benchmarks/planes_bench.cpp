@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/benchmarks/large_brush.h"
 #include "tests/benchmarks/peak_memory.h"
 #include "workbench/model/view_geometry.h"
 #include "workbench/parts/plane_views.h"
@@ -23,7 +24,6 @@ constexpr int SLICES = 600;
 constexpr int VIEW_WIDTH = 900;
 constexpr int VIEW_HEIGHT = 700;
 constexpr int AXIAL = 2;  // the view of the slices; 0 and 1 are coronal and sagittal
-constexpr int BRUSH_RADIUS = 25;
 
 volumes::Volume Large_Volume() {
     volumes::Volume volume;
@@ -37,22 +37,6 @@ volumes::Volume Large_Volume() {
         volume.levels.Set(at, static_cast<std::int32_t>(at * 2654435761U >> 22U & 1023U));
     }
     return volume;
-}
-
-/** A disc. */
-Brush_Footprint Large_Brush() {
-    constexpr int mask_side = 2 * BRUSH_RADIUS + 1;
-    static unsigned char bytes[mask_side * mask_side] = {};
-    static const unsigned char* rows[mask_side] = {};
-    for (int y = 0; y < mask_side; ++y) {
-        rows[y] = bytes + y * mask_side;
-        for (int x = 0; x < mask_side; ++x) {
-            const int dx = x - BRUSH_RADIUS;
-            const int dy = y - BRUSH_RADIUS;
-            bytes[y * mask_side + x] = dx * dx + dy * dy < BRUSH_RADIUS * BRUSH_RADIUS ? 1 : 0;
-        }
-    }
-    return {rows, BRUSH_RADIUS};
 }
 
 /** What a person has on the screen. */
@@ -131,7 +115,8 @@ class Desk {
         const Paint_Ink ink{static_cast<std::uint8_t>(1 + static_cast<int>(at.x) % 3), {}, {}, {}};
         const Pixel_Rect changed =
             session.Stroke_Begin(cut, brush, static_cast<int>(at.x), static_cast<int>(at.y), ink);
-        return Rect_Union(changed, session.Stroke_Move(static_cast<int>(at.x) + BRUSH_RADIUS, static_cast<int>(at.y)));
+        return Rect_Union(changed,
+                          session.Stroke_Move(static_cast<int>(at.x) + LARGE_BRUSH_RADIUS, static_cast<int>(at.y)));
     }
     Plane_Host Host() {
         Plane_Host host;
@@ -181,9 +166,9 @@ void Paint_Plane(benchmark::State& state) {
     using Clock = std::chrono::steady_clock;
     Desk& desk = The_Desk();
     const auto painted = static_cast<int>(state.range(0));
-    int x = BRUSH_RADIUS;
+    int x = LARGE_BRUSH_RADIUS;
     for (auto _ : state) {
-        x = (x + 37) % (SIDE - 2 * BRUSH_RADIUS);
+        x = (x + 37) % (SIDE - 2 * LARGE_BRUSH_RADIUS);
         double slowest = 0.0;
         auto start = Clock::now();
         const Pixel_Rect changed = desk.Paint(painted, {x + 0.5, SIDE / 2.0});

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/benchmarks/large_brush.h"
 #include "workbench/model/change_hub.h"
 #include "workbench/model/painting.h"
 #include "workbench/model/propagation.h"
@@ -50,23 +51,6 @@ std::vector<std::uint8_t> Tags() {
         }
     }
     return tags;
-}
-
-/** A brush of 24 pixels' reach, the largest of the workbench. */
-Brush_Footprint Large_Brush() {
-    constexpr int radius = 25;
-    constexpr int mask_side = 2 * radius + 1;
-    static unsigned char bytes[mask_side * mask_side] = {};
-    static const unsigned char* rows[mask_side] = {};
-    for (int y = 0; y < mask_side; ++y) {
-        rows[y] = bytes + y * mask_side;
-        for (int x = 0; x < mask_side; ++x) {
-            const int dx = x - radius;
-            const int dy = y - radius;
-            bytes[y * mask_side + x] = dx * dx + dy * dy < radius * radius ? 1 : 0;
-        }
-    }
-    return {rows, radius};
 }
 
 void Stroke_Event(benchmark::State& state) {
