@@ -42,6 +42,9 @@ bool Class_Children_Hand_On(Object& object, Object& parent, int position) {
     for (int i = object.Child_Get_Nb() - 1; i >= 0; --i) {
         Object* const child = object.Child_Get_Pt(i);
         object.Child_Remove(i);
+        if (child == nullptr) {
+            continue;  // nothing that could go anywhere
+        }
         parent.Child_Insert(position + 1, child);
         if (child->Parent_Get_Pt() == &parent) {
             ++moved_nb;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -120,8 +121,10 @@ bool DB_List_Text_Copy(char** field, const char* text, const char* field_name, c
     const std::size_t size = std::strlen(text) + 1;
     *field = static_cast<char*>(std::malloc(size));
     if (*field == nullptr) {
-        Error_Fct(hwnd, MESSAGE_MEMORY, "line %-4d of %s \nmemory error in strdup (var=(*list_pt)[nb].%s)", source.line,
-                  source.path, field_name);
+        char variable[64];
+        std::snprintf(variable, sizeof variable, "(*list_pt)[nb].%s", field_name);
+        Error_Fct(hwnd, MESSAGE_MEMORY, "line %-4d of %s \nmemory error in strdup (var=%s)", source.line, source.path,
+                  variable);
         return false;
     }
     std::memcpy(*field, text, size);

@@ -3,53 +3,62 @@
 #include <algorithm>
 #include <new>
 
-#include "database/tree_rows.h"
-
 // ---- one list
+
+void Text_Widths::Drop() {
+    rows.clear();
+    first_of_columns.clear();
+    column_slots.clear();
+}
 
 void Text_Widths::Begin(int nb, const DB_List* list_pt, const Text_Measurer::Fonts& fonts) {
     if (fonts != fonts_now) {
-        first.clear();
+        Drop();
         separator = {};
         fonts_now = fonts;
     }
-    if (first.size() == static_cast<std::size_t>(nb) + 1) {
+    const auto record_nb = static_cast<std::size_t>(std::max(nb, 0));
+    if (rows.size() == record_nb) {
         return;
     }
-    first.clear();
-    slots.clear();
+    Drop();
     try {
-        first.reserve(static_cast<std::size_t>(nb) + 1);
-        std::size_t slot_nb = 0;
-        for (int record = 0; record < nb; ++record) {
-            first.push_back(slot_nb);
-            slot_nb += RECORD_SLOTS + 2U * list_pt[record].column_nb;
+        rows.resize(record_nb);
+        const auto with_columns = [](const DB_List& row) { return row.column_nb != 0; };
+        if (std::any_of(list_pt, list_pt + record_nb, with_columns)) {
+            first_of_columns.reserve(record_nb + 1);
+            std::size_t slot_nb = 0;
+            for (std::size_t record = 0; record < record_nb; ++record) {
+                first_of_columns.push_back(slot_nb);
+                slot_nb += 2U * list_pt[record].column_nb;
+            }
+            first_of_columns.push_back(slot_nb);
+            column_slots.resize(slot_nb);
         }
-        first.push_back(slot_nb);
-        slots.resize(slot_nb);
     } catch (const std::bad_alloc&) {
-        first.clear();
-        slots.clear();
+        Drop();
     }
 }
 
-int Text_Widths::Of(int record, int slot, Tree_Font font, const char* text, Text_Measurer& measurer) {
+int Text_Widths::In_Column(int record, int slot, Tree_Font font, const char* text, Text_Measurer& measurer) {
     const auto at = static_cast<std::size_t>(record);
     const auto column_slot = static_cast<std::size_t>(slot);
-    if (first.empty() || first[at] + column_slot >= first[at + 1]) {  // no memory, or columns came later
-        return text != nullptr ? measurer.Width(font, text) : 0;
+    if (first_of_columns.empty() ||  // no memory, or columns came later
+        first_of_columns[at] + column_slot >= first_of_columns[at + 1]) {
+        return Measured(font, text, measurer);
     }
-    return Kept(slots[first[at] + column_slot], font, text, measurer);
+    Slot& kept = column_slots[first_of_columns[at] + column_slot];
+    return Kept(kept.text, kept.width, font, text, measurer);
 }
 
 int Text_Widths::Label(int record, const DB_List& row, int column, Text_Measurer& measurer) {
     const char* const text = row.column_label != nullptr ? row.column_label[column] : nullptr;
-    return Of(record, RECORD_SLOTS + 2 * column, Tree_Font::Regular, text, measurer);
+    return In_Column(record, 2 * column, Tree_Font::Regular, text, measurer);
 }
 
 int Text_Widths::Value(int record, const DB_List& row, int column, Text_Measurer& measurer) {
     const char* const text = row.column_value != nullptr ? row.column_value[column] : nullptr;
-    return Of(record, RECORD_SLOTS + 2 * column + 1, Tree_Font::Bold, text, measurer);
+    return In_Column(record, 2 * column + 1, Tree_Font::Bold, text, measurer);
 }
 
 // ---- some lists
@@ -82,64 +91,43 @@ void Text_Width_Lists::Forget(const DB_List* list_pt) {
 
 // ---- rows, columns
 
-namespace {
-
-/** Widths of the columns; the last one counts how many records have columns at all. */
-class Columns {
-  public:
-    void Widen(int record, const DB_List& row, Text_Widths& widths, Text_Measurer& measurer) {
-        const int separator = widths.Separator(measurer);
-        for (int column = 0; column < row.column_nb; ++column) {
-            const int width =
-                widths.Label(record, row, column, measurer) + separator + widths.Value(record, row, column, measurer);
-            if (static_cast<std::size_t>(column) >= width_of.size()) {
-                width_of.resize(row.column_nb);
-            }
-            int& widest = width_of[static_cast<std::size_t>(column)];
-            widest = std::max(widest, width);
+void Row_Widths::Widen(int record, const DB_List& row) {
+    has_columns = true;
+    for (int column = 0; column < row.column_nb; ++column) {
+        const int width =
+            widths.Label(record, row, column, measurer) + separator + widths.Value(record, row, column, measurer);
+        if (static_cast<std::size_t>(column) >= column_widths.size()) {
+            column_widths.resize(row.column_nb);
         }
+        int& of_column = column_widths[static_cast<std::size_t>(column)];
+        of_column = std::max(of_column, width);
     }
-    /** @return where the last column of the record ends */
-    int Place(const DB_List& row, int start) const {
-        int x = start + TREE_COLUMN_GAP;
-        for (int column = 0; column < row.column_nb; ++column) {
-            if (row.column_x != nullptr) {
-                row.column_x[column] = x;
-            }
-            x += TREE_COLUMN_GAP + width_of[static_cast<std::size_t>(column)];
+}
+
+int Row_Widths::Place(const DB_List& row) const {
+    int x = column_start + TREE_COLUMN_GAP;
+    for (int column = 0; column < row.column_nb; ++column) {
+        if (row.column_x != nullptr) {
+            row.column_x[column] = x;
         }
-        return x;
+        x += TREE_COLUMN_GAP + column_widths[static_cast<std::size_t>(column)];
     }
+    return x;
+}
 
-  private:
-    std::vector<int> width_of;
-};
-
-}  // namespace
-
-int Tree_Width_Measure(int nb, DB_List* list_pt, int space, Text_Widths& widths, Text_Measurer& measurer) {
-    int tree_width = 0;
-    int column_start = 0;
-    bool has_columns = false;
-    Columns columns;
-    const int separator = widths.Separator(measurer);
-    for (int record = 0; record < nb; ++record) {
-        const DB_List& row = list_pt[record];
-        int x = 2 * space + TREE_TEXT_START + DB_INDENTATION * row.level + widths.Name(record, row, measurer);
-        if (row.title != nullptr) {
-            x += widths.Title(record, row, measurer) + separator;
-        }
-        tree_width = std::max(tree_width, x);
-        if (row.column_nb != 0) {
-            has_columns = true;
-            column_start = std::max(column_start, x);
-            columns.Widen(record, row, widths, measurer);
-        }
-    }
+int Row_Widths::Place(int nb, DB_List* list_pt) {
     for (int record = 0; has_columns && record < nb; ++record) {
         if (list_pt[record].column_nb != 0) {
-            tree_width = std::max(tree_width, columns.Place(list_pt[record], column_start));
+            widest = std::max(widest, Place(list_pt[record]));
         }
     }
-    return tree_width;
+    return widest;
+}
+
+int Tree_Width_Measure(int nb, DB_List* list_pt, int space, Text_Widths& widths, Text_Measurer& measurer) {
+    Row_Widths rows(space, widths, measurer);
+    for (int record = 0; record < nb; ++record) {
+        rows.Add(record, list_pt[record]);
+    }
+    return rows.Place(nb, list_pt);
 }

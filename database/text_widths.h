@@ -3,11 +3,13 @@
  */
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <list>
 #include <vector>
 
 #include "database/db_list.h"
+#include "database/tree_rows.h"
 
 enum class Tree_Font { Regular, Bold };
 
@@ -39,36 +41,53 @@ class Text_Widths {
      *  everything is measured each time. */
     void Begin(int nb, const DB_List* list_pt, const Text_Measurer::Fonts& fonts);
     int Title(int record, const DB_List& row, Text_Measurer& measurer) {
-        return Of(record, 0, Tree_Font::Regular, row.title, measurer);
+        const auto at = static_cast<std::size_t>(record);
+        return at < rows.size() ? Kept(rows[at].title, rows[at].title_width, Tree_Font::Regular, row.title, measurer)
+                                : Measured(Tree_Font::Regular, row.title, measurer);
     }
     int Name(int record, const DB_List& row, Text_Measurer& measurer) {
-        return Of(record, 1, Tree_Font::Bold, row.name, measurer);
+        const auto at = static_cast<std::size_t>(record);
+        return at < rows.size() ? Kept(rows[at].name, rows[at].name_width, Tree_Font::Bold, row.name, measurer)
+                                : Measured(Tree_Font::Bold, row.name, measurer);
     }
     int Label(int record, const DB_List& row, int column, Text_Measurer& measurer);
     int Value(int record, const DB_List& row, int column, Text_Measurer& measurer);
-    int Separator(Text_Measurer& measurer) { return Kept(separator, Tree_Font::Regular, TREE_SEPARATOR, measurer); }
+    int Separator(Text_Measurer& measurer) {
+        return Kept(separator.text, separator.width, Tree_Font::Regular, TREE_SEPARATOR, measurer);
+    }
 
   private:
     struct Slot {
         const char* text = nullptr;
         int width = 0;
     };
-    static constexpr int RECORD_SLOTS = 2;  // title and name; then a label and a value for each column
+    /** What every record has; most trees have nothing else. Without padding: a drawing goes over all of them. */
+    struct Row_Slots {
+        const char* title = nullptr;
+        const char* name = nullptr;
+        int title_width = 0;
+        int name_width = 0;
+    };
 
-    static int Kept(Slot& slot, Tree_Font font, const char* text, Text_Measurer& measurer) {
+    static int Kept(const char*& text_then, int& width, Tree_Font font, const char* text, Text_Measurer& measurer) {
         if (text == nullptr) {
             return 0;
         }
-        if (slot.text != text) {
-            slot.width = measurer.Width(font, text);
-            slot.text = text;
+        if (text_then != text) {
+            width = measurer.Width(font, text);
+            text_then = text;
         }
-        return slot.width;
+        return width;
     }
-    int Of(int record, int slot, Tree_Font font, const char* text, Text_Measurer& measurer);
+    static int Measured(Tree_Font font, const char* text, Text_Measurer& measurer) {
+        return text != nullptr ? measurer.Width(font, text) : 0;
+    }
+    void Drop();
+    int In_Column(int record, int slot, Tree_Font font, const char* text, Text_Measurer& measurer);
 
-    std::vector<std::size_t> first;  // of each record's slots; one more at the end
-    std::vector<Slot> slots;
+    std::vector<Row_Slots> rows;
+    std::vector<std::size_t> first_of_columns;  // of each record's slots, one more at the end; empty: none has columns
+    std::vector<Slot> column_slots;             // of each column a label and a value
     Slot separator;
     Text_Measurer::Fonts fonts_now;
 };
@@ -90,6 +109,41 @@ class Text_Width_Lists {
     Text_Widths without_memory;  // for a list that there is no memory to keep
 };
 
-/** Width of the widest row, columns included; writes `column_x` of the records with columns: pixels from the left of
- *  the box. @param space "$INTERFACE_SPACE_DIM" */
+/** Widths of the rows of one list, gathered record by record. */
+class Row_Widths {
+  public:
+    /** @param of_space "$INTERFACE_SPACE_DIM" */
+    Row_Widths(int of_space, Text_Widths& of_widths, Text_Measurer& with_measurer)
+        : space(of_space), widths(of_widths), measurer(with_measurer), separator(of_widths.Separator(with_measurer)) {}
+    /** @throws std::bad_alloc without memory for the columns */
+    void Add(int record, const DB_List& row) {
+        int x = 2 * space + TREE_TEXT_START + DB_INDENTATION * row.level + widths.Name(record, row, measurer);
+        if (row.title != nullptr) {
+            x += widths.Title(record, row, measurer) + separator;
+        }
+        widest = std::max(widest, x);
+        if (row.column_nb != 0) {
+            column_start = std::max(column_start, x);
+            Widen(record, row);
+        }
+    }
+    /** Writes `column_x` of the records with columns: pixels from the left of the box.
+     *  @return width of the widest row, columns included */
+    int Place(int nb, DB_List* list_pt);
+
+  private:
+    void Widen(int record, const DB_List& row);
+    int Place(const DB_List& row) const;
+
+    int space;
+    Text_Widths& widths;
+    Text_Measurer& measurer;
+    int separator;
+    int widest = 0;
+    int column_start = 0;
+    bool has_columns = false;
+    std::vector<int> column_widths;
+};
+
+/** What Row_Widths finds for a whole list. */
 int Tree_Width_Measure(int nb, DB_List* list_pt, int space, Text_Widths& widths, Text_Measurer& measurer);

@@ -28,6 +28,7 @@ constexpr char PROMPT[] = "\x02 Enter the new name for this instance.";
 constexpr int RESULT_SAVE = 1;
 constexpr int RESULT_CANCEL = 2;
 constexpr int RESULT_FAILED = -1;
+constexpr int CHARACTER_MASK = 0xFFFF;  // of what Parse_Dialog makes of a key
 constexpr unsigned char GREY_BOX = 160;
 constexpr unsigned char GREY_ENTRY = 235;
 
@@ -41,9 +42,9 @@ struct Rename_Dialog {
     Buttons cancel;
     Texts entry;
     Texts prompt;
-    Wheel_Remainder wheel;
 };
 Rename_Dialog* dialog = nullptr;  // while it is open
+Wheel_Remainder wheel;            // goes on from one dialog to the next
 
 void Frame_In(Tools& widget, const Pixel_Rectangle& place) {
     Widget_Place(widget, place);
@@ -177,6 +178,12 @@ void Character_Type(Texts& entry, wchar_t unit) {
     }
 }
 
+/** Ends of the entry that the dialog does not know: there Enter and Escape do nothing, whatever key makes them. An
+ * entry that is given them is finished, and emptied by the second. */
+bool Is_Ending(int code) {
+    return code == KEY_ENTER || code == KEY_TAB || code == KEY_ESCAPE;
+}
+
 /** Types the characters that the system has made of the key that is being handled. They wait behind it in the queue, in
  *  UTF-16 whatever the window's own messages can carry. Asking for the key's character anew would lose the accent that
  *  the system keeps from one key to the next, and letters that are no single byte.
@@ -194,6 +201,9 @@ bool Waiting_Characters_Type(Rename_Dialog& rename) {
         if (waiting.message != WM_CHAR) {
             continue;  // an accent: the system puts it on the next letter
         }
+        if (Is_Ending(unit)) {
+            continue;
+        }
         if (unit < L' ' || unit == control_backspace) {
             rename.entry.Input(unit == control_backspace ? KEY_BACKSPACE : unit);
         } else {
@@ -209,7 +219,7 @@ void Key(Rename_Dialog& rename, UINT message, WPARAM wparam, LPARAM lparam) {
     }
     if (!Waiting_Characters_Type(rename)) {
         const int key = Parse_Dialog(rename.window, message, wparam, lparam);
-        if (key == 0) {
+        if (key == 0 || Is_Ending(key & CHARACTER_MASK)) {
             return;
         }
         rename.entry.Input(key);
@@ -275,8 +285,8 @@ bool Click(Rename_Dialog& rename, bool is_press) {
     return false;
 }
 
-void Wheel(Rename_Dialog& rename, int delta) {
-    if (rename.wheel.Add(delta) == 0) {  // whole notches are dropped: nothing scrolls
+void Wheel(int delta) {
+    if (wheel.Add(delta) == 0) {  // whole notches are dropped: nothing scrolls
         return;
     }
     Error_Fct(hwnd, TRACE_LEVEL, "tool_db_dialog_rename::Dialog_Proc(WM_MOUSEWHEEL)");
@@ -324,7 +334,7 @@ INT_PTR CALLBACK Dialog_Proc(HWND window, UINT message, WPARAM wparam, LPARAM lp
             Pointer_Take(window, lparam);
             return Click(rename, message == WM_LBUTTONDOWN) ? 1 : 0;
         case WM_MOUSEWHEEL:
-            Wheel(rename, GET_WHEEL_DELTA_WPARAM(wparam));
+            Wheel(GET_WHEEL_DELTA_WPARAM(wparam));
             return 1;
         case WM_CLOSE:
             // A modal dialog that is destroyed without being ended leaves its owner disabled.

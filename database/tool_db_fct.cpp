@@ -5,6 +5,7 @@
 
 #include "database/text_widths.h"
 #include "database/tool_db_fct_paint.h"
+#include "database/tree_layout.h"
 #include "host/kit_common.h"
 #include "panels/protocol/host_variables.h"
 
@@ -12,6 +13,7 @@ DB_Drag db_drag;
 
 namespace {
 
+constexpr const char* TEXT_POS_LABEL = "tool_db_fct: DB_List_Text_Pos";
 constexpr int POSITION_END = 32768;  // first pointer position that is none
 
 int Space() {
@@ -36,6 +38,21 @@ int Width_Measure(HDC dc, const Boxs& box, int nb, DB_List* list_pt) {
     } catch (const std::bad_alloc&) {
         return 0;
     }
+}
+
+/** The rows, and what DB_List_Text_Pos finds and writes, for a drawing: one pass over the records for both. */
+Tree_Layout Lay_Out(const Boxs& box, int nb, DB_List* list_pt) {
+    if (list_pt == nullptr) {
+        return {};
+    }
+    const Drawing_DC dc(box.window, TEXT_POS_LABEL);
+    if (!dc) {
+        Tree_Layout rows_only;
+        rows_only.row_nb = Tree_Rows_Number(nb, list_pt);
+        return rows_only;
+    }
+    Gdi_Text_Measurer measurer(dc.Get(), Tree_Fonts::For(box));
+    return Tree_Lay_Out(nb, list_pt, Space(), Width_Lists().Of(nb, list_pt, measurer.Fonts_Get()), measurer);
 }
 
 void Press(const DB_Tree_Point& at, Boxs* box, int nb, DB_List* list_pt, Sliders* horizontal, Sliders* vertical) {
@@ -108,20 +125,20 @@ int DB_List_Draw(Boxs* box, int nb, DB_List* list_pt, Sliders* horizontal, Slide
     if (!dc) {
         return result;
     }
-    const int row_nb = Tree_Rows_Number(nb, list_pt);
-    const int width = DB_List_Text_Pos(box, nb, list_pt);
+    const Tree_Layout layout = Lay_Out(*box, nb, list_pt);
     // The sliders before the drawing: a tree that has become short is drawn at its new position at once.
-    DB_Slider_Fit(*vertical, Tree_Height_Extent(row_nb, box->height));
-    if (width > 0 || list_pt == nullptr) {
-        DB_Slider_Fit(*horizontal, Tree_Width_Extent(width, Space(), box->width));
+    DB_Slider_Fit(*vertical, Tree_Height_Extent(layout.row_nb, box->height));
+    if (layout.width > 0 || list_pt == nullptr) {
+        DB_Slider_Fit(*horizontal, Tree_Width_Extent(layout.width, Space(), box->width));
     }
     const Tree_View view{box, Tree_Pixels(horizontal->value), Tree_Pixels(vertical->value), Space()};
     if (list_pt != nullptr) {
         const Gdi_Text_Measurer measurer(dc.Get(), Tree_Fonts::For(*box));
-        Tree_Paint(dc.Get(), view, nb, list_pt, Width_Lists().Of(nb, list_pt, measurer.Fonts_Get()));
+        Tree_Paint(dc.Get(), view, {nb, list_pt, layout.Start_For(view.First_Row())},
+                   Width_Lists().Of(nb, list_pt, measurer.Fonts_Get()));
     } else {
         Text_Widths none;
-        Tree_Paint(dc.Get(), view, 0, nullptr, none);
+        Tree_Paint(dc.Get(), view, {}, none);
     }
     if (db_drag.owner == box) {
         DB_List_Draw_Box(nullptr, horizontal, vertical);
@@ -133,7 +150,7 @@ int DB_List_Text_Pos(Boxs* box, int nb, DB_List* list_pt) {
     if (list_pt == nullptr) {
         return 0;
     }
-    const Drawing_DC dc(box->window, "tool_db_fct: DB_List_Text_Pos");
+    const Drawing_DC dc(box->window, TEXT_POS_LABEL);
     return dc ? Width_Measure(dc.Get(), *box, nb, list_pt) : 0;
 }
 

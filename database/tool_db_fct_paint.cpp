@@ -70,12 +70,13 @@ class Tree_Painter {
           bold(on_dc, with_fonts.Get(Tree_Font::Bold)),
           right(of_view.box->x + of_view.box->width) {}
 
-    void Rows(int nb, const DB_List* list_pt) {
-        Tree_Lines lines;
+    void Rows(const Tree_Records& records) {
+        Tree_Lines lines = records.start.lines;
         const int first = view.First_Row();
         const int last = view.Last_Row();
-        for (Tree_Walk walk(nb, list_pt); !walk.At_End() && walk.Row() <= last; walk.Next()) {
-            const DB_List& record = list_pt[walk.Record()];
+        for (Tree_Walk walk(records.nb, records.list_pt, records.start.record, records.start.row);
+             !walk.At_End() && walk.Row() <= last; walk.Next()) {
+            const DB_List& record = records.list_pt[walk.Record()];
             lines.Pass(record);
             if (walk.Row() >= first) {
                 Row(walk.Record(), record, walk.Row(), lines);
@@ -290,7 +291,7 @@ int Gdi_Text_Measurer::Width(Tree_Font font, const char* text) {
     return Extent(dc, text, length) + extra;
 }
 
-void Tree_Paint(HDC dc, const Tree_View& view, int nb, const DB_List* list_pt, Text_Widths& widths) {
+void Tree_Paint(HDC dc, const Tree_View& view, const Tree_Records& records, Text_Widths& widths) {
     const Boxs& box = *view.box;
     if (!Has_Pixels(box)) {
         return;
@@ -301,14 +302,14 @@ void Tree_Paint(HDC dc, const Tree_View& view, int nb, const DB_List* list_pt, T
     ::SetRect(&ground, box.x - 1, box.y - 1, box.x + box.width + 1, box.y + box.height + 1);
     const Gdi_Brush brush(::CreateSolidBrush(static_cast<COLORREF>(box.color.get())));
     ::FillRect(dc, &ground, brush.Get());
-    if (list_pt == nullptr) {
+    if (records.list_pt == nullptr) {
         return;
     }
     const Gdi_Pen pen(::CreatePen(PS_SOLID, 1, LINE_COLOR));
     const Selected_Object pen_selected(dc, pen.Get());
     ::SetBkMode(dc, TRANSPARENT);
     Icon_Draw_Image(box, view.Left(), view.Top() - ANCHOR_BELOW, Prog_Name, ICON_ANCHOR);
-    Tree_Painter(dc, view, widths, Tree_Fonts::For(box)).Rows(nb, list_pt);
+    Tree_Painter(dc, view, widths, Tree_Fonts::For(box)).Rows(records);
 }
 
 bool Tree_Band_Paint(HDC dc, const Boxs& box, const int (&erase)[4], bool erases, const int (&band)[4]) {

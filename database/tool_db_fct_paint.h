@@ -5,6 +5,7 @@
 #include "base/gdi_handles.h"
 
 #include "database/text_widths.h"
+#include "database/tree_layout.h"
 #include "database/tree_rows.h"
 #include "host/kit_widgets.h"
 
@@ -52,8 +53,15 @@ struct Tree_View {
     int Last_Row() const { return First_Row() + box->height / DB_ROW_HEIGHT + 1; }
 };
 
+/** The records that are drawn. */
+struct Tree_Records {
+    int nb = 0;
+    const DB_List* list_pt = nullptr;
+    Tree_Start start;  ///< a displayed record at or above the first row in view
+};
+
 /** Fills the box and draws the displayed rows that the view covers. */
-void Tree_Paint(HDC dc, const Tree_View& view, int nb, const DB_List* list_pt, Text_Widths& widths);
+void Tree_Paint(HDC dc, const Tree_View& view, const Tree_Records& records, Text_Widths& widths);
 /** Draws the outline of a rectangle (left, bottom, right, top; corners included) inverting: a second time erases it.
  *  @return false when nothing was drawn */
 bool Tree_Band_Paint(HDC dc, const Boxs& box, const int (&erase)[4], bool erases, const int (&band)[4]);

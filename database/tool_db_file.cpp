@@ -102,6 +102,12 @@ struct File_Path {
     char extension[PATH_SIZE];
 
     void Split(const char* path) {
+        // A part may be as long as the path, and so a longer one is cut before it is taken apart.
+        char cut[PATH_SIZE];
+        if (path != nullptr && std::strlen(path) >= sizeof cut) {
+            std::snprintf(cut, sizeof cut, "%s", path);
+            path = cut;
+        }
         Get_Generic_Name(path, directory, name, extension);
         const std::size_t length = std::strlen(name);
         std::snprintf(name + length, sizeof(name) - length, "%s", extension);

@@ -1,5 +1,7 @@
 #include "database/tool_db_list.h"
 
+#include <algorithm>
+#include <limits>
 #include <new>
 
 #include "database/db_panel_geometry.h"
@@ -348,7 +350,7 @@ int Tool_DB_List::Scroll(int delta) {
     } else {
         return 0;
     }
-    slider->Scroll(-delta);
+    slider->Scroll(-std::max(delta, -std::numeric_limits<int>::max()));
     slider->Adjust();
     Tree_Draw();
     return 1;

@@ -11,17 +11,11 @@ constexpr float FAR_AWAY = 1.0e8F;  // pixels; no tree is that large, and sums o
 
 }  // namespace
 
-int Tree_Walk::Next_Record() const {
-    const DB_List& at = list[record];
-    const int hidden = (at.flag & DB_FLAG_EXPANDED) != 0 ? 0 : at.desc_nb;
-    return hidden < nb - record - 1 ? record + 1 + hidden : nb;
-}
-
 int Tree_Rows_Number(int nb, DB_List* list_pt) {
     Tree_Walk walk(nb, list_pt);
     while (!walk.At_End()) {
         const int next = walk.Next_Record();
-        list_pt[walk.Record()].row = static_cast<std::uint16_t>(std::min<int>(walk.Row(), DB_ROW_NONE));
+        list_pt[walk.Record()].row = Tree_Row_Number(walk.Row());
         for (int hidden = walk.Record() + 1; hidden < next; ++hidden) {
             list_pt[hidden].row = DB_ROW_NONE;
         }

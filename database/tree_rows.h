@@ -21,7 +21,10 @@ struct DB_Tree_Point {
 /** Goes over the displayed records from the top: a collapsed record's subtree is passed over in one step. */
 class Tree_Walk {
   public:
-    Tree_Walk(int record_nb, const DB_List* list_pt) : list(list_pt), nb(list_pt != nullptr ? record_nb : 0) {}
+    Tree_Walk(int record_nb, const DB_List* list_pt) : Tree_Walk(record_nb, list_pt, 0, 0) {}
+    /** From the displayed record `from_record` on, whose row is `from_row`. */
+    Tree_Walk(int record_nb, const DB_List* list_pt, int from_record, int from_row)
+        : list(list_pt), nb(list_pt != nullptr ? record_nb : 0), record(from_record), row(from_row) {}
 
     bool At_End() const { return record >= nb; }
     int Record() const { return record; }  ///< array index
@@ -32,14 +35,23 @@ class Tree_Walk {
         row++;
     }
     /** Where Next goes: the records between are hidden. At most the number of records, whatever `desc_nb` says. */
-    int Next_Record() const;
+    int Next_Record() const {
+        const DB_List& at = list[record];
+        const int hidden = (at.flag & DB_FLAG_EXPANDED) != 0 ? 0 : at.desc_nb;
+        return hidden < nb - record - 1 ? record + 1 + hidden : nb;
+    }
 
   private:
     const DB_List* list;
     int nb;
-    int record = 0;
-    int row = 0;
+    int record;
+    int row;
 };
+
+/** What a record's `row` says of a display row: DB_ROW_NONE from 65535 on. */
+inline std::uint16_t Tree_Row_Number(int row) {
+    return static_cast<std::uint16_t>(row < DB_ROW_NONE ? row : DB_ROW_NONE);
+}
 
 /** Writes `row` of every record: its display row, or DB_ROW_NONE in a collapsed branch and from row 65535 on.
  *  @return the number of displayed rows */

@@ -1,4 +1,5 @@
 // The modal dialog itself, driven by messages: what it answers, and what becomes of the text.
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -44,6 +45,33 @@ TEST_F(Dialog_Rename_Test, enter_and_escape_do_nothing) {
                    [](HWND dialog) { ::PostMessageA(dialog, WM_KEYDOWN, VK_ESCAPE, 1); }, [](HWND) {}, Save}),
               1);
     EXPECT_STREQ(buffer, "Old");
+}
+
+TEST_F(Dialog_Rename_Test, escape_enter_and_tab_do_nothing_whatever_key_makes_them) {
+    Put("Old");
+    const auto control_key = [](WPARAM key, WPARAM character) {
+        return [key, character](HWND dialog) {
+            ::PostMessageW(dialog, WM_CHAR, character, 1);  // as the system has made it of the key
+            ::SendMessageA(dialog, WM_KEYDOWN, key, 1);
+        };
+    };
+    EXPECT_EQ(Run({Show, control_key(VK_OEM_4, 27), control_key('M', 13), control_key('I', 9),
+                   [](HWND dialog) { ::SendMessageA(dialog, WM_KEYDOWN, VK_ESCAPE, 1); },
+                   [](HWND dialog) { ::SendMessageA(dialog, WM_KEYDOWN, VK_RETURN, 1); }, Save}),
+              1);
+    EXPECT_STREQ(buffer, "Old");
+}
+
+TEST_F(Dialog_Rename_Test, a_part_of_a_notch_is_kept_for_the_next_dialog) {
+    const auto half_notch = [](HWND dialog) { ::SendMessageA(dialog, WM_MOUSEWHEEL, MAKEWPARAM(0, 60), 0); };
+    const auto traces = [this] {
+        return std::ranges::count(messages.Take(),
+                                  Panel_Message{TRACE_LEVEL, "tool_db_dialog_rename::Dialog_Proc(WM_MOUSEWHEEL)"});
+    };
+    Run({half_notch, Save});
+    EXPECT_EQ(traces(), 0);
+    Run({half_notch, Save});
+    EXPECT_EQ(traces(), 1);
 }
 
 TEST_F(Dialog_Rename_Test, a_release_over_a_button_counts_without_a_press_on_it) {

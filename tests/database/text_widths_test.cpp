@@ -240,7 +240,30 @@ TEST(Text_Widths, without_memory_the_widths_are_the_same) {
         lists.Forget(tree.Pt());
         EXPECT_EQ(Measure(tree, lists, measurer), width);
     });
-    EXPECT_EQ(failed, 3);  // the list's entry, its places, its widths
+    EXPECT_EQ(failed, 2);  // the list's entry, its widths
+}
+
+TEST(Text_Widths, without_memory_the_widths_of_columns_are_the_same) {
+    Tree_Scene tree;
+    Column_Store columns;
+    for (int i = 0; i < 10; ++i) {
+        columns.Give(tree, tree.Add(0, "one", "two"), {"label"}, {"value"});
+    }
+    Text_Width_Lists lists;
+    Counting_Measurer measurer;
+    const int width = Measure(tree, lists, measurer);
+    int drawn_whole = 0;
+    const int failed = Fail_Each_Allocation([&] {
+        lists.Forget(tree.Pt());
+        try {
+            EXPECT_EQ(Measure(tree, lists, measurer), width);
+            drawn_whole++;
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(tree[0].column_x[0], tree[9].column_x[0]);  // as they were
+        }
+    });
+    EXPECT_EQ(failed, 5);  // the list's entry, its widths, where those of columns begin, theirs, the columns' widths
+    EXPECT_EQ(drawn_whole, 5);
 }
 
 TEST(Text_Widths, without_memory_for_columns_the_caller_is_told) {

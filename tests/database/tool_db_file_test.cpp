@@ -179,6 +179,15 @@ TEST_F(Tool_DB_File_Test, long_paths_are_listed_whole) {
     EXPECT_EQ(list_pt[1].name, name);
 }
 
+TEST_F(Tool_DB_File_Test, a_path_that_is_longer_than_any_is_cut) {
+    const std::string start = "C:\\";
+    scene.Add_File(start + std::string(100000, 'n') + ".extension", 0);
+    scene.Add_File("D:\\next.nii", 0);
+    Create();
+    EXPECT_EQ(list_pt[1].name, std::string(PATH_SIZE - 1 - start.size(), 'n'));
+    EXPECT_STREQ(list_pt[3].name, "next.nii");
+}
+
 TEST_F(Tool_DB_File_Test, every_modality_has_its_icon) {
     const std::pair<const char*, const char*> icons[] = {
         {"CR", "rx"}, {"CT", "ct"}, {"MR", "mr"}, {"NM", "nm"}, {"PH", "ph"}, {"PT", "nm"}, {"PX", "rx"}, {"RG", "rx"},
