@@ -91,6 +91,7 @@ void Tool_Histo::Draw() {
     Error_Fct(hwnd, TRACE_LEVEL, "in Tool_Histo::Draw()");
     blow_button.current = Has_Histo_Window() ? 1 : 0;
     Boxs::Draw();
+    cursor_position = -1;  // the box has wiped the line, also where no picture follows
     blow_button.Draw();
     scale_valuator.Draw();
     Histo_Paint(*this);

@@ -16,7 +16,7 @@ float peak_centre_tol = 1.25F;
 float peak_data_min = 10.0F;
 float peak_mix_ratio = 0.5F;
 // Contract: hosts that repeat a session get its peaks again only as the first crossing of a fit is measured against the
-// last one of the fit before, of whichever panel: never reset.
+// last one of the fit before, of whichever panel: never reset, but by who asks for a fit as if it were the first.
 std::int32_t last_zero = 0;
 
 namespace {

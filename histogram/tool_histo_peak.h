@@ -20,7 +20,7 @@ extern float peak_width_max;    ///< widest peak that stays, bins; bin count / 5
 extern float peak_centre_tol;   ///< how far a centre may drift, bins
 extern float peak_data_min;     ///< smallest filtered value of a data peak, counts
 extern float peak_mix_ratio;    ///< weight of the Lorentzian in the mixed shape
-extern std::int32_t last_zero;  ///< bin of the last downward zero crossing seen; never reset
+extern std::int32_t last_zero;  ///< bin of the last downward zero crossing seen; reset by Histo_Fit_Gaussian_First only
 
 /** Shape value and partial derivative at a position (bins) for a parameter vector; see peak_shapes.h. */
 double Peak_Value(std::uint8_t type, double position, Vector_N& param);

@@ -173,7 +173,7 @@ bool Draw_Curves(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Colum
 
 /** The bin of a range's end: rounded, unlike in the panel, which truncates. */
 int Rounded_Bin(const Plot_Scale& scale, float level) {
-    return scale.Level_To_Bin(std::trunc(level + 0.5F));
+    return scale.Level_To_Bin(static_cast<float>(std::trunc(static_cast<double>(level) + 0.5)));
 }
 
 /** Ground and TAG bands: later bands hide earlier ones. As in the panel a band is a half-tone of the TAG's colour,

@@ -6,6 +6,7 @@
 #include "histogram/blow_place.h"
 #include "histogram/tool_histo.h"
 #include "histogram/tool_histo_blow.h"
+#include "histogram/tool_histo_export.h"
 #include "panels/protocol/host_variables.h"
 
 namespace {
@@ -106,6 +107,7 @@ void Histo_Window_Panel_Born() {
 }
 
 void Histo_Window_Panel_Gone(const Tool_Histo* panel) {
+    Histo_Export_Panel_Gone(panel);
     if (histo_blow.panel == panel) {
         histo_blow.panel = nullptr;
     }

@@ -1,9 +1,11 @@
 // Export of histogram, TAG membership and peaks as a text file of separated columns for spreadsheets.
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
+#include <limits>
 #include <memory>
 
 #include "histogram/histo_peak.h"
@@ -136,12 +138,24 @@ void Write_Column_Names(std::FILE* file, char separator, bool filtered, const Ta
     std::fputc('\n', file);
 }
 
+/** Truncated toward zero, and brought into the range of an int; 0 for what is no number. */
+int Truncated(float level) {
+    constexpr auto end = -static_cast<float>(std::numeric_limits<int>::min());  // 2^31, the first that is too large
+    if (std::isnan(level)) {
+        return 0;
+    }
+    if (level >= end) {
+        return std::numeric_limits<int>::max();
+    }
+    return level < -end ? std::numeric_limits<int>::min() : static_cast<int>(level);
+}
+
 void Write_Bins(std::FILE* file, char separator, const Histo_Data& data, const Tag_Columns& tags) {
     const Histo_Record& record = *data.record;
     const Plot_Scale levels({}, {record.nb_bins, record.origin, record.bin_width}, 0.0F);
     for (int bin = 0; bin < record.nb_bins; ++bin) {
         const float centre = levels.Bin_To_Level(bin);
-        std::fprintf(file, "%d%c%d", static_cast<int>(centre), separator, static_cast<int>(record.counts[bin]));
+        std::fprintf(file, "%d%c%d", Truncated(centre), separator, static_cast<int>(record.counts[bin]));
         if (data.filtered != nullptr) {
             // The curve belongs to the last analysis and may be shorter than a newer record.
             std::fprintf(file, "%c%f", separator, bin < data.curve_nb ? data.filtered[bin] : 0.0);

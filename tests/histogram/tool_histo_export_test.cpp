@@ -141,11 +141,20 @@ TEST_F(Blow_Export, the_window_may_close_meanwhile) {
     meanwhile = [] { Send(WM_CLOSE); };
     Press_Export();
     EXPECT_EQ(Window(), nullptr);
-    EXPECT_FALSE(std::filesystem::exists(FILE_NAME));
+    EXPECT_EQ(First_Line(), "sep=\t") << "what was confirmed is written";
     meanwhile = nullptr;
+    std::filesystem::remove(FILE_NAME);
     Open();
     Press_Export();
     EXPECT_EQ(First_Line(), "sep=\t") << "a later export works";
+}
+
+TEST_F(Blow_Export, another_panel_may_go_meanwhile_and_the_window_with_it) {
+    auto other = std::make_unique<Tool_Histo>();
+    meanwhile = [&] { other.reset(); };
+    Press_Export();
+    EXPECT_EQ(Window(), nullptr);
+    EXPECT_EQ(First_Line(), "sep=\t");
 }
 
 TEST_F(Blow_Export, the_panel_may_go_meanwhile) {

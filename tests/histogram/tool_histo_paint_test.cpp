@@ -411,6 +411,25 @@ TEST_P(Histo_Plot, black_unknown_and_uncoloured_tags_are_grey) {
     expect_grey(1);
 }
 
+TEST_P(Histo_Plot, a_host_that_does_not_tell_its_number_of_tags_has_as_many_as_colours) {
+    constexpr std::uint32_t red = 0xFF0000;
+    Histo_Record_Give(panel, {}, Hills(50));
+    scene.Tags(3);
+    for (int tag = 0; tag < 3; ++tag) {
+        scene.Tag_Color(tag, 255, 0, 0);
+    }
+    Variable_Undefine("$TAG_NB");
+    for (const auto& [tag, color] : {std::pair{2, red}, std::pair{3, GREY}}) {
+        panel.Set(1, tag, 5.0, 30.0);
+        Paint();
+        Picture expected(panel, empty);
+        expected.Band(5, 30, color, panel.data->record->counts, Parity(expected.Column(5), color));
+        expected.Outline(panel.data->record->counts, YELLOW);
+        SCOPED_TRACE(tag);
+        Expect_Picture(expected);
+    }
+}
+
 TEST_P(Histo_Plot, a_colour_record_shows_its_component) {
     Color_Record(90);
     const Histo_Record& record = *panel.data->record;
@@ -512,6 +531,14 @@ TEST_P(Histo_Plot, forgets_the_cursor_line) {
     Histo_Record_Give(panel, {}, Hills(5));
     panel.cursor_position = 50;
     Paint();
+    EXPECT_EQ(panel.cursor_position, -1);
+}
+
+TEST_P(Histo_Plot, a_redraw_without_counts_forgets_the_cursor_line_that_it_wiped) {
+    Histo_Record_Give(panel, {}, Hills(5));
+    panel.cursor_position = 50;
+    panel.data->Record_Empty();
+    panel.Draw();
     EXPECT_EQ(panel.cursor_position, -1);
 }
 

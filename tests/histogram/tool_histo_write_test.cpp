@@ -200,6 +200,12 @@ TEST_F(Histo_Export, tests_the_centre_before_it_is_cut_to_a_whole_number) {
     EXPECT_THAT(Written(), testing::HasSubstr(Platform_Lines("\n-1\t1\t0\n0\t2\t0\n0\t3\t1\n\n")));
 }
 
+TEST_F(Histo_Export, a_centre_beyond_whole_numbers_is_the_nearest_of_them) {
+    Histo_Record_Give(panel, {-3.0e9F, 1.0e9F}, {1, 2, 3, 4, 5, 6});
+    EXPECT_THAT(Written(), testing::HasSubstr(Platform_Lines("\n-2147483648\t1\n-1500000000\t2\n-500000000\t3\n"
+                                                             "500000000\t4\n1499999744\t5\n2147483647\t6\n\n")));
+}
+
 TEST_F(Histo_Export, missing_thresholds_count_as_unset) {
     scene.Tags(2);
     scene.tag_min[1] = 1.0F;

@@ -119,7 +119,10 @@ class Checker {
                    Quoted(level));
         }
         const std::string_view count = Cell_Take(line, expected.separator);
-        const std::optional<std::uint64_t> is_count = Number_Of<std::uint64_t>(count);
+        // Written as a signed number: more than 2^31 - 1 pixels in a bin are negative there.
+        const std::optional<std::int32_t> written = Number_Of<std::int32_t>(count);
+        const std::optional<std::uint32_t> is_count =
+            written ? std::optional(static_cast<std::uint32_t>(*written)) : std::nullopt;
         if (!is_count || *is_count != curve.counts[bin]) {
             Differ(name + "the count should be " + std::to_string(curve.counts[bin]) + " and is " + Quoted(count));
         }

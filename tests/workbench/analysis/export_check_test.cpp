@@ -63,6 +63,15 @@ TEST(Export_Check, the_file_of_the_format_agrees) {
               "a.csv agrees with the histogram: 5 bins with 99 pixels and 1 peaks.\n");
 }
 
+TEST(Export_Check, a_count_beyond_signed_numbers_is_written_as_a_negative_one) {
+    const std::vector<std::uint32_t> counts = {12, 4000000000U, 35, 9, 3};
+    Export_Expected expected = Example();
+    expected.curve.counts = counts;
+    const Export_Check check = Export_Check_Text(Changed("3;40;", "3;-294967296;"), expected);
+    EXPECT_EQ(check.differences, Lines{});
+    EXPECT_EQ(check.pixel_nb, 4000000059U);
+}
+
 TEST(Export_Check, lines_may_end_as_windows_ends_them) {
     std::string windows = TEXT;
     for (std::size_t at = windows.find('\n'); at != std::string::npos; at = windows.find('\n', at + 2)) {
