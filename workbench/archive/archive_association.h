@@ -1,6 +1,7 @@
 /** One association with an archive: what both sides speak of, and the messages of it. */
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -31,6 +32,9 @@ inline constexpr std::size_t PROPOSAL_MOST = 128;
 inline constexpr std::size_t COMMAND_MOST = 16U * 1024U;
 /** The transfer syntaxes that are not compressed, the clearer one first. */
 std::vector<const char*> Plain_Syntaxes();
+
+/** Makes the toolkit ready, once. */
+void Network_Prepare();
 
 /** A message that came. */
 struct Archive_Message {
@@ -82,6 +86,10 @@ class Archive_Association {
     Archive_Failure Failure(const OFCondition& condition) const;
 
   private:
+    static constexpr std::chrono::milliseconds GOODBYE_PATIENCE{1000};
+    /** Bytes besides those that were asked for: lengths and marks, and a whole piece that is read ahead. */
+    static constexpr std::uint64_t ROOM_BESIDES = 2U * ASC_MAXIMUMPDUSIZE;
+
     struct Network_End {
         void operator()(T_ASC_Network* ended) const;
     };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 namespace workbench::archive {
 
@@ -33,5 +34,9 @@ struct Archive_Outcome {
 struct Archive_Failure {
     Archive_Outcome outcome;
 };
+
+inline Archive_Failure Failure_Of(Archive_Fault fault, std::string text) {
+    return {{fault, std::move(text)}};
+}
 
 }  // namespace workbench::archive

@@ -21,6 +21,10 @@ std::string Objects_Text(int count) {
     return Counted_Text(count, "object", "objects");
 }
 
+std::string Seconds_Text(std::chrono::milliseconds time) {
+    return volumes::Amount_Text(std::chrono::duration<double>(time).count()) + " seconds";
+}
+
 std::string Joined_Text(const std::vector<std::string>& parts) {
     std::string joined;
     for (const std::string& part : parts) {

@@ -1,6 +1,7 @@
 /** What is said of archives, and of what they have. */
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,8 @@ inline constexpr const char* IN_CLEAR =
 /** "1 image", "3 images"; empty for a number that is not known. */
 std::string Counted_Text(int count, const char* one, const char* many);
 std::string Objects_Text(int count);
+/** "1.5 seconds". */
+std::string Seconds_Text(std::chrono::milliseconds time);
 /** What is not empty, with room between. */
 std::string Joined_Text(const std::vector<std::string>& parts);
 /** A line of a list. */
