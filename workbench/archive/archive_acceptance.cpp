@@ -3,14 +3,16 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <utility>
 
 #include "dcmtk/dcmnet/assoc.h"
 
 namespace workbench::archive {
 
 Archive_Association::Archive_Association(const Archive_Settings& archive, Connection_Watch& its_watch,
-                                         T_ASC_Network& listening, std::span<const Proposal> taken)
-    : settings(archive), watch(its_watch), layer(its_watch) {
+                                         T_ASC_Network& listening, std::span<const Proposal> taken,
+                                         Watched_Layer::Welcome its_welcome)
+    : settings(archive), watch(its_watch), layer(its_watch, std::move(its_welcome)) {
     Network_Prepare();
     watch.Begin();
     watch.Patience_Set(settings.times.associate, false);
@@ -46,8 +48,11 @@ std::optional<T_ASC_RejectParametersReason> Archive_Association::Doubt_Of_Caller
 void Archive_Association::Accept(T_ASC_Network& listening, std::span<const Proposal> taken) {
     dcmDisableGethostbyaddr.set(OFTrue);  // nobody can end the wait for a name that is not needed
     ASC_setTransportLayer(&listening, &layer, 0);
+    // Whoever was waiting may have gone, and then the toolkit would wait for another: in the one way, or in the other.
+    Socket_Unblock(DUL_networkSocket(listening.network));
     T_ASC_Association* made = nullptr;
-    OFCondition condition = ASC_receiveAssociation(&listening, &made, ASC_MAXIMUMPDUSIZE);
+    OFCondition condition =
+        ASC_receiveAssociation(&listening, &made, ASC_MAXIMUMPDUSIZE, nullptr, nullptr, OFFalse, DUL_NOBLOCK, 0);
     association.reset(made);
     if (condition.bad() || made == nullptr) {
         throw Failure(condition);

@@ -8,7 +8,6 @@
 #include "dcmtk/dcmnet/cond.h"
 #include "dcmtk/oflog/oflog.h"
 #include "dcmtk/ofstd/ofstd.h"
-#include "workbench/archive/archive_socket.h"
 #include "workbench/archive/archive_texts.h"
 
 namespace workbench::archive {
@@ -50,11 +49,11 @@ Archive_Association::Archive_Association(const Archive_Settings& archive, Connec
 std::string Archive_Association::Reach() {
     watch.Begin();
     watch.Patience_Set(settings.times.connect, false);
-    const Reached reached = Archive_Reach(settings.host, settings.port, settings.times.connect, [this] {
+    place = Archive_Reach(settings.host, settings.port, settings.times.connect, [this] {
         return watch.May_Go_On() || watch.End() == Connection_End::Silent;  // Archive_Reach has the same patience
     });
     const std::string title = Archive_Title(settings);
-    switch (reached.fault) {
+    switch (place.fault) {
         case Reach_Fault::Cancelled:
             throw Failure_Of(Archive_Fault::Cancelled, title + ": given up.");
         case Reach_Fault::Unknown_Host:
@@ -75,7 +74,7 @@ std::string Archive_Association::Reach() {
         case Reach_Fault::None:
             break;
     }
-    return reached.address + ":" + std::to_string(settings.port);
+    return place.address + ":" + std::to_string(settings.port);
 }
 
 void Archive_Association::Request(const std::string& address, std::span<const Proposal> proposals) {

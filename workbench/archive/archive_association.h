@@ -16,6 +16,7 @@
 #include "workbench/archive/archive_connection.h"
 #include "workbench/archive/archive_outcome.h"
 #include "workbench/archive/archive_settings.h"
+#include "workbench/archive/archive_socket.h"
 
 namespace workbench::archive {
 
@@ -53,9 +54,10 @@ class Archive_Association {
     Archive_Association(const Archive_Settings& archive, Connection_Watch& its_watch,
                         std::span<const Proposal> proposals);
     /** Takes the connection that waits, of a caller with the archive's title that asks for this program's; others are
-     *  told why not. @param taken what it may send @throw Archive_Failure */
+     *  told why not. Nobody is waited for. @param taken what it may send @param its_welcome whether a connection may
+     *  say a word; empty: every one @throw Archive_Failure */
     Archive_Association(const Archive_Settings& archive, Connection_Watch& its_watch, T_ASC_Network& listening,
-                        std::span<const Proposal> taken);
+                        std::span<const Proposal> taken, Watched_Layer::Welcome its_welcome = {});
     /** Ends without a word where it was not released. */
     ~Archive_Association();
     Archive_Association(const Archive_Association&) = delete;
@@ -79,6 +81,11 @@ class Archive_Association {
                          const std::function<void(std::span<const std::uint8_t>)>& sink);
     /** The same as a data set; for small ones. */
     std::unique_ptr<DcmDataset> Receive_Data_Set(const Archive_Message& message, std::size_t most);
+    /** Calls a request off, and gives the other side a moment to hear it. Nobody is asked whether to go on any more.
+     *  Never fails. */
+    void Call_Off(T_ASC_PresentationContextID context, std::uint16_t request);
+    /** Where the archive was found that this asked. */
+    const Reached& Place() const { return place; }
     /** Says goodbye. Never fails: what was asked for is done. */
     void Release();
 
@@ -87,6 +94,7 @@ class Archive_Association {
 
   private:
     static constexpr std::chrono::milliseconds GOODBYE_PATIENCE{1000};
+    static constexpr std::chrono::milliseconds CALL_OFF_PATIENCE{200};
     /** Bytes besides those that were asked for: lengths and marks, and a whole piece that is read ahead. */
     static constexpr std::uint64_t ROOM_BESIDES = 2U * ASC_MAXIMUMPDUSIZE;
 
@@ -116,6 +124,7 @@ class Archive_Association {
     const Archive_Settings& settings;
     Connection_Watch& watch;
     Watched_Layer layer;
+    Reached place;
     std::unique_ptr<T_ASC_Network, Network_End> network;
     std::unique_ptr<T_ASC_Association, Association_End> association;
     std::uint16_t message_number = 0;

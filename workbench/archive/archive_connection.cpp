@@ -107,6 +107,12 @@ void Connection_Watch::Patience_Set(std::chrono::milliseconds time, bool is_rene
     until = Clock::now() + time;
 }
 
+void Connection_Watch::Last_Words_Begin(std::chrono::milliseconds time) {
+    progress = nullptr;
+    end = Connection_End::Open;
+    Patience_Set(time, false);
+}
+
 bool Connection_Watch::May_Go_On() {
     if (end != Connection_End::Open) {
         return false;
@@ -149,7 +155,8 @@ void Connection_Watch::Lose() {
 }
 
 DcmTransportConnection* Watched_Layer::createConnection(DcmNativeSocketType open_socket, OFBool is_secure) {
-    return is_secure ? nullptr : new Watched_Connection(open_socket, watch);
+    // What is not made the toolkit closes.
+    return is_secure || (welcome && !welcome(open_socket)) ? nullptr : new Watched_Connection(open_socket, watch);
 }
 
 }  // namespace workbench::archive

@@ -4,6 +4,8 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
+#include <utility>
 
 #include "dcmtk/config/osconfig.h"
 #include "dcmtk/dcmnet/dcmlayer.h"
@@ -25,6 +27,8 @@ class Connection_Watch {
     void Patience_Set(std::chrono::milliseconds time, bool is_renewed);
     /** Bytes that may come from now on. */
     void Room_Set(std::uint64_t bytes) { room = bytes; }
+    /** From now on nobody is asked whether to go on: something is to be said that takes no longer than that. */
+    void Last_Words_Begin(std::chrono::milliseconds time);
     /** A new connection begins. */
     void Begin() { end = Connection_End::Open; }
 
@@ -52,11 +56,15 @@ class Connection_Watch {
 /** Makes the toolkit's connections; must outlive them, and the watch must outlive it. */
 class Watched_Layer : public DcmTransportLayer {
   public:
-    explicit Watched_Layer(Connection_Watch& its_watch) : watch(its_watch) {}
+    using Welcome = std::function<bool(DcmNativeSocketType)>;
+    /** @param its_welcome whether a connection is wanted; empty: every one */
+    explicit Watched_Layer(Connection_Watch& its_watch, Welcome its_welcome = {})
+        : watch(its_watch), welcome(std::move(its_welcome)) {}
     DcmTransportConnection* createConnection(DcmNativeSocketType open_socket, OFBool is_secure) override;
 
   private:
     Connection_Watch& watch;
+    Welcome welcome;
 };
 
 }  // namespace workbench::archive

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <fstream>
+#include <iterator>
 #include <span>
 #include <system_error>
 #include <utility>
@@ -177,7 +179,12 @@ void Series_Intake::Take(Archive_Association& association, const Archive_Message
         throw Refusal(Archive_Fault::Garbled, archive, "sends an image without a usable identifier or kind.");
     }
     if (received.contains(identifier)) {
-        throw Refusal(Archive_Fault::Garbled, archive, "sends an image twice.");
+        // An archive whose connection was lost does not know what had come.
+        if (!archive.is_moved) {
+            throw Refusal(Archive_Fault::Garbled, archive, "sends an image twice.");
+        }
+        Repeated_Take(association, message, sop_class, identifier, on_piece);
+        return;
     }
     if (received.size() >= image_most) {
         throw Refusal(Archive_Fault::Garbled, archive,
@@ -208,6 +215,25 @@ void Series_Intake::Take(Archive_Association& association, const Archive_Message
     received.insert(identifier);
     ++count;
     file.Keep();
+    Answer(association, message, sop_class, identifier, STATUS_SUCCESS);
+}
+
+void Series_Intake::Repeated_Take(Archive_Association& association, const Archive_Message& message,
+                                  const std::string& sop_class, const std::string& identifier,
+                                  const std::function<void()>& on_piece) {
+    std::string bytes = File_Head(sop_class, identifier, association.Syntax_Of(message.context));
+    const std::uint64_t most = std::min<std::uint64_t>(room, STORED_OBJECT_MOST - bytes.size());
+    association.Receive_Content(message, most, [&](std::span<const std::uint8_t> piece) {
+        on_piece();
+        room -= piece.size();  // or it could go on for ever
+        bytes.append(piece.begin(), piece.end());
+    });
+    room -= std::min(room, FILE_LEAST);
+    std::ifstream file(folder / (identifier + ".dcm"), std::ios::binary);
+    const std::string kept((std::istreambuf_iterator<char>(file)), {});
+    if (!file || kept != bytes) {
+        throw Refusal(Archive_Fault::Garbled, archive, "sends an image twice, with different content.");
+    }
     Answer(association, message, sop_class, identifier, STATUS_SUCCESS);
 }
 

@@ -41,6 +41,9 @@ class Series_Intake {
   private:
     static void Answer(Archive_Association& association, const Archive_Message& message, const std::string& sop_class,
                        const std::string& identifier, int status);
+    /** Takes an image that is there already: it has to be the same. */
+    void Repeated_Take(Archive_Association& association, const Archive_Message& message, const std::string& sop_class,
+                       const std::string& identifier, const std::function<void()>& on_piece);
     /** Whether what came is what was asked for. */
     void Image_Check(std::string bytes, const std::string& identifier) const;
 

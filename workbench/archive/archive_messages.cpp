@@ -65,6 +65,20 @@ void Archive_Association::Send(T_ASC_PresentationContextID context, T_DIMSE_Mess
     }
 }
 
+void Archive_Association::Call_Off(T_ASC_PresentationContextID context, std::uint16_t request) {
+    watch.Last_Words_Begin(CALL_OFF_PATIENCE);
+    T_DIMSE_Message message = {};
+    message.CommandField = DIMSE_C_CANCEL_RQ;
+    message.msg.CCancelRQ.MessageIDBeingRespondedTo = request;
+    message.msg.CCancelRQ.DataSetType = DIMSE_DATASET_NULL;
+    const OFCondition condition =
+        DIMSE_sendMessageUsingMemoryData(association.get(), context, &message, nullptr, nullptr, nullptr, nullptr);
+    if (condition.good()) {
+        // An end that comes at once can overtake it.
+        ASC_dataWaiting(association.get(), 1);
+    }
+}
+
 void Archive_Association::Pieces_Receive(DUL_DATAPDV kind, T_ASC_PresentationContextID& context, std::uint64_t most,
                                          const std::function<void(std::span<const std::uint8_t>)>& sink) {
     watch.Room_Set(most + ROOM_BESIDES + most / 8);  // pieces may be small
@@ -73,6 +87,12 @@ void Archive_Association::Pieces_Receive(DUL_DATAPDV kind, T_ASC_PresentationCon
         DUL_PDV piece = {};
         OFCondition condition = DUL_NextPDV(&association->DULassociation, &piece);
         if (condition.bad()) {
+            // The toolkit closes a connection that it reads from in vain, and then nothing can be called off.
+            while (!ASC_dataWaiting(association.get(), 1) && watch.End() == Connection_End::Open) {
+            }
+            if (watch.End() != Connection_End::Open) {
+                throw Failure(DUL_NETWORKCLOSED);
+            }
             condition = DUL_ReadPDVs(&association->DULassociation, nullptr, DUL_BLOCK, 0);
             if (condition != DUL_PDATAPDUARRIVED) {
                 has_said_goodbye = condition == DUL_PEERREQUESTEDRELEASE && kind == DUL_COMMANDPDV && context == 0;

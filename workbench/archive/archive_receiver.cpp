@@ -14,8 +14,8 @@ void Store_Receiver::Network_End::operator()(T_ASC_Network* ended) const {
     ASC_dropNetwork(&ended);
 }
 
-Store_Receiver::Store_Receiver(const Archive_Settings& its_archive, Series_Intake& its_intake)
-    : archive(its_archive), intake(its_intake) {
+Store_Receiver::Store_Receiver(const Archive_Settings& its_archive, Reached its_place, Series_Intake& its_intake)
+    : archive(its_archive), place(std::move(its_place)), intake(its_intake) {
     T_ASC_Network* opened = nullptr;
     const auto patience =  // for the first word of whoever connects; the watch ends it when the fetching ends
         std::max(std::chrono::ceil<std::chrono::seconds>(archive.times.associate), std::chrono::seconds(1));
@@ -63,11 +63,27 @@ void Store_Receiver::Run() noexcept {
     }
 }
 
+bool Store_Receiver::Is_Welcome(DcmNativeSocketType socket) {
+    const Socket_Ends ends = Ends_Of(socket);
+    // An archive on this computer may call from another of its addresses, which is this side's then.
+    if (ends.peer == place.address || (place.is_own_machine && ends.peer == ends.own)) {
+        return true;
+    }
+    const std::string others = " " + archive.other_callers + " ";
+    if (!ends.peer.empty() && others.find(" " + ends.peer + " ") != std::string::npos) {
+        return true;
+    }
+    refused_address = ends.peer;
+    return false;
+}
+
 void Store_Receiver::Serve() {
     Connection_Watch watch([this](double) { return !is_ended; });
     std::unique_ptr<Archive_Association> caller;
     try {
-        caller = std::make_unique<Archive_Association>(archive, watch, *network, Stored_Proposals());
+        caller =
+            std::make_unique<Archive_Association>(archive, watch, *network, Stored_Proposals(),
+                                                  [this](DcmNativeSocketType socket) { return Is_Welcome(socket); });
     } catch (const Archive_Failure&) {
         return;  // whoever it was: the archive may still come
     }

@@ -68,6 +68,7 @@ class Retrieval {
     std::optional<Store_Receiver> receiver;
     Connection_Watch watch;
     Archive_Association association;
+    T_ASC_PresentationContextID context = 0;
     std::uint16_t number = 0;
     int failed = -1;
     int completed = -1;
@@ -91,7 +92,7 @@ bool Retrieval::May_Go_On(const Load_Progress& progress, double done) {
 
 void Retrieval::Ask() {
     const std::string model = Model_Of(archive);
-    const T_ASC_PresentationContextID context = association.Context_Of(model);
+    context = association.Context_Of(model);
     if (context == 0) {
         throw Refusal(Archive_Fault::Refused, archive,
                       std::string("does not give images by ") + (archive.is_moved ? "C-MOVE." : "C-GET."));
@@ -194,14 +195,21 @@ void Retrieval::Run(const std::filesystem::path& into) {
     if (!archive.is_moved) {
         return Take_All();
     }
-    receiver.emplace(archive, *intake);
+    receiver.emplace(archive, association.Place(), *intake);
     try {
         Take_All();
-    } catch (const Archive_Failure&) {
+    } catch (Archive_Failure& what) {
+        if (what.outcome.fault == Archive_Fault::Cancelled && number != 0) {
+            association.Call_Off(context, number);
+        }
         receiver->End();
         // What went wrong there is why it ended here.
         if (const std::optional<Archive_Failure> failure = receiver->Failure()) {
             throw *failure;
+        }
+        if (what.outcome.fault == Archive_Fault::Incomplete && !receiver->Refused_Address().empty()) {
+            what.outcome.error += " A connection from " + receiver->Refused_Address() +
+                                  " was refused, because that is not the archive's address.";
         }
         throw;
     } catch (...) {

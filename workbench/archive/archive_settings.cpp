@@ -12,9 +12,10 @@ namespace workbench::archive {
 namespace {
 
 constexpr char SEPARATOR = '|';
-constexpr std::size_t NAME_MOST = 200;    // bytes
-constexpr std::size_t PART_NB = 8;        // of archives that images are fetched from by C-GET
-constexpr std::size_t MOVED_PART_NB = 9;  // by C-MOVE
+constexpr std::size_t NAME_MOST = 200;     // bytes
+constexpr std::size_t PART_NB = 8;         // of archives that images are fetched from by C-GET
+constexpr std::size_t MOVED_PART_NB = 9;   // by C-MOVE, and one more where others may bring images
+constexpr std::size_t CALLERS_MOST = 512;  // letters
 constexpr int SECONDS_MOST = 3600;
 
 /** A part of a line: what would end it, or is no text, becomes a blank. */
@@ -43,6 +44,11 @@ bool Time_Of(const std::string& text, std::chrono::milliseconds& time) {
 
 bool Is_Printable(char letter) {
     return letter >= ' ' && letter <= '~';
+}
+
+bool Are_Addresses(std::string_view text) {
+    return !text.empty() && text.size() <= CALLERS_MOST && text.front() != ' ' &&
+           text.find_first_not_of("0123456789. ") == std::string_view::npos;
 }
 
 }  // namespace
@@ -97,7 +103,11 @@ std::string Archive_Line(const Archive_Settings& settings) {
                                     Seconds_Part(settings.times.associate), Seconds_Part(settings.times.silence)}) {
         line += SEPARATOR + part;
     }
-    return settings.is_moved ? line + SEPARATOR + std::to_string(settings.own_port) : line;
+    if (settings.is_moved) {
+        line += SEPARATOR + std::to_string(settings.own_port);
+        line += settings.other_callers.empty() ? std::string() : SEPARATOR + settings.other_callers;
+    }
+    return line;
 }
 
 std::optional<Archive_Settings> Archive_Of_Line(std::string_view line) {
@@ -110,7 +120,13 @@ std::optional<Archive_Settings> Archive_Of_Line(std::string_view line) {
         }
     }
     Archive_Settings settings;
-    settings.is_moved = parts.size() == MOVED_PART_NB;
+    settings.is_moved = parts.size() == MOVED_PART_NB || parts.size() == MOVED_PART_NB + 1;
+    if (parts.size() > MOVED_PART_NB) {
+        settings.other_callers = parts[MOVED_PART_NB];
+        if (!Are_Addresses(settings.other_callers)) {
+            return std::nullopt;
+        }
+    }
     if ((settings.is_moved && !Number_Of(parts[8], 1, PORT_MAX, settings.own_port)) ||
         (!settings.is_moved && parts.size() != PART_NB) || parts[0].size() > NAME_MOST ||
         !Number_Of(parts[2], 1, PORT_MAX, settings.port) || !Time_Of(parts[5], settings.times.connect) ||

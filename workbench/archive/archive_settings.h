@@ -25,6 +25,8 @@ struct Archive_Settings {
     Archive_Times times;
     bool is_moved = false;  ///< images come by C-MOVE, over a connection that the archive makes; else by C-GET
     int own_port = 11112;   ///< that the archive knows for it
+    /** Addresses of four numbers, with blanks between, that images may come from by C-MOVE besides the archive's. */
+    std::string other_callers;
 };
 
 inline constexpr int PORT_MAX = 65535;

@@ -41,7 +41,7 @@ void Socket_Close(DcmNativeSocketType socket) {
     ::closesocket(socket);
 }
 
-bool Socket_Unblock(DcmNativeSocketType socket) {
+bool Unblock(DcmNativeSocketType socket) {
     u_long is_on = 1;
     return ::ioctlsocket(socket, FIONBIO, &is_on) == 0;
 }
@@ -71,7 +71,7 @@ void Socket_Close(DcmNativeSocketType socket) {
     ::close(socket);
 }
 
-bool Socket_Unblock(DcmNativeSocketType socket) {
+bool Unblock(DcmNativeSocketType socket) {
     const int flags = ::fcntl(socket, F_GETFL, 0);
     return flags >= 0 && ::fcntl(socket, F_SETFL, flags | O_NONBLOCK) == 0;
 }
@@ -186,11 +186,25 @@ Reach_Fault Fault_Of(int code) {
     return code == REFUSED ? Reach_Fault::Nothing_Listens : Reach_Fault::No_Way;
 }
 
-Reach_Fault Address_Try(sockaddr_in address, int port, Clock::time_point until,
-                        const std::function<bool()>& may_go_on) {
+std::string Address_Text(const sockaddr_in& address) {
+    std::array<char, INET_ADDRSTRLEN> text{};
+    return address.sin_family != AF_INET || ::inet_ntop(AF_INET, &address.sin_addr, text.data(), text.size()) == nullptr
+               ? std::string()
+               : text.data();
+}
+
+std::string Own_Address(DcmNativeSocketType socket) {
+    sockaddr_in address = {};
+    Address_Size size = sizeof address;
+    return ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size) == 0 ? Address_Text(address) : "";
+}
+
+/** @param is_own_machine receives whether the address is one of this computer */
+Reach_Fault Address_Try(sockaddr_in address, int port, Clock::time_point until, const std::function<bool()>& may_go_on,
+                        bool& is_own_machine) {
     address.sin_port = htons(static_cast<std::uint16_t>(port));
     const Socket_Owner socket(::socket(AF_INET, SOCK_STREAM, 0));
-    if (socket.Get() == NO_SOCKET || !Fits_Set(socket.Get()) || !Socket_Unblock(socket.Get())) {
+    if (socket.Get() == NO_SOCKET || !Fits_Set(socket.Get()) || !Unblock(socket.Get())) {
         return Reach_Fault::No_Way;
     }
     if (::connect(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
@@ -211,12 +225,8 @@ Reach_Fault Address_Try(sockaddr_in address, int port, Clock::time_point until,
     if (::getsockopt(socket.Get(), SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&code), &size) != 0) {
         return Reach_Fault::No_Way;
     }
+    is_own_machine = Own_Address(socket.Get()) == Address_Text(address);
     return code == 0 ? Reach_Fault::None : Fault_Of(code);
-}
-
-std::string Address_Text(const sockaddr_in& address) {
-    std::array<char, INET_ADDRSTRLEN> text{};
-    return ::inet_ntop(AF_INET, &address.sin_addr, text.data(), text.size()) == nullptr ? std::string() : text.data();
 }
 
 /** What the system takes at once. */
@@ -231,7 +241,7 @@ Reached Archive_Reach(const std::string& host, int port, std::chrono::millisecon
     const Clock::time_point until = Clock::now() + patience;
     Reached reached;
     for (const sockaddr_in& address : Host_Find(host, until, may_go_on, reached.fault)) {
-        const Reach_Fault fault = Address_Try(address, port, until, may_go_on);
+        const Reach_Fault fault = Address_Try(address, port, until, may_go_on, reached.is_own_machine);
         reached.fault = fault;
         if (fault == Reach_Fault::None) {
             reached.address = Address_Text(address);
@@ -247,7 +257,7 @@ Reached Archive_Reach(const std::string& host, int port, std::chrono::millisecon
 bool Socket_Prepare(DcmNativeSocketType socket) {
     const int is_on = 1;
     ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&is_on), sizeof is_on);
-    return Fits_Set(socket) && Socket_Unblock(socket);
+    return Fits_Set(socket) && Unblock(socket);
 }
 
 bool Is_Socket_Readable(DcmNativeSocketType socket) {
@@ -256,6 +266,17 @@ bool Is_Socket_Readable(DcmNativeSocketType socket) {
 
 bool Is_Socket_Writable(DcmNativeSocketType socket) {
     return Socket_Wait(socket, true);
+}
+
+bool Socket_Unblock(DcmNativeSocketType socket) {
+    return Unblock(socket);
+}
+
+Socket_Ends Ends_Of(DcmNativeSocketType socket) {
+    sockaddr_in address = {};
+    Address_Size size = sizeof address;
+    const bool is_known = ::getpeername(socket, reinterpret_cast<sockaddr*>(&address), &size) == 0;
+    return {Own_Address(socket), is_known ? Address_Text(address) : std::string()};
 }
 
 void Socket_Ended_Tell() {

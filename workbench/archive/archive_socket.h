@@ -15,7 +15,8 @@ enum class Reach_Fault { None, Unknown_Host, Nothing_Listens, No_Way, Too_Slow, 
 
 struct Reached {
     Reach_Fault fault = Reach_Fault::None;
-    std::string address;  ///< four numbers with dots, of the first address that answers
+    std::string address;          ///< four numbers with dots, of the first address that answers
+    bool is_own_machine = false;  ///< the address is one of this computer
 };
 
 /** Longest time between two questions whether to go on. */
@@ -32,6 +33,15 @@ bool Socket_Prepare(DcmNativeSocketType socket);
 bool Is_Socket_Readable(DcmNativeSocketType socket);
 /** Waits for WAIT_SLICE at most. @return whether something can be sent, or the end be seen */
 bool Is_Socket_Writable(DcmNativeSocketType socket);
+
+/** Lets operations of a socket return at once. */
+bool Socket_Unblock(DcmNativeSocketType socket);
+
+struct Socket_Ends {
+    std::string own;   ///< four numbers with dots; empty: not known, also below
+    std::string peer;  ///< the other side's
+};
+Socket_Ends Ends_Of(DcmNativeSocketType socket);
 
 /** Leaves the mark of an ended connection where the toolkit looks for what went wrong last. */
 void Socket_Ended_Tell();

@@ -242,7 +242,7 @@ int Lying_Archive::Talk::Store(const std::string& identifier, const Stored_Image
     content.putAndInsertString(DCM_SeriesInstanceUID, image.series.c_str());
     content.putAndInsertString(DCM_SOPInstanceUID, (image.identifier.empty() ? identifier : image.identifier).c_str());
     content.putAndInsertString(DCM_SOPClassUID, sop_class.c_str());
-    content.putAndInsertString(DCM_PatientName, "Doe");
+    content.putAndInsertString(DCM_PatientName, image.patient.c_str());
     T_DIMSE_Message message = {};
     message.CommandField = DIMSE_C_STORE_RQ;
     message.msg.CStoreRQ.MessageID = 77;

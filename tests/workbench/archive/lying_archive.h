@@ -38,6 +38,7 @@ struct Stored_Image {
     std::string study = "1.2";
     std::string series = "1.2.3";
     std::string identifier;
+    std::string patient = "Doe";
 };
 
 /** Agrees to everything, takes one request with its keys, and then follows its script. */

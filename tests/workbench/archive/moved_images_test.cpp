@@ -7,10 +7,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <future>
 #include <iterator>
 #include <optional>
 #include <string>
@@ -21,11 +23,14 @@
 #include "dcmtk/dcmdata/dcuid.h"
 #include "tests/workbench/archive/archive_server.h"
 #include "tests/workbench/archive/lying_archive.h"
+#include "workbench/archive/archive_association.h"
 #include "workbench/archive/archive_client.h"
+#include "workbench/archive/archive_intake.h"
 
 using namespace workbench::archive;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 
 namespace {
@@ -118,6 +123,36 @@ class Caller {
     bool has_hung_up = false;
 };
 
+/** A connection to a port of this machine, from an address of it. */
+class Bare_Caller {
+  public:
+    Bare_Caller(int port, const char* own_address) : socket(::socket(AF_INET, SOCK_STREAM, 0)) {
+        sockaddr_in address = {};
+        address.sin_family = AF_INET;
+        ::inet_pton(AF_INET, own_address, &address.sin_addr);
+        is_there = ::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+        ::inet_pton(AF_INET, "127.0.0.1", &address.sin_addr);
+        address.sin_port = htons(static_cast<std::uint16_t>(port));
+        is_there = is_there && ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    }
+    ~Bare_Caller() { ::close(socket); }
+    Bare_Caller(const Bare_Caller&) = delete;
+    Bare_Caller& operator=(const Bare_Caller&) = delete;
+
+    bool Is_There() const { return is_there; }
+    /** Whether the other side hangs up, within a second, before it heard a word. */
+    bool Is_Hung_Up_On() const {
+        const timeval patience = {1, 0};
+        ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+        char letter = 0;
+        return ::recv(socket, &letter, 1, 0) == 0;
+    }
+
+  private:
+    int socket;
+    bool is_there = false;
+};
+
 /** Asks a lying archive for images by C-MOVE. */
 class Moved_Images : public testing::Test {
   protected:
@@ -128,11 +163,13 @@ class Moved_Images : public testing::Test {
         settings.is_moved = true;
         settings.own_port = own_port;
         settings.times.silence = silence;
+        settings.other_callers = other_callers;
         return Series_Retrieve(settings, Wanted(promised), cache.path, progress);
     }
 
     int own_port = Free_Port();
     std::chrono::milliseconds silence{2000};
+    std::string other_callers;
     Temporary_Folder cache;
 };
 
@@ -171,6 +208,91 @@ TEST_F(Moved_Images, are_taken_from_nobody_else) {
         1);
     EXPECT_EQ(result.outcome.fault, Archive_Fault::Incomplete);
     EXPECT_THAT(Files_Below(cache.path), IsEmpty());
+}
+
+TEST_F(Moved_Images, come_after_somebody_else_was_refused) {
+    const Retrieve_Result result = Retrieved(
+        [&](Talk& talk) {
+            EXPECT_FALSE(Caller(own_port, "STRANGER", "WORKBENCH").Is_Taken());
+            EXPECT_FALSE(Caller(own_port, "LIAR", "SOMEBODY").Is_Taken());
+            EXPECT_EQ(Caller(own_port, "LIAR", "WORKBENCH").Store("1.2.3.1"), SUCCESS);
+            talk.Answer(SUCCESS, nullptr, 1, 0);
+        },
+        1);
+    EXPECT_EQ(result.outcome.error, "");
+    EXPECT_EQ(result.image_count, 1);
+}
+
+TEST_F(Moved_Images, come_from_the_address_of_the_archive_only) {
+    const auto script = [&](Talk& talk) {
+        const Bare_Caller stranger(own_port, "127.0.0.2");
+        EXPECT_TRUE(stranger.Is_There());
+        EXPECT_EQ(stranger.Is_Hung_Up_On(), other_callers.empty());
+        talk.Answer(SUCCESS, nullptr, 1, 0);
+    };
+    const Retrieve_Result result = Retrieved(script, 1);
+    EXPECT_EQ(result.outcome.fault, Archive_Fault::Incomplete);
+    EXPECT_THAT(result.outcome.error, HasSubstr("127.0.0.2 was refused"));
+    other_callers = "10.1.2.3 127.0.0.2";
+    const Retrieve_Result allowed = Retrieved(script, 1);
+    EXPECT_THAT(allowed.outcome.error, Not(HasSubstr("was refused")));
+}
+
+TEST_F(Moved_Images, are_not_waited_for_where_a_caller_has_gone_before_it_is_taken) {
+    T_ASC_Network* listening = nullptr;
+    ASSERT_TRUE(ASC_initializeNetwork(NET_ACCEPTOR, own_port, 5, &listening).good());
+    Archive_Settings settings;
+    settings.times.associate = std::chrono::milliseconds(500);
+    std::future<bool> end = std::async(std::launch::async, [&] {
+        Connection_Watch watch({});
+        try {
+            const Archive_Association none(settings, watch, *listening, Stored_Proposals());
+            return false;
+        } catch (const Archive_Failure&) {
+            return true;
+        }
+    });
+    EXPECT_EQ(end.wait_for(std::chrono::seconds(2)), std::future_status::ready);
+    { const Bare_Caller caller(own_port, "127.0.0.1"); }  // ends the wait where there is one
+    EXPECT_TRUE(end.get());
+    ASC_dropNetwork(&listening);
+}
+
+TEST_F(Moved_Images, that_come_again_after_a_lost_connection_count_once) {
+    const Retrieve_Result result = Retrieved(
+        [&](Talk& talk) {
+            {
+                Caller caller(own_port, "LIAR", "WORKBENCH");
+                EXPECT_EQ(caller.Store("1.2.3.1"), SUCCESS);
+                EXPECT_EQ(caller.Store("1.2.3.2"), SUCCESS);
+                caller.Hang_Up_Within("1.2.3.3");
+            }
+            Caller again(own_port, "LIAR", "WORKBENCH");
+            EXPECT_EQ(again.Store("1.2.3.2"), SUCCESS) << "it cannot know that it had come";
+            EXPECT_EQ(again.Store("1.2.3.3"), SUCCESS);
+            talk.Answer(SUCCESS, nullptr, 3, 0);
+        },
+        3);
+    EXPECT_EQ(result.outcome.error, "");
+    EXPECT_EQ(result.image_count, 3);
+    EXPECT_THAT(Files_Below(result.folder), SizeIs(3));
+}
+
+TEST_F(Moved_Images, that_come_again_with_other_content_end_it) {
+    for (const char* const other : {"Roe", "Doe, who is longer", ""}) {
+        const Retrieve_Result result = Retrieved(
+            [&](Talk& talk) {
+                Caller caller(own_port, "LIAR", "WORKBENCH");
+                EXPECT_EQ(caller.Store("1.2.3.1"), SUCCESS);
+                caller.Store("1.2.3.1", {.identifier = {}, .patient = other});
+                std::this_thread::sleep_for(std::chrono::milliseconds(200));
+                talk.Answer(SUCCESS, nullptr, 1, 0);
+            },
+            1);
+        EXPECT_EQ(result.outcome.fault, Archive_Fault::Garbled) << other;
+        EXPECT_THAT(result.outcome.error, HasSubstr("twice"));
+        EXPECT_THAT(Files_Below(cache.path), IsEmpty());
+    }
 }
 
 TEST_F(Moved_Images, that_are_fewer_than_the_archive_counts_are_told) {
@@ -266,6 +388,28 @@ TEST_F(Moved_Images, are_given_up_at_once) {
                       return Clock::now() < until;
                   });
     EXPECT_EQ(result.outcome.fault, Archive_Fault::Cancelled);
+    EXPECT_THAT(Files_Below(cache.path), IsEmpty());
+}
+
+TEST_F(Moved_Images, that_are_given_up_are_called_off) {
+    int called_off = -1;
+    int asked = -1;
+    std::atomic<bool> is_to_end = false;
+    const Retrieve_Result result = Retrieved(
+        [&](Talk& talk) {
+            asked = talk.request.msg.CMoveRQ.MessageID;
+            is_to_end = true;
+            T_ASC_PresentationContextID context = 0;
+            T_DIMSE_Message message = {};
+            if (DIMSE_receiveCommand(talk.association, DIMSE_NONBLOCKING, 5, &context, &message, nullptr).good() &&
+                message.CommandField == DIMSE_C_CANCEL_RQ) {
+                called_off = message.msg.CCancelRQ.MessageIDBeingRespondedTo;
+                talk.Answer(0xFE00, nullptr, 0, 0);
+            }
+        },
+        5, [&](double) { return !is_to_end; });
+    EXPECT_EQ(result.outcome.fault, Archive_Fault::Cancelled);
+    EXPECT_EQ(called_off, asked);
     EXPECT_THAT(Files_Below(cache.path), IsEmpty());
 }
 

@@ -526,8 +526,15 @@ TEST(Archive_Lines, say_everything_of_an_archive) {
     ASSERT_TRUE(moved);
     EXPECT_TRUE(moved->is_moved);
     EXPECT_EQ(moved->own_port, 4242);
-    for (const char* const line : {"", "|||||||", "a|b|0|C|D|5|5|30", "a|b|104|C|D|5|5|0", "a|b|104|C|D|5|5|30|0",
-                                   "a|b|104|C|D|5|5|30|x", "a|b|104|C|D|5|5|30|1|2", "a|b c|104|C|D|5|5|30"}) {
+    EXPECT_EQ(moved->other_callers, "");
+    settings.other_callers = "10.1.2.3 10.1.2.4";
+    const auto of_several = archive::Archive_Of_Line(archive::Archive_Line(settings));
+    ASSERT_TRUE(of_several);
+    EXPECT_TRUE(of_several->is_moved);
+    EXPECT_EQ(of_several->other_callers, "10.1.2.3 10.1.2.4");
+    for (const char* const line :
+         {"", "|||||||", "a|b|0|C|D|5|5|30", "a|b|104|C|D|5|5|0", "a|b|104|C|D|5|5|30|0", "a|b|104|C|D|5|5|30|x",
+          "a|b|104|C|D|5|5|30|1|x", "a|b|104|C|D|5|5|30|1|", "a|b|104|C|D|5|5|30|1|2|3", "a|b c|104|C|D|5|5|30"}) {
         EXPECT_FALSE(archive::Archive_Of_Line(line)) << line;
     }
 }
