@@ -4,67 +4,21 @@
 #include <atomic>
 #include <exception>
 #include <memory>
-#include <mutex>
 #include <new>
 #include <optional>
 #include <system_error>
 #include <utility>
 
-#include "workbench/volumes/decoded_source.h"
 #include "workbench/volumes/dicom_series.h"
+#include "workbench/volumes/image_file_bytes.h"
+#include "workbench/volumes/image_file_kind.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/nifti_reader.h"
-#include "workbench/volumes/unfinished_file.h"
 #include "workbench/volumes/work_share.h"
 
 namespace volumes {
 
 namespace {
-
-bool Has_Ending(const std::string& name, std::string_view ending) {
-    return name.size() >= ending.size() &&
-           std::equal(ending.rbegin(), ending.rend(), name.rbegin(), [](char wanted, char letter) {
-               return letter == wanted || (letter >= 'A' && letter <= 'Z' && letter - 'A' + 'a' == wanted);
-           });
-}
-
-bool Is_Volume_Name(const std::string& name) {
-    return std::ranges::any_of(
-        std::initializer_list<std::string_view>{".nii", ".nii.gz", ".hdr", ".hdr.gz", ".nrrd", ".nhdr", ".mha", ".mhd"},
-        [&](std::string_view ending) { return Has_Ending(name, ending); });
-}
-
-bool Is_Dicom_Name(const std::string& name) {
-    return std::ranges::any_of(std::initializer_list<std::string_view>{".dcm", ".dicom", ".ima", ".dcm.gz"},
-                               [&](std::string_view ending) { return Has_Ending(name, ending); });
-}
-
-/** A file to be opened. */
-struct Wanted {
-    std::filesystem::path path;
-    bool is_named = false;  ///< by the user, not found in a folder
-};
-
-/** The voxels of a pair: they are read with their header, if that is read too. */
-bool Is_Voxels_Of_Pair(const Wanted& file, const std::string& name) {
-    const auto ends = [&](const char* ending) { return Has_Ending(name, ending); };
-    const bool is_image = ends(".img") || ends(".img.gz");
-    if (file.is_named || (!is_image && !ends(".raw") && !ends(".raw.gz") && !ends(".zraw"))) {
-        return false;
-    }
-    std::filesystem::path stem = file.path;
-    if (Has_Ending(name, ".gz")) {
-        stem.replace_extension();
-    }
-    stem.replace_extension();
-    std::error_code unknown;
-    using Endings = std::initializer_list<const char*>;
-    return std::ranges::any_of(is_image ? Endings{".hdr", ".hdr.gz"} : Endings{".mhd", ".nhdr"},
-                               [&](const char* ending) {
-                                   std::filesystem::path header = stem;
-                                   return std::filesystem::exists(header.concat(ending), unknown);
-                               });
-}
 
 /** A sentence without the file's name at its beginning and the point at its end. */
 std::string Bare_Reason(std::string text, const std::string& name) {
@@ -77,105 +31,13 @@ std::string Bare_Reason(std::string text, const std::string& name) {
     return text;
 }
 
-/** What a file was found to be wrong with, as Folder_Problem::reason. */
-struct Refusal {
-    std::string text;
-};
-
-/** Whether a file begins as a NIfTI file does that holds its voxels, whatever it is called. */
-bool Is_Nifti_Content(std::span<const std::uint8_t> head) {
-    constexpr std::size_t mark_at_1 = 344;
-    constexpr std::size_t mark_at_2 = 4;
-    const auto has = [&](std::size_t at, std::string_view mark) {
-        return head.size() >= at + mark.size() && std::equal(mark.begin(), mark.end(), head.begin() + at);
-    };
-    return has(mark_at_1, std::string_view("n+1\0", 4)) || has(mark_at_2, std::string_view("n+2\0", 4));
-}
-
-/** Whether a file begins as DICOM's files do, whatever it is called. */
-bool Is_Dicom_Content(const std::filesystem::path& path) {
-    constexpr std::size_t mark_at = 128;
-    constexpr std::string_view mark = "DICM";
-    File_Source plain(path);
-    Decoded_Source source(plain);
-    std::vector<std::uint8_t> head(mark_at + mark.size());
-    head.resize(source.Read(head));
-    return head.size() == mark_at + mark.size() && std::equal(mark.begin(), mark.end(), head.begin() + mark_at);
-}
-
-/** All bytes of a file, unpacked if it is gzip-compressed. Only the first ones when it is no DICOM file.
- *  @param bytes room for them, whatever it holds */
-std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uint64_t most,
-                                     std::vector<std::uint8_t> bytes = {}) {
-    File_Source plain(path);
-    if (!plain.Error().empty()) {
-        throw Refusal{plain.Error()};
-    }
-    Decoded_Source source(plain);
-    constexpr std::size_t head_size = 352;  // of a NIfTI file; that of a DICOM file is shorter
-    static_assert(head_size >= DICOM_HEAD_SIZE);
-    bytes.resize(head_size);
-    bytes.resize(source.Read(bytes));
-    if (!bytes.empty() && !Dicom_Is_Likely(bytes)) {
-        return bytes;
-    }
-    if (const std::uint64_t size = source.Size().value_or(0); size > bytes.size() && size <= most) {
-        const std::size_t had = bytes.size();
-        bytes.resize(static_cast<std::size_t>(size) + 1);  // one more, which is not there, shows the end
-        bytes.resize(had + source.Read(std::span(bytes).subspan(had)));
-    }
-    constexpr std::size_t step = std::size_t{1} << 20U;
-    while (source.End() == Decode_End::Not_Yet) {
-        const std::size_t had = bytes.size();
-        if (had > most) {
-            throw Refusal{"is larger than the limit of " + Size_Text(most)};
-        }
-        bytes.resize(had + std::max(step, std::min(had, std::size_t{64} * step)));
-        bytes.resize(had + source.Read(std::span(bytes).subspan(had)));
-    }
-    switch (source.End()) {
-        case Decode_End::Complete:
-            return bytes;
-        case Decode_End::Read_Error:
-            throw Refusal{"cannot be read to its end"};
-        case Decode_End::Cut_Off:
-            throw Refusal{"is cut short inside its compressed data"};
-        case Decode_End::No_Memory:
-            throw std::bad_alloc();
-        default:
-            throw Refusal{"has damaged compressed data"};
-    }
-}
-
-/** Rooms of the threads that read files side by side: as many as there are threads at most. */
-class Reading_Rooms {
-  public:
-    std::unique_ptr<Reading_Room> Take() {
-        const std::lock_guard lock(mutex);
-        if (idle.empty()) {
-            return std::make_unique<Reading_Room>();
-        }
-        std::unique_ptr<Reading_Room> taken = std::move(idle.back());
-        idle.pop_back();
-        return taken;
-    }
-    void Give_Back(std::unique_ptr<Reading_Room> room) {
-        const std::lock_guard lock(mutex);
-        idle.push_back(std::move(room));
-    }
-
-  private:
-    std::mutex mutex;
-    std::vector<std::unique_ptr<Reading_Room>> idle;
-};
-
 /** Opens files, small ones side by side. */
 class Folder_Reader {
   public:
     Folder_Reader(Image_Folder& filled, const Load_Progress& load_progress, const Load_Limits& load_limits)
         : folder(filled), progress(load_progress), limits(load_limits), room(load_limits.decoded_bytes) {}
 
-    void Read(std::span<const Wanted> files) {
+    void Read(std::span<const Wanted_File> files) {
         file_nb = files.size();
         const std::span taken = files.first(std::min(files.size(), FOLDER_FILES_MOST));
         for (std::size_t at = 0; at < taken.size() && Go_On(0.0);) {
@@ -212,7 +74,7 @@ class Folder_Reader {
 
     /** How a file is to be read. */
     enum class Kind { Nifti, Any, None };
-    static Kind Kind_Of(const Wanted& file, const std::string& name) {
+    static Kind Kind_Of(const Wanted_File& file, const std::string& name) {
         if (Is_Volume_Name(name) && !Is_Dicom_Content(file.path)) {
             return Kind::Nifti;
         }
@@ -224,14 +86,14 @@ class Folder_Reader {
     void Guarded(const std::filesystem::path& path, Reading reading) {
         try {
             reading();
-        } catch (const Refusal& refusal) {
+        } catch (const File_Refusal& refusal) {
             folder.problems.push_back({path, Bare_Reason(refusal.text, File_Name_Text(path)), false});
         } catch (const std::bad_alloc&) {
             folder.problems.push_back({path, "needs more memory than there is", false});
         }
     }
 
-    void Read_One(const Wanted& file) {
+    void Read_One(const Wanted_File& file) {
         Guarded(file.path, [&] {
             const std::string name = File_Name_Text(file.path);
             const Kind kind = Kind_Of(file, name);
@@ -245,7 +107,7 @@ class Folder_Reader {
 
     /** Files at the beginning of a list that are read side by side: they are small, so that what is read of all of them
      *  takes little room until it is taken over, and are no volumes by their names. */
-    static std::size_t Small_Nb(std::span<const Wanted> files) {
+    static std::size_t Small_Nb(std::span<const Wanted_File> files) {
         constexpr std::size_t together_most = 64;
         constexpr std::uintmax_t size_most = std::uintmax_t{4} << 20U;
         std::size_t count = 0;
@@ -272,7 +134,7 @@ class Folder_Reader {
 
     /** Reads small files side by side, and takes them over in their order: the outcome is that of one after the other.
      */
-    void Read_Together(std::span<const Wanted> files) {
+    void Read_Together(std::span<const Wanted_File> files) {
         std::vector<Early> early(files.size());
         std::atomic<bool> is_given_up = false;
         std::atomic<std::uint64_t> decoded = 0;
@@ -301,7 +163,7 @@ class Folder_Reader {
     }
 
     /** @param decoded bytes of levels that have been made and not taken over yet */
-    Early Read_Early(const Wanted& file, Reading_Room& own, std::atomic<std::uint64_t>& decoded,
+    Early Read_Early(const Wanted_File& file, Reading_Room& own, std::atomic<std::uint64_t>& decoded,
                      const std::atomic<bool>& is_given_up) const {
         Early early;
         early.kind = Kind_Of(file, File_Name_Text(file.path));
@@ -324,7 +186,7 @@ class Folder_Reader {
         return early;
     }
 
-    void Take_Early(const Wanted& file, Early&& early) {
+    void Take_Early(const Wanted_File& file, Early&& early) {
         if (early.failure != nullptr) {
             std::rethrow_exception(early.failure);
         }
@@ -354,7 +216,7 @@ class Folder_Reader {
     void Room_Take(const Volume& volume) {
         const std::uint64_t size = volume.levels.size() * sizeof(std::int32_t);
         if (size > room) {
-            throw Refusal{"does not fit beside the other images: all together may take " +
+            throw File_Refusal{"does not fit beside the other images: all together may take " +
                           Size_Text(limits.decoded_bytes)};
         }
         room -= size;
@@ -367,7 +229,7 @@ class Folder_Reader {
         return static_cast<std::int32_t>(folder.files.size()) - 1;
     }
 
-    void Read_Any(const Wanted& file, const std::string& name, std::vector<std::uint8_t>&& bytes) {
+    void Read_Any(const Wanted_File& file, const std::string& name, std::vector<std::uint8_t>&& bytes) {
         const bool is_dicom = Dicom_Is_Likely(bytes);
         const bool may_be_nifti = Is_Nifti_Content(bytes) || (file.is_named && !bytes.empty() && !Is_Dicom_Name(name));
         if (is_dicom || !may_be_nifti) {
@@ -376,8 +238,8 @@ class Folder_Reader {
         bytes = {};
         try {
             Read_Nifti(file.path, name);
-        } catch (const Refusal& refusal) {
-            throw Refusal{Bare_Reason(refusal.text, name) == "is not a NIfTI file"
+        } catch (const File_Refusal& refusal) {
+            throw File_Refusal{Bare_Reason(refusal.text, name) == "is not a NIfTI file"
                               ? "is neither a NIfTI nor a DICOM file"
                               : refusal.text};
         }
@@ -388,7 +250,7 @@ class Folder_Reader {
             return;
         }
         if (!result.image) {
-            throw Refusal{result.error};
+            throw File_Refusal{result.error};
         }
         Room_Take(result.image->volume);
         for (const Dicom_Image& other : result.others) {
@@ -411,7 +273,7 @@ class Folder_Reader {
             return;
         }
         if (!result.volume) {
-            throw Refusal{result.error};
+            throw File_Refusal{result.error};
         }
         Room_Take(*result.volume);
         for (const std::string& warning : result.warnings) {
@@ -441,43 +303,11 @@ class Folder_Reader {
 
 }  // namespace
 
-std::vector<std::filesystem::path> Folder_Files(const std::filesystem::path& folder,
-                                                std::vector<Folder_Problem>& problems) {
-    std::vector<std::filesystem::path> files;
-    std::vector<std::filesystem::path> waiting = {folder};
-    std::error_code error;
-    if (!std::filesystem::is_directory(folder, error)) {
-        return waiting;
-    }
-    while (!waiting.empty()) {
-        const std::filesystem::path below = std::move(waiting.back());
-        waiting.pop_back();
-        std::filesystem::directory_iterator entry(below, error);
-        for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-            std::error_code unknown;
-            if (entry->is_directory(unknown)) {
-                if (!entry->is_symlink(unknown)) {
-                    waiting.push_back(entry->path());
-                }
-            } else if (Unfinished_Target(entry->path()).empty()) {
-                files.push_back(entry->path());
-            }
-        }
-        if (error) {
-            problems.push_back({below, "is a folder that cannot be read", false});
-            error.clear();
-        }
-    }
-    std::ranges::sort(files, {},
-                      [](const std::filesystem::path& path) { return std::pair(path.parent_path(), path.filename()); });
-    return files;
-}
-
 Image_Folder Image_Folder_Open(std::span<const std::filesystem::path> paths, const Load_Progress& progress,
                                const Load_Limits& limits) noexcept {
     Image_Folder result;
     try {
-        std::vector<Wanted> wanted;
+        std::vector<Wanted_File> wanted;
         for (const std::filesystem::path& path : paths) {
             std::error_code error;
             const bool is_named = !std::filesystem::is_directory(path, error);
@@ -494,37 +324,6 @@ Image_Folder Image_Folder_Open(std::span<const std::filesystem::path> paths, con
             {paths.empty() ? std::filesystem::path() : paths.front(), "needs more memory than there is", false});
     }
     return result;
-}
-
-std::string Image_Folder_Text(const Image_Folder& folder) {
-    const auto refused = std::ranges::count(folder.problems, false, &Folder_Problem::is_opened);
-    const auto count = [](std::uint64_t number, const char* what) {
-        return Count_Text(number) + ' ' + what + (number == 1 ? "" : "s");
-    };
-    std::string text = count(folder.volumes.size(), "volume") + " of " + count(folder.files.size(), "file");
-    if (refused > 0) {
-        text += "; " + count(static_cast<std::uint64_t>(refused), "file") + (refused == 1 ? " was" : " were") +
-                " not opened";
-    }
-    return text;
-}
-
-std::string Image_Folder_Problems_Text(const Image_Folder& folder, const std::filesystem::path& below) {
-    std::string text;
-    for (const Folder_Problem& problem : folder.problems) {
-        std::filesystem::path shown = problem.path.lexically_relative(below);
-        if (shown.empty() || shown == ".") {
-            shown = problem.path.filename();
-        }
-        try {
-            const std::u8string name = shown.generic_u8string();
-            text.append(name.begin(), name.end());
-        } catch (const std::system_error&) {
-            text += "A file whose name has no text";
-        }
-        text += ": " + problem.reason + (problem.is_opened ? " (opened all the same)\n" : "\n");
-    }
-    return text;
 }
 
 }  // namespace volumes

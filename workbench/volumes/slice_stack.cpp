@@ -7,8 +7,6 @@
 #include <numbers>
 #include <set>
 
-#include "workbench/volumes/message_text.h"
-
 namespace volumes {
 
 namespace {
@@ -326,52 +324,6 @@ void Direction_Stacker::Grid_Fit(Slice_Stack& stack) {
 
 }  // namespace
 
-Vector Slice_Normal(const Slice_Place& place) {
-    const auto& row = place.along_row;
-    const auto& column = place.along_column;
-    return {row[1] * column[2] - row[2] * column[1], row[2] * column[0] - row[0] * column[2],
-            row[0] * column[1] - row[1] * column[0]};
-}
-
-double Slice_Depth(const Slice_Place& place) {
-    return Dot(Slice_Normal(place), place.corner);
-}
-
-bool Directions_Assume(std::span<Slice_Place> places) {
-    Vector lowest = places.front().corner;
-    Vector highest = lowest;
-    for (const Slice_Place& place : places) {
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            lowest[axis] = std::min(lowest[axis], place.corner[axis]);
-            highest[axis] = std::max(highest[axis], place.corner[axis]);
-        }
-    }
-    const Vector span = Difference(highest, lowest);
-    const auto axis = static_cast<std::size_t>(std::ranges::max_element(span) - span.begin());
-    if (!(span[axis] > 0)) {
-        return false;
-    }
-    constexpr std::array<Vector, 3> rows = {Vector{0, 1, 0}, Vector{1, 0, 0}, Vector{1, 0, 0}};
-    constexpr std::array<Vector, 3> columns = {Vector{0, 0, -1}, Vector{0, 0, -1}, Vector{0, 1, 0}};
-    for (Slice_Place& place : places) {
-        place.along_row = rows[axis];
-        place.along_column = columns[axis];
-        place.is_known = true;
-    }
-    return true;
-}
-
-Affine Affine_Of(const Slice_Place& first, const Vector& spacing, const Vector& step) {
-    Affine affine{};
-    for (std::size_t row = 0; row < 3; ++row) {
-        // To the left and back there, to the right and front here.
-        const double sign = row < 2 ? -1.0 : 1.0;
-        affine[row] = {sign * first.along_row[row] * spacing[0], sign * first.along_column[row] * spacing[1],
-                       sign * step[row], sign * first.corner[row]};
-    }
-    return affine;
-}
-
 std::vector<Numbers> Slices_Alike(std::span<const Stack_Slice> slices) {
     std::vector<Numbers> groups;
     for (std::size_t at = 0; at < slices.size(); ++at) {
@@ -399,45 +351,6 @@ Stack_Plan Slices_Stack(std::span<const Stack_Slice> slices) {
         plan.stacks = {std::move(all)};
     }
     return plan;
-}
-
-std::string Stack_Warning_Text(const Stack_Warning& warning, bool is_frame) {
-    const std::string frame = "frame " + Count_Text(static_cast<std::uint64_t>(warning.slice) + 1);
-    const std::string off = " mm from where they lie";
-    switch (warning.kind) {
-        case Stack_Warning::Kind::Tilted:
-            return (is_frame ? "has a stack of frames tilted by " : "begins a stack of slices tilted by ") +
-                   Amount_Text(warning.amount) +
-                   " degrees: every position is right, but the slices do not lie straight above one another";
-        case Stack_Warning::Kind::Uneven:
-            return (is_frame ? "has frames at uneven distances (" + frame + "): they"
-                             : std::string("lies at an uneven distance from its neighbours: slices")) +
-                   " are shown up to " + Amount_Text(warning.amount) + off;
-        case Stack_Warning::Kind::Curved:
-            return (is_frame ? "has frames beside the line of the others (" + frame + "): they"
-                             : std::string("lies beside the line of the other slices: slices")) +
-                   " are shown up to " + Amount_Text(warning.amount) + off;
-        case Stack_Warning::Kind::Turned:
-            return (is_frame ? "has frames turned or sized a little otherwise than the first (" + frame + "): pixels"
-                             : std::string("is turned or sized a little otherwise than the other slices: pixels")) +
-                   " are shown up to " + Amount_Text(warning.amount) + off;
-        case Stack_Warning::Kind::Unequal:
-            return (is_frame ? "has frames whose places do not occur equally often (" + frame + "): they"
-                             : std::string("belongs to a series whose positions do not occur equally often: it")) +
-                   (is_frame ? " are" : " is") + " shown as " + Count_Text(static_cast<std::uint64_t>(warning.amount)) +
-                   " volumes";
-        case Stack_Warning::Kind::Time_Guessed:
-            return std::string(is_frame ? "has several frames at one place, and does not say which is earlier: they "
-                                          "are taken in the file's order"
-                                        : "lies where other slices of its series lie, and does not say which is "
-                                          "earlier: they are taken in order of number");
-        case Stack_Warning::Kind::Scattered:
-            return std::string(is_frame ? "has frames" : "belongs to a series with slices") + " in " +
-                   Count_Text(static_cast<std::uint64_t>(warning.amount)) +
-                   " directions or places beside one another: they are shown one after the other, without a place in "
-                   "the patient";
-    }
-    return {};
 }
 
 }  // namespace volumes

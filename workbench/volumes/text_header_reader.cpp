@@ -3,18 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <exception>
-#include <limits>
 #include <memory>
 #include <new>
 #include <utility>
 #include <vector>
 
-#define ZLIB_CONST
-#include <zlib.h>
-
-#include "workbench/volumes/decoded_source.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/nifti_reader.h"
+#include "workbench/volumes/packed_source.h"
 
 namespace volumes {
 
@@ -57,86 +53,6 @@ class Rest_Source : public Byte_Source {
     std::size_t position = 0;
     std::uint64_t taken_nb;
     Byte_Source& source;
-};
-
-/** What zlib has packed without the frame of gzip. */
-class Zlib_Source : public Byte_Source {
-  public:
-    Zlib_Source(Byte_Source& packed, std::uint64_t wanted) : source(packed), input(BLOCK_SIZE), left(wanted) {
-        if (::inflateInit(&stream) != Z_OK) {
-            throw std::bad_alloc();
-        }
-    }
-    ~Zlib_Source() override { ::inflateEnd(&stream); }
-    Zlib_Source(const Zlib_Source&) = delete;
-    Zlib_Source& operator=(const Zlib_Source&) = delete;
-
-    std::size_t Read(std::span<std::uint8_t> buffer) override {
-        const std::size_t got = Inflated(buffer);
-        left -= std::min<std::uint64_t>(left, got);
-        if (left == 0 && status == Z_OK) {
-            std::vector<std::uint8_t> behind(BLOCK_SIZE);
-            Inflated(behind);  // over the checksum
-            is_cut = status == Z_OK && stream.avail_in == 0;
-        }
-        return Failed() ? 0 : got;
-    }
-    bool Failed() const override { return source.Failed() || is_cut || (status != Z_OK && status != Z_STREAM_END); }
-    std::string Name() const override { return source.Name(); }
-
-  private:
-    std::size_t Inflated(std::span<std::uint8_t> buffer) {
-        std::size_t got = 0;
-        while (got < buffer.size() && status == Z_OK) {
-            if (stream.avail_in == 0) {
-                stream.next_in = input.data();
-                stream.avail_in = static_cast<uInt>(source.Read(input));
-                if (stream.avail_in == 0) {
-                    break;  // cut off
-                }
-            }
-            const std::size_t room = std::min<std::size_t>(buffer.size() - got, std::numeric_limits<int>::max());
-            stream.next_out = buffer.data() + got;
-            stream.avail_out = static_cast<uInt>(room);
-            status = ::inflate(&stream, Z_NO_FLUSH);
-            got += room - stream.avail_out;
-        }
-        return got;
-    }
-
-    Byte_Source& source;
-    std::vector<std::uint8_t> input;
-    z_stream stream{};
-    int status = Z_OK;
-    std::uint64_t left;
-    bool is_cut = false;  ///< before its checksum
-};
-
-/** What gzip has packed: damage and wrong checksums are failures. */
-class Gzip_Source : public Byte_Source {
-  public:
-    Gzip_Source(Byte_Source& packed, std::uint64_t wanted) : decoded(packed), name(packed.Name()), left(wanted) {}
-
-    std::size_t Read(std::span<std::uint8_t> buffer) override {
-        const std::size_t got = decoded.Read(buffer);
-        left -= std::min<std::uint64_t>(left, got);
-        if (left == 0 && decoded.End() == Decode_End::Not_Yet) {
-            decoded.Skip(BLOCK_SIZE);  // over the checksum
-        }
-        return Failed() ? 0 : got;
-    }
-    bool Failed() const override {
-        const Decode_End end = decoded.End();
-        const bool is_whole = end == Decode_End::Not_Yet || end == Decode_End::Complete;
-        // Missing voxels are told as such by who counts them.
-        return !decoded.Compressed() || !(is_whole || (end == Decode_End::Cut_Off && left > 0));
-    }
-    std::string Name() const override { return name; }
-
-  private:
-    Decoded_Source decoded;
-    std::string name;
-    std::uint64_t left;
 };
 
 void Bytes_Skip(Byte_Source& source, std::uint64_t count) {
@@ -285,9 +201,9 @@ Load_Result Voxels_Load(Text_Header_Kind kind, const Text_Header& header, Byte_S
     }
     std::unique_ptr<Byte_Source> unpacked;
     if (header.coding == Voxel_Coding::Gzip) {
-        unpacked = std::make_unique<Gzip_Source>(data, *needed);
+        unpacked = Gzip_Unpacked(data, *needed);
     } else if (header.coding == Voxel_Coding::Zlib) {
-        unpacked = std::make_unique<Zlib_Source>(data, *needed);
+        unpacked = Zlib_Unpacked(data, *needed);
     }
     Presented_Source presented(header, unpacked ? *unpacked : data);
     presented.voxels_size = unpacked ? std::nullopt : left;
