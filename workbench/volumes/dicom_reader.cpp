@@ -32,24 +32,35 @@ namespace volumes {
 
 namespace {
 
-constexpr std::uint64_t LEVEL_SIZE = sizeof(std::int32_t);
-
 /** The progress callback gave up. */
 struct Given_Up {};
+
+/** There is no room beside what others read. */
+struct No_Room {
+    std::string text;
+};
+
+constexpr std::int32_t NARROW_BITS = 16;  // whose values are levels of 16 bits
 
 /** One file while it is read. */
 class File_Reader {
   public:
     File_Reader(std::span<const std::uint8_t> file_bytes, const Load_Limits& file_limits,
                 const Load_Progress& file_progress, std::vector<std::uint8_t>& spare_room)
-        : bytes(file_bytes), limits(file_limits), progress(file_progress), spare(spare_room) {}
+        : bytes(file_bytes),
+          limits(file_limits),
+          progress(file_progress),
+          spare(spare_room),
+          claim(file_limits.share) {}
 
     Dicom_Result Read();
 
   private:
     void Object_Check();
     void Frames_Open();
-    void Memory_Check() const;
+    /** Whether there may be so much memory for levels. @param level_size bytes of each */
+    void Memory_Check(std::uint64_t level_size);
+    void Memory_Check();
     Frame_Size Frame_Size_Of() const;
     /** Gets the bytes of frames, on several threads where that is possible, and gives each frame to `take` with its
      * number in the list. */
@@ -66,7 +77,8 @@ class File_Reader {
     const Load_Limits& limits;
     const Load_Progress& progress;
     std::vector<std::uint8_t>& spare;  // room for a frame's bytes
-    Data_Set_Source source;            // outlives the data set
+    Memory_Claim claim;
+    Data_Set_Source source;  // outlives the data set
     DcmFileFormat file;
     E_TransferSyntax syntax = EXS_Unknown;
     std::optional<Stored_Frames> stored;
@@ -102,14 +114,22 @@ void File_Reader::Object_Check() {
     }
 }
 
-void File_Reader::Memory_Check() const {
+void File_Reader::Memory_Check(std::uint64_t level_size) {
     const std::uint64_t pixels =
         static_cast<std::uint64_t>(meaning.format.width) * static_cast<std::uint64_t>(meaning.format.height);
     const auto frames = static_cast<std::uint64_t>(frame_nb);
-    if (pixels * LEVEL_SIZE > limits.decoded_bytes / frames) {
+    if (pixels * level_size > limits.decoded_bytes / frames) {
         throw Dicom_Refusal{"needs more memory than the limit of " + Size_Text(limits.decoded_bytes) + " (" +
                             Count_Text(frames) + " frames of " + Count_Text(pixels) + " pixels)"};
     }
+    if (!claim.Grow_To(pixels * level_size * frames)) {
+        throw No_Room{limits.share->Refusal_Text()};
+    }
+}
+
+void File_Reader::Memory_Check() {
+    const bool may_be_narrow = !meaning.format.Is_Color() && meaning.format.bits_stored <= NARROW_BITS;
+    Memory_Check(may_be_narrow ? sizeof(std::uint16_t) : sizeof(std::int32_t));
 }
 
 void File_Reader::Frames_Open() {
@@ -229,6 +249,9 @@ void File_Reader::Levels_Decode(const Frame_Stack& stack, Volume& volume) {
         return volume.color || (map_of(frame).Is_Same() && !scale.Has_Outside());
     };
     const auto range = std::ranges::all_of(stack.order, is_level) ? meaning.Value_Range() : std::nullopt;
+    if (!range) {
+        Memory_Check(sizeof(std::int32_t));
+    }
     Voxel_Levels known;
     std::vector<std::int32_t> unknown;  // of a range that shows when all are there
     if (range) {
@@ -382,6 +405,9 @@ Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits& l
     } catch (const Given_Up&) {
         failed.is_cancelled = true;
         failed.error = "was given up";
+    } catch (const No_Room& refusal) {
+        failed.has_no_room = true;
+        failed.error = refusal.text;
     } catch (const std::bad_alloc&) {
         failed.error = "needs more memory than there is";
     } catch (...) {

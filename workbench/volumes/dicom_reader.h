@@ -39,6 +39,7 @@ struct Dicom_Result {
     std::string error;                  ///< what the file is or has, "is no DICOM file"; empty on success
     std::vector<std::string> warnings;  ///< said in the same way
     bool is_cancelled = false;          ///< the progress callback gave up; `error` says so too
+    bool has_no_room = false;           ///< the limits' share had not enough left; `error` says so too
 };
 
 /** Bytes at the beginning of a file that are enough for Dicom_Is_Likely. */

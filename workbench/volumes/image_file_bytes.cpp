@@ -4,14 +4,19 @@
 #include <cstddef>
 #include <new>
 #include <span>
+#include <utility>
 
 #include "workbench/volumes/decoded_source.h"
 #include "workbench/volumes/message_text.h"
 
 namespace volumes {
 
-std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uint64_t most,
-                                     std::vector<std::uint8_t> bytes) {
+namespace {
+
+enum class Packed { Unpack, Leave };
+
+std::optional<std::vector<std::uint8_t>> Read(const std::filesystem::path& path, std::uint64_t most,
+                                              std::vector<std::uint8_t> bytes, Packed packed) {
     File_Source plain(path);
     if (!plain.Error().empty()) {
         throw File_Refusal{plain.Error()};
@@ -21,6 +26,9 @@ std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uin
     static_assert(head_size >= DICOM_HEAD_SIZE);
     bytes.resize(head_size);
     bytes.resize(source.Read(bytes));
+    if (packed == Packed::Leave && source.Compressed()) {
+        return std::nullopt;
+    }
     if (!bytes.empty() && !Dicom_Is_Likely(bytes)) {
         return bytes;
     }
@@ -50,6 +58,18 @@ std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uin
         default:
             throw File_Refusal{"has damaged compressed data"};
     }
+}
+
+}  // namespace
+
+std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uint64_t most,
+                                     std::vector<std::uint8_t> bytes) {
+    return Read(path, most, std::move(bytes), Packed::Unpack).value();
+}
+
+std::optional<std::vector<std::uint8_t>> Plain_Bytes_Read(const std::filesystem::path& path, std::uint64_t most,
+                                                          std::vector<std::uint8_t> bytes) {
+    return Read(path, most, std::move(bytes), Packed::Leave);
 }
 
 }  // namespace volumes

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,12 +18,16 @@ struct File_Refusal {
     std::string text;
 };
 
-/** All bytes of a file, unpacked if it is gzip-compressed. Only the first ones when it is no DICOM file. Throws File_Refusal
- *  and std::bad_alloc.
+/** All bytes of a file, unpacked if it is gzip-compressed. Only the first ones when it is no DICOM file. Throws
+ *  File_Refusal and std::bad_alloc.
  *  @param most bytes that are read
  *  @param bytes room for them, whatever it holds */
 std::vector<std::uint8_t> Bytes_Read(const std::filesystem::path& path, std::uint64_t most,
                                      std::vector<std::uint8_t> bytes = {});
+
+/** The same, but nothing of what is packed: that may become much. */
+std::optional<std::vector<std::uint8_t>> Plain_Bytes_Read(const std::filesystem::path& path, std::uint64_t most,
+                                                          std::vector<std::uint8_t> bytes);
 
 /** Rooms of the threads that read files side by side: as many as there are threads at most. */
 class Reading_Rooms {

@@ -35,7 +35,9 @@ std::string Bare_Reason(std::string text, const std::string& name) {
 class Folder_Reader {
   public:
     Folder_Reader(Image_Folder& filled, const Load_Progress& load_progress, const Load_Limits& load_limits)
-        : folder(filled), progress(load_progress), limits(load_limits), room(load_limits.decoded_bytes) {}
+        : folder(filled), progress(load_progress), limits(load_limits), room(load_limits.decoded_bytes) {
+        limits.share = &room;
+    }
 
     void Read(std::span<const Wanted_File> files) {
         file_nb = files.size();
@@ -127,8 +129,10 @@ class Folder_Reader {
     /** What a thread has made of a file. */
     struct Early {
         Kind kind = Kind::None;
+        bool is_left = false;  // to be read by itself, when those before it have taken what they need
         std::vector<std::uint8_t> bytes;
         std::optional<Dicom_Result> result;  // no value: `bytes` is not looked into yet
+        std::uint64_t held = 0;              // bytes of the share that the result takes
         std::exception_ptr failure;
     };
 
@@ -137,12 +141,11 @@ class Folder_Reader {
     void Read_Together(std::span<const Wanted_File> files) {
         std::vector<Early> early(files.size());
         std::atomic<bool> is_given_up = false;
-        std::atomic<std::uint64_t> decoded = 0;
         Reading_Rooms rooms;
         const auto read = [&](std::size_t at) {
             try {
                 std::unique_ptr<Reading_Room> own = rooms.Take();
-                early[at] = Read_Early(files[at], *own, decoded, is_given_up);
+                early[at] = Read_Early(files[at], *own, is_given_up);
                 rooms.Give_Back(std::move(own));
             } catch (...) {
                 early[at].failure = std::current_exception();
@@ -157,33 +160,51 @@ class Folder_Reader {
         const bool is_done = Work_Share(files.size(), Work_Thread_Nb(files.size()), read, go_on);
         for (std::size_t at = 0; is_done && at < files.size() && !folder.is_cancelled; ++at) {
             done_nb = begun_at + at;
-            Guarded(files[at].path, [&] { Take_Early(files[at], std::move(early[at])); });
+            if (early[at].is_left) {
+                std::ranges::for_each(std::span(early).subspan(at + 1), [this](Early& later) { Leave(later); });
+                Read_One(files[at]);
+            } else {
+                Guarded(files[at].path, [&] { Take_Early(files[at], std::move(early[at])); });
+            }
         }
         done_nb = begun_at + files.size();
     }
 
-    /** @param decoded bytes of levels that have been made and not taken over yet */
-    Early Read_Early(const Wanted_File& file, Reading_Room& own, std::atomic<std::uint64_t>& decoded,
-                     const std::atomic<bool>& is_given_up) const {
+    Early Read_Early(const Wanted_File& file, Reading_Room& own, const std::atomic<bool>& is_given_up) {
         Early early;
         early.kind = Kind_Of(file, File_Name_Text(file.path));
         if (early.kind != Kind::Any) {
             return early;
         }
-        early.bytes = Bytes_Read(file.path, limits.decoded_bytes, std::move(own.file));
-        if (Dicom_Is_Likely(early.bytes) && decoded <= room) {
-            early.result = Dicom_Read(
-                early.bytes, limits, [&](double) { return !is_given_up; }, &own);
-            own.file = std::exchange(early.bytes, {});
-            const auto note = [&](const Dicom_Image& image) {
-                decoded += image.volume.levels.size() * sizeof(std::int32_t);
-            };
-            if (early.result->image) {
-                note(*early.result->image);
-            }
-            std::ranges::for_each(early.result->others, note);
+        auto bytes = Plain_Bytes_Read(file.path, limits.decoded_bytes, std::move(own.file));
+        if (!bytes) {
+            early.is_left = true;
+            return early;
+        }
+        early.bytes = std::move(*bytes);
+        if (!Dicom_Is_Likely(early.bytes)) {
+            return early;
+        }
+        early.result = Dicom_Read(
+            early.bytes, limits, [&](double) { return !is_given_up; }, &own);
+        own.file = std::exchange(early.bytes, {});
+        const std::uint64_t taken = Bytes_Of(*early.result);
+        if (early.result->has_no_room || !room.Take(taken)) {
+            early.result.reset();
+            early.is_left = true;
+        } else {
+            early.held = taken;
         }
         return early;
+    }
+
+    /** Drops what a thread has made: a file before it needs the room, or has to be asked first. */
+    void Leave(Early& early) {
+        if (early.result) {
+            room.Give_Back(early.held);
+            early = {};
+            early.is_left = true;
+        }
     }
 
     void Take_Early(const Wanted_File& file, Early&& early) {
@@ -191,6 +212,7 @@ class Folder_Reader {
             std::rethrow_exception(early.failure);
         }
         if (early.result) {
+            room.Give_Back(early.held);
             Take_Dicom(file.path, std::move(*early.result));
         } else if (early.kind == Kind::Any) {
             Read_Any(file, File_Name_Text(file.path), std::move(early.bytes));
@@ -213,13 +235,18 @@ class Folder_Reader {
         folder.volumes.erase(end, folder.volumes.end());
     }
 
-    void Room_Take(const Volume& volume) {
-        const std::uint64_t size = volume.levels.size() * sizeof(std::int32_t);
-        if (size > room) {
-            throw File_Refusal{"does not fit beside the other images: all together may take " +
-                          Size_Text(limits.decoded_bytes)};
+    static std::uint64_t Bytes_Of(const Dicom_Result& result) {
+        std::uint64_t bytes = result.image ? result.image->volume.levels.Bytes() : 0;
+        for (const Dicom_Image& other : result.others) {
+            bytes += other.volume.levels.Bytes();
         }
-        room -= size;
+        return bytes;
+    }
+
+    void Room_Take(std::uint64_t bytes) {
+        if (!room.Take(bytes)) {
+            throw File_Refusal{room.Refusal_Text()};
+        }
     }
 
     std::int32_t File_Add(const std::filesystem::path& path, const File_Origin& origin) {
@@ -240,8 +267,8 @@ class Folder_Reader {
             Read_Nifti(file.path, name);
         } catch (const File_Refusal& refusal) {
             throw File_Refusal{Bare_Reason(refusal.text, name) == "is not a NIfTI file"
-                              ? "is neither a NIfTI nor a DICOM file"
-                              : refusal.text};
+                                   ? "is neither a NIfTI nor a DICOM file"
+                                   : refusal.text};
         }
     }
 
@@ -252,10 +279,7 @@ class Folder_Reader {
         if (!result.image) {
             throw File_Refusal{result.error};
         }
-        Room_Take(result.image->volume);
-        for (const Dicom_Image& other : result.others) {
-            Room_Take(other.volume);
-        }
+        Room_Take(Bytes_Of(result));
         for (const std::string& warning : result.warnings) {
             folder.problems.push_back({path, warning, true});
         }
@@ -275,7 +299,7 @@ class Folder_Reader {
         if (!result.volume) {
             throw File_Refusal{result.error};
         }
-        Room_Take(*result.volume);
+        Room_Take(result.volume->levels.Bytes());
         for (const std::string& warning : result.warnings) {
             folder.problems.push_back({path, Bare_Reason(warning, name), true});
         }
@@ -293,10 +317,10 @@ class Folder_Reader {
 
     Image_Folder& folder;
     const Load_Progress& progress;
-    const Load_Limits& limits;
+    Load_Limits limits;
     std::size_t file_nb = 0;
     std::size_t done_nb = 0;
-    std::uint64_t room;  // bytes of levels that still may be taken
+    Memory_Share room;  // of all levels
     std::vector<Series_Part> parts;
     std::vector<Folder_Volume> niftis;
 };

@@ -58,7 +58,12 @@ class Loader {
   public:
     Loader(Byte_Source& source, const Load_Progress& load_progress, const Load_Limits& load_limits,
            Load_Result& load_result)
-        : file(source.Name()), decoded(source), progress(load_progress), limits(load_limits), result(load_result) {}
+        : file(source.Name()),
+          decoded(source),
+          progress(load_progress),
+          limits(load_limits),
+          result(load_result),
+          claim(load_limits.share) {}
 
     void Header_Load();
     const Nifti_Header& Header() const { return header; }
@@ -83,6 +88,7 @@ class Loader {
     const Load_Progress& progress;
     const Load_Limits& limits;
     Load_Result& result;
+    Memory_Claim claim;
     Nifti_Header header;
 };
 
@@ -125,11 +131,16 @@ void Loader::Header_Load() {
     header = decoding.header;
     const std::uint64_t most = limits.decoded_bytes;
     const std::uint64_t voxel_size = Voxel_Type_Size(header.type);
-    const std::uint64_t memory_size = std::max<std::uint64_t>(voxel_size, sizeof(std::int32_t));
+    const bool is_narrow = voxel_size <= sizeof(std::uint16_t);
+    const std::uint64_t memory_size =
+        std::max<std::uint64_t>(voxel_size, is_narrow ? sizeof(std::uint16_t) : sizeof(std::int32_t));
     if (header.voxel_nb > most / memory_size) {
         Fail(file, "is too large: its " + Count_Text(header.voxel_nb) + " voxels would need " +
                        Count_Text(memory_size) + " bytes of memory each, and " + Size_Text(most) +
                        " in all are allowed");
+    }
+    if (!claim.Grow_To(header.voxel_nb * memory_size)) {
+        Fail(file, limits.share->Refusal_Text());
     }
     if (header.voxel_offset > most) {
         Fail(file, "is too large: its voxels would begin behind " + Size_Text(header.voxel_offset) +

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "workbench/volumes/memory_share.h"
 #include "workbench/volumes/volume.h"
 
 namespace volumes {
@@ -16,9 +17,12 @@ using Load_Progress = std::function<bool(double)>;
 
 /** What a file may ask for. */
 struct Load_Limits {
-    /** Most bytes of the decoded voxels, of the levels made of them (4 bytes per voxel), and of anything else in the
-     * file, each for itself. */
+    /** Most bytes of the decoded voxels, of the levels made of them, and of anything else in the file, each for
+     *  itself. A level takes 2 bytes where all that the file may hold fit, else 4. */
     std::uint64_t decoded_bytes = std::uint64_t{2} << 30U;
+    /** What the levels take while the file is read comes from here, too, and goes back at the end; null: of no share.
+     *  Not owned. */
+    Memory_Share* share = nullptr;
 };
 
 struct Load_Result {

@@ -215,7 +215,7 @@ TEST(Dicom_Codec, progress_rises_to_its_end_and_may_give_up) {
 
 TEST(Dicom_Codec, room_is_asked_for_before_anything_is_decoded) {
     const Coded_Sample& sample = Coded_Sample_Of("JPEG-LS 16");
-    const Dicom_Result result = Dicom_Read(Coded_File(sample, {sample.stream}).File(), Load_Limits{100});
+    const Dicom_Result result = Dicom_Read(Coded_File(sample, {sample.stream}).File(), Load_Limits{50});
     EXPECT_THAT(result.error, HasSubstr("needs more memory than the limit"));
 }
 

@@ -267,10 +267,42 @@ TEST_F(Dicom_Folder, leaves_out_volumes_that_do_not_fit_beside_the_others) {
     const std::vector<std::uint8_t> pixels(1600, 7);
     Write("1.dcm", Dicom_Bytes().Pixels_8(pixels, 40, 40).Text(TAG_SERIES, "UI", "1").File());
     Write("2.dcm", Dicom_Bytes().Pixels_8(pixels, 40, 40).Text(TAG_SERIES, "UI", "2").File());
-    const Image_Folder one = Open(Load_Limits{7000});
+    const Image_Folder one = Open(Load_Limits{6000});  // levels of two bytes
     EXPECT_THAT(one.volumes, SizeIs(1));
     EXPECT_THAT(Problems(one), ElementsAre(HasSubstr("2.dcm: does not fit beside the other images")));
-    EXPECT_THAT(Open(Load_Limits{13000}).volumes, SizeIs(2));
+    EXPECT_THAT(Open(Load_Limits{6400}).volumes, SizeIs(2));
+}
+
+TEST_F(Dicom_Folder, files_read_side_by_side_share_one_limit_as_if_they_were_read_one_after_the_other) {
+    constexpr int file_nb = 40;
+    for (int at = 0; at < file_nb; ++at) {
+        const std::int32_t side = at % 2 == 0 ? 40 : 20;  // what does not fit in place of a large one may be small
+        const std::vector<std::uint8_t> pixels(static_cast<std::size_t>(side * side), 7);
+        const std::string number = std::to_string(100 + at);
+        Write(number + ".dcm", Dicom_Bytes().Pixels_8(pixels, side, side).Text(TAG_SERIES, "UI", number).File());
+    }
+    const Load_Limits limits{18500};
+    for (int round = 0; round < 10; ++round) {
+        const Image_Folder opened = Open(limits);
+        std::vector<std::string> names;
+        for (const std::filesystem::path& file : opened.files) {
+            names.push_back(file.filename().string());
+        }
+        // Four of 3,200 bytes and of 800 each; then only small ones find room.
+        EXPECT_THAT(names, ElementsAre("100.dcm", "101.dcm", "102.dcm", "103.dcm", "104.dcm", "105.dcm", "106.dcm",
+                                       "107.dcm", "109.dcm", "111.dcm", "113.dcm"));
+        EXPECT_THAT(opened.problems, SizeIs(file_nb - 11));
+    }
+}
+
+TEST_F(Dicom_Folder, what_is_packed_inside_a_small_file_counts_as_well) {
+    const std::vector<std::uint8_t> pixels(1600, 7);
+    Write("1.dcm", Gzip(Dicom_Bytes().Pixels_8(pixels, 40, 40).Text(TAG_SERIES, "UI", "1").File()));
+    Write("2.dcm", Dicom_Bytes().Pixels_8(pixels, 40, 40).Text(TAG_SERIES, "UI", "2").File());
+    Write("3.dcm", Dicom_Bytes().Pixels_8(pixels, 40, 40).Text(TAG_SERIES, "UI", "3").File());
+    const Image_Folder opened = Open(Load_Limits{6400});
+    EXPECT_THAT(opened.files, ElementsAre(folder / "1.dcm", folder / "2.dcm"));
+    EXPECT_THAT(Problems(opened), ElementsAre(HasSubstr("3.dcm: does not fit beside the other images")));
 }
 
 TEST_F(Dicom_Folder, leaves_out_volumes_with_more_slices_than_can_be_listed) {

@@ -148,25 +148,40 @@ TEST(Nifti_Reader_Damage, compares_the_plain_files_size_with_its_claims_before_r
 
 TEST(Nifti_Reader_Damage, refuses_what_is_beyond_the_limit) {
     Nifti_Bytes bytes = Small_File();
-    const Load_Limits limits{48};  // twelve levels of four bytes
+    const Load_Limits limits{24};  // twelve levels of two bytes
     EXPECT_THAT(Load(bytes.File(), limits).error, HasSubstr("too large")) << "position of the voxels";
     bytes.pair = true;
     const Bytes header = bytes.Header();
-    for (const std::uint64_t most : {47, 48}) {
+    for (const std::uint64_t most : {23, 24}) {
         Memory_Source source(header, "test.hdr");
         Memory_Source image(bytes.voxels, "test.img");
         const Load_Result result = Volume_Load(source, &image, {}, Load_Limits{most});
-        EXPECT_EQ(result.volume.has_value(), most == 48) << result.error;
+        EXPECT_EQ(result.volume.has_value(), most == 24) << result.error;
     }
     bytes.pair = false;
-    bytes.dim = {3, 32767, 32767, 1, 1, 1, 1, 1};
+    bytes.dim = {3, 32767, 32767, 2, 1, 1, 1, 1};
     EXPECT_EQ(Load(bytes.File()).error,
-              "test.nii is too large: its 1,073,676,289 voxels would need 4 bytes of memory each, and 2.0 GiB in all "
+              "test.nii is too large: its 2,147,352,578 voxels would need 2 bytes of memory each, and 2.0 GiB in all "
               "are allowed.");
     bytes.version = 2;
     bytes.dim = {1, 2, 1, 1, 1, 1, 1, 1};
     bytes.vox_offset = 9e18;
     EXPECT_THAT(Load(bytes.File()).error, HasSubstr("too large: its voxels would begin behind"));
+}
+
+TEST(Nifti_Reader_Damage, takes_from_a_share_what_its_levels_take_and_gives_it_back) {
+    const Bytes file = Small_File().File();
+    for (const std::uint64_t most : {23, 24}) {
+        Memory_Share share(most);
+        Load_Limits limits;
+        limits.share = &share;
+        const Load_Result result = Load(file, limits);
+        EXPECT_EQ(result.volume.has_value(), most == 24);
+        EXPECT_EQ(share.Left(), most);
+        if (!result.volume) {
+            EXPECT_THAT(result.error, HasSubstr("does not fit beside the other images"));
+        }
+    }
 }
 
 TEST(Nifti_Reader_Damage, gives_up_on_endless_data_behind_the_voxels) {
