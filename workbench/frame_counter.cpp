@@ -1,7 +1,6 @@
 #include "workbench/frame_counter.h"
 
 #include <exception>
-#include <system_error>
 #include <utility>
 
 namespace workbench {
@@ -12,7 +11,7 @@ void Frame_Counter::Begin(std::vector<Slices_To_Count>&& wanted) {
     is_begun = true;
     try {
         worker = std::thread([this] { Count(); });
-    } catch (const std::system_error&) {
+    } catch (const std::exception&) {  // no thread, or no room for one
         Count();
     }
 }

@@ -25,7 +25,7 @@ void Histogram_Counting::Begin(const std::string& text) {
     try {
         counter.Begin(of.objects.Slices_Uncounted(of.work.volumes, of.work.session));
     } catch (const std::bad_alloc&) {
-        return of.dialogs.Warn(NO_MEMORY);
+        return Fail();
     }
     of.look_after(LOOK_EVERY);
 }
@@ -33,6 +33,15 @@ void Histogram_Counting::Begin(const std::string& text) {
 void Histogram_Counting::Cancel() {
     of.look_after(0);
     counter.Cancel();
+}
+
+void Histogram_Counting::Fail() {
+    of.objects.Counts_Fail();
+    of.work.hub.Note(Change::Counted);
+    of.dialogs.Warn(NO_MEMORY);
+    if (Is_Line_Own()) {
+        of.dialogs.Tell(opened_text);
+    }
 }
 
 void Histogram_Counting::Look() {
@@ -49,7 +58,7 @@ void Histogram_Counting::Look() {
         return;
     }
     if (counted->empty()) {
-        return of.dialogs.Warn(NO_MEMORY);
+        return Fail();
     }
     of.objects.Counts_Take(std::move(*counted));
     of.report.Time("counted");

@@ -39,6 +39,8 @@ class Histogram_Counting {
     bool Is_Busy() const { return counter.Is_Busy(); }
 
   private:
+    /** Tells that there is not enough memory; nothing is coming any more. */
+    void Fail();
     /** Whether the status line says still what was said here last. */
     bool Is_Line_Own() const { return of.message() == said; }
 

@@ -87,7 +87,9 @@ void Histogram_Desk::Derive(Told_Changes& told) {
     }
     const bool is_other_tag = control.Is_Of_Tag() && told.changes.Has_Any({Change::Pixels, Change::Current_Tag});
     if (has_volume && (is_other_tag || told.changes.Has(Change::Counting))) {
-        of.objects.Histograms_Build(of.work.session, Counted());
+        if (!of.objects.Histograms_Build(of.work.session, Counted())) {
+            of.dialogs.Warn("There is not enough memory for the histogram.");
+        }
         Add_To(told, Change::Counted);
     }
 }
@@ -98,7 +100,9 @@ std::string Histogram_Desk::Note() const {
         counted = "checked frames" + counted.substr(std::min(counted.find(", TAG"), counted.size()));
     }
     const std::string unit = of.work.panel_scale.Text();
-    counted += of.objects.Is_Counted() ? "" : ", being counted";
+    const Counting_State counting = of.objects.Counting();
+    counted += counting == Counting_State::Coming ? ", being counted" : "";
+    counted += counting == Counting_State::Failed ? ", not counted for want of memory" : "";
     return of.work.session.Has_Volume() ? counted + (unit.empty() ? "" : "   levels " + unit) : "";
 }
 
@@ -284,8 +288,14 @@ void Histogram_Desk::Background_Ask() {
 
 std::string Histogram_Desk::Numbers_Text() const {
     if (of.panels.Histogram().data == nullptr || !of.panels.Histogram().data->Has_Counts()) {
-        const bool is_coming = of.work.session.Has_Volume() && !of.objects.Is_Counted();
-        return is_coming ? "The histogram is still being counted" : "The histogram is empty";
+        switch (of.objects.Counting()) {
+            case Counting_State::Coming:
+                return "The histogram is still being counted";
+            case Counting_State::Failed:
+                return "The histogram was not counted for want of memory";
+            case Counting_State::Done:
+                return "The histogram is empty";
+        }
     }
     const Histo_Record& record = *of.panels.Histogram().data->record;
     const double width = of.labels.Grey_Of(record.bin_width);

@@ -1,6 +1,8 @@
 #include "workbench/slice_frames.h"
 
+#include <cmath>
 #include <mutex>
+#include <new>
 #include <type_traits>
 #include <utility>
 
@@ -14,6 +16,12 @@ namespace {
 constexpr int GRID_BINS_FIRST = 4097;  // 4096 levels, and the one that a panel counts beyond them
 constexpr int GRID_BINS_MOST = 65535;  // that a panel can be asked for
 constexpr std::int32_t ANY_LEVEL = 0;
+
+/** Whether there is anything to count, and a grid to count it on: then only memory can be missing. */
+bool Is_Countable(const Level_Frame& frame, const Histo_Grid& grid) {
+    const bool is_grid = std::isfinite(grid.origin) && std::isfinite(grid.bin_width) && grid.bin_width > 0.0F;
+    return frame.width != 0 && frame.height != 0 && (frame.color || is_grid);
+}
 
 }  // namespace
 
@@ -60,7 +68,9 @@ Histo_Grid Slice_Grid(std::int32_t lowest, std::int32_t highest, float slope, fl
 void Frame_Histogram_Of(Slice_Frame& frame, const std::int32_t* levels, float slope, const Histo_Grid& grid,
                         const unsigned char* mask) {
     Level_Frame counted(levels, frame.width, frame.height, 1, 1, slope, frame.intercept, frame.color);
-    Frame_Histogram_Build(&counted, grid, mask);
+    if (Frame_Histogram_Build(&counted, grid, mask) == 0 && Is_Countable(counted, grid)) {
+        throw std::bad_alloc();
+    }
     Frame_Histogram_Free(&frame);
     std::swap(frame.histogram, counted.histogram);
     std::swap(frame.histogram_built, counted.histogram_built);

@@ -30,14 +30,15 @@ using Level_Room = std::vector<std::int32_t>;
 
 /** The levels of a frame of one time in 32 bits: its own, or in the room where they are narrow. */
 const std::int32_t* Slice_Levels(const Slice_Frame& frame, Level_Room& room);
-/** Gives a frame the histogram of other levels in its place. @param levels width x height of them, in either unit */
+/** Gives a frame the histogram of other levels in its place. @param levels width x height of them, in either unit
+ *  @throw std::bad_alloc the frame has the histogram that it had */
 void Frame_Histogram_Of(Slice_Frame& frame, const std::int32_t* levels, float slope, const Histo_Grid& grid,
                         const unsigned char* mask);
 
 /** The grid of levels: a bin per level where there are at most 4096, else as many as the panel keeps. */
 Histo_Grid Slice_Grid(std::int32_t lowest, std::int32_t highest, float slope, float intercept);
 /** (Re)builds the histogram of a slice of a volume whose levels are lowest .. highest.
- *  @param mask a byte per pixel, null: all count */
+ *  @param mask a byte per pixel, null: all count @throw std::bad_alloc the frame has the histogram that it had */
 void Slice_Histogram_Build(Slice_Frame& frame, std::int32_t lowest, std::int32_t highest, const unsigned char* mask,
                            Level_Room& room);
 /** The frame of `times` slices from `slice` on, without histogram. Its grey values are in the unit of Panel_Scale_Of.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <new>
 #include <utility>
 
 #include "workbench/model/background.h"
@@ -250,7 +251,7 @@ std::vector<Slices_To_Count> Volume_Objects::Slices_Uncounted(const Open_Volumes
                                                               const Session& current_session) const {
     std::vector<Slices_To_Count> wanted(shown.size());
     for (std::size_t at = 0; at < shown.size(); ++at) {
-        if (!shown[at]->is_counted) {
+        if (shown[at]->counting != Counting_State::Done) {
             wanted[at] = Slices_To_Count_Of(volumes.Session_Of(static_cast<int>(at), current_session).Image());
         }
     }
@@ -260,29 +261,49 @@ std::vector<Slices_To_Count> Volume_Objects::Slices_Uncounted(const Open_Volumes
 void Volume_Objects::Counts_Take(std::vector<Slices_To_Count>&& counted) {
     for (std::size_t at = 0; at < std::min(shown.size(), counted.size()); ++at) {
         Shown_Volume& one = *shown[at];
-        if (one.is_counted || counted[at].frames.size() != one.data.size()) {
+        if (one.counting == Counting_State::Done || counted[at].frames.size() != one.data.size()) {
             continue;
         }
         for (std::size_t slice = 0; slice < one.data.size(); ++slice) {
             std::swap(one.data[slice]->histogram, counted[at].frames[slice]->histogram);
             std::swap(one.data[slice]->histogram_built, counted[at].frames[slice]->histogram_built);
         }
-        one.is_counted = true;
+        one.counting = Counting_State::Done;
     }
 }
 
-void Volume_Objects::Histograms_Build(const Session& session, const Counted_Pixels& counted) {
-    if (Current() == nullptr) {
-        return;
+void Volume_Objects::Counts_Fail() {
+    for (const auto& one : shown) {
+        one->counting = one->counting == Counting_State::Coming ? Counting_State::Failed : one->counting;
     }
-    Shown_Volume& counting = *shown[static_cast<std::size_t>(current)];
-    counting.is_counted = false;  // until all of them are
+}
+
+bool Volume_Objects::Histograms_Build(const Session& session, const Counted_Pixels& counted) {
+    if (Current() == nullptr) {
+        return true;
+    }
+    Shown_Volume& volume = *shown[static_cast<std::size_t>(current)];
+    try {
+        Histograms_Count(volume, session, counted);
+        volume.counting = Counting_State::Done;
+        return true;
+    } catch (const std::bad_alloc&) {
+        // A part of the histograms, or the former ones of other pixels, would be a wrong histogram of the whole.
+        for (const auto& frame : volume.data) {
+            Frame_Histogram_Free(frame.get());
+        }
+        volume.counting = Counting_State::Failed;
+        return false;
+    }
+}
+
+void Volume_Objects::Histograms_Count(Shown_Volume& volume, const Session& session, const Counted_Pixels& counted) {
     const volumes::Volume& image = session.Image();
     const bool is_masked = counted.tag >= 0 || (counted.background && !image.color);
     std::vector<unsigned char> mask;
     Level_Room room;
     Level_Room smooth;
-    for (std::size_t slice = 0; slice < Current()->data.size(); ++slice) {
+    for (std::size_t slice = 0; slice < volume.data.size(); ++slice) {
         const int at = static_cast<int>(slice);
         if (is_masked) {
             mask.assign(session.Levels(at).size(), 1);
@@ -297,7 +318,7 @@ void Volume_Objects::Histograms_Build(const Session& session, const Counted_Pixe
                                        return static_cast<unsigned char>(is_in != 0 && tag == counted.tag ? 1 : 0);
                                    });
         }
-        Slice_Frame& frame = *Current()->data[slice];
+        Slice_Frame& frame = *volume.data[slice];
         const unsigned char* const chosen = is_masked ? mask.data() : nullptr;
         if (counted.is_smoothed && !image.color) {
             Smooth_Histogram_Build(frame, image, chosen, room, smooth);
@@ -305,7 +326,6 @@ void Volume_Objects::Histograms_Build(const Session& session, const Counted_Pixe
             Slice_Histogram_Build(frame, image.level_min, image.level_max, chosen, room);
         }
     }
-    counting.is_counted = true;
 }
 
 }  // namespace workbench

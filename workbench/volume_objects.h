@@ -29,6 +29,13 @@ struct Counted_Pixels {
     std::optional<double> background;
 };
 
+/** How far the histograms of a volume are. */
+enum class Counting_State {
+    Coming,  ///< being counted, or to be
+    Done,
+    Failed,  ///< there was not enough memory; the volume has no histograms
+};
+
 class Volume_Objects {
   public:
     Volume_Objects();
@@ -46,8 +53,10 @@ class Volume_Objects {
     /** Takes the histograms over that were counted of all pixels. Volumes that were counted in the meantime, perhaps in
      *  another way, keep theirs. @param counted of every volume, by Slices_Uncounted since the last Build */
     void Counts_Take(std::vector<Slices_To_Count>&& counted);
-    /** Whether the current volume has histograms. */
-    bool Is_Counted() const { return Current() != nullptr && Current()->is_counted; }
+    /** Nothing more is coming: volumes without histograms stay so. */
+    void Counts_Fail();
+    /** Of the current volume; without one nothing is coming. */
+    Counting_State Counting() const { return Current() != nullptr ? Current()->counting : Counting_State::Done; }
     /** Takes the objects away; nothing is shown. */
     void Clear();
 
@@ -73,8 +82,8 @@ class Volume_Objects {
     const volumes::File_Origin* Origin_Of(const void* file_record) const;
     /** All selected frames, of whatever volume, by volume and slice. */
     std::vector<Frame_Place> Selected() const;
-    /** Builds the current volume's histograms anew. */
-    void Histograms_Build(const Session& session, const Counted_Pixels& counted);
+    /** Builds the current volume's histograms anew. @return false: there was not enough memory; it has none then */
+    bool Histograms_Build(const Session& session, const Counted_Pixels& counted);
 
   private:
     /** A file as the panels see it. */
@@ -91,13 +100,14 @@ class Volume_Objects {
         std::unique_ptr<Slice_Frame> cine;               // all moments as one
         std::vector<std::unique_ptr<Slice_Frame>> data;  // outlive the frames
         Quorel_2D_Frame* further[1] = {nullptr};
-        bool is_counted = false;
+        Counting_State counting = Counting_State::Coming;
         std::unique_ptr<Quorel_2D> object;
         std::vector<std::unique_ptr<Quorel_2D>> frames;
     };
     void Volume_Build(int at, const Volume_Facts& facts, const Session& session);
     void Files_Build(const Open_Volumes& volumes);
     const Shown_Volume* Current() const;
+    static void Histograms_Count(Shown_Volume& volume, const Session& session, const Counted_Pixels& counted);
 
     Quorel_Window window;
     std::unique_ptr<Quorel_2D> root;

@@ -120,14 +120,14 @@ TEST_F(Volume_Objects_Test, histograms_arrive_when_all_slices_of_all_volumes_are
     folder.volumes.push_back(Opened("b.nii", 3, {1, 1, 1}));
     Build(std::move(folder), false);
     ASSERT_EQ(volumes.Current(), 1);
-    EXPECT_FALSE(objects.Is_Counted());
+    EXPECT_EQ(objects.Counting(), Counting_State::Coming);
     EXPECT_EQ(objects.Frame(2)->frame->Histogram_Get(), nullptr) << "nothing rather than something wrong";
     EXPECT_EQ(objects.Frame(2)->frame->modality, 'C' << 8 | 'T');
     std::vector<Slices_To_Count> counted = objects.Slices_Uncounted(volumes, session);
     ASSERT_TRUE(Slices_Count(counted));
     const Histo_Record* const expected = counted[1].frames[2]->histogram;
     objects.Counts_Take(std::move(counted));
-    EXPECT_TRUE(objects.Is_Counted());
+    EXPECT_EQ(objects.Counting(), Counting_State::Done);
     EXPECT_EQ(objects.Frame(2)->frame->Histogram_Get(), expected) << "not counted again";
     objects.Current_Set(0);
     EXPECT_NE(objects.Frame(1)->frame->Histogram_Get(), nullptr);
@@ -146,6 +146,20 @@ TEST_F(Volume_Objects_Test, a_volume_that_was_counted_in_another_way_meanwhile_k
     const Histo_Record* const record = objects.Frame(1)->frame->Histogram_Get();
     ASSERT_NE(record, nullptr);
     EXPECT_EQ(std::accumulate(record->counts, record->counts + record->nb_bins, 0U), 0U);
+}
+
+TEST_F(Volume_Objects_Test, nothing_is_coming_any_more_when_the_count_has_failed) {
+    Image_Folder folder;
+    folder.files = {"a.nii", "b.nii"};
+    folder.volumes.push_back(Opened("a.nii", 2, {0, 0}));
+    folder.volumes.push_back(Opened("b.nii", 3, {1, 1, 1}));
+    Build(std::move(folder), false);
+    EXPECT_TRUE(objects.Histograms_Build(session, {}));
+    objects.Counts_Fail();
+    EXPECT_EQ(objects.Counting(), Counting_State::Done) << "it has its histograms";
+    objects.Current_Set(0);
+    EXPECT_EQ(objects.Counting(), Counting_State::Failed);
+    EXPECT_FALSE(objects.Slices_Uncounted(volumes, session)[0].frames.empty()) << "whoever asks anew gets them";
 }
 
 TEST_F(Volume_Objects_Test, makes_one_frame_per_slice_of_one_volume) {

@@ -4,8 +4,8 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <functional>
 #include <limits>
+#include <mutex>
 #include <numeric>
 #include <tuple>
 #include <utility>
@@ -129,15 +129,15 @@ class Level_Counts {
     explicit Level_Counts(const Volume& volume) : lowest(volume.level_min) {
         const auto level_nb = static_cast<std::size_t>(std::int64_t{volume.level_max} - volume.level_min + 1);
         const std::size_t size = volume.levels.size();
-        const std::size_t parts = std::max<std::size_t>(Work_Thread_Nb(size / PART_LEAST), 1);
-        std::vector<std::vector<std::uint64_t>> of_parts(parts);
+        const std::size_t tables_most = std::max<std::size_t>(TABLES_SIZE_MOST / Table_Size(level_nb), 1);
+        const std::size_t parts = Work_Thread_Nb(std::clamp<std::size_t>(size / PART_LEAST, 1, tables_most));
+        counts.resize(level_nb);
+        std::mutex mutex;
         const auto count = [&](std::size_t part) {
             // Neighbours are often alike: they must not wait for each other's store.
             std::vector<std::uint32_t> banks((level_nb + 1) * BANKS);
             const std::size_t end = size * (part + 1) / parts;
             std::size_t i = size * part / parts;
-            std::vector<std::uint64_t>& own = of_parts[part];
-            own.resize(level_nb);
             while (i < end) {
                 const std::size_t block_end = std::min(end, i + BLOCK);
                 volume.levels.Visit([&](const auto& levels) {
@@ -148,18 +148,15 @@ class Level_Counts {
                         ++banks[std::min<std::size_t>(from_lowest, level_nb) * BANKS + i % BANKS];
                     }
                 });
+                const std::lock_guard lock(mutex);
                 for (std::size_t level = 0; level < level_nb; ++level) {
                     for (std::size_t bank = 0; bank < BANKS; ++bank) {
-                        own[level] += std::exchange(banks[level * BANKS + bank], 0U);
+                        counts[level] += std::exchange(banks[level * BANKS + bank], 0U);
                     }
                 }
             }
         };
         Work_Share(parts, parts, count, {});
-        counts = std::move(of_parts.front());
-        for (std::size_t part = 1; part < parts; ++part) {
-            std::ranges::transform(counts, of_parts[part], counts.begin(), std::plus<>());
-        }
     }
 
     std::uint64_t Count() const { return std::accumulate(counts.begin(), counts.end(), std::uint64_t{0}); }
@@ -175,8 +172,12 @@ class Level_Counts {
 
   private:
     static constexpr std::size_t BANKS = 4;
-    static constexpr std::size_t PART_LEAST = std::size_t{1} << 20U;  // levels that are worth a thread
-    static constexpr std::size_t BLOCK = std::size_t{1} << 30U;       // levels: their counts fit into 32 bits
+    static constexpr std::size_t PART_LEAST = std::size_t{1} << 20U;        // levels that are worth a thread
+    static constexpr std::size_t TABLES_SIZE_MOST = std::size_t{8} << 20U;  // bytes, of all threads
+    static constexpr std::size_t Table_Size(std::size_t level_nb) {
+        return (level_nb + 1) * BANKS * sizeof(std::uint32_t);
+    }
+    static constexpr std::size_t BLOCK = std::size_t{1} << 30U;  // levels: their counts fit into 32 bits
     std::int32_t Level(std::size_t at) const {
         return static_cast<std::int32_t>(std::int64_t{lowest} + static_cast<std::int64_t>(at));
     }

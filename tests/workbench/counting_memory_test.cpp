@@ -1,0 +1,78 @@
+// Histograms of slices when memory is missing.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <new>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "tests/kits/common/failing_memory.h"
+#include "workbench/frame_counter.h"
+#include "workbench/slice_frames.h"
+
+using namespace workbench;
+
+namespace {
+
+constexpr int SIDE = 8;  // pixels
+
+volumes::Volume Image_Of(int slice_nb) {
+    volumes::Volume made;
+    made.nx = made.ny = SIDE;
+    made.nz = slice_nb;
+    made.nt = 1;
+    made.levels = volumes::Voxel_Levels(std::vector<std::int32_t>(static_cast<std::size_t>(SIDE * SIDE * slice_nb), 3));
+    made.level_max = 5;
+    return made;
+}
+
+TEST(Counting_Memory, a_histogram_without_memory_is_a_failure_and_no_empty_histogram) {
+    const volumes::Volume image = Image_Of(1);
+    int histogram_nb = 0;
+    const int failed = Fail_Each_Allocation([&] {
+        std::unique_ptr<Slice_Frame> frame;
+        Level_Room room;
+        bool is_refused = false;
+        try {
+            frame = Slice_Frame_Make(image, 0, 1);
+            Slice_Histogram_Build(*frame, 0, image.level_max, nullptr, room);
+        } catch (const std::bad_alloc&) {
+            is_refused = true;
+        }
+        const bool has_histogram = frame != nullptr && frame->histogram != nullptr;
+        EXPECT_NE(is_refused, has_histogram);
+        histogram_nb += has_histogram ? 1 : 0;
+    });
+    EXPECT_GE(failed, 4) << "frame, room, record, counts";
+    EXPECT_GE(histogram_nb, 1);
+}
+
+TEST(Counting_Memory, what_cannot_be_counted_at_all_is_no_lack_of_memory) {
+    volumes::Volume image = Image_Of(1);
+    std::unique_ptr<Slice_Frame> frame = Slice_Frame_Make(image, 0, 1);
+    const Level_Room levels(SIDE * SIDE, 3);
+    EXPECT_NO_THROW(Frame_Histogram_Of(*frame, levels.data(), 1.0F, {0.0F, 0.0F, 10}, nullptr));
+    EXPECT_EQ(frame->histogram, nullptr);
+}
+
+TEST(Counting_Memory, without_room_for_a_thread_it_is_counted_on_the_own_one) {
+    const volumes::Volume image = Image_Of(3);
+    std::vector<Slices_To_Count> wanted;
+    wanted.push_back(Slices_To_Count_Of(image));
+    Frame_Counter counter;
+    {
+        const Failing_Allocation failing(1);
+        EXPECT_NO_THROW(counter.Begin(std::move(wanted)));
+        ASSERT_TRUE(Failing_Allocation::Happened());
+    }
+    std::optional<std::vector<Slices_To_Count>> taken = counter.Take();
+    ASSERT_TRUE(taken) << "done when it returns";
+    ASSERT_EQ(taken->size(), 1U);
+    for (const auto& frame : taken->front().frames) {
+        EXPECT_NE(frame->histogram, nullptr);
+    }
+    EXPECT_FALSE(counter.Is_Busy());
+}
+
+}  // namespace
