@@ -119,7 +119,9 @@ class Walk {
         const std::uint16_t number = element.getETag();
         const DcmEVR standard = DcmTag(group, number).getEVR();
         if (standard != EVR_UNKNOWN && standard != EVR_UN) {
-            if (Is_Letters(standard) && !Is_Letters(element.getVR())) {
+            // A sequence that is not written as one could not be walked.
+            const bool is_hidden_sequence = standard == EVR_SQ && element.getVR() != EVR_SQ;
+            if (is_hidden_sequence || (Is_Letters(standard) && !Is_Letters(element.getVR()))) {
                 return Anonymous_Action::Remove;
             }
             const Anonymous_Action action = Anonymous_Action_Of(group, number, standard);

@@ -6,6 +6,7 @@
 #include "workbench/archive/anonymous_object.h"
 #include "workbench/archive/archive_client.h"
 #include "workbench/archive/archive_requests.h"
+#include "workbench/archive/picture_comments.h"
 #include "workbench/archive/secret_hash.h"
 #include "workbench/archive/stored_object.h"
 #include "workbench/volumes/dicom_fields.h"
@@ -92,7 +93,12 @@ bool Sending::Prepare(Stored_Object& out, Sent_File& sent) const {
     if (!wishes.is_anonymous) {
         return true;
     }
-    if (std::string doubt = Burnt_In_Doubt(out.Data_Set()); !wishes.is_picture_trusted && !doubt.empty()) {
+    std::string doubt = Burnt_In_Doubt(out.Data_Set());
+    const std::string comments_doubt = Picture_Comments_Blank(out.Data_Set());
+    if (doubt.empty()) {
+        doubt = comments_doubt;
+    }
+    if (!wishes.is_picture_trusted && !doubt.empty()) {
         sent.is_held = true;
         sent.remark = std::move(doubt);
         return false;

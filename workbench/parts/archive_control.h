@@ -120,7 +120,7 @@ class Archive_Control : public Archive_Actions {
     std::string Held_Send(const archive::Archive_Settings& to, const std::string& what,
                           const archive::Send_Result& before, archive::Send_Wishes wishes);
     std::string Sent_Tell(const archive::Archive_Settings& to, const std::string& what,
-                          const archive::Send_Result& sent);
+                          const archive::Send_Result& sent, bool is_anonymous);
 
     const Workspace& work;
     Dialogs& dialogs;

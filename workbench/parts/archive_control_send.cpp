@@ -21,14 +21,14 @@ std::optional<archive::Send_Wishes> Archive_Control::Send_Ask(const std::string&
         text +
             "\n\nAnonymously: names, numbers, dates and free texts are taken out or replaced, always in the same way "
             "for the same patient. What the pictures themselves show stays, and so do the names of TAGs.\n\n" +
-            archive::IN_CLEAR,
-        wishes.is_anonymous ? std::vector<std::string>{anonymous, named, "&Cancel"}
-                            : std::vector<std::string>{named, anonymous, "&Cancel"});
+            archive::IN_CLEAR + "\n\nEnter sends anonymously." + (wishes.is_anonymous ? " So it was done last." : ""),
+        // Always in this order: what Enter does is not to depend on what was done on another day.
+        {anonymous, named, "&Cancel"});
     if (way != 0 && way != 1) {
         return std::nullopt;
     }
     const archive::Send_Wishes before = wishes;
-    wishes.is_anonymous = wishes.is_anonymous == (way == 0);
+    wishes.is_anonymous = way == 0;
     if (wishes.is_anonymous && !archive::Is_Secret(wishes.secret)) {
         wishes.secret = archive::Secret_New();
     }
@@ -46,13 +46,14 @@ std::optional<archive::Send_Wishes> Archive_Control::Send_Ask(const std::string&
 }
 
 std::string Archive_Control::Sent_Tell(const Archive_Settings& to, const std::string& what,
-                                       const archive::Send_Result& sent) {
+                                       const archive::Send_Result& sent, bool is_anonymous) {
     if (sent.accepted == 0) {
         return "The " + what + " were not taken. " + archive::Reasons_Text(sent, false);
     }
     const auto remark = std::ranges::find_if(
         sent.files, [](const archive::Sent_File& file) { return file.is_accepted && !file.remark.empty(); });
-    std::string text = what + " sent to " + to.name + ": " + archive::Objects_Text(sent.accepted) + " accepted";
+    std::string text = what + " sent to " + to.name + (is_anonymous ? " anonymously: " : " with names: ") +
+                       archive::Objects_Text(sent.accepted) + " accepted";
     text[0] = static_cast<char>(text[0] - 'a' + 'A');
     if (sent.refused == 0) {
         dialogs.Tell(text + (remark == sent.files.end() ? "" : ". " + remark->remark));
@@ -99,7 +100,7 @@ std::string Archive_Control::Send(const Archive_Settings& to, const std::string&
     }
     std::string error;
     if (sent.accepted + sent.refused > 0 || sent.held == 0) {
-        error = Sent_Tell(to, what, sent);
+        error = Sent_Tell(to, what, sent, wishes.is_anonymous);
     }
     if (sent.held > 0) {
         const std::string later = Held_Send(to, what, sent, std::move(wishes));

@@ -89,7 +89,7 @@ def a_series_comes_from_an_archive_and_labels_go_back(run):
         app.window("Send labels")
         run.shot("archive_send", "Send labels")
         app.answer("Send labels", "Send with names")
-        app.wait_said("status Labels sent to Test: 1 object accepted")
+        app.wait_said("status Labels sent to Test with names: 1 object accepted")
         back = [pydicom.dcmread(path) for path in archive.fetch(run.folder / "back", wanted.StudyInstanceUID)]
         objects = [one for one in back if one.Modality == "SEG"]
         run.same("the archive has one object of labels", len(objects), 1)
@@ -143,7 +143,7 @@ def images_go_anonymously(run, app, archive, files):
     app.window("Send images")
     run.shot("archive_send_images", "Send images")
     app.answer("Send images", "Send anonymously")
-    app.wait_said(f"status Images sent to Test: {len(files)} objects accepted")
+    app.wait_said(f"status Images sent to Test anonymously: {len(files)} objects accepted")
     before = {str(one.SOPInstanceUID): one for one in map(pydicom.dcmread, files)}
     any_before = next(iter(before.values()))
     stand_in = Stand_In(run.settings, any_before.PatientID)

@@ -13,6 +13,7 @@
 #include "dcmtk/dcmdata/dcdict.h"
 #include "dcmtk/dcmdata/dcfilefo.h"
 #include "dcmtk/dcmdata/dcuid.h"
+#include "dcmtk/dcmdata/dcvrobow.h"
 #include "workbench/archive/anonymous_object.h"
 #include "workbench/archive/secret_hash.h"
 #include "workbench/volumes/dicom_fields.h"
@@ -232,6 +233,32 @@ TEST(Anonymous_Object, is_not_deceived_by_a_value_in_another_form) {
     for (const DcmTagKey& tag :
          {DCM_PatientName, DCM_StudyDescription, DCM_StudyDate, DCM_InstitutionName, DCM_Manufacturer}) {
         EXPECT_FALSE(image.tagExists(tag)) << tag.toString().c_str();
+    }
+}
+
+TEST(Anonymous_Object, has_no_sequence_that_is_not_written_as_one) {
+    constexpr Uint8 name[] = {'D', 'o', 'e', '^', 'J', 'a', 'n', 'e'};
+    constexpr Uint16 words[] = {0x6F44, 0x5E65, 0x614A, 0x656E};
+    for (const DcmEVR form : {EVR_OB, EVR_OW, EVR_UN}) {
+        DcmFileFormat file;
+        DcmDataset& image = Image(file);
+        DcmItem* inside = nullptr;
+        ASSERT_TRUE(image.findOrCreateSequenceItem(DCM_SharedFunctionalGroupsSequence, inside, 0).good());
+        const std::vector<DcmTagKey> tags = {DCM_ReferencedImageSequence, DCM_SegmentSequence,
+                                             DCM_PerFrameFunctionalGroupsSequence};
+        for (const DcmTagKey& tag : tags) {
+            for (DcmItem* const item : {static_cast<DcmItem*>(&image), inside}) {
+                auto* const hidden = new DcmOtherByteOtherWord(DcmTag(tag, form));
+                const OFCondition put =
+                    form == EVR_OW ? hidden->putUint16Array(words, 4) : hidden->putUint8Array(name, sizeof name);
+                ASSERT_TRUE(put.good());
+                ASSERT_TRUE(item->insert(hidden, OFTrue).good());
+            }
+        }
+        EXPECT_EQ(Anonymiser(SECRET).Anonymise(image), "");
+        for (const DcmTagKey& tag : tags) {
+            EXPECT_FALSE(image.tagExists(tag, OFTrue)) << DcmVR(form).getVRName() << " " << tag.toString().c_str();
+        }
     }
 }
 

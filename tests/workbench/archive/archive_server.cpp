@@ -108,6 +108,9 @@ Archive_Settings Archive_Server::Settings() const {
 
 void Archive_Server::Freeze() const {
     ::kill(process, SIGSTOP);
+    // The signal is only sent: on a busy machine it would still answer. The news stay, for the next call.
+    siginfo_t news = {};
+    ::waitid(P_PID, static_cast<id_t>(process), &news, WSTOPPED | WNOWAIT);
 }
 
 void Archive_Server::Go_On() const {

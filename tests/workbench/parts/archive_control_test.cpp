@@ -367,7 +367,7 @@ TEST_F(Archive_Use, needs_a_folder_for_what_it_fetches) {
 
 TEST_F(Archive_Use, sends_labels_after_a_question_and_tells_what_became_of_them) {
     Volume_Take();
-    dialogs.ways = {0, 0};
+    dialogs.ways = {0, 1};
     archives.Labels_Send();
     EXPECT_THAT(written, SizeIs(1));
     EXPECT_EQ(asked_of, "Radiology");
@@ -389,7 +389,7 @@ TEST_F(Archive_Use, sends_nothing_without_an_image_or_a_yes) {
 TEST_F(Archive_Use, tells_why_labels_did_not_arrive) {
     Volume_Take();
     write_error = "No space.";
-    dialogs.ways = {0, 0};
+    dialogs.ways = {0, 1};
     archives.Labels_Send();
     EXPECT_EQ(dialogs.warned.back(), "No space.");
     EXPECT_EQ(asked_of, "");
@@ -397,16 +397,16 @@ TEST_F(Archive_Use, tells_why_labels_did_not_arrive) {
     sent.accepted = 0;
     sent.refused = 1;
     sent.files = {{"/cache/x.dcm", false, false, "The archive refuses it: no room."}};
-    dialogs.ways = {0, 0};
+    dialogs.ways = {0, 1};
     archives.Labels_Send();
     EXPECT_THAT(dialogs.warned.back(), HasSubstr("not taken. The archive refuses it: no room."));
     sent = {};
     sent.outcome = {Archive_Fault::Lost, "The connection was lost."};
-    dialogs.ways = {0, 0};
+    dialogs.ways = {0, 1};
     archives.Labels_Send();
     EXPECT_EQ(dialogs.warned.back(), "The connection was lost.");
     sent.outcome = {Archive_Fault::Cancelled, "given up"};
-    dialogs.ways = {0, 0};
+    dialogs.ways = {0, 1};
     archives.Labels_Send();
     EXPECT_THAT(dialogs.warned.back(), HasSubstr("the archive may have the labels already"));
     EXPECT_THAT(dialogs.told, IsEmpty());
@@ -415,23 +415,23 @@ TEST_F(Archive_Use, tells_why_labels_did_not_arrive) {
 TEST_F(Archive_Use, sends_images_as_they_lie_on_the_disk_and_tells_how_many_were_taken) {
     Volume_Take();
     sent.accepted = 2;
-    dialogs.ways = {0, 0};
+    dialogs.ways = {0, 1};
     archives.Images_Send();
     ASSERT_THAT(sent_files, SizeIs(1));
     EXPECT_EQ(sent_files[0], image_files);
     EXPECT_FALSE(sent_wishes[0].is_anonymous);
-    EXPECT_THAT(dialogs.told, ElementsAre("Images sent to Radiology: 2 objects accepted"));
+    EXPECT_THAT(dialogs.told, ElementsAre("Images sent to Radiology with names: 2 objects accepted"));
     EXPECT_EQ(wishes_kept, 0);
     sent.accepted = 1;
     sent.refused = 1;
     sent.files = {{"/images/1.dcm", true, false, ""},
                   {"/images/2.dcm", false, false, "The archive refuses it: no room."}};
-    dialogs.ways = {0, 0};
+    dialogs.ways = {0, 1};
     archives.Images_Send();
     EXPECT_EQ(dialogs.warned.back(),
-              "Images sent to Radiology: 1 object accepted, 1 object not. The archive refuses it: no room.");
+              "Images sent to Radiology with names: 1 object accepted, 1 object not. The archive refuses it: no room.");
     sent.outcome = {Archive_Fault::Cancelled, "given up"};
-    dialogs.ways = {0, 0};
+    dialogs.ways = {0, 1};
     archives.Images_Send();
     EXPECT_EQ(dialogs.warned.back(), "Sending was given up. Before that, the archive accepted 1 object.");
 }
@@ -448,36 +448,38 @@ TEST_F(Archive_Use, sends_no_images_where_there_are_none) {
 TEST_F(Archive_Use, sends_nothing_anonymously_when_the_secret_cannot_be_kept) {
     Volume_Take();
     are_wishes_kept = false;
-    dialogs.ways = {0, 1};
+    dialogs.ways = {0, 0};
     archives.Images_Send();
     EXPECT_THAT(sent_files, IsEmpty());
     EXPECT_THAT(dialogs.warned, ElementsAre(HasSubstr("cannot be kept")));
     wishes = {};
-    dialogs.ways = {0, 0};
+    dialogs.ways = {0, 1};
     archives.Images_Send();
     EXPECT_THAT(sent_wishes, SizeIs(1)) << "with names it needs none";
 }
 
-TEST_F(Archive_Use, sends_anonymously_where_that_is_chosen_and_offers_it_first_the_next_time) {
+TEST_F(Archive_Use, sends_anonymously_by_enter_whatever_was_done_last_and_tells_which_it_was) {
     Volume_Take();
-    dialogs.ways = {0, 1};  // the second way
+    sent.accepted = 2;
+    dialogs.ways = {0, 0};
     archives.Images_Send();
-    EXPECT_THAT(dialogs.offered, ElementsAre("&Send with names", "Send &anonymously", "&Cancel"));
+    EXPECT_THAT(dialogs.offered, ElementsAre("Send &anonymously", "&Send with names", "&Cancel"));
+    EXPECT_THAT(dialogs.told.back(), HasSubstr("Images sent to Radiology anonymously: 2"));
     EXPECT_TRUE(sent_wishes.back().is_anonymous);
     EXPECT_FALSE(sent_wishes.back().is_picture_trusted);
     EXPECT_TRUE(archive::Is_Secret(wishes.secret));
     EXPECT_EQ(wishes_kept, 1);
     const std::string secret = wishes.secret;
-    dialogs.ways = {0, 0};
-    archives.Labels_Send();
-    EXPECT_THAT(dialogs.offered, ElementsAre("Send &anonymously", "&Send with names", "&Cancel"));
-    EXPECT_TRUE(sent_wishes.back().is_anonymous);
-    EXPECT_EQ(sent_wishes.back().secret, secret) << "the same for good";
-    EXPECT_EQ(wishes_kept, 1);
     dialogs.ways = {0, 1};
-    archives.Images_Send();
+    archives.Labels_Send();
     EXPECT_FALSE(sent_wishes.back().is_anonymous);
+    EXPECT_THAT(dialogs.told.back(), HasSubstr("Labels sent to Radiology with names"));
     EXPECT_EQ(wishes.secret, secret);
+    dialogs.ways = {0, 0};
+    archives.Images_Send();
+    EXPECT_THAT(dialogs.offered, ElementsAre("Send &anonymously", "&Send with names", "&Cancel"));
+    EXPECT_TRUE(sent_wishes.back().is_anonymous) << "with names is no habit";
+    EXPECT_EQ(sent_wishes.back().secret, secret) << "the same for good";
     dialogs.ways = {0, 2};
     archives.Images_Send();
     EXPECT_THAT(sent_wishes, SizeIs(3));

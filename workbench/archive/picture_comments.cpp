@@ -1,0 +1,240 @@
+#include "workbench/archive/picture_comments.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <vector>
+
+#include "dcmtk/dcmdata/dcdeftag.h"
+#include "dcmtk/dcmdata/dcpixel.h"
+#include "dcmtk/dcmdata/dcpixseq.h"
+#include "dcmtk/dcmdata/dcpxitem.h"
+#include "dcmtk/dcmdata/dcxfer.h"
+
+namespace workbench::archive {
+
+namespace {
+
+constexpr std::uint8_t MARK = 0xFF;  // begins every marker
+constexpr std::uint8_t JPEG_START = 0xD8;
+constexpr std::uint8_t JPEG_END = 0xD9;  // of JPEG 2000, too
+constexpr std::uint8_t JPEG_SCAN = 0xDA;
+constexpr std::uint8_t JPEG_COMMENT = 0xFE;
+constexpr std::uint8_t TILE_PART = 0x90;
+constexpr std::uint8_t TILE_DATA = 0x93;
+constexpr std::uint8_t TILE_COMMENT = 0x64;
+constexpr std::size_t TILE_PART_LENGTH = 12;  // bytes of the segment with its marker
+
+/** A value of the most significant byte first. */
+std::size_t Number_At(std::span<const std::uint8_t> stream, std::size_t at, std::size_t byte_nb) {
+    std::size_t number = 0;
+    for (const std::uint8_t byte : stream.subspan(at, byte_nb)) {
+        number = number << 8U | byte;
+    }
+    return number;
+}
+
+/** Where the segment of the marker at `at` ends; no value: it does not lie within the stream. */
+std::optional<std::size_t> Segment_End(std::span<const std::uint8_t> stream, std::size_t at) {
+    if (stream.size() < at + 4) {
+        return std::nullopt;
+    }
+    const std::size_t length = Number_At(stream, at + 2, 2);
+    return length >= 2 && length <= stream.size() - at - 2 ? std::optional(at + 2 + length) : std::nullopt;
+}
+
+void Blank(std::span<std::uint8_t> stream, std::size_t from, std::size_t to) {
+    std::ranges::fill(stream.subspan(from, to - from), std::uint8_t{0});
+}
+
+/** Segments of programs by which a codec knows how colours are meant: nothing else has room in those of that length. */
+bool Is_About_Colours(std::uint8_t marker, std::span<const std::uint8_t> content) {
+    struct Known {
+        std::uint8_t marker;
+        std::string_view name;
+        std::size_t size;
+    };
+    constexpr std::array known = {
+        Known{0xE0, std::string_view("JFIF\0", 5), 14},
+        Known{0xE8, "mrfx", 5},
+        Known{0xEE, "Adobe", 12},
+    };
+    return std::ranges::any_of(known, [&](const Known& one) {
+        return one.marker == marker && one.size == content.size() &&
+               std::equal(one.name.begin(), one.name.end(), content.begin(),
+                          [](char letter, std::uint8_t byte) { return static_cast<std::uint8_t>(letter) == byte; });
+    });
+}
+
+bool Is_Jpeg_Marker(std::uint8_t byte) {
+    const bool is_restart = byte >= 0xD0 && byte <= 0xD7;
+    return byte >= 0x80 && !is_restart;  // less follows within the data of a scan
+}
+
+bool Is_Jpeg_2000_Start(std::span<const std::uint8_t> stream) {
+    return stream.size() >= 4 && stream[0] == MARK && stream[1] == 0x4F && stream[2] == MARK && stream[3] == 0x51;
+}
+
+/** Blanks the comments of a header. @return where the marker stands that ends it */
+std::optional<std::size_t> Header_Blank(std::span<std::uint8_t> stream, std::size_t at, std::uint8_t end_marker) {
+    while (at + 2 <= stream.size() && stream[at] == MARK) {
+        if (stream[at + 1] == end_marker) {
+            return at;
+        }
+        const std::optional<std::size_t> end = Segment_End(stream, at);
+        if (!end) {
+            return std::nullopt;
+        }
+        if (stream[at + 1] == TILE_COMMENT) {
+            Blank(stream, std::min(at + 4, *end), *end);
+        }
+        at = *end;
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::size_t> Jpeg_Comments_Blank(std::span<std::uint8_t> stream) {
+    if (stream.size() < 4 || stream[0] != MARK || stream[1] != JPEG_START) {
+        return std::nullopt;
+    }
+    std::size_t at = 2;
+    while (at + 2 <= stream.size() && stream[at] == MARK) {
+        const std::uint8_t marker = stream[at + 1];
+        if (marker == MARK) {
+            ++at;  // filling
+            continue;
+        }
+        if (marker == JPEG_END) {
+            return at + 2;
+        }
+        const std::optional<std::size_t> end = Segment_End(stream, at);
+        if (!Is_Jpeg_Marker(marker) || !end) {
+            return std::nullopt;
+        }
+        const bool is_of_program = marker >= 0xE0 && marker <= 0xEF;
+        if (marker == JPEG_COMMENT ||
+            (is_of_program && !Is_About_Colours(marker, stream.subspan(at + 4, *end - at - 4)))) {
+            Blank(stream, at + 4, *end);
+        }
+        at = *end;
+        if (marker == JPEG_SCAN) {
+            while (at + 2 <= stream.size() && (stream[at] != MARK || !Is_Jpeg_Marker(stream[at + 1]))) {
+                ++at;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<std::size_t> Jpeg_2000_Comments_Blank(std::span<std::uint8_t> stream) {
+    if (!Is_Jpeg_2000_Start(stream)) {
+        return std::nullopt;
+    }
+    std::optional<std::size_t> at = Header_Blank(stream, 2, TILE_PART);
+    while (at && *at + TILE_PART_LENGTH <= stream.size() && stream[*at] == MARK && stream[*at + 1] == TILE_PART) {
+        const std::optional<std::size_t> data = Header_Blank(stream, *at + TILE_PART_LENGTH, TILE_DATA);
+        const std::size_t length = Number_At(stream, *at + 6, 4);
+        if (!data) {
+            return std::nullopt;
+        }
+        if (length == 0) {  // the last one, up to the end of the picture
+            std::size_t end = stream.size();
+            while (end >= *data + 2 && (stream[end - 2] != MARK || stream[end - 1] != JPEG_END)) {
+                --end;
+            }
+            return end >= *data + 2 ? std::optional(end) : std::nullopt;
+        }
+        if (length > stream.size() - *at || *at + length < *data + 2) {
+            return std::nullopt;
+        }
+        *at += length;
+    }
+    const bool is_end = at && *at + 2 <= stream.size() && stream[*at] == MARK && stream[*at + 1] == JPEG_END;
+    return is_end ? std::optional(*at + 2) : std::nullopt;
+}
+
+namespace {
+
+using Pieces = std::vector<std::span<std::uint8_t>>;
+using Blanking = std::optional<std::size_t> (*)(std::span<std::uint8_t>);
+
+bool Is_Start(std::span<const std::uint8_t> piece, bool is_2000) {
+    return is_2000 ? Is_Jpeg_2000_Start(piece)
+                   : piece.size() >= 3 && piece[0] == MARK && piece[1] == JPEG_START && piece[2] == MARK;
+}
+
+/** Blanks one picture that lies in some pieces. */
+bool Picture_Blank(const Pieces& pieces, Blanking blanking) {
+    std::vector<std::uint8_t> whole;
+    for (const std::span<std::uint8_t> piece : pieces) {
+        whole.insert(whole.end(), piece.begin(), piece.end());
+    }
+    const std::optional<std::size_t> end = blanking(whole);
+    if (end) {
+        Blank(whole, *end, whole.size());
+    }
+    std::size_t at = 0;
+    for (const std::span<std::uint8_t> piece : pieces) {
+        std::copy_n(whole.begin() + static_cast<std::ptrdiff_t>(at), piece.size(), piece.begin());
+        at += piece.size();
+    }
+    return end.has_value();
+}
+
+/** The pieces of all pictures, behind the table of where they begin. */
+std::optional<Pieces> Pieces_Of(DcmPixelSequence& sequence) {
+    Pieces pieces;
+    for (unsigned long at = 1; at < sequence.card(); ++at) {
+        DcmPixelItem* item = nullptr;
+        Uint8* bytes = nullptr;
+        if (sequence.getItem(item, at).bad() || item == nullptr) {
+            return std::nullopt;
+        }
+        if (item->getLength() > 0) {
+            if (item->getUint8Array(bytes).bad() || bytes == nullptr) {
+                return std::nullopt;
+            }
+            pieces.emplace_back(bytes, item->getLength());
+        }
+    }
+    return pieces;
+}
+
+}  // namespace
+
+std::string Picture_Comments_Blank(DcmDataset& data_set) {
+    constexpr const char* doubt = "their compressed pictures cannot be looked through for comments";
+    const E_TransferSyntax form = data_set.getOriginalXfer();
+    DcmElement* element = nullptr;
+    if (!DcmXfer(form).isEncapsulated() || form == EXS_RLELossless ||
+        data_set.findAndGetElement(DCM_PixelData, element).bad()) {
+        return {};
+    }
+    auto* const pixels = dynamic_cast<DcmPixelData*>(element);
+    DcmPixelSequence* sequence = nullptr;
+    constexpr std::array jpeg_forms = {EXS_JPEGProcess1,     EXS_JPEGProcess2_4, EXS_JPEGProcess6_8,
+                                       EXS_JPEGProcess10_12, EXS_JPEGProcess14,  EXS_JPEGProcess14SV1,
+                                       EXS_JPEGLSLossless,   EXS_JPEGLSLossy};
+    const bool is_2000 = form == EXS_JPEG2000LosslessOnly || form == EXS_JPEG2000;
+    if ((!is_2000 && std::ranges::find(jpeg_forms, form) == jpeg_forms.end()) || pixels == nullptr ||
+        pixels->getEncapsulatedRepresentation(form, nullptr, sequence).bad() || sequence == nullptr) {
+        return doubt;
+    }
+    const std::optional<Pieces> pieces = Pieces_Of(*sequence);
+    bool is_known = pieces.has_value();
+    for (std::size_t first = 0; pieces && first < pieces->size();) {
+        std::size_t next = first + 1;
+        while (next < pieces->size() && !Is_Start((*pieces)[next], is_2000)) {
+            ++next;
+        }
+        const Pieces picture(pieces->begin() + static_cast<std::ptrdiff_t>(first),
+                             pieces->begin() + static_cast<std::ptrdiff_t>(next));
+        is_known &= Picture_Blank(picture, is_2000 ? Jpeg_2000_Comments_Blank : Jpeg_Comments_Blank);
+        first = next;
+    }
+    return is_known ? std::string() : doubt;
+}
+
+}  // namespace workbench::archive
