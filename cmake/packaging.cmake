@@ -120,6 +120,7 @@ string(REPLACE "<reference>" "${kit_reference_promise}" kit_readme "${kit_readme
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/README.md" "${CMAKE_CURRENT_LIST_DIR}/package_start.md")
 file(WRITE "${CMAKE_BINARY_DIR}/package/README.md" "${kit_readme}")
 install(FILES "${CMAKE_BINARY_DIR}/package/README.md" DESTINATION . COMPONENT documents)
+include("${CMAKE_CURRENT_LIST_DIR}/licences.cmake")
 
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_NAME Kit_Panels)
