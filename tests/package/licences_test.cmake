@@ -16,7 +16,7 @@ set(demanded
     "stb|Sean Barrett|Permission is hereby granted")
 if(DICOM)
     list(APPEND demanded
-        "dcmtk|OFFIS|Independent JPEG Group's software|log4cplus|Apache License|CharLS library"
+        "dcmtk|OFFIS|Independent JPEG Group|log4cplus|Apache License|CharLS library"
         "openjpeg|Universite catholique de Louvain|Redistributions in binary form")
 endif()
 foreach(line IN LISTS demanded)
