@@ -9,7 +9,7 @@
 
 #include "workbench/application.h"
 #include "workbench/crash_report.h"
-#include "workbench/system_library.h"
+#include "workbench/process_limits.h"
 #include "workbench/wide_text.h"
 
 using namespace workbench;
@@ -43,16 +43,6 @@ void Say(const std::string& text, DWORD stream, UINT icon) {
     }
 }
 
-/** Libraries that are asked for by their names are the system's and those beside the program: what lies in the current
- *  folder or in one of PATH is none of them. */
-void Library_Search_Narrow() {
-    using Narrow = BOOL(WINAPI*)(DWORD);
-    const auto narrow = System_Library(L"kernel32.dll").Find<Narrow>("SetDefaultDllDirectories");
-    if (narrow != nullptr) {
-        narrow(LOAD_LIBRARY_SEARCH_SYSTEM32 | LOAD_LIBRARY_SEARCH_APPLICATION_DIR);
-    }
-}
-
 int Run(int show) {
     const Command_Line line = Command_Line_Parse(Arguments());
     if (!line.error.empty()) {
@@ -75,6 +65,7 @@ int Run(int show) {
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int show) {
     Library_Search_Narrow();
+    Process_Limits_Set();
     // Exceptions pass: where they are not handled, crash_report.cpp still sees the stack that threw them. As long as
     // the settings, and so the folder for reports, are not known, it says what happened.
     Crash_Report_Install({}, WORKBENCH_VERSION);
