@@ -5,6 +5,7 @@ import hmac
 import json
 import os
 import shutil
+import signal
 import socket
 import subprocess
 import time
@@ -53,6 +54,13 @@ class Archive:
         folder.mkdir()
         self.ask("getscu", "-S", "-k", "QueryRetrieveLevel=STUDY", "-k", f"StudyInstanceUID={study}", "-od", str(folder))
         return sorted(folder.iterdir())
+
+    def stop(self):
+        """It answers no more; its connections stay."""
+        self.process.send_signal(signal.SIGSTOP)
+
+    def go_on(self):
+        self.process.send_signal(signal.SIGCONT)
 
     def end(self):
         self.process.kill()
@@ -109,6 +117,46 @@ def a_series_comes_from_an_archive_and_labels_go_back(run):
         app.answer_key("Search Test", "Escape")
         app.expect("the image stays where the archive is gone", slice_nb=len(files))
         app.expect("the workbench keeps its contract with archives too", contract_reports=0)
+    finally:
+        archive.end()
+
+
+@scenario()
+def an_archive_that_stands_still_is_told_and_given_up(run):
+    """The window answers meanwhile, a sentence says what is, Escape ends the wait at once; later the archive is asked again."""
+    folder = ct_series(run)
+    archive = Archive(run.folder / "archive")
+    try:
+        run.same("the archive takes the series",
+                 archive.ask("storescu", *map(str, sorted(folder.iterdir()))).returncode, 0)
+        run.settings.write_text("workbench settings\n"
+                                f"archive Test|127.0.0.1|{archive.port}|{TITLE}|WORKBENCH|5|5|30\n")
+        app = run.start(run.image())
+        archive.stop()
+        app.menu("Open from an archive")
+        app.answer_key("Open from an archive", "Return")
+        begin = time.monotonic()
+        app.answer_key("Search Test", "Return")
+        app.window("Please wait")
+        asked = time.monotonic()
+        state = app.state()
+        run.check("the window answers meanwhile", state is not None and time.monotonic() - asked < 3)
+        app.window("Open from an archive")
+        run.check("it was waited for, and not for long", 4 < time.monotonic() - begin < 30)
+        run.shot("archive_stopped", "Open from an archive")
+        app.answer("Open from an archive", "Close")
+        app.answer_key("Search Test", "Return")
+        app.window("Please wait")
+        begin = time.monotonic()
+        app.key("Escape")
+        app.window("Search Test")
+        run.check("Escape ends it at once", time.monotonic() - begin < 3)
+        archive.go_on()
+        app.answer_key("Search Test", "Return")
+        app.window("Studies found")
+        app.answer_key("Studies found", "Escape")
+        app.answer_key("Search Test", "Escape")
+        app.expect("the workbench keeps its contract meanwhile", contract_reports=0)
     finally:
         archive.end()
 
