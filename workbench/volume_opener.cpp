@@ -11,6 +11,7 @@
 #include "workbench/database_control.h"
 #include "workbench/histogram_counting.h"
 #include "workbench/histogram_desk.h"
+#include "workbench/model/image_memory.h"
 #include "workbench/model/recovery_recorder.h"
 #include "workbench/parts/label_file_control.h"
 #include "workbench/parts/view_control.h"
@@ -26,6 +27,12 @@ namespace {
 constexpr const char* TIMES = " \xC3\x97 ";
 constexpr std::size_t PROBLEMS_SHOWN = 3;  // in the banner; more are only listed
 
+std::uint64_t Machine_Memory() {
+    MEMORYSTATUSEX status = {};
+    status.dwLength = sizeof status;
+    return ::GlobalMemoryStatusEx(&status) != 0 ? status.ullTotalPhys : 0;
+}
+
 std::string Problem_Sentence(const volumes::Folder_Problem& problem) {
     return volumes::File_Name_Text(problem.path) + ' ' + problem.reason + '.';
 }
@@ -37,13 +44,15 @@ void Volume_Opener::Open(std::span<const std::filesystem::path> paths) {
         of.dialogs.Warn("The name of the file cannot be used on this system.");
         return;
     }
+    volumes::Load_Limits limits;
+    limits.decoded_bytes = Image_Memory_Of(of.settings.image_memory, Machine_Memory());
     volumes::Image_Folder opened;
     std::vector<volumes::Volume_Statistics> numbers;
     of.dialogs.Run("Loading " + volumes::File_Name_Text(paths.front()), [&](const volumes::Load_Progress& progress) {
-        opened = volumes::Image_Folder_Open(paths, progress);
+        opened = volumes::Image_Folder_Open(paths, progress, limits);
         of.report.Time("read");
         for (const volumes::Folder_Volume& one : opened.volumes) {
-            numbers.push_back(volumes::Volume_Statistics_Compute(one.volume));
+            numbers.push_back(volumes::Volume_Statistics_Compute(one.volume, one.tally ? &*one.tally : nullptr));
         }
         of.report.Time("statistics");
     });

@@ -11,6 +11,8 @@
 #include <sys/resource.h>
 #endif
 
+#include "workbench/model/image_memory.h"
+
 using namespace workbench;
 
 namespace {
@@ -35,6 +37,7 @@ Settings Example() {
     settings.database_width = 444;
     settings.folded = 0b10010;
     settings.is_wheel_turned = true;
+    settings.image_memory = 4096;
     settings.archives = {"Radiology|pacs|104|PACS|ME|5|5|30", "B|b|1|B|ME|5|5|30"};
     settings.is_sent_anonymously = true;
     settings.archive_secret = std::string(64, 'a');
@@ -116,11 +119,13 @@ TEST(Settings, a_damaged_line_costs_only_itself) {
     int ignored = 0;
     const Settings settings = Settings_Parse(
         "workbench settings\ntheme purple\nwindow 1 2 3\nwindow 1 2 300 x\nwindow 1 2 0 5\ndatabase_width 99999999999\n"
-        "database_view -1\nfolded_panels 256\nenlarged_wheel_turned 2\ntag_colours yes\ntag_opacity 101\nthree_planes "
+        "database_view -1\nfolded_panels 256\nimage_memory -1\nenlarged_wheel_turned 2\ntag_colours yes\ntag_opacity "
+        "101\nthree_planes "
         "2\nnonsense\nrecent "
         "\n\r\ndatabase 1\r\ntheme light\n",
         &ignored);
-    EXPECT_EQ(ignored, 13);
+    EXPECT_EQ(ignored, 14);
+    EXPECT_EQ(settings.image_memory, 0);
     EXPECT_FALSE(settings.is_wheel_turned);
     EXPECT_TRUE(settings.is_database_shown);
     EXPECT_TRUE(settings.is_light);
@@ -154,6 +159,14 @@ TEST(Settings, any_bytes_are_survived_and_what_comes_out_is_in_range) {
         EXPECT_LE(settings.recent.size(), RECENT_MAX);
         Expect_Same(Settings_Parse(Settings_Text(settings)), settings);
     }
+}
+
+TEST(Settings, images_may_take_a_third_of_the_machine_unless_more_or_less_was_chosen) {
+    constexpr std::uint64_t mib = std::uint64_t{1} << 20U;
+    EXPECT_EQ(Image_Memory_Of(0, 12000 * mib), 4000 * mib);
+    EXPECT_EQ(Image_Memory_Of(100, 12000 * mib), 100 * mib);
+    EXPECT_EQ(Image_Memory_Of(IMAGE_MEMORY_MAX, 0), std::uint64_t{IMAGE_MEMORY_MAX} * mib);
+    EXPECT_EQ(Image_Memory_Of(0, 0), 2048 * mib) << "the machine does not say";
 }
 
 TEST(Settings, recent_files_stand_once_and_the_last_one_first) {

@@ -20,7 +20,7 @@ Pixel_Rect Rect_Common(const Pixel_Rect& a, const Pixel_Rect& b) {
 
 Label_Map::Label_Map(int map_width, int map_height, int map_slices)
     : width(map_width), height(map_height), slices(map_slices) {
-    tags.resize(Slice_Size() * static_cast<std::size_t>(slices));
+    tags = decltype(tags)(Slice_Size() * static_cast<std::size_t>(slices));
 }
 
 std::span<std::uint8_t> Label_Map::Slice(int slice) {

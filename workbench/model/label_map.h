@@ -7,6 +7,8 @@
 #include <span>
 #include <vector>
 
+#include "workbench/model/zeroed_memory.h"
+
 namespace workbench {
 
 /** TAG numbers are 0 (background) .. TAG_MAX - 1. */
@@ -59,7 +61,7 @@ class Label_Map {
     int width = 0;
     int height = 0;
     int slices = 0;
-    std::vector<std::uint8_t> tags;
+    std::vector<std::uint8_t, Zeroed_Memory<std::uint8_t>> tags;  // untouched slices take no room
 };
 
 }  // namespace workbench

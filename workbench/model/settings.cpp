@@ -157,6 +157,9 @@ bool Take_Line(std::string_view name, std::string_view value, Settings& settings
     if (name == "enlarged_wheel_turned") {
         return Take_Flag(value, settings.is_wheel_turned);
     }
+    if (name == "image_memory") {
+        return Take_Number(value, 0, IMAGE_MEMORY_MAX, settings.image_memory);
+    }
     if (name == "archive" && Is_Path(value) && settings.archives.size() < ARCHIVE_MAX) {
         settings.archives.emplace_back(value);
         return true;
@@ -239,6 +242,7 @@ std::string Settings_Text(const Settings& settings) {
     line("database_width", std::to_string(settings.database_width));
     line("folded_panels", std::to_string(settings.folded));
     flag("enlarged_wheel_turned", settings.is_wheel_turned);
+    line("image_memory", std::to_string(settings.image_memory));
     for (const std::string& one : settings.archives) {
         line("archive", one);
     }

@@ -43,6 +43,7 @@ struct Settings {
     int database_width = 0;             ///< pixels at 96 dots per inch; 0: not chosen
     unsigned int folded = 0;            ///< bit per panel of the tool area, the first one lowest
     bool is_wheel_turned = false;       ///< of the enlarged histogram: forward narrows
+    int image_memory = 0;               ///< MiB, of the levels of all open images; 0: a part of the machine's memory
     std::vector<std::string> archives;  ///< one line each, whatever is in it
     bool is_sent_anonymously = false;   ///< what was chosen last
     std::string archive_secret;         ///< of this installation, for what is sent anonymously; empty: none yet
@@ -53,6 +54,7 @@ inline constexpr std::size_t RECENT_MAX = 8;
 inline constexpr std::size_t ARCHIVE_MAX = 50;
 inline constexpr int DATABASE_VIEW_MAX = 4;       ///< the highest tab
 inline constexpr int DATABASE_WIDTH_MAX = 4000;   ///< pixels at 96 dots per inch
+inline constexpr int IMAGE_MEMORY_MAX = 1 << 22;  ///< MiB
 inline constexpr unsigned int FOLDED_MAX = 0xFF;  ///< all bits that mean something
 
 /** Puts a path at the front of the list; it stands there once. */

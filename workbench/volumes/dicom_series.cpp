@@ -343,6 +343,7 @@ void Times_Split(Folder_Volume&& one, Image_Folder& folder) {
         folder.volumes.push_back(std::move(one));
         return;
     }
+    one.tally.reset();  // it is that of all times together
     const Voxel_Levels all = std::exchange(volume.levels, {});
     const std::int32_t times = std::exchange(volume.nt, 1);
     const std::size_t size = volume.Voxel_Nb_3D();

@@ -308,6 +308,7 @@ class Folder_Reader {
         Folder_Volume made;
         made.title = name;
         made.volume = std::move(*result.volume);
+        made.tally = std::move(result.tally);
         made.modality = made.volume.color ? modality_other : modality_magnetic_resonance;
         made.descriptor = made.volume.color ? "Colour image" : "Grey image, " + made.volume.scalar_type;
         made.path = path;

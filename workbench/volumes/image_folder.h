@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -30,6 +31,7 @@ struct Folder_Volume {
     bool is_cine = false;                     ///< the slices are moments, volume.time_step seconds apart
     std::filesystem::path path;               ///< the file that it came from, or the first of them
     Volume volume;                            ///< nt is 1
+    std::optional<Level_Tally> tally;         ///< of all its levels, where they were counted while they were read
     std::vector<std::int32_t> file_of_slice;  ///< of every slice: an index into Image_Folder::files
 };
 

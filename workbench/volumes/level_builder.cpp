@@ -9,8 +9,8 @@ namespace volumes {
 namespace {
 
 // Makes room for `more` elements: by doubling, but never beyond what was announced.
-template <class Element>
-std::size_t Grow(std::vector<Element>& list, std::size_t more, std::uint64_t total) {
+template <class List>
+std::size_t Grow(List& list, std::size_t more, std::uint64_t total) {
     const std::size_t old_size = list.size();
     if (list.capacity() - old_size < more) {
         const std::uint64_t doubled = std::min<std::uint64_t>(static_cast<std::uint64_t>(old_size) * 2, total);
@@ -19,6 +19,9 @@ std::size_t Grow(std::vector<Element>& list, std::size_t more, std::uint64_t tot
     list.resize(old_size + more);
     return old_size;
 }
+
+// Fewer voxels are not worth a thread and its tables.
+constexpr std::size_t COLLECTED_LEAST = std::size_t{1} << 20U;
 
 // Types whose every value is a level of 16 bits.
 template <class Stored>
@@ -53,11 +56,20 @@ void Level_Builder::Reserve(std::uint64_t voxels) {
     const auto count = static_cast<std::size_t>(std::min(voxels, total_nb));
     if (Voxel_Type_Size(type) <= sizeof(std::uint16_t)) {
         narrow.reserve(count);
+        if (count == total_nb && count >= COLLECTED_LEAST) {
+            narrow.resize(count);
+            collector.emplace(type, order, code, narrow);
+        }
     } else if (Voxel_Type_Size(type) <= sizeof(std::int32_t)) {
         levels.reserve(count);
     } else {
         wide.reserve(count);
     }
+}
+
+void Level_Builder::Take(std::size_t bytes) {
+    collector->Take(bytes);
+    voxel_nb += bytes / Voxel_Type_Size(type);
 }
 
 template <class Stored>
@@ -107,6 +119,16 @@ void Level_Builder::Append_Color(std::span<const std::uint8_t> bytes, std::size_
 }
 
 void Level_Builder::Append(std::span<const std::uint8_t> bytes) {
+    while (collector && !bytes.empty()) {
+        const std::span<std::uint8_t> room = collector->Room();
+        const std::size_t part = std::min(room.size(), bytes.size());
+        std::ranges::copy(bytes.first(part), room.begin());
+        Take(part);
+        bytes = bytes.subspan(part);
+    }
+    if (collector) {
+        return;
+    }
     switch (type) {
         case Voxel_Type::Uint8:
             return Append_As<std::uint8_t>(bytes);

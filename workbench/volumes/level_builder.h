@@ -4,10 +4,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "workbench/volumes/narrow_collector.h"
 #include "workbench/volumes/nifti_header.h"
 
 namespace volumes {
@@ -35,13 +37,22 @@ class Level_Builder {
     /** Makes room for so many voxels at once, but for no more than will come at most. For those that are known to be
      *  there, or likely. Throws std::bad_alloc. */
     void Reserve(std::uint64_t voxels);
+    /** Whether Room and Take may be used in place of Append: there is room for all of many voxels, of up to 16
+     *  bits. Then their levels are made and counted while more are read. */
+    bool Is_Collecting() const { return collector.has_value(); }
+    /** Room for the next bytes, whole voxels; waits until there is one. */
+    std::span<std::uint8_t> Room() { return collector->Room(); }
+    /** Adds the voxels in the first bytes of the room. @param bytes of whole voxels, no more than are missing */
+    void Take(std::size_t bytes);
     /** Adds voxels. @param bytes whole voxels. Throws std::bad_alloc. */
     void Append(std::span<const std::uint8_t> bytes);
     std::uint64_t Voxel_Nb() const { return voxel_nb; }
     /** Moves the levels into `volume` and fills in color, scalar_type, slope, intercept, max_error, nonfinite_nb,
-     *  level_min and level_max.
+     *  level_min and level_max. Throws std::bad_alloc.
      *  @param file_slope, file_intercept the file's own scale, finite, slope not 0 */
     void Finish(double file_slope, double file_intercept, Volume& volume);
+    /** How often each level occurs, after Finish; nothing where they were not counted. */
+    std::optional<Level_Tally>& Tally() { return tally; }
 
   private:
     template <class Stored>
@@ -49,7 +60,7 @@ class Level_Builder {
     void Append_Color(std::span<const std::uint8_t> bytes, std::size_t voxel_size);
     template <class Stored>
     Stored Value(std::size_t i) const;
-    void Finish_Narrow(Volume& volume) const;
+    void Finish_Narrow(Volume& volume);
     template <class Stored>
     void Finish_Integer(Volume& volume);
     template <class Stored>
@@ -77,10 +88,12 @@ class Level_Builder {
     std::uint64_t voxel_nb = 0;
     double inside_low = std::numeric_limits<double>::lowest();  // values beyond are LEVEL_OUTSIDE, as are no numbers
     double inside_high = std::numeric_limits<double>::max();
-    Level_Code code;                    // of `narrow`
-    std::vector<std::uint16_t> narrow;  // values of up to 2 bytes: the level's code
-    std::vector<std::int32_t> levels;   // values of 4 bytes and colours: the level, or the bits of a uint32 or float32
-    std::vector<std::uint64_t> wide;    // the bits of values of 8 bytes
+    Level_Code code;                   // of `narrow`
+    Level_Codes narrow;                // values of up to 2 bytes: the level's code
+    std::vector<std::int32_t> levels;  // values of 4 bytes and colours: the level, or the bits of a uint32 or float32
+    std::vector<std::uint64_t> wide;   // the bits of values of 8 bytes
+    std::optional<Narrow_Collector> collector;  // fills `narrow`, and ends before it
+    std::optional<Level_Tally> tally;
 };
 
 /** What a user has to know of the values that a volume leaves outside, each to follow the file's name; nothing when all

@@ -87,8 +87,14 @@ bool Level_Builder::Type_Ends_Find(Volume& volume) {
     return true;
 }
 
-void Level_Builder::Finish_Narrow(Volume& volume) const {
+void Level_Builder::Finish_Narrow(Volume& volume) {
     if (narrow.empty()) {
+        return;
+    }
+    if (collector) {
+        tally = collector->Finish();
+        volume.level_min = tally->lowest;
+        volume.level_max = tally->lowest + static_cast<std::int32_t>(tally->times.size()) - 1;
         return;
     }
     std::uint16_t smallest = Level_Code::LAST;

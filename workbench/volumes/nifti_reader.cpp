@@ -199,13 +199,18 @@ void Loader::Extensions_Pass(std::uint64_t position) {
 void Loader::Voxels_Read(const std::string& name, Decoded_Source& voxels, Level_Builder& builder) const {
     const std::size_t voxel_size = Voxel_Type_Size(header.type);
     const std::size_t block_nb = BLOCK_SIZE / voxel_size;
-    std::vector<std::uint8_t> block(static_cast<std::size_t>(std::min<std::uint64_t>(block_nb, header.voxel_nb)) *
-                                    voxel_size);
+    const std::uint64_t own_nb = builder.Is_Collecting() ? 0 : std::min<std::uint64_t>(block_nb, header.voxel_nb);
+    std::vector<std::uint8_t> block(static_cast<std::size_t>(own_nb) * voxel_size);
     while (builder.Voxel_Nb() < header.voxel_nb) {
         const std::uint64_t left = header.voxel_nb - builder.Voxel_Nb();
-        const std::size_t wanted = static_cast<std::size_t>(std::min<std::uint64_t>(left * voxel_size, block.size()));
-        const std::size_t got = voxels.Read(std::span(block).first(wanted));
-        builder.Append(std::span(block).first(got / voxel_size * voxel_size));
+        const std::span<std::uint8_t> room = builder.Is_Collecting() ? builder.Room() : std::span(block);
+        const std::size_t wanted = static_cast<std::size_t>(std::min<std::uint64_t>(left * voxel_size, room.size()));
+        const std::size_t got = voxels.Read(room.first(wanted));
+        if (builder.Is_Collecting()) {
+            builder.Take(got / voxel_size * voxel_size);
+        } else {
+            builder.Append(room.first(got / voxel_size * voxel_size));
+        }
         if (got < wanted) {
             Fail(name, End_Text(voxels.End(), Voxels_Present(builder.Voxel_Nb())));
         }
@@ -289,6 +294,7 @@ void Loader::Voxels_Load(Byte_Source* image) {
     volume.encoding = Encoding_Text(voxels.Compressed());
     Report(1.0);
     result.volume = std::move(volume);
+    result.tally = std::move(builder.Tally());
 }
 
 std::string Loader::Encoding_Text(bool is_compressed) const {

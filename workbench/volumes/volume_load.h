@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "workbench/volumes/level_tally.h"
 #include "workbench/volumes/memory_share.h"
 #include "workbench/volumes/volume.h"
 
@@ -27,6 +28,7 @@ struct Load_Limits {
 
 struct Load_Result {
     std::optional<Volume> volume;       ///< no value: see error
+    std::optional<Level_Tally> tally;   ///< of all levels, where they were counted while they were read
     std::string error;                  ///< one sentence for the user, UTF-8, naming the file; empty on success
     bool cancelled = false;             ///< the progress callback gave up; `error` says so too
     std::vector<std::string> warnings;  ///< sentences about oddities that did not prevent loading

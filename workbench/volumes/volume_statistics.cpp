@@ -126,6 +126,7 @@ class Level_Counts {
   public:
     static constexpr std::int64_t RANGE_MOST = std::int64_t{1} << 18U;
 
+    explicit Level_Counts(const Level_Tally& tally) : lowest(tally.lowest), counts(tally.times) {}
     explicit Level_Counts(const Volume& volume) : lowest(volume.level_min) {
         const auto level_nb = static_cast<std::size_t>(std::int64_t{volume.level_max} - volume.level_min + 1);
         const std::size_t size = volume.levels.size();
@@ -203,8 +204,7 @@ Volume_Statistics Statistics_Of(const Volume& volume, std::uint64_t count, doubl
     return statistics;
 }
 
-Volume_Statistics Statistics_Of_Counts(const Volume& volume) {
-    const Level_Counts counts(volume);
+Volume_Statistics Statistics_Of_Counts(const Volume& volume, const Level_Counts& counts) {
     const std::uint64_t count = counts.Count();
     if (count == 0) {
         return {};
@@ -222,7 +222,7 @@ Volume_Statistics Statistics_Of_Counts(const Volume& volume) {
 Volume_Statistics Statistics_Of_Grey(const Volume& volume) {
     if (volume.level_max <= LEVEL_LARGEST &&
         std::int64_t{volume.level_max} - volume.level_min < Level_Counts::RANGE_MOST) {
-        return Statistics_Of_Counts(volume);
+        return Statistics_Of_Counts(volume, Level_Counts(volume));
     }
     Volume_Statistics statistics;
     std::int64_t sum = 0;
@@ -248,11 +248,14 @@ Volume_Statistics Statistics_Of_Grey(const Volume& volume) {
 
 }  // namespace
 
-Volume_Statistics Volume_Statistics_Compute(const Volume& volume) {
+Volume_Statistics Volume_Statistics_Compute(const Volume& volume, const Level_Tally* tally) {
     if (volume.levels.empty()) {
         return {};
     }
-    Volume_Statistics statistics = volume.color ? Statistics_Of_Color(volume.levels) : Statistics_Of_Grey(volume);
+    const auto of_grey = [&] {
+        return tally != nullptr ? Statistics_Of_Counts(volume, Level_Counts(*tally)) : Statistics_Of_Grey(volume);
+    };
+    Volume_Statistics statistics = volume.color ? Statistics_Of_Color(volume.levels) : of_grey();
     Window_Mend(statistics);
     return statistics;
 }

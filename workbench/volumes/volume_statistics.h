@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 
+#include "workbench/volumes/level_tally.h"
 #include "workbench/volumes/volume.h"
 
 namespace volumes {
@@ -23,8 +24,9 @@ struct Volume_Statistics {
 inline constexpr double WINDOW_TAIL = 0.01;
 
 /** Statistics of a whole volume. The p-th percentile is the smallest value that at least p % of the values do not
- * exceed. A volume that is nearly all of one value would have no window: it gets min .. max instead. One that is all of
- * one value gets a window around it, in which it is mid grey. */
-Volume_Statistics Volume_Statistics_Compute(const Volume& volume);
+ *  exceed. A volume that is nearly all of one value would have no window: it gets min .. max instead. One that is all
+ *  of one value gets a window around it, in which it is mid grey.
+ *  @param tally of the volume's levels, which then need not be looked at; null: they are counted. Not for colours */
+Volume_Statistics Volume_Statistics_Compute(const Volume& volume, const Level_Tally* tally = nullptr);
 
 }  // namespace volumes

@@ -95,7 +95,7 @@ Voxel_Levels::Voxel_Levels(std::vector<std::int32_t>&& levels) {
     wide = std::move(levels);
 }
 
-Voxel_Levels Voxel_Levels::Of_Codes(std::vector<std::uint16_t>&& codes, const Level_Code& code) {
+Voxel_Levels Voxel_Levels::Of_Codes(Level_Codes&& codes, const Level_Code& code) {
     Voxel_Levels made;
     made.codes = std::move(codes);
     made.code = code;
@@ -146,7 +146,7 @@ void Voxel_Levels::Widen(std::size_t capacity) {
     wide.resize(codes.size());
     View().Copy_To(wide);
     is_narrow = false;
-    std::vector<std::uint16_t>().swap(codes);
+    Level_Codes().swap(codes);
 }
 
 void Voxel_Levels::Append(const Level_View& levels) {

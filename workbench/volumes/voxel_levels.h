@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+#include "workbench/volumes/unset_memory.h"
+
 namespace volumes {
 
 /** Largest value that a level has; the few numbers above it are free to mean "outside the image". */
@@ -144,6 +146,9 @@ class Level_View {
 /** The same levels in the same order, whatever they are kept in. */
 bool operator==(const Level_View& a, const Level_View& b);
 
+/** Codes of levels, each written before it is read. */
+using Level_Codes = std::vector<std::uint16_t, Unset_Memory<std::uint16_t>>;
+
 /** Owns the levels of a volume: 16 bits for each as long as one Level_Code has them all, else 32. Reading levels is
  *  free of locks and may be done by any number of threads. All that writes throws std::bad_alloc. */
 class Voxel_Levels {
@@ -158,7 +163,7 @@ class Voxel_Levels {
     Voxel_Levels(std::initializer_list<std::int32_t> levels) : Voxel_Levels(Level_View(Wide_Levels(levels))) {}
     explicit Voxel_Levels(const Level_View& levels) { Append(levels); }
     /** Takes codes over as they are. */
-    static Voxel_Levels Of_Codes(std::vector<std::uint16_t>&& codes, const Level_Code& code);
+    static Voxel_Levels Of_Codes(Level_Codes&& codes, const Level_Code& code);
     /** Takes levels over as they are, in 32 bits even where 16 would do. */
     static Voxel_Levels Of_Wide(std::vector<std::int32_t>&& levels);
     /** `nb` levels, all `lowest`, with room for lowest .. highest and, if wanted, LEVEL_OUTSIDE. */
@@ -206,7 +211,7 @@ class Voxel_Levels {
 
     bool is_narrow = true;
     Level_Code code;
-    std::vector<std::uint16_t> codes;
+    Level_Codes codes;
     std::vector<std::int32_t> wide;
 };
 

@@ -273,6 +273,23 @@ TEST_F(Dicom_Folder, leaves_out_volumes_that_do_not_fit_beside_the_others) {
     EXPECT_THAT(Open(Load_Limits{6400}).volumes, SizeIs(2));
 }
 
+TEST_F(Dicom_Folder, a_tally_is_that_of_the_volume_beside_it) {
+    Nifti_Bytes bytes = Small_File();
+    bytes.datatype = 4;
+    bytes.bitpix = 16;
+    bytes.voxels.assign(std::size_t{2} * 1200 * 1000, 1);
+    bytes.dim = {4, 120, 100, 50, 2, 1, 1, 1};
+    Write("times.nii", bytes.File());
+    bytes.dim = {3, 120, 100, 100, 1, 1, 1, 1};
+    Write("whole.nii", bytes.File());
+    const Image_Folder opened = Open();
+    ASSERT_THAT(opened.volumes, SizeIs(3));
+    EXPECT_FALSE(opened.volumes[0].tally) << "it would be that of both times";
+    EXPECT_FALSE(opened.volumes[1].tally);
+    ASSERT_TRUE(opened.volumes[2].tally);
+    EXPECT_THAT(opened.volumes[2].tally->times, ElementsAre(1'200'000));
+}
+
 TEST_F(Dicom_Folder, files_read_side_by_side_share_one_limit_as_if_they_were_read_one_after_the_other) {
     constexpr int file_nb = 40;
     for (int at = 0; at < file_nb; ++at) {

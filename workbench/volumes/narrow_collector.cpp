@@ -1,0 +1,174 @@
+#include "workbench/volumes/narrow_collector.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "workbench/volumes/work_share.h"
+
+namespace volumes {
+
+namespace {
+
+constexpr std::size_t BLOCK_SIZE = std::size_t{1} << 20U;    // bytes
+constexpr std::size_t THREAD_WORTH = std::size_t{4} << 20U;  // voxels
+constexpr std::size_t THREADS_MOST = 4;                      // reading is not faster than that
+constexpr std::size_t BLOCKS_PER_THREAD = 3;
+constexpr std::size_t CODE_NB = std::size_t{1} << 16U;
+constexpr std::size_t BANKS = 4;  // neighbours are often alike: they must not wait for each other's store
+constexpr std::size_t COUNTED_MOST = std::size_t{1} << 30U;  // voxels: their counts fit into 32 bits
+constexpr std::size_t STRIP = std::size_t{1} << 14U;         // voxels that stay in the nearest memory
+
+template <class Stored, Byte_Order ORDER>
+void Codes_Make(const std::uint8_t* from, std::int32_t base, std::span<std::uint16_t> to) {
+    for (std::size_t i = 0; i < to.size(); ++i) {
+        to[i] = static_cast<std::uint16_t>(Value_Read<Stored>(from + i * sizeof(Stored), ORDER) - base);
+    }
+}
+
+template <class Stored>
+void Codes_Make(const std::uint8_t* from, Byte_Order order, std::int32_t base, std::span<std::uint16_t> to) {
+    if (order == Byte_Order::Little) {  // known at compile time: several values in one instruction
+        Codes_Make<Stored, Byte_Order::Little>(from, base, to);
+    } else {
+        Codes_Make<Stored, Byte_Order::Big>(from, base, to);
+    }
+}
+
+}  // namespace
+
+Narrow_Collector::Narrow_Collector(Voxel_Type voxel_type, Byte_Order byte_order, const Level_Code& voxel_code,
+                                   std::span<std::uint16_t> to)
+    : type(voxel_type), order(byte_order), code(voxel_code), codes(to), times(CODE_NB) {
+    const std::size_t thread_nb = Work_Thread_Nb(std::clamp<std::size_t>(to.size() / THREAD_WORTH, 1, THREADS_MOST));
+    blocks.resize(std::max<std::size_t>(thread_nb * BLOCKS_PER_THREAD, 1));
+    const std::size_t size = std::min(BLOCK_SIZE, std::max<std::size_t>(to.size() * Voxel_Type_Size(type), 1));
+    for (Block& block : blocks) {
+        block.bytes.resize(size);
+        idle.push_back(&block);
+    }
+    tables.resize(std::max<std::size_t>(thread_nb, 1));
+    for (Table& table : tables) {
+        table.banks.resize(CODE_NB * BANKS);
+    }
+    try {
+        threads.reserve(thread_nb);
+        while (threads.size() < thread_nb) {
+            threads.emplace_back([this, &table = tables[threads.size()]] { Work(table); });
+        }
+    } catch (const std::exception&) {  // no thread, or no room for one
+        // Those that there are do it all; without any, who reads does.
+    }
+}
+
+Narrow_Collector::~Narrow_Collector() {
+    {
+        const std::lock_guard lock(mutex);
+        full.clear();
+        is_ended = true;
+    }
+    changed.notify_all();
+    for (std::thread& one : threads) {
+        one.join();
+    }
+}
+
+std::span<std::uint8_t> Narrow_Collector::Room() {
+    std::unique_lock lock(mutex);
+    changed.wait(lock, [this] { return !idle.empty(); });
+    return idle.front()->bytes;
+}
+
+void Narrow_Collector::Take(std::size_t bytes) {
+    const std::size_t nb = std::min(bytes / Voxel_Type_Size(type), codes.size() - taken);
+    std::unique_lock lock(mutex);
+    Block* const block = idle.front();
+    block->used = nb * Voxel_Type_Size(type);
+    block->at = std::exchange(taken, taken + nb);
+    if (threads.empty()) {
+        lock.unlock();
+        return Do(*block, tables.front());
+    }
+    idle.pop_front();
+    full.push_back(block);
+    lock.unlock();
+    changed.notify_all();
+}
+
+Level_Tally Narrow_Collector::Finish() {
+    {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [this] { return full.empty() && busy_nb == 0; });
+    }
+    std::ranges::for_each(tables, [this](Table& table) { Empty(table); });
+    const auto occurs = [](std::uint64_t nb) { return nb != 0; };
+    const auto first = std::ranges::find_if(times, occurs);
+    if (first == times.end()) {
+        return {};
+    }
+    const auto end = std::find_if(times.rbegin(), times.rend(), occurs).base();
+    // Levels rise with their codes: a type of up to 16 bits leaves none outside.
+    return {code.Level(static_cast<std::uint16_t>(first - times.begin())), {first, end}};
+}
+
+void Narrow_Collector::Work(Table& table) {
+    std::unique_lock lock(mutex);
+    while (true) {
+        changed.wait(lock, [this] { return is_ended || !full.empty(); });
+        if (full.empty()) {
+            return;
+        }
+        Block* const block = full.front();
+        full.pop_front();
+        ++busy_nb;
+        lock.unlock();
+        Do(*block, table);
+        lock.lock();
+        --busy_nb;
+        idle.push_back(block);
+        changed.notify_all();
+    }
+}
+
+void Narrow_Collector::Do(const Block& block, Table& table) {
+    const std::size_t voxel_size = Voxel_Type_Size(type);
+    const std::size_t nb = block.used / voxel_size;
+    for (std::size_t at = 0; at < nb; at += STRIP) {
+        const std::span<std::uint16_t> strip = codes.subspan(block.at + at, std::min(STRIP, nb - at));
+        const std::uint8_t* const from = block.bytes.data() + at * voxel_size;
+        switch (type) {
+            case Voxel_Type::Uint8:
+                Codes_Make<std::uint8_t>(from, order, code.base, strip);
+                break;
+            case Voxel_Type::Int8:
+                Codes_Make<std::int8_t>(from, order, code.base, strip);
+                break;
+            case Voxel_Type::Int16:
+                Codes_Make<std::int16_t>(from, order, code.base, strip);
+                break;
+            default:
+                Codes_Make<std::uint16_t>(from, order, code.base, strip);
+                break;
+        }
+        std::uint32_t* const banks = table.banks.data();
+        for (std::size_t i = 0; i < strip.size(); ++i) {
+            ++banks[std::size_t{strip[i]} * BANKS + i % BANKS];
+        }
+    }
+    table.counted += nb;
+    if (table.counted > COUNTED_MOST) {
+        Empty(table);
+    }
+}
+
+void Narrow_Collector::Empty(Table& table) {
+    const std::lock_guard lock(mutex);
+    for (std::size_t at = 0; at < CODE_NB; ++at) {
+        for (std::size_t bank = 0; bank < BANKS; ++bank) {
+            times[at] += std::exchange(table.banks[at * BANKS + bank], 0U);
+        }
+    }
+    table.counted = 0;
+}
+
+}  // namespace volumes
