@@ -31,7 +31,8 @@ Archive_Settings Radiology() {
             .port = 11112,
             .called_title = "PACS",
             .own_title = "ME",
-            .times = {}};
+            .times = {},
+            .other_callers = {}};
 }
 
 /** What is entered into a form, by the number of a field; and the button. */
