@@ -4,7 +4,7 @@ import shutil
 import subprocess
 import time
 
-from driver.scenario import Skipped, package_file, scenario
+from driver.scenario import Skipped, scenario
 from driver.workbench import windows_path
 
 SIDE, SLICES = 96, 40
@@ -214,90 +214,6 @@ def organs_are_segmented_and_measured(run):
     rows = save_table(app, "Save the statistics of the TAGs", run.folder / "statistics.csv")
     run.same("every TAG has a row", [row["TAG"] for row in rows], ["0", *(str(tag) for tag in ORGANS)])
     numbers_are_scipys(run, rows, labels, greys, SPACING)
-
-
-def point_at(app, voxel, size):
-    """The mouse over a voxel of an image whose axes run to the right, the front and the top: it is shown turned."""
-    while (at := app.state().slice) != voxel[2]:
-        app.key("Page_Up" if at < voxel[2] else "Page_Down")
-    app.move(*app.in_image(*(100 * (side - 0.5 - place) / side for place, side in zip(voxel[:2], size))))
-
-
-VENTRICLES, WHITE_MATTER = 8, 2
-
-
-@scenario()
-def ventricles_and_white_matter_are_measured(run):
-    """The steps of docs/tutorial.md on the T1 brain, with its pictures: voxel for voxel and number for number what
-    SciPy makes of the same steps."""
-    numpy, scipy, nibabel = witnesses()
-    path = run.brain()
-    greys = saved(path)
-    inside = numpy.asanyarray(nibabel.load(brain_alone()).dataobj) > 0
-    app = run.start(path, labels=run.folder / "labels.nii.gz")
-    seed = (78, 125, 95)
-    point_at(app, seed, greys.shape)
-    run.shot("tutorial_begin", " - Workbench")
-    band(app, VENTRICLES, 10, 50)
-    band(app, WHITE_MATTER, 105, 150)
-    app.key("semicolon")
-    run.shot("tutorial_bands", " - Workbench")
-    app.key("semicolon", str(VENTRICLES))
-
-    ask(app, "Work on a range of slices", "Range of slices", "76 to 106")
-    point_at(app, seed, greys.shape)
-    app.key("f")
-    told(app, "Fill with .*: [0-9]+ voxels")
-    part = greys[:, :, 75:106]
-    regions, _ = scipy.ndimage.label((part >= 10) & (part <= 50))
-    fluid = regions == regions[78, 125, 95 - 75]
-    app.expect("the fluid around the cursor is filled", counts={str(VENTRICLES): int(fluid.sum())})
-    run.shot("tutorial_ventricles", " - Workbench")
-    app.menu("Fill holes in space")
-    told(app, "Fill holes of .* in space: [0-9]+ voxel")
-    expected = numpy.zeros(greys.shape, numpy.uint8)
-    expected[:, :, 75:106][scipy.ndimage.binary_fill_holes(fluid)] = VENTRICLES
-
-    app.menu("Work on the whole volume")
-    app.key(str(WHITE_MATTER), "ctrl+b")
-    told(app, "Apply the band of .*: [0-9]+ voxels")
-    app.menu("Keep the largest region")
-    told(app, "Keep the largest region of .*: [0-9]+ voxel")
-    regions, _ = scipy.ndimage.label((greys >= 105) & (greys <= 150), numpy.ones((3, 3, 3)))
-    expected[regions == numpy.bincount(regions.ravel())[1:].argmax() + 1] = WHITE_MATTER
-    app.key("y")
-    app.expect("three planes", planes=1)
-    run.shot("tutorial_planes", " - Workbench")
-    app.key("y", "ctrl+s")
-    app.expect("the labels are saved", unsaved=0)
-    labels = saved(run.folder / "labels.nii.gz")
-    run.check("voxel for voxel what SciPy makes", numpy.array_equal(labels, expected))
-
-    app.key("ctrl+t")
-    app.window("Statistics of the TAGs")
-    run.shot("tutorial_statistics", "Statistics of the TAGs")
-    app.close("Statistics of the TAGs")
-    app.menu("Export statistics")
-    rows = save_table(app, "Save the statistics of the TAGs", run.folder / "statistics.csv")
-    numbers_are_scipys(run, rows, labels, greys, (1.0, 1.0, 1.0))
-    volumes = {int(row["TAG"]): float(row["Volume (ml)"]) for row in rows}
-    run.note(f"ventricles {volumes[VENTRICLES]:.1f} ml, white matter {volumes[WHITE_MATTER]:.1f} ml")
-    run.check("the ventricles are as large as such are", 15 < volumes[VENTRICLES] < 20)
-    share = numpy.count_nonzero(inside & (labels == WHITE_MATTER)) / numpy.count_nonzero(labels == WHITE_MATTER)
-    run.check("the white matter lies in the brain", share > 0.9999, f"({share})")
-    app.menu("Save contact sheet")
-    app.fill("Contact sheet", "12")
-    app.choose_file("Save contact sheet", run.folder / "sheet.png")
-    app.wait_said("status The picture was saved to sheet.png")
-    shutil.copy(run.folder / "sheet.png", run.out / "tutorial_sheet.png")
-
-
-def brain_alone():
-    """The sample brain without its skull, as its distributor cut it."""
-    path = package_file("mricron-data", "/ch2bet.nii.gz")
-    if path is None:
-        raise Skipped("the brain-extracted volume is not there")
-    return path
 
 
 @scenario()
