@@ -119,6 +119,7 @@ def ventricles_and_white_matter_are_measured(run):
     app.menu("Export statistics")
     rows = save_table(app, "Save the statistics of the TAGs", run.folder / "statistics.csv")
     numbers_are_scipys(run, rows, labels, greys, (1.0, 1.0, 1.0))
+    run.same("as many regions are shown", [row["Regions"] for row in shown.values()], [row["Regions"] for row in rows])
     volumes = {int(row["TAG"]): float(row["Volume (ml)"]) for row in rows}
     run.note(f"ventricles {volumes[VENTRICLES]:.1f} ml, white matter {volumes[WHITE_MATTER]:.1f} ml")
     tutorial = (ROOT / "docs/tutorial.md").read_text(encoding="utf-8")
