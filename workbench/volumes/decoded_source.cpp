@@ -138,4 +138,22 @@ void Decoded_Source::Member_Finish() {
     }
 }
 
+std::string Decode_End_Text(Decode_End end, const std::string& present) {
+    switch (end) {
+        case Decode_End::Read_Error:
+            return "cannot be read to its end: " + present;
+        case Decode_End::Damaged:
+            return "is corrupt: its compressed data are damaged, " + present;
+        case Decode_End::Wrong_Checksum:
+            return "is corrupt: its checksum does not fit its data, " + present;
+        case Decode_End::No_Memory:
+            return "cannot be decompressed for want of memory";
+        case Decode_End::Not_Yet:
+        case Decode_End::Complete:
+        case Decode_End::Cut_Off:
+            break;
+    }
+    return "is truncated: " + present;
+}
+
 }  // namespace volumes

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "workbench/volumes/byte_source.h"
@@ -22,6 +23,9 @@ enum class Decode_End {
     Wrong_Checksum,  ///< the compressed data decode, but to something else than was once stored
     No_Memory,       ///< no memory for decoding
 };
+
+/** The clause for an end of data that is not a proper one. @param present how far reading came */
+std::string Decode_End_Text(Decode_End end, const std::string& present);
 
 /** Passes plain bytes on and decodes gzip, which it recognises by content. Several gzip members in a row are one
  * content. Bytes after the last member that are no gzip are left alone (see Has_Garbage).

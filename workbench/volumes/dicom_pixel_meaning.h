@@ -28,6 +28,12 @@ struct Pixel_Meaning {
     bool Is_Plain() const {
         return !format.Is_Color() && !padding && !greys && format.bits_stored <= BITS_ALWAYS_LEVELS;
     }
+    /** Bytes of a level; more where the values turn out to need them. */
+    std::uint64_t Level_Size_Least() const {
+        constexpr std::int32_t narrow_bits = 16;
+        const bool may_be_narrow = !format.Is_Color() && format.bits_stored <= narrow_bits;
+        return may_be_narrow ? sizeof(std::uint16_t) : sizeof(std::int32_t);
+    }
     /** From where to where the values of pixels can be, if 16 bits may be enough for them. */
     std::optional<std::pair<std::int32_t, std::int32_t>> Value_Range() const;
 };

@@ -40,8 +40,6 @@ struct No_Room {
     std::string text;
 };
 
-constexpr std::int32_t NARROW_BITS = 16;  // whose values are levels of 16 bits
-
 /** One file while it is read. */
 class File_Reader {
   public:
@@ -60,7 +58,6 @@ class File_Reader {
     void Frames_Open();
     /** Whether there may be so much memory for levels. @param level_size bytes of each */
     void Memory_Check(std::uint64_t level_size);
-    void Memory_Check();
     Frame_Size Frame_Size_Of() const;
     /** Gets the bytes of frames, on several threads where that is possible, and gives each frame to `take` with its
      * number in the list. */
@@ -127,23 +124,18 @@ void File_Reader::Memory_Check(std::uint64_t level_size) {
     }
 }
 
-void File_Reader::Memory_Check() {
-    const bool may_be_narrow = !meaning.format.Is_Color() && meaning.format.bits_stored <= NARROW_BITS;
-    Memory_Check(may_be_narrow ? sizeof(std::uint16_t) : sizeof(std::int32_t));
-}
-
 void File_Reader::Frames_Open() {
     const std::int32_t told = Field_Integer(*file.getDataset(), DCM_NumberOfFrames).value_or(1);
     if (told < 0) {
         throw Dicom_Refusal{"says that it has " + std::to_string(told) + " frames"};
     }
     frame_nb = std::max(told, 1);
-    Memory_Check();
+    Memory_Check(meaning.Level_Size_Least());
     frame_nb = stored->Open(told, meaning.format);
     if (told == 0) {
         Warn("says that it has 0 frames; there " + std::string(frame_nb == 1 ? "is " : "are ") +
              std::to_string(frame_nb));
-        Memory_Check();
+        Memory_Check(meaning.Level_Size_Least());
     }
     stored->Length_Check();
     has_warnings.assign(static_cast<std::size_t>(frame_nb), 0);
@@ -371,22 +363,7 @@ Dicom_Result File_Reader::Read() {
     return std::move(result);
 }
 
-bool Is_Group(std::uint8_t first, std::uint8_t second) {
-    constexpr std::uint8_t identifying = 8;
-    return (second == 0 && (first == identifying || first == 2)) ||
-           (first == 0 && (second == identifying || second == 2));
-}
-
 }  // namespace
-
-bool Dicom_Is_Likely(std::span<const std::uint8_t> head) {
-    if (Dicom_Has_Mark(head) || Dicom_Has_Meta(head)) {
-        return true;
-    }
-    // Without a preamble: a data set that begins with one of the first groups, in either byte order.
-    constexpr std::size_t element_least = 8;
-    return head.size() >= element_least && Is_Group(head[0], head[1]);
-}
 
 Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits& limits, const Load_Progress& progress,
                         Reading_Room* room) noexcept {

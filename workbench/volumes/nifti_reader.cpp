@@ -34,25 +34,6 @@ struct Load_Failure {
     throw Load_Failure{name + ' ' + what + '.'};
 }
 
-// The clause for an end of data that is not a proper one; `present` says how far reading came.
-std::string End_Text(Decode_End end, const std::string& present) {
-    switch (end) {
-        case Decode_End::Read_Error:
-            return "cannot be read to its end: " + present;
-        case Decode_End::Damaged:
-            return "is corrupt: its compressed data are damaged, " + present;
-        case Decode_End::Wrong_Checksum:
-            return "is corrupt: its checksum does not fit its data, " + present;
-        case Decode_End::No_Memory:
-            return "cannot be decompressed for want of memory";
-        case Decode_End::Not_Yet:
-        case Decode_End::Complete:
-        case Decode_End::Cut_Off:
-            break;
-    }
-    return "is truncated: " + present;
-}
-
 // One load from opened sources.
 class Loader {
   public:
@@ -108,7 +89,8 @@ void Loader::Header_Load() {
     const std::span all(bytes);
     const std::size_t mark = decoded.Read(all.first<4>());
     const auto fail_early = [&](std::size_t got, std::size_t wanted) {
-        Fail(file, End_Text(decoded.End(), Count_Text(got) + " of " + Count_Text(wanted) + " header bytes present"));
+        Fail(file,
+             Decode_End_Text(decoded.End(), Count_Text(got) + " of " + Count_Text(wanted) + " header bytes present"));
     };
     if (mark == 0 && decoded.End() == Decode_End::Complete) {
         Fail(file, "is empty");
@@ -157,7 +139,7 @@ void Loader::Size_Check(const std::string& name, const Decoded_Source& voxels, s
     const std::uint64_t begin = std::max(header.voxel_offset, position);
     const std::uint64_t present = *size > begin ? (*size - begin) / Voxel_Type_Size(header.type) : 0;
     if (present < header.voxel_nb) {
-        Fail(name, End_Text(Decode_End::Complete, Voxels_Present(present)));
+        Fail(name, Decode_End_Text(Decode_End::Complete, Voxels_Present(present)));
     }
 }
 
@@ -192,7 +174,7 @@ void Loader::Extensions_Pass(std::uint64_t position) {
     }
     const std::uint64_t rest = header.voxel_offset - position;
     if (decoded.Skip(rest) < rest) {
-        Fail(file, End_Text(decoded.End(), Voxels_Present(0)));
+        Fail(file, Decode_End_Text(decoded.End(), Voxels_Present(0)));
     }
 }
 
@@ -212,7 +194,7 @@ void Loader::Voxels_Read(const std::string& name, Decoded_Source& voxels, Level_
             builder.Append(room.first(got / voxel_size * voxel_size));
         }
         if (got < wanted) {
-            Fail(name, End_Text(voxels.End(), Voxels_Present(builder.Voxel_Nb())));
+            Fail(name, Decode_End_Text(voxels.End(), Voxels_Present(builder.Voxel_Nb())));
         }
         // The last step is kept for the conversion.
         Report(0.95 * static_cast<double>(builder.Voxel_Nb()) / static_cast<double>(header.voxel_nb));
@@ -238,7 +220,7 @@ void Loader::Tail_Check(const std::string& name, Decoded_Source& voxels) {
                        " voxels are present, but not the checksum at its end");
     }
     if (voxels.End() != Decode_End::Complete) {
-        Fail(name, End_Text(voxels.End(), Voxels_Present(header.voxel_nb)));
+        Fail(name, Decode_End_Text(voxels.End(), Voxels_Present(header.voxel_nb)));
     }
     if (voxels.Has_Garbage()) {
         Warn(name, "has foreign data behind its compressed content; they were ignored");
@@ -260,7 +242,7 @@ void Loader::Voxels_Load(Byte_Source* image) {
         separate.emplace(*image);
         Size_Check(name, *separate, 0);
         if (separate->Skip(header.voxel_offset) < header.voxel_offset) {
-            Fail(name, End_Text(separate->End(), Voxels_Present(0)));
+            Fail(name, Decode_End_Text(separate->End(), Voxels_Present(0)));
         }
     }
     Decoded_Source& voxels = separate ? *separate : decoded;
