@@ -84,6 +84,7 @@ class Segmentation_Control : public Segmentation_Actions {
     bool Number_Ask(const std::string& title, const std::string& question, double& last);
     /** "mm", or what stands for it where the size of voxels is not known. */
     std::string Length_Unit() const;
+    static std::uint8_t Byte_Of(int tag) { return static_cast<std::uint8_t>(tag); }
     std::string Name() const { return host.Tag_Name(host.Hand().tag); }
     /** @return no value: given up, or no memory */
     std::optional<std::vector<segmentation::Tag_Numbers>> Numbers_Count();
