@@ -65,6 +65,7 @@ TEST(History_Memory, stays_flat_when_a_thousand_operations_are_kept_and_is_told_
     for (int at = 0; at < OPERATION_NB; ++at) {
         // Every level another TAG than before: each step changes nearly all voxels, and noise packs badly.
         std::vector<Tag_Levels_Claim> claims;
+        claims.reserve(TAG_NB);
         for (int level = 0; level < TAG_NB; ++level) {
             claims.push_back({static_cast<std::uint8_t>((level * 7 + at * 31) % TAG_NB), {level, level}});
         }

@@ -47,9 +47,9 @@ enum Action {
     Stroke,
     Interrupted_Stroke,
     Back,
-    Forth,
-    ACTION_NB
+    Forth
 };
+constexpr int ACTION_NB = Forth + 1;
 
 struct Offset {
     int x, y, depth;
@@ -79,6 +79,7 @@ class Random_Edits : public ::testing::TestWithParam<unsigned int> {
         volume.affine_source = volumes::Affine_Source::Sform;
         // Slopes with some noise, so that bands are regions with ragged edges.
         std::vector<std::int32_t> levels;
+        levels.reserve(static_cast<std::size_t>(VOXEL_NB[0]) * VOXEL_NB[1] * VOXEL_NB[2]);
         for (int at = 0; at < VOXEL_NB[0] * VOXEL_NB[1] * VOXEL_NB[2]; ++at) {
             levels.push_back((at % VOXEL_NB[0] * 3 + at / VOXEL_NB[0] % VOXEL_NB[1] * 2 + Random(7)) % LEVEL_NB);
         }
@@ -87,6 +88,7 @@ class Random_Edits : public ::testing::TestWithParam<unsigned int> {
         session.Take(std::move(volume), "image.nii");
         model.grid = {VOXEL_NB[0], VOXEL_NB[1], VOXEL_NB[2], session.Image().spacing};
         model.tags = Seen();
+        model.levels.reserve(model.tags.size());
         for (std::size_t at = 0; at < model.tags.size(); ++at) {
             model.levels.push_back(session.Image().levels[at]);
         }
@@ -137,7 +139,9 @@ class Random_Edits : public ::testing::TestWithParam<unsigned int> {
         switch (action) {
             case Bands: {
                 std::vector<Tag_Levels_Claim> claims;
-                for (int nb = 1 + Random(3); nb > 0; --nb) {
+                const int claim_nb = 1 + Random(3);
+                claims.reserve(static_cast<std::size_t>(claim_nb));
+                for (int nb = claim_nb; nb > 0; --nb) {
                     const int low = Random(LEVEL_NB);
                     claims.push_back({Random_Tag(), {low, low + Random(12) - 1}});
                 }
