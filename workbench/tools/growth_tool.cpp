@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <new>
 #include <utility>
 
@@ -68,13 +69,18 @@ bool Growth_Tool::Find() {
     region.reach = Reach_Wanted();
     try {
         std::optional<segmentation::Region_Growth> found;
+        std::size_t voxel_nb = 0;
         host.run("Grow a region", [&](const segmentation::Edit_Progress& progress) {
             segmentation::Edit_Input input = Input(region);
             input.progress = progress;
+            voxel_nb = input.grid.Voxel_Nb();
             found = segmentation::Region_Growth::Find(input, region.flood, region.reach);
         });
         if (found) {
             region.growth = std::move(*found);
+            if (!region.ground) {
+                region.mask.Begin(voxel_nb);
+            }
             growing = std::move(region);
             return true;
         }
@@ -204,15 +210,21 @@ void Growth_Tool::Preview(const Plane_Cut& cut, std::span<std::uint8_t> picture)
         }
         return;
     }
-    const auto width = static_cast<std::size_t>(cut.geometry.voxel_nb[0]);
-    const auto height = static_cast<std::size_t>(cut.geometry.voxel_nb[1]);
-    for (const std::size_t at : voxels) {
-        const Shown_Voxel voxel = {static_cast<int>(at % width), static_cast<int>(at / width % height),
-                                   static_cast<int>(at / (width * height))};
-        const Plane_Pixel pixel = cut.geometry.To_Pixel(voxel);
-        if (pixel.depth == cut.depth) {
-            picture[static_cast<std::size_t>(pixel.y) * static_cast<std::size_t>(cut.geometry.Width()) +
-                    static_cast<std::size_t>(pixel.x)] = growing->flood.tag;
+    const Plane_Geometry& plane = cut.geometry;
+    Growth_Mask& mask = growing->mask;
+    if (cut.depth < 0 || cut.depth >= plane.Depth_Nb() ||
+        mask.Voxel_Nb() != plane.Pixel_Nb() * static_cast<std::size_t>(plane.Depth_Nb())) {
+        return;
+    }
+    mask.Follow(growing->growth.Voxels(std::numeric_limits<std::int32_t>::max()), voxels.size());
+    const auto [across, down, through] = plane.Steps();
+    std::size_t pixel = 0;
+    for (int y = 0; y < plane.Height(); ++y) {
+        std::ptrdiff_t from = static_cast<std::ptrdiff_t>(plane.First(cut.depth)) + y * down;
+        for (int x = 0; x < plane.Width(); ++x, from += across, ++pixel) {
+            if (mask[static_cast<std::size_t>(from)]) {
+                picture[pixel] = growing->flood.tag;
+            }
         }
     }
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "workbench/tools/fill_settings.h"
+#include "workbench/tools/growth_mask.h"
 #include "workbench/tools/picture_edit.h"
 #include "workbench/tools/tool.h"
 #include "workbench/tools/tool_host.h"
@@ -20,6 +21,7 @@ struct Growing_Region {
     std::optional<Picture_Ground> ground;  ///< in a picture; no value: in space
     std::int32_t reach = 0;                ///< levels that the growth knows
     segmentation::Region_Growth growth;
+    mutable Growth_Mask mask;                  ///< in space: what the tolerance reached when it was drawn last
     std::array<Plane_Geometry::Axis, 3> axes;  ///< of the picture that was clicked
     double begun_at = 0.0;                     ///< the pointer's place across the picture
     double begun_tolerance = 0.0;

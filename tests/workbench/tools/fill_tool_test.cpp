@@ -8,6 +8,7 @@
 #include <random>
 
 #include "tests/workbench/tools/tool_double.h"
+#include "workbench/tools/growth_mask.h"
 #include "workbench/tools/growth_tool.h"
 
 using namespace workbench;
@@ -242,6 +243,63 @@ TEST_F(Fill_Test, random_fills_and_growths_in_all_planes_agree_with_a_plain_mode
     }
     EXPECT_GT(past.size(), 30U);
     EXPECT_GT(taken, 50);
+}
+
+TEST_F(Fill_Test, every_picture_of_all_planes_shows_the_region_while_its_tolerance_goes_up_and_down) {
+    settings.is_in_space = true;
+    settings.tolerance = 60.0;
+    const Tool_Spot spot = app.In_Slice(4.5, 4.5, 3);
+    const std::int32_t level = Level(spot);
+    const std::vector<std::uint8_t> before = app.Tags();
+    growth.Press(spot, Tool_Hand::Left);
+    growth.Release();
+    std::size_t different = 0;
+    for (const int reach : {30, 0, 20, 10, 10, 0, 30}) {
+        settings.tolerance = 2.0 * reach;  // the slope is 2
+        ASSERT_TRUE(growth.Step(0));
+        const std::vector<std::uint8_t> expected = Flooded(spot, level - reach, level + reach);
+        different += expected != before ? 1 : 0;
+        for (const Plane plane : PLANES) {
+            const Plane_Geometry geometry = app.Spot(plane, 0, 0, 0).cut.geometry;
+            for (int depth = 0; depth < geometry.Depth_Nb(); ++depth) {
+                std::vector<std::uint8_t> picture(geometry.Pixel_Nb());
+                std::vector<std::uint8_t> wanted(geometry.Pixel_Nb());
+                Plane_Copy(std::span<const std::uint8_t>(before), geometry, depth, geometry.Whole(),
+                           std::span(picture));
+                Plane_Copy(std::span<const std::uint8_t>(expected), geometry, depth, geometry.Whole(),
+                           std::span(wanted));
+                growth.Preview({geometry, depth}, picture);
+                ASSERT_EQ(picture, wanted) << reach << ", " << Plane_Name(plane) << ' ' << depth;
+            }
+        }
+    }
+    EXPECT_EQ(different, 7U);
+}
+
+TEST(Growth_Mask, turns_only_the_voxels_that_come_or_go) {
+    const std::vector<std::size_t> voxels = {7, 2, 5, 0};
+    Growth_Mask mask;
+    mask.Begin(9);
+    const auto had = [&] {
+        std::vector<std::size_t> all;
+        for (std::size_t at = 0; at < mask.Voxel_Nb(); ++at) {
+            if (mask[at]) {
+                all.push_back(at);
+            }
+        }
+        return all;
+    };
+    EXPECT_EQ(mask.Follow(voxels, 3), 3U);
+    EXPECT_EQ(had(), (std::vector<std::size_t>{2, 5, 7}));
+    EXPECT_EQ(mask.Follow(voxels, 3), 0U) << "the next view of the same region";
+    EXPECT_EQ(mask.Follow(voxels, 4), 1U);
+    EXPECT_EQ(had(), (std::vector<std::size_t>{0, 2, 5, 7}));
+    EXPECT_EQ(mask.Follow(voxels, 1), 3U);
+    EXPECT_EQ(had(), (std::vector<std::size_t>{7}));
+    mask.Begin(9);
+    EXPECT_TRUE(had().empty());
+    EXPECT_EQ(mask.Follow(voxels, 2), 2U);
+    EXPECT_EQ(had(), (std::vector<std::size_t>{2, 7}));
 }
 
 TEST_F(Fill_Test, dragging_widens_the_tolerance_and_a_change_of_the_labels_drops_the_region) {
