@@ -121,13 +121,12 @@ class Checker {
         const std::string_view count = Cell_Take(line, expected.separator);
         // Written as a signed number: more than 2^31 - 1 pixels in a bin are negative there.
         const std::optional<std::int32_t> written = Number_Of<std::int32_t>(count);
-        const std::optional<std::uint32_t> is_count =
-            written ? std::optional(static_cast<std::uint32_t>(*written)) : std::nullopt;
-        if (!is_count || *is_count != curve.counts[bin]) {
+        const auto pixel_nb = static_cast<std::uint32_t>(written.value_or(0));
+        if (!written || pixel_nb != curve.counts[bin]) {
             Differ(name + "the count should be " + std::to_string(curve.counts[bin]) + " and is " + Quoted(count));
         }
         ++check.bin_nb;
-        check.pixel_nb += is_count.value_or(0);
+        check.pixel_nb += pixel_nb;
         if (Has_Filtered()) {
             const double filtered = bin < curve.filtered.size() ? curve.filtered[bin] : 0.0;
             Near(Cell_Take(line, expected.separator), filtered, FILTERED_EXACT + 1e-12 * std::abs(filtered),
