@@ -207,7 +207,7 @@ void Retrieval::Run(const std::filesystem::path& into) {
         if (const std::optional<Archive_Failure> failure = receiver->Failure()) {
             throw *failure;
         }
-        if (what.outcome.fault == Archive_Fault::Incomplete && !receiver->Refused_Address().empty()) {
+        if (what.outcome.fault != Archive_Fault::Cancelled && !receiver->Refused_Address().empty()) {
             what.outcome.error += " A connection from " + receiver->Refused_Address() +
                                   " was refused, because that is not the archive's address.";
         }

@@ -95,9 +95,8 @@ bool Sending::Prepare(Stored_Object& out, Sent_File& sent) const {
     }
     std::string doubt = Burnt_In_Doubt(out.Data_Set());
     const std::string comments_doubt = Picture_Comments_Blank(out.Data_Set());
-    if (doubt.empty()) {
-        doubt = comments_doubt;
-    }
+    // Both are told: who has looked at the picture has not seen its comments.
+    doubt += (doubt.empty() || comments_doubt.empty() ? "" : ", and ") + comments_doubt;
     if (!wishes.is_picture_trusted && !doubt.empty()) {
         sent.is_held = true;
         sent.remark = std::move(doubt);

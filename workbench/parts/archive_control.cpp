@@ -111,6 +111,9 @@ std::optional<Archive_Settings> Archive_Control::Settings_Ask(std::optional<std:
             return std::nullopt;
         }
         now.name = fields[0].value.empty() ? fields[1].value : fields[0].value;
+        if (now.host != fields[1].value) {
+            now.other_callers.clear();  // they were trusted beside another archive
+        }
         now.host = fields[1].value;
         now.port = Port_Of(fields[2].value);
         now.is_moved = !fields[5].value.empty();

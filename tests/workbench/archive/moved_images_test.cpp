@@ -233,6 +233,15 @@ TEST_F(Moved_Images, come_from_the_address_of_the_archive_only) {
     const Retrieve_Result result = Retrieved(script, 1);
     EXPECT_EQ(result.outcome.fault, Archive_Fault::Incomplete);
     EXPECT_THAT(result.outcome.error, HasSubstr("127.0.0.2 was refused"));
+    const Retrieve_Result failed = Retrieved(
+        [&](Talk& talk) {
+            const Bare_Caller stranger(own_port, "127.0.0.2");
+            EXPECT_TRUE(stranger.Is_Hung_Up_On());
+            talk.Answer(0xA702, nullptr, 0, 1);  // as archives say that could not connect
+        },
+        1);
+    EXPECT_EQ(failed.outcome.fault, Archive_Fault::Refused);
+    EXPECT_THAT(failed.outcome.error, HasSubstr("127.0.0.2 was refused"));
     other_callers = "10.1.2.3 127.0.0.2";
     const Retrieve_Result allowed = Retrieved(script, 1);
     EXPECT_THAT(allowed.outcome.error, Not(HasSubstr("was refused")));
