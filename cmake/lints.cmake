@@ -44,7 +44,8 @@ if(KIT_TESTS AND MINGW AND CMAKE_BUILD_TYPE STREQUAL Debug)
     target_link_libraries(headers_alone PRIVATE kit_compiler_settings)
     # No debug information: nothing is kept of these objects but that they compile.
     target_compile_options(headers_alone PRIVATE -O0 -g0)
-    target_compile_definitions(headers_alone PRIVATE KIT_SOURCE_ROOT="")  # what histogram/ gives its own sources
+    # What histogram/ and workbench/commands/ give their own sources.
+    target_compile_definitions(headers_alone PRIVATE KIT_SOURCE_ROOT="" KIT_HAS_ARCHIVES=1)
     target_link_libraries(headers_alone PRIVATE host_contract header_only ZLIB::ZLIB)
     if(KIT_TESTS)
         target_link_libraries(headers_alone PRIVATE GTest::gmock)
