@@ -1,15 +1,18 @@
-// Histograms of slices when memory is missing.
+// Histograms of slices, and counts of voxels, when memory is missing.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <new>
 #include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
 #include "tests/kits/common/failing_memory.h"
 #include "workbench/frame_counter.h"
 #include "workbench/slice_frames.h"
+#include "workbench/volumes/narrow_collector.h"
 
 using namespace workbench;
 
@@ -73,6 +76,25 @@ TEST(Counting_Memory, without_room_for_a_thread_it_is_counted_on_the_own_one) {
         EXPECT_NE(frame->histogram, nullptr);
     }
     EXPECT_FALSE(counter.Is_Busy());
+}
+
+TEST(Counting_Memory, voxels_that_are_counted_while_more_are_read_take_no_more_of_it) {
+    constexpr std::size_t block = 1000;  // bytes
+    constexpr std::size_t block_nb = 500;
+    std::vector<std::uint16_t> codes(block * block_nb);
+    volumes::Narrow_Collector collector(volumes::Voxel_Type::Uint8, volumes::Byte_Order::Little, {}, codes);
+    bool is_short = false;
+    {
+        const Failing_Allocation failing(1);
+        for (std::size_t at = 0; at < block_nb; ++at) {
+            const std::span<std::uint8_t> room = collector.Room();
+            std::fill_n(room.begin(), block, static_cast<std::uint8_t>(at % 2));
+            collector.Take(block);
+        }
+        is_short = Failing_Allocation::Happened();
+    }
+    EXPECT_FALSE(is_short);
+    EXPECT_EQ(collector.Finish().times, (std::vector<std::uint64_t>{codes.size() / 2, codes.size() / 2}));
 }
 
 }  // namespace

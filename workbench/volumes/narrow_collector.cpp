@@ -15,9 +15,7 @@ constexpr std::size_t THREAD_WORTH = std::size_t{4} << 20U;  // voxels
 constexpr std::size_t THREADS_MOST = 4;                      // reading is not faster than that
 constexpr std::size_t BLOCKS_PER_THREAD = 3;
 constexpr std::size_t CODE_NB = std::size_t{1} << 16U;
-constexpr std::size_t BANKS = 4;  // neighbours are often alike: they must not wait for each other's store
-constexpr std::size_t COUNTED_MOST = std::size_t{1} << 30U;  // voxels: their counts fit into 32 bits
-constexpr std::size_t STRIP = std::size_t{1} << 14U;         // voxels that stay in the nearest memory
+constexpr std::size_t STRIP = std::size_t{1} << 14U;  // voxels that stay in the nearest memory
 
 template <class Stored, Byte_Order ORDER>
 void Codes_Make(const std::uint8_t* from, std::int32_t base, std::span<std::uint16_t> to) {
@@ -42,15 +40,14 @@ Narrow_Collector::Narrow_Collector(Voxel_Type voxel_type, Byte_Order byte_order,
     : type(voxel_type), order(byte_order), code(voxel_code), codes(to), times(CODE_NB) {
     const std::size_t thread_nb = Work_Thread_Nb(std::clamp<std::size_t>(to.size() / THREAD_WORTH, 1, THREADS_MOST));
     blocks.resize(std::max<std::size_t>(thread_nb * BLOCKS_PER_THREAD, 1));
+    idle.reserve(blocks.size());
+    full.reserve(blocks.size());
     const std::size_t size = std::min(BLOCK_SIZE, std::max<std::size_t>(to.size() * Voxel_Type_Size(type), 1));
     for (Block& block : blocks) {
         block.bytes.resize(size);
         idle.push_back(&block);
     }
-    tables.resize(std::max<std::size_t>(thread_nb, 1));
-    for (Table& table : tables) {
-        table.banks.resize(CODE_NB * BANKS);
-    }
+    tables.resize(std::max<std::size_t>(thread_nb, 1), Table{Level_Banks(CODE_NB)});
     try {
         threads.reserve(thread_nb);
         while (threads.size() < thread_nb) {
@@ -74,24 +71,26 @@ Narrow_Collector::~Narrow_Collector() {
 }
 
 std::span<std::uint8_t> Narrow_Collector::Room() {
-    std::unique_lock lock(mutex);
-    changed.wait(lock, [this] { return !idle.empty(); });
-    return idle.front()->bytes;
+    if (being_filled == nullptr) {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [this] { return !idle.empty(); });
+        being_filled = idle.back();
+        idle.pop_back();
+    }
+    return being_filled->bytes;
 }
 
 void Narrow_Collector::Take(std::size_t bytes) {
     const std::size_t nb = std::min(bytes / Voxel_Type_Size(type), codes.size() - taken);
-    std::unique_lock lock(mutex);
-    Block* const block = idle.front();
-    block->used = nb * Voxel_Type_Size(type);
-    block->at = std::exchange(taken, taken + nb);
+    being_filled->used = nb * Voxel_Type_Size(type);
+    being_filled->at = std::exchange(taken, taken + nb);
     if (threads.empty()) {
-        lock.unlock();
-        return Do(*block, tables.front());
+        return Do(*being_filled, tables.front());
     }
-    idle.pop_front();
-    full.push_back(block);
-    lock.unlock();
+    {
+        const std::lock_guard lock(mutex);
+        full.push_back(std::exchange(being_filled, nullptr));
+    }
     changed.notify_all();
 }
 
@@ -118,8 +117,8 @@ void Narrow_Collector::Work(Table& table) {
         if (full.empty()) {
             return;
         }
-        Block* const block = full.front();
-        full.pop_front();
+        Block* const block = full.back();
+        full.pop_back();
         ++busy_nb;
         lock.unlock();
         Do(*block, table);
@@ -150,24 +149,19 @@ void Narrow_Collector::Do(const Block& block, Table& table) {
                 Codes_Make<std::uint16_t>(from, order, code.base, strip);
                 break;
         }
-        std::uint32_t* const banks = table.banks.data();
         for (std::size_t i = 0; i < strip.size(); ++i) {
-            ++banks[std::size_t{strip[i]} * BANKS + i % BANKS];
+            table.banks.Count(strip[i], i);
         }
     }
     table.counted += nb;
-    if (table.counted > COUNTED_MOST) {
+    if (table.counted > Level_Banks::COUNTED_MOST) {
         Empty(table);
     }
 }
 
 void Narrow_Collector::Empty(Table& table) {
     const std::lock_guard lock(mutex);
-    for (std::size_t at = 0; at < CODE_NB; ++at) {
-        for (std::size_t bank = 0; bank < BANKS; ++bank) {
-            times[at] += std::exchange(table.banks[at * BANKS + bank], 0U);
-        }
-    }
+    table.banks.Empty_To(times);
     table.counted = 0;
 }
 

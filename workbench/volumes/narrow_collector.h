@@ -4,12 +4,12 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <mutex>
 #include <span>
 #include <thread>
 #include <vector>
 
+#include "workbench/volumes/level_banks.h"
 #include "workbench/volumes/level_tally.h"
 #include "workbench/volumes/nifti_header.h"
 
@@ -42,7 +42,7 @@ class Narrow_Collector {
     };
     /** Counts by code, for one thread. */
     struct Table {
-        std::vector<std::uint32_t> banks;
+        Level_Banks banks;
         std::size_t counted = 0;  // since `banks` were emptied
     };
     void Work(Table& table);
@@ -59,8 +59,10 @@ class Narrow_Collector {
     std::vector<std::uint64_t> times;  // by code
     std::mutex mutex;
     std::condition_variable changed;
-    std::deque<Block*> idle;
-    std::deque<Block*> full;
+    // Room for all blocks from the start: a thread of its own can tell nobody that memory is short.
+    std::vector<Block*> idle;
+    std::vector<Block*> full;       // in no order: each knows its place
+    Block* being_filled = nullptr;  // that Room gave away
     std::size_t busy_nb = 0;
     bool is_ended = false;
     std::vector<std::thread> threads;

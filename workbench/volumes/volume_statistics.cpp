@@ -8,9 +8,9 @@
 #include <mutex>
 #include <numeric>
 #include <tuple>
-#include <utility>
 #include <vector>
 
+#include "workbench/volumes/level_banks.h"
 #include "workbench/volumes/work_share.h"
 
 namespace volumes {
@@ -130,31 +130,25 @@ class Level_Counts {
     explicit Level_Counts(const Volume& volume) : lowest(volume.level_min) {
         const auto level_nb = static_cast<std::size_t>(std::int64_t{volume.level_max} - volume.level_min + 1);
         const std::size_t size = volume.levels.size();
-        const std::size_t tables_most = std::max<std::size_t>(TABLES_SIZE_MOST / Table_Size(level_nb), 1);
+        const std::size_t tables_most = std::max<std::size_t>(TABLES_SIZE_MOST / Level_Banks::Size(level_nb + 1), 1);
         const std::size_t parts = Work_Thread_Nb(std::clamp<std::size_t>(size / PART_LEAST, 1, tables_most));
         counts.resize(level_nb);
         std::mutex mutex;
         const auto count = [&](std::size_t part) {
-            // Neighbours are often alike: they must not wait for each other's store.
-            std::vector<std::uint32_t> banks((level_nb + 1) * BANKS);
+            Level_Banks banks(level_nb + 1);  // what lies outside is counted beside the levels
             const std::size_t end = size * (part + 1) / parts;
             std::size_t i = size * part / parts;
             while (i < end) {
-                const std::size_t block_end = std::min(end, i + BLOCK);
+                const std::size_t block_end = std::min(end, i + Level_Banks::COUNTED_MOST);
                 volume.levels.Visit([&](const auto& levels) {
                     for (; i < block_end; ++i) {
                         const auto from_lowest =
                             static_cast<std::uint32_t>(levels[i]) - static_cast<std::uint32_t>(volume.level_min);
-                        // What lies outside is counted beside the levels.
-                        ++banks[std::min<std::size_t>(from_lowest, level_nb) * BANKS + i % BANKS];
+                        banks.Count(std::min<std::size_t>(from_lowest, level_nb), i);
                     }
                 });
                 const std::lock_guard lock(mutex);
-                for (std::size_t level = 0; level < level_nb; ++level) {
-                    for (std::size_t bank = 0; bank < BANKS; ++bank) {
-                        counts[level] += std::exchange(banks[level * BANKS + bank], 0U);
-                    }
-                }
+                banks.Empty_To(counts);
             }
         };
         Work_Share(parts, parts, count, {});
@@ -172,13 +166,8 @@ class Level_Counts {
     std::int32_t Level_At(std::uint64_t rank) const { return Level(Bin_Of_Rank(counts, rank)); }
 
   private:
-    static constexpr std::size_t BANKS = 4;
     static constexpr std::size_t PART_LEAST = std::size_t{1} << 20U;        // levels that are worth a thread
     static constexpr std::size_t TABLES_SIZE_MOST = std::size_t{8} << 20U;  // bytes, of all threads
-    static constexpr std::size_t Table_Size(std::size_t level_nb) {
-        return (level_nb + 1) * BANKS * sizeof(std::uint32_t);
-    }
-    static constexpr std::size_t BLOCK = std::size_t{1} << 30U;  // levels: their counts fit into 32 bits
     std::int32_t Level(std::size_t at) const {
         return static_cast<std::int32_t>(std::int64_t{lowest} + static_cast<std::int64_t>(at));
     }
