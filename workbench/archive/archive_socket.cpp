@@ -41,11 +41,6 @@ void Socket_Close(DcmNativeSocketType socket) {
     ::closesocket(socket);
 }
 
-bool Unblock(DcmNativeSocketType socket) {
-    u_long is_on = 1;
-    return ::ioctlsocket(socket, FIONBIO, &is_on) == 0;
-}
-
 bool Is_To_Be_Repeated() {
     const int code = ::WSAGetLastError();
     return code == WSAEWOULDBLOCK || code == WSAEINPROGRESS || code == WSAEINTR;
@@ -69,11 +64,6 @@ int Last_Code() {
 
 void Socket_Close(DcmNativeSocketType socket) {
     ::close(socket);
-}
-
-bool Unblock(DcmNativeSocketType socket) {
-    const int flags = ::fcntl(socket, F_GETFL, 0);
-    return flags >= 0 && ::fcntl(socket, F_SETFL, flags | O_NONBLOCK) == 0;
 }
 
 bool Is_To_Be_Repeated() {
@@ -204,7 +194,7 @@ Reach_Fault Address_Try(sockaddr_in address, int port, Clock::time_point until, 
                         bool& is_own_machine) {
     address.sin_port = htons(static_cast<std::uint16_t>(port));
     const Socket_Owner socket(::socket(AF_INET, SOCK_STREAM, 0));
-    if (socket.Get() == NO_SOCKET || !Fits_Set(socket.Get()) || !Unblock(socket.Get())) {
+    if (socket.Get() == NO_SOCKET || !Fits_Set(socket.Get()) || !Socket_Unblock(socket.Get())) {
         return Reach_Fault::No_Way;
     }
     if (::connect(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
@@ -257,7 +247,17 @@ Reached Archive_Reach(const std::string& host, int port, std::chrono::millisecon
 bool Socket_Prepare(DcmNativeSocketType socket) {
     const int is_on = 1;
     ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&is_on), sizeof is_on);
-    return Fits_Set(socket) && Unblock(socket);
+    return Fits_Set(socket) && Socket_Unblock(socket);
+}
+
+bool Socket_Unblock(DcmNativeSocketType socket) {
+#ifdef _WIN32
+    u_long is_on = 1;
+    return ::ioctlsocket(socket, FIONBIO, &is_on) == 0;
+#else
+    const int flags = ::fcntl(socket, F_GETFL, 0);
+    return flags >= 0 && ::fcntl(socket, F_SETFL, flags | O_NONBLOCK) == 0;
+#endif
 }
 
 bool Is_Socket_Readable(DcmNativeSocketType socket) {
@@ -266,10 +266,6 @@ bool Is_Socket_Readable(DcmNativeSocketType socket) {
 
 bool Is_Socket_Writable(DcmNativeSocketType socket) {
     return Socket_Wait(socket, true);
-}
-
-bool Socket_Unblock(DcmNativeSocketType socket) {
-    return Unblock(socket);
 }
 
 Socket_Ends Ends_Of(DcmNativeSocketType socket) {
