@@ -160,16 +160,7 @@ std::size_t Plane_Geometry::First(int depth) const {
 
 void Plane_Write(std::span<const std::uint8_t> picture, const Plane_Geometry& geometry, int depth,
                  const Pixel_Rect& part, std::span<std::uint8_t> voxels) {
-    const Pixel_Rect area = Rect_Common(part, geometry.Whole());
-    const auto [across, down, through] = geometry.Steps();
-    std::uint8_t* const first = voxels.data() + geometry.First(depth);
-    for (int y = area.top; y < area.bottom; ++y) {
-        const std::uint8_t* from = picture.data() + static_cast<std::ptrdiff_t>(y) * geometry.Width() + area.left;
-        std::uint8_t* to = first + y * down + area.left * across;
-        for (int x = area.left; x < area.right; ++x, to += across) {
-            *to = *from++;
-        }
-    }
+    Plane_Walk(geometry, depth, part, [&](std::size_t pixel, std::size_t voxel) { voxels[voxel] = picture[pixel]; });
 }
 
 namespace {

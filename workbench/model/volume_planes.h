@@ -94,22 +94,29 @@ Plane_Geometry Plane_Geometry_Of_Slices(const std::array<int, 3>& voxel_nb, cons
 Plane Plane_Of_Slices(const Patient_Axes& axes);
 const char* Plane_Name(Plane plane);
 
+/** Goes over the pixels of a part of a picture, row by row from the top. @param depth inside @param part cut to the
+ *  picture @param visit called as visit(pixel, voxel), both positions: in the picture and in the volume */
+template <class Visit>
+void Plane_Walk(const Plane_Geometry& geometry, int depth, const Pixel_Rect& part, Visit visit) {
+    const Pixel_Rect area = Rect_Common(part, geometry.Whole());
+    const auto [across, down, through] = geometry.Steps();
+    const auto first = static_cast<std::ptrdiff_t>(geometry.First(depth));
+    for (int y = area.top; y < area.bottom; ++y) {
+        std::ptrdiff_t voxel = first + y * down + area.left * across;
+        std::ptrdiff_t pixel = static_cast<std::ptrdiff_t>(y) * geometry.Width() + area.left;
+        for (int x = area.left; x < area.right; ++x, voxel += across) {
+            visit(static_cast<std::size_t>(pixel++), static_cast<std::size_t>(voxel));
+        }
+    }
+}
+
 /** Makes a part of a picture. @param voxels one time point, with an index operator @param depth inside
  *  @param part cut to the picture
  *  @param picture Pixel_Nb() values, rows from the top; those outside the part stay */
 template <class Voxels, class Value>
 void Plane_Copy(const Voxels& voxels, const Plane_Geometry& geometry, int depth, const Pixel_Rect& part,
                 std::span<Value> picture) {
-    const Pixel_Rect area = Rect_Common(part, geometry.Whole());
-    const auto [across, down, through] = geometry.Steps();
-    const auto first = static_cast<std::ptrdiff_t>(geometry.First(depth));
-    for (int y = area.top; y < area.bottom; ++y) {
-        std::ptrdiff_t from = first + y * down + area.left * across;
-        Value* to = picture.data() + static_cast<std::ptrdiff_t>(y) * geometry.Width() + area.left;
-        for (int x = area.left; x < area.right; ++x, from += across) {
-            *to++ = voxels[static_cast<std::size_t>(from)];
-        }
-    }
+    Plane_Walk(geometry, depth, part, [&](std::size_t pixel, std::size_t voxel) { picture[pixel] = voxels[voxel]; });
 }
 
 /** Writes a part of a picture back. @param part cut to the picture @param picture Pixel_Nb() TAGs */

@@ -217,16 +217,11 @@ void Growth_Tool::Preview(const Plane_Cut& cut, std::span<std::uint8_t> picture)
         return;
     }
     mask.Follow(growing->growth.Voxels(std::numeric_limits<std::int32_t>::max()), voxels.size());
-    const auto [across, down, through] = plane.Steps();
-    std::size_t pixel = 0;
-    for (int y = 0; y < plane.Height(); ++y) {
-        std::ptrdiff_t from = static_cast<std::ptrdiff_t>(plane.First(cut.depth)) + y * down;
-        for (int x = 0; x < plane.Width(); ++x, from += across, ++pixel) {
-            if (mask[static_cast<std::size_t>(from)]) {
-                picture[pixel] = growing->flood.tag;
-            }
+    Plane_Walk(plane, cut.depth, plane.Whole(), [&](std::size_t pixel, std::size_t voxel) {
+        if (mask[voxel]) {
+            picture[pixel] = growing->flood.tag;
         }
-    }
+    });
 }
 
 }  // namespace workbench
