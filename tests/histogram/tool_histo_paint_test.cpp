@@ -202,6 +202,16 @@ class Histo_Plot : public testing::TestWithParam<Window_Axis> {
         return ((column + Histo_Stage::PLOT_TOP) & 1) == (colored ? 0 : 1) ? 0 : 1;
     }
     void Paint() { ASSERT_EQ(Histo_Paint(panel), 1); }
+    /** The band of a TAG over the bins 5 .. 30 of 50. */
+    void Expect_Band(int tag, std::uint32_t pixel) {
+        SCOPED_TRACE(tag);
+        panel.Set(1, tag, 5.0, 30.0);
+        Paint();
+        Picture expected(panel, empty);
+        expected.Band(5, 30, pixel, panel.data->record->counts, Parity(expected.Column(5), pixel));
+        expected.Outline(panel.data->record->counts, YELLOW);
+        Expect_Picture(expected);
+    }
 
     Histo_Scene scene;
     Histo_Stage stage{GetParam()};
@@ -391,43 +401,26 @@ TEST_P(Histo_Plot, a_range_that_is_not_a_number_is_the_first_bin) {
 
 TEST_P(Histo_Plot, black_unknown_and_uncoloured_tags_are_grey) {
     Histo_Record_Give(panel, {}, Hills(50));
-    const auto expect_grey = [&](int tag) {
-        panel.Set(1, tag, 5.0, 30.0);
-        Paint();
-        Picture expected(panel, empty);
-        expected.Band(5, 30, GREY, panel.data->record->counts, Parity(expected.Column(5), GREY));
-        expected.Outline(panel.data->record->counts, YELLOW);
-        SCOPED_TRACE(tag);
-        Expect_Picture(expected);
-    };
     scene.Tags(3);
-    expect_grey(1);
+    Expect_Band(1, GREY);
     scene.Tag_Color(1, 0, 0, 0);  // only the high bytes count
-    expect_grey(1);
-    expect_grey(3);
-    expect_grey(65535);
+    Expect_Band(1, GREY);
+    Expect_Band(3, GREY);
+    Expect_Band(65535, GREY);
     scene.Tag_Color(1, 255, 0, 0);
     Variable_Undefine("$TAG_GRN");
-    expect_grey(1);
+    Expect_Band(1, GREY);
 }
 
 TEST_P(Histo_Plot, a_host_that_does_not_tell_its_number_of_tags_has_as_many_as_colours) {
-    constexpr std::uint32_t red = 0xFF0000;
     Histo_Record_Give(panel, {}, Hills(50));
     scene.Tags(3);
     for (int tag = 0; tag < 3; ++tag) {
         scene.Tag_Color(tag, 255, 0, 0);
     }
     Variable_Undefine("$TAG_NB");
-    for (const auto& [tag, color] : {std::pair{2, red}, std::pair{3, GREY}}) {
-        panel.Set(1, tag, 5.0, 30.0);
-        Paint();
-        Picture expected(panel, empty);
-        expected.Band(5, 30, color, panel.data->record->counts, Parity(expected.Column(5), color));
-        expected.Outline(panel.data->record->counts, YELLOW);
-        SCOPED_TRACE(tag);
-        Expect_Picture(expected);
-    }
+    Expect_Band(2, RED);
+    Expect_Band(3, GREY);
 }
 
 TEST_P(Histo_Plot, a_colour_record_shows_its_component) {
