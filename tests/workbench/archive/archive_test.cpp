@@ -10,7 +10,7 @@
 #include <optional>
 
 #include "dcmtk/dcmdata/dcdeftag.h"
-#include "tests/workbench/archive/archive_server.h"
+#include "tests/workbench/archive/own_archive.h"
 #include "workbench/archive/anonymous_object.h"
 #include "workbench/archive/archive_cache.h"
 #include "workbench/archive/archive_client.h"
@@ -365,14 +365,13 @@ TEST_F(Archive_Client, leaves_no_descriptor_open) {
 }
 
 /** Archives that end or stop meanwhile: each test has its own. */
-class Failing_Archive : public testing::Test {
+class Failing_Archive : public Own_Archive {
   public:
     void SetUp() override {
-        if (!Archive_Server::Is_Installed()) {
-            GTEST_SKIP() << "not run: orthanc is missing";
+        Own_Archive::SetUp();
+        if (IsSkipped() || HasFatalFailure()) {
+            return;
         }
-        server.emplace();
-        ASSERT_TRUE(server->Is_Ready());
         Image_Facts facts;
         facts.side = 256;  // so that the series does not come in one piece
         const std::vector<fs::path> files = Series_Write(source.path, facts, IMAGE_COUNT);
@@ -386,9 +385,6 @@ class Failing_Archive : public testing::Test {
 
   protected:
     static constexpr int IMAGE_COUNT = 20;
-    std::optional<Archive_Server> server;
-    Temporary_Folder source;
-    Temporary_Folder cache;
     Archive_Settings settings;
     Series series;
 };

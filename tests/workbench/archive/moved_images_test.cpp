@@ -21,8 +21,8 @@
 
 #include "dcmtk/dcmdata/dcdeftag.h"
 #include "dcmtk/dcmdata/dcuid.h"
-#include "tests/workbench/archive/archive_server.h"
 #include "tests/workbench/archive/lying_archive.h"
+#include "tests/workbench/archive/own_archive.h"
 #include "workbench/archive/archive_association.h"
 #include "workbench/archive/archive_client.h"
 #include "workbench/archive/archive_intake.h"
@@ -435,24 +435,19 @@ TEST_F(Moved_Images, need_a_port_that_nobody_has) {
     EXPECT_THAT(result.outcome.error, HasSubstr("port " + std::to_string(own_port)));
 }
 
-TEST(Archive_That_Moves, brings_the_same_files_as_one_that_is_fetched_from) {
-    if (!Archive_Server::Is_Installed()) {
-        GTEST_SKIP() << "not run: orthanc is missing";
-    }
-    const Archive_Server server;
-    ASSERT_TRUE(server.Is_Ready());
-    const Temporary_Folder source;
-    const Temporary_Folder cache;
+using Archive_That_Moves = Own_Archive;
+
+TEST_F(Archive_That_Moves, brings_the_same_files_as_one_that_is_fetched_from) {
     const Image_Facts facts;
     const auto files = Series_Write(source.path, facts, 4);
-    ASSERT_EQ(Files_Send(server.Settings(), files, {}).accepted, 4);
+    ASSERT_EQ(Files_Send(server->Settings(), files, {}).accepted, 4);
     Series series;
     series.study = facts.study;
     series.identifier = facts.series;
     series.image_count = 4;
-    const Retrieve_Result fetched = Series_Retrieve(server.Settings(), series, cache.path, {});
+    const Retrieve_Result fetched = Series_Retrieve(server->Settings(), series, cache.path, {});
     ASSERT_EQ(fetched.outcome.error, "");
-    Archive_Settings settings = server.Settings();
+    Archive_Settings settings = server->Settings();
     settings.is_moved = true;
     Archive_Abilities abilities;
     EXPECT_EQ(Archive_Test(settings, {}, &abilities).error, "");

@@ -12,7 +12,7 @@
 #include "dcmtk/config/osconfig.h"
 #include "dcmtk/dcmdata/dcdeftag.h"
 #include "dcmtk/dcmdata/dcfilefo.h"
-#include "tests/workbench/archive/archive_server.h"
+#include "tests/workbench/archive/own_archive.h"
 #include "workbench/archive/anonymous_object.h"
 #include "workbench/archive/archive_client.h"
 #include "workbench/volumes/dicom_fields.h"
@@ -42,16 +42,11 @@ std::vector<std::string> Values_Of(DcmDataset& data_set, const DcmTagKey& tag) {
     return values;
 }
 
+using Labels_Sent_Anonymously = Own_Archive;
+
 }  // namespace
 
-TEST(Labels_Sent_Anonymously, belong_to_the_images_that_were_sent_anonymously) {
-    if (!Archive_Server::Is_Installed()) {
-        GTEST_SKIP() << "not run: orthanc is missing";
-    }
-    const Archive_Server server;
-    ASSERT_TRUE(server.Is_Ready());
-    const Temporary_Folder source;
-    const Temporary_Folder cache;
+TEST_F(Labels_Sent_Anonymously, belong_to_the_images_that_were_sent_anonymously) {
     Image_Facts facts;
     facts.patient_name = "Roe^Richard";
     facts.patient_id = "P77-4711";
@@ -80,12 +75,12 @@ TEST(Labels_Sent_Anonymously, belong_to_the_images_that_were_sent_anonymously) {
     const Send_Wishes wishes = {.is_anonymous = true, .is_picture_trusted = false, .secret = std::string(64, '5')};
     std::vector<fs::path> sent = images;
     sent.push_back(file);
-    ASSERT_EQ(Files_Send(server.Settings(), sent, {}, wishes).accepted, IMAGE_NB + 1);
+    ASSERT_EQ(Files_Send(server->Settings(), sent, {}, wishes).accepted, IMAGE_NB + 1);
     const Anonymiser anonymiser(wishes.secret);
     Series series;
     series.study = anonymiser.Identifier(facts.study);
     series.identifier = anonymiser.Identifier(volumes::Field_Text(*written.getDataset(), DCM_SeriesInstanceUID));
-    const Retrieve_Result back = Series_Retrieve(server.Settings(), series, cache.path, {});
+    const Retrieve_Result back = Series_Retrieve(server->Settings(), series, cache.path, {});
     ASSERT_EQ(back.outcome.error, "");
     std::vector<fs::path> came;
     for (const fs::directory_entry& entry : fs::directory_iterator(back.folder)) {
@@ -106,7 +101,7 @@ TEST(Labels_Sent_Anonymously, belong_to_the_images_that_were_sent_anonymously) {
     std::ranges::sort(referenced);
     referenced.erase(std::unique(referenced.begin(), referenced.end()), referenced.end());
     series.identifier = anonymiser.Identifier(facts.series);
-    const Retrieve_Result pictures = Series_Retrieve(server.Settings(), series, cache.path, {});
+    const Retrieve_Result pictures = Series_Retrieve(server->Settings(), series, cache.path, {});
     ASSERT_EQ(pictures.outcome.error, "");
     std::vector<std::string> identifiers;
     std::string patient;
