@@ -23,7 +23,7 @@ void Histogram_Counting::Begin(const std::string& text) {
     said = Progress_Text(text, 0.0);
     of.progress(said);
     try {
-        counter.Begin(of.objects.Slices_Uncounted(of.work.volumes, of.work.session));
+        counter.Begin(of.objects.Counting_Begin(of.work.volumes, of.work.session));
     } catch (const std::bad_alloc&) {
         return Fail();
     }

@@ -247,12 +247,13 @@ std::vector<Frame_Place> Volume_Objects::Selected() const {
     return selected;
 }
 
-std::vector<Slices_To_Count> Volume_Objects::Slices_Uncounted(const Open_Volumes& volumes,
-                                                              const Session& current_session) const {
+std::vector<Slices_To_Count> Volume_Objects::Counting_Begin(const Open_Volumes& volumes,
+                                                            const Session& current_session) {
     std::vector<Slices_To_Count> wanted(shown.size());
     for (std::size_t at = 0; at < shown.size(); ++at) {
         if (shown[at]->counting != Counting_State::Done) {
             wanted[at] = Slices_To_Count_Of(volumes.Session_Of(static_cast<int>(at), current_session).Image());
+            shown[at]->counting = Counting_State::Coming;
         }
     }
     return wanted;
@@ -261,7 +262,7 @@ std::vector<Slices_To_Count> Volume_Objects::Slices_Uncounted(const Open_Volumes
 void Volume_Objects::Counts_Take(std::vector<Slices_To_Count>&& counted) {
     for (std::size_t at = 0; at < std::min(shown.size(), counted.size()); ++at) {
         Shown_Volume& one = *shown[at];
-        if (one.counting == Counting_State::Done || counted[at].frames.size() != one.data.size()) {
+        if (one.counting != Counting_State::Coming || counted[at].frames.size() != one.data.size()) {
             continue;
         }
         for (std::size_t slice = 0; slice < one.data.size(); ++slice) {

@@ -48,10 +48,10 @@ class Volume_Objects {
      *  current volume is selected. */
     void Build(const Open_Volumes& volumes, const Session& current_session);
     /** The slices of every volume, in frames of their own, for whoever counts them; none of volumes that have
-     *  histograms. */
-    std::vector<Slices_To_Count> Slices_Uncounted(const Open_Volumes& volumes, const Session& current_session) const;
+     *  histograms. Those of the others are coming now. Throws std::bad_alloc. */
+    std::vector<Slices_To_Count> Counting_Begin(const Open_Volumes& volumes, const Session& current_session);
     /** Takes the histograms over that were counted of all pixels. Volumes that were counted in the meantime, perhaps in
-     *  another way, keep theirs. @param counted of every volume, by Slices_Uncounted since the last Build */
+     *  another way or in vain, stay so. @param counted of every volume, by Counting_Begin since the last Build */
     void Counts_Take(std::vector<Slices_To_Count>&& counted);
     /** Nothing more is coming: volumes without histograms stay so. */
     void Counts_Fail();

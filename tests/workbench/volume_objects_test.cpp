@@ -56,7 +56,7 @@ class Volume_Objects_Test : public ::testing::Test {
         volumes.Take(std::move(folder), {}, session);
         objects.Build(volumes, session);
         if (is_counted) {
-            std::vector<Slices_To_Count> counted = objects.Slices_Uncounted(volumes, session);
+            std::vector<Slices_To_Count> counted = objects.Counting_Begin(volumes, session);
             ASSERT_TRUE(Slices_Count(counted));
             objects.Counts_Take(std::move(counted));
         }
@@ -123,7 +123,7 @@ TEST_F(Volume_Objects_Test, histograms_arrive_when_all_slices_of_all_volumes_are
     EXPECT_EQ(objects.Counting(), Counting_State::Coming);
     EXPECT_EQ(objects.Frame(2)->frame->Histogram_Get(), nullptr) << "nothing rather than something wrong";
     EXPECT_EQ(objects.Frame(2)->frame->modality, 'C' << 8 | 'T');
-    std::vector<Slices_To_Count> counted = objects.Slices_Uncounted(volumes, session);
+    std::vector<Slices_To_Count> counted = objects.Counting_Begin(volumes, session);
     ASSERT_TRUE(Slices_Count(counted));
     const Histo_Record* const expected = counted[1].frames[2]->histogram;
     objects.Counts_Take(std::move(counted));
@@ -131,7 +131,7 @@ TEST_F(Volume_Objects_Test, histograms_arrive_when_all_slices_of_all_volumes_are
     EXPECT_EQ(objects.Frame(2)->frame->Histogram_Get(), expected) << "not counted again";
     objects.Current_Set(0);
     EXPECT_NE(objects.Frame(1)->frame->Histogram_Get(), nullptr);
-    EXPECT_TRUE(objects.Slices_Uncounted(volumes, session)[0].frames.empty()) << "nothing is left to be counted";
+    EXPECT_TRUE(objects.Counting_Begin(volumes, session)[0].frames.empty()) << "nothing is left to be counted";
 }
 
 TEST_F(Volume_Objects_Test, a_volume_that_was_counted_in_another_way_meanwhile_keeps_its_histograms) {
@@ -139,13 +139,26 @@ TEST_F(Volume_Objects_Test, a_volume_that_was_counted_in_another_way_meanwhile_k
     folder.files = {"a.nii"};
     folder.volumes.push_back(Opened("a.nii", 3, {0, 0, 0}));
     Build(std::move(folder), false);
-    std::vector<Slices_To_Count> counted = objects.Slices_Uncounted(volumes, session);
+    std::vector<Slices_To_Count> counted = objects.Counting_Begin(volumes, session);
     ASSERT_TRUE(Slices_Count(counted));
     objects.Histograms_Build(session, {4, false, std::nullopt});  // of a TAG that no pixel has
     objects.Counts_Take(std::move(counted));
     const Histo_Record* const record = objects.Frame(1)->frame->Histogram_Get();
     ASSERT_NE(record, nullptr);
     EXPECT_EQ(std::accumulate(record->counts, record->counts + record->nb_bins, 0U), 0U);
+}
+
+TEST_F(Volume_Objects_Test, a_volume_that_was_not_counted_for_want_of_memory_takes_no_histograms_of_other_pixels) {
+    Image_Folder folder;
+    folder.files = {"a.nii"};
+    folder.volumes.push_back(Opened("a.nii", 3, {0, 0, 0}));
+    Build(std::move(folder), false);
+    std::vector<Slices_To_Count> counted = objects.Counting_Begin(volumes, session);
+    ASSERT_TRUE(Slices_Count(counted));
+    objects.Counts_Fail();  // as a count of other pixels that was asked for meanwhile
+    objects.Counts_Take(std::move(counted));
+    EXPECT_EQ(objects.Counting(), Counting_State::Failed);
+    EXPECT_EQ(objects.Frame(1)->frame->Histogram_Get(), nullptr);
 }
 
 TEST_F(Volume_Objects_Test, nothing_is_coming_any_more_when_the_count_has_failed) {
@@ -159,7 +172,8 @@ TEST_F(Volume_Objects_Test, nothing_is_coming_any_more_when_the_count_has_failed
     EXPECT_EQ(objects.Counting(), Counting_State::Done) << "it has its histograms";
     objects.Current_Set(0);
     EXPECT_EQ(objects.Counting(), Counting_State::Failed);
-    EXPECT_FALSE(objects.Slices_Uncounted(volumes, session)[0].frames.empty()) << "whoever asks anew gets them";
+    EXPECT_FALSE(objects.Counting_Begin(volumes, session)[0].frames.empty()) << "whoever asks anew gets them";
+    EXPECT_EQ(objects.Counting(), Counting_State::Coming);
 }
 
 TEST_F(Volume_Objects_Test, makes_one_frame_per_slice_of_one_volume) {
