@@ -183,6 +183,10 @@ class Folder_Reader {
         }
         early.bytes = std::move(*bytes);
         if (!Dicom_Is_Likely(early.bytes)) {
+            if (May_Be_Nifti(file, early.bytes)) {  // its levels need room that the files before it must not hold yet
+                early = {};
+                early.is_left = true;
+            }
             return early;
         }
         early.result = Dicom_Read(
@@ -256,10 +260,14 @@ class Folder_Reader {
         return static_cast<std::int32_t>(folder.files.size()) - 1;
     }
 
+    static bool May_Be_Nifti(const Wanted_File& file, std::span<const std::uint8_t> bytes) {
+        return Is_Nifti_Content(bytes) ||
+               (file.is_named && !bytes.empty() && !Is_Dicom_Name(File_Name_Text(file.path)));
+    }
+
     void Read_Any(const Wanted_File& file, const std::string& name, std::vector<std::uint8_t>&& bytes) {
         const bool is_dicom = Dicom_Is_Likely(bytes);
-        const bool may_be_nifti = Is_Nifti_Content(bytes) || (file.is_named && !bytes.empty() && !Is_Dicom_Name(name));
-        if (is_dicom || !may_be_nifti) {
+        if (is_dicom || !May_Be_Nifti(file, bytes)) {
             return Take_Dicom(file.path, Dicom_Read(bytes, limits, [this](double share) { return Go_On(share); }));
         }
         bytes = {};

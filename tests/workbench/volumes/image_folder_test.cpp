@@ -322,6 +322,21 @@ TEST_F(Dicom_Folder, what_is_packed_inside_a_small_file_counts_as_well) {
     EXPECT_THAT(Problems(opened), ElementsAre(HasSubstr("3.dcm: does not fit beside the other images")));
 }
 
+TEST_F(Dicom_Folder, a_volume_under_another_name_has_its_room_before_the_files_behind_it) {
+    Nifti_Bytes volume = Small_File();
+    volume.datatype = 2;
+    volume.bitpix = 8;
+    volume.voxels.assign(1600, 7);
+    volume.dim = {3, 40, 40, 1, 1, 1, 1, 1};
+    Write("1", volume.File());
+    const std::vector<std::uint8_t> pixels(1600, 7);
+    Write("2.dcm", Dicom_Bytes().Pixels_8(pixels, 40, 40).Text(TAG_SERIES, "UI", "1").File());
+    Write("3.dcm", Dicom_Bytes().Pixels_8(pixels, 40, 40).Text(TAG_SERIES, "UI", "2").File());
+    const Image_Folder opened = Open(Load_Limits{6400});
+    EXPECT_THAT(opened.files, ElementsAre(folder / "1", folder / "2.dcm"));
+    EXPECT_THAT(Problems(opened), ElementsAre(HasSubstr("3.dcm: does not fit beside the other images")));
+}
+
 TEST_F(Dicom_Folder, leaves_out_volumes_with_more_slices_than_can_be_listed) {
     const auto cine = [](std::size_t moments, const char* series) {
         Dicom_Bytes bytes;
