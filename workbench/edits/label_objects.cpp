@@ -38,9 +38,9 @@ volumes::Segment Segment_Of(const Tag_Description& tag) {
 }
 
 /** The bytes of a file; no value: they cannot be read, and `error` says why. */
-std::optional<std::vector<std::uint8_t>> Bytes_Read(const std::filesystem::path& file, std::string& error) {
+std::optional<std::vector<std::uint8_t>> Bytes_Read(const std::filesystem::path& file, std::uint64_t most,
+                                                    std::string& error) {
     volumes::File_Source source(file);
-    const std::uint64_t most = volumes::Load_Limits().decoded_bytes;
     if (!source.Error().empty() || source.Size().value_or(0) > most) {
         error = source.Error().empty() ? "is larger than the limit of " + volumes::Size_Text(most) : source.Error();
         return std::nullopt;
@@ -158,8 +158,9 @@ bool Label_Objects::May_Load(const std::string& name, const volumes::Object_Owne
     if (slices.file_of_slice.empty()) {
         return true;
     }
+    const auto first = static_cast<std::size_t>(slices.file_of_slice.front());
     const volumes::Object_Owner of_image =
-        volumes::Object_Owner_Read(slices.files[static_cast<std::size_t>(slices.file_of_slice.front())]);
+        volumes::Object_Owner_Read(slices.files[first], volumes::Limits_Beside(host.Work().Image()));
     if (!owner.Is_Other(of_image)) {
         return true;
     }
@@ -182,15 +183,16 @@ std::optional<Object_Labels> Label_Objects::Load(const std::filesystem::path& fi
     std::optional<std::vector<std::uint8_t>> bytes;
     std::optional<double> threshold;
     volumes::Segmentation_Result read;
+    const volumes::Load_Limits limits = volumes::Limits_Beside(host.Work().Image());
     for (bool is_asked = false;; is_asked = true) {
         host.Run("Loading " + name, [&](const volumes::Load_Progress& progress) {
             if (!bytes) {
-                bytes = Bytes_Read(file, read.error);
+                bytes = Bytes_Read(file, limits.decoded_bytes, read.error);
             }
             if (bytes) {
-                read = volumes::Dicom_Segmentation_Read(*bytes, host.Work().Image(), threshold, {}, progress);
+                read = volumes::Dicom_Segmentation_Read(*bytes, host.Work().Image(), threshold, limits, progress);
                 if (read.is_other_object) {
-                    read = volumes::Dicom_Structure_Set_Read(*bytes, host.Work().Image(), {}, progress);
+                    read = volumes::Dicom_Structure_Set_Read(*bytes, host.Work().Image(), limits, progress);
                 }
             }
         });

@@ -158,7 +158,7 @@ bool Segmentation_Control::Label_File_Read(const std::string& title, std::vector
     std::string error;
     try {
         host.Run("Reading " + volumes::File_Name_Text(*file), [&](const segmentation::Edit_Progress& progress) {
-            loaded = volumes::Volume_Load(*file, progress);
+            loaded = volumes::Volume_Load(*file, progress, volumes::Limits_Beside(host.Work().Image()));
             if (loaded.volume) {
                 error = host.Work().Labels_Lay({*loaded.volume, *file, nullptr, {}}, Grid_Choice::Refuse, laid);
             }

@@ -17,8 +17,9 @@ constexpr const char* NO_IMAGE = "Open an image first; labels lie on an image.";
 
 std::optional<volumes::Load_Result> Label_File_Control::Read_Volume(const std::filesystem::path& path) {
     volumes::Load_Result result;
+    const volumes::Load_Limits limits = volumes::Limits_Beside(work.session.Image());
     dialogs.Run("Loading " + volumes::File_Name_Text(path),
-                [&](const volumes::Load_Progress& progress) { result = volumes::Volume_Load(path, progress); });
+                [&](const volumes::Load_Progress& progress) { result = volumes::Volume_Load(path, progress, limits); });
     if (result.cancelled) {
         dialogs.Tell("Loading was given up");
         return std::nullopt;

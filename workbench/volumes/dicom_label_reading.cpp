@@ -14,7 +14,7 @@ void Image_Place_Demand(const Volume& image) {
 }
 
 Volume Labels_Like(const Volume& like, const Load_Limits& limits) {
-    if (static_cast<std::uint64_t>(like.Voxel_Nb_3D()) * sizeof(std::int32_t) > limits.decoded_bytes) {
+    if (static_cast<std::uint64_t>(like.Voxel_Nb_3D()) * sizeof(std::uint16_t) > limits.decoded_bytes) {
         throw Dicom_Refusal{"needs more memory than the limit of " + Size_Text(limits.decoded_bytes)};
     }
     Volume labels;

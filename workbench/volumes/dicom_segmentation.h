@@ -44,7 +44,7 @@ struct Object_Owner {
 };
 
 /** Of a file; says nothing when the file is no DICOM file or cannot be read. Never throws. */
-Object_Owner Object_Owner_Read(const std::filesystem::path& file) noexcept;
+Object_Owner Object_Owner_Read(const std::filesystem::path& file, const Load_Limits& limits) noexcept;
 
 struct Segmentation_Result {
     /** Levels are TAG numbers, 0 is background. On the voxels of the image where the object's frames lie on them,

@@ -26,7 +26,7 @@ std::string Dicom_Segmentation_Write(const std::filesystem::path& /*path*/, cons
     return "This program was built without DICOM.";
 }
 
-Object_Owner Object_Owner_Read(const std::filesystem::path& /*file*/) noexcept {
+Object_Owner Object_Owner_Read(const std::filesystem::path& /*file*/, const Load_Limits& /*limits*/) noexcept {
     return {};
 }
 

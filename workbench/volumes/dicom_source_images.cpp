@@ -17,13 +17,11 @@ namespace volumes {
 
 namespace {
 
-constexpr std::uint64_t FILE_MOST = std::uint64_t{2} << 30U;  // bytes, as everywhere that files are read
-
 Dicom_Refusal Refusal_Of(const std::filesystem::path& path, const std::string& what) {
     return {"The image " + File_Name_Text(path) + " " + what + '.'};
 }
 
-std::vector<std::uint8_t> Bytes_Of(const std::filesystem::path& path) {
+std::vector<std::uint8_t> Bytes_Of(const std::filesystem::path& path, std::uint64_t most) {
     File_Source plain(path);
     if (!plain.Error().empty()) {
         throw Refusal_Of(path, plain.Error());
@@ -33,8 +31,8 @@ std::vector<std::uint8_t> Bytes_Of(const std::filesystem::path& path) {
     constexpr std::size_t step = std::size_t{1} << 20U;
     while (decoded.End() == Decode_End::Not_Yet) {
         const std::size_t had = bytes.size();
-        if (had > FILE_MOST) {
-            throw Refusal_Of(path, "is larger than " + Size_Text(FILE_MOST));
+        if (had > most) {
+            throw Refusal_Of(path, "is larger than " + Size_Text(most));
         }
         bytes.resize(had + std::max(step, had));
         bytes.resize(had + decoded.Read(std::span(bytes).subspan(had)));
@@ -86,11 +84,11 @@ class Images_Reader {
     }
 
     Source_Image Image_Read(const std::filesystem::path& path) {
-        const std::vector<std::uint8_t> bytes = Bytes_Of(path);
+        const std::vector<std::uint8_t> bytes = Bytes_Of(path, file_most);
         Data_Set_Source source;
         DcmFileFormat file;
         try {
-            Data_Set_Read(bytes, FILE_MOST, file, source);
+            Data_Set_Read(bytes, file_most, file, source);
         } catch (const Dicom_Refusal& refusal) {
             throw Refusal_Of(path, refusal.text);
         }
@@ -148,9 +146,9 @@ class Images_Reader {
             corner[axis] = (image.affine[axis][2] * z + image.affine[axis][3]) * (axis < 2 ? -1.0 : 1.0);
         }
         // Slices that lie unevenly are beside the grid that stands for them.
-        const double most = image.nz > 1 ? 0.5 * image.spacing[2] + 1e-3 : 1e-3;
+        const double farthest = image.nz > 1 ? 0.5 * image.spacing[2] + 1e-3 : 1e-3;
         std::optional<std::int32_t> nearest;
-        double least = most;
+        double least = farthest;
         bool is_several = false;
         for (std::size_t frame = 0; frame < source.places.size(); ++frame) {
             const Slice_Place& place = source.places[frame];
@@ -191,6 +189,7 @@ class Images_Reader {
     const Volume& image;
     const Slice_Files& files;
     const Load_Progress& progress;
+    const std::uint64_t file_most = Limits_Beside(image).decoded_bytes;
     std::map<std::int32_t, std::size_t> image_of_file;
     Source_Images read;
 };
@@ -201,12 +200,12 @@ Source_Images Source_Images_Read(const Volume& image, const Slice_Files& slices,
     return Images_Reader(image, slices, progress).Read();
 }
 
-Object_Owner Object_Owner_Read(const std::filesystem::path& file) noexcept {
+Object_Owner Object_Owner_Read(const std::filesystem::path& file, const Load_Limits& limits) noexcept {
     try {
-        const std::vector<std::uint8_t> bytes = Bytes_Of(file);
+        const std::vector<std::uint8_t> bytes = Bytes_Of(file, limits.decoded_bytes);
         Data_Set_Source source;
         DcmFileFormat format;
-        Data_Set_Read(bytes, FILE_MOST, format, source);
+        Data_Set_Read(bytes, limits.decoded_bytes, format, source);
         return Owner_Of(*format.getDataset());
     } catch (...) {
         return {};

@@ -1,6 +1,7 @@
 /** What every reader of images takes and gives. */
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -25,6 +26,15 @@ struct Load_Limits {
      *  Not owned. */
     Memory_Share* share = nullptr;
 };
+
+/** For files that belong to an open image: what was saved of it can be read again, however large it is. The usual
+ *  limit, or eight bytes for each of its voxels if these are more. */
+inline Load_Limits Limits_Beside(const Volume& image) {
+    Load_Limits limits;
+    const auto voxel_nb = static_cast<std::uint64_t>(image.Voxel_Nb_3D()) * static_cast<std::uint64_t>(image.nt);
+    limits.decoded_bytes = std::max(limits.decoded_bytes, voxel_nb * 8);
+    return limits;
+}
 
 struct Load_Result {
     std::optional<Volume> volume;       ///< no value: see error

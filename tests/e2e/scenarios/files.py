@@ -83,19 +83,24 @@ def closing_with_unsaved_work_asks(run):
     run.same("it closes with status 0", app.wait_ended(), 0)
 
 
-def large_image(run):
-    """512 x 512 x 300 voxels, two halves of one value each."""
-    half = 512 * 512 * 150 * 2
+def header_of(size, kind, bits):
+    """Of a volume of cubic voxels, whose bytes follow it."""
     header = bytearray(352)
     struct.pack_into("<i", header, 0, 348)
-    struct.pack_into("<8h", header, 40, 3, 512, 512, 300, 1, 1, 1, 1)
-    struct.pack_into("<hh", header, 70, 512, 16)
+    struct.pack_into("<8h", header, 40, 3, *size, 1, 1, 1, 1)
+    struct.pack_into("<hh", header, 70, kind, bits)
     struct.pack_into("<8f", header, 76, *[1.0] * 8)
     struct.pack_into("<f", header, 108, 352.0)
     header[344:348] = b"n+1\0"
+    return header
+
+
+def large_image(run):
+    """512 x 512 x 300 voxels, two halves of one value each."""
+    half = 512 * 512 * 150 * 2
     path = run.data / "large.nii"
     with open(path, "wb") as file:
-        file.write(header)
+        file.write(header_of((512, 512, 300), 512, 16))
         file.write(b"\x05\x00" * (half // 2))
         file.truncate(352 + 2 * half)
     return path
@@ -121,3 +126,27 @@ def the_picture_is_there_before_the_histogram(run):
     app = run.launch(image)
     app.wait_ready(is_counted=False)
     run.same("it ends well in the middle of counting", app.end(), 0)
+
+
+@scenario()
+def labels_of_an_image_beyond_two_gigabytes_come_back(run):
+    """What was saved of an image that takes more memory than other files may is read again."""
+    size = 1024, 1024, 1040
+    image = run.data / "vast.nii"
+    with open(image, "wb") as file:  # mostly a hole
+        file.write(header_of(size, 2, 8))
+        file.truncate(352 + size[0] * size[1] * size[2])
+    labels = run.folder / "vast_labels.nii.gz"
+    app = run.start(image, labels=labels, is_counted=False)
+    app.stroke((40, 45), (60, 45))
+    painted = app.expect("work is unsaved", unsaved=1).count(1)
+    run.check("something was painted", painted > 0)
+    app.key("ctrl+s")
+    app.expect("saving leaves nothing unsaved", unsaved=0)
+    app.stroke((40, 65), (60, 65))
+    app.expect("more was painted", lambda s: s.count(1) > painted)
+    app.key("ctrl+l")
+    app.answer_key("Unsaved work", "alt+n")
+    app.choose_file("Load labels", labels)
+    state = app.expect("the labels came back", lambda s: s.count(1) == painted)
+    run.check("nothing is warned of", not state.is_shown("banner"))

@@ -208,7 +208,7 @@ TEST_F(Segmentation_Of_Series, reading_can_be_given_up_and_has_a_limit) {
     EXPECT_TRUE(given_up.is_cancelled);
     EXPECT_FALSE(given_up.labels);
     Load_Limits limits;
-    limits.decoded_bytes = static_cast<std::uint64_t>(WIDTH * HEIGHT * SLICES) * 4 - 1;
+    limits.decoded_bytes = static_cast<std::uint64_t>(WIDTH * HEIGHT * SLICES) * 2 - 1;
     EXPECT_THAT(Dicom_Segmentation_Read(whole, Opened(), {}, limits).error, StartsWith("needs more memory"));
 }
 

@@ -146,6 +146,22 @@ TEST(Nifti_Reader_Damage, compares_the_plain_files_size_with_its_claims_before_r
     EXPECT_THAT(fractions, ElementsAre(0.0));
 }
 
+TEST(Load_Limits_Of_Files, leave_room_for_what_was_saved_of_an_open_image_however_large_it_is) {
+    constexpr std::uint64_t usual = std::uint64_t{2} << 30U;
+    Volume image;
+    EXPECT_EQ(Limits_Beside(image).decoded_bytes, usual);
+    image.nx = 1024;
+    image.ny = 1024;
+    image.nz = 256;
+    image.nt = 1;
+    EXPECT_EQ(Limits_Beside(image).decoded_bytes, usual);
+    image.nz = 3000;
+    EXPECT_EQ(Limits_Beside(image).decoded_bytes, std::uint64_t{3000} << 23U);
+    image.nt = 2;
+    EXPECT_EQ(Limits_Beside(image).decoded_bytes, std::uint64_t{3000} << 24U);
+    EXPECT_EQ(Limits_Beside(image).share, nullptr);
+}
+
 TEST(Nifti_Reader_Damage, refuses_what_is_beyond_the_limit) {
     Nifti_Bytes bytes = Small_File();
     const Load_Limits limits{24};  // twelve levels of two bytes
