@@ -120,8 +120,7 @@ bool Bands_Ask(HWND owner, Band_Plan& plan, const Tag_Namer& namer) {
     dialog.Add(DIALOG_BUTTON, BS_PUSHBUTTON | WS_TABSTOP, WIDTH - MARGIN - BUTTON_WIDTH, y, BUTTON_WIDTH, BUTTON_HEIGHT,
                IDCANCEL, L"Cancel");
     Asked asked = {plan, namer};
-    return ::DialogBoxIndirectParamW(::GetModuleHandleW(nullptr), dialog.Finish(), owner, &Procedure,
-                                     reinterpret_cast<LPARAM>(&asked)) == IDOK;
+    return dialog.Run(owner, &Procedure, reinterpret_cast<LPARAM>(&asked)) == IDOK;
 }
 
 }  // namespace workbench

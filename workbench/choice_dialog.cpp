@@ -48,8 +48,7 @@ int Choice_Ask(HWND owner, const std::wstring& title, const std::wstring& text, 
                    static_cast<short>(ways_top + static_cast<short>(at) * step), WIDTH - 2 * MARGIN, BUTTON_HEIGHT,
                    static_cast<WORD>(ID_WAY_0 + static_cast<int>(at)), ways[at]);
     }
-    const INT_PTR result =
-        ::DialogBoxIndirectParamW(::GetModuleHandleW(nullptr), dialog.Finish(), owner, &Procedure, 0);
+    const INT_PTR result = dialog.Run(owner, &Procedure);
     return result >= ID_WAY_0 ? static_cast<int>(result) - ID_WAY_0 : -1;
 }
 

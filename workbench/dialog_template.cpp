@@ -2,7 +2,32 @@
 
 #include <cstring>
 
+#include "workbench/window_theme.h"
+
 namespace workbench {
+
+namespace {
+
+struct Running {
+    DLGPROC procedure = nullptr;
+    LPARAM data = 0;
+};
+
+INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_INITDIALOG) {
+        ::SetWindowLongPtrW(dialog, DWLP_USER, lparam);
+        Frame_Theme_Follow(dialog);
+        lparam = reinterpret_cast<const Running*>(lparam)->data;
+    }
+    const auto* running = reinterpret_cast<const Running*>(::GetWindowLongPtrW(dialog, DWLP_USER));
+    if (running == nullptr) {
+        return FALSE;  // before WM_INITDIALOG
+    }
+    const HBRUSH ground = Prompt_Ground(message, wparam);
+    return ground != nullptr ? reinterpret_cast<INT_PTR>(ground) : running->procedure(dialog, message, wparam, lparam);
+}
+
+}  // namespace
 
 Dialog_Template::Dialog_Template(const std::wstring& title, short width, short height) {
     DLGTEMPLATE head = {};
@@ -33,6 +58,12 @@ void Dialog_Template::Add(WORD window_class, DWORD style, short x, short y, shor
     Put_Text(text);
     words.push_back(0);  // no creation data
     ++count;
+}
+
+INT_PTR Dialog_Template::Run(HWND owner, DLGPROC procedure, LPARAM data) {
+    const Running running = {procedure, data};
+    return ::DialogBoxIndirectParamW(::GetModuleHandleW(nullptr), Finish(), owner, &Procedure,
+                                     reinterpret_cast<LPARAM>(&running));
 }
 
 const DLGTEMPLATE* Dialog_Template::Finish() {

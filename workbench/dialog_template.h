@@ -20,10 +20,13 @@ class Dialog_Template {
     Dialog_Template(const std::wstring& title, short width, short height);
     void Add(WORD window_class, DWORD style, short x, short y, short width, short height, WORD id,
              const std::wstring& text);
-    /** @return valid while the object lives and nothing is added */
-    const DLGTEMPLATE* Finish();
+    /** Asks, in the colours of the theme. Runs a modal loop. @param owner may be null
+     *  @param procedure as the system's, with GWLP_USERDATA of the dialog to itself; DWLP_USER is taken
+     *  @param data what it gets with WM_INITDIALOG @return what the dialog ended with, -1: it could not be shown */
+    INT_PTR Run(HWND owner, DLGPROC procedure, LPARAM data = 0);
 
   private:
+    const DLGTEMPLATE* Finish();
     void Put(const void* bytes, std::size_t size);
     void Put_Text(const std::wstring& text);
     std::vector<WORD> words;

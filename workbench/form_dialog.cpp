@@ -92,8 +92,7 @@ int Form_Ask(HWND owner, const std::wstring& title, const std::wstring& text, st
     dialog.Add(DIALOG_BUTTON, BS_PUSHBUTTON | WS_TABSTOP, left, buttons_top, BUTTON_WIDTH, BUTTON_HEIGHT, IDCANCEL,
                L"Close");
     Shown_Form shown = {lines, static_cast<int>(ways.size())};
-    return static_cast<int>(::DialogBoxIndirectParamW(::GetModuleHandleW(nullptr), dialog.Finish(), owner, &Procedure,
-                                                      reinterpret_cast<LPARAM>(&shown)));
+    return static_cast<int>(dialog.Run(owner, &Procedure, reinterpret_cast<LPARAM>(&shown)));
 }
 
 }  // namespace workbench

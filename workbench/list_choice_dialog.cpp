@@ -81,8 +81,7 @@ bool List_Run(HWND owner, const std::wstring& title, const std::wstring& label, 
                BUTTON_WIDTH, BUTTON_HEIGHT, IDOK, accept);
     dialog.Add(DIALOG_BUTTON, BS_PUSHBUTTON | WS_TABSTOP, WIDTH - MARGIN - BUTTON_WIDTH, buttons_top, BUTTON_WIDTH,
                BUTTON_HEIGHT, IDCANCEL, L"&Close");
-    return ::DialogBoxIndirectParamW(::GetModuleHandleW(nullptr), dialog.Finish(), owner, &Procedure,
-                                     reinterpret_cast<LPARAM>(&shown)) == IDOK;
+    return dialog.Run(owner, &Procedure, reinterpret_cast<LPARAM>(&shown)) == IDOK;
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "workbench/enlarged_icon.h"
+#include "workbench/enlarged_frame.h"
 
 namespace workbench {
 
@@ -58,7 +58,7 @@ void Panel_Set::Add(Panel_Clicks clicks) {
             hosted_histogram.Scale_Note();
             if (is_used != 0) {
                 take();
-                Enlarged_Icon_Give();
+                Enlarged_Frame_Dress();
             }
         });
     area.Stretch(&Host(Pane::Histogram), look.Px(HISTOGRAM_HEIGHT_MOST));
@@ -156,7 +156,7 @@ void Panel_Set::Histogram_Enlarge() {
         histogram_panel.Click(0);
         histogram_panel.Leave();
     });
-    Enlarged_Icon_Give();
+    Enlarged_Frame_Dress();
 }
 
 void Panel_Set::Histogram_Scale_Suggest() {

@@ -44,8 +44,7 @@ std::optional<std::wstring> Prompt(HWND owner, const std::wstring& title, const 
     dialog.Add(DIALOG_BUTTON, BS_DEFPUSHBUTTON | WS_TABSTOP, 108, 44, 50, 14, IDOK, L"OK");
     dialog.Add(DIALOG_BUTTON, BS_PUSHBUTTON | WS_TABSTOP, 162, 44, 50, 14, IDCANCEL, L"Cancel");
     std::wstring answer = start;
-    const INT_PTR result = ::DialogBoxIndirectParamW(::GetModuleHandleW(nullptr), dialog.Finish(), owner, &Procedure,
-                                                     reinterpret_cast<LPARAM>(&answer));
+    const INT_PTR result = dialog.Run(owner, &Procedure, reinterpret_cast<LPARAM>(&answer));
     if (result != IDOK) {
         return std::nullopt;
     }

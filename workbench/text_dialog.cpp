@@ -72,8 +72,7 @@ int Text_Show(HWND owner, const std::wstring& title, const std::wstring& lines, 
     }
     const std::wstring text = Field_Text(lines);
     const Shown_Text shown = {text, font};
-    const INT_PTR result = ::DialogBoxIndirectParamW(::GetModuleHandleW(nullptr), dialog.Finish(), owner, &Procedure,
-                                                     reinterpret_cast<LPARAM>(&shown));
+    const INT_PTR result = dialog.Run(owner, &Procedure, reinterpret_cast<LPARAM>(&shown));
     return result >= ID_CHOICE_0 ? static_cast<int>(result) - ID_CHOICE_0 : -1;
 }
 

@@ -9,6 +9,7 @@
 #include "host/kit_widgets.h"
 #include "workbench/accessible.h"
 #include "workbench/automation_provider.h"
+#include "workbench/window_theme.h"
 
 namespace workbench {
 
@@ -49,6 +50,7 @@ bool Window_Base::Create(HWND parent, DWORD style, const wchar_t* title, HMENU m
     if (own_handle == nullptr) {
         return false;
     }
+    Frame_Theme_Follow(own_handle);
     ::SetWindowLongPtrW(own_handle, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     ::SetWindowLongPtrW(own_handle, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Window_Base::Procedure));
     return true;

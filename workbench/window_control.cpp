@@ -21,6 +21,7 @@
 #include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 #include "workbench/window_places.h"
+#include "workbench/window_theme.h"
 
 namespace workbench {
 
@@ -45,6 +46,7 @@ void Window_Control::Settings_Open() {
     of.settings.Open(of.options.settings.empty() ? Usual_Place() : volumes::Path_From_Utf8(of.options.settings));
     const Settings& kept = of.settings.Now();
     of.look.Theme_Set(kept.is_light ? Library_Theme::Light : Library_Theme::Dark);
+    Windows_Theme_Set(!kept.is_light);
     of.labels.Share(kept.are_labels_shared);
     of.database.Width_Choose(of.look.Px(kept.database_width));
 }
@@ -108,6 +110,7 @@ bool Window_Control::Is_Trace() const {
 
 void Window_Control::Theme_Set(bool is_light) {
     of.look.Theme_Set(is_light ? Library_Theme::Light : Library_Theme::Dark);
+    Windows_Theme_Set(!is_light);
     Look_Changed();
 }
 

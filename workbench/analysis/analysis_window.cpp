@@ -18,6 +18,7 @@
 #include "workbench/model/number_text.h"
 #include "workbench/wide_text.h"
 #include "workbench/window_places.h"
+#include "workbench/window_theme.h"
 
 namespace workbench {
 
@@ -75,6 +76,7 @@ void Analysis_Window::Open(HWND owner) {
     if (window == nullptr) {
         return;
     }
+    Frame_Theme_Follow(window);
     Place_Beside(window, owner, tools_width, place_last, width, height);
     Window_Axis_Set(window, Window_Axis::Down);
     accessible = Accessible_Make();

@@ -51,6 +51,8 @@ std::vector<Theme_Pair> Theme_Pairs(const Theme_Colors& colors) {
         {"note of a panel", colors.text_grey, colors.heading, true},
         {"note of a panel under the pointer", colors.text_grey, colors.heading_hover, true},
         {"image view without a volume", colors.text_grey, colors.image_ground, true},
+        {"text of a prompt", colors.text, colors.ground, true},
+        {"field of a prompt", colors.text, colors.heading, true},
         {"line of the trace view", colors.text, colors.image_ground, true},
         {"level in the trace view", colors.text_grey, colors.image_ground, true},
         {"quality of a fit", colors.accent, colors.ground, true},
