@@ -1,4 +1,6 @@
 // Prompts have the colours of the theme.
+#include "base/gdi_handles.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -30,14 +32,12 @@ std::uint32_t Color_Of(COLORREF color) {
 
 /** Asks the dialog as the system does. */
 Colors Colors_Of(HWND dialog, HWND control, UINT message) {
-    const HDC dc = ::GetDC(control);
+    const Window_DC dc(control);
     const auto brush = reinterpret_cast<HBRUSH>(
-        ::SendMessageW(dialog, message, reinterpret_cast<WPARAM>(dc), reinterpret_cast<LPARAM>(control)));
+        ::SendMessageW(dialog, message, reinterpret_cast<WPARAM>(dc.Get()), reinterpret_cast<LPARAM>(control)));
     LOGBRUSH description = {};
     ::GetObjectW(brush, sizeof description, &description);
-    const Colors colors = {Color_Of(description.lbColor), Color_Of(::GetBkColor(dc)), Color_Of(::GetTextColor(dc))};
-    ::ReleaseDC(control, dc);
-    return colors;
+    return {Color_Of(description.lbColor), Color_Of(::GetBkColor(dc.Get())), Color_Of(::GetTextColor(dc.Get()))};
 }
 
 class Dialog_Theme : public testing::Test {
