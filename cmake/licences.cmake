@@ -26,7 +26,11 @@ if(MINGW)
     kit_licence_of_package(eigen libeigen3-dev)
     kit_licence_of_package(stb libstb-dev)
     if(KIT_DICOM)
-        foreach(library dcmtk openjpeg)
+        set(libraries dcmtk openjpeg)
+        if(KIT_DICOM_TLS)
+            list(APPEND libraries openssl)
+        endif()
+        foreach(library IN LISTS libraries)
             # Beside what scripts/build_dependencies built of them.
             find_file(KIT_LICENCE_${library} ${library}.txt NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH
                 PATHS "${DCMTK_DIR}/../share/licences" "${DCMTK_DIR}/../../../share/licences")

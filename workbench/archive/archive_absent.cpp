@@ -22,6 +22,10 @@ Archive_Outcome Archive_Test(const Archive_Settings&, const Load_Progress&, Arch
     return Absent();
 }
 
+bool Can_Encrypt() {
+    return false;
+}
+
 Search_Result<Study> Studies_Search(const Archive_Settings&, const Study_Query&, const Load_Progress&) {
     return Absent_As<Search_Result<Study>>();
 }

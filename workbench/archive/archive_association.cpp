@@ -8,6 +8,7 @@
 #include "dcmtk/dcmnet/cond.h"
 #include "dcmtk/oflog/oflog.h"
 #include "dcmtk/ofstd/ofstd.h"
+#include "workbench/archive/archive_encryption.h"
 #include "workbench/archive/archive_texts.h"
 
 namespace workbench::archive {
@@ -41,6 +42,9 @@ Archive_Association::Archive_Association(const Archive_Settings& archive, Connec
     : settings(archive), watch(its_watch), layer(its_watch) {
     if (const std::string doubt = Settings_Doubt(settings); !doubt.empty()) {
         throw Failure_Of(Archive_Fault::Settings, doubt);
+    }
+    if (settings.is_encrypted) {
+        layer.Encrypt(std::make_unique<Encrypted_Channel>(settings));
     }
     Network_Prepare();
     Request(Reach(), proposals);

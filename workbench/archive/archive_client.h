@@ -22,6 +22,8 @@ struct Archive_Abilities {
     bool is_fetched_from = false;  ///< in the way that the settings say
 };
 
+/** Whether this build speaks with archives by TLS. */
+bool Can_Encrypt();
 /** Asks whether it is there. @param abilities may be null */
 Archive_Outcome Archive_Test(const Archive_Settings& archive, const Load_Progress& progress,
                              Archive_Abilities* abilities = nullptr);

@@ -1,8 +1,11 @@
 #include "workbench/archive/archive_connection.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "dcmtk/dcmnet/cond.h"
 #include "dcmtk/dcmnet/dcmtrans.h"
+#include "workbench/archive/archive_encryption.h"
 #include "workbench/archive/archive_socket.h"
 
 namespace workbench::archive {
@@ -11,9 +14,12 @@ namespace {
 
 class Watched_Connection : public DcmTCPConnection {
   public:
-    Watched_Connection(DcmNativeSocketType open_socket, Connection_Watch& its_watch)
-        : DcmTCPConnection(open_socket), watch(its_watch) {}
+    /** @param secret null: nothing is encrypted @param told where it is said why the encryption failed */
+    Watched_Connection(DcmNativeSocketType open_socket, Connection_Watch& its_watch,
+                       std::unique_ptr<Encrypted_Channel> secret, std::string& told)
+        : DcmTCPConnection(open_socket), watch(its_watch), encrypted(std::move(secret)), doubt(told) {}
 
+    OFCondition clientSideHandshake() override;
     ssize_t read(void* bytes, size_t count) override;
     ssize_t write(void* bytes, size_t count) override;
     OFBool networkDataAvailable(int timeout) override;
@@ -21,8 +27,12 @@ class Watched_Connection : public DcmTCPConnection {
 
   private:
     bool Prepare();
+    std::ptrdiff_t Receive(void* bytes, std::size_t count);
+    std::ptrdiff_t Send(const void* bytes, std::size_t count);
 
     Connection_Watch& watch;
+    std::unique_ptr<Encrypted_Channel> encrypted;
+    std::string& doubt;
     bool is_prepared = false;
 };
 
@@ -45,9 +55,37 @@ bool Watched_Connection::Prepare() {
     return true;
 }
 
+std::ptrdiff_t Watched_Connection::Receive(void* bytes, std::size_t count) {
+    return encrypted ? encrypted->Receive(bytes, count) : Socket_Receive(getSocket(), bytes, count);
+}
+
+std::ptrdiff_t Watched_Connection::Send(const void* bytes, std::size_t count) {
+    return encrypted ? encrypted->Send(bytes, count) : Socket_Send(getSocket(), bytes, count);
+}
+
+OFCondition Watched_Connection::clientSideHandshake() {
+    if (!encrypted) {
+        return EC_Normal;
+    }
+    // Prepared once more before the first bytes: see there.
+    while (Socket_Prepare(getSocket()) && watch.May_Go_On()) {
+        const int step = encrypted->Handshake();
+        if (step > 0) {
+            return EC_Normal;
+        }
+        if (step < 0) {
+            doubt = encrypted->Doubt();
+            watch.Lose();
+            break;
+        }
+        Is_Socket_Readable(getSocket());
+    }
+    return DUL_NETWORKCLOSED;
+}
+
 ssize_t Watched_Connection::read(void* bytes, size_t count) {
     while (Prepare() && watch.May_Go_On()) {
-        const std::ptrdiff_t got = Socket_Receive(getSocket(), bytes, count);
+        const std::ptrdiff_t got = Receive(bytes, count);
         if (got > 0) {
             return watch.Came(static_cast<std::size_t>(got)) ? static_cast<ssize_t>(got) : Ended();
         }
@@ -69,7 +107,7 @@ ssize_t Watched_Connection::write(void* bytes, size_t count) {
         if (!may_wait && count > GOODBYE_MOST) {
             return Ended();
         }
-        const std::ptrdiff_t step = Socket_Send(getSocket(), from + went, count - went);
+        const std::ptrdiff_t step = Send(from + went, count - went);
         if (step > 0) {
             went += static_cast<std::size_t>(step);
             watch.Moved();
@@ -89,7 +127,7 @@ ssize_t Watched_Connection::write(void* bytes, size_t count) {
 OFBool Watched_Connection::networkDataAvailable(int timeout) {
     const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(std::max(timeout, 0));
     while (Prepare() && watch.May_Go_On()) {
-        if (Is_Socket_Readable(getSocket())) {
+        if ((encrypted && encrypted->Has_More()) || Is_Socket_Readable(getSocket())) {
             return OFTrue;
         }
         if (std::chrono::steady_clock::now() >= until) {
@@ -154,9 +192,27 @@ void Connection_Watch::Lose() {
     }
 }
 
+Watched_Layer::Watched_Layer(Connection_Watch& its_watch, Welcome its_welcome)
+    : watch(its_watch), welcome(std::move(its_welcome)) {}
+
+Watched_Layer::~Watched_Layer() = default;
+
+void Watched_Layer::Encrypt(std::unique_ptr<Encrypted_Channel> channel) {
+    secret = std::move(channel);
+    is_encrypted = true;
+}
+
 DcmTransportConnection* Watched_Layer::createConnection(DcmNativeSocketType open_socket, OFBool is_secure) {
-    // What is not made the toolkit closes.
-    return is_secure || (welcome && !welcome(open_socket)) ? nullptr : new Watched_Connection(open_socket, watch);
+    if (is_secure || (welcome && !welcome(open_socket))) {
+        return nullptr;  // what is not made the toolkit closes
+    }
+    if (is_encrypted && !secret) {
+        return nullptr;  // one connection has it already: no other one goes in clear
+    }
+    if (secret) {
+        secret->Attach(open_socket);
+    }
+    return new Watched_Connection(open_socket, watch, std::move(secret), doubt);
 }
 
 }  // namespace workbench::archive

@@ -5,6 +5,8 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <string>
 #include <utility>
 
 #include "dcmtk/config/osconfig.h"
@@ -12,6 +14,8 @@
 #include "workbench/volumes/volume_load.h"
 
 namespace workbench::archive {
+
+class Encrypted_Channel;
 
 enum class Connection_End { Open, Cancelled, Silent, Lost, Flooded };
 
@@ -58,13 +62,22 @@ class Watched_Layer : public DcmTransportLayer {
   public:
     using Welcome = std::function<bool(DcmNativeSocketType)>;
     /** @param its_welcome whether a connection is wanted; empty: every one */
-    explicit Watched_Layer(Connection_Watch& its_watch, Welcome its_welcome = {})
-        : watch(its_watch), welcome(std::move(its_welcome)) {}
+    explicit Watched_Layer(Connection_Watch& its_watch, Welcome its_welcome = {});
+    ~Watched_Layer() override;
+    Watched_Layer(const Watched_Layer&) = delete;
+    Watched_Layer& operator=(const Watched_Layer&) = delete;
+    /** The next connection is encrypted by that. */
+    void Encrypt(std::unique_ptr<Encrypted_Channel> channel);
+    /** Why the encryption was not agreed upon: the end of a sentence; empty: no doubt. */
+    const std::string& Doubt() const { return doubt; }
     DcmTransportConnection* createConnection(DcmNativeSocketType open_socket, OFBool is_secure) override;
 
   private:
     Connection_Watch& watch;
     Welcome welcome;
+    std::unique_ptr<Encrypted_Channel> secret;
+    bool is_encrypted = false;
+    std::string doubt;
 };
 
 }  // namespace workbench::archive

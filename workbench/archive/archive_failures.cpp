@@ -65,6 +65,9 @@ Archive_Failure Archive_Association::Failure(const OFCondition& condition) const
             return Failure_Of(Archive_Fault::Garbled,
                               title + " sends more than was asked for, so the connection was ended.");
         case Connection_End::Lost:
+            if (!layer.Doubt().empty()) {
+                return Failure_Of(Archive_Fault::Encryption, title + layer.Doubt());
+            }
             break;
         case Connection_End::Open:
             if (condition != DUL_PEERABORTEDASSOCIATION && condition != DUL_PEERREQUESTEDRELEASE &&

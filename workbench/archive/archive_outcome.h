@@ -15,6 +15,7 @@ enum class Archive_Fault {
     Not_Reached,      ///< no answer from the host, or no way to it
     Called_Title,     ///< the archive has another title
     Own_Title,        ///< the archive does not know this program's title
+    Encryption,       ///< not agreed upon, or the archive is not trusted
     Refused,          ///< whatever else it refuses
     Silent,           ///< no byte for too long
     Lost,             ///< the connection ended too early

@@ -17,6 +17,10 @@ constexpr std::size_t PART_NB = 8;         // of archives that images are fetche
 constexpr std::size_t MOVED_PART_NB = 9;   // by C-MOVE, and one more where others may bring images
 constexpr std::size_t CALLERS_MOST = 512;  // letters
 constexpr int SECONDS_MOST = 3600;
+constexpr std::size_t FILE_MOST = 1000;  // bytes of a file's name
+constexpr std::string_view TRUSTED =
+    "tls=";  // parts of encrypted archives: files, the first one perhaps without a name
+constexpr std::string_view OWN = "tls_own=";
 
 /** A part of a line: what would end it, or is no text, becomes a blank. */
 std::string Part(std::string_view text) {
@@ -44,6 +48,22 @@ bool Time_Of(const std::string& text, std::chrono::milliseconds& time) {
 
 bool Is_Printable(char letter) {
     return letter >= ' ' && letter <= '~';
+}
+
+bool Is_File_Name(std::string_view text) {
+    return text.size() <= FILE_MOST && std::ranges::none_of(text, [](char letter) {
+               return letter == SEPARATOR || static_cast<unsigned char>(letter) < ' ';
+           });
+}
+
+/** Takes the last part away if it begins with a mark. @return what follows the mark */
+std::optional<std::string> Part_Take(std::vector<std::string>& parts, std::string_view mark) {
+    if (parts.size() <= PART_NB || !parts.back().starts_with(mark)) {
+        return std::nullopt;
+    }
+    std::string rest = parts.back().substr(mark.size());
+    parts.pop_back();
+    return rest;
 }
 
 bool Are_Addresses(std::string_view text) {
@@ -87,6 +107,15 @@ std::string Settings_Doubt(const Archive_Settings& settings) {
     if (settings.is_moved && (settings.own_port < 1 || settings.own_port > PORT_MAX)) {
         return "The own port is to be a number from 1 to 65535.";
     }
+    if (!settings.other_callers.empty() && !Are_Addresses(settings.other_callers)) {
+        return "Others that bring images are to be addresses of four numbers with dots, with blanks between.";
+    }
+    if (settings.is_encrypted && settings.is_moved) {
+        return "Images come by TLS only where this program fetches them (C-GET): leave the own port empty.";
+    }
+    if (!Is_File_Name(settings.trusted_file) || !Is_File_Name(settings.own_file)) {
+        return "The files of certificates are to have names without | and at most 1000 bytes long.";
+    }
     if (!Is_Title(settings.called_title)) {
         return "The archive's AE title is to have 1 to 16 letters without accents, and no backslash.";
     }
@@ -107,6 +136,10 @@ std::string Archive_Line(const Archive_Settings& settings) {
         line += SEPARATOR + std::to_string(settings.own_port);
         line += settings.other_callers.empty() ? std::string() : SEPARATOR + settings.other_callers;
     }
+    if (settings.is_encrypted) {
+        line += SEPARATOR + std::string(TRUSTED) + settings.trusted_file;
+        line += settings.own_file.empty() ? std::string() : SEPARATOR + std::string(OWN) + settings.own_file;
+    }
     return line;
 }
 
@@ -120,6 +153,14 @@ std::optional<Archive_Settings> Archive_Of_Line(std::string_view line) {
         }
     }
     Archive_Settings settings;
+    const std::optional<std::string> own = Part_Take(parts, OWN);
+    const std::optional<std::string> trusted = Part_Take(parts, TRUSTED);
+    if (own && !trusted) {
+        return std::nullopt;  // it would be spoken to in clear
+    }
+    settings.own_file = own.value_or("");
+    settings.is_encrypted = trusted.has_value();
+    settings.trusted_file = trusted.value_or("");
     settings.is_moved = parts.size() == MOVED_PART_NB || parts.size() == MOVED_PART_NB + 1;
     if (parts.size() > MOVED_PART_NB) {
         settings.other_callers = parts[MOVED_PART_NB];

@@ -27,6 +27,9 @@ struct Archive_Settings {
     int own_port = 11112;   ///< that the archive knows for it
     /** Addresses of four numbers, with blanks between, that images may come from by C-MOVE besides the archive's. */
     std::string other_callers;
+    bool is_encrypted = false;  ///< by TLS; images come by C-GET then
+    std::string trusted_file;   ///< of certificates that the archive's is signed with; empty: those of this computer
+    std::string own_file;       ///< of this program's certificate and its key; empty: it has none
 };
 
 inline constexpr int PORT_MAX = 65535;

@@ -11,6 +11,11 @@ namespace workbench::archive {
 
 inline constexpr const char* IN_CLEAR =
     "Names and images travel without encryption: use it within a network that you trust.";
+inline constexpr const char* BY_TLS = "Names and images travel encrypted, and the archive's certificate is checked.";
+/** Which of them holds. */
+inline const char* Way_Text(const Archive_Settings& archive) {
+    return archive.is_encrypted ? BY_TLS : IN_CLEAR;
+}
 
 /** "1 image", "3 images"; empty for a number that is not known. */
 std::string Counted_Text(int count, const char* one, const char* many);

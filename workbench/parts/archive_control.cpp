@@ -19,6 +19,11 @@ namespace {
 constexpr const char* OPEN_TITLE = "Open from an archive";
 constexpr std::uint64_t CACHE_MOST = std::uint64_t{20} << 30U;  // bytes of fetched series that are kept
 
+constexpr const char* SYSTEM_TRUST = "system";
+constexpr const char* SECRET_TEXT =
+    " With TLS it is encrypted: name the file of the certificates that are trusted, or \"system\" for those of this "
+    "computer.";
+
 /** "2024-01-31" or "20240131" as archives have it. */
 std::string Date_Asked(std::string date) {
     std::erase_if(date, [](char letter) { return letter == '-' || letter == ' '; });
@@ -59,10 +64,13 @@ std::string Cut_Text(bool is_cut) {
 
 Archive_Operations Archive_Operations_Of_Network() {
     return {
-        archive::Archive_Test, archive::Studies_Search, archive::Series_Search,
+        archive::Archive_Test,
+        archive::Studies_Search,
+        archive::Series_Search,
         [](const Archive_Settings& asked, const archive::Series& series, const std::filesystem::path& root,
            const volumes::Load_Progress& progress) { return archive::Series_Retrieve(asked, series, root, progress); },
-        archive::Files_Send};
+        archive::Files_Send,
+        archive::Can_Encrypt()};
 }
 
 void Archive_Control::Test(const Archive_Settings& asked) {
@@ -95,13 +103,20 @@ std::optional<Archive_Settings> Archive_Control::Settings_Ask(std::optional<std:
         {"&Port", std::to_string(now.port)},
         {"AE &title of the archive", now.called_title},
         {"AE title of this p&rogram", now.own_title},
-        {"&Own port, for C-MOVE (empty: C-GET)", now.is_moved ? std::to_string(now.own_port) : std::string()}};
+        {"&Own port, only for C-MOVE", now.is_moved ? std::to_string(now.own_port) : std::string()},
+        {"A&ddresses that bring, too (C-MOVE)", now.other_callers}};
+    const std::string text = operations.can_encrypt ? archive::IN_CLEAR + std::string(SECRET_TEXT) : archive::IN_CLEAR;
+    if (operations.can_encrypt) {
+        const std::string trusted = now.trusted_file.empty() ? std::string(SYSTEM_TRUST) : now.trusted_file;
+        fields.push_back({"TL&S: trusted certificates", now.is_encrypted ? trusted : std::string()});
+        fields.push_back({"TLS: o&wn certificate and key", now.own_file});
+    }
     std::vector<std::string> ways = {"&Keep", "T&est"};
     if (index) {
         ways.emplace_back("&Remove");
     }
     while (true) {
-        const int way = host.form("Settings of an archive", archive::IN_CLEAR, fields, ways);
+        const int way = host.form("Settings of an archive", text, fields, ways);
         if (way < 0) {
             return std::nullopt;
         }
@@ -111,13 +126,19 @@ std::optional<Archive_Settings> Archive_Control::Settings_Ask(std::optional<std:
             return std::nullopt;
         }
         now.name = fields[0].value.empty() ? fields[1].value : fields[0].value;
-        if (now.host != fields[1].value) {
-            now.other_callers.clear();  // they were trusted beside another archive
+        if (now.host != fields[1].value && now.other_callers == fields[6].value) {
+            fields[6].value.clear();  // they were trusted beside another archive
         }
         now.host = fields[1].value;
         now.port = Port_Of(fields[2].value);
         now.is_moved = !fields[5].value.empty();
         now.own_port = now.is_moved ? Port_Of(fields[5].value) : now.own_port;
+        now.other_callers = now.is_moved ? fields[6].value : std::string();
+        if (operations.can_encrypt) {
+            now.is_encrypted = !fields[7].value.empty();
+            now.trusted_file = fields[7].value == SYSTEM_TRUST ? std::string() : fields[7].value;
+            now.own_file = now.is_encrypted ? fields[8].value : std::string();
+        }
         now.called_title = fields[3].value;
         now.own_title = fields[4].value;
         if (const std::string doubt = archive::Settings_Doubt(now); !doubt.empty()) {
@@ -185,7 +206,8 @@ void Archive_Control::Archive_Open() {
                                       {"&Modality (MR, CT ...)", last_query.modality},
                                       {"&Description", last_query.description}};
     while (host.form("Search " + asked->name,
-                     std::string("What is left empty is not asked for. * stands for any letters. ") + archive::IN_CLEAR,
+                     std::string("What is left empty is not asked for. * stands for any letters. ") +
+                         archive::Way_Text(*asked),
                      fields, {"&Search"}) == 0) {
         last_query = {fields[0].value, fields[1].value, Date_Asked(fields[2].value), Date_Asked(fields[3].value),
                       fields[4].value, fields[5].value};

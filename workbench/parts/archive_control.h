@@ -72,6 +72,7 @@ struct Archive_Operations {
     std::function<archive::Send_Result(const archive::Archive_Settings&, std::span<const std::filesystem::path>,
                                        const volumes::Load_Progress&, const archive::Send_Wishes&)>
         send;
+    bool can_encrypt;
 };
 Archive_Operations Archive_Operations_Of_Network();
 
@@ -112,7 +113,8 @@ class Archive_Control : public Archive_Actions {
                       std::string& error);
 
     /** Asks whether something may go, and in which way. @return no value: it may not */
-    std::optional<archive::Send_Wishes> Send_Ask(const std::string& title, const std::string& text);
+    std::optional<archive::Send_Wishes> Send_Ask(const archive::Archive_Settings& to, const std::string& title,
+                                                 const std::string& text);
     /** @param what "labels" @return empty, or a sentence about what did not arrive */
     std::string Send(const archive::Archive_Settings& to, const std::string& what,
                      std::span<const std::filesystem::path> files, archive::Send_Wishes wishes);

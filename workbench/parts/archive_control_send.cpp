@@ -12,7 +12,8 @@ namespace workbench {
 using archive::Archive_Fault;
 using archive::Archive_Settings;
 
-std::optional<archive::Send_Wishes> Archive_Control::Send_Ask(const std::string& title, const std::string& text) {
+std::optional<archive::Send_Wishes> Archive_Control::Send_Ask(const Archive_Settings& to, const std::string& title,
+                                                              const std::string& text) {
     archive::Send_Wishes wishes = host.send_wishes();
     constexpr const char* named = "&Send with names";
     constexpr const char* anonymous = "Send &anonymously";
@@ -21,7 +22,8 @@ std::optional<archive::Send_Wishes> Archive_Control::Send_Ask(const std::string&
         text +
             "\n\nAnonymously: names, numbers, dates and free texts are taken out or replaced, always in the same way "
             "for the same patient. What the pictures themselves show stays, and so do the names of TAGs.\n\n" +
-            archive::IN_CLEAR + "\n\nEnter sends anonymously." + (wishes.is_anonymous ? " So it was done last." : ""),
+            archive::Way_Text(to) + "\n\nEnter sends anonymously." +
+            (wishes.is_anonymous ? " So it was done last." : ""),
         // Always in this order: what Enter does is not to depend on what was done on another day.
         {anonymous, named, "&Cancel"});
     if (way != 0 && way != 1) {
@@ -121,9 +123,10 @@ void Archive_Control::Labels_Send() {
         return;
     }
     const std::optional<archive::Send_Wishes> wishes =
-        Send_Ask("Send labels", "The labels go to " + to->name +
-                                    " as a DICOM segmentation, with the patient's name and number, and the names of "
-                                    "the TAGs.");
+        Send_Ask(*to, "Send labels",
+                 "The labels go to " + to->name +
+                     " as a DICOM segmentation, with the patient's name and number, and the names of "
+                     "the TAGs.");
     if (!wishes) {
         return;
     }
@@ -153,8 +156,9 @@ void Archive_Control::Images_Send() {
         return;
     }
     const std::optional<archive::Send_Wishes> wishes =
-        Send_Ask("Send images", archive::Counted_Text(static_cast<int>(files.size()), "file goes", "files go") +
-                                    " to " + to->name + " as on the disk, with the patient's name and number.");
+        Send_Ask(*to, "Send images",
+                 archive::Counted_Text(static_cast<int>(files.size()), "file goes", "files go") + " to " + to->name +
+                     " as on the disk, with the patient's name and number.");
     if (!wishes) {
         return;
     }

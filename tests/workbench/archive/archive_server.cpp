@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <thread>
+#include <utility>
 
 using namespace workbench::archive;
 
@@ -46,7 +47,7 @@ bool Archive_Server::Is_Installed() {
     return ::access(PROGRAM, X_OK) == 0;
 }
 
-Archive_Server::Archive_Server() {
+Archive_Server::Archive_Server(Server_Encryption server_encryption) : encryption(std::move(server_encryption)) {
     // Somebody else may take the port before the archive does; it ends then.
     for (int attempt = 0; attempt < START_NB && !is_ready; ++attempt) {
         Kill();
@@ -58,6 +59,14 @@ void Archive_Server::Start() {
     port = Free_Port();
     called_port = Free_Port();
     const std::string place = folder.path.string();
+    const auto file = [](const std::string& name) { return "\"" + name + "\""; };
+    const std::string secret =
+        encryption.certificate.empty()
+            ? std::string()
+            : ", \"DicomTlsEnabled\": true, \"DicomTlsCertificate\": " + file(encryption.certificate) +
+                  ", \"DicomTlsPrivateKey\": " + file(encryption.key) +
+                  ", \"DicomTlsTrustedCertificates\": " + file(encryption.trusted) +
+                  ", \"DicomTlsRemoteCertificateRequired\": " + (encryption.is_caller_checked ? "true" : "false");
     Text_Write(folder.path / "archive.json",
                "{\"StorageDirectory\": \"" + place + "/images\", \"IndexDirectory\": \"" + place +
                    "/images\", \"Plugins\": [], \"HttpServerEnabled\": false, \"DicomServerEnabled\": true, "
@@ -66,7 +75,8 @@ void Archive_Server::Start() {
                    ", \"DicomAlwaysAllowEcho\": true, \"DicomAlwaysAllowStore\": true, \"DicomAlwaysAllowFind\": true, "
                    "\"DicomAlwaysAllowGet\": true, \"DicomAlwaysAllowMove\": true, \"DicomModalities\": {\"caller\": "
                    "[\"WORKBENCH\", \"127.0.0.1\", " +
-                   std::to_string(called_port) + "]}, \"RemoteAccessAllowed\": false, \"DefaultEncoding\": \"Utf8\"}");
+                   std::to_string(called_port) + "]}, \"RemoteAccessAllowed\": false, \"DefaultEncoding\": \"Utf8\"" +
+                   secret + "}");
     const std::string configuration = place + "/archive.json";
     const pid_t own = ::getpid();
     process = ::fork();
@@ -103,6 +113,9 @@ Archive_Settings Archive_Server::Settings() const {
     settings.port = port;
     settings.called_title = TITLE;
     settings.own_port = called_port;
+    settings.is_encrypted = !encryption.certificate.empty();
+    settings.trusted_file = encryption.caller.trusted_file;
+    settings.own_file = encryption.caller.own_file;
     return settings;
 }
 

@@ -13,13 +13,23 @@
 /** A port at which nothing listens. */
 int Free_Port();
 
+/** Files that a server encrypts with; empty: it does not. */
+struct Server_Encryption {
+    std::string certificate;
+    std::string key;
+    std::string trusted;                          ///< that callers' certificates are signed with
+    bool is_caller_checked = false;               ///< callers need a certificate
+    workbench::archive::Archive_Settings caller;  ///< what the test knows it by: files only
+};
+
 class Archive_Server {
   public:
     static constexpr const char* TITLE = "ARCHIVE";
     static bool Is_Installed();
 
     /** Started, and ready; ends with the test whatever becomes of it. */
-    Archive_Server();
+    Archive_Server() : Archive_Server(Server_Encryption{}) {}
+    explicit Archive_Server(Server_Encryption server_encryption);
     /** Killed at once: what it stored goes, too. */
     ~Archive_Server();
     Archive_Server(const Archive_Server&) = delete;
@@ -36,6 +46,7 @@ class Archive_Server {
     void Start();
 
     Temporary_Folder folder;
+    Server_Encryption encryption;
     int port = 0;
     int called_port = 0;  ///< where it knows the program to be
     pid_t process = 0;

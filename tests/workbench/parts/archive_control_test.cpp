@@ -141,7 +141,8 @@ class Archive_Use : public testing::Test {
                     return *sent_later;
                 }
                 return sent;
-            }};
+            },
+            true};
     }
 
     std::vector<std::string> lines = {archive::Archive_Line(Radiology())};
@@ -336,6 +337,43 @@ TEST_F(Archive_Use, keeps_the_port_that_images_are_brought_to) {
     forms = {{{{5, ""}}, 0}};
     archives.Archive_Open();
     EXPECT_FALSE(archive::Archive_Of_Line(lines[0])->is_moved) << lines[0];
+}
+
+TEST_F(Archive_Use, keeps_who_else_may_bring_images_and_only_beside_that_archive) {
+    lines.clear();
+    dialogs.ways = {0};  // the doubt is read
+    forms = {{{{1, "pacs"}, {3, "PACS"}, {5, "11113"}, {6, "pacs2"}}, 0}, {{{6, "10.1.2.3 10.1.2.4"}}, 0}};
+    archives.Archive_Open();
+    EXPECT_THAT(dialogs.asked[0], HasSubstr("four numbers"));
+    ASSERT_THAT(lines, SizeIs(1));
+    EXPECT_EQ(archive::Archive_Of_Line(lines[0])->other_callers, "10.1.2.3 10.1.2.4");
+    dialogs.ways = {2, 0, -1};  // change settings, of the first
+    forms = {{{{1, "other"}}, 0}};
+    archives.Archive_Open();
+    EXPECT_EQ(archive::Archive_Of_Line(lines[0])->other_callers, "");
+}
+
+TEST_F(Archive_Use, keeps_how_it_is_encrypted_and_says_so_before_anything_is_asked) {
+    lines.clear();
+    forms = {{{{1, "pacs"}, {3, "PACS"}, {7, "system"}, {8, "own.pem"}}, 0}};  // and then the search is closed
+    archives.Archive_Open();
+    EXPECT_THAT(form_text, HasSubstr("travel encrypted"));
+    ASSERT_THAT(lines, SizeIs(1));
+    const auto kept = archive::Archive_Of_Line(lines[0]);
+    ASSERT_TRUE(kept);
+    EXPECT_TRUE(kept->is_encrypted);
+    EXPECT_EQ(kept->trusted_file, "");
+    EXPECT_EQ(kept->own_file, "own.pem");
+    dialogs.ways = {2, 0, 0, -1};  // change settings, of the first; the doubt is read
+    forms = {{{{5, "4242"}}, 0}, {{{5, ""}, {7, "ca.pem"}}, 0}};
+    archives.Archive_Open();
+    EXPECT_THAT(dialogs.asked[2], HasSubstr("C-GET"));
+    EXPECT_EQ(archive::Archive_Of_Line(lines[0])->trusted_file, "ca.pem");
+    dialogs.ways = {2, 0, -1};
+    forms = {{{{7, ""}}, 0}};
+    archives.Archive_Open();
+    EXPECT_FALSE(archive::Archive_Of_Line(lines[0])->is_encrypted);
+    EXPECT_EQ(archive::Archive_Of_Line(lines[0])->own_file, "");
 }
 
 TEST_F(Archive_Use, removes_an_archive) {
@@ -535,8 +573,23 @@ TEST(Archive_Lines, say_everything_of_an_archive) {
     ASSERT_TRUE(of_several);
     EXPECT_TRUE(of_several->is_moved);
     EXPECT_EQ(of_several->other_callers, "10.1.2.3 10.1.2.4");
+    settings = Radiology();
+    settings.is_encrypted = true;
+    const auto encrypted = archive::Archive_Of_Line(archive::Archive_Line(settings));
+    ASSERT_TRUE(encrypted);
+    EXPECT_TRUE(encrypted->is_encrypted);
+    EXPECT_EQ(encrypted->trusted_file, "");
+    settings.trusted_file = "C:/certificates/tls_own=.pem";
+    settings.own_file = "C:/own.pem";
+    const auto with_files = archive::Archive_Of_Line(archive::Archive_Line(settings));
+    ASSERT_TRUE(with_files);
+    EXPECT_TRUE(with_files->is_encrypted);
+    EXPECT_FALSE(with_files->is_moved);
+    EXPECT_EQ(with_files->trusted_file, "C:/certificates/tls_own=.pem");
+    EXPECT_EQ(with_files->own_file, "C:/own.pem");
     for (const char* const line :
-         {"", "|||||||", "a|b|0|C|D|5|5|30", "a|b|104|C|D|5|5|0", "a|b|104|C|D|5|5|30|0", "a|b|104|C|D|5|5|30|x",
+         {"a|b|104|C|D|5|5|30|4242|tls=", "a|b|104|C|D|5|5|30|tls_own=x", "a|b|104|C|D|5|5|30|tls=x|tls=y", "",
+          "|||||||", "a|b|0|C|D|5|5|30", "a|b|104|C|D|5|5|0", "a|b|104|C|D|5|5|30|0", "a|b|104|C|D|5|5|30|x",
           "a|b|104|C|D|5|5|30|1|x", "a|b|104|C|D|5|5|30|1|", "a|b|104|C|D|5|5|30|1|2|3", "a|b c|104|C|D|5|5|30"}) {
         EXPECT_FALSE(archive::Archive_Of_Line(line)) << line;
     }
