@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <vector>
 
 #include "workbench/model/label_difference.h"
@@ -16,14 +17,27 @@ namespace {
 constexpr int RANGE_PERCENT = 35;       // colour of the range in its tint
 constexpr int DIFFERENCE_PERCENT = 60;  // of the colour of a difference
 
-std::uint32_t Mix_Pixel(std::uint32_t ground, std::uint32_t color, int percent) {
-    const auto weight = static_cast<std::uint32_t>(percent * 256 / 100);
-    const std::uint32_t rest = 256 - weight;
-    // Red and blue in one multiplication, green in another: their bytes do not touch.
-    const std::uint32_t red_blue = (((ground & 0xFF00FFU) * rest + (color & 0xFF00FFU) * weight) >> 8U) & 0xFF00FFU;
-    const std::uint32_t green = (((ground & 0x00FF00U) * rest + (color & 0x00FF00U) * weight) >> 8U) & 0x00FF00U;
-    return red_blue | green;
-}
+/** A colour that lies over others. */
+class Tint {
+  public:
+    Tint() = default;
+    Tint(std::uint32_t color, int percent) {
+        const auto weight = static_cast<std::uint32_t>(percent * 256 / 100);
+        rest = 256 - weight;
+        red_blue = (color & 0xFF00FFU) * weight;
+        green = (color & 0x00FF00U) * weight;
+    }
+    std::uint32_t Over(std::uint32_t ground) const {
+        // Red and blue in one multiplication, green in another: their bytes do not touch.
+        return (((ground & 0xFF00FFU) * rest + red_blue) >> 8U & 0xFF00FFU) |
+               (((ground & 0x00FF00U) * rest + green) >> 8U & 0x00FF00U);
+    }
+
+  private:
+    std::uint32_t rest = 256;  // all of the ground
+    std::uint32_t red_blue = 0;
+    std::uint32_t green = 0;
+};
 
 /** The sigmoid of what would be 0 .. 255 along a straight line. */
 float Bent(float straight) {
@@ -46,6 +60,10 @@ class Shade {
         const float shade = is_inverted ? 255.0F - bright : bright;
         return static_cast<std::uint32_t>(shade + 0.5F) * 0x010101U;
     }
+    /** Black where there is no value. */
+    std::uint32_t Of_Level(std::int32_t level) const {
+        return level == volumes::LEVEL_OUTSIDE ? 0 : Pixel(static_cast<float>(level));
+    }
 
   private:
     float factor = 1.0F;
@@ -62,41 +80,51 @@ std::uint32_t Color_Pixel(std::int32_t level) {
 /** What lies over the pixels of a slice. */
 class Tints {
   public:
-    Tints(const Slice_Source& of, const Tag_Overlay& tag_overlay, std::span<const Range_Overlay> range_overlays)
-        : source(of),
-          overlay(tag_overlay),
-          ranges(range_overlays),
-          has_ranges(!ranges.empty() && !of.color),
-          is_difference(tag_overlay.is_difference && of.compared.size() == of.tags.size()) {}
-    /** @param pixel without tints @param at of the slice */
-    std::uint32_t Over(std::uint32_t pixel, std::size_t at) const {
-        if (has_ranges && source.levels[at] != volumes::LEVEL_OUTSIDE) {
-            const std::int32_t level = source.levels[at];
-            const auto tint = std::find_if(ranges.rbegin(), ranges.rend(), [level](const Range_Overlay& range) {
-                return level >= range.low && level <= range.high;
-            });
-            if (tint != ranges.rend()) {
-                pixel = Mix_Pixel(pixel, tint->color, RANGE_PERCENT);
+    Tints(const Slice_Source& of, const Tag_Overlay& overlay, std::span<const Range_Overlay> range_overlays)
+        : source(of), is_difference(overlay.is_difference && of.compared.size() == of.tags.size()) {
+        if (!of.color) {
+            for (const Range_Overlay& range : range_overlays) {
+                ranges.push_back({range.low, range.high, Tint(range.color, RANGE_PERCENT)});
             }
         }
+        for (std::size_t tag = 1; tag < of_tag.size(); ++tag) {
+            of_tag[tag] = overlay.shown[tag] != 0 ? Tint(overlay.color[tag], overlay.opacity) : Tint();
+        }
+        for (std::size_t difference = 1; difference < of_difference.size(); ++difference) {
+            of_difference[difference] = Tint(DIFFERENCE_COLOR[difference], DIFFERENCE_PERCENT);
+        }
+    }
+    /** @param pixel without tints @param at of the slice */
+    std::uint32_t Over(std::uint32_t pixel, std::size_t at) const {
+        const std::uint32_t ground = ranges.empty() ? pixel : Over_Range(pixel, at);
         if (source.tags.empty()) {
-            return pixel;
+            return ground;
         }
         const std::uint8_t tag = source.tags[at];
-        if (is_difference) {
-            const Label_Difference difference = Difference_Of(tag, source.compared[at]);
-            return difference == Label_Difference::None
-                       ? pixel
-                       : Mix_Pixel(pixel, DIFFERENCE_COLOR[static_cast<std::size_t>(difference)], DIFFERENCE_PERCENT);
-        }
-        return tag != 0 && overlay.shown[tag] != 0 ? Mix_Pixel(pixel, overlay.color[tag], overlay.opacity) : pixel;
+        return is_difference
+                   ? of_difference[static_cast<std::size_t>(Difference_Of(tag, source.compared[at]))].Over(ground)
+                   : of_tag[tag].Over(ground);
     }
 
   private:
+    struct Range_Tint {
+        std::int32_t low;
+        std::int32_t high;
+        Tint tint;
+    };
+
+    std::uint32_t Over_Range(std::uint32_t pixel, std::size_t at) const {
+        const std::int32_t level = source.levels[at];
+        const auto range = std::find_if(ranges.rbegin(), ranges.rend(), [level](const Range_Tint& one) {
+            return level >= one.low && level <= one.high;
+        });
+        return level != volumes::LEVEL_OUTSIDE && range != ranges.rend() ? range->tint.Over(pixel) : pixel;
+    }
+
     const Slice_Source& source;
-    const Tag_Overlay& overlay;
-    std::span<const Range_Overlay> ranges;
-    bool has_ranges = false;
+    std::vector<Range_Tint> ranges;
+    std::array<Tint, TAG_MAX> of_tag;               // nothing over those that are not shown
+    std::array<Tint, DIFFERENCE_NB> of_difference;  // nothing where there is none
     bool is_difference = false;
 };
 
@@ -127,62 +155,68 @@ float Between(float before, float after, float share) {
     return before + (after - before) * share;
 }
 
-/** The rows of a slice that a row of the screen lies between. */
-class Row_Pair {
+/** Mixes greys. A pixel without a value is no number here, and so is whatever is mixed with it. */
+class Grey_Rows {
   public:
-    Row_Pair(const Slice_Source& of, const Sample& in_height) : row(in_height), width(of.width) {
-        const auto size = static_cast<std::size_t>(width);
-        above = of.levels.subspan(static_cast<std::size_t>(row.before) * size, size);
-        below = of.levels.subspan(static_cast<std::size_t>(row.after) * size, size);
-    }
-    bool Has_Gap() const {
-        return std::ranges::find(above, volumes::LEVEL_OUTSIDE) != above.end() ||
-               std::ranges::find(below, volumes::LEVEL_OUTSIDE) != below.end();
-    }
-    /** Both as one row. */
-    void Mix(std::vector<float>& mixed) const {
-        mixed.resize(above.size());
+    explicit Grey_Rows(const Slice_Source& of) : source(of) {}
+    /** The rows that a row of the screen lies between as one. Valid until the next call. */
+    std::span<const float> Mixed(const Sample& in_height) {
+        Kept_Row& above = Row(in_height.before, in_height.after);
+        const Kept_Row& below = Row(in_height.after, in_height.before);
+        mixed.resize(above.greys.size());
         for (std::size_t x = 0; x < mixed.size(); ++x) {
-            mixed[x] = Between(static_cast<float>(above[x]), static_cast<float>(below[x]), row.share);
+            mixed[x] = Between(above.greys[x], below.greys[x], in_height.share);
         }
-    }
-    bool Has_Gap(const Sample& column) const {
-        return std::ranges::any_of(Corners(column), [](std::int32_t level) { return level == volumes::LEVEL_OUTSIDE; });
-    }
-    float Level(const Sample& column) const {
-        return Mixed(column, [](std::int32_t level) { return level; });
-    }
-    std::uint32_t Color(const Sample& column) const {
-        std::uint32_t packed = 0;
-        for (const unsigned int shift : {0U, 8U, 16U}) {
-            const float value = Mixed(column, [shift](std::int32_t level) {
-                return static_cast<std::int32_t>(static_cast<std::uint32_t>(level) >> shift & 0xFFU);
-            });
-            packed |= static_cast<std::uint32_t>(value + 0.5F) << shift;
-        }
-        return Color_Pixel(static_cast<std::int32_t>(packed));
+        return mixed;
     }
 
   private:
-    std::array<std::int32_t, 4> Corners(const Sample& column) const {
-        const auto before = static_cast<std::size_t>(column.before);
-        const auto after = static_cast<std::size_t>(column.after);
-        return {above[before], below[before], above[after], below[after]};
-    }
-    template <class Part>
-    float Mixed(const Sample& column, const Part& part) const {
-        std::array<float, 4> values{};
-        std::ranges::transform(Corners(column), values.begin(),
-                               [&](std::int32_t level) { return static_cast<float>(part(level)); });
-        return Between(Between(values[0], values[1], row.share), Between(values[2], values[3], row.share),
-                       column.share);
+    struct Kept_Row {
+        int y = -1;
+        std::vector<float> greys;
+    };
+
+    /** @param other the row that must stay as well */
+    Kept_Row& Row(int y, int other) {
+        const auto known = std::ranges::find(kept, y, &Kept_Row::y);
+        if (known != kept.end()) {
+            return *known;
+        }
+        Kept_Row& row = kept[0].y == other ? kept[1] : kept[0];
+        row.y = y;
+        const auto size = static_cast<std::size_t>(source.width);
+        row.greys.resize(size);
+        source.levels.subspan(static_cast<std::size_t>(y) * size, size).Visit([&](const auto& levels) {
+            for (std::size_t x = 0; x < size; ++x) {
+                const std::int32_t level = levels[x];
+                row.greys[x] = level == volumes::LEVEL_OUTSIDE ? std::numeric_limits<float>::quiet_NaN()
+                                                               : static_cast<float>(level);
+            }
+        });
+        return row;
     }
 
-    Sample row;
-    int width = 0;
-    volumes::Level_View above;
-    volumes::Level_View below;
+    const Slice_Source& source;
+    std::array<Kept_Row, 2> kept;
+    std::vector<float> mixed;
 };
+
+/** A pixel of a slice of colours. */
+std::uint32_t Mixed_Color(const Slice_Source& source, const Sample& column, const Sample& row) {
+    const auto level = [&](int x, int y) {
+        return static_cast<std::uint32_t>(
+            source.levels[static_cast<std::size_t>(y) * static_cast<std::size_t>(source.width) +
+                          static_cast<std::size_t>(x)]);
+    };
+    std::uint32_t packed = 0;
+    for (const unsigned int shift : {0U, 8U, 16U}) {
+        const auto value = [&](int x, int y) { return static_cast<float>(level(x, y) >> shift & 0xFFU); };
+        const auto in_height = [&](int x) { return Between(value(x, row.before), value(x, row.after), row.share); };
+        const float mixed = Between(in_height(column.before), in_height(column.after), column.share);
+        packed |= static_cast<std::uint32_t>(mixed + 0.5F) << shift;
+    }
+    return Color_Pixel(static_cast<std::int32_t>(packed));
+}
 
 /** The picture of a part, all of it inside. @param levels the source's */
 template <class Levels>
@@ -196,10 +230,7 @@ void Part_Render(const Slice_Source& source, const Levels& levels, const Grey_Wi
         for (int x = area.left; x < area.right; ++x) {
             const std::size_t at = row + static_cast<std::size_t>(x);
             const std::int32_t level = levels[at];
-            const std::uint32_t pixel = source.color                      ? Color_Pixel(level)
-                                        : level != volumes::LEVEL_OUTSIDE ? shade.Pixel(static_cast<float>(level))
-                                                                          : 0;
-            out[at] = tints.Over(pixel, at);
+            out[at] = tints.Over(source.color ? Color_Pixel(level) : shade.Of_Level(level), at);
         }
     }
 }
@@ -264,39 +295,34 @@ void Slice_Draw_Linear(const Slice_Source& source, const Grey_Window& window, co
     for (int x = area.left; x < area.right; ++x) {
         columns.push_back(Sample_At(layout.To_Slice(x, 0).x, source.width));
     }
-    std::vector<float> mixed;
+    const auto is_inside = [](const Sample& column) { return column.nearest >= 0; };
+    const auto first = std::ranges::find_if(columns, is_inside);
+    const std::span<const Sample> inside(first, std::find_if_not(first, columns.end(), is_inside));
+    Grey_Rows rows(source);
     for (int y = area.top; y < area.bottom; ++y) {
-        std::uint32_t* out = screen.pixels.data() + static_cast<std::ptrdiff_t>(y) * screen.width + area.left;
+        std::uint32_t* const line = screen.pixels.data() + static_cast<std::ptrdiff_t>(y) * screen.width + area.left;
         const Sample row = Sample_At(layout.To_Slice(0, y).y, source.height);
         if (row.nearest < 0) {
-            std::fill_n(out, columns.size(), screen.outside);
+            std::fill_n(line, columns.size(), screen.outside);
             continue;
         }
-        const Row_Pair rows(source, row);
-        const bool is_plain = !source.color && !rows.Has_Gap();
-        if (is_plain) {
-            rows.Mix(mixed);
-        }
-        const std::size_t first = static_cast<std::size_t>(row.nearest) * static_cast<std::size_t>(source.width);
-        for (const Sample& column : columns) {
-            if (column.nearest < 0) {
-                *out++ = screen.outside;
-                continue;
+        std::uint32_t* out = std::fill_n(line, first - columns.begin(), screen.outside);
+        const std::size_t row_at = static_cast<std::size_t>(row.nearest) * static_cast<std::size_t>(source.width);
+        if (source.color) {
+            for (const Sample& column : inside) {
+                *out++ =
+                    tints.Over(Mixed_Color(source, column, row), row_at + static_cast<std::size_t>(column.nearest));
             }
-            const std::size_t at = first + static_cast<std::size_t>(column.nearest);
-            std::uint32_t pixel = 0;
-            if (is_plain) {
-                pixel = shade.Pixel(Between(mixed[static_cast<std::size_t>(column.before)],
-                                            mixed[static_cast<std::size_t>(column.after)], column.share));
-            } else if (source.color) {
-                pixel = rows.Color(column);
-            } else if (!rows.Has_Gap(column)) {
-                pixel = shade.Pixel(rows.Level(column));
-            } else if (source.levels[at] != volumes::LEVEL_OUTSIDE) {
-                pixel = shade.Pixel(static_cast<float>(source.levels[at]));
+        } else {
+            const std::span<const float> mixed = rows.Mixed(row);
+            for (const Sample& column : inside) {
+                const std::size_t at = row_at + static_cast<std::size_t>(column.nearest);
+                const float grey = Between(mixed[static_cast<std::size_t>(column.before)],
+                                           mixed[static_cast<std::size_t>(column.after)], column.share);
+                *out++ = tints.Over(std::isnan(grey) ? shade.Of_Level(source.levels[at]) : shade.Pixel(grey), at);
             }
-            *out++ = tints.Over(pixel, at);
         }
+        std::fill(out, line + columns.size(), screen.outside);
     }
 }
 

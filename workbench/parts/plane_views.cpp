@@ -4,26 +4,14 @@
 #include <span>
 #include <utility>
 
-#include "workbench/volumes/work_share.h"
-
 namespace workbench {
 
 namespace {
 
-/** A whole picture. In planes across the slices every pixel lies in a line of memory of its own: waiting for these is
- *  most of the time, and done by several threads at once. */
+/** A whole picture, on the caller's own thread: beginning and ending others takes longer than they save. */
 template <class Voxels, class Value>
 void Picture_Copy(const Voxels& voxels, const Plane_Geometry& geometry, int depth, std::span<Value> picture) {
-    constexpr std::size_t bands = 8;
-    constexpr std::size_t pixels_worth_it = std::size_t{128} * 1024;
-    const std::size_t threads = geometry.Pixel_Nb() < pixels_worth_it ? 1 : volumes::Work_Thread_Nb(bands);
-    const auto row = [&](std::size_t band) {
-        return static_cast<int>(band * static_cast<std::size_t>(geometry.Height()) / bands);
-    };
-    const auto band_copy = [&](std::size_t band) {
-        Plane_Copy(voxels, geometry, depth, {0, row(band), geometry.Width(), row(band + 1)}, picture);
-    };
-    volumes::Work_Share(bands, threads, band_copy, {});
+    Plane_Copy(voxels, geometry, depth, geometry.Whole(), picture);
 }
 
 }  // namespace
