@@ -28,9 +28,7 @@ int Process_Limits_Set(Limit_Setter set) {
     images.NoLowMandatoryLabelImages = 1;
     images.PreferSystem32Images = 1;
     limit(ProcessImageLoadPolicy, images);
-    PROCESS_MITIGATION_EXTENSION_POINT_DISABLE_POLICY extensions = {};
-    extensions.DisableExtensionPoints = 1;
-    limit(ProcessExtensionPointDisablePolicy, extensions);
+    // Extension points stay: older input methods, and programs that read the screen aloud, come by them.
     PROCESS_MITIGATION_STRICT_HANDLE_CHECK_POLICY handles = {};
     handles.RaiseExceptionOnInvalidHandleReference = 1;
     handles.HandleExceptionsPermanentlyEnabled = 1;

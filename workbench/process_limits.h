@@ -12,9 +12,8 @@ using Limit_Setter = BOOL(WINAPI*)(PROCESS_MITIGATION_POLICY, void*, SIZE_T);
  *  folder or in one of PATH is none of them. */
 void Library_Search_Narrow();
 
-/** No libraries from other computers or from places that anybody may write to; none that the system or other programs
- *  put into every process by the old ways; no handle that is not one. Each for itself: a system that does not know one
- *  goes without. Programs may still be started: the system's dialogs start some.
+/** No libraries from other computers or from places that anybody may write to; no handle that is not one. Each for
+ *  itself: a system that does not know one goes without. Programs may still be started: the system's dialogs start some.
  *  @param set null: the system's, where it has it @return how many the system took */
 int Process_Limits_Set(Limit_Setter set = nullptr);
 

@@ -28,14 +28,13 @@ BOOL WINAPI Limit_Note(PROCESS_MITIGATION_POLICY policy, void* content, SIZE_T s
 
 }  // namespace
 
-TEST(Process_Limits, are_images_from_afar_extension_points_and_wrong_handles) {
+TEST(Process_Limits, are_libraries_from_afar_and_wrong_handles_and_let_input_methods_in) {
     asked.clear();
     is_taken = true;
-    EXPECT_EQ(Process_Limits_Set(Limit_Note), 3);
-    EXPECT_EQ(asked.size(), 3U);
+    EXPECT_EQ(Process_Limits_Set(Limit_Note), 2);
+    EXPECT_EQ(asked.size(), 2U);
     // Bits as the system documents them.
     EXPECT_EQ(asked[ProcessImageLoadPolicy], 7U);
-    EXPECT_EQ(asked[ProcessExtensionPointDisablePolicy], 1U);
     EXPECT_EQ(asked[ProcessStrictHandleCheckPolicy], 3U);
     is_taken = false;
     EXPECT_EQ(Process_Limits_Set(Limit_Note), 0) << "a system that takes none is no failure";

@@ -104,7 +104,7 @@ std::optional<Archive_Settings> Archive_Control::Settings_Ask(std::optional<std:
         {"AE &title of the archive", now.called_title},
         {"AE title of this p&rogram", now.own_title},
         {"&Own port, only for C-MOVE", now.is_moved ? std::to_string(now.own_port) : std::string()},
-        {"A&ddresses that bring, too (C-MOVE)", now.other_callers}};
+        {"Other a&ddresses (C-MOVE)", now.other_callers}};
     const std::string text = operations.can_encrypt ? archive::IN_CLEAR + std::string(SECRET_TEXT) : archive::IN_CLEAR;
     if (operations.can_encrypt) {
         const std::string trusted = now.trusted_file.empty() ? std::string(SYSTEM_TRUST) : now.trusted_file;

@@ -11,6 +11,7 @@ import subprocess
 import time
 
 from driver.scenario import Skipped, scenario
+from driver.workbench import windows_path
 from scenarios.dicom import ct_series, pydicom_library
 
 TITLE = "ARCHIVE"
@@ -24,18 +25,23 @@ def free_port():
 
 
 class Archive:
-    def __init__(self, folder):
+    def __init__(self, folder, certificate=None):
+        """@param certificate names CERTIFICATE.pem and CERTIFICATE.key: it is spoken to by TLS"""
         program = shutil.which("Orthanc", path=os.environ.get("PATH", "") + ":/usr/sbin")
         if program is None or shutil.which("storescu") is None:
             raise Skipped("orthanc or dcmtk is not there")
         self.port = free_port()
+        self.encrypted = ["--anonymous-tls", "--ignore-peer-cert"] if certificate else []
         folder.mkdir()
+        secret = {"DicomTlsEnabled": True, "DicomTlsCertificate": f"{certificate}.pem",
+                  "DicomTlsPrivateKey": f"{certificate}.key", "DicomTlsTrustedCertificates": f"{certificate}.pem",
+                  "DicomTlsRemoteCertificateRequired": False} if certificate else {}
         configuration = folder / "archive.json"
         configuration.write_text(json.dumps({
             "StorageDirectory": str(folder / "images"), "IndexDirectory": str(folder / "images"), "Plugins": [],
             "HttpServerEnabled": False, "DicomServerEnabled": True, "DicomAet": TITLE, "DicomCheckCalledAet": True,
             "DicomPort": self.port, "DicomAlwaysAllowEcho": True, "DicomAlwaysAllowStore": True,
-            "DicomAlwaysAllowFind": True, "DicomAlwaysAllowGet": True, "RemoteAccessAllowed": False}))
+            "DicomAlwaysAllowFind": True, "DicomAlwaysAllowGet": True, "RemoteAccessAllowed": False, **secret}))
         self.process = subprocess.Popen([program, configuration], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                         stderr=subprocess.DEVNULL, env={**os.environ, "TCP_NODELAY": "1"})
         end = time.monotonic() + PATIENCE
@@ -46,7 +52,7 @@ class Archive:
             time.sleep(0.2)
 
     def ask(self, program, *arguments):
-        return subprocess.run([program, "-aec", TITLE, "127.0.0.1", str(self.port), *arguments],
+        return subprocess.run([program, *self.encrypted, "-aec", TITLE, "127.0.0.1", str(self.port), *arguments],
                               stdin=subprocess.DEVNULL, capture_output=True, text=True, check=False)
 
     def fetch(self, folder, study):
@@ -181,6 +187,51 @@ class Stand_In:
 
     def day(self, day):
         return (datetime.datetime.strptime(day, "%Y%m%d") - datetime.timedelta(self.days)).strftime("%Y%m%d")
+
+
+def certificate(path, place):
+    """One that signed itself."""
+    subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj", "/CN=archive",
+                    "-addext", f"subjectAltName={place}", "-keyout", f"{path}.key", "-out", f"{path}.pem"],
+                   check=True, capture_output=True)
+    return path
+
+
+@scenario()
+def an_archive_is_spoken_to_by_tls_or_not_at_all(run):
+    """One whose certificate is not trusted is told and learns nothing; a build without encryption says so."""
+    if shutil.which("openssl") is None:
+        raise Skipped("openssl is not there")
+    pydicom = pydicom_library()
+    folder = ct_series(run)
+    files = sorted(folder.iterdir())
+    trusted = certificate(run.folder / "trusted", "IP:127.0.0.1")
+    stranger = certificate(run.folder / "stranger", "IP:127.0.0.1")
+    archive = Archive(run.folder / "archive", trusted)
+    try:
+        run.same("the archive takes the series", archive.ask("storescu", *map(str, files)).returncode, 0)
+        line = f"127.0.0.1|{archive.port}|{TITLE}|WORKBENCH|5|5|30|tls="
+        run.settings.write_text(f"workbench settings\narchive Other|{line}{windows_path(stranger)}.pem\n"
+                                f"archive Test|{line}{windows_path(trusted)}.pem\n")
+        app = run.start(run.image())
+        app.menu("Open from an archive")
+        app.answer_key("Open from an archive", "Return")
+        app.answer_key("Search Other", "Return")
+        told = str(app.window("Open from an archive"))
+        run.shot("archive_not_trusted", "Open from an archive")
+        app.answer("Open from an archive", "Close")
+        app.answer_key("Search Other", "Escape")
+        if "this build cannot encrypt" in told:
+            run.check("a build without encryption sends nothing", "Nothing was sent" in told)
+            return
+        run.check("a stranger's certificate is told", "not trusted" in told and "Nothing was sent" in told)
+        app.menu("Open from an archive")
+        app.window("Open from an archive")
+        app.key("Down")
+        run_search(run, app, str(pydicom.dcmread(files[0]).PatientID))
+        app.expect("the series is opened", slice_nb=len(files))
+    finally:
+        archive.end()
 
 
 def images_go_anonymously(run, app, archive, files):

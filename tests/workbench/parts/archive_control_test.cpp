@@ -32,7 +32,9 @@ Archive_Settings Radiology() {
             .called_title = "PACS",
             .own_title = "ME",
             .times = {},
-            .other_callers = {}};
+            .other_callers = {},
+            .trusted_file = {},
+            .own_file = {}};
 }
 
 /** What is entered into a form, by the number of a field; and the button. */
