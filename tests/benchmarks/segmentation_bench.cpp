@@ -57,7 +57,7 @@ void Apply_Bands(benchmark::State& state) {
     input.locked[9] = 1;
     for (auto _ : state) {
         const Paired_Times times = Pair_Time(
-            7,
+            15,
             [&] {
                 std::ranges::copy(levels, copy.begin());
                 benchmark::DoNotOptimize(copy.data());

@@ -80,44 +80,87 @@ class Pixel_Words {
     std::array<std::uint8_t, WORD_BITS> rest{};
 };
 
+/** The bits of a word of pixels. @param of_sixteen those of sixteen, given the first one's number */
+template <class Of_Sixteen>
+std::uint64_t Word_Bits(Of_Sixteen of_sixteen) {
+    return of_sixteen(0) | of_sixteen(16) << 16U | of_sixteen(32) << 32U | of_sixteen(48) << 48U;
+}
+
 /** Where two words are equal. */
 std::uint64_t Word_Equal(const std::uint8_t* a, const std::uint8_t* b) {
-    std::uint64_t bits = 0;
-    for (unsigned int at = 0; at < WORD_BITS; at += 16) {
-        bits |= Equal_Bits(Sixteen(a + at), Sixteen(b + at)) << at;
-    }
-    return bits;
+    return Word_Bits([=](std::size_t at) { return Equal_Bits(Sixteen(a + at), Sixteen(b + at)); });
 }
 
 /** Where a word is one TAG. */
 std::uint64_t Word_Is(const std::uint8_t* word, std::uint8_t tag) {
     const __m128i wanted = _mm_set1_epi8(static_cast<char>(tag));
-    std::uint64_t bits = 0;
-    for (unsigned int at = 0; at < WORD_BITS; at += 16) {
-        bits |= Equal_Bits(Sixteen(word + at), wanted) << at;
-    }
-    return bits;
+    return Word_Bits([=](std::size_t at) { return Equal_Bits(Sixteen(word + at), wanted); });
 }
+
+/** Which TAGs' pixels may change: a word at a time where few TAGs stay, or all but few. */
+class Free_Tags {
+  public:
+    explicit Free_Tags(const Tag_Flags* of_stays) : stays(of_stays) {
+        if (stays != nullptr) {
+            const auto stay_nb = static_cast<std::size_t>(std::ranges::count_if(*stays, Is_Set));
+            is_staying = stay_nb <= stays->size() / 2;
+            few_nb = is_staying ? stay_nb : stays->size() - stay_nb;
+            for (std::size_t tag = 0, at = 0; few_nb <= few.size() && tag < stays->size(); ++tag) {
+                if (Is_Set((*stays)[tag]) == is_staying) {
+                    few[at++] = static_cast<std::uint8_t>(tag);
+                }
+            }
+        }
+    }
+    /** @return those of the bits whose pixels may change */
+    std::uint64_t Of_Word(const std::uint8_t* word, std::uint64_t bits) const {
+        if (few_nb > few.size()) {
+            return Of_Each(word, bits);
+        }
+        std::uint64_t have_few = 0;
+        for (std::size_t at = 0; at < few_nb; ++at) {
+            have_few |= Word_Is(word, few[at]);
+        }
+        return bits & (is_staying ? ~have_few : have_few);
+    }
+
+  private:
+    static bool Is_Set(std::uint8_t flag) { return flag != 0; }
+    std::uint64_t Of_Each(const std::uint8_t* word, std::uint64_t bits) const {
+        std::uint64_t kept = 0;
+        for (; bits != 0; bits &= bits - 1) {
+            const auto bit = static_cast<unsigned int>(std::countr_zero(bits));
+            kept |= static_cast<std::uint64_t>(Is_Set((*stays)[word[bit]]) ? 0 : 1) << bit;
+        }
+        return kept;
+    }
+
+    const Tag_Flags* stays;
+    std::array<std::uint8_t, 4> few{};  // the TAGs that stay, or the ones that do not
+    std::size_t few_nb = 0;
+    bool is_staying = true;
+};
 
 /** Which pixels of a slice change. */
 class Changed_Bits {
   public:
     Changed_Bits(const Pixel_Words& of_before, const Pixel_Words& of_after, const Tag_Flags* stays)
         : before(of_before), after(of_after), words(before.Word_Nb()) {
-        const bool none_stays = stays == nullptr || std::ranges::all_of(*stays, [](auto flag) { return flag == 0; });
+        const Free_Tags free(stays);
         std::uint64_t carried = 0;  // the last bit of the word before
         for (std::size_t at = 0; at < words.size(); ++at) {
             std::uint64_t word = ~Word_Equal(before.Word(at), after.Word(at));
-            if (word != 0 && !none_stays) {
-                word &= Free(at, word, *stays);
-            }
+            word = word != 0 ? free.Of_Word(before.Word(at), word) : 0;
             words[at] = word;
             if (word != 0) {
                 first = voxel_nb == 0 ? at : first;
                 behind = at + 1;
-                voxel_nb += static_cast<std::uint64_t>(std::popcount(word));
+                const bool is_whole =
+                    ~word == 0;  // spares the counting of bits, which takes time without a machine's help
+                const std::uint64_t begins = word & ~(word << 1U | carried);
+                voxel_nb += is_whole ? WORD_BITS : static_cast<std::uint64_t>(std::popcount(word));
+                stretch_nb += is_whole ? begins : static_cast<std::size_t>(std::popcount(begins));
             }
-            stretch_nb += static_cast<std::size_t>(std::popcount(word & ~(word << 1U | carried)));
             carried = word >> (WORD_BITS - 1);
         }
     }
@@ -135,7 +178,7 @@ class Changed_Bits {
             for (std::uint64_t bits = words[word]; bits != 0;) {
                 const auto begin = static_cast<unsigned int>(std::countr_zero(bits));
                 const auto end = begin + static_cast<unsigned int>(std::countr_one(bits >> begin));
-                Stretch_Put(word * WORD_BITS + begin, word * WORD_BITS + end, runs);
+                Stretch_Put(word, begin, end, runs);
                 bits = end < WORD_BITS ? bits >> end << end : 0;
             }
         }
@@ -160,26 +203,23 @@ class Changed_Bits {
     }
 
   private:
-    /** Those of the bits whose pixels may change. */
-    std::uint64_t Free(std::size_t at, std::uint64_t bits, const Tag_Flags& stays) const {
-        const std::uint8_t* word = before.Word(at);
-        std::uint64_t kept = 0;
-        for (; bits != 0; bits &= bits - 1) {
-            const auto bit = static_cast<unsigned int>(std::countr_zero(bits));
-            kept |= static_cast<std::uint64_t>(stays[word[bit]] == 0 ? 1 : 0) << bit;
-        }
-        return kept;
-    }
-    /** Adds pixels that all change, as runs of one pair of TAGs each. */
-    void Stretch_Put(std::size_t begin, std::size_t end, std::vector<Voxel_Run>& runs) const {
-        for (std::size_t at = begin; at < end; ++at) {
+    /** Adds pixels of a word that all change, as runs of one pair of TAGs each. @param begin, end bits of the word */
+    void Stretch_Put(std::size_t word, unsigned int begin, unsigned int end, std::vector<Voxel_Run>& runs) const {
+        while (begin < end) {
+            const std::size_t at = word * WORD_BITS + begin;
+            const std::uint8_t from = before[at];
+            const std::uint8_t to = after[at];
+            const std::uint64_t same = Word_Is(before.Word(word), from) & Word_Is(after.Word(word), to);
+            const unsigned int behind_run =
+                std::min(end, begin + static_cast<unsigned int>(std::countr_one(same >> begin)));
             const bool is_longer = !runs.empty() && std::size_t{runs.back().offset} + runs.back().length == at &&
-                                   runs.back().before == before[at] && runs.back().after == after[at];
+                                   runs.back().before == from && runs.back().after == to;
             if (is_longer) {
-                ++runs.back().length;
+                runs.back().length += behind_run - begin;
             } else {
-                runs.push_back({static_cast<std::uint32_t>(at), 1, before[at], after[at]});
+                runs.push_back({static_cast<std::uint32_t>(at), behind_run - begin, from, to});
             }
+            begin = behind_run;
         }
     }
     /** Takes the pair of the first pixel that is left. @return its pixels */
