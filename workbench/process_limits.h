@@ -13,8 +13,7 @@ using Limit_Setter = BOOL(WINAPI*)(PROCESS_MITIGATION_POLICY, void*, SIZE_T);
 void Library_Search_Narrow();
 
 /** No libraries from other computers or from places that anybody may write to; no handle that is not one. Each for
- *  itself: a system that does not know one goes without. Programs may still be started: the system's dialogs start
- * some.
+ *  itself: a system that does not know one goes without. Programs may still be started: the system's dialogs do so.
  *  @param set null: the system's, where it has it @return how many the system took */
 int Process_Limits_Set(Limit_Setter set = nullptr);
 
