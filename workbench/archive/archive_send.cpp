@@ -93,10 +93,12 @@ bool Sending::Prepare(Stored_Object& out, Sent_File& sent) const {
     if (!wishes.is_anonymous) {
         return true;
     }
+    // Never sent, whoever has looked at the picture: its comments are not to be seen there.
+    if (const std::string unknown = Picture_Comments_Blank(out.Data_Set()); !unknown.empty()) {
+        sent.remark = volumes::File_Name_Text(sent.file) + " does not go anonymously: " + unknown + ".";
+        return false;
+    }
     std::string doubt = Burnt_In_Doubt(out.Data_Set());
-    const std::string comments_doubt = Picture_Comments_Blank(out.Data_Set());
-    // Both are told: who has looked at the picture has not seen its comments.
-    doubt += (doubt.empty() || comments_doubt.empty() ? "" : ", and ") + comments_doubt;
     if (!wishes.is_picture_trusted && !doubt.empty()) {
         sent.is_held = true;
         sent.remark = std::move(doubt);

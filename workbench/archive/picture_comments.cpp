@@ -10,6 +10,7 @@
 #include "dcmtk/dcmdata/dcpixseq.h"
 #include "dcmtk/dcmdata/dcpxitem.h"
 #include "dcmtk/dcmdata/dcxfer.h"
+#include "workbench/volumes/dicom_fields.h"
 
 namespace workbench::archive {
 
@@ -158,29 +159,85 @@ std::optional<std::size_t> Jpeg_2000_Comments_Blank(std::span<std::uint8_t> stre
 namespace {
 
 using Pieces = std::vector<std::span<std::uint8_t>>;
-using Blanking = std::optional<std::size_t> (*)(std::span<std::uint8_t>);
 
 bool Is_Start(std::span<const std::uint8_t> piece, bool is_2000) {
     return is_2000 ? Is_Jpeg_2000_Start(piece)
                    : piece.size() >= 3 && piece[0] == MARK && piece[1] == JPEG_START && piece[2] == MARK;
 }
 
-/** Blanks one picture that lies in some pieces. */
-bool Picture_Blank(const Pieces& pieces, Blanking blanking) {
+/** Blanks what lies in some pieces, one picture or several. @return how many; 0: something else lies there */
+std::size_t Pictures_Blank(const Pieces& pieces, bool is_2000) {
     std::vector<std::uint8_t> whole;
     for (const std::span<std::uint8_t> piece : pieces) {
         whole.insert(whole.end(), piece.begin(), piece.end());
     }
-    const std::optional<std::size_t> end = blanking(whole);
-    if (end) {
-        Blank(whole, *end, whole.size());
+    const auto blanking = is_2000 ? Jpeg_2000_Comments_Blank : Jpeg_Comments_Blank;
+    std::size_t picture_nb = 0;
+    for (std::span<std::uint8_t> rest(whole); !rest.empty();) {
+        const std::optional<std::size_t> end = blanking(rest);
+        if (!end) {
+            return 0;
+        }
+        ++picture_nb;
+        rest = rest.subspan(*end);
+        const auto next = std::ranges::find_if(rest, [](std::uint8_t byte) { return byte != 0; });
+        const auto filling = static_cast<std::size_t>(next - rest.begin());
+        if (!Is_Start(rest.subspan(filling), is_2000)) {
+            Blank(rest, 0, rest.size());
+            break;
+        }
+        rest = rest.subspan(filling);
     }
     std::size_t at = 0;
     for (const std::span<std::uint8_t> piece : pieces) {
         std::copy_n(whole.begin() + static_cast<std::ptrdiff_t>(at), piece.size(), piece.begin());
         at += piece.size();
     }
-    return end.has_value();
+    return picture_nb;
+}
+
+/** Blanks the places of a run-length coded picture that no segment has. @return false: it is none */
+bool Run_Length_Blank(std::span<std::uint8_t> picture) {
+    constexpr std::size_t header_length = 64;
+    constexpr std::size_t segments_most = 15;
+    if (picture.size() < header_length || picture[0] == 0 || picture[0] > segments_most ||
+        std::ranges::any_of(picture.subspan(1, 3), [](std::uint8_t byte) { return byte != 0; })) {
+        return false;
+    }
+    Blank(picture, 4 + std::size_t{4} * picture[0], header_length);
+    return true;
+}
+
+/** Whether the table of where frames begin is empty or can be one: a text would point beyond them. */
+bool Is_Table(DcmPixelSequence& sequence, std::size_t frame_nb, const Pieces& pieces) {
+    DcmPixelItem* table = nullptr;
+    Uint8* bytes = nullptr;
+    if (sequence.getItem(table, 0).bad() || table == nullptr) {
+        return false;
+    }
+    const std::size_t length = table->getLength();
+    if (length == 0) {
+        return true;
+    }
+    if (length != frame_nb * 4 || table->getUint8Array(bytes).bad() || bytes == nullptr) {
+        return false;
+    }
+    std::vector<std::size_t> begins;  // of the pieces, each behind its mark and length
+    std::size_t at = 0;
+    for (const std::span<std::uint8_t> piece : pieces) {
+        begins.push_back(at);
+        at += piece.size() + 8;
+    }
+    for (std::size_t frame = 0; frame < frame_nb; ++frame) {
+        std::size_t begin = 0;  // the least significant byte first, as in every file that is compressed
+        for (std::size_t byte = 0; byte < 4; ++byte) {
+            begin |= std::size_t{bytes[frame * 4 + byte]} << (8 * byte);
+        }
+        if (!std::ranges::binary_search(begins, begin)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 /** The pieces of all pictures, behind the table of where they begin. */
@@ -205,11 +262,10 @@ std::optional<Pieces> Pieces_Of(DcmPixelSequence& sequence) {
 }  // namespace
 
 std::string Picture_Comments_Blank(DcmDataset& data_set) {
-    constexpr const char* doubt = "their compressed pictures cannot be looked through for comments";
+    constexpr const char* doubt = "its compressed pictures cannot be looked through for comments";
     const E_TransferSyntax form = data_set.getOriginalXfer();
     DcmElement* element = nullptr;
-    if (!DcmXfer(form).isEncapsulated() || form == EXS_RLELossless ||
-        data_set.findAndGetElement(DCM_PixelData, element).bad()) {
+    if (!DcmXfer(form).isEncapsulated() || data_set.findAndGetElement(DCM_PixelData, element).bad()) {
         return {};
     }
     auto* const pixels = dynamic_cast<DcmPixelData*>(element);
@@ -218,23 +274,36 @@ std::string Picture_Comments_Blank(DcmDataset& data_set) {
                                        EXS_JPEGProcess10_12, EXS_JPEGProcess14,  EXS_JPEGProcess14SV1,
                                        EXS_JPEGLSLossless,   EXS_JPEGLSLossy};
     const bool is_2000 = form == EXS_JPEG2000LosslessOnly || form == EXS_JPEG2000;
-    if ((!is_2000 && std::ranges::find(jpeg_forms, form) == jpeg_forms.end()) || pixels == nullptr ||
+    const bool is_run_length = form == EXS_RLELossless;
+    if ((!is_2000 && !is_run_length && std::ranges::find(jpeg_forms, form) == jpeg_forms.end()) || pixels == nullptr ||
         pixels->getEncapsulatedRepresentation(form, nullptr, sequence).bad() || sequence == nullptr) {
         return doubt;
     }
     const std::optional<Pieces> pieces = Pieces_Of(*sequence);
-    bool is_known = pieces.has_value();
-    for (std::size_t first = 0; pieces && first < pieces->size();) {
+    const int told = volumes::Field_Integer(data_set, DCM_NumberOfFrames).value_or(1);
+    const auto frame_nb = static_cast<std::size_t>(std::max(told, 1));
+    if (!pieces || !Is_Table(*sequence, frame_nb, *pieces)) {
+        return doubt;
+    }
+    if (is_run_length) {
+        return std::ranges::all_of(*pieces, Run_Length_Blank) ? "" : doubt;
+    }
+    std::size_t picture_nb = 0;
+    for (std::size_t first = 0; first < pieces->size();) {
         std::size_t next = first + 1;
         while (next < pieces->size() && !Is_Start((*pieces)[next], is_2000)) {
             ++next;
         }
-        const Pieces picture(pieces->begin() + static_cast<std::ptrdiff_t>(first),
-                             pieces->begin() + static_cast<std::ptrdiff_t>(next));
-        is_known &= Picture_Blank(picture, is_2000 ? Jpeg_2000_Comments_Blank : Jpeg_Comments_Blank);
+        const Pieces together(pieces->begin() + static_cast<std::ptrdiff_t>(first),
+                              pieces->begin() + static_cast<std::ptrdiff_t>(next));
+        const std::size_t found = Pictures_Blank(together, is_2000);
+        if (found == 0) {
+            return doubt;
+        }
+        picture_nb += found;
         first = next;
     }
-    return is_known ? std::string() : doubt;
+    return picture_nb == frame_nb ? "" : doubt;
 }
 
 }  // namespace workbench::archive

@@ -10,6 +10,10 @@
 #include <optional>
 
 #include "dcmtk/dcmdata/dcdeftag.h"
+#include "dcmtk/dcmdata/dcfilefo.h"
+#include "dcmtk/dcmdata/dcpixel.h"
+#include "dcmtk/dcmdata/dcpixseq.h"
+#include "dcmtk/dcmdata/dcpxitem.h"
 #include "tests/workbench/archive/own_archive.h"
 #include "workbench/archive/anonymous_object.h"
 #include "workbench/archive/archive_cache.h"
@@ -335,6 +339,28 @@ TEST_F(Archive_Client, holds_back_pictures_that_may_show_who_the_patient_is) {
     result = Files_Send(server->Settings(), files, {}, wishes);
     EXPECT_EQ(result.accepted, 1);
     EXPECT_THAT(Studies_Search(server->Settings(), query, {}).answers, SizeIs(1));
+}
+
+TEST_F(Archive_Client, sends_no_picture_anonymously_whose_comments_cannot_be_found_whoever_trusts_it) {
+    Temporary_Folder folder;
+    const auto files = Series_Write(folder.path / "c", {}, 1);
+    DcmFileFormat image;
+    ASSERT_TRUE(image.loadFile(files[0].c_str()).good());
+    auto* const sequence = new DcmPixelSequence(DcmTag(DCM_PixelData, EVR_OB));
+    for (const std::vector<Uint8>& bytes : {std::vector<Uint8>{}, std::vector<Uint8>{'D', 'o', 'e', ' '}}) {
+        auto* const item = new DcmPixelItem(DcmTag(DCM_PixelItemTag, EVR_OB));
+        ASSERT_TRUE(item->putUint8Array(bytes.data(), bytes.size()).good());
+        ASSERT_TRUE(sequence->insert(item).good());
+    }
+    auto* const pixels = new DcmPixelData(DcmTag(DCM_PixelData, EVR_OB));
+    pixels->putOriginalRepresentation(EXS_JPEGProcess1, nullptr, sequence);
+    ASSERT_TRUE(image.getDataset()->insert(pixels, true).good());
+    ASSERT_TRUE(image.saveFile(files[0].c_str(), EXS_JPEGProcess1).good());
+    const Send_Wishes wishes = {.is_anonymous = true, .is_picture_trusted = true, .secret = std::string(64, '5')};
+    const Send_Result result = Files_Send(server->Settings(), files, {}, wishes);
+    EXPECT_EQ(result.accepted + result.held, 0);
+    ASSERT_EQ(result.refused, 1);
+    EXPECT_THAT(result.files[0].remark, HasSubstr("does not go anonymously: its compressed pictures cannot be looked"));
 }
 
 TEST_F(Archive_Client, sends_nothing_anonymously_without_a_secret) {

@@ -71,12 +71,19 @@ class Compressed_Object {
         ASSERT_TRUE(item->putUint8Array(bytes.data(), bytes.size()).good());
         sequence->insert(item);
     }
+    /** Where frames begin. */
+    void Table_Set(const Stream& bytes) {
+        DcmPixelItem* table = nullptr;
+        ASSERT_TRUE(sequence->getItem(table, 0).good());
+        ASSERT_TRUE(table->putUint8Array(bytes.data(), bytes.size()).good());
+    }
     /** As it is read of a file. */
-    DcmDataset& Data_Set() {
+    DcmDataset& Data_Set(int frame_nb = 1) {
         auto* const pixels = new DcmPixelData(TAG);
         pixels->putOriginalRepresentation(form, nullptr, sequence);
         DcmFileFormat written;
         written.getDataset()->insert(pixels);
+        written.getDataset()->putAndInsertString(DCM_NumberOfFrames, std::to_string(frame_nb).c_str());
         const std::string path = testing::TempDir() + "kit_picture_comments.dcm";
         EXPECT_TRUE(written.saveFile(path.c_str(), form).good());
         EXPECT_TRUE(file.loadFile(path.c_str()).good());
@@ -154,7 +161,7 @@ TEST(Picture_Comments, go_in_every_frame_whatever_pieces_it_has) {
     object.Add({whole.begin(), whole.begin() + half});
     object.Add(Stream(whole.begin() + half, whole.end()) + Stream(whole.size() % 2, 0));
     object.Add(padded);
-    EXPECT_EQ(Picture_Comments_Blank(object.Data_Set()), "");
+    EXPECT_EQ(Picture_Comments_Blank(object.Data_Set(2)), "");
     EXPECT_EQ(object.Piece(0), Stream(clean.begin(), clean.begin() + half));
     EXPECT_EQ(object.Piece(1), Stream(clean.begin() + half, clean.end()) + Stream(whole.size() % 2, 0));
     EXPECT_EQ(object.Piece(2), clean + Stream(padded.size() - whole.size(), 0));
@@ -169,7 +176,71 @@ TEST(Picture_Comments, are_told_where_they_cannot_be_found) {
     EXPECT_NE(Picture_Comments_Blank(film.Data_Set()), "");
     Compressed_Object runs(EXS_RLELossless);
     runs.Add({1, 2, 3, 4});
-    EXPECT_EQ(Picture_Comments_Blank(runs.Data_Set()), "") << "has no room for any";
+    EXPECT_NE(Picture_Comments_Blank(runs.Data_Set()), "");
     DcmDataset plain;
     EXPECT_EQ(Picture_Comments_Blank(plain), "");
+}
+
+TEST(Picture_Comments, go_in_each_of_several_pictures_in_one_piece) {
+    for (const bool is_2000 : {false, true}) {
+        SCOPED_TRACE(is_2000);
+        // Of JPEG 2000 only with a length in the last part is it known where the next picture begins.
+        const auto picture = [&](const std::string& text) {
+            Stream made = is_2000 ? Jpeg_2000(text) : Jpeg(text);
+            const Stream last = Segment(0x90, {0, 0, 0, 0, 0, 0, 1, 1});
+            const auto at = std::search(made.begin(), made.end(), last.begin(), last.end());
+            if (is_2000) {
+                *(at + 9) = static_cast<std::uint8_t>(made.end() - at - 2);
+            }
+            made.resize(made.size() + made.size() % 2);
+            return made;
+        };
+        Compressed_Object object(is_2000 ? EXS_JPEG2000 : EXS_JPEGProcess1);
+        object.Add(picture(NAME) + picture(NAME));
+        EXPECT_EQ(Picture_Comments_Blank(object.Data_Set(2)), "");
+        EXPECT_EQ(object.Piece(0), picture(Zeros(NAME)) + picture(Zeros(NAME)));
+    }
+}
+
+TEST(Picture_Comments, are_not_vouched_for_where_there_are_fewer_pictures_than_frames) {
+    const Stream whole = Jpeg_2000(NAME);
+    Compressed_Object object(EXS_JPEG2000);
+    object.Add(whole + whole);  // the first one's last part has no length: where the second begins is not told
+    EXPECT_NE(Picture_Comments_Blank(object.Data_Set(2)), "");
+    Compressed_Object more(EXS_JPEGProcess1);
+    more.Add(Jpeg(NAME) + Stream(Jpeg(NAME).size() % 2, 0));
+    EXPECT_NE(Picture_Comments_Blank(more.Data_Set(2)), "");
+}
+
+TEST(Picture_Comments, in_the_table_of_where_frames_begin_are_noticed) {
+    const Stream whole = Jpeg(NAME) + Stream(Jpeg(NAME).size() % 2, 0);
+    const auto behind = static_cast<std::uint8_t>(whole.size() + 8);
+    for (const auto& [table, is_one] :
+         {std::pair{Stream{0, 0, 0, 0, behind, 0, 0, 0}, true}, std::pair{Stream{0, 0, 0, 0, 4, 0, 0, 0}, false},
+          std::pair{Stream{'D', 'o', 'e', '^', 'J', 'a', 'n', 'e'}, false}, std::pair{Stream{0, 0, 0, 0}, false},
+          std::pair{Stream{0, 0, 0, 0, behind, 0, 0, 0, 'D', 'o', 'e', ' '}, false}}) {
+        Compressed_Object object(EXS_JPEGProcess1);
+        object.Table_Set(table);
+        object.Add(whole);
+        object.Add(whole);
+        EXPECT_EQ(Picture_Comments_Blank(object.Data_Set(2)).empty(), is_one) << table.size();
+    }
+}
+
+TEST(Picture_Comments, in_what_a_run_length_header_does_not_use_go) {
+    Stream picture(64, 0);
+    picture[0] = 1;
+    picture[4] = 64;
+    const Stream clean = picture + Stream{3, 1, 2, 3, 4, 0};
+    std::copy(NAME.begin(), NAME.end(), picture.begin() + 8);
+    Compressed_Object object(EXS_RLELossless);
+    object.Add(picture + Stream{3, 1, 2, 3, 4, 0});
+    EXPECT_EQ(Picture_Comments_Blank(object.Data_Set()), "");
+    EXPECT_EQ(object.Piece(0), clean);
+    for (const int segments : {0, 16}) {
+        picture[0] = static_cast<std::uint8_t>(segments);
+        Compressed_Object wrong(EXS_RLELossless);
+        wrong.Add(picture);
+        EXPECT_NE(Picture_Comments_Blank(wrong.Data_Set()), "");
+    }
 }
