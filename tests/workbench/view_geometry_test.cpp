@@ -76,12 +76,17 @@ TEST(View_Geometry, panning_moves_the_slice_by_the_pixels_of_the_pointer_and_sto
     View_State small = State(100, 100, 10, 10, 1.0);
     View_Pan(small, 40, 40);
     EXPECT_EQ(View_Layout_Make(small).Slice_On_Screen(), (Pixel_Rect{45, 45, 55, 55}));
+    EXPECT_EQ(small.center_x, 0.5) << "and when it is larger again";
+    EXPECT_EQ(small.center_y, 0.5);
 }
 
 TEST(View_Geometry, zoom_steps_stay_in_range_and_meet_whole_factors) {
     View_Layout layout;
     layout.scale_x = 1.0;
     EXPECT_DOUBLE_EQ(Zoom_Step(layout, 2), 2.0);
+    EXPECT_DOUBLE_EQ(Zoom_Step(layout, 1), std::sqrt(2.0)) << "1 and 2 are too far";
+    EXPECT_DOUBLE_EQ(Zoom_Step(layout, 3), 3.0) << "2.83 is close";
+    EXPECT_DOUBLE_EQ(Zoom_Step(layout, -1), std::sqrt(0.5)) << "smaller than whole";
     EXPECT_DOUBLE_EQ(Zoom_Step(layout, 100), ZOOM_MAX);
     EXPECT_DOUBLE_EQ(Zoom_Step(layout, -100), ZOOM_MIN);
 }
