@@ -83,18 +83,47 @@ TEST(Counting_Memory, voxels_that_are_counted_while_more_are_read_take_no_more_o
     constexpr std::size_t block_nb = 500;
     std::vector<std::uint16_t> codes(block * block_nb);
     volumes::Narrow_Collector collector(volumes::Voxel_Type::Uint8, volumes::Byte_Order::Little, {}, codes);
+    const auto give = [&](std::size_t from, std::size_t to) {
+        for (std::size_t at = from; at < to; ++at) {
+            std::fill_n(collector.Room().begin(), block, static_cast<std::uint8_t>(at % 2));
+            collector.Take(block);
+        }
+    };
+    // More than wait at once: the thread has begun, for which the system takes memory of its own.
+    constexpr std::size_t begun = 10;
+    give(0, begun);
     bool is_short = false;
     {
         const Failing_Allocation failing(1);
-        for (std::size_t at = 0; at < block_nb; ++at) {
-            const std::span<std::uint8_t> room = collector.Room();
-            std::fill_n(room.begin(), block, static_cast<std::uint8_t>(at % 2));
-            collector.Take(block);
-        }
+        give(begun, block_nb);
         is_short = Failing_Allocation::Happened();
     }
     EXPECT_FALSE(is_short);
     EXPECT_EQ(collector.Finish().times, (std::vector<std::uint64_t>{codes.size() / 2, codes.size() / 2}));
+}
+
+TEST(Counting_Memory, memory_that_is_missing_for_voxels_as_they_are_read_is_told_as_nothing_else) {
+    constexpr std::size_t block = 100;  // bytes
+    std::vector<std::uint16_t> codes(2 * block);
+    int whole_nb = 0;
+    const int failed = Fail_Each_Allocation([&] {
+        volumes::Level_Tally tally;
+        try {
+            volumes::Narrow_Collector collector(volumes::Voxel_Type::Uint8, volumes::Byte_Order::Little, {}, codes);
+            for (int part = 0; part < 2; ++part) {
+                std::fill_n(collector.Room().begin(), block, static_cast<std::uint8_t>(4));
+                collector.Take(block);
+            }
+            tally = collector.Finish();
+        } catch (const std::bad_alloc&) {
+            return;
+        }
+        ASSERT_EQ(tally.times.size(), 1U);
+        EXPECT_EQ(tally.times.front(), codes.size());
+        ++whole_nb;
+    });
+    EXPECT_GE(failed, 5) << "table of counts, blocks, their lists, banks, what is returned";
+    EXPECT_GE(whole_nb, 1);
 }
 
 }  // namespace

@@ -1,7 +1,10 @@
 #include "workbench/volumes/narrow_collector.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
+#include <new>
+#include <system_error>
 #include <utility>
 
 #include "workbench/volumes/work_share.h"
@@ -48,6 +51,7 @@ Narrow_Collector::Narrow_Collector(Voxel_Type voxel_type, Byte_Order byte_order,
         idle.push_back(&block);
     }
     tables.resize(std::max<std::size_t>(thread_nb, 1), Table{Level_Banks(CODE_NB)});
+    Locks_Make();
     try {
         threads.reserve(thread_nb);
         while (threads.size() < thread_nb) {
@@ -55,6 +59,16 @@ Narrow_Collector::Narrow_Collector(Voxel_Type voxel_type, Byte_Order byte_order,
         }
     } catch (const std::exception&) {  // no thread, or no room for one
         // Those that there are do it all; without any, who reads does.
+    }
+}
+
+/** Some systems take the memory of a lock at its first use: here that can still be told. */
+void Narrow_Collector::Locks_Make() {
+    try {
+        std::unique_lock lock(mutex);
+        changed.wait_for(lock, std::chrono::seconds(0));
+    } catch (const std::system_error&) {
+        throw std::bad_alloc();
     }
 }
 

@@ -45,6 +45,7 @@ class Narrow_Collector {
         Level_Banks banks;
         std::size_t counted = 0;  // since `banks` were emptied
     };
+    void Locks_Make();
     void Work(Table& table);
     void Do(const Block& block, Table& table);
     void Empty(Table& table);
