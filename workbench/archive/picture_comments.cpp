@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <string_view>
 #include <vector>
 
@@ -24,7 +25,11 @@ constexpr std::uint8_t JPEG_COMMENT = 0xFE;
 constexpr std::uint8_t TILE_PART = 0x90;
 constexpr std::uint8_t TILE_DATA = 0x93;
 constexpr std::uint8_t TILE_COMMENT = 0x64;
+constexpr std::uint8_t PACKET_START = 0x91;  // the two markers that may stand within the data of a tile part
+constexpr std::uint8_t PACKET_HEADER_END = 0x92;
+constexpr std::uint8_t DATA_MOST = 0x8F;      // more than this never follows the mark within coded data
 constexpr std::size_t TILE_PART_LENGTH = 12;  // bytes of the segment with its marker
+constexpr std::size_t PACKET_LENGTH = 6;      // as above
 
 /** A value of the most significant byte first. */
 std::size_t Number_At(std::span<const std::uint8_t> stream, std::size_t at, std::size_t byte_nb) {
@@ -94,6 +99,22 @@ std::optional<std::size_t> Header_Blank(std::span<std::uint8_t> stream, std::siz
     return std::nullopt;
 }
 
+/** Where the marker stands that ends the data of a tile part; the end of the stream where none does. */
+std::size_t Tile_Data_End(std::span<const std::uint8_t> stream, std::size_t at) {
+    while (at + 2 <= stream.size()) {
+        if (stream[at] != MARK || stream[at + 1] <= DATA_MOST) {
+            ++at;
+        } else if (stream[at + 1] == PACKET_START) {
+            at += PACKET_LENGTH;  // its number may look like a marker
+        } else if (stream[at + 1] == PACKET_HEADER_END) {
+            at += 2;
+        } else {
+            return at;
+        }
+    }
+    return stream.size();
+}
+
 }  // namespace
 
 std::optional<std::size_t> Jpeg_Comments_Blank(std::span<std::uint8_t> stream) {
@@ -140,17 +161,18 @@ std::optional<std::size_t> Jpeg_2000_Comments_Blank(std::span<std::uint8_t> stre
         if (!data) {
             return std::nullopt;
         }
-        if (length == 0) {  // the last one, up to the end of the picture
-            std::size_t end = stream.size();
-            while (end >= *data + 2 && (stream[end - 2] != MARK || stream[end - 1] != JPEG_END)) {
-                --end;
-            }
-            return end >= *data + 2 ? std::optional(end) : std::nullopt;
-        }
-        if (length > stream.size() - *at || *at + length < *data + 2) {
+        if (length != 0 && (length > stream.size() - *at || *at + length < *data + 2)) {
             return std::nullopt;
         }
-        *at += length;
+        // Without a length it is the last one, and the marker that ends its data ends the picture, too.
+        const std::size_t end = length != 0 ? *at + length : Tile_Data_End(stream, *data + 2);
+        if (Tile_Data_End(stream.first(end), *data + 2) != end) {
+            return std::nullopt;
+        }
+        *at = end;
+        if (length == 0) {
+            break;
+        }
     }
     const bool is_end = at && *at + 2 <= stream.size() && stream[*at] == MARK && stream[*at + 1] == JPEG_END;
     return is_end ? std::optional(*at + 2) : std::nullopt;
@@ -196,15 +218,78 @@ std::size_t Pictures_Blank(const Pieces& pieces, bool is_2000) {
     return picture_nb;
 }
 
-/** Blanks the places of a run-length coded picture that no segment has. @return false: it is none */
-bool Run_Length_Blank(std::span<std::uint8_t> picture) {
+/** What run-length coded pictures of an object must have. */
+struct Run_Length_Form {
+    std::size_t segment_nb = 0;  // in each: one for each byte of a pixel
+    std::size_t pixel_nb = 0;    // bytes of each segment when it is unpacked
+};
+
+std::optional<Run_Length_Form> Run_Length_Form_Of(DcmDataset& data_set) {
+    const auto field = [&](const DcmTagKey& tag) { return volumes::Field_Integer(data_set, tag).value_or(0); };
+    const std::int32_t row_nb = field(DCM_Rows);
+    const std::int32_t column_nb = field(DCM_Columns);
+    const std::int32_t sample_nb = field(DCM_SamplesPerPixel);
+    const std::int32_t bit_nb = field(DCM_BitsAllocated);
+    const auto is_side = [](std::int32_t side) {
+        return side > 0 && side <= std::numeric_limits<std::uint16_t>::max();
+    };
+    if (!is_side(row_nb) || !is_side(column_nb) || sample_nb < 1 || sample_nb > 4 || bit_nb < 8 || bit_nb > 64 ||
+        bit_nb % 8 != 0) {
+        return std::nullopt;
+    }
+    return Run_Length_Form{static_cast<std::size_t>(sample_nb) * static_cast<std::size_t>(bit_nb / 8),
+                           static_cast<std::size_t>(row_nb) * static_cast<std::size_t>(column_nb)};
+}
+
+/** Where the runs (PackBits) end that make so many bytes; no value: none end there. */
+std::optional<std::size_t> Runs_End(std::span<const std::uint8_t> segment, std::size_t byte_nb) {
+    constexpr std::uint8_t no_run = 128;
+    std::size_t at = 0;
+    while (byte_nb > 0 && at < segment.size()) {
+        const std::uint8_t control = segment[at++];
+        if (control == no_run) {
+            continue;
+        }
+        const std::size_t made = control < no_run ? control + std::size_t{1} : std::size_t{257} - control;
+        const std::size_t taken = control < no_run ? made : 1;
+        if (made > byte_nb || taken > segment.size() - at) {
+            return std::nullopt;
+        }
+        byte_nb -= made;
+        at += taken;
+    }
+    return byte_nb == 0 ? std::optional(at) : std::nullopt;
+}
+
+/** Blanks what of a run-length coded picture is in none of its runs: the places of the header that no segment has, and
+ *  what follows each segment. @return false: it is none */
+bool Run_Length_Blank(std::span<std::uint8_t> picture, const Run_Length_Form& form) {
     constexpr std::size_t header_length = 64;
     constexpr std::size_t segments_most = 15;
-    if (picture.size() < header_length || picture[0] == 0 || picture[0] > segments_most ||
-        std::ranges::any_of(picture.subspan(1, 3), [](std::uint8_t byte) { return byte != 0; })) {
+    const auto number = [&](std::size_t place) {  // the least significant byte first
+        std::size_t value = 0;
+        for (std::size_t byte = 4; byte-- > 0;) {
+            value = value << 8U | picture[place * 4 + byte];
+        }
+        return value;
+    };
+    if (picture.size() < header_length || form.segment_nb > segments_most || number(0) != form.segment_nb ||
+        number(1) != header_length) {
         return false;
     }
-    Blank(picture, 4 + std::size_t{4} * picture[0], header_length);
+    Blank(picture, 4 + 4 * form.segment_nb, header_length);
+    for (std::size_t segment = 1; segment <= form.segment_nb; ++segment) {
+        const std::size_t begin = number(segment);
+        const std::size_t end = segment < form.segment_nb ? number(segment + 1) : picture.size();
+        if (end < begin || end > picture.size()) {
+            return false;
+        }
+        const std::optional<std::size_t> runs_end = Runs_End(picture.subspan(begin, end - begin), form.pixel_nb);
+        if (!runs_end) {
+            return false;
+        }
+        Blank(picture, begin + *runs_end, end);
+    }
     return true;
 }
 
@@ -286,7 +371,11 @@ std::string Picture_Comments_Blank(DcmDataset& data_set) {
         return doubt;
     }
     if (is_run_length) {
-        return std::ranges::all_of(*pieces, Run_Length_Blank) ? "" : doubt;
+        const std::optional<Run_Length_Form> runs = Run_Length_Form_Of(data_set);
+        const bool are_all = runs && pieces->size() == frame_nb && std::ranges::all_of(*pieces, [&](const auto& piece) {
+                                 return Run_Length_Blank(piece, *runs);
+                             });
+        return are_all ? "" : doubt;
     }
     std::size_t picture_nb = 0;
     for (std::size_t first = 0; first < pieces->size();) {

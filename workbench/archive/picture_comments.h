@@ -20,8 +20,9 @@ std::optional<std::size_t> Jpeg_Comments_Blank(std::span<std::uint8_t> stream);
 std::optional<std::size_t> Jpeg_2000_Comments_Blank(std::span<std::uint8_t> stream);
 
 /** Does that in every compressed picture of an object, and behind the end of each; of run-length coded ones it is what
- *  their headers do not use. @return empty, or why there may still be something, so that the object is not to be sent:
- *  "its compressed pictures cannot be looked through"; a picture may be changed in part then */
+ *  their headers do not use, and what follows the runs of each segment. @return empty, or why there may still be
+ * something, so that the object is not to be sent: "its compressed pictures cannot be looked through"; a picture may be
+ * changed in part then */
 std::string Picture_Comments_Blank(DcmDataset& data_set);
 
 }  // namespace workbench::archive

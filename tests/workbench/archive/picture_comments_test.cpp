@@ -202,11 +202,19 @@ TEST(Picture_Comments, go_in_each_of_several_pictures_in_one_piece) {
     }
 }
 
-TEST(Picture_Comments, are_not_vouched_for_where_there_are_fewer_pictures_than_frames) {
+TEST(Picture_Comments, are_not_vouched_for_where_there_are_more_pictures_than_frames) {
     const Stream whole = Jpeg_2000(NAME);
-    Compressed_Object object(EXS_JPEG2000);
-    object.Add(whole + whole);  // the first one's last part has no length: where the second begins is not told
-    EXPECT_NE(Picture_Comments_Blank(object.Data_Set(2)), "");
+    for (const int frame_nb : {1, 2}) {
+        Compressed_Object object(EXS_JPEG2000);
+        object.Add(whole + whole);  // the last part of the first one has no length: its end is not that of the second
+        EXPECT_EQ(Picture_Comments_Blank(object.Data_Set(frame_nb)).empty(), frame_nb == 2);
+        if (frame_nb == 2) {
+            EXPECT_EQ(object.Piece(0), Jpeg_2000(Zeros(NAME)) + Jpeg_2000(Zeros(NAME)));
+        }
+    }
+}
+
+TEST(Picture_Comments, are_not_vouched_for_where_there_are_fewer_pictures_than_frames) {
     Compressed_Object more(EXS_JPEGProcess1);
     more.Add(Jpeg(NAME) + Stream(Jpeg(NAME).size() % 2, 0));
     EXPECT_NE(Picture_Comments_Blank(more.Data_Set(2)), "");
@@ -227,20 +235,88 @@ TEST(Picture_Comments, in_the_table_of_where_frames_begin_are_noticed) {
     }
 }
 
-TEST(Picture_Comments, in_what_a_run_length_header_does_not_use_go) {
+namespace {
+
+/** A run-length coded picture of two segments with two pixels each; `name` stands in the header and behind both. */
+Stream Run_Length(const std::string& name) {
     Stream picture(64, 0);
-    picture[0] = 1;
+    const Stream text(name.begin(), name.end());
+    const Stream first = Stream{1, 7, 8} + text;       // one by one
+    const Stream second = Stream{128, 255, 9} + text;  // nothing, and one twice
+    picture[0] = 2;
     picture[4] = 64;
-    const Stream clean = picture + Stream{3, 1, 2, 3, 4, 0};
-    std::copy(NAME.begin(), NAME.end(), picture.begin() + 8);
-    Compressed_Object object(EXS_RLELossless);
-    object.Add(picture + Stream{3, 1, 2, 3, 4, 0});
-    EXPECT_EQ(Picture_Comments_Blank(object.Data_Set()), "");
-    EXPECT_EQ(object.Piece(0), clean);
-    for (const int segments : {0, 16}) {
-        picture[0] = static_cast<std::uint8_t>(segments);
-        Compressed_Object wrong(EXS_RLELossless);
+    picture[8] = static_cast<std::uint8_t>(64 + first.size());
+    std::ranges::copy(text, picture.begin() + 12);
+    const Stream whole = picture + first + second;
+    return whole + Stream(whole.size() % 2, 0);
+}
+
+class Run_Length_Object : public Compressed_Object {
+  public:
+    Run_Length_Object() : Compressed_Object(EXS_RLELossless) {}
+    DcmDataset& Data_Set(int frame_nb, Uint16 columns = 2) {
+        DcmDataset& data_set = Compressed_Object::Data_Set(frame_nb);
+        data_set.putAndInsertUint16(DCM_Rows, 1);
+        data_set.putAndInsertUint16(DCM_Columns, columns);
+        data_set.putAndInsertUint16(DCM_SamplesPerPixel, 1);
+        data_set.putAndInsertUint16(DCM_BitsAllocated, 16);
+        return data_set;
+    }
+};
+
+}  // namespace
+
+TEST(Picture_Comments, of_run_length_coding_go_in_the_header_and_behind_every_segment) {
+    Run_Length_Object object;
+    object.Add(Run_Length(NAME));
+    object.Add(Run_Length(NAME));
+    EXPECT_EQ(Picture_Comments_Blank(object.Data_Set(2)), "");
+    EXPECT_EQ(object.Piece(0), Run_Length(Zeros(NAME)));
+    EXPECT_EQ(object.Piece(1), Run_Length(Zeros(NAME)));
+}
+
+TEST(Picture_Comments, of_run_length_coding_are_not_vouched_for_where_a_piece_is_no_frame) {
+    Run_Length_Object more;
+    more.Add(Run_Length(NAME));
+    more.Add(Run_Length(NAME));
+    EXPECT_NE(Picture_Comments_Blank(more.Data_Set(1)), "");
+    for (const Uint16 columns : {Uint16{1}, Uint16{3}}) {
+        Run_Length_Object other;
+        other.Add(Run_Length(NAME));
+        EXPECT_NE(Picture_Comments_Blank(other.Data_Set(1, columns)), "") << columns;
+    }
+    struct Change {
+        std::size_t at;
+        std::uint8_t to;
+    };
+    for (const Change& change : {Change{0, 0}, Change{0, 1}, Change{0, 3}, Change{1, 1}, Change{4, 66}, Change{8, 60},
+                                 Change{8, 66}, Change{9, 1}}) {
+        Stream picture = Run_Length(NAME);
+        picture[change.at] = change.to;
+        Run_Length_Object wrong;
         wrong.Add(picture);
-        EXPECT_NE(Picture_Comments_Blank(wrong.Data_Set()), "");
+        EXPECT_NE(Picture_Comments_Blank(wrong.Data_Set(1)), "") << change.at << " becomes " << int{change.to};
+    }
+}
+
+TEST(Picture_Comments, of_run_length_coding_are_not_vouched_for_without_a_size) {
+    Run_Length_Object object;
+    object.Add(Run_Length(NAME));
+    EXPECT_NE(Picture_Comments_Blank(object.Data_Set(1, 0)), "");
+}
+
+TEST(Picture_Comments, of_jpeg_2000_are_not_vouched_for_where_the_data_of_a_tile_hold_a_marker) {
+    for (const bool has_length : {false, true}) {
+        SCOPED_TRACE(has_length);
+        const auto stream = [&](const Stream& data) {
+            const auto length = static_cast<char>(has_length ? 14 + data.size() : 0);
+            return Stream{0xFF, 0x4F} + Segment(0x51, "size") + Segment(0x90, {0, 0, 0, 0, 0, length, 0, 1}) +
+                   Stream{0xFF, 0x93} + data + Stream{0xFF, 0xD9};
+        };
+        // The start of a packet has a number that looks like an end.
+        Stream made = stream({1, 0xFF, 0x91, 0, 4, 0xFF, 0xD9, 2, 0xFF, 0x92, 3, 0xFF, 0x8F, 4});
+        EXPECT_EQ(Jpeg_2000_Comments_Blank(made), made.size());
+        made = stream({1, 2, 0xFF, 0x90, 3, 4});
+        EXPECT_FALSE(Jpeg_2000_Comments_Blank(made));
     }
 }
