@@ -12,6 +12,7 @@
 #include "dcmtk/dcmdata/dcpixseq.h"
 #include "dcmtk/dcmdata/dcpxitem.h"
 #include "workbench/archive/picture_comments.h"
+#include "workbench/archive/stream_comments.h"
 
 using namespace workbench::archive;
 
