@@ -6,7 +6,9 @@
 
 #include "workbench/archive_wiring.h"
 #include "workbench/part_wiring.h"
+#include "workbench/state_members.h"
 #include "workbench/wide_text.h"
+#include "workbench/window_wiring.h"
 
 namespace workbench {
 
@@ -76,38 +78,16 @@ Application_Parts::Application_Parts(const Command_Line& command_line, Main_Wind
               tools, view, [this] { return window.Handle(); }, [&user] { user.Deliver(); },
               [this] { window_control.Settings_Keep(); }},
              options.labels),
-      keyboard({work, variables, dialogs, panels, image, planes, database, tools, tags, layouts, focus,
-                [&user](const Command_Call& call) { user.Execute(call); }}),
-      focus(keyboard.Focus_Services()),
-      window_control({options, look, settings, variables, labels, dialogs, panels, image, trace, database, histogram,
-                      opener, segmentation_services, state_report, [this] { return window.Handle(); },
-                      [&user] { user.Lay_Out(); }}),
+      keyboard(work, variables, dialogs, image.Slices(),
+               Keyboard_Wires(*this, [&user](const Command_Call& call) { user.Execute(call); })),
+      focus(Focus_Wires(*this)),
+      window_control(Window_Wires(*this, [&user] { user.Lay_Out(); })),
       commands({opener,      label_files,   histogram.Exports(), label_objects, archives,  history,
                 tags,        tools,         color_advisor,       view,          layouts,   pictures,
                 image_files, keyboard,      propagation,         segmentation,  histogram, database,
                 focus,       window_control}),
-      state_report({look,
-                    work,
-                    variables,
-                    panels,
-                    image,
-                    planes,
-                    status_line,
-                    banner,
-                    trace,
-                    database.Column(),
-                    database.History(),
-                    histogram,
-                    counting,
-                    commands,
-                    color_advisor,
-                    focus,
-                    tags,
-                    tools,
-                    settings,
-                    opener,
-                    [this] { return window.Handle(); },
-                    [&user](HMENU menu) { user.Menu_Refresh(menu); }},
+      state_report({[this] { return window.Handle(); }, [&user](HMENU menu) { user.Menu_Refresh(menu); },
+                    [this](Json_Text& out) { State_Members_Write(*this, out); }},
                    report) {
     the_parts = this;
     panels.Propagation_Set(&Carry);

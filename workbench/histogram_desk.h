@@ -14,7 +14,7 @@
 #include "workbench/model/workspace.h"
 #include "workbench/panel_set.h"
 #include "workbench/parts/histogram_control.h"
-#include "workbench/parts/settings_keeper.h"
+#include "workbench/model/settings_keeper.h"
 #include "workbench/volume_objects.h"
 
 namespace workbench {

@@ -10,6 +10,7 @@
 
 #include "base/wheel_remainder.h"
 #include "workbench/look.h"
+#include "workbench/model/image_cursor.h"
 #include "workbench/model/image_user.h"
 #include "workbench/model/painting.h"
 #include "workbench/model/view_geometry.h"
@@ -27,7 +28,7 @@ struct Slider_Boxes {
     RECT drop = {};
 };
 
-class Image_View : public Window_Base {
+class Image_View : public Window_Base, public Image_Cursor {
   public:
     Image_View(const Look& shared_look, Image_User& image_user) : look(shared_look), user(image_user) {}
     bool Make(HWND parent);
@@ -54,26 +55,22 @@ class Image_View : public Window_Base {
     void Pointer_Look();
 
     // Without a mouse (image_view_cursor.cpp).
-    /** Shows a cursor that keys move, in the middle or where the pointer is. Only with a volume. */
-    void Cursor_Set(bool on);
-    bool Is_Cursor() const { return is_cursor; }
-    /** By pixels of the slice; the slice moves along when it does not fit. With the pen down it paints. */
-    void Cursor_Move(int dx, int dy);
-    /** One touch of the brush, or of the marker in marker mode, at the cursor. */
-    void Cursor_Act(bool erase);
-    /** With the pen down the cursor draws a stroke; it ends when the pen is lifted. */
-    void Pen_Set(bool down);
+    void Cursor_Set(bool on) override;
+    bool Is_Cursor() const override { return is_cursor; }
+    void Cursor_Move(int dx, int dy) override;
+    void Cursor_Act(bool erase) override;
+    void Pen_Set(bool down) override;
     /** The stroke has been ended: the pen is up, without another word to the user. */
     void Pen_Lifted();
-    bool Is_Pen_Down() const { return is_pen_down; }
-    void Cursor_Pick();
+    bool Is_Pen_Down() const override { return is_pen_down; }
+    void Cursor_Pick() override;
     /** Notches of the wheel, about the middle of the view. */
     void Zoom_By(int notches);
     /** The mark of what the keyboard acts on. */
     void Focus_Set(bool on);
     const std::wstring& Caption() const { return content.caption; }
-    int Cursor_X() const { return over_x; }
-    int Cursor_Y() const { return over_y; }
+    int Cursor_X() const override { return over_x; }
+    int Cursor_Y() const override { return over_y; }
     /** What is shown, as large as it is on the screen, without slider, outline and the marks of the keyboard.
      *  @param is_plain the image alone @return empty without memory or image */
     volumes::Picture Picture_Now(bool is_plain);

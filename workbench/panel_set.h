@@ -10,9 +10,9 @@
 #include "panels/tool_propagate.h"
 #include "panels/tool_tag.h"
 #include "workbench/commands/command_actions.h"
+#include "workbench/commands/pane.h"
 #include "workbench/host_variables.h"
 #include "workbench/hosted_histogram.h"
-#include "workbench/parts/focus.h"
 #include "workbench/tool_area.h"
 
 namespace workbench {

@@ -4,20 +4,7 @@
 
 #include <shlobj.h>
 
-#include <algorithm>
-#include <cmath>
-
 #include "workbench/commands/keys_text.h"
-#include "workbench/database_control.h"
-#include "workbench/enlarged_window.h"
-#include "workbench/histogram_desk.h"
-#include "workbench/image_area.h"
-#include "workbench/model/label_attributes.h"
-#include "workbench/panel_set.h"
-#include "workbench/segmentation_services.h"
-#include "workbench/state_report.h"
-#include "workbench/trace_view.h"
-#include "workbench/volume_opener.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
 #include "workbench/window_places.h"
@@ -29,7 +16,6 @@ namespace {
 
 constexpr int WINDOW_WIDTH = 1320;  // of the first start, pixels at 96 dots per inch
 constexpr int WINDOW_HEIGHT = 860;
-constexpr int BESIDE_IMAGE = TOOL_AREA_WIDTH + 18;  // the tools and the frame, at most
 
 /** In the user's profile; empty when there is none, and then nothing is kept. */
 std::filesystem::path Usual_Place() {
@@ -48,7 +34,7 @@ void Window_Control::Settings_Open() {
     of.look.Theme_Set(kept.is_light ? Library_Theme::Light : Library_Theme::Dark);
     Windows_Theme_Set(!kept.is_light);
     of.labels.Share(kept.are_labels_shared);
-    of.database.Width_Choose(of.look.Px(kept.database_width));
+    of.database_width_choose(of.look.Px(kept.database_width));
 }
 
 void Window_Control::Settings_Apply() {
@@ -63,16 +49,10 @@ void Window_Control::Settings_Apply() {
     // What was not kept is left where the system puts it.
     ::SetWindowPos(of.window(), nullptr, place.left, place.top, place.width, place.height,
                    SWP_NOZORDER | (kept.window.width > 0 ? 0U : static_cast<UINT>(SWP_NOMOVE)));
-    of.histogram.Analysis().Place_Set(kept.peaks_window, of.look.Px(BESIDE_IMAGE));
-    Enlarged_Place_Set(of.window(), of.look.Px(BESIDE_IMAGE), kept.enlarged_window);
-    of.opener.Not_Opened_List().Place_Set(kept.list_window, of.look.Px(BESIDE_IMAGE));
-    of.opener.Read_List().Place_Set(kept.facts_window, of.look.Px(BESIDE_IMAGE));
-    of.segmentation_services.Statistics_Window().Place_Set(kept.statistics_window, of.look.Px(BESIDE_IMAGE));
-    of.panels.Area().Folded_Set(kept.folded);
-    of.image.Arrange(kept.views);
-    of.trace.Show(of.options.trace || kept.is_trace_shown);
-    of.database.Column().View_Set(static_cast<Database_View>(kept.database_view));
-    of.database.Database_Show(kept.is_database_shown);
+    for (const Kept_Window& one : of.windows()) {
+        one.place_set(kept.*one.kept);
+    }
+    of.arrange(kept);
 }
 
 void Window_Control::Settings_Keep() {
@@ -80,32 +60,20 @@ void Window_Control::Settings_Keep() {
     if (const Window_Place place = Place_Of(of.window()); place.width > 0) {
         kept.window = place;
     }
-    kept.peaks_window = of.histogram.Analysis().Place_Now();
-    kept.enlarged_window = Enlarged_Place_Now();
-    kept.list_window = of.opener.Not_Opened_List().Place_Now();
-    kept.facts_window = of.opener.Read_List().Place_Now();
-    kept.statistics_window = of.segmentation_services.Statistics_Window().Place_Now();
+    for (const Kept_Window& one : of.windows()) {
+        kept.*one.kept = one.place_now();
+    }
     kept.are_labels_shared = of.labels.Is_Shared();
     kept.is_light = of.look.Theme() == Library_Theme::Light;
-    kept.is_trace_shown = of.trace.Is_Shown() && !of.options.trace;
-    kept.is_database_shown = of.database.Is_Database();
-    kept.database_view = static_cast<int>(of.database.Column().View());
-    kept.database_width =
-        std::min(static_cast<int>(std::lround(static_cast<float>(of.database.Width_Chosen()) / of.look.Scale())),
-                 DATABASE_WIDTH_MAX);
-    kept.folded = of.panels.Area().Folded();
+    of.arrangement_take(kept);
     if (!of.settings.Keep()) {
         of.dialogs.Log("settings_not_saved");
     }
 }
 
 void Window_Control::Trace_Show(bool shown) {
-    of.trace.Show(shown);
+    of.trace_show(shown);
     of.lay_out();
-}
-
-bool Window_Control::Is_Trace() const {
-    return of.trace.Is_Shown();
 }
 
 void Window_Control::Theme_Set(bool is_light) {
@@ -121,9 +89,7 @@ void Window_Control::Dpi_Set(int dpi) {
 
 void Window_Control::Look_Changed() {
     of.variables.Scale_Set(of.look.Scale());
-    of.panels.Lay_Out();
-    of.database.Column().Lay_Out();
-    of.histogram.Analysis().Look_Changed();
+    of.look_changed();
     of.lay_out();
     ::RedrawWindow(of.window(), nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
 }
@@ -136,10 +102,6 @@ void Window_Control::About_Show() {
     ::MessageBoxW(of.window(),
                   L"Workbench\n\nShows image volumes and edits their TAGs with the panels of Kit_Panels.dll.", L"About",
                   MB_OK);
-}
-
-void Window_Control::Report_State() {
-    of.state_report.Write();
 }
 
 void Window_Control::Quit() {

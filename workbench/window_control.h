@@ -3,25 +3,24 @@
 
 #include <filesystem>
 #include <functional>
+#include <vector>
 
 #include "workbench/commands/command_actions.h"
 #include "workbench/host_variables.h"
 #include "workbench/look.h"
 #include "workbench/model/command_line.h"
 #include "workbench/model/dialogs.h"
-#include "workbench/parts/settings_keeper.h"
+#include "workbench/model/label_attributes.h"
+#include "workbench/model/settings_keeper.h"
 
 namespace workbench {
 
-class Database_Control;
-class Histogram_Desk;
-class Image_Area;
-class Label_Attributes;
-class Panel_Set;
-class Segmentation_Services;
-class State_Report;
-class Trace_View;
-class Volume_Opener;
+/** A window beside the main one that comes back where it was. */
+struct Kept_Window {
+    Window_Place Settings::*kept;
+    std::function<void(const Window_Place& place)> place_set;
+    std::function<Window_Place()> place_now;
+};
 
 /** What it works on, and what it asks of the application. All outlive it. */
 struct Window_Parts {
@@ -31,16 +30,16 @@ struct Window_Parts {
     Host_Variables& variables;
     Label_Attributes& labels;
     Dialogs& dialogs;
-    Panel_Set& panels;
-    Image_Area& image;
-    Trace_View& trace;
-    Database_Control& database;
-    Histogram_Desk& histogram;
-    Volume_Opener& opener;
-    Segmentation_Services& segmentation_services;
-    State_Report& state_report;
-    std::function<HWND()> window;   ///< the main one
-    std::function<void()> lay_out;  ///< some part of the window wants other room
+    std::function<HWND()> window;                           ///< the main one
+    std::function<void()> lay_out;                          ///< some part of the window wants other room
+    std::function<std::vector<Kept_Window>()> windows;      ///< the others
+    std::function<void(const Settings& kept)> arrange;      ///< the parts of the main window are as they were kept
+    std::function<void(Settings& kept)> arrangement_take;   ///< the parts' arrangement becomes what is kept
+    std::function<void(int pixels)> database_width_choose;  ///< before the windows are laid out
+    std::function<void()> look_changed;                     ///< the parts take over colours and scale
+    std::function<void(bool)> trace_show;
+    std::function<bool()> is_trace;
+    std::function<void()> state_report;
 };
 
 class Window_Control : public Window_Actions {
@@ -48,13 +47,13 @@ class Window_Control : public Window_Actions {
     explicit Window_Control(Window_Parts parts) : of(std::move(parts)) {}
 
     void Trace_Show(bool shown) override;
-    bool Is_Trace() const override;
+    bool Is_Trace() const override { return of.is_trace(); }
     void Theme_Set(bool is_light) override;
     bool Is_Light() const override { return of.look.Theme() == Library_Theme::Light; }
     void Keys_Show() override;
     void About_Show() override;
     void Banner_Close() override { of.dialogs.Warnings_Close({}); }
-    void Report_State() override;
+    void Report_State() override { of.state_report(); }
     void Quit() override;
 
     /** Another scale. @param dpi dots per inch */

@@ -11,21 +11,6 @@ constexpr std::array<const char*, 7> NAMES = {"Image", "TAG", "Brush", "Frames",
 
 }  // namespace
 
-Key_Context Context_Of(Pane pane) {
-    switch (pane) {
-        case Pane::Tag:
-            return Key_Context::Tag_Panel;
-        case Pane::Frames:
-            return Key_Context::Frames_Panel;
-        case Pane::Marker:
-            return Key_Context::Marker_Panel;
-        case Pane::Histogram:
-            return Key_Context::Histogram_Panel;
-        default:
-            return Key_Context::Window;
-    }
-}
-
 void Focus::Set(Pane wanted) {
     pane = wanted;
     host.mark(pane);

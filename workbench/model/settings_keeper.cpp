@@ -1,4 +1,4 @@
-#include "workbench/parts/settings_keeper.h"
+#include "workbench/model/settings_keeper.h"
 
 #include "workbench/volumes/unfinished_file.h"
 
