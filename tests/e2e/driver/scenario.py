@@ -45,6 +45,7 @@ class Run:
         self.settings = self.folder / "settings.txt"
         self.screen = Screen()
         self.workbenches = []
+        self.holder = None
         self.is_scaled = False
         self.lines = []
 
@@ -80,8 +81,16 @@ class Run:
         # Programs take it over from the running desktop, so that has to end.
         subprocess.run(["wineserver", "-k", "-w"], stdin=subprocess.DEVNULL, check=False)
 
+    def _desktop_hold(self):
+        """Wine's desktop goes when its last program ends, and one that starts at that moment gets no window."""
+        program = pathlib.Path(self.options.workbench).with_name("guihold.exe")
+        if program.exists() and (self.holder is None or self.holder.poll() is not None):
+            self.holder = subprocess.Popen(["wine", program], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                           stderr=subprocess.DEVNULL)
+
     def launch(self, *files, labels=None):
         """Starts a workbench and does not wait. It keeps the settings of the one before."""
+        self._desktop_hold()
         arguments = ["--settings", windows_path(self.settings)]
         if labels:
             arguments += ["--labels", windows_path(labels)]

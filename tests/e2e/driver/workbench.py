@@ -33,9 +33,11 @@ class Workbench:
         self.events = []
         self.last = None
         self.answers = 0
-        self.program = subprocess.Popen(
-            ["wine", scenario.options.workbench, "--check", "--report", windows_path(self.log), *arguments],
-            stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.errors = self.log.with_suffix(".errors")
+        with open(self.errors, "wb") as errors:
+            self.program = subprocess.Popen(
+                ["wine", scenario.options.workbench, "--check", "--report", windows_path(self.log), *arguments],
+                stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=errors)
 
     # -------------------------------------------------------------------------------------------------- what it says
     def _listen(self):
@@ -84,7 +86,8 @@ class Workbench:
         """@param is_counted whether the histogram must be there too"""
         self._until("ready", lambda: self.has_ended() or self.said("ready"), START)
         if self.has_ended():
-            raise Failure(f"the workbench ended with status {self.program.returncode} when it started")
+            raise Failure(f"the workbench ended with status {self.program.returncode} when it started: "
+                          f"{self.errors.read_text(errors='replace')[-300:]!r}")
         return self.wait("the window is in front",
                          lambda s: s.active is not None and not (is_counted and s.histogram_counting))
 
