@@ -42,12 +42,12 @@ void Ranges_Set(Tool_Histo& panel, int count, const Ranges& range, std::index_se
 
 Histogram_Desk::Histogram_Desk(Histogram_Parts parts)
     : of(std::move(parts)),
-      exports(of.work, of.variables, of.panels, of.dialogs, [this] { return Source_Text(); }),
+      exports(of.work, of.variables, of.panel, of.dialogs, [this] { return Source_Text(); }),
       analysis(of.look, Analysis_Services()) {}
 
 Analysis_Host Histogram_Desk::Analysis_Services() {
     Analysis_Host host;
-    host.panel = [this] { return &of.panels.Histogram(); };
+    host.panel = [this] { return &of.panel; };
     host.peaks_changed = [this] { Peaks_Changed(); };
     host.bands_take = [this](const std::vector<Peak_Row>& peaks) { Bands_Take(peaks); };
     host.tell = [this](const wchar_t* text) { of.dialogs.Tell(Utf8_Of_Wide(text)); };
@@ -66,7 +66,7 @@ void Histogram_Desk::All_Select() {
 void Histogram_Desk::Images_Take() {
     control.Plain_Take();
     control.All_Take(of.work.session.Slice_Nb());
-    of.panels.Histogram_Hosted().Scale_Release();
+    of.scale_release();
     Select();
 }
 
@@ -257,7 +257,7 @@ void Histogram_Desk::Background_Leave_Out(bool on) {
     }
     control.Background_Leave_Out(on);
     of.work.hub.Note(Change::Counting);
-    of.work.hub.Then([this] { of.panels.Histogram_Scale_Suggest(); });
+    of.work.hub.Then([this] { of.scale_suggest(); });
     of.dialogs.Tell(on ? "What surrounds the image, up to grey " + Number_Text(*background, LEVEL_DIGITS) +
                              ", is left out"
                        : std::string("All pixels are counted"));
@@ -287,7 +287,7 @@ void Histogram_Desk::Background_Ask() {
 }
 
 std::string Histogram_Desk::Numbers_Text() const {
-    if (of.panels.Histogram().data == nullptr || !of.panels.Histogram().data->Has_Counts()) {
+    if (of.panel.data == nullptr || !of.panel.data->Has_Counts()) {
         switch (of.objects.Counting()) {
             case Counting_State::Coming:
                 return "The histogram is still being counted";
@@ -297,7 +297,7 @@ std::string Histogram_Desk::Numbers_Text() const {
                 return "The histogram is empty";
         }
     }
-    const Histo_Record& record = *of.panels.Histogram().data->record;
+    const Histo_Record& record = *of.panel.data->record;
     const double width = of.labels.Grey_Of(record.bin_width);
     // Bins of one stored level stand for that level, wider ones for their middle.
     const bool is_one_level =
@@ -323,7 +323,7 @@ void Histogram_Desk::Ranges_Refresh() {
                 std::min<double>(high, of.work.panel_scale.To_Panel(of.work.statistics.max))};
         }
     }
-    Ranges_Set(of.panels.Histogram(), count, ranges, std::make_index_sequence<HISTO_RANGE_MAX>());
+    Ranges_Set(of.panel, count, ranges, std::make_index_sequence<HISTO_RANGE_MAX>());
 }
 
 void Histogram_Desk::Peaks_Changed() {
@@ -340,7 +340,7 @@ Claimed_Levels Histogram_Desk::Claimed(int tag) const {
 }
 
 int Histogram_Desk::Peak_Of_Background(const std::vector<Peak_Row>& peaks) const {
-    const Histo_Data* const data = of.panels.Histogram().data.get();
+    const Histo_Data* const data = of.panel.data.get();
     // No frame may be selected any more since the peaks were found.
     if (control.Left_Out() || data == nullptr || !data->Has_Counts()) {
         return -1;

@@ -10,11 +10,10 @@
 #include "workbench/histogram_export.h"
 #include "workbench/host_variables.h"
 #include "workbench/model/dialogs.h"
+#include "workbench/model/histogram_control.h"
 #include "workbench/model/label_attributes.h"
-#include "workbench/model/workspace.h"
-#include "workbench/panel_set.h"
-#include "workbench/parts/histogram_control.h"
 #include "workbench/model/settings_keeper.h"
+#include "workbench/model/workspace.h"
 #include "workbench/volume_objects.h"
 
 namespace workbench {
@@ -26,10 +25,14 @@ struct Histogram_Parts {
     Host_Variables& variables;
     Label_Attributes& labels;
     Volume_Objects& objects;
-    Panel_Set& panels;
+    Tool_Histo& panel;
     Dialogs& dialogs;
     Settings_Keeper& settings;
-    std::function<HWND()> window;  ///< the main one, which owns that of the analysis
+    std::function<HWND()> window;         ///< the main one, which owns that of the analysis
+    std::function<void()> enlarge;        ///< opens the enlarged histogram, or brings it to the front
+    std::function<void(int)> scale_step;  ///< +1 magnifies the counts
+    std::function<void()> scale_suggest;  ///< a magnification for the counts of now
+    std::function<void()> scale_release;  ///< other images: one may be proposed again
 };
 
 class Histogram_Desk : public Histogram_Actions {
@@ -49,8 +52,8 @@ class Histogram_Desk : public Histogram_Actions {
     void Background_Ask() override;
     void Histogram_Bins_Ask() override;
     void Histogram_Component_Next() override;
-    void Histogram_Scale_Step(int step) override { of.panels.Histogram_Scale_Step(step); }
-    void Histogram_Enlarge() override { of.panels.Histogram_Enlarge(); }
+    void Histogram_Scale_Step(int step) override { of.scale_step(step); }
+    void Histogram_Enlarge() override { of.enlarge(); }
     void Wheel_Turned_Set(bool on) override;
     bool Is_Wheel_Turned() const override { return of.settings.Now().is_wheel_turned; }
     void Peaks_Show() override;

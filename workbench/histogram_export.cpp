@@ -22,7 +22,7 @@ constexpr std::size_t FILE_SIZE_MOST = 64U << 20U;  // bytes; 65,535 bins of 255
 
 Export_Expected Histogram_Export::Wanted() const {
     Export_Expected wanted;
-    const Histo_Data& data = *panels.Histogram().data;
+    const Histo_Data& data = *panel.data;
     const Histo_Record& record = *data.record;
     wanted.separator = variables.Separator();
     wanted.filler = variables.Filler();
@@ -77,7 +77,7 @@ void Histogram_Export::Export_Histogram() {
     const char* filter =
         Fct_Create_szFilter(2, "CSV files", "$FILE_EXTENSION_EXCEL", "All files", "$FILE_EXTENSION_ALL");
     if (Fct_Save_FileName("Export histogram", filter, "histogram", "csv", path.data(), 0) == 0 ||
-        panels.Histogram().Write(path.c_str()) == 0) {
+        panel.Write(path.c_str()) == 0) {
         return;
     }
     // What a disk or a network has made of it shows only when it is read back.
@@ -85,7 +85,7 @@ void Histogram_Export::Export_Histogram() {
 }
 
 void Histogram_Export::Verify(const std::filesystem::path& path, bool is_new) {
-    if (panels.Histogram().data == nullptr || !panels.Histogram().data->Has_Counts()) {
+    if (panel.data == nullptr || !panel.data->Has_Counts()) {
         dialogs.Warn("There is no histogram that the file could be compared with.");
         return;
     }

@@ -5,23 +5,23 @@
 #include <functional>
 #include <string>
 
+#include "histogram/tool_histo.h"
 #include "workbench/analysis/export_check.h"
 #include "workbench/commands/command_actions.h"
 #include "workbench/host_variables.h"
 #include "workbench/model/dialogs.h"
 #include "workbench/model/workspace.h"
-#include "workbench/panel_set.h"
 
 namespace workbench {
 
 class Histogram_Export : public Export_Actions {
   public:
     /** All outlive it. @param counted what the histogram counts, UTF-8 */
-    Histogram_Export(Workspace& workspace, Host_Variables& host_variables, Panel_Set& tool_panels,
+    Histogram_Export(Workspace& workspace, Host_Variables& host_variables, Tool_Histo& histogram,
                      Dialogs& application_dialogs, std::function<std::string()> counted)
         : work(workspace),
           variables(host_variables),
-          panels(tool_panels),
+          panel(histogram),
           dialogs(application_dialogs),
           source(std::move(counted)) {}
 
@@ -42,7 +42,7 @@ class Histogram_Export : public Export_Actions {
 
     Workspace& work;
     Host_Variables& variables;
-    Panel_Set& panels;
+    Tool_Histo& panel;
     Dialogs& dialogs;
     std::function<std::string()> source;
 };

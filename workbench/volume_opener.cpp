@@ -8,14 +8,8 @@
 #include <utility>
 
 #include "workbench/commands/command_table.h"
-#include "workbench/database_control.h"
-#include "workbench/histogram_counting.h"
-#include "workbench/histogram_desk.h"
 #include "workbench/model/image_memory.h"
 #include "workbench/model/recovery_recorder.h"
-#include "workbench/parts/label_file_control.h"
-#include "workbench/parts/view_control.h"
-#include "workbench/tools/tool_box.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/read_facts.h"
 #include "workbench/wide_text.h"
@@ -64,12 +58,12 @@ void Volume_Opener::Open(std::span<const std::filesystem::path> paths) {
         return Problems_Tell(opened, paths.front());
     }
     // Asked only now: files that cannot be loaded cost no work.
-    if (!of.label_files.May_Leave() || (of.work.volumes.Nb() > 0 && !of.database.May_Leave())) {
+    if (!of.labels_may_leave() || (of.work.volumes.Nb() > 0 && !of.classes_may_leave())) {
         return;
     }
     of.dialogs.Warnings_Close({});  // what was told of the images before; what these have to tell comes now
     Problems_Tell(opened, paths.front());
-    of.database.Images_Leave();
+    of.classes_leave();
     Paths_Note(paths);
     of.report.Time("asked");
     Show(paths.front(), std::move(opened), std::move(numbers));
@@ -96,7 +90,7 @@ void Volume_Opener::Labels_Take() {
     const std::filesystem::path file = volumes::Path_From_Utf8(std::exchange(first_labels, {}));
     std::error_code unknown;
     if (std::filesystem::exists(file, unknown)) {
-        of.label_files.Load(file);
+        of.labels_load(file);
     } else {
         of.work.session.Label_Path_Set(file);
     }
@@ -128,32 +122,32 @@ void Volume_Opener::Show(const std::filesystem::path& first, volumes::Image_Fold
                          std::vector<volumes::Volume_Statistics>&& numbers) {
     const std::string found = volumes::Image_Folder_Text(opened);
     std::string class_problem_found;
-    of.counting.Cancel();  // it reads the voxels of the images that go
+    of.counting_cancel();  // it reads the voxels of the images that go
     of.objects.Clear();
     try {
         of.work.volumes.Take(std::move(opened), std::move(numbers), of.work.session);
         of.labels.Opened();
         of.objects.Build(of.work.volumes, of.work.session);
-        class_problem_found = of.database.Open(of.objects.Root(), first);
+        class_problem_found = of.classes_open(of.objects.Root(), first);
     } catch (const std::bad_alloc&) {
         of.objects.Clear();
         of.work.volumes.Clear(of.work.session);
         of.dialogs.Warn("There is not enough memory for these images.");
-        of.database.Opened_Tell(of.database.Open(nullptr, first));
+        of.classes_told(of.classes_open(nullptr, first));
         of.work.hub.Note(Change::Opened);
         return of.deliver();
     }
     of.report.Time("objects");
     Adopt();
-    of.histogram.Images_Take();
+    of.histogram_take();
     // Told at once, when all class trees are as these data have them: no message loop may run before.
     of.work.hub.Note({Change::Opened, Change::Volume});
     of.deliver();
     of.report.Time("told");
     ::UpdateWindow(of.window());
     of.report.Time("picture");
-    of.database.Opened_Tell(class_problem_found);
-    of.counting.Begin(of.work.volumes.Nb() > 1 ? found + "   " + Volume_Text() : Volume_Text());
+    of.classes_told(class_problem_found);
+    of.counting_begin(of.work.volumes.Nb() > 1 ? found + "   " + Volume_Text() : Volume_Text());
 }
 
 std::string Volume_Opener::Volume_Text() const {
@@ -238,7 +232,7 @@ void Volume_Opener::Adopt() {
     of.work.statistics = view.statistics;
     of.work.grey_window = view.window;
     of.work.slice = view.slice;
-    of.histogram.Control().Volume_Follow(of.work.session.Slice_Nb(), view.background);
+    of.histogram_follow(of.work.session.Slice_Nb(), view.background);
     of.objects.Current_Set(of.work.volumes.Current());
     of.objects.Show(of.work.slice);
     of.labels.Enter();
@@ -251,11 +245,10 @@ bool Volume_Opener::Set(int wanted) {
     if (wanted < 0 || wanted >= of.work.volumes.Nb() || wanted == of.work.volumes.Current()) {
         return false;
     }
-    of.tools.Settle();
-    of.histogram.Volume_Leave();
+    of.settle();
+    of.histogram_leave();
     Volume_View& left = of.work.volumes.View(of.work.volumes.Current());
-    left = {of.work.statistics, of.work.grey_window, of.work.slice, of.histogram.Control().Background(),
-            std::move(left.orientation)};
+    left = {of.work.statistics, of.work.grey_window, of.work.slice, of.background(), std::move(left.orientation)};
     of.labels.Leave();
     of.work.volumes.Switch(wanted, of.work.session);
     Adopt();
@@ -268,7 +261,7 @@ void Volume_Opener::Go(int wanted) {
     if (!Set(wanted)) {
         return;
     }
-    of.histogram.All_Select();
+    of.histogram_of_all();
 }
 
 void Volume_Opener::Frame_Follow(const Quorel_2D* frame) {
@@ -278,7 +271,7 @@ void Volume_Opener::Frame_Follow(const Quorel_2D* frame) {
     }
     Set(place.volume);
     if (place.slice != of.work.slice) {
-        of.view.Slice_Show(place.slice);
+        of.slice_show(place.slice);
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -19,13 +20,6 @@
 
 namespace workbench {
 
-class Database_Control;
-class Histogram_Counting;
-class Histogram_Desk;
-class Label_File_Control;
-class Tool_Box;
-class View_Control;
-
 /** What it works on, and what it asks of the application. All outlive it. */
 struct Opener_Parts {
     const Look& look;
@@ -35,12 +29,25 @@ struct Opener_Parts {
     Dialogs& dialogs;
     Report& report;
     Settings& settings;
-    Label_File_Control& label_files;
-    Database_Control& database;
-    Histogram_Desk& histogram;
-    Histogram_Counting& counting;
-    Tool_Box& tools;
-    View_Control& view;
+    // Labels and class trees of the images that go, and of those that come.
+    std::function<bool()> labels_may_leave;  ///< @return false: they would be lost, and the user wants to go on
+    std::function<bool()> classes_may_leave;
+    std::function<void()> classes_leave;
+    std::function<void(const std::filesystem::path&)> labels_load;
+    /** @param root of the 2D class tree; null: there is none @param first of the paths that were opened
+     *  @return a problem, for classes_told; may be empty */
+    std::function<std::string(Quorel_2D* root, const std::filesystem::path& first)> classes_open;
+    std::function<void(const std::string& problem)> classes_told;
+    // The histogram.
+    std::function<void(int slice_nb, std::optional<double> background)> histogram_follow;  ///< another volume
+    std::function<std::optional<double>()> background;
+    std::function<void()> histogram_take;    ///< other images were opened
+    std::function<void()> histogram_leave;   ///< the current volume becomes another one
+    std::function<void()> histogram_of_all;  ///< of all frames of the current volume
+    std::function<void()> counting_cancel;
+    std::function<void(const std::string& text)> counting_begin;  ///< @param text for the status line, afterwards
+    std::function<void()> settle;                                 ///< ends whatever is being done by a button
+    std::function<void(int slice)> slice_show;
     std::function<HWND()> window;         ///< the main one
     std::function<void()> deliver;        ///< tells everybody at once
     std::function<void()> settings_keep;  ///< the files that were opened lately have changed

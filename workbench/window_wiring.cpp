@@ -133,4 +133,34 @@ Window_Parts Window_Wires(Application_Parts& parts, std::function<void()> lay_ou
             [&parts] { parts.state_report.Write(); }};
 }
 
+Opener_Parts Opener_Wires(Application_Parts& parts, std::function<void()> deliver) {
+    return {parts.look,
+            parts.work,
+            parts.labels,
+            parts.objects,
+            parts.dialogs,
+            parts.report,
+            parts.settings.Now(),
+            [&parts] { return parts.label_files.May_Leave(); },
+            [&parts] { return parts.database.May_Leave(); },
+            [&parts] { parts.database.Images_Leave(); },
+            [&parts](const std::filesystem::path& file) { parts.label_files.Load(file); },
+            [&parts](Quorel_2D* root, const std::filesystem::path& first) { return parts.database.Open(root, first); },
+            [&parts](const std::string& problem) { parts.database.Opened_Tell(problem); },
+            [&parts](int slice_nb, std::optional<double> background) {
+                parts.histogram.Control().Volume_Follow(slice_nb, background);
+            },
+            [&parts] { return parts.histogram.Control().Background(); },
+            [&parts] { parts.histogram.Images_Take(); },
+            [&parts] { parts.histogram.Volume_Leave(); },
+            [&parts] { parts.histogram.All_Select(); },
+            [&parts] { parts.counting.Cancel(); },
+            [&parts](const std::string& text) { parts.counting.Begin(text); },
+            [&parts] { parts.tools.Settle(); },
+            [&parts](int slice) { parts.view.Slice_Show(slice); },
+            [&parts] { return parts.window.Handle(); },
+            std::move(deliver),
+            [&parts] { parts.window_control.Settings_Keep(); }};
+}
+
 }  // namespace workbench

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "workbench/model/histogram_control.h"
+
 namespace workbench {
 
 enum class Propagation_Kind;
@@ -268,9 +270,6 @@ class Segmentation_Actions {
     virtual void Differences_Show(bool on) = 0;
     virtual bool Is_Differences() const = 0;
 };
-
-/** Which frames the histogram counts. */
-enum class Histogram_Frames { All, Shown, Range, Checked };
 
 class Histogram_Actions {
   public:

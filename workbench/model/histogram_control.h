@@ -6,9 +6,10 @@
 #include <string_view>
 #include <utility>
 
-#include "workbench/commands/command_actions.h"
-
 namespace workbench {
+
+/** Which frames the histogram counts. */
+enum class Histogram_Frames { All, Shown, Range, Checked };
 
 /** Frames first to last, from 0. */
 struct Frame_Range {

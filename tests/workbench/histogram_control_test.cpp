@@ -1,4 +1,4 @@
-#include "workbench/parts/histogram_control.h"
+#include "workbench/model/histogram_control.h"
 
 #include <gtest/gtest.h>
 
