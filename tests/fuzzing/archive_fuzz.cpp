@@ -15,6 +15,9 @@
 #include <thread>
 #include <vector>
 
+#include "dcmtk/config/osconfig.h"
+#include "dcmtk/dcmdata/dcdeftag.h"
+#include "dcmtk/dcmdata/dcfilefo.h"
 #include "workbench/archive/archive_association.h"
 #include "workbench/archive/archive_client.h"
 #include "workbench/archive/archive_intake.h"
@@ -212,6 +215,15 @@ void Called(std::span<const std::uint8_t> bytes, const fs::path& folder) {
 
 }  // namespace
 
+/** A whole object, under its own identifier. */
+bool Is_Image(const fs::path& path) {
+    DcmFileFormat file;
+    OFString identifier;
+    return path.extension() == ".dcm" && file.loadFile(path.c_str()).good() &&
+           file.getDataset()->findAndGetOFString(DCM_SOPInstanceUID, identifier).good() &&
+           path.stem().string() == identifier.c_str();
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 2 || size > INPUT_MOST) {
         return 0;
@@ -229,7 +241,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::error_code error;
     if (fs::exists(root, error)) {
         for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
-            Require(!entry.is_regular_file() || entry.path().extension() == ".dcm");
+            Require(!entry.is_regular_file() || Is_Image(entry.path()));
         }
         fs::remove_all(root, error);
     }

@@ -111,6 +111,8 @@ std::optional<Archive_Settings> Archive_Control::Settings_Ask(std::optional<std:
         fields.push_back({"TL&S: trusted certificates", now.is_encrypted ? trusted : std::string()});
         fields.push_back({"TLS: o&wn certificate and key", now.own_file});
     }
+    const std::string kept_host = now.host;
+    std::string kept_callers = now.other_callers;
     std::vector<std::string> ways = {"&Keep", "T&est"};
     if (index) {
         ways.emplace_back("&Remove");
@@ -125,10 +127,16 @@ std::optional<Archive_Settings> Archive_Control::Settings_Ask(std::optional<std:
             host.archives_keep(Lines_Of(known, host.archives()));
             return std::nullopt;
         }
-        now.name = fields[0].value.empty() ? fields[1].value : fields[0].value;
-        if (now.host != fields[1].value && now.other_callers == fields[6].value) {
-            fields[6].value.clear();  // they were trusted beside another archive
+        if (!kept_callers.empty() && kept_host != fields[1].value && kept_callers == fields[6].value) {
+            dialogs.Way_Ask("Settings of an archive",
+                            "The other addresses were trusted beside " + kept_host +
+                                " and are left out now. Put in those that bring images of this archive.",
+                            {"&Close"});
+            fields[6].value.clear();
+            kept_callers.clear();  // once
+            continue;
         }
+        now.name = fields[0].value.empty() ? fields[1].value : fields[0].value;
         now.host = fields[1].value;
         now.port = Port_Of(fields[2].value);
         now.is_moved = !fields[5].value.empty();

@@ -349,10 +349,20 @@ TEST_F(Archive_Use, keeps_who_else_may_bring_images_and_only_beside_that_archive
     EXPECT_THAT(dialogs.asked[0], HasSubstr("four numbers"));
     ASSERT_THAT(lines, SizeIs(1));
     EXPECT_EQ(archive::Archive_Of_Line(lines[0])->other_callers, "10.1.2.3 10.1.2.4");
-    dialogs.ways = {2, 0, -1};  // change settings, of the first
-    forms = {{{{1, "other"}}, 0}};
+    dialogs.ways = {2, 0, 0, -1};  // change settings, of the first; what is told is read
+    forms = {{{{1, "other"}}, 0}, {{}, 0}};
     archives.Archive_Open();
     EXPECT_EQ(archive::Archive_Of_Line(lines[0])->other_callers, "");
+    EXPECT_THAT(dialogs.asked, Contains(HasSubstr("trusted beside pacs and are left out")));
+}
+
+TEST_F(Archive_Use, keeps_who_else_may_bring_images_when_an_address_is_put_right) {
+    lines.clear();
+    dialogs.ways = {0};  // the doubt is read
+    forms = {{{{1, "pasc"}, {3, "PACS"}, {5, "70000"}, {6, "10.1.2.3"}}, 0}, {{{1, "pacs"}, {5, "11113"}}, 0}};
+    archives.Archive_Open();
+    ASSERT_THAT(lines, SizeIs(1));
+    EXPECT_EQ(archive::Archive_Of_Line(lines[0])->other_callers, "10.1.2.3");
 }
 
 TEST_F(Archive_Use, keeps_how_it_is_encrypted_and_says_so_before_anything_is_asked) {
