@@ -68,13 +68,15 @@ Column_Spans Plot_Columns::Reduce(const Value* values, int first, int last) cons
     if (values == nullptr || first > last) {
         return spans;
     }
-    for (std::size_t column = 0; column < spans.size(); ++column) {
+    // Edges rise from column to column: those of the bins lie in a row.
+    const auto begin = std::ranges::lower_bound(last_edge, first);
+    const auto end = std::ranges::upper_bound(last_edge, last);
+    const auto column_begin = static_cast<std::size_t>(std::max<std::ptrdiff_t>(begin - last_edge.begin() - 1, 0));
+    const auto column_end = std::min(static_cast<std::size_t>(end - last_edge.begin()), spans.size());
+    for (std::size_t column = column_begin; column < column_end; ++column) {
         // A line along a bin ends on the column where the next bin's begins: a column shows every bin that touches it.
         const int from = last_edge[column];
         const int to = last_edge[column + 1];
-        if (to < first || from > last) {
-            continue;
-        }
         const bool with_end = from < first || to > last;
         const int bin_from = std::max(from, first);
         const int bin_to = std::min(to, last);

@@ -5,9 +5,13 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
+#include <exception>
 #include <new>
+#include <thread>
 
 #include "histogram/histo_colors.h"
 #include "histogram/histo_tag_colors.h"
@@ -138,33 +142,29 @@ void Draw_Extentless(HDC dc, const Histo_Plot_Scene& scene, const RECT& place, c
 
 // ---- curves
 
-bool Is_In(const Column_Spans& spans, const Plot_Pixels& picture) {
-    return std::any_of(spans.begin(), spans.end(), [&](const Column_Span& span) {
-        return !span.Is_Empty() && span.high >= 0 && span.low < picture.Height();
-    });
-}
-
-/** @return false: none of the curves has a pixel in the picture */
-bool Draw_Curves(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Columns& columns, int thickness) {
+/** Adds the curves. @return false: none of them has a pixel in the picture */
+bool Curves_Add(std::vector<Plot_Layer>& layers, const Tool_Histo& panel, const Plot_Columns& columns, int thickness) {
+    const Plot_Frame& frame = columns.Frame();
     const Histo_Data& data = *panel.data;
     bool is_seen = false;
-    const auto draw = [&](const Column_Spans& spans, std::uint32_t color) {
-        picture.Line_Draw(spans, Pixel_Of_Color(color), thickness);
-        is_seen = is_seen || Is_In(spans, picture);
+    const auto add = [&](const Column_Spans& spans, std::uint32_t color) {
+        layers.push_back(
+            {Span_Blocks(Thick_Spans(spans, thickness), frame.width, frame.height), Pixel_Of_Color(color)});
+        is_seen = is_seen || !Span_Blocks(spans, frame.width, frame.height).Blocks().empty();
     };
     const Histo_Curves curves = Histo_Curves_Of(*data.record, panel.color_component);
     for (int k = 0; k < curves.nb; ++k) {
         const Histo_Curve& curve = curves.curve[static_cast<std::size_t>(k)];
-        draw(columns.Stepped(curve.counts, data.record->nb_bins), curve.color);
+        add(columns.Stepped(curve.counts, data.record->nb_bins), curve.color);
     }
     if (data.filtered != nullptr) {
-        draw(columns.Stepped(data.filtered, data.curve_nb), COLOR_FILTERED);
+        add(columns.Stepped(data.filtered, data.curve_nb), COLOR_FILTERED);
     }
     if (Flag_Trace >= TRACED_CURVES && data.fit_sum != nullptr) {
-        draw(columns.Stepped(data.fit_sum, data.curve_nb), COLOR_FIT_SUM);
+        add(columns.Stepped(data.fit_sum, data.curve_nb), COLOR_FIT_SUM);
     }
     if (Flag_Trace >= TRACED_CURVES && data.derivative != nullptr) {
-        draw(columns.Stepped(data.derivative, data.curve_nb), COLOR_DERIVATIVE);
+        add(columns.Stepped(data.derivative, data.curve_nb), COLOR_DERIVATIVE);
     }
     return is_seen;
 }
@@ -176,16 +176,28 @@ int Rounded_Bin(const Plot_Scale& scale, float level) {
     return scale.Level_To_Bin(static_cast<float>(std::trunc(static_cast<double>(level) + 0.5)));
 }
 
+/** What lies below everything else. */
+struct Plot_Ground {
+    std::vector<std::uint32_t> even;  ///< one pixel per column, of the rows 0, 2 ..
+    std::vector<std::uint32_t> odd;
+    std::vector<std::uint32_t> under;  ///< under the counts
+    Span_Blocks bars;
+
+    void Draw(Plot_Pixels& picture) const {
+        picture.Rows_Fill(even, odd);
+        picture.Spans_Fill(bars, under);
+    }
+};
+
 /** Ground and TAG bands: later bands hide earlier ones. As in the panel a band is a half-tone of the TAG's colour,
  * every other pixel black, and the colour itself under the counts. */
-void Draw_Ground(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Columns& columns,
-                 const Histo_Plot_Scene& scene) {
+Plot_Ground Ground_Of(const Tool_Histo& panel, const Plot_Columns& columns, const Histo_Plot_Scene& scene) {
+    const Plot_Frame& frame = columns.Frame();
     const std::uint32_t ground = Ground_Pixel(scene.box);
-    const auto width = static_cast<std::size_t>(picture.Width());
+    const auto width = static_cast<std::size_t>(frame.width);
     std::vector<std::uint32_t> even(width, ground);
     if (!scene.tag || panel.range_nb == 0) {
-        picture.Rows_Fill(even, even);
-        return;
+        return {even, even, {}, Span_Blocks({}, frame.width, frame.height)};
     }
     const Histo_Record& record = *panel.data->record;
     const Plot_Scale scale({}, {record.nb_bins, record.origin, record.bin_width}, 0.0F);
@@ -204,7 +216,7 @@ void Draw_Ground(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Colum
         const int left = columns.Bin_Column(first);
         const int begin = std::max(left, 0);
         // A band that is narrower than a column still shows.
-        const int end = std::min(std::max(columns.Bin_Column(last + 1), left + 1), picture.Width());
+        const int end = std::min(std::max(columns.Bin_Column(last + 1), left + 1), frame.width);
         for (auto column = static_cast<std::size_t>(begin); static_cast<int>(column) < end; ++column) {
             even[column] = column % 2 == 0 ? pixel : HALF_TONE_REST;
             odd[column] = column % 2 == 0 ? HALF_TONE_REST : pixel;
@@ -212,14 +224,13 @@ void Draw_Ground(Plot_Pixels& picture, const Tool_Histo& panel, const Plot_Colum
             banded[column] = true;
         }
     }
-    picture.Rows_Fill(even, odd);
     Column_Spans bars = columns.Stepped(Histo_Band_Counts(record, panel.color_component), record.nb_bins);
-    const int base = columns.Frame().Row(0.0);
+    const int base = frame.Row(0.0);
     for (std::size_t column = 0; column < width; ++column) {
         bars[column] =
             banded[column] && !bars[column].Is_Empty() ? Column_Span{base, bars[column].high} : Column_Span{};
     }
-    picture.Spans_Fill(bars, under);
+    return {std::move(even), std::move(odd), std::move(under), Span_Blocks(bars, frame.width, frame.height)};
 }
 
 // ---- picture
@@ -236,6 +247,35 @@ Dib_Picture& Picture_Of(HDC like, int width, int height) {
     return kept_picture;
 }
 
+// Few enough that they stay in the nearer memories, many enough that spans are seldom looked up.
+constexpr int STRIP_ROWS = 128;
+constexpr int THREAD_WORTH = 1 << 20U;  // pixels; fewer are drawn sooner than another thread begins
+
+/** Everything that is drawn one over another, strip by strip, by two threads where it is worth it. */
+void Strips_Draw(const Plot_Pixels& picture, const Plot_Ground& ground, const std::vector<Plot_Layer>& layers) {
+    std::atomic<int> next = 0;
+    const auto draw = [&] {
+        for (int row = next.fetch_add(STRIP_ROWS); row < picture.Height(); row = next.fetch_add(STRIP_ROWS)) {
+            Plot_Pixels strip = picture.Strip(row, row + STRIP_ROWS);
+            ground.Draw(strip);
+            for (const Plot_Layer& layer : layers) {
+                strip.Layer_Draw(layer);
+            }
+        }
+    };
+    std::thread other;
+    if (static_cast<std::int64_t>(picture.Width()) * picture.Height() >= THREAD_WORTH) {
+        try {
+            other = std::thread(draw);
+        } catch (const std::exception&) {  // none is to be had: this one draws it all
+        }
+    }
+    draw();
+    if (other.joinable()) {
+        other.join();
+    }
+}
+
 /** Everything inside the plot area, in memory, and then shown at once. */
 void Draw_Area(const Plot_DC& dc, const Tool_Histo& panel, const Histo_Plot_Scene& scene, const Plot_Frame& frame) {
     const Dib_Picture& dib = Picture_Of(dc.Get(), frame.width, frame.height);
@@ -246,11 +286,13 @@ void Draw_Area(const Plot_DC& dc, const Tool_Histo& panel, const Histo_Plot_Scen
     Plot_Pixels picture(dib.Pixels(), frame.width, frame.height);
     const Plot_Columns columns(frame, Grid_Of(*panel.data->record));
     const int thickness = Thickness(scene);
-    Draw_Ground(picture, panel, columns, scene);
+    const Plot_Ground ground = Ground_Of(panel, columns, scene);
     const Histo_Plot_Peaks peaks(panel, columns, scene.peak);
-    Histo_Plot_Window_Fill(picture, peaks, frame.Row(0.0));
-    const bool is_seen = Draw_Curves(picture, panel, columns, thickness);
-    Histo_Plot_Window_Curve(picture, peaks, thickness);
+    std::vector<Plot_Layer> layers;
+    Histo_Plot_Window_Fill(layers, peaks, frame, frame.Row(0.0));
+    const bool is_seen = Curves_Add(layers, panel, columns, thickness);
+    Histo_Plot_Window_Curve(layers, peaks, frame, thickness);
+    Strips_Draw(picture, ground, layers);
     if (!is_seen && peaks.Labels().empty()) {
         Draw_Note(dib.Get_DC(), scene, {0, 0, frame.width, frame.height}, NOTE_OUTSIDE);
     }

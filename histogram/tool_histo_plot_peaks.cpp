@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <iterator>
 
 #include "histogram/histo_colors.h"
 #include "histogram/peak_labels.h"
@@ -90,13 +91,13 @@ void Histo_Plot_Peaks::Segments_Add(const Tool_Histo& panel, const Plot_Columns&
             continue;
         }
         // Columns of one segment only: the next one begins where this one ends.
-        Curve curve{Column_Spans(whole.size()), Peak_Pixel(color)};
+        Column_Spans part(whole.size());
         const int begin = std::max(columns.Bin_Column(first), 0);
         const int end = std::min(columns.Bin_Column(last + 1), static_cast<int>(whole.size()));
         for (int column = begin; column < end; ++column) {
-            curve.spans[static_cast<std::size_t>(column)] = whole[static_cast<std::size_t>(column)];
+            part[static_cast<std::size_t>(column)] = whole[static_cast<std::size_t>(column)];
         }
-        curves.push_back(std::move(curve));
+        Trimmed_Add(part, Peak_Pixel(color));
         const double centre = (*peak->param)[PEAK_CENTRE];
         const int bin = std::clamp(static_cast<int>(centre), 0, nb_bins - 1);
         labels.push_back(Label_At(columns, centre, Segmented_Value(panel, bin)));
@@ -110,7 +111,14 @@ void Histo_Plot_Peaks::Curve_Add(Column_Spans spans, std::uint32_t pixel, int ba
             span = {};
         }
     }
-    curves.push_back({std::move(spans), pixel});
+    Trimmed_Add(spans, pixel);
+}
+
+void Histo_Plot_Peaks::Trimmed_Add(const Column_Spans& spans, std::uint32_t pixel) {
+    const auto is_seen = [](const Column_Span& span) { return !span.Is_Empty(); };
+    const auto first = std::ranges::find_if(spans, is_seen);
+    const auto end = std::find_if(spans.rbegin(), std::make_reverse_iterator(first), is_seen).base();
+    curves.push_back({Column_Spans(first, end), static_cast<int>(first - spans.begin()), pixel});
 }
 
 void Histo_Plot_Peaks::Fits_Add(const Tool_Histo& panel, const Plot_Columns& columns) {
@@ -156,7 +164,8 @@ void Histo_Plot_Peaks::Sum_Add(const Tool_Histo& panel, const Plot_Columns& colu
     Curve_Add(columns.Stepped(sum.data(), nb_bins), COMPOSITE_PIXEL, columns.Frame().Row(0.0));
 }
 
-void Histo_Plot_Window_Fill(Plot_Pixels& picture, const Histo_Plot_Peaks& peaks, int base) {
+void Histo_Plot_Window_Fill(std::vector<Plot_Layer>& layers, const Histo_Plot_Peaks& peaks, const Plot_Frame& frame,
+                            int base) {
     for (const Histo_Plot_Peaks::Curve& curve : peaks.Curves()) {
         Column_Spans filled = curve.spans;
         for (Column_Span& span : filled) {
@@ -164,13 +173,15 @@ void Histo_Plot_Window_Fill(Plot_Pixels& picture, const Histo_Plot_Peaks& peaks,
                 span = {base, span.high};
             }
         }
-        picture.Spans_Blend(filled, curve.pixel, FILL_OPACITY);
+        layers.push_back({Span_Blocks(filled, frame.width, frame.height, curve.begin), curve.pixel, FILL_OPACITY});
     }
 }
 
-void Histo_Plot_Window_Curve(Plot_Pixels& picture, const Histo_Plot_Peaks& peaks, int thickness) {
+void Histo_Plot_Window_Curve(std::vector<Plot_Layer>& layers, const Histo_Plot_Peaks& peaks, const Plot_Frame& frame,
+                             int thickness) {
     for (const Histo_Plot_Peaks::Curve& curve : peaks.Curves()) {
-        picture.Line_Draw(curve.spans, curve.pixel, thickness);
+        layers.push_back(
+            {Span_Blocks(Thick_Spans(curve.spans, thickness), frame.width, frame.height, curve.begin), curve.pixel});
     }
 }
 

@@ -13,7 +13,8 @@ class Histo_Plot_Peaks {
     Histo_Plot_Peaks(const Tool_Histo& panel, const Plot_Columns& columns, int display);
 
     struct Curve {
-        Column_Spans spans;       ///< the outline, one span per column
+        Column_Spans spans;       ///< the outline, one span per column, from the first one that has some
+        int begin = 0;            ///< column of the first span
         std::uint32_t pixel = 0;  ///< colour
     };
     struct Label {
@@ -28,16 +29,20 @@ class Histo_Plot_Peaks {
     void Segments_Add(const Tool_Histo& panel, const Plot_Columns& columns);
     void Fits_Add(const Tool_Histo& panel, const Plot_Columns& columns);
     void Curve_Add(Column_Spans spans, std::uint32_t pixel, int base);
+    /** @param spans one per column */
+    void Trimmed_Add(const Column_Spans& spans, std::uint32_t pixel);
     void Sum_Add(const Tool_Histo& panel, const Plot_Columns& columns);
 
     std::vector<Curve> curves;
     std::vector<Label> labels;
 };
 
-/** Fills the area under the curves, half transparent. @param base row of the count 0, may be outside */
-void Histo_Plot_Window_Fill(Plot_Pixels& picture, const Histo_Plot_Peaks& peaks, int base);
-/** Draws the outlines. */
-void Histo_Plot_Window_Curve(Plot_Pixels& picture, const Histo_Plot_Peaks& peaks, int thickness);
+/** Adds the areas under the curves, half transparent. @param base row of the count 0, may be outside */
+void Histo_Plot_Window_Fill(std::vector<Plot_Layer>& layers, const Histo_Plot_Peaks& peaks, const Plot_Frame& frame,
+                            int base);
+/** Adds the outlines. */
+void Histo_Plot_Window_Curve(std::vector<Plot_Layer>& layers, const Histo_Plot_Peaks& peaks, const Plot_Frame& frame,
+                             int thickness);
 /** Writes the centres at the peaks' tops, each on a plate, those that collide apart or not at all.
  *  @param dc device context of the picture, with the font selected */
 void Histo_Plot_Peak_Label(HDC dc, Plot_Pixels& picture, const Histo_Plot_Peaks& peaks, std::uint32_t ground,

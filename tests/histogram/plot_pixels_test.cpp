@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <random>
 #include <vector>
 
 namespace {
@@ -127,4 +128,81 @@ TEST(Plot_Pixels_Test, a_thick_line_grows_to_the_right_and_upward) {
         }
     }
     EXPECT_EQ(canvas.Count(0xFF), nb);
+}
+
+namespace {
+
+/** Spans of all kinds beside each other: none, single pixels, a few rows, the whole height, and beyond the picture. */
+Column_Spans Random_Spans(std::mt19937& random, int width, int height) {
+    const auto below = [&](int end) { return static_cast<int>(random() % static_cast<unsigned int>(end)); };
+    Column_Spans spans(static_cast<std::size_t>(width));
+    int kind = 0;
+    for (Column_Span& span : spans) {
+        kind = below(4) == 0 ? below(5) : kind;  // neighbours are often of one kind
+        const int low = below(height);
+        switch (kind) {
+            case 1:
+                span = {low, low};
+                break;
+            case 2:
+                span = {low, low + below(6)};
+                break;
+            case 3:
+                span = {-below(3), height + below(3)};
+                break;
+            case 4:
+                span = {low - height, low + height};
+                break;
+            default:
+                break;
+        }
+    }
+    return spans;
+}
+
+}  // namespace
+
+TEST(Plot_Pixels_Test, layers_drawn_strip_by_strip_are_those_that_are_drawn_pixel_by_pixel) {
+    constexpr int height = 61;
+    std::mt19937 random(7);
+    for (int round = 0; round < 300; ++round) {
+        const int width = 1 + static_cast<int>(random() % 70);
+        const auto size = static_cast<std::size_t>(width) * height;
+        std::vector<std::uint32_t> expected(size);
+        std::ranges::generate(expected, [&] { return static_cast<std::uint32_t>(random() & 0xFFFFFF); });
+        std::vector<std::uint32_t> drawn = expected;
+        std::vector<std::uint32_t> colors(static_cast<std::size_t>(width));
+        std::ranges::generate(colors, [&] { return static_cast<std::uint32_t>(random() & 0xFFFFFF); });
+        const Column_Spans bars = Random_Spans(random, width, height);
+        std::vector<Plot_Layer> layers;
+        const auto lay = [&](const Column_Spans& spans, int first, auto mixed) {
+            for (int at = 0; at < static_cast<int>(spans.size()); ++at) {
+                const Column_Span& span = spans[static_cast<std::size_t>(at)];
+                for (int row = std::max(span.low, 0); row <= std::min(span.high, height - 1); ++row) {
+                    std::uint32_t& pixel = expected[static_cast<std::size_t>((height - 1 - row) * width + first + at)];
+                    pixel = mixed(pixel, static_cast<std::size_t>(first + at));
+                }
+            }
+        };
+        lay(bars, 0, [&](std::uint32_t, std::size_t column) { return colors[column]; });
+        for (int layer = 0; layer < 4; ++layer) {
+            const int first = static_cast<int>(random() % static_cast<unsigned int>(width));
+            const Column_Spans spans = Random_Spans(random, width - first, height);
+            const auto over = static_cast<std::uint32_t>(random() & 0xFFFFFF);
+            const std::uint32_t opacity = layer % 2 == 0 ? OPACITY_FULL : 90;
+            lay(spans, first, [&](std::uint32_t under, std::size_t) { return Pixel_Blend(under, over, opacity); });
+            layers.push_back({Span_Blocks(spans, width, height, first), over, opacity});
+        }
+        const Span_Blocks bar_blocks(bars, width, height);
+        const Plot_Pixels picture(drawn.data(), width, height);
+        const int strip_rows = 1 + static_cast<int>(random() % 70);
+        for (int row = 0; row < height; row += strip_rows) {
+            Plot_Pixels strip = picture.Strip(row, row + strip_rows);
+            strip.Spans_Fill(bar_blocks, colors);
+            for (const Plot_Layer& layer : layers) {
+                strip.Layer_Draw(layer);
+            }
+        }
+        ASSERT_EQ(drawn, expected) << "round " << round;
+    }
 }
