@@ -310,7 +310,6 @@ void Draw_Area(const Plot_DC& dc, const Tool_Histo& panel, const Histo_Plot_Scen
 struct Marks {
     Pixel_Rectangle cursor;
     Pixel_Rectangle zoom;
-    int zoom_thickness = 1;
 };
 Marks marks;
 
@@ -328,16 +327,16 @@ class Mark_Pen {
         dc.Device_Units();
     }
     void Line(const Pixel_Rectangle& line) const { Invert(target, line); }
-    void Frame(const Pixel_Rectangle& frame, int thickness) const {
-        if (frame.width <= 2 * thickness || frame.height <= 2 * thickness) {
+    void Frame(const Pixel_Rectangle& frame) const {
+        if (frame.width <= 2 || frame.height <= 2) {
             Invert(target, frame);
             return;
         }
-        const int inner = frame.height - 2 * thickness;
-        Invert(target, {frame.x, frame.y, frame.width, thickness});
-        Invert(target, {frame.x, frame.y + thickness, thickness, inner});
-        Invert(target, {frame.x + frame.width - thickness, frame.y + thickness, thickness, inner});
-        Invert(target, {frame.x, frame.y + frame.height - thickness, frame.width, thickness});
+        const int inner = frame.height - 2;
+        Invert(target, {frame.x, frame.y, frame.width, 1});
+        Invert(target, {frame.x, frame.y + 1, 1, inner});
+        Invert(target, {frame.x + frame.width - 1, frame.y + 1, 1, inner});
+        Invert(target, {frame.x, frame.y + frame.height - 1, frame.width, 1});
     }
 
   private:
@@ -360,7 +359,7 @@ Pixel_Rectangle Zoom_Of(const Histo_Plot_Scene& scene, const Plot_DC& dc, const 
 }
 
 void Zoom_Erase(const Mark_Pen& pen) {
-    pen.Frame(marks.zoom, marks.zoom_thickness);
+    pen.Frame(marks.zoom);
     marks.zoom = {};
 }
 
@@ -448,8 +447,7 @@ void Local_Drag_Draw(const Histo_Plot_Scene& scene, const Blow_Drag& drag) {
     const Mark_Pen pen(dc);
     Zoom_Erase(pen);
     marks.zoom = zoom;
-    marks.zoom_thickness = Thickness(scene) + 1;
-    pen.Frame(zoom, marks.zoom_thickness);
+    pen.Frame(zoom);
 }
 
 void Local_Drag_Clear(const Histo_Plot_Scene& scene) {

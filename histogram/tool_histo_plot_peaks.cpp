@@ -46,14 +46,6 @@ double Segmented_Value(const Tool_Histo& panel, int bin) {
     return static_cast<double>(Histo_Band_Counts(*data.record, panel.color_component)[bin]);
 }
 
-Column_Spans Segmented_Spans(const Tool_Histo& panel, const Plot_Columns& columns) {
-    const Histo_Data& data = *panel.data;
-    if (data.filtered != nullptr) {
-        return columns.Stepped(data.filtered, data.curve_nb);
-    }
-    return columns.Stepped(Histo_Band_Counts(*data.record, panel.color_component), data.record->nb_bins);
-}
-
 }  // namespace
 
 Histo_Plot_Peaks::Histo_Plot_Peaks(const Tool_Histo& panel, const Plot_Columns& columns, int display) {
@@ -81,7 +73,7 @@ Histo_Plot_Peaks::Histo_Plot_Peaks(const Tool_Histo& panel, const Plot_Columns& 
 
 void Histo_Plot_Peaks::Segments_Add(const Tool_Histo& panel, const Plot_Columns& columns) {
     const int nb_bins = columns.Grid().nb_bins;
-    const Column_Spans whole = Segmented_Spans(panel, columns);
+    const Plot_Frame& frame = columns.Frame();
     std::size_t index = 0;
     for (const Histo_Peak* peak = panel.data->peak_first; peak != nullptr; peak = peak->next) {
         const int first = std::max(static_cast<int>((*peak->param)[SEGMENT_FIRST]), 0);
@@ -91,34 +83,34 @@ void Histo_Plot_Peaks::Segments_Add(const Tool_Histo& panel, const Plot_Columns&
             continue;
         }
         // Columns of one segment only: the next one begins where this one ends.
-        Column_Spans part(whole.size());
+        Column_Spans band(static_cast<std::size_t>(frame.width));
         const int begin = std::max(columns.Bin_Column(first), 0);
-        const int end = std::min(columns.Bin_Column(last + 1), static_cast<int>(whole.size()));
+        const int end = std::min(columns.Bin_Column(last + 1), frame.width);
         for (int column = begin; column < end; ++column) {
-            part[static_cast<std::size_t>(column)] = whole[static_cast<std::size_t>(column)];
+            band[static_cast<std::size_t>(column)] = {0, frame.height - 1};
         }
-        Trimmed_Add(part, Peak_Pixel(color));
+        Trimmed_Add(band, Peak_Pixel(color), Look::Band);
         const double centre = (*peak->param)[PEAK_CENTRE];
         const int bin = std::clamp(static_cast<int>(centre), 0, nb_bins - 1);
         labels.push_back(Label_At(columns, centre, Segmented_Value(panel, bin)));
     }
 }
 
-void Histo_Plot_Peaks::Curve_Add(Column_Spans spans, std::uint32_t pixel, int base) {
+void Histo_Plot_Peaks::Curve_Add(Column_Spans spans, std::uint32_t pixel, int base, Look look) {
     // Where a fit has run out into 0 there is no peak to draw.
     for (Column_Span& span : spans) {
         if (span.high <= base) {
             span = {};
         }
     }
-    Trimmed_Add(spans, pixel);
+    Trimmed_Add(spans, pixel, look);
 }
 
-void Histo_Plot_Peaks::Trimmed_Add(const Column_Spans& spans, std::uint32_t pixel) {
+void Histo_Plot_Peaks::Trimmed_Add(const Column_Spans& spans, std::uint32_t pixel, Look look) {
     const auto is_seen = [](const Column_Span& span) { return !span.Is_Empty(); };
     const auto first = std::ranges::find_if(spans, is_seen);
     const auto end = std::find_if(spans.rbegin(), std::make_reverse_iterator(first), is_seen).base();
-    curves.push_back({Column_Spans(first, end), static_cast<int>(first - spans.begin()), pixel});
+    curves.push_back({Column_Spans(first, end), static_cast<int>(first - spans.begin()), pixel, look});
 }
 
 void Histo_Plot_Peaks::Fits_Add(const Tool_Histo& panel, const Plot_Columns& columns) {
@@ -134,7 +126,7 @@ void Histo_Plot_Peaks::Fits_Add(const Tool_Histo& panel, const Plot_Columns& col
         const auto value = [peak](double position) { return peak->fct_value(peak->type, position, *peak->param); };
         Curve_Add(smooth ? columns.Smooth(support.first, support.last, value)
                          : columns.Stepped(peak->curve, support.first, support.last),
-                  Peak_Pixel(color), columns.Frame().Row(0.0));
+                  Peak_Pixel(color), columns.Frame().Row(0.0), Look::Filled);
     }
 }
 
@@ -151,7 +143,7 @@ void Histo_Plot_Peaks::Sum_Add(const Tool_Histo& panel, const Plot_Columns& colu
             }
             return value;
         };
-        Curve_Add(columns.Smooth(0, nb_bins - 1, sum), COMPOSITE_PIXEL, columns.Frame().Row(0.0));
+        Curve_Add(columns.Smooth(0, nb_bins - 1, sum), COMPOSITE_PIXEL, columns.Frame().Row(0.0), Look::Outline);
         return;
     }
     std::vector<float> sum(static_cast<std::size_t>(nb_bins), 0.0F);
@@ -161,15 +153,18 @@ void Histo_Plot_Peaks::Sum_Add(const Tool_Histo& panel, const Plot_Columns& colu
             sum[static_cast<std::size_t>(bin)] += peak->curve[bin];
         }
     }
-    Curve_Add(columns.Stepped(sum.data(), nb_bins), COMPOSITE_PIXEL, columns.Frame().Row(0.0));
+    Curve_Add(columns.Stepped(sum.data(), nb_bins), COMPOSITE_PIXEL, columns.Frame().Row(0.0), Look::Outline);
 }
 
 void Histo_Plot_Window_Fill(std::vector<Plot_Layer>& layers, const Histo_Plot_Peaks& peaks, const Plot_Frame& frame,
                             int base) {
     for (const Histo_Plot_Peaks::Curve& curve : peaks.Curves()) {
+        if (curve.look == Histo_Plot_Peaks::Look::Outline) {
+            continue;
+        }
         Column_Spans filled = curve.spans;
         for (Column_Span& span : filled) {
-            if (!span.Is_Empty()) {
+            if (curve.look == Histo_Plot_Peaks::Look::Filled && !span.Is_Empty()) {
                 span = {base, span.high};
             }
         }
@@ -180,6 +175,9 @@ void Histo_Plot_Window_Fill(std::vector<Plot_Layer>& layers, const Histo_Plot_Pe
 void Histo_Plot_Window_Curve(std::vector<Plot_Layer>& layers, const Histo_Plot_Peaks& peaks, const Plot_Frame& frame,
                              int thickness) {
     for (const Histo_Plot_Peaks::Curve& curve : peaks.Curves()) {
+        if (curve.look == Histo_Plot_Peaks::Look::Band) {
+            continue;
+        }
         layers.push_back(
             {Span_Blocks(Thick_Spans(curve.spans, thickness), frame.width, frame.height, curve.begin), curve.pixel});
     }

@@ -8,14 +8,20 @@
 /** The curves of a panel's peaks as columns of a picture; made once per redraw. */
 class Histo_Plot_Peaks {
   public:
-    /** Fits: their sum as one curve (composite) or each its own (individual). Segments: the parts of the smoothed curve
-     * (or the counts), one each. Peaks without a curve are left out. */
+    /** Fits: their sum as one outline (composite), or each its own filled curve (individual). Segments: bands from the
+     *  bottom of the plot to its top. Peaks without a curve are left out. */
     Histo_Plot_Peaks(const Tool_Histo& panel, const Plot_Columns& columns, int display);
 
+    enum class Look {
+        Outline,
+        Filled,  ///< and an outline
+        Band,    ///< of the spans' rows, without an outline
+    };
     struct Curve {
         Column_Spans spans;       ///< the outline, one span per column, from the first one that has some
         int begin = 0;            ///< column of the first span
         std::uint32_t pixel = 0;  ///< colour
+        Look look = Look::Outline;
     };
     struct Label {
         int column = 0;
@@ -28,16 +34,17 @@ class Histo_Plot_Peaks {
   private:
     void Segments_Add(const Tool_Histo& panel, const Plot_Columns& columns);
     void Fits_Add(const Tool_Histo& panel, const Plot_Columns& columns);
-    void Curve_Add(Column_Spans spans, std::uint32_t pixel, int base);
+    void Curve_Add(Column_Spans spans, std::uint32_t pixel, int base, Look look);
     /** @param spans one per column */
-    void Trimmed_Add(const Column_Spans& spans, std::uint32_t pixel);
+    void Trimmed_Add(const Column_Spans& spans, std::uint32_t pixel, Look look);
     void Sum_Add(const Tool_Histo& panel, const Plot_Columns& columns);
 
     std::vector<Curve> curves;
     std::vector<Label> labels;
 };
 
-/** Adds the areas under the curves, half transparent. @param base row of the count 0, may be outside */
+/** Adds bands, and the areas under curves that are filled, half transparent. @param base row of the count 0, may be
+ * outside */
 void Histo_Plot_Window_Fill(std::vector<Plot_Layer>& layers, const Histo_Plot_Peaks& peaks, const Plot_Frame& frame,
                             int base);
 /** Adds the outlines. */

@@ -408,6 +408,17 @@ TEST(Tool_Histo_Plot_Test, a_tag_without_color_is_grey) {
     EXPECT_TRUE(Is_Half_Tone(Area_Of(plot), width, width / 2, plot.scene.area.height - 2, 0x808080));
 }
 
+/** A pixel of the plot area under the first peak of the test below. */
+static std::uint32_t Below_Peak(const Plot_Stage& plot, const Pixels& area) {
+    const Plot_Frame frame{plot.scene.area.width,
+                           plot.scene.area.height,
+                           static_cast<double>(plot.scene.x.start),
+                           static_cast<double>(plot.scene.x.end),
+                           static_cast<double>(plot.scene.y.start),
+                           static_cast<double>(plot.scene.y.end)};
+    return area[static_cast<std::size_t>(frame.Row(100.0) * frame.width + frame.Column(50.5))];
+}
+
 TEST(Tool_Histo_Plot_Test, peaks_show_by_their_selector) {
     Plot_Stage plot;
     plot.Counts_Give({}, Flat(200, 300));
@@ -424,6 +435,8 @@ TEST(Tool_Histo_Plot_Test, peaks_show_by_their_selector) {
     const Pixels individual = Area_Of(plot);
     EXPECT_EQ(Colors_Of(composite).count(0x4FC3F7), 1U);
     EXPECT_EQ(Colors_Of(composite).count(0xFF8A65), 0U) << "one color for the sum";
+    EXPECT_EQ(Below_Peak(plot, composite), GROUND) << "the sum is an outline";
+    EXPECT_NE(Below_Peak(plot, individual), GROUND) << "single peaks are filled";
     EXPECT_EQ(Colors_Of(individual).count(0x4FC3F7), 1U);
     EXPECT_EQ(Colors_Of(individual).count(0xFF8A65), 1U);
     // Between the peaks the sum stands higher than each of them.
@@ -461,7 +474,7 @@ TEST(Tool_Histo_Plot_Test, labels_name_the_centres_in_grey_levels) {
     EXPECT_EQ(Labels_Drawn(plot), std::vector<std::string>{"141"}) << "only what is in view";
 }
 
-TEST(Tool_Histo_Plot_Test, segments_are_filled_side_by_side_under_the_curve) {
+TEST(Tool_Histo_Plot_Test, segments_are_bands_side_by_side_below_the_curve) {
     Plot_Stage plot;
     plot.Counts_Give({}, Flat(100, 100));
     plot.Segment_Give(20, 0, 49);
@@ -482,8 +495,10 @@ TEST(Tool_Histo_Plot_Test, segments_are_filled_side_by_side_under_the_curve) {
     EXPECT_EQ(at(51.0, 50.0), at(80.0, 20.0));
     EXPECT_NE(at(30.0, 50.0), at(80.0, 50.0));
     EXPECT_NE(at(30.0, 50.0), GROUND);
-    EXPECT_EQ(at(30.0, 105.0), GROUND);
-    EXPECT_EQ(at(30.0, -5.0), GROUND);
+    EXPECT_EQ(at(30.0, 105.0), at(30.0, 50.0)) << "from the bottom of the plot to its top";
+    EXPECT_EQ(at(30.0, -5.0), at(30.0, 50.0));
+    EXPECT_EQ(at(30.0, 100.0), YELLOW) << "the counts lie over them";
+    EXPECT_EQ(Colors_Of(area).count(0x4FC3F7), 0U) << "no outline";
 }
 
 TEST(Tool_Histo_Plot_Test, peaks_older_than_the_record_and_without_curves_do_no_harm) {
@@ -616,7 +631,7 @@ TEST(Tool_Histo_Plot_Test, the_zoom_rectangle_is_a_frame_that_stands_out_on_any_
     for (int row = 0; row < area.height; ++row) {
         for (int column = 0; column < area.width; ++column) {
             const bool in = column >= 20 && column <= 119 && row >= 31 && row <= 80;
-            const bool core = column >= 22 && column <= 117 && row >= 33 && row <= 78;
+            const bool core = column >= 21 && column <= 118 && row >= 32 && row <= 79;
             const std::size_t at = plot.At(column, row);
             ASSERT_EQ(clean[at] ^ marked[at], in && !core ? 0x808080U : 0U) << column << ", " << row;
         }
