@@ -115,14 +115,15 @@ class Archive_Control : public Archive_Actions {
     /** Asks whether something may go, and in which way. @return no value: it may not */
     std::optional<archive::Send_Wishes> Send_Ask(const archive::Archive_Settings& to, const std::string& title,
                                                  const std::string& text);
-    /** @param what "labels" @return empty, or a sentence about what did not arrive */
+    /** @param what "labels" @param before objects that the archive has accepted already, in the same sending
+     *  @return empty, or a sentence about what did not arrive */
     std::string Send(const archive::Archive_Settings& to, const std::string& what,
-                     std::span<const std::filesystem::path> files, archive::Send_Wishes wishes);
+                     std::span<const std::filesystem::path> files, archive::Send_Wishes wishes, int before = 0);
     /** Asks about pictures that may show who the patient is, and sends them then. @return as Send */
     std::string Held_Send(const archive::Archive_Settings& to, const std::string& what,
                           const archive::Send_Result& before, archive::Send_Wishes wishes);
     std::string Sent_Tell(const archive::Archive_Settings& to, const std::string& what,
-                          const archive::Send_Result& sent, bool is_anonymous);
+                          const archive::Send_Result& sent, bool is_anonymous, int before);
 
     const Workspace& work;
     Dialogs& dialogs;

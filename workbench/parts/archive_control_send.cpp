@@ -48,14 +48,14 @@ std::optional<archive::Send_Wishes> Archive_Control::Send_Ask(const Archive_Sett
 }
 
 std::string Archive_Control::Sent_Tell(const Archive_Settings& to, const std::string& what,
-                                       const archive::Send_Result& sent, bool is_anonymous) {
+                                       const archive::Send_Result& sent, bool is_anonymous, int before) {
     if (sent.accepted == 0) {
         return "The " + what + " were not taken. " + archive::Reasons_Text(sent, false);
     }
     const auto remark = std::ranges::find_if(
         sent.files, [](const archive::Sent_File& file) { return file.is_accepted && !file.remark.empty(); });
     std::string text = what + " sent to " + to.name + (is_anonymous ? " anonymously: " : " with names: ") +
-                       archive::Objects_Text(sent.accepted) + " accepted";
+                       archive::Objects_Text(before + sent.accepted) + " accepted";
     text[0] = static_cast<char>(text[0] - 'a' + 'A');
     if (sent.refused == 0) {
         dialogs.Tell(text + (remark == sent.files.end() ? "" : ". " + remark->remark));
@@ -79,14 +79,17 @@ std::string Archive_Control::Held_Send(const Archive_Settings& to, const std::st
                              ". Texts in pictures are not taken out. Look at them before you send them.";
     if (dialogs.Way_Ask("Send anonymously", text, {"&Do not send them", "&Send them all the same"}) == 1) {
         wishes.is_picture_trusted = true;
-        return Send(to, what, held, wishes);
+        return Send(to, what, held, wishes, before.accepted);
     }
-    dialogs.Tell(archive::Counted_Text(before.held, "image", "images") + " not sent");
+    dialogs.Tell((before.accepted > 0 ? archive::Objects_Text(before.accepted) + " accepted by " + to.name + ", "
+                                      : std::string()) +
+                 archive::Counted_Text(before.held, "image", "images") + " not sent");
     return {};
 }
 
 std::string Archive_Control::Send(const Archive_Settings& to, const std::string& what,
-                                  std::span<const std::filesystem::path> files, archive::Send_Wishes wishes) {
+                                  std::span<const std::filesystem::path> files, archive::Send_Wishes wishes,
+                                  int before) {
     archive::Send_Result sent;
     dialogs.Run("Sending " + what + " to " + to.name,
                 [&](const volumes::Load_Progress& progress) { sent = operations.send(to, files, progress, wishes); });
@@ -102,7 +105,7 @@ std::string Archive_Control::Send(const Archive_Settings& to, const std::string&
     }
     std::string error;
     if (sent.accepted + sent.refused > 0 || sent.held == 0) {
-        error = Sent_Tell(to, what, sent, wishes.is_anonymous);
+        error = Sent_Tell(to, what, sent, wishes.is_anonymous, before);
     }
     if (sent.held > 0) {
         const std::string later = Held_Send(to, what, sent, std::move(wishes));

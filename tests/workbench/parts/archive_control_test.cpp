@@ -559,6 +559,22 @@ TEST_F(Archive_Use, sends_pictures_with_texts_in_them_only_after_another_questio
     EXPECT_THAT(dialogs.told.back(), HasSubstr("2 objects accepted"));
 }
 
+TEST_F(Archive_Use, tells_of_all_that_was_accepted_when_some_pictures_were_held_back) {
+    Volume_Take();
+    wishes = {.is_anonymous = true, .is_picture_trusted = false, .secret = std::string(64, '1')};
+    sent.accepted = 3;
+    sent.held = 1;
+    sent.files = {{"/images/2.dcm", false, true, "it is ultrasound"}};
+    dialogs.ways = {0, 0, 0};
+    archives.Images_Send();
+    EXPECT_EQ(dialogs.told.back(), "3 objects accepted by Radiology, 1 image not sent");
+    sent_wishes.clear();
+    sent_later.emplace().accepted = 1;
+    dialogs.ways = {0, 0, 1};
+    archives.Images_Send();
+    EXPECT_EQ(dialogs.told.back(), "Images sent to Radiology anonymously: 4 objects accepted");
+}
+
 TEST(Archive_Lines, say_everything_of_an_archive) {
     Archive_Settings settings = Radiology();
     settings.name = "R|a\nb";
