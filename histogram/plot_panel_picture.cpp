@@ -69,7 +69,7 @@ void Panel_Picture::Curve_Draw(Plot_Pixels& part, Edges edges, const Panel_Curve
             spans[i] = to == nb_bins ? Last_Rows(curve.counts, from) : Rows(curve.counts, from, to);
         }
     }
-    part.Line_Draw(std::span(spans).first(nb), curve.pixel, 1);
+    part.Line_Draw(std::span(spans).first(nb), curve.pixel);
 }
 
 Column_Span Panel_Picture::Rows(const std::uint32_t* counts, int from, int to) const {

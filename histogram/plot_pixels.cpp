@@ -167,8 +167,7 @@ void Plot_Pixels::Rectangle_Blend(int left, int bottom, int rectangle_width, int
     }
 }
 
-template <typename Spans>
-void Plot_Pixels::Blend(const Spans& spans, std::uint32_t pixel, std::uint32_t opacity) {
+void Plot_Pixels::Blend(const Span_Blocks& spans, std::uint32_t pixel, std::uint32_t opacity) {
     // By components: eight products of 16 bits at a time.
     std::array<std::uint16_t, BLOCK * 4> over;
     for (std::size_t i = 0; i < over.size(); ++i) {
@@ -193,55 +192,36 @@ void Plot_Pixels::Blend(const Spans& spans, std::uint32_t pixel, std::uint32_t o
     Walk(spans, paint, [&](std::uint32_t& under, int) { under = Pixel_Blend(under, pixel, opacity); });
 }
 
-template <typename Spans>
-void Plot_Pixels::Fill_Columns(const Spans& spans, std::span<const std::uint32_t> colors) {
-    const auto paint = [&](int row, int begin, int count, const Mask& mask) {
-        std::uint32_t* line = Row_Begin(row) + begin;
-        const std::uint32_t* over = colors.data() + begin;
-        for (int i = 0; i < count; ++i) {
-            const std::uint32_t covered = mask[static_cast<std::size_t>(i)];
-            line[i] = (over[i] & covered) | (line[i] & ~covered);
-        }
-    };
-    Walk(spans, paint, [&](std::uint32_t& under, int column) { under = colors[static_cast<std::size_t>(column)]; });
-}
-
-template <typename Spans>
-void Plot_Pixels::Fill(const Spans& spans, std::uint32_t pixel) {
+/** @param color_of pixel of a column */
+template <typename Spans, typename Color_Of>
+void Plot_Pixels::Fill(const Spans& spans, Color_Of color_of) {
     const auto paint = [&](int row, int begin, int count, const Mask& mask) {
         std::uint32_t* line = Row_Begin(row) + begin;
         for (int i = 0; i < count; ++i) {
             const std::uint32_t covered = mask[static_cast<std::size_t>(i)];
-            line[i] = (pixel & covered) | (line[i] & ~covered);
+            line[i] = (color_of(begin + i) & covered) | (line[i] & ~covered);
         }
     };
-    Walk(spans, paint, [&](std::uint32_t& under, int) { under = pixel; });
-}
-
-void Plot_Pixels::Spans_Blend(std::span<const Column_Span> spans, std::uint32_t pixel, std::uint32_t opacity) {
-    Blend(spans, pixel, opacity);
+    Walk(spans, paint, [&](std::uint32_t& under, int column) { under = color_of(column); });
 }
 
 void Plot_Pixels::Spans_Fill(std::span<const Column_Span> spans, std::span<const std::uint32_t> colors) {
-    Fill_Columns(spans.first(std::min(spans.size(), colors.size())), colors);
+    Fill(spans.first(std::min(spans.size(), colors.size())),
+         [over = colors.data()](int column) { return over[column]; });
 }
 
 void Plot_Pixels::Spans_Fill(const Span_Blocks& spans, std::span<const std::uint32_t> colors) {
-    Fill_Columns(spans, colors);
+    Fill(spans, [over = colors.data()](int column) { return over[column]; });
 }
 
 void Plot_Pixels::Layer_Draw(const Plot_Layer& layer) {
     if (layer.opacity < OPACITY_FULL) {
         Blend(layer.spans, layer.pixel, layer.opacity);
     } else {
-        Fill(layer.spans, layer.pixel);
+        Fill(layer.spans, [pixel = layer.pixel](int) { return pixel; });
     }
 }
 
-void Plot_Pixels::Line_Draw(std::span<const Column_Span> spans, std::uint32_t pixel, int thickness) {
-    if (thickness > 1) {
-        Fill(std::span<const Column_Span>(Thick_Spans(spans, thickness)), pixel);
-    } else {
-        Fill(spans, pixel);
-    }
+void Plot_Pixels::Line_Draw(std::span<const Column_Span> spans, std::uint32_t pixel) {
+    Fill(spans, [pixel](int) { return pixel; });
 }

@@ -92,16 +92,14 @@ class Plot_Pixels {
     /** Lays a colour over a rectangle. */
     void Rectangle_Blend(int left, int bottom, int rectangle_width, int rectangle_height, std::uint32_t pixel,
                          std::uint32_t opacity);
-    /** Lays a colour over spans. @param spans one per column */
-    void Spans_Blend(std::span<const Column_Span> spans, std::uint32_t pixel, std::uint32_t opacity);
     /** Gives spans one colour per column. */
     void Spans_Fill(std::span<const Column_Span> spans, std::span<const std::uint32_t> colors);
     /** @param colors at least one for every column that the spans cover */
     void Spans_Fill(const Span_Blocks& spans, std::span<const std::uint32_t> colors);
     /** Gives spans a colour, or lays it over them. */
     void Layer_Draw(const Plot_Layer& layer);
-    /** Draws spans as a line this many pixels thick, which grows to the right and upward. */
-    void Line_Draw(std::span<const Column_Span> spans, std::uint32_t pixel, int thickness);
+    /** Gives spans a colour: a line one pixel thick; see Thick_Spans for others. Takes no memory. */
+    void Line_Draw(std::span<const Column_Span> spans, std::uint32_t pixel);
 
   private:
     std::uint32_t* Row_Begin(int row) const;
@@ -111,13 +109,10 @@ class Plot_Pixels {
     void Walk(const Span_Blocks& spans, Paint paint, Paint_One paint_one);
     template <typename Paint, typename Paint_One>
     void Walk(std::span<const Column_Span> spans, Paint paint, Paint_One paint_one);
-    // Of Span_Blocks or of spans.
-    template <typename Spans>
-    void Blend(const Spans& spans, std::uint32_t pixel, std::uint32_t opacity);
-    template <typename Spans>
-    void Fill_Columns(const Spans& spans, std::span<const std::uint32_t> colors);
-    template <typename Spans>
-    void Fill(const Spans& spans, std::uint32_t pixel);
+    void Blend(const Span_Blocks& spans, std::uint32_t pixel, std::uint32_t opacity);
+    /** @param spans Span_Blocks, or spans */
+    template <typename Spans, typename Color_Of>
+    void Fill(const Spans& spans, Color_Of color_of);
 
     std::uint32_t* pixels;
     int width;

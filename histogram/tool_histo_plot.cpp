@@ -142,6 +142,11 @@ void Draw_Extentless(HDC dc, const Histo_Plot_Scene& scene, const RECT& place, c
 
 // ---- curves
 
+bool Is_In(const Column_Spans& spans, int height) {
+    return std::ranges::any_of(
+        spans, [&](const Column_Span& span) { return !span.Is_Empty() && span.high >= 0 && span.low < height; });
+}
+
 /** Adds the curves. @return false: none of them has a pixel in the picture */
 bool Curves_Add(std::vector<Plot_Layer>& layers, const Tool_Histo& panel, const Plot_Columns& columns, int thickness) {
     const Plot_Frame& frame = columns.Frame();
@@ -150,7 +155,7 @@ bool Curves_Add(std::vector<Plot_Layer>& layers, const Tool_Histo& panel, const 
     const auto add = [&](const Column_Spans& spans, std::uint32_t color) {
         layers.push_back(
             {Span_Blocks(Thick_Spans(spans, thickness), frame.width, frame.height), Pixel_Of_Color(color)});
-        is_seen = is_seen || !Span_Blocks(spans, frame.width, frame.height).Blocks().empty();
+        is_seen = is_seen || Is_In(spans, frame.height);
     };
     const Histo_Curves curves = Histo_Curves_Of(*data.record, panel.color_component);
     for (int k = 0; k < curves.nb; ++k) {

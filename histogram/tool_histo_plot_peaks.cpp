@@ -83,13 +83,10 @@ void Histo_Plot_Peaks::Segments_Add(const Tool_Histo& panel, const Plot_Columns&
             continue;
         }
         // Columns of one segment only: the next one begins where this one ends.
-        Column_Spans band(static_cast<std::size_t>(frame.width));
         const int begin = std::max(columns.Bin_Column(first), 0);
         const int end = std::min(columns.Bin_Column(last + 1), frame.width);
-        for (int column = begin; column < end; ++column) {
-            band[static_cast<std::size_t>(column)] = {0, frame.height - 1};
-        }
-        Trimmed_Add(band, Peak_Pixel(color), Look::Band);
+        const auto column_nb = static_cast<std::size_t>(std::max(end - begin, 0));
+        curves.push_back({Column_Spans(column_nb, {0, frame.height - 1}), begin, Peak_Pixel(color), Look::Band});
         const double centre = (*peak->param)[PEAK_CENTRE];
         const int bin = std::clamp(static_cast<int>(centre), 0, nb_bins - 1);
         labels.push_back(Label_At(columns, centre, Segmented_Value(panel, bin)));
@@ -103,10 +100,6 @@ void Histo_Plot_Peaks::Curve_Add(Column_Spans spans, std::uint32_t pixel, int ba
             span = {};
         }
     }
-    Trimmed_Add(spans, pixel, look);
-}
-
-void Histo_Plot_Peaks::Trimmed_Add(const Column_Spans& spans, std::uint32_t pixel, Look look) {
     const auto is_seen = [](const Column_Span& span) { return !span.Is_Empty(); };
     const auto first = std::ranges::find_if(spans, is_seen);
     const auto end = std::find_if(spans.rbegin(), std::make_reverse_iterator(first), is_seen).base();

@@ -34,9 +34,8 @@ class Histo_Plot_Peaks {
   private:
     void Segments_Add(const Tool_Histo& panel, const Plot_Columns& columns);
     void Fits_Add(const Tool_Histo& panel, const Plot_Columns& columns);
-    void Curve_Add(Column_Spans spans, std::uint32_t pixel, int base, Look look);
     /** @param spans one per column */
-    void Trimmed_Add(const Column_Spans& spans, std::uint32_t pixel, Look look);
+    void Curve_Add(Column_Spans spans, std::uint32_t pixel, int base, Look look);
     void Sum_Add(const Tool_Histo& panel, const Plot_Columns& columns);
 
     std::vector<Curve> curves;

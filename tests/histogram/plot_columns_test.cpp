@@ -46,7 +46,7 @@ Picture Every_Bin(const Plot_Frame& frame, const Plot_Grid& grid, const std::vec
 
 Picture Reduced(const Plot_Frame& frame, const Column_Spans& spans) {
     Picture picture(static_cast<std::size_t>(frame.width) * static_cast<std::size_t>(frame.height), GROUND);
-    Plot_Pixels(picture.data(), frame.width, frame.height).Line_Draw(spans, LINE, 1);
+    Plot_Pixels(picture.data(), frame.width, frame.height).Line_Draw(spans, LINE);
     return picture;
 }
 

@@ -49,7 +49,7 @@ TEST(Plot_Pixels_Test, rows_count_from_the_bottom) {
     Canvas canvas;
     Column_Spans spans(WIDTH);
     spans[5] = {2, 4};
-    canvas.picture.Line_Draw(spans, 0xFF, 1);
+    canvas.picture.Line_Draw(spans, 0xFF);
     EXPECT_EQ(canvas.Count(0xFF), 3);
     for (int row = 2; row <= 4; ++row) {
         EXPECT_EQ(canvas.pixels[(HEIGHT - 1 - row) * WIDTH + 5], 0xFFU);
@@ -63,7 +63,7 @@ TEST(Plot_Pixels_Test, spans_are_clipped_to_the_picture) {
     spans[0] = {-9, -1};
     spans[1] = {HEIGHT, HEIGHT + 3};
     spans[2] = {};
-    canvas.picture.Spans_Blend(spans, 0xFF, OPACITY_FULL);
+    canvas.picture.Layer_Draw({Span_Blocks(spans, WIDTH, HEIGHT), 0xFF, OPACITY_FULL});
     EXPECT_EQ(canvas.Count(0xFF), (WIDTH - 3) * HEIGHT);
     EXPECT_EQ(canvas.picture.At(0, 0) + canvas.picture.At(1, HEIGHT - 1) + canvas.picture.At(2, 3), 0U);
 }
@@ -77,7 +77,8 @@ TEST(Plot_Pixels_Test, spans_mix_as_single_pixels_do) {
     }
     for (const std::uint32_t opacity : {0U, 1U, 90U, 255U, OPACITY_FULL}) {
         std::copy(before.begin(), before.end(), canvas.pixels);
-        canvas.picture.Spans_Blend(Column_Spans(WIDTH, {0, HEIGHT - 1}), 0xFA8C01, opacity);
+        canvas.picture.Layer_Draw(
+            {Span_Blocks(Column_Spans(WIDTH, {0, HEIGHT - 1}), WIDTH, HEIGHT), 0xFA8C01, opacity});
         for (std::size_t i = 0; i < before.size(); ++i) {
             ASSERT_EQ(canvas.pixels[i] & 0xFFFFFF, Pixel_Blend(before[i], 0xFA8C01, opacity)) << opacity;
         }
@@ -117,7 +118,7 @@ TEST(Plot_Pixels_Test, a_thick_line_grows_to_the_right_and_upward) {
     spans[10] = {2, 2};
     spans[11] = {2, 5};
     spans[12] = {5, 5};
-    canvas.picture.Line_Draw(spans, 0xFF, 2);
+    canvas.picture.Line_Draw(Thick_Spans(spans, 2), 0xFF);
     const Column_Spans wanted = {{2, 3}, {2, 6}, {2, 6}, {5, 6}};
     int nb = 0;
     for (int i = 0; i < 4; ++i) {
