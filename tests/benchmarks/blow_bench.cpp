@@ -47,14 +47,6 @@ struct Busy_Plot : Plot_Stage {
         scene.tag = true;
         scene.peak = HISTO_PEAK_INDIVIDUAL;
     }
-    Plot_Frame Frame() const {
-        return {scene.area.width,
-                scene.area.height,
-                static_cast<double>(scene.x.start),
-                static_cast<double>(scene.x.end),
-                static_cast<double>(scene.y.start),
-                static_cast<double>(scene.y.end)};
-    }
 };
 
 /** A line along every bin, in parts of as many points as a call takes. */

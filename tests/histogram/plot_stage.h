@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "histogram/blow_layout.h"
+#include "histogram/plot_columns.h"
 #include "histogram/tool_histo_peak.h"
 #include "histogram/tool_histo_plot.h"
 #include "host/kit_graph.h"
@@ -47,6 +48,15 @@ class Plot_Stage {
     void Counts_Give(Scene_Grid grid, const std::vector<std::uint32_t>& counts) {
         Histo_Record_Give(panel, grid, counts);
         Full_View();
+    }
+    /** The plot area with what it shows. */
+    Plot_Frame Frame() const {
+        return {scene.area.width,
+                scene.area.height,
+                static_cast<double>(scene.x.start),
+                static_cast<double>(scene.x.end),
+                static_cast<double>(scene.y.start),
+                static_cast<double>(scene.y.end)};
     }
     void Full_View() {
         const Histo_Record& record = *panel.data->record;
