@@ -11,6 +11,7 @@
 #include "dcmtk/dcmdata/dcpxitem.h"
 #include "dcmtk/dcmdata/dcxfer.h"
 #include "workbench/archive/stream_comments.h"
+#include "workbench/volumes/byte_order.h"
 #include "workbench/volumes/dicom_fields.h"
 
 namespace workbench::archive {
@@ -92,10 +93,8 @@ bool Is_Table(DcmPixelSequence& sequence, std::size_t frame_nb, const Pieces& pi
         at += piece.size() + 8;
     }
     for (std::size_t frame = 0; frame < frame_nb; ++frame) {
-        std::size_t begin = 0;  // the least significant byte first, as in every file that is compressed
-        for (std::size_t byte = 0; byte < 4; ++byte) {
-            begin |= std::size_t{bytes[frame * 4 + byte]} << (8 * byte);
-        }
+        // As in every file that is compressed.
+        const std::size_t begin = volumes::Value_Read<std::uint32_t>(bytes + frame * 4, volumes::Byte_Order::Little);
         if (!std::ranges::binary_search(begins, begin)) {
             return false;
         }

@@ -4,6 +4,8 @@
 #include <array>
 #include <string_view>
 
+#include "workbench/volumes/byte_order.h"
+
 namespace workbench::archive {
 
 namespace {
@@ -22,21 +24,12 @@ constexpr std::uint8_t DATA_MOST = 0x8F;      // more than this never follows th
 constexpr std::size_t TILE_PART_LENGTH = 12;  // bytes of the segment with its marker; so is the next
 constexpr std::size_t PACKET_LENGTH = 6;
 
-/** A value of the most significant byte first. */
-std::size_t Number_At(std::span<const std::uint8_t> stream, std::size_t at, std::size_t byte_nb) {
-    std::size_t number = 0;
-    for (const std::uint8_t byte : stream.subspan(at, byte_nb)) {
-        number = number << 8U | byte;
-    }
-    return number;
-}
-
 /** Where the segment of the marker at `at` ends; no value: it does not lie within the stream. */
 std::optional<std::size_t> Segment_End(std::span<const std::uint8_t> stream, std::size_t at) {
     if (stream.size() < at + 4) {
         return std::nullopt;
     }
-    const std::size_t length = Number_At(stream, at + 2, 2);
+    const std::size_t length = volumes::Value_Read<std::uint16_t>(&stream[at + 2], volumes::Byte_Order::Big);
     return length >= 2 && length <= stream.size() - at - 2 ? std::optional(at + 2 + length) : std::nullopt;
 }
 
@@ -172,22 +165,19 @@ std::optional<std::size_t> Jpeg_2000_Comments_Blank(std::span<std::uint8_t> stre
     std::optional<std::size_t> at = Header_Blank(stream, 2, TILE_PART);
     while (at && *at + TILE_PART_LENGTH <= stream.size() && stream[*at] == MARK && stream[*at + 1] == TILE_PART) {
         const std::optional<std::size_t> data = Header_Blank(stream, *at + TILE_PART_LENGTH, TILE_DATA);
-        const std::size_t length = Number_At(stream, *at + 6, 4);
+        const std::size_t length = volumes::Value_Read<std::uint32_t>(&stream[*at + 6], volumes::Byte_Order::Big);
         if (!data) {
             return std::nullopt;
         }
-        if (length != 0 && (length > stream.size() - *at || *at + length < *data + 2)) {
-            return std::nullopt;
-        }
-        // Without a length it is the last one, and the marker that ends its data ends the picture, too.
-        const std::size_t end = length != 0 ? *at + length : Tile_Data_End(stream, *data + 2);
-        if (Tile_Data_End(stream.first(end), *data + 2) != end) {
-            return std::nullopt;
-        }
-        *at = end;
-        if (length == 0) {
+        if (length == 0) {  // the last one: the marker that ends its data ends the picture, too
+            at = Tile_Data_End(stream, *data + 2);
             break;
         }
+        if (length > stream.size() - *at || *at + length < *data + 2 ||
+            Tile_Data_End(stream.first(*at + length), *data + 2) != *at + length) {
+            return std::nullopt;
+        }
+        *at += length;
     }
     const bool is_end = at && *at + 2 <= stream.size() && stream[*at] == MARK && stream[*at + 1] == JPEG_END;
     return is_end ? std::optional(*at + 2) : std::nullopt;
@@ -196,12 +186,8 @@ std::optional<std::size_t> Jpeg_2000_Comments_Blank(std::span<std::uint8_t> stre
 bool Run_Length_Blank(std::span<std::uint8_t> picture, const Run_Length_Form& form) {
     constexpr std::size_t header_length = 64;
     constexpr std::size_t segments_most = 15;
-    const auto number = [&](std::size_t place) {  // the least significant byte first
-        std::size_t value = 0;
-        for (std::size_t byte = 4; byte-- > 0;) {
-            value = value << 8U | picture[place * 4 + byte];
-        }
-        return value;
+    const auto number = [&](std::size_t place) -> std::size_t {
+        return volumes::Value_Read<std::uint32_t>(picture.data() + place * 4, volumes::Byte_Order::Little);
     };
     if (picture.size() < header_length || form.segment_nb > segments_most || number(0) != form.segment_nb ||
         number(1) != header_length) {
