@@ -4,8 +4,10 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <span>
 
+#include "workbench/volumes/dicom_head.h"
 #include "workbench/volumes/dicom_reader.h"
 #include "workbench/volumes/dicom_segmentation.h"
 #include "workbench/volumes/dicom_series.h"
@@ -75,12 +77,29 @@ void Segmentation_Check(std::span<const std::uint8_t> bytes) {
     }
 }
 
+/** A head that can wait says what the whole file says. */
+void Head_Check(std::span<const std::uint8_t> bytes, const Dicom_Result& whole) {
+    const std::optional<Dicom_Head> head = Dicom_Head_Of(bytes);
+    if (!head || !head->image) {
+        return;
+    }
+    const Volume& listed = head->image->volume;
+    Require(listed.levels.empty() && listed.nx >= 1 && listed.ny >= 1 && listed.nz == 1 && listed.nt == 1);
+    if (whole.image) {
+        const Volume& read = whole.image->volume;
+        Require(whole.others.empty() && Identity_Of(*head->image) == Identity_Of(*whole.image));
+        Require(listed.nx == read.nx && listed.ny == read.ny && listed.color == read.color);
+        Require(listed.is_inverted == read.is_inverted && listed.affine == read.affine);
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Segmentation_Check(std::span(data, size));
     Dicom_Result result = Dicom_Read(std::span(data, size), Load_Limits{DECODED_MOST});
     Require(result.image.has_value() == result.error.empty());
+    Head_Check(std::span(data, size), result);
     if (!result.image) {
         return 0;
     }
@@ -92,23 +111,23 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     folder.files = {"first.dcm", "second.dcm", "third.dcm"};
     const std::size_t slices = Slice_Nb(*result.image);
     std::size_t wanted = slices * 3;
-    Series_Part other = {*result.image, 1};
+    Series_Part other = {*result.image, 1, false, {}};
     other.image.place.corner[size % 3] += static_cast<double>(size % 7);
     other.image.place.along_row[size % 3] += static_cast<double>(size % 5) * 1e-3;
     other.image.volume.slope /= 2;
     other.image.instance.clear();
-    Series_Part third = {*result.image, 2};
+    Series_Part third = {*result.image, 2, false, {}};
     third.image.place.is_known = size % 2 == 0;
     third.image.volume.slope *= size % 3 == 0 ? 1e12 : 1;
     third.image.instance.clear();
     std::vector<Series_Part> parts;
     parts.push_back(std::move(other));
     parts.push_back(std::move(third));
-    parts.push_back({std::move(*result.image), 0});
+    parts.push_back({std::move(*result.image), 0, false, {}});
     for (Dicom_Image& part : result.others) {
         Check(part.volume);
         wanted += Slice_Nb(part);
-        parts.push_back({std::move(part), 0});
+        parts.push_back({std::move(part), 0, false, {}});
     }
     Series_Assemble(std::move(parts), folder);
     Require(!folder.volumes.empty());

@@ -131,8 +131,11 @@ Object_Owner Owner_Of(DcmItem& data_set) {
     return owner;
 }
 
-void Data_Set_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmFileFormat& file,
-                   Data_Set_Source& source) {
+namespace {
+
+/** Reads meta information and the data set before `stop`. @return whether there is more behind what was read */
+bool Read_Before(const DcmTagKey& stop, std::span<const std::uint8_t> bytes, std::uint64_t most, DcmFileFormat& file,
+                 Data_Set_Source& source) {
     Toolkit_Prepare();
     if (!Dicom_Has_Mark(bytes) && Dicom_Has_Meta(bytes)) {
         source.warnings.emplace_back("has a damaged mark at its beginning");
@@ -155,14 +158,14 @@ void Data_Set_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmF
         source.inflated = Inflate(bytes.subspan(start), most);
         source.syntax_name = "Deflated Explicit VR Little Endian";
         Memory_Stream content(source.inflated);
-        read = data_set->read(content, EXS_LittleEndianExplicit, EGL_noChange, VALUE_KEPT);
+        read = data_set->readUntilTag(content, EXS_LittleEndianExplicit, EGL_noChange, VALUE_KEPT, stop);
     } else {
         const E_TransferSyntax told = named.empty() ? EXS_Unknown : DcmXfer(named.c_str()).getXfer();
         if (told == EXS_Unknown && !named.empty()) {
             throw Dicom_Refusal{"has an unknown transfer syntax (" + Printable_Text(named, FIELD_SHOWN_MOST) + ")"};
         }
-        read =
-            data_set->read(stream, Form_Found(told, bytes.subspan(start), source.warnings), EGL_noChange, VALUE_KEPT);
+        read = data_set->readUntilTag(stream, Form_Found(told, bytes.subspan(start), source.warnings), EGL_noChange,
+                                      VALUE_KEPT, stop);
     }
     data_set->transferEnd();
     if (read.bad() && read != EC_EndOfStream) {
@@ -174,6 +177,19 @@ void Data_Set_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmF
     if (source.syntax_name.empty()) {
         source.syntax_name = DcmXfer(data_set->getOriginalXfer()).getXferName();
     }
+    return static_cast<std::size_t>(stream.tell()) < bytes.size();
+}
+
+}  // namespace
+
+void Data_Set_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmFileFormat& file,
+                   Data_Set_Source& source) {
+    Read_Before(DCM_UndefinedTagKey, bytes, most, file, source);
+}
+
+bool Data_Set_Head_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmFileFormat& file,
+                        Data_Set_Source& source) {
+    return Read_Before(DCM_FloatPixelData, bytes, most, file, source);
 }
 
 }  // namespace volumes

@@ -41,4 +41,10 @@ Object_Owner Owner_Of(DcmItem& data_set);
 void Data_Set_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmFileFormat& file,
                    Data_Set_Source& source);
 
+/** The same of what stands before the pixels.
+ *  @param bytes the file, or its beginning
+ *  @return false: all bytes were taken, so that a beginning may have been too short */
+bool Data_Set_Head_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmFileFormat& file,
+                        Data_Set_Source& source);
+
 }  // namespace volumes

@@ -18,6 +18,7 @@
 #include "workbench/volumes/dicom_fields.h"
 #include "workbench/volumes/dicom_frame_values.h"
 #include "workbench/volumes/dicom_frames.h"
+#include "workbench/volumes/dicom_grid.h"
 #include "workbench/volumes/dicom_image_names.h"
 #include "workbench/volumes/dicom_pixel_meaning.h"
 #include "workbench/volumes/dicom_real_levels.h"
@@ -58,7 +59,6 @@ class File_Reader {
     void Frames_Open();
     /** Whether there may be so much memory for levels. @param level_size bytes of each */
     void Memory_Check(std::uint64_t level_size);
-    Frame_Size Frame_Size_Of() const;
     /** Gets the bytes of frames, on several threads where that is possible, and gives each frame to `take` with its
      * number in the list. */
     void Frames_Decode(std::span<const std::int32_t> frames, const std::function<void(std::size_t, Value_Room&)>& take);
@@ -139,12 +139,6 @@ void File_Reader::Frames_Open() {
     }
     stored->Length_Check();
     has_warnings.assign(static_cast<std::size_t>(frame_nb), 0);
-}
-
-Frame_Size File_Reader::Frame_Size_Of() const {
-    const double numbers = std::ldexp(1.0, meaning.format.bits_stored);
-    const double lowest = meaning.format.is_signed ? -numbers / 2.0 : 0.0;
-    return {meaning.format.width, meaning.format.height, frame_nb, lowest, lowest + numbers - 1.0};
 }
 
 void File_Reader::Frames_Decode(std::span<const std::int32_t> frames,
@@ -290,20 +284,8 @@ void File_Reader::Real_Levels_Decode(const Frame_Stack& stack, Volume& volume) {
 }
 
 void File_Reader::Stack_Decode(const Frame_Stack& stack, Volume& volume) {
-    volume.nx = meaning.format.width;
-    volume.ny = meaning.format.height;
-    volume.nz = stack.nz;
-    volume.nt = stack.nt;
-    volume.spacing = stack.spacing;
-    volume.time_step = stack.time_step;
-    volume.color = meaning.format.Is_Color();
-    volume.is_inverted = meaning.format.kind == Pixel_Format::Kind::Grey_Inverted;
+    Grid_Take(meaning.format, plan, stack, volume);
     volume.encoding = source.syntax_name;
-    volume.place_source = plan.place_source;
-    volume.is_size_known = plan.is_size_known;
-    volume.scalar_type =
-        volume.color ? "rgb24"
-                     : (meaning.format.is_signed ? "int" : "uint") + std::to_string(meaning.format.bits_allocated);
     if (stored->Real_Bits() != 0) {
         return Real_Levels_Decode(stack, volume);
     }
@@ -336,8 +318,6 @@ void File_Reader::Images_Make() {
             one.moment = moment;
         }
         Stack_Decode(stack, one.volume);
-        one.volume.affine = Affine_Of(stack.place, stack.spacing, stack.step);
-        one.volume.affine_source = stack.place.is_known ? Affine_Source::Qform : Affine_Source::Spacing;
         if (result.image) {
             result.others.push_back(std::move(one));
         } else {
@@ -356,7 +336,7 @@ Dicom_Result File_Reader::Read() {
     Tables_Read(*file.getDataset(), meaning, result.warnings);
     Padding_Read(*file.getDataset(), meaning);
     Names_Read(*file.getDataset(), image);
-    plan = Frames_Plan(*file.getDataset(), image.origin.modality, Frame_Size_Of());
+    plan = Frames_Plan(*file.getDataset(), image.origin.modality, Frame_Size_Of(meaning.format, frame_nb));
     result.warnings.insert(result.warnings.end(), plan.warnings.begin(), plan.warnings.end());
     Images_Make();
     Warnings_Tell();

@@ -1,6 +1,7 @@
 // In place of the reader where its library is not there.
 #include <algorithm>
 
+#include "workbench/volumes/dicom_head.h"
 #include "workbench/volumes/dicom_reader.h"
 
 namespace volumes {
@@ -21,6 +22,14 @@ Dicom_Result Dicom_Read(std::span<const std::uint8_t> file, const Load_Limits&, 
     } catch (...) {
     }
     return result;
+}
+
+std::optional<Dicom_Head> Dicom_Head_Of(std::span<const std::uint8_t>) {
+    return std::nullopt;
+}
+
+Dicom_Head Dicom_Head_Read(const std::filesystem::path&, Reading_Room&) {
+    return {};
 }
 
 }  // namespace volumes

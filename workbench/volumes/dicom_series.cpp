@@ -3,14 +3,15 @@
 #include <algorithm>
 #include <cstddef>
 #include <map>
+#include <span>
 #include <string_view>
 #include <tuple>
 #include <utility>
 
 #include "workbench/volumes/level_range.h"
-#include "workbench/volumes/level_scale.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/slice_stack.h"
+#include "workbench/volumes/slices_join.h"
 
 namespace volumes {
 
@@ -67,27 +68,24 @@ std::string Piece_Text(std::int32_t piece, std::int32_t pieces) {
     return pieces > 1 ? ", part " + std::to_string(piece + 1) + " of " + std::to_string(pieces) : std::string();
 }
 
-Scaled_Part Scale_Of(const Volume& volume) {
-    return {volume.slope, volume.intercept, volume.level_min, volume.level_max, volume.levels.size(), volume.max_error};
-}
-
-/** Brings a volume's levels to another scale. @return false: it is theirs */
-bool Scale_Change(Volume& volume, const Level_Scale& scale) {
-    const Level_Map map(Scale_Of(volume), scale);
-    if (volume.color || (map.Is_Same() && !scale.Has_Outside())) {
-        return false;
-    }
-    std::vector<std::int32_t> levels(volume.levels.size());
-    std::ranges::transform(volume.levels, levels.begin(), [&](std::int32_t level) { return map.Level_Again(level); });
-    volume.levels = std::move(levels);
-    volume.slope = scale.slope;
-    volume.intercept = scale.intercept;
-    return true;
-}
-
 Stack_Slice Slice_Of(const Series_Part& part) {
     const Volume& volume = part.image.volume;
     return {part.image.place, part.image.moment, {volume.spacing[0], volume.spacing[1]}, {volume.nx, volume.ny}};
+}
+
+/** Makes of a volume what the head of its file alone would have made. */
+void Levels_Drop(Volume& volume) {
+    const Volume nothing;
+    volume.levels = {};
+    volume.slope = nothing.slope;
+    volume.intercept = nothing.intercept;
+    volume.max_error = nothing.max_error;
+    volume.nonfinite_nb = nothing.nonfinite_nb;
+    volume.outlier_nb = nothing.outlier_nb;
+    volume.outlier_lowest = nothing.outlier_lowest;
+    volume.outlier_highest = nothing.outlier_highest;
+    volume.level_min = nothing.level_min;
+    volume.level_max = nothing.level_max;
 }
 
 /** One group of parts while it becomes volumes. */
@@ -96,6 +94,10 @@ class Group {
     Group(std::vector<Series_Part*> group_parts, Image_Folder& filled)
         : parts(std::move(group_parts)), folder(filled) {}
     void Assemble() {
+        is_waiting = std::ranges::any_of(parts, &Series_Part::is_waiting);
+        if (is_waiting) {
+            std::ranges::for_each(parts, [](Series_Part* part) { Levels_Drop(part->image.volume); });
+        }
         if (parts.size() == 1) {
             return Alone();
         }
@@ -135,6 +137,7 @@ class Group {
     Image_Folder& folder;
     bool is_assumed = false;  // directions were not in the files
     bool is_told = false;     // that they were not
+    bool is_waiting = false;  // the pixels of a part are not read: those of all are read when they are wanted
 };
 
 Folder_Volume Group::Begin(const Series_Part& part) const {
@@ -153,6 +156,9 @@ void Group::Alone() {
     Folder_Volume made = Begin(part);
     made.title += Piece_Text(part.image.part, part.image.part_nb);
     made.volume = std::move(part.image.volume);
+    if (is_waiting) {
+        made.waiting = {part.identity};
+    }
     made.file_of_slice.assign(static_cast<std::size_t>(made.volume.nz), part.file);
     Times_Split(std::move(made), folder);
 }
@@ -205,47 +211,31 @@ void Group::Numbered() {
 
 void Group::Stack(const Slice_Stack& stack, std::int32_t time, const std::string& title_end) {
     const auto nz = static_cast<std::size_t>(stack.nz);
-    const auto begin = stack.order.begin() + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(time) * nz);
-    std::vector<Scaled_Part> scales;
-    for (auto at = begin; at != begin + static_cast<std::ptrdiff_t>(nz); ++at) {
-        scales.push_back(Scale_Of(parts[static_cast<std::size_t>(*at)]->image.volume));
-    }
-    const Series_Part& first = *parts[static_cast<std::size_t>(*begin)];
+    const std::span order = std::span(stack.order).subspan(static_cast<std::size_t>(time) * nz, nz);
+    const Series_Part& first = *parts[static_cast<std::size_t>(order.front())];
     Folder_Volume made = Begin(first);
     made.title += title_end;
-    const Level_Scale scale = Level_Scale_Choose(scales);
-    Volume& volume = made.volume;
-    Joined_Range range;
-    bool is_range_known = true;
-    for (auto at = begin; at != begin + static_cast<std::ptrdiff_t>(nz); ++at) {
-        Series_Part& part = *parts[static_cast<std::size_t>(*at)];
-        Volume& slice = part.image.volume;
-        is_range_known = !Scale_Change(slice, scale) && slice.outlier_nb == 0 && is_range_known;
-        range.Add(slice);
-        const Voxel_Levels levels = std::exchange(slice.levels, {});
-        if (&part == &first) {
-            volume = slice;
-            volume.levels.reserve(levels.size() * nz);
-        }
-        volume.levels.Append(levels);
+    std::vector<Volume*> slices;
+    for (const std::int32_t at : order) {
+        Series_Part& part = *parts[static_cast<std::size_t>(at)];
+        slices.push_back(&part.image.volume);
         made.file_of_slice.push_back(part.file);
+        if (is_waiting) {
+            made.waiting.push_back(part.identity);
+        }
     }
-    if (const std::string lost = Level_Scale_Warning(scale, "slices"); !volume.color && !lost.empty()) {
-        Warn(*begin, lost + " (" + made.title + ")");
-    }
-    if (!volume.color) {
-        volume.max_error = scale.max_error;
-        Outside_Note(scale, volume);
-    }
-    volume.nz = stack.nz;
-    const auto middle = begin + static_cast<std::ptrdiff_t>(nz / 2);
-    volume.windows = parts[static_cast<std::size_t>(*middle)]->image.volume.windows;
-    if (is_range_known) {
-        range.Put(volume);
+    if (is_waiting) {
+        made.volume = *slices.front();
+        made.volume.nz = stack.nz;
     } else {
-        Level_Range_Find(volume);
+        Joined_Slices joined = Slices_Join(slices);
+        made.volume = std::move(joined.volume);
+        if (!joined.lost.empty()) {
+            Warn(order.front(), joined.lost + " (" + made.title + ")");
+        }
     }
-    Place_Set(stack, first.image.place, volume);
+    made.volume.windows = slices[nz / 2]->windows;
+    Place_Set(stack, first.image.place, made.volume);
     folder.volumes.push_back(std::move(made));
 }
 
@@ -315,8 +305,15 @@ std::string Series_Of(const Series_Part& part, const Image_Folder& folder) {
 
 }  // namespace
 
+Slice_Identity Identity_Of(const Dicom_Image& image) {
+    return {image.instance, image.place.is_known, image.place.corner, image.place.along_row, image.place.along_column};
+}
+
 void Series_Assemble(std::vector<Series_Part>&& parts, Image_Folder& folder) {
     Copies_Remove(parts, folder);
+    for (Series_Part& part : parts) {
+        part.identity = Identity_Of(part.image);  // before directions are assumed
+    }
     std::map<Key, std::vector<Series_Part*>> groups;
     for (Series_Part& part : parts) {
         groups[Key_Of(part, Series_Of(part, folder))].push_back(&part);

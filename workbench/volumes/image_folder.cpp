@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "workbench/volumes/dicom_head_scan.h"
 #include "workbench/volumes/dicom_series.h"
 #include "workbench/volumes/image_file_bytes.h"
 #include "workbench/volumes/image_file_kind.h"
@@ -39,11 +40,24 @@ class Folder_Reader {
         limits.share = &room;
     }
 
-    void Read(std::span<const Wanted_File> files) {
+    void Read(std::span<const Wanted_File> files, std::uint64_t whole_most) {
         file_nb = files.size();
         const std::span taken = files.first(std::min(files.size(), FOLDER_FILES_MOST));
+        std::vector<Dicom_Head> heads(taken.size());
+        if (whole_most != WHOLE_ALWAYS && Is_More_Than(taken, whole_most)) {
+            heads = Heads_Read(taken);
+        }
         for (std::size_t at = 0; at < taken.size() && Go_On(0.0);) {
-            const std::span together = taken.subspan(at, Small_Nb(taken.subspan(at)));
+            if (heads[at].image) {
+                Take_Head(taken[at].path, std::move(heads[at]));
+                ++done_nb;
+                ++at;
+                continue;
+            }
+            const auto next = std::find_if(heads.begin() + static_cast<std::ptrdiff_t>(at), heads.end(),
+                                           [](const Dicom_Head& head) { return head.image.has_value(); });
+            const auto whole_nb = static_cast<std::size_t>(next - heads.begin()) - at;
+            const std::span together = taken.subspan(at, Small_Nb(taken.subspan(at, whole_nb)));
             if (together.size() > 1) {
                 Read_Together(together);
                 at += together.size();
@@ -68,10 +82,29 @@ class Folder_Reader {
   private:
     /** @param share of the file that is read now. @return false: reading was given up */
     bool Go_On(double share) {
-        folder.is_cancelled =
-            folder.is_cancelled ||
-            (progress && !progress((static_cast<double>(done_nb) + share) / static_cast<double>(file_nb)));
+        const double done = (static_cast<double>(done_nb) + share) / static_cast<double>(file_nb);
+        folder.is_cancelled = folder.is_cancelled || (progress && !progress(heads_share + (1.0 - heads_share) * done));
         return !folder.is_cancelled;
+    }
+
+    std::vector<Dicom_Head> Heads_Read(std::span<const Wanted_File> files) {
+        constexpr double heads_part = 0.9;  // of the way: what follows takes long only where there is much else
+        std::vector<Dicom_Head> heads = Waiting_Heads(files, [&](std::size_t done) {
+            folder.is_cancelled =
+                progress && !progress(heads_part * static_cast<double>(done) / static_cast<double>(file_nb));
+            return !folder.is_cancelled;
+        });
+        heads_share = heads_part;
+        heads.resize(files.size());
+        return heads;
+    }
+
+    void Take_Head(const std::filesystem::path& path, Dicom_Head&& head) {
+        for (const std::string& warning : head.warnings) {
+            folder.problems.push_back({path, warning, true});
+        }
+        const std::int32_t file = File_Add(path, head.image->origin);
+        parts.push_back({std::move(*head.image), file, true, {}});
     }
 
     /** How a file is to be read. */
@@ -292,9 +325,9 @@ class Folder_Reader {
             folder.problems.push_back({path, warning, true});
         }
         const std::int32_t file = File_Add(path, result.image->origin);
-        parts.push_back({std::move(*result.image), file});
+        parts.push_back({std::move(*result.image), file, false, {}});
         for (Dicom_Image& other : result.others) {
-            parts.push_back({std::move(other), file});
+            parts.push_back({std::move(other), file, false, {}});
         }
     }
 
@@ -329,7 +362,8 @@ class Folder_Reader {
     Load_Limits limits;
     std::size_t file_nb = 0;
     std::size_t done_nb = 0;
-    Memory_Share room;  // of all levels
+    double heads_share = 0.0;  // of the way that reading heads was
+    Memory_Share room;         // of all levels
     std::vector<Series_Part> parts;
     std::vector<Folder_Volume> niftis;
 };
@@ -337,7 +371,7 @@ class Folder_Reader {
 }  // namespace
 
 Image_Folder Image_Folder_Open(std::span<const std::filesystem::path> paths, const Load_Progress& progress,
-                               const Load_Limits& limits) noexcept {
+                               const Load_Limits& limits, std::uint64_t whole_most) noexcept {
     Image_Folder result;
     try {
         std::vector<Wanted_File> wanted;
@@ -348,7 +382,7 @@ Image_Folder Image_Folder_Open(std::span<const std::filesystem::path> paths, con
                 wanted.push_back({std::move(file), is_named});
             }
         }
-        Folder_Reader(result, progress, limits).Read(wanted);
+        Folder_Reader(result, progress, limits).Read(wanted, whole_most);
     } catch (...) {
         result.volumes.clear();
         result.files.clear();

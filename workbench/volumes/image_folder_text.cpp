@@ -7,6 +7,18 @@
 
 namespace volumes {
 
+std::vector<Folder_Problem> Problems_Add(std::span<const Folder_Problem> further,
+                                         std::vector<Folder_Problem>& problems) {
+    std::vector<Folder_Problem> added;
+    for (const Folder_Problem& problem : further) {
+        if (std::ranges::find(problems, problem) == problems.end()) {
+            problems.push_back(problem);
+            added.push_back(problem);
+        }
+    }
+    return added;
+}
+
 std::string Image_Folder_Text(const Image_Folder& folder) {
     const auto refused = std::ranges::count(folder.problems, false, &Folder_Problem::is_opened);
     const auto count = [](std::uint64_t number, const char* what) {

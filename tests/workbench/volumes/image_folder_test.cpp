@@ -10,6 +10,7 @@
 
 #include "tests/workbench/volumes/coded_frames.h"
 #include "tests/workbench/volumes/dicom_bytes.h"
+#include "tests/workbench/volumes/listed_by_heads.h"
 #include "tests/workbench/volumes/loading.h"
 #include "workbench/volumes/unfinished_file.h"
 #include "workbench/volumes/volume_statistics.h"
@@ -32,8 +33,13 @@ class Dicom_Folder : public testing::Test {
     }
     Image_Folder Open(const Load_Limits& limits = {}) {
         const std::filesystem::path path = folder.path;
-        return Image_Folder_Open(std::span(&path, 1), {}, limits);
+        Image_Folder opened = Image_Folder_Open(std::span(&path, 1), {}, limits);
+        if (limits.decoded_bytes == Load_Limits().decoded_bytes) {
+            waiting_nb = Expect_Same_By_Heads(path, opened);
+        }
+        return opened;
     }
+    int waiting_nb = 0;  // volumes whose pixels were read afterwards
     /** A slice of 2 x 1 pixels at a depth. */
     static Dicom_Bytes Slice(double depth, std::uint8_t value, int number = 1) {
         Dicom_Bytes bytes;
@@ -71,6 +77,7 @@ TEST_F(Dicom_Folder, orders_the_slices_of_a_series_by_position) {
     EXPECT_THAT(one.file_of_slice, ElementsAre(2, 1, 0));
     EXPECT_EQ(opened.files[2].filename(), "c.dcm");
     EXPECT_EQ(Image_Folder_Text(opened), "1 volume of 3 files");
+    EXPECT_EQ(waiting_nb, 1);
 }
 
 TEST_F(Dicom_Folder, recognises_files_by_what_they_hold_whatever_they_are_called) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/workbench/volumes/listed_by_heads.h"
 #include "tests/workbench/volumes/loading.h"
 #include "workbench/volumes/image_folder.h"
 
@@ -148,6 +149,18 @@ TEST_F(Installed_Dicom, of_nibabel_frames_of_one_file_make_a_volume_if_installed
     EXPECT_EQ(frames->title, "MR 301: MPRAGE_S2");
     EXPECT_EQ(frames->volume.nz, 176);
     EXPECT_THAT(Reasons(), Contains(HasSubstr("csa_slice_norm.dcm: holds no image (MRImageStorage)")));
+}
+
+TEST_F(Installed_Dicom, listed_by_heads_and_read_afterwards_is_the_same_if_installed) {
+    int waiting_nb = 0;
+    for (const char* const folder : {KIT_DICOM_PYTHON3_PYDICOM, KIT_DICOM_OCTAVE_DICOM, KIT_DICOM_PYTHON3_NIBABEL}) {
+        Open(folder);
+        if (IsSkipped()) {
+            return;
+        }
+        waiting_nb += Expect_Same_By_Heads(path, opened);
+    }
+    EXPECT_GE(waiting_nb, 20);
 }
 
 }  // namespace
