@@ -76,6 +76,7 @@ Application_Parts::Application_Parts(const Command_Line& command_line, Main_Wind
                 [this] { histogram.Control().Checked_Take(); },
                 [this](const Quorel_2D* frame) { opener.Frame_Follow(frame); },
                 [this](unsigned __int64 flags) { Ask(flags); }}),
+      levels(work, dialogs, Level_Wires(*this)),
       opener(Opener_Wires(*this, [&user] { user.Deliver(); }), options.labels),
       keyboard(work, variables, dialogs, image.Slices(),
                Keyboard_Wires(*this, [&user](const Command_Call& call) { user.Execute(call); })),

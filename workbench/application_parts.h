@@ -24,6 +24,7 @@
 #include "workbench/parts/keyboard_control.h"
 #include "workbench/parts/label_file_control.h"
 #include "workbench/parts/layout_control.h"
+#include "workbench/parts/level_supply.h"
 #include "workbench/parts/picture_control.h"
 #include "workbench/parts/propagation_control.h"
 #include "workbench/parts/recovery_control.h"
@@ -96,6 +97,7 @@ struct Application_Parts {
     Histogram_Desk histogram;
     Histogram_Counting counting;
     Database_Control database;
+    Level_Supply levels;
     Volume_Opener opener;
     Keyboard_Control keyboard;
     Focus focus;

@@ -225,25 +225,13 @@ std::string Histogram_Desk::Source_Text() const {
     if (!of.work.session.Has_Volume()) {
         return "no frames";
     }
-    std::string source;
     std::vector<int> frames;
-    int volume = -1;
-    const auto volume_end = [&] {
-        if (!frames.empty()) {
-            source += (source.empty() ? "" : "; ") + Frames_Text(frames);
-            source += volume != of.work.volumes.Current() ? " of " + of.work.volumes.Facts(volume).title : "";
-        }
-        frames.clear();
-    };
     for (const Frame_Place& place : of.objects.Selected()) {
-        if (place.volume != volume) {
-            volume_end();
-            volume = place.volume;
+        if (place.volume == of.work.volumes.Current()) {  // the panel counts frames of what the window shows
+            frames.push_back(place.slice + 1);
         }
-        frames.push_back(place.slice + 1);
     }
-    volume_end();
-    source = source.empty() ? "no frames" : source;
+    const std::string source = frames.empty() ? "no frames" : Frames_Text(frames);
     return source + control.Pixels_Text(of.variables.Tag_Cur());
 }
 
@@ -290,6 +278,7 @@ std::string Histogram_Desk::Numbers_Text() const {
     if (of.panel.data == nullptr || !of.panel.data->Has_Counts()) {
         switch (of.objects.Counting()) {
             case Counting_State::Coming:
+            case Counting_State::Waiting:
                 return "The histogram is still being counted";
             case Counting_State::Failed:
                 return "The histogram was not counted for want of memory";

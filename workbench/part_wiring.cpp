@@ -10,6 +10,7 @@
 
 #include "workbench/application_parts.h"
 #include "workbench/crash_report.h"
+#include "workbench/model/image_memory.h"
 #include "workbench/progress_window.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/wide_text.h"
@@ -35,6 +36,12 @@ volumes::Picture Letters_Drawn(const std::wstring& text, HFONT font) {
     const std::size_t size = static_cast<std::size_t>(drawn.Width()) * static_cast<std::size_t>(drawn.Height());
     letters.pixels.assign(drawn.Pixels(), drawn.Pixels() + size);
     return letters;
+}
+
+std::uint64_t Machine_Memory() {
+    MEMORYSTATUSEX status = {};
+    status.dwLength = sizeof status;
+    return ::GlobalMemoryStatusEx(&status) != 0 ? status.ullTotalPhys : 0;
 }
 
 /** "Slice 91 / 181" and further lines become "Slice 91". */
@@ -196,6 +203,20 @@ Picture_Host Picture_Wires(Application_Parts& parts) {
     };
     host.tell = [&parts](const std::string& text) { parts.dialogs.Tell(text); };
     host.warn = [&parts](const std::string& text) { parts.dialogs.Warn(text); };
+    return host;
+}
+
+Level_Supply_Host Level_Wires(Application_Parts& parts) {
+    Level_Supply_Host host;
+    host.memory_most = [&parts] { return Image_Memory_Of(parts.settings.Now().image_memory, Machine_Memory()); };
+    host.problems_note = [&parts](std::span<const volumes::Folder_Problem> problems) {
+        return parts.opener.Read_Warnings_Add(problems);
+    };
+    host.came = [&parts](int volume) {
+        parts.objects.Levels_Came(volume, parts.work.volumes.Session_Of(volume, parts.work.session));
+    };
+    host.counting_cancel = [&parts] { parts.counting.Cancel(); };
+    host.gone = [&parts](int volume) { parts.objects.Levels_Gone(volume); };
     return host;
 }
 

@@ -7,6 +7,7 @@
 #include "workbench/parts/history_control.h"
 #include "workbench/parts/label_file_control.h"
 #include "workbench/parts/layout_control.h"
+#include "workbench/parts/level_supply.h"
 #include "workbench/parts/picture_control.h"
 #include "workbench/parts/propagation_control.h"
 #include "workbench/parts/recovery_control.h"
@@ -31,6 +32,7 @@ Propagation_Host Propagation_Wires(Application_Parts& parts, std::function<void(
 History_Host History_Wires(Application_Parts& parts);
 Label_File_Host Label_File_Wires(Application_Parts& parts);
 Picture_Host Picture_Wires(Application_Parts& parts);
+Level_Supply_Host Level_Wires(Application_Parts& parts);
 /** @param on_timer called when a look is due, with nothing but what is global */
 Recovery_Host Recovery_Wires(Application_Parts& parts, TIMERPROC on_timer);
 /** @param on_timer as above */

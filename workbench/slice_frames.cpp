@@ -43,6 +43,9 @@ int Slice_Frame::Sample(const float* position, const int* slice_index) const {
     if (!is_inside) {
         return SAMPLE_OUTSIDE;
     }
+    if (voxels.empty()) {
+        return SAMPLE_OUTSIDE;
+    }
     const auto x = static_cast<std::size_t>(position[0]);
     const auto y = static_cast<std::size_t>(position[1]);
     return voxels[(static_cast<std::size_t>(time) * height + y) * width + x];
@@ -82,12 +85,20 @@ void Slice_Histogram_Build(Slice_Frame& frame, std::int32_t lowest, std::int32_t
     Frame_Histogram_Of(frame, Slice_Levels(frame, room), frame.slope, grid, mask);
 }
 
-std::unique_ptr<Slice_Frame> Slice_Frame_Make(const volumes::Volume& image, int slice, int times) {
+void Slice_Frame_Fill(Slice_Frame& frame, const volumes::Volume& image, int slice, int times) {
     const Panel_Scale scale = Panel_Scale_Of(image);
     const std::size_t nb = image.Index(0, 0, 1) * static_cast<std::size_t>(times);
-    return std::make_unique<Slice_Frame>(image.levels.View().subspan(image.Index(0, 0, slice), nb), image.nx, image.ny,
-                                         times, static_cast<float>(scale.To_Panel(image.slope)),
-                                         static_cast<float>(scale.To_Panel(image.intercept)), image.color);
+    frame.Voxels_Set(image.levels.empty() ? volumes::Level_View()
+                                          : image.levels.View().subspan(image.Index(0, 0, slice), nb));
+    frame.slope = static_cast<float>(scale.To_Panel(image.slope));
+    frame.intercept = static_cast<float>(scale.To_Panel(image.intercept));
+}
+
+std::unique_ptr<Slice_Frame> Slice_Frame_Make(const volumes::Volume& image, int slice, int times) {
+    auto frame =
+        std::make_unique<Slice_Frame>(volumes::Level_View(), image.nx, image.ny, times, 1.0F, 0.0F, image.color);
+    Slice_Frame_Fill(*frame, image, slice, times);
+    return frame;
 }
 
 Slices_To_Count Slices_To_Count_Of(const volumes::Volume& image) {

@@ -13,11 +13,14 @@ namespace workbench {
 /** A frame over levels of either width, without a copy of them: its member `levels` is null. */
 class Slice_Frame : public Level_Frame {
   public:
-    /** @param voxels width x height x times levels, which must outlive the frame; for the rest see Level_Frame */
+    /** @param voxels width x height x times levels, which must outlive the frame, or none; for the rest see Level_Frame
+     */
     Slice_Frame(const volumes::Level_View& voxels, int frame_width, int frame_height, int frame_times,
                 float frame_slope, float frame_intercept, bool packed_color);
     int Sample(const float* position, const int* slice_index) const override;
     const volumes::Level_View& Voxels() const { return voxels; }
+    /** Other levels in their place, or none any more: then every sample is outside. */
+    void Voxels_Set(const volumes::Level_View& other) { voxels = other; }
 
   private:
     volumes::Level_View voxels;
@@ -41,8 +44,10 @@ Histo_Grid Slice_Grid(std::int32_t lowest, std::int32_t highest, float slope, fl
  *  @param mask a byte per pixel, null: all count @throw std::bad_alloc the frame has the histogram that it had */
 void Slice_Histogram_Build(Slice_Frame& frame, std::int32_t lowest, std::int32_t highest, const unsigned char* mask,
                            Level_Room& room);
-/** The frame of `times` slices from `slice` on, without histogram. Its grey values are in the unit of Panel_Scale_Of.
- */
+/** Levels and scale of `times` slices of a volume from `slice` on; the scale is in the unit of Panel_Scale_Of. Of a
+ *  volume without levels there are none. */
+void Slice_Frame_Fill(Slice_Frame& frame, const volumes::Volume& image, int slice, int times);
+/** The frame of `times` slices from `slice` on, filled in, without histogram. */
 std::unique_ptr<Slice_Frame> Slice_Frame_Make(const volumes::Volume& image, int slice, int times);
 
 /** The slices of a volume, to be counted on any thread: no more of the volume is needed than where its levels are. */

@@ -141,6 +141,7 @@ void Tags_Write(Application_Parts& of, Json_Text& out) {
 
 void Volume_Write(Application_Parts& of, Json_Text& out) {
     out.Number("volume_nb", of.work.volumes.Nb());
+    out.Number("read_nb", of.work.volumes.Read_Nb(of.work.session));
     out.Number("volume_cur", of.work.volumes.Current());
     out.Text("volume_title",
              of.work.session.Has_Volume() ? of.work.volumes.Facts(of.work.volumes.Current()).title : "");

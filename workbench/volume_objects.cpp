@@ -135,6 +135,24 @@ void Volume_Objects::Volume_Build(int at, const Volume_Facts& facts, const Sessi
         made.data.push_back(std::move(data));
         made.frames.push_back(std::move(frame));
     }
+    made.counting = session.Has_Levels() ? Counting_State::Coming : Counting_State::Waiting;
+}
+
+void Volume_Objects::Levels_Came(int volume, const Session& session) {
+    Shown_Volume& one = *shown[static_cast<std::size_t>(volume)];
+    for (std::size_t slice = 0; slice < one.data.size(); ++slice) {
+        Slice_Frame_Fill(*one.data[slice], session.Image(), static_cast<int>(slice), 1);
+    }
+    one.counting = Counting_State::Coming;
+}
+
+void Volume_Objects::Levels_Gone(int volume) {
+    Shown_Volume& one = *shown[static_cast<std::size_t>(volume)];
+    for (const auto& frame : one.data) {
+        frame->Voxels_Set({});
+        Frame_Histogram_Free(frame.get());
+    }
+    one.counting = Counting_State::Waiting;
 }
 
 void Volume_Objects::Files_Build(const Open_Volumes& volumes) {
@@ -251,7 +269,7 @@ std::vector<Slices_To_Count> Volume_Objects::Counting_Begin(const Open_Volumes& 
                                                             const Session& current_session) {
     std::vector<Slices_To_Count> wanted(shown.size());
     for (std::size_t at = 0; at < shown.size(); ++at) {
-        if (shown[at]->counting != Counting_State::Done) {
+        if (shown[at]->counting != Counting_State::Done && shown[at]->counting != Counting_State::Waiting) {
             wanted[at] = Slices_To_Count_Of(volumes.Session_Of(static_cast<int>(at), current_session).Image());
             shown[at]->counting = Counting_State::Coming;
         }

@@ -33,7 +33,8 @@ struct Counted_Pixels {
 enum class Counting_State {
     Coming,  ///< being counted, or to be
     Done,
-    Failed,  ///< there was not enough memory; the volume has no histograms
+    Waiting,  ///< the volume's pixels are not read
+    Failed,   ///< there was not enough memory; the volume has no histograms
 };
 
 class Volume_Objects {
@@ -44,11 +45,15 @@ class Volume_Objects {
     Volume_Objects& operator=(const Volume_Objects&) = delete;
 
     /** Makes the objects of all open volumes, without histograms, and names them and their files in the host
-     *  variables. Grey values are told in the unit of Panel_Scale_Of. The sessions' levels must outlive them; the
-     *  current volume is selected. */
+     *  variables. Grey values are told in the unit of Panel_Scale_Of. The sessions' levels must outlive them, or be told
+     *  gone; the current volume is selected. */
     void Build(const Open_Volumes& volumes, const Session& current_session);
+    /** The levels of a volume are there. */
+    void Levels_Came(int volume, const Session& session);
+    /** The levels of a volume are not there any more: nothing of it can be sampled, and it has no histograms. */
+    void Levels_Gone(int volume);
     /** The slices of every volume, in frames of their own, for whoever counts them; none of volumes that have
-     *  histograms. Those of the others are coming now. Throws std::bad_alloc. */
+     *  histograms or no levels. Those of the others are coming now. Throws std::bad_alloc. */
     std::vector<Slices_To_Count> Counting_Begin(const Open_Volumes& volumes, const Session& current_session);
     /** Takes the histograms over that were counted of all pixels. Volumes that were counted in the meantime, perhaps in
      *  another way or in vain, stay so. @param counted of every volume, by Counting_Begin since the last Build */

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "workbench/commands/command_table.h"
-#include "workbench/model/image_memory.h"
 #include "workbench/model/recovery_recorder.h"
 #include "workbench/volumes/message_text.h"
 #include "workbench/volumes/read_facts.h"
@@ -20,12 +19,6 @@ namespace {
 
 constexpr const char* TIMES = " \xC3\x97 ";
 constexpr std::size_t PROBLEMS_SHOWN = 3;  // in the banner; more are only listed
-
-std::uint64_t Machine_Memory() {
-    MEMORYSTATUSEX status = {};
-    status.dwLength = sizeof status;
-    return ::GlobalMemoryStatusEx(&status) != 0 ? status.ullTotalPhys : 0;
-}
 
 std::string Problem_Sentence(const volumes::Folder_Problem& problem) {
     return volumes::File_Name_Text(problem.path) + ' ' + problem.reason + '.';
@@ -39,18 +32,21 @@ void Volume_Opener::Open(std::span<const std::filesystem::path> paths) {
         return;
     }
     volumes::Load_Limits limits;
-    limits.decoded_bytes = Image_Memory_Of(of.settings.image_memory, Machine_Memory());
+    limits.decoded_bytes = of.memory_most();
+    const std::uint64_t whole_most = static_cast<std::uint64_t>(of.settings.whole_folder) << 20U;  // from MiB
     volumes::Image_Folder opened;
     std::vector<volumes::Volume_Statistics> numbers;
     of.dialogs.Run("Loading " + volumes::File_Name_Text(paths.front()), [&](const volumes::Load_Progress& progress) {
-        opened = volumes::Image_Folder_Open(paths, progress, limits);
+        opened = volumes::Image_Folder_Open(paths, progress, limits, whole_most);
         of.report.Time("read");
         for (const volumes::Folder_Volume& one : opened.volumes) {
-            numbers.push_back(volumes::Volume_Statistics_Compute(one.volume, one.tally ? &*one.tally : nullptr));
+            numbers.push_back(one.waiting.empty()
+                                  ? volumes::Volume_Statistics_Compute(one.volume, one.tally ? &*one.tally : nullptr)
+                                  : volumes::Volume_Statistics());
         }
         of.report.Time("statistics");
     });
-    if (opened.is_cancelled) {
+    if (opened.is_cancelled || !of.first_read(opened, numbers)) {
         of.dialogs.Tell("Loading was given up");
         return;
     }
@@ -246,6 +242,10 @@ bool Volume_Opener::Set(int wanted) {
         return false;
     }
     of.settle();
+    const bool was_waiting = of.work.volumes.Is_Waiting(wanted, of.work.session);
+    if (!of.make_ready(wanted)) {
+        return false;
+    }
     of.histogram_leave();
     Volume_View& left = of.work.volumes.View(of.work.volumes.Current());
     left = {of.work.statistics, of.work.grey_window, of.work.slice, of.background(), std::move(left.orientation)};
@@ -253,7 +253,12 @@ bool Volume_Opener::Set(int wanted) {
     of.work.volumes.Switch(wanted, of.work.session);
     Adopt();
     of.work.hub.Note(Change::Volume);
-    of.dialogs.Tell(Volume_Text());
+    const bool is_counting_lost = of.room_keep();
+    if (was_waiting || is_counting_lost) {
+        of.counting_begin(Volume_Text());
+    } else {
+        of.dialogs.Tell(Volume_Text());
+    }
     return true;
 }
 

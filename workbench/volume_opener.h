@@ -38,6 +38,13 @@ struct Opener_Parts {
      *  @return a problem, for classes_told; may be empty */
     std::function<std::string(Quorel_2D* root, const std::filesystem::path& first)> classes_open;
     std::function<void(const std::string& problem)> classes_told;
+    // Pixels that are read when they are wanted.
+    std::function<bool(volumes::Image_Folder&, std::vector<volumes::Volume_Statistics>&)>
+        first_read;                              ///< false: given up
+    std::function<bool(int volume)> make_ready;  ///< to be shown. @return false: it cannot be
+    std::function<bool()>
+        room_keep;  ///< what is not shown may be freed. @return whether counting was given up for that
+    std::function<std::uint64_t()> memory_most;  ///< bytes of the levels of all volumes
     // The histogram.
     std::function<void(int slice_nb, std::optional<double> background)> histogram_follow;  ///< another volume
     std::function<std::optional<double>()> background;
@@ -77,6 +84,10 @@ class Volume_Opener : public Volume_File_Actions {
     std::string Volume_Text() const;
     /** Files that were left out. */
     long long Not_Opened_Nb() const;
+    /** Oddities of files that are open, found later than they were opened. @return those that were not known */
+    std::vector<volumes::Folder_Problem> Read_Warnings_Add(std::span<const volumes::Folder_Problem> problems) {
+        return volumes::Problems_Add(problems, read_warnings);
+    }
 
     // Their places are kept.
     List_Window& Not_Opened_List() { return not_opened_list; }

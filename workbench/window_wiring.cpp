@@ -147,6 +147,12 @@ Opener_Parts Opener_Wires(Application_Parts& parts, std::function<void()> delive
             [&parts](const std::filesystem::path& file) { parts.label_files.Load(file); },
             [&parts](Quorel_2D* root, const std::filesystem::path& first) { return parts.database.Open(root, first); },
             [&parts](const std::string& problem) { parts.database.Opened_Tell(problem); },
+            [&parts](volumes::Image_Folder& folder, std::vector<volumes::Volume_Statistics>& numbers) {
+                return parts.levels.First_Read(folder, numbers);
+            },
+            [&parts](int volume) { return parts.levels.Make_Ready(volume); },
+            [&parts] { return parts.levels.Room_Keep(); },
+            [&parts] { return parts.levels.Memory_Most(); },
             [&parts](int slice_nb, std::optional<double> background) {
                 parts.histogram.Control().Volume_Follow(slice_nb, background);
             },

@@ -38,6 +38,7 @@ Settings Example() {
     settings.folded = 0b10010;
     settings.is_wheel_turned = true;
     settings.image_memory = 4096;
+    settings.whole_folder = 100;
     settings.archives = {"Radiology|pacs|104|PACS|ME|5|5|30", "B|b|1|B|ME|5|5|30"};
     settings.is_sent_anonymously = true;
     settings.archive_secret = std::string(64, 'a');
@@ -119,13 +120,15 @@ TEST(Settings, a_damaged_line_costs_only_itself) {
     int ignored = 0;
     const Settings settings = Settings_Parse(
         "workbench settings\ntheme purple\nwindow 1 2 3\nwindow 1 2 300 x\nwindow 1 2 0 5\ndatabase_width 99999999999\n"
-        "database_view -1\nfolded_panels 256\nimage_memory -1\nenlarged_wheel_turned 2\ntag_colours yes\ntag_opacity "
+        "database_view -1\nfolded_panels 256\nimage_memory -1\nwhole_folder -1\nenlarged_wheel_turned 2\ntag_colours "
+        "yes\ntag_opacity "
         "101\nthree_planes "
         "2\nnonsense\nrecent "
         "\n\r\ndatabase 1\r\ntheme light\n",
         &ignored);
-    EXPECT_EQ(ignored, 14);
+    EXPECT_EQ(ignored, 15);
     EXPECT_EQ(settings.image_memory, 0);
+    EXPECT_EQ(settings.whole_folder, 256);
     EXPECT_FALSE(settings.is_wheel_turned);
     EXPECT_TRUE(settings.is_database_shown);
     EXPECT_TRUE(settings.is_light);

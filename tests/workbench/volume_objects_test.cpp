@@ -414,4 +414,45 @@ TEST_F(Volume_Objects_Test, nothing_is_left_in_the_variables_when_all_is_closed)
     EXPECT_EQ(Fct_Variable_Value("$DB_2D_ROOT_PT", nullptr, nullptr, nullptr), nullptr);
 }
 
+TEST_F(Volume_Objects_Test, pixels_that_are_not_read_are_outside_and_not_counted) {
+    Image_Folder folder;
+    folder.files = {"a.dcm", "b.dcm"};
+    folder.volumes.push_back(Opened("a", 2, {0, 0}));
+    folder.volumes.push_back(Opened("b", 1, {1}));
+    Volume levels = Image(1);
+    folder.volumes[1].volume.levels = {};
+    folder.volumes[1].volume.level_max = 0;
+    folder.volumes[1].waiting.resize(1);
+    Build(std::move(folder));
+    volumes.Switch(1, session);
+    objects.Current_Set(1);
+    Level_Frame* const frame = static_cast<Level_Frame*>(objects.Frame(0)->frame);
+    const float corner[] = {1.0F, 0.0F};
+    EXPECT_EQ(frame->Sample(corner, nullptr), LEVEL_OUTSIDE);
+    EXPECT_EQ(objects.Counting(), Counting_State::Waiting);
+    EXPECT_EQ(objects.Counting_Begin(volumes, session)[1].frames.size(), 0U);
+    EXPECT_EQ(frame->histogram, nullptr);
+
+    levels.slope = 2.0;
+    volumes.Levels_Take(1, std::move(levels), {}, session);
+    objects.Levels_Came(1, session);
+    EXPECT_EQ(objects.Counting(), Counting_State::Coming);
+    EXPECT_EQ(frame->Sample(corner, nullptr), 1);
+    EXPECT_EQ(frame->slope, 2.0F);
+    std::vector<Slices_To_Count> counted = objects.Counting_Begin(volumes, session);
+    ASSERT_EQ(counted[1].frames.size(), 1U);
+    ASSERT_TRUE(Slices_Count(counted));
+    objects.Counts_Take(std::move(counted));
+    EXPECT_EQ(objects.Counting(), Counting_State::Done);
+    EXPECT_NE(frame->histogram, nullptr);
+
+    volumes.Switch(0, session);
+    objects.Current_Set(0);
+    volumes.Levels_Leave(1);
+    objects.Levels_Gone(1);
+    EXPECT_EQ(frame->Sample(corner, nullptr), LEVEL_OUTSIDE);
+    EXPECT_EQ(frame->histogram, nullptr);
+    EXPECT_EQ(objects.Counting(), Counting_State::Done) << "the other volume's are there";
+}
+
 }  // namespace

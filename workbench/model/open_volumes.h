@@ -14,6 +14,7 @@
 #include "workbench/model/slice_render.h"
 #include "workbench/volumes/image_folder.h"
 #include "workbench/volumes/volume_statistics.h"
+#include "workbench/volumes/waiting_levels.h"
 
 namespace workbench {
 
@@ -40,9 +41,11 @@ struct Volume_View {
  */
 class Open_Volumes {
   public:
-    /** Takes over what was opened, at least one volume. All former volumes go, and what was done to them. The one
-     *  with most slices that is no scout becomes the current one, at its middle, in the first window of its file.
-     *  @param statistics of every volume @throw std::bad_alloc: no volume is open then */
+    /** What people have opened a folder for, of the volumes in it, at least one: no scout, and most slices. */
+    static std::size_t First_Of(const volumes::Image_Folder& folder);
+    /** Takes over what was opened, at least one volume. All former volumes go, and what was done to them. First_Of
+     *  becomes the current one, at its middle, in the first window of its file.
+     *  @param statistics of every volume that has levels @throw std::bad_alloc: no volume is open then */
     void Take(volumes::Image_Folder&& folder, std::vector<volumes::Volume_Statistics>&& statistics,
               Session& current_session);
     void Clear(Session& current_session);
@@ -68,6 +71,22 @@ class Open_Volumes {
 
     /** Makes another one the current one, but see Label_Attributes::Switch. Levels stay where they are in memory. */
     void Switch(int wanted, Session& current_session);
+
+    /** Whether a volume's pixels are still to be read. */
+    bool Is_Waiting(int volume, const Session& current_session) const;
+    /** Volumes whose pixels are there. */
+    int Read_Nb(const Session& current_session) const;
+    /** Where they are to be read from; only of a volume that waits. */
+    volumes::Waiting_Levels Wanted_Levels(int volume, const Session& current_session) const;
+    /** Takes over pixels that were read. The first time the volume is shown in the first window of its file.
+     *  @throw std::bad_alloc: the volume still waits */
+    void Levels_Take(int volume, volumes::Volume&& read, const volumes::Volume_Statistics& statistics,
+                     Session& current_session);
+    /** Volumes to be freed so that the levels of all take no more than so many bytes, as far as that is possible:
+     *  longest not looked at first; never the current one, one with unsaved work, or one that cannot be read again. */
+    std::vector<int> To_Leave(std::uint64_t bytes, const Session& current_session) const;
+    /** Frees the levels of a volume that To_Leave names; the work on it stays. */
+    void Levels_Leave(int volume) { volumes[static_cast<std::size_t>(volume)].session.Levels_Leave(); }
     /** Volumes with work that is not saved. */
     std::vector<int> Unsaved(const Session& current_session) const;
 
@@ -77,11 +96,17 @@ class Open_Volumes {
         Volume_View view;
         Session session;  // without volume for the current one
         std::shared_ptr<const Label_State> labels;
+        std::vector<volumes::Slice_Identity> slices;  // where pixels can be read again, else empty
+        bool was_shown = false;                       // its levels have been there
+        std::uint64_t used = 0;                       // grows with each time that a volume is shown
     };
+    Session& Own_Session(int volume, Session& current_session);
+
     std::vector<Entry> volumes;
     std::vector<std::filesystem::path> files;
     std::vector<volumes::File_Origin> origins;
     int current = -1;
+    std::uint64_t last_used = 0;
 };
 
 }  // namespace workbench

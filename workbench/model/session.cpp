@@ -25,18 +25,18 @@ void Levels_Turn(volumes::Volume& volume, const Display_Order& order) {
 }  // namespace
 
 volumes::Level_View Session::Levels(int slice) const {
-    if (!volume || slice < 0 || slice >= volume->nz) {
+    if (!Has_Levels() || slice < 0 || slice >= volume->nz) {
         return {};
     }
     return volume->levels.View().subspan(volume->Index(0, 0, slice), labels.Slice_Size());
 }
 
 volumes::Level_View Session::Plain_Levels() const {
-    return volume && !volume->color ? volume->levels.View().first(volume->Voxel_Nb_3D()) : volumes::Level_View();
+    return Has_Levels() && !volume->color ? volume->levels.View().first(volume->Voxel_Nb_3D()) : volumes::Level_View();
 }
 
 float Session::Grey(int x, int y, int slice) const {
-    if (!volume || x < 0 || x >= volume->nx || y < 0 || y >= volume->ny || slice < 0 || slice >= volume->nz) {
+    if (!Has_Levels() || x < 0 || x >= volume->nx || y < 0 || y >= volume->ny || slice < 0 || slice >= volume->nz) {
         return 0.0F;
     }
     return volume->grey(volume->levels[volume->Index(x, y, slice)]);
@@ -51,7 +51,9 @@ void Session::Take(volumes::Volume&& loaded, const std::filesystem::path& loaded
     stroke.reset();
     volume.reset();
     labels = Label_Map();
-    labels = Label_Map(loaded.nx, loaded.ny, loaded.nz);
+    if (!loaded.levels.empty()) {
+        labels = Label_Map(loaded.nx, loaded.ny, loaded.nz);
+    }
     volume = std::move(loaded);
     order = Display_Order_Of(volume->affine);
     Levels_Turn(*volume, order);
@@ -63,6 +65,18 @@ void Session::Take(volumes::Volume&& loaded, const std::filesystem::path& loaded
     serial = ++last_serial;
     ++change_nb;
     slice_changes.assign(static_cast<std::size_t>(Slice_Nb()), 0);
+}
+
+void Session::Labels_Make() {
+    if (labels.Slice_Nb() == 0) {
+        labels = Label_Map(Width(), Height(), Slice_Nb());
+    }
+}
+
+void Session::Levels_Take(volumes::Volume&& loaded) {
+    Labels_Make();
+    volume = std::move(loaded);
+    Levels_Turn(*volume, order);
 }
 
 void Session::Touch(const Touched_Slices& touched) {
@@ -77,9 +91,10 @@ void Session::All_Touch() {
 
 bool Session::Take_Up(std::vector<std::uint8_t>&& tags, std::span<const Marker_Description> described,
                       const std::filesystem::path& file, const Label_Stamps& file_stamps) {
-    if (!volume || tags.size() != labels.All().size()) {
+    if (!volume || tags.size() != volume->Voxel_Nb_3D()) {
         return false;
     }
+    Labels_Make();
     Slices_Turn(std::span(tags), volume->nx, volume->ny, order);
     std::ranges::copy(tags, labels.All().begin());
     const Volume_Grid grid = Volume_Grid_Of(*volume);

@@ -75,8 +75,14 @@ class Session {
     File_Voxel To_File(int x, int y, int slice) const;
 
     /** Takes over a loaded volume; all TAGs become background, markers and history go. Names stay.
-     *  @throw std::bad_alloc: there is no volume then */
+     *  @param loaded without levels where these follow @throw std::bad_alloc: there is no volume then */
     void Take(volumes::Volume&& loaded, const std::filesystem::path& loaded_from);
+    /** Whether the voxels have levels. Where they have not, none is shown or worked on, but labels can be taken up. */
+    bool Has_Levels() const { return volume && !volume->levels.empty(); }
+    /** Takes over the same volume with levels; the work on it stays. @throw std::bad_alloc: nothing is changed */
+    void Levels_Take(volumes::Volume&& loaded);
+    /** Frees the levels; the work stays. */
+    void Levels_Leave() { volume->levels = {}; }
 
     const Label_Map& Labels() const { return labels; }
     /** Writes a label volume that lies on the image, and beside it what describes the labels. Only when both are
@@ -178,6 +184,8 @@ class Session {
     const Undo_Journal& Journal() const { return journal; }
 
   private:
+    /** Makes room for TAGs, where it is not there yet. */
+    void Labels_Make();
     Stroke_Ground Ground();
     /** How labels lie on the image when the user has so chosen. */
     Grid_Match Labels_Match(const volumes::Volume& loaded, Grid_Choice choice) const;

@@ -160,6 +160,9 @@ bool Take_Line(std::string_view name, std::string_view value, Settings& settings
     if (name == "image_memory") {
         return Take_Number(value, 0, IMAGE_MEMORY_MAX, settings.image_memory);
     }
+    if (name == "whole_folder") {
+        return Take_Number(value, 0, IMAGE_MEMORY_MAX, settings.whole_folder);
+    }
     if (name == "archive" && Is_Path(value) && settings.archives.size() < ARCHIVE_MAX) {
         settings.archives.emplace_back(value);
         return true;
@@ -243,6 +246,7 @@ std::string Settings_Text(const Settings& settings) {
     line("folded_panels", std::to_string(settings.folded));
     flag("enlarged_wheel_turned", settings.is_wheel_turned);
     line("image_memory", std::to_string(settings.image_memory));
+    line("whole_folder", std::to_string(settings.whole_folder));
     for (const std::string& one : settings.archives) {
         line("archive", one);
     }

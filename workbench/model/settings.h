@@ -44,6 +44,7 @@ struct Settings {
     unsigned int folded = 0;            ///< bit per panel of the tool area, the first one lowest
     bool is_wheel_turned = false;       ///< of the enlarged histogram: forward narrows
     int image_memory = 0;               ///< MiB, of the levels of all open images; 0: a part of the machine's memory
+    int whole_folder = 256;             ///< MiB of files, up to which all pixels of a folder are read at once
     std::vector<std::string> archives;  ///< one line each, whatever is in it
     bool is_sent_anonymously = false;   ///< what was chosen last
     std::string archive_secret;         ///< of this installation, for what is sent anonymously; empty: none yet
