@@ -46,7 +46,7 @@ Progress_Window::~Progress_Window() {
     if (Handle() != nullptr && Is_Shown()) {
         ::EnableWindow(owner, TRUE);  // before this window goes, or another program's window would come to the front
         ::SetForegroundWindow(owner);
-        ::SetFocus(owner);
+        ::SetFocus(::IsWindow(had_keys) != 0 ? had_keys : owner);
     }
 }
 
@@ -57,6 +57,7 @@ bool Progress_Window::Step(double done, const std::wstring& text) {
         if (::GetTickCount() - start < PATIENCE) {
             return true;  // nobody is answered yet, so nothing can happen beside the action
         }
+        had_keys = ::GetFocus();
         ::EnableWindow(owner, FALSE);
         ::ShowWindow(Handle(), SW_SHOW);
     }

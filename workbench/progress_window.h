@@ -9,7 +9,7 @@
 namespace workbench {
 
 /** Appears only when the action takes a while; from then on its owner takes no input. Until then the program answers
- *  nothing. */
+ *  nothing. Keys go on afterwards to where they went before. */
 class Progress_Window : public Window_Base {
   public:
     Progress_Window(const Look& shared_look, HWND owner, const std::wstring& what);
@@ -27,6 +27,7 @@ class Progress_Window : public Window_Base {
 
     const Look& look;
     HWND owner;
+    HWND had_keys = nullptr;  // before the window appeared
     std::wstring what;
     std::wstring detail;
     double share = 0.0;

@@ -133,9 +133,25 @@ Object_Owner Owner_Of(DcmItem& data_set) {
 
 namespace {
 
-/** Reads meta information and the data set before `stop`. @return whether there is more behind what was read */
-bool Read_Before(const DcmTagKey& stop, std::span<const std::uint8_t> bytes, std::uint64_t most, DcmFileFormat& file,
-                 Data_Set_Source& source) {
+/** Whether the last bytes are what stands before the value of pixels, in either byte order. */
+bool Is_Pixel_Head(std::span<const std::uint8_t> bytes, bool is_explicit) {
+    constexpr std::array<std::uint8_t, 2> group = {0xE0, 0x7F};
+    constexpr std::size_t form_at = 4;
+    const std::size_t size = is_explicit ? 12 : 8;  // tag, form and length, or tag and length
+    if (bytes.size() < size) {
+        return false;
+    }
+    const std::span head = bytes.last(size);
+    const std::string_view form(reinterpret_cast<const char*>(head.data()) + form_at, 2);
+    // With such a form it cannot be four bytes of another element and a shorter head.
+    return ((head[0] == group[0] && head[1] == group[1]) || (head[0] == group[1] && head[1] == group[0])) &&
+           (!is_explicit || form == "OB" || form == "OW" || form == "OF" || form == "OD" || form == "UN");
+}
+
+/** Reads meta information and the data set before `stop`, or before what stands out of order.
+ *  @return what was read, with tag and length of what follows */
+std::span<const std::uint8_t> Read_Before(const DcmTagKey& stop, std::span<const std::uint8_t> bytes,
+                                          std::uint64_t most, DcmFileFormat& file, Data_Set_Source& source) {
     Toolkit_Prepare();
     if (!Dicom_Has_Mark(bytes) && Dicom_Has_Meta(bytes)) {
         source.warnings.emplace_back("has a damaged mark at its beginning");
@@ -177,7 +193,7 @@ bool Read_Before(const DcmTagKey& stop, std::span<const std::uint8_t> bytes, std
     if (source.syntax_name.empty()) {
         source.syntax_name = DcmXfer(data_set->getOriginalXfer()).getXferName();
     }
-    return static_cast<std::size_t>(stream.tell()) < bytes.size();
+    return bytes.first(std::min(static_cast<std::size_t>(stream.tell()), bytes.size()));
 }
 
 }  // namespace
@@ -189,7 +205,8 @@ void Data_Set_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmF
 
 bool Data_Set_Head_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmFileFormat& file,
                         Data_Set_Source& source) {
-    return Read_Before(DCM_FloatPixelData, bytes, most, file, source);
+    const std::span read = Read_Before(DCM_FloatPixelData, bytes, most, file, source);
+    return Is_Pixel_Head(read, DcmXfer(file.getDataset()->getOriginalXfer()).isExplicitVR());
 }
 
 }  // namespace volumes

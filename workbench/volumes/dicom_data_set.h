@@ -43,7 +43,8 @@ void Data_Set_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmF
 
 /** The same of what stands before the pixels.
  *  @param bytes the file, or its beginning
- *  @return false: all bytes were taken, so that a beginning may have been too short */
+ *  @return false: no pixels follow in these bytes, so that a beginning may have been too short, or elements stand out
+ *  of their order */
 bool Data_Set_Head_Read(std::span<const std::uint8_t> bytes, std::uint64_t most, DcmFileFormat& file,
                         Data_Set_Source& source);
 

@@ -327,8 +327,10 @@ void Level_Builder::Finish(double file_slope, double file_intercept, Volume& vol
 std::vector<std::string> Values_Outside_Texts(const Volume& volume) {
     std::vector<std::string> texts;
     if (volume.nonfinite_nb > 0) {
-        texts.push_back("has " + Count_Text(volume.nonfinite_nb) +
-                        " voxels that are no number; they are shown black and count nowhere");
+        texts.push_back(volume.nonfinite_nb == 1
+                            ? "has 1 voxel that is no number; it is shown black and counts nowhere"
+                            : "has " + Count_Text(volume.nonfinite_nb) +
+                                  " voxels that are no number; they are shown black and count nowhere");
     }
     if (volume.outlier_nb > 0) {
         const bool is_one = volume.outlier_lowest == volume.outlier_highest;

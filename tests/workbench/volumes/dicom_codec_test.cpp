@@ -320,7 +320,8 @@ TEST(Dicom_Codec, floating_point_padding_is_outside_and_no_number_is_told) {
     EXPECT_THAT(Greys_Of(padded.image->volume), ElementsAre(3.0, std::numeric_limits<double>::infinity(), 4.0, 5.0));
     EXPECT_THAT(padded.warnings, IsEmpty());
     bytes.Raw(TAG_FLOAT_PIXELS, "OF", Reals<float>({3.0F, -1000.0F, NAN, 5.0F}));
-    EXPECT_THAT(Read(bytes).warnings, Contains(HasSubstr("1 voxels that are no number")));
+    EXPECT_THAT(Read(bytes).warnings,
+                Contains(HasSubstr("has 1 voxel that is no number; it is shown black and counts nowhere")));
 }
 
 TEST(Dicom_Codec, floating_point_padding_is_taken_to_its_last_bit) {

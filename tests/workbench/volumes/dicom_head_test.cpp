@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "tests/workbench/volumes/coded_frames.h"
 #include "tests/workbench/volumes/dicom_bytes.h"
 #include "tests/workbench/volumes/loading.h"
@@ -93,6 +96,15 @@ TEST_F(Dicom_Heads, leave_to_the_whole_file_what_is_not_one_plain_picture) {
     EXPECT_FALSE(Dicom_Head_Read(folder / "absent", room).image);
     EXPECT_FALSE(Read(Gzip(Slice().File())).image);
     EXPECT_FALSE(Read(Slice().Remove(TAG_ROWS).File()).image);
+    EXPECT_FALSE(Read(Slice().Remove(TAG_PIXELS).File()).image);
+    // An element of a high number before the place: what stands behind it would be missed.
+    Bytes disordered = Slice().File();
+    const std::vector<std::uint8_t> place = {0x20, 0x00, 0x32, 0x00};
+    const auto at = std::search(disordered.begin(), disordered.end(), place.begin(), place.end());
+    const std::vector<std::uint8_t> high = {0x00, 0x90, 0x10, 0x10, 'L', 'O', 2, 0, 'x', ' '};
+    disordered.insert(at, high.begin(), high.end());
+    ASSERT_TRUE(Dicom_Read(disordered).image);
+    EXPECT_FALSE(Read(disordered).image);
     EXPECT_FALSE(Read(Slice().Text(TAG_FRAMES, "IS", "2").File()).image);
     EXPECT_FALSE(Read(Slice().Text(TAG_FRAMES, "IS", "2000000000").File()).image);
     EXPECT_FALSE(

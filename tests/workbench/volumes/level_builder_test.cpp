@@ -129,7 +129,7 @@ TEST(Level_Builder, a_mark_for_no_value_takes_nothing_from_the_others) {
     EXPECT_NEAR(of_real.grey(of_real.levels[3]), 1.5, of_real.max_error + 1e-6);
     EXPECT_EQ(of_real.levels[1], LEVEL_OUTSIDE);
     EXPECT_THAT(Values_Outside_Texts(of_real),
-                ElementsAre("has 1 voxels that are no number; they are shown black and count nowhere",
+                ElementsAre("has 1 voxel that is no number; it is shown black and counts nowhere",
                             "has 2 voxels of -2e+300 to 2e+300, far from all others (1.5 to 7); they are left outside "
                             "the scale, are shown black and count nowhere"));
 }

@@ -134,8 +134,8 @@ def write(witness, random, name, stored, version, order, place, scale=None, pair
     bad = int(numpy.count_nonzero(~numpy.isfinite(stored))) if stored.dtype.kind == "f" else 0
     if bad:
         voxels = os.path.basename(name) if pair else os.path.basename(item)
-        witness.told("%s has %s voxels that are no number; they are shown black and count nowhere" %
-                     (voxels, count_text(bad)))
+        witness.told(f"{voxels} has 1 voxel that is no number; it is shown black and counts nowhere" if bad == 1 else
+                     f"{voxels} has {count_text(bad)} voxels that are no number; they are shown black and count nowhere")
 
 
 def shape_of(random, index):
