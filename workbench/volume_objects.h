@@ -46,7 +46,7 @@ class Volume_Objects {
 
     /** Makes the objects of all open volumes, without histograms, and names them and their files in the host
      *  variables. Grey values are told in the unit of Panel_Scale_Of. The sessions' levels must outlive them, or be
-     * told gone; the current volume is selected. */
+     *  told gone. The current volume is selected. */
     void Build(const Open_Volumes& volumes, const Session& current_session);
     /** The levels of a volume are there. */
     void Levels_Came(int volume, const Session& session);
