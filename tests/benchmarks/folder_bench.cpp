@@ -22,12 +22,12 @@ namespace {
 
 constexpr int SIDE = 128;
 constexpr int SERIES = 40;
-constexpr int ROUNDS = 5;
+constexpr int ROUNDS = 3;
 
 /** Files in the folder; KIT_FOLDER_FILES asks for others than are made for every run. */
 int File_Nb() {
     const char* const wanted = std::getenv("KIT_FOLDER_FILES");
-    return wanted != nullptr ? std::atoi(wanted) : 2000;
+    return wanted != nullptr ? std::atoi(wanted) : 1000;
 }
 
 /** A slice with some ninety elements before its pixels, as scanners write. */
