@@ -32,6 +32,8 @@ std::string Bare_Reason(std::string text, const std::string& name) {
     return text;
 }
 
+constexpr std::size_t TOGETHER_MOST = 64;  // small files that are read side by side
+
 /** Opens files, small ones side by side. */
 class Folder_Reader {
   public:
@@ -54,9 +56,10 @@ class Folder_Reader {
                 ++at;
                 continue;
             }
-            const auto next = std::find_if(heads.begin() + static_cast<std::ptrdiff_t>(at), heads.end(),
-                                           [](const Dicom_Head& head) { return head.image.has_value(); });
-            const auto whole_nb = static_cast<std::size_t>(next - heads.begin()) - at;
+            const std::span ahead = std::span(heads).subspan(at, std::min(taken.size() - at, TOGETHER_MOST));
+            const auto listed =
+                std::ranges::find_if(ahead, [](const Dicom_Head& head) { return head.image.has_value(); });
+            const auto whole_nb = static_cast<std::size_t>(listed - ahead.begin());
             const std::span together = taken.subspan(at, Small_Nb(taken.subspan(at, whole_nb)));
             if (together.size() > 1) {
                 Read_Together(together);
@@ -143,10 +146,9 @@ class Folder_Reader {
     /** Files at the beginning of a list that are read side by side: they are small, so that what is read of all of them
      *  takes little room until it is taken over, and are no volumes by their names. */
     static std::size_t Small_Nb(std::span<const Wanted_File> files) {
-        constexpr std::size_t together_most = 64;
         constexpr std::uintmax_t size_most = std::uintmax_t{4} << 20U;
         std::size_t count = 0;
-        while (count < std::min(files.size(), together_most)) {
+        while (count < std::min(files.size(), TOGETHER_MOST)) {
             std::error_code unknown;
             const std::uintmax_t size = std::filesystem::file_size(files[count].path, unknown);
             const std::string name = File_Name_Text(files[count].path);
