@@ -94,11 +94,8 @@ int Open_Volumes::Read_Nb(const Session& current_session) const {
 
 volumes::Waiting_Levels Open_Volumes::Wanted_Levels(int volume, const Session& current_session) const {
     const Entry& entry = volumes[static_cast<std::size_t>(volume)];
-    volumes::Waiting_Levels wanted{Session_Of(volume, current_session).Image(), {}, entry.slices};
-    for (const std::int32_t file : entry.facts.file_of_slice) {
-        wanted.files.push_back(files[static_cast<std::size_t>(file)]);
-    }
-    return wanted;
+    return volumes::Waiting_Levels_Of(Session_Of(volume, current_session).Image(), entry.facts.file_of_slice, files,
+                                      entry.slices);
 }
 
 void Open_Volumes::Levels_Take(int volume, volumes::Volume&& read, const volumes::Volume_Statistics& statistics,

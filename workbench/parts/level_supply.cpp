@@ -62,11 +62,8 @@ bool Level_Supply::First_Read(volumes::Image_Folder& folder, std::vector<volumes
         if (one.waiting.empty()) {
             return true;
         }
-        volumes::Waiting_Levels wanted{one.volume, {}, one.waiting};
-        for (const std::int32_t file : one.file_of_slice) {
-            wanted.files.push_back(folder.files[static_cast<std::size_t>(file)]);
-        }
-        Read read = Levels_Read(wanted, one.title);
+        Read read = Levels_Read(volumes::Waiting_Levels_Of(one.volume, one.file_of_slice, folder.files, one.waiting),
+                                one.title);
         if (read.result.is_cancelled) {
             return false;
         }

@@ -149,6 +149,16 @@ class Levels_Reader {
 
 }  // namespace
 
+Waiting_Levels Waiting_Levels_Of(const Volume& listed, std::span<const std::int32_t> file_of_slice,
+                                 std::span<const std::filesystem::path> files, std::span<const Slice_Identity> slices) {
+    Waiting_Levels wanted{listed, {}, {slices.begin(), slices.end()}};
+    wanted.files.reserve(file_of_slice.size());
+    for (const std::int32_t file : file_of_slice) {
+        wanted.files.push_back(files[static_cast<std::size_t>(file)]);
+    }
+    return wanted;
+}
+
 Levels_Result Waiting_Levels_Read(const Waiting_Levels& wanted, const Load_Progress& progress,
                                   const Load_Limits& limits) noexcept {
     Levels_Result result;

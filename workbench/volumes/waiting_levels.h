@@ -1,8 +1,10 @@
 /** Pixels that are read when they are wanted: of series that were listed by the heads of their files. */
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -18,6 +20,10 @@ struct Waiting_Levels {
     std::vector<std::filesystem::path> files;  ///< of every slice
     std::vector<Slice_Identity> slices;        ///< Folder_Volume::waiting
 };
+
+/** @param file_of_slice indices into `files`; `slices` has as many */
+Waiting_Levels Waiting_Levels_Of(const Volume& listed, std::span<const std::int32_t> file_of_slice,
+                                 std::span<const std::filesystem::path> files, std::span<const Slice_Identity> slices);
 
 struct Levels_Result {
     std::optional<Volume> volume;          ///< with levels, their scale and range; no value: see error

@@ -11,13 +11,8 @@
 #include "workbench/volumes/image_folder.h"
 #include "workbench/volumes/waiting_levels.h"
 
-/** Where the pixels of a volume are to be read from. */
 inline volumes::Waiting_Levels Waiting_Of(const volumes::Image_Folder& opened, const volumes::Folder_Volume& one) {
-    volumes::Waiting_Levels wanted{one.volume, {}, one.waiting};
-    for (const std::int32_t file : one.file_of_slice) {
-        wanted.files.push_back(opened.files[static_cast<std::size_t>(file)]);
-    }
-    return wanted;
+    return volumes::Waiting_Levels_Of(one.volume, one.file_of_slice, opened.files, one.waiting);
 }
 
 inline void Expect_Same_Volume(const volumes::Folder_Volume& one, const volumes::Folder_Volume& whole) {
