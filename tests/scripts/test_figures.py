@@ -72,6 +72,15 @@ class Figures(unittest.TestCase):
                                       "failed: mingw-debug silent_test: it ended without results",
                                       "failed: mingw-debug gone_test: it could not be started"])
 
+    def test_a_program_without_results_is_told_with_the_last_line_it_wrote(self):
+        self.put("ctest.junit", '<testsuite><testcase name="icons_test" time="1" status="fail"><system-out>'
+                                'Running main()\nunder_wine: icons_test.exe ended with status 5.\n\n</system-out>'
+                                '</testcase></testsuite>')
+        done = subprocess.run([sys.executable, SCRIPT, os.path.join(self.folder, "ctest.junit")], capture_output=True,
+                              text=True, check=False)
+        self.assertIn("icons_test: it ended without results, after 'under_wine: icons_test.exe ended with status 5.'",
+                      done.stdout)
+
     def test_a_run_of_nothing_fails(self):
         self.assertEqual(self.lines([])[0], 1)
 
