@@ -4,6 +4,7 @@ set(CMAKE_BUILD_TYPE Release CACHE STRING "")
 set(CMAKE_C_FLAGS "-fstack-protector-strong -D_FORTIFY_SOURCE=2" CACHE STRING "")
 # Small messages go out at once, instead of waiting for those to come.
 set(CMAKE_CXX_FLAGS "-fstack-protector-strong -D_FORTIFY_SOURCE=2 -DDISABLE_NAGLE_ALGORITHM" CACHE STRING "")
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG" CACHE STRING "")
 set(CMAKE_EXE_LINKER_FLAGS -static CACHE STRING "")
 # dcmnet reads a header of dcmtls even without encryption.
 set(DCMTK_MODULES "ofstd;oflog;dcmdata;dcmimgle;dcmimage;dcmjpeg;dcmjpls;dcmtls;dcmnet" CACHE STRING "")

@@ -3,11 +3,20 @@
 # What an own source file is compiled with: the settings, and the headers that its folder may include.
 function(kit_settings TARGET)
     kit_room_views(${TARGET})
+    if(KIT_UNITY AND NOT CMAKE_CURRENT_SOURCE_DIR MATCHES "^${PROJECT_SOURCE_DIR}/tests")
+        set_target_properties(${TARGET} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${KIT_UNITY_SOURCES})
+    endif()
     target_link_libraries(${TARGET} PRIVATE kit_compiler_settings)
 endfunction()
 
 # What most sources of the application and its readers read of the standard library.
 set(kit_standard_headers <algorithm> <cmath> <filesystem> <functional> <memory> <optional> <span> <string> <utility> <vector>)
+
+# kit_apart(source ...)
+# Sources that no others are compiled together with, where several are compiled as one (KIT_UNITY).
+function(kit_apart)
+    set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()
 
 # kit_precompile(TARGET header ...)
 # Headers that most sources of TARGET read, compiled once for it. They come before each source's own, so these sources

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr const char* SOURCE = KIT_SOURCE_ROOT "/database/tool_db_class.cpp";
+constexpr const char* CLASS_SOURCE = KIT_SOURCE_ROOT "/database/tool_db_class.cpp";
 constexpr unsigned __int64 REDRAW_ALL = 0x3FFF;             ///< every image window, whatever it shows
 constexpr int FLAG_WRITTEN = FLAG_SELECTED | FLAG_CHANGED;  ///< set by selecting
 constexpr int FLAG_OF_ROOT = FLAG_SELECTED | FLAG_PARTLY_SELECTED;
@@ -39,8 +39,8 @@ bool Fill(DB_List& record, typename Classes::Object& object, int level, int pare
         }
     }
     record.object = &object;
-    return DB_List_Text_Copy(&record.title, object.Title_Get(), "title", {SOURCE, __LINE__}) &&
-           DB_List_Text_Copy(&record.name, object.Name_Get(), "name", {SOURCE, __LINE__});
+    return DB_List_Text_Copy(&record.title, object.Title_Get(), "title", {CLASS_SOURCE, __LINE__}) &&
+           DB_List_Text_Copy(&record.name, object.Name_Get(), "name", {CLASS_SOURCE, __LINE__});
 }
 
 template <class Classes>
@@ -51,7 +51,7 @@ unsigned short Create(Tool_DB_Class& view, int* nb, DB_List** list_pt, int level
         return 0;
     }
     const int k = *nb;
-    DB_List* const record = DB_List_Append(nb, list_pt, {SOURCE, __LINE__});
+    DB_List* const record = DB_List_Append(nb, list_pt, {CLASS_SOURCE, __LINE__});
     if (record == nullptr || !Fill<Classes>(*record, *object, level, parent)) {
         return 0;
     }

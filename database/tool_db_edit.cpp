@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr const char* SOURCE = KIT_SOURCE_ROOT "/database/tool_db_edit.cpp";
+constexpr const char* EDIT_SOURCE = KIT_SOURCE_ROOT "/database/tool_db_edit.cpp";
 constexpr const char* MEMORY_ERROR = "line %-4d of %s \nmemory error in new";
 
 constexpr int CHANGED_BITS = 0x50;  // with the group and mask below: this object's structure or name changed
@@ -28,7 +28,6 @@ constexpr unsigned __int64 REDRAW_ALL = 0x3FFF;  // every image window
 constexpr unsigned __int64 REDRAW_ALL_3D = 0x3FFF0000;
 
 constexpr int RENAME_SAVED = 1;
-constexpr int KEY_MASK = 0xFFFF;  // of a key code
 
 // What the image windows are asked for: 3D classes have bits of their own, and hosts tell them apart.
 template <class Classes>
@@ -305,7 +304,7 @@ bool Drop(const Edit_Stage& stage, const std::vector<int>& codes, int record) {
     try {
         moved.reserve(codes.size());
     } catch (const std::bad_alloc&) {
-        Error_Fct(hwnd, MESSAGE_MEMORY, MEMORY_ERROR, __LINE__, SOURCE);
+        Error_Fct(hwnd, MESSAGE_MEMORY, MEMORY_ERROR, __LINE__, EDIT_SOURCE);
         return false;
     }
     for (const int code : codes) {
@@ -428,7 +427,7 @@ int DB_Edit_Click_DB(int mode, Boxs* box, int up_down, int nb, DB_List* list_pt,
     try {
         Press(stage, up_down, hit);
     } catch (const std::bad_alloc&) {
-        Error_Fct(hwnd, MESSAGE_MEMORY, MEMORY_ERROR, __LINE__, SOURCE);  // no drag begins
+        Error_Fct(hwnd, MESSAGE_MEMORY, MEMORY_ERROR, __LINE__, EDIT_SOURCE);  // no drag begins
     }
     return 1;
 }
@@ -436,7 +435,7 @@ int DB_Edit_Click_DB(int mode, Boxs* box, int up_down, int nb, DB_List* list_pt,
 int DB_Edit_Key_DB(int mode, Boxs* box, int key, int nb, DB_List* list_pt, Sliders* horizontal, Sliders* vertical,
                    const Panel_Watch* panel) {
     Error_Fct(hwnd, TRACE_LEVEL, "in DB_Edit_Key_DB(key=0x%08x)", static_cast<unsigned int>(key));
-    if ((key & KEY_MASK) != KEY_DELETE || box->Select(MOUSE_ASK) == 0) {
+    if ((key & DB_KEY_MASK) != KEY_DELETE || box->Select(MOUSE_ASK) == 0) {
         return 0;  // outside the box no node is seen under the pointer
     }
     const Edit_Stage stage = {mode, box, nb, list_pt, horizontal, vertical, panel};

@@ -13,7 +13,6 @@ constexpr COLORREF CONNECTOR_COLOR = 0x808080;  // 0x00BBGGRR
 constexpr COLORREF DRAG_COLOR = 0x808080;       // inverts the high bit of every component: seen on any ground
 constexpr COLORREF LOCKED_COLOR = 255;
 constexpr int STROKE_REACH = 4;  // pixels from a toggle's middle
-constexpr int FONT_HEIGHT = 13;  // pixels; for boxes that name none
 constexpr int MARGIN_LEAST = 2;  // pixels around the name
 constexpr int MARGIN_LEFT_LEAST = 6;
 constexpr int ICON_RIGHT = 28;  // pixels from the node's right edge to the icon's left edge
@@ -52,7 +51,7 @@ struct Editor_Fonts {
     static Editor_Fonts For(const Boxs& box) {
         static Gdi_Font kept_bold;
         static Gdi_Font kept_regular;
-        const int size = box.font_scale > 0 ? box.font_scale : FONT_HEIGHT;
+        const int size = box.font_scale > 0 ? box.font_scale : TREE_FONT_HEIGHT;
         if (!kept_bold) {
             kept_bold = Gdi_Font(Y_Create_Font(box.window, box.font_name, "bold", size));
         }

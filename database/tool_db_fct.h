@@ -5,6 +5,8 @@
 #include "database/tree_rows.h"
 #include "host/kit_widgets.h"
 
+inline constexpr int DB_KEY_MASK = 0xFFFF;  ///< of a key code that a panel is given: the key without what else is held
+
 /** One mouse drag for all database panels, of either mode. Anchor and end outlive it: Shift+click goes on from them. */
 struct DB_Drag {
     bool active = false;

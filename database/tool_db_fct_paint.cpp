@@ -24,7 +24,6 @@ constexpr int CONNECTOR_X = 7;          // in a lead cell
 constexpr int CONNECTOR_BELOW = 2;      // pixels that a connector reaches below its row
 constexpr int BASE_LINE_BELOW = 4;      // pixels from the middle line to the text's base line
 constexpr int ANCHOR_BELOW = 3;         // pixels from the top of the tree to the anchor's middle line
-constexpr int FONT_HEIGHT = 13;         // pixels; for boxes that name none
 constexpr int TAB_EXTRA = 3;            // average character widths
 constexpr std::size_t TEXT_MAX = 8191;  // longest text that the system draws
 
@@ -267,7 +266,7 @@ Gdi_Region Tree_Region(HDC dc, const Boxs& box) {
 Tree_Fonts Tree_Fonts::For(const Boxs& box) {
     static Gdi_Font kept_regular;
     static Gdi_Font kept_bold;
-    const int size = box.font_scale > 0 ? box.font_scale : FONT_HEIGHT;
+    const int size = box.font_scale > 0 ? box.font_scale : TREE_FONT_HEIGHT;
     const auto get = [&](Gdi_Font& kept, const char* style) {
         if (!kept) {
             kept = Gdi_Font(Y_Create_Font(box.window, box.font_name, style, size));

@@ -9,6 +9,8 @@
 #include "database/tree_rows.h"
 #include "host/kit_widgets.h"
 
+inline constexpr int TREE_FONT_HEIGHT = 13;  ///< pixels; for boxes that name none
+
 /** A box without width or height has no pixels. */
 inline bool Has_Pixels(const Boxs& box) {
     return box.width > 0 && box.height > 0;

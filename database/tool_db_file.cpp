@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr const char* SOURCE = KIT_SOURCE_ROOT "/database/tool_db_file.cpp";
+constexpr const char* FILE_SOURCE = KIT_SOURCE_ROOT "/database/tool_db_file.cpp";
 constexpr std::uint32_t FOLDER_COLOR = 0xFFFFFF;
 constexpr unsigned __int64 UPDATE_SELECTION_2D = UPDATE_SELECTION | UPDATE_LEVEL_2D;
 constexpr unsigned __int64 REDRAW_SELECTED = 0x8;       ///< after selecting an object
@@ -141,7 +141,7 @@ class File_Lister {
 
     bool Add_Folder(const char* directory) {
         folder = *nb;
-        DB_List* const record = DB_List_Append(nb, list_pt, {SOURCE, __LINE__});
+        DB_List* const record = DB_List_Append(nb, list_pt, {FILE_SOURCE, __LINE__});
         if (record == nullptr) {
             return false;
         }
@@ -149,12 +149,12 @@ class File_Lister {
         record->level = LEVEL_FOLDER;
         record->color = FOLDER_COLOR;
         record->icon = DB_ICON_DEFAULT;
-        return DB_List_Text_Copy(&record->title, directory, "title", {SOURCE, __LINE__});
+        return DB_List_Text_Copy(&record->title, directory, "title", {FILE_SOURCE, __LINE__});
     }
 
     bool Add_File(File_Record& file, const char* name) {
         file_row = *nb;
-        DB_List* const record = DB_List_Append(nb, list_pt, {SOURCE, __LINE__});
+        DB_List* const record = DB_List_Append(nb, list_pt, {FILE_SOURCE, __LINE__});
         if (record == nullptr) {
             return false;
         }
@@ -166,13 +166,13 @@ class File_Lister {
         record->icon = File_Icon(record->modality);
         record->child_nb = static_cast<std::uint16_t>(file.frame_nb > 0 ? file.frame_nb : 0);
         record->desc_nb = record->child_nb;
-        return DB_List_Text_Copy(&record->title, "File", "title", {SOURCE, __LINE__}) &&
-               DB_List_Text_Copy(&record->name, name, "name", {SOURCE, __LINE__});
+        return DB_List_Text_Copy(&record->title, "File", "title", {FILE_SOURCE, __LINE__}) &&
+               DB_List_Text_Copy(&record->name, name, "name", {FILE_SOURCE, __LINE__});
     }
 
     bool Add_Frames(File_Record& file) {
         for (int j = 0; j < file.frame_nb; ++j) {
-            DB_List* const record = DB_List_Append(nb, list_pt, {SOURCE, __LINE__});
+            DB_List* const record = DB_List_Append(nb, list_pt, {FILE_SOURCE, __LINE__});
             if (record == nullptr) {
                 return false;
             }
@@ -188,8 +188,8 @@ class File_Lister {
             }
             char name[FRAME_NAME_SIZE];
             Frame_Name(frame, j, name);
-            if (!DB_List_Text_Copy(&record->title, "Frame", "title", {SOURCE, __LINE__}) ||
-                !DB_List_Text_Copy(&record->name, name, "name", {SOURCE, __LINE__})) {
+            if (!DB_List_Text_Copy(&record->title, "Frame", "title", {FILE_SOURCE, __LINE__}) ||
+                !DB_List_Text_Copy(&record->name, name, "name", {FILE_SOURCE, __LINE__})) {
                 return false;
             }
             ++(*list_pt)[folder].desc_nb;

@@ -22,7 +22,6 @@ constexpr float VERTICAL_MAXIMUM_AT_FIRST = 100.0F;
 constexpr float HORIZONTAL_MAXIMUM_AT_FIRST = 300.0F;
 constexpr int DRAG_STEP_EDIT = 12;  ///< pixels that a drag in a zone scrolls per motion
 constexpr int DRAG_STEP_BROWSE = 3;
-constexpr int KEY_MASK = 0xFFFF;  ///< of a key code
 
 constexpr const char* WARNING_LINE[] = {
     "Please make sure you know what you are doing!",
@@ -358,7 +357,7 @@ int Tool_DB_List::Scroll(int delta) {
 
 int Tool_DB_List::Keyboard(int key) {
     Error_Fct(hwnd, TRACE_LEVEL, "in Tool_DB_List::Keyboard(key=0x%08x)", static_cast<unsigned int>(key));
-    if ((key & KEY_MASK) == KEY_DELETE && Is_Editor()) {
+    if ((key & DB_KEY_MASK) == KEY_DELETE && Is_Editor()) {
         const std::shared_ptr<DB_Rows> kept = rows;
         const Panel_Watch watch(life);
         DB_Edit_Key_DB(mode, &list_box, key, Nb(), List_Pt(), &horizontal, &vertical, &watch);

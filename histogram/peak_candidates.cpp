@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <limits>
 
-int Zero_Peak_Test(std::span<const float> derivative, int x, int gap, float slope, int& last_zero) {
+int Zero_Peak_Test(std::span<const float> derivative, int x, int gap, float slope, int& zero_before) {
     const auto n = static_cast<int>(derivative.size());
     const auto d = [&](int bin) { return derivative[static_cast<std::size_t>(bin)]; };
     if (!(d(x - 1) > 0.0F && d(x) <= 0.0F)) {
         return 0;
     }
-    const int distance = x - last_zero;
-    last_zero = x;
+    const int distance = x - zero_before;
+    zero_before = x;
     if (!(distance > gap && gap >= 2)) {
         return 0;
     }

@@ -7,9 +7,9 @@
  *  @param derivative the derivative curve; @param x a bin, 1 .. n - 1; @param gap bins on each side that must rise and
  *  fall strictly
  *  @param slope      steepness that at least one bin on each side must exceed
- *  @param last_zero  the last crossing seen; moves to x at every crossing, also when the test fails afterwards
+ *  @param zero_before  the last crossing seen; moves to x at every crossing, also when the test fails afterwards
  *  @return 0: no candidate; otherwise how many bins may be skipped: 1 + the length of the falling side */
-int Zero_Peak_Test(std::span<const float> derivative, int x, int gap, float slope, int& last_zero);
+int Zero_Peak_Test(std::span<const float> derivative, int x, int gap, float slope, int& zero_before);
 
 /** Outcome of the data test. */
 struct Data_Peak {

@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr unsigned char ELEMENT_SIZE = 8;
 /** Bins of a part: half of what a peak reaches, so that little of a part is zero, but enough of them that multiplying
  * takes longer than asking for it. */
 constexpr int PART_BINS_MIN = 128;

@@ -14,9 +14,8 @@
 namespace {
 
 constexpr int MAX_PASSES = 10000;
-constexpr int LINE_RECORD = 48;  // hosts match these two
-constexpr int LINE_CURVE = 280;
-constexpr int TRACE_STEP = 11;
+constexpr int SEGMENT_LINE_RECORD = 48;  // hosts match these two
+constexpr int SEGMENT_LINE_CURVE = 280;
 
 void Trace_Pass(void* /*context*/, int pass, int maxima) {
     Error_Fct(hwnd, TRACE_STEP, "loop:%03d nb peak:%d", pass, maxima);
@@ -38,7 +37,7 @@ Histo_Peak* Peak_Segment_Add(Histo_Data& data, Histo_Peak*& tail, std::int32_t c
                              std::int32_t last) {
     Histo_Peak* peak = Peak_Make(PEAK_SEGMENT, false);
     if (peak == nullptr) {
-        Histo_Report_New(LINE_RECORD, TOOL_HISTO_DERIVATIVE_SOURCE);
+        Histo_Report_New(SEGMENT_LINE_RECORD, TOOL_HISTO_DERIVATIVE_SOURCE);
         return nullptr;
     }
     (*peak->param)[PEAK_CENTRE] = static_cast<double>(centre);
@@ -83,5 +82,5 @@ void Peak_Find_Segments(Histo_Data& data, int n, const double* curve, std::uint8
         Error_Fct(hwnd, TRACE_STEP, "Peak[%d] = %4d %4d/%-4d", j, segment.centre, segment.first, segment.last);
         Peak_Segment_Add(data, tail, segment.centre, segment.first, segment.last);
     }
-    Peak_Curves_Make(data, {LINE_CURVE, TOOL_HISTO_DERIVATIVE_SOURCE});
+    Peak_Curves_Make(data, {SEGMENT_LINE_CURVE, TOOL_HISTO_DERIVATIVE_SOURCE});
 }

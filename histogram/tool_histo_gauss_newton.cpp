@@ -13,21 +13,19 @@
 
 namespace {
 
-constexpr int LINE_RECORD = 69;  // hosts match these two
-constexpr int LINE_CURVE = 321;
-constexpr int TRACE_STEP = 11;
-constexpr unsigned char ELEMENT_SIZE = 8;  // bytes, of vectors
-constexpr int FILTER_HALF = 10;            // bins on each side of the moving mean
-constexpr int ZERO_GAP = 15;               // bins
-constexpr float ZERO_SLOPE = 5.0F;         // counts per bin
-constexpr float ZERO_AMPLITUDE = 1.0F;     // of the filtered value
-constexpr float ZERO_WIDTH = 5.0F;         // bins
-constexpr int DATA_HALF = 15;              // bins
-constexpr float DATA_DROP = 2.0F;          // counts
-constexpr float DATA_AMPLITUDE = 0.25F;    // of the filtered value
-constexpr float DATA_WIDTH = 10.0F;        // bins
-constexpr int DATA_SKIP = 5;               // bins
-constexpr double STOP_CHANGE = 0.1;        // change of the squared error that ends the fit
+constexpr int FIT_LINE_RECORD = 69;  // hosts match these two
+constexpr int FIT_LINE_CURVE = 321;
+constexpr int FILTER_HALF = 10;          // bins on each side of the moving mean
+constexpr int ZERO_GAP = 15;             // bins
+constexpr float ZERO_SLOPE = 5.0F;       // counts per bin
+constexpr float ZERO_AMPLITUDE = 1.0F;   // of the filtered value
+constexpr float ZERO_WIDTH = 5.0F;       // bins
+constexpr int DATA_HALF = 15;            // bins
+constexpr float DATA_DROP = 2.0F;        // counts
+constexpr float DATA_AMPLITUDE = 0.25F;  // of the filtered value
+constexpr float DATA_WIDTH = 10.0F;      // bins
+constexpr int DATA_SKIP = 5;             // bins
+constexpr double STOP_CHANGE = 0.1;      // change of the squared error that ends the fit
 constexpr int ITERATION_MAX = 10;
 constexpr double RUNAWAY = 1000.0;      // times the larger bound
 constexpr float NEIGHBOUR_MIN = 10.0F;  // bins between two centres
@@ -166,7 +164,7 @@ void Start_Sum_Make(Histo_Data& data, std::uint16_t n) {
 Histo_Peak* Peak_Gauss_Add(Histo_Data& data, Histo_Peak*& tail, int x, float amplitude_factor, float width) {
     Histo_Peak* peak = Peak_Make(PEAK_GAUSS, true);
     if (peak == nullptr) {
-        Histo_Report_New(LINE_RECORD, TOOL_HISTO_GAUSS_NEWTON_SOURCE);
+        Histo_Report_New(FIT_LINE_RECORD, TOOL_HISTO_GAUSS_NEWTON_SOURCE);
         return nullptr;
     }
     const double height = data.filtered[x];
@@ -256,6 +254,6 @@ void Peak_Fit_Prepare(Histo_Data& data, int n, const double* curve) {
                   Param(*peak, PEAK_AMPLITUDE), Param(*peak, PEAK_WIDTH));
     }
     if (data.peak_nb != 0) {
-        Peak_Curves_Make(data, {LINE_CURVE, TOOL_HISTO_GAUSS_NEWTON_SOURCE});
+        Peak_Curves_Make(data, {FIT_LINE_CURVE, TOOL_HISTO_GAUSS_NEWTON_SOURCE});
     }
 }

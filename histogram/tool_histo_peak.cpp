@@ -21,8 +21,7 @@ std::int32_t last_zero = 0;
 
 namespace {
 
-constexpr int LINE_CURVE = 96;  // hosts match it
-constexpr unsigned char ELEMENT_SIZE = 8;
+constexpr int PEAK_LINE_CURVE = 96;  // hosts match it
 constexpr int REASON_SIZE = 1024;
 constexpr int TRACE_DELETE = 11;
 constexpr int TRACE_DATA_PEAK = 12;
@@ -98,7 +97,7 @@ double* Peak_Curve(std::uint8_t type, int n, Vector_N& param) {
     }
     auto* curve = new (std::nothrow) double[static_cast<std::size_t>(n > 0 ? n : 0)];
     if (curve == nullptr) {
-        Histo_Report_New(LINE_CURVE, TOOL_HISTO_PEAK_SOURCE);
+        Histo_Report_New(PEAK_LINE_CURVE, TOOL_HISTO_PEAK_SOURCE);
         return nullptr;
     }
     for (int bin = 0; bin < n; ++bin) {

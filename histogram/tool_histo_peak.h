@@ -8,6 +8,9 @@
 
 struct Histo_Data;
 
+inline constexpr unsigned char ELEMENT_SIZE = 8;  ///< bytes, of the host's vectors and matrices
+inline constexpr int TRACE_STEP = 11;             ///< trace level that tells the steps of an analysis
+
 /** A zero-filled record of a type with `param` and, for fits, bounds. @return null without memory */
 Histo_Peak* Peak_Make(std::uint8_t type, bool with_bounds);
 /** Frees a record with its vectors and its curve; it must be out of every list. */

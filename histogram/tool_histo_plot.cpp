@@ -71,15 +71,6 @@ class Plot_DC {
     int top = 0;
 };
 
-Plot_Frame Frame_Of(const Histo_Plot_Scene& scene) {
-    return {scene.area.width,
-            scene.area.height,
-            static_cast<double>(scene.x.start),
-            static_cast<double>(scene.x.end),
-            static_cast<double>(scene.y.start),
-            static_cast<double>(scene.y.end)};
-}
-
 Plot_Grid Grid_Of(const Histo_Record& record) {
     return {record.nb_bins, static_cast<double>(record.origin), static_cast<double>(record.bin_width)};
 }
@@ -390,7 +381,7 @@ int Histo_Plot_Draw(const Tool_Histo& panel, const Histo_Plot_Scene& scene) {
         return 1;
     }
     dc.Device_Units();
-    const Plot_Frame frame = Frame_Of(scene);
+    const Plot_Frame frame = scene.Frame();
     if (frame.Is_Empty()) {
         Draw_Extentless(dc.Get(), scene, {dc.Left(), dc.Top(), dc.Left() + frame.width, dc.Top() + frame.height},
                         *panel.data->record);
@@ -420,7 +411,7 @@ int Histo_Plot_Cursor(Tool_Histo& panel, const Histo_Plot_Scene& scene) {
     pen.Line(marks.cursor);
     marks.cursor = {};
     const Histo_Cursor_Bin marked = Histo_Cursor_Bin_Find(panel);
-    const Plot_Frame frame = Frame_Of(scene);
+    const Plot_Frame frame = scene.Frame();
     if (marked.result != Histo_Cursor_Result::On_Bin || frame.Is_Empty()) {
         return 0;
     }

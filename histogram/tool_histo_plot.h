@@ -2,6 +2,7 @@
 #pragma once
 
 #include "histogram/blow_view.h"
+#include "histogram/plot_columns.h"
 #include "host/kit_widgets.h"
 
 class Tool_Histo;
@@ -18,6 +19,16 @@ struct Histo_Plot_Scene {
     Blow_Range y;          ///< visible pixel counts
     bool tag = false;      ///< shade the TAG ranges
     int peak = HISTO_PEAK_OFF;
+
+    /** The plot area with what it shows. */
+    Plot_Frame Frame() const {
+        return {area.width,
+                area.height,
+                static_cast<double>(x.start),
+                static_cast<double>(x.end),
+                static_cast<double>(y.start),
+                static_cast<double>(y.end)};
+    }
 };
 
 /** Paints everything but the controls and the cursor into the device context of the box's window (or its buffer).

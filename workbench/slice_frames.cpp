@@ -40,10 +40,7 @@ int Slice_Frame::Sample(const float* position, const int* slice_index) const {
     const bool is_inside = position != nullptr && position[0] >= 0.0F && position[0] < static_cast<float>(width) &&
                            position[1] >= 0.0F && position[1] < static_cast<float>(height) && slice == 0 && time >= 0 &&
                            time < times;
-    if (!is_inside) {
-        return SAMPLE_OUTSIDE;
-    }
-    if (voxels.empty()) {
+    if (!is_inside || voxels.empty()) {
         return SAMPLE_OUTSIDE;
     }
     const auto x = static_cast<std::size_t>(position[0]);

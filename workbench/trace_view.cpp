@@ -9,7 +9,7 @@ namespace workbench {
 namespace {
 
 constexpr std::size_t ENTRIES_MAX = 2000;
-constexpr int LINE_HEIGHT = 16;  // pixels at 96 dots per inch
+constexpr int TRACE_LINE = 16;  // pixels at 96 dots per inch
 constexpr int HEADING = 20;
 
 }  // namespace
@@ -33,7 +33,7 @@ void Trace_View::Add(int level, const std::string& text) {
 }
 
 int Trace_View::Lines_In_View() const {
-    return std::max(static_cast<int>(Client().bottom - look.Px(HEADING)) / look.Px(LINE_HEIGHT), 1);
+    return std::max(static_cast<int>(Client().bottom - look.Px(HEADING)) / look.Px(TRACE_LINE), 1);
 }
 
 void Trace_View::Wheel(int delta) {
@@ -77,7 +77,7 @@ void Trace_View::Paint() {
          ++at) {
         const Entry& entry = entries[at];
         line.top = line.bottom;
-        line.bottom += look.Px(LINE_HEIGHT);
+        line.bottom += look.Px(TRACE_LINE);
         RECT level = line;
         level.right = level.left + look.Px(24);
         Draw_Line(dc, level, std::to_wstring(entry.level), look.Fixed(), look.text_grey, DT_LEFT);

@@ -17,7 +17,7 @@ constexpr int LEFT = 16;   // pixels at 96 dots per inch, before a row
 constexpr int RIGHT = 32;  // behind it, for the button that closes
 constexpr int INDENT = 24;
 constexpr int ROW_LEAST = 100;
-constexpr int LINE_HEIGHT = 20;  // pixels at 96 dots per inch
+constexpr int BANNER_LINE = 20;  // pixels at 96 dots per inch
 
 }  // namespace
 
@@ -83,7 +83,7 @@ std::wstring Warning_Banner::Text() const {
 }
 
 int Warning_Banner::Wanted_Height(int width) const {
-    return lines.empty() ? 0 : static_cast<int>(Rows(width).size()) * look.Px(LINE_HEIGHT) + look.Px(14);
+    return lines.empty() ? 0 : static_cast<int>(Rows(width).size()) * look.Px(BANNER_LINE) + look.Px(14);
 }
 
 HFONT Warning_Banner::Font_Of(const Run& run) const {
@@ -126,7 +126,7 @@ void Warning_Banner::Draw_Lines(HDC dc) const {
     area.top += look.Px(7);
     area.right = Close_Box().left - look.Px(6);
     for (const std::vector<Run>& row : Rows(static_cast<int>(Client().right))) {
-        RECT place = {look.Px(LEFT), area.top, area.right, area.top + look.Px(LINE_HEIGHT)};
+        RECT place = {look.Px(LEFT), area.top, area.right, area.top + look.Px(BANNER_LINE)};
         for (const Run& run : row) {
             place.left += run.style == Message_Style::Indented ? look.Px(INDENT) : 0;
             if (place.left < place.right) {

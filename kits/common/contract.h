@@ -5,6 +5,8 @@
  *  "Contract: variable missing: $TAG_NB", and counted. */
 #pragma once
 
+#include <string>
+
 #include "host/kit_common.h"
 
 // Kinds of mistakes, the first part of a report.
@@ -39,5 +41,9 @@ KIT_COMMON_API bool Contract_Checks();
 /** Reports a mistake when the checks are on. @param mistake one of CONTRACT_*; @param subject what it concerns; the
  * pair is reported once */
 KIT_COMMON_API void Contract_Report(const char* mistake, const char* subject);
+/** The same with a subject that is put together. */
+inline void Contract_Report(const char* mistake, const std::string& subject) {
+    Contract_Report(mistake, subject.c_str());
+}
 /** Mistakes reported since the checks were turned on. */
 KIT_COMMON_API int Contract_Report_Nb();

@@ -190,6 +190,24 @@ void Multiply_Ranges(const Matrix_View& left, const Matrix_View& right, const Fi
     }
 }
 
+/** Multiplies what may differ from zero, where that is much less than all. @return false: nothing was done */
+bool Multiply_Filled(const Matrix_View& left, const Matrix_View& right, double* out) {
+    constexpr double worth_skipping = 0.4;  // of all products; Eigen is faster at each
+    const Filling left_filling = Columns_Filled(left);
+    const Filling right_filling = Rows_Filled(right);
+    // Zero times infinity is not zero, so nothing may be left out then.
+    if (!left_filling.is_finite || !right_filling.is_finite) {
+        return false;
+    }
+    const double full =
+        static_cast<double>(left.rows) * static_cast<double>(left.columns) * static_cast<double>(right.columns);
+    if (Work(left_filling, right_filling) >= worth_skipping * full) {
+        return false;
+    }
+    Multiply_Ranges(left, right, left_filling, right_filling, out);
+    return true;
+}
+
 }  // namespace
 
 void Transpose(const double* values, std::size_t rows, std::size_t columns, double* out) {
@@ -229,17 +247,10 @@ bool Multiply(const Matrix_View& left, const Matrix_View& right, double* out) tr
     const Const_Map left_map = Mapped(left);
     const Const_Map right_map = Mapped(right);
     Map product(out, Signed(left.rows), Signed(right.columns));
-    const Filling left_filling = Columns_Filled(left);
-    const Filling right_filling = Rows_Filled(right);
-    // Zero times infinity is not zero, so nothing may be left out then.
-    if (left_filling.is_finite && right_filling.is_finite) {
-        constexpr double worth_skipping = 0.4;  // of all products; Eigen is faster at each
-        const double full =
-            static_cast<double>(left.rows) * static_cast<double>(left.columns) * static_cast<double>(right.columns);
-        if (Work(left_filling, right_filling) < worth_skipping * full) {
-            Multiply_Ranges(left, right, left_filling, right_filling, out);
-            return true;
-        }
+    // Looking for zeros takes as long as a few products of each element, so that narrow matrices are not asked.
+    constexpr std::size_t worth_asking = 24;  // columns of the right one
+    if (right.columns >= worth_asking && Multiply_Filled(left, right, out)) {
+        return true;
     }
     product.noalias() = left_map * right_map;
     return true;

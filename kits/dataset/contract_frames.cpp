@@ -10,10 +10,6 @@
 
 namespace {
 
-void Report(const char* mistake, const std::string& subject) {
-    Contract_Report(mistake, subject.c_str());
-}
-
 std::string Named(const Quorel_2D& object) {
     const char* name = object.Name_Get();
     return name != nullptr && *name != 0 ? std::string("frame ") + name : std::string("a frame");
@@ -39,12 +35,12 @@ struct Extent {
 bool Record_Check(const Quorel_2D& object, const Histo_Record& record) {
     if (record.nb_bins == 0 || !(record.bin_width > 0.0F) || !std::isfinite(record.bin_width) ||
         !std::isfinite(record.origin)) {
-        Report(CONTRACT_HISTOGRAM, Named(object) + " has no bins or no bin width");
+        Contract_Report(CONTRACT_HISTOGRAM, Named(object) + " has no bins or no bin width");
         return false;
     }
     if ((record.flags & HISTO_COLOR) != 0 && (record.counts_red == nullptr || record.counts_green == nullptr ||
                                               record.counts_blue == nullptr || record.counts_component0 == nullptr)) {
-        Report(CONTRACT_HISTOGRAM, Named(object) + " is coloured and lacks counts of a component");
+        Contract_Report(CONTRACT_HISTOGRAM, Named(object) + " is coloured and lacks counts of a component");
     }
     return true;
 }
@@ -69,15 +65,15 @@ void Histograms_Check(Quorel_Window* window) {
     // The panel's own steps.
     if (const float bins = std::trunc((extent.highest - extent.lowest + 1.0F) / extent.finest);
         static_cast<double>(bins) > limit) {
-        Report(CONTRACT_BINS, "$GLI_HISTO_BINS_MAX is " + std::to_string(static_cast<long long>(limit)) +
-                                  ", the bins of the selected frames need " +
-                                  std::to_string(static_cast<long long>(std::min(bins, 1e9F))));
+        Contract_Report(CONTRACT_BINS, "$GLI_HISTO_BINS_MAX is " + std::to_string(static_cast<long long>(limit)) +
+                                           ", the bins of the selected frames need " +
+                                           std::to_string(static_cast<long long>(std::min(bins, 1e9F))));
     }
 }
 
 void Registered_Check(const Quorel_2D& object) {
     if (object.frame != nullptr && object.registered_at < 0) {
-        Report(CONTRACT_FRAME, Named(object) + " is not registered");
+        Contract_Report(CONTRACT_FRAME, Named(object) + " is not registered");
     }
     for (int child = 0; child < object.Child_Get_Nb(); ++child) {
         Registered_Check(*object.Child_Get_Pt(child));
@@ -96,8 +92,8 @@ void Contract_Check_Frames() {
     }
     int nb = 0;
     if (Variable_Array("$FRAME_CUR", VARIABLE_POINTER, &nb) != nullptr && window->Class_B_Get() >= nb) {
-        Report(CONTRACT_FRAME, "window " + std::to_string(window->Class_B_Get()) + " has no place in $FRAME_CUR, of " +
-                                   std::to_string(nb) + " elements");
+        Contract_Report(CONTRACT_FRAME, "window " + std::to_string(window->Class_B_Get()) +
+                                            " has no place in $FRAME_CUR, of " + std::to_string(nb) + " elements");
     }
     if (window->volume != nullptr) {
         Registered_Check(*window->volume);

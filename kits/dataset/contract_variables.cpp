@@ -19,10 +19,6 @@ const Variable* Defined(const char* name) {
     return variable != nullptr && variable->form != Form::Undefined ? variable : nullptr;
 }
 
-void Report(const char* mistake, const std::string& subject) {
-    Contract_Report(mistake, subject.c_str());
-}
-
 long long Count(const char* name) {
     return static_cast<long long>(Variable_Number(name, 0));
 }
@@ -66,12 +62,12 @@ bool Is_Read_As(Variable_Type type, Variable_Type expected) {
 bool Form_Check(const Variable_Rule& rule, const Variable& variable) {
     const std::string name = rule.name;
     if (const Variable_Shape shape = Shape_Of(variable); shape != rule.shape) {
-        Report(CONTRACT_SHAPE, name + " is " + Shape_Text(shape) + ", panels read " + Shape_Text(rule.shape));
+        Contract_Report(CONTRACT_SHAPE, name + " is " + Shape_Text(shape) + ", panels read " + Shape_Text(rule.shape));
         return false;
     }
     if (!Is_Read_As(variable.type, rule.type)) {
-        Report(CONTRACT_TYPE,
-               name + " is " + Variable_Type_Text(variable.type) + ", panels read " + Variable_Type_Text(rule.type));
+        Contract_Report(CONTRACT_TYPE, name + " is " + Variable_Type_Text(variable.type) + ", panels read " +
+                                           Variable_Type_Text(rule.type));
         return false;
     }
     return true;
@@ -81,10 +77,10 @@ void Count_Check(const Variable_Rule& rule) {
     const long long count = Count(rule.name);
     const std::string told = std::string(rule.name) + " is " + std::to_string(count);
     if (rule.most != 0 && count > rule.most) {
-        Report(CONTRACT_COUNT_CAP, told + ", panels show " + std::to_string(rule.most));
+        Contract_Report(CONTRACT_COUNT_CAP, told + ", panels show " + std::to_string(rule.most));
     }
     if (rule.multiple != 0 && count % rule.multiple != 0) {
-        Report(CONTRACT_MULTIPLE, told + ", panels show complete rows of " + std::to_string(rule.multiple));
+        Contract_Report(CONTRACT_MULTIPLE, told + ", panels show complete rows of " + std::to_string(rule.multiple));
     }
 }
 
@@ -92,9 +88,10 @@ void Length_Check(const Variable_Rule& rule, const Variable& array) {
     const bool follows_count = *rule.length == '$';
     const long long least = follows_count ? Count(rule.length) : std::strtol(rule.length, nullptr, 10);
     if (array.nb < least) {
-        Report(CONTRACT_COUNT_CAP, std::string(rule.name) + " has " + std::to_string(array.nb) + " elements, " +
-                                       (follows_count ? std::string(rule.length) + " is " : "panels read ") +
-                                       std::to_string(least));
+        Contract_Report(CONTRACT_COUNT_CAP, std::string(rule.name) + " has " + std::to_string(array.nb) +
+                                                " elements, " +
+                                                (follows_count ? std::string(rule.length) + " is " : "panels read ") +
+                                                std::to_string(least));
     }
 }
 
@@ -123,7 +120,7 @@ void Currents_Check() {
             std::string told = current;
             told.append(" is ").append(std::to_string(Count(current.c_str())));
             told.append(", ").append(count).append(" is ").append(std::to_string(nb));
-            Report(CONTRACT_CURRENT, told);
+            Contract_Report(CONTRACT_CURRENT, told);
         }
     }
 }
@@ -133,7 +130,7 @@ void Name_Check(const Variable& variable) {
     for (const char* family :
          {"$TAG_", "$MARKER_", "$BRUSH_", "$INTERFACE_", "$GLI_", "$HISTO_", "$DB_", "$REGIONAL_"}) {
         if (name.starts_with(family) && Variable_Rule_Find(variable.name) == nullptr) {
-            Report(CONTRACT_UNKNOWN, name);
+            Contract_Report(CONTRACT_UNKNOWN, name);
         }
     }
 }
@@ -152,15 +149,16 @@ void Masks_Check() {
         const std::string told = "$BRUSH_PT element " + std::to_string(brush);
         auto** rows = static_cast<unsigned char**>(masks[brush]);
         if (rows == nullptr) {
-            Report(CONTRACT_MASK, told + " is null");
+            Contract_Report(CONTRACT_MASK, told + " is null");
         } else if (std::any_of(rows, rows + 2 * radius + 1, [](const unsigned char* row) { return row == nullptr; })) {
-            Report(CONTRACT_MASK, told + " has a row that is null");
+            Contract_Report(CONTRACT_MASK, told + " has a row that is null");
         }
         // A brush of size s reaches s - 1 pixels from its centre.
         if (sizes != nullptr && brush < size_nb && sizes[brush] > radius + 1) {
-            Report(CONTRACT_MASK, "brush " + std::to_string(brush) + " of size " + std::to_string(sizes[brush]) +
-                                      " is cut, $BRUSH_RADIUS is " + std::to_string(radius) + " and should be " +
-                                      std::to_string(sizes[brush] - 1));
+            Contract_Report(CONTRACT_MASK, "brush " + std::to_string(brush) + " of size " +
+                                               std::to_string(sizes[brush]) + " is cut, $BRUSH_RADIUS is " +
+                                               std::to_string(radius) + " and should be " +
+                                               std::to_string(sizes[brush] - 1));
         }
     }
 }
@@ -170,14 +168,14 @@ void Files_Check() {
     auto** files = static_cast<void**>(Variable_Array("$DB_2D_FILE_PT", VARIABLE_POINTER, &nb));
     for (int file = 0; file < std::min<long long>(nb, Count("$DB_2D_FILE_NB")); ++file) {
         if (files[file] == nullptr) {
-            Report(CONTRACT_FILE, "$DB_2D_FILE_PT element " + std::to_string(file) + " is null");
+            Contract_Report(CONTRACT_FILE, "$DB_2D_FILE_PT element " + std::to_string(file) + " is null");
         }
     }
     const Variable* folder = Defined("$DEFAULT_FILE_PATH");
     if (folder != nullptr && folder->form == Form::Text && folder->storage.text != nullptr) {
         const std::string path = folder->storage.text;
         if (!path.empty() && path.back() != '/' && path.back() != '\\') {
-            Report(CONTRACT_FOLDER, "$DEFAULT_FILE_PATH is " + path);
+            Contract_Report(CONTRACT_FOLDER, "$DEFAULT_FILE_PATH is " + path);
         }
     }
 }

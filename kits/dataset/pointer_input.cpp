@@ -15,8 +15,6 @@ constexpr int BUTTON_LEFT = 0x10;
 constexpr int BUTTON_MIDDLE = 0x20;
 constexpr int BUTTON_RIGHT = 0x40;
 
-constexpr int TOUCH_POINTS_MAX = 16;
-
 Pointer_System& Source() {
     static Pointer_System source = System_Pointer_System();
     return source;

@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr int TOUCH_POINTS_MAX = 16;
 constexpr float TOUCH_UNITS_PER_PIXEL = 100.0F;
 
 /** Operations that older systems lack. */

@@ -82,9 +82,7 @@ void Boxs::Draw() {
         return;
     }
     Count_Draw();
-    if ((style & STYLE_FILLED) != 0) {
-        painter.Picture().Fill(painter.Area(), Rgb_Of(color));
-    } else {
+    if ((style & STYLE_FILLED) == 0 || painter.Fill_Below(Rgb_Of(color))) {
         Show_Marks(painter, *this);
     }
     Draw_Marks(painter, *this);

@@ -3,7 +3,7 @@
 #include "kits/widgets/shown_widgets_note.h"
 
 namespace {
-constexpr int TEXT_MARGIN = 3;    // pixels left of the text
+constexpr int LABEL_MARGIN = 3;   // pixels left of the text
 constexpr int GREY_PERCENT = 50;  // of the panel's colour in an inactive label
 }  // namespace
 
@@ -26,8 +26,8 @@ void Labels::Draw() {
     const Rgb text = inactive ? Mix(Contrast_Color(ground), ground, GREY_PERCENT) : Contrast_Color(ground);
     painter.Picture().Fill(painter.Area(), ground);
     Rect room = painter.Area();
-    room.left += TEXT_MARGIN;
-    room.width -= 2 * TEXT_MARGIN;
+    room.left += LABEL_MARGIN;
+    room.width -= 2 * LABEL_MARGIN;
     Draw_Caption(painter.Picture(), room, *this, name, text, Align::Left);
 }
 

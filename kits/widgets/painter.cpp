@@ -65,6 +65,14 @@ Painter::operator bool() const {
     return found && scratch.Has_Pixels();
 }
 
+bool Painter::Fill_Below(Rgb color) {
+    if (Window_Fill(window, device, color)) {
+        return true;
+    }
+    Picture().Fill(Area(), color);
+    return false;
+}
+
 void Painter::Show_Only(const Rect& part) {
     if (part_nb < PARTS_MAX) {
         parts[part_nb++] = part;

@@ -61,6 +61,9 @@ class Painter {
     /** The picture: (0, 0) is the visual top left pixel. */
     Surface& Picture() { return scratch.View(); }
     Rect Area() const { return {0, 0, device.width, device.height}; }
+    /** Fills the picture or, where drawings are collected, the window itself at once: then only what is to be seen over
+     *  it need be shown. @return true: the window */
+    bool Fill_Below(Rgb color);
     /** Only this part of the picture is shown at the end; further calls add parts (six at most, then their hull). */
     void Show_Only(const Rect& part);
     /** Nothing is shown at the end. */

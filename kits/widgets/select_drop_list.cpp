@@ -9,7 +9,6 @@
 namespace {
 
 constexpr int LIST_BORDER = 1;  ///< pixels
-constexpr int TEXT_MARGIN = 4;  ///< pixels before a caption
 constexpr int KEY_BLANK = 32;
 constexpr int KEY_RUBOUT = 127;
 
@@ -241,8 +240,8 @@ void Drop_List::Paint(Surface& picture) const {
         } else if (item == request.current) {
             picture.Fill(place, Mix(theme.field, theme.accent, 30));
         }
-        Draw_Caption(picture, {place.left + TEXT_MARGIN, place.top, width - 2 * TEXT_MARGIN, row_height}, request.look,
-                     request.item[static_cast<std::size_t>(item)].text, color, Align::Left);
+        Draw_Caption(picture, {place.left + CAPTION_MARGIN, place.top, width - 2 * CAPTION_MARGIN, row_height},
+                     request.look, request.item[static_cast<std::size_t>(item)].text, color, Align::Left);
     }
     if (!bar.Is_Empty()) {
         picture.Fill(bar, Mix(theme.field, theme.panel, 50));

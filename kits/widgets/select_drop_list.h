@@ -12,6 +12,7 @@
 #include "host/kit_widgets.h"
 #include "kits/widgets/surface.h"
 
+inline constexpr int CAPTION_MARGIN = 4;        ///< before and behind the caption of a list and of its rows, pixels
 inline constexpr int DROP_LIST_ROWS_MAX = 16;   ///< rows shown at once
 inline constexpr int DROP_LIST_BAR_WIDTH = 14;  ///< scroll bar of a list with more items, pixels
 inline constexpr int DROP_LIST_WHEEL_ROWS = 3;  ///< rows per wheel notch

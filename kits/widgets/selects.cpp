@@ -14,14 +14,13 @@
 
 namespace {
 
-constexpr int TEXT_MARGIN = 4;  ///< pixels before and behind a caption
 constexpr int PAGE_ITEMS = 10;  ///< items that Page Up and Page Down go
 
 /** The list whose drop list is open; null when it was destroyed meanwhile, or when none is open. */
 const Selects* open_list = nullptr;
 
 Select_Layout Layout_Of(const Selects& list) {
-    const int caption = list.name[0] == 0 ? 0 : Text_Width(list.name, Widget_Font(list)) + 2 * TEXT_MARGIN;
+    const int caption = list.name[0] == 0 ? 0 : Text_Width(list.name, Widget_Font(list)) + 2 * CAPTION_MARGIN;
     return Select_Layout_Of(list.width, list.height, list.arrow, caption);
 }
 
@@ -59,8 +58,8 @@ void Paint_Field(Surface& picture, const Selects& list, const Rect& rect, const 
     if (list.item != nullptr && list.current >= 0 && list.current < list.item_nb) {
         const Select_Item& item = list.item[list.current];
         const std::size_t length = ::strnlen(item.text, sizeof(item.text));
-        Draw_Caption(picture, {rect.left + TEXT_MARGIN, rect.top, rect.width - 2 * TEXT_MARGIN, rect.height}, list,
-                     {item.text, length}, inactive ? theme.text_grey : theme.field_text, Align::Left);
+        Draw_Caption(picture, {rect.left + CAPTION_MARGIN, rect.top, rect.width - 2 * CAPTION_MARGIN, rect.height},
+                     list, {item.text, length}, inactive ? theme.text_grey : theme.field_text, Align::Left);
     }
 }
 
@@ -87,9 +86,10 @@ bool Paint(const Selects& list, const Parts_State& state, bool item_only) {
     }
     const Rgb ground = Rgb_Of(list.color);
     picture.Fill(layout.caption, ground);
-    Draw_Caption(picture,
-                 {layout.caption.left + TEXT_MARGIN, 0, layout.caption.width - TEXT_MARGIN, layout.caption.height},
-                 list, list.name, Widget_Inactive(list) ? theme.text_grey : Contrast_Color(ground), Align::Left);
+    Draw_Caption(
+        picture,
+        {layout.caption.left + CAPTION_MARGIN, 0, layout.caption.width - CAPTION_MARGIN, layout.caption.height}, list,
+        list.name, Widget_Inactive(list) ? theme.text_grey : Contrast_Color(ground), Align::Left);
     return true;
 }
 

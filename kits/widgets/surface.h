@@ -164,6 +164,9 @@ bool Window_To_Screen(HWND window, Point client, Point* screen);
 /** Shows parts of a picture in the window (or in its back buffer). @param target where the whole picture stands; @param
  * parts in the picture. Between Y_setup and Y_release for the same window the clip of that device context counts. */
 void Window_Show(HWND window, const Rect& target, Surface& picture, std::span<const Rect> parts);
+/** Fills a rectangle of the window's back buffer, without a picture in between. The clip counts as above.
+ *  @return false: the window has none now, and nothing was filled */
+bool Window_Fill(HWND window, const Rect& target, Rgb color);
 /** Reads what the window (or its back buffer) shows. @param pixels target.width x target.height. @return false when
  * that cannot be had */
 bool Window_Read(HWND window, const Rect& target, std::uint32_t* pixels);

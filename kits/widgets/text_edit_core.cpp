@@ -23,7 +23,6 @@ bool Is_Blank(std::string_view text, int at) {
 }
 
 constexpr unsigned char DELETE_CONTROL = 127;
-constexpr unsigned char FIRST_PRINTABLE = 32;
 
 bool Is_Line_End(char c) {
     return c == '\r' || c == '\n';

@@ -9,6 +9,8 @@
 #include <functional>
 #include <string_view>
 
+inline constexpr unsigned char FIRST_PRINTABLE = 32;  ///< controls come before
+
 /** A text under edit. The characters stay in the caller's zero-terminated buffer. */
 class Text_Edit {
   public:

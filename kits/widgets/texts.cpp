@@ -28,7 +28,6 @@ constexpr int KEY_CUT = 24;
 constexpr int KEY_PASTE = 22;
 constexpr int VIRTUAL_SHIFT = 0x10;
 constexpr int VIRTUAL_CONTROL = 0x11;
-constexpr int FIRST_PRINTABLE = 32;
 constexpr int LAST_BYTE = 0xFF;
 constexpr int FIRST_BEYOND_ASCII = 0x80;
 

@@ -233,6 +233,23 @@ void Window_Show(HWND window, const Rect& target, Surface& picture, std::span<co
     }
 }
 
+bool Window_Fill(HWND window, const Rect& target, Rgb color) {
+    Window_State* state = Buffered(window);
+    if (state == nullptr) {
+        return false;
+    }
+    const Rect whole = {0, 0, target.width, target.height};
+    Rect clipped[1];
+    const Rect part = Parts_Clip(window, target, {&whole, 1}, clipped).front();
+    Device_Flush();
+    Surface view = Buffer_View(*state);
+    const Rect there =
+        Rect_Common({target.left + part.left, target.top + part.top, part.width, part.height}, view.Area());
+    view.Fill(there, color);
+    Changed_Add(window, *state, there);
+    return true;
+}
+
 bool Window_Read(HWND window, const Rect& target, std::uint32_t* pixels) {
     if (target.Is_Empty() || pixels == nullptr) {
         return false;

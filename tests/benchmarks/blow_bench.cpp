@@ -65,7 +65,7 @@ void Every_Bin(HDC dc, const Plot_Frame& frame, const Value* values, COLORREF co
 
 /** Bands, curves and peaks bin by bin; no labels, no mixing of colours: less than what the window shows. */
 void Plain_Draw(const Busy_Plot& plot, HDC dc) {
-    const Plot_Frame frame = plot.Frame();
+    const Plot_Frame frame = plot.scene.Frame();
     for (int band = 0; band < BAND_NB; ++band) {
         const Gdi_Brush brush(::CreateSolidBrush(RGB(80 + band * 5, 40, 40)));
         const RECT area = {frame.Column(band * 2000), 0, frame.Column(band * 2000 + 3001), frame.height};
@@ -134,17 +134,15 @@ void Bench_Redraw(benchmark::State& state) {
 void Bench_Large(benchmark::State& state) {
     Busy_Plot plot({3840, 2160, 13, 80}, MANY_PEAKS);
     const Dib_Picture ready(nullptr, 3840, 2160);
+    const Dib_Picture shown(nullptr, 3840, 2160);  // as the window's back buffer: a hidden window's pixels go nowhere
     double best = 1.0;
     double alone = 1.0;
     for (auto _ : state) {
         for (int round = 0; round < 2 * ROUNDS; ++round) {
             best = std::min(best, Redraw_Time(plot));
             const auto start = Clock::now();
-            {
-                const Window_DC dc(plot.scene.box.window);
-                ::BitBlt(dc.Get(), 0, 0, 3840, 2160, ready.Get_DC(), 0, 0, SRCCOPY);
-                ::GdiFlush();
-            }
+            ::BitBlt(shown.Get_DC(), 0, 0, 3840, 2160, ready.Get_DC(), 0, 0, SRCCOPY);
+            Dib_Picture::Flush();
             alone = std::min(alone, std::chrono::duration<double>(Clock::now() - start).count());
         }
     }

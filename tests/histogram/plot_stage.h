@@ -49,15 +49,6 @@ class Plot_Stage {
         Histo_Record_Give(panel, grid, counts);
         Full_View();
     }
-    /** The plot area with what it shows. */
-    Plot_Frame Frame() const {
-        return {scene.area.width,
-                scene.area.height,
-                static_cast<double>(scene.x.start),
-                static_cast<double>(scene.x.end),
-                static_cast<double>(scene.y.start),
-                static_cast<double>(scene.y.end)};
-    }
     void Full_View() {
         const Histo_Record& record = *panel.data->record;
         const float span = static_cast<float>(record.nb_bins - 1) * record.bin_width;

@@ -77,7 +77,7 @@ void Unit_View(Plot_Stage& plot) {
 Pixels Drawn_By_Gdi(const Plot_Stage& plot) {
     const Pixel_Rectangle& area = plot.scene.area;
     const Histo_Record& record = *plot.panel.data->record;
-    const Plot_Frame frame = plot.Frame();
+    const Plot_Frame frame = plot.scene.Frame();
     const Plot_Grid grid{record.nb_bins, static_cast<double>(record.origin), static_cast<double>(record.bin_width)};
     const Dib_Picture picture(nullptr, area.width, area.height);
     std::fill(picture.Pixels(), picture.Pixels() + area.width * area.height, GROUND);
@@ -405,7 +405,7 @@ TEST(Tool_Histo_Plot_Test, a_tag_without_color_is_grey) {
 
 /** A pixel of the plot area under the first peak of the test below. */
 static std::uint32_t Below_Peak(const Plot_Stage& plot, const Pixels& area) {
-    const Plot_Frame frame = plot.Frame();
+    const Plot_Frame frame = plot.scene.Frame();
     return area[static_cast<std::size_t>(frame.Row(100.0) * frame.width + frame.Column(50.5))];
 }
 
@@ -438,7 +438,7 @@ TEST(Tool_Histo_Plot_Test, peaks_show_by_their_selector) {
         }
         return top;
     };
-    const Plot_Frame frame = plot.Frame();
+    const Plot_Frame frame = plot.scene.Frame();
     const int middle = frame.Column(60.5);
     EXPECT_NEAR(top_of(composite, middle), frame.Row(225.0), 3);
     EXPECT_NEAR(top_of(individual, middle), frame.Row(125.0), 9) << "a steep flank";
@@ -467,7 +467,7 @@ TEST(Tool_Histo_Plot_Test, segments_are_bands_side_by_side_below_the_curve) {
     plot.scene.peak = HISTO_PEAK_COMPOSITE;
     EXPECT_EQ(Labels_Drawn(plot), (std::vector<std::string>{"20", "70"}));
     const Pixels area = Area_Of(plot);
-    const Plot_Frame frame = plot.Frame();
+    const Plot_Frame frame = plot.scene.Frame();
     const auto at = [&](double level, double count) {
         return area[static_cast<std::size_t>(frame.Row(count) * frame.width + frame.Column(level))];
     };

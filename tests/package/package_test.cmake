@@ -1,6 +1,8 @@
 # Installs into an empty folder, builds examples/external_host against it with nothing of this project in sight, starts
 # the program beside the installed DLLs, and starts the workbench out of the unpacked zip.
 cmake_minimum_required(VERSION 3.25)
+# The programs that are started stand beside no holder; without one Wine's services would keep their output open.
+set(ENV{KIT_WINE_HOLD} "${BUILD}/bin/guihold.exe")
 set(work "${BUILD}/package_test")
 file(REMOVE_RECURSE "${work}")
 file(MAKE_DIRECTORY "${work}/zip")

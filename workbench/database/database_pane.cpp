@@ -17,7 +17,7 @@ namespace workbench {
 namespace {
 
 constexpr int FIND_INSET = 6;                // pixels at 96 dots per inch
-constexpr int GAP = 6;                       // below and right of the panels
+constexpr int PANE_GAP = 6;                  // below and right of the panels
 constexpr unsigned short TREE_GREY = 140;    // yellow, blue, red and black texts can all be read on it
 constexpr unsigned short EDITOR_GREY = 200;  // the diagram's grey lines can be seen on it
 constexpr int TREE_FONT = 13;
@@ -139,7 +139,7 @@ void Database_Pane::Lay_Out() {
         return;
     }
     const int left = strip.Left();
-    const int gap = look.Px(GAP);
+    const int gap = look.Px(PANE_GAP);
     ::SendMessageW(find_field, WM_SETFONT, reinterpret_cast<WPARAM>(look.Font()), TRUE);
     // A field of one line keeps its text at its top: as high as the text, in the middle of the box drawn for it.
     const RECT box = strip.Find_Box(Client());

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int TAB_HEIGHT = 26;  // pixels at 96 dots per inch
 constexpr int FIND_HEIGHT = 24;
-constexpr int GAP = 6;
+constexpr int STRIP_GAP = 6;
 constexpr int BUTTON_WIDTH = 26;
 constexpr int EDIT_WIDTH = 74;
 constexpr int EDGE = 5;  // the left edge, by which the column is made wider
@@ -53,7 +53,7 @@ const wchar_t* Database_Strip::Button_Name(int at) {
 }
 
 int Database_Strip::Left() const {
-    return look.Px(EDGE) + look.Px(GAP);
+    return look.Px(EDGE) + look.Px(STRIP_GAP);
 }
 
 bool Database_Strip::Is_Edge(POINT point) const {
@@ -61,21 +61,21 @@ bool Database_Strip::Is_Edge(POINT point) const {
 }
 
 int Database_Strip::Height() const {
-    return look.Px(TAB_HEIGHT) + look.Px(FIND_HEIGHT) + 3 * look.Px(GAP);
+    return look.Px(TAB_HEIGHT) + look.Px(FIND_HEIGHT) + 3 * look.Px(STRIP_GAP);
 }
 
 RECT Database_Strip::Tab(const RECT& client, int at) const {
     const int left = Left();
-    const int width = (client.right - left - look.Px(GAP)) / DATABASE_VIEW_NB;
-    const int top = look.Px(GAP);
+    const int width = (client.right - left - look.Px(STRIP_GAP)) / DATABASE_VIEW_NB;
+    const int top = look.Px(STRIP_GAP);
     return {left + at * width, top, left + (at + 1) * width, top + look.Px(TAB_HEIGHT)};
 }
 
 RECT Database_Strip::Button(const RECT& client, int at) const {
-    const int top = look.Px(TAB_HEIGHT) + 2 * look.Px(GAP);
-    int right = client.right - look.Px(GAP);
+    const int top = look.Px(TAB_HEIGHT) + 2 * look.Px(STRIP_GAP);
+    int right = client.right - look.Px(STRIP_GAP);
     for (int behind = BUTTON_NB - 1; behind > at; --behind) {
-        right -= look.Px(behind == BUTTON_NB - 1 ? EDIT_WIDTH : BUTTON_WIDTH) + look.Px(GAP);
+        right -= look.Px(behind == BUTTON_NB - 1 ? EDIT_WIDTH : BUTTON_WIDTH) + look.Px(STRIP_GAP);
     }
     const int width = look.Px(at == BUTTON_NB - 1 ? EDIT_WIDTH : BUTTON_WIDTH);
     return {right - width, top, right, top + look.Px(FIND_HEIGHT)};
@@ -83,8 +83,9 @@ RECT Database_Strip::Button(const RECT& client, int at) const {
 
 RECT Database_Strip::Find_Box(const RECT& client) const {
     const int left = Left();
-    const int top = look.Px(TAB_HEIGHT) + 2 * look.Px(GAP);
-    return {left, top, std::max<LONG>(Button(client, 0).left - look.Px(GAP), left + 10), top + look.Px(FIND_HEIGHT)};
+    const int top = look.Px(TAB_HEIGHT) + 2 * look.Px(STRIP_GAP);
+    return {left, top, std::max<LONG>(Button(client, 0).left - look.Px(STRIP_GAP), left + 10),
+            top + look.Px(FIND_HEIGHT)};
 }
 
 Database_Strip::Hit Database_Strip::Part_At(const RECT& client, POINT point) const {

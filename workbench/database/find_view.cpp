@@ -7,7 +7,7 @@ namespace workbench {
 
 namespace {
 
-constexpr const char* SOURCE = "workbench/database/find_view.cpp";
+constexpr const char* FIND_VIEW_SOURCE = "workbench/database/find_view.cpp";
 constexpr const char* PLACE_LABEL = "In";
 constexpr const char* MODALITY_LABEL = "Modality";
 constexpr const char* PLACE_SEPARATOR = " / ";
@@ -43,9 +43,10 @@ bool Columns_Set(DB_List& record, const std::vector<std::pair<const char*, std::
     }
     record.column_nb = static_cast<std::uint16_t>(nb);
     for (std::size_t i = 0; i < nb; ++i) {
-        if (!DB_List_Text_Copy(&record.column_label[i], columns[i].first, "column_label", {SOURCE, __LINE__}) ||
+        if (!DB_List_Text_Copy(&record.column_label[i], columns[i].first, "column_label",
+                               {FIND_VIEW_SOURCE, __LINE__}) ||
             !DB_List_Text_Copy(&record.column_value[i], columns[i].second.c_str(), "column_value",
-                               {SOURCE, __LINE__})) {
+                               {FIND_VIEW_SOURCE, __LINE__})) {
             return false;
         }
     }
@@ -79,8 +80,8 @@ bool Find_View::List_Row(int at, const std::vector<int>& branches, int* nb, DB_L
     if (modality != 0) {
         columns.emplace_back(MODALITY_LABEL, Modality_Text(modality));
     }
-    return DB_List_Text_Copy(&row->title, leaf.title, "title", {SOURCE, __LINE__}) &&
-           DB_List_Text_Copy(&row->name, leaf.name, "name", {SOURCE, __LINE__}) && Columns_Set(*row, columns);
+    return DB_List_Text_Copy(&row->title, leaf.title, "title", {FIND_VIEW_SOURCE, __LINE__}) &&
+           DB_List_Text_Copy(&row->name, leaf.name, "name", {FIND_VIEW_SOURCE, __LINE__}) && Columns_Set(*row, columns);
 }
 
 bool Find_View::List_Rows(int* nb, DB_List** list_pt) {

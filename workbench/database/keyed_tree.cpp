@@ -13,7 +13,6 @@ namespace workbench {
 
 namespace {
 
-constexpr int ROW_HEIGHT = 18;   // of a row in browse mode, pixels
 constexpr int INDENTATION = 20;  // per level
 
 /** Puts the pointer globals somewhere for as long as it lives. */
@@ -105,8 +104,8 @@ void Keyed_Tree::Mark() {
         const Selected_Object selected(dc, pen.Get());
         const int left = box.x;
         const int right = box.x + box.width - 1;
-        const int low = middle - ROW_HEIGHT / 2;
-        const int high = middle + ROW_HEIGHT / 2 - 1;
+        const int low = middle - TREE_ROW_HEIGHT / 2;
+        const int high = middle + TREE_ROW_HEIGHT / 2 - 1;
         const POINT frame[] = {{left, low}, {right, low}, {right, high}, {left, high}, {left, low}};
         ::Polyline(dc, frame, 5);
     }
@@ -195,7 +194,7 @@ int Keyed_Tree::Keyboard(int key) {
         default:
             return Panel_Of<Tool_DB_List>::Keyboard(key);
     }
-    const int page = std::max(tree.list_box.height / ROW_HEIGHT - 1, 1);
+    const int page = std::max(tree.list_box.height / TREE_ROW_HEIGHT - 1, 1);
     const Tree_Step step = Tree_Key_Step(tree.Nb(), tree.List_Pt(), current, key, page);
     if (step.toggle) {
         tree.List_Pt()[step.record].flag ^= DB_FLAG_EXPANDED;

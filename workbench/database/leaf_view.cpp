@@ -6,7 +6,7 @@ namespace workbench {
 
 namespace {
 
-constexpr const char* SOURCE = "workbench/database/leaf_view.cpp";
+constexpr const char* LEAF_VIEW_SOURCE = "workbench/database/leaf_view.cpp";
 constexpr int NO_LEAF = -1;
 
 }  // namespace
@@ -32,7 +32,7 @@ int Leaf_View::Source_Row(int listed) const {
 
 DB_List* Leaf_View::Leaf_Append(int source_row, int* nb, DB_List** list_pt) {
     source_rows.push_back(source_row);
-    DB_List* const row = DB_List_Append(nb, list_pt, {SOURCE, __LINE__});
+    DB_List* const row = DB_List_Append(nb, list_pt, {LEAF_VIEW_SOURCE, __LINE__});
     if (row != nullptr) {
         const DB_List& leaf = all[source_row];
         row->flag = static_cast<std::uint16_t>(leaf.flag & (DB_FLAG_LEAF | DB_FLAG_LOCKED));
@@ -48,7 +48,7 @@ DB_List* Leaf_View::Leaf_Append(int source_row, int* nb, DB_List** list_pt) {
 
 DB_List* Leaf_View::Branch_Append(int* nb, DB_List** list_pt) {
     source_rows.push_back(NO_LEAF);
-    return DB_List_Append(nb, list_pt, {SOURCE, __LINE__});
+    return DB_List_Append(nb, list_pt, {LEAF_VIEW_SOURCE, __LINE__});
 }
 
 unsigned short Leaf_View::List_Create_From_DB(int* nb, DB_List** list_pt, int /*level*/, int /*parent*/,

@@ -10,7 +10,7 @@ namespace workbench {
 
 namespace {
 
-constexpr const char* SOURCE = "workbench/database/patient_view.cpp";
+constexpr const char* PATIENT_VIEW_SOURCE = "workbench/database/patient_view.cpp";
 constexpr std::uint32_t PATIENT_COLOR = 0xFFFFFF;
 constexpr int NONE = -1;
 
@@ -152,8 +152,8 @@ class Patient_View::Lister {
 
     bool Texts_Set(int at, const std::string& title, const std::string& name) {
         DB_List& row = (*list_pt)[at];
-        return DB_List_Text_Copy(&row.title, title.c_str(), "title", {SOURCE, __LINE__}) &&
-               (name.empty() || DB_List_Text_Copy(&row.name, name.c_str(), "name", {SOURCE, __LINE__}));
+        return DB_List_Text_Copy(&row.title, title.c_str(), "title", {PATIENT_VIEW_SOURCE, __LINE__}) &&
+               (name.empty() || DB_List_Text_Copy(&row.name, name.c_str(), "name", {PATIENT_VIEW_SOURCE, __LINE__}));
     }
 
     Patient_View& view;

@@ -8,8 +8,7 @@ namespace workbench {
 
 namespace {
 
-constexpr int ROW_HEIGHT = 18;  // of the database panels, pixels
-constexpr int FIRST_TOP = 9;    // a row covers FIRST_TOP + ROW_HEIGHT * row and the 17 pixels below
+constexpr int FIRST_TOP = 9;  // a row covers FIRST_TOP + TREE_ROW_HEIGHT * row and the 17 pixels below
 
 bool Is_Branch(const DB_List& record) {
     return record.child_nb != 0;
@@ -85,8 +84,8 @@ Tree_Step Tree_Key_Step(int nb, const DB_List* list_pt, int current, int key, in
 }
 
 float Tree_Scroll_To(int row, float position, int box_height) {
-    const int top = row == 0 ? 0 : FIRST_TOP + ROW_HEIGHT * row;
-    const int bottom = FIRST_TOP + ROW_HEIGHT * (row + 1);
+    const int top = row == 0 ? 0 : FIRST_TOP + TREE_ROW_HEIGHT * row;
+    const int bottom = FIRST_TOP + TREE_ROW_HEIGHT * (row + 1);
     const int now = static_cast<int>(position);
     if (top < now) {
         return static_cast<float>(top);
@@ -98,7 +97,7 @@ float Tree_Scroll_To(int row, float position, int box_height) {
 }
 
 int Tree_Shown_Middle(int row) {
-    return FIRST_TOP + ROW_HEIGHT * row + ROW_HEIGHT / 2;
+    return FIRST_TOP + TREE_ROW_HEIGHT * row + TREE_ROW_HEIGHT / 2;
 }
 
 void Tree_Expand_All(int nb, DB_List* list_pt, bool open) {

@@ -7,6 +7,8 @@
 
 namespace workbench {
 
+inline constexpr int TREE_ROW_HEIGHT = 18;  ///< of the database panels, pixels
+
 /** Record indices of the displayed rows, top first: what lies in collapsed branches is left out. */
 std::vector<int> Tree_Shown(int nb, const DB_List* list_pt);
 

@@ -15,8 +15,6 @@ namespace workbench {
 
 namespace {
 
-constexpr int ROW_HEIGHT = 18;  // pixels
-
 LONG State_Of(const DB_List& record, bool has_children, bool is_current) {
     LONG state = STATE_SYSTEM_SELECTABLE;
     const int check = record.state & DB_STATE_MASK;
@@ -101,8 +99,8 @@ std::vector<Accessible_Part> Tree_Parts(const Tool_DB_List& tree, int current, H
         const int at = shown[row];
         const bool has_children = at + 1 < tree.Nb() && records[at + 1].level > records[at].level;
         Accessible_Part part = Part_Of(records[at], has_children, at == current);
-        part.place = {tree.list_box.x, top + middle - ROW_HEIGHT / 2, tree.list_box.x + tree.list_box.width,
-                      top + middle + ROW_HEIGHT / 2};
+        part.place = {tree.list_box.x, top + middle - TREE_ROW_HEIGHT / 2, tree.list_box.x + tree.list_box.width,
+                      top + middle + TREE_ROW_HEIGHT / 2};
         parts.push_back(std::move(part));
     }
     return parts;

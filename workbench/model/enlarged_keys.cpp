@@ -18,7 +18,7 @@ constexpr int NOTCHES_TWO_AND_HALF = 15;
 // Half about one point and double about another one moves the view by half of what lies between them.
 constexpr int POINTS_APART_PERCENT = 20;  // of the window, for a tenth
 
-struct Point {
+struct Window_Point {
     int x;
     int y;
 };
@@ -30,7 +30,7 @@ struct Letter {
 constexpr Letter LETTERS[] = {{'E', "Export"}, {'T', "Display TAG"}, {'C', "Display Cursor"}, {'P', "Display Peak"}};
 
 /** The middle of what the controls at the top leave. */
-Point Middle(const Enlarged_View& view) {
+Window_Point Middle(const Enlarged_View& view) {
     int top = 0;
     for (const Enlarged_Control& control : view.controls) {
         top = std::max(top, control.top + control.height);
@@ -39,18 +39,18 @@ Point Middle(const Enlarged_View& view) {
 }
 
 /** Zooming keeps the counts' foot in view: about the middle of the window most of them would leave it. */
-Point Foot(const Enlarged_View& view) {
+Window_Point Foot(const Enlarged_View& view) {
     constexpr int inside = 3;  // pixels from the edge: within the plot's box
     return {view.width / 2, view.height - inside};
 }
 
-Enlarged_Act Wheel(int notches, Point at) {
+Enlarged_Act Wheel(int notches, Window_Point at) {
     return {Enlarged_Act::Kind::Wheel, notches, at.x, at.y};
 }
 
 /** @param right, up the direction, -1, 0 or 1: what lies there comes into view */
 std::vector<Enlarged_Act> Move(int right, int up, const Enlarged_View& view) {
-    const Point middle = Middle(view);
+    const Window_Point middle = Middle(view);
     const int x = right * view.width * POINTS_APART_PERCENT / 200;
     const int y = -up * std::min(view.height * POINTS_APART_PERCENT / 200, view.height - 1 - middle.y);
     return {Wheel(NOTCHES_HALF, {middle.x + x, middle.y + y}), Wheel(NOTCHES_DOUBLE, {middle.x - x, middle.y - y})};

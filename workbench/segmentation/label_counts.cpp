@@ -14,7 +14,7 @@ namespace workbench::segmentation {
 
 namespace {
 
-constexpr std::int64_t TABLE_MOST = 65536;  // levels that are counted in a table instead of being sorted
+constexpr std::int64_t COUNT_TABLE_MOST = 65536;  // levels that are counted in a table instead of being sorted
 constexpr std::size_t PIECE_VOXELS = std::size_t{1} << 21U;
 constexpr std::size_t WORD_SIZE = sizeof(std::uint64_t);
 constexpr std::uint64_t EACH_BYTE = 0x0101010101010101U;
@@ -159,7 +159,7 @@ Level_Counts::Level_Counts(std::int32_t least, std::int32_t greatest)
     : first(least), size(greatest >= least ? std::int64_t{greatest} - least + 1 : 0) {}
 
 void Level_Counts::Add(std::uint8_t tag, const volumes::Level_View& levels) {
-    if (size > TABLE_MOST) {
+    if (size > COUNT_TABLE_MOST) {
         std::ranges::copy_if(levels, std::back_inserter(lists[tag]),
                              [](std::int32_t level) { return level <= volumes::LEVEL_LARGEST; });
         return;

@@ -13,7 +13,7 @@ namespace workbench::segmentation {
 
 namespace {
 
-constexpr std::int64_t TABLE_MOST = std::int64_t{1} << 16U;  // levels that a table is made for
+constexpr std::int64_t BAND_TABLE_MOST = std::int64_t{1} << 16U;  // levels that a table is made for
 constexpr std::uint16_t NO_TAG = 0x100;
 constexpr std::size_t FEW_PIECES = 8;    // so many comparisons, of many voxels at a time, are faster than a table
 constexpr std::size_t BLOCK_SIZE = 16;   // voxels that are compared at once
@@ -45,7 +45,7 @@ class Level_Claims {
                 Piece_Put({claim.band.low, std::int64_t{high} + 1, claim.tag});
             }
         }
-        if (!pieces.empty() && pieces.back().end - pieces.front().begin <= TABLE_MOST) {
+        if (!pieces.empty() && pieces.back().end - pieces.front().begin <= BAND_TABLE_MOST) {
             const std::int64_t begin = pieces.front().begin;
             table.resize(static_cast<std::size_t>(pieces.back().end - begin), NO_TAG);
             for (const Piece& piece : pieces) {

@@ -12,7 +12,7 @@ namespace workbench::segmentation {
 namespace {
 
 // A volume that was summed voxel by voxel is not smaller than the same volume written as one number.
-constexpr double ROUNDING = 1e-9;
+constexpr double SIZE_ROUNDING = 1e-9;
 
 bool Is_Crossed(const Edit_Input& input, const Flood& flood, std::int32_t level, std::size_t at) {
     return flood.levels.Has(level) && level <= volumes::LEVEL_LARGEST &&
@@ -177,7 +177,7 @@ std::optional<Label_Edit> Regions_Drop_Below(const Edit_Input& input, std::uint8
                                              Neighbours neighbours) {
     return Cancellable([&] {
         const Region_Map map = Regions_Of_Tag(input, tag, neighbours, Step_Progress(input.progress));
-        const double least = mm3 * (1.0 - ROUNDING);
+        const double least = mm3 * (1.0 - SIZE_ROUNDING);
         return Regions_Give(input, map, 0, [&](std::uint32_t region) {
             return static_cast<double>(map.Regions()[region].voxel_nb) * input.grid.Voxel_Mm3() < least;
         });

@@ -14,7 +14,7 @@ namespace workbench::segmentation {
 
 namespace {
 
-constexpr double ROUNDING = 1e-6;  // of distances, as a share of them
+constexpr double DISTANCE_ROUNDING = 1e-6;  // of distances, as a share of them
 
 /** Which regions touch the edge of their box. @param in_space also its first and last slice */
 std::vector<bool> Edge_Regions(const Region_Map& map, bool in_space) {
@@ -246,7 +246,7 @@ std::optional<Label_Edit> Slices_Between_Fill(const Edit_Input& input, std::uint
                 for (std::size_t at = 0; at < slice_size; ++at) {
                     // Outlines often meet just halfway; which side that falls on is no matter of rounding.
                     const double sum = (1.0 - share) * before[at] + share * after[at];
-                    marks[at] = sum <= ROUNDING * (std::abs(before[at]) + std::abs(after[at])) ? 1 : 0;
+                    marks[at] = sum <= DISTANCE_ROUNDING * (std::abs(before[at]) + std::abs(after[at])) ? 1 : 0;
                 }
             }
             before = after;

@@ -9,6 +9,8 @@
 
 namespace volumes {
 
+inline constexpr std::size_t BYTE_BITS = 8;
+
 enum class Byte_Order { Little, Big };
 
 namespace byte_order_detail {

@@ -31,7 +31,7 @@ bool Begins_With(Byte_Span bytes, Byte_Span mark) {
     return bytes.size() >= mark.size() && std::ranges::equal(bytes.first(mark.size()), mark);
 }
 
-bool Is_Filling(Byte_Span rest) {
+bool Is_Zeros(Byte_Span rest) {
     return std::ranges::all_of(rest, [](std::uint8_t byte) { return byte == 0; });
 }
 
@@ -70,7 +70,7 @@ std::optional<Box> Box_Take(Byte_Span& bytes) {
 
 /** Whether other boxes or filling follow the box of the picture, and no other picture. */
 bool Is_Sound_Rest(Byte_Span rest) {
-    while (!Is_Filling(rest)) {
+    while (!Is_Zeros(rest)) {
         const std::optional<Box> box = Box_Take(rest);
         if (!box || !box->is_whole || box->kind == "jP  " || box->kind == "jp2c") {
             return false;
@@ -120,7 +120,7 @@ class Tile_Parts {
                 return false;
             }
         }
-        return Is_Mark(END) && Is_Filling(bytes.subspan(at + MARK_SIZE)) &&
+        return Is_Mark(END) && Is_Zeros(bytes.subspan(at + MARK_SIZE)) &&
                std::ranges::all_of(seen, [](const Tile& tile) { return tile.parts > 0 && tile.parts >= tile.told; });
     }
 

@@ -14,7 +14,6 @@ namespace volumes {
 namespace {
 
 constexpr std::int32_t WIDE_BITS = 64;
-constexpr std::size_t BYTE_BITS = 8;
 
 bool Is_Scale(std::pair<double, double> scale) {
     return std::isfinite(scale.first) && scale.first != 0.0 && std::isfinite(scale.second);

@@ -14,6 +14,7 @@
 #include "dcmtk/dcmdata/dcfilefo.h"
 #include "dcmtk/dcmdata/dcostrmb.h"
 #include "dcmtk/dcmdata/dcuid.h"
+#include "workbench/volumes/byte_order.h"
 #include "workbench/volumes/dicom_data_set.h"
 #include "workbench/volumes/dicom_element_write.h"
 #include "workbench/volumes/dicom_source_images.h"
@@ -26,7 +27,6 @@ namespace volumes {
 
 namespace {
 
-constexpr std::size_t BYTE_BITS = 8;
 constexpr std::size_t TAG_NB = 256;
 constexpr std::size_t LONG_STRING_MOST = 64;  // letters of DICOM's LO
 constexpr const char* PROGRAM = "Kit_Panels workbench";

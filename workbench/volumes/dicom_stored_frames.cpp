@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "dcmtk/dcmdata/dcdeftag.h"
+#include "workbench/volumes/byte_order.h"
 #include "workbench/volumes/dicom_data_set.h"
 #include "workbench/volumes/dicom_run_length.h"
 #include "workbench/volumes/message_text.h"
@@ -11,8 +12,6 @@
 namespace volumes {
 
 namespace {
-
-constexpr std::uint64_t BYTE_BITS = 8;
 
 Dicom_Refusal Frame_Refusal(std::int32_t frame, const std::string& why) {
     return {"has pixels that cannot be decoded (frame " + std::to_string(frame + 1) + ": " + why + ")"};

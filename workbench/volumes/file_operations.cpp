@@ -18,7 +18,7 @@ namespace volumes {
 
 namespace {
 
-constexpr std::size_t BLOCK = std::size_t{256} * 1024;  // bytes read at once
+constexpr std::size_t COPY_BLOCK = std::size_t{256} * 1024;  // bytes read at once
 
 #if defined(_WIN32)
 int Create(const std::filesystem::path& path) {
@@ -76,7 +76,7 @@ std::error_code Read(const std::filesystem::path& path, std::size_t most, std::s
         return std::make_error_code(std::errc::file_too_large);
     }
     std::ifstream in(path, std::ios::binary);
-    std::vector<char> block(BLOCK);
+    std::vector<char> block(COPY_BLOCK);
     // Not by iterators: a disk that cannot be read makes them throw.
     while (in.read(block.data(), static_cast<std::streamsize>(block.size())) || in.gcount() > 0) {
         bytes.append(block.data(), static_cast<std::size_t>(in.gcount()));

@@ -14,7 +14,7 @@ namespace volumes {
 
 namespace {
 
-constexpr std::size_t BLOCK = 256U * 1024U;  // bytes read at once
+constexpr std::size_t STAMP_BLOCK = 256U * 1024U;  // bytes read at once
 constexpr auto WRITE_BITS =
     std::filesystem::perms::owner_write | std::filesystem::perms::group_write | std::filesystem::perms::others_write;
 
@@ -43,7 +43,7 @@ File_Stamp File_Stamp_Of(const std::filesystem::path& file) {
     const auto written = std::filesystem::last_write_time(file, code);
     stamp.time = code ? 0 : static_cast<std::int64_t>(written.time_since_epoch().count());
     std::ifstream in(file, std::ios::binary);
-    std::vector<char> block(BLOCK);
+    std::vector<char> block(STAMP_BLOCK);
     std::uint64_t read = 0;
     while (in.read(block.data(), static_cast<std::streamsize>(block.size())) || in.gcount() > 0) {
         const auto count = static_cast<std::size_t>(in.gcount());

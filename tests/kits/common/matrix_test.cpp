@@ -168,7 +168,7 @@ TEST(Matrix, rows_and_columns_of_different_filling_share_a_group) {
 }
 
 TEST(Matrix, blocks_of_zeros_and_sizes_that_fill_no_group) {
-    for (unsigned int columns = 1; columns < 30; columns += 1) {
+    for (unsigned int columns = 1; columns < 60; columns += 1) {
         const Matrix_NxM banded = Banded_Matrix(columns, 160 + columns, 1, 70 + columns);
         EXPECT_LT(Largest_Difference(~banded * banded, Plain_Product(~banded, banded)), 1e-12) << columns;
         const Matrix_NxM wide = Banded_Matrix(160 + columns, columns, 9, 170 + columns);

@@ -1,3 +1,7 @@
+#ifdef _WIN32
+#include "base/gdi_handles.h"
+#endif
+
 #include <gtest/gtest.h>
 
 #include "kits/dataset/dataset_host.h"
@@ -106,6 +110,57 @@ TEST_P(Boxs_Test, draw_twice_shows_the_same) {
     box.Adjust();
     EXPECT_EQ(window.Read(), once);
 }
+
+TEST_P(Boxs_Test, looks_the_same_when_drawings_are_collected) {
+    struct Look {
+        short x;
+        short y;
+        short width;
+        short height;
+        unsigned int style;
+        const char* title;
+    };
+    constexpr unsigned int bordered = 0x2;
+    constexpr unsigned int filled = 0x40;
+    for (const Look& look : {Look{12, 9, 40, 30, STYLE_FRAMED_BOX, ""}, Look{12, 9, 40, 30, STYLE_FRAMED_BOX, "Title"},
+                             Look{12, 9, 40, 30, filled, ""}, Look{12, 9, 40, 30, bordered, "Title"},
+                             Look{-8, -9, 60, 40, STYLE_FRAMED_BOX, "Title"}, Look{70, 50, 60, 40, filled, "Title"},
+                             Look{0, 0, WINDOW_WIDTH, WINDOW_HEIGHT, filled, ""}, Look{200, 9, 40, 30, filled, ""},
+                             Look{-9000, -9000, 24000, 24000, STYLE_FRAMED_BOX, "Title"}}) {
+        Boxs box = Framed_Box(window.Get());
+        box.x = look.x;
+        box.y = look.y;
+        box.width = look.width;
+        box.height = look.height;
+        box.style = look.style;
+        box.Set_Name("%s", look.title);
+        window.Wipe();
+        box.Draw();
+        const Window_Picture at_once = window.Read();
+        window.Wipe();
+        Window_Buffer_Begin(window.Get());
+        box.Draw();
+        Window_Buffer_End(window.Get());
+        EXPECT_EQ(window.Read(), at_once) << look.x << ' ' << look.style << ' ' << look.title;
+    }
+}
+
+#ifdef _WIN32
+TEST_P(Boxs_Test, fills_no_more_than_the_clip_of_a_drawing_in_the_collected_window) {
+    Boxs box = Framed_Box(window.Get());
+    const Rect outer = Device(box, GetParam());
+    Window_Buffer_Begin(window.Get());
+    HDC dc = Y_setup(window.Get(), "test");
+    const Gdi_Region half(::CreateRectRgn(outer.left, outer.top, outer.left + 20, outer.Bottom()));
+    ::SelectClipRgn(dc, half.Get());
+    box.Draw();
+    EXPECT_EQ(Y_release(window.Get(), dc), 1);
+    Window_Buffer_End(window.Get());
+    const Window_Picture picture = window.Read();
+    EXPECT_EQ(picture.At(outer.left + 19, outer.top + 5), Rgb_Of(box.color));
+    EXPECT_EQ(picture.At(outer.left + 20, outer.top + 5), Test_Window::MARKER);
+}
+#endif
 
 TEST_P(Boxs_Test, title_band_stands_at_the_visual_top) {
     Variable_Define_Scalar("$INTERFACE_TITLE_DIM_SML", VARIABLE_SIGNED_16, 11);
