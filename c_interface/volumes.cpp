@@ -16,7 +16,7 @@ namespace {
 constexpr int SIDE_MOST = 65535;
 constexpr int BINS_MOST = 4097;  // as "$GLI_HISTO_BINS_MAX" is at first
 constexpr std::int64_t MOST_PIXELS = std::numeric_limits<std::int32_t>::max();
-constexpr std::size_t SETTINGS_LEAST = offsetof(kit_volume_settings, descriptor) + sizeof(const char*);
+constexpr std::size_t VOLUME_SETTINGS_LEAST = offsetof(kit_volume_settings, descriptor) + sizeof(const char*);
 
 std::size_t Pixel_Size(std::uint32_t pixel) {
     switch (pixel) {
@@ -189,7 +189,7 @@ extern "C" {
 kit_status kit_volume_create(const kit_volume_settings* settings, kit_handle* volume) {
     return Call("kit_volume_create", 0, [&] {
         Write_To<kit_handle>(volume, 0);
-        const kit_volume_settings wanted = Struct_Of(settings, SETTINGS_LEAST);
+        const kit_volume_settings wanted = Struct_Of(settings, VOLUME_SETTINGS_LEAST);
         Settings_Check(wanted);
         auto made = std::make_unique<Volume>();
         const std::string name = wanted.name != nullptr ? Page_Text(wanted.name) : "Volume";
