@@ -236,17 +236,6 @@ class Object_Watch {
     bool known;
 };
 
-/** Whether an object is still the class that the dialog was opened for, and not another one in its place. */
-template <class Classes>
-bool Is_Still(const Object_Watch<Classes>& watch, const char* name_before) {
-    if (!watch.Is_There()) {
-        return false;
-    }
-    char name[DIALOG_RENAME_SIZE];
-    Dialog_Text_Take(watch.Get()->Name_Get(), name);
-    return std::strcmp(name, name_before) == 0;
-}
-
 void Rename(const Edit_Stage& stage, const DB_List& record) {
     With_Classes(stage.mode, [&](auto classes) {
         using Classes = decltype(classes);
@@ -259,7 +248,7 @@ void Rename(const Edit_Stage& stage, const DB_List& record) {
         const bool whole = Dialog_Text_Take(object->Name_Get(), before);
         std::memcpy(buffer, before, sizeof buffer);
         const Object_Watch<Classes> watch(object);
-        if (Dialog_Rename(buffer) != RENAME_SAVED || !Is_Alive(stage.panel) || !Is_Still(watch, before)) {
+        if (Dialog_Rename(buffer) != RENAME_SAVED || !Is_Alive(stage.panel) || !watch.Is_There()) {
             return;
         }
         if (!whole && std::strcmp(buffer, before) == 0) {

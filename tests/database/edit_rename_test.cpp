@@ -85,13 +85,13 @@ TEST_F(Tool_DB_Edit_Test, a_class_that_the_host_took_away_while_the_dialog_was_o
     }
 }
 
-TEST_F(Tool_DB_Edit_Test, another_class_in_the_place_of_the_one_that_was_shown_keeps_its_name) {
+TEST_F(Tool_DB_Edit_Test, a_typed_name_is_not_lost_when_the_host_gives_the_class_another_one_meanwhile) {
     Make_Study();
     Draw();
     typed_name.typed = "Liver";
-    typed_name.meanwhile = [this] { Object_Of("c")->Name_Set("another class"); };
+    typed_name.meanwhile = [this] { Object_Of("c")->Name_Set("CT 12"); };
     EXPECT_EQ(Press_On("c", Edit_Zone::Body, RIGHT_PRESS), 1);
-    EXPECT_STREQ(Object_Of("c")->Name_Get(), "another class");
+    EXPECT_STREQ(Object_Of("c")->Name_Get(), "Liver");
 }
 
 TEST_F(Tool_DB_Edit_Test, a_missing_name_is_shown_empty) {

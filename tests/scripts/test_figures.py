@@ -13,8 +13,9 @@ def junit(entries):
     return "<testsuite>%s</testsuite>" % cases
 
 
-def gtest(passed, failed):
+def gtest(passed, failed, skipped=0):
     cases = '<testcase classname="Grid" name="good" status="run"/>' * passed
+    cases += '<testcase classname="Grid" name="left_out" status="run" result="skipped"/>' * skipped
     cases += "".join('<testcase classname="Grid" name="bad%d" status="run"><failure/></testcase>' % i for i in range(failed))
     return "<testsuites><testsuite>%s</testsuite></testsuites>" % cases
 
@@ -59,6 +60,17 @@ class Figures(unittest.TestCase):
         self.put("panel_test.xml", gtest(0, 7))
         self.assertIn("Grid.bad3, Grid.bad4 and 2 more", self.lines([("panel_test", 1, "fail")])[1][1])
 
+    def test_as_many_failed_cases_as_are_named_have_no_more_behind_them(self):
+        self.put("panel_test.xml", gtest(0, 5))
+        self.assertTrue(self.lines([("panel_test", 1, "fail")])[1][1].endswith("Grid.bad3, Grid.bad4"))
+
+    def test_what_was_left_out_is_neither_passed_nor_failed(self):
+        self.put("panel_test.xml", gtest(2, 0, skipped=1))
+        self.assertEqual(self.lines([("panel_test", 1, "run"), ("lint_tidy", 0, "disabled"), ("script_progress", 0, "notrun")]),
+                         (1, ["mingw-debug: 2 passed, 1 failed, 2 skipped",
+                              "failed: mingw-debug script_progress: it could not be started",
+                              "2 passed, 1 failed, 2 skipped"]))
+
     def test_a_program_that_ran_out_of_time_with_results_counts_for_its_time(self):
         self.put("panel_test.xml", gtest(2, 0))
         self.assertEqual(self.lines([("panel_test", 3600, "fail")], "\t  1 - panel_test (Timeout)\n")[1][1],
@@ -74,12 +86,16 @@ class Figures(unittest.TestCase):
 
     def test_a_program_without_results_is_told_with_the_last_line_it_wrote(self):
         self.put("ctest.junit", '<testsuite><testcase name="icons_test" time="1" status="fail"><system-out>'
-                                'Running main()\nunder_wine: icons_test.exe ended with status 5.\n\n</system-out>'
-                                '</testcase></testsuite>')
+                                'Running main()\nunder_wine: icons_test.exe ended with status 5.%s\n\n</system-out>'
+                                '</testcase></testsuite>' % ("." * 300))
         done = subprocess.run([sys.executable, SCRIPT, os.path.join(self.folder, "ctest.junit")], capture_output=True,
                               text=True, check=False)
-        self.assertIn("icons_test: it ended without results, after 'under_wine: icons_test.exe ended with status 5.'",
-                      done.stdout)
+        said = "under_wine: icons_test.exe ended with status 5.".ljust(200, ".")
+        self.assertIn(f"icons_test: it ended without results, after '{said}'\n", done.stdout)
+
+    def test_former_results_of_a_program_that_could_not_be_started_do_not_count(self):
+        self.put("panel_test.xml", gtest(3, 0))
+        self.assertEqual(self.lines([("panel_test", 0, "notrun")])[1][-1], "0 passed, 1 failed")
 
     def test_a_run_of_nothing_fails(self):
         self.assertEqual(self.lines([])[0], 1)

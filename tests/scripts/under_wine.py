@@ -17,7 +17,10 @@ class Under_Wine(unittest.TestCase):
         prefix = self.folder / "prefix"
         prefix.mkdir()
         (prefix / "kit_ready").touch()
-        self.environment = {**os.environ, "PATH": f"{self.folder}:{os.environ['PATH']}", "KIT_WINEPREFIX": str(prefix)}
+        self.kept = self.folder / "kept"
+        self.kept.mkdir()
+        self.environment = {**os.environ, "TMPDIR": str(self.kept), "PATH": f"{self.folder}:{os.environ['PATH']}",
+                            "KIT_WINEPREFIX": str(prefix)}
 
     def ended(self, body, *arguments):
         """(status, number of starts, what was told) where the made-up Wine runs these lines of a shell."""
@@ -28,6 +31,7 @@ class Under_Wine(unittest.TestCase):
         wine.chmod(0o755)
         done = subprocess.run([UNDER_WINE, "panel_test.exe", *arguments], env=self.environment, capture_output=True,
                               text=True, check=False)
+        self.assertEqual(list(self.kept.iterdir()), [], "what it left behind")
         return done.returncode, len(starts.read_text().splitlines()), done.stderr
 
     begin = 'echo 0 > "$TEST_PREMATURE_EXIT_FILE"'
