@@ -367,9 +367,7 @@ int Buttons::Select(int up_down) {
     Point point;
     const bool inside = Widget_Pointer(*this, &point);
     if (Widget_Inactive(*this)) {
-        if (Widget_Hidden(*this)) {
-            state = LOOK_PLAIN;  // what was shown when it was hidden is over when it comes back
-        }
+        state = LOOK_PLAIN;  // what was shown when it was greyed or hidden is over when it comes back
         return 0;
     }
     if (up_down == MOUSE_ASK) {

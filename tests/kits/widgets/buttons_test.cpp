@@ -457,16 +457,18 @@ TEST_F(Buttons_Test, inactive_or_edited_buttons_are_never_hit) {
     EXPECT_EQ(button.state, 0);
 }
 
-TEST_F(Buttons_Test, a_look_that_was_shown_when_it_was_hidden_is_gone_when_it_comes_back) {
+TEST_F(Buttons_Test, a_look_that_was_shown_when_it_was_hidden_or_greyed_is_gone_when_it_comes_back) {
     const Window_Picture plain = window.Read();
-    Point_Inside();
-    button.Select(PRESS);
-    button.style |= STYLE_EDITED;
-    Point_Outside();
-    button.Select(0);
-    button.style &= ~static_cast<unsigned int>(STYLE_EDITED);
-    button.Draw();
-    EXPECT_EQ(window.Read(), plain);
+    for (const unsigned int bits : {STYLE_EDITED, STYLE_INACTIVE}) {
+        Point_Inside();
+        button.Select(PRESS);
+        button.style |= bits;
+        Point_Outside();
+        button.Select(0);
+        button.style &= ~bits;
+        button.Draw();
+        EXPECT_EQ(window.Read(), plain) << bits;
+    }
 }
 
 TEST_F(Buttons_Test, frame_bit_alone_does_not_disable) {

@@ -13,6 +13,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <random>
 #include <thread>
 #include <utility>
 
@@ -32,15 +33,25 @@ void Text_Write(const fs::path& file, const std::string& text) {
 }  // namespace
 
 int Free_Port() {
-    const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    const bool is_bound = ::bind(socket, reinterpret_cast<const sockaddr*>(&address), size) == 0 &&
-                          ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size) == 0;
-    ::close(socket);
-    return is_bound ? ntohs(address.sin_port) : 0;
+    // Not one that the system chooses: it gives those to every connection that begins meanwhile, too.
+    constexpr int first = 20000;
+    constexpr int last = 32000;
+    constexpr int attempts = 100;
+    std::random_device random;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        const int port = std::uniform_int_distribution<int>(first, last)(random);
+        const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
+        sockaddr_in address = {};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_ANY);
+        address.sin_port = htons(static_cast<std::uint16_t>(port));
+        const bool is_bound = ::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+        ::close(socket);
+        if (is_bound) {
+            return port;
+        }
+    }
+    return 0;
 }
 
 bool Archive_Server::Is_Installed() {
