@@ -34,6 +34,14 @@ void Contract_Check() {
     }
 }
 
+std::vector<std::filesystem::path> Files_Named(const Command_Line& options) {
+    std::vector<std::filesystem::path> paths;
+    for (const std::string& file : options.files) {
+        paths.push_back(volumes::Path_From_Utf8(file));
+    }
+    return paths;
+}
+
 }  // namespace
 
 Application::Application(const Command_Line& command_line) : parts(command_line, *this) {
@@ -82,6 +90,9 @@ bool Application::Start(int show) {
     parts.look.Dpi_Set(Window_Dpi(frame));
     parts.variables.Scale_Set(parts.look.Scale());
     parts.window_control.Settings_Open();
+    if (!parts.options.files.empty()) {
+        parts.opener.Read_Ahead(Files_Named(parts.options));
+    }
     parts.panels.Add(
         {[this](int tag) { parts.tags.Tag_Set(tag, false); }, [this](int brush) { parts.tags.Brush_Set(brush); },
          [this](int marker) { parts.tags.Marker_Set(marker); }, [this] { parts.work.hub.Ask(UPDATE_HISTO_PAINT); }});
@@ -125,13 +136,10 @@ void Application::Work_Begin() {
     }
     const bool is_recovered = parts.recovery.Offer();
     if (is_recovered && !parts.options.files.empty()) {
+        parts.opener.Ahead_Drop();
         parts.report.Line("files_not_opened");
     } else if (!parts.options.files.empty()) {
-        std::vector<std::filesystem::path> paths;
-        for (const std::string& file : parts.options.files) {
-            paths.push_back(volumes::Path_From_Utf8(file));
-        }
-        parts.opener.Open(paths);
+        parts.opener.Open(Files_Named(parts.options));
     }
 }
 

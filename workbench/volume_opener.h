@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -17,6 +18,7 @@
 #include "workbench/model/workspace.h"
 #include "workbench/report.h"
 #include "workbench/volume_objects.h"
+#include "workbench/volumes/ahead_reading.h"
 
 namespace workbench {
 
@@ -74,6 +76,10 @@ class Volume_Opener : public Volume_File_Actions {
     std::vector<Numbered_Entry> Recent_Entries() const override;
     void Recent_Open(int number) override;
 
+    /** Begins to read what Open is about to be given, while other things are done. */
+    void Read_Ahead(std::span<const std::filesystem::path> paths);
+    /** It is not to be opened after all. */
+    void Ahead_Drop() { ahead.reset(); }
     /** Opens files and folders, all together, in place of what is open. */
     void Open(std::span<const std::filesystem::path> paths);
     /** Goes to another volume and makes the histogram of all its frames; nothing for one that there is not. */
@@ -94,6 +100,9 @@ class Volume_Opener : public Volume_File_Actions {
     List_Window& Read_List() { return read_list; }
 
   private:
+    volumes::Load_Limits Limits() const;
+    /** Bytes up to which folders are read whole. */
+    std::uint64_t Whole_Most() const;
     /** Tells which files were not opened, and why. */
     void Problems_Tell(const volumes::Image_Folder& opened, const std::filesystem::path& first);
     void Paths_Note(std::span<const std::filesystem::path> paths);
@@ -107,6 +116,7 @@ class Volume_Opener : public Volume_File_Actions {
     bool Set(int wanted);
 
     Opener_Parts of;
+    std::unique_ptr<volumes::Ahead_Reading> ahead;  // null: nothing is being read
     std::string first_labels;
     std::string not_opened;                              // files, and why; UTF-8, one per line
     std::vector<volumes::Folder_Problem> read_warnings;  // of files that are open

@@ -139,7 +139,7 @@ void Window_Dialogs::Run(const std::string& what, const std::function<void(const
     std::exception_ptr failure;
     // The action goes on beside this thread, so that the window answers; nothing of the window is used there, and of
     // the kits only what computes.
-    std::thread worker([&] {
+    std::thread worker([&, waiting = ::GetCurrentThreadId()] {
         try {
             action([&](double done) {
                 share = done;
@@ -149,6 +149,7 @@ void Window_Dialogs::Run(const std::string& what, const std::function<void(const
             failure = std::current_exception();
         }
         is_done = true;
+        ::PostThreadMessageW(waiting, WM_NULL, 0, 0);  // who waits for messages looks at once
     });
     {
         Progress_Window progress(look, owner(), Wide_Of_Utf8(what));
