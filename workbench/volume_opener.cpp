@@ -26,18 +26,12 @@ std::string Problem_Sentence(const volumes::Folder_Problem& problem) {
 
 }  // namespace
 
-volumes::Load_Limits Volume_Opener::Limits() const {
+void Volume_Opener::Read_Ahead(std::span<const std::filesystem::path> paths) {
+    Ahead_Drop();  // two readings at once would each want the memory
     volumes::Load_Limits limits;
     limits.decoded_bytes = of.memory_most();
-    return limits;
-}
-
-std::uint64_t Volume_Opener::Whole_Most() const {
-    return static_cast<std::uint64_t>(of.settings.whole_folder) << 20U;  // from MiB
-}
-
-void Volume_Opener::Read_Ahead(std::span<const std::filesystem::path> paths) {
-    ahead = std::make_unique<volumes::Ahead_Reading>(paths, Limits(), Whole_Most());
+    const std::uint64_t whole_most = static_cast<std::uint64_t>(of.settings.whole_folder) << 20U;  // from MiB
+    ahead = std::make_unique<volumes::Ahead_Reading>(paths, limits, whole_most);
 }
 
 void Volume_Opener::Open(std::span<const std::filesystem::path> paths) {
@@ -45,17 +39,14 @@ void Volume_Opener::Open(std::span<const std::filesystem::path> paths) {
         of.dialogs.Warn("The name of the file cannot be used on this system.");
         return;
     }
-    std::unique_ptr<volumes::Ahead_Reading> begun = std::exchange(ahead, nullptr);
-    if (begun != nullptr && !begun->Is_Of(paths)) {
-        begun.reset();
+    if (ahead == nullptr || !ahead->Is_Of(paths)) {
+        Read_Ahead(paths);
     }
-    const volumes::Load_Limits limits = Limits();
-    const std::uint64_t whole_most = Whole_Most();
+    const std::unique_ptr<volumes::Ahead_Reading> reading = std::move(ahead);
     volumes::Image_Folder opened;
     std::vector<volumes::Volume_Statistics> numbers;
     of.dialogs.Run("Loading " + volumes::File_Name_Text(paths.front()), [&](const volumes::Load_Progress& progress) {
-        opened =
-            begun != nullptr ? begun->Take(progress) : volumes::Image_Folder_Open(paths, progress, limits, whole_most);
+        opened = reading->Take(progress);
         of.report.Time("read");
         for (const volumes::Folder_Volume& one : opened.volumes) {
             numbers.push_back(one.waiting.empty()

@@ -76,7 +76,7 @@ class Volume_Opener : public Volume_File_Actions {
     std::vector<Numbered_Entry> Recent_Entries() const override;
     void Recent_Open(int number) override;
 
-    /** Begins to read what Open is about to be given, while other things are done. */
+    /** Begins to read what Open will be given, while other things are done. */
     void Read_Ahead(std::span<const std::filesystem::path> paths);
     /** It is not to be opened after all. */
     void Ahead_Drop() { ahead.reset(); }
@@ -100,9 +100,6 @@ class Volume_Opener : public Volume_File_Actions {
     List_Window& Read_List() { return read_list; }
 
   private:
-    volumes::Load_Limits Limits() const;
-    /** Bytes up to which folders are read whole. */
-    std::uint64_t Whole_Most() const;
     /** Tells which files were not opened, and why. */
     void Problems_Tell(const volumes::Image_Folder& opened, const std::filesystem::path& first);
     void Paths_Note(std::span<const std::filesystem::path> paths);

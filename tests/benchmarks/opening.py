@@ -99,15 +99,23 @@ def seconds(read, path):
     receiving, sending = os.pipe()
     child = os.fork()
     if child == 0:
-        begin = time.monotonic()
-        read(path)
-        os.write(sending, repr(time.monotonic() - begin).encode())
-        os._exit(0)
+        try:
+            begin = time.monotonic()
+            read(path)
+            os.write(sending, repr(time.monotonic() - begin).encode())
+        finally:
+            os._exit(0)  # whatever happens, it must not go on as its parent
     os.close(sending)
     with os.fdopen(receiving) as told:
         text = told.read()
     os.waitpid(child, 0)
+    if not text:
+        raise SystemExit(f"opening: the witness could not read {path}")
     return float(text)
+
+
+def windows_path(path):
+    return "Z:" + str(path).replace("/", "\\")
 
 
 def program_id(mark):
@@ -129,8 +137,8 @@ class Start:
         with tempfile.TemporaryDirectory() as scratch:
             log = pathlib.Path(scratch) / "report.txt"
             log.touch()
-            report = "Z:" + str(log).replace("/", "\\")
-            files = ["Z:" + str(path).replace("/", "\\")] if path else []
+            report = windows_path(log)
+            files = [windows_path(path)] if path else []
             wine = subprocess.Popen(["wine", workbench, "--report", report, *files], stdin=subprocess.DEVNULL,
                                     stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
             self.times = {}
@@ -151,25 +159,10 @@ class Start:
             wine.wait()
 
 
-class Hold:
-    """Wine's services, kept alive between the starts."""
-
-    def __init__(self, program):
-        self.folder = tempfile.TemporaryDirectory()
-        ready = pathlib.Path(self.folder.name) / "ready"
-        self.program = subprocess.Popen(["wine", program, "Z:" + str(ready).replace("/", "\\")],
-                                        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        end = time.monotonic() + PATIENCE
-        while not ready.exists() and time.monotonic() < end:
-            time.sleep(0.1)
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *unused):
-        self.program.kill()
-        self.program.wait()
-        self.folder.cleanup()
+def hold_start(program):
+    """Keeps Wine's services alive between the starts, until the display of this run ends."""
+    scripts = pathlib.Path(__file__).resolve().parents[2] / "scripts"
+    subprocess.run(["bash", "-c", f'. "{scripts}/wine_environment"; wine_hold_start "$0"', program], check=True)
 
 
 def figures(name, starts, witness, voxel_bytes):
@@ -202,15 +195,15 @@ def main():
     }
     starts = {name: [] for name in opened}
     witness = {name: [] for name in opened}
-    with Hold(workbench.with_name("guihold.exe")):
-        for at in range(rounds + 1):  # the first one fills the system's cache and is not counted
-            for name, (path, read, last, _) in opened.items():
-                start = Start(str(workbench), path, last)
-                reading = seconds(read, path) if read else 0.0
-                if at > 0:
-                    starts[name].append(start)
-                    witness[name] += [reading] if read else []
-                    print(f"{name}: {start.times}, {start.peak / 1e6:.0f} MB at most, witness {reading:.3f} s", flush=True)
+    hold_start(workbench.with_name("guihold.exe"))
+    for at in range(rounds + 1):  # the first one fills the system's cache and is not counted
+        for name, (path, read, last, _) in opened.items():
+            start = Start(str(workbench), path, last)
+            reading = seconds(read, path) if read else 0.0
+            if at > 0:
+                starts[name].append(start)
+                witness[name] += [reading] if read else []
+                print(f"{name}: {start.times}, {start.peak / 1e6:.0f} MB at most, witness {reading:.3f} s", flush=True)
     made = [figures(name, starts[name], witness[name], opened[name][3]) for name in opened]
     out.write_text(json.dumps({"benchmarks": made}, indent=1) + "\n")
 

@@ -11,9 +11,13 @@ Ahead_Reading::Ahead_Reading(std::span<const std::filesystem::path> of_paths, co
                              std::uint64_t whole_most)
     : paths(of_paths.begin(), of_paths.end()), limits(load_limits), whole(whole_most) {
     try {
+        {  // some systems take the memory of locks at their first use: here its lack is no more than that of a thread
+            std::unique_lock lock(mutex);
+            changed.wait_for(lock, std::chrono::seconds(0));
+        }
         thread = std::thread([this] { Read(); });
     } catch (const std::system_error&) {
-        return;  // there is no further thread
+        return;  // Take reads
     }
 }
 

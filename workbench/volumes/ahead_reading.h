@@ -17,7 +17,7 @@ namespace volumes {
 /** Does what Image_Folder_Open does, on a thread of its own that begins at once. All calls on one thread. */
 class Ahead_Reading {
   public:
-    /** As Image_Folder_Open takes them. Throws std::bad_alloc; where no thread can be had, Take reads. */
+    /** As Image_Folder_Open takes them. Throws std::bad_alloc; where no thread or lock can be had, Take reads. */
     Ahead_Reading(std::span<const std::filesystem::path> of_paths, const Load_Limits& load_limits,
                   std::uint64_t whole_most);
     /** Gives up what is not read yet, and waits for the thread. */

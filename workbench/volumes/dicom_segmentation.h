@@ -21,9 +21,11 @@ struct Coded_Concept {
     bool operator==(const Coded_Concept&) const = default;
 };
 
+inline constexpr int TAG_MOST = 255;  ///< largest number of a TAG
+
 /** What an object says of one of its segments. Texts are UTF-8. */
 struct Segment {
-    int tag = 0;                         ///< 1 .. 255
+    int tag = 0;                         ///< 1 .. TAG_MOST
     std::string label;                   ///< its name
     std::optional<std::uint32_t> color;  ///< 0x00RRGGBB
     Coded_Concept category;              ///< "Tissue"

@@ -18,7 +18,6 @@ namespace {
 
 constexpr const char* LABEL_MAP_CLASS = "1.2.840.10008.5.1.4.1.1.66.7";  // Label Map Segmentation Storage
 constexpr const char* TAG_DESCRIPTION = "TAG ";
-constexpr int TAG_MOST = 255;
 constexpr std::int32_t SEGMENT_NUMBER_MOST = 65535;
 
 Coded_Concept Concept_Read(DcmItem& item, const DcmTagKey& tag) {

@@ -22,8 +22,6 @@ namespace volumes {
 
 namespace {
 
-constexpr int STRUCTURE_MOST = 255;
-
 /** All numbers of a value; empty when one is none. */
 std::vector<double> Numbers_Of(DcmItem& item, const DcmTagKey& tag) {
     DcmElement* element = nullptr;
@@ -98,7 +96,7 @@ class Structure_Reader {
             if (!number || regions.contains(*number)) {
                 throw Dicom_Refusal{"has a region without a number of its own"};
             }
-            is_number = is_number && *number >= 1 && *number <= STRUCTURE_MOST;
+            is_number = is_number && *number >= 1 && *number <= TAG_MOST;
             regions[*number] = result.segments.size();
             Segment one;
             one.tag = *number;
@@ -108,9 +106,9 @@ class Structure_Reader {
         if (regions.empty()) {
             throw Dicom_Refusal{"describes no region"};
         }
-        if (regions.size() > static_cast<std::size_t>(STRUCTURE_MOST)) {
+        if (regions.size() > static_cast<std::size_t>(TAG_MOST)) {
             throw Dicom_Refusal{"has " + Count_Text(regions.size()) + " regions; there are " +
-                                std::to_string(STRUCTURE_MOST) + " TAGs"};
+                                std::to_string(TAG_MOST) + " TAGs"};
         }
         for (std::size_t one = 0; one < result.segments.size() && !is_number; ++one) {
             result.segments[one].tag = static_cast<int>(one) + 1;

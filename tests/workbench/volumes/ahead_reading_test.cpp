@@ -21,7 +21,7 @@ class Images_Read_Ahead : public testing::Test {
         Nifti_Bytes large = Small_File();
         large.dim = {3, 512, 512, 800, 1, 1, 1, 1};
         File_Put(paths.front(), large.File());
-        std::filesystem::resize_file(paths.front(), 352 + std::uintmax_t{512} * 512 * 2000);
+        std::filesystem::resize_file(paths.front(), 352 + std::uintmax_t{512} * 512 * 800);
     }
     std::unique_ptr<Ahead_Reading> Begun() const {
         return std::make_unique<Ahead_Reading>(paths, Load_Limits{}, WHOLE_ALWAYS);
